@@ -1,0 +1,54 @@
+#include "GitController.h"
+
+#include "GitDispatch.h"
+#include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+
+namespace neb {
+
+bool GitController::authenticationRequiredForRequest(const NEBSourceControlRequest& request) const {
+    switch (request.type) {
+        case NEBSourceControlRequestUpdate:
+        case NEBSourceControlRequestListBranches:
+        case NEBSourceControlRequestClone:
+        case NEBSourceControlRequestPush:
+        case NEBSourceControlRequestFetch:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool GitController::validateRequest(const NEBSourceControlRequest& request,
+                                    std::optional<NEBSourceControlError>* error) const {
+    if (request.type == NEBSourceControlRequestListRemoteBranches ||
+        request.type == NEBSourceControlRequestListRemoteBranchesSecondForm ||
+        !authenticationRequiredForRequest(request)) {
+        return true;
+    }
+    const auto isReachable = [](const std::shared_ptr<NEBSourceControlSourceTree>& tree) {
+        return tree && tree->reachable;
+    };
+    if (isReachable(request.sourceTree) && isReachable(request.repositoryToAuthenticate)) {
+        return true;
+    }
+    if (error != nullptr) {
+        *error = NEBSourceControlError::withDescription(
+            NEBSourceControlNotReachableError,
+            formattedText("The operation could not be performed because the repository \"%@\" "
+                          "could not be reached.",
+                          {request.sourceTreeName()}));
+    }
+    return false;
+}
+
+std::shared_ptr<NEBSourceControlOperation> GitController::operationForRequest(
+    const std::shared_ptr<NEBSourceControlRequest>& request) const {
+    if (!request) {
+        return nullptr;
+    }
+    gitReportBrokenPreconditions(*request);
+    return gitMakeOperation(request);
+}
+
+}  // namespace neb

@@ -1,0 +1,69 @@
+#include "GitOperations/GitOperation.h"
+
+#include <atomic>
+
+#include "GitOperations/GitErrorTable.h"
+#include "LOMFoundation/LOMDeveloperPaths.h"
+#include "Platform/PathString.h"
+
+namespace neb {
+
+namespace {
+
+/// Where git is: set once, kept for the life of the process. Two first calls at once find the same
+/// path, and the one that comes second drops its copy.
+std::atomic<const std::string*> gitPath = nullptr;
+
+std::string findGit() {
+    return pathByAppendingComponent(LOMDeveloperPaths::defaultPaths()
+                                        .binSearchPathForPlatform(std::nullopt)
+                                        .preferredDirectoryPath()
+                                        .pathString(),
+                                    "git");
+}
+
+}  // namespace
+
+GitOperation::GitOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : NEBSourceControlTaskOperation(std::move(request)) {
+    const auto& sourceTree = this->request()->sourceTree;
+    if (sourceTree && sourceTree->location) {
+        setCurrentDirectoryPath(pathOfLocation(*sourceTree->location));
+    }
+}
+
+std::string GitOperation::launchPath() {
+    const std::string* known = gitPath.load();
+    if (known == nullptr) {
+        auto found = std::make_unique<const std::string>(findGit());
+        if (gitPath.compare_exchange_strong(known, found.get())) {
+            known = found.release();  // for the life of the process
+        }
+    }
+    return *known;
+}
+
+std::vector<std::string> GitOperation::defaultArguments() const {
+    std::vector<std::string> arguments;
+    const NEBValue& repository = request()->option(NEBSourceControlRequestOptionRepositoryPath);
+    if (repository.isPresent()) {
+        arguments.push_back("--git-dir=" + pathByExpandingTilde(repository.description()));
+    }
+    const NEBValue& workingCopy = request()->option(NEBSourceControlRequestOptionWorkingCopyPath);
+    if (workingCopy.isPresent()) {
+        arguments.push_back("--work-tree=" + workingCopy.description());
+    }
+    return arguments;
+}
+
+std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    if (!message) {
+        return std::nullopt;
+    }
+    const GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());
+    return translation.isKnown ? translation.error
+                               : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
+}
+
+}  // namespace neb

@@ -1,0 +1,45 @@
+// GitOperation.h - the base of every operation that runs one git command.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+
+namespace neb {
+
+/// Runs `git` in the folder that the request's source tree stands for. A subclass sets its
+/// arguments when it is made and, as a rule, reads the output in parseData().
+class GitOperation : public NEBSourceControlTaskOperation {
+public:
+    /// The working directory becomes the source tree's location, when that is an absolute path or a
+    /// file URL; else it stays unset.
+    explicit GitOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitOperation"; }
+
+    /// The path of git, from the host's developer paths; looked up once for the process. From any
+    /// thread.
+    [[nodiscard]] std::string launchPath() override;
+
+    /// The options that point git at the repository and working copy of the request's options:
+    /// "--git-dir=…" with a leading "~" expanded, then "--work-tree=…" exactly as given. Empty when
+    /// the options name neither.
+    [[nodiscard]] std::vector<std::string> defaultArguments() const;
+
+    /// Knows git's texts (see GitErrorTable.h); what it does not know goes to the host's own
+    /// translation.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override;
+
+    /// Reads one line of a status or of a list of names and states: a record with the status value
+    /// and the path, in front of which `fullPath` is put unless that is empty. Nothing for a line
+    /// without a state.
+    [[nodiscard]] static std::optional<NEBDictionary> parseForStatusAndPathWithLine(
+        std::string_view line, std::string_view fullPath);
+};
+
+}  // namespace neb

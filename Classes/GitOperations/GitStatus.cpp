@@ -1,0 +1,108 @@
+#include "GitOperations/GitStatus.h"
+
+#include <algorithm>
+
+#include "NEBFoundation/NEBSourceControlManager.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/PathString.h"
+#include "Platform/Scanner.h"
+
+namespace neb {
+
+namespace {
+
+struct StatusLetter {
+    std::string_view letter;
+    std::uint32_t status;
+};
+
+constexpr StatusLetter statusLetters[] = {
+    {"A", 1}, {"C", 4096}, {"D", 2}, {"M", 4}, {"R", 4096}, {"T", 4}, {"U", 16}, {"?", 256},
+};
+
+/// The letters of a status, of both its columns.
+const CharacterSet& statusCharacters() {
+    static const CharacterSet set = CharacterSet::uppercaseLetters() | CharacterSet("?");
+    return set;
+}
+
+/// A rename is written as old path, arrow, new path; a path with unusual characters stands in
+/// quotes, whose escapes stay as they are.
+std::string_view cleanedPath(std::string_view path) {
+    constexpr std::string_view arrow = "-> ";
+    if (const std::size_t place = path.find(arrow); place != std::string_view::npos) {
+        path.remove_prefix(place + arrow.size());
+    }
+    if (path.starts_with('"')) {
+        path.remove_prefix(1);
+    }
+    if (path.ends_with('"')) {
+        path.remove_suffix(1);
+    }
+    return path;
+}
+
+}  // namespace
+
+std::uint32_t nebgit_sourceControlStatus(std::string_view letters) {
+    const std::string_view first = letters.substr(0, 1);
+    const auto* row =
+        std::find_if(std::begin(statusLetters), std::end(statusLetters),
+                     [first](const StatusLetter& candidate) { return candidate.letter == first; });
+    if (row != std::end(statusLetters)) {
+        return row->status;
+    }
+    LOMLogAspect& aspect = NEBSourceControlManager::sourceControlLogAspect();
+    if (aspect.logLevel != 0) {
+        aspect._logAtLogLevel(1, "ERROR: status value not handled for WC: %@",
+                              {std::string(letters)});
+    }
+    return 0;
+}
+
+std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
+    std::string_view line, std::string_view fullPath) {
+    Scanner scanner(line);
+    scanner.skip(CharacterSet::whitespace());
+    const std::string_view status = scanner.take(statusCharacters());
+    if (status.empty()) {
+        return std::nullopt;
+    }
+    scanner.skip(CharacterSet::whitespace());
+    const std::string_view path = cleanedPath(scanner.rest());
+
+    NEBDictionary record;
+    record.set(NEBSourceControlOperationWCStatusKey, nebgit_sourceControlStatus(status));
+    record.set(NEBSourceControlOperationPathKey, pathByAppendingComponent(fullPath, path));
+    return record;
+}
+
+GitStatusOperation::GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"status", "--porcelain"};
+    const NEBValue& destination = this->request()->destination;
+    if (destination.isPresent()) {
+        arguments.insert(arguments.end(), {"--", destination.description()});
+    }
+    setArguments(std::move(arguments));
+}
+
+void GitStatusOperation::parseData() {
+    const std::string text = _nebsc_stringFromData(data()).value_or("");
+    const auto& sourceTree = request()->sourceTree;
+    NEBSourceControlResult records;
+    if (sourceTree && sourceTree->isValid) {
+        const std::string location = sourceTree->location.value_or("");
+        std::string_view rest = text;
+        while (!rest.empty()) {
+            const std::size_t end = rest.find('\n');
+            if (auto record = parseForStatusAndPathWithLine(rest.substr(0, end), location)) {
+                records.push_back(std::move(*record));
+            }
+            rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
+        }
+    }
+    setResult(std::move(records));
+}
+
+}  // namespace neb

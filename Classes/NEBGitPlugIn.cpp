@@ -1,0 +1,27 @@
+// What NEBGit.so shows to a host, and nothing else of it is visible.
+
+#include "GitController.h"
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+
+extern "C" {
+
+NEB_EXPORT extern const char NEBGitVersionString[];
+NEB_EXPORT extern const double NEBGitVersionNumber;
+NEB_EXPORT const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn();
+
+const char NEBGitVersionString[] = "@(#)PROGRAM:NEBGit  PROJECT:NEBGit-" NEBGIT_VERSION "\n";
+const double NEBGitVersionNumber = NEBGIT_VERSION_NUMBER;
+
+const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn() {
+    static constexpr neb::NEBSourceControlPlugInDescription description{
+        .contractVersion = neb::NEBSourceControlContractVersion,
+        .name = "NEBGit",
+        .version = NEBGIT_VERSION,
+        .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* {
+            return new neb::GitController;  // the host owns it
+        },
+    };
+    return &description;
+}
+
+}  // extern "C"

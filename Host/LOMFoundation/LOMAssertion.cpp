@@ -1,0 +1,57 @@
+#include "LOMFoundation/LOMAssertion.h"
+
+#include <cstdio>
+#include <mutex>
+#include <utility>
+
+#include "LOMFoundation/LOMFormat.h"
+
+namespace neb {
+
+namespace {
+
+struct SinkHolder {
+    std::mutex mutex;
+    LOMAssertionSink sink;  // guarded by mutex
+};
+
+SinkHolder& sinkHolder() {
+    static SinkHolder holder;
+    return holder;
+}
+
+void writeLine(const LOMAssertionReport& report) {
+    // Nobody can be told that standard error takes nothing.
+    static_cast<void>(std::fprintf(stderr, "%s: %s:%d: %s\n", report.function.c_str(),
+                                   report.file.c_str(), report.line, report.message.c_str()));
+}
+
+}  // namespace
+
+void _LOMAssertionFailureHandler(std::string_view /*object*/, std::string_view /*command*/,
+                                 std::string_view functionName, std::string_view fileName,
+                                 int lineNumber, std::string_view format,
+                                 const std::vector<std::string>& arguments) {
+    const LOMAssertionReport report{
+        .function = std::string(functionName),
+        .file = std::string(fileName),
+        .line = lineNumber,
+        .message = formattedText(format, arguments),
+        .condition = arguments.empty() ? std::string() : arguments.back(),
+    };
+    SinkHolder& holder = sinkHolder();
+    const std::lock_guard lock(holder.mutex);
+    if (holder.sink) {
+        holder.sink(report);
+    } else {
+        writeLine(report);
+    }
+}
+
+void LOMSetAssertionSink(LOMAssertionSink sink) {
+    SinkHolder& holder = sinkHolder();
+    const std::lock_guard lock(holder.mutex);
+    holder.sink = std::move(sink);
+}
+
+}  // namespace neb

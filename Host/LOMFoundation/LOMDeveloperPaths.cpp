@@ -1,0 +1,60 @@
+#include "LOMFoundation/LOMDeveloperPaths.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "Platform/PathString.h"
+
+namespace neb {
+
+namespace {
+
+constexpr std::string_view fallbackDirectory = "/usr/bin";
+
+bool isExecutableFile(const std::string& path) {
+    struct stat information {};
+    return ::stat(path.c_str(), &information) == 0 && S_ISREG(information.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+/// Relative and empty elements of PATH are passed over: they would make the git that runs depend
+/// on where the host happens to be, perhaps in a folder that came with a repository.
+std::string firstDirectoryWithGit() {
+    const char* variable = std::getenv("PATH");
+    std::string_view rest = variable == nullptr ? "" : variable;
+    while (!rest.empty()) {
+        const std::size_t colon = rest.find(':');
+        const std::string_view directory = rest.substr(0, colon);
+        rest = colon == std::string_view::npos ? std::string_view{} : rest.substr(colon + 1);
+        if (!directory.empty() && directory.front() == '/' &&
+            isExecutableFile(pathByAppendingComponent(directory, "git"))) {
+            return std::string(directory);
+        }
+    }
+    return std::string(fallbackDirectory);
+}
+
+}  // namespace
+
+LOMDeveloperPaths& LOMDeveloperPaths::defaultPaths() {
+    static LOMDeveloperPaths paths;
+    return paths;
+}
+
+LOMSearchPath LOMDeveloperPaths::binSearchPathForPlatform(
+    std::optional<std::string_view> /*platform*/) const {
+    const std::lock_guard lock(_mutex);
+    return LOMSearchPath(_preferredBinaryDirectory
+                             ? *_preferredBinaryDirectory
+                             : LOMFilePath::filePathForPathString(firstDirectoryWithGit()));
+}
+
+void LOMDeveloperPaths::setPreferredBinaryDirectory(std::optional<LOMFilePath> directory) {
+    const std::lock_guard lock(_mutex);
+    _preferredBinaryDirectory = std::move(directory);
+}
+
+}  // namespace neb

@@ -1,0 +1,30 @@
+#include "LOMFoundation/LOMLogAspect.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "LOMFoundation/LOMFormat.h"
+
+namespace neb {
+
+void LOMLogAspect::_logAtLogLevel(int level, std::string_view format,
+                                  const std::vector<std::string>& arguments) {
+    if (level > logLevel) {
+        return;
+    }
+    const std::string message = formattedText(format, arguments);
+    const std::lock_guard lock(_mutex);
+    if (_sink) {
+        _sink(message);
+    } else {
+        // Nobody can be told that standard error takes nothing.
+        static_cast<void>(std::fprintf(stderr, "%s: %s\n", _name.c_str(), message.c_str()));
+    }
+}
+
+void LOMLogAspect::setSink(Sink sink) {
+    const std::lock_guard lock(_mutex);
+    _sink = std::move(sink);
+}
+
+}  // namespace neb

@@ -1,0 +1,242 @@
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+namespace neb {
+
+namespace {
+
+struct SetVariable {
+    std::string_view name, value, reason;
+};
+
+constexpr SetVariable setVariables[] = {
+    {"LC_ALL", "C.UTF-8", "the texts that errors are recognised by are English, names are UTF-8"},
+    {"LANGUAGE", "", "it would choose a translation in spite of LC_ALL"},
+    {"GIT_TERMINAL_PROMPT", "0", "a question for credentials fails at once"},
+    {"GIT_EDITOR", ":", "a message that is missing is an error, no editor waits for it"},
+    {"GIT_SEQUENCE_EDITOR", ":", "a rebase goes on with the list that git made"},
+    {"GIT_PAGER", "cat", "output goes to us"},
+    {"GIT_FLUSH", "0", "git writes whole buffers into the pipe, not record by record"},
+};
+
+struct RemovedVariable {
+    std::string_view name, reason;
+};
+
+constexpr std::string_view tiesToRepository = "ties a process to one repository";
+constexpr std::string_view changesNames = "changes what a name in the arguments means";
+
+constexpr RemovedVariable removedVariables[] = {
+    // All that `git rev-parse --local-env-vars` names. GIT_CONFIG_COUNT and its pairs carry the
+    // user's own entries and are taken over below, ours behind them.
+    {"GIT_ALTERNATE_OBJECT_DIRECTORIES", tiesToRepository},
+    {"GIT_CONFIG", tiesToRepository},
+    {"GIT_CONFIG_PARAMETERS", "it would win over the settings that we pin"},
+    {"GIT_OBJECT_DIRECTORY", tiesToRepository},
+    {"GIT_DIR", tiesToRepository},
+    {"GIT_WORK_TREE", tiesToRepository},
+    {"GIT_IMPLICIT_WORK_TREE", tiesToRepository},
+    {"GIT_GRAFT_FILE", tiesToRepository},
+    {"GIT_INDEX_FILE", tiesToRepository},
+    {"GIT_NO_REPLACE_OBJECTS", tiesToRepository},
+    {"GIT_REPLACE_REF_BASE", tiesToRepository},
+    {"GIT_PREFIX", tiesToRepository},
+    {"GIT_SHALLOW_FILE", tiesToRepository},
+    {"GIT_COMMON_DIR", tiesToRepository},
+    {"GIT_INTERNAL_SUPER_PREFIX", tiesToRepository},
+    {"GIT_LITERAL_PATHSPECS", changesNames},
+    {"GIT_GLOB_PATHSPECS", changesNames},
+    {"GIT_NOGLOB_PATHSPECS", changesNames},
+    {"GIT_ICASE_PATHSPECS", changesNames},
+    {"GIT_DIFF_OPTS", "changes the number of context lines"},
+    {"GIT_EXTERNAL_DIFF", "puts another program's output in place of a difference"},
+    {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
+    {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
+};
+
+/// These write into the text that becomes an error.
+constexpr std::string_view removedPrefix = "GIT_TRACE";
+
+constexpr std::string_view configCount = "GIT_CONFIG_COUNT";
+constexpr std::string_view configKey = "GIT_CONFIG_KEY_";
+constexpr std::string_view configValue = "GIT_CONFIG_VALUE_";
+
+struct PinnedSetting {
+    std::string_view key, value;
+};
+
+/// Settings that would change what we read. What a user means to say with a setting (identity,
+/// signing, line ends, merge drivers, where to push) is not here.
+constexpr PinnedSetting pinnedSettings[] = {
+    // colour and columns
+    {"color.ui", "false"},
+    {"color.advice", "false"},
+    {"color.branch", "false"},
+    {"color.diff", "false"},
+    {"color.push", "false"},
+    {"color.remote", "false"},
+    {"color.status", "false"},
+    {"color.transport", "false"},
+    {"column.ui", "never"},
+    {"column.branch", "never"},
+    {"column.status", "never"},
+    // names, as they are wherever git can write them so; abbreviations as git thinks right
+    {"core.quotePath", "false"},
+    {"core.abbrev", "auto"},
+    {"i18n.logOutputEncoding", "UTF-8"},
+    // status
+    {"status.showUntrackedFiles", "normal"},
+    {"status.renames", "true"},
+    {"status.relativePaths", "true"},
+    {"status.branch", "false"},
+    {"status.short", "false"},
+    {"status.showStash", "false"},
+    {"status.submoduleSummary", "false"},
+    // differences
+    {"diff.renames", "true"},
+    {"diff.noprefix", "false"},
+    {"diff.mnemonicPrefix", "false"},
+    {"diff.srcPrefix", "a/"},
+    {"diff.dstPrefix", "b/"},
+    {"diff.relative", "false"},
+    {"diff.context", "3"},
+    {"diff.interHunkContext", "0"},
+    {"diff.algorithm", "default"},
+    {"diff.indentHeuristic", "true"},
+    {"diff.suppressBlankEmpty", "false"},
+    {"diff.submodule", "short"},
+    {"diff.colorMoved", "no"},
+    // blame and log
+    {"blame.date", "iso"},
+    {"blame.showEmail", "false"},
+    {"blame.showRoot", "false"},
+    {"blame.blankBoundary", "false"},
+    {"blame.coloring", "none"},
+    {"blame.markUnblamableLines", "false"},
+    {"blame.markIgnoredLines", "false"},
+    {"log.decorate", "false"},
+    {"log.showSignature", "false"},
+    {"log.showRoot", "true"},
+    {"log.follow", "false"},
+    {"log.abbrevCommit", "false"},
+    // the order of listings
+    {"branch.sort", "refname"},
+    // the hint by which an unmerged branch is recognised
+    {"advice.forceDeleteBranch", "true"},
+};
+
+std::string_view nameOf(std::string_view variable) {
+    return variable.substr(0, variable.find('='));
+}
+
+bool isSetByUs(std::string_view name) {
+    return std::any_of(std::begin(setVariables), std::end(setVariables),
+                       [name](const SetVariable& row) { return row.name == name; });
+}
+
+bool isRemoved(std::string_view name) {
+    return name.substr(0, removedPrefix.size()) == removedPrefix ||
+           std::any_of(std::begin(removedVariables), std::end(removedVariables),
+                       [name](const RemovedVariable& row) { return row.name == name; });
+}
+
+bool isConfiguration(std::string_view name) {
+    return name == configCount || name.substr(0, configKey.size()) == configKey ||
+           name.substr(0, configValue.size()) == configValue;
+}
+
+std::optional<std::string_view> valueOf(const std::vector<std::string>& environment,
+                                        std::string_view name) {
+    for (const std::string_view variable : environment) {
+        if (nameOf(variable) == name && variable.size() > name.size()) {
+            return variable.substr(name.size() + 1);
+        }
+    }
+    return std::nullopt;
+}
+
+/// Writes configuration entries in the form in which git takes them from the environment.
+class ConfigurationWriter {
+public:
+    explicit ConfigurationWriter(std::vector<std::string>& environment)
+        : _environment(environment) {}
+
+    void add(std::string_view key, std::string_view value) {
+        const std::string number = std::to_string(_count++);
+        _environment.push_back(std::string(configKey) + number + "=" + std::string(key));
+        _environment.push_back(std::string(configValue) + number + "=" + std::string(value));
+    }
+    void finish() {
+        _environment.push_back(std::string(configCount) + "=" + std::to_string(_count));
+    }
+
+private:
+    std::vector<std::string>& _environment;
+    std::size_t _count = 0;
+};
+
+/// The user's own entries. Where the count is no number or one of a pair is missing, git would die
+/// of it; such entries are left out.
+void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWriter& writer) {
+    const std::string_view countText = valueOf(inherited, configCount).value_or("");
+    std::size_t count = 0;
+    const auto [end, failure] =
+        std::from_chars(countText.data(), countText.data() + countText.size(), count);
+    if (failure != std::errc() || end != countText.data() + countText.size()) {
+        return;
+    }
+    // An absurd count is no reason to look for ever: there are no more pairs than variables.
+    for (std::size_t i = 0; i < std::min(count, inherited.size()); ++i) {
+        const std::string number = std::to_string(i);
+        const auto key = valueOf(inherited, std::string(configKey) + number);
+        const auto value = valueOf(inherited, std::string(configValue) + number);
+        if (key && value && !key->empty()) {
+            writer.add(*key, *value);
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> NEBSourceControlChildEnvironment(
+    const std::vector<std::string>& inherited, const NEBSourceControlChildTraits& traits) {
+    std::vector<std::string> environment;
+    for (const std::string& variable : inherited) {
+        const std::string_view name = nameOf(variable);
+        if (!isSetByUs(name) && !isRemoved(name) && !isConfiguration(name)) {
+            environment.push_back(variable);
+        }
+    }
+    for (const SetVariable& row : setVariables) {
+        environment.push_back(std::string(row.name) + "=" + std::string(row.value));
+    }
+    if (traits.hasPatternCharacters) {
+        environment.emplace_back("GIT_LITERAL_PATHSPECS=1");
+    }
+    if (traits.isBackgroundWork) {
+        environment.emplace_back("GIT_OPTIONAL_LOCKS=0");
+    }
+    ConfigurationWriter writer(environment);
+    addUsersEntries(inherited, writer);
+    for (const PinnedSetting& setting : pinnedSettings) {
+        writer.add(setting.key, setting.value);
+    }
+    writer.finish();
+    return environment;
+}
+
+std::vector<std::string> NEBSourceControlInheritedEnvironment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        variables.emplace_back(*variable);
+    }
+    return variables;
+}
+
+}  // namespace neb

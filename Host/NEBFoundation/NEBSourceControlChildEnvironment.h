@@ -1,0 +1,28 @@
+// NEBSourceControlChildEnvironment.h - the environment that child processes of operations get.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Platform/Export.h"
+
+namespace neb {
+
+/// What differs from child to child.
+struct NEBSourceControlChildTraits {
+    /// A name of the request holds a character that git would read as a pattern.
+    bool hasPatternCharacters = false;
+    /// Nobody waits for the work.
+    bool isBackgroundWork = false;
+};
+
+/// The host's own environment `inherited` (each element `NAME=value`) with what must not bleed into
+/// git removed and what git must be told added; the tables in the source give the reason for each
+/// variable. From any thread.
+[[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlChildEnvironment(
+    const std::vector<std::string>& inherited, const NEBSourceControlChildTraits& traits);
+
+/// The host's own environment. Not while another thread changes it.
+[[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlInheritedEnvironment();
+
+}  // namespace neb

@@ -1,0 +1,37 @@
+// NEBSourceControlError.h - a failure that a person is told of.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "NEBFoundation/NEBDictionary.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Export.h"
+
+namespace neb {
+
+/// A value.
+class NEB_EXPORT NEBSourceControlError {
+public:
+    /// An error in NEBSourceControlErrorDomain with this description, and a suggestion unless that
+    /// is absent.
+    static NEBSourceControlError withDescription(std::int64_t code, std::string description,
+                                                 std::optional<std::string> suggestion = {});
+
+    std::string domain{NEBSourceControlErrorDomain.text()};
+    std::int64_t code = NEBSourceControlGenericError;
+    NEBDictionary userInfo;
+    /// The class of failure, a short fixed word such as "remote-ahead"; "unknown" where none is
+    /// certain. Absent until the operation that made the error has finished.
+    std::optional<std::string> errorClass;
+    /// The tool's own words, as they were; absent where no tool said anything.
+    std::optional<std::string> text;
+
+    /// From the user info, nothing where it has none.
+    [[nodiscard]] std::optional<std::string> localizedDescription() const;
+    [[nodiscard]] std::optional<std::string> localizedRecoverySuggestion() const;
+};
+
+}  // namespace neb

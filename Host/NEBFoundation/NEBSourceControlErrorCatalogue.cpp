@@ -1,0 +1,320 @@
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+
+#include <algorithm>
+#include <array>
+
+#include "LOMFoundation/LOMFormat.h"
+
+namespace neb {
+
+namespace {
+
+/// Holds where `first` stands in the text and, unless that is empty, `second` somewhere behind it.
+/// In small letters, as the text is when it is looked at.
+struct Sign {
+    std::string_view first, second = {};
+};
+
+struct Row {
+    std::string_view errorClass;
+    std::int64_t code;
+    /// Any of them shows the class.
+    std::array<Sign, 6> signs;
+};
+
+constexpr std::int64_t generic = NEBSourceControlGenericError;
+constexpr std::int64_t missingAtRevision = NEBSourceControlFileMissingAtRevisionError;
+constexpr std::int64_t notReachable = NEBSourceControlNotReachableError;
+constexpr std::int64_t authentication = NEBSourceControlAuthenticationError;
+constexpr std::int64_t uncommitted = NEBSourceControlUncommittedChangesError;
+constexpr std::int64_t remoteAhead = NEBSourceControlRemoteAheadError;
+constexpr std::int64_t targetExists = NEBSourceControlRenameTargetExistsError;
+constexpr std::int64_t sourceEmpty = NEBSourceControlSourceDirectoryEmptyError;
+constexpr std::int64_t notVersioned = NEBSourceControlNotVersionedError;
+constexpr std::int64_t branchRemoval = NEBSourceControlBranchRemovalError;
+constexpr std::int64_t noTracking = NEBSourceControlTrackingBranchNotFoundError;
+constexpr std::int64_t fastForward = NEBSourceControlFastForwardError;
+constexpr std::int64_t binaryMerge = NEBSourceControlBinaryMergeError;
+constexpr std::int64_t noPermission = NEBSourceControlNoPermissionError;
+
+/// The first row that a text shows decides: what is special stands before what is general, and the
+/// cause before what only accompanies it. In a comment, the git version that brought a text in or
+/// did away with it, where one did.
+constexpr Row rows[] = {
+    // the machine
+    {"disk-full", generic, {{{"no space left on device"}, {"disk quota exceeded"}}}},
+    {"owner-not-trusted",
+     generic,
+     {{{"detected dubious ownership in repository"},
+       {"unsafe repository ("}}}},  // 2.35.2 and its siblings only
+    {"configuration-broken",
+     generic,
+     {{{"bad config line"},
+       {"bad numeric config value"},
+       {"bad boolean config value"},
+       {"bad config variable"}}}},
+    // the way to the far end
+    {"ssh-key-refused",
+     authentication,
+     {{{"permission denied (publickey"},
+       {"permission denied (password"},
+       {"permission denied (keyboard-interactive"},
+       {"permission denied (gssapi"}}}},
+    {"ssh-host-key", notReachable, {{{"host key verification failed"}}}},
+    {"permission-denied",
+     noPermission,
+     {{{"permission denied"}, {"insufficient permission for adding an object"}}}},
+    {"index-locked", generic, {{{"index.lock': file exists"}}}},
+    {"credentials-refused", authentication, {{{"authentication failed for '"}}}},
+    {"credentials-needed",
+     authentication,
+     {{{"could not read username for"}, {"could not read password for"}}}},
+    {"certificate-untrusted",
+     authentication,
+     {{{"ssl certificate problem"},  // OpenSSL
+       {"server certificate verification failed"}}}},
+    {"host-unknown", notReachable, {{{"could not resolve host"}}}},
+    {"repository-not-found",
+     notReachable,
+     {{{"repository '", "' not found"},
+       {"does not appear to be a git repository"},
+       {"repository '", "' does not exist"},
+       {"error: repository not found"}}}},
+    {"http-refused",
+     generic,
+     {{{"the requested url returned error:"}, {"rate limited by"}}}},  // 2.54
+    {"host-unreachable",
+     notReachable,
+     {{{"failed to connect to"},
+       {"connect to server"},
+       {"connection refused"},
+       {"timed out"},
+       {"network is unreachable"},
+       {"no route to host"}}}},
+    // a push that was refused; the reason stands in brackets behind the branch
+    {"push-stale",
+     remoteAhead,
+     {{{"[rejected]", "(stale info)"}, {"[rejected]", "(remote ref updated since checkout)"}}}},
+    {"remote-ahead",
+     remoteAhead,
+     {{{"[rejected]", "(fetch first)"},
+       {"[rejected]", "(non-fast-forward)"},
+       {"merge the remote changes (e.g. 'git pull')"},  // until 1.8.3
+       {"transaction is out of date"}}}},               // Subversion
+    {"remote-hook-refused",
+     generic,
+     {{{"[remote rejected]", "hook declined)"}, {"a repository hook failed"}}}},  // Subversion
+    {"branch-checked-out-there",
+     generic,
+     {{{"[remote rejected]", "(branch is currently checked out)"}}}},
+    {"tag-exists",
+     generic,
+     {{{"[rejected]", "(already exists)"}, {"[rejected]", "(would clobber existing tag)"}}}},
+    {"nothing-to-push-from", generic, {{{"src refspec ", "does not match any"}}}},
+    {"connection-cut",
+     notReachable,
+     {{{"the remote end hung up unexpectedly"},
+       {"early eof"},
+       {"rpc failed"},
+       {"connection reset by peer"}}}},
+    // the state of the working copy
+    {"local-changes",
+     uncommitted,
+     {{{"your local changes to the following files would be overwritten by"},
+       {"cannot continue with staged changes in the following files"}}}},
+    {"untracked-in-the-way",
+     generic,
+     {{{"untracked working tree file", "would be overwritten by"},
+       {"untracked working tree file", "would be removed by"}}}},
+    {"conflict-unresolved",
+     generic,
+     {{{"because you have unmerged files"}, {"you need to resolve your current index first"}}}},
+    {"merge-unfinished", generic, {{{"you have not concluded your merge"}}}},
+    {"needs-clean-tree",
+     uncommitted,
+     {{{"you have unstaged changes"},
+       {"index contains uncommitted changes"},
+       {"update-index --refresh:"},            // Subversion
+       {"cannot dcommit with a dirty index"},  // Subversion
+       {"cannot rebase: "}}}},
+    {"conflict", binaryMerge, {{{"cannot merge binary files"}}}},
+    {"conflict", generic, {{{"conflict ("}, {"automatic merge failed"}, {"could not apply "}}}},
+    {"no-commits-yet", generic, {{{"does not have any commits yet"}}}},
+    {"not-a-repository", generic, {{{"not a git repository"}}}},
+    {"no-work-tree", generic, {{{"must be run in a work tree"}}}},
+    {"ref-locked", generic, {{{"cannot lock ref '"}, {"could not lock config file"}}}},
+    // names that git does not know, or knows already
+    {"path-unknown",
+     missingAtRevision,
+     {{{"exists on disk, but not in"}, {"path '", "' does not exist in"}, {"no such path '"}}}},
+    {"remote-branch-unknown",
+     generic,
+     {{{"couldn't find remote ref"}, {"remote branch ", "not found in upstream"}}}},
+    {"path-unknown",
+     notVersioned,
+     {{{"did not match any file"}, {"not under version control, source="}}}},
+    {"revision-unknown",
+     missingAtRevision,
+     {{{"unknown revision or path not in the working tree"},
+       {"bad revision '"},
+       {"not a valid object name"},
+       {"not a valid commit name"},
+       {"not something we can merge"},
+       {"invalid reference: "}}}},
+    {"branch-not-merged", branchRemoval, {{{"is not fully merged"}}}},
+    {"branch-exists", generic, {{{"a branch named '", "' already exists"}}}},
+    {"branch-in-use",
+     branchRemoval,
+     {{{"cannot delete branch '", "used by worktree at"},
+       {"cannot delete branch '", "checked out at"}}}},
+    {"branch-in-use",
+     generic,
+     {{{"used by worktree at"},  // 2.43
+       {"is already checked out at"}}}},
+    {"branch-name-invalid", generic, {{{"is not a valid branch name"}}}},
+    {"branch-unknown", branchRemoval, {{{"error: branch '", "' not found"}}}},
+    {"remote-unknown", generic, {{{"no such remote"}}}},
+    {"remote-exists", generic, {{{"error: remote ", " already exists"}}}},
+    {"no-push-destination",
+     generic,
+     {{{"no configured push destination"}, {"no remote repository specified"}}}},
+    {"no-upstream",
+     noTracking,
+     {{{"has no upstream branch"},
+       {"there is no tracking information for the current branch"},
+       {"because this is not the default configured remote"}}}},
+    {"destination-exists",
+     targetExists,
+     {{{"destination exists, source="},
+       {"destination already exists, source="},
+       {"cannot move directory over file, source="}}}},
+    {"destination-exists", generic, {{{"already exists and is not an empty directory"}}}},
+    {"source-directory-empty", sourceEmpty, {{{"source directory is empty"}}}},
+    // histories
+    {"diverged", fastForward, {{{"not possible to fast-forward"}}}},
+    {"diverged", generic, {{{"need to specify how to reconcile divergent branches"}}}},
+    {"unrelated-histories", generic, {{{"refusing to merge unrelated histories"}}}},
+    // commits
+    {"nothing-to-commit",
+     generic,
+     {{{"nothing to commit"}, {"no changes added to commit"}, {"nothing added to commit"}}}},
+    {"identity-unknown",
+     generic,
+     {{{"please tell me who you are"},
+       {"empty ident name"},
+       {"no email was given and auto-detection is disabled"}}}},
+    {"message-empty", generic, {{{"aborting commit due to empty commit message"}}}},
+    {"signing-failed", generic, {{{"failed to sign the data"}, {"failed to write commit object"}}}},
+    // the rest
+    {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
+    {"objects-damaged",
+     generic,
+     {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}, {"bad object "}}}},
+    {"other-tools",
+     generic,
+     {{{"no url found for submodule path"}, {"git-lfs"}, {"patch does not apply"}}}},
+    // accompanies most failures on the way to the far end, and stands alone where no cause is told
+    {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
+};
+
+/// Sentences of a class's own, for codes of which the text of git says less.
+struct Sentence {
+    std::int64_t code;
+    std::string_view description;  // with the source tree's name
+    std::string_view suggestion;
+};
+
+constexpr Sentence sentences[] = {
+    {uncommitted,
+     "The operation could not be performed because the working copy \"%@\" has uncommitted "
+     "changes.",
+     ""},
+    {remoteAhead,
+     "The operation could not be performed because \"%@\" does not have the latest remote changes.",
+     "Pull the remote changes and try again."},
+};
+
+bool startsWith(std::string_view text, std::string_view beginning) {
+    return text.substr(0, beginning.size()) == beginning;
+}
+
+std::string inSmallLetters(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
+                                                    : character;
+    });
+    return lower;
+}
+
+/// Keeps the lines of which `isKept` holds.
+template <typename Predicate>
+std::string linesOf(std::string_view text, const Predicate& isKept) {
+    std::string kept;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
+        if (isKept(text.substr(0, length))) {
+            kept += text.substr(0, length);
+        }
+        text.remove_prefix(length);
+    }
+    return kept;
+}
+
+bool shows(std::string_view text, const Sign& sign) {
+    const std::size_t place = sign.first.empty() ? std::string_view::npos : text.find(sign.first);
+    return place != std::string_view::npos &&
+           (sign.second.empty() ||
+            text.find(sign.second, place + sign.first.size()) != std::string_view::npos);
+}
+
+const Row* firstRowShownBy(std::string_view text) {
+    const auto* row = std::find_if(std::begin(rows), std::end(rows), [text](const Row& candidate) {
+        return std::any_of(candidate.signs.begin(), candidate.signs.end(),
+                           [text](const Sign& sign) { return shows(text, sign); });
+    });
+    return row != std::end(rows) ? row : nullptr;
+}
+
+/// A warning or a hint does not tell why something failed where an error does.
+const Row* rowOfText(std::string_view text) {
+    const std::string ours = linesOf(
+        inSmallLetters(text), [](std::string_view line) { return !startsWith(line, "remote:"); });
+    const std::string withoutAsides = linesOf(ours, [](std::string_view line) {
+        return !startsWith(line, "warning:") && !startsWith(line, "hint:");
+    });
+    const Row* row = firstRowShownBy(withoutAsides);
+    return row != nullptr ? row : firstRowShownBy(ours);
+}
+
+}  // namespace
+
+std::string_view NEBSourceControlErrorClassOfText(std::string_view text) {
+    const Row* row = rowOfText(text);
+    return row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
+}
+
+NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
+                                                    const NEBSourceControlRequest& request) {
+    const Row* row = rowOfText(text);
+    NEBSourceControlError error;
+    error.code = row != nullptr ? row->code : generic;
+    error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
+    error.text = text;
+    const auto* sentence =
+        std::find_if(std::begin(sentences), std::end(sentences),
+                     [&error](const Sentence& s) { return s.code == error.code; });
+    if (sentence == std::end(sentences)) {
+        error.userInfo.set(NEBLocalizedDescriptionKey, std::string(text));
+        return error;
+    }
+    error.userInfo.set(NEBLocalizedDescriptionKey,
+                       formattedText(sentence->description, {request.sourceTreeName()}));
+    if (!sentence->suggestion.empty()) {
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, std::string(sentence->suggestion));
+    }
+    return error;
+}
+
+}  // namespace neb

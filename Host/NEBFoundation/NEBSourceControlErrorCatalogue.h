@@ -1,0 +1,33 @@
+// NEBSourceControlErrorCatalogue.h - the host's own translation of what git says when it fails.
+//
+// git rewords its messages from version to version; the catalogue knows a failure by the texts of
+// all of them. It serves after a plug-in's own translation, and it gives every error its class.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "NEBFoundation/NEBSourceControlError.h"
+#include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Platform/Export.h"
+
+namespace neb {
+
+// The classes that no text shows.
+inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
+inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
+inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
+inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
+
+/// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
+/// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else
+/// tells. From any thread.
+[[nodiscard]] NEB_EXPORT std::string_view NEBSourceControlErrorClassOfText(std::string_view text);
+
+/// The text as an error of its class, with the class's code (-1 where it has none) and the text as
+/// the description, unless the class has a sentence of its own. `request` gives the names that such
+/// a sentence holds. From any thread.
+[[nodiscard]] NEB_EXPORT NEBSourceControlError
+NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
+
+}  // namespace neb

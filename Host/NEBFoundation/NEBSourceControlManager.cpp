@@ -1,0 +1,10 @@
+#include "NEBFoundation/NEBSourceControlManager.h"
+
+namespace neb {
+
+LOMLogAspect& NEBSourceControlManager::sourceControlLogAspect() {
+    static LOMLogAspect aspect("source control");
+    return aspect;
+}
+
+}  // namespace neb

@@ -1,0 +1,25 @@
+// NEBSourceControlOptionLikeValue.h - values that git would take for an option.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Platform/Export.h"
+
+namespace neb {
+
+struct NEBSourceControlOptionLikeValue {
+    /// The field as a request written in JSON names it: "startingRevision", "files[0]",
+    /// "options.NEBSourceControlRequestOptionBranch".
+    std::string field;
+    std::string value;
+};
+
+/// The first value of the request that begins with "-" and would stand in its command line where
+/// git reads options; nothing when there is none. A host that takes values from outside asks this
+/// before it asks for an operation, and refuses the request. From any thread.
+[[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlOptionLikeValue>
+NEBSourceControlFirstOptionLikeValue(const NEBSourceControlRequest& request);
+
+}  // namespace neb

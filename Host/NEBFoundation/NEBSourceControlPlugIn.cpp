@@ -1,0 +1,57 @@
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace neb {
+
+namespace {
+
+NEBSourceControlPlugInLoad failed(std::string failure) {
+    return {std::nullopt, std::move(failure)};
+}
+
+std::string contractFailure(const std::string& path, std::uint32_t version) {
+    return "The plug-in \"" + path + "\" was built for version " + std::to_string(version) +
+           " of the host contract; this host has version " +
+           std::to_string(NEBSourceControlContractVersion) + ".";
+}
+
+}  // namespace
+
+NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path) {
+    struct stat information {};
+    if (::stat(path.c_str(), &information) != 0) {
+        return failed("The plug-in \"" + path +
+                      "\" could not be read: " + std::generic_category().message(errno) + ".");
+    }
+    // With a "/" in it, the loader takes the path as it is and searches nowhere.
+    const std::string exactPath = path.find('/') == std::string::npos ? "./" + path : path;
+    void* library = ::dlopen(exactPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (library == nullptr) {
+        return failed("The file \"" + path + "\" is no plug-in: " + ::dlerror() + ".");
+    }
+    void* symbol = ::dlsym(library, NEBSourceControlPlugInFunctionName);
+    if (symbol == nullptr) {
+        return failed("The file \"" + path +
+                      "\" is no source-control plug-in: it does not export " +
+                      NEBSourceControlPlugInFunctionName + ".");
+    }
+    const auto* description = reinterpret_cast<NEBSourceControlPlugInFunction>(symbol)();
+    if (description == nullptr) {
+        return failed("The plug-in \"" + path + "\" does not describe itself.");
+    }
+    if (description->contractVersion != NEBSourceControlContractVersion) {
+        return failed(contractFailure(path, description->contractVersion));
+    }
+    return {NEBSourceControlPlugIn(description), {}};
+}
+
+std::unique_ptr<NEBSourceControlProtocol> NEBSourceControlPlugIn::makePrincipalClass() const {
+    return std::unique_ptr<NEBSourceControlProtocol>(_description->makePrincipalClass());
+}
+
+}  // namespace neb

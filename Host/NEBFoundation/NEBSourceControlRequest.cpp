@@ -1,0 +1,31 @@
+#include "NEBFoundation/NEBSourceControlRequest.h"
+
+#include "LOMFoundation/LOMFormat.h"
+
+namespace neb {
+
+std::shared_ptr<NEBSourceControlRequest> NEBSourceControlRequest::initWithType(
+    std::int32_t type, std::shared_ptr<NEBSourceControlSourceTree> sourceTree,
+    std::optional<std::vector<NEBValue>> files, std::optional<NEBDictionary> options) {
+    auto request = std::make_shared<NEBSourceControlRequest>();
+    request->type = type;
+    request->sourceTree = std::move(sourceTree);
+    request->files = std::move(files);
+    request->options = std::move(options);
+    return request;
+}
+
+const NEBValue& NEBSourceControlRequest::option(std::string_view key) const {
+    static const NEBValue nothing;
+    return options ? options->value(key) : nothing;
+}
+
+std::string NEBSourceControlRequest::sourceTreeName() const {
+    return sourceTree ? sourceTree->name : std::string(absentValueText);
+}
+
+std::string NEBSourceControlRequest::descriptionForAssertionMessage() const {
+    return "<NEBSourceControlRequest of type " + std::to_string(type) + ">";
+}
+
+}  // namespace neb

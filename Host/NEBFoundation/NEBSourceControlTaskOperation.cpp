@@ -1,0 +1,249 @@
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+
+#include <signal.h>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/PathString.h"
+
+namespace neb {
+
+namespace {
+
+/// Whether git would read the name as a pattern, or as more than a name: as "magic" when ":" leads,
+/// also once a folder in front of it has been cut off.
+bool isPattern(const NEBValue& value) {
+    const std::string* name = value.string();
+    return name != nullptr && (name->find_first_of("*?[\\") != std::string::npos ||
+                               name->front() == ':' || name->find("/:") != std::string::npos);
+}
+
+bool hasPatternCharacters(const NEBSourceControlRequest& request) {
+    if (isPattern(request.destination)) {
+        return true;
+    }
+    for (std::size_t i = 0; i < request.fileCount(); ++i) {
+        if (isPattern((*request.files)[i])) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+std::string textOf(const Data& data) {
+    return *_nebsc_stringFromData(data);
+}
+
+NEBSourceControlError errorOfClass(std::string_view errorClass, std::string description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
+                                                        std::move(description));
+    error.errorClass = errorClass;
+    return error;
+}
+
+}  // namespace
+
+// ---- what is to run ---------------------------------------------------------------------------
+
+std::optional<NEBSourceControlCommand> NEBSourceControlTaskOperation::command() {
+    NEBSourceControlCommand command{.launchPath = launchPath(),
+                                    .arguments = _arguments,
+                                    .currentDirectoryPath = _currentDirectoryPath,
+                                    .pipeTo = nullptr};
+    if (const auto second = pipeToOperation()) {
+        if (auto secondCommand = second->command()) {
+            command.pipeTo = std::make_shared<const NEBSourceControlCommand>(*secondCommand);
+        }
+    }
+    return command;
+}
+
+ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
+    ChildLaunch launch{
+        .launchPath = launchPath(),
+        .arguments = _arguments,
+        .currentDirectoryPath = std::nullopt,
+        .environment = NEBSourceControlChildEnvironment(
+            NEBSourceControlInheritedEnvironment(),
+            {.hasPatternCharacters = hasPatternCharacters(*request()),
+             .isBackgroundWork = isBackgroundWork()}),
+    };
+    if (_currentDirectoryPath) {
+        launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);
+    }
+    return launch;
+}
+
+void NEBSourceControlTaskOperation::cancel() {
+    NEBSourceControlOperation::cancel();
+    _process.cancel();
+}
+
+// ---- the run ----------------------------------------------------------------------------------
+
+void NEBSourceControlTaskOperation::main() {
+    const auto second = pipeToOperation();
+    std::vector<NEBSourceControlTaskOperation*> stages{this};
+    if (second) {
+        stages.push_back(second.get());
+    }
+    std::vector<ChildOutcome> outcomes = run(stages);
+    if (isCancelled()) {
+        setError(NEBSourceControlCancelledError());
+        return;
+    }
+    for (std::size_t i = 0; i < stages.size(); ++i) {
+        if (!outcomes[i].status.started()) {
+            _terminationStatus = outcomes[i].status;
+            makeErrorFromAbnormalEnd();
+            return;
+        }
+    }
+    const Words words = take(outcomes[0]);
+    if (second) {
+        concludePipeline(words, *second, second->take(outcomes[1]));
+    } else {
+        parseData();
+        concludeTexts(words);
+    }
+}
+
+std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
+    const std::vector<NEBSourceControlTaskOperation*>& stages) {
+    std::vector<ChildLaunch> launches;
+    for (NEBSourceControlTaskOperation* stage : stages) {
+        launches.push_back(stage->makeLaunch());
+    }
+    std::vector<std::size_t> logged;
+    const auto started = [&](std::size_t stage) {
+        if (commandLog()) {
+            logged.push_back(
+                commandLog()->started({.launchPath = launches[stage].launchPath,
+                                       .arguments = launches[stage].arguments,
+                                       .currentDirectoryPath = launches[stage].currentDirectoryPath,
+                                       .pipeTo = nullptr}));
+        }
+    };
+    std::vector<ChildOutcome> outcomes = _process.run(launches, started);
+    for (std::size_t i = 0; i < logged.size(); ++i) {
+        commandLog()->ended(logged[i], outcomes[i].status.exitStatus(), outcomes[i].duration);
+    }
+    return outcomes;
+}
+
+NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOutcome& outcome) {
+    Words words{.errorText = textOf(outcome.errorOutput), .outputText = {}};
+    if (!outcome.status.isSuccess() && isBlank(words.errorText)) {
+        words.outputText = textOf(outcome.output);
+    }
+    _terminationStatus = outcome.status;
+    _outputWasHeldOpen = outcome.outputWasHeldOpen;
+    _data = std::move(outcome.output);
+    _errorData = std::move(outcome.errorOutput);
+    return words;
+}
+
+/// Makes an error of what the child wrote or how it ended, where there is one to make.
+void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
+    translateErrorData();
+    if (!_terminationStatus->exitStatus()) {
+        makeErrorFromAbnormalEnd();
+    } else if (!_terminationStatus->isSuccess() && !error()) {
+        makeErrorFromFailure(words);
+    }
+    classifyError(words);
+}
+
+void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
+                                                     NEBSourceControlTaskOperation& second,
+                                                     const Words& secondWords) {
+    second.parseData();
+    if (!second.result() && !second.error()) {
+        // One that was cut off because nobody read on is not the cause.
+        const bool wasCutOff = _terminationStatus->signalNumber() == SIGPIPE;
+        if (!wasCutOff) {
+            concludeTexts(words);
+        }
+        if (!error()) {
+            second.concludeTexts(secondWords);
+        }
+        if (wasCutOff && !second.error()) {
+            concludeTexts(words);
+        }
+    }
+    if (second.error()) {
+        second.classifyError(isBlank(words.errorText) ? secondWords : words);
+        setError(second.error());
+    }
+    setResult(second.result());
+}
+
+// ---- errors -----------------------------------------------------------------------------------
+
+void NEBSourceControlTaskOperation::translateErrorData() {
+    if (_errorData && !_errorData->empty()) {
+        if (auto translated = errorFromErrorMessage(_nebsc_stringFromData(_errorData))) {
+            setError(std::move(translated));
+        }
+    }
+}
+
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    const bool isNotice = _terminationStatus && _terminationStatus->isSuccess();
+    if (!message || isNotice || isBlank(*message)) {
+        return std::nullopt;
+    }
+    return NEBSourceControlErrorFromText(*message, *request());
+}
+
+/// The whole text is looked at, whatever parseData() left of it: a push that was rejected is an
+/// error beside its content.
+void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
+    if (!isBlank(words.errorText)) {
+        setError(errorFromErrorMessage(words.errorText));
+        if (!error()) {
+            setError(NEBSourceControlErrorFromText(words.errorText, *request()));
+        }
+    } else if (!isBlank(words.outputText)) {
+        setError(NEBSourceControlErrorFromText(words.outputText, *request()));
+    }
+}
+
+void NEBSourceControlTaskOperation::makeErrorFromAbnormalEnd() {
+    const std::string how = _terminationStatus->description();
+    if (!_terminationStatus->started()) {
+        setError(errorOfClass(NEBSourceControlNotStartedErrorClass,
+                              "The operation could not be performed because " + how + "."));
+    } else if (_terminationStatus->signalNumber()) {
+        setError(errorOfClass(NEBSourceControlKilledErrorClass,
+                              "The operation was not completed because \"" + launchPath() +
+                                  "\" was ended by " + how + "."));
+    } else {
+        setError(errorOfClass(NEBSourceControlUnknownErrorClass,
+                              "Whether the operation was completed is not known: \"" +
+                                  launchPath() + "\" ended, but " + how + "."));
+    }
+}
+
+void NEBSourceControlTaskOperation::classifyError(const Words& words) {
+    if (!error()) {
+        return;
+    }
+    const std::string& text = isBlank(words.errorText) ? words.outputText : words.errorText;
+    NEBSourceControlError classified = *error();
+    if (!classified.errorClass) {
+        classified.errorClass = NEBSourceControlErrorClassOfText(text);
+    }
+    if (!classified.text && !isBlank(text)) {
+        classified.text = text;
+    }
+    setError(std::move(classified));
+}
+
+}  // namespace neb

@@ -1,0 +1,116 @@
+// NEBSourceControlTaskOperation.h - the base of every operation that runs one child process.
+//
+//     class VersionOperation : public NEBSourceControlTaskOperation {
+//     public:
+//         explicit VersionOperation(std::shared_ptr<NEBSourceControlRequest> request)
+//             : NEBSourceControlTaskOperation(std::move(request)) { setArguments({"--version"}); }
+//         std::string launchPath() override { return "/usr/bin/git"; }
+//         void parseData() override { setResult({{…}}); }     // from data()
+//     };
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "NEBFoundation/NEBSourceControlOperation.h"
+#include "Platform/ChildProcess.h"
+#include "Platform/Data.h"
+#include "Platform/Export.h"
+
+namespace neb {
+
+class NEB_EXPORT NEBSourceControlTaskOperation : public NEBSourceControlOperation {
+public:
+    using NEBSourceControlOperation::NEBSourceControlOperation;
+
+    [[nodiscard]] std::string className() const override { return "NEBSourceControlTaskOperation"; }
+
+    /// The executable's absolute path.
+    [[nodiscard]] virtual std::string launchPath() = 0;
+    /// Without the executable itself.
+    [[nodiscard]] const std::vector<std::string>& arguments() const { return _arguments; }
+    void setArguments(std::vector<std::string> arguments) { _arguments = std::move(arguments); }
+    /// The child's working directory, a leading "~" being expanded at the launch; absent means the
+    /// host's own.
+    [[nodiscard]] const std::optional<std::string>& currentDirectoryPath() const {
+        return _currentDirectoryPath;
+    }
+    void setCurrentDirectoryPath(std::optional<std::string> path) {
+        _currentDirectoryPath = std::move(path);
+    }
+
+    /// All that the child wrote to standard output; absent until a child has run.
+    [[nodiscard]] const std::optional<Data>& data() const { return _data; }
+    void setData(std::optional<Data> data) { _data = std::move(data); }
+    /// All that it wrote to standard error. A parseData() that clears it keeps its text from
+    /// becoming an error, unless the child failed.
+    [[nodiscard]] const std::optional<Data>& errorData() const { return _errorData; }
+    void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
+
+    /// Turns data() into the result. Called once the child has ended; the base does nothing.
+    virtual void parseData() {}
+    /// A second operation whose child reads what this one's writes; nothing as a rule. Asked more
+    /// than once: it must answer the same object.
+    [[nodiscard]] virtual std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() {
+        return nullptr;
+    }
+    /// Turns the child's standard-error text into an error, or into nothing where it tells of none.
+    /// The base's version is the host's own translation: see NEBSourceControlErrorCatalogue.h. The
+    /// text of a child that ended with status 0 is a notice, no error.
+    [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message);
+
+    /// In this order: launches launchPath() with arguments() in currentDirectoryPath(); collects
+    /// data() and errorData(); calls parseData(); hands an error text that is left to
+    /// errorFromErrorMessage() and keeps the error that comes back. Then:
+    /// - A child that failed (exit status other than 0) and wrote anything does not end without an
+    ///   error: if there is none yet, one is made from all that it wrote to standard error, or
+    ///   else to standard output. One that failed without a word leaves no error.
+    /// - A child that could not be started, or that a signal ended, is an error that says so.
+    /// - A cancelled operation ends with NEBSourceControlCancelledError().
+    /// With a pipeToOperation() both children run at once; the result or the error that the second
+    /// one's parseData() leaves is this operation's, and only where it leaves neither are the texts
+    /// looked at, this operation's own first.
+    void main() override;
+    void cancel() override;
+
+    [[nodiscard]] std::optional<NEBSourceControlCommand> command() override;
+    /// How the child ended; absent until it has.
+    [[nodiscard]] const std::optional<TerminationStatus>& terminationStatus() const {
+        return _terminationStatus;
+    }
+    /// Whether a process that the child had left behind still held its output open, so that more
+    /// than data() and errorData() may have been written later.
+    [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
+
+private:
+    /// What one child wrote, as it was, whatever parseData() does to data() and errorData().
+    struct Words {
+        std::string errorText;
+        std::string outputText;  // only where it may be needed: a failure without a word of error
+    };
+
+    [[nodiscard]] ChildLaunch makeLaunch();
+    [[nodiscard]] std::vector<ChildOutcome> run(
+        const std::vector<NEBSourceControlTaskOperation*>& stages);
+    Words take(ChildOutcome& outcome);
+    void concludeTexts(const Words& words);
+    void concludePipeline(const Words& words, NEBSourceControlTaskOperation& second,
+                          const Words& secondWords);
+    void translateErrorData();
+    void makeErrorFromFailure(const Words& words);
+    void makeErrorFromAbnormalEnd();
+    void classifyError(const Words& words);
+
+    std::vector<std::string> _arguments;
+    std::optional<std::string> _currentDirectoryPath;
+    std::optional<Data> _data;
+    std::optional<Data> _errorData;
+    std::optional<TerminationStatus> _terminationStatus;
+    bool _outputWasHeldOpen = false;
+    ChildProcess _process;
+};
+
+}  // namespace neb

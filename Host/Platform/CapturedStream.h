@@ -1,0 +1,36 @@
+// CapturedStream.h - collects what a child writes into one pipe. Inside the host library only.
+#pragma once
+
+#include "Platform/Data.h"
+#include "Platform/FileDescriptor.h"
+
+namespace neb {
+
+class CapturedStream {
+public:
+    /// No stream: at its end from the beginning, with nothing collected.
+    CapturedStream() = default;
+    /// Reads from `readEnd`, which must be non-blocking.
+    explicit CapturedStream(FileDescriptor readEnd) : _readEnd(std::move(readEnd)) {}
+
+    /// The descriptor to poll, -1 once the end was reached.
+    [[nodiscard]] int descriptor() const { return _readEnd.get(); }
+    [[nodiscard]] bool isOpen() const { return _readEnd.isOpen(); }
+
+    /// Takes what can be had without waiting, up to a share that leaves other streams their turn.
+    void readAvailable();
+    /// Takes exactly what lies in the pipe now, whoever may go on writing, and closes.
+    void readRestAndClose();
+
+    /// Moves the bytes out.
+    [[nodiscard]] Data takeBytes() { return std::move(_bytes); }
+
+private:
+    /// Reads at most `most` bytes; false when there is nothing to read now or ever.
+    bool readPiece(std::size_t most);
+
+    FileDescriptor _readEnd;
+    Data _bytes;
+};
+
+}  // namespace neb

@@ -1,0 +1,353 @@
+#include "Platform/ChildPipeline.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "Platform/ChildSession.h"
+#include "Platform/ChildSpawn.h"
+
+namespace neb {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// How long a session that was asked to end may take before it is made to.
+constexpr milliseconds endingGrace{2000};
+/// How long, after the last child's end, another process may keep its streams open. git's own
+/// background work lets go within 31 ms of git's end; only a hook's left-over process takes longer.
+constexpr milliseconds streamGrace{250};
+/// How long a process that outlived its child may keep the input of the next child open.
+constexpr milliseconds inputGrace{1000};
+/// How often to look where no descriptor tells us.
+constexpr milliseconds lookInterval{20};
+
+/// A descriptor that becomes readable when the process ends; not open where the system has none.
+FileDescriptor openProcessDescriptor(pid_t pid) {
+#ifdef SYS_pidfd_open
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));  // close-on-exec
+#else
+    static_cast<void>(pid);
+    return {};
+#endif
+}
+
+}  // namespace
+
+ChildPipeline::ChildPipeline(const std::vector<ChildLaunch>& launches, const FileDescriptor& wake)
+    : _launches(launches), _wake(wake) {}
+
+ChildPipeline::~ChildPipeline() {
+    // Only an exception on the way (no memory) leaves a child behind here.
+    for (const Child& child : _children) {
+        if (child.pid > 0 && !child.reaped) {
+            signalSession(child.pid, SIGKILL);
+        }
+    }
+    reapAll();
+}
+
+std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::StartObserver& started) {
+    startAll(started);
+    while (!isFinished()) {
+        waitForEvent();
+        readStreams();
+        noteEndedChildren();
+        continueEnding();
+        releaseInputHeldByOthers();
+        releaseStreamsHeldByOthers();
+    }
+    reapAll();
+
+    std::vector<ChildOutcome> outcomes;
+    for (Child& child : _children) {
+        outcomes.push_back({.status = *child.status,
+                            .output = child.output.takeBytes(),
+                            .errorOutput = child.errorOutput.takeBytes(),
+                            .outputWasHeldOpen = child.outputWasHeldOpen,
+                            .duration = child.endMoment - child.startMoment});
+    }
+    return outcomes;
+}
+
+// ---- start ------------------------------------------------------------------------------------
+
+void ChildPipeline::startAll(const ChildProcess::StartObserver& started) {
+    _children.resize(_launches.size());
+    FileDescriptor input;
+    bool failed = false;
+    for (std::size_t i = 0; i < _launches.size(); ++i) {
+        Child& child = _children[i];
+        child.startMoment = child.endMoment = Clock::now();
+        if (failed) {
+            child.status = TerminationStatus::notStarted(
+                "the program \"" + _launches[i].launchPath +
+                "\" was not started, as another one of its pipeline could not be");
+        } else if (auto failure = startOne(i, input)) {
+            child.status = TerminationStatus::notStarted(*failure);
+            failed = true;
+        } else if (started) {
+            started(i);
+        }
+    }
+    if (failed) {
+        beginEnding();
+    }
+}
+
+/// Starts the child with the read end `input` as its standard input (the first one has none) and
+/// leaves there the read end that the next child is to have. Answers why it could not.
+std::optional<std::string> ChildPipeline::startOne(std::size_t index, FileDescriptor& input) {
+    const bool isLast = index + 1 == _launches.size();
+    const ChildLaunch& launch = _launches[index];
+    Child& child = _children[index];
+
+    Pipe output;
+    Pipe errorOutput;
+    int failure = openPipe(output);
+    if (failure == 0) {
+        failure = openPipe(errorOutput);
+    }
+    if (failure == 0 && isLast) {
+        failure = setNonBlocking(output.readEnd);
+    }
+    if (failure == 0) {
+        failure = setNonBlocking(errorOutput.readEnd);
+    }
+    if (failure != 0) {
+        return "the program \"" + launch.launchPath + "\" could not be started: no pipe for it: " +
+               std::generic_category().message(failure);
+    }
+
+    ChildStreams streams{.standardInput = std::nullopt,
+                         .standardOutput = output.writeEnd.get(),
+                         .standardError = errorOutput.writeEnd.get()};
+    if (input.isOpen()) {
+        streams.standardInput = input.get();
+    }
+    const SpawnedChild spawned = spawnChild(launch, streams);
+    if (spawned.pid < 0) {
+        return spawned.failure;
+    }
+    child.pid = spawned.pid;
+    child.processDescriptor = openProcessDescriptor(spawned.pid);
+    child.errorOutput = CapturedStream(std::move(errorOutput.readEnd));
+    input.close();
+    if (isLast) {
+        child.output = CapturedStream(std::move(output.readEnd));
+    } else {
+        input = std::move(output.readEnd);
+    }
+    return std::nullopt;
+}
+
+// ---- the loop ---------------------------------------------------------------------------------
+
+bool ChildPipeline::allEnded() const {
+    return std::all_of(_children.begin(), _children.end(),
+                       [](const Child& child) { return child.status.has_value(); });
+}
+
+bool ChildPipeline::anyStreamOpen() const {
+    return std::any_of(_children.begin(), _children.end(), [](const Child& child) {
+        return child.output.isOpen() || child.errorOutput.isOpen();
+    });
+}
+
+bool ChildPipeline::isFinished() const {
+    if (!allEnded()) {
+        return false;
+    }
+    if (anyStreamOpen() || !_killMoment) {
+        return !anyStreamOpen();
+    }
+    // A session that was told to end is waited for: nothing of it stays behind. After SIGKILL only
+    // a process that the kernel itself holds up is left, and nobody can end that one.
+    if (Clock::now() > *_killMoment + endingGrace) {
+        return true;
+    }
+    return std::none_of(_children.begin(), _children.end(), [](const Child& child) {
+        return child.pid > 0 && sessionHasLiveMembers(child.pid);
+    });
+}
+
+std::vector<pollfd> ChildPipeline::descriptorsToPoll() const {
+    std::vector<pollfd> descriptors;
+    const auto add = [&descriptors](int descriptor) {
+        if (descriptor >= 0) {
+            descriptors.push_back({.fd = descriptor, .events = POLLIN, .revents = 0});
+        }
+    };
+    add(_killMoment ? -1 : _wake.get());
+    for (const Child& child : _children) {
+        add(child.output.descriptor());
+        add(child.errorOutput.descriptor());
+        if (!child.status) {
+            add(child.processDescriptor.get());
+        }
+    }
+    return descriptors;
+}
+
+/// Milliseconds until something is due, -1 when only a descriptor can tell.
+int ChildPipeline::pollTimeout() const {
+    std::optional<Moment> next;
+    const auto consider = [&next](Moment moment) {
+        next = next ? std::min(*next, moment) : moment;
+    };
+    const bool mustLook =
+        _killMoment || std::any_of(_children.begin(), _children.end(), [](const Child& child) {
+            return !child.status && !child.processDescriptor.isOpen();
+        });
+    const Moment now = Clock::now();
+    if (mustLook) {
+        consider(now + lookInterval);
+    }
+    if (_streamDeadline && anyStreamOpen()) {
+        consider(*_streamDeadline);
+    }
+    if (_inputDeadline) {
+        consider(*_inputDeadline);
+    }
+    if (!next) {
+        return -1;
+    }
+    const auto left = std::chrono::ceil<milliseconds>(*next - now).count();
+    return static_cast<int>(std::max<decltype(left)>(left, 0));
+}
+
+void ChildPipeline::waitForEvent() {
+    std::vector<pollfd> descriptors = descriptorsToPoll();
+    // A failure of poll itself (a signal, no memory) is answered by looking again.
+    const int count = ::poll(descriptors.data(), descriptors.size(), pollTimeout());
+    const bool wakePolled = !_killMoment;
+    if (count > 0 && wakePolled && descriptors.front().revents != 0) {
+        beginEnding();
+    }
+}
+
+void ChildPipeline::readStreams() {
+    for (Child& child : _children) {
+        for (CapturedStream* stream : {&child.output, &child.errorOutput}) {
+            if (stream->isOpen()) {
+                stream->readAvailable();
+            }
+        }
+    }
+}
+
+void ChildPipeline::noteEndedChildren() {
+    for (Child& child : _children) {
+        if (!child.status) {
+            noteEnd(child);
+        }
+    }
+    const Moment now = Clock::now();
+    if (!_streamDeadline && allEnded()) {
+        _streamDeadline = now + streamGrace;
+    }
+    for (std::size_t i = 0; i + 1 < _children.size(); ++i) {
+        if (!_inputDeadline && _children[i].status && !_children[i + 1].status) {
+            _inputDeadline = now + inputGrace;
+        }
+    }
+}
+
+/// Looks whether the child has ended, and leaves it unreaped: as long as it is, its number, which
+/// is its session's, cannot become another process's.
+void ChildPipeline::noteEnd(Child& child) {
+    siginfo_t information{};
+    int answer = 0;
+    do {
+        answer = ::waitid(P_PID, static_cast<id_t>(child.pid), &information,
+                          WEXITED | WNOHANG | WNOWAIT);
+    } while (answer != 0 && errno == EINTR);
+    if (answer != 0) {
+        child.reaped = true;  // by the host, which ignores SIGCHLD or waits for any child
+        child.status = TerminationStatus::unknown("how it ended could not be learned: " +
+                                                  std::generic_category().message(errno));
+    } else if (information.si_pid == 0) {
+        return;  // still running
+    } else if (information.si_code == CLD_EXITED) {
+        child.status = TerminationStatus::exited(information.si_status);
+    } else {
+        child.status = TerminationStatus::signalled(information.si_status);
+    }
+    child.endMoment = Clock::now();
+}
+
+// ---- the end ----------------------------------------------------------------------------------
+
+/// Asks all sessions to end. git removes its lock files on SIGTERM; SIGCONT lets a stopped process
+/// hear of it.
+void ChildPipeline::beginEnding() {
+    _killMoment = Clock::now() + endingGrace;
+    for (const Child& child : _children) {
+        if (child.pid > 0 && !child.reaped) {
+            signalSession(child.pid, SIGTERM);
+            signalSession(child.pid, SIGCONT);
+        }
+    }
+}
+
+void ChildPipeline::continueEnding() {
+    if (!_killMoment || _killed || Clock::now() < *_killMoment) {
+        return;
+    }
+    _killed = true;
+    for (const Child& child : _children) {
+        if (child.pid > 0 && !child.reaped) {
+            signalSession(child.pid, SIGKILL);
+        }
+    }
+}
+
+/// A process that outlived its child may keep the pipe to the next child open, and that one would
+/// wait for its end of input for ever. We have no end of that pipe; so the process must go.
+void ChildPipeline::releaseInputHeldByOthers() {
+    if (!_inputDeadline || Clock::now() < *_inputDeadline) {
+        return;
+    }
+    for (std::size_t i = 0; i + 1 < _children.size(); ++i) {
+        Child& child = _children[i];
+        const bool mayHold = child.pid > 0 && child.status && !child.reaped;
+        if (mayHold && !_children[i + 1].status && sessionHasLiveMembers(child.pid)) {
+            child.outputWasHeldOpen = true;
+            signalSession(child.pid, SIGKILL);
+        }
+    }
+    _inputDeadline = Clock::now() + inputGrace;
+}
+
+void ChildPipeline::releaseStreamsHeldByOthers() {
+    if (!_streamDeadline || Clock::now() < *_streamDeadline) {
+        return;
+    }
+    for (Child& child : _children) {
+        for (CapturedStream* stream : {&child.output, &child.errorOutput}) {
+            if (stream->isOpen()) {
+                stream->readRestAndClose();
+                child.outputWasHeldOpen = true;
+            }
+        }
+    }
+}
+
+void ChildPipeline::reapAll() {
+    for (Child& child : _children) {
+        if (child.pid > 0 && !child.reaped) {
+            while (::waitpid(child.pid, nullptr, 0) < 0 && errno == EINTR) {
+            }
+            child.reaped = true;
+        }
+    }
+}
+
+}  // namespace neb

@@ -1,0 +1,72 @@
+#include "Platform/ChildProcess.h"
+
+#include <unistd.h>
+
+#include <system_error>
+
+#include "Platform/ChildPipeline.h"
+
+namespace neb {
+
+namespace {
+
+std::vector<ChildOutcome> noneStarted(const std::vector<ChildLaunch>& launches,
+                                      const std::string& reason) {
+    std::vector<ChildOutcome> outcomes;
+    for (const ChildLaunch& launch : launches) {
+        outcomes.push_back({.status = TerminationStatus::notStarted(
+                                "the program \"" + launch.launchPath + "\" " + reason),
+                            .output = {},
+                            .errorOutput = {}});
+    }
+    return outcomes;
+}
+
+}  // namespace
+
+std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& launches,
+                                            const StartObserver& started) {
+    FileDescriptor wake;
+    if (const int failure = openWakePipe(wake); failure != 0) {
+        return noneStarted(launches, "could not be started: no pipe for it: " +
+                                         std::generic_category().message(failure));
+    }
+    if (isCancelled()) {
+        closeWakePipe();
+        return noneStarted(launches, "was not started, as it was cancelled before");
+    }
+    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, wake).run(started);
+    closeWakePipe();
+    return outcomes;
+}
+
+int ChildProcess::openWakePipe(FileDescriptor& readEnd) {
+    Pipe pipe;
+    if (const int failure = openPipe(pipe); failure != 0) {
+        return failure;
+    }
+    const std::lock_guard lock(_mutex);
+    readEnd = std::move(pipe.readEnd);
+    if (!_cancelled) {
+        _wakeWrite = std::move(pipe.writeEnd);
+    }
+    return 0;
+}
+
+void ChildProcess::closeWakePipe() {
+    const std::lock_guard lock(_mutex);
+    _wakeWrite.close();
+}
+
+void ChildProcess::cancel() {
+    const std::lock_guard lock(_mutex);
+    _cancelled = true;
+    _wakeWrite.close();  // the end of the pipe is the message: nothing is written, no SIGPIPE
+}
+
+bool ChildProcess::isCancelled() const {
+    const std::lock_guard lock(_mutex);
+    return _cancelled;
+}
+
+}  // namespace neb

@@ -1,0 +1,84 @@
+#include "Platform/ChildSession.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "Platform/FileDescriptor.h"
+
+namespace neb {
+
+namespace {
+
+struct ProcessState {
+    char state = '?';
+    pid_t group = -1;
+    pid_t session = -1;
+};
+
+/// Reads `/proc/PID/stat`: `pid (name) state parent group session …`. The name may hold anything,
+/// blanks and parentheses included, so the fields are counted from the last ")".
+bool readProcessState(const char* pid, ProcessState& process) {
+    const std::string path = std::string("/proc/") + pid + "/stat";
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    char text[512] = {};
+    if (!file.isOpen() || ::read(file.get(), text, sizeof text - 1) <= 0) {
+        return false;
+    }
+    const char* end = std::strrchr(text, ')');
+    int group = -1;
+    int session = -1;
+    // NOLINTNEXTLINE(cert-err34-c): the kernel writes these numbers
+    if (end == nullptr ||
+        std::sscanf(end + 1, " %c %*d %d %d", &process.state, &group, &session) != 3) {
+        return false;
+    }
+    process.group = group;
+    process.session = session;
+    return true;
+}
+
+/// Calls `visit` for every live process of the session. Without /proc there is nothing to visit,
+/// and the session's leading process group is all that a signal reaches.
+void forEachLiveMember(pid_t session,
+                       const std::function<void(pid_t, const ProcessState&)>& visit) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir("/proc"), &::closedir);
+    if (!directory) {
+        return;
+    }
+    while (const dirent* entry = ::readdir(directory.get())) {
+        ProcessState process;
+        const bool isNumber = entry->d_name[0] >= '1' && entry->d_name[0] <= '9';
+        if (isNumber && readProcessState(entry->d_name, process) && process.session == session &&
+            process.state != 'Z' && process.state != 'X') {
+            visit(static_cast<pid_t>(std::strtol(entry->d_name, nullptr, 10)), process);
+        }
+    }
+}
+
+}  // namespace
+
+void signalSession(pid_t session, int signalNumber) {
+    ::kill(-session, signalNumber);
+    forEachLiveMember(session, [&](pid_t pid, const ProcessState& process) {
+        if (process.group != session) {
+            ::kill(pid, signalNumber);
+        }
+    });
+}
+
+bool sessionHasLiveMembers(pid_t session) {
+    bool found = false;
+    forEachLiveMember(session, [&](pid_t, const ProcessState&) { found = true; });
+    return found;
+}
+
+}  // namespace neb

@@ -1,0 +1,18 @@
+// ChildSession.h - the session that a child process leads. Inside the host library only.
+//
+// A session's number is its leader's process number. It stays the session's own until the leader
+// has been reaped and the last member is gone, so these functions are called by the thread that
+// reaps the leader, and before it does.
+#pragma once
+
+#include <sys/types.h>
+
+namespace neb {
+
+/// Sends `signalNumber` to every process of the session, whatever its process group.
+void signalSession(pid_t session, int signalNumber);
+
+/// Whether a process of the session other than a dead one waiting to be reaped is left.
+[[nodiscard]] bool sessionHasLiveMembers(pid_t session);
+
+}  // namespace neb

@@ -1,0 +1,77 @@
+#include "Platform/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace neb {
+
+namespace {
+
+constexpr int firstFreeDescriptor = 3;
+constexpr int pipeCapacity = 1 << 20;
+
+/// Moves a descriptor above the three standard ones. Answers 0 or an errno.
+int liftAboveStandardStreams(FileDescriptor& descriptor) {
+    if (descriptor.get() >= firstFreeDescriptor) {
+        return 0;
+    }
+    const int lifted = ::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, firstFreeDescriptor);
+    if (lifted < 0) {
+        return errno;
+    }
+    descriptor = FileDescriptor(lifted);
+    return 0;
+}
+
+}  // namespace
+
+FileDescriptor::FileDescriptor(FileDescriptor&& other) noexcept
+    : _descriptor(std::exchange(other._descriptor, -1)) {}
+
+FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
+    if (this != &other) {
+        close();
+        _descriptor = std::exchange(other._descriptor, -1);
+    }
+    return *this;
+}
+
+void FileDescriptor::close() {
+    if (_descriptor >= 0) {
+        // Not retried on EINTR: Linux has released the number by then, and another thread may own
+        // it.
+        ::close(std::exchange(_descriptor, -1));
+    }
+}
+
+int openPipe(Pipe& pipe) {
+    int ends[2] = {-1, -1};
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        return errno;
+    }
+    Pipe opened{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+    for (FileDescriptor* end : {&opened.readEnd, &opened.writeEnd}) {
+        if (const int failure = liftAboveStandardStreams(*end); failure != 0) {
+            return failure;
+        }
+    }
+#ifdef F_SETPIPE_SZ
+    // A refusal (the user's share of pipe memory is used up) costs speed and nothing else.
+    static_cast<void>(::fcntl(opened.writeEnd.get(), F_SETPIPE_SZ, pipeCapacity));
+#endif
+    pipe = std::move(opened);
+    return 0;
+}
+
+int setNonBlocking(const FileDescriptor& descriptor) {
+    const int flags = ::fcntl(descriptor.get(), F_GETFL);
+    if (flags < 0 || ::fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) != 0) {
+        return errno;
+    }
+    return 0;
+}
+
+}  // namespace neb

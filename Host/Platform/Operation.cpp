@@ -1,0 +1,10 @@
+#include "Platform/Operation.h"
+
+namespace neb {
+
+void Operation::start() {
+    main();
+    setFinished();
+}
+
+}  // namespace neb

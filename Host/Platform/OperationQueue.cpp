@@ -1,0 +1,101 @@
+#include "Platform/OperationQueue.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace neb {
+
+OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurrency()) {}
+
+OperationQueue::OperationQueue(std::size_t width) : _width(std::max<std::size_t>(width, 1)) {}
+
+OperationQueue::~OperationQueue() {
+    {
+        const std::lock_guard lock(_mutex);
+        _closing = true;
+    }
+    _workCame.notify_all();
+    for (std::thread& thread : _threads) {
+        thread.join();
+    }
+}
+
+void OperationQueue::addOperation(std::shared_ptr<Operation> operation) {
+    if (operation) {
+        add({.operation = std::move(operation), .block = {}});
+    }
+}
+
+void OperationQueue::addBlock(std::function<void()> block) {
+    if (block) {
+        add({.operation = {}, .block = std::move(block)});
+    }
+}
+
+void OperationQueue::add(Work work) {
+    const std::lock_guard lock(_mutex);
+    _waiting.push_back(std::move(work));
+    const std::size_t idleThreads = _threads.size() - _busyThreads;
+    if (idleThreads < _waiting.size() && _threads.size() < _width) {
+        _threads.emplace_back([this] { runThread(); });
+    }
+    _workCame.notify_one();
+}
+
+void OperationQueue::runThread() {
+    std::unique_lock lock(_mutex);
+    while (true) {
+        _workCame.wait(lock, [this] { return _closing || !_waiting.empty(); });
+        if (_waiting.empty()) {
+            return;
+        }
+        Work work = std::move(_waiting.front());
+        _waiting.pop_front();
+        ++_busyThreads;
+        if (work.operation) {
+            _running.insert(work.operation);
+        }
+        lock.unlock();
+
+        if (work.operation) {
+            work.operation->start();
+        } else {
+            work.block();
+        }
+
+        lock.lock();
+        if (work.operation) {
+            _running.erase(work.operation);
+        }
+        lock.unlock();
+        work = {};  // ours may be the last reference: what it holds is gone before anyone goes on
+        lock.lock();
+        --_busyThreads;
+        if (_busyThreads == 0 && _waiting.empty()) {
+            _allDone.notify_all();
+        }
+    }
+}
+
+void OperationQueue::waitUntilAllOperationsAreFinished() {
+    std::unique_lock lock(_mutex);
+    _allDone.wait(lock, [this] { return _busyThreads == 0 && _waiting.empty(); });
+}
+
+void OperationQueue::cancelAllOperations() {
+    std::vector<std::shared_ptr<Operation>> operations;
+    {
+        const std::lock_guard lock(_mutex);
+        operations.assign(_running.begin(), _running.end());
+        for (const Work& work : _waiting) {
+            if (work.operation) {
+                operations.push_back(work.operation);
+            }
+        }
+    }
+    for (const std::shared_ptr<Operation>& operation : operations) {
+        operation->cancel();
+    }
+}
+
+}  // namespace neb

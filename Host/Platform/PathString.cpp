@@ -1,0 +1,144 @@
+#include "Platform/PathString.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace neb {
+
+namespace {
+
+/// The scheme is compared without case, as the standard of URLs has it.
+bool hasFileScheme(std::string_view url) {
+    constexpr std::string_view scheme = "file:";
+    if (url.size() < scheme.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < scheme.size(); ++i) {
+        const char lower =
+            url[i] >= 'A' && url[i] <= 'Z' ? static_cast<char>(url[i] + ('a' - 'A')) : url[i];
+        if (lower != scheme[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::optional<unsigned> hexDigit(char digit) {
+    if (digit >= '0' && digit <= '9') {
+        return digit - '0';
+    }
+    const char lower = static_cast<char>(digit | 0x20);
+    if (lower >= 'a' && lower <= 'f') {
+        return lower - 'a' + 10;
+    }
+    return std::nullopt;
+}
+
+/// Decodes %XX; a "%" without two hexadecimal digits behind it stands for itself.
+std::string decodedEscapes(std::string_view text) {
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size()) {
+            const auto high = hexDigit(text[i + 1]);
+            const auto low = hexDigit(text[i + 2]);
+            if (high && low) {
+                decoded += static_cast<char>(*high * 16 + *low);
+                i += 2;
+                continue;
+            }
+        }
+        decoded += text[i];
+    }
+    return decoded;
+}
+
+void dropEndSlashes(std::string_view& path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.remove_suffix(1);
+    }
+}
+
+std::string homeDirectory() {
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
+        return home;
+    }
+    passwd entry{};
+    passwd* found = nullptr;
+    std::vector<char> buffer(16 * 1024);
+    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 &&
+        found != nullptr) {
+        return found->pw_dir;
+    }
+    return "/";
+}
+
+}  // namespace
+
+bool isAbsolutePath(std::string_view path) {
+    return !path.empty() && (path.front() == '/' || path.front() == '~');
+}
+
+std::string pathByAppendingComponent(std::string_view base, std::string_view component) {
+    if (base.empty()) {
+        return std::string(component);
+    }
+    while (!base.empty() && base.back() == '/') {
+        base.remove_suffix(1);
+    }
+    while (!component.empty() && component.front() == '/') {
+        component.remove_prefix(1);
+    }
+    return std::string(base).append("/").append(component);
+}
+
+std::string lastPathComponent(std::string_view path) {
+    dropEndSlashes(path);
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.size() == 1) {
+        return std::string(path);
+    }
+    return std::string(path.substr(slash + 1));
+}
+
+std::string pathByExpandingTilde(std::string_view path) {
+    if (path == "~") {
+        return homeDirectory();
+    }
+    if (path.substr(0, 2) == "~/") {
+        return pathByAppendingComponent(homeDirectory(), path.substr(2));
+    }
+    return std::string(path);
+}
+
+std::optional<std::string> pathOfFileURL(std::string_view url) {
+    if (!hasFileScheme(url)) {
+        return std::nullopt;
+    }
+    std::string_view rest = url.substr(std::string_view("file:").size());
+    if (rest.substr(0, 2) == "//") {
+        const std::size_t slash = rest.find('/', 2);
+        rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash);
+    }
+    rest = rest.substr(0, rest.find_first_of("?#"));
+    if (rest.empty() || rest.front() != '/') {
+        return std::nullopt;
+    }
+    dropEndSlashes(rest);
+    std::string path = decodedEscapes(rest);
+    if (path.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
+    return path;
+}
+
+std::optional<std::string> pathOfLocation(std::string_view location) {
+    if (isAbsolutePath(location)) {
+        return std::string(location);
+    }
+    return pathOfFileURL(location);
+}
+
+}  // namespace neb

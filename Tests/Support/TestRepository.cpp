@@ -1,0 +1,91 @@
+#include "Support/TestRepository.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/ChildProcess.h"
+
+namespace neb::test {
+
+namespace {
+
+std::string programNamed(std::string_view name) {
+    const char* variable = std::getenv("PATH");
+    std::string_view rest = variable == nullptr ? "" : variable;
+    while (!rest.empty()) {
+        const std::string_view directory = rest.substr(0, rest.find(':'));
+        std::string path = std::string(directory).append("/").append(name);
+        if (std::filesystem::exists(path)) {
+            return path;
+        }
+        rest.remove_prefix(std::min(directory.size() + 1, rest.size()));
+    }
+    throw std::runtime_error("not on PATH: " + std::string(name));
+}
+
+ChildOutcome runGit(const std::string& folder, std::vector<std::string> arguments) {
+    ChildProcess process;
+    return process.run({{.launchPath = programNamed("git"),
+                         .arguments = std::move(arguments),
+                         .currentDirectoryPath = folder,
+                         .environment = NEBSourceControlInheritedEnvironment()}})[0];
+}
+
+}  // namespace
+
+void isolateFromMachine() {
+    static const TemporaryFolder home;
+    home.write(".gitconfig",
+               "[user]\n\tname = Ann Example\n\temail = ann@example.org\n"
+               "[init]\n\tdefaultBranch = main\n[protocol \"file\"]\n\tallow = always\n");
+    const std::pair<const char*, std::string> variables[] = {
+        {"HOME", home.path()},
+        {"XDG_CONFIG_HOME", home.path(".config")},
+        {"GIT_CONFIG_NOSYSTEM", "1"},
+        {"GIT_AUTHOR_DATE", "2020-09-13T12:26:40Z"},
+        {"GIT_COMMITTER_DATE", "2020-09-13T12:26:40Z"},
+    };
+    for (const auto& [name, value] : variables) {
+        ::setenv(name, value.c_str(), 1);
+    }
+    for (const char* name : {"GIT_DIR", "GIT_WORK_TREE", "GIT_INDEX_FILE", "GIT_CONFIG_GLOBAL",
+                             "GIT_CONFIG_SYSTEM", "GIT_CONFIG_COUNT", "GIT_CONFIG_PARAMETERS"}) {
+        ::unsetenv(name);
+    }
+}
+
+TestRepository::TestRepository() {
+    std::filesystem::create_directory(path());
+    git({"init", "--quiet"});
+}
+
+void TestRepository::write(std::string_view name, std::string_view bytes) const {
+    _folder.write(std::string("repository/").append(name), bytes);
+}
+
+std::string TestRepository::git(std::vector<std::string> arguments) const {
+    std::string words;
+    for (const std::string& argument : arguments) {
+        words += " " + argument;
+    }
+    const ChildOutcome outcome = runGit(path(), std::move(arguments));
+    if (!outcome.status.isSuccess()) {
+        throw std::runtime_error("git" + words + ": " + outcome.status.description() + ": " +
+                                 outcome.errorOutput);
+    }
+    return outcome.output;
+}
+
+int TestRepository::gitStatus(std::vector<std::string> arguments) const {
+    return runGit(path(), std::move(arguments)).status.exitStatus().value_or(-1);
+}
+
+void TestRepository::commitFile(std::string_view name, std::string_view bytes,
+                                std::string_view message) const {
+    write(name, bytes);
+    git({"add", "--", std::string(name)});
+    git({"commit", "--quiet", "-m", std::string(message)});
+}
+
+}  // namespace neb::test

@@ -11,7 +11,7 @@ namespace neb {
 class NEBConstant {
 public:
     template <std::size_t size>
-    consteval NEBConstant(const char (&literal)[size]) : _text(literal, size - 1) {}
+    consteval explicit NEBConstant(const char (&literal)[size]) : _text(literal, size - 1) {}
 
     [[nodiscard]] constexpr std::string_view text() const { return _text; }
     constexpr operator std::string_view() const { return _text; }

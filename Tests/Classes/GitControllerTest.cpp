@@ -1,0 +1,321 @@
+#include "GitController.h"
+
+#include <gmock/gmock.h>
+
+#include <tuple>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Support/Matchers.h"
+
+namespace neb {
+namespace {
+
+using test::IsSourceControlError;
+using test::ReportCollector;
+using test::requestFor;
+
+const GitController controller;
+
+// ---- authentication and validation ------------------------------------------------------------
+
+TEST(Authentication, IsNeededByFiveTypes) {
+    for (std::int32_t type = -1; type <= 40; ++type) {
+        const bool expected = type == 13 || type == 29 || type == 33 || type == 37 || type == 25;
+        EXPECT_EQ(controller.authenticationRequiredForRequest(*requestFor(type, "/w")), expected)
+            << type;
+    }
+}
+
+std::shared_ptr<NEBSourceControlRequest> requestWithReachability(std::int32_t type, bool tree,
+                                                                 bool repository) {
+    auto request = requestFor(type, "/w");
+    request->sourceTree->reachable = tree;
+    request->repositoryToAuthenticate = std::make_shared<NEBSourceControlRepository>();
+    request->repositoryToAuthenticate->reachable = repository;
+    return request;
+}
+
+TEST(Validation, TypesWithoutAuthenticationAreValidHoweverUnreachable) {
+    for (std::int32_t type = -1; type <= 40; ++type) {
+        const auto request = requestWithReachability(type, false, false);
+        const bool authenticates = controller.authenticationRequiredForRequest(*request);
+        std::optional<NEBSourceControlError> error;
+        EXPECT_EQ(controller.validateRequest(*request, &error), !authenticates) << type;
+        EXPECT_EQ(error.has_value(), authenticates) << type;
+    }
+}
+
+TEST(Validation, BothFormsOfListingRemoteBranchesAreValidAtOnce) {
+    for (const std::int32_t type : {31, 32}) {
+        EXPECT_TRUE(
+            controller.validateRequest(*requestWithReachability(type, false, false), nullptr));
+    }
+}
+
+TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
+    for (const std::int32_t type : {13, 25, 29, 33, 37}) {
+        EXPECT_TRUE(
+            controller.validateRequest(*requestWithReachability(type, true, true), nullptr));
+        for (const auto& [tree, repository] : {std::pair{true, false}, {false, true}}) {
+            std::optional<NEBSourceControlError> error;
+            EXPECT_FALSE(controller.validateRequest(
+                *requestWithReachability(type, tree, repository), &error));
+            EXPECT_THAT(error,
+                        IsSourceControlError(-20,
+                                             "The operation could not be performed because the "
+                                             "repository \"demo\" could not be reached."));
+            EXPECT_EQ(error->userInfo.size(), 1U) << "the description alone";
+            EXPECT_FALSE(controller.validateRequest(
+                *requestWithReachability(type, tree, repository), nullptr))
+                << "refused whether or not anybody asks why";
+        }
+    }
+}
+
+TEST(Validation, AnAbsentTreeIsNotReachable) {
+    auto request = requestWithReachability(13, true, true);
+    request->repositoryToAuthenticate = nullptr;
+    EXPECT_FALSE(controller.validateRequest(*request, nullptr));
+    request = requestWithReachability(13, true, true);
+    request->sourceTree = nullptr;
+    std::optional<NEBSourceControlError> error;
+    EXPECT_FALSE(controller.validateRequest(*request, &error));
+    EXPECT_THAT(error, IsSourceControlError(-20,
+                                            "The operation could not be performed because the "
+                                            "repository \"(null)\" could not be reached."));
+}
+
+// ---- preconditions ----------------------------------------------------------------------------
+
+struct Report {
+    int line;
+    std::string message;
+    std::string condition;
+
+    bool operator==(const Report&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Report& report) {
+    return stream << report.line << ": " << report.message << " [" << report.condition << "]";
+}
+
+std::vector<Report> reportsFor(const std::shared_ptr<NEBSourceControlRequest>& request) {
+    const ReportCollector collector;
+    static_cast<void>(controller.operationForRequest(request));
+    std::vector<Report> reports;
+    for (const LOMAssertionReport& report : collector.reports()) {
+        EXPECT_EQ(report.function, "-[GitController operationForRequest:]");
+        EXPECT_EQ(report.file, "Classes/GitController");
+        reports.push_back({report.line, report.message, report.condition});
+    }
+    return reports;
+}
+
+std::shared_ptr<NEBSourceControlRequest> emptyRequest(std::int32_t type) {
+    return NEBSourceControlRequest::initWithType(type, nullptr, std::nullopt, std::nullopt);
+}
+
+Report plain(int line, const std::string& condition) {
+    return {line, "Assertion failed: " + condition, condition};
+}
+Report notNil(int line) {
+    return {line, "(request.remote) should not be nil.", "((request.remote)) != nil"};
+}
+
+const std::string remoteNameOption =
+    "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]";
+const std::string branchOption =
+    "[request.options objectForKey:NEBSourceControlRequestOptionBranch]";
+
+Report isNil(int line, const std::string& expression) {
+    return {line, expression + " should be a non-empty string, but it is nil",
+            "(" + expression + ") != nil"};
+}
+Report isNoString(int line, const std::string& expression, const std::string& description) {
+    return {line, expression + " should be a non-empty string, but it is " + description,
+            "CFGetTypeID(" + expression + ") == CFStringGetTypeID()"};
+}
+Report isEmpty(int line, const std::string& expression) {
+    return {line, expression + " should be a non-empty string, but it's an empty string",
+            "![@\"\" isEqualToString:(" + expression + ")]"};
+}
+
+const std::string destination = "request.destination";
+const std::string someFiles = "[request.files count] > 0";
+const std::string oneFile = "[request.files count] == 1";
+const std::string startingRevision = "request.startingRevision";
+
+TEST(Preconditions, OfEachTypeAreReportedInTheirOrderForAnEmptyRequest) {
+    const std::vector<std::pair<std::int32_t, std::vector<Report>>> expected{
+        {-1, {}},
+        {0, {}},
+        {1, {plain(107, destination)}},
+        {2, {plain(107, destination)}},
+        {3, {}},
+        {4, {}},
+        {5, {plain(136, someFiles)}},
+        {6, {plain(140, someFiles)}},
+        {7, {plain(146, someFiles)}},
+        {8, {plain(212, destination)}},
+        {9, {plain(132, destination)}},
+        {10, {plain(206, someFiles), plain(207, destination)}},
+        {11, {plain(217, someFiles), plain(218, destination)}},
+        {12, {}},
+        {13, {}},
+        {14, {plain(154, destination)}},
+        {15, {}},
+        {16, {}},
+        {17, {plain(71, someFiles)}},
+        {18, {}},
+        {19, {}},
+        {20, {plain(66, someFiles), plain(67, startingRevision)}},
+        {21, {plain(166, startingRevision)}},
+        {22, {plain(78, destination), plain(79, startingRevision)}},
+        {23, {}},
+        {24, {}},
+        {25, {}},
+        {26, {}},
+        {27,
+         {plain(57,
+                "request.sourceTree || [request.options "
+                "objectForKey:NEBSourceControlRequestOptionRepositoryPath]")}},
+        {28, {plain(101, oneFile)}},
+        {29, {plain(61, destination), plain(62, "request.sourceTree.location")}},
+        {30, {}},
+        {31, {}},
+        {32, {}},
+        {33, {notNil(83)}},
+        {34, {plain(188, destination), plain(189, oneFile)}},
+        {35, {isNil(194, destination)}},
+        {36, {isNil(199, destination), isNil(200, remoteNameOption), isNil(201, branchOption)}},
+        {37, {notNil(87), isNil(91, remoteNameOption)}},
+        {38, {plain(183, branchOption)}},
+        {39, {}},
+        {40, {}},
+    };
+    ASSERT_EQ(expected.size(), 42U);
+    for (const auto& [type, reports] : expected) {
+        EXPECT_EQ(reportsFor(emptyRequest(type)), reports) << "type " << type;
+    }
+}
+
+/// A request that meets the preconditions of every type but of those that need exactly one file.
+std::shared_ptr<NEBSourceControlRequest> fullRequest(std::int32_t type, std::size_t files) {
+    auto request = requestFor(type, "/w");
+    request->destination = "there";
+    request->files = std::vector<NEBValue>(files, NEBValue("/w/a"));
+    request->startingRevision = "abc";
+    request->remote = std::make_shared<NEBSourceControlRemote>();
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
+                                     {NEBSourceControlRequestOptionBranch, "topic"}};
+    return request;
+}
+
+TEST(Preconditions, ThatHoldAreNotReported) {
+    for (std::int32_t type = -1; type <= 40; ++type) {
+        EXPECT_EQ(reportsFor(fullRequest(type, 1)), std::vector<Report>{}) << "type " << type;
+    }
+}
+
+TEST(Preconditions, OneFileMeansNoMore) {
+    EXPECT_EQ(reportsFor(fullRequest(28, 2)), std::vector{plain(101, oneFile)});
+    EXPECT_EQ(reportsFor(fullRequest(34, 2)), std::vector{plain(189, oneFile)});
+    EXPECT_EQ(reportsFor(fullRequest(20, 2)), std::vector<Report>{});
+    EXPECT_EQ(reportsFor(fullRequest(17, 0)), std::vector{plain(71, someFiles)})
+        << "an empty list is no files";
+}
+
+TEST(Preconditions, ANonEmptyStringIsAbsentOfAnotherKindOrEmpty) {
+    auto request = fullRequest(35, 1);
+    request->destination = 7;
+    EXPECT_EQ(reportsFor(request), std::vector{isNoString(194, destination, "7")});
+    request->destination = "";
+    EXPECT_EQ(reportsFor(request), std::vector{isEmpty(194, destination)});
+
+    request = fullRequest(36, 1);
+    request->destination = 5;
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""},
+                                     {NEBSourceControlRequestOptionBranch, true}};
+    EXPECT_EQ(reportsFor(request),
+              (std::vector{isNoString(199, destination, "5"), isEmpty(200, remoteNameOption),
+                           isNoString(201, branchOption, "true")}));
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, 1},
+                                     {NEBSourceControlRequestOptionBranch, ""}};
+    request->destination = "topic";
+    EXPECT_EQ(reportsFor(request),
+              (std::vector{isNoString(200, remoteNameOption, "1"), isEmpty(201, branchOption)}));
+}
+
+TEST(Preconditions, AFetchOverTheBridgeNeedsNoRemoteName) {
+    auto request = fullRequest(37, 0);
+    request->options = std::nullopt;
+    EXPECT_EQ(reportsFor(request), std::vector{isNil(91, remoteNameOption)});
+    request->remote->representsGitSVNBridge = true;
+    EXPECT_EQ(reportsFor(request), std::vector<Report>{});
+    request->remote->representsGitSVNBridge = false;
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, 2}};
+    EXPECT_EQ(reportsFor(request), std::vector{isNoString(91, remoteNameOption, "2")});
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""}};
+    EXPECT_EQ(reportsFor(request), std::vector{isEmpty(91, remoteNameOption)});
+}
+
+TEST(Preconditions, ANewRepositoryNeedsATreeOrAPath) {
+    auto request = emptyRequest(27);
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r.git"}};
+    EXPECT_EQ(reportsFor(request), std::vector<Report>{});
+    EXPECT_EQ(reportsFor(requestFor(27, std::nullopt)), std::vector<Report>{});
+}
+
+TEST(Preconditions, ACloneNeedsTheLocationOfItsSource) {
+    auto request = fullRequest(29, 0);
+    request->sourceTree->location.reset();
+    EXPECT_EQ(reportsFor(request), std::vector{plain(62, "request.sourceTree.location")});
+}
+
+TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
+    auto request = emptyRequest(14);
+    request->destination = 0;
+    EXPECT_EQ(reportsFor(request), std::vector<Report>{});
+}
+
+// ---- dispatch ---------------------------------------------------------------------------------
+
+TEST(Dispatch, MakesTheClassOfTheType) {
+    const std::pair<std::int32_t, const char*> classes[] = {
+        {4, "GitIgnoreOperation"},
+        {15, "GitStatusOperation"},
+    };
+    for (const auto& [type, name] : classes) {
+        const auto request = requestFor(type, "/w");
+        const auto operation = controller.operationForRequest(request);
+        ASSERT_NE(operation, nullptr) << type;
+        EXPECT_EQ(operation->className(), name);
+        EXPECT_EQ(operation->request(), request);
+        EXPECT_FALSE(operation->isFinished());
+        EXPECT_NE(operation, controller.operationForRequest(request)) << "a new one each time";
+    }
+}
+
+TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
+    for (const std::int32_t type : {-2147483647 - 1, -1, 12, 16, 23, 40, 2147483647}) {
+        const ReportCollector collector;
+        EXPECT_EQ(controller.operationForRequest(fullRequest(type, 0)), nullptr) << type;
+        EXPECT_TRUE(collector.reports().empty());
+    }
+}
+
+TEST(Dispatch, NoRequestYieldsNoOperation) {
+    EXPECT_EQ(controller.operationForRequest(nullptr), nullptr);
+}
+
+TEST(Ignore, CompletesWithNeitherResultNorError) {
+    const auto operation = controller.operationForRequest(requestFor(4, "/no/such/folder"));
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_FALSE(operation->command().has_value());
+}
+
+}  // namespace
+}  // namespace neb

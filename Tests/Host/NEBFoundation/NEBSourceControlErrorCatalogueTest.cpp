@@ -1,0 +1,252 @@
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+
+#include <gmock/gmock.h>
+
+#include "Support/Matchers.h"
+
+namespace neb {
+namespace {
+
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::requestFor;
+
+struct Case {
+    const char* errorClass;
+    std::int64_t code;
+    std::string text;
+};
+
+/// What git 2.39 and newer ones say, and some that only older ones said.
+const Case cases[] = {
+    {"disk-full", -1, "error: file write error: No space left on device\nfatal: unable to write"},
+    {"owner-not-trusted", -1, "fatal: detected dubious ownership in repository at '/r'\nTo add"},
+    {"owner-not-trusted", -1, "fatal: unsafe repository ('/r' is owned by someone else)"},
+    {"configuration-broken", -1, "fatal: bad config line 3 in file .git/config"},
+    {"configuration-broken", -1, "fatal: bad boolean config value 'x' for 'core.bare'"},
+    {"configuration-broken", -1, "fatal: bad numeric config value 'x' for 'gc.auto'"},
+    {"configuration-broken", -1, "fatal: bad config variable 'x' in file '.git/config' at line 2"},
+    {"ssh-key-refused", -21,
+     "git@h: Permission denied (publickey,password).\r\nfatal: Could not read from remote "
+     "repository.\n"},
+    {"ssh-key-refused", -21, "u@h: Permission denied (password).\r\n"},
+    {"ssh-key-refused", -21, "u@h: Permission denied (keyboard-interactive).\r\n"},
+    {"ssh-key-refused", -21, "u@h: Permission denied (gssapi-with-mic).\r\n"},
+    {"ssh-host-key", -20,
+     "Host key verification failed.\r\nfatal: Could not read from remote repository.\n"},
+    {"permission-denied", 513, "fatal: Unable to create '/r/.git/index.lock': Permission denied"},
+    {"permission-denied", 513,
+     "fatal: cannot lock ref 'refs/heads/z': Unable to create 'z.lock': Permission denied"},
+    {"permission-denied", 513,
+     "error: insufficient permission for adding an object to repository database .git/objects"},
+    {"permission-denied", 513, "warning: could not open directory 'secret/': Permission denied\n"},
+    {"index-locked", -1, "fatal: Unable to create '/r/.git/index.lock': File exists.\n\nAnother"},
+    {"credentials-refused", -21, "fatal: Authentication failed for 'http://127.0.0.1/x.git/'"},
+    {"credentials-needed", -21,
+     "fatal: could not read Username for 'http://127.0.0.1': terminal prompts disabled"},
+    {"credentials-needed", -21, "fatal: could not read Password for 'http://u@127.0.0.1': x"},
+    {"certificate-untrusted", -21,
+     "fatal: unable to access 'https://h/': SSL certificate problem: self-signed certificate"},
+    {"certificate-untrusted", -21,
+     "fatal: unable to access 'https://h/': server certificate verification failed. CAfile: none"},
+    {"host-unknown", -20, "fatal: unable to access 'http://h/': Could not resolve host: h"},
+    {"host-unknown", -20,
+     "ssh: Could not resolve hostname h: Name or service not known\r\nfatal: "
+     "Could not read from remote repository."},
+    {"repository-not-found", -20, "fatal: repository 'http://127.0.0.1/x.git/' not found"},
+    {"repository-not-found", -20,
+     "fatal: '/r/nosuch.git' does not appear to be a git repository\nfatal: Could not read from "
+     "remote repository."},
+    {"repository-not-found", -20, "fatal: repository '/r/nosuch.git' does not exist"},
+    {"repository-not-found", -20,
+     "ERROR: Repository not found.\nfatal: Could not read from remote"},
+    {"http-refused", -1,
+     "fatal: unable to access 'http://h/': The requested URL returned error: 403"},
+    {"http-refused", -1, "fatal: rate limited by 'http://h/'"},
+    {"host-unreachable", -20,
+     "fatal: unable to access 'http://127.0.0.1:1/': Failed to connect to 127.0.0.1 port 1 after 0 "
+     "ms: Couldn't connect to server"},
+    {"host-unreachable", -20, "fatal: unable to access 'x': Could not connect to server"},
+    {"host-unreachable", -20,
+     "ssh: connect to host 127.0.0.1 port 1: Connection refused\r\nfatal: Could not read from "
+     "remote repository."},
+    {"host-unreachable", -20, "ssh: connect to host h port 22: Connection timed out"},
+    {"host-unreachable", -20, "ssh: connect to host h port 22: Network is unreachable"},
+    {"host-unreachable", -20, "ssh: connect to host h port 22: No route to host"},
+    {"push-stale", -32,
+     " ! [rejected]        a -> a (stale info)\nerror: failed to push some refs"},
+    {"push-stale", -32, " ! [rejected]        a -> a (remote ref updated since checkout)\n"},
+    {"remote-ahead", -32,
+     "To /r.git\n ! [rejected]        main -> main (fetch first)\nerror: failed to push some refs"},
+    {"remote-ahead", -32, " ! [rejected]        main -> main (non-fast-forward)\n"},
+    {"remote-ahead", -32, "Merge the remote changes (e.g. 'git pull') before pushing again."},
+    {"remote-ahead", -32, "\nERROR from SVN:\nTransaction is out of date: File '/trunk/a' is out"},
+    {"remote-hook-refused", -1,
+     "remote: no\n ! [remote rejected] main -> main (pre-receive hook declined)\n"},
+    {"remote-hook-refused", -1, "A repository hook failed: Commit blocked by pre-commit hook"},
+    {"branch-checked-out-there", -1,
+     "remote: error: refusing to update checked out branch: refs/heads/main\n ! [remote rejected] "
+     "main -> main (branch is currently checked out)\n"},
+    {"tag-exists", -1, " ! [rejected]        v1 -> v1 (already exists)\n"},
+    {"tag-exists", -1, " ! [rejected]        v1         -> v1  (would clobber existing tag)\n"},
+    {"nothing-to-push-from", -1, "error: src refspec nosuch does not match any\nerror: failed to"},
+    {"connection-cut", -20, "fatal: the remote end hung up unexpectedly"},
+    {"connection-cut", -20, "fatal: The remote end hung up unexpectedly\n"},
+    {"connection-cut", -20, "fatal: early EOF"},
+    {"connection-cut", -20, "error: RPC failed; curl 18 transfer closed"},
+    {"connection-cut", -20, "fatal: read error: Connection reset by peer"},
+    {"local-changes", -31,
+     "error: Your local changes to the following files would be overwritten by merge:\n\ta.txt\n"},
+    {"local-changes", -31, "fatal: cannot continue with staged changes in the following files:\na"},
+    {"untracked-in-the-way", -1,
+     "error: The following untracked working tree files would be overwritten by checkout:\n\tt\n"},
+    {"untracked-in-the-way", -1,
+     "error: Untracked working tree file 't.txt' would be overwritten by merge.\n"},
+    {"untracked-in-the-way", -1,
+     "error: The following untracked working tree files would be removed by merge:\n\tt\n"},
+    {"conflict-unresolved", -1,
+     "error: Committing is not possible because you have unmerged files.\nhint: Fix them up"},
+    {"conflict-unresolved", -1, "error: you need to resolve your current index first"},
+    {"merge-unfinished", -1, "fatal: You have not concluded your merge (MERGE_HEAD exists)."},
+    {"needs-clean-tree", -31, "error: cannot pull with rebase: You have unstaged changes."},
+    {"needs-clean-tree", -31, "error: additionally, your index contains uncommitted changes."},
+    {"needs-clean-tree", -31, "update-index --refresh: command returned error: 1\n\n"},
+    {"needs-clean-tree", -31, "Cannot dcommit with a dirty index.  Commit your changes first"},
+    {"conflict", -300, "warning: Cannot merge binary files: bin (HEAD vs. bt)"},
+    {"conflict", -1,
+     "CONFLICT (content): Merge conflict in a\nAutomatic merge failed; fix conflicts"},
+    {"conflict", -1, "Automatic merge failed; fix conflicts and then commit the result."},
+    {"conflict", -1, "error: could not apply 1234567... subject"},
+    {"no-commits-yet", -1, "fatal: your current branch 'main' does not have any commits yet"},
+    {"not-a-repository", -1,
+     "fatal: not a git repository (or any of the parent directories): .git"},
+    {"not-a-repository", -1, "fatal: Not a git repository: x"},
+    {"no-work-tree", -1, "fatal: this operation must be run in a work tree"},
+    {"ref-locked", -1,
+     "fatal: cannot lock ref 'refs/heads/z': Unable to create 'z.lock': File exists"},
+    {"ref-locked", -1, "error: could not lock config file .git/config: File exists"},
+    {"path-unknown", 4, "fatal: path 'a' exists on disk, but not in 'HEAD'"},
+    {"path-unknown", 4, "fatal: path 'a' does not exist in 'HEAD'"},
+    {"path-unknown", 4, "fatal: no such path 'nosuch' in HEAD"},
+    {"path-unknown", -71, "fatal: pathspec 'x' did not match any files"},
+    {"path-unknown", -71, "error: pathspec 'x' did not match any file(s) known to git"},
+    {"path-unknown", -71, "fatal: not under version control, source=u, destination=v"},
+    {"remote-branch-unknown", -1, "fatal: couldn't find remote ref nosuch"},
+    {"remote-branch-unknown", -1, "fatal: Couldn't find remote ref nosuch"},
+    {"remote-branch-unknown", -1, "fatal: Remote branch nosuch not found in upstream origin"},
+    {"revision-unknown", 4,
+     "fatal: ambiguous argument 'x': unknown revision or path not in the working tree.\n"},
+    {"revision-unknown", 4, "fatal: bad revision 'nosuch'"},
+    {"revision-unknown", 4, "fatal: not a valid object name: 'nosuch'"},
+    {"revision-unknown", 4, "fatal: Not a valid object name nosuch"},
+    {"revision-unknown", 4, "fatal: Not a valid commit name nosuch"},
+    {"revision-unknown", 4, "merge: nosuch - not something we can merge"},
+    {"revision-unknown", 4, "fatal: invalid reference: nosuch"},
+    {"branch-not-merged", -91, "error: The branch 'x' is not fully merged.\nIf you are sure"},
+    {"branch-exists", -1, "fatal: a branch named 'x' already exists"},
+    {"branch-exists", -1, "fatal: A branch named 'x' already exists."},
+    {"branch-in-use", -91, "error: Cannot delete branch 'main' checked out at '/r'"},
+    {"branch-in-use", -91, "error: cannot delete branch 'main' used by worktree at '/r'"},
+    {"branch-in-use", -1, "fatal: 'topic' is already checked out at '/wt'"},
+    {"branch-in-use", -1, "fatal: 'topic' is already used by worktree at '/wt'"},
+    {"branch-name-invalid", -1, "fatal: 'a b' is not a valid branch name"},
+    {"branch-unknown", -91, "error: branch 'nosuch' not found."},
+    {"remote-unknown", -1, "error: No such remote: 'nosuch'"},
+    {"remote-exists", -1, "error: remote origin already exists."},
+    {"no-push-destination", -1, "fatal: No configured push destination.\nEither specify the URL"},
+    {"no-push-destination", -1, "fatal: no remote repository specified.  Please, specify either"},
+    {"no-upstream", -92, "fatal: The current branch x has no upstream branch."},
+    {"no-upstream", -92, "There is no tracking information for the current branch."},
+    {"no-upstream", -92, "Because this is not the default configured remote\nfor your current"},
+    {"destination-exists", -60, "fatal: destination exists, source=a, destination=b"},
+    {"destination-exists", -60, "fatal: destination already exists, source=a, destination=b"},
+    {"destination-exists", -60, "fatal: cannot move directory over file, source=a, destination=b"},
+    {"destination-exists", -1,
+     "fatal: destination path 'x' already exists and is not an empty directory."},
+    {"source-directory-empty", -70, "fatal: source directory is empty, source=d, destination=e"},
+    {"diverged", -200, "fatal: Not possible to fast-forward, aborting."},
+    {"diverged", -1, "fatal: Need to specify how to reconcile divergent branches."},
+    {"unrelated-histories", -1, "fatal: refusing to merge unrelated histories"},
+    {"nothing-to-commit", -1, "On branch main\nnothing to commit, working tree clean\n"},
+    {"nothing-to-commit", -1, "Changes not staged for commit:\n\nno changes added to commit (use"},
+    {"nothing-to-commit", -1,
+     "nothing added to commit but untracked files present (use \"git add\""},
+    {"identity-unknown", -1, "Author identity unknown\n\n*** Please tell me who you are.\n"},
+    {"identity-unknown", -1, "fatal: empty ident name (for <x@y>) not allowed"},
+    {"identity-unknown", -1, "fatal: no email was given and auto-detection is disabled"},
+    {"message-empty", -1, "Aborting commit due to empty commit message."},
+    {"signing-failed", -1,
+     "error: gpg failed to sign the data\nfatal: failed to write commit object"},
+    {"signing-failed", -1, "fatal: failed to write commit object"},
+    {"transport-forbidden", -1, "fatal: transport 'file' not allowed"},
+    {"objects-damaged", -1, "error: object file .git/objects/12/34 is empty"},
+    {"objects-damaged", -1, "fatal: loose object 1234 (stored in x) is corrupt"},
+    {"objects-damaged", -1, "fatal: bad object HEAD"},
+    {"other-tools", -1, "fatal: No url found for submodule path 's' in .gitmodules"},
+    {"other-tools", -1, "git-lfs filter-process: git-lfs: not found"},
+    {"other-tools", -1, "error: a.txt: patch does not apply"},
+    {"remote-unreadable", -20, "fatal: Could not read from remote repository.\n\nPlease make sure"},
+    {"unknown", -1, "fatal: something that nobody has said before"},
+};
+
+class Catalogue : public testing::TestWithParam<Case> {};
+
+TEST_P(Catalogue, KnowsTheClassAndCodeOfAText) {
+    const auto error =
+        NEBSourceControlErrorFromText(GetParam().text, *requestFor(18, std::nullopt));
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(GetParam().text), GetParam().errorClass);
+    EXPECT_EQ(error.errorClass, GetParam().errorClass);
+    EXPECT_EQ(error.code, GetParam().code);
+    EXPECT_EQ(error.text, GetParam().text);
+    if (error.code == -31) {
+        EXPECT_EQ(error.localizedDescription(),
+                  "The operation could not be performed because the working copy \"demo\" has "
+                  "uncommitted changes.");
+    } else if (error.code == -32) {
+        EXPECT_EQ(error.localizedDescription(),
+                  "The operation could not be performed because \"demo\" does not have the latest "
+                  "remote changes.");
+        EXPECT_EQ(error.localizedRecoverySuggestion(), "Pull the remote changes and try again.");
+    } else {
+        EXPECT_EQ(error.localizedDescription(), GetParam().text);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, Catalogue, testing::ValuesIn(cases));
+
+TEST(ErrorClasses, WhatTheFarEndSaidCountsForNothing) {
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(
+                  "remote: Permission denied\nremote: fatal: not a git repository\n"),
+              "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(
+                  "remote: error: Permission denied (publickey)\n ! [remote rejected] main -> main "
+                  "(pre-receive hook declined)\n"),
+              "remote-hook-refused");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("the remote: not a git repository"),
+              "not-a-repository")
+        << "only lines that begin so are the far end's";
+}
+
+TEST(ErrorClasses, AWarningOrHintGivesWayToAnError) {
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(
+                  "warning: unable to access '/h/.config/git/ignore': Permission denied\n"
+                  "fatal: bad revision 'nosuch'\n"),
+              "revision-unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("hint: CONFLICT (content)\nfatal: bad object x\n"),
+              "objects-damaged");
+}
+
+TEST(ErrorClasses, TheCauseGoesBeforeWhatAccompaniesIt) {
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("fatal: Could not read from remote repository.\n"
+                                               "ssh: connect to host h port 1: Connection refused"),
+              "host-unreachable");
+}
+
+TEST(ErrorClasses, NoTextShowsNone) {
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(""), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("\n\n"), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(std::string("\0\xFF\n", 3)), "unknown");
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,94 @@
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Support/Matchers.h"
+#include "Support/TemporaryFolder.h"
+
+namespace neb {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string plugInFile = NEB_BUILD_FOLDER "/lib/NEBGit.so";
+
+TEST(PlugIn, IsLoadedFromItsFileAndAnswers) {
+    const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(plugInFile);
+    ASSERT_TRUE(load.plugIn.has_value()) << load.failure;
+    EXPECT_EQ(load.plugIn->name(), "NEBGit");
+    EXPECT_EQ(load.plugIn->version(), NEB_PROJECT_VERSION);
+
+    const auto controller = load.plugIn->makePrincipalClass();
+    const auto request = test::requestFor(NEBSourceControlRequestStatus, "/no/such/folder");
+    EXPECT_FALSE(controller->authenticationRequiredForRequest(*request));
+    EXPECT_TRUE(controller->validateRequest(*request, nullptr));
+    const auto operation = controller->operationForRequest(request);
+    ASSERT_NE(operation, nullptr);
+    EXPECT_EQ(operation->className(), "GitStatusOperation");
+    operation->start();
+    EXPECT_THAT(operation->error(),
+                test::IsSourceControlError(-1, HasSubstr("\"/no/such/folder\"")));
+}
+
+TEST(PlugIn, ItsOperationsOutliveEverythingElseOfIt) {
+    std::shared_ptr<NEBSourceControlOperation> operation;
+    {
+        const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(plugInFile);
+        operation = load.plugIn->makePrincipalClass()->operationForRequest(
+            test::requestFor(NEBSourceControlRequestIgnore, std::nullopt));
+    }
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+}
+
+TEST(PlugIn, ShowsItsVersionSymbols) {
+    void* library = ::dlopen(plugInFile.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << ::dlerror();
+    const auto* text = static_cast<const char*>(::dlsym(library, "NEBGitVersionString"));
+    const auto* number = static_cast<const double*>(::dlsym(library, "NEBGitVersionNumber"));
+    ASSERT_TRUE(text != nullptr && number != nullptr);
+    EXPECT_STREQ(text, "@(#)PROGRAM:NEBGit  PROJECT:NEBGit-" NEB_PROJECT_VERSION "\n");
+    EXPECT_DOUBLE_EQ(*number, std::stod(NEB_PROJECT_VERSION));
+    ::dlclose(library);
+}
+
+std::string failureOf(const std::string& path) {
+    const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(path);
+    EXPECT_FALSE(load.plugIn.has_value());
+    return load.failure;
+}
+
+TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
+    const test::TemporaryFolder folder;
+    EXPECT_EQ(failureOf("/no/such/NEBGit.so"),
+              "The plug-in \"/no/such/NEBGit.so\" could not be read: No such file or directory.");
+    const std::string text = folder.write("text.so", "no library\n");
+    EXPECT_THAT(failureOf(text), StartsWith("The file \"" + text + "\" is no plug-in: "));
+    EXPECT_THAT(failureOf(folder.path()), StartsWith("The file \"" + folder.path() + "\""));
+    const std::string library = NEB_TEST_MODULES "/NoPlugIn.so";
+    EXPECT_EQ(failureOf(library), "The file \"" + library +
+                                      "\" is no source-control plug-in: it does not export "
+                                      "NEBSourceControlDescribePlugIn.");
+    const std::string silent = NEB_TEST_MODULES "/NoDescription.so";
+    EXPECT_EQ(failureOf(silent), "The plug-in \"" + silent + "\" does not describe itself.");
+    const std::string other = NEB_TEST_MODULES "/OtherContract.so";
+    EXPECT_EQ(failureOf(other), "The plug-in \"" + other +
+                                    "\" was built for version 7 of the host contract; this host "
+                                    "has version 1.");
+}
+
+TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
+    const auto here = std::filesystem::current_path();
+    std::filesystem::current_path(NEB_TEST_MODULES);
+    const std::string failure = failureOf("OtherContract.so");
+    std::filesystem::current_path(here);
+    EXPECT_THAT(failure, HasSubstr("version 7"));
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,272 @@
+// Requests, their types, source trees, and what the host checks before it hands one over.
+
+#include "NEBFoundation/NEBSourceControlRequest.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <set>
+
+#include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlManager.h"
+#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlTemporaryFile.h"
+#include "Support/Matchers.h"
+#include "Support/TemporaryFolder.h"
+
+namespace neb {
+namespace {
+
+using test::requestFor;
+using testing::MatchesRegex;
+
+TEST(Request, IsMadeWithItsFieldsAndNoOthers) {
+    auto tree = std::make_shared<NEBSourceControlRepository>();
+    const auto request = NEBSourceControlRequest::initWithType(
+        19, tree, std::vector<NEBValue>{"/a"},
+        NEBDictionary{{NEBSourceControlRequestOptionBranch, "topic"}});
+    EXPECT_EQ(request->type, 19);
+    EXPECT_EQ(request->sourceTree, tree);
+    EXPECT_EQ(request->fileCount(), 1U);
+    EXPECT_EQ(*request->option(NEBSourceControlRequestOptionBranch).string(), "topic");
+    EXPECT_FALSE(request->option(NEBSourceControlRequestOptionForce).isPresent());
+    EXPECT_FALSE(request->destination.isPresent());
+    EXPECT_FALSE(request->startingRevision.isPresent());
+    EXPECT_FALSE(request->endingRevision.isPresent());
+    EXPECT_EQ(request->remote, nullptr);
+    EXPECT_EQ(request->repositoryToAuthenticate, nullptr);
+}
+
+TEST(Request, TakesOtherOptions) {
+    const auto request = requestFor(20, "/w");
+    EXPECT_FALSE(request->option("x").isPresent());
+    request->setOptions(NEBDictionary{{"x", 1}});
+    EXPECT_EQ(request->option("x").integer(), 1);
+    request->setOptions(std::nullopt);
+    EXPECT_FALSE(request->options.has_value());
+}
+
+TEST(Request, CallsAMissingSourceTreeNull) {
+    auto request = requestFor(15, "/w");
+    EXPECT_EQ(request->sourceTreeName(), "demo");
+    request->sourceTree = nullptr;
+    EXPECT_EQ(request->sourceTreeName(), "(null)");
+    EXPECT_EQ(request->descriptionForAssertionMessage(), "<NEBSourceControlRequest of type 15>");
+}
+
+TEST(SourceTree, DescribesItself) {
+    NEBSourceControlWorkingTree tree;
+    tree.name = "demo";
+    EXPECT_EQ(tree.descriptionForAssertionMessage(),
+              "<NEBSourceControlWorkingTree \"demo\": (null)>");
+    NEBSourceControlRepository repository;
+    repository.location = "/r.git";
+    EXPECT_EQ(repository.descriptionForAssertionMessage(),
+              "<NEBSourceControlRepository \"\": /r.git>");
+    EXPECT_TRUE(repository.reachable && repository.isValid);
+    EXPECT_FALSE(repository.isRemoteDistributedRepository);
+    NEBSourceControlRemote remote;
+    EXPECT_EQ(remote.descriptionForAssertionMessage(), "<NEBSourceControlRemote>");
+    remote.representsGitSVNBridge = true;
+    EXPECT_EQ(remote.descriptionForAssertionMessage(),
+              "<NEBSourceControlRemote: Subversion bridge>");
+}
+
+TEST(RequestType, HasAPlainName) {
+    const char* names[] = {"add",
+                           "create branch",
+                           "delete branch",
+                           "commit",
+                           "ignore",
+                           "remove",
+                           "add files",
+                           "revert",
+                           "make directory",
+                           "merge",
+                           "copy",
+                           "move",
+                           "unsupported",
+                           "update",
+                           "checkout",
+                           "status",
+                           "unsupported",
+                           "list",
+                           "log",
+                           "info",
+                           "export files",
+                           "export",
+                           "export tree",
+                           "unsupported",
+                           "list remotes",
+                           "list branches",
+                           "current branch",
+                           "create repository",
+                           "blame",
+                           "clone",
+                           "diff",
+                           "list remote branches",
+                           "list remote branches (second form)",
+                           "push",
+                           "add remote",
+                           "remove remote",
+                           "track remote branch",
+                           "fetch",
+                           "tracking branch name",
+                           "merge base"};
+    for (std::int32_t type = 0; type < 40; ++type) {
+        EXPECT_EQ(NEBSourceControlRequestTypeName(type), names[type]) << type;
+    }
+    EXPECT_EQ(NEBSourceControlRequestTypeName(-1), std::nullopt);
+    EXPECT_EQ(NEBSourceControlRequestTypeName(40), std::nullopt);
+}
+
+// ---- shapes of assertion reports --------------------------------------------------------------
+
+TEST(Assertions, TellAbsentWrongKindAndEmptyApart) {
+    const NEBSourceControlAssertionSite site{.function = "-[A b]", .file = "Classes/A", .line = 3};
+    const test::ReportCollector collector;
+    NEBSourceControlAssertNonEmptyString(site, NEBValue(), "x.y");
+    NEBSourceControlAssertNonEmptyString(site, NEBValue(5), "x.y");
+    NEBSourceControlAssertNonEmptyString(site, NEBValue(""), "x.y");
+    NEBSourceControlAssertNonEmptyString(site, NEBValue("fine"), "x.y");
+    NEBSourceControlAssertNotNil(site, false, "(x)");
+    NEBSourceControlAssertNotNil(site, true, "(x)");
+    NEBSourceControlAssert(site, false, "x > 0");
+    NEBSourceControlAssert(site, true, "x > 0");
+
+    const std::pair<const char*, const char*> expected[] = {
+        {"x.y should be a non-empty string, but it is nil", "(x.y) != nil"},
+        {"x.y should be a non-empty string, but it is 5",
+         "CFGetTypeID(x.y) == CFStringGetTypeID()"},
+        {"x.y should be a non-empty string, but it's an empty string",
+         "![@\"\" isEqualToString:(x.y)]"},
+        {"(x) should not be nil.", "((x)) != nil"},
+        {"Assertion failed: x > 0", "x > 0"},
+    };
+    ASSERT_EQ(collector.reports().size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(collector.reports()[i].message, expected[i].first);
+        EXPECT_EQ(collector.reports()[i].condition, expected[i].second);
+        EXPECT_EQ(collector.reports()[i].function, "-[A b]");
+        EXPECT_EQ(collector.reports()[i].file, "Classes/A");
+        EXPECT_EQ(collector.reports()[i].line, 3);
+    }
+}
+
+// ---- values that git would take for options ---------------------------------------------------
+
+constexpr unsigned D = 1, S = 2, E = 4, B = 8, R = 16, L = 32, F = 64, W = 128, N = 256;
+
+/// A request in which the places of the mask hold "-x" (a file that is only named so: N).
+std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, unsigned places) {
+    const auto value = [places](unsigned place) {
+        return (places & place) != 0 ? NEBValue("-x") : NEBValue("x-");
+    };
+    auto request = requestFor(type, (places & W) != 0 ? "-x" : "/w");
+    request->destination = value(D);
+    request->startingRevision = value(S);
+    request->endingRevision = value(E);
+    request->files = {NEBValue("/w/a"), (places & N) != 0 ? NEBValue("/w/-x") : value(F)};
+    request->options = NEBDictionary{
+        {NEBSourceControlRequestOptionBranch, value(B)},
+        {NEBSourceControlRequestOptionRemoteName, value(R)},
+        {NEBSourceControlRequestOptionSourceLocation, value(L)},
+        {NEBSourceControlRequestOptionMessage, "-m"},
+    };
+    return request;
+}
+
+TEST(OptionLikeValues, AreFoundWhereGitWouldReadThem) {
+    const std::pair<std::int32_t, unsigned> exposed[] = {
+        {0, 0},          {1, D | L},
+        {2, D},          {3, 0},
+        {4, 0},          {5, 0},
+        {6, 0},          {7, 0},
+        {8, 0},          {9, D | E},
+        {10, 0},         {11, D | F},
+        {12, 0},         {13, D | E | R | B},
+        {14, D},         {15, 0},
+        {16, 0},         {17, F},
+        {18, S | E | B}, {19, 0},
+        {20, S | F | N}, {21, S | F | N},
+        {22, 0},         {23, 0},
+        {24, 0},         {25, F},
+        {26, 0},         {27, 0},
+        {28, S | E},     {29, W | D | B},
+        {30, S | E | D}, {31, F},
+        {32, F},         {33, R | B},
+        {34, D | F},     {35, D},
+        {36, D | R | B}, {37, R},
+        {38, 0},         {39, S | E},
+    };
+    for (const auto& [type, places] : exposed) {
+        for (const unsigned place : {D, S, E, B, R, L, F, W, N}) {
+            const auto found =
+                NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place));
+            EXPECT_EQ(found.has_value(), (places & place) != 0) << type << " place " << place;
+        }
+    }
+}
+
+TEST(OptionLikeValues, AreNamed) {
+    const auto nameOf = [](std::int32_t type, unsigned place) {
+        return NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place))->field;
+    };
+    EXPECT_EQ(nameOf(29, W), "sourceTree.location");
+    EXPECT_EQ(nameOf(14, D), "destination");
+    EXPECT_EQ(nameOf(39, S), "startingRevision");
+    EXPECT_EQ(nameOf(39, E), "endingRevision");
+    EXPECT_EQ(nameOf(11, F), "files[1]");
+    EXPECT_EQ(nameOf(20, N), "files[1]");
+    EXPECT_EQ(nameOf(18, B), "options.NEBSourceControlRequestOptionBranch");
+    EXPECT_EQ(nameOf(37, R), "options.NEBSourceControlRequestOptionRemoteName");
+    EXPECT_EQ(nameOf(1, L), "options.NEBSourceControlRequestOptionSourceLocation");
+    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(14, D))->value, "-x");
+    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(20, N))->value, "-x")
+        << "what git would read, the name behind the folder";
+}
+
+TEST(OptionLikeValues, OtherKindsAndAnEmptyRequestHoldNone) {
+    NEBSourceControlRequest request;
+    for (request.type = -1; request.type <= 40; ++request.type) {
+        EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
+    }
+    request.type = NEBSourceControlRequestCheckout;
+    request.destination = -5;
+    EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
+    request.destination = "";
+    EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
+}
+
+// ---- temporary files, the log aspect ----------------------------------------------------------
+
+TEST(TemporaryFile, IsNamedAfterTheFileWithAHeadOfItsOwn) {
+    const test::TemporaryFolder folder;
+    ::setenv("TMPDIR", folder.path().c_str(), 1);
+    std::set<std::string> names;
+    for (int i = 0; i < 100; ++i) {
+        const LOMFilePath path =
+            NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/src/main.c");
+        EXPECT_THAT(path.pathString(), MatchesRegex(folder.path() + "/[0-9A-F]{16}-main\\.c"));
+        EXPECT_FALSE(path.existsInFileSystem());
+        names.insert(path.pathString());
+    }
+    ::setenv("TMPDIR", "relative", 1);
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("a").pathString(),
+                MatchesRegex("/tmp/.*-a"));
+    ::unsetenv("TMPDIR");
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("a").pathString(),
+                MatchesRegex("/tmp/.*-a"));
+    EXPECT_EQ(names.size(), 100U);
+}
+
+TEST(Manager, HasOneLogAspectForAllSourceControl) {
+    EXPECT_EQ(&NEBSourceControlManager::sourceControlLogAspect(),
+              &NEBSourceControlManager::sourceControlLogAspect());
+    EXPECT_EQ(NEBSourceControlManager::sourceControlLogAspect().logLevel, 0);
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,495 @@
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/OperationQueue.h"
+#include "Support/HygienicTest.h"
+#include "Support/Matchers.h"
+#include "Support/TemporaryFolder.h"
+
+namespace neb {
+namespace {
+
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::requestFor;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// Runs a shell script; what a subclass would override is given as functions.
+class ScriptOperation : public NEBSourceControlTaskOperation {
+public:
+    ScriptOperation(std::string script, std::shared_ptr<NEBSourceControlRequest> request)
+        : NEBSourceControlTaskOperation(std::move(request)) {
+        setArguments({"-c", std::move(script)});
+    }
+    std::string launchPath() override { return program; }
+    void parseData() override {
+        ++parses;
+        if (parse) {
+            parse();
+        }
+    }
+    std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override { return second; }
+    std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override {
+        messages.push_back(message.value_or("(absent)"));
+        return translate ? translate(*message)
+                         : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
+    }
+
+    std::string program = "/bin/sh";
+    std::function<void()> parse;
+    std::function<std::optional<NEBSourceControlError>(const std::string&)> translate;
+    std::shared_ptr<ScriptOperation> second;
+    std::vector<std::string> messages;
+    int parses = 0;
+};
+
+std::shared_ptr<ScriptOperation> script(std::string text) {
+    return std::make_shared<ScriptOperation>(std::move(text), requestFor(18, std::nullopt));
+}
+
+class TaskOperation : public test::HygienicTest {};
+class PipedOperation : public test::HygienicTest {};
+
+// ---- the order of things ----------------------------------------------------------------------
+
+TEST_F(TaskOperation, ParsesFirstAndTranslatesWhatIsLeftThen) {
+    auto operation = script("echo out; echo err >&2; exit 1");
+    std::vector<std::string> order;
+    operation->parse = [&] {
+        order.push_back("parse " + *operation->data() + *operation->errorData());
+        operation->setResult(NEBSourceControlResult{});
+    };
+    operation->translate = [&](const std::string& message) {
+        order.push_back("translate " + message);
+        return NEBSourceControlError::withDescription(-7, "told");
+    };
+    operation->start();
+    EXPECT_THAT(order, ElementsAre("parse out\nerr\n", "translate err"));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-7, "told"));
+    EXPECT_TRUE(operation->result().has_value());
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
+}
+
+TEST_F(TaskOperation, DataIsPresentThoughEmpty) {
+    auto operation = script("true");
+    EXPECT_EQ(operation->data(), std::nullopt);
+    operation->start();
+    EXPECT_EQ(operation->data(), "");
+    EXPECT_EQ(operation->errorData(), "");
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_THAT(operation->messages, ElementsAre()) << "an empty text is not translated";
+}
+
+TEST_F(TaskOperation, ATextThatParseDataClearsIsNoErrorOfASuccess) {
+    auto operation = script("echo harmless >&2");
+    operation->parse = [&] { operation->setErrorData(std::nullopt); };
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_THAT(operation->messages, ElementsAre());
+}
+
+TEST_F(TaskOperation, TranslatesTheTextThatParseDataPutsInPlace) {
+    auto operation = script("echo one >&2; exit 1");
+    operation->parse = [&] { operation->setErrorData("fatal: two\n"); };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "fatal: two"));
+}
+
+TEST_F(TaskOperation, ATranslatedErrorTakesThePlaceOfParseDatas) {
+    auto operation = script("echo fatal: x >&2; exit 1");
+    operation->parse = [&] {
+        operation->setError(NEBSourceControlError::withDescription(-34, "up to date"));
+    };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "fatal: x"));
+}
+
+// ---- the exit status --------------------------------------------------------------------------
+
+TEST_F(TaskOperation, ASuccessThatSpeaksIsNoError) {
+    auto operation = script("echo \"Switched to branch 'topic'\" >&2");
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_THAT(operation->messages, ElementsAre("Switched to branch 'topic'"));
+}
+
+TEST_F(TaskOperation, AFailureIsAnErrorThoughParseDataClearedItsText) {
+    auto operation = script(
+        "printf ' ! [rejected]        main -> main (fetch first)\\nerror: failed to push some refs "
+        "to '\"'x'\"'\\n' >&2; exit 1");
+    operation->parse = [&] {
+        operation->setData(operation->errorData());
+        operation->setErrorData(std::nullopt);
+        operation->setResult(NEBSourceControlResult{{}});
+    };
+    operation->start();
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-32,
+                                     "The operation could not be performed because \"demo\" "
+                                     "does not have the latest remote changes."));
+    EXPECT_EQ(operation->error()->localizedRecoverySuggestion(),
+              "Pull the remote changes and try again.");
+    EXPECT_THAT(operation->error(), HasErrorClass("remote-ahead"));
+    EXPECT_EQ(operation->result()->size(), 1U) << "beside its content";
+}
+
+TEST_F(TaskOperation, AFailureThatThePlugInCallsHarmlessIsAnErrorAllTheSame) {
+    auto operation = script("echo notice >&2; exit 1");
+    operation->translate = [](const std::string&) { return std::nullopt; };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "notice"));
+}
+
+TEST_F(TaskOperation, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
+    auto operation =
+        script("printf 'On branch main\\nnothing to commit, working tree clean\\n'; exit 1");
+    operation->start();
+    EXPECT_THAT(
+        operation->error(),
+        IsSourceControlError(-1, "On branch main\nnothing to commit, working tree clean\n"));
+    EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_EQ(operation->error()->text, "On branch main\nnothing to commit, working tree clean\n");
+}
+
+TEST_F(TaskOperation, AFailureWithoutAWordLeavesNoError) {
+    for (const char* silent : {"exit 1", "echo; echo ' ' >&2; exit 1"}) {
+        auto operation = script(silent);
+        operation->start();
+        EXPECT_EQ(operation->error(), std::nullopt) << silent;
+        EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
+    }
+}
+
+TEST_F(TaskOperation, AFailureKeepsTheErrorThatParseDataMade) {
+    auto operation = script("echo x; exit 1");
+    operation->parse = [&] {
+        operation->setError(NEBSourceControlError::withDescription(-5, "ours"));
+    };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-5, "ours"));
+}
+
+TEST_F(TaskOperation, ASignalIsAnErrorThatNamesIt) {
+    auto operation = script("echo fatal: half >&2; kill -9 $$");
+    operation->start();
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1,
+                                     "The operation was not completed because \"/bin/sh\" was "
+                                     "ended by signal 9 (Killed)."));
+    EXPECT_THAT(operation->error(), HasErrorClass("killed"));
+    EXPECT_EQ(operation->error()->text, "fatal: half");
+}
+
+TEST_F(TaskOperation, AProgramThatCannotStartIsAnErrorThatNamesIt) {
+    auto operation = script("");
+    operation->program = "/no/such/git";
+    operation->start();
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1,
+                                     "The operation could not be performed because the program "
+                                     "\"/no/such/git\" could not be started: No such file or "
+                                     "directory."));
+    EXPECT_THAT(operation->error(), HasErrorClass("not-started"));
+    EXPECT_EQ(operation->parses, 0);
+    EXPECT_EQ(operation->data(), std::nullopt);
+    EXPECT_FALSE(operation->terminationStatus()->started());
+}
+
+TEST_F(TaskOperation, AFolderThatIsMissingIsAnErrorThatNamesIt) {
+    auto operation = script("");
+    operation->setCurrentDirectoryPath("/no/such/folder");
+    operation->start();
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1, HasSubstr("the folder \"/no/such/folder\" could not be "
+                                                   "entered: No such file or directory")));
+}
+
+TEST_F(TaskOperation, ATildeInTheFolderIsTheUsersHome) {
+    auto operation = script("pwd");
+    operation->setCurrentDirectoryPath("~");
+    operation->start();
+    EXPECT_EQ(operation->data(), std::string(std::getenv("HOME")) + "\n");
+}
+
+TEST_F(TaskOperation, AnEndThatNobodyLearnedIsAnError) {
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGCHLD, &ignore, &previous);
+    auto operation = script("echo x");
+    operation->start();
+    ::sigaction(SIGCHLD, &previous, nullptr);
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1, HasSubstr("Whether the operation was completed is not "
+                                                   "known")));
+}
+
+TEST_F(TaskOperation, TellsThatALeftOverProcessHeldItsOutput) {
+    auto operation = script("sleep 1000 & echo $!");
+    operation->start();
+    EXPECT_TRUE(operation->outputWasHeldOpen());
+    EXPECT_EQ(operation->error(), std::nullopt);
+    ::kill(static_cast<pid_t>(std::stol(*operation->data())), SIGKILL);
+    test::waitUntilGone(static_cast<pid_t>(std::stol(*operation->data())));
+}
+
+// ---- the default translation ------------------------------------------------------------------
+
+TEST_F(TaskOperation, WithoutARunEveryTextIsAnErrorAndNoTextIsNone) {
+    auto operation = script("");
+    EXPECT_THAT(operation->errorFromErrorMessage("some words"),
+                IsSourceControlError(-1, "some words"));
+    EXPECT_EQ(operation->errorFromErrorMessage(""), std::nullopt);
+    EXPECT_EQ(operation->NEBSourceControlTaskOperation::errorFromErrorMessage(std::nullopt),
+              std::nullopt);
+}
+
+TEST_F(TaskOperation, TheClassIsTheTrueOneWhicheverTableMadeTheError) {
+    auto operation = script(
+        "echo \"fatal: Unable to create '/r/.git/index.lock': Permission denied\" "
+        ">&2; exit 128");
+    operation->translate = [](const std::string&) {
+        return NEBSourceControlError::withDescription(-21, "Authentication failed.");
+    };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-21, "Authentication failed."));
+    EXPECT_THAT(operation->error(), HasErrorClass("permission-denied"));
+    EXPECT_EQ(operation->error()->text,
+              "fatal: Unable to create '/r/.git/index.lock': Permission denied");
+}
+
+// ---- cancelling -------------------------------------------------------------------------------
+
+TEST_F(TaskOperation, CancelledBeforeItBeginsRunsNothing) {
+    const TemporaryFolder folder;
+    auto operation = script("touch " + folder.path("ran"));
+    operation->setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
+    operation->cancel();
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The operation was cancelled."));
+    EXPECT_THAT(operation->error(), HasErrorClass("cancelled"));
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_TRUE(operation->commandLog()->runs().empty());
+    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
+}
+
+TEST_F(TaskOperation, CancelledWhileItRunsEndsWithNothingLeft) {
+    const TemporaryFolder folder;
+    auto operation = script("sleep 1000 & echo $! > " + folder.path("pid.new") + "; mv " +
+                            folder.path("pid.new") + " " + folder.path("pid") + "; wait");
+    OperationQueue queue;
+    queue.addOperation(operation);
+    while (!std::filesystem::exists(folder.path("pid"))) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    queue.cancelAllOperations();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(operation->error(), HasErrorClass("cancelled"));
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_FALSE(test::isLiveProcess(static_cast<pid_t>(std::stol(folder.read("pid")))));
+}
+
+// ---- the children that ran --------------------------------------------------------------------
+
+TEST_F(TaskOperation, TellsWhatItWasBuiltToRunAndWhatRan) {
+    auto operation = script("exit 3");
+    operation->setCurrentDirectoryPath("/");
+    auto log = std::make_shared<NEBSourceControlCommandLog>();
+    operation->setCommandLog(log);
+    const auto command = operation->command();
+    ASSERT_TRUE(command.has_value());
+    EXPECT_EQ(command->launchPath, "/bin/sh");
+    EXPECT_THAT(command->arguments, ElementsAre("-c", "exit 3"));
+    EXPECT_EQ(command->currentDirectoryPath, "/");
+    EXPECT_EQ(command->pipeTo, nullptr);
+    EXPECT_TRUE(log->runs().empty());
+
+    operation->start();
+    ASSERT_EQ(log->runs().size(), 1U);
+    const NEBSourceControlCommandRun run = log->runs()[0];
+    EXPECT_EQ(run.launchPath, "/bin/sh");
+    EXPECT_THAT(run.arguments, ElementsAre("-c", "exit 3"));
+    EXPECT_EQ(run.currentDirectoryPath, "/");
+    EXPECT_EQ(run.terminationStatus, 3);
+    EXPECT_GT(run.duration->count(), 0);
+}
+
+TEST_F(TaskOperation, AChildThatDidNotExitHasNoStatusAndOneThatNeverRanIsNotListed) {
+    auto log = std::make_shared<NEBSourceControlCommandLog>();
+    auto killed = script("kill -9 $$");
+    killed->setCommandLog(log);
+    killed->start();
+    auto missing = script("");
+    missing->program = "/no/such/program";
+    missing->setCommandLog(log);
+    missing->start();
+    ASSERT_EQ(log->runs().size(), 1U);
+    EXPECT_EQ(log->runs()[0].terminationStatus, std::nullopt);
+    EXPECT_TRUE(log->runs()[0].duration.has_value());
+}
+
+// ---- the child's surroundings that depend on the request --------------------------------------
+
+std::string environmentLineOf(const std::shared_ptr<NEBSourceControlRequest>& request,
+                              const std::string& name, bool background = false) {
+    ScriptOperation operation("env | grep '^" + name + "=' || true", request);
+    operation.setBackgroundWork(background);
+    operation.start();
+    return *_nebsc_stringFromData(operation.data());
+}
+
+TEST_F(TaskOperation, PatternsInNamesAreTakenLiterally) {
+    for (const char* name : {"/w/a*.c", "/w/a?.c", "/w/a[1].c", "/w/a\\.c", ":a", "/w/:a"}) {
+        auto request = requestFor(5, std::nullopt);
+        request->files = {NEBValue("/w/plain.c"), NEBValue(name)};
+        EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
+            << name;
+        request = requestFor(0, std::nullopt);
+        request->destination = name;
+        EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
+            << name;
+    }
+}
+
+TEST_F(TaskOperation, OrdinaryNamesLeaveGitAsItIs) {
+    auto request = requestFor(5, std::nullopt);
+    request->files = {NEBValue("/w/plain name.c"), NEBValue(5), NEBValue(), NEBValue("")};
+    request->destination = "topic/a-b.c";
+    EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "");
+}
+
+TEST_F(TaskOperation, BackgroundWorkAloneTakesNoOptionalLocks) {
+    const auto request = requestFor(15, std::nullopt);
+    EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS"), "");
+    EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS", true), "GIT_OPTIONAL_LOCKS=0");
+}
+
+// ---- pipelines --------------------------------------------------------------------------------
+
+std::shared_ptr<ScriptOperation> piped(std::string first, std::string second) {
+    auto operation = script(std::move(first));
+    operation->second = script(std::move(second));
+    return operation;
+}
+
+TEST_F(PipedOperation, TheSecondHalfsResultIsTheOutcomeAndNoTextReplacesIt) {
+    auto operation =
+        piped("echo data; echo fatal: first >&2; exit 1", "cat; echo second >&2; exit 2");
+    operation->second->parse = [&] {
+        operation->second->setResult(
+            NEBSourceControlResult{NEBDictionary{{"content", *operation->second->data()}}});
+    };
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    ASSERT_TRUE(operation->result().has_value());
+    EXPECT_EQ(*operation->result()->at(0).value("content").string(), "data\n");
+    EXPECT_EQ(operation->parses, 0);
+    EXPECT_EQ(operation->second->parses, 1);
+}
+
+TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
+    auto operation = piped("echo 'fatal: not a valid object name: nosuch' >&2; exit 128",
+                           "echo 'This does not look like a tar archive' >&2; exit 2");
+    operation->second->parse = [&] {
+        operation->second->setError(
+            NEBSourceControlError::withDescription(-1, "The revision was not found."));
+    };
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The revision was not found."));
+    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(operation->messages, ElementsAre());
+    EXPECT_THAT(operation->second->messages, ElementsAre());
+}
+
+TEST_F(PipedOperation, WhereItLeavesNeitherTheTextsAreTranslatedTheFirstHalfsFirst) {
+    auto both = piped("echo fatal: first >&2; exit 1", "echo second >&2; exit 2");
+    both->start();
+    EXPECT_THAT(both->error(), IsSourceControlError(-1, "fatal: first"));
+    EXPECT_EQ(both->second->parses, 1);
+
+    auto second = piped("echo data", "echo fatal: second >&2; exit 2");
+    second->start();
+    EXPECT_THAT(second->error(), IsSourceControlError(-1, "fatal: second"));
+}
+
+TEST_F(PipedOperation, AFirstHalfThatWasCutOffIsNotTheCause) {
+    auto operation = piped("exec yes", "echo fatal: second >&2; exit 2");
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "fatal: second"));
+
+    auto silent = piped("exec yes", "exit 2");
+    silent->start();
+    EXPECT_THAT(silent->error(), HasErrorClass("killed")) << "a failure all the same";
+}
+
+TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
+    auto first = piped("", "cat");
+    first->program = "/no/such/first";
+    first->start();
+    EXPECT_THAT(first->error(), IsSourceControlError(-1, HasSubstr("\"/no/such/first\"")));
+
+    auto second = piped("exec sleep 1000", "");
+    second->second->program = "/no/such/second";
+    second->start();
+    EXPECT_THAT(second->error(), IsSourceControlError(-1, HasSubstr("\"/no/such/second\"")));
+    EXPECT_THAT(second->error(), HasErrorClass("not-started"));
+}
+
+TEST_F(PipedOperation, BothChildrenAreToldInTheirOrder) {
+    auto operation = piped("echo a", "cat; exit 4");
+    auto log = std::make_shared<NEBSourceControlCommandLog>();
+    operation->setCommandLog(log);
+    EXPECT_THAT(operation->command()->pipeTo->arguments, ElementsAre("-c", "cat; exit 4"));
+    operation->start();
+    ASSERT_EQ(log->runs().size(), 2U);
+    EXPECT_THAT(log->runs()[0].arguments, ElementsAre("-c", "echo a"));
+    EXPECT_EQ(log->runs()[0].terminationStatus, 0);
+    EXPECT_THAT(log->runs()[1].arguments, ElementsAre("-c", "cat; exit 4"));
+    EXPECT_EQ(log->runs()[1].terminationStatus, 4);
+}
+
+// ---- the base of all operations ---------------------------------------------------------------
+
+TEST(SourceControlOperation, TheBaseDoesNothing) {
+    NEBSourceControlOperation operation(requestFor(4, std::nullopt));
+    operation.start();
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_EQ(operation.result(), std::nullopt);
+    EXPECT_EQ(operation.error(), std::nullopt);
+    EXPECT_FALSE(operation.command().has_value());
+    EXPECT_EQ(operation.descriptionForAssertionMessage(), "<NEBSourceControlOperation>");
+}
+
+TEST(SourceControlOperation, WithoutARequestThereIsNone) {
+    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
+    const auto request = requestFor(4, std::nullopt);
+    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(request)->request(), request);
+}
+
+TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
+    class Throwing : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override { throw std::bad_alloc(); }
+    };
+    Throwing operation(requestFor(4, std::nullopt));
+    operation.start();
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("bad_alloc")));
+}
+
+}  // namespace
+}  // namespace neb

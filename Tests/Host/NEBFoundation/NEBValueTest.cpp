@@ -1,0 +1,161 @@
+// Values, dictionaries and dates.
+
+#include "NEBFoundation/NEBValue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "NEBFoundation/NEBDictionary.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb {
+namespace {
+
+using testing::ElementsAre;
+
+NEBDate secondsSince1970(std::int64_t seconds) {
+    return NEBDate(std::chrono::seconds(seconds));
+}
+
+class Thing : public NEBObject {
+public:
+    [[nodiscard]] std::string descriptionForAssertionMessage() const override { return "<Thing>"; }
+};
+
+TEST(Value, IsOfOneKind) {
+    const NEBValue value("topic");
+    EXPECT_EQ(*value.string(), "topic");
+    EXPECT_EQ(value.integer(), std::nullopt);
+    EXPECT_FALSE(NEBValue().isPresent());
+
+    EXPECT_EQ(NEBValue(true).boolean(), true);
+    EXPECT_EQ(NEBValue(true).integer(), std::nullopt);
+    EXPECT_EQ(NEBValue(5).integer(), 5);
+    EXPECT_EQ(NEBValue(5).boolean(), std::nullopt);
+    EXPECT_EQ(NEBValue(std::uint32_t{4096}).integer(), 4096);
+    EXPECT_EQ(NEBValue("5").integer(), std::nullopt);
+    EXPECT_EQ(NEBValue(secondsSince1970(7)).date(), secondsSince1970(7));
+    EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).filePath()->pathString(), "/a");
+    EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).string(), nullptr);
+    EXPECT_EQ(NEBValue(NEBDictionary{}).dictionary()->size(), 0U);
+    EXPECT_NE(NEBValue(std::make_shared<const Thing>()).object(), nullptr);
+    EXPECT_FALSE(NEBValue(std::shared_ptr<const NEBObject>()).isPresent());
+    EXPECT_TRUE(NEBValue("").isPresent()) << "empty is not absent";
+}
+
+TEST(Value, IsABooleanAsPeopleWriteThem) {
+    for (const NEBValue& value : {NEBValue(true), NEBValue(1), NEBValue(-1), NEBValue("YES"),
+                                  NEBValue("true"), NEBValue(" +07"), NEBValue("T")}) {
+        EXPECT_TRUE(value.boolValue()) << value.description();
+    }
+    for (const NEBValue& value : {NEBValue(), NEBValue(false), NEBValue(0), NEBValue(""),
+                                  NEBValue("no"), NEBValue("000"), NEBValue("on")}) {
+        EXPECT_FALSE(value.boolValue()) << value.description();
+    }
+}
+
+TEST(Value, DescribesItself) {
+    EXPECT_EQ(NEBValue().description(), "(null)");
+    EXPECT_EQ(NEBValue("a").description(), "a");
+    EXPECT_EQ(NEBValue("a").descriptionForAssertionMessage(), "\"a\"");
+    EXPECT_EQ(NEBValue(25).descriptionForAssertionMessage(), "25");
+    EXPECT_EQ(NEBValue(false).description(), "false");
+    EXPECT_EQ(NEBValue(secondsSince1970(0)).description(), "1970-01-01T00:00:00Z");
+    EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).description(), "/a");
+    EXPECT_EQ(NEBValue(std::make_shared<const Thing>()).description(), "<Thing>");
+    EXPECT_EQ(NEBValue(NEBDictionary{{"a", 1}, {"b", "x"}}).description(), "{a = 1, b = x}");
+}
+
+TEST(Value, EqualsByContent) {
+    EXPECT_EQ(NEBValue("a"), NEBValue(std::string("a")));
+    EXPECT_FALSE(NEBValue(1) == NEBValue(true));
+    EXPECT_EQ(NEBValue(NEBDictionary{{"a", 1}}), NEBValue(NEBDictionary{{"a", 1}}));
+    EXPECT_FALSE(NEBValue(NEBDictionary{{"a", 1}}) == NEBValue(NEBDictionary{{"a", 2}}));
+}
+
+TEST(Date, ReadsAsInTheInterchangeForm) {
+    EXPECT_EQ(textOfDate(secondsSince1970(1330837567)), "2012-03-04T05:06:07Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(-1)), "1969-12-31T23:59:59Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(951782400)), "2000-02-29T00:00:00Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(4107542400)), "2100-03-01T00:00:00Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(-62135596800)), "0001-01-01T00:00:00Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(253402300800)), "+10000-01-01T00:00:00Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(-62167219201)), "-0001-12-31T23:59:59Z");
+    EXPECT_EQ(textOfDate(secondsSince1970(9223372036854775807)), "+292277026596-12-04T15:30:07Z");
+}
+
+// ---- dictionaries -----------------------------------------------------------------------------
+
+std::vector<std::string> keysOf(const NEBDictionary& dictionary) {
+    std::vector<std::string> keys;
+    for (const NEBDictionary::Entry& entry : dictionary) {
+        keys.emplace_back(entry.key());
+    }
+    return keys;
+}
+
+TEST(Dictionary, AnswersWhatWasSet) {
+    NEBDictionary record;
+    record.set(NEBSourceControlOperationPathKey, "/w/a.txt");
+    EXPECT_EQ(*record.value(NEBSourceControlOperationPathKey).string(), "/w/a.txt");
+    EXPECT_FALSE(record.value("no such key").isPresent());
+    EXPECT_TRUE(record.contains("NEBSourceControlOperationPathKey"));
+    EXPECT_FALSE(record.contains(""));
+}
+
+TEST(Dictionary, KeepsTheOrderInWhichItWasFilled) {
+    NEBDictionary dictionary{{"z", 1}, {"a", 2}};
+    dictionary.set("m", 3);
+    dictionary.set("z", 4);
+    EXPECT_THAT(keysOf(dictionary), ElementsAre("z", "a", "m"));
+    EXPECT_EQ(dictionary.value("z").integer(), 4);
+}
+
+TEST(Dictionary, AnAbsentValueChangesNothing) {
+    NEBDictionary dictionary{{"a", 1}};
+    dictionary.set("a", NEBValue());
+    dictionary.set("b", NEBValue());
+    EXPECT_EQ(dictionary, (NEBDictionary{{"a", 1}}));
+}
+
+TEST(Dictionary, CopiesAreIndependentAtAnySize) {
+    for (const int size : {3, 16, 17, 2000}) {
+        NEBDictionary original;
+        for (int i = 0; i < size; ++i) {
+            original.set("key number " + std::to_string(i), i);
+        }
+        NEBDictionary copy = original;
+        original = NEBDictionary();
+        for (int i = 0; i < size; ++i) {
+            ASSERT_EQ(copy.value("key number " + std::to_string(i)).integer(), i);
+        }
+        copy.set("key number 1", "changed");
+        EXPECT_EQ(copy.size(), static_cast<std::size_t>(size));
+        NEBDictionary moved = std::move(copy);
+        EXPECT_EQ(*moved.value("key number 1").string(), "changed");
+        moved.set("one more", 1);
+        EXPECT_TRUE(moved.contains("one more"));
+        moved = NEBDictionary(moved);
+        EXPECT_TRUE(moved.contains("one more"));
+    }
+}
+
+TEST(Dictionary, TakesTheEntriesOfAnother) {
+    NEBDictionary dictionary{{"a", 1}, {"b", 2}};
+    dictionary.addEntriesFrom(NEBDictionary{{"b", 3}, {"c", 4}});
+    EXPECT_EQ(dictionary, (NEBDictionary{{"a", 1}, {"b", 3}, {"c", 4}}));
+    EXPECT_FALSE(dictionary == (NEBDictionary{{"a", 1}, {"b", 3}}));
+}
+
+TEST(Constants, HaveTheirOwnIdentifierAsText) {
+    EXPECT_EQ(NEBSourceControlHEADRevisionName, "NEBSourceControlHEADRevisionName");
+    EXPECT_EQ(NEBSourceControlBASERevisionName, "NEBSourceControlBASERevisionName");
+    EXPECT_EQ(NEBSourceControlInMemoryRevisionName, "NEBSourceControlInMemoryRevisionName");
+    EXPECT_EQ(NEBSourceControlLocalRevisionName, "NEBSourceControlLocalRevisionName");
+    EXPECT_EQ(NEBSourceControlErrorDomain, "NEBSourceControlErrorDomain");
+    EXPECT_EQ(NEBSourceControlOperationWCStatusKey, "NEBSourceControlOperationWCStatusKey");
+    EXPECT_EQ(NEBSourceControlAllRequestOptions.size(), 13U);
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,515 @@
+#include "Platform/ChildProcess.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <thread>
+
+#include "Support/HygienicTest.h"
+#include "Support/TemporaryFolder.h"
+
+namespace neb {
+namespace {
+
+using std::string_literals::operator""s;
+using test::TemporaryFolder;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::vector<std::string> environment{"PATH=/usr/bin:/bin"};
+
+ChildLaunch shell(std::string script) {
+    return {.launchPath = "/bin/sh",
+            .arguments = {"-c", std::move(script)},
+            .currentDirectoryPath = std::nullopt,
+            .environment = environment};
+}
+
+ChildLaunch program(std::string path, std::vector<std::string> arguments = {}) {
+    return {.launchPath = std::move(path),
+            .arguments = std::move(arguments),
+            .currentDirectoryPath = std::nullopt,
+            .environment = environment};
+}
+
+ChildOutcome runOne(const ChildLaunch& launch) {
+    ChildProcess process;
+    return process.run({launch}).at(0);
+}
+
+/// The numbers on the lines of a text.
+pid_t numberIn(const std::string& text) {
+    return static_cast<pid_t>(std::stol(text));
+}
+
+class ChildProcessTest : public test::HygienicTest {};
+class ChildFailure : public test::HygienicTest {};
+class ChildSurroundings : public test::HygienicTest {};
+class ChildCancellation : public test::HygienicTest {};
+class ChildPipelines : public test::HygienicTest {};
+class LeftOverProcess : public test::HygienicTest {};
+
+// ---- the ordinary run -------------------------------------------------------------------------
+
+TEST_F(ChildProcessTest, RunsAProgramAndCollectsItsOutput) {
+    ChildProcess process;
+    ChildLaunch launch{.launchPath = "/bin/echo",
+                       .arguments = {"hello"},
+                       .currentDirectoryPath = std::nullopt,
+                       .environment = {}};
+    const std::vector<ChildOutcome> outcomes = process.run({launch});
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_TRUE(outcomes[0].status.isSuccess());
+    EXPECT_EQ(outcomes[0].output, "hello\n");
+    EXPECT_EQ(outcomes[0].errorOutput, "");
+    EXPECT_FALSE(outcomes[0].outputWasHeldOpen);
+    EXPECT_GT(outcomes[0].duration.count(), 0);
+}
+
+TEST_F(ChildProcessTest, HandsArgumentsOverToTheByte) {
+    const ChildOutcome outcome =
+        runOne(program("/usr/bin/printf", {"[%s]", "", "a b", "*", "\n", "$HOME", "\xE4", "'\""}));
+    EXPECT_EQ(outcome.output, "[][a b][*][\n][$HOME][\xE4]['\"]");
+}
+
+TEST_F(ChildProcessTest, KeepsOutputToTheByte) {
+    const ChildOutcome outcome = runOne(shell(R"(printf 'a\000b\377\r\n'; printf '\000' >&2)"));
+    EXPECT_EQ(outcome.output, "a\0b\xFF\r\n"s);
+    EXPECT_EQ(outcome.errorOutput, "\0"s);
+}
+
+TEST_F(ChildProcessTest, TellsTheExitStatus) {
+    for (const int status : {0, 1, 2, 128, 255}) {
+        const ChildOutcome outcome = runOne(shell("exit " + std::to_string(status)));
+        EXPECT_EQ(outcome.status.exitStatus(), status);
+        EXPECT_EQ(outcome.status.isSuccess(), status == 0);
+        EXPECT_EQ(outcome.status.description(), "exit status " + std::to_string(status));
+    }
+}
+
+TEST_F(ChildProcessTest, ReadsBothStreamsTogetherHoweverMuchComes) {
+    const ChildOutcome outcome = runOne(
+        shell("head -c 100000000 /dev/zero >&2 & head -c 100000001 /dev/zero; wait; exit 3"));
+    EXPECT_EQ(outcome.status.exitStatus(), 3);
+    EXPECT_EQ(outcome.output.size(), 100000001U);
+    EXPECT_EQ(outcome.errorOutput.size(), 100000000U);
+}
+
+TEST_F(ChildProcessTest, GoesOnWhenTheChildClosesItsStreams) {
+    const ChildOutcome outcome = runOne(shell("echo x; exec >&- 2>&-; sleep 0.1; exit 4"));
+    EXPECT_EQ(outcome.status.exitStatus(), 4);
+    EXPECT_EQ(outcome.output, "x\n");
+}
+
+TEST_F(ChildProcessTest, IsNotDisturbedBySignalsOfTheHost) {
+    struct sigaction action {};
+    struct sigaction previous {};
+    action.sa_handler = [](int) {};  // without SA_RESTART: every call may answer EINTR
+    ::sigaction(SIGALRM, &action, &previous);
+    const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
+    ::setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+    const ChildOutcome outcome = runOne(shell("for i in 1 2 3; do echo $i; sleep 0.05; done"));
+    const itimerval never{};
+    ::setitimer(ITIMER_REAL, &never, nullptr);
+    ::sigaction(SIGALRM, &previous, nullptr);
+    EXPECT_EQ(outcome.output, "1\n2\n3\n");
+    EXPECT_TRUE(outcome.status.isSuccess());
+}
+
+TEST_F(ChildProcessTest, RunsFromManyThreadsAtOnce) {
+    std::atomic<int> right = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&right, t] {
+            for (int i = 0; i < 10; ++i) {
+                const std::string word = std::to_string(t) + "." + std::to_string(i);
+                right += runOne(program("/bin/echo", {word})).output == word + "\n" ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(right, 80);
+}
+
+TEST_F(ChildProcessTest, WorksInAHostWithClosedStandardStreams) {
+    int saved[3];
+    for (int i = 0; i < 3; ++i) {
+        saved[i] = ::fcntl(i, F_DUPFD_CLOEXEC, 20);
+        ::close(i);
+    }
+    const ChildOutcome outcome = runOne(shell("readlink /proc/self/fd/0; echo error >&2"));
+    for (int i = 0; i < 3; ++i) {
+        ::dup2(saved[i], i);
+        ::close(saved[i]);
+    }
+    EXPECT_EQ(outcome.output, "/dev/null\n");
+    EXPECT_EQ(outcome.errorOutput, "error\n");
+}
+
+// ---- what surrounds the child -----------------------------------------------------------------
+
+TEST_F(ChildSurroundings, StandardInputIsEmpty) {
+    EXPECT_EQ(runOne(shell("readlink /proc/self/fd/0; cat")).output, "/dev/null\n");
+}
+
+TEST_F(ChildSurroundings, TheWorkingDirectoryIsTheChildsAlone) {
+    const TemporaryFolder folder;
+    ChildLaunch launch = program("/bin/pwd");
+    launch.currentDirectoryPath = folder.path();
+    EXPECT_EQ(runOne(launch).output, folder.path() + "\n");
+}
+
+TEST_F(ChildSurroundings, TheEnvironmentIsTheGivenOneAlone) {
+    ChildLaunch launch = program("/usr/bin/env");
+    launch.environment = {"A=1", "B=", "C=x=y"};
+    EXPECT_EQ(runOne(launch).output, "A=1\nB=\nC=x=y\n");
+}
+
+TEST_F(ChildSurroundings, TheChildLeadsASessionOfItsOwn) {
+    // pid (name) state parent group session
+    const ChildOutcome outcome =
+        runOne(shell("set -- $(cat /proc/$$/stat); echo $(( $1 == $5 )) $(( $1 == $6 ))"));
+    EXPECT_EQ(outcome.output, "1 1\n");
+}
+
+TEST_F(ChildSurroundings, SignalsAreAtTheirDefaults) {
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGPIPE, &ignore, &previous);
+    sigset_t blocked;
+    sigset_t previousMask;
+    ::sigemptyset(&blocked);
+    ::sigaddset(&blocked, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &previousMask);
+    const ChildOutcome outcome =
+        runOne(program("/bin/grep", {"-E", "^Sig(Blk|Ign)", "/proc/self/status"}));
+    ::pthread_sigmask(SIG_SETMASK, &previousMask, nullptr);
+    ::sigaction(SIGPIPE, &previous, nullptr);
+    // Each line ends with a mask of 16 digits, the last 8 of which are the signals 1 to 32; number
+    // 32 is the C library's own.
+    std::uint64_t mask = 0;
+    for (std::size_t tab = outcome.output.find('\t'); tab != std::string::npos;
+         tab = outcome.output.find('\t', tab + 1)) {
+        mask |= std::stoull(outcome.output.substr(tab + 1, 16), nullptr, 16);
+    }
+    EXPECT_THAT(outcome.output, AllOf(HasSubstr("SigBlk:"), HasSubstr("SigIgn:")));
+    EXPECT_EQ(mask & 0x7FFFFFFFU, 0U) << outcome.output;
+}
+
+TEST_F(ChildSurroundings, NoDescriptorOfTheHostIsInherited) {
+    const int careless = ::open("/dev/null", O_RDONLY);  // NOLINT: without O_CLOEXEC, on purpose
+    const ChildOutcome outcome = runOne(program("/bin/ls", {"/proc/self/fd"}));
+    ::close(careless);
+    EXPECT_EQ(outcome.output, "0\n1\n2\n3\n");  // 3: ls reading that folder
+}
+
+// ---- failures to start, and bad ends ----------------------------------------------------------
+
+TEST_F(ChildFailure, AMissingProgramIsNamed) {
+    const ChildOutcome outcome = runOne(program("/no/such/program"));
+    EXPECT_FALSE(outcome.status.started());
+    EXPECT_EQ(outcome.status.exitStatus(), std::nullopt);
+    EXPECT_EQ(outcome.status.description(),
+              "the program \"/no/such/program\" could not be started: No such file or directory");
+}
+
+TEST_F(ChildFailure, AFileThatIsNoProgramIsNamed) {
+    const TemporaryFolder folder;
+    const std::string text = folder.write("text", "hello\n");
+    EXPECT_EQ(runOne(program(text)).status.description(),
+              "the program \"" + text + "\" could not be started: Permission denied");
+    const std::string empty = folder.writeProgram("noformat", "\x01\x02\x03");
+    EXPECT_EQ(runOne(program(empty)).status.description(),
+              "the program \"" + empty + "\" could not be started: Exec format error");
+    EXPECT_EQ(runOne(program(folder.path())).status.description(),
+              "the program \"" + folder.path() + "\" could not be started: Permission denied");
+}
+
+TEST_F(ChildFailure, AMissingFolderIsNamedAndNotTheProgram) {
+    ChildLaunch launch = program("/bin/pwd");
+    launch.currentDirectoryPath = "/no/such/folder";
+    EXPECT_EQ(runOne(launch).status.description(),
+              "the folder \"/no/such/folder\" could not be entered: No such file or directory");
+    launch.launchPath = "/no/such/program";
+    EXPECT_THAT(runOne(launch).status.description(), HasSubstr("the folder \"/no/such/folder\""));
+}
+
+TEST_F(ChildFailure, AFileAsFolderIsNamed) {
+    const TemporaryFolder folder;
+    ChildLaunch launch = program("/bin/pwd");
+    launch.currentDirectoryPath = folder.write("file", "");
+    EXPECT_EQ(runOne(launch).status.description(),
+              "the folder \"" + folder.path("file") + "\" could not be entered: Not a directory");
+}
+
+TEST_F(ChildFailure, AFolderThatMayNotBeEnteredIsNamed) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path("locked"));
+    std::filesystem::permissions(folder.path("locked"), std::filesystem::perms::none);
+    ChildLaunch launch = program("/bin/pwd");
+    launch.currentDirectoryPath = folder.path("locked");
+    const test::AsOrdinaryUser user;
+    EXPECT_EQ(
+        runOne(launch).status.description(),
+        "the folder \"" + folder.path("locked") + "\" could not be entered: Permission denied");
+}
+
+TEST_F(ChildFailure, ANULCharacterIsRefusedWhereverItStands) {
+    EXPECT_EQ(runOne(program("/bin/echo", {"a", "b\0c"s})).status.description(),
+              "the program \"/bin/echo\" could not be started: an argument holds a NUL character");
+    EXPECT_THAT(runOne(program("/bin/echo\0x"s)).status.description(), HasSubstr("its path"));
+    ChildLaunch launch = program("/bin/pwd");
+    launch.currentDirectoryPath = "/\0x"s;
+    EXPECT_THAT(runOne(launch).status.description(), HasSubstr("its working directory"));
+    launch.currentDirectoryPath.reset();
+    launch.environment = {"A=\0"s};
+    EXPECT_THAT(runOne(launch).status.description(), HasSubstr("its environment"));
+}
+
+TEST_F(ChildFailure, ArgumentsBeyondTheSystemsLimitAreAClearError) {
+    const ChildOutcome outcome = runOne(program("/bin/echo", {std::string(4 << 20, 'x')}));
+    EXPECT_EQ(outcome.status.description(),
+              "the program \"/bin/echo\" could not be started: Argument list too long");
+}
+
+TEST_F(ChildFailure, ADeathByASignalNamesTheSignal) {
+    const ChildOutcome outcome = runOne(shell("echo before; kill -9 $$"));
+    EXPECT_EQ(outcome.status.signalNumber(), 9);
+    EXPECT_EQ(outcome.status.exitStatus(), std::nullopt);
+    EXPECT_FALSE(outcome.status.isSuccess());
+    EXPECT_EQ(outcome.status.description(), "signal 9 (Killed)");
+    EXPECT_EQ(outcome.output, "before\n");
+}
+
+TEST_F(ChildFailure, WithoutDescriptorsItSaysSoAndWithoutAProcessDescriptorItRuns) {
+    rlimit original{};
+    ::getrlimit(RLIMIT_NOFILE, &original);
+    const int next = ::fcntl(0, F_DUPFD_CLOEXEC, 3);
+    ::close(next);
+    std::vector<std::string> answers;
+    for (int free = 0; free <= 7; ++free) {
+        rlimit limit = original;
+        limit.rlim_cur = static_cast<rlim_t>(next + free);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        const ChildOutcome outcome = runOne(shell("echo x; exit 7"));
+        answers.push_back(outcome.output + outcome.status.description());
+    }
+    ::setrlimit(RLIMIT_NOFILE, &original);
+    const std::string none =
+        "the program \"/bin/sh\" could not be started: no pipe for it: Too many open files";
+    // Three pipes are six descriptors; the seventh is the one that tells the child's end.
+    EXPECT_THAT(answers, ElementsAre(none, none, none, none, none, none, "x\nexit status 7",
+                                     "x\nexit status 7"));
+}
+
+TEST_F(ChildFailure, AHostThatReapsForUsIsNotTakenForSuccess) {
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGCHLD, &ignore, &previous);
+    const ChildOutcome outcome = runOne(shell("echo x"));
+    ::sigaction(SIGCHLD, &previous, nullptr);
+    EXPECT_EQ(outcome.output, "x\n");
+    EXPECT_TRUE(outcome.status.started());
+    EXPECT_FALSE(outcome.status.isSuccess());
+    EXPECT_EQ(outcome.status.description(),
+              "how it ended could not be learned: No child processes");
+}
+
+// ---- a process that outlives the child --------------------------------------------------------
+
+TEST_F(LeftOverProcess, DoesNotHoldTheRun) {
+    const ChildOutcome outcome = runOne(shell("sleep 1000 & echo $!"));
+    const pid_t left = numberIn(outcome.output);
+    EXPECT_TRUE(test::isLiveProcess(left)) << "it is not ours to end";
+    EXPECT_TRUE(outcome.outputWasHeldOpen);
+    EXPECT_TRUE(outcome.status.isSuccess());
+    ::kill(left, SIGKILL);
+    test::waitUntilGone(left);
+}
+
+TEST_F(LeftOverProcess, WhatTheChildWroteIsWhole) {
+    const ChildOutcome outcome =
+        runOne(shell("sleep 1000 & echo $! >&2; head -c 900000 /dev/zero"));
+    EXPECT_EQ(outcome.output.size(), 900000U);
+    const pid_t left = numberIn(outcome.errorOutput);
+    EXPECT_TRUE(outcome.outputWasHeldOpen);
+    ::kill(left, SIGKILL);
+    test::waitUntilGone(left);
+}
+
+TEST_F(LeftOverProcess, MayGoOnWritingForEver) {
+    const ChildOutcome outcome = runOne(shell("yes & echo $! >&2; exit 5"));
+    EXPECT_EQ(outcome.status.exitStatus(), 5);
+    EXPECT_TRUE(outcome.outputWasHeldOpen);
+    test::waitUntilGone(numberIn(outcome.errorOutput));  // by SIGPIPE: nobody reads any more
+}
+
+TEST_F(LeftOverProcess, WithoutOurStreamsIsNoneOfOurBusiness) {
+    const ChildOutcome outcome = runOne(shell("sleep 1000 >/dev/null 2>&1 & echo $!"));
+    EXPECT_FALSE(outcome.outputWasHeldOpen);
+    ::kill(numberIn(outcome.output), SIGKILL);
+    test::waitUntilGone(numberIn(outcome.output));
+}
+
+// ---- cancelling -------------------------------------------------------------------------------
+
+/// Runs the launches and cancels as soon as the file `ready` is there.
+std::vector<ChildOutcome> runAndCancel(const std::vector<ChildLaunch>& launches,
+                                       const std::string& ready) {
+    ChildProcess process;
+    std::thread canceller([&] {
+        while (!std::filesystem::exists(ready)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        process.cancel();
+        process.cancel();
+    });
+    std::vector<ChildOutcome> outcomes = process.run(launches);
+    canceller.join();
+    EXPECT_TRUE(process.isCancelled());
+    return outcomes;
+}
+
+TEST_F(ChildCancellation, EndsAChildThatRuns) {
+    const TemporaryFolder folder;
+    const auto outcomes = runAndCancel(
+        {shell("touch " + folder.path("ready") + "; exec sleep 1000")}, folder.path("ready"));
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
+}
+
+TEST_F(ChildCancellation, GivesTheChildItsChanceToCleanUp) {
+    const TemporaryFolder folder;
+    const std::string lock = folder.path("lock");
+    const auto outcomes =
+        runAndCancel({shell("trap 'rm " + lock + "; exit 9' TERM; touch " + lock + " " +
+                            folder.path("ready") + "; while :; do sleep 0.01; done")},
+                     folder.path("ready"));
+    EXPECT_EQ(outcomes[0].status.exitStatus(), 9);
+    EXPECT_FALSE(std::filesystem::exists(lock));
+}
+
+TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {
+    const TemporaryFolder folder;
+    const auto outcomes = runAndCancel(
+        {shell("trap '' TERM; touch " + folder.path("ready") + "; while :; do sleep 1; done")},
+        folder.path("ready"));
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGKILL);
+}
+
+TEST_F(ChildCancellation, EndsAChildThatIsStopped) {
+    const TemporaryFolder folder;
+    const auto outcomes = runAndCancel(
+        {shell("(while [ \"$(cut -d' ' -f3 /proc/$$/stat)\" != T ]; do :; done; touch " +
+               folder.path("ready") + ") & kill -STOP $$")},
+        folder.path("ready"));
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
+}
+
+TEST_F(ChildCancellation, EndsTheWholeSessionWhateverItsProcessGroups) {
+    const TemporaryFolder folder;
+    // With job control on, bash gives its background work a process group of its own.
+    const std::string script =
+        "set -m; sleep 1000 >/dev/null 2>&1 & echo $!; set +m; (trap '' TERM; exec sleep 1000 "
+        ">/dev/null 2>&1) & echo $! >&2; touch " +
+        folder.path("ready") + "; wait";
+    const auto outcomes =
+        runAndCancel({program("/bin/bash", {"-c", script})}, folder.path("ready"));
+    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].output)));
+    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
+}
+
+TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
+    const TemporaryFolder folder;
+    ChildProcess process;
+    process.cancel();
+    bool started = false;
+    const auto outcomes = process.run({shell("touch " + folder.path("ran"))},
+                                      [&started](std::size_t) { started = true; });
+    EXPECT_EQ(outcomes[0].status.description(),
+              "the program \"/bin/sh\" was not started, as it was cancelled before");
+    EXPECT_FALSE(started);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
+}
+
+TEST_F(ChildCancellation, AfterTheEndChangesNothing) {
+    ChildProcess process;
+    const auto outcomes = process.run({shell("echo x")});
+    process.cancel();
+    EXPECT_EQ(outcomes[0].output, "x\n");
+}
+
+TEST_F(ChildCancellation, EndsBothHalvesOfAPipeline) {
+    const TemporaryFolder folder;
+    const auto outcomes = runAndCancel(
+        {shell("touch " + folder.path("ready") + "; exec sleep 1000"), shell("exec sleep 1000")},
+        folder.path("ready"));
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
+    EXPECT_EQ(outcomes[1].status.signalNumber(), SIGTERM);
+}
+
+// ---- pipelines --------------------------------------------------------------------------------
+
+TEST_F(ChildPipelines, JoinOutputToInput) {
+    ChildProcess process;
+    std::vector<std::size_t> started;
+    const auto outcomes = process.run(
+        {shell("echo one >&2; head -c 5000000 /dev/zero"), shell("wc -c; echo two >&2")},
+        [&started](std::size_t index) { started.push_back(index); });
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_EQ(outcomes[0].output, "");
+    EXPECT_EQ(outcomes[0].errorOutput, "one\n");
+    EXPECT_EQ(outcomes[1].output, "5000000\n");
+    EXPECT_EQ(outcomes[1].errorOutput, "two\n");
+    EXPECT_THAT(started, ElementsAre(0U, 1U));
+}
+
+TEST_F(ChildPipelines, TheFirstHalfIsCutOffWhenNobodyReadsOn) {
+    ChildProcess process;
+    const auto outcomes = process.run({program("/usr/bin/yes"), shell("head -c 2; exit 3")});
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGPIPE);
+    EXPECT_EQ(outcomes[1].output, "y\n");
+    EXPECT_EQ(outcomes[1].status.exitStatus(), 3);
+}
+
+TEST_F(ChildPipelines, ASecondHalfThatCannotStartEndsTheFirst) {
+    ChildProcess process;
+    const auto outcomes = process.run({shell("exec sleep 1000"), program("/no/such/program")});
+    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
+    EXPECT_THAT(outcomes[1].status.description(), HasSubstr("\"/no/such/program\""));
+}
+
+TEST_F(ChildPipelines, AFirstHalfThatCannotStartKeepsTheSecondFromStarting) {
+    ChildProcess process;
+    const TemporaryFolder folder;
+    const auto outcomes =
+        process.run({program("/no/such/program"), shell("touch " + folder.path("ran"))});
+    EXPECT_THAT(outcomes[0].status.description(), HasSubstr("\"/no/such/program\""));
+    EXPECT_THAT(outcomes[1].status.description(),
+                AllOf(HasSubstr("\"/bin/sh\""), HasSubstr("was not started")));
+    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
+}
+
+TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
+    ChildProcess process;
+    const auto outcomes =
+        process.run({shell("echo data; sleep 1000 2>/dev/null & echo $! >&2"), shell("cat")});
+    EXPECT_EQ(outcomes[1].output, "data\n");
+    EXPECT_TRUE(outcomes[1].status.isSuccess());
+    EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
+    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,154 @@
+#include "Platform/OperationQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+
+#include "Support/HygienicTest.h"
+
+namespace neb {
+namespace {
+
+class OperationQueueTest : public test::HygienicTest {};
+
+/// Waits for others to arrive, so that side by side and one after the other can be told apart.
+class Meeting {
+public:
+    void arrive() {
+        const std::lock_guard lock(_mutex);
+        ++_arrived;
+        _changed.notify_all();
+    }
+    void waitFor(int count) {
+        std::unique_lock lock(_mutex);
+        _changed.wait(lock, [this, count] { return _arrived >= count; });
+    }
+
+private:
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    int _arrived = 0;
+};
+
+class CountingOperation : public Operation {
+public:
+    void main() override { ++runs; }
+    std::atomic<int> runs = 0;
+};
+
+TEST_F(OperationQueueTest, RunsOperationsAndBlocksOnceEach) {
+    OperationQueue queue;
+    auto operation = std::make_shared<CountingOperation>();
+    std::atomic<int> blocks = 0;
+    queue.addOperation(operation);
+    for (int i = 0; i < 100; ++i) {
+        queue.addBlock([&blocks] { ++blocks; });
+    }
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(operation->runs, 1);
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_EQ(operation.use_count(), 1) << "the queue lets go of it";
+    EXPECT_EQ(blocks, 100);
+}
+
+TEST_F(OperationQueueTest, RunsWorkSideBySideUpToItsWidth) {
+    OperationQueue queue(3);
+    Meeting meeting;
+    for (int i = 0; i < 3; ++i) {
+        queue.addBlock([&meeting] {
+            meeting.arrive();
+            meeting.waitFor(3);
+        });
+    }
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST_F(OperationQueueTest, NeverRunsMoreThanItsWidth) {
+    OperationQueue queue(2);
+    std::atomic<int> running = 0;
+    std::atomic<int> most = 0;
+    for (int i = 0; i < 50; ++i) {
+        queue.addBlock([&] {
+            const int now = ++running;
+            int known = most;
+            while (now > known && !most.compare_exchange_weak(known, now)) {
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            --running;
+        });
+    }
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_LE(most, 2);
+    EXPECT_GE(most, 1);
+}
+
+TEST_F(OperationQueueTest, AWidthOfNothingIsOne) {
+    OperationQueue queue(0);
+    bool ran = false;
+    queue.addBlock([&ran] { ran = true; });
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(OperationQueueTest, WorkThatWaitsOnAnotherQueueStarvesNobody) {
+    OperationQueue outer(1);
+    std::atomic<int> inner = 0;
+    for (int i = 0; i < 5; ++i) {
+        outer.addBlock([&inner] {
+            OperationQueue own(1);
+            own.addBlock([&inner] { ++inner; });
+            own.waitUntilAllOperationsAreFinished();
+        });
+    }
+    outer.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(inner, 5);
+}
+
+TEST_F(OperationQueueTest, GoingItFinishesItsWork) {
+    std::atomic<int> done = 0;
+    {
+        OperationQueue queue(1);
+        for (int i = 0; i < 20; ++i) {
+            queue.addBlock([&done] { ++done; });
+        }
+    }
+    EXPECT_EQ(done, 20);
+}
+
+TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {
+    class WaitingOperation : public Operation {
+    public:
+        explicit WaitingOperation(Meeting& meeting) : _meeting(meeting) {}
+        void main() override {
+            _meeting.arrive();
+            while (!isCancelled()) {
+                std::this_thread::yield();
+            }
+        }
+
+    private:
+        Meeting& _meeting;
+    };
+    OperationQueue queue(1);
+    Meeting meeting;
+    auto first = std::make_shared<WaitingOperation>(meeting);
+    auto second = std::make_shared<WaitingOperation>(meeting);
+    queue.addOperation(first);
+    queue.addOperation(second);
+    meeting.waitFor(1);
+    queue.cancelAllOperations();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(first->isCancelled() && first->isFinished());
+    EXPECT_TRUE(second->isCancelled() && second->isFinished());
+}
+
+TEST_F(OperationQueueTest, AbsentWorkIsNone) {
+    OperationQueue queue;
+    queue.addOperation(nullptr);
+    queue.addBlock({});
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+}  // namespace
+}  // namespace neb

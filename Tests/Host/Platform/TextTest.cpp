@@ -1,0 +1,53 @@
+#include "Platform/Text.h"
+
+#include <gtest/gtest.h>
+
+namespace neb {
+namespace {
+
+struct Case {
+    const char* name;
+    std::string bytes;
+    std::string text;
+};
+
+class Decoding : public testing::TestWithParam<Case> {};
+
+TEST_P(Decoding, KeepsWhatIsUTF8AndReplacesTheRest) {
+    EXPECT_EQ(textReplacingInvalidBytes(GetParam().bytes), GetParam().text);
+    EXPECT_EQ(isUTF8(GetParam().bytes), GetParam().bytes == GetParam().text);
+    // The quick way through ASCII must not depend on where the text begins.
+    EXPECT_EQ(textReplacingInvalidBytes("1234567" + GetParam().bytes + "12345678"),
+              "1234567" + GetParam().text + "12345678");
+}
+
+const std::string r = "\xEF\xBF\xBD";
+
+INSTANTIATE_TEST_SUITE_P(
+    Text, Decoding,
+    testing::Values(Case{"Empty", "", ""}, Case{"Ascii", "plain", "plain"},
+                    Case{"NUL", std::string("a\0b", 3), std::string("a\0b", 3)},
+                    Case{"TwoThreeFour", "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
+                         "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"},
+                    Case{"Edges",
+                         "\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90"
+                         "\x80\x80\xF4\x8F\xBF\xBF",
+                         "\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90"
+                         "\x80\x80\xF4\x8F\xBF\xBF"},
+                    Case{"Latin1", "J\xFCrgen", "J" + r + "rgen"},
+                    Case{"LoneContinuation", "a\x80\xBFz", "a" + r + r + "z"},
+                    Case{"Overlong", "\xC0\xAF\xE0\x80\xAF", r + r + r + r + r},
+                    Case{"Surrogate", "\xED\xA0\x80", r + r + r},
+                    Case{"AboveTheLast", "\xF4\x90\x80\x80", r + r + r + r},
+                    Case{"NoFirstByte", "\xF5\xFE\xFF", r + r + r},
+                    Case{"CutOffPieceIsOne", "a\xE2\x82z", "a" + r + "z"},
+                    Case{"CutOffBeforeAnother", "\xF0\x9F\x98\xC3\xA4", r + "\xC3\xA4"}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST(Text, ATextCutOffAtTheEndIsReplacedOnce) {
+    EXPECT_EQ(textReplacingInvalidBytes("a\xF0\x9F\x98"), "a" + r);
+    EXPECT_FALSE(isUTF8("a\xE2\x82"));
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,7 @@
+// A library that is no plug-in.
+
+#include "Platform/Export.h"
+
+extern "C" NEB_EXPORT int somethingElse() {
+    return 1;
+}

@@ -1,0 +1,71 @@
+// Matchers.h - what tests ask of results, errors and reports.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "LOMFoundation/LOMAssertion.h"
+#include "NEBFoundation/NEBSourceControlError.h"
+#include "NEBFoundation/NEBSourceControlRequest.h"
+
+namespace neb {
+
+/// How a failed expectation shows a dictionary.
+inline void PrintTo(const NEBDictionary& dictionary, std::ostream* stream) {
+    *stream << NEBValue(dictionary).description();
+}
+
+}  // namespace neb
+
+namespace neb::test {
+
+/// An optional error with this code, and a description that passes the matcher.
+MATCHER_P2(IsSourceControlError, code, description, "") {
+    const std::optional<NEBSourceControlError>& error = arg;
+    if (!error) {
+        *result_listener << "there is no error";
+        return false;
+    }
+    *result_listener << "code " << error->code << ", class " << error->errorClass.value_or("(none)")
+                     << ", \"" << error->localizedDescription().value_or("(none)") << "\"";
+    return error->domain == NEBSourceControlErrorDomain && error->code == code &&
+           testing::Matches(description)(error->localizedDescription().value_or("(none)"));
+}
+
+/// An optional error of this class.
+MATCHER_P(HasErrorClass, errorClass, "") {
+    const std::optional<NEBSourceControlError>& error = arg;
+    *result_listener << (error ? error->errorClass.value_or("(none)") : "there is no error");
+    return error && error->errorClass == errorClass;
+}
+
+/// Keeps the assertion reports of a test.
+class ReportCollector {
+public:
+    ReportCollector() {
+        LOMSetAssertionSink(
+            [this](const LOMAssertionReport& report) { _reports.push_back(report); });
+    }
+    ReportCollector(const ReportCollector&) = delete;
+    ReportCollector& operator=(const ReportCollector&) = delete;
+    ~ReportCollector() { LOMSetAssertionSink({}); }
+
+    [[nodiscard]] const std::vector<LOMAssertionReport>& reports() const { return _reports; }
+
+private:
+    std::vector<LOMAssertionReport> _reports;
+};
+
+/// A request about a working tree at `location`, named "demo".
+inline std::shared_ptr<NEBSourceControlRequest> requestFor(std::int32_t type,
+                                                           std::optional<std::string> location) {
+    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
+    tree->location = std::move(location);
+    tree->name = "demo";
+    return NEBSourceControlRequest::initWithType(type, tree, std::nullopt, std::nullopt);
+}
+
+}  // namespace neb::test

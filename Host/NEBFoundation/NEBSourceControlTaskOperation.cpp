@@ -116,6 +116,7 @@ void NEBSourceControlTaskOperation::main() {
 std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
     const std::vector<NEBSourceControlTaskOperation*>& stages) {
     std::vector<ChildLaunch> launches;
+    launches.reserve(stages.size());
     for (NEBSourceControlTaskOperation* stage : stages) {
         launches.push_back(stage->makeLaunch());
     }

@@ -11,7 +11,7 @@ namespace neb {
 
 namespace {
 
-constexpr std::size_t pieceSize = 64 * 1024;
+constexpr std::size_t pieceSize = 1U << 16;
 constexpr int piecesPerTurn = 16;
 
 }  // namespace

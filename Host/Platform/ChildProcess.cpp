@@ -13,6 +13,7 @@ namespace {
 std::vector<ChildOutcome> noneStarted(const std::vector<ChildLaunch>& launches,
                                       const std::string& reason) {
     std::vector<ChildOutcome> outcomes;
+    outcomes.reserve(launches.size());
     for (const ChildLaunch& launch : launches) {
         outcomes.push_back({.status = TerminationStatus::notStarted(
                                 "the program \"" + launch.launchPath + "\" " + reason),

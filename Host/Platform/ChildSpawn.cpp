@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace neb {
 
@@ -82,13 +83,11 @@ std::string reasonText(int failure) {
 /// Why `path` cannot be a working directory, or nothing when it can.
 std::optional<std::string> directoryProblem(const std::string& path) {
     struct stat information {};
-    int failure = 0;
-    if (::stat(path.c_str(), &information) != 0) {
-        failure = errno;
-    } else if (!S_ISDIR(information.st_mode)) {
+    const bool isThere = ::stat(path.c_str(), &information) == 0;
+    const bool mayEnter = isThere && ::faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+    int failure = mayEnter ? 0 : errno;
+    if (isThere && !S_ISDIR(information.st_mode)) {
         failure = ENOTDIR;
-    } else if (::faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) != 0) {
-        failure = errno;
     }
     if (failure == 0) {
         return std::nullopt;
@@ -112,20 +111,23 @@ std::optional<std::string> nulProblem(const ChildLaunch& launch) {
     const auto holdsNUL = [](const std::string& text) {
         return text.find('\0') != std::string::npos;
     };
-    const char* place = nullptr;
-    if (holdsNUL(launch.launchPath)) {
-        place = "its path";
-    } else if (launch.currentDirectoryPath && holdsNUL(*launch.currentDirectoryPath)) {
-        place = "its working directory";
-    } else if (std::any_of(launch.arguments.begin(), launch.arguments.end(), holdsNUL)) {
-        place = "an argument";
-    } else if (std::any_of(launch.environment.begin(), launch.environment.end(), holdsNUL)) {
-        place = "its environment";
-    } else {
-        return std::nullopt;
+    const auto anyHoldsNUL = [&holdsNUL](const std::vector<std::string>& texts) {
+        return std::any_of(texts.begin(), texts.end(), holdsNUL);
+    };
+    const std::pair<const char*, bool> places[] = {
+        {"its path", holdsNUL(launch.launchPath)},
+        {"its working directory", holdsNUL(launch.currentDirectoryPath.value_or(""))},
+        {"an argument", anyHoldsNUL(launch.arguments)},
+        {"its environment", anyHoldsNUL(launch.environment)},
+    };
+    for (const auto& [place, isBad] : places) {
+        if (isBad) {
+            const std::string path = launch.launchPath.substr(0, launch.launchPath.find('\0'));
+            return "the program \"" + path + "\" could not be started: " + place +
+                   " holds a NUL character";
+        }
     }
-    return "the program \"" + std::string(launch.launchPath.c_str()) +
-           "\" could not be started: " + place + " holds a NUL character";
+    return std::nullopt;
 }
 
 std::vector<char*> cStrings(const std::vector<std::string>& texts) {

@@ -67,7 +67,7 @@ std::string homeDirectory() {
     }
     passwd entry{};
     passwd* found = nullptr;
-    std::vector<char> buffer(16 * 1024);
+    std::vector<char> buffer(1U << 14);
     if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 &&
         found != nullptr) {
         return found->pw_dir;

@@ -1,21 +1,11 @@
 // A plug-in built against another version of the host contract. What follows its version may be
-// anything, so nobody may look at it.
+// anything, so nobody may look at it: here, it leads nowhere.
 
-#include <cstdint>
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
 
-#include "Platform/Export.h"
-
-namespace {
-
-struct OtherDescription {
-    std::uint32_t contractVersion;
-    std::uint32_t whateverThatVersionHasHere;
-};
-
-}  // namespace
-
-extern "C" NEB_EXPORT const OtherDescription* NEBSourceControlDescribePlugIn() {
-    static constexpr OtherDescription description{.contractVersion = 7,
-                                                  .whateverThatVersionHasHere = 0xDEADBEEF};
+extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
+NEBSourceControlDescribePlugIn() {
+    static constexpr neb::NEBSourceControlPlugInDescription description{
+        .contractVersion = 7, .name = nullptr, .version = nullptr, .makePrincipalClass = nullptr};
     return &description;
 }

@@ -12,7 +12,11 @@ NEBSourceControlOperation::NEBSourceControlOperation(
 
 void NEBSourceControlOperation::start() {
     try {
-        main();
+        if (isCancelled()) {
+            setError(NEBSourceControlCancelledError());
+        } else {
+            main();
+        }
     } catch (const std::exception& exception) {
         auto error = NEBSourceControlError::withDescription(
             NEBSourceControlGenericError,

@@ -32,7 +32,8 @@ public:
     /// Keeps the request, which must be there; see initWithRequest below.
     explicit NEBSourceControlOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
-    /// Runs main(); what it throws (no memory) becomes the error.
+    /// Runs main(), unless the operation has been cancelled, which becomes the error then. What
+    /// main() throws (no memory) becomes the error too.
     void start() override;
     /// Does nothing: the operation completes with neither result nor error.
     void main() override {}

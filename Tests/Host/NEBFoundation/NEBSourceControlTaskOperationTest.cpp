@@ -473,6 +473,21 @@ TEST(SourceControlOperation, TheBaseDoesNothing) {
     EXPECT_EQ(operation.descriptionForAssertionMessage(), "<NEBSourceControlOperation>");
 }
 
+TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
+    class Marking : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override { ran = true; }
+        bool ran = false;
+    };
+    Marking operation(requestFor(4, std::nullopt));
+    operation.cancel();
+    operation.start();
+    EXPECT_FALSE(operation.ran);
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+}
+
 TEST(SourceControlOperation, WithoutARequestThereIsNone) {
     EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
     const auto request = requestFor(4, std::nullopt);

@@ -68,6 +68,12 @@ public:
     [[nodiscard]] bool isBackgroundWork() const { return _isBackgroundWork; }
     void setBackgroundWork(bool isBackgroundWork) { _isBackgroundWork = isBackgroundWork; }
 
+    /// Whether a process that a child had left behind still held its output open, so that more may
+    /// have been written after the operation had ended. An operation that runs others passes on
+    /// what they say.
+    [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
+    void setOutputWasHeldOpen(bool wasHeldOpen) { _outputWasHeldOpen = wasHeldOpen; }
+
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 
 private:
@@ -76,6 +82,7 @@ private:
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;
     bool _isBackgroundWork = false;
+    bool _outputWasHeldOpen = false;
 };
 
 /// Makes an operation of the class, unstarted; nothing without a request.

@@ -47,6 +47,11 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
     if (description->contractVersion != NEBSourceControlContractVersion) {
         return failed(contractFailure(path, description->contractVersion));
     }
+    if (description->name == nullptr || description->version == nullptr ||
+        description->makePrincipalClass == nullptr) {
+        return failed("The plug-in \"" + path +
+                      "\" describes itself without a name, a version or a principal class.");
+    }
     return {NEBSourceControlPlugIn(description), {}};
 }
 

@@ -16,7 +16,7 @@ namespace {
 bool isPattern(const NEBValue& value) {
     const std::string* name = value.string();
     return name != nullptr && (name->find_first_of("*?[\\") != std::string::npos ||
-                               name->front() == ':' || name->find("/:") != std::string::npos);
+                               name->starts_with(':') || name->find("/:") != std::string::npos);
 }
 
 bool hasPatternCharacters(const NEBSourceControlRequest& request) {
@@ -143,7 +143,7 @@ NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOu
         words.outputText = textOf(outcome.output);
     }
     _terminationStatus = outcome.status;
-    _outputWasHeldOpen = outcome.outputWasHeldOpen;
+    setOutputWasHeldOpen(outcome.outputWasHeldOpen);
     _data = std::move(outcome.output);
     _errorData = std::move(outcome.errorOutput);
     return words;
@@ -163,6 +163,7 @@ void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
 void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
                                                      NEBSourceControlTaskOperation& second,
                                                      const Words& secondWords) {
+    setOutputWasHeldOpen(outputWasHeldOpen() || second.outputWasHeldOpen());
     second.parseData();
     if (!second.result() && !second.error()) {
         // One that was cut off because nobody read on is not the cause.

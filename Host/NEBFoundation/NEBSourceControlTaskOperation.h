@@ -81,9 +81,6 @@ public:
     [[nodiscard]] const std::optional<TerminationStatus>& terminationStatus() const {
         return _terminationStatus;
     }
-    /// Whether a process that the child had left behind still held its output open, so that more
-    /// than data() and errorData() may have been written later.
-    [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
 
 private:
     /// What one child wrote, as it was, whatever parseData() does to data() and errorData().
@@ -109,7 +106,6 @@ private:
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;
-    bool _outputWasHeldOpen = false;
     ChildProcess _process;
 };
 

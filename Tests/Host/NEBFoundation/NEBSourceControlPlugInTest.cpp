@@ -76,6 +76,10 @@ TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
                                       "NEBSourceControlDescribePlugIn.");
     const std::string silent = NEB_TEST_MODULES "/NoDescription.so";
     EXPECT_EQ(failureOf(silent), "The plug-in \"" + silent + "\" does not describe itself.");
+    const std::string halfSilent = NEB_TEST_MODULES "/HalfADescription.so";
+    EXPECT_EQ(failureOf(halfSilent),
+              "The plug-in \"" + halfSilent +
+                  "\" describes itself without a name, a version or a principal class.");
     const std::string other = NEB_TEST_MODULES "/OtherContract.so";
     EXPECT_EQ(failureOf(other), "The plug-in \"" + other +
                                     "\" was built for version 7 of the host contract; this host "

@@ -1,0 +1,14 @@
+// A plug-in that has nothing to give.
+
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+
+extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
+NEBSourceControlDescribePlugIn() {
+    static constexpr neb::NEBSourceControlPlugInDescription description{
+        .contractVersion = neb::NEBSourceControlContractVersion,
+        .name = "NoPrincipalClass",
+        .version = "1",
+        .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* { return nullptr; },
+    };
+    return &description;
+}

@@ -1,0 +1,44 @@
+#include "GitProgram.h"
+
+#include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/PathString.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string gitPath() {
+    const LOMSearchPath places =
+        LOMDeveloperPaths::defaultPaths().binSearchPathForPlatform(std::nullopt);
+    return pathByAppendingComponent(places.preferredDirectoryPath().pathString(), "git");
+}
+
+}  // namespace
+
+ChildOutcome runGit(Interruption& interruption, std::vector<std::string> arguments,
+                    std::optional<std::string> folder) {
+    ChildProcess process;
+    const Interruption::Work work(interruption, [&process] { process.cancel(); });
+    return process
+        .run({{.launchPath = gitPath(),
+               .arguments = std::move(arguments),
+               .currentDirectoryPath = std::move(folder),
+               .environment =
+                   NEBSourceControlChildEnvironment(NEBSourceControlInheritedEnvironment(), {})}})
+        .front();
+}
+
+std::optional<std::string> answerOf(const ChildOutcome& outcome) {
+    if (!outcome.status.isSuccess() || outcome.output.empty()) {
+        return std::nullopt;
+    }
+    const std::size_t lineEnd = outcome.output.ends_with('\n') ? 1 : 0;
+    return outcome.output.substr(0, outcome.output.size() - lineEnd);
+}
+
+std::optional<std::string> workingCopyTop(Interruption& interruption, const std::string& folder) {
+    return answerOf(runGit(interruption, {"rev-parse", "--show-toplevel"}, folder));
+}
+
+}  // namespace neb::nebsc

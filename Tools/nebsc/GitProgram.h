@@ -1,0 +1,26 @@
+// GitProgram.h - the few questions that nebsc itself has for git.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Interruption.h"
+#include "Platform/ChildProcess.h"
+
+namespace neb::nebsc {
+
+/// Runs git, in the same surroundings as an operation's, in the folder (absent: nebsc's own). A
+/// signal ends it.
+[[nodiscard]] ChildOutcome runGit(Interruption& interruption, std::vector<std::string> arguments,
+                                  std::optional<std::string> folder);
+
+/// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
+[[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
+
+/// The top of the working copy in which the folder lies, as git writes it; nothing when it lies in
+/// none or git cannot tell.
+[[nodiscard]] std::optional<std::string> workingCopyTop(Interruption& interruption,
+                                                        const std::string& folder);
+
+}  // namespace neb::nebsc

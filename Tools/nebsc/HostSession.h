@@ -1,0 +1,51 @@
+// HostSession.h - takes requests the way a host does: the question of authentication, validation,
+// the look for values that git would take for options, the operation, its run.
+//
+//     HostSession session(plugIn.makePrincipalClass());
+//     const Performance performance = session.perform(request, [](NEBSourceControlOperation& work)
+//     {
+//         work.start();
+//     });
+//     performance.outcome->result;
+//
+// One request at a time in a process, as assertion reports have one sink for all; from any thread.
+// Nothing is printed.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlProtocol.h"
+#include "Outcome.h"
+
+namespace neb::nebsc {
+
+/// What came of a request: the one or the other.
+struct Performance {
+    std::optional<Outcome> outcome;
+    /// A value for whose sake the request was refused, before an operation was made.
+    std::optional<NEBSourceControlOptionLikeValue> refusedValue;
+};
+
+class HostSession {
+public:
+    /// Runs an operation to its end: start(), and whatever belongs around it.
+    using Runner = std::function<void(NEBSourceControlOperation&)>;
+
+    /// Takes the plug-in's principal class, which must be there.
+    explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller)
+        : _controller(std::move(controller)) {}
+
+    /// Carries the request out. Without a runner the operation is made and not run.
+    [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request,
+                                      const Runner& run) const;
+
+    [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }
+
+private:
+    std::unique_ptr<const NEBSourceControlProtocol> _controller;
+};
+
+}  // namespace neb::nebsc

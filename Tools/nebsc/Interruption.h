@@ -1,0 +1,69 @@
+// Interruption.h - lets a signal end the running work in good order.
+//
+// A git that runs leads a session of its own, so Ctrl-C at the terminal reaches nebsc alone. While
+// an object of this class lives, SIGINT, SIGTERM and SIGHUP cancel the work instead of ending
+// nebsc, which then waits for the work and leaves nothing behind. A signal that the process ignores
+// (as under nohup) stays ignored.
+//
+//     Interruption interruption;
+//     {
+//         const Interruption::Work work(interruption, [&] { operation.cancel(); });
+//         operation.start();
+//     }
+//     interruption.signalNumber();   // present when a signal came
+//
+// One object at a time. Signals keep their default where the system has no pipe to give.
+#pragma once
+
+#include <signal.h>
+
+#include <array>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "Platform/FileDescriptor.h"
+
+namespace neb::nebsc {
+
+class Interruption {
+public:
+    Interruption();
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+    ~Interruption();
+
+    /// Work that can be cancelled, for as long as the object lives. One at a time.
+    class Work {
+    public:
+        /// `cancel` is called on another thread as soon as a signal comes, and at once when one has
+        /// come before. It must not block.
+        Work(Interruption& interruption, std::function<void()> cancel);
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+        /// Afterwards `cancel` is not called any more.
+        ~Work();
+
+    private:
+        Interruption& _interruption;
+    };
+
+    /// The first signal that came; absent as a rule. From any thread.
+    [[nodiscard]] std::optional<int> signalNumber() const;
+
+private:
+    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
+
+    void watch();
+    void take(int signalNumber);
+
+    mutable std::mutex _mutex;
+    std::function<void()> _cancel;     // guarded by _mutex
+    std::optional<int> _signalNumber;  // guarded by _mutex
+    Pipe _pipe;
+    std::array<struct sigaction, signals.size()> _formerActions{};
+    std::thread _watcher;
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,37 @@
+// Outcome.h - all that came of one request.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "LOMFoundation/LOMAssertion.h"
+#include "NEBFoundation/NEBSourceControlCommandLog.h"
+#include "NEBFoundation/NEBSourceControlError.h"
+#include "NEBFoundation/NEBSourceControlOperation.h"
+
+namespace neb::nebsc {
+
+struct Outcome {
+    std::int32_t type = 0;
+    bool authenticationRequired = false;
+    /// What the plug-in's validation said. When it refused, there is no operation, and the reason
+    /// is the error.
+    bool valid = false;
+    /// The class's name; absent when no operation was made.
+    std::optional<std::string> operation;
+    /// What the operation was built to run; absent for one that runs other operations.
+    std::optional<NEBSourceControlCommand> command;
+    /// The children that ran, in the order in which they were started.
+    std::vector<NEBSourceControlCommandRun> commands;
+    /// The failed assertions, in order.
+    std::vector<LOMAssertionReport> reports;
+    std::optional<NEBSourceControlResult> result;
+    std::optional<NEBSourceControlError> error;
+    /// Whether a left-over process still held the child's output open, so that more may have been
+    /// written than was read.
+    bool outputWasHeldOpen = false;
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,122 @@
+#include "OutcomeJSON.h"
+
+#include <chrono>
+#include <cmath>
+
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+template <typename Value>
+JSON orNull(const std::optional<Value>& value) {
+    return value ? JSON(*value) : JSON(nullptr);
+}
+
+JSON jsonOfDictionary(const NEBDictionary& dictionary);
+
+JSON jsonOfValue(const NEBValue& value) {
+    if (const auto boolean = value.boolean()) {
+        return *boolean;
+    }
+    if (const auto integer = value.integer()) {
+        return *integer;
+    }
+    if (const auto* string = value.string()) {
+        return *string;
+    }
+    if (const auto date = value.date()) {
+        return textOfDate(*date);
+    }
+    if (const auto* path = value.filePath()) {
+        return path->pathString();
+    }
+    if (const auto* dictionary = value.dictionary()) {
+        return jsonOfDictionary(*dictionary);
+    }
+    if (const auto* object = value.object()) {
+        return object->descriptionForAssertionMessage();
+    }
+    return nullptr;
+}
+
+JSON jsonOfDictionary(const NEBDictionary& dictionary) {
+    // Keys are different from each other already; the object's own look-up, one by one, would make
+    // a large dictionary slow.
+    JSON::object_t object;
+    for (const NEBDictionary::Entry& entry : dictionary) {
+        object.Container::emplace_back(std::string(entry.key()), jsonOfValue(entry.value()));
+    }
+    return object;
+}
+
+JSON jsonOfCommand(const NEBSourceControlCommand& command) {
+    return {{"launchPath", command.launchPath},
+            {"arguments", command.arguments},
+            {"currentDirectoryPath", orNull(command.currentDirectoryPath)},
+            {"pipeTo", command.pipeTo ? jsonOfCommand(*command.pipeTo) : JSON(nullptr)}};
+}
+
+JSON millisecondsOf(std::chrono::nanoseconds duration) {
+    constexpr double tenthsInOne = 10;
+    using Tenths = std::chrono::duration<double, std::ratio<1, 10000>>;
+    return std::round(Tenths(duration).count()) / tenthsInOne;
+}
+
+JSON jsonOfRun(const NEBSourceControlCommandRun& run) {
+    return {{"launchPath", run.launchPath},
+            {"arguments", run.arguments},
+            {"currentDirectoryPath", orNull(run.currentDirectoryPath)},
+            {"terminationStatus", orNull(run.terminationStatus)},
+            {"milliseconds", run.duration ? millisecondsOf(*run.duration) : JSON(nullptr)}};
+}
+
+JSON jsonOfReport(const LOMAssertionReport& report) {
+    return {{"function", report.function},
+            {"file", report.file},
+            {"line", report.line},
+            {"message", report.message},
+            {"condition", report.condition}};
+}
+
+JSON jsonOfError(const NEBSourceControlError& error) {
+    return {{"domain", error.domain},
+            {"code", error.code},
+            {"class", orNull(error.errorClass)},
+            {"localizedDescription", orNull(error.localizedDescription())},
+            {"localizedRecoverySuggestion", orNull(error.localizedRecoverySuggestion())},
+            {"userInfo", jsonOfDictionary(error.userInfo)}};
+}
+
+template <typename Values, typename Function>
+JSON arrayOf(const Values& values, Function function) {
+    JSON array = JSON::array();
+    for (const auto& value : values) {
+        array.push_back(function(value));
+    }
+    return array;
+}
+
+}  // namespace
+
+JSON jsonOfOutcome(const Outcome& outcome) {
+    return {{"type", outcome.type},
+            {"name", orNull(NEBSourceControlRequestTypeName(outcome.type))},
+            {"authenticationRequired", outcome.authenticationRequired},
+            {"valid", outcome.valid},
+            {"operation", orNull(outcome.operation)},
+            {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
+            {"commands", arrayOf(outcome.commands, jsonOfRun)},
+            {"reports", arrayOf(outcome.reports, jsonOfReport)},
+            {"result", outcome.result ? arrayOf(*outcome.result, jsonOfDictionary) : JSON(nullptr)},
+            {"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+}
+
+std::string lineOfJSON(const JSON& json) {
+    return json.dump(-1, ' ', false, JSON::error_handler_t::replace) + "\n";
+}
+
+}  // namespace neb::nebsc

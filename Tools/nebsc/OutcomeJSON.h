@@ -1,0 +1,36 @@
+// OutcomeJSON.h - an outcome in its JSON form.
+//
+//     { "type": 18, "name": "log", "authenticationRequired": false, "valid": true,
+//       "operation": "GitLogOperation",
+//       "command": { "launchPath": "/usr/bin/git", "arguments": ["log", "…"],
+//                    "currentDirectoryPath": "/path", "pipeTo": null },
+//       "commands": [ { "launchPath": "…", "arguments": ["…"], "currentDirectoryPath": "…",
+//                       "terminationStatus": 0, "milliseconds": 3.1 } ],
+//       "reports": [ { "function": "-[GitController operationForRequest:]",
+//                      "file": "Classes/GitController", "line": 107,
+//                      "message": "Assertion failed: request.destination",
+//                      "condition": "request.destination" } ],
+//       "result": [ { "NEBSourceControlOperationRevisionKey": "0123456789ab" } ],
+//       "error": null }
+//
+// Every member is always there, null where it is absent. "name" is the type's plain name. The
+// "pipeTo" of a command is a command, "terminationStatus" is null for a child that did not exit. A
+// date is "2012-03-04T05:06:07Z", a file path its string, a dictionary an object. "error" is null
+// or { "domain", "code", "class", "localizedDescription", "localizedRecoverySuggestion", "userInfo"
+// }.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "Outcome.h"
+
+namespace neb::nebsc {
+
+/// From any thread, as is the next.
+[[nodiscard]] nlohmann::ordered_json jsonOfOutcome(const Outcome& outcome);
+
+/// The JSON on one line, line end included; bytes that are no UTF-8 become U+FFFD.
+[[nodiscard]] std::string lineOfJSON(const nlohmann::ordered_json& json);
+
+}  // namespace neb::nebsc

@@ -1,0 +1,151 @@
+#include "Presentation.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <vector>
+
+#include "Platform/Text.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view hexDigits = "0123456789abcdef";
+
+std::string hexByte(unsigned char byte) {
+    return {hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
+}
+
+std::string controlCharacter(unsigned char byte) {
+    switch (byte) {
+        case '\n':
+            return "\\n";
+        case '\t':
+            return "\\t";
+        case '\r':
+            return "\\r";
+        default:
+            return "\\x" + hexByte(byte);
+    }
+}
+
+bool isControlCharacter(unsigned char byte) {
+    constexpr unsigned char firstPrintable = 0x20;
+    constexpr unsigned char deletion = 0x7F;
+    return byte < firstPrintable || byte == deletion;
+}
+
+/// Whether the well-formed text has one of U+0080 to U+009F at `place`.
+bool isC1(std::string_view text, std::size_t place) {
+    return text[place] == '\xC2' && static_cast<unsigned char>(text[place + 1]) < 0xA0;
+}
+
+struct ColourSequence {
+    Colour colour;
+    std::string_view sequence;
+};
+
+constexpr std::array<ColourSequence, 5> colourSequences{{
+    {Colour::red, "\x1b[31m"},
+    {Colour::boldRed, "\x1b[1;31m"},
+    {Colour::green, "\x1b[32m"},
+    {Colour::yellow, "\x1b[33m"},
+    {Colour::cyan, "\x1b[36m"},
+}};
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+/// What a TAB that begins a line is shown as: git indents the commands that it suggests with one.
+constexpr std::size_t tabWidth = 4;
+
+/// The lines of the text, its last line end left out; none for a text of blanks.
+std::vector<std::string> printableLines(std::string_view text) {
+    std::vector<std::string> lines;
+    std::string_view rest = trimmed(text);
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('\n');
+        std::string_view line = rest.substr(0, end);
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
+        lines.push_back(std::string(tabs * tabWidth, ' ') + printable(line.substr(tabs)));
+        rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
+    }
+    return lines;
+}
+
+void appendIndented(std::string& lines, std::string_view text, std::size_t firstLine = 0) {
+    const std::vector<std::string> all = printableLines(text);
+    for (std::size_t i = firstLine; i < all.size(); ++i) {
+        lines += (all[i].empty() ? "" : "    ") + all[i] + "\n";
+    }
+}
+
+}  // namespace
+
+std::string printable(std::string_view bytes) {
+    const std::string text = textReplacingInvalidBytes(bytes);
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (isControlCharacter(byte)) {
+            result += controlCharacter(byte);
+        } else if (isC1(text, i)) {
+            result += "\\u00" + hexByte(static_cast<unsigned char>(text[++i]));
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+bool wantsColour(int descriptor) {
+    const auto variable = [](const char* name) {
+        const char* value = std::getenv(name);
+        return std::string_view(value == nullptr ? "" : value);
+    };
+    return ::isatty(descriptor) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
+}
+
+std::string coloured(std::string_view text, Colour colour) {
+    for (const ColourSequence& row : colourSequences) {
+        if (row.colour == colour) {
+            return std::string(row.sequence).append(text).append("\x1b[0m");
+        }
+    }
+    return std::string(text);
+}
+
+std::string errorLines(const NEBSourceControlError& error) {
+    std::string description{trimmed(error.localizedDescription().value_or(""))};
+    if (description.empty()) {
+        description = "The operation failed with the error " + std::to_string(error.code) + " of " +
+                      error.domain + ".";
+    }
+    std::string lines = "nebsc: " + printableLines(description).front() + "\n";
+    appendIndented(lines, description, 1);
+    if (const auto suggestion = error.localizedRecoverySuggestion()) {
+        for (const std::string& line : printableLines(*suggestion)) {
+            lines += line + "\n";
+        }
+    }
+    const std::string_view words = trimmed(error.text ? *error.text : std::string_view{});
+    if (description.find(words) == std::string::npos) {
+        appendIndented(lines, words);
+    }
+    return lines;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,30 @@
+// Presentation.h - text for a person at a terminal. Every function may be called from any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "NEBFoundation/NEBSourceControlError.h"
+
+namespace neb::nebsc {
+
+/// The bytes as UTF-8 on one line that drives no terminal: each control character (C0, DEL, C1) is
+/// written out ("\n", "\t", "\x1b", "\u009b"), each byte that is no UTF-8 becomes U+FFFD.
+[[nodiscard]] std::string printable(std::string_view bytes);
+
+/// The colours in which states are shown, as terminals name them.
+enum class Colour { none, red, boldRed, green, yellow, cyan };
+
+/// Whether to colour what goes to the descriptor: it is a terminal that is not "dumb", and the user
+/// has not set NO_COLOR to anything but the empty text.
+[[nodiscard]] bool wantsColour(int descriptor);
+
+/// The text between the sequences that switch the colour on and off.
+[[nodiscard]] std::string coloured(std::string_view text, Colour colour);
+
+/// An error as lines for standard error: "nebsc: " and its description, the recovery suggestion on
+/// a line of its own, then the tool's own words, indented, where they say more than the
+/// description.
+[[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
+
+}  // namespace neb::nebsc

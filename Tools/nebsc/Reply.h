@@ -1,0 +1,28 @@
+// Reply.h - what a command has to say, apart from how it gets out.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "ExitStatus.h"
+
+namespace neb::nebsc {
+
+struct Reply {
+    /// Each with its line ends; empty where there is nothing to say.
+    std::string standardOutput;
+    std::string standardError;
+    int exitStatus = exitDone;
+};
+
+/// A reply that is one line on standard error: "nebsc: " and the sentence, made printable.
+[[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus);
+
+/// The line of such a reply alone.
+[[nodiscard]] std::string complaint(std::string_view sentence);
+
+/// Writes the reply, standard output first, and answers the exit status. What cannot be written to
+/// standard output becomes a failure of its own, told on standard error.
+[[nodiscard]] int deliver(const Reply& reply);
+
+}  // namespace neb::nebsc

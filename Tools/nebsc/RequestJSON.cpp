@@ -1,0 +1,361 @@
+#include "RequestJSON.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <span>
+
+#include "JSONText.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using Kind = JSONNode::Kind;
+
+/// A number for which a request has no kind of its own.
+class NumberObject : public NEBObject {
+public:
+    explicit NumberObject(std::string text) : _text(std::move(text)) {}
+    [[nodiscard]] std::string descriptionForAssertionMessage() const override { return _text; }
+
+private:
+    std::string _text;
+};
+
+/// A node, and how sentences name it.
+struct Place {
+    const JSONNode& node;
+    std::string path;
+};
+
+/// Why the request is refused: the first reason. Each function below answers whether to go on.
+struct Refusal {
+    std::string sentence;
+
+    bool wrongKind(const Place& place, std::string_view expected) {
+        sentence = subjectAt(place.path)
+                       .append(" is ")
+                       .append(nameOfKind(place.node.kind))
+                       .append("; ")
+                       .append(expected)
+                       .append(" was expected.");
+        return false;
+    }
+    bool wrongValue(const Place& place, std::string_view reason) {
+        sentence = subjectAt(place.path).append(" ").append(reason).append(".");
+        return false;
+    }
+};
+
+// ---- scalars ----------------------------------------------------------------------------------
+
+bool readType(Refusal& refusal, const Place& place, std::int32_t& type) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    constexpr std::string_view expected = "an integer from -2147483648 to 2147483647";
+    if (place.node.kind != Kind::integer) {
+        return refusal.wrongKind(place, expected);
+    }
+    if (place.node.integer < Limits::min() || place.node.integer > Limits::max()) {
+        return refusal.wrongValue(place, "is " + std::to_string(place.node.integer) + "; " +
+                                             std::string(expected) + " was expected");
+    }
+    type = static_cast<std::int32_t>(place.node.integer);
+    return true;
+}
+
+bool readString(Refusal& refusal, const Place& place, std::optional<std::string>& string) {
+    if (place.node.kind == Kind::string) {
+        string = place.node.text;
+    }
+    return place.node.kind == Kind::string || place.node.kind == Kind::null ||
+           refusal.wrongKind(place, "a string");
+}
+
+bool readBoolean(Refusal& refusal, const Place& place, bool& boolean) {
+    if (place.node.kind == Kind::boolean) {
+        boolean = place.node.boolean;
+    }
+    return place.node.kind == Kind::boolean || place.node.kind == Kind::null ||
+           refusal.wrongKind(place, "true or false");
+}
+
+bool readScalar(Refusal& refusal, const Place& place, NEBValue& value) {
+    switch (place.node.kind) {
+        case Kind::null:
+            return true;
+        case Kind::boolean:
+            value = place.node.boolean;
+            return true;
+        case Kind::integer:
+            value = place.node.integer;
+            return true;
+        case Kind::otherNumber:
+            value = NEBValue(std::make_shared<const NumberObject>(place.node.text));
+            return true;
+        case Kind::string:
+            value = place.node.text;
+            return true;
+        case Kind::array:
+        case Kind::object:
+            break;
+    }
+    return refusal.wrongKind(place, "a string, a number or a boolean");
+}
+
+// ---- objects ----------------------------------------------------------------------------------
+
+/// One member of an object of the form, and what it fills.
+template <typename Target>
+struct Member {
+    std::string_view name;
+    bool (*read)(Refusal&, const Place&, Target&);
+};
+
+bool refuseUnknownMember(Refusal& refusal, const Place& place, std::string_view known) {
+    return refusal.wrongValue(place, "is not known; known are " + std::string(known));
+}
+
+template <typename Target>
+bool readMembers(Refusal& refusal, const Place& place, std::span<const Member<Target>> members,
+                 Target& target) {
+    for (const JSONNode& child : place.node.children) {
+        const Place childPlace{child, pathOfMember(place.path, child.name)};
+        const auto member = std::find_if(
+            members.begin(), members.end(),
+            [&child](const Member<Target>& candidate) { return candidate.name == child.name; });
+        if (member == members.end()) {
+            std::string known;
+            for (const Member<Target>& one : members) {
+                known.append(known.empty() ? "" : ", ").append(one.name);
+            }
+            return refuseUnknownMember(refusal, childPlace, known);
+        }
+        if (!member->read(refusal, childPlace, target)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// What the form says of a source tree, before it is known of which class it is.
+struct SourceTreeMembers {
+    std::optional<std::string> className;
+    std::optional<std::string> location;
+    std::optional<std::string> name;
+    bool reachable = true;
+    bool isValid = true;
+    bool isRemoteDistributedRepository = false;
+};
+
+constexpr Member<SourceTreeMembers> sourceTreeMembers[] = {
+    {"class", [](Refusal& refusal, const Place& place,
+                 SourceTreeMembers& tree) { return readString(refusal, place, tree.className); }},
+    {"location", [](Refusal& refusal, const Place& place,
+                    SourceTreeMembers& tree) { return readString(refusal, place, tree.location); }},
+    {"name", [](Refusal& refusal, const Place& place,
+                SourceTreeMembers& tree) { return readString(refusal, place, tree.name); }},
+    {"reachable",
+     [](Refusal& refusal, const Place& place, SourceTreeMembers& tree) {
+         return readBoolean(refusal, place, tree.reachable);
+     }},
+    {"isValid", [](Refusal& refusal, const Place& place,
+                   SourceTreeMembers& tree) { return readBoolean(refusal, place, tree.isValid); }},
+    {"isRemoteDistributedRepository",
+     [](Refusal& refusal, const Place& place, SourceTreeMembers& tree) {
+         return readBoolean(refusal, place, tree.isRemoteDistributedRepository);
+     }},
+};
+
+/// An object of the class that the members name; nothing, and a refusal, when there is no such one.
+std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, const Place& place,
+                                                           const SourceTreeMembers& members) {
+    const std::string className = members.className.value_or("NEBSourceControlWorkingTree");
+    if (className == "NEBSourceControlRepository") {
+        auto repository = std::make_shared<NEBSourceControlRepository>();
+        repository->isRemoteDistributedRepository = members.isRemoteDistributedRepository;
+        return repository;
+    }
+    if (className != "NEBSourceControlWorkingTree") {
+        refusal.sentence = subjectAt(pathOfMember(place.path, "class")) + " is \"" + className +
+                           "\"; NEBSourceControlWorkingTree or NEBSourceControlRepository was "
+                           "expected.";
+        return nullptr;
+    }
+    if (members.isRemoteDistributedRepository) {
+        refusal.sentence =
+            subjectAt(pathOfMember(place.path, "isRemoteDistributedRepository")) +
+            " is true for a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be "
+            "one, so false was expected.";
+        return nullptr;
+    }
+    return std::make_shared<NEBSourceControlWorkingTree>();
+}
+
+bool readSourceTree(Refusal& refusal, const Place& place,
+                    std::shared_ptr<NEBSourceControlSourceTree>& tree) {
+    if (place.node.kind == Kind::null) {
+        return true;
+    }
+    if (place.node.kind != Kind::object) {
+        return refusal.wrongKind(place, "an object");
+    }
+    SourceTreeMembers members;
+    if (!readMembers<SourceTreeMembers>(refusal, place, sourceTreeMembers, members)) {
+        return false;
+    }
+    tree = makeSourceTree(refusal, place, members);
+    if (!tree) {
+        return false;
+    }
+    tree->location = members.location;
+    tree->name = members.name.value_or(lastPathComponent(members.location.value_or("")));
+    tree->reachable = members.reachable;
+    tree->isValid = members.isValid;
+    return true;
+}
+
+constexpr Member<NEBSourceControlRemote> remoteMembers[] = {
+    {"representsGitSVNBridge",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRemote& remote) {
+         return readBoolean(refusal, place, remote.representsGitSVNBridge);
+     }},
+};
+
+bool readRemote(Refusal& refusal, const Place& place,
+                std::shared_ptr<NEBSourceControlRemote>& remote) {
+    if (place.node.kind == Kind::null) {
+        return true;
+    }
+    if (place.node.kind != Kind::object) {
+        return refusal.wrongKind(place, "an object");
+    }
+    remote = std::make_shared<NEBSourceControlRemote>();
+    return readMembers<NEBSourceControlRemote>(refusal, place, remoteMembers, *remote);
+}
+
+bool readFiles(Refusal& refusal, const Place& place, std::optional<std::vector<NEBValue>>& files) {
+    if (place.node.kind == Kind::null) {
+        return true;
+    }
+    if (place.node.kind != Kind::array) {
+        return refusal.wrongKind(place, "an array");
+    }
+    files.emplace();
+    for (const JSONNode& child : place.node.children) {
+        const std::string path = pathOfElement(place.path, files->size());
+        if (!readScalar(refusal, {child, path}, files->emplace_back())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isOptionKey(std::string_view name) {
+    return std::any_of(NEBSourceControlAllRequestOptions.begin(),
+                       NEBSourceControlAllRequestOptions.end(),
+                       [name](NEBConstant key) { return key == name; });
+}
+
+std::string allOptionKeys() {
+    std::string keys;
+    for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
+        keys.append(keys.empty() ? "" : ", ").append(key.text());
+    }
+    return keys;
+}
+
+bool readOptions(Refusal& refusal, const Place& place, std::optional<NEBDictionary>& options) {
+    if (place.node.kind == Kind::null) {
+        return true;
+    }
+    if (place.node.kind != Kind::object) {
+        return refusal.wrongKind(place, "an object");
+    }
+    options.emplace();
+    for (const JSONNode& child : place.node.children) {
+        const Place childPlace{child, pathOfMember(place.path, child.name)};
+        NEBValue value;
+        if (!isOptionKey(child.name)) {
+            return refuseUnknownMember(refusal, childPlace, allOptionKeys());
+        }
+        if (!readScalar(refusal, childPlace, value)) {
+            return false;
+        }
+        options->set(child.name, std::move(value));
+    }
+    return true;
+}
+
+// ---- the request ------------------------------------------------------------------------------
+
+constexpr Member<NEBSourceControlRequest> requestMembers[] = {
+    {"type",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readType(refusal, place, request.type);
+     }},
+    {"sourceTree",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readSourceTree(refusal, place, request.sourceTree);
+     }},
+    {"repositoryToAuthenticate",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readSourceTree(refusal, place, request.repositoryToAuthenticate);
+     }},
+    {"destination",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readScalar(refusal, place, request.destination);
+     }},
+    {"files",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readFiles(refusal, place, request.files);
+     }},
+    {"startingRevision",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readScalar(refusal, place, request.startingRevision);
+     }},
+    {"endingRevision",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readScalar(refusal, place, request.endingRevision);
+     }},
+    {"remote",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readRemote(refusal, place, request.remote);
+     }},
+    {"options",
+     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
+         return readOptions(refusal, place, request.options);
+     }},
+};
+
+bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest& request) {
+    const Place place{root, ""};
+    if (root.kind != Kind::object) {
+        return refusal.wrongKind(place, "an object");
+    }
+    if (!readMembers<NEBSourceControlRequest>(refusal, place, requestMembers, request)) {
+        return false;
+    }
+    const bool hasType = std::any_of(root.children.begin(), root.children.end(),
+                                     [](const JSONNode& child) { return child.name == "type"; });
+    return hasType || refusal.wrongValue({root, "type"}, "is missing; an integer was expected");
+}
+
+}  // namespace
+
+RequestReading requestFromJSON(std::string_view text) {
+    const JSONReading reading = readJSON(text);
+    if (!reading.root) {
+        return {nullptr, reading.failure};
+    }
+    Refusal refusal;
+    auto request = std::make_shared<NEBSourceControlRequest>();
+    if (!readRequest(refusal, *reading.root, *request)) {
+        return {nullptr, refusal.sentence};
+    }
+    return {std::move(request), {}};
+}
+
+}  // namespace neb::nebsc

@@ -1,6 +1,5 @@
 #include "HostSession.h"
 
-#include "NEBFoundation/NEBSourceControlTaskOperation.h"
 #include "ReportCapture.h"
 
 namespace neb::nebsc {
@@ -15,8 +14,7 @@ void runOperation(NEBSourceControlOperation& operation, const HostSession::Runne
     outcome.commands = log->runs();
     outcome.result = operation.result();
     outcome.error = operation.error();
-    const auto* task = dynamic_cast<const NEBSourceControlTaskOperation*>(&operation);
-    outcome.outputWasHeldOpen = task != nullptr && task->outputWasHeldOpen();
+    outcome.outputWasHeldOpen = operation.outputWasHeldOpen();
 }
 
 }  // namespace

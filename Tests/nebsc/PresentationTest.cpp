@@ -1,0 +1,83 @@
+// Text for a person at a terminal.
+
+#include "Presentation.h"
+
+#include <gtest/gtest.h>
+
+namespace neb::nebsc {
+namespace {
+
+TEST(Printable, LeavesOrdinaryTextAlone) {
+    EXPECT_EQ(printable("a \\ b/Grüße 漢字 😀\xC2\xA0"), "a \\ b/Grüße 漢字 😀\xC2\xA0");
+    EXPECT_EQ(printable(""), "");
+}
+
+TEST(Printable, WritesControlCharactersOut) {
+    EXPECT_EQ(printable("a\nb\tc\rd"), "a\\nb\\tc\\rd");
+    EXPECT_EQ(printable("\x1b[31m"), "\\x1b[31m");
+    EXPECT_EQ(printable(std::string("\0\x01\x1f\x7f", 4)), "\\x00\\x01\\x1f\\x7f");
+}
+
+TEST(Printable, WritesC1CharactersOut) {
+    EXPECT_EQ(printable("\xC2\x80\xC2\x9B\xC2\x9F"), "\\u0080\\u009b\\u009f");
+}
+
+TEST(Printable, ReplacesBytesThatAreNoText) {
+    EXPECT_EQ(printable("a\x9b\xffz\xC2"), "a\xEF\xBF\xBD\xEF\xBF\xBDz\xEF\xBF\xBD");
+}
+
+TEST(Coloured, PutsTheSequencesAround) {
+    EXPECT_EQ(coloured("x", Colour::green), "\x1b[32mx\x1b[0m");
+    EXPECT_EQ(coloured("x", Colour::none), "x");
+}
+
+NEBSourceControlError errorWith(std::string description, std::optional<std::string> suggestion,
+                                std::optional<std::string> text) {
+    auto error =
+        NEBSourceControlError::withDescription(-1, std::move(description), std::move(suggestion));
+    error.text = std::move(text);
+    return error;
+}
+
+TEST(ErrorLines, ADescriptionIsOneSentence) {
+    EXPECT_EQ(errorLines(errorWith("It failed.", {}, {})), "nebsc: It failed.\n");
+}
+
+TEST(ErrorLines, TheSuggestionHasALineOfItsOwn) {
+    EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", {})),
+              "nebsc: It failed.\nTry again.\n");
+}
+
+TEST(ErrorLines, TheToolsWordsFollowIndented) {
+    EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", "fatal: a\r\nhint: b\n\n")),
+              "nebsc: It failed.\nTry again.\n    fatal: a\n    hint: b\n");
+}
+
+TEST(ErrorLines, WordsThatTheSentenceHoldsAreNotRepeated) {
+    EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: fatal: no\n");
+}
+
+TEST(ErrorLines, ADescriptionOfSeveralLinesIsIndented) {
+    EXPECT_EQ(errorLines(errorWith("fatal: no\nhint: yes\n", {}, "fatal: no\nhint: yes\n")),
+              "nebsc: fatal: no\n    hint: yes\n");
+}
+
+TEST(ErrorLines, TheIndentationOfTheToolsWordsStays) {
+    EXPECT_EQ(errorLines(errorWith("fatal: no\n\n\tgit config a\tb\n", {}, {})),
+              "nebsc: fatal: no\n\n        git config a\\tb\n");
+}
+
+TEST(ErrorLines, NothingOfItDrivesTheTerminal) {
+    EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
+              "nebsc: a\\x1b[2J\nb\\x07\n    c\xEF\xBF\xBD\n");
+}
+
+TEST(ErrorLines, AnErrorWithoutDescriptionIsToldByItsNumber) {
+    NEBSourceControlError error;
+    error.code = -32;
+    EXPECT_EQ(errorLines(error),
+              "nebsc: The operation failed with the error -32 of NEBSourceControlErrorDomain.\n");
+}
+
+}  // namespace
+}  // namespace neb::nebsc

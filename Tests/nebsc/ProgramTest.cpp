@@ -1,0 +1,208 @@
+// nebsc as a program: help, versions, plug-ins, mistakes, and standard output that fails.
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "Support/TestRepository.h"
+#include "nebsc/NebscRun.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+TEST(Program, HelpShowsCommandsAndExamples) {
+    const NebscOutcome alone = runNebsc({});
+    for (const char* word : {"status", "request", "types", "--plugin", "--json", "--version",
+                             "Examples:", "nebsc status --json", "Exit status"}) {
+        EXPECT_THAT(alone.output, HasSubstr(word));
+    }
+    EXPECT_EQ(alone.errors, "");
+    EXPECT_EQ(alone.exitStatus, 0);
+    EXPECT_EQ(runNebsc({"--help"}).output, alone.output);
+    EXPECT_EQ(runNebsc({"-h"}).output, alone.output);
+}
+
+TEST(Program, ACommandHasHelpOfItsOwn) {
+    const NebscOutcome outcome = runNebsc({"request", "--help"});
+    EXPECT_THAT(outcome.output, HasSubstr("--dry-run"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST(Program, AMistakeIsNamedInOneLine) {
+    struct Row {
+        std::vector<std::string> words;
+        const char* named;
+    };
+    for (const Row& row :
+         {Row{{"statsu"}, "statsu"}, Row{{"--jsno", "status"}, "--jsno"},
+          Row{{"status", "--jsno"}, "--jsno"}, Row{{"status", "a", "b"}, "b"},
+          Row{{"status", "types", "request"}, "request"}, Row{{"status", "--dry-run"}, "--dry-run"},
+          Row{{"types", "x"}, "x"}, Row{{"--plugin"}, "--plugin"},
+          Row{{"--json"}, "status, request or types"}, Row{{"a\nb"}, "a\\nb"},
+          Row{{"--json=false", "types"}, "json"}}) {
+        const NebscOutcome outcome = runNebsc(row.words);
+        EXPECT_EQ(outcome.output, "") << row.named;
+        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: "));
+        EXPECT_THAT(outcome.errors, HasSubstr(row.named));
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << row.named;
+        EXPECT_EQ(outcome.exitStatus, 2) << row.named;
+    }
+}
+
+TEST(Program, VersionsAreOneALine) {
+    const TestRepository repository;
+    const NebscOutcome outcome = runNebsc({"--version"});
+    EXPECT_EQ(outcome.output, "nebsc " NEB_PROJECT_VERSION "\nNEBGit " NEB_PROJECT_VERSION "\n" +
+                                  repository.git({"--version"}));
+    EXPECT_EQ(outcome.exitStatus, 0);
+    const auto json = runNebsc({"--version", "--json"}).json();
+    EXPECT_EQ(json["nebsc"], NEB_PROJECT_VERSION);
+    EXPECT_EQ(json["plugIn"]["name"], "NEBGit");
+    EXPECT_EQ(json["git"].get<std::string>() + "\n", repository.git({"--version"}));
+}
+
+TEST(Program, AGitThatCannotTellItsVersionIsToldSo) {
+    const StandInGit failing("", "exit 3");
+    EXPECT_THAT(runNebsc({"--version"}, {.variables = {failing.path()}}).output,
+                testing::EndsWith("\ngit told no version: exit status 3\n"));
+    const TemporaryFolder broken;
+    broken.writeProgram("git", "#!/no/such/interpreter\n");
+    const NebscOutcome outcome = runNebsc({"--version"}, {.variables = {{"PATH", broken.path()}}});
+    EXPECT_THAT(outcome.output, testing::EndsWith("\ngit was not found\n"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+// ---- plug-ins ---------------------------------------------------------------------------------
+
+struct PlugInRow {
+    std::string file;
+    std::string reason;
+};
+
+void expectRefusedPlugIn(const PlugInRow& row) {
+    for (const char* command : {"status", "types", "--version"}) {
+        const NebscOutcome outcome = runNebsc({command, "--plugin", row.file});
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, HasSubstr("\"" + row.file + "\""));
+        EXPECT_THAT(outcome.errors, HasSubstr(row.reason));
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1);
+        EXPECT_EQ(outcome.exitStatus, 2);
+    }
+}
+
+TEST(ProgramPlugIn, AMissingFileIsRefused) {
+    const TemporaryFolder folder;
+    expectRefusedPlugIn({folder.path("none.so"), "No such file or directory"});
+}
+
+TEST(ProgramPlugIn, ATextFileIsRefused) {
+    const TemporaryFolder folder;
+    expectRefusedPlugIn({folder.write("text.so", "I am no library.\n"), "is no plug-in"});
+}
+
+TEST(ProgramPlugIn, AFolderIsRefused) {
+    const TemporaryFolder folder;
+    expectRefusedPlugIn({folder.path(), "is no plug-in"});
+}
+
+TEST(ProgramPlugIn, ALibraryThatIsNoPlugInIsRefused) {
+    expectRefusedPlugIn({NEB_BUILD_FOLDER "/lib/libNEBFoundation.so",
+                         "does not export NEBSourceControlDescribePlugIn"});
+}
+
+TEST(ProgramPlugIn, OneOfAnotherContractIsRefused) {
+    expectRefusedPlugIn(
+        {NEB_TEST_MODULES "/OtherContract.so", "was built for version 7 of the host contract"});
+}
+
+TEST(ProgramPlugIn, OneWithoutAPrincipalClassIsRefused) {
+    expectRefusedPlugIn(
+        {NEB_TEST_MODULES "/NoPrincipalClass.so", "has no principal class to give"});
+}
+
+TEST(ProgramPlugIn, AGivenFileIsTakenBeforeAndAfterTheCommand) {
+    const TemporaryFolder folder;
+    const std::string plugIn = folder.path("other.so");
+    fs::create_symlink(NEB_BUILD_FOLDER "/lib/NEBGit.so", plugIn);
+    EXPECT_EQ(runNebsc({"--plugin", plugIn, "types"}).exitStatus, 0);
+    EXPECT_EQ(runNebsc({"types", "--plugin=" + plugIn}).exitStatus, 0);
+    EXPECT_EQ(runNebsc({"types", "--plugin", "other.so"}, {.folder = folder.path()}).exitStatus, 0);
+}
+
+/// A copy of the program with the host library beside it, and the plug-in in none, one or both of
+/// the places where it is looked for.
+class MovedProgram : public testing::Test {
+protected:
+    void SetUp() override {
+        fs::create_directories(folder.path("bin"));
+        fs::create_directories(folder.path("lib"));
+        fs::copy(NEB_BUILD_FOLDER "/bin/nebsc", folder.path("bin/nebsc"));
+        fs::copy(NEB_BUILD_FOLDER "/lib/libNEBFoundation.so",
+                 folder.path("lib/libNEBFoundation.so"));
+    }
+    [[nodiscard]] NebscOutcome types() const {
+        return runProgram(folder.path("bin/nebsc"), {"types"}, {});
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(MovedProgram, LooksForThePlugInInLibBesideItsFolder) {
+    fs::copy(NEB_BUILD_FOLDER "/lib/NEBGit.so", folder.path("lib/NEBGit.so"));
+    EXPECT_EQ(types().exitStatus, 0);
+    folder.write("bin/NEBGit.so", "not this one");
+    EXPECT_EQ(types().exitStatus, 0);
+}
+
+TEST_F(MovedProgram, LooksForThePlugInInItsOwnFolderThen) {
+    fs::copy(NEB_BUILD_FOLDER "/lib/NEBGit.so", folder.path("bin/NEBGit.so"));
+    const NebscOutcome outcome =
+        runProgram(folder.path("bin/nebsc"), {"types"},
+                   {.variables = {{"LD_LIBRARY_PATH", folder.path("lib")}}});
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.errors;
+}
+
+TEST_F(MovedProgram, SaysWhereItExpectedThePlugIn) {
+    const NebscOutcome outcome = types();
+    EXPECT_EQ(outcome.errors, "nebsc: The plug-in \"" + folder.path("lib/NEBGit.so") +
+                                  "\" could not be read: No such file or directory.\n");
+    EXPECT_EQ(outcome.exitStatus, 2);
+}
+
+// ---- standard output --------------------------------------------------------------------------
+
+TEST(Program, AFullStandardOutputIsAFailure) {
+    const TestRepository repository;
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"types"}, {"--help"}, {"--version"}, {"status"}}) {
+        const NebscOutcome outcome =
+            runNebsc(words, {.folder = repository.path(), .output = NebscOutput::full});
+        EXPECT_EQ(outcome.errors,
+                  "nebsc: Standard output could not be written: No space left on device.\n");
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+}
+
+TEST(Program, AClosedStandardOutputIsAFailure) {
+    const TestRepository repository;
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"types"}, {"request"}, {"status"}}) {
+        const NebscOutcome outcome =
+            runNebsc(words, {.folder = repository.path(),
+                             .input = R"({"type": 15, "sourceTree": {"location": "/"}})",
+                             .output = NebscOutput::closed});
+        EXPECT_EQ(outcome.errors,
+                  "nebsc: Standard output could not be written: Bad file descriptor.\n");
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+}
+
+TEST(Program, ACallThatIsNotUnderstoodStaysOneWithAFullStandardOutput) {
+    EXPECT_EQ(runNebsc({"statsu"}, {.output = NebscOutput::full}).exitStatus, 2);
+}
+
+}  // namespace
+}  // namespace neb::test

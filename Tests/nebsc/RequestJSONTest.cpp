@@ -1,0 +1,374 @@
+// A request from its JSON form: every member, every kind of value, every refusal.
+
+#include "RequestJSON.h"
+
+#include <gmock/gmock.h>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb::nebsc {
+namespace {
+
+using testing::HasSubstr;
+
+std::shared_ptr<NEBSourceControlRequest> accepted(std::string_view json) {
+    RequestReading reading = requestFromJSON(json);
+    EXPECT_EQ(reading.refusal, "") << json;
+    return reading.request ? reading.request : std::make_shared<NEBSourceControlRequest>();
+}
+
+std::string refusalOf(std::string_view json) {
+    const RequestReading reading = requestFromJSON(json);
+    EXPECT_EQ(reading.request, nullptr) << json;
+    return reading.refusal;
+}
+
+TEST(RequestJSON, ATypeAloneIsARequestWithNothingElse) {
+    const auto request = accepted(R"({"type": 15})");
+    EXPECT_EQ(request->type, 15);
+    EXPECT_EQ(request->sourceTree, nullptr);
+    EXPECT_EQ(request->repositoryToAuthenticate, nullptr);
+    EXPECT_EQ(request->remote, nullptr);
+    EXPECT_FALSE(request->destination.isPresent());
+    EXPECT_FALSE(request->startingRevision.isPresent());
+    EXPECT_FALSE(request->endingRevision.isPresent());
+    EXPECT_FALSE(request->files.has_value());
+    EXPECT_FALSE(request->options.has_value());
+}
+
+TEST(RequestJSON, NullIsAMissingValue) {
+    const auto request = accepted(
+        R"({"type": -1, "sourceTree": null, "repositoryToAuthenticate": null, "remote": null,
+            "destination": null, "startingRevision": null, "endingRevision": null, "files": null,
+            "options": null})");
+    EXPECT_EQ(request->type, -1);
+    EXPECT_EQ(request->sourceTree, nullptr);
+    EXPECT_EQ(request->repositoryToAuthenticate, nullptr);
+    EXPECT_EQ(request->remote, nullptr);
+    EXPECT_FALSE(request->destination.isPresent());
+    EXPECT_FALSE(request->startingRevision.isPresent());
+    EXPECT_FALSE(request->endingRevision.isPresent());
+    EXPECT_FALSE(request->files.has_value());
+    EXPECT_FALSE(request->options.has_value());
+}
+
+TEST(RequestJSON, TheLimitsOfTheTypeAreTypes) {
+    EXPECT_EQ(accepted(R"({"type": 2147483647})")->type, INT32_MAX);
+    EXPECT_EQ(accepted(R"({"type": -2147483648})")->type, INT32_MIN);
+}
+
+TEST(RequestJSON, AWorkingTreeIsTheDefaultSourceTree) {
+    const auto tree =
+        accepted(R"({"type": 0, "sourceTree": {"location": "/w/demo/"}})")->sourceTree;
+    ASSERT_NE(tree, nullptr);
+    EXPECT_EQ(tree->className(), "NEBSourceControlWorkingTree");
+    EXPECT_EQ(tree->location, "/w/demo/");
+    EXPECT_EQ(tree->name, "demo");
+    EXPECT_TRUE(tree->reachable);
+    EXPECT_TRUE(tree->isValid);
+}
+
+TEST(RequestJSON, ASourceTreeWithoutLocationHasAnEmptyName) {
+    for (const char* json : {R"({"type": 0, "sourceTree": {}})",
+                             R"({"type": 0, "sourceTree": {"class": null, "location": null,
+                                 "name": null, "reachable": null, "isValid": null,
+                                 "isRemoteDistributedRepository": null}})"}) {
+        const auto tree = accepted(json)->sourceTree;
+        ASSERT_NE(tree, nullptr);
+        EXPECT_EQ(tree->className(), "NEBSourceControlWorkingTree");
+        EXPECT_EQ(tree->location, std::nullopt);
+        EXPECT_EQ(tree->name, "");
+        EXPECT_TRUE(tree->reachable);
+        EXPECT_TRUE(tree->isValid);
+    }
+}
+
+TEST(RequestJSON, EveryMemberOfASourceTreeIsRead) {
+    const auto tree =
+        accepted(
+            R"({"type": 0, "sourceTree": {"class": "NEBSourceControlRepository", "location": "",
+            "name": "", "reachable": false, "isValid": false,
+            "isRemoteDistributedRepository": true}})")
+            ->sourceTree;
+    ASSERT_NE(tree, nullptr);
+    EXPECT_EQ(tree->className(), "NEBSourceControlRepository");
+    EXPECT_EQ(tree->location, "");
+    EXPECT_EQ(tree->name, "");
+    EXPECT_FALSE(tree->reachable);
+    EXPECT_FALSE(tree->isValid);
+    const auto* repository = dynamic_cast<const NEBSourceControlRepository*>(tree.get());
+    ASSERT_NE(repository, nullptr);
+    EXPECT_TRUE(repository->isRemoteDistributedRepository);
+}
+
+TEST(RequestJSON, AGivenNameWinsOverTheLocation) {
+    const auto request =
+        accepted(R"({"type": 0, "sourceTree": {"location": "/w/a", "name": "project"}})");
+    EXPECT_EQ(request->sourceTree->name, "project");
+}
+
+TEST(RequestJSON, TheRepositoryToAuthenticateHasTheSameForm) {
+    const auto request = accepted(
+        R"({"type": 0, "repositoryToAuthenticate": {"class": "NEBSourceControlRepository",
+            "reachable": false, "location": "https://example.org/a.git"}})");
+    ASSERT_NE(request->repositoryToAuthenticate, nullptr);
+    EXPECT_EQ(request->repositoryToAuthenticate->className(), "NEBSourceControlRepository");
+    EXPECT_EQ(request->repositoryToAuthenticate->name, "a.git");
+    EXPECT_FALSE(request->repositoryToAuthenticate->reachable);
+    EXPECT_EQ(request->sourceTree, nullptr);
+}
+
+TEST(RequestJSON, AWorkingTreeMaySayThatItIsNoRemoteRepository) {
+    EXPECT_NE(accepted(R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": false}})")
+                  ->sourceTree,
+              nullptr);
+}
+
+TEST(RequestJSON, ARemoteSaysWhetherItIsABridge) {
+    EXPECT_FALSE(accepted(R"({"type": 0, "remote": {}})")->remote->representsGitSVNBridge);
+    EXPECT_FALSE(accepted(R"({"type": 0, "remote": {"representsGitSVNBridge": null}})")
+                     ->remote->representsGitSVNBridge);
+    EXPECT_TRUE(accepted(R"({"type": 0, "remote": {"representsGitSVNBridge": true}})")
+                    ->remote->representsGitSVNBridge);
+}
+
+TEST(RequestJSON, DestinationAndRevisionsAreAnyScalar) {
+    const auto request = accepted(
+        R"({"type": 0, "destination": "topic", "startingRevision": true, "endingRevision": -7})");
+    EXPECT_EQ(request->destination, NEBValue("topic"));
+    EXPECT_EQ(request->startingRevision, NEBValue(true));
+    EXPECT_EQ(request->endingRevision, NEBValue(-7));
+}
+
+TEST(RequestJSON, TextKeepsEveryCharacter) {
+    const auto request =
+        accepted(R"({"type": 0, "destination": "a\u0000\n\"\\ü\ud83d\ude00 [x]"})");
+    EXPECT_EQ(request->destination,
+              NEBValue(std::string("a\0\n\"\\\xC3\xBC\xF0\x9F\x98\x80 [x]", 15)));
+}
+
+TEST(RequestJSON, TheLimitsOfAnIntegerAreIntegers) {
+    EXPECT_EQ(accepted(R"({"type": 0, "destination": 9223372036854775807})")->destination,
+              NEBValue(INT64_MAX));
+    EXPECT_EQ(accepted(R"({"type": 0, "destination": -9223372036854775808})")->destination,
+              NEBValue(INT64_MIN));
+}
+
+class NumberThatIsNoInteger : public testing::TestWithParam<std::string> {};
+
+TEST_P(NumberThatIsNoInteger, BecomesAnObjectDescribedAsItWasWritten) {
+    const auto request = accepted(R"({"type": 0, "destination": )" + GetParam() + "}");
+    ASSERT_NE(request->destination.object(), nullptr);
+    EXPECT_EQ(request->destination.descriptionForAssertionMessage(), GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(RequestJSON, NumberThatIsNoInteger,
+                         testing::Values("1.5", "15.0", "1e1", "1e300", "-0.50",
+                                         "9223372036854775808", "18446744073709551615",
+                                         "18446744073709551616", "-9223372036854775809"));
+
+TEST(RequestJSON, FilesAreAnyScalarsInTheirOrder) {
+    const auto request = accepted(R"({"type": 0, "files": ["/a", null, 3, false, 1.5, "/b"]})");
+    ASSERT_EQ(request->fileCount(), 6U);
+    EXPECT_EQ((*request->files)[0], NEBValue("/a"));
+    EXPECT_FALSE((*request->files)[1].isPresent());
+    EXPECT_EQ((*request->files)[2], NEBValue(3));
+    EXPECT_EQ((*request->files)[3], NEBValue(false));
+    EXPECT_NE((*request->files)[4].object(), nullptr);
+    EXPECT_EQ((*request->files)[5], NEBValue("/b"));
+}
+
+TEST(RequestJSON, NoFilesAndAnEmptyListDiffer) {
+    const auto request = accepted(R"({"type": 0, "files": []})");
+    EXPECT_TRUE(request->files.has_value());
+    EXPECT_EQ(request->fileCount(), 0U);
+}
+
+TEST(RequestJSON, EveryOptionKeyIsKnown) {
+    for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
+        const auto request =
+            accepted(R"({"type": 0, "options": {")" + std::string(key.text()) + R"(": 50}})");
+        EXPECT_EQ(request->option(key), NEBValue(50)) << key.text();
+    }
+}
+
+TEST(RequestJSON, AnOptionThatIsNullIsMissing) {
+    const auto request =
+        accepted(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": null}})");
+    ASSERT_TRUE(request->options.has_value());
+    EXPECT_TRUE(request->options->isEmpty());
+}
+
+// ---- refusals ---------------------------------------------------------------------------------
+
+struct RefusalRow {
+    const char* json;
+    const char* refusal;
+};
+
+class RefusedRequest : public testing::TestWithParam<RefusalRow> {};
+
+TEST_P(RefusedRequest, IsToldByMemberAndExpectation) {
+    EXPECT_EQ(refusalOf(GetParam().json), GetParam().refusal);
+}
+
+constexpr const char* expectedType = "; an integer from -2147483648 to 2147483647 was expected.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Whole, RefusedRequest,
+    testing::Values(RefusalRow{"", "The request is empty; a JSON object was expected."},
+                    RefusalRow{" \n\t", "The request is empty; a JSON object was expected."},
+                    RefusalRow{"null", "The request is null; an object was expected."},
+                    RefusalRow{"true", "The request is a boolean; an object was expected."},
+                    RefusalRow{"15", "The request is an integer; an object was expected."},
+                    RefusalRow{"\"15\"", "The request is a string; an object was expected."},
+                    RefusalRow{"[]", "The request is an array; an object was expected."},
+                    RefusalRow{
+                        "{}", "The request's member \"type\" is missing; an integer was expected."},
+                    RefusalRow{"1e999", "The request is a number too large to be read."}));
+
+TEST(RequestJSON, NamesWhyTheTypeIsNone) {
+    const std::string start = "The request's member \"type\" is ";
+    EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": "15"})"), start + "a string" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": true})"), start + "a boolean" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": [15]})"), start + "an array" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": {}})"), start + "an object" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": 2147483648})"), start + "2147483648" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": -2147483649})"), start + "-2147483649" + expectedType);
+    for (const char* number : {"15.0", "1e1", "18446744073709551615", "99999999999999999999"}) {
+        EXPECT_EQ(refusalOf(std::string(R"({"type": )") + number + "}"),
+                  start + "a number that is no 64-bit integer" + expectedType);
+    }
+    EXPECT_EQ(refusalOf(R"({"type": 1e999})"), start + "a number too large to be read.");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, RefusedRequest,
+    testing::Values(
+        RefusalRow{R"({"type": 0, "sourceTree": "/w"})",
+                   "The request's member \"sourceTree\" is a string; an object was expected."},
+        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": []})",
+                   "The request's member \"repositoryToAuthenticate\" is an array; an object was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"location": 1}})",
+                   "The request's member \"sourceTree.location\" is an integer; a string was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"name": false}})",
+                   "The request's member \"sourceTree.name\" is a boolean; a string was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"class": 1.5}})",
+                   "The request's member \"sourceTree.class\" is a number that is no 64-bit "
+                   "integer; a string was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"reachable": 1}})",
+                   "The request's member \"sourceTree.reachable\" is an integer; true or false "
+                   "was expected."},
+        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": {"isValid": "yes"}})",
+                   "The request's member \"repositoryToAuthenticate.isValid\" is a string; true "
+                   "or false was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": 0}})",
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is an "
+                   "integer; true or false was expected."},
+        RefusalRow{R"({"type": 0, "remote": true})",
+                   "The request's member \"remote\" is a boolean; an object was expected."},
+        RefusalRow{R"({"type": 0, "remote": {"representsGitSVNBridge": 1}})",
+                   "The request's member \"remote.representsGitSVNBridge\" is an integer; true or "
+                   "false was expected."},
+        RefusalRow{R"({"type": 0, "destination": []})",
+                   "The request's member \"destination\" is an array; a string, a number or a "
+                   "boolean was expected."},
+        RefusalRow{R"({"type": 0, "startingRevision": {}})",
+                   "The request's member \"startingRevision\" is an object; a string, a number or "
+                   "a boolean was expected."},
+        RefusalRow{R"({"type": 0, "endingRevision": [[1]]})",
+                   "The request's member \"endingRevision\" is an array; a string, a number or a "
+                   "boolean was expected."},
+        RefusalRow{R"({"type": 0, "files": "/a"})",
+                   "The request's member \"files\" is a string; an array was expected."},
+        RefusalRow{R"({"type": 0, "files": ["/a", "/b", ["/c"]]})",
+                   "The request's member \"files[2]\" is an array; a string, a number or a boolean "
+                   "was expected."},
+        RefusalRow{R"({"type": 0, "options": []})",
+                   "The request's member \"options\" is an array; an object was expected."},
+        RefusalRow{R"({"type": 0, "options": {"NEBSourceControlRequestOptionBranch": {}}})",
+                   "The request's member \"options.NEBSourceControlRequestOptionBranch\" is an "
+                   "object; a string, a number or a boolean was expected."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, RefusedRequest,
+    testing::Values(
+        RefusalRow{R"({"type": 0, "sourceTree": {"class": "NEBSourceControlTree"}})",
+                   "The request's member \"sourceTree.class\" is \"NEBSourceControlTree\"; "
+                   "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": true}})",
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is true for "
+                   "a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be one, "
+                   "so false was expected."},
+        RefusalRow{R"({"type": 15, "destination": "a", "type": 15})",
+                   "The request's member \"type\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"name": "a", "name": "a"}})",
+                   "The request's member \"sourceTree.name\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "files": [1, {"a": 1, "a": 2}]})",
+                   "The request's member \"files[1].a\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "files": ["/a", 1e999]})",
+                   "The request's member \"files[1]\" is a number too large to be read."}));
+
+TEST(RequestJSON, NamesTheUnknownMember) {
+    EXPECT_EQ(refusalOf(R"({"type": 0, "Destination": "topic"})"),
+              "The request's member \"Destination\" is not known; known are type, sourceTree, "
+              "repositoryToAuthenticate, destination, files, startingRevision, endingRevision, "
+              "remote, options.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "sourceTree": {"path": "/w"}})"),
+              "The request's member \"sourceTree.path\" is not known; known are class, location, "
+              "name, reachable, isValid, isRemoteDistributedRepository.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "remote": {"name": "origin"}})"),
+              "The request's member \"remote.name\" is not known; known are "
+              "representsGitSVNBridge.");
+}
+
+TEST(RequestJSON, NamesTheUnknownOptionAndEveryKnownOne) {
+    const std::string refusal = refusalOf(R"({"type": 0, "options": {"branch": "topic"}})");
+    EXPECT_THAT(refusal,
+                testing::StartsWith("The request's member \"options.branch\" is not known"));
+    for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
+        EXPECT_THAT(refusal, HasSubstr(key.text()));
+    }
+}
+
+class NoJSON : public testing::TestWithParam<std::string> {};
+
+TEST_P(NoJSON, IsToldByItsPlace) {
+    EXPECT_THAT(refusalOf(GetParam()),
+                testing::MatchesRegex("The request is no JSON: line 1, column [0-9]+: .*"));
+}
+
+INSTANTIATE_TEST_SUITE_P(RequestJSON, NoJSON,
+                         testing::Values("{", "{\"type\": 15", "{\"type\" 15}", "{type: 15}",
+                                         "{\"type\": 15,}", "{\"type\": 15} x", "{\"type\": 15}{}",
+                                         "{\"type\": 015}", "{\"type\": +1}", "{\"type\": NaN}",
+                                         "{'type': 15}", "// a\n{\"type\": 15}",
+                                         "{\"type\": 15, \"destination\": \"\xff\"}",
+                                         "{\"type\": 15, \"destination\": \"\xc3\"}",
+                                         "{\"\xff\": 15}",
+                                         "{\"type\": 15, \"destination\": \"\\ud800\"}",
+                                         "{\"type\": 15, \"destination\": \"a\tb\"}",
+                                         std::string("{\"type\": 1\0}", 12)));
+
+TEST(RequestJSON, SaysOnWhichLineTheMistakeIs) {
+    EXPECT_THAT(refusalOf("{\n  \"type\": 15,\n}"), HasSubstr("line 3, column 1"));
+}
+
+TEST(RequestJSON, AnEndlessNestingIsRefused) {
+    const std::string deep(1000000, '[');
+    EXPECT_EQ(refusalOf(deep), "The request is nested more than 32 levels deep.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "destination": )" + deep + "}"),
+              "The request is nested more than 32 levels deep.");
+}
+
+TEST(RequestJSON, ALongMistakeMakesAShortSentence) {
+    const std::string text = "{\"type\": \"" + std::string(1000000, 'x') + "\xff\"}";
+    EXPECT_LT(refusalOf(text).size(), 400U);
+}
+
+}  // namespace
+}  // namespace neb::nebsc

@@ -1,0 +1,323 @@
+// `nebsc status`, run as a program.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <filesystem>
+
+#include "Support/TestRepository.h"
+#include "nebsc/NebscRun.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using JSON = nlohmann::ordered_json;
+
+/// A working copy with every state that is easily made.
+class StatusCommand : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* name : {"changed.c", "gone.c", "old name.c", "src/deep.c", "clean.c"}) {
+            repository.commitFile(name, std::string("the content of ") + name + "\n");
+        }
+        repository.write("changed.c", "other\n");
+        repository.write("src/deep.c", "other\n");
+        fs::remove(repository.path("gone.c"));
+        repository.git({"mv", "old name.c", "new name.c"});
+        repository.write("Grüße.txt", "new");
+        repository.git({"add", "Grüße.txt"});
+        repository.write("src/new/a", "a");
+    }
+
+    [[nodiscard]] NebscOutcome status(std::vector<std::string> arguments,
+                                      const std::string& folder = "") const {
+        arguments.insert(arguments.begin(), "status");
+        return runNebsc(arguments, {.folder = repository.path(folder)});
+    }
+
+    TestRepository repository;
+};
+
+TEST_F(StatusCommand, ShowsEachStateAndPathFromTheTop) {
+    const NebscOutcome outcome = status({});
+    EXPECT_EQ(outcome.output,
+              "added      Grüße.txt\n"
+              "modified   changed.c\n"
+              "deleted    gone.c\n"
+              "renamed    new name.c\n"
+              "modified   src/deep.c\n"
+              "untracked  src/new/\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(StatusCommand, ShowsPathsAsSeenFromTheCurrentFolder) {
+    EXPECT_EQ(status({}, "src").output,
+              "added      ../Grüße.txt\n"
+              "modified   ../changed.c\n"
+              "deleted    ../gone.c\n"
+              "renamed    ../new name.c\n"
+              "modified   deep.c\n"
+              "untracked  new/\n");
+    EXPECT_EQ(status({"."}, "src/new").output, "untracked  ./\n");
+}
+
+TEST_F(StatusCommand, APathLimitsWhatIsShown) {
+    EXPECT_EQ(status({"changed.c"}).output, "modified   changed.c\n");
+    EXPECT_EQ(status({"."}, "src").output, "modified   deep.c\nuntracked  new/\n");
+    EXPECT_EQ(status({"../changed.c"}, "src").output, "modified   ../changed.c\n");
+    EXPECT_EQ(status({repository.path("src/")}).output,
+              "modified   src/deep.c\nuntracked  src/new/\n");
+    EXPECT_EQ(status({"src/nowhere/../deep.c"}).output, "modified   src/deep.c\n");
+}
+
+TEST_F(StatusCommand, TheTopAsThePathIsTheWholeWorkingCopy) {
+    EXPECT_EQ(status({".."}, "src").output, status({}, "src").output);
+    EXPECT_TRUE(
+        runNebsc({"--json", "status", repository.path() + "/"}).json()["command"]["arguments"] ==
+        JSON({"status", "--porcelain"}));
+}
+
+TEST_F(StatusCommand, APathInAnotherWorkingCopyIsShownWhole) {
+    const TemporaryFolder elsewhere;
+    const NebscOutcome outcome =
+        runNebsc({"status", repository.path("src")}, {.folder = elsewhere.path()});
+    EXPECT_EQ(outcome.output, "modified   " + repository.path("src/deep.c") + "\nuntracked  " +
+                                  repository.path("src/new/") + "\n");
+}
+
+TEST_F(StatusCommand, ADeletedFileIsFoundFromWhatIsLeft) {
+    repository.commitFile("a/b/c.c", "c");
+    fs::remove_all(repository.path("a"));
+    EXPECT_EQ(status({"gone.c"}).output, "deleted    gone.c\n");
+    EXPECT_EQ(status({"a/b/c.c"}).output, "deleted    a/b/c.c\n");
+    EXPECT_EQ(status({"../a/b/"}, "src").output, "deleted    ../a/b/c.c\n");
+}
+
+TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
+    const NebscOutcome outcome = status({"no/such.c"});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: There is no file or folder \"no/such.c\", neither on disk nor in the working "
+              "copy \"repository\".\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+    const NebscOutcome json = status({"--json", "no/such.c"});
+    EXPECT_EQ(json.json()["result"], JSON::array());
+    EXPECT_EQ(json.errors, outcome.errors);
+    EXPECT_EQ(json.exitStatus, 1);
+}
+
+TEST_F(StatusCommand, SaysWhenThereIsNothingToReport) {
+    const NebscOutcome file = status({"clean.c"});
+    EXPECT_EQ(file.output, "Nothing to report: \"clean.c\" has no changes.\n");
+    EXPECT_EQ(file.exitStatus, 0);
+    repository.git({"add", "--all"});
+    repository.git({"commit", "--quiet", "-m", "all"});
+    const NebscOutcome whole = status({}, "src");
+    EXPECT_EQ(whole.output, "Nothing to report: the working copy \"repository\" has no changes.\n");
+    EXPECT_EQ(whole.errors, "");
+    EXPECT_EQ(whole.exitStatus, 0);
+}
+
+TEST_F(StatusCommand, AConflictIsShownAsOne) {
+    repository.git({"reset", "--quiet", "--hard"});
+    repository.git({"checkout", "--quiet", "-b", "topic"});
+    repository.commitFile("clean.c", "topic\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.commitFile("clean.c", "main\n");
+    EXPECT_EQ(repository.gitStatus({"merge", "topic"}), 1);
+    EXPECT_EQ(status({"clean.c"}).output, "conflict   clean.c\n");
+}
+
+TEST_F(StatusCommand, JSONIsTheOutcomeAndNothingElse) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"status", "--json", "deep.c"},
+          std::vector<std::string>{"--json", "status", "deep.c"}}) {
+        const NebscOutcome outcome = runNebsc(words, {.folder = repository.path("src")});
+        const JSON json = outcome.json();
+        EXPECT_EQ(json["type"], 15);
+        EXPECT_EQ(json["command"]["arguments"],
+                  JSON({"status", "--porcelain", "--", repository.path("src/deep.c")}));
+        EXPECT_EQ(json["command"]["currentDirectoryPath"], repository.path());
+        ASSERT_EQ(json["result"].size(), 1U);
+        EXPECT_EQ(json["result"][0]["NEBSourceControlOperationPathKey"],
+                  repository.path("src/deep.c"));
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+}
+
+TEST_F(StatusCommand, APathMayBeCalledLikeACommandOrAnOption) {
+    repository.write("types", "");
+    repository.write("--json", "");
+    repository.write("[a]", "");
+    EXPECT_EQ(status({"types"}).output, "untracked  types\n");
+    EXPECT_EQ(status({"--", "--json"}).output, "untracked  --json\n");
+    EXPECT_EQ(status({"[a]"}).output, "untracked  [a]\n");
+}
+
+TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
+    repository.write("red\x1b[31m.c", "");
+    repository.write("next\nline", "");
+    const NebscOutcome outcome = status({});
+    EXPECT_THAT(outcome.output, HasSubstr("untracked  red\\033[31m.c\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("untracked  next\\nline\n"));
+    const NebscOutcome missing = status({"\x1b[2J\n\xC2\x9B"});
+    EXPECT_THAT(missing.errors, HasSubstr("\"\\x1b[2J\\n\\u009b\""));
+}
+
+TEST_F(StatusCommand, WhatGitPrintsCannotDriveTheTerminalEither) {
+    const StandInGit git(repository.path(),
+                         R"(printf ' M a\033[31m\177.c\n?? b\302\233\344.c\n!! no\nX  odd.c\n')");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+    EXPECT_EQ(outcome.output,
+              "modified   a\\x1b[31m\\x7f.c\n"
+              "untracked  b\\u009b\xEF\xBF\xBD.c\n"
+              "changed    odd.c\n");
+}
+
+TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
+    repository.write("lat\xE4.c", "");
+    const NebscOutcome outcome = status({"lat\xE4.c"});
+    EXPECT_EQ(outcome.output, "untracked  lat\xEF\xBF\xBD.c\n");
+    EXPECT_EQ(status({"--json", "lat\xE4.c"}).exitStatus, 0);
+    EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("\"none\xEF\xBF\xBD\""));
+}
+
+TEST_F(StatusCommand, ALinkIsAThingOfTheWorkingCopyInWhichItLies) {
+    fs::create_symlink(repository.path("src"), repository.path("link"));
+    EXPECT_EQ(status({"link"}).output, "untracked  link\n");
+}
+
+TEST_F(StatusCommand, ALinkFromElsewhereLeadsIntoTheWorkingCopy) {
+    const TemporaryFolder elsewhere;
+    fs::create_symlink(repository.path("src"), elsewhere.path("link"));
+    EXPECT_EQ(runNebsc({"status", "link"}, {.folder = elsewhere.path()}).output,
+              "modified   " + repository.path("src/deep.c") + "\nuntracked  " +
+                  repository.path("src/new/") + "\n");
+}
+
+TEST_F(StatusCommand, WhereThereIsNoRepositoryGitSaysSo) {
+    const TemporaryFolder folder;
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"status"}, {"status", "file"}, {"status", "no/such"}}) {
+        folder.write("file", "");
+        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: fatal: not a git repository"));
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1);
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+}
+
+TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
+    repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
+    const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("../bare.git")});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "nebsc: fatal: this operation must be run in a work tree\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+    const JSON json =
+        runNebsc({"status", "--json"}, {.folder = repository.path("../bare.git")}).json();
+    EXPECT_FALSE(json["error"].is_null());
+}
+
+TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
+    const StandInGit git(repository.path(), "echo ' M a.c'; echo 'fatal: half done' >&2; exit 128");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+    EXPECT_EQ(outcome.output, "modified   a.c\n");
+    EXPECT_EQ(outcome.errors, "nebsc: fatal: half done\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(StatusCommand, SaysThatSomebodyStillHeldTheOutput) {
+    const TemporaryFolder folder;
+    const StandInGit git(repository.path(),
+                         "sleep 600 & echo $! > '" + folder.path("pid") + "'; echo ' M a.c'");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+    EXPECT_EQ(outcome.output, "modified   a.c\n");
+    EXPECT_THAT(outcome.errors, HasSubstr("still held its output open"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+    ::kill(std::stoi(folder.read("pid")), SIGKILL);
+}
+
+TEST_F(StatusCommand, AGitThatCannotBeStartedIsNamed) {
+    const TemporaryFolder empty;
+    const std::string broken = empty.writeProgram("git", "#!/no/such/interpreter\n");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {{"PATH", empty.path()}}});
+    EXPECT_THAT(outcome.errors, HasSubstr("\"" + broken + "\" could not be started"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(StatusCommand, AnEmptyPathIsRefused) {
+    const NebscOutcome outcome = status({""});
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The path is empty; the path of a file or folder was expected.\n");
+    EXPECT_EQ(outcome.exitStatus, 2);
+}
+
+TEST_F(StatusCommand, ACurrentFolderThatIsGoneIsToldPlainly) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder.path("gone"));
+    const StandInGit git(repository.path(), "");
+    NebscSurroundings surroundings{.folder = folder.path("gone")};
+    // The shell removes the folder that it is in, and becomes nebsc.
+    const std::string script = folder.writeProgram(
+        "run", "#!/bin/sh\nrmdir ../gone && exec " NEB_BUILD_FOLDER "/bin/nebsc status\n");
+    const NebscOutcome outcome = runProgram(script, {}, surroundings);
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The current folder cannot be found: No such file or directory.\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+// ---- colours ----------------------------------------------------------------------------------
+
+class StatusColours : public StatusCommand {
+protected:
+    [[nodiscard]] std::string shownOnTerminal(
+        std::vector<std::pair<std::string, std::optional<std::string>>> variables) const {
+        const StandInGit git(repository.path(),
+                             "printf 'A  a\\n M b\\n D c\\nR  x -> d\\nUU e\\n?? f\\nX  g\\n'");
+        variables.push_back(git.path());
+        return runNebsc({"status"}, {.folder = repository.path(),
+                                     .variables = std::move(variables),
+                                     .output = NebscOutput::terminal})
+            .output;
+    }
+};
+
+constexpr const char* plainOnTerminal =
+    "added      a\r\nmodified   b\r\ndeleted    c\r\nrenamed    d\r\nconflict   e\r\n"
+    "untracked  f\r\nchanged    g\r\n";
+
+TEST_F(StatusColours, ATerminalShowsStatesInColour) {
+    EXPECT_EQ(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}),
+              "\x1b[32madded\x1b[0m      a\r\n"
+              "\x1b[33mmodified\x1b[0m   b\r\n"
+              "\x1b[31mdeleted\x1b[0m    c\r\n"
+              "\x1b[36mrenamed\x1b[0m    d\r\n"
+              "\x1b[1;31mconflict\x1b[0m   e\r\n"
+              "\x1b[31muntracked\x1b[0m  f\r\n"
+              "changed    g\r\n");
+    EXPECT_NE(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", ""}}), plainOnTerminal);
+}
+
+TEST_F(StatusColours, TheUserAndTheTerminalMaySwitchThemOff) {
+    EXPECT_EQ(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", "1"}}), plainOnTerminal);
+    EXPECT_EQ(shownOnTerminal({{"TERM", "dumb"}, {"NO_COLOR", std::nullopt}}), plainOnTerminal);
+}
+
+TEST_F(StatusColours, ElsewhereThereAreNone) {
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(),
+                              .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}});
+    EXPECT_THAT(outcome.output, HasSubstr("modified   changed.c\n"));
+    EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
+}
+
+}  // namespace
+}  // namespace neb::test

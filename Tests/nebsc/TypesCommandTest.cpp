@@ -1,0 +1,116 @@
+// `nebsc types`, run as a program.
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "nebsc/NebscRun.h"
+
+namespace neb::test {
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> all;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        all.push_back(line);
+    }
+    return all;
+}
+
+struct NeedsRow {
+    int type;
+    const char* name;
+    bool authentication;
+    std::vector<std::string> needs;
+};
+
+/// All types that need something or may need to authenticate; the others need nothing.
+const std::vector<NeedsRow>& neededRows() {
+    static const std::vector<NeedsRow> rows{
+        {1, "create branch", false, {"destination"}},
+        {2, "delete branch", false, {"destination"}},
+        {5, "remove", false, {"at least one file"}},
+        {6, "add files", false, {"at least one file"}},
+        {7, "revert", false, {"at least one file"}},
+        {8, "make directory", false, {"destination"}},
+        {9, "merge", false, {"destination"}},
+        {10, "copy", false, {"at least one file", "destination"}},
+        {11, "move", false, {"at least one file", "destination"}},
+        {13, "update", true, {}},
+        {14, "checkout", false, {"destination"}},
+        {17, "list", false, {"at least one file"}},
+        {20, "export files", false, {"at least one file", "starting revision"}},
+        {21, "export", false, {"starting revision"}},
+        {22, "export tree", false, {"destination", "starting revision"}},
+        {25, "list branches", true, {}},
+        {27, "create repository", false, {"source tree or repository path option"}},
+        {28, "blame", false, {"exactly one file"}},
+        {29, "clone", true, {"destination", "source tree location"}},
+        {33, "push", true, {"remote"}},
+        {34, "add remote", false, {"destination", "exactly one file"}},
+        {35, "remove remote", false, {"destination"}},
+        {36, "track remote branch", false, {"destination", "remote name option", "branch option"}},
+        {37, "fetch", true, {"remote", "remote name option"}},
+        {38, "tracking branch name", false, {"branch option"}},
+    };
+    return rows;
+}
+
+TEST(TypesCommand, JSONHasARowForEveryType) {
+    const NebscOutcome outcome = runNebsc({"types", "--json"});
+    const JSON rows = outcome.json();
+    ASSERT_EQ(rows.size(), 40U);
+    for (int type = 0; type < 40; ++type) {
+        const JSON& row = rows[static_cast<std::size_t>(type)];
+        EXPECT_EQ(row["type"], type);
+        const auto needed =
+            std::find_if(neededRows().begin(), neededRows().end(),
+                         [type](const NeedsRow& candidate) { return candidate.type == type; });
+        const bool isNeeded = needed != neededRows().end();
+        EXPECT_EQ(row["needs"].get<std::vector<std::string>>(),
+                  isNeeded ? needed->needs : std::vector<std::string>())
+            << type;
+        EXPECT_EQ(row["authentication"], isNeeded && needed->authentication) << type;
+        if (isNeeded) {
+            EXPECT_EQ(row["name"], needed->name);
+        }
+    }
+    EXPECT_EQ(rows[15].dump(), R"({"type":15,"name":"status","operation":"GitStatusOperation",)"
+                               R"("authentication":false,"needs":[]})");
+    EXPECT_EQ(rows[12].dump(), R"({"type":12,"name":"unsupported","operation":null,)"
+                               R"("authentication":false,"needs":[]})");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST(TypesCommand, TheTableIsAligned) {
+    const NebscOutcome outcome = runNebsc({"types"});
+    const std::vector<std::string> rows = lines(outcome.output);
+    ASSERT_EQ(rows.size(), 41U);
+    const std::string& header = rows[0];
+    EXPECT_THAT(header, testing::StartsWith("type  name "));
+    const std::size_t operation = header.find("operation");
+    const std::size_t authentication = header.find("authentication");
+    const std::size_t needs = header.find("needs");
+    for (const std::string& row : rows) {
+        for (const std::size_t column : {operation, authentication}) {
+            EXPECT_EQ(row.substr(column - 2, 2), "  ") << row;
+            EXPECT_NE(row[column], ' ') << row;
+        }
+        EXPECT_NE(row.back(), ' ') << row;
+    }
+    EXPECT_EQ(rows[16].substr(0, 12), "  15  status");
+    EXPECT_EQ(rows[16].substr(operation, 20), "GitStatusOperation  ");
+    EXPECT_EQ(rows[13].substr(operation, 6), "none  ");
+    EXPECT_EQ(rows[14].substr(authentication), "may need it");
+    EXPECT_EQ(rows[16].substr(authentication), "no");
+    EXPECT_EQ(rows[37].substr(needs), "destination, remote name option, branch option");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,36 @@
+# Sourced by the other scripts: makes sure that Debian packages are there.
+
+# need_packages NAME...: installs those that are missing; says so and ends where it cannot.
+need_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    if ! command -v apt-get >/dev/null; then
+        command -v dpkg-query >/dev/null ||
+            echo "This is no Debian; what is needed here is what these packages hold: $*" >&2
+        return 0
+    fi
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Missing packages, and no right to install them: ${missing[*]}" >&2
+            exit 1
+        }
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]}" >&2
+    export DEBIAN_FRONTEND=noninteractive
+    "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null 2>&1 || {
+        "${as_root[@]}" apt-get update -qq >&2
+        "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+    }
+}
+
+build_packages=(g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libgmock-dev procps util-linux)
+clang_packages=(clang libclang-rt-14-dev)
+lint_packages=(clang-format clang-tidy)
+benchmark_packages=(libbenchmark-dev)

@@ -1,0 +1,18 @@
+// Requests as anybody may write them.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "RequestJSON.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto reading =
+        neb::nebsc::requestFromJSON(std::string_view(reinterpret_cast<const char*>(data), size));
+    // Either a request or one line that says why not.
+    if ((reading.request == nullptr) == reading.refusal.empty() ||
+        reading.refusal.find('\n') != std::string::npos) {
+        std::abort();
+    }
+    return 0;
+}

@@ -2,44 +2,19 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
-#include "GitController.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlManager.h"
-#include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
-#include "Support/TestRepository.h"
+#include "Support/StatusRecords.h"
 
 namespace neb {
 namespace {
 
-using test::HasErrorClass;
-using test::IsSourceControlError;
 using test::requestFor;
-using test::TestRepository;
+using test::textOf;
+using test::textsOf;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-
-/// A record as "value path", for reading.
-std::string textOf(const std::optional<NEBDictionary>& record) {
-    if (!record) {
-        return "(nothing)";
-    }
-    EXPECT_EQ(record->size(), 2U);
-    return std::to_string(record->value(NEBSourceControlOperationWCStatusKey).integer().value()) +
-           " " + *record->value(NEBSourceControlOperationPathKey).string();
-}
-
-std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& result) {
-    std::vector<std::string> texts;
-    for (const NEBDictionary& record : result.value()) {
-        texts.push_back(textOf(record));
-    }
-    return texts;
-}
 
 // ---- the letters ------------------------------------------------------------------------------
 
@@ -211,209 +186,6 @@ TEST(StatusOperation, WithoutALocationPathsAreGits) {
 TEST(StatusOperation, BytesThatAreNoTextAreReplaced) {
     EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), "?? J\xFC\n?? b\n")),
                 ElementsAre("256 /w/J\xEF\xBF\xBD", "256 /w/b"));
-}
-
-// ---- real repositories ------------------------------------------------------------------------
-
-class StatusOfRepository : public test::HygienicTest {
-protected:
-    /// Goes a host's way.
-    static std::shared_ptr<NEBSourceControlOperation> statusOf(const std::string& location,
-                                                               NEBValue destination = {}) {
-        auto request = requestFor(15, location);
-        request->destination = std::move(destination);
-        auto operation = GitController().operationForRequest(request);
-        operation->start();
-        return operation;
-    }
-};
-
-TEST_F(StatusOfRepository, TellsEveryStateOfAFile) {
-    const TestRepository repository;
-    for (const char* name : {"modified", "deleted", "staged", "removed", "renamed", "type"}) {
-        repository.write(name, std::string(name) + "\n1\n2\n3\n");
-    }
-    repository.git({"add", "."});
-    repository.git({"commit", "-qm", "first"});
-    repository.write("modified", "new");
-    std::filesystem::remove(repository.path("deleted"));
-    repository.write("staged", "new");
-    repository.git({"add", "staged"});
-    repository.git({"rm", "-q", "--cached", "removed"});
-    repository.git({"mv", "renamed", "moved"});
-    std::filesystem::remove(repository.path("type"));
-    std::filesystem::create_symlink("modified", repository.path("type"));
-    repository.write("added", "x");
-    repository.git({"add", "added"});
-    repository.write("untracked/folder/file", "x");
-    repository.write("with blank", "x");
-
-    const auto operation = statusOf(repository.path());
-    EXPECT_EQ(operation->error(), std::nullopt);
-    EXPECT_THAT(
-        textsOf(operation->result()),
-        UnorderedElementsAre(
-            "4 " + repository.path("modified"), "2 " + repository.path("deleted"),
-            "4 " + repository.path("staged"), "2 " + repository.path("removed"),
-            "256 " + repository.path("removed"), "4096 " + repository.path("moved"),
-            "4 " + repository.path("type"), "1 " + repository.path("added"),
-            "256 " + repository.path("untracked/"), "256 " + repository.path("with blank")));
-}
-
-TEST_F(StatusOfRepository, TellsAConflict) {
-    const TestRepository repository;
-    repository.commitFile("a", "base\n");
-    repository.git({"checkout", "-qb", "topic"});
-    repository.commitFile("a", "topic\n");
-    repository.git({"checkout", "-q", "main"});
-    repository.commitFile("a", "main\n");
-    EXPECT_EQ(repository.gitStatus({"merge", "-q", "topic"}), 1);
-    EXPECT_THAT(textsOf(statusOf(repository.path())->result()),
-                ElementsAre("16 " + repository.path("a")));
-}
-
-TEST_F(StatusOfRepository, IsEmptyWhereNothingChangedAndForAPathThatIsNotThere) {
-    const TestRepository repository;
-    repository.commitFile("a", "x");
-    EXPECT_THAT(textsOf(statusOf(repository.path())->result()), IsEmpty());
-    EXPECT_EQ(statusOf(repository.path())->error(), std::nullopt);
-    repository.write("b", "x");
-    const auto operation = statusOf(repository.path(), repository.path("nosuch"));
-    EXPECT_THAT(textsOf(operation->result()), IsEmpty());
-    EXPECT_EQ(operation->error(), std::nullopt);
-}
-
-TEST_F(StatusOfRepository, KeepsToThePathThatIsAskedFor) {
-    const TestRepository repository;
-    repository.write("src/a.c", "x");
-    repository.write("b", "x");
-    EXPECT_THAT(textsOf(statusOf(repository.path(), repository.path("src"))->result()),
-                ElementsAre("256 " + repository.path("src/")));
-    EXPECT_THAT(textsOf(statusOf("file://" + repository.path(), "b")->result()),
-                ElementsAre("256 file://" + repository.path("b")));
-}
-
-TEST_F(StatusOfRepository, TakesAPathForANameAndNotForAPattern) {
-    const TestRepository repository;
-    repository.write("a[1].c", "x");
-    repository.write("a1.c", "x");
-    repository.write(":magic", "x");
-    EXPECT_THAT(textsOf(statusOf(repository.path(), repository.path("a[1].c"))->result()),
-                ElementsAre("256 " + repository.path("a[1].c")));
-    EXPECT_THAT(textsOf(statusOf(repository.path(), ":magic")->result()),
-                ElementsAre("256 " + repository.path(":magic")));
-}
-
-TEST_F(StatusOfRepository, TellsNamesAsTheyAre) {
-    const TestRepository repository;
-    const std::string umlaut = "\xC3\xA4\xE6\x97\xA5.txt";
-    repository.write(umlaut, "x");
-    EXPECT_THAT(textsOf(statusOf(repository.path())->result()),
-                ElementsAre("256 " + repository.path(umlaut)));
-}
-
-TEST_F(StatusOfRepository, DoesNotDependOnTheConfiguration) {
-    const TestRepository repository;
-    repository.commitFile("old name", "1\n2\n3\n4\n5\n");
-    repository.git({"mv", "old name", "new name"});
-    repository.write("sub/untracked", "x");
-    const auto expected = textsOf(statusOf(repository.path())->result());
-    ASSERT_THAT(expected, ElementsAre("4096 " + repository.path("new name"),
-                                      "256 " + repository.path("sub/")));
-    const std::pair<const char*, const char*> settings[] = {
-        {"status.showUntrackedFiles", "no"}, {"status.showUntrackedFiles", "all"},
-        {"status.renames", "false"},         {"status.short", "true"},
-        {"status.branch", "true"},           {"color.ui", "always"},
-        {"color.status", "always"},          {"column.ui", "always"},
-        {"core.quotePath", "true"},          {"status.relativePaths", "false"},
-        {"diff.renames", "false"},           {"diff.noprefix", "true"},
-        {"status.showStash", "true"},        {"status.submoduleSummary", "true"},
-    };
-    for (const auto& [key, value] : settings) {
-        repository.git({"config", key, value});
-        EXPECT_EQ(textsOf(statusOf(repository.path())->result()), expected) << key << "=" << value;
-        repository.git({"config", "--unset", key});
-    }
-}
-
-TEST_F(StatusOfRepository, DoesNotFollowTheHostsTies) {
-    const TestRepository repository;
-    const TestRepository other;
-    repository.write("mine", "x");
-    ::setenv("GIT_DIR", other.path(".git").c_str(), 1);
-    ::setenv("GIT_TRACE", "1", 1);
-    const auto operation = statusOf(repository.path());
-    ::unsetenv("GIT_DIR");
-    ::unsetenv("GIT_TRACE");
-    EXPECT_THAT(textsOf(operation->result()), ElementsAre("256 " + repository.path("mine")));
-    EXPECT_EQ(operation->error(), std::nullopt);
-}
-
-TEST_F(StatusOfRepository, AFolderThatIsNoRepositoryIsAnErrorWithGitsCause) {
-    const test::TemporaryFolder folder;
-    const auto operation = statusOf(folder.path());
-    EXPECT_THAT(operation->error(),
-                IsSourceControlError(
-                    -1, "fatal: not a git repository (or any of the parent directories): .git"));
-    EXPECT_THAT(operation->error(), HasErrorClass("not-a-repository"));
-    EXPECT_THAT(textsOf(operation->result()), IsEmpty());
-}
-
-TEST_F(StatusOfRepository, ABareRepositoryAndAMissingFolderAreErrors) {
-    const test::TemporaryFolder folder;
-    const TestRepository repository;
-    repository.git({"init", "-q", "--bare", folder.path("bare.git")});
-    EXPECT_THAT(statusOf(folder.path("bare.git"))->error(), HasErrorClass("no-work-tree"));
-    const auto missing = statusOf(folder.path("missing"));
-    EXPECT_THAT(missing->error(), HasErrorClass("not-started"));
-    EXPECT_THAT(missing->error(), IsSourceControlError(-1, HasSubstr(folder.path("missing"))));
-    EXPECT_EQ(missing->result(), std::nullopt);
-}
-
-TEST_F(StatusOfRepository, APathOutsideIsAnError) {
-    const TestRepository repository;
-    EXPECT_THAT(statusOf(repository.path(), "/etc/passwd")->error(),
-                IsSourceControlError(-1, HasSubstr("is outside repository")));
-}
-
-TEST_F(StatusOfRepository, AFolderThatMayNotBeReadIsAnErrorBesideTheRecords) {
-    const TestRepository repository;
-    repository.write("a", "x");
-    repository.write("secret/b", "x");
-    repository.git({"config", "--global", "--add", "safe.directory", repository.path()});
-    const auto noRights = std::filesystem::perms::none;
-    std::filesystem::permissions(repository.path("secret"), noRights);
-    std::shared_ptr<NEBSourceControlOperation> operation;
-    {
-        const test::AsOrdinaryUser user;
-        operation = statusOf(repository.path());
-    }
-    std::filesystem::permissions(repository.path("secret"), std::filesystem::perms::owner_all);
-    repository.git({"config", "--global", "--unset-all", "safe.directory"});
-    // The table calls every refused permission a refused password; the class tells what it is.
-    EXPECT_THAT(operation->error(),
-                IsSourceControlError(
-                    -21, "Authentication failed because the name or password was incorrect."));
-    EXPECT_THAT(operation->error(), HasErrorClass("permission-denied"));
-    EXPECT_THAT(operation->error()->text.value(), HasSubstr("secret"));
-    EXPECT_THAT(textsOf(operation->result()), testing::Contains("256 " + repository.path("a")));
-}
-
-TEST_F(StatusOfRepository, ARepositoryOfSomebodyElseIsAnError) {
-    if (::geteuid() != 0) {
-        GTEST_SKIP() << "only root can make somebody else's repository";
-    }
-    const TestRepository repository;
-    const test::AsOrdinaryUser user;
-    EXPECT_THAT(statusOf(repository.path())->error(), HasErrorClass("owner-not-trusted"));
-}
-
-TEST_F(StatusOfRepository, ADamagedConfigurationIsAnErrorThatNamesTheLine) {
-    const TestRepository repository;
-    repository.write(".git/config", "[core\n");
-    const auto operation = statusOf(repository.path());
-    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("bad config line 1")));
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
 }
 
 }  // namespace

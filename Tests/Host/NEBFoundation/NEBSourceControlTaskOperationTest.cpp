@@ -5,13 +5,13 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <thread>
 
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/OperationQueue.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
+#include "Support/ScriptOperation.h"
 #include "Support/TemporaryFolder.h"
 
 namespace neb {
@@ -20,46 +20,13 @@ namespace {
 using test::HasErrorClass;
 using test::IsSourceControlError;
 using test::requestFor;
+using test::script;
+using test::ScriptOperation;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Runs a shell script; what a subclass would override is given as functions.
-class ScriptOperation : public NEBSourceControlTaskOperation {
-public:
-    ScriptOperation(std::string script, std::shared_ptr<NEBSourceControlRequest> request)
-        : NEBSourceControlTaskOperation(std::move(request)) {
-        setArguments({"-c", std::move(script)});
-    }
-    std::string launchPath() override { return program; }
-    void parseData() override {
-        ++parses;
-        if (parse) {
-            parse();
-        }
-    }
-    std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override { return second; }
-    std::optional<NEBSourceControlError> errorFromErrorMessage(
-        const std::optional<std::string>& message) override {
-        messages.push_back(message.value_or("(absent)"));
-        return translate ? translate(*message)
-                         : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
-    }
-
-    std::string program = "/bin/sh";
-    std::function<void()> parse;
-    std::function<std::optional<NEBSourceControlError>(const std::string&)> translate;
-    std::shared_ptr<ScriptOperation> second;
-    std::vector<std::string> messages;
-    int parses = 0;
-};
-
-std::shared_ptr<ScriptOperation> script(std::string text) {
-    return std::make_shared<ScriptOperation>(std::move(text), requestFor(18, std::nullopt));
-}
-
 class TaskOperation : public test::HygienicTest {};
-class PipedOperation : public test::HygienicTest {};
 
 // ---- the order of things ----------------------------------------------------------------------
 
@@ -375,145 +342,6 @@ TEST_F(TaskOperation, BackgroundWorkAloneTakesNoOptionalLocks) {
     const auto request = requestFor(15, std::nullopt);
     EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS"), "");
     EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS", true), "GIT_OPTIONAL_LOCKS=0");
-}
-
-// ---- pipelines --------------------------------------------------------------------------------
-
-std::shared_ptr<ScriptOperation> piped(std::string first, std::string second) {
-    auto operation = script(std::move(first));
-    operation->second = script(std::move(second));
-    return operation;
-}
-
-TEST_F(PipedOperation, TheSecondHalfsResultIsTheOutcomeAndNoTextReplacesIt) {
-    auto operation =
-        piped("echo data; echo fatal: first >&2; exit 1", "cat; echo second >&2; exit 2");
-    operation->second->parse = [&] {
-        operation->second->setResult(
-            NEBSourceControlResult{NEBDictionary{{"content", *operation->second->data()}}});
-    };
-    operation->start();
-    EXPECT_EQ(operation->error(), std::nullopt);
-    ASSERT_TRUE(operation->result().has_value());
-    EXPECT_EQ(*operation->result()->at(0).value("content").string(), "data\n");
-    EXPECT_EQ(operation->parses, 0);
-    EXPECT_EQ(operation->second->parses, 1);
-}
-
-TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
-    auto operation = piped("echo 'fatal: not a valid object name: nosuch' >&2; exit 128",
-                           "echo 'This does not look like a tar archive' >&2; exit 2");
-    operation->second->parse = [&] {
-        operation->second->setError(
-            NEBSourceControlError::withDescription(-1, "The revision was not found."));
-    };
-    operation->start();
-    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The revision was not found."));
-    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
-    EXPECT_THAT(operation->messages, ElementsAre());
-    EXPECT_THAT(operation->second->messages, ElementsAre());
-}
-
-TEST_F(PipedOperation, WhereItLeavesNeitherTheTextsAreTranslatedTheFirstHalfsFirst) {
-    auto both = piped("echo fatal: first >&2; exit 1", "echo second >&2; exit 2");
-    both->start();
-    EXPECT_THAT(both->error(), IsSourceControlError(-1, "fatal: first"));
-    EXPECT_EQ(both->second->parses, 1);
-
-    auto second = piped("echo data", "echo fatal: second >&2; exit 2");
-    second->start();
-    EXPECT_THAT(second->error(), IsSourceControlError(-1, "fatal: second"));
-}
-
-TEST_F(PipedOperation, AFirstHalfThatWasCutOffIsNotTheCause) {
-    auto operation = piped("exec yes", "echo fatal: second >&2; exit 2");
-    operation->start();
-    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "fatal: second"));
-
-    auto silent = piped("exec yes", "exit 2");
-    silent->start();
-    EXPECT_THAT(silent->error(), HasErrorClass("killed")) << "a failure all the same";
-}
-
-TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
-    auto first = piped("", "cat");
-    first->program = "/no/such/first";
-    first->start();
-    EXPECT_THAT(first->error(), IsSourceControlError(-1, HasSubstr("\"/no/such/first\"")));
-
-    auto second = piped("exec sleep 1000", "");
-    second->second->program = "/no/such/second";
-    second->start();
-    EXPECT_THAT(second->error(), IsSourceControlError(-1, HasSubstr("\"/no/such/second\"")));
-    EXPECT_THAT(second->error(), HasErrorClass("not-started"));
-}
-
-TEST_F(PipedOperation, TellsThatALeftOverProcessHeldTheOutputOfEitherHalf) {
-    auto operation = piped("echo data", "cat; sleep 1000 & echo $!");
-    operation->start();
-    EXPECT_TRUE(operation->outputWasHeldOpen());
-    const std::string output = *operation->second->data();
-    const auto left = static_cast<pid_t>(std::stol(output.substr(output.find('\n') + 1)));
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
-}
-
-TEST_F(PipedOperation, BothChildrenAreToldInTheirOrder) {
-    auto operation = piped("echo a", "cat; exit 4");
-    auto log = std::make_shared<NEBSourceControlCommandLog>();
-    operation->setCommandLog(log);
-    EXPECT_THAT(operation->command()->pipeTo->arguments, ElementsAre("-c", "cat; exit 4"));
-    operation->start();
-    ASSERT_EQ(log->runs().size(), 2U);
-    EXPECT_THAT(log->runs()[0].arguments, ElementsAre("-c", "echo a"));
-    EXPECT_EQ(log->runs()[0].terminationStatus, 0);
-    EXPECT_THAT(log->runs()[1].arguments, ElementsAre("-c", "cat; exit 4"));
-    EXPECT_EQ(log->runs()[1].terminationStatus, 4);
-}
-
-// ---- the base of all operations ---------------------------------------------------------------
-
-TEST(SourceControlOperation, TheBaseDoesNothing) {
-    NEBSourceControlOperation operation(requestFor(4, std::nullopt));
-    operation.start();
-    EXPECT_TRUE(operation.isFinished());
-    EXPECT_EQ(operation.result(), std::nullopt);
-    EXPECT_EQ(operation.error(), std::nullopt);
-    EXPECT_FALSE(operation.command().has_value());
-    EXPECT_EQ(operation.descriptionForAssertionMessage(), "<NEBSourceControlOperation>");
-}
-
-TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
-    class Marking : public NEBSourceControlOperation {
-    public:
-        using NEBSourceControlOperation::NEBSourceControlOperation;
-        void main() override { ran = true; }
-        bool ran = false;
-    };
-    Marking operation(requestFor(4, std::nullopt));
-    operation.cancel();
-    operation.start();
-    EXPECT_FALSE(operation.ran);
-    EXPECT_TRUE(operation.isFinished());
-    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
-}
-
-TEST(SourceControlOperation, WithoutARequestThereIsNone) {
-    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
-    const auto request = requestFor(4, std::nullopt);
-    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(request)->request(), request);
-}
-
-TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
-    class Throwing : public NEBSourceControlOperation {
-    public:
-        using NEBSourceControlOperation::NEBSourceControlOperation;
-        void main() override { throw std::bad_alloc(); }
-    };
-    Throwing operation(requestFor(4, std::nullopt));
-    operation.start();
-    EXPECT_TRUE(operation.isFinished());
-    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("bad_alloc")));
 }
 
 }  // namespace

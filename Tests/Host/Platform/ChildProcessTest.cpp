@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
 #include "Support/TemporaryFolder.h"
 
@@ -19,43 +20,17 @@ namespace neb {
 namespace {
 
 using std::string_literals::operator""s;
+using test::program;
+using test::runOne;
+using test::shell;
 using test::TemporaryFolder;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::vector<std::string> environment{"PATH=/usr/bin:/bin"};
-
-ChildLaunch shell(std::string script) {
-    return {.launchPath = "/bin/sh",
-            .arguments = {"-c", std::move(script)},
-            .currentDirectoryPath = std::nullopt,
-            .environment = environment};
-}
-
-ChildLaunch program(std::string path, std::vector<std::string> arguments = {}) {
-    return {.launchPath = std::move(path),
-            .arguments = std::move(arguments),
-            .currentDirectoryPath = std::nullopt,
-            .environment = environment};
-}
-
-ChildOutcome runOne(const ChildLaunch& launch) {
-    ChildProcess process;
-    return process.run({launch}).at(0);
-}
-
-/// The numbers on the lines of a text.
-pid_t numberIn(const std::string& text) {
-    return static_cast<pid_t>(std::stol(text));
-}
-
 class ChildProcessTest : public test::HygienicTest {};
 class ChildFailure : public test::HygienicTest {};
 class ChildSurroundings : public test::HygienicTest {};
-class ChildCancellation : public test::HygienicTest {};
-class ChildPipelines : public test::HygienicTest {};
-class LeftOverProcess : public test::HygienicTest {};
 
 // ---- the ordinary run -------------------------------------------------------------------------
 
@@ -325,190 +300,6 @@ TEST_F(ChildFailure, AHostThatReapsForUsIsNotTakenForSuccess) {
     EXPECT_FALSE(outcome.status.isSuccess());
     EXPECT_EQ(outcome.status.description(),
               "how it ended could not be learned: No child processes");
-}
-
-// ---- a process that outlives the child --------------------------------------------------------
-
-TEST_F(LeftOverProcess, DoesNotHoldTheRun) {
-    const ChildOutcome outcome = runOne(shell("sleep 1000 & echo $!"));
-    const pid_t left = numberIn(outcome.output);
-    EXPECT_TRUE(test::isLiveProcess(left)) << "it is not ours to end";
-    EXPECT_TRUE(outcome.outputWasHeldOpen);
-    EXPECT_TRUE(outcome.status.isSuccess());
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
-}
-
-TEST_F(LeftOverProcess, WhatTheChildWroteIsWhole) {
-    const ChildOutcome outcome =
-        runOne(shell("sleep 1000 & echo $! >&2; head -c 900000 /dev/zero"));
-    EXPECT_EQ(outcome.output.size(), 900000U);
-    const pid_t left = numberIn(outcome.errorOutput);
-    EXPECT_TRUE(outcome.outputWasHeldOpen);
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
-}
-
-TEST_F(LeftOverProcess, MayGoOnWritingForEver) {
-    const ChildOutcome outcome = runOne(shell("yes & echo $! >&2; exit 5"));
-    EXPECT_EQ(outcome.status.exitStatus(), 5);
-    EXPECT_TRUE(outcome.outputWasHeldOpen);
-    test::waitUntilGone(numberIn(outcome.errorOutput));  // by SIGPIPE: nobody reads any more
-}
-
-TEST_F(LeftOverProcess, WithoutOurStreamsIsNoneOfOurBusiness) {
-    const ChildOutcome outcome = runOne(shell("sleep 1000 >/dev/null 2>&1 & echo $!"));
-    EXPECT_FALSE(outcome.outputWasHeldOpen);
-    ::kill(numberIn(outcome.output), SIGKILL);
-    test::waitUntilGone(numberIn(outcome.output));
-}
-
-// ---- cancelling -------------------------------------------------------------------------------
-
-/// Runs the launches and cancels as soon as the file `ready` is there.
-std::vector<ChildOutcome> runAndCancel(const std::vector<ChildLaunch>& launches,
-                                       const std::string& ready) {
-    ChildProcess process;
-    std::thread canceller([&] {
-        while (!std::filesystem::exists(ready)) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        process.cancel();
-        process.cancel();
-    });
-    std::vector<ChildOutcome> outcomes = process.run(launches);
-    canceller.join();
-    EXPECT_TRUE(process.isCancelled());
-    return outcomes;
-}
-
-TEST_F(ChildCancellation, EndsAChildThatRuns) {
-    const TemporaryFolder folder;
-    const auto outcomes = runAndCancel(
-        {shell("touch " + folder.path("ready") + "; exec sleep 1000")}, folder.path("ready"));
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
-}
-
-TEST_F(ChildCancellation, GivesTheChildItsChanceToCleanUp) {
-    const TemporaryFolder folder;
-    const std::string lock = folder.path("lock");
-    const auto outcomes =
-        runAndCancel({shell("trap 'rm " + lock + "; exit 9' TERM; touch " + lock + " " +
-                            folder.path("ready") + "; while :; do sleep 0.01; done")},
-                     folder.path("ready"));
-    EXPECT_EQ(outcomes[0].status.exitStatus(), 9);
-    EXPECT_FALSE(std::filesystem::exists(lock));
-}
-
-TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {
-    const TemporaryFolder folder;
-    const auto outcomes = runAndCancel(
-        {shell("trap '' TERM; touch " + folder.path("ready") + "; while :; do sleep 1; done")},
-        folder.path("ready"));
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGKILL);
-}
-
-TEST_F(ChildCancellation, EndsAChildThatIsStopped) {
-    const TemporaryFolder folder;
-    const auto outcomes = runAndCancel(
-        {shell("(while [ \"$(cut -d' ' -f3 /proc/$$/stat)\" != T ]; do :; done; touch " +
-               folder.path("ready") + ") & kill -STOP $$")},
-        folder.path("ready"));
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
-}
-
-TEST_F(ChildCancellation, EndsTheWholeSessionWhateverItsProcessGroups) {
-    const TemporaryFolder folder;
-    // With job control on, bash gives its background work a process group of its own.
-    const std::string script =
-        "set -m; sleep 1000 >/dev/null 2>&1 & echo $!; set +m; (trap '' TERM; exec sleep 1000 "
-        ">/dev/null 2>&1) & echo $! >&2; touch " +
-        folder.path("ready") + "; wait";
-    const auto outcomes =
-        runAndCancel({program("/bin/bash", {"-c", script})}, folder.path("ready"));
-    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].output)));
-    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
-}
-
-TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
-    const TemporaryFolder folder;
-    ChildProcess process;
-    process.cancel();
-    bool started = false;
-    const auto outcomes = process.run({shell("touch " + folder.path("ran"))},
-                                      [&started](std::size_t) { started = true; });
-    EXPECT_EQ(outcomes[0].status.description(),
-              "the program \"/bin/sh\" was not started, as it was cancelled before");
-    EXPECT_FALSE(started);
-    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
-}
-
-TEST_F(ChildCancellation, AfterTheEndChangesNothing) {
-    ChildProcess process;
-    const auto outcomes = process.run({shell("echo x")});
-    process.cancel();
-    EXPECT_EQ(outcomes[0].output, "x\n");
-}
-
-TEST_F(ChildCancellation, EndsBothHalvesOfAPipeline) {
-    const TemporaryFolder folder;
-    const auto outcomes = runAndCancel(
-        {shell("touch " + folder.path("ready") + "; exec sleep 1000"), shell("exec sleep 1000")},
-        folder.path("ready"));
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
-    EXPECT_EQ(outcomes[1].status.signalNumber(), SIGTERM);
-}
-
-// ---- pipelines --------------------------------------------------------------------------------
-
-TEST_F(ChildPipelines, JoinOutputToInput) {
-    ChildProcess process;
-    std::vector<std::size_t> started;
-    const auto outcomes = process.run(
-        {shell("echo one >&2; head -c 5000000 /dev/zero"), shell("wc -c; echo two >&2")},
-        [&started](std::size_t index) { started.push_back(index); });
-    ASSERT_EQ(outcomes.size(), 2U);
-    EXPECT_EQ(outcomes[0].output, "");
-    EXPECT_EQ(outcomes[0].errorOutput, "one\n");
-    EXPECT_EQ(outcomes[1].output, "5000000\n");
-    EXPECT_EQ(outcomes[1].errorOutput, "two\n");
-    EXPECT_THAT(started, ElementsAre(0U, 1U));
-}
-
-TEST_F(ChildPipelines, TheFirstHalfIsCutOffWhenNobodyReadsOn) {
-    ChildProcess process;
-    const auto outcomes = process.run({program("/usr/bin/yes"), shell("head -c 2; exit 3")});
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGPIPE);
-    EXPECT_EQ(outcomes[1].output, "y\n");
-    EXPECT_EQ(outcomes[1].status.exitStatus(), 3);
-}
-
-TEST_F(ChildPipelines, ASecondHalfThatCannotStartEndsTheFirst) {
-    ChildProcess process;
-    const auto outcomes = process.run({shell("exec sleep 1000"), program("/no/such/program")});
-    EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
-    EXPECT_THAT(outcomes[1].status.description(), HasSubstr("\"/no/such/program\""));
-}
-
-TEST_F(ChildPipelines, AFirstHalfThatCannotStartKeepsTheSecondFromStarting) {
-    ChildProcess process;
-    const TemporaryFolder folder;
-    const auto outcomes =
-        process.run({program("/no/such/program"), shell("touch " + folder.path("ran"))});
-    EXPECT_THAT(outcomes[0].status.description(), HasSubstr("\"/no/such/program\""));
-    EXPECT_THAT(outcomes[1].status.description(),
-                AllOf(HasSubstr("\"/bin/sh\""), HasSubstr("was not started")));
-    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
-}
-
-TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
-    ChildProcess process;
-    const auto outcomes =
-        process.run({shell("echo data; sleep 1000 2>/dev/null & echo $! >&2"), shell("cat")});
-    EXPECT_EQ(outcomes[1].output, "data\n");
-    EXPECT_TRUE(outcomes[1].status.isSuccess());
-    EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
-    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
 }
 
 }  // namespace

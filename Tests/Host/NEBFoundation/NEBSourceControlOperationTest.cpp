@@ -1,0 +1,61 @@
+#include "NEBFoundation/NEBSourceControlOperation.h"
+
+#include <gmock/gmock.h>
+
+#include <new>
+
+#include "Support/Matchers.h"
+
+namespace neb {
+namespace {
+
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::requestFor;
+using testing::HasSubstr;
+
+TEST(SourceControlOperation, TheBaseDoesNothing) {
+    NEBSourceControlOperation operation(requestFor(4, std::nullopt));
+    operation.start();
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_EQ(operation.result(), std::nullopt);
+    EXPECT_EQ(operation.error(), std::nullopt);
+    EXPECT_FALSE(operation.command().has_value());
+    EXPECT_EQ(operation.descriptionForAssertionMessage(), "<NEBSourceControlOperation>");
+}
+
+TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
+    class Marking : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override { ran = true; }
+        bool ran = false;
+    };
+    Marking operation(requestFor(4, std::nullopt));
+    operation.cancel();
+    operation.start();
+    EXPECT_FALSE(operation.ran);
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+}
+
+TEST(SourceControlOperation, WithoutARequestThereIsNone) {
+    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
+    const auto request = requestFor(4, std::nullopt);
+    EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(request)->request(), request);
+}
+
+TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
+    class Throwing : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override { throw std::bad_alloc(); }
+    };
+    Throwing operation(requestFor(4, std::nullopt));
+    operation.start();
+    EXPECT_TRUE(operation.isFinished());
+    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("bad_alloc")));
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,40 @@
+// ChildLaunches.h - what tests of the process runner run.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Platform/ChildProcess.h"
+
+namespace neb::test {
+
+inline const std::vector<std::string> environment{"PATH=/usr/bin:/bin"};
+
+inline ChildLaunch shell(std::string script) {
+    return {.launchPath = "/bin/sh",
+            .arguments = {"-c", std::move(script)},
+            .currentDirectoryPath = std::nullopt,
+            .environment = environment};
+}
+
+inline ChildLaunch program(std::string path, std::vector<std::string> arguments = {}) {
+    return {.launchPath = std::move(path),
+            .arguments = std::move(arguments),
+            .currentDirectoryPath = std::nullopt,
+            .environment = environment};
+}
+
+inline ChildOutcome runOne(const ChildLaunch& launch) {
+    ChildProcess process;
+    return process.run({launch}).at(0);
+}
+
+/// The process number that a script wrote.
+inline pid_t numberIn(const std::string& text) {
+    return static_cast<pid_t>(std::stol(text));
+}
+
+}  // namespace neb::test

@@ -23,6 +23,10 @@ constexpr SetVariable setVariables[] = {
     {"GIT_SEQUENCE_EDITOR", ":", "a rebase goes on with the list that git made"},
     {"GIT_PAGER", "cat", "output goes to us"},
     {"GIT_FLUSH", "0", "git writes whole buffers into the pipe, not record by record"},
+    // A user's trace2 settings may name standard error, whose text we translate.
+    {"GIT_TRACE2", "0", "stands above the setting trace2.normalTarget"},
+    {"GIT_TRACE2_PERF", "0", "stands above the setting trace2.perfTarget"},
+    {"GIT_TRACE2_EVENT", "0", "stands above the setting trace2.eventTarget"},
 };
 
 struct RemovedVariable {
@@ -57,6 +61,8 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_DIFF_OPTS", "changes the number of context lines"},
     {"GIT_EXTERNAL_DIFF", "puts another program's output in place of a difference"},
     {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
+    {"GIT_OPTIONAL_LOCKS", "whether the work may do without a lock is said for each child"},
+    {"GIT_CURL_VERBOSE", "writes into the text that becomes an error"},
     {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
 };
 

@@ -24,7 +24,8 @@ public:
     std::int64_t code = NEBSourceControlGenericError;
     NEBDictionary userInfo;
     /// The class of failure, a short fixed word such as "remote-ahead"; "unknown" where none is
-    /// certain. Absent until the operation that made the error has finished.
+    /// certain. Every error of an operation that has finished has one; the refusal of a request has
+    /// none.
     std::optional<std::string> errorClass;
     /// The tool's own words, as they were; absent where no tool said anything.
     std::optional<std::string> text;

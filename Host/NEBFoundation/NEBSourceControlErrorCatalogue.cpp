@@ -19,7 +19,7 @@ struct Row {
     std::string_view errorClass;
     std::int64_t code;
     /// Any of them shows the class.
-    std::array<Sign, 6> signs;
+    std::array<Sign, 7> signs;
 };
 
 constexpr std::int64_t generic = NEBSourceControlGenericError;
@@ -82,13 +82,15 @@ constexpr Row rows[] = {
        {"error: repository not found"}}}},
     {"http-refused",
      generic,
-     {{{"the requested url returned error:"}, {"rate limited by"}}}},  // 2.54
+     {{{"the requested url returned error: 4"}, {"rate limited by"}}}},  // the latter since 2.54
+    {"server-failed", notReachable, {{{"the requested url returned error: 5"}}}},
     {"host-unreachable",
      notReachable,
      {{{"failed to connect to"},
        {"connect to server"},
        {"connection refused"},
-       {"timed out"},
+       {"connection timed out"},
+       {"operation timed out"},
        {"network is unreachable"},
        {"no route to host"}}}},
     // a push that was refused; the reason stands in brackets behind the branch
@@ -98,9 +100,10 @@ constexpr Row rows[] = {
     {"remote-ahead",
      remoteAhead,
      {{{"[rejected]", "(fetch first)"},
-       {"[rejected]", "(non-fast-forward)"},
-       {"merge the remote changes (e.g. 'git pull')"},  // until 1.8.3
-       {"transaction is out of date"}}}},               // Subversion
+       {"(non-fast-forward)", "failed to push some refs"},  // a fetch says the first part too
+       {"merge the remote changes (e.g. '"},                // until 1.8.3
+       {"transaction is out of date"}}}},                   // Subversion
+    {"diverged", generic, {{{"[rejected]", "(non-fast-forward)"}}}},
     {"remote-hook-refused",
      generic,
      {{{"[remote rejected]", "hook declined)"}, {"a repository hook failed"}}}},  // Subversion
@@ -149,10 +152,15 @@ constexpr Row rows[] = {
      {{{"exists on disk, but not in"}, {"path '", "' does not exist in"}, {"no such path '"}}}},
     {"remote-branch-unknown",
      generic,
-     {{{"couldn't find remote ref"}, {"remote branch ", "not found in upstream"}}}},
+     {{{"couldn't find remote ref"},
+       {"remote branch ", "not found in upstream"},
+       {"the requested upstream branch '", "does not exist"}}}},
     {"path-unknown",
      notVersioned,
-     {{{"did not match any file"}, {"not under version control, source="}}}},
+     {{{"did not match any file"},
+       {"not under version control, source="},
+       {"bad source, source="}}}},
+    {"path-outside", generic, {{{"' is outside repository"}}}},
     {"revision-unknown",
      missingAtRevision,
      {{{"unknown revision or path not in the working tree"},
@@ -160,7 +168,11 @@ constexpr Row rows[] = {
        {"not a valid object name"},
        {"not a valid commit name"},
        {"not something we can merge"},
-       {"invalid reference: "}}}},
+       {"invalid reference: "},
+       {"reference is not a tree: "}}}},
+    {"revision-unknown",
+     missingAtRevision,
+     {{{"fatal: bad object "}, {"not a tree object"}, {"is not a valid branch point"}}}},
     {"branch-not-merged", branchRemoval, {{{"is not fully merged"}}}},
     {"branch-exists", generic, {{{"a branch named '", "' already exists"}}}},
     {"branch-in-use",
@@ -170,10 +182,12 @@ constexpr Row rows[] = {
     {"branch-in-use",
      generic,
      {{{"used by worktree at"},  // 2.43
-       {"is already checked out at"}}}},
+       {"is already checked out at"},
+       {"refusing to fetch into branch '", "checked out at"}}}},
     {"branch-name-invalid", generic, {{{"is not a valid branch name"}}}},
     {"branch-unknown", branchRemoval, {{{"error: branch '", "' not found"}}}},
     {"remote-unknown", generic, {{{"no such remote"}}}},
+    {"remote-name-invalid", generic, {{{"is not a valid remote name"}}}},
     {"remote-exists", generic, {{{"error: remote ", " already exists"}}}},
     {"no-push-destination",
      generic,
@@ -209,7 +223,7 @@ constexpr Row rows[] = {
     {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
     {"objects-damaged",
      generic,
-     {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}, {"bad object "}}}},
+     {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}}}},
     {"other-tools",
      generic,
      {{{"no url found for submodule path"}, {"git-lfs"}, {"patch does not apply"}}}},
@@ -247,21 +261,6 @@ std::string inSmallLetters(std::string_view text) {
     return lower;
 }
 
-/// Keeps the lines of which `isKept` holds.
-template <typename Predicate>
-std::string linesOf(std::string_view text, const Predicate& isKept) {
-    std::string kept;
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
-        if (isKept(text.substr(0, length))) {
-            kept += text.substr(0, length);
-        }
-        text.remove_prefix(length);
-    }
-    return kept;
-}
-
 bool shows(std::string_view text, const Sign& sign) {
     const std::size_t place = sign.first.empty() ? std::string_view::npos : text.find(sign.first);
     return place != std::string_view::npos &&
@@ -277,15 +276,67 @@ const Row* firstRowShownBy(std::string_view text) {
     return row != std::end(rows) ? row : nullptr;
 }
 
+bool isWordCharacter(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
+}
+
+/// The line without what stands between quotes, so that no file's, branch's or repository's name is
+/// taken for git's words. The quotes stay; an apostrophe inside a word is none. Of the names, that
+/// of the index lock alone says what happened.
+std::string withoutNames(std::string_view line) {
+    const auto isOpening = [line](std::size_t i) {
+        return line[i] == '\'' && (i == 0 || !isWordCharacter(line[i - 1]));
+    };
+    const auto isClosing = [line](std::size_t i) {
+        return line[i] == '\'' && (i + 1 == line.size() || !isWordCharacter(line[i + 1]));
+    };
+    std::string text;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        text += line[i];
+        std::size_t end = i + 1;
+        while (isOpening(i) && end < line.size() && !isClosing(end)) {
+            ++end;
+        }
+        if (isOpening(i) && end < line.size()) {
+            const std::string_view name = line.substr(i + 1, end - i - 1);
+            text += name.ends_with("index.lock") ? "index.lock\'" : "\'";
+            i = end;
+        }
+    }
+    return text;
+}
+
+/// Keeps the lines of which `isKept` holds, without the names in them.
+template <typename Predicate>
+std::string linesOf(std::string_view text, const Predicate& isKept) {
+    std::string kept;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
+        if (isKept(text.substr(0, length))) {
+            kept += withoutNames(text.substr(0, length));
+        }
+        text.remove_prefix(length);
+    }
+    return kept;
+}
+
+/// Whether the line is git's own word on what happened: not the far end's, not an entry of a list,
+/// not the address that was talked to.
+bool isStatement(std::string_view line) {
+    constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from "};
+    return std::none_of(std::begin(others), std::end(others),
+                        [line](std::string_view other) { return startsWith(line, other); });
+}
+
 /// A warning or a hint does not tell why something failed where an error does.
 const Row* rowOfText(std::string_view text) {
-    const std::string ours = linesOf(
-        inSmallLetters(text), [](std::string_view line) { return !startsWith(line, "remote:"); });
-    const std::string withoutAsides = linesOf(ours, [](std::string_view line) {
+    const std::string statements = linesOf(inSmallLetters(text), isStatement);
+    const std::string withoutAsides = linesOf(statements, [](std::string_view line) {
         return !startsWith(line, "warning:") && !startsWith(line, "hint:");
     });
     const Row* row = firstRowShownBy(withoutAsides);
-    return row != nullptr ? row : firstRowShownBy(ours);
+    return row != nullptr ? row : firstRowShownBy(statements);
 }
 
 }  // namespace

@@ -69,6 +69,11 @@ bool looksLikeOption(const std::string* text) {
     return text != nullptr && !text->empty() && text->front() == '-';
 }
 
+bool isCount(const NEBValue& value) {
+    const std::string text = value.description();
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
 }  // namespace
 
 std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeValue(
@@ -100,6 +105,12 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     lookAtOption(branch, NEBSourceControlRequestOptionBranch);
     lookAtOption(remoteName, NEBSourceControlRequestOptionRemoteName);
     lookAtOption(sourceLocation, NEBSourceControlRequestOptionSourceLocation);
+    const NEBValue& limit = request.option(NEBSourceControlRequestOptionLogOutputLimit);
+    if (!found && request.type == NEBSourceControlRequestLog && limit.isPresent() &&
+        !isCount(limit)) {
+        found = {"options." + std::string(NEBSourceControlRequestOptionLogOutputLimit),
+                 limit.description()};
+    }
     return found;
 }
 

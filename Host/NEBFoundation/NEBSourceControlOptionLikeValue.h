@@ -17,7 +17,8 @@ struct NEBSourceControlOptionLikeValue {
 };
 
 /// The first value of the request that begins with "-" and would stand in its command line where
-/// git reads options; nothing when there is none. A host that takes values from outside asks this
+/// git reads options, or that is the limit of a log, which gets a "-" in front, and no count;
+/// nothing when there is none. A host that takes values from outside asks this
 /// before it asks for an operation, and refuses the request. From any thread.
 [[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlOptionLikeValue>
 NEBSourceControlFirstOptionLikeValue(const NEBSourceControlRequest& request);

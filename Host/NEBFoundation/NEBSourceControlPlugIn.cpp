@@ -28,6 +28,9 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
         return failed("The plug-in \"" + path +
                       "\" could not be read: " + std::generic_category().message(errno) + ".");
     }
+    if (!S_ISREG(information.st_mode)) {
+        return failed("The plug-in \"" + path + "\" is no file.");
+    }
     // With a "/" in it, the loader takes the path as it is and searches nowhere.
     const std::string exactPath = path.find('/') == std::string::npos ? "./" + path : path;
     void* library = ::dlopen(exactPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);

@@ -139,7 +139,7 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
 
 NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOutcome& outcome) {
     Words words{.errorText = textOf(outcome.errorOutput), .outputText = {}};
-    if (!outcome.status.isSuccess() && isBlank(words.errorText)) {
+    if (!outcome.status.isSuccess()) {
         words.outputText = textOf(outcome.output);
     }
     _terminationStatus = outcome.status;
@@ -154,7 +154,7 @@ void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
     translateErrorData();
     if (!_terminationStatus->exitStatus()) {
         makeErrorFromAbnormalEnd();
-    } else if (!_terminationStatus->isSuccess() && !error()) {
+    } else if (!_terminationStatus->isSuccess()) {
         makeErrorFromFailure(words);
     }
     classifyError(words);
@@ -176,6 +176,14 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
         }
         if (wasCutOff && !second.error()) {
             concludeTexts(words);
+        }
+    }
+    // A half that died may have left what only looks like a result.
+    for (NEBSourceControlTaskOperation* half : {this, &second}) {
+        const auto signal = half->_terminationStatus->signalNumber();
+        const bool wasCutOff = half == this && signal == SIGPIPE;
+        if (!half->_terminationStatus->exitStatus() && !wasCutOff && !error() && !second.error()) {
+            half->makeErrorFromAbnormalEnd();
         }
     }
     if (second.error()) {
@@ -204,16 +212,26 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
     return NEBSourceControlErrorFromText(*message, *request());
 }
 
-/// The whole text is looked at, whatever parseData() left of it: a push that was rejected is an
-/// error beside its content.
+/// All that the child wrote is looked at, whatever parseData() left of it: a push that was rejected
+/// is an error beside its content. Where standard error tells nothing that is known (a hook's
+/// words, a warning about line ends), standard output may: git tells a conflict, or that there is
+/// nothing to commit, there alone.
 void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
-    if (!isBlank(words.errorText)) {
+    if (!error() && !isBlank(words.errorText)) {
         setError(errorFromErrorMessage(words.errorText));
         if (!error()) {
             setError(NEBSourceControlErrorFromText(words.errorText, *request()));
         }
-    } else if (!isBlank(words.outputText)) {
-        setError(NEBSourceControlErrorFromText(words.outputText, *request()));
+    }
+    const bool isUnknown = error() && error()->errorClass == NEBSourceControlUnknownErrorClass;
+    const bool outputTells =
+        NEBSourceControlErrorClassOfText(words.outputText) != NEBSourceControlUnknownErrorClass;
+    if ((!error() && !isBlank(words.outputText)) || (isUnknown && outputTells)) {
+        NEBSourceControlError told = NEBSourceControlErrorFromText(words.outputText, *request());
+        if (!isBlank(words.errorText)) {
+            told.text = words.errorText + "\n" + words.outputText;
+        }
+        setError(std::move(told));
     }
 }
 
@@ -240,7 +258,10 @@ void NEBSourceControlTaskOperation::classifyError(const Words& words) {
     const std::string& text = isBlank(words.errorText) ? words.outputText : words.errorText;
     NEBSourceControlError classified = *error();
     if (!classified.errorClass) {
-        classified.errorClass = NEBSourceControlErrorClassOfText(text);
+        classified.errorClass = NEBSourceControlErrorClassOfText(words.errorText);
+        if (classified.errorClass == NEBSourceControlUnknownErrorClass) {
+            classified.errorClass = NEBSourceControlErrorClassOfText(words.outputText);
+        }
     }
     if (!classified.text && !isBlank(text)) {
         classified.text = text;

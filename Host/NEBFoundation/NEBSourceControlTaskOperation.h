@@ -67,7 +67,8 @@ public:
     /// errorFromErrorMessage() and keeps the error that comes back. Then:
     /// - A child that failed (exit status other than 0) and wrote anything does not end without an
     ///   error: if there is none yet, one is made from all that it wrote to standard error, or
-    ///   else to standard output. One that failed without a word leaves no error.
+    ///   from standard output where only that tells what happened. One that failed without a word
+    ///   leaves no error.
     /// - A child that could not be started, or that a signal ended, is an error that says so.
     /// - A cancelled operation ends with NEBSourceControlCancelledError().
     /// With a pipeToOperation() both children run at once; the result or the error that the second
@@ -86,7 +87,7 @@ private:
     /// What one child wrote, as it was, whatever parseData() does to data() and errorData().
     struct Words {
         std::string errorText;
-        std::string outputText;  // only where it may be needed: a failure without a word of error
+        std::string outputText;  // of a child that failed; else empty
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();

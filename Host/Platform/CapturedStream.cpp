@@ -37,14 +37,18 @@ void CapturedStream::readAvailable() {
     }
 }
 
-void CapturedStream::readRestAndClose() {
+bool CapturedStream::readRestAndClose() {
     int left = 0;
     if (isOpen() && ::ioctl(_readEnd.get(), FIONREAD, &left) == 0) {
         const std::size_t target = _bytes.size() + static_cast<std::size_t>(std::max(left, 0));
         while (_bytes.size() < target && readPiece(target - _bytes.size())) {
         }
+        // One look further: it may be the end that was missing.
+        readPiece(1);
     }
+    const bool wasHeld = isOpen();
     _readEnd.close();
+    return wasHeld;
 }
 
 }  // namespace neb

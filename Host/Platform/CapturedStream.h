@@ -19,8 +19,9 @@ public:
 
     /// Takes what can be had without waiting, up to a share that leaves other streams their turn.
     void readAvailable();
-    /// Takes exactly what lies in the pipe now, whoever may go on writing, and closes.
-    void readRestAndClose();
+    /// Takes what lies in the pipe now, whoever may go on writing, and closes. Answers whether
+    /// somebody still holds the other end, so that more might have come.
+    bool readRestAndClose();
 
     /// Moves the bytes out.
     [[nodiscard]] Data takeBytes() { return std::move(_bytes); }

@@ -12,6 +12,7 @@
 
 #include "Platform/ChildSession.h"
 #include "Platform/ChildSpawn.h"
+#include "Platform/PipeWriters.h"
 
 namespace neb {
 
@@ -111,9 +112,9 @@ std::optional<std::string> ChildPipeline::startOne(std::size_t index, FileDescri
 
     Pipe output;
     Pipe errorOutput;
-    int failure = openPipe(output);
+    int failure = openPipe(output, PipeSize::large);
     if (failure == 0) {
-        failure = openPipe(errorOutput);
+        failure = openPipe(errorOutput, PipeSize::large);
     }
     if (failure == 0 && isLast) {
         failure = setNonBlocking(output.readEnd);
@@ -143,6 +144,7 @@ std::optional<std::string> ChildPipeline::startOne(std::size_t index, FileDescri
     if (isLast) {
         child.output = CapturedStream(std::move(output.readEnd));
     } else {
+        child.outputPipe = pipeNumber(output.readEnd);
         input = std::move(output.readEnd);
     }
     return std::nullopt;
@@ -289,22 +291,38 @@ void ChildPipeline::noteEnd(Child& child) {
 /// hear of it.
 void ChildPipeline::beginEnding() {
     _killMoment = Clock::now() + endingGrace;
-    for (const Child& child : _children) {
-        if (child.pid > 0 && !child.reaped) {
-            signalSession(child.pid, SIGTERM);
-            signalSession(child.pid, SIGCONT);
+    signalAll(SIGTERM);
+    signalAll(SIGCONT);
+}
+
+/// Makes them end where the grace was not enough: at each look, as a process may have been born
+/// since the last one.
+void ChildPipeline::continueEnding() {
+    const Moment now = Clock::now();
+    if (!_killMoment || now < *_killMoment) {
+        return;
+    }
+    signalAll(SIGKILL);
+    if (now < *_killMoment + endingGrace) {
+        return;
+    }
+    for (Child& child : _children) {
+        if (!child.status) {  // held up inside the kernel: nobody can end it, and we do not wait
+            child.reaped = true;
+            child.endMoment = now;
+            child.status = TerminationStatus::unknown("it did not end when it was killed");
         }
     }
 }
 
-void ChildPipeline::continueEnding() {
-    if (!_killMoment || _killed || Clock::now() < *_killMoment) {
-        return;
-    }
-    _killed = true;
+/// Signals every session, whole. The number of one whose leader the host has reaped may belong to
+/// another session by now, so only its members are signalled, each by its own number.
+void ChildPipeline::signalAll(int signalNumber) {
     for (const Child& child : _children) {
-        if (child.pid > 0 && !child.reaped) {
-            signalSession(child.pid, SIGKILL);
+        if (child.pid > 0 && child.reaped) {
+            signalMembers(child.pid, signalNumber);
+        } else if (child.pid > 0) {
+            signalSession(child.pid, signalNumber);
         }
     }
 }
@@ -317,10 +335,14 @@ void ChildPipeline::releaseInputHeldByOthers() {
     }
     for (std::size_t i = 0; i + 1 < _children.size(); ++i) {
         Child& child = _children[i];
-        const bool mayHold = child.pid > 0 && child.status && !child.reaped;
-        if (mayHold && !_children[i + 1].status && sessionHasLiveMembers(child.pid)) {
+        if (!child.status || _children[i + 1].status || child.outputPipe == 0) {
+            continue;
+        }
+        for (const pid_t holder : processesWritingTo(child.outputPipe)) {
             child.outputWasHeldOpen = true;
-            signalSession(child.pid, SIGKILL);
+            if (::kill(holder, SIGKILL) != 0 && errno == EPERM && !_killMoment) {
+                beginEnding();  // it is another user's: the pipeline cannot come to its end
+            }
         }
     }
     _inputDeadline = Clock::now() + inputGrace;
@@ -333,8 +355,7 @@ void ChildPipeline::releaseStreamsHeldByOthers() {
     for (Child& child : _children) {
         for (CapturedStream* stream : {&child.output, &child.errorOutput}) {
             if (stream->isOpen()) {
-                stream->readRestAndClose();
-                child.outputWasHeldOpen = true;
+                child.outputWasHeldOpen |= stream->readRestAndClose();
             }
         }
     }

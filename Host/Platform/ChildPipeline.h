@@ -34,6 +34,7 @@ private:
     struct Child {
         pid_t pid = -1;
         FileDescriptor processDescriptor;  // absent where the system has none: then we look often
+        ino_t outputPipe = 0;              // of a child that feeds the next one
         CapturedStream output;
         CapturedStream errorOutput;
         std::optional<TerminationStatus> status;
@@ -54,10 +55,11 @@ private:
     [[nodiscard]] int pollTimeout() const;
     void readStreams();
     void noteEndedChildren();
-    void noteEnd(Child& child);
+    static void noteEnd(Child& child);
 
     void beginEnding();
     void continueEnding();
+    void signalAll(int signalNumber);
     void releaseStreamsHeldByOthers();
     void releaseInputHeldByOthers();
     void reapAll();
@@ -65,8 +67,7 @@ private:
     const std::vector<ChildLaunch>& _launches;
     const FileDescriptor& _wake;
     std::vector<Child> _children;
-    std::optional<Moment> _killMoment;  // set while the sessions are being ended
-    bool _killed = false;
+    std::optional<Moment> _killMoment;      // set while the sessions are being ended
     std::optional<Moment> _streamDeadline;  // set once all children have ended
     std::optional<Moment> _inputDeadline;   // set once a child ended before the one it feeds
 };

@@ -43,14 +43,12 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
 
 int ChildProcess::openWakePipe(FileDescriptor& readEnd) {
     Pipe pipe;
-    if (const int failure = openPipe(pipe); failure != 0) {
+    if (const int failure = openPipe(pipe, PipeSize::ordinary); failure != 0) {
         return failure;
     }
     const std::lock_guard lock(_mutex);
     readEnd = std::move(pipe.readEnd);
-    if (!_cancelled) {
-        _wakeWrite = std::move(pipe.writeEnd);
-    }
+    _wakeWrite = std::move(pipe.writeEnd);
     return 0;
 }
 

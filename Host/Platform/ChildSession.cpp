@@ -75,6 +75,10 @@ void signalSession(pid_t session, int signalNumber) {
     });
 }
 
+void signalMembers(pid_t session, int signalNumber) {
+    forEachLiveMember(session, [&](pid_t pid, const ProcessState&) { ::kill(pid, signalNumber); });
+}
+
 bool sessionHasLiveMembers(pid_t session) {
     bool found = false;
     forEachLiveMember(session, [&](pid_t, const ProcessState&) { found = true; });

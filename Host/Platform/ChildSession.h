@@ -12,6 +12,9 @@ namespace neb {
 /// Sends `signalNumber` to every process of the session, whatever its process group.
 void signalSession(pid_t session, int signalNumber);
 
+/// Sends `signalNumber` to each live process of the session by its own number.
+void signalMembers(pid_t session, int signalNumber);
+
 /// Whether a process of the session other than a dead one waiting to be reaped is left.
 [[nodiscard]] bool sessionHasLiveMembers(pid_t session);
 

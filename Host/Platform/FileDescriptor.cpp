@@ -11,7 +11,7 @@ namespace neb {
 namespace {
 
 constexpr int firstFreeDescriptor = 3;
-constexpr int pipeCapacity = 1 << 20;
+constexpr int largeCapacity = 1 << 20;
 
 /// Moves a descriptor above the three standard ones. Answers 0 or an errno.
 int liftAboveStandardStreams(FileDescriptor& descriptor) {
@@ -47,7 +47,7 @@ void FileDescriptor::close() {
     }
 }
 
-int openPipe(Pipe& pipe) {
+int openPipe(Pipe& pipe, PipeSize size) {
     int ends[2] = {-1, -1};
     if (::pipe2(ends, O_CLOEXEC) != 0) {
         return errno;
@@ -60,7 +60,9 @@ int openPipe(Pipe& pipe) {
     }
 #ifdef F_SETPIPE_SZ
     // A refusal (the user's share of pipe memory is used up) costs speed and nothing else.
-    static_cast<void>(::fcntl(opened.writeEnd.get(), F_SETPIPE_SZ, pipeCapacity));
+    if (size == PipeSize::large) {
+        static_cast<void>(::fcntl(opened.writeEnd.get(), F_SETPIPE_SZ, largeCapacity));
+    }
 #endif
     pipe = std::move(opened);
     return 0;

@@ -35,9 +35,14 @@ struct Pipe {
     FileDescriptor writeEnd;
 };
 
-/// Opens a pipe into `pipe`, as large as an ordinary user may have it (up to 1 MiB). Answers 0, or
-/// the errno of the failure, and then leaves nothing open.
-[[nodiscard]] NEB_EXPORT int openPipe(Pipe& pipe);
+enum class PipeSize {
+    ordinary,
+    /// As large as an ordinary user may have it, up to 1 MiB.
+    large,
+};
+
+/// Opens a pipe into `pipe`. Answers 0, or the errno of the failure, and then leaves nothing open.
+[[nodiscard]] NEB_EXPORT int openPipe(Pipe& pipe, PipeSize size);
 
 /// Switches a descriptor to non-blocking reads and writes. Answers 0 or the errno of the failure.
 [[nodiscard]] NEB_EXPORT int setNonBlocking(const FileDescriptor& descriptor);

@@ -16,7 +16,7 @@ public:
     Operation& operator=(const Operation&) = delete;
     virtual ~Operation() = default;
 
-    /// Runs main() and marks the operation finished. Nothing is thrown out of it.
+    /// Runs main() and marks the operation finished.
     virtual void start();
     /// The work. Called by start().
     virtual void main() = 0;

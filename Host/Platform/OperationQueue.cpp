@@ -1,6 +1,7 @@
 #include "Platform/OperationQueue.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace neb {
@@ -33,13 +34,25 @@ void OperationQueue::addBlock(std::function<void()> block) {
 }
 
 void OperationQueue::add(Work work) {
-    const std::lock_guard lock(_mutex);
+    std::unique_lock lock(_mutex);
     _waiting.push_back(std::move(work));
-    const std::size_t idleThreads = _threads.size() - _busyThreads;
+    const std::size_t idleThreads = _threads.size() - std::min(_busyThreads, _threads.size());
     if (idleThreads < _waiting.size() && _threads.size() < _width) {
-        _threads.emplace_back([this] { runThread(); });
+        addThread();
+    }
+    if (_threads.empty()) {
+        runOne(lock);
     }
     _workCame.notify_one();
+}
+
+/// Without a further thread the work is done by those that there are, without any by the caller.
+void OperationQueue::addThread() {
+    try {
+        _threads.emplace_back([this] { runThread(); });
+    } catch (const std::system_error&) {
+        return;
+    }
 }
 
 void OperationQueue::runThread() {
@@ -49,31 +62,36 @@ void OperationQueue::runThread() {
         if (_waiting.empty()) {
             return;
         }
-        Work work = std::move(_waiting.front());
-        _waiting.pop_front();
-        ++_busyThreads;
-        if (work.operation) {
-            _running.insert(work.operation);
-        }
-        lock.unlock();
+        runOne(lock);
+    }
+}
 
-        if (work.operation) {
-            work.operation->start();
-        } else {
-            work.block();
-        }
+/// Does the piece of work that has waited longest. Unlocked meanwhile.
+void OperationQueue::runOne(std::unique_lock<std::mutex>& lock) {
+    Work work = std::move(_waiting.front());
+    _waiting.pop_front();
+    ++_busyThreads;
+    if (work.operation) {
+        _running.insert(work.operation);
+    }
+    lock.unlock();
 
-        lock.lock();
-        if (work.operation) {
-            _running.erase(work.operation);
-        }
-        lock.unlock();
-        work = {};  // ours may be the last reference: what it holds is gone before anyone goes on
-        lock.lock();
-        --_busyThreads;
-        if (_busyThreads == 0 && _waiting.empty()) {
-            _allDone.notify_all();
-        }
+    if (work.operation) {
+        work.operation->start();
+    } else {
+        work.block();
+    }
+
+    lock.lock();
+    if (work.operation) {
+        _running.erase(work.operation);
+    }
+    lock.unlock();
+    work = {};  // ours may be the last reference: what it holds is gone before anyone goes on
+    lock.lock();
+    --_busyThreads;
+    if (_busyThreads == 0 && _waiting.empty()) {
+        _allDone.notify_all();
     }
 }
 

@@ -34,7 +34,8 @@ public:
     /// Waits until all work is done and joins the threads.
     ~OperationQueue();
 
-    /// Shares the operation until it has finished. Without effect for an absent one.
+    /// Shares the operation until it has finished. Without effect for an absent one. Where the
+    /// system gives no thread at all, the work is done at once, on the caller's.
     void addOperation(std::shared_ptr<Operation> operation);
     /// Runs the block once. It must not throw.
     void addBlock(std::function<void()> block);
@@ -50,7 +51,9 @@ private:
     };
 
     void add(Work work);
+    void addThread();
     void runThread();
+    void runOne(std::unique_lock<std::mutex>& lock);
 
     const std::size_t _width;
     std::mutex _mutex;

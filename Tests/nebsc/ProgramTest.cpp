@@ -105,7 +105,7 @@ TEST(ProgramPlugIn, ATextFileIsRefused) {
 
 TEST(ProgramPlugIn, AFolderIsRefused) {
     const TemporaryFolder folder;
-    expectRefusedPlugIn({folder.path(), "is no plug-in"});
+    expectRefusedPlugIn({folder.path(), "is no file"});
 }
 
 TEST(ProgramPlugIn, ALibraryThatIsNoPlugInIsRefused) {

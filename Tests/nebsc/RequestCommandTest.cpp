@@ -179,8 +179,8 @@ TEST(RequestCommand, AValueThatGitWouldTakeForAnOptionIsRefused) {
         {.variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: The request's member \"startingRevision\" is \"--output=x\"; a value that "
-              "begins with \"-\" is refused here, as git would take it for an option.\n");
+              "nebsc: The request's member \"startingRevision\" is \"--output=x\"; it is "
+              "refused here, as git would take it for an option.\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }

@@ -30,7 +30,7 @@ extern "C" void noteSignal(int signalNumber) {
 }  // namespace
 
 Interruption::Interruption() {
-    if (openPipe(_pipe) != 0) {
+    if (openPipe(_pipe, PipeSize::ordinary) != 0) {
         return;
     }
     wakeDescriptor = _pipe.writeEnd.get();

@@ -21,8 +21,7 @@ Reply requestCommand(const HostSession& session, const RequestCall& call) {
     const Performance performance = session.perform(reading.request, run);
     if (const auto& value = performance.refusedValue) {
         return refusal("The request's member \"" + value->field + "\" is \"" + value->value +
-                           "\"; a value that begins with \"-\" is refused here, as git would take "
-                           "it for an option.",
+                           "\"; it is refused here, as git would take it for an option.",
                        exitNotUnderstood);
     }
     Reply reply{.standardOutput = lineOfJSON(jsonOfOutcome(*performance.outcome)),

@@ -213,6 +213,19 @@ TEST(ErrorTableRows, TheNoticeOfANewHostKeyIsNoError) {
     EXPECT_FALSE(gitErrorTableLookUp(notice + "\nmore", *operation.request()).isKnown);
 }
 
+TEST(ErrorTableRows, ServeAFailureWhoseTextTheOperationMovedAway) {
+    class MovingOperation : public GitOperation {
+    public:
+        using GitOperation::GitOperation;
+        std::string launchPath() override { return "/bin/sh"; }
+        void parseData() override { setErrorData(std::nullopt); }
+    };
+    MovingOperation operation(requestFor(33, std::nullopt));
+    operation.setArguments({"-c", "echo \"run 'git branch -D x'\" >&2; exit 1"});
+    operation.start();
+    EXPECT_THAT(operation.error(), IsSourceControlError(-91, notMerged));
+}
+
 TEST(ErrorTableRows, AnAbsentMessageIsNoError) {
     GitOperation operation(requestFor(37, "/w"));
     EXPECT_EQ(operation.errorFromErrorMessage(std::nullopt), std::nullopt);

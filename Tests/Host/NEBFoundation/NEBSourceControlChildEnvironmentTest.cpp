@@ -97,8 +97,9 @@ const std::vector<std::pair<std::string, std::string>> pinned{
 };
 
 const Variables always{
-    "LC_ALL=C.UTF-8",        "LANGUAGE=",     "GIT_TERMINAL_PROMPT=0", "GIT_EDITOR=:",
-    "GIT_SEQUENCE_EDITOR=:", "GIT_PAGER=cat", "GIT_FLUSH=0",
+    "LC_ALL=C.UTF-8",        "LANGUAGE=",          "GIT_TERMINAL_PROMPT=0", "GIT_EDITOR=:",
+    "GIT_SEQUENCE_EDITOR=:", "GIT_PAGER=cat",      "GIT_FLUSH=0",           "GIT_TRACE2=0",
+    "GIT_TRACE2_PERF=0",     "GIT_TRACE2_EVENT=0",
 };
 
 TEST(ChildEnvironment, HoldsAllThatGitMustBeTold) {
@@ -154,7 +155,9 @@ TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
                              "GIT_DIFF_OPTS",
                              "GIT_EXTERNAL_DIFF",
                              "GIT_ADVICE",
-                             "GIT_PAGER_IN_USE"}) {
+                             "GIT_PAGER_IN_USE",
+                             "GIT_OPTIONAL_LOCKS",
+                             "GIT_CURL_VERBOSE"}) {
         inherited.push_back(std::string(name) + "=1");
     }
     EXPECT_EQ(withoutSettings(NEBSourceControlChildEnvironment(inherited, {})), always);

@@ -62,6 +62,8 @@ const Case cases[] = {
      "ERROR: Repository not found.\nfatal: Could not read from remote"},
     {"http-refused", -1,
      "fatal: unable to access 'http://h/': The requested URL returned error: 403"},
+    {"http-refused", -1, "fatal: unable to access 'x': The requested URL returned error: 429"},
+    {"server-failed", -20, "fatal: unable to access 'x': The requested URL returned error: 503"},
     {"http-refused", -1, "fatal: rate limited by 'http://h/'"},
     {"host-unreachable", -20,
      "fatal: unable to access 'http://127.0.0.1:1/': Failed to connect to 127.0.0.1 port 1 after 0 "
@@ -78,7 +80,10 @@ const Case cases[] = {
     {"push-stale", -32, " ! [rejected]        a -> a (remote ref updated since checkout)\n"},
     {"remote-ahead", -32,
      "To /r.git\n ! [rejected]        main -> main (fetch first)\nerror: failed to push some refs"},
-    {"remote-ahead", -32, " ! [rejected]        main -> main (non-fast-forward)\n"},
+    {"remote-ahead", -32,
+     " ! [rejected]        main -> main (non-fast-forward)\nerror: failed to push some refs to "
+     "'x'"},
+    {"diverged", -1, "From /r\n ! [rejected]        main -> x (non-fast-forward)\n"},
     {"remote-ahead", -32, "Merge the remote changes (e.g. 'git pull') before pushing again."},
     {"remote-ahead", -32, "\nERROR from SVN:\nTransaction is out of date: File '/trunk/a' is out"},
     {"remote-hook-refused", -1,
@@ -181,7 +186,18 @@ const Case cases[] = {
     {"transport-forbidden", -1, "fatal: transport 'file' not allowed"},
     {"objects-damaged", -1, "error: object file .git/objects/12/34 is empty"},
     {"objects-damaged", -1, "fatal: loose object 1234 (stored in x) is corrupt"},
-    {"objects-damaged", -1, "fatal: bad object HEAD"},
+    {"revision-unknown", 4, "fatal: bad object 1234567890123456789012345678901234567890"},
+    {"revision-unknown", 4,
+     "fatal: reference is not a tree: 1234567890123456789012345678901234567890"},
+    {"revision-unknown", 4, "fatal: not a tree object"},
+    {"revision-unknown", 4, "fatal: 'x' is not a valid branch point"},
+    {"remote-branch-unknown", -1, "fatal: the requested upstream branch 'origin/x' does not exist"},
+    {"branch-in-use", -1,
+     "fatal: refusing to fetch into branch 'refs/heads/x' checked out at '/r'"},
+    {"remote-name-invalid", -1, "fatal: 'a b' is not a valid remote name"},
+    {"path-outside", -1, "fatal: /etc/passwd: '/etc/passwd' is outside repository at '/r'"},
+    {"path-unknown", -71, "fatal: bad source, source=nosuch, destination=x"},
+    {"host-unreachable", -20, "fatal: unable to access 'x': Operation timed out after 9 ms"},
     {"other-tools", -1, "fatal: No url found for submodule path 's' in .gitmodules"},
     {"other-tools", -1, "git-lfs filter-process: git-lfs: not found"},
     {"other-tools", -1, "error: a.txt: patch does not apply"},
@@ -232,8 +248,36 @@ TEST(ErrorClasses, AWarningOrHintGivesWayToAnError) {
                   "warning: unable to access '/h/.config/git/ignore': Permission denied\n"
                   "fatal: bad revision 'nosuch'\n"),
               "revision-unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("hint: CONFLICT (content)\nfatal: bad object x\n"),
-              "objects-damaged");
+    EXPECT_EQ(
+        NEBSourceControlErrorClassOfText("hint: CONFLICT (content)\nfatal: bad revision 'x'\n"),
+        "revision-unknown");
+}
+
+TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
+    const std::pair<const char*, const char*> texts[] = {
+        {"fatal: pathspec 'sync conflict (1).txt' did not match any files", "path-unknown"},
+        {"error: pathspec 'connection timed out' did not match any file(s) known to git",
+         "path-unknown"},
+        {"error: pathspec 'it's permission denied' did not match any file(s)", "path-unknown"},
+        {"On branch main\nUntracked files:\n\tmy conflict (1).txt\n\nnothing added to commit",
+         "nothing-to-commit"},
+        {"To https://h/git-lfs/x.git\n ! [rejected]  a -> a (fetch first)\nerror: failed to push "
+         "some refs to 'https://h/git-lfs/x.git'",
+         "remote-ahead"},
+        {"fatal: repository 'http://h/permission denied.git/' not found", "repository-not-found"},
+        {"lint: request timed out", "unknown"},
+        {"error: something about 'permission denied'", "unknown"},
+        {"fatal: couldn't find remote ref 'bad revision '", "remote-branch-unknown"},
+        {"error: 'permission denied without an end", "permission-denied"},
+    };
+    for (const auto& [text, errorClass] : texts) {
+        EXPECT_EQ(NEBSourceControlErrorClassOfText(text), errorClass) << text;
+    }
+}
+
+TEST(ErrorClasses, ThePiecesOfASignStandInTheirOrder) {
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("does not match any src refspec "), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("remote:fatal: not a git repository"), "unknown");
 }
 
 TEST(ErrorClasses, TheCauseGoesBeforeWhatAccompaniesIt) {

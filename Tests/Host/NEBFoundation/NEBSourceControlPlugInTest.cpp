@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -69,7 +70,11 @@ TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
               "The plug-in \"/no/such/NEBGit.so\" could not be read: No such file or directory.");
     const std::string text = folder.write("text.so", "no library\n");
     EXPECT_THAT(failureOf(text), StartsWith("The file \"" + text + "\" is no plug-in: "));
-    EXPECT_THAT(failureOf(folder.path()), StartsWith("The file \"" + folder.path() + "\""));
+    EXPECT_EQ(failureOf(folder.path()), "The plug-in \"" + folder.path() + "\" is no file.");
+    ASSERT_EQ(::mkfifo(folder.path("pipe.so").c_str(), 0600), 0);
+    EXPECT_EQ(failureOf(folder.path("pipe.so")),
+              "The plug-in \"" + folder.path("pipe.so") + "\" is no file.")
+        << "and nobody waits for a writer";
     const std::string library = NEB_TEST_MODULES "/NoPlugIn.so";
     EXPECT_EQ(failureOf(library), "The file \"" + library +
                                       "\" is no source-control plug-in: it does not export "

@@ -228,6 +228,26 @@ TEST(OptionLikeValues, AreNamed) {
         << "what git would read, the name behind the folder";
 }
 
+TEST(OptionLikeValues, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    const auto isRefused = [&request](NEBValue limit) {
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
+        return NEBSourceControlFirstOptionLikeValue(*request).has_value();
+    };
+    for (const NEBValue& limit : {NEBValue(25), NEBValue(0), NEBValue("25")}) {
+        EXPECT_FALSE(isRefused(limit)) << limit.description();
+    }
+    for (const NEBValue& limit :
+         {NEBValue(-1), NEBValue("-output=/tmp/x"), NEBValue("p"), NEBValue(""), NEBValue(true)}) {
+        EXPECT_TRUE(isRefused(limit)) << limit.description();
+    }
+    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*request)->field,
+              "options.NEBSourceControlRequestOptionLogOutputLimit");
+    request->type = NEBSourceControlRequestStatus;
+    EXPECT_FALSE(isRefused("-output=/tmp/x")) << "it is a log's alone";
+}
+
 TEST(OptionLikeValues, OtherKindsAndAnEmptyRequestHoldNone) {
     NEBSourceControlRequest request;
     for (request.type = -1; request.type <= 40; ++request.type) {

@@ -131,6 +131,36 @@ TEST_F(TaskOperation, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
     EXPECT_EQ(operation->error()->text, "On branch main\nnothing to commit, working tree clean\n");
 }
 
+TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
+    auto conflict = script(
+        "echo \"Recorded preimage for 'a'\" >&2; echo 'CONFLICT (content): Merge conflict in a'; "
+        "exit 1");
+    conflict->start();
+    EXPECT_THAT(conflict->error(),
+                IsSourceControlError(-1, "CONFLICT (content): Merge conflict in a"));
+    EXPECT_THAT(conflict->error(), HasErrorClass("conflict"));
+    EXPECT_EQ(conflict->error()->text,
+              "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");
+
+    auto known = script("echo 'fatal: bad revision x' >&2; echo 'nothing to commit'; exit 1");
+    known->translate = [](const std::string& message) {
+        return NEBSourceControlError::withDescription(-9, message);
+    };
+    known->start();
+    EXPECT_THAT(known->error(), IsSourceControlError(-9, "fatal: bad revision x"))
+        << "an error of the plug-in's own stays";
+    EXPECT_THAT(known->error(), HasErrorClass("nothing-to-commit"));
+
+    auto unknown = script("echo 'hook: no' >&2; echo 'some output'; exit 1");
+    unknown->start();
+    EXPECT_THAT(unknown->error(), IsSourceControlError(-1, "hook: no"));
+    EXPECT_THAT(unknown->error(), HasErrorClass("unknown"));
+
+    auto success = script("echo 'nothing to commit'; echo notice >&2");
+    success->start();
+    EXPECT_EQ(success->error(), std::nullopt);
+}
+
 TEST_F(TaskOperation, AFailureWithoutAWordLeavesNoError) {
     for (const char* silent : {"exit 1", "echo; echo ' ' >&2; exit 1"}) {
         auto operation = script(silent);

@@ -40,6 +40,22 @@ TEST_F(PipedOperation, TheSecondHalfsResultIsTheOutcomeAndNoTextReplacesIt) {
     EXPECT_EQ(operation->second->parses, 1);
 }
 
+TEST_F(PipedOperation, AHalfThatDiedIsAnErrorBesideWhatLooksLikeAResult) {
+    const std::pair<const char*, const char*> deaths[] = {{"echo half; kill -9 $$", "cat"},
+                                                          {"echo data", "cat; kill -9 $$"}};
+    for (const auto& [first, second] : deaths) {
+        auto operation = piped(first, second);
+        operation->second->parse = [&] { operation->second->setResult(NEBSourceControlResult{}); };
+        operation->start();
+        EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("signal 9 (Killed)")));
+        EXPECT_THAT(operation->error(), HasErrorClass("killed"));
+    }
+    auto cutOff = piped("exec yes", "head -n 1");
+    cutOff->second->parse = [&] { cutOff->second->setResult(NEBSourceControlResult{}); };
+    cutOff->start();
+    EXPECT_EQ(cutOff->error(), std::nullopt) << "the second half has had what it wanted";
+}
+
 TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
     auto operation = piped("echo 'fatal: not a valid object name: nosuch' >&2; exit 128",
                            "echo 'This does not look like a tar archive' >&2; exit 2");

@@ -131,6 +131,19 @@ TEST_F(ChildCancellation, EndsTheWholeSessionWhateverItsProcessGroups) {
     EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
 }
 
+TEST_F(ChildCancellation, LeavesNothingInAHostThatReapsForUs) {
+    const TemporaryFolder folder;
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGCHLD, &ignore, &previous);
+    const auto outcomes = runAndCancel({shell("(trap '' TERM; exec sleep 1000) & echo $!; touch " +
+                                              folder.path("ready") + "; wait")},
+                                       folder.path("ready"));
+    ::sigaction(SIGCHLD, &previous, nullptr);
+    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].output)));
+}
+
 TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
     const TemporaryFolder folder;
     ChildProcess process;
@@ -202,14 +215,42 @@ TEST_F(ChildPipelines, AFirstHalfThatCannotStartKeepsTheSecondFromStarting) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
-TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
+/// The first half leaves the process of `command` behind and feeds the second.
+std::vector<ChildOutcome> runLeaving(const std::string& command, const std::string& second) {
     ChildProcess process;
-    const auto outcomes =
-        process.run({shell("echo data; sleep 1000 2>/dev/null & echo $! >&2"), shell("cat")});
+    return process.run({shell("echo data; " + command + " & echo $! >&2"), shell(second)});
+}
+
+TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
+    // The second one has left the session of its child.
+    for (const char* holder : {"sleep 1000 2>/dev/null", "setsid sleep 1000 2>/dev/null"}) {
+        const auto outcomes = runLeaving(holder, "cat");
+        EXPECT_EQ(outcomes[1].output, "data\n");
+        EXPECT_TRUE(outcomes[1].status.isSuccess());
+        EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
+        test::waitUntilGone(numberIn(outcomes[0].errorOutput));
+    }
+}
+
+TEST_F(ChildPipelines, AProcessThatHoldsTheInputIsEndedInAHostThatReapsForUs) {
+    struct sigaction ignore {};
+    struct sigaction previous {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGCHLD, &ignore, &previous);
+    const auto outcomes = runLeaving("sleep 1000 2>/dev/null", "cat");
+    ::sigaction(SIGCHLD, &previous, nullptr);
     EXPECT_EQ(outcomes[1].output, "data\n");
-    EXPECT_TRUE(outcomes[1].status.isSuccess());
-    EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
-    EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
+    test::waitUntilGone(numberIn(outcomes[0].errorOutput));
+}
+
+TEST_F(ChildPipelines, AProcessThatHoldsNothingLivesOnHoweverSlowTheSecondHalf) {
+    const auto outcomes = runLeaving("sleep 1000 >/dev/null 2>&1", "cat; sleep 1.5");
+    EXPECT_EQ(outcomes[1].output, "data\n");
+    EXPECT_FALSE(outcomes[0].outputWasHeldOpen);
+    const pid_t left = numberIn(outcomes[0].errorOutput);
+    EXPECT_TRUE(test::isLiveProcess(left));
+    ::kill(left, SIGKILL);
+    test::waitUntilGone(left);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "Platform/OperationQueue.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <condition_variable>
 #include <mutex>
@@ -141,6 +144,28 @@ TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(first->isCancelled() && first->isFinished());
     EXPECT_TRUE(second->isCancelled() && second->isFinished());
+}
+
+TEST_F(OperationQueueTest, WithoutAThreadTheCallerDoesTheWork) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        // Root may have as many threads as it likes; an ordinary user may be held to none more.
+        const rlimit none{0, 0};
+        if (::setuid(65534) != 0 && ::getuid() == 0) {
+            ::_exit(2);
+        }
+        ::setrlimit(RLIMIT_NPROC, &none);
+        bool ran = false;
+        {
+            OperationQueue queue;
+            queue.addBlock([&ran] { ran = true; });
+            queue.waitUntilAllOperationsAreFinished();
+        }
+        ::_exit(ran ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 TEST_F(OperationQueueTest, AbsentWorkIsNone) {

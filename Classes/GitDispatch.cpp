@@ -15,123 +15,139 @@ namespace {
 
 // ---- preconditions ----------------------------------------------------------------------------
 
-/// What a precondition asks of a request. Each stands for the condition text beside it.
-enum class Need {
-    destination,         // "request.destination"
-    files,               // "[request.files count] > 0"
-    oneFile,             // "[request.files count] == 1"
-    startingRevision,    // "request.startingRevision"
-    sourceTreeLocation,  // "request.sourceTree.location"
-    sourceTreeOrRepositoryPath,
-    branch,  // the branch option, whatever it is
-    remote,  // "(request.remote)" is not nil
-    nonEmptyDestination,
-    nonEmptyRemoteName,  // the remote-name option
-    nonEmptyBranch,      // the branch option
-    nonEmptyRemoteNameUnlessBridge,
+/// The three shapes of a report.
+enum class Shape { plain, notNil, nonEmptyString };
+
+/// What a precondition asks of a request: the value that must be there, and how it reads in a
+/// report. In the plain shape the text is the condition, in the others the expression of the value.
+struct Condition {
+    Shape shape;
+    std::string_view text;
+    NEBValue (*value)(const NEBSourceControlRequest&);
 };
 
-struct Precondition {
-    std::int32_t type;
-    Need need;
-    int line;
-};
+/// Present when the condition holds.
+NEBValue presentIf(bool holds) {
+    return holds ? NEBValue(true) : NEBValue();
+}
 
-/// Sorted by type; the preconditions of one type in the order in which they are reported.
-constexpr Precondition preconditions[] = {
-    {NEBSourceControlRequestCreateBranch, Need::destination, 107},
-    {NEBSourceControlRequestDeleteBranch, Need::destination, 107},
-    {NEBSourceControlRequestRemove, Need::files, 136},
-    {NEBSourceControlRequestAddFiles, Need::files, 140},
-    {NEBSourceControlRequestRevert, Need::files, 146},
-    {NEBSourceControlRequestMakeDirectory, Need::destination, 212},
-    {NEBSourceControlRequestMerge, Need::destination, 132},
-    {NEBSourceControlRequestCopy, Need::files, 206},
-    {NEBSourceControlRequestCopy, Need::destination, 207},
-    {NEBSourceControlRequestMove, Need::files, 217},
-    {NEBSourceControlRequestMove, Need::destination, 218},
-    {NEBSourceControlRequestCheckout, Need::destination, 154},
-    {NEBSourceControlRequestList, Need::files, 71},
-    {NEBSourceControlRequestExportFiles, Need::files, 66},
-    {NEBSourceControlRequestExportFiles, Need::startingRevision, 67},
-    {NEBSourceControlRequestExport, Need::startingRevision, 166},
-    {NEBSourceControlRequestExportTree, Need::destination, 78},
-    {NEBSourceControlRequestExportTree, Need::startingRevision, 79},
-    {NEBSourceControlRequestCreateRepository, Need::sourceTreeOrRepositoryPath, 57},
-    {NEBSourceControlRequestBlame, Need::oneFile, 101},
-    {NEBSourceControlRequestClone, Need::destination, 61},
-    {NEBSourceControlRequestClone, Need::sourceTreeLocation, 62},
-    {NEBSourceControlRequestPush, Need::remote, 83},
-    {NEBSourceControlRequestAddRemote, Need::destination, 188},
-    {NEBSourceControlRequestAddRemote, Need::oneFile, 189},
-    {NEBSourceControlRequestRemoveRemote, Need::nonEmptyDestination, 194},
-    {NEBSourceControlRequestTrackRemoteBranch, Need::nonEmptyDestination, 199},
-    {NEBSourceControlRequestTrackRemoteBranch, Need::nonEmptyRemoteName, 200},
-    {NEBSourceControlRequestTrackRemoteBranch, Need::nonEmptyBranch, 201},
-    {NEBSourceControlRequestFetch, Need::remote, 87},
-    {NEBSourceControlRequestFetch, Need::nonEmptyRemoteNameUnlessBridge, 91},
-    {NEBSourceControlRequestTrackingBranchName, Need::branch, 183},
-};
+constexpr Condition destination{
+    Shape::plain, "request.destination",
+    [](const NEBSourceControlRequest& request) { return request.destination; }};
+
+constexpr Condition someFiles{
+    Shape::plain, "[request.files count] > 0",
+    [](const NEBSourceControlRequest& request) { return presentIf(request.fileCount() > 0); }};
+
+constexpr Condition oneFile{
+    Shape::plain, "[request.files count] == 1",
+    [](const NEBSourceControlRequest& request) { return presentIf(request.fileCount() == 1); }};
+
+constexpr Condition startingRevision{
+    Shape::plain, "request.startingRevision",
+    [](const NEBSourceControlRequest& request) { return request.startingRevision; }};
+
+constexpr Condition sourceTreeLocation{
+    Shape::plain, "request.sourceTree.location", [](const NEBSourceControlRequest& request) {
+        return presentIf(request.sourceTree && request.sourceTree->location);
+    }};
+
+constexpr Condition sourceTreeOrRepositoryPath{
+    Shape::plain,
+    "request.sourceTree || [request.options "
+    "objectForKey:NEBSourceControlRequestOptionRepositoryPath]",
+    [](const NEBSourceControlRequest& request) {
+        return request.sourceTree ? NEBValue(true)
+                                  : request.option(NEBSourceControlRequestOptionRepositoryPath);
+    }};
 
 constexpr std::string_view branchExpression =
     "[request.options objectForKey:NEBSourceControlRequestOptionBranch]";
 constexpr std::string_view remoteNameExpression =
     "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]";
 
-bool representsBridge(const NEBSourceControlRequest& request) {
-    return request.remote && request.remote->representsGitSVNBridge;
-}
+constexpr Condition branch{Shape::plain, branchExpression,
+                           [](const NEBSourceControlRequest& request) {
+                               return request.option(NEBSourceControlRequestOptionBranch);
+                           }};
+
+constexpr Condition remote{
+    Shape::notNil, "(request.remote)",
+    [](const NEBSourceControlRequest& request) { return presentIf(request.remote != nullptr); }};
+
+constexpr Condition nonEmptyDestination{Shape::nonEmptyString, destination.text, destination.value};
+
+constexpr Condition nonEmptyBranch{Shape::nonEmptyString, branchExpression, branch.value};
+
+constexpr Condition nonEmptyRemoteName{
+    Shape::nonEmptyString, remoteNameExpression, [](const NEBSourceControlRequest& request) {
+        return request.option(NEBSourceControlRequestOptionRemoteName);
+    }};
+
+/// Over the Subversion bridge the remote needs no name: a fetch is not asked for one.
+constexpr Condition nonEmptyRemoteNameUnlessBridge{
+    Shape::nonEmptyString, remoteNameExpression, [](const NEBSourceControlRequest& request) {
+        const bool isBridge = request.remote && request.remote->representsGitSVNBridge;
+        return isBridge ? NEBValue("the bridge") : nonEmptyRemoteName.value(request);
+    }};
+
+struct Precondition {
+    std::int32_t type;
+    const Condition& condition;
+    int line;
+};
+
+/// Sorted by type; the preconditions of one type in the order in which they are reported.
+constexpr Precondition preconditions[] = {
+    {NEBSourceControlRequestCreateBranch, destination, 107},
+    {NEBSourceControlRequestDeleteBranch, destination, 107},
+    {NEBSourceControlRequestRemove, someFiles, 136},
+    {NEBSourceControlRequestAddFiles, someFiles, 140},
+    {NEBSourceControlRequestRevert, someFiles, 146},
+    {NEBSourceControlRequestMakeDirectory, destination, 212},
+    {NEBSourceControlRequestMerge, destination, 132},
+    {NEBSourceControlRequestCopy, someFiles, 206},
+    {NEBSourceControlRequestCopy, destination, 207},
+    {NEBSourceControlRequestMove, someFiles, 217},
+    {NEBSourceControlRequestMove, destination, 218},
+    {NEBSourceControlRequestCheckout, destination, 154},
+    {NEBSourceControlRequestList, someFiles, 71},
+    {NEBSourceControlRequestExportFiles, someFiles, 66},
+    {NEBSourceControlRequestExportFiles, startingRevision, 67},
+    {NEBSourceControlRequestExport, startingRevision, 166},
+    {NEBSourceControlRequestExportTree, destination, 78},
+    {NEBSourceControlRequestExportTree, startingRevision, 79},
+    {NEBSourceControlRequestCreateRepository, sourceTreeOrRepositoryPath, 57},
+    {NEBSourceControlRequestBlame, oneFile, 101},
+    {NEBSourceControlRequestClone, destination, 61},
+    {NEBSourceControlRequestClone, sourceTreeLocation, 62},
+    {NEBSourceControlRequestPush, remote, 83},
+    {NEBSourceControlRequestAddRemote, destination, 188},
+    {NEBSourceControlRequestAddRemote, oneFile, 189},
+    {NEBSourceControlRequestRemoveRemote, nonEmptyDestination, 194},
+    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyDestination, 199},
+    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyRemoteName, 200},
+    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyBranch, 201},
+    {NEBSourceControlRequestFetch, remote, 87},
+    {NEBSourceControlRequestFetch, nonEmptyRemoteNameUnlessBridge, 91},
+    {NEBSourceControlRequestTrackingBranchName, branch, 183},
+};
 
 void check(const NEBSourceControlRequest& request, const Precondition& precondition) {
     const NEBSourceControlAssertionSite site{.function = "-[GitController operationForRequest:]",
                                              .file = "Classes/GitController",
                                              .line = precondition.line};
-    const auto& tree = request.sourceTree;
-    const NEBValue& branch = request.option(NEBSourceControlRequestOptionBranch);
-    const NEBValue& remoteName = request.option(NEBSourceControlRequestOptionRemoteName);
-    switch (precondition.need) {
-        case Need::destination:
-            NEBSourceControlAssert(site, request.destination.isPresent(), "request.destination");
+    const auto& [shape, text, valueOf] = precondition.condition;
+    const NEBValue value = valueOf(request);
+    switch (shape) {
+        case Shape::plain:
+            NEBSourceControlAssert(site, value.isPresent(), text);
             break;
-        case Need::files:
-            NEBSourceControlAssert(site, request.fileCount() > 0, "[request.files count] > 0");
+        case Shape::notNil:
+            NEBSourceControlAssertNotNil(site, value.isPresent(), text);
             break;
-        case Need::oneFile:
-            NEBSourceControlAssert(site, request.fileCount() == 1, "[request.files count] == 1");
-            break;
-        case Need::startingRevision:
-            NEBSourceControlAssert(site, request.startingRevision.isPresent(),
-                                   "request.startingRevision");
-            break;
-        case Need::sourceTreeLocation:
-            NEBSourceControlAssert(site, tree && tree->location, "request.sourceTree.location");
-            break;
-        case Need::sourceTreeOrRepositoryPath:
-            NEBSourceControlAssert(
-                site,
-                tree || request.option(NEBSourceControlRequestOptionRepositoryPath).isPresent(),
-                "request.sourceTree || [request.options "
-                "objectForKey:NEBSourceControlRequestOptionRepositoryPath]");
-            break;
-        case Need::branch:
-            NEBSourceControlAssert(site, branch.isPresent(), branchExpression);
-            break;
-        case Need::remote:
-            NEBSourceControlAssertNotNil(site, request.remote != nullptr, "(request.remote)");
-            break;
-        case Need::nonEmptyDestination:
-            NEBSourceControlAssertNonEmptyString(site, request.destination, "request.destination");
-            break;
-        case Need::nonEmptyRemoteNameUnlessBridge:
-            if (representsBridge(request)) {
-                break;
-            }
-            [[fallthrough]];
-        case Need::nonEmptyRemoteName:
-            NEBSourceControlAssertNonEmptyString(site, remoteName, remoteNameExpression);
-            break;
-        case Need::nonEmptyBranch:
-            NEBSourceControlAssertNonEmptyString(site, branch, branchExpression);
+        case Shape::nonEmptyString:
+            NEBSourceControlAssertNonEmptyString(site, value, text);
             break;
     }
 }

@@ -29,10 +29,9 @@ std::vector<std::string> git_componentsSeparatedByNULLTerminator(std::string_vie
         bytes = bytesEnd;
     }
     if (bytes != bytesEnd) {  // cannot be; kept as the one promise of the walk
-        _LOMAssertionFailureHandler(
-            {}, {}, "-[NSData(GitUtilities) git_componentsSeparatedByNULLTerminator]",
-            "Classes/NSData+GitUtilities", 46, "No trailing \\n on last line",
-            {std::string(LOMAssertionFailedFormat), "bytes == bytesEnd"});
+        LOMReportFailedAssertion("-[NSData(GitUtilities) git_componentsSeparatedByNULLTerminator]",
+                                 "Classes/NSData+GitUtilities", 46, "No trailing \\n on last line",
+                                 {std::string(LOMAssertionFailedFormat), "bytes == bytesEnd"});
     }
     return components;
 }

@@ -1,5 +1,6 @@
 #include "LOMFoundation/LOMAssertion.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 #include <utility>
@@ -28,7 +29,7 @@ void writeLine(const LOMAssertionReport& report) {
 
 }  // namespace
 
-void _LOMAssertionFailureHandler(std::string_view /*object*/, std::string_view /*command*/,
+void _LOMAssertionFailureHandler(std::string_view object, std::string_view command,
                                  std::string_view functionName, std::string_view fileName,
                                  int lineNumber, std::string_view format,
                                  const std::vector<std::string>& arguments) {
@@ -38,6 +39,8 @@ void _LOMAssertionFailureHandler(std::string_view /*object*/, std::string_view /
         .line = lineNumber,
         .message = formattedText(format, arguments),
         .condition = arguments.empty() ? std::string() : arguments.back(),
+        .object = std::string(object),
+        .command = std::string(command),
     };
     SinkHolder& holder = sinkHolder();
     const std::lock_guard lock(holder.mutex);
@@ -46,6 +49,18 @@ void _LOMAssertionFailureHandler(std::string_view /*object*/, std::string_view /
     } else {
         writeLine(report);
     }
+}
+
+void LOMReportFailedAssertion(std::string_view functionName, std::string_view fileName,
+                              int lineNumber, std::string_view format,
+                              const std::vector<std::string>& arguments) {
+    std::string_view name = functionName;
+    name.remove_prefix(std::min(name.find_first_not_of("-+["), name.size()));
+    name = name.substr(0, name.rfind(']'));
+    const std::size_t blank = std::min(name.rfind(' '), name.size());
+    const std::string object = "<" + std::string(name.substr(0, blank)) + ">";
+    _LOMAssertionFailureHandler(object, name.substr(std::min(blank + 1, name.size())), functionName,
+                                fileName, lineNumber, format, arguments);
 }
 
 void LOMSetAssertionSink(LOMAssertionSink sink) {

@@ -24,14 +24,16 @@ struct LOMAssertionReport {
     std::string message;
     /// The condition's text alone.
     std::string condition;
+    /// A description of the reporting object, and its method; for a host that wants to know more.
+    std::string object = {};
+    std::string command = {};
 };
 
 /// The format of the plain shape; its argument is the condition's text.
 inline constexpr std::string_view LOMAssertionFailedFormat = "Assertion failed: %s";
 
 /// Reports a failed condition to the sink and returns.
-/// - `object`: the description of the reporting object, `command` its method: context that the
-///   default sink does not show.
+/// - `object`: the description of the reporting object, `command` its method.
 /// - `format` with its `arguments`: for the plain shape the condition's text alone; for any other
 ///   the arguments of the format, then the pair LOMAssertionFailedFormat and the condition's text.
 /// May be called from any thread.
@@ -40,6 +42,12 @@ NEB_EXPORT void _LOMAssertionFailureHandler(std::string_view object, std::string
                                             std::string_view fileName, int lineNumber,
                                             std::string_view format,
                                             const std::vector<std::string>& arguments);
+
+/// The same, for a reporter that has no more to tell of itself than its method's full name
+/// "-[Class method:]", from which the object and the command are taken.
+NEB_EXPORT void LOMReportFailedAssertion(std::string_view functionName, std::string_view fileName,
+                                         int lineNumber, std::string_view format,
+                                         const std::vector<std::string>& arguments);
 
 /// Where reports go. Called by one thread at a time; it must not report itself.
 using LOMAssertionSink = std::function<void(const LOMAssertionReport&)>;

@@ -13,7 +13,7 @@ void report(const NEBSourceControlAssertionSite& site, std::string_view format,
             std::vector<std::string> arguments, std::string condition) {
     arguments.emplace_back(LOMAssertionFailedFormat);
     arguments.push_back(std::move(condition));
-    _LOMAssertionFailureHandler({}, {}, site.function, site.file, site.line, format, arguments);
+    LOMReportFailedAssertion(site.function, site.file, site.line, format, arguments);
 }
 
 }  // namespace
@@ -21,8 +21,8 @@ void report(const NEBSourceControlAssertionSite& site, std::string_view format,
 void NEBSourceControlAssert(const NEBSourceControlAssertionSite& site, bool holds,
                             std::string_view condition) {
     if (!holds) {
-        _LOMAssertionFailureHandler({}, {}, site.function, site.file, site.line,
-                                    LOMAssertionFailedFormat, {std::string(condition)});
+        LOMReportFailedAssertion(site.function, site.file, site.line, LOMAssertionFailedFormat,
+                                 {std::string(condition)});
     }
 }
 

@@ -47,6 +47,8 @@ TEST_F(AssertionReports, ThePlainShapeHoldsTheConditionTwice) {
     _LOMAssertionFailureHandler("object", "command", "-[A b]", "Classes/A", 7,
                                 LOMAssertionFailedFormat, {"a > b"});
     ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].object, "object");
+    EXPECT_EQ(reports[0].command, "command");
     EXPECT_EQ(reports[0].function, "-[A b]");
     EXPECT_EQ(reports[0].file, "Classes/A");
     EXPECT_EQ(reports[0].line, 7);
@@ -60,6 +62,20 @@ TEST_F(AssertionReports, ATypedShapeHasTheConditionBehindItsArguments) {
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_EQ(reports[0].message, "x should be y");
     EXPECT_EQ(reports[0].condition, "x == y");
+}
+
+TEST_F(AssertionReports, TheMethodsNameTellsTheObjectAndTheCommand) {
+    LOMReportFailedAssertion("-[NSData(GitUtilities) split:by:]", "Classes/A", 1,
+                             LOMAssertionFailedFormat, {"c"});
+    LOMReportFailedAssertion("odd", "Classes/A", 1, LOMAssertionFailedFormat, {"c"});
+    LOMReportFailedAssertion("", "Classes/A", 1, LOMAssertionFailedFormat, {"c"});
+    ASSERT_EQ(reports.size(), 3U);
+    EXPECT_EQ(reports[0].object, "<NSData(GitUtilities)>");
+    EXPECT_EQ(reports[0].command, "split:by:");
+    EXPECT_EQ(reports[0].function, "-[NSData(GitUtilities) split:by:]");
+    EXPECT_EQ(reports[1].object, "<odd>");
+    EXPECT_EQ(reports[1].command, "");
+    EXPECT_EQ(reports[2].object, "<>");
 }
 
 TEST(AssertionReport, GoesToStandardErrorAsOneLineUnlessTheHostSaysOtherwise) {

@@ -3,30 +3,26 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
+#include "Platform/PathString.h"
 
 namespace neb::test {
 
 namespace {
 
-std::string programNamed(std::string_view name) {
-    const char* variable = std::getenv("PATH");
-    std::string_view rest = variable == nullptr ? "" : variable;
-    while (!rest.empty()) {
-        const std::string_view directory = rest.substr(0, rest.find(':'));
-        std::string path = std::string(directory).append("/").append(name);
-        if (std::filesystem::exists(path)) {
-            return path;
-        }
-        rest.remove_prefix(std::min(directory.size() + 1, rest.size()));
-    }
-    throw std::runtime_error("not on PATH: " + std::string(name));
+std::string gitProgram() {
+    return pathByAppendingComponent(LOMDeveloperPaths::defaultPaths()
+                                        .binSearchPathForPlatform(std::nullopt)
+                                        .preferredDirectoryPath()
+                                        .pathString(),
+                                    "git");
 }
 
 ChildOutcome runGit(const std::string& folder, std::vector<std::string> arguments) {
     ChildProcess process;
-    return process.run({{.launchPath = programNamed("git"),
+    return process.run({{.launchPath = gitProgram(),
                          .arguments = std::move(arguments),
                          .currentDirectoryPath = folder,
                          .environment = NEBSourceControlInheritedEnvironment()}})[0];

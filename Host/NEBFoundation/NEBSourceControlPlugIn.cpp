@@ -4,7 +4,8 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <system_error>
+
+#include "Platform/ErrnoText.h"
 
 namespace neb {
 
@@ -25,8 +26,8 @@ std::string contractFailure(const std::string& path, std::uint32_t version) {
 NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path) {
     struct stat information {};
     if (::stat(path.c_str(), &information) != 0) {
-        return failed("The plug-in \"" + path +
-                      "\" could not be read: " + std::generic_category().message(errno) + ".");
+        return failed("The plug-in \"" + path + "\" could not be read: " + textOfErrno(errno) +
+                      ".");
     }
     if (!S_ISREG(information.st_mode)) {
         return failed("The plug-in \"" + path + "\" is no file.");

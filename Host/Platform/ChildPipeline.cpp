@@ -8,10 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
 #include "Platform/ChildSession.h"
 #include "Platform/ChildSpawn.h"
+#include "Platform/ErrnoText.h"
 #include "Platform/PipeWriters.h"
 
 namespace neb {
@@ -123,8 +123,8 @@ std::optional<std::string> ChildPipeline::startOne(std::size_t index, FileDescri
         failure = setNonBlocking(errorOutput.readEnd);
     }
     if (failure != 0) {
-        return "the program \"" + launch.launchPath + "\" could not be started: no pipe for it: " +
-               std::generic_category().message(failure);
+        return "the program \"" + launch.launchPath +
+               "\" could not be started: no pipe for it: " + textOfErrno(failure);
     }
 
     ChildStreams streams{.standardInput = std::nullopt,
@@ -273,8 +273,8 @@ void ChildPipeline::noteEnd(Child& child) {
     } while (answer != 0 && errno == EINTR);
     if (answer != 0) {
         child.reaped = true;  // by the host, which ignores SIGCHLD or waits for any child
-        child.status = TerminationStatus::unknown("how it ended could not be learned: " +
-                                                  std::generic_category().message(errno));
+        child.status =
+            TerminationStatus::unknown("how it ended could not be learned: " + textOfErrno(errno));
     } else if (information.si_pid == 0) {
         return;  // still running
     } else if (information.si_code == CLD_EXITED) {

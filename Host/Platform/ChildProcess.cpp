@@ -2,9 +2,8 @@
 
 #include <unistd.h>
 
-#include <system_error>
-
 #include "Platform/ChildPipeline.h"
+#include "Platform/ErrnoText.h"
 
 namespace neb {
 
@@ -29,8 +28,8 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
                                             const StartObserver& started) {
     FileDescriptor wake;
     if (const int failure = openWakePipe(wake); failure != 0) {
-        return noneStarted(launches, "could not be started: no pipe for it: " +
-                                         std::generic_category().message(failure));
+        return noneStarted(launches,
+                           "could not be started: no pipe for it: " + textOfErrno(failure));
     }
     if (isCancelled()) {
         closeWakePipe();

@@ -8,8 +8,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 #include <utility>
+
+#include "Platform/ErrnoText.h"
 
 namespace neb {
 
@@ -76,10 +77,6 @@ private:
     int _failure = 0;
 };
 
-std::string reasonText(int failure) {
-    return std::generic_category().message(failure);
-}
-
 /// Why `path` cannot be a working directory, or nothing when it can.
 std::optional<std::string> directoryProblem(const std::string& path) {
     struct stat information {};
@@ -92,7 +89,7 @@ std::optional<std::string> directoryProblem(const std::string& path) {
     if (failure == 0) {
         return std::nullopt;
     }
-    return "the folder \"" + path + "\" could not be entered: " + reasonText(failure);
+    return "the folder \"" + path + "\" could not be entered: " + textOfErrno(failure);
 }
 
 /// posix_spawn answers one errno for the whole preparation, and ENOENT for a missing folder as
@@ -103,7 +100,8 @@ std::string spawnProblem(const ChildLaunch& launch, int failure) {
             return *problem;
         }
     }
-    return "the program \"" + launch.launchPath + "\" could not be started: " + reasonText(failure);
+    return "the program \"" + launch.launchPath +
+           "\" could not be started: " + textOfErrno(failure);
 }
 
 /// A NUL byte would silently cut a text short on its way to the child.

@@ -5,8 +5,8 @@
 
 #include <array>
 #include <cerrno>
-#include <system_error>
 
+#include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
 
 namespace neb::nebsc {
@@ -30,8 +30,7 @@ int readAll(int descriptor, std::string& bytes) {
 }
 
 InputReading failed(const std::string& what, int reason) {
-    return {std::nullopt,
-            what + " could not be read: " + std::generic_category().message(reason) + "."};
+    return {std::nullopt, what + " could not be read: " + textOfErrno(reason) + "."};
 }
 
 }  // namespace

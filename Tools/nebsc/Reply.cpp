@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
+#include "Platform/ErrnoText.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
@@ -46,8 +46,8 @@ int deliver(const Reply& reply) {
     int exitStatus = reply.exitStatus;
     std::string complaints = reply.standardError;
     if (const int failure = writeAll(STDOUT_FILENO, reply.standardOutput); failure != 0) {
-        complaints += complaint("Standard output could not be written: " +
-                                std::generic_category().message(failure) + ".");
+        complaints +=
+            complaint("Standard output could not be written: " + textOfErrno(failure) + ".");
         exitStatus = std::max(exitStatus, exitFailed);
     }
     // There is nobody left to tell when this fails.

@@ -138,7 +138,9 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
 }
 
 NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOutcome& outcome) {
-    Words words{.errorText = textOf(outcome.errorOutput), .outputText = {}};
+    Words words{.errorText = textOf(outcome.errorOutput),
+                .outputText = {},
+                .areAny = !outcome.errorOutput.empty() || !outcome.output.empty()};
     if (!outcome.status.isSuccess()) {
         words.outputText = textOf(outcome.output);
     }
@@ -232,6 +234,11 @@ void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
             told.text = words.errorText + "\n" + words.outputText;
         }
         setError(std::move(told));
+    }
+    if (!error() && words.areAny) {
+        setError(errorOfClass(NEBSourceControlUnknownErrorClass,
+                              "The operation was not completed: \"" + launchPath() +
+                                  "\" ended with " + _terminationStatus->description() + "."));
     }
 }
 

@@ -88,6 +88,7 @@ private:
     struct Words {
         std::string errorText;
         std::string outputText;  // of a child that failed; else empty
+        bool areAny;             // whether it wrote a single byte
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();

@@ -86,19 +86,53 @@ TEST(RequestJSON, ASourceTreeWithoutLocationHasAnEmptyName) {
 TEST(RequestJSON, EveryMemberOfASourceTreeIsRead) {
     const auto tree =
         accepted(
-            R"({"type": 0, "sourceTree": {"class": "NEBSourceControlRepository", "location": "",
+            R"({"type": 0, "sourceTree": {"class": "NEBSourceControlRepository", "location": "/w",
             "name": "", "reachable": false, "isValid": false,
             "isRemoteDistributedRepository": true}})")
             ->sourceTree;
     ASSERT_NE(tree, nullptr);
     EXPECT_EQ(tree->className(), "NEBSourceControlRepository");
-    EXPECT_EQ(tree->location, "");
+    EXPECT_EQ(tree->location, "/w");
     EXPECT_EQ(tree->name, "");
     EXPECT_FALSE(tree->reachable);
     EXPECT_FALSE(tree->isValid);
     const auto* repository = dynamic_cast<const NEBSourceControlRepository*>(tree.get());
     ASSERT_NE(repository, nullptr);
     EXPECT_TRUE(repository->isRemoteDistributedRepository);
+}
+
+TEST(RequestJSON, ALocationIsAnAbsolutePathOrAnAddress) {
+    const auto with = [](const std::string& location) {
+        return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
+    };
+    for (const char* location : {"/w", "~/w", "file:///w", "https://h/r.git", "git@h:r.git"}) {
+        EXPECT_EQ(accepted(with(location))->sourceTree->location, location);
+    }
+    for (const char* location : {"", ".", "relative", "../r"}) {
+        EXPECT_EQ(refusalOf(with(location)),
+                  std::string("The request's member \"sourceTree.location\" is \"") + location +
+                      "\"; an absolute path or a URL was expected.");
+    }
+}
+
+TEST(RequestJSON, NothingIsReadBehindANULByte) {
+    EXPECT_EQ(refusalOf(std::string("{\"type\": 1}\0{\"type\": 9,,,", 23)),
+              "The request is no JSON: byte 12 is NUL.");
+    EXPECT_EQ(refusalOf(std::string("{\"type\": 1\0}", 12)),
+              "The request is no JSON: byte 11 is NUL.");
+}
+
+TEST(RequestJSON, AnEmptyNameIsAName) {
+    EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
+                testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
+}
+
+TEST(RequestJSON, WhatSomebodyElseWroteIsShownInPart) {
+    const std::string large(3000000, 'x');
+    EXPECT_LT(refusalOf("{\"type\": 1, \"" + large + "\": 1}").size(), 1000U);
+    EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"class": ")" + large + "\"}}").size(), 1000U);
+    EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"location": ")" + large + "\"}}").size(),
+              1000U);
 }
 
 TEST(RequestJSON, AGivenNameWinsOverTheLocation) {
@@ -351,8 +385,7 @@ INSTANTIATE_TEST_SUITE_P(RequestJSON, NoJSON,
                                          "{\"type\": 15, \"destination\": \"\xc3\"}",
                                          "{\"\xff\": 15}",
                                          "{\"type\": 15, \"destination\": \"\\ud800\"}",
-                                         "{\"type\": 15, \"destination\": \"a\tb\"}",
-                                         std::string("{\"type\": 1\0}", 12)));
+                                         "{\"type\": 15, \"destination\": \"a\tb\"}"));
 
 TEST(RequestJSON, SaysOnWhichLineTheMistakeIs) {
     EXPECT_THAT(refusalOf("{\n  \"type\": 15,\n}"), HasSubstr("line 3, column 1"));

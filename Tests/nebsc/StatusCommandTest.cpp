@@ -232,6 +232,15 @@ TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
+    const StandInGit git(repository.path(), "exit 3");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "nebsc: git told nothing and ended with exit status 3.\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
 TEST_F(StatusCommand, SaysThatSomebodyStillHeldTheOutput) {
     const TemporaryFolder folder;
     const StandInGit git(repository.path(),

@@ -33,8 +33,8 @@ Interruption::Interruption() {
     if (openPipe(_pipe, PipeSize::ordinary) != 0) {
         return;
     }
-    wakeDescriptor = _pipe.writeEnd.get();
     _watcher = std::thread([this] { watch(); });
+    wakeDescriptor = _pipe.writeEnd.get();
     struct sigaction action {};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
@@ -47,15 +47,19 @@ Interruption::Interruption() {
 }
 
 Interruption::~Interruption() {
-    if (!_watcher.joinable()) {
-        return;
+    end();
+}
+
+std::optional<int> Interruption::end() {
+    if (_watcher.joinable()) {
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            ::sigaction(signals[i], &_formerActions[i], nullptr);
+        }
+        wakeWatcher(endOfWatch);
+        _watcher.join();
+        wakeDescriptor = -1;
     }
-    for (std::size_t i = 0; i < signals.size(); ++i) {
-        ::sigaction(signals[i], &_formerActions[i], nullptr);
-    }
-    wakeWatcher(endOfWatch);
-    _watcher.join();
-    wakeDescriptor = -1;
+    return signalNumber();
 }
 
 void Interruption::watch() {

@@ -10,7 +10,7 @@
 //         const Interruption::Work work(interruption, [&] { operation.cancel(); });
 //         operation.start();
 //     }
-//     interruption.signalNumber();   // present when a signal came
+//     interruption.end();   // the signal, when one came; from here on the next one ends nebsc
 //
 // One object at a time. Signals keep their default where the system has no pipe to give.
 #pragma once
@@ -51,6 +51,10 @@ public:
 
     /// The first signal that came; absent as a rule. From any thread.
     [[nodiscard]] std::optional<int> signalNumber() const;
+
+    /// Gives the signals back what they did before, and answers the first one that came until then.
+    /// From the thread that made the object, once the work is done.
+    std::optional<int> end();
 
 private:
     static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};

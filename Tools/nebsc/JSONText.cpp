@@ -5,22 +5,25 @@
 
 namespace neb::nebsc {
 
+std::string shortened(std::string text) {
+    constexpr std::size_t most = 300;
+    if (text.size() > most) {
+        std::size_t end = most;  // not inside a character
+        while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+            --end;
+        }
+        text.resize(end);
+        text += "…";
+    }
+    return text;
+}
+
 namespace {
 
 using nlohmann::json;
 
 /// Far more than a request has, far less than a stack bears.
 constexpr std::size_t deepestNesting = 32;
-
-/// The parser quotes what it read last, however much that is.
-std::string shortened(std::string text) {
-    constexpr std::size_t most = 300;
-    if (text.size() > most) {
-        text.resize(most);
-        text += "…";
-    }
-    return text;
-}
 
 /// An array or object that is not at its end yet.
 struct OpenNode {
@@ -167,13 +170,19 @@ JSONReading readJSON(std::string_view text) {
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
         return {std::nullopt, "The request is empty; a JSON object was expected."};
     }
+    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
+        // The parser would take it for the end and leave out what follows.
+        return {std::nullopt,
+                "The request is no JSON: byte " + std::to_string(nul + 1) + " is NUL."};
+    }
     TreeBuilder builder;
     json::sax_parse(text, &builder);
     return builder.takeReading();
 }
 
 std::string pathOfMember(std::string_view path, std::string_view name) {
-    return path.empty() ? std::string(name) : std::string(path).append(".").append(name);
+    const std::string_view shown = name.empty() ? "\"\"" : name;
+    return path.empty() ? std::string(shown) : std::string(path).append(".").append(shown);
 }
 
 std::string pathOfElement(std::string_view path, std::size_t index) {
@@ -182,7 +191,7 @@ std::string pathOfElement(std::string_view path, std::size_t index) {
 
 std::string subjectAt(std::string_view path) {
     return path.empty() ? "The request"
-                        : std::string("The request's member \"").append(path).append("\"");
+                        : "The request's member \"" + shortened(std::string(path)) + "\"";
 }
 
 }  // namespace neb::nebsc

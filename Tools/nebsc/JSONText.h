@@ -53,4 +53,7 @@ struct JSONReading {
 /// `The request's member "path"`, or `The request` for the empty path.
 [[nodiscard]] std::string subjectAt(std::string_view path);
 
+/// The text, cut off with "…" where it is too long to be shown to a person: somebody else wrote it.
+[[nodiscard]] std::string shortened(std::string text);
+
 }  // namespace neb::nebsc

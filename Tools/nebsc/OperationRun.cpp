@@ -19,8 +19,8 @@ void noteHeldOutput(Reply& reply, const Outcome& outcome) {
     }
 }
 
-void noteInterruption(Reply& reply, const Interruption& interruption) {
-    if (const auto signalNumber = interruption.signalNumber()) {
+void noteInterruption(Reply& reply, std::optional<int> signalNumber) {
+    if (signalNumber) {
         reply.standardError =
             complaint("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
         reply.exitStatus = exitOfSignal(*signalNumber);

@@ -15,6 +15,6 @@ namespace neb::nebsc {
 void noteHeldOutput(Reply& reply, const Outcome& outcome);
 
 /// When a signal came, it alone is what standard error and the exit status tell.
-void noteInterruption(Reply& reply, const Interruption& interruption);
+void noteInterruption(Reply& reply, std::optional<int> signalNumber);
 
 }  // namespace neb::nebsc

@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "InputFile.h"
+#include "JSONText.h"
 #include "OperationRun.h"
 #include "OutcomeJSON.h"
 #include "RequestJSON.h"
@@ -19,8 +20,10 @@ Reply requestCommand(const HostSession& session, const RequestCall& call) {
     Interruption interruption;
     const auto run = call.isDryRun ? HostSession::Runner() : interruptibleRunner(interruption);
     const Performance performance = session.perform(reading.request, run);
+    // No child is left by now: from here on a signal may end nebsc at once.
+    const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
-        return refusal("The request's member \"" + value->field + "\" is \"" + value->value +
+        return refusal(subjectAt(value->field) + " is \"" + shortened(value->value) +
                            "\"; it is refused here, as git would take it for an option.",
                        exitNotUnderstood);
     }
@@ -28,7 +31,7 @@ Reply requestCommand(const HostSession& session, const RequestCall& call) {
                 .standardError = {},
                 .exitStatus = performance.outcome->error ? exitFailed : exitDone};
     noteHeldOutput(reply, *performance.outcome);
-    noteInterruption(reply, interruption);
+    noteInterruption(reply, signalNumber);
     return reply;
 }
 

@@ -55,7 +55,8 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
         return repository;
     }
     if (className != "NEBSourceControlWorkingTree") {
-        refusal.sentence = subjectAt(pathOfMember(place.path, "class")) + " is \"" + className +
+        refusal.sentence = subjectAt(pathOfMember(place.path, "class")) + " is \"" +
+                           shortened(className) +
                            "\"; NEBSourceControlWorkingTree or NEBSourceControlRepository was "
                            "expected.";
         return nullptr;
@@ -70,6 +71,12 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
     return std::make_shared<NEBSourceControlWorkingTree>();
 }
 
+/// An absolute path, a URL, or the address "host:path" of a repository. A relative path would mean
+/// whatever folder nebsc happens to be in.
+bool isLocation(std::string_view location) {
+    return isAbsolutePath(location) || location.find(':') != std::string_view::npos;
+}
+
 bool readSourceTree(Refusal& refusal, const Place& place,
                     std::shared_ptr<NEBSourceControlSourceTree>& tree) {
     if (place.node.kind == Kind::null) {
@@ -80,6 +87,12 @@ bool readSourceTree(Refusal& refusal, const Place& place,
     }
     SourceTreeMembers members;
     if (!readMembers<SourceTreeMembers>(refusal, place, sourceTreeMembers, members)) {
+        return false;
+    }
+    if (members.location && !isLocation(*members.location)) {
+        refusal.sentence = subjectAt(pathOfMember(place.path, "location")) + " is \"" +
+                           shortened(*members.location) +
+                           "\"; an absolute path or a URL was expected.";
         return false;
     }
     tree = makeSourceTree(refusal, place, members);

@@ -82,7 +82,20 @@ std::string textOfRecords(const NEBSourceControlResult& records, const StatusPla
            printable("\"" + lastPathComponent(place.location) + "\"") + " has no changes.\n";
 }
 
+/// How git failed when it did so without a word, which makes no error; nothing when it did not.
+std::optional<std::string> silentFailure(const Outcome& outcome) {
+    if (outcome.error || outcome.commands.empty() ||
+        outcome.commands.back().terminationStatus.value_or(0) == 0) {
+        return std::nullopt;
+    }
+    return "git told nothing and ended with exit status " +
+           std::to_string(*outcome.commands.back().terminationStatus) + ".";
+}
+
 Reply replyOf(const Outcome& outcome, const StatusPlace& place, const StatusCall& call) {
+    if (const auto failure = silentFailure(outcome); failure && !call.isJSON) {
+        return refusal(*failure, exitFailed);
+    }
     Reply reply;
     const bool hasRecords = outcome.result && !outcome.result->empty();
     const bool isMissing = !outcome.error && !hasRecords && !place.pathExists;
@@ -118,15 +131,16 @@ Reply statusCommand(const HostSession& session, const StatusCall& call) {
     // A status request has no value that git could take for an option, so there is an outcome.
     const Outcome outcome =
         *session.perform(statusRequest(*search.place), interruptibleRunner(interruption)).outcome;
+    const std::optional<int> signalNumber = interruption.end();
     if (!outcome.operation && !outcome.error) {
         return refusal("The plug-in has no operation for the status.", exitFailed);
     }
     Reply reply = replyOf(outcome, *search.place, call);
-    if (interruption.signalNumber() && !call.isJSON) {
+    if (signalNumber && !call.isJSON) {
         reply.standardOutput.clear();
     }
     noteHeldOutput(reply, outcome);
-    noteInterruption(reply, interruption);
+    noteInterruption(reply, signalNumber);
     return reply;
 }
 

@@ -12,7 +12,7 @@ Reply versionCommand(const NEBSourceControlPlugIn& plugIn, bool isJSON) {
     const std::optional<std::string> gitVersion = answerOf(git);
     Reply reply;
     if (interruption.signalNumber()) {
-        noteInterruption(reply, interruption);
+        noteInterruption(reply, interruption.end());
     } else if (isJSON) {
         reply.standardOutput =
             lineOfJSON({{"nebsc", NEBSC_VERSION},

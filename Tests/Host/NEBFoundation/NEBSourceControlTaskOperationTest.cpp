@@ -162,11 +162,22 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
 }
 
 TEST_F(TaskOperation, AFailureWithoutAWordLeavesNoError) {
-    for (const char* silent : {"exit 1", "echo; echo ' ' >&2; exit 1"}) {
-        auto operation = script(silent);
+    auto operation = script("exit 1");
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
+}
+
+TEST_F(TaskOperation, AFailureThatWritesOnlyBlanksIsAnErrorThatTellsItsStatus) {
+    for (const char* blank : {"echo; exit 3", "echo ' ' >&2; exit 3"}) {
+        auto operation = script(blank);
         operation->start();
-        EXPECT_EQ(operation->error(), std::nullopt) << silent;
-        EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
+        EXPECT_THAT(operation->error(),
+                    IsSourceControlError(-1,
+                                         "The operation was not completed: \"/bin/sh\" ended "
+                                         "with exit status 3."))
+            << blank;
+        EXPECT_THAT(operation->error(), HasErrorClass("unknown"));
     }
 }
 

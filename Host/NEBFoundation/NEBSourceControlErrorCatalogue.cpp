@@ -302,16 +302,21 @@ std::string withoutNames(std::string_view line) {
     const auto isClosing = [line](std::size_t i) {
         return line[i] == '\'' && (i + 1 == line.size() || !isWordCharacter(line[i + 1]));
     };
+    // One behind the last closing quote: behind it, no opening one is looked up in vain.
+    std::size_t lastClosing = line.size();
+    while (lastClosing > 0 && !isClosing(lastClosing - 1)) {
+        --lastClosing;
+    }
     std::string text;
     for (std::size_t i = 0; i < line.size(); ++i) {
         text += line[i];
-        std::size_t end = i + 1;
-        while (isOpening(i) && end < line.size() && !isClosing(end)) {
-            ++end;
-        }
-        if (isOpening(i) && end < line.size()) {
+        if (isOpening(i) && i + 1 < lastClosing) {
+            std::size_t end = i + 1;
+            while (!isClosing(end)) {
+                ++end;
+            }
             const std::string_view name = line.substr(i + 1, end - i - 1);
-            text += name.ends_with("index.lock") ? "index.lock\'" : "\'";
+            text += name.ends_with("index.lock") ? "index.lock'" : "'";
             i = end;
         }
     }

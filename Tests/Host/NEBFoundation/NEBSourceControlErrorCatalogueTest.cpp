@@ -285,6 +285,16 @@ TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
     }
 }
 
+TEST(ErrorClasses, ALineOfQuotesIsReadOnce) {
+    std::string text = "fatal: bad object x";
+    for (int i = 0; i < 1000000; ++i) {
+        text += " 'a";  // opens, and is never closed: hours, if each were followed to the end
+    }
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(text), "revision-unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("'"), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("''"), "unknown");
+}
+
 TEST(ErrorClasses, ThePiecesOfASignStandInTheirOrder) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText("does not match any src refspec "), "unknown");
     EXPECT_EQ(NEBSourceControlErrorClassOfText("remote:fatal: not a git repository"), "unknown");

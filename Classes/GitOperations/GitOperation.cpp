@@ -15,11 +15,9 @@ namespace {
 std::atomic<const std::string*> gitPath = nullptr;
 
 std::string findGit() {
-    return pathByAppendingComponent(LOMDeveloperPaths::defaultPaths()
-                                        .binSearchPathForPlatform(std::nullopt)
-                                        .preferredDirectoryPath()
-                                        .pathString(),
-                                    "git");
+    return LOMDeveloperPaths::defaultPaths()
+        .binSearchPathForPlatform(std::nullopt)
+        .pathOfProgram("git");
 }
 
 }  // namespace

@@ -39,6 +39,10 @@ std::string firstDirectoryWithGit() {
 
 }  // namespace
 
+std::string LOMSearchPath::pathOfProgram(std::string_view name) const {
+    return pathByAppendingComponent(_preferredDirectory.pathString(), name);
+}
+
 LOMDeveloperPaths& LOMDeveloperPaths::defaultPaths() {
     static LOMDeveloperPaths paths;
     return paths;

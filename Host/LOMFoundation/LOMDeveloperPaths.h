@@ -3,6 +3,7 @@
 
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "LOMFoundation/LOMFilePath.h"
@@ -16,6 +17,8 @@ public:
     explicit LOMSearchPath(LOMFilePath preferredDirectory)
         : _preferredDirectory(std::move(preferredDirectory)) {}
     [[nodiscard]] const LOMFilePath& preferredDirectoryPath() const { return _preferredDirectory; }
+    /// The path of the program of that name in the preferred directory, whether it is there or not.
+    [[nodiscard]] std::string pathOfProgram(std::string_view name) const;
 
 private:
     LOMFilePath _preferredDirectory;

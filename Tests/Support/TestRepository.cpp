@@ -6,18 +6,15 @@
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
-#include "Platform/PathString.h"
 
 namespace neb::test {
 
 namespace {
 
 std::string gitProgram() {
-    return pathByAppendingComponent(LOMDeveloperPaths::defaultPaths()
-                                        .binSearchPathForPlatform(std::nullopt)
-                                        .preferredDirectoryPath()
-                                        .pathString(),
-                                    "git");
+    return LOMDeveloperPaths::defaultPaths()
+        .binSearchPathForPlatform(std::nullopt)
+        .pathOfProgram("git");
 }
 
 ChildOutcome runGit(const std::string& folder, std::vector<std::string> arguments) {

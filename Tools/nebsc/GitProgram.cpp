@@ -2,16 +2,15 @@
 
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
-#include "Platform/PathString.h"
 
 namespace neb::nebsc {
 
 namespace {
 
 std::string gitPath() {
-    const LOMSearchPath places =
-        LOMDeveloperPaths::defaultPaths().binSearchPathForPlatform(std::nullopt);
-    return pathByAppendingComponent(places.preferredDirectoryPath().pathString(), "git");
+    return LOMDeveloperPaths::defaultPaths()
+        .binSearchPathForPlatform(std::nullopt)
+        .pathOfProgram("git");
 }
 
 }  // namespace

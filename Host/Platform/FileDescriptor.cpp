@@ -39,12 +39,13 @@ FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
     return *this;
 }
 
-void FileDescriptor::close() {
-    if (_descriptor >= 0) {
-        // Not retried on EINTR: Linux has released the number by then, and another thread may own
-        // it.
-        ::close(std::exchange(_descriptor, -1));
+int FileDescriptor::close() {
+    if (_descriptor < 0) {
+        return 0;
     }
+    // Not retried on EINTR: Linux has released the number by then, and another thread may own it.
+    const bool isClosed = ::close(std::exchange(_descriptor, -1)) == 0;
+    return isClosed || errno == EINTR ? 0 : errno;
 }
 
 int openPipe(Pipe& pipe, PipeSize size) {

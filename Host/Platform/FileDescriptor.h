@@ -23,8 +23,9 @@ public:
     /// The number, or -1 when nothing is open.
     [[nodiscard]] int get() const { return _descriptor; }
     [[nodiscard]] bool isOpen() const { return _descriptor >= 0; }
-    /// Closes now; without effect when nothing is open.
-    void close();
+    /// Closes now; without effect when nothing is open. Answers 0, or the errno of what the system
+    /// could not do with bytes written earlier; nothing is open in either case.
+    int close();
 
 private:
     int _descriptor = -1;

@@ -1,0 +1,45 @@
+#include "GitOperations/GitComposite.h"
+
+namespace neb {
+
+std::shared_ptr<OperationQueue> GitSubOperations::queue() const {
+    const std::lock_guard lock(_mutex);
+    return _queue;
+}
+
+void GitSubOperations::setQueue(std::shared_ptr<OperationQueue> queue) {
+    const std::lock_guard lock(_mutex);
+    _queue.swap(queue);
+}
+
+void GitSubOperations::add(const NEBSourceControlOperation& composite,
+                           std::shared_ptr<NEBSourceControlOperation> operation) {
+    operation->setCommandLog(composite.commandLog());
+    operation->setBackgroundWork(composite.isBackgroundWork());
+    _added.push_back(operation);
+    queue()->addOperation(operation);
+    // Whoever cancels marks the composite first and looks at the queue then: one of the two sees.
+    if (composite.isCancelled()) {
+        operation->cancel();
+    }
+}
+
+void GitSubOperations::wait(NEBSourceControlOperation& composite) {
+    queue()->waitUntilAllOperationsAreFinished();
+    for (const auto& operation : std::exchange(_added, {})) {
+        if (operation->outputWasHeldOpen()) {
+            composite.setOutputWasHeldOpen(true);
+        }
+    }
+    if (composite.isCancelled()) {
+        composite.setError(NEBSourceControlCancelledError());
+    }
+}
+
+void GitSubOperations::cancelAll() {
+    if (const auto running = queue()) {
+        running->cancelAllOperations();
+    }
+}
+
+}  // namespace neb

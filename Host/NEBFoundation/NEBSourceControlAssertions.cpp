@@ -50,4 +50,19 @@ void NEBSourceControlAssertNonEmptyString(const NEBSourceControlAssertionSite& s
     }
 }
 
+void NEBSourceControlAssertInstance(const NEBSourceControlAssertionSite& site,
+                                    const NEBValue& value, bool isInstance,
+                                    std::string_view expression, std::string_view className) {
+    const std::string text(expression);
+    const std::string name(className);
+    if (!value.isPresent()) {
+        report(site, "%s should be an instance inheriting from %@, but it is nil", {text, name},
+               "(" + text + ") != nil");
+    } else if (!isInstance) {
+        report(site, "%s should be an instance inheriting from %@, but it is %@",
+               {text, name, value.descriptionForAssertionMessage()},
+               "[(id)(" + text + ") isKindOfClass:[" + name + " class]]");
+    }
+}
+
 }  // namespace neb

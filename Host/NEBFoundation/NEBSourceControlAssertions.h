@@ -38,4 +38,11 @@ NEB_EXPORT void NEBSourceControlAssertNonEmptyString(const NEBSourceControlAsser
                                                      const NEBValue& value,
                                                      std::string_view expression);
 
+/// "%s should be an instance inheriting from %@, …": the value is absent, or `isInstance` says that
+/// it is of another class than `className`.
+NEB_EXPORT void NEBSourceControlAssertInstance(const NEBSourceControlAssertionSite& site,
+                                               const NEBValue& value, bool isInstance,
+                                               std::string_view expression,
+                                               std::string_view className);
+
 }  // namespace neb

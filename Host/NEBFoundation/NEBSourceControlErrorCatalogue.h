@@ -13,11 +13,12 @@
 
 namespace neb {
 
-// The classes that no text shows.
+// The classes that no text shows, or not always.
 inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
 inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
 inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
+inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
 
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
 /// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else

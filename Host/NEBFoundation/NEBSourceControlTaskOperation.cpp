@@ -240,6 +240,9 @@ void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
                               "The operation was not completed: \"" + launchPath() +
                                   "\" ended with " + _terminationStatus->description() + "."));
     }
+    if (!error() || error()->errorClass == NEBSourceControlUnknownErrorClass) {
+        setError(errorFromUnknownFailure(error()));
+    }
 }
 
 void NEBSourceControlTaskOperation::makeErrorFromAbnormalEnd() {

@@ -62,13 +62,22 @@ public:
     [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message);
 
+    /// Asked when the child has failed with an exit status, and what it said shows no class of
+    /// failure (`error` is of the class "unknown") or it said nothing at all (`error` is absent).
+    /// An operation that knows what such an end means answers a better error; the base's version
+    /// answers the one that it is given.
+    [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) {
+        return error;
+    }
+
     /// In this order: launches launchPath() with arguments() in currentDirectoryPath(); collects
     /// data() and errorData(); calls parseData(); hands an error text that is left to
     /// errorFromErrorMessage() and keeps the error that comes back. Then:
     /// - A child that failed (exit status other than 0) and wrote anything does not end without an
     ///   error: if there is none yet, one is made from all that it wrote to standard error, or
     ///   from standard output where only that tells what happened. One that failed without a word
-    ///   leaves no error.
+    ///   leaves no error, unless errorFromUnknownFailure() makes one.
     /// - A child that could not be started, or that a signal ended, is an error that says so.
     /// - A cancelled operation ends with NEBSourceControlCancelledError().
     /// With a pipeToOperation() both children run at once; the result or the error that the second

@@ -3,8 +3,15 @@
 #include <algorithm>
 #include <iterator>
 
+#include "GitOperations/GitCheckout.h"
+#include "GitOperations/GitCommit.h"
+#include "GitOperations/GitCopy.h"
 #include "GitOperations/GitIgnoreOperation.h"
+#include "GitOperations/GitInfo.h"
+#include "GitOperations/GitMerge.h"
+#include "GitOperations/GitNewRepository.h"
 #include "GitOperations/GitStatus.h"
+#include "GitOperations/GitTrackedFiles.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -169,8 +176,22 @@ struct DispatchRow {
 
 /// Types that are not here have no operation.
 constexpr DispatchRow dispatchRows[] = {
+    {NEBSourceControlRequestAdd, &make<GitAddOperation>},
+    {NEBSourceControlRequestCommit, &make<GitCommitOperation>},
     {NEBSourceControlRequestIgnore, &make<GitIgnoreOperation>},
+    {NEBSourceControlRequestRemove, &make<GitRemoveOperation>},
+    {NEBSourceControlRequestAddFiles, &make<GitAddOperation>},
+    {NEBSourceControlRequestRevert, &make<GitCheckoutOperation>},
+    {NEBSourceControlRequestMakeDirectory, &make<GitMakeDirectoryOperation>},
+    {NEBSourceControlRequestMerge, &make<GitMergeOperation>},
+    {NEBSourceControlRequestCopy, &make<GitCopyOperation>},
+    {NEBSourceControlRequestMove, &make<GitMoveOperation>},
+    {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>},
     {NEBSourceControlRequestStatus, &make<GitStatusOperation>},
+    {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
+    {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
+    {NEBSourceControlRequestClone, &make<GitCloneOperation>},
+    {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
 };
 
 }  // namespace

@@ -54,6 +54,21 @@ std::vector<std::string> GitOperation::defaultArguments() const {
     return arguments;
 }
 
+void GitOperation::setArgumentsBehindDefaults(const std::vector<std::string>& arguments) {
+    std::vector<std::string> all = defaultArguments();
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    setArguments(std::move(all));
+}
+
+void GitOperation::appendFiles(std::vector<std::string>& arguments) const {
+    for (std::size_t i = 0; i < request()->fileCount(); ++i) {
+        const NEBValue& file = (*request()->files)[i];
+        if (file.isPresent()) {
+            arguments.push_back(file.description());
+        }
+    }
+}
+
 std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
     if (!message) {

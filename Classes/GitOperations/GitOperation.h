@@ -40,6 +40,12 @@ public:
     /// without a state.
     [[nodiscard]] static std::optional<NEBDictionary> parseForStatusAndPathWithLine(
         std::string_view line, std::string_view fullPath);
+
+protected:
+    /// Sets the arguments, behind those of defaultArguments().
+    void setArgumentsBehindDefaults(const std::vector<std::string>& arguments);
+    /// Appends the request's files, each as it is; an absent one leaves no trace.
+    void appendFiles(std::vector<std::string>& arguments) const;
 };
 
 }  // namespace neb

@@ -55,6 +55,7 @@ const std::vector<NeedsRow>& neededRows() {
         {36, "track remote branch", false, {"destination", "remote name option", "branch option"}},
         {37, "fetch", true, {"remote", "remote name option"}},
         {38, "tracking branch name", false, {"branch option"}},
+        {39, "merge base", false, {"starting revision", "ending revision"}},
     };
     return rows;
 }

@@ -16,12 +16,14 @@ struct NeedWords {
 };
 
 /// What the conditions that a plug-in reports mean to a person.
-constexpr std::array<NeedWords, 10> needWords{{
+constexpr std::array<NeedWords, 12> needWords{{
     {"request.destination", "destination"},
     {"(request.destination) != nil", "destination"},
     {"[request.files count] > 0", "at least one file"},
     {"[request.files count] == 1", "exactly one file"},
     {"request.startingRevision", "starting revision"},
+    {"(startingRevision) != nil", "starting revision"},
+    {"(endingRevision) != nil", "ending revision"},
     {"request.sourceTree.location", "source tree location"},
     {"((request.remote)) != nil", "remote"},
     {"[request.options objectForKey:NEBSourceControlRequestOptionBranch]", "branch option"},

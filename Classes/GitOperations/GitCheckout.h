@@ -1,0 +1,25 @@
+// GitCheckout.h - request types 14 (checkout) and 7 (revert).
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "GitOperations/GitOperation.h"
+
+namespace neb {
+
+/// A checkout switches the working copy to the destination, a branch or revision, carrying local
+/// changes over by a three-way merge. A revert throws away the changes of the files that are not
+/// staged.
+///
+/// The result is one record with NEBSourceControlOperationContentKey, what git said on standard
+/// error: a notice such as "Switched to branch 'topic'", as a rule nothing for a revert.
+class GitCheckoutOperation : public GitOperation {
+public:
+    explicit GitCheckoutOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitCheckoutOperation"; }
+    void parseData() override;
+};
+
+}  // namespace neb

@@ -1,0 +1,71 @@
+#include "GitOperations/GitTrackedFiles.h"
+
+#include "LOMFoundation/LOMFilePath.h"
+#include "NEBFoundation/NEBSourceControlAssertions.h"
+
+namespace neb {
+
+namespace {
+
+constexpr NEBSourceControlAssertionSite pathStringSite{
+    .function = "-[GitAddOperation initWithRequest:]",
+    .file = "Classes/GitOperations",
+    .line = 672};
+
+bool isFolder(const std::string& path) {
+    const auto attributes = LOMFilePath::filePathForPathString(path).fileAttributes();
+    return attributes && attributes->fileType == LOMFileType::directory;
+}
+
+/// The file's path, a folder's with a "/" at its end.
+std::string pathToAdd(const NEBValue& file) {
+    std::string path = file.description();
+    if (!path.ends_with('/') && isFolder(path)) {
+        path += '/';
+    }
+    return path;
+}
+
+}  // namespace
+
+GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"add", "--"};
+    const NEBSourceControlRequest& asked = *this->request();
+    if (asked.destination.isPresent()) {
+        arguments.push_back(asked.destination.description());
+    } else if (asked.fileCount() == 0) {
+        arguments.emplace_back(".");
+    } else {
+        for (const NEBValue& file : *asked.files) {
+            NEBSourceControlAssertInstance(pathStringSite, file, file.isString(), "pathString",
+                                           "NSString");
+            if (file.isPresent()) {
+                arguments.push_back(pathToAdd(file));
+            }
+        }
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+GitRemoveOperation::GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"rm", "-f", "-r", "--"};
+    appendFiles(arguments);
+    setArguments(std::move(arguments));
+}
+
+GitMoveOperation::GitMoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"mv"};
+    const NEBSourceControlRequest& asked = *this->request();
+    if (asked.fileCount() > 0 && asked.files->front().isPresent()) {
+        arguments.push_back(asked.files->front().description());
+    }
+    if (asked.destination.isPresent()) {
+        arguments.push_back(asked.destination.description());
+    }
+    setArguments(std::move(arguments));
+}
+
+}  // namespace neb

@@ -20,6 +20,13 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitCheckoutOperation"; }
     void parseData() override;
+    /// A checkout of what git knows neither as a revision nor as a file is told as that, though git
+    /// speaks of a path.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override;
+    /// The hook that runs after a checkout makes git fail, though all is done.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) override;
 };
 
 }  // namespace neb

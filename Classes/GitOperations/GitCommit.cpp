@@ -1,9 +1,7 @@
 #include "GitOperations/GitCommit.h"
 
-#include <array>
-
+#include "GitOperations/GitHookFailure.h"
 #include "GitOperations/GitRevision.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 
 namespace neb {
@@ -25,21 +23,6 @@ std::optional<std::string_view> secondWord(std::string_view text) {
     }
     const std::string_view rest = text.substr(blank + 1);
     return rest.substr(0, rest.find(' '));
-}
-
-/// Whether a line of the text is one in which git itself says why it failed.
-bool tellsCauseOfGitsOwn(std::string_view text) {
-    constexpr std::array<std::string_view, 2> beginnings{"error: ", "fatal: "};
-    while (!text.empty()) {
-        for (const std::string_view beginning : beginnings) {
-            if (text.starts_with(beginning)) {
-                return true;
-            }
-        }
-        const std::size_t end = text.find('\n');
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    }
-    return false;
 }
 
 }  // namespace
@@ -74,21 +57,9 @@ void GitCommitOperation::parseData() {
     setResult({{std::move(record)}});
 }
 
-/// git itself prints nothing then, and ends with 1; what the hook printed, on whichever stream,
-/// comes on standard error.
 std::optional<NEBSourceControlError> GitCommitOperation::errorFromUnknownFailure(
     std::optional<NEBSourceControlError> error) {
-    const std::string words = _nebsc_stringFromData(errorData()).value_or("");
-    const bool isSilent = !data() || data()->empty();
-    if (terminationStatus()->exitStatus() != 1 || !isSilent || tellsCauseOfGitsOwn(words)) {
-        return error;
-    }
-    auto refusal = NEBSourceControlError::withDescription(
-        NEBSourceControlGenericError,
-        error ? "A hook of the repository refused the commit."
-              : "A hook of the repository refused the commit and did not say why.");
-    refusal.errorClass = NEBSourceControlLocalHookErrorClass;
-    return refusal;
+    return gitErrorOfHook(*this, std::move(error), "A hook of the repository refused the commit.");
 }
 
 }  // namespace neb

@@ -22,8 +22,6 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitCommitOperation"; }
     void parseData() override;
-
-protected:
     /// A commit that fails without a word of git's own was refused by a hook.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
         std::optional<NEBSourceControlError> error) override;

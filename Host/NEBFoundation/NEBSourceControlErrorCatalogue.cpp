@@ -15,11 +15,19 @@ struct Sign {
     std::string_view first, second = {};
 };
 
+/// What a person is told where the text of git says less.
+struct Sentence {
+    std::string_view description = {};  // "%@" is the source tree's name
+    std::string_view suggestion = {};
+};
+
 struct Row {
     std::string_view errorClass;
     std::int64_t code;
     /// Any of them shows the class.
     std::array<Sign, 7> signs;
+    /// Without a description, the text itself is the error's.
+    Sentence sentence = {};
 };
 
 constexpr std::int64_t generic = NEBSourceControlGenericError;
@@ -37,10 +45,26 @@ constexpr std::int64_t fastForward = NEBSourceControlFastForwardError;
 constexpr std::int64_t binaryMerge = NEBSourceControlBinaryMergeError;
 constexpr std::int64_t noPermission = NEBSourceControlNoPermissionError;
 
+constexpr Sentence uncommittedChanges{
+    "The operation could not be performed because the working copy \"%@\" has uncommitted changes.",
+    ""};
+constexpr Sentence notTheLatest{
+    "The operation could not be performed because \"%@\" does not have the latest remote changes.",
+    "Pull the remote changes and try again."};
+
 /// The first row that a text shows decides: what is special stands before what is general, and the
 /// cause before what only accompanies it. In a comment, the git version that brought a text in or
 /// did away with it, where one did.
 constexpr Row rows[] = {
+    // a hook's own words stand before this, and must not choose
+    {"message-empty",
+     generic,
+     {{{"empty commit message.", "not committing merge; use '"}}},
+     {"The commit has no message; nothing was committed."}},
+    {NEBSourceControlLocalHookErrorClass.text(),
+     generic,
+     {{{"not committing merge; use '"}}},
+     {"A hook of the repository refused the merge; it is made, but not committed."}},
     // the machine
     {"disk-full", generic, {{{"no space left on device"}, {"disk quota exceeded"}}}},
     {"owner-not-trusted",
@@ -107,13 +131,15 @@ constexpr Row rows[] = {
     // a push that was refused; the reason stands in brackets behind the branch
     {"push-stale",
      remoteAhead,
-     {{{"[rejected]", "(stale info)"}, {"[rejected]", "(remote ref updated since checkout)"}}}},
+     {{{"[rejected]", "(stale info)"}, {"[rejected]", "(remote ref updated since checkout)"}}},
+     notTheLatest},
     {"remote-ahead",
      remoteAhead,
      {{{"[rejected]", "(fetch first)"},
        {"(non-fast-forward)", "failed to push some refs"},  // a fetch says the first part too
        {"merge the remote changes (e.g. '"},                // until 1.8.3
-       {"transaction is out of date"}}}},                   // Subversion
+       {"transaction is out of date"}}},                    // Subversion
+     notTheLatest},
     {"diverged", generic, {{{"[rejected]", "(non-fast-forward)"}}}},
     {"remote-hook-refused",
      generic,
@@ -135,7 +161,8 @@ constexpr Row rows[] = {
     {"local-changes",
      uncommitted,
      {{{"your local changes to the following files would be overwritten by"},
-       {"cannot continue with staged changes in the following files"}}}},
+       {"cannot continue with staged changes in the following files"}}},
+     uncommittedChanges},
     {"untracked-in-the-way",
      generic,
      {{{"untracked working tree file", "would be overwritten by"},
@@ -143,16 +170,26 @@ constexpr Row rows[] = {
     {"conflict-unresolved",
      generic,
      {{{"because you have unmerged files"}, {"you need to resolve your current index first"}}}},
-    {"merge-unfinished", generic, {{{"you have not concluded your merge"}}}},
+    {"merge-unfinished",
+     generic,
+     {{{"you have not concluded your merge"}, {"cannot do a partial commit during a "}}}},
     {"needs-clean-tree",
      uncommitted,
      {{{"you have unstaged changes"},
        {"index contains uncommitted changes"},
        {"update-index --refresh:"},            // Subversion
        {"cannot dcommit with a dirty index"},  // Subversion
-       {"cannot rebase: "}}}},
+       {"cannot rebase: "}}},
+     uncommittedChanges},
     {"conflict", binaryMerge, {{{"cannot merge binary files"}}}},
-    {"conflict", generic, {{{"conflict ("}, {"automatic merge failed"}, {"could not apply "}}}},
+    {"conflict",
+     generic,
+     {{{"could not apply "}}}},  // a rebase, which goes on otherwise than a merge
+    {"conflict",
+     generic,
+     {{{"conflict ("}, {"automatic merge failed"}}},
+     {"There are conflicts that could not be settled automatically.",
+      "Settle them in the files, add these, and commit."}},
     {"no-commits-yet", generic, {{{"does not have any commits yet"}}}},
     {"not-a-repository", generic, {{{"not a git repository"}, {"invalid gitfile format"}}}},
     {"no-work-tree", generic, {{{"must be run in a work tree"}}}},
@@ -171,6 +208,7 @@ constexpr Row rows[] = {
      {{{"did not match any file"},
        {"not under version control, source="},
        {"bad source, source="}}}},
+    {"path-ignored", generic, {{{"paths are ignored by one of your .gitignore files"}}}},
     {"path-invalid", generic, {{{"empty string is not a valid pathspec"}}}},
     {"path-outside", generic, {{{"' is outside repository"}}}},
     {"revision-unknown",
@@ -208,13 +246,20 @@ constexpr Row rows[] = {
      noTracking,
      {{{"has no upstream branch"},
        {"there is no tracking information for the current branch"},
-       {"because this is not the default configured remote"}}}},
+       {"because this is not the default configured remote"},
+       {"no remote for the current branch"},
+       {"no default upstream defined for the current branch"}}}},
     {"destination-exists",
      targetExists,
      {{{"destination exists, source="},
        {"destination already exists, source="},
        {"cannot move directory over file, source="}}}},
     {"destination-exists", generic, {{{"already exists and is not an empty directory"}}}},
+    {"destination-missing",
+     generic,
+     {{{"destination directory does not exist, source="},
+       {"renaming '", "' failed: no such file or directory"},
+       {"invalid path '", "': no such file or directory"}}}},
     {"source-directory-empty", sourceEmpty, {{{"source directory is empty"}}}},
     // histories
     {"diverged", fastForward, {{{"not possible to fast-forward"}}}},
@@ -223,13 +268,26 @@ constexpr Row rows[] = {
     // commits
     {"nothing-to-commit",
      generic,
-     {{{"nothing to commit"}, {"no changes added to commit"}, {"nothing added to commit"}}}},
+     {{{"no changes added to commit"}}},
+     {"There is nothing to commit: no change has been added.",
+      "Add the changes that belong to the commit, or name their files."}},
+    {"nothing-to-commit",
+     generic,
+     {{{"nothing added to commit"}}},
+     {"There is nothing to commit: all that is new are files that are not tracked yet.",
+      "Add the files that belong to the commit."}},
+    {"nothing-to-commit", generic, {{{"nothing to commit"}}}, {"There is nothing to commit."}},
     {"identity-unknown",
      generic,
      {{{"please tell me who you are"},
        {"empty ident name"},
-       {"no email was given and auto-detection is disabled"}}}},
-    {"message-empty", generic, {{{"aborting commit due to empty commit message"}}}},
+       {"no email was given and auto-detection is disabled"}}},
+     {"The commit has no author: your name or your e-mail address is not configured.",
+      "Set user.name and user.email in git's configuration and try again."}},
+    {"message-empty",
+     generic,
+     {{{"aborting commit due to empty commit message"}}},
+     {"The commit has no message; nothing was committed."}},
     {"signing-failed", generic, {{{"failed to sign the data"}, {"failed to write commit object"}}}},
     // the rest
     {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
@@ -241,23 +299,6 @@ constexpr Row rows[] = {
      {{{"no url found for submodule path"}, {"git-lfs"}, {"patch does not apply"}}}},
     // accompanies most failures on the way to the far end, and stands alone where no cause is told
     {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
-};
-
-/// Sentences of a class's own, for codes of which the text of git says less.
-struct Sentence {
-    std::int64_t code;
-    std::string_view description;  // with the source tree's name
-    std::string_view suggestion;
-};
-
-constexpr Sentence sentences[] = {
-    {uncommitted,
-     "The operation could not be performed because the working copy \"%@\" has uncommitted "
-     "changes.",
-     ""},
-    {remoteAhead,
-     "The operation could not be performed because \"%@\" does not have the latest remote changes.",
-     "Pull the remote changes and try again."},
 };
 
 bool startsWith(std::string_view text, std::string_view beginning) {
@@ -370,17 +411,13 @@ NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
     error.code = row != nullptr ? row->code : generic;
     error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
     error.text = text;
-    const auto* sentence =
-        std::find_if(std::begin(sentences), std::end(sentences),
-                     [&error](const Sentence& s) { return s.code == error.code; });
-    if (sentence == std::end(sentences)) {
-        error.userInfo.set(NEBLocalizedDescriptionKey, std::string(text));
-        return error;
-    }
+    const Sentence sentence = row != nullptr ? row->sentence : Sentence{};
     error.userInfo.set(NEBLocalizedDescriptionKey,
-                       formattedText(sentence->description, {request.sourceTreeName()}));
-    if (!sentence->suggestion.empty()) {
-        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, std::string(sentence->suggestion));
+                       sentence.description.empty()
+                           ? std::string(text)
+                           : formattedText(sentence.description, {request.sourceTreeName()}));
+    if (!sentence.suggestion.empty()) {
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, std::string(sentence.suggestion));
     }
     return error;
 }

@@ -13,12 +13,16 @@
 
 namespace neb {
 
-// The classes that no text shows, or not always.
+// Classes that no text shows, or not always.
 inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
 inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
 inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
 inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
+
+// Classes that an operation looks for.
+inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown"};
+inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision-unknown"};
 
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
 /// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else

@@ -15,7 +15,25 @@ struct Case {
     const char* errorClass;
     std::int64_t code;
     std::string text;
+    /// What a person is told in place of the text; absent where it is the text itself.
+    const char* description = nullptr;
+    const char* suggestion = nullptr;
 };
+
+constexpr const char* uncommittedChanges =
+    "The operation could not be performed because the working copy \"demo\" has uncommitted "
+    "changes.";
+constexpr const char* notTheLatest =
+    "The operation could not be performed because \"demo\" does not have the latest remote "
+    "changes.";
+constexpr const char* pullFirst = "Pull the remote changes and try again.";
+constexpr const char* conflicts = "There are conflicts that could not be settled automatically.";
+constexpr const char* settleThem = "Settle them in the files, add these, and commit.";
+constexpr const char* noAuthor =
+    "The commit has no author: your name or your e-mail address is not configured.";
+constexpr const char* setIdentity =
+    "Set user.name and user.email in git's configuration and try again.";
+constexpr const char* noMessage = "The commit has no message; nothing was committed.";
 
 /// What git 2.39 and newer ones say, and some that only older ones said.
 const Case cases[] = {
@@ -75,17 +93,22 @@ const Case cases[] = {
     {"host-unreachable", -20, "ssh: connect to host h port 22: Connection timed out"},
     {"host-unreachable", -20, "ssh: connect to host h port 22: Network is unreachable"},
     {"host-unreachable", -20, "ssh: connect to host h port 22: No route to host"},
-    {"push-stale", -32,
-     " ! [rejected]        a -> a (stale info)\nerror: failed to push some refs"},
-    {"push-stale", -32, " ! [rejected]        a -> a (remote ref updated since checkout)\n"},
+    {"push-stale", -32, " ! [rejected]        a -> a (stale info)\nerror: failed to push some refs",
+     notTheLatest, pullFirst},
+    {"push-stale", -32, " ! [rejected]        a -> a (remote ref updated since checkout)\n",
+     notTheLatest, pullFirst},
     {"remote-ahead", -32,
-     "To /r.git\n ! [rejected]        main -> main (fetch first)\nerror: failed to push some refs"},
+     "To /r.git\n ! [rejected]        main -> main (fetch first)\nerror: failed to push some refs",
+     notTheLatest, pullFirst},
     {"remote-ahead", -32,
      " ! [rejected]        main -> main (non-fast-forward)\nerror: failed to push some refs to "
-     "'x'"},
+     "'x'",
+     notTheLatest, pullFirst},
     {"diverged", -1, "From /r\n ! [rejected]        main -> x (non-fast-forward)\n"},
-    {"remote-ahead", -32, "Merge the remote changes (e.g. 'git pull') before pushing again."},
-    {"remote-ahead", -32, "\nERROR from SVN:\nTransaction is out of date: File '/trunk/a' is out"},
+    {"remote-ahead", -32, "Merge the remote changes (e.g. 'git pull') before pushing again.",
+     notTheLatest, pullFirst},
+    {"remote-ahead", -32, "\nERROR from SVN:\nTransaction is out of date: File '/trunk/a' is out",
+     notTheLatest, pullFirst},
     {"remote-hook-refused", -1,
      "remote: no\n ! [remote rejected] main -> main (pre-receive hook declined)\n"},
     {"remote-hook-refused", -1, "A repository hook failed: Commit blocked by pre-commit hook"},
@@ -101,8 +124,10 @@ const Case cases[] = {
     {"connection-cut", -20, "error: RPC failed; curl 18 transfer closed"},
     {"connection-cut", -20, "fatal: read error: Connection reset by peer"},
     {"local-changes", -31,
-     "error: Your local changes to the following files would be overwritten by merge:\n\ta.txt\n"},
-    {"local-changes", -31, "fatal: cannot continue with staged changes in the following files:\na"},
+     "error: Your local changes to the following files would be overwritten by merge:\n\ta.txt\n",
+     uncommittedChanges},
+    {"local-changes", -31, "fatal: cannot continue with staged changes in the following files:\na",
+     uncommittedChanges},
     {"untracked-in-the-way", -1,
      "error: The following untracked working tree files would be overwritten by checkout:\n\tt\n"},
     {"untracked-in-the-way", -1,
@@ -113,14 +138,20 @@ const Case cases[] = {
      "error: Committing is not possible because you have unmerged files.\nhint: Fix them up"},
     {"conflict-unresolved", -1, "error: you need to resolve your current index first"},
     {"merge-unfinished", -1, "fatal: You have not concluded your merge (MERGE_HEAD exists)."},
-    {"needs-clean-tree", -31, "error: cannot pull with rebase: You have unstaged changes."},
-    {"needs-clean-tree", -31, "error: additionally, your index contains uncommitted changes."},
-    {"needs-clean-tree", -31, "update-index --refresh: command returned error: 1\n\n"},
-    {"needs-clean-tree", -31, "Cannot dcommit with a dirty index.  Commit your changes first"},
+    {"needs-clean-tree", -31, "error: cannot pull with rebase: You have unstaged changes.",
+     uncommittedChanges},
+    {"needs-clean-tree", -31, "error: additionally, your index contains uncommitted changes.",
+     uncommittedChanges},
+    {"needs-clean-tree", -31, "update-index --refresh: command returned error: 1\n\n",
+     uncommittedChanges},
+    {"needs-clean-tree", -31, "Cannot dcommit with a dirty index.  Commit your changes first",
+     uncommittedChanges},
     {"conflict", -300, "warning: Cannot merge binary files: bin (HEAD vs. bt)"},
     {"conflict", -1,
-     "CONFLICT (content): Merge conflict in a\nAutomatic merge failed; fix conflicts"},
-    {"conflict", -1, "Automatic merge failed; fix conflicts and then commit the result."},
+     "CONFLICT (content): Merge conflict in a\nAutomatic merge failed; fix conflicts", conflicts,
+     settleThem},
+    {"conflict", -1, "Automatic merge failed; fix conflicts and then commit the result.", conflicts,
+     settleThem},
     {"conflict", -1, "error: could not apply 1234567... subject"},
     {"no-commits-yet", -1, "fatal: your current branch 'main' does not have any commits yet"},
     {"not-a-repository", -1,
@@ -182,14 +213,22 @@ const Case cases[] = {
     {"diverged", -200, "fatal: Not possible to fast-forward, aborting."},
     {"diverged", -1, "fatal: Need to specify how to reconcile divergent branches."},
     {"unrelated-histories", -1, "fatal: refusing to merge unrelated histories"},
-    {"nothing-to-commit", -1, "On branch main\nnothing to commit, working tree clean\n"},
-    {"nothing-to-commit", -1, "Changes not staged for commit:\n\nno changes added to commit (use"},
+    {"nothing-to-commit", -1, "On branch main\nnothing to commit, working tree clean\n",
+     "There is nothing to commit."},
+    {"nothing-to-commit", -1, "Changes not staged for commit:\n\nno changes added to commit (use",
+     "There is nothing to commit: no change has been added.",
+     "Add the changes that belong to the commit, or name their files."},
     {"nothing-to-commit", -1,
-     "nothing added to commit but untracked files present (use \"git add\""},
-    {"identity-unknown", -1, "Author identity unknown\n\n*** Please tell me who you are.\n"},
-    {"identity-unknown", -1, "fatal: empty ident name (for <x@y>) not allowed"},
-    {"identity-unknown", -1, "fatal: no email was given and auto-detection is disabled"},
-    {"message-empty", -1, "Aborting commit due to empty commit message."},
+     "nothing added to commit but untracked files present (use \"git add\"",
+     "There is nothing to commit: all that is new are files that are not tracked yet.",
+     "Add the files that belong to the commit."},
+    {"identity-unknown", -1, "Author identity unknown\n\n*** Please tell me who you are.\n",
+     noAuthor, setIdentity},
+    {"identity-unknown", -1, "fatal: empty ident name (for <x@y>) not allowed", noAuthor,
+     setIdentity},
+    {"identity-unknown", -1, "fatal: no email was given and auto-detection is disabled", noAuthor,
+     setIdentity},
+    {"message-empty", -1, "Aborting commit due to empty commit message.", noMessage},
     {"signing-failed", -1,
      "error: gpg failed to sign the data\nfatal: failed to write commit object"},
     {"signing-failed", -1, "fatal: failed to write commit object"},
@@ -212,6 +251,21 @@ const Case cases[] = {
     {"other-tools", -1, "git-lfs filter-process: git-lfs: not found"},
     {"other-tools", -1, "error: a.txt: patch does not apply"},
     {"remote-unreadable", -20, "fatal: Could not read from remote repository.\n\nPlease make sure"},
+    {"message-empty", -1,
+     "Empty commit message.\nNot committing merge; use 'git commit' to complete the merge.\n",
+     noMessage},
+    {"local-hook-refused", -1,
+     "fatal: bad revision 'x'\nNot committing merge; use 'git commit' to complete the merge.\n",
+     "A hook of the repository refused the merge; it is made, but not committed."},
+    {"merge-unfinished", -1, "fatal: cannot do a partial commit during a merge."},
+    {"path-ignored", -1,
+     "The following paths are ignored by one of your .gitignore files:\nx.o\nhint: Use -f if"},
+    {"destination-missing", -1, "fatal: renaming 'b.txt' failed: No such file or directory"},
+    {"destination-missing", -1,
+     "fatal: destination directory does not exist, source=b, destination=d/b"},
+    {"destination-missing", -1, "fatal: Invalid path '/r/x': No such file or directory"},
+    {"no-upstream", -92, "fatal: No remote for the current branch."},
+    {"no-upstream", -92, "fatal: No default upstream defined for the current branch."},
     {"unknown", -1, "fatal: something that nobody has said before"},
 };
 
@@ -224,18 +278,12 @@ TEST_P(Catalogue, KnowsTheClassAndCodeOfAText) {
     EXPECT_EQ(error.errorClass, GetParam().errorClass);
     EXPECT_EQ(error.code, GetParam().code);
     EXPECT_EQ(error.text, GetParam().text);
-    if (error.code == -31) {
-        EXPECT_EQ(error.localizedDescription(),
-                  "The operation could not be performed because the working copy \"demo\" has "
-                  "uncommitted changes.");
-    } else if (error.code == -32) {
-        EXPECT_EQ(error.localizedDescription(),
-                  "The operation could not be performed because \"demo\" does not have the latest "
-                  "remote changes.");
-        EXPECT_EQ(error.localizedRecoverySuggestion(), "Pull the remote changes and try again.");
-    } else {
-        EXPECT_EQ(error.localizedDescription(), GetParam().text);
-    }
+    const Case& expected = GetParam();
+    EXPECT_EQ(error.localizedDescription(),
+              expected.description != nullptr ? expected.description : expected.text);
+    EXPECT_EQ(error.localizedRecoverySuggestion(),
+              expected.suggestion != nullptr ? std::optional<std::string>(expected.suggestion)
+                                             : std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Catalogue, testing::ValuesIn(cases));

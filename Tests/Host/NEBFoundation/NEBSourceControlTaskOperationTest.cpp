@@ -124,9 +124,7 @@ TEST_F(TaskOperation, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
     auto operation =
         script("printf 'On branch main\\nnothing to commit, working tree clean\\n'; exit 1");
     operation->start();
-    EXPECT_THAT(
-        operation->error(),
-        IsSourceControlError(-1, "On branch main\nnothing to commit, working tree clean\n"));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "There is nothing to commit."));
     EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
     EXPECT_EQ(operation->error()->text, "On branch main\nnothing to commit, working tree clean\n");
 }
@@ -136,8 +134,9 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
         "echo \"Recorded preimage for 'a'\" >&2; echo 'CONFLICT (content): Merge conflict in a'; "
         "exit 1");
     conflict->start();
-    EXPECT_THAT(conflict->error(),
-                IsSourceControlError(-1, "CONFLICT (content): Merge conflict in a"));
+    EXPECT_THAT(
+        conflict->error(),
+        IsSourceControlError(-1, "There are conflicts that could not be settled automatically."));
     EXPECT_THAT(conflict->error(), HasErrorClass("conflict"));
     EXPECT_EQ(conflict->error()->text,
               "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");
@@ -179,6 +178,37 @@ TEST_F(TaskOperation, AFailureThatWritesOnlyBlanksIsAnErrorThatTellsItsStatus) {
             << blank;
         EXPECT_THAT(operation->error(), HasErrorClass("unknown"));
     }
+}
+
+/// An operation that knows what a failure without a known word means.
+class Knowing : public test::ScriptOperation {
+public:
+    using ScriptOperation::ScriptOperation;
+    std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) override {
+        ++questions;
+        return NEBSourceControlError::withDescription(
+            -7, error ? "known: " + *error->localizedDescription() : "known silence");
+    }
+    int questions = 0;
+};
+
+TEST_F(TaskOperation, AnOperationMayKnowWhatAnUnknownFailureMeans) {
+    const auto run = [](std::string text) {
+        auto operation = std::make_shared<Knowing>(std::move(text), requestFor(3, std::nullopt));
+        operation->start();
+        return operation;
+    };
+    EXPECT_THAT(run("exit 1")->error(), IsSourceControlError(-7, "known silence"));
+    const auto odd = run("echo odd words >&2; exit 1");
+    EXPECT_THAT(odd->error(), IsSourceControlError(-7, "known: odd words"));
+    EXPECT_EQ(odd->error()->text, "odd words");
+    EXPECT_THAT(odd->error(), HasErrorClass("unknown"));
+    EXPECT_EQ(run("echo notice >&2")->questions, 0) << "no failure";
+    EXPECT_EQ(run("echo 'fatal: not a git repository' >&2; exit 128")->questions, 0) << "known";
+    EXPECT_EQ(run("echo hm >&2; echo 'nothing to commit'; exit 1")->questions, 0)
+        << "standard output tells";
+    EXPECT_EQ(run("kill -9 $$")->questions, 0) << "no exit status";
 }
 
 TEST_F(TaskOperation, AFailureKeepsTheErrorThatParseDataMade) {

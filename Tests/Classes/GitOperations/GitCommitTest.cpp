@@ -1,0 +1,278 @@
+#include "GitOperations/GitCommit.h"
+
+#include <filesystem>
+
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+namespace fs = std::filesystem;
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::perform;
+using test::requestFor;
+using test::TestRepository;
+using test::valuesOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+using Options = std::optional<NEBDictionary>;
+
+std::shared_ptr<NEBSourceControlRequest> request(Options options,
+                                                 std::optional<std::vector<NEBValue>> files = {},
+                                                 const std::string& location = "/w") {
+    auto made = requestFor(3, location);
+    made->options = std::move(options);
+    made->files = std::move(files);
+    return made;
+}
+
+NEBDictionary message(const std::string& text) {
+    return {{NEBSourceControlRequestOptionMessage, text}};
+}
+
+// ---- the command line -------------------------------------------------------------------------
+
+TEST(CommitArguments, HoldTheMessageAndTheFiles) {
+    EXPECT_THAT(
+        GitCommitOperation(request(message("two\nlines"), valuesOf({"/w/a", "-b"}))).arguments(),
+        ElementsAre("commit", "-m", "two\nlines", "--", "/w/a", "-b"));
+    EXPECT_THAT(GitCommitOperation(request(message("all"))).arguments(),
+                ElementsAre("commit", "-m", "all", "--"));
+    EXPECT_THAT(GitCommitOperation(request(message(""))).arguments(),
+                ElementsAre("commit", "-m", "", "--"));
+}
+
+TEST(CommitArguments, WithoutAMessageLeaveTheFilesOutToo) {
+    EXPECT_THAT(GitCommitOperation(request(std::nullopt, valuesOf({"/w/a"}))).arguments(),
+                ElementsAre("commit"));
+    EXPECT_THAT(GitCommitOperation(
+                    request(NEBDictionary{{NEBSourceControlRequestOptionAllowEmptyCommit, true}},
+                            valuesOf({"/w/a"})))
+                    .arguments(),
+                ElementsAre("commit", "--allow-empty"));
+}
+
+TEST(CommitArguments, AllowAnEmptyCommitWhenTheOptionIsTrue) {
+    for (const auto& [value, isAllowed] : {std::pair{NEBValue(true), true},
+                                           {NEBValue(1), true},
+                                           {NEBValue("yes"), true},
+                                           {NEBValue(false), false},
+                                           {NEBValue(0), false},
+                                           {NEBValue("no"), false}}) {
+        NEBDictionary options = message("m");
+        options.set(NEBSourceControlRequestOptionAllowEmptyCommit, value);
+        const auto arguments = GitCommitOperation(request(options)).arguments();
+        EXPECT_EQ(arguments[1] == "--allow-empty", isAllowed) << value.description();
+    }
+}
+
+TEST(CommitArguments, StandBehindTheDefaultArguments) {
+    EXPECT_THAT(GitCommitOperation(
+                    request(NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
+                                          {NEBSourceControlRequestOptionWorkingCopyPath, "/r"},
+                                          {NEBSourceControlRequestOptionMessage, "m"}}))
+                    .arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "commit", "-m", "m", "--"));
+}
+
+// ---- what git prints --------------------------------------------------------------------------
+
+std::string revisionIn(const std::string& output) {
+    GitCommitOperation operation(request(message("m")));
+    operation.setData(output);
+    operation.parseData();
+    if (!operation.result()) {
+        return "(no result)";
+    }
+    EXPECT_EQ(operation.result()->size(), 1U);
+    EXPECT_EQ(operation.result()->front().size(), 1U);
+    return *operation.result()->front().value(NEBSourceControlOperationRevisionKey).string();
+}
+
+TEST(CommitOutput, HoldsTheRevisionAsItsSecondWord) {
+    EXPECT_EQ(revisionIn("[main 0123456] a message\n 1 file changed, 1 insertion(+)\n"), "0123456");
+    EXPECT_EQ(revisionIn("[main 0123456]\n"), "0123456") << "the one line's end is dropped";
+    EXPECT_EQ(revisionIn("[zwölf/日 " + std::string(40, 'a') + "] m\n x\n"), std::string(12, 'a'));
+    EXPECT_EQ(revisionIn("a  b"), "") << "two blanks: the second piece is empty";
+    EXPECT_EQ(revisionIn("a [[]b[]"), "b");
+}
+
+/// git puts a mark between branch and name for a repository's first commit. What stands second is
+/// taken all the same, cut to twelve: the host has always got this text.
+TEST(CommitOutput, OfTheFirstCommitGivesItsMarkForTheRevision) {
+    EXPECT_EQ(revisionIn("[main (root-commit) 2f0f8a1] root\n 1 file changed\n"), "(root-commit");
+}
+
+/// The name of the branch is two words then, and the second of them stands for the revision.
+TEST(CommitOutput, OfACommitOnNoBranchGivesHEAD) {
+    EXPECT_EQ(revisionIn("[detached HEAD 5eded5f] d\n 1 file changed\n"), "HEAD");
+}
+
+TEST(CommitOutput, OfOneWordUnsetsTheResultAndNoneLeavesIt) {
+    GitCommitOperation operation(request(message("m")));
+    operation.setResult(NEBSourceControlResult{});
+    operation.parseData();
+    EXPECT_TRUE(operation.result().has_value()) << "no output object";
+    operation.setData("");
+    operation.parseData();
+    EXPECT_TRUE(operation.result().has_value()) << "empty output";
+    operation.setData("U\ta.txt\n");
+    operation.parseData();
+    EXPECT_FALSE(operation.result().has_value());
+}
+
+// ---- real repositories ------------------------------------------------------------------------
+
+class CommitInRepository : public test::HygienicTest {
+protected:
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> commit(
+        Options options, const std::vector<std::string>& names = {}) const {
+        std::vector<NEBValue> files;
+        for (const std::string& name : names) {
+            files.emplace_back(repository.path(name));
+        }
+        return perform(request(std::move(options), files, repository.path()));
+    }
+    [[nodiscard]] std::string head() const { return repository.git({"rev-parse", "HEAD"}); }
+    void hook(const std::string& name, const std::string& script) const {
+        const std::string path = ".git/hooks/" + name;
+        repository.write(path, "#!/bin/sh\n" + script + "\n");
+        fs::permissions(repository.path(path), fs::perms(0755));
+    }
+
+    TestRepository repository;
+};
+
+TEST_F(CommitInRepository, RecordsWhatIsStaged) {
+    repository.commitFile("a", "1");
+    repository.write("a", "2");
+    repository.write("b", "unstaged");
+    repository.git({"add", "a"});
+    const auto operation = commit(message("Grüße\n\nmore"));
+    EXPECT_EQ(operation->error(), std::nullopt);
+    const std::string revision =
+        *operation->result()->front().value(NEBSourceControlOperationRevisionKey).string();
+    EXPECT_EQ(head().substr(0, revision.size()), revision);
+    EXPECT_GE(revision.size(), 7U);
+    EXPECT_EQ(repository.git({"log", "-1", "--format=%B"}), "Grüße\n\nmore\n\n");
+    EXPECT_EQ(repository.git({"status", "--porcelain"}), "?? b\n");
+}
+
+TEST_F(CommitInRepository, RecordsTheNamedFilesAlone) {
+    repository.commitFile("a", "1");
+    repository.commitFile("b", "1");
+    repository.write("a", "2");
+    repository.write("b", "2");
+    EXPECT_EQ(commit(message("m"), {"a"})->error(), std::nullopt);
+    EXPECT_EQ(repository.git({"status", "--porcelain"}), " M b\n");
+}
+
+TEST_F(CommitInRepository, RecordsNothingWhenThatIsAllowed) {
+    repository.commitFile("a", "1");
+    const std::string before = head();
+    NEBDictionary options = message("empty");
+    options.set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
+    EXPECT_EQ(commit(options)->error(), std::nullopt);
+    EXPECT_NE(head(), before);
+}
+
+TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
+    repository.commitFile("a", "1");
+    const std::string before = head();
+    EXPECT_THAT(commit(message("m"))->error(),
+                IsSourceControlError(-1, "There is nothing to commit."));
+    repository.write("b", "new");
+    EXPECT_THAT(commit(message("m"))->error(),
+                IsSourceControlError(-1, HasSubstr("files that are not tracked yet")));
+    repository.write("a", "2");
+    const auto operation = commit(message("m"));
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1, HasSubstr("no change has been added")));
+    EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "git's own words";
+    EXPECT_EQ(head(), before);
+}
+
+TEST_F(CommitInRepository, WithoutAMessageFailsAtOnceAndOpensNoEditor) {
+    repository.commitFile("a", "1");
+    repository.write("a", "2");
+    repository.git({"add", "a"});
+    repository.git({"config", "core.editor", "sleep 600; true"});
+    const std::string before = head();
+    for (const Options& options : {Options(), Options(message(""))}) {
+        const auto operation = commit(options);
+        EXPECT_THAT(operation->error(),
+                    IsSourceControlError(-1, "The commit has no message; nothing was committed."));
+        EXPECT_THAT(operation->error(), HasErrorClass("message-empty"));
+    }
+    EXPECT_EQ(head(), before);
+}
+
+TEST_F(CommitInRepository, WithoutAnIdentitySaysWhatIsMissing) {
+    repository.git({"config", "user.useConfigOnly", "true"});
+    repository.git({"config", "user.name", ""});
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    const auto operation = commit(message("m"));
+    EXPECT_THAT(operation->error(), HasErrorClass("identity-unknown"));
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1, HasSubstr("your name or your e-mail address")));
+    EXPECT_THAT(*operation->error()->localizedRecoverySuggestion(), HasSubstr("user.email"));
+}
+
+TEST_F(CommitInRepository, ThatAHookRefusesSaysSoWithTheHooksWords) {
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    hook("pre-commit", "echo 'Tabs in a, line 1'; exit 1");
+    auto operation = commit(message("m"));
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1, "A hook of the repository refused the commit."));
+    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_EQ(operation->error()->text, "Tabs in a, line 1");
+
+    hook("pre-commit", "exit 1");
+    operation = commit(message("m"));
+    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused")) << "not a word";
+    EXPECT_EQ(operation->error()->text, std::nullopt);
+
+    hook("pre-commit", "exit 0");
+    hook("commit-msg", "echo 'No ticket named' >&2; exit 3");
+    operation = commit(message("m"));
+    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_NE(repository.gitStatus({"rev-parse", "--verify", "-q", "HEAD"}), 0) << "committed";
+}
+
+TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {
+    repository.commitFile("z", "z");
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    hook("pre-commit", "echo 'error: all is well' >&2");
+    EXPECT_EQ(commit(message("m"))->error(), std::nullopt);
+    // … and does not stand for the cause of what fails after it.
+    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("nothing-to-commit"));
+    hook("pre-commit", "echo fine >&2");
+    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("nothing-to-commit"));
+}
+
+TEST_F(CommitInRepository, OfAnUnknownFileOrDuringAMergeSaysSo) {
+    repository.commitFile("a", "1");
+    EXPECT_THAT(commit(message("m"), {"nothing"})->error(), HasErrorClass("path-unknown"));
+    repository.git({"checkout", "-q", "-b", "topic"});
+    repository.commitFile("a", "topic");
+    repository.git({"checkout", "-q", "main"});
+    repository.commitFile("a", "main");
+    EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
+    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("conflict-unresolved"));
+    EXPECT_EQ(commit(message("m"))->result(), std::nullopt);
+    repository.write("a", "settled");
+    repository.git({"add", "a"});
+    EXPECT_THAT(commit(message("m"), {"a"})->error(), HasErrorClass("merge-unfinished"));
+    EXPECT_EQ(commit(std::nullopt)->error(), std::nullopt) << "with the message git has prepared";
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,265 @@
+#include "GitOperations/GitTrackedFiles.h"
+
+#include <filesystem>
+
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+namespace fs = std::filesystem;
+using test::AsOrdinaryUser;
+using test::commandLinesOf;
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::perform;
+using test::ReportCollector;
+using test::requestFor;
+using test::TestRepository;
+using test::valuesOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type,
+                                                 std::optional<std::vector<NEBValue>> files,
+                                                 NEBValue destination = {},
+                                                 const std::string& location = "/w") {
+    auto made = requestFor(type, location);
+    made->files = std::move(files);
+    made->destination = std::move(destination);
+    return made;
+}
+
+const NEBDictionary bothPaths{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
+                              {NEBSourceControlRequestOptionWorkingCopyPath, "/r"}};
+
+// ---- the command lines ------------------------------------------------------------------------
+
+TEST(AddArguments, AreTheWholeWorkingCopyWithoutDestinationOrFiles) {
+    EXPECT_THAT(GitAddOperation(request(0, std::nullopt)).arguments(),
+                ElementsAre("add", "--", "."));
+    EXPECT_THAT(GitAddOperation(request(0, valuesOf({}))).arguments(),
+                ElementsAre("add", "--", "."));
+}
+
+TEST(AddArguments, AreTheDestinationAloneWhereThereIsOne) {
+    EXPECT_THAT(GitAddOperation(request(0, valuesOf({"/w/a", "/w/b"}), "/w/there")).arguments(),
+                ElementsAre("add", "--", "/w/there"));
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(GitAddOperation(request(0, std::nullopt, folder.path())).arguments(),
+                ElementsAre("add", "--", folder.path()))
+        << "no slash is put behind a destination";
+}
+
+TEST(AddArguments, StandBehindTheDefaultArguments) {
+    auto asked = request(6, valuesOf({"/r/a"}));
+    asked->options = bothPaths;
+    EXPECT_THAT(GitAddOperation(asked).arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "add", "--", "/r/a"));
+}
+
+TEST(AddArguments, FoldersGetASlashAndNothingElseDoes) {
+    const test::TemporaryFolder folder;
+    fs::create_directory(folder.path("Sources"));
+    folder.write("a.c", "a");
+    fs::create_directory_symlink("Sources", folder.path("link"));
+    EXPECT_THAT(
+        GitAddOperation(
+            request(6, valuesOf({folder.path("Sources"), folder.path("a.c"), folder.path("link"),
+                                 folder.path("nothing"), folder.path("a.c") + "/", ""})))
+            .arguments(),
+        ElementsAre("add", "--", folder.path("Sources/"), folder.path("a.c"), folder.path("link"),
+                    folder.path("nothing"), folder.path("a.c") + "/", ""))
+        << "in the order given; a path with a slash is not looked up";
+}
+
+TEST(AddArguments, AFileThatIsNoStringIsReportedAndTheWorkGoesOn) {
+    const ReportCollector collector;
+    const GitAddOperation operation(
+        request(6, std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
+    EXPECT_THAT(operation.arguments(), ElementsAre("add", "--", "/w/a", "7", "/w/b"));
+    ASSERT_EQ(collector.reports().size(), 2U);
+    const LOMAssertionReport& absent = collector.reports()[0];
+    EXPECT_EQ(absent.function, "-[GitAddOperation initWithRequest:]");
+    EXPECT_EQ(absent.file, "Classes/GitOperations");
+    EXPECT_EQ(absent.line, 672);
+    EXPECT_EQ(absent.message,
+              "pathString should be an instance inheriting from NSString, but it is nil");
+    EXPECT_EQ(absent.condition, "(pathString) != nil");
+    const LOMAssertionReport& number = collector.reports()[1];
+    EXPECT_EQ(number.line, 672);
+    EXPECT_EQ(number.message,
+              "pathString should be an instance inheriting from NSString, but it is 7");
+    EXPECT_EQ(number.condition, "[(id)(pathString) isKindOfClass:[NSString class]]");
+}
+
+TEST(RemoveArguments, AreAlwaysByForceAndRecursive) {
+    EXPECT_THAT(GitRemoveOperation(request(5, valuesOf({"/w/a", "-b", "c/"}))).arguments(),
+                ElementsAre("rm", "-f", "-r", "--", "/w/a", "-b", "c/"));
+    EXPECT_THAT(GitRemoveOperation(request(5, std::nullopt)).arguments(),
+                ElementsAre("rm", "-f", "-r", "--"));
+    auto asked = request(5, valuesOf({"/r/a"}));
+    asked->options = bothPaths;
+    EXPECT_THAT(GitRemoveOperation(asked).arguments(), ElementsAre("rm", "-f", "-r", "--", "/r/a"))
+        << "no default arguments";
+    EXPECT_THAT(GitRemoveOperation(request(5, std::vector<NEBValue>{NEBValue(), "a"})).arguments(),
+                ElementsAre("rm", "-f", "-r", "--", "a"))
+        << "a file that is missing must not stand for one of some name";
+}
+
+/// Further files are left alone on purpose: a move has one destination, a new name.
+TEST(MoveArguments, AreTheFirstFileAndTheDestination) {
+    EXPECT_THAT(
+        GitMoveOperation(request(11, valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d")).arguments(),
+        ElementsAre("mv", "/w/a", "/w/d"));
+    auto asked = request(11, valuesOf({"/r/a"}), "/r/b");
+    asked->options = bothPaths;
+    EXPECT_THAT(GitMoveOperation(asked).arguments(), ElementsAre("mv", "/r/a", "/r/b"))
+        << "neither -- nor default arguments";
+    EXPECT_THAT(GitMoveOperation(request(11, std::nullopt)).arguments(), ElementsAre("mv"));
+}
+
+// ---- real repositories ------------------------------------------------------------------------
+
+class TrackedFiles : public test::HygienicTest {
+protected:
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> run(
+        std::int32_t type, const std::vector<std::string>& names, NEBValue destination = {}) const {
+        std::vector<NEBValue> files;
+        for (const std::string& name : names) {
+            files.emplace_back(repository.path(name));
+        }
+        return perform(request(type, files, std::move(destination), repository.path()));
+    }
+    [[nodiscard]] std::string tracked() const { return repository.git({"ls-files"}); }
+
+    TestRepository repository;
+};
+
+TEST_F(TrackedFiles, AnAddStagesFilesAndFolders) {
+    repository.write("src/deep/a.c", "a");
+    repository.write("b.c", "b");
+    repository.write("c.c", "c");
+    const auto operation = run(6, {"src", "b.c"});
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_EQ(tracked(), "b.c\nsrc/deep/a.c\n");
+    EXPECT_EQ(run(0, {})->error(), std::nullopt);
+    EXPECT_EQ(tracked(), "b.c\nc.c\nsrc/deep/a.c\n");
+}
+
+TEST_F(TrackedFiles, AnAddThroughRepositoryAndWorkTreeNeedsNoFolder) {
+    repository.write("a", "a");
+    auto asked = requestFor(6, std::nullopt);
+    asked->files = valuesOf({repository.path("a")});
+    asked->options =
+        NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")},
+                      {NEBSourceControlRequestOptionWorkingCopyPath, repository.path()}};
+    EXPECT_EQ(perform(asked)->error(), std::nullopt);
+    EXPECT_EQ(tracked(), "a\n");
+}
+
+TEST_F(TrackedFiles, AnAddOfNothingIsAnErrorAndAddsNothing) {
+    repository.write("a", "a");
+    const auto operation = run(6, {"a", "nothing"});
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-71, "This file does not exist in the index."));
+    EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
+    EXPECT_EQ(tracked(), "");
+}
+
+TEST_F(TrackedFiles, AnIgnoredFileIsAnErrorThatNamesIt) {
+    repository.write(".gitignore", "*.o\n");
+    repository.write("x.o", "x");
+    const auto operation = run(6, {"x.o"});
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("x.o")));
+    EXPECT_THAT(operation->error(), HasErrorClass("path-ignored"));
+}
+
+TEST_F(TrackedFiles, AWarningOfASuccessfulAddIsNoError) {
+    repository.git({"config", "core.autocrlf", "input"});
+    repository.write("crlf.txt", "a\r\nb\r\n");
+    EXPECT_EQ(run(6, {"crlf.txt"})->error(), std::nullopt);
+    EXPECT_EQ(tracked(), "crlf.txt\n");
+}
+
+TEST_F(TrackedFiles, AnotherGitThatHoldsTheIndexIsAClearError) {
+    repository.write("a", "a");
+    repository.write(".git/index.lock", "");
+    EXPECT_THAT(run(6, {"a"})->error(), HasErrorClass("index-locked"));
+}
+
+TEST_F(TrackedFiles, NamesAreNamesAndNoPatterns) {
+    for (const char* name : {"glob[1].txt", "glob1.txt", "star*.txt", "star2.txt", ":x"}) {
+        repository.write(name, name);
+    }
+    EXPECT_EQ(run(6, {"glob[1].txt", "star*.txt", ":x"})->error(), std::nullopt);
+    EXPECT_EQ(tracked(), ":x\nglob[1].txt\nstar*.txt\n");
+    repository.git({"add", "."});
+    EXPECT_EQ(run(5, {"glob[1].txt"})->error(), std::nullopt);
+    EXPECT_TRUE(fs::exists(repository.path("glob1.txt"))) << "an innocent file is gone";
+    EXPECT_EQ(tracked(), ":x\nglob1.txt\nstar*.txt\nstar2.txt\n");
+}
+
+TEST_F(TrackedFiles, ARemoveTakesFoldersAndChangedFiles) {
+    repository.commitFile("src/a", "a");
+    repository.commitFile("b", "b");
+    repository.commitFile("c", "c");
+    repository.write("b", "changed");
+    const auto operation = run(5, {"src", "b"});
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_EQ(tracked(), "c\n");
+    EXPECT_FALSE(fs::exists(repository.path("src")));
+    EXPECT_FALSE(fs::exists(repository.path("b")));
+}
+
+TEST_F(TrackedFiles, ARemoveOfAnUntrackedFileIsAnErrorAndRemovesNothing) {
+    repository.commitFile("a", "a");
+    repository.write("untracked", "u");
+    const auto operation = run(5, {"a", "untracked"});
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-71, "This file does not exist in the index."));
+    EXPECT_EQ(tracked(), "a\n");
+    EXPECT_TRUE(fs::exists(repository.path("a")));
+    EXPECT_TRUE(fs::exists(repository.path("untracked")));
+}
+
+TEST_F(TrackedFiles, AMoveTakesTheFirstFileAlone) {
+    repository.commitFile("a", "a");
+    repository.commitFile("b", "b");
+    const auto operation = run(11, {"a", "b"}, repository.path("c"));
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_EQ(tracked(), "b\nc\n");
+    EXPECT_FALSE(fs::exists(repository.path("a")));
+}
+
+TEST_F(TrackedFiles, AMoveThatCannotBeIsAnErrorThatSaysWhy) {
+    repository.commitFile("a", "a");
+    repository.commitFile("b", "b");
+    repository.write("untracked", "u");
+    fs::create_directory(repository.path("empty"));
+    struct Case {
+        const char *from, *to;
+        std::int64_t code;
+        const char* errorClass;
+    };
+    for (const Case& refused :
+         {Case{"a", "b", -60, "destination-exists"}, Case{"untracked", "u2", -71, "path-unknown"},
+          Case{"nothing", "x", -71, "path-unknown"},
+          Case{"empty", "e2", -70, "source-directory-empty"},
+          Case{"a", "no folder/a", -1, "destination-missing"}}) {
+        const auto operation = run(11, {refused.from}, repository.path(refused.to));
+        EXPECT_THAT(operation->error(), IsSourceControlError(refused.code, testing::_))
+            << refused.from;
+        EXPECT_THAT(operation->error(), HasErrorClass(refused.errorClass)) << refused.from;
+    }
+    EXPECT_EQ(tracked(), "a\nb\n");
+}
+
+}  // namespace
+}  // namespace neb

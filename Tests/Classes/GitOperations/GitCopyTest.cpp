@@ -1,0 +1,208 @@
+#include "GitOperations/GitCopy.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <thread>
+
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+namespace fs = std::filesystem;
+using test::AsOrdinaryUser;
+using test::commandLinesOf;
+using test::HasErrorClass;
+using test::perform;
+using test::requestFor;
+using test::TestRepository;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class FileSystemWork : public test::HygienicTest {
+protected:
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> request(
+        std::int32_t type, const std::vector<std::string>& names,
+        const std::string& destination) const {
+        auto made = requestFor(type, repository.path());
+        made->files.emplace();
+        for (const std::string& name : names) {
+            made->files->emplace_back(repository.path(name));
+        }
+        made->destination = repository.path(destination);
+        return made;
+    }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> copy(
+        const std::vector<std::string>& names, const std::string& destination) const {
+        return perform(request(10, names, destination));
+    }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> makeDirectory(
+        const std::string& destination) const {
+        return perform(request(8, {}, destination));
+    }
+    [[nodiscard]] std::string tracked() const { return repository.git({"ls-files"}); }
+    [[nodiscard]] bool exists(const std::string& name) const {
+        return fs::exists(repository.path(name));
+    }
+
+    TestRepository repository;
+};
+
+std::string description(const NEBSourceControlOperation& operation) {
+    return operation.error() ? *operation.error()->localizedDescription() : "(no error)";
+}
+
+// ---- copying ----------------------------------------------------------------------------------
+
+TEST_F(FileSystemWork, ACopyIsMadeAndItsAddRunsBesideIt) {
+    repository.commitFile("a", "the content");
+    const auto operation = copy({"a"}, "b");
+    EXPECT_EQ(operation->className(), "GitCopyOperation");
+    EXPECT_EQ(description(*operation), "(no error)");
+    EXPECT_EQ(operation->result(), std::nullopt) << "the add's, which has none";
+    EXPECT_EQ(repository.git({"hash-object", "b"}), repository.git({"hash-object", "a"}));
+    EXPECT_THAT(commandLinesOf(*operation), ElementsAre("add -- " + repository.path("b")));
+}
+
+/// A copy has one destination, a new name, so the files behind the first are left alone on purpose.
+TEST_F(FileSystemWork, ACopyTakesTheFirstFileAlone) {
+    repository.commitFile("a", "a");
+    repository.commitFile("b", "b");
+    EXPECT_EQ(description(*copy({"a", "b", "nothing"}, "c")), "(no error)");
+    EXPECT_EQ(repository.git({"hash-object", "c"}), repository.git({"hash-object", "a"}));
+}
+
+TEST_F(FileSystemWork, ACopyTakesAWholeTree) {
+    repository.write("tree/deep/a", "a");
+    fs::permissions(repository.path("tree/deep/a"), fs::perms(0711));
+    fs::create_directory(repository.path("tree/empty"));
+    fs::create_symlink("deep/a", repository.path("tree/link"));
+    EXPECT_EQ(description(*copy({"tree"}, "copy")), "(no error)");
+    EXPECT_EQ(fs::status(repository.path("copy/deep/a")).permissions(), fs::perms(0711));
+    EXPECT_TRUE(fs::is_empty(repository.path("copy/empty")));
+    EXPECT_EQ(fs::read_symlink(repository.path("copy/link")), "deep/a");
+}
+
+TEST_F(FileSystemWork, ACopyOntoSomethingFailsAndStagesItAllTheSame) {
+    repository.commitFile("a", "a");
+    repository.write("there", "kept");
+    const auto operation = copy({"a"}, "there");
+    ASSERT_TRUE(operation->error());
+    EXPECT_EQ(operation->error()->domain, "NEBPOSIXErrorDomain");
+    EXPECT_EQ(operation->error()->code, EEXIST);
+    EXPECT_EQ(description(*operation), "\"" + repository.path("a") +
+                                           "\" could not be copied to \"" +
+                                           repository.path("there") + "\": File exists.");
+    EXPECT_THAT(operation->error(), HasErrorClass("destination-exists"));
+    EXPECT_EQ(tracked(), "a\nthere\n");
+    repository.write("expected", "kept");
+    EXPECT_EQ(repository.git({"hash-object", "there"}),
+              repository.git({"hash-object", "expected"}));
+}
+
+TEST_F(FileSystemWork, ACopyOfNothingNamesItAndTheCause) {
+    const auto operation = copy({"nothing"}, "b");
+    EXPECT_EQ(description(*operation), "\"" + repository.path("nothing") +
+                                           "\" could not be copied to \"" + repository.path("b") +
+                                           "\": No such file or directory.");
+    EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
+    auto unnamed = requestFor(10, repository.path());
+    unnamed->destination = repository.path("c");
+    EXPECT_EQ(perform(unnamed)->error()->code, ENOENT);
+}
+
+TEST_F(FileSystemWork, AnAddThatFailsMakesNoError) {
+    repository.commitFile("a", "a");
+    repository.write(".gitignore", "b\n");
+    const auto operation = copy({"a"}, "b");
+    EXPECT_EQ(description(*operation), "(no error)");
+    EXPECT_TRUE(exists("b"));
+    EXPECT_EQ(operation->commandLog()->runs().size(), 1U) << "the add ran";
+
+    const test::TemporaryFolder outside;
+    outside.write("x", "x");
+    auto elsewhere = requestFor(10, outside.path());
+    elsewhere->files = test::valuesOf({outside.path("x")});
+    elsewhere->destination = outside.path("y");
+    const auto inNoRepository = perform(elsewhere);
+    EXPECT_EQ(inNoRepository->error(), std::nullopt);
+    EXPECT_EQ(outside.read("y"), "x");
+    EXPECT_EQ(inNoRepository->commandLog()->runs()[0].terminationStatus, 128);
+}
+
+// ---- making a folder --------------------------------------------------------------------------
+
+TEST_F(FileSystemWork, AFolderIsMadeWithThoseOnTheWay) {
+    const auto operation = makeDirectory("one/two/three");
+    EXPECT_EQ(operation->className(), "GitMakeDirectoryOperation");
+    EXPECT_EQ(description(*operation), "(no error)");
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_TRUE(fs::is_directory(repository.path("one/two/three")));
+    EXPECT_THAT(commandLinesOf(*operation),
+                ElementsAre("add -- " + repository.path("one/two/three")));
+    EXPECT_EQ(tracked(), "") << "git does not track an empty folder";
+}
+
+TEST_F(FileSystemWork, AFolderThatIsThereIsNoErrorAndStaged) {
+    repository.write("there/a", "a");
+    EXPECT_EQ(description(*makeDirectory("there")), "(no error)");
+    EXPECT_EQ(tracked(), "there/a\n");
+}
+
+TEST_F(FileSystemWork, AFolderThatCannotBeMadeIsNamedWithTheCause) {
+    repository.write("file", "x");
+    const auto operation = makeDirectory("file/folder");
+    ASSERT_TRUE(operation->error());
+    EXPECT_EQ(operation->error()->domain, "NEBPOSIXErrorDomain");
+    EXPECT_EQ(operation->error()->code, ENOTDIR);
+    EXPECT_EQ(description(*operation), "The folder \"" + repository.path("file/folder") +
+                                           "\" could not be made: Not a directory.");
+    EXPECT_EQ(makeDirectory("file")->error()->code, EEXIST);
+    EXPECT_EQ(perform(requestFor(8, repository.path()))->error()->code, ENOENT) << "no destination";
+}
+
+TEST_F(FileSystemWork, WhereNothingMayBeWrittenIsAPermissionError) {
+    const AsOrdinaryUser user;
+    const auto operation = [&] {
+        auto made = requestFor(8, "/");
+        made->destination = "/proc/folder";
+        return perform(made);
+    }();
+    ASSERT_TRUE(operation->error());
+    EXPECT_THAT(description(*operation), HasSubstr("\"/proc/folder\""));
+}
+
+// ---- both -------------------------------------------------------------------------------------
+
+TEST_F(FileSystemWork, ThatAlreadyHasAnErrorDoesNothing) {
+    GitMakeDirectoryOperation operation(request(8, {}, "folder"));
+    operation.setError(NEBSourceControlError::withDescription(-7, "before"));
+    operation.start();
+    EXPECT_EQ(operation.error()->code, -7);
+    EXPECT_FALSE(exists("folder"));
+}
+
+TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
+    // A file without an end, as far as anybody will wait for it.
+    repository.write("a", "");
+    fs::resize_file(repository.path("a"), std::uintmax_t{1} << 40);
+    GitCopyOperation operation(request(10, {"a"}, "b"));
+    std::thread canceller([&] {
+        while (!exists("b")) {
+            std::this_thread::yield();
+        }
+        operation.cancel();
+    });
+    operation.start();
+    canceller.join();
+    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_FALSE(exists("b"));
+    EXPECT_FALSE(exists(".git/index.lock"));
+}
+
+}  // namespace
+}  // namespace neb

@@ -22,7 +22,6 @@ constexpr SetVariable setVariables[] = {
     {"GIT_EDITOR", ":", "a message that is missing is an error, no editor waits for it"},
     {"GIT_SEQUENCE_EDITOR", ":", "a rebase goes on with the list that git made"},
     {"GIT_PAGER", "cat", "output goes to us"},
-    {"GIT_FLUSH", "0", "git writes whole buffers into the pipe, not record by record"},
     // A user's trace2 settings may name standard error, whose text we translate.
     {"GIT_TRACE2", "0", "stands above the setting trace2.normalTarget"},
     {"GIT_TRACE2_PERF", "0", "stands above the setting trace2.perfTarget"},
@@ -62,6 +61,7 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_EXTERNAL_DIFF", "puts another program's output in place of a difference"},
     {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
     {"GIT_OPTIONAL_LOCKS", "whether the work may do without a lock is said for each child"},
+    {"GIT_FLUSH", "0 lets gits that answer question by question wait for each other for ever"},
     {"GIT_CURL_VERBOSE", "writes into the text that becomes an error"},
     {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
 };
@@ -227,6 +227,9 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     }
     if (traits.isBackgroundWork) {
         environment.emplace_back("GIT_OPTIONAL_LOCKS=0");
+    }
+    if (traits.writesWholeBuffers) {
+        environment.emplace_back("GIT_FLUSH=0");
     }
     ConfigurationWriter writer(environment);
     addUsersEntries(inherited, writer);

@@ -14,6 +14,10 @@ struct NEBSourceControlChildTraits {
     bool hasPatternCharacters = false;
     /// Nobody waits for the work.
     bool isBackgroundWork = false;
+    /// git writes whole buffers, not record by record, which is much quicker for a long output. Not
+    /// for a git that talks with another, or starts a program that may: the answers would never
+    /// leave their buffers.
+    bool writesWholeBuffers = false;
 };
 
 /// The host's own environment `inherited` (each element `NAME=value`) with what must not bleed into

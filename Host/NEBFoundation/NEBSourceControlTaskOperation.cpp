@@ -71,7 +71,8 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
         .environment = NEBSourceControlChildEnvironment(
             NEBSourceControlInheritedEnvironment(),
             {.hasPatternCharacters = hasPatternCharacters(*request()),
-             .isBackgroundWork = isBackgroundWork()}),
+             .isBackgroundWork = isBackgroundWork(),
+             .writesWholeBuffers = _writesWholeBuffers}),
     };
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);

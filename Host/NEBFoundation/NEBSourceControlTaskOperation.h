@@ -41,6 +41,12 @@ public:
         _currentDirectoryPath = std::move(path);
     }
 
+    /// Lets git write whole buffers instead of record by record, for a long output; see
+    /// NEBSourceControlChildTraits for where that must not be.
+    void setWritesWholeBuffers(bool writesWholeBuffers) {
+        _writesWholeBuffers = writesWholeBuffers;
+    }
+
     /// All that the child wrote to standard output; absent until a child has run.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
@@ -114,6 +120,7 @@ private:
 
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;
+    bool _writesWholeBuffers = false;
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;

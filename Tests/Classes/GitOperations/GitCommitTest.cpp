@@ -258,6 +258,24 @@ TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {
     EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("nothing-to-commit"));
 }
 
+/// Each answer must leave git as soon as it is there.
+TEST_F(CommitInRepository, AHookMayTalkWithAGitOfItsOwn) {
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    const std::string in = repository.path(".git/in");
+    const std::string out = repository.path(".git/out");
+    hook("pre-commit", "mkfifo '" + in + "' '" + out +
+                           "'\n"
+                           "git hash-object --stdin-paths <'" +
+                           in + "' >'" + out +
+                           "' &\n"
+                           "exec 3>'" +
+                           in + "' 4<'" + out +
+                           "'\n"
+                           "echo a >&3\nread name <&4\necho a >&3\nread name <&4\nexec 3>&-\nwait");
+    EXPECT_EQ(commit(message("m"))->error(), std::nullopt);
+}
+
 TEST_F(CommitInRepository, OfAnUnknownFileOrDuringAMergeSaysSo) {
     repository.commitFile("a", "1");
     EXPECT_THAT(commit(message("m"), {"nothing"})->error(), HasErrorClass("path-unknown"));

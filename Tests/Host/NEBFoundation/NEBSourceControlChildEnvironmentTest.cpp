@@ -97,9 +97,9 @@ const std::vector<std::pair<std::string, std::string>> pinned{
 };
 
 const Variables always{
-    "LC_ALL=C.UTF-8",        "LANGUAGE=",          "GIT_TERMINAL_PROMPT=0", "GIT_EDITOR=:",
-    "GIT_SEQUENCE_EDITOR=:", "GIT_PAGER=cat",      "GIT_FLUSH=0",           "GIT_TRACE2=0",
-    "GIT_TRACE2_PERF=0",     "GIT_TRACE2_EVENT=0",
+    "LC_ALL=C.UTF-8",        "LANGUAGE=",     "GIT_TERMINAL_PROMPT=0", "GIT_EDITOR=:",
+    "GIT_SEQUENCE_EDITOR=:", "GIT_PAGER=cat", "GIT_TRACE2=0",          "GIT_TRACE2_PERF=0",
+    "GIT_TRACE2_EVENT=0",
 };
 
 TEST(ChildEnvironment, HoldsAllThatGitMustBeTold) {
@@ -157,7 +157,8 @@ TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
                              "GIT_ADVICE",
                              "GIT_PAGER_IN_USE",
                              "GIT_OPTIONAL_LOCKS",
-                             "GIT_CURL_VERBOSE"}) {
+                             "GIT_CURL_VERBOSE",
+                             "GIT_FLUSH"}) {
         inherited.push_back(std::string(name) + "=1");
     }
     EXPECT_EQ(withoutSettings(NEBSourceControlChildEnvironment(inherited, {})), always);
@@ -207,6 +208,8 @@ TEST(ChildEnvironment, SettingsThatGitWouldDieOfAreLeftOut) {
 TEST(ChildEnvironment, TraitsAreSetForTheirChildAlone) {
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.hasPatternCharacters = true}),
                 Contains("GIT_LITERAL_PATHSPECS=1"));
+    EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.writesWholeBuffers = true}),
+                Contains("GIT_FLUSH=0"));
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.isBackgroundWork = true}),
                 Contains("GIT_OPTIONAL_LOCKS=0"));
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {}), Not(Contains(StartsWith("GIT_LIT"))));

@@ -113,6 +113,17 @@ TEST_F(TaskOperation, AFailureIsAnErrorThoughParseDataClearedItsText) {
     EXPECT_EQ(operation->result()->size(), 1U) << "beside its content";
 }
 
+TEST_F(TaskOperation, WholeBuffersAreForThoseThatAskForThem) {
+    const auto run = [](bool writesWholeBuffers) {
+        auto operation = script("printf %s \"${GIT_FLUSH-unset}\"");
+        operation->setWritesWholeBuffers(writesWholeBuffers);
+        operation->start();
+        return operation->data();
+    };
+    EXPECT_EQ(run(false), "unset");
+    EXPECT_EQ(run(true), "0");
+}
+
 TEST_F(TaskOperation, AFailureThatThePlugInCallsHarmlessIsAnErrorAllTheSame) {
     auto operation = script("echo notice >&2; exit 1");
     operation->translate = [](const std::string&) { return std::nullopt; };

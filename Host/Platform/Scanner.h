@@ -8,8 +8,15 @@
 // A scanner reads a text that somebody else keeps, and never beyond its end.
 #pragma once
 
+#include <algorithm>
 #include <bitset>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <optional>
 #include <string_view>
+
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -50,16 +57,66 @@ public:
         while (length < _text.size() && set.contains(_text[length])) {
             ++length;
         }
-        const std::string_view run = _text.substr(0, length);
-        _text.remove_prefix(length);
-        return run;
+        return takeLength(length);
+    }
+    /// Takes what stands before the next `end`, or the whole rest when there is none; empty when
+    /// the scanner is at it, or at its own end.
+    std::string_view takeUpTo(char end) { return takeLength(_text.find(end)); }
+    /// Takes what stands before the next white space (see lengthOfSpaceAt in Text.h), or the rest.
+    std::string_view takeUpToSpace() {
+        std::size_t length = 0;
+        while (length < _text.size() && lengthOfSpaceAt(_text, length) == 0) {
+            ++length;
+        }
+        return takeLength(length);
+    }
+    /// Takes a decimal integer, a sign in front of it or none. One beyond the range is the nearest
+    /// in it. Nothing, and nothing is passed over, when there is no digit.
+    std::optional<std::int32_t> takeInteger() {
+        const std::size_t sign = _text.starts_with('-') || _text.starts_with('+') ? 1 : 0;
+        const bool isNegative = _text.starts_with('-');
+        std::size_t end = sign;
+        while (end < _text.size() && _text[end] >= '0' && _text[end] <= '9') {
+            ++end;
+        }
+        if (end == sign) {
+            return std::nullopt;
+        }
+        using Limits = std::numeric_limits<std::int32_t>;
+        std::int64_t value = 0;
+        const auto read = std::from_chars(_text.data() + sign, _text.data() + end, value);
+        if (read.ec != std::errc()) {
+            value = std::numeric_limits<std::int64_t>::max();
+        }
+        _text.remove_prefix(end);
+        value = isNegative ? -value : value;
+        return static_cast<std::int32_t>(
+            std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
     }
     /// Passes over a run of characters of the set.
     void skip(const CharacterSet& set) { static_cast<void>(take(set)); }
+    /// Passes over the character, once, when it is the next one.
+    void skipOne(char character) {
+        if (_text.starts_with(character)) {
+            _text.remove_prefix(1);
+        }
+    }
+    /// Passes over a run of white space (see lengthOfSpaceAt in Text.h).
+    void skipSpace() {
+        while (const std::size_t length = lengthOfSpaceAt(_text, 0)) {
+            _text.remove_prefix(length);
+        }
+    }
     /// What has not been read yet.
     [[nodiscard]] std::string_view rest() const { return _text; }
 
 private:
+    std::string_view takeLength(std::size_t length) {
+        const std::string_view run = _text.substr(0, length);
+        _text.remove_prefix(run.size());
+        return run;
+    }
+
     std::string_view _text;
 };
 

@@ -1,7 +1,9 @@
 #include "Platform/Text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 namespace neb {
 
@@ -81,6 +83,42 @@ std::size_t firstInvalid(std::string_view bytes) {
     return position;
 }
 
+/// The space separators beyond the blank, those of Unicode's class Zs.
+constexpr std::string_view spaces[] = {
+    "\xC2\xA0",                                                      // U+00A0 no-break space
+    "\xE1\x9A\x80",                                                  // U+1680
+    "\xE2\x80\x80", "\xE2\x80\x81", "\xE2\x80\x82", "\xE2\x80\x83",  // U+2000 to U+200A
+    "\xE2\x80\x84", "\xE2\x80\x85", "\xE2\x80\x86", "\xE2\x80\x87",
+    "\xE2\x80\x88", "\xE2\x80\x89", "\xE2\x80\x8A",
+    "\xE2\x80\xAF",  // U+202F
+    "\xE2\x81\x9F",  // U+205F
+    "\xE3\x80\x80",  // U+3000 ideographic space
+};
+
+constexpr std::string_view lineEnds[] = {
+    "\n", "\r", "\v", "\f", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9",
+};
+
+bool dropLineEndInFront(std::string_view& text) {
+    for (const std::string_view lineEnd : lineEnds) {
+        if (text.starts_with(lineEnd)) {
+            text.remove_prefix(lineEnd.size());
+            return true;
+        }
+    }
+    return false;
+}
+
+bool dropLineEndBehind(std::string_view& text) {
+    for (const std::string_view lineEnd : lineEnds) {
+        if (text.ends_with(lineEnd)) {
+            text.remove_suffix(lineEnd.size());
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 bool isUTF8(std::string_view bytes) {
@@ -96,6 +134,28 @@ std::string textReplacingInvalidBytes(std::string_view bytes) {
         bytes.remove_prefix(sequenceAt(bytes, 0).length);
         valid = firstInvalid(bytes);
         text += bytes.substr(0, valid);
+    }
+    return text;
+}
+
+std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position) {
+    const std::string_view rest = text.substr(std::min(position, text.size()));
+    if (rest.starts_with(' ') || rest.starts_with('\t')) {
+        return 1;
+    }
+    if (rest.empty() || static_cast<unsigned char>(rest.front()) < 0x80) {
+        return 0;
+    }
+    const auto* found =
+        std::find_if(std::begin(spaces), std::end(spaces),
+                     [rest](std::string_view space) { return rest.starts_with(space); });
+    return found != std::end(spaces) ? found->size() : 0;
+}
+
+std::string_view textByTrimmingLineEnds(std::string_view text) {
+    while (dropLineEndInFront(text)) {
+    }
+    while (dropLineEndBehind(text)) {
     }
     return text;
 }

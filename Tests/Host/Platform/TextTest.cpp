@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace neb {
 namespace {
 
@@ -47,6 +49,29 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Text, ATextCutOffAtTheEndIsReplacedOnce) {
     EXPECT_EQ(textReplacingInvalidBytes("a\xF0\x9F\x98"), "a" + r);
     EXPECT_FALSE(isUTF8("a\xE2\x82"));
+}
+
+TEST(Text, LineEndsOfAllKindsAreTrimmedAtBothEnds) {
+    const std::string ends = "\n\r\v\f\xC2\x85\xE2\x80\xA8\xE2\x80\xA9";
+    EXPECT_EQ(textByTrimmingLineEnds(ends + "a" + ends + "b" + ends), "a" + ends + "b");
+    EXPECT_EQ(textByTrimmingLineEnds(ends), "");
+    EXPECT_EQ(textByTrimmingLineEnds(""), "");
+    for (const char* other : {" a ", "\ta\t", "\xE2\x80\xA7", "\x85", "\xC3\xA8", "\xE2\x80\xAA"}) {
+        EXPECT_EQ(textByTrimmingLineEnds(other), other);
+    }
+}
+
+TEST(Text, PiecesAreOneMoreThanTheSeparatorsBetweenThem) {
+    const auto piecesOf = [](std::string_view text) {
+        std::vector<std::string_view> pieces;
+        forEachPiece(text, '\n', [&pieces](std::string_view piece) { pieces.push_back(piece); });
+        return pieces;
+    };
+    using Pieces = std::vector<std::string_view>;
+    EXPECT_EQ(piecesOf("a\nb"), (Pieces{"a", "b"}));
+    EXPECT_EQ(piecesOf("a\n"), (Pieces{"a", ""}));
+    EXPECT_EQ(piecesOf("\n\na"), (Pieces{"", "", "a"}));
+    EXPECT_EQ(piecesOf(""), (Pieces{""}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "GitOperations/GitCopy.h"
 #include "GitOperations/GitIgnoreOperation.h"
 #include "GitOperations/GitInfo.h"
+#include "GitOperations/GitLog.h"
 #include "GitOperations/GitMerge.h"
 #include "GitOperations/GitNewRepository.h"
 #include "GitOperations/GitStatus.h"
@@ -188,6 +189,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestMove, &make<GitMoveOperation>},
     {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>},
     {NEBSourceControlRequestStatus, &make<GitStatusOperation>},
+    {NEBSourceControlRequestLog, &make<GitLogOperation>},
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
     {NEBSourceControlRequestClone, &make<GitCloneOperation>},

@@ -7,9 +7,9 @@ namespace neb {
 
 namespace {
 
-void addIfText(std::vector<std::string>& components, std::string_view segment) {
+void visitIfText(std::string_view segment, const std::function<void(std::string_view)>& visit) {
     if (isUTF8(segment)) {
-        components.emplace_back(segment);
+        visit(segment);
     }
 }
 
@@ -17,15 +17,22 @@ void addIfText(std::vector<std::string>& components, std::string_view segment) {
 
 std::vector<std::string> git_componentsSeparatedByNULLTerminator(std::string_view data) {
     std::vector<std::string> components;
+    git_forEachComponentSeparatedByNULLTerminator(
+        data, [&components](std::string_view component) { components.emplace_back(component); });
+    return components;
+}
+
+void git_forEachComponentSeparatedByNULLTerminator(
+    std::string_view data, const std::function<void(std::string_view)>& visit) {
     std::size_t bytes = 0;
     for (std::size_t nul = data.find('\0'); nul != std::string_view::npos;
          nul = data.find('\0', bytes)) {
-        addIfText(components, data.substr(bytes, nul - bytes));
+        visitIfText(data.substr(bytes, nul - bytes), visit);
         bytes = nul + 1;
     }
     const std::size_t bytesEnd = data.size();
     if (bytes < bytesEnd) {
-        addIfText(components, data.substr(bytes));
+        visitIfText(data.substr(bytes), visit);
         bytes = bytesEnd;
     }
     if (bytes != bytesEnd) {  // cannot be; kept as the one promise of the walk
@@ -33,7 +40,6 @@ std::vector<std::string> git_componentsSeparatedByNULLTerminator(std::string_vie
                                  "Classes/NSData+GitUtilities", 46, "No trailing \\n on last line",
                                  {std::string(LOMAssertionFailedFormat), "bytes == bytesEnd"});
     }
-    return components;
 }
 
 }  // namespace neb

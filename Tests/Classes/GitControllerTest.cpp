@@ -284,14 +284,23 @@ TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
 
 TEST(Dispatch, MakesTheClassOfTheType) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {0, "GitAddOperation"},           {3, "GitCommitOperation"},
-        {4, "GitIgnoreOperation"},        {5, "GitRemoveOperation"},
-        {6, "GitAddOperation"},           {7, "GitCheckoutOperation"},
-        {8, "GitMakeDirectoryOperation"}, {9, "GitMergeOperation"},
-        {10, "GitCopyOperation"},         {11, "GitMoveOperation"},
-        {14, "GitCheckoutOperation"},     {15, "GitStatusOperation"},
-        {19, "GitInfoOperation"},         {27, "GitCreateRepositoryOperation"},
-        {29, "GitCloneOperation"},        {39, "GitMergeBaseOperation"},
+        {0, "GitAddOperation"},
+        {3, "GitCommitOperation"},
+        {4, "GitIgnoreOperation"},
+        {5, "GitRemoveOperation"},
+        {6, "GitAddOperation"},
+        {7, "GitCheckoutOperation"},
+        {8, "GitMakeDirectoryOperation"},
+        {9, "GitMergeOperation"},
+        {10, "GitCopyOperation"},
+        {11, "GitMoveOperation"},
+        {14, "GitCheckoutOperation"},
+        {15, "GitStatusOperation"},
+        {18, "GitLogOperation"},
+        {19, "GitInfoOperation"},
+        {27, "GitCreateRepositoryOperation"},
+        {29, "GitCloneOperation"},
+        {39, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
         const auto request = requestFor(type, "/w");

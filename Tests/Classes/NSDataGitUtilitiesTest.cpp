@@ -37,5 +37,14 @@ TEST(ComponentsSeparatedByNULL, APieceThatIsNoTextIsDroppedWithoutAWord) {
     EXPECT_TRUE(collector.reports().empty());
 }
 
+TEST(ComponentsSeparatedByNULL, AreVisitedWithoutACopy) {
+    const std::string data = "a\0\xE4\0\0b"s;
+    std::vector<std::string_view> visited;
+    git_forEachComponentSeparatedByNULLTerminator(
+        data, [&visited](std::string_view component) { visited.push_back(component); });
+    EXPECT_THAT(visited, ElementsAre("a", "", "b"));
+    EXPECT_EQ(visited.front().data(), data.data());
+}
+
 }  // namespace
 }  // namespace neb

@@ -17,12 +17,29 @@ std::string gitProgram() {
         .pathOfProgram("git");
 }
 
-ChildOutcome runGit(const std::string& folder, std::vector<std::string> arguments) {
+ChildOutcome run(const std::string& folder, std::string program,
+                 std::vector<std::string> arguments) {
     ChildProcess process;
-    return process.run({{.launchPath = gitProgram(),
+    return process.run({{.launchPath = std::move(program),
                          .arguments = std::move(arguments),
                          .currentDirectoryPath = folder,
                          .environment = NEBSourceControlInheritedEnvironment()}})[0];
+}
+
+ChildOutcome runGit(const std::string& folder, std::vector<std::string> arguments) {
+    return run(folder, gitProgram(), std::move(arguments));
+}
+
+std::string outputOf(const ChildOutcome& outcome, const std::vector<std::string>& arguments) {
+    if (outcome.status.isSuccess()) {
+        return outcome.output;
+    }
+    std::string words = "git";
+    for (const std::string& argument : arguments) {
+        words += " " + argument;
+    }
+    throw std::runtime_error(words + ": " + outcome.status.description() + ": " +
+                             outcome.errorOutput);
 }
 
 }  // namespace
@@ -58,16 +75,15 @@ void TestRepository::write(std::string_view name, std::string_view bytes) const 
 }
 
 std::string TestRepository::git(std::vector<std::string> arguments) const {
-    std::string words;
-    for (const std::string& argument : arguments) {
-        words += " " + argument;
-    }
-    const ChildOutcome outcome = runGit(path(), std::move(arguments));
-    if (!outcome.status.isSuccess()) {
-        throw std::runtime_error("git" + words + ": " + outcome.status.description() + ": " +
-                                 outcome.errorOutput);
-    }
-    return outcome.output;
+    return outputOf(runGit(path(), arguments), arguments);
+}
+
+std::string TestRepository::gitWithInput(std::vector<std::string> arguments,
+                                         std::string_view input) const {
+    std::vector<std::string> words{"-c", "exec \"$@\" <\"$0\"", _folder.write("input", input),
+                                   gitProgram()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return outputOf(run(path(), "/bin/sh", std::move(words)), arguments);
 }
 
 int TestRepository::gitStatus(std::vector<std::string> arguments) const {

@@ -29,6 +29,8 @@ public:
     void write(std::string_view name, std::string_view bytes) const;
     /// Runs git there and answers what it printed; throws when it fails.
     std::string git(std::vector<std::string> arguments) const;
+    /// The same, with these bytes as its standard input.
+    std::string gitWithInput(std::vector<std::string> arguments, std::string_view input) const;
     /// Runs git there and answers only its exit status.
     int gitStatus(std::vector<std::string> arguments) const;
     /// Writes the file, adds and commits it.

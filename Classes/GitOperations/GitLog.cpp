@@ -1,0 +1,141 @@
+#include "GitOperations/GitLog.h"
+
+#include "GitOperations/GitRevision.h"
+#include "GitOperations/GitStatus.h"
+#include "NSData+GitUtilities.h"
+#include "Platform/Scanner.h"
+#include "Platform/Text.h"
+
+namespace neb {
+
+namespace {
+
+/// What a commit's block begins with, each on a line of its own: the abbreviated name, the author's
+/// name and e-mail by the mail map, the seconds since 1970 at which it was written, and the raw
+/// message, of many lines. A NUL byte stands in front of the block; the byte below ends it, and
+/// what follows up to the next NUL is the list of changed files. So a message may hold anything.
+const std::vector<std::string> placeholders{"h", "aN", "aE", "at", "B"};
+constexpr char endOfHeader = '\x01';
+
+/// "0" as the end of a range means that there is none.
+bool isEnd(const NEBValue& revision) {
+    return revision.isPresent() && revision.description() != "0";
+}
+
+/// Takes the next line; the line end goes with it. Empty when none is left.
+std::string_view takeLine(Scanner& scanner) {
+    const std::string_view line = scanner.takeUpTo('\n');
+    scanner.skipOne('\n');
+    return line;
+}
+
+/// The seconds are read as 32 bits and no more: the nearest such number where that is not enough,
+/// 0 where there is none.
+NEBDate dateOf(std::string_view seconds) {
+    Scanner scanner(seconds);
+    scanner.skipSpace();
+    return NEBDate(std::chrono::seconds(scanner.takeInteger().value_or(0)));
+}
+
+/// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A line
+/// without a TAB is none of git's.
+NEBDictionary filesOf(std::string_view list) {
+    NEBDictionary files;
+    forEachPiece(list, '\n', [&files](std::string_view line) {
+        Scanner scanner(line);
+        const std::string_view letters = scanner.takeUpTo('\t');
+        if (letters.size() < line.size()) {
+            scanner.skipOne('\t');
+            files.set(std::string(scanner.takeUpTo('\t')), nebgit_sourceControlStatus(letters));
+        }
+    });
+    return files;
+}
+
+/// A line that is missing is taken for an empty one.
+NEBDictionary recordOf(std::string_view block, bool withFiles) {
+    NEBDictionary record;
+    Scanner header(textByTrimmingLineEnds(block.substr(0, block.find(endOfHeader))));
+    record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(takeLine(header)));
+    record.set(NEBSourceControlOperationAuthorKey, takeLine(header));
+    record.set(NEBSourceControlOperationAuthorEmailKey, takeLine(header));
+    record.set(NEBSourceControlOperationDateKey, dateOf(takeLine(header)));
+    record.set(NEBSourceControlOperationMessageKey, textByTrimmingLineEnds(header.rest()));
+    if (withFiles) {
+        // Behind the last such byte: the message may hold one too.
+        const std::size_t last = block.rfind(endOfHeader);
+        const std::string_view list =
+            textByTrimmingLineEnds(block.substr(last == std::string_view::npos ? 0 : last + 1));
+        if (!list.empty()) {
+            record.set(NEBSourceControlOperationFilesKey, filesOf(list));
+        }
+    }
+    return record;
+}
+
+}  // namespace
+
+std::string GitLogOperation::_prettyFormatWithArray(const std::vector<std::string>& placeholders) {
+    std::string format = "--pretty=format:%x00%";
+    for (const std::string& placeholder : placeholders) {
+        format.append(&placeholder == &placeholders.front() ? "" : "%n%").append(placeholder);
+    }
+    return format;
+}
+
+GitLogOperation::GitLogOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    const NEBSourceControlRequest& asked = *this->request();
+    std::vector<std::string> arguments{"log", "--abbrev=12"};
+    const NEBValue& limit = asked.option(NEBSourceControlRequestOptionLogOutputLimit);
+    if (limit.isPresent()) {
+        arguments.push_back("-" + limit.description());
+    }
+    appendRevisions(arguments);
+    if (wantsFilesChanged()) {
+        arguments.emplace_back("--name-status");
+    }
+    arguments.push_back(_prettyFormatWithArray(placeholders) + endOfHeader);
+    if (asked.fileCount() > 0) {
+        arguments.emplace_back("--");
+        if (asked.files->front().isPresent()) {
+            arguments.push_back(asked.files->front().description());
+        }
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+/// Three dots: git then lists what is in either of the two and not in both.
+void GitLogOperation::appendRevisions(std::vector<std::string>& arguments) const {
+    const NEBValue start = gitRevisionOfCommit(request()->startingRevision);
+    const NEBValue& end = request()->endingRevision;
+    const NEBValue& branch = request()->option(NEBSourceControlRequestOptionBranch);
+    if (isEnd(end)) {
+        // A branch has no say in a range, not even in one from HEAD.
+        arguments.push_back((start.isPresent() ? start.description() : "HEAD") + "..." +
+                            end.description());
+    } else if (start.isPresent()) {
+        arguments.push_back(start.description());
+    } else if (branch.isPresent()) {
+        arguments.push_back(branch.description());
+    }
+}
+
+bool GitLogOperation::wantsFilesChanged() const {
+    return request()->option(NEBSourceControlRequestOptionLogOutputFilesChanged).boolValue();
+}
+
+void GitLogOperation::parseData() {
+    NEBSourceControlResult records;
+    const bool withFiles = wantsFilesChanged();
+    if (data()) {
+        git_forEachComponentSeparatedByNULLTerminator(*data(), [&](std::string_view block) {
+            if (!block.empty()) {
+                records.push_back(recordOf(block, withFiles));
+            }
+        });
+    }
+    setResult(std::move(records));
+}
+
+}  // namespace neb

@@ -1,0 +1,351 @@
+#include "GitOperations/GitLog.h"
+
+#include <gmock/gmock.h>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Support/Matchers.h"
+
+namespace neb {
+namespace {
+
+using test::requestFor;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Arguments = std::vector<std::string>;
+
+const std::string pretty = "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B\x01";
+
+// ---- the command ------------------------------------------------------------------------------
+
+/// The arguments between the abbreviation and the format.
+Arguments argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
+    Arguments arguments = GitLogOperation(request).arguments();
+    EXPECT_EQ(arguments.at(0), "log");
+    EXPECT_EQ(arguments.at(1), "--abbrev=12");
+    EXPECT_EQ(arguments.back(), pretty);
+    arguments.pop_back();
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+    return arguments;
+}
+
+TEST(LogFormat, IsTheFieldsOneALineBehindANUL) {
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h", "aN", "aE", "at", "B"}),
+              "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B");
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h"}), "--pretty=format:%x00%h");
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({}), "--pretty=format:%x00%");
+    EXPECT_EQ(pretty.size(), 42U);
+}
+
+TEST(LogCommand, OfABareRequestNamesNoRevision) {
+    EXPECT_THAT(GitLogOperation(requestFor(18, "/w")).arguments(),
+                ElementsAre("log", "--abbrev=12", pretty));
+    EXPECT_EQ(GitLogOperation(requestFor(18, "/w")).currentDirectoryPath(), "/w");
+}
+
+TEST(LogCommand, OfAFullRequestHasEachPartInItsPlace) {
+    auto request = requestFor(18, "/w");
+    request->startingRevision = "abc123";
+    request->endingRevision = "def456";
+    request->files = {NEBValue("src/a.c"), NEBValue("src/b.c")};
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, 50},
+                                     {NEBSourceControlRequestOptionLogOutputFilesChanged, true},
+                                     {NEBSourceControlRequestOptionBranch, "topic"},
+                                     {NEBSourceControlRequestOptionRepositoryPath, "/r"},
+                                     {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
+    EXPECT_THAT(GitLogOperation(request).arguments(),
+                ElementsAre("--git-dir=/r", "--work-tree=/w", "log", "--abbrev=12", "-50",
+                            "abc123...def456", "--name-status", pretty, "--", "src/a.c"))
+        << "only the first file counts, and the branch has no say in a range";
+}
+
+struct Revisions {
+    const char* name;
+    NEBValue start, end, branch;
+    Arguments arguments;
+};
+
+class LogRevisions : public testing::TestWithParam<Revisions> {};
+
+TEST_P(LogRevisions, BecomeThisArgument) {
+    auto request = requestFor(18, "/w");
+    request->startingRevision = GetParam().start;
+    request->endingRevision = GetParam().end;
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, GetParam().branch}};
+    EXPECT_EQ(argumentsOf(request), GetParam().arguments);
+}
+
+const NEBValue headName(NEBSourceControlHEADRevisionName);
+const NEBValue baseName(NEBSourceControlBASERevisionName);
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, LogRevisions,
+    testing::Values(
+        Revisions{"Nothing", {}, {}, {}, {}}, Revisions{"Start", "a1", {}, {}, {"a1"}},
+        Revisions{"StartAndNoEnd", "a1", "0", {}, {"a1"}},
+        Revisions{"StartAndTheNumberZero", "a1", 0, {}, {"a1"}},
+        Revisions{"StartAndEnd", "a1", "b2", {}, {"a1...b2"}},
+        Revisions{"HEADByName", headName, {}, {}, {"HEAD"}},
+        Revisions{"BASEByName", baseName, {}, {}, {"HEAD"}},
+        Revisions{"BASEByNameAndNoEnd", baseName, "0", {}, {"HEAD"}},
+        Revisions{"HEADByNameAndEnd", headName, "b2", {}, {"HEAD...b2"}},
+        Revisions{"OnlyTheStartGoesByName",
+                  "a1",
+                  headName,
+                  {},
+                  {"a1...NEBSourceControlHEADRevisionName"}},
+        Revisions{"OtherNamesAreNoHEAD",
+                  NEBSourceControlLocalRevisionName,
+                  {},
+                  {},
+                  {"NEBSourceControlLocalRevisionName"}},
+        Revisions{"EndAlone", {}, "tagtwo", {}, {"HEAD...tagtwo"}},
+        Revisions{"EndAloneIsNone", {}, "0", {}, {}},
+        Revisions{"Branch", {}, {}, "topic", {"topic"}},
+        Revisions{"BranchAndNoEnd", {}, "0", "topic", {"topic"}},
+        Revisions{"BranchIsIgnoredInARangeFromHEAD", {}, "tagtwo", "topic", {"HEAD...tagtwo"}},
+        Revisions{"BranchIsIgnoredBesideAStart", "a1", {}, "topic", {"a1"}},
+        Revisions{"BranchIsIgnoredBesideAStartWithoutEnd", "a1", "0", "topic", {"a1"}},
+        Revisions{"EmptyStartIsThere", "", {}, "topic", {""}},
+        Revisions{"EmptyEndIsThere", "a1", "", {}, {"a1..."}}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST(LogCommand, TakesTheLimitInDecimal) {
+    auto request = requestFor(18, "/w");
+    const auto argumentsFor = [&request](NEBValue limit) {
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
+        return argumentsOf(request);
+    };
+    EXPECT_THAT(argumentsFor(25), ElementsAre("-25"));
+    EXPECT_THAT(argumentsFor(0), ElementsAre("-0"));
+    EXPECT_THAT(argumentsFor(-1), ElementsAre("--1"));
+    EXPECT_THAT(argumentsFor(std::int64_t{9007199254740993}), ElementsAre("-9007199254740993"));
+    EXPECT_THAT(argumentsFor({}), IsEmpty());
+}
+
+TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
+    auto request = requestFor(18, "/w");
+    for (const auto& [value, arguments] :
+         std::vector<std::pair<NEBValue, Arguments>>{{true, {"--name-status"}},
+                                                     {1, {"--name-status"}},
+                                                     {"YES", {"--name-status"}},
+                                                     {false, {}},
+                                                     {0, {}}}) {
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, value}};
+        EXPECT_EQ(argumentsOf(request), arguments) << value.description();
+    }
+}
+
+TEST(LogCommand, PutsTheFirstFileBehindTwoDashes) {
+    auto request = requestFor(18, "/w");
+    request->files = std::vector<NEBValue>{};
+    EXPECT_THAT(argumentsOf(request), IsEmpty());
+    request->files = {NEBValue("/w/a.c"), NEBValue("/w/b.c")};
+    EXPECT_THAT(GitLogOperation(request).arguments(),
+                ElementsAre("log", "--abbrev=12", pretty, "--", "/w/a.c"));
+}
+
+// ---- reading what git printed -----------------------------------------------------------------
+
+std::shared_ptr<NEBSourceControlRequest> logRequest(bool withFiles) {
+    auto request = requestFor(18, "/w");
+    request->options =
+        NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}};
+    return request;
+}
+
+/// A record as its fields, one a line, for reading; "files" only where there are.
+std::string textOf(const NEBDictionary& record) {
+    std::string text;
+    for (const auto& entry : record) {
+        text += entry.value().description() + "|";
+    }
+    text.pop_back();
+    EXPECT_EQ(record.size(), record.contains(NEBSourceControlOperationFilesKey) ? 6U : 5U);
+    return text;
+}
+
+std::vector<std::string> read(Data output, bool withFiles = false) {
+    GitLogOperation operation(logRequest(withFiles));
+    operation.setData(std::move(output));
+    operation.parseData();
+    std::vector<std::string> texts;
+    for (const NEBDictionary& record : operation.result().value()) {
+        texts.push_back(textOf(record));
+    }
+    return texts;
+}
+
+/// What git prints of a commit: the block up to its 0x01.
+std::string block(std::string_view message, std::string_view seconds = "1600000000",
+                  std::string_view revision = "0123456789ab") {
+    return std::string(1, '\0') + std::string(revision) + "\nAnn Example\nann@example.org\n" +
+           std::string(seconds) + "\n" + std::string(message) + "\x01";
+}
+
+const std::string annOn = "0123456789ab|Ann Example|ann@example.org|";
+const std::string ann = annOn + "2020-09-13T12:26:40Z|";
+
+TEST(LogOutput, HasOneRecordACommitInGitsOrder) {
+    EXPECT_THAT(read(block("one\n") + "\n" + block("two\n\nbody\n", "1", "abcdefabcdef")),
+                ElementsAre(ann + "one",
+                            "abcdefabcdef|Ann Example|ann@example.org|"
+                            "1970-01-01T00:00:01Z|two\n\nbody"));
+}
+
+TEST(LogOutput, OfNoCommitIsAnEmptyResult) {
+    EXPECT_THAT(read(""), IsEmpty());
+    EXPECT_THAT(read(std::string(3, '\0')), IsEmpty());
+    GitLogOperation operation(logRequest(false));
+    operation.parseData();
+    EXPECT_EQ(operation.result(), NEBSourceControlResult{}) << "no data is no reason for no result";
+}
+
+TEST(LogOutput, CutsARevisionTo12Characters) {
+    const auto revisionOf = [](std::string_view revision) {
+        const std::string text = read(block("m", "1", revision)).at(0);
+        return text.substr(0, text.find('|'));
+    };
+    EXPECT_EQ(revisionOf("0123456789abc"), "0123456789ab");
+    EXPECT_EQ(revisionOf("0123456789abcdef0123456789abcdef01234567"), "0123456789ab");
+    EXPECT_EQ(revisionOf("0123456789ab"), "0123456789ab");
+    EXPECT_EQ(revisionOf("0123456"), "0123456");
+}
+
+TEST(LogOutput, KeepsAMessageWholeButForTheLineEndsAroundIt) {
+    const std::pair<std::string, std::string> messages[] = {
+        {"subject\n", "subject"},
+        {"no line end", "no line end"},
+        {"", ""},
+        {"\n", ""},
+        {"\n\n\n", ""},
+        {"\n\nleading lines\n", "leading lines"},
+        {"a\n\n\nb\n\n\n", "a\n\n\nb"},
+        {" blanks stay \n", " blanks stay "},
+        {"a\r\nb\r\n", "a\r\nb"},
+        {"M\tsrc/a.c\nlooks like files\n", "M\tsrc/a.c\nlooks like files"},
+        {"\ttabs\t\n", "\ttabs\t"},
+        {"a\xE2\x80\xA8"
+         "b\xE2\x80\xA8\n",
+         "a\xE2\x80\xA8"
+         "b"},
+        {"\xC2\x85\v\f\r\xE2\x80\xA9x\xE2\x80\xA9\r\f\v\xC2\x85\n", "x"},
+        {"\xE2\x80\xA7stays, no line end\xE2\x80\xAA",
+         "\xE2\x80\xA7stays, no line end\xE2\x80\xAA"},
+        {"12345\nann@example.org\n", "12345\nann@example.org"},
+    };
+    for (const auto& [printed, kept] : messages) {
+        EXPECT_THAT(read(block(printed)), ElementsAre(ann + kept)) << printed;
+        EXPECT_THAT(read(block(printed) + "\n\n", true), ElementsAre(ann + kept)) << printed;
+    }
+}
+
+TEST(LogOutput, ReadsTheDateAsA32BitNumber) {
+    const std::pair<const char*, const char*> dates[] = {
+        {"0", "1970-01-01T00:00:00Z"},
+        {"1", "1970-01-01T00:00:01Z"},
+        {"-1", "1969-12-31T23:59:59Z"},
+        {"+7", "1970-01-01T00:00:07Z"},
+        {"  12", "1970-01-01T00:00:12Z"},
+        {"\t12", "1970-01-01T00:00:12Z"},
+        {"12x9", "1970-01-01T00:00:12Z"},
+        {"12 9", "1970-01-01T00:00:12Z"},
+        {"12.9", "1970-01-01T00:00:12Z"},
+        {"", "1970-01-01T00:00:00Z"},
+        {"x", "1970-01-01T00:00:00Z"},
+        {"-", "1970-01-01T00:00:00Z"},
+        {"2147483647", "2038-01-19T03:14:07Z"},
+        // The record holds no later and no earlier time than 32 bits do.
+        {"2147483648", "2038-01-19T03:14:07Z"},
+        {"4102444800", "2038-01-19T03:14:07Z"},
+        {"99999999999999999999999999", "2038-01-19T03:14:07Z"},
+        {"-2147483648", "1901-12-13T20:45:52Z"},
+        {"-2147483649", "1901-12-13T20:45:52Z"},
+        {"-99999999999999999999999999", "1901-12-13T20:45:52Z"},
+        {"00000000000000000000000000000007", "1970-01-01T00:00:07Z"},
+    };
+    for (const auto& [seconds, date] : dates) {
+        EXPECT_THAT(read(block("m", seconds)), ElementsAre(annOn + date + "|m")) << seconds;
+    }
+}
+
+TEST(LogOutput, ListsTheFilesWithTheirStates) {
+    EXPECT_THAT(read(block("m\n") + "\nM\ta.c\nA\tsrc/b c.c\nD\td\nT\tt\nU\tu\nX\tx\n", true),
+                ElementsAre(ann + "m|{a.c = 4, src/b c.c = 1, d = 2, t = 4, u = 16, x = 0}"));
+    EXPECT_THAT(read(block("m\n") + "\nM\ta.c\n\n" + block("n\n") + "\nA\tb.c\n", true),
+                ElementsAre(ann + "m|{a.c = 4}", ann + "n|{b.c = 1}"));
+}
+
+TEST(LogOutput, KeepsTheOldPathOfARenameAndOfACopy) {
+    EXPECT_THAT(read(block("m\n") + "\nR094\told.c\tnew.c\nC100\tfrom\tto\n", true),
+                ElementsAre(ann + "m|{old.c = 4096, from = 4096}"));
+}
+
+TEST(LogOutput, KeepsTheLaterOfTwoLinesForOnePath) {
+    EXPECT_THAT(read(block("m\n") + "\nM\ta\nA\tb\nD\ta\n", true),
+                ElementsAre(ann + "m|{a = 2, b = 1}"));
+}
+
+TEST(LogOutput, HasNoFilesKeyWithoutFilesOrWithoutTheOption) {
+    EXPECT_THAT(read(block("m\n") + "\n\n", true), ElementsAre(ann + "m"));
+    EXPECT_THAT(read(block("m\n"), true), ElementsAre(ann + "m"));
+    EXPECT_THAT(read(block("m\n") + "\nM\ta\n", false), ElementsAre(ann + "m"));
+}
+
+TEST(LogOutput, LeavesOutAFileLineWithoutATAB) {
+    EXPECT_THAT(read(block("m\n") + "\nnonsense\nM\ta\n\nA\tb\n", true),
+                ElementsAre(ann + "m|{a = 4, b = 1}"));
+    EXPECT_THAT(read(block("m\n") + "\nnonsense\n", true), ElementsAre(ann + "m|{}"));
+}
+
+/// The header ends with the first such byte, the list of files begins behind the last one: so a
+/// message that holds the byte is cut there, and its files are still right.
+TEST(LogOutput, CutsAMessageAtTheByteThatEndsAHeader) {
+    EXPECT_THAT(read(block("before\x01 after\nM\tnone\n") + "\nM\ta\n", true),
+                ElementsAre(ann + "before|{a = 4}"));
+    EXPECT_THAT(read(block("\x01\x01")), ElementsAre(ann));
+}
+
+/// Then the header is read as the list of files too; git always prints the byte.
+TEST(LogOutput, TakesABlockWithoutTheEndOfAHeaderForBoth) {
+    std::string whole = block("m\nM\ta\n");
+    whole.pop_back();
+    EXPECT_THAT(read(whole, true), ElementsAre(ann + "m\nM\ta|{a = 4}"));
+    EXPECT_THAT(read(whole, false), ElementsAre(ann + "m\nM\ta"));
+}
+
+TEST(LogOutput, FillsMissingHeaderLinesWithNothing) {
+    using std::string_literals::operator""s;
+    EXPECT_THAT(read("\0abc"s), ElementsAre("abc|||1970-01-01T00:00:00Z|"));
+    EXPECT_THAT(read("\0abc\nAnn\x01\nM\ta"s, true),
+                ElementsAre("abc|Ann||1970-01-01T00:00:00Z||{a = 4}"));
+    EXPECT_THAT(read("\0\x01"s), ElementsAre("|||1970-01-01T00:00:00Z|"));
+    EXPECT_THAT(read("\0h\n\n\n5\nm\x01"s), ElementsAre("h|||1970-01-01T00:00:05Z|m"))
+        << "an author without a name is no missing line";
+    EXPECT_THAT(read("text before\0h\na\ne\n5\nm\x01"s),
+                ElementsAre("text before|||1970-01-01T00:00:00Z|", "h|a|e|1970-01-01T00:00:05Z|m"));
+}
+
+TEST(LogOutput, LeavesOutACommitThatIsNoUTF8) {
+    EXPECT_THAT(read(block("one\n") + "\n" + block("raw \xE4 byte\n") + "\n" + block("three\n")),
+                ElementsAre(ann + "one", ann + "three"));
+}
+
+TEST(LogOutput, OfACommitWithVeryManyFilesIsReadInOneGo) {
+    std::string output = block("m\n") + "\n";
+    for (int i = 0; i < 200000; ++i) {
+        output += "A\tfolder/file" + std::to_string(i) + "\n";
+    }
+    GitLogOperation operation(logRequest(true));
+    operation.setData(std::move(output));
+    operation.parseData();
+    const NEBDictionary* files =
+        operation.result()->at(0).value(NEBSourceControlOperationFilesKey).dictionary();
+    EXPECT_EQ(files->size(), 200000U);
+    EXPECT_EQ(files->value("folder/file199999").integer(), 1);
+}
+
+}  // namespace
+}  // namespace neb

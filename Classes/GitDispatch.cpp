@@ -6,6 +6,7 @@
 #include "GitOperations/GitCheckout.h"
 #include "GitOperations/GitCommit.h"
 #include "GitOperations/GitCopy.h"
+#include "GitOperations/GitDiff.h"
 #include "GitOperations/GitIgnoreOperation.h"
 #include "GitOperations/GitInfo.h"
 #include "GitOperations/GitLog.h"
@@ -193,6 +194,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
     {NEBSourceControlRequestClone, &make<GitCloneOperation>},
+    {NEBSourceControlRequestDiff, &make<GitDiffOperation>},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
 };
 

@@ -264,7 +264,9 @@ constexpr Row rows[] = {
     // histories
     {"diverged", fastForward, {{{"not possible to fast-forward"}}}},
     {"diverged", generic, {{{"need to specify how to reconcile divergent branches"}}}},
-    {"unrelated-histories", generic, {{{"refusing to merge unrelated histories"}}}},
+    {"unrelated-histories",
+     generic,
+     {{{"refusing to merge unrelated histories"}, {"...", ": no merge base"}}}},
     // commits
     {"nothing-to-commit",
      generic,

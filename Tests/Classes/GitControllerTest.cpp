@@ -300,6 +300,7 @@ TEST(Dispatch, MakesTheClassOfTheType) {
         {19, "GitInfoOperation"},
         {27, "GitCreateRepositoryOperation"},
         {29, "GitCloneOperation"},
+        {30, "GitDiffOperation"},
         {39, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {

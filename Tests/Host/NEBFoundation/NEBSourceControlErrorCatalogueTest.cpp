@@ -213,6 +213,7 @@ const Case cases[] = {
     {"diverged", -200, "fatal: Not possible to fast-forward, aborting."},
     {"diverged", -1, "fatal: Need to specify how to reconcile divergent branches."},
     {"unrelated-histories", -1, "fatal: refusing to merge unrelated histories"},
+    {"unrelated-histories", -1, "fatal: main...other: no merge base"},
     {"nothing-to-commit", -1, "On branch main\nnothing to commit, working tree clean\n",
      "There is nothing to commit."},
     {"nothing-to-commit", -1, "Changes not staged for commit:\n\nno changes added to commit (use",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "GitOperations/GitBlame.h"
 #include "GitOperations/GitCheckout.h"
 #include "GitOperations/GitCommit.h"
 #include "GitOperations/GitCopy.h"
@@ -193,6 +194,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestLog, &make<GitLogOperation>},
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
+    {NEBSourceControlRequestBlame, &make<GitBlameOperation>},
     {NEBSourceControlRequestClone, &make<GitCloneOperation>},
     {NEBSourceControlRequestDiff, &make<GitDiffOperation>},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},

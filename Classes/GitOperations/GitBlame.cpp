@@ -1,0 +1,68 @@
+#include "GitOperations/GitBlame.h"
+
+#include <algorithm>
+
+#include "GitOperations/GitRevision.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/Scanner.h"
+#include "Platform/Text.h"
+
+namespace neb {
+
+GitBlameOperation::GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    const NEBSourceControlRequest& asked = *this->request();
+    std::vector<std::string> arguments{"blame", "-c", "-l"};
+    if (asked.startingRevision.isPresent() && !gitIsSymbolicRevision(asked.startingRevision)) {
+        arguments.push_back(asked.startingRevision.description());
+    }
+    if (asked.fileCount() == 1) {
+        arguments.emplace_back("--");
+        appendFiles(arguments);
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+/// Reads "revision TAB ( author TAB date TAB number ) text". What is not there leaves its key out,
+/// and reading goes on from the same place. The white space in front of an author pads the names to
+/// one width; with an author of nothing else it takes the next TAB too, so the date is the author.
+NEBDictionary GitBlameOperation::recordOf(std::string_view line) const {
+    Scanner scanner(line);
+    const std::string_view revision = scanner.takeUpTo('\t');
+    scanner.skipOne('\t');
+    scanner.skipOne('(');
+    scanner.skipSpace();
+    const std::string_view author = scanner.takeUpTo('\t');
+    scanner.skipOne('\t');
+    const std::string_view date = scanner.takeUpTo('\t');
+    scanner.skipOne('\t');
+    const std::string_view number = scanner.takeUpTo(')');
+
+    NEBDictionary record;
+    const auto setIfRead = [&record](NEBConstant key, std::string_view text) {
+        if (!text.empty()) {
+            record.set(key, text);
+        }
+    };
+    setIfRead(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(revision));
+    setIfRead(NEBSourceControlOperationAuthorKey, author);
+    if (const auto instant = _formatter.dateFromString(date)) {
+        record.set(NEBSourceControlOperationDateKey, *instant);
+    }
+    setIfRead(NEBSourceControlOperationLineNumberKey, number);
+    return record;
+}
+
+void GitBlameOperation::parseData() {
+    if (!data() || data()->empty()) {
+        return;
+    }
+    const std::string text = *_nebsc_stringFromData(data());
+    NEBSourceControlResult records;
+    records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+    // The piece behind the last line end makes the empty record: hosts count on it.
+    forEachPiece(text, '\n', [&](std::string_view line) { records.push_back(recordOf(line)); });
+    setResult(std::move(records));
+}
+
+}  // namespace neb

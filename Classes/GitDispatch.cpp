@@ -10,6 +10,7 @@
 #include "GitOperations/GitDiff.h"
 #include "GitOperations/GitIgnoreOperation.h"
 #include "GitOperations/GitInfo.h"
+#include "GitOperations/GitList.h"
 #include "GitOperations/GitLog.h"
 #include "GitOperations/GitMerge.h"
 #include "GitOperations/GitNewRepository.h"
@@ -191,6 +192,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestMove, &make<GitMoveOperation>},
     {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>},
     {NEBSourceControlRequestStatus, &make<GitStatusOperation>},
+    {NEBSourceControlRequestList, &make<GitListOperation>},
     {NEBSourceControlRequestLog, &make<GitLogOperation>},
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},

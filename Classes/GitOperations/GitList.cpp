@@ -1,0 +1,80 @@
+#include "GitOperations/GitList.h"
+
+#include "GitOperations/GitShellText.h"
+#include "LOMFoundation/LOMFormat.h"
+#include "NSData+GitUtilities.h"
+#include "Platform/PathString.h"
+#include "Platform/Scanner.h"
+
+namespace neb {
+
+namespace {
+
+/// Reads "mode type name TAB path", with blanks between the first three.
+NEBDictionary recordOf(std::string_view entry) {
+    Scanner scanner(entry);
+    static_cast<void>(scanner.takeInteger());  // the mode
+    scanner.skipSpace();
+    const std::string_view type = scanner.takeUpToSpace();
+    scanner.skipSpace();
+    static_cast<void>(scanner.takeUpToSpace());  // the object's name
+    scanner.skipOne('\t');
+
+    NEBDictionary record;
+    record.set(NEBSourceControlOperationIsLeafKey, type == "blob");
+    record.set(NEBSourceControlOperationNameKey, lastPathComponent(scanner.rest()));
+    return record;
+}
+
+/// All entries of the folder, for the shell to expand. No name at all fills its place in the
+/// command line the way that nothing does, with a text at which the shell stops: hosts count on the
+/// root not being listed.
+std::string patternFor(const NEBSourceControlRequest& request) {
+    const std::string folder =
+        request.fileCount() > 0 ? request.files->front().description() : std::string();
+    return folder.empty() ? std::string(absentValueText) : gitShellPattern(folder) + "/*";
+}
+
+/// What is asked for behind HEAD: its tree, or, with the option for a branch, what git makes of the
+/// branch's name there (nothing: it is no kind of object).
+std::string selectorFor(const NEBSourceControlRequest& request) {
+    const NEBValue& branch = request.option(NEBSourceControlRequestOptionBranch);
+    return branch.isPresent() ? gitShellPattern(branch.description()) : "tree";
+}
+
+}  // namespace
+
+GitListFilesOperation::GitListFilesOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    const NEBSourceControlRequest& asked = *this->request();
+    setArguments({"-c", formattedText("%@ ls-tree -z HEAD^{%@} %@",
+                                      {gitShellWord(GitOperation::launchPath()), selectorFor(asked),
+                                       patternFor(asked)})});
+}
+
+std::string GitListFilesOperation::launchPath() {
+    return "/bin/sh";
+}
+
+void GitListFilesOperation::parseData() {
+    NEBSourceControlResult records;
+    if (data()) {
+        git_forEachComponentSeparatedByNULLTerminator(
+            *data(), [&records](std::string_view entry) { records.push_back(recordOf(entry)); });
+    }
+    setResult(std::move(records));
+}
+
+void GitListOperation::main() {
+    if (error()) {
+        return;
+    }
+    setOperationQueue(std::make_shared<OperationQueue>());
+    const auto list = run<GitListFilesOperation>(request());
+    setResult(list->result());
+    if (list->error()) {
+        setError(list->error());
+    }
+}
+
+}  // namespace neb

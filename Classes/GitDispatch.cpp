@@ -8,6 +8,7 @@
 #include "GitOperations/GitCommit.h"
 #include "GitOperations/GitCopy.h"
 #include "GitOperations/GitDiff.h"
+#include "GitOperations/GitExport.h"
 #include "GitOperations/GitIgnoreOperation.h"
 #include "GitOperations/GitInfo.h"
 #include "GitOperations/GitList.h"
@@ -195,6 +196,9 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestList, &make<GitListOperation>},
     {NEBSourceControlRequestLog, &make<GitLogOperation>},
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
+    {NEBSourceControlRequestExportFiles, &make<GitExportFileOperation>},
+    {NEBSourceControlRequestExport, &make<GitExportFileOperation>},
+    {NEBSourceControlRequestExportTree, &make<GitExportTreeOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
     {NEBSourceControlRequestBlame, &make<GitBlameOperation>},
     {NEBSourceControlRequestClone, &make<GitCloneOperation>},

@@ -1,5 +1,6 @@
 #include "NEBFoundation/NEBSourceControlTemporaryFile.h"
 
+#include <climits>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -21,16 +22,29 @@ std::string randomHead() {
     return text;
 }
 
+constexpr char separator = '-';
+constexpr std::size_t headLength = 16;
+
+/// Whether the name first occurs behind the head, whatever that is. It cannot begin earlier if it
+/// holds a character that no head does.
+bool canHaveHead(std::string_view name) {
+    return name.find_first_not_of("0123456789ABCDEF-") != std::string_view::npos &&
+           headLength + 1 + name.size() <= NAME_MAX;
+}
+
 }  // namespace
 
 LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view name) {
     const char* variable = std::getenv("TMPDIR");
     const std::string folder = variable != nullptr && *variable == '/' ? variable : "/tmp";
+    const std::string plainName = lastPathComponent(name);
+    const bool hasHead = canHaveHead(plainName);
     while (true) {
-        LOMFilePath path = LOMFilePath::filePathForPathString(
-            pathByAppendingComponent(folder, randomHead() + "-" + lastPathComponent(name)));
-        if (!path.existsInFileSystem()) {
-            return path;
+        const std::string head = pathByAppendingComponent(folder, randomHead());
+        const std::string path = hasHead ? head + separator + plainName : head;
+        if (!LOMFilePath::filePathForPathString(path).existsInFileSystem()) {
+            return LOMFilePath::filePathForPathString(
+                hasHead ? path : pathByAppendingComponent(path, plainName));
         }
     }
 }

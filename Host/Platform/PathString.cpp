@@ -103,6 +103,17 @@ std::string lastPathComponent(std::string_view path) {
     return std::string(path.substr(slash + 1));
 }
 
+std::string pathByDeletingLastComponent(std::string_view path) {
+    dropEndSlashes(path);
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos) {
+        return {};
+    }
+    std::string_view folder = path.substr(0, slash + 1);
+    dropEndSlashes(folder);
+    return std::string(folder);
+}
+
 std::string pathByExpandingTilde(std::string_view path) {
     if (path == "~") {
         return homeDirectory();

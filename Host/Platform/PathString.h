@@ -21,6 +21,11 @@ namespace neb {
 /// a path of nothing but "/", and "" for "".
 [[nodiscard]] NEB_EXPORT std::string lastPathComponent(std::string_view path);
 
+/// What stands before the last component and the "/" in front of it, an end "/" left out of
+/// account:
+/// "/a" for "/a/b/", "/" for "/a", "" for "b" and for "".
+[[nodiscard]] NEB_EXPORT std::string pathByDeletingLastComponent(std::string_view path);
+
 /// With a leading "~" or "~/" replaced by the user's home directory (HOME, or else the user
 /// database's); any other path, "~name" included, as it is.
 [[nodiscard]] NEB_EXPORT std::string pathByExpandingTilde(std::string_view path);

@@ -284,16 +284,29 @@ TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
 
 TEST(Dispatch, MakesTheClassOfTheType) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {0, "GitAddOperation"},           {3, "GitCommitOperation"},
-        {4, "GitIgnoreOperation"},        {5, "GitRemoveOperation"},
-        {6, "GitAddOperation"},           {7, "GitCheckoutOperation"},
-        {8, "GitMakeDirectoryOperation"}, {9, "GitMergeOperation"},
-        {10, "GitCopyOperation"},         {11, "GitMoveOperation"},
-        {14, "GitCheckoutOperation"},     {15, "GitStatusOperation"},
-        {17, "GitListOperation"},         {18, "GitLogOperation"},
-        {19, "GitInfoOperation"},         {27, "GitCreateRepositoryOperation"},
-        {28, "GitBlameOperation"},        {29, "GitCloneOperation"},
-        {30, "GitDiffOperation"},         {39, "GitMergeBaseOperation"},
+        {0, "GitAddOperation"},
+        {3, "GitCommitOperation"},
+        {4, "GitIgnoreOperation"},
+        {5, "GitRemoveOperation"},
+        {6, "GitAddOperation"},
+        {7, "GitCheckoutOperation"},
+        {8, "GitMakeDirectoryOperation"},
+        {9, "GitMergeOperation"},
+        {10, "GitCopyOperation"},
+        {11, "GitMoveOperation"},
+        {14, "GitCheckoutOperation"},
+        {15, "GitStatusOperation"},
+        {17, "GitListOperation"},
+        {18, "GitLogOperation"},
+        {19, "GitInfoOperation"},
+        {20, "GitExportFileOperation"},
+        {21, "GitExportFileOperation"},
+        {22, "GitExportTreeOperation"},
+        {27, "GitCreateRepositoryOperation"},
+        {28, "GitBlameOperation"},
+        {29, "GitCloneOperation"},
+        {30, "GitDiffOperation"},
+        {39, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
         const auto request = requestFor(type, "/w");
@@ -317,17 +330,13 @@ TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
 /// A broken precondition is reported and stops nothing.
 TEST(Dispatch, ARequestThatLacksWhatItNeedsYieldsAnOperationAllTheSame) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {5, "GitRemoveOperation"},
-        {6, "GitAddOperation"},
-        {7, "GitCheckoutOperation"},
-        {8, "GitMakeDirectoryOperation"},
-        {9, "GitMergeOperation"},
-        {10, "GitCopyOperation"},
-        {11, "GitMoveOperation"},
-        {14, "GitCheckoutOperation"},
-        {17, "GitListOperation"},
-        {28, "GitBlameOperation"},
-        {27, "GitCreateRepositoryOperation"},
+        {5, "GitRemoveOperation"},      {6, "GitAddOperation"},
+        {7, "GitCheckoutOperation"},    {8, "GitMakeDirectoryOperation"},
+        {9, "GitMergeOperation"},       {10, "GitCopyOperation"},
+        {11, "GitMoveOperation"},       {14, "GitCheckoutOperation"},
+        {17, "GitListOperation"},       {20, "GitExportFileOperation"},
+        {21, "GitExportFileOperation"}, {22, "GitExportTreeOperation"},
+        {28, "GitBlameOperation"},      {27, "GitCreateRepositoryOperation"},
         {29, "GitCloneOperation"},
     };
     for (const auto& [type, name] : classes) {

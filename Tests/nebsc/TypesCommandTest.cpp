@@ -43,7 +43,7 @@ const std::vector<NeedsRow>& neededRows() {
         {14, "checkout", false, {"destination"}},
         {17, "list", false, {"at least one file"}},
         {20, "export files", false, {"at least one file", "starting revision"}},
-        {21, "export", false, {"starting revision"}},
+        {21, "export", false, {"starting revision", "at least one file"}},
         {22, "export tree", false, {"destination", "starting revision"}},
         {25, "list branches", true, {}},
         {27, "create repository", false, {"source tree or repository path option"}},

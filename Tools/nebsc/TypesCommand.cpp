@@ -16,11 +16,12 @@ struct NeedWords {
 };
 
 /// What the conditions that a plug-in reports mean to a person.
-constexpr std::array<NeedWords, 12> needWords{{
+constexpr std::array<NeedWords, 13> needWords{{
     {"request.destination", "destination"},
     {"(request.destination) != nil", "destination"},
     {"[request.files count] > 0", "at least one file"},
     {"[request.files count] == 1", "exactly one file"},
+    {"[relativePathString length] != 0", "at least one file"},
     {"request.startingRevision", "starting revision"},
     {"(startingRevision) != nil", "starting revision"},
     {"(endingRevision) != nil", "ending revision"},

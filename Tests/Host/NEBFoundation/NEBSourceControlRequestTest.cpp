@@ -282,6 +282,32 @@ TEST(TemporaryFile, IsNamedAfterTheFileWithAHeadOfItsOwn) {
     EXPECT_EQ(names.size(), 100U);
 }
 
+/// Whoever gives a file the name of the target puts the head in front of it, and finds the head by
+/// looking for the file's name.
+TEST(TemporaryFile, HasNoHeadInWhichTheNameMightOccur) {
+    ::unsetenv("TMPDIR");
+    for (const std::string name : {"A", "0", "-", "--", "-A", "BEEF-"}) {
+        EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/" + name).pathString(),
+                    MatchesRegex("/tmp/[0-9A-F]{16}/" + name));
+    }
+    for (const std::string name : {"a", "A.c", "-x", "--x", "G"}) {
+        const std::string path =
+            NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/" + name).pathString();
+        EXPECT_EQ(path.find(name, 5), path.size() - name.size()) << path;
+    }
+}
+
+TEST(TemporaryFile, OfALongNameIsThePlainNameInAFolderOfItsOwn) {
+    ::unsetenv("TMPDIR");
+    const std::string longest(255, 'n');
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/" + longest).pathString(),
+                MatchesRegex("/tmp/[0-9A-F]{16}/" + longest));
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName(longest.substr(17)).pathString(),
+                MatchesRegex("/tmp/[0-9A-F]{16}-" + longest.substr(17)));
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName(longest.substr(16)).pathString(),
+                MatchesRegex("/tmp/[0-9A-F]{16}/" + longest.substr(16)));
+}
+
 TEST(Manager, HasOneLogAspectForAllSourceControl) {
     EXPECT_EQ(&NEBSourceControlManager::sourceControlLogAspect(),
               &NEBSourceControlManager::sourceControlLogAspect());

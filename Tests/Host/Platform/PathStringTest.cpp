@@ -33,6 +33,18 @@ TEST(PathString, LastComponentLeavesEndSlashesOut) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
+TEST(PathString, WithoutTheLastComponentIsTheFolder) {
+    EXPECT_EQ(pathByDeletingLastComponent("/a/b"), "/a");
+    EXPECT_EQ(pathByDeletingLastComponent("/a/b//"), "/a");
+    EXPECT_EQ(pathByDeletingLastComponent("/a//b"), "/a");
+    EXPECT_EQ(pathByDeletingLastComponent("a/b/c"), "a/b");
+    EXPECT_EQ(pathByDeletingLastComponent("/a"), "/");
+    EXPECT_EQ(pathByDeletingLastComponent("/"), "/");
+    EXPECT_EQ(pathByDeletingLastComponent("b"), "");
+    EXPECT_EQ(pathByDeletingLastComponent("b/"), "");
+    EXPECT_EQ(pathByDeletingLastComponent(""), "");
+}
+
 TEST(PathString, OnlyTheUsersOwnTildeIsExpanded) {
     const std::string home = std::getenv("HOME");
     EXPECT_EQ(pathByExpandingTilde("~"), home);

@@ -1,0 +1,247 @@
+#include "GitOperations/GitExport.h"
+
+#include <filesystem>
+#include <optional>
+
+#include "GitOperations/GitRevision.h"
+#include "LOMFoundation/LOMAssertion.h"
+#include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlTemporaryFile.h"
+#include "Platform/FileManager.h"
+#include "Platform/PathString.h"
+
+namespace neb {
+
+namespace {
+
+constexpr std::string_view sourceFile = "Classes/GitOperations";
+
+NEBValue firstFile(const NEBSourceControlRequest& request) {
+    return request.fileCount() > 0 ? request.files->front() : NEBValue();
+}
+
+/// The path without its first `prefixLength` bytes and the one character behind them.
+std::string pathBehind(std::string_view path, std::size_t prefixLength) {
+    const auto isContinuation = [&path](std::size_t i) {
+        return i < path.size() && (static_cast<unsigned char>(path[i]) & 0xC0U) == 0x80U;
+    };
+    std::size_t begin = prefixLength + 1;
+    while (isContinuation(begin)) {
+        ++begin;
+    }
+    return std::string(path.substr(begin));
+}
+
+/// The file's path as seen from the top of the repository. With a repository path in the options
+/// the host gives it so; else it is what follows the source tree's location. Absent for a file
+/// outside.
+std::optional<std::string> relativePath(const NEBSourceControlRequest& request) {
+    const NEBValue file = firstFile(request);
+    if (!file.isPresent()) {
+        return std::nullopt;
+    }
+    const std::string path = file.description();
+    if (request.option(NEBSourceControlRequestOptionRepositoryPath).isPresent()) {
+        return path;
+    }
+    const auto& sourceTree = request.sourceTree;
+    if (!sourceTree || !sourceTree->location || path.size() <= sourceTree->location->size() ||
+        !path.starts_with(*sourceTree->location)) {
+        return std::nullopt;
+    }
+    return pathBehind(path, sourceTree->location->size());
+}
+
+void assertIsValid(const std::optional<std::string>& relativePath, const NEBValue& file) {
+    if (!relativePath || relativePath->empty()) {
+        LOMReportFailedAssertion("-[GitExportFileOperation initWithRequest:]", sourceFile, 48,
+                                 "Attempt to show a file from an invalid path: %@",
+                                 {file.description(), std::string(LOMAssertionFailedFormat),
+                                  "[relativePathString length] != 0"});
+    }
+}
+
+/// A failure that git was not asked about.
+NEBSourceControlError ownFailure(std::string_view errorClass, std::string description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
+                                                        std::move(description));
+    error.errorClass = errorClass;
+    return error;
+}
+
+NEBSourceControlError noPlaceForTree(const NEBSourceControlRequest& request) {
+    const NEBValue file = firstFile(request);
+    if (!file.isPresent()) {
+        return ownFailure(NEBSourceControlUnknownErrorClass,
+                          "Nothing was exported: no file was named.");
+    }
+    return ownFailure("path-outside",
+                      formattedText("The file \"%@\" was not exported: it is not inside \"%@\".",
+                                    {file.description(), request.sourceTreeName()}));
+}
+
+/// What stands in front of the file's name in the target's. The archive's one entry, with this in
+/// front, is then called as the target is. Empty when the target is called otherwise.
+std::string headOfTarget(std::string_view targetName, std::string_view fileName) {
+    const std::size_t place = targetName.find(fileName);
+    const bool isThere = !fileName.empty() && place != std::string_view::npos;
+    return isThere ? std::string(targetName.substr(0, place)) : std::string();
+}
+
+/// Without a file's path the archive holds the whole tree. Only a destination of its own is a place
+/// for that: elsewhere it would be written over whatever lies beside the target.
+bool lacksPlaceForTree(const NEBSourceControlRequest& request) {
+    const bool hasPlace = request.destination.isPresent() && request.fileCount() == 0;
+    return !hasPlace && !relativePath(request);
+}
+
+/// The target that the export has put into the request's options.
+const LOMFilePath* targetOf(const NEBSourceControlRequest& request) {
+    return request.option(NEBSourceControlOperationPathKey).filePath();
+}
+
+}  // namespace
+
+// ---- one file ---------------------------------------------------------------------------------
+
+GitExportFileOperation::GitExportFileOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    NEBSourceControlRequest& asked = *this->request();
+    const auto relative = relativePath(asked);
+    assertIsValid(relative, firstFile(asked));
+
+    std::vector<std::string> arguments{"archive"};
+    const LOMFilePath target = chooseTarget();
+    const std::string name = lastPathComponent(relative.value_or(""));
+    const std::string head = headOfTarget(target.lastPathComponent(), name);
+    if (!head.empty()) {
+        arguments.push_back("--prefix=" + head);
+    }
+    NEBDictionary options = asked.options.value_or(NEBDictionary());
+    options.set(NEBSourceControlOperationPathKey, target);
+    asked.setOptions(std::move(options));
+
+    const NEBValue revision = gitRevisionOfCommit(asked.startingRevision);
+    if (revision.isPresent()) {
+        const std::string folder = pathByDeletingLastComponent(relative.value_or(""));
+        arguments.push_back(revision.description() + (folder.empty() ? "" : ":" + folder));
+    }
+    if (relative) {
+        arguments.push_back(name);
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+LOMFilePath GitExportFileOperation::chooseTarget() const {
+    const NEBValue& destination = request()->destination;
+    if (destination.isPresent()) {
+        return LOMFilePath::filePathForPathString(destination.description());
+    }
+    const NEBValue file = firstFile(*request());
+    return NEBSourceControl_filePathForTmpFileBasedOnFileName(file.isPresent() ? file.description()
+                                                                               : std::string());
+}
+
+std::shared_ptr<NEBSourceControlTaskOperation> GitExportFileOperation::pipeToOperation() {
+    if (!_pipeToOperation) {
+        _pipeToOperation = initWithRequest<GitTarOperation>(request());
+    }
+    return _pipeToOperation;
+}
+
+void GitExportFileOperation::main() {
+    if (lacksPlaceForTree(*request())) {
+        setError(noPlaceForTree(*request()));
+        return;
+    }
+    if (request()->destination.isPresent()) {
+        GitOperation::main();
+        return;
+    }
+    // A long name's temporary file has a folder of its own, which comes and goes with it.
+    const std::string target = targetOf(*request())->pathString();
+    const std::string folder = pathByDeletingLastComponent(target);
+    const bool isOwnFolder = !LOMFilePath::filePathForPathString(folder).existsInFileSystem();
+    if (isOwnFolder) {
+        if (const auto failure = FileManager().createDirectory(folder)) {
+            setError(NEBSourceControlErrorFromFileFailure(*failure));
+            return;
+        }
+    }
+    GitOperation::main();
+    if (error()) {
+        std::error_code ignored;
+        std::filesystem::remove(target, ignored);
+        if (isOwnFolder) {
+            std::filesystem::remove(folder, ignored);
+        }
+    }
+}
+
+// ---- its second half --------------------------------------------------------------------------
+
+GitTarOperation::GitTarOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : NEBSourceControlTaskOperation(std::move(request)) {
+    const NEBSourceControlRequest& asked = *this->request();
+    std::optional<std::string> folder;
+    if (asked.destination.isPresent() && asked.fileCount() == 0) {
+        folder = asked.destination.description();
+    } else if (const LOMFilePath* target = targetOf(asked)) {
+        folder = pathByDeletingLastComponent(target->pathString());
+        if (folder->empty()) {
+            folder = ".";  // of a bare name
+        }
+    }
+    NEBSourceControlAssertNotNil(
+        {.function = "-[GitTarOperation initWithRequest:]", .file = sourceFile, .line = 112},
+        folder.has_value(), "(chDir)");
+    std::vector<std::string> arguments{"-C"};
+    if (folder) {
+        arguments.insert(arguments.end(), {*folder, "-xf", "-"});
+    }
+    setArguments(std::move(arguments));
+}
+
+std::string GitTarOperation::launchPath() {
+    return "/usr/bin/tar";
+}
+
+void GitTarOperation::parseData() {
+    const LOMFilePath* target = targetOf(*request());
+    if (target != nullptr && target->existsInFileSystem()) {
+        NEBDictionary record;
+        record.set(NEBSourceControlOperationPathKey, *target);
+        setResult({{std::move(record)}});
+        return;
+    }
+    setError(NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        formattedText("The revision %@ was not found for the file \"%@\".",
+                      {gitRevisionOfCommit(request()->startingRevision).description(),
+                       firstFile(*request()).description()})));
+}
+
+// ---- the whole tree ---------------------------------------------------------------------------
+
+GitExportTreeOperation::GitExportTreeOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    const std::string destination = this->request()->destination.description();
+    setArgumentsBehindDefaults(
+        {"checkout-index", "-a", "-f",
+         "--prefix=" + destination + (destination.ends_with('/') ? "" : "/")});
+}
+
+void GitExportTreeOperation::main() {
+    const NEBValue& destination = request()->destination;
+    if (destination.isPresent() && !destination.description().empty()) {
+        GitOperation::main();
+        return;
+    }
+    setError(ownFailure(NEBSourceControlUnknownErrorClass,
+                        "The files were not exported: no folder to export them to was named."));
+}
+
+}  // namespace neb

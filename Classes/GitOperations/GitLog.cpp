@@ -103,6 +103,8 @@ GitLogOperation::GitLogOperation(std::shared_ptr<NEBSourceControlRequest> reques
         }
     }
     setArgumentsBehindDefaults(arguments);
+    // A log talks with nobody, starts no program, and may be long.
+    setWritesWholeBuffers(true);
 }
 
 /// Three dots: git then lists what is in either of the two and not in both.

@@ -4,10 +4,12 @@
 #include <iterator>
 
 #include "GitOperations/GitBlame.h"
+#include "GitOperations/GitBranch.h"
 #include "GitOperations/GitCheckout.h"
 #include "GitOperations/GitCommit.h"
 #include "GitOperations/GitCopy.h"
 #include "GitOperations/GitDiff.h"
+#include "GitOperations/GitExchange.h"
 #include "GitOperations/GitExport.h"
 #include "GitOperations/GitIgnoreOperation.h"
 #include "GitOperations/GitInfo.h"
@@ -15,8 +17,12 @@
 #include "GitOperations/GitLog.h"
 #include "GitOperations/GitMerge.h"
 #include "GitOperations/GitNewRepository.h"
+#include "GitOperations/GitRemote.h"
 #include "GitOperations/GitStatus.h"
+#include "GitOperations/GitSubversion.h"
 #include "GitOperations/GitTrackedFiles.h"
+#include "GitOperations/GitTrackingBranch.h"
+#include "GitOperations/GitUpdate.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -174,6 +180,21 @@ std::shared_ptr<NEBSourceControlOperation> make(const Request& request) {
     return initWithRequest<Op>(request);
 }
 
+/// A repository on another machine is asked there.
+std::shared_ptr<NEBSourceControlOperation> makeListBranches(const Request& request) {
+    const auto repository =
+        std::dynamic_pointer_cast<NEBSourceControlRepository>(request->sourceTree);
+    return repository && repository->isRemoteDistributedRepository
+               ? make<GitListRemoteBranchesOperation>(request)
+               : make<GitListBranchesOperation>(request);
+}
+
+std::shared_ptr<NEBSourceControlOperation> makeFetch(const Request& request) {
+    return request->remote && request->remote->representsGitSVNBridge
+               ? make<GitSvnFetchOperation>(request)
+               : make<GitFetchOperation>(request);
+}
+
 struct DispatchRow {
     std::int32_t type;
     Maker maker;
@@ -182,6 +203,8 @@ struct DispatchRow {
 /// Types that are not here have no operation.
 constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestAdd, &make<GitAddOperation>},
+    {NEBSourceControlRequestCreateBranch, &make<GitBranchOperation>},
+    {NEBSourceControlRequestDeleteBranch, &make<GitBranchOperation>},
     {NEBSourceControlRequestCommit, &make<GitCommitOperation>},
     {NEBSourceControlRequestIgnore, &make<GitIgnoreOperation>},
     {NEBSourceControlRequestRemove, &make<GitRemoveOperation>},
@@ -191,6 +214,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestMerge, &make<GitMergeOperation>},
     {NEBSourceControlRequestCopy, &make<GitCopyOperation>},
     {NEBSourceControlRequestMove, &make<GitMoveOperation>},
+    {NEBSourceControlRequestUpdate, &make<GitUpdateOperation>},
     {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>},
     {NEBSourceControlRequestStatus, &make<GitStatusOperation>},
     {NEBSourceControlRequestList, &make<GitListOperation>},
@@ -199,10 +223,21 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestExportFiles, &make<GitExportFileOperation>},
     {NEBSourceControlRequestExport, &make<GitExportFileOperation>},
     {NEBSourceControlRequestExportTree, &make<GitExportTreeOperation>},
+    {NEBSourceControlRequestListRemotes, &make<GitListRemotesOperation>},
+    {NEBSourceControlRequestListBranches, &makeListBranches},
+    {NEBSourceControlRequestCurrentBranch, &make<GitCurrentBranchOperation>},
     {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
     {NEBSourceControlRequestBlame, &make<GitBlameOperation>},
     {NEBSourceControlRequestClone, &make<GitCloneOperation>},
     {NEBSourceControlRequestDiff, &make<GitDiffOperation>},
+    {NEBSourceControlRequestListRemoteBranches, &make<GitListRemoteBranchesOperation>},
+    {NEBSourceControlRequestListRemoteBranchesSecondForm, &make<GitListRemoteBranchesOperation>},
+    {NEBSourceControlRequestPush, &make<GitPushOperation>},
+    {NEBSourceControlRequestAddRemote, &make<GitAddRemoteOperation>},
+    {NEBSourceControlRequestRemoveRemote, &make<GitRemoveRemoteOperation>},
+    {NEBSourceControlRequestTrackRemoteBranch, &make<GitTrackRemoteBranchOperation>},
+    {NEBSourceControlRequestFetch, &makeFetch},
+    {NEBSourceControlRequestTrackingBranchName, &make<GitTrackingBranchNameOperation>},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
 };
 

@@ -2,7 +2,6 @@
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlText.h"
-#include "Platform/PathString.h"
 
 namespace neb {
 
@@ -24,12 +23,7 @@ GitConfiguredURLOperation::GitConfiguredURLOperation(
     std::shared_ptr<NEBSourceControlRequest> request, std::string_view configurationKey)
     : GitOperation(std::move(request)) {
     setArguments({"config", "--get", std::string(configurationKey)});
-    const NEBSourceControlRequest& asked = *this->request();
-    if (asked.fileCount() == 1 && asked.files->front().isPresent()) {
-        if (auto folder = pathOfLocation(asked.files->front().description())) {
-            setCurrentDirectoryPath(std::move(folder));
-        }
-    }
+    setCurrentDirectoryToOneFile();
 }
 
 void GitConfiguredURLOperation::parseData() {

@@ -60,6 +60,14 @@ void GitOperation::setArgumentsBehindDefaults(const std::vector<std::string>& ar
     setArguments(std::move(all));
 }
 
+void GitOperation::setCurrentDirectoryToOneFile() {
+    if (request()->fileCount() == 1 && request()->files->front().isPresent()) {
+        if (auto folder = pathOfLocation(request()->files->front().description())) {
+            setCurrentDirectoryPath(std::move(folder));
+        }
+    }
+}
+
 void GitOperation::appendFiles(std::vector<std::string>& arguments) const {
     for (std::size_t i = 0; i < request()->fileCount(); ++i) {
         const NEBValue& file = (*request()->files)[i];

@@ -44,6 +44,9 @@ public:
 protected:
     /// Sets the arguments, behind those of defaultArguments().
     void setArgumentsBehindDefaults(const std::vector<std::string>& arguments);
+    /// When the request has exactly one file, a folder's path or file URL, that becomes the working
+    /// directory.
+    void setCurrentDirectoryToOneFile();
     /// Appends the request's files, each as it is; an absent one leaves no trace.
     void appendFiles(std::vector<std::string>& arguments) const;
 };

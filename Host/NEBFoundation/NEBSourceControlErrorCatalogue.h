@@ -19,6 +19,9 @@ inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
 inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
 inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
+inline constexpr NEBConstant NEBSourceControlReferenceRejectedErrorClass{"reference-rejected"};
+/// No failure as a person sees it: there was nothing to do.
+inline constexpr NEBConstant NEBSourceControlUpToDateErrorClass{"up-to-date"};
 
 // Classes that an operation looks for.
 inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown"};

@@ -285,6 +285,8 @@ TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
 TEST(Dispatch, MakesTheClassOfTheType) {
     const std::pair<std::int32_t, const char*> classes[] = {
         {0, "GitAddOperation"},
+        {1, "GitBranchOperation"},
+        {2, "GitBranchOperation"},
         {3, "GitCommitOperation"},
         {4, "GitIgnoreOperation"},
         {5, "GitRemoveOperation"},
@@ -294,6 +296,7 @@ TEST(Dispatch, MakesTheClassOfTheType) {
         {9, "GitMergeOperation"},
         {10, "GitCopyOperation"},
         {11, "GitMoveOperation"},
+        {13, "GitUpdateOperation"},
         {14, "GitCheckoutOperation"},
         {15, "GitStatusOperation"},
         {17, "GitListOperation"},
@@ -302,10 +305,21 @@ TEST(Dispatch, MakesTheClassOfTheType) {
         {20, "GitExportFileOperation"},
         {21, "GitExportFileOperation"},
         {22, "GitExportTreeOperation"},
+        {24, "GitListRemotesOperation"},
+        {25, "GitListBranchesOperation"},
+        {26, "GitCurrentBranchOperation"},
         {27, "GitCreateRepositoryOperation"},
         {28, "GitBlameOperation"},
         {29, "GitCloneOperation"},
         {30, "GitDiffOperation"},
+        {31, "GitListRemoteBranchesOperation"},
+        {32, "GitListRemoteBranchesOperation"},
+        {33, "GitPushOperation"},
+        {34, "GitAddRemoteOperation"},
+        {35, "GitRemoveRemoteOperation"},
+        {36, "GitTrackRemoteBranchOperation"},
+        {37, "GitFetchOperation"},
+        {38, "GitTrackingBranchNameOperation"},
         {39, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
@@ -327,17 +341,58 @@ TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
     }
 }
 
+TEST(Dispatch, BranchesOfARepositoryElsewhereAreListedThere) {
+    const auto classFor = [](std::shared_ptr<NEBSourceControlSourceTree> tree) {
+        return controller
+            .operationForRequest(NEBSourceControlRequest::initWithType(25, std::move(tree), {}, {}))
+            ->className();
+    };
+    auto elsewhere = std::make_shared<NEBSourceControlRepository>();
+    elsewhere->isRemoteDistributedRepository = true;
+    EXPECT_EQ(classFor(elsewhere), "GitListRemoteBranchesOperation");
+    EXPECT_EQ(classFor(std::make_shared<NEBSourceControlRepository>()), "GitListBranchesOperation");
+    EXPECT_EQ(classFor(std::make_shared<NEBSourceControlWorkingTree>()),
+              "GitListBranchesOperation");
+    EXPECT_EQ(classFor(nullptr), "GitListBranchesOperation");
+}
+
+TEST(Dispatch, AFetchOverTheBridgeHasAClassOfItsOwn) {
+    auto request = fullRequest(37, 0);
+    EXPECT_EQ(controller.operationForRequest(request)->className(), "GitFetchOperation");
+    request->remote->representsGitSVNBridge = true;
+    EXPECT_EQ(controller.operationForRequest(request)->className(), "GitSvnFetchOperation");
+    request->remote = nullptr;
+    const ReportCollector collector;
+    EXPECT_EQ(controller.operationForRequest(request)->className(), "GitFetchOperation");
+}
+
 /// A broken precondition is reported and stops nothing.
 TEST(Dispatch, ARequestThatLacksWhatItNeedsYieldsAnOperationAllTheSame) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {5, "GitRemoveOperation"},      {6, "GitAddOperation"},
-        {7, "GitCheckoutOperation"},    {8, "GitMakeDirectoryOperation"},
-        {9, "GitMergeOperation"},       {10, "GitCopyOperation"},
-        {11, "GitMoveOperation"},       {14, "GitCheckoutOperation"},
-        {17, "GitListOperation"},       {20, "GitExportFileOperation"},
-        {21, "GitExportFileOperation"}, {22, "GitExportTreeOperation"},
-        {28, "GitBlameOperation"},      {27, "GitCreateRepositoryOperation"},
+        {1, "GitBranchOperation"},
+        {2, "GitBranchOperation"},
+        {5, "GitRemoveOperation"},
+        {6, "GitAddOperation"},
+        {7, "GitCheckoutOperation"},
+        {8, "GitMakeDirectoryOperation"},
+        {9, "GitMergeOperation"},
+        {10, "GitCopyOperation"},
+        {11, "GitMoveOperation"},
+        {14, "GitCheckoutOperation"},
+        {17, "GitListOperation"},
+        {20, "GitExportFileOperation"},
+        {21, "GitExportFileOperation"},
+        {22, "GitExportTreeOperation"},
+        {27, "GitCreateRepositoryOperation"},
+        {28, "GitBlameOperation"},
         {29, "GitCloneOperation"},
+        {33, "GitPushOperation"},
+        {34, "GitAddRemoteOperation"},
+        {35, "GitRemoveRemoteOperation"},
+        {36, "GitTrackRemoteBranchOperation"},
+        {37, "GitFetchOperation"},
+        {38, "GitTrackingBranchNameOperation"},
+        {39, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
         const ReportCollector collector;

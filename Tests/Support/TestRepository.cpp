@@ -70,6 +70,11 @@ TestRepository::TestRepository() {
     git({"init", "--quiet"});
 }
 
+TestRepository::TestRepository(const std::string& location) {
+    std::filesystem::create_directory(path());
+    git({"clone", "--quiet", location, "."});
+}
+
 void TestRepository::write(std::string_view name, std::string_view bytes) const {
     _folder.write(std::string("repository/").append(name), bytes);
 }

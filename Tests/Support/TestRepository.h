@@ -20,6 +20,8 @@ void isolateFromMachine();
 class TestRepository {
 public:
     TestRepository();
+    /// A clone of the repository at the location.
+    explicit TestRepository(const std::string& location);
 
     [[nodiscard]] std::string path() const { return _folder.path("repository"); }
     [[nodiscard]] std::string path(std::string_view name) const {

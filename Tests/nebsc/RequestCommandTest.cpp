@@ -122,7 +122,8 @@ TEST(RequestCommand, ARefusedValidationIsTheOutcome) {
 }
 
 TEST(RequestCommand, ReportsAreInTheOutcomeAndNowhereElse) {
-    const NebscOutcome outcome = runRequest(R"({"type": 36, "destination": 1.50})");
+    const NebscOutcome outcome =
+        runNebsc({"request", "--dry-run"}, {.input = R"({"type": 36, "destination": 1.50})"});
     const JSON reports = outcome.json()["reports"];
     ASSERT_EQ(reports.size(), 3U);
     EXPECT_EQ(reports[0].dump(),

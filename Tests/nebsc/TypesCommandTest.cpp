@@ -49,7 +49,7 @@ const std::vector<NeedsRow>& neededRows() {
         {27, "create repository", false, {"source tree or repository path option"}},
         {28, "blame", false, {"exactly one file"}},
         {29, "clone", true, {"destination", "source tree location"}},
-        {33, "push", true, {"remote"}},
+        {33, "push", true, {"remote", "destination", "remote name option", "branch option"}},
         {34, "add remote", false, {"destination", "exactly one file"}},
         {35, "remove remote", false, {"destination"}},
         {36, "track remote branch", false, {"destination", "remote name option", "branch option"}},

@@ -16,9 +16,10 @@ struct NeedWords {
 };
 
 /// What the conditions that a plug-in reports mean to a person.
-constexpr std::array<NeedWords, 13> needWords{{
+constexpr std::array<NeedWords, 14> needWords{{
     {"request.destination", "destination"},
     {"(request.destination) != nil", "destination"},
+    {"(self.request.destination) != nil", "destination"},
     {"[request.files count] > 0", "at least one file"},
     {"[request.files count] == 1", "exactly one file"},
     {"[relativePathString length] != 0", "at least one file"},

@@ -267,6 +267,7 @@ const Case cases[] = {
     {"destination-missing", -1, "fatal: Invalid path '/r/x': No such file or directory"},
     {"no-upstream", -92, "fatal: No remote for the current branch."},
     {"no-upstream", -92, "fatal: No default upstream defined for the current branch."},
+    {"remote-unknown", -1, "fatal: No remote configured to list refs from."},
     {"unknown", -1, "fatal: something that nobody has said before"},
 };
 

@@ -1,0 +1,165 @@
+#include "GitOperations/GitBranch.h"
+
+#include <algorithm>
+
+#include "GitOperations/GitRevision.h"
+#include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/Scanner.h"
+#include "Platform/Text.h"
+
+namespace neb {
+
+namespace {
+
+constexpr NEBSourceControlAssertionSite branchSite(int line) {
+    return {.function = "-[GitBranchOperation initWithRequest:]",
+            .file = "Classes/GitOperations",
+            .line = line};
+}
+
+/// A line of a list of branches without the mark of the current one and the blanks around the name.
+std::string nameIn(std::string_view line) {
+    constexpr std::string_view marks = "* ";
+    const std::size_t first = line.find_first_not_of(marks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return std::string(line.substr(first, line.find_last_not_of(marks) + 1 - first));
+}
+
+std::string branchOfRemote(const NEBSourceControlRequest& request) {
+    return formattedText("%@/%@",
+                         {request.option(NEBSourceControlRequestOptionRemoteName).description(),
+                          request.option(NEBSourceControlRequestOptionBranch).description()});
+}
+
+void reportMissingNames(const NEBSourceControlRequest& request) {
+    NEBSourceControlAssertNonEmptyString(branchSite(803), request.destination,
+                                         "request.destination");
+    NEBSourceControlAssertNonEmptyString(
+        branchSite(804), request.option(NEBSourceControlRequestOptionRemoteName),
+        "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]");
+    NEBSourceControlAssertNonEmptyString(
+        branchSite(805), request.option(NEBSourceControlRequestOptionBranch),
+        "[request.options objectForKey:NEBSourceControlRequestOptionBranch]");
+}
+
+/// Reads "object name TAB reference".
+NEBDictionary recordOfHead(std::string_view line) {
+    constexpr std::string_view heads = "refs/heads/";
+    constexpr NEBSourceControlAssertionSite site{
+        .function = "-[GitListRemoteBranchesOperation parseData]",
+        .file = "Classes/GitOperations",
+        .line = 1092};
+    Scanner scanner(line);
+    const std::string_view revision = scanner.takeUpTo('\t');
+    scanner.skipOne('\t');
+    const std::string_view reference = scanner.rest();
+
+    NEBDictionary record;
+    if (!revision.empty()) {
+        record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(revision));
+    }
+    if (const std::size_t place = reference.find(heads); place != std::string_view::npos) {
+        const NEBValue branchName(reference.substr(place + heads.size()));
+        NEBSourceControlAssertNonEmptyString(site, branchName, "branchName");
+        record.set(NEBSourceControlOperationNameKey, branchName);
+    }
+    return record;
+}
+
+}  // namespace
+
+GitBranchOperation::GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    const NEBSourceControlRequest& asked = *this->request();
+    std::vector<std::string> arguments{"branch"};
+    const auto appendIfPresent = [&arguments](const NEBValue& value) {
+        if (value.isPresent()) {
+            arguments.push_back(value.description());
+        }
+    };
+    switch (asked.type) {
+        case NEBSourceControlRequestDeleteBranch:
+            arguments.emplace_back(
+                asked.option(NEBSourceControlRequestOptionForce).boolValue() ? "-D" : "-d");
+            appendIfPresent(asked.destination);
+            break;
+        case NEBSourceControlRequestTrackRemoteBranch:
+            reportMissingNames(asked);
+            arguments.emplace_back("--track");
+            appendIfPresent(asked.destination);
+            arguments.push_back(branchOfRemote(asked));
+            break;
+        default:
+            appendIfPresent(asked.destination);
+            appendIfPresent(asked.option(NEBSourceControlRequestOptionSourceLocation));
+            break;
+    }
+    setArguments(std::move(arguments));
+}
+
+GitCurrentBranchOperation::GitCurrentBranchOperation(
+    std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    setArguments({"branch"});
+}
+
+void GitCurrentBranchOperation::parseData() {
+    if (!data() || data()->empty()) {
+        return;
+    }
+    std::optional<std::string> name;
+    const std::string text = *_nebsc_stringFromData(data());
+    forEachPiece(text, '\n', [&name](std::string_view line) {
+        if (!name && line.starts_with('*')) {
+            name = nameIn(line);
+        }
+    });
+    if (name) {
+        setResult({{{{NEBSourceControlOperationNameKey, *name}}}});
+    }
+}
+
+GitListBranchesOperation::GitListBranchesOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    setArguments({"branch"});
+}
+
+void GitListBranchesOperation::parseData() {
+    if (!data() || data()->empty()) {
+        return;
+    }
+    NEBSourceControlResult records;
+    const std::string text = *_nebsc_stringFromData(data());
+    forEachPiece(text, '\n', [&records](std::string_view line) {
+        records.push_back({{NEBSourceControlOperationNameKey, nameIn(line)}});
+    });
+    setResult(std::move(records));
+}
+
+GitListRemoteBranchesOperation::GitListRemoteBranchesOperation(
+    std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"ls-remote", "--heads"};
+    if (this->request()->fileCount() == 1) {
+        appendFiles(arguments);
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+void GitListRemoteBranchesOperation::parseData() {
+    NEBSourceControlResult records;
+    if (data() && !data()->empty()) {
+        const std::string text = *_nebsc_stringFromData(data());
+        records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+        forEachPiece(text, '\n',
+                     [&records](std::string_view line) { records.push_back(recordOfHead(line)); });
+    }
+    setResult(std::move(records));
+}
+
+}  // namespace neb

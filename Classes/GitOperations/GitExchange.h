@@ -1,0 +1,53 @@
+// GitExchange.h - commits to and from a remote: request types 37 (fetch) and 33 (push), and the
+// pull of type 13.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "GitOperations/GitOperation.h"
+
+namespace neb {
+
+/// Fetches from the remote that the option NEBSourceControlRequestOptionRemoteName names (one that
+/// is no non-empty string is reported). The result is empty. What the Subversion bridge says as a
+/// matter of course is no error.
+class GitFetchOperation : public GitOperation {
+public:
+    explicit GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitFetchOperation"; }
+    void parseData() override;
+    /// A fetch that fails without a word found something that it may not overwrite.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) override;
+};
+
+/// Brings the remote's branch, both named by options, into the current one by fast-forward alone.
+/// The result is one record with NEBSourceControlOperationContentKey, what git printed. A pull that
+/// finds nothing new ends with the error NEBSourceControlUpToDateError and an empty result.
+class GitPullOperation : public GitOperation {
+public:
+    explicit GitPullOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitPullOperation"; }
+    void parseData() override;
+};
+
+/// Sends the branch of the option NEBSourceControlRequestOptionBranch to the branch of the remote
+/// that the destination names; over the Subversion bridge, the commits that the server does not
+/// have. The result is one record with NEBSourceControlOperationContentKey, what git said on
+/// standard error; absent when that tells of a fatal failure. A rejected push has both a result and
+/// an error.
+class GitPushOperation : public GitOperation {
+public:
+    explicit GitPushOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitPushOperation"; }
+    void parseData() override;
+    /// A push that fails before it has reached the remote was refused by a hook.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) override;
+};
+
+}  // namespace neb

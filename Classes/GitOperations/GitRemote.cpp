@@ -1,0 +1,104 @@
+#include "GitOperations/GitRemote.h"
+
+#include <algorithm>
+
+#include "GitOperations/GitSubversion.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/Scanner.h"
+#include "Platform/Text.h"
+
+namespace neb {
+
+namespace {
+
+/// Reads "name TAB location BLANK (direction)".
+NEBDictionary recordOf(std::string_view line) {
+    Scanner scanner(line);
+    const std::string_view name = scanner.takeUpTo('\t');
+    scanner.skipOne('\t');
+    const std::string_view location = scanner.takeUpTo(' ');
+    scanner.skipOne(' ');
+    const std::string_view direction = scanner.rest();
+
+    NEBDictionary record;
+    if (!name.empty()) {
+        record.set(NEBSourceControlOperationRemoteNameKey, name);
+    }
+    if (!location.empty()) {
+        record.set(NEBSourceControlOperationRemoteOriginKey, location);
+    }
+    if (direction == "(fetch)") {
+        record.set(NEBSourceControlOperationTypeKey, "fetch");
+    } else if (direction == "(push)") {
+        record.set(NEBSourceControlOperationTypeKey, "push");
+    }
+    return record;
+}
+
+void appendRecords(NEBSourceControlResult& records, const NEBSourceControlOperation& operation) {
+    if (operation.result()) {
+        records.insert(records.end(), operation.result()->begin(), operation.result()->end());
+    }
+}
+
+}  // namespace
+
+GitListStandardRemotesOperation::GitListStandardRemotesOperation(
+    std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    setArgumentsBehindDefaults({"remote", "-v"});
+}
+
+void GitListStandardRemotesOperation::parseData() {
+    if (!data() || data()->empty()) {
+        return;
+    }
+    const std::string text = *_nebsc_stringFromData(data());
+    NEBSourceControlResult records;
+    records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+    forEachPiece(text, '\n',
+                 [&records](std::string_view line) { records.push_back(recordOf(line)); });
+    setResult(std::move(records));
+}
+
+void GitListRemotesOperation::main() {
+    if (error()) {
+        return;
+    }
+    setOperationQueue(std::make_shared<OperationQueue>());
+    const auto standard = run<GitListStandardRemotesOperation>(request());
+    if (standard->error()) {
+        setError(standard->error());
+        return;
+    }
+    NEBSourceControlResult remotes;
+    appendRecords(remotes, *standard);
+    const auto subversion = run<GitListSVNRemoteOperation>(request());
+    if (!subversion->error()) {
+        appendRecords(remotes, *subversion);
+    }
+    setResult(std::move(remotes));
+}
+
+GitAddRemoteOperation::GitAddRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"remote", "add"};
+    if (this->request()->destination.isPresent()) {
+        arguments.push_back(this->request()->destination.description());
+    }
+    if (this->request()->fileCount() == 1) {
+        appendFiles(arguments);
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+GitRemoveRemoteOperation::GitRemoveRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"remote", "rm"};
+    if (this->request()->destination.isPresent()) {
+        arguments.push_back(this->request()->destination.description());
+    }
+    setArgumentsBehindDefaults(arguments);
+}
+
+}  // namespace neb

@@ -1,0 +1,508 @@
+#include "GitOperations/GitExchange.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <thread>
+
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+namespace fs = std::filesystem;
+using test::HasErrorClass;
+using test::IsSourceControlError;
+using test::perform;
+using test::ReportCollector;
+using test::requestFor;
+using test::TemporaryFolder;
+using test::TestRepository;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr NEBConstant remoteNameKey = NEBSourceControlRequestOptionRemoteName;
+constexpr NEBConstant branchKey = NEBSourceControlRequestOptionBranch;
+
+std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type,
+                                                 std::optional<NEBDictionary> options = {},
+                                                 NEBValue destination = {},
+                                                 const std::string& location = "/w") {
+    auto made = requestFor(type, location);
+    made->options = std::move(options);
+    made->destination = std::move(destination);
+    made->remote = std::make_shared<NEBSourceControlRemote>();
+    made->repositoryToAuthenticate = made->sourceTree;
+    return made;
+}
+
+const NEBDictionary originAndTopic{{remoteNameKey, "origin"}, {branchKey, "topic"}};
+
+NEBDictionary withPaths(NEBDictionary options) {
+    options.set(NEBSourceControlRequestOptionRepositoryPath, "/r/.git");
+    options.set(NEBSourceControlRequestOptionWorkingCopyPath, "/r");
+    return options;
+}
+
+NEBSourceControlResult content(const std::string& text) {
+    return {{{NEBSourceControlOperationContentKey, text}}};
+}
+
+struct ExpectedReport {
+    int line;
+    std::string expression;
+};
+
+/// One report for each, in order, of a value that is nil.
+void expectNilReports(const ReportCollector& collector, const std::string& function,
+                      const std::vector<ExpectedReport>& expected) {
+    ASSERT_EQ(collector.reports().size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const LOMAssertionReport& report = collector.reports()[i];
+        EXPECT_EQ(report.function, function);
+        EXPECT_EQ(report.file, "Classes/GitOperations");
+        EXPECT_EQ(report.line, expected[i].line);
+        EXPECT_EQ(report.message,
+                  expected[i].expression + " should be a non-empty string, but it is nil");
+        EXPECT_EQ(report.condition, "(" + expected[i].expression + ") != nil");
+    }
+}
+
+const std::string remoteNameExpression =
+    "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]";
+const std::string branchExpression =
+    "[request.options objectForKey:NEBSourceControlRequestOptionBranch]";
+
+// ---- the command lines ------------------------------------------------------------------------
+
+TEST(FetchArguments, NameTheRemoteWithoutDefaultArguments) {
+    EXPECT_THAT(GitFetchOperation(request(37, withPaths(originAndTopic))).arguments(),
+                ElementsAre("fetch", "-q", "origin"));
+}
+
+TEST(FetchArguments, AMissingRemoteIsReported) {
+    const ReportCollector collector;
+    EXPECT_THAT(GitFetchOperation(request(37)).arguments(), ElementsAre("fetch", "-q"));
+    expectNilReports(collector, "-[GitFetchOperation initWithRequest:]",
+                     {{634, remoteNameExpression}});
+    EXPECT_THAT(GitFetchOperation(request(37, NEBDictionary{{remoteNameKey, 7}})).arguments(),
+                ElementsAre("fetch", "-q", "7"));
+    EXPECT_THAT(GitFetchOperation(request(37, NEBDictionary{{remoteNameKey, ""}})).arguments(),
+                ElementsAre("fetch", "-q", ""));
+    EXPECT_EQ(collector.reports()[1].condition,
+              "CFGetTypeID(" + remoteNameExpression + ") == CFStringGetTypeID()");
+    EXPECT_EQ(collector.reports()[2].condition,
+              "![@\"\" isEqualToString:(" + remoteNameExpression + ")]");
+}
+
+TEST(PullArguments, AreAlwaysByFastForwardBehindTheDefaultArguments) {
+    EXPECT_THAT(GitPullOperation(request(13, originAndTopic)).arguments(),
+                ElementsAre("pull", "--ff-only", "origin", "topic"));
+    EXPECT_THAT(
+        GitPullOperation(request(13, withPaths(originAndTopic))).arguments(),
+        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "pull", "--ff-only", "origin", "topic"));
+}
+
+TEST(PullArguments, AMissingRemoteOrBranchIsReported) {
+    const ReportCollector collector;
+    EXPECT_THAT(GitPullOperation(request(13)).arguments(), ElementsAre("pull", "--ff-only"));
+    expectNilReports(collector, "-[GitPullOperation initWithRequest:]",
+                     {{1818, remoteNameExpression}, {1819, branchExpression}});
+}
+
+TEST(PushArguments, NameTheRemoteAndBothBranchesWithoutDefaultArguments) {
+    EXPECT_THAT(GitPushOperation(request(33, withPaths(originAndTopic), "main")).arguments(),
+                ElementsAre("push", "origin", "topic:main"));
+}
+
+TEST(PushArguments, WhatIsMissingIsReported) {
+    const ReportCollector collector;
+    EXPECT_THAT(GitPushOperation(request(33)).arguments(), ElementsAre("push", "(null):(null)"));
+    expectNilReports(collector, "-[GitPushOperation initWithRequest:]",
+                     {{1868, "self.request.destination"},
+                      {1869, remoteNameExpression},
+                      {1870, branchExpression}});
+    EXPECT_THAT(GitPushOperation(request(33, originAndTopic, 7)).arguments(),
+                ElementsAre("push", "origin", "topic:7"));
+    EXPECT_EQ(collector.reports()[3].condition,
+              "CFGetTypeID(self.request.destination) == CFStringGetTypeID()");
+    static_cast<void>(GitPushOperation(request(33, originAndTopic, "")));
+    EXPECT_EQ(collector.reports()[4].condition,
+              "![@\"\" isEqualToString:(self.request.destination)]");
+}
+
+TEST(PushArguments, OverTheBridgeAreFixedAndNothingIsAskedFor) {
+    const ReportCollector collector;
+    auto asked = request(33, withPaths({}));
+    asked->remote->representsGitSVNBridge = true;
+    EXPECT_THAT(GitPushOperation(asked).arguments(), ElementsAre("svn", "dcommit", "--quiet"));
+    EXPECT_THAT(collector.reports(), IsEmpty());
+}
+
+// ---- what git prints --------------------------------------------------------------------------
+
+template <typename Op>
+struct Parsed {
+    Parsed(const std::optional<Data>& output, const std::optional<Data>& errors)
+        : operation(request(33, originAndTopic, "main")) {
+        operation.setData(output);
+        operation.setErrorData(errors);
+        operation.parseData();
+    }
+    Op operation;
+};
+
+TEST(FetchOutput, IsAlwaysAnEmptyResult) {
+    const Parsed<GitFetchOperation> fetched("", "fatal: x\n");
+    EXPECT_EQ(fetched.operation.result(), NEBSourceControlResult{});
+    EXPECT_EQ(fetched.operation.errorData(), "fatal: x\n");
+}
+
+TEST(FetchOutput, ForgivesTwoTextsOfTheBridgeAtTheBeginningAlone) {
+    for (const char* harmless :
+         {"Couldn't find revmap for x\n", "W: -empty_dir: keep\nW: more\n"}) {
+        EXPECT_EQ(Parsed<GitFetchOperation>("", harmless).operation.errorData(), std::nullopt);
+    }
+    for (const char* kept : {"x Couldn't find revmap", "W: W: -empty_dir: keep\n",
+                             "\nW: -empty_dir:", "W: +empty_dir: x", "w: -empty_dir:"}) {
+        EXPECT_EQ(Parsed<GitFetchOperation>("", kept).operation.errorData(), kept);
+    }
+}
+
+TEST(FetchOutput, WithoutAnOutputObjectNothingIsLookedAt) {
+    const Parsed<GitFetchOperation> fetched(std::nullopt, "W: -empty_dir: keep\n");
+    EXPECT_EQ(fetched.operation.errorData(), "W: -empty_dir: keep\n");
+    EXPECT_EQ(fetched.operation.result(), std::nullopt);
+}
+
+TEST(PullOutput, IsTheContent) {
+    const Parsed<GitPullOperation> pulled("Updating a..b\nFast-forward\n", "From /r\n");
+    EXPECT_EQ(pulled.operation.result(), content("Updating a..b\nFast-forward\n"));
+    EXPECT_EQ(pulled.operation.error(), std::nullopt);
+    EXPECT_EQ(pulled.operation.errorData(), std::nullopt) << "no word of a fatal failure";
+    EXPECT_EQ(Parsed<GitPullOperation>("", std::nullopt).operation.result(), content(""));
+}
+
+TEST(PullOutput, WithoutAnOutputObjectIsAnEmptyResult) {
+    const Parsed<GitPullOperation> pulled(std::nullopt, std::nullopt);
+    EXPECT_EQ(pulled.operation.result(), NEBSourceControlResult{});
+    EXPECT_EQ(pulled.operation.error(), std::nullopt);
+}
+
+/// git has written it without hyphens since 2.15; the odd wording of the suggestion is what hosts
+/// have always shown.
+TEST(PullOutput, ThatSaysThereIsNothingNewIsAnErrorOfItsOwn) {
+    for (const char* output : {"Already up-to-date.\n", "x\nAlready up to date.\n"}) {
+        const Parsed<GitPullOperation> pulled(output, "From /r\n");
+        EXPECT_THAT(pulled.operation.error(),
+                    IsSourceControlError(-34, "The local repository \"demo\" is up to date."));
+        EXPECT_EQ(pulled.operation.error()->localizedRecoverySuggestion(),
+                  "The are no changes to pull from \"main\".");
+        EXPECT_THAT(pulled.operation.error(), HasErrorClass("up-to-date"));
+        EXPECT_EQ(pulled.operation.result(), NEBSourceControlResult{});
+    }
+}
+
+TEST(PullOutput, LeavesAFatalFailureToTheTranslation) {
+    EXPECT_EQ(Parsed<GitPullOperation>("", "x fatal y").operation.errorData(), "x fatal y");
+}
+
+TEST(PushOutput, IsWhatGitSaysOnStandardError) {
+    const std::string words = "To /r.git\n   a..b  main -> main\n";
+    const Parsed<GitPushOperation> pushed("ignored", words);
+    EXPECT_EQ(pushed.operation.result(), content(words));
+    EXPECT_EQ(pushed.operation.data(), words);
+    EXPECT_EQ(pushed.operation.errorData(), std::nullopt);
+}
+
+TEST(PushOutput, WithoutAnErrorObjectIsAnEmptyResult) {
+    const Parsed<GitPushOperation> pushed("out", std::nullopt);
+    EXPECT_EQ(pushed.operation.result(), NEBSourceControlResult{});
+    EXPECT_EQ(pushed.operation.data(), "out");
+}
+
+TEST(PushOutput, LeavesAFatalFailureToTheTranslation) {
+    const Parsed<GitPushOperation> pushed("out", "x fatal y");
+    EXPECT_EQ(pushed.operation.result(), std::nullopt);
+    EXPECT_EQ(pushed.operation.data(), "out");
+    EXPECT_EQ(pushed.operation.errorData(), "x fatal y");
+}
+
+// ---- two people and a bare repository ---------------------------------------------------------
+
+class Sharing : public test::HygienicTest {
+protected:
+    void SetUp() override {
+        HygienicTest::SetUp();
+        ann = std::make_unique<TestRepository>();
+        ann->git({"init", "--quiet", "--bare", bare()});
+        ann->commitFile("a", "1\n2\n3\n");
+        ann->git({"remote", "add", "origin", bare()});
+        ann->git({"push", "-q", "-u", "origin", "main"});
+        ben = std::make_unique<TestRepository>(bare());
+    }
+    void TearDown() override {
+        ann.reset();
+        ben.reset();
+        HygienicTest::TearDown();
+    }
+
+    [[nodiscard]] std::string bare() const { return folder.path("shared.git"); }
+    [[nodiscard]] static std::shared_ptr<NEBSourceControlOperation> run(
+        const TestRepository& who, std::int32_t type, const std::string& branch = "main",
+        const std::string& destination = "main", const std::string& remote = "origin") {
+        auto asked = request(type, NEBDictionary{{remoteNameKey, remote}, {branchKey, branch}},
+                             destination, who.path());
+        asked->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
+        return perform(asked);
+    }
+    [[nodiscard]] static auto push(const TestRepository& who, const std::string& branch = "main",
+                                   const std::string& destination = "main",
+                                   const std::string& remote = "origin") {
+        return run(who, 33, branch, destination, remote);
+    }
+    [[nodiscard]] static auto fetch(const TestRepository& who,
+                                    const std::string& remote = "origin") {
+        return run(who, 37, "main", "main", remote);
+    }
+    [[nodiscard]] static auto pull(const TestRepository& who, const std::string& branch = "main") {
+        return run(who, 13, branch);
+    }
+    [[nodiscard]] static std::string head(const TestRepository& who) {
+        return who.git({"rev-parse", "HEAD"});
+    }
+    [[nodiscard]] std::string shared(const std::string& branch = "main") const {
+        return ann->git({"--git-dir=" + bare(), "rev-parse", branch});
+    }
+    void bareHook(const std::string& name, const std::string& script) const {
+        folder.writeProgram("shared.git/hooks/" + name, "#!/bin/sh\n" + script + "\n");
+    }
+
+    TemporaryFolder folder;
+    std::unique_ptr<TestRepository> ann, ben;
+};
+
+TEST_F(Sharing, APushArrivesAndAPullBringsIt) {
+    ann->commitFile("a", "1\n2\nann\n");
+    const auto pushed = push(*ann);
+    EXPECT_EQ(pushed->error(), std::nullopt);
+    EXPECT_THAT(pushed->result()->front().value(NEBSourceControlOperationContentKey).description(),
+                HasSubstr("main -> main"));
+    EXPECT_EQ(shared(), head(*ann));
+    const auto fetched = fetch(*ben);
+    EXPECT_EQ(fetched->error(), std::nullopt);
+    EXPECT_EQ(fetched->result(), NEBSourceControlResult{});
+    EXPECT_EQ(ben->git({"rev-parse", "origin/main"}), head(*ann));
+    const auto pulled = pull(*ben);
+    EXPECT_EQ(pulled->error(), std::nullopt);
+    EXPECT_THAT(pulled->result()->front().value(NEBSourceControlOperationContentKey).description(),
+                HasSubstr("Fast-forward"));
+    EXPECT_EQ(head(*ben), head(*ann));
+}
+
+TEST_F(Sharing, APullWithNothingNewAndAPushWithNothingNewSaySo) {
+    EXPECT_THAT(pull(*ben)->error(), IsSourceControlError(-34, HasSubstr("is up to date")));
+    const auto pushed = push(*ann);
+    EXPECT_EQ(pushed->error(), std::nullopt);
+    EXPECT_EQ(pushed->result(), content("Everything up-to-date"));
+}
+
+TEST_F(Sharing, APushThatTheRemoteIsAheadOfIsAnErrorBesideItsContent) {
+    ann->commitFile("a", "ann\n");
+    ben->commitFile("b", "ben\n");
+    EXPECT_EQ(push(*ann)->error(), std::nullopt);
+    const auto refused = push(*ben);
+    EXPECT_THAT(refused->error(),
+                IsSourceControlError(-32, HasSubstr("does not have the latest remote changes")));
+    EXPECT_THAT(refused->error(), HasErrorClass("remote-ahead"));
+    EXPECT_THAT(refused->result()->front().value(NEBSourceControlOperationContentKey).description(),
+                HasSubstr("[rejected]"));
+    EXPECT_EQ(shared(), head(*ann));
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("diverged"));
+    EXPECT_THAT(pull(*ben)->error(), IsSourceControlError(-200, testing::_));
+}
+
+TEST_F(Sharing, APullThatLocalChangesAreInTheWayOfLosesNothing) {
+    ann->commitFile("a", "ann\n");
+    EXPECT_EQ(push(*ann)->error(), std::nullopt);
+    ben->write("a", "mine\n");
+    const auto refused = pull(*ben);
+    EXPECT_THAT(refused->error(), IsSourceControlError(-31, HasSubstr("uncommitted changes")));
+    EXPECT_THAT(refused->error(), HasErrorClass("local-changes"));
+    EXPECT_EQ(ben->git({"status", "--porcelain"}), " M a\n");
+    ben->git({"checkout", "-q", "a"});
+    ann->commitFile("new", "ann\n");
+    EXPECT_EQ(push(*ann)->error(), std::nullopt);
+    ben->write("new", "mine\n");
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("untracked-in-the-way"));
+}
+
+TEST_F(Sharing, APullOfNothingKnownSaysSo) {
+    EXPECT_THAT(pull(*ben, "nosuch")->error(), HasErrorClass("remote-branch-unknown"));
+}
+
+TEST_F(Sharing, APushOfAnotherBranchMakesItThere) {
+    ann->git({"branch", "feature/x.y"});
+    EXPECT_EQ(push(*ann, "feature/x.y", "feature/Grüße")->error(), std::nullopt);
+    EXPECT_EQ(shared("feature/Grüße"), head(*ann));
+    EXPECT_THAT(push(*ann, "nosuch", "x")->error(), HasErrorClass("nothing-to-push-from"));
+}
+
+TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
+    ann->commitFile("a", "ann\n");
+    const std::string before = shared();
+    bareHook("pre-receive", "echo policy: no; exit 1");
+    const auto refused = push(*ann);
+    EXPECT_THAT(refused->error(), HasErrorClass("remote-hook-refused"));
+    EXPECT_THAT(*refused->error()->text, HasSubstr("policy: no"));
+    EXPECT_EQ(shared(), before);
+    fs::remove(folder.path("shared.git/hooks/pre-receive"));
+    ann->write(".git/hooks/pre-push", "#!/bin/sh\necho not on a Friday >&2\nexit 1\n");
+    fs::permissions(ann->path(".git/hooks/pre-push"), fs::perms(0755));
+    const auto local = push(*ann);
+    EXPECT_THAT(local->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(local->error(),
+                IsSourceControlError(-1, "A hook of the repository refused the push."));
+    EXPECT_THAT(*local->error()->text, HasSubstr("not on a Friday"));
+    EXPECT_EQ(shared(), before);
+}
+
+/// A text of the remote's, or a branch's name, that holds the word for a failure makes none.
+TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
+    ann->commitFile("a", "ann\n");
+    bareHook("post-receive", "echo a fatal warning");
+    EXPECT_EQ(push(*ann, "main", "fatal-fix")->error(), std::nullopt);
+    EXPECT_EQ(shared("fatal-fix"), head(*ann));
+}
+
+TEST_F(Sharing, AFetchOfNothingKnownSaysSo) {
+    EXPECT_THAT(fetch(*ben, "nosuch")->error(), HasErrorClass("repository-not-found"));
+    EXPECT_THAT(push(*ben, "main", "main", "nosuch")->error(),
+                HasErrorClass("repository-not-found"));
+    fs::remove_all(bare());
+    EXPECT_THAT(fetch(*ben)->error(), HasErrorClass("repository-not-found"));
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("repository-not-found"));
+}
+
+/// git says not a word then; taken for a success, the tag would be thought the remote's.
+TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
+    ann->git({"tag", "v1"});
+    ann->git({"push", "-q", "origin", "v1"});
+    ben->commitFile("b", "b");
+    ben->git({"tag", "v1"});
+    ben->git({"config", "remote.origin.fetch", "refs/tags/*:refs/tags/*"});
+    const auto refused = fetch(*ben);
+    EXPECT_THAT(refused->error(), HasErrorClass("reference-rejected"));
+    EXPECT_THAT(refused->error(), IsSourceControlError(-1, HasSubstr("differs from the remote's")));
+    EXPECT_EQ(ben->git({"rev-parse", "v1"}), head(*ben));
+}
+
+// ---- the network, on this machine alone -------------------------------------------------------
+
+/// Listens on a free port of the loopback address and answers each request with the text; without
+/// one it accepts and stays silent.
+class LoopbackServer {
+public:
+    explicit LoopbackServer(std::string answer) : _answer(std::move(answer)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        _listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        EXPECT_EQ(::bind(_listener, reinterpret_cast<sockaddr*>(&address), length), 0);
+        EXPECT_EQ(::listen(_listener, 8), 0);
+        EXPECT_EQ(::getsockname(_listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
+        _port = ntohs(address.sin_port);
+        _thread = std::thread([this] { serve(); });
+    }
+    LoopbackServer(const LoopbackServer&) = delete;
+    LoopbackServer& operator=(const LoopbackServer&) = delete;
+    ~LoopbackServer() {
+        ::shutdown(_listener, SHUT_RDWR);
+        _thread.join();
+        ::close(_listener);
+    }
+
+    [[nodiscard]] std::string url() const {
+        return "http://127.0.0.1:" + std::to_string(_port) + "/x.git";
+    }
+    [[nodiscard]] bool wasAsked() const { return _wasAsked; }
+
+private:
+    void serve() {
+        std::vector<int> silent;
+        for (int peer = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC); peer >= 0;
+             peer = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC)) {
+            char request[4096];
+            static_cast<void>(::read(peer, request, sizeof request));
+            _wasAsked = true;
+            if (_answer.empty()) {
+                silent.push_back(peer);
+                continue;
+            }
+            static_cast<void>(::write(peer, _answer.data(), _answer.size()));
+            ::close(peer);
+        }
+        for (const int peer : silent) {
+            ::close(peer);
+        }
+    }
+
+    std::string _answer;
+    int _listener = -1;
+    int _port = 0;
+    std::atomic<bool> _wasAsked = false;
+    std::thread _thread;
+};
+
+class Network : public Sharing {};
+
+TEST_F(Network, AClosedPortIsUnreachable) {
+    ben->git({"remote", "add", "far", "http://127.0.0.1:1/x.git"});
+    EXPECT_THAT(fetch(*ben, "far")->error(), IsSourceControlError(-20, testing::_));
+    EXPECT_THAT(fetch(*ben, "far")->error(), HasErrorClass("host-unreachable"));
+    EXPECT_THAT(push(*ben, "main", "main", "far")->error(), HasErrorClass("host-unreachable"));
+}
+
+TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
+    const LoopbackServer server(
+        "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"x\"\r\n"
+        "Content-Length: 0\r\nConnection: close\r\n\r\n");
+    ben->git({"remote", "add", "far", server.url()});
+    const auto refused = fetch(*ben, "far");
+    EXPECT_THAT(refused->error(), IsSourceControlError(-21, testing::_));
+    EXPECT_THAT(refused->error(), HasErrorClass("credentials-needed"));
+    std::string url = server.url();
+    url.insert(url.find("127"), "user:secret@");
+    ben->git({"remote", "add", "known", url});
+    EXPECT_THAT(fetch(*ben, "known")->error(), HasErrorClass("credentials-refused"));
+    EXPECT_THAT(push(*ben, "main", "main", "known")->error(), HasErrorClass("credentials-refused"));
+}
+
+TEST_F(Network, AServerThatSaysNothingIsCancelled) {
+    const LoopbackServer server("");
+    ben->git({"remote", "add", "far", server.url()});
+    for (const std::int32_t type : {37, 33, 13}) {
+        auto asked = request(type, NEBDictionary{{remoteNameKey, "far"}, {branchKey, "main"}},
+                             "main", ben->path());
+        asked->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
+        const auto operation = GitController().operationForRequest(asked);
+        std::thread canceller([&] {
+            while (!server.wasAsked()) {
+                std::this_thread::yield();
+            }
+            operation->cancel();
+        });
+        operation->start();
+        canceller.join();
+        EXPECT_THAT(operation->error(), HasErrorClass("cancelled")) << type;
+    }
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,195 @@
+#include "GitOperations/GitRemote.h"
+
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+using test::commandLinesOf;
+using test::HasErrorClass;
+using test::perform;
+using test::requestFor;
+using test::TestRepository;
+using test::valuesOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue destination = {},
+                                                 std::optional<std::vector<NEBValue>> files = {},
+                                                 const std::string& location = "/w") {
+    auto made = requestFor(type, location);
+    made->destination = std::move(destination);
+    made->files = std::move(files);
+    return made;
+}
+
+std::shared_ptr<NEBSourceControlRequest> withPaths(std::shared_ptr<NEBSourceControlRequest> asked) {
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
+                                   {NEBSourceControlRequestOptionWorkingCopyPath, "/r"}};
+    return asked;
+}
+
+NEBDictionary remote(const std::string& name, const std::string& location,
+                     const std::string& type = "") {
+    NEBDictionary record{{NEBSourceControlOperationRemoteNameKey, name},
+                         {NEBSourceControlOperationRemoteOriginKey, location}};
+    if (!type.empty()) {
+        record.set(NEBSourceControlOperationTypeKey, type);
+    }
+    return record;
+}
+
+// ---- the command lines ------------------------------------------------------------------------
+
+TEST(RemoteArguments, StandBehindTheDefaultArguments) {
+    EXPECT_THAT(GitListStandardRemotesOperation(request(24)).arguments(),
+                ElementsAre("remote", "-v"));
+    EXPECT_THAT(GitListStandardRemotesOperation(withPaths(request(24))).arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "-v"));
+    EXPECT_THAT(
+        GitAddRemoteOperation(withPaths(request(34, "mirror", valuesOf({"/m.git"})))).arguments(),
+        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "add", "mirror", "/m.git"));
+    EXPECT_THAT(GitRemoveRemoteOperation(withPaths(request(35, "mirror"))).arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
+}
+
+TEST(RemoteArguments, LeaveOutWhatIsMissing) {
+    EXPECT_THAT(GitAddRemoteOperation(request(34)).arguments(), ElementsAre("remote", "add"));
+    EXPECT_THAT(GitAddRemoteOperation(request(34, "m", valuesOf({"/a", "/b"}))).arguments(),
+                ElementsAre("remote", "add", "m"))
+        << "no one location";
+    EXPECT_THAT(GitRemoveRemoteOperation(request(35)).arguments(), ElementsAre("remote", "rm"));
+}
+
+// ---- what git prints --------------------------------------------------------------------------
+
+std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output) {
+    GitListStandardRemotesOperation operation(request(24));
+    operation.setData(output);
+    operation.parseData();
+    return operation.result();
+}
+
+/// The last record stands for the end of the output; hosts count on it.
+TEST(RemoteOutput, HasARecordForEachDirectionAndAnEmptyOneForTheEnd) {
+    EXPECT_EQ(resultOf("origin\thttps://h/p.git (fetch)\norigin\thttps://h/p.git (push)\n"
+                       "mirror\t/m.git (fetch)\nmirror\t/m.git (push)\n"),
+              (NEBSourceControlResult{remote("origin", "https://h/p.git", "fetch"),
+                                      remote("origin", "https://h/p.git", "push"),
+                                      remote("mirror", "/m.git", "fetch"),
+                                      remote("mirror", "/m.git", "push"), NEBDictionary()}));
+}
+
+TEST(RemoteOutput, CutsALocationAtItsFirstBlank) {
+    EXPECT_EQ(resultOf("a\t/my repository (fetch)\n"),
+              (NEBSourceControlResult{remote("a", "/my"), NEBDictionary()}));
+}
+
+TEST(RemoteOutput, OfAnyOtherDirectionHasNoType) {
+    EXPECT_EQ(resultOf("a\t/r (fetch) [blob:none]\nb\t/r (push) \nc\t/r (pull)\nd\t/r "),
+              (NEBSourceControlResult{remote("a", "/r"), remote("b", "/r"), remote("c", "/r"),
+                                      remote("d", "/r")}));
+}
+
+TEST(RemoteOutput, LeavesOutWhatIsNotThere) {
+    const NEBDictionary nameAlone{{NEBSourceControlOperationRemoteNameKey, "a"}};
+    const NEBDictionary locationAlone{{NEBSourceControlOperationRemoteOriginKey, "/r"}};
+    const NEBDictionary typeAlone{{NEBSourceControlOperationTypeKey, "push"}};
+    EXPECT_EQ(resultOf("a"), NEBSourceControlResult{nameAlone});
+    EXPECT_EQ(resultOf("a\t"), NEBSourceControlResult{nameAlone});
+    EXPECT_EQ(resultOf("\t/r"), NEBSourceControlResult{locationAlone});
+    EXPECT_EQ(resultOf("\t (push)"), NEBSourceControlResult{typeAlone});
+}
+
+TEST(RemoteOutput, OfNothingIsNoResult) {
+    EXPECT_EQ(resultOf(""), std::nullopt);
+    EXPECT_EQ(resultOf(std::nullopt), std::nullopt);
+}
+
+// ---- real repositories ------------------------------------------------------------------------
+
+class Remotes : public test::HygienicTest {
+protected:
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> run(
+        std::int32_t type, NEBValue destination = {},
+        std::optional<std::vector<NEBValue>> files = {}) const {
+        return perform(request(type, std::move(destination), std::move(files), repository.path()));
+    }
+    static constexpr const char* listing = "remote -v";
+    static constexpr const char* svnURL = "config --get svn-remote.svn.url";
+    static constexpr const char* svnFetch = "config --get svn-remote.svn.fetch";
+
+    TestRepository repository;
+};
+
+TEST_F(Remotes, AreAddedListedAndRemoved) {
+    EXPECT_EQ(run(34, "origin", valuesOf({"https://h/p.git"}))->error(), std::nullopt);
+    EXPECT_EQ(run(34, "mirror", valuesOf({"/m.git"}))->result(), std::nullopt);
+    repository.git({"remote", "set-url", "--push", "origin", "ssh://h/p.git"});
+    auto list = run(24);
+    EXPECT_EQ(list->error(), std::nullopt);
+    EXPECT_EQ(list->result(),
+              (NEBSourceControlResult{remote("mirror", "/m.git", "fetch"),
+                                      remote("mirror", "/m.git", "push"),
+                                      remote("origin", "https://h/p.git", "fetch"),
+                                      remote("origin", "ssh://h/p.git", "push"), NEBDictionary()}));
+    EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing, svnURL, svnFetch));
+    EXPECT_EQ(run(35, "mirror")->error(), std::nullopt);
+    EXPECT_EQ(repository.git({"remote"}), "origin\n");
+}
+
+TEST_F(Remotes, OfARepositoryWithoutAnyAreAnEmptyResult) {
+    EXPECT_EQ(run(24)->result(), NEBSourceControlResult{});
+}
+
+TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
+    repository.git({"remote", "add", "origin", "/o.git"});
+    repository.git({"config", "svn-remote.svn.url", "svn://h/p"});
+    repository.git({"config", "svn-remote.svn.fetch", "trunk:refs/remotes/svn/trunk"});
+    const auto list = run(24);
+    EXPECT_EQ(list->result(),
+              (NEBSourceControlResult{
+                  remote("origin", "/o.git", "fetch"), remote("origin", "/o.git", "push"),
+                  NEBDictionary(),
+                  NEBDictionary{{NEBSourceControlOperationUsesGitSVNKey, true},
+                                {NEBSourceControlOperationRemoteOriginKey, "svn://h/p"},
+                                {NEBSourceControlOperationRepositoryRootKey, repository.path()},
+                                {NEBSourceControlOperationRemoteNameKey, "trunk"},
+                                {NEBSourceControlOperationTypeKey, "fetch"}}}));
+}
+
+TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
+    const test::TemporaryFolder folder;
+    const auto list = perform(request(24, {}, {}, folder.path()));
+    EXPECT_THAT(list->error(), HasErrorClass("not-a-repository"));
+    EXPECT_EQ(list->result(), std::nullopt);
+    EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
+}
+
+/// The standard remotes are read from the repository of the options, the Subversion one from the
+/// file's folder: there the question fails.
+TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
+    repository.git({"remote", "add", "origin", "/o.git"});
+    const TestRepository broken;
+    broken.write(".git/config", "[core\n");
+    auto asked = request(24, {}, valuesOf({broken.path()}), repository.path());
+    const auto list = perform(asked);
+    EXPECT_EQ(list->error(), std::nullopt);
+    EXPECT_EQ(list->result(),
+              (NEBSourceControlResult{remote("origin", "/o.git", "fetch"),
+                                      remote("origin", "/o.git", "push"), NEBDictionary()}));
+    EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing, svnURL));
+}
+
+TEST_F(Remotes, ThatCannotBeAddedOrRemovedSayWhy) {
+    repository.git({"remote", "add", "origin", "/o.git"});
+    EXPECT_THAT(run(34, "origin", valuesOf({"/x"}))->error(), HasErrorClass("remote-exists"));
+    EXPECT_THAT(run(34, "a b", valuesOf({"/x"}))->error(), HasErrorClass("remote-name-invalid"));
+    EXPECT_THAT(run(35, "nosuch")->error(), HasErrorClass("remote-unknown"));
+    EXPECT_TRUE(run(34)->error().has_value());
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,0 +1,120 @@
+#include "Support/SubversionServer.h"
+
+#include <netinet/in.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/ChildProcess.h"
+
+namespace neb::test {
+
+namespace {
+
+ChildOutcome runWords(std::vector<std::string> words) {
+    words.insert(words.begin(), "env");
+    ChildProcess process;
+    return process.run({{.launchPath = "/usr/bin/env",
+                         .arguments = {words.begin() + 1, words.end()},
+                         .currentDirectoryPath = std::nullopt,
+                         .environment = NEBSourceControlInheritedEnvironment()}})[0];
+}
+
+/// A port that is free now. Another process may take it before it is used: whoever uses it tries
+/// again then.
+int freePort() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isBound = ::bind(probe, reinterpret_cast<sockaddr*>(&address), length) == 0 &&
+                         ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) == 0;
+    ::close(probe);
+    if (!isBound) {
+        throw std::runtime_error("there is no free port");
+    }
+    return ntohs(address.sin_port);
+}
+
+pid_t startServer(const std::string& root, int port) {
+    std::string arguments[] = {"svnserve",           "--daemon",  "--foreground",
+                               "--listen-host",      "127.0.0.1", "--listen-port",
+                               std::to_string(port), "--root",    root};
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) {
+        argv.push_back(argument.data());
+    }
+    argv.push_back(nullptr);
+    pid_t pid = -1;
+    if (::posix_spawnp(&pid, "svnserve", nullptr, nullptr, argv.data(), environ) != 0) {
+        throw std::runtime_error("svnserve cannot be started");
+    }
+    return pid;
+}
+
+}  // namespace
+
+SubversionServer::SubversionServer() {
+    run({"svnadmin", "create", _folder.path("repository")});
+    _folder.write("repository/conf/svnserve.conf", "[general]\nanon-access = write\n");
+    run({"svn", "mkdir", "-q", "-m", "folders", fileURL() + "/trunk", fileURL() + "/branches",
+         fileURL() + "/tags"});
+    commitFile("trunk/a", "first\n");
+    while (_url.empty()) {
+        const int port = freePort();
+        const std::string url = "svn://127.0.0.1:" + std::to_string(port);
+        _server = startServer(_folder.path("repository"), port);
+        while (::waitpid(_server, nullptr, WNOHANG) == 0) {
+            if (runWords({"svn", "info", url}).status.isSuccess()) {
+                _url = url;
+                break;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+}
+
+SubversionServer::~SubversionServer() {
+    ::kill(_server, SIGKILL);
+    ::waitpid(_server, nullptr, 0);
+}
+
+std::string SubversionServer::run(std::vector<std::string> words) const {
+    std::string line;
+    for (const std::string& word : words) {
+        line += word + " ";
+    }
+    const ChildOutcome outcome = runWords(std::move(words));
+    if (!outcome.status.isSuccess()) {
+        throw std::runtime_error(line + ": " + outcome.errorOutput);
+    }
+    return outcome.output;
+}
+
+void SubversionServer::commitFile(const std::string& path, const std::string& bytes) const {
+    const TemporaryFolder checkout;
+    const std::string copy = checkout.path("copy");
+    run({"svn", "checkout", "-q", fileURL(), copy});
+    checkout.write("copy/" + path, bytes);
+    run({"svn", "add", "-q", "--force", "--parents", copy + "/" + path});
+    run({"svn", "commit", "-q", "-m", "a change", copy});
+}
+
+std::string SubversionServer::content(const std::string& path) const {
+    return run({"svn", "cat", fileURL() + "/" + path});
+}
+
+void SubversionServer::refuseCommits(const std::string& words) const {
+    _folder.writeProgram("repository/hooks/pre-commit",
+                         "#!/bin/sh\necho '" + words + "' >&2\nexit 1\n");
+}
+
+}  // namespace neb::test

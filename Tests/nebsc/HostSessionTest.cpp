@@ -80,6 +80,11 @@ protected:
                                              : HostSession::Runner());
     }
 
+    [[nodiscard]] Reply replyOf(const Command& command, bool isJSON = false) const {
+        const Arguments arguments;
+        return command.run({session, command, arguments, isJSON});
+    }
+
     mutable Answers answers;
     HostSession session{std::make_unique<Controller>(answers)};
     std::shared_ptr<NEBSourceControlRequest> request =
@@ -153,7 +158,7 @@ TEST_F(HostSessionTest, ATypeWithoutOperationHasNoneInItsOutcome) {
 TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
     answers.conditions = {"request.weather", "request.destination", "request.weather",
                           "(request.destination) != nil"};
-    const Reply reply = typesCommand(session, true);
+    const Reply reply = replyOf(typesCommand, true);
     EXPECT_THAT(reply.standardOutput,
                 testing::StartsWith(R"([{"type":0,"name":"add","operation":"Operation",)"
                                     R"("authentication":true,)"
@@ -162,18 +167,30 @@ TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
 
 TEST_F(HostSessionTest, AStatusWithoutAnOperationIsAFailure) {
     answers.hasOperation = false;
-    const Reply reply = statusCommand(session, {});
+    const Reply reply = replyOf(statusCommand);
     EXPECT_EQ(reply.standardOutput, "");
-    EXPECT_EQ(reply.standardError, "nebsc: The plug-in has no operation for the status.\n");
+    EXPECT_EQ(reply.standardError,
+              "nebsc: The plug-in has no operation for the request type 15 (status).\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
 }
 
 TEST_F(HostSessionTest, AStatusThatThePlugInRefusesIsTold) {
     answers.valid = false;
-    const Reply reply = statusCommand(session, {});
+    const Reply reply = replyOf(statusCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError, "nebsc: Not now.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
+}
+
+TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
+    answers.conditions = {"request.weather"};
+    const Reply reply = replyOf(statusCommand);
+    EXPECT_THAT(reply.standardError,
+                testing::StartsWith(
+                    "nebsc: The plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
+    EXPECT_EQ(reply.exitStatus, exitDone);
+    EXPECT_THAT(replyOf(statusCommand, true).standardError,
+                testing::HasSubstr("The plug-in reports: Assertion failed: in main"));
 }
 
 }  // namespace

@@ -141,8 +141,13 @@ Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& argumen
     if (surroundings.output == NebscOutput::closed) {
         ::posix_spawn_file_actions_addclose(&actions, STDOUT_FILENO);
     }
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, _files.path("errors").c_str(),
-                                       O_WRONLY | O_CREAT, ownerOnly);
+    std::string errors = _files.path("errors");
+    if (surroundings.hasTerminalForErrors) {
+        _errorTerminal = openTerminal();
+        errors = ::ptsname(_errorTerminal);
+    }
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(),
+                                       O_WRONLY | O_CREAT | O_NOCTTY, ownerOnly);
     if (!surroundings.folder.empty()) {
         ::posix_spawn_file_actions_addchdir_np(&actions, surroundings.folder.c_str());
     }
@@ -164,9 +169,20 @@ Nebsc::~Nebsc() {
         ::kill(_pid, SIGKILL);
         ::waitpid(_pid, nullptr, 0);
     }
-    if (_terminal >= 0) {
-        ::close(_terminal);
+    for (const int terminal : {_terminal, _errorTerminal}) {
+        if (terminal >= 0) {
+            ::close(terminal);
+        }
     }
+}
+
+std::string Nebsc::awaitErrors(std::string_view text) {
+    std::string bytes;
+    char byte = 0;
+    while (bytes.find(text) == std::string::npos && ::read(_errorTerminal, &byte, 1) == 1) {
+        bytes += byte;
+    }
+    return bytes;
 }
 
 void Nebsc::send(int signalNumber) const {
@@ -179,7 +195,7 @@ NebscOutcome Nebsc::outcome() {
     }
     _pid = -1;
     return {.output = _terminal >= 0 ? readTerminal(_terminal) : _files.read("output"),
-            .errors = _files.read("errors"),
+            .errors = _errorTerminal >= 0 ? readTerminal(_errorTerminal) : _files.read("errors"),
             .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 

@@ -28,6 +28,8 @@ struct NebscSurroundings {
     /// What differs from the test's own environment; an absent value removes the variable.
     std::vector<std::pair<std::string, std::optional<std::string>>> variables{};
     NebscOutput output = NebscOutput::collected;
+    /// Whether standard error goes to a terminal; the outcome's errors are what it got then.
+    bool hasTerminalForErrors = false;
     /// Signals that the program finds ignored.
     std::vector<int> ignoredSignals{};
 };
@@ -54,6 +56,9 @@ public:
     ~Nebsc();
 
     void send(int signalNumber) const;
+    /// Waits until the terminal for errors has got the text; answers all that it got since the last
+    /// call.
+    std::string awaitErrors(std::string_view text);
     /// Waits for its end.
     [[nodiscard]] NebscOutcome outcome();
 
@@ -61,6 +66,7 @@ private:
     TemporaryFolder _files;
     pid_t _pid = -1;
     int _terminal = -1;
+    int _errorTerminal = -1;
 };
 
 [[nodiscard]] NebscOutcome runNebsc(const std::vector<std::string>& arguments,

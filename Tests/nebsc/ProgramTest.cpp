@@ -36,13 +36,12 @@ TEST(Program, AMistakeIsNamedInOneLine) {
         std::vector<std::string> words;
         const char* named;
     };
-    for (const Row& row :
-         {Row{{"statsu"}, "statsu"}, Row{{"--jsno", "status"}, "--jsno"},
-          Row{{"status", "--jsno"}, "--jsno"}, Row{{"status", "a", "b"}, "b"},
-          Row{{"status", "types", "request"}, "request"}, Row{{"status", "--dry-run"}, "--dry-run"},
-          Row{{"types", "x"}, "x"}, Row{{"--plugin"}, "--plugin"},
-          Row{{"--json"}, "status, request or types"}, Row{{"a\nb"}, "a\\nb"},
-          Row{{"--json=false", "types"}, "json"}}) {
+    for (const Row& row : {Row{{"statsu"}, "statsu"}, Row{{"--jsno", "status"}, "--jsno"},
+                           Row{{"status", "--jsno"}, "--jsno"}, Row{{"status", "a", "b"}, "b"},
+                           Row{{"status", "types", "request"}, "request"},
+                           Row{{"status", "--dry-run"}, "--dry-run"}, Row{{"types", "x"}, "x"},
+                           Row{{"--plugin"}, "--plugin"}, Row{{"--json"}, "A command is missing"},
+                           Row{{"a\nb"}, "a\\nb"}, Row{{"--json=false", "types"}, "json"}}) {
         const NebscOutcome outcome = runNebsc(row.words);
         EXPECT_EQ(outcome.output, "") << row.named;
         EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: "));

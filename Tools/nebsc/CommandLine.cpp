@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 namespace neb::nebsc {
 
@@ -10,109 +11,143 @@ constexpr const char* description =
     "Drives the source-control plug-in NEBGit: hands it requests, as a development\n"
     "environment does, and shows what comes of them.";
 
-constexpr const char* examples = R"(Examples:
-  nebsc status                        what has changed in the working copy around here
-  nebsc status src/main.c             the same for one file or folder
-  nebsc status --json                 the same for a program to read
-  nebsc types                         which types of request there are, and what each needs
+constexpr const char* footer = R"(Examples:
+  nebsc status                       what has changed in the working copy around here
+  nebsc status --json                the same for a program to read
+  nebsc types                        which types of request there are, and what each needs
   echo '{"type": 15, "sourceTree": {"location": "/path"}}' | nebsc request
-  nebsc request --dry-run log.json    what a request would run, without running it
+
+Each command has help of its own, with an example: nebsc status --help
 
 Exit status: 0 done, 1 the operation failed, 2 the call cannot be understood.
 )";
 
-/// The words of one command line, filled while they are read.
-struct Words {
-    CLI::App app{description, "nebsc"};
-    CLI::App* request = nullptr;
-    CLI::App* status = nullptr;
-    CLI::App* types = nullptr;
-    RequestCall requestCall;
-    StatusCall statusCall;
-    std::string plugIn;
-    bool isJSON = false;
-    bool isVersion = false;
-
-    Words();
-};
-
-/// The options of all commands, which the help of a single one does not list.
+/// What the help of a single command says of the options of all.
 constexpr const char* commonOptions =
     "--json and --plugin FILE may stand here too; see nebsc --help.\n";
 
-Words::Words() {
-    app.fallthrough();  // before the commands, which take it over: options may follow them
-    app.require_subcommand(0, 1);
-    app.footer(examples);
-    app.add_option("--plugin", plugIn,
-                   "The plug-in's file; unless given, NEBGit.so in lib beside nebsc's own folder")
-        ->type_name("FILE");
-    app.add_flag("--json", isJSON, "One line of JSON instead of text for a person")
-        ->disable_flag_override();
-    app.add_flag("--version", isVersion, "Show the versions of nebsc, the plug-in and git")
-        ->disable_flag_override();
+/// The reader of one command line, made from the rows of all commands.
+class Reader {
+public:
+    Reader();
 
-    status = app.add_subcommand("status", "Show which files of a working copy have changed");
-    status
-        ->add_option(
-            "PATH", statusCall.path,
-            "A file or folder, deleted ones included; unless given, the whole working copy")
-        ->type_name("");
-    request = app.add_subcommand("request", "Carry out a request in JSON and print its outcome");
-    request
-        ->add_option("FILE", requestCall.file,
-                     "The request; unless given, or for -, standard input is read")
-        ->type_name("");
-    request->add_flag("--dry-run", requestCall.isDryRun, "Make the operation, do not run it")
+    void parse(int argc, const char* const* argv) { _app.parse(argc, argv); }
+
+    [[nodiscard]] Call call() const;
+    /// The command that stands in the call; absent when there is none.
+    [[nodiscard]] const CLI::App* command() const {
+        const auto commands = _app.get_subcommands();
+        return commands.empty() ? nullptr : commands.front();
+    }
+    [[nodiscard]] bool asksForVersions() const { return _isVersion; }
+    [[nodiscard]] std::string help() const { return _app.help(); }
+
+private:
+    void addCommand(const Command& command);
+
+    CLI::App _app{description, "nebsc"};
+    std::string _plugIn;
+    bool _isJSON = false;
+    bool _isVersion = false;
+};
+
+/// "--message" for "-m,--message".
+std::string longName(const Parameter& parameter) {
+    const std::size_t comma = parameter.name.find(',');
+    return std::string(comma == std::string_view::npos ? parameter.name
+                                                       : parameter.name.substr(comma + 1));
+}
+
+void addParameter(CLI::App& app, const Parameter& parameter) {
+    const std::string name(parameter.name);
+    const std::string help(parameter.help);
+    if (parameter.takes == Takes::nothing) {
+        app.add_flag(name)->description(help)->disable_flag_override();
+        return;
+    }
+    CLI::Option* option = app.add_option(name)->description(help);
+    option->type_name(std::string(parameter.valueName));
+    if (parameter.occurs == Occurs::anyNumber || parameter.occurs == Occurs::oneOrMore) {
+        // Extra arguments would let it read a name like "[a]" as a list.
+        option->expected(-1)->allow_extra_args(false);
+    }
+    option->required(parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore);
+}
+
+Reader::Reader() {
+    _app.fallthrough();  // before the commands, which take it over: options may follow them
+    _app.require_subcommand(0, 1);
+    _app.footer(footer);
+    _app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    _app.add_option("--plugin", _plugIn,
+                    "The plug-in's file; unless given, NEBGit.so in lib beside nebsc's own folder")
+        ->type_name("FILE");
+    _app.add_flag("--json", _isJSON, "One line of JSON instead of text for a person")
         ->disable_flag_override();
-    types = app.add_subcommand("types", "List the types of request and what each needs");
-    for (CLI::App* command : {status, request, types}) {
-        command->footer(commonOptions);
+    _app.add_flag("--version", _isVersion, "Show the versions of nebsc, the plug-in and git")
+        ->disable_flag_override();
+    for (const Command* command : allCommands()) {
+        addCommand(*command);
     }
 }
 
-Reply helpReply(const CLI::App& app) {
-    return {.standardOutput = app.help(), .standardError = {}, .exitStatus = exitDone};
+void Reader::addCommand(const Command& command) {
+    CLI::App* app = _app.add_subcommand(std::string(command.name), std::string(command.summary));
+    app->group(std::string(command.group));
+    app->footer(std::string(command.details) + "\n" + commonOptions);
+    for (const Parameter& parameter : command.parameters) {
+        addParameter(*app, parameter);
+    }
 }
 
-Reply refusedCall(std::string reason) {
+Call Reader::call() const {
+    Call call{.command = nullptr, .arguments = {}, .plugIn = _plugIn, .isJSON = _isJSON};
+    const CLI::App* app = command();
+    if (app == nullptr || _isVersion) {
+        return call;
+    }
+    const auto all = allCommands();
+    call.command = *std::find_if(all.begin(), all.end(), [app](const Command* candidate) {
+        return candidate->name == app->get_name();
+    });
+    for (const Parameter& parameter : call.command->parameters) {
+        const CLI::Option* option = app->get_option(longName(parameter));
+        if (option->count() > 0) {
+            call.arguments.set(longName(parameter), parameter.takes == Takes::nothing
+                                                        ? std::vector<std::string>(1)
+                                                        : option->results());
+        }
+    }
+    return call;
+}
+
+Reply helpReply(std::string text) {
+    return {.standardOutput = std::move(text), .standardError = {}, .exitStatus = exitDone};
+}
+
+Reply refusedCall(std::string reason, const CLI::App* command) {
     if (!reason.empty() && reason.back() == '.') {
         reason.pop_back();
     }
-    return refusal(reason + " (see nebsc --help).", exitNotUnderstood);
-}
-
-std::variant<Call, Reply> understood(const Words& words, bool isAlone) {
-    Call call{.command = Call::Version(), .plugIn = words.plugIn, .isJSON = words.isJSON};
-    if (words.isVersion) {
-        return call;
-    }
-    if (words.request->parsed()) {
-        call.command = words.requestCall;
-    } else if (words.status->parsed()) {
-        call.command = words.statusCall;
-    } else if (words.types->parsed()) {
-        call.command = Call::Types();
-    } else if (isAlone) {
-        return helpReply(words.app);
-    } else {
-        return refusedCall("A command is missing: status, request or types was expected");
-    }
-    return call;
+    const std::string where = command == nullptr ? "" : command->get_name() + " ";
+    return refusal(reason + " (see nebsc " + where + "--help).", exitNotUnderstood);
 }
 
 }  // namespace
 
 std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
-    Words words;
+    Reader reader;
     try {
-        words.app.parse(argc, argv);
+        reader.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
-        return helpReply(words.app);
+        return helpReply(reader.help());
     } catch (const CLI::ParseError& error) {
-        return refusedCall(error.what());
+        return refusedCall(error.what(), reader.command());
     }
-    return understood(words, argc < 2);
+    if (reader.command() == nullptr && !reader.asksForVersions()) {
+        return argc < 2 ? helpReply(reader.help()) : refusedCall("A command is missing", nullptr);
+    }
+    return reader.call();
 }
 
 }  // namespace neb::nebsc

@@ -4,17 +4,16 @@
 #include <string>
 #include <variant>
 
-#include "Commands.h"
+#include "Command.h"
 #include "Reply.h"
 
 namespace neb::nebsc {
 
 /// A call that is understood and needs the plug-in.
 struct Call {
-    struct Types {};
-    struct Version {};
-
-    std::variant<RequestCall, StatusCall, Types, Version> command;
+    /// Absent: the versions are asked for.
+    const Command* command = nullptr;
+    Arguments arguments;
     /// The plug-in's file; empty means the default one.
     std::string plugIn;
     bool isJSON = false;

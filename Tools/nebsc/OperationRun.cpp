@@ -2,13 +2,24 @@
 
 #include <string.h>
 
+#include "LifeSign.h"
+
 namespace neb::nebsc {
 
-HostSession::Runner interruptibleRunner(Interruption& interruption) {
-    return [&interruption](NEBSourceControlOperation& operation) {
+HostSession::Runner interruptibleRunner(Interruption& interruption, std::string_view activity) {
+    return [&interruption, activity](NEBSourceControlOperation& operation) {
+        const LifeSign sign(activity);
         const Interruption::Work work(interruption, [&operation] { operation.cancel(); });
         operation.start();
     };
+}
+
+void noteReports(Reply& reply, const Outcome& outcome) {
+    for (const LOMAssertionReport& report : outcome.reports) {
+        reply.standardError +=
+            complaint("The plug-in reports: " + report.message + " (" + report.function + ", " +
+                      report.file + ":" + std::to_string(report.line) + ")");
+    }
 }
 
 void noteHeldOutput(Reply& reply, const Outcome& outcome) {

@@ -1,36 +1,14 @@
 #include "Program.h"
 
-#include <unistd.h>
-
 #include <exception>
 
 #include "CommandLine.h"
+#include "Commands.h"
 #include "PlugInLocation.h"
-#include "Presentation.h"
 
 namespace neb::nebsc {
 
 namespace {
-
-/// Hands a call to the command that it names.
-struct Dispatch {
-    const Call& call;
-    const NEBSourceControlPlugIn& plugIn;
-    HostSession session;
-
-    Reply operator()(const RequestCall& request) const { return requestCommand(session, request); }
-    Reply operator()(StatusCall status) const {
-        status.isJSON = call.isJSON;
-        status.isColoured = wantsColour(STDOUT_FILENO);
-        return statusCommand(session, status);
-    }
-    Reply operator()(const Call::Types& /*types*/) const {
-        return typesCommand(session, call.isJSON);
-    }
-    Reply operator()(const Call::Version& /*version*/) const {
-        return versionCommand(plugIn, call.isJSON);
-    }
-};
 
 Reply replyTo(const Call& call) {
     const std::string path = call.plugIn.empty() ? defaultPlugInPath() : call.plugIn;
@@ -43,8 +21,11 @@ Reply replyTo(const Call& call) {
         return refusal("The plug-in \"" + path + "\" has no principal class to give.",
                        exitNotUnderstood);
     }
-    return std::visit(Dispatch{call, *load.plugIn, HostSession(std::move(controller))},
-                      call.command);
+    if (call.command == nullptr) {
+        return replyWithVersions(*load.plugIn, call.isJSON);
+    }
+    const HostSession session(std::move(controller));
+    return call.command->run({session, *call.command, call.arguments, call.isJSON});
 }
 
 }  // namespace

@@ -7,8 +7,10 @@
 
 namespace neb::nebsc {
 
-Reply requestCommand(const HostSession& session, const RequestCall& call) {
-    const InputReading input = readInput(call.file);
+namespace {
+
+Reply run(const CommandCall& call) {
+    const InputReading input = readInput(call.arguments.value("FILE").value_or("-"));
     if (!input.bytes) {
         return refusal(input.failure, exitNotUnderstood);
     }
@@ -18,8 +20,10 @@ Reply requestCommand(const HostSession& session, const RequestCall& call) {
     }
     // Not before: until there is a request, a signal may end the reading at once.
     Interruption interruption;
-    const auto run = call.isDryRun ? HostSession::Runner() : interruptibleRunner(interruption);
-    const Performance performance = session.perform(reading.request, run);
+    const auto runner = call.arguments.has("--dry-run")
+                            ? HostSession::Runner()
+                            : interruptibleRunner(interruption, call.command.activity);
+    const Performance performance = call.session.perform(reading.request, runner);
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
@@ -34,5 +38,25 @@ Reply requestCommand(const HostSession& session, const RequestCall& call) {
     noteInterruption(reply, signalNumber);
     return reply;
 }
+
+constexpr Parameter parameters[] = {
+    {"FILE", "The request; unless given, or for -, standard input is read", Takes::text},
+    {"--dry-run", "Make the operation, do not run it"},
+};
+
+}  // namespace
+
+constinit const Command requestCommand{
+    .name = "request",
+    .group = programsGroup,
+    .summary = "Carry out a request in JSON and print its outcome",
+    .details =
+        "Examples:\n"
+        "  echo '{\"type\": 15, \"sourceTree\": {\"location\": \"/path\"}}' | nebsc request\n"
+        "  nebsc request --dry-run log.json    what it would run, without running it\n",
+    .parameters = parameters,
+    .activity = "Working",
+    .run = run,
+};
 
 }  // namespace neb::nebsc

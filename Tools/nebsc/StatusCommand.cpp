@@ -1,16 +1,18 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
+#include "CommandTask.h"
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "NEBFoundation/NEBSourceControlRequestType.h"
-#include "OperationRun.h"
-#include "OutcomeJSON.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
-#include "StatusPlace.h"
 
 namespace neb::nebsc {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -40,7 +42,8 @@ StatusWord wordOfStatus(std::int64_t status) {
     return row == statusWords.end() ? changed : *row;
 }
 
-std::string lineOfRecord(const NEBDictionary& record, const StatusPlace& place, bool isColoured) {
+std::string lineOfRecord(const NEBDictionary& record, const WorkingCopyPlace& place,
+                         bool isColoured) {
     const StatusWord word =
         wordOfStatus(record.value(NEBSourceControlOperationWCStatusKey).integer().value_or(0));
     const std::string* path = record.value(NEBSourceControlOperationPathKey).string();
@@ -52,96 +55,110 @@ std::string lineOfRecord(const NEBDictionary& record, const StatusPlace& place, 
     return start + blanks + shown + "\n";
 }
 
-std::shared_ptr<NEBSourceControlRequest> statusRequest(const StatusPlace& place) {
-    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
-    tree->location = place.location;
-    tree->name = lastPathComponent(place.location);
-    auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestStatus, tree,
-                                                         std::nullopt, std::nullopt);
-    if (place.destination) {
-        request->destination = *place.destination;
+fs::path nearestFolder(fs::path path) {
+    std::error_code ignored;
+    while (!fs::is_directory(fs::symlink_status(path, ignored)) && path.has_relative_path()) {
+        path = path.parent_path();
+    }
+    return path;
+}
+
+class StatusTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    WorkingCopyPlace findPlace() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    /// The path that was asked for, where that is not the place itself.
+    std::optional<std::string> _path;
+};
+
+/// Of a path where nothing is any more, the nearest folder that is counts. A symbolic link is
+/// looked at itself where it lies in a working copy, otherwise what it points to.
+WorkingCopyPlace StatusTask::findPlace() {
+    if (paths("PATH").empty()) {
+        return CommandTask::findPlace();
+    }
+    fs::path asked = paths("PATH").front();
+    const auto around = [this](const fs::path& folder) {
+        return findWorkingCopy(interruption(), currentFolder(), folder.string());
+    };
+    WorkingCopyPlace place = around(nearestFolder(asked));
+    std::error_code ignored;
+    if (!place.isWorkingCopy && fs::is_symlink(fs::symlink_status(asked, ignored)) &&
+        fs::is_directory(fs::status(asked, ignored))) {
+        asked = fs::canonical(asked, ignored);
+        place = around(asked);
+    }
+    if (asked.string() != place.location) {
+        _path = asked.string();
+    }
+    return place;
+}
+
+std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestStatus);
+    if (_path) {
+        request->destination = *_path;
     }
     return request;
 }
 
-/// The records for a person, or a sentence that says that there are none.
-std::string textOfRecords(const NEBSourceControlResult& records, const StatusPlace& place,
-                          const StatusCall& call) {
-    if (!records.empty()) {
-        std::string lines;
-        for (const NEBDictionary& record : records) {
-            lines += lineOfRecord(record, place, call.isColoured);
-        }
-        return lines;
+std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
+    const bool isColoured = wantsColour(STDOUT_FILENO);
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        lines += lineOfRecord(record, place(), isColoured);
     }
-    if (place.destination) {
-        return "Nothing to report: " + printable("\"" + call.path.value_or("") + "\"") +
-               " has no changes.\n";
-    }
-    return "Nothing to report: the working copy " +
-           printable("\"" + lastPathComponent(place.location) + "\"") + " has no changes.\n";
+    return lines;
 }
 
-/// How git failed when it did so without a word, which makes no error; nothing when it did not.
-std::optional<std::string> silentFailure(const Outcome& outcome) {
-    if (outcome.error || outcome.commands.empty() ||
-        outcome.commands.back().terminationStatus.value_or(0) == 0) {
-        return std::nullopt;
+/// Says so when there are no records.
+void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (outcome.result && !outcome.result->empty()) {
+        return;
     }
-    return "git told nothing and ended with exit status " +
-           std::to_string(*outcome.commands.back().terminationStatus) + ".";
+    const std::string workingCopy = '"' + lastPathComponent(place().location) + '"';
+    const std::string asked = '"' + arguments().value("PATH").value_or("") + '"';
+    if (_path && !isAnythingAt(*_path)) {
+        reply = refusal("There is no file or folder " + asked +
+                            ", neither on disk nor in the working copy " + workingCopy + ".",
+                        exitFailed);
+        return;
+    }
+    reply.standardOutput =
+        "Nothing to report: " + printable(_path ? asked : "the working copy " + workingCopy) +
+        " has no changes.\n";
 }
 
-Reply replyOf(const Outcome& outcome, const StatusPlace& place, const StatusCall& call) {
-    if (const auto failure = silentFailure(outcome); failure && !call.isJSON) {
-        return refusal(*failure, exitFailed);
-    }
-    Reply reply;
-    const bool hasRecords = outcome.result && !outcome.result->empty();
-    const bool isMissing = !outcome.error && !hasRecords && !place.pathExists;
-    if (call.isJSON) {
-        reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
-    } else if (hasRecords || (!outcome.error && !isMissing)) {
-        reply.standardOutput =
-            textOfRecords(outcome.result.value_or(NEBSourceControlResult()), place, call);
-    }
-    if (outcome.error) {
-        reply.standardError = errorLines(*outcome.error);
-    } else if (isMissing) {
-        reply.standardError = complaint("There is no file or folder \"" + call.path.value_or("") +
-                                        "\", neither on disk nor in the working copy \"" +
-                                        lastPathComponent(place.location) + "\".");
-    }
-    reply.exitStatus = outcome.error || isMissing ? exitFailed : exitDone;
-    return reply;
+constexpr Parameter parameters[] = {
+    {"PATH", "A file or folder, deleted ones included; unless given, the whole working copy",
+     Takes::path},
+};
+
+Reply run(const CommandCall& call) {
+    return StatusTask(call).run();
 }
 
 }  // namespace
 
-Reply statusCommand(const HostSession& session, const StatusCall& call) {
-    if (call.path && call.path->empty()) {
-        return refusal("The path is empty; the path of a file or folder was expected.",
-                       exitNotUnderstood);
-    }
-    Interruption interruption;
-    const StatusPlaceSearch search = findStatusPlace(interruption, call.path);
-    if (!search.place) {
-        return refusal(search.failure, exitFailed);
-    }
-    // A status request has no value that git could take for an option, so there is an outcome.
-    const Outcome outcome =
-        *session.perform(statusRequest(*search.place), interruptibleRunner(interruption)).outcome;
-    const std::optional<int> signalNumber = interruption.end();
-    if (!outcome.operation && !outcome.error) {
-        return refusal("The plug-in has no operation for the status.", exitFailed);
-    }
-    Reply reply = replyOf(outcome, *search.place, call);
-    if (signalNumber && !call.isJSON) {
-        reply.standardOutput.clear();
-    }
-    noteHeldOutput(reply, outcome);
-    noteInterruption(reply, signalNumber);
-    return reply;
-}
+constinit const Command statusCommand{
+    .name = "status",
+    .group = workingCopyGroup,
+    .summary = "Show which files of a working copy have changed",
+    .details =
+        "Examples:\n"
+        "  nebsc status                what has changed in the working copy around here\n"
+        "  nebsc status src/main.c    the same for one file or folder\n"
+        "  nebsc status --json        the same for a program to read\n",
+    .parameters = parameters,
+    .activity = "Looking",
+    .run = run,
+};
 
 }  // namespace neb::nebsc

@@ -126,20 +126,31 @@ nlohmann::ordered_json jsonOf(const TypeDescription& type) {
             {"needs", type.needs}};
 }
 
-}  // namespace
-
-Reply typesCommand(const HostSession& session, bool isJSON) {
+Reply run(const CommandCall& call) {
     std::vector<Row> rows{{"type", "name", "operation", "authentication", "needs"}};
     auto array = nlohmann::ordered_json::array();
     for (auto type = NEBSourceControlFirstRequestType; type <= NEBSourceControlLastRequestType;
          ++type) {
-        const TypeDescription description = describe(session.controller(), type);
+        const TypeDescription description = describe(call.session.controller(), type);
         rows.push_back(rowOf(description));
         array.push_back(jsonOf(description));
     }
-    return {.standardOutput = isJSON ? lineOfJSON(array) : tableOf(rows),
+    return {.standardOutput = call.isJSON ? lineOfJSON(array) : tableOf(rows),
             .standardError = {},
             .exitStatus = exitDone};
 }
+
+}  // namespace
+
+constinit const Command typesCommand{
+    .name = "types",
+    .group = programsGroup,
+    .summary = "List the types of request and what each needs",
+    .details =
+        "Examples:\n"
+        "  nebsc types           a table\n"
+        "  nebsc types --json    the same for a program to read\n",
+    .run = run,
+};
 
 }  // namespace neb::nebsc

@@ -6,7 +6,7 @@
 
 namespace neb::nebsc {
 
-Reply versionCommand(const NEBSourceControlPlugIn& plugIn, bool isJSON) {
+Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, bool isJSON) {
     Interruption interruption;
     const ChildOutcome git = runGit(interruption, {"--version"}, std::nullopt);
     const std::optional<std::string> gitVersion = answerOf(git);

@@ -1,0 +1,222 @@
+#include "CommandTask.h"
+
+#include "GitProgram.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "OperationRun.h"
+#include "OutcomeJSON.h"
+#include "Platform/PathString.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string silence(int exitStatus) {
+    return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
+}
+
+/// The texts between NUL bytes, each of which ends one.
+std::vector<std::string> textsOf(std::string_view bytes) {
+    std::vector<std::string> texts;
+    while (!bytes.empty()) {
+        const std::size_t end = bytes.find('\0');
+        texts.emplace_back(bytes.substr(0, end));
+        bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
+    }
+    return texts;
+}
+
+}  // namespace
+
+// ---- the frame --------------------------------------------------------------------------------
+
+Reply CommandTask::run() {
+    Reply reply = work();
+    // No child is left by now: from here on a signal may end nebsc at once.
+    const std::optional<int> signalNumber = _interruption.end();
+    if (signalNumber && !_call.isJSON) {
+        reply.standardOutput.clear();
+    }
+    noteInterruption(reply, signalNumber);
+    return reply;
+}
+
+Reply CommandTask::work() {
+    if (auto refused = readPaths()) {
+        return *refused;
+    }
+    _place = findPlace();
+    if (auto refused = look()) {
+        return *refused;
+    }
+    const Performance performance = perform(request());
+    if (const auto& value = performance.refusedValue) {
+        return refusal('"' + value->value +
+                           "\" begins with \"-\"; it is refused, as git would take it for an "
+                           "option.",
+                       exitNotUnderstood);
+    }
+    const Outcome& outcome = *performance.outcome;
+    if (!outcome.operation && !outcome.error) {
+        return refusal("The plug-in has no operation for the request type " +
+                           std::to_string(outcome.type) + " (" +
+                           std::string(*NEBSourceControlRequestTypeName(outcome.type)) + ").",
+                       exitFailed);
+    }
+    return replyTo(outcome);
+}
+
+std::optional<Reply> CommandTask::readPaths() {
+    const PathSearch folder = findCurrentFolder();
+    if (!folder.path) {
+        return refusal(folder.failure, exitFailed);
+    }
+    _place.currentFolder = *folder.path;
+    for (const Parameter& parameter : _call.command.parameters) {
+        if (parameter.takes != Takes::path) {
+            continue;
+        }
+        for (const std::string& word : arguments().all(parameter.name)) {
+            if (word.empty()) {
+                return refusal("The path is empty; the path of a file or folder was expected.",
+                               exitNotUnderstood);
+            }
+            const PathSearch search = findAbsolutePath(*folder.path, word);
+            if (!search.path) {
+                return refusal(search.failure, exitFailed);
+            }
+            _paths[std::string(parameter.name)].push_back(*search.path);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> CommandTask::silentFailure(const Outcome& outcome) const {
+    if (outcome.error || outcome.commands.empty() || silence() == Silence::irrelevant) {
+        return std::nullopt;
+    }
+    const int exitStatus = outcome.commands.back().terminationStatus.value_or(0);
+    if (exitStatus == 0 || (exitStatus == 1 && silence() == Silence::answer)) {
+        return std::nullopt;
+    }
+    return nebsc::silence(exitStatus);
+}
+
+Reply CommandTask::replyTo(const Outcome& outcome) {
+    Reply reply;
+    if (outcome.result) {
+        reply.standardOutput = textOfResult(*outcome.result);
+    }
+    if (outcome.error) {
+        reply.standardError = errorLines(*outcome.error);
+        reply.exitStatus = exitFailed;
+    } else if (const auto failure = silentFailure(outcome)) {
+        reply = refusal(*failure, exitFailed);
+    } else {
+        conclude(outcome, reply);
+    }
+    if (_call.isJSON) {
+        reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
+    }
+    noteReports(reply, outcome);
+    noteHeldOutput(reply, outcome);
+    return reply;
+}
+
+WorkingCopyPlace CommandTask::findPlace() {
+    return findWorkingCopy(_interruption, currentFolder(), currentFolder());
+}
+
+std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) {
+    return {};
+}
+
+void CommandTask::conclude(const Outcome& /*outcome*/, Reply& /*reply*/) {}
+
+// ---- requests ---------------------------------------------------------------------------------
+
+const std::vector<std::string>& CommandTask::paths(std::string_view parameter) const {
+    static const std::vector<std::string> none;
+    const auto entry = _paths.find(parameter);
+    return entry == _paths.end() ? none : entry->second;
+}
+
+std::shared_ptr<NEBSourceControlRequest> CommandTask::requestOfType(std::int32_t type) const {
+    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
+    tree->location = _place.location;
+    tree->name = lastPathComponent(_place.location);
+    return NEBSourceControlRequest::initWithType(type, std::move(tree), std::nullopt, std::nullopt);
+}
+
+std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
+    std::int32_t type, const std::vector<std::string>& files) const {
+    auto request = requestOfType(type);
+    request->files.emplace(files.begin(), files.end());
+    return request;
+}
+
+Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request) {
+    return _call.session.perform(request,
+                                 interruptibleRunner(_interruption, _call.command.activity));
+}
+
+// ---- questions of the command's own -----------------------------------------------------------
+
+ChildOutcome CommandTask::ask(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--literal-pathspecs");
+    return runGit(_interruption, std::move(arguments), _place.location);
+}
+
+std::optional<std::string> CommandTask::answer(std::vector<std::string> arguments) {
+    return answerOf(ask(std::move(arguments)));
+}
+
+std::vector<std::string> CommandTask::filesInConflict(const std::vector<std::string>& paths) {
+    std::vector<std::string> question{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
+    question.insert(question.end(), paths.begin(), paths.end());
+    const ChildOutcome outcome = ask(std::move(question));
+    return outcome.status.isSuccess() ? textsOf(outcome.output) : std::vector<std::string>();
+}
+
+std::optional<std::string> CommandTask::latestCommit() {
+    return answer({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
+}
+
+// ---- what to say ------------------------------------------------------------------------------
+
+Reply CommandTask::failureOf(const ChildOutcome& question) const {
+    const std::string& words = question.errorOutput;
+    if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
+        return refusal(question.status.exitStatus()
+                           ? nebsc::silence(*question.status.exitStatus())
+                           : "git did not answer: " + question.status.description() + ".",
+                       exitFailed);
+    }
+    const auto request = requestOfType(NEBSourceControlRequestStatus);
+    return {.standardOutput = {},
+            .standardError = errorLines(NEBSourceControlErrorFromText(words, *request)),
+            .exitStatus = exitFailed};
+}
+
+std::optional<Reply> CommandTask::refusalWithoutWorkingCopy() {
+    if (_place.isWorkingCopy) {
+        return std::nullopt;
+    }
+    return failureOf(ask({"rev-parse", "--show-toplevel"}));
+}
+
+std::string CommandTask::shown(const std::string& path) const {
+    return printable(pathAsSeenFrom(
+        _place, path.starts_with('/') ? path : pathByAppendingComponent(_place.location, path)));
+}
+
+std::string CommandTask::complaintAbout(std::string_view sentence,
+                                        const std::vector<std::string>& files) const {
+    std::string lines = complaint(sentence);
+    for (const std::string& file : files) {
+        lines += "    " + shown(file) + "\n";
+    }
+    return lines;
+}
+
+}  // namespace neb::nebsc

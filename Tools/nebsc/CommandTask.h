@@ -1,0 +1,114 @@
+// CommandTask.h - the frame of a command that makes one request, so that each command is short.
+//
+//     class AddTask : public CommandTask {
+//         using CommandTask::CommandTask;
+//         std::shared_ptr<NEBSourceControlRequest> request() override {
+//             return requestAbout(NEBSourceControlRequestAddFiles, paths("FILE"));
+//         }
+//     };
+//
+// run() finds the working copy around the current folder, lets the command look before anything is
+// done, carries its request out, and says what came of it: with --json the outcome; for a person
+// what the command makes of the result, and in either case an error, a git that failed without a
+// word, broken preconditions and a signal.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Command.h"
+#include "Interruption.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/ChildProcess.h"
+#include "WorkingCopyPlace.h"
+
+namespace neb::nebsc {
+
+/// One run of a command, on one thread.
+class CommandTask {
+public:
+    /// Takes over the signals for as long as it lives.
+    explicit CommandTask(const CommandCall& call) : _call(call) {}
+    CommandTask(const CommandTask&) = delete;
+    CommandTask& operator=(const CommandTask&) = delete;
+    virtual ~CommandTask() = default;
+
+    [[nodiscard]] Reply run();
+
+protected:
+    /// What it means when a git fails and says nothing.
+    enum class Silence {
+        failure,
+        /// With exit status 1 it is an answer: there is nothing of the kind.
+        answer,
+        /// The commands' ends are no part of the outcome.
+        irrelevant,
+    };
+
+    // ---- what a command says of itself, in the order in which it is asked
+
+    /// The place that the request is about: the working copy around the current folder, unless the
+    /// command knows better.
+    [[nodiscard]] virtual WorkingCopyPlace findPlace();
+    /// A look before anything is done; a reply ends the command.
+    [[nodiscard]] virtual std::optional<Reply> look() { return std::nullopt; }
+    [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> request() = 0;
+    [[nodiscard]] virtual Silence silence() const { return Silence::failure; }
+    /// The records for a person, lines with their ends. An error may stand beside them.
+    [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
+    /// What is left to do and to say after a success.
+    virtual void conclude(const Outcome& outcome, Reply& reply);
+
+    // ---- what a command may use
+
+    [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
+    /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
+    [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
+    /// Good after findPlace().
+    [[nodiscard]] const WorkingCopyPlace& place() const { return _place; }
+    [[nodiscard]] const std::string& currentFolder() const { return _place.currentFolder; }
+    [[nodiscard]] Interruption& interruption() { return _interruption; }
+
+    /// A request about the place.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestOfType(std::int32_t type) const;
+    /// The same with these files.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAbout(
+        std::int32_t type, const std::vector<std::string>& files) const;
+    /// Carries out a request, and shows on a terminal that it is at it.
+    [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request);
+
+    /// A question of the command's own to git, in the place. Names are never patterns.
+    [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
+    /// Its answer without the line end; nothing when git failed or was silent.
+    [[nodiscard]] std::optional<std::string> answer(std::vector<std::string> arguments);
+    /// The files in conflict that lie at or below the paths (all, without paths), from the top.
+    [[nodiscard]] std::vector<std::string> filesInConflict(const std::vector<std::string>& paths);
+    /// The latest commit, 12 characters; nothing when there is none.
+    [[nodiscard]] std::optional<std::string> latestCommit();
+
+    /// That a question failed, in git's words.
+    [[nodiscard]] Reply failureOf(const ChildOutcome& question) const;
+    /// The reply where there is no working copy, in git's words; nothing where there is one.
+    [[nodiscard]] std::optional<Reply> refusalWithoutWorkingCopy();
+    /// A path from the top, or an absolute one, as the person sees it, printable.
+    [[nodiscard]] std::string shown(const std::string& path) const;
+    /// The sentence, and the files on lines of their own, as the person sees them.
+    [[nodiscard]] std::string complaintAbout(std::string_view sentence,
+                                             const std::vector<std::string>& files) const;
+
+private:
+    [[nodiscard]] Reply work();
+    [[nodiscard]] std::optional<Reply> readPaths();
+    [[nodiscard]] std::optional<std::string> silentFailure(const Outcome& outcome) const;
+    [[nodiscard]] Reply replyTo(const Outcome& outcome);
+
+    const CommandCall& _call;
+    Interruption _interruption;
+    WorkingCopyPlace _place;
+    std::map<std::string, std::vector<std::string>, std::less<>> _paths;
+};
+
+}  // namespace neb::nebsc

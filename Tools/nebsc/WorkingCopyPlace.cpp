@@ -1,0 +1,73 @@
+#include "WorkingCopyPlace.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "GitProgram.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path resolved(const fs::path& path, std::error_code& failure) {
+    const fs::path name = path.filename();
+    if (name.empty() || name == "." || name == "..") {
+        const fs::path whole = fs::weakly_canonical(path, failure);
+        // Where nothing is, the "/" at the end was kept.
+        return whole.has_filename() ? whole : whole.parent_path();
+    }
+    return fs::weakly_canonical(path.parent_path(), failure) / name;
+}
+
+}  // namespace
+
+PathSearch findCurrentFolder() {
+    std::error_code failure;
+    const fs::path folder = fs::current_path(failure);
+    if (failure) {
+        return {std::nullopt, "The current folder cannot be found: " + failure.message() + "."};
+    }
+    return {folder.string(), {}};
+}
+
+PathSearch findAbsolutePath(const std::string& currentFolder, const std::string& path) {
+    std::error_code failure;
+    const fs::path absolute = resolved(fs::path(currentFolder) / path, failure);
+    if (failure) {
+        return {std::nullopt,
+                "The path \"" + path + "\" cannot be looked up: " + failure.message() + "."};
+    }
+    return {absolute.string(), {}};
+}
+
+WorkingCopyPlace findWorkingCopy(Interruption& interruption, const std::string& currentFolder,
+                                 const std::string& folder) {
+    const auto top = workingCopyTop(interruption, folder);
+    return {.location = top.value_or(folder),
+            .currentFolder = currentFolder,
+            .isWorkingCopy = top.has_value()};
+}
+
+bool liesWithin(const std::string& path, const std::string& folder) {
+    return path == folder || folder == "/" ||
+           (path.starts_with(folder) && path[folder.size()] == '/');
+}
+
+bool isAnythingAt(const std::string& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+std::string pathAsSeenFrom(const WorkingCopyPlace& place, const std::string& path) {
+    if (!liesWithin(place.currentFolder, place.location)) {
+        return path;
+    }
+    const bool isFolder = path.ends_with('/');
+    const fs::path plain = isFolder ? path.substr(0, path.size() - 1) : path;
+    const std::string relative = plain.lexically_relative(place.currentFolder).string();
+    return isFolder ? relative + "/" : relative;
+}
+
+}  // namespace neb::nebsc

@@ -11,19 +11,13 @@ namespace neb::nebsc {
 
 namespace {
 
-std::string silence(int exitStatus) {
+std::string sentenceOfSilence(int exitStatus) {
     return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
 }
 
-/// The texts between NUL bytes, each of which ends one.
-std::vector<std::string> textsOf(std::string_view bytes) {
-    std::vector<std::string> texts;
-    while (!bytes.empty()) {
-        const std::size_t end = bytes.find('\0');
-        texts.emplace_back(bytes.substr(0, end));
-        bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
-    }
-    return texts;
+/// How the last git ended, of an outcome without an error; 0 when none ran.
+int silentExitStatus(const Outcome& outcome) {
+    return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
 }
 
 }  // namespace
@@ -51,8 +45,8 @@ Reply CommandTask::work() {
     }
     const Performance performance = perform(request());
     if (const auto& value = performance.refusedValue) {
-        return refusal('"' + value->value +
-                           "\" begins with \"-\"; it is refused, as git would take it for an "
+        return refusal(inQuotes(value->value) +
+                           " begins with \"-\"; it is refused, as git would take it for an "
                            "option.",
                        exitNotUnderstood);
     }
@@ -91,34 +85,19 @@ std::optional<Reply> CommandTask::readPaths() {
     return std::nullopt;
 }
 
-std::optional<std::string> CommandTask::silentFailure(const Outcome& outcome) const {
-    if (outcome.error || outcome.commands.empty() || silence() == Silence::irrelevant) {
-        return std::nullopt;
-    }
-    const int exitStatus = outcome.commands.back().terminationStatus.value_or(0);
-    if (exitStatus == 0 || (exitStatus == 1 && silence() == Silence::answer)) {
-        return std::nullopt;
-    }
-    return nebsc::silence(exitStatus);
-}
-
 Reply CommandTask::replyTo(const Outcome& outcome) {
     Reply reply;
     if (outcome.result) {
         reply.standardOutput = textOfResult(*outcome.result);
     }
-    if (outcome.error) {
-        reply.standardError = errorLines(*outcome.error);
-        reply.exitStatus = exitFailed;
-    } else if (const auto failure = silentFailure(outcome)) {
-        reply = refusal(*failure, exitFailed);
-    } else {
+    if (!noteFailure(reply, outcome, silence())) {
         conclude(outcome, reply);
     }
     if (_call.isJSON) {
         reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
     }
     noteReports(reply, outcome);
+    noteLeftFolder(reply, outcome);
     noteHeldOutput(reply, outcome);
     return reply;
 }
@@ -171,24 +150,45 @@ std::optional<std::string> CommandTask::answer(std::vector<std::string> argument
     return answerOf(ask(std::move(arguments)));
 }
 
-std::vector<std::string> CommandTask::filesInConflict(const std::vector<std::string>& paths) {
-    std::vector<std::string> question{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
-    question.insert(question.end(), paths.begin(), paths.end());
-    const ChildOutcome outcome = ask(std::move(question));
-    return outcome.status.isSuccess() ? textsOf(outcome.output) : std::vector<std::string>();
-}
-
 std::optional<std::string> CommandTask::latestCommit() {
     return answer({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }
 
 // ---- what to say ------------------------------------------------------------------------------
 
+bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const {
+    if (outcome.error) {
+        reply.standardError += errorLines(*outcome.error);
+    } else if (const int status = silentExitStatus(outcome);
+               status == 0 || silence == Silence::irrelevant ||
+               (status == 1 && silence == Silence::answer)) {
+        return false;
+    } else {
+        reply.standardError += complaint(sentenceOfSilence(status));
+    }
+    reply.exitStatus = exitFailed;
+    return true;
+}
+
+void CommandTask::noteConflicts(Reply& reply, std::string_view sentence,
+                                const std::vector<std::string>& paths) {
+    std::vector<std::string> question{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
+    question.insert(question.end(), paths.begin(), paths.end());
+    const ChildOutcome outcome = ask(std::move(question));
+    if (!outcome.status.isSuccess()) {
+        reply.standardError += failureOf(outcome).standardError;
+        reply.exitStatus = exitFailed;
+    } else if (!outcome.output.empty()) {
+        reply.standardError += complaintAbout(sentence, textsBetweenNULs(outcome.output));
+        reply.exitStatus = exitFailed;
+    }
+}
+
 Reply CommandTask::failureOf(const ChildOutcome& question) const {
     const std::string& words = question.errorOutput;
     if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
         return refusal(question.status.exitStatus()
-                           ? nebsc::silence(*question.status.exitStatus())
+                           ? sentenceOfSilence(*question.status.exitStatus())
                            : "git did not answer: " + question.status.description() + ".",
                        exitFailed);
     }

@@ -62,13 +62,13 @@ protected:
     /// What is left to do and to say after a success.
     virtual void conclude(const Outcome& outcome, Reply& reply);
 
-    // ---- what a command may use
+    // ---- what a command may use, from look() on
 
     [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
     /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
-    /// Good after findPlace().
     [[nodiscard]] const WorkingCopyPlace& place() const { return _place; }
+    /// Good in findPlace() too, as are the arguments and the paths.
     [[nodiscard]] const std::string& currentFolder() const { return _place.currentFolder; }
     [[nodiscard]] Interruption& interruption() { return _interruption; }
 
@@ -84,11 +84,15 @@ protected:
     [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
     /// Its answer without the line end; nothing when git failed or was silent.
     [[nodiscard]] std::optional<std::string> answer(std::vector<std::string> arguments);
-    /// The files in conflict that lie at or below the paths (all, without paths), from the top.
-    [[nodiscard]] std::vector<std::string> filesInConflict(const std::vector<std::string>& paths);
     /// The latest commit, 12 characters; nothing when there is none.
     [[nodiscard]] std::optional<std::string> latestCommit();
 
+    /// Says how an outcome failed, and answers whether it did.
+    bool noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const;
+    /// Says which files at or below the paths (all, without paths) are in conflict, behind the
+    /// sentence; the command has failed then.
+    void noteConflicts(Reply& reply, std::string_view sentence,
+                       const std::vector<std::string>& paths);
     /// That a question failed, in git's words.
     [[nodiscard]] Reply failureOf(const ChildOutcome& question) const;
     /// The reply where there is no working copy, in git's words; nothing where there is one.
@@ -102,7 +106,6 @@ protected:
 private:
     [[nodiscard]] Reply work();
     [[nodiscard]] std::optional<Reply> readPaths();
-    [[nodiscard]] std::optional<std::string> silentFailure(const Outcome& outcome) const;
     [[nodiscard]] Reply replyTo(const Outcome& outcome);
 
     const CommandCall& _call;

@@ -1,5 +1,7 @@
 #include "GitProgram.h"
 
+#include <algorithm>
+
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 
@@ -34,6 +36,16 @@ std::optional<std::string> answerOf(const ChildOutcome& outcome) {
     }
     const std::size_t lineEnd = outcome.output.ends_with('\n') ? 1 : 0;
     return outcome.output.substr(0, outcome.output.size() - lineEnd);
+}
+
+std::vector<std::string> textsBetweenNULs(std::string_view bytes) {
+    std::vector<std::string> texts;
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find('\0'), bytes.size());
+        texts.emplace_back(bytes.substr(0, end));
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return texts;
 }
 
 std::optional<std::string> workingCopyTop(Interruption& interruption, const std::string& folder) {

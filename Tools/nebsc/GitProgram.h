@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Interruption.h"
@@ -17,6 +18,9 @@ namespace neb::nebsc {
 
 /// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
 [[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
+
+/// The texts of an output made with "-z": a NUL byte ends each.
+[[nodiscard]] std::vector<std::string> textsBetweenNULs(std::string_view bytes);
 
 /// The top of the working copy in which the folder lies, as git writes it; nothing when it lies in
 /// none or git cannot tell.

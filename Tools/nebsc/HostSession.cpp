@@ -1,5 +1,8 @@
 #include "HostSession.h"
 
+#include "MissingFolder.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "ReportCapture.h"
 
 namespace neb::nebsc {
@@ -15,6 +18,28 @@ void runOperation(NEBSourceControlOperation& operation, const HostSession::Runne
     outcome.result = operation.result();
     outcome.error = operation.error();
     outcome.outputWasHeldOpen = operation.outputWasHeldOpen();
+}
+
+bool hasFailed(const Outcome& outcome) {
+    return outcome.error || outcome.commands.empty() ||
+           outcome.commands.back().terminationStatus != 0;
+}
+
+/// git runs in the folder into which it clones.
+void runClone(NEBSourceControlOperation& operation, const std::string& destination,
+              const HostSession::Runner& run, Outcome& outcome) {
+    MissingFolder folder(destination);
+    if (const auto failure = folder.make()) {
+        outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
+    } else {
+        runOperation(operation, run, outcome);
+        if (!hasFailed(outcome)) {
+            folder.keep();
+        }
+    }
+    if (const auto failure = folder.removeAgain()) {
+        outcome.leftFolder = failure->description;
+    }
 }
 
 }  // namespace
@@ -33,7 +58,10 @@ Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>&
         if (const auto operation = _controller->operationForRequest(request)) {
             outcome.operation = operation->className();
             outcome.command = operation->command();
-            if (run) {
+            const std::string* destination = request->destination.string();
+            if (run && request->type == NEBSourceControlRequestClone && destination != nullptr) {
+                runClone(*operation, *destination, run, outcome);
+            } else if (run) {
                 runOperation(*operation, run, outcome);
             }
         }

@@ -39,6 +39,10 @@ public:
         : _controller(std::move(controller)) {}
 
     /// Carries the request out. Without a runner the operation is made and not run.
+    ///
+    /// A clone needs its destination to be there: where it is missing it is made, with the folders
+    /// on the way, before the operation runs, and removed again when that fails or is cancelled. A
+    /// destination that was there is never removed.
     [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request,
                                       const Runner& run) const;
 

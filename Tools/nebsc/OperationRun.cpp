@@ -22,6 +22,12 @@ void noteReports(Reply& reply, const Outcome& outcome) {
     }
 }
 
+void noteLeftFolder(Reply& reply, const Outcome& outcome) {
+    if (!outcome.leftFolder.empty()) {
+        reply.standardError += complaint(outcome.leftFolder);
+    }
+}
+
 void noteHeldOutput(Reply& reply, const Outcome& outcome) {
     if (outcome.outputWasHeldOpen) {
         reply.standardError += complaint(

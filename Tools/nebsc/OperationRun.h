@@ -17,6 +17,9 @@ namespace neb::nebsc {
 /// Tells of broken preconditions, when there were any.
 void noteReports(Reply& reply, const Outcome& outcome);
 
+/// Tells of a folder that is left after a failure, when there is one.
+void noteLeftFolder(Reply& reply, const Outcome& outcome);
+
 /// Says that output may be missing, when it may.
 void noteHeldOutput(Reply& reply, const Outcome& outcome);
 

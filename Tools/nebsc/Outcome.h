@@ -32,6 +32,9 @@ struct Outcome {
     /// Whether a left-over process still held the child's output open, so that more may have been
     /// written than was read.
     bool outputWasHeldOpen = false;
+    /// Why a folder that had been made for the operation is still there after its failure: one
+    /// sentence. Empty as a rule.
+    std::string leftFolder;
 };
 
 }  // namespace neb::nebsc

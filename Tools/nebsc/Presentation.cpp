@@ -111,6 +111,10 @@ std::string printable(std::string_view bytes) {
     return result;
 }
 
+std::string inQuotes(std::string_view text) {
+    return std::string("\"").append(text).append("\"");
+}
+
 bool wantsColour(int descriptor) {
     const auto variable = [](const char* name) {
         const char* value = std::getenv(name);

@@ -12,6 +12,9 @@ namespace neb::nebsc {
 /// written out ("\n", "\t", "\x1b", "\u009b"), each byte that is no UTF-8 becomes U+FFFD.
 [[nodiscard]] std::string printable(std::string_view bytes);
 
+/// The text between quotes, as it is.
+[[nodiscard]] std::string inQuotes(std::string_view text);
+
 /// The colours in which states are shown, as terminals name them.
 enum class Colour { none, red, boldRed, green, yellow, cyan };
 

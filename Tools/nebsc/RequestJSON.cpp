@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 #include "RequestMembers.h"
 
@@ -219,6 +220,21 @@ constexpr Member<NEBSourceControlRequest> requestMembers[] = {
      }},
 };
 
+/// A clone runs in its destination, and hands it on to git: a relative one would mean whatever
+/// folder nebsc happens to be in, and "~" two folders.
+bool refuseRelativeClone(Refusal& refusal, const NEBSourceControlRequest& request) {
+    const NEBValue& destination = request.destination;
+    const bool isRelative = destination.isPresent() && (destination.string() == nullptr ||
+                                                        !destination.string()->starts_with('/'));
+    if (request.type == NEBSourceControlRequestClone && isRelative) {
+        refusal.sentence = subjectAt("destination") + " is \"" +
+                           shortened(destination.description()) +
+                           "\"; for a clone an absolute path was expected, from \"/\" on.";
+        return false;
+    }
+    return true;
+}
+
 bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest& request) {
     const Place place{root, ""};
     if (root.kind != Kind::object) {
@@ -229,7 +245,10 @@ bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest
     }
     const bool hasType = std::any_of(root.children.begin(), root.children.end(),
                                      [](const JSONNode& child) { return child.name == "type"; });
-    return hasType || refusal.wrongValue({root, "type"}, "is missing; an integer was expected");
+    if (!hasType) {
+        return refusal.wrongValue({root, "type"}, "is missing; an integer was expected");
+    }
+    return refuseRelativeClone(refusal, request);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 // "isValid" are true, "isRemoteDistributedRepository" (of a repository only) is false.
 // "destination", the revisions, the elements of "files" and the values of "options" are any JSON
 // scalar: a number that is no 64-bit integer becomes an object whose description is the number as
-// it was written.
+// it was written. The destination of a clone, where it has one, is an absolute path.
 #pragma once
 
 #include <memory>

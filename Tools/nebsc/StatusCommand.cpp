@@ -123,8 +123,8 @@ void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
     if (outcome.result && !outcome.result->empty()) {
         return;
     }
-    const std::string workingCopy = '"' + lastPathComponent(place().location) + '"';
-    const std::string asked = '"' + arguments().value("PATH").value_or("") + '"';
+    const std::string workingCopy = inQuotes(lastPathComponent(place().location));
+    const std::string asked = inQuotes(arguments().value("PATH").value_or(""));
     if (_path && !isAnythingAt(*_path)) {
         reply = refusal("There is no file or folder " + asked +
                             ", neither on disk nor in the working copy " + workingCopy + ".",

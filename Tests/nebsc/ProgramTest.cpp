@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "Command.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 
@@ -25,10 +26,23 @@ TEST(Program, HelpShowsCommandsAndExamples) {
     EXPECT_EQ(runNebsc({"-h"}).output, alone.output);
 }
 
-TEST(Program, ACommandHasHelpOfItsOwn) {
-    const NebscOutcome outcome = runNebsc({"request", "--help"});
-    EXPECT_THAT(outcome.output, HasSubstr("--dry-run"));
-    EXPECT_EQ(outcome.exitStatus, 0);
+TEST(Program, EachCommandIsListedAndHasHelpWithAnExample) {
+    const std::string help = runNebsc({"--help"}).output;
+    const auto commands = nebsc::allCommands();
+    EXPECT_GE(commands.size(), 16U);
+    for (const nebsc::Command* command : commands) {
+        const std::string name(command->name);
+        EXPECT_THAT(help, HasSubstr("\n  " + name + " "));
+        EXPECT_THAT(help, HasSubstr(std::string(command->summary)));
+        const NebscOutcome outcome = runNebsc({name, "--help"});
+        EXPECT_THAT(outcome.output,
+                    testing::ContainsRegex("\nExamples?:\n(.*\n)* .*nebsc " + name));
+        for (const nebsc::Parameter& parameter : command->parameters) {
+            EXPECT_THAT(outcome.output, HasSubstr("\n  " + std::string(parameter.name))) << name;
+        }
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
 }
 
 TEST(Program, AMistakeIsNamedInOneLine) {

@@ -18,8 +18,24 @@ const std::vector<std::string>& Arguments::all(std::string_view name) const {
 }
 
 std::span<const Command* const> allCommands() {
-    static constexpr std::array<const Command*, 3> commands{
+    static constexpr std::array commands{
         &statusCommand,
+        &addCommand,
+        &removeCommand,
+        &moveCommand,
+        &copyCommand,
+        &makeDirectoryCommand,
+        &revertCommand,
+        &commitCommand,
+        //
+        &checkoutCommand,
+        &mergeCommand,
+        &mergeBaseCommand,
+        //
+        &initCommand,
+        &cloneCommand,
+        &infoCommand,
+        //
         &requestCommand,
         &typesCommand,
     };

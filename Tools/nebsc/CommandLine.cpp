@@ -26,12 +26,39 @@ Exit status: 0 done, 1 the operation failed, 2 the call cannot be understood.
 constexpr const char* commonOptions =
     "--json and --plugin FILE may stand here too; see nebsc --help.\n";
 
+// CLI11 takes a word in brackets for a list where more than one word may stand, though a file may
+// be called "[a]"; and it forgets "--" behind the first of many words. So a word that is no option,
+// whatever it looks like, is given a beginning of its own, and loses it when it is read.
+constexpr char shield = '\x1f';
+
+std::string unshielded(const std::string& word) {
+    return word.starts_with(shield) ? word.substr(1) : word;
+}
+
+/// The words of the call from the last to the first, as CLI11 wants them.
+std::vector<std::string> shieldedWords(int argc, const char* const* argv) {
+    std::vector<std::string> words;
+    bool areOptionsOver = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (areOptionsOver || word.starts_with('[') || word.starts_with(shield)) {
+            words.push_back(shield + word);
+        } else if (word == "--") {
+            areOptionsOver = true;
+        } else {
+            words.push_back(word);
+        }
+    }
+    std::reverse(words.begin(), words.end());
+    return words;
+}
+
 /// The reader of one command line, made from the rows of all commands.
 class Reader {
 public:
     Reader();
 
-    void parse(int argc, const char* const* argv) { _app.parse(argc, argv); }
+    void parse(int argc, const char* const* argv) { _app.parse(shieldedWords(argc, argv)); }
 
     [[nodiscard]] Call call() const;
     /// The command that stands in the call; absent when there is none.
@@ -68,8 +95,7 @@ void addParameter(CLI::App& app, const Parameter& parameter) {
     CLI::Option* option = app.add_option(name)->description(help);
     option->type_name(std::string(parameter.valueName));
     if (parameter.occurs == Occurs::anyNumber || parameter.occurs == Occurs::oneOrMore) {
-        // Extra arguments would let it read a name like "[a]" as a list.
-        option->expected(-1)->allow_extra_args(false);
+        option->expected(CLI::detail::expected_max_vector_size);
     }
     option->required(parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore);
 }
@@ -91,6 +117,16 @@ Reader::Reader() {
     }
 }
 
+/// The values of a parameter that stands in the call.
+std::vector<std::string> valuesOf(const CLI::Option& option, const Parameter& parameter) {
+    if (parameter.takes == Takes::nothing) {
+        return std::vector<std::string>(1);
+    }
+    std::vector<std::string> values = option.results();
+    std::transform(values.begin(), values.end(), values.begin(), unshielded);
+    return values;
+}
+
 void Reader::addCommand(const Command& command) {
     CLI::App* app = _app.add_subcommand(std::string(command.name), std::string(command.summary));
     app->group(std::string(command.group));
@@ -101,7 +137,8 @@ void Reader::addCommand(const Command& command) {
 }
 
 Call Reader::call() const {
-    Call call{.command = nullptr, .arguments = {}, .plugIn = _plugIn, .isJSON = _isJSON};
+    Call call{
+        .command = nullptr, .arguments = {}, .plugIn = unshielded(_plugIn), .isJSON = _isJSON};
     const CLI::App* app = command();
     if (app == nullptr || _isVersion) {
         return call;
@@ -113,9 +150,7 @@ Call Reader::call() const {
     for (const Parameter& parameter : call.command->parameters) {
         const CLI::Option* option = app->get_option(longName(parameter));
         if (option->count() > 0) {
-            call.arguments.set(longName(parameter), parameter.takes == Takes::nothing
-                                                        ? std::vector<std::string>(1)
-                                                        : option->results());
+            call.arguments.set(longName(parameter), valuesOf(*option, parameter));
         }
     }
     return call;
@@ -126,6 +161,7 @@ Reply helpReply(std::string text) {
 }
 
 Reply refusedCall(std::string reason, const CLI::App* command) {
+    std::erase(reason, shield);
     if (!reason.empty() && reason.back() == '.') {
         reason.pop_back();
     }

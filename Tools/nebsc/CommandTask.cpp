@@ -150,6 +150,10 @@ std::optional<std::string> CommandTask::answer(std::vector<std::string> argument
     return answerOf(ask(std::move(arguments)));
 }
 
+ChildOutcome CommandTask::askForCommit(const std::string& revision) {
+    return ask({"rev-parse", "--verify", "--quiet", "--end-of-options", revision + "^{commit}"});
+}
+
 std::optional<std::string> CommandTask::latestCommit() {
     return answer({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }

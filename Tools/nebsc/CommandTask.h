@@ -65,6 +65,7 @@ protected:
     // ---- what a command may use, from look() on
 
     [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
+    [[nodiscard]] bool isJSON() const { return _call.isJSON; }
     /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
     [[nodiscard]] const WorkingCopyPlace& place() const { return _place; }
@@ -84,6 +85,9 @@ protected:
     [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
     /// Its answer without the line end; nothing when git failed or was silent.
     [[nodiscard]] std::optional<std::string> answer(std::vector<std::string> arguments);
+    /// The question for the commit that a revision stands for; git fails with exit status 1 and
+    /// silently when there is none.
+    [[nodiscard]] ChildOutcome askForCommit(const std::string& revision);
     /// The latest commit, 12 characters; nothing when there is none.
     [[nodiscard]] std::optional<std::string> latestCommit();
 

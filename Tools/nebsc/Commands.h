@@ -8,11 +8,30 @@
 namespace neb::nebsc {
 
 // The headings under which the help lists commands.
-inline constexpr std::string_view workingCopyGroup = "Working copies";
+inline constexpr std::string_view workingCopyGroup = "Working copy";
+inline constexpr std::string_view revisionsGroup = "Branches and revisions";
+inline constexpr std::string_view repositoriesGroup = "Repositories";
 inline constexpr std::string_view programsGroup = "For programs";
 
 // ---- working copies
 extern const Command statusCommand;
+extern const Command addCommand;
+extern const Command removeCommand;
+extern const Command moveCommand;
+extern const Command copyCommand;
+extern const Command makeDirectoryCommand;
+extern const Command revertCommand;
+extern const Command commitCommand;
+
+// ---- branches and revisions
+extern const Command checkoutCommand;
+extern const Command mergeCommand;
+extern const Command mergeBaseCommand;
+
+// ---- repositories
+extern const Command initCommand;
+extern const Command cloneCommand;
+extern const Command infoCommand;
 
 // ---- requests
 /// Reads a request, carries it out, and says what came of it, in JSON.

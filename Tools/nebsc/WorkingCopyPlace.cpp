@@ -11,12 +11,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// With an end "/", a link would be followed.
+fs::path withoutEndSlashes(std::string path) {
+    while (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
+    }
+    return path;
+}
+
 fs::path resolved(const fs::path& path, std::error_code& failure) {
     const fs::path name = path.filename();
     if (name.empty() || name == "." || name == "..") {
-        const fs::path whole = fs::weakly_canonical(path, failure);
-        // Where nothing is, the "/" at the end was kept.
-        return whole.has_filename() ? whole : whole.parent_path();
+        return withoutEndSlashes(fs::weakly_canonical(path, failure).string());
     }
     return fs::weakly_canonical(path.parent_path(), failure) / name;
 }
@@ -34,7 +40,7 @@ PathSearch findCurrentFolder() {
 
 PathSearch findAbsolutePath(const std::string& currentFolder, const std::string& path) {
     std::error_code failure;
-    const fs::path absolute = resolved(fs::path(currentFolder) / path, failure);
+    const fs::path absolute = resolved(fs::path(currentFolder) / withoutEndSlashes(path), failure);
     if (failure) {
         return {std::nullopt,
                 "The path \"" + path + "\" cannot be looked up: " + failure.message() + "."};

@@ -1,0 +1,186 @@
+// `nebsc checkout`, run as a program.
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using JSON = nlohmann::ordered_json;
+
+class CheckoutCommand : public CommandTest {
+protected:
+    /// A branch "topic" that differs in a.c and in src/b.c.
+    void SetUp() override {
+        repository.commitFile("a.c", "1\n2\n3\n4\n5\n6\n");
+        repository.commitFile("src/b.c", "first\n");
+        repository.git({"checkout", "--quiet", "-b", "topic"});
+        repository.commitFile("a.c", "one\n2\n3\n4\n5\n6\n");
+        repository.commitFile("src/b.c", "topic\n");
+        repository.git({"checkout", "--quiet", "main"});
+    }
+    [[nodiscard]] std::string branch() const {
+        return repository.git({"rev-parse", "--abbrev-ref", "HEAD"});
+    }
+    /// A clone's place: a remote "origin" that is the repository itself.
+    void makeRemote() const {
+        repository.git({"remote", "add", "origin", repository.path()});
+        repository.git({"fetch", "--quiet", "origin"});
+    }
+};
+
+TEST_F(CheckoutCommand, SwitchesToABranchFromAnyFolder) {
+    expectDone(nebsc({"checkout", "topic"}, "src"), "Now on topic.\n");
+    EXPECT_EQ(branch(), "topic\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    repository.git({"branch", "zwölf/日"});
+    expectDone(nebsc({"checkout", "zwölf/日"}), "Now on zwölf/日.\n");
+}
+
+TEST_F(CheckoutCommand, CarriesLocalChangesOver) {
+    repository.write("a.c", "1\n2\n3\n4\n5\nsix\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    EXPECT_EQ(state(), " M a.c\n");
+}
+
+TEST_F(CheckoutCommand, NamesTheFilesThatAreInConflictNow) {
+    repository.write("a.c", "uno\n2\n3\n4\n5\n6\n");
+    repository.write("src/b.c", "mine\n");
+    const NebscOutcome outcome = nebsc({"checkout", "topic"}, "src");
+    EXPECT_EQ(outcome.output, "Now on topic.\n");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: Local changes are in conflict with what was checked out, in:\n"
+              "    ../a.c\n"
+              "    b.c\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(CheckoutCommand, ConflictsCountWithJSONToo) {
+    repository.write("src/b.c", "mine\n");
+    const NebscOutcome outcome = nebsc({"checkout", "--json", "topic"});
+    EXPECT_TRUE(outcome.json()["error"].is_null());
+    EXPECT_EQ(outcome.json()["command"]["arguments"], JSON({"checkout", "topic", "--merge"}));
+    EXPECT_THAT(outcome.errors, HasSubstr("    src/b.c\n"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(CheckoutCommand, ARevisionIsOnNoBranch) {
+    const std::string commit = repository.git({"rev-parse", "topic~1"});
+    expectDone(nebsc({"checkout", "topic~1"}),
+               "Now at " + commit.substr(0, 12) + ", on no branch.\n");
+    expectDone(nebsc({"checkout", "main"}), "Now on main.\n");
+}
+
+TEST_F(CheckoutCommand, SaysWhichCommitsAreLeftBehind) {
+    repository.git({"checkout", "--quiet", "--detach"});
+    repository.commitFile("lost.c", "lost\n", "a lost commit");
+    const NebscOutcome outcome = nebsc({"checkout", "main"});
+    EXPECT_EQ(outcome.output, "Now on main.\n");
+    EXPECT_THAT(outcome.errors,
+                MatchesRegex("Warning: you are leaving 1 commit behind(.|\n)* a lost commit\n"
+                             "(.|\n)*git branch [^\n]*\n"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(CheckoutCommand, ShowsWhatAHookSays) {
+    repository.write(".git/hooks/post-checkout", "#!/bin/sh\nprintf 'hello\\033[2J\\n\\nbye\\n'\n");
+    fs::permissions(repository.path(".git/hooks/post-checkout"), fs::perms::owner_all);
+    for (const char* name : {"topic", "main~1"}) {
+        const NebscOutcome outcome = nebsc({"checkout", name});
+        EXPECT_EQ(outcome.errors, "hello\\x1b[2J\n\nbye\n");
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+}
+
+TEST_F(CheckoutCommand, AFilesNameIsNoBranch) {
+    repository.write("a.c", "mine\n");
+    repository.write("src/b.c", "mine\n");
+    for (const char* name : {"a.c", "src", "src/b.c", ".", "./a.c"}) {
+        expectFailed(nebsc({"checkout", name}),
+                     "nebsc: \"" + std::string(name) +
+                         "\" is no branch or revision but a file or folder; \"nebsc revert\" "
+                         "throws away its changes.\n");
+    }
+    expectFailed(nebsc({"checkout", "b.c"}, "src"), HasSubstr("nebsc revert"));
+    fs::remove(repository.path("a.c"));
+    expectFailed(nebsc({"checkout", "a.c"}), HasSubstr("nebsc revert"));
+    EXPECT_EQ(state(), " D a.c\n M src/b.c\n");
+}
+
+TEST_F(CheckoutCommand, ABranchIsABranchThoughAFileHasItsName) {
+    repository.write("topic", "mine\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    EXPECT_EQ(state(), "?? topic\n");
+}
+
+TEST_F(CheckoutCommand, ABranchOfARemoteBecomesOneOfOurs) {
+    makeRemote();
+    repository.git({"branch", "--quiet", "-D", "topic"});
+    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+}
+
+TEST_F(CheckoutCommand, WhatMayBeAFileOrABranchOfARemoteIsRefused) {
+    repository.commitFile("topic", "first\n");
+    makeRemote();
+    repository.git({"branch", "--quiet", "-D", "topic"});
+    repository.write("topic", "mine\n");
+    expectFailed(nebsc({"checkout", "topic"}),
+                 "nebsc: \"topic\" is a file or folder here, and a branch in another repository "
+                 "alone; which one is meant is not certain, so nothing was done.\n");
+    EXPECT_EQ(state(), " M topic\n");
+}
+
+TEST_F(CheckoutCommand, ANameThatIsNothingFails) {
+    expectFailed(nebsc({"checkout", "nosuch"}), HasSubstr("nosuch"));
+    expectFailed(nebsc({"checkout", "*"}), HasSubstr("*"));
+    expectFailed(nebsc({"checkout"}), HasSubstr("BRANCH"), 2);
+    EXPECT_EQ(nebsc({"checkout", ""}).exitStatus, 1);
+    EXPECT_EQ(branch(), "main\n");
+}
+
+TEST_F(CheckoutCommand, AValueLikeAnOptionIsRefused) {
+    expectFailed(nebsc({"checkout", "--", "--orphan=x"}),
+                 "nebsc: \"--orphan=x\" begins with \"-\"; it is refused, as git would take it "
+                 "for an option.\n",
+                 2);
+    EXPECT_EQ(branch(), "main\n");
+}
+
+TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
+    const TemporaryFolder folder;
+    folder.write("a.c", "mine\n");
+    for (const char* name : {"a.c", "topic"}) {
+        expectFailed(runNebsc({"checkout", name}, {.folder = folder.path()}),
+                     testing::StartsWith("nebsc: fatal: not a git repository"));
+    }
+}
+
+TEST_F(CheckoutCommand, AnUntrackedFileInTheWayStaysAsItIs) {
+    repository.git({"checkout", "--quiet", "topic"});
+    repository.commitFile("new.c", "new\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.write("new.c", "mine\n");
+    expectFailed(nebsc({"checkout", "topic"}), HasSubstr("new.c"));
+    EXPECT_EQ(state(), "?? new.c\n");
+}
+
+TEST_F(CheckoutCommand, AGitThatFailsWithoutAWordIsAFailure) {
+    const StandInGit git(repository.path(), "exit 128");
+    expectFailed(nebsc({"checkout", "topic"}, git),
+                 "nebsc: git told nothing and ended with exit status 128.\n");
+}
+
+TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {
+    const StandInGit git(repository.path(),
+                         "[ \"$2\" = diff ] && { echo 'fatal: no look' >&2; exit 128; }\n"
+                         "[ \"$2\" = symbolic-ref ] && echo topic\nexit 0");
+    const NebscOutcome outcome = nebsc({"checkout", "topic"}, git);
+    EXPECT_EQ(outcome.output, "Now on topic.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: fatal: no look\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,138 @@
+// `nebsc commit`, run as a program.
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using JSON = nlohmann::ordered_json;
+
+class CommitCommand : public CommandTest {
+protected:
+    /// Two commits, then a staged and an unstaged change.
+    void SetUp() override {
+        repository.commitFile("a.c", "first\n");
+        repository.commitFile("src/b é.c", "first\n");
+        repository.write("a.c", "second\n");
+        repository.write("src/b é.c", "second\n");
+        repository.git({"add", "a.c"});
+    }
+    [[nodiscard]] std::string latest(const char* format) const {
+        return repository.git({"log", "-1", std::string("--format=") + format});
+    }
+    void expectCommitted(const NebscOutcome& outcome) const {
+        EXPECT_THAT(outcome.output, MatchesRegex("Committed [0-9a-f]+\\.\n"));
+        const std::string revision = outcome.output.substr(10, outcome.output.find('.') - 10);
+        EXPECT_THAT(latest("%H"), testing::StartsWith(revision));
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+};
+
+TEST_F(CommitCommand, RecordsWhatIsStaged) {
+    expectCommitted(nebsc({"commit", "-m", "Say \"hello\"\n\nat length"}, "src"));
+    EXPECT_EQ(latest("%B"), "Say \"hello\"\n\nat length\n\n");
+    EXPECT_EQ(state(), " M \"src/b é.c\"\n");
+}
+
+TEST_F(CommitCommand, RecordsTheNamedFilesAlone) {
+    expectCommitted(nebsc({"commit", "--message=one file", "b é.c"}, "src"));
+    EXPECT_EQ(state(), "M  a.c\n");
+    expectCommitted(nebsc({"commit", "-m", "-dash", "--", "../a.c"}, "src"));
+    EXPECT_EQ(latest("%s"), "-dash\n");
+    EXPECT_EQ(state(), "");
+}
+
+TEST_F(CommitCommand, TheFirstCommitAndOneOnNoBranchHaveNamesToo) {
+    repository.git({"commit", "--quiet", "-m", "all"});
+    repository.git({"checkout", "--quiet", "--detach"});
+    const NebscOutcome detached = nebsc({"commit", "-m", "x", "--allow-empty"});
+    expectCommitted(detached);
+    EXPECT_EQ(detached.output.size(), std::string("Committed 0123456789ab.\n").size());
+    const TestRepository empty;
+    const NebscOutcome first =
+        runNebsc({"commit", "--allow-empty", "-m", "x"}, {.folder = empty.path()});
+    EXPECT_EQ(first.output,
+              "Committed " + empty.git({"log", "-1", "--format=%H"}).substr(0, 12) + ".\n");
+}
+
+TEST_F(CommitCommand, AMessageIsAskedForAtOnce) {
+    expectFailed(nebsc({"commit"}), "nebsc: --message is required (see nebsc commit --help).\n", 2);
+    expectFailed(nebsc({"commit", "a.c"}), HasSubstr("--message is required"), 2);
+    expectFailed(nebsc({"commit", "-m"}), HasSubstr("-m"), 2);
+    EXPECT_EQ(state(), "M  a.c\n M \"src/b é.c\"\n");
+}
+
+TEST_F(CommitCommand, AnEmptyMessageIsRefusedByGit) {
+    expectFailed(nebsc({"commit", "-m", ""}), testing::ContainsRegex("empty.*message"));
+}
+
+TEST_F(CommitCommand, NothingToCommitIsTold) {
+    repository.git({"commit", "--quiet", "--all", "-m", "all"});
+    expectFailed(nebsc({"commit", "-m", "x"}), HasSubstr("nothing to commit"));
+    const NebscOutcome json = nebsc({"commit", "--json", "-m", "x"});
+    EXPECT_EQ(json.json()["error"]["class"], "nothing-to-commit");
+    EXPECT_EQ(json.exitStatus, 1);
+    expectCommitted(nebsc({"commit", "-m", "x", "--allow-empty"}));
+}
+
+TEST_F(CommitCommand, AFileThatGitDoesNotKnowIsNamed) {
+    repository.write("mine.c", "");
+    expectFailed(nebsc({"commit", "-m", "x", "mine.c"}), HasSubstr("mine.c"));
+}
+
+TEST_F(CommitCommand, AHookThatRefusesIsTold) {
+    const std::string hook = repository.path(".git/hooks/pre-commit");
+    repository.write(".git/hooks/pre-commit", "#!/bin/sh\necho 'no tabs, please'\nexit 1\n");
+    std::filesystem::permissions(hook, std::filesystem::perms::owner_all);
+    expectFailed(nebsc({"commit", "-m", "x"}),
+                 testing::AllOf(HasSubstr("hook"), HasSubstr("no tabs, please")));
+    repository.write(".git/hooks/pre-commit", "#!/bin/sh\nexit 1\n");
+    expectFailed(nebsc({"commit", "-m", "x"}), HasSubstr("hook"));
+}
+
+TEST_F(CommitCommand, AnUnknownIdentityIsTold) {
+    const TemporaryFolder home;
+    const NebscOutcome outcome =
+        runNebsc({"commit", "-m", "x"}, {.folder = repository.path(),
+                                         .variables = {{"HOME", home.path()},
+                                                       {"XDG_CONFIG_HOME", home.path()},
+                                                       {"GIT_AUTHOR_NAME", std::nullopt},
+                                                       {"GIT_CONFIG_COUNT", "1"},
+                                                       {"GIT_CONFIG_KEY_0", "user.useConfigOnly"},
+                                                       {"GIT_CONFIG_VALUE_0", "true"},
+                                                       {"EMAIL", std::nullopt}}});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("identity"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(CommitCommand, JSONIsTheOutcomeAlone) {
+    const NebscOutcome outcome = nebsc({"commit", "--json", "-m", "x", "--allow-empty"}, "src");
+    const JSON json = outcome.json();
+    EXPECT_EQ(json["command"]["arguments"], JSON({"commit", "--allow-empty", "-m", "x", "--"}));
+    EXPECT_THAT(latest("%H"),
+                testing::StartsWith(
+                    json["result"][0]["NEBSourceControlOperationRevisionKey"].get<std::string>()));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(CommitCommand, AGitThatFailsWithoutAWordIsAFailure) {
+    const StandInGit git(repository.path(), "exit 128");
+    expectFailed(nebsc({"commit", "-m", "x"}, git),
+                 "nebsc: git told nothing and ended with exit status 128.\n");
+}
+
+TEST_F(CommitCommand, WithoutARevisionToTellItIsSilent) {
+    const TemporaryFolder bin;
+    bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] && echo one-word\n[ \"$1\" = commit ]");
+    const NebscOutcome outcome = runNebsc(
+        {"commit", "-m", "x"}, {.folder = repository.path(), .variables = {{"PATH", bin.path()}}});
+    expectDone(outcome);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,85 @@
+// `nebsc info`, run as a program.
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+
+class InfoCommand : public CommandTest {
+protected:
+    void SetUp() override { repository.write("src/a.c", ""); }
+    void configure(const char* key, const char* value) const {
+        repository.git({"config", key, value});
+    }
+};
+
+TEST_F(InfoCommand, ShowsOriginAndTheTop) {
+    configure("remote.origin.url", "https://example.org/demo.git");
+    expectDone(nebsc({"info"}, "src"),
+               "origin      https://example.org/demo.git\n"
+               "root        " +
+                   repository.path() + "\n");
+    const NebscOutcome json = nebsc({"info", "--json"});
+    EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationRemoteOriginKey"],
+              "https://example.org/demo.git");
+    EXPECT_EQ(json.errors, "");
+}
+
+TEST_F(InfoCommand, ShowsTheSubversionRepositoryBehindTheBridge) {
+    configure("svn-remote.svn.url", "file:///svn/demo");
+    expectDone(nebsc({"info"}),
+               "Subversion  file:///svn/demo\n"
+               "root        " +
+                   repository.path() + "\n");
+}
+
+TEST_F(InfoCommand, WithoutEitherThatIsToldPlainly) {
+    configure("remote.upstream.url", "https://example.org/demo.git");
+    expectDone(nebsc({"info"}),
+               "The repository \"repository\" has no remote \"origin\" and none of Subversion.\n");
+}
+
+TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
+    const TemporaryFolder folder;
+    expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
+                 testing::StartsWith("nebsc: fatal: not a git repository"));
+    const NebscOutcome json = runNebsc({"info", "--json"}, {.folder = folder.path()});
+    EXPECT_EQ(json.json()["type"], 19);
+    EXPECT_THAT(json.errors, HasSubstr("not a git repository"));
+    EXPECT_EQ(json.exitStatus, 1);
+}
+
+TEST_F(InfoCommand, TheUsersOwnConfigurationMakesNoRepository) {
+    const TemporaryFolder folder;
+    folder.write(".gitconfig", "[remote \"origin\"]\n\turl = https://example.org/x\n");
+    expectFailed(
+        runNebsc({"info"}, {.folder = folder.path(), .variables = {{"HOME", folder.path()}}}),
+        testing::StartsWith("nebsc: fatal: not a git repository"));
+}
+
+TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
+    // What git says of a repository that belongs to another user; config is silent then.
+    const TemporaryFolder bin;
+    bin.writeProgram("git",
+                     "#!/bin/sh\n[ \"$1\" = config ] && exit 1\n"
+                     "echo \"fatal: detected dubious ownership in repository at '/x'\" >&2\n"
+                     "exit 128\n");
+    expectFailed(runNebsc({"info"}, {.folder = repository.path(),
+                                     .variables = {{"PATH", bin.path() + ":/usr/bin:/bin"}}}),
+                 HasSubstr("dubious ownership"));
+}
+
+TEST_F(InfoCommand, AFailureWithoutAWordIsNoAnswer) {
+    const StandInGit git(repository.path(), "exit 3");
+    expectFailed(nebsc({"info"}, git), "nebsc: git told nothing and ended with exit status 3.\n");
+}
+
+TEST_F(InfoCommand, AConfigurationThatCannotBeReadIsTold) {
+    repository.write(".git/config", "[broken\n");
+    expectFailed(nebsc({"info"}), HasSubstr("config"));
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,278 @@
+// `nebsc init` and `nebsc clone`, run as a program.
+
+#include <signal.h>
+
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+#include "Support/HygienicTest.h"
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+using JSON = nlohmann::ordered_json;
+
+/// In an empty folder, beside a repository with one commit.
+class RepositoryCommands : public CommandTest {
+protected:
+    void SetUp() override { repository.commitFile("a.c", "first\n"); }
+
+    [[nodiscard]] NebscOutcome here(const std::vector<std::string>& words) const {
+        return runNebsc(words, {.folder = folder.path()});
+    }
+    [[nodiscard]] NebscOutcome here(const std::vector<std::string>& words,
+                                    const StandInGit& git) const {
+        return runNebsc(words, {.folder = folder.path(), .variables = {git.path()}});
+    }
+    [[nodiscard]] bool isHere(std::string_view name) const {
+        return fs::exists(fs::symlink_status(folder.path(name)));
+    }
+
+    TemporaryFolder folder;
+};
+
+// ---- init -------------------------------------------------------------------------------------
+
+TEST_F(RepositoryCommands, InitMakesARepositoryHereOrInAFolder) {
+    expectDone(here({"init"}), "Made an empty repository in \"" + folder.path() + "\".\n");
+    EXPECT_EQ(folder.read(".git/info/exclude"), ".DS_Store\nUserInterface.vkuserstate");
+    expectDone(here({"init", "on the way/Grüße/"}),
+               "Made an empty repository in \"" + folder.path("on the way/Grüße") + "\".\n");
+    EXPECT_TRUE(isHere("on the way/Grüße/.git/HEAD"));
+}
+
+TEST_F(RepositoryCommands, InitMakesABareOne) {
+    expectDone(here({"init", "--bare", "on/the way/demo.git"}),
+               "Made an empty repository in \"" + folder.path("on/the way/demo.git") + "\".\n");
+    EXPECT_TRUE(isHere("on/the way/demo.git/HEAD"));
+    EXPECT_FALSE(isHere("on/the way/demo.git/.git"));
+}
+
+TEST_F(RepositoryCommands, InitLeavesARepositoryThatIsThereAlone) {
+    folder.write("demo/file", "");
+    EXPECT_EQ(here({"init", "demo"}).exitStatus, 0);
+    EXPECT_EQ(here({"init", "--bare", "bare.git"}).exitStatus, 0);
+    folder.write("demo/.git/info/exclude", "mine\n");
+    const std::string demo = folder.path("demo");
+    const std::string bare = folder.path("bare.git");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"init", "demo"}, {"init", "--bare", "demo"}}) {
+        expectFailed(here(words), "nebsc: There is a repository in \"" + demo +
+                                      "\" already; nothing was changed.\n");
+    }
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"init", "bare.git"}, {"init", "--bare", "bare.git"}}) {
+        expectFailed(here(words), "nebsc: There is a repository in \"" + bare +
+                                      "\" already; nothing was changed.\n");
+    }
+    expectFailed(runNebsc({"init"}, {.folder = demo}), StartsWith("nebsc: There is a repository"));
+    EXPECT_EQ(folder.read("demo/.git/info/exclude"), "mine\n");
+    EXPECT_FALSE(isHere("bare.git/.git"));
+}
+
+TEST_F(RepositoryCommands, InitBelowAnotherRepositoryIsOneOfItsOwn) {
+    EXPECT_EQ(here({"init"}).exitStatus, 0);
+    expectDone(here({"init", "inner"}),
+               "Made an empty repository in \"" + folder.path("inner") + "\".\n");
+    EXPECT_TRUE(isHere("inner/.git"));
+}
+
+TEST_F(RepositoryCommands, InitThatFailsRemovesWhatItMade) {
+    const TemporaryFolder bin;
+    bin.writeProgram("git",
+                     "#!/bin/sh\n[ \"$1\" = rev-parse ] && exit 1\n"
+                     "mkdir half\necho 'fatal: no room' >&2\nexit 128\n");
+    const auto failing = [&](const std::vector<std::string>& words) {
+        return runNebsc(words, {.folder = folder.path(),
+                                .variables = {{"PATH", bin.path() + ":/usr/bin:/bin"}}});
+    };
+    expectFailed(failing({"init", "a/b"}), "nebsc: fatal: no room\n");
+    expectFailed(failing({"init", "--bare", "c"}), "nebsc: fatal: no room\n");
+    EXPECT_TRUE(fs::is_empty(folder.path()));
+    fs::create_directory(folder.path("mine"));
+    expectFailed(failing({"init", "mine"}), "nebsc: fatal: no room\n");
+    EXPECT_TRUE(isHere("mine"));
+}
+
+TEST_F(RepositoryCommands, InitWhereNoFolderCanBeIsTold) {
+    folder.write("file", "");
+    expectFailed(here({"init", "file/demo"}), "nebsc: The folder \"" + folder.path("file/demo") +
+                                                  "\" could not be made: Not a directory.\n");
+    expectFailed(here({"init", "file"}), HasSubstr("\"" + folder.path("file") + "\""));
+    expectFailed(here({"init", "a", "b"}), HasSubstr("b"), 2);
+    expectFailed(here({"init", ""}), HasSubstr("The path is empty"), 2);
+}
+
+TEST_F(RepositoryCommands, InitWithJSONPrintsTheOutcomeAlone) {
+    const NebscOutcome outcome = here({"init", "--json", "demo"});
+    EXPECT_EQ(outcome.json()["command"]["arguments"], JSON({"init", "--quiet"}));
+    EXPECT_EQ(outcome.json()["command"]["currentDirectoryPath"], folder.path("demo"));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(here({"init", "--bare", "--json", "b"}).json()["command"]["arguments"],
+              JSON({"--git-dir=" + folder.path("b"), "init", "--bare", "--quiet"}));
+}
+
+// ---- clone ------------------------------------------------------------------------------------
+
+TEST_F(RepositoryCommands, CloneGoesIntoAFolderOfTheSameName) {
+    expectDone(here({"clone", repository.path()}),
+               "Cloned into \"" + folder.path("repository") + "\".\n");
+    EXPECT_EQ(folder.read("repository/a.c"), "first\n");
+    expectDone(runNebsc({"clone", "../repository/.git/"}, {.folder = folder.path("repository")}),
+               "Cloned into \"" + folder.path("repository/repository") + "\".\n");
+}
+
+TEST_F(RepositoryCommands, CloneNamesTheFolderAfterTheURL) {
+    const StandInGit git("", "exit 0");
+    const std::pair<const char*, const char*> rows[] = {
+        {"https://example.org/demo.git", "demo"},
+        {"https://example.org/demo/", "demo"},
+        {"ssh://example.org/x/demo.git/", "demo"},
+        {"git@example.org:demo.git", "demo"},
+        {"example.org:x/Grüße", "Grüße"},
+        {"/some/where/demo/.git", "demo"},
+        {"../x/demo.bundle", "demo"},
+    };
+    for (const auto& [url, name] : rows) {
+        expectDone(here({"clone", url}, git), "Cloned into \"" + folder.path(name) + "\".\n");
+    }
+    for (const char* url : {"https://", "/", "", "host:"}) {
+        expectFailed(here({"clone", url}, git), HasSubstr("nebsc clone URL DIR"), 2);
+    }
+}
+
+TEST_F(RepositoryCommands, ClonePassesAURLAsItIsAndAPathAbsolute) {
+    const auto location = [this](const char* url) {
+        const StandInGit git("", "exit 0");
+        const NebscOutcome outcome = here({"clone", "--json", url, "x"}, git);
+        return outcome.json()["command"]["arguments"][3];
+    };
+    fs::create_directory(folder.path("odd:name"));
+    EXPECT_EQ(location("https://example.org/demo.git"), "https://example.org/demo.git");
+    EXPECT_EQ(location("git@example.org:demo.git"), "git@example.org:demo.git");
+    EXPECT_EQ(location("file:///some/where"), "file:///some/where");
+    EXPECT_EQ(location("demo"), folder.path("demo"));
+    EXPECT_EQ(location("./odd:x"), folder.path("odd:x"));
+    EXPECT_EQ(location("odd:name"), folder.path("odd:name"));
+    EXPECT_EQ(location("/some/where/"), "/some/where");
+}
+
+TEST_F(RepositoryCommands, CloneMakesAMissingFolderAndChecksABranchOut) {
+    repository.git({"branch", "topic"});
+    expectDone(here({"clone", "--branch", "topic", repository.path(), "on/the way/Grüße"}),
+               "Cloned into \"" + folder.path("on/the way/Grüße") + "\".\n");
+    EXPECT_EQ(folder.read("on/the way/Grüße/.git/HEAD"), "ref: refs/heads/topic\n");
+}
+
+TEST_F(RepositoryCommands, CloneThatFailsLeavesNothing) {
+    expectFailed(here({"clone", "nosuch", "on/the way"}), HasSubstr("nosuch"));
+    expectFailed(here({"clone", "--branch", "nosuch", repository.path()}), HasSubstr("nosuch"));
+    const StandInGit git("", "echo half > done; exit 3");
+    expectFailed(here({"clone", "x", "y"}, git),
+                 "nebsc: git told nothing and ended with exit status 3.\n");
+    EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST_F(RepositoryCommands, CloneLeavesAFolderThatWasThere) {
+    fs::create_directory(folder.path("empty"));
+    folder.write("full/mine", "mine");
+    expectFailed(here({"clone", "nosuch", "empty"}), HasSubstr("nosuch"));
+    expectFailed(here({"clone", repository.path(), "full"}), HasSubstr("full"));
+    EXPECT_TRUE(isHere("empty"));
+    EXPECT_EQ(folder.read("full/mine"), "mine");
+}
+
+TEST_F(RepositoryCommands, CloneIntoAFileIsTold) {
+    folder.write("file", "mine");
+    expectFailed(here({"clone", repository.path(), "file"}), HasSubstr(folder.path("file")));
+    expectFailed(here({"clone", repository.path(), "file/x"}),
+                 "nebsc: The folder \"" + folder.path("file/x") +
+                     "\" could not be made: Not a directory.\n");
+    EXPECT_EQ(folder.read("file"), "mine");
+}
+
+TEST_F(RepositoryCommands, CloneRefusesValuesLikeOptions) {
+    expectFailed(here({"clone", "--", "--upload-pack=x", "y"}),
+                 StartsWith("nebsc: \"--upload-pack=x\" begins with \"-\""), 2);
+    expectFailed(here({"clone", "--branch=-x", "y", "z"}), HasSubstr("\"-x\" begins with"), 2);
+    expectFailed(here({"clone"}), HasSubstr("URL is required"), 2);
+    EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST_F(RepositoryCommands, CloneWithJSONPrintsTheOutcomeAlone) {
+    const NebscOutcome outcome = here({"clone", "--json", repository.path(), "x"});
+    EXPECT_EQ(outcome.json()["command"]["arguments"],
+              JSON({"clone", "--recursive", "-q", repository.path(), folder.path("x")}));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+// ---- a clone that takes long ------------------------------------------------------------------
+
+class LongClone : public RepositoryCommands {
+protected:
+    TemporaryFolder marks;
+    /// A git that has begun to clone, tells its process, and hangs.
+    StandInGit git{
+        "", "echo half > done; sleep 3600 & echo $$ $! > '" + marks.path("started") + "'; wait"};
+
+    /// The processes of the git that hangs.
+    [[nodiscard]] std::vector<pid_t> awaitStart() const {
+        std::string text;
+        while (!text.ends_with('\n')) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            text = marks.read("started");
+        }
+        std::istringstream numbers(text);
+        std::vector<pid_t> pids(2);
+        numbers >> pids[0] >> pids[1];
+        return pids;
+    }
+    void expectNothingLeft(const std::vector<pid_t>& pids) const {
+        for (const pid_t pid : pids) {
+            EXPECT_FALSE(isLiveProcess(pid));
+        }
+        EXPECT_TRUE(fs::is_empty(folder.path()));
+    }
+};
+
+TEST_F(LongClone, ShowsOnATerminalThatItIsAliveAndEndsWithCtrlC) {
+    Nebsc program(
+        {"clone", "https://example.org/demo.git", "on/the/way"},
+        {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("1 s"), "\rCloning … 1 s");
+    const std::vector<pid_t> pids = awaitStart();
+    EXPECT_TRUE(isHere("on/the/way/done"));
+    program.send(SIGINT);
+    const NebscOutcome outcome = program.outcome();
+    EXPECT_THAT(outcome.errors, testing::EndsWith("\rnebsc: Stopped by SIGINT.\r\n"));
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.exitStatus, 130);
+    expectNothingLeft(pids);
+}
+
+TEST_F(LongClone, ARequestEndsInTheSameWay) {
+    Nebsc program({"request"}, {.folder = folder.path(),
+                                .input = JSON({{"type", 29},
+                                               {"sourceTree", {{"location", "/x"}}},
+                                               {"repositoryToAuthenticate", JSON::object()},
+                                               {"destination", folder.path("a/b")}})
+                                             .dump(),
+                                .variables = {git.path()}});
+    const std::vector<pid_t> pids = awaitStart();
+    program.send(SIGTERM);
+    const NebscOutcome outcome = program.outcome();
+    EXPECT_EQ(outcome.json()["error"]["class"], "cancelled");
+    EXPECT_EQ(outcome.errors, "nebsc: Stopped by SIGTERM.\n");
+    EXPECT_EQ(outcome.exitStatus, 143);
+    expectNothingLeft(pids);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,215 @@
+// The commands that make a repository.
+
+#include <array>
+
+#include "CommandTask.h"
+#include "Commands.h"
+#include "GitProgram.h"
+#include "MissingFolder.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+// ---- init -------------------------------------------------------------------------------------
+
+class InitTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    WorkingCopyPlace findPlace() override;
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] bool isRepository(const std::string& folder);
+
+    std::optional<MissingFolder> _folder;
+};
+
+WorkingCopyPlace InitTask::findPlace() {
+    return {.location = paths("DIR").empty() ? currentFolder() : paths("DIR").front(),
+            .currentFolder = currentFolder(),
+            .isWorkingCopy = false};
+}
+
+bool InitTask::isRepository(const std::string& folder) {
+    return runGit(interruption(), {"rev-parse", "--resolve-git-dir", folder}, currentFolder())
+        .status.isSuccess();
+}
+
+/// The request would go on in a repository that is there, and replace its list of files to ignore.
+std::optional<Reply> InitTask::look() {
+    const std::string& folder = place().location;
+    if (isRepository(folder) || isRepository(pathByAppendingComponent(folder, ".git"))) {
+        return refusal(
+            "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
+            exitFailed);
+    }
+    _folder.emplace(folder);
+    if (const auto failure = _folder->make()) {
+        return Reply{.standardOutput = {},
+                     .standardError = errorLines(NEBSourceControlErrorFromFileFailure(*failure)),
+                     .exitStatus = exitFailed};
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> InitTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestCreateRepository);
+    if (arguments().has("--bare")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionRepositoryPath, place().location);
+    }
+    return request;
+}
+
+void InitTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    _folder->keep();
+    reply.standardOutput =
+        "Made an empty repository in " + printable(inQuotes(place().location)) + ".\n";
+}
+
+constexpr Parameter initParameters[] = {
+    {"DIR", "The folder, made where it is missing; unless given, the current one", Takes::path},
+    {"--bare", "A repository without a working copy, to push to"},
+};
+
+Reply init(const CommandCall& call) {
+    return InitTask(call).run();
+}
+
+// ---- clone ------------------------------------------------------------------------------------
+
+/// The last component of what is cloned, which names the folder that the clone goes into; empty
+/// when there is none.
+std::string nameOfClone(std::string_view source) {
+    constexpr std::array<std::string_view, 3> endings{"/.git", ".git", ".bundle"};
+    const auto withoutEndSlashes = [](std::string_view text) {
+        return text.substr(0, text.find_last_not_of('/') + 1);
+    };
+    source = withoutEndSlashes(source);
+    for (const std::string_view ending : endings) {
+        if (source.ends_with(ending)) {
+            source = withoutEndSlashes(source.substr(0, source.size() - ending.size()));
+            break;
+        }
+    }
+    const std::size_t separator = source.find_last_of("/:");
+    return std::string(source.substr(separator == std::string_view::npos ? 0 : separator + 1));
+}
+
+class CloneTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    WorkingCopyPlace findPlace() override;
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    /// The path of a repository that is in the file system, else the URL as it is.
+    [[nodiscard]] std::string source() const;
+
+    std::string _destination;
+};
+
+std::string CloneTask::source() const {
+    const std::string url = arguments().value("URL").value_or("");
+    const std::size_t colon = url.find(':');
+    const bool hasHost = colon != std::string::npos && url.find('/') > colon;
+    const PathSearch search = findAbsolutePath(currentFolder(), url);
+    const bool isPath = !url.empty() && !url.starts_with('-') && search.path &&
+                        (!hasHost || isAnythingAt(*search.path));
+    return isPath ? *search.path : url;
+}
+
+WorkingCopyPlace CloneTask::findPlace() {
+    return {.location = source(), .currentFolder = currentFolder(), .isWorkingCopy = false};
+}
+
+std::optional<Reply> CloneTask::look() {
+    if (!paths("DIR").empty()) {
+        _destination = paths("DIR").front();
+        return std::nullopt;
+    }
+    const std::string name = nameOfClone(place().location);
+    if (name.empty() || name == "." || name == "..") {
+        return refusal(inQuotes(arguments().value("URL").value_or("")) +
+                           " tells no name for the folder of the clone; it is expected behind it: "
+                           "nebsc clone URL DIR.",
+                       exitNotUnderstood);
+    }
+    _destination = pathByAppendingComponent(currentFolder(), name);
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> CloneTask::request() {
+    auto repository = std::make_shared<NEBSourceControlRepository>();
+    repository->location = place().location;
+    repository->name = nameOfClone(place().location);
+    auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestClone, repository,
+                                                         std::nullopt, std::nullopt);
+    request->repositoryToAuthenticate = repository;
+    request->destination = _destination;
+    if (const auto branch = arguments().value("--branch")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionBranch, *branch);
+    }
+    return request;
+}
+
+void CloneTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput = "Cloned into " + printable(inQuotes(_destination)) + ".\n";
+}
+
+constexpr Parameter cloneParameters[] = {
+    {"URL", "A repository: a URL, HOST:PATH, or a path", Takes::text, Occurs::once},
+    {"DIR", "The folder, made where it is missing; unless given, one named like the repository",
+     Takes::path},
+    {"--branch", "The branch to check out, unless the repository's own", Takes::text,
+     Occurs::optionally, "BRANCH"},
+};
+
+Reply clone(const CommandCall& call) {
+    return CloneTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command initCommand{
+    .name = "init",
+    .group = repositoriesGroup,
+    .summary = "Make an empty repository",
+    .details =
+        "Examples:\n"
+        "  nebsc init demo                make the folder demo, and a repository in it\n"
+        "  nebsc init --bare demo.git     one without a working copy, to push to\n",
+    .parameters = initParameters,
+    .activity = "Making the repository",
+    .run = init,
+};
+
+constinit const Command cloneCommand{
+    .name = "clone",
+    .group = repositoriesGroup,
+    .summary = "Copy a repository, with its submodules",
+    .details =
+        "Where it fails or is stopped, nothing is left of a folder that it made.\n\n"
+        "Examples:\n"
+        "  nebsc clone https://example.org/demo.git           into the folder demo\n"
+        "  nebsc clone --branch topic ../demo elsewhere       a branch, into elsewhere\n",
+    .parameters = cloneParameters,
+    .activity = "Cloning",
+    .run = clone,
+};
+
+}  // namespace neb::nebsc

@@ -38,8 +38,8 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitExportFileOperation"; }
     [[nodiscard]] std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override;
-    /// Leaves no temporary file behind when it fails or is cancelled. With a file outside the source
-    /// tree nothing is run: the archive would be the whole tree, beside the target.
+    /// Leaves no temporary file behind when it fails or is cancelled. With a file outside the
+    /// source tree nothing is run: the archive would be the whole tree, beside the target.
     void main() override;
 
 private:

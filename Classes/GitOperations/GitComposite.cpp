@@ -13,7 +13,7 @@ void GitSubOperations::setQueue(std::shared_ptr<OperationQueue> queue) {
 }
 
 void GitSubOperations::add(const NEBSourceControlOperation& composite,
-                           std::shared_ptr<NEBSourceControlOperation> operation) {
+                           const std::shared_ptr<NEBSourceControlOperation>& operation) {
     operation->setCommandLog(composite.commandLog());
     operation->setBackgroundWork(composite.isBackgroundWork());
     _added.push_back(operation);

@@ -32,7 +32,7 @@ public:
     /// Puts the operation on the queue, of which there must be one. It records its children where
     /// the composite does, is background work when that is, and is cancelled with it.
     void add(const NEBSourceControlOperation& composite,
-             std::shared_ptr<NEBSourceControlOperation> operation);
+             const std::shared_ptr<NEBSourceControlOperation>& operation);
     /// Waits until everything on the queue has finished and passes on to the composite that output
     /// was held open. A composite that has been cancelled has the cancelled error afterwards.
     void wait(NEBSourceControlOperation& composite);

@@ -1,5 +1,8 @@
 #include "GitOperations/GitLog.h"
 
+#include <algorithm>
+
+#include "GitOperations/GitRecentTexts.h"
 #include "GitOperations/GitRevision.h"
 #include "GitOperations/GitStatus.h"
 #include "NSData+GitUtilities.h"
@@ -14,7 +17,7 @@ namespace {
 /// name and e-mail by the mail map, the seconds since 1970 at which it was written, and the raw
 /// message, of many lines. A NUL byte stands in front of the block; the byte below ends it, and
 /// what follows up to the next NUL is the list of changed files. So a message may hold anything.
-const std::vector<std::string> placeholders{"h", "aN", "aE", "at", "B"};
+const std::vector<std::string> fieldPlaceholders{"h", "aN", "aE", "at", "B"};
 constexpr char endOfHeader = '\x01';
 
 /// "0" as the end of a range means that there is none.
@@ -37,41 +40,61 @@ NEBDate dateOf(std::string_view seconds) {
     return NEBDate(std::chrono::seconds(scanner.takeInteger().value_or(0)));
 }
 
-/// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A line
-/// without a TAB is none of git's.
-NEBDictionary filesOf(std::string_view list) {
-    NEBDictionary files;
-    forEachPiece(list, '\n', [&files](std::string_view line) {
-        Scanner scanner(line);
-        const std::string_view letters = scanner.takeUpTo('\t');
-        if (letters.size() < line.size()) {
-            scanner.skipOne('\t');
-            files.set(std::string(scanner.takeUpTo('\t')), nebgit_sourceControlStatus(letters));
-        }
-    });
-    return files;
+std::size_t linesIn(std::string_view text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
 }
 
-/// A line that is missing is taken for an empty one.
-NEBDictionary recordOf(std::string_view block, bool withFiles) {
-    NEBDictionary record;
-    Scanner header(textByTrimmingLineEnds(block.substr(0, block.find(endOfHeader))));
-    record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(takeLine(header)));
-    record.set(NEBSourceControlOperationAuthorKey, takeLine(header));
-    record.set(NEBSourceControlOperationAuthorEmailKey, takeLine(header));
-    record.set(NEBSourceControlOperationDateKey, dateOf(takeLine(header)));
-    record.set(NEBSourceControlOperationMessageKey, textByTrimmingLineEnds(header.rest()));
-    if (withFiles) {
-        // Behind the last such byte: the message may hold one too.
-        const std::size_t last = block.rfind(endOfHeader);
-        const std::string_view list =
-            textByTrimmingLineEnds(block.substr(last == std::string_view::npos ? 0 : last + 1));
-        if (!list.empty()) {
-            record.set(NEBSourceControlOperationFilesKey, filesOf(list));
+/// Reads the blocks of one log. Authors and paths are the same in many of them, and so are shared;
+/// all else is sized before it is filled. A long history has many records.
+class BlockReader {
+public:
+    /// Of a log of so many blocks.
+    BlockReader(std::size_t count, bool withFiles) : _withFiles(withFiles), _texts(count * 4) {}
+
+    /// A line that is missing is taken for an empty one.
+    NEBDictionary recordOf(std::string_view block) {
+        const std::string_view files = _withFiles ? filesPart(block) : std::string_view();
+        NEBDictionary record;
+        record.reserve(files.empty() ? 5 : 6);
+        Scanner header(textByTrimmingLineEnds(block.substr(0, block.find(endOfHeader))));
+        record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(takeLine(header)));
+        record.set(NEBSourceControlOperationAuthorKey, _texts.value(takeLine(header)));
+        record.set(NEBSourceControlOperationAuthorEmailKey, _texts.value(takeLine(header)));
+        record.set(NEBSourceControlOperationDateKey, dateOf(takeLine(header)));
+        record.set(NEBSourceControlOperationMessageKey, textByTrimmingLineEnds(header.rest()));
+        if (!files.empty()) {
+            record.set(NEBSourceControlOperationFilesKey, filesOf(files));
         }
+        return record;
     }
-    return record;
-}
+
+private:
+    /// What stands behind the last byte that ends a header: the message may hold one too.
+    static std::string_view filesPart(std::string_view block) {
+        const std::size_t last = block.rfind(endOfHeader);
+        return textByTrimmingLineEnds(block.substr(last == std::string_view::npos ? 0 : last + 1));
+    }
+
+    /// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A
+    /// line without a TAB is none of git's.
+    NEBDictionary filesOf(std::string_view list) {
+        NEBDictionary files;
+        files.reserve(linesIn(list));
+        forEachPiece(list, '\n', [this, &files](std::string_view line) {
+            Scanner scanner(line);
+            const std::string_view letters = scanner.takeUpTo('\t');
+            if (letters.size() < line.size()) {
+                scanner.skipOne('\t');
+                files.setWithSharedKey(_texts.value(scanner.takeUpTo('\t')),
+                                       nebgit_sourceControlStatus(letters));
+            }
+        });
+        return files;
+    }
+
+    bool _withFiles;
+    GitRecentTexts _texts;
+};
 
 }  // namespace
 
@@ -95,7 +118,7 @@ GitLogOperation::GitLogOperation(std::shared_ptr<NEBSourceControlRequest> reques
     if (wantsFilesChanged()) {
         arguments.emplace_back("--name-status");
     }
-    arguments.push_back(_prettyFormatWithArray(placeholders) + endOfHeader);
+    arguments.push_back(_prettyFormatWithArray(fieldPlaceholders) + endOfHeader);
     if (asked.fileCount() > 0) {
         arguments.emplace_back("--");
         if (asked.files->front().isPresent()) {
@@ -129,11 +152,14 @@ bool GitLogOperation::wantsFilesChanged() const {
 
 void GitLogOperation::parseData() {
     NEBSourceControlResult records;
-    const bool withFiles = wantsFilesChanged();
     if (data()) {
+        const auto count =
+            static_cast<std::size_t>(std::count(data()->begin(), data()->end(), '\0'));
+        records.reserve(count);
+        BlockReader reader(count, wantsFilesChanged());
         git_forEachComponentSeparatedByNULLTerminator(*data(), [&](std::string_view block) {
             if (!block.empty()) {
-                records.push_back(recordOf(block, withFiles));
+                records.push_back(reader.recordOf(block));
             }
         });
     }

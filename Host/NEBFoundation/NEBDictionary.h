@@ -6,13 +6,14 @@
 //     record.value("no such key").isPresent();                   // false
 //
 // A value: copies are independent, any thread may use its own. A host constant as a key costs
-// nothing; another text is copied. Looking up is quick at any size.
+// nothing; another text is copied, unless a value holds it already. Looking up is quick at any
+// size.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "NEBFoundation/NEBConstant.h"
@@ -25,24 +26,32 @@ class NEB_EXPORT NEBDictionary {
 public:
     class NEB_EXPORT Entry {
     public:
-        Entry(NEBConstant key, NEBValue value) : _key(key), _value(std::move(value)) {}
+        Entry(NEBConstant key, NEBValue value);
         Entry(std::string key, NEBValue value)
-            : _ownKey(std::make_unique<const std::string>(std::move(key))),
-              _key(*_ownKey),
-              _value(std::move(value)) {}
+            : Entry(NEBValue(std::move(key))._content.shared, std::move(value)) {}
         Entry(const Entry& other);
-        Entry& operator=(const Entry& other);
-        Entry(Entry&&) noexcept = default;
-        Entry& operator=(Entry&&) noexcept = default;
-        ~Entry() = default;
+        Entry(Entry&& other) noexcept;
+        Entry& operator=(Entry other) noexcept;
+        ~Entry();
 
-        [[nodiscard]] std::string_view key() const { return _key; }
+        [[nodiscard]] std::string_view key() const;
         [[nodiscard]] const NEBValue& value() const { return _value; }
 
     private:
         friend class NEBDictionary;
-        std::unique_ptr<const std::string> _ownKey;  // absent for a host constant
-        std::string_view _key;
+        /// The key is what a string value shares.
+        Entry(const NEBValue::Shared* key, NEBValue value);
+
+        [[nodiscard]] bool hasOwnKey() const { return _value._noteOfKey == ownKey; }
+        [[nodiscard]] const NEBValue::Shared* sharedKey() const {
+            return static_cast<const NEBValue::Shared*>(_key);
+        }
+
+        static constexpr std::uint32_t ownKey = 0xFFFFFFFF;
+
+        /// Of a host constant the characters, as many as are noted with the value; or, when ownKey
+        /// is noted there, what a string value shares.
+        const void* _key;
         NEBValue _value;
     };
 
@@ -58,6 +67,13 @@ public:
     /// value changes nothing.
     void set(NEBConstant key, NEBValue value) { add(Entry(key, std::move(value))); }
     void set(std::string key, NEBValue value) { add(Entry(std::move(key), std::move(value))); }
+    /// The same, with the text that a string value holds for a key: shared, not copied. A key of
+    /// another kind changes nothing.
+    void setWithSharedKey(const NEBValue& key, NEBValue value) {
+        if (key.isString()) {
+            add(Entry(key._content.shared, std::move(value)));
+        }
+    }
     /// Sets all entries of `other`, in their order.
     void addEntriesFrom(const NEBDictionary& other);
 
@@ -75,10 +91,13 @@ public:
     friend NEB_EXPORT bool operator==(const NEBDictionary& left, const NEBDictionary& right);
 
 private:
-    using Index = std::unordered_map<std::string_view, std::size_t>;
+    /// Where the entries stand, by their keys: a table with open addressing, of a power of two
+    /// places, of which at least a quarter are free.
+    using Index = std::vector<std::uint32_t>;
 
     void add(Entry entry);
     void buildIndex();
+    [[nodiscard]] std::uint32_t& placeInIndex(std::string_view key) const;
     [[nodiscard]] const Entry* find(std::string_view key) const;
 
     std::vector<Entry> _entries;

@@ -1,6 +1,7 @@
 #include "NEBFoundation/NEBValue.h"
 
 #include <array>
+#include <atomic>
 #include <cstdio>
 
 #include "LOMFoundation/LOMFormat.h"
@@ -8,28 +9,109 @@
 
 namespace neb {
 
-NEBValue::NEBValue(NEBDictionary dictionary)
-    : _value(std::make_shared<const NEBDictionary>(std::move(dictionary))) {}
+// ---- what is held -----------------------------------------------------------------------------
 
-NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
-    if (object) {
-        _value = std::move(object);
+struct NEBValue::Shared {
+    mutable std::atomic<std::uint32_t> holders = 1;
+};
+
+template <typename Thing>
+struct NEBValue::SharedThing : Shared {
+    explicit SharedThing(Thing held) : thing(std::move(held)) {}
+    const Thing thing;
+};
+
+template <typename Thing>
+void NEBValue::hold(Kind kind, Thing thing) {
+    _content.shared = new SharedThing<Thing>(std::move(thing));
+    _kind = kind;
+}
+
+template <typename Thing>
+const Thing* NEBValue::thing(Kind kind) const {
+    return _kind == kind ? &static_cast<const SharedThing<Thing>*>(_content.shared)->thing
+                         : nullptr;
+}
+
+void NEBValue::retain(const Shared& shared) {
+    shared.holders.fetch_add(1, std::memory_order_relaxed);
+}
+
+template <typename Thing>
+void NEBValue::releaseThing(const Shared* shared) {
+    if (shared->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete static_cast<const SharedThing<Thing>*>(shared);
     }
 }
 
-namespace {
-
-template <typename Kind, typename Variant>
-std::optional<Kind> copyIfHeld(const Variant& variant) {
-    const Kind* held = std::get_if<Kind>(&variant);
-    return held != nullptr ? std::optional(*held) : std::nullopt;
+void NEBValue::release() {
+    switch (_kind) {
+        case Kind::string:
+            return releaseThing<std::string>(_content.shared);
+        case Kind::filePath:
+            return releaseThing<LOMFilePath>(_content.shared);
+        case Kind::dictionary:
+            return releaseThing<NEBDictionary>(_content.shared);
+        case Kind::object:
+            return releaseThing<std::shared_ptr<const NEBObject>>(_content.shared);
+        default:
+            return;  // nothing is shared
+    }
 }
 
-template <typename Kind, typename Variant>
-const Kind* sharedIfHeld(const Variant& variant) {
-    const auto* held = std::get_if<std::shared_ptr<const Kind>>(&variant);
+void NEBValue::releaseString(const Shared* shared) {
+    releaseThing<std::string>(shared);
+}
+
+const std::string& NEBValue::stringOf(const Shared& shared) {
+    return static_cast<const SharedThing<std::string>&>(shared).thing;
+}
+
+NEBValue::NEBValue(std::string string) {
+    hold(Kind::string, std::move(string));
+}
+
+NEBValue::NEBValue(LOMFilePath path) {
+    hold(Kind::filePath, std::move(path));
+}
+
+NEBValue::NEBValue(NEBDictionary dictionary) {
+    hold(Kind::dictionary, std::move(dictionary));
+}
+
+NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
+    if (object) {
+        hold(Kind::object, std::move(object));
+    }
+}
+
+std::optional<bool> NEBValue::boolean() const {
+    return _kind == Kind::boolean ? std::optional(_content.boolean) : std::nullopt;
+}
+std::optional<std::int64_t> NEBValue::integer() const {
+    return _kind == Kind::integer ? std::optional(_content.integer) : std::nullopt;
+}
+const std::string* NEBValue::string() const {
+    return thing<std::string>(Kind::string);
+}
+std::optional<NEBDate> NEBValue::date() const {
+    return _kind == Kind::date ? std::optional(NEBDate(NEBDate::duration(_content.integer)))
+                               : std::nullopt;
+}
+const LOMFilePath* NEBValue::filePath() const {
+    return thing<LOMFilePath>(Kind::filePath);
+}
+const NEBDictionary* NEBValue::dictionary() const {
+    return thing<NEBDictionary>(Kind::dictionary);
+}
+const NEBObject* NEBValue::object() const {
+    const auto* held = thing<std::shared_ptr<const NEBObject>>(Kind::object);
     return held != nullptr ? held->get() : nullptr;
 }
+
+// ---- as a truth, as text ----------------------------------------------------------------------
+
+namespace {
 
 bool boolValueOfString(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n"), text.size()));
@@ -51,28 +133,6 @@ std::string descriptionOfDictionary(const NEBDictionary& dictionary) {
 }
 
 }  // namespace
-
-std::optional<bool> NEBValue::boolean() const {
-    return copyIfHeld<bool>(_value);
-}
-std::optional<std::int64_t> NEBValue::integer() const {
-    return copyIfHeld<std::int64_t>(_value);
-}
-const std::string* NEBValue::string() const {
-    return std::get_if<std::string>(&_value);
-}
-std::optional<NEBDate> NEBValue::date() const {
-    return copyIfHeld<NEBDate>(_value);
-}
-const LOMFilePath* NEBValue::filePath() const {
-    return std::get_if<LOMFilePath>(&_value);
-}
-const NEBDictionary* NEBValue::dictionary() const {
-    return sharedIfHeld<NEBDictionary>(_value);
-}
-const NEBObject* NEBValue::object() const {
-    return sharedIfHeld<NEBObject>(_value);
-}
 
 bool NEBValue::boolValue() const {
     if (const std::string* text = string()) {
@@ -111,12 +171,28 @@ std::string NEBValue::descriptionForAssertionMessage() const {
 }
 
 bool operator==(const NEBValue& left, const NEBValue& right) {
-    const NEBDictionary* leftDictionary = left.dictionary();
-    const NEBDictionary* rightDictionary = right.dictionary();
-    if (leftDictionary != nullptr && rightDictionary != nullptr) {
-        return *leftDictionary == *rightDictionary;
+    using Kind = NEBValue::Kind;
+    if (left._kind != right._kind) {
+        return false;
     }
-    return left._value == right._value;
+    switch (left._kind) {
+        case Kind::nothing:
+            return true;
+        case Kind::boolean:
+            return left._content.boolean == right._content.boolean;
+        case Kind::integer:
+        case Kind::date:
+            return left._content.integer == right._content.integer;
+        case Kind::string:
+            return *left.string() == *right.string();
+        case Kind::filePath:
+            return *left.filePath() == *right.filePath();
+        case Kind::dictionary:
+            return *left.dictionary() == *right.dictionary();
+        case Kind::object:
+            return left.object() == right.object();
+    }
+    return false;
 }
 
 std::string textOfDate(NEBDate date) {

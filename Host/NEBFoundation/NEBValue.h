@@ -14,7 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
+#include <utility>
 
 #include "LOMFoundation/LOMFilePath.h"
 #include "NEBFoundation/NEBConstant.h"
@@ -28,29 +28,45 @@ class NEBDictionary;
 /// An instant, in whole seconds since 1970-01-01 00:00:00 UTC, as git keeps them.
 using NEBDate = std::chrono::sys_time<std::chrono::duration<std::int64_t>>;
 
-/// A value: copies are independent, any thread may use its own. The dictionary or object inside is
-/// shared and never changes.
+/// A value: copies are independent, any thread may use its own. Whatever is larger than a number is
+/// shared by the copies of a value and never changes, so a copy costs nothing.
 class NEB_EXPORT NEBValue {
 public:
     /// Nothing.
     NEBValue() = default;
     template <std::same_as<bool> Bool>
-    NEBValue(Bool boolean) : _value(boolean) {}
+    NEBValue(Bool boolean) : _content{.boolean = boolean}, _kind(Kind::boolean) {}
     template <std::integral Integer>
     requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char>) NEBValue(Integer integer)
-        : _value(static_cast<std::int64_t>(integer)) {}
-    NEBValue(std::string string) : _value(std::move(string)) {}
-    NEBValue(std::string_view string) : _value(std::string(string)) {}
-    NEBValue(const char* string) : _value(std::string(string)) {}
-    NEBValue(NEBConstant constant) : _value(std::string(constant.text())) {}
-    NEBValue(NEBDate date) : _value(date) {}
-    NEBValue(LOMFilePath path) : _value(std::move(path)) {}
+        : _content{.integer = static_cast<std::int64_t>(integer)}, _kind(Kind::integer) {}
+    NEBValue(std::string string);
+    NEBValue(std::string_view string) : NEBValue(std::string(string)) {}
+    NEBValue(const char* string) : NEBValue(std::string(string)) {}
+    NEBValue(NEBConstant constant) : NEBValue(constant.text()) {}
+    NEBValue(NEBDate date)
+        : _content{.integer = date.time_since_epoch().count()}, _kind(Kind::date) {}
+    NEBValue(LOMFilePath path);
     NEBValue(NEBDictionary dictionary);
     /// An absent object makes nothing.
     NEBValue(std::shared_ptr<const NEBObject> object);
 
-    [[nodiscard]] bool isPresent() const { return _value.index() != 0; }
-    [[nodiscard]] bool isString() const { return string() != nullptr; }
+    NEBValue(const NEBValue& other) : _content(other._content), _kind(other._kind) { share(); }
+    NEBValue(NEBValue&& other) noexcept
+        : _content(other._content), _kind(std::exchange(other._kind, Kind::nothing)) {}
+    NEBValue& operator=(const NEBValue& other) { return *this = NEBValue(other); }
+    NEBValue& operator=(NEBValue&& other) noexcept {
+        std::swap(_content, other._content);
+        std::swap(_kind, other._kind);
+        return *this;
+    }
+    ~NEBValue() {
+        if (isShared()) {
+            release();
+        }
+    }
+
+    [[nodiscard]] bool isPresent() const { return _kind != Kind::nothing; }
+    [[nodiscard]] bool isString() const { return _kind == Kind::string; }
 
     /// Each answers the content when the value is of that kind, else nothing. A pointer is good as
     /// long as the value lives unchanged.
@@ -76,10 +92,55 @@ public:
     friend NEB_EXPORT bool operator==(const NEBValue& left, const NEBValue& right);
 
 private:
-    std::variant<std::monostate, bool, std::int64_t, std::string, NEBDate, LOMFilePath,
-                 std::shared_ptr<const NEBDictionary>, std::shared_ptr<const NEBObject>>
-        _value;
+    friend class NEBDictionary;
+
+    /// From `string` on, what is shared.
+    enum class Kind : std::uint8_t {
+        nothing,
+        boolean,
+        integer,
+        date,
+        string,
+        filePath,
+        dictionary,
+        object
+    };
+    /// What copies share, with the number of them.
+    struct Shared;
+    template <typename Thing>
+    struct SharedThing;
+    union Content {
+        bool boolean;
+        std::int64_t integer;  // of a date, its seconds
+        const Shared* shared;
+    };
+
+    template <typename Thing>
+    void hold(Kind kind, Thing thing);
+    template <typename Thing>
+    [[nodiscard]] const Thing* thing(Kind kind) const;
+    [[nodiscard]] bool isShared() const { return _kind >= Kind::string; }
+    void share() {
+        if (isShared()) {
+            retain(*_content.shared);
+        }
+    }
+    void release();
+    static void retain(const Shared& shared);
+    template <typename Thing>
+    static void releaseThing(const Shared* shared);
+    /// Of what a string value shares.
+    static void releaseString(const Shared* shared);
+    [[nodiscard]] static const std::string& stringOf(const Shared& shared);
+
+    Content _content{.integer = 0};
+    Kind _kind = Kind::nothing;
+    /// Where the value stands in a dictionary, what that notes of its key: there are many values,
+    /// and this room costs nothing. Never copied.
+    std::uint32_t _noteOfKey = 0;
 };
+
+static_assert(sizeof(NEBValue) == 16, "a history has millions of them");
 
 /// `2012-03-04T05:06:07Z`. Years beyond 9999 or before 0 carry their sign.
 [[nodiscard]] NEB_EXPORT std::string textOfDate(NEBDate date);

@@ -3,7 +3,10 @@
 #include "NEBFoundation/NEBValue.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
+#include <vector>
 
 #include "NEBFoundation/NEBDictionary.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -145,6 +148,89 @@ TEST(Dictionary, TakesTheEntriesOfAnother) {
     dictionary.addEntriesFrom(NEBDictionary{{"b", 3}, {"c", 4}});
     EXPECT_EQ(dictionary, (NEBDictionary{{"a", 1}, {"b", 3}, {"c", 4}}));
     EXPECT_FALSE(dictionary == (NEBDictionary{{"a", 1}, {"b", 3}}));
+}
+
+TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
+    const std::string path(100, 'p');
+    const NEBValue values[] = {NEBValue("a text that is too long to be kept in place"),
+                               NEBValue(LOMFilePath::filePathForPathString(path)),
+                               NEBValue(NEBDictionary{{"key", "value"}}),
+                               NEBValue(5),
+                               NEBValue(true),
+                               NEBValue()};
+    for (const NEBValue& value : values) {
+        auto first = std::make_unique<NEBValue>(value);
+        NEBValue second = *first;
+        EXPECT_EQ(second.string(), first->string()) << "the same one";
+        first.reset();
+        EXPECT_EQ(second, value);
+        NEBValue third = std::move(second);
+        EXPECT_EQ(third, value);
+        const NEBValue& itself = third;
+        third = itself;
+        EXPECT_EQ(third, value);
+        for (const NEBValue& other : values) {
+            third = other;
+            EXPECT_EQ(third, other);
+            EXPECT_EQ(third == value, &other == &value);
+        }
+    }
+}
+
+TEST(Value, IsSharedByThreads) {
+    const NEBValue value("a text that is too long to be kept in place");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([value] {
+            for (int round = 0; round < 10000; ++round) {
+                const NEBValue copy = value;
+                ASSERT_TRUE(copy.isString());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST(Dictionary, SharesAKeyThatAValueHolds) {
+    NEBDictionary dictionary;
+    {
+        const NEBValue key("a key that is too long to be kept in place");
+        dictionary.setWithSharedKey(key, 1);
+        EXPECT_EQ(dictionary.begin()->key().data(), key.string()->data());
+    }
+    dictionary.setWithSharedKey(NEBValue(5), 2);
+    dictionary.setWithSharedKey(NEBValue(), 3);
+    EXPECT_EQ(dictionary, (NEBDictionary{{"a key that is too long to be kept in place", 1}}));
+}
+
+TEST(Dictionary, TakesAnyTextForAKey) {
+    const std::string withNUL("a\0b", 3);
+    NEBDictionary dictionary{{withNUL, 1}, {"", 2}, {"a", 3}};
+    dictionary.set(NEBSourceControlErrorDomain, 4);
+    dictionary.set(std::string(NEBSourceControlErrorDomain.text()), 5);
+    EXPECT_EQ(dictionary.size(), 4U) << "a constant and the same text are one key";
+    EXPECT_EQ(dictionary.value(withNUL).integer(), 1);
+    EXPECT_EQ(dictionary.value("").integer(), 2);
+    EXPECT_EQ(dictionary.value("a").integer(), 3);
+    EXPECT_EQ(dictionary.value(NEBSourceControlErrorDomain).integer(), 5);
+}
+
+TEST(Dictionary, EntriesAreValues) {
+    NEBDictionary::Entry first("own key, too long to be kept in place", "one");
+    NEBDictionary::Entry second(NEBSourceControlErrorDomain, "two");
+    NEBDictionary::Entry copy = first;
+    first = second;
+    EXPECT_EQ(first.key(), NEBSourceControlErrorDomain);
+    EXPECT_EQ(first.value(), NEBValue("two"));
+    second = copy;
+    EXPECT_EQ(second.key(), "own key, too long to be kept in place");
+    copy = std::move(first);
+    EXPECT_EQ(copy.key(), NEBSourceControlErrorDomain);
+    std::swap(copy, second);
+    EXPECT_EQ(second.value(), NEBValue("two"));
+    EXPECT_EQ(copy.value(), NEBValue("one"));
 }
 
 TEST(Constants, HaveTheirOwnIdentifierAsText) {

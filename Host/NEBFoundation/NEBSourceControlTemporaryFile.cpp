@@ -40,8 +40,10 @@ LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view 
     const std::string plainName = lastPathComponent(name);
     const bool hasHead = canHaveHead(plainName);
     while (true) {
-        const std::string head = pathByAppendingComponent(folder, randomHead());
-        const std::string path = hasHead ? head + separator + plainName : head;
+        std::string path = pathByAppendingComponent(folder, randomHead());
+        if (hasHead) {
+            path.append(1, separator).append(plainName);
+        }
         if (!LOMFilePath::filePathForPathString(path).existsInFileSystem()) {
             return LOMFilePath::filePathForPathString(
                 hasHead ? path : pathByAppendingComponent(path, plainName));

@@ -54,9 +54,12 @@ bool isLeapYear(std::int64_t year) {
     return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
+/// Long months and short ones take turns, but July and August are both long.
 std::int64_t daysOfMonth(std::int64_t year, std::int64_t month) {
-    constexpr std::int64_t days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return month == 2 && isLeapYear(year) ? 29 : days[month - 1];
+    if (month == 2) {
+        return isLeapYear(year) ? 29 : 28;
+    }
+    return 30 + (month + month / 8) % 2;
 }
 
 /// Days from 1970-01-01 to the date. A year is counted from March here, so that its leap day is the

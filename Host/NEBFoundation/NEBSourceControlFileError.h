@@ -12,7 +12,7 @@ inline constexpr NEBConstant NEBPOSIXErrorDomain{"NEBPOSIXErrorDomain"};
 
 /// In NEBPOSIXErrorDomain, with the system's number as the code and the failure's sentence as the
 /// description. The class is that of the number: "permission-denied", "disk-full",
-/// "destination-exists", "path-unknown", "cancelled", else "unknown".
+/// "destination-exists", "path-unknown", "path-invalid", "cancelled", else "unknown".
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromFileFailure(const FileFailure& failure);
 

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "Platform/ErrnoText.h"
@@ -20,6 +22,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t onlyForTheOwner = 0700;
+constexpr mode_t permissionsUntilDone = 0600;
 /// What a copied file keeps of its mode. Run as another user, as the copy then belongs to us, is no
 /// permission.
 constexpr mode_t permissionsOfFile = 0777;
@@ -33,6 +36,15 @@ std::string quoted(const fs::path& path) {
 
 FileFailure failureOf(int errorNumber, const std::string& what) {
     return {errorNumber, what + ": " + textOfErrno(errorNumber) + "."};
+}
+
+/// The system would take such a path for the one that ends before the NUL character.
+std::optional<FileFailure> failureOfNUL(std::string_view path) {
+    if (path.find('\0') == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return FileFailure{EINVAL, "The path " + quoted(fs::path(path.substr(0, path.find('\0')))) +
+                                   " holds a NUL character."};
 }
 
 /// With an end "/", a link would be followed.
@@ -66,21 +78,30 @@ bool liesWithin(const fs::path& path, const fs::path& folder) {
     return end == whatHolds.end();
 }
 
-/// One copy, of a file or a whole tree.
+/// One copy, of a file or a whole tree, from `source` to `destination`; its failures speak of
+/// `shownDestination` in place of the latter.
 class Copy {
 public:
-    explicit Copy(const std::atomic<bool>& isCancelled) : _isCancelled(isCancelled) {}
+    Copy(fs::path source, fs::path destination, fs::path shownDestination,
+         const std::atomic<bool>& isCancelled)
+        : _source(std::move(source)),
+          _destination(std::move(destination)),
+          _shownDestination(std::move(shownDestination)),
+          _isCancelled(isCancelled) {}
 
+    std::optional<FileFailure> make() { return copyItem(_source, _destination); }
+
+private:
     std::optional<FileFailure> copyItem(const fs::path& source, const fs::path& destination) {
         struct stat information {};
         if (::lstat(source.c_str(), &information) != 0) {
-            return failed(errno, source, destination);
+            return failed(errno, source);
         }
         switch (information.st_mode & S_IFMT) {
             case S_IFREG:
-                return failed(copyFile(source, destination), source, destination);
+                return failed(copyFile(source, destination), source);
             case S_IFLNK:
-                return failed(copyLink(source, destination), source, destination);
+                return failed(copyLink(source, destination), source);
             case S_IFDIR:
                 return copyFolder(source, destination, information.st_mode);
             default:
@@ -90,31 +111,28 @@ public:
         }
     }
 
-    /// Whether anything of ours is at the destination.
-    [[nodiscard]] bool hasBegun() const { return _hasBegun; }
-
-private:
-    static std::optional<FileFailure> failed(int errorNumber, const fs::path& source,
-                                             const fs::path& destination) {
+    [[nodiscard]] std::optional<FileFailure> failed(int errorNumber, const fs::path& source) const {
         if (errorNumber == 0) {
             return std::nullopt;
         }
-        return failureOf(errorNumber,
-                         quoted(source) + " could not be copied to " + quoted(destination));
+        const fs::path shown = source == _source
+                                   ? _shownDestination
+                                   : _shownDestination / source.lexically_relative(_source);
+        return failureOf(errorNumber, quoted(source) + " could not be copied to " + quoted(shown));
     }
 
     int copyFile(const fs::path& source, const fs::path& destination) {
-        const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+        const FileDescriptor from(
+            ::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
         struct stat information {};
         if (!from.isOpen() || ::fstat(from.get(), &information) != 0) {
             return errno;
         }
-        FileDescriptor to(
-            ::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, onlyForTheOwner));
+        FileDescriptor to(::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                 permissionsUntilDone));
         if (!to.isOpen()) {
             return errno;
         }
-        _hasBegun = true;
         int failure = copyBytes(from, to);
         if (failure == 0 && ::fchmod(to.get(), information.st_mode & permissionsOfFile) != 0) {
             failure = errno;
@@ -144,39 +162,39 @@ private:
         return ECANCELED;
     }
 
-    int copyLink(const fs::path& source, const fs::path& destination) {
+    static int copyLink(const fs::path& source, const fs::path& destination) {
         std::error_code failure;
         fs::copy_symlink(source, destination, failure);
-        _hasBegun = _hasBegun || !failure;
         return failure.value();
     }
 
     std::optional<FileFailure> copyFolder(const fs::path& source, const fs::path& destination,
                                           mode_t mode) {
         if (::mkdir(destination.c_str(), onlyForTheOwner) != 0) {
-            return failed(errno, source, destination);
+            return failed(errno, source);
         }
-        _hasBegun = true;
         std::error_code failure;
         for (fs::directory_iterator entry(source, failure), end; !failure && entry != end;
              entry.increment(failure)) {
             const fs::path& path = entry->path();
             if (_isCancelled) {
-                return failed(ECANCELED, path, destination / path.filename());
+                return failed(ECANCELED, path);
             }
             if (auto inside = copyItem(path, destination / path.filename())) {
                 return inside;
             }
         }
-        // At the end: a folder that may not be written to could not have been filled.
-        if (!failure && ::chmod(destination.c_str(), mode & permissionsOfFolder) != 0) {
-            return failed(errno, source, destination);
+        // At the end: a folder that may not be written to could not have been filled. Nor could it
+        // be moved, so the outermost one comes later still.
+        if (!failure && source != _source &&
+            ::chmod(destination.c_str(), mode & permissionsOfFolder) != 0) {
+            return failed(errno, source);
         }
-        return failed(failure.value(), source, destination);
+        return failed(failure.value(), source);
     }
 
+    const fs::path _source, _destination, _shownDestination;
     const std::atomic<bool>& _isCancelled;
-    bool _hasBegun = false;
     std::vector<char> _piece;
 };
 
@@ -195,6 +213,38 @@ void removeTree(const fs::path& path) {
         }
     }
     fs::remove(path, ignored);
+}
+
+/// Moves a finished copy to where it belongs, in one step, so that nobody meets half of it. Answers
+/// 0 or the errno of the failure, EEXIST when something has come to be there meanwhile.
+int moveIntoPlace(const fs::path& made, const fs::path& destination) {
+    std::error_code ignored;
+    if (!fs::is_directory(fs::symlink_status(made, ignored))) {
+        if (::linkat(AT_FDCWD, made.c_str(), AT_FDCWD, destination.c_str(), 0) == 0) {
+            return 0;
+        }
+        // Some file systems have no links.
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) {
+            return errno;
+        }
+        if (fs::exists(fs::symlink_status(destination, ignored))) {
+            return EEXIST;
+        }
+    }
+    // A folder replaces at most an empty one.
+    return ::rename(made.c_str(), destination.c_str()) == 0 ? 0 : errno;
+}
+
+/// Gives the copy of a folder the folder's permissions. Answers 0 or the errno of the failure.
+int takeOverPermissions(const fs::path& source, const fs::path& destination) {
+    struct stat information {};
+    if (::lstat(source.c_str(), &information) != 0) {
+        return errno;
+    }
+    const bool isDone =
+        !S_ISDIR(information.st_mode) ||
+        ::chmod(destination.c_str(), information.st_mode & permissionsOfFolder) == 0;
+    return isDone ? 0 : errno;
 }
 
 /// Makes the folder; one that is there is no failure. Answers 0 or the errno of the failure.
@@ -224,6 +274,11 @@ std::optional<FileFailure> FileManager::copyItem(std::string_view source,
                                                  std::string_view destination) {
     const fs::path from = withoutEndSlashes(source);
     const fs::path to = withoutEndSlashes(destination);
+    for (const std::string_view path : {source, destination}) {
+        if (auto failure = failureOfNUL(path)) {
+            return failure;
+        }
+    }
     const std::string what = quoted(from) + " could not be copied to " + quoted(to);
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(to, ignored))) {
@@ -235,15 +290,26 @@ std::optional<FileFailure> FileManager::copyItem(std::string_view source,
     if (_isCancelled) {
         return failureOf(ECANCELED, what);
     }
-    Copy copy(_isCancelled);
-    auto failure = copy.copyItem(from, to);
-    if (failure && copy.hasBegun()) {
-        removeTree(to);
+    // In a folder of its own beside the destination, so on the same file system.
+    std::string workshop = (to.parent_path() / ".copy-XXXXXX").string();
+    if (::mkdtemp(workshop.data()) == nullptr) {
+        return failureOf(errno, what);
     }
+    const fs::path made = fs::path(workshop) / "copy";
+    auto failure = Copy(from, made, to, _isCancelled).make();
+    if (!failure) {
+        const int moveFailure = moveIntoPlace(made, to);
+        const int lastFailure = moveFailure != 0 ? moveFailure : takeOverPermissions(from, to);
+        failure = lastFailure != 0 ? std::optional(failureOf(lastFailure, what)) : std::nullopt;
+    }
+    removeTree(workshop);
     return failure;
 }
 
 std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
+    if (auto failure = failureOfNUL(path)) {
+        return failure;
+    }
     const fs::path folder = withoutEndSlashes(path);
     const int failure = makeFolders(folder);
     if (failure == 0) {
@@ -253,9 +319,13 @@ std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
 }
 
 std::optional<FileFailure> FileManager::writeText(std::string_view path, std::string_view text) {
+    if (auto failure = failureOfNUL(path)) {
+        return failure;
+    }
     const fs::path file(path);
-    FileDescriptor descriptor(
-        ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, permissionsOfNewText));
+    // A pipe that nobody reads would hold us up for ever.
+    FileDescriptor descriptor(::open(
+        file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, permissionsOfNewText));
     int failure = descriptor.isOpen() ? writeAll(descriptor, text) : errno;
     const int lateFailure = descriptor.close();
     failure = failure != 0 ? failure : lateFailure;

@@ -6,7 +6,8 @@
 //     }
 //
 // Paths are taken as they are ("~" is a name like any other), relative ones as seen from the
-// process's working directory. A failure is answered, nothing is thrown for it.
+// process's working directory; whoever means another folder puts it in front. A failure is
+// answered, nothing is thrown for it.
 #pragma once
 
 #include <atomic>
@@ -29,8 +30,9 @@ struct FileFailure {
 class NEB_EXPORT FileManager {
 public:
     /// Copies a file, a symbolic link (as a link) or a folder with all that is in it, permissions
-    /// included, to a path at which nothing is yet, in a folder that is there. Nothing is ever
-    /// overwritten. When it fails, what had been copied until then is removed again.
+    /// included (not its dates), to a path at which nothing is yet, in a folder that is there.
+    /// Nothing is ever overwritten. The copy appears at its place once it is whole; when it fails,
+    /// what had been copied until then is removed again.
     [[nodiscard]] std::optional<FileFailure> copyItem(std::string_view source,
                                                       std::string_view destination);
 

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <thread>
 
 #include "Support/HygienicTest.h"
@@ -190,17 +191,44 @@ TEST_F(FileManagerTest, ACancelledCopyFailsAndLeavesNothing) {
 TEST_F(FileManagerTest, ACopyThatRunsIsCancelledSoon) {
     // A file without an end: without the cancelling, the copy would not end either.
     ASSERT_EQ(::truncate((folder.write("a", ""), path("a").c_str()), off_t{1} << 40), 0);
-    std::thread canceller([this] {
-        while (!fs::exists(path("b"))) {
+    const auto count = [this] {
+        return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
+    };
+    std::thread canceller([&] {
+        while (count() == 1) {
             std::this_thread::yield();
         }
+        EXPECT_FALSE(fs::exists(path("b"))) << "half a copy is seen";
         manager.cancel();
     });
     const auto failure = copy("a", "b");
     canceller.join();
     ASSERT_NE(failure, nothing);
     EXPECT_EQ(failure->errorNumber, ECANCELED);
+    EXPECT_EQ(count(), 1) << "something is left";
+}
+
+TEST_F(FileManagerTest, APathWithANULCharacterIsRefused) {
+    folder.write("a", "a");
+    const std::string withNUL = path("b") + std::string("\0c", 2);
+    const std::string sentence = "The path \"" + path("b") + "\" holds a NUL character.";
+    EXPECT_EQ(textOf(manager.copyItem(path("a"), withNUL)), sentence);
+    EXPECT_EQ(textOf(manager.copyItem(withNUL, path("c"))), sentence);
+    EXPECT_EQ(textOf(manager.createDirectory(withNUL)), sentence);
+    EXPECT_EQ(textOf(manager.writeText(withNUL, "x")), sentence);
+    EXPECT_EQ(manager.createDirectory(withNUL)->errorNumber, EINVAL);
     EXPECT_FALSE(fs::exists(path("b")));
+}
+
+TEST_F(FileManagerTest, ACopyIntoAFolderWithoutPermissionNamesTheDestination) {
+    const AsOrdinaryUser user;
+    const TemporaryFolder own;
+    own.write("a", "a");
+    fs::create_directory(own.path("locked"));
+    fs::permissions(own.path("locked"), fs::perms(0555));
+    const auto failure = manager.copyItem(own.path("a"), own.path("locked/b"));
+    EXPECT_EQ(textOf(failure), "\"" + own.path("a") + "\" could not be copied to \"" +
+                                   own.path("locked/b") + "\": Permission denied.");
 }
 
 // ---- folders ----------------------------------------------------------------------------------
@@ -253,6 +281,11 @@ TEST_F(FileManagerTest, WritesATextInPlaceOfWhatWasThere) {
     fs::create_hard_link(path("a"), path("same file"));
     EXPECT_EQ(textOf(manager.writeText(path("a"), "x")), "(no failure)");
     EXPECT_EQ(folder.read("same file"), "x") << "not in place";
+}
+
+TEST_F(FileManagerTest, ATextForAPipeThatNobodyReadsFailsAtOnce) {
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(manager.writeText(path("pipe"), "x")->errorNumber, ENXIO);
 }
 
 TEST_F(FileManagerTest, ATextThatCannotBeWrittenNamesTheFileAndTheCause) {

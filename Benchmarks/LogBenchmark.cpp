@@ -30,11 +30,12 @@ std::shared_ptr<NEBSourceControlRequest> logRequest(const std::string& location,
 /// Runs the command there and answers what it wrote to standard output.
 Data run(const std::string& folder, std::string program, std::vector<std::string> arguments) {
     ChildProcess process;
-    auto outcomes = process.run({{.launchPath = std::move(program),
-                                  .arguments = std::move(arguments),
-                                  .currentDirectoryPath = folder,
-                                  .environment = NEBSourceControlChildEnvironment(
-                                      NEBSourceControlInheritedEnvironment(), {})}});
+    auto outcomes =
+        process.run({{.launchPath = std::move(program),
+                      .arguments = std::move(arguments),
+                      .currentDirectoryPath = folder,
+                      .environment = NEBSourceControlChildEnvironment(
+                          NEBSourceControlInheritedEnvironment(), {.writesWholeBuffers = true})}});
     if (!outcomes[0].status.isSuccess()) {
         throw std::runtime_error(program + ": " + outcomes[0].errorOutput);
     }

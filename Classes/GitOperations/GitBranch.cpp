@@ -77,26 +77,22 @@ GitBranchOperation::GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> 
     : GitOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
     std::vector<std::string> arguments{"branch"};
-    const auto appendIfPresent = [&arguments](const NEBValue& value) {
-        if (value.isPresent()) {
-            arguments.push_back(value.description());
-        }
-    };
+    setJudgedByExitStatus();
     switch (asked.type) {
         case NEBSourceControlRequestDeleteBranch:
             arguments.emplace_back(
                 asked.option(NEBSourceControlRequestOptionForce).boolValue() ? "-D" : "-d");
-            appendIfPresent(asked.destination);
+            appendIfPresent(arguments, asked.destination);
             break;
         case NEBSourceControlRequestTrackRemoteBranch:
             reportMissingNames(asked);
             arguments.emplace_back("--track");
-            appendIfPresent(asked.destination);
+            appendIfPresent(arguments, asked.destination);
             arguments.push_back(branchOfRemote(asked));
             break;
         default:
-            appendIfPresent(asked.destination);
-            appendIfPresent(asked.option(NEBSourceControlRequestOptionSourceLocation));
+            appendIfPresent(arguments, asked.destination);
+            appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionSourceLocation));
             break;
     }
     setArguments(std::move(arguments));

@@ -21,12 +21,10 @@ public:
     [[nodiscard]] std::string className() const override { return "GitCheckoutOperation"; }
     void parseData() override;
     /// A checkout of what git knows neither as a revision nor as a file is told as that, though git
-    /// speaks of a path.
+    /// speaks of a path; a hook that fails after the checkout, whatever its words, as that; and a
+    /// file that git left as it was is an error though git ends with 0.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
-    /// The hook that runs after a checkout makes git fail, though all is done.
-    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
-        std::optional<NEBSourceControlError> error) override;
 };
 
 }  // namespace neb

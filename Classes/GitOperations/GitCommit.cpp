@@ -1,5 +1,8 @@
 #include "GitOperations/GitCommit.h"
 
+#include <algorithm>
+#include <array>
+
 #include "GitOperations/GitHookFailure.h"
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -29,6 +32,7 @@ std::optional<std::string_view> secondWord(std::string_view text) {
 
 GitCommitOperation::GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"commit"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.option(NEBSourceControlRequestOptionAllowEmptyCommit).boolValue()) {
@@ -57,9 +61,31 @@ void GitCommitOperation::parseData() {
     setResult({{std::move(record)}});
 }
 
+/// git then ends with 1 and prints nothing of its own behind the hook's words. Of what it says
+/// itself with that status, these are all that do not come on standard output.
+std::optional<NEBSourceControlError> GitCommitOperation::errorOfHook(std::string_view words) const {
+    constexpr std::array<std::string_view, 3> ownWords{
+        "error: pathspec '", "Aborting commit due to ", "Please supply the message "};
+    const std::string_view last = gitLastLine(words);
+    const bool isOwn = std::any_of(ownWords.begin(), ownWords.end(),
+                                   [last](std::string_view own) { return last.starts_with(own); });
+    const bool hasOutput = data() && !data()->empty();
+    if (!terminationStatus() || terminationStatus()->exitStatus() != 1 || hasOutput || isOwn) {
+        return std::nullopt;
+    }
+    return gitErrorOfHook("A hook of the repository refused the commit.", words);
+}
+
+std::optional<NEBSourceControlError> GitCommitOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    auto refusal = message ? errorOfHook(*message) : std::nullopt;
+    return refusal ? refusal : GitOperation::errorFromErrorMessage(message);
+}
+
 std::optional<NEBSourceControlError> GitCommitOperation::errorFromUnknownFailure(
     std::optional<NEBSourceControlError> error) {
-    return gitErrorOfHook(*this, std::move(error), "A hook of the repository refused the commit.");
+    auto refusal = error ? std::nullopt : errorOfHook("");
+    return refusal ? refusal : GitOperation::errorFromUnknownFailure(std::move(error));
 }
 
 }  // namespace neb

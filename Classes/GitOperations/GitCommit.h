@@ -15,16 +15,22 @@ namespace neb {
 /// prints first, "[main 0123456] …", so the new commit's abbreviated name as a rule. For the first
 /// commit of a repository ("[main (root-commit) 0123456] …") it is "(root-commit", for a commit on
 /// no branch ("[detached HEAD 0123456] …") "HEAD". Absent when git printed nothing or one word
-/// alone.
+/// alone. What git prints when there is nothing to commit ("On branch main …") gives a record too,
+/// beside the error.
 class GitCommitOperation : public GitOperation {
 public:
     explicit GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitCommitOperation"; }
     void parseData() override;
-    /// A commit that fails without a word of git's own was refused by a hook.
+    /// A hook that refuses is told from git's own failures, whatever its words.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override;
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
         std::optional<NEBSourceControlError> error) override;
+
+private:
+    [[nodiscard]] std::optional<NEBSourceControlError> errorOfHook(std::string_view words) const;
 };
 
 }  // namespace neb

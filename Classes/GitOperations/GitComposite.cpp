@@ -17,6 +17,9 @@ void GitSubOperations::add(const NEBSourceControlOperation& composite,
     operation->setCommandLog(composite.commandLog());
     operation->setBackgroundWork(composite.isBackgroundWork());
     _added.push_back(operation);
+    if (composite.isCancelled()) {
+        operation->cancel();
+    }
     queue()->addOperation(operation);
     // Whoever cancels marks the composite first and looks at the queue then: one of the two sees.
     if (composite.isCancelled()) {

@@ -11,7 +11,8 @@ namespace neb {
 
 /// The base of work in the file system beside which its destination is staged. The two are not
 /// ordered: an add that comes first may find nothing to stage. An error is the file system's alone
-/// (in NEBPOSIXErrorDomain); the add's is dropped, and its result, nothing, is the result.
+/// (in NEBPOSIXErrorDomain); the add's is dropped, and its result, absent, is the result. Without a
+/// destination nothing is staged.
 class GitFileSystemOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;
@@ -22,8 +23,13 @@ public:
 protected:
     /// The work itself, done on the queue.
     [[nodiscard]] virtual std::optional<FileFailure> work(FileManager& manager) = 0;
+    /// A value of the request as a path; a relative one as git would take it, from the source
+    /// tree's folder. Empty, which no file has for a name, for an absent value.
+    [[nodiscard]] std::string pathOf(const NEBValue& value) const;
 
 private:
+    void doWork();
+
     FileManager _fileManager;
 };
 

@@ -1,5 +1,6 @@
 #include "GitOperations/GitExchange.h"
 
+#include "GitOperations/GitHookFailure.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
@@ -26,10 +27,35 @@ bool contains(std::string_view text, std::string_view words) {
     return text.find(words) != std::string_view::npos;
 }
 
-void appendIfPresent(std::vector<std::string>& arguments, const NEBValue& value) {
-    if (value.isPresent()) {
-        arguments.push_back(value.description());
-    }
+/// Whether one of the text's lines is this one.
+bool hasLine(std::string_view text, std::string_view line) {
+    bool isThere = false;
+    forEachPiece(text, '\n', [&](std::string_view piece) { isThere = isThere || piece == line; });
+    return isThere;
+}
+
+/// git itself says no more than its last line when the hook that runs before it speaks to the
+/// remote refuses. What it says of a branch that it cannot send comes in the same way.
+bool tellsOfRefusalBeforeSending(std::string_view text) {
+    constexpr std::string_view failed = "error: failed to push some refs to '";
+    constexpr std::string_view causes[] = {"To ",
+                                           " ! ",
+                                           "error: src refspec ",
+                                           "error: The destination you provided ",
+                                           "error: dst refspec ",
+                                           "error: unable to "};
+    std::string_view last;
+    bool isCauseTold = false;
+    forEachPiece(text, '\n', [&](std::string_view line) {
+        if (line.empty()) {
+            return;
+        }
+        last = line;
+        for (const std::string_view cause : causes) {
+            isCauseTold = isCauseTold || line.starts_with(cause);
+        }
+    });
+    return last.starts_with(failed) && !isCauseTold;
 }
 
 }  // namespace
@@ -41,6 +67,7 @@ GitFetchOperation::GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> re
     const NEBSourceControlRequest& asked = *this->request();
     assertNonEmptyOption(asked, NEBSourceControlRequestOptionRemoteName, remoteNameExpression,
                          "-[GitFetchOperation initWithRequest:]", 634);
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"fetch", "-q"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));
     setArguments(std::move(arguments));
@@ -60,8 +87,8 @@ void GitFetchOperation::parseData() {
 /// git names what it rejects in the listing that its quiet mode leaves out.
 std::optional<NEBSourceControlError> GitFetchOperation::errorFromUnknownFailure(
     std::optional<NEBSourceControlError> error) {
-    if (error) {
-        return error;
+    if (error || terminationStatus()->exitStatus() != 1) {
+        return GitOperation::errorFromUnknownFailure(std::move(error));
     }
     auto rejection = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError,
@@ -80,6 +107,7 @@ GitPullOperation::GitPullOperation(std::shared_ptr<NEBSourceControlRequest> requ
                          function, 1818);
     assertNonEmptyOption(asked, NEBSourceControlRequestOptionBranch, branchExpression, function,
                          1819);
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"pull", "--ff-only"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionBranch));
@@ -90,8 +118,10 @@ void GitPullOperation::parseData() {
     setResult(NEBSourceControlResult{});
     if (data()) {
         const std::string output = *_nebsc_stringFromData(data());
-        // Until git 2.14 with hyphens.
-        if (contains(output, "Already up-to-date") || contains(output, "Already up to date")) {
+        const bool isSuccess = !terminationStatus() || terminationStatus()->isSuccess();
+        // Until git 2.14 with hyphens; a file of the other name may be among what came.
+        if (isSuccess &&
+            (contains(output, "Already up-to-date") || hasLine(output, "Already up to date."))) {
             auto upToDate = NEBSourceControlError::withDescription(
                 NEBSourceControlUpToDateError,
                 formattedText("The local repository \"%@\" is up to date.",
@@ -116,6 +146,7 @@ GitPushOperation::GitPushOperation(std::shared_ptr<NEBSourceControlRequest> requ
     : GitOperation(std::move(request)) {
     constexpr std::string_view function = "-[GitPushOperation initWithRequest:]";
     const NEBSourceControlRequest& asked = *this->request();
+    setJudgedByExitStatus();
     if (asked.remote && asked.remote->representsGitSVNBridge) {
         setArguments({"svn", "dcommit", "--quiet"});
         return;
@@ -149,28 +180,13 @@ void GitPushOperation::parseData() {
     setResult({{{{NEBSourceControlOperationContentKey, words}}}});
 }
 
-/// git then says no more than that it failed: the hook ran before it had spoken to the remote.
-std::optional<NEBSourceControlError> GitPushOperation::errorFromUnknownFailure(
-    std::optional<NEBSourceControlError> error) {
-    bool hasFailedAtOnce = false;
-    bool hasSaidMore = false;
-    forEachPiece(error && error->text ? *error->text : std::string(), '\n',
-                 [&](std::string_view line) {
-                     if (line.starts_with("error: failed to push some refs to '")) {
-                         hasFailedAtOnce = true;
-                     } else if (line.starts_with("error: ") || line.starts_with("fatal: ") ||
-                                line.starts_with("To ") || line.starts_with(" ! ")) {
-                         hasSaidMore = true;
-                     }
-                 });
-    if (!hasFailedAtOnce || hasSaidMore) {
-        return error;
+std::optional<NEBSourceControlError> GitPushOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    const bool isFailure = !terminationStatus() || !terminationStatus()->isSuccess();
+    if (isFailure && message && tellsOfRefusalBeforeSending(*message)) {
+        return gitErrorOfHook("A hook of the repository refused the push.", *message);
     }
-    auto refusal = NEBSourceControlError::withDescription(
-        NEBSourceControlGenericError, "A hook of the repository refused the push.");
-    refusal.errorClass = NEBSourceControlLocalHookErrorClass;
-    refusal.text = error->text;
-    return refusal;
+    return GitOperation::errorFromErrorMessage(message);
 }
 
 }  // namespace neb

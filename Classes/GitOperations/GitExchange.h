@@ -10,8 +10,8 @@
 namespace neb {
 
 /// Fetches from the remote that the option NEBSourceControlRequestOptionRemoteName names (one that
-/// is no non-empty string is reported). The result is empty. What the Subversion bridge says as a
-/// matter of course is no error.
+/// is no non-empty string is reported). The result is empty, after a failure too. What the
+/// Subversion bridge says as a matter of course is no error.
 class GitFetchOperation : public GitOperation {
 public:
     explicit GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -24,8 +24,9 @@ public:
 };
 
 /// Brings the remote's branch, both named by options, into the current one by fast-forward alone.
-/// The result is one record with NEBSourceControlOperationContentKey, what git printed. A pull that
-/// finds nothing new ends with the error NEBSourceControlUpToDateError and an empty result.
+/// The result is one record with NEBSourceControlOperationContentKey, what git printed; a pull that
+/// failed may have one beside its error. A pull that finds nothing new ends with the error
+/// NEBSourceControlUpToDateError and an empty result.
 class GitPullOperation : public GitOperation {
 public:
     explicit GitPullOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -37,8 +38,9 @@ public:
 /// Sends the branch of the option NEBSourceControlRequestOptionBranch to the branch of the remote
 /// that the destination names; over the Subversion bridge, the commits that the server does not
 /// have. The result is one record with NEBSourceControlOperationContentKey, what git said on
-/// standard error; absent when that tells of a fatal failure. A rejected push has both a result and
-/// an error.
+/// standard error ("Everything up-to-date" when there was nothing to send, nothing over the
+/// bridge); absent when that holds the word "fatal". A rejected push has both a result and an
+/// error.
 class GitPushOperation : public GitOperation {
 public:
     explicit GitPushOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -46,8 +48,8 @@ public:
     [[nodiscard]] std::string className() const override { return "GitPushOperation"; }
     void parseData() override;
     /// A push that fails before it has reached the remote was refused by a hook.
-    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
-        std::optional<NEBSourceControlError> error) override;
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override;
 };
 
 }  // namespace neb

@@ -1,20 +1,22 @@
 // GitHookFailure.h - failures that are no doing of git's own, but of a hook of the repository.
+//
+// Whatever a hook prints, git passes on to standard error and puts no mark on it; so its words must
+// not choose the class of the failure. Each operation knows by what git itself said, or did not
+// say, that a hook was the cause.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <string_view>
 
 #include "NEBFoundation/NEBSourceControlError.h"
-#include "NEBFoundation/NEBSourceControlTaskOperation.h"
 
 namespace neb {
 
-/// For a git that failed although nothing that it said shows a class of failure: the error of the
-/// class "local-hook-refused" with the description, when git printed nothing of its own, neither a
-/// result nor a reason; else `error` as it is. What a hook prints, on whichever stream, git passes
-/// on to standard error, and there is no other mark of its refusal.
-[[nodiscard]] std::optional<NEBSourceControlError> gitErrorOfHook(
-    const NEBSourceControlTaskOperation& operation, std::optional<NEBSourceControlError> error,
-    std::string description);
+/// The text's last line that is not blank, without its line end; empty when there is none.
+[[nodiscard]] std::string_view gitLastLine(std::string_view text);
+
+/// An error of the class "local-hook-refused" with the description and, unless they are blank, the
+/// words that were printed.
+[[nodiscard]] NEBSourceControlError gitErrorOfHook(std::string description, std::string_view words);
 
 }  // namespace neb

@@ -14,26 +14,20 @@ constexpr NEBSourceControlAssertionSite mergeBaseSite(int line) {
             .line = line};
 }
 
-/// What stands for the revision: a symbolic name means the latest commit.
-void appendRevision(std::vector<std::string>& arguments, const NEBValue& revision) {
-    if (gitIsSymbolicRevision(revision)) {
-        arguments.emplace_back("HEAD");
-    } else if (revision.isPresent()) {
-        arguments.push_back(revision.description());
-    }
+/// A symbolic name means the latest commit.
+NEBValue revisionFor(const NEBValue& revision) {
+    return gitIsSymbolicRevision(revision) ? NEBValue("HEAD") : revision;
 }
 
 }  // namespace
 
 GitMergeOperation::GitMergeOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"merge", "-s", "recursive", "-X", "ours"};
     const NEBSourceControlRequest& asked = *this->request();
-    if (asked.endingRevision.isPresent()) {
-        arguments.push_back(asked.endingRevision.description());
-    } else if (asked.destination.isPresent()) {
-        arguments.push_back(asked.destination.description());
-    }
+    appendIfPresent(arguments,
+                    asked.endingRevision.isPresent() ? asked.endingRevision : asked.destination);
     if (!error()) {
         setArguments(std::move(arguments));
     }
@@ -47,8 +41,9 @@ GitMergeBaseOperation::GitMergeBaseOperation(std::shared_ptr<NEBSourceControlReq
     NEBSourceControlAssertNonEmptyString(mergeBaseSite(1345), asked.endingRevision,
                                          "endingRevision");
     std::vector<std::string> arguments{"merge-base"};
-    appendRevision(arguments, asked.startingRevision);
-    appendRevision(arguments, asked.endingRevision);
+    appendIfPresent(arguments, revisionFor(asked.startingRevision));
+    appendIfPresent(arguments, revisionFor(asked.endingRevision));
+    setSilenceIsAnswer();
     setArguments(std::move(arguments));
 }
 

@@ -21,6 +21,7 @@ bool isBare(const NEBSourceControlRequest& request) {
 GitCreateRepositoryOperation::GitCreateRepositoryOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     if (isBare(*this->request())) {
         setArgumentsBehindDefaults({"init", "--bare", "--quiet"});
     } else {
@@ -34,6 +35,7 @@ void GitCreateRepositoryOperation::parseData() {
             NEBSourceControlGenericError, formattedText("Cannot initialize a git repository: (%@)",
                                                         {*_nebsc_stringFromData(data())})));
     } else if (!isBare(*request()) && terminationStatus() && terminationStatus()->isSuccess()) {
+        // Where git failed, the list may be one that somebody wrote.
         writeExcludeFile();
     }
 }
@@ -48,6 +50,7 @@ void GitCreateRepositoryOperation::writeExcludeFile() {
 
 GitCloneOperation::GitCloneOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"clone", "--recursive", "-q"};
     const NEBSourceControlRequest& asked = *this->request();
     const NEBValue& branch = asked.option(NEBSourceControlRequestOptionBranch);

@@ -4,6 +4,7 @@
 
 #include "GitOperations/GitErrorTable.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -70,21 +71,38 @@ void GitOperation::setCurrentDirectoryToOneFile() {
 
 void GitOperation::appendFiles(std::vector<std::string>& arguments) const {
     for (std::size_t i = 0; i < request()->fileCount(); ++i) {
-        const NEBValue& file = (*request()->files)[i];
-        if (file.isPresent()) {
-            arguments.push_back(file.description());
-        }
+        appendIfPresent(arguments, (*request()->files)[i]);
+    }
+}
+
+void GitOperation::appendIfPresent(std::vector<std::string>& arguments, const NEBValue& value) {
+    if (value.isPresent()) {
+        arguments.push_back(value.description());
     }
 }
 
 std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
-    if (!message) {
+    const bool isSuccess = terminationStatus() && terminationStatus()->isSuccess();
+    if (!message || (isSuccess && _isJudgedByExitStatus)) {
         return std::nullopt;
     }
     const GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());
     return translation.isKnown ? translation.error
                                : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
+}
+
+std::optional<NEBSourceControlError> GitOperation::errorFromUnknownFailure(
+    std::optional<NEBSourceControlError> error) {
+    const int status = terminationStatus()->exitStatus().value_or(0);
+    if (error || (_isSilenceAnswer && status == 1)) {
+        return error;
+    }
+    auto silence = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        "git told nothing and ended with exit status " + std::to_string(status) + ".");
+    silence.errorClass = NEBSourceControlUnknownErrorClass;
+    return silence;
 }
 
 }  // namespace neb

@@ -35,6 +35,11 @@ public:
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
+    /// A git that fails without a word is an error that tells its exit status, unless silence is an
+    /// answer to what it was asked.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
+        std::optional<NEBSourceControlError> error) override;
+
     /// Reads one line of a status or of a list of names and states: a record with the status value
     /// and the path, in front of which `fullPath` is put unless that is empty. Nothing for a line
     /// without a state.
@@ -42,6 +47,12 @@ public:
         std::string_view line, std::string_view fullPath);
 
 protected:
+    /// For an operation that changes something: whether it did, git's exit status alone tells. What
+    /// is said beside a success, by a hook or by the far end, is no error whatever its words.
+    void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
+    /// For a question: a git that ends with 1 and says nothing has answered that there is nothing.
+    void setSilenceIsAnswer() { _isSilenceAnswer = true; }
+
     /// Sets the arguments, behind those of defaultArguments().
     void setArgumentsBehindDefaults(const std::vector<std::string>& arguments);
     /// When the request has exactly one file, a folder's path or file URL, that becomes the working
@@ -49,6 +60,12 @@ protected:
     void setCurrentDirectoryToOneFile();
     /// Appends the request's files, each as it is; an absent one leaves no trace.
     void appendFiles(std::vector<std::string>& arguments) const;
+    /// Appends the value as text; an absent one leaves no trace.
+    static void appendIfPresent(std::vector<std::string>& arguments, const NEBValue& value);
+
+private:
+    bool _isJudgedByExitStatus = false;
+    bool _isSilenceAnswer = false;
 };
 
 }  // namespace neb

@@ -82,10 +82,9 @@ void GitListRemotesOperation::main() {
 
 GitAddRemoteOperation::GitAddRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"remote", "add"};
-    if (this->request()->destination.isPresent()) {
-        arguments.push_back(this->request()->destination.description());
-    }
+    appendIfPresent(arguments, this->request()->destination);
     if (this->request()->fileCount() == 1) {
         appendFiles(arguments);
     }
@@ -94,10 +93,9 @@ GitAddRemoteOperation::GitAddRemoteOperation(std::shared_ptr<NEBSourceControlReq
 
 GitRemoveRemoteOperation::GitRemoveRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"remote", "rm"};
-    if (this->request()->destination.isPresent()) {
-        arguments.push_back(this->request()->destination.description());
-    }
+    appendIfPresent(arguments, this->request()->destination);
     setArgumentsBehindDefaults(arguments);
 }
 

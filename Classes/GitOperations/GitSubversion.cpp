@@ -31,6 +31,7 @@ GitFetchSVNRemoteNameOperation::GitFetchSVNRemoteNameOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
     setArguments({"config", "--get", "svn-remote.svn.fetch"});
+    setSilenceIsAnswer();
     setCurrentDirectoryToOneFile();
 }
 
@@ -78,6 +79,7 @@ void GitListSVNRemoteOperation::main() {
 
 GitSvnFetchOperation::GitSvnFetchOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     setArguments({"svn", "fetch"});
 }
 
@@ -95,10 +97,9 @@ GitSvnRebaseOperation::GitSvnRebaseOperation(std::shared_ptr<NEBSourceControlReq
                                           .file = "Classes/GitOperations",
                                           .line = 1804},
                                          destination, "self.request.destination");
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"rebase", "-s", "recursive", "-X", "ours"};
-    if (destination.isPresent()) {
-        arguments.push_back(destination.description());
-    }
+    appendIfPresent(arguments, destination);
     setArguments(std::move(arguments));
 }
 

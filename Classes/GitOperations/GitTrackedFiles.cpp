@@ -2,6 +2,7 @@
 
 #include "LOMFoundation/LOMFilePath.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "Platform/PathString.h"
 
 namespace neb {
 
@@ -17,10 +18,12 @@ bool isFolder(const std::string& path) {
     return attributes && attributes->fileType == LOMFileType::directory;
 }
 
-/// The file's path, a folder's with a "/" at its end.
-std::string pathToAdd(const NEBValue& file) {
+/// The file's path, a folder's with a "/" at its end. A relative one is looked up where git will.
+std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& currentFolder) {
     std::string path = file.description();
-    if (!path.ends_with('/') && isFolder(path)) {
+    const std::string place =
+        isAbsolutePath(path) ? path : pathByAppendingComponent(currentFolder.value_or(""), path);
+    if (!path.ends_with('/') && isFolder(place)) {
         path += '/';
     }
     return path;
@@ -30,6 +33,7 @@ std::string pathToAdd(const NEBValue& file) {
 
 GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"add", "--"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.destination.isPresent()) {
@@ -41,7 +45,7 @@ GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> reques
             NEBSourceControlAssertInstance(pathStringSite, file, file.isString(), "pathString",
                                            "NSString");
             if (file.isPresent()) {
-                arguments.push_back(pathToAdd(file));
+                arguments.push_back(pathToAdd(file, currentDirectoryPath()));
             }
         }
     }
@@ -50,6 +54,7 @@ GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> reques
 
 GitRemoveOperation::GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"rm", "-f", "-r", "--"};
     appendFiles(arguments);
     setArguments(std::move(arguments));
@@ -57,14 +62,13 @@ GitRemoveOperation::GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> 
 
 GitMoveOperation::GitMoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setJudgedByExitStatus();
     std::vector<std::string> arguments{"mv"};
     const NEBSourceControlRequest& asked = *this->request();
-    if (asked.fileCount() > 0 && asked.files->front().isPresent()) {
-        arguments.push_back(asked.files->front().description());
+    if (asked.fileCount() > 0) {
+        appendIfPresent(arguments, asked.files->front());
     }
-    if (asked.destination.isPresent()) {
-        arguments.push_back(asked.destination.description());
-    }
+    appendIfPresent(arguments, asked.destination);
     setArguments(std::move(arguments));
 }
 

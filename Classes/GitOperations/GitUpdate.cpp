@@ -34,8 +34,10 @@ void GitUpdateOperation::main() {
 template <typename Op>
 void GitUpdateOperation::runAndTakeOver() {
     const auto operation = run<Op>(request());
-    setError(operation->error());
-    setResult(operation->result());
+    if (!isCancelled()) {
+        setError(operation->error());
+        setResult(operation->result());
+    }
 }
 
 }  // namespace neb

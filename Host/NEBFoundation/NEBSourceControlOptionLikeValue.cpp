@@ -74,6 +74,30 @@ bool isCount(const NEBValue& value) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
+/// Both sides of a push are one argument, "branch:destination".
+std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceControlRequest& request) {
+    const bool isBridge = request.remote && request.remote->representsGitSVNBridge;
+    if (request.type != NEBSourceControlRequestPush || isBridge) {
+        return std::nullopt;
+    }
+    const std::string branchField = "options." + std::string(NEBSourceControlRequestOptionBranch);
+    const std::pair<std::string, const std::string*> sides[] = {
+        {branchField, request.option(NEBSourceControlRequestOptionBranch).string()},
+        {"destination", request.destination.string()}};
+    for (const auto& [field, text] : sides) {
+        if (text != nullptr && text->empty()) {
+            return NEBSourceControlOptionLikeValue{field, *text, "delete a branch of the remote"};
+        }
+        if (text != nullptr && text->starts_with('+')) {
+            return NEBSourceControlOptionLikeValue{field, *text, "overwrite the remote's branch"};
+        }
+        if (text != nullptr && text->find('*') != std::string::npos) {
+            return NEBSourceControlOptionLikeValue{field, *text, "take it for many branches"};
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeValue(
@@ -82,7 +106,7 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     std::optional<NEBSourceControlOptionLikeValue> found;
     const auto look = [&](Place place, std::string field, const std::string* text) {
         if (!found && (places & place) != 0 && looksLikeOption(text)) {
-            found = {std::move(field), *text};
+            found = {.field = std::move(field), .value = *text};
         }
     };
     const auto lookAtOption = [&](Place place, NEBConstant key) {
@@ -108,10 +132,10 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     const NEBValue& limit = request.option(NEBSourceControlRequestOptionLogOutputLimit);
     if (!found && request.type == NEBSourceControlRequestLog && limit.isPresent() &&
         !isCount(limit)) {
-        found = {"options." + std::string(NEBSourceControlRequestOptionLogOutputLimit),
-                 limit.description()};
+        found = {.field = "options." + std::string(NEBSourceControlRequestOptionLogOutputLimit),
+                 .value = limit.description()};
     }
-    return found;
+    return found ? found : firstOfPush(request);
 }
 
 }  // namespace neb

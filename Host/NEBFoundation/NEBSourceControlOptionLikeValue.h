@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Platform/Export.h"
@@ -14,12 +15,15 @@ struct NEBSourceControlOptionLikeValue {
     /// "options.NEBSourceControlRequestOptionBranch".
     std::string field;
     std::string value;
+    /// What git would do with it, behind "git would".
+    std::string_view danger = "take it for an option";
 };
 
 /// The first value of the request that begins with "-" and would stand in its command line where
-/// git reads options, or that is the limit of a log, which gets a "-" in front, and no count;
-/// nothing when there is none. A host that takes values from outside asks this
-/// before it asks for an operation, and refuses the request. From any thread.
+/// git reads options, or that is the limit of a log, which gets a "-" in front, and no count, or
+/// that makes a push more than the sending of one branch to another (an empty side deletes, a "+"
+/// in front overwrites, a "*" takes all); nothing when there is none. A host that takes values from
+/// outside asks this before it asks for an operation, and refuses the request. From any thread.
 [[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlOptionLikeValue>
 NEBSourceControlFirstOptionLikeValue(const NEBSourceControlRequest& request);
 

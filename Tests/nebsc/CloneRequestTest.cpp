@@ -74,9 +74,26 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
     const StandInGit git("", "echo half > done; exit 3");
     const NebscOutcome outcome = runRequest(requestTo(folder.path("a/clone"), repository.path()),
                                             {.variables = {git.path()}});
-    EXPECT_TRUE(outcome.json()["error"].is_null());
-    EXPECT_EQ(outcome.json()["commands"][0]["terminationStatus"], 3);
+    EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
+              "git told nothing and ended with exit status 3.");
+    EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST_F(CloneRequest, EmptiesAgainWhatWasEmptyAndKeepsIt) {
+    const StandInGit git("", "echo half > done; mkdir more; exit 3");
+    fs::create_directory(folder.path("there"));
+    EXPECT_EQ(
+        runRequest(requestTo(folder.path("there"), repository.path()), {.variables = {git.path()}})
+            .exitStatus,
+        1);
+    EXPECT_TRUE(fs::is_empty(folder.path("there")));
+    folder.write("full/file", "x");
+    EXPECT_EQ(
+        runRequest(requestTo(folder.path("full"), repository.path()), {.variables = {git.path()}})
+            .exitStatus,
+        1);
+    EXPECT_EQ(folder.read("full/file"), "x");
 }
 
 TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {

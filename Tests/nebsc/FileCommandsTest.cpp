@@ -225,7 +225,8 @@ TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
     EXPECT_EQ(repository.gitStatus({"merge", "topic"}), 1);
     change({"a.c"});
     expectFailed(nebsc({"revert", "deep.c", "../a.c"}, "src"),
-                 "nebsc: These files are in conflict and stay as they were:\n    deep.c\n");
+                 "nebsc: Files that are in conflict stay as they were.\nSettle them and add them.\n"
+                 "    warning: path 'src/deep.c' is unmerged\n");
     EXPECT_EQ(state(), "UU src/deep.c\n");
     expectDone(nebsc({"revert", "a.c"}));
     const NebscOutcome json = nebsc({"revert", "--json", "src/deep.c"});

@@ -9,11 +9,40 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-NebscOutcome infoWith(const std::string& script) {
+NebscOutcome requestWith(int type, const std::string& script, const JSON& options = {}) {
     const TemporaryFolder folder;
     const StandInGit git(folder.path(), script);
-    return runRequest(JSON{{"type", 19}, {"sourceTree", {{"location", folder.path()}}}}.dump(),
-                      {.variables = {git.path()}});
+    JSON request{{"type", type}, {"sourceTree", {{"location", folder.path()}}}};
+    request["options"] = options;
+    return runRequest(request.dump(), {.variables = {git.path()}});
+}
+
+NebscOutcome infoWith(const std::string& script) {
+    return requestWith(19, script);
+}
+
+TEST(TrackingBranchRequest, PassesTheSecondQuestionsErrorOn) {
+    const NebscOutcome outcome = requestWith(
+        38,
+        "case \"$*\" in *merge) echo 'fatal: bad config line 3 in file x' >&2; exit 128;; esac\n"
+        "echo origin",
+        {{"NEBSourceControlRequestOptionBranch", "topic"}});
+    const JSON json = outcome.json();
+    EXPECT_EQ(json["error"]["class"], "configuration-broken");
+    EXPECT_TRUE(json["result"].is_null());
+}
+
+/// The Subversion repository has a URL; that the question for its name fails is not looked at.
+TEST(RemotesRequest, StandsThoughTheQuestionForTheNameFails) {
+    const NebscOutcome outcome = requestWith(
+        24,
+        "case \"$*\" in *.url) echo svn://h/p;; *.fetch) echo 'fatal: bad config line 3' >&2; "
+        "exit 128;; esac");
+    const JSON json = outcome.json();
+    EXPECT_TRUE(json["error"].is_null());
+    ASSERT_EQ(json["result"].size(), 1U);
+    EXPECT_EQ(json["result"][0]["NEBSourceControlOperationRemoteOriginKey"], "svn://h/p");
+    EXPECT_EQ(json["reports"][0]["line"], 1405);
 }
 
 /// A failed second question has an error and, beside it, the record that holds nothing: the pairing

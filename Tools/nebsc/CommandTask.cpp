@@ -45,9 +45,9 @@ Reply CommandTask::work() {
     }
     const Performance performance = perform(request());
     if (const auto& value = performance.refusedValue) {
-        return refusal(inQuotes(value->value) +
-                           " begins with \"-\"; it is refused, as git would take it for an "
-                           "option.",
+        const bool isOption = value->value.starts_with('-');
+        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
+                           " is refused, as git would " + std::string(value->danger) + ".",
                        exitNotUnderstood);
     }
     const Outcome& outcome = *performance.outcome;

@@ -99,10 +99,6 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return requestAbout(NEBSourceControlRequestRevert, paths(files));
     }
-    /// git passes over files in conflict and calls that a success.
-    void conclude(const Outcome& /*outcome*/, Reply& reply) override {
-        noteConflicts(reply, "These files are in conflict and stay as they were:", paths(files));
-    }
 };
 
 constexpr Parameter revertParameters[] = {

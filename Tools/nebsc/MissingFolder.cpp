@@ -1,6 +1,7 @@
 #include "MissingFolder.h"
 
 #include <system_error>
+#include <utility>
 
 namespace neb::nebsc {
 
@@ -16,6 +17,9 @@ FileFailure failureOf(const fs::path& folder, const char* what, const std::error
 }  // namespace
 
 std::optional<FileFailure> MissingFolder::make() {
+    std::error_code ignored;
+    _wasEmpty = fs::is_directory(fs::symlink_status(target(), ignored)) &&
+                fs::is_empty(target(), ignored) && !ignored;
     fs::path folder;
     for (const fs::path& name : _path) {
         folder /= name;
@@ -34,14 +38,28 @@ std::optional<FileFailure> MissingFolder::make() {
     return std::nullopt;
 }
 
+fs::path MissingFolder::target() const {
+    return _path.has_filename() ? _path : _path.parent_path();
+}
+
 std::optional<FileFailure> MissingFolder::removeAgain() {
     std::optional<FileFailure> failed;
-    const fs::path target = _path.has_filename() ? _path : _path.parent_path();
+    if (std::exchange(_wasEmpty, false)) {
+        std::error_code failure;
+        for (fs::directory_iterator entry(target(), failure), end; !failure && entry != end;
+             entry.increment(failure)) {
+            std::error_code failureInside;
+            fs::remove_all(entry->path(), failureInside);
+            if (failureInside && !failed) {
+                failed = failureOf(entry->path(), "removed again", failureInside);
+            }
+        }
+    }
     while (!_made.empty()) {
         const fs::path folder = std::move(_made.back());
         _made.pop_back();
         std::error_code failure;
-        if (folder == target) {
+        if (folder == target()) {
             fs::remove_all(folder, failure);
         } else {
             fs::remove(folder, failure);

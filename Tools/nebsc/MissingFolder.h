@@ -28,15 +28,24 @@ public:
     /// whatever it is, is left to whoever uses it.
     [[nodiscard]] std::optional<FileFailure> make();
     /// Leaves everything where it is.
-    void keep() { _made.clear(); }
+    void keep() {
+        _made.clear();
+        _wasEmpty = false;
+    }
     /// Removes the folder that was made, with all that is in it by now, and those on the way to it
-    /// as far as they are empty. What make() found stays untouched.
+    /// as far as they are empty; empties the folder again that was there and empty. Anything else
+    /// that make() found stays untouched.
     [[nodiscard]] std::optional<FileFailure> removeAgain();
 
 private:
+    /// The path without a "/" at its end.
+    [[nodiscard]] std::filesystem::path target() const;
+
     std::filesystem::path _path;
     /// What make() made, outermost first.
     std::vector<std::filesystem::path> _made;
+    /// Whether make() found the folder, and nothing in it.
+    bool _wasEmpty = false;
 };
 
 }  // namespace neb::nebsc

@@ -28,7 +28,8 @@ Reply run(const CommandCall& call) {
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
         return refusal(subjectAt(value->field) + " is \"" + shortened(value->value) +
-                           "\"; it is refused here, as git would take it for an option.",
+                           "\"; it is refused here, as git would " + std::string(value->danger) +
+                           ".",
                        exitNotUnderstood);
     }
     Reply reply{.standardOutput = lineOfJSON(jsonOfOutcome(*performance.outcome)),

@@ -177,10 +177,41 @@ TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
     EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
     EXPECT_THAT(*operation->error()->text, HasSubstr("no mail today"));
     EXPECT_EQ(branch(), "topic\n");
+    hook("echo \"error: pathspec 'x' did not match any file(s) known to git\" >&2; exit 1");
+    EXPECT_THAT(checkOut("main")->error(), HasErrorClass("local-hook-refused"))
+        << "its words choose nothing";
+    hook("echo 'warning: Permission denied' >&2");
+    EXPECT_EQ(checkOut("topic")->error(), std::nullopt) << "a hook that talks and agrees";
     hook("exit 3");
     repository.write("a", "x");
-    EXPECT_THAT(revertFile("a")->error(), HasErrorClass("local-hook-refused")) << "not a word";
+    EXPECT_THAT(revertFile("a")->error(),
+                IsSourceControlError(-1, "git told nothing and ended with exit status 3."));
     EXPECT_EQ(status(), "");
+}
+
+/// git ends with 0 then, and has left the file as it was.
+TEST_F(CheckoutInRepository, ARevertOfAFileInConflictIsAnError) {
+    repository.commitFile("a", "main\n");
+    EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
+    const auto operation = revertFile("a");
+    EXPECT_THAT(operation->error(), HasErrorClass("conflict-unresolved"));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("stay as they were")));
+    EXPECT_EQ(status(), "UU a\n");
+}
+
+TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
+    test::StandIn<GitCheckoutOperation> operation(
+        [this] {
+            repository.write("git",
+                             "#!/bin/sh\necho 'error: unable to create file d/z: Read-only file "
+                             "system' >&2\necho \"Switched to branch 'topic'\" >&2\n");
+            fs::permissions(repository.path("git"), fs::perms(0755));
+            return repository.path("git");
+        }(),
+        checkout("topic", repository.path()));
+    operation.start();
+    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("Read-only file system")));
+    EXPECT_THAT(contentOf(operation), HasSubstr("Switched to branch 'topic'"));
 }
 
 TEST_F(CheckoutInRepository, ARevertThrowsAwayWhatIsNotStaged) {

@@ -99,6 +99,7 @@ TEST(CommitOutput, HoldsTheRevisionAsItsSecondWord) {
     EXPECT_EQ(revisionIn("[zwölf/日 " + std::string(40, 'a') + "] m\n x\n"), std::string(12, 'a'));
     EXPECT_EQ(revisionIn("a  b"), "") << "two blanks: the second piece is empty";
     EXPECT_EQ(revisionIn("a [[]b[]"), "b");
+    EXPECT_EQ(revisionIn("a [[0123456789ab] x"), "0123456789ab") << "trimmed before it is cut";
 }
 
 /// git puts a mark between branch and name for a repository's first commit. What stands second is
@@ -244,6 +245,27 @@ TEST_F(CommitInRepository, ThatAHookRefusesSaysSoWithTheHooksWords) {
     operation = commit(message("m"));
     EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
     EXPECT_NE(repository.gitStatus({"rev-parse", "--verify", "-q", "HEAD"}), 0) << "committed";
+}
+
+/// Nor do they make an error of a commit that was made.
+TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
+    repository.commitFile("z", "z");
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    for (const char* words :
+         {"./lint.sh: Permission denied", "nothing to commit", "Conflict (marker) found in a",
+          "ssh: connect to host h: Connection refused", "fatal: not a git repository",
+          "Already up-to-date", "error: lint failed", "fatal: path not found"}) {
+        hook("pre-commit", std::string("echo '") + words + "'; exit 1");
+        const auto refused = commit(message("m"));
+        EXPECT_THAT(refused->error(), HasErrorClass("local-hook-refused")) << words;
+        EXPECT_EQ(refused->error()->code, -1) << words;
+        EXPECT_EQ(refused->error()->text, words);
+        hook("pre-commit", std::string("echo '") + words + "'");
+        NEBDictionary options = message("m");
+        options.set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
+        EXPECT_EQ(commit(options)->error(), std::nullopt) << words;
+    }
 }
 
 TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {

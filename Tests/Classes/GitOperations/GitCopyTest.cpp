@@ -176,6 +176,42 @@ TEST_F(FileSystemWork, WhereNothingMayBeWrittenIsAPermissionError) {
     EXPECT_THAT(description(*operation), HasSubstr("\"/proc/folder\""));
 }
 
+/// What is staged must be what was copied, whole, or nothing.
+TEST_F(FileSystemWork, ACopyIsNeverStagedByHalves) {
+    repository.write("a", std::string(20'000'000, 'x'));
+    fs::permissions(repository.path("a"), fs::perms(0644));
+    EXPECT_EQ(description(*copy({"a"}, "b")), "(no error)");
+    if (!tracked().empty()) {
+        EXPECT_EQ(repository.git({"ls-files", "--stage", "b"}).substr(0, 6), "100644");
+        EXPECT_EQ(repository.git({"status", "--porcelain", "b"}), "A  b\n");
+    }
+}
+
+TEST_F(FileSystemWork, ARelativePathIsOneOfTheSourceTree) {
+    repository.commitFile("a", "a");
+    auto asked = request(10, {}, "");
+    asked->files = test::valuesOf({"a"});
+    asked->destination = "b";
+    EXPECT_EQ(perform(asked)->error(), std::nullopt);
+    EXPECT_TRUE(exists("b"));
+    asked->type = 8;
+    asked->destination = "folder/inside";
+    EXPECT_EQ(perform(asked)->error(), std::nullopt);
+    EXPECT_TRUE(exists("folder/inside"));
+    asked->type = 6;
+    asked->destination = NEBValue();
+    asked->files = test::valuesOf({"folder"});
+    EXPECT_THAT(commandLinesOf(*perform(asked)), ElementsAre("add -- folder/"));
+}
+
+TEST_F(FileSystemWork, WithoutADestinationNothingIsStaged) {
+    repository.write("secret", "x");
+    const auto operation = perform(requestFor(8, repository.path()));
+    EXPECT_EQ(operation->error()->code, ENOENT);
+    EXPECT_TRUE(operation->commandLog()->runs().empty());
+    EXPECT_EQ(tracked(), "");
+}
+
 // ---- both -------------------------------------------------------------------------------------
 
 TEST_F(FileSystemWork, ThatAlreadyHasAnErrorDoesNothing) {
@@ -191,8 +227,11 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
     repository.write("a", "");
     fs::resize_file(repository.path("a"), std::uintmax_t{1} << 40);
     GitCopyOperation operation(request(10, {"a"}, "b"));
+    const auto count = [this] {
+        return std::distance(fs::directory_iterator(repository.path()), fs::directory_iterator());
+    };
     std::thread canceller([&] {
-        while (!exists("b")) {
+        while (count() == 2) {
             std::this_thread::yield();
         }
         operation.cancel();
@@ -200,8 +239,9 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
     operation.start();
     canceller.join();
     EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
-    EXPECT_FALSE(exists("b"));
+    EXPECT_EQ(count(), 2) << "something is left beside the file and the repository";
     EXPECT_FALSE(exists(".git/index.lock"));
+    EXPECT_EQ(tracked(), "");
 }
 
 }  // namespace

@@ -4,7 +4,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <thread>
 
 #include "Support/HygienicTest.h"
@@ -197,7 +200,8 @@ TEST(PullOutput, WithoutAnOutputObjectIsAnEmptyResult) {
 /// git has written it without hyphens since 2.15; the odd wording of the suggestion is what hosts
 /// have always shown.
 TEST(PullOutput, ThatSaysThereIsNothingNewIsAnErrorOfItsOwn) {
-    for (const char* output : {"Already up-to-date.\n", "x\nAlready up to date.\n"}) {
+    for (const char* output :
+         {"x Already up-to-date x\n", "x\nAlready up to date.\n", "Already up to date.\n"}) {
         const Parsed<GitPullOperation> pulled(output, "From /r\n");
         EXPECT_THAT(pulled.operation.error(),
                     IsSourceControlError(-34, "The local repository \"demo\" is up to date."));
@@ -206,6 +210,22 @@ TEST(PullOutput, ThatSaysThereIsNothingNewIsAnErrorOfItsOwn) {
         EXPECT_THAT(pulled.operation.error(), HasErrorClass("up-to-date"));
         EXPECT_EQ(pulled.operation.result(), NEBSourceControlResult{});
     }
+}
+
+TEST(PullOutput, ThatNamesAFileOfThatNameIsContent) {
+    const std::string output = "Fast-forward\n Already up to date.txt | 1 +\n";
+    EXPECT_EQ(Parsed<GitPullOperation>(output, std::nullopt).operation.result(), content(output));
+}
+
+TEST(PullOutput, OfAFailureIsNotThatThereIsNothingNew) {
+    const TemporaryFolder folder;
+    test::StandIn<GitPullOperation> operation(
+        folder.writeProgram("git",
+                            "#!/bin/sh\necho 'Already up to date.'\n"
+                            "echo 'error: disk on fire' >&2\nexit 1\n"),
+        request(13, originAndTopic, "main", folder.path()));
+    operation.start();
+    EXPECT_THAT(operation.error(), IsSourceControlError(-1, "error: disk on fire"));
 }
 
 TEST(PullOutput, LeavesAFatalFailureToTheTranslation) {
@@ -370,6 +390,12 @@ TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
                 IsSourceControlError(-1, "A hook of the repository refused the push."));
     EXPECT_THAT(*local->error()->text, HasSubstr("not on a Friday"));
     EXPECT_EQ(shared(), before);
+    for (const char* words : {"fatal: not a git repository", "error: lint failed", "CONFLICT (x)",
+                              "Permission denied by policy"}) {
+        ann->write(".git/hooks/pre-push",
+                   std::string("#!/bin/sh\necho '") + words + "' >&2\nexit 1\n");
+        EXPECT_THAT(push(*ann)->error(), HasErrorClass("local-hook-refused")) << words;
+    }
 }
 
 /// A text of the remote's, or a branch's name, that holds the word for a failure makes none.
@@ -378,6 +404,12 @@ TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
     bareHook("post-receive", "echo a fatal warning");
     EXPECT_EQ(push(*ann, "main", "fatal-fix")->error(), std::nullopt);
     EXPECT_EQ(shared("fatal-fix"), head(*ann));
+    for (const char* words : {"fatal: Authentication failed", "fatal path not found"}) {
+        bareHook("post-receive", std::string("echo '") + words + "'");
+        ann->commitFile("a", words);
+        EXPECT_EQ(push(*ann)->error(), std::nullopt) << words;
+        EXPECT_EQ(shared(), head(*ann));
+    }
 }
 
 TEST_F(Sharing, AFetchOfNothingKnownSaysSo) {
@@ -400,6 +432,22 @@ TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
     EXPECT_THAT(refused->error(), HasErrorClass("reference-rejected"));
     EXPECT_THAT(refused->error(), IsSourceControlError(-1, HasSubstr("differs from the remote's")));
     EXPECT_EQ(ben->git({"rev-parse", "v1"}), head(*ben));
+}
+
+/// A helper for the remote that fails without a word, as git then does.
+TEST_F(Sharing, AFailureWithoutAWordIsAnError) {
+    folder.writeProgram("bin/git-remote-silent", "#!/bin/sh\nexit 1\n");
+    const std::string path = ::getenv("PATH");
+    ::setenv("PATH", (folder.path("bin") + ":" + path).c_str(), 1);
+    ben->git({"remote", "add", "far", "silent::x"});
+    const auto silentPull = run(*ben, 13, "main", "main", "far");
+    const auto silentFetch = fetch(*ben, "far");
+    const auto silentPush = push(*ben, "main", "main", "far");
+    ::setenv("PATH", path.c_str(), 1);
+    for (const auto& operation : {silentPull, silentFetch, silentPush}) {
+        ASSERT_TRUE(operation->error()) << operation->className();
+        EXPECT_THAT(operation->error(), HasErrorClass("unknown"));
+    }
 }
 
 // ---- the network, on this machine alone -------------------------------------------------------

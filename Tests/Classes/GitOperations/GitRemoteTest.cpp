@@ -168,8 +168,8 @@ TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
 }
 
-/// The standard remotes are read from the repository of the options, the Subversion one from the
-/// file's folder: there the question fails.
+/// The standard remotes are read from the source tree, the Subversion one from the file's folder:
+/// there the question fails.
 TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
     repository.git({"remote", "add", "origin", "/o.git"});
     const TestRepository broken;

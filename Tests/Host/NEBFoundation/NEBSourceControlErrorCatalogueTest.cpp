@@ -268,6 +268,11 @@ const Case cases[] = {
     {"no-upstream", -92, "fatal: No remote for the current branch."},
     {"no-upstream", -92, "fatal: No default upstream defined for the current branch."},
     {"remote-unknown", -1, "fatal: No remote configured to list refs from."},
+    {"disk-full", -1, "error: Out of diskspace"},
+    {"credentials-needed", -21,
+     "Authentication realm: <svn://127.0.0.1:3690> r\nPassword for 'root': "},
+    {"conflict-unresolved", -1, "warning: path 'a' is unmerged\n",
+     "Files that are in conflict stay as they were.", "Settle them and add them."},
     {"unknown", -1, "fatal: something that nobody has said before"},
 };
 

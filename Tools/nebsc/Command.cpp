@@ -31,10 +31,13 @@ std::span<const Command* const> allCommands() {
         &checkoutCommand,
         &mergeCommand,
         &mergeBaseCommand,
+        &branchCommand,
         //
         &initCommand,
         &cloneCommand,
         &infoCommand,
+        //
+        &remoteCommand,
         //
         &requestCommand,
         &typesCommand,

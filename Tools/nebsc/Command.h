@@ -88,6 +88,9 @@ struct Command {
     std::span<const Parameter> parameters = {};
     /// What is shown while it takes long: "Cloning".
     std::string_view activity = {};
+    /// The commands whose names may stand behind this one's; a call that names none of them means
+    /// the command itself.
+    std::span<const Command* const> commands = {};
     /// Answers all that there is to say and prints nothing. A signal ends the work; the reply then
     /// says so, and its exit status is that of the signal. On the main thread, one at a time.
     Reply (*run)(const CommandCall& call) = nullptr;

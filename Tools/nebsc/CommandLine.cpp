@@ -61,16 +61,13 @@ public:
     void parse(int argc, const char* const* argv) { _app.parse(shieldedWords(argc, argv)); }
 
     [[nodiscard]] Call call() const;
-    /// The command that stands in the call; absent when there is none.
-    [[nodiscard]] const CLI::App* command() const {
-        const auto commands = _app.get_subcommands();
-        return commands.empty() ? nullptr : commands.front();
-    }
+    /// The words that name the command of the call, each with a blank behind it; none without one.
+    [[nodiscard]] std::string commandName() const;
     [[nodiscard]] bool asksForVersions() const { return _isVersion; }
     [[nodiscard]] std::string help() const { return _app.help(); }
 
 private:
-    void addCommand(const Command& command);
+    static void addCommand(CLI::App& parent, const Command& command);
 
     CLI::App _app{description, "nebsc"};
     std::string _plugIn;
@@ -113,7 +110,7 @@ Reader::Reader() {
     _app.add_flag("--version", _isVersion, "Show the versions of nebsc, the plug-in and git")
         ->disable_flag_override();
     for (const Command* command : allCommands()) {
-        addCommand(*command);
+        addCommand(_app, *command);
     }
 }
 
@@ -127,26 +124,50 @@ std::vector<std::string> valuesOf(const CLI::Option& option, const Parameter& pa
     return values;
 }
 
-void Reader::addCommand(const Command& command) {
-    CLI::App* app = _app.add_subcommand(std::string(command.name), std::string(command.summary));
+void Reader::addCommand(CLI::App& parent, const Command& command) {
+    CLI::App* app = parent.add_subcommand(std::string(command.name), std::string(command.summary));
     app->group(std::string(command.group));
     app->footer(std::string(command.details) + "\n" + commonOptions);
     for (const Parameter& parameter : command.parameters) {
         addParameter(*app, parameter);
     }
+    app->require_subcommand(0, 1);
+    for (const Command* inner : command.commands) {
+        addCommand(*app, *inner);
+    }
+}
+
+/// The command that the call names behind the app's own name; absent when it names none.
+const CLI::App* namedCommand(const CLI::App& app) {
+    const auto commands = app.get_subcommands();
+    return commands.empty() ? nullptr : commands.front();
+}
+
+std::string Reader::commandName() const {
+    std::string words;
+    for (const CLI::App* app = namedCommand(_app); app != nullptr; app = namedCommand(*app)) {
+        words += app->get_name() + " ";
+    }
+    return words;
+}
+
+const Command& rowOf(const CLI::App& app, std::span<const Command* const> rows) {
+    return **std::find_if(rows.begin(), rows.end(),
+                          [&app](const Command* row) { return row->name == app.get_name(); });
 }
 
 Call Reader::call() const {
     Call call{
         .command = nullptr, .arguments = {}, .plugIn = unshielded(_plugIn), .isJSON = _isJSON};
-    const CLI::App* app = command();
+    const CLI::App* app = namedCommand(_app);
     if (app == nullptr || _isVersion) {
         return call;
     }
-    const auto all = allCommands();
-    call.command = *std::find_if(all.begin(), all.end(), [app](const Command* candidate) {
-        return candidate->name == app->get_name();
-    });
+    call.command = &rowOf(*app, allCommands());
+    while (const CLI::App* inner = namedCommand(*app)) {
+        call.command = &rowOf(*inner, call.command->commands);
+        app = inner;
+    }
     for (const Parameter& parameter : call.command->parameters) {
         const CLI::Option* option = app->get_option(longName(parameter));
         if (option->count() > 0) {
@@ -160,13 +181,13 @@ Reply helpReply(std::string text) {
     return {.standardOutput = std::move(text), .standardError = {}, .exitStatus = exitDone};
 }
 
-Reply refusedCall(std::string reason, const CLI::App* command) {
+/// `command` is as commandName() gives it.
+Reply refusedCall(std::string reason, const std::string& command) {
     std::erase(reason, shield);
     if (!reason.empty() && reason.back() == '.') {
         reason.pop_back();
     }
-    const std::string where = command == nullptr ? "" : command->get_name() + " ";
-    return refusal(reason + " (see nebsc " + where + "--help).", exitNotUnderstood);
+    return refusal(reason + " (see nebsc " + command + "--help).", exitNotUnderstood);
 }
 
 }  // namespace
@@ -178,10 +199,10 @@ std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
     } catch (const CLI::CallForHelp&) {
         return helpReply(reader.help());
     } catch (const CLI::ParseError& error) {
-        return refusedCall(error.what(), reader.command());
+        return refusedCall(error.what(), reader.commandName());
     }
-    if (reader.command() == nullptr && !reader.asksForVersions()) {
-        return argc < 2 ? helpReply(reader.help()) : refusedCall("A command is missing", nullptr);
+    if (reader.commandName().empty() && !reader.asksForVersions()) {
+        return argc < 2 ? helpReply(reader.help()) : refusedCall("A command is missing", "");
     }
     return reader.call();
 }

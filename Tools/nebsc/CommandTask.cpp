@@ -20,6 +20,24 @@ int silentExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
 }
 
+/// The reply where a request did not come to an operation.
+std::optional<Reply> refusalOf(const Performance& performance) {
+    if (const auto& value = performance.refusedValue) {
+        const bool isOption = value->value.starts_with('-');
+        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
+                           " is refused, as git would " + std::string(value->danger) + ".",
+                       exitNotUnderstood);
+    }
+    const Outcome& outcome = *performance.outcome;
+    if (!outcome.operation && !outcome.error) {
+        return refusal("The plug-in has no operation for the request type " +
+                           std::to_string(outcome.type) + " (" +
+                           std::string(*NEBSourceControlRequestTypeName(outcome.type)) + ").",
+                       exitFailed);
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 // ---- the frame --------------------------------------------------------------------------------
@@ -44,20 +62,8 @@ Reply CommandTask::work() {
         return *refused;
     }
     const Performance performance = perform(request());
-    if (const auto& value = performance.refusedValue) {
-        const bool isOption = value->value.starts_with('-');
-        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
-                           " is refused, as git would " + std::string(value->danger) + ".",
-                       exitNotUnderstood);
-    }
-    const Outcome& outcome = *performance.outcome;
-    if (!outcome.operation && !outcome.error) {
-        return refusal("The plug-in has no operation for the request type " +
-                           std::to_string(outcome.type) + " (" +
-                           std::string(*NEBSourceControlRequestTypeName(outcome.type)) + ").",
-                       exitFailed);
-    }
-    return replyTo(outcome);
+    const auto refused = refusalOf(performance);
+    return refused ? *refused : replyTo(*performance.outcome);
 }
 
 std::optional<Reply> CommandTask::readPaths() {
@@ -90,16 +96,22 @@ Reply CommandTask::replyTo(const Outcome& outcome) {
     if (outcome.result) {
         reply.standardOutput = textOfResult(*outcome.result);
     }
-    if (!noteFailure(reply, outcome, silence())) {
+    if ((outcome.error && isAnswer(*outcome.error)) || !noteFailure(reply, outcome, silence())) {
         conclude(outcome, reply);
+    } else if (outcome.error) {
+        reply.standardError += adviceAfter(*outcome.error);
     }
+    complete(reply, outcome);
+    return reply;
+}
+
+void CommandTask::complete(Reply& reply, const Outcome& outcome) const {
     if (_call.isJSON) {
         reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
     }
     noteReports(reply, outcome);
     noteLeftFolder(reply, outcome);
     noteHeldOutput(reply, outcome);
-    return reply;
 }
 
 WorkingCopyPlace CommandTask::findPlace() {
@@ -137,6 +149,20 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
 Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request) {
     return _call.session.perform(request,
                                  interruptibleRunner(_interruption, _call.command.activity));
+}
+
+std::optional<Reply> CommandTask::prepareBy(
+    const std::shared_ptr<NEBSourceControlRequest>& request) {
+    const Performance performance = perform(request);
+    if (auto refused = refusalOf(performance)) {
+        return refused;
+    }
+    Reply reply;
+    if (!noteFailure(reply, *performance.outcome, Silence::failure)) {
+        return std::nullopt;
+    }
+    complete(reply, *performance.outcome);
+    return reply;
 }
 
 // ---- questions of the command's own -----------------------------------------------------------

@@ -57,6 +57,14 @@ protected:
     [[nodiscard]] virtual std::optional<Reply> look() { return std::nullopt; }
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> request() = 0;
     [[nodiscard]] virtual Silence silence() const { return Silence::failure; }
+    /// Whether an error is an answer all the same, of which conclude() tells.
+    [[nodiscard]] virtual bool isAnswer(const NEBSourceControlError& /*error*/) const {
+        return false;
+    }
+    /// What the command has to say behind an error: a line with its end, or nothing.
+    [[nodiscard]] virtual std::string adviceAfter(const NEBSourceControlError& /*error*/) const {
+        return {};
+    }
     /// The records for a person, lines with their ends. An error may stand beside them.
     [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
     /// What is left to do and to say after a success.
@@ -80,6 +88,10 @@ protected:
         std::int32_t type, const std::vector<std::string>& files) const;
     /// Carries out a request, and shows on a terminal that it is at it.
     [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request);
+    /// Carries out, in look(), a request without which the command's own makes no sense. A reply
+    /// tells that it failed, with --json its outcome.
+    [[nodiscard]] std::optional<Reply> prepareBy(
+        const std::shared_ptr<NEBSourceControlRequest>& request);
 
     /// A question of the command's own to git, in the place. Names are never patterns.
     [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
@@ -111,6 +123,8 @@ private:
     [[nodiscard]] Reply work();
     [[nodiscard]] std::optional<Reply> readPaths();
     [[nodiscard]] Reply replyTo(const Outcome& outcome);
+    /// Adds what belongs to a reply about an outcome in any case.
+    void complete(Reply& reply, const Outcome& outcome) const;
 
     const CommandCall& _call;
     Interruption _interruption;

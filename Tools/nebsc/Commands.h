@@ -11,7 +11,10 @@ namespace neb::nebsc {
 inline constexpr std::string_view workingCopyGroup = "Working copy";
 inline constexpr std::string_view revisionsGroup = "Branches and revisions";
 inline constexpr std::string_view repositoriesGroup = "Repositories";
+inline constexpr std::string_view exchangeGroup = "Exchange with other repositories";
 inline constexpr std::string_view programsGroup = "For programs";
+/// Of the commands that stand behind the name of another.
+inline constexpr std::string_view innerGroup = "Commands";
 
 // ---- working copies
 extern const Command statusCommand;
@@ -27,11 +30,17 @@ extern const Command commitCommand;
 extern const Command checkoutCommand;
 extern const Command mergeCommand;
 extern const Command mergeBaseCommand;
+/// Its commands are those about the branches of the repository.
+extern const Command branchCommand;
 
 // ---- repositories
 extern const Command initCommand;
 extern const Command cloneCommand;
 extern const Command infoCommand;
+
+// ---- the exchange with other repositories
+/// Its commands are those about the repositories that this one knows by name.
+extern const Command remoteCommand;
 
 // ---- requests
 /// Reads a request, carries it out, and says what came of it, in JSON.

@@ -116,24 +116,13 @@ protected:
     void conclude(const Outcome& outcome, Reply& reply) override;
 
 private:
-    /// The path of a repository that is in the file system, else the URL as it is.
-    [[nodiscard]] std::string source() const;
-
     std::string _destination;
 };
 
-std::string CloneTask::source() const {
-    const std::string url = arguments().value("URL").value_or("");
-    const std::size_t colon = url.find(':');
-    const bool hasHost = colon != std::string::npos && url.find('/') > colon;
-    const PathSearch search = findAbsolutePath(currentFolder(), url);
-    const bool isPath = !url.empty() && !url.starts_with('-') && search.path &&
-                        (!hasHost || isAnythingAt(*search.path));
-    return isPath ? *search.path : url;
-}
-
 WorkingCopyPlace CloneTask::findPlace() {
-    return {.location = source(), .currentFolder = currentFolder(), .isWorkingCopy = false};
+    return {.location = repositoryLocation(currentFolder(), arguments().value("URL").value_or("")),
+            .currentFolder = currentFolder(),
+            .isWorkingCopy = false};
 }
 
 std::optional<Reply> CloneTask::look() {

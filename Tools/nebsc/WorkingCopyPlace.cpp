@@ -48,6 +48,15 @@ PathSearch findAbsolutePath(const std::string& currentFolder, const std::string&
     return {absolute.string(), {}};
 }
 
+std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {
+    const std::size_t colon = url.find(':');
+    const bool hasHost = colon != std::string::npos && url.find('/') > colon;
+    const PathSearch search = findAbsolutePath(currentFolder, url);
+    const bool isPath = !url.empty() && !url.starts_with('-') && search.path &&
+                        (!hasHost || isAnythingAt(*search.path));
+    return isPath ? *search.path : url;
+}
+
 WorkingCopyPlace findWorkingCopy(Interruption& interruption, const std::string& currentFolder,
                                  const std::string& folder) {
     const auto top = workingCopyTop(interruption, folder);

@@ -33,6 +33,11 @@ struct PathSearch {
 [[nodiscard]] PathSearch findAbsolutePath(const std::string& currentFolder,
                                           const std::string& path);
 
+/// The absolute path of a repository that is in the file system, as seen from the current folder;
+/// otherwise the URL (or HOST:PATH) as it is.
+[[nodiscard]] std::string repositoryLocation(const std::string& currentFolder,
+                                             const std::string& url);
+
 /// The working copy in which the folder lies. A git is asked; a signal ends it.
 [[nodiscard]] WorkingCopyPlace findWorkingCopy(Interruption& interruption,
                                                const std::string& currentFolder,

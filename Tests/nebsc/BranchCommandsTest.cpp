@@ -1,0 +1,296 @@
+// `nebsc branch` and its commands, run as a program.
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+using JSON = nlohmann::ordered_json;
+
+class BranchCommands : public CommandTest {
+protected:
+    void SetUp() override { repository.commitFile("src/a.c", "first\n"); }
+    /// 12 characters.
+    [[nodiscard]] std::string revision(const std::string& name) const {
+        return repository.git({"rev-parse", name}).substr(0, 12);
+    }
+    /// Another repository, as a remote of this name, with these branches.
+    void makeRemote(const std::string& name, const std::vector<std::string>& branches) const {
+        const std::string bare = folder.path(name);
+        repository.git({"init", "--quiet", "--bare", bare});
+        repository.git({"config", "remote." + name + ".url", bare});
+        repository.git(
+            {"config", "remote." + name + ".fetch", "+refs/heads/*:refs/remotes/" + name + "/*"});
+        for (const std::string& branch : branches) {
+            repository.git({"push", "--quiet", name, "main:refs/heads/" + branch});
+        }
+    }
+    [[nodiscard]] static NebscOutcome outside(std::vector<std::string> words) {
+        const TemporaryFolder nowhere;
+        words.insert(words.begin(), "branch");
+        return runNebsc(words, {.folder = nowhere.path()});
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(BranchCommands, AreFoundBehindTheNameOfTheFirst) {
+    EXPECT_THAT(nebsc({"branch", "--help"}).output, HasSubstr("nebsc branch create topic"));
+    for (const char* name : {"list", "current", "create", "delete", "track", "tracking"}) {
+        EXPECT_THAT(nebsc({"branch", "--help"}).output, HasSubstr("\n  " + std::string(name)));
+        const NebscOutcome help = nebsc({"branch", name, "--help"});
+        EXPECT_THAT(help.output, testing::ContainsRegex("\nExamples?:\n(.*\n)* .*nebsc branch " +
+                                                        std::string(name)));
+        EXPECT_EQ(help.exitStatus, 0);
+    }
+    expectFailed(nebsc({"branch", "lsit"}), AllOf(HasSubstr("lsit"), HasSubstr("branch --help")),
+                 2);
+    expectFailed(nebsc({"branch", "create"}),
+                 AllOf(HasSubstr("NAME"), HasSubstr("branch create --help")), 2);
+    expectFailed(nebsc({"branch", "list", "current"}), HasSubstr("current"), 2);
+    expectDone(nebsc({"branch", "create", "list"}), "Made the branch \"list\".\n");
+    expectDone(nebsc({"branch", "create", "status"}), "Made the branch \"status\".\n");
+}
+
+// ---- list and current -------------------------------------------------------------------------
+
+TEST_F(BranchCommands, TheCurrentOneIsMarked) {
+    repository.git({"branch", "feature/x.y"});
+    repository.git({"branch", "Grüße"});
+    const std::string all = "  Grüße\n  feature/x.y\n* main\n";
+    expectDone(nebsc({"branch"}), all);
+    expectDone(nebsc({"branch", "list"}, "src"), all);
+    expectDone(nebsc({"branch", "current"}, "src"), "main\n");
+    repository.git({"checkout", "--quiet", "Grüße"});
+    expectDone(nebsc({"branch", "list"}), "* Grüße\n  feature/x.y\n  main\n");
+    expectDone(nebsc({"branch", "current"}), "Grüße\n");
+}
+
+TEST_F(BranchCommands, TheCurrentOneIsColouredOnATerminal) {
+    repository.git({"branch", "topic"});
+    const auto onTerminal = [&](const char* noColour) {
+        return runNebsc({"branch"}, {.folder = repository.path(),
+                                     .variables = {{"TERM", "xterm"}, {"NO_COLOR", noColour}},
+                                     .output = NebscOutput::terminal})
+            .output;
+    };
+    EXPECT_EQ(onTerminal(""), "* \x1b[32mmain\x1b[0m\r\n  topic\r\n");
+    EXPECT_EQ(onTerminal("1"), "* main\r\n  topic\r\n");
+}
+
+TEST_F(BranchCommands, ATagOfTheSameNameChangesNothing) {
+    repository.git({"tag", "main"});
+    expectDone(nebsc({"branch"}), "* main\n");
+    expectDone(nebsc({"branch", "current"}), "main\n");
+}
+
+TEST_F(BranchCommands, ABranchOfAnotherWorkingCopyIsCalledByItsName) {
+    repository.git({"worktree", "add", "--quiet", "-b", "there", folder.path("there")});
+    expectDone(nebsc({"branch"}), "* main\n  there\n");
+    const std::vector<std::string> words{"branch"};
+    expectDone(runNebsc(words, {.folder = folder.path("there")}), "  main\n* there\n");
+}
+
+TEST_F(BranchCommands, ABranchThatStandsForAnotherIsCalledByItsName) {
+    repository.git({"symbolic-ref", "refs/heads/alias", "refs/heads/main"});
+    expectDone(nebsc({"branch"}), "  alias\n* main\n");
+    repository.git({"symbolic-ref", "HEAD", "refs/heads/alias"});
+    expectDone(nebsc({"branch"}), "  alias\n* main\n");
+    expectDone(nebsc({"branch", "current"}), "main\n");
+}
+
+TEST_F(BranchCommands, OnNoBranchThatIsToldPlainly) {
+    repository.git({"checkout", "--quiet", "--detach"});
+    const std::string now = "Now at " + revision("HEAD") + ", on no branch.\n";
+    expectDone(nebsc({"branch"}), "  main\n" + now);
+    expectDone(nebsc({"branch", "current"}), now);
+    const JSON record = nebsc({"branch", "current", "--json"}).json()["result"][0];
+    EXPECT_THAT(record["NEBSourceControlOperationNameKey"], HasSubstr("HEAD detached"));
+}
+
+TEST_F(BranchCommands, WithoutACommitThatIsToldPlainly) {
+    const TestRepository empty;
+    const std::string unborn = "The current branch \"main\" has no commit yet.\n";
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"branch"}, {"branch", "list"}, {"branch", "current"}}) {
+        expectDone(runNebsc(words, {.folder = empty.path()}), unborn);
+    }
+    EXPECT_TRUE(
+        runNebsc({"branch", "--json"}, {.folder = empty.path()}).json()["result"].is_null());
+    repository.git({"checkout", "--quiet", "--orphan", "new"});
+    expectDone(nebsc({"branch"}), "  main\nThe current branch \"new\" has no commit yet.\n");
+}
+
+TEST_F(BranchCommands, JSONIsTheOutcomeAndNothingElse) {
+    const NebscOutcome list = nebsc({"branch", "--json"});
+    EXPECT_EQ(list.json()["type"], 25);
+    EXPECT_EQ(list.json()["result"].size(), 2U) << "with the record that ends the listing";
+    EXPECT_EQ(list.errors, "");
+    EXPECT_EQ(nebsc({"branch", "current", "--json"}).json()["type"], 26);
+    EXPECT_EQ(nebsc({"--json", "branch", "create", "x"}).json()["type"], 1);
+    const NebscOutcome deleted = nebsc({"branch", "--json", "delete", "--force", "x"});
+    EXPECT_EQ(deleted.json()["command"]["arguments"], JSON({"branch", "-D", "x"}));
+    const NebscOutcome unknown = nebsc({"branch", "create", "y", "nosuch", "--json"});
+    EXPECT_FALSE(unknown.json()["error"].is_null());
+    EXPECT_EQ(unknown.exitStatus, 1);
+}
+
+TEST_F(BranchCommands, OutsideAnyRepositoryGitSaysSo) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{},
+                                                  {"list"},
+                                                  {"current"},
+                                                  {"create", "x"},
+                                                  {"delete", "x"},
+                                                  {"track", "x", "origin/x"},
+                                                  {"tracking", "x"}}) {
+        expectFailed(outside(words), StartsWith("nebsc: fatal: not a git repository"));
+    }
+}
+
+TEST_F(BranchCommands, AGitThatFailsWithoutAWordIsAFailure) {
+    const StandInGit git(repository.path(), "exit 3");
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"branch"},
+                                                  {"branch", "current"},
+                                                  {"branch", "create", "x"},
+                                                  {"branch", "delete", "x"},
+                                                  {"branch", "tracking", "x"}}) {
+        expectFailed(nebsc(words, git), "nebsc: git told nothing and ended with exit status 3.\n");
+    }
+}
+
+TEST_F(BranchCommands, NoNameDrivesTheTerminal) {
+    const StandInGit git(repository.path(), "printf '* a\\033[2Jb\\n'");
+    EXPECT_THAT(nebsc({"branch", "list"}, git).output, HasSubstr("a\\x1b[2Jb\n"));
+}
+
+// ---- create and delete ------------------------------------------------------------------------
+
+TEST_F(BranchCommands, ABranchIsMadeHereOrThere) {
+    repository.commitFile("src/a.c", "second\n");
+    expectDone(nebsc({"branch", "create", "feature/Grüße"}, "src"),
+               "Made the branch \"feature/Grüße\".\n");
+    EXPECT_EQ(revision("feature/Grüße"), revision("main"));
+    expectDone(nebsc({"branch", "create", "old", "main~1"}), "Made the branch \"old\".\n");
+    EXPECT_EQ(revision("old"), revision("main~1"));
+    expectDone(nebsc({"branch", "create", "between", "main...old"}),
+               "Made the branch \"between\".\n");
+    EXPECT_EQ(revision("between"), revision("old"));
+}
+
+TEST_F(BranchCommands, ABranchMadeFromARemotesTracksIt) {
+    makeRemote("origin", {"a/b"});
+    repository.git({"fetch", "--quiet", "origin"});
+    expectDone(nebsc({"branch", "create", "x", "origin/a/b"}),
+               "Made the branch \"x\", which tracks origin/a/b.\n");
+}
+
+TEST_F(BranchCommands, WhatCannotBeMadeIsTold) {
+    expectFailed(nebsc({"branch", "create", "main"}), HasSubstr("'main' already exists"));
+    expectFailed(nebsc({"branch", "create", "a b"}), HasSubstr("'a b' is not a valid"));
+    expectFailed(nebsc({"branch", "create", ""}), HasSubstr("is not a valid branch name"));
+    expectFailed(nebsc({"branch", "create", "x", "nosuch"}),
+                 "nebsc: There is no revision \"nosuch\".\n");
+    expectFailed(nebsc({"branch", "create", "--", "-D"}), HasSubstr("\"-D\" begins with \"-\""), 2);
+    expectFailed(nebsc({"branch", "create", "x", "--", "-f"}), HasSubstr("\"-f\" begins"), 2);
+    const TestRepository empty;
+    expectFailed(runNebsc({"branch", "create", "x"}, {.folder = empty.path()}),
+                 "nebsc: There is no commit yet at which a branch could start.\n");
+    EXPECT_EQ(repository.git({"branch"}), "* main\n");
+}
+
+TEST_F(BranchCommands, AMergedBranchIsDeletedAndAnotherByForceAlone) {
+    repository.git({"branch", "merged"});
+    expectDone(nebsc({"branch", "delete", "merged"}, "src"),
+               "Deleted the branch \"merged\"; it was at " + revision("main") + ".\n");
+    repository.git({"checkout", "--quiet", "-b", "apart"});
+    repository.commitFile("b", "b");
+    repository.git({"checkout", "--quiet", "main"});
+    const std::string commit = revision("apart");
+    expectFailed(
+        nebsc({"branch", "delete", "apart"}),
+        AllOf(StartsWith("nebsc: Branch removal failed"),
+              testing::EndsWith("\n\"nebsc branch delete --force\" deletes it all the same.\n")));
+    EXPECT_EQ(revision("apart"), commit);
+    expectDone(nebsc({"branch", "delete", "--force", "apart"}),
+               "Deleted the branch \"apart\"; it was at " + commit + ".\n");
+    EXPECT_EQ(repository.git({"branch"}), "* main\n");
+}
+
+TEST_F(BranchCommands, WhatCannotBeDeletedIsTold) {
+    expectFailed(nebsc({"branch", "delete", "main"}),
+                 AllOf(HasSubstr("'main'"), testing::Not(HasSubstr("--force"))));
+    expectFailed(nebsc({"branch", "delete", "nosuch"}), HasSubstr("'nosuch' not found"));
+    expectFailed(nebsc({"branch", "delete", "--", "-r"}), HasSubstr("\"-r\" begins"), 2);
+    expectFailed(nebsc({"branch", "delete"}), HasSubstr("NAME"), 2);
+}
+
+// ---- track and tracking -----------------------------------------------------------------------
+
+TEST_F(BranchCommands, ARemotesBranchIsFetchedAndTracked) {
+    makeRemote("origin", {"feature/Grüße"});
+    repository.git({"update-ref", "-d", "refs/remotes/origin/feature/Grüße"});
+    expectDone(nebsc({"branch", "track", "mine", "origin/feature/Grüße"}, "src"),
+               "Made the branch \"mine\", which tracks origin/feature/Grüße.\n");
+    expectDone(nebsc({"branch", "tracking", "mine"}, "src"), "mine tracks origin/feature/Grüße.\n");
+    const NebscOutcome json = nebsc({"branch", "tracking", "mine", "--json"});
+    EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationRemoteNameKey"], "origin");
+    EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationNameKey"], "Grüße");
+    EXPECT_EQ(nebsc({"branch", "track", "m2", "origin/feature/Grüße", "--json"}).json()["type"],
+              36);
+}
+
+TEST_F(BranchCommands, ARemotesNameMayHoldASlash) {
+    makeRemote("team/one", {"b/c"});
+    expectDone(nebsc({"branch", "track", "mine", "team/one/b/c"}),
+               "Made the branch \"mine\", which tracks team/one/b/c.\n");
+    EXPECT_EQ(repository.git({"config", "branch.mine.remote"}), "team/one\n");
+    EXPECT_EQ(repository.git({"config", "branch.mine.merge"}), "refs/heads/b/c\n");
+}
+
+TEST_F(BranchCommands, WhatCannotBeTrackedIsTold) {
+    makeRemote("origin", {"topic"});
+    for (const char* name : {"topic", "/topic", "origin/"}) {
+        expectFailed(nebsc({"branch", "track", "x", name}),
+                     "nebsc: \"" + std::string(name) +
+                         "\" names no branch of a remote; REMOTE/BRANCH was expected.\n",
+                     2);
+    }
+    expectFailed(nebsc({"branch", "track", "x", "nosuch/topic"}),
+                 "nebsc: \"nosuch/topic\" begins with the name of no remote; \"nebsc remote list\" "
+                 "shows them.\n");
+    expectFailed(nebsc({"branch", "track", "x", "origin/nosuch"}), HasSubstr("origin/nosuch"));
+    expectFailed(nebsc({"branch", "track", "main", "origin/topic"}), HasSubstr("already exists"));
+    expectFailed(nebsc({"branch", "track", "x", "--", "-u/x"}), HasSubstr("\"-u\" begins"), 2);
+    expectFailed(nebsc({"branch", "track", "--", "-u", "origin/topic"}), HasSubstr("\"-u\" begins"),
+                 2);
+    std::filesystem::remove_all(folder.path("origin"));
+    expectFailed(nebsc({"branch", "track", "x", "origin/topic"}),
+                 HasSubstr("does not appear to be a git repository"));
+    EXPECT_EQ(repository.git({"branch"}), "* main\n");
+}
+
+TEST_F(BranchCommands, ABranchThatTracksNoneIsToldSo) {
+    expectFailed(nebsc({"branch", "tracking", "main"}), "nebsc: \"main\" tracks no branch.\n");
+    expectFailed(nebsc({"branch", "tracking", "nosuch"}),
+                 "nebsc: There is no branch \"nosuch\".\n");
+    const NebscOutcome json = nebsc({"branch", "tracking", "main", "--json"});
+    EXPECT_EQ(json.json()["result"], JSON::parse("[{}]"));
+    EXPECT_EQ(json.exitStatus, 1);
+    const TestRepository empty;
+    expectFailed(runNebsc({"branch", "tracking", "main"}, {.folder = empty.path()}),
+                 "nebsc: \"main\" tracks no branch.\n");
+}
+
+TEST_F(BranchCommands, ABranchMayTrackOneOfTheSameRepositoryOrOfALocation) {
+    repository.git({"branch", "--quiet", "--track", "local", "main"});
+    expectDone(nebsc({"branch", "tracking", "local"}), "local tracks main.\n");
+    repository.git({"config", "branch.local.remote", "/somewhere.git"});
+    expectDone(nebsc({"branch", "tracking", "local"}),
+               "local tracks main of \"/somewhere.git\".\n");
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,397 @@
+// The commands about the branches of a repository.
+
+#include <unistd.h>
+
+#include "BranchTask.h"
+#include "Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view nameWord = "NAME";
+
+// ---- what git lists ---------------------------------------------------------------------------
+
+/// The branch that a record of a listing names, printable; empty for what is none: the end of the
+/// listing, and git's words for being on no branch, in brackets. git puts "+ " before a branch of
+/// another working copy, and " -> " with its target behind one that stands for another.
+std::string branchOf(const NEBDictionary& record) {
+    const std::string* text = record.value(NEBSourceControlOperationNameKey).string();
+    std::string_view name = text == nullptr ? std::string_view{} : *text;
+    if (name.starts_with("+ ")) {
+        name.remove_prefix(2);
+    }
+    const std::size_t blank = name.find(' ');
+    const bool isOnNone = name.starts_with('(') && blank != std::string_view::npos;
+    return isOnNone ? "" : printable(name.substr(0, blank));
+}
+
+// ---- list -------------------------------------------------------------------------------------
+
+class ListTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return exchangeRequest(NEBSourceControlRequestListBranches, Peer::remote);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+/// The request does not tell which branch is the current one.
+void ListTask::conclude(const Outcome& outcome, Reply& reply) {
+    const auto current = currentBranch();
+    bool isCurrentListed = false;
+    for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
+        const std::string name = branchOf(record);
+        if (name.empty()) {
+            continue;
+        }
+        const bool isCurrent = current && printable(*current) == name;
+        isCurrentListed = isCurrentListed || isCurrent;
+        const bool isColoured = isCurrent && wantsColour(STDOUT_FILENO);
+        reply.standardOutput +=
+            (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
+    }
+    if (!isCurrentListed) {
+        reply.standardOutput += whereInsteadOfBranch();
+    }
+}
+
+Reply list(const CommandCall& call) {
+    return ListTask(call).run();
+}
+
+constinit const Command listCommand{
+    .name = "list",
+    .group = innerGroup,
+    .summary = "Show the branches, the current one marked",
+    .details =
+        "Example:\n"
+        "  nebsc branch list\n",
+    .activity = "Looking",
+    .run = list,
+};
+
+// ---- current ----------------------------------------------------------------------------------
+
+class CurrentTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return requestOfType(NEBSourceControlRequestCurrentBranch);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
+    const bool hasRecord = outcome.result && !outcome.result->empty();
+    const std::string name = hasRecord ? branchOf(outcome.result->front()) : "";
+    reply.standardOutput = name.empty() ? whereInsteadOfBranch() : name + "\n";
+}
+
+Reply current(const CommandCall& call) {
+    return CurrentTask(call).run();
+}
+
+constinit const Command currentCommand{
+    .name = "current",
+    .group = innerGroup,
+    .summary = "Show the name of the current branch",
+    .details =
+        "Example:\n"
+        "  nebsc branch current\n",
+    .activity = "Looking",
+    .run = current,
+};
+
+// ---- create -----------------------------------------------------------------------------------
+
+class CreateTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+/// The error of the request may speak of a file; a person is told what there is not. "A...B", the
+/// common ancestor, is for git alone to judge.
+std::optional<Reply> CreateTask::look() {
+    const std::string start = arguments().value("START").value_or("HEAD");
+    if (isJSON() || start.starts_with('-') || start.find("...") != std::string::npos ||
+        askForCommit(start).status.exitStatus() != 1) {
+        return std::nullopt;
+    }
+    return refusal(arguments().has("START")
+                       ? "There is no revision " + inQuotes(start) + "."
+                       : "There is no commit yet at which a branch could start.",
+                   exitFailed);
+}
+
+std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestCreateBranch);
+    request->destination = word(nameWord);
+    if (const auto start = arguments().value("START")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionSourceLocation, *start);
+    }
+    return request;
+}
+
+void CreateTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const auto tracking = trackingOf(word(nameWord));
+    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                           (tracking ? ", which tracks " + shown(*tracking) : "") + ".\n";
+}
+
+constexpr Parameter createParameters[] = {
+    {nameWord, "The new branch", Takes::text, Occurs::once},
+    {"START", "Where it starts: a branch, a tag or any other revision; unless given, here",
+     Takes::text},
+};
+
+Reply create(const CommandCall& call) {
+    return CreateTask(call).run();
+}
+
+constinit const Command createCommand{
+    .name = "create",
+    .group = innerGroup,
+    .summary = "Make a branch",
+    .details =
+        "The working copy stays on its branch; \"nebsc checkout\" switches.\n\n"
+        "Examples:\n"
+        "  nebsc branch create topic         from the latest commit\n"
+        "  nebsc branch create fix v1.0      from what a tag stands for\n",
+    .parameters = createParameters,
+    .activity = "Making the branch",
+    .run = create,
+};
+
+// ---- delete -----------------------------------------------------------------------------------
+
+class DeleteTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
+
+private:
+    std::optional<std::string> _commit;
+};
+
+/// With its commit, a branch that was deleted by mistake can be made again.
+std::optional<Reply> DeleteTask::look() {
+    _commit = answer({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
+                      "refs/heads/" + word(nameWord)});
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> DeleteTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestDeleteBranch);
+    request->destination = word(nameWord);
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionForce, arguments().has("--force"));
+    return request;
+}
+
+void DeleteTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput = "Deleted the branch " + printable(inQuotes(word(nameWord))) +
+                           (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
+}
+
+std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
+    return error.errorClass == "branch-not-merged"
+               ? "\"nebsc branch delete --force\" deletes it all the same.\n"
+               : "";
+}
+
+constexpr Parameter deleteParameters[] = {
+    {nameWord, "The branch", Takes::text, Occurs::once},
+    {"--force", "Delete it even if its commits are in no other branch"},
+};
+
+Reply deleteBranch(const CommandCall& call) {
+    return DeleteTask(call).run();
+}
+
+constinit const Command deleteCommand{
+    .name = "delete",
+    .group = innerGroup,
+    .summary = "Delete a branch",
+    .details =
+        "A branch with commits that are in no other branch stays, unless --force says\n"
+        "that they may go.\n\n"
+        "Examples:\n"
+        "  nebsc branch delete topic            delete a branch that is merged\n"
+        "  nebsc branch delete --force topic    the same, merged or not\n",
+    .parameters = deleteParameters,
+    .activity = "Deleting the branch",
+    .run = deleteBranch,
+};
+
+// ---- track ------------------------------------------------------------------------------------
+
+class TrackTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    Tracking _tracking;
+};
+
+/// A remote's name may hold a "/" itself.
+std::optional<Reply> TrackTask::look() {
+    if (auto refused = refusalWithoutRepository()) {
+        return refused;
+    }
+    const std::string text = word("REMOTE/BRANCH");
+    const std::size_t first = text.find('/');
+    if (first == std::string::npos || first == 0 || text.ends_with('/')) {
+        return refusal(inQuotes(text) + " names no branch of a remote; REMOTE/BRANCH was expected.",
+                       exitNotUnderstood);
+    }
+    std::size_t slash = first;
+    while (slash != std::string::npos && !isRemote(text.substr(0, slash))) {
+        slash = text.find('/', slash + 1);
+    }
+    if (slash == std::string::npos && !text.starts_with('-')) {
+        return refusal(inQuotes(text) +
+                           " begins with the name of no remote; \"nebsc remote list\" shows them.",
+                       exitFailed);
+    }
+    const std::size_t end = slash == std::string::npos ? first : slash;
+    _tracking = {text.substr(0, end), text.substr(end + 1)};
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestTrackRemoteBranch);
+    request->destination = word(nameWord);
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionRemoteName, _tracking.remote);
+    request->options->set(NEBSourceControlRequestOptionBranch, _tracking.branch);
+    return request;
+}
+
+void TrackTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                           ", which tracks " + shown(_tracking) + ".\n";
+}
+
+constexpr Parameter trackParameters[] = {
+    {nameWord, "The new branch", Takes::text, Occurs::once},
+    {"REMOTE/BRANCH", "The remote's name and its branch", Takes::text, Occurs::once},
+};
+
+Reply track(const CommandCall& call) {
+    return TrackTask(call).run();
+}
+
+constinit const Command trackCommand{
+    .name = "track",
+    .group = innerGroup,
+    .summary = "Fetch a remote's branch and make one that tracks it",
+    .details =
+        "Example:\n"
+        "  nebsc branch track topic origin/topic\n",
+    .parameters = trackParameters,
+    .activity = "Fetching",
+    .run = track,
+};
+
+// ---- tracking ---------------------------------------------------------------------------------
+
+class TrackingTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Silence silence() const override { return Silence::answer; }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+std::shared_ptr<NEBSourceControlRequest> TrackingTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestTrackingBranchName);
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionBranch, word(nameWord));
+    return request;
+}
+
+/// Of a remote's branch that has a "/" in its name, the record holds a part alone. And git is
+/// silent outside any repository, and about a branch that is not there.
+void TrackingTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const std::string& name = word(nameWord);
+    if (auto refused = refusalWithoutRepository()) {
+        reply = *refused;
+    } else if (const auto tracking = trackingOf(name)) {
+        reply.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
+    } else if (isBranch(name) || currentBranch() == name) {
+        reply = refusal(inQuotes(name) + " tracks no branch.", exitFailed);
+    } else {
+        reply = refusal("There is no branch " + inQuotes(name) + ".", exitFailed);
+    }
+}
+
+constexpr Parameter trackingParameters[] = {
+    {nameWord, "A branch of this repository", Takes::text, Occurs::once},
+};
+
+Reply tracking(const CommandCall& call) {
+    return TrackingTask(call).run();
+}
+
+constinit const Command trackingCommand{
+    .name = "tracking",
+    .group = innerGroup,
+    .summary = "Show which branch of a remote a branch tracks",
+    .details =
+        "The exit status is 1 when it tracks none.\n\n"
+        "Example:\n"
+        "  nebsc branch tracking main\n",
+    .parameters = trackingParameters,
+    .activity = "Looking",
+    .run = tracking,
+};
+
+constexpr const Command* branchCommands[] = {
+    &listCommand, &currentCommand, &createCommand, &deleteCommand, &trackCommand, &trackingCommand,
+};
+
+}  // namespace
+
+constinit const Command branchCommand{
+    .name = "branch",
+    .group = revisionsGroup,
+    .summary = "List, make and delete branches, and let them track others",
+    .details =
+        "Examples:\n"
+        "  nebsc branch                             the branches, the current one marked\n"
+        "  nebsc branch create topic                make one\n"
+        "  nebsc branch track topic origin/topic    make one that tracks another\n"
+        "  nebsc branch create --help               more on one of its commands\n",
+    .activity = "Looking",
+    .commands = branchCommands,
+    .run = list,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,122 @@
+#include "BranchTask.h"
+
+#include <algorithm>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view branchPrefix = "refs/heads/";
+
+std::string withoutPrefix(std::string text, std::string_view prefix) {
+    return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+}
+
+}  // namespace
+
+// ---- the repository and its branches ----------------------------------------------------------
+
+std::vector<std::string> BranchTask::answerLines(std::vector<std::string> arguments) {
+    const std::string output = ask(std::move(arguments)).output;
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < output.size();) {
+        const std::size_t end = std::min(output.find('\n', start), output.size());
+        lines.push_back(output.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+std::optional<Reply> BranchTask::refusalWithoutRepository() {
+    const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
+    return repository.status.isSuccess() ? std::nullopt : std::optional(failureOf(repository));
+}
+
+/// The long name: the short one is another where a tag has it too.
+std::optional<std::string> BranchTask::currentBranch() {
+    auto reference = answer({"symbolic-ref", "--quiet", "HEAD"});
+    return reference ? std::optional(withoutPrefix(std::move(*reference), branchPrefix))
+                     : std::nullopt;
+}
+
+std::string BranchTask::whereInsteadOfBranch() {
+    if (const auto branch = currentBranch()) {
+        return "The current branch " + printable(inQuotes(*branch)) + " has no commit yet.\n";
+    }
+    const auto commit = latestCommit();
+    return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "On no branch.\n";
+}
+
+bool BranchTask::isBranch(const std::string& name) {
+    return ask({"show-ref", "--verify", "--quiet", std::string(branchPrefix) + name})
+        .status.isSuccess();
+}
+
+// ---- remotes ----------------------------------------------------------------------------------
+
+bool BranchTask::isRemote(const std::string& name) {
+    const std::vector<std::string> names = answerLines({"remote"});
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::string BranchTask::remoteOrLocation(const std::string& text) {
+    const std::string location = repositoryLocation(currentFolder(), text);
+    const bool isPath = text.find('/') != std::string::npos || isAnythingAt(location);
+    return isPath && !isRemote(text) ? location : text;
+}
+
+std::optional<BranchTask::Tracking> BranchTask::trackingOf(const std::string& branch) {
+    const auto setting = [&](const char* name) {
+        return answer({"config", "--get", "branch." + branch + "." + name});
+    };
+    const auto remote = setting("remote");
+    auto reference = setting("merge");
+    if (!remote || !reference) {
+        return std::nullopt;
+    }
+    return Tracking{*remote, withoutPrefix(std::move(*reference), branchPrefix)};
+}
+
+std::string BranchTask::shown(const Tracking& tracking) {
+    const std::string& remote = tracking.remote;
+    if (remote == ".") {
+        return printable(tracking.branch);
+    }
+    return printable(isRemote(remote) ? remote + "/" + tracking.branch
+                                      : tracking.branch + " of " + inQuotes(remote));
+}
+
+std::optional<Reply> BranchTask::refusalWithoutSubversion() {
+    if (auto refused = refusalWithoutRepository()) {
+        return refused;
+    }
+    if (answer({"config", "--get-regexp", "^svn-remote\\."})) {
+        return std::nullopt;
+    }
+    Reply reply = refusal("No Subversion repository stands behind this one.", exitFailed);
+    reply.standardError += "\"git svn clone URL\" makes a repository that has one.\n";
+    return reply;
+}
+
+// ---- requests ---------------------------------------------------------------------------------
+
+std::shared_ptr<NEBSourceControlRequest> BranchTask::exchangeRequest(std::int32_t type,
+                                                                     Peer peer) const {
+    auto request = requestOfType(type);
+    request->repositoryToAuthenticate = request->sourceTree;
+    request->remote = std::make_shared<NEBSourceControlRemote>();
+    request->remote->representsGitSVNBridge = peer == Peer::subversion;
+    request->options.emplace();
+    return request;
+}
+
+std::shared_ptr<NEBSourceControlRequest> BranchTask::fetchRequest(const std::string& remote) const {
+    auto request = exchangeRequest(NEBSourceControlRequestFetch, Peer::remote);
+    request->options->set(NEBSourceControlRequestOptionRemoteName, remote);
+    return request;
+}
+
+}  // namespace neb::nebsc

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view branchPrefix = "refs/heads/";
 
-std::string withoutPrefix(std::string text, std::string_view prefix) {
+std::string withoutPrefix(const std::string& text, std::string_view prefix) {
     return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
 }
 
@@ -37,9 +37,8 @@ std::optional<Reply> BranchTask::refusalWithoutRepository() {
 
 /// The long name: the short one is another where a tag has it too.
 std::optional<std::string> BranchTask::currentBranch() {
-    auto reference = answer({"symbolic-ref", "--quiet", "HEAD"});
-    return reference ? std::optional(withoutPrefix(std::move(*reference), branchPrefix))
-                     : std::nullopt;
+    const auto reference = answer({"symbolic-ref", "--quiet", "HEAD"});
+    return reference ? std::optional(withoutPrefix(*reference, branchPrefix)) : std::nullopt;
 }
 
 std::string BranchTask::whereInsteadOfBranch() {
@@ -73,11 +72,11 @@ std::optional<BranchTask::Tracking> BranchTask::trackingOf(const std::string& br
         return answer({"config", "--get", "branch." + branch + "." + name});
     };
     const auto remote = setting("remote");
-    auto reference = setting("merge");
+    const auto reference = setting("merge");
     if (!remote || !reference) {
         return std::nullopt;
     }
-    return Tracking{*remote, withoutPrefix(std::move(*reference), branchPrefix)};
+    return Tracking{*remote, withoutPrefix(*reference, branchPrefix)};
 }
 
 std::string BranchTask::shown(const Tracking& tracking) {
@@ -89,11 +88,15 @@ std::string BranchTask::shown(const Tracking& tracking) {
                                       : tracking.branch + " of " + inQuotes(remote));
 }
 
+bool BranchTask::hasSubversion() {
+    return answer({"config", "--get-regexp", "^svn-remote\\."}).has_value();
+}
+
 std::optional<Reply> BranchTask::refusalWithoutSubversion() {
     if (auto refused = refusalWithoutRepository()) {
         return refused;
     }
-    if (answer({"config", "--get-regexp", "^svn-remote\\."})) {
+    if (hasSubversion()) {
         return std::nullopt;
     }
     Reply reply = refusal("No Subversion repository stands behind this one.", exitFailed);

@@ -53,6 +53,8 @@ protected:
     [[nodiscard]] std::string shown(const Tracking& tracking);
     using CommandTask::shown;
 
+    /// Whether a Subversion repository stands behind this one.
+    [[nodiscard]] bool hasSubversion();
     /// The reply where no Subversion repository stands behind this one.
     [[nodiscard]] std::optional<Reply> refusalWithoutSubversion();
 

@@ -38,6 +38,9 @@ std::span<const Command* const> allCommands() {
         &infoCommand,
         //
         &remoteCommand,
+        &fetchCommand,
+        &pushCommand,
+        &updateCommand,
         //
         &requestCommand,
         &typesCommand,

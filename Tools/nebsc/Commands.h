@@ -41,6 +41,9 @@ extern const Command infoCommand;
 // ---- the exchange with other repositories
 /// Its commands are those about the repositories that this one knows by name.
 extern const Command remoteCommand;
+extern const Command fetchCommand;
+extern const Command pushCommand;
+extern const Command updateCommand;
 
 // ---- requests
 /// Reads a request, carries it out, and says what came of it, in JSON.

@@ -1,0 +1,125 @@
+// Two people and a Subversion server, through nebsc; both sides are looked at with svn itself.
+
+#include <memory>
+
+#include "Support/SubversionServer.h"
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+using testing::StartsWith;
+
+const std::string reference = "refs/remotes/git-svn";
+
+class SubversionCommands : public testing::Test {
+protected:
+    void SetUp() override { connect(ann); }
+    /// What `git svn clone` does.
+    void connect(const TestRepository& who) const {
+        who.git({"svn", "init", server.url() + "/trunk"});
+        who.git({"svn", "fetch", "--quiet"});
+        who.git({"reset", "--quiet", "--hard", reference});
+    }
+    [[nodiscard]] static NebscOutcome nebsc(const TestRepository& who,
+                                            const std::vector<std::string>& words,
+                                            std::string_view folder = "") {
+        return runNebsc(words, {.folder = who.path(folder)});
+    }
+    [[nodiscard]] static std::string now(const TestRepository& who) {
+        return "now at " + who.git({"rev-parse", "HEAD"}).substr(0, 12) + ".\n";
+    }
+    [[nodiscard]] static std::string content(const TestRepository& who, const std::string& file) {
+        return who.git({"show", "HEAD:" + file});
+    }
+
+    SubversionServer server;
+    TestRepository ann, ben;
+};
+
+TEST_F(SubversionCommands, TwoPeopleWorkTogether) {
+    connect(ben);
+    expectDone(nebsc(ann, {"remote", "list"}),
+               "git-svn  " + server.url() + "/trunk (Subversion)\n");
+    ann.write("a", "ann\n");
+    ann.write("src/new.c", "ann\n");
+    expectDone(nebsc(ann, {"add", "."}));
+    EXPECT_THAT(nebsc(ann, {"commit", "-m", "from Ann"}).output, StartsWith("Committed "));
+    const NebscOutcome pushed = nebsc(ann, {"push", "--svn"}, "src");
+    expectDone(pushed, "Pushed to Subversion; " + now(ann));
+    EXPECT_EQ(server.content("trunk/a"), "ann\n");
+    EXPECT_EQ(server.content("trunk/src/new.c"), "ann\n");
+    EXPECT_THAT(server.run({"svn", "log", "-r", "HEAD", server.fileURL()}), HasSubstr("from Ann"));
+    expectDone(nebsc(ann, {"push", "--svn"}),
+               "There is nothing to push: Subversion has all commits.\n");
+
+    // Ben has a commit of his own, which goes on top; then it is his turn, and Ann's again.
+    ben.write("b", "ben\n");
+    expectDone(nebsc(ben, {"add", "b"}));
+    EXPECT_EQ(nebsc(ben, {"commit", "-m", "from Ben"}).exitStatus, 0);
+    const NebscOutcome updated = nebsc(ben, {"update", "--svn"});
+    expectDone(updated, "Updated from " + reference + "; " + now(ben));
+    EXPECT_EQ(content(ben, "a"), "ann\n");
+    EXPECT_EQ(content(ben, "b"), "ben\n");
+    EXPECT_EQ(ben.git({"rev-list", "--count", reference + "..HEAD"}), "1\n");
+    expectDone(nebsc(ben, {"update", "--svn"}), "Already up to date with " + reference + ".\n");
+    EXPECT_EQ(nebsc(ben, {"push", "--svn"}).exitStatus, 0);
+    EXPECT_EQ(server.content("trunk/b"), "ben\n");
+    expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion:\n    changed  git-svn\n");
+    expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion; there is nothing new.\n");
+    const NebscOutcome named = nebsc(ann, {"update", "--svn", "git-svn"}, "src");
+    expectDone(named, "Updated from git-svn; " + now(ann));
+    EXPECT_EQ(content(ann, "b"), "ben\n");
+    EXPECT_EQ(ann.git({"diff", "git-svn"}), "");
+}
+
+TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
+    server.commitFile("trunk/a", "theirs\n");
+    const NebscOutcome json = nebsc(ann, {"update", "--svn", "--json"});
+    EXPECT_EQ(json.json()["type"], 13);
+    EXPECT_EQ(json.json()["commands"][0]["arguments"].back(), reference);
+    EXPECT_EQ(json.json()["reports"].size(), 0U);
+    EXPECT_EQ(json.errors, "");
+    EXPECT_EQ(nebsc(ann, {"push", "--svn", "--json"}).json()["type"], 33);
+    EXPECT_EQ(nebsc(ann, {"fetch", "--svn", "--json"}).json()["type"], 37);
+}
+
+TEST_F(SubversionCommands, APushThatTheServerIsAheadOfIsRefused) {
+    ann.commitFile("a", "mine\n");
+    server.commitFile("trunk/a", "theirs\n");
+    expectFailed(nebsc(ann, {"push", "--svn"}),
+                 AllOf(HasSubstr("does not have the latest remote changes"),
+                       EndsWith("\n\"nebsc update --svn\" brings them here.\n")));
+    EXPECT_EQ(server.content("trunk/a"), "theirs\n");
+}
+
+TEST_F(SubversionCommands, WhatTheServerOrTheWorkingCopyRefusesIsTold) {
+    ann.commitFile("a", "mine\n");
+    server.refuseCommits("not on a Friday");
+    expectFailed(nebsc(ann, {"push", "--svn"}), HasSubstr("not on a Friday"));
+    ann.write("a", "not committed\n");
+    expectFailed(nebsc(ann, {"push", "--svn"}), HasSubstr("uncommitted changes"));
+    expectFailed(nebsc(ann, {"update", "--svn"}), HasSubstr("uncommitted changes"));
+    expectFailed(nebsc(ann, {"update"}),
+                 EndsWith("\n\"nebsc update --svn\" brings what is new in Subversion.\n"));
+    expectFailed(nebsc(ann, {"update", "--svn", "nosuch"}), HasSubstr("nosuch"));
+    expectFailed(nebsc(ann, {"update", "--svn", "--", "--root"}),
+                 HasSubstr("\"--root\" begins with"), 2);
+    EXPECT_EQ(server.content("trunk/a"), "first\n");
+}
+
+TEST_F(SubversionCommands, AServerThatIsGoneIsTold) {
+    ann.git({"config", "svn-remote.svn.url", "svn://127.0.0.1:1/trunk"});
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"fetch", "--svn"}, {"update", "--svn"}}) {
+        expectFailed(nebsc(ann, words), StartsWith("nebsc: "));
+    }
+    EXPECT_EQ(nebsc(ann, {"update", "--svn", "--json"}).json()["type"], 37);
+}
+
+}  // namespace
+}  // namespace neb::test

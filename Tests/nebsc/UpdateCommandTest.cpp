@@ -1,0 +1,211 @@
+// `nebsc update`, run as a program.
+
+#include <filesystem>
+
+#include "nebsc/SharingTest.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+using JSON = nlohmann::ordered_json;
+
+class UpdateCommand : public SharingTest {
+protected:
+    /// What ann has committed and shared.
+    void shareChange(const std::string& file = "b", const std::string& bytes = "ann\n") const {
+        ann->commitFile(file, bytes);
+        share(*ann);
+    }
+    [[nodiscard]] std::string updated() const {
+        return "Updated from origin/main; now at " + revision(*ben) + ".\n";
+    }
+};
+
+const std::string upToDate = "Already up to date with origin/main.\n";
+
+TEST_F(UpdateCommand, BringsWhatIsNew) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"update"},
+                                                  {"update", "--ff"},
+                                                  {"update", "origin", "main"},
+                                                  {"update", "origin", "main", "--ff"}}) {
+        shareChange("src/b", words.back() + std::to_string(words.size()));
+        ben->write("src/x", "");
+        const NebscOutcome outcome = nebsc(*ben, words, "src");
+        expectDone(outcome, updated());
+        EXPECT_EQ(revision(*ben), revision(*ann));
+        expectDone(nebsc(*ben, words), upToDate);
+    }
+}
+
+TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
+    shareChange("a", "ann\n2\n3\n");
+    ben->commitFile("a", "ben\n2\n3\n");
+    ben->commitFile("c", "ben\n");
+    expectFailed(nebsc(*ben, {"update", "--ff"}),
+                 AllOf(StartsWith("nebsc: "), HasSubstr("fast-forward"),
+                       EndsWith("\n\"nebsc update\" without --ff merges them.\n")));
+    const NebscOutcome merged = nebsc(*ben, {"update"});
+    expectDone(merged, updated());
+    EXPECT_EQ(ben->git({"rev-parse", "HEAD^2"}), ann->git({"rev-parse", "HEAD"}));
+    EXPECT_EQ(ben->git({"show", "HEAD:a"}), "ben\n2\n3\n");
+    expectDone(nebsc(*ben, {"update"}), upToDate);
+    expectDone(nebsc(*ben, {"update", "--ff"}), upToDate);
+}
+
+TEST_F(UpdateCommand, AMergeThatTheUserWantsUncommittedIsToldSo) {
+    shareChange();
+    ben->commitFile("c", "ben\n");
+    ben->git({"config", "branch.main.mergeOptions", "--no-commit"});
+    expectDone(nebsc(*ben, {"update"}), "Merged origin/main; it is not committed yet.\n");
+}
+
+TEST_F(UpdateCommand, TakesTheWholeNamesOfBranchAndRemote) {
+    shareChange();
+    share(*ann, "feature/Grüße");
+    ben->git({"remote", "rename", "origin", "team/one"});
+    ben->git({"fetch", "--quiet", "team/one"});
+    ben->git({"checkout", "--quiet", "-b", "mine", "--track", "team/one/feature/Grüße"});
+    shareChange("c");
+    share(*ann, "feature/Grüße");
+    expectDone(nebsc(*ben, {"update"}),
+               "Updated from team/one/feature/Grüße; now at " + revision(*ann) + ".\n");
+    ben->git({"reset", "--quiet", "--hard", "HEAD~1"});
+    expectDone(nebsc(*ben, {"update", "--ff"}),
+               "Updated from team/one/feature/Grüße; now at " + revision(*ann) + ".\n");
+}
+
+TEST_F(UpdateCommand, AnEmptyCloneGetsTheFirstCommit) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
+        const TestRepository empty;
+        empty.git({"remote", "add", "origin", bare()});
+        empty.git({"config", "branch.main.remote", "origin"});
+        empty.git({"config", "branch.main.merge", "refs/heads/main"});
+        expectDone(nebsc(empty, words),
+                   "Updated from origin/main; now at " + revision(*ann) + ".\n");
+        EXPECT_EQ(empty.git({"status", "--porcelain"}), "");
+    }
+}
+
+TEST_F(UpdateCommand, ABranchMayTrackOneOfTheSameRepository) {
+    ben->git({"checkout", "--quiet", "-b", "topic", "--track", "main"});
+    ben->git({"checkout", "--quiet", "main"});
+    ben->commitFile("c", "ben\n");
+    ben->git({"checkout", "--quiet", "topic"});
+    expectDone(nebsc(*ben, {"update"}),
+               "Updated from main; now at " + revision(*ben, "main") + ".\n");
+    expectDone(nebsc(*ben, {"update"}), "Already up to date with main.\n");
+}
+
+TEST_F(UpdateCommand, JSONIsTheOutcomeOfTheLastRequest) {
+    shareChange();
+    const NebscOutcome json = nebsc(*ben, {"update", "--json"});
+    EXPECT_EQ(json.json()["type"], 13);
+    EXPECT_EQ(json.json()["commands"][0]["arguments"],
+              JSON({"merge", "-s", "recursive", "-X", "ours", "refs/remotes/origin/main"}));
+    EXPECT_EQ(json.json()["reports"], JSON::array());
+    EXPECT_EQ(json.errors, "");
+    EXPECT_EQ(json.exitStatus, 0);
+    const NebscOutcome nothing = nebsc(*ben, {"update", "--ff", "--json"});
+    EXPECT_EQ(nothing.json()["error"]["code"], -34);
+    EXPECT_EQ(nothing.json()["commands"][0]["arguments"],
+              JSON({"pull", "--ff-only", "origin", "main"}));
+    EXPECT_EQ(nothing.errors, "");
+    EXPECT_EQ(nothing.exitStatus, 0);
+    fs::remove_all(bare());
+    const NebscOutcome failed = nebsc(*ben, {"update", "--json"});
+    EXPECT_EQ(failed.json()["type"], 37) << "it came no further";
+    EXPECT_EQ(failed.exitStatus, 1);
+}
+
+TEST_F(UpdateCommand, LocalChangesAreNotOverwritten) {
+    shareChange("a");
+    ben->write("a", "mine\n");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
+        expectFailed(nebsc(*ben, words),
+                     AllOf(HasSubstr("uncommitted changes"), HasSubstr("    a\n")));
+        EXPECT_EQ(ben->git({"status", "--porcelain"}), " M a\n");
+    }
+}
+
+TEST_F(UpdateCommand, AConflictThatHasNoSideIsAFailure) {
+    shareChange("a");
+    ben->git({"rm", "--quiet", "a"});
+    ben->git({"commit", "--quiet", "-m", "without a"});
+    expectFailed(nebsc(*ben, {"update"}), AllOf(HasSubstr("conflicts"), HasSubstr("CONFLICT")));
+}
+
+TEST_F(UpdateCommand, WithoutATrackedBranchItAsksForOne) {
+    const std::string advice = "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
+        ben->git({"checkout", "--quiet", "-B", "apart", "main", "--no-track"});
+        expectFailed(nebsc(*ben, words),
+                     "nebsc: The current branch \"apart\" tracks no branch, so it is not known "
+                     "what is new.\n" +
+                         advice);
+        ben->git({"checkout", "--quiet", "--detach"});
+        expectFailed(nebsc(*ben, words),
+                     "nebsc: No branch is checked out that could track another, so it is not "
+                     "known what is new.\n" +
+                         advice);
+    }
+    shareChange();
+    const NebscOutcome named = nebsc(*ben, {"update", "origin", "main"});
+    expectDone(named, updated());
+}
+
+TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
+    expectFailed(nebsc(*ben, {"update", "origin", "nosuch"}),
+                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n");
+    expectFailed(nebsc(*ben, {"update", "--ff", "origin", "nosuch"}), HasSubstr("nosuch"));
+    expectFailed(nebsc(*ben, {"update", "nosuch", "main"}),
+                 "nebsc: \"nosuch\" is the name of no remote.\n\"nebsc remote add\" gives it one; "
+                 "\"nebsc update --ff\" does without.\n");
+    expectFailed(nebsc(*ben, {"update", "--ff", "nosuch", "main"}),
+                 HasSubstr("'nosuch' does not appear"));
+    expectDone(nebsc(*ben, {"update", "--ff", bare(), "main"}),
+               "Already up to date with main of \"" + bare() + "\".\n");
+    ben->git({"config", "branch.main.merge", "refs/heads/nosuch"});
+    expectFailed(nebsc(*ben, {"update"}),
+                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n");
+}
+
+TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
+    shareChange();
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"update", "origin"},
+                                                  {"update", "--svn", "a", "b"},
+                                                  {"update", "--svn", "--ff"}}) {
+        expectFailed(nebsc(*ben, words), HasSubstr("nebsc update --help"), 2);
+    }
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"update", "--", "-x", "main"},
+          {"update", "--ff", "--", "-x", "main"},
+          {"update", "--ff", "origin", "--", "-x"}}) {
+        expectFailed(nebsc(*ben, words), HasSubstr("\"-x\" begins with \"-\""), 2);
+    }
+    EXPECT_NE(revision(*ben, "origin/main"), revision(*ann));
+}
+
+TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
+    const TemporaryFolder nowhere;
+    expectFailed(runNebsc({"update"}, {.folder = nowhere.path()}),
+                 StartsWith("nebsc: fatal: not a git repository"));
+    expectFailed(runNebsc({"update"}, {.folder = bare()}), HasSubstr("work tree"));
+    expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("No Subversion repository"));
+}
+
+TEST_F(UpdateCommand, AGitThatFailsWithoutAWordIsAFailure) {
+    const StandInGit git(ben->path(), "exit 3");
+    expectFailed(nebsc(*ben, {"update", "--ff", "origin", "main"}, git),
+                 "nebsc: git told nothing and ended with exit status 3.\n");
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,208 @@
+#include "BranchTask.h"
+#include "Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view remoteWord = "REMOTE";
+constexpr std::string_view branchWord = "BRANCH";
+
+class UpdateTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    bool isAnswer(const NEBSourceControlError& error) const override {
+        return error.code == NEBSourceControlUpToDateError;
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
+
+private:
+    [[nodiscard]] bool isByFastForward() const { return arguments().has("--ff"); }
+    [[nodiscard]] bool isSubversion() const { return arguments().has("--svn"); }
+    [[nodiscard]] std::optional<Reply> refusalOfWords() const;
+    [[nodiscard]] std::optional<Reply> findSource();
+    [[nodiscard]] std::optional<Reply> fetchSource();
+    [[nodiscard]] std::optional<Reply> fetchSubversion();
+
+    /// The branch of a remote from which the commits come.
+    Tracking _source;
+    /// The reference under which a fetch keeps it here; empty where a pull asks the remote itself.
+    std::string _reference;
+    /// What a person is told of the source.
+    std::string _shownSource;
+    std::optional<std::string> _commitBefore;
+    bool _isMergedAlready = false;
+};
+
+std::optional<Reply> UpdateTask::refusalOfWords() const {
+    const bool hasRemote = arguments().has(remoteWord);
+    const bool hasBranch = arguments().has(branchWord);
+    if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
+        return refusal(
+            "Either REMOTE and BRANCH, both or none, or --svn and no more than REF was expected "
+            "(see nebsc update --help).",
+            exitNotUnderstood);
+    }
+    return std::nullopt;
+}
+
+std::optional<Reply> UpdateTask::look() {
+    if (auto refused = refusalOfWords()) {
+        return refused;
+    }
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    _commitBefore = latestCommit();
+    if (isSubversion()) {
+        return fetchSubversion();
+    }
+    if (auto refused = findSource()) {
+        return refused;
+    }
+    _shownSource = shown(_source);
+    return isByFastForward() ? std::nullopt : fetchSource();
+}
+
+/// The words of the call, or what the current branch tracks.
+std::optional<Reply> UpdateTask::findSource() {
+    if (arguments().has(remoteWord)) {
+        _source = {remoteOrLocation(word(remoteWord)), word(branchWord)};
+        return std::nullopt;
+    }
+    const auto branch = currentBranch();
+    const auto tracking = branch ? trackingOf(*branch) : std::nullopt;
+    if (!tracking) {
+        Reply reply = refusal(branch ? "The current branch " + inQuotes(*branch) +
+                                           " tracks no branch, so it is not known what is new."
+                                     : "No branch is checked out that could track another, so it "
+                                       "is not known what is new.",
+                              exitFailed);
+        reply.standardError += hasSubversion()
+                                   ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
+                                   : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+        return reply;
+    }
+    _source = *tracking;
+    return std::nullopt;
+}
+
+/// What the request merges must be here; of a remote without a name, nothing is kept.
+std::optional<Reply> UpdateTask::fetchSource() {
+    const bool isTracked = !arguments().has(remoteWord);
+    const std::string& remote = _source.remote;
+    if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
+        Reply reply = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed);
+        reply.standardError +=
+            "\"nebsc remote add\" gives it one; \"nebsc update --ff\" does without.\n";
+        return reply;
+    }
+    if (auto failed = prepareBy(fetchRequest(remote))) {
+        return failed;
+    }
+    const auto reference =
+        isTracked
+            ? answer({"rev-parse", "--verify", "--quiet", "--symbolic-full-name", "@{upstream}"})
+            : "refs/remotes/" + remote + "/" + _source.branch;
+    if (!reference || askForCommit(*reference).status.exitStatus() == 1) {
+        return refusal("There is no branch " + inQuotes(_source.branch) + " in the remote " +
+                           inQuotes(remote) + ".",
+                       exitFailed);
+    }
+    _reference = *reference;
+    _isMergedAlready = ask({"merge-base", "--is-ancestor", _reference, "HEAD"}).status.isSuccess();
+    return std::nullopt;
+}
+
+/// The bridge's setting is "path on the server:reference". A reference that is refused anyway is
+/// not worth a fetch.
+std::optional<Reply> UpdateTask::fetchSubversion() {
+    if (auto refused = refusalWithoutSubversion()) {
+        return refused;
+    }
+    _reference = word(remoteWord);
+    if (!arguments().has(remoteWord)) {
+        const std::string setting =
+            answer({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
+        _reference = setting.substr(setting.rfind(':') + 1);
+    }
+    _shownSource = printable(_reference);
+    return _reference.starts_with('-')
+               ? std::nullopt
+               : prepareBy(exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion));
+}
+
+std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
+    auto request = exchangeRequest(NEBSourceControlRequestUpdate,
+                                   isSubversion() ? Peer::subversion : Peer::remote);
+    if (isByFastForward()) {
+        request->destination = _source.remote;
+        request->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
+        request->options->set(NEBSourceControlRequestOptionRemoteName, _source.remote);
+        request->options->set(NEBSourceControlRequestOptionBranch, _source.branch);
+    } else {
+        request->destination = _reference;
+    }
+    return request;
+}
+
+/// An outcome does not say what came.
+void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
+    const auto commit = latestCommit();
+    if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
+        reply.standardOutput = "Already up to date with " + _shownSource + ".\n";
+    } else if (commit && commit != _commitBefore) {
+        reply.standardOutput =
+            "Updated from " + _shownSource + "; now at " + printable(*commit) + ".\n";
+    } else {
+        reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
+    }
+}
+
+std::string UpdateTask::adviceAfter(const NEBSourceControlError& error) const {
+    return error.code == NEBSourceControlFastForwardError
+               ? "\"nebsc update\" without --ff merges them.\n"
+               : "";
+}
+
+constexpr Parameter parameters[] = {
+    {remoteWord,
+     "A remote's name; unless given, what the current branch tracks. With --svn: the reference of "
+     "what was fetched, unless it is the configured one",
+     Takes::text},
+    {branchWord, "The remote's branch", Takes::text},
+    {"--ff", "Only if there are no commits here that the remote does not have"},
+    {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
+};
+
+Reply run(const CommandCall& call) {
+    return UpdateTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command updateCommand{
+    .name = "update",
+    .group = exchangeGroup,
+    .summary = "Bring the working copy up to date with a remote",
+    .details =
+        "Fetches, and merges what is new into the current branch. Where both sides have\n"
+        "changed the same lines, those of the current branch are kept.\n\n"
+        "Examples:\n"
+        "  nebsc update                from the branch that the current one tracks\n"
+        "  nebsc update origin main    from another\n"
+        "  nebsc update --ff           the same, unless it would need a merge\n"
+        "  nebsc update --svn          from the Subversion repository\n",
+    .parameters = parameters,
+    .activity = "Updating",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

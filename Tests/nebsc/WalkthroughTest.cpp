@@ -64,5 +64,50 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
                "origin      " + demo + "\nroot        " + folder.path("copy") + "\n");
 }
 
+TEST(Walkthrough, TwoPeopleShareABareRepository) {
+    const TemporaryFolder folder;
+    const auto run = [&](const char* who, const std::vector<std::string>& words) {
+        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path(who)});
+        EXPECT_EQ(outcome.errors, "") << words[0];
+        EXPECT_EQ(outcome.exitStatus, 0) << words[0];
+        return outcome.output;
+    };
+    const auto commit = [&](const char* who, const std::string& file) {
+        folder.write(who + ("/" + file), "int x;\n");
+        run(who, {"add", file});
+        EXPECT_THAT(run(who, {"commit", "-m", "Add " + file}), HasSubstr("Committed "));
+    };
+    run("", {"init", "--bare", "shared.git"});
+    run("", {"clone", "shared.git", "ann"});
+    commit("ann", "hello.c");
+    const std::string pushed = "Pushed main to main of \"origin\".\n";
+    EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
+
+    run("", {"clone", "shared.git", "ben"});
+    EXPECT_EQ(run("ben", {"branch", "create", "more"}), "Made the branch \"more\".\n");
+    EXPECT_EQ(run("ben", {"checkout", "more"}), "Now on more.\n");
+    commit("ben", "more.c");
+    EXPECT_EQ(run("ben", {"push", "origin", "more:feature/more"}),
+              "Pushed more to feature/more of \"origin\".\n");
+
+    EXPECT_EQ(run("ann", {"branch", "track", "review", "origin/feature/more"}),
+              "Made the branch \"review\", which tracks origin/feature/more.\n");
+    EXPECT_THAT(run("ann", {"merge", "review"}), HasSubstr("Merged \"review\"; now at "));
+    EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
+
+    run("ben", {"checkout", "main"});
+    commit("ben", "ben.c");
+    const std::vector<std::string> push{"push", "origin", "main:main"};
+    expectFailed(runNebsc(push, {.folder = folder.path("ben")}),
+                 HasSubstr("does not have the latest remote changes"));
+    EXPECT_THAT(run("ben", {"update"}), HasSubstr("Updated from origin/main; now at "));
+    EXPECT_EQ(run("ben", push), pushed);
+
+    EXPECT_THAT(run("ann", {"update", "--ff"}), HasSubstr("Updated from origin/main; now at "));
+    for (const char* file : {"hello.c", "more.c", "ben.c"}) {
+        EXPECT_EQ(folder.read("ann/" + std::string(file)), "int x;\n");
+    }
+}
+
 }  // namespace
 }  // namespace neb::test

@@ -12,6 +12,14 @@ TEST(Printable, LeavesOrdinaryTextAlone) {
     EXPECT_EQ(printable(""), "");
 }
 
+TEST(Printable, ALineOfAFileKeepsItsTabsAndItsEnd) {
+    EXPECT_EQ(printableLine("\tint a;\t// b\r"), "\tint a;\t// b\r");
+    EXPECT_EQ(printableLine("a\rb\x1b[2J\t\xE4"), "a\\rb\\x1b[2J\t\xEF\xBF\xBD");
+    EXPECT_EQ(printableLine(""), "");
+    EXPECT_EQ(printableLine("\r"), "\r");
+    EXPECT_EQ(printableLine("\t"), "\t");
+}
+
 TEST(Printable, WritesControlCharactersOut) {
     EXPECT_EQ(printable("a\nb\tc\rd"), "a\\nb\\tc\\rd");
     EXPECT_EQ(printable("\x1b[31m"), "\\x1b[31m");

@@ -48,7 +48,8 @@ struct ColourSequence {
     std::string_view sequence;
 };
 
-constexpr std::array<ColourSequence, 5> colourSequences{{
+constexpr std::array<ColourSequence, 6> colourSequences{{
+    {Colour::bold, "\x1b[1m"},
     {Colour::red, "\x1b[31m"},
     {Colour::boldRed, "\x1b[1;31m"},
     {Colour::green, "\x1b[32m"},
@@ -109,6 +110,16 @@ std::string printable(std::string_view bytes) {
         }
     }
     return result;
+}
+
+std::string printableLine(std::string_view bytes) {
+    const bool hasReturn = bytes.ends_with('\r');
+    bytes.remove_suffix(hasReturn ? 1 : 0);
+    std::string line;
+    forEachPiece(bytes, '\t', [&line, &bytes](std::string_view piece) {
+        line.append(piece.data() == bytes.data() ? "" : "\t").append(printable(piece));
+    });
+    return line + (hasReturn ? "\r" : "");
 }
 
 std::string inQuotes(std::string_view text) {

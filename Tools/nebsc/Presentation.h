@@ -12,11 +12,14 @@ namespace neb::nebsc {
 /// written out ("\n", "\t", "\x1b", "\u009b"), each byte that is no UTF-8 becomes U+FFFD.
 [[nodiscard]] std::string printable(std::string_view bytes);
 
+/// The same of a line of a file: TABs stay, and so does the CR of a line end.
+[[nodiscard]] std::string printableLine(std::string_view bytes);
+
 /// The text between quotes, as it is.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
-/// The colours in which states are shown, as terminals name them.
-enum class Colour { none, red, boldRed, green, yellow, cyan };
+/// The colours in which things are shown, as terminals name them.
+enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
 
 /// Whether to colour what goes to the descriptor: it is a terminal that is not "dumb", and the user
 /// has not set NO_COLOR to anything but the empty text.

@@ -1,7 +1,5 @@
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <filesystem>
 
 #include "CommandTask.h"
@@ -9,6 +7,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
+#include "StatusWords.h"
 
 namespace neb::nebsc {
 
@@ -16,43 +15,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct StatusWord {
-    std::int64_t status;
-    std::string_view word;
-    Colour colour;
-};
-
-constexpr std::array<StatusWord, 6> statusWords{{
-    {1, "added", Colour::green},
-    {2, "deleted", Colour::red},
-    {4, "modified", Colour::yellow},
-    {16, "conflict", Colour::boldRed},
-    {256, "untracked", Colour::red},
-    {4096, "renamed", Colour::cyan},
-}};
-/// For a state that has no word of its own.
-constexpr StatusWord changed{0, "changed", Colour::none};
-/// The longest word, and two blanks.
-constexpr std::size_t wordColumnWidth = 11;
-
-StatusWord wordOfStatus(std::int64_t status) {
-    const auto* row =
-        std::find_if(statusWords.begin(), statusWords.end(),
-                     [status](const StatusWord& word) { return word.status == status; });
-    return row == statusWords.end() ? changed : *row;
-}
-
 std::string lineOfRecord(const NEBDictionary& record, const WorkingCopyPlace& place,
                          bool isColoured) {
-    const StatusWord word =
-        wordOfStatus(record.value(NEBSourceControlOperationWCStatusKey).integer().value_or(0));
     const std::string* path = record.value(NEBSourceControlOperationPathKey).string();
     const std::string shown =
         printable(path == nullptr ? std::string() : pathAsSeenFrom(place, *path));
-    const std::string blanks(wordColumnWidth - word.word.size(), ' ');
-    const std::string start =
-        isColoured ? coloured(word.word, word.colour) : std::string(word.word);
-    return start + blanks + shown + "\n";
+    return statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) + shown +
+           "\n";
 }
 
 fs::path nearestFolder(fs::path path) {

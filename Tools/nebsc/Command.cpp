@@ -33,6 +33,10 @@ std::span<const Command* const> allCommands() {
         &mergeBaseCommand,
         &branchCommand,
         //
+        &logCommand,
+        &blameCommand,
+        &diffCommand,
+        //
         &initCommand,
         &cloneCommand,
         &infoCommand,

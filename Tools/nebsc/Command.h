@@ -61,8 +61,15 @@ public:
     /// object is left alone.
     [[nodiscard]] const std::vector<std::string>& all(std::string_view name) const;
 
+    /// How many of the words that are told by their place stood behind "--"; absent without a "--".
+    [[nodiscard]] std::optional<std::size_t> wordsBehindDashes() const {
+        return _wordsBehindDashes;
+    }
+    void setWordsBehindDashes(std::optional<std::size_t> count) { _wordsBehindDashes = count; }
+
 private:
     std::map<std::string, std::vector<std::string>, std::less<>> _values;
+    std::optional<std::size_t> _wordsBehindDashes;
 };
 
 struct Command;
@@ -91,6 +98,8 @@ struct Command {
     /// The commands whose names may stand behind this one's; a call that names none of them means
     /// the command itself.
     std::span<const Command* const> commands = {};
+    /// Whether what it shows a person may be long: a terminal then shows it through a pager.
+    bool isPaged = false;
     /// Answers all that there is to say and prints nothing. A signal ends the work; the reply then
     /// says so, and its exit status is that of the signal. On the main thread, one at a time.
     Reply (*run)(const CommandCall& call) = nullptr;

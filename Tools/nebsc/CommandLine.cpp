@@ -53,12 +53,23 @@ std::vector<std::string> shieldedWords(int argc, const char* const* argv) {
     return words;
 }
 
+std::optional<std::size_t> countWordsBehindDashes(int argc, const char* const* argv) {
+    const std::span words(argv, static_cast<std::size_t>(argc));
+    const auto dashes = std::find(words.begin(), words.end(), std::string_view("--"));
+    return dashes == words.end()
+               ? std::nullopt
+               : std::optional(static_cast<std::size_t>(words.end() - dashes) - 1);
+}
+
 /// The reader of one command line, made from the rows of all commands.
 class Reader {
 public:
     Reader();
 
-    void parse(int argc, const char* const* argv) { _app.parse(shieldedWords(argc, argv)); }
+    void parse(int argc, const char* const* argv) {
+        _wordsBehindDashes = countWordsBehindDashes(argc, argv);
+        _app.parse(shieldedWords(argc, argv));
+    }
 
     [[nodiscard]] Call call() const;
     /// The words that name the command of the call, each with a blank behind it; none without one.
@@ -73,6 +84,7 @@ private:
     std::string _plugIn;
     bool _isJSON = false;
     bool _isVersion = false;
+    std::optional<std::size_t> _wordsBehindDashes;
 };
 
 /// "--message" for "-m,--message".
@@ -168,6 +180,7 @@ Call Reader::call() const {
         call.command = &rowOf(*inner, call.command->commands);
         app = inner;
     }
+    call.arguments.setWordsBehindDashes(_wordsBehindDashes);
     for (const Parameter& parameter : call.command->parameters) {
         const CLI::Option* option = app->get_option(longName(parameter));
         if (option->count() > 0) {

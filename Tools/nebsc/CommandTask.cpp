@@ -1,9 +1,12 @@
 #include "CommandTask.h"
 
+#include <unistd.h>
+
 #include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "OperationRun.h"
 #include "OutcomeJSON.h"
+#include "Pager.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
 
@@ -62,8 +65,19 @@ Reply CommandTask::work() {
         return *refused;
     }
     const Performance performance = perform(request());
-    const auto refused = refusalOf(performance);
-    return refused ? *refused : replyTo(*performance.outcome);
+    if (auto refused = refusalOf(performance)) {
+        return *refused;
+    }
+    Reply reply = replyTo(*performance.outcome);
+    reply.pager = pagerFor(reply.standardOutput);
+    return reply;
+}
+
+std::optional<std::string> CommandTask::pagerFor(std::string_view text) {
+    if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
+        return std::nullopt;
+    }
+    return pagerOfUser(answer({"config", "--get", "core.pager"}));
 }
 
 std::optional<Reply> CommandTask::readPaths() {

@@ -125,6 +125,7 @@ private:
     [[nodiscard]] Reply replyTo(const Outcome& outcome);
     /// Adds what belongs to a reply about an outcome in any case.
     void complete(Reply& reply, const Outcome& outcome) const;
+    [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text);
 
     const CommandCall& _call;
     Interruption _interruption;

@@ -10,6 +10,7 @@ namespace neb::nebsc {
 // The headings under which the help lists commands.
 inline constexpr std::string_view workingCopyGroup = "Working copy";
 inline constexpr std::string_view revisionsGroup = "Branches and revisions";
+inline constexpr std::string_view historyGroup = "History and content";
 inline constexpr std::string_view repositoriesGroup = "Repositories";
 inline constexpr std::string_view exchangeGroup = "Exchange with other repositories";
 inline constexpr std::string_view programsGroup = "For programs";
@@ -32,6 +33,11 @@ extern const Command mergeCommand;
 extern const Command mergeBaseCommand;
 /// Its commands are those about the branches of the repository.
 extern const Command branchCommand;
+
+// ---- history and content
+extern const Command logCommand;
+extern const Command blameCommand;
+extern const Command diffCommand;
 
 // ---- repositories
 extern const Command initCommand;

@@ -1,6 +1,7 @@
 // Reply.h - what a command has to say, apart from how it gets out.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,8 @@ struct Reply {
     std::string standardOutput;
     std::string standardError;
     int exitStatus = exitDone;
+    /// The program, as the shell takes it, through which standard output goes to the terminal.
+    std::optional<std::string> pager = std::nullopt;
 };
 
 /// A reply that is one line on standard error: "nebsc: " and the sentence, made printable.

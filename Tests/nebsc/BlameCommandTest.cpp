@@ -1,0 +1,131 @@
+// `nebsc blame`, run as a program.
+
+#include <filesystem>
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using JSON = nlohmann::ordered_json;
+
+class BlameCommand : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("src/grüße dir/b c.c", "one\n\ttwo\n", "First");
+        repository.write("src/grüße dir/b c.c", "one\n\ttwo\nthree\n");
+        repository.git({"commit", "--quiet", "-a", "-m", "Second", "--author", "Bo <b@b>", "--date",
+                        "2013-06-30T20:00:00Z"});
+    }
+    [[nodiscard]] NebscOutcome blame(std::vector<std::string> words,
+                                     std::string_view folder = "") const {
+        words.insert(words.begin(), "blame");
+        return runNebsc(words,
+                        {.folder = repository.path(folder), .variables = {{"TZ", "IST-5:30"}}});
+    }
+    [[nodiscard]] std::string revision(const std::string& name) const {
+        return repository.git({"rev-parse", name}).substr(0, 12);
+    }
+    [[nodiscard]] std::string first(const std::string& rest) const {
+        return revision("HEAD~1") + "  Ann Example  2020-09-13 17:56  " + rest + "\n";
+    }
+};
+
+TEST_F(BlameCommand, ColumnsLineUp) {
+    const std::string all = first("1  one") + first("2  \ttwo") + revision("HEAD") +
+                            "  Bo           2013-07-01 01:30  3  three\n";
+    expectDone(blame({"src/grüße dir/b c.c"}), all);
+    expectDone(blame({"b c.c"}, "src/grüße dir"), all);
+    expectDone(blame({"--", "grüße dir/b c.c"}, "src"), all);
+    std::string lines;
+    for (int i = 0; i < 10; ++i) {
+        lines += "x\n";
+    }
+    repository.commitFile("ten.c", lines);
+    const std::string shown = blame({"ten.c"}).output;
+    EXPECT_THAT(shown, HasSubstr("17:56   9  x\n"));
+    EXPECT_THAT(shown, HasSubstr("17:56  10  x\n"));
+}
+
+TEST_F(BlameCommand, ARevisionShowsTheFileAsItWas) {
+    std::filesystem::remove_all(repository.path("src"));
+    expectDone(blame({"HEAD~1", "src/grüße dir/b c.c"}), first("1  one") + first("2  \ttwo"));
+}
+
+TEST_F(BlameCommand, LinesThatAreNotCommittedReadSo) {
+    repository.write("src/grüße dir/b c.c", "one\nnew");
+    expectDone(blame({"src/grüße dir/b c.c"}),
+               revision("HEAD~1") + "  Ann Example        2020-09-13 17:56  1  one\n" +
+                   "------------  Not committed yet                    2  new\n");
+}
+
+TEST_F(BlameCommand, WithAnotherNumberOfLinesTheContentIsLeftOut) {
+    const std::string commit = repository.git({"rev-parse", "HEAD"}).substr(0, 40);
+    const StandInGit git(repository.path(),
+                         "printf '" + commit + "\\t(Bo\\t2020-09-13 12:26:40 +0000\\t1)one\\n'");
+    const NebscOutcome outcome =
+        runNebsc({"blame", "src/grüße dir/b c.c"},
+                 {.folder = repository.path(), .variables = {git.path(), {"TZ", "UTC"}}});
+    expectDone(outcome, revision("HEAD") + "  Bo  2020-09-13 12:26  1\n");
+}
+
+TEST_F(BlameCommand, ContentCannotDriveTheTerminal) {
+    repository.commitFile("bad.c", "a\x1b[31m\tb\r\n\n\xE4\n");
+    const std::string shown = blame({"bad.c"}).output;
+    EXPECT_THAT(shown, HasSubstr("  1  a\\x1b[31m\tb\r\n"));
+    EXPECT_THAT(shown, HasSubstr("  2\n"));
+    EXPECT_THAT(shown, HasSubstr("  3  \xEF\xBF\xBD\n"));
+}
+
+TEST_F(BlameCommand, ALinksTargetIsItsContent) {
+    std::filesystem::create_symlink("src", repository.path("link"));
+    repository.git({"add", "link"});
+    repository.git({"commit", "--quiet", "-m", "link"});
+    EXPECT_THAT(blame({"link"}).output, testing::EndsWith("  1  src\n"));
+}
+
+TEST_F(BlameCommand, AnEmptyFileHasNoLines) {
+    repository.commitFile("empty", "");
+    expectDone(blame({"empty"}));
+}
+
+TEST_F(BlameCommand, WhatCannotBeBlamedIsNamed) {
+    expectFailed(blame({"nosuch", "src/grüße dir/b c.c"}),
+                 "nebsc: There is no revision \"nosuch\".\n");
+    expectFailed(blame({"nosuch.c"}), HasSubstr("nosuch.c"));
+    expectFailed(blame({}), HasSubstr("FILE is required"), 2);
+    expectFailed(blame({""}), HasSubstr("A word is empty"), 2);
+    expectFailed(blame({"--", "--porcelain", "a.c"}), HasSubstr("\"--porcelain\" begins"), 2);
+    expectFailed(blame({"a", "b", "c"}), HasSubstr("c"), 2);
+    const TestRepository empty;
+    expectFailed(runNebsc({"blame", "a"}, {.folder = empty.path()}),
+                 HasSubstr("There are no commits yet"));
+    const TemporaryFolder folder;
+    expectFailed(runNebsc({"blame", "a"}, {.folder = folder.path()}),
+                 testing::StartsWith("nebsc: fatal: not a git repository"));
+}
+
+TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {
+    const NebscOutcome outcome = blame({"--json", "HEAD~1", "grüße dir/b c.c"}, "src");
+    const JSON json = outcome.json();
+    EXPECT_EQ(json["type"], 28);
+    EXPECT_EQ(json["command"]["arguments"],
+              JSON({"blame", "-c", "-l", "HEAD~1", "--", repository.path("src/grüße dir/b c.c")}));
+    EXPECT_EQ(json["result"].size(), 3U);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(BlameCommand, ATerminalShowsTheRevisionInColour) {
+    const NebscOutcome outcome =
+        runNebsc({"blame", "HEAD~1", "src/grüße dir/b c.c"},
+                 {.folder = repository.path(),
+                  .variables = {{"TZ", "UTC"}, {"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
+                  .output = NebscOutput::terminal});
+    EXPECT_THAT(outcome.output,
+                testing::StartsWith("\x1b[33m" + revision("HEAD~1") + "\x1b[0m  Ann Example  "));
+}
+
+}  // namespace
+}  // namespace neb::test

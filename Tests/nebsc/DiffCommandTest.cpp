@@ -1,0 +1,141 @@
+// `nebsc diff`, run as a program.
+
+#include <filesystem>
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using JSON = nlohmann::ordered_json;
+
+class DiffCommand : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("a.c", "1\n");
+        repository.commitFile("src/grüße dir/b c.c", "one\ntwo\n");
+    }
+    [[nodiscard]] std::string onTerminal(std::vector<std::string> words) const {
+        words.insert(words.begin(), "diff");
+        return runNebsc(words, {.folder = repository.path(),
+                                .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
+                                .output = NebscOutput::terminal})
+            .output;
+    }
+};
+
+TEST_F(DiffCommand, WithoutADifferenceThereIsNothingToSay) {
+    expectDone(nebsc({"diff"}));
+    expectDone(nebsc({"diff", "--name-status", "HEAD", "HEAD"}));
+}
+
+TEST_F(DiffCommand, WithoutRevisionsItShowsAllThatIsNotCommitted) {
+    repository.write("a.c", "2\n");
+    repository.git({"add", "a.c"});
+    repository.write("src/grüße dir/b c.c", "one\n\tthree\r\n");
+    const std::string patch = repository.git({"-c", "core.quotePath=false", "diff", "HEAD"});
+    EXPECT_THAT(patch, HasSubstr("\n+\tthree\r\n"));
+    expectDone(nebsc({"diff"}), patch);
+    expectDone(nebsc({"diff"}, "src"), patch);
+    expectDone(nebsc({"diff", "../a.c"}, "src"), repository.git({"diff", "HEAD", "--", "a.c"}));
+    expectDone(nebsc({"diff", "HEAD~1", "a.c", "src"}),
+               repository.git({"-c", "core.quotePath=false", "diff", "HEAD~1"}));
+}
+
+TEST_F(DiffCommand, NamesAreShownAsSeenFromTheCurrentFolder) {
+    repository.git({"mv", "a.c", "src/new näme.c"});
+    repository.git({"rm", "--quiet", "src/grüße dir/b c.c"});
+    repository.write("z", "1");
+    repository.git({"add", "z"});
+    expectDone(nebsc({"diff", "--name-status"}, "src"),
+               "deleted    grüße dir/b c.c\n"
+               "renamed    ../a.c -> new näme.c\n"
+               "added      ../z\n");
+    expectDone(nebsc({"diff", "--name-status", "--", "z", "gone"}), "added      z\n");
+}
+
+TEST_F(DiffCommand, AFileWhoseNameIsLikeARenamesIsNone) {
+    repository.write("100", "1");
+    repository.git({"add", "100"});
+    expectDone(nebsc({"diff", "--name-status"}), "added      100\n");
+}
+
+TEST_F(DiffCommand, TwoRevisionsAreCompared) {
+    repository.git({"checkout", "--quiet", "-b", "topic"});
+    repository.commitFile("t.c", "1\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.commitFile("m.c", "of main\n");
+    const std::string both = "deleted    m.c\nadded      t.c\n";
+    expectDone(nebsc({"diff", "--name-status", "main", "topic"}), both);
+    expectDone(nebsc({"diff", "--name-status", "main..topic"}), both);
+    expectDone(nebsc({"diff", "--name-status", "..topic"}), both);
+    expectDone(nebsc({"diff", "--name-status", "main", "topic", "--", "t.c", "src"}),
+               "added      t.c\n");
+    expectDone(nebsc({"diff", "--name-status", "--common-ancestor", "main", "topic"}),
+               "added      t.c\n");
+    expectDone(nebsc({"diff", "--name-status", "main...topic"}), "added      t.c\n");
+}
+
+TEST_F(DiffCommand, DashesSettleWhatAWordIs) {
+    repository.git({"branch", "both"});
+    repository.write("both", "1");
+    repository.git({"add", "both"});
+    repository.write("a.c", "2\n");
+    expectFailed(nebsc({"diff", "both"}), HasSubstr("\"both\" is both a revision and a file"));
+    expectDone(nebsc({"diff", "--name-status", "--", "both"}), "added      both\n");
+    expectDone(nebsc({"diff", "--name-status", "both", "--"}), "modified   a.c\nadded      both\n");
+    expectFailed(nebsc({"diff", "main", "a.c", "both", "nosuch"}), HasSubstr("\"nosuch\""));
+}
+
+TEST_F(DiffCommand, WhatCannotBeComparedIsNamed) {
+    expectFailed(nebsc({"diff", "nosuch"}), HasSubstr("no revision and no file \"nosuch\""));
+    expectFailed(nebsc({"diff", "HEAD", "HEAD", "HEAD"}), HasSubstr("two revisions at most"), 2);
+    expectFailed(nebsc({"diff", "--common-ancestor", "HEAD"}), HasSubstr("needs two revisions"), 2);
+    expectFailed(nebsc({"diff", "--cached"}), HasSubstr("--cached"), 2);
+    expectFailed(nebsc({"diff", ""}), HasSubstr("A word is empty"), 2);
+    const TestRepository empty;
+    expectFailed(runNebsc({"diff"}, {.folder = empty.path()}),
+                 HasSubstr("There are no commits yet"));
+    EXPECT_EQ(runNebsc({"diff", "--json"}, {.folder = empty.path()}).exitStatus, 1);
+    const TemporaryFolder folder;
+    expectFailed(runNebsc({"diff"}, {.folder = folder.path()}), HasSubstr("ot a git repository"));
+}
+
+TEST_F(DiffCommand, APatchCannotDriveTheTerminal) {
+    repository.write("a.c", "\x1b[31m\x07\xE4\n");
+    EXPECT_THAT(nebsc({"diff"}).output, HasSubstr("\n+\\x1b[31m\\x07\xEF\xBF\xBD\n"));
+}
+
+TEST_F(DiffCommand, JSONIsTheOutcomeAndNothingElse) {
+    repository.write("a.c", "2\n");
+    const NebscOutcome outcome = nebsc({"diff", "--json", "../a.c"}, "src");
+    const JSON json = outcome.json();
+    EXPECT_EQ(json["type"], 30);
+    EXPECT_EQ(json["command"]["arguments"],
+              JSON({"diff", "--no-ext-diff", "HEAD", "--", repository.path("a.c")}));
+    EXPECT_THAT(json["result"][0]["NEBSourceControlOperationContentKey"].get<std::string>(),
+                HasSubstr("\n-1\n+2\n"));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_TRUE(nebsc({"diff", "--json", "HEAD", "HEAD"}).json()["result"].is_null());
+}
+
+TEST_F(DiffCommand, ATerminalShowsColours) {
+    repository.commitFile("x", "int f()\n{\n1\n2\n3\n-- old\n4\n", "x");
+    repository.write("x", "int f()\n{\n1\n2\n3\n++ new\n4");
+    EXPECT_THAT(onTerminal({}),
+                testing::EndsWith("\x1b[1m--- a/x\x1b[0m\r\n\x1b[1m+++ b/x\x1b[0m\r\n"
+                                  "\x1b[36m@@ -3,5 +3,5 @@\x1b[0m int f()\r\n"
+                                  " 1\r\n 2\r\n 3\r\n"
+                                  "\x1b[31m--- old\x1b[0m\r\n\x1b[31m-4\x1b[0m\r\n"
+                                  "\x1b[32m+++ new\x1b[0m\r\n\x1b[32m+4\x1b[0m\r\n"
+                                  "\\ No newline at end of file\r\n"));
+    EXPECT_EQ(onTerminal({"--name-status"}), "\x1b[33mmodified\x1b[0m   x\r\n");
+    repository.write("x", std::string("\0\n", 2));
+    EXPECT_THAT(onTerminal({}),
+                testing::EndsWith("\x1b[0m\r\nBinary files a/x and b/x differ\r\n"));
+}
+
+}  // namespace
+}  // namespace neb::test

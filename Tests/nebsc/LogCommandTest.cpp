@@ -1,0 +1,207 @@
+// `nebsc log`, run as a program.
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using JSON = nlohmann::ordered_json;
+
+/// The tests' commits are of this minute, where the zone is half an hour off.
+constexpr const char* zone = "IST-5:30";
+constexpr const char* minute = "2020-09-13 17:56";
+
+class LogCommand : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("a.c", "1\n", "First");
+        repository.commitFile("src/grüße dir/b c.c", "1\n", "Second\nof two lines\n\nThe body.\n");
+        repository.commitFile("a.c", "2\n", "Third");
+    }
+    [[nodiscard]] NebscOutcome log(std::vector<std::string> words,
+                                   std::string_view folder = "") const {
+        words.insert(words.begin(), "log");
+        return runNebsc(words, {.folder = repository.path(folder), .variables = {{"TZ", zone}}});
+    }
+    /// 12 characters.
+    [[nodiscard]] std::string revision(const std::string& name) const {
+        return repository.git({"rev-parse", name}).substr(0, 12);
+    }
+    [[nodiscard]] std::string line(const std::string& name, const std::string& subject) const {
+        return revision(name) + "  " + minute + "  Ann Example  " + subject + "\n";
+    }
+};
+
+TEST_F(LogCommand, EachCommitIsALine) {
+    const std::string all =
+        line("HEAD", "Third") + line("HEAD~1", "Second of two lines") + line("HEAD~2", "First");
+    expectDone(log({}), all);
+    expectDone(log({}, "src"), all);
+    expectDone(log({"-n", "1"}), line("HEAD", "Third"));
+    expectDone(log({"--limit=2"}, "src"),
+               line("HEAD", "Third") + line("HEAD~1", "Second of two lines"));
+}
+
+TEST_F(LogCommand, AuthorsLineUp) {
+    repository.git({"commit", "--quiet", "--allow-empty", "-m", "wide", "--author",
+                    "\xE4\xBD\xA0\xE5\xA5\xBD <a@b>"});
+    repository.git({"commit", "--quiet", "--allow-empty", "-m", "long", "--author",
+                    "A name of more than twenty characters <a@b>"});
+    repository.git({"commit", "--quiet", "--allow-empty", "--allow-empty-message", "-m", "",
+                    "--author", "B <b@b>"});
+    expectDone(log({"-n", "4"}),
+               revision("HEAD") + "  " + minute + "  B\n" + revision("HEAD~1") + "  " + minute +
+                   "  A name of more than twenty characters  long\n" + revision("HEAD~2") + "  " +
+                   minute + "  \xE4\xBD\xA0\xE5\xA5\xBD                  wide\n" +
+                   revision("HEAD~3") + "  " + minute + "  Ann Example           Third\n");
+}
+
+TEST_F(LogCommand, FilesAreShownAsSeenFromTheCurrentFolder) {
+    repository.git({"mv", "a.c", "new name.c"});
+    repository.git({"commit", "--quiet", "-m", "Move"});
+    expectDone(log({"--files", "-n", "3"}, "src"),
+               line("HEAD", "Move") + "    renamed    ../a.c\n" + line("HEAD~1", "Third") +
+                   "    modified   ../a.c\n" + line("HEAD~2", "Second of two lines") +
+                   "    added      grüße dir/b c.c\n");
+}
+
+TEST_F(LogCommand, TheWholeMessageIsABlock) {
+    const std::string head =
+        "\nAuthor: Ann Example <ann@example.org>\nDate:   2020-09-13 17:56:40 +0530\n";
+    expectDone(log({"--full", "--files", "HEAD~1"}),
+               "commit " + revision("HEAD~1") + head +
+                   "\n    Second\n    of two lines\n\n    The body.\n"
+                   "\n    added      src/grüße dir/b c.c\n\ncommit " +
+                   revision("HEAD~2") + head + "\n    First\n\n    added      a.c\n");
+    repository.git({"commit", "--quiet", "--allow-empty", "--allow-empty-message", "-m", ""});
+    expectDone(log({"--full", "-n1"}), "commit " + revision("HEAD") + head);
+}
+
+TEST_F(LogCommand, AFileOrFolderRestrictsIt) {
+    const std::string second = line("HEAD~1", "Second of two lines");
+    expectDone(log({"b c.c"}, "src/grüße dir"), second);
+    expectDone(log({"src"}), second);
+    expectDone(log({"HEAD~1", "a.c"}), line("HEAD~2", "First"));
+    repository.git({"rm", "--quiet", "-r", "src"});
+    repository.git({"commit", "--quiet", "-m", "Remove"});
+    expectFailed(log({"src"}), HasSubstr("There is no revision and no file \"src\"; put \"--\""));
+    expectDone(log({"--", "src"}), line("HEAD", "Remove") + line("HEAD~2", "Second of two lines"));
+    EXPECT_EQ(log({"--", "never"}).errors, "There are no such commits.\n");
+    EXPECT_EQ(log({"--", "never"}).exitStatus, 0);
+}
+
+TEST_F(LogCommand, AFilesNameIsNoPattern) {
+    repository.commitFile("[a].c", "1\n", "Brackets");
+    expectDone(log({"[a].c"}), line("HEAD", "Brackets"));
+}
+
+TEST_F(LogCommand, ARangeShowsBothSides) {
+    repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
+    repository.commitFile("t.c", "1\n", "On topic");
+    const auto subjects = [this](const std::string& range) {
+        const std::string shown = log({range}).output;
+        return std::pair{shown.find("On topic") != std::string::npos,
+                         shown.find("Third") != std::string::npos};
+    };
+    for (const char* range : {"main..topic", "topic..main", "main...topic", "main..", "..main"}) {
+        EXPECT_EQ(subjects(range), std::pair(true, true)) << range;
+        EXPECT_THAT(log({range}).output, testing::Not(HasSubstr("First"))) << range;
+    }
+    const JSON json = log({"--json", "main..topic", "t.c"}).json();
+    EXPECT_THAT(json["command"]["arguments"].dump(), HasSubstr(R"("main...topic")"));
+    expectFailed(log({"main..topic", "main"}), HasSubstr("two revisions at most"), 2);
+    expectFailed(log({"main..nosuch"}), HasSubstr("\"main..nosuch\""));
+}
+
+TEST_F(LogCommand, ABranchStandsForARevision) {
+    repository.git({"branch", "topic", "HEAD~2"});
+    expectDone(log({"--branch", "topic"}), line("topic", "First"));
+    expectFailed(log({"--branch", "topic", "HEAD"}), HasSubstr("cannot stand together"), 2);
+    expectFailed(log({"--branch", "a.c"}), "nebsc: There is no revision \"a.c\".\n");
+    expectFailed(log({"--branch=--all"}), HasSubstr("\"--all\" begins with \"-\""), 2);
+    // A file of that name is none of its business.
+    repository.write("topic", "");
+    expectDone(log({"--branch", "topic"}), line("topic", "First"));
+}
+
+TEST_F(LogCommand, DashesSettleWhetherAWordIsAFile) {
+    repository.git({"branch", "both", "HEAD~1"});
+    repository.commitFile("both", "1\n", "A file like a branch");
+    expectFailed(log({"both"}), HasSubstr("\"both\" is both a revision and a file"));
+    expectDone(log({"--", "both"}), line("HEAD", "A file like a branch"));
+    expectDone(log({"-n1", "both", "--"}), line("both", "Second of two lines"));
+    expectDone(log({"-n1", "both", "--", "a.c"}), line("HEAD~3", "First"));
+    expectFailed(log({"nosuch", "--"}), "nebsc: There is no revision \"nosuch\".\n");
+    expectFailed(log({"a.c", "both", "src"}), HasSubstr("src"), 2);
+    expectFailed(log({"a.c", "src"}), HasSubstr("one file at most"), 2);
+}
+
+TEST_F(LogCommand, ABranchCalledZeroIsAnEndToo) {
+    repository.git({"branch", "0", "HEAD~1"});
+    expectDone(log({"main..0"}), line("main", "Third"));
+}
+
+TEST_F(LogCommand, WhatIsNoNumberOfCommitsIsRefused) {
+    for (const char* count : {"x", "-1", "3x", "99999999999"}) {
+        expectFailed(log({std::string("--limit=") + count}),
+                     HasSubstr(std::string(count) + "\" is no number of commits"), 2);
+    }
+    EXPECT_EQ(log({"-n", "0"}).errors, "There are no such commits.\n");
+}
+
+TEST_F(LogCommand, WithoutCommitsThatIsTold) {
+    const TestRepository empty;
+    expectFailed(runNebsc({"log"}, {.folder = empty.path()}),
+                 "nebsc: There are no commits yet on the current branch \"main\".\n");
+    const NebscOutcome json = runNebsc({"log", "--json"}, {.folder = empty.path()});
+    EXPECT_EQ(json.json()["error"]["class"], "no-commits-yet");
+    EXPECT_EQ(json.exitStatus, 1);
+    const TemporaryFolder folder;
+    expectFailed(runNebsc({"log"}, {.folder = folder.path()}),
+                 testing::StartsWith("nebsc: fatal: not a git repository"));
+}
+
+TEST_F(LogCommand, ABareRepositoryHasALogToo) {
+    repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
+    const NebscOutcome outcome = runNebsc(
+        {"log", "-n1"}, {.folder = repository.path("../bare.git"), .variables = {{"TZ", zone}}});
+    expectDone(outcome, line("HEAD", "Third"));
+}
+
+TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {
+    const NebscOutcome outcome = log({"--json", "--files", "-n", "1", "HEAD", "../a.c"}, "src");
+    const JSON json = outcome.json();
+    EXPECT_EQ(json["type"], 18);
+    EXPECT_EQ(json["result"][0]["NEBSourceControlOperationRevisionKey"], revision("HEAD"));
+    EXPECT_EQ(json["result"][0]["NEBSourceControlOperationFilesKey"], JSON({{"a.c", 4}}));
+    EXPECT_EQ(json["command"]["currentDirectoryPath"], repository.path());
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(log({"--json", "--", "never"}).errors, "");
+}
+
+TEST_F(LogCommand, AMessageCannotDriveTheTerminal) {
+    repository.git({"commit", "--quiet", "--allow-empty", "-m", "red \x1b[31m\n\nbody \x1b[2J\tx",
+                    "--author", "Bad \x1b]0;x\x07z <a@b>"});
+    for (const char* option : {"--files", "--full"}) {
+        const std::string shown = log({option, "-n1"}).output;
+        EXPECT_EQ(shown.find('\x1b'), std::string::npos);
+        EXPECT_THAT(shown, HasSubstr("red \\x1b[31m"));
+        EXPECT_THAT(shown, HasSubstr("Bad \\x1b]0;x\\x07z"));
+    }
+    EXPECT_THAT(log({"--full", "-n1"}).output, HasSubstr("body \\x1b[2J\tx\n"));
+}
+
+TEST_F(LogCommand, ATerminalShowsColours) {
+    const NebscOutcome outcome =
+        runNebsc({"log", "-n1", "--files"},
+                 {.folder = repository.path(),
+                  .variables = {{"TZ", zone}, {"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
+                  .output = NebscOutput::terminal});
+    EXPECT_EQ(outcome.output, "\x1b[33m" + revision("HEAD") + "\x1b[0m  " + minute +
+                                  "  Ann Example  Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,172 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "Commands.h"
+#include "HistoryTask.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Presentation.h"
+#include "StatusWords.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Colours a patch line by line, the way of git.
+class PatchColours {
+public:
+    [[nodiscard]] std::string line(const std::string& line) {
+        if (line.starts_with("diff ")) {
+            _isHeader = true;
+        } else if (line.starts_with("@@")) {
+            _isHeader = false;
+            const std::size_t end = line.find(" @@");
+            const std::size_t length = end == std::string::npos ? line.size() : end + 3;
+            return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
+        }
+        return coloured(line, colourOf(line));
+    }
+
+private:
+    /// In a header, "---" and "+++" are no lines that went and came.
+    [[nodiscard]] Colour colourOf(std::string_view line) const {
+        if (_isHeader) {
+            return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
+        }
+        return line.starts_with('+')   ? Colour::green
+               : line.starts_with('-') ? Colour::red
+                                       : Colour::none;
+    }
+
+    bool _isHeader = false;
+};
+
+std::string shownPatch(std::string_view patch, bool isColoured) {
+    std::string lines;
+    PatchColours colours;
+    if (patch.ends_with('\n')) {
+        patch.remove_suffix(1);
+    }
+    forEachPiece(patch, '\n', [&](std::string_view piece) {
+        const std::string line = printableLine(piece);
+        lines.append(isColoured ? colours.line(line) : line).append("\n");
+    });
+    return lines;
+}
+
+class DiffTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+
+private:
+    [[nodiscard]] bool isFromCommonAncestor() const {
+        return arguments().has("--common-ancestor") || _words.hasThreeDots;
+    }
+    [[nodiscard]] std::string shownNames(const std::string& path) const;
+
+    Words _words;
+};
+
+std::optional<Reply> DiffTask::look() {
+    _words = readWords(2, std::numeric_limits<std::size_t>::max());
+    if (_words.refused) {
+        return _words.refused;
+    }
+    if (arguments().has("--common-ancestor") && _words.revisions.size() < 2) {
+        return refusal("--common-ancestor needs two revisions.", exitNotUnderstood);
+    }
+    return _words.revisions.empty() && !isJSON() ? refusalWithoutCommits() : std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestDiff);
+    if (!_words.files.empty()) {
+        request->files.emplace(_words.files.begin(), _words.files.end());
+    }
+    if (!_words.revisions.empty()) {
+        request->startingRevision = _words.revisions.front();
+    }
+    if (_words.revisions.size() > 1) {
+        request->endingRevision = _words.revisions.back();
+    }
+    NEBDictionary options;
+    if (arguments().has("--name-status")) {
+        options.set(NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true);
+    }
+    if (isFromCommonAncestor()) {
+        options.set(NEBSourceControlRequestOptionDiffFromCommonAncestor, true);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
+/// Of a renamed file the record's path is the top's, then "094", TAB, old path, TAB, new path.
+std::string DiffTask::shownNames(const std::string& path) const {
+    const std::string names = liesWithin(path, place().location) ? pathFromTop(path) : path;
+    const std::size_t oldName = names.find('\t');
+    const std::size_t newName = names.find('\t', oldName + 1);
+    if (oldName == std::string::npos || newName == std::string::npos ||
+        names.find_first_not_of("0123456789") != oldName) {
+        return shown(path);
+    }
+    return shown(names.substr(oldName + 1, newName - oldName - 1)) + " -> " +
+           shown(names.substr(newName + 1));
+}
+
+std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
+    const bool isColoured = wantsColour(STDOUT_FILENO);
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        if (const std::string* patch = record.value(NEBSourceControlOperationContentKey).string()) {
+            lines += shownPatch(*patch, isColoured);
+        } else if (const std::string* path =
+                       record.value(NEBSourceControlOperationPathKey).string()) {
+            lines += statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) +
+                     shownNames(*path) + "\n";
+        }
+    }
+    return lines;
+}
+
+constexpr Parameter parameters[] = {
+    {"REVISION", "The one side, HEAD unless given; or both as A..B or A...B", Takes::text},
+    {"FILE", "The other side, if it is a revision; files or folders to which to keep", Takes::text,
+     Occurs::anyNumber},
+    {"--name-status", "Only the files' names, and what happened to them"},
+    {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
+};
+
+Reply run(const CommandCall& call) {
+    return DiffTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command diffCommand{
+    .name = "diff",
+    .group = historyGroup,
+    .summary = "Show what differs between revisions, or from the working copy",
+    .details =
+        "Without a revision: all that is not committed, staged or not. With one: from it to\n"
+        "the working copy. With two: from the first to the second. A word is a revision, or\n"
+        "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
+        "Control characters are written out, but for TABs and line ends.\n\n"
+        "Examples:\n"
+        "  nebsc diff                            what is not committed\n"
+        "  nebsc diff --name-status main topic   which files two branches have differently\n"
+        "  nebsc diff HEAD~3 -- src              what src has become since\n",
+    .parameters = parameters,
+    .activity = "Comparing",
+    .isPaged = true,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,163 @@
+#include "HistoryTask.h"
+
+#include <algorithm>
+
+#include "GitProgram.h"
+#include "Platform/PathString.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string orHEAD(const std::string& revision) {
+    return revision.empty() ? "HEAD" : revision;
+}
+
+Reply tooMany(std::string_view what, std::size_t most) {
+    const std::string count = most == 1 ? "one " : "two ";
+    return refusal("There are too many words: " + count + std::string(what) +
+                       (most == 1 ? "" : "s") + " at most can be given.",
+                   exitNotUnderstood);
+}
+
+}  // namespace
+
+// ---- words ------------------------------------------------------------------------------------
+
+bool HistoryTask::isRevision(const std::string& word) {
+    return !word.empty() && !word.starts_with('-') && askForCommit(word).status.isSuccess();
+}
+
+/// Both ends for a range, one revision for a word that is one.
+std::optional<std::vector<std::string>> HistoryTask::revisionsIn(const std::string& word) {
+    if (isRevision(word)) {
+        return std::vector{unmistakable(word)};
+    }
+    const std::size_t dots = word.find("..");
+    if (dots == std::string::npos) {
+        return std::nullopt;
+    }
+    const std::size_t behind = dots + (word.substr(dots).starts_with("...") ? 3 : 2);
+    const std::string start = word.substr(0, dots);
+    const std::string end = word.substr(behind);
+    if ((start.empty() && end.empty()) || !isRevision(orHEAD(start)) || !isRevision(orHEAD(end))) {
+        return std::nullopt;
+    }
+    return std::vector{unmistakable(orHEAD(start)), unmistakable(orHEAD(end))};
+}
+
+std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeThere,
+                                           Words& words) {
+    const PathSearch search = findAbsolutePath(currentFolder(), word);
+    if (!search.path) {
+        return refusal(search.failure, exitFailed);
+    }
+    if (mustBeThere && !isAnythingAt(*search.path) &&
+        !answer({"ls-files", "-z", "--", *search.path})) {
+        return refusal("There is no revision and no file " + inQuotes(word) +
+                           "; put \"--\" in front of the name of a file that is gone.",
+                       exitFailed);
+    }
+    words.files.push_back(*search.path);
+    return std::nullopt;
+}
+
+std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevision, Words& words) {
+    const auto revisions = words.files.empty() ? revisionsIn(word) : std::nullopt;
+    if (!revisions) {
+        return mustBeRevision ? refusal("There is no revision " + inQuotes(word) + ".", exitFailed)
+                              : takeFile(word, true, words);
+    }
+    const PathSearch search = findAbsolutePath(currentFolder(), word);
+    if (!mustBeRevision && search.path && isAnythingAt(*search.path)) {
+        return refusal(
+            inQuotes(word) +
+                " is both a revision and a file; put \"--\" in front of it for the file, "
+                "or behind it for the revision.",
+            exitFailed);
+    }
+    words.revisions.insert(words.revisions.end(), revisions->begin(), revisions->end());
+    words.hasThreeDots = words.hasThreeDots || word.find("...") != std::string::npos;
+    return std::nullopt;
+}
+
+HistoryTask::Words HistoryTask::readWords(std::size_t mostRevisions, std::size_t mostFiles) {
+    Words words;
+    std::vector<std::string> all = arguments().all("REVISION");
+    const std::vector<std::string>& others = arguments().all("FILE");
+    all.insert(all.end(), others.begin(), others.end());
+    const auto behindDashes = arguments().wordsBehindDashes();
+    const std::size_t files = std::min(behindDashes.value_or(0), all.size());
+    for (std::size_t i = 0; i < all.size() && !words.refused; ++i) {
+        if (all[i].empty()) {
+            words.refused =
+                refusal("A word is empty; a revision or the path of a file was expected.",
+                        exitNotUnderstood);
+        } else if (i + files < all.size()) {
+            words.refused = take(all[i], behindDashes.has_value(), words);
+        } else {
+            words.refused = takeFile(all[i], false, words);
+        }
+    }
+    if (!words.refused && words.revisions.size() > mostRevisions) {
+        words.refused = tooMany("revision", mostRevisions);
+    } else if (!words.refused && words.files.size() > mostFiles) {
+        words.refused = tooMany("file", mostFiles);
+    }
+    return words;
+}
+
+std::string HistoryTask::unmistakable(const std::string& revision) {
+    if (revision != "0" && !isAnythingAt(pathByAppendingComponent(place().location, revision))) {
+        return revision;
+    }
+    return answerOf(askForCommit(revision)).value_or(revision);
+}
+
+// ---- what is not there ------------------------------------------------------------------------
+
+std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision) {
+    if (revision.starts_with('-')) {
+        return std::nullopt;
+    }
+    const ChildOutcome commit = askForCommit(revision);
+    if (commit.status.isSuccess()) {
+        return std::nullopt;
+    }
+    return commit.status.exitStatus() == 1
+               ? refusal("There is no revision " + inQuotes(revision) + ".", exitFailed)
+               : failureOf(commit);
+}
+
+std::optional<Reply> HistoryTask::refusalWithoutCommits() {
+    if (askForCommit("HEAD").status.exitStatus() != 1) {
+        return std::nullopt;
+    }
+    const std::string branch =
+        answer({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
+    return refusal("There are no commits yet on the current branch " + inQuotes(branch) + ".",
+                   exitFailed);
+}
+
+std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) const {
+    return liesWithin(path, place().location)
+               ? std::nullopt
+               : std::optional(refusal(inQuotes(path) + " lies outside the working copy " +
+                                           inQuotes(place().location) + ".",
+                                       exitFailed));
+}
+
+// ---- objects ----------------------------------------------------------------------------------
+
+std::string HistoryTask::pathFromTop(const std::string& path) const {
+    const std::string& top = place().location;
+    return path == top ? std::string() : path.substr(top == "/" ? 1 : top.size() + 1);
+}
+
+std::optional<std::string> HistoryTask::typeOfObject(const std::string& revision,
+                                                     const std::string& path) {
+    return answer({"cat-file", "-t", objectAt(revision, path)});
+}
+
+}  // namespace neb::nebsc

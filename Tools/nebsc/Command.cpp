@@ -36,6 +36,9 @@ std::span<const Command* const> allCommands() {
         &logCommand,
         &blameCommand,
         &diffCommand,
+        &listCommand,
+        &exportCommand,
+        &exportTreeCommand,
         //
         &initCommand,
         &cloneCommand,

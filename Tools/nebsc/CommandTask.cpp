@@ -64,11 +64,15 @@ Reply CommandTask::work() {
     if (auto refused = look()) {
         return *refused;
     }
-    const Performance performance = perform(request());
+    Performance performance = perform(request());
     if (auto refused = refusalOf(performance)) {
         return *refused;
     }
-    Reply reply = replyTo(*performance.outcome);
+    Outcome& outcome = *performance.outcome;
+    if (!outcome.error && silentExitStatus(outcome) == 0) {
+        complete(outcome);
+    }
+    Reply reply = replyTo(outcome);
     reply.pager = pagerFor(reply.standardOutput);
     return reply;
 }
@@ -115,11 +119,11 @@ Reply CommandTask::replyTo(const Outcome& outcome) {
     } else if (outcome.error) {
         reply.standardError += adviceAfter(*outcome.error);
     }
-    complete(reply, outcome);
+    addNotes(reply, outcome);
     return reply;
 }
 
-void CommandTask::complete(Reply& reply, const Outcome& outcome) const {
+void CommandTask::addNotes(Reply& reply, const Outcome& outcome) const {
     if (_call.isJSON) {
         reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
     }
@@ -175,7 +179,7 @@ std::optional<Reply> CommandTask::prepareBy(
     if (!noteFailure(reply, *performance.outcome, Silence::failure)) {
         return std::nullopt;
     }
-    complete(reply, *performance.outcome);
+    addNotes(reply, *performance.outcome);
     return reply;
 }
 

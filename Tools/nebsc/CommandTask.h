@@ -65,6 +65,9 @@ protected:
     [[nodiscard]] virtual std::string adviceAfter(const NEBSourceControlError& /*error*/) const {
         return {};
     }
+    /// What belongs to the work and git does not do, behind a success; what it changes is told as
+    /// the request's own outcome, its failure too.
+    virtual void complete(Outcome& /*outcome*/) {}
     /// The records for a person, lines with their ends. An error may stand beside them.
     [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
     /// What is left to do and to say after a success.
@@ -124,7 +127,7 @@ private:
     [[nodiscard]] std::optional<Reply> readPaths();
     [[nodiscard]] Reply replyTo(const Outcome& outcome);
     /// Adds what belongs to a reply about an outcome in any case.
-    void complete(Reply& reply, const Outcome& outcome) const;
+    void addNotes(Reply& reply, const Outcome& outcome) const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text);
 
     const CommandCall& _call;

@@ -38,6 +38,9 @@ extern const Command branchCommand;
 extern const Command logCommand;
 extern const Command blameCommand;
 extern const Command diffCommand;
+extern const Command listCommand;
+extern const Command exportCommand;
+extern const Command exportTreeCommand;
 
 // ---- repositories
 extern const Command initCommand;

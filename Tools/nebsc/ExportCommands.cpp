@@ -1,0 +1,242 @@
+// The commands that write files of the repository to disk.
+
+#include <filesystem>
+#include <system_error>
+
+#include "Commands.h"
+#include "HistoryTask.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NewFile.h"
+#include "Platform/PathString.h"
+#include "Presentation.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view destination = "DEST";
+
+bool isFolder(const std::string& path) {
+    std::error_code ignored;
+    return fs::is_directory(fs::status(path, ignored));
+}
+
+// ---- export -----------------------------------------------------------------------------------
+
+class ExportTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void complete(Outcome& outcome) override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+
+private:
+    [[nodiscard]] std::string revision() const {
+        return arguments().value("REVISION").value_or("");
+    }
+    [[nodiscard]] const std::string& file() const { return paths("FILE").front(); }
+    [[nodiscard]] std::optional<Reply> refusalOfSource();
+    [[nodiscard]] std::optional<Reply> chooseTarget();
+
+    /// Absent without a destination: the request then chooses a temporary file.
+    std::optional<NewFile> _target;
+};
+
+/// The request's own error does not tell a missing revision from a missing file.
+std::optional<Reply> ExportTask::refusalOfSource() {
+    if (auto refused = refusalOfRevision(revision())) {
+        return refused;
+    }
+    if (!revision().starts_with('-') && !typeOfObject(revision(), file())) {
+        return refusal("There is no file " + inQuotes(arguments().value("FILE").value_or("")) +
+                           " at the revision " + inQuotes(revision()) + ".",
+                       exitFailed);
+    }
+    return std::nullopt;
+}
+
+/// The request takes whatever is at its destination for the export, and can write under no other
+/// name than the file's own. So it writes into a folder that is made for it.
+std::optional<Reply> ExportTask::chooseTarget() {
+    const std::string word = arguments().value(destination).value_or("");
+    std::string path = paths(destination).front();
+    if (isFolder(path)) {
+        path = pathByAppendingComponent(path, lastPathComponent(file()));
+    } else if (word.ends_with('/')) {
+        return refusal("There is no folder " + inQuotes(word) + ".", exitFailed);
+    }
+    if (isAnythingAt(path)) {
+        return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
+                           " already; nothing was done.",
+                       exitFailed);
+    }
+    _target.emplace(path, lastPathComponent(file()));
+    if (const auto failure = _target->prepare()) {
+        return refusal(failure->description, exitFailed);
+    }
+    return std::nullopt;
+}
+
+std::optional<Reply> ExportTask::look() {
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    if (auto refused = refusalOfPathOutside(file())) {
+        return refused;
+    }
+    if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
+        return refused;
+    }
+    return paths(destination).empty() ? std::nullopt : chooseTarget();
+}
+
+std::shared_ptr<NEBSourceControlRequest> ExportTask::request() {
+    auto request = requestAbout(NEBSourceControlRequestExport, {file()});
+    request->startingRevision = revision();
+    if (_target) {
+        request->destination = _target->draft();
+    }
+    return request;
+}
+
+void ExportTask::complete(Outcome& outcome) {
+    if (!_target) {
+        return;
+    }
+    if (const auto failure = _target->publish()) {
+        outcome.result = std::nullopt;
+        outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
+        return;
+    }
+    NEBDictionary record;
+    record.set(NEBSourceControlOperationPathKey,
+               LOMFilePath::filePathForPathString(_target->path()));
+    outcome.result = {std::move(record)};
+}
+
+std::string ExportTask::textOfResult(const NEBSourceControlResult& records) {
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        if (const auto* path = record.value(NEBSourceControlOperationPathKey).filePath()) {
+            lines += printable(path->pathString()) + "\n";
+        }
+    }
+    return lines;
+}
+
+constexpr Parameter exportParameters[] = {
+    {"REVISION", "A branch, a tag or any other revision", Takes::text, Occurs::once},
+    {"FILE", "A file or folder, which need not be on disk any more", Takes::path, Occurs::once},
+    {destination, "The name of what is written, or a folder for it; unless given, a temporary file",
+     Takes::path},
+};
+
+Reply exportFile(const CommandCall& call) {
+    return ExportTask(call).run();
+}
+
+// ---- export-tree ------------------------------------------------------------------------------
+
+class ExportTreeTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
+    /// git would write to where a link leads in any case.
+    [[nodiscard]] bool isWorkingCopy() const {
+        std::error_code failure;
+        return fs::equivalent(folder(), place().location, failure) && !failure;
+    }
+};
+
+std::optional<Reply> ExportTreeTask::look() {
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    const std::string name = inQuotes(arguments().value(destination).value_or(""));
+    if (isWorkingCopy()) {
+        return refusal(name +
+                           " is the working copy itself; nothing was written. \"nebsc revert\" "
+                           "throws away changes.",
+                       exitFailed);
+    }
+    if (isAnythingAt(folder()) && !isFolder(folder())) {
+        return refusal(name + " is no folder; nothing was written.", exitFailed);
+    }
+    std::error_code failure;
+    if (isFolder(folder()) && !arguments().has("--force") &&
+        (!fs::is_empty(folder(), failure) || failure)) {
+        return refusal("The folder " + name +
+                           " is not empty; nothing was written. \"nebsc export-tree --force\" "
+                           "overwrites the files in it that are in the index too.",
+                       exitFailed);
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> ExportTreeTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestExportTree);
+    request->startingRevision = "HEAD";
+    request->destination = folder();
+    return request;
+}
+
+void ExportTreeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput =
+        isAnythingAt(folder())
+            ? "Wrote the files of the index to " + printable(inQuotes(folder())) + ".\n"
+            : "The index has no files; nothing was written.\n";
+    noteConflicts(reply, "These files are in conflict and were not written:", {});
+}
+
+constexpr Parameter exportTreeParameters[] = {
+    {destination, "The folder, made where it is missing", Takes::path, Occurs::once},
+    {"--force", "Write into a folder that is not empty, and overwrite what is in the way"},
+};
+
+Reply exportTree(const CommandCall& call) {
+    return ExportTreeTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command exportCommand{
+    .name = "export",
+    .group = historyGroup,
+    .summary = "Write a file to disk as it was at a revision",
+    .details =
+        "Says where it was written. Nothing is ever overwritten.\n\n"
+        "Examples:\n"
+        "  nebsc export v1.0 main.c            into a temporary file\n"
+        "  nebsc export HEAD~2 main.c old.c    under this name\n",
+    .parameters = exportParameters,
+    .activity = "Writing",
+    .run = exportFile,
+};
+
+constinit const Command exportTreeCommand{
+    .name = "export-tree",
+    .group = historyGroup,
+    .summary = "Write all files of the index below a folder",
+    .details =
+        "The index is the latest commit with what is staged.\n\n"
+        "Example:\n"
+        "  nebsc export-tree ../release\n",
+    .parameters = exportTreeParameters,
+    .activity = "Writing",
+    .run = exportTree,
+};
+
+}  // namespace neb::nebsc

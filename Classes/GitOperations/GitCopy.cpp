@@ -36,7 +36,7 @@ void GitFileSystemOperation::doWork() {
 }
 
 std::string GitFileSystemOperation::pathOf(const NEBValue& value) const {
-    const std::string path = value.isPresent() ? value.description() : std::string();
+    std::string path = value.isPresent() ? value.description() : std::string();
     const auto& sourceTree = request()->sourceTree;
     if (path.empty() || isAbsolutePath(path) || !sourceTree || !sourceTree->location) {
         return path;

@@ -34,8 +34,11 @@ std::string alignedLines(std::vector<std::pair<std::string, std::string>> rows) 
     }
     std::string lines;
     for (const auto& [first, second] : rows) {
-        const std::string blanks(width - widthOf(first) + 2, ' ');
-        lines += first + (second.empty() ? "" : blanks + second) + "\n";
+        lines += first;
+        if (!second.empty()) {
+            lines.append(width - widthOf(first) + 2, ' ').append(second);
+        }
+        lines += '\n';
     }
     return lines;
 }

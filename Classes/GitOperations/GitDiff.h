@@ -11,7 +11,10 @@ namespace neb {
 
 /// Compares the request's two revisions; without an ending one the starting revision with the
 /// working copy; without a starting one HEAD with the working copy, never with the index. The
-/// request's files alone, when it has any. Never by an external program that a user has configured.
+/// request's files alone, when it has any. Not by a
+/// program that the user has configured for differences; one that turns files into text for them
+/// (textconv) is run, and what it hides is no difference then. git's paths start at the top of the
+/// working copy, so the location should be that top.
 ///
 /// The result is one record with NEBSourceControlOperationContentKey, the whole patch. With the
 /// option for names and states alone, it has one record a changed file, as in

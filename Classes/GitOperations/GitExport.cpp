@@ -10,6 +10,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlTemporaryFile.h"
+#include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/FileManager.h"
 #include "Platform/PathString.h"
 
@@ -78,6 +79,12 @@ NEBSourceControlError noPlaceForTree(const NEBSourceControlRequest& request) {
         return ownFailure(NEBSourceControlUnknownErrorClass,
                           "Nothing was exported: no file was named.");
     }
+    if (relativePath(request)) {
+        return ownFailure("path-invalid",
+                          formattedText("The file \"%@\" was not exported: a path that ends in "
+                                        "\".\" or \"..\" names a whole tree.",
+                                        {file.description()}));
+    }
     return ownFailure("path-outside",
                       formattedText("The file \"%@\" was not exported: it is not inside \"%@\".",
                                     {file.description(), request.sourceTreeName()}));
@@ -91,11 +98,14 @@ std::string headOfTarget(std::string_view targetName, std::string_view fileName)
     return isThere ? std::string(targetName.substr(0, place)) : std::string();
 }
 
-/// Without a file's path the archive holds the whole tree. Only a destination of its own is a place
-/// for that: elsewhere it would be written over whatever lies beside the target.
+/// Without a file's path, or with one that stands for a folder's content, the archive holds a whole
+/// tree. Only a destination of its own is a place for that: elsewhere it would be written over
+/// whatever lies beside the target.
 bool lacksPlaceForTree(const NEBSourceControlRequest& request) {
     const bool hasPlace = request.destination.isPresent() && request.fileCount() == 0;
-    return !hasPlace && !relativePath(request);
+    const auto relative = relativePath(request);
+    const std::string name = lastPathComponent(relative.value_or("."));
+    return !hasPlace && (name == "." || name == "..");
 }
 
 /// The target that the export has put into the request's options.
@@ -157,27 +167,53 @@ void GitExportFileOperation::main() {
         setError(noPlaceForTree(*request()));
         return;
     }
-    if (request()->destination.isPresent()) {
-        GitOperation::main();
-        return;
-    }
+    const LOMFilePath target = *targetOf(*request());
     // A long name's temporary file has a folder of its own, which comes and goes with it.
-    const std::string target = targetOf(*request())->pathString();
-    const std::string folder = pathByDeletingLastComponent(target);
-    const bool isOwnFolder = !LOMFilePath::filePathForPathString(folder).existsInFileSystem();
+    const std::string folder = pathByDeletingLastComponent(target.pathString());
+    const bool isOwnFolder = !request()->destination.isPresent() &&
+                             !LOMFilePath::filePathForPathString(folder).existsInFileSystem();
     if (isOwnFolder) {
         if (const auto failure = FileManager().createDirectory(folder)) {
             setError(NEBSourceControlErrorFromFileFailure(*failure));
             return;
         }
     }
+    const bool isNew = !target.existsInFileSystem();
     GitOperation::main();
-    if (error()) {
+    if (isNew) {
+        rejectHalfExport();
+    }
+    if (error() && isNew) {
         std::error_code ignored;
-        std::filesystem::remove(target, ignored);
+        std::filesystem::remove_all(target.pathString(), ignored);
         if (isOwnFolder) {
             std::filesystem::remove(folder, ignored);
         }
+    }
+}
+
+/// Its existence alone says that a target is whole. One that was not there before, and that a git
+/// or tar which then failed has left, is not.
+void GitExportFileOperation::rejectHalfExport() {
+    if (!result()) {
+        return;
+    }
+    for (const NEBSourceControlTaskOperation* half :
+         {static_cast<const NEBSourceControlTaskOperation*>(this),
+          static_cast<const NEBSourceControlTaskOperation*>(_pipeToOperation.get())}) {
+        const auto& status = half->terminationStatus();
+        if (!status || status->isSuccess()) {
+            continue;
+        }
+        const std::string words = _nebsc_stringFromData(half->errorData()).value_or("");
+        if (!error() && !words.empty()) {
+            setError(NEBSourceControlErrorFromText(words, *request()));
+        } else if (!error()) {
+            setError(ownFailure(NEBSourceControlUnknownErrorClass,
+                                "The file was not exported whole: " + half->className() +
+                                    " ended with " + status->description() + "."));
+        }
+        setResult(std::nullopt);
     }
 }
 

@@ -38,12 +38,15 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitExportFileOperation"; }
     [[nodiscard]] std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override;
-    /// Leaves no temporary file behind when it fails or is cancelled. With a file outside the
-    /// source tree nothing is run: the archive would be the whole tree, beside the target.
+    /// When it fails or is cancelled, it leaves nothing of a target that was not there before. One
+    /// that was there counts as the result, whatever came of the export. With a file outside the
+    /// source tree, or a path that ends in "." or "..", nothing is run: the archive would be a
+    /// whole tree, beside the target.
     void main() override;
 
 private:
     [[nodiscard]] LOMFilePath chooseTarget() const;
+    void rejectHalfExport();
 
     std::shared_ptr<GitTarOperation> _pipeToOperation;
 };

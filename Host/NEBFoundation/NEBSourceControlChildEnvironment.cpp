@@ -62,6 +62,7 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
     {"GIT_OPTIONAL_LOCKS", "whether the work may do without a lock is said for each child"},
     {"GIT_FLUSH", "0 lets gits that answer question by question wait for each other for ever"},
+    {"TAR_OPTIONS", "makes the tar of an export do something else"},
     {"GIT_CURL_VERBOSE", "writes into the text that becomes an error"},
     {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
 };

@@ -6,12 +6,16 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "GitController.h"
+#include "GitOperations/GitExport.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
+#include "Support/RequestRun.h"
+#include "Support/TemporaryFolder.h"
 #include "Support/TestRepository.h"
 
 namespace neb {
@@ -274,6 +278,48 @@ TEST_F(ExportOfRepository, WithADestinationAndNoFileWritesTheWholeRevisionThere)
     EXPECT_EQ(writtenPath(*operation), folder.path("out"));
     EXPECT_EQ(bytesOf(out("src/io/main.c")), "old\n");
     EXPECT_EQ(bytesOf(out("top.bin")), binary);
+}
+
+/// git stops in the middle of the archive, once tar has begun to write the file.
+TEST_F(ExportOfRepository, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
+    const std::string big(3'000'000, 'x');
+    repository.commitFile("big", big);
+    const std::string git = folder.writeProgram(
+        "bin/git",
+        "#!/bin/sh\ngit \"$@\" | head -c 2000000\necho 'fatal: disk on fire' >&2\nexit 128\n");
+    for (const bool hasDestination : {true, false}) {
+        auto request = requestFor(20, repository.path());
+        request->files = {NEBValue(repository.path("big"))};
+        request->startingRevision = "HEAD";
+        if (hasDestination) {
+            request->destination = folder.path("out/big");
+        }
+        test::StandIn<GitExportFileOperation> operation(git, request);
+        operation.start();
+        EXPECT_EQ(operation.result(), std::nullopt);
+        ASSERT_TRUE(operation.error());
+        EXPECT_THAT(*operation.error()->localizedDescription(), HasSubstr("disk on fire"));
+        EXPECT_FALSE(std::filesystem::exists(folder.path("out/big")));
+    }
+    EXPECT_THAT(temporaryNames(), IsEmpty());
+}
+
+TEST_F(ExportOfRepository, OfAPathThatStandsForATreeRunsNothing) {
+    const test::TemporaryFolder there;
+    there.write("main.c", "mine");
+    for (const char* name : {".", "src/.", "src/io/.."}) {
+        auto request = requestFor(20, repository.path());
+        request->files = {NEBValue(repository.path() + "/" + name)};
+        request->startingRevision = "HEAD";
+        request->destination = there.path("target");
+        auto operation = GitController().operationForRequest(request);
+        operation->start();
+        EXPECT_THAT(operation->error(), HasErrorClass("path-invalid")) << name;
+    }
+    EXPECT_EQ(there.read("main.c"), "mine");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(there.path()),
+                            std::filesystem::directory_iterator()),
+              1);
 }
 
 TEST_F(ExportOfRepository, ThatIsCancelledLeavesNoTemporaryFile) {

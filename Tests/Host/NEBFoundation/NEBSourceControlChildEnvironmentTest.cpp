@@ -158,7 +158,8 @@ TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
                              "GIT_PAGER_IN_USE",
                              "GIT_OPTIONAL_LOCKS",
                              "GIT_CURL_VERBOSE",
-                             "GIT_FLUSH"}) {
+                             "GIT_FLUSH",
+                             "TAR_OPTIONS"}) {
         inherited.push_back(std::string(name) + "=1");
     }
     EXPECT_EQ(withoutSettings(NEBSourceControlChildEnvironment(inherited, {})), always);

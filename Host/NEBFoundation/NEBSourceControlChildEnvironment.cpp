@@ -112,6 +112,7 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"diff.srcPrefix", "a/"},
     {"diff.dstPrefix", "b/"},
     {"diff.relative", "false"},
+    {"diff.orderFile", "/dev/null"},
     {"diff.context", "3"},
     {"diff.interHunkContext", "0"},
     {"diff.algorithm", "default"},

@@ -73,6 +73,7 @@ const std::vector<std::pair<std::string, std::string>> pinned{
     {"diff.srcPrefix", "a/"},
     {"diff.dstPrefix", "b/"},
     {"diff.relative", "false"},
+    {"diff.orderFile", "/dev/null"},
     {"diff.context", "3"},
     {"diff.interHunkContext", "0"},
     {"diff.algorithm", "default"},

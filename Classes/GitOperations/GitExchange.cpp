@@ -1,6 +1,7 @@
 #include "GitOperations/GitExchange.h"
 
 #include "GitOperations/GitHookFailure.h"
+#include "GitOperations/GitSubversion.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
@@ -77,8 +78,7 @@ void GitFetchOperation::parseData() {
     if (!data()) {
         return;
     }
-    const std::string words = _nebsc_stringFromData(errorData()).value_or("");
-    if (words.starts_with("Couldn't find revmap") || words.starts_with("W: -empty_dir:")) {
+    if (gitIsBridgeNotice(_nebsc_stringFromData(errorData()).value_or(""))) {
         setErrorData(std::nullopt);
     }
     setResult(NEBSourceControlResult{});

@@ -18,14 +18,18 @@ void addLastRecord(NEBDictionary& remote, const NEBSourceControlOperation& opera
     }
 }
 
-/// The bridge says these on standard error though all is well.
+/// A fetch over the bridge says the latter too.
 bool isHarmless(std::string_view text) {
-    return text.starts_with("Couldn't find revmap") || text.starts_with("W: -empty_dir:") ||
+    return gitIsBridgeNotice(text) ||
            (text.starts_with("Found possible branch point") &&
             text.find("Successfully followed parent") != std::string_view::npos);
 }
 
 }  // namespace
+
+bool gitIsBridgeNotice(std::string_view text) {
+    return text.starts_with("Couldn't find revmap") || text.starts_with("W: -empty_dir:");
+}
 
 GitFetchSVNRemoteNameOperation::GitFetchSVNRemoteNameOperation(
     std::shared_ptr<NEBSourceControlRequest> request)

@@ -4,12 +4,16 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "GitOperations/GitComposite.h"
 #include "GitOperations/GitInfo.h"
 #include "GitOperations/GitOperation.h"
 
 namespace neb {
+
+/// Whether the bridge's words on standard error begin as they do when all is well.
+[[nodiscard]] bool gitIsBridgeNotice(std::string_view text);
 
 /// Asks for the reference under which the bridge keeps what it fetches. The result is one record
 /// with NEBSourceControlOperationRemoteNameKey, the reference's last component, and

@@ -87,16 +87,7 @@ std::optional<Reply> DiffTask::look() {
 }
 
 std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestDiff);
-    if (!_words.files.empty()) {
-        request->files.emplace(_words.files.begin(), _words.files.end());
-    }
-    if (!_words.revisions.empty()) {
-        request->startingRevision = _words.revisions.front();
-    }
-    if (_words.revisions.size() > 1) {
-        request->endingRevision = _words.revisions.back();
-    }
+    auto request = requestAboutWords(NEBSourceControlRequestDiff, _words);
     NEBDictionary options;
     if (arguments().has("--name-status")) {
         options.set(NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true);

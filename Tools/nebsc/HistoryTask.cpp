@@ -117,6 +117,21 @@ std::string HistoryTask::unmistakable(const std::string& revision) {
 
 // ---- what is not there ------------------------------------------------------------------------
 
+std::shared_ptr<NEBSourceControlRequest> HistoryTask::requestAboutWords(std::int32_t type,
+                                                                        const Words& words) const {
+    auto request = requestOfType(type);
+    if (!words.files.empty()) {
+        request->files.emplace(words.files.begin(), words.files.end());
+    }
+    if (!words.revisions.empty()) {
+        request->startingRevision = words.revisions.front();
+    }
+    if (words.revisions.size() > 1) {
+        request->endingRevision = words.revisions.back();
+    }
+    return request;
+}
+
 std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision) {
     if (revision.starts_with('-')) {
         return std::nullopt;

@@ -39,6 +39,10 @@ protected:
     /// name, as git itself could not tell; so is one named "0", which as an end means none.
     [[nodiscard]] Words readWords(std::size_t mostRevisions, std::size_t mostFiles);
 
+    /// A request with the words' files, and their revisions as its starting and ending one.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAboutWords(
+        std::int32_t type, const Words& words) const;
+
     /// The reply where the revision stands for no commit; nothing where it does, and for one that
     /// begins with "-", which the request refuses. Where git could not tell, in its words.
     [[nodiscard]] std::optional<Reply> refusalOfRevision(const std::string& revision);

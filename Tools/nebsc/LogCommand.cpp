@@ -96,16 +96,7 @@ std::optional<Reply> LogTask::look() {
 }
 
 std::shared_ptr<NEBSourceControlRequest> LogTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestLog);
-    if (!_words.files.empty()) {
-        request->files.emplace(_words.files.begin(), _words.files.end());
-    }
-    if (!_words.revisions.empty()) {
-        request->startingRevision = _words.revisions.front();
-    }
-    if (_words.revisions.size() > 1) {
-        request->endingRevision = _words.revisions.back();
-    }
+    auto request = requestAboutWords(NEBSourceControlRequestLog, _words);
     NEBDictionary options;
     if (const auto limit = arguments().value("--limit")) {
         options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));

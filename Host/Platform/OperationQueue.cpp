@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/SignalFreeThread.h"
+
 namespace neb {
 
 OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurrency()) {}
@@ -49,7 +51,7 @@ void OperationQueue::add(Work work) {
 /// Without a further thread the work is done by those that there are, without any by the caller.
 void OperationQueue::addThread() {
     try {
-        _threads.emplace_back([this] { runThread(); });
+        _threads.push_back(startSignalFreeThread([this] { runThread(); }));
     } catch (const std::system_error&) {
         return;
     }

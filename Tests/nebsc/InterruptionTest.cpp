@@ -3,13 +3,15 @@
 #include "Interruption.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <fstream>
 #include <future>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -132,17 +134,17 @@ TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {
 
 // ---- within this process ----------------------------------------------------------------------
 
-/// With the default handlers, whatever this process was started with.
+/// With the default dispositions, whatever this process was started with.
 class InterruptionHere : public testing::Test {
 protected:
     void SetUp() override {
         for (std::size_t i = 0; i < signals.size(); ++i) {
-            former[i] = std::signal(signals[i], SIG_DFL);
+            former[i] = ::signal(signals[i], SIG_DFL);
         }
     }
     void TearDown() override {
         for (std::size_t i = 0; i < signals.size(); ++i) {
-            static_cast<void>(std::signal(signals[i], former[i]));
+            static_cast<void>(::signal(signals[i], former[i]));
         }
     }
 
@@ -165,7 +167,7 @@ TEST_F(InterruptionHere, ASignalCancelsTheWorkOnAnotherThread) {
     std::promise<std::thread::id> cancelled;
     const Interruption::Work work(
         interruption, [&cancelled] { cancelled.set_value(std::this_thread::get_id()); });
-    ASSERT_EQ(std::raise(SIGTERM), 0);
+    ASSERT_EQ(::kill(::getpid(), SIGTERM), 0);
     auto canceller = cancelled.get_future();
     ASSERT_EQ(canceller.wait_for(longEnough), std::future_status::ready);
     EXPECT_NE(canceller.get(), std::this_thread::get_id());
@@ -177,7 +179,7 @@ TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledAtOnce) {
     std::promise<void> cancelled;
     {
         const Interruption::Work first(interruption, [&cancelled] { cancelled.set_value(); });
-        ASSERT_EQ(std::raise(SIGINT), 0);
+        ASSERT_EQ(::kill(::getpid(), SIGINT), 0);
         ASSERT_EQ(cancelled.get_future().wait_for(longEnough), std::future_status::ready);
     }
     bool isCancelled = false;
@@ -185,12 +187,24 @@ TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledAtOnce) {
     EXPECT_TRUE(isCancelled);
 }
 
-TEST_F(InterruptionHere, PutsTheFormerHandlersBack) {
-    static_cast<void>(std::signal(SIGHUP, SIG_IGN));
-    { const Interruption interruption; }
-    EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
-    EXPECT_EQ(std::signal(SIGINT, SIG_DFL), SIG_DFL);
-    EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL);
+TEST_F(InterruptionHere, BlocksTheSignalsAsLongAsItLives) {
+    static_cast<void>(::signal(SIGHUP, SIG_IGN));
+    const auto blocked = [] {
+        sigset_t mask;
+        ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        std::vector<int> numbers;
+        for (const int signalNumber : {SIGHUP, SIGINT, SIGTERM, SIGUSR1}) {
+            if (::sigismember(&mask, signalNumber) == 1) {
+                numbers.push_back(signalNumber);
+            }
+        }
+        return numbers;
+    };
+    {
+        const Interruption interruption;
+        EXPECT_THAT(blocked(), testing::ElementsAre(SIGINT, SIGTERM));
+    }
+    EXPECT_THAT(blocked(), testing::IsEmpty());
 }
 
 }  // namespace

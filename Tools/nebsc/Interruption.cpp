@@ -1,48 +1,36 @@
 #include "Interruption.h"
 
-#include <unistd.h>
+#include <system_error>
+#include <utility>
 
-#include <atomic>
-#include <cerrno>
+#include "Platform/SignalFreeThread.h"
 
 namespace neb::nebsc {
 
 namespace {
 
-/// Where the handler writes a signal's number; -1 while nobody wants to know.
-std::atomic<int> wakeDescriptor = -1;
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler reads it");
+/// What ends the watcher. It is sent to that thread alone; to nebsc it means what it always does.
+constexpr int endOfWatch = SIGUSR1;
 
-/// What ends the watcher; no signal has this number.
-constexpr unsigned char endOfWatch = 0;
-
-void wakeWatcher(unsigned char byte) {
-    // A pipe takes more signals than anybody sends.
-    static_cast<void>(::write(wakeDescriptor, &byte, 1) == 1);
-}
-
-extern "C" void noteSignal(int signalNumber) {
-    const int keptErrno = errno;
-    wakeWatcher(static_cast<unsigned char>(signalNumber));
-    errno = keptErrno;
+bool isIgnored(int signalNumber) {
+    struct sigaction action {};
+    return ::sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
 
 Interruption::Interruption() {
-    if (openPipe(_pipe, PipeSize::ordinary) != 0) {
-        return;
-    }
-    _watcher = std::thread([this] { watch(); });
-    wakeDescriptor = _pipe.writeEnd.get();
-    struct sigaction action {};
-    action.sa_handler = noteSignal;
-    action.sa_flags = SA_RESTART;
-    for (std::size_t i = 0; i < signals.size(); ++i) {
-        ::sigaction(signals[i], nullptr, &_formerActions[i]);
-        if (_formerActions[i].sa_handler != SIG_IGN) {
-            ::sigaction(signals[i], &action, nullptr);
+    ::sigemptyset(&_signals);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        if (!isIgnored(signalNumber)) {
+            ::sigaddset(&_signals, signalNumber);
         }
+    }
+    ::pthread_sigmask(SIG_BLOCK, &_signals, &_formerMask);
+    try {
+        _watcher = startSignalFreeThread([this] { watch(); });
+    } catch (const std::system_error&) {
+        ::pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr);
     }
 }
 
@@ -52,25 +40,19 @@ Interruption::~Interruption() {
 
 std::optional<int> Interruption::end() {
     if (_watcher.joinable()) {
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            ::sigaction(signals[i], &_formerActions[i], nullptr);
-        }
-        wakeWatcher(endOfWatch);
+        ::pthread_kill(_watcher.native_handle(), endOfWatch);
         _watcher.join();
-        wakeDescriptor = -1;
+        ::pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr);
     }
     return signalNumber();
 }
 
 void Interruption::watch() {
-    unsigned char byte = endOfWatch;
-    while (true) {
-        const ssize_t count = ::read(_pipe.readEnd.get(), &byte, 1);
-        if (count == 1 && byte != endOfWatch) {
-            take(byte);
-        } else if (count >= 0 || errno != EINTR) {
-            return;
-        }
+    sigset_t awaited = _signals;
+    ::sigaddset(&awaited, endOfWatch);
+    int signalNumber = 0;
+    while (::sigwait(&awaited, &signalNumber) == 0 && signalNumber != endOfWatch) {
+        take(signalNumber);
     }
 }
 

@@ -12,18 +12,17 @@
 //     }
 //     interruption.end();   // the signal, when one came; from here on the next one ends nebsc
 //
-// One object at a time. Signals keep their default where the system has no pipe to give.
+// No handler runs: the signals are blocked, and one thread waits for them. So the object is made on
+// the main thread before any other thread that does not block them. One object at a time. Signals
+// keep their default where the system has no thread to give.
 #pragma once
 
 #include <signal.h>
 
-#include <array>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <thread>
-
-#include "Platform/FileDescriptor.h"
 
 namespace neb::nebsc {
 
@@ -57,16 +56,14 @@ public:
     std::optional<int> end();
 
 private:
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
-
     void watch();
     void take(int signalNumber);
 
     mutable std::mutex _mutex;
     std::function<void()> _cancel;     // guarded by _mutex
     std::optional<int> _signalNumber;  // guarded by _mutex
-    Pipe _pipe;
-    std::array<struct sigaction, signals.size()> _formerActions{};
+    sigset_t _signals{};               // those that are waited for
+    sigset_t _formerMask{};
     std::thread _watcher;
 };
 

@@ -4,6 +4,8 @@
 
 #include <chrono>
 
+#include "Platform/SignalFreeThread.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -17,7 +19,7 @@ void write(const std::string& text) {
 
 LifeSign::LifeSign(std::string_view activity) : _activity(activity) {
     if (::isatty(STDERR_FILENO) == 1) {
-        _thread = std::thread([this] { show(); });
+        _thread = startSignalFreeThread([this] { show(); });
     }
 }
 

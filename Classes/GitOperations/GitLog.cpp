@@ -13,6 +13,11 @@ namespace neb {
 
 namespace {
 
+/// A log of fewer bytes is read in one go, at its end.
+constexpr std::size_t worthReadingAhead = 1U << 18;
+/// What a log that is read ahead is sized for: how long it will be nobody knows.
+constexpr std::size_t manyBlocks = 4096;
+
 /// What a commit's block begins with, each on a line of its own: the abbreviated name, the author's
 /// name and e-mail by the mail map, the seconds since 1970 at which it was written, and the raw
 /// message, of many lines. A NUL byte stands in front of the block; the byte below ends it, and
@@ -44,13 +49,32 @@ std::size_t linesIn(std::string_view text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
 }
 
-/// Reads the blocks of one log. Authors and paths are the same in many of them, and so are shared;
-/// all else is sized before it is filled. A long history has many records.
-class BlockReader {
-public:
-    /// Of a log of so many blocks.
-    BlockReader(std::size_t count, bool withFiles) : _withFiles(withFiles), _texts(count * 4) {}
+}  // namespace
 
+/// Reads the blocks of one log, as they come or all at once. Authors and paths are the same in many
+/// of them, and so are shared; all else is sized before it is filled. A long history has many
+/// records.
+class GitLogOperation::Reader {
+public:
+    /// Of a log of about so many blocks.
+    Reader(std::size_t count, bool withFiles) : _withFiles(withFiles), _texts(count * 4) {
+        _records.reserve(count);
+    }
+
+    /// Reads on to the end of `log`, which begins as it did in the last call.
+    void readTo(std::string_view log) {
+        git_forEachComponentSeparatedByNULLTerminator(log.substr(_place),
+                                                      [this](std::string_view block) {
+                                                          if (!block.empty()) {
+                                                              _records.push_back(recordOf(block));
+                                                          }
+                                                      });
+        _place = log.size();
+    }
+
+    [[nodiscard]] NEBSourceControlResult takeRecords() { return std::move(_records); }
+
+private:
     /// A line that is missing is taken for an empty one.
     NEBDictionary recordOf(std::string_view block) {
         const std::string_view files = _withFiles ? filesPart(block) : std::string_view();
@@ -68,7 +92,6 @@ public:
         return record;
     }
 
-private:
     /// What stands behind the last byte that ends a header: the message may hold one too.
     static std::string_view filesPart(std::string_view block) {
         const std::size_t last = block.rfind(endOfHeader);
@@ -94,9 +117,11 @@ private:
 
     bool _withFiles;
     GitRecentTexts _texts;
+    std::size_t _place = 0;  // how many bytes have been read
+    NEBSourceControlResult _records;
 };
 
-}  // namespace
+GitLogOperation::~GitLogOperation() = default;
 
 std::string GitLogOperation::_prettyFormatWithArray(const std::vector<std::string>& placeholders) {
     std::string format = "--pretty=format:%x00%";
@@ -150,18 +175,37 @@ bool GitLogOperation::wantsFilesChanged() const {
     return request()->option(NEBSourceControlRequestOptionLogOutputFilesChanged).boolValue();
 }
 
+/// Up to the last NUL byte all blocks are whole. It is looked for in what is new alone: a block may
+/// be long.
+void GitLogOperation::parseArrivedData(std::string_view arrived) {
+    const std::string_view fresh = arrived.substr(_seen);
+    if (fresh.size() < worthReadingAhead) {
+        return;
+    }
+    const std::size_t end = fresh.rfind('\0');
+    const std::size_t former = _seen;
+    _seen = arrived.size();
+    if (end == std::string_view::npos) {
+        return;
+    }
+    if (!_reader) {
+        _reader = std::make_unique<Reader>(manyBlocks, wantsFilesChanged());
+    }
+    _reader->readTo(arrived.substr(0, former + end));
+}
+
 void GitLogOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {
-        const auto count =
-            static_cast<std::size_t>(std::count(data()->begin(), data()->end(), '\0'));
-        records.reserve(count);
-        BlockReader reader(count, wantsFilesChanged());
-        git_forEachComponentSeparatedByNULLTerminator(*data(), [&](std::string_view block) {
-            if (!block.empty()) {
-                records.push_back(reader.recordOf(block));
-            }
-        });
+        if (!_reader) {
+            const auto count = std::count(data()->begin(), data()->end(), '\0');
+            _reader =
+                std::make_unique<Reader>(static_cast<std::size_t>(count), wantsFilesChanged());
+        }
+        _reader->readTo(*data());
+        records = _reader->takeRecords();
+        _reader.reset();
+        _seen = 0;
     }
     setResult(std::move(records));
 }

@@ -24,8 +24,10 @@ namespace neb {
 class GitLogOperation : public GitOperation {
 public:
     explicit GitLogOperation(std::shared_ptr<NEBSourceControlRequest> request);
+    ~GitLogOperation() override;
 
     [[nodiscard]] std::string className() const override { return "GitLogOperation"; }
+    void parseArrivedData(std::string_view arrived) override;
     void parseData() override;
 
     /// git's option for a commit's format: a NUL byte, then the fields that the placeholders name,
@@ -36,6 +38,10 @@ public:
 private:
     void appendRevisions(std::vector<std::string>& arguments) const;
     [[nodiscard]] bool wantsFilesChanged() const;
+
+    class Reader;
+    std::unique_ptr<Reader> _reader;  // of what was read ahead; absent until there is any
+    std::size_t _seen = 0;            // the bytes in which an end of a block was looked for
 };
 
 }  // namespace neb

@@ -131,7 +131,11 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
                                        .pipeTo = nullptr}));
         }
     };
-    std::vector<ChildOutcome> outcomes = _process.run(launches, started);
+    const auto outputGrew = [&stages](std::string_view arrived) {
+        stages.back()->parseArrivedData(arrived);
+    };
+    std::vector<ChildOutcome> outcomes =
+        _process.run(launches, {.started = started, .outputGrew = outputGrew});
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status.exitStatus(), outcomes[i].duration);
     }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlOperation.h"
@@ -55,6 +56,11 @@ public:
     [[nodiscard]] const std::optional<Data>& errorData() const { return _errorData; }
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 
+    /// Called on the thread of main() while the child runs, each time when more has come, with all
+    /// that it has written to standard output so far; the bytes are good for the call only. A long
+    /// output can be read ahead here, where that costs no time. Whether the child will fail nobody
+    /// knows yet, so nothing of it may show before parseData(). The base does nothing.
+    virtual void parseArrivedData(std::string_view arrived) { static_cast<void>(arrived); }
     /// Turns data() into the result. Called once the child has ended; the base does nothing.
     virtual void parseData() {}
     /// A second operation whose child reads what this one's writes; nothing as a rule. Asked more

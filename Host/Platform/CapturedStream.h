@@ -1,6 +1,8 @@
 // CapturedStream.h - collects what a child writes into one pipe. Inside the host library only.
 #pragma once
 
+#include <string_view>
+
 #include "Platform/Data.h"
 #include "Platform/FileDescriptor.h"
 
@@ -23,6 +25,8 @@ public:
     /// somebody still holds the other end, so that more might have come.
     bool readRestAndClose();
 
+    /// What was read so far; good until the next read.
+    [[nodiscard]] std::string_view bytes() const { return _bytes; }
     /// Moves the bytes out.
     [[nodiscard]] Data takeBytes() { return std::move(_bytes); }
 

@@ -55,11 +55,11 @@ ChildPipeline::~ChildPipeline() {
     reapAll();
 }
 
-std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::StartObserver& started) {
-    startAll(started);
+std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::Observers& observers) {
+    startAll(observers);
     while (!isFinished()) {
         waitForEvent();
-        readStreams();
+        readStreams(observers);
         noteEndedChildren();
         continueEnding();
         releaseInputHeldByOthers();
@@ -80,7 +80,7 @@ std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::StartObserver& 
 
 // ---- start ------------------------------------------------------------------------------------
 
-void ChildPipeline::startAll(const ChildProcess::StartObserver& started) {
+void ChildPipeline::startAll(const ChildProcess::Observers& observers) {
     _children.resize(_launches.size());
     FileDescriptor input;
     bool failed = false;
@@ -94,8 +94,8 @@ void ChildPipeline::startAll(const ChildProcess::StartObserver& started) {
         } else if (auto failure = startOne(i, input)) {
             child.status = TerminationStatus::notStarted(*failure);
             failed = true;
-        } else if (started) {
-            started(i);
+        } else if (observers.started) {
+            observers.started(i);
         }
     }
     if (failed) {
@@ -235,13 +235,18 @@ void ChildPipeline::waitForEvent() {
     }
 }
 
-void ChildPipeline::readStreams() {
+void ChildPipeline::readStreams(const ChildProcess::Observers& observers) {
+    const std::size_t former = _children.back().output.bytes().size();
     for (Child& child : _children) {
         for (CapturedStream* stream : {&child.output, &child.errorOutput}) {
             if (stream->isOpen()) {
                 stream->readAvailable();
             }
         }
+    }
+    const std::string_view output = _children.back().output.bytes();
+    if (observers.outputGrew && output.size() > former && !_killMoment) {
+        observers.outputGrew(output);
     }
 }
 

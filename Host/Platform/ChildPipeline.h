@@ -25,7 +25,7 @@ public:
     ~ChildPipeline();
 
     /// Runs everything to its end. Once for an object.
-    std::vector<ChildOutcome> run(const ChildProcess::StartObserver& started);
+    std::vector<ChildOutcome> run(const ChildProcess::Observers& observers);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -44,7 +44,7 @@ private:
         bool outputWasHeldOpen = false;
     };
 
-    void startAll(const ChildProcess::StartObserver& started);
+    void startAll(const ChildProcess::Observers& observers);
     std::optional<std::string> startOne(std::size_t index, FileDescriptor& input);
 
     [[nodiscard]] bool isFinished() const;
@@ -53,7 +53,7 @@ private:
     void waitForEvent();
     [[nodiscard]] std::vector<pollfd> descriptorsToPoll() const;
     [[nodiscard]] int pollTimeout() const;
-    void readStreams();
+    void readStreams(const ChildProcess::Observers& observers);
     void noteEndedChildren();
     static void noteEnd(Child& child);
 

@@ -25,7 +25,7 @@ std::vector<ChildOutcome> noneStarted(const std::vector<ChildLaunch>& launches,
 }  // namespace
 
 std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& launches,
-                                            const StartObserver& started) {
+                                            const Observers& observers) {
     FileDescriptor wake;
     if (const int failure = openWakePipe(wake); failure != 0) {
         return noneStarted(launches,
@@ -35,7 +35,7 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
         closeWakePipe();
         return noneStarted(launches, "was not started, as it was cancelled before");
     }
-    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, wake).run(started);
+    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, wake).run(observers);
     closeWakePipe();
     return outcomes;
 }

@@ -20,6 +20,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Data.h"
@@ -58,8 +59,14 @@ struct ChildOutcome {
 
 class NEB_EXPORT ChildProcess {
 public:
-    /// Told the index of each child as soon as it runs, on the thread of run().
-    using StartObserver = std::function<void(std::size_t)>;
+    /// Who is told of a run as it goes on, on the thread of run(). Neither must be there.
+    struct Observers {
+        /// Told the index of each child as soon as it runs.
+        std::function<void(std::size_t)> started = {};
+        /// Told, each time when more of it has come, all that the last child has written to
+        /// standard output so far. The bytes are good for the call only.
+        std::function<void(std::string_view)> outputGrew = {};
+    };
 
     ChildProcess() = default;
     ChildProcess(const ChildProcess&) = delete;
@@ -70,7 +77,10 @@ public:
     /// next, and answers one outcome for each, in order. When one cannot be started, its outcome
     /// says why and the others are ended. Call it once for an object.
     [[nodiscard]] std::vector<ChildOutcome> run(const std::vector<ChildLaunch>& launches,
-                                                const StartObserver& started = {});
+                                                const Observers& observers);
+    [[nodiscard]] std::vector<ChildOutcome> run(const std::vector<ChildLaunch>& launches) {
+        return run(launches, Observers());
+    }
 
     /// Asks the sessions of all children to end (SIGTERM), makes them after a grace of two seconds
     /// (SIGKILL), and so lets run() return soon. Before run(), it keeps anything from starting.

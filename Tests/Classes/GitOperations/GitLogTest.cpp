@@ -4,6 +4,8 @@
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/Matchers.h"
+#include "Support/RequestRun.h"
+#include "Support/TemporaryFolder.h"
 
 namespace neb {
 namespace {
@@ -331,6 +333,63 @@ TEST(LogOutput, FillsMissingHeaderLinesWithNothing) {
 TEST(LogOutput, LeavesOutACommitThatIsNoUTF8) {
     EXPECT_THAT(read(block("one\n") + "\n" + block("raw \xE4 byte\n") + "\n" + block("three\n")),
                 ElementsAre(ann + "one", ann + "three"));
+}
+
+/// Reads it as it arrives from a child, in pieces of about this size.
+std::vector<std::string> readAhead(const Data& output, std::size_t pieceSize) {
+    GitLogOperation operation(logRequest(true));
+    for (std::size_t size = pieceSize; size < output.size(); size += pieceSize) {
+        operation.parseArrivedData(Data(output, 0, size));
+        EXPECT_FALSE(operation.result()) << "whether the child will fail nobody knows yet";
+    }
+    operation.setData(output);
+    operation.parseData();
+    std::vector<std::string> texts;
+    for (const NEBDictionary& record : operation.result().value()) {
+        texts.push_back(textOf(record));
+    }
+    return texts;
+}
+
+TEST(LogOutput, IsTheSameWhenItIsReadAsItArrives) {
+    Data output;
+    for (int i = 0; i < 8000; ++i) {
+        output += block("message " + std::to_string(i) + (i % 7 == 0 ? " \xE4" : "\n\nbody\n"));
+        output += "\nM\tfile" + std::to_string(i % 100) + "\n";
+    }
+    output += block("one long block\n") + "\n";
+    for (int i = 0; i < 50000; ++i) {
+        output += "A\tfolder/file" + std::to_string(i) + "\n";
+    }
+    output += block("the last\n") + "\nD\tfile\n";
+    const std::vector<std::string> whole = read(output, true);
+    EXPECT_EQ(whole.size(), 8002 - 1143U);
+    for (const std::size_t pieceSize : {70'001U, 300'000U, 1'000'000U}) {
+        EXPECT_EQ(readAhead(output, pieceSize), whole) << pieceSize;
+    }
+    // A piece may end just behind a NUL byte, or just before one.
+    for (const std::size_t place : {output.rfind('\0'), output.rfind('\0') + 1}) {
+        EXPECT_EQ(readAhead(output, place), whole) << place;
+    }
+}
+
+TEST(LogOutput, OfALongLogThatFailsAtItsEndStandsBesideTheError) {
+    const test::TemporaryFolder folder;
+    std::string output;
+    for (int i = 0; i < 8000; ++i) {
+        output += block("message " + std::to_string(i)) + "\n";
+    }
+    folder.write("log", output);
+    const std::string git =
+        folder.writeProgram("git", "#!/bin/sh\ncat '" + folder.path("log") +
+                                       "'\necho 'fatal: bad object HEAD' >&2\nexit 128\n");
+    auto request = logRequest(false);
+    request->sourceTree->location = folder.path();
+    test::StandIn<GitLogOperation> operation(git, request);
+    operation.start();
+    EXPECT_EQ(operation.result()->size(), 8000U);
+    EXPECT_EQ(operation.error()->errorClass, "objects-damaged");
+    EXPECT_EQ(*operation.data(), output);
 }
 
 TEST(LogOutput, OfACommitWithVeryManyFilesIsReadInOneGo) {

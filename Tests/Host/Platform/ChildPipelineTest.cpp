@@ -149,8 +149,10 @@ TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
     ChildProcess process;
     process.cancel();
     bool started = false;
-    const auto outcomes = process.run({shell("touch " + folder.path("ran"))},
-                                      [&started](std::size_t) { started = true; });
+    const auto outcomes =
+        process.run({shell("touch " + folder.path("ran"))},
+                    {.started = [&started](std::size_t) { started = true; },
+                     .outputGrew = [&started](std::string_view) { started = true; }});
     EXPECT_EQ(outcomes[0].status.description(),
               "the program \"/bin/sh\" was not started, as it was cancelled before");
     EXPECT_FALSE(started);
@@ -180,13 +182,29 @@ TEST_F(ChildPipelines, JoinOutputToInput) {
     std::vector<std::size_t> started;
     const auto outcomes = process.run(
         {shell("echo one >&2; head -c 5000000 /dev/zero"), shell("wc -c; echo two >&2")},
-        [&started](std::size_t index) { started.push_back(index); });
+        {.started = [&started](std::size_t index) { started.push_back(index); }});
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0].output, "");
     EXPECT_EQ(outcomes[0].errorOutput, "one\n");
     EXPECT_EQ(outcomes[1].output, "5000000\n");
     EXPECT_EQ(outcomes[1].errorOutput, "two\n");
     EXPECT_THAT(started, ElementsAre(0U, 1U));
+}
+
+TEST_F(ChildPipelines, TellWhatTheLastHalfHasWrittenSoFar) {
+    const TemporaryFolder folder;
+    ChildProcess process;
+    std::vector<std::string> told;
+    const auto outcomes =
+        process.run({shell("echo one >&2; echo two"),
+                     shell("read line; echo one; while ! [ -e " + folder.path("told") +
+                           " ]; do sleep 0.01; done; echo error >&2; echo $line")},
+                    {.outputGrew = [&](std::string_view output) {
+                        told.emplace_back(output);
+                        folder.write("told", "");
+                    }});
+    EXPECT_EQ(outcomes[1].output, "one\ntwo\n");
+    EXPECT_THAT(told, ElementsAre("one\n", "one\ntwo\n"));
 }
 
 TEST_F(ChildPipelines, TheFirstHalfIsCutOffWhenNobodyReadsOn) {

@@ -1,0 +1,215 @@
+#!/usr/bin/env python3
+"""Compares what nebsc answers about a repository with what git's plumbing says of the same.
+
+Usage: compare.py NEBSC REPOSITORY [FILES]
+
+Log (every commit of HEAD's history, with its files), blame (every line), diff (text, and names with
+states), listing (every folder) and export (every byte and the mode): blame, diff and export of
+FILES files, 200 unless given, spread evenly over the tree. Ends with status 1 where anything differs.
+"""
+import datetime
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+NEBSC, REPOSITORY = sys.argv[1], os.path.realpath(sys.argv[2])
+FILES = int(sys.argv[3]) if len(sys.argv) > 3 else 200
+KEY = "NEBSourceControlOperation%sKey"
+STATES = {"A": 1, "D": 2, "M": 4, "T": 4, "R": 4096, "C": 4096, "U": 16}
+
+
+def git(*words, stdin=None):
+    """What git prints, as bytes; nothing of the user's configuration that could change it."""
+    quiet = ["-c", "core.quotePath=false", "-c", "diff.renames=true", "-c", "color.ui=false"]
+    return subprocess.run(["git", "-C", REPOSITORY, *quiet, *words], input=stdin, check=True,
+                          stdout=subprocess.PIPE).stdout
+
+
+def request(number, **members):
+    """The records that the request is answered with; none where there is no result."""
+    members |= {"type": number, "sourceTree": {"location": REPOSITORY}}
+    answer = subprocess.run([NEBSC, "request"], input=json.dumps(members).encode(), check=True,
+                            stdout=subprocess.PIPE).stdout
+    outcome = json.loads(answer)
+    if outcome["error"]:
+        sys.exit(f"request {number}: {outcome['error']}")
+    return outcome["result"] or []
+
+
+def record(**fields):
+    return {KEY % name: value for name, value in fields.items()}
+
+
+def instant(seconds):
+    epoch = datetime.datetime(1970, 1, 1)
+    seconds = max(-2**31, min(2**31 - 1, seconds))
+    return (epoch + datetime.timedelta(seconds=seconds)).strftime("%Y-%m-%dT%H:%M:%SZ")
+
+
+class Comparison:
+    """Counts, and shows the first differences."""
+    differing = 0
+
+    def __init__(self, name):
+        self.name, self.compared, self.different = name, 0, 0
+
+    def check(self, place, answered, expected):
+        self.compared += 1
+        if answered != expected:
+            self.different += 1
+            if self.different <= 3:
+                print(f"  {self.name} {place}:\n    nebsc {answered!r:.400}\n    git   {expected!r:.400}")
+
+    def end(self, unit):
+        Comparison.differing += self.different
+        print(f"{self.name:8} {self.compared:9} {unit} compared, {self.different} differing", flush=True)
+
+
+def commits():
+    """Each commit of HEAD's history, newest first: its name and its raw object."""
+    names = git("rev-list", "HEAD")
+    raw = git("cat-file", "--batch", stdin=names)
+    place = 0
+    for name in names.decode().split():
+        start = raw.index(b"\n", place) + 1
+        size = int(raw[place:start].split()[2])
+        yield name, raw[start:start + size]
+        place = start + size + 1
+
+
+def files_by_commit():
+    """The lines "state TAB path…" of each commit's comparison with its parent."""
+    files, name = {}, None
+    text = git("diff-tree", "--stdin", "--root", "-r", "-M", "--name-status",
+               stdin=git("rev-list", "HEAD"))
+    for line in text.split(b"\n"):
+        if re.fullmatch(b"[0-9a-f]{40}|[0-9a-f]{64}", line):
+            name = line.decode()
+        elif line:
+            state, path = line.split(b"\t")[:2]
+            files.setdefault(name, {})[path.decode()] = STATES[chr(state[0])]
+    return files
+
+
+def compare_log():
+    comparison = Comparison("log")
+    files = files_by_commit()
+    raw = list(commits())
+    authors = [re.search(rb"^author (.*>) (-?\d+) ", text, re.M) for _, text in raw]
+    mapped = git("check-mailmap", "--stdin", stdin=b"".join(a[1] + b"\n" for a in authors))
+    expected = []
+    for (name, text), author, identity in zip(raw, authors, mapped.decode().split("\n")):
+        person, mail = re.fullmatch(r"(.*?) ?<(.*)>", identity).groups()
+        entry = record(Revision=name[:12], Author=person, AuthorEmail=mail,
+                       Date=instant(int(author[2])),
+                       Message=text[text.index(b"\n\n") + 2:].decode().strip("\n"))
+        if name in files:
+            entry |= record(Files=files[name])
+        expected.append(entry)
+    answered = request(18, options={"NEBSourceControlRequestOptionLogOutputFilesChanged": True})
+    comparison.check("count", len(answered), len(expected))
+    for (name, _), answer, entry in zip(raw, answered, expected):
+        comparison.check(name, answer, entry)
+    comparison.end("records")
+
+
+def compare_blame(paths):
+    comparison = Comparison("blame")
+    for path in paths:
+        people, expected, revision = {}, [], ""
+        for line in git("blame", "--porcelain", "HEAD", "--", path).split(b"\n"):
+            head = re.match(rb"([0-9a-f]{40,64}) \d+ (\d+)", line)
+            if head:
+                revision, number = head[1].decode(), head[2].decode()
+            elif line.startswith(b"author "):
+                people[revision] = [line[7:].decode()]
+            elif line.startswith(b"author-time "):
+                people[revision].append(instant(int(line[12:])))
+            elif line.startswith(b"\t"):
+                person, date = people[revision]
+                expected.append(record(Revision=revision[:12], Author=person, Date=date,
+                                       LineNumber=number))
+        expected.append({})  # the answer ends with an empty record
+        answered = request(28, startingRevision="HEAD", files=[os.path.join(REPOSITORY, path)])
+        comparison.check(path, len(answered), len(expected))
+        for answer, entry in zip(answered, expected):
+            comparison.check(path, answer, entry)
+    comparison.end("lines")
+
+
+def compare_diff(paths):
+    comparison = Comparison("diff")
+    names = git("rev-list", "--first-parent", "--max-count=200", "HEAD").decode().split()
+    for newer, older in zip(names, names[1:]):
+        revisions = {"startingRevision": older, "endingRevision": newer}
+        plumbing = ["diff-tree", "-r", "-M", older, newer]
+        text = git(*plumbing, "-p").decode(errors="replace")
+        answered = request(30, **revisions)
+        comparison.check(newer, answered, [record(Content=text)] if text else [])
+        states = []
+        for line in git(*plumbing, "--name-status").decode().split("\n")[:-1]:
+            # What stands behind the letter is the path: of a rename with the score, and both paths.
+            path = re.fullmatch(r"[A-Z]\s*(.*)", line)[1]
+            states.append(record(WCStatus=STATES[line[0]], Path=os.path.join(REPOSITORY, path)))
+        answered = request(30, **revisions, options={
+            "NEBSourceControlRequestOptionDiffFileNameAndStatusOnly": True})
+        comparison.check(newer, answered, states)
+    first = git("rev-list", "--max-parents=0", "HEAD").decode().split()[0]
+    for path in paths[:20]:
+        text = git("diff-tree", "-r", "-p", first, "HEAD", "--", path).decode(errors="replace")
+        answered = request(30, startingRevision=first, endingRevision="HEAD",
+                           files=[os.path.join(REPOSITORY, path)])
+        comparison.check(path, answered, [record(Content=text)] if text else [])
+    comparison.end("answers")
+
+
+def compare_listing(paths):
+    comparison = Comparison("ls")
+    folders = {""}
+    for path in paths:
+        while path := os.path.dirname(path):
+            folders.add(path)
+    for folder in sorted(folders):
+        expected = []
+        for entry in git("ls-tree", "-z", "HEAD:" + folder).decode().split("\0")[:-1]:
+            kind, name = entry.split(" ")[1], entry.split("\t")[1]
+            if not name.startswith("."):  # such names the answer leaves out
+                expected.append(record(IsLeaf=kind == "blob", Name=name))
+        answered = request(17, files=[os.path.join(REPOSITORY, folder)])
+        comparison.check(folder or ".", answered, expected)
+    comparison.end("folders")
+
+
+def compare_export(paths):
+    comparison = Comparison("export")
+    modes = {entry.split("\t")[1]: entry.split(" ")[0]
+             for entry in git("ls-tree", "-rz", "HEAD").decode().split("\0")[:-1]}
+    with tempfile.TemporaryDirectory() as folder:
+        for path in paths:
+            target = os.path.join(folder, os.path.basename(path))
+            request(21, startingRevision="HEAD", files=[os.path.join(REPOSITORY, path)],
+                    destination=target)
+            with open(target, "rb") as file:
+                comparison.check(path, file.read(), git("cat-file", "blob", "HEAD:" + path))
+            comparison.check(path, os.access(target, os.X_OK), modes[path] == "100755")
+            os.remove(target)
+    comparison.end("answers")
+
+
+def main():
+    entries = [entry.split("\t") for entry in
+               git("ls-tree", "-rz", "HEAD").decode().split("\0")[:-1]]
+    paths = [path for kind, path in entries if kind.startswith("100")]
+    some = paths[::max(1, len(paths) // FILES)][:FILES]
+    compare_log()
+    compare_blame(some)
+    compare_diff(some)
+    compare_listing([path for _, path in entries])
+    compare_export(some)
+    sys.exit(1 if Comparison.differing else 0)
+
+
+main()

@@ -104,7 +104,16 @@ TEST_F(DiffCommand, WhatCannotBeComparedIsNamed) {
 
 TEST_F(DiffCommand, APatchCannotDriveTheTerminal) {
     repository.write("a.c", "\x1b[31m\x07\xE4\n");
-    EXPECT_THAT(nebsc({"diff"}).output, HasSubstr("\n+\\x1b[31m\\x07\xEF\xBF\xBD\n"));
+    EXPECT_THAT(onTerminal({}), HasSubstr("+\\x1b[31m\\x07\xEF\xBF\xBD"));
+}
+
+TEST_F(DiffCommand, APatchThatGoesToAProgramIsAsGitMadeIt) {
+    repository.write("a.c", "\x1b[31m\x07\n");
+    const std::string patch = nebsc({"diff"}).output;
+    EXPECT_EQ(patch, repository.git({"diff", "HEAD"}));
+    repository.git({"checkout", "--quiet", "a.c"});
+    repository.gitWithInput({"apply"}, patch);
+    EXPECT_EQ(repository.git({"diff", "HEAD"}), patch);
 }
 
 TEST_F(DiffCommand, JSONIsTheOutcomeAndNothingElse) {

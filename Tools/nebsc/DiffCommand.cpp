@@ -44,7 +44,11 @@ private:
     bool _isHeader = false;
 };
 
+/// A patch that goes elsewhere than to a terminal stays as it is, for a program to apply.
 std::string shownPatch(std::string_view patch, bool isColoured) {
+    if (::isatty(STDOUT_FILENO) != 1) {
+        return std::string(patch);
+    }
     std::string lines;
     PatchColours colours;
     if (patch.ends_with('\n')) {
@@ -149,7 +153,8 @@ constinit const Command diffCommand{
         "Without a revision: all that is not committed, staged or not. With one: from it to\n"
         "the working copy. With two: from the first to the second. A word is a revision, or\n"
         "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
-        "Control characters are written out, but for TABs and line ends.\n\n"
+        "On a terminal, control characters are written out, but for TABs and line ends; a\n"
+        "program gets the patch as it is, to apply it.\n\n"
         "Examples:\n"
         "  nebsc diff                            what is not committed\n"
         "  nebsc diff --name-status main topic   which files two branches have differently\n"

@@ -17,7 +17,8 @@ namespace neb {
 /// NEBSourceControlOperationAuthorKey, NEBSourceControlOperationDateKey and
 /// NEBSourceControlOperationLineNumberKey (a string). An empty record follows the last line's.
 /// Absent when git printed nothing, as for an empty file. A line that is not committed yet has the
-/// revision "000000000000" and the author "Not Committed Yet".
+/// revision "000000000000" and the author "Not Committed Yet". An author's name is without the
+/// blanks before it; one of nothing but blanks is lost, and the date then stands in its place.
 class GitBlameOperation : public GitOperation {
 public:
     explicit GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> request);

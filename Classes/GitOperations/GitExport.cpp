@@ -36,9 +36,21 @@ std::string pathBehind(std::string_view path, std::size_t prefixLength) {
     return std::string(path.substr(begin));
 }
 
+/// Where the source tree is, without a "/" behind it; absent where nobody says so.
+std::optional<std::string> locationOf(const NEBSourceControlRequest& request) {
+    if (!request.sourceTree || !request.sourceTree->location) {
+        return std::nullopt;
+    }
+    std::string location = *request.sourceTree->location;
+    while (location.size() > 1 && location.ends_with('/')) {
+        location.pop_back();
+    }
+    return location;
+}
+
 /// The file's path as seen from the top of the repository. With a repository path in the options
-/// the host gives it so; else it is what follows the source tree's location. Absent for a file
-/// outside.
+/// the host gives it so; else it is what follows the source tree's location and one character.
+/// Absent for a file outside.
 std::optional<std::string> relativePath(const NEBSourceControlRequest& request) {
     const NEBValue file = firstFile(request);
     if (!file.isPresent()) {
@@ -48,12 +60,21 @@ std::optional<std::string> relativePath(const NEBSourceControlRequest& request) 
     if (request.option(NEBSourceControlRequestOptionRepositoryPath).isPresent()) {
         return path;
     }
-    const auto& sourceTree = request.sourceTree;
-    if (!sourceTree || !sourceTree->location || path.size() <= sourceTree->location->size() ||
-        !path.starts_with(*sourceTree->location)) {
+    const auto location = locationOf(request);
+    if (!location || path.size() <= location->size() || !path.starts_with(*location)) {
         return std::nullopt;
     }
-    return pathBehind(path, sourceTree->location->size());
+    return pathBehind(path, location->size());
+}
+
+/// Whether the file only looks as if it were below the location: "/w/tree-2/a" beside "/w/tree".
+/// What is left of its path names another file, which may be there.
+bool isBesideLocation(const NEBSourceControlRequest& request) {
+    const NEBValue file = firstFile(request);
+    const auto location = locationOf(request);
+    return relativePath(request) && location &&
+           !request.option(NEBSourceControlRequestOptionRepositoryPath).isPresent() &&
+           file.description()[location->size()] != '/';
 }
 
 void assertIsValid(const std::optional<std::string>& relativePath, const NEBValue& file) {
@@ -73,13 +94,13 @@ NEBSourceControlError ownFailure(std::string_view errorClass, std::string descri
     return error;
 }
 
-NEBSourceControlError noPlaceForTree(const NEBSourceControlRequest& request) {
+NEBSourceControlError refusalOf(const NEBSourceControlRequest& request) {
     const NEBValue file = firstFile(request);
     if (!file.isPresent()) {
         return ownFailure(NEBSourceControlUnknownErrorClass,
                           "Nothing was exported: no file was named.");
     }
-    if (relativePath(request)) {
+    if (relativePath(request) && !isBesideLocation(request)) {
         return ownFailure("path-invalid",
                           formattedText("The file \"%@\" was not exported: a path that ends in "
                                         "\".\" or \"..\" names a whole tree.",
@@ -163,8 +184,8 @@ std::shared_ptr<NEBSourceControlTaskOperation> GitExportFileOperation::pipeToOpe
 }
 
 void GitExportFileOperation::main() {
-    if (lacksPlaceForTree(*request())) {
-        setError(noPlaceForTree(*request()));
+    if (lacksPlaceForTree(*request()) || isBesideLocation(*request())) {
+        setError(refusalOf(*request()));
         return;
     }
     const LOMFilePath target = *targetOf(*request());

@@ -39,9 +39,10 @@ public:
     [[nodiscard]] std::string className() const override { return "GitExportFileOperation"; }
     [[nodiscard]] std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override;
     /// When it fails or is cancelled, it leaves nothing of a target that was not there before. One
-    /// that was there counts as the result, whatever came of the export. With a file outside the
-    /// source tree, or a path that ends in "." or "..", nothing is run: the archive would be a
-    /// whole tree, beside the target.
+    /// that was there counts as the result, whatever came of the export: of one that was cancelled,
+    /// or whose children died, there may be an error beside it. With a file outside the source
+    /// tree, or a path that ends in "." or "..", nothing is run: the archive would hold another
+    /// file, or be a whole tree beside the target.
     void main() override;
 
 private:

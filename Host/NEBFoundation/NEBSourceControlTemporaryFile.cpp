@@ -22,6 +22,14 @@ std::string randomHead() {
     return text;
 }
 
+/// What TMPDIR names, if it is there: whoever asks for a file does not want a folder made.
+std::string temporaryFolder() {
+    const char* variable = std::getenv("TMPDIR");
+    const bool isUsable = variable != nullptr && *variable == '/' &&
+                          LOMFilePath::filePathForPathString(variable).existsInFileSystem();
+    return isUsable ? variable : "/tmp";
+}
+
 constexpr char separator = '-';
 constexpr std::size_t headLength = 16;
 
@@ -35,8 +43,7 @@ bool canHaveHead(std::string_view name) {
 }  // namespace
 
 LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view name) {
-    const char* variable = std::getenv("TMPDIR");
-    const std::string folder = variable != nullptr && *variable == '/' ? variable : "/tmp";
+    const std::string folder = temporaryFolder();
     const std::string plainName = lastPathComponent(name);
     const bool hasHead = canHaveHead(plainName);
     while (true) {

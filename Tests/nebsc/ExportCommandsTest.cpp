@@ -207,6 +207,15 @@ TEST_F(ExportCommands, FilesInConflictAreNamed) {
     EXPECT_FALSE(fs::exists(folder.path("tree/src/grüße a.c")));
 }
 
+TEST_F(ExportCommands, FilesOutsideASparseCheckoutAreCounted) {
+    repository.git({"sparse-checkout", "set", "--no-cone", "/run"});
+    const NebscOutcome outcome = nebsc({"export-tree", folder.path("tree")});
+    EXPECT_EQ(outcome.errors,
+              "nebsc: One file of the index outside the sparse checkout was not written.\n");
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(fs::exists(folder.path("tree/run")));
+}
+
 TEST_F(ExportCommands, JSONOfATreeIsTheOutcome) {
     const NebscOutcome outcome = nebsc({"--json", "export-tree", folder.path("t")});
     const JSON json = outcome.json();

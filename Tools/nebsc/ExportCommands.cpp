@@ -1,9 +1,11 @@
 // The commands that write files of the repository to disk.
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "Commands.h"
+#include "GitProgram.h"
 #include "HistoryTask.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -153,6 +155,7 @@ protected:
     void conclude(const Outcome& outcome, Reply& reply) override;
 
 private:
+    void noteSparseFiles(Reply& reply);
     [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
     /// git would write to where a link leads in any case.
     [[nodiscard]] bool isWorkingCopy() const {
@@ -199,6 +202,25 @@ void ExportTreeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
             ? "Wrote the files of the index to " + printable(inQuotes(folder())) + ".\n"
             : "The index has no files; nothing was written.\n";
     noteConflicts(reply, "These files are in conflict and were not written:", {});
+    noteSparseFiles(reply);
+}
+
+/// git leaves out, without a word, what a sparse checkout leaves out.
+void ExportTreeTask::noteSparseFiles(Reply& reply) {
+    const ChildOutcome outcome = ask({"ls-files", "-t", "-z"});
+    const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
+    const auto count = std::count_if(entries.begin(), entries.end(), [](const std::string& entry) {
+        return entry.starts_with("S ");
+    });
+    if (!outcome.status.isSuccess()) {
+        reply.standardError += failureOf(outcome).standardError;
+        reply.exitStatus = exitFailed;
+    } else if (count > 0) {
+        const std::string files = count == 1 ? "One file" : std::to_string(count) + " files";
+        reply.standardError += "nebsc: " + files + " of the index outside the sparse checkout " +
+                               (count == 1 ? "was" : "were") + " not written.\n";
+        reply.exitStatus = exitFailed;
+    }
 }
 
 constexpr Parameter exportTreeParameters[] = {

@@ -268,6 +268,56 @@ TEST_F(ExportOfRepository, OfAFileOutsideTheWorkingCopyIsRefused) {
     EXPECT_EQ(namesIn(folder.path("out")).size(), 1U);
 }
 
+/// What is left of such a path behind the location is another file's.
+TEST_F(ExportOfRepository, OfAFileBesideTheWorkingCopyIsRefused) {
+    auto request = requestFor(20, repository.path());
+    request->files = {NEBValue(repository.path() + "Xtop.bin")};
+    request->startingRevision = "HEAD";
+    request->destination = out("top.bin");
+    const auto operation = GitController().operationForRequest(request);
+    operation->start();
+    EXPECT_THAT(operation->error(), HasErrorClass("path-outside"));
+    EXPECT_EQ(operation->result(), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(out("top.bin")));
+}
+
+TEST_F(ExportOfRepository, MakesNoTemporaryFolder) {
+    const std::string missing = folder.path("missing");
+    ::setenv("TMPDIR", missing.c_str(), 1);
+    const std::string path = writtenPath(*exportFile("top.bin", "HEAD"));
+    EXPECT_EQ(bytesOf(path), binary);
+    std::filesystem::remove(path);
+    EXPECT_FALSE(std::filesystem::exists(missing));
+}
+
+TEST_F(ExportOfRepository, OfAFolderIsAllOfIt) {
+    EXPECT_EQ(writtenPath(*exportFile("src", "first", folder.path("out/src"))),
+              folder.path("out/src"));
+    EXPECT_EQ(bytesOf(out("src/io/main.c")), "old\n");
+}
+
+/// tar has begun to write when the export is cancelled.
+TEST_F(ExportOfRepository, ThatIsCancelledMidwayLeavesNothing) {
+    repository.commitFile("big", std::string(3'000'000, 'x'));
+    const std::string git =
+        folder.writeProgram("bin/git", "#!/bin/sh\ngit \"$@\" | head -c 2000000\ntouch '" +
+                                           folder.path("half") + "'\nexec sleep 3600\n");
+    auto request = requestFor(20, repository.path());
+    request->files = {NEBValue(repository.path("big"))};
+    request->startingRevision = "HEAD";
+    request->destination = out("big");
+    test::StandIn<GitExportFileOperation> operation(git, request);
+    std::thread running([&operation] { operation.start(); });
+    while (!std::filesystem::exists(folder.path("half"))) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    operation.cancel();
+    running.join();
+    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_EQ(operation.result(), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(out("big")));
+}
+
 TEST_F(ExportOfRepository, WithADestinationAndNoFileWritesTheWholeRevisionThere) {
     const ReportCollector collector;
     auto request = requestFor(21, repository.path());

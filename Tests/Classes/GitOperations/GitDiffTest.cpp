@@ -272,6 +272,14 @@ TEST_F(DiffOfRepository, IsGitsOwnWhateverTheUserHasConfigured) {
     EXPECT_EQ(content(), plain);
 }
 
+/// What a file's attributes say about its text is the repository's own wish.
+TEST_F(DiffOfRepository, ReadsATextThroughItsConverter) {
+    repository.write(".gitattributes", "long diff=upper\n");
+    repository.git({"config", "diff.upper.textconv", "tr a-z A-Z <"});
+    repository.write("long", "changed\n");
+    EXPECT_THAT(content(), HasSubstr("\n+CHANGED\n"));
+}
+
 TEST_F(DiffOfRepository, OfBytesThatAreNoTextIsWhole) {
     repository.write("long", "J\xFCrgen\n");
     EXPECT_THAT(content(), HasSubstr("\n+J\xEF\xBF\xBDrgen\n"));

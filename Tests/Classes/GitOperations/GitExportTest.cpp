@@ -132,7 +132,7 @@ TEST_P(ExportOfInvalidPath, IsReportedAndBuildingGoesOn) {
     EXPECT_EQ(report.condition, "[relativePathString length] != 0");
     EXPECT_EQ(report.function, "-[GitExportFileOperation initWithRequest:]");
     EXPECT_EQ(report.file, "Classes/GitOperations");
-    EXPECT_NE(report.line, 0);
+    EXPECT_EQ(report.line, 48);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -154,6 +154,20 @@ TEST(ExportCommand, DropsTheLocationAndOneCharacter) {
     auto request = exportRequest("file:///w/d/a", "/out/a");
     request->sourceTree->location = "file:///w";
     EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
+}
+
+TEST(ExportCommand, TakesALocationWithASlashBehindItForTheSame) {
+    auto request = exportRequest("/w/d/a", "/out/a");
+    request->sourceTree->location = "/w/";
+    EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
+}
+
+/// An empty list of files is none: the destination is the folder for the whole revision.
+TEST(ExportTar, OfAnEmptyListOfFilesExtractsIntoTheDestination) {
+    auto request = exportRequest("/w/a", "/out/folder");
+    request->files->clear();
+    const ReportCollector collector;
+    EXPECT_THAT(GitTarOperation(request).arguments(), ElementsAre("-C", "/out/folder", "-xf", "-"));
 }
 
 // ---- tar's half -------------------------------------------------------------------------------
@@ -194,6 +208,7 @@ TEST(ExportTar, WithoutATargetReportsSo) {
     EXPECT_EQ(report.message, "(chDir) should not be nil.");
     EXPECT_EQ(report.condition, "((chDir)) != nil");
     EXPECT_EQ(report.function, "-[GitTarOperation initWithRequest:]");
+    EXPECT_EQ(report.line, 112);
     EXPECT_EQ(report.file, "Classes/GitOperations");
 }
 

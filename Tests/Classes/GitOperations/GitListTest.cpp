@@ -192,6 +192,17 @@ TEST_F(ListOfRepository, SplitsAtBlanksAndExpandsWildcards) {
     EXPECT_THAT(list("[d]*"), ElementsAre("z", "y"));
 }
 
+/// The kernel takes a command line of two megabytes at most.
+TEST_F(ListOfRepository, OfMoreThanACommandLineHoldsIsAnError) {
+    repository.commitFile("full/a", "x");
+    for (int i = 0; i < 9000; ++i) {
+        repository.write("full/" + std::string(245, 'n') + std::to_string(i), "");
+    }
+    const auto operation = run(listRequest("full", repository.path()));
+    EXPECT_THAT(operation->error()->localizedDescription(),
+                testing::Optional(testing::HasSubstr("Argument list too long")));
+}
+
 /// Names that are built to run a command, each of which would leave a file.
 TEST_F(ListOfRepository, OfAFolderWithAHostileNameListsItAndRunsNothing) {
     const std::string names[] = {

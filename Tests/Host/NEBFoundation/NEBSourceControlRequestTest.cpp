@@ -276,6 +276,9 @@ TEST(TemporaryFile, IsNamedAfterTheFileWithAHeadOfItsOwn) {
     ::setenv("TMPDIR", "relative", 1);
     EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("a").pathString(),
                 MatchesRegex("/tmp/.*-a"));
+    ::setenv("TMPDIR", folder.path("missing").c_str(), 1);
+    EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("a").pathString(),
+                MatchesRegex("/tmp/.*-a"));
     ::unsetenv("TMPDIR");
     EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("a").pathString(),
                 MatchesRegex("/tmp/.*-a"));

@@ -201,6 +201,13 @@ TEST_F(BranchCommands, WhatCannotBeMadeIsTold) {
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
+TEST_F(BranchCommands, TheBranchBeforeThisOneIsDeletedByItsName) {
+    repository.git({"checkout", "--quiet", "-b", "former"});
+    repository.git({"checkout", "--quiet", "main"});
+    expectDone(nebsc({"branch", "delete", "@{-1}"}),
+               "Deleted the branch \"former\"; it was at " + revision("main") + ".\n");
+}
+
 TEST_F(BranchCommands, AMergedBranchIsDeletedAndAnotherByForceAlone) {
     repository.git({"branch", "merged"});
     expectDone(nebsc({"branch", "delete", "merged"}, "src"),

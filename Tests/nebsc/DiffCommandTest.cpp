@@ -88,6 +88,50 @@ TEST_F(DiffCommand, DashesSettleWhatAWordIs) {
     expectFailed(nebsc({"diff", "main", "a.c", "both", "nosuch"}), HasSubstr("\"nosuch\""));
 }
 
+TEST_F(DiffCommand, FilesAtTheTopMayBeNamedLikeRevisions) {
+    repository.git({"tag", "v1", "HEAD~1"});
+    repository.git({"tag", "v2"});
+    repository.commitFile("HEAD", "1");
+    repository.commitFile("v1..v2", "1");
+    repository.write("a.c", "2\n");
+    expectDone(nebsc({"diff", "--name-status"}), "modified   a.c\n");
+    expectDone(nebsc({"diff", "--name-status"}, "src"), "modified   ../a.c\n");
+    expectDone(nebsc({"diff", "--name-status", "v1", "v2"}), "added      src/grüße dir/b c.c\n");
+    expectDone(nebsc({"diff", "--name-status", "v1..v2", "--"}),
+               "added      src/grüße dir/b c.c\n");
+}
+
+TEST_F(DiffCommand, AllButACommitIsNoRevision) {
+    expectFailed(nebsc({"diff", "^HEAD"}), HasSubstr("no revision and no file \"^HEAD\""));
+    expectFailed(nebsc({"log", "^HEAD", "--"}), HasSubstr("no revision \"^HEAD\""));
+    expectFailed(nebsc({"blame", "^HEAD", "a.c"}), HasSubstr("no revision \"^HEAD\""));
+}
+
+TEST_F(DiffCommand, OutsideARepositoryThatIsSaid) {
+    const TemporaryFolder folder;
+    folder.write("a", "1");
+    folder.write("b", "2");
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"diff"}, {"diff", "a", "b"}, {"diff", "--", "a"}, {"log", "x"}, {"log", "HEAD"}}) {
+        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
+        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: fatal: not a git repository"));
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+}
+
+TEST_F(DiffCommand, ALostCommitIsNotSaidToBeNoneYet) {
+    const std::string commit = repository.git({"rev-parse", "HEAD"}).substr(0, 40);
+    std::filesystem::remove(
+        repository.path(".git/objects/" + commit.substr(0, 2) + "/" + commit.substr(2)));
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"diff"}, {"log"}, {"ls"}, {"blame", "a.c"}, {"branch", "create", "x"}}) {
+        const NebscOutcome outcome = nebsc(words);
+        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commits yet"))) << words[0];
+        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commit yet"))) << words[0];
+        EXPECT_EQ(outcome.exitStatus, 1) << words[0];
+    }
+}
+
 TEST_F(DiffCommand, WhatCannotBeComparedIsNamed) {
     expectFailed(nebsc({"diff", "nosuch"}), HasSubstr("no revision and no file \"nosuch\""));
     expectFailed(nebsc({"diff", "HEAD", "HEAD", "HEAD"}), HasSubstr("two revisions at most"), 2);

@@ -216,6 +216,41 @@ TEST_F(ExportCommands, FilesOutsideASparseCheckoutAreCounted) {
     EXPECT_TRUE(fs::exists(folder.path("tree/run")));
 }
 
+TEST_F(ExportCommands, NothingIsWrittenIntoTheRepositorysOwnFolder) {
+    fs::create_symlink(repository.path(".git"), folder.path("link"));
+    const std::string head = repository.git({"symbolic-ref", "HEAD"});
+    for (const std::string& place :
+         {repository.path(".git"), repository.path(".git/new"), folder.path("link")}) {
+        expectFailed(nebsc({"export-tree", "--force", place}),
+                     HasSubstr("lies in the repository's own folder"));
+        expectFailed(nebsc({"export", "HEAD", "run", place + "/X"}),
+                     HasSubstr("lies in the repository's own folder"));
+    }
+    EXPECT_EQ(repository.git({"symbolic-ref", "HEAD"}), head);
+    EXPECT_FALSE(fs::exists(repository.path(".git/new")));
+    EXPECT_FALSE(fs::exists(repository.path(".git/X")));
+}
+
+TEST_F(ExportCommands, NoFolderIsRemovedForAFileOfTheIndex) {
+    folder.write("full/run/precious", "mine");
+    expectFailed(nebsc({"export-tree", "--force", folder.path("full")}),
+                 HasSubstr("There is a folder \"" + folder.path("full/run") + "\""));
+    EXPECT_EQ(folder.read("full/run/precious"), "mine");
+}
+
+TEST_F(ExportCommands, TheWorkingCopyItselfIsNoFile) {
+    expectFailed(nebsc({"export", "HEAD", ".", folder.path("x")}), HasSubstr("nebsc export-tree"));
+}
+
+TEST_F(ExportCommands, AFileWhoseBytesAreLostIsNotSaidToBeMissing) {
+    const std::string blob = repository.git({"rev-parse", "HEAD:run"}).substr(0, 40);
+    fs::remove(repository.path(".git/objects/" + blob.substr(0, 2) + "/" + blob.substr(2)));
+    const NebscOutcome outcome = nebsc({"export", "HEAD", "run", folder.path("x")});
+    EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("There is no file")));
+    EXPECT_THAT(outcome.errors, HasSubstr(blob));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
 TEST_F(ExportCommands, JSONOfATreeIsTheOutcome) {
     const NebscOutcome outcome = nebsc({"--json", "export-tree", folder.path("t")});
     const JSON json = outcome.json();

@@ -110,6 +110,13 @@ TEST_F(ListCommand, ASubmoduleIsNoFile) {
     repository.git({"submodule", "--quiet", "add", repository.path(), "sub"});
     repository.git({"commit", "--quiet", "-m", "submodule"});
     expectDone(nebsc({"ls"}), "src/\nsub/\ntop.c\n");
+    expectFailed(nebsc({"ls", "sub"}),
+                 "nebsc: \"sub\" is no folder in the latest commit, but a submodule.\n");
+}
+
+TEST_F(ListCommand, OfAPathThatIsNoUTF8IsRefused) {
+    repository.commitFile("l\xE9/a.c", "1\n");
+    expectFailed(nebsc({"ls", "l\xE9"}), HasSubstr("is no UTF-8"));
 }
 
 TEST_F(ListCommand, JSONIsTheOutcomeAndNothingElse) {

@@ -120,7 +120,11 @@ TEST_F(LogCommand, ABranchStandsForARevision) {
     expectFailed(log({"--branch", "topic", "HEAD"}), HasSubstr("cannot stand together"), 2);
     expectFailed(log({"--branch", "a.c"}), "nebsc: There is no revision \"a.c\".\n");
     expectFailed(log({"--branch=--all"}), HasSubstr("\"--all\" begins with \"-\""), 2);
-    // A file of that name is none of its business.
+    // Neither a tag nor a file of that name is any of its business.
+    repository.git({"tag", "topic", "HEAD"});
+    expectDone(log({"--branch", "topic"}), line("refs/heads/topic", "First"));
+    expectFailed(log({"--branch", "^topic"}), HasSubstr("no revision \"^topic\""));
+    repository.git({"tag", "--delete", "topic"});
     repository.write("topic", "");
     expectDone(log({"--branch", "topic"}), line("topic", "First"));
 }

@@ -126,15 +126,21 @@ protected:
 /// The error of the request may speak of a file; a person is told what there is not. "A...B", the
 /// common ancestor, is for git alone to judge.
 std::optional<Reply> CreateTask::look() {
-    const std::string start = arguments().value("START").value_or("HEAD");
-    if (isJSON() || start.starts_with('-') || start.find("...") != std::string::npos ||
-        askForCommit(start).status.exitStatus() != 1) {
+    const auto start = arguments().value("START");
+    if (isJSON()) {
         return std::nullopt;
     }
-    return refusal(arguments().has("START")
-                       ? "There is no revision " + inQuotes(start) + "."
-                       : "There is no commit yet at which a branch could start.",
-                   exitFailed);
+    if (!start) {
+        return isWithoutCommits()
+                   ? std::optional(refusal("There is no commit yet at which a branch could start.",
+                                           exitFailed))
+                   : std::nullopt;
+    }
+    const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
+    return !isForGit && askForCommit(*start).status.exitStatus() == 1
+               ? std::optional(
+                     refusal("There is no revision " + inQuotes(*start) + ".", exitFailed))
+               : std::nullopt;
 }
 
 std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
@@ -190,26 +196,37 @@ protected:
     std::string adviceAfter(const NEBSourceControlError& error) const override;
 
 private:
+    static constexpr std::string_view localBranches = "refs/heads/";
+
+    std::string _name;
     std::optional<std::string> _commit;
 };
 
-/// With its commit, a branch that was deleted by mistake can be made again.
+/// With its commit, a branch that was deleted by mistake can be made again. "@{-1}" stands for the
+/// name of a branch.
 std::optional<Reply> DeleteTask::look() {
+    _name = word(nameWord);
+    if (_name.starts_with("@{")) {
+        const std::string whole =
+            answer({"rev-parse", "--symbolic-full-name", "--verify", "--quiet", _name})
+                .value_or("");
+        _name = whole.starts_with(localBranches) ? whole.substr(localBranches.size()) : _name;
+    }
     _commit = answer({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
-                      "refs/heads/" + word(nameWord)});
+                      std::string(localBranches) + _name});
     return std::nullopt;
 }
 
 std::shared_ptr<NEBSourceControlRequest> DeleteTask::request() {
     auto request = requestOfType(NEBSourceControlRequestDeleteBranch);
-    request->destination = word(nameWord);
+    request->destination = _name;
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionForce, arguments().has("--force"));
     return request;
 }
 
 void DeleteTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
-    reply.standardOutput = "Deleted the branch " + printable(inQuotes(word(nameWord))) +
+    reply.standardOutput = "Deleted the branch " + printable(inQuotes(_name)) +
                            (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
 }
 
@@ -221,7 +238,7 @@ std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
 
 constexpr Parameter deleteParameters[] = {
     {nameWord, "The branch", Takes::text, Occurs::once},
-    {"--force", "Delete it even if its commits are in no other branch"},
+    {"--force", "Delete it even if it is not merged"},
 };
 
 Reply deleteBranch(const CommandCall& call) {
@@ -233,8 +250,8 @@ constinit const Command deleteCommand{
     .group = innerGroup,
     .summary = "Delete a branch",
     .details =
-        "A branch with commits that are in no other branch stays, unless --force says\n"
-        "that they may go.\n\n"
+        "A branch with commits that neither its upstream nor the current branch has stays,\n"
+        "unless --force says that they may go.\n\n"
         "Examples:\n"
         "  nebsc branch delete topic            delete a branch that is merged\n"
         "  nebsc branch delete --force topic    the same, merged or not\n",

@@ -198,6 +198,10 @@ ChildOutcome CommandTask::askForCommit(const std::string& revision) {
     return ask({"rev-parse", "--verify", "--quiet", "--end-of-options", revision + "^{commit}"});
 }
 
+bool CommandTask::isWithoutCommits() {
+    return ask({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
+}
+
 std::optional<std::string> CommandTask::latestCommit() {
     return answer({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }

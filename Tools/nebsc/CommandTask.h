@@ -103,6 +103,8 @@ protected:
     /// The question for the commit that a revision stands for; git fails with exit status 1 and
     /// silently when there is none.
     [[nodiscard]] ChildOutcome askForCommit(const std::string& revision);
+    /// Whether HEAD names no commit yet. One whose commit is lost is another matter.
+    [[nodiscard]] bool isWithoutCommits();
     /// The latest commit, 12 characters; nothing when there is none.
     [[nodiscard]] std::optional<std::string> latestCommit();
 

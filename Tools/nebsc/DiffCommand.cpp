@@ -24,7 +24,9 @@ public:
         } else if (line.starts_with("@@")) {
             _isHeader = false;
             const std::size_t end = line.find(" @@");
-            const std::size_t length = end == std::string::npos ? line.size() : end + 3;
+            const std::size_t behind =
+                end == std::string::npos ? end : line.find_first_not_of('@', end + 1);
+            const std::size_t length = std::min(behind, line.size());
             return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
         }
         return coloured(line, colourOf(line));
@@ -87,7 +89,13 @@ std::optional<Reply> DiffTask::look() {
     if (arguments().has("--common-ancestor") && _words.revisions.size() < 2) {
         return refusal("--common-ancestor needs two revisions.", exitNotUnderstood);
     }
-    return _words.revisions.empty() && !isJSON() ? refusalWithoutCommits() : std::nullopt;
+    if (_words.revisions.empty()) {
+        if (const std::string head = unmistakable("HEAD"); head != "HEAD") {
+            _words.revisions.push_back(head);
+        }
+        return isJSON() ? std::nullopt : refusalWithoutCommits();
+    }
+    return std::nullopt;
 }
 
 std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
@@ -154,7 +162,7 @@ constinit const Command diffCommand{
         "the working copy. With two: from the first to the second. A word is a revision, or\n"
         "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
         "On a terminal, control characters are written out, but for TABs and line ends; a\n"
-        "program gets the patch as it is, to apply it.\n\n"
+        "program gets the patch as git made it.\n\n"
         "Examples:\n"
         "  nebsc diff                            what is not committed\n"
         "  nebsc diff --name-status main topic   which files two branches have differently\n"

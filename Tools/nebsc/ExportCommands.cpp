@@ -55,7 +55,7 @@ std::optional<Reply> ExportTask::refusalOfSource() {
     if (auto refused = refusalOfRevision(revision())) {
         return refused;
     }
-    if (!revision().starts_with('-') && !typeOfObject(revision(), file())) {
+    if (!revision().starts_with('-') && typeOfEntry(revision(), file()) == "") {
         return refusal("There is no file " + inQuotes(arguments().value("FILE").value_or("")) +
                            " at the revision " + inQuotes(revision()) + ".",
                        exitFailed);
@@ -78,6 +78,9 @@ std::optional<Reply> ExportTask::chooseTarget() {
                            " already; nothing was done.",
                        exitFailed);
     }
+    if (auto refused = refusalInsideRepository(path)) {
+        return refused;
+    }
     _target.emplace(path, lastPathComponent(file()));
     if (const auto failure = _target->prepare()) {
         return refusal(failure->description, exitFailed);
@@ -91,6 +94,12 @@ std::optional<Reply> ExportTask::look() {
     }
     if (auto refused = refusalOfPathOutside(file())) {
         return refused;
+    }
+    if (file() == place().location) {
+        return refusal(
+            "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
+            "all of its files.",
+            exitFailed);
     }
     if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
         return refused;
@@ -156,6 +165,7 @@ protected:
 
 private:
     void noteSparseFiles(Reply& reply);
+    [[nodiscard]] std::optional<Reply> refusalOfFolderInTheWay();
     [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
     /// git would write to where a link leads in any case.
     [[nodiscard]] bool isWorkingCopy() const {
@@ -178,6 +188,9 @@ std::optional<Reply> ExportTreeTask::look() {
     if (isAnythingAt(folder()) && !isFolder(folder())) {
         return refusal(name + " is no folder; nothing was written.", exitFailed);
     }
+    if (auto refused = refusalInsideRepository(folder())) {
+        return refused;
+    }
     std::error_code failure;
     if (isFolder(folder()) && !arguments().has("--force") &&
         (!fs::is_empty(folder(), failure) || failure)) {
@@ -185,6 +198,25 @@ std::optional<Reply> ExportTreeTask::look() {
                            " is not empty; nothing was written. \"nebsc export-tree --force\" "
                            "overwrites the files in it that are in the index too.",
                        exitFailed);
+    }
+    return refusalOfFolderInTheWay();
+}
+
+/// Where a file is to be, git removes a folder with all that it holds.
+std::optional<Reply> ExportTreeTask::refusalOfFolderInTheWay() {
+    if (!isFolder(folder())) {
+        return std::nullopt;
+    }
+    for (const std::string& entry : textsBetweenNULs(ask({"ls-files", "--stage", "-z"}).output)) {
+        const std::string path =
+            pathByAppendingComponent(folder(), entry.substr(entry.find('\t') + 1));
+        std::error_code ignored;
+        const bool isSubmodule = entry.starts_with("160000 ");
+        if (!isSubmodule && fs::is_directory(fs::symlink_status(path, ignored))) {
+            return refusal("There is a folder " + inQuotes(path) +
+                               " where a file of the index is to be; nothing was written.",
+                           exitFailed);
+        }
     }
     return std::nullopt;
 }
@@ -225,7 +257,8 @@ void ExportTreeTask::noteSparseFiles(Reply& reply) {
 
 constexpr Parameter exportTreeParameters[] = {
     {destination, "The folder, made where it is missing", Takes::path, Occurs::once},
-    {"--force", "Write into a folder that is not empty, and overwrite what is in the way"},
+    {"--force",
+     "Write into a folder that is not empty, and overwrite the files that are in the way"},
 };
 
 Reply exportTree(const CommandCall& call) {

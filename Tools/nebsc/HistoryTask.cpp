@@ -1,9 +1,12 @@
 #include "HistoryTask.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include "GitProgram.h"
 #include "Platform/PathString.h"
+#include "Platform/Scanner.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
@@ -25,8 +28,10 @@ Reply tooMany(std::string_view what, std::size_t most) {
 
 // ---- words ------------------------------------------------------------------------------------
 
+/// "^A" stands for a commit to git, too, but means all commits but those of A.
 bool HistoryTask::isRevision(const std::string& word) {
-    return !word.empty() && !word.starts_with('-') && askForCommit(word).status.isSuccess();
+    return !word.empty() && !word.starts_with('-') && !word.starts_with('^') &&
+           askForCommit(word).status.isSuccess();
 }
 
 /// Both ends for a range, one revision for a word that is one.
@@ -84,6 +89,11 @@ std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevis
 
 HistoryTask::Words HistoryTask::readWords(std::size_t mostRevisions, std::size_t mostFiles) {
     Words words;
+    if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
+        !repository.status.isSuccess()) {
+        words.refused = failureOf(repository);
+        return words;
+    }
     std::vector<std::string> all = arguments().all("REVISION");
     const std::vector<std::string>& others = arguments().all("FILE");
     all.insert(all.end(), others.begin(), others.end());
@@ -100,6 +110,7 @@ HistoryTask::Words HistoryTask::readWords(std::size_t mostRevisions, std::size_t
             words.refused = takeFile(all[i], false, words);
         }
     }
+    makeRangeUnmistakable(words.revisions);
     if (!words.refused && words.revisions.size() > mostRevisions) {
         words.refused = tooMany("revision", mostRevisions);
     } else if (!words.refused && words.files.size() > mostFiles) {
@@ -108,10 +119,23 @@ HistoryTask::Words HistoryTask::readWords(std::size_t mostRevisions, std::size_t
     return words;
 }
 
-std::string HistoryTask::unmistakable(const std::string& revision) {
-    if (revision != "0" && !isAnythingAt(pathByAppendingComponent(place().location, revision))) {
-        return revision;
+/// The request makes one word of the two.
+void HistoryTask::makeRangeUnmistakable(std::vector<std::string>& revisions) {
+    if (revisions.size() == 2 && (isNameAtTop(revisions[0] + ".." + revisions[1]) ||
+                                  isNameAtTop(revisions[0] + "..." + revisions[1]))) {
+        revisions = {commitOf(revisions[0]), commitOf(revisions[1])};
     }
+}
+
+std::string HistoryTask::unmistakable(const std::string& revision) {
+    return revision == "0" || isNameAtTop(revision) ? commitOf(revision) : revision;
+}
+
+bool HistoryTask::isNameAtTop(const std::string& word) const {
+    return isAnythingAt(pathByAppendingComponent(place().location, word));
+}
+
+std::string HistoryTask::commitOf(const std::string& revision) {
     return answerOf(askForCommit(revision)).value_or(revision);
 }
 
@@ -136,6 +160,9 @@ std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision)
     if (revision.starts_with('-')) {
         return std::nullopt;
     }
+    if (revision.starts_with('^')) {
+        return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed);
+    }
     const ChildOutcome commit = askForCommit(revision);
     if (commit.status.isSuccess()) {
         return std::nullopt;
@@ -146,7 +173,7 @@ std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision)
 }
 
 std::optional<Reply> HistoryTask::refusalWithoutCommits() {
-    if (askForCommit("HEAD").status.exitStatus() != 1) {
+    if (!isWithoutCommits()) {
         return std::nullopt;
     }
     const std::string branch =
@@ -163,6 +190,21 @@ std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) 
                                        exitFailed));
 }
 
+std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& path) {
+    std::error_code ignored;
+    const std::string place = std::filesystem::weakly_canonical(path, ignored).string();
+    for (const char* question : {"--git-dir", "--git-common-dir"}) {
+        const auto folder = answer({"rev-parse", "--path-format=absolute", question});
+        if (folder &&
+            liesWithin(place, std::filesystem::weakly_canonical(*folder, ignored).string())) {
+            return refusal(inQuotes(path) + " lies in the repository's own folder " +
+                               inQuotes(*folder) + "; nothing was written.",
+                           exitFailed);
+        }
+    }
+    return std::nullopt;
+}
+
 // ---- objects ----------------------------------------------------------------------------------
 
 std::string HistoryTask::pathFromTop(const std::string& path) const {
@@ -170,9 +212,21 @@ std::string HistoryTask::pathFromTop(const std::string& path) const {
     return path == top ? std::string() : path.substr(top == "/" ? 1 : top.size() + 1);
 }
 
-std::optional<std::string> HistoryTask::typeOfObject(const std::string& revision,
-                                                     const std::string& path) {
-    return answer({"cat-file", "-t", objectAt(revision, path)});
+/// The tree is asked, not the object: a submodule's commit is not in the repository.
+std::optional<std::string> HistoryTask::typeOfEntry(const std::string& revision,
+                                                    const std::string& path) {
+    const std::string fromTop = pathFromTop(path);
+    if (fromTop.empty()) {
+        return "tree";
+    }
+    const ChildOutcome entry = ask({"ls-tree", "--full-tree", "-z", revision, fromTop});
+    if (!entry.status.isSuccess()) {
+        return std::nullopt;
+    }
+    Scanner scanner(entry.output);
+    scanner.takeUpToSpace();  // the mode
+    scanner.skipSpace();
+    return std::string(scanner.takeUpToSpace());
 }
 
 }  // namespace neb::nebsc

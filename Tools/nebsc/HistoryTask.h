@@ -52,6 +52,9 @@ protected:
     /// The reply for a path that does not lie in the working copy.
     [[nodiscard]] std::optional<Reply> refusalOfPathOutside(const std::string& path) const;
 
+    /// The reply for a path in the repository's own folder, in which nobody but git writes.
+    [[nodiscard]] std::optional<Reply> refusalInsideRepository(const std::string& path);
+
     /// As git takes the revision without a doubt: see readWords().
     [[nodiscard]] std::string unmistakable(const std::string& revision);
     /// A path in the working copy as seen from its top; empty for the top itself.
@@ -60,11 +63,16 @@ protected:
     [[nodiscard]] std::string objectAt(const std::string& revision, const std::string& path) const {
         return revision + ":" + pathFromTop(path);
     }
-    /// "blob", "tree" or "commit"; nothing when the revision has nothing at the path.
-    [[nodiscard]] std::optional<std::string> typeOfObject(const std::string& revision,
-                                                          const std::string& path);
+    /// "blob", "tree" or, for a submodule, "commit"; empty when the revision has nothing at the
+    /// path, and nothing when git could not tell.
+    [[nodiscard]] std::optional<std::string> typeOfEntry(const std::string& revision,
+                                                         const std::string& path);
 
 private:
+    void makeRangeUnmistakable(std::vector<std::string>& revisions);
+    [[nodiscard]] bool isNameAtTop(const std::string& word) const;
+    /// The commit's name; the revision as it is where it stands for none.
+    [[nodiscard]] std::string commitOf(const std::string& revision);
     [[nodiscard]] bool isRevision(const std::string& word);
     [[nodiscard]] std::optional<std::vector<std::string>> revisionsIn(const std::string& word);
     [[nodiscard]] std::optional<Reply> take(const std::string& word, bool mustBeRevision,

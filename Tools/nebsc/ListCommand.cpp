@@ -5,6 +5,7 @@
 #include "Commands.h"
 #include "HistoryTask.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Text.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
@@ -59,6 +60,11 @@ std::optional<Reply> ListTask::look() {
     if (auto refused = refusalOfPathOutside(folder())) {
         return refused;
     }
+    if (!isUTF8(folder())) {
+        return refusal("The folder's path " + inQuotes(folder()) +
+                           " is no UTF-8; what it holds cannot be listed.",
+                       exitFailed);
+    }
     return isJSON() ? std::nullopt : refusalWithoutCommits();
 }
 
@@ -89,23 +95,23 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
     if (outcome.result && !outcome.result->empty()) {
         return;
     }
-    const auto type = typeOfObject("HEAD", folder());
+    const std::string type = typeOfEntry("HEAD", folder()).value_or("");
     std::error_code ignored;
     const bool isFolderOnDisk = fs::is_directory(fs::symlink_status(folder(), ignored));
     const std::string name = inQuotes(arguments().value("DIR").value_or("."));
     if (type == "tree" && isFolderOnDisk) {
         if (!isJSON()) {
-            reply.standardError +=
-                printable(name) +
-                " has no entries to show: none, or none on disk too whose name does not begin with "
-                "\".\".\n";
+            reply.standardError += printable(name) +
+                                   " has no entries to show: none, or none on disk too whose name "
+                                   "is UTF-8 and does not "
+                                   "begin with \".\".\n";
         }
     } else if (type == "tree") {
         reply = refusal("The folder " + name +
                             " is in the latest commit, but not on disk; only what is in both can "
                             "be listed.",
                         exitFailed);
-    } else if (type) {
+    } else if (!type.empty()) {
         reply = refusal(name + " is no folder in the latest commit, but a " +
                             (type == "blob" ? "file." : "submodule."),
                         exitFailed);

@@ -64,6 +64,7 @@ private:
     [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
 
     Words _words;
+    std::string _branch;  // as git takes it; empty without the option
     bool _isColoured = false;
 };
 
@@ -76,6 +77,13 @@ std::optional<Reply> LogTask::refusalOfBranch() {
     if (!_words.revisions.empty()) {
         return refusal("--branch and a revision cannot stand together.", exitNotUnderstood);
     }
+    // A tag may have the same name.
+    const std::string local = "refs/heads/" + *branch;
+    if (askForCommit(local).status.isSuccess()) {
+        _branch = local;
+        return std::nullopt;
+    }
+    _branch = unmistakable(*branch);
     return refusalOfRevision(*branch);
 }
 
@@ -102,7 +110,7 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::request() {
         options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));
     }
     if (const auto branch = arguments().value("--branch")) {
-        options.set(NEBSourceControlRequestOptionBranch, unmistakable(*branch));
+        options.set(NEBSourceControlRequestOptionBranch, _branch);
     }
     if (arguments().has("--files")) {
         options.set(NEBSourceControlRequestOptionLogOutputFilesChanged, true);

@@ -77,7 +77,7 @@ GitBranchOperation::GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> 
     : GitOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
     std::vector<std::string> arguments{"branch"};
-    setJudgedByExitStatus();
+    setChangesRepository();
     switch (asked.type) {
         case NEBSourceControlRequestDeleteBranch:
             arguments.emplace_back(

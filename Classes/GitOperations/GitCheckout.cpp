@@ -48,6 +48,7 @@ bool isSomethingLeftUndone(std::string_view text) {
 
 GitCheckoutOperation::GitCheckoutOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
+    setMayRunHooks(true);
     std::vector<std::string> arguments{"checkout"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.type == NEBSourceControlRequestCheckout) {

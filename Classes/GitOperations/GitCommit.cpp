@@ -32,7 +32,7 @@ std::optional<std::string_view> secondWord(std::string_view text) {
 
 GitCommitOperation::GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"commit"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.option(NEBSourceControlRequestOptionAllowEmptyCommit).boolValue()) {

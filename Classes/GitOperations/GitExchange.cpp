@@ -68,7 +68,7 @@ GitFetchOperation::GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> re
     const NEBSourceControlRequest& asked = *this->request();
     assertNonEmptyOption(asked, NEBSourceControlRequestOptionRemoteName, remoteNameExpression,
                          "-[GitFetchOperation initWithRequest:]", 634);
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"fetch", "-q"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));
     setArguments(std::move(arguments));
@@ -107,7 +107,7 @@ GitPullOperation::GitPullOperation(std::shared_ptr<NEBSourceControlRequest> requ
                          function, 1818);
     assertNonEmptyOption(asked, NEBSourceControlRequestOptionBranch, branchExpression, function,
                          1819);
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"pull", "--ff-only"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionBranch));
@@ -146,7 +146,7 @@ GitPushOperation::GitPushOperation(std::shared_ptr<NEBSourceControlRequest> requ
     : GitOperation(std::move(request)) {
     constexpr std::string_view function = "-[GitPushOperation initWithRequest:]";
     const NEBSourceControlRequest& asked = *this->request();
-    setJudgedByExitStatus();
+    setChangesRepository();
     if (asked.remote && asked.remote->representsGitSVNBridge) {
         setArguments({"svn", "dcommit", "--quiet"});
         return;

@@ -23,7 +23,7 @@ NEBValue revisionFor(const NEBValue& revision) {
 
 GitMergeOperation::GitMergeOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"merge", "-s", "recursive", "-X", "ours"};
     const NEBSourceControlRequest& asked = *this->request();
     appendIfPresent(arguments,

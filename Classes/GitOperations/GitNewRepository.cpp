@@ -21,7 +21,7 @@ bool isBare(const NEBSourceControlRequest& request) {
 GitCreateRepositoryOperation::GitCreateRepositoryOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     if (isBare(*this->request())) {
         setArgumentsBehindDefaults({"init", "--bare", "--quiet"});
     } else {
@@ -50,7 +50,7 @@ void GitCreateRepositoryOperation::writeExcludeFile() {
 
 GitCloneOperation::GitCloneOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"clone", "--recursive", "-q"};
     const NEBSourceControlRequest& asked = *this->request();
     const NEBValue& branch = asked.option(NEBSourceControlRequestOptionBranch);

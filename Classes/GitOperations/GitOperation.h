@@ -48,8 +48,12 @@ public:
 
 protected:
     /// For an operation that changes something: whether it did, git's exit status alone tells. What
-    /// is said beside a success, by a hook or by the far end, is no error whatever its words.
-    void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
+    /// is said beside a success, by a hook or by the far end, is no error whatever its words. The
+    /// hooks that may run see the user's settings.
+    void setChangesRepository() {
+        _isJudgedByExitStatus = true;
+        setMayRunHooks(true);
+    }
     /// For a question: a git that ends with 1 and says nothing has answered that there is nothing.
     void setSilenceIsAnswer() { _isSilenceAnswer = true; }
 

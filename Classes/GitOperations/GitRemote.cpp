@@ -82,7 +82,7 @@ void GitListRemotesOperation::main() {
 
 GitAddRemoteOperation::GitAddRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"remote", "add"};
     appendIfPresent(arguments, this->request()->destination);
     if (this->request()->fileCount() == 1) {
@@ -93,7 +93,7 @@ GitAddRemoteOperation::GitAddRemoteOperation(std::shared_ptr<NEBSourceControlReq
 
 GitRemoveRemoteOperation::GitRemoveRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"remote", "rm"};
     appendIfPresent(arguments, this->request()->destination);
     setArgumentsBehindDefaults(arguments);

@@ -83,7 +83,7 @@ void GitListSVNRemoteOperation::main() {
 
 GitSvnFetchOperation::GitSvnFetchOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     setArguments({"svn", "fetch"});
 }
 
@@ -101,7 +101,7 @@ GitSvnRebaseOperation::GitSvnRebaseOperation(std::shared_ptr<NEBSourceControlReq
                                           .file = "Classes/GitOperations",
                                           .line = 1804},
                                          destination, "self.request.destination");
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"rebase", "-s", "recursive", "-X", "ours"};
     appendIfPresent(arguments, destination);
     setArguments(std::move(arguments));

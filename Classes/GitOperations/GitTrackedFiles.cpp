@@ -33,7 +33,7 @@ std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& cu
 
 GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"add", "--"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.destination.isPresent()) {
@@ -54,7 +54,7 @@ GitAddOperation::GitAddOperation(std::shared_ptr<NEBSourceControlRequest> reques
 
 GitRemoveOperation::GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"rm", "-f", "-r", "--"};
     appendFiles(arguments);
     setArguments(std::move(arguments));
@@ -62,7 +62,7 @@ GitRemoveOperation::GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> 
 
 GitMoveOperation::GitMoveOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
-    setJudgedByExitStatus();
+    setChangesRepository();
     std::vector<std::string> arguments{"mv"};
     const NEBSourceControlRequest& asked = *this->request();
     if (asked.fileCount() > 0) {

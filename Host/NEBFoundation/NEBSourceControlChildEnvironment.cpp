@@ -62,6 +62,12 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
     {"GIT_OPTIONAL_LOCKS", "whether the work may do without a lock is said for each child"},
     {"GIT_FLUSH", "0 lets gits that answer question by question wait for each other for ever"},
+    {"GIT_NAMESPACE", "another set of references in place of the repository's"},
+    {"GIT_QUARANTINE_PATH", "forbids to change references, as within a push that is received"},
+    {"GIT_ATTR_SOURCE", "attributes of another tree"},
+    {"GIT_MERGE_VERBOSITY", "silences the lines that name the files in conflict"},
+    {"GIT_PRINT_SHA1_ELLIPSIS", "puts dots behind names of commits"},
+    {"COLUMNS", "fits the listing of what a pull brought to a terminal that is not there"},
     {"TAR_OPTIONS", "makes the tar of an export do something else"},
     {"GIT_CURL_VERBOSE", "writes into the text that becomes an error"},
     {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
@@ -74,32 +80,61 @@ constexpr std::string_view configCount = "GIT_CONFIG_COUNT";
 constexpr std::string_view configKey = "GIT_CONFIG_KEY_";
 constexpr std::string_view configValue = "GIT_CONFIG_VALUE_";
 
+/// Which children a setting is pinned for. A hook's own gits inherit what the git around them is
+/// told, and are to work as the user has configured them; so a git that may run hooks is told only
+/// what would otherwise change its own answer, and nothing that changes what another git does.
+enum class Reach { everyChild, childrenWithoutHooks };
+
 struct PinnedSetting {
     std::string_view key, value;
+    Reach reach = Reach::childrenWithoutHooks;
 };
 
-/// Settings that would change what we read. What a user means to say with a setting (identity,
-/// signing, line ends, merge drivers, where to push) is not here.
+/// Settings that would change what we read. What a user means to say with a setting is not here:
+/// identity and signing; line ends, filters and ignored files; what a merge, pull, rebase, fetch,
+/// push or clone does (merge.ff, pull.rebase, fetch.prune, push.followTags …); how a message is
+/// cleaned up and what it is completed with (commit.cleanup, merge.log); hooks, helpers, rewritten
+/// URLs; what a driver makes of a file before it is compared (diff.<driver>.textconv) and the
+/// submodules that are not looked into (diff.ignoreSubmodules, submodule.<name>.ignore), whose
+/// names nobody can list here; the revisions that a blame passes over (blame.ignoreRevsFile), a
+/// list that no setting ends.
 constexpr PinnedSetting pinnedSettings[] = {
-    // colour and columns
-    {"color.ui", "false"},
-    {"color.advice", "false"},
-    {"color.branch", "false"},
-    {"color.diff", "false"},
-    {"color.push", "false"},
-    {"color.remote", "false"},
-    {"color.status", "false"},
-    {"color.transport", "false"},
+    // colour: a hook's git writes into a pipe, so this differs for it only where a user wants
+    // colours even there
+    {"color.ui", "false", Reach::everyChild},
+    {"color.advice", "false", Reach::everyChild},
+    {"color.branch", "false", Reach::everyChild},
+    {"color.diff", "false", Reach::everyChild},
+    {"color.push", "false", Reach::everyChild},
+    {"color.remote", "false", Reach::everyChild},
+    {"color.status", "false", Reach::everyChild},
+    {"color.transport", "false", Reach::everyChild},
+    // abbreviations as git thinks right: a commit's is its result
+    {"core.abbrev", "auto", Reach::everyChild},
+    // what is handed to git is UTF-8, and so is what it writes, into a commit and to us
+    {"i18n.commitEncoding", "UTF-8", Reach::everyChild},
+    {"i18n.logOutputEncoding", "UTF-8", Reach::everyChild},
+    // a program that tells what has changed, or fails to, or never ends
+    {"core.fsmonitor", "false", Reach::everyChild},
+    // what a merge, a fetch or a checkout says of itself; of the hints, the one by which an
+    // unmerged
+    // branch is recognised and the one that is part of an answer
+    {"merge.stat", "true", Reach::everyChild},
+    {"merge.verbosity", "2", Reach::everyChild},
+    {"fetch.output", "full", Reach::everyChild},
+    {"diff.statGraphWidth", "0", Reach::everyChild},
+    {"diff.statNameWidth", "0", Reach::everyChild},
+    {"advice.forceDeleteBranch", "true", Reach::everyChild},
+    {"advice.detachedHead", "true", Reach::everyChild},
+    // columns, and names as they are wherever git can write them so
     {"column.ui", "never"},
     {"column.branch", "never"},
     {"column.status", "never"},
-    // names, as they are wherever git can write them so; abbreviations as git thinks right
     {"core.quotePath", "false"},
-    {"core.abbrev", "auto"},
-    {"i18n.logOutputEncoding", "UTF-8"},
     // status
     {"status.showUntrackedFiles", "normal"},
     {"status.renames", "true"},
+    {"status.renameLimit", "1000"},
     {"status.relativePaths", "true"},
     {"status.branch", "false"},
     {"status.short", "false"},
@@ -107,6 +142,7 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"status.submoduleSummary", "false"},
     // differences
     {"diff.renames", "true"},
+    {"diff.renameLimit", "1000"},
     {"diff.noprefix", "false"},
     {"diff.mnemonicPrefix", "false"},
     {"diff.srcPrefix", "a/"},
@@ -118,6 +154,7 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"diff.algorithm", "default"},
     {"diff.indentHeuristic", "true"},
     {"diff.suppressBlankEmpty", "false"},
+    {"diff.autoRefreshIndex", "true"},
     {"diff.submodule", "short"},
     {"diff.colorMoved", "no"},
     // blame and log
@@ -135,8 +172,6 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"log.abbrevCommit", "false"},
     // the order of listings
     {"branch.sort", "refname"},
-    // the hint by which an unmerged branch is recognised
-    {"advice.forceDeleteBranch", "true"},
 };
 
 std::string_view nameOf(std::string_view variable) {
@@ -236,7 +271,9 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     ConfigurationWriter writer(environment);
     addUsersEntries(inherited, writer);
     for (const PinnedSetting& setting : pinnedSettings) {
-        writer.add(setting.key, setting.value);
+        if (!traits.mayRunHooks || setting.reach == Reach::everyChild) {
+            writer.add(setting.key, setting.value);
+        }
     }
     writer.finish();
     return environment;

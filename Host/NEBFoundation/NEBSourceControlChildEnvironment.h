@@ -18,6 +18,9 @@ struct NEBSourceControlChildTraits {
     /// for a git that talks with another, or starts a program that may: the answers would never
     /// leave their buffers.
     bool writesWholeBuffers = false;
+    /// Hooks may run, whose own gits inherit what this one is told: it is told no more than it
+    /// needs.
+    bool mayRunHooks = false;
 };
 
 /// The host's own environment `inherited` (each element `NAME=value`) with what must not bleed into

@@ -72,7 +72,8 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
             NEBSourceControlInheritedEnvironment(),
             {.hasPatternCharacters = hasPatternCharacters(*request()),
              .isBackgroundWork = isBackgroundWork(),
-             .writesWholeBuffers = _writesWholeBuffers}),
+             .writesWholeBuffers = _writesWholeBuffers,
+             .mayRunHooks = _mayRunHooks}),
     };
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);

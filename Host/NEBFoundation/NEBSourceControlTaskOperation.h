@@ -48,6 +48,10 @@ public:
         _writesWholeBuffers = writesWholeBuffers;
     }
 
+    /// For a git that changes something, and may run hooks of the repository, which are to see the
+    /// user's settings; see NEBSourceControlChildTraits.
+    void setMayRunHooks(bool mayRunHooks) { _mayRunHooks = mayRunHooks; }
+
     /// All that the child wrote to standard output; absent until a child has run.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
@@ -127,6 +131,7 @@ private:
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;
     bool _writesWholeBuffers = false;
+    bool _mayRunHooks = false;
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;

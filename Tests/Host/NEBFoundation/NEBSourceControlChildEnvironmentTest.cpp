@@ -45,7 +45,11 @@ Variables withoutSettings(const Variables& environment) {
     return rest;
 }
 
-const std::vector<std::pair<std::string, std::string>> pinned{
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
+/// What a git is told that may run hooks: nothing by which a hook's own git would change what it
+/// does.
+const Settings pinnedForEveryChild{
     {"color.ui", "false"},
     {"color.advice", "false"},
     {"color.branch", "false"},
@@ -54,20 +58,34 @@ const std::vector<std::pair<std::string, std::string>> pinned{
     {"color.remote", "false"},
     {"color.status", "false"},
     {"color.transport", "false"},
+    {"core.abbrev", "auto"},
+    {"i18n.commitEncoding", "UTF-8"},
+    {"i18n.logOutputEncoding", "UTF-8"},
+    {"core.fsmonitor", "false"},
+    {"merge.stat", "true"},
+    {"merge.verbosity", "2"},
+    {"fetch.output", "full"},
+    {"diff.statGraphWidth", "0"},
+    {"diff.statNameWidth", "0"},
+    {"advice.forceDeleteBranch", "true"},
+    {"advice.detachedHead", "true"},
+};
+
+const Settings pinnedWithoutHooks{
     {"column.ui", "never"},
     {"column.branch", "never"},
     {"column.status", "never"},
     {"core.quotePath", "false"},
-    {"core.abbrev", "auto"},
-    {"i18n.logOutputEncoding", "UTF-8"},
     {"status.showUntrackedFiles", "normal"},
     {"status.renames", "true"},
+    {"status.renameLimit", "1000"},
     {"status.relativePaths", "true"},
     {"status.branch", "false"},
     {"status.short", "false"},
     {"status.showStash", "false"},
     {"status.submoduleSummary", "false"},
     {"diff.renames", "true"},
+    {"diff.renameLimit", "1000"},
     {"diff.noprefix", "false"},
     {"diff.mnemonicPrefix", "false"},
     {"diff.srcPrefix", "a/"},
@@ -79,6 +97,7 @@ const std::vector<std::pair<std::string, std::string>> pinned{
     {"diff.algorithm", "default"},
     {"diff.indentHeuristic", "true"},
     {"diff.suppressBlankEmpty", "false"},
+    {"diff.autoRefreshIndex", "true"},
     {"diff.submodule", "short"},
     {"diff.colorMoved", "no"},
     {"blame.date", "iso"},
@@ -94,8 +113,14 @@ const std::vector<std::pair<std::string, std::string>> pinned{
     {"log.follow", "false"},
     {"log.abbrevCommit", "false"},
     {"branch.sort", "refname"},
-    {"advice.forceDeleteBranch", "true"},
 };
+
+Settings joined(Settings settings, const Settings& others) {
+    settings.insert(settings.end(), others.begin(), others.end());
+    return settings;
+}
+
+const Settings pinned = joined(pinnedForEveryChild, pinnedWithoutHooks);
 
 const Variables always{
     "LC_ALL=C.UTF-8",        "LANGUAGE=",     "GIT_TERMINAL_PROMPT=0", "GIT_EDITOR=:",
@@ -107,6 +132,12 @@ TEST(ChildEnvironment, HoldsAllThatGitMustBeTold) {
     const Variables environment = NEBSourceControlChildEnvironment({}, {});
     EXPECT_EQ(withoutSettings(environment), always);
     EXPECT_EQ(settingsOf(environment), pinned);
+}
+
+TEST(ChildEnvironment, AGitThatMayRunHooksIsToldNoMoreThanItNeeds) {
+    const Variables environment = NEBSourceControlChildEnvironment({}, {.mayRunHooks = true});
+    EXPECT_EQ(withoutSettings(environment), always);
+    EXPECT_EQ(settingsOf(environment), pinnedForEveryChild);
 }
 
 TEST(ChildEnvironment, KeepsTheHostsOwnButForWhatWeSet) {
@@ -160,6 +191,12 @@ TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
                              "GIT_OPTIONAL_LOCKS",
                              "GIT_CURL_VERBOSE",
                              "GIT_FLUSH",
+                             "GIT_NAMESPACE",
+                             "GIT_QUARANTINE_PATH",
+                             "GIT_ATTR_SOURCE",
+                             "GIT_MERGE_VERBOSITY",
+                             "GIT_PRINT_SHA1_ELLIPSIS",
+                             "COLUMNS",
                              "TAR_OPTIONS"}) {
         inherited.push_back(std::string(name) + "=1");
     }

@@ -47,7 +47,9 @@ GitCommitOperation::GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> 
 }
 
 void GitCommitOperation::parseData() {
-    if (!data() || data()->empty()) {
+    // What a commit that was not made prints names none.
+    const bool isMade = !terminationStatus() || terminationStatus()->isSuccess();
+    if (!isMade || !data() || data()->empty()) {
         return;
     }
     const std::string text = *_nebsc_stringFromData(data());

@@ -194,6 +194,7 @@ TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, HasSubstr("no change has been added")));
     EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_EQ(operation->result(), std::nullopt) << "the first words name no commit";
     EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "git's own words";
     EXPECT_EQ(head(), before);
 }

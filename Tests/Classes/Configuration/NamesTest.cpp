@@ -1,0 +1,376 @@
+// A file is the one that was named, whatever its name looks like, and no other is touched.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+#include "Support/TestRepository.h"
+
+namespace neb {
+namespace {
+
+namespace fs = std::filesystem;
+using test::perform;
+using test::requestFor;
+using test::TestRepository;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+struct NameCase {
+    std::string title;
+    std::string name;
+};
+
+void PrintTo(const NameCase& nameCase, std::ostream* stream) {
+    *stream << nameCase.title;
+}
+
+std::vector<NameCase> hostileNames() {
+    return {
+        {"Set", "a[1].c"},
+        {"Star", "*"},
+        {"StarWithin", "a*.c"},
+        {"QuestionMark", "?"},
+        {"Magic", ":(top)x"},
+        {"Exclusion", ":!x"},
+        {"Colon", ":x"},
+        {"ShortOption", "-n"},
+        {"LongOption", "--help"},
+        {"TwoDashes", "--"},
+        {"LeadingBlank", " lead"},
+        {"TrailingBlank", "trail "},
+        {"Quote", "quo\"te"},
+        {"Backslash", "back\\slash"},
+        {"LineFeed", "line\nfeed"},
+        {"CarriageReturn", "return\r"},
+        {"Tab", "tab\t"},
+        {"Apostrophe", "'"},
+        {"Substitution", "$(touch x)"},
+        {"Braces", "{a,b}"},
+        {"NonASCII", "zwölf 日本"},
+        {"NotUTF8", "lat\xe4n"},
+        {"Exclamation", "!x"},
+        {"Hash", "#x"},
+        {"Tilde", "~"},
+        {"Caret", "^x"},
+        {"At", "@"},
+        {"Revision", "HEAD"},
+        {"LikeGits", ".gitx"},
+        {"Percent", "%20"},
+        {"Long", std::string(255, 'l')},
+    };
+}
+
+/// What a name above could be mistaken for, and some more.
+const std::vector<std::string> neighbours{"a1.c", "x",    "n",     "help",   "lead",      "trail",
+                                          "tab",  "a",    "quote", "return", "backslash", "line",
+                                          "feed", "main", " ",     "latn",   "20"};
+
+/// As git writes it in a list for people: in quotes, with escapes, where something needs one.
+std::string asGitWrites(const std::string& name, std::string_view quote) {
+    std::string escaped;
+    for (const char character : name) {
+        switch (character) {
+            case '"':
+                escaped += "\\\"";
+                break;
+            case '\\':
+                escaped += "\\\\";
+                break;
+            case '\n':
+                escaped += "\\n";
+                break;
+            case '\r':
+                escaped += "\\r";
+                break;
+            case '\t':
+                escaped += "\\t";
+                break;
+            default:
+                escaped += character;
+        }
+    }
+    return escaped == name ? name : std::string(quote) + escaped + std::string(quote);
+}
+
+std::string asText(const std::string& bytes) {
+    return *_nebsc_stringFromData(Data(bytes));
+}
+
+/// In a working copy with the named file and its neighbours, all committed once and changed since.
+class Names : public test::HygienicTest, public testing::WithParamInterface<NameCase> {
+protected:
+    void SetUp() override {
+        HygienicTest::SetUp();
+        repository = std::make_unique<TestRepository>();
+        std::vector<std::string> all = neighbours;
+        all.push_back(name());
+        repository->gitWithInput({"fast-import", "--quiet"},
+                                 commitOf("all", all, "one\n") +
+                                     commitOf("the file", {name()}, "two\n") +
+                                     commitOf("the others", neighbours, "two\n"));
+        repository->git({"reset", "-q", "--hard"});
+        writeAll("changed\n");
+    }
+    void TearDown() override {
+        repository.reset();
+        HygienicTest::TearDown();
+    }
+
+    [[nodiscard]] static std::string name() { return GetParam().name; }
+    [[nodiscard]] std::string path() const { return repository->path() + "/" + name(); }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> request(
+        std::int32_t type, const std::vector<std::string>& files) const {
+        auto asked = requestFor(type, repository->path());
+        asked->files = test::valuesOf(files);
+        return asked;
+    }
+    /// Performs the request, which must succeed, and answers what it came to.
+    static NEBSourceControlResult resultOf(const std::shared_ptr<NEBSourceControlRequest>& asked) {
+        EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*asked), std::nullopt);
+        const auto operation = perform(asked);
+        EXPECT_EQ(operation->error(), std::nullopt)
+            << operation->error()->localizedDescription().value_or("");
+        return operation->result().value_or(NEBSourceControlResult());
+    }
+    [[nodiscard]] std::string read(const std::string& file) const {
+        std::ifstream stream(fs::path(repository->path()) / file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    void expectNeighboursUntouched() const {
+        for (const std::string& neighbour : neighbours) {
+            EXPECT_EQ(read(neighbour), "changed\n") << neighbour;
+        }
+        EXPECT_EQ(repository->git(withNames({"diff", "--cached", "--name-only", "-z", "--"})), "");
+    }
+    /// The names of a listing of git's with NUL bytes.
+    [[nodiscard]] std::vector<std::string> namesOf(std::vector<std::string> arguments) const {
+        std::vector<std::string> names;
+        std::string rest = repository->git(std::move(arguments));
+        for (std::size_t end = rest.find('\0'); end != std::string::npos; end = rest.find('\0')) {
+            names.push_back(rest.substr(0, end));
+            rest.erase(0, end + 1);
+        }
+        return names;
+    }
+    [[nodiscard]] std::vector<std::string> staged() const {
+        return namesOf({"diff", "--cached", "--no-renames", "--name-only", "-z"});
+    }
+
+    std::unique_ptr<TestRepository> repository;
+
+private:
+    static std::vector<std::string> withNames(std::vector<std::string> arguments) {
+        for (const std::string& neighbour : neighbours) {
+            arguments.push_back(":(literal)" + neighbour);
+        }
+        return arguments;
+    }
+    void writeAll(std::string_view bytes) const {
+        for (const std::string& neighbour : neighbours) {
+            repository->write(neighbour, bytes);
+        }
+        repository->write(name(), bytes);
+    }
+    /// As the stream of an import has it, on top of the one before.
+    static std::string commitOf(const std::string& message, const std::vector<std::string>& names,
+                                const std::string& bytes) {
+        const auto data = [](const std::string& text) {
+            return "data " + std::to_string(text.size()) + "\n" + text + "\n";
+        };
+        std::string commit =
+            "commit refs/heads/main\n"
+            "committer Ann Example <ann@example.org> 1600000000 +0000\n" +
+            data(message);
+        for (const std::string& name : names) {
+            const std::string written = asGitWrites(name, "\"");
+            commit += "M 100644 inline " + (written == name ? "\"" + name + "\"" : written) + "\n" +
+                      data(bytes);
+        }
+        return commit + "\n";
+    }
+};
+
+TEST_P(Names, AddStagesTheFile) {
+    resultOf(request(6, {path()}));
+    EXPECT_THAT(staged(), ElementsAre(name()));
+}
+
+TEST_P(Names, AddOfADestinationStagesTheFile) {
+    auto asked = requestFor(0, repository->path());
+    asked->destination = path();
+    resultOf(asked);
+    EXPECT_THAT(staged(), ElementsAre(name()));
+}
+
+TEST_P(Names, RemoveTakesTheFileAway) {
+    resultOf(request(5, {path()}));
+    EXPECT_FALSE(fs::exists(path()));
+    EXPECT_THAT(staged(), ElementsAre(name()));
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, MoveRenamesTheFile) {
+    auto asked = request(11, {path()});
+    asked->destination = repository->path("moved");
+    resultOf(asked);
+    EXPECT_FALSE(fs::exists(path()));
+    EXPECT_EQ(read("moved"), "changed\n");
+    EXPECT_THAT(staged(), UnorderedElementsAre(name(), "moved"));
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, MoveGivesTheName) {
+    repository->git({"rm", "-q", "-f", "--", ":(literal)" + name()});
+    repository->git({"commit", "-q", "-m", "gone"});
+    auto asked = request(11, {repository->path("a1.c")});
+    asked->destination = path();
+    resultOf(asked);
+    EXPECT_EQ(read(name()), "changed\n");
+    EXPECT_THAT(staged(), UnorderedElementsAre(name(), "a1.c"));
+}
+
+TEST_P(Names, CommitRecordsTheFile) {
+    auto asked = request(3, {path()});
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionMessage, "named"}};
+    EXPECT_THAT(resultOf(asked), SizeIs(1));
+    EXPECT_THAT(namesOf({"diff-tree", "-r", "-z", "--name-only", "HEAD^", "HEAD", "--"}),
+                ElementsAre(name()));
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, RevertRestoresTheFile) {
+    resultOf(request(7, {path()}));
+    EXPECT_EQ(read(name()), "two\n");
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, LogIsThatOfTheFile) {
+    const NEBSourceControlResult records = resultOf(request(18, {path()}));
+    ASSERT_THAT(records, SizeIs(2));
+    EXPECT_EQ(*records[0].value(NEBSourceControlOperationMessageKey).string(), "the file");
+    EXPECT_EQ(*records[1].value(NEBSourceControlOperationMessageKey).string(), "all");
+}
+
+/// A commit is left out whose list holds a name that is no UTF-8.
+TEST_P(Names, LogListsTheFile) {
+    auto asked = request(18, {path()});
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true}};
+    const NEBSourceControlResult records = resultOf(asked);
+    ASSERT_THAT(records, SizeIs(asText(name()) == name() ? 2 : 0));
+    for (const NEBDictionary& record : records) {
+        const NEBDictionary* files = record.value(NEBSourceControlOperationFilesKey).dictionary();
+        ASSERT_EQ(files->size(), 1U);
+        EXPECT_EQ(files->begin()->key(), asGitWrites(name(), "\""));
+    }
+}
+
+TEST_P(Names, BlameIsThatOfTheFile) {
+    repository->git({"reset", "-q", "--hard"});
+    const NEBSourceControlResult records = resultOf(request(28, {path()}));
+    ASSERT_THAT(records, SizeIs(2)) << "one for the line, one for what is behind its end";
+    EXPECT_EQ(*records[0].value(NEBSourceControlOperationRevisionKey).string(),
+              repository->git({"rev-parse", "HEAD^"}).substr(0, 12));
+}
+
+TEST_P(Names, DiffIsThatOfTheFile) {
+    const NEBSourceControlResult records = resultOf(request(30, {path()}));
+    ASSERT_THAT(records, SizeIs(1));
+    const std::string text = *records[0].value(NEBSourceControlOperationContentKey).string();
+    EXPECT_EQ(text, asText(repository->git({"--literal-pathspecs", "-c", "core.quotePath=false",
+                                            "diff", "HEAD", "--", name()})));
+    EXPECT_THAT(text, HasSubstr("\n-two\n+changed\n"));
+    EXPECT_EQ(text.find("diff --git", 1), std::string::npos);
+}
+
+/// Blanks at the beginning of a name are lost: they are read as part of the gap in front of it.
+TEST_P(Names, DiffNamesTheFile) {
+    auto asked = request(30, {path()});
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}};
+    const NEBSourceControlResult records = resultOf(asked);
+    ASSERT_THAT(records, SizeIs(1));
+    const std::string written = asGitWrites(name(), "");
+    EXPECT_EQ(*records[0].value(NEBSourceControlOperationPathKey).string(),
+              repository->path() + "/" + asText(written.substr(written.find_first_not_of(' '))));
+}
+
+TEST_P(Names, StatusNamesTheFile) {
+    auto asked = requestFor(15, repository->path());
+    asked->destination = path();
+    const NEBSourceControlResult records = resultOf(asked);
+    ASSERT_THAT(records, SizeIs(1));
+    EXPECT_EQ(*records[0].value(NEBSourceControlOperationPathKey).string(),
+              repository->path() + "/" + asText(asGitWrites(name(), "")));
+}
+
+TEST_P(Names, ExportHasTheFile) {
+    auto asked = request(20, {path()});
+    asked->startingRevision = "HEAD";
+    if (name().starts_with('-')) {
+        const auto refused = NEBSourceControlFirstOptionLikeValue(*asked);
+        ASSERT_TRUE(refused.has_value()) << "git would read it as an option";
+        EXPECT_EQ(refused->field, "files[0]");
+        return;
+    }
+    const NEBSourceControlResult records = resultOf(asked);
+    ASSERT_THAT(records, SizeIs(1));
+    const std::string target =
+        records[0].value(NEBSourceControlOperationPathKey).filePath()->pathString();
+    std::ifstream stream(target, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "two\n");
+    fs::remove(target);
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, CopyCopiesTheFile) {
+    auto asked = request(10, {path()});
+    asked->destination = repository->path("copied");
+    resultOf(asked);
+    EXPECT_EQ(read("copied"), "changed\n");
+    EXPECT_THAT(staged(), ElementsAre("copied"));
+    expectNeighboursUntouched();
+}
+
+TEST_P(Names, CopyGivesTheName) {
+    fs::create_directory(repository->path("folder"));
+    auto asked = request(10, {repository->path("a1.c")});
+    asked->destination = repository->path("folder/") + name();
+    resultOf(asked);
+    EXPECT_EQ(read("folder/" + name()), "changed\n");
+    EXPECT_THAT(staged(), ElementsAre("folder/" + name()));
+    expectNeighboursUntouched();
+}
+
+INSTANTIATE_TEST_SUITE_P(Hostile, Names, testing::ValuesIn(hostileNames()),
+                         [](const auto& tested) { return tested.param.title; });
+
+/// As seen from the working copy's top, where git could take them for options.
+TEST(NamesLikeOptions, AreRefusedWhereNothingStandsBeforeThem) {
+    for (const char* name : {"-n", "--help", "-"}) {
+        for (const std::int32_t type : {11, 17, 20, 21}) {
+            auto asked = requestFor(type, "/w");
+            asked->files = {NEBValue(name)};
+            const auto refused = NEBSourceControlFirstOptionLikeValue(*asked);
+            ASSERT_TRUE(refused.has_value()) << type << " " << name;
+            EXPECT_EQ(refused->value, name);
+        }
+        for (const std::int32_t type : {0, 3, 5, 6, 7, 18, 28, 30}) {
+            auto asked = requestFor(type, "/w");
+            asked->files = {NEBValue(name)};
+            EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*asked), std::nullopt) << type;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace neb

@@ -5,10 +5,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "NEBFoundation/NEBDictionary.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Export.h"
+#include "Platform/TerminationStatus.h"
 
 namespace neb {
 
@@ -29,6 +31,13 @@ public:
     std::optional<std::string> errorClass;
     /// The tool's own words, as they were; absent where no tool said anything.
     std::optional<std::string> text;
+    /// How the child ended that the error is about; absent where none ran.
+    std::optional<TerminationStatus> terminationStatus;
+    /// What the text holds beside what happened, see NEBSourceControlErrorDetails.h; empty where it
+    /// holds nothing of the kind.
+    std::vector<std::string> hints;
+    std::vector<std::string> remoteLines;
+    std::vector<std::string> files;
 
     /// From the user info, nothing where it has none.
     [[nodiscard]] std::optional<std::string> localizedDescription() const;

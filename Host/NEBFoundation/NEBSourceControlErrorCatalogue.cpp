@@ -4,6 +4,7 @@
 #include <array>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
 
 namespace neb {
 
@@ -111,13 +112,20 @@ constexpr Row rows[] = {
     {"certificate-untrusted",
      authentication,
      {{{"ssl certificate problem"},  // OpenSSL
-       {"server certificate verification failed"}}}},
-    {"host-unknown", notReachable, {{{"could not resolve host"}}}},
+       {"server certificate verification failed"},
+       {"certificate subject name ", "match"}}}},  // both
+    {"tls-failed",
+     notReachable,
+     {{{"gnutls_handshake() failed"}, {"ssl_connect"}, {"ssl routines"}}}},
+    {"host-unknown",
+     notReachable,
+     {{{"could not resolve host"}, {"could not resolve proxy"}, {"unable to look up "}}}},
     {"repository-not-found",
      notReachable,
      {{{"repository '", "' not found"},
        {"does not appear to be a git repository"},
        {"repository '", "' does not exist"},
+       {"/info/refs not valid: "},
        {"error: repository not found"}}}},
     {"http-refused",
      generic,
@@ -155,12 +163,16 @@ constexpr Row rows[] = {
      generic,
      {{{"[rejected]", "(already exists)"}, {"[rejected]", "(would clobber existing tag)"}}}},
     {"nothing-to-push-from", generic, {{{"src refspec ", "does not match any"}}}},
+    {"remote-refused", generic, {{{"[remote rejected]"}}}},
     {"connection-cut",
      notReachable,
      {{{"the remote end hung up unexpectedly"},
        {"early eof"},
        {"rpc failed"},
-       {"connection reset by peer"}}}},
+       {"connection reset by peer"},
+       {"connection closed by "},  // OpenSSH
+       {"empty reply from server"},
+       {"transfer closed with "}}}},
     // the state of the working copy
     {"local-changes",
      uncommitted,
@@ -201,6 +213,7 @@ constexpr Row rows[] = {
     {"no-commits-yet", generic, {{{"does not have any commits yet"}}}},
     {"not-a-repository", generic, {{{"not a git repository"}, {"invalid gitfile format"}}}},
     {"no-work-tree", generic, {{{"must be run in a work tree"}}}},
+    {"reference-in-the-way", generic, {{{"cannot lock ref '", "cannot create '"}}}},
     {"ref-locked", generic, {{{"cannot lock ref '"}, {"could not lock config file"}}}},
     // names that git does not know, or knows already
     {"path-unknown",
@@ -218,7 +231,8 @@ constexpr Row rows[] = {
        {"bad source, source="}}}},
     {"path-ignored", generic, {{{"paths are ignored by one of your .gitignore files"}}}},
     {"path-invalid", generic, {{{"empty string is not a valid pathspec"}}}},
-    {"path-outside", generic, {{{"' is outside repository"}}}},
+    {"path-outside", generic, {{{"' is outside repository"}, {"' is beyond a symbolic link"}}}},
+    {"path-in-submodule", generic, {{{"pathspec '", "' is in submodule '"}}}},
     {"revision-unknown",
      missingAtRevision,
      {{{"unknown revision or path not in the working tree"},
@@ -242,7 +256,7 @@ constexpr Row rows[] = {
      {{{"used by worktree at"},  // 2.43
        {"is already checked out at"},
        {"refusing to fetch into branch '", "checked out at"}}}},
-    {"branch-name-invalid", generic, {{{"is not a valid branch name"}}}},
+    {"branch-name-invalid", generic, {{{"is not a valid branch name"}, {"invalid refspec '"}}}},
     {"branch-unknown", branchRemoval, {{{"error: branch '", "' not found"}}}},
     {"remote-unknown", generic, {{{"no such remote"}, {"no remote configured to list refs from"}}}},
     {"remote-name-invalid", generic, {{{"is not a valid remote name"}}}},
@@ -301,12 +315,23 @@ constexpr Row rows[] = {
     {"signing-failed", generic, {{{"failed to sign the data"}, {"failed to write commit object"}}}},
     // the rest
     {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
+    {"transport-unknown",
+     generic,
+     {{{"unable to find remote helper for '"}, {"' is not a git command.", "remote helper '"}}}},
     {"objects-damaged",
      generic,
      {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}}}},
     {"other-tools",
      generic,
-     {{{"no url found for submodule path"}, {"git-lfs"}, {"patch does not apply"}}}},
+     {{{"no url found for submodule path"},
+       {"fetched in submodule path '", "but it did not contain"},
+       {"git-lfs"},
+       {"patch does not apply"},
+       {": clean filter '", "' failed"},
+       {": smudge filter ", " failed"}}}},
+    {"program-missing",
+     generic,
+     {{{"error: cannot run ", "no such file or directory"}, {"' is not a git command."}}}},
     // accompanies most failures on the way to the far end, and stands alone where no cause is told
     {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
 };
@@ -421,13 +446,19 @@ NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
     error.code = row != nullptr ? row->code : generic;
     error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
     error.text = text;
+    error.hints = NEBSourceControlHintsInText(text);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(text);
+    error.files = NEBSourceControlFilesInText(text, *error.errorClass);
     const Sentence sentence = row != nullptr ? row->sentence : Sentence{};
     error.userInfo.set(NEBLocalizedDescriptionKey,
                        sentence.description.empty()
                            ? std::string(text)
                            : formattedText(sentence.description, {request.sourceTreeName()}));
-    if (!sentence.suggestion.empty()) {
-        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, std::string(sentence.suggestion));
+    const std::string suggestion = sentence.suggestion.empty()
+                                       ? NEBSourceControlAdviceOfHints(error.hints)
+                                       : std::string(sentence.suggestion);
+    if (!suggestion.empty()) {
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, suggestion);
     }
     return error;
 }

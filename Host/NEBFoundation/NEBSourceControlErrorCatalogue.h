@@ -33,8 +33,10 @@ inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision
 [[nodiscard]] NEB_EXPORT std::string_view NEBSourceControlErrorClassOfText(std::string_view text);
 
 /// The text as an error of its class, with the class's code (-1 where it has none) and the text as
-/// the description, unless the class has a sentence of its own. `request` gives the names that such
-/// a sentence holds. From any thread.
+/// the description, unless the class has a sentence of its own; the hints in the text are the
+/// suggestion, unless the class has one of its own. The error's text, hints, remote lines and files
+/// are there; how a child ended is not. `request` gives the names that a sentence holds. From any
+/// thread.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
 

@@ -4,6 +4,7 @@
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 
@@ -165,7 +166,7 @@ void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
     } else if (!_terminationStatus->isSuccess()) {
         makeErrorFromFailure(words);
     }
-    classifyError(words);
+    classifyError(words, _terminationStatus);
 }
 
 void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
@@ -195,7 +196,10 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
         }
     }
     if (second.error()) {
-        second.classifyError(isBlank(words.errorText) ? secondWords : words);
+        const bool hasFirstFailed =
+            !_terminationStatus->isSuccess() && _terminationStatus->signalNumber() != SIGPIPE;
+        second.classifyError(isBlank(words.errorText) ? secondWords : words,
+                             hasFirstFailed ? _terminationStatus : second._terminationStatus);
         setError(second.error());
     }
     setResult(second.result());
@@ -256,18 +260,22 @@ void NEBSourceControlTaskOperation::makeErrorFromAbnormalEnd() {
     if (!_terminationStatus->started()) {
         setError(errorOfClass(NEBSourceControlNotStartedErrorClass,
                               "The operation could not be performed because " + how + "."));
-    } else if (_terminationStatus->signalNumber()) {
-        setError(errorOfClass(NEBSourceControlKilledErrorClass,
-                              "The operation was not completed because \"" + launchPath() +
-                                  "\" was ended by " + how + "."));
-    } else {
-        setError(errorOfClass(NEBSourceControlUnknownErrorClass,
-                              "Whether the operation was completed is not known: \"" +
-                                  launchPath() + "\" ended, but " + how + "."));
+        return;
     }
+    auto error = _terminationStatus->signalNumber()
+                     ? errorOfClass(NEBSourceControlKilledErrorClass,
+                                    "The operation was not completed because \"" + launchPath() +
+                                        "\" was ended by " + how + ".")
+                     : errorOfClass(NEBSourceControlUnknownErrorClass,
+                                    "Whether the operation was completed is not known: \"" +
+                                        launchPath() + "\" ended, but " + how + ".");
+    error.terminationStatus = _terminationStatus;
+    setError(std::move(error));
 }
 
-void NEBSourceControlTaskOperation::classifyError(const Words& words) {
+/// Completes the error by what the words and the end of the child tell that it is about.
+void NEBSourceControlTaskOperation::classifyError(const Words& words,
+                                                  const std::optional<TerminationStatus>& status) {
     if (!error()) {
         return;
     }
@@ -282,6 +290,13 @@ void NEBSourceControlTaskOperation::classifyError(const Words& words) {
     if (!classified.text && !isBlank(text)) {
         classified.text = text;
     }
+    if (!classified.terminationStatus) {
+        classified.terminationStatus = status;
+    }
+    classified.hints = NEBSourceControlHintsInText(words.errorText);
+    classified.remoteLines = NEBSourceControlRemoteLinesInText(words.errorText);
+    classified.files = NEBSourceControlFilesInText(words.errorText + "\n" + words.outputText,
+                                                   *classified.errorClass);
     setError(std::move(classified));
 }
 

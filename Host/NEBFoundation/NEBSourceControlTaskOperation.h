@@ -126,7 +126,7 @@ private:
     void translateErrorData();
     void makeErrorFromFailure(const Words& words);
     void makeErrorFromAbnormalEnd();
-    void classifyError(const Words& words);
+    void classifyError(const Words& words, const std::optional<TerminationStatus>& status);
 
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;

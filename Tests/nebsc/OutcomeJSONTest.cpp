@@ -3,6 +3,7 @@
 #include "OutcomeJSON.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlSourceTree.h"
@@ -117,8 +118,15 @@ TEST(OutcomeJSON, AnErrorHasAllItsUserInfo) {
     outcome.error = NEBSourceControlError::withDescription(-21, "No.", "Try again.");
     outcome.error->errorClass = "authentication";
     outcome.error->userInfo.set(NEBSourceControlAuthenticationErrorTypeKey, "wrong");
+    outcome.error->terminationStatus = TerminationStatus::exited(128);
+    outcome.error->text = "fatal: no\n";
+    outcome.error->hints = {"a", "", "b"};
+    outcome.error->remoteLines = {"r"};
+    outcome.error->files = {"x y", "z"};
     EXPECT_EQ(jsonOfOutcome(outcome)["error"].dump(),
               R"({"domain":"NEBSourceControlErrorDomain","code":-21,"class":"authentication",)"
+              R"("terminationStatus":128,"text":"fatal: no\n","hints":["a","","b"],)"
+              R"("remoteLines":["r"],"files":["x y","z"],)"
               R"("localizedDescription":"No.","localizedRecoverySuggestion":"Try again.",)"
               R"("userInfo":{"NEBLocalizedDescriptionKey":"No.",)"
               R"("NEBLocalizedRecoverySuggestionKey":"Try again.",)"
@@ -130,7 +138,23 @@ TEST(OutcomeJSON, AnErrorWithNothingHasNulls) {
     outcome.error.emplace();
     EXPECT_EQ(jsonOfOutcome(outcome)["error"].dump(),
               R"({"domain":"NEBSourceControlErrorDomain","code":-1,"class":null,)"
+              R"("terminationStatus":null,"text":null,"hints":[],"remoteLines":[],"files":[],)"
               R"("localizedDescription":null,"localizedRecoverySuggestion":null,"userInfo":{}})");
+}
+
+TEST(OutcomeJSON, ASignalIsToldByItsName) {
+    const auto endOf = [](const TerminationStatus& status) {
+        Outcome outcome;
+        outcome.error.emplace();
+        outcome.error->terminationStatus = status;
+        return jsonOfOutcome(outcome)["error"]["terminationStatus"].dump();
+    };
+    EXPECT_EQ(endOf(TerminationStatus::signalled(SIGKILL)), "\"SIGKILL\"");
+    EXPECT_EQ(endOf(TerminationStatus::signalled(SIGRTMIN)),
+              "\"SIG" + std::to_string(SIGRTMIN) + "\"");
+    EXPECT_EQ(endOf(TerminationStatus::exited(0)), "0");
+    EXPECT_EQ(endOf(TerminationStatus::notStarted("there is none")), "null");
+    EXPECT_EQ(endOf(TerminationStatus::unknown("somebody reaped it")), "null");
 }
 
 TEST(OutcomeJSON, BytesThatAreNoTextBecomeReplacementCharacters) {

@@ -75,6 +75,19 @@ TEST(ErrorLines, TheIndentationOfTheToolsWordsStays) {
               "nebsc: fatal: no\n\n        git config a\\tb\n");
 }
 
+TEST(ErrorLines, HintsThatAreTheSuggestionAreNotRepeated) {
+    const std::string text = "hint: Pull first.\nhint:\nhint:   git pull\nfatal: no\n";
+    auto error = errorWith(text, "Pull first.\n\n  git pull", text);
+    error.hints = {"Pull first.", "", "  git pull"};
+    EXPECT_EQ(errorLines(error), "nebsc: fatal: no\nPull first.\n\n  git pull\n");
+}
+
+TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
+    auto error = errorWith("a.c is in conflict.", {}, "fatal: b.c");
+    error.files = {"a.c", "b.c", "c\n.c"};
+    EXPECT_EQ(errorLines(error), "nebsc: a.c is in conflict.\n    fatal: b.c\n    c\\n.c\n");
+}
+
 TEST(ErrorLines, NothingOfItDrivesTheTerminal) {
     EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
               "nebsc: a\\x1b[2J\nb\\x07\n    c\xEF\xBF\xBD\n");

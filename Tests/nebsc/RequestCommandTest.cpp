@@ -115,6 +115,7 @@ TEST(RequestCommand, ARefusedValidationIsTheOutcome) {
               R"({"type":33,"name":"push","authenticationRequired":true,"valid":false,)"
               R"("operation":null,"command":null,"commands":[],"reports":[],"result":null,)"
               R"("error":{"domain":"NEBSourceControlErrorDomain","code":-20,"class":null,)"
+              R"("terminationStatus":null,"text":null,"hints":[],"remoteLines":[],"files":[],)"
               R"("localizedDescription":)" +
                   sentence + R"(,"localizedRecoverySuggestion":null,"userInfo":)" +
                   R"({"NEBLocalizedDescriptionKey":)" + sentence + "}}}\n");

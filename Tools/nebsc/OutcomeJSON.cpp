@@ -1,5 +1,7 @@
 #include "OutcomeJSON.h"
 
+#include <string.h>
+
 #include <chrono>
 #include <cmath>
 
@@ -82,10 +84,24 @@ JSON jsonOfReport(const LOMAssertionReport& report) {
             {"condition", report.condition}};
 }
 
+/// A signal by its name, so that it is not taken for an exit status.
+JSON jsonOfEnd(const std::optional<TerminationStatus>& status) {
+    if (const auto signalNumber = status ? status->signalNumber() : std::nullopt) {
+        const char* name = ::sigabbrev_np(*signalNumber);
+        return "SIG" + (name != nullptr ? name : std::to_string(*signalNumber));
+    }
+    return orNull(status ? status->exitStatus() : std::nullopt);
+}
+
 JSON jsonOfError(const NEBSourceControlError& error) {
     return {{"domain", error.domain},
             {"code", error.code},
             {"class", orNull(error.errorClass)},
+            {"terminationStatus", jsonOfEnd(error.terminationStatus)},
+            {"text", orNull(error.text)},
+            {"hints", JSON(error.hints)},
+            {"remoteLines", JSON(error.remoteLines)},
+            {"files", JSON(error.files)},
             {"localizedDescription", orNull(error.localizedDescription())},
             {"localizedRecoverySuggestion", orNull(error.localizedRecoverySuggestion())},
             {"userInfo", jsonOfDictionary(error.userInfo)}};

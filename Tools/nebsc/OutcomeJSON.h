@@ -16,8 +16,9 @@
 // Every member is always there, null where it is absent. "name" is the type's plain name. The
 // "pipeTo" of a command is a command, "terminationStatus" is null for a child that did not exit. A
 // date is "2012-03-04T05:06:07Z", a file path its string, a dictionary an object. "error" is null
-// or { "domain", "code", "class", "localizedDescription", "localizedRecoverySuggestion", "userInfo"
-// }.
+// or { "domain", "code", "class", "terminationStatus", "text", "hints", "remoteLines", "files",
+// "localizedDescription", "localizedRecoverySuggestion", "userInfo" }; its "terminationStatus" is
+// an exit status or the name of a signal, the three in the plural are arrays of strings.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "Platform/Text.h"
 
 namespace neb::nebsc {
@@ -144,21 +145,33 @@ std::string coloured(std::string_view text, Colour colour) {
 }
 
 std::string errorLines(const NEBSourceControlError& error) {
-    std::string description{trimmed(error.localizedDescription().value_or(""))};
+    const auto suggestion = error.localizedRecoverySuggestion();
+    std::string description = error.localizedDescription().value_or("");
+    std::string words = error.text.value_or("");
+    if (suggestion == NEBSourceControlAdviceOfHints(error.hints)) {
+        description = NEBSourceControlTextWithoutHints(description);
+        words = NEBSourceControlTextWithoutHints(words);
+    }
+    description = trimmed(description);
+    words = trimmed(words);
     if (description.empty()) {
         description = "The operation failed with the error " + std::to_string(error.code) + " of " +
                       error.domain + ".";
     }
     std::string lines = "nebsc: " + printableLines(description).front() + "\n";
     appendIndented(lines, description, 1);
-    if (const auto suggestion = error.localizedRecoverySuggestion()) {
+    if (suggestion) {
         for (const std::string& line : printableLines(*suggestion)) {
             lines += line + "\n";
         }
     }
-    const std::string_view words = trimmed(error.text ? *error.text : std::string_view{});
     if (description.find(words) == std::string::npos) {
         appendIndented(lines, words);
+    }
+    for (const std::string& file : error.files) {
+        if (description.find(file) == std::string::npos && words.find(file) == std::string::npos) {
+            lines += "    " + printable(file) + "\n";
+        }
     }
     return lines;
 }

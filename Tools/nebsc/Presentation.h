@@ -29,8 +29,9 @@ enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour);
 
 /// An error as lines for standard error: "nebsc: " and its description, the recovery suggestion on
-/// a line of its own, then the tool's own words, indented, where they say more than the
-/// description.
+/// a line of its own, then, indented, the tool's own words where they say more than the
+/// description, and the files that none of it names. Hints that are the suggestion are not
+/// repeated.
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

@@ -49,6 +49,48 @@ TEST_F(TaskOperation, ParsesFirstAndTranslatesWhatIsLeftThen) {
     EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
 }
 
+TEST_F(TaskOperation, AnErrorTellsHowTheChildEndedAndWhatItsWordsHold) {
+    auto operation = script(
+        "printf '%s\\n' 'hint: Settle' 'hint: them.' 'remote: No.  ' "
+        "'error: Merging is not possible because you have unmerged files.' >&2; "
+        "printf 'U\\ta b\\nU\\tc\\n'; exit 128");
+    operation->start();
+    const auto& error = operation->error();
+    EXPECT_THAT(error, HasErrorClass("conflict-unresolved"));
+    EXPECT_EQ(error->terminationStatus->exitStatus(), 128);
+    EXPECT_THAT(error->hints, ElementsAre("Settle", "them."));
+    EXPECT_THAT(error->remoteLines, ElementsAre("No."));
+    EXPECT_THAT(error->files, ElementsAre("a b", "c"));
+    EXPECT_EQ(error->localizedRecoverySuggestion(), "Settle\nthem.");
+}
+
+TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsUserInfoAndHasAllElse) {
+    auto operation =
+        script("printf '%s\\n' 'hint: Try.' 'error: open(\"a\"): Permission denied' >&2; exit 1");
+    operation->translate = [](const std::string&) {
+        return NEBSourceControlError::withDescription(-21, "Authentication failed.");
+    };
+    operation->start();
+    const auto& error = operation->error();
+    EXPECT_THAT(error, IsSourceControlError(-21, "Authentication failed."));
+    EXPECT_THAT(error, HasErrorClass("permission-denied"));
+    EXPECT_EQ(error->userInfo.size(), 1U);
+    EXPECT_EQ(error->text, "hint: Try.\nerror: open(\"a\"): Permission denied\n");
+    EXPECT_EQ(error->terminationStatus->exitStatus(), 1);
+    EXPECT_THAT(error->hints, ElementsAre("Try."));
+    EXPECT_THAT(error->files, ElementsAre("a"));
+}
+
+TEST_F(TaskOperation, AnErrorTellsTheSignalAndNothingWhereNoChildRan) {
+    auto killed = script("echo fatal: x >&2; kill -9 $$");
+    killed->start();
+    EXPECT_EQ(killed->error()->terminationStatus->signalNumber(), SIGKILL);
+    auto missing = script("true");
+    missing->program = "/nonexistent/git";
+    missing->start();
+    EXPECT_FALSE(missing->error()->terminationStatus.has_value());
+}
+
 TEST_F(TaskOperation, DataIsPresentThoughEmpty) {
     auto operation = script("true");
     EXPECT_EQ(operation->data(), std::nullopt);

@@ -56,6 +56,23 @@ TEST_F(PipedOperation, AHalfThatDiedIsAnErrorBesideWhatLooksLikeAResult) {
     EXPECT_EQ(cutOff->error(), std::nullopt) << "the second half has had what it wanted";
 }
 
+TEST_F(PipedOperation, AnErrorTellsHowTheHalfEndedThatFailed) {
+    struct Case {
+        const char *first, *second;
+        int exitStatus;
+    };
+    for (const auto& [first, second, exitStatus] :
+         {Case{"exit 128", "exit 2", 128}, Case{"echo x >&2; exit 3", "cat", 3},
+          Case{"true", "echo y >&2; exit 2", 2}, Case{"exec yes", "exit 4", 4}}) {
+        auto operation = piped(first, second);
+        operation->second->parse = [&] {
+            operation->second->setError(NEBSourceControlError::withDescription(-1, "No."));
+        };
+        operation->start();
+        EXPECT_EQ(operation->error()->terminationStatus->exitStatus(), exitStatus) << first;
+    }
+}
+
 TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
     auto operation = piped("echo 'fatal: not a valid object name: nosuch' >&2; exit 128",
                            "echo 'This does not look like a tar archive' >&2; exit 2");

@@ -1,0 +1,205 @@
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "Platform/Text.h"
+
+namespace neb {
+
+namespace {
+
+constexpr std::string_view hintMark = "hint:";
+constexpr std::string_view remoteMark = "remote:";
+
+/// A file named in a line that begins with `beginning`: what stands between `before` and `after`.
+/// An empty `before` is the place behind the beginning, an empty `after` the line's end.
+struct Mention {
+    std::string_view errorClass;
+    std::string_view beginning, before, after;
+};
+
+/// A line that holds `heading` and is followed by a list of files, each behind `indentation`.
+struct Listing {
+    std::string_view errorClass;
+    std::string_view heading, indentation;
+};
+
+constexpr Mention mentions[] = {
+    {"path-unknown", "", "pathspec '", "' did not match any file"},
+    {"path-unknown", "fatal: no such path '", "", "' in "},
+    {"path-unknown", "fatal: cannot stat path '", "", "': "},
+    {"path-unknown", "fatal: path '", "", "' exists on disk, but not in '"},
+    {"path-unknown", "fatal: path '", "", "' does not exist in '"},
+    {"path-unknown", "fatal: not under version control, source=", "", ", destination="},
+    {"path-unknown", "fatal: bad source, source=", "", ", destination="},
+    {"path-outside", "fatal: ", ": '", "' is outside repository"},
+    {"path-outside", "fatal: pathspec '", "", "' is beyond a symbolic link"},
+    {"path-in-submodule", "fatal: Pathspec '", "", "' is in submodule '"},
+    {"other-tools", "fatal: ", "", ": clean filter '"},
+    {"other-tools", "fatal: ", "", ": smudge filter "},
+    {"local-changes", "error: Entry '", "", "' not uptodate."},
+    {"needs-clean-tree", "", "", ": needs update"},
+    {"untracked-in-the-way", "error: Untracked working tree file '", "", "' would be "},
+    {"conflict-unresolved", "U\t", "", ""},
+    {"conflict-unresolved", "", "", ": needs merge"},
+    {"conflict-unresolved", "warning: path '", "", "' is unmerged"},
+    {"conflict-unresolved", "error: path '", "", "' is unmerged"},
+    {"conflict", "CONFLICT (", "): Merge conflict in ", ""},
+    {"conflict", "CONFLICT (modify/delete): ", "", " deleted in "},
+    {"conflict", "CONFLICT (rename/delete): ", " renamed to ", " in "},
+    {"conflict", "CONFLICT (rename/rename): ", "", " renamed to "},
+    {"conflict", "CONFLICT (rename/rename): ", " renamed to ", " in "},
+    {"conflict", "CONFLICT (rename/rename): ", " and to ", " in "},
+    {"conflict", "CONFLICT (file/directory): directory in the way of ", "", " from "},
+    {"conflict", "CONFLICT (file location): ", "", " added in "},
+    {"conflict", "CONFLICT (distinct types): ", "", " had different types"},
+    {"conflict", "warning: Cannot merge binary files: ", "", " ("},
+    {"destination-exists", "fatal: destination path '", "", "' already exists"},
+    {"destination-exists", "fatal: destination ", ", destination=", ""},
+    {"destination-exists", "fatal: cannot move directory over file, ", ", destination=", ""},
+    {"destination-missing", "fatal: destination ", ", destination=", ""},
+    {"source-directory-empty", "fatal: source directory is empty, source=", "", ", destination="},
+    {"permission-denied", "error: open(\"", "", "\"): "},
+    {"permission-denied", "error: unable to create file ", "", ": "},
+    {"permission-denied", "error: unable to unlink old '", "", "': "},
+    {"permission-denied", "warning: unable to unlink '", "", "': "},
+    {"permission-denied", "warning: could not open directory '", "", "': "},
+    {"index-locked", "", "Unable to create '", "': File exists"},
+};
+
+constexpr Listing listings[] = {
+    {"local-changes", "local changes to the following files would be overwritten by", "\t"},
+    {"local-changes", "cannot continue with staged changes in the following files", "\t"},
+    {"untracked-in-the-way", "untracked working tree files would be ", "\t"},
+    {"path-ignored", "paths are ignored by one of your .gitignore files", ""},
+};
+
+std::vector<std::string_view> linesOf(std::string_view text) {
+    std::vector<std::string_view> lines;
+    forEachPiece(text, '\n', [&lines](std::string_view line) {
+        lines.push_back(line.substr(0, line.find_last_not_of('\r') + 1));
+    });
+    return lines;
+}
+
+/// The line behind the mark and one blank.
+std::string_view behindMark(std::string_view line, std::string_view mark) {
+    line.remove_prefix(mark.size());
+    line.remove_prefix(line.starts_with(' ') ? 1 : 0);
+    return line;
+}
+
+std::optional<std::string_view> fileNamedIn(std::string_view line, const Mention& mention) {
+    if (!line.starts_with(mention.beginning)) {
+        return std::nullopt;
+    }
+    line.remove_prefix(mention.beginning.size());
+    const std::size_t before = line.find(mention.before);
+    if (before == std::string_view::npos) {
+        return std::nullopt;
+    }
+    line.remove_prefix(before + mention.before.size());
+    const std::size_t end = mention.after.empty() ? line.size() : line.find(mention.after);
+    return end == std::string_view::npos ? std::nullopt : std::optional(line.substr(0, end));
+}
+
+/// A line of git's own in which a file may be named.
+bool isOwnLine(std::string_view line) {
+    return !line.starts_with(hintMark) && !line.starts_with(remoteMark);
+}
+
+/// Collects each name once.
+class Names {
+public:
+    void add(std::string_view name) {
+        if (!name.empty() && std::find(_names.begin(), _names.end(), name) == _names.end()) {
+            _names.emplace_back(name);
+        }
+    }
+    [[nodiscard]] std::vector<std::string> take() { return std::move(_names); }
+
+private:
+    std::vector<std::string> _names;
+};
+
+void addMentions(Names& names, std::string_view line, std::string_view errorClass) {
+    for (const Mention& mention : mentions) {
+        if (mention.errorClass == errorClass) {
+            if (const auto file = fileNamedIn(line, mention)) {
+                names.add(*file);
+            }
+        }
+    }
+}
+
+const Listing* listingBegunBy(std::string_view line, std::string_view errorClass) {
+    const auto* listing =
+        std::find_if(std::begin(listings), std::end(listings), [&](const Listing& candidate) {
+            return candidate.errorClass == errorClass &&
+                   line.find(candidate.heading) != std::string_view::npos;
+        });
+    return listing != std::end(listings) ? listing : nullptr;
+}
+
+}  // namespace
+
+std::vector<std::string> NEBSourceControlHintsInText(std::string_view text) {
+    std::vector<std::string> hints;
+    for (const std::string_view line : linesOf(text)) {
+        if (line.starts_with(hintMark)) {
+            hints.emplace_back(behindMark(line, hintMark));
+        }
+    }
+    return hints;
+}
+
+std::string NEBSourceControlAdviceOfHints(const std::vector<std::string>& hints) {
+    std::string advice;
+    for (const std::string& hint : hints) {
+        advice += advice.empty() ? hint : "\n" + hint;
+    }
+    return advice.substr(0, advice.find_last_not_of(" \n") + 1);
+}
+
+std::string NEBSourceControlTextWithoutHints(std::string_view text) {
+    std::string others;
+    while (!text.empty()) {
+        const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+        const std::string_view line = text.substr(0, length);
+        others += line.starts_with(hintMark) ? std::string_view{} : line;
+        text.remove_prefix(length);
+    }
+    return others;
+}
+
+std::vector<std::string> NEBSourceControlRemoteLinesInText(std::string_view text) {
+    std::vector<std::string> remoteLines;
+    for (std::string_view line : linesOf(text)) {
+        if (line.starts_with(remoteMark)) {
+            line = line.substr(line.rfind('\r') + 1);
+            line = line.starts_with(remoteMark) ? behindMark(line, remoteMark) : line;
+            remoteLines.emplace_back(line.substr(0, line.find_last_not_of(" \t") + 1));
+        }
+    }
+    return remoteLines;
+}
+
+std::vector<std::string> NEBSourceControlFilesInText(std::string_view text,
+                                                     std::string_view errorClass) {
+    Names names;
+    const Listing* listing = nullptr;
+    for (const std::string_view line : linesOf(text)) {
+        if (listing != nullptr && isOwnLine(line) && line.starts_with(listing->indentation)) {
+            names.add(line.substr(listing->indentation.size()));
+        } else {
+            listing = isOwnLine(line) ? listingBegunBy(line, errorClass) : nullptr;
+        }
+        if (listing == nullptr && isOwnLine(line)) {
+            addMentions(names, line, errorClass);
+        }
+    }
+    return names.take();
+}
+
+}  // namespace neb

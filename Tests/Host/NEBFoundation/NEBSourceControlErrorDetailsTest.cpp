@@ -1,0 +1,179 @@
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
+
+#include <gmock/gmock.h>
+
+namespace neb {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Names = std::vector<std::string>;
+
+TEST(Hints, AreTheMarkedLinesWithoutTheMark) {
+    EXPECT_THAT(NEBSourceControlHintsInText("To /r.git\n"
+                                            "hint: Updates were rejected because the remote\n"
+                                            "hint: contains work that you do not have.\n"
+                                            "hint:\n"
+                                            "hint:   git pull\r\n"
+                                            "hint: \n"
+                                            "fatal: no hint: here\n"),
+                ElementsAre("Updates were rejected because the remote",
+                            "contains work that you do not have.", "", "  git pull", ""));
+    EXPECT_THAT(NEBSourceControlHintsInText("hint:\tgit branch -D a"),
+                ElementsAre("\tgit branch -D a"));
+    EXPECT_THAT(NEBSourceControlHintsInText("remote: hint: not ours\n"), IsEmpty());
+    EXPECT_THAT(NEBSourceControlHintsInText(""), IsEmpty());
+}
+
+TEST(Hints, ReadTogetherAsGitWroteThem) {
+    EXPECT_EQ(NEBSourceControlAdviceOfHints({"You can", "", "  git pull", "", ""}),
+              "You can\n\n  git pull");
+    EXPECT_EQ(NEBSourceControlAdviceOfHints({"", "You can"}), "You can");
+    EXPECT_EQ(NEBSourceControlAdviceOfHints({}), "");
+    EXPECT_EQ(NEBSourceControlAdviceOfHints({"", ""}), "");
+}
+
+TEST(Hints, CanBeLeftOut) {
+    EXPECT_EQ(NEBSourceControlTextWithoutHints("hint: a\nfatal: b\nhint:\n\n c"), "fatal: b\n\n c");
+    EXPECT_EQ(NEBSourceControlTextWithoutHints("hint: a"), "");
+    EXPECT_EQ(NEBSourceControlTextWithoutHints(""), "");
+}
+
+TEST(RemoteLines, AreTheMarkedLinesWithoutTheMark) {
+    EXPECT_THAT(NEBSourceControlRemoteLinesInText("remote: No.        \n"
+                                                  "remote:        \n"
+                                                  "remote:   indented\r\n"
+                                                  "remote: Counting:  50%\rremote: Counting: 100%\n"
+                                                  "To /r.git\n"
+                                                  "remote:"),
+                ElementsAre("No.", "", "  indented", "Counting: 100%", ""));
+    EXPECT_THAT(NEBSourceControlRemoteLinesInText("fatal: the remote: no\n"), IsEmpty());
+}
+
+struct FilesCase {
+    const char* errorClass;
+    const char* text;
+    Names files;
+};
+
+const FilesCase cases[] = {
+    {"local-changes",
+     "error: Your local changes to the following files would be overwritten by checkout:\n"
+     "\ta\"b\\c.txt\n\tsrc/a b.c\nPlease commit your changes or stash them.\nAborting\n",
+     {"a\"b\\c.txt", "src/a b.c"}},
+    {"local-changes",
+     "error: Your local changes to the following files would be overwritten by merge:\n\ta\n"
+     "error: The following untracked working tree files would be overwritten by merge:\n\tb\n",
+     {"a"}},
+    {"local-changes",
+     "fatal: cannot continue with staged changes in the following files:\n\ta\n\tb\n",
+     {"a", "b"}},
+    {"local-changes", "error: Entry 'a' not uptodate. Cannot merge.\n", {"a"}},
+    {"untracked-in-the-way",
+     "error: The following untracked working tree files would be overwritten by checkout:\n"
+     "\tx\n\ty\r\n\nPlease move or remove them before you switch branches.\nAborting\n",
+     {"x", "y"}},
+    {"untracked-in-the-way",
+     "error: The following untracked working tree files would be removed by merge:\n\tx\n",
+     {"x"}},
+    {"untracked-in-the-way",
+     "error: Untracked working tree file 'a' would be overwritten by merge.\n",
+     {"a"}},
+    {"path-ignored",
+     "The following paths are ignored by one of your .gitignore files:\nbuild\no \"x\"\n"
+     "hint: Use -f if you really want to add them.\n",
+     {"build", "o \"x\""}},
+    {"path-outside", "fatal: ../a: '../a' is outside repository at '/r'\n", {"../a"}},
+    {"path-unknown",
+     "error: pathspec 'it's' did not match any file(s) known to git\n"
+     "error: pathspec 'b' did not match any file(s) known to git\n",
+     {"it's", "b"}},
+    {"path-unknown", "fatal: pathspec 'a' did not match any files\n", {"a"}},
+    {"path-unknown", "fatal: no such path 'd/a' in HEAD\n", {"d/a"}},
+    {"path-unknown", "fatal: cannot stat path 'a': No such file or directory\n", {"a"}},
+    {"path-unknown", "fatal: path 'a' exists on disk, but not in 'HEAD'\n", {"a"}},
+    {"path-unknown", "fatal: path 'a' does not exist in 'HEAD'\n", {"a"}},
+    {"path-unknown", "fatal: bad source, source=a, destination=b\n", {"a"}},
+    {"path-unknown", "fatal: not under version control, source=a, destination=b\n", {"a"}},
+    {"destination-exists", "fatal: destination exists, source=a, destination=b\n", {"b"}},
+    {"destination-exists",
+     "fatal: cannot move directory over file, source=a, destination=b\n",
+     {"b"}},
+    {"destination-exists",
+     "fatal: destination path 'b' already exists and is not an empty directory.\n",
+     {"b"}},
+    {"destination-missing",
+     "fatal: destination directory does not exist, source=a, destination=b/\n",
+     {"b/"}},
+    {"source-directory-empty",
+     "fatal: source directory is empty, source=a, destination=b\n",
+     {"a"}},
+    {"conflict-unresolved", "error: no.\nU\ta b\nU\tc\n", {"a b", "c"}},
+    {"conflict-unresolved", "a: needs merge\nerror: you need to resolve\n", {"a"}},
+    {"conflict-unresolved",
+     "warning: path 'a' is unmerged\nerror: path 'b' is unmerged\n",
+     {"a", "b"}},
+    {"needs-clean-tree",
+     "a: needs update\nupdate-index --refresh: command returned error: 1\n",
+     {"a"}},
+    {"conflict",
+     "Auto-merging a\nCONFLICT (content): Merge conflict in a\n"
+     "CONFLICT (add/add): Merge conflict in b c\nAutomatic merge failed; fix\n",
+     {"a", "b c"}},
+    {"conflict",
+     "CONFLICT (modify/delete): a deleted in topic and modified in HEAD.  Version HEAD of a left\n",
+     {"a"}},
+    {"conflict", "CONFLICT (rename/delete): a renamed to b in HEAD, but deleted in t.\n", {"b"}},
+    {"conflict",
+     "CONFLICT (rename/rename): a renamed to b in HEAD and to c in topic.\n",
+     {"a", "b", "c"}},
+    {"conflict",
+     "CONFLICT (file/directory): directory in the way of a from HEAD; moving it to a~HEAD\n",
+     {"a"}},
+    {"conflict",
+     "CONFLICT (file location): a/x added in HEAD inside a directory that was renamed in t\n",
+     {"a/x"}},
+    {"conflict", "CONFLICT (distinct types): a had different types on each side; renamed\n", {"a"}},
+    {"conflict",
+     "warning: Cannot merge binary files: a.png (HEAD vs. topic)\n"
+     "CONFLICT (content): Merge conflict in a.png\n",
+     {"a.png"}},
+    {"permission-denied", "error: open(\"a\"): Permission denied\nfatal: adding files", {"a"}},
+    {"permission-denied", "error: unable to create file a: Permission denied\n", {"a"}},
+    {"permission-denied", "error: unable to unlink old 'a': Permission denied\n", {"a"}},
+    {"permission-denied", "warning: unable to unlink 'a': Permission denied\n", {"a"}},
+    {"permission-denied", "warning: could not open directory 'a/': Permission denied\n", {"a/"}},
+    {"index-locked",
+     "fatal: Unable to create '/r/.git/index.lock': File exists.\n",
+     {"/r/.git/index.lock"}},
+    // what is no file
+    {"revision-unknown", "error: pathspec 'a' did not match any file(s) known to git\n", {}},
+    {"objects-damaged", "CONFLICT (content): Merge conflict in a\n", {}},
+    {"path-unknown", "remote: pathspec 'a' did not match any file\n", {}},
+    {"path-unknown", "hint: pathspec 'a' did not match any file\n", {}},
+    {"local-changes",
+     "error: local changes to the following files would be overwritten by x:\n",
+     {}},
+    {"unknown", "\ta\n", {}},
+    {"conflict", "CONFLICT (", {}},
+    {"conflict", "", {}},
+};
+
+class FilesNamed : public testing::TestWithParam<FilesCase> {};
+
+TEST_P(FilesNamed, AreThoseOfTheFailure) {
+    EXPECT_EQ(NEBSourceControlFilesInText(GetParam().text, GetParam().errorClass),
+              GetParam().files);
+}
+
+INSTANTIATE_TEST_SUITE_P(ErrorDetails, FilesNamed, testing::ValuesIn(cases));
+
+TEST(FilesNamed, AreNamedOnce) {
+    EXPECT_EQ(NEBSourceControlFilesInText(
+                  "fatal: no such path 'a' in B\nfatal: no such path 'a' in C", "path-unknown"),
+              Names{"a"});
+}
+
+}  // namespace
+}  // namespace neb

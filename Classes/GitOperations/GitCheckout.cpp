@@ -39,8 +39,9 @@ bool isCheckoutMade(std::string_view text) {
 
 /// git ends with 0 although it has left a file as it was.
 bool isSomethingLeftUndone(std::string_view text) {
-    constexpr std::array<std::string_view, 3> signs{"error: unable to create file ",
-                                                    "error: unable to unlink ", "warning: path '"};
+    constexpr std::array<std::string_view, 4> signs{"error: unable to create file ",
+                                                    "error: unable to unlink ",
+                                                    "error: unable to read ", "warning: path '"};
     return hasLineThatBegins(text, signs);
 }
 

@@ -86,11 +86,22 @@ constexpr Row rows[] = {
      {{{"index file corrupt"},
        {"index file smaller than expected"},
        {"unable to map index file"},
-       {"error: bad signature 0x"}}}},
+       {"error: bad signature 0x"},
+       {"cache entry has null sha1"}}}},
     {"repository-format-unknown",
      generic,
      {{{"expected git repo version"}, {"unknown repository extension"}}}},
-    {"objects-damaged", generic, {{{"fatal: bad object head"}}}},  // nobody named a revision
+    {"objects-damaged",
+     generic,
+     {{{"fatal: bad object head"},  // nobody named a revision
+       {"error: unable to unpack ", " header"},
+       {"failed to traverse parents of commit"},
+       {"unable to read tree "},
+       {"error: unable to read sha1 file of "},
+       {"error: invalid object "}}}},
+    // before what git says when a filter of its own does not answer
+    {"other-tools", generic, {{{"git-lfs", "not found"}}}},
+    {"program-missing", generic, {{{": not found", "the remote end hung up unexpectedly"}}}},
     // the way to the far end
     {"ssh-key-refused",
      authentication,
@@ -218,7 +229,10 @@ constexpr Row rows[] = {
     // names that git does not know, or knows already
     {"path-unknown",
      missingAtRevision,
-     {{{"exists on disk, but not in"}, {"path '", "' does not exist in"}, {"no such path '"}}}},
+     {{{"exists on disk, but not in"},
+       {"path '", "' does not exist in"},
+       {"no such path "},
+       {"cannot lstat '", "no such file or directory"}}}},
     {"remote-branch-unknown",
      generic,
      {{{"couldn't find remote ref"},
@@ -317,7 +331,7 @@ constexpr Row rows[] = {
     {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
     {"transport-unknown",
      generic,
-     {{{"unable to find remote helper for '"}, {"' is not a git command.", "remote helper '"}}}},
+     {{{"unable to find remote helper for '"}, {"git: 'remote-' is not a git command"}}}},
     {"objects-damaged",
      generic,
      {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}}}},
@@ -331,7 +345,7 @@ constexpr Row rows[] = {
        {": smudge filter ", " failed"}}}},
     {"program-missing",
      generic,
-     {{{"error: cannot run ", "no such file or directory"}, {"' is not a git command."}}}},
+     {{{"cannot run ", "no such file or directory"}, {"' is not a git command."}}}},
     // accompanies most failures on the way to the far end, and stands alone where no cause is told
     {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
 };
@@ -368,9 +382,16 @@ bool isWordCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
 }
 
+/// What of a name tells what happened, with the closing quote: the lock of the index, and that the
+/// program looked for was one of those that talk to remotes.
+std::string_view wordsInName(std::string_view name) {
+    return name.ends_with("index.lock")  ? "index.lock'"
+           : name.starts_with("remote-") ? "remote-'"
+                                         : "'";
+}
+
 /// The line without what stands between quotes, so that no file's, branch's or repository's name is
-/// taken for git's words. The quotes stay; an apostrophe inside a word is none. Of the names, that
-/// of the index lock alone says what happened.
+/// taken for git's words. The quotes stay; an apostrophe inside a word is none.
 std::string withoutNames(std::string_view line) {
     const auto isOpening = [line](std::size_t i) {
         return line[i] == '\'' && (i == 0 || !isWordCharacter(line[i - 1]));
@@ -392,7 +413,7 @@ std::string withoutNames(std::string_view line) {
                 ++end;
             }
             const std::string_view name = line.substr(i + 1, end - i - 1);
-            text += name.ends_with("index.lock") ? "index.lock'" : "'";
+            text += wordsInName(name);
             i = end;
         }
     }

@@ -1,7 +1,6 @@
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "Platform/Text.h"
 
@@ -12,8 +11,9 @@ namespace {
 constexpr std::string_view hintMark = "hint:";
 constexpr std::string_view remoteMark = "remote:";
 
-/// A file named in a line that begins with `beginning`: what stands between `before` and `after`.
-/// An empty `before` is the place behind the beginning, an empty `after` the line's end.
+/// Files named in a line that begins with `beginning`: what stands between `before` and `after`,
+/// each time. An empty `before` is the place behind the beginning, an empty `after` the line's end.
+/// The first that a line shows decides, with all others of the same beginning.
 struct Mention {
     std::string_view errorClass;
     std::string_view beginning, before, after;
@@ -28,6 +28,8 @@ struct Listing {
 constexpr Mention mentions[] = {
     {"path-unknown", "", "pathspec '", "' did not match any file"},
     {"path-unknown", "fatal: no such path '", "", "' in "},
+    {"path-unknown", "fatal: no such path ", "", " in "},  // where a revision is given
+    {"path-unknown", "fatal: Cannot lstat '", "", "': "},
     {"path-unknown", "fatal: cannot stat path '", "", "': "},
     {"path-unknown", "fatal: path '", "", "' exists on disk, but not in '"},
     {"path-unknown", "fatal: path '", "", "' does not exist in '"},
@@ -51,6 +53,13 @@ constexpr Mention mentions[] = {
     {"conflict", "CONFLICT (rename/rename): ", "", " renamed to "},
     {"conflict", "CONFLICT (rename/rename): ", " renamed to ", " in "},
     {"conflict", "CONFLICT (rename/rename): ", " and to ", " in "},
+    // the merge of git before 2.50 that was asked for by its name
+    {"conflict", "CONFLICT (rename/rename): Rename \"", "", "\"->\""},
+    {"conflict", "CONFLICT (rename/rename): Rename \"", "\"->\"", "\" in "},
+    {"conflict", "CONFLICT (rename/add): ", " Added ", " in "},
+    {"conflict", "CONFLICT (file/directory): There is a directory with name ", "", " in "},
+    {"conflict", "CONFLICT (directory/file): There is a directory with name ", "", " in "},
+    // its successor
     {"conflict", "CONFLICT (file/directory): directory in the way of ", "", " from "},
     {"conflict", "CONFLICT (file location): ", "", " added in "},
     {"conflict", "CONFLICT (distinct types): ", "", " had different types"},
@@ -65,12 +74,13 @@ constexpr Mention mentions[] = {
     {"permission-denied", "error: unable to unlink old '", "", "': "},
     {"permission-denied", "warning: unable to unlink '", "", "': "},
     {"permission-denied", "warning: could not open directory '", "", "': "},
+    {"objects-damaged", "error: unable to read sha1 file of ", "", " ("},
     {"index-locked", "", "Unable to create '", "': File exists"},
 };
 
 constexpr Listing listings[] = {
     {"local-changes", "local changes to the following files would be overwritten by", "\t"},
-    {"local-changes", "cannot continue with staged changes in the following files", "\t"},
+    {"local-changes", "cannot continue with staged changes in the following files", ""},
     {"untracked-in-the-way", "untracked working tree files would be ", "\t"},
     {"path-ignored", "paths are ignored by one of your .gitignore files", ""},
 };
@@ -90,18 +100,27 @@ std::string_view behindMark(std::string_view line, std::string_view mark) {
     return line;
 }
 
-std::optional<std::string_view> fileNamedIn(std::string_view line, const Mention& mention) {
+/// The files that the line names by the row.
+std::vector<std::string_view> filesNamedIn(std::string_view line, const Mention& mention) {
+    std::vector<std::string_view> files;
     if (!line.starts_with(mention.beginning)) {
-        return std::nullopt;
+        return files;
     }
     line.remove_prefix(mention.beginning.size());
-    const std::size_t before = line.find(mention.before);
-    if (before == std::string_view::npos) {
-        return std::nullopt;
+    for (std::size_t before = line.find(mention.before); before != std::string_view::npos;
+         before = line.find(mention.before)) {
+        line.remove_prefix(before + mention.before.size());
+        const std::size_t end = mention.after.empty() ? line.size() : line.find(mention.after);
+        if (end == std::string_view::npos) {
+            break;
+        }
+        files.push_back(line.substr(0, end));
+        if (mention.before.empty()) {
+            break;
+        }
+        line.remove_prefix(end);
     }
-    line.remove_prefix(before + mention.before.size());
-    const std::size_t end = mention.after.empty() ? line.size() : line.find(mention.after);
-    return end == std::string_view::npos ? std::nullopt : std::optional(line.substr(0, end));
+    return files;
 }
 
 /// A line of git's own in which a file may be named.
@@ -124,11 +143,14 @@ private:
 };
 
 void addMentions(Names& names, std::string_view line, std::string_view errorClass) {
+    const Mention* deciding = nullptr;
     for (const Mention& mention : mentions) {
-        if (mention.errorClass == errorClass) {
-            if (const auto file = fileNamedIn(line, mention)) {
-                names.add(*file);
-            }
+        const bool isAsked = mention.errorClass == errorClass &&
+                             (deciding == nullptr || mention.beginning == deciding->beginning);
+        for (const std::string_view file :
+             isAsked ? filesNamedIn(line, mention) : std::vector<std::string_view>{}) {
+            names.add(file);
+            deciding = &mention;
         }
     }
 }

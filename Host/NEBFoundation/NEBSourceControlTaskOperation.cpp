@@ -227,7 +227,7 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
 /// All that the child wrote is looked at, whatever parseData() left of it: a push that was rejected
 /// is an error beside its content. Where standard error tells nothing that is known (a hook's
 /// words, a warning about line ends), standard output may: git tells a conflict, or that there is
-/// nothing to commit, there alone.
+/// nothing to commit, there alone, and ends with 1. With other ends, what stands there is content.
 void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
     if (!error() && !isBlank(words.errorText)) {
         setError(errorFromErrorMessage(words.errorText));
@@ -237,6 +237,7 @@ void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
     }
     const bool isUnknown = error() && error()->errorClass == NEBSourceControlUnknownErrorClass;
     const bool outputTells =
+        _terminationStatus->exitStatus() == 1 &&
         NEBSourceControlErrorClassOfText(words.outputText) != NEBSourceControlUnknownErrorClass;
     if ((!error() && !isBlank(words.outputText)) || (isUnknown && outputTells)) {
         NEBSourceControlError told = NEBSourceControlErrorFromText(words.outputText, *request());
@@ -283,7 +284,8 @@ void NEBSourceControlTaskOperation::classifyError(const Words& words,
     NEBSourceControlError classified = *error();
     if (!classified.errorClass) {
         classified.errorClass = NEBSourceControlErrorClassOfText(words.errorText);
-        if (classified.errorClass == NEBSourceControlUnknownErrorClass) {
+        if (classified.errorClass == NEBSourceControlUnknownErrorClass && status &&
+            status->exitStatus() == 1) {
             classified.errorClass = NEBSourceControlErrorClassOfText(words.outputText);
         }
     }

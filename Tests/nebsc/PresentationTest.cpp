@@ -82,6 +82,24 @@ TEST(ErrorLines, HintsThatAreTheSuggestionAreNotRepeated) {
     EXPECT_EQ(errorLines(error), "nebsc: fatal: no\nPull first.\n\n  git pull\n");
 }
 
+TEST(ErrorLines, TheLineThatTellsWhatHappenedIsTheSentence) {
+    EXPECT_EQ(errorLines(errorWith("From /r\n   1..2  main -> main\nfatal: no\n", {}, {})),
+              "nebsc: fatal: no\n    From /r\n       1..2  main -> main\n");
+    EXPECT_EQ(errorLines(errorWith("remote: No.\nTo /r\n ! [remote rejected] a (hook)\nerror: no\n",
+                                   {}, {})),
+              "nebsc: ! [remote rejected] a (hook)\n    remote: No.\n    To /r\n    error: no\n");
+    EXPECT_EQ(errorLines(errorWith("warning: a\nerror: b\n", {}, {})),
+              "nebsc: error: b\n    warning: a\n");
+    EXPECT_EQ(errorLines(errorWith("To whom\nit may concern\n", {}, {})),
+              "nebsc: To whom\n    it may concern\n");
+    EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd\n    fatal: no\n");
+}
+
+TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
+    EXPECT_EQ(errorLines(errorWith("Rebasing (1/2)\rRebasing (2/2)\rerror: no\r\nx\n", {}, {})),
+              "nebsc: error: no\n    x\n");
+}
+
 TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
     auto error = errorWith("a.c is in conflict.", {}, "fatal: b.c");
     error.files = {"a.c", "b.c", "c\n.c"};

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <initializer_list>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
@@ -80,6 +81,7 @@ std::vector<std::string> printableLines(std::string_view text) {
         if (line.ends_with('\r')) {
             line.remove_suffix(1);
         }
+        line.remove_prefix(line.rfind('\r') + 1);  // progress that was written over
         const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
         lines.push_back(std::string(tabs * tabWidth, ' ') + printable(line.substr(tabs)));
         rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
@@ -87,11 +89,29 @@ std::vector<std::string> printableLines(std::string_view text) {
     return lines;
 }
 
-void appendIndented(std::string& lines, std::string_view text, std::size_t firstLine = 0) {
-    const std::vector<std::string> all = printableLines(text);
-    for (std::size_t i = firstLine; i < all.size(); ++i) {
-        lines += (all[i].empty() ? "" : "    ") + all[i] + "\n";
+void appendIndented(std::string& lines, const std::vector<std::string>& all) {
+    for (const std::string& line : all) {
+        lines += (line.empty() ? "" : "    ") + line + "\n";
     }
+}
+
+/// Takes the line out that says what happened: as a rule the first, but where git says before whom
+/// it has talked to, or passes on what the far end said, the first that tells of a failure.
+std::string takeSentence(std::vector<std::string>& lines) {
+    const auto begins = [](const std::string& line, std::initializer_list<std::string_view> marks) {
+        return std::any_of(marks.begin(), marks.end(),
+                           [&line](std::string_view mark) { return line.starts_with(mark); });
+    };
+    auto sentence = lines.begin();
+    if (begins(*sentence, {"From ", "To ", "remote: ", "warning: "})) {
+        const auto telling = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+            return begins(line, {" ! [", "fatal: ", "error: "});
+        });
+        sentence = telling == lines.end() ? sentence : telling;
+    }
+    std::string text{trimmed(*sentence)};
+    lines.erase(sentence);
+    return text;
 }
 
 }  // namespace
@@ -158,15 +178,16 @@ std::string errorLines(const NEBSourceControlError& error) {
         description = "The operation failed with the error " + std::to_string(error.code) + " of " +
                       error.domain + ".";
     }
-    std::string lines = "nebsc: " + printableLines(description).front() + "\n";
-    appendIndented(lines, description, 1);
+    std::vector<std::string> rest = printableLines(description);
+    std::string lines = "nebsc: " + takeSentence(rest) + "\n";
+    appendIndented(lines, rest);
     if (suggestion) {
         for (const std::string& line : printableLines(*suggestion)) {
             lines += line + "\n";
         }
     }
     if (description.find(words) == std::string::npos) {
-        appendIndented(lines, words);
+        appendIndented(lines, printableLines(words));
     }
     for (const std::string& file : error.files) {
         if (description.find(file) == std::string::npos && words.find(file) == std::string::npos) {

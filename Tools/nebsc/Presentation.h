@@ -28,10 +28,10 @@ enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
 /// The text between the sequences that switch the colour on and off.
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour);
 
-/// An error as lines for standard error: "nebsc: " and its description, the recovery suggestion on
-/// a line of its own, then, indented, the tool's own words where they say more than the
-/// description, and the files that none of it names. Hints that are the suggestion are not
-/// repeated.
+/// An error as lines for standard error: "nebsc: " and its description (of a longer one the line
+/// that says what happened, and the others below it), the recovery suggestion on a line of its own,
+/// then, indented, the tool's own words where they say more than the description, and the files
+/// that none of it names. Hints that are the suggestion are not repeated.
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

@@ -64,6 +64,15 @@ TEST_F(TaskOperation, AnErrorTellsHowTheChildEndedAndWhatItsWordsHold) {
     EXPECT_EQ(error->localizedRecoverySuggestion(), "Settle\nthem.");
 }
 
+TEST_F(TaskOperation, ContentOfAGitThatDiedTellsNothingOfWhy) {
+    auto log = script("echo 'Explain nothing to commit'; echo 'fatal: odd' >&2; exit 128");
+    log->start();
+    EXPECT_THAT(log->error(), HasErrorClass("unknown"));
+    auto commit = script("echo 'nothing to commit'; echo 'odd' >&2; exit 1");
+    commit->start();
+    EXPECT_THAT(commit->error(), HasErrorClass("nothing-to-commit"));
+}
+
 TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsUserInfoAndHasAllElse) {
     auto operation =
         script("printf '%s\\n' 'hint: Try.' 'error: open(\"a\"): Permission denied' >&2; exit 1");

@@ -30,7 +30,7 @@ need_packages() {
 }
 
 build_packages=(g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev locales procps util-linux git-svn subversion)
+test_packages=(libgtest-dev libgmock-dev procps util-linux git-svn subversion locales openssl)
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy)
 benchmark_packages=(libbenchmark-dev)

@@ -56,13 +56,13 @@ void HygienicTest::TearDown() {
 }
 
 AsOrdinaryUser::AsOrdinaryUser() : _wasRoot(::geteuid() == 0) {
-    if (_wasRoot && ::seteuid(nobody) != 0) {
+    if (_wasRoot && ::setresuid(nobody, nobody, 0) != 0) {
         ADD_FAILURE() << "cannot act as an ordinary user";
     }
 }
 
 AsOrdinaryUser::~AsOrdinaryUser() {
-    if (_wasRoot && ::seteuid(0) != 0) {
+    if (_wasRoot && ::setresuid(0, 0, 0) != 0) {
         ADD_FAILURE() << "cannot act as root again";
     }
 }

@@ -31,7 +31,7 @@ bool isLiveProcess(pid_t pid);
 void waitUntilGone(pid_t pid);
 
 /// Acts as the user "nobody" for a while, where the test program runs as root; an ordinary user
-/// stays what it is.
+/// stays what it is. The processes that it starts meanwhile are that user's for good.
 class AsOrdinaryUser {
 public:
     AsOrdinaryUser();

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -15,10 +16,13 @@
 namespace neb::test {
 
 /// Listens on a free port of the loopback address and answers each request with the text; without
-/// one it accepts and stays silent.
+/// one it accepts and stays silent, or hangs up.
 class LoopbackServer {
 public:
-    explicit LoopbackServer(std::string answer) : _answer(std::move(answer)) {
+    enum class Silence { waits, hangsUp };
+
+    explicit LoopbackServer(std::string answer, Silence silence = Silence::waits)
+        : _answer(std::move(answer)), _silence(silence) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -38,8 +42,8 @@ public:
         ::close(_listener);
     }
 
-    [[nodiscard]] std::string url() const {
-        return "http://127.0.0.1:" + std::to_string(_port) + "/x.git";
+    [[nodiscard]] std::string url(const std::string& scheme = "http") const {
+        return scheme + "://127.0.0.1:" + std::to_string(_port) + "/x.git";
     }
     [[nodiscard]] bool wasAsked() const { return _wasAsked; }
 
@@ -51,19 +55,32 @@ private:
             char request[4096];
             static_cast<void>(::read(peer, request, sizeof request));
             _wasAsked = true;
-            if (_answer.empty()) {
+            if (_answer.empty() && _silence == Silence::waits) {
                 silent.push_back(peer);
                 continue;
             }
             static_cast<void>(::write(peer, _answer.data(), _answer.size()));
-            ::close(peer);
+            hangUp(peer);
         }
         for (const int peer : silent) {
             ::close(peer);
         }
     }
 
+    /// Hears the peer out, for a few seconds at most: to close with words unread would reset the
+    /// connection, and what was written could be lost.
+    static void hangUp(int peer) {
+        const timeval patience{.tv_sec = 3, .tv_usec = 0};
+        ::setsockopt(peer, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        ::shutdown(peer, SHUT_WR);
+        char rest[4096];
+        while (::read(peer, rest, sizeof rest) > 0) {
+        }
+        ::close(peer);
+    }
+
     std::string _answer;
+    Silence _silence;
     int _listener = -1;
     int _port = 0;
     std::atomic<bool> _wasAsked = false;

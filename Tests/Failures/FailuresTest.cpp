@@ -1,0 +1,95 @@
+// Each failure is brought about with the installed git and compared with what must be told of it,
+// and with its row in docs/errors.md.
+
+#include <gmock/gmock.h>
+
+#include <regex>
+
+#include "ErrorsTable.h"
+#include "Failure.h"
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+
+namespace neb::test {
+
+const Failures& allFailures() {
+    static const Failures all = [] {
+        Failures failures;
+        for (const auto& family : {&networkFailures, &exchangeFailures, &workingCopyFailures,
+                                   &nameFailures, &commitFailures, &machineFailures}) {
+            for (Failure& failure : family()) {
+                failures.push_back(std::move(failure));
+            }
+        }
+        return failures;
+    }();
+    return all;
+}
+
+std::string withoutAccidents(std::string text) {
+    const std::pair<const char*, const char*> accidents[] = {
+        {R"((/[^\s'":]*)?/neb-test-\w{6})", "/tmp"},
+        {R"((127\.0\.0\.1( port |:))\d+)", "$1PORT"},
+        {R"(\d+ ms)", "N ms"},
+        {R"(\b[0-9a-f]{7,64}\b)", "COMMIT"},
+        // where a distribution has its files
+        {R"( at /\S+ line \d+)", " at FILE line N"},
+        {R"(CAfile: \S+)", "CAfile: FILE"},
+        // either side may be the first to say so
+        {R"((remote error: |git )(upload-pack: not our ref))", "$2"},
+    };
+    for (const auto& [pattern, replacement] : accidents) {
+        text = std::regex_replace(text, std::regex(pattern), replacement);
+    }
+    return text;
+}
+
+namespace {
+
+/// The words of the clause, each with a capital: the name of a test.
+std::string testNameOf(const testing::TestParamInfo<Failure>& info) {
+    std::string name;
+    bool isNewWord = true;
+    for (const char character : info.param.how) {
+        const bool isLetter = std::isalnum(static_cast<unsigned char>(character)) != 0;
+        if (isLetter) {
+            name += isNewWord ? static_cast<char>(std::toupper(character)) : character;
+        }
+        isNewWord = !isLetter;
+    }
+    return name;
+}
+
+class EverydayFailure : public HygienicTest, public testing::WithParamInterface<Failure> {};
+
+TEST_P(EverydayFailure, IsToldApart) {
+    const Failure& failure = GetParam();
+    Scene scene;
+    const Request request = failure.provoke(scene);
+    if (!scene.reasonToSkip().empty()) {
+        GTEST_SKIP() << scene.reasonToSkip();
+    }
+    const auto operation = perform(request);
+    const auto& error = operation->error();
+    ASSERT_TRUE(error.has_value());
+    SCOPED_TRACE(error->text.value_or("(no words)"));
+    EXPECT_EQ(error->errorClass, failure.errorClass);
+    EXPECT_EQ(error->code, failure.code);
+    EXPECT_EQ(error->terminationStatus ? error->terminationStatus->exitStatus() : std::nullopt,
+              failure.exitStatus);
+    std::vector<std::string> files;
+    for (const std::string& file : error->files) {
+        files.push_back(withoutAccidents(file));
+    }
+    EXPECT_EQ(files, failure.files);
+    ErrorsTable::instance().compare(failure, *error);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EverydayFailure, testing::ValuesIn(allFailures()), testNameOf);
+
+TEST(EverydayFailures, AreInTheDocumentedTableAndNothingElseIs) {
+    ErrorsTable::instance().compareRows();
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,243 @@
+#include "Scene.h"
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "Support/Matchers.h"
+
+namespace neb::test {
+
+namespace fs = std::filesystem;
+
+// ---- requests ---------------------------------------------------------------------------------
+
+Ask::Ask(std::int32_t type, const std::string& location) : _request(requestFor(type, location)) {
+    _request->remote = std::make_shared<NEBSourceControlRemote>();
+    _request->repositoryToAuthenticate = _request->sourceTree;
+    _request->options.emplace();
+}
+
+Ask& Ask::to(std::string destination) {
+    _request->destination = std::move(destination);
+    return *this;
+}
+
+Ask& Ask::on(const std::vector<std::string>& files) {
+    _request->files.emplace(files.begin(), files.end());
+    return *this;
+}
+
+Ask& Ask::with(std::string_view option, NEBValue value) {
+    _request->options->set(std::string(option), std::move(value));
+    return *this;
+}
+
+Ask& Ask::between(std::string start, std::optional<std::string> end) {
+    _request->startingRevision = std::move(start);
+    if (end) {
+        _request->endingRevision = std::move(*end);
+    }
+    return *this;
+}
+
+Ask& Ask::bySubversion() {
+    _request->remote->representsGitSVNBridge = true;
+    return *this;
+}
+
+Ask Scene::clone(const std::string& url) {
+    fs::create_directories(_folder.path("clone"));
+    return Ask(NEBSourceControlRequestClone, url).to(_folder.path("clone"));
+}
+
+Ask Scene::ask(std::int32_t type) {
+    return {type, work().path()};
+}
+
+Ask Scene::commit(const std::vector<std::string>& files, const std::string& message) {
+    return ask(NEBSourceControlRequestCommit)
+        .on(files)
+        .with(NEBSourceControlRequestOptionMessage, message);
+}
+
+Ask Scene::push(const std::string& local, const std::string& there, const std::string& remote) {
+    return ask(NEBSourceControlRequestPush)
+        .to(there)
+        .with(NEBSourceControlRequestOptionRemoteName, remote)
+        .with(NEBSourceControlRequestOptionBranch, local);
+}
+
+Ask Scene::fetch(const std::string& remote) {
+    return ask(NEBSourceControlRequestFetch).with(NEBSourceControlRequestOptionRemoteName, remote);
+}
+
+Ask Scene::pull(const std::string& branch, const std::string& remote) {
+    return ask(NEBSourceControlRequestUpdate)
+        .to(remote)
+        .with(NEBSourceControlRequestOptionPullByFastForwarding, true)
+        .with(NEBSourceControlRequestOptionRemoteName, remote)
+        .with(NEBSourceControlRequestOptionBranch, branch);
+}
+
+// ---- repositories -----------------------------------------------------------------------------
+
+const TestRepository& Scene::empty() {
+    if (_work == nullptr) {
+        _work = &_repositories.emplace_back();
+    }
+    return *_work;
+}
+
+const TestRepository& Scene::work() {
+    if (_work == nullptr) {
+        _work = &_repositories.emplace_back();
+        _work->commitFile("a", "1\n");
+    }
+    return *_work;
+}
+
+std::string Scene::shared() {
+    if (!_shared) {
+        _shared = _folder.path("shared.git");
+        work().git({"init", "--quiet", "--bare", *_shared});
+        work().git({"remote", "add", "origin", *_shared});
+        work().git({"push", "--quiet", "-u", "origin", "main"});
+    }
+    return *_shared;
+}
+
+void Scene::pushFromElsewhere(std::string_view file, std::string_view bytes) {
+    const TestRepository& other = _repositories.emplace_back(shared());
+    other.commitFile(file, bytes, "from elsewhere");
+    other.git({"push", "--quiet", "origin", "HEAD:main"});
+}
+
+const TestRepository& Scene::withTopic(std::string_view file,
+                                       std::optional<std::string_view> bytes) {
+    const TestRepository& repository = work();
+    repository.git({"checkout", "--quiet", "-b", "topic"});
+    if (bytes) {
+        repository.commitFile(file, *bytes, "topic");
+    } else {
+        repository.git({"rm", "--quiet", std::string(file)});
+        repository.git({"commit", "--quiet", "-m", "topic"});
+    }
+    repository.git({"checkout", "--quiet", "main"});
+    return repository;
+}
+
+const TestRepository& Scene::inConflict() {
+    const TestRepository& repository = withTopic("a", "topic\n");
+    repository.commitFile("a", "main\n");
+    repository.gitStatus({"merge", "topic"});
+    return repository;
+}
+
+// ---- servers ----------------------------------------------------------------------------------
+
+std::string Scene::serve(std::string answer) {
+    return _servers.emplace_back(std::move(answer)).url();
+}
+
+std::string Scene::serveNobody(const std::string& scheme) {
+    return _servers.emplace_back("", LoopbackServer::Silence::hangsUp).url(scheme);
+}
+
+std::string Scene::serveOverTLS() {
+    _tls = std::make_unique<TLSServer>();
+    return _tls->url();
+}
+
+SubversionServer& Scene::subversion() {
+    if (!_subversion) {
+        _subversion = std::make_unique<SubversionServer>();
+    }
+    return *_subversion;
+}
+
+std::string Scene::bridged() {
+    empty().git({"svn", "init", subversion().url() + "/trunk"});
+    empty().git({"svn", "fetch", "--quiet"});
+    empty().git({"reset", "--quiet", "--hard", "refs/remotes/git-svn"});
+    return empty().path();
+}
+
+int Scene::refusedPort() {
+    return 1;  // nobody listens at the port of a service that is long gone
+}
+
+std::string httpAnswer(const std::string& status, const std::string& headers,
+                       const std::string& body) {
+    return "HTTP/1.1 " + status + "\r\n" + headers +
+           "Connection: close\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+           body;
+}
+
+// ---- the surroundings -------------------------------------------------------------------------
+
+void Scene::setVariable(const std::string& name, const std::string& value) {
+    const char* before = std::getenv(name.c_str());
+    _variablesBefore.emplace_back(name, before ? std::optional<std::string>(before) : std::nullopt);
+    ::setenv(name.c_str(), value.c_str(), 1);
+}
+
+void Scene::setSSH(const std::string& script) {
+    setVariable("GIT_SSH_COMMAND", _folder.writeProgram("ssh", "#!/bin/sh\n" + script + "\n"));
+}
+
+void Scene::addHook(const TestRepository& repository, const std::string& name,
+                    const std::string& script) {
+    repository.write(".git/hooks/" + name, "#!/bin/sh\n" + script + "\n");
+    setRights(repository.path(".git/hooks/" + name), 0755);
+}
+
+std::string Scene::smallDisk() {
+    std::string path = _folder.path("disk");
+    fs::create_directory(path);
+    _hasSmallDisk = ::mount("none", path.c_str(), "tmpfs", 0, "size=1m") == 0;
+    if (!_hasSmallDisk) {
+        skip("a small file system cannot be mounted here");
+    }
+    return path;
+}
+
+void Scene::actAsOrdinaryUser() {
+    if (::geteuid() == 0) {
+        constexpr uid_t nobody = 65534;
+        std::vector<std::string> folders{_folder.path()};
+        for (const TestRepository& repository : _repositories) {
+            folders.push_back(repository.path());
+        }
+        for (const std::string& folder : folders) {
+            static_cast<void>(::lchown(folder.c_str(), nobody, static_cast<gid_t>(-1)));
+            for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+                static_cast<void>(::lchown(entry.path().c_str(), nobody, static_cast<gid_t>(-1)));
+            }
+        }
+    }
+    _user.emplace();
+}
+
+void Scene::setRights(const std::string& path, unsigned mode) {
+    fs::permissions(path, static_cast<fs::perms>(mode));
+}
+
+Scene::~Scene() {
+    _user.reset();
+    if (_hasSmallDisk) {
+        ::umount2(_folder.path("disk").c_str(), MNT_DETACH);
+    }
+    for (const auto& [name, value] : _variablesBefore) {
+        if (value) {
+            ::setenv(name.c_str(), value->c_str(), 1);
+        } else {
+            ::unsetenv(name.c_str());
+        }
+    }
+}
+
+}  // namespace neb::test

@@ -1,0 +1,96 @@
+#include "TLSServer.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/ChildProcess.h"
+
+namespace neb::test {
+
+namespace {
+
+/// A child whose standard output goes to the descriptor.
+pid_t start(std::vector<std::string> words, int output) {
+    std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const int failure = ::posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0) {
+        throw std::runtime_error(words[0] + " cannot be started");
+    }
+    return pid;
+}
+
+/// Reads until the mark and the line end behind it have come, for ten seconds at most; answers what
+/// stands between the two.
+std::string readBehind(int descriptor, const std::string& mark) {
+    std::string text;
+    constexpr int patience = 10000;
+    pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
+    char bytes[512];
+    while (::poll(&ready, 1, patience) == 1) {
+        const ssize_t count = ::read(descriptor, bytes, sizeof bytes);
+        if (count <= 0) {
+            break;
+        }
+        text.append(bytes, static_cast<std::size_t>(count));
+        const std::size_t place = text.find(mark);
+        const std::size_t end = place == std::string::npos ? place : text.find('\n', place);
+        if (end != std::string::npos) {
+            return text.substr(place + mark.size(), end - place - mark.size());
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+TLSServer::TLSServer() {
+    ChildProcess process;
+    const ChildOutcome made = process.run(
+        {{.launchPath = "/usr/bin/env",
+          .arguments = {"openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+                        "ec_paramgen_curve:prime256v1", "-nodes", "-subj", "/CN=other.invalid",
+                        "-addext", "subjectAltName=DNS:other.invalid", "-days", "2", "-keyout",
+                        _folder.path("key.pem"), "-out", certificate()},
+          .currentDirectoryPath = std::nullopt,
+          .environment = NEBSourceControlInheritedEnvironment()}})[0];
+    if (!made.status.isSuccess()) {
+        throw std::runtime_error("openssl makes no certificate: " + made.errorOutput);
+    }
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        throw std::runtime_error("there is no pipe");
+    }
+    _server = start({"openssl", "s_server", "-accept", "127.0.0.1:0", "-cert", certificate(),
+                     "-key", _folder.path("key.pem"), "-www"},
+                    ends[1]);
+    ::close(ends[1]);
+    _url = "https://127.0.0.1:" + readBehind(ends[0], "ACCEPT 127.0.0.1:") + "/x.git";
+    ::close(ends[0]);
+}
+
+TLSServer::~TLSServer() {
+    ::kill(_server, SIGKILL);
+    ::waitpid(_server, nullptr, 0);
+}
+
+}  // namespace neb::test

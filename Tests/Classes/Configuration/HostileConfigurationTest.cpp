@@ -72,6 +72,8 @@ TEST_P(UnderHostileConfiguration, AnswersAndDoesTheSame) {
         outcome = outcomeOf(world, request);
         started = hostile.startedPrograms();
     }
+    plain.run(GetParam().settlement);
+    world.run(GetParam().settlement);
     if (GetParam().tellsStatus) {
         outcome.words = expected.words;
     }

@@ -101,7 +101,8 @@ std::vector<RequestCase> changesOfFiles() {
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
              request.destination = world.repository("copied é.txt");
-         }},
+         },
+         false, "git add 'copied é.txt'"},
         {"Move", 11, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});

@@ -21,6 +21,9 @@ struct RequestCase {
     void (*fill)(const World& world, NEBSourceControlRequest& request);
     /// git's words in the error are a status for people, which is as the user wants it.
     bool tellsStatus = false;
+    /// What is done in the repository afterwards, a script of the shell, where what the request
+    /// does depends on which of its steps is first.
+    std::string settlement = {};
 };
 
 /// How a failed test names it.

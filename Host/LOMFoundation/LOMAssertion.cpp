@@ -21,6 +21,11 @@ SinkHolder& sinkHolder() {
     return holder;
 }
 
+LOMAssertionSink& sinkOfThread() {
+    thread_local LOMAssertionSink sink;
+    return sink;
+}
+
 void writeLine(const LOMAssertionReport& report) {
     // Nobody can be told that standard error takes nothing.
     static_cast<void>(std::fprintf(stderr, "%s: %s:%d: %s\n", report.function.c_str(),
@@ -42,6 +47,10 @@ void _LOMAssertionFailureHandler(std::string_view object, std::string_view comma
         .object = std::string(object),
         .command = std::string(command),
     };
+    if (const LOMAssertionSink& sink = sinkOfThread()) {
+        sink(report);
+        return;
+    }
     SinkHolder& holder = sinkHolder();
     const std::lock_guard lock(holder.mutex);
     if (holder.sink) {
@@ -67,6 +76,10 @@ void LOMSetAssertionSink(LOMAssertionSink sink) {
     SinkHolder& holder = sinkHolder();
     const std::lock_guard lock(holder.mutex);
     holder.sink = std::move(sink);
+}
+
+void LOMSetAssertionSinkOfThread(LOMAssertionSink sink) {
+    sinkOfThread() = std::move(sink);
 }
 
 }  // namespace neb

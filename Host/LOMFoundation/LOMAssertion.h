@@ -56,4 +56,8 @@ using LOMAssertionSink = std::function<void(const LOMAssertionReport&)>;
 /// standard error. From any thread.
 NEB_EXPORT void LOMSetAssertionSink(LOMAssertionSink sink);
 
+/// Sets the sink for what the calling thread reports, in place of the process's; an absent one
+/// takes it away. For a host that serves several callers at once.
+NEB_EXPORT void LOMSetAssertionSinkOfThread(LOMAssertionSink sink);
+
 }  // namespace neb

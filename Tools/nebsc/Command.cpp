@@ -50,6 +50,7 @@ std::span<const Command* const> allCommands() {
         &updateCommand,
         //
         &requestCommand,
+        &serveCommand,
         &typesCommand,
     };
     return commands;

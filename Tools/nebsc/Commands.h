@@ -57,6 +57,8 @@ extern const Command updateCommand;
 // ---- requests
 /// Reads a request, carries it out, and says what came of it, in JSON.
 extern const Command requestCommand;
+/// Does so for a client that stays, over JSON-RPC.
+extern const Command serveCommand;
 /// Says which types of request there are and what each needs, as the plug-in itself tells it: a
 /// table or JSON.
 extern const Command typesCommand;

@@ -21,6 +21,11 @@ ChildOutcome runGit(Interruption& interruption, std::vector<std::string> argumen
                     std::optional<std::string> folder) {
     ChildProcess process;
     const Interruption::Work work(interruption, [&process] { process.cancel(); });
+    return runGit(process, std::move(arguments), std::move(folder));
+}
+
+ChildOutcome runGit(ChildProcess& process, std::vector<std::string> arguments,
+                    std::optional<std::string> folder) {
     return process
         .run({{.launchPath = gitPath(),
                .arguments = std::move(arguments),

@@ -16,6 +16,10 @@ namespace neb::nebsc {
 [[nodiscard]] ChildOutcome runGit(Interruption& interruption, std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
+/// The same; whoever has the process can cancel it.
+[[nodiscard]] ChildOutcome runGit(ChildProcess& process, std::vector<std::string> arguments,
+                                  std::optional<std::string> folder);
+
 /// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
 [[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
 

@@ -8,8 +8,7 @@
 //     });
 //     performance.outcome->result;
 //
-// One request at a time in a process, as assertion reports have one sink for all; from any thread.
-// Nothing is printed.
+// From any thread, several at once. Nothing is printed.
 #pragma once
 
 #include <functional>

@@ -1,16 +1,16 @@
-// ReportCapture.h - collects the assertion reports made while it lives.
+// ReportCapture.h - collects the assertion reports that a thread makes while it lives.
 //
-// Reports go through one sink of the process, so one capture lives at a time; the default sink is
-// back when it is gone. Reports may come from any thread.
+// An operation reports on the thread that makes and starts it. Several captures may live at once,
+// each on a thread of its own; reports of threads without one go where reports go by default.
 #pragma once
 
-#include <mutex>
 #include <vector>
 
 #include "LOMFoundation/LOMAssertion.h"
 
 namespace neb::nebsc {
 
+/// Of the thread that makes it, and never two at a time there.
 class ReportCapture {
 public:
     ReportCapture();
@@ -19,11 +19,10 @@ public:
     ~ReportCapture();
 
     /// Those made so far, in order.
-    [[nodiscard]] std::vector<LOMAssertionReport> reports() const;
+    [[nodiscard]] const std::vector<LOMAssertionReport>& reports() const { return _reports; }
 
 private:
-    mutable std::mutex _mutex;
-    std::vector<LOMAssertionReport> _reports;  // guarded by _mutex
+    std::vector<LOMAssertionReport> _reports;
 };
 
 }  // namespace neb::nebsc

@@ -27,10 +27,7 @@ Reply run(const CommandCall& call) {
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
-        return refusal(subjectAt(value->field) + " is \"" + shortened(value->value) +
-                           "\"; it is refused here, as git would " + std::string(value->danger) +
-                           ".",
-                       exitNotUnderstood);
+        return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
     }
     Reply reply{.standardOutput = lineOfJSON(jsonOfOutcome(*performance.outcome)),
                 .standardError = {},

@@ -255,15 +255,21 @@ bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest
 
 RequestReading requestFromJSON(std::string_view text) {
     const JSONReading reading = readJSON(text);
-    if (!reading.root) {
-        return {nullptr, reading.failure};
-    }
+    return reading.root ? requestFromJSON(*reading.root) : RequestReading{nullptr, reading.failure};
+}
+
+RequestReading requestFromJSON(const JSONNode& root) {
     Refusal refusal;
     auto request = std::make_shared<NEBSourceControlRequest>();
-    if (!readRequest(refusal, *reading.root, *request)) {
+    if (!readRequest(refusal, root, *request)) {
         return {nullptr, refusal.sentence};
     }
     return {std::move(request), {}};
+}
+
+std::string sentenceOfRefusedValue(const NEBSourceControlOptionLikeValue& value) {
+    return subjectAt(value.field) + " is \"" + shortened(value.value) +
+           "\"; it is refused here, as git would " + std::string(value.danger) + ".";
 }
 
 }  // namespace neb::nebsc

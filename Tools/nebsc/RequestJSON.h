@@ -22,6 +22,8 @@
 #include <string>
 #include <string_view>
 
+#include "JSONText.h"
+#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 
 namespace neb::nebsc {
@@ -33,7 +35,13 @@ struct RequestReading {
     std::string refusal;
 };
 
-/// From any thread.
+/// From any thread, as is the next.
 [[nodiscard]] RequestReading requestFromJSON(std::string_view text);
+
+/// Of a text that has been read.
+[[nodiscard]] RequestReading requestFromJSON(const JSONNode& root);
+
+/// Why a request in JSON is refused for the sake of a value.
+[[nodiscard]] std::string sentenceOfRefusedValue(const NEBSourceControlOptionLikeValue& value);
 
 }  // namespace neb::nebsc

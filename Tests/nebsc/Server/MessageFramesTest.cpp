@@ -1,0 +1,96 @@
+// The frames of messages, whatever the pieces in which they arrive.
+
+#include "MessageFrames.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace neb::test {
+namespace {
+
+using nebsc::MessageFrames;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Optional;
+
+constexpr std::size_t limit = 100;
+
+/// The messages of a stream that arrives in pieces of this size.
+std::vector<std::string> messagesIn(std::string_view stream, std::size_t pieceSize,
+                                    MessageFrames& frames) {
+    std::vector<std::string> messages;
+    while (!stream.empty()) {
+        frames.append(stream.substr(0, pieceSize));
+        stream.remove_prefix(std::min(pieceSize, stream.size()));
+        while (const auto frame = frames.take()) {
+            messages.push_back(frame->length > limit ? std::to_string(frame->length)
+                                                     : frame->content);
+        }
+    }
+    return messages;
+}
+
+TEST(MessageFrames, AreTheSameInPiecesOfAnySize) {
+    const std::string stream =
+        MessageFrames::framed("{}") + MessageFrames::framed("") +
+        "content-length:  3 \r\nContent-Type: application/json\r\n\r\n\r\na" +
+        MessageFrames::framed(std::string(limit, 'x')) +
+        MessageFrames::framed(std::string(limit + 1, 'y')) + MessageFrames::framed("[1]");
+    for (const std::size_t pieceSize : {1U, 2U, 7U, 64U, 1000U}) {
+        MessageFrames frames(limit);
+        EXPECT_THAT(messagesIn(stream, pieceSize, frames),
+                    ElementsAre("{}", "", "\r\na", std::string(limit, 'x'), "101", "[1]"));
+        EXPECT_EQ(frames.failure(), std::nullopt);
+        EXPECT_TRUE(frames.isBetweenMessages());
+    }
+}
+
+TEST(MessageFrames, AreCountedInBytes) {
+    EXPECT_EQ(MessageFrames::framed("\xC3\xA4"), "Content-Length: 2\r\n\r\n\xC3\xA4");
+}
+
+TEST(MessageFrames, TellWhereTheStreamStops) {
+    MessageFrames frames(limit);
+    EXPECT_TRUE(frames.isBetweenMessages());
+    for (const std::string_view piece : {"Content-Le", "ngth: 2\r\n\r\n", "{"}) {
+        frames.append(piece);
+        EXPECT_EQ(frames.take(), std::nullopt);
+        EXPECT_FALSE(frames.isBetweenMessages());
+    }
+    frames.append("}");
+    EXPECT_TRUE(frames.take());
+    EXPECT_TRUE(frames.isBetweenMessages());
+}
+
+struct BadHeader {
+    const char* name;
+    std::string header;
+    const char* words;
+};
+
+class BadHeaders : public testing::TestWithParam<BadHeader> {};
+
+TEST_P(BadHeaders, EndTheReading) {
+    MessageFrames frames(limit);
+    EXPECT_THAT(messagesIn(MessageFrames::framed("{}") + GetParam().header, 5, frames),
+                ElementsAre("{}"));
+    EXPECT_THAT(frames.failure(), Optional(HasSubstr(GetParam().words)));
+    frames.append(MessageFrames::framed("{}"));
+    EXPECT_EQ(frames.take(), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, BadHeaders,
+    testing::Values(BadHeader{"NoLength", "Content-Type: x\r\n\r\n{}", "has no Content-Length"},
+                    BadHeader{"Empty", "\r\n\r\n{}", "has no Content-Length"},
+                    BadHeader{"NoNumber", "Content-Length: x\r\n\r\n{}", "is no number"},
+                    BadHeader{"Negative", "Content-Length: -1\r\n\r\n{}", "is no number"},
+                    BadHeader{"TooLarge", "Content-Length: 99999999999999999999\r\n\r\n{}",
+                              "is no number"},
+                    BadHeader{"NoColon", "{\"jsonrpc\"\r\n\r\n", "which has no colon"},
+                    BadHeader{"Endless", std::string(5000, 'x'), "more than 4096 bytes"}),
+    [](const auto& tested) { return tested.param.name; });
+
+}  // namespace
+}  // namespace neb::test

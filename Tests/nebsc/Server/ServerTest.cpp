@@ -1,0 +1,338 @@
+// `nebsc serve`, run as a program and talked with over its pipes.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "Support/HygienicTest.h"
+#include "Support/TestRepository.h"
+#include "nebsc/NebscRun.h"
+#include "nebsc/Server/ServerClient.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using JSON = ServerClient::JSON;
+
+JSON requestAbout(int type, const std::string& location) {
+    return {{"type", type}, {"sourceTree", {{"location", location}}}};
+}
+
+JSON commitOf(const TestRepository& repository, const std::string& file) {
+    JSON request = requestAbout(3, repository.path());
+    request["files"] = {repository.path(file)};
+    request["options"] = {{"NEBSourceControlRequestOptionMessage", file}};
+    return request;
+}
+
+/// The text that somebody else writes into the file, waited for; empty when nobody does.
+std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
+    for (int i = 0; i < 6000; ++i) {
+        std::string text = folder.read(name);
+        if (text.ends_with('\n')) {
+            return text;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return {};
+}
+
+/// A git that tells the number of its process and works for long, but for the question for its
+/// version and for anything about a folder that is called "quick".
+class SlowGit {
+public:
+    SlowGit() {
+        _folder.writeProgram("git",
+                             "#!/bin/sh\ncase \"$1 $PWD\" in --version*|*/quick) exit 0;; "
+                             "esac\necho $$ > '" +
+                                 _folder.path("started") + "'\nexec sleep 3600\n");
+        std::filesystem::create_directory(_folder.path("quick"));
+    }
+    [[nodiscard]] std::pair<std::string, std::optional<std::string>> path() const {
+        return {"PATH", _folder.path() + ":/usr/bin:/bin"};
+    }
+    [[nodiscard]] std::string place() const { return _folder.path(); }
+    [[nodiscard]] std::string quickPlace() const { return _folder.path("quick"); }
+    /// Waits until it works, and answers its process.
+    [[nodiscard]] pid_t process() const {
+        std::istringstream number(awaitedLine(_folder, "started"));
+        pid_t process = 0;
+        number >> process;
+        EXPECT_TRUE(process > 0 && isLiveProcess(process));
+        return process;
+    }
+
+private:
+    TemporaryFolder _folder;
+};
+
+// ---- a conversation ---------------------------------------------------------------------------
+
+TEST(Server, TellsWhatItIs) {
+    ServerClient client;
+    const JSON result = client.initialize()["result"];
+    EXPECT_EQ(result["serverInfo"]["name"], "nebsc");
+    EXPECT_NE(result["serverInfo"]["version"], "");
+    EXPECT_EQ(result["contractVersion"], 1);
+    EXPECT_THAT(result["gitVersion"].get<std::string>(), testing::StartsWith("git version "));
+    EXPECT_EQ(result["requestTypes"].size(), 40U);
+    EXPECT_EQ(result["requestTypes"][18], JSON({{"type", 18}, {"name", "log"}}));
+    client.send(1, "shutdown");
+    EXPECT_EQ(client.receive(), JSON({{"jsonrpc", "2.0"}, {"id", 1}, {"result", nullptr}}));
+    client.send(2, "sourceControl/plan", requestAbout(18, "/"));
+    EXPECT_EQ(client.answerTo(2)["error"]["code"], -32600);
+    client.send({}, "exit");
+    EXPECT_EQ(client.exitStatus(), 0);
+}
+
+TEST(Server, AnswersAsTheRequestCommandDoes) {
+    const TestRepository repository;
+    repository.commitFile("grüße.c", "1\n", "First");
+    ServerClient client;
+    client.initialize();
+    for (const int type : {15, 18, 26, 12, 40, 34}) {
+        const JSON request = requestAbout(type, repository.path());
+        client.send(type, "sourceControl/perform", request);
+        JSON answer = client.answerTo(type)["result"];
+        JSON expected = runRequest(request.dump(), {}).json();
+        for (JSON* outcome : {&answer, &expected}) {
+            for (JSON& command : (*outcome)["commands"]) {
+                command["milliseconds"] = 0;
+            }
+        }
+        EXPECT_EQ(answer, expected) << type;
+    }
+}
+
+TEST(Server, PlansWithoutRunning) {
+    const TestRepository repository;
+    ServerClient client;
+    client.initialize();
+    client.send("p", "sourceControl/plan", requestAbout(18, repository.path()));
+    const JSON outcome = client.answerTo("p")["result"];
+    EXPECT_EQ(outcome["operation"], "GitLogOperation");
+    EXPECT_THAT(outcome["command"]["arguments"].dump(), HasSubstr("--abbrev=12"));
+    EXPECT_EQ(outcome["commands"], JSON::array());
+}
+
+TEST(Server, KeepsTheReportsOfEachRequestApart) {
+    ServerClient client;
+    client.initialize();
+    for (int i = 0; i < 20; ++i) {
+        client.send(i, "sourceControl/plan", requestAbout(i % 2 == 0 ? 14 : 15, "/"));
+    }
+    for (int i = 0; i < 20; ++i) {
+        const JSON answer = client.receive();
+        EXPECT_EQ(answer["result"]["reports"].size(), answer["id"].get<int>() % 2 == 0 ? 1U : 0U);
+    }
+}
+
+// ---- what is refused --------------------------------------------------------------------------
+
+TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
+    ServerClient client;
+    client.send(1, "sourceControl/perform", requestAbout(15, "/"));
+    EXPECT_EQ(client.answerTo(1)["error"]["code"], -32002);
+    client.initialize();
+    client.send(2, "initialize", JSON::object());
+    EXPECT_EQ(client.answerTo(2)["error"]["code"], -32600);
+    client.send(3, "sourceControl/nothing");
+    EXPECT_EQ(client.answerTo(3)["error"]["code"], -32601);
+    client.send(4, "$/cancelRequest", {{"id", 1}});
+    EXPECT_EQ(client.answerTo(4)["error"]["code"], -32601);
+    client.send(5, "sourceControl/perform", {{"type", 15}, {"sourcetree", 1}});
+    const JSON unknown = client.answerTo(5)["error"];
+    EXPECT_EQ(unknown["code"], -32602);
+    EXPECT_THAT(unknown["message"].get<std::string>(), HasSubstr("\"sourcetree\" is not known"));
+    client.send(6, "sourceControl/perform");
+    EXPECT_EQ(client.answerTo(6)["error"]["code"], -32602);
+    JSON option = requestAbout(18, "/");
+    option["startingRevision"] = "--output=x";
+    client.send(7, "sourceControl/perform", option);
+    const JSON refused = client.answerTo(7)["error"];
+    EXPECT_EQ(refused["code"], -32602);
+    EXPECT_THAT(refused["message"].get<std::string>(), HasSubstr("--output=x"));
+    client.sendMessage("no JSON");
+    EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32700);
+    client.sendMessage(R"([{"jsonrpc":"2.0","id":1,"method":"shutdown"}])");
+    EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32600);
+    client.send({}, "sourceControl/perform", requestAbout(15, "/"));
+    client.send({}, "$/cancelRequest", {{"id", "nobody's"}});
+    client.send({}, "$/cancelRequest");
+    client.send({}, "initialized", JSON::object());
+    client.send(8, "sourceControl/plan", requestAbout(15, "/"));
+    EXPECT_EQ(client.answerTo(8)["result"]["operation"], "GitStatusOperation");
+    EXPECT_THAT(client.others(), testing::IsEmpty());
+}
+
+TEST(Server, PassesOverAMessageThatIsTooLong) {
+    ServerClient client;
+    client.initialize();
+    client.sendMessage(std::string(100'000'000, ' '));
+    const JSON error = client.answerTo(nullptr)["error"];
+    EXPECT_EQ(error["code"], -32600);
+    EXPECT_THAT(error["message"].get<std::string>(), HasSubstr("100000000 bytes"));
+    client.send(1, "sourceControl/plan", requestAbout(15, "/"));
+    EXPECT_EQ(client.answerTo(1)["result"]["valid"], true);
+}
+
+TEST(Server, TakesAnIdOnceAtATime) {
+    const SlowGit git;
+    ServerClient client({git.path()});
+    client.initialize();
+    client.send(1, "sourceControl/perform", requestAbout(15, git.place()));
+    const pid_t process = git.process();
+    client.send(1, "sourceControl/plan", requestAbout(15, git.place()));
+    EXPECT_EQ(client.answerTo(1)["error"]["code"], -32600);
+    client.send({}, "$/cancelRequest", {{"id", 1}});
+    EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
+    EXPECT_FALSE(isLiveProcess(process));
+}
+
+// ---- side by side -----------------------------------------------------------------------------
+
+TEST(Server, QueuesWhatWritesToOneWorkingCopy) {
+    const TestRepository repository;
+    repository.commitFile("first", "1");
+    std::string files;
+    constexpr int count = 12;
+    for (int i = 0; i < count; ++i) {
+        repository.write("file" + std::to_string(i), "1");
+    }
+    repository.git({"add", "."});
+    ServerClient client;
+    client.initialize();
+    for (int i = 0; i < count; ++i) {
+        client.send(i, "sourceControl/perform", commitOf(repository, "file" + std::to_string(i)));
+    }
+    for (int i = 0; i < count; ++i) {
+        const JSON answer = client.receive();
+        EXPECT_EQ(answer["result"]["error"], nullptr) << answer;
+    }
+    EXPECT_EQ(repository.git({"rev-list", "--count", "HEAD"}), std::to_string(count + 1) + "\n");
+    std::string subjects;
+    for (int i = 0; i < count; ++i) {
+        subjects += "file" + std::to_string(i) + "\n";
+    }
+    EXPECT_EQ(
+        repository.git({"log", "--reverse", "--format=%s", "HEAD~" + std::to_string(count) + ".."}),
+        subjects);
+}
+
+TEST(Server, LetsReadsPassAWriteAndCancelsWhatWaits) {
+    const SlowGit git;
+    ServerClient client({git.path()});
+    client.initialize();
+    JSON add = requestAbout(0, git.place());
+    client.send("running", "sourceControl/perform", add);
+    const pid_t process = git.process();
+    client.send("waiting", "sourceControl/perform", add);
+    client.send("reading", "sourceControl/perform", requestAbout(15, git.quickPlace()));
+    EXPECT_EQ(client.answerTo("reading")["result"]["type"], 15);
+    client.send({}, "$/cancelRequest", {{"id", "waiting"}});
+    EXPECT_EQ(client.answerTo("waiting")["error"]["code"], -32800);
+    EXPECT_TRUE(isLiveProcess(process));
+    client.send({}, "$/cancelRequest", {{"id", "running"}});
+    const JSON error = client.answerTo("running")["error"];
+    EXPECT_EQ(error["code"], -32800);
+    EXPECT_EQ(error["data"]["error"]["class"], "cancelled");
+    EXPECT_FALSE(isLiveProcess(process));
+    EXPECT_THAT(client.others(), testing::IsEmpty());
+}
+
+TEST(Server, TellsOfTheProgressOfWhatTakesLong) {
+    const SlowGit git;
+    ServerClient client({git.path()});
+    client.initialize();
+    JSON slow = requestAbout(15, git.place());
+    slow["workDoneToken"] = "t";
+    JSON quick = requestAbout(15, git.quickPlace());
+    quick["workDoneToken"] = 5;
+    client.send(1, "sourceControl/perform", quick);
+    client.send(2, "sourceControl/perform", slow);
+    const auto progress = [](const JSON& token, const JSON& value) {
+        return JSON{{"jsonrpc", "2.0"},
+                    {"method", "$/progress"},
+                    {"params", {{"token", token}, {"value", value}}}};
+    };
+    EXPECT_EQ(client.answerTo(1)["result"]["type"], 15);
+    EXPECT_EQ(client.receive(), progress("t", {{"kind", "begin"}, {"title", "status"}}));
+    EXPECT_EQ(client.receive(), progress("t", {{"kind", "report"}, {"message", "1 s"}}));
+    client.send({}, "$/cancelRequest", {{"id", 2}});
+    EXPECT_EQ(client.answerTo(2)["error"]["code"], -32800);
+    EXPECT_EQ(client.others().back(), progress("t", {{"kind", "end"}}));
+}
+
+// ---- the end ----------------------------------------------------------------------------------
+
+class EndOfServer : public testing::Test {
+protected:
+    EndOfServer() {
+        client.initialize();
+        client.send(1, "sourceControl/perform", requestAbout(15, git.place()));
+        process = git.process();
+    }
+    void expectEnd(int exitStatus) {
+        EXPECT_EQ(client.exitStatus(), exitStatus);
+        EXPECT_FALSE(isLiveProcess(process));
+    }
+
+    const SlowGit git;
+    ServerClient client{{git.path()}};
+    pid_t process = 0;
+};
+
+TEST_F(EndOfServer, ByExitLeavesNothingBehind) {
+    client.send({}, "exit");
+    EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
+    expectEnd(1);
+}
+
+TEST_F(EndOfServer, ByAClientThatIsGoneLeavesNothingBehind) {
+    client.close();
+    expectEnd(1);
+}
+
+TEST_F(EndOfServer, ByAClientThatGoesInTheMiddleOfAMessage) {
+    client.sendBytes("Content-Length: 20\r\n\r\n{");
+    client.close();
+    expectEnd(1);
+}
+
+TEST_F(EndOfServer, ByAClientThatReadsNoMore) {
+    client.stopReading();
+    client.send(2, "nothing");
+    expectEnd(1);
+}
+
+TEST_F(EndOfServer, ByAHeaderThatCannotBeUnderstood) {
+    client.sendBytes("{\"jsonrpc\": \"2.0\"}\r\n\r\n");
+    EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32700);
+    expectEnd(1);
+}
+
+TEST_F(EndOfServer, ByASignal) {
+    client.signal(SIGTERM);
+    expectEnd(128 + SIGTERM);
+}
+
+/// Its answers fill the pipe, and nobody takes them.
+TEST(Server, EndsWhenItsAnswersAreNotTaken) {
+    ServerClient client;
+    client.initialize();
+    for (int i = 0; i < 2000; ++i) {
+        client.send(i, "sourceControl/plan", requestAbout(15, "/"));
+    }
+    client.close();
+    EXPECT_EQ(client.exitStatus(), 1);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,89 @@
+// Which requests wait for each other.
+
+#include "WorkingCopyOrder.h"
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <mutex>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Support/Matchers.h"
+#include "Support/TestRepository.h"
+
+namespace neb::test {
+namespace {
+
+using nebsc::WorkingCopyOrder;
+using nebsc::writtenPlaceOf;
+
+TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
+    const TestRepository repository;
+    repository.write("src/deep/a.c", "1");
+    for (std::int32_t type = NEBSourceControlFirstRequestType;
+         type <= NEBSourceControlLastRequestType; ++type) {
+        const auto request = requestFor(type, repository.path("src/deep"));
+        const bool isReading = type == 15 || (type >= 17 && type <= 22) || type == 24 ||
+                               type == 25 || type == 26 || type == 28 || type == 30 || type == 31 ||
+                               type == 32 || type == 38 || type == 39;
+        if (type == NEBSourceControlRequestClone) {
+            request->destination = repository.path("new/clone");
+        }
+        EXPECT_EQ(writtenPlaceOf(*request),
+                  isReading ? std::nullopt : std::optional(repository.path()))
+            << type;
+    }
+}
+
+TEST(WrittenPlace, IsToldByLocationOrRepository) {
+    const TestRepository repository;
+    const auto request = requestFor(0, "file://" + repository.path());
+    EXPECT_EQ(writtenPlaceOf(*request), repository.path());
+    request->sourceTree.reset();
+    EXPECT_EQ(writtenPlaceOf(*request), "");
+    request->options =
+        NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")}};
+    EXPECT_EQ(writtenPlaceOf(*request), repository.path());
+    const TemporaryFolder folder;
+    EXPECT_EQ(writtenPlaceOf(*requestFor(27, folder.path("new"))), folder.path("new"));
+}
+
+TEST(WorkingCopyOrder, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
+    OperationQueue queue(4);
+    WorkingCopyOrder order(queue);
+    std::mutex mutex;
+    std::string done;
+    const auto note = [&](char letter) {
+        const std::lock_guard lock(mutex);
+        done += letter;
+    };
+    std::promise<void> goOn;
+    const auto mayGoOn = goOn.get_future().share();
+    std::promise<void> bothDone;
+    std::atomic<int> others = 2;
+    const auto other = [&](char letter) {
+        note(letter);
+        if (--others == 0) {
+            bothDone.set_value();
+        }
+    };
+    order.add("/w", [&] {
+        mayGoOn.wait();
+        note('1');
+    });
+    order.add("/w", [&] { note('2'); });
+    order.add("/w", [&] { note('3'); });
+    order.add("/v", [&] { other('v'); });
+    order.add(std::nullopt, [&] { other('r'); });
+    bothDone.get_future().wait();
+    goOn.set_value();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(done, testing::AnyOf("vr123", "rv123"));
+    order.add("/w", [&] { note('4'); });
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(done.ends_with('4'));
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,119 @@
+#include "MessageWriter.h"
+
+#include <limits.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+
+#include "MessageFrames.h"
+#include "Platform/SignalFreeThread.h"
+
+namespace neb::nebsc {
+
+MessageWriter::MessageWriter(int descriptor, std::function<void()> lost)
+    : _descriptor(descriptor), _lost(std::move(lost)) {
+    _thread = startSignalFreeThread([this] { write(); });
+}
+
+MessageWriter::~MessageWriter() {
+    {
+        const std::lock_guard lock(_mutex);
+        _isEnding = true;
+    }
+    _wake.wake();
+    _changed.notify_all();
+    _thread.join();
+}
+
+void MessageWriter::send(std::string_view content) {
+    {
+        const std::lock_guard lock(_mutex);
+        if (_isLost) {
+            return;
+        }
+        _messages.push_back(MessageFrames::framed(content));
+        _waitingBytes += _messages.back().size();
+    }
+    _changed.notify_all();
+}
+
+std::size_t MessageWriter::waitingBytes() const {
+    const std::lock_guard lock(_mutex);
+    return _waitingBytes;
+}
+
+bool MessageWriter::finish(std::chrono::milliseconds patience) {
+    std::unique_lock lock(_mutex);
+    while (_waitingBytes > 0 && !_isLost) {
+        const std::size_t former = _waitingBytes;
+        const bool hasMoved = _changed.wait_for(
+            lock, patience, [this, former] { return _waitingBytes < former || _isLost; });
+        if (!hasMoved) {
+            return false;
+        }
+    }
+    return !_isLost;
+}
+
+void MessageWriter::write() {
+    std::unique_lock lock(_mutex);
+    while (true) {
+        _changed.wait(lock, [this] { return _isEnding || !_messages.empty(); });
+        if (_isEnding) {
+            return;
+        }
+        const std::string message = std::move(_messages.front());
+        _messages.pop_front();
+        lock.unlock();
+        const bool isWritten = writeOne(message);
+        lock.lock();
+        if (!isWritten) {
+            const bool isReaderGone = !_isEnding;
+            _isLost = true;
+            _messages.clear();
+            _waitingBytes = 0;
+            lock.unlock();
+            _changed.notify_all();
+            if (isReaderGone) {
+                _lost();
+            }
+            return;
+        }
+    }
+}
+
+/// Never waits in write(): of a pipe that poll calls writable, PIPE_BUF bytes can be written.
+bool MessageWriter::writeOne(std::string_view message) {
+    while (!message.empty()) {
+        std::array<pollfd, 2> descriptors{
+            {{.fd = _descriptor, .events = POLLOUT, .revents = 0},
+             {.fd = _wake.descriptor(), .events = POLLIN, .revents = 0}}};
+        if (::poll(descriptors.data(), descriptors.size(), -1) < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        if (descriptors[1].revents != 0) {
+            return false;
+        }
+        const std::size_t size = std::min<std::size_t>(message.size(), PIPE_BUF);
+        const ssize_t count = ::write(_descriptor, message.data(), size);
+        if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            return false;
+        }
+        if (count > 0) {
+            message.remove_prefix(static_cast<std::size_t>(count));
+            {
+                const std::lock_guard lock(_mutex);
+                _waitingBytes -= static_cast<std::size_t>(count);
+            }
+            _changed.notify_all();
+        }
+    }
+    return true;
+}
+
+}  // namespace neb::nebsc

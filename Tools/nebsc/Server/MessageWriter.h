@@ -1,0 +1,62 @@
+// MessageWriter.h - writes framed messages to a descriptor, whoever sends them and however slowly
+// they are read.
+//
+//     MessageWriter writer(STDOUT_FILENO, [] { … });   // called when nobody can be written to
+//     writer.send(R"({"jsonrpc":"2.0", …})");
+//     writer.finish(std::chrono::seconds(2));
+//
+// A thread of its own writes, so that send() never waits for the reader. From any thread, but for
+// the making and finish().
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "Wake.h"
+
+namespace neb::nebsc {
+
+class MessageWriter {
+public:
+    /// Writes to `descriptor`, which stays the caller's and may be blocking. `lost` is called once,
+    /// on the writer's own thread, when the reader has gone or the descriptor cannot be written;
+    /// what is sent from then on goes nowhere.
+    MessageWriter(int descriptor, std::function<void()> lost);
+    MessageWriter(const MessageWriter&) = delete;
+    MessageWriter& operator=(const MessageWriter&) = delete;
+    /// Drops what is not written.
+    ~MessageWriter();
+
+    /// Adds a message to those that are to be written, in order.
+    void send(std::string_view content);
+
+    /// How many bytes wait to be written.
+    [[nodiscard]] std::size_t waitingBytes() const;
+
+    /// Waits until all is written; gives up, and answers false, when the reader has gone or takes
+    /// nothing for as long as `patience`.
+    bool finish(std::chrono::milliseconds patience);
+
+private:
+    void write();
+    [[nodiscard]] bool writeOne(std::string_view message);
+
+    const int _descriptor;
+    const std::function<void()> _lost;
+    Wake _wake;  // of a writer that waits for the reader
+    mutable std::mutex _mutex;
+    std::condition_variable _changed;
+    std::deque<std::string> _messages;  // guarded by _mutex, as is what follows
+    std::size_t _waitingBytes = 0;
+    bool _isEnding = false;
+    bool _isLost = false;
+    std::thread _thread;
+};
+
+}  // namespace neb::nebsc

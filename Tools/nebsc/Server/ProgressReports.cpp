@@ -1,0 +1,92 @@
+#include "ProgressReports.h"
+
+#include <algorithm>
+
+#include "Platform/SignalFreeThread.h"
+#include "RPCMessage.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::chrono::milliseconds patience{500};
+constexpr std::chrono::seconds interval{1};
+
+}  // namespace
+
+ProgressReports::ProgressReports(std::function<void(const std::string&)> send)
+    : _send(std::move(send)) {
+    _thread = startSignalFreeThread([this] { watch(); });
+}
+
+ProgressReports::~ProgressReports() {
+    {
+        const std::lock_guard lock(_mutex);
+        _isEnding = true;
+    }
+    _changed.notify_one();
+    _thread.join();
+}
+
+ProgressReports::Work::Work(ProgressReports& reports, nlohmann::ordered_json token,
+                            std::string title)
+    : _reports(reports) {
+    const Clock::time_point now = Clock::now();
+    {
+        const std::lock_guard lock(reports._mutex);
+        reports._entries.push_back({.token = std::move(token),
+                                    .title = std::move(title),
+                                    .start = now,
+                                    .due = now + patience});
+        _entry = std::prev(reports._entries.end());
+    }
+    reports._changed.notify_one();
+}
+
+ProgressReports::Work::~Work() {
+    const std::lock_guard lock(_reports._mutex);
+    if (_entry->hasBegun) {
+        _reports.report(_entry->token, {{"kind", "end"}});
+    }
+    _reports._entries.erase(_entry);
+}
+
+void ProgressReports::report(const nlohmann::ordered_json& token,
+                             nlohmann::ordered_json value) const {
+    _send(rpcNotification("$/progress", {{"token", token}, {"value", std::move(value)}}));
+}
+
+void ProgressReports::tellOf(Entry& entry, Clock::time_point now) const {
+    if (!entry.hasBegun) {
+        entry.hasBegun = true;
+        entry.due = entry.start + interval;
+        report(entry.token, {{"kind", "begin"}, {"title", entry.title}});
+        return;
+    }
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(now - entry.start);
+    entry.due = entry.start + seconds + interval;
+    report(entry.token, {{"kind", "report"}, {"message", std::to_string(seconds.count()) + " s"}});
+}
+
+void ProgressReports::watch() {
+    std::unique_lock lock(_mutex);
+    while (!_isEnding) {
+        if (_entries.empty()) {
+            _changed.wait(lock);
+            continue;
+        }
+        const auto next = std::min_element(
+            _entries.begin(), _entries.end(),
+            [](const Entry& left, const Entry& right) { return left.due < right.due; });
+        const Clock::time_point due = next->due;
+        _changed.wait_until(lock, due);
+        const Clock::time_point now = Clock::now();
+        for (Entry& entry : _entries) {
+            if (entry.due <= now) {
+                tellOf(entry, now);
+            }
+        }
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,67 @@
+// ProgressReports.h - tells a client that its request is still worked at: "$/progress" as the
+// Language Server Protocol has it for a token of the client's.
+//
+//     ProgressReports progress([&writer](const std::string& message) { writer.send(message); });
+//     const ProgressReports::Work work(progress, token, "log");
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <list>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+
+namespace neb::nebsc {
+
+/// From any thread.
+class ProgressReports {
+public:
+    /// `send` is called with each message, by one thread at a time; it must not block.
+    explicit ProgressReports(std::function<void(const std::string&)> send);
+    ProgressReports(const ProgressReports&) = delete;
+    ProgressReports& operator=(const ProgressReports&) = delete;
+    /// All work must have ended.
+    ~ProgressReports();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Entry {
+        nlohmann::ordered_json token;
+        std::string title;
+        Clock::time_point start;
+        Clock::time_point due;
+        bool hasBegun = false;
+    };
+
+public:
+    /// Work that is told of from half a second on, then once a second, and at its end.
+    class Work {
+    public:
+        Work(ProgressReports& reports, nlohmann::ordered_json token, std::string title);
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+        ~Work();
+
+    private:
+        ProgressReports& _reports;
+        std::list<Entry>::iterator _entry;
+    };
+
+private:
+    void watch();
+    void report(const nlohmann::ordered_json& token, nlohmann::ordered_json value) const;
+    void tellOf(Entry& entry, Clock::time_point now) const;
+
+    const std::function<void(const std::string&)> _send;
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    std::list<Entry> _entries;  // guarded by _mutex, as is what follows
+    bool _isEnding = false;
+    std::thread _thread;
+};
+
+}  // namespace neb::nebsc

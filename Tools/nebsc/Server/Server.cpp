@@ -1,0 +1,341 @@
+#include "Server.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include "GitProgram.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "OutcomeJSON.h"
+#include "Platform/ErrnoText.h"
+#include "RequestJSON.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+/// Most of what runs waits for a git.
+constexpr std::size_t requestsAtOnce = 16;
+constexpr std::size_t readSize = std::size_t{1} << 16;
+/// No further message is read while so many requests wait for their answer, or so many bytes of
+/// answers for their reader.
+constexpr std::size_t mostJobs = 4096;
+constexpr std::size_t mostWaitingBytes = std::size_t{64} << 20;
+constexpr std::chrono::milliseconds lookInterval{20};
+/// How long a client that has ended the conversation may take nothing of what it asked for.
+constexpr std::chrono::milliseconds endPatience{2000};
+
+JSON requestTypes() {
+    JSON types = JSON::array();
+    for (std::int32_t type = NEBSourceControlFirstRequestType;
+         type <= NEBSourceControlLastRequestType; ++type) {
+        types.push_back({{"type", type}, {"name", *NEBSourceControlRequestTypeName(type)}});
+    }
+    return types;
+}
+
+/// Takes the member out of the request: it is the conversation's, not the request's.
+std::optional<JSON> takeProgressToken(JSONNode& params) {
+    const auto token =
+        std::find_if(params.children.begin(), params.children.end(),
+                     [](const JSONNode& child) { return child.name == "workDoneToken"; });
+    if (token == params.children.end()) {
+        return std::nullopt;
+    }
+    auto value = stringOrInteger(*token);
+    params.children.erase(token);
+    return value;
+}
+
+}  // namespace
+
+// ---- the conversation -------------------------------------------------------------------------
+
+struct Server::Method {
+    std::string_view name;
+    void (Server::*carryOut)(RPCMessage&);
+    /// Whether it is a notification, which nobody answers; else a request.
+    bool isNotification = false;
+    /// Whether it makes sense at any time; else only between "initialize" and "shutdown".
+    bool isForAnyState = false;
+};
+
+const Server::Method Server::methods[] = {
+    {.name = "initialize", .carryOut = &Server::initialize, .isForAnyState = true},
+    {.name = "sourceControl/perform", .carryOut = &Server::perform},
+    {.name = "sourceControl/plan", .carryOut = &Server::plan},
+    {.name = "$/cancelRequest", .carryOut = &Server::cancelRequest, .isNotification = true},
+    {.name = "shutdown", .carryOut = &Server::shutDown},
+    {.name = "exit", .carryOut = &Server::exit, .isNotification = true, .isForAnyState = true},
+};
+
+Server::End Server::run(int input, int output) {
+    _writer = std::make_unique<MessageWriter>(output, [this] { _wake.wake(); });
+    _progress = std::make_unique<ProgressReports>(
+        [this](const std::string& message) { _writer->send(message); });
+    _queue = std::make_unique<OperationQueue>(requestsAtOnce);
+    _order = std::make_unique<WorkingCopyOrder>(*_queue);
+    {
+        const Interruption::Work work(_interruption, [this] { _wake.wake(); });
+        readFrom(input);
+    }
+    cancelAll();
+    _queue->waitUntilAllOperationsAreFinished();
+    static_cast<void>(_writer->finish(endPatience));
+    return _end;
+}
+
+void Server::readFrom(int input) {
+    std::string piece(readSize, '\0');
+    while (_state != State::ended) {
+        const bool mayRead = mayReadOn();
+        std::array<pollfd, 2> descriptors{
+            {{.fd = mayRead ? input : -1, .events = POLLIN, .revents = 0},
+             {.fd = _wake.descriptor(), .events = POLLIN, .revents = 0}}};
+        const int timeout = mayRead ? -1 : static_cast<int>(lookInterval.count());
+        if (::poll(descriptors.data(), descriptors.size(), timeout) < 0) {
+            continue;  // a signal, or no memory: looked at again
+        }
+        if (descriptors[1].revents != 0) {
+            return;
+        }
+        if (descriptors[0].revents == 0) {
+            continue;
+        }
+        const ssize_t count = ::read(input, piece.data(), piece.size());
+        if (count > 0) {
+            _frames.append(std::string_view(piece).substr(0, static_cast<std::size_t>(count)));
+            takeFrames();
+        } else if (count == 0) {
+            if (!_frames.isBetweenMessages()) {
+                _end.failure = "The client has gone in the middle of a message.";
+            }
+            return;
+        } else if (errno != EINTR && errno != EAGAIN) {
+            _end.failure = "The client's messages cannot be read: " + textOfErrno(errno) + ".";
+            return;
+        }
+    }
+}
+
+void Server::takeFrames() {
+    while (_state != State::ended) {
+        const auto frame = _frames.take();
+        if (!frame) {
+            break;
+        }
+        take(*frame);
+    }
+    if (const auto& failure = _frames.failure()) {
+        _end.failure = *failure;
+        _writer->send(rpcError(nullptr, RPCErrorCode::parseError, *failure));
+        _state = State::ended;
+    }
+}
+
+void Server::take(const MessageFrames::Frame& frame) {
+    if (frame.length > longestMessage) {
+        _writer->send(rpcError(nullptr, RPCErrorCode::invalidRequest,
+                               "The message has " + std::to_string(frame.length) +
+                                   " bytes; at most " + std::to_string(longestMessage) +
+                                   " are taken."));
+        return;
+    }
+    RPCReading reading = readRPCMessage(frame.content);
+    if (reading.message) {
+        dispatch(*reading.message);
+    } else if (!reading.refusal.empty()) {
+        _writer->send(reading.refusal);
+    }
+}
+
+void Server::dispatch(RPCMessage& message) {
+    const auto* method =
+        std::find_if(std::begin(methods), std::end(methods),
+                     [&message](const Method& row) { return row.name == message.method; });
+    const bool isKnown = method != std::end(methods);
+    if (!message.id) {
+        if (isKnown && method->isNotification) {
+            (this->*method->carryOut)(message);
+        }
+        return;  // another notification is nothing that anybody waits for
+    }
+    if (!isKnown || method->isNotification) {
+        refuse(message, RPCErrorCode::methodNotFound,
+               "The method \"" + shortened(message.method) + "\" is not known.");
+    } else if (_state == State::fresh && !method->isForAnyState) {
+        refuse(message, RPCErrorCode::serverNotInitialized,
+               "The first request must be \"initialize\".");
+    } else if (_state == State::shutDown) {
+        refuse(message, RPCErrorCode::invalidRequest,
+               "After \"shutdown\" no request is taken any more.");
+    } else {
+        (this->*method->carryOut)(message);
+    }
+}
+
+void Server::refuse(const RPCMessage& message, RPCErrorCode code, std::string_view sentence) {
+    _writer->send(rpcError(*message.id, code, sentence));
+}
+
+// ---- methods ----------------------------------------------------------------------------------
+
+void Server::initialize(RPCMessage& message) {
+    if (_state != State::fresh) {
+        refuse(message, RPCErrorCode::invalidRequest, "The server is initialized already.");
+        return;
+    }
+    _state = State::initialized;
+    start(message, std::nullopt, [](Job& job) {
+        ChildProcess git;
+        const Job::Work work(job, [&git] { git.cancel(); });
+        const auto version = answerOf(runGit(git, {"--version"}, std::nullopt));
+        return rpcResult(job.id(), {{"capabilities", JSON::object()},
+                                    {"serverInfo", {{"name", "nebsc"}, {"version", NEBSC_VERSION}}},
+                                    {"contractVersion", NEBSourceControlContractVersion},
+                                    {"gitVersion", version ? JSON(*version) : JSON()},
+                                    {"requestTypes", requestTypes()}});
+    });
+}
+
+void Server::perform(RPCMessage& message) {
+    startRequest(message, true);
+}
+
+void Server::plan(RPCMessage& message) {
+    startRequest(message, false);
+}
+
+void Server::startRequest(RPCMessage& message, bool isRun) {
+    const auto token = takeProgressToken(message.params);
+    const RequestReading reading = requestFromJSON(message.params);
+    if (!reading.request) {
+        refuse(message, RPCErrorCode::invalidParams, reading.refusal);
+        return;
+    }
+    const auto& request = reading.request;
+    const auto name = NEBSourceControlRequestTypeName(request->type);
+    start(message, isRun ? writtenPlaceOf(*request) : std::nullopt,
+          [this, request, isRun, token, title = std::string(name.value_or("request"))](Job& job) {
+              std::optional<ProgressReports::Work> progress;
+              if (token) {
+                  progress.emplace(*_progress, *token, title);
+              }
+              return answerTo(job, request, isRun);
+          });
+}
+
+std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+                             bool isRun) const {
+    const HostSession::Runner run = [&job](NEBSourceControlOperation& operation) {
+        const Job::Work work(job, [&operation] { operation.cancel(); });
+        operation.start();
+    };
+    const Performance performance = _session.perform(request, isRun ? run : HostSession::Runner());
+    if (performance.refusedValue) {
+        return rpcError(job.id(), RPCErrorCode::invalidParams,
+                        sentenceOfRefusedValue(*performance.refusedValue));
+    }
+    const Outcome& outcome = *performance.outcome;
+    const bool wasCancelled =
+        outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
+    return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,
+                                   "The request was cancelled.", jsonOfOutcome(outcome))
+                        : rpcResult(job.id(), jsonOfOutcome(outcome));
+}
+
+/// A request that still waits for its turn is answered at once; one that runs, when it has ended.
+void Server::cancelRequest(RPCMessage& message) {
+    const auto id = std::find_if(message.params.children.begin(), message.params.children.end(),
+                                 [](const JSONNode& child) { return child.name == "id"; });
+    const auto key = id != message.params.children.end() ? stringOrInteger(*id) : std::nullopt;
+    if (!key) {
+        return;
+    }
+    std::shared_ptr<Job> job;
+    {
+        const std::lock_guard lock(_mutex);
+        const auto entry = _jobs.find(key->dump());
+        job = entry != _jobs.end() ? entry->second : nullptr;
+    }
+    if (job) {
+        cancel(*job);
+    }
+}
+
+void Server::shutDown(RPCMessage& message) {
+    _state = State::shutDown;
+    _writer->send(rpcResult(*message.id, nullptr));
+}
+
+void Server::exit(RPCMessage& /*message*/) {
+    _end.isOrderly = _state == State::shutDown;
+    _state = State::ended;
+}
+
+// ---- jobs -------------------------------------------------------------------------------------
+
+void Server::start(const RPCMessage& message, std::optional<std::string> place,
+                   std::function<std::string(Job&)> answer) {
+    const auto job = std::make_shared<Job>(*message.id);
+    {
+        const std::lock_guard lock(_mutex);
+        if (!_jobs.try_emplace(message.id->dump(), job).second) {
+            refuse(message, RPCErrorCode::invalidRequest,
+                   "A request with the id " + message.id->dump() + " is still worked at.");
+            return;
+        }
+    }
+    _order->add(std::move(place), [this, job, answer = std::move(answer)] {
+        if (!job->begin()) {
+            return;
+        }
+        try {
+            finish(*job, answer(*job));
+        } catch (const std::exception& failure) {
+            finish(*job,
+                   rpcError(job->id(), RPCErrorCode::internalError,
+                            std::string("The work could not be done: ") + failure.what() + "."));
+        }
+    });
+}
+
+void Server::finish(Job& job, const std::string& answer) {
+    {
+        const std::lock_guard lock(_mutex);
+        _jobs.erase(job.id().dump());
+    }
+    _writer->send(answer);
+}
+
+void Server::cancel(Job& job) {
+    if (job.cancel()) {
+        finish(job, rpcError(job.id(), RPCErrorCode::requestCancelled,
+                             "The request was cancelled before it began."));
+    }
+}
+
+void Server::cancelAll() {
+    std::map<std::string, std::shared_ptr<Job>> jobs;
+    {
+        const std::lock_guard lock(_mutex);
+        jobs = _jobs;
+    }
+    for (const auto& [id, job] : jobs) {
+        cancel(*job);
+    }
+}
+
+bool Server::mayReadOn() {
+    const std::lock_guard lock(_mutex);
+    return _jobs.size() < mostJobs && _writer->waitingBytes() < mostWaitingBytes;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,98 @@
+// Server.h - serves requests over JSON-RPC 2.0, framed as language servers do: docs/server.md tells
+// of the methods.
+//
+//     Interruption interruption;
+//     const Server::End end = Server(session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "HostSession.h"
+#include "Interruption.h"
+#include "Job.h"
+#include "MessageFrames.h"
+#include "MessageWriter.h"
+#include "Platform/OperationQueue.h"
+#include "ProgressReports.h"
+#include "RPCMessage.h"
+#include "Wake.h"
+#include "WorkingCopyOrder.h"
+
+namespace neb::nebsc {
+
+class Server {
+public:
+    /// How the conversation came to its end.
+    struct End {
+        /// Whether the client had asked to shut down before.
+        bool isOrderly = false;
+        /// One sentence; empty where nothing was wrong with the stream.
+        std::string failure;
+    };
+
+    /// Both outlive the server. A signal ends the conversation.
+    Server(const HostSession& session, Interruption& interruption)
+        : _session(session), _interruption(interruption) {}
+
+    /// Talks with the client until it says "exit", is gone, or cannot be understood; then nothing
+    /// of its work runs any more. The descriptors stay the caller's. Once for an object.
+    [[nodiscard]] End run(int input, int output);
+
+private:
+    enum class State { fresh, initialized, shutDown, ended };
+
+    struct Method;
+    static const Method methods[];
+
+    void readFrom(int input);
+    void takeFrames();
+    void take(const MessageFrames::Frame& frame);
+    void dispatch(RPCMessage& message);
+
+    // The methods. Of a notification the id is absent.
+    void initialize(RPCMessage& message);
+    void perform(RPCMessage& message);
+    void plan(RPCMessage& message);
+    void cancelRequest(RPCMessage& message);
+    void shutDown(RPCMessage& message);
+    void exit(RPCMessage& message);
+
+    void startRequest(RPCMessage& message, bool isRun);
+    [[nodiscard]] std::string answerTo(Job& job,
+                                       const std::shared_ptr<NEBSourceControlRequest>& request,
+                                       bool isRun) const;
+
+    /// Lets `answer` make the answer, when its turn has come: see WorkingCopyOrder for the place.
+    void start(const RPCMessage& message, std::optional<std::string> place,
+               std::function<std::string(Job&)> answer);
+    void finish(Job& job, const std::string& answer);
+    void cancel(Job& job);
+    void cancelAll();
+    [[nodiscard]] bool mayReadOn();
+    void refuse(const RPCMessage& message, RPCErrorCode code, std::string_view sentence);
+
+    const HostSession& _session;
+    Interruption& _interruption;
+    State _state = State::fresh;
+    End _end;
+    MessageFrames _frames{longestMessage};
+    Wake _wake;
+
+    std::mutex _mutex;
+    std::map<std::string, std::shared_ptr<Job>> _jobs;  // by id; guarded by _mutex
+
+    // In the order in which each needs those before it.
+    std::unique_ptr<MessageWriter> _writer;
+    std::unique_ptr<ProgressReports> _progress;
+    std::unique_ptr<OperationQueue> _queue;
+    std::unique_ptr<WorkingCopyOrder> _order;
+
+    static constexpr std::size_t longestMessage = std::size_t{64} << 20;
+};
+
+}  // namespace neb::nebsc

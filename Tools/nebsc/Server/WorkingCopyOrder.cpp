@@ -1,0 +1,116 @@
+#include "WorkingCopyOrder.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/PathString.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Whose git changes nothing in a repository but what it may change at any time.
+constexpr std::array<std::int32_t, 16> readingTypes{
+    NEBSourceControlRequestStatus,
+    NEBSourceControlRequestList,
+    NEBSourceControlRequestLog,
+    NEBSourceControlRequestInfo,
+    NEBSourceControlRequestExportFiles,
+    NEBSourceControlRequestExport,
+    NEBSourceControlRequestExportTree,
+    NEBSourceControlRequestListRemotes,
+    NEBSourceControlRequestListBranches,
+    NEBSourceControlRequestCurrentBranch,
+    NEBSourceControlRequestBlame,
+    NEBSourceControlRequestDiff,
+    NEBSourceControlRequestListRemoteBranches,
+    NEBSourceControlRequestListRemoteBranchesSecondForm,
+    NEBSourceControlRequestTrackingBranchName,
+    NEBSourceControlRequestMergeBase,
+};
+
+bool isReading(std::int32_t type) {
+    return std::find(readingTypes.begin(), readingTypes.end(), type) != readingTypes.end();
+}
+
+/// The nearest folder at or above the path that holds a ".git"; the path itself where none does.
+std::string topOfWorkingCopy(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path whole = std::filesystem::weakly_canonical(path, failure);
+    for (std::filesystem::path folder = whole; !folder.empty(); folder = folder.parent_path()) {
+        if (std::filesystem::exists(folder / ".git", failure)) {
+            return folder.string();
+        }
+        if (folder == folder.parent_path()) {
+            break;
+        }
+    }
+    return failure ? path : whole.string();
+}
+
+}  // namespace
+
+std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request) {
+    if (isReading(request.type)) {
+        return std::nullopt;
+    }
+    if (request.type == NEBSourceControlRequestClone) {
+        return topOfWorkingCopy(request.destination.description());
+    }
+    const NEBValue& repository = request.option(NEBSourceControlRequestOptionRepositoryPath);
+    if (repository.isPresent()) {
+        return topOfWorkingCopy(pathByExpandingTilde(repository.description()));
+    }
+    if (request.sourceTree && request.sourceTree->location) {
+        return topOfWorkingCopy(
+            pathOfLocation(*request.sourceTree->location).value_or(*request.sourceTree->location));
+    }
+    return "";
+}
+
+void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void()> work) {
+    if (!place) {
+        _queue.addBlock(std::move(work));
+        return;
+    }
+    bool isFirst = false;
+    {
+        const std::lock_guard lock(_mutex);
+        auto& waiting = _waiting[*place];
+        isFirst = waiting.empty();
+        waiting.push_back(std::move(work));
+    }
+    if (isFirst) {
+        _queue.addBlock([this, place = std::move(*place)] { runNext(place); });
+    }
+}
+
+/// What waits takes its place at the end of the queue anew, so that no working copy keeps the
+/// others waiting.
+void WorkingCopyOrder::runNext(const std::string& place) {
+    std::function<void()> work;
+    {
+        const std::lock_guard lock(_mutex);
+        work = std::move(_waiting[place].front());
+    }
+    work();
+    work = nullptr;
+    bool isAnyLeft = false;
+    {
+        const std::lock_guard lock(_mutex);
+        auto& waiting = _waiting[place];
+        waiting.pop_front();
+        isAnyLeft = !waiting.empty();
+        if (!isAnyLeft) {
+            _waiting.erase(place);
+        }
+    }
+    if (isAnyLeft) {
+        _queue.addBlock([this, place] { runNext(place); });
+    }
+}
+
+}  // namespace neb::nebsc

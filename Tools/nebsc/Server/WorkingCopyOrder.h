@@ -1,0 +1,43 @@
+// WorkingCopyOrder.h - lets work run side by side, but of what writes to one working copy only one
+// at a time, in the order in which it came: two would trip over each other's lock.
+//
+//     WorkingCopyOrder order(queue);
+//     order.add(writtenPlaceOf(request), [] { … });
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Platform/OperationQueue.h"
+
+namespace neb::nebsc {
+
+/// The place to which the request's operation writes: the top of its working copy, or the path
+/// where one is to be; empty where the request does not tell. Absent for one that only reads, or
+/// that writes elsewhere than in a repository. Looks at the file system. From any thread.
+[[nodiscard]] std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request);
+
+/// From any thread. All work must have ended when the object goes.
+class WorkingCopyOrder {
+public:
+    explicit WorkingCopyOrder(OperationQueue& queue) : _queue(queue) {}
+
+    /// Lets the queue do the work: at once without a place, else when all that came before for the
+    /// same place is done. The work must not throw.
+    void add(std::optional<std::string> place, std::function<void()> work);
+
+private:
+    void runNext(const std::string& place);
+
+    OperationQueue& _queue;
+    std::mutex _mutex;
+    /// The work of each place, the one that runs in front. Guarded by _mutex.
+    std::map<std::string, std::deque<std::function<void()>>> _waiting;
+};
+
+}  // namespace neb::nebsc

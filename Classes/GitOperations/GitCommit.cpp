@@ -66,8 +66,9 @@ void GitCommitOperation::parseData() {
 /// git then ends with 1 and prints nothing of its own behind the hook's words. Of what it says
 /// itself with that status, these are all that do not come on standard output.
 std::optional<NEBSourceControlError> GitCommitOperation::errorOfHook(std::string_view words) const {
-    constexpr std::array<std::string_view, 3> ownWords{
-        "error: pathspec '", "Aborting commit due to ", "Please supply the message "};
+    constexpr std::array<std::string_view, 4> ownWords{
+        "error: pathspec '", "error: Error building trees", "Aborting commit due to ",
+        "Please supply the message "};
     const std::string_view last = gitLastLine(words);
     const bool isOwn = std::any_of(ownWords.begin(), ownWords.end(),
                                    [last](std::string_view own) { return last.starts_with(own); });

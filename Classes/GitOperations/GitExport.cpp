@@ -134,6 +134,21 @@ const LOMFilePath* targetOf(const NEBSourceControlRequest& request) {
     return request.option(NEBSourceControlOperationPathKey).filePath();
 }
 
+/// What is at the path, or at the folder above it that is there, when that is no folder: git would
+/// put one in its place.
+std::optional<std::string> fileOnTheWayTo(std::filesystem::path path) {
+    std::error_code ignored;
+    while (!path.empty() && path != path.parent_path()) {
+        const auto status = std::filesystem::status(path, ignored);
+        if (std::filesystem::exists(status)) {
+            return std::filesystem::is_directory(status) ? std::nullopt
+                                                         : std::optional(path.string());
+        }
+        path = path.parent_path();
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 // ---- one file ---------------------------------------------------------------------------------
@@ -292,13 +307,18 @@ GitExportTreeOperation::GitExportTreeOperation(std::shared_ptr<NEBSourceControlR
 }
 
 void GitExportTreeOperation::main() {
-    const NEBValue& destination = request()->destination;
-    if (destination.isPresent() && !destination.description().empty()) {
+    const std::string destination =
+        request()->destination.isPresent() ? request()->destination.description() : "";
+    if (destination.empty()) {
+        setError(ownFailure(NEBSourceControlUnknownErrorClass,
+                            "The files were not exported: no folder to export them to was named."));
+    } else if (const auto file = fileOnTheWayTo(
+                   std::filesystem::path(currentDirectoryPath().value_or("")) / destination)) {
+        setError(ownFailure("destination-exists",
+                            "The files were not exported: \"" + *file + "\" is no folder."));
+    } else {
         GitOperation::main();
-        return;
     }
-    setError(ownFailure(NEBSourceControlUnknownErrorClass,
-                        "The files were not exported: no folder to export them to was named."));
 }
 
 }  // namespace neb

@@ -60,6 +60,7 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitExportTreeOperation"; }
     /// Without a destination, or with an empty one, nothing is run: git would write somewhere else.
+    /// Nor where a file is in the destination's place, or on the way to it: git would remove that.
     void main() override;
 };
 

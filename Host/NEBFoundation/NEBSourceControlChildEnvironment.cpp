@@ -140,6 +140,9 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"status.short", "false"},
     {"status.showStash", "false"},
     {"status.submoduleSummary", "false"},
+    // what a commit's object is, and from which size on a text is none
+    {"core.useReplaceRefs", "true"},
+    {"core.bigFileThreshold", "512m"},
     // differences
     {"diff.renames", "true"},
     {"diff.renameLimit", "1000"},

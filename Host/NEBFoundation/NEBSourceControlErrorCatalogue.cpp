@@ -66,6 +66,11 @@ constexpr Row rows[] = {
      generic,
      {{{"not committing merge; use '"}}},
      {"A hook of the repository refused the merge; it is made, but not committed."}},
+    {NEBSourceControlLocalHookErrorClass.text(),
+     generic,
+     {{{"ref updates aborted by hook"}}},
+     {"A hook of the repository refused to change a branch or tag."}},
+    {"other-tools", generic, {{{": clean filter '", "' failed"}, {": smudge filter ", " failed"}}}},
     // the machine
     {"disk-full",
      generic,
@@ -80,7 +85,11 @@ constexpr Row rows[] = {
        {"bad numeric config value"},
        {"bad boolean config value"},
        {"bad config variable"}}}},
-    {"configuration-broken", generic, {{{"exceeded maximum include depth"}}}},
+    {"configuration-broken",
+     generic,
+     {{{"exceeded maximum include depth"},
+       {"bad config value for"},
+       {"unable to parse ", "from command-line config"}}}},
     {"index-damaged",
      generic,
      {{{"index file corrupt"},
@@ -105,14 +114,16 @@ constexpr Row rows[] = {
     // the way to the far end
     {"ssh-key-refused",
      authentication,
-     {{{"permission denied (publickey"},
-       {"permission denied (password"},
-       {"permission denied (keyboard-interactive"},
-       {"permission denied (gssapi"}}}},
+     {{{"permission denied (", "publickey"},
+       {"permission denied (", "password"},
+       {"permission denied (", "keyboard-interactive"},
+       {"permission denied (", "gssapi"}}}},
     {"ssh-host-key", notReachable, {{{"host key verification failed"}}}},
     {"permission-denied",
      noPermission,
-     {{{"permission denied"}, {"insufficient permission for adding an object"}}}},
+     {{{"permission denied"},
+       {"insufficient permission for adding an object"},
+       {"read-only file system"}}}},
     {"index-locked", generic, {{{"index.lock': file exists"}}}},
     {"credentials-refused", authentication, {{{"authentication failed for '"}}}},
     {"credentials-needed",
@@ -124,13 +135,17 @@ constexpr Row rows[] = {
      authentication,
      {{{"ssl certificate problem"},  // OpenSSL
        {"server certificate verification failed"},
+       {"error setting certificate verify locations"},
        {"certificate subject name ", "match"}}}},  // both
     {"tls-failed",
      notReachable,
      {{{"gnutls_handshake() failed"}, {"ssl_connect"}, {"ssl routines"}}}},
     {"host-unknown",
      notReachable,
-     {{{"could not resolve host"}, {"could not resolve proxy"}, {"unable to look up "}}}},
+     {{{"could not resolve host"},
+       {"could not resolve proxy"},
+       {"unable to look up "},
+       {"resolving timed out"}}}},
     {"repository-not-found",
      notReachable,
      {{{"repository '", "' not found"},
@@ -151,6 +166,7 @@ constexpr Row rows[] = {
        {"operation timed out"},
        {"network is unreachable"},
        {"no route to host"}}}},
+    {"host-unreachable", notReachable, {{{"ssl connection timeout"}, {"host is down"}}}},
     // a push that was refused; the reason stands in brackets behind the branch
     {"push-stale",
      remoteAhead,
@@ -188,12 +204,15 @@ constexpr Row rows[] = {
     {"local-changes",
      uncommitted,
      {{{"your local changes to the following files would be overwritten by"},
-       {"cannot continue with staged changes in the following files"}}},
+       {"cannot continue with staged changes in the following files"},
+       {"you have local changes to '", "cannot switch branches"},
+       {"your local changes to '", "would be overwritten by"}}},
      uncommittedChanges},
     {"untracked-in-the-way",
      generic,
      {{{"untracked working tree file", "would be overwritten by"},
-       {"untracked working tree file", "would be removed by"}}}},
+       {"untracked working tree file", "would be removed by"},
+       {"updating the following directories would lose untracked files"}}}},
     {"conflict-unresolved",
      generic,
      {{{"because you have unmerged files"}, {"you need to resolve your current index first"}}}},
@@ -203,7 +222,9 @@ constexpr Row rows[] = {
      {"Files that are in conflict stay as they were.", "Settle them and add them."}},
     {"merge-unfinished",
      generic,
-     {{{"you have not concluded your merge"}, {"cannot do a partial commit during a "}}}},
+     {{{"you have not concluded your merge"},
+       {"you have not concluded your cherry-pick"},
+       {"cannot do a partial commit during a "}}}},
     {"needs-clean-tree",
      uncommitted,
      {{{"you have unstaged changes"},
@@ -221,16 +242,24 @@ constexpr Row rows[] = {
      {{{"conflict ("}, {"automatic merge failed"}}},
      {"There are conflicts that could not be settled automatically.",
       "Settle them in the files, add these, and commit."}},
-    {"no-commits-yet", generic, {{{"does not have any commits yet"}}}},
+    {"no-commits-yet",
+     generic,
+     {{{"does not have any commits yet"}, {"yet to be born"}, {"bad default revision '"}}}},
     {"not-a-repository", generic, {{{"not a git repository"}, {"invalid gitfile format"}}}},
     {"no-work-tree", generic, {{{"must be run in a work tree"}}}},
     {"reference-in-the-way", generic, {{{"cannot lock ref '", "cannot create '"}}}},
-    {"ref-locked", generic, {{{"cannot lock ref '"}, {"could not lock config file"}}}},
+    {"ref-locked",
+     generic,
+     {{{"cannot lock ref '"},
+       {"cannot lock the ref '"},
+       {"could not lock config file"},
+       {".lock': file exists"}}}},
     // names that git does not know, or knows already
     {"path-unknown",
      missingAtRevision,
      {{{"exists on disk, but not in"},
        {"path '", "' does not exist in"},
+       {"path '", "' does not exist ("},
        {"no such path "},
        {"cannot lstat '", "no such file or directory"}}}},
     {"remote-branch-unknown",
@@ -258,7 +287,11 @@ constexpr Row rows[] = {
        {"reference is not a tree: "}}}},
     {"revision-unknown",
      missingAtRevision,
-     {{{"fatal: bad object "}, {"not a tree object"}, {"is not a valid branch point"}}}},
+     {{{"fatal: bad object "},
+       {"not a tree object"},
+       {"is not a valid branch point"},
+       {"needed a single revision"},
+       {"both revision and filename"}}}},
     {"branch-not-merged", branchRemoval, {{{"is not fully merged"}}}},
     {"branch-exists", generic, {{{"a branch named '", "' already exists"}}}},
     {"branch-in-use",
@@ -271,10 +304,14 @@ constexpr Row rows[] = {
        {"is already checked out at"},
        {"refusing to fetch into branch '", "checked out at"}}}},
     {"branch-name-invalid", generic, {{{"is not a valid branch name"}, {"invalid refspec '"}}}},
-    {"branch-unknown", branchRemoval, {{{"error: branch '", "' not found"}}}},
+    {"branch-unknown",
+     branchRemoval,
+     {{{"error: branch '", "' not found"}, {"remote-tracking branch '", "' not found"}}}},
     {"remote-unknown", generic, {{{"no such remote"}, {"no remote configured to list refs from"}}}},
     {"remote-name-invalid", generic, {{{"is not a valid remote name"}}}},
-    {"remote-exists", generic, {{{"error: remote ", " already exists"}}}},
+    {"remote-exists",
+     generic,
+     {{{"error: remote ", " already exists"}, {"fatal: remote ", " already exists"}}}},
     {"no-push-destination",
      generic,
      {{{"no configured push destination"}, {"no remote repository specified"}}}},
@@ -319,14 +356,17 @@ constexpr Row rows[] = {
      generic,
      {{{"please tell me who you are"},
        {"empty ident name"},
-       {"no email was given and auto-detection is disabled"}}},
+       {"no email was given and auto-detection is disabled"},
+       {"no name was given and auto-detection is disabled"},
+       {"unable to auto-detect email address"},
+       {"name consists only of disallowed characters"}}},
      {"The commit has no author: your name or your e-mail address is not configured.",
       "Set user.name and user.email in git's configuration and try again."}},
     {"message-empty",
      generic,
      {{{"aborting commit due to empty commit message"}}},
      {"The commit has no message; nothing was committed."}},
-    {"signing-failed", generic, {{{"failed to sign the data"}, {"failed to write commit object"}}}},
+    {"signing-failed", generic, {{{"failed to sign the data"}}}},
     // the rest
     {"transport-forbidden", generic, {{{"transport '", "' not allowed"}}}},
     {"transport-unknown",
@@ -334,18 +374,23 @@ constexpr Row rows[] = {
      {{{"unable to find remote helper for '"}, {"git: 'remote-' is not a git command"}}}},
     {"objects-damaged",
      generic,
-     {{{"object file ", " is empty"}, {"loose object ", " is corrupt"}}}},
+     {{{"object file ", " is empty"},
+       {"loose object ", " is corrupt"},
+       {"packed object ", " is corrupt"},
+       {"could not parse head commit"},
+       {"does not point to a valid object"}}}},
     {"other-tools",
      generic,
      {{{"no url found for submodule path"},
        {"fetched in submodule path '", "but it did not contain"},
        {"git-lfs"},
-       {"patch does not apply"},
-       {": clean filter '", "' failed"},
-       {": smudge filter ", " failed"}}}},
+       {"patch does not apply"}}}},
     {"program-missing",
      generic,
      {{{"cannot run ", "no such file or directory"}, {"' is not a git command."}}}},
+    // accompanies whatever kept a commit from being written, and stands alone where that is untold
+    {"signing-failed", generic, {{{"failed to write commit object"}}}},
+    {"remote-refused", generic, {{{"fatal: remote error: "}}}},
     // accompanies most failures on the way to the far end, and stands alone where no cause is told
     {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
 };
@@ -382,12 +427,35 @@ bool isWordCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
 }
 
-/// What of a name tells what happened, with the closing quote: the lock of the index, and that the
-/// program looked for was one of those that talk to remotes.
+/// What of a name tells what happened, with the closing quote: the lock of the index or another,
+/// and that the program looked for was one of those that talk to remotes.
 std::string_view wordsInName(std::string_view name) {
     return name.ends_with("index.lock")  ? "index.lock'"
+           : name.ends_with(".lock")     ? ".lock'"
            : name.starts_with("remote-") ? "remote-'"
                                          : "'";
+}
+
+/// The words behind which the line holds but names, without quotes around them, or the far end's
+/// words; the line as it is where it holds none.
+std::string_view ownWordsOf(std::string_view line) {
+    constexpr std::string_view lastWords[] = {"conflict (", "auto-merging ", "fatal: no such path ",
+                                              "fatal: remote error: "};
+    constexpr std::string_view knownReasons[] = {"hook declined)",
+                                                 "(branch is currently checked out)",
+                                                 "repository not found", "repository not exported"};
+    const bool isKnown = std::any_of(
+        std::begin(knownReasons), std::end(knownReasons),
+        [line](std::string_view reason) { return line.find(reason) != std::string_view::npos; });
+    for (const std::string_view words : lastWords) {
+        if (startsWith(line, words) && !isKnown) {
+            return line.substr(0, words.size());
+        }
+    }
+    constexpr std::string_view rejected = "[remote rejected]";
+    const std::size_t place = line.find(rejected);
+    return place != std::string_view::npos && !isKnown ? line.substr(0, place + rejected.size())
+                                                       : line;
 }
 
 /// The line without what stands between quotes, so that no file's, branch's or repository's name is
@@ -428,7 +496,8 @@ std::string linesOf(std::string_view text, const Predicate& isKept) {
         const std::size_t end = text.find('\n');
         const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
         if (isKept(text.substr(0, length))) {
-            kept += withoutNames(text.substr(0, length));
+            kept += withoutNames(ownWordsOf(text.substr(0, length)));
+            kept += kept.ends_with('\n') ? "" : "\n";
         }
         text.remove_prefix(length);
     }
@@ -438,7 +507,7 @@ std::string linesOf(std::string_view text, const Predicate& isKept) {
 /// Whether the line is git's own word on what happened: not the far end's, not an entry of a list,
 /// not the address that was talked to.
 bool isStatement(std::string_view line) {
-    constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from "};
+    constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from ", "#"};
     return std::none_of(std::begin(others), std::end(others),
                         [line](std::string_view other) { return startsWith(line, other); });
 }

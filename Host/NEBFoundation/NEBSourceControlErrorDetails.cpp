@@ -31,7 +31,7 @@ constexpr Mention mentions[] = {
     {"path-unknown", "fatal: no such path ", "", " in "},  // where a revision is given
     {"path-unknown", "fatal: Cannot lstat '", "", "': "},
     {"path-unknown", "fatal: cannot stat path '", "", "': "},
-    {"path-unknown", "fatal: path '", "", "' exists on disk, but not in '"},
+    {"path-unknown", "fatal: path '", "", "' exists on disk, but not in "},
     {"path-unknown", "fatal: path '", "", "' does not exist in '"},
     {"path-unknown", "fatal: not under version control, source=", "", ", destination="},
     {"path-unknown", "fatal: bad source, source=", "", ", destination="},
@@ -100,17 +100,29 @@ std::string_view behindMark(std::string_view line, std::string_view mark) {
     return line;
 }
 
+/// Where the words stand in the line, whatever the case of their letters: that changed now and
+/// then.
+std::size_t placeOf(std::string_view words, std::string_view line) {
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    const auto place = std::search(line.begin(), line.end(), words.begin(), words.end(),
+                                   [lower](char a, char b) { return lower(a) == lower(b); });
+    return place == line.end() && !words.empty() ? std::string_view::npos
+                                                 : static_cast<std::size_t>(place - line.begin());
+}
+
 /// The files that the line names by the row.
 std::vector<std::string_view> filesNamedIn(std::string_view line, const Mention& mention) {
     std::vector<std::string_view> files;
-    if (!line.starts_with(mention.beginning)) {
+    if (placeOf(mention.beginning, line.substr(0, mention.beginning.size())) != 0) {
         return files;
     }
     line.remove_prefix(mention.beginning.size());
-    for (std::size_t before = line.find(mention.before); before != std::string_view::npos;
-         before = line.find(mention.before)) {
+    for (std::size_t before = placeOf(mention.before, line); before != std::string_view::npos;
+         before = placeOf(mention.before, line)) {
         line.remove_prefix(before + mention.before.size());
-        const std::size_t end = mention.after.empty() ? line.size() : line.find(mention.after);
+        const std::size_t end = mention.after.empty() ? line.size() : placeOf(mention.after, line);
         if (end == std::string_view::npos) {
             break;
         }
@@ -159,7 +171,7 @@ const Listing* listingBegunBy(std::string_view line, std::string_view errorClass
     const auto* listing =
         std::find_if(std::begin(listings), std::end(listings), [&](const Listing& candidate) {
             return candidate.errorClass == errorClass &&
-                   line.find(candidate.heading) != std::string_view::npos;
+                   placeOf(candidate.heading, line) != std::string_view::npos;
         });
     return listing != std::end(listings) ? listing : nullptr;
 }

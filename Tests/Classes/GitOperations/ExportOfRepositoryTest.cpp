@@ -396,6 +396,20 @@ TEST_F(ExportOfRepository, WhoseTemporaryFolderCannotBeMadeSaysSo) {
 
 // ---- the whole tree ---------------------------------------------------------------------------
 
+/// git would put a folder in the file's place.
+TEST_F(ExportOfRepository, OfTheTreeRemovesNoFileOnItsWay) {
+    folder.write("out/file", "mine");
+    for (const char* destination : {"file", "file/", "file/below", "file/below/deep/"}) {
+        auto request = requestFor(22, repository.path());
+        request->startingRevision = "HEAD";
+        request->destination = out(destination);
+        const auto operation = GitController().operationForRequest(request);
+        operation->start();
+        EXPECT_THAT(operation->error(), HasErrorClass("destination-exists")) << destination;
+    }
+    EXPECT_EQ(bytesOf(out("file")), "mine");
+}
+
 TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
     repository.write("staged", "staged\n");
     repository.git({"add", "staged"});

@@ -210,7 +210,7 @@ TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
         }(),
         checkout("topic", repository.path()));
     operation.start();
-    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("Read-only file system")));
+    EXPECT_THAT(operation.error(), IsSourceControlError(513, HasSubstr("Read-only file system")));
     EXPECT_THAT(contentOf(operation), HasSubstr("Switched to branch 'topic'"));
 }
 

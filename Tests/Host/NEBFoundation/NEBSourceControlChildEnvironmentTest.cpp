@@ -84,6 +84,8 @@ const Settings pinnedWithoutHooks{
     {"status.short", "false"},
     {"status.showStash", "false"},
     {"status.submoduleSummary", "false"},
+    {"core.useReplaceRefs", "true"},
+    {"core.bigFileThreshold", "512m"},
     {"diff.renames", "true"},
     {"diff.renameLimit", "1000"},
     {"diff.noprefix", "false"},

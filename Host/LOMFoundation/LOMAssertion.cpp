@@ -82,4 +82,8 @@ void LOMSetAssertionSinkOfThread(LOMAssertionSink sink) {
     sinkOfThread() = std::move(sink);
 }
 
+LOMAssertionSink LOMAssertionSinkOfThread() {
+    return sinkOfThread();
+}
+
 }  // namespace neb

@@ -57,7 +57,10 @@ using LOMAssertionSink = std::function<void(const LOMAssertionReport&)>;
 NEB_EXPORT void LOMSetAssertionSink(LOMAssertionSink sink);
 
 /// Sets the sink for what the calling thread reports, in place of the process's; an absent one
-/// takes it away. For a host that serves several callers at once.
+/// takes it away. For a host that serves several callers at once. An operation that is made on the
+/// thread reports there too, on whatever thread it runs: such a sink may be called by several.
 NEB_EXPORT void LOMSetAssertionSinkOfThread(LOMAssertionSink sink);
+/// The calling thread's own; absent when it has none.
+[[nodiscard]] NEB_EXPORT LOMAssertionSink LOMAssertionSinkOfThread();
 
 }  // namespace neb

@@ -6,11 +6,32 @@
 
 namespace neb {
 
+namespace {
+
+/// Where the calling thread reports while the object lives; as before without a sink.
+class SinkHere {
+public:
+    explicit SinkHere(const LOMAssertionSink& sink) : _former(LOMAssertionSinkOfThread()) {
+        if (sink) {
+            LOMSetAssertionSinkOfThread(sink);
+        }
+    }
+    SinkHere(const SinkHere&) = delete;
+    SinkHere& operator=(const SinkHere&) = delete;
+    ~SinkHere() { LOMSetAssertionSinkOfThread(_former); }
+
+private:
+    LOMAssertionSink _former;
+};
+
+}  // namespace
+
 NEBSourceControlOperation::NEBSourceControlOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
-    : _request(std::move(request)) {}
+    : _request(std::move(request)), _reportSink(LOMAssertionSinkOfThread()) {}
 
 void NEBSourceControlOperation::start() {
+    const SinkHere sink(_reportSink);
     try {
         if (isCancelled()) {
             setError(NEBSourceControlCancelledError());

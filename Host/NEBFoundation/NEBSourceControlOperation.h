@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "LOMFoundation/LOMAssertion.h"
 #include "NEBFoundation/NEBDictionary.h"
 #include "NEBFoundation/NEBSourceControlCommandLog.h"
 #include "NEBFoundation/NEBSourceControlError.h"
@@ -78,6 +79,7 @@ public:
 
 private:
     std::shared_ptr<NEBSourceControlRequest> _request;
+    LOMAssertionSink _reportSink;  // of the thread that made it; mostly absent
     std::optional<NEBSourceControlResult> _result;
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;

@@ -3,8 +3,15 @@
 namespace neb::nebsc {
 
 ReportCapture::ReportCapture() {
-    LOMSetAssertionSinkOfThread(
-        [this](const LOMAssertionReport& report) { _reports.push_back(report); });
+    LOMSetAssertionSinkOfThread([this](const LOMAssertionReport& report) {
+        const std::lock_guard lock(_mutex);
+        _reports.push_back(report);
+    });
+}
+
+std::vector<LOMAssertionReport> ReportCapture::reports() const {
+    const std::lock_guard lock(_mutex);
+    return _reports;
 }
 
 ReportCapture::~ReportCapture() {

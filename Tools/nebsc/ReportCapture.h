@@ -1,9 +1,11 @@
-// ReportCapture.h - collects the assertion reports that a thread makes while it lives.
+// ReportCapture.h - collects the assertion reports that a thread, and the operations made on it,
+// make while it lives.
 //
-// An operation reports on the thread that makes and starts it. Several captures may live at once,
-// each on a thread of its own; reports of threads without one go where reports go by default.
+// Several captures may live at once, each on a thread of its own. The operations must have ended
+// when it goes.
 #pragma once
 
+#include <mutex>
 #include <vector>
 
 #include "LOMFoundation/LOMAssertion.h"
@@ -19,10 +21,11 @@ public:
     ~ReportCapture();
 
     /// Those made so far, in order.
-    [[nodiscard]] const std::vector<LOMAssertionReport>& reports() const { return _reports; }
+    [[nodiscard]] std::vector<LOMAssertionReport> reports() const;
 
 private:
-    std::vector<LOMAssertionReport> _reports;
+    mutable std::mutex _mutex;
+    std::vector<LOMAssertionReport> _reports;  // guarded by _mutex
 };
 
 }  // namespace neb::nebsc

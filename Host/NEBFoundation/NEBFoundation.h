@@ -1,0 +1,17 @@
+// NEBFoundation.h - all that a host needs, in one.
+#pragma once
+
+// IWYU pragma: begin_exports
+#include "LOMFoundation/LOMAssertion.h"
+#include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlManager.h"
+#include "NEBFoundation/NEBSourceControlOperation.h"
+#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
+#include "NEBFoundation/NEBSourceControlRequest.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/OperationQueue.h"
+// IWYU pragma: end_exports

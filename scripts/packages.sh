@@ -29,8 +29,28 @@ need_packages() {
     }
 }
 
+# need_program PROGRAM PACKAGE: installs the package where there is no such program, and leaves alone
+# a program that came in another way.
+need_program() {
+    command -v "$1" >/dev/null || need_packages "$2"
+}
+
+# need_node_packages FOLDER PLACE: what the package.json and package-lock.json of the folder ask for,
+# in PLACE/node_modules; nothing is fetched when it is there.
+need_node_packages() {
+    cmp -s "$1/package-lock.json" "$2/installed-lock.json" && return 0
+    need_program node nodejs
+    need_program npm npm
+    mkdir -p "$2"
+    cp "$1/package.json" "$1/package-lock.json" "$2"
+    (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >&2)
+    cp "$1/package-lock.json" "$2/installed-lock.json"
+}
+
 build_packages=(g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev procps util-linux git-svn subversion locales openssl)
+package_packages=(dpkg-dev file)
+test_packages=(libgtest-dev libgmock-dev procps util-linux git-svn subversion locales openssl
+    python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
-lint_packages=(clang-format clang-tidy)
+lint_packages=(clang-format clang-tidy cppcheck)
 benchmark_packages=(libbenchmark-dev)

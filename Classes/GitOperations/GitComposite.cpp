@@ -3,12 +3,12 @@
 namespace neb {
 
 std::shared_ptr<OperationQueue> GitSubOperations::queue() const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _queue;
 }
 
 void GitSubOperations::setQueue(std::shared_ptr<OperationQueue> queue) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _queue.swap(queue);
 }
 

@@ -12,12 +12,12 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlOperation.h"
+#include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
 
 namespace neb {
@@ -39,8 +39,8 @@ public:
     void cancelAll();
 
 private:
-    mutable std::mutex _mutex;
-    std::shared_ptr<OperationQueue> _queue;  // guarded by _mutex
+    mutable Mutex _mutex;
+    std::shared_ptr<OperationQueue> _queue NEB_GUARDED_BY(_mutex);
     std::vector<std::shared_ptr<NEBSourceControlOperation>> _added;
 };
 

@@ -179,6 +179,8 @@ GitExportFileOperation::GitExportFileOperation(std::shared_ptr<NEBSourceControlR
         arguments.push_back(name);
     }
     setArgumentsBehindDefaults(arguments);
+    // Temporary files lie where everybody may look.
+    setArchivesForOwner(!asked.destination.isPresent());
 }
 
 LOMFilePath GitExportFileOperation::chooseTarget() const {

@@ -26,7 +26,8 @@ public:
 };
 
 /// Writes the request's first file as it was at the starting revision to the destination, or, when
-/// there is none, to a temporary file, which is the host's to remove. What is there is overwritten.
+/// there is none, to a temporary file, which its owner alone may read and which is the host's to
+/// remove. What is there is overwritten.
 /// The destination's name must end with the file's own, with or without a head in front of it.
 ///
 /// When it is made, it puts the target, a LOMFilePath, into the request's options under

@@ -2,18 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <mutex>
 #include <utility>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "Platform/Mutex.h"
+#include "Platform/Passwords.h"
 
 namespace neb {
 
 namespace {
 
 struct SinkHolder {
-    std::mutex mutex;
-    LOMAssertionSink sink;  // guarded by mutex
+    Mutex mutex;
+    LOMAssertionSink sink NEB_GUARDED_BY(mutex);
 };
 
 SinkHolder& sinkHolder() {
@@ -42,7 +43,7 @@ void _LOMAssertionFailureHandler(std::string_view object, std::string_view comma
         .function = std::string(functionName),
         .file = std::string(fileName),
         .line = lineNumber,
-        .message = formattedText(format, arguments),
+        .message = textWithoutPasswords(formattedText(format, arguments)),
         .condition = arguments.empty() ? std::string() : arguments.back(),
         .object = std::string(object),
         .command = std::string(command),
@@ -52,7 +53,7 @@ void _LOMAssertionFailureHandler(std::string_view object, std::string_view comma
         return;
     }
     SinkHolder& holder = sinkHolder();
-    const std::lock_guard lock(holder.mutex);
+    const MutexLock lock(holder.mutex);
     if (holder.sink) {
         holder.sink(report);
     } else {
@@ -74,7 +75,7 @@ void LOMReportFailedAssertion(std::string_view functionName, std::string_view fi
 
 void LOMSetAssertionSink(LOMAssertionSink sink) {
     SinkHolder& holder = sinkHolder();
-    const std::lock_guard lock(holder.mutex);
+    const MutexLock lock(holder.mutex);
     holder.sink = std::move(sink);
 }
 

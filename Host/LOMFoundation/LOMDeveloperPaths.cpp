@@ -50,14 +50,14 @@ LOMDeveloperPaths& LOMDeveloperPaths::defaultPaths() {
 
 LOMSearchPath LOMDeveloperPaths::binSearchPathForPlatform(
     std::optional<std::string_view> /*platform*/) const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return LOMSearchPath(_preferredBinaryDirectory
                              ? *_preferredBinaryDirectory
                              : LOMFilePath::filePathForPathString(firstDirectoryWithGit()));
 }
 
 void LOMDeveloperPaths::setPreferredBinaryDirectory(std::optional<LOMFilePath> directory) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _preferredBinaryDirectory = std::move(directory);
 }
 

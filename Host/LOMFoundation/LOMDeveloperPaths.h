@@ -1,13 +1,13 @@
 // LOMDeveloperPaths.h - where the developer tools are, `git` above all.
 #pragma once
 
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "LOMFoundation/LOMFilePath.h"
 #include "Platform/Export.h"
+#include "Platform/Mutex.h"
 
 namespace neb {
 
@@ -43,8 +43,8 @@ public:
 private:
     LOMDeveloperPaths() = default;
 
-    mutable std::mutex _mutex;
-    std::optional<LOMFilePath> _preferredBinaryDirectory;  // guarded by _mutex
+    mutable Mutex _mutex;
+    std::optional<LOMFilePath> _preferredBinaryDirectory NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "Platform/Passwords.h"
 
 namespace neb {
 
@@ -12,8 +13,8 @@ void LOMLogAspect::_logAtLogLevel(int level, std::string_view format,
     if (level > logLevel) {
         return;
     }
-    const std::string message = formattedText(format, arguments);
-    const std::lock_guard lock(_mutex);
+    const std::string message = textWithoutPasswords(formattedText(format, arguments));
+    const MutexLock lock(_mutex);
     if (_sink) {
         _sink(message);
     } else {
@@ -23,7 +24,7 @@ void LOMLogAspect::_logAtLogLevel(int level, std::string_view format,
 }
 
 void LOMLogAspect::setSink(Sink sink) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _sink = std::move(sink);
 }
 

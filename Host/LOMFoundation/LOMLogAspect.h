@@ -3,12 +3,12 @@
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Platform/Export.h"
+#include "Platform/Mutex.h"
 
 namespace neb {
 
@@ -34,8 +34,8 @@ public:
 
 private:
     const std::string _name;
-    std::mutex _mutex;
-    Sink _sink;  // guarded by _mutex
+    Mutex _mutex;
+    Sink _sink NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb

@@ -11,7 +11,9 @@ namespace neb {
 class NEBConstant {
 public:
     template <std::size_t size>
-    consteval explicit NEBConstant(const char (&literal)[size]) : _text(literal, size - 1) {}
+    consteval explicit NEBConstant(const char (&literal)[size]) : _text(literal, size - 1) {
+        static_assert(size <= 255, "a dictionary notes the length of a key in one byte");
+    }
 
     [[nodiscard]] constexpr std::string_view text() const { return _text; }
     constexpr operator std::string_view() const { return _text; }

@@ -18,19 +18,18 @@ constexpr std::size_t walkedSize = 16;
 
 NEBDictionary::Entry::Entry(NEBConstant key, NEBValue value)
     : _key(key.text().data()), _value(std::move(value)) {
-    _value._noteOfKey = static_cast<std::uint32_t>(key.text().size());
+    _value._noteOfKey = static_cast<std::uint8_t>(key.text().size());
 }
 
-NEBDictionary::Entry::Entry(const NEBValue::Shared* key, NEBValue value)
+NEBDictionary::Entry::Entry(const NEBValue::SharedText* key, NEBValue value)
     : _key(key), _value(std::move(value)) {
     _value._noteOfKey = ownKey;
-    NEBValue::retain(*sharedKey());
 }
 
 NEBDictionary::Entry::Entry(const Entry& other) : _key(other._key), _value(other._value) {
     _value._noteOfKey = other._value._noteOfKey;
     if (hasOwnKey()) {
-        NEBValue::retain(*sharedKey());
+        NEBValue::retainText(*sharedKey());
     }
 }
 
@@ -48,12 +47,12 @@ NEBDictionary::Entry& NEBDictionary::Entry::operator=(Entry other) noexcept {
 
 NEBDictionary::Entry::~Entry() {
     if (hasOwnKey()) {
-        NEBValue::releaseString(sharedKey());
+        NEBValue::releaseText(sharedKey());
     }
 }
 
 std::string_view NEBDictionary::Entry::key() const {
-    return hasOwnKey() ? std::string_view(NEBValue::stringOf(*sharedKey()))
+    return hasOwnKey() ? NEBValue::textOf(*sharedKey())
                        : std::string_view(static_cast<const char*>(_key), _value._noteOfKey);
 }
 

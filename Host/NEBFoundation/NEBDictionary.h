@@ -2,7 +2,7 @@
 //
 //     NEBDictionary record;
 //     record.set(NEBSourceControlOperationPathKey, "/w/a.txt");
-//     record.value(NEBSourceControlOperationPathKey).string();   // points to "/w/a.txt"
+//     record.value(NEBSourceControlOperationPathKey).string();   // "/w/a.txt"
 //     record.value("no such key").isPresent();                   // false
 //
 // A value: copies are independent, any thread may use its own. A host constant as a key costs
@@ -27,8 +27,8 @@ public:
     class NEB_EXPORT Entry {
     public:
         Entry(NEBConstant key, NEBValue value);
-        Entry(std::string key, NEBValue value)
-            : Entry(NEBValue(std::move(key))._content.shared, std::move(value)) {}
+        Entry(const std::string& key, NEBValue value)
+            : Entry(NEBValue::newText(key), std::move(value)) {}
         Entry(const Entry& other);
         Entry(Entry&& other) noexcept;
         Entry& operator=(Entry other) noexcept;
@@ -39,18 +39,18 @@ public:
 
     private:
         friend class NEBDictionary;
-        /// The key is what a string value shares.
-        Entry(const NEBValue::Shared* key, NEBValue value);
+        /// Takes over one hold on the key.
+        Entry(const NEBValue::SharedText* key, NEBValue value);
 
         [[nodiscard]] bool hasOwnKey() const { return _value._noteOfKey == ownKey; }
-        [[nodiscard]] const NEBValue::Shared* sharedKey() const {
-            return static_cast<const NEBValue::Shared*>(_key);
+        [[nodiscard]] const NEBValue::SharedText* sharedKey() const {
+            return static_cast<const NEBValue::SharedText*>(_key);
         }
 
-        static constexpr std::uint32_t ownKey = 0xFFFFFFFF;
+        static constexpr std::uint8_t ownKey = 0xFF;
 
         /// Of a host constant the characters, as many as are noted with the value; or, when ownKey
-        /// is noted there, what a string value shares.
+        /// is noted there, a text as values share it.
         const void* _key;
         NEBValue _value;
     };
@@ -66,12 +66,12 @@ public:
     /// Adds an entry, or replaces the value of the one there is, which keeps its place. An absent
     /// value changes nothing.
     void set(NEBConstant key, NEBValue value) { add(Entry(key, std::move(value))); }
-    void set(std::string key, NEBValue value) { add(Entry(std::move(key), std::move(value))); }
-    /// The same, with the text that a string value holds for a key: shared, not copied. A key of
-    /// another kind changes nothing.
+    void set(const std::string& key, NEBValue value) { add(Entry(key, std::move(value))); }
+    /// The same, with the text that a string value holds for a key: shared, not copied, when it is
+    /// long. A key of another kind changes nothing.
     void setWithSharedKey(const NEBValue& key, NEBValue value) {
         if (key.isString()) {
-            add(Entry(key._content.shared, std::move(value)));
+            add(Entry(key.sharedText(), std::move(value)));
         }
     }
     /// Sets all entries of `other`, in their order.

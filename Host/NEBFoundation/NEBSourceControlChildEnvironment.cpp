@@ -116,6 +116,9 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"i18n.logOutputEncoding", "UTF-8", Reach::everyChild},
     // a program that tells what has changed, or fails to, or never ends
     {"core.fsmonitor", "false", Reach::everyChild},
+    // a URL by which git talks over a descriptor that it was started with: it has none of the
+    // host's, and would wait for ever
+    {"protocol.fd.allow", "never", Reach::everyChild},
     // what a merge, a fetch or a checkout says of itself; of the hints, the one by which an
     // unmerged
     // branch is recognised and the one that is part of an answer
@@ -278,8 +281,19 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
             writer.add(setting.key, setting.value);
         }
     }
+    if (traits.archivesForOwner) {
+        writer.add("tar.umask", "077");
+    }
     writer.finish();
     return environment;
+}
+
+std::vector<NEBSourceControlPinnedSetting> NEBSourceControlPinnedSettings() {
+    std::vector<NEBSourceControlPinnedSetting> settings;
+    for (const PinnedSetting& setting : pinnedSettings) {
+        settings.push_back({setting.key, setting.value});
+    }
+    return settings;
 }
 
 std::vector<std::string> NEBSourceControlInheritedEnvironment() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Export.h"
@@ -21,6 +22,8 @@ struct NEBSourceControlChildTraits {
     /// Hooks may run, whose own gits inherit what this one is told: it is told no more than it
     /// needs.
     bool mayRunHooks = false;
+    /// What git puts into an archive is for its owner alone.
+    bool archivesForOwner = false;
 };
 
 /// The host's own environment `inherited` (each element `NAME=value`) with what must not bleed into
@@ -28,6 +31,15 @@ struct NEBSourceControlChildTraits {
 /// variable. From any thread.
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlChildEnvironment(
     const std::vector<std::string>& inherited, const NEBSourceControlChildTraits& traits);
+
+/// A setting that git is told for a child that runs no hooks, whatever the user has configured.
+struct NEBSourceControlPinnedSetting {
+    std::string_view key, value;
+};
+
+/// All of them. From any thread.
+[[nodiscard]] NEB_EXPORT std::vector<NEBSourceControlPinnedSetting>
+NEBSourceControlPinnedSettings();
 
 /// The host's own environment. Not while another thread changes it.
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlInheritedEnvironment();

@@ -1,12 +1,14 @@
 #include "NEBFoundation/NEBSourceControlError.h"
 
+#include "Platform/Passwords.h"
+
 namespace neb {
 
 namespace {
 
 std::optional<std::string> stringOf(const NEBValue& value) {
-    const std::string* string = value.string();
-    return string != nullptr ? std::optional(*string) : std::nullopt;
+    const auto string = value.string();
+    return string ? std::optional(std::string(*string)) : std::nullopt;
 }
 
 }  // namespace
@@ -28,6 +30,24 @@ std::optional<std::string> NEBSourceControlError::localizedDescription() const {
 
 std::optional<std::string> NEBSourceControlError::localizedRecoverySuggestion() const {
     return stringOf(userInfo.value(NEBLocalizedRecoverySuggestionKey));
+}
+
+void NEBSourceControlError::hidePasswords() {
+    if (text) {
+        text = textWithoutPasswords(*text);
+    }
+    for (std::vector<std::string>* lines : {&hints, &remoteLines}) {
+        for (std::string& line : *lines) {
+            line = textWithoutPasswords(line);
+        }
+    }
+    NEBDictionary shown;
+    for (const NEBDictionary::Entry& entry : userInfo) {
+        const auto string = stringOf(entry.value());
+        shown.set(std::string(entry.key()),
+                  string ? NEBValue(textWithoutPasswords(*string)) : entry.value());
+    }
+    userInfo = std::move(shown);
 }
 
 }  // namespace neb

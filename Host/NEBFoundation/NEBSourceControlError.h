@@ -29,7 +29,7 @@ public:
     /// certain. Every error of an operation that has finished has one; the refusal of a request has
     /// none.
     std::optional<std::string> errorClass;
-    /// The tool's own words, as they were; absent where no tool said anything.
+    /// The tool's own words, as they were but for passwords; absent where no tool said anything.
     std::optional<std::string> text;
     /// How the child ended that the error is about; absent where none ran.
     std::optional<TerminationStatus> terminationStatus;
@@ -42,6 +42,10 @@ public:
     /// From the user info, nothing where it has none.
     [[nodiscard]] std::optional<std::string> localizedDescription() const;
     [[nodiscard]] std::optional<std::string> localizedRecoverySuggestion() const;
+
+    /// Takes the passwords that URLs hold out of all texts, see textWithoutPasswords(). An
+    /// operation's error has none.
+    void hidePasswords();
 };
 
 }  // namespace neb

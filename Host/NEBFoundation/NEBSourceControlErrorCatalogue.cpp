@@ -74,7 +74,10 @@ constexpr Row rows[] = {
     // the machine
     {"disk-full",
      generic,
-     {{{"no space left on device"}, {"disk quota exceeded"}, {"out of diskspace"}}}},
+     {{{"no space left on device"},
+       {"disk quota exceeded"},
+       {"out of diskspace"},
+       {"tar: ", ": wrote only "}}}},  // what still had room, of the last block
     {"owner-not-trusted",
      generic,
      {{{"detected dubious ownership in repository"},
@@ -103,6 +106,7 @@ constexpr Row rows[] = {
     {"objects-damaged",
      generic,
      {{{"fatal: bad object head"},  // nobody named a revision
+       {"error: bad tree object head"},
        {"error: unable to unpack ", " header"},
        {"failed to traverse parents of commit"},
        {"unable to read tree "},

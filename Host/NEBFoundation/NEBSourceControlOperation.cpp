@@ -48,6 +48,13 @@ void NEBSourceControlOperation::start() {
     setFinished();
 }
 
+void NEBSourceControlOperation::setError(std::optional<NEBSourceControlError> error) {
+    _error = std::move(error);
+    if (_error) {
+        _error->hidePasswords();
+    }
+}
+
 std::string NEBSourceControlOperation::descriptionForAssertionMessage() const {
     return "<" + className() + ">";
 }

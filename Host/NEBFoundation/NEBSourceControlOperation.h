@@ -48,9 +48,9 @@ public:
     /// Absent until there is one; absent and empty differ.
     [[nodiscard]] const std::optional<NEBSourceControlResult>& result() const { return _result; }
     void setResult(std::optional<NEBSourceControlResult> result) { _result = std::move(result); }
-    /// Absent on success.
+    /// Absent on success. No password of a URL is in its texts, whoever set it.
     [[nodiscard]] const std::optional<NEBSourceControlError>& error() const { return _error; }
-    void setError(std::optional<NEBSourceControlError> error) { _error = std::move(error); }
+    void setError(std::optional<NEBSourceControlError> error);
 
     /// What the operation was built to run; nothing for one that runs other operations.
     [[nodiscard]] virtual std::optional<NEBSourceControlCommand> command() { return std::nullopt; }

@@ -65,8 +65,8 @@ unsigned exposedPlaces(std::int32_t type) {
     }
 }
 
-bool looksLikeOption(const std::string* text) {
-    return text != nullptr && !text->empty() && text->front() == '-';
+bool looksLikeOption(std::optional<std::string_view> text) {
+    return text && text->starts_with('-');
 }
 
 bool isCount(const NEBValue& value) {
@@ -81,18 +81,21 @@ std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceContro
         return std::nullopt;
     }
     const std::string branchField = "options." + std::string(NEBSourceControlRequestOptionBranch);
-    const std::pair<std::string, const std::string*> sides[] = {
+    const std::pair<std::string, std::optional<std::string_view>> sides[] = {
         {branchField, request.option(NEBSourceControlRequestOptionBranch).string()},
         {"destination", request.destination.string()}};
     for (const auto& [field, text] : sides) {
-        if (text != nullptr && text->empty()) {
-            return NEBSourceControlOptionLikeValue{field, *text, "delete a branch of the remote"};
+        if (text && text->empty()) {
+            return NEBSourceControlOptionLikeValue{field, std::string(*text),
+                                                   "delete a branch of the remote"};
         }
-        if (text != nullptr && text->starts_with('+')) {
-            return NEBSourceControlOptionLikeValue{field, *text, "overwrite the remote's branch"};
+        if (text && text->starts_with('+')) {
+            return NEBSourceControlOptionLikeValue{field, std::string(*text),
+                                                   "overwrite the remote's branch"};
         }
-        if (text != nullptr && text->find('*') != std::string::npos) {
-            return NEBSourceControlOptionLikeValue{field, *text, "take it for many branches"};
+        if (text && text->find('*') != std::string::npos) {
+            return NEBSourceControlOptionLikeValue{field, std::string(*text),
+                                                   "take it for many branches"};
         }
     }
     return std::nullopt;
@@ -104,9 +107,9 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     const NEBSourceControlRequest& request) {
     const unsigned places = exposedPlaces(request.type);
     std::optional<NEBSourceControlOptionLikeValue> found;
-    const auto look = [&](Place place, std::string field, const std::string* text) {
+    const auto look = [&](Place place, std::string field, std::optional<std::string_view> text) {
         if (!found && (places & place) != 0 && looksLikeOption(text)) {
-            found = {.field = std::move(field), .value = *text};
+            found = {.field = std::move(field), .value = std::string(*text)};
         }
     };
     const auto lookAtOption = [&](Place place, NEBConstant key) {
@@ -114,17 +117,16 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     };
 
     if (request.sourceTree && request.sourceTree->location) {
-        look(location, "sourceTree.location", &*request.sourceTree->location);
+        look(location, "sourceTree.location", request.sourceTree->location);
     }
     look(destination, "destination", request.destination.string());
     look(starting, "startingRevision", request.startingRevision.string());
     look(ending, "endingRevision", request.endingRevision.string());
     for (std::size_t i = 0; i < request.fileCount(); ++i) {
-        const std::string* file = (*request.files)[i].string();
+        const auto file = (*request.files)[i].string();
         const std::string field = "files[" + std::to_string(i) + "]";
         look(files, field, file);
-        const std::string name = file != nullptr ? lastPathComponent(*file) : std::string();
-        look(lastComponentOfFiles, field, &name);
+        look(lastComponentOfFiles, field, lastPathComponent(file.value_or("")));
     }
     lookAtOption(branch, NEBSourceControlRequestOptionBranch);
     lookAtOption(remoteName, NEBSourceControlRequestOptionRemoteName);

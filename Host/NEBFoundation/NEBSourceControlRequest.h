@@ -2,8 +2,7 @@
 //
 //     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
 //     tree->location = "/home/me/project";
-//     auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestStatus, tree,
-//                                                          std::nullopt, std::nullopt);
+//     auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestStatus, tree);
 #pragma once
 
 #include <cstdint>
@@ -28,7 +27,8 @@ public:
     /// sub-requests with it.
     static std::shared_ptr<NEBSourceControlRequest> initWithType(
         std::int32_t type, std::shared_ptr<NEBSourceControlSourceTree> sourceTree,
-        std::optional<std::vector<NEBValue>> files, std::optional<NEBDictionary> options);
+        std::optional<std::vector<NEBValue>> files = std::nullopt,
+        std::optional<NEBDictionary> options = std::nullopt);
 
     /// The kind of request; see NEBSourceControlRequestType.
     std::int32_t type = 0;

@@ -15,9 +15,9 @@ namespace {
 /// Whether git would read the name as a pattern, or as more than a name: as "magic" when ":" leads,
 /// also once a folder in front of it has been cut off.
 bool isPattern(const NEBValue& value) {
-    const std::string* name = value.string();
-    return name != nullptr && (name->find_first_of("*?[\\") != std::string::npos ||
-                               name->starts_with(':') || name->find("/:") != std::string::npos);
+    const auto name = value.string();
+    return name && (name->find_first_of("*?[\\") != std::string::npos || name->starts_with(':') ||
+                    name->find("/:") != std::string::npos);
 }
 
 bool hasPatternCharacters(const NEBSourceControlRequest& request) {
@@ -74,7 +74,8 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
             {.hasPatternCharacters = hasPatternCharacters(*request()),
              .isBackgroundWork = isBackgroundWork(),
              .writesWholeBuffers = _writesWholeBuffers,
-             .mayRunHooks = _mayRunHooks}),
+             .mayRunHooks = _mayRunHooks,
+             .archivesForOwner = _archivesForOwner}),
     };
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);
@@ -133,13 +134,18 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
                                        .pipeTo = nullptr}));
         }
     };
-    const auto outputGrew = [&stages](std::string_view arrived) {
+    std::size_t received = 0;
+    const auto outputGrew = [&](std::string_view arrived) {
+        if (commandLog()) {
+            commandLog()->received(arrived.size() - received);
+            received = arrived.size();
+        }
         stages.back()->parseArrivedData(arrived);
     };
     std::vector<ChildOutcome> outcomes =
         _process.run(launches, {.started = started, .outputGrew = outputGrew});
     for (std::size_t i = 0; i < logged.size(); ++i) {
-        commandLog()->ended(logged[i], outcomes[i].status.exitStatus(), outcomes[i].duration);
+        commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }
     return outcomes;
 }

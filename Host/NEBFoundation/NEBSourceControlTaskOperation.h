@@ -52,6 +52,9 @@ public:
     /// user's settings; see NEBSourceControlChildTraits.
     void setMayRunHooks(bool mayRunHooks) { _mayRunHooks = mayRunHooks; }
 
+    /// Lets a git that makes an archive let nobody but the owner read what comes out of it.
+    void setArchivesForOwner(bool archivesForOwner) { _archivesForOwner = archivesForOwner; }
+
     /// All that the child wrote to standard output; absent until a child has run.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
@@ -132,6 +135,7 @@ private:
     std::optional<std::string> _currentDirectoryPath;
     bool _writesWholeBuffers = false;
     bool _mayRunHooks = false;
+    bool _archivesForOwner = false;
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;

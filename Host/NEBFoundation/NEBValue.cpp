@@ -9,10 +9,33 @@
 
 namespace neb {
 
+namespace {
+
+/// From this length on a string that is given away is kept rather than copied.
+constexpr std::size_t worthHolding = 4096;
+
+}  // namespace
+
 // ---- what is held -----------------------------------------------------------------------------
 
 struct NEBValue::Shared {
     mutable std::atomic<std::uint32_t> holders = 1;
+};
+
+/// A text. Its characters stand behind this object in the same block of memory, or are those of a
+/// HeldString.
+struct NEBValue::SharedText : Shared {
+    bool isHeldString = false;
+    std::string_view text;
+};
+
+/// A long text that came as a string and is kept as it came, without a copy.
+struct NEBValue::HeldString : SharedText {
+    explicit HeldString(std::string held) : string(std::move(held)) {
+        isHeldString = true;
+        text = string;
+    }
+    const std::string string;
 };
 
 template <typename Thing>
@@ -22,15 +45,14 @@ struct NEBValue::SharedThing : Shared {
 };
 
 template <typename Thing>
-void NEBValue::hold(Kind kind, Thing thing) {
-    _content.shared = new SharedThing<Thing>(std::move(thing));
+void NEBValue::holdShared(Kind kind, Thing thing) {
+    hold<const Shared*>(new SharedThing<Thing>(std::move(thing)));
     _kind = kind;
 }
 
 template <typename Thing>
 const Thing* NEBValue::thing(Kind kind) const {
-    return _kind == kind ? &static_cast<const SharedThing<Thing>*>(_content.shared)->thing
-                         : nullptr;
+    return _kind == kind ? &static_cast<const SharedThing<Thing>*>(shared())->thing : nullptr;
 }
 
 void NEBValue::retain(const Shared& shared) {
@@ -47,55 +69,103 @@ void NEBValue::releaseThing(const Shared* shared) {
 void NEBValue::release() {
     switch (_kind) {
         case Kind::string:
-            return releaseThing<std::string>(_content.shared);
+            return releaseText(static_cast<const SharedText*>(shared()));
         case Kind::filePath:
-            return releaseThing<LOMFilePath>(_content.shared);
+            return releaseThing<LOMFilePath>(shared());
         case Kind::dictionary:
-            return releaseThing<NEBDictionary>(_content.shared);
+            return releaseThing<NEBDictionary>(shared());
         case Kind::object:
-            return releaseThing<std::shared_ptr<const NEBObject>>(_content.shared);
+            return releaseThing<std::shared_ptr<const NEBObject>>(shared());
         default:
             return;  // nothing is shared
     }
 }
 
-void NEBValue::releaseString(const Shared* shared) {
-    releaseThing<std::string>(shared);
+void NEBValue::retainText(const SharedText& text) {
+    retain(text);
 }
 
-const std::string& NEBValue::stringOf(const Shared& shared) {
-    return static_cast<const SharedThing<std::string>&>(shared).thing;
+void NEBValue::releaseText(const SharedText* text) {
+    if (text->holders.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+        return;
+    }
+    if (text->isHeldString) {
+        delete static_cast<const HeldString*>(text);
+    } else {
+        ::operator delete(const_cast<SharedText*>(text));
+    }
+}
+
+const NEBValue::SharedText* NEBValue::sharedText() const {
+    if (_kind == Kind::string) {
+        retain(*shared());
+        return static_cast<const SharedText*>(shared());
+    }
+    return newText(*string());
+}
+
+std::string_view NEBValue::textOf(const SharedText& shared) {
+    return shared.text;
+}
+
+const NEBValue::SharedText* NEBValue::newText(std::string_view text) {
+    void* block = ::operator new(sizeof(SharedText) + text.size());
+    char* characters = static_cast<char*>(block) + sizeof(SharedText);
+    text.copy(characters, text.size());
+    auto* shared = new (block) SharedText;
+    shared->text = std::string_view(characters, text.size());
+    return shared;
+}
+
+NEBValue::NEBValue(std::string_view string) {
+    if (string.size() <= shortLength) {
+        string.copy(_content.data(), string.size());
+        _length = static_cast<std::uint8_t>(string.size());
+        _kind = Kind::shortString;
+    } else {
+        hold<const Shared*>(newText(string));
+        _kind = Kind::string;
+    }
 }
 
 NEBValue::NEBValue(std::string string) {
-    hold(Kind::string, std::move(string));
+    if (string.size() < worthHolding) {
+        *this = NEBValue(std::string_view(string));
+    } else {
+        hold<const Shared*>(new HeldString(std::move(string)));
+        _kind = Kind::string;
+    }
 }
 
 NEBValue::NEBValue(LOMFilePath path) {
-    hold(Kind::filePath, std::move(path));
+    holdShared(Kind::filePath, std::move(path));
 }
 
 NEBValue::NEBValue(NEBDictionary dictionary) {
-    hold(Kind::dictionary, std::move(dictionary));
+    holdShared(Kind::dictionary, std::move(dictionary));
 }
 
 NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
     if (object) {
-        hold(Kind::object, std::move(object));
+        holdShared(Kind::object, std::move(object));
     }
 }
 
 std::optional<bool> NEBValue::boolean() const {
-    return _kind == Kind::boolean ? std::optional(_content.boolean) : std::nullopt;
+    return _kind == Kind::boolean ? std::optional(held<bool>()) : std::nullopt;
 }
 std::optional<std::int64_t> NEBValue::integer() const {
-    return _kind == Kind::integer ? std::optional(_content.integer) : std::nullopt;
+    return _kind == Kind::integer ? std::optional(held<std::int64_t>()) : std::nullopt;
 }
-const std::string* NEBValue::string() const {
-    return thing<std::string>(Kind::string);
+std::optional<std::string_view> NEBValue::string() const {
+    if (_kind == Kind::shortString) {
+        return std::string_view(_content.data(), _length);
+    }
+    return _kind == Kind::string ? std::optional(textOf(*static_cast<const SharedText*>(shared())))
+                                 : std::nullopt;
 }
 std::optional<NEBDate> NEBValue::date() const {
-    return _kind == Kind::date ? std::optional(NEBDate(NEBDate::duration(_content.integer)))
+    return _kind == Kind::date ? std::optional(NEBDate(NEBDate::duration(held<std::int64_t>())))
                                : std::nullopt;
 }
 const LOMFilePath* NEBValue::filePath() const {
@@ -135,7 +205,7 @@ std::string descriptionOfDictionary(const NEBDictionary& dictionary) {
 }  // namespace
 
 bool NEBValue::boolValue() const {
-    if (const std::string* text = string()) {
+    if (const auto text = string()) {
         return boolValueOfString(*text);
     }
     return boolean().value_or(false) || integer().value_or(0) != 0;
@@ -148,8 +218,8 @@ std::string NEBValue::description() const {
     if (const auto held = integer()) {
         return std::to_string(*held);
     }
-    if (const std::string* held = string()) {
-        return *held;
+    if (const auto held = string()) {
+        return std::string(*held);
     }
     if (const auto held = date()) {
         return textOfDate(*held);
@@ -167,7 +237,7 @@ std::string NEBValue::description() const {
 }
 
 std::string NEBValue::descriptionForAssertionMessage() const {
-    return isString() ? "\"" + *string() + "\"" : description();
+    return isString() ? '"' + description() + '"' : description();
 }
 
 bool operator==(const NEBValue& left, const NEBValue& right) {
@@ -179,12 +249,13 @@ bool operator==(const NEBValue& left, const NEBValue& right) {
         case Kind::nothing:
             return true;
         case Kind::boolean:
-            return left._content.boolean == right._content.boolean;
+            return left.boolean() == right.boolean();
         case Kind::integer:
         case Kind::date:
-            return left._content.integer == right._content.integer;
+            return left.held<std::int64_t>() == right.held<std::int64_t>();
+        case Kind::shortString:
         case Kind::string:
-            return *left.string() == *right.string();
+            return left.string() == right.string();
         case Kind::filePath:
             return *left.filePath() == *right.filePath();
         case Kind::dictionary:

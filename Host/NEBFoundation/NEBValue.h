@@ -2,14 +2,16 @@
 // option, an entry of a result.
 //
 //     NEBValue value("topic");
-//     value.string();             // points to "topic"
+//     value.string();             // "topic"
 //     value.integer();            // nothing: no kind is turned into another
 //     NEBValue().isPresent();     // false
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <concepts>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,34 +30,46 @@ class NEBDictionary;
 /// An instant, in whole seconds since 1970-01-01 00:00:00 UTC, as git keeps them.
 using NEBDate = std::chrono::sys_time<std::chrono::duration<std::int64_t>>;
 
-/// A value: copies are independent, any thread may use its own. Whatever is larger than a number is
-/// shared by the copies of a value and never changes, so a copy costs nothing.
+/// A value: copies are independent, any thread may use its own. A number, a date or a short text
+/// stands in the value itself; whatever is larger is shared by the copies of a value and never
+/// changes, so a copy costs nothing.
 class NEB_EXPORT NEBValue {
 public:
     /// Nothing.
     NEBValue() = default;
     template <std::same_as<bool> Bool>
-    NEBValue(Bool boolean) : _content{.boolean = boolean}, _kind(Kind::boolean) {}
+    NEBValue(Bool boolean) : _kind(Kind::boolean) {
+        hold(boolean);
+    }
     template <std::integral Integer>
     requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char>) NEBValue(Integer integer)
-        : _content{.integer = static_cast<std::int64_t>(integer)}, _kind(Kind::integer) {}
+        : _kind(Kind::integer) {
+        hold(static_cast<std::int64_t>(integer));
+    }
+    NEBValue(std::string_view string);
     NEBValue(std::string string);
-    NEBValue(std::string_view string) : NEBValue(std::string(string)) {}
-    NEBValue(const char* string) : NEBValue(std::string(string)) {}
+    NEBValue(const char* string) : NEBValue(std::string_view(string)) {}
     NEBValue(NEBConstant constant) : NEBValue(constant.text()) {}
-    NEBValue(NEBDate date)
-        : _content{.integer = date.time_since_epoch().count()}, _kind(Kind::date) {}
+    NEBValue(NEBDate date) : _kind(Kind::date) {
+        hold(static_cast<std::int64_t>(date.time_since_epoch().count()));
+    }
     NEBValue(LOMFilePath path);
     NEBValue(NEBDictionary dictionary);
     /// An absent object makes nothing.
     NEBValue(std::shared_ptr<const NEBObject> object);
 
-    NEBValue(const NEBValue& other) : _content(other._content), _kind(other._kind) { share(); }
+    NEBValue(const NEBValue& other)
+        : _content(other._content), _length(other._length), _kind(other._kind) {
+        share();
+    }
     NEBValue(NEBValue&& other) noexcept
-        : _content(other._content), _kind(std::exchange(other._kind, Kind::nothing)) {}
+        : _content(other._content),
+          _length(other._length),
+          _kind(std::exchange(other._kind, Kind::nothing)) {}
     NEBValue& operator=(const NEBValue& other) { return *this = NEBValue(other); }
     NEBValue& operator=(NEBValue&& other) noexcept {
         std::swap(_content, other._content);
+        std::swap(_length, other._length);
         std::swap(_kind, other._kind);
         return *this;
     }
@@ -66,13 +80,15 @@ public:
     }
 
     [[nodiscard]] bool isPresent() const { return _kind != Kind::nothing; }
-    [[nodiscard]] bool isString() const { return _kind == Kind::string; }
+    [[nodiscard]] bool isString() const {
+        return _kind == Kind::shortString || _kind == Kind::string;
+    }
 
-    /// Each answers the content when the value is of that kind, else nothing. A pointer is good as
-    /// long as the value lives unchanged.
+    /// Each answers the content when the value is of that kind, else nothing. A string's characters
+    /// and a pointer are good as long as the value lives, unchanged and in its place.
     [[nodiscard]] std::optional<bool> boolean() const;
     [[nodiscard]] std::optional<std::int64_t> integer() const;
-    [[nodiscard]] const std::string* string() const;
+    [[nodiscard]] std::optional<std::string_view> string() const;
     [[nodiscard]] std::optional<NEBDate> date() const;
     [[nodiscard]] const LOMFilePath* filePath() const;
     [[nodiscard]] const NEBDictionary* dictionary() const;
@@ -100,6 +116,7 @@ private:
         boolean,
         integer,
         date,
+        shortString,
         string,
         filePath,
         dictionary,
@@ -107,37 +124,58 @@ private:
     };
     /// What copies share, with the number of them.
     struct Shared;
+    struct SharedText;
+    struct HeldString;
     template <typename Thing>
     struct SharedThing;
-    union Content {
-        bool boolean;
-        std::int64_t integer;  // of a date, its seconds
-        const Shared* shared;
-    };
 
+    /// Puts a small thing into the content, or takes it out: a pointer itself, not what it points
+    /// to.
+    // NOLINTBEGIN(bugprone-sizeof-expression)
+    template <typename Small>
+    void hold(Small small) {
+        std::memcpy(_content.data(), &small, sizeof small);
+    }
+    template <typename Small>
+    [[nodiscard]] Small held() const {
+        Small small;
+        std::memcpy(&small, _content.data(), sizeof small);
+        return small;
+    }
+    // NOLINTEND(bugprone-sizeof-expression)
     template <typename Thing>
-    void hold(Kind kind, Thing thing);
+    void holdShared(Kind kind, Thing thing);
     template <typename Thing>
     [[nodiscard]] const Thing* thing(Kind kind) const;
+    [[nodiscard]] const Shared* shared() const { return held<const Shared*>(); }
     [[nodiscard]] bool isShared() const { return _kind >= Kind::string; }
     void share() {
         if (isShared()) {
-            retain(*_content.shared);
+            retain(*shared());
         }
     }
     void release();
     static void retain(const Shared& shared);
     template <typename Thing>
     static void releaseThing(const Shared* shared);
-    /// Of what a string value shares.
-    static void releaseString(const Shared* shared);
-    [[nodiscard]] static const std::string& stringOf(const Shared& shared);
+    [[nodiscard]] static const SharedText* newText(std::string_view text);
+    static void retainText(const SharedText& text);
+    static void releaseText(const SharedText* text);
+    /// The text of a string value in the form in which values share one, with one holder more.
+    [[nodiscard]] const SharedText* sharedText() const;
+    [[nodiscard]] static std::string_view textOf(const SharedText& shared);
 
-    Content _content{.integer = 0};
-    Kind _kind = Kind::nothing;
+    /// As many characters stand in the value itself: enough for an abbreviated revision.
+    static constexpr std::size_t shortLength = 13;
+
+    /// A boolean, an integer (of a date, its seconds), a short string's characters, or the address
+    /// of what is shared.
+    alignas(std::int64_t) std::array<char, shortLength> _content{};
+    std::uint8_t _length = 0;  // of a short string
     /// Where the value stands in a dictionary, what that notes of its key: there are many values,
     /// and this room costs nothing. Never copied.
-    std::uint32_t _noteOfKey = 0;
+    std::uint8_t _noteOfKey = 0;
+    Kind _kind = Kind::nothing;
 };
 
 static_assert(sizeof(NEBValue) == 16, "a history has millions of them");

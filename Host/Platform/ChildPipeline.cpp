@@ -22,6 +22,8 @@ using std::chrono::milliseconds;
 
 /// How long a session that was asked to end may take before it is made to.
 constexpr milliseconds endingGrace{2000};
+/// How long a session that was stopped may take to be so.
+constexpr milliseconds stoppingGrace{100};
 /// How long, after the last child's end, another process may keep its streams open. git's own
 /// background work lets go within 31 ms of git's end; only a hook's left-over process takes longer.
 constexpr milliseconds streamGrace{250};
@@ -66,6 +68,7 @@ std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::Observers& obse
         releaseStreamsHeldByOthers();
     }
     reapAll();
+    _halfMadeLocks.remove();
 
     std::vector<ChildOutcome> outcomes;
     for (Child& child : _children) {
@@ -292,9 +295,27 @@ void ChildPipeline::noteEnd(Child& child) {
 
 // ---- the end ----------------------------------------------------------------------------------
 
+/// A git that is stopped is either in the middle of making a lock, which can be seen, or knows it.
+void ChildPipeline::noteHalfMadeLocks() {
+    signalAll(SIGSTOP);
+    const Moment deadline = Clock::now() + stoppingGrace;
+    const auto isStopped = [](const Child& child) {
+        return child.pid <= 0 || isSessionStopped(child.pid);
+    };
+    while (!std::all_of(_children.begin(), _children.end(), isStopped) && Clock::now() < deadline) {
+        ::poll(nullptr, 0, 1);
+    }
+    for (const Child& child : _children) {
+        if (child.pid > 0) {
+            _halfMadeLocks.noteOf(child.pid);
+        }
+    }
+}
+
 /// Asks all sessions to end. git removes its lock files on SIGTERM; SIGCONT lets a stopped process
 /// hear of it.
 void ChildPipeline::beginEnding() {
+    noteHalfMadeLocks();
     _killMoment = Clock::now() + endingGrace;
     signalAll(SIGTERM);
     signalAll(SIGCONT);

@@ -45,25 +45,25 @@ int ChildProcess::openWakePipe(FileDescriptor& readEnd) {
     if (const int failure = openPipe(pipe, PipeSize::ordinary); failure != 0) {
         return failure;
     }
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     readEnd = std::move(pipe.readEnd);
     _wakeWrite = std::move(pipe.writeEnd);
     return 0;
 }
 
 void ChildProcess::closeWakePipe() {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _wakeWrite.close();
 }
 
 void ChildProcess::cancel() {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _cancelled = true;
     _wakeWrite.close();  // the end of the pipe is the message: nothing is written, no SIGPIPE
 }
 
 bool ChildProcess::isCancelled() const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _cancelled;
 }
 

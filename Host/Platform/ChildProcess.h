@@ -17,7 +17,6 @@
 
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +25,7 @@
 #include "Platform/Data.h"
 #include "Platform/Export.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/Mutex.h"
 #include "Platform/TerminationStatus.h"
 
 namespace neb {
@@ -94,9 +94,9 @@ private:
     [[nodiscard]] int openWakePipe(FileDescriptor& readEnd);
     void closeWakePipe();
 
-    mutable std::mutex _mutex;
-    bool _cancelled = false;    // guarded by _mutex
-    FileDescriptor _wakeWrite;  // guarded by _mutex; open while run() waits
+    mutable Mutex _mutex;
+    bool _cancelled NEB_GUARDED_BY(_mutex) = false;
+    FileDescriptor _wakeWrite NEB_GUARDED_BY(_mutex);  // open while run() waits
 };
 
 }  // namespace neb

@@ -79,6 +79,20 @@ void signalMembers(pid_t session, int signalNumber) {
     forEachLiveMember(session, [&](pid_t pid, const ProcessState&) { ::kill(pid, signalNumber); });
 }
 
+std::vector<pid_t> liveMembers(pid_t session) {
+    std::vector<pid_t> members;
+    forEachLiveMember(session, [&](pid_t pid, const ProcessState&) { members.push_back(pid); });
+    return members;
+}
+
+bool isSessionStopped(pid_t session) {
+    bool areStopped = true;
+    forEachLiveMember(session, [&](pid_t, const ProcessState& process) {
+        areStopped = areStopped && (process.state == 'T' || process.state == 't');
+    });
+    return areStopped;
+}
+
 bool sessionHasLiveMembers(pid_t session) {
     bool found = false;
     forEachLiveMember(session, [&](pid_t, const ProcessState&) { found = true; });

@@ -7,6 +7,8 @@
 
 #include <sys/types.h>
 
+#include <vector>
+
 namespace neb {
 
 /// Sends `signalNumber` to every process of the session, whatever its process group.
@@ -14,6 +16,12 @@ void signalSession(pid_t session, int signalNumber);
 
 /// Sends `signalNumber` to each live process of the session by its own number.
 void signalMembers(pid_t session, int signalNumber);
+
+/// The live processes of the session.
+[[nodiscard]] std::vector<pid_t> liveMembers(pid_t session);
+
+/// Whether all live processes of the session are stopped, as they are soon after SIGSTOP.
+[[nodiscard]] bool isSessionStopped(pid_t session);
 
 /// Whether a process of the session other than a dead one waiting to be reaped is left.
 [[nodiscard]] bool sessionHasLiveMembers(pid_t session);

@@ -14,7 +14,7 @@ OperationQueue::OperationQueue(std::size_t width) : _width(std::max<std::size_t>
 
 OperationQueue::~OperationQueue() {
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _closing = true;
     }
     _workCame.notify_all();
@@ -36,14 +36,14 @@ void OperationQueue::addBlock(std::function<void()> block) {
 }
 
 void OperationQueue::add(Work work) {
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     _waiting.push_back(std::move(work));
     const std::size_t idleThreads = _threads.size() - std::min(_busyThreads, _threads.size());
     if (idleThreads < _waiting.size() && _threads.size() < _width) {
         addThread();
     }
     if (_threads.empty()) {
-        runOne(lock);
+        runOne();
     }
     _workCame.notify_one();
 }
@@ -58,25 +58,26 @@ void OperationQueue::addThread() {
 }
 
 void OperationQueue::runThread() {
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     while (true) {
-        _workCame.wait(lock, [this] { return _closing || !_waiting.empty(); });
+        _workCame.wait(lock,
+                       [this]() NEB_REQUIRES(_mutex) { return _closing || !_waiting.empty(); });
         if (_waiting.empty()) {
             return;
         }
-        runOne(lock);
+        runOne();
     }
 }
 
-/// Does the piece of work that has waited longest. Unlocked meanwhile.
-void OperationQueue::runOne(std::unique_lock<std::mutex>& lock) {
+/// Does the piece of work that has waited longest. The mutex is unlocked meanwhile.
+void OperationQueue::runOne() {
     Work work = std::move(_waiting.front());
     _waiting.pop_front();
     ++_busyThreads;
     if (work.operation) {
         _running.insert(work.operation);
     }
-    lock.unlock();
+    _mutex.unlock();
 
     if (work.operation) {
         work.operation->start();
@@ -84,13 +85,13 @@ void OperationQueue::runOne(std::unique_lock<std::mutex>& lock) {
         work.block();
     }
 
-    lock.lock();
+    _mutex.lock();
     if (work.operation) {
         _running.erase(work.operation);
     }
-    lock.unlock();
+    _mutex.unlock();
     work = {};  // ours may be the last reference: what it holds is gone before anyone goes on
-    lock.lock();
+    _mutex.lock();
     --_busyThreads;
     if (_busyThreads == 0 && _waiting.empty()) {
         _allDone.notify_all();
@@ -98,14 +99,15 @@ void OperationQueue::runOne(std::unique_lock<std::mutex>& lock) {
 }
 
 void OperationQueue::waitUntilAllOperationsAreFinished() {
-    std::unique_lock lock(_mutex);
-    _allDone.wait(lock, [this] { return _busyThreads == 0 && _waiting.empty(); });
+    MutexLock lock(_mutex);
+    _allDone.wait(lock,
+                  [this]() NEB_REQUIRES(_mutex) { return _busyThreads == 0 && _waiting.empty(); });
 }
 
 void OperationQueue::cancelAllOperations() {
     std::vector<std::shared_ptr<Operation>> operations;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         operations.assign(_running.begin(), _running.end());
         for (const Work& work : _waiting) {
             if (work.operation) {

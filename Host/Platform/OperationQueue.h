@@ -9,16 +9,15 @@
 // that runs it; each queue has its own threads, so neither starves the other.
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <set>
 #include <thread>
 #include <vector>
 
 #include "Platform/Export.h"
+#include "Platform/Mutex.h"
 #include "Platform/Operation.h"
 
 namespace neb {
@@ -51,20 +50,19 @@ private:
     };
 
     void add(Work work);
-    void addThread();
+    void addThread() NEB_REQUIRES(_mutex);
     void runThread();
-    void runOne(std::unique_lock<std::mutex>& lock);
+    void runOne() NEB_REQUIRES(_mutex);
 
     const std::size_t _width;
-    std::mutex _mutex;
-    std::condition_variable _workCame;
-    std::condition_variable _allDone;
-    // All below are guarded by _mutex.
-    std::deque<Work> _waiting;
-    std::set<std::shared_ptr<Operation>> _running;
-    std::size_t _busyThreads = 0;
-    bool _closing = false;
-    std::vector<std::thread> _threads;
+    Mutex _mutex;
+    Condition _workCame;
+    Condition _allDone;
+    std::deque<Work> _waiting NEB_GUARDED_BY(_mutex);
+    std::set<std::shared_ptr<Operation>> _running NEB_GUARDED_BY(_mutex);
+    std::size_t _busyThreads NEB_GUARDED_BY(_mutex) = 0;
+    bool _closing NEB_GUARDED_BY(_mutex) = false;
+    std::vector<std::thread> _threads NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb

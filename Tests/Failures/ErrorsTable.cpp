@@ -17,22 +17,7 @@ namespace neb::test {
 namespace {
 
 constexpr const char* file = NEB_SOURCE_FOLDER "/docs/errors.md";
-constexpr const char* introduction =
-    R"(# What failures look like
-
-Every failure below is brought about with the git that is installed, by `Tests/Failures`, which
-compares its class, code, files and exit status with what they should be, and its row here. The class
-is the word in the error's `class` (see [json.md](json.md)). What a person sees is the sentence and the
-suggestion of `nebsc`; git's own words stand below them where they say more. Ports, times, commits
-and temporary folders are placeholders. Where the sentence speaks of authentication and the class does not, the
-plug-in's own table of errors, which hosts rely on, has the sentence; the class is the true one.
-
-Two classes are known from git's texts alone, as no request gives rise to them: `push-stale` and
-`no-push-destination`.
-
-`NEB_WRITE_ERRORS_TABLE=1 build/debug/bin/failure_tests` writes this file anew, on a machine where none
-of its tests is skipped. The third column is compared only with the git that made it.
-)";
+constexpr std::string_view endOfIntroduction = "Made with ";
 constexpr std::string_view indentation = "    ";
 
 std::string gitVersion() {
@@ -83,9 +68,14 @@ std::string beginningOf(const Failure& failure) {
     return "| " + std::string(failure.how) + " | `" + std::string(failure.errorClass) + "` | ";
 }
 
+/// What stands before the table of failures, the table of the classes too: people write it.
+std::string introductionOf(const std::string& document) {
+    return document.substr(0, document.find(endOfIntroduction));
+}
+
 std::vector<std::string> rowsOf(const std::string& document) {
     std::vector<std::string> rows;
-    for (const std::string& line : linesOf(document)) {
+    for (const std::string& line : linesOf(document.substr(introductionOf(document).size()))) {
         if (line.starts_with("| ") && line.find(" | `") != std::string::npos) {
             rows.push_back(line);
         }
@@ -109,7 +99,7 @@ std::string sumsOf(const std::vector<std::string>& rows) {
 }
 
 std::string madeWith(const std::string& version) {
-    return "Made with " + version + ".";
+    return std::string(endOfIntroduction) + version + ".";
 }
 
 }  // namespace
@@ -155,6 +145,32 @@ void ErrorsTable::compareRows() const {
     EXPECT_NE(_document.find(sumsOf(rows)), std::string::npos) << sumsOf(rows);
 }
 
+void ErrorsTable::compareClasses() const {
+    const std::vector<std::string> lines = linesOf(introductionOf(_document));
+    std::set<std::string> documented;
+    for (const std::string& line : lines) {
+        if (line.starts_with("| `")) {
+            EXPECT_TRUE(documented.insert(line.substr(3, line.find('`', 3) - 3)).second) << line;
+        }
+    }
+    for (const Failure& failure : allFailures()) {
+        const std::string beginning = "| `" + std::string(failure.errorClass) + "` | ";
+        const auto row = std::find_if(
+            lines.begin(), lines.end(),
+            [&beginning](const std::string& line) { return line.starts_with(beginning); });
+        ASSERT_NE(row, lines.end()) << file << " has no row for " << failure.errorClass;
+        const std::string codes =
+            row->substr(beginning.size(), row->find(" |", beginning.size()) - beginning.size());
+        EXPECT_NE((", " + codes + ",").find(", " + std::to_string(failure.code) + ","),
+                  std::string::npos)
+            << *row << " lacks the code of: " << failure.how;
+        documented.erase(std::string(failure.errorClass));
+    }
+    // Those that none of these failures shows.
+    EXPECT_EQ(documented, (std::set<std::string>{"cancelled", "no-push-destination", "push-stale",
+                                                 "unknown", "up-to-date"}));
+}
+
 void ErrorsTable::write() const {
     if (!_isWritten) {
         return;
@@ -167,6 +183,7 @@ void ErrorsTable::write() const {
             table += row->second + "\n";
         }
     }
+    const std::string introduction = introductionOf(_document);
     std::ofstream stream(file, std::ios::binary);
     stream << introduction << madeWith(gitVersion()) << "\n\n"
            << table << "\n"

@@ -10,7 +10,7 @@
 namespace neb::test {
 
 /// The table in the document. With the variable NEB_WRITE_ERRORS_TABLE set, nothing is compared,
-/// and write() puts a new document in the old one's place, from what compare() was told by then.
+/// and write() puts a new table in the old one's place, from what compare() was told by then.
 class ErrorsTable {
 public:
     static ErrorsTable& instance();
@@ -20,6 +20,8 @@ public:
     void compare(const Failure& failure, const NEBSourceControlError& error);
     /// Compares which failures the document has, their order and the sums below the table.
     void compareRows() const;
+    /// Compares which classes the document explains, and their codes, with those of the failures.
+    void compareClasses() const;
     /// Writes the document where that is asked for; some failures may not have come about.
     void write() const;
 

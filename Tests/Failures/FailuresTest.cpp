@@ -36,7 +36,7 @@ std::string withoutAccidents(std::string text) {
         {R"( at /\S+ line \d+)", " at FILE line N"},
         {R"(CAfile: \S+)", "CAfile: FILE"},
         // either side may be the first to say so
-        {R"((remote error: |git )(upload-pack: not our ref))", "$2"},
+        {R"(([Rr]emote error: |git )(upload-pack: not our ref))", "$2"},
     };
     for (const auto& [pattern, replacement] : accidents) {
         text = std::regex_replace(text, std::regex(pattern), replacement);
@@ -89,6 +89,10 @@ INSTANTIATE_TEST_SUITE_P(All, EverydayFailure, testing::ValuesIn(allFailures()),
 
 TEST(EverydayFailures, AreInTheDocumentedTableAndNothingElseIs) {
     ErrorsTable::instance().compareRows();
+}
+
+TEST(EverydayFailures, HaveClassesThatAreExplained) {
+    ErrorsTable::instance().compareClasses();
 }
 
 }  // namespace

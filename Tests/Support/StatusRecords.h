@@ -19,7 +19,7 @@ inline std::string textOf(const std::optional<NEBDictionary>& record) {
     }
     EXPECT_EQ(record->size(), 2U);
     return std::to_string(record->value(NEBSourceControlOperationWCStatusKey).integer().value()) +
-           " " + *record->value(NEBSourceControlOperationPathKey).string();
+           " " + record->value(NEBSourceControlOperationPathKey).description();
 }
 
 inline std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& result) {

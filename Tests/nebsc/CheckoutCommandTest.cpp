@@ -153,7 +153,7 @@ TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
     folder.write("a.c", "mine\n");
     for (const char* name : {"a.c", "topic"}) {
         expectFailed(runNebsc({"checkout", name}, {.folder = folder.path()}),
-                     testing::StartsWith("nebsc: fatal: not a git repository"));
+                     testing::StartsWith("nebsc: Not a git repository"));
     }
 }
 
@@ -178,7 +178,7 @@ TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {
                          "[ \"$2\" = symbolic-ref ] && echo topic\nexit 0");
     const NebscOutcome outcome = nebsc({"checkout", "topic"}, git);
     EXPECT_EQ(outcome.output, "Now on topic.\n");
-    EXPECT_EQ(outcome.errors, "nebsc: fatal: no look\n");
+    EXPECT_EQ(outcome.errors, "nebsc: No look.\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -91,7 +91,7 @@ TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
                                                  {"push", "x", "main"},
                                                  {"push", "--svn"}}) {
         expectFailed(runNebsc(call, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: fatal: not a git repository"));
+                     StartsWith("nebsc: Not a git repository"));
     }
 }
 
@@ -193,7 +193,7 @@ TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
     expectFailed(nebsc(*ann, {"push", "origin"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("No Subversion repository"));
-    expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}), HasSubstr("src refspec nosuch"));
+    expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}), HasSubstr("Src refspec nosuch"));
     expectFailed(nebsc(*ann, {"push", "nosuch", "main"}), HasSubstr("'nosuch' does not appear"));
     expectFailed(nebsc(*ann, {"push", "--", "--mirror", "main"}),
                  HasSubstr("\"--mirror\" begins with"), 2);
@@ -201,7 +201,7 @@ TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
                  2);
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
-    expectFailed(nebsc(empty, {"push", "origin", "main"}), HasSubstr("src refspec main"));
+    expectFailed(nebsc(empty, {"push", "origin", "main"}), HasSubstr("Src refspec main"));
 }
 
 }  // namespace

@@ -102,10 +102,10 @@ TEST_F(FileCommands, WhereThereIsNoRepositoryGitSaysSo) {
     folder.write("a.c", "");
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(runNebsc({command, "a.c"}, {.folder = folder.path()}),
-                     StartsWith("nebsc: fatal: not a git repository"));
+                     StartsWith("nebsc: Not a git repository"));
     }
     expectFailed(runNebsc({"rm", "--force", "a.c"}, {.folder = folder.path()}),
-                 StartsWith("nebsc: fatal: not a git repository"));
+                 StartsWith("nebsc: Not a git repository"));
     EXPECT_EQ(folder.read("a.c"), "");
 }
 
@@ -192,7 +192,7 @@ TEST_F(FileCommands, ALookThatFailsRemovesNothing) {
     const StandInGit git(repository.path(),
                          "[ \"$2\" = status ] && { echo 'fatal: no look' >&2; exit 128; }\n"
                          "exec /usr/bin/env false");
-    expectFailed(nebsc({"rm", "a.c"}, git), "nebsc: fatal: no look\n");
+    expectFailed(nebsc({"rm", "a.c"}, git), "nebsc: No look.\n");
     EXPECT_TRUE(isThere("a.c"));
 }
 

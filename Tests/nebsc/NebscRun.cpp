@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -133,6 +134,9 @@ Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& argumen
     if (surroundings.output == NebscOutput::terminal) {
         _terminal = openTerminal();
         output = ::ptsname(_terminal);
+        winsize size{};
+        size.ws_col = surroundings.terminalColumns;
+        ::ioctl(_terminal, TIOCSWINSZ, &size);
     } else if (surroundings.output == NebscOutput::full) {
         output = "/dev/full";
     }

@@ -28,6 +28,8 @@ struct NebscSurroundings {
     /// What differs from the test's own environment; an absent value removes the variable.
     std::vector<std::pair<std::string, std::optional<std::string>>> variables{};
     NebscOutput output = NebscOutput::collected;
+    /// Of the terminal that standard output is; 0: it does not know.
+    unsigned short terminalColumns = 0;
     /// Whether standard error goes to a terminal; the outcome's errors are what it got then.
     bool hasTerminalForErrors = false;
     /// Signals that the program finds ignored.

@@ -30,6 +30,13 @@ TEST(Printable, WritesC1CharactersOut) {
     EXPECT_EQ(printable("\xC2\x80\xC2\x9B\xC2\x9F"), "\\u0080\\u009b\\u009f");
 }
 
+TEST(Printable, WritesOutWhatTurnsTheDirectionOfText) {
+    EXPECT_EQ(printable("a\u202a\u202eb"), "a\\u202a\\u202eb");
+    EXPECT_EQ(printable("\u2066\u2069"), "\\u2066\\u2069");
+    EXPECT_EQ(printable("\u2029\u202f\u2065\u206a\u2026"), "\u2029\u202f\u2065\u206a\u2026");
+    EXPECT_EQ(printableLine("\t\u202e"), "\t\\u202e");
+}
+
 TEST(Printable, ReplacesBytesThatAreNoText) {
     EXPECT_EQ(printable("a\x9b\xffz\xC2"), "a\xEF\xBF\xBD\xEF\xBF\xBDz\xEF\xBF\xBD");
 }
@@ -37,6 +44,12 @@ TEST(Printable, ReplacesBytesThatAreNoText) {
 TEST(Coloured, PutsTheSequencesAround) {
     EXPECT_EQ(coloured("x", Colour::green), "\x1b[32mx\x1b[0m");
     EXPECT_EQ(coloured("x", Colour::none), "x");
+}
+
+TEST(Coloured, WhatIsAskedForCounts) {
+    EXPECT_TRUE(wantsColour(Colours::always, -1));
+    EXPECT_FALSE(wantsColour(Colours::never, -1));
+    EXPECT_FALSE(wantsColour(Colours::automatic, -1));
 }
 
 NEBSourceControlError errorWith(std::string description, std::optional<std::string> suggestion,
@@ -62,42 +75,59 @@ TEST(ErrorLines, TheToolsWordsFollowIndented) {
 }
 
 TEST(ErrorLines, WordsThatTheSentenceHoldsAreNotRepeated) {
-    EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: fatal: no\n");
+    EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: no.\n");
 }
 
 TEST(ErrorLines, ADescriptionOfSeveralLinesIsIndented) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nhint: yes\n", {}, "fatal: no\nhint: yes\n")),
-              "nebsc: fatal: no\n    hint: yes\n");
+              "nebsc: no.\n    hint: yes\n");
 }
 
 TEST(ErrorLines, TheIndentationOfTheToolsWordsStays) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\n\n\tgit config a\tb\n", {}, {})),
-              "nebsc: fatal: no\n\n        git config a\\tb\n");
+              "nebsc: no.\n\n        git config a\\tb\n");
+}
+
+TEST(ErrorLines, WhatGitSaysBecomesASentence) {
+    const auto sentence = [](const char* text) { return errorLines(errorWith(text, {}, text)); };
+    EXPECT_EQ(sentence("fatal: no such path 'a' in HEAD\n"), "nebsc: No such path 'a' in HEAD.\n");
+    EXPECT_EQ(sentence("error: fatal: it failed!\n"), "nebsc: It failed!\n");
+    EXPECT_EQ(sentence("a.c: needs merge"), "nebsc: a.c: needs merge.\n");
+    EXPECT_EQ(sentence("'topic' is checked out"), "nebsc: 'topic' is checked out.\n");
+    EXPECT_EQ(sentence("error: cannot take these:\n\ta.c\n"),
+              "nebsc: Cannot take these:\n        a.c\n");
+    EXPECT_EQ(sentence("fatal: nothing behind the colon:"), "nebsc: Nothing behind the colon.\n");
+    EXPECT_EQ(sentence("fatal: git is gone"), "nebsc: git is gone.\n");
+}
+
+TEST(ErrorLines, HowToSilenceAHintIsNotTold) {
+    auto error = errorWith("fatal: no", "Do this.\nDisable this message with \"git config x\"", {});
+    EXPECT_EQ(errorLines(error), "nebsc: no.\nDo this.\n");
 }
 
 TEST(ErrorLines, HintsThatAreTheSuggestionAreNotRepeated) {
     const std::string text = "hint: Pull first.\nhint:\nhint:   git pull\nfatal: no\n";
     auto error = errorWith(text, "Pull first.\n\n  git pull", text);
     error.hints = {"Pull first.", "", "  git pull"};
-    EXPECT_EQ(errorLines(error), "nebsc: fatal: no\nPull first.\n\n  git pull\n");
+    EXPECT_EQ(errorLines(error), "nebsc: no.\nPull first.\n\n  git pull\n");
 }
 
 TEST(ErrorLines, TheLineThatTellsWhatHappenedIsTheSentence) {
     EXPECT_EQ(errorLines(errorWith("From /r\n   1..2  main -> main\nfatal: no\n", {}, {})),
-              "nebsc: fatal: no\n    From /r\n       1..2  main -> main\n");
+              "nebsc: no.\n    From /r\n       1..2  main -> main\n");
     EXPECT_EQ(errorLines(errorWith("remote: No.\nTo /r\n ! [remote rejected] a (hook)\nerror: no\n",
                                    {}, {})),
-              "nebsc: ! [remote rejected] a (hook)\n    remote: No.\n    To /r\n    error: no\n");
+              "nebsc: ! [remote rejected] a (hook).\n    remote: No.\n    To /r\n    error: no\n");
     EXPECT_EQ(errorLines(errorWith("warning: a\nerror: b\n", {}, {})),
-              "nebsc: error: b\n    warning: a\n");
+              "nebsc: b.\n    warning: a\n");
     EXPECT_EQ(errorLines(errorWith("To whom\nit may concern\n", {}, {})),
-              "nebsc: To whom\n    it may concern\n");
-    EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd\n    fatal: no\n");
+              "nebsc: To whom.\n    it may concern\n");
+    EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd.\n    fatal: no\n");
 }
 
 TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
     EXPECT_EQ(errorLines(errorWith("Rebasing (1/2)\rRebasing (2/2)\rerror: no\r\nx\n", {}, {})),
-              "nebsc: error: no\n    x\n");
+              "nebsc: no.\n    x\n");
 }
 
 TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
@@ -108,7 +138,7 @@ TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
 
 TEST(ErrorLines, NothingOfItDrivesTheTerminal) {
     EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
-              "nebsc: a\\x1b[2J\nb\\x07\n    c\xEF\xBF\xBD\n");
+              "nebsc: a\\x1b[2J.\nb\\x07\n    c\xEF\xBF\xBD\n");
 }
 
 TEST(ErrorLines, AnErrorWithoutDescriptionIsToldByItsNumber) {

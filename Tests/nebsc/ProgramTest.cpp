@@ -2,9 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <sstream>
+#include <utility>
 
-#include "Command.h"
+#include "CommandLine.h"
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 
@@ -13,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 
 TEST(Program, HelpShowsCommandsAndExamples) {
     const NebscOutcome alone = runNebsc({});
@@ -32,8 +37,12 @@ TEST(Program, EachCommandIsListedAndHasHelpWithAnExample) {
     EXPECT_GE(commands.size(), 16U);
     for (const nebsc::Command* command : commands) {
         const std::string name(command->name);
-        EXPECT_THAT(help, HasSubstr("\n  " + name + " "));
-        EXPECT_THAT(help, HasSubstr(std::string(command->summary)));
+        if (command->group.empty()) {  // only programs call it
+            EXPECT_THAT(help, Not(HasSubstr("\n  " + name + " ")));
+        } else {
+            EXPECT_THAT(help, HasSubstr("\n  " + name + " "));
+            EXPECT_THAT(help, HasSubstr(std::string(command->summary)));
+        }
         const NebscOutcome outcome = runNebsc({name, "--help"});
         EXPECT_THAT(outcome.output,
                     testing::ContainsRegex("\nExamples?:\n(.*\n)* .*nebsc " + name));
@@ -43,6 +52,141 @@ TEST(Program, EachCommandIsListedAndHasHelpWithAnExample) {
         EXPECT_EQ(outcome.errors, "");
         EXPECT_EQ(outcome.exitStatus, 0);
     }
+}
+
+/// The words of a call, as a shell would cut them; those behind "|", "#" or two blanks are none.
+std::vector<std::string> wordsOfExample(const std::string& line) {
+    std::vector<std::string> words;
+    bool isQuoted = false;
+    std::string word;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\'') {
+            isQuoted = !isQuoted;
+        } else if (line[i] == ' ' && !isQuoted) {
+            words.push_back(std::exchange(word, ""));
+            const std::string rest = line.substr(i);
+            if (rest.starts_with("  ") || rest.starts_with(" | ")) {
+                return words;
+            }
+        } else {
+            word += line[i];
+        }
+    }
+    words.push_back(word);
+    return words;
+}
+
+void collectExamples(const nebsc::Command& command, const std::string& name) {
+    std::istringstream lines{std::string(command.details)};
+    int examples = 0;
+    bool isExample = false;
+    for (std::string line; std::getline(lines, line);) {
+        isExample = isExample || line == "Example:" || line == "Examples:";
+        const std::size_t start = line.find("nebsc ");
+        if (!isExample || start == std::string::npos || !line.starts_with("  ")) {
+            continue;
+        }
+        const std::vector<std::string> words = wordsOfExample(line.substr(start));
+        std::vector<const char*> pointers;
+        for (const std::string& word : words) {
+            pointers.push_back(word.c_str());
+        }
+        auto read = nebsc::readCommandLine(static_cast<int>(pointers.size()), pointers.data());
+        const bool isUnderstood = std::holds_alternative<nebsc::Call>(read) ||
+                                  std::get<nebsc::Reply>(read).exitStatus == 0;  // its help
+        EXPECT_TRUE(isUnderstood) << line;
+        if (const auto* call = std::get_if<nebsc::Call>(&read)) {
+            const bool isAboutIt = call->command == &command ||
+                                   std::find(command.commands.begin(), command.commands.end(),
+                                             call->command) != command.commands.end();
+            EXPECT_TRUE(isAboutIt) << line;
+        }
+        ++examples;
+    }
+    EXPECT_GT(examples, 0) << name;
+    for (const nebsc::Command* inner : command.commands) {
+        collectExamples(*inner, name + " " + std::string(inner->name));
+    }
+}
+
+TEST(Program, EachExampleIsACallOfItsCommand) {
+    for (const nebsc::Command* command : nebsc::allCommands()) {
+        collectExamples(*command, std::string(command->name));
+    }
+}
+
+TEST(Program, TheHelpIsGroupedInThisOrder) {
+    const std::string help = runNebsc({"--help"}).output;
+    std::size_t place = 0;
+    for (const char* heading : {"Look:", "Change:", "Branches:", "Remotes and synchronising:",
+                                "Subversion:", "Raw requests:"}) {
+        const std::size_t found = help.find(std::string("\n") + heading + "\n");
+        ASSERT_NE(found, std::string::npos) << heading;
+        EXPECT_GT(found, place) << heading;
+        place = found;
+    }
+}
+
+TEST(Program, AMistypedWordIsAskedBack) {
+    struct Row {
+        std::vector<std::string> words;
+        const char* sentence;
+    };
+    for (const Row& row :
+         {Row{{"stauts"}, "There is no command \"stauts\". Did you mean \"status\"?"},
+          Row{{"branch", "creat", "x"},
+              "There is no command \"branch creat\". Did you mean \"create\"?"},
+          Row{{"log", "--limt", "3"},
+              "There is no option \"--limt\" of \"nebsc log\". Did you mean \"--limit\"?"},
+          Row{{"status", "--josn"},
+              "There is no option \"--josn\" of \"nebsc status\". Did you mean \"--json\"?"},
+          Row{{"status", "--color=alwys"},
+              "The option \"--color\" takes auto, always or never, and not \"alwys\". Did you mean "
+              "\"always\"?"},
+          Row{{"--color", "x", "status"},
+              "The option \"--color\" takes auto, always or never, and not \"x\" (see nebsc status "
+              "--help)."},
+          Row{{"quite-other"}, "There is no command \"quite-other\" (see nebsc --help)."},
+          Row{{"cp", "a"}, "DEST is required: nebsc cp FILE DEST (see nebsc cp --help)."},
+          Row{{"status", "a", "b"},
+              "The word \"b\" is one too many: nebsc status [PATH] (see nebsc status --help)."},
+          Row{{"status", "--plugin"},
+              "The option \"--plugin\" lacks its value (see nebsc status --help)."},
+          Row{{"types", "--json=no"},
+              "The option \"--json\" takes no value (see nebsc types --help)."},
+          Row{{"commit", "-m", "a", "-m", "b"},
+              "The option \"--message\" stands in the call more than once (see nebsc commit "
+              "--help)."}}) {
+        const NebscOutcome outcome = runNebsc(row.words);
+        EXPECT_EQ(outcome.errors, std::string("nebsc: ") + row.sentence + "\n");
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.exitStatus, 2);
+    }
+}
+
+TEST(Program, ColoursAreThereWhenTheyAreAskedFor) {
+    const TestRepository repository;
+    repository.write("a", "");
+    const auto status =
+        [&](const char* colours, NebscOutput output,
+            std::vector<std::pair<std::string, std::optional<std::string>>> more = {}) {
+            more.emplace_back("TERM", "xterm");
+            return runNebsc({"status", std::string("--color=") + colours},
+                            {.folder = repository.path(), .variables = more, .output = output})
+                .output;
+        };
+    const std::string coloured = "\x1b[31muntracked\x1b[0m  a";
+    EXPECT_EQ(status("always", NebscOutput::collected), coloured + "\n");
+    EXPECT_EQ(status("always", NebscOutput::collected, {{"NO_COLOR", "1"}}), coloured + "\n");
+    EXPECT_EQ(status("never", NebscOutput::terminal), "untracked  a\r\n");
+    EXPECT_EQ(status("auto", NebscOutput::collected), "untracked  a\n");
+    EXPECT_EQ(status("auto", NebscOutput::terminal, {{"NO_COLOR", std::nullopt}}),
+              coloured + "\r\n");
+    EXPECT_EQ(status("auto", NebscOutput::terminal, {{"NO_COLOR", "1"}}), "untracked  a\r\n");
+    const NebscOutcome json =
+        runNebsc({"--color=always", "status", "--json"}, {.folder = repository.path()});
+    EXPECT_EQ(json.output.find('\x1b'), std::string::npos);
+    EXPECT_EQ(json.json()["type"], 15);
 }
 
 TEST(Program, AMistakeIsNamedInOneLine) {
@@ -145,16 +289,17 @@ TEST(ProgramPlugIn, AGivenFileIsTakenBeforeAndAfterTheCommand) {
     EXPECT_EQ(runNebsc({"types", "--plugin", "other.so"}, {.folder = folder.path()}).exitStatus, 0);
 }
 
-/// A copy of the program with the host library beside it, and the plug-in in none, one or both of
+/// A copy of the program with the host library beside it, and the plug-in in none, one or more of
 /// the places where it is looked for.
 class MovedProgram : public testing::Test {
 protected:
     void SetUp() override {
         fs::create_directories(folder.path("bin"));
-        fs::create_directories(folder.path("lib"));
+        fs::create_directories(folder.path("lib/nebgit"));
         fs::copy(NEB_BUILD_FOLDER "/bin/nebsc", folder.path("bin/nebsc"));
-        fs::copy(NEB_BUILD_FOLDER "/lib/libNEBFoundation.so",
-                 folder.path("lib/libNEBFoundation.so"));
+        const std::string library =
+            "lib/libNEBFoundation.so." + std::to_string(NEBSourceControlContractVersion);
+        fs::copy(NEB_BUILD_FOLDER "/" + library, folder.path(library));
     }
     [[nodiscard]] NebscOutcome types() const {
         return runProgram(folder.path("bin/nebsc"), {"types"}, {});
@@ -163,14 +308,23 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(MovedProgram, LooksForThePlugInInLibBesideItsFolder) {
+TEST_F(MovedProgram, LooksForThePlugInWhereItIsInstalled) {
+    fs::copy(NEB_BUILD_FOLDER "/lib/NEBGit.so", folder.path("lib/nebgit/NEBGit.so"));
+    folder.write("lib/NEBGit.so", "not this one");
+    const NebscOutcome outcome =
+        runProgram(folder.path("bin/nebsc"), {"types"},
+                   {.variables = {{"LD_LIBRARY_PATH", folder.path("lib")}}});
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.errors;
+}
+
+TEST_F(MovedProgram, LooksForThePlugInWhereItIsBuiltThen) {
     fs::copy(NEB_BUILD_FOLDER "/lib/NEBGit.so", folder.path("lib/NEBGit.so"));
     EXPECT_EQ(types().exitStatus, 0);
     folder.write("bin/NEBGit.so", "not this one");
     EXPECT_EQ(types().exitStatus, 0);
 }
 
-TEST_F(MovedProgram, LooksForThePlugInInItsOwnFolderThen) {
+TEST_F(MovedProgram, LooksForThePlugInInItsOwnFolderLast) {
     fs::copy(NEB_BUILD_FOLDER "/lib/NEBGit.so", folder.path("bin/NEBGit.so"));
     const NebscOutcome outcome =
         runProgram(folder.path("bin/nebsc"), {"types"},
@@ -180,7 +334,7 @@ TEST_F(MovedProgram, LooksForThePlugInInItsOwnFolderThen) {
 
 TEST_F(MovedProgram, SaysWhereItExpectedThePlugIn) {
     const NebscOutcome outcome = types();
-    EXPECT_EQ(outcome.errors, "nebsc: The plug-in \"" + folder.path("lib/NEBGit.so") +
+    EXPECT_EQ(outcome.errors, "nebsc: The plug-in \"" + folder.path("lib/nebgit/NEBGit.so") +
                                   "\" could not be read: No such file or directory.\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }

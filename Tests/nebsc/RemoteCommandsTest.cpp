@@ -101,7 +101,7 @@ TEST_F(RemoteCommands, OutsideAnyRepositoryGitSaysSo) {
                                                   {"remote", "add", "x", "/y"},
                                                   {"remote", "rm", "x"}}) {
         expectFailed(runNebsc(words, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: fatal: not a git repository"));
+                     StartsWith("nebsc: Not a git repository"));
     }
 }
 

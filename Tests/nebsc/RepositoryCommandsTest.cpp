@@ -91,11 +91,11 @@ TEST_F(RepositoryCommands, InitThatFailsRemovesWhatItMade) {
         return runNebsc(words, {.folder = folder.path(),
                                 .variables = {{"PATH", bin.path() + ":/usr/bin:/bin"}}});
     };
-    expectFailed(failing({"init", "a/b"}), "nebsc: fatal: no room\n");
-    expectFailed(failing({"init", "--bare", "c"}), "nebsc: fatal: no room\n");
+    expectFailed(failing({"init", "a/b"}), "nebsc: No room.\n");
+    expectFailed(failing({"init", "--bare", "c"}), "nebsc: No room.\n");
     EXPECT_TRUE(fs::is_empty(folder.path()));
     fs::create_directory(folder.path("mine"));
-    expectFailed(failing({"init", "mine"}), "nebsc: fatal: no room\n");
+    expectFailed(failing({"init", "mine"}), "nebsc: No room.\n");
     EXPECT_TRUE(isHere("mine"));
 }
 

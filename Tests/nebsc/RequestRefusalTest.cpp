@@ -42,6 +42,19 @@ INSTANTIATE_TEST_SUITE_P(
                         "{}", "The request's member \"type\" is missing; an integer was expected."},
                     RefusalRow{"1e999", "The request is a number too large to be read."}));
 
+TEST(RequestJSON, ShowsNoPasswordOfAURL) {
+    const std::string password(400, 's');
+    const std::string url = "http://ann:" + password + "@host";
+    EXPECT_EQ(refusalOf(R"({"type": 29, "destination": ")" + url + "\"}"),
+              "The request's member \"destination\" is \"http://ann:<redacted>@host\"; for a clone "
+              "an absolute path was expected, from \"/\" on.");
+    const RequestReading reading =
+        requestFromJSON(R"({"type": 29, "sourceTree": {"location": ")" + url + "\"}}");
+    ASSERT_NE(reading.request, nullptr) << reading.refusal;
+    EXPECT_EQ(reading.request->sourceTree->location, url);
+    EXPECT_EQ(reading.request->sourceTree->name, "ann:<redacted>@host");
+}
+
 TEST(RequestJSON, NamesWhyTheTypeIsNone) {
     const std::string start = "The request's member \"type\" is ";
     EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
@@ -205,6 +218,18 @@ TEST(RequestJSON, ARelativeLocationIsRefused) {
 TEST(RequestJSON, AnEmptyNameIsAName) {
     EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
                 testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
+}
+
+TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
+    EXPECT_THAT(
+        refusalOf(R"({"type": 1, "sourceTree": {"loc\nation": "/w"}})"),
+        testing::StartsWith(
+            R"(The request's member "sourceTree.loc\nation" is not known; known are class)"));
+    EXPECT_EQ(refusalOf(R"({"type": 1, "sourceTree": {"class": "a\n\u001b[31mb\u202e"}})"),
+              R"(The request's member "sourceTree.class" is "a\n\x1b[31mb\u202e"; )"
+              "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected.");
+    EXPECT_THAT(refusalOf(R"({"type": 1, "files": [{"\r": 1, "\r": 2}]})"),
+                testing::HasSubstr(R"("files[0].\r" is there twice)"));
 }
 
 TEST(RequestJSON, WhatSomebodyElseWroteIsShownInPart) {

@@ -77,6 +77,22 @@ TEST_F(SubversionCommands, TwoPeopleWorkTogether) {
     EXPECT_EQ(ann.git({"diff", "git-svn"}), "");
 }
 
+TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
+    expectDone(nebsc(ann, {"svn"}), server.url() + "/trunk\n");
+    server.commitFile("trunk/a", "theirs\n");
+    expectDone(nebsc(ann, {"svn", "fetch"}), "Fetched from Subversion:\n    changed  git-svn\n");
+    const NebscOutcome updated = nebsc(ann, {"svn", "update", "git-svn"});
+    expectDone(updated, "Updated from git-svn; " + now(ann));
+    expectDone(nebsc(ann, {"svn", "push"}),
+               "There is nothing to push: Subversion has all commits.\n");
+    EXPECT_EQ(nebsc(ann, {"svn", "update", "--json"}).json()["type"], 13);
+    const TestRepository plain;
+    for (const char* word : {"fetch", "update", "push"}) {
+        expectFailed(nebsc(plain, {"svn", word}), HasSubstr("No Subversion repository"));
+    }
+    expectFailed(nebsc(plain, {"svn"}), HasSubstr("No Subversion repository"));
+}
+
 TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome json = nebsc(ann, {"update", "--svn", "--json"});

@@ -2,8 +2,13 @@
 
 #include "TextWidth.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
+
+#include <stdlib.h>
+#include "Platform/FileDescriptor.h"
 
 #include "LocalTime.h"
 
@@ -42,6 +47,45 @@ TEST(LocalTime, IsThatOfTheZone) {
     EXPECT_EQ(localMinute(at(-30000000000)), "1019-05-04 18:40");
     EXPECT_NE(localMinute(NEBDate(NEBDate::duration::max())), "");
     ::unsetenv("TZ");
+}
+
+TEST(CutTo, LeavesWhatFits) {
+    EXPECT_EQ(cutTo(3, "abc"), "abc");
+    EXPECT_EQ(cutTo(4, "漢字"), "漢字");
+    EXPECT_EQ(cutTo(5, ""), "");
+}
+
+TEST(CutTo, PutsDotsInPlaceOfTheRest) {
+    EXPECT_EQ(cutTo(3, "abcd"), "ab…");
+    EXPECT_EQ(cutTo(1, "abcd"), "…");
+    EXPECT_EQ(cutTo(4, "漢字字"), "漢…");
+    EXPECT_EQ(cutTo(3, "e\u0301e\u0301e\u0301x"), "e\u0301e\u0301…");
+}
+
+TEST(Fitting, WhatIsNoTerminalGetsItWhole) {
+    EXPECT_EQ(fitting(-1, 5, "abc"), "abc");
+    EXPECT_EQ(wrapped(-1, 5, "a b c"), "a b c");
+}
+
+/// A terminal of 20 columns.
+class FittingATerminal : public testing::Test {
+protected:
+    void SetUp() override {
+        winsize size{};
+        size.ws_col = 20;
+        ASSERT_TRUE(::grantpt(_terminal.get()) == 0 && ::unlockpt(_terminal.get()) == 0);
+        ASSERT_EQ(::ioctl(_terminal.get(), TIOCSWINSZ, &size), 0);
+    }
+    FileDescriptor _terminal{::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
+};
+
+TEST_F(FittingATerminal, CutsAndWraps) {
+    EXPECT_EQ(columnsOfTerminal(_terminal.get()), 20U);
+    EXPECT_EQ(fitting(_terminal.get(), 15, "12345"), "12345");
+    EXPECT_EQ(fitting(_terminal.get(), 15, "123456"), "1234…");
+    EXPECT_EQ(fitting(_terminal.get(), 25, "12"), "…");
+    EXPECT_EQ(wrapped(_terminal.get(), 10, "a bc def ghij klmno verylongword x"),
+              "a bc def\n          ghij klmno\n          verylongword\n          x");
 }
 
 }  // namespace

@@ -34,8 +34,7 @@ bool isNotCommitted(std::string_view revision) {
 
 BlamedLine lineOf(const NEBDictionary& record) {
     const auto text = [&record](NEBConstant key) {
-        const std::string* value = record.value(key).string();
-        return printable(value == nullptr ? std::string() : *value);
+        return printable(record.value(key).string().value_or(""));
     };
     BlamedLine line{.revision = text(NEBSourceControlOperationRevisionKey),
                     .author = text(NEBSourceControlOperationAuthorKey),
@@ -76,6 +75,23 @@ std::string contentOnDisk(const std::string& path) {
     }
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// A line on a terminal that knows its size is no longer than that; elsewhere it is as it is.
+std::string fittingContent(const std::string& content, std::size_t columnsBefore) {
+    if (!columnsOfTerminal(STDOUT_FILENO)) {
+        return content;
+    }
+    constexpr std::size_t tabStop = 8;
+    std::string line;
+    forEachPiece(content, '\t', [&](std::string_view piece) {
+        const bool isFirst = piece.data() == content.data();
+        line.append(isFirst ? 0 : tabStop - columnsOf(line) % tabStop, ' ').append(piece);
+    });
+    if (line.ends_with('\r')) {
+        line.pop_back();
+    }
+    return fitting(STDOUT_FILENO, columnsBefore, line);
 }
 
 class BlameTask : public HistoryTask {
@@ -152,7 +168,7 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
     // certain which is which.
     const std::vector<std::string> content = contents();
     const bool hasContent = content.size() == lines.size();
-    const bool isColoured = wantsColour(STDOUT_FILENO);
+    const bool isColoured = isInColour();
     const std::size_t authorColumns = widest(lines, &BlamedLine::author);
     const std::size_t dateColumns = widest(lines, &BlamedLine::date);
     const std::size_t numberColumns = widest(lines, &BlamedLine::number);
@@ -160,6 +176,8 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const BlamedLine& line = lines[i];
         const bool isLastColumn = !hasContent || content[i].empty();
+        const std::size_t columnsBefore =
+            columnsOf(line.revision) + authorColumns + dateColumns + numberColumns + 8;
         all.append(isColoured ? coloured(line.revision, Colour::yellow) : line.revision)
             .append("  ")
             .append(paddedTo(authorColumns, line.author))
@@ -168,15 +186,16 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
             .append("  ")
             .append(numberColumns - columnsOf(line.number), ' ')
             .append(line.number)
-            .append(isLastColumn ? "" : "  " + content[i])
+            .append(isLastColumn ? "" : "  " + fittingContent(content[i], columnsBefore))
             .append("\n");
     }
     return all;
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "The revision at which to look; the working copy unless given", Takes::text},
-    {"FILE", "The file", Takes::text},
+    {"REVISION", "The revision at which to look; the working copy unless given",
+     Takes::revisionOrPath},
+    {"FILE", "The file", Takes::pathAsWritten},
 };
 
 Reply run(const CommandCall& call) {
@@ -187,7 +206,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command blameCommand{
     .name = "blame",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "Show who changed each line of a file last, and when",
     .details =
         "A single word is the file. Each line shows the revision, the author, the local date,\n"

@@ -6,28 +6,13 @@
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
+#include "TextWidth.h"
 
 namespace neb::nebsc {
 
 namespace {
 
 constexpr std::string_view nameWord = "NAME";
-
-// ---- what git lists ---------------------------------------------------------------------------
-
-/// The branch that a record of a listing names, printable; empty for what is none: the end of the
-/// listing, and git's words for being on no branch, in brackets. git puts "+ " before a branch of
-/// another working copy, and " -> " with its target behind one that stands for another.
-std::string branchOf(const NEBDictionary& record) {
-    const std::string* text = record.value(NEBSourceControlOperationNameKey).string();
-    std::string_view name = text == nullptr ? std::string_view{} : *text;
-    if (name.starts_with("+ ")) {
-        name.remove_prefix(2);
-    }
-    const std::size_t blank = name.find(' ');
-    const bool isOnNone = name.starts_with('(') && blank != std::string_view::npos;
-    return isOnNone ? "" : printable(name.substr(0, blank));
-}
 
 // ---- list -------------------------------------------------------------------------------------
 
@@ -47,13 +32,14 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
     const auto current = currentBranch();
     bool isCurrentListed = false;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
-        const std::string name = branchOf(record);
-        if (name.empty()) {
+        const std::string whole = branchNameOf(record);
+        if (whole.empty()) {
             continue;
         }
-        const bool isCurrent = current && printable(*current) == name;
+        const bool isCurrent = current && printable(*current) == whole;
+        const std::string name = fitting(STDOUT_FILENO, 2, whole);
         isCurrentListed = isCurrentListed || isCurrent;
-        const bool isColoured = isCurrent && wantsColour(STDOUT_FILENO);
+        const bool isColoured = isCurrent && isInColour();
         reply.standardOutput +=
             (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
     }
@@ -90,10 +76,20 @@ protected:
     void conclude(const Outcome& outcome, Reply& reply) override;
 };
 
+/// A branch without a commit is in no listing. What is said instead of a name is no answer that a
+/// script could take for one.
 void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
-    const std::string name = hasRecord ? branchOf(outcome.result->front()) : "";
-    reply.standardOutput = name.empty() ? whereInsteadOfBranch() : name + "\n";
+    std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
+    if (const auto branch = name.empty() ? currentBranch() : std::nullopt) {
+        name = printable(*branch);
+    }
+    if (name.empty()) {
+        reply.standardError += "nebsc: " + whereInsteadOfBranch();
+        reply.exitStatus = exitFailed;
+        return;
+    }
+    reply.standardOutput = name + "\n";
 }
 
 Reply current(const CommandCall& call) {
@@ -105,6 +101,7 @@ constinit const Command currentCommand{
     .group = innerGroup,
     .summary = "Show the name of the current branch",
     .details =
+        "The exit status is 1 when there is none, as with a tag checked out.\n\n"
         "Example:\n"
         "  nebsc branch current\n",
     .activity = "Looking",
@@ -162,7 +159,7 @@ void CreateTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 constexpr Parameter createParameters[] = {
     {nameWord, "The new branch", Takes::text, Occurs::once},
     {"START", "Where it starts: a branch, a tag or any other revision; unless given, here",
-     Takes::text},
+     Takes::revision},
 };
 
 Reply create(const CommandCall& call) {
@@ -237,7 +234,7 @@ std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
 }
 
 constexpr Parameter deleteParameters[] = {
-    {nameWord, "The branch", Takes::text, Occurs::once},
+    {nameWord, "The branch", Takes::branch, Occurs::once},
     {"--force", "Delete it even if it is not merged"},
 };
 
@@ -270,10 +267,26 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override;
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
 
 private:
     Tracking _tracking;
 };
+
+std::string TrackTask::sentenceFor(const NEBSourceControlError& error) const {
+    return error.errorClass == "remote-branch-unknown"
+               ? "There is no branch " + inQuotes(_tracking.branch) + " in the remote " +
+                     inQuotes(_tracking.remote) + "."
+               : "";
+}
+
+std::string TrackTask::adviceAfter(const NEBSourceControlError& error) const {
+    return error.errorClass == "remote-branch-unknown"
+               ? "\"nebsc remote branches " + printable(_tracking.remote) +
+                     "\" shows those that there are.\n"
+               : "";
+}
 
 /// A remote's name may hold a "/" itself.
 std::optional<Reply> TrackTask::look() {
@@ -316,7 +329,7 @@ void TrackTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 
 constexpr Parameter trackParameters[] = {
     {nameWord, "The new branch", Takes::text, Occurs::once},
-    {"REMOTE/BRANCH", "The remote's name and its branch", Takes::text, Occurs::once},
+    {"REMOTE/BRANCH", "The remote's name and its branch", Takes::remoteBranch, Occurs::once},
 };
 
 Reply track(const CommandCall& call) {
@@ -370,7 +383,7 @@ void TrackingTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 }
 
 constexpr Parameter trackingParameters[] = {
-    {nameWord, "A branch of this repository", Takes::text, Occurs::once},
+    {nameWord, "A branch of this repository", Takes::branch, Occurs::once},
 };
 
 Reply tracking(const CommandCall& call) {
@@ -398,7 +411,7 @@ constexpr const Command* branchCommands[] = {
 
 constinit const Command branchCommand{
     .name = "branch",
-    .group = revisionsGroup,
+    .group = branchesGroup,
     .summary = "List, make and delete branches, and let them track others",
     .details =
         "Examples:\n"

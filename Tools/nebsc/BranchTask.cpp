@@ -17,6 +17,18 @@ std::string withoutPrefix(const std::string& text, std::string_view prefix) {
 
 }  // namespace
 
+/// git puts words in brackets where there is no branch, "+ " before a branch of another working
+/// copy, and " -> " with its target behind one that stands for another.
+std::string branchNameOf(const NEBDictionary& record) {
+    std::string_view name = record.value(NEBSourceControlOperationNameKey).string().value_or("");
+    if (name.starts_with("+ ")) {
+        name.remove_prefix(2);
+    }
+    const std::size_t blank = name.find(' ');
+    const bool isOnNone = name.starts_with('(') && blank != std::string_view::npos;
+    return isOnNone ? "" : printable(name.substr(0, blank));
+}
+
 // ---- the repository and its branches ----------------------------------------------------------
 
 std::vector<std::string> BranchTask::answerLines(std::vector<std::string> arguments) {

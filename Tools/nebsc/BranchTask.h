@@ -11,6 +11,10 @@
 
 namespace neb::nebsc {
 
+/// The branch that a record of a listing of branches names, printable; empty for what is none: the
+/// end of the listing, and git's words for being on no branch.
+[[nodiscard]] std::string branchNameOf(const NEBDictionary& record);
+
 /// Everything here is good from look() on. Names come as git has them, not printable.
 class BranchTask : public CommandTask {
 public:

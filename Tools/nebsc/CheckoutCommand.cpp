@@ -114,14 +114,14 @@ std::string CheckoutTask::whereNow() {
 void CheckoutTask::conclude(const Outcome& outcome, Reply& reply) {
     if (outcome.result && !outcome.result->empty()) {
         const NEBValue notice = outcome.result->front().value(NEBSourceControlOperationContentKey);
-        reply.standardError = unusualLines(notice.string() == nullptr ? "" : *notice.string());
+        reply.standardError = unusualLines(notice.string().value_or(""));
     }
     reply.standardOutput = whereNow();
     noteConflicts(reply, "Local changes are in conflict with what was checked out, in:", {});
 }
 
 constexpr Parameter parameters[] = {
-    {"BRANCH", "A branch, a tag or any other revision", Takes::text, Occurs::once},
+    {"BRANCH", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
 Reply run(const CommandCall& call) {
@@ -132,7 +132,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command checkoutCommand{
     .name = "checkout",
-    .group = revisionsGroup,
+    .group = branchesGroup,
     .summary = "Switch the working copy to a branch or revision",
     .details =
         "Local changes are carried over. Where they do not fit, the files are left in\n"

@@ -20,38 +20,45 @@ const std::vector<std::string>& Arguments::all(std::string_view name) const {
 std::span<const Command* const> allCommands() {
     static constexpr std::array commands{
         &statusCommand,
-        &addCommand,
-        &removeCommand,
-        &moveCommand,
-        &copyCommand,
-        &makeDirectoryCommand,
-        &revertCommand,
-        &commitCommand,
-        //
-        &checkoutCommand,
-        &mergeCommand,
-        &mergeBaseCommand,
-        &branchCommand,
-        //
         &logCommand,
         &blameCommand,
         &diffCommand,
         &listCommand,
         &exportCommand,
         &exportTreeCommand,
+        &infoCommand,
+        &doctorCommand,
         //
         &initCommand,
-        &cloneCommand,
-        &infoCommand,
+        &addCommand,
+        &removeCommand,
+        &moveCommand,
+        &copyCommand,
+        &makeDirectoryCommand,
+        &ignoreCommand,
+        &revertCommand,
+        &commitCommand,
         //
+        &branchCommand,
+        &checkoutCommand,
+        &mergeCommand,
+        &mergeBaseCommand,
+        //
+        &cloneCommand,
         &remoteCommand,
         &fetchCommand,
         &pushCommand,
         &updateCommand,
         //
+        &subversionCommand,
+        //
         &requestCommand,
         &serveCommand,
         &typesCommand,
+        //
+        &completionCommand,
+        &completeCommand,
+        &manualCommand,
     };
     return commands;
 }

@@ -18,17 +18,39 @@
 #include <vector>
 
 #include "HostSession.h"
+#include "Presentation.h"
 #include "Reply.h"
 
 namespace neb::nebsc {
 
-/// What follows the name of a parameter.
+/// What follows the name of a parameter; shells complete it accordingly.
 enum class Takes {
     /// It is a flag.
     nothing,
+    /// Words that nobody can guess; where the value's name lists some ("auto|always|never"), those.
     text,
     /// The path of a file or folder, absolute or as seen from the current folder.
     path,
+    /// The same of a folder.
+    folder,
+    /// A path that the command itself looks up: a text like all that follow.
+    pathAsWritten,
+    /// A branch of this repository.
+    branch,
+    /// A branch, a tag, or another commit.
+    revision,
+    /// A revision or two of them as A..B or A...B; a path where it is no revision.
+    revisionOrPath,
+    /// The name of a remote.
+    remote,
+    /// REMOTE/BRANCH, a branch of a remote as it was when last fetched.
+    remoteBranch,
+    /// A branch of the remote that the word before names.
+    branchOfRemote,
+    /// LOCAL:THERE, a branch of this repository and one of the remote that the word before names.
+    branchPair,
+    /// Where a repository is: a URL, HOST:PATH or a path.
+    location,
 };
 
 enum class Occurs { optionally, once, anyNumber, oneOrMore };
@@ -44,6 +66,11 @@ struct Parameter {
     std::string_view valueName = {};
 
     [[nodiscard]] bool isOption() const { return name.starts_with('-'); }
+    /// Whether the values are paths that are looked up before the command runs.
+    [[nodiscard]] bool takesPaths() const { return takes == Takes::path || takes == Takes::folder; }
+    [[nodiscard]] bool isRepeated() const {
+        return occurs == Occurs::anyNumber || occurs == Occurs::oneOrMore;
+    }
 };
 
 /// The words of a call, by the names of the parameters.
@@ -81,11 +108,13 @@ struct CommandCall {
     const Arguments& arguments;
     /// The outcome in JSON instead of text for a person.
     bool isJSON = false;
+    Colours colours = Colours::automatic;
 };
 
 struct Command {
     std::string_view name;
-    /// The heading under which the help lists it.
+    /// The heading under which the help lists it; empty for one that only programs call, which the
+    /// general help leaves out.
     std::string_view group;
     /// One line of the help.
     std::string_view summary;

@@ -2,12 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
+
+#include "SimilarWords.h"
 
 namespace neb::nebsc {
 
 namespace {
 
-constexpr const char* description =
+constexpr std::string_view description =
     "Drives the source-control plug-in NEBGit: hands it requests, as a development\n"
     "environment does, and shows what comes of them.";
 
@@ -15,16 +18,29 @@ constexpr const char* footer = R"(Examples:
   nebsc status                       what has changed in the working copy around here
   nebsc status --json                the same for a program to read
   nebsc types                        which types of request there are, and what each needs
+  nebsc clone URL --trace            which programs it runs, each as it starts and as it ends
   echo '{"type": 15, "sourceTree": {"location": "/path"}}' | nebsc request
 
 Each command has help of its own, with an example: nebsc status --help
 
-Exit status: 0 done, 1 the operation failed, 2 the call cannot be understood.
+Exit status: 0 done, 1 the operation failed, 2 the call cannot be understood,
+130 after Ctrl-C.
 )";
 
 /// What the help of a single command says of the options of all.
 constexpr const char* commonOptions =
-    "--json and --plugin FILE may stand here too; see nebsc --help.\n";
+    "--json, --color WHEN, --trace and --plugin FILE may stand here too; see nebsc --help.\n";
+
+struct ColoursWord {
+    std::string_view word;
+    Colours colours;
+};
+
+constexpr std::array<ColoursWord, 3> coloursWords{{
+    {"auto", Colours::automatic},
+    {"always", Colours::always},
+    {"never", Colours::never},
+}};
 
 // CLI11 takes a word in brackets for a list where more than one word may stand, though a file may
 // be called "[a]"; and it forgets "--" behind the first of many words. So a word that is no option,
@@ -61,6 +77,14 @@ std::optional<std::size_t> countWordsBehindDashes(int argc, const char* const* a
                : std::optional(static_cast<std::size_t>(words.end() - dashes) - 1);
 }
 
+/// Why a call is not understood.
+struct Mistake {
+    /// A sentence without the full stop.
+    std::string sentence;
+    /// What may have been meant, as questionForSimilar() has it.
+    std::string question = {};
+};
+
 /// The reader of one command line, made from the rows of all commands.
 class Reader {
 public:
@@ -74,16 +98,26 @@ public:
     [[nodiscard]] Call call() const;
     /// The words that name the command of the call, each with a blank behind it; none without one.
     [[nodiscard]] std::string commandName() const;
-    [[nodiscard]] bool asksForVersions() const { return _isVersion; }
+    /// Absent where the call names none.
+    [[nodiscard]] const Command* command() const;
+    /// On the first word that has no place in the call.
+    [[nodiscard]] Mistake mistakeInWords() const;
+    /// On what the command needs and the call does not have.
+    [[nodiscard]] Mistake missingWords() const;
+    /// On a value that is none of those that there are; nothing where all are.
+    [[nodiscard]] std::optional<Mistake> mistakeInValues() const;
+    [[nodiscard]] bool asksForVersions() const { return has("--version"); }
     [[nodiscard]] std::string help() const { return _app.help(); }
 
 private:
+    [[nodiscard]] bool has(const char* option) const { return _app.count(option) > 0; }
+    /// Of an option of all commands; empty where it does not stand in the call.
+    [[nodiscard]] std::string value(const char* option) const {
+        return has(option) ? unshielded(_app.get_option(option)->as<std::string>()) : "";
+    }
     static void addCommand(CLI::App& parent, const Command& command);
 
-    CLI::App _app{description, "nebsc"};
-    std::string _plugIn;
-    bool _isJSON = false;
-    bool _isVersion = false;
+    CLI::App _app{std::string(description), "nebsc"};
     std::optional<std::size_t> _wordsBehindDashes;
 };
 
@@ -103,7 +137,7 @@ void addParameter(CLI::App& app, const Parameter& parameter) {
     }
     CLI::Option* option = app.add_option(name)->description(help);
     option->type_name(std::string(parameter.valueName));
-    if (parameter.occurs == Occurs::anyNumber || parameter.occurs == Occurs::oneOrMore) {
+    if (parameter.isRepeated()) {
         option->expected(CLI::detail::expected_max_vector_size);
     }
     option->required(parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore);
@@ -114,13 +148,9 @@ Reader::Reader() {
     _app.require_subcommand(0, 1);
     _app.footer(footer);
     _app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    _app.add_option("--plugin", _plugIn,
-                    "The plug-in's file; unless given, NEBGit.so in lib beside nebsc's own folder")
-        ->type_name("FILE");
-    _app.add_flag("--json", _isJSON, "One line of JSON instead of text for a person")
-        ->disable_flag_override();
-    _app.add_flag("--version", _isVersion, "Show the versions of nebsc, the plug-in and git")
-        ->disable_flag_override();
+    for (const Parameter& option : commonParameters()) {
+        addParameter(_app, option);
+    }
     for (const Command* command : allCommands()) {
         addCommand(_app, *command);
     }
@@ -168,16 +198,31 @@ const Command& rowOf(const CLI::App& app, std::span<const Command* const> rows) 
                           [&app](const Command* row) { return row->name == app.get_name(); });
 }
 
+const Command* Reader::command() const {
+    const Command* command = nullptr;
+    for (const CLI::App* app = namedCommand(_app); app != nullptr; app = namedCommand(*app)) {
+        command = &rowOf(*app, command == nullptr ? allCommands() : command->commands);
+    }
+    return command;
+}
+
 Call Reader::call() const {
-    Call call{
-        .command = nullptr, .arguments = {}, .plugIn = unshielded(_plugIn), .isJSON = _isJSON};
+    const std::string when = value("--color");
+    const auto* colours =
+        std::find_if(coloursWords.begin(), coloursWords.end(),
+                     [&when](const ColoursWord& row) { return row.word == when; });
+    Call call{.command = nullptr,
+              .arguments = {},
+              .plugIn = value("--plugin"),
+              .isJSON = has("--json"),
+              .isTraced = has("--trace"),
+              .colours = colours == coloursWords.end() ? Colours::automatic : colours->colours};
     const CLI::App* app = namedCommand(_app);
-    if (app == nullptr || _isVersion) {
+    if (app == nullptr || asksForVersions()) {
         return call;
     }
-    call.command = &rowOf(*app, allCommands());
+    call.command = command();
     while (const CLI::App* inner = namedCommand(*app)) {
-        call.command = &rowOf(*inner, call.command->commands);
         app = inner;
     }
     call.arguments.setWordsBehindDashes(_wordsBehindDashes);
@@ -190,20 +235,153 @@ Call Reader::call() const {
     return call;
 }
 
+// ---- mistakes ---------------------------------------------------------------------------------
+
+std::vector<std::string> namesOf(std::span<const Command* const> commands) {
+    std::vector<std::string> names;
+    for (const Command* command : commands) {
+        if (!command->group.empty()) {
+            names.emplace_back(command->name);
+        }
+    }
+    return names;
+}
+
+/// The long names of all options that may stand in a call of the command.
+std::vector<std::string> optionsOf(const Command* command) {
+    std::vector<std::string> options{"--help"};
+    const auto add = [&options](std::span<const Parameter> parameters) {
+        for (const Parameter& parameter : parameters) {
+            if (parameter.isOption()) {
+                options.push_back(longName(parameter));
+            }
+        }
+    };
+    add(commonParameters());
+    if (command != nullptr) {
+        add(command->parameters);
+    }
+    return options;
+}
+
+/// "nebsc branch list"; `commandName` is as Reader::commandName() gives it.
+std::string nameOf(const std::string& commandName) {
+    return "nebsc " + commandName.substr(0, commandName.size() - 1);
+}
+
+bool isNeeded(const Parameter& parameter) {
+    return parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore;
+}
+
+/// "nebsc cp FILE DEST", without the options.
+std::string usageOf(const std::string& commandName, const Command& command) {
+    std::string usage = nameOf(commandName);
+    for (const Parameter& parameter : command.parameters) {
+        if (!parameter.isOption()) {
+            const std::string word =
+                std::string(parameter.name) + (parameter.isRepeated() ? "…" : "");
+            usage += isNeeded(parameter) ? " " + word : " [" + word + "]";
+        }
+    }
+    return usage;
+}
+
+Mistake Reader::mistakeInWords() const {
+    const std::vector<std::string> words = _app.remaining(true);
+    const auto wrong = std::find_if(words.begin(), words.end(),
+                                    [](const std::string& word) { return word != "--"; });
+    const std::string word = wrong == words.end() ? "" : unshielded(*wrong);
+    const Command* command = this->command();
+    if (word.starts_with('-') && !wrong->starts_with(shield)) {
+        const std::string name = word.substr(0, word.find('='));
+        return {"There is no option " + inQuotes(name) +
+                    (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName()))),
+                questionForSimilar(name, optionsOf(command))};
+    }
+    if (command == nullptr || (!command->commands.empty() && command->parameters.empty())) {
+        const auto commands = command == nullptr ? allCommands() : command->commands;
+        return {"There is no command " + inQuotes(commandName() + word),
+                questionForSimilar(word, namesOf(commands))};
+    }
+    return {"The word " + inQuotes(word) + " is one too many: " + usageOf(commandName(), *command)};
+}
+
+Mistake Reader::missingWords() const {
+    const Command& command = *this->command();
+    const CLI::App* app = namedCommand(_app);
+    while (const CLI::App* inner = namedCommand(*app)) {
+        app = inner;
+    }
+    for (const Parameter& parameter : command.parameters) {
+        if (isNeeded(parameter) && app->get_option(longName(parameter))->count() == 0) {
+            return {longName(parameter) + " is required" +
+                    (parameter.isOption() ? "" : ": " + usageOf(commandName(), command))};
+        }
+    }
+    return {"A word is missing"};
+}
+
+std::optional<Mistake> Reader::mistakeInValues() const {
+    std::vector<std::string> words;
+    words.reserve(coloursWords.size());
+    for (const ColoursWord& row : coloursWords) {
+        words.emplace_back(row.word);
+    }
+    const std::string word = value("--color");
+    if (!has("--color") || std::find(words.begin(), words.end(), word) != words.end()) {
+        return std::nullopt;
+    }
+    return Mistake{"The option \"--color\" takes auto, always or never, and not " + inQuotes(word),
+                   questionForSimilar(word, words)};
+}
+
+/// CLI11 says what it means in the text alone: "--plugin: 1 required FILE missing", "--message: At
+/// Most 1 required but received 2", "json was given a disallowed flag override".
+Mistake mistakeInOption(const std::string& text) {
+    const std::string word = text.substr(0, text.find_first_of(": "));
+    const std::string name = inQuotes((word.starts_with('-') ? "" : "--") + word);
+    if (text.find(" missing") != std::string::npos) {
+        return {"The option " + name + " lacks its value"};
+    }
+    if (text.find("flag override") != std::string::npos) {
+        return {"The option " + name + " takes no value"};
+    }
+    return {"The option " + name + " stands in the call more than once"};
+}
+
 Reply helpReply(std::string text) {
     return {.standardOutput = std::move(text), .standardError = {}, .exitStatus = exitDone};
 }
 
 /// `command` is as commandName() gives it.
-Reply refusedCall(std::string reason, const std::string& command) {
-    std::erase(reason, shield);
-    if (!reason.empty() && reason.back() == '.') {
-        reason.pop_back();
-    }
-    return refusal(reason + " (see nebsc " + command + "--help).", exitNotUnderstood);
+Reply refusedCall(const Mistake& mistake, const std::string& command) {
+    std::string sentence =
+        mistake.sentence +
+        (mistake.question.empty() ? " (see nebsc " + command + "--help)." : ".") + mistake.question;
+    std::erase(sentence, shield);
+    return refusal(sentence, exitNotUnderstood);
 }
 
+constexpr Parameter commonRows[] = {
+    {"--plugin",
+     "The plug-in's file; unless given, NEBGit.so in lib/nebgit or lib beside nebsc's own folder",
+     Takes::path, Occurs::optionally, "FILE"},
+    {"--json", "One line of JSON instead of text for a person"},
+    {"--color", "When to colour text for a person; auto: on a terminal", Takes::text,
+     Occurs::optionally, "auto|always|never"},
+    {"--trace", "Tell on standard error of each program that is run, as it starts and ends"},
+    {"--version", "Show the versions of nebsc, the plug-in and git"},
+};
+
 }  // namespace
+
+std::span<const Parameter> commonParameters() {
+    return commonRows;
+}
+
+std::string_view programDescription() {
+    return description;
+}
 
 std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
     Reader reader;
@@ -211,11 +389,18 @@ std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
         reader.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         return helpReply(reader.help());
+    } catch (const CLI::ExtrasError&) {
+        return refusedCall(reader.mistakeInWords(), reader.commandName());
+    } catch (const CLI::RequiredError&) {
+        return refusedCall(reader.missingWords(), reader.commandName());
     } catch (const CLI::ParseError& error) {
-        return refusedCall(error.what(), reader.commandName());
+        return refusedCall(mistakeInOption(error.what()), reader.commandName());
+    }
+    if (const auto mistake = reader.mistakeInValues()) {
+        return refusedCall(*mistake, reader.commandName());
     }
     if (reader.commandName().empty() && !reader.asksForVersions()) {
-        return argc < 2 ? helpReply(reader.help()) : refusedCall("A command is missing", "");
+        return argc < 2 ? helpReply(reader.help()) : refusedCall({"A command is missing"}, "");
     }
     return reader.call();
 }

@@ -1,13 +1,21 @@
 // CommandLine.h - what the words on the command line mean.
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "Command.h"
 #include "Reply.h"
 
 namespace neb::nebsc {
+
+/// The options that may stand in every call, but for the help, which has no row of its own.
+[[nodiscard]] std::span<const Parameter> commonParameters();
+
+/// What nebsc is, two lines without the last line end.
+[[nodiscard]] std::string_view programDescription();
 
 /// A call that is understood and needs the plug-in.
 struct Call {
@@ -17,6 +25,9 @@ struct Call {
     /// The plug-in's file; empty means the default one.
     std::string plugIn;
     bool isJSON = false;
+    /// Whether each child is told of on standard error.
+    bool isTraced = false;
+    Colours colours = Colours::automatic;
 };
 
 /// Reads the words. What needs no more than an answer comes back as that: the help, and a call that

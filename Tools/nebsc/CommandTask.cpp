@@ -46,7 +46,10 @@ std::optional<Reply> refusalOf(const Performance& performance) {
 // ---- the frame --------------------------------------------------------------------------------
 
 Reply CommandTask::run() {
+    // Lines of a trace and the sign would write over each other.
+    _sign.emplace(_call.command.activity, !trace().isOn());
     Reply reply = work();
+    _sign.reset();
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = _interruption.end();
     if (signalNumber && !_call.isJSON) {
@@ -66,6 +69,9 @@ Reply CommandTask::work() {
     }
     Performance performance = perform(request());
     if (auto refused = refusalOf(performance)) {
+        if (performance.outcome) {
+            addNotes(*refused, *performance.outcome);
+        }
         return *refused;
     }
     Outcome& outcome = *performance.outcome;
@@ -91,7 +97,7 @@ std::optional<Reply> CommandTask::readPaths() {
     }
     _place.currentFolder = *folder.path;
     for (const Parameter& parameter : _call.command.parameters) {
-        if (parameter.takes != Takes::path) {
+        if (!parameter.takesPaths()) {
             continue;
         }
         for (const std::string& word : arguments().all(parameter.name)) {
@@ -133,7 +139,7 @@ void CommandTask::addNotes(Reply& reply, const Outcome& outcome) const {
 }
 
 WorkingCopyPlace CommandTask::findPlace() {
-    return findWorkingCopy(_interruption, currentFolder(), currentFolder());
+    return findWorkingCopy(_interruption, trace(), currentFolder(), currentFolder());
 }
 
 std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) {
@@ -141,6 +147,10 @@ std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) 
 }
 
 void CommandTask::conclude(const Outcome& /*outcome*/, Reply& /*reply*/) {}
+
+bool CommandTask::isInColour() const {
+    return !isJSON() && wantsColour(_call.colours, STDOUT_FILENO);
+}
 
 // ---- requests ---------------------------------------------------------------------------------
 
@@ -165,8 +175,7 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
 }
 
 Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request) {
-    return _call.session.perform(request,
-                                 interruptibleRunner(_interruption, _call.command.activity));
+    return _call.session.perform(request, interruptibleRunner(_interruption, *_sign));
 }
 
 std::optional<Reply> CommandTask::prepareBy(
@@ -187,7 +196,7 @@ std::optional<Reply> CommandTask::prepareBy(
 
 ChildOutcome CommandTask::ask(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "--literal-pathspecs");
-    return runGit(_interruption, std::move(arguments), _place.location);
+    return runGit(_interruption, trace(), std::move(arguments), _place.location);
 }
 
 std::optional<std::string> CommandTask::answer(std::vector<std::string> arguments) {
@@ -210,7 +219,8 @@ std::optional<std::string> CommandTask::latestCommit() {
 
 bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const {
     if (outcome.error) {
-        reply.standardError += errorLines(*outcome.error);
+        const std::string sentence = sentenceFor(*outcome.error);
+        reply.standardError += sentence.empty() ? errorLines(*outcome.error) : complaint(sentence);
     } else if (const int status = silentExitStatus(outcome);
                status == 0 || silence == Silence::irrelevant ||
                (status == 1 && silence == Silence::answer)) {

@@ -21,6 +21,7 @@
 
 #include "Command.h"
 #include "Interruption.h"
+#include "LifeSign.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/ChildProcess.h"
 #include "WorkingCopyPlace.h"
@@ -61,6 +62,10 @@ protected:
     [[nodiscard]] virtual bool isAnswer(const NEBSourceControlError& /*error*/) const {
         return false;
     }
+    /// What the command says in place of an error that it understands better; empty for all others.
+    [[nodiscard]] virtual std::string sentenceFor(const NEBSourceControlError& /*error*/) const {
+        return {};
+    }
     /// What the command has to say behind an error: a line with its end, or nothing.
     [[nodiscard]] virtual std::string adviceAfter(const NEBSourceControlError& /*error*/) const {
         return {};
@@ -77,19 +82,22 @@ protected:
 
     [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
     [[nodiscard]] bool isJSON() const { return _call.isJSON; }
+    /// Whether what goes to standard output is coloured.
+    [[nodiscard]] bool isInColour() const;
     /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
     [[nodiscard]] const WorkingCopyPlace& place() const { return _place; }
     /// Good in findPlace() too, as are the arguments and the paths.
     [[nodiscard]] const std::string& currentFolder() const { return _place.currentFolder; }
     [[nodiscard]] Interruption& interruption() { return _interruption; }
+    [[nodiscard]] const Trace& trace() const { return _call.session.trace(); }
 
     /// A request about the place.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestOfType(std::int32_t type) const;
     /// The same with these files.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAbout(
         std::int32_t type, const std::vector<std::string>& files) const;
-    /// Carries out a request, and shows on a terminal that it is at it.
+    /// Carries out a request.
     [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request);
     /// Carries out, in look(), a request without which the command's own makes no sense. A reply
     /// tells that it failed, with --json its outcome.
@@ -134,6 +142,8 @@ private:
 
     const CommandCall& _call;
     Interruption _interruption;
+    /// From the first question on until there is something to say.
+    std::optional<LifeSign> _sign;
     WorkingCopyPlace _place;
     std::map<std::string, std::vector<std::string>, std::less<>> _paths;
 };

@@ -7,7 +7,7 @@ namespace neb::nebsc {
 
 namespace {
 
-bool isAbbreviatedRevision(const std::string& text) {
+bool isAbbreviatedRevision(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
@@ -35,10 +35,11 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::request() {
 /// branch.
 void CommitTask::conclude(const Outcome& outcome, Reply& reply) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
-    const std::string* word =
+    const auto word =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
-                  : nullptr;
-    const auto revision = word != nullptr && isAbbreviatedRevision(*word) ? *word : latestCommit();
+                  : std::nullopt;
+    const auto revision =
+        word && isAbbreviatedRevision(*word) ? std::optional(std::string(*word)) : latestCommit();
     if (revision) {
         reply.standardOutput = "Committed " + printable(*revision) + ".\n";
     }
@@ -59,7 +60,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command commitCommand{
     .name = "commit",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Record the staged changes, or those of files",
     .details =
         "Examples:\n"

@@ -150,7 +150,7 @@ protected:
 };
 
 constexpr Parameter makeDirectoryParameters[] = {
-    {"DIR", "The new folder; those on the way to it are made too", Takes::path, Occurs::once},
+    {"DIR", "The new folder; those on the way to it are made too", Takes::folder, Occurs::once},
 };
 
 Reply makeDirectory(const CommandCall& call) {
@@ -161,7 +161,7 @@ Reply makeDirectory(const CommandCall& call) {
 
 constinit const Command moveCommand{
     .name = "mv",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Rename or move a file or folder",
     .details =
         "Examples:\n"
@@ -174,7 +174,7 @@ constinit const Command moveCommand{
 
 constinit const Command copyCommand{
     .name = "cp",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Copy a file or folder and stage the copy",
     .details =
         "Nothing is ever overwritten.\n\n"
@@ -188,7 +188,7 @@ constinit const Command copyCommand{
 
 constinit const Command makeDirectoryCommand{
     .name = "mkdir",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Make a folder",
     .details =
         "git keeps no empty folder: a commit has the folder once a file in it is added.\n\n"

@@ -46,9 +46,10 @@ private:
     bool _isHeader = false;
 };
 
-/// A patch that goes elsewhere than to a terminal stays as it is, for a program to apply.
+/// A patch that goes elsewhere than to a terminal keeps its bytes, for a program to apply.
 std::string shownPatch(std::string_view patch, bool isColoured) {
-    if (::isatty(STDOUT_FILENO) != 1) {
+    const bool isForTerminal = ::isatty(STDOUT_FILENO) == 1;
+    if (!isForTerminal && !isColoured) {
         return std::string(patch);
     }
     std::string lines;
@@ -57,7 +58,7 @@ std::string shownPatch(std::string_view patch, bool isColoured) {
         patch.remove_suffix(1);
     }
     forEachPiece(patch, '\n', [&](std::string_view piece) {
-        const std::string line = printableLine(piece);
+        const std::string line = isForTerminal ? printableLine(piece) : std::string(piece);
         lines.append(isColoured ? colours.line(line) : line).append("\n");
     });
     return lines;
@@ -125,24 +126,24 @@ std::string DiffTask::shownNames(const std::string& path) const {
 }
 
 std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
-    const bool isColoured = wantsColour(STDOUT_FILENO);
+    const bool isColoured = isInColour();
     std::string lines;
     for (const NEBDictionary& record : records) {
-        if (const std::string* patch = record.value(NEBSourceControlOperationContentKey).string()) {
+        if (const auto patch = record.value(NEBSourceControlOperationContentKey).string()) {
             lines += shownPatch(*patch, isColoured);
-        } else if (const std::string* path =
-                       record.value(NEBSourceControlOperationPathKey).string()) {
+        } else if (const auto path = record.value(NEBSourceControlOperationPathKey).string()) {
             lines += statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) +
-                     shownNames(*path) + "\n";
+                     shownNames(std::string(*path)) + "\n";
         }
     }
     return lines;
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "The one side, HEAD unless given; or both as A..B or A...B", Takes::text},
-    {"FILE", "The other side, if it is a revision; files or folders to which to keep", Takes::text,
-     Occurs::anyNumber},
+    {"REVISION", "The one side, HEAD unless given; or both as A..B or A...B",
+     Takes::revisionOrPath},
+    {"FILE", "The other side, if it is a revision; files or folders to which to keep",
+     Takes::revisionOrPath, Occurs::anyNumber},
     {"--name-status", "Only the files' names, and what happened to them"},
     {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
 };
@@ -155,7 +156,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command diffCommand{
     .name = "diff",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "Show what differs between revisions, or from the working copy",
     .details =
         "Without a revision: all that is not committed, staged or not. With one: from it to\n"

@@ -114,7 +114,7 @@ void FetchTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 }
 
 constexpr Parameter fetchParameters[] = {
-    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::text},
+    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
     {subversionFlag, "Fetch from the Subversion repository behind this one"},
 };
 
@@ -227,9 +227,9 @@ std::string PushTask::adviceAfter(const NEBSourceControlError& error) const {
 }
 
 constexpr Parameter pushParameters[] = {
-    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::text},
+    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
     {"BRANCHES", "LOCAL:THERE, the branch here and the remote's; one name where they are alike",
-     Takes::text},
+     Takes::branchPair},
     {subversionFlag, "Commit to the Subversion repository behind this one what it does not have"},
 };
 
@@ -241,7 +241,7 @@ Reply push(const CommandCall& call) {
 
 constinit const Command fetchCommand{
     .name = "fetch",
-    .group = exchangeGroup,
+    .group = remotesGroup,
     .summary = "Bring what is new in a remote here, and leave the working copy alone",
     .details =
         "Examples:\n"
@@ -254,7 +254,7 @@ constinit const Command fetchCommand{
 
 constinit const Command pushCommand{
     .name = "push",
-    .group = exchangeGroup,
+    .group = remotesGroup,
     .summary = "Send the commits of a branch to a remote",
     .details =
         "Nothing is overwritten there: where the remote has commits that are not here,\n"

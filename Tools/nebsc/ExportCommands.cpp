@@ -108,7 +108,8 @@ std::optional<Reply> ExportTask::look() {
 }
 
 std::shared_ptr<NEBSourceControlRequest> ExportTask::request() {
-    auto request = requestAbout(NEBSourceControlRequestExport, {file()});
+    auto request = requestAbout(
+        _target ? NEBSourceControlRequestExport : NEBSourceControlRequestExportFiles, {file()});
     request->startingRevision = revision();
     if (_target) {
         request->destination = _target->draft();
@@ -142,7 +143,7 @@ std::string ExportTask::textOfResult(const NEBSourceControlResult& records) {
 }
 
 constexpr Parameter exportParameters[] = {
-    {"REVISION", "A branch, a tag or any other revision", Takes::text, Occurs::once},
+    {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
     {"FILE", "A file or folder, which need not be on disk any more", Takes::path, Occurs::once},
     {destination, "The name of what is written, or a folder for it; unless given, a temporary file",
      Takes::path},
@@ -256,7 +257,7 @@ void ExportTreeTask::noteSparseFiles(Reply& reply) {
 }
 
 constexpr Parameter exportTreeParameters[] = {
-    {destination, "The folder, made where it is missing", Takes::path, Occurs::once},
+    {destination, "The folder, made where it is missing", Takes::folder, Occurs::once},
     {"--force",
      "Write into a folder that is not empty, and overwrite the files that are in the way"},
 };
@@ -269,7 +270,7 @@ Reply exportTree(const CommandCall& call) {
 
 constinit const Command exportCommand{
     .name = "export",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "Write a file to disk as it was at a revision",
     .details =
         "Says where it was written. Nothing is ever overwritten.\n\n"
@@ -283,7 +284,7 @@ constinit const Command exportCommand{
 
 constinit const Command exportTreeCommand{
     .name = "export-tree",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "Write all files of the index below a folder",
     .details =
         "The index is the latest commit with what is staged.\n\n"

@@ -17,14 +17,26 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestAbout(NEBSourceControlRequestAddFiles, paths(files));
+    std::optional<Reply> look() override {
+        return isAll() == paths(files).empty()
+                   ? std::nullopt
+                   : std::optional(refusal("Either FILE or --all was expected (see nebsc add "
+                                           "--help).",
+                                           exitNotUnderstood));
     }
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return isAll() ? requestOfType(NEBSourceControlRequestAdd)
+                       : requestAbout(NEBSourceControlRequestAddFiles, paths(files));
+    }
+
+private:
+    [[nodiscard]] bool isAll() const { return arguments().has("--all"); }
 };
 
 constexpr Parameter addParameters[] = {
     {files, "A file, or a folder with all that is in it; deleted ones too", Takes::path,
-     Occurs::oneOrMore},
+     Occurs::anyNumber},
+    {"--all", "All that has changed in the whole working copy"},
 };
 
 Reply add(const CommandCall& call) {
@@ -113,12 +125,13 @@ Reply revert(const CommandCall& call) {
 
 constinit const Command addCommand{
     .name = "add",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Stage files for the next commit",
     .details =
         "Examples:\n"
         "  nebsc add src/main.c    stage one file\n"
-        "  nebsc add .             stage all that has changed in this folder and below\n",
+        "  nebsc add .             stage all that has changed in this folder and below\n"
+        "  nebsc add --all         the same of the whole working copy\n",
     .parameters = addParameters,
     .activity = "Adding",
     .run = add,
@@ -126,7 +139,7 @@ constinit const Command addCommand{
 
 constinit const Command removeCommand{
     .name = "rm",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Remove files from disk and from the next commit",
     .details =
         "Files whose changes are not committed are left alone, unless --force says that\n"
@@ -141,7 +154,7 @@ constinit const Command removeCommand{
 
 constinit const Command revertCommand{
     .name = "revert",
-    .group = workingCopyGroup,
+    .group = changeGroup,
     .summary = "Throw away changes of files",
     .details =
         "The files become what was staged last, or else committed: changes that are not\n"

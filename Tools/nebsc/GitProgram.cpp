@@ -17,22 +17,33 @@ std::string gitPath() {
 
 }  // namespace
 
-ChildOutcome runGit(Interruption& interruption, std::vector<std::string> arguments,
-                    std::optional<std::string> folder) {
+ChildOutcome runGit(Interruption& interruption, const Trace& trace,
+                    std::vector<std::string> arguments, std::optional<std::string> folder) {
     ChildProcess process;
     const Interruption::Work work(interruption, [&process] { process.cancel(); });
-    return runGit(process, std::move(arguments), std::move(folder));
+    return runGit(process, trace, std::move(arguments), std::move(folder));
 }
 
-ChildOutcome runGit(ChildProcess& process, std::vector<std::string> arguments,
+ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::string> arguments,
                     std::optional<std::string> folder) {
-    return process
-        .run({{.launchPath = gitPath(),
-               .arguments = std::move(arguments),
-               .currentDirectoryPath = std::move(folder),
-               .environment =
-                   NEBSourceControlChildEnvironment(NEBSourceControlInheritedEnvironment(), {})}})
-        .front();
+    const NEBSourceControlCommand command{.launchPath = gitPath(),
+                                          .arguments = std::move(arguments),
+                                          .currentDirectoryPath = std::move(folder),
+                                          .pipeTo = nullptr};
+    std::optional<std::size_t> number;
+    ChildOutcome outcome =
+        process
+            .run({{.launchPath = command.launchPath,
+                   .arguments = command.arguments,
+                   .currentDirectoryPath = command.currentDirectoryPath,
+                   .environment = NEBSourceControlChildEnvironment(
+                       NEBSourceControlInheritedEnvironment(), {})}},
+                 {.started = [&](std::size_t /*index*/) { number = trace.started(command); }})
+            .front();
+    if (number) {
+        trace.ended(*number, outcome.status, outcome.duration);
+    }
+    return outcome;
 }
 
 std::optional<std::string> answerOf(const ChildOutcome& outcome) {
@@ -53,8 +64,9 @@ std::vector<std::string> textsBetweenNULs(std::string_view bytes) {
     return texts;
 }
 
-std::optional<std::string> workingCopyTop(Interruption& interruption, const std::string& folder) {
-    return answerOf(runGit(interruption, {"rev-parse", "--show-toplevel"}, folder));
+std::optional<std::string> workingCopyTop(Interruption& interruption, const Trace& trace,
+                                          const std::string& folder) {
+    return answerOf(runGit(interruption, trace, {"rev-parse", "--show-toplevel"}, folder));
 }
 
 }  // namespace neb::nebsc

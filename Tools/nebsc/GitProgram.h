@@ -8,16 +8,19 @@
 
 #include "Interruption.h"
 #include "Platform/ChildProcess.h"
+#include "Trace.h"
 
 namespace neb::nebsc {
 
 /// Runs git, in the same surroundings as an operation's, in the folder (absent: nebsc's own). A
 /// signal ends it.
-[[nodiscard]] ChildOutcome runGit(Interruption& interruption, std::vector<std::string> arguments,
+[[nodiscard]] ChildOutcome runGit(Interruption& interruption, const Trace& trace,
+                                  std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
 /// The same; whoever has the process can cancel it.
-[[nodiscard]] ChildOutcome runGit(ChildProcess& process, std::vector<std::string> arguments,
+[[nodiscard]] ChildOutcome runGit(ChildProcess& process, const Trace& trace,
+                                  std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
 /// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
@@ -29,6 +32,7 @@ namespace neb::nebsc {
 /// The top of the working copy in which the folder lies, as git writes it; nothing when it lies in
 /// none or git cannot tell.
 [[nodiscard]] std::optional<std::string> workingCopyTop(Interruption& interruption,
+                                                        const Trace& trace,
                                                         const std::string& folder);
 
 }  // namespace neb::nebsc

@@ -10,8 +10,8 @@ namespace neb::nebsc {
 namespace {
 
 void runOperation(NEBSourceControlOperation& operation, const HostSession::Runner& run,
-                  Outcome& outcome) {
-    const auto log = std::make_shared<NEBSourceControlCommandLog>();
+                  const Trace& trace, Outcome& outcome) {
+    const auto log = std::make_shared<NEBSourceControlCommandLog>(trace.observers());
     operation.setCommandLog(log);
     run(operation);
     outcome.commands = log->runs();
@@ -27,12 +27,12 @@ bool hasFailed(const Outcome& outcome) {
 
 /// git runs in the folder into which it clones.
 void runClone(NEBSourceControlOperation& operation, const std::string& destination,
-              const HostSession::Runner& run, Outcome& outcome) {
+              const HostSession::Runner& run, const Trace& trace, Outcome& outcome) {
     MissingFolder folder(destination);
     if (const auto failure = folder.make()) {
         outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
     } else {
-        runOperation(operation, run, outcome);
+        runOperation(operation, run, trace, outcome);
         if (!hasFailed(outcome)) {
             folder.keep();
         }
@@ -58,11 +58,11 @@ Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>&
         if (const auto operation = _controller->operationForRequest(request)) {
             outcome.operation = operation->className();
             outcome.command = operation->command();
-            const std::string* destination = request->destination.string();
-            if (run && request->type == NEBSourceControlRequestClone && destination != nullptr) {
-                runClone(*operation, *destination, run, outcome);
+            const auto destination = request->destination.string();
+            if (run && request->type == NEBSourceControlRequestClone && destination) {
+                runClone(*operation, std::string(*destination), run, _trace, outcome);
             } else if (run) {
-                runOperation(*operation, run, outcome);
+                runOperation(*operation, run, _trace, outcome);
             }
         }
     }

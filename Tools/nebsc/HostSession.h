@@ -18,6 +18,7 @@
 #include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
 #include "NEBFoundation/NEBSourceControlProtocol.h"
 #include "Outcome.h"
+#include "Trace.h"
 
 namespace neb::nebsc {
 
@@ -33,9 +34,11 @@ public:
     /// Runs an operation to its end: start(), and whatever belongs around it.
     using Runner = std::function<void(NEBSourceControlOperation&)>;
 
-    /// Takes the plug-in's principal class, which must be there.
-    explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller)
-        : _controller(std::move(controller)) {}
+    /// Takes the plug-in's principal class, which must be there. Where it is traced, the children
+    /// of all operations are told of on standard error.
+    explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller,
+                         bool isTraced = false)
+        : _controller(std::move(controller)), _trace(isTraced) {}
 
     /// Carries the request out. Without a runner the operation is made and not run.
     ///
@@ -46,9 +49,12 @@ public:
                                       const Runner& run) const;
 
     [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }
+    /// For children that are no part of an operation.
+    [[nodiscard]] const Trace& trace() const { return _trace; }
 
 private:
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
+    Trace _trace;
 };
 
 }  // namespace neb::nebsc

@@ -56,7 +56,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command infoCommand{
     .name = "info",
-    .group = repositoriesGroup,
+    .group = lookGroup,
     .summary = "Show where the repository comes from",
     .details =
         "Example:\n"

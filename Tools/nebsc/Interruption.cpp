@@ -57,7 +57,7 @@ void Interruption::watch() {
 }
 
 void Interruption::take(int signalNumber) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     if (!_signalNumber) {
         _signalNumber = signalNumber;
     }
@@ -67,13 +67,13 @@ void Interruption::take(int signalNumber) {
 }
 
 std::optional<int> Interruption::signalNumber() const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _signalNumber;
 }
 
 Interruption::Work::Work(Interruption& interruption, std::function<void()> cancel)
     : _interruption(interruption) {
-    const std::lock_guard lock(interruption._mutex);
+    const MutexLock lock(interruption._mutex);
     interruption._cancel = std::move(cancel);
     if (interruption._signalNumber) {
         interruption._cancel();
@@ -81,7 +81,7 @@ Interruption::Work::Work(Interruption& interruption, std::function<void()> cance
 }
 
 Interruption::Work::~Work() {
-    const std::lock_guard lock(_interruption._mutex);
+    const MutexLock lock(_interruption._mutex);
     _interruption._cancel = nullptr;
 }
 

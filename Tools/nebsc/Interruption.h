@@ -20,9 +20,10 @@
 #include <signal.h>
 
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <thread>
+
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
@@ -59,10 +60,10 @@ private:
     void watch();
     void take(int signalNumber);
 
-    mutable std::mutex _mutex;
-    std::function<void()> _cancel;     // guarded by _mutex
-    std::optional<int> _signalNumber;  // guarded by _mutex
-    sigset_t _signals{};               // those that are waited for
+    mutable Mutex _mutex;
+    std::function<void()> _cancel NEB_GUARDED_BY(_mutex);
+    std::optional<int> _signalNumber NEB_GUARDED_BY(_mutex);
+    sigset_t _signals{};  // those that are waited for
     sigset_t _formerMask{};
     std::thread _watcher;
 };

@@ -3,10 +3,15 @@
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
+#include "Platform/Passwords.h"
+#include "Presentation.h"
+
 namespace neb::nebsc {
 
 std::string shortened(std::string text) {
     constexpr std::size_t most = 300;
+    // Before a cut, behind which no password could be told.
+    text = printable(textWithoutPasswords(text));
     if (text.size() > most) {
         std::size_t end = most;  // not inside a character
         while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {

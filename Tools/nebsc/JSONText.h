@@ -53,7 +53,8 @@ struct JSONReading {
 /// `The request's member "path"`, or `The request` for the empty path.
 [[nodiscard]] std::string subjectAt(std::string_view path);
 
-/// The text, cut off with "…" where it is too long to be shown to a person: somebody else wrote it.
+/// The text as a sentence can hold it, for somebody else wrote it: on one line, control characters
+/// written out, without the passwords of URLs, cut off with "…" where it is too long.
 [[nodiscard]] std::string shortened(std::string text);
 
 }  // namespace neb::nebsc

@@ -2,9 +2,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 
 #include "Platform/SignalFreeThread.h"
+#include "TextWidth.h"
 
 namespace neb::nebsc {
 
@@ -17,8 +20,8 @@ void write(const std::string& text) {
 
 }  // namespace
 
-LifeSign::LifeSign(std::string_view activity) : _activity(activity) {
-    if (::isatty(STDERR_FILENO) == 1) {
+LifeSign::LifeSign(std::string_view activity, bool isWanted) : _activity(activity) {
+    if (isWanted && ::isatty(STDERR_FILENO) == 1) {
         _thread = startSignalFreeThread([this] { show(); });
     }
 }
@@ -35,6 +38,22 @@ LifeSign::~LifeSign() {
     _thread.join();
 }
 
+LifeSign::Count::Count(LifeSign& sign, std::function<std::uint64_t()> received) : _sign(sign) {
+    const std::lock_guard lock(sign._mutex);
+    sign._received = std::move(received);
+}
+
+LifeSign::Count::~Count() {
+    const std::lock_guard lock(_sign._mutex);
+    _sign._received = nullptr;
+}
+
+std::string LifeSign::text(int seconds) const {
+    const std::uint64_t bytes = _received ? _received() : 0;
+    return _activity + " … " + std::to_string(seconds) + " s" +
+           (bytes == 0 ? "" : ", " + textOfSize(bytes));
+}
+
 void LifeSign::show() {
     const auto start = std::chrono::steady_clock::now();
     std::size_t width = 0;
@@ -44,15 +63,30 @@ void LifeSign::show() {
                             [this] { return _isEnded; })) {
             break;
         }
-        const std::string count = std::to_string(seconds) + " s";
+        const std::string line = text(seconds);
         // Not by a terminal's own sequence for it: a dumb one has none.
-        write("\r" + _activity + " … " + count);
-        constexpr std::size_t widthOfDots = 3;
-        width = _activity.size() + widthOfDots + count.size();
+        write("\r" + paddedTo(width, line));
+        width = std::max(width, columnsOf(line));
     }
     if (width > 0) {
         write("\r" + std::string(width, ' ') + "\r");
     }
+}
+
+std::string textOfSize(std::uint64_t bytes) {
+    constexpr std::uint64_t thousand = 1000;
+    if (bytes < thousand) {
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+    }
+    constexpr std::array<const char*, 3> units{"kB", "MB", "GB"};
+    std::size_t unit = 0;
+    // In tenths, cut off and not rounded, so that no "1000.0 kB" comes of it.
+    std::uint64_t tenths = bytes / (thousand / 10);
+    while (tenths >= thousand * 10 && unit + 1 < units.size()) {
+        tenths /= thousand;
+        ++unit;
+    }
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " " + units[unit];
 }
 
 }  // namespace neb::nebsc

@@ -1,8 +1,9 @@
 // LifeSign.h - shows a person at a terminal that long work goes on.
 //
 //     {
-//         const LifeSign sign("Cloning");
-//         operation.start();   // after a second, and every second: "Cloning … 3 s"
+//         LifeSign sign("Cloning", true);
+//         const LifeSign::Count count(sign, [&] { return log.receivedBytes(); });
+//         operation.start();   // after a second, and every second: "Cloning … 3 s, 1.2 MB"
 //     }                        // the line is as if nothing had been
 //
 // The sign goes to standard error, and only where that is a terminal; elsewhere nothing is written.
@@ -10,6 +11,8 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -19,21 +22,42 @@ namespace neb::nebsc {
 
 class LifeSign {
 public:
-    /// `activity` is plain ASCII. The sign is written on a thread of its own.
-    explicit LifeSign(std::string_view activity);
+    /// `activity` is plain ASCII. The sign is written on a thread of its own; one that is not
+    /// wanted is never.
+    LifeSign(std::string_view activity, bool isWanted);
     LifeSign(const LifeSign&) = delete;
     LifeSign& operator=(const LifeSign&) = delete;
     /// Wipes the line.
     ~LifeSign();
 
+    /// Lets the sign tell how many bytes have come, for as long as the object lives. One at a time.
+    class Count {
+    public:
+        /// `received` is called on the sign's thread and must not block; 0 is not shown.
+        Count(LifeSign& sign, std::function<std::uint64_t()> received);
+        Count(const Count&) = delete;
+        Count& operator=(const Count&) = delete;
+        /// Afterwards `received` is not called any more.
+        ~Count();
+
+    private:
+        LifeSign& _sign;
+    };
+
 private:
     void show();
+    /// With the mutex held.
+    [[nodiscard]] std::string text(int seconds) const;
 
     std::string _activity;
     std::mutex _mutex;
     std::condition_variable _end;
-    bool _isEnded = false;  // guarded by _mutex
+    bool _isEnded = false;                     // guarded by _mutex
+    std::function<std::uint64_t()> _received;  // guarded by _mutex
     std::thread _thread;
 };
+
+/// "512 bytes", "1.2 kB", "3.4 MB", "5.6 GB".
+[[nodiscard]] std::string textOfSize(std::uint64_t bytes);
 
 }  // namespace neb::nebsc

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <filesystem>
 
 #include "Commands.h"
@@ -76,11 +74,11 @@ std::shared_ptr<NEBSourceControlRequest> ListTask::request() {
 }
 
 std::string ListTask::textOfResult(const NEBSourceControlResult& records) {
-    const bool isColoured = wantsColour(STDOUT_FILENO);
+    const bool isColoured = isInColour();
     std::string lines;
     for (const NEBDictionary& record : records) {
-        const std::string* value = record.value(NEBSourceControlOperationNameKey).string();
-        const std::string name = printable(value == nullptr ? std::string() : *value);
+        const std::string name =
+            printable(record.value(NEBSourceControlOperationNameKey).string().value_or(""));
         if (record.value(NEBSourceControlOperationIsLeafKey).boolValue()) {
             lines += name + "\n";
         } else {
@@ -125,7 +123,7 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
 }
 
 constexpr Parameter parameters[] = {
-    {"DIR", "The folder, the current one unless given", Takes::path},
+    {"DIR", "The folder, the current one unless given", Takes::folder},
 };
 
 Reply run(const CommandCall& call) {
@@ -136,7 +134,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command listCommand{
     .name = "ls",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "List what the latest commit holds of a folder",
     .details =
         "Folders and submodules have a \"/\" behind their names. What is not on disk any more,\n"

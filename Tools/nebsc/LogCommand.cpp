@@ -28,8 +28,7 @@ std::optional<std::int32_t> countIn(std::string_view text) {
 }
 
 std::string text(const NEBDictionary& record, NEBConstant key) {
-    const std::string* value = record.value(key).string();
-    return value == nullptr ? std::string() : *value;
+    return std::string(record.value(key).string().value_or(""));
 }
 
 /// The first paragraph on one line.
@@ -130,9 +129,12 @@ std::string LogTask::lineOf(const NEBDictionary& record, std::size_t authorColum
     const std::string author =
         paddedTo(authorColumns, printable(text(record, NEBSourceControlOperationAuthorKey)));
     const auto date = record.value(NEBSourceControlOperationDateKey).date();
-    const std::string line = revisionColumn(record) + "  " + (date ? localMinute(*date) : "") +
-                             "  " + author + "  " +
-                             subjectOf(text(record, NEBSourceControlOperationMessageKey));
+    const std::string middle = "  " + (date ? localMinute(*date) : "") + "  " + author + "  ";
+    const std::size_t columns =
+        columnsOf(printable(text(record, NEBSourceControlOperationRevisionKey)) + middle);
+    const std::string line = revisionColumn(record) + middle +
+                             fitting(STDOUT_FILENO, columns,
+                                     subjectOf(text(record, NEBSourceControlOperationMessageKey)));
     return line.substr(0, line.find_last_not_of(' ') + 1) + "\n" + filesOf(record);
 }
 
@@ -171,7 +173,7 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
     if (isJSON()) {
         return {};
     }
-    _isColoured = wantsColour(STDOUT_FILENO);
+    _isColoured = isInColour();
     std::string all;
     if (arguments().has("--full")) {
         for (const NEBDictionary& record : records) {
@@ -200,10 +202,10 @@ void LogTask::conclude(const Outcome& outcome, Reply& reply) {
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "Where to begin, HEAD unless given; or A..B", Takes::text},
-    {"FILE", "Only commits that changed it, a file or folder", Takes::text},
+    {"REVISION", "Where to begin, HEAD unless given; or A..B", Takes::revisionOrPath},
+    {"FILE", "Only commits that changed it, a file or folder", Takes::pathAsWritten},
     {"-n,--limit", "How many commits at most", Takes::text, Occurs::optionally, "N"},
-    {"--branch", "The branch, instead of a revision", Takes::text, Occurs::optionally, "BRANCH"},
+    {"--branch", "The branch, instead of a revision", Takes::branch, Occurs::optionally, "BRANCH"},
     {"--files", "Show the files that each commit changed; of a renamed one the old name"},
     {"--full", "Show the whole messages, the authors' addresses and the seconds"},
 };
@@ -216,7 +218,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command logCommand{
     .name = "log",
-    .group = historyGroup,
+    .group = lookGroup,
     .summary = "Show commits, newest first",
     .details =
         "Dates are local. A..B shows the commits of both sides that the other side does not\n"

@@ -54,7 +54,7 @@ void MergeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 }
 
 constexpr Parameter mergeParameters[] = {
-    {"REVISION", "A branch, a tag or any other revision", Takes::text, Occurs::once},
+    {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
 Reply merge(const CommandCall& call) {
@@ -114,8 +114,8 @@ void MergeBaseTask::conclude(const Outcome& outcome, Reply& reply) {
 }
 
 constexpr Parameter mergeBaseParameters[] = {
-    {"A", "A branch, a tag or any other revision", Takes::text, Occurs::once},
-    {"B", "Another", Takes::text, Occurs::once},
+    {"A", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
+    {"B", "Another", Takes::revision, Occurs::once},
 };
 
 Reply mergeBase(const CommandCall& call) {
@@ -126,7 +126,7 @@ Reply mergeBase(const CommandCall& call) {
 
 constinit const Command mergeCommand{
     .name = "merge",
-    .group = revisionsGroup,
+    .group = branchesGroup,
     .summary = "Merge another branch into the current one",
     .details =
         "Where both have changed the same lines, those of the current branch are kept.\n\n"
@@ -139,7 +139,7 @@ constinit const Command mergeCommand{
 
 constinit const Command mergeBaseCommand{
     .name = "merge-base",
-    .group = revisionsGroup,
+    .group = branchesGroup,
     .summary = "Show the common ancestor of two revisions",
     .details =
         "Example:\n"

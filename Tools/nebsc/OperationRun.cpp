@@ -2,13 +2,29 @@
 
 #include <string.h>
 
-#include "LifeSign.h"
+#include "ArrivingPack.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 
 namespace neb::nebsc {
 
-HostSession::Runner interruptibleRunner(Interruption& interruption, std::string_view activity) {
-    return [&interruption, activity](NEBSourceControlOperation& operation) {
-        const LifeSign sign(activity);
+namespace {
+
+/// Where the repository is that the request works in; empty where nobody says so.
+std::string folderOf(const NEBSourceControlRequest& request) {
+    if (request.type == NEBSourceControlRequestClone) {
+        return std::string(request.destination.string().value_or(""));
+    }
+    return request.sourceTree && request.sourceTree->location ? *request.sourceTree->location : "";
+}
+
+}  // namespace
+
+HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign) {
+    return [&interruption, &sign](NEBSourceControlOperation& operation) {
+        ArrivingPack pack(folderOf(*operation.request()));
+        const LifeSign::Count count(sign, [&operation, &pack] {
+            return operation.commandLog()->receivedBytes() + pack.bytes();
+        });
         const Interruption::Work work(interruption, [&operation] { operation.cancel(); });
         operation.start();
     };

@@ -1,18 +1,16 @@
 // OperationRun.h - what every command that runs an operation does around it.
 #pragma once
 
-#include <string_view>
-
 #include "HostSession.h"
 #include "Interruption.h"
+#include "LifeSign.h"
 #include "Reply.h"
 
 namespace neb::nebsc {
 
-/// Runs an operation on the calling thread; a signal cancels it, and a terminal shows that it is
-/// alive, by what it does ("Cloning"). The interruption and the text must outlive the runner.
-[[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption,
-                                                      std::string_view activity);
+/// Runs an operation on the calling thread; a signal cancels it, and the sign that it is alive
+/// tells how much has come. The interruption and the sign must outlive the runner.
+[[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign);
 
 /// Tells of broken preconditions, when there were any.
 void noteReports(Reply& reply, const Outcome& outcome);

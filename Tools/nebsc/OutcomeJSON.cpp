@@ -27,7 +27,7 @@ JSON jsonOfValue(const NEBValue& value) {
     if (const auto integer = value.integer()) {
         return *integer;
     }
-    if (const auto* string = value.string()) {
+    if (const auto string = value.string()) {
         return *string;
     }
     if (const auto date = value.date()) {

@@ -1,17 +1,24 @@
 #include "PlugInLocation.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 
 namespace neb::nebsc {
 
+namespace fs = std::filesystem;
+
 std::string defaultPlugInPath() {
-    namespace fs = std::filesystem;
-    constexpr const char* name = "NEBGit.so";
     std::error_code failure;
     const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
-    const fs::path beside = folder.parent_path() / "lib" / name;
-    const fs::path within = folder / name;
-    return !fs::exists(beside, failure) && fs::exists(within, failure) ? within : beside;
+    const std::array places{
+        (folder / NEBSC_INSTALLED_PLUGIN).lexically_normal(),
+        folder.parent_path() / "lib" / "NEBGit.so",  // in a build folder
+        folder / "NEBGit.so",
+    };
+    const auto* const place = std::ranges::find_if(
+        places, [&failure](const fs::path& path) { return fs::exists(path, failure); });
+    return place == places.end() ? places.front() : *place;
 }
 
 }  // namespace neb::nebsc

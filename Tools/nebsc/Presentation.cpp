@@ -45,6 +45,16 @@ bool isC1(std::string_view text, std::size_t place) {
     return text[place] == '\xC2' && static_cast<unsigned char>(text[place + 1]) < 0xA0;
 }
 
+/// The length of what turns the direction of the text around it, at `place` of the well-formed
+/// text: U+202A to U+202E and U+2066 to U+2069, three bytes each. 0 where there is none.
+std::size_t lengthOfDirection(std::string_view text, std::size_t place) {
+    constexpr std::size_t length = 3;
+    const std::string_view character = text.substr(place, length);
+    const bool isOne = (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
+                       (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
+    return isOne ? length : 0;
+}
+
 struct ColourSequence {
     Colour colour;
     std::string_view sequence;
@@ -95,6 +105,30 @@ void appendIndented(std::string& lines, const std::vector<std::string>& all) {
     }
 }
 
+/// What git marks its lines with, for a person a sentence: "fatal: no such path 'a'" is "No such
+/// path 'a'.".
+std::string asSentence(std::string_view text, bool goesOn) {
+    for (const std::string_view mark : {"fatal: ", "error: ", "fatal: "}) {
+        if (text.starts_with(mark)) {
+            text = trimmed(text.substr(mark.size()));
+        }
+    }
+    std::string sentence(text);
+    // Not a name, as in "a.c: needs merge", and none that is never written otherwise.
+    const std::string_view word = text.substr(0, text.find_first_of(" ,"));
+    const auto isSmall = [](char character) { return character >= 'a' && character <= 'z'; };
+    if (word.size() < text.size() && word != "git" &&
+        std::all_of(word.begin(), word.end(), isSmall)) {
+        sentence.front() = static_cast<char>(sentence.front() - 'a' + 'A');
+    }
+    if (sentence.ends_with(':') && !goesOn) {
+        sentence.pop_back();
+    }
+    const bool isEnded = sentence.ends_with('.') || sentence.ends_with('!') ||
+                         sentence.ends_with('?') || sentence.ends_with(':');
+    return sentence + (isEnded ? "" : ".");
+}
+
 /// Takes the line out that says what happened: as a rule the first, but where git says before whom
 /// it has talked to, or passes on what the far end said, the first that tells of a failure.
 std::string takeSentence(std::vector<std::string>& lines) {
@@ -109,9 +143,9 @@ std::string takeSentence(std::vector<std::string>& lines) {
         });
         sentence = telling == lines.end() ? sentence : telling;
     }
-    std::string text{trimmed(*sentence)};
+    const std::string text{trimmed(*sentence)};
     lines.erase(sentence);
-    return text;
+    return asSentence(text, !lines.empty());
 }
 
 }  // namespace
@@ -126,6 +160,12 @@ std::string printable(std::string_view bytes) {
             result += controlCharacter(byte);
         } else if (isC1(text, i)) {
             result += "\\u00" + hexByte(static_cast<unsigned char>(text[++i]));
+        } else if (const std::size_t length = lengthOfDirection(text, i); length > 0) {
+            const auto second = static_cast<unsigned char>(text[i + 1]);
+            const auto third = static_cast<unsigned char>(text[i + 2]);
+            result += "\\u20" +
+                      hexByte(static_cast<unsigned char>((second & 0x03U) << 6U | (third & 0x3FU)));
+            i += length - 1;
         } else {
             result += text[i];
         }
@@ -147,7 +187,10 @@ std::string inQuotes(std::string_view text) {
     return std::string("\"").append(text).append("\"");
 }
 
-bool wantsColour(int descriptor) {
+bool wantsColour(Colours colours, int descriptor) {
+    if (colours != Colours::automatic) {
+        return colours == Colours::always;
+    }
     const auto variable = [](const char* name) {
         const char* value = std::getenv(name);
         return std::string_view(value == nullptr ? "" : value);
@@ -183,7 +226,8 @@ std::string errorLines(const NEBSourceControlError& error) {
     appendIndented(lines, rest);
     if (suggestion) {
         for (const std::string& line : printableLines(*suggestion)) {
-            lines += line + "\n";
+            // How git is kept from saying so is none of a person's troubles.
+            lines += line.starts_with("Disable this message with ") ? "" : line + "\n";
         }
     }
     if (description.find(words) == std::string::npos) {

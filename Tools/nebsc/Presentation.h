@@ -9,7 +9,8 @@
 namespace neb::nebsc {
 
 /// The bytes as UTF-8 on one line that drives no terminal: each control character (C0, DEL, C1) is
-/// written out ("\n", "\t", "\x1b", "\u009b"), each byte that is no UTF-8 becomes U+FFFD.
+/// written out ("\n", "\t", "\x1b", "\u009b"), and so is what turns the direction of a text
+/// ("\u202e"); each byte that is no UTF-8 becomes U+FFFD.
 [[nodiscard]] std::string printable(std::string_view bytes);
 
 /// The same of a line of a file: TABs stay, and so does the CR of a line end.
@@ -21,17 +22,21 @@ namespace neb::nebsc {
 /// The colours in which things are shown, as terminals name them.
 enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
 
-/// Whether to colour what goes to the descriptor: it is a terminal that is not "dumb", and the user
-/// has not set NO_COLOR to anything but the empty text.
-[[nodiscard]] bool wantsColour(int descriptor);
+/// When to use them.
+enum class Colours { automatic, always, never };
+
+/// Whether to colour what goes to the descriptor. By itself it is coloured where that is a terminal
+/// that is not "dumb", and the user has not set NO_COLOR to anything but the empty text.
+[[nodiscard]] bool wantsColour(Colours colours, int descriptor);
 
 /// The text between the sequences that switch the colour on and off.
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour);
 
-/// An error as lines for standard error: "nebsc: " and its description (of a longer one the line
-/// that says what happened, and the others below it), the recovery suggestion on a line of its own,
-/// then, indented, the tool's own words where they say more than the description, and the files
-/// that none of it names. Hints that are the suggestion are not repeated.
+/// An error as lines for standard error: "nebsc: " and its description as a sentence, without git's
+/// "fatal: " (of a longer one the line that says what happened, and the others below it), the
+/// recovery suggestion on a line of its own, then, indented, the tool's own words where they say
+/// more than the description, and the files that none of it names. Hints that are the suggestion
+/// are not repeated.
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

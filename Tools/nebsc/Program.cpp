@@ -13,6 +13,11 @@ namespace {
 Reply replyTo(const Call& call) {
     const std::string path = call.plugIn.empty() ? defaultPlugInPath() : call.plugIn;
     const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(path);
+    if (call.command == &doctorCommand) {
+        const Trace trace(call.isTraced);
+        return replyWithDiagnosis({.path = path, .load = load},
+                                  {.trace = trace, .isJSON = call.isJSON, .colours = call.colours});
+    }
     if (!load.plugIn) {
         return refusal(load.failure, exitNotUnderstood);
     }
@@ -21,11 +26,15 @@ Reply replyTo(const Call& call) {
         return refusal("The plug-in \"" + path + "\" has no principal class to give.",
                        exitNotUnderstood);
     }
+    const HostSession session(std::move(controller), call.isTraced);
     if (call.command == nullptr) {
-        return replyWithVersions(*load.plugIn, call.isJSON);
+        return replyWithVersions(*load.plugIn, session.trace(), call.isJSON);
     }
-    const HostSession session(std::move(controller));
-    return call.command->run({session, *call.command, call.arguments, call.isJSON});
+    return call.command->run({.session = session,
+                              .command = *call.command,
+                              .arguments = call.arguments,
+                              .isJSON = call.isJSON,
+                              .colours = call.colours});
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // The commands about the repositories that this one knows by name.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -8,21 +10,14 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
+#include "TextWidth.h"
 
 namespace neb::nebsc {
 
 namespace {
 
 std::string textOf(const NEBDictionary& record, NEBConstant key) {
-    const std::string* text = record.value(key).string();
-    return text == nullptr ? "" : *text;
-}
-
-/// The characters of a well-formed text.
-std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-    }));
+    return std::string(record.value(key).string().value_or(""));
 }
 
 /// A line for each row: the first text, printable, and then the second one, aligned.
@@ -30,13 +25,14 @@ std::string alignedLines(std::vector<std::pair<std::string, std::string>> rows) 
     std::size_t width = 0;
     for (auto& row : rows) {
         row = {printable(row.first), printable(row.second)};
-        width = std::max(width, widthOf(row.first));
+        width = std::max(width, columnsOf(row.first));
     }
     std::string lines;
     for (const auto& [first, second] : rows) {
         lines += first;
         if (!second.empty()) {
-            lines.append(width - widthOf(first) + 2, ' ').append(second);
+            lines.append(width - columnsOf(first) + 2, ' ')
+                .append(fitting(STDOUT_FILENO, width + 2, second));
         }
         lines += '\n';
     }
@@ -166,7 +162,7 @@ protected:
 constexpr Parameter addParameters[] = {
     {"NAME", "What the remote shall be called", Takes::text, Occurs::once},
     {"URL", "Where it is: a URL, HOST:PATH, or a path, which is recorded from the root on",
-     Takes::text, Occurs::once},
+     Takes::location, Occurs::once},
 };
 
 Reply add(const CommandCall& call) {
@@ -204,7 +200,7 @@ protected:
 };
 
 constexpr Parameter removeParameters[] = {
-    {"NAME", "The remote's name", Takes::text, Occurs::once},
+    {"NAME", "The remote's name", Takes::remote, Occurs::once},
 };
 
 Reply remove(const CommandCall& call) {
@@ -232,11 +228,10 @@ public:
 
 protected:
     std::shared_ptr<NEBSourceControlRequest> request() override {
-        auto request = requestOfType(NEBSourceControlRequestListRemoteBranches);
-        if (const auto url = arguments().value("URL")) {
-            request->files.emplace().emplace_back(remoteOrLocation(*url));
-        }
-        return request;
+        const auto url = arguments().value("URL");
+        return url ? requestAbout(NEBSourceControlRequestListRemoteBranchesSecondForm,
+                                  {remoteOrLocation(*url)})
+                   : requestOfType(NEBSourceControlRequestListRemoteBranches);
     }
     void conclude(const Outcome& outcome, Reply& reply) override;
 };
@@ -255,7 +250,7 @@ void BranchesTask::conclude(const Outcome& outcome, Reply& reply) {
 
 constexpr Parameter branchesParameters[] = {
     {"URL", "A remote's name, a URL, HOST:PATH, or a path; unless given, git chooses a remote",
-     Takes::text},
+     Takes::remote},
 };
 
 Reply branches(const CommandCall& call) {
@@ -287,7 +282,7 @@ constexpr const Command* remoteCommands[] = {
 
 constinit const Command remoteCommand{
     .name = "remote",
-    .group = exchangeGroup,
+    .group = remotesGroup,
     .summary = "List, add and remove remotes, and ask them for their branches",
     .details =
         "Examples:\n"

@@ -4,13 +4,13 @@ namespace neb::nebsc {
 
 ReportCapture::ReportCapture() {
     LOMSetAssertionSinkOfThread([this](const LOMAssertionReport& report) {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _reports.push_back(report);
     });
 }
 
 std::vector<LOMAssertionReport> ReportCapture::reports() const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _reports;
 }
 

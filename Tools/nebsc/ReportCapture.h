@@ -5,10 +5,10 @@
 // when it goes.
 #pragma once
 
-#include <mutex>
 #include <vector>
 
 #include "LOMFoundation/LOMAssertion.h"
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
@@ -24,8 +24,8 @@ public:
     [[nodiscard]] std::vector<LOMAssertionReport> reports() const;
 
 private:
-    mutable std::mutex _mutex;
-    std::vector<LOMAssertionReport> _reports;  // guarded by _mutex
+    mutable Mutex _mutex;
+    std::vector<LOMAssertionReport> _reports NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb::nebsc

@@ -40,7 +40,8 @@ WorkingCopyPlace InitTask::findPlace() {
 }
 
 bool InitTask::isRepository(const std::string& folder) {
-    return runGit(interruption(), {"rev-parse", "--resolve-git-dir", folder}, currentFolder())
+    return runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", folder},
+                  currentFolder())
         .status.isSuccess();
 }
 
@@ -77,7 +78,7 @@ void InitTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 }
 
 constexpr Parameter initParameters[] = {
-    {"DIR", "The folder, made where it is missing; unless given, the current one", Takes::path},
+    {"DIR", "The folder, made where it is missing; unless given, the current one", Takes::folder},
     {"--bare", "A repository without a working copy, to push to"},
 };
 
@@ -161,9 +162,9 @@ void CloneTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
 }
 
 constexpr Parameter cloneParameters[] = {
-    {"URL", "A repository: a URL, HOST:PATH, or a path", Takes::text, Occurs::once},
+    {"URL", "A repository: a URL, HOST:PATH, or a path", Takes::location, Occurs::once},
     {"DIR", "The folder, made where it is missing; unless given, one named like the repository",
-     Takes::path},
+     Takes::folder},
     {"--branch", "The branch to check out, unless the repository's own", Takes::text,
      Occurs::optionally, "BRANCH"},
 };
@@ -176,7 +177,7 @@ Reply clone(const CommandCall& call) {
 
 constinit const Command initCommand{
     .name = "init",
-    .group = repositoriesGroup,
+    .group = changeGroup,
     .summary = "Make an empty repository",
     .details =
         "Examples:\n"
@@ -189,7 +190,7 @@ constinit const Command initCommand{
 
 constinit const Command cloneCommand{
     .name = "clone",
-    .group = repositoriesGroup,
+    .group = remotesGroup,
     .summary = "Copy a repository, with its submodules",
     .details =
         "Where it fails or is stopped, nothing is left of a folder that it made.\n\n"

@@ -20,10 +20,12 @@ Reply run(const CommandCall& call) {
     }
     // Not before: until there is a request, a signal may end the reading at once.
     Interruption interruption;
-    const auto runner = call.arguments.has("--dry-run")
-                            ? HostSession::Runner()
-                            : interruptibleRunner(interruption, call.command.activity);
+    std::optional<LifeSign> sign(std::in_place, call.command.activity,
+                                 !call.session.trace().isOn());
+    const auto runner = call.arguments.has("--dry-run") ? HostSession::Runner()
+                                                        : interruptibleRunner(interruption, *sign);
     const Performance performance = call.session.perform(reading.request, runner);
+    sign.reset();
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
@@ -39,7 +41,7 @@ Reply run(const CommandCall& call) {
 }
 
 constexpr Parameter parameters[] = {
-    {"FILE", "The request; unless given, or for -, standard input is read", Takes::text},
+    {"FILE", "The request; unless given, or for -, standard input is read", Takes::pathAsWritten},
     {"--dry-run", "Make the operation, do not run it"},
 };
 
@@ -47,7 +49,7 @@ constexpr Parameter parameters[] = {
 
 constinit const Command requestCommand{
     .name = "request",
-    .group = programsGroup,
+    .group = requestsGroup,
     .summary = "Carry out a request in JSON and print its outcome",
     .details =
         "Examples:\n"

@@ -5,6 +5,7 @@
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 #include "RequestMembers.h"
 
@@ -101,7 +102,8 @@ bool readSourceTree(Refusal& refusal, const Place& place,
         return false;
     }
     tree->location = members.location;
-    tree->name = members.name.value_or(lastPathComponent(members.location.value_or("")));
+    tree->name = members.name.value_or(
+        lastPathComponent(textWithoutPasswords(members.location.value_or(""))));
     tree->reachable = members.reachable;
     tree->isValid = members.isValid;
     return true;
@@ -224,8 +226,8 @@ constexpr Member<NEBSourceControlRequest> requestMembers[] = {
 /// folder nebsc happens to be in, and "~" two folders.
 bool refuseRelativeClone(Refusal& refusal, const NEBSourceControlRequest& request) {
     const NEBValue& destination = request.destination;
-    const bool isRelative = destination.isPresent() && (destination.string() == nullptr ||
-                                                        !destination.string()->starts_with('/'));
+    const bool isRelative =
+        destination.isPresent() && !destination.string().value_or("").starts_with('/');
     if (request.type == NEBSourceControlRequestClone && isRelative) {
         refusal.sentence = subjectAt("destination") + " is \"" +
                            shortened(destination.description()) +

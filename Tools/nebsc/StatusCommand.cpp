@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <filesystem>
 
 #include "CommandTask.h"
@@ -17,9 +15,9 @@ namespace {
 
 std::string lineOfRecord(const NEBDictionary& record, const WorkingCopyPlace& place,
                          bool isColoured) {
-    const std::string* path = record.value(NEBSourceControlOperationPathKey).string();
+    const auto path = record.value(NEBSourceControlOperationPathKey).string();
     const std::string shown =
-        printable(path == nullptr ? std::string() : pathAsSeenFrom(place, *path));
+        printable(path ? pathAsSeenFrom(place, std::string(*path)) : std::string());
     return statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) + shown +
            "\n";
 }
@@ -55,7 +53,7 @@ WorkingCopyPlace StatusTask::findPlace() {
     }
     fs::path asked = paths("PATH").front();
     const auto around = [this](const fs::path& folder) {
-        return findWorkingCopy(interruption(), currentFolder(), folder.string());
+        return findWorkingCopy(interruption(), trace(), currentFolder(), folder.string());
     };
     WorkingCopyPlace place = around(nearestFolder(asked));
     std::error_code ignored;
@@ -79,7 +77,7 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
 }
 
 std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
-    const bool isColoured = wantsColour(STDOUT_FILENO);
+    const bool isColoured = isInColour();
     std::string lines;
     for (const NEBDictionary& record : records) {
         lines += lineOfRecord(record, place(), isColoured);
@@ -118,7 +116,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command statusCommand{
     .name = "status",
-    .group = workingCopyGroup,
+    .group = lookGroup,
     .summary = "Show which files of a working copy have changed",
     .details =
         "Examples:\n"

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 
@@ -6,6 +8,7 @@
 #include "OutcomeJSON.h"
 #include "Presentation.h"
 #include "ReportCapture.h"
+#include "TextWidth.h"
 
 namespace neb::nebsc {
 
@@ -113,7 +116,7 @@ std::string tableOf(const std::vector<Row>& rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
             line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
         }
-        table += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+        table += fitting(STDOUT_FILENO, 0, line.substr(0, line.find_last_not_of(' ') + 1)) + "\n";
     }
     return table;
 }
@@ -144,7 +147,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command typesCommand{
     .name = "types",
-    .group = programsGroup,
+    .group = requestsGroup,
     .summary = "List the types of request and what each needs",
     .details =
         "Examples:\n"

@@ -176,8 +176,8 @@ constexpr Parameter parameters[] = {
     {remoteWord,
      "A remote's name; unless given, what the current branch tracks. With --svn: the reference of "
      "what was fetched, unless it is the configured one",
-     Takes::text},
-    {branchWord, "The remote's branch", Takes::text},
+     Takes::remote},
+    {branchWord, "The remote's branch", Takes::branchOfRemote},
     {"--ff", "Only if there are no commits here that the remote does not have"},
     {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
 };
@@ -190,7 +190,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command updateCommand{
     .name = "update",
-    .group = exchangeGroup,
+    .group = remotesGroup,
     .summary = "Bring the working copy up to date with a remote",
     .details =
         "Fetches, and merges what is new into the current branch. Where both sides have\n"

@@ -6,9 +6,9 @@
 
 namespace neb::nebsc {
 
-Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, bool isJSON) {
+Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace, bool isJSON) {
     Interruption interruption;
-    const ChildOutcome git = runGit(interruption, {"--version"}, std::nullopt);
+    const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
     const std::optional<std::string> gitVersion = answerOf(git);
     Reply reply;
     if (interruption.signalNumber()) {

@@ -57,9 +57,9 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
     return isPath ? *search.path : url;
 }
 
-WorkingCopyPlace findWorkingCopy(Interruption& interruption, const std::string& currentFolder,
-                                 const std::string& folder) {
-    const auto top = workingCopyTop(interruption, folder);
+WorkingCopyPlace findWorkingCopy(Interruption& interruption, const Trace& trace,
+                                 const std::string& currentFolder, const std::string& folder) {
+    const auto top = workingCopyTop(interruption, trace, folder);
     return {.location = top.value_or(folder),
             .currentFolder = currentFolder,
             .isWorkingCopy = top.has_value()};

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Interruption.h"
+#include "Trace.h"
 
 namespace neb::nebsc {
 
@@ -39,7 +40,7 @@ struct PathSearch {
                                              const std::string& url);
 
 /// The working copy in which the folder lies. A git is asked; a signal ends it.
-[[nodiscard]] WorkingCopyPlace findWorkingCopy(Interruption& interruption,
+[[nodiscard]] WorkingCopyPlace findWorkingCopy(Interruption& interruption, const Trace& trace,
                                                const std::string& currentFolder,
                                                const std::string& folder);
 

@@ -37,7 +37,7 @@ protected:
         throw std::invalid_argument(name);
     }
     [[nodiscard]] static std::string contentOf(const NEBSourceControlOperation& operation) {
-        return *operation.result()->front().value(NEBSourceControlOperationContentKey).string();
+        return operation.result()->front().value(NEBSourceControlOperationContentKey).description();
     }
 
     World world;

@@ -286,7 +286,7 @@ TEST_P(Names, BlameIsThatOfTheFile) {
 TEST_P(Names, DiffIsThatOfTheFile) {
     const NEBSourceControlResult records = resultOf(request(30, {path()}));
     ASSERT_THAT(records, SizeIs(1));
-    const std::string text = *records[0].value(NEBSourceControlOperationContentKey).string();
+    const std::string text(records[0].value(NEBSourceControlOperationContentKey).string().value());
     EXPECT_EQ(text, asText(repository->git({"--literal-pathspecs", "-c", "core.quotePath=false",
                                             "diff", "HEAD", "--", name()})));
     EXPECT_THAT(text, HasSubstr("\n-two\n+changed\n"));

@@ -90,7 +90,8 @@ std::string revisionIn(const std::string& output) {
     }
     EXPECT_EQ(operation.result()->size(), 1U);
     EXPECT_EQ(operation.result()->front().size(), 1U);
-    return *operation.result()->front().value(NEBSourceControlOperationRevisionKey).string();
+    return std::string(
+        *operation.result()->front().value(NEBSourceControlOperationRevisionKey).string());
 }
 
 TEST(CommitOutput, HoldsTheRevisionAsItsSecondWord) {
@@ -155,8 +156,8 @@ TEST_F(CommitInRepository, RecordsWhatIsStaged) {
     repository.git({"add", "a"});
     const auto operation = commit(message("Grüße\n\nmore"));
     EXPECT_EQ(operation->error(), std::nullopt);
-    const std::string revision =
-        *operation->result()->front().value(NEBSourceControlOperationRevisionKey).string();
+    const std::string revision(
+        *operation->result()->front().value(NEBSourceControlOperationRevisionKey).string());
     EXPECT_EQ(head().substr(0, revision.size()), revision);
     EXPECT_GE(revision.size(), 7U);
     EXPECT_EQ(repository.git({"log", "-1", "--format=%B"}), "Grüße\n\nmore\n\n");

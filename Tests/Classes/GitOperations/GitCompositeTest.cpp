@@ -22,7 +22,7 @@ using test::TemporaryFolder;
 class Step : public test::ScriptOperation {
 public:
     explicit Step(std::shared_ptr<NEBSourceControlRequest> request)
-        : ScriptOperation(*request->destination.string(), request) {}
+        : ScriptOperation(std::string(*request->destination.string()), request) {}
 };
 
 /// Runs its steps one after another and keeps the first error.

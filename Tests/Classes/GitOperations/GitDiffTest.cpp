@@ -191,11 +191,11 @@ protected:
     [[nodiscard]] std::string content() const {
         const auto operation = run();
         EXPECT_EQ(operation->error(), std::nullopt);
-        return *operation->result()
-                    .value()
-                    .at(0)
-                    .value(NEBSourceControlOperationContentKey)
-                    .string();
+        return operation->result()
+            .value()
+            .at(0)
+            .value(NEBSourceControlOperationContentKey)
+            .description();
     }
     [[nodiscard]] std::vector<std::string> names() const {
         request->options = namesOnly();

@@ -35,7 +35,7 @@ std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& re
     std::vector<std::string> texts;
     for (const NEBDictionary& record : result.value()) {
         EXPECT_EQ(record.size(), 2U);
-        texts.push_back(*record.value(NEBSourceControlOperationNameKey).string() +
+        texts.push_back(record.value(NEBSourceControlOperationNameKey).description() +
                         (*record.value(NEBSourceControlOperationIsLeafKey).boolean() ? "" : "/"));
     }
     return texts;

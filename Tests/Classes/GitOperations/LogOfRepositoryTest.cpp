@@ -46,7 +46,7 @@ protected:
         EXPECT_EQ(operation->error(), std::nullopt);
         std::vector<std::string> messages;
         for (const NEBDictionary& record : operation->result().value()) {
-            messages.push_back(*record.value(NEBSourceControlOperationMessageKey).string());
+            messages.emplace_back(*record.value(NEBSourceControlOperationMessageKey).string());
         }
         return messages;
     }

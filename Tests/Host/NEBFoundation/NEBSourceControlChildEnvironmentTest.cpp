@@ -62,6 +62,7 @@ const Settings pinnedForEveryChild{
     {"i18n.commitEncoding", "UTF-8"},
     {"i18n.logOutputEncoding", "UTF-8"},
     {"core.fsmonitor", "false"},
+    {"protocol.fd.allow", "never"},
     {"merge.stat", "true"},
     {"merge.verbosity", "2"},
     {"fetch.output", "full"},
@@ -140,6 +141,11 @@ TEST(ChildEnvironment, AGitThatMayRunHooksIsToldNoMoreThanItNeeds) {
     const Variables environment = NEBSourceControlChildEnvironment({}, {.mayRunHooks = true});
     EXPECT_EQ(withoutSettings(environment), always);
     EXPECT_EQ(settingsOf(environment), pinnedForEveryChild);
+}
+
+TEST(ChildEnvironment, AnArchiveMayBeForItsOwnerAlone) {
+    const Variables environment = NEBSourceControlChildEnvironment({}, {.archivesForOwner = true});
+    EXPECT_EQ(settingsOf(environment), joined(pinned, {{"tar.umask", "077"}}));
 }
 
 TEST(ChildEnvironment, KeepsTheHostsOwnButForWhatWeSet) {

@@ -381,6 +381,8 @@ const Case cases[] = {
     {"no-upstream", -92, "fatal: No default upstream defined for the current branch."},
     {"remote-unknown", -1, "fatal: No remote configured to list refs from."},
     {"disk-full", -1, "error: Out of diskspace"},
+    {"disk-full", -1, "/usr/bin/tar: a: Wrote only 5632 of 10240 bytes"},
+    {"objects-damaged", -1, "error: bad tree object HEAD"},
     {"credentials-needed", -21,
      "Authentication realm: <svn://127.0.0.1:3690> r\nPassword for 'root': "},
     {"conflict-unresolved", -1, "warning: path 'a' is unmerged\n",

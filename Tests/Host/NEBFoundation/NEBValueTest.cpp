@@ -39,11 +39,52 @@ TEST(Value, IsOfOneKind) {
     EXPECT_EQ(NEBValue("5").integer(), std::nullopt);
     EXPECT_EQ(NEBValue(secondsSince1970(7)).date(), secondsSince1970(7));
     EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).filePath()->pathString(), "/a");
-    EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).string(), nullptr);
+    EXPECT_EQ(NEBValue(LOMFilePath::filePathForPathString("/a")).string(), std::nullopt);
     EXPECT_EQ(NEBValue(NEBDictionary{}).dictionary()->size(), 0U);
     EXPECT_NE(NEBValue(std::make_shared<const Thing>()).object(), nullptr);
     EXPECT_FALSE(NEBValue(std::shared_ptr<const NEBObject>()).isPresent());
     EXPECT_TRUE(NEBValue("").isPresent()) << "empty is not absent";
+}
+
+/// A text stands in the value, or in one block with those who share it, or is the string that came:
+/// which of them shows nowhere.
+TEST(Value, HoldsATextOfAnyLength) {
+    for (const std::size_t length : {0U, 1U, 12U, 13U, 14U, 15U, 4095U, 4096U, 4097U, 1000000U}) {
+        std::string text(length, 'x');
+        if (length > 1) {
+            text[1] = '\0';
+            text.back() = 'e';
+        }
+        const NEBValue fromString{std::string(text)};
+        const NEBValue fromView{std::string_view(text)};
+        EXPECT_TRUE(fromString.isString()) << length;
+        EXPECT_EQ(fromString.string(), text) << length;
+        EXPECT_EQ(fromView.string(), text) << length;
+        EXPECT_EQ(fromString, fromView) << length;
+        EXPECT_NE(fromString, NEBValue(text + "y")) << length;
+
+        NEBValue copy = fromString;
+        EXPECT_EQ(copy, fromView) << length;
+        const NEBValue moved = std::move(copy);
+        EXPECT_EQ(moved.string(), text) << length;
+
+        NEBDictionary dictionary;
+        dictionary.setWithSharedKey(fromView, 1);
+        dictionary.set(text + "z", fromString);
+        const NEBDictionary another = dictionary;
+        dictionary.set(text, 2);
+        EXPECT_EQ(another.value(text), NEBValue(1)) << length;
+        EXPECT_EQ(dictionary.value(text), NEBValue(2)) << length;
+        EXPECT_EQ(another.value(text + "z").string(), text) << length;
+    }
+}
+
+TEST(Value, KeepsALongStringWithoutACopy) {
+    std::string text(100000, 'x');
+    const char* characters = text.data();
+    const NEBValue value(std::move(text));
+    EXPECT_EQ(value.string()->data(), characters);
+    EXPECT_EQ(NEBValue(value).string()->data(), characters);
 }
 
 TEST(Value, IsABooleanAsPeopleWriteThem) {

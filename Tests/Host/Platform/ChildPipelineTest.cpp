@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <filesystem>
@@ -99,6 +100,51 @@ TEST_F(ChildCancellation, GivesTheChildItsChanceToCleanUp) {
                      folder.path("ready"));
     EXPECT_EQ(outcomes[0].status.exitStatus(), 9);
     EXPECT_FALSE(std::filesystem::exists(lock));
+}
+
+/// A program that git's own name is given to: it opens a lock, and is no more in the moment in
+/// which it would have noted it.
+class EndedWhileItMakesALock : public ChildCancellation {
+protected:
+    EndedWhileItMakesALock() {
+        std::filesystem::create_directories(folder.path("w/.git/objects"));
+        folder.write("w/.git/HEAD", "ref: refs/heads/main\n");
+        std::filesystem::copy_file("/bin/bash", folder.path("git"));
+    }
+    /// What is left of the file, whose lock the program holds open when it is cancelled.
+    [[nodiscard]] bool stays(const std::string& lock, const std::string& thenDo = "") const {
+        const std::string ready = folder.path("ready" + std::to_string(lock.size()));
+        runAndCancel({program(folder.path("git"),
+                              {"-c", "exec 9>'" + folder.path(lock) + "'; " + thenDo + "echo >'" +
+                                         ready + "'; read -t 1000 <>'" + fifo() + "'"})},
+                     ready);
+        return std::filesystem::exists(folder.path(lock));
+    }
+    [[nodiscard]] std::string fifo() const {
+        static_cast<void>(::mkfifo(folder.path("fifo").c_str(), 0600));
+        return folder.path("fifo");
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(EndedWhileItMakesALock, AGitLeavesNone) {
+    EXPECT_FALSE(stays("w/.git/index.lock"));
+    std::filesystem::create_directories(folder.path("w/.git/refs/heads/deep"));
+    EXPECT_FALSE(stays("w/.git/refs/heads/deep/topic.lock"));
+}
+
+TEST_F(EndedWhileItMakesALock, WhatIsNoSuchLockStays) {
+    EXPECT_TRUE(stays("w/Cargo.lock")) << "a file of the working copy";
+    EXPECT_TRUE(stays("w/.git/index.loc")) << "no lock";
+    EXPECT_TRUE(stays("w/.git/written.lock", "echo x >&9; ")) << "git knows it by now";
+    EXPECT_TRUE(stays("w/.git/replaced.lock", "rm '" + folder.path("w/.git/replaced.lock") +
+                                                  "'; : >'" + folder.path("w/.git/replaced.lock") +
+                                                  "'; "))
+        << "another git's, under the same name";
+    folder.write("w/.git/other.lock", "");
+    EXPECT_FALSE(stays("w/.git/our.lock"));
+    EXPECT_TRUE(std::filesystem::exists(folder.path("w/.git/other.lock"))) << "another git's";
 }
 
 TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <nlohmann/json.hpp>
+
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
@@ -40,10 +41,10 @@ public:
 
 private:
     const nlohmann::ordered_json _id;
-    mutable std::mutex _mutex;
-    std::function<void()> _cancel;  // guarded by _mutex, as is what follows
-    bool _isCancelled = false;
-    bool _hasBegun = false;
+    mutable Mutex _mutex;
+    std::function<void()> _cancel NEB_GUARDED_BY(_mutex);
+    bool _isCancelled NEB_GUARDED_BY(_mutex) = false;
+    bool _hasBegun NEB_GUARDED_BY(_mutex) = false;
 };
 
 }  // namespace neb::nebsc

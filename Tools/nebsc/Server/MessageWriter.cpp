@@ -19,7 +19,7 @@ MessageWriter::MessageWriter(int descriptor, std::function<void()> lost)
 
 MessageWriter::~MessageWriter() {
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _isEnding = true;
     }
     _wake.wake();
@@ -29,7 +29,7 @@ MessageWriter::~MessageWriter() {
 
 void MessageWriter::send(std::string_view content) {
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         if (_isLost) {
             return;
         }
@@ -40,16 +40,17 @@ void MessageWriter::send(std::string_view content) {
 }
 
 std::size_t MessageWriter::waitingBytes() const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _waitingBytes;
 }
 
 bool MessageWriter::finish(std::chrono::milliseconds patience) {
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     while (_waitingBytes > 0 && !_isLost) {
         const std::size_t former = _waitingBytes;
         const bool hasMoved = _changed.wait_for(
-            lock, patience, [this, former] { return _waitingBytes < former || _isLost; });
+            lock, patience,
+            [this, former]() NEB_REQUIRES(_mutex) { return _waitingBytes < former || _isLost; });
         if (!hasMoved) {
             return false;
         }
@@ -58,9 +59,10 @@ bool MessageWriter::finish(std::chrono::milliseconds patience) {
 }
 
 void MessageWriter::write() {
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     while (true) {
-        _changed.wait(lock, [this] { return _isEnding || !_messages.empty(); });
+        _changed.wait(lock,
+                      [this]() NEB_REQUIRES(_mutex) { return _isEnding || !_messages.empty(); });
         if (_isEnding) {
             return;
         }
@@ -107,7 +109,7 @@ bool MessageWriter::writeOne(std::string_view message) {
         if (count > 0) {
             message.remove_prefix(static_cast<std::size_t>(count));
             {
-                const std::lock_guard lock(_mutex);
+                const MutexLock lock(_mutex);
                 _waitingBytes -= static_cast<std::size_t>(count);
             }
             _changed.notify_all();

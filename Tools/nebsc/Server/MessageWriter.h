@@ -10,14 +10,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
 
+#include "Platform/Mutex.h"
 #include "Wake.h"
 
 namespace neb::nebsc {
@@ -50,12 +49,12 @@ private:
     const int _descriptor;
     const std::function<void()> _lost;
     Wake _wake;  // of a writer that waits for the reader
-    mutable std::mutex _mutex;
-    std::condition_variable _changed;
-    std::deque<std::string> _messages;  // guarded by _mutex, as is what follows
-    std::size_t _waitingBytes = 0;
-    bool _isEnding = false;
-    bool _isLost = false;
+    mutable Mutex _mutex;
+    Condition _changed;
+    std::deque<std::string> _messages NEB_GUARDED_BY(_mutex);
+    std::size_t _waitingBytes NEB_GUARDED_BY(_mutex) = 0;
+    bool _isEnding NEB_GUARDED_BY(_mutex) = false;
+    bool _isLost NEB_GUARDED_BY(_mutex) = false;
     std::thread _thread;
 };
 

@@ -21,7 +21,7 @@ ProgressReports::ProgressReports(std::function<void(const std::string&)> send)
 
 ProgressReports::~ProgressReports() {
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _isEnding = true;
     }
     _changed.notify_one();
@@ -33,7 +33,7 @@ ProgressReports::Work::Work(ProgressReports& reports, nlohmann::ordered_json tok
     : _reports(reports) {
     const Clock::time_point now = Clock::now();
     {
-        const std::lock_guard lock(reports._mutex);
+        const MutexLock lock(reports._mutex);
         reports._entries.push_back({.token = std::move(token),
                                     .title = std::move(title),
                                     .start = now,
@@ -44,7 +44,7 @@ ProgressReports::Work::Work(ProgressReports& reports, nlohmann::ordered_json tok
 }
 
 ProgressReports::Work::~Work() {
-    const std::lock_guard lock(_reports._mutex);
+    const MutexLock lock(_reports._mutex);
     if (_entry->hasBegun) {
         _reports.report(_entry->token, {{"kind", "end"}});
     }
@@ -69,7 +69,7 @@ void ProgressReports::tellOf(Entry& entry, Clock::time_point now) const {
 }
 
 void ProgressReports::watch() {
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     while (!_isEnding) {
         if (_entries.empty()) {
             _changed.wait(lock);

@@ -6,13 +6,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <list>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
+
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
@@ -57,10 +57,10 @@ private:
     void tellOf(Entry& entry, Clock::time_point now) const;
 
     const std::function<void(const std::string&)> _send;
-    std::mutex _mutex;
-    std::condition_variable _changed;
-    std::list<Entry> _entries;  // guarded by _mutex, as is what follows
-    bool _isEnding = false;
+    Mutex _mutex;
+    Condition _changed;
+    std::list<Entry> _entries NEB_GUARDED_BY(_mutex);
+    bool _isEnding NEB_GUARDED_BY(_mutex) = false;
     std::thread _thread;
 };
 

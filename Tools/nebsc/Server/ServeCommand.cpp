@@ -22,7 +22,7 @@ Reply run(const CommandCall& call) {
 
 constinit const Command serveCommand{
     .name = "serve",
-    .group = programsGroup,
+    .group = requestsGroup,
     .summary = "Serve requests over JSON-RPC, as language servers do",
     .details =
         "Speaks JSON-RPC 2.0 on standard input and output, each message behind a\n"

@@ -193,10 +193,10 @@ void Server::initialize(RPCMessage& message) {
         return;
     }
     _state = State::initialized;
-    start(message, std::nullopt, [](Job& job) {
+    start(message, std::nullopt, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
-        const auto version = answerOf(runGit(git, {"--version"}, std::nullopt));
+        const auto version = answerOf(runGit(git, _session.trace(), {"--version"}, std::nullopt));
         return rpcResult(job.id(), {{"capabilities", JSON::object()},
                                     {"serverInfo", {{"name", "nebsc"}, {"version", NEBSC_VERSION}}},
                                     {"contractVersion", NEBSourceControlContractVersion},
@@ -261,7 +261,7 @@ void Server::cancelRequest(RPCMessage& message) {
     }
     std::shared_ptr<Job> job;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         const auto entry = _jobs.find(key->dump());
         job = entry != _jobs.end() ? entry->second : nullptr;
     }
@@ -286,7 +286,7 @@ void Server::start(const RPCMessage& message, std::optional<std::string> place,
                    std::function<std::string(Job&)> answer) {
     const auto job = std::make_shared<Job>(*message.id);
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         if (!_jobs.try_emplace(message.id->dump(), job).second) {
             refuse(message, RPCErrorCode::invalidRequest,
                    "A request with the id " + message.id->dump() + " is still worked at.");
@@ -309,7 +309,7 @@ void Server::start(const RPCMessage& message, std::optional<std::string> place,
 
 void Server::finish(Job& job, const std::string& answer) {
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _jobs.erase(job.id().dump());
     }
     _writer->send(answer);
@@ -325,7 +325,7 @@ void Server::cancel(Job& job) {
 void Server::cancelAll() {
     std::map<std::string, std::shared_ptr<Job>> jobs;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         jobs = _jobs;
     }
     for (const auto& [id, job] : jobs) {
@@ -334,7 +334,7 @@ void Server::cancelAll() {
 }
 
 bool Server::mayReadOn() {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     return _jobs.size() < mostJobs && _writer->waitingBytes() < mostWaitingBytes;
 }
 

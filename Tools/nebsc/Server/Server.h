@@ -8,7 +8,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -17,6 +16,7 @@
 #include "Job.h"
 #include "MessageFrames.h"
 #include "MessageWriter.h"
+#include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
 #include "ProgressReports.h"
 #include "RPCMessage.h"
@@ -83,8 +83,8 @@ private:
     MessageFrames _frames{longestMessage};
     Wake _wake;
 
-    std::mutex _mutex;
-    std::map<std::string, std::shared_ptr<Job>> _jobs;  // by id; guarded by _mutex
+    Mutex _mutex;
+    std::map<std::string, std::shared_ptr<Job>> _jobs NEB_GUARDED_BY(_mutex);  // by id
 
     // In the order in which each needs those before it.
     std::unique_ptr<MessageWriter> _writer;

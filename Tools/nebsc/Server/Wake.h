@@ -1,29 +1,36 @@
 // Wake.h - ends a wait in poll(), from another thread.
 #pragma once
 
-#include <mutex>
+#include <utility>
 
 #include "Platform/FileDescriptor.h"
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
 class Wake {
 public:
-    Wake() { static_cast<void>(openPipe(_pipe, PipeSize::ordinary)); }
+    Wake() {
+        Pipe pipe;
+        static_cast<void>(openPipe(pipe, PipeSize::ordinary));
+        _readEnd = std::move(pipe.readEnd);
+        _writeEnd = std::move(pipe.writeEnd);
+    }
 
     /// What poll() finds readable (POLLIN or POLLHUP) from the first wake() on; -1, at which poll()
     /// does not look, where the system had no pipe to give.
-    [[nodiscard]] int descriptor() const { return _pipe.readEnd.get(); }
+    [[nodiscard]] int descriptor() const { return _readEnd.get(); }
 
     /// From any thread, any number of times.
     void wake() {
-        const std::lock_guard lock(_mutex);
-        _pipe.writeEnd.close();
+        const MutexLock lock(_mutex);
+        _writeEnd.close();
     }
 
 private:
-    std::mutex _mutex;
-    Pipe _pipe;  // its write end is guarded by _mutex; its closing is the message
+    Mutex _mutex;
+    FileDescriptor _readEnd;
+    FileDescriptor _writeEnd NEB_GUARDED_BY(_mutex);  // its closing is the message
 };
 
 }  // namespace neb::nebsc

@@ -78,7 +78,7 @@ void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void(
     }
     bool isFirst = false;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         auto& waiting = _waiting[*place];
         isFirst = waiting.empty();
         waiting.push_back(std::move(work));
@@ -93,14 +93,14 @@ void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void(
 void WorkingCopyOrder::runNext(const std::string& place) {
     std::function<void()> work;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         work = std::move(_waiting[place].front());
     }
     work();
     work = nullptr;
     bool isAnyLeft = false;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         auto& waiting = _waiting[place];
         waiting.pop_front();
         isAnyLeft = !waiting.empty();

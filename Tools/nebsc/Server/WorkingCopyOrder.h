@@ -8,11 +8,11 @@
 #include <deque>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 
 #include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
 
 namespace neb::nebsc {
@@ -35,9 +35,9 @@ private:
     void runNext(const std::string& place);
 
     OperationQueue& _queue;
-    std::mutex _mutex;
-    /// The work of each place, the one that runs in front. Guarded by _mutex.
-    std::map<std::string, std::deque<std::function<void()>>> _waiting;
+    Mutex _mutex;
+    /// The work of each place, the one that runs in front.
+    std::map<std::string, std::deque<std::function<void()>>> _waiting NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb::nebsc

@@ -1,0 +1,174 @@
+// Operations of every kind, cancelled at random moments of their lives: whatever they were doing,
+// nothing of theirs is left.
+//
+//   NEB_CANCELLATIONS=1000 NEB_SEED=1 build/tsan/bin/fault_tests --gtest_filter='Cancellation*'
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "Classes/Configuration/RequestMatrix.h"
+#include "Support/HygienicTest.h"
+#include "Support/RequestRun.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+using testing::IsEmpty;
+
+unsigned long numberInEnvironment(const char* name, unsigned long otherwise) {
+    const char* text = std::getenv(name);
+    return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
+}
+
+/// A world that is prepared for a request, in which temporary files have a folder of their own.
+class Place {
+public:
+    explicit Place(const RequestCase& requestCase)
+        : _requestCase(requestCase), _formerFolder(fs::temp_directory_path()) {
+        static_cast<void>(preparedRequest(_world, requestCase));
+        fs::copy(_world.path(), _asPrepared.path("world"), copying);
+        ::setenv("TMPDIR", _world.path("tmp").c_str(), 1);
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+    ~Place() { ::setenv("TMPDIR", _formerFolder.c_str(), 1); }
+
+    /// Everything as it was prepared, and the request.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> restored() const {
+        for (const auto& entry : fs::directory_iterator(_world.path())) {
+            fs::remove_all(entry.path());
+        }
+        fs::copy(_asPrepared.path("world"), _world.path(), copying);
+        auto request = requestFor(_requestCase.type, _world.repository());
+        _requestCase.fill(_world, *request);
+        return request;
+    }
+
+    /// Locks of git, drafts of copies, temporary files of ours.
+    [[nodiscard]] std::vector<std::string> leftOvers() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::recursive_directory_iterator(_world.path())) {
+            const std::string name = entry.path().filename().string();
+            const bool isTemporary = entry.path().parent_path() == _world.path("tmp");
+            if (name.ends_with(".lock") || name.starts_with(".copy-") || isTemporary) {
+                names.push_back(entry.path().string());
+            }
+        }
+        return names;
+    }
+
+private:
+    static constexpr auto copying = fs::copy_options::recursive | fs::copy_options::copy_symlinks;
+
+    const RequestCase& _requestCase;
+    const std::string _formerFolder;
+    const World _world;
+    const TemporaryFolder _asPrepared;
+};
+
+/// How many there are, unless the environment says so: all that were asked for where a race would
+/// show.
+#if defined(__SANITIZE_THREAD__)
+constexpr unsigned long byDefault = 1000;
+#else
+constexpr unsigned long byDefault = 200;
+#endif
+constexpr unsigned long parts = 10;
+
+/// One of several parts of the cancellations, which run side by side.
+class Cancellation : public HygienicTest, public testing::WithParamInterface<unsigned long> {
+protected:
+    /// Each time a whole repository is made anew, which a disk may take a second for.
+    void SetUp() override {
+        HygienicTest::SetUp();
+        if (fs::is_directory(inMemory)) {
+            _formerFolder = fs::temp_directory_path();
+            ::setenv("TMPDIR", inMemory, 1);
+        }
+    }
+    void TearDown() override {
+        if (!_formerFolder.empty()) {
+            ::setenv("TMPDIR", _formerFolder.c_str(), 1);
+        }
+        HygienicTest::TearDown();
+    }
+
+    /// Runs the request's operation and cancels it after a while, from another thread.
+    static std::shared_ptr<NEBSourceControlOperation> runAndCancel(
+        const std::shared_ptr<NEBSourceControlRequest>& request, nanoseconds after) {
+        const auto operation = GitController().operationForRequest(request);
+        operation->setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
+        std::atomic<bool> begun = false;
+        std::thread canceller([&] {
+            while (!begun) {
+                std::this_thread::yield();
+            }
+            std::this_thread::sleep_for(after);
+            operation->cancel();
+        });
+        begun = true;
+        operation->start();
+        canceller.join();
+        return operation;
+    }
+
+private:
+    static constexpr const char* inMemory = "/dev/shm";
+
+    std::string _formerFolder;
+};
+
+TEST_P(Cancellation, AtAnyMomentLeavesNothing) {
+    const unsigned long count = numberInEnvironment("NEB_CANCELLATIONS", byDefault) / parts;
+    const unsigned long seed = numberInEnvironment("NEB_SEED", std::random_device()());
+    std::printf("%lu cancellations, NEB_SEED=%lu\n", count, seed);
+    std::mt19937_64 random(seed + GetParam());
+    const std::vector<RequestCase>& matrix = requestMatrix();
+    unsigned long cancelled = 0;
+    std::size_t next = random() % matrix.size();
+    for (unsigned long done = 0; done < count; next = (next + 1) % matrix.size()) {
+        const Place place(matrix[next]);
+        // How long the request takes when nobody disturbs it; the first time it takes longer.
+        static_cast<void>(perform(place.restored()));
+        const auto begin = steady_clock::now();
+        static_cast<void>(perform(place.restored()));
+        const nanoseconds span = steady_clock::now() - begin;
+        const std::set<std::string> descriptors = openDescriptors();
+        for (int i = 0; i < 20 && done < count; ++i, ++done) {
+            const auto request = place.restored();
+            const nanoseconds after(
+                static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(span.count() + 1)));
+            SCOPED_TRACE(matrix[next].name + " after " + std::to_string(after.count()) + " ns");
+            const auto operation = runAndCancel(request, after);
+            if (operation->isCancelled() && operation->error() &&
+                operation->error()->errorClass == "cancelled") {
+                ++cancelled;
+            }
+            ASSERT_TRUE(operation->isFinished());
+            ASSERT_EQ(openDescriptors(), descriptors);
+            ASSERT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+            if (operation->error()) {  // else an export's temporary file is its result
+                ASSERT_THAT(place.leftOvers(), IsEmpty());
+            }
+        }
+    }
+    std::printf("%lu of them were cancelled before their end\n", cancelled);
+    // Of a few, all may come too late on a busy machine.
+    EXPECT_TRUE(cancelled > 0 || count < 100);
+}
+
+INSTANTIATE_TEST_SUITE_P(Part, Cancellation, testing::Range(0UL, parts));
+
+}  // namespace
+}  // namespace neb::test

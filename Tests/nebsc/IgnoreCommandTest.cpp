@@ -1,0 +1,80 @@
+// `nebsc ignore`, run as a program; what is ignored is asked of git itself.
+
+#include <fstream>
+#include <iterator>
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+class IgnoreCommand : public CommandTest {
+protected:
+    void SetUp() override { repository.commitFile("a.c", "first\n"); }
+    [[nodiscard]] std::string list() const { return readFile(repository.path(".gitignore")); }
+};
+
+TEST_F(IgnoreCommand, LeavesFilesAndFoldersOutOfTheStatus) {
+    repository.write("build/x.o", "");
+    repository.write("src/notes.txt", "");
+    expectDone(
+        nebsc({"ignore", "../build", "notes.txt", "later"}, "src"),
+        "Added to the list \"../.gitignore\":\n    /build/\n    /src/notes.txt\n    /src/later\n");
+    EXPECT_EQ(list(), "/build/\n/src/notes.txt\n/src/later\n");
+    repository.write("src/later", "");
+    EXPECT_EQ(state(), "?? .gitignore\n");
+    expectDone(nebsc({"ignore", "build"}), "It is ignored already.\n");
+    EXPECT_EQ(list(), "/build/\n/src/notes.txt\n/src/later\n");
+}
+
+TEST_F(IgnoreCommand, TakesNamesForNamesNotForPatterns) {
+    for (const char* name : {"x[1]", "x1", "s*", "star", "q?", "qq", "b\\s", "end ", "#a", "!b"}) {
+        repository.write(name, "");
+        if (name != std::string("x1") && name != std::string("star") && name != std::string("qq")) {
+            EXPECT_EQ(nebsc({"ignore", name}).exitStatus, 0);
+        }
+    }
+    EXPECT_EQ(state(), "?? .gitignore\n?? qq\n?? star\n?? x1\n");
+}
+
+TEST_F(IgnoreCommand, KeepsWhatTheListHolds) {
+    repository.write(".gitignore", "*.o");
+    repository.write("b", "");
+    EXPECT_EQ(nebsc({"ignore", "b"}).exitStatus, 0);
+    EXPECT_EQ(list(), "*.o\n/b\n");
+}
+
+TEST_F(IgnoreCommand, RefusesWhatItCannotDo) {
+    expectFailed(nebsc({"ignore", "a.c"}),
+                 StartsWith("nebsc: \"a.c\" is tracked, so its changes cannot be ignored.\n"));
+    expectFailed(nebsc({"ignore", "."}), "nebsc: The whole working copy cannot be ignored.\n");
+    expectFailed(nebsc({"ignore", "b", "../x"}), HasSubstr("lies outside the working copy"));
+    expectFailed(nebsc({"ignore", "a\nb"}), HasSubstr("holds a line end"));
+    EXPECT_FALSE(isThere(".gitignore"));
+    const TemporaryFolder plain;
+    EXPECT_EQ(runNebsc({"ignore", "x"}, {.folder = plain.path()}).exitStatus, 1);
+}
+
+TEST_F(IgnoreCommand, WritesToNothingButAFileOfItsOwn) {
+    const TemporaryFolder elsewhere;
+    const std::string target = elsewhere.write("target", "mine\n");
+    fs::create_symlink(target, repository.path(".gitignore"));
+    expectFailed(nebsc({"ignore", "b"}), HasSubstr("could not be written"));
+    EXPECT_EQ(elsewhere.read("target"), "mine\n");
+    const auto outcome = nebsc({"ignore", "b", "--json"});
+    EXPECT_EQ(outcome.json()["type"], 4);
+    EXPECT_EQ(outcome.json()["error"]["domain"], "NEBPOSIXErrorDomain");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,149 @@
+#include "RepositoryNames.h"
+
+#include <algorithm>
+#include <map>
+
+#include "BranchTask.h"
+#include "Deadline.h"
+#include "GitProgram.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Text.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// A shell must not wait longer than a person does.
+constexpr std::chrono::seconds longestWait{1};
+
+constexpr const char* branchPrefix = "refs/heads/";
+constexpr const char* tagPrefix = "refs/tags/";
+constexpr const char* remotePrefix = "refs/remotes/";
+
+std::string textOf(const NEBDictionary& record, NEBConstant key) {
+    return std::string(record.value(key).string().value_or(""));
+}
+
+/// A remote's own HEAD stands for one of the branches that are there anyway.
+bool isHEADOfRemote(std::string_view reference) {
+    return reference.starts_with(remotePrefix) && reference.ends_with("/HEAD");
+}
+
+}  // namespace
+
+RepositoryNames::RepositoryNames(const HostSession& session)
+    : _session(session),
+      _end(std::chrono::steady_clock::now() + longestWait),
+      _folder(findCurrentFolder().path.value_or("/")) {}
+
+// ---- questions --------------------------------------------------------------------------------
+
+NEBSourceControlResult RepositoryNames::recordsOf(std::int32_t type) {
+    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
+    tree->location = _folder;
+    auto request = NEBSourceControlRequest::initWithType(type, tree, std::nullopt, std::nullopt);
+    request->repositoryToAuthenticate = tree;
+    const Performance performance =
+        _session.perform(request, [this](NEBSourceControlOperation& operation) {
+            const auto cancel = [&operation] { operation.cancel(); };
+            const Interruption::Work work(_interruption, cancel);
+            const Deadline deadline(_end, cancel);
+            operation.start();
+        });
+    return performance.outcome && !performance.outcome->error
+               ? performance.outcome->result.value_or(NEBSourceControlResult{})
+               : NEBSourceControlResult{};
+}
+
+std::string RepositoryNames::outputOf(std::vector<std::string> arguments) {
+    ChildProcess process;
+    const auto cancel = [&process] { process.cancel(); };
+    const Interruption::Work work(_interruption, cancel);
+    const Deadline deadline(_end, cancel);
+    const ChildOutcome outcome = runGit(process, _session.trace(), std::move(arguments), _folder);
+    return outcome.status.isSuccess() ? outcome.output : "";
+}
+
+/// The names without the prefix, in the order of the prefixes.
+std::vector<NameInRepository> RepositoryNames::referencesBelow(
+    const std::vector<std::string>& prefixes) {
+    static const std::map<std::string_view, const char*> kinds{
+        {branchPrefix, "branch"}, {tagPrefix, "tag"}, {remotePrefix, "branch of a remote"}};
+    std::vector<std::string> question{"for-each-ref", "--format=%(refname)"};
+    question.insert(question.end(), prefixes.begin(), prefixes.end());
+    const std::string output = outputOf(std::move(question));
+    std::vector<NameInRepository> names;
+    for (const std::string& prefix : prefixes) {
+        const auto kind = kinds.find(prefix);
+        forEachPiece(output, '\n', [&](std::string_view reference) {
+            if (reference.starts_with(prefix) && !isHEADOfRemote(reference)) {
+                names.push_back({std::string(reference.substr(prefix.size())),
+                                 kind == kinds.end() ? "" : kind->second});
+            }
+        });
+    }
+    return names;
+}
+
+// ---- answers ----------------------------------------------------------------------------------
+
+std::vector<NameInRepository> RepositoryNames::branches() {
+    std::vector<NameInRepository> names;
+    for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestListBranches)) {
+        if (std::string name = branchNameOf(record); !name.empty()) {
+            names.push_back({std::move(name), "branch"});
+        }
+    }
+    return names;
+}
+
+std::vector<NameInRepository> RepositoryNames::revisions() {
+    auto names = referencesBelow({branchPrefix, tagPrefix, remotePrefix});
+    if (!names.empty()) {
+        names.push_back({"HEAD", "the latest commit"});
+    }
+    return names;
+}
+
+/// Each stands in two records, for what is fetched and for what is pushed.
+std::vector<NameInRepository> RepositoryNames::remotes() {
+    std::vector<NameInRepository> names;
+    for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestListRemotes)) {
+        const std::string name = textOf(record, NEBSourceControlOperationRemoteNameKey);
+        const bool isKnown =
+            std::any_of(names.begin(), names.end(),
+                        [&name](const NameInRepository& other) { return other.name == name; });
+        const bool isBridge = record.value(NEBSourceControlOperationUsesGitSVNKey).isPresent();
+        if (!name.empty() && !isKnown && !isBridge) {
+            names.push_back({name, textOf(record, NEBSourceControlOperationRemoteOriginKey)});
+        }
+    }
+    return names;
+}
+
+/// The listing of the remotes ends a URL at its first blank.
+std::vector<NameInRepository> RepositoryNames::locations() {
+    std::vector<NameInRepository> names;
+    for (const std::string& setting :
+         textsBetweenNULs(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
+        const std::size_t lineEnd = setting.find('\n');
+        if (lineEnd != std::string::npos) {
+            constexpr std::string_view head = "remote.";
+            constexpr std::string_view end = ".url";
+            names.push_back({setting.substr(lineEnd + 1),
+                             setting.substr(head.size(), lineEnd - head.size() - end.size())});
+        }
+    }
+    return names;
+}
+
+std::vector<NameInRepository> RepositoryNames::remoteBranches() {
+    return referencesBelow({remotePrefix});
+}
+
+std::vector<NameInRepository> RepositoryNames::branchesOf(const std::string& remote) {
+    return remote.empty() ? std::vector<NameInRepository>{}
+                          : referencesBelow({remotePrefix + remote + "/"});
+}
+
+}  // namespace neb::nebsc

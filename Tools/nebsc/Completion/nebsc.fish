@@ -1,0 +1,26 @@
+# nebsc.fish - completes the words of nebsc in fish; what they can become, nebsc itself says.
+
+function __nebsc_complete
+    set -l words (commandline -opc)
+    set -l program $words[1]
+    string match -q '*/*' -- "$program"; or set program nebsc
+    set -e words[1]
+    set -l typed (commandline -ct)
+    set -l word (string unescape -- "$typed"; or printf '%s\n' "$typed")
+    set -l answer ($program complete -- $words "$word" 2>/dev/null)
+    set -l head (string match -r -- '^--[^=]*=' "$typed")
+    set -l path (string replace -r -- '^--[^=]*=' '' "$typed")
+    switch "$answer[1]"
+        case files
+            for line in (__fish_complete_path "$path")
+                printf '%s%s\n' "$head" "$line"
+            end
+        case folders
+            for line in (__fish_complete_directories "$path" '')
+                printf '%s%s\n' "$head" "$line"
+            end
+    end
+    test (count $answer) -gt 1; and printf '%s\n' $answer[2..-1]
+end
+
+complete -c nebsc -f -a '(__nebsc_complete)'

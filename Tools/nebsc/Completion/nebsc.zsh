@@ -1,0 +1,36 @@
+#compdef nebsc
+# nebsc.zsh - completes the words of nebsc in zsh; what they can become, nebsc itself says.
+
+_nebsc() {
+    local program=${(Q)words[1]/#\~\//$HOME/}
+    [[ $program == */* ]] || program=nebsc
+    local -a answer described
+    answer=("${(@f)$("$program" complete -- "${(@Q)words[2,CURRENT-1]}" "${(Q)PREFIX}" 2>/dev/null)}")
+    local line name
+    for line in "${(@)answer[2,-1]}"; do
+        name=${line%%$'\t'*}
+        if [[ $line == *$'\t'* ]]; then
+            described+=("${name//:/\\:}:${line#*$'\t'}")
+        else
+            described+=("${name//:/\\:}")
+        fi
+    done
+    local found=1
+    (($#described)) && _describe -V nebsc described && found=0
+    if [[ $answer[1] == files || $answer[1] == folders ]]; then
+        [[ $PREFIX == --*=* ]] && compset -P '--*='
+        if [[ $answer[1] == files ]]; then
+            _files && found=0
+        else
+            _files -/ && found=0
+        fi
+    fi
+    return found
+}
+
+# Loaded by compinit this file is the function's body; sourced, it defines it.
+if [[ $funcstack[1] == _nebsc ]]; then
+    _nebsc "$@"
+else
+    compdef _nebsc nebsc
+fi

@@ -1,0 +1,425 @@
+#include "Diagnosis.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "Deadline.h"
+#include "GitProgram.h"
+#include "LOMFoundation/LOMDeveloperPaths.h"
+#include "LockFiles.h"
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "Platform/PathString.h"
+#include "Presentation.h"
+#include "ShellText.h"
+#include "WorkingCopyPlace.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr auto timeForEachGit = std::chrono::seconds(5);
+/// Between two programs of one git, nobody may have its lock open.
+constexpr auto ageOfFreshLock = std::chrono::seconds(10);
+
+struct Version {
+    int major = 0;
+    int minor = 0;
+
+    bool operator<(const Version& other) const {
+        return std::pair(major, minor) < std::pair(other.major, other.minor);
+    }
+};
+
+/// What is used of git, and since when there is that.
+struct Feature {
+    Version since;
+    std::string_view name;
+};
+
+constexpr std::array<Feature, 4> features{{
+    {{2, 24}, "\"--end-of-options\", which keeps names from being options"},
+    {{2, 26}, "the origin of each setting"},
+    {{2, 31}, "settings for one call, in the environment"},
+    {{2, 31}, "absolute paths of a repository's folders"},
+}};
+
+std::string textOf(const Version& version) {
+    return std::to_string(version.major) + "." + std::to_string(version.minor);
+}
+
+/// Absent for what is no version of git.
+std::optional<Version> versionIn(std::string_view text) {
+    constexpr std::string_view start = "git version ";
+    if (!text.starts_with(start)) {
+        return std::nullopt;
+    }
+    text.remove_prefix(start.size());
+    const char* end = text.data() + text.size();
+    Version version;
+    const auto major = std::from_chars(text.data(), end, version.major);
+    if (major.ec != std::errc() || major.ptr == end || *major.ptr != '.') {
+        return std::nullopt;
+    }
+    const auto minor = std::from_chars(major.ptr + 1, end, version.minor);
+    return minor.ec == std::errc() ? std::optional(version) : std::nullopt;
+}
+
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+bool isProgram(const std::string& path) {
+    struct stat attributes {};
+    return ::stat(path.c_str(), &attributes) == 0 && S_ISREG(attributes.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+/// Whether a program of the name is in one of the folders, which ":" separates.
+bool isProgramIn(std::string_view folders, const std::string& name) {
+    while (!folders.empty()) {
+        const std::string_view folder = folders.substr(0, folders.find(':'));
+        if (!folder.empty() && isProgram(pathByAppendingComponent(folder, name))) {
+            return true;
+        }
+        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
+    }
+    return false;
+}
+
+/// One setting of the user, and where it stands: "system", "global", "local", "worktree".
+struct Setting {
+    std::string scope;
+    std::string key;
+    std::string value;
+};
+
+class Doctor {
+public:
+    Doctor(Interruption& interruption, const Trace& trace, const std::string& folder)
+        : _interruption(interruption), _trace(trace), _folder(folder) {}
+
+    std::vector<Finding> examine(const PlugInFile& plugIn);
+
+private:
+    [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
+    void add(Health health, std::string subject, std::string text, std::string advice = {}) {
+        _findings.push_back({health, std::move(subject), std::move(text), std::move(advice)});
+    }
+
+    void examineGit();
+    void examinePlugIn(const PlugInFile& plugIn);
+    void examineRepository();
+    void examineLocks(const std::vector<std::string>& gitFolders);
+    void readSettings();
+    void examineSettings();
+    void examineCredentials();
+    void examineCredentialHelper(const Setting& setting);
+    void examineKeys();
+    void examineSubversion();
+    [[nodiscard]] std::string lastValue(std::string_view key) const;
+    [[nodiscard]] bool isReachable(const std::string& program) const {
+        return program.find('/') != std::string::npos
+                   ? isProgram(pathByExpandingTilde(program))
+                   : isProgramIn(_programs + ":" + variable("PATH"), program);
+    }
+
+    Interruption& _interruption;
+    const Trace& _trace;
+    const std::string& _folder;
+    std::vector<Finding> _findings;
+    bool _hasGit = false;
+    std::string _programs;     // where git's own programs are; empty where it is not known
+    std::string _workingCopy;  // its top; empty outside of one
+    std::vector<Setting> _settings;
+};
+
+ChildOutcome Doctor::ask(std::vector<std::string> arguments) {
+    ChildProcess process;
+    const Interruption::Work work(_interruption, [&process] { process.cancel(); });
+    const Deadline deadline(std::chrono::steady_clock::now() + timeForEachGit,
+                            [&process] { process.cancel(); });
+    return runGit(process, _trace, std::move(arguments), _folder);
+}
+
+// ---- git and the plug-in ----------------------------------------------------------------------
+
+void Doctor::examineGit() {
+    const std::string path = LOMDeveloperPaths::defaultPaths()
+                                 .binSearchPathForPlatform(std::nullopt)
+                                 .pathOfProgram("git");
+    const ChildOutcome outcome = ask({"--version"});
+    const std::string text = answerOf(outcome).value_or("");
+    const auto version = versionIn(text);
+    if (!outcome.status.started()) {
+        add(Health::problem, "git", "there is none: " + outcome.status.description(),
+            "Install git, or put the folder that it is in into PATH.");
+        return;
+    }
+    if (!version) {
+        add(Health::problem, "git",
+            path + " tells no version: " +
+                (text.empty() ? outcome.status.description() : inQuotes(text)),
+            "Install git anew, or put the folder of another into PATH.");
+        return;
+    }
+    _hasGit = true;
+    std::string missing;
+    for (const Feature& feature : features) {
+        if (*version < feature.since) {
+            missing.append(missing.empty() ? "" : "; ").append(feature.name);
+        }
+    }
+    if (missing.empty()) {
+        add(Health::ok, "git", path + ", " + text);
+    } else {
+        add(Health::problem, "git", path + ", " + text + ", lacks " + missing,
+            "Install git " + textOf(features.back().since) + " or newer.");
+    }
+    _programs = answerOf(ask({"--exec-path"})).value_or("");
+    if (isReachable("git-remote-https")) {
+        add(Health::ok, "https", "git can talk with repositories over HTTPS");
+    } else {
+        add(Health::note, "https", "git has no program for repositories over HTTPS",
+            "Install git with its support for curl.");
+    }
+}
+
+void Doctor::examinePlugIn(const PlugInFile& plugIn) {
+    if (!plugIn.load.plugIn) {
+        add(Health::problem, "plug-in", plugIn.load.failure,
+            "Build or install NEBGit anew, or name its file with --plugin.");
+        return;
+    }
+    add(Health::ok, "plug-in",
+        plugIn.path + ", " + plugIn.load.plugIn->name() + " " + plugIn.load.plugIn->version() +
+            ", contract version " + std::to_string(NEBSourceControlContractVersion));
+}
+
+// ---- the working copy -------------------------------------------------------------------------
+
+void Doctor::examineRepository() {
+    const ChildOutcome outcome =
+        ask({"rev-parse", "--path-format=absolute", "--git-dir", "--git-common-dir"});
+    if (!outcome.status.isSuccess()) {
+        const std::string_view words = outcome.errorOutput;
+        const auto errorClass = NEBSourceControlErrorClassOfText(words);
+        const std::string sentence(words.substr(0, words.find('\n')));
+        if (errorClass == "owner-not-trusted") {
+            add(Health::problem, "repository",
+                "it belongs to somebody else, and so git does not trust it",
+                "If you do: git config --global --add safe.directory FOLDER, with the folder that "
+                "\"git status\" names.");
+        } else if (errorClass == "not-a-repository") {
+            add(Health::note, "repository", _folder + " lies in none",
+                "\"nebsc init\" makes one, \"nebsc clone\" copies one.");
+        } else {
+            add(Health::problem, "repository",
+                "git cannot read it: " +
+                    (sentence.empty() ? outcome.status.description() : sentence));
+        }
+        return;
+    }
+    std::vector<std::string> folders;
+    const std::string answer = answerOf(outcome).value_or("");
+    const std::size_t lineEnd = answer.find('\n');
+    folders.push_back(answer.substr(0, lineEnd));
+    if (lineEnd != std::string::npos && answer.substr(lineEnd + 1) != folders.front()) {
+        folders.push_back(answer.substr(lineEnd + 1));
+    }
+    _workingCopy = answerOf(ask({"rev-parse", "--show-toplevel"})).value_or("");
+    add(Health::ok, "repository",
+        _workingCopy.empty() ? folders.front() + ", without a working copy here"
+                             : "working copy " + _workingCopy + ", whose owner git trusts");
+    examineLocks(folders);
+}
+
+void Doctor::examineLocks(const std::vector<std::string>& gitFolders) {
+    const std::vector<LockFile> locks = findLockFiles(gitFolders, _workingCopy);
+    if (locks.empty()) {
+        add(Health::ok, "locks", "there are none");
+    }
+    for (const LockFile& lock : locks) {
+        const std::string what = lock.path + ", " + textOfAge(lock.age) + " old";
+        if (lock.holders.empty() && lock.age < ageOfFreshLock) {
+            add(Health::note, "lock", what + "; whoever made it may be at work",
+                "Look again in a moment.");
+            continue;
+        }
+        if (lock.holders.empty()) {
+            add(Health::problem, "lock", what + "; no process holds it: it was left behind",
+                "Remove it with: rm " + shellQuoted(lock.path));
+            continue;
+        }
+        std::string holders;
+        for (const std::string& holder : lock.holders) {
+            holders.append(holders.empty() ? "" : ", ").append(holder);
+        }
+        add(Health::note, "lock", std::string(what).append("; held by ").append(holders),
+            "Wait for its end.");
+    }
+}
+
+// ---- settings ---------------------------------------------------------------------------------
+
+/// The entries that we add ourselves are of the scope "command".
+void Doctor::readSettings() {
+    const std::vector<std::string> texts =
+        textsBetweenNULs(ask({"config", "--list", "--show-scope", "-z"}).output);
+    for (std::size_t i = 0; i + 1 < texts.size(); i += 2) {
+        const std::string& entry = texts[i + 1];
+        const std::size_t lineEnd = entry.find('\n');
+        if (texts[i] != "command") {
+            _settings.push_back(
+                {texts[i], entry.substr(0, lineEnd),
+                 lineEnd == std::string::npos ? "true" : entry.substr(lineEnd + 1)});
+        }
+    }
+}
+
+std::string Doctor::lastValue(std::string_view key) const {
+    const auto setting =
+        std::find_if(_settings.rbegin(), _settings.rend(),
+                     [key](const Setting& candidate) { return candidate.key == key; });
+    return setting == _settings.rend() ? "" : setting->value;
+}
+
+/// git lists the names of settings in small letters.
+std::string lowercase(std::string_view text) {
+    std::string small(text);
+    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return small;
+}
+
+void Doctor::examineSettings() {
+    bool isAny = false;
+    for (const NEBSourceControlPinnedSetting& pinned : NEBSourceControlPinnedSettings()) {
+        const std::string own = lastValue(lowercase(pinned.key));
+        if (!own.empty() && own != pinned.value) {
+            isAny = true;
+            add(Health::note, "setting",
+                std::string(pinned.key) + " is " + inQuotes(withoutSecrets(own)) +
+                    ", but counts as " + inQuotes(pinned.value) + " for what is read here");
+        }
+    }
+    if (!isAny) {
+        add(Health::ok, "settings", "none of yours is passed over");
+    }
+}
+
+// ---- credentials ------------------------------------------------------------------------------
+
+/// A helper is a shell's text behind "!", a path, or the end of a program's name. Its words may
+/// hold what nobody else is to see, so the program is all that is shown.
+void Doctor::examineCredentialHelper(const Setting& setting) {
+    const std::string which = "helper of the " + setting.scope + " configuration";
+    if (setting.value.starts_with('!')) {
+        add(Health::note, "credentials", which + ": a text for the shell");
+        return;
+    }
+    const std::string word = setting.value.substr(0, setting.value.find(' '));
+    const bool isPath = word.starts_with('/') || word.starts_with('~');
+    const std::string program = isPath ? word : "git-credential-" + word;
+    if (isReachable(program)) {
+        add(Health::ok, "credentials", which + ": " + program);
+    } else {
+        add(Health::problem, "credentials", which + ": there is no program " + inQuotes(program),
+            "Install it, or take it out of the configuration: git config --" + setting.scope +
+                " --edit");
+    }
+}
+
+/// An empty helper takes back those before it.
+void Doctor::examineCredentials() {
+    std::vector<Setting> helpers;
+    for (const Setting& setting : _settings) {
+        if (!setting.key.starts_with("credential.") || !setting.key.ends_with(".helper")) {
+            continue;
+        }
+        if (setting.value.empty()) {
+            helpers.clear();
+        } else {
+            helpers.push_back(setting);
+        }
+    }
+    if (helpers.empty()) {
+        add(Health::note, "credentials", "no helper is configured, so passwords cannot be found",
+            "A helper is for instance: git config --global credential.helper cache");
+    }
+    for (const Setting& helper : helpers) {
+        examineCredentialHelper(helper);
+    }
+}
+
+void Doctor::examineKeys() {
+    const std::string socket = variable("SSH_AUTH_SOCK");
+    struct stat attributes {};
+    if (socket.empty()) {
+        add(Health::note, "ssh agent", "none is told of in SSH_AUTH_SOCK",
+            "\"ssh-add\" gives an agent a key with a passphrase.");
+    } else if (::stat(socket.c_str(), &attributes) == 0 && S_ISSOCK(attributes.st_mode)) {
+        add(Health::ok, "ssh agent", socket);
+    } else {
+        add(Health::note, "ssh agent", socket + " is not there, though SSH_AUTH_SOCK names it",
+            "Start the agent anew.");
+    }
+    std::string askpass = variable("GIT_ASKPASS");
+    askpass = askpass.empty() ? lastValue("core.askpass") : askpass;
+    askpass = askpass.empty() ? variable("SSH_ASKPASS") : askpass;
+    if (!askpass.empty() && !isReachable(askpass)) {
+        add(Health::problem, "askpass", "there is no program " + inQuotes(askpass),
+            "Take it out of GIT_ASKPASS, core.askPass or SSH_ASKPASS, or install it.");
+    } else if (!askpass.empty()) {
+        add(Health::ok, "askpass", askpass);
+    }
+    if (!isReachable("ssh") && variable("GIT_SSH").empty() && variable("GIT_SSH_COMMAND").empty() &&
+        lastValue("core.sshcommand").empty()) {
+        add(Health::note, "ssh", "there is no program \"ssh\"",
+            "Install it for repositories over ssh.");
+    }
+}
+
+void Doctor::examineSubversion() {
+    if (isReachable("git-svn")) {
+        add(Health::ok, "git-svn", "there is one");
+    } else {
+        add(Health::note, "git-svn", "there is none",
+            "Install git-svn for repositories of Subversion.");
+    }
+}
+
+std::vector<Finding> Doctor::examine(const PlugInFile& plugIn) {
+    examineGit();
+    examinePlugIn(plugIn);
+    if (_hasGit) {
+        examineRepository();
+        readSettings();
+        examineSettings();
+        examineCredentials();
+        examineKeys();
+        examineSubversion();
+    }
+    return std::move(_findings);
+}
+
+}  // namespace
+
+std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
+                              const PlugInFile& plugIn, const std::string& folder) {
+    return Doctor(interruption, trace, folder).examine(plugIn);
+}
+
+}  // namespace neb::nebsc

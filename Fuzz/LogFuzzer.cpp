@@ -17,7 +17,7 @@ bool isText(const neb::NEBValue& value) {
 
 void check(const neb::NEBDictionary& record) {
     if (!isText(record.value(neb::NEBSourceControlOperationRevisionKey)) ||
-        record.value(neb::NEBSourceControlOperationRevisionKey).string()->size() > 48 ||
+        record.value(neb::NEBSourceControlOperationRevisionKey).string().value().size() > 48 ||
         !isText(record.value(neb::NEBSourceControlOperationAuthorKey)) ||
         !isText(record.value(neb::NEBSourceControlOperationAuthorEmailKey)) ||
         !isText(record.value(neb::NEBSourceControlOperationMessageKey)) ||

@@ -37,7 +37,7 @@ Data run(const std::string& folder, std::string program, std::vector<std::string
                       .environment = NEBSourceControlChildEnvironment(
                           NEBSourceControlInheritedEnvironment(), {.writesWholeBuffers = true})}});
     if (!outcomes[0].status.isSuccess()) {
-        throw std::runtime_error(program + ": " + outcomes[0].errorOutput);
+        throw std::runtime_error(program + ": " + std::string(outcomes[0].errorOutput));
     }
     return std::move(outcomes[0].output);
 }

@@ -26,7 +26,7 @@ GitBlameOperation::GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> re
 /// Reads "revision TAB ( author TAB date TAB number ) text". What is not there leaves its key out,
 /// and reading goes on from the same place. The white space in front of an author pads the names to
 /// one width; with an author of nothing else it takes the next TAB too, so the date is the author.
-NEBDictionary GitBlameOperation::recordOf(std::string_view line) const {
+NEBDictionary GitBlameOperation::recordOf(const Data& text, std::string_view line) const {
     Scanner scanner(line);
     const std::string_view revision = scanner.takeUpTo('\t');
     scanner.skipOne('\t');
@@ -39,9 +39,10 @@ NEBDictionary GitBlameOperation::recordOf(std::string_view line) const {
     const std::string_view number = scanner.takeUpTo(')');
 
     NEBDictionary record;
-    const auto setIfRead = [&record](NEBConstant key, std::string_view text) {
-        if (!text.empty()) {
-            record.set(key, text);
+    record.reserve(4);
+    const auto setIfRead = [&](NEBConstant key, std::string_view piece) {
+        if (!piece.empty()) {
+            record.set(key, NEBValue(text, piece));
         }
     };
     setIfRead(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(revision));
@@ -57,11 +58,13 @@ void GitBlameOperation::parseData() {
     if (!data() || data()->empty()) {
         return;
     }
-    const std::string text = *_nebsc_stringFromData(data());
+    const Data text = NEBSourceControlTextData(*data());
+    const std::string_view lines = text;
     NEBSourceControlResult records;
-    records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+    records.reserve(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')) + 1);
     // The piece behind the last line end makes the empty record: hosts count on it.
-    forEachPiece(text, '\n', [&](std::string_view line) { records.push_back(recordOf(line)); });
+    forEachPiece(lines, '\n',
+                 [&](std::string_view line) { records.push_back(recordOf(text, line)); });
     setResult(std::move(records));
 }
 

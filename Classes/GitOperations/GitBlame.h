@@ -27,7 +27,7 @@ public:
     void parseData() override;
 
 private:
-    [[nodiscard]] NEBDictionary recordOf(std::string_view line) const;
+    [[nodiscard]] NEBDictionary recordOf(const Data& text, std::string_view line) const;
 
     DateFormatter _formatter;
 };

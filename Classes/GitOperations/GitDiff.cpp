@@ -58,13 +58,13 @@ void GitDiffOperation::parseData() {
     if (!data() || data()->empty()) {
         return;
     }
-    std::string text = *_nebsc_stringFromData(data());
+    const Data text = NEBSourceControlTextData(*data());
     if (_diffNameAndStatusOnly) {
         setResult(recordsOf(text));
         return;
     }
     NEBDictionary record;
-    record.set(NEBSourceControlOperationContentKey, std::move(text));
+    record.set(NEBSourceControlOperationContentKey, text);
     setResult({{std::move(record)}});
 }
 

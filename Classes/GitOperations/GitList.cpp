@@ -21,6 +21,7 @@ NEBDictionary recordOf(std::string_view entry) {
     scanner.skipOne('\t');
 
     NEBDictionary record;
+    record.reserve(2);
     record.set(NEBSourceControlOperationIsLeafKey, type == "blob");
     record.set(NEBSourceControlOperationNameKey, lastPathComponent(scanner.rest()));
     return record;

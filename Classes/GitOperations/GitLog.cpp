@@ -17,6 +17,8 @@ namespace {
 constexpr std::size_t worthReadingAhead = 1U << 18;
 /// What a log that is read ahead is sized for: how long it will be nobody knows.
 constexpr std::size_t manyBlocks = 4096;
+/// About how many bytes a commit takes.
+constexpr std::size_t usualBlock = 256;
 
 /// What a commit's block begins with, each on a line of its own: the abbreviated name, the author's
 /// name and e-mail by the mail map, the seconds since 1970 at which it was written, and the raw
@@ -46,46 +48,49 @@ NEBDate dateOf(std::string_view seconds) {
 }
 
 std::size_t linesIn(std::string_view text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+    std::size_t count = 0;
+    forEachPiece(text, '\n', [&count](std::string_view /*line*/) { ++count; });
+    return count;
 }
 
 }  // namespace
 
-/// Reads the blocks of one log, as they come or all at once. Authors and paths are the same in many
-/// of them, and so are shared; all else is sized before it is filled. A long history has many
-/// records.
+/// Reads the blocks of one log, as they come or all at once. The texts are pieces of the log, and
+/// nothing is copied but the paths: those are the same in many blocks, and so are shared. A long
+/// history has many records.
 class GitLogOperation::Reader {
 public:
     /// Of a log of about so many blocks.
-    Reader(std::size_t count, bool withFiles) : _withFiles(withFiles), _texts(count * 4) {
+    Reader(std::size_t count, bool withFiles) : _withFiles(withFiles), _paths(count) {
         _records.reserve(count);
     }
 
-    /// Reads on to the end of `log`, which begins as it did in the last call.
-    void readTo(std::string_view log) {
-        git_forEachComponentSeparatedByNULLTerminator(log.substr(_place),
-                                                      [this](std::string_view block) {
-                                                          if (!block.empty()) {
-                                                              _records.push_back(recordOf(block));
-                                                          }
-                                                      });
-        _place = log.size();
+    /// Reads on, up to so many bytes of `log`, which begins as it did in the last call.
+    void readTo(std::size_t end, const Data& log) {
+        git_forEachComponentSeparatedByNULLTerminator(
+            log.bytes().substr(_place, end - _place), [&](std::string_view block) {
+                if (!block.empty()) {
+                    _records.push_back(recordOf(log, block));
+                }
+            });
+        _place = end;
     }
 
     [[nodiscard]] NEBSourceControlResult takeRecords() { return std::move(_records); }
 
 private:
     /// A line that is missing is taken for an empty one.
-    NEBDictionary recordOf(std::string_view block) {
+    NEBDictionary recordOf(const Data& log, std::string_view block) {
         const std::string_view files = _withFiles ? filesPart(block) : std::string_view();
         NEBDictionary record;
         record.reserve(files.empty() ? 5 : 6);
         Scanner header(textByTrimmingLineEnds(block.substr(0, block.find(endOfHeader))));
         record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(takeLine(header)));
-        record.set(NEBSourceControlOperationAuthorKey, _texts.value(takeLine(header)));
-        record.set(NEBSourceControlOperationAuthorEmailKey, _texts.value(takeLine(header)));
+        record.set(NEBSourceControlOperationAuthorKey, NEBValue(log, takeLine(header)));
+        record.set(NEBSourceControlOperationAuthorEmailKey, NEBValue(log, takeLine(header)));
         record.set(NEBSourceControlOperationDateKey, dateOf(takeLine(header)));
-        record.set(NEBSourceControlOperationMessageKey, textByTrimmingLineEnds(header.rest()));
+        record.set(NEBSourceControlOperationMessageKey,
+                   NEBValue(log, textByTrimmingLineEnds(header.rest())));
         if (!files.empty()) {
             record.set(NEBSourceControlOperationFilesKey, filesOf(files));
         }
@@ -94,8 +99,9 @@ private:
 
     /// What stands behind the last byte that ends a header: the message may hold one too.
     static std::string_view filesPart(std::string_view block) {
-        const std::size_t last = block.rfind(endOfHeader);
-        return textByTrimmingLineEnds(block.substr(last == std::string_view::npos ? 0 : last + 1));
+        std::string_view last;
+        forEachPiece(block, endOfHeader, [&last](std::string_view piece) { last = piece; });
+        return textByTrimmingLineEnds(last);
     }
 
     /// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A
@@ -108,7 +114,7 @@ private:
             const std::string_view letters = scanner.takeUpTo('\t');
             if (letters.size() < line.size()) {
                 scanner.skipOne('\t');
-                files.setWithSharedKey(_texts.value(scanner.takeUpTo('\t')),
+                files.setWithSharedKey(_paths.value(scanner.takeUpTo('\t')),
                                        nebgit_sourceControlStatus(letters));
             }
         });
@@ -116,7 +122,7 @@ private:
     }
 
     bool _withFiles;
-    GitRecentTexts _texts;
+    GitRecentTexts _paths;
     std::size_t _place = 0;  // how many bytes have been read
     NEBSourceControlResult _records;
 };
@@ -177,8 +183,8 @@ bool GitLogOperation::wantsFilesChanged() const {
 
 /// Up to the last NUL byte all blocks are whole. It is looked for in what is new alone: a block may
 /// be long.
-void GitLogOperation::parseArrivedData(std::string_view arrived) {
-    const std::string_view fresh = arrived.substr(_seen);
+void GitLogOperation::parseArrivedData(const Data& arrived) {
+    const std::string_view fresh = arrived.bytes().substr(_seen);
     if (fresh.size() < worthReadingAhead) {
         return;
     }
@@ -191,18 +197,16 @@ void GitLogOperation::parseArrivedData(std::string_view arrived) {
     if (!_reader) {
         _reader = std::make_unique<Reader>(manyBlocks, wantsFilesChanged());
     }
-    _reader->readTo(arrived.substr(0, former + end));
+    _reader->readTo(former + end, arrived);
 }
 
 void GitLogOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {
         if (!_reader) {
-            const auto count = std::count(data()->begin(), data()->end(), '\0');
-            _reader =
-                std::make_unique<Reader>(static_cast<std::size_t>(count), wantsFilesChanged());
+            _reader = std::make_unique<Reader>(data()->size() / usualBlock, wantsFilesChanged());
         }
-        _reader->readTo(*data());
+        _reader->readTo(data()->size(), *data());
         records = _reader->takeRecords();
         _reader.reset();
         _seen = 0;

@@ -27,7 +27,7 @@ public:
     ~GitLogOperation() override;
 
     [[nodiscard]] std::string className() const override { return "GitLogOperation"; }
-    void parseArrivedData(std::string_view arrived) override;
+    void parseArrivedData(const Data& arrived) override;
     void parseData() override;
 
     /// git's option for a commit's format: a NUL byte, then the fields that the placeholders name,

@@ -21,7 +21,7 @@ bool is(const NEBValue& revision, NEBConstant name) {
 
 }  // namespace
 
-std::string gitAbbreviatedRevision(std::string_view revision) {
+std::string_view gitAbbreviatedRevision(std::string_view revision) {
     std::size_t characters = 0;
     std::size_t end = 0;
     while (end < revision.size()) {
@@ -30,7 +30,7 @@ std::string gitAbbreviatedRevision(std::string_view revision) {
         }
         ++end;
     }
-    return std::string(revision.substr(0, end));
+    return revision.substr(0, end);
 }
 
 bool gitIsSymbolicRevision(const NEBValue& revision) {

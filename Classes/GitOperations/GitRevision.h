@@ -9,7 +9,7 @@
 namespace neb {
 
 /// The revision as records hold it: its first 12 characters.
-[[nodiscard]] std::string gitAbbreviatedRevision(std::string_view revision);
+[[nodiscard]] std::string_view gitAbbreviatedRevision(std::string_view revision);
 
 /// Whether the value is one of the host's names for a revision instead of one of git's: local, in
 /// memory, HEAD or BASE.

@@ -72,6 +72,7 @@ std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
     const std::string_view path = cleanedPath(scanner.rest());
 
     NEBDictionary record;
+    record.reserve(2);
     record.set(NEBSourceControlOperationWCStatusKey, nebgit_sourceControlStatus(status));
     record.set(NEBSourceControlOperationPathKey, pathByAppendingComponent(fullPath, path));
     return record;
@@ -88,7 +89,7 @@ GitStatusOperation::GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> 
 }
 
 void GitStatusOperation::parseData() {
-    const std::string text = _nebsc_stringFromData(data()).value_or("");
+    const Data text = data() ? NEBSourceControlTextData(*data()) : Data();
     const auto& sourceTree = request()->sourceTree;
     NEBSourceControlResult records;
     if (sourceTree && sourceTree->isValid) {

@@ -16,44 +16,16 @@ constexpr std::size_t walkedSize = 16;
 
 // ---- an entry ---------------------------------------------------------------------------------
 
-NEBDictionary::Entry::Entry(NEBConstant key, NEBValue value)
-    : _key(key.text().data()), _value(std::move(value)) {
-    _value._noteOfKey = static_cast<std::uint8_t>(key.text().size());
-}
-
 NEBDictionary::Entry::Entry(const NEBValue::SharedText* key, NEBValue value)
     : _key(key), _value(std::move(value)) {
-    _value._noteOfKey = ownKey;
+    _value._bits.noteOfKey = ownKey;
 }
 
 NEBDictionary::Entry::Entry(const Entry& other) : _key(other._key), _value(other._value) {
-    _value._noteOfKey = other._value._noteOfKey;
+    _value._bits.noteOfKey = other._value._bits.noteOfKey;
     if (hasOwnKey()) {
         NEBValue::retainText(*sharedKey());
     }
-}
-
-NEBDictionary::Entry::Entry(Entry&& other) noexcept
-    : _key(other._key), _value(std::move(other._value)) {
-    _value._noteOfKey = std::exchange(other._value._noteOfKey, 0);
-}
-
-NEBDictionary::Entry& NEBDictionary::Entry::operator=(Entry other) noexcept {
-    std::swap(_key, other._key);
-    std::swap(_value._noteOfKey, other._value._noteOfKey);
-    _value = std::move(other._value);
-    return *this;
-}
-
-NEBDictionary::Entry::~Entry() {
-    if (hasOwnKey()) {
-        NEBValue::releaseText(sharedKey());
-    }
-}
-
-std::string_view NEBDictionary::Entry::key() const {
-    return hasOwnKey() ? NEBValue::textOf(*sharedKey())
-                       : std::string_view(static_cast<const char*>(_key), _value._noteOfKey);
 }
 
 // ---- the dictionary ---------------------------------------------------------------------------
@@ -77,19 +49,31 @@ NEBDictionary& NEBDictionary::operator=(const NEBDictionary& other) {
     return *this;
 }
 
+bool NEBDictionary::isNew(std::string_view key, NEBValue& value) {
+    if (!value.isPresent()) {
+        return false;
+    }
+    const Entry* present = find(key);
+    if (present != nullptr) {
+        _entries[static_cast<std::size_t>(present - _entries.data())]._value = std::move(value);
+    }
+    return present == nullptr;
+}
+
 void NEBDictionary::add(Entry entry) {
-    if (!entry._value.isPresent()) {
+    if (isNew(entry.key(), entry._value)) {
+        _entries.push_back(std::move(entry));
+        noteLastInIndex();
+    }
+}
+
+void NEBDictionary::noteLastInIndex() {
+    if (_entries.size() <= walkedSize) {
         return;
     }
-    if (const Entry* present = find(entry.key())) {
-        _entries[static_cast<std::size_t>(present - _entries.data())]._value =
-            std::move(entry._value);
-        return;
-    }
-    _entries.push_back(std::move(entry));
     if (_index && _entries.size() * 4 <= _index->size() * 3) {
         placeInIndex(_entries.back().key()) = static_cast<std::uint32_t>(_entries.size());
-    } else if (_entries.size() > walkedSize) {
+    } else {
         buildIndex();
     }
 }
@@ -124,8 +108,11 @@ const NEBDictionary::Entry* NEBDictionary::find(std::string_view key) const {
         const std::uint32_t number = placeInIndex(key);
         return number != 0 ? &_entries[number - 1] : nullptr;
     }
-    const auto found = std::find_if(_entries.begin(), _entries.end(),
-                                    [key](const Entry& entry) { return entry.key() == key; });
+    const auto found = std::find_if(_entries.begin(), _entries.end(), [key](const Entry& entry) {
+        // Constants are the same key in the same place.
+        const std::string_view other = entry.key();
+        return other.size() == key.size() && (other.data() == key.data() || other == key);
+    });
     return found != _entries.end() ? &*found : nullptr;
 }
 

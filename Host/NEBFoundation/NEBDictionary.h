@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBConstant.h"
@@ -26,15 +27,31 @@ class NEB_EXPORT NEBDictionary {
 public:
     class NEB_EXPORT Entry {
     public:
-        Entry(NEBConstant key, NEBValue value);
+        Entry(NEBConstant key, NEBValue value) : _key(key.text().data()), _value(std::move(value)) {
+            _value._bits.noteOfKey = static_cast<std::uint8_t>(key.text().size());
+        }
         Entry(const std::string& key, NEBValue value)
             : Entry(NEBValue::newText(key), std::move(value)) {}
         Entry(const Entry& other);
-        Entry(Entry&& other) noexcept;
-        Entry& operator=(Entry other) noexcept;
-        ~Entry();
+        Entry(Entry&& other) noexcept : _key(other._key), _value(std::move(other._value)) {
+            _value._bits.noteOfKey = std::exchange(other._value._bits.noteOfKey, 0);
+        }
+        Entry& operator=(Entry other) noexcept {
+            std::swap(_key, other._key);
+            std::swap(_value._bits, other._value._bits);
+            return *this;
+        }
+        ~Entry() {
+            if (hasOwnKey()) {
+                NEBValue::releaseText(sharedKey());
+            }
+        }
 
-        [[nodiscard]] std::string_view key() const;
+        [[nodiscard]] std::string_view key() const {
+            return hasOwnKey()
+                       ? NEBValue::textOf(*sharedKey())
+                       : std::string_view(static_cast<const char*>(_key), _value._bits.noteOfKey);
+        }
         [[nodiscard]] const NEBValue& value() const { return _value; }
 
     private:
@@ -42,7 +59,7 @@ public:
         /// Takes over one hold on the key.
         Entry(const NEBValue::SharedText* key, NEBValue value);
 
-        [[nodiscard]] bool hasOwnKey() const { return _value._noteOfKey == ownKey; }
+        [[nodiscard]] bool hasOwnKey() const { return _value._bits.noteOfKey == ownKey; }
         [[nodiscard]] const NEBValue::SharedText* sharedKey() const {
             return static_cast<const NEBValue::SharedText*>(_key);
         }
@@ -65,7 +82,12 @@ public:
 
     /// Adds an entry, or replaces the value of the one there is, which keeps its place. An absent
     /// value changes nothing.
-    void set(NEBConstant key, NEBValue value) { add(Entry(key, std::move(value))); }
+    void set(NEBConstant key, NEBValue value) {
+        if (isNew(key, value)) {
+            _entries.emplace_back(key, std::move(value));
+            noteLastInIndex();
+        }
+    }
     void set(const std::string& key, NEBValue value) { add(Entry(key, std::move(value))); }
     /// The same, with the text that a string value holds for a key: shared, not copied, when it is
     /// long. A key of another kind changes nothing.
@@ -96,6 +118,10 @@ private:
     using Index = std::vector<std::uint32_t>;
 
     void add(Entry entry);
+    /// Whether an entry with the key and value is to be added. False for an absent value; also for
+    /// a key that there is, whose entry then has the value.
+    [[nodiscard]] bool isNew(std::string_view key, NEBValue& value);
+    void noteLastInIndex();
     void buildIndex();
     [[nodiscard]] std::uint32_t& placeInIndex(std::string_view key) const;
     [[nodiscard]] const Entry* find(std::string_view key) const;

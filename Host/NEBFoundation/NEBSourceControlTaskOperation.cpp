@@ -135,7 +135,7 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
         }
     };
     std::size_t received = 0;
-    const auto outputGrew = [&](std::string_view arrived) {
+    const auto outputGrew = [&](const Data& arrived) {
         if (commandLog()) {
             commandLog()->received(arrived.size() - received);
             received = arrived.size();

@@ -64,10 +64,11 @@ public:
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 
     /// Called on the thread of main() while the child runs, each time when more has come, with all
-    /// that it has written to standard output so far; the bytes are good for the call only. A long
-    /// output can be read ahead here, where that costs no time. Whether the child will fail nobody
-    /// knows yet, so nothing of it may show before parseData(). The base does nothing.
-    virtual void parseArrivedData(std::string_view arrived) { static_cast<void>(arrived); }
+    /// that it has written to standard output so far: the Data that data() will be. Its bytes are
+    /// good for the call only, as they move when it grows; a value that is a piece of it stays
+    /// good. A long output can be read ahead here, where that costs no time. Whether the child will
+    /// fail nobody knows yet, so nothing of it may show before parseData(). The base does nothing.
+    virtual void parseArrivedData(const Data& arrived) { static_cast<void>(arrived); }
     /// Turns data() into the result. Called once the child has ended; the base does nothing.
     virtual void parseData() {}
     /// A second operation whose child reads what this one's writes; nothing as a rule. Asked more

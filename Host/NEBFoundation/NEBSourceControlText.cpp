@@ -12,21 +12,27 @@ bool isRowOfListing(std::string_view line) {
            (!line.empty() && firstCharacters.find(line.front()) != std::string_view::npos);
 }
 
+bool isAnswer(std::string_view text) {
+    return !text.empty() && text.find('\n') == text.size() - 1 && !isRowOfListing(text);
+}
+
 }  // namespace
 
+Data NEBSourceControlTextData(const Data& data) {
+    const Data text = isUTF8(data) ? data : Data(textReplacingInvalidBytes(data));
+    std::string_view answer = text;
+    if (!isAnswer(answer)) {
+        return text;
+    }
+    answer.remove_suffix(1);
+    if (answer.ends_with('\r')) {
+        answer.remove_suffix(1);
+    }
+    return {answer};
+}
+
 std::optional<std::string> _nebsc_stringFromData(const std::optional<Data>& data) {
-    if (!data) {
-        return std::nullopt;
-    }
-    std::string text = textReplacingInvalidBytes(*data);
-    const bool isOneLine = !text.empty() && text.find('\n') == text.size() - 1;
-    if (isOneLine && !isRowOfListing(text)) {
-        text.pop_back();
-        if (!text.empty() && text.back() == '\r') {
-            text.pop_back();
-        }
-    }
-    return text;
+    return data ? std::optional<std::string>(NEBSourceControlTextData(*data)) : std::nullopt;
 }
 
 }  // namespace neb

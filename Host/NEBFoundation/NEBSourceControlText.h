@@ -17,4 +17,7 @@ namespace neb {
 [[nodiscard]] NEB_EXPORT std::optional<std::string> _nebsc_stringFromData(
     const std::optional<Data>& data);
 
+/// The same text as Data: those that are given, wherever the text is all of their bytes.
+[[nodiscard]] NEB_EXPORT Data NEBSourceControlTextData(const Data& data);
+
 }  // namespace neb

@@ -1,41 +1,31 @@
 #include "NEBFoundation/NEBValue.h"
 
 #include <array>
-#include <atomic>
 #include <cstdio>
+#include <limits>
 
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBDictionary.h"
 
 namespace neb {
 
-namespace {
-
-/// From this length on a string that is given away is kept rather than copied.
-constexpr std::size_t worthHolding = 4096;
-
-}  // namespace
-
 // ---- what is held -----------------------------------------------------------------------------
 
-struct NEBValue::Shared {
-    mutable std::atomic<std::uint32_t> holders = 1;
-};
-
-/// A text. Its characters stand behind this object in the same block of memory, or are those of a
-/// HeldString.
+/// A text. Its characters stand behind this object in the same block of memory, if it is no
+/// HeldPiece.
 struct NEBValue::SharedText : Shared {
-    bool isHeldString = false;
-    std::string_view text;
+    explicit SharedText(std::size_t count, bool isPiece = false)
+        : length(count), isHeldPiece(isPiece) {}
+    const std::size_t length;
+    const bool isHeldPiece;
 };
 
-/// A long text that came as a string and is kept as it came, without a copy.
-struct NEBValue::HeldString : SharedText {
-    explicit HeldString(std::string held) : string(std::move(held)) {
-        isHeldString = true;
-        text = string;
-    }
-    const std::string string;
+/// A piece that is too long, or begins too far behind, to be noted in a value.
+struct NEBValue::HeldPiece : SharedText {
+    HeldPiece(const Data& data, std::size_t place, std::size_t count)
+        : SharedText(count, true), whole(data), offset(place) {}
+    const Data whole;
+    const std::size_t offset;
 };
 
 template <typename Thing>
@@ -46,28 +36,25 @@ struct NEBValue::SharedThing : Shared {
 
 template <typename Thing>
 void NEBValue::holdShared(Kind kind, Thing thing) {
-    hold<const Shared*>(new SharedThing<Thing>(std::move(thing)));
-    _kind = kind;
+    hold<const Shared*>(kind, new SharedThing<Thing>(std::move(thing)));
 }
 
 template <typename Thing>
 const Thing* NEBValue::thing(Kind kind) const {
-    return _kind == kind ? &static_cast<const SharedThing<Thing>*>(shared())->thing : nullptr;
-}
-
-void NEBValue::retain(const Shared& shared) {
-    shared.holders.fetch_add(1, std::memory_order_relaxed);
+    return _bits.kind == kind ? &static_cast<const SharedThing<Thing>*>(shared())->thing : nullptr;
 }
 
 template <typename Thing>
 void NEBValue::releaseThing(const Shared* shared) {
-    if (shared->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (shared->release()) {
         delete static_cast<const SharedThing<Thing>*>(shared);
     }
 }
 
 void NEBValue::release() {
-    switch (_kind) {
+    switch (_bits.kind) {
+        case Kind::piece:
+            return Data::release(static_cast<const Data::Block*>(shared()));
         case Kind::string:
             return releaseText(static_cast<const SharedText*>(shared()));
         case Kind::filePath:
@@ -82,59 +69,77 @@ void NEBValue::release() {
 }
 
 void NEBValue::retainText(const SharedText& text) {
-    retain(text);
+    text.retain();
 }
 
 void NEBValue::releaseText(const SharedText* text) {
-    if (text->holders.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+    if (!text->release()) {
         return;
     }
-    if (text->isHeldString) {
-        delete static_cast<const HeldString*>(text);
+    if (text->isHeldPiece) {
+        delete static_cast<const HeldPiece*>(text);
     } else {
         ::operator delete(const_cast<SharedText*>(text));
     }
 }
 
 const NEBValue::SharedText* NEBValue::sharedText() const {
-    if (_kind == Kind::string) {
-        retain(*shared());
+    if (_bits.kind == Kind::string) {
+        shared()->retain();
         return static_cast<const SharedText*>(shared());
     }
     return newText(*string());
 }
 
 std::string_view NEBValue::textOf(const SharedText& shared) {
-    return shared.text;
+    if (shared.isHeldPiece) {
+        const auto& piece = static_cast<const HeldPiece&>(shared);
+        return piece.whole.bytes().substr(piece.offset, piece.length);
+    }
+    return {reinterpret_cast<const char*>(&shared) + sizeof(SharedText), shared.length};
 }
 
 const NEBValue::SharedText* NEBValue::newText(std::string_view text) {
     void* block = ::operator new(sizeof(SharedText) + text.size());
-    char* characters = static_cast<char*>(block) + sizeof(SharedText);
-    text.copy(characters, text.size());
-    auto* shared = new (block) SharedText;
-    shared->text = std::string_view(characters, text.size());
-    return shared;
+    text.copy(static_cast<char*>(block) + sizeof(SharedText), text.size());
+    return new (block) SharedText(text.size());
 }
 
 NEBValue::NEBValue(std::string_view string) {
     if (string.size() <= shortLength) {
-        string.copy(_content.data(), string.size());
-        _length = static_cast<std::uint8_t>(string.size());
-        _kind = Kind::shortString;
+        string.copy(_bits.content.data(), string.size());
+        _bits.length = static_cast<std::uint8_t>(string.size());
+        _bits.kind = Kind::shortString;
     } else {
-        hold<const Shared*>(newText(string));
-        _kind = Kind::string;
+        hold<const Shared*>(Kind::string, newText(string));
     }
 }
 
-NEBValue::NEBValue(std::string string) {
-    if (string.size() < worthHolding) {
-        *this = NEBValue(std::string_view(string));
-    } else {
-        hold<const Shared*>(new HeldString(std::move(string)));
-        _kind = Kind::string;
+NEBValue::NEBValue(const Data& whole, std::string_view piece) {
+    if (piece.size() <= shortLength) {
+        *this = NEBValue(piece);
+        return;
     }
+    const auto offset = static_cast<std::size_t>(piece.data() - whole.bytes().data());
+    if (piece.size() > std::numeric_limits<std::uint16_t>::max() ||
+        offset > std::numeric_limits<std::uint32_t>::max()) {
+        hold<const Shared*>(Kind::string, new HeldPiece(whole, offset, piece.size()));
+        return;
+    }
+    hold<const Shared*>(Kind::piece, whole._block);
+    const auto noted = static_cast<std::uint32_t>(offset);
+    std::memcpy(&_bits.content[placeOfOffset], &noted, sizeof noted);
+    _bits.content[placeOfLength] = static_cast<char>(piece.size() & 0xFFU);
+    _bits.length = static_cast<std::uint8_t>(piece.size() >> 8U);
+    shared()->retain();
+}
+
+std::string_view NEBValue::textOfPiece() const {
+    std::uint32_t offset = 0;
+    std::memcpy(&offset, &_bits.content[placeOfOffset], sizeof offset);
+    const std::size_t length =
+        static_cast<unsigned char>(_bits.content[placeOfLength]) | std::size_t{_bits.length} << 8U;
+    return {static_cast<const Data::Block*>(shared())->bytes + offset, length};
 }
 
 NEBValue::NEBValue(LOMFilePath path) {
@@ -152,21 +157,26 @@ NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
 }
 
 std::optional<bool> NEBValue::boolean() const {
-    return _kind == Kind::boolean ? std::optional(held<bool>()) : std::nullopt;
+    return _bits.kind == Kind::boolean ? std::optional(held<bool>()) : std::nullopt;
 }
 std::optional<std::int64_t> NEBValue::integer() const {
-    return _kind == Kind::integer ? std::optional(held<std::int64_t>()) : std::nullopt;
+    return _bits.kind == Kind::integer ? std::optional(held<std::int64_t>()) : std::nullopt;
 }
 std::optional<std::string_view> NEBValue::string() const {
-    if (_kind == Kind::shortString) {
-        return std::string_view(_content.data(), _length);
+    if (_bits.kind == Kind::shortString) {
+        return std::string_view(_bits.content.data(), _bits.length);
     }
-    return _kind == Kind::string ? std::optional(textOf(*static_cast<const SharedText*>(shared())))
-                                 : std::nullopt;
+    if (_bits.kind == Kind::piece) {
+        return textOfPiece();
+    }
+    return _bits.kind == Kind::string
+               ? std::optional(textOf(*static_cast<const SharedText*>(shared())))
+               : std::nullopt;
 }
 std::optional<NEBDate> NEBValue::date() const {
-    return _kind == Kind::date ? std::optional(NEBDate(NEBDate::duration(held<std::int64_t>())))
-                               : std::nullopt;
+    return _bits.kind == Kind::date
+               ? std::optional(NEBDate(NEBDate::duration(held<std::int64_t>())))
+               : std::nullopt;
 }
 const LOMFilePath* NEBValue::filePath() const {
     return thing<LOMFilePath>(Kind::filePath);
@@ -242,20 +252,23 @@ std::string NEBValue::descriptionForAssertionMessage() const {
 
 bool operator==(const NEBValue& left, const NEBValue& right) {
     using Kind = NEBValue::Kind;
-    if (left._kind != right._kind) {
+    if (left.isString() && right.isString()) {
+        return left.string() == right.string();
+    }
+    if (left._bits.kind != right._bits.kind) {
         return false;
     }
-    switch (left._kind) {
+    switch (left._bits.kind) {
         case Kind::nothing:
-            return true;
+        case Kind::shortString:
+        case Kind::piece:
+        case Kind::string:
+            return true;  // texts have been told apart
         case Kind::boolean:
             return left.boolean() == right.boolean();
         case Kind::integer:
         case Kind::date:
             return left.held<std::int64_t>() == right.held<std::int64_t>();
-        case Kind::shortString:
-        case Kind::string:
-            return left.string() == right.string();
         case Kind::filePath:
             return *left.filePath() == *right.filePath();
         case Kind::dictionary:

@@ -21,6 +21,7 @@
 #include "LOMFoundation/LOMFilePath.h"
 #include "NEBFoundation/NEBConstant.h"
 #include "NEBFoundation/NEBObject.h"
+#include "Platform/Data.h"
 #include "Platform/Export.h"
 
 namespace neb {
@@ -38,39 +39,45 @@ public:
     /// Nothing.
     NEBValue() = default;
     template <std::same_as<bool> Bool>
-    NEBValue(Bool boolean) : _kind(Kind::boolean) {
-        hold(boolean);
+    NEBValue(Bool boolean) {
+        hold(Kind::boolean, boolean);
     }
     template <std::integral Integer>
-    requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char>) NEBValue(Integer integer)
-        : _kind(Kind::integer) {
-        hold(static_cast<std::int64_t>(integer));
+    requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char>)
+        NEBValue(Integer integer) {
+        hold(Kind::integer, static_cast<std::int64_t>(integer));
     }
     NEBValue(std::string_view string);
-    NEBValue(std::string string);
+    NEBValue(const std::string& string) : NEBValue(std::string_view(string)) {}
     NEBValue(const char* string) : NEBValue(std::string_view(string)) {}
+    /// The text that `piece` is, which must be a part of the bytes of `whole`. A long one is not
+    /// copied: it keeps all the bytes alive.
+    NEBValue(const Data& whole, std::string_view piece);
+    /// The text that all of the Data is.
+    NEBValue(const Data& text) : NEBValue(text, text) {}
     NEBValue(NEBConstant constant) : NEBValue(constant.text()) {}
-    NEBValue(NEBDate date) : _kind(Kind::date) {
-        hold(static_cast<std::int64_t>(date.time_since_epoch().count()));
+    NEBValue(NEBDate date) {
+        hold(Kind::date, static_cast<std::int64_t>(date.time_since_epoch().count()));
     }
     NEBValue(LOMFilePath path);
     NEBValue(NEBDictionary dictionary);
     /// An absent object makes nothing.
     NEBValue(std::shared_ptr<const NEBObject> object);
 
-    NEBValue(const NEBValue& other)
-        : _content(other._content), _length(other._length), _kind(other._kind) {
-        share();
+    NEBValue(const NEBValue& other) : _bits(other._bits) {
+        _bits.noteOfKey = 0;
+        if (isShared()) {
+            shared()->retain();
+        }
     }
-    NEBValue(NEBValue&& other) noexcept
-        : _content(other._content),
-          _length(other._length),
-          _kind(std::exchange(other._kind, Kind::nothing)) {}
+    NEBValue(NEBValue&& other) noexcept : _bits(other._bits) {
+        _bits.noteOfKey = 0;
+        other._bits.kind = Kind::nothing;
+    }
     NEBValue& operator=(const NEBValue& other) { return *this = NEBValue(other); }
     NEBValue& operator=(NEBValue&& other) noexcept {
-        std::swap(_content, other._content);
-        std::swap(_length, other._length);
-        std::swap(_kind, other._kind);
+        std::swap(_bits, other._bits);
+        std::swap(_bits.noteOfKey, other._bits.noteOfKey);
         return *this;
     }
     ~NEBValue() {
@@ -79,9 +86,9 @@ public:
         }
     }
 
-    [[nodiscard]] bool isPresent() const { return _kind != Kind::nothing; }
+    [[nodiscard]] bool isPresent() const { return _bits.kind != Kind::nothing; }
     [[nodiscard]] bool isString() const {
-        return _kind == Kind::shortString || _kind == Kind::string;
+        return _bits.kind >= Kind::shortString && _bits.kind <= Kind::string;
     }
 
     /// Each answers the content when the value is of that kind, else nothing. A string's characters
@@ -110,22 +117,22 @@ public:
 private:
     friend class NEBDictionary;
 
-    /// From `string` on, what is shared.
+    /// From `piece` on, what is shared. A piece is a text too, of Data.
     enum class Kind : std::uint8_t {
         nothing,
         boolean,
         integer,
         date,
         shortString,
+        piece,
         string,
         filePath,
         dictionary,
         object
     };
-    /// What copies share, with the number of them.
-    struct Shared;
+    /// What copies share.
     struct SharedText;
-    struct HeldString;
+    struct HeldPiece;
     template <typename Thing>
     struct SharedThing;
 
@@ -133,13 +140,14 @@ private:
     /// to.
     // NOLINTBEGIN(bugprone-sizeof-expression)
     template <typename Small>
-    void hold(Small small) {
-        std::memcpy(_content.data(), &small, sizeof small);
+    void hold(Kind kind, Small small) {
+        std::memcpy(_bits.content.data(), &small, sizeof small);
+        _bits.kind = kind;
     }
     template <typename Small>
     [[nodiscard]] Small held() const {
         Small small;
-        std::memcpy(&small, _content.data(), sizeof small);
+        std::memcpy(&small, _bits.content.data(), sizeof small);
         return small;
     }
     // NOLINTEND(bugprone-sizeof-expression)
@@ -148,14 +156,8 @@ private:
     template <typename Thing>
     [[nodiscard]] const Thing* thing(Kind kind) const;
     [[nodiscard]] const Shared* shared() const { return held<const Shared*>(); }
-    [[nodiscard]] bool isShared() const { return _kind >= Kind::string; }
-    void share() {
-        if (isShared()) {
-            retain(*shared());
-        }
-    }
+    [[nodiscard]] bool isShared() const { return _bits.kind >= Kind::piece; }
     void release();
-    static void retain(const Shared& shared);
     template <typename Thing>
     static void releaseThing(const Shared* shared);
     [[nodiscard]] static const SharedText* newText(std::string_view text);
@@ -164,18 +166,26 @@ private:
     /// The text of a string value in the form in which values share one, with one holder more.
     [[nodiscard]] const SharedText* sharedText() const;
     [[nodiscard]] static std::string_view textOf(const SharedText& shared);
+    [[nodiscard]] std::string_view textOfPiece() const;
 
     /// As many characters stand in the value itself: enough for an abbreviated revision.
     static constexpr std::size_t shortLength = 13;
+    /// Behind the address of its Data, where a piece begins, and the low byte of its length.
+    static constexpr std::size_t placeOfOffset = sizeof(std::int64_t);
+    static constexpr std::size_t placeOfLength = placeOfOffset + sizeof(std::uint32_t);
+    static_assert(placeOfLength < shortLength);
 
-    /// A boolean, an integer (of a date, its seconds), a short string's characters, or the address
-    /// of what is shared.
-    alignas(std::int64_t) std::array<char, shortLength> _content{};
-    std::uint8_t _length = 0;  // of a short string
-    /// Where the value stands in a dictionary, what that notes of its key: there are many values,
-    /// and this room costs nothing. Never copied.
-    std::uint8_t _noteOfKey = 0;
-    Kind _kind = Kind::nothing;
+    struct Bits {
+        /// A boolean, an integer (of a date, its seconds), a short string's characters, a piece, or
+        /// the address of what is shared.
+        alignas(std::int64_t) std::array<char, shortLength> content{};
+        std::uint8_t length = 0;  // of a short string; of a piece, the high byte
+        /// Where the value stands in a dictionary, what that notes of its key: there are many
+        /// values, and this room costs nothing. It stays where it is when a value is copied.
+        std::uint8_t noteOfKey = 0;
+        Kind kind = Kind::nothing;
+    };
+    Bits _bits;
 };
 
 static_assert(sizeof(NEBValue) == 16, "a history has millions of them");

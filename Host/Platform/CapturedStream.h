@@ -1,8 +1,6 @@
 // CapturedStream.h - collects what a child writes into one pipe. Inside the host library only.
 #pragma once
 
-#include <string_view>
-
 #include "Platform/Data.h"
 #include "Platform/FileDescriptor.h"
 
@@ -25,17 +23,17 @@ public:
     /// somebody still holds the other end, so that more might have come.
     bool readRestAndClose();
 
-    /// What was read so far; good until the next read.
-    [[nodiscard]] std::string_view bytes() const { return _bytes; }
+    /// What was read so far; its bytes are good until the next read.
+    [[nodiscard]] const Data& data() const { return _data.data(); }
     /// Moves the bytes out.
-    [[nodiscard]] Data takeBytes() { return std::move(_bytes); }
+    [[nodiscard]] Data takeData() { return _data.take(); }
 
 private:
     /// Reads at most `most` bytes; false when there is nothing to read now or ever.
     bool readPiece(std::size_t most);
 
     FileDescriptor _readEnd;
-    Data _bytes;
+    GrowingData _data;
 };
 
 }  // namespace neb

@@ -73,8 +73,8 @@ std::vector<ChildOutcome> ChildPipeline::run(const ChildProcess::Observers& obse
     std::vector<ChildOutcome> outcomes;
     for (Child& child : _children) {
         outcomes.push_back({.status = *child.status,
-                            .output = child.output.takeBytes(),
-                            .errorOutput = child.errorOutput.takeBytes(),
+                            .output = child.output.takeData(),
+                            .errorOutput = child.errorOutput.takeData(),
                             .outputWasHeldOpen = child.outputWasHeldOpen,
                             .duration = child.endMoment - child.startMoment});
     }
@@ -239,7 +239,7 @@ void ChildPipeline::waitForEvent() {
 }
 
 void ChildPipeline::readStreams(const ChildProcess::Observers& observers) {
-    const std::size_t former = _children.back().output.bytes().size();
+    const std::size_t former = _children.back().output.data().size();
     for (Child& child : _children) {
         for (CapturedStream* stream : {&child.output, &child.errorOutput}) {
             if (stream->isOpen()) {
@@ -247,7 +247,7 @@ void ChildPipeline::readStreams(const ChildProcess::Observers& observers) {
             }
         }
     }
-    const std::string_view output = _children.back().output.bytes();
+    const Data& output = _children.back().output.data();
     if (observers.outputGrew && output.size() > former && !_killMoment) {
         observers.outputGrew(output);
     }

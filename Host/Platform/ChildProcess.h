@@ -64,8 +64,9 @@ public:
         /// Told the index of each child as soon as it runs.
         std::function<void(std::size_t)> started = {};
         /// Told, each time when more of it has come, all that the last child has written to
-        /// standard output so far. The bytes are good for the call only.
-        std::function<void(std::string_view)> outputGrew = {};
+        /// standard output so far: the Data that will be the outcome's. Its bytes are good for the
+        /// call only, they move as it grows.
+        std::function<void(const Data&)> outputGrew = {};
     };
 
     ChildProcess() = default;

@@ -91,7 +91,9 @@ std::string pathByAppendingComponent(std::string_view base, std::string_view com
     while (!component.empty() && component.front() == '/') {
         component.remove_prefix(1);
     }
-    return std::string(base).append("/").append(component);
+    std::string path;
+    path.reserve(base.size() + 1 + component.size());
+    return path.append(base).append("/").append(component);
 }
 
 std::string lastPathComponent(std::string_view path) {

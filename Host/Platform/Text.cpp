@@ -1,6 +1,7 @@
 #include "Platform/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -28,13 +29,13 @@ constexpr std::string_view replacement = "\xEF\xBF\xBD";
 /// How many bytes from `position` on are plain ASCII.
 std::size_t asciiRun(std::string_view bytes, std::size_t position) {
     std::size_t end = position;
-    std::uint64_t word = 0;
-    while (end + sizeof word <= bytes.size()) {
-        std::memcpy(&word, bytes.data() + end, sizeof word);
-        if ((word & 0x8080808080808080ULL) != 0) {
+    std::array<std::uint64_t, 4> words{};
+    while (end + sizeof words <= bytes.size()) {
+        std::memcpy(words.data(), bytes.data() + end, sizeof words);
+        if (((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080ULL) != 0) {
             break;
         }
-        end += sizeof word;
+        end += sizeof words;
     }
     while (end < bytes.size() && static_cast<unsigned char>(bytes[end]) < 0x80) {
         ++end;

@@ -74,7 +74,7 @@ TLSServer::TLSServer() {
           .currentDirectoryPath = std::nullopt,
           .environment = NEBSourceControlInheritedEnvironment()}})[0];
     if (!made.status.isSuccess()) {
-        throw std::runtime_error("openssl makes no certificate: " + made.errorOutput);
+        throw std::runtime_error("openssl makes no certificate: " + std::string(made.errorOutput));
     }
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) {

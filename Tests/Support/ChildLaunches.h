@@ -33,8 +33,8 @@ inline ChildOutcome runOne(const ChildLaunch& launch) {
 }
 
 /// The process number that a script wrote.
-inline pid_t numberIn(const std::string& text) {
-    return static_cast<pid_t>(std::stol(text));
+inline pid_t numberIn(std::string_view text) {
+    return static_cast<pid_t>(std::stol(std::string(text)));
 }
 
 }  // namespace neb::test

@@ -94,9 +94,9 @@ std::string SubversionServer::run(std::vector<std::string> words) const {
     }
     const ChildOutcome outcome = runWords(std::move(words));
     if (!outcome.status.isSuccess()) {
-        throw std::runtime_error(line + ": " + outcome.errorOutput);
+        throw std::runtime_error(line + ": " + std::string(outcome.errorOutput));
     }
-    return outcome.output;
+    return std::string(outcome.output);
 }
 
 void SubversionServer::commitFile(const std::string& path, const std::string& bytes) const {

@@ -32,14 +32,14 @@ ChildOutcome runGit(const std::string& folder, std::vector<std::string> argument
 
 std::string outputOf(const ChildOutcome& outcome, const std::vector<std::string>& arguments) {
     if (outcome.status.isSuccess()) {
-        return outcome.output;
+        return std::string(outcome.output);
     }
     std::string words = "git";
     for (const std::string& argument : arguments) {
         words += " " + argument;
     }
     throw std::runtime_error(words + ": " + outcome.status.description() + ": " +
-                             outcome.errorOutput);
+                             std::string(outcome.errorOutput));
 }
 
 }  // namespace

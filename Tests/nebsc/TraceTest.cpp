@@ -62,7 +62,7 @@ TEST_F(TraceOption, ALineCanBePastedIntoAShell) {
                                           .currentDirectoryPath = "/",
                                           .environment = NEBSourceControlInheritedEnvironment()}})
                                    .front();
-    EXPECT_TRUE(again.status.isSuccess()) << pasted << again.errorOutput;
+    EXPECT_TRUE(again.status.isSuccess()) << pasted << again.errorOutput.bytes();
     EXPECT_NE(repository.git({"rev-parse", "HEAD"}), tree);
     EXPECT_EQ(repository.git({"log", "-1", "--format=%B"}),
               repository.git({"log", "-1", "--format=%B", "HEAD~1"}));

@@ -32,7 +32,7 @@ std::string branchNameOf(const NEBDictionary& record) {
 // ---- the repository and its branches ----------------------------------------------------------
 
 std::vector<std::string> BranchTask::answerLines(std::vector<std::string> arguments) {
-    const std::string output = ask(std::move(arguments)).output;
+    const std::string output(ask(std::move(arguments)).output);
     std::vector<std::string> lines;
     for (std::size_t start = 0; start < output.size();) {
         const std::size_t end = std::min(output.find('\n', start), output.size());

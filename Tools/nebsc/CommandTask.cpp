@@ -247,7 +247,7 @@ void CommandTask::noteConflicts(Reply& reply, std::string_view sentence,
 }
 
 Reply CommandTask::failureOf(const ChildOutcome& question) const {
-    const std::string& words = question.errorOutput;
+    const std::string words(question.errorOutput);
     if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
         return refusal(question.status.exitStatus()
                            ? sentenceOfSilence(*question.status.exitStatus())

@@ -50,8 +50,11 @@ std::optional<std::string> answerOf(const ChildOutcome& outcome) {
     if (!outcome.status.isSuccess() || outcome.output.empty()) {
         return std::nullopt;
     }
-    const std::size_t lineEnd = outcome.output.ends_with('\n') ? 1 : 0;
-    return outcome.output.substr(0, outcome.output.size() - lineEnd);
+    std::string answer(outcome.output);
+    if (answer.ends_with('\n')) {
+        answer.pop_back();
+    }
+    return answer;
 }
 
 std::vector<std::string> textsBetweenNULs(std::string_view bytes) {

@@ -103,9 +103,9 @@ std::string runShell(const std::string& folder, std::vector<std::string> argumen
                       .environment = NEBSourceControlInheritedEnvironment()}})[0];
     if (!outcome.status.isSuccess()) {
         throw std::runtime_error("the script failed: " + outcome.status.description() + ": " +
-                                 outcome.errorOutput + outcome.output);
+                                 std::string(outcome.errorOutput) + std::string(outcome.output));
     }
-    return outcome.output;
+    return std::string(outcome.output);
 }
 
 std::string errorText(const std::optional<NEBSourceControlError>& error) {

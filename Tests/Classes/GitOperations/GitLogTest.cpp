@@ -336,10 +336,10 @@ TEST(LogOutput, LeavesOutACommitThatIsNoUTF8) {
 }
 
 /// Reads it as it arrives from a child, in pieces of about this size.
-std::vector<std::string> readAhead(const Data& output, std::size_t pieceSize) {
+std::vector<std::string> readAhead(const std::string& output, std::size_t pieceSize) {
     GitLogOperation operation(logRequest(true));
     for (std::size_t size = pieceSize; size < output.size(); size += pieceSize) {
-        operation.parseArrivedData(Data(output, 0, size));
+        operation.parseArrivedData(Data(output.substr(0, size)));
         EXPECT_FALSE(operation.result()) << "whether the child will fail nobody knows yet";
     }
     operation.setData(output);
@@ -352,7 +352,7 @@ std::vector<std::string> readAhead(const Data& output, std::size_t pieceSize) {
 }
 
 TEST(LogOutput, IsTheSameWhenItIsReadAsItArrives) {
-    Data output;
+    std::string output;
     for (int i = 0; i < 8000; ++i) {
         output += block("message " + std::to_string(i) + (i % 7 == 0 ? " \xE4" : "\n\nbody\n"));
         output += "\nM\tfile" + std::to_string(i % 100) + "\n";

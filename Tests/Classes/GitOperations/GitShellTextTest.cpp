@@ -35,8 +35,9 @@ TEST(ShellText, EscapesWhatTheShellWouldActUpon) {
 
 /// What the shell makes of a word, between brackets.
 std::string wordsByShell(const std::string& text) {
-    return test::runOne(test::shell("for word in " + text + "; do printf '[%s]' \"$word\"; done"))
-        .output;
+    return std::string(
+        test::runOne(test::shell("for word in " + text + "; do printf '[%s]' \"$word\"; done"))
+            .output);
 }
 
 TEST(ShellText, IsWhatTheShellReads) {

@@ -34,7 +34,8 @@ TEST_F(TaskOperation, ParsesFirstAndTranslatesWhatIsLeftThen) {
     auto operation = script("echo out; echo err >&2; exit 1");
     std::vector<std::string> order;
     operation->parse = [&] {
-        order.push_back("parse " + *operation->data() + *operation->errorData());
+        order.push_back("parse " + std::string(*operation->data()) +
+                        std::string(*operation->errorData()));
         operation->setResult(NEBSourceControlResult{});
     };
     operation->translate = [&](const std::string& message) {
@@ -78,7 +79,7 @@ TEST_F(TaskOperation, AnErrorHoldsNoPasswordInAnyOfItsTexts) {
     EXPECT_THAT(error->localizedDescription(), testing::Optional(HasSubstr(shown)));
     EXPECT_EQ(error->localizedRecoverySuggestion(), shown);
     EXPECT_THAT(NEBValue(error->userInfo).description(), testing::Not(HasSubstr("secret")));
-    EXPECT_EQ(operation->errorData()->find("secret") == std::string::npos, false)
+    EXPECT_THAT(std::string(*operation->errorData()), HasSubstr("secret"))
         << "what the child wrote is the operation's own";
 }
 
@@ -360,8 +361,8 @@ TEST_F(TaskOperation, TellsThatALeftOverProcessHeldItsOutput) {
     operation->start();
     EXPECT_TRUE(operation->outputWasHeldOpen());
     EXPECT_EQ(operation->error(), std::nullopt);
-    ::kill(static_cast<pid_t>(std::stol(*operation->data())), SIGKILL);
-    test::waitUntilGone(static_cast<pid_t>(std::stol(*operation->data())));
+    ::kill(static_cast<pid_t>(std::stol(std::string(*operation->data()))), SIGKILL);
+    test::waitUntilGone(static_cast<pid_t>(std::stol(std::string(*operation->data()))));
 }
 
 // ---- the default translation ------------------------------------------------------------------

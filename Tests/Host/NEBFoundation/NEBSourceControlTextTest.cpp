@@ -34,6 +34,14 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"NULInside", std::string("a\0b\n", 4), std::string("a\0b", 3)}),
     [](const auto& parameter) { return parameter.param.name; });
 
+TEST_P(TextFromData, IsTheSameTextAsData) {
+    const Data data(GetParam().bytes);
+    const Data text = NEBSourceControlTextData(data);
+    EXPECT_EQ(text.bytes(), GetParam().text);
+    EXPECT_EQ(text.bytes().data() == data.bytes().data(), GetParam().text == GetParam().bytes)
+        << "copied only where it must be";
+}
+
 TEST(AbsentText, AbsentDataIsNoText) {
     EXPECT_EQ(_nebsc_stringFromData(std::nullopt), std::nullopt);
 }

@@ -46,10 +46,11 @@ TEST(Value, IsOfOneKind) {
     EXPECT_TRUE(NEBValue("").isPresent()) << "empty is not absent";
 }
 
-/// A text stands in the value, or in one block with those who share it, or is the string that came:
+/// A text stands in the value, or in one block with those who share it, or is a piece of Data:
 /// which of them shows nowhere.
 TEST(Value, HoldsATextOfAnyLength) {
-    for (const std::size_t length : {0U, 1U, 12U, 13U, 14U, 15U, 4095U, 4096U, 4097U, 1000000U}) {
+    for (const std::size_t length :
+         {0U, 1U, 12U, 13U, 14U, 15U, 255U, 256U, 65535U, 65536U, 1000000U}) {
         std::string text(length, 'x');
         if (length > 1) {
             text[1] = '\0';
@@ -57,6 +58,12 @@ TEST(Value, HoldsATextOfAnyLength) {
         }
         const NEBValue fromString{std::string(text)};
         const NEBValue fromView{std::string_view(text)};
+        const Data around("[" + text + "]");
+        const NEBValue piece(around, around.bytes().substr(1, length));
+        EXPECT_EQ(piece.string(), text) << length;
+        EXPECT_EQ(piece, fromView) << length;
+        EXPECT_EQ(NEBValue(Data(text)), fromView) << length;
+        EXPECT_NE(piece, NEBValue(around)) << length;
         EXPECT_TRUE(fromString.isString()) << length;
         EXPECT_EQ(fromString.string(), text) << length;
         EXPECT_EQ(fromView.string(), text) << length;
@@ -76,15 +83,44 @@ TEST(Value, HoldsATextOfAnyLength) {
         EXPECT_EQ(another.value(text), NEBValue(1)) << length;
         EXPECT_EQ(dictionary.value(text), NEBValue(2)) << length;
         EXPECT_EQ(another.value(text + "z").string(), text) << length;
+        dictionary.setWithSharedKey(piece, piece);
+        EXPECT_EQ(dictionary.value(text).string(), text) << length;
+        EXPECT_EQ(dictionary.size(), 2U) << length;
     }
 }
 
-TEST(Value, KeepsALongStringWithoutACopy) {
-    std::string text(100000, 'x');
-    const char* characters = text.data();
-    const NEBValue value(std::move(text));
-    EXPECT_EQ(value.string()->data(), characters);
-    EXPECT_EQ(NEBValue(value).string()->data(), characters);
+TEST(Value, APieceOfDataIsNoCopyAndKeepsTheBytesAlive) {
+    for (const std::size_t length : {100U, 100000U}) {
+        NEBValue value;
+        const char* characters = nullptr;
+        {
+            const Data data(std::string(length, 'a') + std::string(length, 'b'));
+            characters = data.bytes().data() + length;
+            value = NEBValue(data, data.bytes().substr(length));
+        }
+        EXPECT_EQ(value.string()->data(), characters);
+        EXPECT_EQ(NEBValue(value).string()->data(), characters);
+        EXPECT_EQ(value.string(), std::string(length, 'b'));
+    }
+}
+
+TEST(Value, APieceStaysGoodWhileItsDataGrowsAndMoves) {
+    GrowingData growing;
+    const std::string start(100000, 's');
+    start.copy(growing.roomFor(start.size()), start.size());
+    growing.add(start.size());
+    const NEBValue piece(growing.data(), growing.data().bytes().substr(10, 100));
+    const NEBValue longPiece(growing.data(), growing.data().bytes().substr(10, 90000));
+    for (int i = 0; i < 10; ++i) {
+        const std::size_t more = growing.room() + 1;
+        std::fill_n(growing.roomFor(more), more, 'm');
+        growing.add(more);
+        ASSERT_EQ(piece.string(), std::string(100, 's')) << i;
+        ASSERT_EQ(longPiece.string(), std::string(90000, 's')) << i;
+    }
+    static_cast<void>(growing.take());
+    EXPECT_EQ(piece.string(), std::string(100, 's'));
+    EXPECT_EQ(longPiece.string(), std::string(90000, 's'));
 }
 
 TEST(Value, IsABooleanAsPeopleWriteThem) {
@@ -193,7 +229,9 @@ TEST(Dictionary, TakesTheEntriesOfAnother) {
 
 TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
     const std::string path(100, 'p');
+    const Data data("a piece that is too long to be kept in place");
     const NEBValue values[] = {NEBValue("a text that is too long to be kept in place"),
+                               NEBValue(data),
                                NEBValue(LOMFilePath::filePathForPathString(path)),
                                NEBValue(NEBDictionary{{"key", "value"}}),
                                NEBValue(5),
@@ -220,12 +258,15 @@ TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
 
 TEST(Value, IsSharedByThreads) {
     const NEBValue value("a text that is too long to be kept in place");
+    const NEBValue piece(Data("a piece that is too long to be kept in place"));
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([value] {
+        threads.emplace_back([value, piece] {
             for (int round = 0; round < 10000; ++round) {
                 const NEBValue copy = value;
+                const NEBValue copyOfPiece = piece;
                 ASSERT_TRUE(copy.isString());
+                ASSERT_EQ(copyOfPiece.string()->substr(0, 7), "a piece");
             }
         });
     }

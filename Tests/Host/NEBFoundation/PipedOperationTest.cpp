@@ -125,7 +125,7 @@ TEST_F(PipedOperation, TellsThatALeftOverProcessHeldTheOutputOfEitherHalf) {
     auto operation = piped("echo data", "cat; sleep 1000 & echo $!");
     operation->start();
     EXPECT_TRUE(operation->outputWasHeldOpen());
-    const std::string output = *operation->second->data();
+    const std::string output(*operation->second->data());
     const auto left = static_cast<pid_t>(std::stol(output.substr(output.find('\n') + 1)));
     ::kill(left, SIGKILL);
     test::waitUntilGone(left);

@@ -40,7 +40,7 @@ TEST_F(CapturedStreamTest, TakesWhatThereIsAndStaysOpen) {
     stream.readAvailable();
     stream.readAvailable();
     EXPECT_TRUE(stream.isOpen());
-    EXPECT_EQ(stream.takeBytes(), "onetwo");
+    EXPECT_EQ(stream.takeData(), "onetwo");
 }
 
 TEST_F(CapturedStreamTest, ClosesAtTheEnd) {
@@ -49,7 +49,7 @@ TEST_F(CapturedStreamTest, ClosesAtTheEnd) {
     stream.readAvailable();
     EXPECT_FALSE(stream.isOpen());
     EXPECT_EQ(stream.descriptor(), -1);
-    EXPECT_EQ(stream.takeBytes(), "one");
+    EXPECT_EQ(stream.takeData(), "one");
 }
 
 TEST_F(CapturedStreamTest, TheRestIsWholeWhoeverStillHoldsThePipe) {
@@ -57,21 +57,21 @@ TEST_F(CapturedStreamTest, TheRestIsWholeWhoeverStillHoldsThePipe) {
     write(bytes);
     EXPECT_TRUE(stream.readRestAndClose());
     EXPECT_FALSE(stream.isOpen());
-    EXPECT_EQ(stream.takeBytes(), bytes);
+    EXPECT_EQ(stream.takeData(), bytes);
 }
 
 TEST_F(CapturedStreamTest, TheRestOfAPipeThatNobodyHoldsWasNotHeld) {
     write("rest");
     pipe.writeEnd.close();
     EXPECT_FALSE(stream.readRestAndClose());
-    EXPECT_EQ(stream.takeBytes(), "rest");
+    EXPECT_EQ(stream.takeData(), "rest");
 }
 
 TEST(CapturedStream, NoStreamIsAtItsEnd) {
     CapturedStream none;
     EXPECT_FALSE(none.isOpen());
     EXPECT_FALSE(none.readRestAndClose());
-    EXPECT_EQ(none.takeBytes(), "");
+    EXPECT_EQ(none.takeData(), "");
 }
 
 }  // namespace

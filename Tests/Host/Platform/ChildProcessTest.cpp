@@ -174,12 +174,13 @@ TEST_F(ChildSurroundings, SignalsAreAtTheirDefaults) {
     // Each line ends with a mask of 16 digits, the last 8 of which are the signals 1 to 32; number
     // 32 is the C library's own.
     std::uint64_t mask = 0;
-    for (std::size_t tab = outcome.output.find('\t'); tab != std::string::npos;
-         tab = outcome.output.find('\t', tab + 1)) {
-        mask |= std::stoull(outcome.output.substr(tab + 1, 16), nullptr, 16);
+    const std::string masks(outcome.output);
+    for (std::size_t tab = masks.find('\t'); tab != std::string::npos;
+         tab = masks.find('\t', tab + 1)) {
+        mask |= std::stoull(masks.substr(tab + 1, 16), nullptr, 16);
     }
     EXPECT_THAT(outcome.output, AllOf(HasSubstr("SigBlk:"), HasSubstr("SigIgn:")));
-    EXPECT_EQ(mask & 0x7FFFFFFFU, 0U) << outcome.output;
+    EXPECT_EQ(mask & 0x7FFFFFFFU, 0U) << masks;
 }
 
 TEST_F(ChildSurroundings, NoDescriptorOfTheHostIsInherited) {
@@ -278,7 +279,7 @@ TEST_F(ChildFailure, WithoutDescriptorsItSaysSoAndWithoutAProcessDescriptorItRun
         limit.rlim_cur = static_cast<rlim_t>(next + free);
         ::setrlimit(RLIMIT_NOFILE, &limit);
         const ChildOutcome outcome = runOne(shell("echo x; exit 7"));
-        answers.push_back(outcome.output + outcome.status.description());
+        answers.push_back(std::string(outcome.output) + outcome.status.description());
     }
     ::setrlimit(RLIMIT_NOFILE, &original);
     const std::string none =

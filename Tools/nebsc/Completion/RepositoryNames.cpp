@@ -61,7 +61,7 @@ std::string RepositoryNames::outputOf(std::vector<std::string> arguments) {
     const Interruption::Work work(_interruption, cancel);
     const Deadline deadline(_end, cancel);
     const ChildOutcome outcome = runGit(process, _session.trace(), std::move(arguments), _folder);
-    return outcome.status.isSuccess() ? outcome.output : "";
+    return outcome.status.isSuccess() ? std::string(outcome.output) : std::string();
 }
 
 /// The names without the prefix, in the order of the prefixes.

@@ -72,7 +72,7 @@ TEST(GrowingData, KeepsAllBytesAtEverySize) {
 }
 
 TEST(GrowingData, GivesAtLeastTheRoomThatIsAskedFor) {
-    for (const std::size_t count : {1, 1000, 300000, 5000000}) {
+    for (const std::size_t count : {1U, 1000U, 300000U, 5000000U}) {
         GrowingData growing;
         append(growing, "x");
         std::fill_n(growing.roomFor(count), count, 'y');
@@ -91,7 +91,7 @@ TEST(GrowingData, ItsCopiesGrowWithIt) {
 }
 
 TEST(GrowingData, IsEmptyOnceItWasTaken) {
-    for (const std::size_t count : {1, 2000000}) {
+    for (const std::size_t count : {1U, 2000000U}) {
         GrowingData growing;
         append(growing, std::string(count, 'x'));
         const Data taken = growing.take();

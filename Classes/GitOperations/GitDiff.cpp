@@ -1,6 +1,7 @@
 #include "GitOperations/GitDiff.h"
 
 #include "GitOperations/GitRevision.h"
+#include "GitOperations/GitStatus.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Text.h"
 
@@ -44,10 +45,10 @@ std::string GitDiffOperation::revisionArgument() const {
 
 NEBSourceControlResult GitDiffOperation::recordsOf(std::string_view text) const {
     const auto& sourceTree = request()->sourceTree;
-    const std::string location = sourceTree ? sourceTree->location.value_or("") : "";
+    GitStatusLines lines(sourceTree ? sourceTree->location.value_or("") : "");
     NEBSourceControlResult records;
     forEachPiece(text, '\n', [&](std::string_view line) {
-        if (auto record = parseForStatusAndPathWithLine(line, location)) {
+        if (auto record = lines.recordOf(line)) {
             records.push_back(std::move(*record));
         }
     });

@@ -11,7 +11,7 @@ namespace neb {
 namespace {
 
 /// Reads "mode type name TAB path", with blanks between the first three.
-NEBDictionary recordOf(std::string_view entry) {
+NEBDictionary recordOf(const Data& listing, std::string_view entry) {
     Scanner scanner(entry);
     static_cast<void>(scanner.takeInteger());  // the mode
     scanner.skipSpace();
@@ -23,7 +23,8 @@ NEBDictionary recordOf(std::string_view entry) {
     NEBDictionary record;
     record.reserve(2);
     record.set(NEBSourceControlOperationIsLeafKey, type == "blob");
-    record.set(NEBSourceControlOperationNameKey, lastPathComponent(scanner.rest()));
+    record.set(NEBSourceControlOperationNameKey,
+               NEBValue(listing, lastPathComponentIn(scanner.rest())));
     return record;
 }
 
@@ -61,7 +62,7 @@ void GitListFilesOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {
         git_forEachComponentSeparatedByNULLTerminator(
-            *data(), [&records](std::string_view entry) { records.push_back(recordOf(entry)); });
+            *data(), [&](std::string_view entry) { records.push_back(recordOf(*data(), entry)); });
     }
     setResult(std::move(records));
 }

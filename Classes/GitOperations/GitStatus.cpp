@@ -60,8 +60,27 @@ std::uint32_t nebgit_sourceControlStatus(std::string_view letters) {
     return 0;
 }
 
-std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
-    std::string_view line, std::string_view fullPath) {
+GitStatusLines::GitStatusLines(std::string_view fullPath)
+    : _front(fullPath.empty() ? "" : pathByAppendingComponent(fullPath, "")) {}
+
+GitStatusLines::~GitStatusLines() {
+    // What is left of the room is no use to the records.
+    static_cast<void>(_paths.take());
+}
+
+NEBValue GitStatusLines::fullPathOf(std::string_view path) {
+    while (!_front.empty() && path.starts_with('/')) {
+        path.remove_prefix(1);
+    }
+    char* const place = _paths.roomFor(_front.size() + path.size());
+    _front.copy(place, _front.size());
+    path.copy(place + _front.size(), path.size());
+    const std::size_t start = _paths.data().size();
+    _paths.add(_front.size() + path.size());
+    return {_paths.data(), _paths.data().bytes().substr(start)};
+}
+
+std::optional<NEBDictionary> GitStatusLines::recordOf(std::string_view line) {
     Scanner scanner(line);
     scanner.skip(CharacterSet::whitespace());
     const std::string_view status = scanner.take(statusCharacters());
@@ -69,13 +88,17 @@ std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
         return std::nullopt;
     }
     scanner.skip(CharacterSet::whitespace());
-    const std::string_view path = cleanedPath(scanner.rest());
 
     NEBDictionary record;
     record.reserve(2);
     record.set(NEBSourceControlOperationWCStatusKey, nebgit_sourceControlStatus(status));
-    record.set(NEBSourceControlOperationPathKey, pathByAppendingComponent(fullPath, path));
+    record.set(NEBSourceControlOperationPathKey, fullPathOf(cleanedPath(scanner.rest())));
     return record;
+}
+
+std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
+    std::string_view line, std::string_view fullPath) {
+    return GitStatusLines(fullPath).recordOf(line);
 }
 
 GitStatusOperation::GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> request)
@@ -93,11 +116,11 @@ void GitStatusOperation::parseData() {
     const auto& sourceTree = request()->sourceTree;
     NEBSourceControlResult records;
     if (sourceTree && sourceTree->isValid) {
-        const std::string location = sourceTree->location.value_or("");
+        GitStatusLines lines(sourceTree->location.value_or(""));
         std::string_view rest = text;
         while (!rest.empty()) {
             const std::size_t end = rest.find('\n');
-            if (auto record = parseForStatusAndPathWithLine(rest.substr(0, end), location)) {
+            if (auto record = lines.recordOf(rest.substr(0, end))) {
                 records.push_back(std::move(*record));
             }
             rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);

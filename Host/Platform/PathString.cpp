@@ -96,13 +96,14 @@ std::string pathByAppendingComponent(std::string_view base, std::string_view com
     return path.append(base).append("/").append(component);
 }
 
-std::string lastPathComponent(std::string_view path) {
+std::string_view lastPathComponentIn(std::string_view path) {
     dropEndSlashes(path);
     const std::size_t slash = path.rfind('/');
-    if (slash == std::string_view::npos || path.size() == 1) {
-        return std::string(path);
-    }
-    return std::string(path.substr(slash + 1));
+    return slash == std::string_view::npos || path.size() == 1 ? path : path.substr(slash + 1);
+}
+
+std::string lastPathComponent(std::string_view path) {
+    return std::string(lastPathComponentIn(path));
 }
 
 std::string pathByDeletingLastComponent(std::string_view path) {

@@ -20,6 +20,8 @@ namespace neb {
 /// What follows the last "/", an end "/" left out of account: "b" for "/a/b/" and for "b". "/" for
 /// a path of nothing but "/", and "" for "".
 [[nodiscard]] NEB_EXPORT std::string lastPathComponent(std::string_view path);
+/// The same, where it stands in `path`.
+[[nodiscard]] NEB_EXPORT std::string_view lastPathComponentIn(std::string_view path);
 
 /// What stands before the last component and the "/" in front of it, an end "/" left out of
 /// account:

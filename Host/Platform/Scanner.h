@@ -65,7 +65,8 @@ public:
     /// Takes what stands before the next white space (see lengthOfSpaceAt in Text.h), or the rest.
     std::string_view takeUpToSpace() {
         std::size_t length = 0;
-        while (length < _text.size() && lengthOfSpaceAt(_text, length) == 0) {
+        while (length < _text.size() &&
+               (isPlain(_text[length]) || lengthOfSpaceAt(_text, length) == 0)) {
             ++length;
         }
         return takeLength(length);
@@ -103,7 +104,11 @@ public:
     }
     /// Passes over a run of white space (see lengthOfSpaceAt in Text.h).
     void skipSpace() {
-        while (const std::size_t length = lengthOfSpaceAt(_text, 0)) {
+        while (!_text.empty() && !isPlain(_text.front())) {
+            const std::size_t length = lengthOfSpaceAt(_text, 0);
+            if (length == 0) {
+                return;
+            }
             _text.remove_prefix(length);
         }
     }
@@ -111,6 +116,8 @@ public:
     [[nodiscard]] std::string_view rest() const { return _text; }
 
 private:
+    /// Whether the character is one of ASCII's visible ones, of which none is or begins a space.
+    static bool isPlain(char character) { return character > ' ' && character < '\x7F'; }
     std::string_view takeLength(std::size_t length) {
         const std::string_view run = _text.substr(0, length);
         _text.remove_prefix(run.size());

@@ -25,6 +25,9 @@ TEST(PathString, AppendingPutsOneSlashBetween) {
 }
 
 TEST(PathString, LastComponentLeavesEndSlashesOut) {
+    constexpr std::string_view path = "/a/name/";
+    EXPECT_EQ(lastPathComponentIn(path).data(), path.data() + 3) << "where it stands";
+    EXPECT_EQ(lastPathComponentIn(path), "name");
     EXPECT_EQ(lastPathComponent("/a/b"), "b");
     EXPECT_EQ(lastPathComponent("/a/b//"), "b");
     EXPECT_EQ(lastPathComponent("b"), "b");

@@ -53,4 +53,4 @@ test_packages=(libgtest-dev libgmock-dev procps util-linux git-svn subversion lo
     python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy cppcheck)
-benchmark_packages=(libbenchmark-dev)
+benchmark_packages=(libbenchmark-dev libgit2-dev pkg-config gnuplot-nox)

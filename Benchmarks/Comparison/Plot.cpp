@@ -1,0 +1,67 @@
+#include "Plot.h"
+
+#include <fstream>
+#include <sstream>
+#include <string_view>
+
+#include "Support/GeneratedRepository.h"
+
+namespace neb::benchmarks {
+
+namespace {
+
+/// A row for each size: commits, then seconds of git, of the operation and of libgit2, then MB
+/// printed and at the peak.
+void writeData(std::ostream& stream, const Results& results, std::string_view caseName) {
+    for (const Measurement& one : results.measurements) {
+        if (one.what->name == caseName) {
+            stream << one.size << ' ' << one.git.median / 1000 << ' ' << one.operation.median / 1000
+                   << ' ' << one.libgit2.median / 1000 << ' '
+                   << static_cast<double>(one.bytes) / 1e6 << ' '
+                   << static_cast<double>(one.peak) / 1e6 << '\n';
+        }
+    }
+}
+
+constexpr std::string_view script = R"(
+set terminal svg size 1000,420 font "sans-serif,12" background "white"
+set output file
+set logscale xy
+set xlabel "commits"
+set grid
+set key left top
+set format x "10^{%T}"
+set multiplot layout 1,2
+set ylabel "seconds"
+plot $files using 1:4 title "with files: libgit2" with linespoints lc rgb "#999999" pt 4, \
+     $files using 1:3 title "with files: operation" with linespoints lc rgb "#0060ad" pt 7, \
+     $files using 1:2 title "with files: git" with linespoints lc rgb "#dd181f" pt 1, \
+     $log using 1:4 title "log: libgit2" with linespoints lc rgb "#999999" pt 4 dt 2, \
+     $log using 1:3 title "log: operation" with linespoints lc rgb "#0060ad" pt 7 dt 2, \
+     $log using 1:2 title "log: git" with linespoints lc rgb "#dd181f" pt 1 dt 2
+set ylabel "MB"
+plot $files using 1:6 title "with files: peak" with linespoints lc rgb "#0060ad" pt 7, \
+     $files using 1:5 title "with files: printed" with linespoints lc rgb "#dd181f" pt 1, \
+     $log using 1:6 title "log: peak" with linespoints lc rgb "#0060ad" pt 7 dt 2, \
+     $log using 1:5 title "log: printed" with linespoints lc rgb "#dd181f" pt 1 dt 2
+unset multiplot
+)";
+
+}  // namespace
+
+void writePlot(const std::filesystem::path& file, const Results& results) {
+    std::ostringstream program;
+    program << "file = system(\"printf %s \\\"$NEB_PLOT_FILE\\\"\")\n";
+    for (const auto& [block, caseName] :
+         {std::pair("$log", "log"), std::pair("$files", "log with files")}) {
+        program << block << " << E\n";
+        writeData(program, results, caseName);
+        program << "E\n";
+    }
+    program << script;
+    const auto absolute = std::filesystem::absolute(file);
+    runProgram("/", "/usr/bin/env",
+               {"NEB_PLOT_FILE=" + absolute.string(), "gnuplot", "-e", program.str()});
+}
+
+}  // namespace neb::benchmarks

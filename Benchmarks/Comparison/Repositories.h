@@ -1,0 +1,37 @@
+// Repositories.h - the repositories that are asked, each made once.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace neb::benchmarks {
+
+enum class RepositoryKind {
+    history,      ///< as many commits, each of three files out of 5,000
+    workingCopy,  ///< as many changed and untracked files among the tracked ones, half of each
+    lines,        ///< one file of as many lines, "lines.txt", changed in 500 commits
+    patch,        ///< two commits whose difference has some as many millions of bytes
+    folder,       ///< one folder of as many files, "entries", checked out
+    small,        ///< a hundred commits, a branch "topic" beside "main", and a remote
+};
+
+class Repositories {
+public:
+    /// Below the folder, where repositories of earlier runs are taken as they are; without one
+    /// (an empty path) in a temporary folder, which goes with this object. A working copy tracks so
+    /// many files.
+    Repositories(const std::filesystem::path& folder, int trackedFiles);
+    Repositories(const Repositories&) = delete;
+    Repositories& operator=(const Repositories&) = delete;
+    ~Repositories();
+
+    /// The top folder of the repository, which is made when it is not there.
+    [[nodiscard]] std::string path(RepositoryKind kind, int size) const;
+
+private:
+    std::filesystem::path _folder;
+    bool _isTemporary;
+    int _trackedFiles;
+};
+
+}  // namespace neb::benchmarks

@@ -1,0 +1,117 @@
+// What the log of a long history costs beside git's own work: time, and memory at its peak.
+//
+// The history is generated once, in a temporary folder; NEB_BENCHMARK_REPOSITORY names another
+// repository to take in its place.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "GitOperations/GitLog.h"
+#include "Support/GeneratedRepository.h"
+#include "Support/PeakMemory.h"
+
+namespace neb::benchmarks {
+namespace {
+
+std::shared_ptr<NEBSourceControlRequest> logRequest(const std::string& location, bool withFiles) {
+    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
+    tree->location = location;
+    return NEBSourceControlRequest::initWithType(
+        18, tree, std::nullopt,
+        NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}});
+}
+
+/// A repository of 100,000 commits.
+class GeneratedHistory {
+public:
+    GeneratedHistory() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "neb-benchmark-XXXXXX").string();
+        _path = ::mkdtemp(pattern.data());
+        importRepository(_path, [](std::ostream& stream) { writeHistory(stream, 100000); });
+    }
+    GeneratedHistory(const GeneratedHistory&) = delete;
+    GeneratedHistory& operator=(const GeneratedHistory&) = delete;
+    ~GeneratedHistory() { std::filesystem::remove_all(_path); }
+
+    [[nodiscard]] const std::string& path() const { return _path; }
+
+private:
+    std::string _path;
+};
+
+const std::string& repository() {
+    static const char* const given = std::getenv("NEB_BENCHMARK_REPOSITORY");
+    if (given != nullptr) {
+        static const std::string path = given;
+        return path;
+    }
+    static const GeneratedHistory generated;
+    return generated.path();
+}
+
+/// What the operation's git prints.
+const Data& printedLog(bool withFiles) {
+    static Data outputs[2];
+    Data& output = outputs[withFiles ? 1 : 0];
+    if (output.empty()) {
+        GitLogOperation operation(logRequest(repository(), withFiles));
+        output = runProgram(repository(), operation.launchPath(), operation.arguments());
+    }
+    return output;
+}
+
+void setCounters(benchmark::State& state, const Data& output) {
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
+    state.counters["printedMiB"] = static_cast<double>(output.size()) / (1 << 20);
+}
+
+/// git alone, with the operation's arguments and environment, writing to nowhere.
+void LogToNowhere(benchmark::State& state) {
+    GitLogOperation operation(logRequest(repository(), state.range(0) != 0));
+    std::vector<std::string> words{"-c", "exec \"$0\" \"$@\" >/dev/null", operation.launchPath()};
+    words.insert(words.end(), operation.arguments().begin(), operation.arguments().end());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(runProgram(repository(), "/bin/sh", words));
+    }
+    setCounters(state, printedLog(state.range(0) != 0));
+}
+BENCHMARK(LogToNowhere)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// The whole operation.
+void Log(benchmark::State& state) {
+    const auto request = logRequest(repository(), state.range(0) != 0);
+    const auto work = [&request] {
+        GitLogOperation operation(request);
+        operation.start();
+        benchmark::DoNotOptimize(operation.result()->data());
+    };
+    for (auto _ : state) {
+        work();
+    }
+    const Data& output = printedLog(state.range(0) != 0);
+    setCounters(state, output);
+    state.counters["peakToPrinted"] =
+        static_cast<double>(peakGrowth(work)) / static_cast<double>(output.size());
+}
+BENCHMARK(Log)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// The reading alone, of bytes that are there.
+void ReadLog(benchmark::State& state) {
+    const auto request = logRequest("/w", state.range(0) != 0);
+    const Data& output = printedLog(state.range(0) != 0);
+    for (auto _ : state) {
+        GitLogOperation operation(request);
+        operation.setData(output);
+        operation.parseData();
+        benchmark::DoNotOptimize(operation.result()->data());
+    }
+    setCounters(state, output);
+}
+BENCHMARK(ReadLog)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace neb::benchmarks

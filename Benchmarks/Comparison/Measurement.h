@@ -19,7 +19,7 @@ struct Measurement {
     Spread git{}, operation{}, libgit2{};
     /// By rounds: the operation to git and to libgit2, and what it takes longer than git.
     Spread toGit{}, toLibGit2{}, added{};
-    /// Bytes a millisecond at which the printed bytes become records, in one thread.
+    /// Bytes a millisecond of processor time at which the printed bytes become records.
     double parsing = 0;
     /// Bytes by which the process grows while it carries the request out.
     std::int64_t peak = 0;

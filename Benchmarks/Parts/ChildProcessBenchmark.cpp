@@ -7,7 +7,7 @@
 
 #include "Platform/ChildProcess.h"
 
-namespace neb {
+namespace neb::benchmarks {
 namespace {
 
 ChildLaunch program(std::string path, std::vector<std::string> arguments) {
@@ -30,10 +30,10 @@ void Launch(benchmark::State& state) {
 }
 BENCHMARK(Launch)->Arg(0)->Arg(256)->Arg(2048)->UseRealTime();
 
-constexpr std::int64_t amount = 256 << 20;
+constexpr std::int64_t amount = 100'000'000;
 
-/// 256 MiB through one pipe into memory.
-void ReadOutput(benchmark::State& state) {
+/// 100 MB through one pipe into memory.
+void CollectOutput(benchmark::State& state) {
     for (auto _ : state) {
         ChildProcess process;
         const auto outcomes =
@@ -44,7 +44,7 @@ void ReadOutput(benchmark::State& state) {
     }
     state.SetBytesProcessed(state.iterations() * amount);
 }
-BENCHMARK(ReadOutput)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(CollectOutput)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 /// The same child, writing to nowhere: what the pipe and the collecting are measured against.
 void WriteToNowhere(benchmark::State& state) {
@@ -60,4 +60,4 @@ void WriteToNowhere(benchmark::State& state) {
 BENCHMARK(WriteToNowhere)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace neb
+}  // namespace neb::benchmarks

@@ -78,7 +78,7 @@ const std::vector<Case>& allCases() {
          &make<GitLogOperation>},
         {"status", workingCopy, "entries", &statusRequest, &libgit2Status,
          &make<GitStatusOperation>},
-        {"diff, names", workingCopy, "entries", &diffNamesRequest, &libgit2DiffNames,
+        {"diff names", workingCopy, "entries", &diffNamesRequest, &libgit2DiffNames,
          &make<GitDiffOperation>},
         {"blame", lines, "lines", &blameRequest, &libgit2Blame, &make<GitBlameOperation>},
         {"diff", patch, "MB", &diffRequest, &libgit2Diff, &make<GitDiffOperation>},

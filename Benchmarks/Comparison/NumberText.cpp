@@ -26,9 +26,13 @@ std::string countText(std::size_t count) {
     return text;
 }
 
+std::string ratioText(double value) {
+    return value < 10 ? numberText(value, 3) : figureText(value);
+}
+
 std::string spreadText(const Spread& spread) {
-    return numberText(spread.median, 3) + " (" + numberText(spread.least, 3) + "–" +
-           numberText(spread.most, 3) + ")";
+    return ratioText(spread.median) + " (" + ratioText(spread.least) + "–" +
+           ratioText(spread.most) + ")";
 }
 
 }  // namespace neb::benchmarks

@@ -14,6 +14,8 @@ std::string numberText(double value, int digits);
 std::string figureText(double value);
 /// "200,000".
 std::string countText(std::size_t count);
+/// With a thousandth where that counts: "1.031", "25.3".
+std::string ratioText(double value);
 /// The median, and the least and the most: "1.031 (1.010–1.082)".
 std::string spreadText(const Spread& spread);
 

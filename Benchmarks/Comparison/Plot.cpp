@@ -1,7 +1,6 @@
 #include "Plot.h"
 
 #include <fstream>
-#include <sstream>
 #include <string_view>
 
 #include "Support/GeneratedRepository.h"
@@ -24,12 +23,11 @@ void writeData(std::ostream& stream, const Results& results, std::string_view ca
 }
 
 constexpr std::string_view script = R"(
-set terminal svg size 1000,420 font "sans-serif,12" background "white"
-set output file
+set terminal svg size 1000,450 font "sans-serif,12" background "white"
 set logscale xy
 set xlabel "commits"
 set grid
-set key left top
+set key right bottom samplen 2
 set format x "10^{%T}"
 set multiplot layout 1,2
 set ylabel "seconds"
@@ -50,18 +48,19 @@ unset multiplot
 }  // namespace
 
 void writePlot(const std::filesystem::path& file, const Results& results) {
-    std::ostringstream program;
-    program << "file = system(\"printf %s \\\"$NEB_PLOT_FILE\\\"\")\n";
+    const std::filesystem::path program = file.string() + ".gnuplot";
+    std::ofstream stream(program);
     for (const auto& [block, caseName] :
          {std::pair("$log", "log"), std::pair("$files", "log with files")}) {
-        program << block << " << E\n";
-        writeData(program, results, caseName);
-        program << "E\n";
+        stream << block << " << E\n";
+        writeData(stream, results, caseName);
+        stream << "E\n";
     }
-    program << script;
-    const auto absolute = std::filesystem::absolute(file);
-    runProgram("/", "/usr/bin/env",
-               {"NEB_PLOT_FILE=" + absolute.string(), "gnuplot", "-e", program.str()});
+    stream << "set output " << file.filename() << script;
+    stream.close();
+    const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+    runProgram(folder.string(), "/usr/bin/env", {"gnuplot", program.filename().string()});
+    std::filesystem::remove(program);
 }
 
 }  // namespace neb::benchmarks

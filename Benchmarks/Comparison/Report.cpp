@@ -39,21 +39,30 @@ void writeMeasurements(std::ostream& stream, const Results& results) {
              {"---", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:"});
     for (const Measurement& one : results.measurements) {
         const bool isLong = one.bytes > 10000;  // of less, the last two figures would say nothing
-        writeRow(stream, {one.what->name, sizeText(one), countText(one.records),
-                          figureText(static_cast<double>(one.bytes) / mega),
-                          figureText(one.git.median), figureText(one.operation.median),
-                          figureText(one.libgit2.median), spreadText(one.toGit),
-                          spreadText(one.toLibGit2), isLong ? figureText(one.parsing / 1000) : "",
-                          figureText(static_cast<double>(one.peak) / mega),
-                          isLong ? figureText(one.peakToPrinted()) : ""});
+        writeRow(stream,
+                 {one.what->name, sizeText(one), countText(one.records),
+                  figureText(static_cast<double>(one.bytes) / mega), figureText(one.git.median),
+                  figureText(one.operation.median), figureText(one.libgit2.median),
+                  spreadText(one.toGit), ratioText(one.toLibGit2.median),
+                  isLong ? figureText(one.parsing / 1000) : "",
+                  figureText(static_cast<double>(one.peak) / mega),
+                  isLong ? figureText(one.peakToPrinted()) : ""});
     }
 }
 
 void writeTargets(std::ostream& stream, const Results& results) {
     writeRow(stream, {"target", "asked", "figure", ""});
     writeRow(stream, {"---", "---", "---", "---"});
+    std::string others;
     for (const Target& target : targetsOf(results)) {
-        writeRow(stream, {target.what, target.asked, target.figure, target.verdict});
+        if (target.figure.empty()) {
+            others += "\n- " + target.what + ", " + target.asked;
+        } else {
+            writeRow(stream, {target.what, target.asked, target.figure, target.verdict});
+        }
+    }
+    if (!others.empty()) {
+        stream << "\nNot measured:\n" << others << '\n';
     }
 }
 

@@ -40,6 +40,11 @@ void makeHistory(const std::string& folder, int commits, int) {
 /// The changed files are spread over all folders, and so are the untracked ones beside them. All
 /// are of an age at which git trusts what it has noted about them.
 void makeWorkingCopy(const std::string& folder, int entries, int trackedFiles) {
+    const int changed = entries / 2;
+    if (changed > trackedFiles) {
+        throw std::runtime_error("of " + std::to_string(trackedFiles) + " files " +
+                                 std::to_string(changed) + " cannot be changed");
+    }
     importRepository(folder, [trackedFiles](std::ostream& stream) {
         writeCommit(stream, 1);
         for (int number = 0; number < trackedFiles; ++number) {
@@ -47,7 +52,6 @@ void makeWorkingCopy(const std::string& folder, int entries, int trackedFiles) {
         }
     });
     checkOut(folder);
-    const int changed = std::min(entries / 2, trackedFiles);
     for (int i = 0; i < changed; ++i) {
         const auto number = static_cast<int>(static_cast<long long>(i) * trackedFiles / changed);
         const fs::path file = fs::path(folder) / pathOf(number);

@@ -12,9 +12,9 @@ struct Target {
     std::string what;
     /// "at most 1.03".
     std::string asked;
-    /// "1.01 (1.00 to 1.02)"; "not measured".
+    /// "1.010 (1.002–1.024)"; empty when it was not measured.
     std::string figure;
-    /// "met", "missed"; empty when it was not measured.
+    /// "met", "missed", "not measured".
     std::string verdict;
 };
 

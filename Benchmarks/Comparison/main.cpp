@@ -41,7 +41,7 @@ void declare(CLI::App& app, Options& options) {
     const auto addSizes = [&](const char* name, RepositoryKind kind, const char* help, int most) {
         app.add_option(name, options.sizes[kind], help)
             ->delimiter(',')
-            ->check(CLI::Range(1, most))
+            ->check(CLI::Range(2, most))
             ->capture_default_str();
     };
     addSizes("--commits", RepositoryKind::history, "Commits of the histories", 1000000);
@@ -81,11 +81,11 @@ Results run(const Options& options, const std::filesystem::path& programs) {
             results.measurements.push_back(measure(one, size, path, options.rounds));
         }
     }
-    const std::string small = repositories.path(RepositoryKind::small, 1);
+    const auto small = [&repositories] { return repositories.path(RepositoryKind::small, 1); };
     for (const Case& one : allCases()) {
         if (one.kind == RepositoryKind::small && options.isAsked("large host")) {
             std::cerr << one.name << " in a large host\n";
-            if (const auto ratio = measureLargeHost(one, small, options.rounds)) {
+            if (const auto ratio = measureLargeHost(one, small(), options.rounds)) {
                 results.largeHost.emplace_back(one.name, *ratio);
             }
         }
@@ -96,19 +96,20 @@ Results run(const Options& options, const std::filesystem::path& programs) {
     }
     if (options.isAsked("server")) {
         std::cerr << "server\n";
-        results.serverLoad = measureServerLoad(programs / "nebsc", small, options.rounds);
+        results.serverLoad = measureServerLoad(programs / "nebsc", small(), options.rounds);
     }
     return results;
 }
 
-/// As one gives it: the script adds the folder of the documents in front of the arguments.
+/// As one gives it to the script, which adds the folder of the documents; where the repositories
+/// are kept has no say.
 std::string commandOf(int count, const char* const* words) {
     std::string command = "scripts/benchmark";
     for (int i = 1; i < count; ++i) {
         const std::string word = words[i];
         if (word == "--docs" || word == "--cache") {
             ++i;
-        } else {
+        } else if (!word.starts_with("--docs=") && !word.starts_with("--cache=")) {
             command += (word.find(' ') == std::string::npos) ? " " + word : " '" + word + "'";
         }
     }

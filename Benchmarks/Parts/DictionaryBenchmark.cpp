@@ -49,6 +49,7 @@ BENCHMARK(CopyRecord);
 /// The files of one commit, from path to state: filled, then each looked up.
 void FilesOfCommit(benchmark::State& state) {
     std::vector<std::string> paths;
+    paths.reserve(static_cast<std::size_t>(state.range(0)));
     for (int number = 0; number < state.range(0); ++number) {
         paths.push_back("source/folder/file" + std::to_string(number) + ".cpp");
     }

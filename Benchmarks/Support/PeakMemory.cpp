@@ -5,8 +5,12 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <exception>
 #include <fstream>
+#include <stdexcept>
 #include <string>
+
+#include "Platform/FileDescriptor.h"
 
 namespace neb::benchmarks {
 
@@ -23,30 +27,38 @@ std::int64_t memoryFigure(const std::string& name) {
     return 0;
 }
 
+/// In the copy of the process, which it ends: the work, and by how much that made it grow.
+[[noreturn]] void tellGrowth(int end, const std::function<void()>& work) {
+    ::malloc_trim(0);                             // what earlier runs left free counts anew
+    std::ofstream("/proc/self/clear_refs") << 5;  // and so does the peak
+    const std::int64_t before = memoryFigure("VmRSS");
+    try {
+        work();
+    } catch (const std::exception&) {
+        ::_exit(1);
+    }
+    const std::int64_t growth = (memoryFigure("VmHWM") - before) * 1024;
+    ::_exit(::write(end, &growth, sizeof growth) == sizeof growth ? 0 : 1);
+}
+
 }  // namespace
 
 std::int64_t peakGrowth(const std::function<void()>& work) {
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        return 0;
-    }
-    const pid_t child = ::fork();
+    Pipe pipe;
+    const bool isPipeThere = openPipe(pipe, PipeSize::ordinary) == 0;
+    const pid_t child = isPipeThere ? ::fork() : -1;
     if (child == 0) {
-        ::malloc_trim(0);                             // what earlier runs left free counts anew
-        std::ofstream("/proc/self/clear_refs") << 5;  // and so does the peak
-        const std::int64_t before = memoryFigure("VmRSS");
-        work();
-        const std::int64_t growth = (memoryFigure("VmHWM") - before) * 1024;
-        ::_exit(::write(ends[1], &growth, sizeof growth) == sizeof growth ? 0 : 1);
+        tellGrowth(pipe.writeEnd.get(), work);
     }
+    pipe.writeEnd.close();
     std::int64_t growth = 0;
-    ::close(ends[1]);
-    if (::read(ends[0], &growth, sizeof growth) != sizeof growth) {
-        growth = 0;
-    }
-    ::close(ends[0]);
+    const bool isTold =
+        child > 0 && ::read(pipe.readEnd.get(), &growth, sizeof growth) == sizeof growth;
     if (child > 0) {
         ::waitpid(child, nullptr, 0);
+    }
+    if (!isTold) {
+        throw std::runtime_error("the memory of the work could not be measured");
     }
     return growth;
 }

@@ -24,11 +24,6 @@ std::string lineOf(int number, int version) {
            " of the file left it;\n";
 }
 
-std::string pathOf(int number) {
-    return "source/folder" + std::to_string(number / 100) + "/file" + std::to_string(number % 100) +
-           ".cpp";
-}
-
 void checkOut(const std::string& folder) {
     runGit(folder, {"checkout", "--quiet", "--force", "main"});
 }

@@ -7,10 +7,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "GitOperations/GitLog.h"
+#include "ParseTiming.h"
 #include "Support/GeneratedRepository.h"
 #include "Support/PeakMemory.h"
 
@@ -104,16 +104,7 @@ BENCHMARK(Log)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 void ParseLog(benchmark::State& state) {
     const auto request = logRequest("/w", state.range(0) != 0);
     const Data& output = printedLog(state.range(0) != 0);
-    for (auto _ : state) {
-        state.PauseTiming();  // neither what collected the bytes nor what lets the records go
-        auto operation = std::make_unique<GitLogOperation>(request);
-        operation->setData(output);
-        state.ResumeTiming();
-        operation->parseData();
-        state.PauseTiming();
-        operation.reset();
-        state.ResumeTiming();
-    }
+    timeParsing<GitLogOperation>(state, request, output, 100);
     setCounters(state, output);
 }
 BENCHMARK(ParseLog)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);

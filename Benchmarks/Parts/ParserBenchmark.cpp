@@ -10,14 +10,11 @@
 #include "GitOperations/GitList.h"
 #include "GitOperations/GitStatus.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "ParseTiming.h"
+#include "Support/GeneratedRepository.h"
 
 namespace neb::benchmarks {
 namespace {
-
-std::string pathOf(int number) {
-    return "source/folder" + std::to_string(number / 100) + "/file" + std::to_string(number % 100) +
-           ".cpp";
-}
 
 std::string objectNameOf(int number) {
     std::string name = std::to_string(number);
@@ -60,21 +57,8 @@ void parse(benchmark::State& state, std::string (*line)(int)) {
     for (int number = 0; number < state.range(0); ++number) {
         output += line(number);
     }
-    for (auto _ : state) {
-        state.PauseTiming();  // neither what collected the bytes nor what lets the records go
-        auto operation = std::make_unique<Op>(request);
-        operation->setData(output);
-        state.ResumeTiming();
-        operation->parseData();
-        state.PauseTiming();
-        if (operation->result()->size() < static_cast<std::size_t>(state.range(0))) {
-            state.SkipWithError("records were lost");
-        }
-        operation.reset();
-        state.ResumeTiming();
-    }
+    timeParsing<Op>(state, request, output, static_cast<std::size_t>(state.range(0)));
     state.SetItemsProcessed(state.iterations() * state.range(0));
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(output.size()));
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {

@@ -73,13 +73,18 @@ void writeFile(std::ostream& stream, std::string_view path, std::string_view con
     stream << "M 100644 inline " << path << "\ndata " << content.size() << "\n" << content << "\n";
 }
 
+std::string pathOf(int number) {
+    return "source/folder" + std::to_string(number / 100) + "/file" + std::to_string(number % 100) +
+           ".cpp";
+}
+
 void writeHistory(std::ostream& stream, int commits) {
     for (int number = 1; number <= commits; ++number) {
         writeCommit(stream, number);
         for (int file = 0; file < 3; ++file) {
-            writeFile(stream,
-                      "source/folder" + std::to_string((number * 7LL + file) % 50) + "/file" +
-                          std::to_string((number * 31LL + file) % 100) + ".cpp",
+            const long long folder = (number * 7LL + file) % 50;
+            const long long place = (number * 31LL + file) % 100;
+            writeFile(stream, pathOf(static_cast<int>(folder * 100 + place)),
                       std::to_string(number) + "\n");
         }
     }

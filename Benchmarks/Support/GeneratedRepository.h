@@ -33,6 +33,9 @@ void writeCommit(std::ostream& stream, int number);
 /// Sets the content of a file in the commit that was begun last.
 void writeFile(std::ostream& stream, std::string_view path, std::string_view content);
 
+/// The path of one of many files, a hundred in a folder: "source/folder12/file7.cpp".
+std::string pathOf(int number);
+
 /// As many commits, each of three files out of 5,000.
 void writeHistory(std::ostream& stream, int commits);
 

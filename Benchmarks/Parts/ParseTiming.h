@@ -1,0 +1,34 @@
+// ParseTiming.h - the loop that all parsers are timed in.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+#include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Platform/Data.h"
+
+namespace neb::benchmarks {
+
+/// Times how an operation of the class makes records of the bytes: without what brings the bytes to
+/// it, and without the end of the records. Fewer of them than expected are an error.
+template <typename Op>
+void timeParsing(benchmark::State& state, const std::shared_ptr<NEBSourceControlRequest>& request,
+                 const Data& printed, std::size_t expected) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto operation = std::make_unique<Op>(request);
+        operation->setData(printed);
+        state.ResumeTiming();
+        operation->parseData();
+        state.PauseTiming();
+        if (operation->result()->size() < expected) {
+            state.SkipWithError("records were lost");
+        }
+        operation.reset();
+        state.ResumeTiming();
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(printed.size()));
+}
+
+}  // namespace neb::benchmarks

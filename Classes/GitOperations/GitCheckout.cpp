@@ -68,7 +68,7 @@ void GitCheckoutOperation::parseData() {
     }
     NEBDictionary record;
     if (auto notice = _nebsc_stringFromData(errorData())) {
-        record.set(NEBSourceControlOperationContentKey, std::move(*notice));
+        record.set(NEBSourceControlOperationContentKey, *notice);
     }
     setResult({{std::move(record)}});
 }

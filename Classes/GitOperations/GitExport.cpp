@@ -87,9 +87,8 @@ void assertIsValid(const std::optional<std::string>& relativePath, const NEBValu
 }
 
 /// A failure that git was not asked about.
-NEBSourceControlError ownFailure(std::string_view errorClass, std::string description) {
-    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
-                                                        std::move(description));
+NEBSourceControlError ownFailure(std::string_view errorClass, const std::string& description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     error.errorClass = errorClass;
     return error;
 }

@@ -13,9 +13,9 @@ std::string_view gitLastLine(std::string_view text) {
     return lines.substr(lines.rfind('\n') + 1);
 }
 
-NEBSourceControlError gitErrorOfHook(std::string description, std::string_view words) {
-    auto refusal = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
-                                                          std::move(description));
+NEBSourceControlError gitErrorOfHook(const std::string& description, std::string_view words) {
+    auto refusal =
+        NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     refusal.errorClass = NEBSourceControlLocalHookErrorClass;
     if (!gitLastLine(words).empty()) {
         refusal.text = words;

@@ -17,6 +17,7 @@ namespace neb {
 
 /// An error of the class "local-hook-refused" with the description and, unless they are blank, the
 /// words that were printed.
-[[nodiscard]] NEBSourceControlError gitErrorOfHook(std::string description, std::string_view words);
+[[nodiscard]] NEBSourceControlError gitErrorOfHook(const std::string& description,
+                                                   std::string_view words);
 
 }  // namespace neb

@@ -26,7 +26,7 @@ public:
 
     /// The text as a string value, shared with earlier ones as long as it is remembered.
     const NEBValue& value(std::string_view text) {
-        NEBValue& place = _places[std::hash<std::string_view>()(text) % _places.size()];
+        NEBValue& place = _places[std::hash<std::string_view>()(text) & (_places.size() - 1)];
         if (!place.isString() || *place.string() != text) {
             place = text;
         }

@@ -7,13 +7,6 @@
 
 namespace neb {
 
-namespace {
-
-/// Up to here a walk through the entries is as quick as an index.
-constexpr std::size_t walkedSize = 16;
-
-}  // namespace
-
 // ---- an entry ---------------------------------------------------------------------------------
 
 NEBDictionary::Entry::Entry(const NEBValue::SharedText* key, NEBValue value)
@@ -63,14 +56,11 @@ bool NEBDictionary::isNew(std::string_view key, NEBValue& value) {
 void NEBDictionary::add(Entry entry) {
     if (isNew(entry.key(), entry._value)) {
         _entries.push_back(std::move(entry));
-        noteLastInIndex();
+        noteLast();
     }
 }
 
 void NEBDictionary::noteLastInIndex() {
-    if (_entries.size() <= walkedSize) {
-        return;
-    }
     if (_index && _entries.size() * 4 <= _index->size() * 3) {
         placeInIndex(_entries.back().key()) = static_cast<std::uint32_t>(_entries.size());
     } else {

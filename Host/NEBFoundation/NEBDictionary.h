@@ -85,7 +85,7 @@ public:
     void set(NEBConstant key, NEBValue value) {
         if (isNew(key, value)) {
             _entries.emplace_back(key, std::move(value));
-            noteLastInIndex();
+            noteLast();
         }
     }
     void set(const std::string& key, NEBValue value) { add(Entry(key, std::move(value))); }
@@ -116,11 +116,18 @@ private:
     /// Where the entries stand, by their keys: a table with open addressing, of a power of two
     /// places, of which at least a quarter are free.
     using Index = std::vector<std::uint32_t>;
+    /// Up to here a walk through the entries is as quick as an index.
+    static constexpr std::size_t walkedSize = 16;
 
     void add(Entry entry);
     /// Whether an entry with the key and value is to be added. False for an absent value; also for
     /// a key that there is, whose entry then has the value.
     [[nodiscard]] bool isNew(std::string_view key, NEBValue& value);
+    void noteLast() {
+        if (_entries.size() > walkedSize) {
+            noteLastInIndex();
+        }
+    }
     void noteLastInIndex();
     void buildIndex();
     [[nodiscard]] std::uint32_t& placeInIndex(std::string_view key) const;

@@ -14,12 +14,13 @@ std::optional<std::string> stringOf(const NEBValue& value) {
 }  // namespace
 
 NEBSourceControlError NEBSourceControlError::withDescription(
-    std::int64_t code, std::string description, std::optional<std::string> suggestion) {
+    std::int64_t code, const std::string& description,
+    const std::optional<std::string>& suggestion) {
     NEBSourceControlError error;
     error.code = code;
-    error.userInfo.set(NEBLocalizedDescriptionKey, std::move(description));
+    error.userInfo.set(NEBLocalizedDescriptionKey, description);
     if (suggestion) {
-        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, std::move(*suggestion));
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, *suggestion);
     }
     return error;
 }

@@ -19,8 +19,8 @@ class NEB_EXPORT NEBSourceControlError {
 public:
     /// An error in NEBSourceControlErrorDomain with this description, and a suggestion unless that
     /// is absent.
-    static NEBSourceControlError withDescription(std::int64_t code, std::string description,
-                                                 std::optional<std::string> suggestion = {});
+    static NEBSourceControlError withDescription(std::int64_t code, const std::string& description,
+                                                 const std::optional<std::string>& suggestion = {});
 
     std::string domain{NEBSourceControlErrorDomain.text()};
     std::int64_t code = NEBSourceControlGenericError;

@@ -40,9 +40,8 @@ std::string textOf(const Data& data) {
     return *_nebsc_stringFromData(data);
 }
 
-NEBSourceControlError errorOfClass(std::string_view errorClass, std::string description) {
-    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
-                                                        std::move(description));
+NEBSourceControlError errorOfClass(std::string_view errorClass, const std::string& description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     error.errorClass = errorClass;
     return error;
 }

@@ -19,7 +19,7 @@ bool isAnswer(std::string_view text) {
 }  // namespace
 
 Data NEBSourceControlTextData(const Data& data) {
-    const Data text = isUTF8(data) ? data : Data(textReplacingInvalidBytes(data));
+    Data text = isUTF8(data) ? data : Data(textReplacingInvalidBytes(data));
     std::string_view answer = text;
     if (!isAnswer(answer)) {
         return text;

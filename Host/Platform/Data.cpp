@@ -34,6 +34,10 @@ Data::Block::~Block() {
     }
 }
 
+void Data::destroy(const Block* block) {
+    delete block;
+}
+
 bool Data::Block::resize(std::size_t newCapacity) {
     void* place = nullptr;
 #ifdef MREMAP_MAYMOVE

@@ -88,9 +88,10 @@ private:
 
     static void release(const Block* block) {
         if (block != nullptr && block->release()) {
-            delete block;
+            destroy(block);
         }
     }
+    static void destroy(const Block* block);
 
     Block* _block = nullptr;
 };

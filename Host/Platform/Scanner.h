@@ -9,7 +9,7 @@
 #pragma once
 
 #include <algorithm>
-#include <bitset>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -24,28 +24,40 @@ namespace neb {
 class CharacterSet {
 public:
     /// The characters of `members`.
-    explicit CharacterSet(std::string_view members) {
+    constexpr explicit CharacterSet(std::string_view members) {
         for (const char member : members) {
-            _members.set(static_cast<unsigned char>(member));
+            _isMember[static_cast<unsigned char>(member)] = true;
         }
     }
     /// Blank and TAB.
-    static CharacterSet whitespace() { return CharacterSet(" \t"); }
+    static const CharacterSet& whitespace();
     /// A to Z.
-    static CharacterSet uppercaseLetters() { return CharacterSet("ABCDEFGHIJKLMNOPQRSTUVWXYZ"); }
+    static const CharacterSet& uppercaseLetters();
 
-    [[nodiscard]] CharacterSet operator|(const CharacterSet& other) const {
+    [[nodiscard]] constexpr CharacterSet operator|(const CharacterSet& other) const {
         CharacterSet both = *this;
-        both._members |= other._members;
+        for (std::size_t i = 0; i < _isMember.size(); ++i) {
+            both._isMember[i] = both._isMember[i] || other._isMember[i];
+        }
         return both;
     }
-    [[nodiscard]] bool contains(char character) const {
-        return _members.test(static_cast<unsigned char>(character));
+    [[nodiscard]] constexpr bool contains(char character) const {
+        return _isMember[static_cast<unsigned char>(character)];
     }
 
 private:
-    std::bitset<256> _members;
+    std::array<bool, 256> _isMember{};
 };
+
+inline const CharacterSet& CharacterSet::whitespace() {
+    static constexpr CharacterSet set(" \t");
+    return set;
+}
+
+inline const CharacterSet& CharacterSet::uppercaseLetters() {
+    static constexpr CharacterSet set("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    return set;
+}
 
 class Scanner {
 public:

@@ -52,10 +52,10 @@ TEST(Coloured, WhatIsAskedForCounts) {
     EXPECT_FALSE(wantsColour(Colours::automatic, -1));
 }
 
-NEBSourceControlError errorWith(std::string description, std::optional<std::string> suggestion,
+NEBSourceControlError errorWith(const std::string& description,
+                                const std::optional<std::string>& suggestion,
                                 std::optional<std::string> text) {
-    auto error =
-        NEBSourceControlError::withDescription(-1, std::move(description), std::move(suggestion));
+    auto error = NEBSourceControlError::withDescription(-1, description, suggestion);
     error.text = std::move(text);
     return error;
 }

@@ -1,24 +1,55 @@
 // The blame of a file: one record a line, and one more.
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
 #include "GitOperations/GitBlame.h"
 #include "NEBFoundation/NEBSourceControlText.h"
+#include "PlainReader.h"
+#include "Property.h"
+
+using namespace neb::fuzz;
+
+namespace {
+
+neb::NEBDictionary plainLine(const std::string& line) {
+    PlainReader reader(line);
+    const std::string revision = twelveCharactersOf(reader.before('\t'));
+    reader.pass('\t');
+    reader.pass('(');
+    reader.passSpace();
+    const std::string author = reader.before('\t');
+    reader.pass('\t');
+    const std::string date = reader.before('\t');
+    reader.pass('\t');
+    const std::string number = reader.before(')');
+
+    neb::NEBDictionary record;
+    const auto setIfRead = [&record](neb::NEBConstant key, const std::string& text) {
+        if (!text.empty()) {
+            record.set(key, text);
+        }
+    };
+    setIfRead(neb::NEBSourceControlOperationRevisionKey, revision);
+    setIfRead(neb::NEBSourceControlOperationAuthorKey, author);
+    setIfRead(neb::NEBSourceControlOperationLineNumberKey, number);
+    if (const auto instant = neb::DateFormatter().dateFromString(date)) {
+        record.set(neb::NEBSourceControlOperationDateKey, *instant);
+    }
+    return record;
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    neb::GitBlameOperation operation(
-        neb::NEBSourceControlRequest::initWithType(28, nullptr, std::nullopt, std::nullopt));
-    operation.setData(bytes);
-    operation.parseData();
-    const std::string text = *neb::_nebsc_stringFromData(bytes);
-    const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
-    if (operation.result().has_value() != !bytes.empty() ||
-        (operation.result() && operation.result()->size() != lines)) {
-        std::abort();
+    const std::string bytes = bytesOf(data, size);
+    neb::GitBlameOperation operation(requestOf(28));
+    const auto records = parsed(operation, bytes);
+    if (bytes.empty()) {
+        require(!records, "no output is no result");
+        return 0;
     }
+    std::vector<neb::NEBDictionary> expected;
+    for (const std::string& line : piecesOf(*neb::_nebsc_stringFromData(bytes), '\n')) {
+        expected.push_back(plainLine(line));
+    }
+    require(records == expected, "a blame is what a plain reader reads");
     return 0;
 }

@@ -1,32 +1,29 @@
-// A difference, as one text and as names with their states.
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
+// A difference: one text, or names with their states, read as a plain reader does it.
 
 #include "GitOperations/GitDiff.h"
-#include "Platform/Text.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "PlainReader.h"
+#include "Property.h"
+
+using namespace neb::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    for (const bool namesOnly : {false, true}) {
-        neb::GitDiffOperation operation(neb::NEBSourceControlRequest::initWithType(
-            30, nullptr, std::nullopt,
-            neb::NEBDictionary{
-                {neb::NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, namesOnly}}));
-        operation.setData(bytes);
-        operation.parseData();
-        if (operation.result().has_value() != !bytes.empty()) {
-            std::abort();
-        }
-        for (const neb::NEBDictionary& record :
-             operation.result().value_or(neb::NEBSourceControlResult())) {
-            const neb::NEBConstant key = namesOnly ? neb::NEBSourceControlOperationPathKey
-                                                   : neb::NEBSourceControlOperationContentKey;
-            if (!neb::isUTF8(*record.value(key).string())) {
-                std::abort();
-            }
-        }
+    const std::string bytes = bytesOf(data, size);
+    const std::string text = *neb::_nebsc_stringFromData(bytes);
+    neb::GitDiffOperation whole(requestOf(30));
+    neb::GitDiffOperation names(
+        requestOf(30, {{neb::NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}}));
+    const auto content = parsed(whole, bytes);
+    const auto states = parsed(names, bytes);
+    if (bytes.empty()) {
+        require(!content && !states, "no difference is no result");
+        return 0;
     }
+    require(content && content->size() == 1 &&
+                content->front() ==
+                    neb::NEBDictionary{{neb::NEBSourceControlOperationContentKey, text}},
+            "a difference is one text");
+    require(states == plainStates(piecesOf(text, '\n')),
+            "names and states are what a plain reader reads");
     return 0;
 }

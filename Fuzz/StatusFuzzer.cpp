@@ -1,28 +1,17 @@
-// The status of a working copy, and the pieces that other parsers share with it.
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
+// The status of a working copy, read as a plain reader does it.
 
 #include "GitOperations/GitStatus.h"
-#include "NSData+GitUtilities.h"
-#include "Platform/Text.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "PlainReader.h"
+#include "Property.h"
+
+using namespace neb::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    auto tree = std::make_shared<neb::NEBSourceControlWorkingTree>();
-    tree->location = "/w";
-    neb::GitStatusOperation operation(
-        neb::NEBSourceControlRequest::initWithType(15, tree, std::nullopt, std::nullopt));
-    operation.setData(bytes);
-    operation.parseData();
-    if (!operation.result()) {
-        std::abort();
-    }
-    for (const std::string& component : neb::git_componentsSeparatedByNULLTerminator(bytes)) {
-        if (!neb::isUTF8(component) || component.find('\0') != std::string::npos) {
-            std::abort();
-        }
-    }
+    const std::string bytes = bytesOf(data, size);
+    neb::GitStatusOperation operation(requestOf(15));
+    const auto records = parsed(operation, bytes);
+    require(records == plainStates(piecesOf(*neb::_nebsc_stringFromData(bytes), '\n')),
+            "a status is what a plain reader reads");
     return 0;
 }

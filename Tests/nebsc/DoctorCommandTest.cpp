@@ -6,8 +6,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "LockFiles.h"
+#include "Platform/ChildProcess.h"
 #include "Platform/FileDescriptor.h"
 #include "nebsc/CommandTest.h"
 
@@ -115,11 +117,58 @@ TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
     const StandInGit hanging(repository.path(), "sleep 600");
     const auto found = findings("git", {hanging.path()});
     EXPECT_EQ(found[0]["health"], "problem");
+    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("no answer within 5 s"));
+}
+
+TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFromThem) {
+    const StandInGit git(repository.path(),
+                         "case \"$*\" in *config*) echo 'fatal: bad config line 1' >&2; exit 128;; "
+                         "*) exec /usr/bin/git \"$@\";; esac");
+    const auto found = findings("settings", {git.path()});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]["health"], "problem");
+    EXPECT_EQ(found[0]["text"], "git does not tell them: bad config line 1");
+    EXPECT_EQ(findings("credentials", {git.path()}).size(), 0U);
+}
+
+TEST_F(DoctorCommand, ABrokenConfigurationIsNoReasonToInstallGitAnew) {
+    repository.write("broken", "[broken\n");
+    const auto found = findings("git", {{"GIT_CONFIG_GLOBAL", repository.path("broken")}});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("bad config line 1 in file"));
+    EXPECT_EQ(found[0]["advice"], "Mend the line, or take it out.");
+}
+
+TEST_F(DoctorCommand, LocksAreFoundBesideTheObjectsAndUnderAnyName) {
+    const std::string graph = oldLock("objects/info/commit-graph.lock");
+    EXPECT_THAT(nebsc({"doctor"}).output, HasSubstr("rm " + graph));
+    repository.git({"init", "--quiet", "two\nlines"});
+    repository.write("two\nlines/.git/index.lock", "");
+    const auto json =
+        runNebsc({"doctor", "--json"}, {.folder = repository.path("two\nlines")}).json();
+    EXPECT_THAT(json.dump(), HasSubstr("two\\nlines/.git/index.lock"));
+}
+
+TEST_F(DoctorCommand, AnotherProgramWithANameLikeGitsHoldsNoLock) {
+    const std::string index = oldLock("index.lock");
+    std::filesystem::copy_file("/bin/sleep", repository.path("gitg"));
+    ChildProcess viewer;
+    std::thread running([&] {
+        static_cast<void>(viewer.run({{.launchPath = repository.path("gitg"),
+                                       .arguments = {"600"},
+                                       .currentDirectoryPath = repository.path(),
+                                       .environment = {}}}));
+    });
+    const auto found = findings("lock");
+    viewer.cancel();
+    running.join();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]["health"], "problem");
 }
 
 TEST_F(DoctorCommand, SettingsThatDoNotCountAreListedWithBothValues) {
     repository.git({"config", "core.quotePath", "true"});
-    repository.git({"config", "color.ui", "false"});
+    repository.git({"config", "color.ui", "no"});
     const auto found = findings("setting");
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["text"],
@@ -165,12 +214,13 @@ TEST_F(DoctorCommand, SomebodyElsesRepositoryIsAProblem) {
     programs.writeProgram(
         "git",
         "#!/bin/sh\ncase \"$1\" in --version) echo git version 2.39.5;; rev-parse) "
-        "echo \"fatal: detected dubious ownership in repository at '/x'\" >&2; exit "
-        "128;; esac\n");
+        "printf \"fatal: detected dubious ownership in repository at '/x y'\\nTo add an exception "
+        "for this directory, call:\\n\\n\\tgit config --global --add safe.directory '/x "
+        "y'\\n\" >&2; exit 128;; esac\n");
     const auto found = findings("repository", {{"PATH", programs.path() + ":/usr/bin:/bin"}});
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["health"], "problem");
-    EXPECT_THAT(found[0]["advice"].get<std::string>(), HasSubstr("safe.directory"));
+    EXPECT_EQ(found[0]["advice"], "If you do: git config --global --add safe.directory '/x y'");
 }
 
 TEST(LockAge, IsToldInAUnitThatFits) {

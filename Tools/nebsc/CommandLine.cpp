@@ -100,7 +100,9 @@ public:
     [[nodiscard]] std::string commandName() const;
     /// Absent where the call names none.
     [[nodiscard]] const Command* command() const;
-    /// On the first word that has no place in the call.
+    /// Whether an option stands in the call that there is not.
+    [[nodiscard]] bool hasUnknownOption() const;
+    /// On the first option that there is not, else on the first word that has no place in the call.
     [[nodiscard]] Mistake mistakeInWords() const;
     /// On what the command needs and the call does not have.
     [[nodiscard]] Mistake missingWords() const;
@@ -286,10 +288,23 @@ std::string usageOf(const std::string& commandName, const Command& command) {
     return usage;
 }
 
+/// A word of the call, shielded where it stands behind "--".
+bool isOption(const std::string& word) {
+    return word.starts_with('-') && word != "-" && word != "--";
+}
+
+bool Reader::hasUnknownOption() const {
+    const std::vector<std::string> words = _app.remaining(true);
+    return std::any_of(words.begin(), words.end(), isOption);
+}
+
 Mistake Reader::mistakeInWords() const {
     const std::vector<std::string> words = _app.remaining(true);
-    const auto wrong = std::find_if(words.begin(), words.end(),
-                                    [](const std::string& word) { return word != "--"; });
+    auto wrong = std::find_if(words.begin(), words.end(), isOption);
+    if (wrong == words.end()) {
+        wrong = std::find_if(words.begin(), words.end(),
+                             [](const std::string& word) { return word != "--"; });
+    }
     const std::string word = wrong == words.end() ? "" : unshielded(*wrong);
     const Command* command = this->command();
     if (word.starts_with('-') && !wrong->starts_with(shield)) {
@@ -392,7 +407,9 @@ std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
     } catch (const CLI::ExtrasError&) {
         return refusedCall(reader.mistakeInWords(), reader.commandName());
     } catch (const CLI::RequiredError&) {
-        return refusedCall(reader.missingWords(), reader.commandName());
+        return refusedCall(
+            reader.hasUnknownOption() ? reader.mistakeInWords() : reader.missingWords(),
+            reader.commandName());
     } catch (const CLI::ParseError& error) {
         return refusedCall(mistakeInOption(error.what()), reader.commandName());
     }

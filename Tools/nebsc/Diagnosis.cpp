@@ -105,6 +105,58 @@ struct Setting {
     std::string value;
 };
 
+/// git lists the names of settings in small letters.
+std::string lowercase(std::string_view text) {
+    std::string small(text);
+    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return small;
+}
+
+/// git's words for why it did not answer, else how it ended.
+std::string reasonOf(const ChildOutcome& outcome) {
+    if (outcome.duration >= timeForEachGit) {
+        return "no answer within " + std::to_string(timeForEachGit.count()) + " s";
+    }
+    std::string_view words = outcome.errorOutput;
+    words = words.substr(0, words.find('\n'));
+    if (words.starts_with("fatal: ")) {
+        words.remove_prefix(7);
+    }
+    return words.empty() ? outcome.status.description() : std::string(words);
+}
+
+/// The command that makes git trust a folder: git has written it, ready to be pasted.
+std::string lineOfTrust(std::string_view words) {
+    constexpr std::string_view command = "git config --global --add safe.directory ";
+    const std::size_t place = words.find(command);
+    if (place == std::string_view::npos) {
+        return std::string(command) + "FOLDER, with the folder that \"git status\" names.";
+    }
+    words.remove_prefix(place);
+    return std::string(words.substr(0, words.find('\n')));
+}
+
+/// Where two texts mean the same truth for git.
+bool isSameSetting(const std::string& left, std::string_view right) {
+    const auto truth = [](std::string_view text) -> std::optional<bool> {
+        const std::string word = lowercase(text);
+        for (const std::string_view yes : {"true", "yes", "on", "1"}) {
+            if (word == yes) {
+                return true;
+            }
+        }
+        for (const std::string_view no : {"false", "no", "off", "0"}) {
+            if (word == no) {
+                return false;
+            }
+        }
+        return std::nullopt;
+    };
+    return left == right || (truth(left) && truth(left) == truth(right));
+}
+
 class Doctor {
 public:
     Doctor(Interruption& interruption, const Trace& trace, const std::string& folder)
@@ -122,7 +174,7 @@ private:
     void examinePlugIn(const PlugInFile& plugIn);
     void examineRepository();
     void examineLocks(const std::vector<std::string>& gitFolders);
-    void readSettings();
+    [[nodiscard]] bool readSettings();
     void examineSettings();
     void examineCredentials();
     void examineCredentialHelper(const Setting& setting);
@@ -167,10 +219,16 @@ void Doctor::examineGit() {
             "Install git, or put the folder that it is in into PATH.");
         return;
     }
+    if (!outcome.status.isSuccess()) {
+        const bool isSetting =
+            NEBSourceControlErrorClassOfText(outcome.errorOutput) == "configuration-broken";
+        add(Health::problem, "git", path + " tells no version: " + reasonOf(outcome),
+            isSetting ? "Mend the line, or take it out."
+                      : "See what \"git --version\" says in a shell.");
+        return;
+    }
     if (!version) {
-        add(Health::problem, "git",
-            path + " tells no version: " +
-                (text.empty() ? outcome.status.description() : inQuotes(text)),
+        add(Health::problem, "git", path + " tells no version: " + inQuotes(text),
             "Install git anew, or put the folder of another into PATH.");
         return;
     }
@@ -187,7 +245,13 @@ void Doctor::examineGit() {
         add(Health::problem, "git", path + ", " + text + ", lacks " + missing,
             "Install git " + textOf(features.back().since) + " or newer.");
     }
-    _programs = answerOf(ask({"--exec-path"})).value_or("");
+    const ChildOutcome programs = ask({"--exec-path"});
+    if (!programs.status.isSuccess()) {
+        add(Health::problem, "git",
+            "it does not tell where its programs are: " + reasonOf(programs));
+        return;
+    }
+    _programs = answerOf(programs).value_or("");
     if (isReachable("git-remote-https")) {
         add(Health::ok, "https", "git can talk with repositories over HTTPS");
     } else {
@@ -210,33 +274,26 @@ void Doctor::examinePlugIn(const PlugInFile& plugIn) {
 // ---- the working copy -------------------------------------------------------------------------
 
 void Doctor::examineRepository() {
-    const ChildOutcome outcome =
-        ask({"rev-parse", "--path-format=absolute", "--git-dir", "--git-common-dir"});
+    const ChildOutcome outcome = ask({"rev-parse", "--path-format=absolute", "--git-dir"});
     if (!outcome.status.isSuccess()) {
         const std::string_view words = outcome.errorOutput;
         const auto errorClass = NEBSourceControlErrorClassOfText(words);
-        const std::string sentence(words.substr(0, words.find('\n')));
         if (errorClass == "owner-not-trusted") {
             add(Health::problem, "repository",
                 "it belongs to somebody else, and so git does not trust it",
-                "If you do: git config --global --add safe.directory FOLDER, with the folder that "
-                "\"git status\" names.");
+                "If you do: " + lineOfTrust(words));
         } else if (errorClass == "not-a-repository") {
             add(Health::note, "repository", _folder + " lies in none",
                 "\"nebsc init\" makes one, \"nebsc clone\" copies one.");
         } else {
-            add(Health::problem, "repository",
-                "git cannot read it: " +
-                    (sentence.empty() ? outcome.status.description() : sentence));
+            add(Health::problem, "repository", "git cannot read it: " + reasonOf(outcome));
         }
         return;
     }
-    std::vector<std::string> folders;
-    const std::string answer = answerOf(outcome).value_or("");
-    const std::size_t lineEnd = answer.find('\n');
-    folders.push_back(answer.substr(0, lineEnd));
-    if (lineEnd != std::string::npos && answer.substr(lineEnd + 1) != folders.front()) {
-        folders.push_back(answer.substr(lineEnd + 1));
+    std::vector<std::string> folders{answerOf(outcome).value_or("")};
+    const auto common = answerOf(ask({"rev-parse", "--path-format=absolute", "--git-common-dir"}));
+    if (common && *common != folders.front()) {
+        folders.push_back(*common);
     }
     _workingCopy = answerOf(ask({"rev-parse", "--show-toplevel"})).value_or("");
     add(Health::ok, "repository",
@@ -273,10 +330,15 @@ void Doctor::examineLocks(const std::vector<std::string>& gitFolders) {
 
 // ---- settings ---------------------------------------------------------------------------------
 
-/// The entries that we add ourselves are of the scope "command".
-void Doctor::readSettings() {
-    const std::vector<std::string> texts =
-        textsBetweenNULs(ask({"config", "--list", "--show-scope", "-z"}).output);
+/// False, and a finding, where they cannot be had. The entries that we add ourselves are of the
+/// scope "command".
+bool Doctor::readSettings() {
+    const ChildOutcome outcome = ask({"config", "--list", "--show-scope", "-z"});
+    if (!outcome.status.isSuccess()) {
+        add(Health::problem, "settings", "git does not tell them: " + reasonOf(outcome));
+        return false;
+    }
+    const std::vector<std::string> texts = textsBetweenNULs(outcome.output);
     for (std::size_t i = 0; i + 1 < texts.size(); i += 2) {
         const std::string& entry = texts[i + 1];
         const std::size_t lineEnd = entry.find('\n');
@@ -286,6 +348,7 @@ void Doctor::readSettings() {
                  lineEnd == std::string::npos ? "true" : entry.substr(lineEnd + 1)});
         }
     }
+    return true;
 }
 
 std::string Doctor::lastValue(std::string_view key) const {
@@ -295,20 +358,11 @@ std::string Doctor::lastValue(std::string_view key) const {
     return setting == _settings.rend() ? "" : setting->value;
 }
 
-/// git lists the names of settings in small letters.
-std::string lowercase(std::string_view text) {
-    std::string small(text);
-    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return small;
-}
-
 void Doctor::examineSettings() {
     bool isAny = false;
     for (const NEBSourceControlPinnedSetting& pinned : NEBSourceControlPinnedSettings()) {
         const std::string own = lastValue(lowercase(pinned.key));
-        if (!own.empty() && own != pinned.value) {
+        if (!own.empty() && !isSameSetting(own, pinned.value)) {
             isAny = true;
             add(Health::note, "setting",
                 std::string(pinned.key) + " is " + inQuotes(withoutSecrets(own)) +
@@ -331,7 +385,7 @@ void Doctor::examineCredentialHelper(const Setting& setting) {
         return;
     }
     const std::string word = setting.value.substr(0, setting.value.find(' '));
-    const bool isPath = word.starts_with('/') || word.starts_with('~');
+    const bool isPath = word.starts_with('/');  // to git "~" is no path here
     const std::string program = isPath ? word : "git-credential-" + word;
     if (isReachable(program)) {
         add(Health::ok, "credentials", which + ": " + program);
@@ -406,11 +460,14 @@ std::vector<Finding> Doctor::examine(const PlugInFile& plugIn) {
     examinePlugIn(plugIn);
     if (_hasGit) {
         examineRepository();
-        readSettings();
-        examineSettings();
-        examineCredentials();
+        if (readSettings()) {
+            examineSettings();
+            examineCredentials();
+        }
         examineKeys();
-        examineSubversion();
+        if (!_programs.empty()) {
+            examineSubversion();
+        }
     }
     return std::move(_findings);
 }

@@ -1,6 +1,7 @@
 #include "CommandTask.h"
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
 
@@ -23,7 +24,7 @@ protected:
 std::string line(std::string_view name, const NEBValue& value) {
     constexpr std::size_t nameColumnWidth = 12;
     return std::string(name) + std::string(nameColumnWidth - name.size(), ' ') +
-           printable(value.description()) + "\n";
+           printable(textWithoutPasswords(value.description())) + "\n";
 }
 
 /// The question for a URL is answered by silence outside any repository too, and by the user's own

@@ -76,7 +76,9 @@ std::vector<LockFile> findLockFiles(const std::vector<std::string>& gitFolders,
                                     const std::string& workingCopy) {
     std::set<std::string> paths;
     for (const std::string& folder : gitFolders) {
-        collectLocks<fs::directory_iterator>(folder, paths);
+        for (const char* place : {"", "/objects/info", "/objects/pack"}) {
+            collectLocks<fs::directory_iterator>(folder + place, paths);
+        }
         collectLocks<fs::recursive_directory_iterator>(folder + "/refs", paths);
     }
     if (paths.empty()) {
@@ -87,7 +89,8 @@ std::vector<LockFile> findLockFiles(const std::vector<std::string>& gitFolders,
         const auto isThere = [&process](const std::string& folder) {
             return !folder.empty() && liesWithin(process.folder, folder);
         };
-        return process.name.starts_with("git") &&
+        const bool isGit = process.name.starts_with("git (") || process.name.starts_with("git-");
+        return isGit &&
                (isThere(workingCopy) || std::any_of(gitFolders.begin(), gitFolders.end(), isThere));
     };
     std::vector<LockFile> locks;

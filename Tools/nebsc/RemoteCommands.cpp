@@ -8,6 +8,7 @@
 #include "BranchTask.h"
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
 #include "TextWidth.h"
@@ -116,6 +117,9 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
         for (const std::string& location : remote.push) {
             rows.emplace_back(name, location + " (push)");
         }
+    }
+    for (auto& row : rows) {
+        row.second = textWithoutPasswords(row.second);
     }
     reply.standardOutput = rows.empty()
                                ? "The repository " +

@@ -7,12 +7,13 @@
 #include "Output.h"
 #include "Pager.h"
 #include "Platform/ErrnoText.h"
+#include "Platform/Passwords.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
 
 std::string complaint(std::string_view sentence) {
-    return "nebsc: " + printable(sentence) + "\n";
+    return "nebsc: " + printable(textWithoutPasswords(sentence)) + "\n";
 }
 
 Reply refusal(std::string_view sentence, int exitStatus) {

@@ -4,6 +4,7 @@
 #include "BranchTask.h"
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
@@ -28,9 +29,9 @@ std::string ShowTask::textOfResult(const NEBSourceControlResult& records) {
     std::string lines;
     for (const NEBDictionary& record : records) {
         if (record.value(NEBSourceControlOperationUsesGitSVNKey).boolValue()) {
-            lines +=
-                printable(record.value(NEBSourceControlOperationRemoteOriginKey).description()) +
-                "\n";
+            lines += printable(textWithoutPasswords(
+                         record.value(NEBSourceControlOperationRemoteOriginKey).description())) +
+                     "\n";
         }
     }
     return lines;

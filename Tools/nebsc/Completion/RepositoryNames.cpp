@@ -7,6 +7,7 @@
 #include "Deadline.h"
 #include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
 #include "Platform/Text.h"
 
 namespace neb::nebsc {
@@ -115,23 +116,27 @@ std::vector<NameInRepository> RepositoryNames::remotes() {
                         [&name](const NameInRepository& other) { return other.name == name; });
         const bool isBridge = record.value(NEBSourceControlOperationUsesGitSVNKey).isPresent();
         if (!name.empty() && !isKnown && !isBridge) {
-            names.push_back({name, textOf(record, NEBSourceControlOperationRemoteOriginKey)});
+            names.push_back({name, textWithoutPasswords(
+                                       textOf(record, NEBSourceControlOperationRemoteOriginKey))});
         }
     }
     return names;
 }
 
-/// The listing of the remotes ends a URL at its first blank.
+/// The listing of the remotes ends a URL at its first blank. One that holds a password is no word
+/// to be shown on a screen.
 std::vector<NameInRepository> RepositoryNames::locations() {
     std::vector<NameInRepository> names;
     for (const std::string& setting :
          textsBetweenNULs(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
         const std::size_t lineEnd = setting.find('\n');
-        if (lineEnd != std::string::npos) {
+        const std::string location =
+            lineEnd == std::string::npos ? "" : setting.substr(lineEnd + 1);
+        if (!location.empty() && textWithoutPasswords(location) == location) {
             constexpr std::string_view head = "remote.";
             constexpr std::string_view end = ".url";
-            names.push_back({setting.substr(lineEnd + 1),
-                             setting.substr(head.size(), lineEnd - head.size() - end.size())});
+            names.push_back(
+                {location, setting.substr(head.size(), lineEnd - head.size() - end.size())});
         }
     }
     return names;

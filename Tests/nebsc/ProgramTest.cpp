@@ -134,6 +134,10 @@ TEST(Program, AMistypedWordIsAskedBack) {
     };
     for (const Row& row :
          {Row{{"stauts"}, "There is no command \"stauts\". Did you mean \"status\"?"},
+          Row{{"stauts", "log"}, "There is no command \"stauts\". Did you mean \"status\"?"},
+          Row{{"status", "a", "status"},
+              "The word \"status\" is one too many: nebsc status [PATH] (see nebsc status "
+              "--help)."},
           Row{{"branch", "creat", "x"},
               "There is no command \"branch creat\". Did you mean \"create\"?"},
           Row{{"log", "--limt", "3"},

@@ -91,6 +91,7 @@ public:
     Reader();
 
     void parse(int argc, const char* const* argv) {
+        _firstWord = argc > 1 ? argv[1] : "";
         _wordsBehindDashes = countWordsBehindDashes(argc, argv);
         _app.parse(shieldedWords(argc, argv));
     }
@@ -120,6 +121,7 @@ private:
     static void addCommand(CLI::App& parent, const Command& command);
 
     CLI::App _app{std::string(description), "nebsc"};
+    std::string _firstWord;
     std::optional<std::size_t> _wordsBehindDashes;
 };
 
@@ -312,6 +314,12 @@ Mistake Reader::mistakeInWords() const {
         return {"There is no option " + inQuotes(name) +
                     (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName()))),
                 questionForSimilar(name, optionsOf(command))};
+    }
+    const auto isNameOf = [&word](const Command* other) { return other->name == word; };
+    if (command != nullptr && *wrong == _firstWord &&
+        std::none_of(allCommands().begin(), allCommands().end(), isNameOf)) {
+        return {"There is no command " + inQuotes(word),
+                questionForSimilar(word, namesOf(allCommands()))};
     }
     if (command == nullptr || (!command->commands.empty() && command->parameters.empty())) {
         const auto commands = command == nullptr ? allCommands() : command->commands;

@@ -93,6 +93,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Line{"BlankIndexColumn", " M src/x.c", "", "4 src/x.c"},
         Line{"IndexLetterCounts", "AM new.txt", "/w", "1 /w/new.txt"},
+        Line{"OneSlashJoinsBaseAndPath", "M  //a", "/w/", "4 /w/a"},
+        Line{"WithoutABaseThePathIsAsItIs", "M  //a", "", "4 //a"},
         Line{"StagedModification", "M  a", "/w", "4 /w/a"},
         Line{"DeletedInTheWorkTree", " D a", "/w", "2 /w/a"},
         Line{"DeletedFromTheIndex", "D  a", "/w", "2 /w/a"},

@@ -221,6 +221,10 @@ const Case cases[] = {
      "error: cache entry has null sha1: a\nfatal: Unable to write new index file"},
     {"other-tools", -1,
      "git-lfs filter-process: 1: git-lfs: not found\nfatal: the remote end hung up unexpectedly"},
+    {"other-tools", -1,
+     "git-lfs filter-process: 1: git-lfs: not found\nerror: packet write with format failed\n"
+     "error: Could not write client identification\nerror: initialization for subprocess 'git-lfs "
+     "filter-process' failed\nfatal: b.bin: clean filter 'lfs' failed"},
     {"program-missing", -1, "odd: 1: odd: not found\nfatal: the remote end hung up unexpectedly"},
     {"program-missing", -1,
      "fatal: cannot run /opt/ssh: No such file or directory\nfatal: unable to fork"},

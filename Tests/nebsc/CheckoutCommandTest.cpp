@@ -60,7 +60,9 @@ TEST_F(CheckoutCommand, NamesTheFilesThatAreInConflictNow) {
 TEST_F(CheckoutCommand, ConflictsCountWithJSONToo) {
     repository.write("src/b.c", "mine\n");
     const NebscOutcome outcome = nebsc({"checkout", "--json", "topic"});
-    EXPECT_TRUE(outcome.json()["error"].is_null());
+    EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
+              "Local changes are in conflict with what was checked out, in:");
+    EXPECT_EQ(outcome.json()["error"]["files"], JSON({"src/b.c"}));
     EXPECT_EQ(outcome.json()["command"]["arguments"], JSON({"checkout", "topic", "--merge"}));
     EXPECT_THAT(outcome.errors, HasSubstr("    src/b.c\n"));
     EXPECT_EQ(outcome.exitStatus, 1);

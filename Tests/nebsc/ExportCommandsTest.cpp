@@ -87,7 +87,9 @@ TEST_F(ExportCommands, NothingIsOverwritten) {
     const std::string path = folder.write("x.c", "mine");
     expectFailed(nebsc({"export", "HEAD", "run", path}), HasSubstr("already; nothing was done"));
     folder.write("run", "mine");
-    expectFailed(nebsc({"export", "--json", "HEAD", "run", folder.path()}), HasSubstr("already"));
+    const NebscOutcome json = nebsc({"export", "--json", "HEAD", "run", folder.path()});
+    EXPECT_THAT(json.json()["error"]["localizedDescription"], HasSubstr("already"));
+    EXPECT_EQ(json.exitStatus, 1);
     fs::create_symlink("nowhere", folder.path("link"));
     expectFailed(nebsc({"export", "HEAD", "run", folder.path("link")}), HasSubstr("already"));
     EXPECT_EQ(folder.read("x.c"), "mine");

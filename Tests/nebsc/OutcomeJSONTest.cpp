@@ -16,7 +16,7 @@ using namespace std::string_literals;
 
 TEST(OutcomeJSON, HasEveryMemberWhenNothingIsThere) {
     EXPECT_EQ(lineOfJSON(jsonOfOutcome(Outcome())),
-              R"({"type":0,"name":"add","authenticationRequired":false,"valid":false,)"
+              R"({"type":null,"name":null,"authenticationRequired":false,"valid":false,)"
               R"("operation":null,"command":null,"commands":[],"reports":[],"result":null,)"
               R"("error":null})"
               "\n");

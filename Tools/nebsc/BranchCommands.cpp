@@ -44,7 +44,7 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
             (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
     }
     if (!isCurrentListed) {
-        reply.standardOutput += whereInsteadOfBranch();
+        reply.standardOutput += printable(whereInsteadOfBranch()) + "\n";
     }
 }
 
@@ -85,8 +85,7 @@ void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
         name = printable(*branch);
     }
     if (name.empty()) {
-        reply.standardError += "nebsc: " + whereInsteadOfBranch();
-        reply.exitStatus = exitFailed;
+        addFailure(reply, refusal(whereInsteadOfBranch(), exitFailed));
         return;
     }
     reply.standardOutput = name + "\n";

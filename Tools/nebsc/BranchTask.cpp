@@ -55,10 +55,10 @@ std::optional<std::string> BranchTask::currentBranch() {
 
 std::string BranchTask::whereInsteadOfBranch() {
     if (const auto branch = currentBranch()) {
-        return "The current branch " + printable(inQuotes(*branch)) + " has no commit yet.\n";
+        return "The current branch " + inQuotes(*branch) + " has no commit yet.";
     }
     const auto commit = latestCommit();
-    return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "On no branch.\n";
+    return commit ? "Now at " + *commit + ", on no branch." : "On no branch.";
 }
 
 bool BranchTask::isBranch(const std::string& name) {

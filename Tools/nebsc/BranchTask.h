@@ -43,7 +43,7 @@ protected:
     [[nodiscard]] std::optional<Reply> refusalWithoutRepository();
     /// The current branch, be it without a commit yet; nothing on no branch.
     [[nodiscard]] std::optional<std::string> currentBranch();
-    /// A sentence, as a line, for where there is no current branch that has a commit.
+    /// A sentence for where there is no current branch that has a commit; not yet printable.
     [[nodiscard]] std::string whereInsteadOfBranch();
     [[nodiscard]] bool isBranch(const std::string& name);
 

@@ -34,8 +34,8 @@ std::optional<Reply> refusalOf(const Performance& performance) {
     const Outcome& outcome = *performance.outcome;
     if (!outcome.operation && !outcome.error) {
         return refusal("The plug-in has no operation for the request type " +
-                           std::to_string(outcome.type) + " (" +
-                           std::string(*NEBSourceControlRequestTypeName(outcome.type)) + ").",
+                           std::to_string(*outcome.type) + " (" +
+                           std::string(*NEBSourceControlRequestTypeName(*outcome.type)) + ").",
                        exitFailed);
     }
     return std::nullopt;
@@ -50,6 +50,10 @@ Reply CommandTask::run() {
     _sign.emplace(_call.command.activity, !trace().isOn());
     Reply reply = work();
     _sign.reset();
+    if (isJSON() && reply.error && reply.standardOutput.empty()) {
+        Outcome withoutRequest;
+        addNotes(reply, withoutRequest);
+    }
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = _interruption.end();
     if (signalNumber && !_call.isJSON) {
@@ -115,7 +119,7 @@ std::optional<Reply> CommandTask::readPaths() {
     return std::nullopt;
 }
 
-Reply CommandTask::replyTo(const Outcome& outcome) {
+Reply CommandTask::replyTo(Outcome& outcome) {
     Reply reply;
     if (outcome.result) {
         reply.standardOutput = textOfResult(*outcome.result);
@@ -129,7 +133,10 @@ Reply CommandTask::replyTo(const Outcome& outcome) {
     return reply;
 }
 
-void CommandTask::addNotes(Reply& reply, const Outcome& outcome) const {
+void CommandTask::addNotes(Reply& reply, Outcome& outcome) const {
+    if (!outcome.error) {
+        outcome.error = reply.error;
+    }
     if (_call.isJSON) {
         reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
     }
@@ -180,7 +187,7 @@ Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>&
 
 std::optional<Reply> CommandTask::prepareBy(
     const std::shared_ptr<NEBSourceControlRequest>& request) {
-    const Performance performance = perform(request);
+    Performance performance = perform(request);
     if (auto refused = refusalOf(performance)) {
         return refused;
     }
@@ -219,16 +226,19 @@ std::optional<std::string> CommandTask::latestCommit() {
 
 bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const {
     if (outcome.error) {
-        const std::string sentence = sentenceFor(*outcome.error);
-        reply.standardError += sentence.empty() ? errorLines(*outcome.error) : complaint(sentence);
-    } else if (const int status = silentExitStatus(outcome);
-               status == 0 || silence == Silence::irrelevant ||
-               (status == 1 && silence == Silence::answer)) {
-        return false;
-    } else {
-        reply.standardError += complaint(sentenceOfSilence(status));
+        Reply failure = failureWith(*outcome.error);
+        if (const std::string sentence = sentenceFor(*outcome.error); !sentence.empty()) {
+            failure.standardError = complaint(sentence);
+        }
+        addFailure(reply, failure);
+        return true;
     }
-    reply.exitStatus = exitFailed;
+    const int status = silentExitStatus(outcome);
+    if (status == 0 || silence == Silence::irrelevant ||
+        (status == 1 && silence == Silence::answer)) {
+        return false;
+    }
+    addFailure(reply, refusal(sentenceOfSilence(status), exitFailed));
     return true;
 }
 
@@ -238,11 +248,9 @@ void CommandTask::noteConflicts(Reply& reply, std::string_view sentence,
     question.insert(question.end(), paths.begin(), paths.end());
     const ChildOutcome outcome = ask(std::move(question));
     if (!outcome.status.isSuccess()) {
-        reply.standardError += failureOf(outcome).standardError;
-        reply.exitStatus = exitFailed;
+        addFailure(reply, failureOf(outcome));
     } else if (!outcome.output.empty()) {
-        reply.standardError += complaintAbout(sentence, textsBetweenNULs(outcome.output));
-        reply.exitStatus = exitFailed;
+        addFailure(reply, refusalAbout(sentence, textsBetweenNULs(outcome.output)));
     }
 }
 
@@ -255,9 +263,7 @@ Reply CommandTask::failureOf(const ChildOutcome& question) const {
                        exitFailed);
     }
     const auto request = requestOfType(NEBSourceControlRequestStatus);
-    return {.standardOutput = {},
-            .standardError = errorLines(NEBSourceControlErrorFromText(words, *request)),
-            .exitStatus = exitFailed};
+    return failureWith(NEBSourceControlErrorFromText(words, *request));
 }
 
 std::optional<Reply> CommandTask::refusalWithoutWorkingCopy() {
@@ -272,13 +278,14 @@ std::string CommandTask::shown(const std::string& path) const {
         _place, path.starts_with('/') ? path : pathByAppendingComponent(_place.location, path)));
 }
 
-std::string CommandTask::complaintAbout(std::string_view sentence,
-                                        const std::vector<std::string>& files) const {
-    std::string lines = complaint(sentence);
+Reply CommandTask::refusalAbout(std::string_view sentence,
+                                const std::vector<std::string>& files) const {
+    Reply refused = refusal(sentence, exitFailed);
     for (const std::string& file : files) {
-        lines += "    " + shown(file) + "\n";
+        refused.standardError += "    " + shown(file) + "\n";
     }
-    return lines;
+    refused.error->files = files;
+    return refused;
 }
 
 }  // namespace neb::nebsc

@@ -8,8 +8,9 @@
 //     };
 //
 // run() finds the working copy around the current folder, lets the command look before anything is
-// done, carries its request out, and says what came of it: with --json the outcome; for a person
-// what the command makes of the result, and in either case an error, a git that failed without a
+// done, carries its request out, and says what came of it: with --json the outcome, also where
+// there is no more to it than why no request was made; for a person what the command makes of the
+// result, and in either case an error, a git that failed without a
 // word, broken preconditions and a signal.
 #pragma once
 
@@ -128,16 +129,17 @@ protected:
     [[nodiscard]] std::optional<Reply> refusalWithoutWorkingCopy();
     /// A path from the top, or an absolute one, as the person sees it, printable.
     [[nodiscard]] std::string shown(const std::string& path) const;
-    /// The sentence, and the files on lines of their own, as the person sees them.
-    [[nodiscard]] std::string complaintAbout(std::string_view sentence,
-                                             const std::vector<std::string>& files) const;
+    /// A refusal with the sentence, and the files on lines of their own, as the person sees them.
+    [[nodiscard]] Reply refusalAbout(std::string_view sentence,
+                                     const std::vector<std::string>& files) const;
 
 private:
     [[nodiscard]] Reply work();
     [[nodiscard]] std::optional<Reply> readPaths();
-    [[nodiscard]] Reply replyTo(const Outcome& outcome);
-    /// Adds what belongs to a reply about an outcome in any case.
-    void addNotes(Reply& reply, const Outcome& outcome) const;
+    [[nodiscard]] Reply replyTo(Outcome& outcome);
+    /// Adds what belongs to a reply about an outcome in any case. A failure that is the command's
+    /// alone becomes the outcome's, so that a program is told of it.
+    void addNotes(Reply& reply, Outcome& outcome) const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text);
 
     const CommandCall& _call;

@@ -246,13 +246,12 @@ void ExportTreeTask::noteSparseFiles(Reply& reply) {
         return entry.starts_with("S ");
     });
     if (!outcome.status.isSuccess()) {
-        reply.standardError += failureOf(outcome).standardError;
-        reply.exitStatus = exitFailed;
+        addFailure(reply, failureOf(outcome));
     } else if (count > 0) {
         const std::string files = count == 1 ? "One file" : std::to_string(count) + " files";
-        reply.standardError += "nebsc: " + files + " of the index outside the sparse checkout " +
-                               (count == 1 ? "was" : "were") + " not written.\n";
-        reply.exitStatus = exitFailed;
+        addFailure(reply, refusal(files + " of the index outside the sparse checkout " +
+                                      (count == 1 ? "was" : "were") + " not written.",
+                                  exitFailed));
     }
 }
 

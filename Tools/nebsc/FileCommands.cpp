@@ -84,12 +84,10 @@ std::optional<Reply> RemoveTask::look() {
     if (changed.empty()) {
         return std::nullopt;
     }
-    return Reply{.standardOutput = {},
-                 .standardError = complaintAbout("Nothing was removed, as changes that are not "
-                                                 "committed would be lost:",
-                                                 changed) +
-                                  "\"nebsc rm --force\" removes the files all the same.\n",
-                 .exitStatus = exitFailed};
+    Reply refused = refusalAbout(
+        "Nothing was removed, as changes that are not committed would be lost:", changed);
+    refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
+    return refused;
 }
 
 constexpr Parameter removeParameters[] = {

@@ -14,7 +14,8 @@
 namespace neb::nebsc {
 
 struct Outcome {
-    std::int32_t type = 0;
+    /// Absent where no request was made.
+    std::optional<std::int32_t> type;
     bool authenticationRequired = false;
     /// What the plug-in's validation said. When it refused, there is no operation, and the reason
     /// is the error.

@@ -119,8 +119,9 @@ JSON arrayOf(const Values& values, Function function) {
 }  // namespace
 
 JSON jsonOfOutcome(const Outcome& outcome) {
-    return {{"type", outcome.type},
-            {"name", orNull(NEBSourceControlRequestTypeName(outcome.type))},
+    return {{"type", orNull(outcome.type)},
+            {"name",
+             orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
             {"authenticationRequired", outcome.authenticationRequired},
             {"valid", outcome.valid},
             {"operation", orNull(outcome.operation)},

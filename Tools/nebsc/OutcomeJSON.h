@@ -13,7 +13,8 @@
 //       "result": [ { "NEBSourceControlOperationRevisionKey": "0123456789ab" } ],
 //       "error": null }
 //
-// Every member is always there, null where it is absent. "name" is the type's plain name. The
+// Every member is always there, null where it is absent. "name" is the type's plain name; it
+// and "type" are null where no request was made. The
 // "pipeTo" of a command is a command, "terminationStatus" is null for a child that did not exit. A
 // date is "2012-03-04T05:06:07Z", a file path its string, a dictionary an object. "error" is null
 // or { "domain", "code", "class", "terminationStatus", "text", "hints", "remoteLines", "files",

@@ -17,7 +17,28 @@ std::string complaint(std::string_view sentence) {
 }
 
 Reply refusal(std::string_view sentence, int exitStatus) {
-    return {.standardOutput = {}, .standardError = complaint(sentence), .exitStatus = exitStatus};
+    Reply reply{
+        .standardOutput = {}, .standardError = complaint(sentence), .exitStatus = exitStatus};
+    if (exitStatus == exitFailed) {
+        reply.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
+                                                             textWithoutPasswords(sentence));
+    }
+    return reply;
+}
+
+Reply failureWith(const NEBSourceControlError& error) {
+    return {.standardOutput = {},
+            .standardError = errorLines(error),
+            .exitStatus = exitFailed,
+            .error = error};
+}
+
+void addFailure(Reply& reply, const Reply& failure) {
+    reply.standardError += failure.standardError;
+    reply.exitStatus = failure.exitStatus;
+    if (!reply.error) {
+        reply.error = failure.error;
+    }
 }
 
 int deliver(const Reply& reply) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "ExitStatus.h"
+#include "NEBFoundation/NEBSourceControlError.h"
 
 namespace neb::nebsc {
 
@@ -16,10 +17,19 @@ struct Reply {
     int exitStatus = exitDone;
     /// The program, as the shell takes it, through which standard output goes to the terminal.
     std::optional<std::string> pager = std::nullopt;
+    /// What a program is told of the failure, which is not that of an outcome; absent as a rule.
+    std::optional<NEBSourceControlError> error = std::nullopt;
 };
 
-/// A reply that is one line on standard error: "nebsc: " and the sentence, made printable.
+/// A reply that is one line on standard error: "nebsc: " and the sentence, made printable. With
+/// exitFailed it has the sentence as an error, too.
 [[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus);
+
+/// A reply that tells of an error.
+[[nodiscard]] Reply failureWith(const NEBSourceControlError& error);
+
+/// Adds a failure behind what the reply has to say; of several, a program is told the first.
+void addFailure(Reply& reply, const Reply& failure);
 
 /// The line of such a reply alone.
 [[nodiscard]] std::string complaint(std::string_view sentence);

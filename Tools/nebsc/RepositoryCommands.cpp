@@ -55,9 +55,7 @@ std::optional<Reply> InitTask::look() {
     }
     _folder.emplace(folder);
     if (const auto failure = _folder->make()) {
-        return Reply{.standardOutput = {},
-                     .standardError = errorLines(NEBSourceControlErrorFromFileFailure(*failure)),
-                     .exitStatus = exitFailed};
+        return failureWith(NEBSourceControlErrorFromFileFailure(*failure));
     }
     return std::nullopt;
 }

@@ -108,6 +108,20 @@ TEST_F(BashCompletion, OfFilesAndFolders) {
     EXPECT_EQ(complete("nebsc mkdir ", {"nebsc", "mkdir", ""}), "<src>");
 }
 
+TEST_F(BashCompletion, OfFilesWhateverTheShellMakesOfPatterns) {
+    for (const char* setting : {"set -f", "shopt -s failglob", "GLOBIGNORE='*.c'"}) {
+        EXPECT_EQ(run("bash", {"-c",
+                               std::string(setting) +
+                                   "; . \"$0\" && COMP_LINE='nebsc add my' && COMP_POINT=12 && "
+                                   "COMP_WORDS=(nebsc add my) && COMP_CWORD=2 && _nebsc && "
+                                   "printf '<%s>' \"${COMPREPLY[@]}\"; COMP_LINE='nebsc add zz'; "
+                                   "COMP_WORDS=(nebsc add zz); _nebsc && echo ${#COMPREPLY[@]}",
+                               std::string(share) + "bash-completion/completions/nebsc"}),
+                  "<my file.c>0\n")
+            << setting;
+    }
+}
+
 TEST_F(BashCompletion, OfAWordBeforeTheCursor) {
     EXPECT_EQ(run("bash", {"-c",
                            ". \"$0\" && COMP_LINE='nebsc checkout fixed' && COMP_POINT=16 && "
@@ -235,6 +249,22 @@ TEST_F(FishCompletion, OfFilesAndFolders) {
     EXPECT_THAT(complete("nebsc log fi"),
                 testing::AllOf(HasSubstr("fix\tbranch\n"), HasSubstr("fig.c\n")));
     EXPECT_EQ(complete("nebsc --plugin=fig"), "--plugin=fig.c\n");
+}
+
+TEST_F(FishCompletion, OfFilesWhateverTheWordLooksLike) {
+    for (const char* name : {"-dash", "~tilde", "it's", "qu\"ote", "back\\slash"}) {
+        repository.write(name, "");
+    }
+    EXPECT_EQ(complete("nebsc add \"my"), "my file.c\n");
+    EXPECT_EQ(complete("nebsc add 'my"), "my file.c\n");
+    EXPECT_EQ(complete("nebsc add my\\ f"), "my file.c\n");
+    EXPECT_EQ(complete("nebsc --plugin=\"my"), "--plugin=my file.c\n");
+    EXPECT_EQ(complete("nebsc add -- -d"), "-dash\n");
+    EXPECT_EQ(complete("nebsc add \"~t"), "~tilde\n");
+    EXPECT_EQ(complete("nebsc add \"it'"), "it's\n");
+    EXPECT_EQ(complete("nebsc add 'qu\""), "qu\"ote\n");
+    EXPECT_EQ(complete("nebsc add back\\\\"), "back\\slash\n");
+    EXPECT_EQ(complete("nebsc mkdir \"s"), "src/\n");
 }
 
 TEST_F(FishCompletion, IsSilentWhereNothingIsKnown) {

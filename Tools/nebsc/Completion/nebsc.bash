@@ -58,13 +58,11 @@ _nebsc() {
             compopt -o default 2>/dev/null
             return
         fi
-        local nullglob
-        nullglob=$(shopt -p nullglob)
-        shopt -s nullglob
-        for word in "$path"*; do
+        # The names are found whatever the shell is set to make of a pattern.
+        while IFS= read -r -d '' word; do
             [[ ${answer[0]} == files || -d $word ]] && COMPREPLY+=("$word")
-        done
-        $nullglob
+        done < <(set +f; unset GLOBIGNORE; shopt -s nullglob; shopt -u failglob
+                 for word in "$path"*; do printf '%s\0' "$word"; done)
     else
         case $typed in
             \'*) ;;

@@ -8,16 +8,15 @@ function __nebsc_complete
     set -l typed (commandline -ct)
     set -l word (string unescape -- "$typed"; or printf '%s\n' "$typed")
     set -l answer ($program complete -- $words "$word" 2>/dev/null)
-    set -l head (string match -r -- '^--[^=]*=' "$typed")
-    set -l path (string replace -r -- '^--[^=]*=' '' "$typed")
     switch "$answer[1]"
-        case files
-            for line in (__fish_complete_path "$path")
-                printf '%s%s\n' "$head" "$line"
-            end
-        case folders
-            for line in (__fish_complete_directories "$path" '')
-                printf '%s%s\n' "$head" "$line"
+        case files folders
+            # fish itself knows best about quotes and tildes, behind a command that it does not know.
+            set -l head (string match -r -- '^--[^=]*=' "$typed")
+            set -l path (string replace -r -- '^--[^=]*=' '' "$typed")
+            for line in (complete -C "__nebsc_no_such_command -- $path")
+                if test "$answer[1]" = files; or string match -q -- '*/' "$line"
+                    printf '%s%s\n' "$head" "$line"
+                end
             end
     end
     test (count $answer) -gt 1; and printf '%s\n' $answer[2..-1]

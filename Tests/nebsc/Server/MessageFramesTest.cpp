@@ -63,6 +63,11 @@ TEST(MessageFrames, TellWhereTheStreamStops) {
     EXPECT_TRUE(frames.isBetweenMessages());
 }
 
+TEST(MessageFrames, TheNameOfAHeaderMayHaveBlanksAroundIt) {
+    MessageFrames frames(limit);
+    EXPECT_THAT(messagesIn("content-length : 2\r\n\r\n{}", 5, frames), ElementsAre("{}"));
+}
+
 struct BadHeader {
     const char* name;
     std::string header;
@@ -89,6 +94,10 @@ INSTANTIATE_TEST_SUITE_P(
                     BadHeader{"TooLarge", "Content-Length: 99999999999999999999\r\n\r\n{}",
                               "is no number"},
                     BadHeader{"NoColon", "{\"jsonrpc\"\r\n\r\n", "which has no colon"},
+                    BadHeader{"LineFeedsAlone", "Content-Length: 2\n\n{}",
+                              "ends with LF alone, and not with CR LF: \"Content-Length: 2\"."},
+                    BadHeader{"OneLineFeedAlone", "Content-Type: x\r\nContent-Length: 2\n\r\n",
+                              "LF alone, and not with CR LF: \"Content-Length: 2\"."},
                     BadHeader{"Endless", std::string(5000, 'x'), "more than 4096 bytes"}),
     [](const auto& tested) { return tested.param.name; });
 

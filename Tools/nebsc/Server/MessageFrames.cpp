@@ -19,6 +19,19 @@ std::string_view withoutBlanks(std::string_view text) {
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
+/// Where the first line feed stands that no CR stands before.
+std::size_t bareLineFeedIn(std::string_view header) {
+    std::size_t place = header.find('\n');
+    while (place != std::string_view::npos && place > 0 && header[place - 1] == '\r') {
+        place = header.find('\n', place + 1);
+    }
+    return place;
+}
+
+std::string lastLineOf(const std::string& text) {
+    return text.substr(text.rfind('\n') + 1);
+}
+
 bool isSameName(std::string_view name, std::string_view other) {
     return std::equal(name.begin(), name.end(), other.begin(), other.end(), [](char a, char b) {
         return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b);
@@ -76,6 +89,11 @@ bool MessageFrames::takeHeader() {
         return fail("A message's header has more than " + std::to_string(longestHeader) +
                     " bytes.");
     }
+    const std::size_t bareLF = bareLineFeedIn(std::string_view(_bytes).substr(0, end));
+    if (bareLF != std::string::npos) {
+        return fail("A message's header has a line that ends with LF alone, and not with CR LF: " +
+                    inQuotes(lastLineOf(_bytes.substr(0, bareLF)).substr(0, 60)) + ".");
+    }
     if (end == std::string::npos) {
         return false;
     }
@@ -100,7 +118,7 @@ bool MessageFrames::takeHeaderLine(std::string_view line) {
         return fail("A message's header has the line " + inQuotes(std::string(line.substr(0, 60))) +
                     ", which has no colon.");
     }
-    if (isSameName(line.substr(0, colon), "content-length")) {
+    if (isSameName(withoutBlanks(line.substr(0, colon)), "content-length")) {
         _length = numberIn(withoutBlanks(line.substr(colon + 1)));
         if (!_length) {
             return fail("A message's Content-Length is no number: " +

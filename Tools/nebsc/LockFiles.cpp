@@ -24,13 +24,32 @@ template <typename Iterator>
 void collectLocks(const std::string& folder, std::set<std::string>& paths) {
     std::error_code failure;
     std::size_t count = 0;
-    for (Iterator entry(folder, failure), end; !failure && entry != end && count < mostEntries;
-         entry.increment(failure), ++count) {
+    constexpr auto passingOver = fs::directory_options::skip_permission_denied;
+    for (Iterator entry(folder, passingOver, failure), end;
+         !failure && entry != end && count < mostEntries; entry.increment(failure), ++count) {
         std::error_code ignored;
         if (entry->path().extension() == ".lock" &&
             fs::is_regular_file(entry->symlink_status(ignored))) {
             paths.insert(entry->path().string());
         }
+    }
+}
+
+/// The repositories of the submodules, which have theirs below their own; a submodule's name may
+/// hold slashes.
+void collectSubmodules(const fs::path& folder, std::vector<std::string>& gitFolders) {
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code ignored;
+        if (!fs::is_directory(entry->symlink_status(ignored))) {
+            continue;
+        }
+        const bool isRepository = fs::exists(entry->path() / "HEAD", ignored);
+        if (isRepository) {
+            gitFolders.push_back(entry->path().string());
+        }
+        collectSubmodules(isRepository ? entry->path() / "modules" : entry->path(), gitFolders);
     }
 }
 
@@ -70,10 +89,7 @@ std::vector<Process> runningProcesses() {
     return processes;
 }
 
-}  // namespace
-
-std::vector<LockFile> findLockFiles(const std::vector<std::string>& gitFolders,
-                                    const std::string& workingCopy) {
+std::set<std::string> pathsOfLocks(const std::vector<std::string>& gitFolders) {
     std::set<std::string> paths;
     for (const std::string& folder : gitFolders) {
         for (const char* place : {"", "/objects/info", "/objects/pack"}) {
@@ -81,6 +97,17 @@ std::vector<LockFile> findLockFiles(const std::vector<std::string>& gitFolders,
         }
         collectLocks<fs::recursive_directory_iterator>(folder + "/refs", paths);
     }
+    return paths;
+}
+
+}  // namespace
+
+std::vector<LockFile> findLockFiles(std::vector<std::string> gitFolders,
+                                    const std::string& workingCopy) {
+    for (const std::string& folder : std::vector(gitFolders)) {
+        collectSubmodules(folder + "/modules", gitFolders);
+    }
+    const std::set<std::string> paths = pathsOfLocks(gitFolders);
     if (paths.empty()) {
         return {};
     }

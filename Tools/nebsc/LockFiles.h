@@ -19,9 +19,10 @@ struct LockFile {
     std::vector<std::string> holders;
 };
 
-/// Those beside and below the references of the repository whose own folder this is, by path.
-/// `workingCopy` is its top; empty without one. Nothing is changed. From any thread.
-[[nodiscard]] std::vector<LockFile> findLockFiles(const std::vector<std::string>& gitFolders,
+/// Those of the repository with these folders of its own and of its submodules, by path: beside the
+/// index, in the objects' folders and below the references. `workingCopy` is its top; empty without
+/// one. What may not be read is passed over. Nothing is changed. From any thread.
+[[nodiscard]] std::vector<LockFile> findLockFiles(std::vector<std::string> gitFolders,
                                                   const std::string& workingCopy);
 
 /// "12 s", "5 minutes", "3 hours", "2 days".

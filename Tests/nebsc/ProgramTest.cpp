@@ -10,6 +10,7 @@
 #include "CommandLine.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Support/TestRepository.h"
+#include "nebsc/CommandTest.h"
 #include "nebsc/NebscRun.h"
 
 namespace neb::test {
@@ -119,12 +120,30 @@ TEST(Program, TheHelpIsGroupedInThisOrder) {
     const std::string help = runNebsc({"--help"}).output;
     std::size_t place = 0;
     for (const char* heading : {"Look:", "Change:", "Branches:", "Remotes and synchronising:",
-                                "Subversion:", "Raw requests:"}) {
+                                "Subversion:", "Raw requests:", "Shells and manual:"}) {
         const std::size_t found = help.find(std::string("\n") + heading + "\n");
         ASSERT_NE(found, std::string::npos) << heading;
         EXPECT_GT(found, place) << heading;
         place = found;
     }
+}
+
+TEST(Program, HelpIsACommandToo) {
+    EXPECT_EQ(runNebsc({"help"}).output, runNebsc({"--help"}).output);
+    EXPECT_EQ(runNebsc({"help", "log"}).output, runNebsc({"log", "--help"}).output);
+    EXPECT_EQ(runNebsc({"help", "branch", "track"}).output,
+              runNebsc({"branch", "track", "--help"}).output);
+    expectFailed(runNebsc({"help", "sttus"}),
+                 "nebsc: There is no command \"sttus\". Did you mean \"status\"?\n", 2);
+    expectFailed(runNebsc({"sttus", "--help"}),
+                 "nebsc: There is no command \"sttus\". Did you mean \"status\"?\n", 2);
+}
+
+TEST(Program, ACommandStandsInFrontOfTheDashes) {
+    expectFailed(runNebsc({"--", "status"}),
+                 "nebsc: A command was expected in front of \"--\", not \"status\" behind it (see "
+                 "nebsc --help).\n",
+                 2);
 }
 
 TEST(Program, AMistypedWordIsAskedBack) {
@@ -229,6 +248,9 @@ TEST(Program, AGitThatCannotTellItsVersionIsToldSo) {
     const StandInGit failing("", "exit 3");
     EXPECT_THAT(runNebsc({"--version"}, {.variables = {failing.path()}}).output,
                 testing::EndsWith("\ngit told no version: exit status 3\n"));
+    const StandInGit complaining("/x", "echo 'fatal: bad config' >&2; exit 128");
+    EXPECT_THAT(runNebsc({"--version"}, {.variables = {complaining.path()}}).output,
+                testing::EndsWith("\ngit told no version: fatal: bad config\n"));
     const TemporaryFolder broken;
     broken.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome = runNebsc({"--version"}, {.variables = {{"PATH", broken.path()}}});

@@ -21,7 +21,8 @@ constexpr const char* footer = R"(Examples:
   nebsc clone URL --trace            which programs it runs, each as it starts and as it ends
   echo '{"type": 15, "sourceTree": {"location": "/path"}}' | nebsc request
 
-Each command has help of its own, with an example: nebsc status --help
+Each command has help of its own, with an example: nebsc status --help, or
+nebsc help status
 
 Exit status: 0 done, 1 the operation failed, 2 the call cannot be understood,
 130 after Ctrl-C.
@@ -51,12 +52,21 @@ std::string unshielded(const std::string& word) {
     return word.starts_with(shield) ? word.substr(1) : word;
 }
 
-/// The words of the call from the last to the first, as CLI11 wants them.
-std::vector<std::string> shieldedWords(int argc, const char* const* argv) {
+/// The words behind "nebsc"; "help log" is another way to say "log --help".
+std::vector<std::string> wordsOfCall(int argc, const char* const* argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (!words.empty() && words.front() == "help") {
+        words.erase(words.begin());
+        words.emplace_back("--help");
+    }
+    return words;
+}
+
+/// The words from the last to the first, as CLI11 wants them.
+std::vector<std::string> shieldedWords(const std::vector<std::string>& call) {
     std::vector<std::string> words;
     bool areOptionsOver = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
+    for (const std::string& word : call) {
         if (areOptionsOver || word.starts_with('[') || word.starts_with(shield)) {
             words.push_back(shield + word);
         } else if (word == "--") {
@@ -69,9 +79,8 @@ std::vector<std::string> shieldedWords(int argc, const char* const* argv) {
     return words;
 }
 
-std::optional<std::size_t> countWordsBehindDashes(int argc, const char* const* argv) {
-    const std::span words(argv, static_cast<std::size_t>(argc));
-    const auto dashes = std::find(words.begin(), words.end(), std::string_view("--"));
+std::optional<std::size_t> countWordsBehindDashes(const std::vector<std::string>& words) {
+    const auto dashes = std::find(words.begin(), words.end(), "--");
     return dashes == words.end()
                ? std::nullopt
                : std::optional(static_cast<std::size_t>(words.end() - dashes) - 1);
@@ -91,9 +100,10 @@ public:
     Reader();
 
     void parse(int argc, const char* const* argv) {
-        _firstWord = argc > 1 ? argv[1] : "";
-        _wordsBehindDashes = countWordsBehindDashes(argc, argv);
-        _app.parse(shieldedWords(argc, argv));
+        const std::vector<std::string> words = wordsOfCall(argc, argv);
+        _firstWord = words.empty() ? "" : words.front();
+        _wordsBehindDashes = countWordsBehindDashes(words);
+        _app.parse(shieldedWords(words));
     }
 
     [[nodiscard]] Call call() const;
@@ -101,6 +111,8 @@ public:
     [[nodiscard]] std::string commandName() const;
     /// Absent where the call names none.
     [[nodiscard]] const Command* command() const;
+    /// Whether a word stands where only the name of a command could, and is none.
+    [[nodiscard]] bool namesNoCommand() const;
     /// Whether an option stands in the call that there is not.
     [[nodiscard]] bool hasUnknownOption() const;
     /// On the first option that there is not, else on the first word that has no place in the call.
@@ -295,6 +307,15 @@ bool isOption(const std::string& word) {
     return word.starts_with('-') && word != "-" && word != "--";
 }
 
+/// Behind the name of such a command, or in front of all, no other word may stand.
+bool hasCommandsAlone(const Command* command) {
+    return command == nullptr || (!command->commands.empty() && command->parameters.empty());
+}
+
+bool Reader::namesNoCommand() const {
+    return hasCommandsAlone(command()) && !_app.remaining(true).empty();
+}
+
 bool Reader::hasUnknownOption() const {
     const std::vector<std::string> words = _app.remaining(true);
     return std::any_of(words.begin(), words.end(), isOption);
@@ -321,7 +342,10 @@ Mistake Reader::mistakeInWords() const {
         return {"There is no command " + inQuotes(word),
                 questionForSimilar(word, namesOf(allCommands()))};
     }
-    if (command == nullptr || (!command->commands.empty() && command->parameters.empty())) {
+    if (command == nullptr && wrong->starts_with(shield)) {
+        return {"A command was expected in front of \"--\", not " + inQuotes(word) + " behind it"};
+    }
+    if (hasCommandsAlone(command)) {
         const auto commands = command == nullptr ? allCommands() : command->commands;
         return {"There is no command " + inQuotes(commandName() + word),
                 questionForSimilar(word, namesOf(commands))};
@@ -411,6 +435,9 @@ std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
     try {
         reader.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
+        if (reader.namesNoCommand()) {
+            return refusedCall(reader.mistakeInWords(), reader.commandName());
+        }
         return helpReply(reader.help());
     } catch (const CLI::ExtrasError&) {
         return refusedCall(reader.mistakeInWords(), reader.commandName());

@@ -16,7 +16,7 @@ inline constexpr std::string_view branchesGroup = "Branches";
 inline constexpr std::string_view remotesGroup = "Remotes and synchronising";
 inline constexpr std::string_view subversionGroup = "Subversion";
 inline constexpr std::string_view requestsGroup = "Raw requests";
-inline constexpr std::string_view shellGroup = "Shells";
+inline constexpr std::string_view shellGroup = "Shells and manual";
 /// Of the commands that only other programs call.
 inline constexpr std::string_view hiddenGroup = {};
 /// Of the commands that stand behind the name of another.

@@ -42,7 +42,8 @@ constexpr std::array<Entry, 10> variables{{
 }};
 
 constexpr std::array<Entry, 2> files{{
-    {"../lib/NEBGit.so", "The plug-in, as seen from nebsc's own folder; --plugin names another."},
+    {NEBSC_INSTALLED_PLUGIN,
+     "The plug-in, as seen from nebsc's own folder; --plugin names another."},
     {"~/.gitconfig, .git/config", "git's own settings, which hold here too."},
 }};
 
@@ -221,7 +222,7 @@ Reply run(const CommandCall& /*call*/) {
 
 constinit const Command manualCommand{
     .name = "manual",
-    .group = hiddenGroup,
+    .group = shellGroup,
     .summary = "Print the manual page",
     .details =
         "In the language of man, as \"man nebsc\" shows it where nebsc is installed.\n\n"

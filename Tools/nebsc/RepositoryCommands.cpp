@@ -48,6 +48,11 @@ bool InitTask::isRepository(const std::string& folder) {
 /// The request would go on in a repository that is there, and replace its list of files to ignore.
 std::optional<Reply> InitTask::look() {
     const std::string& folder = place().location;
+    if (const std::string word = arguments().value("DIR").value_or("");
+        word.find("://") != std::string::npos) {
+        return refusal(inQuotes(word) + " is a URL; a repository is made in a folder.",
+                       exitNotUnderstood);
+    }
     if (isRepository(folder) || isRepository(pathByAppendingComponent(folder, ".git"))) {
         return refusal(
             "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",

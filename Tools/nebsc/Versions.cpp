@@ -19,9 +19,13 @@ Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace
                         {"plugIn", {{"name", plugIn.name()}, {"version", plugIn.version()}}},
                         {"git", gitVersion ? nlohmann::ordered_json(*gitVersion) : nullptr}});
     } else {
-        const std::string noVersion = git.status.started()
-                                          ? "git told no version: " + git.status.description()
-                                          : "git was not found";
+        std::string noVersion = "git was not found";
+        if (git.status.started()) {
+            const std::string words(git.errorOutput);
+            noVersion =
+                "git told no version: " +
+                (words.empty() ? git.status.description() : words.substr(0, words.find('\n')));
+        }
         reply.standardOutput = "nebsc " NEBSC_VERSION "\n" +
                                printable(plugIn.name() + " " + plugIn.version()) + "\n" +
                                printable(gitVersion.value_or(noVersion)) + "\n";

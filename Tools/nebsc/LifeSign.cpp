@@ -31,7 +31,7 @@ LifeSign::~LifeSign() {
         return;
     }
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         _isEnded = true;
     }
     _end.notify_one();
@@ -39,12 +39,12 @@ LifeSign::~LifeSign() {
 }
 
 LifeSign::Count::Count(LifeSign& sign, std::function<std::uint64_t()> received) : _sign(sign) {
-    const std::lock_guard lock(sign._mutex);
+    const MutexLock lock(sign._mutex);
     sign._received = std::move(received);
 }
 
 LifeSign::Count::~Count() {
-    const std::lock_guard lock(_sign._mutex);
+    const MutexLock lock(_sign._mutex);
     _sign._received = nullptr;
 }
 
@@ -57,10 +57,10 @@ std::string LifeSign::text(int seconds) const {
 void LifeSign::show() {
     const auto start = std::chrono::steady_clock::now();
     std::size_t width = 0;
-    std::unique_lock lock(_mutex);
+    MutexLock lock(_mutex);
     for (int seconds = 1;; ++seconds) {
         if (_end.wait_until(lock, start + std::chrono::seconds(seconds),
-                            [this] { return _isEnded; })) {
+                            [this]() NEB_REQUIRES(_mutex) { return _isEnded; })) {
             break;
         }
         const std::string line = text(seconds);

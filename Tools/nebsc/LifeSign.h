@@ -10,13 +10,13 @@
 // While it lives, nothing else may be written there.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
+
+#include "Platform/Mutex.h"
 
 namespace neb::nebsc {
 
@@ -46,14 +46,13 @@ public:
 
 private:
     void show();
-    /// With the mutex held.
-    [[nodiscard]] std::string text(int seconds) const;
+    [[nodiscard]] std::string text(int seconds) const NEB_REQUIRES(_mutex);
 
     std::string _activity;
-    std::mutex _mutex;
-    std::condition_variable _end;
-    bool _isEnded = false;                     // guarded by _mutex
-    std::function<std::uint64_t()> _received;  // guarded by _mutex
+    Mutex _mutex;
+    Condition _end;
+    bool _isEnded NEB_GUARDED_BY(_mutex) = false;
+    std::function<std::uint64_t()> _received NEB_GUARDED_BY(_mutex);
     std::thread _thread;
 };
 

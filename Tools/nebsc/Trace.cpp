@@ -35,7 +35,7 @@ std::string pastable(const NEBSourceControlCommand& command) {
 }  // namespace
 
 std::size_t Trace::started(const NEBSourceControlCommand& command) const {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     const std::size_t number = ++_count;
     if (_isOn) {
         writeLine(number, pastable(command));
@@ -51,7 +51,7 @@ void Trace::ended(std::size_t number, const TerminationStatus& status,
     std::array<char, 32> milliseconds{};
     static_cast<void>(std::snprintf(milliseconds.data(), milliseconds.size(), "%.1f ms",
                                     std::chrono::duration<double, std::milli>(duration).count()));
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     writeLine(number, status.description() + ", " + milliseconds.data());
 }
 
@@ -60,21 +60,21 @@ NEBSourceControlCommandLog::Observers Trace::observers() const {
         return {};
     }
     struct Numbers {
-        std::mutex mutex;
-        std::map<std::size_t, std::size_t> ofIndex;  // guarded by mutex
+        Mutex mutex;
+        std::map<std::size_t, std::size_t> ofIndex NEB_GUARDED_BY(mutex);
     };
     const auto numbers = std::make_shared<Numbers>();
     return {
         .started =
             [this, numbers](std::size_t index, const NEBSourceControlCommand& command) {
                 const std::size_t number = started(command);
-                const std::lock_guard lock(numbers->mutex);
+                const MutexLock lock(numbers->mutex);
                 numbers->ofIndex[index] = number;
             },
         .ended =
             [this, numbers](std::size_t index, const TerminationStatus& status,
                             std::chrono::nanoseconds duration) {
-                std::unique_lock lock(numbers->mutex);
+                MutexLock lock(numbers->mutex);
                 const std::size_t number = numbers->ofIndex[index];
                 lock.unlock();
                 ended(number, status, duration);

@@ -9,9 +9,9 @@
 
 #include <chrono>
 #include <cstddef>
-#include <mutex>
 
 #include "NEBFoundation/NEBSourceControlCommandLog.h"
+#include "Platform/Mutex.h"
 #include "Platform/TerminationStatus.h"
 
 namespace neb::nebsc {
@@ -36,8 +36,9 @@ public:
 
 private:
     bool _isOn;
-    mutable std::mutex _mutex;
-    mutable std::size_t _count = 0;  // guarded by _mutex, as are the lines
+    /// The lines are under it, too.
+    mutable Mutex _mutex;
+    mutable std::size_t _count NEB_GUARDED_BY(_mutex) = 0;
 };
 
 }  // namespace neb::nebsc

@@ -5,6 +5,7 @@
 
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
+#include "NEBFoundation/NEBSourceControlErrorStatements.h"
 
 namespace neb {
 
@@ -399,19 +400,6 @@ constexpr Row rows[] = {
     {"remote-unreadable", notReachable, {{{"could not read from remote repository"}}}},
 };
 
-bool startsWith(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
-
-std::string inSmallLetters(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
-                                                    : character;
-    });
-    return lower;
-}
-
 bool shows(std::string_view text, const Sign& sign) {
     const std::size_t place = sign.first.empty() ? std::string_view::npos : text.find(sign.first);
     return place != std::string_view::npos &&
@@ -427,102 +415,9 @@ const Row* firstRowShownBy(std::string_view text) {
     return row != std::end(rows) ? row : nullptr;
 }
 
-bool isWordCharacter(char character) {
-    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
-}
-
-/// What of a name tells what happened, with the closing quote: the lock of the index or another,
-/// and that the program looked for was one of those that talk to remotes.
-std::string_view wordsInName(std::string_view name) {
-    return name.ends_with("index.lock")  ? "index.lock'"
-           : name.ends_with(".lock")     ? ".lock'"
-           : name.starts_with("remote-") ? "remote-'"
-                                         : "'";
-}
-
-/// The words behind which the line holds but names, without quotes around them, or the far end's
-/// words; the line as it is where it holds none.
-std::string_view ownWordsOf(std::string_view line) {
-    constexpr std::string_view lastWords[] = {"conflict (", "auto-merging ", "fatal: no such path ",
-                                              "fatal: remote error: "};
-    constexpr std::string_view knownReasons[] = {"hook declined)",
-                                                 "(branch is currently checked out)",
-                                                 "repository not found", "repository not exported"};
-    const bool isKnown = std::any_of(
-        std::begin(knownReasons), std::end(knownReasons),
-        [line](std::string_view reason) { return line.find(reason) != std::string_view::npos; });
-    for (const std::string_view words : lastWords) {
-        if (startsWith(line, words) && !isKnown) {
-            return line.substr(0, words.size());
-        }
-    }
-    constexpr std::string_view rejected = "[remote rejected]";
-    const std::size_t place = line.find(rejected);
-    return place != std::string_view::npos && !isKnown ? line.substr(0, place + rejected.size())
-                                                       : line;
-}
-
-/// The line without what stands between quotes, so that no file's, branch's or repository's name is
-/// taken for git's words. The quotes stay; an apostrophe inside a word is none.
-std::string withoutNames(std::string_view line) {
-    const auto isOpening = [line](std::size_t i) {
-        return line[i] == '\'' && (i == 0 || !isWordCharacter(line[i - 1]));
-    };
-    const auto isClosing = [line](std::size_t i) {
-        return line[i] == '\'' && (i + 1 == line.size() || !isWordCharacter(line[i + 1]));
-    };
-    // One behind the last closing quote: behind it, no opening one is looked up in vain.
-    std::size_t lastClosing = line.size();
-    while (lastClosing > 0 && !isClosing(lastClosing - 1)) {
-        --lastClosing;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        text += line[i];
-        if (isOpening(i) && i + 1 < lastClosing) {
-            std::size_t end = i + 1;
-            while (!isClosing(end)) {
-                ++end;
-            }
-            const std::string_view name = line.substr(i + 1, end - i - 1);
-            text += wordsInName(name);
-            i = end;
-        }
-    }
-    return text;
-}
-
-/// Keeps the lines of which `isKept` holds, without the names in them.
-template <typename Predicate>
-std::string linesOf(std::string_view text, const Predicate& isKept) {
-    std::string kept;
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
-        if (isKept(text.substr(0, length))) {
-            kept += withoutNames(ownWordsOf(text.substr(0, length)));
-            kept += kept.ends_with('\n') ? "" : "\n";
-        }
-        text.remove_prefix(length);
-    }
-    return kept;
-}
-
-/// Whether the line is git's own word on what happened: not the far end's, not an entry of a list,
-/// not the address that was talked to.
-bool isStatement(std::string_view line) {
-    constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from ", "#"};
-    return std::none_of(std::begin(others), std::end(others),
-                        [line](std::string_view other) { return startsWith(line, other); });
-}
-
-/// A warning or a hint does not tell why something failed where an error does.
 const Row* rowOfText(std::string_view text) {
-    const std::string statements = linesOf(inSmallLetters(text), isStatement);
-    const std::string withoutAsides = linesOf(statements, [](std::string_view line) {
-        return !startsWith(line, "warning:") && !startsWith(line, "hint:");
-    });
-    const Row* row = firstRowShownBy(withoutAsides);
+    const std::string statements = NEBSourceControlStatementsInText(text);
+    const Row* row = firstRowShownBy(NEBSourceControlStatementsWithoutAsides(statements));
     return row != nullptr ? row : firstRowShownBy(statements);
 }
 

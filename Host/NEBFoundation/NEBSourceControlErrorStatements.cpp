@@ -1,0 +1,124 @@
+#include "NEBFoundation/NEBSourceControlErrorStatements.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace neb {
+
+namespace {
+
+bool startsWith(std::string_view text, std::string_view beginning) {
+    return text.substr(0, beginning.size()) == beginning;
+}
+
+std::string inSmallLetters(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
+                                                    : character;
+    });
+    return lower;
+}
+
+bool isWordCharacter(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
+}
+
+/// What of a name tells what happened, with the closing quote: the lock of the index or another,
+/// and that the program looked for was one of those that talk to remotes.
+std::string_view wordsInName(std::string_view name) {
+    return name.ends_with("index.lock")  ? "index.lock'"
+           : name.ends_with(".lock")     ? ".lock'"
+           : name.starts_with("remote-") ? "remote-'"
+                                         : "'";
+}
+
+/// The words behind which the line holds but names, without quotes around them, or the far end's
+/// words; the line as it is where it holds none.
+std::string_view ownWordsOf(std::string_view line) {
+    constexpr std::string_view lastWords[] = {"conflict (", "auto-merging ", "fatal: no such path ",
+                                              "fatal: remote error: "};
+    constexpr std::string_view knownReasons[] = {"hook declined)",
+                                                 "(branch is currently checked out)",
+                                                 "repository not found", "repository not exported"};
+    const bool isKnown = std::any_of(
+        std::begin(knownReasons), std::end(knownReasons),
+        [line](std::string_view reason) { return line.find(reason) != std::string_view::npos; });
+    for (const std::string_view words : lastWords) {
+        if (startsWith(line, words) && !isKnown) {
+            return line.substr(0, words.size());
+        }
+    }
+    constexpr std::string_view rejected = "[remote rejected]";
+    const std::size_t place = line.find(rejected);
+    return place != std::string_view::npos && !isKnown ? line.substr(0, place + rejected.size())
+                                                       : line;
+}
+
+/// The line without what stands between quotes, so that no file's, branch's or repository's name is
+/// taken for git's words. The quotes stay; an apostrophe inside a word is none.
+std::string withoutNames(std::string_view line) {
+    const auto isOpening = [line](std::size_t i) {
+        return line[i] == '\'' && (i == 0 || !isWordCharacter(line[i - 1]));
+    };
+    const auto isClosing = [line](std::size_t i) {
+        return line[i] == '\'' && (i + 1 == line.size() || !isWordCharacter(line[i + 1]));
+    };
+    // One behind the last closing quote: behind it, no opening one is looked up in vain.
+    std::size_t lastClosing = line.size();
+    while (lastClosing > 0 && !isClosing(lastClosing - 1)) {
+        --lastClosing;
+    }
+    std::string text;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        text += line[i];
+        if (isOpening(i) && i + 1 < lastClosing) {
+            std::size_t end = i + 1;
+            while (!isClosing(end)) {
+                ++end;
+            }
+            const std::string_view name = line.substr(i + 1, end - i - 1);
+            text += wordsInName(name);
+            i = end;
+        }
+    }
+    return text;
+}
+
+/// Keeps the lines of which `isKept` holds, without the names in them.
+template <typename Predicate>
+std::string linesOf(std::string_view text, const Predicate& isKept) {
+    std::string kept;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
+        if (isKept(text.substr(0, length))) {
+            kept += withoutNames(ownWordsOf(text.substr(0, length)));
+            kept += kept.ends_with('\n') ? "" : "\n";
+        }
+        text.remove_prefix(length);
+    }
+    return kept;
+}
+
+/// Whether the line is git's own word on what happened: not the far end's, not an entry of a list,
+/// not the address that was talked to.
+bool isStatement(std::string_view line) {
+    constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from ", "#"};
+    return std::none_of(std::begin(others), std::end(others),
+                        [line](std::string_view other) { return startsWith(line, other); });
+}
+
+}  // namespace
+
+std::string NEBSourceControlStatementsInText(std::string_view text) {
+    return linesOf(inSmallLetters(text), isStatement);
+}
+
+std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements) {
+    return linesOf(statements, [](std::string_view line) {
+        return !startsWith(line, "warning:") && !startsWith(line, "hint:");
+    });
+}
+
+}  // namespace neb

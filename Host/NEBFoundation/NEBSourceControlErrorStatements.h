@@ -1,0 +1,26 @@
+// NEBSourceControlErrorStatements.h - what in the words of git tells what happened, for a table of
+// texts to be compared with: git's own statements, in small letters.
+//
+//     error: cannot lock ref 'refs/heads/disk full'    error: cannot lock ref ''
+//     remote: fatal: not a git repository
+//     hint: Try again.                                 hint: try again.
+//
+// Left out are the names that stand between quotes (but for their end, where it tells which lock or
+// which program is meant), the far end's words, the entries of lists and the address that was
+// talked to: nobody who chooses a name or answers from afar is to choose what a failure is taken
+// for.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace neb {
+
+/// The lines that are git's own word on what happened. From any thread, as is the other.
+[[nodiscard]] std::string NEBSourceControlStatementsInText(std::string_view text);
+
+/// The statements without warnings and hints, which do not tell why something failed where an error
+/// does.
+[[nodiscard]] std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements);
+
+}  // namespace neb

@@ -1,12 +1,7 @@
 #include "Diagnosis.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <cctype>
-#include <charconv>
 #include <chrono>
 #include <cstdlib>
 #include <optional>
@@ -15,14 +10,16 @@
 
 #include "Deadline.h"
 #include "GitProgram.h"
+#include "GitVersion.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "LockFiles.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
+#include "ProgramSearch.h"
 #include "ShellText.h"
-#include "WorkingCopyPlace.h"
+#include "UserSettings.h"
 
 namespace neb::nebsc {
 
@@ -32,86 +29,9 @@ constexpr auto timeForEachGit = std::chrono::seconds(5);
 /// Between two programs of one git, nobody may have its lock open.
 constexpr auto ageOfFreshLock = std::chrono::seconds(10);
 
-struct Version {
-    int major = 0;
-    int minor = 0;
-
-    bool operator<(const Version& other) const {
-        return std::pair(major, minor) < std::pair(other.major, other.minor);
-    }
-};
-
-/// What is used of git, and since when there is that.
-struct Feature {
-    Version since;
-    std::string_view name;
-};
-
-constexpr std::array<Feature, 4> features{{
-    {{2, 24}, "\"--end-of-options\", which keeps names from being options"},
-    {{2, 26}, "the origin of each setting"},
-    {{2, 31}, "settings for one call, in the environment"},
-    {{2, 31}, "absolute paths of a repository's folders"},
-}};
-
-std::string textOf(const Version& version) {
-    return std::to_string(version.major) + "." + std::to_string(version.minor);
-}
-
-/// Absent for what is no version of git.
-std::optional<Version> versionIn(std::string_view text) {
-    constexpr std::string_view start = "git version ";
-    if (!text.starts_with(start)) {
-        return std::nullopt;
-    }
-    text.remove_prefix(start.size());
-    const char* end = text.data() + text.size();
-    Version version;
-    const auto major = std::from_chars(text.data(), end, version.major);
-    if (major.ec != std::errc() || major.ptr == end || *major.ptr != '.') {
-        return std::nullopt;
-    }
-    const auto minor = std::from_chars(major.ptr + 1, end, version.minor);
-    return minor.ec == std::errc() ? std::optional(version) : std::nullopt;
-}
-
 std::string variable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;
-}
-
-bool isProgram(const std::string& path) {
-    struct stat attributes {};
-    return ::stat(path.c_str(), &attributes) == 0 && S_ISREG(attributes.st_mode) &&
-           ::access(path.c_str(), X_OK) == 0;
-}
-
-/// Whether a program of the name is in one of the folders, which ":" separates.
-bool isProgramIn(std::string_view folders, const std::string& name) {
-    while (!folders.empty()) {
-        const std::string_view folder = folders.substr(0, folders.find(':'));
-        if (!folder.empty() && isProgram(pathByAppendingComponent(folder, name))) {
-            return true;
-        }
-        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
-    }
-    return false;
-}
-
-/// One setting of the user, and where it stands: "system", "global", "local", "worktree".
-struct Setting {
-    std::string scope;
-    std::string key;
-    std::string value;
-};
-
-/// git lists the names of settings in small letters.
-std::string lowercase(std::string_view text) {
-    std::string small(text);
-    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return small;
 }
 
 /// git's words for why it did not answer, else how it ended.
@@ -138,25 +58,6 @@ std::string lineOfTrust(std::string_view words) {
     return std::string(words.substr(0, words.find('\n')));
 }
 
-/// Where two texts mean the same truth for git.
-bool isSameSetting(const std::string& left, std::string_view right) {
-    const auto truth = [](std::string_view text) -> std::optional<bool> {
-        const std::string word = lowercase(text);
-        for (const std::string_view yes : {"true", "yes", "on", "1"}) {
-            if (word == yes) {
-                return true;
-            }
-        }
-        for (const std::string_view no : {"false", "no", "off", "0"}) {
-            if (word == no) {
-                return false;
-            }
-        }
-        return std::nullopt;
-    };
-    return left == right || (truth(left) && truth(left) == truth(right));
-}
-
 class Doctor {
 public:
     Doctor(Interruption& interruption, const Trace& trace, const std::string& folder)
@@ -180,7 +81,6 @@ private:
     void examineCredentialHelper(const Setting& setting);
     void examineKeys();
     void examineSubversion();
-    [[nodiscard]] std::string lastValue(std::string_view key) const;
     [[nodiscard]] bool isReachable(const std::string& program) const {
         return program.find('/') != std::string::npos
                    ? isProgram(pathByExpandingTilde(program))
@@ -194,7 +94,7 @@ private:
     bool _hasGit = false;
     std::string _programs;     // where git's own programs are; empty where it is not known
     std::string _workingCopy;  // its top; empty outside of one
-    std::vector<Setting> _settings;
+    UserSettings _settings;
 };
 
 ChildOutcome Doctor::ask(std::vector<std::string> arguments) {
@@ -213,7 +113,7 @@ void Doctor::examineGit() {
                                  .pathOfProgram("git");
     const ChildOutcome outcome = ask({"--version"});
     const std::string text = answerOf(outcome).value_or("");
-    const auto version = versionIn(text);
+    const auto version = gitVersionIn(text);
     if (!outcome.status.started()) {
         add(Health::problem, "git", "there is none: " + outcome.status.description(),
             "Install git, or put the folder that it is in into PATH.");
@@ -234,16 +134,14 @@ void Doctor::examineGit() {
     }
     _hasGit = true;
     std::string missing;
-    for (const Feature& feature : features) {
-        if (*version < feature.since) {
-            missing.append(missing.empty() ? "" : "; ").append(feature.name);
-        }
+    for (const std::string_view feature : featuresMissingIn(*version)) {
+        missing.append(missing.empty() ? "" : "; ").append(feature);
     }
     if (missing.empty()) {
         add(Health::ok, "git", path + ", " + text);
     } else {
         add(Health::problem, "git", path + ", " + text + ", lacks " + missing,
-            "Install git " + textOf(features.back().since) + " or newer.");
+            "Install git " + oldestGitWithAllFeatures().text() + " or newer.");
     }
     const ChildOutcome programs = ask({"--exec-path"});
     if (!programs.status.isSuccess()) {
@@ -330,38 +228,21 @@ void Doctor::examineLocks(const std::vector<std::string>& gitFolders) {
 
 // ---- settings ---------------------------------------------------------------------------------
 
-/// False, and a finding, where they cannot be had. The entries that we add ourselves are of the
-/// scope "command".
+/// False, and a finding, where they cannot be had.
 bool Doctor::readSettings() {
     const ChildOutcome outcome = ask({"config", "--list", "--show-scope", "-z"});
     if (!outcome.status.isSuccess()) {
         add(Health::problem, "settings", "git does not tell them: " + reasonOf(outcome));
         return false;
     }
-    const std::vector<std::string> texts = textsBetweenNULs(outcome.output);
-    for (std::size_t i = 0; i + 1 < texts.size(); i += 2) {
-        const std::string& entry = texts[i + 1];
-        const std::size_t lineEnd = entry.find('\n');
-        if (texts[i] != "command") {
-            _settings.push_back(
-                {texts[i], entry.substr(0, lineEnd),
-                 lineEnd == std::string::npos ? "true" : entry.substr(lineEnd + 1)});
-        }
-    }
+    _settings = UserSettings(outcome.output);
     return true;
-}
-
-std::string Doctor::lastValue(std::string_view key) const {
-    const auto setting =
-        std::find_if(_settings.rbegin(), _settings.rend(),
-                     [key](const Setting& candidate) { return candidate.key == key; });
-    return setting == _settings.rend() ? "" : setting->value;
 }
 
 void Doctor::examineSettings() {
     bool isAny = false;
     for (const NEBSourceControlPinnedSetting& pinned : NEBSourceControlPinnedSettings()) {
-        const std::string own = lastValue(lowercase(pinned.key));
+        const std::string own = _settings.lastValue(pinned.key);
         if (!own.empty() && !isSameSetting(own, pinned.value)) {
             isAny = true;
             add(Health::note, "setting",
@@ -396,19 +277,8 @@ void Doctor::examineCredentialHelper(const Setting& setting) {
     }
 }
 
-/// An empty helper takes back those before it.
 void Doctor::examineCredentials() {
-    std::vector<Setting> helpers;
-    for (const Setting& setting : _settings) {
-        if (!setting.key.starts_with("credential.") || !setting.key.ends_with(".helper")) {
-            continue;
-        }
-        if (setting.value.empty()) {
-            helpers.clear();
-        } else {
-            helpers.push_back(setting);
-        }
-    }
+    const std::vector<Setting> helpers = _settings.credentialHelpers();
     if (helpers.empty()) {
         add(Health::note, "credentials", "no helper is configured, so passwords cannot be found",
             "A helper is for instance: git config --global credential.helper cache");
@@ -431,7 +301,7 @@ void Doctor::examineKeys() {
             "Start the agent anew.");
     }
     std::string askpass = variable("GIT_ASKPASS");
-    askpass = askpass.empty() ? lastValue("core.askpass") : askpass;
+    askpass = askpass.empty() ? _settings.lastValue("core.askpass") : askpass;
     askpass = askpass.empty() ? variable("SSH_ASKPASS") : askpass;
     if (!askpass.empty() && !isReachable(askpass)) {
         add(Health::problem, "askpass", "there is no program " + inQuotes(askpass),
@@ -440,7 +310,7 @@ void Doctor::examineKeys() {
         add(Health::ok, "askpass", askpass);
     }
     if (!isReachable("ssh") && variable("GIT_SSH").empty() && variable("GIT_SSH_COMMAND").empty() &&
-        lastValue("core.sshcommand").empty()) {
+        _settings.lastValue("core.sshcommand").empty()) {
         add(Health::note, "ssh", "there is no program \"ssh\"",
             "Install it for repositories over ssh.");
     }

@@ -49,6 +49,15 @@ TEST(WrittenPlace, IsToldByLocationOrRepository) {
     EXPECT_EQ(writtenPlaceOf(*requestFor(27, folder.path("new"))), folder.path("new"));
 }
 
+TEST(WrittenPlace, OfAnExportIsItsDestination) {
+    const TestRepository repository;
+    for (const std::int32_t type : {20, 21, 22}) {
+        const auto request = requestFor(type, repository.path());
+        request->destination = repository.path("new/../a.c");
+        EXPECT_EQ(writtenPlaceOf(*request), repository.path("a.c")) << type;
+    }
+}
+
 TEST(WorkingCopyOrder, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
     OperationQueue queue(4);
     WorkingCopyOrder order(queue);

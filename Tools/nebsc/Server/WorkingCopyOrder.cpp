@@ -13,14 +13,11 @@ namespace neb::nebsc {
 namespace {
 
 /// Whose git changes nothing in a repository but what it may change at any time.
-constexpr std::array<std::int32_t, 16> readingTypes{
+constexpr std::array<std::int32_t, 13> readingTypes{
     NEBSourceControlRequestStatus,
     NEBSourceControlRequestList,
     NEBSourceControlRequestLog,
     NEBSourceControlRequestInfo,
-    NEBSourceControlRequestExportFiles,
-    NEBSourceControlRequestExport,
-    NEBSourceControlRequestExportTree,
     NEBSourceControlRequestListRemotes,
     NEBSourceControlRequestListBranches,
     NEBSourceControlRequestCurrentBranch,
@@ -32,14 +29,28 @@ constexpr std::array<std::int32_t, 16> readingTypes{
     NEBSourceControlRequestMergeBase,
 };
 
-bool isReading(std::int32_t type) {
-    return std::find(readingTypes.begin(), readingTypes.end(), type) != readingTypes.end();
+/// Whose git reads the repository, too, and writes to the destination.
+constexpr std::array<std::int32_t, 3> exportingTypes{
+    NEBSourceControlRequestExportFiles,
+    NEBSourceControlRequestExport,
+    NEBSourceControlRequestExportTree,
+};
+
+template <std::size_t Count>
+bool isOneOf(const std::array<std::int32_t, Count>& types, std::int32_t type) {
+    return std::find(types.begin(), types.end(), type) != types.end();
+}
+
+std::string withoutLinks(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path whole = std::filesystem::weakly_canonical(path, failure);
+    return failure ? path : whole.string();
 }
 
 /// The nearest folder at or above the path that holds a ".git"; the path itself where none does.
 std::string topOfWorkingCopy(const std::string& path) {
     std::error_code failure;
-    const std::filesystem::path whole = std::filesystem::weakly_canonical(path, failure);
+    const std::filesystem::path whole = withoutLinks(path);
     for (std::filesystem::path folder = whole; !folder.empty(); folder = folder.parent_path()) {
         if (std::filesystem::exists(folder / ".git", failure)) {
             return folder.string();
@@ -48,14 +59,19 @@ std::string topOfWorkingCopy(const std::string& path) {
             break;
         }
     }
-    return failure ? path : whole.string();
+    return whole.string();
 }
 
 }  // namespace
 
 std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request) {
-    if (isReading(request.type)) {
+    if (isOneOf(readingTypes, request.type)) {
         return std::nullopt;
+    }
+    if (isOneOf(exportingTypes, request.type)) {
+        return request.destination.isPresent()
+                   ? std::optional(withoutLinks(request.destination.description()))
+                   : std::nullopt;
     }
     if (request.type == NEBSourceControlRequestClone) {
         return topOfWorkingCopy(request.destination.description());

@@ -1,5 +1,6 @@
 // WorkingCopyOrder.h - lets work run side by side, but of what writes to one working copy only one
-// at a time, in the order in which it came: two would trip over each other's lock.
+// at a time, in the order in which it came: two would trip over each other's lock. The same holds
+// of what writes to one path elsewhere, where one would take the other's file away.
 //
 //     WorkingCopyOrder order(queue);
 //     order.add(writtenPlaceOf(request), [] { … });
@@ -18,8 +19,8 @@
 namespace neb::nebsc {
 
 /// The place to which the request's operation writes: the top of its working copy, or the path
-/// where one is to be; empty where the request does not tell. Absent for one that only reads, or
-/// that writes elsewhere than in a repository. Looks at the file system. From any thread.
+/// where one is to be, or to which it exports; empty where the request does not tell. Absent for
+/// one that only reads, or exports to a name of its own. Looks at the file system. From any thread.
 [[nodiscard]] std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request);
 
 /// From any thread. All work must have ended when the object goes.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "CallWords.h"
 #include "SimilarWords.h"
 
 namespace neb::nebsc {
@@ -43,49 +44,6 @@ constexpr std::array<ColoursWord, 3> coloursWords{{
     {"never", Colours::never},
 }};
 
-// CLI11 takes a word in brackets for a list where more than one word may stand, though a file may
-// be called "[a]"; and it forgets "--" behind the first of many words. So a word that is no option,
-// whatever it looks like, is given a beginning of its own, and loses it when it is read.
-constexpr char shield = '\x1f';
-
-std::string unshielded(const std::string& word) {
-    return word.starts_with(shield) ? word.substr(1) : word;
-}
-
-/// The words behind "nebsc"; "help log" is another way to say "log --help".
-std::vector<std::string> wordsOfCall(int argc, const char* const* argv) {
-    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
-    if (!words.empty() && words.front() == "help") {
-        words.erase(words.begin());
-        words.emplace_back("--help");
-    }
-    return words;
-}
-
-/// The words from the last to the first, as CLI11 wants them.
-std::vector<std::string> shieldedWords(const std::vector<std::string>& call) {
-    std::vector<std::string> words;
-    bool areOptionsOver = false;
-    for (const std::string& word : call) {
-        if (areOptionsOver || word.starts_with('[') || word.starts_with(shield)) {
-            words.push_back(shield + word);
-        } else if (word == "--") {
-            areOptionsOver = true;
-        } else {
-            words.push_back(word);
-        }
-    }
-    std::reverse(words.begin(), words.end());
-    return words;
-}
-
-std::optional<std::size_t> countWordsBehindDashes(const std::vector<std::string>& words) {
-    const auto dashes = std::find(words.begin(), words.end(), "--");
-    return dashes == words.end()
-               ? std::nullopt
-               : std::optional(static_cast<std::size_t>(words.end() - dashes) - 1);
-}
-
 /// Why a call is not understood.
 struct Mistake {
     /// A sentence without the full stop.
@@ -100,10 +58,11 @@ public:
     Reader();
 
     void parse(int argc, const char* const* argv) {
-        const std::vector<std::string> words = wordsOfCall(argc, argv);
-        _firstWord = words.empty() ? "" : words.front();
-        _wordsBehindDashes = countWordsBehindDashes(words);
-        _app.parse(shieldedWords(words));
+        const CallWords call = readCallWords(argc, argv);
+        _firstWord = call.words.empty() ? "" : call.words.front();
+        _countBehindDashes = call.countBehindDashes;
+        // From the last to the first, as CLI11 wants them.
+        _app.parse(std::vector<std::string>(call.words.rbegin(), call.words.rend()));
     }
 
     [[nodiscard]] Call call() const;
@@ -134,7 +93,7 @@ private:
 
     CLI::App _app{std::string(description), "nebsc"};
     std::string _firstWord;
-    std::optional<std::size_t> _wordsBehindDashes;
+    std::optional<std::size_t> _countBehindDashes;
 };
 
 /// "--message" for "-m,--message".
@@ -241,7 +200,7 @@ Call Reader::call() const {
     while (const CLI::App* inner = namedCommand(*app)) {
         app = inner;
     }
-    call.arguments.setWordsBehindDashes(_wordsBehindDashes);
+    call.arguments.setWordsBehindDashes(_countBehindDashes);
     for (const Parameter& parameter : call.command->parameters) {
         const CLI::Option* option = app->get_option(longName(parameter));
         if (option->count() > 0) {
@@ -330,7 +289,7 @@ Mistake Reader::mistakeInWords() const {
     }
     const std::string word = wrong == words.end() ? "" : unshielded(*wrong);
     const Command* command = this->command();
-    if (word.starts_with('-') && !wrong->starts_with(shield)) {
+    if (word.starts_with('-') && !isShielded(*wrong)) {
         const std::string name = word.substr(0, word.find('='));
         return {"There is no option " + inQuotes(name) +
                     (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName()))),
@@ -342,7 +301,7 @@ Mistake Reader::mistakeInWords() const {
         return {"There is no command " + inQuotes(word),
                 questionForSimilar(word, namesOf(allCommands()))};
     }
-    if (command == nullptr && wrong->starts_with(shield)) {
+    if (command == nullptr && isShielded(*wrong)) {
         return {"A command was expected in front of \"--\", not " + inQuotes(word) + " behind it"};
     }
     if (hasCommandsAlone(command)) {
@@ -405,8 +364,7 @@ Reply refusedCall(const Mistake& mistake, const std::string& command) {
     std::string sentence =
         mistake.sentence +
         (mistake.question.empty() ? " (see nebsc " + command + "--help)." : ".") + mistake.question;
-    std::erase(sentence, shield);
-    return refusal(sentence, exitNotUnderstood);
+    return refusal(withoutShields(std::move(sentence)), exitNotUnderstood);
 }
 
 constexpr Parameter commonRows[] = {

@@ -48,6 +48,8 @@ extern const Command commitCommand;
 // ---- branches
 /// Its commands are those about the branches of the repository.
 extern const Command branchCommand;
+extern const Command branchTrackCommand;
+extern const Command branchTrackingCommand;
 extern const Command checkoutCommand;
 extern const Command mergeCommand;
 extern const Command mergeBaseCommand;

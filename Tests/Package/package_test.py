@@ -104,7 +104,7 @@ class Installation(PackageTest):
             "share/fish/vendor_completions.d/nebsc.fish",
         })
         self.assertLessEqual({f"share/doc/nebgit/{name}" for name in [
-            "README.md", "LICENSE", "copyright", "docs/hosts.md", "docs/server.md",
+            "README.md", "CONTRIBUTING.md", "LICENSE", "copyright", "docs/hosts.md", "docs/server.md",
             "examples/client.py", "examples/client.mjs", "examples/log-host/main.cpp"]}, documents)
 
     def test_nothing_of_it_knows_where_it_was_built_or_installed(self):

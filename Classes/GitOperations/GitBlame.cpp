@@ -1,7 +1,5 @@
 #include "GitOperations/GitBlame.h"
 
-#include <algorithm>
-
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Scanner.h"
@@ -61,7 +59,7 @@ void GitBlameOperation::parseData() {
     const Data text = NEBSourceControlTextData(*data());
     const std::string_view lines = text;
     NEBSourceControlResult records;
-    records.reserve(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')) + 1);
+    records.reserve(pieceCount(lines, '\n'));
     // The piece behind the last line end makes the empty record: hosts count on it.
     forEachPiece(lines, '\n',
                  [&](std::string_view line) { records.push_back(recordOf(text, line)); });

@@ -1,7 +1,5 @@
 #include "GitOperations/GitBranch.h"
 
-#include <algorithm>
-
 #include "GitOperations/GitRevision.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
@@ -151,7 +149,7 @@ void GitListRemoteBranchesOperation::parseData() {
     NEBSourceControlResult records;
     if (data() && !data()->empty()) {
         const std::string text = *_nebsc_stringFromData(data());
-        records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+        records.reserve(pieceCount(text, '\n'));
         forEachPiece(text, '\n',
                      [&records](std::string_view line) { records.push_back(recordOfHead(line)); });
     }

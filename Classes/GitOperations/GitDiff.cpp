@@ -47,6 +47,7 @@ NEBSourceControlResult GitDiffOperation::recordsOf(std::string_view text) const 
     const auto& sourceTree = request()->sourceTree;
     GitStatusLines lines(sourceTree ? sourceTree->location.value_or("") : "");
     NEBSourceControlResult records;
+    records.reserve(pieceCount(text, '\n'));
     forEachPiece(text, '\n', [&](std::string_view line) {
         if (auto record = lines.recordOf(line)) {
             records.push_back(std::move(*record));

@@ -1,7 +1,5 @@
 #include "GitOperations/GitLog.h"
 
-#include <algorithm>
-
 #include "GitOperations/GitRecentTexts.h"
 #include "GitOperations/GitRevision.h"
 #include "GitOperations/GitStatus.h"
@@ -45,12 +43,6 @@ NEBDate dateOf(std::string_view seconds) {
     Scanner scanner(seconds);
     scanner.skipSpace();
     return NEBDate(std::chrono::seconds(scanner.takeInteger().value_or(0)));
-}
-
-std::size_t linesIn(std::string_view text) {
-    std::size_t count = 0;
-    forEachPiece(text, '\n', [&count](std::string_view /*line*/) { ++count; });
-    return count;
 }
 
 }  // namespace
@@ -108,7 +100,7 @@ private:
     /// line without a TAB is none of git's.
     NEBDictionary filesOf(std::string_view list) {
         NEBDictionary files;
-        files.reserve(linesIn(list));
+        files.reserve(pieceCount(list, '\n'));
         forEachPiece(list, '\n', [this, &files](std::string_view line) {
             Scanner scanner(line);
             const std::string_view letters = scanner.takeUpTo('\t');

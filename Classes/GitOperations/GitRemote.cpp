@@ -1,7 +1,5 @@
 #include "GitOperations/GitRemote.h"
 
-#include <algorithm>
-
 #include "GitOperations/GitSubversion.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Scanner.h"
@@ -55,7 +53,7 @@ void GitListStandardRemotesOperation::parseData() {
     }
     const std::string text = *_nebsc_stringFromData(data());
     NEBSourceControlResult records;
-    records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+    records.reserve(pieceCount(text, '\n'));
     forEachPiece(text, '\n',
                  [&records](std::string_view line) { records.push_back(recordOf(line)); });
     setResult(std::move(records));

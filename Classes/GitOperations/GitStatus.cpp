@@ -6,6 +6,7 @@
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -117,14 +118,12 @@ void GitStatusOperation::parseData() {
     NEBSourceControlResult records;
     if (sourceTree && sourceTree->isValid) {
         GitStatusLines lines(sourceTree->location.value_or(""));
-        std::string_view rest = text;
-        while (!rest.empty()) {
-            const std::size_t end = rest.find('\n');
-            if (auto record = lines.recordOf(rest.substr(0, end))) {
+        records.reserve(pieceCount(text, '\n'));
+        forEachPiece(text, '\n', [&](std::string_view line) {
+            if (auto record = lines.recordOf(line)) {
                 records.push_back(std::move(*record));
             }
-            rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
-        }
+        });
     }
     setResult(std::move(records));
 }

@@ -1,6 +1,7 @@
 // Text.h - UTF-8, white space, lines.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -37,6 +38,11 @@ void forEachPiece(std::string_view text, char separator, Visit visit) {
         text.remove_prefix(end + 1);
     }
     visit(text);
+}
+
+/// How many pieces those are.
+[[nodiscard]] inline std::size_t pieceCount(std::string_view text, char separator) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1;
 }
 
 }  // namespace neb

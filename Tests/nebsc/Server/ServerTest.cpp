@@ -300,6 +300,16 @@ TEST_F(EndOfServer, ByAClientThatIsGoneLeavesNothingBehind) {
     expectEnd(1);
 }
 
+/// So many that no more are read.
+TEST_F(EndOfServer, ByAClientThatIsGoneWhileManyRequestsWait) {
+    constexpr int moreThanMayWait = 4200;
+    for (int i = 2; i < moreThanMayWait; ++i) {
+        client.send(i, "sourceControl/perform", requestAbout(15, git.place()));
+    }
+    client.close();
+    expectEnd(1);
+}
+
 TEST_F(EndOfServer, ByAClientThatGoesInTheMiddleOfAMessage) {
     client.sendBytes("Content-Length: 20\r\n\r\n{");
     client.close();

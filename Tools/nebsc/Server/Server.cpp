@@ -97,7 +97,8 @@ void Server::readFrom(int input) {
     while (_state != State::ended) {
         const bool mayRead = mayReadOn();
         std::array<pollfd, 2> descriptors{
-            {{.fd = mayRead ? input : -1, .events = POLLIN, .revents = 0},
+            // One that may not be read on is looked at all the same: the client may be gone.
+            {{.fd = input, .events = static_cast<short>(mayRead ? POLLIN : 0), .revents = 0},
              {.fd = _wake.descriptor(), .events = POLLIN, .revents = 0}}};
         const int timeout = mayRead ? -1 : static_cast<int>(lookInterval.count());
         if (::poll(descriptors.data(), descriptors.size(), timeout) < 0) {
@@ -108,6 +109,9 @@ void Server::readFrom(int input) {
         }
         if (descriptors[0].revents == 0) {
             continue;
+        }
+        if (!mayRead) {
+            return;
         }
         const ssize_t count = ::read(input, piece.data(), piece.size());
         if (count > 0) {

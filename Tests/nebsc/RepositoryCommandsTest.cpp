@@ -84,6 +84,22 @@ TEST_F(RepositoryCommands, InitLeavesARepositoryThatIsThereAlone) {
     EXPECT_FALSE(isHere("bare.git/.git"));
 }
 
+TEST_F(RepositoryCommands, InitLeavesWhatIsLeftOfARepositoryAlone) {
+    EXPECT_EQ(here({"init", "demo"}).exitStatus, 0);
+    EXPECT_EQ(here({"init", "--bare", "bare.git"}).exitStatus, 0);
+    folder.write("demo/.git/info/exclude", "mine\n");
+    fs::remove(folder.path("demo/.git/HEAD"));
+    folder.write("bare.git/HEAD", "nothing that git knows\n");
+    folder.write("linked/.git", "gitdir: /nonexistent\n");
+    for (const char* name : {"demo", "bare.git", "linked"}) {
+        expectFailed(here({"init", name}),
+                     "nebsc: What is in \"" + folder.path(name) +
+                         "\" looks like a damaged repository; nothing was changed.\n");
+    }
+    EXPECT_EQ(folder.read("demo/.git/info/exclude"), "mine\n");
+    EXPECT_FALSE(isHere("demo/.git/HEAD"));
+}
+
 TEST_F(RepositoryCommands, InitBelowAnotherRepositoryIsOneOfItsOwn) {
     EXPECT_EQ(here({"init"}).exitStatus, 0);
     expectDone(here({"init", "inner"}),

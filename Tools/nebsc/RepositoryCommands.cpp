@@ -28,7 +28,7 @@ protected:
     void conclude(const Outcome& outcome, Reply& reply) override;
 
 private:
-    [[nodiscard]] bool isRepository(const std::string& folder);
+    [[nodiscard]] std::optional<Reply> refusalOfRepository(const std::string& folder);
 
     std::optional<MissingFolder> _folder;
 };
@@ -39,13 +39,29 @@ WorkingCopyPlace InitTask::findPlace() {
             .isWorkingCopy = false};
 }
 
-bool InitTask::isRepository(const std::string& folder) {
-    return runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", folder},
-                  currentFolder())
-        .status.isSuccess();
+/// The request would go on in a repository that is there, or in what is left of one, and replace
+/// its list of files to ignore.
+std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
+    const std::string inside = pathByAppendingComponent(folder, ".git");
+    for (const std::string& place : {folder, inside}) {
+        if (runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", place},
+                   currentFolder())
+                .status.isSuccess()) {
+            return refusal(
+                "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
+                exitFailed);
+        }
+    }
+    const bool isBroken =
+        isAnythingAt(inside) || (isAnythingAt(pathByAppendingComponent(folder, "objects")) &&
+                                 isAnythingAt(pathByAppendingComponent(folder, "refs")));
+    return isBroken ? std::optional(refusal("What is in " + inQuotes(folder) +
+                                                " looks like a damaged repository; nothing was "
+                                                "changed.",
+                                            exitFailed))
+                    : std::nullopt;
 }
 
-/// The request would go on in a repository that is there, and replace its list of files to ignore.
 std::optional<Reply> InitTask::look() {
     const std::string& folder = place().location;
     if (const std::string word = arguments().value("DIR").value_or("");
@@ -53,10 +69,8 @@ std::optional<Reply> InitTask::look() {
         return refusal(inQuotes(word) + " is a URL; a repository is made in a folder.",
                        exitNotUnderstood);
     }
-    if (isRepository(folder) || isRepository(pathByAppendingComponent(folder, ".git"))) {
-        return refusal(
-            "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
-            exitFailed);
+    if (auto refused = refusalOfRepository(folder)) {
+        return refused;
     }
     _folder.emplace(folder);
     if (const auto failure = _folder->make()) {

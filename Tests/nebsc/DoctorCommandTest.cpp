@@ -88,6 +88,56 @@ TEST_F(DoctorCommand, AFreshLockIsNotTakenForOneLeftBehind) {
     EXPECT_EQ(found[0]["health"], "note");
 }
 
+TEST_F(DoctorCommand, ARepositoryThatGitDoesNotTakeForOneIsAProblem) {
+    std::filesystem::remove(repository.path(".git/HEAD"));
+    repository.write("src/a.c", "");
+    const NebscOutcome outcome = nebsc({"doctor"}, "src");
+    EXPECT_THAT(outcome.output, HasSubstr("problem  repository   " + repository.path(".git") +
+                                          " is there, but is no repository to git: not a git"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(DoctorCommand, AnIndexThatCannotBeReadIsAProblem) {
+    repository.commitFile("a.c", "1\n");
+    EXPECT_THAT(findings("index"), testing::IsEmpty());
+    repository.write(".git/index", "nothing that git knows, and long enough for it");
+    const auto found = findings("index");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]["health"], "problem");
+    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("git cannot read it: "));
+}
+
+TEST_F(DoctorCommand, ALatestCommitThatCannotBeReadIsAProblem) {
+    EXPECT_EQ(findings("commits")[0]["text"], "there is none yet on the current branch");
+    repository.commitFile("a.c", "1\n");
+    EXPECT_EQ(findings("commits")[0]["text"], "the latest one can be read");
+    const std::string commit = repository.git({"rev-parse", "HEAD"});
+    std::filesystem::remove(
+        repository.path(".git/objects/" + commit.substr(0, 2) + "/" + commit.substr(2, 38)));
+    const auto found = findings("commits");
+    EXPECT_EQ(found[0]["health"], "problem");
+    EXPECT_EQ(found[0]["text"], "the latest one cannot be read: bad object HEAD");
+}
+
+TEST_F(DoctorCommand, WorkThatIsUnderWayIsNoted) {
+    EXPECT_THAT(findings("unfinished"), testing::IsEmpty());
+    for (const auto& [name, work] :
+         std::vector<std::pair<const char*, const char*>>{{"rebase-merge", "a rebase"},
+                                                          {"rebase-apply", "a rebase"},
+                                                          {"MERGE_HEAD", "a merge"},
+                                                          {"CHERRY_PICK_HEAD", "a cherry-pick"},
+                                                          {"REVERT_HEAD", "a revert"},
+                                                          {"BISECT_LOG", "a bisection"}}) {
+        const std::string path = repository.path(std::string(".git/") + name);
+        repository.write(std::string(".git/") + name, "");
+        const auto found = findings("unfinished");
+        ASSERT_EQ(found.size(), 1U) << name;
+        EXPECT_EQ(found[0]["health"], "note");
+        EXPECT_EQ(found[0]["text"], std::string(work) + " is under way");
+        std::filesystem::remove(path);
+    }
+}
+
 TEST_F(DoctorCommand, WithoutGitItSaysSo) {
     const TemporaryFolder none;
     const NebscOutcome outcome = runNebsc(

@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -20,6 +22,7 @@
 #include "ProgramSearch.h"
 #include "ShellText.h"
 #include "UserSettings.h"
+#include "WorkingCopyPlace.h"
 
 namespace neb::nebsc {
 
@@ -58,6 +61,18 @@ std::string lineOfTrust(std::string_view words) {
     return std::string(words.substr(0, words.find('\n')));
 }
 
+/// The ".git" in the folder or in the nearest one above it; empty where there is none.
+std::string remainsOfRepository(const std::string& folder) {
+    for (std::filesystem::path place = folder;; place = place.parent_path()) {
+        if (std::string path = (place / ".git").string(); isAnythingAt(path)) {
+            return path;
+        }
+        if (place == place.parent_path()) {
+            return "";
+        }
+    }
+}
+
 class Doctor {
 public:
     Doctor(Interruption& interruption, const Trace& trace, const std::string& folder)
@@ -74,6 +89,8 @@ private:
     void examineGit();
     void examinePlugIn(const PlugInFile& plugIn);
     void examineRepository();
+    void examineContents();
+    void examineUnfinished(const std::string& gitFolder);
     void examineLocks(const std::vector<std::string>& gitFolders);
     [[nodiscard]] bool readSettings();
     void examineSettings();
@@ -180,6 +197,11 @@ void Doctor::examineRepository() {
             add(Health::problem, "repository",
                 "it belongs to somebody else, and so git does not trust it",
                 "If you do: " + lineOfTrust(words));
+        } else if (const std::string remains = remainsOfRepository(_folder);
+                   errorClass == "not-a-repository" && !remains.empty()) {
+            add(Health::problem, "repository",
+                remains + " is there, but is no repository to git: " + reasonOf(outcome),
+                "See whether its HEAD, objects and refs are there, or what a file .git names.");
         } else if (errorClass == "not-a-repository") {
             add(Health::note, "repository", _folder + " lies in none",
                 "\"nebsc init\" makes one, \"nebsc clone\" copies one.");
@@ -198,6 +220,60 @@ void Doctor::examineRepository() {
         _workingCopy.empty() ? folders.front() + ", without a working copy here"
                              : "working copy " + _workingCopy + ", whose owner git trusts");
     examineLocks(folders);
+    examineContents();
+    examineUnfinished(folders.front());
+}
+
+/// What every command needs: the index and the latest commit.
+void Doctor::examineContents() {
+    if (!_workingCopy.empty()) {
+        // No file is called so; git reads all of the index to know.
+        const ChildOutcome index = ask({"ls-files", "--", ":(top,literal).git"});
+        if (!index.status.isSuccess()) {
+            add(Health::problem, "index", "git cannot read it: " + reasonOf(index),
+                "\"rm .git/index\" and \"git reset\" make it anew; what was staged is forgotten.");
+        }
+    }
+    const ChildOutcome head = ask({"rev-parse", "--verify", "--quiet", "HEAD"});
+    if (!head.status.isSuccess()) {
+        add(Health::note, "commits", "there is none yet on the current branch");
+        return;
+    }
+    // What is missing is allowed to be, so that git fetches nothing from where a repository says.
+    const ChildOutcome commit =
+        ask({"rev-list", "--max-count=1", "--missing=allow-any", "HEAD", "--"});
+    if (commit.status.isSuccess()) {
+        add(Health::ok, "commits", "the latest one can be read");
+    } else {
+        add(Health::problem, "commits", "the latest one cannot be read: " + reasonOf(commit),
+            "\"git fsck\" tells what is missing; another copy of the repository may have it.");
+    }
+}
+
+struct Unfinished {
+    std::string_view file;
+    std::string_view work;
+    std::string_view advice;
+};
+
+/// What git keeps in the repository's folder for as long as work is under way.
+constexpr std::array<Unfinished, 6> unfinishedWork{{
+    {"rebase-merge", "a rebase", "\"git rebase --continue\" goes on, --abort takes it back."},
+    {"rebase-apply", "a rebase", "\"git rebase --continue\" goes on, --abort takes it back."},
+    {"MERGE_HEAD", "a merge", "\"nebsc commit\" ends it, \"git merge --abort\" takes it back."},
+    {"CHERRY_PICK_HEAD", "a cherry-pick",
+     "\"git cherry-pick --continue\" goes on, --abort takes it back."},
+    {"REVERT_HEAD", "a revert", "\"git revert --continue\" goes on, --abort takes it back."},
+    {"BISECT_LOG", "a bisection", "\"git bisect reset\" ends it."},
+}};
+
+void Doctor::examineUnfinished(const std::string& gitFolder) {
+    for (const Unfinished& row : unfinishedWork) {
+        if (isAnythingAt(pathByAppendingComponent(gitFolder, row.file))) {
+            add(Health::note, "unfinished", std::string(row.work) + " is under way",
+                std::string(row.advice));
+        }
+    }
 }
 
 void Doctor::examineLocks(const std::vector<std::string>& gitFolders) {

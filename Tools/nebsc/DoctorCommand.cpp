@@ -100,9 +100,10 @@ constinit const Command doctorCommand{
     .group = lookGroup,
     .summary = "Tell whether everything is in order, and what to do where it is not",
     .details =
-        "Looks at git, the plug-in, the repository around here, lock files that were left\n"
-        "behind, settings that do not count here, and credentials. Changes nothing. The exit\n"
-        "status is 1 where there is a problem.\n\n"
+        "Looks at git, the plug-in, the repository around here with its index and its latest\n"
+        "commit, work that is under way, lock files that were left behind, settings that do not\n"
+        "count here, and credentials. Changes nothing. The exit status is 1 where there is a\n"
+        "problem.\n\n"
         "Examples:\n"
         "  nebsc doctor\n"
         "  nebsc doctor --json    the same for a program to read\n",

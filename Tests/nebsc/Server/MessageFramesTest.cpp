@@ -94,6 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
                     BadHeader{"TooLarge", "Content-Length: 99999999999999999999\r\n\r\n{}",
                               "is no number"},
                     BadHeader{"NoColon", "{\"jsonrpc\"\r\n\r\n", "which has no colon"},
+                    BadHeader{"TwoLengths", "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}",
+                              "more than one Content-Length"},
                     BadHeader{"LineFeedsAlone", "Content-Length: 2\n\n{}",
                               "ends with LF alone, and not with CR LF: \"Content-Length: 2\"."},
                     BadHeader{"OneLineFeedAlone", "Content-Type: x\r\nContent-Length: 2\n\r\n",

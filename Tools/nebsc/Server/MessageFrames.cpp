@@ -119,6 +119,9 @@ bool MessageFrames::takeHeaderLine(std::string_view line) {
                     ", which has no colon.");
     }
     if (isSameName(withoutBlanks(line.substr(0, colon)), "content-length")) {
+        if (_length) {
+            return fail("A message's header has more than one Content-Length.");
+        }
         _length = numberIn(withoutBlanks(line.substr(colon + 1)));
         if (!_length) {
             return fail("A message's Content-Length is no number: " +

@@ -93,6 +93,33 @@ TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
     expectFailed(nebsc(plain, {"svn"}), HasSubstr("No Subversion repository"));
 }
 
+TEST_F(SubversionCommands, ACommitThatAnUpdateLeavesOutIsTold) {
+    ann.commitFile("a", "mine\n");
+    const std::string mine = ann.git({"rev-parse", "--short=12", "HEAD"});
+    server.commitFile("trunk/a", "theirs\n");
+    const NebscOutcome updated = nebsc(ann, {"svn", "update"});
+    EXPECT_EQ(updated.output, "Updated from " + reference + "; " + now(ann));
+    EXPECT_EQ(updated.errors,
+              "nebsc: 1 commit of yours was left out, as nothing in it is new or what it changes "
+              "was changed there too; before the update, your commits ended with " +
+                  mine.substr(0, 12) + ".\n");
+    EXPECT_EQ(updated.exitStatus, 0);
+    EXPECT_EQ(content(ann, "a"), "theirs\n");
+    EXPECT_EQ(ann.git({"show", mine.substr(0, 12) + ":a"}), "mine\n");
+}
+
+TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
+    ann.commitFile("b", "mine\n");
+    server.commitFile("trunk/a", "theirs\n");
+    ann.write(".git/rebase-merge/head-name", "refs/heads/main\n");
+    expectFailed(
+        nebsc(ann, {"svn", "update"}),
+        AllOf(StartsWith("nebsc: A rebase was begun here and is not finished.\n\"git rebase "
+                         "--continue\" goes on with it, \"git rebase --abort\" takes it "
+                         "back.\n"),
+              HasSubstr("rebase-merge directory")));
+}
+
 TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome json = nebsc(ann, {"update", "--svn", "--json"});

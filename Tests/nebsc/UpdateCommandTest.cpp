@@ -165,9 +165,11 @@ TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
     expectFailed(nebsc(*ben, {"update", "origin", "nosuch"}),
                  "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "nosuch"}), HasSubstr("nosuch"));
-    expectFailed(nebsc(*ben, {"update", "nosuch", "main"}),
-                 "nebsc: \"nosuch\" is the name of no remote.\n\"nebsc remote add\" gives it one; "
-                 "\"nebsc update --ff\" does without.\n");
+    expectFailed(
+        nebsc(*ben, {"update", "nosuch", "main"}),
+        "nebsc: \"nosuch\" is the name of no remote.\n"
+        "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL "
+        "or a path, too.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "nosuch", "main"}),
                  HasSubstr("'nosuch' does not appear"));
     expectDone(nebsc(*ben, {"update", "--ff", bare(), "main"}),

@@ -1,3 +1,5 @@
+#include <charconv>
+
 #include "BranchTask.h"
 #include "Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -37,7 +39,13 @@ private:
     std::string _reference;
     /// What a person is told of the source.
     std::string _shownSource;
+    /// How many commits there are here that the reference does not have.
+    [[nodiscard]] std::size_t ownCommits();
+    /// Says how many commits of one's own a rebase has left out.
+    void noteDroppedCommits(Reply& reply);
+
     std::optional<std::string> _commitBefore;
+    std::size_t _ownCommitsBefore = 0;
     bool _isMergedAlready = false;
 };
 
@@ -101,7 +109,9 @@ std::optional<Reply> UpdateTask::fetchSource() {
     if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
         Reply reply = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed);
         reply.standardError +=
-            "\"nebsc remote add\" gives it one; \"nebsc update --ff\" does without.\n";
+            "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
+            "a "
+            "path, too.\n";
         return reply;
     }
     if (auto failed = prepareBy(fetchRequest(remote))) {
@@ -134,9 +144,36 @@ std::optional<Reply> UpdateTask::fetchSubversion() {
         _reference = setting.substr(setting.rfind(':') + 1);
     }
     _shownSource = printable(_reference);
-    return _reference.starts_with('-')
-               ? std::nullopt
-               : prepareBy(exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion));
+    if (_reference.starts_with('-')) {
+        return std::nullopt;
+    }
+    if (auto failed = prepareBy(exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion))) {
+        return failed;
+    }
+    _ownCommitsBefore = ownCommits();
+    return std::nullopt;
+}
+
+std::size_t UpdateTask::ownCommits() {
+    const std::string count =
+        answer({"rev-list", "--count", "--end-of-options", _reference + "..HEAD"}).value_or("");
+    std::size_t number = 0;
+    std::from_chars(count.data(), count.data() + count.size(), number);
+    return number;
+}
+
+/// One whose changes are all there already, or lost to what is there, has nothing left to say.
+void UpdateTask::noteDroppedCommits(Reply& reply) {
+    const std::size_t left = ownCommits();
+    if (left >= _ownCommitsBefore) {
+        return;
+    }
+    const std::size_t dropped = _ownCommitsBefore - left;
+    reply.standardError += "nebsc: " + std::to_string(dropped) +
+                           (dropped == 1 ? " commit of yours was" : " commits of yours were") +
+                           " left out, as nothing in it is new or what it changes was changed "
+                           "there too; before the update, your commits ended with " +
+                           printable(_commitBefore.value_or("")) + ".\n";
 }
 
 std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
@@ -163,6 +200,9 @@ void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
             "Updated from " + _shownSource + "; now at " + printable(*commit) + ".\n";
     } else {
         reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
+    }
+    if (isSubversion()) {
+        noteDroppedCommits(reply);
     }
 }
 
@@ -194,7 +234,8 @@ constinit const Command updateCommand{
     .summary = "Bring the working copy up to date with a remote",
     .details =
         "Fetches, and merges what is new into the current branch. Where both sides have\n"
-        "changed the same lines, those of the current branch are kept.\n\n"
+        "changed the same lines, those of the current branch are kept; with --svn those of\n"
+        "Subversion are, and a commit of which nothing is left then is left out.\n\n"
         "Examples:\n"
         "  nebsc update                from the branch that the current one tracks\n"
         "  nebsc update origin main    from another\n"

@@ -138,7 +138,7 @@ TEST_F(CheckoutCommand, ANameThatIsNothingFails) {
     expectFailed(nebsc({"checkout", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc({"checkout", "*"}), HasSubstr("*"));
     expectFailed(nebsc({"checkout"}), HasSubstr("BRANCH"), 2);
-    EXPECT_EQ(nebsc({"checkout", ""}).exitStatus, 1);
+    expectFailed(nebsc({"checkout", ""}), "nebsc: BRANCH is empty.\n", 2);
     EXPECT_EQ(branch(), "main\n");
 }
 

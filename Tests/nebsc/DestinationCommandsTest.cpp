@@ -58,6 +58,11 @@ TEST_F(DestinationCommands, MoveOfWhatIsNotTrackedFails) {
     EXPECT_TRUE(isThere("mine.c"));
 }
 
+TEST_F(DestinationCommands, AMoveOfWhatIsNotThereIsToldSo) {
+    expectFailed(nebsc({"mv", "nosuch.c", "x.c"}),
+                 "nebsc: There is no file or folder \"nosuch.c\".\n");
+}
+
 TEST_F(DestinationCommands, MoveWithJSONPrintsTheOutcomeAlone) {
     const NebscOutcome outcome = nebsc({"mv", "deep.c", "flat.c", "--json"}, "src");
     EXPECT_EQ(outcome.json()["command"]["arguments"],

@@ -55,6 +55,11 @@ TEST_F(DiffCommand, NamesAreShownAsSeenFromTheCurrentFolder) {
     expectDone(nebsc({"diff", "--name-status", "--", "z", "gone"}), "added      z\n");
 }
 
+TEST_F(DiffCommand, ANameThatGitQuotesKeepsBothQuotes) {
+    repository.git({"mv", "a.c", "q\"t"});
+    expectDone(nebsc({"diff", "--name-status"}), "renamed    a.c -> \"q\\\"t\"\n");
+}
+
 TEST_F(DiffCommand, AFileWhoseNameIsLikeARenamesIsNone) {
     repository.write("100", "1");
     repository.git({"add", "100"});
@@ -141,7 +146,8 @@ TEST_F(DiffCommand, WhatCannotBeComparedIsNamed) {
     const TestRepository empty;
     expectFailed(runNebsc({"diff"}, {.folder = empty.path()}),
                  HasSubstr("There are no commits yet"));
-    EXPECT_EQ(runNebsc({"diff", "--json"}, {.folder = empty.path()}).exitStatus, 1);
+    EXPECT_EQ(runNebsc({"diff", "--json"}, {.folder = empty.path()}).json()["error"]["class"],
+              "no-commits-yet");
     const TemporaryFolder folder;
     expectFailed(runNebsc({"diff"}, {.folder = folder.path()}), HasSubstr("ot a git repository"));
 }
@@ -154,6 +160,16 @@ TEST_F(DiffCommand, APatchCannotDriveTheTerminal) {
 TEST_F(DiffCommand, APatchThatGoesToAProgramIsAsGitMadeIt) {
     repository.write("a.c", "\x1b[31m\x07\n");
     const std::string patch = nebsc({"diff"}).output;
+    EXPECT_EQ(patch, repository.git({"diff", "HEAD"}));
+    repository.git({"checkout", "--quiet", "a.c"});
+    repository.gitWithInput({"apply"}, patch);
+    EXPECT_EQ(repository.git({"diff", "HEAD"}), patch);
+}
+
+TEST_F(DiffCommand, APatchOfAnotherEncodingKeepsItsBytesForAProgram) {
+    repository.write("a.c", "gr\xFCn\n");
+    const std::string patch = nebsc({"diff", "HEAD", "--", "a.c"}).output;
+    EXPECT_THAT(patch, HasSubstr("+gr\xFCn\n"));
     EXPECT_EQ(patch, repository.git({"diff", "HEAD"}));
     repository.git({"checkout", "--quiet", "a.c"});
     repository.gitWithInput({"apply"}, patch);

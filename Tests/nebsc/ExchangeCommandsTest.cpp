@@ -113,6 +113,7 @@ TEST_F(ExchangeCommands, APushTellsWhereItWent) {
     ann->commitFile("src/b", "b");
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}, "src"),
                "Pushed main to main of \"origin\".\n");
+    expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: BRANCHES is empty.\n", 2);
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push", "origin", "main:feature/Grüße"}),
                "Pushed main to feature/Grüße of \"origin\".\n");
@@ -176,7 +177,7 @@ TEST_F(ExchangeCommands, APushThatAHookRefusesSaysWhose) {
 
 TEST_F(ExchangeCommands, APushDeletesAndOverwritesNothing) {
     ben->git({"commit", "--quiet", "--amend", "-m", "another"});
-    for (const char* branches : {":main", "main:", "+main:main", "+main", ":", ""}) {
+    for (const char* branches : {":main", "main:", "+main:main", "+main", ":"}) {
         expectFailed(nebsc(*ben, {"push", "origin", branches}),
                      "nebsc: \"" + std::string(branches) +
                          "\" does not name two branches; LOCAL:THERE was expected.\n",
@@ -193,7 +194,8 @@ TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
     expectFailed(nebsc(*ann, {"push", "origin"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("No Subversion repository"));
-    expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}), HasSubstr("Src refspec nosuch"));
+    expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}),
+                 "nebsc: There is no branch \"nosuch\" here to push.\n");
     expectFailed(nebsc(*ann, {"push", "nosuch", "main"}), HasSubstr("'nosuch' does not appear"));
     expectFailed(nebsc(*ann, {"push", "--", "--mirror", "main"}),
                  HasSubstr("\"--mirror\" begins with"), 2);
@@ -201,7 +203,8 @@ TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
                  2);
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
-    expectFailed(nebsc(empty, {"push", "origin", "main"}), HasSubstr("Src refspec main"));
+    expectFailed(nebsc(empty, {"push", "origin", "main"}),
+                 "nebsc: There is no branch \"main\" here to push.\n");
 }
 
 }  // namespace

@@ -57,6 +57,7 @@ TEST_F(IgnoreCommand, RefusesWhatItCannotDo) {
     expectFailed(nebsc({"ignore", "a.c"}),
                  StartsWith("nebsc: \"a.c\" is tracked, so its changes cannot be ignored.\n"));
     expectFailed(nebsc({"ignore", "."}), "nebsc: The whole working copy cannot be ignored.\n");
+    expectFailed(nebsc({"ignore", ".git"}), HasSubstr("the repository's own folder"));
     expectFailed(nebsc({"ignore", "b", "../x"}), HasSubstr("lies outside the working copy"));
     expectFailed(nebsc({"ignore", "a\nb"}), HasSubstr("holds a line end"));
     EXPECT_FALSE(isThere(".gitignore"));

@@ -111,12 +111,17 @@ TEST_F(MergeCommands, WithoutACommonAncestorThatIsTold) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
+TEST_F(MergeCommands, AMergeOfWhatIsNotThereIsToldSo) {
+    expectFailed(nebsc({"merge", "nosuch"}), "nebsc: There is no branch or revision \"nosuch\".\n");
+    expectFailed(nebsc({"merge", ""}), "nebsc: REVISION is empty.\n", 2);
+}
+
 TEST_F(MergeCommands, AnUnknownRevisionIsNoMissingAncestor) {
     expectFailed(nebsc({"merge-base", "main", "nosuch"}),
                  "nebsc: There is no revision \"nosuch\".\n");
     expectFailed(nebsc({"merge-base", "HEAD~7", "main"}), HasSubstr("\"HEAD~7\""));
     const NebscOutcome json = nebsc({"merge-base", "--json", "main", "nosuch"});
-    EXPECT_EQ(json.json()["error"]["code"], 4);
+    EXPECT_EQ(json.json()["error"]["class"], "revision-unknown");
     EXPECT_EQ(json.exitStatus, 1);
     expectFailed(nebsc({"merge-base", "main", "--", "--all"}), HasSubstr("\"--all\" begins"), 2);
     const TemporaryFolder folder;

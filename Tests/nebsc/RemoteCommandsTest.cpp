@@ -99,7 +99,8 @@ TEST_F(RemoteCommands, OutsideAnyRepositoryGitSaysSo) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"remote"},
                                                   {"remote", "list"},
                                                   {"remote", "add", "x", "/y"},
-                                                  {"remote", "rm", "x"}}) {
+                                                  {"remote", "rm", "x"},
+                                                  {"remote", "branches"}}) {
         expectFailed(runNebsc(words, {.folder = nowhere.path()}),
                      StartsWith("nebsc: Not a git repository"));
     }
@@ -157,6 +158,8 @@ TEST_F(RemoteCommands, WhatCannotBeAddedOrRemovedIsTold) {
     expectFailed(nebsc({"remote", "add", "origin", "/y"}), HasSubstr("origin already exists"));
     expectFailed(nebsc({"remote", "add", "a b", "/y"}), HasSubstr("'a b' is not a valid"));
     expectFailed(nebsc({"remote", "rm", "nosuch"}), HasSubstr("No such remote: 'nosuch'"));
+    expectFailed(nebsc({"remote", "add", "y", ""}), "nebsc: URL is empty.\n", 2);
+    expectFailed(nebsc({"remote", "rm", ""}), "nebsc: NAME is empty.\n", 2);
     expectFailed(nebsc({"remote", "rm", "--", "-x"}), HasSubstr("\"-x\" begins with"), 2);
     expectFailed(nebsc({"remote", "add", "--", "-f", "/y"}), HasSubstr("\"-f\" begins with"), 2);
     expectFailed(nebsc({"remote", "add", "y", "--", "-f"}), HasSubstr("\"-f\" begins with"), 2);

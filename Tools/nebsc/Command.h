@@ -35,6 +35,7 @@ enum class Takes {
     folder,
     /// A path that the command itself looks up: a text like all that follow.
     pathAsWritten,
+    // From here on, names of what git knows.
     /// A branch of this repository.
     branch,
     /// A branch, a tag, or another commit.
@@ -68,6 +69,8 @@ struct Parameter {
     [[nodiscard]] bool isOption() const { return name.starts_with('-'); }
     /// Whether the values are paths that are looked up before the command runs.
     [[nodiscard]] bool takesPaths() const { return takes == Takes::path || takes == Takes::folder; }
+    /// Whether the values name something that git knows, for which an empty word stands never.
+    [[nodiscard]] bool takesNames() const { return takes >= Takes::branch; }
     [[nodiscard]] bool isRepeated() const {
         return occurs == Occurs::anyNumber || occurs == Occurs::oneOrMore;
     }

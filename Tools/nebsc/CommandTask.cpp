@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "OperationRun.h"
@@ -63,7 +65,21 @@ Reply CommandTask::run() {
     return reply;
 }
 
+std::optional<Reply> CommandTask::refusalOfEmptyNames() const {
+    for (const Parameter& parameter : _call.command.parameters) {
+        const std::vector<std::string>& words = arguments().all(parameter.name);
+        if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
+            std::find(words.begin(), words.end(), "") != words.end()) {
+            return refusal(std::string(parameter.name) + " is empty.", exitNotUnderstood);
+        }
+    }
+    return std::nullopt;
+}
+
 Reply CommandTask::work() {
+    if (auto refused = refusalOfEmptyNames()) {
+        return *refused;
+    }
     if (auto refused = readPaths()) {
         return *refused;
     }

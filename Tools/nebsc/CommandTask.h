@@ -135,6 +135,7 @@ protected:
 
 private:
     [[nodiscard]] Reply work();
+    [[nodiscard]] std::optional<Reply> refusalOfEmptyNames() const;
     [[nodiscard]] std::optional<Reply> readPaths();
     [[nodiscard]] Reply replyTo(Outcome& outcome);
     /// Adds what belongs to a reply about an outcome in any case. A failure that is the command's

@@ -63,13 +63,23 @@ public:
     using DestinationTask::DestinationTask;
 
 protected:
-    std::optional<Reply> look() override { return refusalOfMissingFolder(); }
+    std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override {
         auto request = requestAbout(NEBSourceControlRequestMove, paths(file));
         request->destination = paths(destination).front();
         return request;
     }
 };
+
+std::optional<Reply> MoveTask::look() {
+    const std::string& source = paths(file).front();
+    if (place().isWorkingCopy && !isAnythingAt(source) &&
+        !answer({"ls-files", "-z", "--", source})) {
+        return refusal("There is no file or folder " + inQuotes(word(file)) + ".", exitFailed,
+                       "path-unknown");
+    }
+    return refusalOfMissingFolder();
+}
 
 constexpr Parameter moveParameters[] = {
     {file, "A tracked file or folder", Takes::path, Occurs::once},

@@ -72,6 +72,7 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
 
 private:
     [[nodiscard]] bool isFromCommonAncestor() const {
@@ -94,7 +95,7 @@ std::optional<Reply> DiffTask::look() {
         if (const std::string head = unmistakable("HEAD"); head != "HEAD") {
             _words.revisions.push_back(head);
         }
-        return isJSON() ? std::nullopt : refusalWithoutCommits();
+        return refusalWithoutCommits();
     }
     return std::nullopt;
 }
@@ -121,8 +122,12 @@ std::string DiffTask::shownNames(const std::string& path) const {
         names.find_first_not_of("0123456789") != oldName) {
         return shown(path);
     }
-    return shown(names.substr(oldName + 1, newName - oldName - 1)) + " -> " +
-           shown(names.substr(newName + 1));
+    // The quotes that git puts around a name are taken from the ends of the whole.
+    std::string last = names.substr(newName + 1);
+    if (last.size() > 1 && last.starts_with('"') && !last.ends_with('"')) {
+        last += '"';
+    }
+    return shown(names.substr(oldName + 1, newName - oldName - 1)) + " -> " + shown(last);
 }
 
 std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
@@ -137,6 +142,23 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
         }
     }
     return lines;
+}
+
+/// A result is text; a patch of files in another encoding than UTF-8 is had from git once more, as
+/// it is, for a program to apply.
+void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
+    constexpr std::string_view replacement = "\uFFFD";
+    if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
+        arguments().has("--name-status") ||
+        reply.standardOutput.find(replacement) == std::string::npos) {
+        return;
+    }
+    const ChildOutcome patch = ask(outcome.command->arguments);
+    if (patch.status.isSuccess()) {
+        reply.standardOutput = std::string(patch.output);
+    } else {
+        addFailure(reply, failureOf(patch));
+    }
 }
 
 constexpr Parameter parameters[] = {

@@ -135,6 +135,11 @@ protected:
         return error.code == NEBSourceControlRemoteUpToDateError;
     }
     void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override {
+        return error.errorClass == "nothing-to-push-from"
+                   ? "There is no branch " + inQuotes(_local) + " here to push."
+                   : "";
+    }
     std::string adviceAfter(const NEBSourceControlError& error) const override;
 
 private:

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "GitProgram.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
 #include "Presentation.h"
@@ -71,7 +72,8 @@ std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeT
 std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevision, Words& words) {
     const auto revisions = words.files.empty() ? revisionsIn(word) : std::nullopt;
     if (!revisions) {
-        return mustBeRevision ? refusal("There is no revision " + inQuotes(word) + ".", exitFailed)
+        return mustBeRevision ? refusal("There is no revision " + inQuotes(word) + ".", exitFailed,
+                                        NEBSourceControlRevisionUnknownErrorClass.text())
                               : takeFile(word, true, words);
     }
     const PathSearch search = findAbsolutePath(currentFolder(), word);
@@ -161,14 +163,16 @@ std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision)
         return std::nullopt;
     }
     if (revision.starts_with('^')) {
-        return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed);
+        return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
+                       NEBSourceControlRevisionUnknownErrorClass.text());
     }
     const ChildOutcome commit = askForCommit(revision);
     if (commit.status.isSuccess()) {
         return std::nullopt;
     }
     return commit.status.exitStatus() == 1
-               ? refusal("There is no revision " + inQuotes(revision) + ".", exitFailed)
+               ? refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
+                         NEBSourceControlRevisionUnknownErrorClass.text())
                : failureOf(commit);
 }
 
@@ -179,7 +183,7 @@ std::optional<Reply> HistoryTask::refusalWithoutCommits() {
     const std::string branch =
         answer({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
     return refusal("There are no commits yet on the current branch " + inQuotes(branch) + ".",
-                   exitFailed);
+                   exitFailed, "no-commits-yet");
 }
 
 std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) const {

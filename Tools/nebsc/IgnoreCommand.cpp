@@ -92,6 +92,9 @@ std::optional<Reply> IgnoreTask::refusalOf(const std::string& path) {
     if (auto refused = refusalOfPathOutside(path)) {
         return refused;
     }
+    if (auto refused = refusalInsideRepository(path)) {
+        return refused;
+    }
     const std::string name = inQuotes(pathAsSeenFrom(place(), path));
     if (path == place().location) {
         return refusal("The whole working copy cannot be ignored.", exitFailed);

@@ -63,7 +63,7 @@ std::optional<Reply> ListTask::look() {
                            " is no UTF-8; what it holds cannot be listed.",
                        exitFailed);
     }
-    return isJSON() ? std::nullopt : refusalWithoutCommits();
+    return refusalWithoutCommits();
 }
 
 /// With "./" in front the top is a folder like any other, and no name looks like an option.

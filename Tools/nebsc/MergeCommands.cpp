@@ -1,5 +1,6 @@
 #include "CommandTask.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
 
@@ -17,6 +18,11 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override {
+        return error.errorClass == NEBSourceControlRevisionUnknownErrorClass
+                   ? "There is no branch or revision " + inQuotes(revision()) + "."
+                   : "";
+    }
 
 private:
     [[nodiscard]] std::string revision() const {
@@ -83,8 +89,9 @@ private:
 /// The error of the request speaks of a file; a person is told which revision there is not.
 std::optional<Reply> MergeBaseTask::look() {
     for (const std::string& name : {revision("A"), revision("B")}) {
-        if (!isJSON() && !name.starts_with('-') && askForCommit(name).status.exitStatus() == 1) {
-            return refusal("There is no revision " + inQuotes(name) + ".", exitFailed);
+        if (!name.starts_with('-') && askForCommit(name).status.exitStatus() == 1) {
+            return refusal("There is no revision " + inQuotes(name) + ".", exitFailed,
+                           NEBSourceControlRevisionUnknownErrorClass.text());
         }
     }
     return std::nullopt;

@@ -231,6 +231,10 @@ public:
     using BranchTask::BranchTask;
 
 protected:
+    /// To choose a remote takes a repository.
+    std::optional<Reply> look() override {
+        return arguments().has("URL") ? std::nullopt : refusalWithoutRepository();
+    }
     std::shared_ptr<NEBSourceControlRequest> request() override {
         const auto url = arguments().value("URL");
         return url ? requestAbout(NEBSourceControlRequestListRemoteBranchesSecondForm,

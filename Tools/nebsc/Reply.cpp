@@ -16,12 +16,14 @@ std::string complaint(std::string_view sentence) {
     return "nebsc: " + printable(textWithoutPasswords(sentence)) + "\n";
 }
 
-Reply refusal(std::string_view sentence, int exitStatus) {
+Reply refusal(std::string_view sentence, int exitStatus,
+              std::optional<std::string_view> errorClass) {
     Reply reply{
         .standardOutput = {}, .standardError = complaint(sentence), .exitStatus = exitStatus};
     if (exitStatus == exitFailed) {
         reply.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
                                                              textWithoutPasswords(sentence));
+        reply.error->errorClass = errorClass;
     }
     return reply;
 }

@@ -22,8 +22,9 @@ struct Reply {
 };
 
 /// A reply that is one line on standard error: "nebsc: " and the sentence, made printable. With
-/// exitFailed it has the sentence as an error, too.
-[[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus);
+/// exitFailed it has the sentence as an error, too, of the class, if that is known.
+[[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus,
+                            std::optional<std::string_view> errorClass = std::nullopt);
 
 /// A reply that tells of an error.
 [[nodiscard]] Reply failureWith(const NEBSourceControlError& error);

@@ -132,6 +132,12 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override {
+        const std::string& url = place().location;
+        return error.errorClass == "transport-unknown"
+                   ? "git knows no way to " + inQuotes(url) + "."
+                   : "";
+    }
 
 private:
     std::string _destination;

@@ -207,5 +207,15 @@ TEST_F(LogCommand, ATerminalShowsColours) {
                                   "  Ann Example  Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
 }
 
+TEST(LogOfOtherEncodings, IsNotSaidToBeNone) {
+    const TestRepository repository;
+    repository.commitFile("inv\xFFlid", "1\n");
+    const NebscOutcome outcome = runNebsc({"log", "--files"}, {.folder = repository.path()});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors,
+              "There are such commits, but none whose text and names of files are UTF-8.\n");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
 }  // namespace
 }  // namespace neb::test

@@ -74,6 +74,11 @@ TEST(ErrorLines, TheToolsWordsFollowIndented) {
               "nebsc: It failed.\nTry again.\n    fatal: a\n    hint: b\n");
 }
 
+TEST(ErrorLines, TheRestOfADescriptionFollowsTheSuggestion) {
+    EXPECT_EQ(errorLines(errorWith("fatal: no\nU\ta.c\n", "Try again.", {})),
+              "nebsc: no.\nTry again.\n    U\\ta.c\n");
+}
+
 TEST(ErrorLines, WordsThatTheSentenceHoldsAreNotRepeated) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: no.\n");
 }

@@ -223,13 +223,13 @@ std::string errorLines(const NEBSourceControlError& error) {
     }
     std::vector<std::string> rest = printableLines(description);
     std::string lines = "nebsc: " + takeSentence(rest) + "\n";
-    appendIndented(lines, rest);
     if (suggestion) {
         for (const std::string& line : printableLines(*suggestion)) {
             // How git is kept from saying so is none of a person's troubles.
             lines += line.starts_with("Disable this message with ") ? "" : line + "\n";
         }
     }
+    appendIndented(lines, rest);
     if (description.find(words) == std::string::npos) {
         appendIndented(lines, printableLines(words));
     }

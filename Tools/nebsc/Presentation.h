@@ -33,10 +33,10 @@ enum class Colours { automatic, always, never };
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour);
 
 /// An error as lines for standard error: "nebsc: " and its description as a sentence, without git's
-/// "fatal: " (of a longer one the line that says what happened, and the others below it), the
-/// recovery suggestion on a line of its own, then, indented, the tool's own words where they say
-/// more than the description, and the files that none of it names. Hints that are the suggestion
-/// are not repeated.
+/// "fatal: " (of a longer one the line that says what happened), the recovery suggestion on a line
+/// of its own, then, indented, the description's other lines, the tool's own words where they say
+/// more than it, and the files that none of it names. Hints that are the suggestion are not
+/// repeated.
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

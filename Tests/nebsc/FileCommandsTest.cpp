@@ -234,5 +234,21 @@ TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
+// ---- what is not there ------------------------------------------------------------------------
+
+TEST_F(FileCommands, WhatIsNotThereOrNotTrackedIsNamed) {
+    repository.write("src/untracked.c", "1\n");
+    for (const char* command : {"add", "rm", "revert"}) {
+        expectFailed(nebsc({command, "nosuch.c"}, "src"),
+                     "nebsc: There is no file or folder \"nosuch.c\".\n");
+    }
+    for (const char* command : {"rm", "revert"}) {
+        expectFailed(nebsc({command, "untracked.c"}, "src"),
+                     "nebsc: git does not track \"untracked.c\".\n");
+    }
+    EXPECT_EQ(nebsc({"add", "--json", "nosuch.c"}).json()["error"]["class"], "path-unknown");
+    EXPECT_TRUE(isThere("src/untracked.c"));
+}
+
 }  // namespace
 }  // namespace neb::test

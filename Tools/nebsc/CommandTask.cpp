@@ -240,6 +240,19 @@ std::optional<std::string> CommandTask::latestCommit() {
 
 // ---- what to say ------------------------------------------------------------------------------
 
+std::string CommandTask::sentenceFor(const NEBSourceControlError& error) const {
+    constexpr std::string_view noMatch = "did not match any file";
+    if (error.files.size() != 1 || error.text.value_or("").find(noMatch) == std::string::npos) {
+        return {};
+    }
+    const std::string& file = error.files.front();
+    const std::string path =
+        file.starts_with('/') ? file : pathByAppendingComponent(_place.location, file);
+    const std::string name = inQuotes(pathAsSeenFrom(_place, path));
+    return isAnythingAt(path) ? "git does not track " + name + "."
+                              : "There is no file or folder " + name + ".";
+}
+
 bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const {
     if (outcome.error) {
         Reply failure = failureWith(*outcome.error);

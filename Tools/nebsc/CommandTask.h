@@ -64,9 +64,8 @@ protected:
         return false;
     }
     /// What the command says in place of an error that it understands better; empty for all others.
-    [[nodiscard]] virtual std::string sentenceFor(const NEBSourceControlError& /*error*/) const {
-        return {};
-    }
+    /// Unless a command knows better, that a path is not there, or is not tracked.
+    [[nodiscard]] virtual std::string sentenceFor(const NEBSourceControlError& error) const;
     /// What the command has to say behind an error: a line with its end, or nothing.
     [[nodiscard]] virtual std::string adviceAfter(const NEBSourceControlError& /*error*/) const {
         return {};

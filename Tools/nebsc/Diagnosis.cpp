@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -21,6 +20,7 @@
 #include "Presentation.h"
 #include "ProgramSearch.h"
 #include "ShellText.h"
+#include "UnfinishedWork.h"
 #include "UserSettings.h"
 #include "WorkingCopyPlace.h"
 
@@ -250,29 +250,10 @@ void Doctor::examineContents() {
     }
 }
 
-struct Unfinished {
-    std::string_view file;
-    std::string_view work;
-    std::string_view advice;
-};
-
-/// What git keeps in the repository's folder for as long as work is under way.
-constexpr std::array<Unfinished, 6> unfinishedWork{{
-    {"rebase-merge", "a rebase", "\"git rebase --continue\" goes on, --abort takes it back."},
-    {"rebase-apply", "a rebase", "\"git rebase --continue\" goes on, --abort takes it back."},
-    {"MERGE_HEAD", "a merge", "\"nebsc commit\" ends it, \"git merge --abort\" takes it back."},
-    {"CHERRY_PICK_HEAD", "a cherry-pick",
-     "\"git cherry-pick --continue\" goes on, --abort takes it back."},
-    {"REVERT_HEAD", "a revert", "\"git revert --continue\" goes on, --abort takes it back."},
-    {"BISECT_LOG", "a bisection", "\"git bisect reset\" ends it."},
-}};
-
 void Doctor::examineUnfinished(const std::string& gitFolder) {
-    for (const Unfinished& row : unfinishedWork) {
-        if (isAnythingAt(pathByAppendingComponent(gitFolder, row.file))) {
-            add(Health::note, "unfinished", std::string(row.work) + " is under way",
-                std::string(row.advice));
-        }
+    for (const UnfinishedWork& row : unfinishedWorkIn(gitFolder)) {
+        add(Health::note, "unfinished", std::string(row.work) + " is under way",
+            std::string(row.advice));
     }
 }
 

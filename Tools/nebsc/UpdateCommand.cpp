@@ -110,8 +110,7 @@ std::optional<Reply> UpdateTask::fetchSource() {
         Reply reply = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed);
         reply.standardError +=
             "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
-            "a "
-            "path, too.\n";
+            "a path, too.\n";
         return reply;
     }
     if (auto failed = prepareBy(fetchRequest(remote))) {

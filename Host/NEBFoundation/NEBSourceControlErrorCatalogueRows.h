@@ -1,0 +1,36 @@
+// NEBSourceControlErrorCatalogueRows.h - the rows of the error catalogue: which texts of git show
+// which class of failure.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace neb {
+
+/// Holds where `first` stands in the text and, unless that is empty, `second` somewhere behind it.
+/// In small letters, as the text is when it is looked at.
+struct ErrorTextSign {
+    std::string_view first, second = {};
+};
+
+/// What a person is told where the text of git says less.
+struct ErrorSentence {
+    std::string_view description = {};  // "%@" is the source tree's name
+    std::string_view suggestion = {};
+};
+
+struct ErrorCatalogueRow {
+    std::string_view errorClass;
+    std::int64_t code;
+    /// Any of them shows the class.
+    std::array<ErrorTextSign, 7> signs;
+    /// Without a description, the text itself is the error's.
+    ErrorSentence sentence = {};
+};
+
+/// The first row that a text shows decides. From any thread.
+[[nodiscard]] std::span<const ErrorCatalogueRow> errorCatalogueRows();
+
+}  // namespace neb

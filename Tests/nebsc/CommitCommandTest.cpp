@@ -87,6 +87,20 @@ TEST_F(CommitCommand, AFileThatGitDoesNotKnowIsNamed) {
     expectFailed(nebsc({"commit", "-m", "x", "mine.c"}), HasSubstr("mine.c"));
 }
 
+TEST_F(CommitCommand, EveryFileInConflictIsNamed) {
+    const std::string blob = repository.git({"rev-parse", "HEAD:a.c"}).substr(0, 40);
+    std::string stages;
+    for (const char* name : {"commit", "conf", "file", "zebra"}) {
+        for (const char stage : {'1', '2', '3'}) {
+            stages.append("100644 ").append(blob).append(" ").append(1, stage);
+            stages.append("\t").append(name).append("\n");
+        }
+    }
+    repository.gitWithInput({"update-index", "--index-info"}, stages);
+    expectFailed(nebsc({"commit", "-m", "x"}),
+                 testing::EndsWith("\n    commit\n    conf\n    file\n    zebra\n"));
+}
+
 TEST_F(CommitCommand, AHookThatRefusesIsTold) {
     const std::string hook = repository.path(".git/hooks/pre-commit");
     repository.write(".git/hooks/pre-commit", "#!/bin/sh\necho 'no tabs, please'\nexit 1\n");

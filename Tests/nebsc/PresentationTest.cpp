@@ -136,9 +136,20 @@ TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
 }
 
 TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
-    auto error = errorWith("a.c is in conflict.", {}, "fatal: b.c");
+    auto error = errorWith("a.c: needs merge", {}, "error: path 'b.c' is unmerged");
+    error.errorClass = "conflict-unresolved";
     error.files = {"a.c", "b.c", "c\n.c"};
-    EXPECT_EQ(errorLines(error), "nebsc: a.c is in conflict.\n    fatal: b.c\n    c\\n.c\n");
+    EXPECT_EQ(errorLines(error),
+              "nebsc: a.c: needs merge.\n    error: path 'b.c' is unmerged\n    c\\n.c\n");
+}
+
+TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
+    auto error = errorWith("fatal: cannot commit: unmerged files", {}, "fatal: settle 'conf'licts");
+    error.errorClass = "conflict-unresolved";
+    error.files = {"file", "conf", "settle", "commit"};
+    EXPECT_EQ(errorLines(error),
+              "nebsc: Cannot commit: unmerged files.\n    fatal: settle 'conf'licts\n"
+              "    file\n    conf\n    settle\n    commit\n");
 }
 
 TEST(ErrorLines, NothingOfItDrivesTheTerminal) {

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdlib>
 #include <initializer_list>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
@@ -148,6 +150,25 @@ std::string takeSentence(std::vector<std::string>& lines) {
     return asSentence(text, !lines.empty());
 }
 
+/// Returns the error's files that the texts do not report as files. A file name that is merely part
+/// of a text does not count: "file" occurs in "unmerged files".
+std::vector<std::string> printableFilesOmittedBy(std::initializer_list<std::string_view> texts,
+                                                 const NEBSourceControlError& error) {
+    std::unordered_set<std::string> reported;
+    for (const std::string_view text : texts) {
+        for (std::string& file : NEBSourceControlFilesInText(text, error.errorClass.value_or(""))) {
+            reported.insert(std::move(file));
+        }
+    }
+    std::vector<std::string> omitted;
+    for (const std::string& file : error.files) {
+        if (!reported.contains(file)) {
+            omitted.push_back(printable(file));
+        }
+    }
+    return omitted;
+}
+
 }  // namespace
 
 std::string printable(std::string_view bytes) {
@@ -233,11 +254,7 @@ std::string errorLines(const NEBSourceControlError& error) {
     if (description.find(words) == std::string::npos) {
         appendIndented(lines, printableLines(words));
     }
-    for (const std::string& file : error.files) {
-        if (description.find(file) == std::string::npos && words.find(file) == std::string::npos) {
-            lines += "    " + printable(file) + "\n";
-        }
-    }
+    appendIndented(lines, printableFilesOmittedBy({description, words}, error));
     return lines;
 }
 

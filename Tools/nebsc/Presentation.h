@@ -35,8 +35,8 @@ enum class Colours { automatic, always, never };
 /// An error as lines for standard error: "nebsc: " and its description as a sentence, without git's
 /// "fatal: " (of a longer one the line that says what happened), the recovery suggestion on a line
 /// of its own, then, indented, the description's other lines, the tool's own words where they say
-/// more than it, and the files that none of it names. Hints that are the suggestion are not
-/// repeated.
+/// more than it, and the files that none of it reports as such (NEBSourceControlFilesInText).
+/// Hints that are the suggestion are not repeated.
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

@@ -20,6 +20,8 @@ inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"}
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
 inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
 inline constexpr NEBConstant NEBSourceControlReferenceRejectedErrorClass{"reference-rejected"};
+/// The request itself is wrong: no repository and no setting can make it succeed.
+inline constexpr NEBConstant NEBSourceControlRequestInvalidErrorClass{"request-invalid"};
 /// No failure as a person sees it: there was nothing to do.
 inline constexpr NEBConstant NEBSourceControlUpToDateErrorClass{"up-to-date"};
 

@@ -147,12 +147,15 @@ TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
     EXPECT_THAT(conditions, ElementsAre("a", "b", "in main"));
 }
 
-TEST_F(HostSessionTest, ATypeWithoutOperationHasNoneInItsOutcome) {
+TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
     answers.hasOperation = false;
-    const Performance performance = perform();
-    ASSERT_TRUE(performance.outcome.has_value());
-    EXPECT_FALSE(performance.outcome->operation.has_value());
-    EXPECT_FALSE(performance.outcome->error.has_value());
+    for (const bool isRun : {true, false}) {
+        const Performance performance = perform(isRun);
+        ASSERT_TRUE(performance.outcome.has_value());
+        EXPECT_FALSE(performance.outcome->operation.has_value());
+        ASSERT_TRUE(performance.outcome->error.has_value());
+        EXPECT_EQ(performance.outcome->error->errorClass, "request-invalid");
+    }
 }
 
 TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
@@ -170,7 +173,8 @@ TEST_F(HostSessionTest, AStatusWithoutAnOperationIsAFailure) {
     const Reply reply = replyOf(statusCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError,
-              "nebsc: The plug-in has no operation for the request type 15 (status).\n");
+              "nebsc: The plug-in has no operation for the request type 15 (status).\n"
+              "Correct the request; \"nebsc types\" lists the types and what each needs.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
 }
 

@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <map>
 
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -90,18 +91,43 @@ TEST(RequestCommand, AnOperationThatDoesNothingHasNeitherResultNorError) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST(RequestCommand, ATypeWithoutOperationIsNoError) {
-    for (const char* type : {"-1", "12", "16", "23", "40", "2147483647"}) {
-        const NebscOutcome outcome = runRequest(std::string(R"({"type": )") + type + "}");
+/// The types that stand for no work, and those outside the known range.
+const std::map<std::string, std::string> typesWithoutOperation{
+    {"-1", "-1"},
+    {"12", "12 (unsupported)"},
+    {"16", "16 (unsupported)"},
+    {"23", "23 (unsupported)"},
+    {"40", "40"},
+    {"2147483647", "2147483647"},
+};
+
+TEST(RequestCommand, ATypeWithoutOperationIsAnError) {
+    for (const auto& [type, shown] : typesWithoutOperation) {
+        const NebscOutcome outcome = runRequest(R"({"type": )" + type + "}");
         const JSON json = outcome.json();
         EXPECT_EQ(json["valid"], true) << type;
-        for (const char* member : {"operation", "command", "result", "error"}) {
+        for (const char* member : {"operation", "command", "result"}) {
             EXPECT_TRUE(json[member].is_null()) << type << member;
         }
         EXPECT_EQ(json["commands"], JSON::array());
         EXPECT_EQ(json["reports"], JSON::array());
-        EXPECT_EQ(outcome.exitStatus, 0);
+        const JSON& error = json["error"];
+        ASSERT_TRUE(error.is_object()) << outcome.output;
+        EXPECT_EQ(error["domain"], "NEBSourceControlErrorDomain");
+        EXPECT_EQ(error["code"], -1);
+        EXPECT_EQ(error["class"], "request-invalid");
+        EXPECT_EQ(error["localizedDescription"],
+                  "The plug-in has no operation for the request type " + shown + ".");
+        EXPECT_THAT(error["localizedRecoverySuggestion"], HasSubstr("nebsc types"));
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.exitStatus, 1);
     }
+}
+
+TEST(RequestCommand, ADryRunReportsATypeWithoutOperationToo) {
+    const NebscOutcome outcome = runNebsc({"request", "--dry-run"}, {.input = R"({"type": 16})"});
+    EXPECT_EQ(outcome.json()["error"]["class"], "request-invalid");
+    EXPECT_EQ(outcome.exitStatus, 1);
 }
 
 TEST(RequestCommand, ARefusedValidationIsTheOutcome) {

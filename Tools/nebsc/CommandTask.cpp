@@ -25,20 +25,13 @@ int silentExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
 }
 
-/// The reply where a request did not come to an operation.
+/// The reply where a request was refused for the sake of a value.
 std::optional<Reply> refusalOf(const Performance& performance) {
     if (const auto& value = performance.refusedValue) {
         const bool isOption = value->value.starts_with('-');
         return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
                            " is refused, as git would " + std::string(value->danger) + ".",
                        exitNotUnderstood);
-    }
-    const Outcome& outcome = *performance.outcome;
-    if (!outcome.operation && !outcome.error) {
-        return refusal("The plug-in has no operation for the request type " +
-                           std::to_string(*outcome.type) + " (" +
-                           std::string(*NEBSourceControlRequestTypeName(*outcome.type)) + ").",
-                       exitFailed);
     }
     return std::nullopt;
 }
@@ -89,9 +82,6 @@ Reply CommandTask::work() {
     }
     Performance performance = perform(request());
     if (auto refused = refusalOf(performance)) {
-        if (performance.outcome) {
-            addNotes(*refused, *performance.outcome);
-        }
         return *refused;
     }
     Outcome& outcome = *performance.outcome;

@@ -1,6 +1,7 @@
 #include "HostSession.h"
 
 #include "MissingFolder.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "ReportCapture.h"
@@ -42,6 +43,19 @@ void runClone(NEBSourceControlOperation& operation, const std::string& destinati
     }
 }
 
+NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
+    std::string description =
+        "The plug-in has no operation for the request type " + std::to_string(type);
+    if (const auto name = NEBSourceControlRequestTypeName(type)) {
+        description.append(" (").append(*name).append(")");
+    }
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError, description + ".",
+        "Correct the request; \"nebsc types\" lists the types and what each needs.");
+    error.errorClass = NEBSourceControlRequestInvalidErrorClass;
+    return error;
+}
+
 }  // namespace
 
 Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
@@ -64,6 +78,8 @@ Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>&
             } else if (run) {
                 runOperation(*operation, run, _trace, outcome);
             }
+        } else {
+            outcome.error = errorOfMissingOperation(request->type);
         }
     }
     outcome.reports = capture.reports();

@@ -40,7 +40,8 @@ public:
                          bool isTraced = false)
         : _controller(std::move(controller)), _trace(isTraced) {}
 
-    /// Carries the request out. Without a runner the operation is made and not run.
+    /// Carries the request out. Without a runner the operation is made and not run. A type for
+    /// which the plug-in has no operation is an error of the class "request-invalid".
     ///
     /// A clone needs its destination to be there: where it is missing it is made, with the folders
     /// on the way, before the operation runs, and removed again when that fails or is cancelled. A

@@ -20,7 +20,7 @@ struct Outcome {
     /// What the plug-in's validation said. When it refused, there is no operation, and the reason
     /// is the error.
     bool valid = false;
-    /// The class's name; absent when no operation was made.
+    /// The class's name; absent when no operation was made; the error then says why.
     std::optional<std::string> operation;
     /// What the operation was built to run; absent for one that runs other operations.
     std::optional<NEBSourceControlCommand> command;

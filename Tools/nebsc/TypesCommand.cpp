@@ -150,6 +150,7 @@ constinit const Command typesCommand{
     .group = requestsGroup,
     .summary = "List the types of request and what each needs",
     .details =
+        "The types called \"unsupported\" have no operation: a request of such a type fails.\n\n"
         "Examples:\n"
         "  nebsc types           a table\n"
         "  nebsc types --json    the same for a program to read\n",

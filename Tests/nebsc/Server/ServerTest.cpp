@@ -172,6 +172,20 @@ TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     EXPECT_THAT(client.others(), testing::IsEmpty());
 }
 
+TEST(Server, ReportsATypeWithoutOperationAsTheOutcomesError) {
+    ServerClient client;
+    client.initialize();
+    int id = 0;
+    for (const char* method : {"sourceControl/perform", "sourceControl/plan"}) {
+        for (const int type : {12, 99}) {
+            client.send(++id, method, requestAbout(type, "/"));
+            const JSON outcome = client.answerTo(id)["result"];
+            EXPECT_EQ(outcome["operation"], nullptr);
+            EXPECT_EQ(outcome["error"]["class"], "request-invalid") << method << type;
+        }
+    }
+}
+
 TEST(Server, PassesOverAMessageThatIsTooLong) {
     ServerClient client;
     client.initialize();

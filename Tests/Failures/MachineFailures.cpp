@@ -352,6 +352,34 @@ Failures machineFailures() {
              fs::remove(scene.work().path(objectFile(scene.work(), "HEAD~1^{tree}")));
              return scene.ask(NEBSourceControlRequestDiff).between("HEAD~1", "HEAD");
          }},
+        {"a log of a branch whose file is damaged",
+         "reference-broken",
+         -1,
+         128,
+         {},
+         [](Scene& scene) -> Request {
+             scene.work().write(".git/refs/heads/main", "junk\n");
+             return scene.ask(NEBSourceControlRequestLog);
+         }},
+        {"a commit on a branch whose file is empty",
+         "reference-broken",
+         -1,
+         128,
+         {},
+         [](Scene& scene) -> Request {
+             scene.work().write("a", "2\n");
+             scene.work().write(".git/refs/heads/main", "");
+             return scene.commit({"a"});
+         }},
+        {"a log with a line in packed-refs that is no reference",
+         "reference-broken",
+         -1,
+         128,
+         {},
+         [](Scene& scene) -> Request {
+             scene.work().write(".git/packed-refs", "junk\n");
+             return scene.ask(NEBSourceControlRequestLog);
+         }},
     };
 }
 

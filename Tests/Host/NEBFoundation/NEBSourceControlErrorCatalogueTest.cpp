@@ -35,6 +35,14 @@ constexpr const char* setIdentity =
     "Set user.name and user.email in git's configuration and try again.";
 constexpr const char* noMessage = "The commit has no message; nothing was committed.";
 
+constexpr const char* restoreReference =
+    "The file of the same name below \"logs\" in the repository's folder lists the commits that "
+    "the "
+    "reference named. Write the last one into the reference's file, or remove that file and fetch "
+    "the branch again.";
+constexpr const char* correctPackedRefs =
+    "Correct or remove that line of the file \"packed-refs\".";
+
 /// What git 2.39 and newer ones say, and some that only older ones said.
 const Case cases[] = {
     {"disk-full", -1, "error: file write error: No space left on device\nfatal: unable to write"},
@@ -367,6 +375,23 @@ const Case cases[] = {
     {"other-tools", -1, "git-lfs filter-process: git-lfs: not found"},
     {"other-tools", -1, "error: a.txt: patch does not apply"},
     {"no-commits-yet", -1, "fatal: no such ref: HEAD"},
+    {"reference-broken", -1, "fatal: your current branch appears to be broken", nullptr,
+     restoreReference},
+    {"reference-broken", -1,
+     "fatal: cannot lock ref 'HEAD': unable to resolve reference 'refs/heads/main': reference "
+     "broken",
+     nullptr, restoreReference},
+    {"reference-broken", -1, "fatal: Failed to resolve HEAD as a valid ref.", nullptr,
+     restoreReference},
+    {"reference-broken", -1,
+     "fatal: bad object refs/heads/topic\nerror: . did not send all necessary objects", nullptr,
+     restoreReference},
+    {"reference-broken", -1, "fatal: missing object 1234 for refs/heads/main", nullptr,
+     restoreReference},
+    {"reference-broken", -1, "fatal: unexpected line in .git/packed-refs: junk", nullptr,
+     correctPackedRefs},
+    {"reference-broken", -1, "fatal: unterminated line in /r/.git/packed-refs: junk", nullptr,
+     correctPackedRefs},
     {"merge-unfinished", -1,
      "fatal: It seems that there is already a rebase-merge directory, and\nI wonder if you are in "
      "the middle of another rebase.",

@@ -18,15 +18,16 @@ bool isFolder(const std::string& path) {
     return attributes && attributes->fileType == LOMFileType::directory;
 }
 
-/// The file's path, a folder's with a "/" at its end. A relative one is looked up where git will.
+/// The file's path, a folder's with a "/" at its end. A relative one is looked up where git will;
+/// the empty one names nothing.
 std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& currentFolder) {
     std::string path = file.description();
+    if (path.empty() || path.ends_with('/')) {
+        return path;
+    }
     const std::string place =
         isAbsolutePath(path) ? path : pathByAppendingComponent(currentFolder.value_or(""), path);
-    if (!path.ends_with('/') && isFolder(place)) {
-        path += '/';
-    }
-    return path;
+    return isFolder(place) ? path + '/' : path;
 }
 
 }  // namespace

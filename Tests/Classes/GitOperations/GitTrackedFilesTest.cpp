@@ -76,6 +76,15 @@ TEST(AddArguments, FoldersGetASlashAndNothingElseDoes) {
         << "in the order given; a path with a slash is not looked up";
 }
 
+TEST(AddArguments, TheEmptyNameIsPassedOnUnchanged) {
+    const test::TemporaryFolder folder;
+    for (const std::int32_t type : {NEBSourceControlRequestAdd, NEBSourceControlRequestAddFiles}) {
+        EXPECT_THAT(GitAddOperation(request(type, valuesOf({""}), {}, folder.path())).arguments(),
+                    ElementsAre("add", "--", ""))
+            << "it names neither the root nor the working directory";
+    }
+}
+
 TEST(AddArguments, AFileThatIsNoStringIsReportedAndTheWorkGoesOn) {
     const ReportCollector collector;
     const GitAddOperation operation(

@@ -27,6 +27,7 @@ inline constexpr NEBConstant NEBSourceControlUpToDateErrorClass{"up-to-date"};
 
 // Classes that an operation looks for.
 inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown"};
+inline constexpr NEBConstant NEBSourceControlRemoteBranchUnknownErrorClass{"remote-branch-unknown"};
 inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision-unknown"};
 
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said

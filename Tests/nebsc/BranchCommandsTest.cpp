@@ -282,6 +282,38 @@ TEST_F(BranchCommands, WhatCannotBeTrackedIsTold) {
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
+TEST_F(BranchCommands, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
+    makeRemote("origin", {"main", "topic", "to/topic", "it's"});
+    repository.git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});
+    const NebscOutcome outcome = nebsc({"branch", "track", "x", "origin/topic"});
+    expectFailed(outcome,
+                 "nebsc: The remote \"origin\" has the branch \"topic\", but the setting "
+                 "\"remote.origin.fetch\" does not fetch it as \"origin/topic\".\n"
+                 "\"git remote set-branches --add origin topic\" adds it to the setting.\n");
+    expectFailed(nebsc({"branch", "track", "x", "origin/it's"}),
+                 HasSubstr("set-branches --add origin 'it'\\''s'\" adds"));
+    expectFailed(nebsc({"branch", "track", "x", "origin/opic"}),
+                 HasSubstr("There is no branch \"opic\" in the remote"));
+    EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic", "--json"}).json()["error"]["class"],
+              "remote-branch-unknown");
+    repository.git({"update-ref", "-d", "refs/remotes/origin/topic"});
+    EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic"}).errors, outcome.errors);
+    repository.git({"remote", "set-branches", "--add", "origin", "topic"});
+    expectDone(nebsc({"branch", "track", "x", "origin/topic"}),
+               "Made the branch \"x\", which tracks origin/topic.\n");
+}
+
+TEST_F(BranchCommands, WithoutAnAnswerOfTheRemoteNothingIsSaidOfItsBranches) {
+    makeRemote("origin", {"main"});
+    const StandInGit git(repository.path(),
+                         "[ \"$1\" = --literal-pathspecs ] && shift\n"
+                         "[ \"$1\" = ls-remote ] && exit 128\n"
+                         "PATH=${PATH#*:} exec git \"$@\"");
+    expectFailed(nebsc({"branch", "track", "x", "origin/topic"}, git),
+                 testing::StartsWith(
+                     "nebsc: The fetch from the remote \"origin\" brought no branch \"topic\".\n"));
+}
+
 TEST_F(BranchCommands, ABranchThatTracksNoneIsToldSo) {
     expectFailed(nebsc({"branch", "tracking", "main"}), "nebsc: \"main\" tracks no branch.\n");
     expectFailed(nebsc({"branch", "tracking", "nosuch"}),

@@ -163,7 +163,8 @@ TEST_F(UpdateCommand, WithoutATrackedBranchItAsksForOne) {
 
 TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
     expectFailed(nebsc(*ben, {"update", "origin", "nosuch"}),
-                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n");
+                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n"
+                 "\"nebsc remote branches origin\" shows those that there are.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(
         nebsc(*ben, {"update", "nosuch", "main"}),
@@ -176,7 +177,23 @@ TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
                "Already up to date with main of \"" + bare() + "\".\n");
     ben->git({"config", "branch.main.merge", "refs/heads/nosuch"});
     expectFailed(nebsc(*ben, {"update"}),
-                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n");
+                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n"
+                 "\"nebsc remote branches origin\" shows those that there are.\n");
+}
+
+TEST_F(UpdateCommand, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
+    ann->git({"push", "--quiet", "origin", "main:refs/heads/topic"});
+    ben->git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});
+    const std::string words =
+        "nebsc: The remote \"origin\" has the branch \"topic\", but the setting "
+        "\"remote.origin.fetch\" does not fetch it as \"origin/topic\".\n"
+        "\"git remote set-branches --add origin topic\" adds it to the setting.\n";
+    expectFailed(nebsc(*ben, {"update", "origin", "topic"}), words);
+    ben->git({"config", "branch.main.merge", "refs/heads/topic"});
+    expectFailed(nebsc(*ben, {"update"}), words);
+    EXPECT_EQ(nebsc(*ben, {"update", "--json"}).json()["error"]["class"], "remote-branch-unknown");
+    ben->git({"remote", "set-branches", "--add", "origin", "topic"});
+    expectDone(nebsc(*ben, {"update"}), "Already up to date with origin/topic.\n");
 }
 
 TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {

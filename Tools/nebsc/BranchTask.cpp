@@ -2,8 +2,11 @@
 
 #include <algorithm>
 
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Text.h"
 #include "Presentation.h"
+#include "ShellText.h"
 
 namespace neb::nebsc {
 
@@ -13,6 +16,13 @@ constexpr std::string_view branchPrefix = "refs/heads/";
 
 std::string withoutPrefix(const std::string& text, std::string_view prefix) {
     return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+}
+
+bool hasLineEndingWith(std::string_view text, std::string_view end) {
+    bool isThere = false;
+    forEachPiece(text, '\n',
+                 [&](std::string_view line) { isThere = isThere || line.ends_with(end); });
+    return isThere;
 }
 
 }  // namespace
@@ -98,6 +108,32 @@ std::string BranchTask::shown(const Tracking& tracking) {
     }
     return printable(isRemote(remote) ? remote + "/" + tracking.branch
                                       : tracking.branch + " of " + inQuotes(remote));
+}
+
+Reply BranchTask::refusalOfBranchNotFetched(const Tracking& tracking) {
+    const std::string& remote = tracking.remote;
+    const std::string reference = std::string(branchPrefix) + tracking.branch;
+    const ChildOutcome heads = ask({"ls-remote", "--heads", "--", remote, reference});
+    std::string sentence = "There is no branch " + inQuotes(tracking.branch) + " in the remote " +
+                           inQuotes(remote) + ".";
+    std::string advice = "nebsc remote branches " + shellQuoted(remote);
+    std::string effect = " shows those that there are.\n";
+    if (!heads.status.isSuccess()) {
+        sentence = "The fetch from the remote " + inQuotes(remote) + " brought no branch " +
+                   inQuotes(tracking.branch) + ".";
+    } else if (hasLineEndingWith(std::string(heads.output), "\t" + reference)) {
+        sentence = "The remote " + inQuotes(remote) + " has the branch " +
+                   inQuotes(tracking.branch) + ", but the setting " +
+                   inQuotes("remote." + remote + ".fetch") + " does not fetch it as " +
+                   inQuotes(remote + "/" + tracking.branch) + ".";
+        advice = "git remote set-branches --add " + shellQuoted(remote) + " " +
+                 shellQuoted(tracking.branch);
+        effect = " adds it to the setting.\n";
+    }
+    Reply reply =
+        refusal(sentence, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass.text());
+    reply.standardError += inQuotes(advice) + effect;
+    return reply;
 }
 
 bool BranchTask::hasSubversion() {

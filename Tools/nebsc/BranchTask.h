@@ -56,6 +56,9 @@ protected:
     /// "origin/main", or what is understood where there is no such remote; printable.
     [[nodiscard]] std::string shown(const Tracking& tracking);
     using CommandTask::shown;
+    /// The refusal where a fetch has not brought the remote's branch: the remote does not have it,
+    /// or has it and the remote's refspecs leave it out. Asks the remote.
+    [[nodiscard]] Reply refusalOfBranchNotFetched(const Tracking& tracking);
 
     /// Whether a Subversion repository stands behind this one.
     [[nodiscard]] bool hasSubversion();

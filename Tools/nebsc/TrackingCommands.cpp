@@ -2,6 +2,7 @@
 
 #include "BranchTask.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
 
@@ -21,26 +22,14 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     void conclude(const Outcome& outcome, Reply& reply) override;
-    std::string sentenceFor(const NEBSourceControlError& error) const override;
-    std::string adviceAfter(const NEBSourceControlError& error) const override;
+    /// Why, conclude() finds out.
+    bool isAnswer(const NEBSourceControlError& error) const override {
+        return error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
+    }
 
 private:
     Tracking _tracking;
 };
-
-std::string TrackTask::sentenceFor(const NEBSourceControlError& error) const {
-    return error.errorClass == "remote-branch-unknown"
-               ? "There is no branch " + inQuotes(_tracking.branch) + " in the remote " +
-                     inQuotes(_tracking.remote) + "."
-               : "";
-}
-
-std::string TrackTask::adviceAfter(const NEBSourceControlError& error) const {
-    return error.errorClass == "remote-branch-unknown"
-               ? "\"nebsc remote branches " + printable(_tracking.remote) +
-                     "\" shows those that there are.\n"
-               : "";
-}
 
 /// A remote's name may hold a "/" itself.
 std::optional<Reply> TrackTask::look() {
@@ -76,7 +65,11 @@ std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
     return request;
 }
 
-void TrackTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void TrackTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (outcome.error) {
+        reply = refusalOfBranchNotFetched(_tracking);
+        return;
+    }
     reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
                            ", which tracks " + shown(_tracking) + ".\n";
 }

@@ -121,9 +121,7 @@ std::optional<Reply> UpdateTask::fetchSource() {
             ? answer({"rev-parse", "--verify", "--quiet", "--symbolic-full-name", "@{upstream}"})
             : "refs/remotes/" + remote + "/" + _source.branch;
     if (!reference || askForCommit(*reference).status.exitStatus() == 1) {
-        return refusal("There is no branch " + inQuotes(_source.branch) + " in the remote " +
-                           inQuotes(remote) + ".",
-                       exitFailed);
+        return refusalOfBranchNotFetched(_source);
     }
     _reference = *reference;
     _isMergedAlready = ask({"merge-base", "--is-ancestor", _reference, "HEAD"}).status.isSuccess();

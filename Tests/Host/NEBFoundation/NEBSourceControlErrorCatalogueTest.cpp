@@ -365,6 +365,8 @@ const Case cases[] = {
     {"revision-unknown", 4, "fatal: not a tree object"},
     {"revision-unknown", 4, "fatal: 'x' is not a valid branch point"},
     {"remote-branch-unknown", -1, "fatal: the requested upstream branch 'origin/x' does not exist"},
+    {"remote-branch-unknown", -1,
+     "fatal: cannot set up tracking information; starting point 'origin/x' is not a branch"},
     {"branch-in-use", -1,
      "fatal: refusing to fetch into branch 'refs/heads/x' checked out at '/r'"},
     {"remote-name-invalid", -1, "fatal: 'a b' is not a valid remote name"},

@@ -12,13 +12,17 @@ OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurre
 
 OperationQueue::OperationQueue(std::size_t width) : _width(std::max<std::size_t>(width, 1)) {}
 
+/// Work may add work until none is left; from then on the threads are no longer touched by others.
 OperationQueue::~OperationQueue() {
+    waitUntilAllOperationsAreFinished();
+    std::vector<std::thread> threads;
     {
         const MutexLock lock(_mutex);
         _closing = true;
+        threads.swap(_threads);
     }
     _workCame.notify_all();
-    for (std::thread& thread : _threads) {
+    for (std::thread& thread : threads) {
         thread.join();
     }
 }

@@ -119,6 +119,23 @@ TEST_F(OperationQueueTest, GoingItFinishesItsWork) {
     EXPECT_EQ(done, 20);
 }
 
+/// The thread sanitizer sees a destructor that reads the list of threads while work adds to it.
+TEST_F(OperationQueueTest, GoingItFinishesWhatItsWorkAdds) {
+    constexpr int rounds = 50;
+    constexpr std::size_t width = 4;
+    std::atomic<int> done = 0;
+    for (int round = 0; round < rounds; ++round) {
+        OperationQueue queue(width);
+        queue.addBlock([&queue, &done] {
+            for (std::size_t i = 0; i < width; ++i) {
+                queue.addBlock([&done] { ++done; });
+            }
+            ++done;
+        });
+    }
+    EXPECT_EQ(done, rounds * static_cast<int>(width + 1));
+}
+
 TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {
     class WaitingOperation : public Operation {
     public:

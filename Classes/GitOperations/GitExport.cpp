@@ -24,13 +24,14 @@ NEBValue firstFile(const NEBSourceControlRequest& request) {
     return request.fileCount() > 0 ? request.files->front() : NEBValue();
 }
 
-/// The path without its first `prefixLength` bytes and the one character behind them.
+/// The path without its first `prefixLength` bytes and the one character behind them. A "/" is one
+/// byte, whatever the name behind it begins with.
 std::string pathBehind(std::string_view path, std::size_t prefixLength) {
     const auto isContinuation = [&path](std::size_t i) {
         return i < path.size() && (static_cast<unsigned char>(path[i]) & 0xC0U) == 0x80U;
     };
     std::size_t begin = prefixLength + 1;
-    while (isContinuation(begin)) {
+    while (path[prefixLength] != '/' && isContinuation(begin)) {
         ++begin;
     }
     return std::string(path.substr(begin));

@@ -1,5 +1,7 @@
 #include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
 
+#include <algorithm>
+
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
@@ -19,6 +21,10 @@ enum Place : unsigned {
     sourceLocation = 1U << 6,
     files = 1U << 7,
     lastComponentOfFiles = 1U << 8,
+    /// The shell splits them at blanks.
+    shellWordsOfFiles = 1U << 9,
+    /// Likewise, but the first stands behind "HEAD^{".
+    furtherShellWordsOfBranch = 1U << 10,
 };
 
 /// Types that are not here put nothing of the request where it could be read as an option.
@@ -38,6 +44,7 @@ unsigned exposedPlaces(std::int32_t type) {
         case NEBSourceControlRequestUpdate:
             return destination | ending | remoteName | branch;
         case NEBSourceControlRequestList:
+            return shellWordsOfFiles | furtherShellWordsOfBranch;
         case NEBSourceControlRequestListBranches:
         case NEBSourceControlRequestListRemoteBranches:
         case NEBSourceControlRequestListRemoteBranchesSecondForm:
@@ -65,13 +72,47 @@ unsigned exposedPlaces(std::int32_t type) {
     }
 }
 
-bool looksLikeOption(std::optional<std::string_view> text) {
-    return text && text->starts_with('-');
+/// Between words of the shell. A line end in a word is quoted.
+constexpr std::string_view blanks = " \t";
+
+/// The text that a command line holds for the value, whatever its kind; nothing for an absent one.
+std::optional<std::string> textOf(const NEBValue& value) {
+    return value.isPresent() ? std::optional(value.description()) : std::nullopt;
 }
 
-bool isCount(const NEBValue& value) {
-    const std::string text = value.description();
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+/// The first of the blank-separated words that begins with "-"; nothing without one.
+std::optional<std::string> firstOptionLikeWord(std::string_view text) {
+    bool isAtStart = true;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        if (isAtStart && text[place] == '-') {
+            const std::string_view rest = text.substr(place);
+            return std::string(rest.substr(0, rest.find_first_of(blanks)));
+        }
+        isAtStart = blanks.find(text[place]) != std::string_view::npos;
+    }
+    return std::nullopt;
+}
+
+/// The same behind the first word.
+std::optional<std::string> firstFurtherOptionLikeWord(std::string_view text) {
+    return firstOptionLikeWord(text.substr(std::min(text.find_first_of(blanks), text.size())));
+}
+
+std::string fieldOf(NEBConstant option) {
+    return "options." + std::string(option);
+}
+
+/// The limit of a log gets a "-" in front.
+std::optional<NEBSourceControlOptionLikeValue> limitThatIsNoCount(
+    const NEBSourceControlRequest& request) {
+    const auto limit = textOf(request.option(NEBSourceControlRequestOptionLogOutputLimit));
+    const bool isCount =
+        limit && !limit->empty() && limit->find_first_not_of("0123456789") == std::string::npos;
+    if (request.type != NEBSourceControlRequestLog || !limit || isCount) {
+        return std::nullopt;
+    }
+    return NEBSourceControlOptionLikeValue{
+        .field = fieldOf(NEBSourceControlRequestOptionLogOutputLimit), .value = *limit};
 }
 
 /// Both sides of a push are one argument, "branch:destination".
@@ -80,22 +121,19 @@ std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceContro
     if (request.type != NEBSourceControlRequestPush || isBridge) {
         return std::nullopt;
     }
-    const std::string branchField = "options." + std::string(NEBSourceControlRequestOptionBranch);
-    const std::pair<std::string, std::optional<std::string_view>> sides[] = {
-        {branchField, request.option(NEBSourceControlRequestOptionBranch).string()},
-        {"destination", request.destination.string()}};
+    const std::pair<std::string, std::optional<std::string>> sides[] = {
+        {fieldOf(NEBSourceControlRequestOptionBranch),
+         textOf(request.option(NEBSourceControlRequestOptionBranch))},
+        {"destination", textOf(request.destination)}};
     for (const auto& [field, text] : sides) {
         if (text && text->empty()) {
-            return NEBSourceControlOptionLikeValue{field, std::string(*text),
-                                                   "delete a branch of the remote"};
+            return NEBSourceControlOptionLikeValue{field, *text, "delete a branch of the remote"};
         }
         if (text && text->starts_with('+')) {
-            return NEBSourceControlOptionLikeValue{field, std::string(*text),
-                                                   "overwrite the remote's branch"};
+            return NEBSourceControlOptionLikeValue{field, *text, "overwrite the remote's branch"};
         }
         if (text && text->find('*') != std::string::npos) {
-            return NEBSourceControlOptionLikeValue{field, std::string(*text),
-                                                   "take it for many branches"};
+            return NEBSourceControlOptionLikeValue{field, *text, "take it for many branches"};
         }
     }
     return std::nullopt;
@@ -107,35 +145,36 @@ std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeVa
     const NEBSourceControlRequest& request) {
     const unsigned places = exposedPlaces(request.type);
     std::optional<NEBSourceControlOptionLikeValue> found;
-    const auto look = [&](Place place, std::string field, std::optional<std::string_view> text) {
-        if (!found && (places & place) != 0 && looksLikeOption(text)) {
-            found = {.field = std::move(field), .value = std::string(*text)};
+    const auto note = [&](Place place, const std::string& field, std::optional<std::string> text) {
+        if (!found && (places & place) != 0 && text && text->starts_with('-')) {
+            found = {.field = field, .value = *std::move(text)};
         }
     };
-    const auto lookAtOption = [&](Place place, NEBConstant key) {
-        look(place, "options." + std::string(key), request.option(key).string());
+    const auto noteOption = [&](Place place, NEBConstant key) {
+        note(place, fieldOf(key), textOf(request.option(key)));
     };
 
     if (request.sourceTree && request.sourceTree->location) {
-        look(location, "sourceTree.location", request.sourceTree->location);
+        note(location, "sourceTree.location", request.sourceTree->location);
     }
-    look(destination, "destination", request.destination.string());
-    look(starting, "startingRevision", request.startingRevision.string());
-    look(ending, "endingRevision", request.endingRevision.string());
-    for (std::size_t i = 0; i < request.fileCount(); ++i) {
-        const auto file = (*request.files)[i].string();
+    note(destination, "destination", textOf(request.destination));
+    note(starting, "startingRevision", textOf(request.startingRevision));
+    note(ending, "endingRevision", textOf(request.endingRevision));
+    for (std::size_t i = 0; places != 0 && i < request.fileCount(); ++i) {
+        const std::string file = textOf((*request.files)[i]).value_or("");
         const std::string field = "files[" + std::to_string(i) + "]";
-        look(files, field, file);
-        look(lastComponentOfFiles, field, lastPathComponent(file.value_or("")));
+        note(files, field, file);
+        note(lastComponentOfFiles, field, lastPathComponent(file));
+        note(shellWordsOfFiles, field, firstOptionLikeWord(file));
     }
-    lookAtOption(branch, NEBSourceControlRequestOptionBranch);
-    lookAtOption(remoteName, NEBSourceControlRequestOptionRemoteName);
-    lookAtOption(sourceLocation, NEBSourceControlRequestOptionSourceLocation);
-    const NEBValue& limit = request.option(NEBSourceControlRequestOptionLogOutputLimit);
-    if (!found && request.type == NEBSourceControlRequestLog && limit.isPresent() &&
-        !isCount(limit)) {
-        found = {.field = "options." + std::string(NEBSourceControlRequestOptionLogOutputLimit),
-                 .value = limit.description()};
+    noteOption(branch, NEBSourceControlRequestOptionBranch);
+    note(furtherShellWordsOfBranch, fieldOf(NEBSourceControlRequestOptionBranch),
+         firstFurtherOptionLikeWord(
+             textOf(request.option(NEBSourceControlRequestOptionBranch)).value_or("")));
+    noteOption(remoteName, NEBSourceControlRequestOptionRemoteName);
+    noteOption(sourceLocation, NEBSourceControlRequestOptionSourceLocation);
+    if (!found) {
+        found = limitThatIsNoCount(request);
     }
     return found ? found : firstOfPush(request);
 }

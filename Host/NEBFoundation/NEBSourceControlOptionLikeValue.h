@@ -19,8 +19,9 @@ struct NEBSourceControlOptionLikeValue {
     std::string_view danger = "take it for an option";
 };
 
-/// The first value of the request that begins with "-" and would stand in its command line where
-/// git reads options, or that is the limit of a log, which gets a "-" in front, and no count, or
+/// The first value of the request whose text, whatever its kind, begins with "-" and would stand in
+/// its command line where git reads options (of a path that the shell splits at blanks, each word),
+/// or that is the limit of a log, which gets a "-" in front, and no count, or
 /// that makes a push more than the sending of one branch to another (an empty side deletes, a "+"
 /// in front overwrites, a "*" takes all); nothing when there is none. A host that takes values from
 /// outside asks this before it asks for an operation, and refuses the request. From any thread.

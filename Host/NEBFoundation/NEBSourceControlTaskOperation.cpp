@@ -15,9 +15,9 @@ namespace {
 /// Whether git would read the name as a pattern, or as more than a name: as "magic" when ":" leads,
 /// also once a folder in front of it has been cut off.
 bool isPattern(const NEBValue& value) {
-    const auto name = value.string();
-    return name && (name->find_first_of("*?[\\") != std::string::npos || name->starts_with(':') ||
-                    name->find("/:") != std::string::npos);
+    const std::string name = value.isPresent() ? value.description() : std::string();
+    return name.find_first_of("*?[\\") != std::string::npos || name.starts_with(':') ||
+           name.find("/:") != std::string::npos;
 }
 
 bool hasPatternCharacters(const NEBSourceControlRequest& request) {

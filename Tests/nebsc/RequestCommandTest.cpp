@@ -213,6 +213,23 @@ TEST(RequestCommand, AValueThatGitWouldTakeForAnOptionIsRefused) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
+TEST(RequestCommand, ANumberThatGitWouldTakeForAnOptionIsRefused) {
+    const TemporaryFolder folder;
+    const StandInGit git("", "touch '" + folder.path("ran") + "'");
+    const NebscOutcome outcome = runRequest(
+        R"({"type": 33, "sourceTree": {"location": "/", "reachable": true},
+            "repositoryToAuthenticate": {"location": "/", "reachable": true},
+            "remote": {}, "destination": "repo", "options": {
+            "NEBSourceControlRequestOptionRemoteName": -4,
+            "NEBSourceControlRequestOptionBranch": "host.example"}})",
+        {.variables = {git.path()}});
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The request's member \"options.NEBSourceControlRequestOptionRemoteName\" is "
+              "\"-4\"; it is refused here, as git would take it for an option.\n");
+    EXPECT_EQ(outcome.exitStatus, 2);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
+}
+
 TEST(RequestCommand, WhatIsNoRequestIsRefusedInOneLine) {
     for (const char* json : {"", "[]", "{", R"({"type": 15} x)", R"({"type": 15.0})", "{}",
                              "{\"type\": 15, \"a\nb\": 1}", R"({"type": 15, "a\nb": 1})",

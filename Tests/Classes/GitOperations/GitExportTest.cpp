@@ -156,6 +156,12 @@ TEST(ExportCommand, DropsTheLocationAndOneCharacter) {
     EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
 }
 
+TEST(ExportCommand, KeepsTheFirstByteOfANameThatIsNotUTF8) {
+    EXPECT_THAT(argumentsOf(exportRequest("/w/\x80-x", "/out/a")),
+                ElementsAre("archive", "abc", "\x80-x"))
+        << "or git would read an option";
+}
+
 TEST(ExportCommand, TakesALocationWithASlashBehindItForTheSame) {
     auto request = exportRequest("/w/d/a", "/out/a");
     request->sourceTree->location = "/w/";

@@ -159,16 +159,17 @@ TEST(Assertions, TellAbsentWrongKindAndEmptyApart) {
 
 constexpr unsigned D = 1, S = 2, E = 4, B = 8, R = 16, L = 32, F = 64, W = 128, N = 256;
 
-/// A request in which the places of the mask hold "-x" (a file that is only named so: N).
-std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, unsigned places) {
-    const auto value = [places](unsigned place) {
-        return (places & place) != 0 ? NEBValue("-x") : NEBValue("x-");
+/// A request in which the places of the mask hold the value (a file that is only named so: N).
+std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, unsigned places,
+                                                            const NEBValue& held = "-x") {
+    const auto value = [places, &held](unsigned place) {
+        return (places & place) != 0 ? held : NEBValue("x-");
     };
     auto request = requestFor(type, (places & W) != 0 ? "-x" : "/w");
     request->destination = value(D);
     request->startingRevision = value(S);
     request->endingRevision = value(E);
-    request->files = {NEBValue("/w/a"), (places & N) != 0 ? NEBValue("/w/-x") : value(F)};
+    request->files = {NEBValue("/w/a"), (places & N) != 0 ? "/w/" + held.description() : value(F)};
     request->options = NEBDictionary{
         {NEBSourceControlRequestOptionBranch, value(B)},
         {NEBSourceControlRequestOptionRemoteName, value(R)},
@@ -248,14 +249,71 @@ TEST(OptionLikeValues, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
     EXPECT_FALSE(isRefused("-output=/tmp/x")) << "it is a log's alone";
 }
 
-TEST(OptionLikeValues, OtherKindsAndAnEmptyRequestHoldNone) {
+/// An object of a host, which describes itself as it likes.
+class Describing : public NEBObject {
+public:
+    [[nodiscard]] std::string descriptionForAssertionMessage() const override { return "--object"; }
+};
+
+TEST(OptionLikeValues, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
+    const std::pair<NEBValue, const char*> kinds[] = {
+        {-4, "-4"},
+        {LOMFilePath::filePathForPathString("--path"), "--path"},
+        {NEBDate(std::chrono::seconds(-62200000000)), "-0002-12-17T14:13:20Z"},
+        {NEBValue(std::make_shared<const Describing>()), "--object"},
+    };
+    const std::pair<std::int32_t, unsigned> exposed[] = {
+        {1, D},  {1, L},  {9, E},  {11, F}, {13, R}, {17, F}, {18, B}, {20, S},
+        {20, N}, {21, F}, {25, F}, {29, B}, {30, E}, {33, R}, {34, D}, {39, E},
+    };
+    for (const auto& [value, text] : kinds) {
+        for (const auto& [type, place] : exposed) {
+            const auto found =
+                NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place, value));
+            ASSERT_TRUE(found.has_value()) << type << " place " << place << " " << text;
+            EXPECT_EQ(found->value, text) << type << " place " << place;
+        }
+    }
+    for (const NEBValue& value :
+         {NEBValue(4), NEBValue(true), NEBValue(NEBDictionary{{"-k", 1}})}) {
+        EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(33, R | B, value)))
+            << value.description();
+    }
+}
+
+TEST(OptionLikeValues, AreFoundAmongTheWordsOfAListing) {
+    const auto refusedIn = [](const NEBValue& file, const NEBValue& branch = {}) {
+        auto request = requestFor(NEBSourceControlRequestList, "/w");
+        request->files = {file};
+        request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, branch}};
+        const auto found = NEBSourceControlFirstOptionLikeValue(*request);
+        return found ? found->field + " " + found->value : "";
+    };
+    EXPECT_EQ(refusedIn("src --abbrev=4 x"), "files[0] --abbrev=4");
+    EXPECT_EQ(refusedIn("src\t-r"), "files[0] -r");
+    EXPECT_EQ(refusedIn(" -r"), "files[0] -r");
+    EXPECT_EQ(refusedIn("a-b c- src/-x a\n-d"), "") << "a line end is quoted";
+    const std::string branch = "options.NEBSourceControlRequestOptionBranch ";
+    EXPECT_EQ(refusedIn("src", "tree} -r"), branch + "-r");
+    EXPECT_EQ(refusedIn("src", "-r"), "") << "it stands behind \"HEAD^{\"";
+}
+
+TEST(OptionLikeValues, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
+    for (const unsigned side : {B, D}) {
+        for (const char* name : {"", "+x", "a*"}) {
+            const NEBValue path(LOMFilePath::filePathForPathString(name));
+            EXPECT_TRUE(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(33, side, path)))
+                << name;
+        }
+    }
+}
+
+TEST(OptionLikeValues, AnEmptyRequestHoldsNone) {
     NEBSourceControlRequest request;
     for (request.type = -1; request.type <= 40; ++request.type) {
         EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
     }
     request.type = NEBSourceControlRequestCheckout;
-    request.destination = -5;
-    EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
     request.destination = "";
     EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
 }

@@ -476,6 +476,9 @@ TEST_F(TaskOperation, PatternsInNamesAreTakenLiterally) {
         request->files = {NEBValue("/w/plain.c"), NEBValue(name)};
         EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
             << name;
+        request->files = {NEBValue(LOMFilePath::filePathForPathString(name))};
+        EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
+            << name << " as a path";
         request = requestFor(0, std::nullopt);
         request->destination = name;
         EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")

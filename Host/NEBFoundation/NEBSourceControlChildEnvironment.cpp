@@ -40,7 +40,7 @@ constexpr RemovedVariable removedVariables[] = {
     // user's own entries and are taken over below, ours behind them.
     {"GIT_ALTERNATE_OBJECT_DIRECTORIES", tiesToRepository},
     {"GIT_CONFIG", tiesToRepository},
-    {"GIT_CONFIG_PARAMETERS", "it would win over the settings that we pin"},
+    {"GIT_CONFIG_PARAMETERS", "would win over the settings that are pinned here"},
     {"GIT_OBJECT_DIRECTORY", tiesToRepository},
     {"GIT_DIR", tiesToRepository},
     {"GIT_WORK_TREE", tiesToRepository},
@@ -59,12 +59,12 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_ICASE_PATHSPECS", changesNames},
     {"GIT_DIFF_OPTS", "changes the number of context lines"},
     {"GIT_EXTERNAL_DIFF", "puts another program's output in place of a difference"},
-    {"GIT_ADVICE", "0 silences the hint by which an unmerged branch is recognised"},
-    {"GIT_OPTIONAL_LOCKS", "whether the work may do without a lock is said for each child"},
-    {"GIT_FLUSH", "0 lets gits that answer question by question wait for each other for ever"},
-    {"GIT_NAMESPACE", "another set of references in place of the repository's"},
+    {"GIT_ADVICE", "silences the hint by which an unmerged branch is recognised"},
+    {"GIT_OPTIONAL_LOCKS", "is set for each child on its own"},
+    {"GIT_FLUSH", "lets git processes that talk to each other wait for ever when it is 0"},
+    {"GIT_NAMESPACE", "names another set of references than the repository's"},
     {"GIT_QUARANTINE_PATH", "forbids to change references, as within a push that is received"},
-    {"GIT_ATTR_SOURCE", "attributes of another tree"},
+    {"GIT_ATTR_SOURCE", "takes attributes from another tree"},
     {"GIT_MERGE_VERBOSITY", "silences the lines that name the files in conflict"},
     {"GIT_PRINT_SHA1_ELLIPSIS", "puts dots behind names of commits"},
     {"COLUMNS", "fits the listing of what a pull brought to a terminal that is not there"},
@@ -73,8 +73,8 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
 };
 
-/// These write into the text that becomes an error.
 constexpr std::string_view removedPrefix = "GIT_TRACE";
+constexpr std::string_view reasonToRemovePrefix = "writes into the text that becomes an error";
 
 constexpr std::string_view configCount = "GIT_CONFIG_COUNT";
 constexpr std::string_view configKey = "GIT_CONFIG_KEY_";
@@ -189,10 +189,14 @@ bool isSetByUs(std::string_view name) {
                        [name](const SetVariable& row) { return row.name == name; });
 }
 
-bool isRemoved(std::string_view name) {
-    return name.substr(0, removedPrefix.size()) == removedPrefix ||
-           std::any_of(std::begin(removedVariables), std::end(removedVariables),
-                       [name](const RemovedVariable& row) { return row.name == name; });
+/// Why a variable is removed; empty for one that is not.
+std::string_view reasonToRemove(std::string_view name) {
+    if (name.substr(0, removedPrefix.size()) == removedPrefix) {
+        return reasonToRemovePrefix;
+    }
+    const auto* row = std::find_if(std::begin(removedVariables), std::end(removedVariables),
+                                   [name](const RemovedVariable& row) { return row.name == name; });
+    return row == std::end(removedVariables) ? std::string_view() : row->reason;
 }
 
 bool isConfiguration(std::string_view name) {
@@ -258,7 +262,7 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     std::vector<std::string> environment;
     for (const std::string& variable : inherited) {
         const std::string_view name = nameOf(variable);
-        if (!isSetByUs(name) && !isRemoved(name) && !isConfiguration(name)) {
+        if (!isSetByUs(name) && reasonToRemove(name).empty() && !isConfiguration(name)) {
             environment.push_back(variable);
         }
     }
@@ -294,6 +298,19 @@ std::vector<NEBSourceControlPinnedSetting> NEBSourceControlPinnedSettings() {
         settings.push_back({setting.key, setting.value});
     }
     return settings;
+}
+
+std::vector<NEBSourceControlIgnoredVariable> NEBSourceControlIgnoredVariables(
+    const std::vector<std::string>& inherited) {
+    std::vector<NEBSourceControlIgnoredVariable> variables;
+    for (const std::string& variable : inherited) {
+        const std::string_view name = nameOf(variable);
+        const std::string_view reason = reasonToRemove(name);
+        if (!reason.empty() && variable.size() > name.size()) {
+            variables.push_back({std::string(name), variable.substr(name.size() + 1), reason});
+        }
+    }
+    return variables;
 }
 
 std::vector<std::string> NEBSourceControlInheritedEnvironment() {

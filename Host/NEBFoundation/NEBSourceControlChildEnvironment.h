@@ -41,6 +41,18 @@ struct NEBSourceControlPinnedSetting {
 [[nodiscard]] NEB_EXPORT std::vector<NEBSourceControlPinnedSetting>
 NEBSourceControlPinnedSettings();
 
+/// A variable that a child does not get.
+struct NEBSourceControlIgnoredVariable {
+    std::string name, value;
+    /// Why, as a verb phrase: "ties a process to one repository".
+    std::string_view reason;
+};
+
+/// Those of the environment `inherited` that NEBSourceControlChildEnvironment() removes, in its
+/// order. From any thread.
+[[nodiscard]] NEB_EXPORT std::vector<NEBSourceControlIgnoredVariable>
+NEBSourceControlIgnoredVariables(const std::vector<std::string>& inherited);
+
 /// The host's own environment. Not while another thread changes it.
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlInheritedEnvironment();
 

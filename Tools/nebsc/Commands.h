@@ -89,6 +89,7 @@ extern const Command manualCommand;
 
 struct DiagnosisCall {
     const Trace& trace;
+    bool isFull = false;
     bool isJSON = false;
     Colours colours = Colours::automatic;
 };

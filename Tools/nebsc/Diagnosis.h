@@ -33,11 +33,20 @@ struct PlugInFile {
     const NEBSourceControlPlugInLoad& load;
 };
 
-/// Looks at git, the plug-in, the working copy around the folder and the user's settings. Changes
-/// nothing, runs no program but git, and of that nothing for which a repository's configuration
-/// could choose another program; each git is given a few seconds. No passwords are in what is
-/// found. A signal ends it.
+struct DiagnosisSubject {
+    const PlugInFile& plugIn;
+    /// Absolute.
+    const std::string& folder;
+    /// Whether git fsck reads every object, which may take long.
+    bool isFull = false;
+};
+
+/// Checks git, the plug-in, the repository around the folder and the user's settings. Changes
+/// nothing, runs no program but git, and no git command for which a repository's configuration
+/// could choose another program; nothing is fetched. Each git process has a few seconds, and after
+/// two that do not end in time no other is started; only git fsck has no limit. No passwords are in
+/// the findings. A signal ends it.
 [[nodiscard]] std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
-                                            const PlugInFile& plugIn, const std::string& folder);
+                                            const DiagnosisSubject& subject);
 
 }  // namespace neb::nebsc

@@ -77,7 +77,9 @@ Reply replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
     }
     Interruption interruption;
     std::optional<LifeSign> sign(std::in_place, doctorCommand.activity, !call.trace.isOn());
-    const std::vector<Finding> findings = diagnose(interruption, call.trace, plugIn, *folder.path);
+    const std::vector<Finding> findings =
+        diagnose(interruption, call.trace,
+                 {.plugIn = plugIn, .folder = *folder.path, .isFull = call.isFull});
     sign.reset();
     const bool isInOrder =
         std::none_of(findings.begin(), findings.end(),
@@ -95,19 +97,31 @@ Reply replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
     return reply;
 }
 
+namespace {
+
+constexpr Parameter parameters[] = {
+    {"--full", "Run git fsck too, which reads every object of the repository"},
+};
+
+}  // namespace
+
 constinit const Command doctorCommand{
     .name = "doctor",
     .group = lookGroup,
-    .summary = "Tell whether everything is in order, and what to do where it is not",
+    .summary = "Check git, the repository and the settings for problems, and say how to fix them",
     .details =
-        "Looks at git, the plug-in, the repository around here with its index and its latest\n"
-        "commit, work that is under way, lock files that were left behind, settings that do not\n"
-        "count here, and credentials. Changes nothing. The exit status is 1 where there is a\n"
-        "problem.\n\n"
+        "Checks git and the plug-in; of the repository lock files, the index, every reference,\n"
+        "the HEAD commit with its root tree, packs, alternates, worktrees, unfinished work and\n"
+        "hooks; then settings and environment variables that are ignored here, the identity for\n"
+        "commits, and credentials. Changes nothing, runs no hooks and fetches nothing. Takes a\n"
+        "few seconds at most, but with --full as long as git fsck needs. The exit status is 1\n"
+        "where there is a problem.\n\n"
         "Examples:\n"
         "  nebsc doctor\n"
+        "  nebsc doctor --full    read every object too, to find damage anywhere\n"
         "  nebsc doctor --json    the same for a program to read\n",
-    .activity = "Looking",
+    .parameters = parameters,
+    .activity = "Checking",
 };
 
 }  // namespace neb::nebsc

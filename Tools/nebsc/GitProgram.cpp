@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "LOMFoundation/LOMDeveloperPaths.h"
-#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 
 namespace neb::nebsc {
 
@@ -13,6 +12,18 @@ std::string gitPath() {
     return LOMDeveloperPaths::defaultPaths()
         .binSearchPathForPlatform(std::nullopt)
         .pathOfProgram("git");
+}
+
+std::vector<std::string> environmentIn(const GitSurroundings& surroundings) {
+    std::vector<std::string> environment = NEBSourceControlChildEnvironment(
+        NEBSourceControlInheritedEnvironment(), surroundings.traits);
+    for (const std::string& variable : surroundings.variables) {
+        const std::string_view head = std::string_view(variable).substr(0, variable.find('=') + 1);
+        std::erase_if(environment,
+                      [head](const std::string& other) { return other.starts_with(head); });
+        environment.push_back(variable);
+    }
+    return environment;
 }
 
 }  // namespace
@@ -26,24 +37,35 @@ ChildOutcome runGit(Interruption& interruption, const Trace& trace,
 
 ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::string> arguments,
                     std::optional<std::string> folder) {
-    const NEBSourceControlCommand command{.launchPath = gitPath(),
-                                          .arguments = std::move(arguments),
-                                          .currentDirectoryPath = std::move(folder),
-                                          .pipeTo = nullptr};
-    std::optional<std::size_t> number;
-    ChildOutcome outcome =
-        process
-            .run({{.launchPath = command.launchPath,
-                   .arguments = command.arguments,
-                   .currentDirectoryPath = command.currentDirectoryPath,
-                   .environment = NEBSourceControlChildEnvironment(
-                       NEBSourceControlInheritedEnvironment(), {})}},
-                 {.started = [&](std::size_t /*index*/) { number = trace.started(command); }})
-            .front();
-    if (number) {
-        trace.ended(*number, outcome.status, outcome.duration);
+    return runGits(process, trace, {std::move(arguments)}, {.folder = std::move(folder)});
+}
+
+ChildOutcome runGits(ChildProcess& process, const Trace& trace,
+                     std::vector<std::vector<std::string>> calls,
+                     const GitSurroundings& surroundings) {
+    const std::vector<std::string> environment = environmentIn(surroundings);
+    std::vector<NEBSourceControlCommand> commands;
+    std::vector<ChildLaunch> launches;
+    for (std::vector<std::string>& arguments : calls) {
+        launches.push_back({.launchPath = gitPath(),
+                            .arguments = arguments,
+                            .currentDirectoryPath = surroundings.folder,
+                            .environment = environment});
+        commands.push_back({.launchPath = launches.back().launchPath,
+                            .arguments = std::move(arguments),
+                            .currentDirectoryPath = surroundings.folder,
+                            .pipeTo = nullptr});
     }
-    return outcome;
+    std::vector<std::optional<std::size_t>> numbers(commands.size());
+    std::vector<ChildOutcome> outcomes = process.run(
+        launches,
+        {.started = [&](std::size_t index) { numbers[index] = trace.started(commands[index]); }});
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        if (numbers[i]) {
+            trace.ended(*numbers[i], outcomes[i].status, outcomes[i].duration);
+        }
+    }
+    return std::move(outcomes.back());
 }
 
 std::optional<std::string> answerOf(const ChildOutcome& outcome) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Interruption.h"
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
 #include "Trace.h"
 
@@ -22,6 +23,21 @@ namespace neb::nebsc {
 [[nodiscard]] ChildOutcome runGit(ChildProcess& process, const Trace& trace,
                                   std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
+
+/// What surrounds a git process, beside what surrounds that of every operation.
+struct GitSurroundings {
+    /// Absent: nebsc's own.
+    std::optional<std::string> folder{};
+    /// "NAME=value", in place of what the environment says.
+    std::vector<std::string> variables{};
+    NEBSourceControlChildTraits traits{};
+};
+
+/// Runs git once for each list of arguments, at the same time, each output piped into the next
+/// one. Returns the outcome of the last.
+[[nodiscard]] ChildOutcome runGits(ChildProcess& process, const Trace& trace,
+                                   std::vector<std::vector<std::string>> calls,
+                                   const GitSurroundings& surroundings);
 
 /// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
 [[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);

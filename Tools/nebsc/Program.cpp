@@ -16,7 +16,10 @@ Reply replyTo(const Call& call) {
     if (call.command == &doctorCommand) {
         const Trace trace(call.isTraced);
         return replyWithDiagnosis({.path = path, .load = load},
-                                  {.trace = trace, .isJSON = call.isJSON, .colours = call.colours});
+                                  {.trace = trace,
+                                   .isFull = call.arguments.has("--full"),
+                                   .isJSON = call.isJSON,
+                                   .colours = call.colours});
     }
     if (!load.plugIn) {
         return refusal(load.failure, exitNotUnderstood);

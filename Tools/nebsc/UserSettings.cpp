@@ -48,12 +48,22 @@ UserSettings::UserSettings(std::string_view list) {
     }
 }
 
-std::string UserSettings::lastValue(std::string_view key) const {
+const Setting* UserSettings::last(std::string_view key) const {
     const std::string listed = lowercase(key);
     const auto setting =
         std::find_if(_settings.rbegin(), _settings.rend(),
                      [&listed](const Setting& candidate) { return candidate.key == listed; });
-    return setting == _settings.rend() ? "" : setting->value;
+    return setting == _settings.rend() ? nullptr : &*setting;
+}
+
+std::string UserSettings::lastValue(std::string_view key) const {
+    const Setting* setting = last(key);
+    return setting == nullptr ? "" : setting->value;
+}
+
+std::string UserSettings::lastScope(std::string_view key) const {
+    const Setting* setting = last(key);
+    return setting == nullptr ? "" : setting->scope;
 }
 
 std::vector<Setting> UserSettings::credentialHelpers() const {

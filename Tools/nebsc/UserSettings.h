@@ -24,10 +24,14 @@ public:
 
     /// The value that counts, in whatever letters the key is written; empty where there is none.
     [[nodiscard]] std::string lastValue(std::string_view key) const;
+    /// Where that value stands; empty where there is none.
+    [[nodiscard]] std::string lastScope(std::string_view key) const;
     /// In order. An empty helper takes back those before it.
     [[nodiscard]] std::vector<Setting> credentialHelpers() const;
 
 private:
+    [[nodiscard]] const Setting* last(std::string_view key) const;
+
     std::vector<Setting> _settings;
 };
 

@@ -263,6 +263,17 @@ TEST(ChildEnvironment, TraitsAreSetForTheirChildAlone) {
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {}), Not(Contains(StartsWith("GIT_OPT"))));
 }
 
+TEST(ChildEnvironment, VariablesThatAreRemovedAreNamedWithTheirValuesAndReasons) {
+    const auto variables = NEBSourceControlIgnoredVariables(
+        {"HOME=/x", "GIT_DIR=/a=b", "GIT_TRACE_SETUP=1", "GIT_SSH=ssh", "LC_ALL=C", "GIT_DIR"});
+    ASSERT_EQ(variables.size(), 2U);
+    EXPECT_EQ(variables[0].name, "GIT_DIR");
+    EXPECT_EQ(variables[0].value, "/a=b");
+    EXPECT_EQ(variables[0].reason, "ties a process to one repository");
+    EXPECT_EQ(variables[1].name, "GIT_TRACE_SETUP");
+    EXPECT_EQ(variables[1].reason, "writes into the text that becomes an error");
+}
+
 TEST(ChildEnvironment, IsWhatAChildOfAnOperationGets) {
     class EnvironmentOperation : public NEBSourceControlTaskOperation {
     public:

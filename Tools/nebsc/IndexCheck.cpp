@@ -1,0 +1,26 @@
+#include "Checks.h"
+#include "ShellText.h"
+
+namespace neb::nebsc {
+
+void checkIndex(Examination& examination) {
+    if (examination.repository->workingCopy.empty()) {
+        return;
+    }
+    // No tracked file has this name; git reads the whole index to find out.
+    const ChildOutcome outcome = examination.ask({"ls-files", "--", ":(top,literal).git"});
+    if (outcome.status.isSuccess()) {
+        examination.add(Health::ok, "index", "is readable");
+        return;
+    }
+    const std::string reason = reasonOf(outcome);
+    const std::string path = shellQuoted(examination.gitPath("index"));
+    const bool isForbidden = reason.find("Permission denied") != std::string::npos;
+    examination.add(Health::problem, "index", "git cannot read it: " + reason,
+                    isForbidden ? "Make it readable with: chmod u+rw " + path
+                                : "Recreate it with: rm " + path +
+                                      " && git reset (files stay as they are; what was staged is "
+                                      "no longer staged)");
+}
+
+}  // namespace neb::nebsc

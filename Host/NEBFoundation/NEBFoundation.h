@@ -5,6 +5,7 @@
 #include "LOMFoundation/LOMAssertion.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlManager.h"

@@ -4,6 +4,7 @@
 
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlErrorStatements.h"
 
@@ -35,6 +36,20 @@ const ErrorCatalogueRow* rowOfText(std::string_view text) {
     return row != nullptr ? row : firstRowShownBy(statements);
 }
 
+/// What the row says, and what its class says where the row says nothing; empty without a row.
+ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
+    ErrorSentence sentence = row != nullptr ? row->sentence : ErrorSentence{};
+    const NEBSourceControlErrorClass* known =
+        row != nullptr ? NEBSourceControlErrorClassNamed(row->errorClass) : nullptr;
+    if (known != nullptr && sentence.description.empty()) {
+        sentence.description = known->description;
+    }
+    if (known != nullptr && sentence.suggestion.empty()) {
+        sentence.suggestion = known->advice;
+    }
+    return sentence;
+}
+
 }  // namespace
 
 std::string_view NEBSourceControlErrorClassOfText(std::string_view text) {
@@ -52,7 +67,7 @@ NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
     error.hints = NEBSourceControlHintsInText(text);
     error.remoteLines = NEBSourceControlRemoteLinesInText(text);
     error.files = NEBSourceControlFilesInText(text, *error.errorClass);
-    const ErrorSentence sentence = row != nullptr ? row->sentence : ErrorSentence{};
+    const ErrorSentence sentence = sentenceOf(row);
     error.userInfo.set(NEBLocalizedDescriptionKey,
                        sentence.description.empty()
                            ? std::string(text)

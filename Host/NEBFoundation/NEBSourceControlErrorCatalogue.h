@@ -35,11 +35,12 @@ inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision
 /// tells. From any thread.
 [[nodiscard]] NEB_EXPORT std::string_view NEBSourceControlErrorClassOfText(std::string_view text);
 
-/// The text as an error of its class, with the class's code (-1 where it has none) and the text as
-/// the description, unless the class has a sentence of its own; the hints in the text are the
-/// suggestion, unless the class has one of its own. The error's text, hints, remote lines and files
-/// are there; how a child ended is not. `request` gives the names that a sentence holds. From any
-/// thread.
+/// Returns the text as an error of its class, with the class's code (-1 where it has none). The
+/// description is a sentence for people, see NEBSourceControlErrorClasses.h; for the class
+/// "unknown" it is the text itself. The suggestion is the catalogue's advice for this text, else
+/// the advice of the class, else git's hints, else absent. The error's text, hints, remote lines
+/// and files are set; how a child ended is not. `request` gives the name of the source tree.
+/// Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
 

@@ -15,7 +15,8 @@ struct ErrorTextSign {
     std::string_view first, second = {};
 };
 
-/// What a person is told where the text of git says less.
+/// What a person is told where the class's own sentence and advice are too general, see
+/// NEBSourceControlErrorClasses.h.
 struct ErrorSentence {
     std::string_view description = {};  // "%@" is the source tree's name
     std::string_view suggestion = {};
@@ -26,7 +27,7 @@ struct ErrorCatalogueRow {
     std::int64_t code;
     /// Any of them shows the class.
     std::array<ErrorTextSign, 7> signs;
-    /// Without a description, the text itself is the error's.
+    /// Empty texts are replaced by those of the class.
     ErrorSentence sentence = {};
 };
 

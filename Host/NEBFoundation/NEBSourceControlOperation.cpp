@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 
 namespace neb {
 
@@ -51,6 +52,7 @@ void NEBSourceControlOperation::start() {
 void NEBSourceControlOperation::setError(std::optional<NEBSourceControlError> error) {
     _error = std::move(error);
     if (_error) {
+        NEBSourceControlAddAdvice(*_error);
         _error->hidePasswords();
     }
 }

@@ -103,7 +103,7 @@ TEST_F(BlameCommand, WhatCannotBeBlamedIsNamed) {
                  HasSubstr("There are no commits yet"));
     const TemporaryFolder folder;
     expectFailed(runNebsc({"blame", "a"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {

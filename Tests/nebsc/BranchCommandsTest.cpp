@@ -147,7 +147,7 @@ TEST_F(BranchCommands, OutsideAnyRepositoryGitSaysSo) {
                                                   {"delete", "x"},
                                                   {"track", "x", "origin/x"},
                                                   {"tracking", "x"}}) {
-        expectFailed(outside(words), StartsWith("nebsc: Not a git repository"));
+        expectFailed(outside(words), StartsWith("nebsc: The folder is not in a git repository."));
     }
 }
 

@@ -155,7 +155,7 @@ TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
     folder.write("a.c", "mine\n");
     for (const char* name : {"a.c", "topic"}) {
         expectFailed(runNebsc({"checkout", name}, {.folder = folder.path()}),
-                     testing::StartsWith("nebsc: Not a git repository"));
+                     testing::StartsWith("nebsc: The folder is not in a git repository."));
     }
 }
 

@@ -44,8 +44,7 @@ TEST_F(CloneRequest, TakesAnEmptyFolderThatIsThere) {
 TEST_F(CloneRequest, RemovesWhatItMadeWhenItFails) {
     const NebscOutcome outcome =
         runRequest(requestTo(folder.path("on/the/way"), folder.path("nosuch")));
-    EXPECT_THAT(outcome.json()["error"]["localizedDescription"].get<std::string>(),
-                HasSubstr("nosuch"));
+    EXPECT_THAT(outcome.json()["error"]["text"].get<std::string>(), HasSubstr("nosuch"));
     EXPECT_TRUE(fs::is_empty(folder.path()));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
@@ -74,8 +73,7 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
     const StandInGit git("", "echo half > done; exit 3");
     const NebscOutcome outcome = runRequest(requestTo(folder.path("a/clone"), repository.path()),
                                             {.variables = {git.path()}});
-    EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
-              "git told nothing and ended with exit status 3.");
+    EXPECT_EQ(outcome.json()["error"]["text"], "git told nothing and ended with exit status 3.");
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
@@ -104,8 +102,8 @@ TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {
     EXPECT_EQ(json["operation"], "GitCloneOperation");
     EXPECT_EQ(json["commands"], JSON::array());
     EXPECT_EQ(json["error"]["domain"], "NEBPOSIXErrorDomain");
-    EXPECT_EQ(json["error"]["localizedDescription"], "The folder \"" + folder.path("file/clone") +
-                                                         "\" could not be made: Not a directory.");
+    EXPECT_EQ(json["error"]["text"], "The folder \"" + folder.path("file/clone") +
+                                         "\" could not be made: Not a directory.");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -178,7 +178,7 @@ TEST_F(DestinationCommands, NothingIsMadeWhereThereIsNoWorkingCopy) {
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"mkdir", "x"}, {"cp", "a.c", "x"}, {"mv", "a.c", "x"}}) {
         expectFailed(runNebsc(words, {.folder = folder.path()}),
-                     StartsWith("nebsc: Not a git repository"));
+                     StartsWith("nebsc: The folder is not in a git repository."));
         EXPECT_FALSE(fs::exists(folder.path("x"))) << words[0];
     }
 }

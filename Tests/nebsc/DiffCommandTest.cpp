@@ -119,7 +119,8 @@ TEST_F(DiffCommand, OutsideARepositoryThatIsSaid) {
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
              {"diff"}, {"diff", "a", "b"}, {"diff", "--", "a"}, {"log", "x"}, {"log", "HEAD"}}) {
         const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
-        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: Not a git repository"));
+        EXPECT_THAT(outcome.errors,
+                    testing::StartsWith("nebsc: The folder is not in a git repository."));
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }

@@ -91,7 +91,7 @@ TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
                                                  {"push", "x", "main"},
                                                  {"push", "--svn"}}) {
         expectFailed(runNebsc(call, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: Not a git repository"));
+                     StartsWith("nebsc: The folder is not in a git repository."));
     }
 }
 

@@ -114,7 +114,7 @@ TEST_F(ExportCommands, WhatCannotBeExportedIsNamedAndLeavesNothing) {
     EXPECT_EQ(json.exitStatus, 1);
     EXPECT_TRUE(names().empty());
     expectFailed(runNebsc({"export", "HEAD", "run"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
@@ -193,7 +193,7 @@ TEST_F(ExportCommands, WithoutFilesThereIsNothingToExport) {
                "The index has no files; nothing was written.\n");
     EXPECT_TRUE(names().empty());
     expectFailed(runNebsc({"export-tree", "x"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(ExportCommands, FilesInConflictAreNamed) {

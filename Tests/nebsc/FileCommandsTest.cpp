@@ -102,10 +102,10 @@ TEST_F(FileCommands, WhereThereIsNoRepositoryGitSaysSo) {
     folder.write("a.c", "");
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(runNebsc({command, "a.c"}, {.folder = folder.path()}),
-                     StartsWith("nebsc: Not a git repository"));
+                     StartsWith("nebsc: The folder is not in a git repository."));
     }
     expectFailed(runNebsc({"rm", "--force", "a.c"}, {.folder = folder.path()}),
-                 StartsWith("nebsc: Not a git repository"));
+                 StartsWith("nebsc: The folder is not in a git repository."));
     EXPECT_EQ(folder.read("a.c"), "");
 }
 

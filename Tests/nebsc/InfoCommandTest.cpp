@@ -44,10 +44,10 @@ TEST_F(InfoCommand, WithoutEitherThatIsToldPlainly) {
 TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
     const TemporaryFolder folder;
     expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
     const NebscOutcome json = runNebsc({"info", "--json"}, {.folder = folder.path()});
     EXPECT_EQ(json.json()["type"], 19);
-    EXPECT_THAT(json.errors, HasSubstr("Not a git repository"));
+    EXPECT_THAT(json.errors, HasSubstr("not in a git repository"));
     EXPECT_EQ(json.exitStatus, 1);
 }
 
@@ -56,7 +56,7 @@ TEST_F(InfoCommand, TheUsersOwnConfigurationMakesNoRepository) {
     folder.write(".gitconfig", "[remote \"origin\"]\n\turl = https://example.org/x\n");
     expectFailed(
         runNebsc({"info"}, {.folder = folder.path(), .variables = {{"HOME", folder.path()}}}),
-        testing::StartsWith("nebsc: Not a git repository"));
+        testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {

@@ -103,7 +103,7 @@ TEST_F(ListCommand, WhatCannotBeListedIsNamed) {
     EXPECT_EQ(runNebsc({"ls", "--json"}, {.folder = empty.path()}).exitStatus, 1);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"ls"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(ListCommand, ASubmoduleIsNoFile) {

@@ -163,7 +163,7 @@ TEST_F(LogCommand, WithoutCommitsThatIsTold) {
     EXPECT_EQ(json.exitStatus, 1);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"log"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(LogCommand, ABareRepositoryHasALogToo) {

@@ -81,7 +81,7 @@ TEST_F(MergeCommands, WhatCannotBeMergedIsNamed) {
     expectFailed(nebsc({"merge"}), HasSubstr("REVISION"), 2);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"merge", "topic"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
 TEST_F(MergeCommands, AMergeThatFailsWithoutAWordIsAFailure) {
@@ -126,7 +126,7 @@ TEST_F(MergeCommands, AnUnknownRevisionIsNoMissingAncestor) {
     expectFailed(nebsc({"merge-base", "main", "--", "--all"}), HasSubstr("\"--all\" begins"), 2);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"merge-base", "a", "b"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: Not a git repository"));
+                 testing::StartsWith("nebsc: The folder is not in a git repository."));
     expectFailed(nebsc({"merge-base", "main"}), HasSubstr("B is required"), 2);
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"merge-base", "main", "topic"}, git),

@@ -102,7 +102,7 @@ TEST_F(RemoteCommands, OutsideAnyRepositoryGitSaysSo) {
                                                   {"remote", "rm", "x"},
                                                   {"remote", "branches"}}) {
         expectFailed(runNebsc(words, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: Not a git repository"));
+                     StartsWith("nebsc: The folder is not in a git repository."));
     }
 }
 

@@ -169,8 +169,8 @@ TEST(RequestCommand, TheToolsFailureIsTheOutcomesError) {
     const JSON json = outcome.json();
     EXPECT_EQ(json["commands"][0]["terminationStatus"], 128);
     EXPECT_EQ(json["error"]["domain"], "NEBSourceControlErrorDomain");
-    EXPECT_THAT(json["error"]["localizedDescription"].get<std::string>(),
-                HasSubstr("not a git repository"));
+    EXPECT_EQ(json["error"]["localizedDescription"], "The folder is not in a git repository.");
+    EXPECT_THAT(json["error"]["text"].get<std::string>(), HasSubstr("not a git repository"));
     EXPECT_FALSE(json["error"]["class"].is_null());
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 1);

@@ -206,8 +206,8 @@ TEST_F(StatusCommand, WhereThereIsNoRepositoryGitSaysSo) {
         folder.write("file", "");
         const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
-        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: Not a git repository"));
-        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1);
+        EXPECT_THAT(outcome.errors,
+                    testing::StartsWith("nebsc: The folder is not in a git repository."));
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }
@@ -216,7 +216,10 @@ TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
     repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
     const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("../bare.git")});
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "nebsc: This operation must be run in a work tree.\n");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The repository is bare: it has no working copy.\n"
+              "Clone it to get a working copy.\n"
+              "    fatal: this operation must be run in a work tree\n");
     EXPECT_EQ(outcome.exitStatus, 1);
     const JSON json =
         runNebsc({"status", "--json"}, {.folder = repository.path("../bare.git")}).json();

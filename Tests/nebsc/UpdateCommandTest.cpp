@@ -215,7 +215,7 @@ TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
 TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
     const TemporaryFolder nowhere;
     expectFailed(runNebsc({"update"}, {.folder = nowhere.path()}),
-                 StartsWith("nebsc: Not a git repository"));
+                 StartsWith("nebsc: The folder is not in a git repository."));
     expectFailed(runNebsc({"update"}, {.folder = bare()}), HasSubstr("work tree"));
     expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("No Subversion repository"));
 }

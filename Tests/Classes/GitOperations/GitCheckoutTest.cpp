@@ -18,6 +18,7 @@ using test::TestRepository;
 using test::valuesOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Optional;
 using testing::StartsWith;
 
 std::shared_ptr<NEBSourceControlRequest> checkout(NEBValue destination,
@@ -210,7 +211,9 @@ TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
         }(),
         checkout("topic", repository.path()));
     operation.start();
-    EXPECT_THAT(operation.error(), IsSourceControlError(513, HasSubstr("Read-only file system")));
+    EXPECT_THAT(operation.error(), HasErrorClass("permission-denied"));
+    EXPECT_EQ(operation.error()->code, 513);
+    EXPECT_THAT(operation.error()->text, Optional(HasSubstr("Read-only file system")));
     EXPECT_THAT(contentOf(operation), HasSubstr("Switched to branch 'topic'"));
 }
 
@@ -244,7 +247,8 @@ TEST_F(CheckoutInRepository, ARevertOfAnUntrackedFileSaysSo) {
     repository.write("untracked", "u");
     const auto operation = revertFile("untracked");
     EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
-    EXPECT_THAT(operation->error(), IsSourceControlError(-71, HasSubstr("untracked")));
+    EXPECT_EQ(operation->error()->code, -71);
+    EXPECT_THAT(operation->error()->files, ElementsAre(repository.path("untracked")));
     EXPECT_TRUE(fs::exists(repository.path("untracked")));
 }
 

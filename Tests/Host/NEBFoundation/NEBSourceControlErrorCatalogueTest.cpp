@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Support/Matchers.h"
 
 namespace neb {
@@ -15,7 +17,7 @@ struct Case {
     const char* errorClass;
     std::int64_t code;
     std::string text;
-    /// What a person is told in place of the text; absent where it is the text itself.
+    /// What a person is told in place of the class's sentence and advice.
     const char* description = nullptr;
     const char* suggestion = nullptr;
 };
@@ -257,8 +259,7 @@ const Case cases[] = {
     {"untracked-in-the-way", -1,
      "error: The following untracked working tree files would be removed by merge:\n\tt\n"},
     {"conflict-unresolved", -1,
-     "error: Committing is not possible because you have unmerged files.\nhint: Fix them up",
-     nullptr, "Fix them up"},
+     "error: Committing is not possible because you have unmerged files.\nhint: Fix them up"},
     {"conflict-unresolved", -1, "error: you need to resolve your current index first"},
     {"merge-unfinished", -1, "fatal: You have not concluded your merge (MERGE_HEAD exists)."},
     {"needs-clean-tree", -31, "error: cannot pull with rebase: You have unstaged changes.",
@@ -412,8 +413,7 @@ const Case cases[] = {
      "A hook of the repository refused the merge; it is made, but not committed."},
     {"merge-unfinished", -1, "fatal: cannot do a partial commit during a merge."},
     {"path-ignored", -1,
-     "The following paths are ignored by one of your .gitignore files:\nx.o\nhint: Use -f if",
-     nullptr, "Use -f if"},
+     "The following paths are ignored by one of your .gitignore files:\nx.o\nhint: Use -f if"},
     {"destination-missing", -1, "fatal: renaming 'b.txt' failed: No such file or directory"},
     {"destination-missing", -1,
      "fatal: destination directory does not exist, source=b, destination=d/b"},
@@ -441,11 +441,15 @@ TEST_P(Catalogue, KnowsTheClassAndCodeOfAText) {
     EXPECT_EQ(error.code, GetParam().code);
     EXPECT_EQ(error.text, GetParam().text);
     const Case& expected = GetParam();
+    const bool isUnknown = error.errorClass == NEBSourceControlUnknownErrorClass;
+    const auto* known = NEBSourceControlErrorClassNamed(expected.errorClass);
+    ASSERT_NE(known, nullptr) << expected.errorClass;
     EXPECT_EQ(error.localizedDescription(),
-              expected.description != nullptr ? expected.description : expected.text);
-    EXPECT_EQ(error.localizedRecoverySuggestion(),
-              expected.suggestion != nullptr ? std::optional<std::string>(expected.suggestion)
-                                             : std::nullopt);
+              expected.description != nullptr ? expected.description
+              : isUnknown                     ? expected.text
+                          : formattedText(known->description, {std::string("demo")}));
+    EXPECT_EQ(error.localizedRecoverySuggestion().value_or(""),
+              expected.suggestion != nullptr ? expected.suggestion : known->advice);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Catalogue, testing::ValuesIn(cases));

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/OperationQueue.h"
 #include "Support/HygienicTest.h"
@@ -62,7 +63,9 @@ TEST_F(TaskOperation, AnErrorTellsHowTheChildEndedAndWhatItsWordsHold) {
     EXPECT_THAT(error->hints, ElementsAre("Settle", "them."));
     EXPECT_THAT(error->remoteLines, ElementsAre("No."));
     EXPECT_THAT(error->files, ElementsAre("a b", "c"));
-    EXPECT_EQ(error->localizedRecoverySuggestion(), "Settle\nthem.");
+    EXPECT_EQ(error->localizedDescription(), "There are conflicts from an earlier operation.");
+    EXPECT_EQ(error->localizedRecoverySuggestion(),
+              NEBSourceControlErrorClassNamed("conflict-unresolved")->advice);
 }
 
 TEST_F(TaskOperation, AnErrorHoldsNoPasswordInAnyOfItsTexts) {
@@ -92,7 +95,7 @@ TEST_F(TaskOperation, ContentOfAGitThatDiedTellsNothingOfWhy) {
     EXPECT_THAT(commit->error(), HasErrorClass("nothing-to-commit"));
 }
 
-TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsUserInfoAndHasAllElse) {
+TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsTextsAndHasAllElse) {
     auto operation =
         script("printf '%s\\n' 'hint: Try.' 'error: open(\"a\"): Permission denied' >&2; exit 1");
     operation->translate = [](const std::string&) {
@@ -102,7 +105,8 @@ TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsUserInfoAndHasAllElse) {
     const auto& error = operation->error();
     EXPECT_THAT(error, IsSourceControlError(-21, "Authentication failed."));
     EXPECT_THAT(error, HasErrorClass("permission-denied"));
-    EXPECT_EQ(error->userInfo.size(), 1U);
+    EXPECT_EQ(error->localizedRecoverySuggestion(), "Check the permissions of the file or folder.");
+    EXPECT_EQ(error->userInfo.size(), 2U);
     EXPECT_EQ(error->text, "hint: Try.\nerror: open(\"a\"): Permission denied\n");
     EXPECT_EQ(error->terminationStatus->exitStatus(), 1);
     EXPECT_THAT(error->hints, ElementsAre("Try."));

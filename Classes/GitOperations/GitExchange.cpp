@@ -5,6 +5,7 @@
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Text.h"
 
@@ -33,6 +34,18 @@ bool hasLine(std::string_view text, std::string_view line) {
     bool isThere = false;
     forEachPiece(text, '\n', [&](std::string_view piece) { isThere = isThere || piece == line; });
     return isThere;
+}
+
+/// The lines of a fetch's listing about references that it rejects:
+/// " ! [rejected]        v1         -> v1  (would clobber existing tag)".
+std::string rejectionsIn(std::string_view listing) {
+    std::string rejections;
+    forEachPiece(listing, '\n', [&](std::string_view line) {
+        if (line.starts_with(" ! [rejected]")) {
+            rejections.append(line).append("\n");
+        }
+    });
+    return rejections;
 }
 
 /// git itself says no more than its last line when the hook that runs before it speaks to the
@@ -69,6 +82,9 @@ GitFetchOperation::GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> re
     assertNonEmptyOption(asked, NEBSourceControlRequestOptionRemoteName, remoteNameExpression,
                          "-[GitFetchOperation initWithRequest:]", 634);
     setChangesRepository();
+    if (asked.type != NEBSourceControlRequestFetch) {
+        setSilenceIsAnswer();
+    }
     std::vector<std::string> arguments{"fetch", "-q"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));
     setArguments(std::move(arguments));
@@ -84,17 +100,44 @@ void GitFetchOperation::parseData() {
     setResult(NEBSourceControlResult{});
 }
 
-/// git names what it rejects in the listing that its quiet mode leaves out.
 std::optional<NEBSourceControlError> GitFetchOperation::errorFromUnknownFailure(
     std::optional<NEBSourceControlError> error) {
-    if (error || terminationStatus()->exitStatus() != 1) {
-        return GitOperation::errorFromUnknownFailure(std::move(error));
+    const bool wasSilent = !error;
+    error = GitOperation::errorFromUnknownFailure(std::move(error));
+    if (!wasSilent || !error || terminationStatus()->exitStatus() != 1) {
+        return error;
     }
+    const auto dryRun = std::make_shared<GitFetchDryRunOperation>(request());
+    _dryRun.setQueue(std::make_shared<OperationQueue>());
+    _dryRun.add(*this, dryRun);
+    _dryRun.wait(*this);
+    if (isCancelled()) {
+        return NEBSourceControlCancelledError();
+    }
+    std::string rejections = rejectionsIn(_nebsc_stringFromData(dryRun->errorData()).value_or(""));
+    if (rejections.empty()) {
+        return error;
+    }
+    // The only two reasons for which a fetch rejects a reference and prints nothing.
     auto rejection = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError,
         "A tag or branch was not updated: it differs from the remote's and would be overwritten.");
     rejection.errorClass = NEBSourceControlReferenceRejectedErrorClass;
+    rejection.text = std::move(rejections);
     return rejection;
+}
+
+void GitFetchOperation::cancel() {
+    GitOperation::cancel();
+    _dryRun.cancelAll();
+}
+
+GitFetchDryRunOperation::GitFetchDryRunOperation(std::shared_ptr<NEBSourceControlRequest> request)
+    : GitOperation(std::move(request)) {
+    std::vector<std::string> arguments{"fetch", "--dry-run", "--no-auto-gc",
+                                       "--no-recurse-submodules"};
+    appendIfPresent(arguments, this->request()->option(NEBSourceControlRequestOptionRemoteName));
+    setArguments(std::move(arguments));
 }
 
 // ---- pull -------------------------------------------------------------------------------------

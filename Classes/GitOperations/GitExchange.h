@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "GitOperations/GitComposite.h"
 #include "GitOperations/GitOperation.h"
 
 namespace neb {
@@ -12,15 +13,31 @@ namespace neb {
 /// Fetches from the remote that the option NEBSourceControlRequestOptionRemoteName names (one that
 /// is no non-empty string is reported). The result is empty, after a failure too. What the
 /// Subversion bridge says as a matter of course is no error.
+///
+/// A fetch that exits with status 1 and prints nothing has, as a rule, not updated a reference. For
+/// the request type fetch that is an error; a composite goes on.
 class GitFetchOperation : public GitOperation {
 public:
     explicit GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitFetchOperation"; }
     void parseData() override;
-    /// A fetch that fails without a word found something that it may not overwrite.
+    /// After a silent failure, repeats the fetch as a dry run, which lists what it rejects.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
         std::optional<NEBSourceControlError> error) override;
+    void cancel() override;
+
+private:
+    GitSubOperations _dryRun;
+};
+
+/// Lists what a fetch from the same remote would do, and changes nothing. The listing goes to
+/// errorData(); see git-fetch(1), OUTPUT.
+class GitFetchDryRunOperation : public GitOperation {
+public:
+    explicit GitFetchDryRunOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "GitFetchDryRunOperation"; }
 };
 
 /// Brings the remote's branch, both named by options, into the current one by fast-forward alone.

@@ -282,6 +282,23 @@ TEST_F(BranchCommands, WhatCannotBeTrackedIsTold) {
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
+TEST_F(BranchCommands, ABranchIsTrackedThoughATagIsNotFetched) {
+    makeRemote("origin", {"topic"});
+    repository.git({"tag", "v1"});
+    repository.git({"push", "--quiet", "origin", "v1"});
+    repository.commitFile("b", "2\n");
+    repository.git({"tag", "--force", "v1"});
+    repository.git({"config", "remote.origin.tagOpt", "--tags"});
+    const NebscOutcome outcome = nebsc({"branch", "track", "mine", "origin/topic"});
+    EXPECT_EQ(outcome.output, "Made the branch \"mine\", which tracks origin/topic.\n");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The fetch did not complete; \"nebsc fetch origin\" says why.\n");
+    EXPECT_EQ(outcome.exitStatus, 0);
+    expectFailed(nebsc({"fetch", "origin"}),
+                 testing::AllOf(HasSubstr("nebsc: A tag or branch was not updated"),
+                                HasSubstr("v1  (would clobber existing tag)\n")));
+}
+
 TEST_F(BranchCommands, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
     makeRemote("origin", {"main", "topic", "to/topic", "it's"});
     repository.git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});

@@ -5,6 +5,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
+#include "ShellText.h"
 
 namespace neb::nebsc {
 
@@ -72,6 +73,12 @@ void TrackTask::conclude(const Outcome& outcome, Reply& reply) {
     }
     reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
                            ", which tracks " + shown(_tracking) + ".\n";
+    // The operation goes on after a fetch that may not overwrite a tag.
+    if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
+        reply.standardError +=
+            complaint("The fetch did not complete; " +
+                      inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " says why.");
+    }
 }
 
 constexpr Parameter trackParameters[] = {

@@ -428,7 +428,23 @@ TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
     const auto refused = fetch(*ben);
     EXPECT_THAT(refused->error(), HasErrorClass("reference-rejected"));
     EXPECT_THAT(refused->error(), IsSourceControlError(-1, HasSubstr("differs from the remote's")));
+    EXPECT_THAT(*refused->error()->text,
+                testing::MatchesRegex(" ! .rejected. +v1 +-> v1 +.would clobber existing tag.\n"));
+    EXPECT_EQ(refused->command()->arguments, (std::vector<std::string>{"fetch", "-q", "origin"}));
     EXPECT_EQ(ben->git({"rev-parse", "v1"}), head(*ben));
+}
+
+TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
+    const auto asked = request(37, NEBDictionary{{remoteNameKey, "origin"}}, {}, ben->path());
+    test::StandIn<GitFetchOperation> silent(folder.writeProgram("git", "#!/bin/sh\nexit 1\n"),
+                                            asked);
+    silent.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
+    silent.start();
+    EXPECT_THAT(silent.error(), HasErrorClass("unknown"));
+    EXPECT_THAT(silent.error(), IsSourceControlError(-1, HasSubstr("exit status 1")));
+    EXPECT_THAT(test::commandLinesOf(silent),
+                ElementsAre("fetch -q origin",
+                            "fetch --dry-run --no-auto-gc --no-recurse-submodules origin"));
 }
 
 /// A helper for the remote that fails without a word, as git then does.
@@ -491,6 +507,23 @@ TEST_F(Network, AServerThatSaysNothingIsCancelled) {
         canceller.join();
         EXPECT_THAT(operation->error(), HasErrorClass("cancelled")) << type;
     }
+}
+
+TEST_F(Network, TheDryRunAfterASilentFetchIsCancelledToo) {
+    const LoopbackServer server("");
+    ben->git({"remote", "add", "far", server.url()});
+    test::StandIn<GitFetchOperation> silent(
+        folder.writeProgram("git", "#!/bin/sh\nexit 1\n"),
+        request(37, NEBDictionary{{remoteNameKey, "far"}}, {}, ben->path()));
+    std::thread canceller([&] {
+        while (!server.wasAsked()) {
+            std::this_thread::yield();
+        }
+        silent.cancel();
+    });
+    silent.start();
+    canceller.join();
+    EXPECT_THAT(silent.error(), HasErrorClass("cancelled"));
 }
 
 }  // namespace

@@ -142,6 +142,22 @@ TEST_F(TrackRemoteBranch, StopsAtTheFetchsError) {
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("fetch -q nosuch"));
 }
 
+TEST_F(TrackRemoteBranch, GoesOnAfterAFetchThatMayNotOverwriteATag) {
+    repository.commitFile("b", "2");
+    repository.git({"tag", "v1"});
+    remote.git({"tag", "v1"});
+    repository.git({"config", "remote.origin.tagOpt", "--tags"});
+    const auto operation = track("mine", "origin", "feature/x");
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_THAT(commandLinesOf(*operation),
+                ElementsAre("fetch -q origin", "branch --track mine origin/feature/x"));
+    EXPECT_EQ(operation->commandLog()->runs().front().terminationStatus, 1);
+    EXPECT_EQ(repository.git({"rev-parse", "--abbrev-ref", "mine@{upstream}"}),
+              "origin/feature/x\n");
+    EXPECT_THAT(track("other", "origin", "nosuch")->error(),
+                HasErrorClass("remote-branch-unknown"));
+}
+
 TEST_F(TrackRemoteBranch, HasTheBranchsErrorAfterAGoodFetch) {
     const auto operation = track("mine", "origin", "nosuch");
     EXPECT_THAT(operation->error(), HasErrorClass("remote-branch-unknown"));

@@ -97,17 +97,76 @@ TEST_F(CommandJSON, ARefusalInGitsWordsIsGitsError) {
     EXPECT_THAT(json["error"]["text"], HasSubstr("not a git repository"));
 }
 
-TEST_F(CommandJSON, ARefusalInOurWordsHasNoClass) {
+TEST_F(CommandJSON, ARefusalInOurWordsIsAnErrorOfItsClass) {
     repository.commitFile("a.c", "int a;\n");
     const NebscOutcome outcome = nebsc({"log", "nope", "--json"});
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], nullptr);
     EXPECT_EQ(json["error"]["domain"], "NEBSourceControlErrorDomain");
     EXPECT_EQ(json["error"]["code"], -1);
-    EXPECT_EQ(json["error"]["class"], nullptr);
+    EXPECT_EQ(json["error"]["class"], "revision-unknown");
     EXPECT_EQ("nebsc: " + json["error"]["localizedDescription"].get<std::string>() + "\n",
               outcome.errors);
     EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+struct ClassOfRefusal {
+    Words words;
+    const char* errorClass;
+};
+
+/// In a repository with the commits of "main" and the unrelated "other", the files "a.c" (changed),
+/// "b.c" and "src/c.c", and the remote "origin".
+const ClassOfRefusal classesOfRefusals[] = {
+    {{"log", "nope"}, "revision-unknown"},
+    {{"log", "HEAD", "--", "/etc/nope"}, "path-outside"},
+    {{"diff", "nope.c"}, "revision-unknown"},
+    {{"blame", "nope.c"}, "path-unknown"},
+    {{"status", "nope.c"}, "path-unknown"},
+    {{"ls", "nope"}, "path-unknown"},
+    {{"ls", "b.c"}, "path-invalid"},
+    {{"ls", "/"}, "path-outside"},
+    {{"merge", "nope"}, "revision-unknown"},
+    {{"merge-base", "main", "nope"}, "revision-unknown"},
+    {{"merge-base", "main", "other"}, "unrelated-histories"},
+    {{"branch", "create", "x", "nope"}, "revision-unknown"},
+    {{"branch", "tracking", "nope"}, "branch-unknown"},
+    {{"branch", "tracking", "main"}, "no-upstream"},
+    {{"branch", "track", "x", "nope/main"}, "remote-unknown"},
+    {{"checkout", "b.c"}, "revision-unknown"},
+    {{"mv", "nope.c", "d.c"}, "path-unknown"},
+    {{"mv", "b.c", "nope/"}, "destination-missing"},
+    {{"cp", "a.c", "b.c"}, "destination-exists"},
+    {{"mkdir", "b.c"}, "destination-exists"},
+    {{"mkdir", "/tmp/nope"}, "path-outside"},
+    {{"rm", "a.c"}, "local-changes"},
+    {{"ignore", "."}, "path-invalid"},
+    {{"export", "HEAD", "nope.c", "x"}, "path-unknown"},
+    {{"export", "HEAD", "a.c", "b.c"}, "destination-exists"},
+    {{"export", "HEAD", "a.c", "nope/"}, "destination-missing"},
+    {{"export-tree", "src"}, "destination-exists"},
+    {{"update"}, "no-upstream"},
+    {{"update", "nope", "main"}, "remote-unknown"},
+    {{"init"}, "destination-exists"},
+};
+
+TEST_F(CommandJSON, ARefusalHasTheClassOfTheSameFailureOfARequest) {
+    for (const char* file : {"a.c", "b.c", "src/c.c"}) {
+        repository.commitFile(file, "first\n");
+    }
+    repository.git({"checkout", "--quiet", "--orphan", "other"});
+    repository.git({"commit", "--quiet", "--allow-empty", "-m", "other"});
+    repository.git({"checkout", "--quiet", "main"});
+    repository.git({"remote", "add", "origin", "nowhere"});
+    repository.write("a.c", "second\n");
+    for (const ClassOfRefusal& row : classesOfRefusals) {
+        Words words = row.words;
+        words.insert(words.begin(), "--json");
+        const std::string shown = testing::PrintToString(words);
+        const NebscOutcome outcome = nebsc(words);
+        EXPECT_EQ(outcome.exitStatus, 1) << shown << outcome.errors;
+        EXPECT_EQ(outcome.json()["error"]["class"], row.errorClass) << shown << outcome.errors;
+    }
 }
 
 TEST_F(CommandJSON, FilesThatARefusalIsAboutAreListed) {

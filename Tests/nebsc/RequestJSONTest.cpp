@@ -180,6 +180,30 @@ TEST(RequestJSON, NoFilesAndAnEmptyListDiffer) {
     EXPECT_EQ(request->fileCount(), 0U);
 }
 
+/// What an encoder writes for an empty table, in a language that has no other type.
+TEST(RequestJSON, AnEmptyArrayAndAnEmptyObjectStandForEachOther) {
+    const RequestReading reading = requestFromJSON(
+        R"({"type": 15, "sourceTree": [], "repositoryToAuthenticate": [], "files": {},
+            "remote": [], "options": []})");
+    ASSERT_NE(reading.request, nullptr) << reading.refusal;
+    const NEBSourceControlRequest& request = *reading.request;
+    EXPECT_TRUE(request.sourceTree && request.sourceTree->reachable);
+    EXPECT_TRUE(request.repositoryToAuthenticate && request.repositoryToAuthenticate->isValid);
+    ASSERT_TRUE(request.files.has_value());
+    EXPECT_TRUE(request.files->empty());
+    EXPECT_TRUE(request.remote && !request.remote->representsGitSVNBridge);
+    ASSERT_TRUE(request.options.has_value());
+    EXPECT_EQ(request.options->size(), 0U);
+}
+
+TEST(RequestJSON, OnlyEmptyOnesStandForEachOther) {
+    EXPECT_EQ(requestFromJSON(R"({"type": 15, "options": [1]})").refusal,
+              "The request's member \"options\" is an array; an object was expected.");
+    EXPECT_EQ(requestFromJSON(R"({"type": 15, "files": {"a": 1}})").refusal,
+              "The request's member \"files\" is an object; an array was expected.");
+    EXPECT_NE(requestFromJSON(R"({"type": 15, "destination": []})").refusal, "");
+}
+
 TEST(RequestJSON, EveryOptionKeyIsKnown) {
     for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
         const auto request =

@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         RefusalRow{R"({"type": 0, "sourceTree": "/w"})",
                    "The request's member \"sourceTree\" is a string; an object was expected."},
-        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": []})",
+        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": [1]})",
                    "The request's member \"repositoryToAuthenticate\" is an array; an object was "
                    "expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"location": 1}})",
@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusalRow{R"({"type": 0, "files": ["/a", "/b", ["/c"]]})",
                    "The request's member \"files[2]\" is an array; a string, a number or a boolean "
                    "was expected."},
-        RefusalRow{R"({"type": 0, "options": []})",
+        RefusalRow{R"({"type": 0, "options": [1]})",
                    "The request's member \"options\" is an array; an object was expected."},
         RefusalRow{R"({"type": 0, "options": {"NEBSourceControlRequestOptionBranch": {}}})",
                    "The request's member \"options.NEBSourceControlRequestOptionBranch\" is an "

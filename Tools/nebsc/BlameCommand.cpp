@@ -124,7 +124,7 @@ std::optional<Reply> BlameTask::look() {
     }
     const PathSearch search = findAbsolutePath(currentFolder(), words.back());
     if (!search.path) {
-        return refusal(search.failure, exitFailed);
+        return refusal(search.failure, exitFailed, "path-invalid");
     }
     _file = *search.path;
     if (words.size() > 1) {

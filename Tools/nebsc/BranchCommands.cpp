@@ -4,6 +4,7 @@
 
 #include "BranchTask.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
 #include "TextWidth.h"
@@ -129,13 +130,13 @@ std::optional<Reply> CreateTask::look() {
     if (!start) {
         return isWithoutCommits()
                    ? std::optional(refusal("There is no commit yet at which a branch could start.",
-                                           exitFailed))
+                                           exitFailed, "no-commits-yet"))
                    : std::nullopt;
     }
     const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
     return !isForGit && askForCommit(*start).status.exitStatus() == 1
-               ? std::optional(
-                     refusal("There is no revision " + inQuotes(*start) + ".", exitFailed))
+               ? std::optional(refusal("There is no revision " + inQuotes(*start) + ".", exitFailed,
+                                       NEBSourceControlRevisionUnknownErrorClass.text()))
                : std::nullopt;
 }
 

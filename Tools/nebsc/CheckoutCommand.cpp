@@ -3,6 +3,7 @@
 
 #include "CommandTask.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
@@ -84,7 +85,7 @@ std::optional<Reply> CheckoutTask::look() {
                               name + " is a file or folder here, and a branch in another "
                                      "repository alone; which one is meant is not certain, so "
                                      "nothing was done.",
-                              exitFailed))
+                              exitFailed, "revision-ambiguous"))
                         : std::nullopt;
     }
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
@@ -92,7 +93,7 @@ std::optional<Reply> CheckoutTask::look() {
         return refusal(name +
                            " is no branch or revision but a file or folder; \"nebsc revert\" "
                            "throws away its changes.",
-                       exitFailed);
+                       exitFailed, NEBSourceControlRevisionUnknownErrorClass.text());
     }
     return std::nullopt;
 }

@@ -20,6 +20,12 @@ std::string sentenceOfSilence(int exitStatus) {
     return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
 }
 
+std::string_view classOfSilence(const TerminationStatus& status) {
+    return !status.started()       ? NEBSourceControlNotStartedErrorClass.text()
+           : status.signalNumber() ? NEBSourceControlKilledErrorClass.text()
+                                   : NEBSourceControlUnknownErrorClass.text();
+}
+
 /// How the last git ended, of an outcome without an error; 0 when none ran.
 int silentExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
@@ -103,7 +109,7 @@ std::optional<std::string> CommandTask::pagerFor(std::string_view text) {
 std::optional<Reply> CommandTask::readPaths() {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
-        return refusal(folder.failure, exitFailed);
+        return refusal(folder.failure, exitFailed, NEBSourceControlPathUnknownErrorClass.text());
     }
     _place.currentFolder = *folder.path;
     for (const Parameter& parameter : _call.command.parameters) {
@@ -117,7 +123,7 @@ std::optional<Reply> CommandTask::readPaths() {
             }
             const PathSearch search = findAbsolutePath(*folder.path, word);
             if (!search.path) {
-                return refusal(search.failure, exitFailed);
+                return refusal(search.failure, exitFailed, "path-invalid");
             }
             _paths[std::string(parameter.name)].push_back(*search.path);
         }
@@ -269,7 +275,7 @@ void CommandTask::noteConflicts(Reply& reply, std::string_view sentence,
     if (!outcome.status.isSuccess()) {
         addFailure(reply, failureOf(outcome));
     } else if (!outcome.output.empty()) {
-        addFailure(reply, refusalAbout(sentence, textsBetweenNULs(outcome.output)));
+        addFailure(reply, refusalAbout(sentence, textsBetweenNULs(outcome.output), "conflict"));
     }
 }
 
@@ -279,7 +285,7 @@ Reply CommandTask::failureOf(const ChildOutcome& question) const {
         return refusal(question.status.exitStatus()
                            ? sentenceOfSilence(*question.status.exitStatus())
                            : "git did not answer: " + question.status.description() + ".",
-                       exitFailed);
+                       exitFailed, classOfSilence(question.status));
     }
     const auto request = requestOfType(NEBSourceControlRequestStatus);
     return failureWith(NEBSourceControlErrorFromText(words, *request));
@@ -297,9 +303,9 @@ std::string CommandTask::shown(const std::string& path) const {
         _place, path.starts_with('/') ? path : pathByAppendingComponent(_place.location, path)));
 }
 
-Reply CommandTask::refusalAbout(std::string_view sentence,
-                                const std::vector<std::string>& files) const {
-    Reply refused = refusal(sentence, exitFailed);
+Reply CommandTask::refusalAbout(std::string_view sentence, const std::vector<std::string>& files,
+                                std::string_view errorClass) const {
+    Reply refused = refusal(sentence, exitFailed, errorClass);
     for (const std::string& file : files) {
         refused.standardError += "    " + shown(file) + "\n";
     }

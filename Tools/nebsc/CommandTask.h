@@ -130,7 +130,8 @@ protected:
     [[nodiscard]] std::string shown(const std::string& path) const;
     /// A refusal with the sentence, and the files on lines of their own, as the person sees them.
     [[nodiscard]] Reply refusalAbout(std::string_view sentence,
-                                     const std::vector<std::string>& files) const;
+                                     const std::vector<std::string>& files,
+                                     std::string_view errorClass) const;
 
 private:
     [[nodiscard]] Reply work();

@@ -33,7 +33,8 @@ protected:
     /// "a/" means a folder, where "a" may be a name to come.
     [[nodiscard]] std::optional<Reply> refusalOfMissingFolder() const {
         if (word(destination).ends_with('/') && !isFolder(paths(destination).front())) {
-            return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed);
+            return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed,
+                           "destination-missing");
         }
         return std::nullopt;
     }
@@ -45,12 +46,12 @@ protected:
         if (!liesWithin(path, place().location)) {
             return refusal(inQuotes(path) + " lies outside the working copy " +
                                inQuotes(place().location) + "; nothing was done.",
-                           exitFailed);
+                           exitFailed, "path-outside");
         }
         if (isAnythingAt(path)) {
             return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
                                " already; nothing was done.",
-                           exitFailed);
+                           exitFailed, "destination-exists");
         }
         return std::nullopt;
     }

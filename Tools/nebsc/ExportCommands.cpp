@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "GitProgram.h"
 #include "HistoryTask.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NewFile.h"
@@ -18,6 +19,8 @@ namespace neb::nebsc {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr std::string_view destinationExists = "destination-exists";
 
 constexpr std::string_view destination = "DEST";
 
@@ -58,7 +61,7 @@ std::optional<Reply> ExportTask::refusalOfSource() {
     if (!revision().starts_with('-') && typeOfEntry(revision(), file()) == "") {
         return refusal("There is no file " + inQuotes(arguments().value("FILE").value_or("")) +
                            " at the revision " + inQuotes(revision()) + ".",
-                       exitFailed);
+                       exitFailed, NEBSourceControlPathUnknownErrorClass.text());
     }
     return std::nullopt;
 }
@@ -71,19 +74,20 @@ std::optional<Reply> ExportTask::chooseTarget() {
     if (isFolder(path)) {
         path = pathByAppendingComponent(path, lastPathComponent(file()));
     } else if (word.ends_with('/')) {
-        return refusal("There is no folder " + inQuotes(word) + ".", exitFailed);
+        return refusal("There is no folder " + inQuotes(word) + ".", exitFailed,
+                       "destination-missing");
     }
     if (isAnythingAt(path)) {
         return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
                            " already; nothing was done.",
-                       exitFailed);
+                       exitFailed, destinationExists);
     }
     if (auto refused = refusalInsideRepository(path)) {
         return refused;
     }
     _target.emplace(path, lastPathComponent(file()));
     if (const auto failure = _target->prepare()) {
-        return refusal(failure->description, exitFailed);
+        return failureWith(NEBSourceControlErrorFromFileFailure(*failure));
     }
     return std::nullopt;
 }
@@ -99,7 +103,7 @@ std::optional<Reply> ExportTask::look() {
         return refusal(
             "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
             "all of its files.",
-            exitFailed);
+            exitFailed, "path-invalid");
     }
     if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
         return refused;
@@ -184,10 +188,10 @@ std::optional<Reply> ExportTreeTask::look() {
         return refusal(name +
                            " is the working copy itself; nothing was written. \"nebsc revert\" "
                            "throws away changes.",
-                       exitFailed);
+                       exitFailed, "path-invalid");
     }
     if (isAnythingAt(folder()) && !isFolder(folder())) {
-        return refusal(name + " is no folder; nothing was written.", exitFailed);
+        return refusal(name + " is no folder; nothing was written.", exitFailed, destinationExists);
     }
     if (auto refused = refusalInsideRepository(folder())) {
         return refused;
@@ -198,7 +202,7 @@ std::optional<Reply> ExportTreeTask::look() {
         return refusal("The folder " + name +
                            " is not empty; nothing was written. \"nebsc export-tree --force\" "
                            "overwrites the files in it that are in the index too.",
-                       exitFailed);
+                       exitFailed, destinationExists);
     }
     return refusalOfFolderInTheWay();
 }
@@ -216,7 +220,7 @@ std::optional<Reply> ExportTreeTask::refusalOfFolderInTheWay() {
         if (!isSubmodule && fs::is_directory(fs::symlink_status(path, ignored))) {
             return refusal("There is a folder " + inQuotes(path) +
                                " where a file of the index is to be; nothing was written.",
-                           exitFailed);
+                           exitFailed, destinationExists);
         }
     }
     return std::nullopt;

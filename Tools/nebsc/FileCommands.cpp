@@ -85,7 +85,8 @@ std::optional<Reply> RemoveTask::look() {
         return std::nullopt;
     }
     Reply refused = refusalAbout(
-        "Nothing was removed, as changes that are not committed would be lost:", changed);
+        "Nothing was removed, as changes that are not committed would be lost:", changed,
+        "local-changes");
     refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
     return refused;
 }

@@ -57,13 +57,13 @@ std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeT
                                            Words& words) {
     const PathSearch search = findAbsolutePath(currentFolder(), word);
     if (!search.path) {
-        return refusal(search.failure, exitFailed);
+        return refusal(search.failure, exitFailed, "path-invalid");
     }
     if (mustBeThere && !isAnythingAt(*search.path) &&
         !answer({"ls-files", "-z", "--", *search.path})) {
         return refusal("There is no revision and no file " + inQuotes(word) +
                            "; put \"--\" in front of the name of a file that is gone.",
-                       exitFailed);
+                       exitFailed, NEBSourceControlRevisionUnknownErrorClass.text());
     }
     words.files.push_back(*search.path);
     return std::nullopt;
@@ -82,7 +82,7 @@ std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevis
             inQuotes(word) +
                 " is both a revision and a file; put \"--\" in front of it for the file, "
                 "or behind it for the revision.",
-            exitFailed);
+            exitFailed, "revision-ambiguous");
     }
     words.revisions.insert(words.revisions.end(), revisions->begin(), revisions->end());
     words.hasThreeDots = words.hasThreeDots || word.find("...") != std::string::npos;
@@ -191,7 +191,7 @@ std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) 
                ? std::nullopt
                : std::optional(refusal(inQuotes(path) + " lies outside the working copy " +
                                            inQuotes(place().location) + ".",
-                                       exitFailed));
+                                       exitFailed, "path-outside"));
 }
 
 std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& path) {
@@ -203,7 +203,7 @@ std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& pat
             liesWithin(place, std::filesystem::weakly_canonical(*folder, ignored).string())) {
             return refusal(inQuotes(path) + " lies in the repository's own folder " +
                                inQuotes(*folder) + "; nothing was written.",
-                           exitFailed);
+                           exitFailed, "path-invalid");
         }
     }
     return std::nullopt;

@@ -97,15 +97,16 @@ std::optional<Reply> IgnoreTask::refusalOf(const std::string& path) {
     }
     const std::string name = inQuotes(pathAsSeenFrom(place(), path));
     if (path == place().location) {
-        return refusal("The whole working copy cannot be ignored.", exitFailed);
+        return refusal("The whole working copy cannot be ignored.", exitFailed, "path-invalid");
     }
     if (path.find_first_of("\n\r") != std::string::npos) {
         return refusal(
             "The name " + name + " holds a line end, so no list of ignored files can hold it.",
-            exitFailed);
+            exitFailed, "path-invalid");
     }
     if (answer({"ls-files", "-z", "--", path})) {
-        Reply reply = refusal(name + " is tracked, so its changes cannot be ignored.", exitFailed);
+        Reply reply = refusal(name + " is tracked, so its changes cannot be ignored.", exitFailed,
+                              "path-invalid");
         reply.standardError += "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
         return reply;
     }

@@ -112,13 +112,14 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
     } else if (!type.empty()) {
         reply = refusal(name + " is no folder in the latest commit, but a " +
                             (type == "blob" ? "file." : "submodule."),
-                        exitFailed);
+                        exitFailed, "path-invalid");
     } else if (isAnythingAt(folder())) {
-        reply = refusal(name + " is on disk, but not in the latest commit.", exitFailed);
+        reply = refusal(name + " is on disk, but not in the latest commit.", exitFailed,
+                        "path-unknown");
     } else {
         reply =
             refusal("There is no folder " + name + ", neither on disk nor in the latest commit.",
-                    exitFailed);
+                    exitFailed, "path-unknown");
     }
 }
 

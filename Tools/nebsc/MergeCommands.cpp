@@ -116,7 +116,7 @@ void MergeBaseTask::conclude(const Outcome& outcome, Reply& reply) {
     if (!outcome.result || outcome.result->empty()) {
         reply = refusal(inQuotes(revision("A")) + " and " + inQuotes(revision("B")) +
                             " have no common ancestor.",
-                        exitFailed);
+                        exitFailed, "unrelated-histories");
     }
 }
 

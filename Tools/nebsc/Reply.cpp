@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Output.h"
 #include "Pager.h"
 #include "Platform/ErrnoText.h"
@@ -23,7 +24,7 @@ Reply refusal(std::string_view sentence, int exitStatus,
     if (exitStatus == exitFailed) {
         reply.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
                                                              textWithoutPasswords(sentence));
-        reply.error->errorClass = errorClass;
+        reply.error->errorClass = errorClass.value_or(NEBSourceControlUnknownErrorClass.text());
     }
     return reply;
 }

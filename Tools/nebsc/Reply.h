@@ -22,7 +22,8 @@ struct Reply {
 };
 
 /// A reply that is one line on standard error: "nebsc: " and the sentence, made printable. With
-/// exitFailed it has the sentence as an error, too, of the class, if that is known.
+/// exitFailed it has the sentence as an error, too, of the class that the same failure has in the
+/// outcome of a request; "unknown" unless given.
 [[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus,
                             std::optional<std::string_view> errorClass = std::nullopt);
 

@@ -15,6 +15,8 @@ namespace neb::nebsc {
 
 namespace {
 
+constexpr std::string_view destinationExists = "destination-exists";
+
 // ---- init -------------------------------------------------------------------------------------
 
 class InitTask : public CommandTask {
@@ -49,7 +51,7 @@ std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
                 .status.isSuccess()) {
             return refusal(
                 "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
-                exitFailed);
+                exitFailed, destinationExists);
         }
     }
     const bool isBroken =
@@ -58,7 +60,7 @@ std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
     return isBroken ? std::optional(refusal("What is in " + inQuotes(folder) +
                                                 " looks like a damaged repository; nothing was "
                                                 "changed.",
-                                            exitFailed))
+                                            exitFailed, destinationExists))
                     : std::nullopt;
 }
 

@@ -84,7 +84,7 @@ bool readSourceTree(Refusal& refusal, const Place& place,
     if (place.node.kind == Kind::null) {
         return true;
     }
-    if (place.node.kind != Kind::object) {
+    if (!isObject(place.node)) {
         return refusal.wrongKind(place, "an object");
     }
     SourceTreeMembers members;
@@ -121,7 +121,7 @@ bool readRemote(Refusal& refusal, const Place& place,
     if (place.node.kind == Kind::null) {
         return true;
     }
-    if (place.node.kind != Kind::object) {
+    if (!isObject(place.node)) {
         return refusal.wrongKind(place, "an object");
     }
     remote = std::make_shared<NEBSourceControlRemote>();
@@ -132,7 +132,7 @@ bool readFiles(Refusal& refusal, const Place& place, std::optional<std::vector<N
     if (place.node.kind == Kind::null) {
         return true;
     }
-    if (place.node.kind != Kind::array) {
+    if (!isArray(place.node)) {
         return refusal.wrongKind(place, "an array");
     }
     files.emplace();
@@ -163,7 +163,7 @@ bool readOptions(Refusal& refusal, const Place& place, std::optional<NEBDictiona
     if (place.node.kind == Kind::null) {
         return true;
     }
-    if (place.node.kind != Kind::object) {
+    if (!isObject(place.node)) {
         return refusal.wrongKind(place, "an object");
     }
     options.emplace();

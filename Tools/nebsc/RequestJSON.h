@@ -10,7 +10,8 @@
 //       "remote": { "representsGitSVNBridge": false },
 //       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 } }
 //
-// Only "type" is required, an integer of 32 bits. null is a missing value. "class" is
+// Only "type" is required, an integer of 32 bits. null is a missing value. In a member, [] is taken
+// for {} and {} for []. "class" is
 // NEBSourceControlWorkingTree unless given, "name" the location's last component, "reachable" and
 // "isValid" are true, "isRemoteDistributedRepository" (of a repository only) is false.
 // "destination", the revisions, the elements of "files" and the values of "options" are any JSON

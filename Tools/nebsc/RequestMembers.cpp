@@ -21,6 +21,14 @@ private:
 
 }  // namespace
 
+bool isObject(const JSONNode& node) {
+    return node.kind == Kind::object || (node.kind == Kind::array && node.children.empty());
+}
+
+bool isArray(const JSONNode& node) {
+    return node.kind == Kind::array || (node.kind == Kind::object && node.children.empty());
+}
+
 bool Refusal::wrongKind(const Place& place, std::string_view expected) {
     sentence = subjectAt(place.path)
                    .append(" is ")

@@ -22,6 +22,14 @@ struct Place {
     std::string path;
 };
 
+// Encoders of languages with one type for both (a table in Lua) write an empty object as [] or an
+// empty array as {}.
+
+/// Whether the node is an object, or an empty array.
+[[nodiscard]] bool isObject(const JSONNode& node);
+/// Whether the node is an array, or an empty object.
+[[nodiscard]] bool isArray(const JSONNode& node);
+
 /// Why the request is refused: the first reason.
 struct Refusal {
     std::string sentence;

@@ -2,6 +2,7 @@
 
 #include "CommandTask.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
@@ -95,7 +96,7 @@ void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
     if (_path && !isAnythingAt(*_path)) {
         reply = refusal("There is no file or folder " + asked +
                             ", neither on disk nor in the working copy " + workingCopy + ".",
-                        exitFailed);
+                        exitFailed, NEBSourceControlPathUnknownErrorClass.text());
         return;
     }
     reply.standardOutput =

@@ -50,7 +50,7 @@ std::optional<Reply> TrackTask::look() {
     if (slash == std::string::npos && !text.starts_with('-')) {
         return refusal(inQuotes(text) +
                            " begins with the name of no remote; \"nebsc remote list\" shows them.",
-                       exitFailed);
+                       exitFailed, "remote-unknown");
     }
     const std::size_t end = slash == std::string::npos ? first : slash;
     _tracking = {text.substr(0, end), text.substr(end + 1)};
@@ -118,9 +118,9 @@ void TrackingTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
     } else if (const auto tracking = trackingOf(name)) {
         reply.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
     } else if (isBranch(name) || currentBranch() == name) {
-        reply = refusal(inQuotes(name) + " tracks no branch.", exitFailed);
+        reply = refusal(inQuotes(name) + " tracks no branch.", exitFailed, "no-upstream");
     } else {
-        reply = refusal("There is no branch " + inQuotes(name) + ".", exitFailed);
+        reply = refusal("There is no branch " + inQuotes(name) + ".", exitFailed, "branch-unknown");
     }
 }
 

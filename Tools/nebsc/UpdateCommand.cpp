@@ -92,7 +92,7 @@ std::optional<Reply> UpdateTask::findSource() {
                                            " tracks no branch, so it is not known what is new."
                                      : "No branch is checked out that could track another, so it "
                                        "is not known what is new.",
-                              exitFailed);
+                              exitFailed, "no-upstream");
         reply.standardError += hasSubversion()
                                    ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
                                    : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
@@ -107,7 +107,8 @@ std::optional<Reply> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteWord);
     const std::string& remote = _source.remote;
     if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
-        Reply reply = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed);
+        Reply reply =
+            refusal(inQuotes(remote) + " is the name of no remote.", exitFailed, "remote-unknown");
         reply.standardError +=
             "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
             "a path, too.\n";

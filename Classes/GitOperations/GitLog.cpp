@@ -1,9 +1,9 @@
 #include "GitOperations/GitLog.h"
 
+#include "GitOperations/GitQuotedPath.h"
 #include "GitOperations/GitRecentTexts.h"
 #include "GitOperations/GitRevision.h"
 #include "GitOperations/GitStatus.h"
-#include "NSData+GitUtilities.h"
 #include "Platform/Scanner.h"
 #include "Platform/Text.h"
 
@@ -59,21 +59,48 @@ public:
 
     /// Reads on, up to so many bytes of `log`, which begins as it did in the last call.
     void readTo(std::size_t end, const Data& log) {
-        git_forEachComponentSeparatedByNULLTerminator(
-            log.bytes().substr(_place, end - _place), [&](std::string_view block) {
-                if (!block.empty()) {
-                    _records.push_back(recordOf(log, block));
-                }
-            });
+        forEachPiece(log.bytes().substr(_place, end - _place), '\0', [&](std::string_view block) {
+            if (isUTF8(block)) {
+                readText(log, block);
+            } else {
+                readOtherBytes(log, block);
+            }
+        });
         _place = end;
     }
 
     [[nodiscard]] NEBSourceControlResult takeRecords() { return std::move(_records); }
+    [[nodiscard]] std::vector<std::string> takeOmittedRevisions() {
+        return std::move(_omittedRevisions);
+    }
 
 private:
+    void readText(const Data& log, std::string_view block) {
+        if (!block.empty()) {
+            // The message may hold the byte that ends the header, too.
+            const std::size_t last = block.rfind(endOfHeader);
+            _records.push_back(recordOf(
+                log, block, last == std::string_view::npos ? block : block.substr(last + 1)));
+        }
+    }
+
+    /// The names of files that are not UTF-8 have a spelling that is; a header has none.
+    void readOtherBytes(const Data& log, std::string_view block) {
+        const std::size_t last = block.rfind(endOfHeader);
+        if (last != std::string_view::npos && isUTF8(block.substr(0, last))) {
+            _records.push_back(
+                recordOf(log, block.substr(0, last), gitTextOfPathLines(block.substr(last + 1))));
+        } else {
+            Scanner header(textByTrimmingLineEnds(block));
+            _omittedRevisions.push_back(
+                textReplacingInvalidBytes(gitAbbreviatedRevision(takeLine(header))));
+        }
+    }
+
     /// A line that is missing is taken for an empty one.
-    NEBDictionary recordOf(const Data& log, std::string_view block) {
-        const std::string_view files = _withFiles ? filesPart(block) : std::string_view();
+    NEBDictionary recordOf(const Data& log, std::string_view block, std::string_view list) {
+        const std::string_view files =
+            _withFiles ? textByTrimmingLineEnds(list) : std::string_view();
         NEBDictionary record;
         record.reserve(files.empty() ? 5 : 6);
         Scanner header(textByTrimmingLineEnds(block.substr(0, block.find(endOfHeader))));
@@ -87,13 +114,6 @@ private:
             record.set(NEBSourceControlOperationFilesKey, filesOf(files));
         }
         return record;
-    }
-
-    /// What stands behind the last byte that ends a header: the message may hold one too.
-    static std::string_view filesPart(std::string_view block) {
-        std::string_view last;
-        forEachPiece(block, endOfHeader, [&last](std::string_view piece) { last = piece; });
-        return textByTrimmingLineEnds(last);
     }
 
     /// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A
@@ -117,6 +137,7 @@ private:
     GitRecentTexts _paths;
     std::size_t _place = 0;  // how many bytes have been read
     NEBSourceControlResult _records;
+    std::vector<std::string> _omittedRevisions;
 };
 
 GitLogOperation::~GitLogOperation() = default;
@@ -194,16 +215,19 @@ void GitLogOperation::parseArrivedData(const Data& arrived) {
 
 void GitLogOperation::parseData() {
     NEBSourceControlResult records;
+    std::vector<std::string> omittedRevisions;
     if (data()) {
         if (!_reader) {
             _reader = std::make_unique<Reader>(data()->size() / usualBlock, wantsFilesChanged());
         }
         _reader->readTo(data()->size(), *data());
         records = _reader->takeRecords();
+        omittedRevisions = _reader->takeOmittedRevisions();
         _reader.reset();
         _seen = 0;
     }
     setResult(std::move(records));
+    setOmittedRevisions(std::move(omittedRevisions));
 }
 
 }  // namespace neb

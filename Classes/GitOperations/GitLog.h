@@ -19,8 +19,9 @@ namespace neb {
 /// 32 bits cannot hold is the nearest that they can) and NEBSourceControlOperationMessageKey
 /// (whole, without line ends around it). With the option for changed files, and where git lists
 /// any, also NEBSourceControlOperationFilesKey, a dictionary from path to status value; of a file
-/// that was renamed or copied the old path. Empty when there is no commit to list. A commit whose
-/// text is no UTF-8 is left out.
+/// that was renamed or copied the old path, of one whose name is not UTF-8 the path in git's
+/// quotes, see gitTextOfPath(). Empty when there is no commit to list. A commit whose author,
+/// e-mail or message is not UTF-8 is left out; omittedRevisions() names it.
 class GitLogOperation : public GitOperation {
 public:
     explicit GitLogOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -48,6 +48,14 @@ public:
     /// Absent until there is one; absent and empty differ.
     [[nodiscard]] const std::optional<NEBSourceControlResult>& result() const { return _result; }
     void setResult(std::optional<NEBSourceControlResult> result) { _result = std::move(result); }
+    /// The abbreviated names of the commits that the result should hold and leaves out, as their
+    /// text is not UTF-8; in the order of the result.
+    [[nodiscard]] const std::vector<std::string>& omittedRevisions() const {
+        return _omittedRevisions;
+    }
+    void setOmittedRevisions(std::vector<std::string> revisions) {
+        _omittedRevisions = std::move(revisions);
+    }
     /// Absent on success. No password of a URL is in its texts, whoever set it.
     [[nodiscard]] const std::optional<NEBSourceControlError>& error() const { return _error; }
     void setError(std::optional<NEBSourceControlError> error);
@@ -81,6 +89,7 @@ private:
     std::shared_ptr<NEBSourceControlRequest> _request;
     LOMAssertionSink _reportSink;  // of the thread that made it; mostly absent
     std::optional<NEBSourceControlResult> _result;
+    std::vector<std::string> _omittedRevisions;
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;
     bool _isBackgroundWork = false;

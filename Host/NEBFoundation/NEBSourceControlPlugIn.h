@@ -17,7 +17,7 @@
 namespace neb {
 
 /// Raised whenever a plug-in built against an older host library could no longer be used.
-inline constexpr std::uint32_t NEBSourceControlContractVersion = 1;
+inline constexpr std::uint32_t NEBSourceControlContractVersion = 2;
 
 /// A plug-in's answer about itself. The contract version stands first for good: a host reads
 /// nothing else before it has found that version to be its own.

@@ -80,6 +80,15 @@ def commits():
         place = start + size + 1
 
 
+def path_text(printed):
+    """A path as git prints it; one that is not UTF-8 in quotes, with octal escapes."""
+    try:
+        return printed.decode()
+    except UnicodeDecodeError:
+        text = "".join(chr(byte) if byte < 128 else f"\\{byte:03o}" for byte in printed)
+        return text if text.startswith('"') else f'"{text}"'
+
+
 def files_by_commit():
     """The lines "state TAB path…" of each commit's comparison with its parent."""
     files, name = {}, None
@@ -90,7 +99,7 @@ def files_by_commit():
             name = line.decode()
         elif line:
             state, path = line.split(b"\t")[:2]
-            files.setdefault(name, {})[path.decode()] = STATES[chr(state[0])]
+            files.setdefault(name, {})[path_text(path)] = STATES[chr(state[0])]
     return files
 
 

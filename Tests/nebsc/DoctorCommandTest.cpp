@@ -34,7 +34,7 @@ protected:
 TEST_F(DoctorCommand, WhereAllIsInOrderThatIsTold) {
     const NebscOutcome outcome = nebsc({"doctor"});
     EXPECT_THAT(outcome.output, testing::StartsWith("ok       git          /"));
-    EXPECT_THAT(outcome.output, HasSubstr(", contract version 1\n"));
+    EXPECT_THAT(outcome.output, HasSubstr(", contract version 2\n"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("working copy " + repository.path() + ", whose owner git trusts\n"));
     EXPECT_THAT(outcome.output, HasSubstr("ok       locks        there are none\n"));

@@ -207,14 +207,55 @@ TEST_F(LogCommand, ATerminalShowsColours) {
                                   "  Ann Example  Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
 }
 
-TEST(LogOfOtherEncodings, IsNotSaidToBeNone) {
-    const TestRepository repository;
-    repository.commitFile("inv\xFFlid", "1\n");
-    const NebscOutcome outcome = runNebsc({"log", "--files"}, {.folder = repository.path()});
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors,
-              "There are such commits, but none whose text and names of files are UTF-8.\n");
-    EXPECT_EQ(outcome.exitStatus, 0);
+TEST_F(LogCommand, AFileNameThatIsNotUTF8CostsNoCommit) {
+    repository.commitFile("lat\xE4.txt", "1\n", "Fourth");
+    expectDone(log({"--files", "-n1"}),
+               line("HEAD", "Fourth") + "    added      \"lat\\344.txt\"\n");
+}
+
+class LogOfOtherEncodings : public LogCommand {
+protected:
+    /// A commit whose message is not UTF-8; returns its 12 characters.
+    [[nodiscard]] std::string commitOtherBytes() const {
+        const std::string raw = "tree " + repository.git({"rev-parse", "HEAD^{tree}"}) + "parent " +
+                                repository.git({"rev-parse", "HEAD"}) +
+                                "author A <a@b> 1600000000 +0000\n"
+                                "committer A <a@b> 1600000000 +0000\n\nraw \xE4\n";
+        std::string commit = repository.gitWithInput(
+            {"hash-object", "-t", "commit", "-w", "--stdin", "--literally"}, raw);
+        commit.pop_back();
+        repository.git({"update-ref", "HEAD", commit});
+        return commit.substr(0, 12);
+    }
+    static constexpr const char* reason =
+        " left out, because the author, the e-mail address or the message is not UTF-8:\n";
+};
+
+TEST_F(LogOfOtherEncodings, NamesTheCommitsThatItLeavesOut) {
+    const std::string first = commitOtherBytes();
+    const NebscOutcome one = log({"-n2"});
+    EXPECT_EQ(one.output, line("HEAD~1", "Third"));
+    EXPECT_EQ(one.errors, std::string("nebsc: One commit is") + reason + "    " + first + "\n");
+    EXPECT_EQ(one.exitStatus, 0);
+    const NebscOutcome none = log({"-n1"});
+    EXPECT_EQ(none.output, "");
+    EXPECT_EQ(none.errors, one.errors) << "not that there are no such commits";
+
+    std::string names;
+    for (int i = 0; i < 6; ++i) {
+        names.insert(0, commitOtherBytes() + (i == 1 ? "\n    " : " "));
+    }
+    const NebscOutcome many = log({"-n7"});
+    EXPECT_EQ(many.errors,
+              std::string("nebsc: 7 commits are") + reason + "    " + names + first + "\n");
+}
+
+TEST_F(LogOfOtherEncodings, ProgramsAreToldWhatIsLeftOut) {
+    const std::string commit = commitOtherBytes();
+    const NebscOutcome outcome = log({"--json", "-n2"});
+    EXPECT_EQ(outcome.json()["omittedRevisions"], JSON({commit}));
+    EXPECT_EQ(outcome.json()["result"].size(), 1U);
+    EXPECT_FALSE(log({"--json", "HEAD~1"}).json().contains("omittedRevisions"));
 }
 
 }  // namespace

@@ -22,6 +22,12 @@ TEST(OutcomeJSON, HasEveryMemberWhenNothingIsThere) {
               "\n");
 }
 
+TEST(OutcomeJSON, NamesWhatTheResultLeavesOut) {
+    Outcome outcome;
+    outcome.omittedRevisions = {"0123456789ab", "abc"};
+    EXPECT_EQ(jsonOfOutcome(outcome)["omittedRevisions"].dump(), R"(["0123456789ab","abc"])");
+}
+
 TEST(OutcomeJSON, NamesTheType) {
     const auto nameOf = [](std::int32_t type) {
         Outcome outcome;

@@ -153,6 +153,7 @@ void CommandTask::addNotes(Reply& reply, Outcome& outcome) const {
         reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
     }
     noteReports(reply, outcome);
+    noteOmittedRevisions(reply, outcome);
     noteLeftFolder(reply, outcome);
     noteHeldOutput(reply, outcome);
 }

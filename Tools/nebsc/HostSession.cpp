@@ -17,6 +17,7 @@ void runOperation(NEBSourceControlOperation& operation, const HostSession::Runne
     run(operation);
     outcome.commands = log->runs();
     outcome.result = operation.result();
+    outcome.omittedRevisions = operation.omittedRevisions();
     outcome.error = operation.error();
     outcome.outputWasHeldOpen = operation.outputWasHeldOpen();
 }

@@ -196,12 +196,9 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
 }
 
 void LogTask::conclude(const Outcome& outcome, Reply& reply) {
-    if (!isJSON() && outcome.result && outcome.result->empty()) {
-        // A commit whose text is no UTF-8 has no record.
-        const bool isAny = outcome.command && !ask(outcome.command->arguments).output.empty();
-        reply.standardError += isAny ? "There are such commits, but none whose text and names of "
-                                       "files are UTF-8.\n"
-                                     : "There are no such commits.\n";
+    if (!isJSON() && outcome.result && outcome.result->empty() &&
+        outcome.omittedRevisions.empty()) {
+        reply.standardError += "There are no such commits.\n";
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "ArrivingPack.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Presentation.h"
 
 namespace neb::nebsc {
 
@@ -35,6 +36,23 @@ void noteReports(Reply& reply, const Outcome& outcome) {
         reply.standardError +=
             complaint("The plug-in reports: " + report.message + " (" + report.function + ", " +
                       report.file + ":" + std::to_string(report.line) + ")");
+    }
+}
+
+void noteOmittedRevisions(Reply& reply, const Outcome& outcome) {
+    const std::vector<std::string>& revisions = outcome.omittedRevisions;
+    if (revisions.empty()) {
+        return;
+    }
+    const std::string which =
+        revisions.size() == 1 ? "One commit is" : std::to_string(revisions.size()) + " commits are";
+    reply.standardError += complaint(
+        which + " left out, because the author, the e-mail address or the message is not UTF-8:");
+    constexpr std::size_t inOneLine = 5;
+    for (std::size_t i = 0; i < revisions.size(); ++i) {
+        const bool isLastInLine = i % inOneLine == inOneLine - 1 || i + 1 == revisions.size();
+        reply.standardError += (i % inOneLine == 0 ? "    " : " ") + printable(revisions[i]) +
+                               (isLastInLine ? "\n" : "");
     }
 }
 

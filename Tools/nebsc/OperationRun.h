@@ -15,6 +15,9 @@ namespace neb::nebsc {
 /// Tells of broken preconditions, when there were any.
 void noteReports(Reply& reply, const Outcome& outcome);
 
+/// Names the commits that the result leaves out, when there are any.
+void noteOmittedRevisions(Reply& reply, const Outcome& outcome);
+
 /// Tells of a folder that is left after a failure, when there is one.
 void noteLeftFolder(Reply& reply, const Outcome& outcome);
 

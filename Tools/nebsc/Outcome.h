@@ -29,6 +29,8 @@ struct Outcome {
     /// The failed assertions, in order.
     std::vector<LOMAssertionReport> reports;
     std::optional<NEBSourceControlResult> result;
+    /// The commits that the result leaves out; see NEBSourceControlOperation.
+    std::vector<std::string> omittedRevisions;
     std::optional<NEBSourceControlError> error;
     /// Whether a left-over process still held the child's output open, so that more may have been
     /// written than was read.

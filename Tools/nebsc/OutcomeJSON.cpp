@@ -119,17 +119,22 @@ JSON arrayOf(const Values& values, Function function) {
 }  // namespace
 
 JSON jsonOfOutcome(const Outcome& outcome) {
-    return {{"type", orNull(outcome.type)},
-            {"name",
-             orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
-            {"authenticationRequired", outcome.authenticationRequired},
-            {"valid", outcome.valid},
-            {"operation", orNull(outcome.operation)},
-            {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
-            {"commands", arrayOf(outcome.commands, jsonOfRun)},
-            {"reports", arrayOf(outcome.reports, jsonOfReport)},
-            {"result", outcome.result ? arrayOf(*outcome.result, jsonOfDictionary) : JSON(nullptr)},
-            {"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+    JSON json{
+        {"type", orNull(outcome.type)},
+        {"name",
+         orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
+        {"authenticationRequired", outcome.authenticationRequired},
+        {"valid", outcome.valid},
+        {"operation", orNull(outcome.operation)},
+        {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
+        {"commands", arrayOf(outcome.commands, jsonOfRun)},
+        {"reports", arrayOf(outcome.reports, jsonOfReport)},
+        {"result", outcome.result ? arrayOf(*outcome.result, jsonOfDictionary) : JSON(nullptr)},
+        {"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+    if (!outcome.omittedRevisions.empty()) {
+        json["omittedRevisions"] = outcome.omittedRevisions;
+    }
+    return json;
 }
 
 std::string lineOfJSON(const JSON& json) {

@@ -34,6 +34,7 @@ Reply run(const CommandCall& call) {
     Reply reply{.standardOutput = lineOfJSON(jsonOfOutcome(*performance.outcome)),
                 .standardError = {},
                 .exitStatus = performance.outcome->error ? exitFailed : exitDone};
+    noteOmittedRevisions(reply, *performance.outcome);
     noteLeftFolder(reply, *performance.outcome);
     noteHeldOutput(reply, *performance.outcome);
     noteInterruption(reply, signalNumber);

@@ -330,9 +330,49 @@ TEST(LogOutput, FillsMissingHeaderLinesWithNothing) {
                 ElementsAre("text before|||1970-01-01T00:00:00Z|", "h|a|e|1970-01-01T00:00:05Z|m"));
 }
 
-TEST(LogOutput, LeavesOutACommitThatIsNoUTF8) {
-    EXPECT_THAT(read(block("one\n") + "\n" + block("raw \xE4 byte\n") + "\n" + block("three\n")),
-                ElementsAre(ann + "one", ann + "three"));
+TEST(LogOutput, LeavesOutACommitWhoseHeaderIsNotUTF8AndNamesIt) {
+    using std::string_literals::operator""s;
+    const std::string output = block("one\n") + "\n" +
+                               block("raw \xE4 byte\n", "1", "0123456789abcdef") + "\n" +
+                               "\0abc\nAnn \xE4\na@b\n1\nm\x01\nM\ta\n"s +
+                               block("before\x01 \xE4\n", "1", "def") + block("three\n");
+    for (const bool withFiles : {false, true}) {
+        GitLogOperation operation(logRequest(withFiles));
+        operation.setData(output);
+        operation.parseData();
+        EXPECT_THAT(operation.omittedRevisions(), ElementsAre("0123456789ab", "abc", "def"));
+        EXPECT_THAT(read(output, withFiles), ElementsAre(ann + "one", ann + "three"));
+    }
+    EXPECT_THAT(read("\0no header \xE4"s, true), IsEmpty());
+}
+
+TEST(LogOutput, SpellsAPathThatIsNotUTF8InGitsQuotes) {
+    const std::pair<std::string, std::string> paths[] = {
+        {"lat\xE4.txt", R"("lat\344.txt")"},
+        {"\xFF", R"("\377")"},
+        {"gr\xC3\xBC\xDF e", R"("gr\303\274\337 e")"},
+        {R"("tab\t)"
+         "\xE4"
+         R"(\001")",
+         R"("tab\t\344\001")"},
+        {R"("\"quoted\")"
+         "\x80\"",
+         R"("\"quoted\"\200")"},
+        {"gr\xC3\xBC\xC3\x9F", "gr\xC3\xBC\xC3\x9F"},
+        {R"("tab\t")", R"("tab\t")"},
+    };
+    for (const auto& [printed, key] : paths) {
+        std::string line = "M\t" + printed + "\nA\tplain \xE2\x80\xA8.c\n";
+        EXPECT_THAT(read(block("m\n") + "\n" + line, true),
+                    ElementsAre(ann + "m|{" + key + " = 4, plain \xE2\x80\xA8.c = 1}"));
+        line = "R100\t" + printed + "\tnew \xE4\nR050\told\tto \xE4\n";
+        EXPECT_THAT(read(block("m\n") + "\n" + line, true),
+                    ElementsAre(ann + "m|{" + key + " = 4096, old = 4096}"));
+    }
+    EXPECT_THAT(read(block("m\n") + "\nM\t\xE4\xE2\x80\xA8\n", true),
+                ElementsAre(ann + R"(m|{"\344\342\200\250" = 4})"))
+        << "a line end of another kind belongs to the name";
+    EXPECT_THAT(read(block("m\n") + "\nM\t\xE4\n", false), ElementsAre(ann + "m"));
 }
 
 /// Reads it as it arrives from a child, in pieces of about this size.
@@ -344,6 +384,7 @@ std::vector<std::string> readAhead(const std::string& output, std::size_t pieceS
     }
     operation.setData(output);
     operation.parseData();
+    EXPECT_EQ(operation.omittedRevisions().size(), 1143U);
     std::vector<std::string> texts;
     for (const NEBDictionary& record : operation.result().value()) {
         texts.push_back(textOf(record));
@@ -355,7 +396,7 @@ TEST(LogOutput, IsTheSameWhenItIsReadAsItArrives) {
     std::string output;
     for (int i = 0; i < 8000; ++i) {
         output += block("message " + std::to_string(i) + (i % 7 == 0 ? " \xE4" : "\n\nbody\n"));
-        output += "\nM\tfile" + std::to_string(i % 100) + "\n";
+        output += "\nM\tfile" + std::to_string(i % 100) + (i % 5 == 0 ? "\xE4\n" : "\n");
     }
     output += block("one long block\n") + "\n";
     for (int i = 0; i < 50000; ++i) {

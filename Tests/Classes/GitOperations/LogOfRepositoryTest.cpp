@@ -241,6 +241,49 @@ TEST_F(LogOfRepository, Of20000CommitsIsWhole) {
     }
 }
 
+/// The paths of a log without commits' other text, of a renamed file both.
+std::vector<std::string> columnsOf(const std::string& line) {
+    std::vector<std::string> columns;
+    std::istringstream stream(line);
+    for (std::string column; std::getline(stream, column, '\t');) {
+        columns.push_back(column);
+    }
+    return columns;
+}
+
+TEST_F(LogOfRepository, SpellsANameThatIsNotUTF8AsGitDoes) {
+    const TestRepository repository;
+    const std::string names[] = {"lat\xE4.txt",       "\xFF",           "tab\t\xE4",
+                                 "\"\xE4\"",          "back\\\xE4",     "\x01\x7F\xE4\x80\r",
+                                 "bl ank \xE4 ",      "gr\xC3\xBC\xE4", "x\xE4\xE2\x80\xA8",
+                                 "line\nfeed\x1B\xE4"};
+    for (const std::string& name : names) {
+        repository.commitFile(name, name);
+        repository.git({"mv", name, name + "\xFE moved"});
+        repository.git({"commit", "-qm", "to other bytes"});
+        repository.git({"mv", name + "\xFE moved", "text"});
+        repository.git({"commit", "-qm", "to text"});
+        repository.git({"mv", "text", name});
+        repository.git({"commit", "-qm", "from text"});
+    }
+    std::vector<std::string> expected;
+    for (const std::string& line : linesOf(repository.git(
+             {"-c", "core.quotePath=true", "log", "-M", "--format=", "--name-status"}))) {
+        expected.push_back(columnsOf(line).at(1));
+    }
+    const auto operation = run(logRequest(repository));
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_THAT(operation->omittedRevisions(), IsEmpty());
+    std::vector<std::string> keys;
+    for (const NEBDictionary& record : operation->result().value()) {
+        const NEBDictionary* files = record.value(NEBSourceControlOperationFilesKey).dictionary();
+        ASSERT_NE(files, nullptr);
+        ASSERT_EQ(files->size(), 1U);
+        keys.emplace_back(files->begin()->key());
+    }
+    EXPECT_EQ(keys, expected);
+}
+
 // ---- which commits ----------------------------------------------------------------------------
 
 class LogSelection : public LogOfRepository {
@@ -335,6 +378,8 @@ TEST_F(LogSelection, HandsOnWhatGitHoldsAMessageFor) {
     commitRaw(repository, bob, "raw \xE4 byte\n");
     EXPECT_THAT(messagesOf(request), ElementsAre("with ", "a2", "a1"))
         << "what is no UTF-8 is left out whole";
+    EXPECT_THAT(run(request)->omittedRevisions(),
+                ElementsAre(repository.git({"rev-parse", "HEAD"}).substr(0, 12)));
     commitRaw(repository, "Bob <bob@example.org> 4102444800 +0000", "in 2100\n");
     const auto operation = run(request);
     EXPECT_EQ(operation->result()->at(0).value(NEBSourceControlOperationDateKey).description(),

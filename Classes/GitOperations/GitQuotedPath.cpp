@@ -1,0 +1,49 @@
+#include "GitOperations/GitQuotedPath.h"
+
+#include "Platform/Text.h"
+
+namespace neb {
+
+namespace {
+
+void appendEscaped(std::string& text, char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x80U) {
+        text += character;
+        return;
+    }
+    text += '\\';
+    for (const unsigned shift : {6U, 3U, 0U}) {
+        text += static_cast<char>('0' + (byte >> shift & 7U));
+    }
+}
+
+}  // namespace
+
+std::string gitTextOfPath(std::string_view printed) {
+    if (isUTF8(printed)) {
+        return std::string(printed);
+    }
+    // A name that begins with a quote is printed in quotes too.
+    const std::string_view quote = printed.starts_with('"') ? "" : "\"";
+    std::string text(quote);
+    for (const char character : printed) {
+        appendEscaped(text, character);
+    }
+    return text.append(quote);
+}
+
+std::string gitTextOfPathLines(std::string_view printed) {
+    std::string text;
+    text.reserve(printed.size() + printed.size() / 4);
+    forEachPiece(printed, '\n', [&](std::string_view line) {
+        text += line.data() == printed.data() ? "" : "\n";
+        forEachPiece(line, '\t', [&](std::string_view column) {
+            text += column.data() == line.data() ? "" : "\t";
+            text += gitTextOfPath(column);
+        });
+    });
+    return text;
+}
+
+}  // namespace neb

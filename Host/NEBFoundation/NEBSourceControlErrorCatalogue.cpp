@@ -59,14 +59,20 @@ std::string_view NEBSourceControlErrorClassOfText(std::string_view text) {
 
 NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
                                                     const NEBSourceControlRequest& request) {
+    NEBSourceControlError error = NEBSourceControlErrorWithoutDetails(text, request);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(text);
+    error.files = NEBSourceControlFilesInText(text, *error.errorClass);
+    return error;
+}
+
+NEBSourceControlError NEBSourceControlErrorWithoutDetails(std::string_view text,
+                                                          const NEBSourceControlRequest& request) {
     const ErrorCatalogueRow* row = rowOfText(text);
     NEBSourceControlError error;
     error.code = row != nullptr ? row->code : NEBSourceControlGenericError;
     error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
     error.text = text;
     error.hints = NEBSourceControlHintsInText(text);
-    error.remoteLines = NEBSourceControlRemoteLinesInText(text);
-    error.files = NEBSourceControlFilesInText(text, *error.errorClass);
     const ErrorSentence sentence = sentenceOf(row);
     error.userInfo.set(NEBLocalizedDescriptionKey,
                        sentence.description.empty()

@@ -44,4 +44,9 @@ inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
 
+/// The same without remote lines and files, for a caller that reads them from more than this text.
+/// From any thread.
+[[nodiscard]] NEB_EXPORT NEBSourceControlError
+NEBSourceControlErrorWithoutDetails(std::string_view text, const NEBSourceControlRequest& request);
+
 }  // namespace neb

@@ -1,6 +1,7 @@
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 
 #include <algorithm>
+#include <set>
 
 #include "Platform/Text.h"
 
@@ -140,11 +141,11 @@ bool isOwnLine(std::string_view line) {
     return !line.starts_with(hintMark) && !line.starts_with(remoteMark);
 }
 
-/// Collects each name once.
+/// Collects each name once. The names are substrings of a text that outlives the object.
 class Names {
 public:
     void add(std::string_view name) {
-        if (!name.empty() && std::find(_names.begin(), _names.end(), name) == _names.end()) {
+        if (!name.empty() && _known.insert(name).second) {
             _names.emplace_back(name);
         }
     }
@@ -152,6 +153,7 @@ public:
 
 private:
     std::vector<std::string> _names;
+    std::set<std::string_view> _known;  // ordered: no choice of names makes it slow
 };
 
 void addMentions(Names& names, std::string_view line, std::string_view errorClass) {

@@ -103,7 +103,7 @@ void NEBSourceControlTaskOperation::main() {
     for (std::size_t i = 0; i < stages.size(); ++i) {
         if (!outcomes[i].status.started()) {
             _terminationStatus = outcomes[i].status;
-            makeErrorFromAbnormalEnd();
+            setError(errorOfAbnormalEnd());
             return;
         }
     }
@@ -163,15 +163,22 @@ NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOu
     return words;
 }
 
-/// Makes an error of what the child wrote or how it ended, where there is one to make.
+/// Makes an error of what the child wrote or how it ended, where there is one to make. It is set
+/// once, when it is complete: what a server wrote may be long.
 void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
-    translateErrorData();
-    if (!_terminationStatus->exitStatus()) {
-        makeErrorFromAbnormalEnd();
-    } else if (!_terminationStatus->isSuccess()) {
-        makeErrorFromFailure(words);
+    std::optional<NEBSourceControlError> told = error();
+    if (auto translated = translationOfErrorData()) {
+        told = std::move(translated);
     }
-    classifyError(words, _terminationStatus);
+    if (!_terminationStatus->exitStatus()) {
+        told = errorOfAbnormalEnd();
+    } else if (!_terminationStatus->isSuccess()) {
+        told = errorOfFailure(words, std::move(told));
+    }
+    if (told) {
+        completeError(*told, words, _terminationStatus);
+    }
+    setError(std::move(told));
 }
 
 void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
@@ -197,14 +204,16 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
         const auto signal = half->_terminationStatus->signalNumber();
         const bool wasCutOff = half == this && signal == SIGPIPE;
         if (!half->_terminationStatus->exitStatus() && !wasCutOff && !error() && !second.error()) {
-            half->makeErrorFromAbnormalEnd();
+            half->setError(half->errorOfAbnormalEnd());
         }
     }
     if (second.error()) {
         const bool hasFirstFailed =
             !_terminationStatus->isSuccess() && _terminationStatus->signalNumber() != SIGPIPE;
-        second.classifyError(isBlank(words.errorText) ? secondWords : words,
-                             hasFirstFailed ? _terminationStatus : second._terminationStatus);
+        NEBSourceControlError told = *second.error();
+        completeError(told, isBlank(words.errorText) ? secondWords : words,
+                      hasFirstFailed ? _terminationStatus : second._terminationStatus);
+        second.setError(told);
         setError(second.error());
     }
     setResult(second.result());
@@ -212,12 +221,10 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
 
 // ---- errors -----------------------------------------------------------------------------------
 
-void NEBSourceControlTaskOperation::translateErrorData() {
-    if (_errorData && !_errorData->empty()) {
-        if (auto translated = errorFromErrorMessage(_nebsc_stringFromData(_errorData))) {
-            setError(std::move(translated));
-        }
-    }
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::translationOfErrorData() {
+    return _errorData && !_errorData->empty()
+               ? errorFromErrorMessage(_nebsc_stringFromData(_errorData))
+               : std::nullopt;
 }
 
 std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErrorMessage(
@@ -226,47 +233,46 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
     if (!message || isNotice || isBlank(*message)) {
         return std::nullopt;
     }
-    return NEBSourceControlErrorFromText(*message, *request());
+    return NEBSourceControlErrorWithoutDetails(*message, *request());
 }
 
 /// All that the child wrote is looked at, whatever parseData() left of it: a push that was rejected
 /// is an error beside its content. Where standard error tells nothing that is known (a hook's
 /// words, a warning about line ends), standard output may: git tells a conflict, or that there is
 /// nothing to commit, there alone, and ends with 1. With other ends, what stands there is content.
-void NEBSourceControlTaskOperation::makeErrorFromFailure(const Words& words) {
-    if (!error() && !isBlank(words.errorText)) {
-        setError(errorFromErrorMessage(words.errorText));
-        if (!error()) {
-            setError(NEBSourceControlErrorFromText(words.errorText, *request()));
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailure(
+    const Words& words, std::optional<NEBSourceControlError> told) {
+    if (!told && !isBlank(words.errorText)) {
+        told = errorFromErrorMessage(words.errorText);
+        if (!told) {
+            told = NEBSourceControlErrorWithoutDetails(words.errorText, *request());
         }
     }
-    const bool isUnknown = error() && error()->errorClass == NEBSourceControlUnknownErrorClass;
+    const bool isUnknown = told && told->errorClass == NEBSourceControlUnknownErrorClass;
     const bool outputTells =
         _terminationStatus->exitStatus() == 1 &&
         NEBSourceControlErrorClassOfText(words.outputText) != NEBSourceControlUnknownErrorClass;
-    if ((!error() && !isBlank(words.outputText)) || (isUnknown && outputTells)) {
-        NEBSourceControlError told = NEBSourceControlErrorFromText(words.outputText, *request());
+    if ((!told && !isBlank(words.outputText)) || (isUnknown && outputTells)) {
+        told = NEBSourceControlErrorWithoutDetails(words.outputText, *request());
         if (!isBlank(words.errorText)) {
-            told.text = words.errorText + "\n" + words.outputText;
+            told->text = words.errorText + "\n" + words.outputText;
         }
-        setError(std::move(told));
     }
-    if (!error() && words.areAny) {
-        setError(errorOfClass(NEBSourceControlUnknownErrorClass,
-                              "The operation was not completed: \"" + launchPath() +
-                                  "\" ended with " + _terminationStatus->description() + "."));
+    if (!told && words.areAny) {
+        told = errorOfClass(NEBSourceControlUnknownErrorClass,
+                            "The operation was not completed: \"" + launchPath() +
+                                "\" ended with " + _terminationStatus->description() + ".");
     }
-    if (!error() || error()->errorClass == NEBSourceControlUnknownErrorClass) {
-        setError(errorFromUnknownFailure(error()));
-    }
+    return !told || told->errorClass == NEBSourceControlUnknownErrorClass
+               ? errorFromUnknownFailure(std::move(told))
+               : told;
 }
 
-void NEBSourceControlTaskOperation::makeErrorFromAbnormalEnd() {
+NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
     const std::string how = _terminationStatus->description();
     if (!_terminationStatus->started()) {
-        setError(errorOfClass(NEBSourceControlNotStartedErrorClass,
-                              "The operation could not be performed because " + how + "."));
-        return;
+        return errorOfClass(NEBSourceControlNotStartedErrorClass,
+                            "The operation could not be performed because " + how + ".");
     }
     auto error = _terminationStatus->signalNumber()
                      ? errorOfClass(NEBSourceControlKilledErrorClass,
@@ -276,35 +282,30 @@ void NEBSourceControlTaskOperation::makeErrorFromAbnormalEnd() {
                                     "Whether the operation was completed is not known: \"" +
                                         launchPath() + "\" ended, but " + how + ".");
     error.terminationStatus = _terminationStatus;
-    setError(std::move(error));
+    return error;
 }
 
 /// Completes the error by what the words and the end of the child tell that it is about.
-void NEBSourceControlTaskOperation::classifyError(const Words& words,
+void NEBSourceControlTaskOperation::completeError(NEBSourceControlError& error, const Words& words,
                                                   const std::optional<TerminationStatus>& status) {
-    if (!error()) {
-        return;
-    }
     const std::string& text = isBlank(words.errorText) ? words.outputText : words.errorText;
-    NEBSourceControlError classified = *error();
-    if (!classified.errorClass) {
-        classified.errorClass = NEBSourceControlErrorClassOfText(words.errorText);
-        if (classified.errorClass == NEBSourceControlUnknownErrorClass && status &&
+    if (!error.errorClass) {
+        error.errorClass = NEBSourceControlErrorClassOfText(words.errorText);
+        if (error.errorClass == NEBSourceControlUnknownErrorClass && status &&
             status->exitStatus() == 1) {
-            classified.errorClass = NEBSourceControlErrorClassOfText(words.outputText);
+            error.errorClass = NEBSourceControlErrorClassOfText(words.outputText);
         }
     }
-    if (!classified.text && !isBlank(text)) {
-        classified.text = text;
+    if (!error.text && !isBlank(text)) {
+        error.text = text;
     }
-    if (!classified.terminationStatus) {
-        classified.terminationStatus = status;
+    if (!error.terminationStatus) {
+        error.terminationStatus = status;
     }
-    classified.hints = NEBSourceControlHintsInText(words.errorText);
-    classified.remoteLines = NEBSourceControlRemoteLinesInText(words.errorText);
-    classified.files = NEBSourceControlFilesInText(words.errorText + "\n" + words.outputText,
-                                                   *classified.errorClass);
-    setError(std::move(classified));
+    error.hints = NEBSourceControlHintsInText(words.errorText);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(words.errorText);
+    error.files =
+        NEBSourceControlFilesInText(words.errorText + "\n" + words.outputText, *error.errorClass);
 }
 
 }  // namespace neb

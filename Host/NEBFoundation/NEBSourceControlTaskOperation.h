@@ -77,8 +77,9 @@ public:
         return nullptr;
     }
     /// Turns the child's standard-error text into an error, or into nothing where it tells of none.
-    /// The base's version is the host's own translation: see NEBSourceControlErrorCatalogue.h. The
-    /// text of a child that ended with status 0 is a notice, no error.
+    /// The base's version is the host's own translation: see NEBSourceControlErrorWithoutDetails().
+    /// main() fills in the details. The text of a child that ended with status 0 is a notice, no
+    /// error.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message);
 
@@ -127,10 +128,12 @@ private:
     void concludeTexts(const Words& words);
     void concludePipeline(const Words& words, NEBSourceControlTaskOperation& second,
                           const Words& secondWords);
-    void translateErrorData();
-    void makeErrorFromFailure(const Words& words);
-    void makeErrorFromAbnormalEnd();
-    void classifyError(const Words& words, const std::optional<TerminationStatus>& status);
+    [[nodiscard]] std::optional<NEBSourceControlError> translationOfErrorData();
+    [[nodiscard]] std::optional<NEBSourceControlError> errorOfFailure(
+        const Words& words, std::optional<NEBSourceControlError> told);
+    [[nodiscard]] NEBSourceControlError errorOfAbnormalEnd();
+    static void completeError(NEBSourceControlError& error, const Words& words,
+                              const std::optional<TerminationStatus>& status);
 
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;

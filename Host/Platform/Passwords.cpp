@@ -108,8 +108,11 @@ void appendLine(std::string& shown, std::string_view line) {
     }
     const std::string withoutHosts = withoutPasswordsOfHosts(line);
     line = withoutHosts;
+    const char* const lastAt = line.data() + line.rfind('@');
     constexpr std::string_view mark = "://";
-    for (std::size_t place = line.find(mark); place != nowhere; place = line.find(mark)) {
+    // Behind the last "@" there are no passwords, and looking for it each time would take long.
+    for (std::size_t place = line.find(mark); place != nowhere && line.data() <= lastAt;
+         place = line.find(mark)) {
         shown += line.substr(0, place + mark.size());
         line.remove_prefix(place + mark.size());
         if (const std::size_t length = lengthOfUserInformation(line); length != nowhere) {

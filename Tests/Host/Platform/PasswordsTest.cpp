@@ -65,6 +65,7 @@ TEST(Passwords, AreLookedForInLinearTime) {
         text += "a://b:c";
     }
     EXPECT_EQ(textWithoutPasswords(text), text);
+    EXPECT_EQ(textWithoutPasswords("@" + text), "@" + text) << "nor is an early @ one of theirs";
     EXPECT_EQ(textWithoutPasswords(text + "@"), "a://b:<redacted>@");
 }
 

@@ -29,11 +29,25 @@ const ErrorCatalogueRow* firstRowShownBy(std::string_view text) {
     return row != rows.end() ? &*row : nullptr;
 }
 
+/// The statements as the signs want them: a line feed before the first line, and of a text that is
+/// very long, only its beginning and its end. The cause stands in one of them, and the time that a
+/// look at the whole table takes stays bounded.
+std::string searchedPart(std::string_view statements) {
+    constexpr std::size_t half = 32 * std::size_t{1024};
+    std::string part = "\n";
+    if (statements.size() <= 2 * half) {
+        return part.append(statements);
+    }
+    return part.append(statements.substr(0, half))
+        .append("\n")
+        .append(statements.substr(statements.size() - half));
+}
+
 const ErrorCatalogueRow* rowOfText(std::string_view text) {
     const std::string statements = NEBSourceControlStatementsInText(text);
     const ErrorCatalogueRow* row =
-        firstRowShownBy(NEBSourceControlStatementsWithoutAsides(statements));
-    return row != nullptr ? row : firstRowShownBy(statements);
+        firstRowShownBy(searchedPart(NEBSourceControlStatementsWithoutAsides(statements)));
+    return row != nullptr ? row : firstRowShownBy(searchedPart(statements));
 }
 
 /// What the row says, and what its class says where the row says nothing; empty without a row.

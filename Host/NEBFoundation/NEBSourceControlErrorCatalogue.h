@@ -32,7 +32,7 @@ inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision
 
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
 /// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else
-/// tells. From any thread.
+/// tells. Of what git said in more than 64 KiB, the first and the last 32 count. From any thread.
 [[nodiscard]] NEB_EXPORT std::string_view NEBSourceControlErrorClassOfText(std::string_view text);
 
 /// Returns the text as an error of its class, with the class's code (-1 where it has none). The

@@ -10,7 +10,8 @@
 namespace neb {
 
 /// Holds where `first` stands in the text and, unless that is empty, `second` somewhere behind it.
-/// In small letters, as the text is when it is looked at.
+/// In small letters, as the text is when it is looked at; what begins with a line feed stands at
+/// the beginning of a line.
 struct ErrorTextSign {
     std::string_view first, second = {};
 };
@@ -26,7 +27,7 @@ struct ErrorCatalogueRow {
     std::string_view errorClass;
     std::int64_t code;
     /// Any of them shows the class.
-    std::array<ErrorTextSign, 7> signs;
+    std::array<ErrorTextSign, 12> signs;
     /// Empty texts are replaced by those of the class.
     ErrorSentence sentence = {};
 };

@@ -76,6 +76,15 @@ constexpr Mention mentions[] = {
     {"permission-denied", "warning: unable to unlink '", "", "': "},
     {"permission-denied", "warning: could not open directory '", "", "': "},
     {"objects-damaged", "error: unable to read sha1 file of ", "", " ("},
+    {"conflict-unresolved", "fatal: conflicted, source=", "", ", destination="},
+    {"path-invalid", "fatal: can not move directory into itself, source=", "", ", destination="},
+    {"path-invalid", "error: invalid path '", "", "'"},
+    {"line-ends-refused", "fatal: CRLF would be replaced by LF in ", "", ""},
+    {"line-ends-refused", "fatal: LF would be replaced by CRLF in ", "", ""},
+    {"encoding-failed", "", "failed to encode '", "' from "},
+    {"encoding-failed", "", "BOM is required in '", "' if encoded as "},
+    {"encoding-failed", "", "BOM is prohibited in '", "' if encoded as "},
+    {"embedded-repository", "error: '", "", "' does not have a commit checked out"},
     {"index-locked", "", "Unable to create '", "': File exists"},
 };
 
@@ -84,6 +93,11 @@ constexpr Listing listings[] = {
     {"local-changes", "cannot continue with staged changes in the following files", ""},
     {"untracked-in-the-way", "untracked working tree files would be ", "\t"},
     {"path-ignored", "paths are ignored by one of your .gitignore files", ""},
+    // the second line of the heading
+    {"path-sparse", "updated in the index:", ""},
+    {"local-changes", "local modifications:", "    "},
+    {"local-changes", "changes staged in the index:", "    "},
+    {"local-changes", "staged content different from both the file and the head:", "    "},
 };
 
 std::vector<std::string_view> linesOf(std::string_view text) {

@@ -38,9 +38,9 @@ std::string_view wordsInName(std::string_view name) {
 std::string_view ownWordsOf(std::string_view line) {
     constexpr std::string_view lastWords[] = {"conflict (", "auto-merging ", "fatal: no such path ",
                                               "fatal: remote error: "};
-    constexpr std::string_view knownReasons[] = {"hook declined)",
-                                                 "(branch is currently checked out)",
-                                                 "repository not found", "repository not exported"};
+    constexpr std::string_view knownReasons[] = {
+        "hook declined)", "(branch is currently checked out)", "(shallow update not allowed)",
+        "repository not found", "repository not exported"};
     const bool isKnown = std::any_of(
         std::begin(knownReasons), std::end(knownReasons),
         [line](std::string_view reason) { return line.find(reason) != std::string_view::npos; });
@@ -109,6 +109,13 @@ bool isStatement(std::string_view line) {
                         [line](std::string_view other) { return startsWith(line, other); });
 }
 
+/// Whether the warning tells why a name is not known: git finds a reference that it cannot read,
+/// and goes on as if there were none.
+bool isCause(std::string_view warning) {
+    return startsWith(warning, "warning: ignoring broken ref ") ||
+           startsWith(warning, "warning: ignoring dangling symref ");
+}
+
 }  // namespace
 
 std::string NEBSourceControlStatementsInText(std::string_view text) {
@@ -117,7 +124,7 @@ std::string NEBSourceControlStatementsInText(std::string_view text) {
 
 std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements) {
     return linesOf(statements, [](std::string_view line) {
-        return !startsWith(line, "warning:") && !startsWith(line, "hint:");
+        return (!startsWith(line, "warning:") && !startsWith(line, "hint:")) || isCause(line);
     });
 }
 

@@ -20,7 +20,7 @@ namespace neb {
 [[nodiscard]] std::string NEBSourceControlStatementsInText(std::string_view text);
 
 /// The statements without warnings and hints, which do not tell why something failed where an error
-/// does.
+/// does; a warning that a reference cannot be read does.
 [[nodiscard]] std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements);
 
 }  // namespace neb

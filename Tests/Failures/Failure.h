@@ -38,6 +38,9 @@ Failures workingCopyFailures();
 Failures nameFailures();
 Failures commitFailures();
 Failures machineFailures();
+Failures ambiguityFailures();
+Failures contentFailures();
+Failures damageFailures();
 
 /// All of them, family by family.
 const Failures& allFailures();

@@ -16,7 +16,8 @@ const Failures& allFailures() {
     static const Failures all = [] {
         Failures failures;
         for (const auto& family : {&networkFailures, &exchangeFailures, &workingCopyFailures,
-                                   &nameFailures, &commitFailures, &machineFailures}) {
+                                   &nameFailures, &commitFailures, &machineFailures,
+                                   &ambiguityFailures, &contentFailures, &damageFailures}) {
             for (Failure& failure : family()) {
                 failures.push_back(std::move(failure));
             }

@@ -199,7 +199,8 @@ TEST_F(ListOfRepository, OfMoreThanACommandLineHoldsIsAnError) {
         repository.write("full/" + std::string(245, 'n') + std::to_string(i), "");
     }
     const auto operation = run(listRequest("full", repository.path()));
-    EXPECT_THAT(operation->error()->localizedDescription(),
+    EXPECT_EQ(operation->error()->errorClass, "system-limit");
+    EXPECT_THAT(operation->error()->text,
                 testing::Optional(testing::HasSubstr("Argument list too long")));
 }
 

@@ -45,6 +45,17 @@ TEST_F(CommitCommand, RecordsTheNamedFilesAlone) {
     EXPECT_EQ(state(), "");
 }
 
+TEST_F(CommitCommand, EachMessageIsAParagraph) {
+    expectCommitted(
+        nebsc({"commit", "-m", "Say hello", "-m", "At length.\n", "--message=The end"}));
+    EXPECT_EQ(latest("%B"), "Say hello\n\nAt length.\n\nThe end\n\n");
+    EXPECT_EQ(state(), " M \"src/b é.c\"\n");
+    // A word behind a message is a file.
+    expectCommitted(nebsc({"commit", "-m", "one", "-m", "two", "src/b é.c"}));
+    EXPECT_EQ(latest("%B"), "one\n\ntwo\n\n");
+    EXPECT_EQ(state(), "");
+}
+
 TEST_F(CommitCommand, TheFirstCommitAndOneOnNoBranchHaveNamesToo) {
     repository.git({"commit", "--quiet", "-m", "all"});
     repository.git({"checkout", "--quiet", "--detach"});

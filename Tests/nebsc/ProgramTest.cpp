@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "CommandLine.h"
+#include "GitNames.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Support/TestRepository.h"
 #include "nebsc/CommandTest.h"
@@ -133,6 +134,8 @@ TEST(Program, HelpIsACommandToo) {
     EXPECT_EQ(runNebsc({"help", "log"}).output, runNebsc({"log", "--help"}).output);
     EXPECT_EQ(runNebsc({"help", "branch", "track"}).output,
               runNebsc({"branch", "track", "--help"}).output);
+    EXPECT_EQ(runNebsc({"--json", "help", "log"}).output, runNebsc({"log", "--help"}).output);
+    EXPECT_EQ(runNebsc({"-C", "/", "help", "log"}).output, runNebsc({"log", "--help"}).output);
     expectFailed(runNebsc({"help", "sttus"}),
                  "nebsc: There is no command \"sttus\". Did you mean \"status\"?\n", 2);
     expectFailed(runNebsc({"sttus", "--help"}),
@@ -154,6 +157,9 @@ TEST(Program, AMistypedWordIsAskedBack) {
     for (const Row& row :
          {Row{{"stauts"}, "There is no command \"stauts\". Did you mean \"status\"?"},
           Row{{"stauts", "log"}, "There is no command \"stauts\". Did you mean \"status\"?"},
+          Row{{"stauts", "--limt", "3"},
+              "There is no command \"stauts\". Did you mean \"status\"?"},
+          Row{{"--josn", "stauts"}, "There is no option \"--josn\". Did you mean \"--json\"?"},
           Row{{"status", "a", "status"},
               "The word \"status\" is one too many: nebsc status [PATH] (see nebsc status "
               "--help)."},
@@ -177,13 +183,59 @@ TEST(Program, AMistypedWordIsAskedBack) {
               "The option \"--plugin\" lacks its value (see nebsc status --help)."},
           Row{{"types", "--json=no"},
               "The option \"--json\" takes no value (see nebsc types --help)."},
-          Row{{"commit", "-m", "a", "-m", "b"},
-              "The option \"--message\" stands in the call more than once (see nebsc commit "
+          Row{{"log", "-n", "1", "-n", "2"},
+              "The option \"--limit\" stands in the call more than once (see nebsc log "
               "--help)."}}) {
         const NebscOutcome outcome = runNebsc(row.words);
         EXPECT_EQ(outcome.errors, std::string("nebsc: ") + row.sentence + "\n");
         EXPECT_EQ(outcome.output, "");
         EXPECT_EQ(outcome.exitStatus, 2);
+    }
+}
+
+TEST(Program, ACommandThatGitCallsDifferentlyIsNamed) {
+    for (const auto& [words, name] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"pull"}, "update"},
+             {{"pull", "--rebase", "origin"}, "update"},
+             {{"help", "pull"}, "update"},
+             {{"switch", "main"}, "checkout"},
+             {{"restore", "a.c"}, "revert"},
+             {{"annotate", "a.c"}, "blame"},
+             {{"fsck"}, "doctor --full"},
+             {{"ls-remote", "origin"}, "remote branches"},
+             {{"remote", "remove", "origin"}, "remote rm"}}) {
+        EXPECT_THAT(runNebsc(words).errors,
+                    testing::EndsWith(". The command is \"nebsc " + name + "\".\n"));
+        EXPECT_EQ(runNebsc(words).exitStatus, 2);
+    }
+    EXPECT_EQ(runNebsc({"pull"}).errors,
+              "nebsc: There is no command \"pull\". The command is \"nebsc update\".\n");
+    // What nebsc does not do has no hint.
+    for (const char* name : {"stash", "reset", "rebase"}) {
+        EXPECT_EQ(runNebsc({name}).errors,
+                  std::string("nebsc: There is no command \"") + name + "\" (see nebsc --help).\n");
+    }
+}
+
+TEST(Program, EachNameOfGitStandsForACommandThatThereIs) {
+    for (const nebsc::GitName& row : nebsc::gitNames()) {
+        std::vector<std::string> words{"nebsc"};
+        std::istringstream name{std::string(row.name)};
+        for (std::string word; name >> word;) {
+            words.push_back(word);
+        }
+        words.emplace_back("--help");
+        std::vector<const char*> pointers;
+        for (const std::string& word : words) {
+            pointers.push_back(word.c_str());
+        }
+        const auto read =
+            nebsc::readCommandLine(static_cast<int>(pointers.size()), pointers.data());
+        EXPECT_EQ(std::get<nebsc::Reply>(read).exitStatus, 0) << row.name;
+        const bool isCommand = std::any_of(
+            nebsc::allCommands().begin(), nebsc::allCommands().end(),
+            [&row](const nebsc::Command* command) { return command->name == row.nameInGit; });
+        EXPECT_FALSE(isCommand) << row.nameInGit;
     }
 }
 

@@ -14,8 +14,10 @@
 namespace neb::nebsc {
 
 struct CallWords {
-    /// Behind "nebsc", in order, without the "--"; shielded where they need it. "help log" has
-    /// become "log --help".
+    /// The values of the options "-C" in front of the command.
+    std::vector<std::string> folders;
+    /// The others behind "nebsc", in order, without the "--"; shielded where they need it. "help
+    /// log" has become "log --help".
     std::vector<std::string> words;
     /// How many of them stood behind "--"; absent without a "--".
     std::optional<std::size_t> countBehindDashes;

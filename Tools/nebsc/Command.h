@@ -71,10 +71,16 @@ struct Parameter {
     [[nodiscard]] bool takesPaths() const { return takes == Takes::path || takes == Takes::folder; }
     /// Whether the values name something that git knows, for which an empty word stands never.
     [[nodiscard]] bool takesNames() const { return takes >= Takes::branch; }
+    [[nodiscard]] bool isRequired() const {
+        return occurs == Occurs::once || occurs == Occurs::oneOrMore;
+    }
     [[nodiscard]] bool isRepeated() const {
         return occurs == Occurs::anyNumber || occurs == Occurs::oneOrMore;
     }
 };
+
+/// "--message" for "-m,--message".
+[[nodiscard]] std::string longName(const Parameter& parameter);
 
 /// The words of a call, by the names of the parameters.
 class Arguments {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "CallMistake.h"
 #include "CallWords.h"
 #include "SimilarWords.h"
 
@@ -20,6 +21,7 @@ constexpr const char* footer = R"(Examples:
   nebsc status --json                the same for a program to read
   nebsc types                        which types of request there are, and what each needs
   nebsc clone URL --trace            which programs it runs, each as it starts and as it ends
+  nebsc -C ../other status           as if started in another folder
   echo '{"type": 15, "sourceTree": {"location": "/path"}}' | nebsc request
 
 Each command has help of its own, with an example: nebsc status --help, or
@@ -44,14 +46,6 @@ constexpr std::array<ColoursWord, 3> coloursWords{{
     {"never", Colours::never},
 }};
 
-/// Why a call is not understood.
-struct Mistake {
-    /// A sentence without the full stop.
-    std::string sentence;
-    /// What may have been meant, as questionForSimilar() has it.
-    std::string question = {};
-};
-
 /// The reader of one command line, made from the rows of all commands.
 class Reader {
 public:
@@ -61,6 +55,7 @@ public:
         const CallWords call = readCallWords(argc, argv);
         _firstWord = call.words.empty() ? "" : call.words.front();
         _countBehindDashes = call.countBehindDashes;
+        _folders = call.folders;
         // From the last to the first, as CLI11 wants them.
         _app.parse(std::vector<std::string>(call.words.rbegin(), call.words.rend()));
     }
@@ -74,12 +69,15 @@ public:
     [[nodiscard]] bool namesNoCommand() const;
     /// Whether an option stands in the call that there is not.
     [[nodiscard]] bool hasUnknownOption() const;
-    /// On the first option that there is not, else on the first word that has no place in the call.
+    /// On the word in place of a command, else on the first option that there is not, else on the
+    /// first word that has no place in the call.
     [[nodiscard]] Mistake mistakeInWords() const;
     /// On what the command needs and the call does not have.
     [[nodiscard]] Mistake missingWords() const;
     /// On a value that is none of those that there are; nothing where all are.
     [[nodiscard]] std::optional<Mistake> mistakeInValues() const;
+    /// On an option behind the command that stands in front of it alone; nothing without one.
+    [[nodiscard]] std::optional<Mistake> mistakeInOrder() const;
     [[nodiscard]] bool asksForVersions() const { return has("--version"); }
     [[nodiscard]] std::string help() const { return _app.help(); }
 
@@ -94,14 +92,8 @@ private:
     CLI::App _app{std::string(description), "nebsc"};
     std::string _firstWord;
     std::optional<std::size_t> _countBehindDashes;
+    std::vector<std::string> _folders;
 };
-
-/// "--message" for "-m,--message".
-std::string longName(const Parameter& parameter) {
-    const std::size_t comma = parameter.name.find(',');
-    return std::string(comma == std::string_view::npos ? parameter.name
-                                                       : parameter.name.substr(comma + 1));
-}
 
 void addParameter(CLI::App& app, const Parameter& parameter) {
     const std::string name(parameter.name);
@@ -114,8 +106,10 @@ void addParameter(CLI::App& app, const Parameter& parameter) {
     option->type_name(std::string(parameter.valueName));
     if (parameter.isRepeated()) {
         option->expected(CLI::detail::expected_max_vector_size);
+        // Each time, an option takes one value alone.
+        option->allow_extra_args(!parameter.isOption());
     }
-    option->required(parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore);
+    option->required(parameter.isRequired());
 }
 
 Reader::Reader() {
@@ -188,6 +182,7 @@ Call Reader::call() const {
                      [&when](const ColoursWord& row) { return row.word == when; });
     Call call{.command = nullptr,
               .arguments = {},
+              .folders = _folders,
               .plugIn = value("--plugin"),
               .isJSON = has("--json"),
               .isTraced = has("--trace"),
@@ -212,55 +207,6 @@ Call Reader::call() const {
 
 // ---- mistakes ---------------------------------------------------------------------------------
 
-std::vector<std::string> namesOf(std::span<const Command* const> commands) {
-    std::vector<std::string> names;
-    for (const Command* command : commands) {
-        if (!command->group.empty()) {
-            names.emplace_back(command->name);
-        }
-    }
-    return names;
-}
-
-/// The long names of all options that may stand in a call of the command.
-std::vector<std::string> optionsOf(const Command* command) {
-    std::vector<std::string> options{"--help"};
-    const auto add = [&options](std::span<const Parameter> parameters) {
-        for (const Parameter& parameter : parameters) {
-            if (parameter.isOption()) {
-                options.push_back(longName(parameter));
-            }
-        }
-    };
-    add(commonParameters());
-    if (command != nullptr) {
-        add(command->parameters);
-    }
-    return options;
-}
-
-/// "nebsc branch list"; `commandName` is as Reader::commandName() gives it.
-std::string nameOf(const std::string& commandName) {
-    return "nebsc " + commandName.substr(0, commandName.size() - 1);
-}
-
-bool isNeeded(const Parameter& parameter) {
-    return parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore;
-}
-
-/// "nebsc cp FILE DEST", without the options.
-std::string usageOf(const std::string& commandName, const Command& command) {
-    std::string usage = nameOf(commandName);
-    for (const Parameter& parameter : command.parameters) {
-        if (!parameter.isOption()) {
-            const std::string word =
-                std::string(parameter.name) + (parameter.isRepeated() ? "…" : "");
-            usage += isNeeded(parameter) ? " " + word : " [" + word + "]";
-        }
-    }
-    return usage;
-}
-
 /// A word of the call, shielded where it stands behind "--".
 bool isOption(const std::string& word) {
     return word.starts_with('-') && word != "-" && word != "--";
@@ -282,34 +228,31 @@ bool Reader::hasUnknownOption() const {
 
 Mistake Reader::mistakeInWords() const {
     const std::vector<std::string> words = _app.remaining(true);
-    auto wrong = std::find_if(words.begin(), words.end(), isOption);
-    if (wrong == words.end()) {
-        wrong = std::find_if(words.begin(), words.end(),
-                             [](const std::string& word) { return word != "--"; });
+    const Command* command = this->command();
+    const auto isNoDashes = [](const std::string& word) { return word != "--"; };
+    auto wrong = std::find_if(words.begin(), words.end(), isNoDashes);
+    // Behind a word that should have been a command, an option is no mistake yet.
+    if (const auto option = std::find_if(words.begin(), words.end(), isOption);
+        command != nullptr && option != words.end()) {
+        wrong = option;
     }
     const std::string word = wrong == words.end() ? "" : unshielded(*wrong);
-    const Command* command = this->command();
     if (word.starts_with('-') && !isShielded(*wrong)) {
-        const std::string name = word.substr(0, word.find('='));
-        return {"There is no option " + inQuotes(name) +
-                    (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName()))),
-                questionForSimilar(name, optionsOf(command))};
+        return unknownOption(word.substr(0, word.find('=')), commandName(), command);
     }
     const auto isNameOf = [&word](const Command* other) { return other->name == word; };
     if (command != nullptr && *wrong == _firstWord &&
         std::none_of(allCommands().begin(), allCommands().end(), isNameOf)) {
-        return {"There is no command " + inQuotes(word),
-                questionForSimilar(word, namesOf(allCommands()))};
+        return unknownCommand("", word, allCommands());
     }
     if (command == nullptr && isShielded(*wrong)) {
         return {"A command was expected in front of \"--\", not " + inQuotes(word) + " behind it"};
     }
     if (hasCommandsAlone(command)) {
-        const auto commands = command == nullptr ? allCommands() : command->commands;
-        return {"There is no command " + inQuotes(commandName() + word),
-                questionForSimilar(word, namesOf(commands))};
+        return unknownCommand(commandName(), word,
+                              command == nullptr ? allCommands() : command->commands);
     }
-    return {"The word " + inQuotes(word) + " is one too many: " + usageOf(commandName(), *command)};
+    return unexpectedArgument(word, commandName(), *command);
 }
 
 Mistake Reader::missingWords() const {
@@ -319,9 +262,8 @@ Mistake Reader::missingWords() const {
         app = inner;
     }
     for (const Parameter& parameter : command.parameters) {
-        if (isNeeded(parameter) && app->get_option(longName(parameter))->count() == 0) {
-            return {longName(parameter) + " is required" +
-                    (parameter.isOption() ? "" : ": " + usageOf(commandName(), command))};
+        if (parameter.isRequired() && app->get_option(longName(parameter))->count() == 0) {
+            return missingParameter(parameter, commandName(), command);
         }
     }
     return {"A word is missing"};
@@ -341,33 +283,26 @@ std::optional<Mistake> Reader::mistakeInValues() const {
                    questionForSimilar(word, words)};
 }
 
-/// CLI11 says what it means in the text alone: "--plugin: 1 required FILE missing", "--message: At
-/// Most 1 required but received 2", "json was given a disallowed flag override".
-Mistake mistakeInOption(const std::string& text) {
-    const std::string word = text.substr(0, text.find_first_of(": "));
-    const std::string name = inQuotes((word.starts_with('-') ? "" : "--") + word);
-    if (text.find(" missing") != std::string::npos) {
-        return {"The option " + name + " lacks its value"};
+/// Those in front of the command have been read by now.
+std::optional<Mistake> Reader::mistakeInOrder() const {
+    const std::string option(folderOption);
+    if (!has(option.c_str())) {
+        return std::nullopt;
     }
-    if (text.find("flag override") != std::string::npos) {
-        return {"The option " + name + " takes no value"};
-    }
-    return {"The option " + name + " stands in the call more than once"};
+    const std::string name = commandName();
+    return Mistake{"The option " + inQuotes(option) + " stands in front of the command: nebsc " +
+                   option + " DIR " + name.substr(0, name.size() - 1)};
 }
 
 Reply helpReply(std::string text) {
     return {.standardOutput = std::move(text), .standardError = {}, .exitStatus = exitDone};
 }
 
-/// `command` is as commandName() gives it.
-Reply refusedCall(const Mistake& mistake, const std::string& command) {
-    std::string sentence =
-        mistake.sentence +
-        (mistake.question.empty() ? " (see nebsc " + command + "--help)." : ".") + mistake.question;
-    return refusal(withoutShields(std::move(sentence)), exitNotUnderstood);
-}
-
 constexpr Parameter commonRows[] = {
+    {folderOption,
+     "Run as if started in DIR; of several, each is relative to the one before it; in front of the "
+     "command alone",
+     Takes::folder, Occurs::anyNumber, "DIR"},
     {"--plugin",
      "The plug-in's file; unless given, NEBGit.so in lib/nebgit or lib beside nebsc's own folder",
      Takes::path, Occurs::optionally, "FILE"},
@@ -405,6 +340,9 @@ std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
             reader.commandName());
     } catch (const CLI::ParseError& error) {
         return refusedCall(mistakeInOption(error.what()), reader.commandName());
+    }
+    if (const auto mistake = reader.mistakeInOrder()) {
+        return refusedCall(*mistake, reader.commandName());
     }
     if (const auto mistake = reader.mistakeInValues()) {
         return refusedCall(*mistake, reader.commandName());

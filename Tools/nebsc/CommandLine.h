@@ -5,11 +5,16 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "Command.h"
 #include "Reply.h"
 
 namespace neb::nebsc {
+
+/// The option that names the folder to start in. It stands in front of the command alone: behind
+/// it, git's own commands have other meanings for it.
+inline constexpr std::string_view folderOption = "-C";
 
 /// The options that may stand in every call, but for the help, which has no row of its own.
 [[nodiscard]] std::span<const Parameter> commonParameters();
@@ -22,6 +27,8 @@ struct Call {
     /// Absent: the versions are asked for.
     const Command* command = nullptr;
     Arguments arguments;
+    /// The folders to start in, each relative to the one before it.
+    std::vector<std::string> folders;
     /// The plug-in's file; empty means the default one.
     std::string plugIn;
     bool isJSON = false;

@@ -11,6 +11,18 @@ bool isAbbreviatedRevision(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
+/// Each message is a paragraph, as git commit has it.
+std::string messageOf(const std::vector<std::string>& paragraphs) {
+    std::string message;
+    for (const std::string& paragraph : paragraphs) {
+        if (!message.empty()) {
+            message += message.ends_with('\n') ? "\n" : "\n\n";
+        }
+        message += paragraph;
+    }
+    return message;
+}
+
 class CommitTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -24,7 +36,7 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::request() {
     auto request = requestAbout(NEBSourceControlRequestCommit, paths("FILE"));
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionMessage,
-                          arguments().value("--message").value_or(""));
+                          messageOf(arguments().all("--message")));
     if (arguments().has("--allow-empty")) {
         request->options->set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
     }
@@ -46,7 +58,8 @@ void CommitTask::conclude(const Outcome& outcome, Reply& reply) {
 }
 
 constexpr Parameter parameters[] = {
-    {"-m,--message", "What the commit is about", Takes::text, Occurs::once, "MESSAGE"},
+    {"-m,--message", "What the commit is about; of several, each is a paragraph", Takes::text,
+     Occurs::oneOrMore, "MESSAGE"},
     {"--allow-empty", "Commit even if nothing has changed"},
     {"FILE", "Commit these files as they are, staged or not; unless given, all that is staged",
      Takes::path, Occurs::anyNumber},

@@ -148,8 +148,7 @@ std::string usageOf(const Parameter& parameter) {
         usage.append(" ").append(parameter.valueName);
     }
     usage += parameter.isRepeated() ? "..." : "";
-    const bool isNeeded = parameter.occurs == Occurs::once || parameter.occurs == Occurs::oneOrMore;
-    return isNeeded ? usage : "[" + usage + "]";
+    return parameter.isRequired() ? usage : "[" + usage + "]";
 }
 
 /// "-m, --message MESSAGE"
@@ -207,7 +206,7 @@ std::string page() {
            "The commands are about the working copy around the current folder. They run the git\n"
            "that is installed, under the user's own settings. An error is one sentence, then what\n"
            "may be done about it, then, indented, git's own words where they say more.\n" +
-           section("OPTIONS") + "They may stand before the command or behind it.\n" +
+           section("OPTIONS") + "All but \\-C may stand before the command or behind it.\n" +
            entriesOf(optionsOf(nullptr)) + commandsText() + section("EXIT STATUS") +
            listOf(exitStatuses) + section("ENVIRONMENT") + listOf(variables) + section("FILES") +
            listOf(files) + section("SEE ALSO") +

@@ -5,12 +5,16 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "PlugInLocation.h"
+#include "StartFolder.h"
 
 namespace neb::nebsc {
 
 namespace {
 
 Reply replyTo(const Call& call) {
+    if (const auto refused = enterFolders(call.folders)) {
+        return *refused;
+    }
     const std::string path = call.plugIn.empty() ? defaultPlugInPath() : call.plugIn;
     const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(path);
     if (call.command == &doctorCommand) {

@@ -66,6 +66,7 @@ TEST_F(CompleteCommand, NamesEveryCommandOfTheHelpAndNoOther) {
             names.emplace_back(command->name);
         }
     }
+    names.emplace_back("help");
     const Answer answer = complete({""});
     EXPECT_EQ(answer.words, names);
     EXPECT_EQ(answer.paths, "none");
@@ -91,6 +92,48 @@ TEST_F(CompleteCommand, KnowsNothingBehindAWordThatIsNoCommand) {
     EXPECT_EQ(complete({"nosuch", "status", ""}).text, "none\n");
 }
 
+TEST_F(CompleteCommand, NamesCommandsBehindHelp) {
+    EXPECT_THAT(complete({"he"}).words, ElementsAre("help"));
+    EXPECT_THAT(complete({"help", "mer"}).words, ElementsAre("merge", "merge-base"));
+    EXPECT_THAT(
+        complete({"help", ""}).words,
+        testing::AllOf(Contains("status"), Not(Contains("help")), Not(Contains("complete"))));
+    EXPECT_THAT(complete({"help", "remote", "r"}).words, ElementsAre("rm"));
+    EXPECT_EQ(complete({"help", "add", ""}).text, "none\n");
+    EXPECT_EQ(complete({"help", "checkout", ""}).text, "none\n");
+    EXPECT_EQ(complete({"help", "help", ""}).text, "none\n");
+    EXPECT_THAT(complete({"-C", "src", "help", "mer"}).words, ElementsAre("merge", "merge-base"));
+    EXPECT_EQ(complete({"checkout", "help", ""}).text, "none\n");
+}
+
+// ---- another folder ---------------------------------------------------------------------------
+
+TEST_F(CompleteCommand, NamesAreThoseOfTheFolderBehindC) {
+    repository.write("src/my file.c", "");
+    repository.write("src/main.c", "");
+    repository.write("src/mine/x.c", "");
+    repository.write("src/.hidden", "");
+    const TemporaryFolder folder;
+    const auto outside = [&folder](const std::vector<std::string>& words) {
+        return answerOf(runNebsc(callOf(words), {.folder = folder.path()}));
+    };
+    const std::string top = repository.path();
+    EXPECT_EQ(outside({"-C", ""}).text, "folders\n");
+    EXPECT_THAT(outside({"-C", top, "che"}).words, ElementsAre("checkout"));
+    EXPECT_THAT(outside({"-C" + top, "checkout", "fi"}).words, ElementsAre("fix"));
+    EXPECT_EQ(outside({"-C", top, "-C", "src", "add", "m"}).text,
+              "none\nmain.c\nmine/\nmy file.c\n");
+    EXPECT_EQ(outside({"-C", top, "add", "src/mi"}).text, "none\nsrc/mine/\n");
+    EXPECT_EQ(outside({"-C", top, "mkdir", "src/"}).text, "none\nsrc/mine/\n");
+    EXPECT_EQ(outside({"-C", top, "add", "src/."}).text, "none\nsrc/.hidden\n");
+    EXPECT_EQ(outside({"-C", top, "-C", "s"}).text, "none\nsrc/\n");
+    EXPECT_EQ(outside({"-C", top, "--plugin=src/ma"}).text, "none\n--plugin=src/main.c\n");
+    EXPECT_EQ(outside({"-C", "nosuch", "checkout", ""}).text, "none\n");
+    EXPECT_THAT(complete({"-"}).words, Contains("-C"));
+    EXPECT_THAT(complete({"-C", "src", "-"}).words, Contains("-C"));
+    EXPECT_THAT(complete({"status", "-"}).words, Not(Contains("-C")));
+}
+
 // ---- options ----------------------------------------------------------------------------------
 
 TEST_F(CompleteCommand, NamesOptionsOfTheCommandAndOfAll) {
@@ -105,8 +148,9 @@ TEST_F(CompleteCommand, NamesOptionsOfTheCommandAndOfAll) {
 
 TEST_F(CompleteCommand, LeavesOutOptionsThatStandThere) {
     EXPECT_THAT(complete({"log", "--files", "--f"}).words, ElementsAre("--full"));
-    EXPECT_THAT(complete({"commit", "-mText", "--m"}).words, IsEmpty());
-    EXPECT_THAT(complete({"commit", "--message=Text", "-m"}).words, IsEmpty());
+    EXPECT_THAT(complete({"log", "-n5", "--l"}).words, IsEmpty());
+    EXPECT_THAT(complete({"log", "--limit=5", "-n"}).words, IsEmpty());
+    EXPECT_THAT(complete({"commit", "-mText", "--m"}).words, ElementsAre("--message"));
 }
 
 TEST_F(CompleteCommand, AnOptionsValueIsNoWordOfTheCommand) {

@@ -106,6 +106,10 @@ TEST_F(BashCompletion, OfFilesAndFolders) {
     EXPECT_EQ(complete("nebsc add src/", {"nebsc", "add", "src/"}), "<src/main.c>");
     EXPECT_EQ(complete("nebsc log fi", {"nebsc", "log", "fi"}), "<fix><fig.c>");
     EXPECT_EQ(complete("nebsc mkdir ", {"nebsc", "mkdir", ""}), "<src>");
+    EXPECT_EQ(complete("nebsc -C s", {"nebsc", "-C", "s"}), "<src>");
+    EXPECT_EQ(complete("nebsc -C src add ma", {"nebsc", "-C", "src", "add", "ma"}), "<main.c>");
+    EXPECT_EQ(complete("nebsc -C .. -C repo", {"nebsc", "-C", "..", "-C", "repo"}),
+              "<repository/>");
 }
 
 TEST_F(BashCompletion, OfFilesWhateverTheShellMakesOfPatterns) {
@@ -201,6 +205,9 @@ TEST_F(CompletionScripts, ZshCompletesWhatIsTyped) {
                           "nebsc mkdir s",
                           "nebsc log fix",
                           "nebsc --plugin=fi",
+                          "nebsc -C src add ma",
+                          "nebsc -C .. add repo",
+                          "nebsc help chec",
                           "nebsc nosuch "}),
               "nebsc checkout \n"
               "nebsc branch create \n"
@@ -216,6 +223,9 @@ TEST_F(CompletionScripts, ZshCompletesWhatIsTyped) {
               "nebsc mkdir src/\n"
               "nebsc log fix \n"
               "nebsc --plugin=fig.c \n"
+              "nebsc -C src add main.c \n"
+              "nebsc -C .. add repository/\n"
+              "nebsc help checkout \n"
               "nebsc nosuch \n");
 }
 

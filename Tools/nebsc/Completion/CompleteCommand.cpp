@@ -1,11 +1,16 @@
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include "Commands.h"
 #include "CompletionPoint.h"
 #include "Platform/Text.h"
 #include "RepositoryNames.h"
+#include "StartFolder.h"
 
 namespace neb::nebsc {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -16,6 +21,29 @@ struct Completion {
     Paths paths = Paths::none;
     std::vector<NameInRepository> words{};
 };
+
+/// Those in the current folder, or below it, with a "/" behind a folder. A name that begins with a
+/// dot must be typed so, as in a shell.
+std::vector<NameInRepository> pathsThatBeginWith(const std::string& text, bool foldersAlone) {
+    const std::size_t slash = text.rfind('/');
+    const std::string head = slash == std::string::npos ? "" : text.substr(0, slash + 1);
+    const std::string start = text.substr(head.size());
+    std::vector<NameInRepository> paths;
+    std::error_code failure;
+    for (fs::directory_iterator entry(head.empty() ? "." : head, failure), end;
+         !failure && entry != end; entry.increment(failure)) {
+        const std::string name = entry->path().filename().string();
+        std::error_code ignored;
+        const bool isFolder = entry->is_directory(ignored);
+        if (name.starts_with(start) && (isFolder || !foldersAlone) &&
+            (!name.starts_with('.') || !start.empty())) {
+            paths.push_back({head + name + (isFolder ? "/" : ""), ""});
+        }
+    }
+    std::sort(paths.begin(), paths.end(),
+              [](const auto& left, const auto& right) { return left.name < right.name; });
+    return paths;
+}
 
 /// Finds what the value at a point can become.
 class ValueCompletion {
@@ -29,6 +57,7 @@ private:
     [[nodiscard]] std::vector<NameInRepository> pairs();
     [[nodiscard]] std::vector<NameInRepository> sidesOfRange();
     [[nodiscard]] std::vector<NameInRepository> choices() const;
+    void findPaths(Completion& completion) const;
     void moveHeadTo(std::size_t end) {
         _head += _text.substr(0, end);
         _text.erase(0, end);
@@ -74,6 +103,15 @@ std::vector<NameInRepository> ValueCompletion::choices() const {
     return words;
 }
 
+/// In place of the shell, which would look for them in its own folder.
+void ValueCompletion::findPaths(Completion& completion) const {
+    if (completion.paths != Paths::none) {
+        const auto paths = pathsThatBeginWith(_text, completion.paths == Paths::folders);
+        completion.words.insert(completion.words.end(), paths.begin(), paths.end());
+        completion.paths = Paths::none;
+    }
+}
+
 Completion ValueCompletion::find() {
     Completion completion;
     auto& [paths, words] = completion;
@@ -117,6 +155,9 @@ Completion ValueCompletion::find() {
             paths = Paths::folders;
             break;
     }
+    if (!_point.folders.empty()) {
+        findPaths(completion);
+    }
     std::erase_if(words, [this](const NameInRepository& word) {
         return !word.name.starts_with(_text) || word.name.starts_with('-');
     });
@@ -132,6 +173,10 @@ std::vector<NameInRepository> commandsAt(const CompletionPoint& point) {
         if (command->group != hiddenGroup && command->name.starts_with(point.text)) {
             words.push_back({std::string(command->name), std::string(command->summary)});
         }
+    }
+    constexpr std::string_view help = "help";
+    if (point.command == nullptr && !point.isForHelp && help.starts_with(point.text)) {
+        words.push_back({std::string(help), "Say what a command does, with an example"});
     }
     return words;
 }
@@ -192,7 +237,8 @@ std::string linesOf(const Completion& completion) {
 
 Reply run(const CommandCall& call) {
     const CompletionPoint point = completionPointOf(call.arguments.all("WORD"));
-    return {.standardOutput = linesOf(completionAt(point, call.session)),
+    const bool isThere = point.kind != CompletionPoint::Kind::value || !enterFolders(point.folders);
+    return {.standardOutput = linesOf(isThere ? completionAt(point, call.session) : Completion()),
             .standardError = {},
             .exitStatus = exitDone};
 }
@@ -210,7 +256,8 @@ constinit const Command completeCommand{
     .summary = "Say what the word that is being typed can become",
     .details =
         "For the completion scripts of shells. The first line says which paths the shell adds\n"
-        "by itself: none, files or folders (of \"--option=path\" those behind the \"=\"). Each\n"
+        "by itself: none, files or folders (of \"--option=path\" those behind the \"=\"; none\n"
+        "behind -C, which has its own files among the words). Each\n"
         "line behind it is a word that begins like the one being typed and, behind a TAB, what\n"
         "may be shown beside it. Whatever fails leaves words out. It takes a second at most.\n\n"
         "Example:\n"

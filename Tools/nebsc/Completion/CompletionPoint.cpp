@@ -10,6 +10,7 @@ namespace {
 
 using Kind = CompletionPoint::Kind;
 
+constexpr std::string_view helpCommand = "help";
 constexpr Parameter helpOption{"-h,--help", "Say what the command does, with an example"};
 
 /// The option that is spelled so; absent when there is none.
@@ -34,6 +35,9 @@ private:
     [[nodiscard]] bool isOption(std::string_view word) const {
         return !_areOptionsOver && word.size() > 1 && word.starts_with('-');
     }
+    [[nodiscard]] bool isCommandExpected() const {
+        return _point.command == nullptr && !_point.isForHelp && !_areOptionsOver && !_isLost;
+    }
     [[nodiscard]] const Parameter* parameterAtPlace() const;
 
     CompletionPoint _point{.kind = Kind::command, .commands = allCommands()};
@@ -46,7 +50,12 @@ private:
 
 void Walk::pass(const std::string& word) {
     if (_openOption != nullptr) {
+        if (_openOption->name == folderOption) {
+            _point.folders.push_back(word);
+        }
         _openOption = nullptr;
+    } else if (word == helpCommand && isCommandExpected()) {
+        _point.isForHelp = true;
     } else if (word == "--" && !_areOptionsOver) {
         _areOptionsOver = true;
     } else if (isOption(word)) {
@@ -73,6 +82,9 @@ void Walk::passOption(const std::string& word) {
     if (option != nullptr) {
         _point.formerOptions.push_back(option);
         _openOption = option->takes != Takes::nothing && end == word.size() ? option : nullptr;
+        if (option->name == folderOption && _openOption == nullptr) {
+            _point.folders.push_back(word.substr(end));
+        }
     }
 }
 
@@ -109,7 +121,7 @@ CompletionPoint Walk::stopAt(const std::string& word) && {
         _point.parameter = parameterAtPlace();
         _point.kind = _point.parameter != nullptr ? Kind::value : Kind::nothing;
     }
-    if (_isLost) {
+    if (_isLost || (_point.isForHelp && _point.kind == Kind::value)) {
         _point.kind = Kind::nothing;
     }
     return std::move(_point);
@@ -145,7 +157,9 @@ std::vector<const Parameter*> optionsOf(const Command* command) {
         }
     }
     for (const Parameter& option : commonParameters()) {
-        options.push_back(&option);
+        if (command == nullptr || option.name != folderOption) {
+            options.push_back(&option);
+        }
     }
     options.push_back(&helpOption);
     return options;

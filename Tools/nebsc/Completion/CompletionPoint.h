@@ -31,6 +31,10 @@ struct CompletionPoint {
     const Command* command = nullptr;
     /// The commands of which one may be named here.
     std::span<const Command* const> commands{};
+    /// Whether "help" stands in front of them: the command is named, and not called.
+    bool isForHelp = false;
+    /// The folders that the call starts in, each relative to the one before it.
+    std::vector<std::string> folders{};
     const Parameter* parameter = nullptr;
     /// What stands before the value in the same word: "--branch=".
     std::string head{};

@@ -64,6 +64,8 @@ _nebsc() {
         done < <(set +f; unset GLOBIGNORE; shopt -s nullglob; shopt -u failglob
                  for word in "$path"*; do printf '%s\0' "$word"; done)
     else
+        # A folder that nebsc has found itself: more of the path may follow.
+        [[ ${#COMPREPLY[@]} == 1 && ${COMPREPLY[0]} == */ ]] && compopt -o nospace 2>/dev/null
         case $typed in
             \'*) ;;
             \"*) COMPREPLY=("${COMPREPLY[@]//\\/\\\\}")

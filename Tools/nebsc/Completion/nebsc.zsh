@@ -4,12 +4,14 @@
 _nebsc() {
     local program=${(Q)words[1]/#\~\//$HOME/}
     [[ $program == */* ]] || program=nebsc
-    local -a answer described
+    local -a answer described folders
     answer=("${(@f)$("$program" complete -- "${(@Q)words[2,CURRENT-1]}" "${(Q)PREFIX}" 2>/dev/null)}")
     local line name
     for line in "${(@)answer[2,-1]}"; do
         name=${line%%$'\t'*}
-        if [[ $line == *$'\t'* ]]; then
+        if [[ $name == */ ]]; then
+            folders+=("${name//:/\\:}")
+        elif [[ $line == *$'\t'* ]]; then
             described+=("${name//:/\\:}:${line#*$'\t'}")
         else
             described+=("${name//:/\\:}")
@@ -17,6 +19,8 @@ _nebsc() {
     done
     local found=1
     (($#described)) && _describe -V nebsc described && found=0
+    # More of the path may follow.
+    (($#folders)) && _describe -V nebsc folders -S '' && found=0
     if [[ $answer[1] == files || $answer[1] == folders ]]; then
         [[ $PREFIX == --*=* ]] && compset -P '--*='
         if [[ $answer[1] == files ]]; then

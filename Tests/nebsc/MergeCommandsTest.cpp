@@ -19,22 +19,160 @@ protected:
         repository.commitFile("topic.c", "topic\n");
         repository.git({"checkout", "--quiet", "main"});
         repository.commitFile("a.c", "main\n");
+        before = revision("HEAD");
     }
     /// 12 characters.
     [[nodiscard]] std::string revision(const char* name) const {
         return repository.git({"rev-parse", name}).substr(0, 12);
     }
 
+    /// Makes both branches change the file.
+    void changeOnBoth(const std::string& name, const std::string& start, const std::string& ours,
+                      const std::string& theirs) const {
+        repository.git({"checkout", "--quiet", "topic"});
+        repository.commitFile(name, start + theirs);
+        repository.git({"checkout", "--quiet", "main"});
+        repository.commitFile(name, start + ours);
+    }
+    /// What is said of the files, each on a line with its end and its indentation.
+    [[nodiscard]] std::string settled(const std::string& files) const {
+        return "nebsc: Both sides changed the same lines or binary files; the current branch's "
+               "were kept and the other side's left out in:\n" +
+               files + "\"git diff " + before + "..." + revision("topic") +
+               "\" shows all changes of the side whose lines were left out.\n";
+    }
+    [[nodiscard]] std::string notKnown(const std::string& reason) const {
+        return "nebsc: Where both sides changed the same lines, the current branch's were kept and "
+               "the other side's left out. In which files is not known: " +
+               reason + ".\n\"git diff " + before + "..." + revision("topic") +
+               "\" shows all changes of the side whose lines were left out.\n";
+    }
+    /// Runs nebsc with a git that answers the command by the script, and all others as ever.
+    [[nodiscard]] NebscOutcome mergeWhere(const std::string& command, const std::string& script,
+                                          const std::vector<std::string>& words = {"merge",
+                                                                                   "topic"}) const {
+        const StandInGit git(repository.path(), "case \" $* \" in *\" " + command + " \"*) " +
+                                                    script +
+                                                    ";; esac\nPATH=${PATH#*:} exec git \"$@\"");
+        return runNebsc(words, {.folder = repository.path(), .variables = {git.path()}});
+    }
+    void expectMerged(const NebscOutcome& outcome, const std::string& errors) const {
+        EXPECT_EQ(outcome.output, "Merged \"topic\"; now at " + revision("HEAD") + ".\n");
+        EXPECT_EQ(outcome.errors, errors);
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+
     std::string base;
+    /// The commit of main.
+    std::string before;
 };
 
 TEST_F(MergeCommands, AConflictIsSettledToTheCurrentBranchsSide) {
-    const NebscOutcome outcome = nebsc({"merge", "topic"});
-    expectDone(outcome, "Merged \"topic\"; now at " + revision("HEAD") + ".\n");
+    expectMerged(nebsc({"merge", "topic"}), settled("    a.c\n"));
     EXPECT_EQ(content("a.c"), "main\n");
     EXPECT_EQ(content("topic.c"), "topic\n");
     EXPECT_EQ(repository.git({"rev-parse", "HEAD^2"}), repository.git({"rev-parse", "topic"}));
     EXPECT_EQ(state(), "");
+}
+
+TEST_F(MergeCommands, EveryFileWithASettledConflictIsNamed) {
+    changeOnBoth("bin", std::string("\0", 1), "main", "topic");
+    changeOnBoth("src/both.c", "", "main\n", "topic\n");
+    changeOnBoth("src/na\tme\n\xE4", "", "main\n", "topic\n");
+    before = revision("HEAD");
+    const NebscOutcome outcome = nebsc({"merge", "topic"}, "src");
+    expectMerged(outcome,
+                 settled("    ../a.c\n    ../bin\n    both.c\n    na\\tme\\n\xEF\xBF\xBD\n"));
+    EXPECT_EQ(repository.git({"show", "HEAD:src/both.c"}), "main\n");
+    EXPECT_EQ(state(), "");
+}
+
+TEST_F(MergeCommands, VeryManyFilesAreNamedToo) {
+    constexpr int count = 2000;
+    for (const char* branch : {"topic", "main"}) {
+        repository.git({"checkout", "--quiet", branch});
+        for (int i = 0; i < count; ++i) {
+            repository.write("many/" + std::to_string(i), branch);
+        }
+        repository.git({"add", "--all"});
+        repository.git({"commit", "--quiet", "-m", "many"});
+    }
+    const NebscOutcome outcome = nebsc({"merge", "topic", "--json"});
+    EXPECT_EQ(outcome.json()["settledConflicts"].size(), count + 1U);
+    for (int i = 0; i < count; ++i) {
+        EXPECT_THAT(outcome.errors, HasSubstr("\n    many/" + std::to_string(i) + "\n"));
+    }
+}
+
+TEST_F(MergeCommands, AMergeWithoutASettledConflictSaysNothing) {
+    repository.git({"reset", "--quiet", "--hard", base});
+    repository.commitFile("main.c", "main\n");
+    expectMerged(nebsc({"merge", "topic"}), "");
+    EXPECT_EQ(repository.git({"rev-parse", "HEAD^2"}), repository.git({"rev-parse", "topic"}));
+}
+
+TEST_F(MergeCommands, AProgramLearnsOfSettledConflictsFromTheOutcome) {
+    const NebscOutcome merged = nebsc({"merge", "topic", "--json"});
+    EXPECT_EQ(merged.json()["settledConflicts"], JSON({"a.c"}));
+    EXPECT_EQ(merged.json()["error"], nullptr);
+    EXPECT_EQ(merged.exitStatus, 0);
+    repository.git({"checkout", "--quiet", "-B", "main", base});
+    EXPECT_EQ(nebsc({"merge", "topic", "--json"}).json()["settledConflicts"], JSON::array());
+    EXPECT_FALSE(nebsc({"merge", "topic", "--json"}).json().contains("settledConflicts"));
+}
+
+/// Histories that have crossed have two best common ancestors.
+TEST_F(MergeCommands, ConflictsAreFoundAcrossSeveralMergeBases) {
+    repository.git({"branch", "side"});
+    repository.git({"merge", "--quiet", "-X", "ours", "-m", "cross", "topic"});
+    repository.git({"checkout", "--quiet", "topic"});
+    repository.git({"merge", "--quiet", "-X", "ours", "-m", "cross", "side"});
+    repository.git({"checkout", "--quiet", "main"});
+    changeOnBoth("b.c", "", "main\n", "topic\n");
+    before = revision("HEAD");
+    expectMerged(nebsc({"merge", "topic"}), settled("    a.c\n    b.c\n"));
+}
+
+/// The search for them runs neither a merge driver nor a filter, and takes no driver's work for a
+/// conflict.
+TEST_F(MergeCommands, NoProgramOfTheUserRunsToFindTheConflicts) {
+    for (const char* name : {"driven", "filtered", "union"}) {
+        changeOnBoth(name, "", "main\n", "topic\n");
+    }
+    const std::string log = repository.path(".git/log");
+    repository.write(".git/info/attributes",
+                     "driven merge=prog\nfiltered filter=prog\nunion merge=union\n");
+    repository.git({"config", "merge.renormalize", "true"});
+    repository.git({"config", "merge.prog.driver", "echo driver >>'" + log + "'; cp %B %A"});
+    repository.git({"config", "filter.prog.clean", "echo filter >>'" + log + "'; cat"});
+    before = revision("HEAD");
+    expectMerged(mergeWhere("merge-tree", ": >'" + log + "'"), settled("    a.c\n    filtered\n"));
+    EXPECT_EQ(std::filesystem::file_size(log), 0U) << "a program ran after the merge";
+    EXPECT_EQ(repository.git({"show", "HEAD:driven"}), "topic\n");
+    EXPECT_EQ(repository.git({"show", "HEAD:union"}), "main\ntopic\n");
+}
+
+TEST_F(MergeCommands, AnOlderGitCannotTellWhereTheConflictsWere) {
+    expectMerged(mergeWhere("version", "echo git version 2.37.9; exit"),
+                 notKnown("that takes git 2.38 or newer"));
+    repository.git({"reset", "--quiet", "--hard", before});
+    EXPECT_EQ(mergeWhere("version", "echo git version 2.37.9; exit", {"merge", "topic", "--json"})
+                  .json()["settledConflicts"],
+              nullptr);
+    repository.git({"reset", "--quiet", "--hard", base});
+    expectMerged(mergeWhere("version", "echo git version 2.37.9; exit"), "");
+}
+
+TEST_F(MergeCommands, ASearchForConflictsThatFailsIsNoFailureOfTheMerge) {
+    expectMerged(mergeWhere("merge-tree", "echo 'fatal: no memory' >&2; exit 128"),
+                 notKnown("fatal: no memory"));
+    repository.git({"reset", "--quiet", "--hard", before});
+    expectMerged(mergeWhere("merge-tree", "exit 1"), notKnown("git printed nothing"));
+    repository.git({"reset", "--quiet", "--hard", before});
+    repository.git({"config", "merge.a=b.driver", "true"});
+    expectMerged(nebsc({"merge", "topic"}),
+                 notKnown("the name of a merge driver or filter holds a \"=\""));
+    EXPECT_EQ(nebsc({"merge", "main"}).exitStatus, 0);
 }
 
 TEST_F(MergeCommands, AFastForwardIsAMergeToo) {
@@ -57,7 +195,9 @@ TEST_F(MergeCommands, WhatIsMergedAlreadyIsToldPlainly) {
 
 TEST_F(MergeCommands, AMergeThatTheUserWantsUncommittedIsToldSo) {
     repository.git({"config", "branch.main.mergeOptions", "--no-commit"});
-    expectDone(nebsc({"merge", "topic"}), "Merged \"topic\"; it is not committed yet.\n");
+    const NebscOutcome outcome = nebsc({"merge", "topic"});
+    EXPECT_EQ(outcome.output, "Merged \"topic\"; it is not committed yet.\n");
+    EXPECT_EQ(outcome.errors, settled("    a.c\n"));
     EXPECT_EQ(state(), "A  topic.c\n");
 }
 

@@ -99,10 +99,16 @@ TEST_F(SubversionCommands, ACommitThatAnUpdateLeavesOutIsTold) {
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome updated = nebsc(ann, {"svn", "update"});
     EXPECT_EQ(updated.output, "Updated from " + reference + "; " + now(ann));
-    EXPECT_EQ(updated.errors,
-              "nebsc: 1 commit of yours was left out, as nothing in it is new or what it changes "
-              "was changed there too; before the update, your commits ended with " +
-                  mine.substr(0, 12) + ".\n");
+    EXPECT_EQ(
+        updated.errors,
+        "nebsc: Both sides changed the same lines or binary files; Subversion's were kept "
+        "and yours left out in:\n    a\n\"git diff " +
+            ann.git({"rev-parse", "--short=12", "HEAD"}).substr(0, 12) + "..." +
+            mine.substr(0, 12) +
+            "\" shows all changes of the side whose lines were left out.\n"
+            "nebsc: 1 commit of yours was left out, as nothing in it is new or what it changes "
+            "was changed there too; before the update, your commits ended with " +
+            mine.substr(0, 12) + ".\n");
     EXPECT_EQ(updated.exitStatus, 0);
     EXPECT_EQ(content(ann, "a"), "theirs\n");
     EXPECT_EQ(ann.git({"show", mine.substr(0, 12) + ":a"}), "mine\n");

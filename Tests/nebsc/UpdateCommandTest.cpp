@@ -49,8 +49,15 @@ TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
     expectFailed(nebsc(*ben, {"update", "--ff"}),
                  AllOf(StartsWith("nebsc: "), HasSubstr("fast-forward"),
                        EndsWith("\n\"nebsc update\" without --ff merges them.\n")));
+    const std::string before = revision(*ben);
     const NebscOutcome merged = nebsc(*ben, {"update"});
-    expectDone(merged, updated());
+    EXPECT_EQ(merged.output, updated());
+    EXPECT_EQ(merged.errors,
+              "nebsc: Both sides changed the same lines or binary files; the current branch's were "
+              "kept and the other side's left out in:\n    a\n\"git diff " +
+                  before + "..." + revision(*ann) +
+                  "\" shows all changes of the side whose lines were left out.\n");
+    EXPECT_EQ(merged.exitStatus, 0);
     EXPECT_EQ(ben->git({"rev-parse", "HEAD^2"}), ann->git({"rev-parse", "HEAD"}));
     EXPECT_EQ(ben->git({"show", "HEAD:a"}), "ben\n2\n3\n");
     expectDone(nebsc(*ben, {"update"}), upToDate);

@@ -37,7 +37,10 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     folder.write("demo/hello.c", "int main() { return 1; }\n");
     EXPECT_THAT(run({"commit", "-m", "Return 1", "hello.c"}), committed);
 
-    EXPECT_THAT(run({"merge", "topic"}), MatchesRegex("Merged \"topic\"; now at [0-9a-f]+\\.\n"));
+    const NebscOutcome merged = runNebsc({"merge", "topic"}, {.folder = demo});
+    EXPECT_THAT(merged.output, MatchesRegex("Merged \"topic\"; now at [0-9a-f]+\\.\n"));
+    EXPECT_THAT(merged.errors, HasSubstr("left out in:\n    hello.c\n"));
+    EXPECT_EQ(merged.exitStatus, 0);
     EXPECT_EQ(folder.read("demo/hello.c"), "int main() { return 1; }\n");
     EXPECT_EQ(folder.read("demo/extra.c"), "int extra;\n");
     EXPECT_EQ(run({"merge", "topic"}), "Already up to date: \"topic\" is merged.\n");

@@ -22,6 +22,10 @@ constexpr std::array<Feature, 4> features{{
     {{2, 31}, "absolute paths of a repository's folders"},
 }};
 
+bool isOlder(const GitVersion& version, const GitVersion& other) {
+    return std::tie(version.major, version.minor) < std::tie(other.major, other.minor);
+}
+
 }  // namespace
 
 std::string GitVersion::text() const {
@@ -47,8 +51,7 @@ std::optional<GitVersion> gitVersionIn(std::string_view text) {
 std::vector<std::string_view> featuresMissingIn(const GitVersion& version) {
     std::vector<std::string_view> missing;
     for (const Feature& feature : features) {
-        if (std::tie(version.major, version.minor) <
-            std::tie(feature.since.major, feature.since.minor)) {
+        if (isOlder(version, feature.since)) {
             missing.push_back(feature.name);
         }
     }
@@ -57,6 +60,14 @@ std::vector<std::string_view> featuresMissingIn(const GitVersion& version) {
 
 GitVersion oldestGitWithAllFeatures() {
     return features.back().since;
+}
+
+bool canMergeInMemory(const GitVersion& version) {
+    return !isOlder(version, oldestGitThatMergesInMemory());
+}
+
+GitVersion oldestGitThatMergesInMemory() {
+    return {2, 38};
 }
 
 }  // namespace neb::nebsc

@@ -25,4 +25,9 @@ struct GitVersion {
 /// The oldest version that has all that is used here.
 [[nodiscard]] GitVersion oldestGitWithAllFeatures();
 
+/// Whether a git of this version has "merge-tree --write-tree --no-messages", and the oldest that
+/// does.
+[[nodiscard]] bool canMergeInMemory(const GitVersion& version);
+[[nodiscard]] GitVersion oldestGitThatMergesInMemory();
+
 }  // namespace neb::nebsc

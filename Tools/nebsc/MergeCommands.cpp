@@ -1,5 +1,5 @@
-#include "CommandTask.h"
 #include "Commands.h"
+#include "MergingTask.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
@@ -10,9 +10,9 @@ namespace {
 
 // ---- merge ------------------------------------------------------------------------------------
 
-class MergeTask : public CommandTask {
+class MergeTask : public MergingTask {
 public:
-    using CommandTask::CommandTask;
+    using MergingTask::MergingTask;
 
 protected:
     std::optional<Reply> look() override;
@@ -38,6 +38,9 @@ std::optional<Reply> MergeTask::look() {
     _commitBefore = latestCommit();
     _isMergedAlready = !revision().starts_with('-') &&
                        ask({"merge-base", "--is-ancestor", revision(), "HEAD"}).status.isSuccess();
+    if (!_isMergedAlready) {
+        setSides("HEAD", revision());
+    }
     return std::nullopt;
 }
 
@@ -47,7 +50,7 @@ std::shared_ptr<NEBSourceControlRequest> MergeTask::request() {
     return request;
 }
 
-void MergeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void MergeTask::conclude(const Outcome& outcome, Reply& reply) {
     const std::string what = printable(inQuotes(revision()));
     const auto commit = latestCommit();
     if (_isMergedAlready) {
@@ -57,6 +60,8 @@ void MergeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
     } else if (commit) {
         reply.standardOutput = "Merged " + what + "; it is not committed yet.\n";
     }
+    noteSettledConflicts(outcome, {.kept = "the current branch's", .leftOut = "the other side's"},
+                         reply);
 }
 
 constexpr Parameter mergeParameters[] = {
@@ -136,7 +141,8 @@ constinit const Command mergeCommand{
     .group = branchesGroup,
     .summary = "Merge another branch into the current one",
     .details =
-        "Where both have changed the same lines, those of the current branch are kept.\n\n"
+        "Where both have changed the same lines, those of the current branch are kept, and the\n"
+        "files are named on standard error.\n\n"
         "Example:\n"
         "  nebsc merge topic\n",
     .parameters = mergeParameters,

@@ -13,6 +13,14 @@
 
 namespace neb::nebsc {
 
+/// The conflicts of a merge that it settled by keeping one side.
+struct SettledConflicts {
+    /// The files, from the top; absent where they could not be found out.
+    std::optional<std::vector<std::string>> files;
+    /// Why they could not: a part of a sentence. Empty as a rule.
+    std::string failure;
+};
+
 struct Outcome {
     /// Absent where no request was made.
     std::optional<std::int32_t> type;
@@ -38,6 +46,8 @@ struct Outcome {
     /// Why a folder that had been made for the operation is still there after its failure: one
     /// sentence. Empty as a rule.
     std::string leftFolder;
+    /// Absent unless the command merges, and has.
+    std::optional<SettledConflicts> settledConflicts;
 };
 
 }  // namespace neb::nebsc

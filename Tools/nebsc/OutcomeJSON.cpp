@@ -134,6 +134,9 @@ JSON jsonOfOutcome(const Outcome& outcome) {
     if (!outcome.omittedRevisions.empty()) {
         json["omittedRevisions"] = outcome.omittedRevisions;
     }
+    if (const auto& conflicts = outcome.settledConflicts) {
+        json["settledConflicts"] = orNull(conflicts->files);
+    }
     return json;
 }
 

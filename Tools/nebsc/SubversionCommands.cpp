@@ -79,7 +79,8 @@ constinit const Command updateFromSubversion{
     .summary = "Put the commits here on top of what is new there",
     .details =
         "The same as \"nebsc update --svn\": where both sides have changed the same lines, those\n"
-        "of Subversion are kept, and a commit of which nothing is left then is left out.\n\n"
+        "of Subversion are kept, and a commit of which nothing is left then is left out. The\n"
+        "files are named on standard error.\n\n"
         "Example:\n"
         "  nebsc svn update\n",
     .parameters = updateParameters,

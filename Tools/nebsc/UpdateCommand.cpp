@@ -1,7 +1,7 @@
 #include <charconv>
 
-#include "BranchTask.h"
 #include "Commands.h"
+#include "MergingTask.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
 
@@ -12,9 +12,9 @@ namespace {
 constexpr std::string_view remoteWord = "REMOTE";
 constexpr std::string_view branchWord = "BRANCH";
 
-class UpdateTask : public BranchTask {
+class UpdateTask : public MergingTask {
 public:
-    using BranchTask::BranchTask;
+    using MergingTask::MergingTask;
 
 protected:
     std::optional<Reply> look() override;
@@ -126,6 +126,9 @@ std::optional<Reply> UpdateTask::fetchSource() {
     }
     _reference = *reference;
     _isMergedAlready = ask({"merge-base", "--is-ancestor", _reference, "HEAD"}).status.isSuccess();
+    if (!_isMergedAlready) {
+        setSides("HEAD", _reference);
+    }
     return std::nullopt;
 }
 
@@ -149,6 +152,7 @@ std::optional<Reply> UpdateTask::fetchSubversion() {
         return failed;
     }
     _ownCommitsBefore = ownCommits();
+    setSides(_reference, "HEAD");
     return std::nullopt;
 }
 
@@ -200,7 +204,11 @@ void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
         reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
     }
     if (isSubversion()) {
+        noteSettledConflicts(outcome, {.kept = "Subversion's", .leftOut = "yours"}, reply);
         noteDroppedCommits(reply);
+    } else {
+        noteSettledConflicts(
+            outcome, {.kept = "the current branch's", .leftOut = "the other side's"}, reply);
     }
 }
 
@@ -233,7 +241,8 @@ constinit const Command updateCommand{
     .details =
         "Fetches, and merges what is new into the current branch. Where both sides have\n"
         "changed the same lines, those of the current branch are kept; with --svn those of\n"
-        "Subversion are, and a commit of which nothing is left then is left out.\n\n"
+        "Subversion are, and a commit of which nothing is left then is left out. The files are\n"
+        "named on standard error.\n\n"
         "Examples:\n"
         "  nebsc update                from the branch that the current one tracks\n"
         "  nebsc update origin main    from another\n"

@@ -194,8 +194,9 @@ std::string_view reasonToRemove(std::string_view name) {
     if (name.substr(0, removedPrefix.size()) == removedPrefix) {
         return reasonToRemovePrefix;
     }
-    const auto* row = std::find_if(std::begin(removedVariables), std::end(removedVariables),
-                                   [name](const RemovedVariable& row) { return row.name == name; });
+    const auto* row =
+        std::find_if(std::begin(removedVariables), std::end(removedVariables),
+                     [name](const RemovedVariable& other) { return other.name == name; });
     return row == std::end(removedVariables) ? std::string_view() : row->reason;
 }
 

@@ -32,7 +32,7 @@ std::span<const GitName> gitNames() {
 std::string_view nameOfGitCommand(std::string_view nameInGit) {
     const auto* row =
         std::find_if(std::begin(rows), std::end(rows),
-                     [nameInGit](const GitName& row) { return row.nameInGit == nameInGit; });
+                     [nameInGit](const GitName& other) { return other.nameInGit == nameInGit; });
     return row == std::end(rows) ? std::string_view() : row->name;
 }
 

@@ -16,6 +16,7 @@
 namespace neb::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -148,10 +149,20 @@ TEST_F(DoctorCommand, AnOldGitIsAProblem) {
 }
 
 TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
+    repository.commitFile("a.c", "1\n");
+    const StandInGit slow(repository.path(),
+                          "case \"$*\" in *batch-check*) exec sleep 600;; "
+                          "*) exec /usr/bin/git \"$@\";; esac");
+    Nebsc doctor({"doctor"}, {.folder = repository.path(), .variables = {slow.path()}});
     const StandInGit hanging(repository.path(), "sleep 600");
     const auto found = findings("git", {hanging.path()});
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("no answer within 5 s"));
+    // A large repository is slow, and not damaged.
+    EXPECT_THAT(doctor.outcome().output,
+                AllOf(HasSubstr("note     references   whether the objects of all 1 exist is not "
+                                "known: no answer within 5 s"),
+                      HasSubstr("ok       HEAD commit")));
 }
 
 TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFromThem) {

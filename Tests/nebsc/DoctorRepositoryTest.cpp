@@ -113,6 +113,10 @@ TEST_F(DoctorRepository, ARootTreeThatAPartialCloneHasNotFetchedIsNoDamageAndIsN
     EXPECT_THAT(findingsIn(folder.path("partial"), "HEAD commit"),
                 IsOneFinding("note", HasSubstr("its root tree is not here yet"), ""));
     EXPECT_EQ(countFiles(), before);
+    folder.write("partial/.git/refs/tags/tree", repository.git({"rev-parse", "HEAD^{tree}"}));
+    EXPECT_THAT(findingsIn(folder.path("partial"), "references"),
+                IsOneFinding("problem", HasSubstr("refs/tags/tree names the object"), testing::_));
+    EXPECT_EQ(countFiles(), before);
 }
 
 TEST_F(DoctorRepository, ABranchWithoutCommitsIsNoted) {
@@ -159,6 +163,8 @@ TEST_F(DoctorRepository, AReferenceToAMissingObjectIsAProblem) {
                 IsOneFinding("problem",
                              "refs/heads/gone names the object " + missing + ", which is missing",
                              HasSubstr("git update-ref -d refs/heads/gone")));
+    repository.write(".git/refs/tags/gone", missing + "\n");
+    EXPECT_EQ(findings("references").size(), 2U);
 }
 
 TEST_F(DoctorRepository, PackedReferencesThatHoldJunkAreAProblem) {

@@ -33,7 +33,7 @@ ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool 
     ChildOutcome outcome = runGits(
         process, _trace, std::move(calls),
         {.folder = _folder, .variables = withoutFetching, .traits = {.isBackgroundWork = true}});
-    if (isLimited && outcome.duration >= timeForEachQuestion) {
+    if (isLimited && isUnanswered(outcome)) {
         ++_unansweredQuestions;
         outcome.status = TerminationStatus::unknown(
             "no answer within " + std::to_string(timeForEachQuestion.count()) + " s");
@@ -72,6 +72,10 @@ bool Examination::isReachable(const std::string& program) const {
     return program.find('/') != std::string::npos
                ? isProgram(pathByExpandingTilde(program))
                : isProgramIn(programs + ":" + environmentVariable("PATH"), program);
+}
+
+bool isUnanswered(const ChildOutcome& outcome) {
+    return outcome.duration >= timeForEachQuestion;
 }
 
 std::string reasonOf(const ChildOutcome& outcome) {

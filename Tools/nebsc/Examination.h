@@ -74,6 +74,9 @@ private:
     int _unansweredQuestions = 0;
 };
 
+/// Whether Examination::ask() ended git because its time was up.
+[[nodiscard]] bool isUnanswered(const ChildOutcome& outcome);
+
 /// The reason that a failed git gave: its first line with "fatal: ", else its first line, else how
 /// it ended.
 [[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "Checks.h"
 #include "Platform/Text.h"
@@ -52,9 +53,11 @@ std::vector<Finding> findingsIn(Examination& examination, std::string_view stder
     return findings;
 }
 
+using NamesByObject = std::multimap<std::string_view, std::string_view>;
+
 /// The names of the references by the object that each names; the list has "OBJECT NAME" lines.
-std::multimap<std::string_view, std::string_view> namesByObject(std::string_view list) {
-    std::multimap<std::string_view, std::string_view> names;
+NamesByObject namesByObject(std::string_view list) {
+    NamesByObject names;
     forEachPiece(list, '\n', [&names](std::string_view line) {
         const std::size_t blank = line.find(' ');
         if (blank != std::string_view::npos) {
@@ -64,36 +67,52 @@ std::multimap<std::string_view, std::string_view> namesByObject(std::string_view
     return names;
 }
 
-std::vector<Finding> findMissingObjects(
-    Examination& examination, const std::multimap<std::string_view, std::string_view>& names) {
+/// The objects that git cat-file(1) marks as missing. In a partial clone, git before 2.44 names the
+/// first one in its error and stops.
+std::set<std::string_view> missingObjectsIn(const ChildOutcome& outcome,
+                                            const NamesByObject& names) {
+    std::set<std::string_view> missing;
+    forEachPiece(outcome.output, '\n', [&missing](std::string_view line) {
+        constexpr std::string_view mark = " missing";
+        if (line.ends_with(mark)) {
+            missing.insert(line.substr(0, line.size() - mark.size()));
+        }
+    });
+    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
+        forEachPiece(line, ' ', [&](std::string_view word) {
+            if (names.contains(word)) {
+                missing.insert(word);
+            }
+        });
+    });
+    return missing;
+}
+
+std::vector<Finding> findMissingObjects(Examination& examination, const NamesByObject& names) {
     const ChildOutcome outcome =
         examination.askPipeline({"for-each-ref", "--format=%(objectname)"},
                                 {"cat-file", "--buffer", "--batch-check=%(objecttype)"});
+    const std::set<std::string_view> missing = missingObjectsIn(outcome, names);
     std::vector<Finding> findings;
-    if (!outcome.status.isSuccess()) {
+    for (const auto& [object, name] : names) {
+        if (missing.contains(object)) {
+            findings.push_back({Health::problem, "references",
+                                std::string(name) + " names the object " + std::string(object) +
+                                    ", which is missing",
+                                "Fetch from a clone that has it, or delete the reference with: git "
+                                "update-ref -d " +
+                                    shellQuoted(name)});
+        }
+    }
+    if (isUnanswered(outcome)) {
+        findings.push_back({Health::note, "references",
+                            "whether the objects of all " + std::to_string(names.size()) +
+                                " exist is not known: " + reasonOf(outcome),
+                            "\"nebsc doctor --full\" takes the time to find out."});
+    } else if (!outcome.status.isSuccess() && findings.empty()) {
         findings.push_back({Health::problem, "references",
                             "git cannot look up their objects: " + reasonOf(outcome)});
-        return findings;
     }
-    std::string_view last;
-    forEachPiece(outcome.output, '\n', [&](std::string_view line) {
-        constexpr std::string_view missing = " missing";
-        if (!line.ends_with(missing)) {
-            return;
-        }
-        line.remove_suffix(missing.size());
-        const auto [begin, end] = names.equal_range(line);
-        for (auto entry = line == last ? end : begin; entry != end; ++entry) {
-            const std::string name(entry->second);
-            findings.push_back(
-                {Health::problem, "references",
-                 name + " names the object " + std::string(line) + ", which is missing",
-                 "Fetch from a clone that has it, or delete the reference with: git "
-                 "update-ref -d " +
-                     shellQuoted(name)});
-        }
-        last = line;
-    });
     return findings;
 }
 

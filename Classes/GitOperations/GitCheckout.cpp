@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "GitOperations/GitErrorTable.h"
 #include "GitOperations/GitHookFailure.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
@@ -14,27 +15,32 @@ namespace neb {
 
 namespace {
 
+/// The position of the first line that begins with one of these; npos without one.
 template <std::size_t Count>
-bool hasLineThatBegins(std::string_view text,
-                       const std::array<std::string_view, Count>& beginnings) {
-    bool isThere = false;
+std::size_t lineThatBegins(std::string_view text,
+                           const std::array<std::string_view, Count>& beginnings) {
+    std::size_t position = std::string_view::npos;
     forEachPiece(text, '\n', [&](std::string_view line) {
-        isThere = isThere ||
-                  std::any_of(beginnings.begin(), beginnings.end(),
-                              [line](std::string_view words) { return line.starts_with(words); });
+        const bool begins =
+            std::any_of(beginnings.begin(), beginnings.end(),
+                        [line](std::string_view words) { return line.starts_with(words); });
+        if (begins && position == std::string_view::npos) {
+            position = static_cast<std::size_t>(line.data() - text.data());
+        }
     });
-    return isThere;
+    return position;
 }
 
-/// git says one of these once it has switched; what fails then is the hook that runs after it.
-bool isCheckoutMade(std::string_view text) {
+/// The text in front of the notice that git prints once it has switched, all of it without one.
+/// What follows is the output of the hook that runs then.
+std::string_view textBeforeNotice(std::string_view text) {
     constexpr std::array<std::string_view, 6> notices{"Switched to branch '",
                                                       "Switched to a new branch '",
                                                       "Switched to and reset branch '",
                                                       "Note: switching to '",
                                                       "HEAD is now at ",
                                                       "Already on '"};
-    return hasLineThatBegins(text, notices);
+    return text.substr(0, lineThatBegins(text, notices));
 }
 
 /// git ends with 0 although it has left a file as it was.
@@ -42,7 +48,7 @@ bool isSomethingLeftUndone(std::string_view text) {
     constexpr std::array<std::string_view, 4> signs{"error: unable to create file ",
                                                     "error: unable to unlink ",
                                                     "error: unable to read ", "warning: path '"};
-    return hasLineThatBegins(text, signs);
+    return lineThatBegins(text, signs) != std::string_view::npos;
 }
 
 }  // namespace
@@ -75,20 +81,28 @@ void GitCheckoutOperation::parseData() {
 
 std::optional<NEBSourceControlError> GitCheckoutOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
-    const std::string words = message.value_or("");
-    if (terminationStatus() && terminationStatus()->isSuccess()) {
-        return isSomethingLeftUndone(words)
-                   ? std::optional(NEBSourceControlErrorFromText(words, *request()))
-                   : std::nullopt;
+    const bool isSuccess = terminationStatus() && terminationStatus()->isSuccess();
+    if (!isSuccess || !message) {
+        return GitOperation::errorFromErrorMessage(message);
     }
-    if (isCheckoutMade(words)) {
+    const std::string_view text = textBeforeNotice(*message);
+    if (!isSomethingLeftUndone(text)) {
+        return std::nullopt;
+    }
+    GitErrorTranslation translation = gitErrorTableLookUp(text, *request());
+    return translation.isKnown ? translation.error
+                               : NEBSourceControlErrorFromText(*message, *request());
+}
+
+std::optional<NEBSourceControlError> GitCheckoutOperation::diagnoseFailure(
+    std::string_view text) const {
+    if (textBeforeNotice(text).size() < text.size()) {
         return gitErrorOfHook(
-            "The checkout was made, but a hook of the repository failed after it.", words);
+            "The checkout was made, but a hook of the repository failed after it.", text);
     }
-    auto error = GitOperation::errorFromErrorMessage(message);
-    if (!error || request()->type != NEBSourceControlRequestCheckout ||
-        error->errorClass != NEBSourceControlPathUnknownErrorClass) {
-        return error;
+    if (request()->type != NEBSourceControlRequestCheckout ||
+        NEBSourceControlErrorClassOfText(text) != NEBSourceControlPathUnknownErrorClass) {
+        return std::nullopt;
     }
     auto unknownRevision = NEBSourceControlError::withDescription(
         NEBSourceControlFileMissingAtRevisionError,

@@ -20,11 +20,15 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitCheckoutOperation"; }
     void parseData() override;
-    /// A checkout of what git knows neither as a revision nor as a file is told as that, though git
-    /// speaks of a path; a hook that fails after the checkout, whatever its words, as that; and a
-    /// file that git left as it was is an error though git ends with 0.
+    /// A file that git left as it was is an error although git ends with status 0.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
+
+protected:
+    /// Recognises a hook that fails after the checkout, whatever it prints, and a destination that
+    /// is neither a revision nor a file, although git speaks of a path.
+    [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
+        std::string_view text) const override;
 };
 
 }  // namespace neb

@@ -65,30 +65,19 @@ void GitCommitOperation::parseData() {
 
 /// git then ends with 1 and prints nothing of its own behind the hook's words. Of what it says
 /// itself with that status, these are all that do not come on standard output.
-std::optional<NEBSourceControlError> GitCommitOperation::errorOfHook(std::string_view words) const {
+std::optional<NEBSourceControlError> GitCommitOperation::diagnoseFailure(
+    std::string_view text) const {
     constexpr std::array<std::string_view, 4> ownWords{
         "error: pathspec '", "error: Error building trees", "Aborting commit due to ",
         "Please supply the message "};
-    const std::string_view last = gitLastLine(words);
+    const std::string_view last = gitLastLine(text);
     const bool isOwn = std::any_of(ownWords.begin(), ownWords.end(),
                                    [last](std::string_view own) { return last.starts_with(own); });
     const bool hasOutput = data() && !data()->empty();
     if (!terminationStatus() || terminationStatus()->exitStatus() != 1 || hasOutput || isOwn) {
         return std::nullopt;
     }
-    return gitErrorOfHook("A hook of the repository refused the commit.", words);
-}
-
-std::optional<NEBSourceControlError> GitCommitOperation::errorFromErrorMessage(
-    const std::optional<std::string>& message) {
-    auto refusal = message ? errorOfHook(*message) : std::nullopt;
-    return refusal ? refusal : GitOperation::errorFromErrorMessage(message);
-}
-
-std::optional<NEBSourceControlError> GitCommitOperation::errorFromUnknownFailure(
-    std::optional<NEBSourceControlError> error) {
-    auto refusal = error ? std::nullopt : errorOfHook("");
-    return refusal ? refusal : GitOperation::errorFromUnknownFailure(std::move(error));
+    return gitErrorOfHook("A hook of the repository refused the commit.", text);
 }
 
 }  // namespace neb

@@ -23,14 +23,11 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitCommitOperation"; }
     void parseData() override;
-    /// A hook that refuses is told from git's own failures, whatever its words.
-    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
-        const std::optional<std::string>& message) override;
-    [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
-        std::optional<NEBSourceControlError> error) override;
 
-private:
-    [[nodiscard]] std::optional<NEBSourceControlError> errorOfHook(std::string_view words) const;
+protected:
+    /// Tells a hook that refuses from git's own failures, whatever it prints.
+    [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
+        std::string_view text) const override;
 };
 
 }  // namespace neb

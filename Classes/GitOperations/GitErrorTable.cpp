@@ -13,7 +13,7 @@ namespace {
 /// How a message is tested; case counts.
 enum class Test {
     containsAny,           // any of the texts, anywhere
-    containsFirstForPush,  // the first text, when the request is a push
+    containsFirstForPush,  // the first text, when the request is a push that was transferred
     beginsAndEnds,         // begins with the first text and ends with the second
 };
 
@@ -148,6 +148,11 @@ bool contains(std::string_view message, std::string_view text) {
     return !text.empty() && message.find(text) != std::string_view::npos;
 }
 
+/// git prints "Everything up-to-date" after a transfer that failed, too.
+bool reportsFailedTransfer(std::string_view message) {
+    return contains(message, "RPC failed") || contains(message, "hung up unexpectedly");
+}
+
 bool passes(std::string_view message, const NEBSourceControlRequest& request, const Row& row) {
     switch (row.test) {
         case Test::containsAny:
@@ -155,7 +160,8 @@ bool passes(std::string_view message, const NEBSourceControlRequest& request, co
                 std::begin(row.texts), std::end(row.texts),
                 [message](std::string_view text) { return contains(message, text); });
         case Test::containsFirstForPush:
-            return request.type == NEBSourceControlRequestPush && contains(message, row.texts[0]);
+            return request.type == NEBSourceControlRequestPush && contains(message, row.texts[0]) &&
+                   !reportsFailedTransfer(message);
         case Test::beginsAndEnds:
             return message.starts_with(row.texts[0]) && message.ends_with(row.texts[1]);
     }

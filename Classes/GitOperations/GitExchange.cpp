@@ -48,8 +48,9 @@ std::string rejectionsIn(std::string_view listing) {
     return rejections;
 }
 
-/// git itself says no more than its last line when the hook that runs before it speaks to the
-/// remote refuses. What it says of a branch that it cannot send comes in the same way.
+/// git itself prints no more than its last line when the hook that runs before it connects to the
+/// remote refuses. A branch that it cannot send and a transfer that failed end with the same line,
+/// behind the cause.
 bool tellsOfRefusalBeforeSending(std::string_view text) {
     constexpr std::string_view failed = "error: failed to push some refs to '";
     constexpr std::string_view causes[] = {"To ",
@@ -57,7 +58,12 @@ bool tellsOfRefusalBeforeSending(std::string_view text) {
                                            "error: src refspec ",
                                            "error: The destination you provided ",
                                            "error: dst refspec ",
-                                           "error: unable to "};
+                                           "error: unable to ",
+                                           "error: SSL certificate problem",
+                                           "error: RPC failed",
+                                           "send-pack: ",
+                                           "fatal: the remote end hung up ",
+                                           "fatal: The remote end hung up "};
     std::string_view last;
     bool isCauseTold = false;
     forEachPiece(text, '\n', [&](std::string_view line) {
@@ -223,13 +229,11 @@ void GitPushOperation::parseData() {
     setResult({{{{NEBSourceControlOperationContentKey, words}}}});
 }
 
-std::optional<NEBSourceControlError> GitPushOperation::errorFromErrorMessage(
-    const std::optional<std::string>& message) {
-    const bool isFailure = !terminationStatus() || !terminationStatus()->isSuccess();
-    if (isFailure && message && tellsOfRefusalBeforeSending(*message)) {
-        return gitErrorOfHook("A hook of the repository refused the push.", *message);
-    }
-    return GitOperation::errorFromErrorMessage(message);
+std::optional<NEBSourceControlError> GitPushOperation::diagnoseFailure(
+    std::string_view text) const {
+    return tellsOfRefusalBeforeSending(text)
+               ? std::optional(gitErrorOfHook("A hook of the repository refused the push.", text))
+               : std::nullopt;
 }
 
 }  // namespace neb

@@ -64,9 +64,11 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitPushOperation"; }
     void parseData() override;
+
+protected:
     /// A push that fails before it has reached the remote was refused by a hook.
-    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
-        const std::optional<std::string>& message) override;
+    [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
+        std::string_view text) const override;
 };
 
 }  // namespace neb

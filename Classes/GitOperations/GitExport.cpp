@@ -236,16 +236,19 @@ void GitExportFileOperation::rejectHalfExport() {
     if (!result()) {
         return;
     }
-    for (const NEBSourceControlTaskOperation* half :
-         {static_cast<const NEBSourceControlTaskOperation*>(this),
-          static_cast<const NEBSourceControlTaskOperation*>(_pipeToOperation.get())}) {
+    for (NEBSourceControlTaskOperation* half :
+         {static_cast<NEBSourceControlTaskOperation*>(this),
+          static_cast<NEBSourceControlTaskOperation*>(_pipeToOperation.get())}) {
         const auto& status = half->terminationStatus();
         if (!status || status->isSuccess()) {
             continue;
         }
         const std::string words = _nebsc_stringFromData(half->errorData()).value_or("");
-        if (!error() && !words.empty()) {
-            setError(NEBSourceControlErrorFromText(words, *request()));
+        auto translated = words.empty() ? std::nullopt : half->errorFromErrorMessage(words);
+        if (!error() && translated) {
+            translated->errorClass = NEBSourceControlErrorClassOfText(words);
+            translated->text = words;
+            setError(std::move(translated));
         } else if (!error()) {
             setError(ownFailure(NEBSourceControlUnknownErrorClass,
                                 "The file was not exported whole: " + half->className() +
@@ -303,6 +306,7 @@ void GitTarOperation::parseData() {
 GitExportTreeOperation::GitExportTreeOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
     const std::string destination = this->request()->destination.description();
+    setJudgedByExitStatus();
     setArgumentsBehindDefaults(
         {"checkout-index", "-a", "-f",
          "--prefix=" + destination + (destination.ends_with('/') ? "" : "/")});

@@ -87,14 +87,23 @@ std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
     if (!message || (isSuccess && _isJudgedByExitStatus)) {
         return std::nullopt;
     }
-    const GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());
-    return translation.isKnown ? translation.error
-                               : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
+    auto diagnosis = isSuccess ? std::nullopt : diagnoseFailure(*message);
+    GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());
+    if (translation.error && diagnosis) {
+        translation.error->errorClass = diagnosis->errorClass;
+    }
+    if (translation.error || (translation.isKnown && !diagnosis)) {
+        return translation.error;
+    }
+    return diagnosis ? diagnosis : NEBSourceControlTaskOperation::errorFromErrorMessage(message);
 }
 
 std::optional<NEBSourceControlError> GitOperation::errorFromUnknownFailure(
     std::optional<NEBSourceControlError> error) {
     const int status = terminationStatus()->exitStatus().value_or(0);
+    if (auto diagnosis = error ? std::nullopt : diagnoseFailure("")) {
+        return diagnosis;
+    }
     if (error || (_isSilenceAnswer && status == 1)) {
         return error;
     }

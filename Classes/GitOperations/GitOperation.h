@@ -30,8 +30,9 @@ public:
     /// the options name neither.
     [[nodiscard]] std::vector<std::string> defaultArguments() const;
 
-    /// Knows git's texts (see GitErrorTable.h); what it does not know goes to the host's own
-    /// translation.
+    /// Translates the text of a child by the table of GitErrorTable.h, whatever the subclass
+    /// diagnoses; where the subclass diagnoses a failure, the table's error gets that class. A text
+    /// that is not in the table is translated by diagnoseFailure(), else by the base class.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
@@ -47,13 +48,25 @@ public:
         std::string_view line, std::string_view fullPath);
 
 protected:
+    /// Returns what the operation itself knows about a failure with this text, such as that a hook
+    /// of the repository refused; absent where it knows nothing. Called only for a child that did
+    /// not end with status 0. The base returns nothing.
+    [[nodiscard]] virtual std::optional<NEBSourceControlError> diagnoseFailure(
+        std::string_view text) const {
+        static_cast<void>(text);
+        return std::nullopt;
+    }
+
     /// For an operation that changes something: whether it did, git's exit status alone tells. What
     /// is said beside a success, by a hook or by the far end, is no error whatever its words. The
     /// hooks that may run see the user's settings.
     void setChangesRepository() {
-        _isJudgedByExitStatus = true;
+        setJudgedByExitStatus();
         setMayRunHooks(true);
     }
+    /// For an operation that writes files and runs no hooks: status 0 is success, whatever was
+    /// printed.
+    void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
     /// For a question: a git that ends with 1 and says nothing has answered that there is nothing.
     void setSilenceIsAnswer() { _isSilenceAnswer = true; }
 

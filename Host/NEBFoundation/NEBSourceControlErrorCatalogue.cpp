@@ -50,12 +50,17 @@ const ErrorCatalogueRow* rowOfText(std::string_view text) {
     return row != nullptr ? row : firstRowShownBy(searchedPart(statements));
 }
 
+/// Whether the description of an error with this code is the text itself, as hosts expect it.
+bool isDescribedByText(std::int64_t code) {
+    return code == NEBSourceControlFastForwardError || code == NEBSourceControlBinaryMergeError;
+}
+
 /// What the row says, and what its class says where the row says nothing; empty without a row.
 ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
     ErrorSentence sentence = row != nullptr ? row->sentence : ErrorSentence{};
     const NEBSourceControlErrorClass* known =
         row != nullptr ? NEBSourceControlErrorClassNamed(row->errorClass) : nullptr;
-    if (known != nullptr && sentence.description.empty()) {
+    if (known != nullptr && sentence.description.empty() && !isDescribedByText(row->code)) {
         sentence.description = known->description;
     }
     if (known != nullptr && sentence.suggestion.empty()) {

@@ -37,10 +37,10 @@ inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision
 
 /// Returns the text as an error of its class, with the class's code (-1 where it has none). The
 /// description is a sentence for people, see NEBSourceControlErrorClasses.h; for the class
-/// "unknown" it is the text itself. The suggestion is the catalogue's advice for this text, else
-/// the advice of the class, else git's hints, else absent. The error's text, hints, remote lines
-/// and files are set; how a child ended is not. `request` gives the name of the source tree.
-/// Thread-safe.
+/// "unknown" and the codes -200 and -300 it is the text itself. The suggestion is the catalogue's
+/// advice for this text, else the advice of the class, else git's hints, else absent. The error's
+/// text, hints, remote lines and files are set; how a child ended is not. `request` gives the name
+/// of the source tree. Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
 

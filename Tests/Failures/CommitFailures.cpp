@@ -100,6 +100,14 @@ Failures commitFailures() {
          1,
          {},
          [](Scene& scene) -> Request {
+             return commitWithHook(scene, "pre-commit", "echo 'fatal: bad revision' >&2; exit 1");
+         }},
+        {"a commit that a hook refuses in words of the table of errors",
+         "local-hook-refused",
+         -21,
+         1,
+         {},
+         [](Scene& scene) -> Request {
              return commitWithHook(scene, "pre-commit",
                                    "echo 'fatal: Authentication failed' >&2; exit 1");
          }},

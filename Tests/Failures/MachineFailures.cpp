@@ -166,7 +166,7 @@ Failures machineFailures() {
          }},
         {"a checkout into a folder that may not be written",
          "permission-denied",
-         513,
+         -21,
          0,
          {"d/b"},
          [](Scene& scene) -> Request {

@@ -24,6 +24,12 @@ Request overSSH(Scene& scene, const std::string& script) {
     return scene.fetch();
 }
 
+/// A push to a server that answers so when it has received the commits.
+Request pushedTo(Scene& scene, std::string answer) {
+    scene.work().git({"remote", "add", "origin", scene.serveEmptyRepository(std::move(answer))});
+    return scene.push("main", "main");
+}
+
 }  // namespace
 
 Failures networkFailures() {
@@ -79,6 +85,28 @@ Failures networkFailures() {
              scene.work().git(
                  {"remote", "add", "origin", scene.serve(httpAnswer("403 Forbidden"))});
              return scene.push("main", "main");
+         }},
+        {"an HTTP server answers 413 to what is pushed",
+         "http-refused",
+         -1,
+         1,
+         {},
+         [](Scene& scene) -> Request {
+             return pushedTo(scene, httpAnswer("413 Payload Too Large"));
+         }},
+        {"an HTTP server answers 403 to what is pushed",
+         "http-refused",
+         -1,
+         1,
+         {},
+         [](Scene& scene) -> Request { return pushedTo(scene, httpAnswer("403 Forbidden")); }},
+        {"an HTTP server answers 500 to what is pushed",
+         "server-failed",
+         -20,
+         1,
+         {},
+         [](Scene& scene) -> Request {
+             return pushedTo(scene, httpAnswer("500 Internal Server Error"));
          }},
         {"an HTTP server answers 404",
          "repository-not-found",

@@ -143,6 +143,23 @@ std::string Scene::serve(std::string answer) {
     return _servers.emplace_back(std::move(answer)).url();
 }
 
+std::string Scene::serveEmptyRepository(std::string answerToPush) {
+    using namespace std::string_literals;
+    // Of gitprotocol-http(5), "Smart Server Response": no reference yet.
+    const std::string references =
+        "001f# service=git-receive-pack\n0000"
+        "0061" +
+        std::string(40, '0') +
+        " capabilities^{}\0report-status delete-refs ofs-delta\n"s
+        "0000";
+    return _servers
+        .emplace_back(
+            httpAnswer("200 OK", "Content-Type: application/x-git-receive-pack-advertisement\r\n",
+                       references),
+            std::move(answerToPush))
+        .url();
+}
+
 std::string Scene::serveNobody(const std::string& scheme) {
     return _servers.emplace_back("", LoopbackServer::Silence::hangsUp).url(scheme);
 }

@@ -62,6 +62,9 @@ public:
 
     /// The URL of a server that gives each request this answer; see httpAnswer().
     std::string serve(std::string answer);
+    /// The URL of an HTTP server to which anybody may push, and which gives the received pack data
+    /// this answer.
+    std::string serveEmptyRepository(std::string answerToPush);
     /// The URL of a server that hangs up on each request.
     std::string serveNobody(const std::string& scheme = "http");
     /// The URL of a server with a certificate that nobody knows; the certificate's file.

@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -16,7 +18,8 @@
 namespace neb::test {
 
 /// Listens on a free port of the loopback address and answers each request with the text; without
-/// one it accepts and stays silent, or hangs up.
+/// one it accepts and stays silent, or hangs up. A second text answers the requests that begin with
+/// "POST".
 class LoopbackServer {
 public:
     enum class Silence { waits, hangsUp };
@@ -33,6 +36,11 @@ public:
         EXPECT_EQ(::getsockname(_listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
         _port = ntohs(address.sin_port);
         _thread = std::thread([this] { serve(); });
+    }
+    LoopbackServer(std::string answer, std::string answerToPost)
+        : LoopbackServer(std::move(answer)) {
+        const std::lock_guard lock(_mutex);
+        _answerToPost = std::move(answerToPost);
     }
     LoopbackServer(const LoopbackServer&) = delete;
     LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -53,18 +61,25 @@ private:
         for (int peer = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC); peer >= 0;
              peer = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC)) {
             char request[4096];
-            static_cast<void>(::read(peer, request, sizeof request));
+            const ssize_t length = ::read(peer, request, sizeof request);
             _wasAsked = true;
-            if (_answer.empty() && _silence == Silence::waits) {
+            const std::string answer =
+                answerTo({request, length > 0 ? static_cast<std::size_t>(length) : std::size_t{0}});
+            if (answer.empty() && _silence == Silence::waits) {
                 silent.push_back(peer);
                 continue;
             }
-            static_cast<void>(::write(peer, _answer.data(), _answer.size()));
+            static_cast<void>(::write(peer, answer.data(), answer.size()));
             hangUp(peer);
         }
         for (const int peer : silent) {
             ::close(peer);
         }
+    }
+
+    std::string answerTo(std::string_view request) {
+        const std::lock_guard lock(_mutex);
+        return request.starts_with("POST") && !_answerToPost.empty() ? _answerToPost : _answer;
     }
 
     /// Hears the peer out, for a few seconds at most: to close with words unread would reset the
@@ -79,7 +94,9 @@ private:
         ::close(peer);
     }
 
-    std::string _answer;
+    const std::string _answer;
+    std::mutex _mutex;
+    std::string _answerToPost;  // guarded by _mutex
     Silence _silence;
     int _listener = -1;
     int _port = 0;

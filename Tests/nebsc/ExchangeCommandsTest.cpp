@@ -173,6 +173,8 @@ TEST_F(ExchangeCommands, APushThatAHookRefusesSaysWhose) {
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}),
                  AllOf(StartsWith("nebsc: A hook of the repository refused the push.\n"),
                        HasSubstr("not today")));
+    ann->write(".git/hooks/pre-push", "#!/bin/sh\necho Everything up-to-date >&2\nexit 1\n");
+    expectFailed(nebsc(*ann, {"push", "origin", "main:main"}), HasSubstr("failed to push"));
 }
 
 TEST_F(ExchangeCommands, APushDeletesAndOverwritesNothing) {

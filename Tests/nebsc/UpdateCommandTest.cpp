@@ -64,6 +64,19 @@ TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
     expectDone(nebsc(*ben, {"update", "--ff"}), upToDate);
 }
 
+TEST_F(UpdateCommand, AHookThatRefusesIsNoAnswerWhateverItSays) {
+    shareChange();
+    const std::string before = revision(*ben);
+    ben->write(".git/hooks/reference-transaction",
+               "#!/bin/sh\n[ $1 != prepared ] || { echo Already up-to-date >&2; exit 1; }\n");
+    fs::permissions(ben->path(".git/hooks/reference-transaction"), fs::perms::owner_all);
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"update", "--ff"}, {"update"}}) {
+        expectFailed(nebsc(*ben, words), HasSubstr("Already up-to-date"));
+        EXPECT_EQ(revision(*ben), before);
+    }
+}
+
 TEST_F(UpdateCommand, AMergeThatTheUserWantsUncommittedIsToldSo) {
     shareChange();
     ben->commitFile("c", "ben\n");

@@ -131,9 +131,6 @@ public:
 protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    bool isAnswer(const NEBSourceControlError& error) const override {
-        return error.code == NEBSourceControlRemoteUpToDateError;
-    }
     void conclude(const Outcome& outcome, Reply& reply) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         return error.errorClass == "nothing-to-push-from"
@@ -214,7 +211,7 @@ void PushTask::conclude(const Outcome& outcome, Reply& reply) {
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationContentKey).description()
                   : "";
     const std::string remote = printable(inQuotes(_remote));
-    if (outcome.error || words.find("Everything up-to-date") != std::string::npos) {
+    if (words.find("Everything up-to-date") != std::string::npos) {
         reply.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
     } else {
         reply.standardOutput =

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "MergingTask.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Presentation.h"
 
@@ -20,7 +21,7 @@ protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     bool isAnswer(const NEBSourceControlError& error) const override {
-        return error.code == NEBSourceControlUpToDateError;
+        return error.errorClass == NEBSourceControlUpToDateErrorClass;
     }
     void conclude(const Outcome& outcome, Reply& reply) override;
     std::string adviceAfter(const NEBSourceControlError& error) const override;

@@ -354,6 +354,23 @@ TEST_F(ExportOfRepository, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
     EXPECT_THAT(temporaryNames(), IsEmpty());
 }
 
+TEST_F(ExportOfRepository, OfHalfAnArchiveHasTheErrorOfTheTable) {
+    const std::string git = folder.writeProgram(
+        "bin/git", "#!/bin/sh\ngit \"$@\"\necho 'error: a: Permission denied' >&2\nexit 128\n");
+    auto request = requestFor(20, repository.path());
+    request->files = {NEBValue(repository.path("top.bin"))};
+    request->startingRevision = "HEAD";
+    request->destination = folder.path("out/top.bin");
+    test::StandIn<GitExportFileOperation> operation(git, request);
+    operation.start();
+    EXPECT_EQ(operation.result(), std::nullopt);
+    EXPECT_THAT(operation.error(),
+                IsSourceControlError(
+                    -21, "Authentication failed because the name or password was incorrect."));
+    EXPECT_THAT(operation.error(), HasErrorClass("permission-denied"));
+    EXPECT_EQ(operation.error()->text, "error: a: Permission denied");
+}
+
 TEST_F(ExportOfRepository, OfAPathThatStandsForATreeRunsNothing) {
     const test::TemporaryFolder there;
     there.write("main.c", "mine");
@@ -427,6 +444,18 @@ TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
         EXPECT_EQ(bytesOf(out("staged")), "staged\n");
     }
     EXPECT_EQ(fs::exists(out("../outsrc")), false);
+}
+
+TEST_F(ExportOfRepository, OfTheTreeIsGoodWhateverAFilterSays) {
+    repository.git({"config", "filter.talks.smudge", "cat; echo Permission denied >&2"});
+    repository.write(".git/info/attributes", "top.bin filter=talks\n");
+    auto request = requestFor(22, repository.path());
+    request->startingRevision = "HEAD";
+    request->destination = folder.path("out");
+    const auto operation = GitController().operationForRequest(request);
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(bytesOf(out("top.bin")), binary);
 }
 
 TEST_F(ExportOfRepository, OfTheTreeWithoutAWorkingCopySaysSo) {

@@ -181,6 +181,12 @@ TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
     hook("echo \"error: pathspec 'x' did not match any file(s) known to git\" >&2; exit 1");
     EXPECT_THAT(checkOut("main")->error(), HasErrorClass("local-hook-refused"))
         << "its words choose nothing";
+    hook("echo 'fatal: not under version control' >&2; exit 1");
+    operation = checkOut("topic");
+    EXPECT_THAT(operation->error(), IsSourceControlError(-71, HasSubstr("version control")));
+    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    hook("echo 'error: unable to create file x: Permission denied' >&2");
+    EXPECT_EQ(checkOut("main")->error(), std::nullopt) << "it is not git that says so";
     hook("echo 'warning: Permission denied' >&2");
     EXPECT_EQ(checkOut("topic")->error(), std::nullopt) << "a hook that talks and agrees";
     hook("exit 3");

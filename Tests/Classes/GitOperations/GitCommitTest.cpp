@@ -255,9 +255,9 @@ TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
     repository.write("a", "1");
     repository.git({"add", "a"});
     for (const char* words :
-         {"./lint.sh: Permission denied", "nothing to commit", "Conflict (marker) found in a",
+         {"lint.sh: permission denied", "nothing to commit", "Conflict (marker) found in a",
           "ssh: connect to host h: Connection refused", "fatal: not a git repository",
-          "Already up-to-date", "error: lint failed", "fatal: path not found"}) {
+          "Already up to date", "error: lint failed"}) {
         hook("pre-commit", std::string("echo '") + words + "'; exit 1");
         const auto refused = commit(message("m"));
         EXPECT_THAT(refused->error(), HasErrorClass("local-hook-refused")) << words;
@@ -267,6 +267,23 @@ TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
         NEBDictionary options = message("m");
         options.set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
         EXPECT_EQ(commit(options)->error(), std::nullopt) << words;
+    }
+}
+
+TEST_F(CommitInRepository, TheErrorTableChoosesTheCodeOfAHooksRefusal) {
+    repository.write("a", "1");
+    repository.git({"add", "a"});
+    const std::pair<const char*, std::pair<std::int64_t, const char*>> texts[] = {
+        {"./lint.sh: Permission denied",
+         {-21, "Authentication failed because the name or password was incorrect."}},
+        {"fatal: path not found", {4, "This file does not exist at the requested revision."}},
+    };
+    for (const auto& [words, expected] : texts) {
+        hook("pre-commit", std::string("echo '") + words + "'; exit 1");
+        const auto refused = commit(message("m"));
+        EXPECT_THAT(refused->error(), IsSourceControlError(expected.first, expected.second));
+        EXPECT_THAT(refused->error(), HasErrorClass("local-hook-refused")) << words;
+        EXPECT_EQ(refused->error()->text, words);
     }
 }
 

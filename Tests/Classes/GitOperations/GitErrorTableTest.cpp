@@ -118,6 +118,19 @@ INSTANTIATE_TEST_SUITE_P(
         // what the host makes of the rest
         Row{"R18Unknown", "fatal: never heard of", -1, theMessage},
         Row{"R12OtherThanPush", "Everything up-to-date\n", -1, theMessage, nullptr, false, 37},
+        Row{"R12AfterAFailedTransfer",
+            "error: RPC failed; HTTP 413 curl 22 The requested URL returned error: 413\n"
+            "Everything up-to-date\n",
+            -1, "The HTTP server refused the request.",
+            "Check that your account has access to the repository. If the server limits requests, "
+            "try again later.",
+            false, 33},
+        Row{"R12AfterAHangUp",
+            "fatal: the remote end hung up unexpectedly\nEverything up-to-date\n", -20,
+            "The connection to the server was closed too early.",
+            "Try again. If it happens again, check the network connection and the limits of the "
+            "server.",
+            false, 33},
         Row{"R13OnOneLine",
             "Because this is not the default configured remote for your current branch", -92,
             "The branch has no upstream branch.",

@@ -395,6 +395,64 @@ TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
     }
 }
 
+TEST_F(Sharing, TheErrorTableChoosesTheCodeOfAPushThatAHookRefuses) {
+    ann->commitFile("a", "ann\n");
+    ann->write(".git/hooks/pre-push", "#!/bin/sh\necho 'key: Permission denied' >&2\nexit 1\n");
+    fs::permissions(ann->path(".git/hooks/pre-push"), fs::perms(0755));
+    EXPECT_THAT(push(*ann)->error(),
+                IsSourceControlError(
+                    -21, "Authentication failed because the name or password was incorrect."));
+    EXPECT_THAT(push(*ann)->error(), HasErrorClass("local-hook-refused"));
+    fs::remove(ann->path(".git/hooks/pre-push"));
+    bareHook("pre-receive", "echo 'Transaction is out of date'; exit 1");
+    const auto refused = push(*ann);
+    EXPECT_EQ(refused->error()->code, -32);
+    EXPECT_THAT(refused->error(), HasErrorClass("remote-hook-refused"));
+}
+
+/// Runs a push whose git prints these lines and ends with status 1.
+NEBSourceControlError errorOfPush(const test::TemporaryFolder& folder, const std::string& lines) {
+    folder.write("git", "#!/bin/sh\ncat >&2 <<'end'\n" + lines + "end\nexit 1\n");
+    fs::permissions(folder.path("git"), fs::perms(0755));
+    auto request = test::requestFor(NEBSourceControlRequestPush, folder.path());
+    request->destination = "main";
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionRemoteName, "origin");
+    request->options->set(NEBSourceControlRequestOptionBranch, "main");
+    test::StandIn<GitPushOperation> operation(folder.path("git"), std::move(request));
+    operation.start();
+    return operation.error().value_or(NEBSourceControlError());
+}
+
+TEST(PushError, TheErrorTableGoesBeforeTheGuessThatAHookRefused) {
+    const test::TemporaryFolder folder;
+    const auto error = errorOfPush(folder,
+                                   "error: SSL certificate problem: unable to get local issuer\n"
+                                   "error: failed to push some refs to 'https://h/x.git'\n");
+    EXPECT_EQ(error.code, -21);
+    EXPECT_EQ(error.localizedDescription(), "The server certificate failed to verify.");
+    EXPECT_EQ(error.errorClass, "certificate-untrusted");
+}
+
+TEST(PushError, AFailedTransferIsNeverUpToDate) {
+    const test::TemporaryFolder folder;
+    const std::string rest =
+        "send-pack: unexpected disconnect while reading sideband packet\n"
+        "fatal: the remote end hung up unexpectedly\nEverything up-to-date\n";
+    for (const char* last : {"", "error: failed to push some refs to 'https://h/x.git'\n"}) {
+        auto error = errorOfPush(folder,
+                                 "error: RPC failed; HTTP 413 curl 22 The requested URL returned "
+                                 "error: 413\n" +
+                                     rest + last);
+        EXPECT_EQ(error.code, -1);
+        EXPECT_EQ(error.errorClass, "http-refused");
+        error = errorOfPush(folder, rest + last);
+        EXPECT_EQ(error.code, -20);
+        EXPECT_EQ(error.errorClass, "connection-cut");
+    }
+    EXPECT_EQ(errorOfPush(folder, "Everything up-to-date\n").code, -25);
+}
+
 /// A text of the remote's, or a branch's name, that holds the word for a failure makes none.
 TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
     ann->commitFile("a", "ann\n");

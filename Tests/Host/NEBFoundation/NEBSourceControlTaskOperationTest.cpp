@@ -226,12 +226,12 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
     EXPECT_EQ(conflict->error()->text,
               "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");
 
-    auto known = script("echo 'fatal: bad revision x' >&2; echo 'nothing to commit'; exit 1");
+    auto known = script("echo 'fatal: odd' >&2; echo 'nothing to commit'; exit 1");
     known->translate = [](const std::string& message) {
         return NEBSourceControlError::withDescription(-9, message);
     };
     known->start();
-    EXPECT_THAT(known->error(), IsSourceControlError(-9, "fatal: bad revision x"))
+    EXPECT_THAT(known->error(), IsSourceControlError(-9, "fatal: odd"))
         << "an error of the plug-in's own stays";
     EXPECT_THAT(known->error(), HasErrorClass("nothing-to-commit"));
 

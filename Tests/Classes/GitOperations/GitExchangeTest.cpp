@@ -507,7 +507,7 @@ TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
 
 /// A helper for the remote that fails without a word, as git then does.
 TEST_F(Sharing, AFailureWithoutAWordIsAnError) {
-    folder.writeProgram("bin/git-remote-silent", "#!/bin/sh\nexit 1\n");
+    folder.writeProgram("bin/git-remote-silent", "#!/bin/sh\nread -r question\nexit 1\n");
     const std::string path = ::getenv("PATH");
     ::setenv("PATH", (folder.path("bin") + ":" + path).c_str(), 1);
     ben->git({"remote", "add", "far", "silent::x"});

@@ -139,6 +139,14 @@ std::string textReplacingInvalidBytes(std::string_view bytes) {
     return text;
 }
 
+std::size_t lengthOfCharacterAt(std::string_view text, std::size_t position) {
+    if (static_cast<unsigned char>(text[position]) < 0x80) {
+        return 1;
+    }
+    const Sequence sequence = sequenceAt(text, position);
+    return sequence.isValid ? sequence.length : 0;
+}
+
 std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position) {
     const std::string_view rest = text.substr(std::min(position, text.size()));
     if (rest.starts_with(' ') || rest.starts_with('\t')) {

@@ -19,6 +19,10 @@ namespace neb {
 /// have begun one, the way of the Unicode standard and of the web's decoders.
 [[nodiscard]] NEB_EXPORT std::string textReplacingInvalidBytes(std::string_view bytes);
 
+/// How many bytes the well-formed UTF-8 character at `position` has; 0 where the bytes are none.
+[[nodiscard]] NEB_EXPORT std::size_t lengthOfCharacterAt(std::string_view text,
+                                                         std::size_t position);
+
 /// How many bytes the white-space character at `position` has, 0 when there is none: blank, TAB and
 /// Unicode's other space separators, no line ends.
 [[nodiscard]] NEB_EXPORT std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position);

@@ -168,19 +168,19 @@ TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
                                     R"("needs":["request.weather","destination"]},)"));
 }
 
-TEST_F(HostSessionTest, AStatusWithoutAnOperationIsAFailure) {
+TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
     answers.hasOperation = false;
-    const Reply reply = replyOf(statusCommand);
+    const Reply reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError,
-              "nebsc: The plug-in has no operation for the request type 15 (status).\n"
+              "nebsc: The plug-in has no operation for the request type 24 (list remotes).\n"
               "Correct the request; \"nebsc types\" lists the types and what each needs.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
 }
 
-TEST_F(HostSessionTest, AStatusThatThePlugInRefusesIsTold) {
+TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
     answers.valid = false;
-    const Reply reply = replyOf(statusCommand);
+    const Reply reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError, "nebsc: Not now.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
@@ -188,12 +188,12 @@ TEST_F(HostSessionTest, AStatusThatThePlugInRefusesIsTold) {
 
 TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
     answers.conditions = {"request.weather"};
-    const Reply reply = replyOf(statusCommand);
+    const Reply reply = replyOf(remoteCommand);
     EXPECT_THAT(reply.standardError,
                 testing::StartsWith(
                     "nebsc: The plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
     EXPECT_EQ(reply.exitStatus, exitDone);
-    EXPECT_THAT(replyOf(statusCommand, true).standardError,
+    EXPECT_THAT(replyOf(remoteCommand, true).standardError,
                 testing::HasSubstr("The plug-in reports: Assertion failed: in main"));
 }
 

@@ -33,7 +33,7 @@ TEST_F(LifeSignTest, ATerminalShowsTheSecondsAndIsWiped) {
 }
 
 TEST_F(LifeSignTest, WhatHasComeIsCounted) {
-    const StandInGit writing(folder.path(), "printf '?? a.c\\n'; while ! [ -e '" +
+    const StandInGit writing(folder.path(), "printf '?? a.c\\0'; while ! [ -e '" +
                                                 folder.path("go on") + "' ]; do sleep 0.01; done");
     Nebsc program(
         {"status"},

@@ -46,7 +46,7 @@ TEST_F(StatusCommand, ShowsEachStateAndPathFromTheTop) {
               "added      Grüße.txt\n"
               "modified   changed.c\n"
               "deleted    gone.c\n"
-              "renamed    new name.c\n"
+              "renamed    old name.c -> new name.c\n"
               "modified   src/deep.c\n"
               "untracked  src/new/\n");
     EXPECT_EQ(outcome.errors, "");
@@ -58,7 +58,7 @@ TEST_F(StatusCommand, ShowsPathsAsSeenFromTheCurrentFolder) {
               "added      ../Grüße.txt\n"
               "modified   ../changed.c\n"
               "deleted    ../gone.c\n"
-              "renamed    ../new name.c\n"
+              "renamed    ../old name.c -> ../new name.c\n"
               "modified   deep.c\n"
               "untracked  new/\n");
     EXPECT_EQ(status({"."}, "src/new").output, "untracked  ./\n");
@@ -128,7 +128,83 @@ TEST_F(StatusCommand, AConflictIsShownAsOne) {
     repository.git({"checkout", "--quiet", "main"});
     repository.commitFile("clean.c", "main\n");
     EXPECT_EQ(repository.gitStatus({"merge", "topic"}), 1);
-    EXPECT_EQ(status({"clean.c"}).output, "conflict   clean.c\n");
+    EXPECT_EQ(status({"clean.c"}).output, "conflict   clean.c (both modified)\n");
+}
+
+/// Stages of the index are 1 for the common ancestor, 2 for our side, 3 for theirs.
+TEST_F(StatusCommand, EachOfTheSevenConflictsIsShownWithItsKind) {
+    const std::string blob = repository.git({"rev-parse", "HEAD:clean.c"}).substr(0, 40);
+    const std::pair<const char*, const char*> stagesOfNames[] = {
+        {"DD", "1"},  {"AU", "2"},  {"UD", "12"}, {"UA", "3"},
+        {"DU", "13"}, {"AA", "23"}, {"UU", "123"}};
+    repository.git({"reset", "--quiet", "--hard"});
+    fs::remove_all(repository.path("src/new"));
+    std::string index;
+    for (const auto& [name, stages] : stagesOfNames) {
+        for (const char stage : std::string(stages)) {
+            index.append("100644 " + blob + " ").append(1, stage).append("\t").append(name);
+            index += "\n";
+        }
+    }
+    repository.write(".git/new-index", index);
+    ASSERT_EQ(runProgram("/bin/sh", {"-c", "git update-index --index-info < .git/new-index"},
+                         {.folder = repository.path()})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(status({}).output,
+              "conflict   AA (both added)\n"
+              "conflict   AU (added by us)\n"
+              "conflict   DD (both deleted)\n"
+              "conflict   DU (deleted by us)\n"
+              "conflict   UA (added by them)\n"
+              "conflict   UD (deleted by them)\n"
+              "conflict   UU (both modified)\n");
+    const JSON records = status({"--json"}).json()["result"];
+    ASSERT_EQ(records.size(), 7U);
+    EXPECT_EQ(records[0]["NEBSourceControlOperationWCStatusKey"], 1) << "as the contract has it";
+    EXPECT_EQ(records[2]["NEBSourceControlOperationWCStatusKey"], 2);
+}
+
+TEST_F(StatusCommand, NamesAreShownAsTheyAre) {
+    repository.git({"reset", "--quiet", "--hard"});
+    fs::remove_all(repository.path("src/new"));
+    for (const char* name : {"a -> b", "\"q\"", " lead and trail ", "back\\slash", "tab\t"}) {
+        repository.write(name, "");
+    }
+    repository.git({"mv", "clean.c", "x -> \"y\""});
+    EXPECT_EQ(status({}).output,
+              "renamed    clean.c -> x -> \"y\"\n"
+              "untracked   lead and trail \n"
+              "untracked  \"q\"\n"
+              "untracked  a -> b\n"
+              "untracked  back\\slash\n"
+              "untracked  tab\\t\n");
+}
+
+TEST_F(StatusCommand, UntrackedFoldersCanBeExpanded) {
+    repository.write("src/new/deep/b", "b");
+    EXPECT_EQ(status({"src/new"}).output, "untracked  src/new/\n");
+    EXPECT_EQ(status({"--all", "src/new"}).output,
+              "untracked  src/new/a\nuntracked  src/new/deep/b\n");
+    EXPECT_THAT(status({"--all"}).output, HasSubstr("modified   src/deep.c\n"));
+    const JSON json = status({"--all", "--json", "src/new"}).json();
+    EXPECT_EQ(json["type"], 15);
+    EXPECT_EQ(json["operation"], "StatusQuery");
+    ASSERT_EQ(json["result"].size(), 2U);
+    EXPECT_EQ(json["result"][1],
+              JSON({{"NEBSourceControlOperationWCStatusKey", 256},
+                    {"NEBSourceControlOperationPathKey", repository.path("src/new/deep/b")}}));
+}
+
+TEST_F(StatusCommand, AFolderThatCannotBeReadIsToldBesideTheRest) {
+    const StandInGit git(repository.path(),
+                         "printf ' M a.c\\0'; echo \"warning: could not open directory 'p/': "
+                         "Permission denied\" >&2");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+    EXPECT_EQ(outcome.output, "modified   a.c\n");
+    EXPECT_THAT(outcome.errors, HasSubstr("'p/'"));
+    EXPECT_EQ(outcome.exitStatus, 1);
 }
 
 TEST_F(StatusCommand, JSONIsTheOutcomeAndNothingElse) {
@@ -161,7 +237,7 @@ TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
     repository.write("red\x1b[31m.c", "");
     repository.write("next\nline", "");
     const NebscOutcome outcome = status({});
-    EXPECT_THAT(outcome.output, HasSubstr("untracked  red\\033[31m.c\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("untracked  red\\x1b[31m.c\n"));
     EXPECT_THAT(outcome.output, HasSubstr("untracked  next\\nline\n"));
     const NebscOutcome missing = status({"\x1b[2J\n\xC2\x9B"});
     EXPECT_THAT(missing.errors, HasSubstr("\"\\x1b[2J\\n\\u009b\""));
@@ -169,21 +245,21 @@ TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
 
 TEST_F(StatusCommand, WhatGitPrintsCannotDriveTheTerminalEither) {
     const StandInGit git(repository.path(),
-                         R"(printf ' M a\033[31m\177.c\n?? b\302\233\344.c\n!! no\nX  odd.c\n')");
+                         R"(printf ' M a\033[31m\177.c\0?? b\302\233\344.c\0!! no\0X  odd.c\0')");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output,
               "modified   a\\x1b[31m\\x7f.c\n"
-              "untracked  b\\u009b\xEF\xBF\xBD.c\n"
+              "untracked  b\\u009b\\xe4.c\n"
               "changed    odd.c\n");
 }
 
 TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
     repository.write("lat\xE4.c", "");
     const NebscOutcome outcome = status({"lat\xE4.c"});
-    EXPECT_EQ(outcome.output, "untracked  lat\xEF\xBF\xBD.c\n");
+    EXPECT_EQ(outcome.output, "untracked  lat\\xe4.c\n");
     EXPECT_EQ(status({"--json", "lat\xE4.c"}).exitStatus, 0);
-    EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("\"none\xEF\xBF\xBD\""));
+    EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("\"none\\xe4\""));
 }
 
 TEST_F(StatusCommand, ALinkIsAThingOfTheWorkingCopyInWhichItLies) {
@@ -227,7 +303,8 @@ TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
 }
 
 TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
-    const StandInGit git(repository.path(), "echo ' M a.c'; echo 'fatal: half done' >&2; exit 128");
+    const StandInGit git(repository.path(),
+                         "printf ' M a.c\\0'; echo 'fatal: half done' >&2; exit 128");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
@@ -247,7 +324,7 @@ TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
 TEST_F(StatusCommand, SaysThatSomebodyStillHeldTheOutput) {
     const TemporaryFolder folder;
     const StandInGit git(repository.path(),
-                         "sleep 600 & echo $! > '" + folder.path("pid") + "'; echo ' M a.c'");
+                         "sleep 600 & echo $! > '" + folder.path("pid") + "'; printf ' M a.c\\0'");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
@@ -293,7 +370,7 @@ protected:
     [[nodiscard]] std::string shownOnTerminal(
         std::vector<std::pair<std::string, std::optional<std::string>>> variables) const {
         const StandInGit git(repository.path(),
-                             "printf 'A  a\\n M b\\n D c\\nR  x -> d\\nUU e\\n?? f\\nX  g\\n'");
+                             "printf 'A  a\\0 M b\\0 D c\\0R  d\\0x\\0UU e\\0?? f\\0X  g\\0'");
         variables.push_back(git.path());
         return runNebsc({"status"}, {.folder = repository.path(),
                                      .variables = std::move(variables),
@@ -303,7 +380,8 @@ protected:
 };
 
 constexpr const char* plainOnTerminal =
-    "added      a\r\nmodified   b\r\ndeleted    c\r\nrenamed    d\r\nconflict   e\r\n"
+    "added      a\r\nmodified   b\r\ndeleted    c\r\nrenamed    x -> d\r\n"
+    "conflict   e (both modified)\r\n"
     "untracked  f\r\nchanged    g\r\n";
 
 TEST_F(StatusColours, ATerminalShowsStatesInColour) {
@@ -311,8 +389,8 @@ TEST_F(StatusColours, ATerminalShowsStatesInColour) {
               "\x1b[32madded\x1b[0m      a\r\n"
               "\x1b[33mmodified\x1b[0m   b\r\n"
               "\x1b[31mdeleted\x1b[0m    c\r\n"
-              "\x1b[36mrenamed\x1b[0m    d\r\n"
-              "\x1b[1;31mconflict\x1b[0m   e\r\n"
+              "\x1b[36mrenamed\x1b[0m    x -> d\r\n"
+              "\x1b[1;31mconflict\x1b[0m   e (both modified)\r\n"
               "\x1b[31muntracked\x1b[0m  f\r\n"
               "changed    g\r\n");
     EXPECT_NE(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", ""}}), plainOnTerminal);

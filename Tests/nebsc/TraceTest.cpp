@@ -40,7 +40,8 @@ TEST_F(TraceOption, TellsOfEachChildAsItStartsAndAsItEnds) {
     EXPECT_THAT(outcome.output, testing::StartsWith("Nothing to report"));
     const std::vector<std::string> lines = linesOf(outcome.errors);
     ASSERT_EQ(lines.size(), 4U) << outcome.errors;
-    EXPECT_EQ(lines[2], "trace 2: cd " + repository.path() + " && /usr/bin/git status --porcelain");
+    EXPECT_EQ(lines[2],
+              "trace 2: cd " + repository.path() + " && /usr/bin/git status --porcelain -z");
     EXPECT_THAT(lines[3], MatchesRegex("trace 2: exit status 0, [0-9]+\\.[0-9] ms"));
     EXPECT_EQ(nebsc({"status"}).errors, "");
 }

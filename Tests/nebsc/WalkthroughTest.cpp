@@ -50,7 +50,7 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     EXPECT_EQ(run({"cp", "extra.c", "src/more.c"}), "");
     EXPECT_EQ(run({"rm", "extra.c"}), "");
     const std::string status = run({"status"});
-    EXPECT_THAT(status, HasSubstr("renamed    src/hello.c\n"));
+    EXPECT_THAT(status, HasSubstr("renamed    hello.c -> src/hello.c\n"));
     EXPECT_THAT(run({"commit", "-m", "Move it all to src"}), committed);
     EXPECT_EQ(run({"status"}), "Nothing to report: the working copy \"demo\" has no changes.\n");
 

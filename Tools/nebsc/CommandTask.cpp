@@ -86,7 +86,7 @@ Reply CommandTask::work() {
     if (auto refused = look()) {
         return *refused;
     }
-    Performance performance = perform(request());
+    Performance performance = carryOut();
     if (auto refused = refusalOf(performance)) {
         return *refused;
     }
@@ -196,6 +196,11 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
 
 Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request) {
     return _call.session.perform(request, interruptibleRunner(_interruption, *_sign));
+}
+
+Performance CommandTask::perform(NEBSourceControlOperation& operation) {
+    return {_call.session.carryOut(operation, interruptibleRunner(_interruption, *_sign)),
+            std::nullopt};
 }
 
 std::optional<Reply> CommandTask::prepareBy(

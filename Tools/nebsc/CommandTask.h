@@ -58,6 +58,9 @@ protected:
     /// A look before anything is done; a reply ends the command.
     [[nodiscard]] virtual std::optional<Reply> look() { return std::nullopt; }
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> request() = 0;
+    /// Carries out the request; a command that needs to know more than the request's records hold
+    /// runs an operation of its own instead.
+    [[nodiscard]] virtual Performance carryOut() { return perform(request()); }
     [[nodiscard]] virtual Silence silence() const { return Silence::failure; }
     /// Whether an error is an answer all the same, of which conclude() tells.
     [[nodiscard]] virtual bool isAnswer(const NEBSourceControlError& /*error*/) const {
@@ -99,6 +102,8 @@ protected:
         std::int32_t type, const std::vector<std::string>& files) const;
     /// Carries out a request.
     [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request);
+    /// Runs an operation of the command's own.
+    [[nodiscard]] Performance perform(NEBSourceControlOperation& operation);
     /// Carries out, in look(), a request without which the command's own makes no sense. A reply
     /// tells that it failed, with --json its outcome.
     [[nodiscard]] std::optional<Reply> prepareBy(

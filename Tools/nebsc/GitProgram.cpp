@@ -6,13 +6,13 @@
 
 namespace neb::nebsc {
 
-namespace {
-
 std::string gitPath() {
     return LOMDeveloperPaths::defaultPaths()
         .binSearchPathForPlatform(std::nullopt)
         .pathOfProgram("git");
 }
+
+namespace {
 
 std::vector<std::string> environmentIn(const GitSurroundings& surroundings) {
     std::vector<std::string> environment = NEBSourceControlChildEnvironment(

@@ -13,6 +13,9 @@
 
 namespace neb::nebsc {
 
+/// Returns the path of the git that operations run.
+[[nodiscard]] std::string gitPath();
+
 /// Runs git, in the same surroundings as an operation's, in the folder (absent: nebsc's own). A
 /// signal ends it.
 [[nodiscard]] ChildOutcome runGit(Interruption& interruption, const Trace& trace,

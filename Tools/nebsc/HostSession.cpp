@@ -87,4 +87,14 @@ Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>&
     return {std::move(outcome), std::nullopt};
 }
 
+Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner& run) const {
+    Outcome outcome;
+    outcome.type = operation.request()->type;
+    outcome.valid = true;
+    outcome.operation = operation.className();
+    outcome.command = operation.command();
+    runOperation(operation, run, _trace, outcome);
+    return outcome;
+}
+
 }  // namespace neb::nebsc

@@ -49,6 +49,9 @@ public:
     [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request,
                                       const Runner& run) const;
 
+    /// Runs an operation of nebsc's own, in which the plug-in has no part.
+    [[nodiscard]] Outcome carryOut(NEBSourceControlOperation& operation, const Runner& run) const;
+
     [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }
     /// For children that are no part of an operation.
     [[nodiscard]] const Trace& trace() const { return _trace; }

@@ -47,14 +47,11 @@ bool isC1(std::string_view text, std::size_t place) {
     return text[place] == '\xC2' && static_cast<unsigned char>(text[place + 1]) < 0xA0;
 }
 
-/// The length of what turns the direction of the text around it, at `place` of the well-formed
-/// text: U+202A to U+202E and U+2066 to U+2069, three bytes each. 0 where there is none.
-std::size_t lengthOfDirection(std::string_view text, std::size_t place) {
-    constexpr std::size_t length = 3;
-    const std::string_view character = text.substr(place, length);
-    const bool isOne = (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
-                       (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
-    return isOne ? length : 0;
+/// Whether the character turns the direction of the text around it: U+202A to U+202E, U+2066 to
+/// U+2069.
+bool isDirection(std::string_view character) {
+    return (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
+           (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
 }
 
 struct ColourSequence {
@@ -172,24 +169,26 @@ std::vector<std::string> printableFilesOmittedBy(std::initializer_list<std::stri
 }  // namespace
 
 std::string printable(std::string_view bytes) {
-    const std::string text = textReplacingInvalidBytes(bytes);
     std::string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
+    result.reserve(bytes.size());
+    for (std::size_t i = 0; i < bytes.size();) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        const std::size_t length = lengthOfCharacterAt(bytes, i);
         if (isControlCharacter(byte)) {
             result += controlCharacter(byte);
-        } else if (isC1(text, i)) {
-            result += "\\u00" + hexByte(static_cast<unsigned char>(text[++i]));
-        } else if (const std::size_t length = lengthOfDirection(text, i); length > 0) {
-            const auto second = static_cast<unsigned char>(text[i + 1]);
-            const auto third = static_cast<unsigned char>(text[i + 2]);
+        } else if (length == 0) {
+            result += "\\x" + hexByte(byte);
+        } else if (isC1(bytes, i)) {
+            result += "\\u00" + hexByte(static_cast<unsigned char>(bytes[i + 1]));
+        } else if (isDirection(bytes.substr(i, length))) {
+            const auto second = static_cast<unsigned char>(bytes[i + 1]);
+            const auto third = static_cast<unsigned char>(bytes[i + 2]);
             result += "\\u20" +
                       hexByte(static_cast<unsigned char>((second & 0x03U) << 6U | (third & 0x3FU)));
-            i += length - 1;
         } else {
-            result += text[i];
+            result += bytes.substr(i, length);
         }
+        i += std::max<std::size_t>(length, 1);
     }
     return result;
 }

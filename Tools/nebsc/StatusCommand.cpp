@@ -6,6 +6,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
+#include "StatusQuery.h"
 #include "StatusWords.h"
 
 namespace neb::nebsc {
@@ -13,15 +14,6 @@ namespace neb::nebsc {
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string lineOfRecord(const NEBDictionary& record, const WorkingCopyPlace& place,
-                         bool isColoured) {
-    const auto path = record.value(NEBSourceControlOperationPathKey).string();
-    const std::string shown =
-        printable(path ? pathAsSeenFrom(place, std::string(*path)) : std::string());
-    return statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) + shown +
-           "\n";
-}
 
 fs::path nearestFolder(fs::path path) {
     std::error_code ignored;
@@ -38,12 +30,16 @@ public:
 protected:
     WorkingCopyPlace findPlace() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void conclude(const Outcome& outcome, Reply& reply) override;
 
 private:
+    [[nodiscard]] std::string lineOf(const StatusEntry& entry) const;
+
     /// The path that was asked for, where that is not the place itself.
     std::optional<std::string> _path;
+    std::vector<StatusEntry> _entries;
 };
 
 /// Of a path where nothing is any more, the nearest folder that is counts. A symbolic link is
@@ -77,11 +73,37 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
     return request;
 }
 
-std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
-    const bool isColoured = isInColour();
+/// A program gets the request's outcome, a person all that git knows; so does a program that wants
+/// what no request can be asked for.
+Performance StatusTask::carryOut() {
+    const bool isAll = arguments().has("--all");
+    if (isJSON() && !isAll) {
+        return perform(request());
+    }
+    StatusQuery query(request(), isAll);
+    Performance performance = perform(query);
+    _entries = query.entries();
+    return performance;
+}
+
+std::string StatusTask::lineOf(const StatusEntry& entry) const {
+    const std::string_view kind = conflictKind(entry.index, entry.workTree);
+    const std::int64_t status = kind.empty() ? statusOfLetter(entry.letter()) : conflictStatus;
+    std::string line = statusColumn(status, isInColour());
+    if (entry.oldPath) {
+        line += shown(*entry.oldPath) + " -> ";
+    }
+    line += shown(entry.path);
+    if (!kind.empty()) {
+        line.append(" (").append(kind).append(")");
+    }
+    return line + "\n";
+}
+
+std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     std::string lines;
-    for (const NEBDictionary& record : records) {
-        lines += lineOfRecord(record, place(), isColoured);
+    for (const StatusEntry& entry : _entries) {
+        lines += lineOf(entry);
     }
     return lines;
 }
@@ -107,6 +129,7 @@ void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
 constexpr Parameter parameters[] = {
     {"PATH", "A file or folder, deleted ones included; unless given, the whole working copy",
      Takes::path},
+    {"--all", "Show each file of an untracked folder, not the folder alone"},
 };
 
 Reply run(const CommandCall& call) {
@@ -120,9 +143,12 @@ constinit const Command statusCommand{
     .group = lookGroup,
     .summary = "Show which files of a working copy have changed",
     .details =
+        "A file in conflict is shown with what the current branch (us) and the other (them)\n"
+        "did to it.\n\n"
         "Examples:\n"
         "  nebsc status                what has changed in the working copy around here\n"
         "  nebsc status src/main.c    the same for one file or folder\n"
+        "  nebsc status --all         untracked folders with the files in them\n"
         "  nebsc status --json        the same for a program to read\n",
     .parameters = parameters,
     .activity = "Looking",

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "Commands.h"
+#include "GitQuoting.h"
 #include "HistoryTask.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -120,14 +121,10 @@ std::string DiffTask::shownNames(const std::string& path) const {
     const std::size_t newName = names.find('\t', oldName + 1);
     if (oldName == std::string::npos || newName == std::string::npos ||
         names.find_first_not_of("0123456789") != oldName) {
-        return shown(path);
+        return shown(unquotedName(names));
     }
-    // The quotes that git puts around a name are taken from the ends of the whole.
-    std::string last = names.substr(newName + 1);
-    if (last.size() > 1 && last.starts_with('"') && !last.ends_with('"')) {
-        last += '"';
-    }
-    return shown(names.substr(oldName + 1, newName - oldName - 1)) + " -> " + shown(last);
+    return shown(unquotedName(names.substr(oldName + 1, newName - oldName - 1))) + " -> " +
+           shown(unquotedName(names.substr(newName + 1)));
 }
 
 std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "Commands.h"
+#include "GitQuoting.h"
 #include "HistoryTask.h"
 #include "LocalTime.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -162,7 +163,7 @@ std::string LogTask::filesOf(const NEBDictionary& record) const {
         for (const NEBDictionary::Entry& entry : *files) {
             lines.append(indent)
                 .append(statusColumn(entry.value(), _isColoured))
-                .append(shown(std::string(entry.key())))
+                .append(shown(unquotedName(entry.key())))
                 .append("\n");
         }
     }

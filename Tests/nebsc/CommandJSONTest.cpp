@@ -105,6 +105,7 @@ TEST_F(CommandJSON, ARefusalInOurWordsIsAnErrorOfItsClass) {
     EXPECT_EQ(json["error"]["domain"], "NEBSourceControlErrorDomain");
     EXPECT_EQ(json["error"]["code"], -1);
     EXPECT_EQ(json["error"]["class"], "revision-unknown");
+    EXPECT_TRUE(json["error"]["localizedRecoverySuggestion"].is_string());
     EXPECT_EQ("nebsc: " + json["error"]["localizedDescription"].get<std::string>() + "\n",
               outcome.errors);
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -180,10 +181,10 @@ TEST_F(CommandJSON, FilesThatARefusalIsAboutAreListed) {
 
 TEST_F(CommandJSON, AFailureBehindTheRequestIsTheOutcomes) {
     repository.commitFile("a.c", "int a;\n");
-    const NebscOutcome outcome = nebsc({"ls", "--json", "nosuch"});
+    const NebscOutcome outcome = nebsc({"status", "--json", "nosuch"});
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 17);
-    EXPECT_THAT(json["error"]["localizedDescription"], HasSubstr("There is no folder \"nosuch\""));
+    EXPECT_EQ(json["type"], 15);
+    EXPECT_THAT(json["error"]["localizedDescription"], HasSubstr("There is no file or folder"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Output.h"
 #include "Pager.h"
 #include "Platform/ErrnoText.h"
@@ -25,6 +26,7 @@ Reply refusal(std::string_view sentence, int exitStatus,
         reply.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
                                                              textWithoutPasswords(sentence));
         reply.error->errorClass = errorClass.value_or(NEBSourceControlUnknownErrorClass.text());
+        NEBSourceControlAddAdvice(*reply.error);
     }
     return reply;
 }

@@ -2,6 +2,7 @@
 
 #include "GitOperations/GitShellText.h"
 #include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NSData+GitUtilities.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
@@ -28,12 +29,24 @@ NEBDictionary recordOf(const Data& listing, std::string_view entry) {
     return record;
 }
 
+std::string folderOf(const NEBSourceControlRequest& request) {
+    return request.fileCount() > 0 ? request.files->front().description() : std::string();
+}
+
+NEBSourceControlError errorOfFolderOutside(const NEBSourceControlRequest& request) {
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        formattedText("The folder \"%@\" cannot be listed: it is no path inside \"%@\".",
+                      {folderOf(request), request.sourceTreeName()}));
+    error.errorClass = "path-outside";
+    return error;
+}
+
 /// All entries of the folder, for the shell to expand. No name at all fills its place in the
 /// command line the way that nothing does, with a text at which the shell stops: hosts count on the
 /// root not being listed.
 std::string patternFor(const NEBSourceControlRequest& request) {
-    const std::string folder =
-        request.fileCount() > 0 ? request.files->front().description() : std::string();
+    const std::string folder = folderOf(request);
     return folder.empty() ? std::string(absentValueText) : gitShellPattern(folder) + "/*";
 }
 
@@ -58,13 +71,26 @@ std::string GitListFilesOperation::launchPath() {
     return "/bin/sh";
 }
 
+/// The shell finds nothing that a URL names, and git lists nothing then, without a word.
 void GitListFilesOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {
         git_forEachComponentSeparatedByNULLTerminator(
             *data(), [&](std::string_view entry) { records.push_back(recordOf(*data(), entry)); });
     }
+    if (records.empty() && pathOfFileURL(folderOf(*request()))) {
+        setError(errorOfFolderOutside(*request()));
+    }
     setResult(std::move(records));
+}
+
+/// A folder outside the working copy that is not there has words of its own in git, which speak of
+/// an invalid path.
+std::optional<NEBSourceControlError> GitListFilesOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    auto error = GitOperation::errorFromErrorMessage(message);
+    const bool isInvalidPath = message && message->find("Invalid path '/") != std::string::npos;
+    return error && isInvalidPath ? errorOfFolderOutside(*request()) : error;
 }
 
 void GitListOperation::main() {

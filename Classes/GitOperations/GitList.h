@@ -17,7 +17,8 @@ namespace neb {
 ///
 /// The result has one record an entry: NEBSourceControlOperationNameKey, without folders, and
 /// NEBSourceControlOperationIsLeafKey, true for a file, false for a folder or a submodule. Empty
-/// when there is none.
+/// when there is none. A folder that is a URL, or a path outside the working copy, is an error of
+/// the class "path-outside".
 class GitListFilesOperation : public GitOperation {
 public:
     explicit GitListFilesOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -26,6 +27,8 @@ public:
     /// "/bin/sh".
     [[nodiscard]] std::string launchPath() override;
     void parseData() override;
+    [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
+        const std::optional<std::string>& message) override;
 };
 
 /// Runs a GitListFilesOperation and hands on its result and error.

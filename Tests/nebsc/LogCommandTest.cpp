@@ -209,8 +209,7 @@ TEST_F(LogCommand, ATerminalShowsColours) {
 
 TEST_F(LogCommand, AFileNameThatIsNotUTF8CostsNoCommit) {
     repository.commitFile("lat\xE4.txt", "1\n", "Fourth");
-    expectDone(log({"--files", "-n1"}),
-               line("HEAD", "Fourth") + "    added      lat\\xe4.txt\n");
+    expectDone(log({"--files", "-n1"}), line("HEAD", "Fourth") + "    added      lat\\xe4.txt\n");
 }
 
 class LogOfOtherEncodings : public LogCommand {

@@ -282,6 +282,20 @@ TEST_F(ListOfRepository, WithoutACommitOrARepositorySaysSo) {
     EXPECT_THAT(run(listRequest("src", folder.path()))->error(), HasErrorClass("not-a-repository"));
 }
 
+TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
+    repository.commitFile("src/a", "x");
+    const test::TemporaryFolder elsewhere;
+    for (const std::string& folder :
+         {elsewhere.path(), elsewhere.path("nosuch"), std::string("/nosuch"), std::string(".."),
+          "file://" + repository.path("src")}) {
+        const auto operation = run(listRequest(folder, repository.path()));
+        EXPECT_THAT(operation->error(), HasErrorClass("path-outside")) << folder;
+        EXPECT_THAT(textsOf(operation->result()), IsEmpty()) << folder;
+    }
+    EXPECT_THAT(list(repository.path("src")), ElementsAre("a"));
+    EXPECT_THAT(list(repository.path("nosuch")), IsEmpty());
+}
+
 TEST_F(ListOfRepository, OfARequestWithAnErrorDoesNothing) {
     const auto operation = initWithRequest<GitListOperation>(listRequest("src", repository.path()));
     operation->setError(NEBSourceControlError::withDescription(-1, "before"));

@@ -19,8 +19,9 @@ bool shows(std::string_view text, const ErrorTextSign& sign) {
             text.find(sign.second, place + sign.first.size()) != std::string_view::npos);
 }
 
-const ErrorCatalogueRow* firstRowShownBy(std::string_view text) {
-    const auto rows = errorCatalogueRows();
+using Rows = std::span<const ErrorCatalogueRow>;
+
+const ErrorCatalogueRow* firstRowShownBy(std::string_view text, Rows rows) {
     const auto row =
         std::find_if(rows.begin(), rows.end(), [text](const ErrorCatalogueRow& candidate) {
             return std::any_of(candidate.signs.begin(), candidate.signs.end(),
@@ -45,9 +46,15 @@ std::string searchedPart(std::string_view statements) {
 
 const ErrorCatalogueRow* rowOfText(std::string_view text) {
     const std::string statements = NEBSourceControlStatementsInText(text);
-    const ErrorCatalogueRow* row =
-        firstRowShownBy(searchedPart(NEBSourceControlStatementsWithoutAsides(statements)));
-    return row != nullptr ? row : firstRowShownBy(searchedPart(statements));
+    const std::string telling = NEBSourceControlStatementsWithoutAsides(statements);
+    if (const auto* row = firstRowShownBy(searchedPart(telling), errorCatalogueRows())) {
+        return row;
+    }
+    const std::string failures = NEBSourceControlFailuresAmongStatements(telling);
+    if (const auto* row = firstRowShownBy(searchedPart(failures), generalErrorCatalogueRows())) {
+        return row;
+    }
+    return firstRowShownBy(searchedPart(statements), errorCatalogueRows());
 }
 
 /// Whether the description of an error with this code is the text itself, as hosts expect it.

@@ -27,12 +27,16 @@ struct ErrorCatalogueRow {
     std::string_view errorClass;
     std::int64_t code;
     /// Any of them shows the class.
-    std::array<ErrorTextSign, 12> signs;
+    std::array<ErrorTextSign, 16> signs;
     /// Empty texts are replaced by those of the class.
     ErrorSentence sentence = {};
 };
 
-/// The first row that a text shows decides. From any thread.
+/// The first row that a text shows decides. From any thread, as is the other.
 [[nodiscard]] std::span<const ErrorCatalogueRow> errorCatalogueRows();
+
+/// Rows of which the first that is shown decides where none of the others is, and which only lines
+/// can show that begin with "fatal:" or "error:".
+[[nodiscard]] std::span<const ErrorCatalogueRow> generalErrorCatalogueRows();
 
 }  // namespace neb

@@ -140,8 +140,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
      "rebase."},
     {"conflict-unresolved", "There are conflicts from an earlier operation.",
      "Resolve them in the files, mark these with \"git add\", commit, then try again."},
-    {"merge-failed", "The merge failed, for another reason than conflicts.",
-     "Fix what git reports, then merge again."},
+    {"merge-failed", "The merge or rebase failed, for another reason than conflicts.",
+     "Fix what git reports, then try again."},
     {"merge-unfinished", "A merge, cherry-pick or rebase is not finished.",
      "Commit the merge, or run \"git rebase --continue\"; \"git merge --abort\" or \"git rebase "
      "--abort\" takes it back."},

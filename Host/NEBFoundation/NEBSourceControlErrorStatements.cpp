@@ -25,12 +25,13 @@ bool isWordCharacter(char character) {
 }
 
 /// What of a name tells what happened, with the closing quote: the lock of the index or another,
-/// and that the program looked for was one of those that talk to remotes.
+/// that the program looked for was one of those that talk to remotes, and that it is a URL.
 std::string_view wordsInName(std::string_view name) {
-    return name.ends_with("index.lock")  ? "index.lock'"
-           : name.ends_with(".lock")     ? ".lock'"
-           : name.starts_with("remote-") ? "remote-'"
-                                         : "'";
+    return name.ends_with("index.lock")                 ? "index.lock'"
+           : name.ends_with(".lock")                    ? ".lock'"
+           : name.starts_with("remote-")                ? "remote-'"
+           : name.find("://") != std::string_view::npos ? "://'"
+                                                        : "'";
 }
 
 /// The words behind which the line holds but names, without quotes around them, or the far end's
@@ -125,6 +126,12 @@ std::string NEBSourceControlStatementsInText(std::string_view text) {
 std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements) {
     return linesOf(statements, [](std::string_view line) {
         return (!startsWith(line, "warning:") && !startsWith(line, "hint:")) || isCause(line);
+    });
+}
+
+std::string NEBSourceControlFailuresAmongStatements(std::string_view statements) {
+    return linesOf(statements, [](std::string_view line) {
+        return startsWith(line, "fatal:") || startsWith(line, "error:");
     });
 }
 

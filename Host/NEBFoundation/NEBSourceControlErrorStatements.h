@@ -16,11 +16,15 @@
 
 namespace neb {
 
-/// The lines that are git's own word on what happened. From any thread, as is the other.
+/// The lines that are git's own word on what happened. From any thread, as are the others.
 [[nodiscard]] std::string NEBSourceControlStatementsInText(std::string_view text);
 
 /// The statements without warnings and hints, which do not tell why something failed where an error
 /// does; a warning that a reference cannot be read does.
 [[nodiscard]] std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements);
+
+/// The statements that begin with "fatal:" or "error:", as git's own failures do, and the words of
+/// a hook, a filter or ssh seldom.
+[[nodiscard]] std::string NEBSourceControlFailuresAmongStatements(std::string_view statements);
 
 }  // namespace neb

@@ -169,7 +169,7 @@ constexpr NEBSourceControlErrorClass classes[] = {
     {"revision-unknown", "There is no such branch, tag or commit.",
      "\"git branch --all\" and \"git tag\" list the names; \"git fetch\" gets new ones."},
     {"revision-ambiguous",
-     "git cannot tell what the name means: a revision or a file, a branch or a tag, or one of "
+     "It is not clear what the name means: a revision or a file, a branch or a tag, or one of "
      "several commits.",
      "Write \"refs/heads/NAME\" for a branch, \"refs/tags/NAME\" for a tag, \"./NAME\" for a file, "
      "or more digits of the commit."},

@@ -19,6 +19,16 @@ std::string contentOf(Scene& scene, const std::string& object) {
     return scene.work().git({"rev-parse", object});
 }
 
+/// work() is a partial clone, which lacks the content of "b"; shared() is not there any more.
+void makePartialCloneOfLostRepository(Scene& scene) {
+    const std::string shared = scene.shared();
+    scene.work().git({"--git-dir", shared, "config", "uploadpack.allowFilter", "true"});
+    scene.pushFromElsewhere("b", "2\n");
+    scene.work().git({"config", "extensions.partialClone", "origin"});
+    scene.work().git({"fetch", "--quiet", "--filter=blob:none", "origin"});
+    fs::remove_all(shared);
+}
+
 }  // namespace
 
 Failures damageFailures() {
@@ -60,13 +70,7 @@ Failures damageFailures() {
          128,
          {},
          [](Scene& scene) -> Request {
-             scene.shared();
-             scene.work().git(
-                 {"--git-dir", scene.shared(), "config", "uploadpack.allowFilter", "true"});
-             scene.pushFromElsewhere("b", "2\n");
-             scene.work().git({"config", "extensions.partialClone", "origin"});
-             scene.work().git({"fetch", "--quiet", "--filter=blob:none", "origin"});
-             fs::remove_all(scene.shared());
+             makePartialCloneOfLostRepository(scene);
              scene.work().git({"init", "--quiet", "--bare", scene.shared()});
              return scene.ask(NEBSourceControlRequestCheckout).to("origin/main");
          }},
@@ -76,13 +80,7 @@ Failures damageFailures() {
          128,
          {},
          [](Scene& scene) -> Request {
-             scene.shared();
-             scene.work().git(
-                 {"--git-dir", scene.shared(), "config", "uploadpack.allowFilter", "true"});
-             scene.pushFromElsewhere("b", "2\n");
-             scene.work().git({"config", "extensions.partialClone", "origin"});
-             scene.work().git({"fetch", "--quiet", "--filter=blob:none", "origin"});
-             fs::remove_all(scene.shared());
+             makePartialCloneOfLostRepository(scene);
              return scene.ask(NEBSourceControlRequestCheckout).to("origin/main");
          }},
         {"a log with a list of shallow commits that cannot be read",

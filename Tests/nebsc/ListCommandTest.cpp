@@ -126,6 +126,8 @@ TEST_F(ListCommand, ABareRepositoryHasFoldersToo) {
     expectDone(runNebsc({"ls", "src/grüße"}, {.folder = bare}), "x\n");
     expectFailed(runNebsc({"ls", "nosuch"}, {.folder = bare}),
                  "nebsc: There is no folder \"nosuch\" in the latest commit.\n");
+    expectFailed(runNebsc({"ls", ".."}, {.folder = bare}),
+                 HasSubstr("lies outside the repository \"" + bare + "\""));
 }
 
 TEST_F(ListCommand, WhatCannotBeListedIsNamed) {

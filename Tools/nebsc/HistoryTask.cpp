@@ -189,9 +189,11 @@ std::optional<Reply> HistoryTask::refusalWithoutCommits() {
 std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) const {
     return liesWithin(path, place().location)
                ? std::nullopt
-               : std::optional(refusal(inQuotes(path) + " lies outside the working copy " +
-                                           inQuotes(place().location) + ".",
-                                       exitFailed, "path-outside"));
+               : std::optional(
+                     refusal(inQuotes(path) + " lies outside the " +
+                                 (place().isWorkingCopy ? "working copy " : "repository ") +
+                                 inQuotes(place().location) + ".",
+                             exitFailed, "path-outside"));
 }
 
 std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& path) {

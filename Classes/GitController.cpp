@@ -3,6 +3,7 @@
 #include "GitDispatch.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 
 namespace neb {
 
@@ -20,7 +21,7 @@ bool GitController::authenticationRequiredForRequest(const NEBSourceControlReque
 }
 
 bool GitController::validateRequest(const NEBSourceControlRequest& request,
-                                    std::optional<NEBSourceControlError>* error) const {
+                                    std::optional<NEBSourceControlError>* error) const try {
     if (request.type == NEBSourceControlRequestListRemoteBranches ||
         request.type == NEBSourceControlRequestListRemoteBranchesSecondForm ||
         !authenticationRequiredForRequest(request)) {
@@ -40,15 +41,20 @@ bool GitController::validateRequest(const NEBSourceControlRequest& request,
                           {request.sourceTreeName()}));
     }
     return false;
+} catch (...) {
+    NEBSourceControlStoreCurrentException(error);
+    return false;
 }
 
 std::shared_ptr<NEBSourceControlOperation> GitController::operationForRequest(
-    const std::shared_ptr<NEBSourceControlRequest>& request) const {
+    const std::shared_ptr<NEBSourceControlRequest>& request) const try {
     if (!request) {
         return nullptr;
     }
     gitReportBrokenPreconditions(*request);
     return gitMakeOperation(request);
+} catch (...) {
+    return NEBSourceControlOperationOfCurrentException(request);
 }
 
 }  // namespace neb

@@ -1,5 +1,7 @@
 // What NEBGit.so shows to a host, and nothing else of it is visible.
 
+#include <new>
+
 #include "GitController.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 
@@ -18,7 +20,7 @@ const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn() {
         .name = "NEBGit",
         .version = NEBGIT_VERSION,
         .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* {
-            return new neb::GitController;  // the host owns it
+            return new (std::nothrow) neb::GitController;  // the host owns it
         },
     };
     return &description;

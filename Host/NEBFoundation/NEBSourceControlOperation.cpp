@@ -1,9 +1,10 @@
 #include "NEBFoundation/NEBSourceControlOperation.h"
 
-#include <exception>
+#include <utility>
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 
 namespace neb {
 
@@ -19,7 +20,7 @@ public:
     }
     SinkHere(const SinkHere&) = delete;
     SinkHere& operator=(const SinkHere&) = delete;
-    ~SinkHere() { LOMSetAssertionSinkOfThread(_former); }
+    ~SinkHere() { LOMSetAssertionSinkOfThread(std::move(_former)); }
 
 private:
     LOMAssertionSink _former;
@@ -32,19 +33,22 @@ NEBSourceControlOperation::NEBSourceControlOperation(
     : _request(std::move(request)), _reportSink(LOMAssertionSinkOfThread()) {}
 
 void NEBSourceControlOperation::start() {
-    const SinkHere sink(_reportSink);
     try {
+        const SinkHere sink(_reportSink);
         if (isCancelled()) {
             setError(NEBSourceControlCancelledError());
         } else {
             main();
         }
-    } catch (const std::exception& exception) {
-        auto error = NEBSourceControlError::withDescription(
-            NEBSourceControlGenericError,
-            std::string("The operation could not be completed: ") + exception.what() + ".");
-        error.errorClass = NEBSourceControlUnknownErrorClass;
-        setError(std::move(error));
+    } catch (...) {
+        setResult(std::nullopt);  // it may be half of one, and its memory what is missing
+        std::optional<NEBSourceControlError> unexpected;
+        NEBSourceControlStoreCurrentException(&unexpected);
+        if (unexpected) {
+            setError(std::move(unexpected));
+        } else {
+            _error.emplace().errorClass = NEBSourceControlUnknownErrorClass.text();
+        }
     }
     setFinished();
 }

@@ -33,8 +33,8 @@ public:
     /// Keeps the request, which must be there; see initWithRequest below.
     explicit NEBSourceControlOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
-    /// Runs main(), unless the operation has been cancelled, which becomes the error then. What
-    /// main() throws (no memory) becomes the error too.
+    /// Runs main(), unless the operation has been cancelled, which becomes the error then. Whatever
+    /// main() throws becomes the error too, and there is no result then.
     void start() override;
     /// Does nothing: the operation completes with neither result nor error.
     void main() override {}

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "NEBFoundation/NEBSourceControlGuardedPrincipalClass.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/ErrnoText.h"
 
 namespace neb {
@@ -19,6 +21,23 @@ std::string contractFailure(const std::string& path, std::uint32_t version) {
     return "The plug-in \"" + path + "\" was built for version " + std::to_string(version) +
            " of the host contract; this host has version " +
            std::to_string(NEBSourceControlContractVersion) + ".";
+}
+
+struct Described {
+    const NEBSourceControlPlugInDescription* description;  // null where it failed
+    std::string failure;
+};
+
+/// Calls the function that the plug-in exports.
+Described describe(const std::string& path, void* function) {
+    try {
+        const auto* description = reinterpret_cast<NEBSourceControlPlugInFunction>(function)();
+        return {description, "The plug-in \"" + path + "\" does not describe itself."};
+    } catch (...) {
+        const auto error = NEBSourceControlErrorOfCurrentException();
+        return {nullptr, "The plug-in \"" + path + "\" could not describe itself. " +
+                             error.localizedDescription().value_or("")};
+    }
 }
 
 }  // namespace
@@ -44,9 +63,9 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
                       "\" is no source-control plug-in: it does not export " +
                       NEBSourceControlPlugInFunctionName + ".");
     }
-    const auto* description = reinterpret_cast<NEBSourceControlPlugInFunction>(symbol)();
+    const auto [description, failure] = describe(path, symbol);
     if (description == nullptr) {
-        return failed("The plug-in \"" + path + "\" does not describe itself.");
+        return failed(failure);
     }
     if (description->contractVersion != NEBSourceControlContractVersion) {
         return failed(contractFailure(path, description->contractVersion));
@@ -60,7 +79,7 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
 }
 
 std::unique_ptr<NEBSourceControlProtocol> NEBSourceControlPlugIn::makePrincipalClass() const {
-    return std::unique_ptr<NEBSourceControlProtocol>(_description->makePrincipalClass());
+    return NEBSourceControlGuardedPrincipalClass::madeBy(_description->makePrincipalClass);
 }
 
 }  // namespace neb

@@ -46,6 +46,8 @@ public:
 
     [[nodiscard]] std::string name() const { return _description->name; }
     [[nodiscard]] std::string version() const { return _description->version; }
+    /// An instance of the principal class; null where the plug-in has none. Its calls throw
+    /// nothing: what the plug-in throws, here or then, is an error that says so.
     [[nodiscard]] std::unique_ptr<NEBSourceControlProtocol> makePrincipalClass() const;
 
 private:

@@ -12,7 +12,8 @@
 namespace neb {
 
 /// Every answer depends on the request alone; the calls may come from any thread. The request must
-/// be there.
+/// be there. No call throws: a failure of the plug-in's own refuses the request, or is the error of
+/// the operation.
 class NEB_EXPORT NEBSourceControlProtocol {
 public:
     NEBSourceControlProtocol() = default;

@@ -1,6 +1,9 @@
 #include "Platform/OperationQueue.h"
 
+#include <cxxabi.h>
+
 #include <algorithm>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -73,22 +76,54 @@ void OperationQueue::runThread() {
     }
 }
 
+namespace {
+
+/// Only work of the host's or a plug-in's own may throw. The thread goes on with other work, unless
+/// the exception is its end (pthread_cancel, pthread_exit), which must not be kept.
+template <typename Work>
+void doWithoutExceptions(const Work& work) {
+    try {
+        work();
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+        return;
+    }
+}
+
+}  // namespace
+
 /// Does the piece of work that has waited longest. The mutex is unlocked meanwhile.
 void OperationQueue::runOne() {
     Work work = std::move(_waiting.front());
     _waiting.pop_front();
     ++_busyThreads;
-    if (work.operation) {
-        _running.insert(work.operation);
+    try {
+        if (work.operation) {
+            _running.insert(work.operation);
+        }
+    } catch (const std::bad_alloc&) {
+        // It runs all the same; cancelAllOperations() cannot see it.
     }
     _mutex.unlock();
 
-    if (work.operation) {
-        work.operation->start();
-    } else {
-        work.block();
+    try {
+        doWithoutExceptions([&work] {
+            if (work.operation) {
+                work.operation->start();
+            } else {
+                work.block();
+            }
+        });
+    } catch (...) {  // the end of the thread: another takes its place
+        finish(work);
+        addThread();
+        throw;
     }
+    finish(work);
+}
 
+void OperationQueue::finish(Work& work) {
     _mutex.lock();
     if (work.operation) {
         _running.erase(work.operation);
@@ -120,7 +155,7 @@ void OperationQueue::cancelAllOperations() {
         }
     }
     for (const std::shared_ptr<Operation>& operation : operations) {
-        operation->cancel();
+        doWithoutExceptions([&operation] { operation->cancel(); });
     }
 }
 

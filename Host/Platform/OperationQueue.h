@@ -34,9 +34,10 @@ public:
     ~OperationQueue();
 
     /// Shares the operation until it has finished. Without effect for an absent one. Where the
-    /// system gives no thread at all, the work is done at once, on the caller's.
+    /// system gives no thread at all, the work is done at once, on the caller's. An operation whose
+    /// start() throws does not finish; the exception is dropped.
     void addOperation(std::shared_ptr<Operation> operation);
-    /// Runs the block once. It must not throw.
+    /// Runs the block once. What it throws is dropped.
     void addBlock(std::function<void()> block);
     /// Blocks until nothing is waiting or running. Not to be called by work of this queue.
     void waitUntilAllOperationsAreFinished();
@@ -53,6 +54,7 @@ private:
     void addThread() NEB_REQUIRES(_mutex);
     void runThread();
     void runOne() NEB_REQUIRES(_mutex);
+    void finish(Work& work) NEB_ACQUIRE(_mutex);
 
     const std::size_t _width;
     Mutex _mutex;

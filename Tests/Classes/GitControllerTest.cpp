@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/Matchers.h"
 
 namespace neb {
@@ -405,6 +406,22 @@ TEST(Dispatch, ARequestThatLacksWhatItNeedsYieldsAnOperationAllTheSame) {
 
 TEST(Dispatch, NoRequestYieldsNoOperation) {
     EXPECT_EQ(controller.operationForRequest(nullptr), nullptr);
+}
+
+/// A value of a host that throws when it is read.
+class Throwing : public NEBObject {
+public:
+    [[nodiscard]] std::string descriptionForAssertionMessage() const override { throw 42; }
+};
+
+TEST(Dispatch, WhatIsThrownIsTheErrorOfTheOperation) {
+    const auto request = requestFor(NEBSourceControlRequestCheckout, "/w");
+    request->destination = NEBValue(std::make_shared<const Throwing>());
+    const auto operation = controller.operationForRequest(request);
+    ASSERT_NE(operation, nullptr);
+    EXPECT_EQ(operation->request(), request);
+    operation->start();
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, testing::HasSubstr("\"int\"")));
 }
 
 TEST(Ignore, CompletesWithNeitherResultNorError) {

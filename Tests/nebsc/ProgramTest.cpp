@@ -358,6 +358,33 @@ TEST(ProgramPlugIn, OneWithoutAPrincipalClassIsRefused) {
         {NEB_TEST_MODULES "/NoPrincipalClass.so", "has no principal class to give"});
 }
 
+NebscOutcome runThrowing(const char* entryPoint) {
+    return runNebsc({"--plugin", NEB_TEST_MODULES "/Throwing.so", "request"},
+                    {.input = R"({"type": 4})", .variables = {{"THROWS_FROM", entryPoint}}});
+}
+
+TEST(ProgramPlugIn, WhatOneThrowsIsTheErrorOfTheRequest) {
+    for (const char* entryPoint : {"makePrincipalClass", "validateRequest", "operationForRequest",
+                                   "className", "command", "start", "main"}) {
+        const NebscOutcome outcome = runThrowing(entryPoint);
+        EXPECT_EQ(outcome.exitStatus, 1) << entryPoint;
+        const auto error = outcome.json()["error"];
+        ASSERT_TRUE(error.is_object()) << entryPoint;
+        EXPECT_EQ(error["class"], "unknown") << entryPoint;
+        EXPECT_EQ(error["userInfo"]["NEBLocalizedDescriptionKey"],
+                  "The plug-in failed unexpectedly: it threw an exception of the type \"int\".")
+            << entryPoint;
+        EXPECT_EQ(outcome.json()["result"], nullptr) << entryPoint;
+    }
+    EXPECT_EQ(runThrowing("authenticationRequiredForRequest").json()["authenticationRequired"],
+              true);
+    EXPECT_EQ(runThrowing("nothing").exitStatus, 0);
+}
+
+TEST(ProgramPlugIn, OneThatThrowsWhenItIsCancelledIsEndedAllTheSame) {
+    EXPECT_EQ(runThrowing("cancel by a signal").exitStatus, 128 + SIGTERM);
+}
+
 TEST(ProgramPlugIn, AGivenFileIsTakenBeforeAndAfterTheCommand) {
     const TemporaryFolder folder;
     const std::string plugIn = folder.path("other.so");

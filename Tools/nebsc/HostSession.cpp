@@ -4,6 +4,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "ReportCapture.h"
 
 namespace neb::nebsc {
@@ -64,24 +65,13 @@ Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>&
     const ReportCapture capture;
     Outcome outcome;
     outcome.type = request->type;
-    outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);
-    outcome.valid = _controller->validateRequest(*request, &outcome.error);
-    if (outcome.valid) {
-        if (auto refused = NEBSourceControlFirstOptionLikeValue(*request)) {
+    try {
+        if (auto refused = askAndRun(request, run, outcome)) {
             return {std::nullopt, std::move(refused)};
         }
-        if (const auto operation = _controller->operationForRequest(request)) {
-            outcome.operation = operation->className();
-            outcome.command = operation->command();
-            const auto destination = request->destination.string();
-            if (run && request->type == NEBSourceControlRequestClone && destination) {
-                runClone(*operation, std::string(*destination), run, _trace, outcome);
-            } else if (run) {
-                runOperation(*operation, run, _trace, outcome);
-            }
-        } else {
-            outcome.error = errorOfMissingOperation(request->type);
-        }
+    } catch (...) {
+        outcome.result.reset();
+        outcome.error = NEBSourceControlErrorOfCurrentException();
     }
     outcome.reports = capture.reports();
     return {std::move(outcome), std::nullopt};
@@ -95,6 +85,33 @@ Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner
     outcome.command = operation.command();
     runOperation(operation, run, _trace, outcome);
     return outcome;
+}
+
+std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
+    const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+    Outcome& outcome) const {
+    outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);
+    outcome.valid = _controller->validateRequest(*request, &outcome.error);
+    if (!outcome.valid) {
+        return std::nullopt;
+    }
+    if (auto refused = NEBSourceControlFirstOptionLikeValue(*request)) {
+        return refused;
+    }
+    const auto operation = _controller->operationForRequest(request);
+    if (!operation) {
+        outcome.error = errorOfMissingOperation(request->type);
+        return std::nullopt;
+    }
+    outcome.operation = operation->className();
+    outcome.command = operation->command();
+    const auto destination = request->destination.string();
+    if (run && request->type == NEBSourceControlRequestClone && destination) {
+        runClone(*operation, std::string(*destination), run, _trace, outcome);
+    } else if (run) {
+        runOperation(*operation, run, _trace, outcome);
+    }
+    return std::nullopt;
 }
 
 }  // namespace neb::nebsc

@@ -41,7 +41,8 @@ public:
         : _controller(std::move(controller)), _trace(isTraced) {}
 
     /// Carries the request out. Without a runner the operation is made and not run. A type for
-    /// which the plug-in has no operation is an error of the class "request-invalid".
+    /// which the plug-in has no operation is an error of the class "request-invalid". What the
+    /// plug-in throws is the outcome's error, without a result.
     ///
     /// A clone needs its destination to be there: where it is missing it is made, with the folders
     /// on the way, before the operation runs, and removed again when that fails or is cancelled. A
@@ -57,6 +58,11 @@ public:
     [[nodiscard]] const Trace& trace() const { return _trace; }
 
 private:
+    /// Fills in the outcome. Returns the value for whose sake the request is refused.
+    [[nodiscard]] std::optional<NEBSourceControlOptionLikeValue> askAndRun(
+        const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+        Outcome& outcome) const;
+
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
     Trace _trace;
 };

@@ -4,6 +4,7 @@
 
 #include "ArrivingPack.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
@@ -20,13 +21,21 @@ std::string folderOf(const NEBSourceControlRequest& request) {
 
 }  // namespace
 
+void cancelOperation(NEBSourceControlOperation& operation) {
+    try {
+        operation.cancel();
+    } catch (...) {
+        NEBSourceControlStoreCurrentException(nullptr);
+    }
+}
+
 HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign) {
     return [&interruption, &sign](NEBSourceControlOperation& operation) {
         ArrivingPack pack(folderOf(*operation.request()));
         const LifeSign::Count count(sign, [&operation, &pack] {
             return operation.commandLog()->receivedBytes() + pack.bytes();
         });
-        const Interruption::Work work(interruption, [&operation] { operation.cancel(); });
+        const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
         operation.start();
     };
 }

@@ -8,6 +8,10 @@
 
 namespace neb::nebsc {
 
+/// Cancels the operation, which then ends in its own time, whatever the plug-in throws meanwhile.
+/// Thread-safe.
+void cancelOperation(NEBSourceControlOperation& operation);
+
 /// Runs an operation on the calling thread; a signal cancels it, and the sign that it is alive
 /// tells how much has come. The interruption and the sign must outlive the runner.
 [[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign);

@@ -1,8 +1,10 @@
 #include "NEBFoundation/NEBSourceControlOperation.h"
 
 #include <gmock/gmock.h>
+#include <pthread.h>
 
 #include <new>
+#include <thread>
 
 #include "Support/Matchers.h"
 
@@ -55,6 +57,18 @@ TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
     operation.start();
     EXPECT_TRUE(operation.isFinished());
     EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("bad_alloc")));
+}
+
+TEST(SourceControlOperation, TheEndOfItsThreadIsNoError) {
+    class Ending : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override { ::pthread_exit(nullptr); }
+    };
+    Ending operation(requestFor(4, std::nullopt));
+    std::thread([&operation] { operation.start(); }).join();
+    EXPECT_FALSE(operation.isFinished());
+    EXPECT_EQ(operation.error(), std::nullopt);
 }
 
 }  // namespace

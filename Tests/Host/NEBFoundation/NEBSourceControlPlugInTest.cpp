@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/OperationQueue.h"
 #include "Support/Matchers.h"
 #include "Support/TemporaryFolder.h"
 
@@ -88,7 +89,8 @@ TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
     const std::string other = NEB_TEST_MODULES "/OtherContract.so";
     EXPECT_EQ(failureOf(other), "The plug-in \"" + other +
                                     "\" was built for version 7 of the host contract; this host "
-                                    "has version 1.");
+                                    "has version " +
+                                    std::to_string(NEBSourceControlContractVersion) + ".");
 }
 
 TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
@@ -97,6 +99,97 @@ TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
     const std::string failure = failureOf("OtherContract.so");
     std::filesystem::current_path(here);
     EXPECT_THAT(failure, HasSubstr("version 7"));
+}
+
+// ---- a plug-in that throws
+// -----------------------------------------------------------------------
+
+constexpr std::string_view unexpected =
+    "The plug-in failed unexpectedly: it threw an exception of the type \"int\".";
+
+/// Has the plug-in throw an int from an entry point.
+class ThrowingPlugIn : public testing::Test {
+protected:
+    void TearDown() override { ::unsetenv("THROWS_FROM"); }
+    static NEBSourceControlPlugInLoad load(const char* entryPoint) {
+        ::setenv("THROWS_FROM", entryPoint, 1);
+        return NEBSourceControlPlugIn::load(NEB_TEST_MODULES "/Throwing.so");
+    }
+    static std::unique_ptr<NEBSourceControlProtocol> controller(const char* entryPoint) {
+        return load(entryPoint).plugIn->makePrincipalClass();
+    }
+
+    std::shared_ptr<NEBSourceControlRequest> request =
+        test::requestFor(NEBSourceControlRequestIgnore, std::nullopt);
+};
+
+TEST_F(ThrowingPlugIn, IsNotLoadedWhereItsDescriptionThrows) {
+    const NEBSourceControlPlugInLoad failed = load("describe");
+    EXPECT_FALSE(failed.plugIn.has_value());
+    EXPECT_EQ(failed.failure, "The plug-in \"" NEB_TEST_MODULES
+                              "/Throwing.so\" could not describe itself. " +
+                                  std::string(unexpected));
+}
+
+TEST_F(ThrowingPlugIn, RefusesEveryRequestWhereItsPrincipalClassCannotBeMade) {
+    const auto principal = controller("makePrincipalClass");
+    ASSERT_NE(principal, nullptr);
+    std::optional<NEBSourceControlError> error;
+    EXPECT_FALSE(principal->validateRequest(*request, &error));
+    EXPECT_THAT(error, test::IsSourceControlError(-1, unexpected));
+    EXPECT_THAT(error, test::HasErrorClass("unknown"));
+    EXPECT_FALSE(principal->validateRequest(*request, nullptr));
+    EXPECT_TRUE(principal->authenticationRequiredForRequest(*request));
+    const auto operation = principal->operationForRequest(request);
+    ASSERT_NE(operation, nullptr);
+    operation->start();
+    EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, unexpected));
+}
+
+TEST_F(ThrowingPlugIn, MayNeedCredentialsWhereThatIsNotKnown) {
+    EXPECT_TRUE(
+        controller("authenticationRequiredForRequest")->authenticationRequiredForRequest(*request));
+    EXPECT_FALSE(controller("")->authenticationRequiredForRequest(*request));
+}
+
+TEST_F(ThrowingPlugIn, RefusesTheRequestWhereItsValidationThrows) {
+    const auto principal = controller("validateRequest");
+    std::optional<NEBSourceControlError> error;
+    EXPECT_FALSE(principal->validateRequest(*request, &error));
+    EXPECT_THAT(error, test::IsSourceControlError(-1, unexpected));
+    EXPECT_FALSE(principal->validateRequest(*request, nullptr));
+}
+
+TEST_F(ThrowingPlugIn, GivesAnOperationThatFailsWhereItCannotMakeOne) {
+    const auto operation = controller("operationForRequest")->operationForRequest(request);
+    ASSERT_NE(operation, nullptr);
+    EXPECT_EQ(operation->request(), request);
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, unexpected));
+    EXPECT_EQ(operation->result(), std::nullopt);
+}
+
+TEST_F(ThrowingPlugIn, HasAnErrorWhereItsOperationThrows) {
+    const auto operation = controller("main")->operationForRequest(request);
+    ASSERT_NE(operation, nullptr);
+    operation->start();
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, unexpected));
+    EXPECT_EQ(operation->result(), std::nullopt) << "it may be half of one";
+}
+
+TEST_F(ThrowingPlugIn, DoesNotEndTheThreadsOfAQueue) {
+    for (const char* entryPoint : {"start", "cancel"}) {
+        const auto operation = controller(entryPoint)->operationForRequest(request);
+        OperationQueue queue(1);
+        queue.addOperation(operation);
+        queue.cancelAllOperations();
+        bool ranAfterIt = false;
+        queue.addBlock([&ranAfterIt] { ranAfterIt = true; });
+        queue.waitUntilAllOperationsAreFinished();
+        EXPECT_TRUE(ranAfterIt) << entryPoint;
+    }
 }
 
 }  // namespace

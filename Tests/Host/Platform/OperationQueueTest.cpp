@@ -1,6 +1,7 @@
 #include "Platform/OperationQueue.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -134,6 +135,26 @@ TEST_F(OperationQueueTest, GoingItFinishesWhatItsWorkAdds) {
         });
     }
     EXPECT_EQ(done, rounds * static_cast<int>(width + 1));
+}
+
+TEST_F(OperationQueueTest, WorkThatThrowsEndsNoThread) {
+    OperationQueue queue(1);
+    bool ran = false;
+    queue.addBlock([] { throw 42; });
+    queue.addBlock([&ran] { ran = true; });
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(OperationQueueTest, WorkThatEndsItsThreadKeepsNoneFromRunning) {
+    OperationQueue queue(1);
+    std::atomic<int> ran = 0;
+    queue.addBlock([] { ::pthread_exit(nullptr); });
+    queue.addBlock([&ran] { ++ran; });
+    queue.waitUntilAllOperationsAreFinished();
+    queue.addBlock([&ran] { ++ran; });
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(ran, 2);
 }
 
 TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {

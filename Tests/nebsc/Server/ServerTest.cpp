@@ -10,6 +10,7 @@
 #include <sstream>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Support/HygienicTest.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -80,7 +81,7 @@ TEST(Server, TellsWhatItIs) {
     const JSON result = client.initialize()["result"];
     EXPECT_EQ(result["serverInfo"]["name"], "nebsc");
     EXPECT_NE(result["serverInfo"]["version"], "");
-    EXPECT_EQ(result["contractVersion"], 1);
+    EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);
     EXPECT_THAT(result["gitVersion"].get<std::string>(), testing::StartsWith("git version "));
     EXPECT_EQ(result["requestTypes"].size(), 40U);
     EXPECT_EQ(result["requestTypes"][18], JSON({{"type", 18}, {"name", "log"}}));

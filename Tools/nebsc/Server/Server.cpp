@@ -11,6 +11,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "OperationRun.h"
 #include "OutcomeJSON.h"
 #include "Platform/ErrnoText.h"
 #include "RequestJSON.h"
@@ -239,7 +240,7 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
 std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
                              bool isRun) const {
     const HostSession::Runner run = [&job](NEBSourceControlOperation& operation) {
-        const Job::Work work(job, [&operation] { operation.cancel(); });
+        const Job::Work work(job, [&operation] { cancelOperation(operation); });
         operation.start();
     };
     const Performance performance = _session.perform(request, isRun ? run : HostSession::Runner());

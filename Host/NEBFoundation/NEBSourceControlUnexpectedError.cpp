@@ -1,0 +1,83 @@
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <typeinfo>
+#include <utility>
+
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+
+namespace neb {
+
+namespace {
+
+/// As the source writes it: "int". Empty where it is not known.
+std::string nameOfCurrentExceptionType() {
+    const std::type_info* type = abi::__cxa_current_exception_type();
+    if (type == nullptr) {
+        return {};
+    }
+    int status = 0;
+    const std::unique_ptr<char, void (*)(void*)> name(
+        abi::__cxa_demangle(type->name(), nullptr, nullptr, &status), &std::free);
+    return name ? name.get() : type->name();
+}
+
+NEBSourceControlError unexpectedError(const std::string& description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
+    error.errorClass = NEBSourceControlUnknownErrorClass;
+    return error;
+}
+
+}  // namespace
+
+NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
+    try {
+        throw;
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (const std::exception& exception) {
+        return unexpectedError(std::string("The operation could not be completed: ") +
+                               exception.what() + ".");
+    } catch (...) {
+        const std::string type = nameOfCurrentExceptionType();
+        return unexpectedError("The plug-in failed unexpectedly: it threw an exception" +
+                               (type.empty() ? "." : " of the type \"" + type + "\"."));
+    }
+}
+
+void NEBSourceControlStoreCurrentException(std::optional<NEBSourceControlError>* error) {
+    try {
+        auto unexpected = NEBSourceControlErrorOfCurrentException();
+        if (error != nullptr) {
+            *error = std::move(unexpected);
+        }
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+std::shared_ptr<NEBSourceControlOperation> NEBSourceControlFailingOperation(
+    const std::shared_ptr<NEBSourceControlRequest>& request, NEBSourceControlError error) {
+    auto operation = initWithRequest<NEBSourceControlOperation>(request);
+    if (operation) {
+        operation->setError(std::move(error));
+    }
+    return operation;
+}
+
+std::shared_ptr<NEBSourceControlOperation> NEBSourceControlOperationOfCurrentException(
+    const std::shared_ptr<NEBSourceControlRequest>& request) {
+    try {
+        return NEBSourceControlFailingOperation(request, NEBSourceControlErrorOfCurrentException());
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+}  // namespace neb

@@ -1,13 +1,27 @@
 #include "GitOperations/GitCopy.h"
 
-#include <cerrno>
-#include <exception>
-
 #include "GitOperations/GitTrackedFiles.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/PathString.h"
 
 namespace neb {
+
+namespace {
+
+/// Waits for the queue's work when it ends, also by an exception: that work uses the operation.
+class WaitAtEnd {
+public:
+    explicit WaitAtEnd(OperationQueue& queue) : _queue(queue) {}
+    WaitAtEnd(const WaitAtEnd&) = delete;
+    WaitAtEnd& operator=(const WaitAtEnd&) = delete;
+    ~WaitAtEnd() { _queue.waitUntilAllOperationsAreFinished(); }
+
+private:
+    OperationQueue& _queue;
+};
+
+}  // namespace
 
 void GitFileSystemOperation::main() {
     if (error()) {
@@ -15,6 +29,7 @@ void GitFileSystemOperation::main() {
     }
     const auto queue = std::make_shared<OperationQueue>();
     setOperationQueue(queue);
+    const WaitAtEnd wait(*queue);
     queue->addBlock([this] { doWork(); });
     // Without a destination the add would take whatever else the request names.
     const bool hasDestination = request()->destination.isPresent();
@@ -23,15 +38,14 @@ void GitFileSystemOperation::main() {
     setResult(add ? add->result() : std::nullopt);
 }
 
-/// A block of a queue must not throw.
+/// What is thrown on the queue would get lost there.
 void GitFileSystemOperation::doWork() {
     try {
         if (const auto failure = work(_fileManager)) {
             setError(NEBSourceControlErrorFromFileFailure(*failure));
         }
-    } catch (const std::exception& exception) {
-        setError(NEBSourceControlErrorFromFileFailure(
-            {ENOMEM, std::string("The work could not be done: ") + exception.what() + "."}));
+    } catch (...) {
+        setError(NEBSourceControlErrorOfCurrentException());
     }
 }
 

@@ -2,8 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
+#include <stdexcept>
 #include <thread>
 
 #include "Support/HygienicTest.h"
@@ -242,6 +245,53 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
     EXPECT_EQ(count(), 2) << "something is left beside the file and the repository";
     EXPECT_FALSE(exists(".git/index.lock"));
     EXPECT_EQ(tracked(), "");
+}
+
+// ---- what is thrown ---------------------------------------------------------------------------
+
+/// A value of a host that cannot be read.
+class Unreadable : public NEBObject {
+public:
+    [[nodiscard]] std::string descriptionForAssertionMessage() const override {
+        throw std::runtime_error("no description");
+    }
+};
+
+/// Works until the main thread has had ample time to leave.
+class SlowWork : public GitFileSystemOperation {
+public:
+    using GitFileSystemOperation::GitFileSystemOperation;
+    std::shared_ptr<std::atomic<bool>> isDone = std::make_shared<std::atomic<bool>>(false);
+
+protected:
+    std::optional<FileFailure> work(FileManager& /*manager*/) override {
+        const auto done = isDone;
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        *done = true;
+        return std::nullopt;
+    }
+};
+
+TEST_F(FileSystemWork, EndsBeforeTheOperationThoughTheAddCannotBeMade) {
+    const auto asked = request(10, {}, "");
+    asked->destination = NEBValue(std::make_shared<const Unreadable>());
+    const auto operation = std::make_shared<SlowWork>(asked);
+    operation->start();
+    EXPECT_TRUE(*operation->isDone) << "or it works on in an operation that is gone";
+    EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, HasSubstr("no description")));
+}
+
+TEST_F(FileSystemWork, HasAnErrorOfWhatItThrows) {
+    class Throwing : public GitFileSystemOperation {
+    public:
+        using GitFileSystemOperation::GitFileSystemOperation;
+
+    protected:
+        std::optional<FileFailure> work(FileManager& /*manager*/) override { throw 42; }
+    };
+    const auto operation = std::make_shared<Throwing>(request(8, {}, "folder"));
+    operation->start();
+    EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, HasSubstr("\"int\"")));
 }
 
 }  // namespace

@@ -34,11 +34,31 @@ std::string_view wordsInName(std::string_view name) {
                                                         : "'";
 }
 
-/// The words behind which the line holds but names, without quotes around them, or the far end's
-/// words; the line as it is where it holds none.
+/// The line without the progress of a rebase in front of it, which ends with a carriage return.
+std::string_view withoutProgress(std::string_view line) {
+    constexpr std::string_view progress = "rebasing (";
+    while (startsWith(line, progress) && line.find('\r') != std::string_view::npos) {
+        line.remove_prefix(line.find('\r') + 1);
+    }
+    return line;
+}
+
+/// The part of the line in front of names without quotes, of a commit's subject or of the remote's
+/// message; the line as it is where it holds none.
 std::string_view ownWordsOf(std::string_view line) {
-    constexpr std::string_view lastWords[] = {"conflict (", "auto-merging ", "fatal: no such path ",
-                                              "fatal: remote error: "};
+    constexpr std::string_view lastWords[] = {"conflict (",
+                                              "auto-merging ",
+                                              "fatal: no such path ",
+                                              "fatal: remote error: ",
+                                              "on branch ",
+                                              "could not apply ",
+                                              "error: could not apply ",
+                                              "error: could not revert ",
+                                              "dropping ",
+                                              "applying: ",
+                                              "patch failed at ",
+                                              "head is now at ",
+                                              "previous head position was "};
     constexpr std::string_view knownReasons[] = {
         "hook declined)", "(branch is currently checked out)", "(shallow update not allowed)",
         "repository not found", "repository not exported"};
@@ -94,7 +114,7 @@ std::string linesOf(std::string_view text, const Predicate& isKept) {
         const std::size_t end = text.find('\n');
         const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
         if (isKept(text.substr(0, length))) {
-            kept += withoutNames(ownWordsOf(text.substr(0, length)));
+            kept += withoutNames(ownWordsOf(withoutProgress(text.substr(0, length))));
             kept += kept.ends_with('\n') ? "" : "\n";
         }
         text.remove_prefix(length);

@@ -484,6 +484,31 @@ TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
         {"error: something about 'permission denied'", "unknown"},
         {"fatal: couldn't find remote ref 'bad revision '", "remote-branch-unknown"},
         {"error: 'permission denied without an end", "permission-denied"},
+        {"On branch multi-pack-index\nnothing to commit, working tree clean", "nothing-to-commit"},
+    };
+    for (const auto& [text, errorClass] : texts) {
+        EXPECT_EQ(NEBSourceControlErrorClassOfText(text), errorClass) << text;
+    }
+}
+
+TEST(ErrorClasses, SubjectsOfCommitsAreNotGitsWords) {
+    const std::pair<const char*, const char*> texts[] = {
+        {"error: could not apply 1db7596... handle No space left on device\n"
+         "Could not apply 1db7596... handle No space left on device",
+         "conflict"},
+        {"Rebasing (1/2)\rRebasing (2/2)\rerror: could not apply 1db7596... Permission denied",
+         "conflict"},
+        {"dropping 1db7596 out of memory -- patch contents already upstream\n"
+         "error: could not apply 2db7596... one",
+         "conflict"},
+        {"Applying: handle Permission denied\nPatch failed at 0001 handle Permission denied\n"
+         "CONFLICT (content): Merge conflict in f",
+         "conflict"},
+        {"Previous HEAD position was 1db7596 Input/output error\nHEAD is now at 2db7596 early EOF\n"
+         "error: pathspec 'x' did not match any file(s) known to git",
+         "path-unknown"},
+        {"error: could not revert 1db7596... Permission denied", "merge-failed"},
+        {"Rebasing (1/1)\rfatal: bad pack compression level 'x'", "configuration-broken"},
     };
     for (const auto& [text, errorClass] : texts) {
         EXPECT_EQ(NEBSourceControlErrorClassOfText(text), errorClass) << text;

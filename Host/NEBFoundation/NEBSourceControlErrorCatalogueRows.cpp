@@ -413,7 +413,6 @@ constexpr ErrorCatalogueRow rows[] = {
        {"public key does not match pinned public key"},
        {"error reading ca cert file"},
        {"server ssl certificate verification failed"},   // Subversion
-       {"server certificate verification failed: "},     // Subversion
        {"error validating server certificate for "}}}},  // Subversion
     {"client-certificate-refused",
      authentication,
@@ -541,7 +540,6 @@ constexpr ErrorCatalogueRow rows[] = {
      {{{"the receiving end asked to sign an invalid nonce"},
        {"unknown object format '", "' specified by server"},
        {"mismatched algorithms: client "},
-       {"the server does not support algorithm"},
        {"cannot fetch by sha1 over smart http"},
        {"git-over-rsync is no longer supported"},
        {"support for protocol v2 not implemented"}}}},
@@ -1243,7 +1241,6 @@ constexpr ErrorCatalogueRow rows[] = {
        {"\nfatal: expected '"},
        {"fatal: invalid hash"},
        {"without a matching 'ok/"},
-       {"unexpected flush packet while reading remote unpack status"},
        {" bytes of body are still expected"},
        {" bytes of length header were received"},
        {"could not determine hash algorithm"},

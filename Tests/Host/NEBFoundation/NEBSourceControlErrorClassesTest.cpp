@@ -30,8 +30,10 @@ TEST(ErrorClassTable, HasASentenceForEachClassAndEachClassOnce) {
 }
 
 TEST(ErrorClassTable, HasEveryClassOfTheCatalogue) {
-    for (const ErrorCatalogueRow& row : errorCatalogueRows()) {
-        EXPECT_NE(NEBSourceControlErrorClassNamed(row.errorClass), nullptr) << row.errorClass;
+    for (const auto rows : {errorCatalogueRows(), generalErrorCatalogueRows()}) {
+        for (const ErrorCatalogueRow& row : rows) {
+            EXPECT_NE(NEBSourceControlErrorClassNamed(row.errorClass), nullptr) << row.errorClass;
+        }
     }
 }
 

@@ -269,6 +269,15 @@ TEST_F(DoctorRepository, AMessageOfFsckOnTwoLinesIsOneFindingAndAWarningIsANote)
     EXPECT_EQ(found[1]["text"], "broken link from tree 1 to blob 2");
 }
 
+TEST_F(DoctorRepository, AFsckThatIsKilledHasFoundNoDamage) {
+    repository.commitFile("a.c", "1\n");
+    const StandInGit git(repository.path(),
+                         "case \"$*\" in *fsck*) kill -9 $$;; "
+                         "*) exec /usr/bin/git \"$@\";; esac");
+    EXPECT_THAT(findingsIn(repository.path(), "fsck", {git.path()}, {"--full"}),
+                IsOneFinding("problem", HasSubstr("git fsck did not complete: "), ""));
+}
+
 TEST_F(DoctorRepository, AFsckThatTakesLongEndsWithASignal) {
     repository.commitFile("a.c", "1\n");
     const StandInGit git(repository.path(),

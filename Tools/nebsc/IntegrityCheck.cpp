@@ -48,7 +48,10 @@ void checkIntegrity(Examination& examination) {
                         "and " + std::to_string(messages.size() - mostFindings) + " more",
                         "\"git fsck --full\" prints all of them.");
     }
-    if (hasFailed) {
+    if (!outcome.status.exitStatus()) {
+        examination.add(Health::problem, subject,
+                        "git fsck did not complete: " + outcome.status.description());
+    } else if (hasFailed) {
         examination.add(Health::problem, subject,
                         "git fsck found damage: " + outcome.status.description(),
                         "Missing and damaged objects come back with a fetch from another clone of "

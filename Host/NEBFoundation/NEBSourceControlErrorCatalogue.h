@@ -29,6 +29,9 @@ inline constexpr NEBConstant NEBSourceControlUpToDateErrorClass{"up-to-date"};
 inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown"};
 inline constexpr NEBConstant NEBSourceControlRemoteBranchUnknownErrorClass{"remote-branch-unknown"};
 inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision-unknown"};
+inline constexpr NEBConstant NEBSourceControlNoCommitsYetErrorClass{"no-commits-yet"};
+inline constexpr NEBConstant NEBSourceControlReferenceBrokenErrorClass{"reference-broken"};
+inline constexpr NEBConstant NEBSourceControlObjectsDamagedErrorClass{"objects-damaged"};
 
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
 /// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else

@@ -85,6 +85,10 @@ void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
     if (const auto branch = name.empty() ? currentBranch() : std::nullopt) {
         name = printable(*branch);
     }
+    if (const auto broken = name.empty() ? brokenReference("HEAD") : std::nullopt) {
+        addFailure(reply, failureWith(*broken));
+        return;
+    }
     if (name.empty()) {
         addFailure(reply, refusal(whereInsteadOfBranch(), exitFailed));
         return;
@@ -128,15 +132,17 @@ std::optional<Reply> CreateTask::look() {
         return std::nullopt;
     }
     if (!start) {
-        return isWithoutCommits()
-                   ? std::optional(refusal("There is no commit yet at which a branch could start.",
-                                           exitFailed, "no-commits-yet"))
-                   : std::nullopt;
+        if (!isWithoutCommits()) {
+            return std::nullopt;
+        }
+        const auto broken = brokenReference("HEAD");
+        return broken ? failureWith(*broken)
+                      : refusal("There is no commit yet at which a branch could start.", exitFailed,
+                                NEBSourceControlNoCommitsYetErrorClass.text());
     }
     const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
     return !isForGit && askForCommit(*start).status.exitStatus() == 1
-               ? std::optional(refusal("There is no revision " + inQuotes(*start) + ".", exitFailed,
-                                       NEBSourceControlRevisionUnknownErrorClass.text()))
+               ? std::optional(refusalOfUnknownRevision(*start))
                : std::nullopt;
 }
 

@@ -78,6 +78,9 @@ std::optional<Reply> CheckoutTask::look() {
         askForCommit(branch()).status.isSuccess()) {
         return std::nullopt;
     }
+    if (const auto broken = brokenReference(branch())) {
+        return failureWith(*broken);
+    }
     const bool isOnDisk = isAnythingAt(pathByAppendingComponent(place().location, branch()));
     const std::string name = inQuotes(branch());
     if (isBranchOfRemote()) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "BrokenReference.h"
 #include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "OperationRun.h"
@@ -136,6 +137,7 @@ Reply CommandTask::replyTo(Outcome& outcome) {
     if (outcome.result) {
         reply.standardOutput = textOfResult(*outcome.result);
     }
+    explainBrokenHEAD(outcome);
     if ((outcome.error && isAnswer(*outcome.error)) || !noteFailure(reply, outcome, silence())) {
         conclude(outcome, reply);
     } else if (outcome.error) {
@@ -143,6 +145,19 @@ Reply CommandTask::replyTo(Outcome& outcome) {
     }
     addNotes(reply, outcome);
     return reply;
+}
+
+/// git says of a broken branch, too, that it does not know "HEAD", or that there is no commit yet.
+void CommandTask::explainBrokenHEAD(Outcome& outcome) {
+    if (!outcome.error || (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
+                           outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
+                           outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
+        return;
+    }
+    if (auto broken = brokenReference("HEAD")) {
+        outcome.error->errorClass = broken->errorClass;
+        outcome.error->userInfo.addEntriesFrom(broken->userInfo);
+    }
 }
 
 void CommandTask::addNotes(Reply& reply, Outcome& outcome) const {
@@ -234,6 +249,20 @@ ChildOutcome CommandTask::askForCommit(const std::string& revision) {
 
 bool CommandTask::isWithoutCommits() {
     return ask({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
+}
+
+std::optional<NEBSourceControlError> CommandTask::brokenReference(const std::string& revision) {
+    return brokenReferenceIn(revision, _place.location, [this](std::vector<std::string> arguments) {
+        return ask(std::move(arguments));
+    });
+}
+
+Reply CommandTask::refusalOfUnknownRevision(const std::string& revision) {
+    if (const auto broken = brokenReference(revision)) {
+        return failureWith(*broken);
+    }
+    return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
+                   NEBSourceControlRevisionUnknownErrorClass.text());
 }
 
 std::optional<std::string> CommandTask::latestCommit() {

@@ -118,6 +118,11 @@ protected:
     [[nodiscard]] ChildOutcome askForCommit(const std::string& revision);
     /// Whether HEAD names no commit yet. One whose commit is lost is another matter.
     [[nodiscard]] bool isWithoutCommits();
+    /// The error that names the reference of the revision, where it is broken; see
+    /// brokenReferenceIn(). Asked where git knows no such revision.
+    [[nodiscard]] std::optional<NEBSourceControlError> brokenReference(const std::string& revision);
+    /// The reply for a revision that git does not know: its reference is broken, or there is none.
+    [[nodiscard]] Reply refusalOfUnknownRevision(const std::string& revision);
     /// The latest commit, 12 characters; nothing when there is none.
     [[nodiscard]] std::optional<std::string> latestCommit();
 
@@ -143,6 +148,8 @@ private:
     [[nodiscard]] std::optional<Reply> refusalOfEmptyNames() const;
     [[nodiscard]] std::optional<Reply> readPaths();
     [[nodiscard]] Reply replyTo(Outcome& outcome);
+    /// Names the current branch in an error that comes from its being broken.
+    void explainBrokenHEAD(Outcome& outcome);
     /// Adds what belongs to a reply about an outcome in any case. A failure that is the command's
     /// alone becomes the outcome's, so that a program is told of it.
     void addNotes(Reply& reply, Outcome& outcome) const;

@@ -61,6 +61,9 @@ std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeT
     }
     if (mustBeThere && !isAnythingAt(*search.path) &&
         !answer({"ls-files", "-z", "--", *search.path})) {
+        if (const auto broken = brokenReference(word)) {
+            return failureWith(*broken);
+        }
         return refusal("There is no revision and no file " + inQuotes(word) +
                            "; put \"--\" in front of the name of a file that is gone.",
                        exitFailed, NEBSourceControlRevisionUnknownErrorClass.text());
@@ -72,9 +75,7 @@ std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeT
 std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevision, Words& words) {
     const auto revisions = words.files.empty() ? revisionsIn(word) : std::nullopt;
     if (!revisions) {
-        return mustBeRevision ? refusal("There is no revision " + inQuotes(word) + ".", exitFailed,
-                                        NEBSourceControlRevisionUnknownErrorClass.text())
-                              : takeFile(word, true, words);
+        return mustBeRevision ? refusalOfUnknownRevision(word) : takeFile(word, true, words);
     }
     const PathSearch search = findAbsolutePath(currentFolder(), word);
     if (!mustBeRevision && search.path && isAnythingAt(*search.path)) {
@@ -163,27 +164,26 @@ std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision)
         return std::nullopt;
     }
     if (revision.starts_with('^')) {
-        return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
-                       NEBSourceControlRevisionUnknownErrorClass.text());
+        return refusalOfUnknownRevision(revision);
     }
     const ChildOutcome commit = askForCommit(revision);
     if (commit.status.isSuccess()) {
         return std::nullopt;
     }
-    return commit.status.exitStatus() == 1
-               ? refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
-                         NEBSourceControlRevisionUnknownErrorClass.text())
-               : failureOf(commit);
+    return commit.status.exitStatus() == 1 ? refusalOfUnknownRevision(revision) : failureOf(commit);
 }
 
 std::optional<Reply> HistoryTask::refusalWithoutCommits() {
     if (!isWithoutCommits()) {
         return std::nullopt;
     }
+    if (const auto broken = brokenReference("HEAD")) {
+        return failureWith(*broken);
+    }
     const std::string branch =
         answer({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
     return refusal("There are no commits yet on the current branch " + inQuotes(branch) + ".",
-                   exitFailed, "no-commits-yet");
+                   exitFailed, NEBSourceControlNoCommitsYetErrorClass.text());
 }
 
 std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) const {

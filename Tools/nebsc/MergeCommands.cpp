@@ -38,10 +38,13 @@ std::optional<Reply> MergeTask::look() {
     _commitBefore = latestCommit();
     _isMergedAlready = !revision().starts_with('-') &&
                        ask({"merge-base", "--is-ancestor", revision(), "HEAD"}).status.isSuccess();
-    if (!_isMergedAlready) {
-        setSides("HEAD", revision());
+    if (_isMergedAlready) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    setSides("HEAD", revision());
+    const bool isUnknown = askForCommit(revision()).status.exitStatus() == 1;
+    const auto broken = isUnknown ? brokenReference(revision()) : std::nullopt;
+    return broken ? std::optional(failureWith(*broken)) : std::nullopt;
 }
 
 std::shared_ptr<NEBSourceControlRequest> MergeTask::request() {
@@ -95,8 +98,7 @@ private:
 std::optional<Reply> MergeBaseTask::look() {
     for (const std::string& name : {revision("A"), revision("B")}) {
         if (!name.starts_with('-') && askForCommit(name).status.exitStatus() == 1) {
-            return refusal("There is no revision " + inQuotes(name) + ".", exitFailed,
-                           NEBSourceControlRevisionUnknownErrorClass.text());
+            return refusalOfUnknownRevision(name);
         }
     }
     return std::nullopt;

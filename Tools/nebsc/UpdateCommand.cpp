@@ -88,6 +88,9 @@ std::optional<Reply> UpdateTask::findSource() {
     }
     const auto branch = currentBranch();
     const auto tracking = branch ? trackingOf(*branch) : std::nullopt;
+    if (const auto broken = branch ? std::nullopt : brokenReference("HEAD")) {
+        return failureWith(*broken);
+    }
     if (!tracking) {
         Reply reply = refusal(branch ? "The current branch " + inQuotes(*branch) +
                                            " tracks no branch, so it is not known what is new."

@@ -1,0 +1,132 @@
+// A branch whose file is damaged, and one whose commit is lost: no command says that there is no
+// such branch or no commit.
+
+#include <filesystem>
+
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class BrokenReference : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("a", "1\n");
+        repository.git({"branch", "topic"});
+        repository.commitFile("a", "2\n");
+    }
+    void breakReference(const std::string& name, std::string_view content = "junk\n") const {
+        repository.write(".git/" + name, content);
+    }
+    void expectNamed(const std::vector<std::string>& words, const std::string& name,
+                     const std::string& reason) const {
+        SCOPED_TRACE(words.front());
+        expectFailed(nebsc(words),
+                     StartsWith("nebsc: The reference \"" + name + "\" is broken: " + reason));
+    }
+
+    static constexpr const char* junk = "its file does not hold the name of a commit.\n";
+};
+
+TEST_F(BrokenReference, OfTheCurrentBranchIsNamedByEveryCommand) {
+    breakReference("refs/heads/main");
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"log"},
+                                               {"log", "HEAD"},
+                                               {"log", "main"},
+                                               {"log", "--branch", "main"},
+                                               {"blame", "a"},
+                                               {"blame", "main~1", "a"},
+                                               {"diff"},
+                                               {"diff", "HEAD", "--", "a"},
+                                               {"ls"},
+                                               {"export", "main", "a", "../exported"},
+                                               {"branch", "list"},
+                                               {"branch", "current"},
+                                               {"branch", "create", "new"},
+                                               {"branch", "create", "new", "main"},
+                                               {"merge", "main"},
+                                               {"merge-base", "main", "topic"},
+                                               {"checkout", "main"},
+                                               {"commit", "-m", "m", "a"},
+                                               {"update"}}) {
+        expectNamed(words, "refs/heads/main", junk);
+    }
+}
+
+TEST_F(BrokenReference, HasAnEmptyFile) {
+    breakReference("refs/heads/main", "");
+    expectNamed({"log"}, "refs/heads/main", "its file is empty.\n");
+}
+
+TEST_F(BrokenReference, TellsWhereItsCommitsAreListed) {
+    breakReference("refs/heads/main");
+    const std::string folder = repository.path(".git/");
+    EXPECT_THAT(nebsc({"log"}).errors,
+                HasSubstr("\nWrite the last commit in \"" + folder +
+                          "logs/refs/heads/main\" into the file \"" + folder +
+                          "refs/heads/main\", or remove that file and fetch the branch again.\n"));
+    fs::remove_all(repository.path(".git/logs"));
+    EXPECT_THAT(nebsc({"log"}).errors, HasSubstr("\nWrite the name of its commit into the file"));
+}
+
+TEST_F(BrokenReference, OfAnotherBranchIsNamedWhereThatIsAsked) {
+    breakReference("refs/heads/topic");
+    breakReference("refs/tags/v1");
+    expectNamed({"log", "topic"}, "refs/heads/topic", junk);
+    expectNamed({"log", "main..topic", "--"}, "refs/heads/topic", junk);
+    expectNamed({"diff", "v1"}, "refs/tags/v1", junk);
+    EXPECT_EQ(nebsc({"log"}).exitStatus, 0);
+    expectFailed(nebsc({"log", "nosuch", "--"}), "nebsc: There is no revision \"nosuch\".\n");
+    expectFailed(nebsc({"log", "config", "--"}), "nebsc: There is no revision \"config\".\n");
+    expectFailed(nebsc({"log", "../config", "--"}), "nebsc: There is no revision \"../config\".\n");
+}
+
+TEST_F(BrokenReference, NamesACommitThatIsLost) {
+    const std::string lost(40, '1');
+    breakReference("refs/heads/topic", lost + "\n");
+    expectNamed({"log", "topic"}, "refs/heads/topic",
+                "it names 111111111111, which is not in the repository");
+    EXPECT_EQ(nebsc({"log", "--json", "topic"}).json()["error"]["class"], "objects-damaged");
+    breakReference("refs/heads/main", lost + "\n");
+    expectNamed({"log"}, "refs/heads/main", "it names 111111111111");
+}
+
+TEST_F(BrokenReference, StandsForItself) {
+    breakReference("refs/heads/main", "ref: refs/heads/main\n");
+    expectNamed({"log"}, "refs/heads/main", "it stands for itself.\n");
+}
+
+TEST_F(BrokenReference, HasItsClassForPrograms) {
+    breakReference("refs/heads/main");
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"log", "--json"}, {"blame", "--json", "a"}, {"diff", "--json"}}) {
+        const auto json = nebsc(words).json();
+        EXPECT_EQ(json["error"]["class"], "reference-broken") << words.front();
+        EXPECT_THAT(json["error"]["localizedDescription"].dump(), HasSubstr("refs/heads/main"));
+    }
+}
+
+TEST_F(BrokenReference, IsALineOfPackedRefs) {
+    breakReference("packed-refs");
+    for (const char* command : {"log", "diff", "ls", "status"}) {
+        const NebscOutcome outcome = nebsc({command});
+        EXPECT_THAT(outcome.errors, HasSubstr("packed-refs")) << command;
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("no commits"))) << command;
+        EXPECT_EQ(outcome.exitStatus, 1) << command;
+    }
+}
+
+TEST_F(BrokenReference, IsNotABranchWithoutACommit) {
+    repository.git({"checkout", "--quiet", "--orphan", "fresh"});
+    expectFailed(nebsc({"log"}),
+                 "nebsc: There are no commits yet on the current branch \"fresh\".\n");
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -106,6 +106,25 @@ TEST_F(BlameCommand, WhatCannotBeBlamedIsNamed) {
                  testing::StartsWith("nebsc: The folder is not in a git repository."));
 }
 
+TEST_F(BlameCommand, ABareRepositoryHasFilesToo) {
+    repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
+    const auto inBare = [this](std::vector<std::string> words) {
+        words.insert(words.begin(), "blame");
+        return runNebsc(words,
+                        {.folder = repository.path("../bare.git"), .variables = {{"TZ", "UTC"}}});
+    };
+    const std::string file = "src/grüße dir/b c.c";
+    const NebscOutcome shown = inBare({"HEAD~1", file});
+    expectDone(shown, runNebsc({"blame", "HEAD~1", file},
+                               {.folder = repository.path(), .variables = {{"TZ", "UTC"}}})
+                          .output);
+    EXPECT_THAT(shown.output, HasSubstr("Ann Example"));
+    EXPECT_EQ(inBare({"HEAD~1", "./src/../" + file}).output, shown.output);
+    expectDone(inBare({file}), inBare({"HEAD", file}).output);
+    expectFailed(inBare({"HEAD", "nosuch"}), HasSubstr("nosuch"));
+    expectFailed(inBare({"HEAD", "../nosuch"}), HasSubstr("nosuch"));
+}
+
 TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {
     const NebscOutcome outcome = blame({"--json", "HEAD~1", "grüße dir/b c.c"}, "src");
     const JSON json = outcome.json();

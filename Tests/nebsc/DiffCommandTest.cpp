@@ -52,7 +52,40 @@ TEST_F(DiffCommand, NamesAreShownAsSeenFromTheCurrentFolder) {
                "deleted    grüße dir/b c.c\n"
                "renamed    ../a.c -> new näme.c\n"
                "added      ../z\n");
-    expectDone(nebsc({"diff", "--name-status", "--", "z", "gone"}), "added      z\n");
+    expectDone(nebsc({"diff", "--name-status", "--", "z", "a.c"}),
+               "deleted    a.c\nadded      z\n");
+}
+
+TEST_F(DiffCommand, AFileThatIsNotComparedIsNamed) {
+    repository.write("src/new.c", "1\n");
+    repository.write("folder/new.c", "1\n");
+    const auto expectSaid = [](const NebscOutcome& outcome, const std::string& errors) {
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.errors, errors);
+        EXPECT_EQ(outcome.exitStatus, 0) << "as of git";
+    };
+    const std::string reason = " is not tracked, so it is not compared; \"nebsc add\" tracks it.\n";
+    expectSaid(nebsc({"diff", "new.c"}, "src"), "\"new.c\"" + reason);
+    expectSaid(nebsc({"diff", "--name-status", "HEAD~1", "--", "src/new.c", "folder"}),
+               "\"src/new.c\"" + reason + "\"folder\"" + reason);
+    expectSaid(nebsc({"diff", "--", "gone"}),
+               "There is no file or folder \"gone\", neither on disk nor in \"HEAD\".\n");
+    expectSaid(nebsc({"diff", "a.c"}), "");
+    expectSaid(nebsc({"diff", "src"}), "");
+    EXPECT_EQ(nebsc({"diff", "--json", "src/new.c"}).errors, "");
+    repository.git({"rm", "--quiet", "--cached", "a.c"});
+    EXPECT_EQ(nebsc({"diff", "a.c"}).errors, "") << "it is shown as deleted";
+}
+
+TEST_F(DiffCommand, ABareRepositoryHasFilesToo) {
+    repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
+    const auto inBare = [this](std::vector<std::string> words) {
+        words.insert(words.begin(), "diff");
+        return runNebsc(words, {.folder = repository.path("../bare.git")});
+    };
+    expectDone(inBare({"--name-status", "HEAD~1", "HEAD", "src"}),
+               "added      src/grüße dir/b c.c\n");
+    expectDone(inBare({"HEAD~1", "HEAD", "--", "a.c"}));
 }
 
 TEST_F(DiffCommand, ANameThatGitQuotesKeepsBothQuotes) {

@@ -96,7 +96,7 @@ TEST_F(LogCommand, AFilesNameIsNoPattern) {
     expectDone(log({"[a].c"}), line("HEAD", "Brackets"));
 }
 
-TEST_F(LogCommand, ARangeShowsBothSides) {
+TEST_F(LogCommand, ARangeHasGitsMeaning) {
     repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
     repository.commitFile("t.c", "1\n", "On topic");
     const auto subjects = [this](const std::string& range) {
@@ -104,14 +104,34 @@ TEST_F(LogCommand, ARangeShowsBothSides) {
         return std::pair{shown.find("On topic") != std::string::npos,
                          shown.find("Third") != std::string::npos};
     };
-    for (const char* range : {"main..topic", "topic..main", "main...topic", "main..", "..main"}) {
-        EXPECT_EQ(subjects(range), std::pair(true, true)) << range;
-        EXPECT_THAT(log({range}).output, testing::Not(HasSubstr("First"))) << range;
-    }
-    const JSON json = log({"--json", "main..topic", "t.c"}).json();
-    EXPECT_THAT(json["command"]["arguments"].dump(), HasSubstr(R"("main...topic")"));
+    // In this order: what topic has, what main has.
+    const std::pair<bool, bool> onlyTopic(true, false);
+    const std::pair<bool, bool> onlyMain(false, true);
+    const std::pair<bool, bool> both(true, true);
+    EXPECT_EQ(subjects("main..topic"), onlyTopic);
+    EXPECT_EQ(subjects("main.."), onlyTopic);
+    EXPECT_EQ(subjects("topic..main"), onlyMain);
+    EXPECT_EQ(subjects("..main"), onlyMain);
+    EXPECT_EQ(subjects("main...topic"), both);
+    EXPECT_EQ(subjects("topic...main"), both);
+    EXPECT_EQ(subjects("...main"), both);
+    EXPECT_THAT(log({"main...topic"}).output, testing::Not(HasSubstr("First")));
+    EXPECT_EQ(log({"topic..HEAD"}).errors, "There are no such commits.\n");
+    const auto arguments = [this](const std::string& range) {
+        return log({"--json", range, "t.c"}).json()["command"]["arguments"].dump();
+    };
+    EXPECT_THAT(arguments("main..topic"), HasSubstr(R"("main..topic")"));
+    EXPECT_THAT(arguments("main...topic"), HasSubstr(R"("main...topic")"));
     expectFailed(log({"main..topic", "main"}), HasSubstr("two revisions at most"), 2);
+    expectFailed(log({"main", "topic"}), HasSubstr("write A..B or A...B"), 2);
     expectFailed(log({"main..nosuch"}), HasSubstr("\"main..nosuch\""));
+}
+
+TEST_F(LogCommand, ARangeIsNoFileOfThatName) {
+    repository.git({"branch", "topic", "HEAD~1"});
+    repository.commitFile("topic..main", "1\n", "Fourth");
+    expectDone(log({"topic..main", "--"}), line("HEAD", "Fourth") + line("HEAD~1", "Third"));
+    expectDone(log({"--", "topic..main"}), line("HEAD", "Fourth"));
 }
 
 TEST_F(LogCommand, ABranchStandsForARevision) {
@@ -143,7 +163,9 @@ TEST_F(LogCommand, DashesSettleWhetherAWordIsAFile) {
 
 TEST_F(LogCommand, ABranchCalledZeroIsAnEndToo) {
     repository.git({"branch", "0", "HEAD~1"});
-    expectDone(log({"main..0"}), line("main", "Third"));
+    expectDone(log({"0..main"}), line("main", "Third"));
+    expectDone(log({"main...0"}), line("main", "Third"));
+    EXPECT_EQ(log({"main..0"}).errors, "There are no such commits.\n");
 }
 
 TEST_F(LogCommand, WhatIsNoNumberOfCommitsIsRefused) {
@@ -171,6 +193,17 @@ TEST_F(LogCommand, ABareRepositoryHasALogToo) {
     const NebscOutcome outcome = runNebsc(
         {"log", "-n1"}, {.folder = repository.path("../bare.git"), .variables = {{"TZ", zone}}});
     expectDone(outcome, line("HEAD", "Third"));
+    const auto inBare = [this](std::vector<std::string> words) {
+        words.insert(words.begin(), "log");
+        return runNebsc(words,
+                        {.folder = repository.path("../bare.git"), .variables = {{"TZ", zone}}});
+    };
+    const std::string ofFile = line("HEAD", "Third") + line("HEAD~2", "First");
+    expectDone(inBare({"HEAD", "--", "a.c"}), ofFile);
+    expectDone(inBare({"HEAD", "a.c"}), ofFile);
+    expectDone(inBare({"./a.c"}), ofFile);
+    expectDone(inBare({"HEAD~1", "src"}), line("HEAD~1", "Second of two lines"));
+    expectFailed(inBare({"nosuch"}), HasSubstr("There is no revision and no file \"nosuch\""));
 }
 
 TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {

@@ -122,7 +122,7 @@ std::optional<Reply> BlameTask::look() {
         return refusal("A word is empty; a revision or the path of a file was expected.",
                        exitNotUnderstood);
     }
-    const PathSearch search = findAbsolutePath(currentFolder(), words.back());
+    const PathSearch search = findFile(words.back());
     if (!search.path) {
         return refusal(search.failure, exitFailed, "path-invalid");
     }
@@ -145,13 +145,13 @@ std::shared_ptr<NEBSourceControlRequest> BlameTask::request() {
 }
 
 std::vector<std::string> BlameTask::contents() {
-    if (!_revision) {
+    if (!_revision && place().isWorkingCopy) {
         return linesOf(contentOnDisk(_file));
     }
-    if (!liesWithin(_file, place().location)) {
+    if (_file.starts_with('/') && !liesWithin(_file, place().location)) {
         return {};
     }
-    return linesOf(ask({"cat-file", "blob", objectAt(*_revision, _file)}).output);
+    return linesOf(ask({"cat-file", "blob", objectAt(_revision.value_or("HEAD"), _file)}).output);
 }
 
 std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
@@ -193,7 +193,8 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "The revision at which to look; the working copy unless given",
+    {"REVISION",
+     "The revision at which to look; unless given, the working copy, or HEAD of a bare repository",
      Takes::revisionOrPath},
     {"FILE", "The file", Takes::pathAsWritten},
 };

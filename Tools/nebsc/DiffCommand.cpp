@@ -77,8 +77,10 @@ protected:
 
 private:
     [[nodiscard]] bool isFromCommonAncestor() const {
-        return arguments().has("--common-ancestor") || _words.hasThreeDots;
+        return arguments().has("--common-ancestor") || _words.dots == "...";
     }
+    void restoreBytes(const Outcome& outcome, Reply& reply);
+    void noteFilesNotCompared(Reply& reply);
     [[nodiscard]] std::string shownNames(const std::string& path) const;
 
     Words _words;
@@ -143,7 +145,7 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
 
 /// A result is text; a patch of files in another encoding than UTF-8 is had from git once more, as
 /// it is, for a program to apply.
-void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
+void DiffTask::restoreBytes(const Outcome& outcome, Reply& reply) {
     constexpr std::string_view replacement = "\uFFFD";
     if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
         arguments().has("--name-status") ||
@@ -156,6 +158,30 @@ void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
     } else {
         addFailure(reply, failureOf(patch));
     }
+}
+
+/// git passes over a file that it does not know without a word.
+void DiffTask::noteFilesNotCompared(Reply& reply) {
+    if (isJSON() || _words.revisions.size() > 1) {
+        return;
+    }
+    const std::string revision = _words.revisions.empty() ? "HEAD" : _words.revisions.front();
+    for (const std::string& file : _words.files) {
+        if (answer({"ls-files", "-z", "--", file}) || typeOfEntry(revision, file) != "") {
+            continue;
+        }
+        const std::string name = inQuotes(shown(file));
+        reply.standardError +=
+            isAnythingAt(file)
+                ? name + " is not tracked, so it is not compared; \"nebsc add\" tracks it.\n"
+                : "There is no file or folder " + name + ", neither on disk nor in " +
+                      printable(inQuotes(revision)) + ".\n";
+    }
+}
+
+void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
+    restoreBytes(outcome, reply);
+    noteFilesNotCompared(reply);
 }
 
 constexpr Parameter parameters[] = {
@@ -181,6 +207,7 @@ constinit const Command diffCommand{
         "Without a revision: all that is not committed, staged or not. With one: from it to\n"
         "the working copy. With two: from the first to the second. A word is a revision, or\n"
         "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
+        "A file that is not tracked is not compared.\n"
         "On a terminal, control characters are written out, but for TABs and line ends; a\n"
         "program gets the patch as git made it.\n\n"
         "Examples:\n"

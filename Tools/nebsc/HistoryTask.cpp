@@ -53,14 +53,28 @@ std::optional<std::vector<std::string>> HistoryTask::revisionsIn(const std::stri
     return std::vector{unmistakable(orHEAD(start)), unmistakable(orHEAD(end))};
 }
 
+PathSearch HistoryTask::findFile(const std::string& word) const {
+    if (place().isWorkingCopy || word.starts_with('/')) {
+        return findAbsolutePath(currentFolder(), word);
+    }
+    return {std::filesystem::path(word).lexically_normal().string(), ""};
+}
+
+bool HistoryTask::isThere(const std::string& file, const Words& words) {
+    if (!place().isWorkingCopy) {
+        const std::string& revision = words.revisions.empty() ? "HEAD" : words.revisions.back();
+        return !typeOfEntry(revision, file).value_or("").empty();
+    }
+    return isAnythingAt(file) || answer({"ls-files", "-z", "--", file});
+}
+
 std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeThere,
                                            Words& words) {
-    const PathSearch search = findAbsolutePath(currentFolder(), word);
+    const PathSearch search = findFile(word);
     if (!search.path) {
         return refusal(search.failure, exitFailed, "path-invalid");
     }
-    if (mustBeThere && !isAnythingAt(*search.path) &&
-        !answer({"ls-files", "-z", "--", *search.path})) {
+    if (mustBeThere && !isThere(*search.path, words)) {
         if (const auto broken = brokenReference(word)) {
             return failureWith(*broken);
         }
@@ -78,7 +92,7 @@ std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevis
         return mustBeRevision ? refusalOfUnknownRevision(word) : takeFile(word, true, words);
     }
     const PathSearch search = findAbsolutePath(currentFolder(), word);
-    if (!mustBeRevision && search.path && isAnythingAt(*search.path)) {
+    if (!mustBeRevision && place().isWorkingCopy && search.path && isAnythingAt(*search.path)) {
         return refusal(
             inQuotes(word) +
                 " is both a revision and a file; put \"--\" in front of it for the file, "
@@ -86,7 +100,9 @@ std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevis
             exitFailed, "revision-ambiguous");
     }
     words.revisions.insert(words.revisions.end(), revisions->begin(), revisions->end());
-    words.hasThreeDots = words.hasThreeDots || word.find("...") != std::string::npos;
+    if (revisions->size() == 2) {
+        words.dots = word.find("...") == std::string::npos ? ".." : "...";
+    }
     return std::nullopt;
 }
 
@@ -134,8 +150,9 @@ std::string HistoryTask::unmistakable(const std::string& revision) {
     return revision == "0" || isNameAtTop(revision) ? commitOf(revision) : revision;
 }
 
+/// Without a working copy git takes no word for a file.
 bool HistoryTask::isNameAtTop(const std::string& word) const {
-    return isAnythingAt(pathByAppendingComponent(place().location, word));
+    return place().isWorkingCopy && isAnythingAt(pathByAppendingComponent(place().location, word));
 }
 
 std::string HistoryTask::commitOf(const std::string& revision) {
@@ -214,6 +231,9 @@ std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& pat
 // ---- objects ----------------------------------------------------------------------------------
 
 std::string HistoryTask::pathFromTop(const std::string& path) const {
+    if (!path.starts_with('/')) {
+        return path;
+    }
     const std::string& top = place().location;
     return path == top ? std::string() : path.substr(top == "/" ? 1 : top.size() + 1);
 }

@@ -22,10 +22,10 @@ protected:
     struct Words {
         /// Two for a range.
         std::vector<std::string> revisions;
-        /// Absolute paths.
+        /// As findFile() returns them.
         std::vector<std::string> files;
-        /// Whether the range was written with three dots.
-        bool hasThreeDots = false;
+        /// What stands between the two revisions of a range, ".." or "..."; empty without a range.
+        std::string dots;
         /// Why the words cannot be understood; the rest does not count then.
         std::optional<Reply> refused;
     };
@@ -38,6 +38,10 @@ protected:
     /// A revision named like a file at the top of the working copy is answered as its commit's
     /// name, as git itself could not tell; so is one named "0", which as an end means none.
     [[nodiscard]] Words readWords(std::size_t mostRevisions, std::size_t mostFiles);
+
+    /// Finds the file that the word names: its absolute path, or its path from the top of the tree
+    /// where there is no working copy, as in a bare repository.
+    [[nodiscard]] PathSearch findFile(const std::string& word) const;
 
     /// A request with the words' files, and their revisions as its starting and ending one.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAboutWords(
@@ -57,7 +61,8 @@ protected:
 
     /// As git takes the revision without a doubt: see readWords().
     [[nodiscard]] std::string unmistakable(const std::string& revision);
-    /// A path in the working copy as seen from its top; empty for the top itself.
+    /// A path that findFile() returned, in the working copy, as seen from its top; empty for the
+    /// top itself.
     [[nodiscard]] std::string pathFromTop(const std::string& path) const;
     /// The word for a path in git's language of objects: "REVISION:path", "REVISION:" for the top.
     [[nodiscard]] std::string objectAt(const std::string& revision, const std::string& path) const {
@@ -70,6 +75,9 @@ protected:
 
 private:
     void makeRangeUnmistakable(std::vector<std::string>& revisions);
+    /// Whether the file is on disk or tracked; without a working copy, in the latest revision of
+    /// the words.
+    [[nodiscard]] bool isThere(const std::string& file, const Words& words);
     [[nodiscard]] bool isNameAtTop(const std::string& word) const;
     /// The commit's name; the revision as it is where it stands for none.
     [[nodiscard]] std::string commitOf(const std::string& revision);

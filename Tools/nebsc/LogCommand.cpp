@@ -96,6 +96,12 @@ std::optional<Reply> LogTask::look() {
     if (_words.refused) {
         return _words.refused;
     }
+    if (_words.revisions.size() == 2 && _words.dots.empty()) {
+        return refusal(
+            "One revision or range at most can be given; for two revisions write A..B or "
+            "A...B.",
+            exitNotUnderstood);
+    }
     if (auto refused = refusalOfBranch()) {
         return refused;
     }
@@ -105,6 +111,11 @@ std::optional<Reply> LogTask::look() {
 
 std::shared_ptr<NEBSourceControlRequest> LogTask::request() {
     auto request = requestAboutWords(NEBSourceControlRequestLog, _words);
+    // Of two revisions the request makes a symmetric difference.
+    if (_words.dots == "..") {
+        request->startingRevision = _words.revisions[0] + ".." + _words.revisions[1];
+        request->endingRevision = {};
+    }
     NEBDictionary options;
     if (const auto limit = arguments().value("--limit")) {
         options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));
@@ -204,7 +215,7 @@ void LogTask::conclude(const Outcome& outcome, Reply& reply) {
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "Where to begin, HEAD unless given; or A..B", Takes::revisionOrPath},
+    {"REVISION", "Where to begin, HEAD unless given; or A..B or A...B", Takes::revisionOrPath},
     {"FILE", "Only commits that changed it, a file or folder", Takes::pathAsWritten},
     {"-n,--limit", "How many commits at most", Takes::text, Occurs::optionally, "N"},
     {"--branch", "The branch, instead of a revision", Takes::branch, Occurs::optionally, "BRANCH"},
@@ -223,8 +234,9 @@ constinit const Command logCommand{
     .group = lookGroup,
     .summary = "Show commits, newest first",
     .details =
-        "Dates are local. A..B shows the commits of both sides that the other side does not\n"
-        "have, as A...B does. A single word is a revision, or else a file; \"--\" in front of\n"
+        "Dates are local. A..B shows the commits of B that A does not have, A...B those of either\n"
+        "side that the other side does not have. A single word is a revision, or else a file; "
+        "\"--\" in front of\n"
         "a file, or behind a revision, settles what it is. A merge has no files of its own.\n\n"
         "Examples:\n"
         "  nebsc log -n 10              the last ten commits\n"

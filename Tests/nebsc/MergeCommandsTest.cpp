@@ -5,7 +5,9 @@
 namespace neb::test {
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using JSON = nlohmann::ordered_json;
 
 class MergeCommands : public CommandTest {
@@ -207,6 +209,20 @@ TEST_F(MergeCommands, AConflictThatHasNoSideIsAFailure) {
     expectFailed(nebsc({"merge", "topic"}),
                  testing::AllOf(testing::StartsWith("nebsc: "), HasSubstr("a.c")));
     EXPECT_EQ(nebsc({"merge", "topic", "--json"}).exitStatus, 1);
+}
+
+/// The user settles the one conflict that is left, and would never hear of the others.
+TEST_F(MergeCommands, SettledConflictsAreNamedBesideOneThatIsLeft) {
+    changeOnBoth("src/both.c", "", "main\n", "topic\n");
+    repository.git({"rm", "--quiet", "a.c"});
+    repository.git({"commit", "--quiet", "-m", "without a.c"});
+    before = revision("HEAD");
+    EXPECT_EQ(nebsc({"merge", "topic", "--json"}).json()["settledConflicts"], JSON({"src/both.c"}));
+    repository.git({"merge", "--abort"});
+    expectFailed(nebsc({"merge", "topic"}, "src"), EndsWith(settled("    both.c\n")));
+    EXPECT_EQ(content("src/both.c"), "main\n");
+    EXPECT_EQ(state(), "DU a.c\nA  topic.c\n");
+    EXPECT_THAT(nebsc({"merge", "topic"}).errors, Not(HasSubstr("left out in")));
 }
 
 TEST_F(MergeCommands, LocalChangesAreNotOverwritten) {

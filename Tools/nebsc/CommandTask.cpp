@@ -92,7 +92,7 @@ Reply CommandTask::work() {
         return *refused;
     }
     Outcome& outcome = *performance.outcome;
-    if (!outcome.error && silentExitStatus(outcome) == 0) {
+    if (outcome.error ? isCompletedAfter(*outcome.error) : silentExitStatus(outcome) == 0) {
         complete(outcome);
     }
     Reply reply = replyTo(outcome);
@@ -142,6 +142,7 @@ Reply CommandTask::replyTo(Outcome& outcome) {
         conclude(outcome, reply);
     } else if (outcome.error) {
         reply.standardError += adviceAfter(*outcome.error);
+        concludeFailure(outcome, reply);
     }
     addNotes(reply, outcome);
     return reply;

@@ -76,10 +76,16 @@ protected:
     /// What belongs to the work and git does not do, behind a success; what it changes is told as
     /// the request's own outcome, its failure too.
     virtual void complete(Outcome& /*outcome*/) {}
+    /// Whether an error leaves work behind, so that complete() is called all the same.
+    [[nodiscard]] virtual bool isCompletedAfter(const NEBSourceControlError& /*error*/) const {
+        return false;
+    }
     /// The records for a person, lines with their ends. An error may stand beside them.
     [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
     /// What is left to do and to say after a success.
     virtual void conclude(const Outcome& outcome, Reply& reply);
+    /// Adds what is left to say after a failure, behind adviceAfter().
+    virtual void concludeFailure(const Outcome& /*outcome*/, Reply& /*reply*/) {}
 
     // ---- what a command may use, from look() on
 

@@ -63,8 +63,7 @@ void MergeTask::conclude(const Outcome& outcome, Reply& reply) {
     } else if (commit) {
         reply.standardOutput = "Merged " + what + "; it is not committed yet.\n";
     }
-    noteSettledConflicts(outcome, {.kept = "the current branch's", .leftOut = "the other side's"},
-                         reply);
+    noteSettledConflicts(outcome, reply);
 }
 
 constexpr Parameter mergeParameters[] = {

@@ -1,6 +1,7 @@
 #include "MergingTask.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "GitProgram.h"
@@ -62,6 +63,35 @@ void MergingTask::complete(Outcome& outcome) {
     if (_sides) {
         outcome.settledConflicts = findSettledConflicts();
     }
+    if (outcome.error && outcome.settledConflicts) {
+        removeUnsettled(*outcome.settledConflicts);
+    }
+}
+
+bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) const {
+    return error.errorClass == "conflict";
+}
+
+void MergingTask::removeUnsettled(SettledConflicts& conflicts) {
+    if (!conflicts.files) {
+        return;
+    }
+    const ChildOutcome index = ask({"ls-files", "--stage", "-z"});
+    if (!index.status.isSuccess()) {
+        conflicts = unknownConflicts(reasonOf(index));
+        return;
+    }
+    // git-ls-files(1): mode, object, stage (0: in one version), TAB, name.
+    constexpr std::string_view oneVersion = " 0\t";
+    std::set<std::string> settled;
+    for (const std::string& entry : textsBetweenNULs(index.output)) {
+        const std::size_t tab = entry.find('\t');
+        if (tab != std::string::npos && entry.compare(tab - 2, 3, oneVersion) == 0) {
+            settled.insert(entry.substr(tab + 1));
+        }
+    }
+    std::erase_if(*conflicts.files,
+                  [&](const std::string& file) { return !settled.contains(file); });
 }
 
 bool MergingTask::isOneSideContained() {
@@ -115,12 +145,12 @@ SettledConflicts MergingTask::findSettledConflicts() {
     return {.files = std::move(files), .failure = {}};
 }
 
-void MergingTask::noteSettledConflicts(const Outcome& outcome, SideNames names,
-                                       Reply& reply) const {
+void MergingTask::noteSettledConflicts(const Outcome& outcome, Reply& reply) const {
     const auto& conflicts = outcome.settledConflicts;
     if (!conflicts || (conflicts->files && conflicts->files->empty())) {
         return;
     }
+    const SideNames names = sideNames();
     const std::string kept(names.kept);
     const std::string leftOut(names.leftOut);
     if (conflicts->files) {

@@ -17,7 +17,6 @@ public:
     using BranchTask::BranchTask;
 
 protected:
-    /// What a person is told of the two sides.
     struct SideNames {
         std::string_view kept, leftOut;
     };
@@ -25,12 +24,21 @@ protected:
     /// Remembers the commits that are about to be merged, in look(). Of two revisions of which one
     /// is no commit nothing is found out.
     void setSides(const std::string& kept, const std::string& leftOut);
+    /// What a person is told of the two sides.
+    [[nodiscard]] virtual SideNames sideNames() const {
+        return {.kept = "the current branch's", .leftOut = "the other side's"};
+    }
+    /// A merge that stops at one file has settled the conflicts of the others.
+    [[nodiscard]] bool isCompletedAfter(const NEBSourceControlError& error) const override;
     /// Finds the settled conflicts by repeating the merge in memory: neither a reference nor a file
     /// changes, and no merge driver or filter of the user runs. Its failure is no failure of the
     /// command.
     void complete(Outcome& outcome) override;
     /// Names the files of the settled conflicts, or says that they are not known.
-    void noteSettledConflicts(const Outcome& outcome, SideNames names, Reply& reply) const;
+    void noteSettledConflicts(const Outcome& outcome, Reply& reply) const;
+    void concludeFailure(const Outcome& outcome, Reply& reply) override {
+        noteSettledConflicts(outcome, reply);
+    }
 
 private:
     /// Full commit ids.
@@ -42,6 +50,8 @@ private:
     /// Whether one side holds the other, so that no lines can meet.
     [[nodiscard]] bool isOneSideContained();
     [[nodiscard]] SettledConflicts findSettledConflicts();
+    /// Removes the files that the index does not hold in one version: they are in conflict still.
+    void removeUnsettled(SettledConflicts& conflicts);
     /// The options of git that replace the user's programs for merges and filters; absent where
     /// they cannot all be replaced.
     [[nodiscard]] std::optional<std::vector<std::string>> optionsAgainstPrograms();

@@ -24,6 +24,10 @@ protected:
         return error.errorClass == NEBSourceControlUpToDateErrorClass;
     }
     void conclude(const Outcome& outcome, Reply& reply) override;
+    SideNames sideNames() const override {
+        return isSubversion() ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
+                              : MergingTask::sideNames();
+    }
     std::string adviceAfter(const NEBSourceControlError& error) const override;
 
 private:
@@ -207,12 +211,9 @@ void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
     } else {
         reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
     }
+    noteSettledConflicts(outcome, reply);
     if (isSubversion()) {
-        noteSettledConflicts(outcome, {.kept = "Subversion's", .leftOut = "yours"}, reply);
         noteDroppedCommits(reply);
-    } else {
-        noteSettledConflicts(
-            outcome, {.kept = "the current branch's", .leftOut = "the other side's"}, reply);
     }
 }
 

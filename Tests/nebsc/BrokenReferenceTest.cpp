@@ -102,6 +102,24 @@ TEST_F(BrokenReference, StandsForItself) {
     expectNamed({"log"}, "refs/heads/main", "it stands for itself.\n");
 }
 
+TEST_F(BrokenReference, DoesNotLeadOutOfTheRepository) {
+    repository.write("precious", "not a commit\n");
+    for (const std::string& target :
+         {std::string("refs/heads/../../../precious"), repository.path("precious")}) {
+        breakReference("refs/heads/main", "ref: " + target + "\n");
+        const NebscOutcome outcome = nebsc({"log"});
+        expectFailed(outcome, StartsWith("nebsc: The reference \"refs/heads/main\" is broken: its "
+                                         "file names no valid reference.\n"));
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("precious\", or remove")));
+    }
+}
+
+TEST_F(BrokenReference, IsQuotedForTheShellInTheAdvice) {
+    breakReference("refs/heads/$(id)", std::string(40, '1') + "\n");
+    EXPECT_THAT(nebsc({"log", "$(id)"}).errors,
+                HasSubstr("\"git update-ref 'refs/heads/$(id)' COMMIT\""));
+}
+
 TEST_F(BrokenReference, HasItsClassForPrograms) {
     breakReference("refs/heads/main");
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{

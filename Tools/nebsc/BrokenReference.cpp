@@ -10,6 +10,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
+#include "ShellText.h"
 
 namespace neb::nebsc {
 
@@ -67,6 +68,10 @@ class Search {
 public:
     Search(const std::string& folder, const AskGit& ask) : _folder(folder), _ask(ask) {}
 
+    [[nodiscard]] bool isReferenceName(const std::string& name) {
+        return _ask({"check-ref-format", "--allow-onelevel", name}).status.isSuccess();
+    }
+
     /// The first name that stands for something decides.
     [[nodiscard]] std::optional<NEBSourceControlError> errorForFirst(
         const std::vector<std::string>& names) {
@@ -108,8 +113,12 @@ private:
                                                 ? "its file is empty"
                                                 : "its file does not hold the name of a commit");
             }
-            const std::size_t target = content->find_first_not_of(" \t", symbolicPrefix.size());
-            name = content->substr(std::min(target, content->size()));
+            const std::size_t start = content->find_first_not_of(" \t", symbolicPrefix.size());
+            const std::string target = content->substr(std::min(start, content->size()));
+            if (!isReferenceName(target)) {  // it may lead out of the repository
+                return errorOfContent(name, "its file names no valid reference");
+            }
+            name = target;
         }
         return errorOfContent(name, "it stands for itself");
     }
@@ -134,7 +143,7 @@ private:
             NEBSourceControlObjectsDamagedErrorClass,
             "Fetch that commit again, or set the reference to a commit that exists: "
             "\"git update-ref " +
-                name + " COMMIT\".");
+                shellQuoted(name) + " COMMIT\".");
     }
 
     [[nodiscard]] static NEBSourceControlError errorAbout(const std::string& name,
@@ -166,10 +175,9 @@ std::optional<NEBSourceControlError> brokenReferenceIn(const std::string& revisi
                                          ask);
     }
     const std::string reference = referencePartOf(revision);
-    if (!ask({"check-ref-format", "--allow-onelevel", reference}).status.isSuccess()) {
-        return std::nullopt;
-    }
-    return Search(folder, ask).errorForFirst(candidatesFor(reference));
+    Search search(folder, ask);
+    return search.isReferenceName(reference) ? search.errorForFirst(candidatesFor(reference))
+                                             : std::nullopt;
 }
 
 }  // namespace neb::nebsc

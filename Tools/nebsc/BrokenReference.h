@@ -15,11 +15,11 @@ namespace neb::nebsc {
 using AskGit = std::function<ChildOutcome(std::vector<std::string> arguments)>;
 
 /// Looks for the reference that `revision`, or a side of a range, stands for, by the rules of
-/// gitrevisions(7), and returns
-/// an error that names it where it is broken: its file holds no commit's name, or the object is not
-/// in the repository. Returns nothing for a reference that is whole, that does not exist or that
-/// names a branch without a commit; then the revision has another fault. Call it where git has
-/// failed: it runs a dozen git processes. `folder` is the one in which `ask` runs git.
+/// gitrevisions(7), and returns an error that names it where it is broken: its file holds no
+/// commit's name, or the object is not in the repository. Returns nothing for a reference that is
+/// whole, that does not exist or that names a branch without a commit; then the revision has
+/// another fault. Call it where git has failed: it runs a dozen git processes. `folder` is the one
+/// in which `ask` runs git.
 [[nodiscard]] std::optional<NEBSourceControlError> brokenReferenceIn(const std::string& revision,
                                                                      const std::string& folder,
                                                                      const AskGit& ask);

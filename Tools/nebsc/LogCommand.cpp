@@ -234,10 +234,10 @@ constinit const Command logCommand{
     .group = lookGroup,
     .summary = "Show commits, newest first",
     .details =
-        "Dates are local. A..B shows the commits of B that A does not have, A...B those of either\n"
-        "side that the other side does not have. A single word is a revision, or else a file; "
-        "\"--\" in front of\n"
-        "a file, or behind a revision, settles what it is. A merge has no files of its own.\n\n"
+        "Dates are local. A..B shows the commits of B that A does not have, A...B those of\n"
+        "either side that the other side does not have. A single word is a revision, or else a\n"
+        "file; \"--\" in front of a file, or behind a revision, settles what it is. A merge has\n"
+        "no files of its own.\n\n"
         "Examples:\n"
         "  nebsc log -n 10              the last ten commits\n"
         "  nebsc log --files src        those that changed something in src, and what\n"

@@ -82,6 +82,15 @@ TEST_F(DoctorCommand, ARepositoryThatGitDoesNotTakeForOneIsAProblem) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+TEST_F(DoctorCommand, AReasonOfSeveralLinesIsGivenWhole) {
+    repository.git({"config", "core.repositoryFormatVersion", "1"});
+    repository.git({"config", "extensions.nosuch", "1"});
+    const auto found = findings("repository");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_THAT(found[0]["text"].get<std::string>(),
+                testing::EndsWith("unknown repository extension found: nosuch"));
+}
+
 TEST_F(DoctorCommand, AnIndexThatCannotBeReadIsAProblem) {
     repository.commitFile("a.c", "1\n");
     EXPECT_EQ(findings("index")[0]["health"], "ok");

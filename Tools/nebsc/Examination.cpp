@@ -78,22 +78,6 @@ bool isUnanswered(const ChildOutcome& outcome) {
     return outcome.duration >= timeForEachQuestion;
 }
 
-std::string reasonOf(const ChildOutcome& outcome) {
-    std::string_view fatal;
-    std::string_view first;
-    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
-        first = first.empty() ? line : first;
-        fatal = fatal.empty() && line.starts_with("fatal: ") ? line : fatal;
-    });
-    std::string_view reason = fatal.empty() ? first : fatal;
-    for (const std::string_view prefix : {"fatal: ", "error: "}) {
-        if (reason.starts_with(prefix)) {
-            reason.remove_prefix(prefix.size());
-        }
-    }
-    return reason.empty() ? outcome.status.description() : std::string(reason);
-}
-
 std::string environmentVariable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;

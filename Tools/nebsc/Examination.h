@@ -77,10 +77,6 @@ private:
 /// Whether Examination::ask() ended git because its time was up.
 [[nodiscard]] bool isUnanswered(const ChildOutcome& outcome);
 
-/// The reason that a failed git gave: its first line with "fatal: ", else its first line, else how
-/// it ended.
-[[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);
-
 /// The value of an environment variable; empty where it is not set.
 [[nodiscard]] std::string environmentVariable(const char* name);
 

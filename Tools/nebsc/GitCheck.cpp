@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "GitProgram.h"
 #include "GitVersion.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"

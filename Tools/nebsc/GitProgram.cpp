@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "LOMFoundation/LOMDeveloperPaths.h"
+#include "Platform/Text.h"
 
 namespace neb::nebsc {
 
@@ -24,6 +25,15 @@ std::vector<std::string> environmentIn(const GitSurroundings& surroundings) {
         environment.push_back(variable);
     }
     return environment;
+}
+
+std::string_view withoutSeverity(std::string_view line) {
+    for (const std::string_view prefix : {"fatal: ", "error: "}) {
+        if (line.starts_with(prefix)) {
+            line.remove_prefix(prefix.size());
+        }
+    }
+    return line;
 }
 
 }  // namespace
@@ -77,6 +87,26 @@ std::optional<std::string> answerOf(const ChildOutcome& outcome) {
         answer.pop_back();
     }
     return answer;
+}
+
+std::string reasonOf(const ChildOutcome& outcome) {
+    std::string reason;
+    bool isFatal = false;
+    bool continues = false;
+    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
+        const bool startsFatal = !isFatal && line.starts_with("fatal: ");
+        const std::size_t text = std::min(line.find_first_not_of(" \t"), line.size());
+        if (startsFatal || (reason.empty() && text < line.size())) {
+            reason = withoutSeverity(line);
+            isFatal = isFatal || startsFatal;
+            continues = true;
+        } else if (continues && text < line.size() && (text > 0 || reason.ends_with(':'))) {
+            reason.append(reason.ends_with(':') ? " " : ", ").append(line.substr(text));
+        } else {
+            continues = false;
+        }
+    });
+    return reason.empty() ? outcome.status.description() : reason;
 }
 
 std::vector<std::string> textsBetweenNULs(std::string_view bytes) {

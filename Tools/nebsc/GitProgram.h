@@ -45,6 +45,11 @@ struct GitSurroundings {
 /// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
 [[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
 
+/// The reason that a failed git gave, on one line and without "fatal: ": its first line with that
+/// prefix, else its first line, else how it ended. The lines on which git continues it are
+/// appended: "unknown repository extensions found: foo, bar".
+[[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);
+
 /// The texts of an output made with "-z": a NUL byte ends each.
 [[nodiscard]] std::vector<std::string> textsBetweenNULs(std::string_view bytes);
 

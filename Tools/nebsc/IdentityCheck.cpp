@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "GitProgram.h"
 
 namespace neb::nebsc {
 

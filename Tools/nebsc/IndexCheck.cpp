@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "GitProgram.h"
 #include "ShellText.h"
 
 namespace neb::nebsc {

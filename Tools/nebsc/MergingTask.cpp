@@ -30,12 +30,6 @@ SettledConflicts unknownConflicts(std::string reason) {
     return {.files = std::nullopt, .failure = std::move(reason)};
 }
 
-std::string reasonOf(const ChildOutcome& outcome) {
-    const std::string_view words = outcome.errorOutput;
-    const std::string_view line = words.substr(0, words.find('\n'));
-    return line.empty() ? outcome.status.description() : std::string(line);
-}
-
 std::string shortened(const std::string& commit) {
     constexpr std::size_t length = 12;
     return commit.substr(0, length);

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "Checks.h"
+#include "GitProgram.h"
 #include "Platform/Text.h"
 #include "ShellText.h"
 

@@ -1,6 +1,7 @@
 #include <filesystem>
 
 #include "Checks.h"
+#include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "UnfinishedWork.h"
 #include "WorkingCopyPlace.h"

@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Presentation.h"
 #include "ShellText.h"

@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "GitProgram.h"
 #include "Platform/Text.h"
 
 namespace neb::nebsc {

@@ -20,7 +20,7 @@ public:
     void compare(const Failure& failure, const NEBSourceControlError& error);
     /// Compares which failures the document has, their order and the sums below the table.
     void compareRows() const;
-    /// Compares which classes the document explains, and their codes, with those of the failures.
+    /// Compares the table of the classes with classTable(); each class must have a code.
     void compareClasses() const;
     /// Writes the document where that is asked for; some failures may not have come about.
     void write() const;

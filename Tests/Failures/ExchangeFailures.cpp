@@ -243,6 +243,15 @@ Failures exchangeFailures() {
                  .with(NEBSourceControlRequestOptionPullByFastForwarding, true)
                  .with(NEBSourceControlRequestOptionRemoteName, "other");
          }},
+        {"a pull where nothing is new",
+         "up-to-date",
+         -34,
+         0,
+         {},
+         [](Scene& scene) -> Request {
+             static_cast<void>(scene.shared());
+             return scene.pull();
+         }},
         {"a pull where both sides have commits",
          "diverged",
          -200,

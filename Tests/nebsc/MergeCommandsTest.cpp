@@ -83,8 +83,7 @@ TEST_F(MergeCommands, EveryFileWithASettledConflictIsNamed) {
     changeOnBoth("src/na\tme\n\xE4", "", "main\n", "topic\n");
     before = revision("HEAD");
     const NebscOutcome outcome = nebsc({"merge", "topic"}, "src");
-    expectMerged(outcome,
-                 settled("    ../a.c\n    ../bin\n    both.c\n    na\\tme\\n\xEF\xBF\xBD\n"));
+    expectMerged(outcome, settled("    ../a.c\n    ../bin\n    both.c\n    na\\tme\\n\\xe4\n"));
     EXPECT_EQ(repository.git({"show", "HEAD:src/both.c"}), "main\n");
     EXPECT_EQ(state(), "");
 }

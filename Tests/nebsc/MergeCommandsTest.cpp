@@ -112,6 +112,15 @@ TEST_F(MergeCommands, AMergeWithoutASettledConflictSaysNothing) {
     EXPECT_EQ(repository.git({"rev-parse", "HEAD^2"}), repository.git({"rev-parse", "topic"}));
 }
 
+TEST_F(MergeCommands, AProgramLearnsOfFilesWhoseNamesAreNotUTF8) {
+    repository.git({"checkout", "--quiet", "topic"});
+    repository.commitFile("lat\xE4.c", "topic\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.commitFile("lat\xE4.c", "main\n");
+    EXPECT_EQ(nebsc({"merge", "topic", "--json"}).json()["settledConflicts"],
+              JSON({"a.c", R"("lat\344.c")"}));
+}
+
 TEST_F(MergeCommands, AProgramLearnsOfSettledConflictsFromTheOutcome) {
     const NebscOutcome merged = nebsc({"merge", "topic", "--json"});
     EXPECT_EQ(merged.json()["settledConflicts"], JSON({"a.c"}));

@@ -259,6 +259,9 @@ TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
     const NebscOutcome outcome = status({"lat\xE4.c"});
     EXPECT_EQ(outcome.output, "untracked  lat\\xe4.c\n");
     EXPECT_EQ(status({"--json", "lat\xE4.c"}).exitStatus, 0);
+    const JSON all = status({"--all", "--json", "lat\xE4.c"}).json()["result"];
+    EXPECT_EQ(all[0]["NEBSourceControlOperationPathKey"],
+              "\"" + repository.path() + R"(/lat\344.c")");
     EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("\"none\\xe4\""));
 }
 

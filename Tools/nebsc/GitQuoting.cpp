@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Platform/Text.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -92,6 +94,10 @@ std::string quotedName(std::string_view name) {
         }
     }
     return text + "\"";
+}
+
+std::string textOfName(std::string_view name) {
+    return isUTF8(name) ? std::string(name) : quotedName(name);
 }
 
 }  // namespace neb::nebsc

@@ -76,11 +76,10 @@ void MergingTask::removeUnsettled(SettledConflicts& conflicts) {
         return;
     }
     // git-ls-files(1): mode, object, stage (0: in one version), TAB, name.
-    constexpr std::string_view oneVersion = " 0\t";
     std::set<std::string> settled;
     for (const std::string& entry : textsBetweenNULs(index.output)) {
         const std::size_t tab = entry.find('\t');
-        if (tab != std::string::npos && entry.compare(tab - 2, 3, oneVersion) == 0) {
+        if (tab != std::string::npos && entry.substr(0, tab).ends_with(" 0")) {
             settled.insert(entry.substr(tab + 1));
         }
     }

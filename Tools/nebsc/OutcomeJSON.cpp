@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "GitQuoting.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 
 namespace neb::nebsc {
@@ -135,7 +136,8 @@ JSON jsonOfOutcome(const Outcome& outcome) {
         json["omittedRevisions"] = outcome.omittedRevisions;
     }
     if (const auto& conflicts = outcome.settledConflicts) {
-        json["settledConflicts"] = orNull(conflicts->files);
+        json["settledConflicts"] =
+            conflicts->files ? arrayOf(*conflicts->files, textOfName) : JSON(nullptr);
     }
     return json;
 }

@@ -1,6 +1,7 @@
 #include "StatusQuery.h"
 
 #include "GitProgram.h"
+#include "GitQuoting.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -77,7 +78,8 @@ void StatusQuery::parseData() {
         NEBDictionary record;
         record.reserve(2);
         record.set(NEBSourceControlOperationWCStatusKey, statusOfLetter(entry.letter()));
-        record.set(NEBSourceControlOperationPathKey, pathByAppendingComponent(top, entry.path));
+        record.set(NEBSourceControlOperationPathKey,
+                   textOfName(pathByAppendingComponent(top, entry.path)));
         records.push_back(std::move(record));
     }
     setResult(std::move(records));

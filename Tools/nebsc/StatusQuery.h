@@ -40,7 +40,8 @@ public:
 
     [[nodiscard]] std::string className() const override { return "StatusQuery"; }
     [[nodiscard]] std::string launchPath() override;
-    /// The result has the form of a status request's.
+    /// The result has the form of a status request's. A path that is not UTF-8 is written the way
+    /// of git, between quotes.
     void parseData() override;
     /// A folder that could not be read is an error, though git ends with status 0.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(

@@ -40,8 +40,7 @@ void TreeQuery::parseData() {
         NEBDictionary record;
         record.reserve(2);
         record.set(NEBSourceControlOperationIsLeafKey, entry.isFile);
-        record.set(NEBSourceControlOperationNameKey,
-                   isUTF8(entry.name) ? entry.name : quotedName(entry.name));
+        record.set(NEBSourceControlOperationNameKey, textOfName(entry.name));
         records.push_back(std::move(record));
     }
     setResult(std::move(records));

@@ -18,6 +18,7 @@ inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
 inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
 inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
+inline constexpr NEBConstant NEBSourceControlOutOfMemoryErrorClass{"out-of-memory"};
 inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
 inline constexpr NEBConstant NEBSourceControlReferenceRejectedErrorClass{"reference-rejected"};
 /// The request itself is wrong: no repository and no setting can make it succeed.

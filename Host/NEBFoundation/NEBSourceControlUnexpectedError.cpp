@@ -6,11 +6,13 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <typeinfo>
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 
 namespace neb {
 
@@ -34,6 +36,17 @@ NEBSourceControlError unexpectedError(const std::string& description) {
     return error;
 }
 
+/// With advice of its own: that of the class is about git's memory.
+NEBSourceControlError outOfMemoryError() {
+    const NEBConstant errorClass = NEBSourceControlOutOfMemoryErrorClass;
+    const NEBSourceControlErrorClass* row = NEBSourceControlErrorClassNamed(errorClass.text());
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError, std::string(row->description),
+        "Ask for less at once, or allow the process more memory.");
+    error.errorClass = errorClass;
+    return error;
+}
+
 }  // namespace
 
 NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
@@ -41,6 +54,10 @@ NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
         throw;
     } catch (const abi::__forced_unwind&) {
         throw;
+    } catch (const std::bad_alloc&) {
+        return outOfMemoryError();
+    } catch (const std::length_error&) {  // a size beyond all memory
+        return outOfMemoryError();
     } catch (const std::exception& exception) {
         return unexpectedError(std::string("The operation could not be completed: ") +
                                exception.what() + ".");

@@ -26,8 +26,8 @@ NEBSourceControlFailingOperation(const std::shared_ptr<NEBSourceControlRequest>&
                                  NEBSourceControlError error);
 
 /// The exception that is being handled, as an error. The description of a std::exception holds its
-/// text; that of any other, which can only come from a plug-in or a host, the name of its type.
-/// Throws std::bad_alloc.
+/// text, and the class is "out-of-memory" where memory ran out; that of any other, which can only
+/// come from a plug-in or a host, the name of its type. Throws std::bad_alloc.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError NEBSourceControlErrorOfCurrentException();
 
 /// Stores that error at `error`, unless that is null. Stores nothing where memory is missing.

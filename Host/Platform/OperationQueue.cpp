@@ -3,8 +3,8 @@
 #include <cxxabi.h>
 
 #include <algorithm>
+#include <exception>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "Platform/SignalFreeThread.h"
@@ -58,9 +58,11 @@ void OperationQueue::add(Work work) {
 /// Without a further thread the work is done by those that there are, without any by the caller.
 void OperationQueue::addThread() {
     try {
+        _threads.reserve(_threads.size() +
+                         1);  // a thread without a place in the list would go astray
         _threads.push_back(startSignalFreeThread([this] { runThread(); }));
-    } catch (const std::system_error&) {
-        return;
+    } catch (const std::exception&) {
+        return;  // no thread or no memory
     }
 }
 

@@ -107,7 +107,7 @@ TEST_F(ResourceFaults, WithoutMemoryEachAmountIsAnOutcomeOrAnError) {
     const std::string input = folder.write("request", request.dump());
     bool hasFailedForMemory = false;
     bool hasSucceeded = false;
-    for (const int megabytes : {12, 20, 40, 60, 100, 1600}) {
+    for (const int megabytes : {12, 20, 40, 60, 80, 100, 1600}) {
         const NebscOutcome outcome = runProgram(
             "/usr/bin/prlimit",
             {"--as=" + std::to_string(std::size_t{1000000} * static_cast<std::size_t>(megabytes)),
@@ -117,8 +117,11 @@ TEST_F(ResourceFaults, WithoutMemoryEachAmountIsAnOutcomeOrAnError) {
         hasSucceeded |= outcome.exitStatus == 0;
         if (outcome.exitStatus != 0) {
             EXPECT_NE(outcome.output + outcome.errors, "") << "a failure without a word";
-            hasFailedForMemory |=
-                (outcome.output + outcome.errors).find("bad_alloc") != std::string::npos;
+            EXPECT_EQ((outcome.output + outcome.errors).find("bad_alloc"), std::string::npos);
+        }
+        if (outcome.exitStatus == 1) {
+            ASSERT_NE(outcome.output, "") << megabytes << outcome.errors;
+            hasFailedForMemory |= outcome.json()["error"]["class"] == "out-of-memory";
         }
     }
     EXPECT_TRUE(hasFailedForMemory);

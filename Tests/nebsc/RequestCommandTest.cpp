@@ -279,5 +279,11 @@ TEST(RequestCommand, SaysThatSomebodyStillHeldTheOutput) {
     ::kill(std::stoi(folder.read("pid")), SIGKILL);
 }
 
+TEST(RequestCommand, ReadsNoEndlessInput) {
+    const NebscOutcome outcome = runNebsc({"request", "/dev/zero"});
+    EXPECT_EQ(outcome.errors, "nebsc: The file \"/dev/zero\" has more than 67108864 bytes.\n");
+    EXPECT_EQ(outcome.exitStatus, 2);
+}
+
 }  // namespace
 }  // namespace neb::test

@@ -192,6 +192,17 @@ TEST(RequestJSON, AnEndlessNestingIsRefused) {
               "The request is nested more than 32 levels deep.");
 }
 
+TEST(RequestJSON, HasALimitOfValuesAndOfBytes) {
+    std::string files = "[0";
+    for (std::size_t i = 0; i < nebsc::mostJSONValues; ++i) {
+        files += ",0";
+    }
+    EXPECT_EQ(refusalOf(R"({"type": 0, "files": )" + files + "]}"),
+              "The request has more than 250000 values.");
+    EXPECT_EQ(refusalOf(std::string(nebsc::longestJSONText, ' ') + "{}"),
+              "The request has more than 67108864 bytes.");
+}
+
 TEST(RequestJSON, ALongMistakeMakesAShortSentence) {
     const std::string text = "{\"type\": \"" + std::string(1000000, 'x') + "\xff\"}";
     EXPECT_LT(refusalOf(text).size(), 400U);

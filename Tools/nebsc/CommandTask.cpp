@@ -3,10 +3,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <new>
 
 #include "BrokenReference.h"
 #include "GitProgram.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "OperationRun.h"
 #include "OutcomeJSON.h"
 #include "Pager.h"
@@ -95,7 +97,7 @@ Reply CommandTask::work() {
     if (outcome.error ? isCompletedAfter(*outcome.error) : silentExitStatus(outcome) == 0) {
         complete(outcome);
     }
-    Reply reply = replyTo(outcome);
+    Reply reply = replyInMemoryTo(outcome);
     reply.pager = pagerFor(reply.standardOutput);
     return reply;
 }
@@ -130,6 +132,17 @@ std::optional<Reply> CommandTask::readPaths() {
         }
     }
     return std::nullopt;
+}
+
+/// Where memory runs out for the reply, that is the outcome's failure, in place of its result.
+Reply CommandTask::replyInMemoryTo(Outcome& outcome) {
+    try {
+        return replyTo(outcome);
+    } catch (const std::bad_alloc&) {
+        outcome.error = NEBSourceControlErrorOfCurrentException();
+    }
+    outcome.result.reset();
+    return replyTo(outcome);
 }
 
 Reply CommandTask::replyTo(Outcome& outcome) {

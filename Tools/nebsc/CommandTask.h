@@ -153,6 +153,7 @@ private:
     [[nodiscard]] Reply work();
     [[nodiscard]] std::optional<Reply> refusalOfEmptyNames() const;
     [[nodiscard]] std::optional<Reply> readPaths();
+    [[nodiscard]] Reply replyInMemoryTo(Outcome& outcome);
     [[nodiscard]] Reply replyTo(Outcome& outcome);
     /// Names the current branch in an error that comes from its being broken.
     void explainBrokenHEAD(Outcome& outcome);

@@ -13,11 +13,12 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Reads to the end into `bytes`. Answers 0 or the errno of the failure.
-int readAll(int descriptor, std::string& bytes) {
+/// Reads to the end into `bytes`, or until there are more than `most`. Returns 0 or the errno of
+/// the failure.
+int readAll(int descriptor, std::size_t most, std::string& bytes) {
     constexpr std::size_t pieceSize = 65536;
     std::array<char, pieceSize> piece{};
-    while (true) {
+    while (bytes.size() <= most) {
         const ssize_t count = ::read(descriptor, piece.data(), piece.size());
         if (count > 0) {
             bytes.append(piece.data(), static_cast<std::size_t>(count));
@@ -27,6 +28,7 @@ int readAll(int descriptor, std::string& bytes) {
             return errno;
         }
     }
+    return 0;
 }
 
 InputReading failed(const std::string& what, int reason) {
@@ -35,17 +37,25 @@ InputReading failed(const std::string& what, int reason) {
 
 }  // namespace
 
-InputReading readInput(const std::string& file) {
-    std::string bytes;
-    if (file == "-") {
-        const int failure = readAll(STDIN_FILENO, bytes);
-        return failure == 0 ? InputReading{std::move(bytes), {}}
-                            : failed("Standard input", failure);
+InputReading readInput(const std::string& file, std::size_t most) {
+    const bool isStandardInput = file == "-";
+    const std::string subject = isStandardInput ? "Standard input" : "The file \"" + file + "\"";
+    FileDescriptor opened;
+    if (!isStandardInput) {
+        opened = FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+        if (!opened.isOpen()) {
+            return failed(subject, errno);
+        }
     }
-    const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    const int failure = descriptor.isOpen() ? readAll(descriptor.get(), bytes) : errno;
-    return failure == 0 ? InputReading{std::move(bytes), {}}
-                        : failed("The file \"" + file + "\"", failure);
+    std::string bytes;
+    const int failure = readAll(isStandardInput ? STDIN_FILENO : opened.get(), most, bytes);
+    if (failure != 0) {
+        return failed(subject, failure);
+    }
+    if (bytes.size() > most) {
+        return {std::nullopt, subject + " has more than " + std::to_string(most) + " bytes."};
+    }
+    return {std::move(bytes), {}};
 }
 
 }  // namespace neb::nebsc

@@ -1,6 +1,7 @@
 // InputFile.h - reads what a person names on the command line.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -13,8 +14,8 @@ struct InputReading {
     std::string failure;
 };
 
-/// Reads the file to its end; "-" stands for standard input. Blocks as long as the writer of a pipe
-/// or terminal takes.
-[[nodiscard]] InputReading readInput(const std::string& file);
+/// Reads the file to its end; "-" stands for standard input. Fails, without reading on, when it has
+/// more than `most` bytes. Blocks as long as the writer of a pipe or terminal takes.
+[[nodiscard]] InputReading readInput(const std::string& file, std::size_t most);
 
 }  // namespace neb::nebsc

@@ -27,9 +27,6 @@ namespace {
 
 using nlohmann::json;
 
-/// Far more than a request has, far less than a stack bears.
-constexpr std::size_t deepestNesting = 32;
-
 /// An array or object that is not at its end yet.
 struct OpenNode {
     JSONNode* node;
@@ -41,20 +38,23 @@ class TreeBuilder : public nlohmann::json_sax<json> {
 public:
     [[nodiscard]] JSONReading takeReading() {
         return _failure.empty() ? JSONReading{std::move(_root), {}}
-                                : JSONReading{std::nullopt, std::move(_failure)};
+                                : JSONReading{std::nullopt, std::move(_failure), _isTooLarge};
     }
 
-    bool null() override {
-        place(JSONNode::Kind::null);
-        return true;
-    }
+    bool null() override { return place(JSONNode::Kind::null) != nullptr; }
     bool boolean(bool value) override {
-        place(JSONNode::Kind::boolean).boolean = value;
-        return true;
+        JSONNode* node = place(JSONNode::Kind::boolean);
+        if (node != nullptr) {
+            node->boolean = value;
+        }
+        return node != nullptr;
     }
     bool number_integer(number_integer_t value) override {
-        place(JSONNode::Kind::integer).integer = value;
-        return true;
+        JSONNode* node = place(JSONNode::Kind::integer);
+        if (node != nullptr) {
+            node->integer = value;
+        }
+        return node != nullptr;
     }
     bool number_unsigned(number_unsigned_t value) override {
         if (value > static_cast<number_unsigned_t>(INT64_MAX)) {
@@ -63,12 +63,10 @@ public:
         return number_integer(static_cast<number_integer_t>(value));
     }
     bool number_float(number_float_t /*value*/, const string_t& written) override {
-        place(JSONNode::Kind::otherNumber).text = written;
-        return true;
+        return placeText(JSONNode::Kind::otherNumber, written);
     }
     bool string(string_t& value) override {
-        place(JSONNode::Kind::string).text = std::move(value);
-        return true;
+        return placeText(JSONNode::Kind::string, std::move(value));
     }
     bool binary(binary_t& /*value*/) override {
         return false;  // not of the text form
@@ -117,23 +115,45 @@ private:
         return path;
     }
 
-    /// A new node where the parser is, to be filled.
-    JSONNode& place(JSONNode::Kind kind) {
+    bool failAsTooLarge(std::string sentence) {
+        _isTooLarge = true;
+        return fail(std::move(sentence));
+    }
+
+    /// A new node where the parser is, to be filled; null at the limit.
+    JSONNode* place(JSONNode::Kind kind) {
+        if (_count == mostJSONValues) {
+            failAsTooLarge("The request has more than " + std::to_string(mostJSONValues) +
+                           " values.");
+            return nullptr;
+        }
+        ++_count;
         JSONNode& node =
             _open.empty() ? _root.emplace() : _open.back().node->children.emplace_back();
         node.kind = kind;
         node.name = std::move(_key);
         _key.clear();
-        return node;
+        return &node;
+    }
+
+    bool placeText(JSONNode::Kind kind, std::string text) {
+        JSONNode* node = place(kind);
+        if (node != nullptr) {
+            node->text = std::move(text);
+        }
+        return node != nullptr;
     }
 
     bool open(JSONNode::Kind kind) {
-        if (_open.size() == deepestNesting) {
-            return fail("The request is nested more than " + std::to_string(deepestNesting) +
-                        " levels deep.");
+        if (_open.size() == deepestJSONNesting) {
+            return failAsTooLarge("The request is nested more than " +
+                                  std::to_string(deepestJSONNesting) + " levels deep.");
         }
-        _open.push_back({&place(kind), {}});
-        return true;
+        JSONNode* node = place(kind);
+        if (node != nullptr) {
+            _open.push_back({node, {}});
+        }
+        return node != nullptr;
     }
 
     bool close() {
@@ -146,7 +166,9 @@ private:
     /// where it is.
     std::vector<OpenNode> _open;
     std::string _key;
+    std::size_t _count = 0;  // of the values so far
     std::string _failure;
+    bool _isTooLarge = false;
 };
 
 }  // namespace
@@ -172,6 +194,12 @@ std::string_view nameOfKind(JSONNode::Kind kind) {
 }
 
 JSONReading readJSON(std::string_view text) {
+    if (text.size() > longestJSONText) {
+        return {
+            .root = std::nullopt,
+            .failure = "The request has more than " + std::to_string(longestJSONText) + " bytes.",
+            .isTooLarge = true};
+    }
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
         return {std::nullopt, "The request is empty; a JSON object was expected."};
     }

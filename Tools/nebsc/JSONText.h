@@ -6,6 +6,7 @@
 //     reading.root->children[0].integer;   // 15
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -33,16 +34,25 @@ struct JSONNode {
 /// "null", "a boolean", … as a sentence needs it.
 [[nodiscard]] std::string_view nameOfKind(JSONNode::Kind kind);
 
+/// A request has at most this many bytes, values (members, elements, and the root) and levels of
+/// nesting. git takes fewer arguments than that. The limits bound the memory that a request needs,
+/// whoever wrote it.
+constexpr std::size_t longestJSONText = std::size_t{64} << 20;
+constexpr std::size_t mostJSONValues = 250000;
+constexpr std::size_t deepestJSONNesting = 32;
+
 struct JSONReading {
     std::optional<JSONNode> root;
-    /// One sentence; empty when there is a root. It names the place: the member, or line and
+    /// One sentence; empty when there is a root. It names the location: the member, or line and
     /// column.
     std::string failure;
+    /// Whether the text was refused because of one of the limits.
+    bool isTooLarge = false;
 };
 
-/// Reads one JSON value. Refused are bad syntax, bytes that are no UTF-8, an empty text, anything
-/// behind the value, a member that stands twice, a number too large for any arithmetic, and a
-/// nesting far deeper than any request's. From any thread.
+/// Reads one JSON value. Refuses bad syntax, bytes that are not UTF-8, an empty text, anything
+/// behind the value, a member that stands twice, a number too large for any arithmetic, and a text
+/// that exceeds one of the limits. Stops reading at the limit. Thread-safe.
 [[nodiscard]] JSONReading readJSON(std::string_view text);
 
 /// The path of a child as sentences name it: "files[2]", "sourceTree.name"; `path` is that of its

@@ -7,6 +7,7 @@
 
 #include "GitQuoting.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 
 namespace neb::nebsc {
 
@@ -140,6 +141,17 @@ JSON jsonOfOutcome(const Outcome& outcome) {
             conflicts->files ? arrayOf(*conflicts->files, textOfName) : JSON(nullptr);
     }
     return json;
+}
+
+std::string writtenOutcome(Outcome& outcome,
+                           const std::function<std::string(const Outcome&)>& write) {
+    try {
+        return write(outcome);
+    } catch (const std::exception&) {
+        outcome.error = NEBSourceControlErrorOfCurrentException();
+    }
+    outcome.result.reset();
+    return write(outcome);
 }
 
 std::string lineOfJSON(const JSON& json) {

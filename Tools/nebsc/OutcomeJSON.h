@@ -22,6 +22,7 @@
 // an exit status or the name of a signal, the three in the plural are arrays of strings.
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -29,8 +30,13 @@
 
 namespace neb::nebsc {
 
-/// From any thread, as is the next.
+/// Thread-safe, as is all below.
 [[nodiscard]] nlohmann::ordered_json jsonOfOutcome(const Outcome& outcome);
+
+/// Returns what `write` makes of the outcome. Where memory runs out meanwhile, the result is freed,
+/// and `write` is called again with an outcome whose error, of the class "out-of-memory", says so.
+[[nodiscard]] std::string writtenOutcome(Outcome& outcome,
+                                         const std::function<std::string(const Outcome&)>& write);
 
 /// The JSON on one line, line end included; bytes that are no UTF-8 become U+FFFD.
 [[nodiscard]] std::string lineOfJSON(const nlohmann::ordered_json& json);

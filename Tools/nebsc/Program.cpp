@@ -4,6 +4,8 @@
 
 #include "CommandLine.h"
 #include "Commands.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "OutcomeJSON.h"
 #include "PlugInLocation.h"
 #include "StartFolder.h"
 
@@ -44,18 +46,31 @@ Reply replyTo(const Call& call) {
                               .colours = call.colours});
 }
 
+/// The reply of a program that an exception ended, an outcome too where one was asked for.
+Reply replyToFailure(const Call* call) {
+    Reply reply = failureWith(NEBSourceControlErrorOfCurrentException());
+    if (call != nullptr && (call->isJSON || call->command == &requestCommand)) {
+        Outcome outcome;
+        outcome.error = reply.error;
+        reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
+        reply.standardError.clear();
+    }
+    return reply;
+}
+
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) noexcept {
+    std::optional<Call> call;
     try {
         auto understood = readCommandLine(argc, argv);
-        if (const Call* call = std::get_if<Call>(&understood)) {
+        if (std::holds_alternative<Call>(understood)) {
+            call = std::get<Call>(std::move(understood));
             understood = replyTo(*call);
         }
         return deliver(std::get<Reply>(understood));
-    } catch (const std::exception& failure) {
-        return deliver(refusal(std::string("The work could not be done: ") + failure.what() + ".",
-                               exitFailed));
+    } catch (const std::exception&) {
+        return deliver(replyToFailure(call ? &*call : nullptr));
     }
 }
 

@@ -10,7 +10,8 @@ namespace neb::nebsc {
 namespace {
 
 Reply run(const CommandCall& call) {
-    const InputReading input = readInput(call.arguments.value("FILE").value_or("-"));
+    const InputReading input =
+        readInput(call.arguments.value("FILE").value_or("-"), longestJSONText);
     if (!input.bytes) {
         return refusal(input.failure, exitNotUnderstood);
     }
@@ -24,19 +25,21 @@ Reply run(const CommandCall& call) {
                                  !call.session.trace().isOn());
     const auto runner = call.arguments.has("--dry-run") ? HostSession::Runner()
                                                         : interruptibleRunner(interruption, *sign);
-    const Performance performance = call.session.perform(reading.request, runner);
+    Performance performance = call.session.perform(reading.request, runner);
     sign.reset();
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = performance.refusedValue) {
         return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
     }
-    Reply reply{.standardOutput = lineOfJSON(jsonOfOutcome(*performance.outcome)),
-                .standardError = {},
-                .exitStatus = performance.outcome->error ? exitFailed : exitDone};
-    noteOmittedRevisions(reply, *performance.outcome);
-    noteLeftFolder(reply, *performance.outcome);
-    noteHeldOutput(reply, *performance.outcome);
+    Outcome& outcome = *performance.outcome;
+    Reply reply;
+    reply.standardOutput = writtenOutcome(
+        outcome, [](const Outcome& written) { return lineOfJSON(jsonOfOutcome(written)); });
+    reply.exitStatus = outcome.error ? exitFailed : exitDone;
+    noteOmittedRevisions(reply, outcome);
+    noteLeftFolder(reply, outcome);
+    noteHeldOutput(reply, outcome);
     noteInterruption(reply, signalNumber);
     return reply;
 }

@@ -51,12 +51,33 @@ TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
     class Throwing : public NEBSourceControlOperation {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;
-        void main() override { throw std::bad_alloc(); }
+        void main() override { throw std::runtime_error("a reason"); }
     };
     Throwing operation(requestFor(4, std::nullopt));
     operation.start();
     EXPECT_TRUE(operation.isFinished());
-    EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("bad_alloc")));
+    EXPECT_THAT(operation.error(),
+                IsSourceControlError(-1, "The operation could not be completed: a reason."));
+    EXPECT_THAT(operation.error(), HasErrorClass("unknown"));
+}
+
+TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
+    class Throwing : public NEBSourceControlOperation {
+    public:
+        using NEBSourceControlOperation::NEBSourceControlOperation;
+        void main() override {
+            if (request()->type == 4) {
+                throw std::bad_alloc();
+            }
+            std::string().resize(std::string().max_size() + 1);
+        }
+    };
+    for (const std::int32_t type : {4, 5}) {
+        Throwing operation(requestFor(type, std::nullopt));
+        operation.start();
+        EXPECT_THAT(operation.error(), HasErrorClass("out-of-memory"));
+        EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("not enough memory")));
+    }
 }
 
 TEST(SourceControlOperation, TheEndOfItsThreadIsNoError) {

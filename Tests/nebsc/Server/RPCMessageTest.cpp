@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 namespace neb::test {
 namespace {
 
@@ -64,6 +66,41 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"AMethodOfAnotherKind", R"({"jsonrpc":"2.0","id":4,"method":5})", -32600, 4},
         Refused{"AnIdOfAnotherKind", R"({"jsonrpc":"2.0","id":[],"method":"m"})", -32600, nullptr}),
     [](const auto& tested) { return tested.param.name; });
+
+/// A request of this many elements, and what surrounds them.
+std::string requestOfSize(std::size_t count, const std::string& start, const std::string& end) {
+    std::string text = start + R"("params":[0)";
+    for (std::size_t i = 1; i < count; ++i) {
+        text += ",0";
+    }
+    return text + "]" + end;
+}
+
+TEST(RPCMessage, TooLargeIsRefusedWithItsIdAndTheLimit) {
+    const std::string start = R"({"jsonrpc":"2.0","method":"m",)";
+    const std::size_t others = 4;  // the root, and three members
+    EXPECT_TRUE(
+        nebsc::readRPCMessage(requestOfSize(nebsc::mostJSONValues - others, start, "}")).message);
+    for (const auto& [before, behind, id] :
+         {std::tuple<std::string, std::string, JSON>{R"({"id":5,)", "}", 5},
+          {"{", R"(,"id":"x"})", "x"},
+          {R"({"result":{"id":9},)", "}", nullptr},
+          {R"({"id":[1],"a":2,)", "}", nullptr},
+          {R"({"id":5,)", "", nullptr}}) {
+        const auto reading =
+            nebsc::readRPCMessage(requestOfSize(nebsc::mostJSONValues, before, behind));
+        EXPECT_FALSE(reading.message);
+        const JSON answer = JSON::parse(reading.refusal);
+        EXPECT_EQ(answer["id"], id) << before;
+        EXPECT_EQ(answer["error"]["code"], -32600);
+        EXPECT_EQ(answer["error"]["message"], "The request has more than 250000 values.");
+    }
+    const auto deep = nebsc::readRPCMessage(R"({"id":3,"a":)" + std::string(40, '[') +
+                                            std::string(40, ']') + "}");
+    EXPECT_EQ(JSON::parse(deep.refusal)["id"], 3);
+    EXPECT_THAT(deep.refusal, testing::HasSubstr("-32600"));
+    EXPECT_THAT(deep.refusal, testing::HasSubstr("more than 32 levels deep"));
+}
 
 TEST(RPCAnswer, HasTheFormOfTheProtocol) {
     EXPECT_EQ(nebsc::rpcResult("a", nullptr), R"({"jsonrpc":"2.0","id":"a","result":null})");

@@ -18,10 +18,21 @@ namespace {
 
 constexpr int longEnough = 60000;  // milliseconds
 
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 }  // namespace
 
 ServerClient::ServerClient(
-    const std::vector<std::pair<std::string, std::optional<std::string>>>& variables) {
+    const std::vector<std::pair<std::string, std::optional<std::string>>>& variables,
+    std::vector<std::string> launcher) {
     Pipe input;
     Pipe output;
     if (openPipe(input, PipeSize::ordinary) != 0 || openPipe(output, PipeSize::ordinary) != 0) {
@@ -36,12 +47,8 @@ ServerClient::ServerClient(
             environment.push_back(name + "=" + *value);
         }
     }
-    std::vector<char*> pointers;
-    pointers.reserve(environment.size() + 1);
-    for (std::string& variable : environment) {
-        pointers.push_back(variable.data());
-    }
-    pointers.push_back(nullptr);
+    std::vector<std::string>& words = launcher;
+    words.insert(words.end(), {NEB_BUILD_FOLDER "/bin/nebsc", "serve"});
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, input.readEnd.get(), STDIN_FILENO);
@@ -55,15 +62,12 @@ ServerClient::ServerClient(
     }
     ::posix_spawnattr_setsigdefault(&attributes, &defaults);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-    std::string program = NEB_BUILD_FOLDER "/bin/nebsc";
-    std::string command = "serve";
-    char* words[] = {program.data(), command.data(), nullptr};
-    const int failure =
-        ::posix_spawn(&_pid, program.c_str(), &actions, &attributes, words, pointers.data());
+    const int failure = ::posix_spawn(&_pid, words.front().c_str(), &actions, &attributes,
+                                      pointersTo(words).data(), pointersTo(environment).data());
     ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) {
-        throw std::runtime_error("cannot start " + program);
+        throw std::runtime_error("cannot start " + words.front());
     }
     _toServer = std::move(input.writeEnd);
     _fromServer = std::move(output.readEnd);

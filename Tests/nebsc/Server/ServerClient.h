@@ -19,9 +19,12 @@ class ServerClient {
 public:
     using JSON = nlohmann::ordered_json;
 
-    /// Starts the server, with these variables beside the environment's.
+    /// Starts the server, with these variables beside the environment's. `launcher` is a program
+    /// with its arguments that becomes the program whose command line follows it, such as
+    /// prlimit(1).
     explicit ServerClient(
-        const std::vector<std::pair<std::string, std::optional<std::string>>>& variables = {});
+        const std::vector<std::pair<std::string, std::optional<std::string>>>& variables = {},
+        std::vector<std::string> launcher = {});
     ServerClient(const ServerClient&) = delete;
     ServerClient& operator=(const ServerClient&) = delete;
     /// Kills it where it still runs.

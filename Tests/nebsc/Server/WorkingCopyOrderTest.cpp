@@ -4,8 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <future>
 #include <mutex>
+#include <thread>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -92,6 +94,20 @@ TEST(WorkingCopyOrder, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
     order.add("/w", [&] { note('4'); });
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(done.ends_with('4'));
+}
+
+TEST(WorkingCopyOrder, IsGoneOnlyWhenItsWorkIsDone) {
+    OperationQueue queue(2);
+    std::string done;
+    {
+        WorkingCopyOrder order(queue);
+        order.add("/w", [&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            done += '1';
+        });
+        order.add("/w", [&] { done += '2'; });
+    }
+    EXPECT_EQ(done, "12");
 }
 
 }  // namespace

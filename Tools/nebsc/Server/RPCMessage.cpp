@@ -1,6 +1,9 @@
 #include "RPCMessage.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <new>
+#include <utility>
 
 namespace neb::nebsc {
 
@@ -15,6 +18,57 @@ const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
                      [name](const JSONNode& candidate) { return candidate.name == name; });
     return child != node.children.end() ? &*child : nullptr;
 }
+
+/// Finds the id of a message that is too large to be read, and keeps nothing else of it.
+class IdFinder : public nlohmann::json_sax<JSON> {
+public:
+    [[nodiscard]] const JSON& id() const { return _id; }
+
+    bool null() override { return true; }
+    bool boolean(bool /*value*/) override { return true; }
+    bool number_integer(number_integer_t value) override { return take(value); }
+    bool number_unsigned(number_unsigned_t value) override {
+        return value > INT64_MAX || take(static_cast<number_integer_t>(value));
+    }
+    bool number_float(number_float_t /*value*/, const string_t& /*written*/) override {
+        return true;
+    }
+    bool string(string_t& value) override { return take(value); }
+    bool binary(binary_t& /*value*/) override { return true; }
+    bool start_object(std::size_t /*size*/) override { return enter(); }
+    bool start_array(std::size_t /*size*/) override { return enter(); }
+    bool end_object() override { return leave(); }
+    bool end_array() override { return leave(); }
+    bool key(string_t& name) override {
+        _isAtId = _depth == 1 && name == "id";
+        return true;
+    }
+    bool parse_error(std::size_t /*position*/, const std::string& /*lastToken*/,
+                     const nlohmann::json::exception& /*exception*/) override {
+        return false;
+    }
+
+private:
+    template <typename Value>
+    bool take(const Value& value) {
+        if (_depth == 1 && std::exchange(_isAtId, false)) {
+            _id = value;
+        }
+        return true;
+    }
+    bool enter() {
+        ++_depth;
+        return true;
+    }
+    bool leave() {
+        --_depth;
+        return true;
+    }
+
+    JSON _id;
+    std::size_t _depth = 0;
+    bool _isAtId = false;  // the next value of the outermost object is it
+};
 
 /// Bytes that are no UTF-8 become U+FFFD.
 std::string textOf(const JSON& json) {
@@ -34,8 +88,21 @@ std::optional<JSON> stringOrInteger(const JSONNode& node) {
     }
 }
 
+JSON idOfRPCMessage(std::string_view text) {
+    IdFinder finder;
+    try {
+        return JSON::sax_parse(text, &finder) ? finder.id() : JSON();
+    } catch (const std::bad_alloc&) {
+        return finder.id();
+    }
+}
+
 RPCReading readRPCMessage(std::string_view text) {
     JSONReading reading = readJSON(text);
+    if (reading.isTooLarge) {
+        return {std::nullopt,
+                rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
+    }
     if (!reading.root) {
         return {std::nullopt, rpcError(nullptr, RPCErrorCode::parseError, reading.failure)};
     }

@@ -41,6 +41,10 @@ struct RPCReading {
 /// any thread, as is all below.
 [[nodiscard]] RPCReading readRPCMessage(std::string_view text);
 
+/// The id of a message that cannot be read as a whole; null where the text is not JSON, has no id,
+/// or memory runs out before it.
+[[nodiscard]] nlohmann::ordered_json idOfRPCMessage(std::string_view text);
+
 [[nodiscard]] std::string rpcResult(const nlohmann::ordered_json& id,
                                     nlohmann::ordered_json result);
 /// `data`, where it is not null, tells more than the sentence.

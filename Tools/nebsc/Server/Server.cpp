@@ -11,6 +11,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "OperationRun.h"
 #include "OutcomeJSON.h"
 #include "Platform/ErrnoText.h"
@@ -55,6 +56,10 @@ std::optional<JSON> takeProgressToken(JSONNode& params) {
     return value;
 }
 
+std::string sentenceOfCurrentException() {
+    return NEBSourceControlErrorOfCurrentException().localizedDescription().value_or("");
+}
+
 }  // namespace
 
 // ---- the conversation -------------------------------------------------------------------------
@@ -83,9 +88,11 @@ Server::End Server::run(int input, int output) {
         [this](const std::string& message) { _writer->send(message); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
     _order = std::make_unique<WorkingCopyOrder>(*_queue);
-    {
+    try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
+    } catch (const std::exception&) {
+        _end = {.isOrderly = false, .failure = sentenceOfCurrentException()};
     }
     cancelAll();
     _queue->waitUntilAllOperationsAreFinished();
@@ -146,18 +153,27 @@ void Server::takeFrames() {
 }
 
 void Server::take(const MessageFrames::Frame& frame) {
-    if (frame.length > longestMessage) {
+    if (frame.length > longestJSONText) {
         _writer->send(rpcError(nullptr, RPCErrorCode::invalidRequest,
                                "The message has " + std::to_string(frame.length) +
-                                   " bytes; at most " + std::to_string(longestMessage) +
+                                   " bytes; at most " + std::to_string(longestJSONText) +
                                    " are taken."));
         return;
     }
-    RPCReading reading = readRPCMessage(frame.content);
-    if (reading.message) {
-        dispatch(*reading.message);
-    } else if (!reading.refusal.empty()) {
-        _writer->send(reading.refusal);
+    JSON id;
+    try {
+        RPCReading reading = readRPCMessage(frame.content);
+        if (reading.message) {
+            id = reading.message->id.value_or(nullptr);
+            dispatch(*reading.message);
+        } else if (!reading.refusal.empty()) {
+            _writer->send(reading.refusal);
+        }
+    } catch (const std::exception&) {
+        if (id.is_null()) {
+            id = idOfRPCMessage(frame.content);
+        }
+        _writer->send(rpcError(id, RPCErrorCode::internalError, sentenceOfCurrentException()));
     }
 }
 
@@ -243,17 +259,18 @@ std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlReq
         const Job::Work work(job, [&operation] { cancelOperation(operation); });
         operation.start();
     };
-    const Performance performance = _session.perform(request, isRun ? run : HostSession::Runner());
+    Performance performance = _session.perform(request, isRun ? run : HostSession::Runner());
     if (performance.refusedValue) {
         return rpcError(job.id(), RPCErrorCode::invalidParams,
                         sentenceOfRefusedValue(*performance.refusedValue));
     }
-    const Outcome& outcome = *performance.outcome;
-    const bool wasCancelled =
-        outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
-    return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,
-                                   "The request was cancelled.", jsonOfOutcome(outcome))
-                        : rpcResult(job.id(), jsonOfOutcome(outcome));
+    return writtenOutcome(*performance.outcome, [&job](const Outcome& outcome) {
+        const bool wasCancelled =
+            outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
+        return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,
+                                       "The request was cancelled.", jsonOfOutcome(outcome))
+                            : rpcResult(job.id(), jsonOfOutcome(outcome));
+    });
 }
 
 /// A request that still waits for its turn is answered at once; one that runs, when it has ended.
@@ -298,18 +315,30 @@ void Server::start(const RPCMessage& message, std::optional<std::string> place,
             return;
         }
     }
-    _order->add(std::move(place), [this, job, answer = std::move(answer)] {
-        if (!job->begin()) {
-            return;
-        }
+    try {
+        _order->add(std::move(place),
+                    [this, job, answer = std::move(answer)] { work(*job, answer); });
+    } catch (...) {
+        const MutexLock lock(_mutex);
+        _jobs.erase(message.id->dump());
+        throw;
+    }
+}
+
+void Server::work(Job& job, const std::function<std::string(Job&)>& answer) {
+    if (!job.begin()) {
+        return;
+    }
+    try {
         try {
-            finish(*job, answer(*job));
-        } catch (const std::exception& failure) {
-            finish(*job,
-                   rpcError(job->id(), RPCErrorCode::internalError,
-                            std::string("The work could not be done: ") + failure.what() + "."));
+            finish(job, answer(job));
+        } catch (const std::exception&) {
+            finish(job,
+                   rpcError(job.id(), RPCErrorCode::internalError, sentenceOfCurrentException()));
         }
-    });
+    } catch (const std::exception&) {
+        _wake.wake();  // without memory for any answer: the client sees the end instead
+    }
 }
 
 void Server::finish(Job& job, const std::string& answer) {
@@ -327,14 +356,19 @@ void Server::cancel(Job& job) {
     }
 }
 
+/// Cancels each job, whatever becomes of the answers to those that have not begun.
 void Server::cancelAll() {
     std::map<std::string, std::shared_ptr<Job>> jobs;
     {
         const MutexLock lock(_mutex);
-        jobs = _jobs;
+        jobs.swap(_jobs);
     }
     for (const auto& [id, job] : jobs) {
-        cancel(*job);
+        try {
+            cancel(*job);
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
     }
 }
 

@@ -70,6 +70,7 @@ private:
     /// Lets `answer` make the answer, when its turn has come: see WorkingCopyOrder for the place.
     void start(const RPCMessage& message, std::optional<std::string> place,
                std::function<std::string(Job&)> answer);
+    void work(Job& job, const std::function<std::string(Job&)>& answer);
     void finish(Job& job, const std::string& answer);
     void cancel(Job& job);
     void cancelAll();
@@ -80,7 +81,7 @@ private:
     Interruption& _interruption;
     State _state = State::fresh;
     End _end;
-    MessageFrames _frames{longestMessage};
+    MessageFrames _frames{longestJSONText};
     Wake _wake;
 
     Mutex _mutex;
@@ -91,8 +92,6 @@ private:
     std::unique_ptr<ProgressReports> _progress;
     std::unique_ptr<OperationQueue> _queue;
     std::unique_ptr<WorkingCopyOrder> _order;
-
-    static constexpr std::size_t longestMessage = std::size_t{64} << 20;
 };
 
 }  // namespace neb::nebsc

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <new>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -92,6 +93,8 @@ void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void(
         _queue.addBlock(std::move(work));
         return;
     }
+    // Made before the work is in the list: what is there must run.
+    std::function<void()> next = [this, place = *place] { runNext(place); };
     bool isFirst = false;
     {
         const MutexLock lock(_mutex);
@@ -99,34 +102,52 @@ void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void(
         isFirst = waiting.empty();
         waiting.push_back(std::move(work));
     }
-    if (isFirst) {
-        _queue.addBlock([this, place = std::move(*place)] { runNext(place); });
+    if (!isFirst) {
+        return;
+    }
+    try {
+        _queue.addBlock(std::move(next));
+    } catch (...) {
+        if (dropFirst(*place)) {
+            runNext(*place);  // of another thread, which counts on this one
+        }
+        throw;
     }
 }
 
 /// What waits takes its place at the end of the queue anew, so that no working copy keeps the
-/// others waiting.
+/// others waiting; without memory for that it is done at once.
 void WorkingCopyOrder::runNext(const std::string& place) {
+    while (runFirst(place)) {
+        try {
+            _queue.addBlock([this, place] { runNext(place); });
+            return;
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
+    }
+}
+
+bool WorkingCopyOrder::runFirst(const std::string& place) {
     std::function<void()> work;
     {
         const MutexLock lock(_mutex);
-        work = std::move(_waiting[place].front());
+        work = std::move(_waiting.find(place)->second.front());
     }
     work();
     work = nullptr;
-    bool isAnyLeft = false;
-    {
-        const MutexLock lock(_mutex);
-        auto& waiting = _waiting[place];
-        waiting.pop_front();
-        isAnyLeft = !waiting.empty();
-        if (!isAnyLeft) {
-            _waiting.erase(place);
-        }
+    return dropFirst(place);
+}
+
+bool WorkingCopyOrder::dropFirst(const std::string& place) {
+    const MutexLock lock(_mutex);
+    const auto waiting = _waiting.find(place);
+    waiting->second.pop_front();
+    if (waiting->second.empty()) {
+        _waiting.erase(waiting);
+        return false;
     }
-    if (isAnyLeft) {
-        _queue.addBlock([this, place] { runNext(place); });
-    }
+    return true;
 }
 
 }  // namespace neb::nebsc

@@ -23,17 +23,25 @@ namespace neb::nebsc {
 /// one that only reads, or exports to a name of its own. Looks at the file system. From any thread.
 [[nodiscard]] std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request);
 
-/// From any thread. All work must have ended when the object goes.
+/// Thread-safe.
 class WorkingCopyOrder {
 public:
     explicit WorkingCopyOrder(OperationQueue& queue) : _queue(queue) {}
+    WorkingCopyOrder(const WorkingCopyOrder&) = delete;
+    WorkingCopyOrder& operator=(const WorkingCopyOrder&) = delete;
+    /// Waits until the queue has done all its work, which uses this object.
+    ~WorkingCopyOrder() { _queue.waitUntilAllOperationsAreFinished(); }
 
     /// Lets the queue do the work: at once without a place, else when all that came before for the
-    /// same place is done. The work must not throw.
+    /// same place is done. The work must not throw. Throws std::bad_alloc, and then the work is not
+    /// done.
     void add(std::optional<std::string> place, std::function<void()> work);
 
 private:
     void runNext(const std::string& place);
+    /// Does the first work of the place, and returns whether more of it waits.
+    bool runFirst(const std::string& place);
+    bool dropFirst(const std::string& place);
 
     OperationQueue& _queue;
     Mutex _mutex;

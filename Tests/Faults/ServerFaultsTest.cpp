@@ -1,0 +1,132 @@
+// The server under hostile messages and without memory: it goes on or ends in good order, and
+// leaves no process behind.
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+#include "Faults/Sanitizers.h"
+#include "Support/HygienicTest.h"
+#include "Support/TemporaryFolder.h"
+#include "nebsc/Server/ServerClient.h"
+
+namespace neb::test {
+namespace {
+
+using JSON = ServerClient::JSON;
+
+constexpr std::size_t million = 1000000;
+
+class ServerFaults : public HygienicTest {
+protected:
+    static std::vector<std::string> withAddressSpaceOf(std::size_t bytes) {
+        return {"/usr/bin/prlimit", "--as=" + std::to_string(bytes)};
+    }
+
+    static std::string planWith(const std::string& start, const std::string& files,
+                                const std::string& end) {
+        return start + R"(,"method":"sourceControl/plan","params":{"type":15,"files":)" + files +
+               "}" + end + "}";
+    }
+};
+
+/// 6 MB that would take 600 MB as nodes.
+std::string manyZeros() {
+    constexpr std::size_t count = 3 * million;
+    std::string text = "[0";
+    text.reserve(2 * count + 2);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += ",0";
+    }
+    return text + "]";
+}
+
+TEST_F(ServerFaults, AMessageOfManySmallValuesTakesBoundedMemory) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+    }
+    ServerClient client({{"MALLOC_ARENA_MAX", "1"}}, withAddressSpaceOf(400 * million));
+    client.initialize();
+    const std::string zeros = manyZeros();
+    client.sendMessage(planWith(R"({"jsonrpc":"2.0","id":1)", zeros, ""));
+    client.sendMessage(planWith(R"({"jsonrpc":"2.0")", zeros, R"(,"id":"behind")"));
+    for (const JSON& id : {JSON(1), JSON("behind")}) {
+        const JSON error = client.answerTo(id)["error"];
+        EXPECT_EQ(error["code"], -32600);
+        EXPECT_EQ(error["message"], "The request has more than 250000 values.");
+    }
+    client.send(2, "sourceControl/plan", {{"type", 15}});
+    EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
+}
+
+/// A git that writes the number of its process and works for long.
+class LongWork {
+public:
+    LongWork() {
+        _folder.writeProgram("git", "#!/bin/sh\n[ \"$1\" = --version ] && exit 0\necho $$ > '" +
+                                        _folder.path("started") + "'\nexec sleep 3600\n");
+    }
+    [[nodiscard]] std::pair<std::string, std::optional<std::string>> path() const {
+        return {"PATH", _folder.path() + ":/usr/bin:/bin"};
+    }
+    [[nodiscard]] JSON request() const {
+        return {{"type", 0}, {"sourceTree", {{"location", _folder.path()}}}};
+    }
+    [[nodiscard]] pid_t process() const {
+        pid_t process = 0;
+        for (int i = 0; i < 6000 && process == 0; ++i) {
+            std::istringstream(_folder.read("started")) >> process;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return process;
+    }
+
+private:
+    TemporaryFolder _folder;
+};
+
+/// The memory runs out at another place for each amount: while the message arrives, while it is
+/// read, while it is answered.
+TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunning) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+    }
+    const std::string message =
+        R"({"jsonrpc":"2.0","id":7,"method":"sourceControl/plan","params":{"type":15,"destination":")" +
+        std::string(16 * million, 'x') + "\"}}";
+    bool wentOn = false;
+    bool ended = false;
+    for (const std::size_t megabytes : {65U, 75U, 100U, 140U}) {
+        SCOPED_TRACE(megabytes);
+        const LongWork work;
+        ServerClient client({work.path(), {"MALLOC_ARENA_MAX", "1"}},
+                            withAddressSpaceOf(megabytes * million));
+        client.initialize();
+        client.send("running", "sourceControl/perform", work.request());
+        client.send("waiting", "sourceControl/perform", work.request());
+        const pid_t process = work.process();
+        ASSERT_GT(process, 0);
+        client.sendMessage(message);
+        client.send("next", "sourceControl/plan", {{"type", 15}});
+        const JSON answer = client.answerTo("next");
+        if (!answer.is_null()) {
+            wentOn = true;
+            EXPECT_THAT(client.others(), testing::SizeIs(1));
+            EXPECT_EQ(client.others().front()["id"], 7);
+            EXPECT_EQ(client.others().front()["error"]["code"], -32603);
+            EXPECT_EQ(answer["result"]["valid"], true);
+            client.send({}, "exit");
+        } else {
+            ended = true;
+        }
+        EXPECT_EQ(client.exitStatus(), 1) << "ended by a signal";
+        EXPECT_FALSE(isLiveProcess(process));
+    }
+    EXPECT_TRUE(wentOn);
+    EXPECT_TRUE(ended);
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -3,7 +3,6 @@
 #include <cxxabi.h>
 
 #include <algorithm>
-#include <exception>
 #include <new>
 #include <utility>
 
@@ -60,9 +59,12 @@ void OperationQueue::addThread() {
     try {
         _threads.reserve(_threads.size() +
                          1);  // a thread without a place in the list would go astray
-        _threads.push_back(startSignalFreeThread([this] { runThread(); }));
-    } catch (const std::exception&) {
-        return;  // no thread or no memory
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    std::thread thread = startSignalFreeThread([this] { runThread(); });
+    if (thread.joinable()) {
+        _threads.push_back(std::move(thread));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 
+#include <exception>
 #include <utility>
 
 namespace neb {
@@ -32,7 +33,11 @@ private:
 
 std::thread startSignalFreeThread(std::function<void()> work) {
     const BlockedSignals blocked;
-    return std::thread(std::move(work));
+    try {
+        return std::thread(std::move(work));
+    } catch (const std::exception&) {  // std::system_error or std::bad_alloc
+        return {};
+    }
 }
 
 }  // namespace neb

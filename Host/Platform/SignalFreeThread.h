@@ -13,7 +13,8 @@ namespace neb {
 
 /// A new thread that does `work` with every signal blocked but those that a fault of its own code
 /// raises (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS). The caller's own mask is as
-/// before. Throws std::system_error when there is no thread to have.
+/// before. Not joinable when the system has no thread or no memory for it: the work is not done
+/// then. Throws nothing. Thread-safe.
 NEB_EXPORT std::thread startSignalFreeThread(std::function<void()> work);
 
 }  // namespace neb

@@ -1,6 +1,5 @@
 #include "Interruption.h"
 
-#include <system_error>
 #include <utility>
 
 #include "Platform/SignalFreeThread.h"
@@ -27,9 +26,8 @@ Interruption::Interruption() {
         }
     }
     ::pthread_sigmask(SIG_BLOCK, &_signals, &_formerMask);
-    try {
-        _watcher = startSignalFreeThread([this] { watch(); });
-    } catch (const std::system_error&) {
+    _watcher = startSignalFreeThread([this] { watch(); });
+    if (!_watcher.joinable()) {
         ::pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr);
     }
 }

@@ -23,7 +23,7 @@ namespace neb::nebsc {
 class LifeSign {
 public:
     /// `activity` is plain ASCII. The sign is written on a thread of its own; one that is not
-    /// wanted is never.
+    /// wanted, or for which the system has no thread, is never.
     LifeSign(std::string_view activity, bool isWanted);
     LifeSign(const LifeSign&) = delete;
     LifeSign& operator=(const LifeSign&) = delete;

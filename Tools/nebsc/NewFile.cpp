@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -42,17 +43,28 @@ std::string NewFile::draft() const {
     return pathByAppendingComponent(_folder, _draftName);
 }
 
-/// Some file systems cannot promise to overwrite nothing; there a look must do.
 std::optional<FileFailure> NewFile::publish() {
     const std::string from = draft();
+#ifdef RENAME_NOREPLACE
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, _path.c_str(), RENAME_NOREPLACE) == 0) {
         return std::nullopt;
     }
-    if (errno != EINVAL) {
+    if (errno != EINVAL && errno != ENOSYS) {
         return failureToWrite(_path, errno);
     }
+#endif
+    return publishPortably(from);
+}
+
+/// For file systems and systems without that call. A second name for a file is never put in another
+/// one's place; for a folder, and where a file cannot have two names, a look must do.
+std::optional<FileFailure> NewFile::publishPortably(const std::string& from) {
+    if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, _path.c_str(), 0) == 0) {
+        return std::nullopt;  // the draft's own name goes with its folder
+    }
     std::error_code failure;
-    if (std::filesystem::exists(std::filesystem::symlink_status(_path, failure))) {
+    if (errno == EEXIST ||
+        std::filesystem::exists(std::filesystem::symlink_status(_path, failure))) {
         return failureToWrite(_path, EEXIST);
     }
     std::filesystem::rename(from, _path, failure);

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] const std::string& path() const { return _path; }
 
 private:
+    [[nodiscard]] std::optional<FileFailure> publishPortably(const std::string& from);
+
     std::string _path;
     std::string _draftName;
     /// Empty until prepared.

@@ -18,7 +18,9 @@ Deadline::~Deadline() {
         _isDone = true;
     }
     _done.notify_one();
-    _thread.join();
+    if (_thread.joinable()) {
+        _thread.join();
+    }
 }
 
 }  // namespace neb::nebsc

@@ -17,7 +17,7 @@ public:
     using Time = std::chrono::steady_clock::time_point;
 
     /// `cancel` is called once, on a thread of its own, when the object still lives at `end`: at
-    /// once where that is past. It must not block.
+    /// once where that is past. It must not block. Never called when the system has no thread.
     Deadline(Time end, std::function<void()> cancel);
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;

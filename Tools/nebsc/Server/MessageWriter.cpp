@@ -24,7 +24,9 @@ MessageWriter::~MessageWriter() {
     }
     _wake.wake();
     _changed.notify_all();
-    _thread.join();
+    if (_thread.joinable()) {
+        _thread.join();
+    }
 }
 
 void MessageWriter::send(std::string_view content) {
@@ -35,6 +37,11 @@ void MessageWriter::send(std::string_view content) {
         }
         _messages.push_back(MessageFrames::framed(content));
         _waitingBytes += _messages.back().size();
+        if (!_thread.joinable() && !_isWriting) {
+            while (!_messages.empty() && writeNext()) {
+            }
+            return;
+        }
     }
     _changed.notify_all();
 }
@@ -66,24 +73,36 @@ void MessageWriter::write() {
         if (_isEnding) {
             return;
         }
-        const std::string message = std::move(_messages.front());
-        _messages.pop_front();
-        lock.unlock();
-        const bool isWritten = writeOne(message);
-        lock.lock();
-        if (!isWritten) {
-            const bool isReaderGone = !_isEnding;
-            _isLost = true;
-            _messages.clear();
-            _waitingBytes = 0;
-            lock.unlock();
-            _changed.notify_all();
-            if (isReaderGone) {
-                _lost();
-            }
+        if (!writeNext()) {
             return;
         }
     }
+}
+
+/// Writes the message that has waited longest. The mutex is unlocked meanwhile. Returns whether
+/// there is still a reader.
+bool MessageWriter::writeNext() {
+    const std::string message = std::move(_messages.front());
+    _messages.pop_front();
+    _isWriting = true;
+    _mutex.unlock();
+    const bool isWritten = writeOne(message);
+    _mutex.lock();
+    _isWriting = false;
+    if (isWritten) {
+        return true;
+    }
+    const bool isReaderGone = !_isEnding;
+    _isLost = true;
+    _messages.clear();
+    _waitingBytes = 0;
+    _mutex.unlock();
+    _changed.notify_all();
+    if (isReaderGone) {
+        _lost();
+    }
+    _mutex.lock();
+    return false;
 }
 
 /// Never waits in write(): of a pipe that poll calls writable, PIPE_BUF bytes can be written.

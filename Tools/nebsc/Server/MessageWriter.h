@@ -5,8 +5,8 @@
 //     writer.send(R"({"jsonrpc":"2.0", …})");
 //     writer.finish(std::chrono::seconds(2));
 //
-// A thread of its own writes, so that send() never waits for the reader. From any thread, but for
-// the making and finish().
+// A thread of its own writes, so that send() never waits for the reader; when the system has no
+// thread, send() writes. Thread-safe, but for the constructor and finish().
 #pragma once
 
 #include <chrono>
@@ -24,7 +24,7 @@ namespace neb::nebsc {
 class MessageWriter {
 public:
     /// Writes to `descriptor`, which stays the caller's and may be blocking. `lost` is called once,
-    /// on the writer's own thread, when the reader has gone or the descriptor cannot be written;
+    /// on the thread that writes, when the reader has gone or the descriptor cannot be written;
     /// what is sent from then on goes nowhere.
     MessageWriter(int descriptor, std::function<void()> lost);
     MessageWriter(const MessageWriter&) = delete;
@@ -44,6 +44,7 @@ public:
 
 private:
     void write();
+    bool writeNext() NEB_REQUIRES(_mutex);
     [[nodiscard]] bool writeOne(std::string_view message);
 
     const int _descriptor;
@@ -55,6 +56,7 @@ private:
     std::size_t _waitingBytes NEB_GUARDED_BY(_mutex) = 0;
     bool _isEnding NEB_GUARDED_BY(_mutex) = false;
     bool _isLost NEB_GUARDED_BY(_mutex) = false;
+    bool _isWriting NEB_GUARDED_BY(_mutex) = false;
     std::thread _thread;
 };
 

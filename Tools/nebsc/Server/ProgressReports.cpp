@@ -25,7 +25,9 @@ ProgressReports::~ProgressReports() {
         _isEnding = true;
     }
     _changed.notify_one();
-    _thread.join();
+    if (_thread.joinable()) {
+        _thread.join();
+    }
 }
 
 ProgressReports::Work::Work(ProgressReports& reports, nlohmann::ordered_json token,

@@ -19,7 +19,8 @@ namespace neb::nebsc {
 /// From any thread.
 class ProgressReports {
 public:
-    /// `send` is called with each message, by one thread at a time; it must not block.
+    /// `send` is called with each message, by one thread at a time; it must not block. Nothing is
+    /// reported when the system has no thread.
     explicit ProgressReports(std::function<void(const std::string&)> send);
     ProgressReports(const ProgressReports&) = delete;
     ProgressReports& operator=(const ProgressReports&) = delete;

@@ -354,7 +354,9 @@ void ChildPipeline::signalAll(int signalNumber) {
 }
 
 /// A process that outlived its child may keep the pipe to the next child open, and that one would
-/// wait for its end of input for ever. We have no end of that pipe; so the process must go.
+/// wait for its end of input for ever. We have no end of that pipe; so the process must go. A
+/// process that the host has forked while the pipe was open may hold it too; that one is not ours
+/// to end, so the pipeline cannot come to its end.
 void ChildPipeline::releaseInputHeldByOthers() {
     if (!_inputDeadline || Clock::now() < *_inputDeadline) {
         return;
@@ -366,8 +368,11 @@ void ChildPipeline::releaseInputHeldByOthers() {
         }
         for (const pid_t holder : processesWritingTo(child.outputPipe)) {
             child.outputWasHeldOpen = true;
-            if (::kill(holder, SIGKILL) != 0 && errno == EPERM && !_killMoment) {
-                beginEnding();  // it is another user's: the pipeline cannot come to its end
+            const bool isEnded =
+                comesFromChild(holder, child.pid) &&
+                (::kill(holder, SIGKILL) == 0 || errno != EPERM);  // EPERM: it is another user's
+            if (!isEnded && !_killMoment) {
+                beginEnding();
             }
         }
     }

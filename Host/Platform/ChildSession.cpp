@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -91,6 +92,17 @@ bool isSessionStopped(pid_t session) {
         areStopped = areStopped && (process.state == 'T' || process.state == 't');
     });
     return areStopped;
+}
+
+bool comesFromChild(pid_t process, pid_t session) {
+    if (::getsid(process) == session) {
+        return true;
+    }
+    const std::string path = "/proc/" + std::to_string(process) + "/exe";
+    struct stat theirs {};
+    struct stat ours {};
+    return ::stat(path.c_str(), &theirs) == 0 && ::stat("/proc/self/exe", &ours) == 0 &&
+           (theirs.st_dev != ours.st_dev || theirs.st_ino != ours.st_ino);
 }
 
 bool sessionHasLiveMembers(pid_t session) {

@@ -1,10 +1,14 @@
 // Children that outlive, are cancelled, or feed each other.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <thread>
 
@@ -305,6 +309,54 @@ TEST_F(ChildPipelines, AProcessThatHoldsTheInputIsEndedInAHostThatReapsForUs) {
     ::sigaction(SIGCHLD, &previous, nullptr);
     EXPECT_EQ(outcomes[1].output, "data\n");
     test::waitUntilGone(numberIn(outcomes[0].errorOutput));
+}
+
+/// A fork of this process that opens the standard output of the process whose number stands in the
+/// file "pid", and then the file "opened", and lives for a minute.
+pid_t forkHolder(const TemporaryFolder& folder) {
+    const std::string number = folder.path("pid");
+    const std::string opened = folder.path("opened");
+    const pid_t holder = ::fork();
+    if (holder != 0) {
+        return holder;
+    }
+    ::alarm(60);
+    char text[32] = {};
+    while (std::strchr(text, '\n') == nullptr) {
+        const int file = ::open(number.c_str(), O_RDONLY | O_CLOEXEC);
+        static_cast<void>(::read(file, text, sizeof text - 1) > 0);
+        ::close(file);
+        ::usleep(1000);
+    }
+    *std::strchr(text, '\n') = '\0';
+    const std::string output = std::string("/proc/") + text + "/fd/1";
+    static_cast<void>(::open(output.c_str(), O_WRONLY | O_CLOEXEC));
+    ::close(::open(opened.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR));
+    while (true) {
+        ::pause();
+    }
+}
+
+TEST_F(ChildPipelines, AForkOfTheHostThatHoldsTheInputLivesOn) {
+    const TemporaryFolder folder;
+    pid_t holder = -1;
+    ChildProcess process;
+    const auto outcomes =
+        process.run({shell("echo $$ > " + folder.path("pid") + "; while ! [ -e " +
+                           folder.path("opened") + " ]; do sleep 0.01; done; echo data"),
+                     shell("cat")},
+                    {.started = [&](std::size_t index) {
+                        if (index == 0) {
+                            holder = forkHolder(folder);
+                        }
+                    }});
+    EXPECT_TRUE(test::isLiveProcess(holder)) << "it is the host's";
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+    EXPECT_TRUE(outcomes[0].status.isSuccess());
+    EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
+    EXPECT_EQ(outcomes[1].output, "data\n");
+    EXPECT_EQ(outcomes[1].status.signalNumber(), SIGTERM) << "it waits for more";
 }
 
 TEST_F(ChildPipelines, AProcessThatHoldsNothingLivesOnHoweverSlowTheSecondHalf) {

@@ -300,6 +300,9 @@ class DebianPackage(PackageTest):
                       PATH=f"{nebsc.parent}:{ENVIRONMENT['PATH']}")
         self.assertEqual(outcome, self.log_of_git())
 
+        zsh = self.root / "usr/share/zsh"  # where Debian's zsh looks
+        self.assertEqual(files_below(zsh), {"vendor-completions/_nebsc"})
+
         self.dpkg("--purge", "nebgit")
         self.assertEqual(sorted(self.root.iterdir()), [])
 

@@ -23,6 +23,28 @@ protected:
             .dump();
     }
 
+    /// Commits a submodule; one whose repository is not there names a commit that is nowhere.
+    static void addSubmodule(const TestRepository& outer, const std::string& path,
+                             const std::string& url) {
+        const std::string section = "submodule." + path + ".";
+        outer.git({"config", "--file", ".gitmodules", section + "path", path});
+        outer.git({"config", "--file", ".gitmodules", section + "url", url});
+        outer.git({"add", ".gitmodules"});
+        if (fs::exists(url)) {
+            outer.git({"clone", "--quiet", url, path});
+            outer.git({"add", path});
+        } else {
+            outer.git({"update-index", "--add", "--cacheinfo",
+                       "160000,1234567890123456789012345678901234567890," + path});
+        }
+        outer.git({"commit", "--quiet", "-m", "with the submodule " + path});
+    }
+
+    /// git clones no submodule from a path unless told to.
+    static std::vector<std::pair<std::string, std::optional<std::string>>> allowingFiles() {
+        return {{"GIT_ALLOW_PROTOCOL", "file"}};
+    }
+
     TemporaryFolder folder;
 };
 
@@ -58,14 +80,53 @@ TEST_F(CloneRequest, LeavesAFolderThatWasThereWhenItFails) {
     EXPECT_EQ(folder.read("full/mine"), "mine");
 }
 
-TEST_F(CloneRequest, RemovesAHalfDoneCloneWithASubmoduleThatFailed) {
-    repository.git({"config", "--file", ".gitmodules", "submodule.sub.path", "sub"});
-    repository.git({"config", "--file", ".gitmodules", "submodule.sub.url", folder.path("nosuch")});
-    repository.git({"add", ".gitmodules"});
-    repository.git({"update-index", "--add", "--cacheinfo",
-                    "160000,1234567890123456789012345678901234567890,sub"});
-    repository.git({"commit", "--quiet", "-m", "with a submodule"});
-    EXPECT_EQ(runRequest(requestTo(folder.path("clone"), repository.path())).exitStatus, 1);
+TEST_F(CloneRequest, KeepsACloneThatLacksOnlySubmodules) {
+    const TestRepository inner;
+    inner.commitFile("i", "1\n");
+    addSubmodule(inner, "deep er", folder.path("nosuch"));
+    addSubmodule(repository, "there", inner.path());
+    const NebscOutcome outcome = runRequest(requestTo(folder.path("clone"), repository.path()),
+                                            {.variables = allowingFiles()});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_EQ(outcome.json()["error"]["files"], JSON({"there/deep er"}));
+    EXPECT_EQ(outcome.errors,
+              "nebsc: The clone \"" + folder.path("clone") +
+                  "\" is kept; it lacks the submodule \"there/deep er\". To get what is missing, "
+                  "run \"git submodule update --init --recursive\" in it.\n");
+    EXPECT_EQ(folder.read("clone/a.c"), "first\n");
+    EXPECT_EQ(folder.read("clone/there/i"), "1\n");
+}
+
+/// git clones all submodules before it checks out any.
+TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
+    const TestRepository inner;
+    inner.commitFile("i", "1\n");
+    addSubmodule(repository, "there", inner.path());
+    addSubmodule(repository, "sub", folder.path("nosuch"));
+    fs::create_directory(folder.path("clone"));
+    const NebscOutcome outcome = runRequest(requestTo(folder.path("clone"), repository.path()),
+                                            {.variables = allowingFiles()});
+    EXPECT_EQ(outcome.json()["error"]["files"], JSON({"sub", "there"}));
+    EXPECT_THAT(outcome.errors, HasSubstr("it lacks the submodules \"sub\", \"there\". To get"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_EQ(folder.read("clone/a.c"), "first\n");
+}
+
+TEST_F(CloneRequest, RemovesACloneThatIsNotWholeWhateverItsSubmodules) {
+    addSubmodule(repository, "sub", folder.path("nosuch"));
+    repository.write(".gitattributes", "a.c filter=broken\n");
+    repository.git({"add", ".gitattributes"});
+    repository.git({"commit", "--quiet", "-m", "with a filter"});
+    const std::vector<std::pair<std::string, std::optional<std::string>>> brokenFilter{
+        {"GIT_CONFIG_COUNT", "2"},
+        {"GIT_CONFIG_KEY_0", "filter.broken.smudge"},
+        {"GIT_CONFIG_VALUE_0", "false"},
+        {"GIT_CONFIG_KEY_1", "filter.broken.required"},
+        {"GIT_CONFIG_VALUE_1", "true"}};
+    EXPECT_EQ(
+        runRequest(requestTo(folder.path("clone"), repository.path()), {.variables = brokenFilter})
+            .exitStatus,
+        1);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
@@ -73,7 +134,8 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
     const StandInGit git("", "echo half > done; exit 3");
     const NebscOutcome outcome = runRequest(requestTo(folder.path("a/clone"), repository.path()),
                                             {.variables = {git.path()}});
-    EXPECT_EQ(outcome.json()["error"]["text"], "git told nothing and ended with exit status 3.");
+    EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
+              "git told nothing and ended with exit status 3.");
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
@@ -102,8 +164,8 @@ TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {
     EXPECT_EQ(json["operation"], "GitCloneOperation");
     EXPECT_EQ(json["commands"], JSON::array());
     EXPECT_EQ(json["error"]["domain"], "NEBPOSIXErrorDomain");
-    EXPECT_EQ(json["error"]["text"], "The folder \"" + folder.path("file/clone") +
-                                         "\" could not be made: Not a directory.");
+    EXPECT_EQ(json["error"]["localizedDescription"], "The folder \"" + folder.path("file/clone") +
+                                                         "\" could not be made: Not a directory.");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -204,6 +204,35 @@ TEST_F(RepositoryCommands, CloneThatFailsLeavesNothing) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
+TEST_F(RepositoryCommands, CloneWithoutSubmodulesAsksForNone) {
+    repository.git({"config", "--file", ".gitmodules", "submodule.sub.path", "sub"});
+    repository.git({"config", "--file", ".gitmodules", "submodule.sub.url", folder.path("nosuch")});
+    repository.git({"add", ".gitmodules"});
+    repository.git({"update-index", "--add", "--cacheinfo",
+                    "160000,1234567890123456789012345678901234567890,sub"});
+    repository.git({"commit", "--quiet", "-m", "with a submodule"});
+    repository.git({"branch", "topic"});
+    const NebscOutcome failed = here({"clone", repository.path(), "kept"});
+    EXPECT_EQ(failed.exitStatus, 1);
+    EXPECT_THAT(failed.errors, HasSubstr("\" is kept; it lacks the submodule \"sub\". To get"));
+    EXPECT_EQ(folder.read("kept/a.c"), "first\n");
+    expectDone(here({"clone", "--no-submodules", repository.path(), "x"}),
+               "Cloned into \"" + folder.path("x") + "\".\n");
+    EXPECT_TRUE(fs::is_empty(folder.path("x/sub")));
+    const JSON outcome =
+        here({"clone", "--no-submodules", "--branch", "topic", "--json", repository.path(), "y"})
+            .json();
+    EXPECT_EQ(outcome["operation"], "CloneWithoutSubmodulesOperation");
+    EXPECT_EQ(outcome["command"]["arguments"],
+              JSON({"clone", "-q", "--branch", "topic", repository.path(), folder.path("y")}));
+    EXPECT_EQ(outcome["error"], nullptr);
+    EXPECT_EQ(folder.read("y/.git/HEAD"), "ref: refs/heads/topic\n");
+    expectFailed(here({"clone", "--no-submodules", "nosuch", "z"}), HasSubstr("nosuch"));
+    expectFailed(here({"clone", "--no-submodules", "--", "--upload-pack=x", "z"}),
+                 StartsWith("nebsc: \"--upload-pack=x\" begins with \"-\""), 2);
+    EXPECT_FALSE(isHere("z"));
+}
+
 TEST_F(RepositoryCommands, CloneLeavesAFolderThatWasThere) {
     fs::create_directory(folder.path("empty"));
     folder.write("full/mine", "mine");

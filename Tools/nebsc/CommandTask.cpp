@@ -223,8 +223,9 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
     return request;
 }
 
-Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request) {
-    return _call.session.perform(request, interruptibleRunner(_interruption, *_sign));
+Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
+                                 const std::shared_ptr<NEBSourceControlOperation>& replacement) {
+    return _call.session.perform(request, interruptibleRunner(_interruption, *_sign), replacement);
 }
 
 Performance CommandTask::perform(NEBSourceControlOperation& operation) {

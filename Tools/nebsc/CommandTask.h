@@ -106,8 +106,10 @@ protected:
     /// The same with these files.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAbout(
         std::int32_t type, const std::vector<std::string>& files) const;
-    /// Carries out a request.
-    [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request);
+    /// Carries out a request; see HostSession about the replacement.
+    [[nodiscard]] Performance perform(
+        const std::shared_ptr<NEBSourceControlRequest>& request,
+        const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
     /// Runs an operation of the command's own.
     [[nodiscard]] Performance perform(NEBSourceControlOperation& operation);
     /// Carries out, in look(), a request without which the command's own makes no sense. A reply

@@ -1,10 +1,12 @@
 #include "HostSession.h"
 
 #include "MissingFolder.h"
+#include "MissingSubmodules.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Presentation.h"
 #include "ReportCapture.h"
 
 namespace neb::nebsc {
@@ -28,6 +30,30 @@ bool hasFailed(const Outcome& outcome) {
            outcome.commands.back().terminationStatus != 0;
 }
 
+/// Whether a clone that failed is whole but for submodules, which the outcome names then. The clone
+/// is kept: what has come need not come again.
+bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trace& trace) {
+    if (outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass) {
+        return false;
+    }
+    const std::vector<std::string> missing = missingSubmodules(trace, folder);
+    if (missing.empty()) {
+        return false;
+    }
+    std::string names;
+    for (const std::string& path : missing) {
+        names += (names.empty() ? " " : ", ") + inQuotes(path);
+    }
+    outcome.leftFolder =
+        "The clone " + inQuotes(folder) + " is kept; it lacks the " +
+        (missing.size() == 1 ? "submodule" : "submodules") + names +
+        ". To get what is missing, run \"git submodule update --init --recursive\" in it.";
+    if (outcome.error) {
+        outcome.error->files = missing;
+    }
+    return true;
+}
+
 /// git runs in the folder into which it clones.
 void runClone(NEBSourceControlOperation& operation, const std::string& destination,
               const HostSession::Runner& run, const Trace& trace, Outcome& outcome) {
@@ -36,7 +62,7 @@ void runClone(NEBSourceControlOperation& operation, const std::string& destinati
         outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
     } else {
         runOperation(operation, run, trace, outcome);
-        if (!hasFailed(outcome)) {
+        if (!hasFailed(outcome) || lacksOnlySubmodules(outcome, destination, trace)) {
             folder.keep();
         }
     }
@@ -60,13 +86,14 @@ NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
 
 }  // namespace
 
-Performance HostSession::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
-                                 const Runner& run) const {
+Performance HostSession::perform(
+    const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+    const std::shared_ptr<NEBSourceControlOperation>& replacement) const {
     const ReportCapture capture;
     Outcome outcome;
     outcome.type = request->type;
     try {
-        if (auto refused = askAndRun(request, run, outcome)) {
+        if (auto refused = askAndRun(request, run, replacement, outcome)) {
             return {std::nullopt, std::move(refused)};
         }
     } catch (...) {
@@ -89,7 +116,7 @@ Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner
 
 std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
     const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
-    Outcome& outcome) const {
+    const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const {
     outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);
     outcome.valid = _controller->validateRequest(*request, &outcome.error);
     if (!outcome.valid) {
@@ -98,7 +125,7 @@ std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
     if (auto refused = NEBSourceControlFirstOptionLikeValue(*request)) {
         return refused;
     }
-    const auto operation = _controller->operationForRequest(request);
+    const auto operation = replacement ? replacement : _controller->operationForRequest(request);
     if (!operation) {
         outcome.error = errorOfMissingOperation(request->type);
         return std::nullopt;

@@ -46,9 +46,14 @@ public:
     ///
     /// A clone needs its destination to be there: where it is missing it is made, with the folders
     /// on the way, before the operation runs, and removed again when that fails or is cancelled. A
-    /// destination that was there is never removed.
-    [[nodiscard]] Performance perform(const std::shared_ptr<NEBSourceControlRequest>& request,
-                                      const Runner& run) const;
+    /// destination that was there is never removed, nor is a clone that lacks nothing but
+    /// submodules.
+    ///
+    /// `replacement`, unless absent, is run in place of the plug-in's operation, once the request
+    /// is valid and holds no value that git would take for an option.
+    [[nodiscard]] Performance perform(
+        const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+        const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr) const;
 
     /// Runs an operation of nebsc's own, in which the plug-in has no part.
     [[nodiscard]] Outcome carryOut(NEBSourceControlOperation& operation, const Runner& run) const;
@@ -61,7 +66,7 @@ private:
     /// Fills in the outcome. Returns the value for whose sake the request is refused.
     [[nodiscard]] std::optional<NEBSourceControlOptionLikeValue> askAndRun(
         const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
-        Outcome& outcome) const;
+        const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const;
 
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
     Trace _trace;

@@ -43,8 +43,8 @@ struct Outcome {
     /// Whether a left-over process still held the child's output open, so that more may have been
     /// written than was read.
     bool outputWasHeldOpen = false;
-    /// Why a folder that had been made for the operation is still there after its failure: one
-    /// sentence. Empty as a rule.
+    /// Why a folder that had been made for the operation is still there after its failure, and what
+    /// to do about it. Empty as a rule.
     std::string leftFolder;
     /// Absent unless the command merges, and has, or has stopped at a conflict in other files.
     std::optional<SettledConflicts> settledConflicts;

@@ -8,6 +8,7 @@
 #include "MissingFolder.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
 #include "Platform/PathString.h"
 #include "Presentation.h"
 
@@ -125,6 +126,29 @@ std::string nameOfClone(std::string_view source) {
     return std::string(source.substr(separator == std::string_view::npos ? 0 : separator + 1));
 }
 
+/// The request of a clone without the submodules, which the request's own operation always brings.
+class CloneWithoutSubmodulesOperation : public NEBSourceControlTaskOperation {
+public:
+    explicit CloneWithoutSubmodulesOperation(std::shared_ptr<NEBSourceControlRequest> request)
+        : NEBSourceControlTaskOperation(std::move(request)) {
+        std::vector<std::string> arguments{"clone", "-q"};
+        const NEBValue& branch = this->request()->option(NEBSourceControlRequestOptionBranch);
+        if (branch.isPresent()) {
+            arguments.insert(arguments.end(), {"--branch", branch.description()});
+        }
+        const std::string destination = this->request()->destination.description();
+        arguments.insert(arguments.end(), {*this->request()->sourceTree->location, destination});
+        setArguments(std::move(arguments));
+        setCurrentDirectoryPath(destination);
+        setMayRunHooks(true);
+    }
+
+    [[nodiscard]] std::string className() const override {
+        return "CloneWithoutSubmodulesOperation";
+    }
+    [[nodiscard]] std::string launchPath() override { return gitPath(); }
+};
+
 class CloneTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -133,6 +157,12 @@ protected:
     WorkingCopyPlace findPlace() override;
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override {
+        const auto asked = request();
+        return perform(asked, arguments().has("--no-submodules")
+                                  ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
+                                  : nullptr);
+    }
     void conclude(const Outcome& outcome, Reply& reply) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         const std::string& url = place().location;
@@ -192,6 +222,7 @@ constexpr Parameter cloneParameters[] = {
      Takes::folder},
     {"--branch", "The branch to check out, unless the repository's own", Takes::text,
      Occurs::optionally, "BRANCH"},
+    {"--no-submodules", "Leave the folders of the submodules empty"},
 };
 
 Reply clone(const CommandCall& call) {
@@ -218,7 +249,8 @@ constinit const Command cloneCommand{
     .group = remotesGroup,
     .summary = "Copy a repository, with its submodules",
     .details =
-        "Where it fails or is stopped, nothing is left of a folder that it made.\n\n"
+        "Where it fails or is stopped, nothing is left of a folder that it made. Where only\n"
+        "submodules cannot be cloned, the clone is kept, and what it lacks is named.\n\n"
         "Examples:\n"
         "  nebsc clone https://example.org/demo.git           into the folder demo\n"
         "  nebsc clone --branch topic ../demo elsewhere       a branch, into elsewhere\n",

@@ -93,6 +93,20 @@ TEST_F(DiffCommand, ANameThatGitQuotesKeepsBothQuotes) {
     expectDone(nebsc({"diff", "--name-status"}), "renamed    a.c -> q\"t\n");
 }
 
+TEST_F(DiffCommand, EveryNameIsShownAsItIs) {
+    repository.write("a -> b", "1\n");
+    repository.write("lat\xE4", "2\n");
+    repository.git({"add", "--all"});
+    repository.git({"commit", "--quiet", "-m", "names"});
+    repository.git({"mv", "a -> b", "src/b -> a"});
+    repository.write("lat\xE4", "3\n");
+    expectDone(nebsc({"diff", "--name-status"}),
+               "modified   lat\\xe4\nrenamed    a -> b -> src/b -> a\n");
+    repository.git({"mv", "lat\xE4", "new\n\xE4"});
+    expectDone(nebsc({"diff", "--name-status", "HEAD", "--", "lat\xE4", "a -> b"}, ""),
+               "deleted    a -> b\ndeleted    lat\\xe4\n");
+}
+
 TEST_F(DiffCommand, AFileWhoseNameIsLikeARenamesIsNone) {
     repository.write("100", "1");
     repository.git({"add", "100"});

@@ -4,9 +4,9 @@
 #include <limits>
 
 #include "Commands.h"
-#include "GitQuoting.h"
 #include "HistoryTask.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NameStatusQuery.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 #include "Presentation.h"
@@ -72,6 +72,7 @@ public:
 protected:
     std::optional<Reply> look() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void conclude(const Outcome& outcome, Reply& reply) override;
 
@@ -81,9 +82,11 @@ private:
     }
     void restoreBytes(const Outcome& outcome, Reply& reply);
     void noteFilesNotCompared(Reply& reply);
-    [[nodiscard]] std::string shownNames(const std::string& path) const;
+    [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
 
     Words _words;
+    /// Of --name-status.
+    std::vector<NameStatusEntry> _entries;
 };
 
 std::optional<Reply> DiffTask::look() {
@@ -116,17 +119,20 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
     return request;
 }
 
-/// Of a renamed file the record's path is the top's, then "094", TAB, old path, TAB, new path.
-std::string DiffTask::shownNames(const std::string& path) const {
-    const std::string names = liesWithin(path, place().location) ? pathFromTop(path) : path;
-    const std::size_t oldName = names.find('\t');
-    const std::size_t newName = names.find('\t', oldName + 1);
-    if (oldName == std::string::npos || newName == std::string::npos ||
-        names.find_first_not_of("0123456789") != oldName) {
-        return shown(unquotedName(names));
+/// A program gets the request's outcome, a person names as they are.
+Performance DiffTask::carryOut() {
+    if (isJSON() || !arguments().has("--name-status")) {
+        return perform(request());
     }
-    return shown(unquotedName(names.substr(oldName + 1, newName - oldName - 1))) + " -> " +
-           shown(unquotedName(names.substr(newName + 1)));
+    NameStatusQuery query(request(), isFromCommonAncestor() ? "..." : "..");
+    Performance performance = perform(query);
+    _entries = query.entries();
+    return performance;
+}
+
+std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
+    return statusColumn(statusOfLetter(entry.letter), isInColour()) +
+           (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
 }
 
 std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
@@ -135,10 +141,10 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
     for (const NEBDictionary& record : records) {
         if (const auto patch = record.value(NEBSourceControlOperationContentKey).string()) {
             lines += shownPatch(*patch, isColoured);
-        } else if (const auto path = record.value(NEBSourceControlOperationPathKey).string()) {
-            lines += statusColumn(record.value(NEBSourceControlOperationWCStatusKey), isColoured) +
-                     shownNames(std::string(*path)) + "\n";
         }
+    }
+    for (const NameStatusEntry& entry : _entries) {
+        lines += lineOf(entry);
     }
     return lines;
 }

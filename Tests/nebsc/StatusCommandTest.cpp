@@ -96,6 +96,21 @@ TEST_F(StatusCommand, ADeletedFileIsFoundFromWhatIsLeft) {
     EXPECT_EQ(status({"../a/b/"}, "src").output, "deleted    ../a/b/c.c\n");
 }
 
+TEST_F(StatusCommand, AFolderOutsideTheSparseCheckoutHasNoChanges) {
+    repository.commitFile("left/l.c", "l");
+    repository.commitFile("right/r.c", "r");
+    repository.git({"checkout", "--quiet", "--force", "HEAD", "--", "."});
+    repository.git({"sparse-checkout", "set", "--cone", "left"});
+    ASSERT_FALSE(fs::exists(repository.path("right")));
+    for (const char* path : {"right", "right/r.c"}) {
+        const NebscOutcome outcome = status({path});
+        EXPECT_EQ(outcome.output,
+                  "Nothing to report: \"" + std::string(path) + "\" has no changes.\n");
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+}
+
 TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
     const NebscOutcome outcome = status({"no/such.c"});
     EXPECT_EQ(outcome.output, "");

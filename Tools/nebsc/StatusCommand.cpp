@@ -115,7 +115,8 @@ void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
     }
     const std::string workingCopy = inQuotes(lastPathComponent(place().location));
     const std::string asked = inQuotes(arguments().value("PATH").value_or(""));
-    if (_path && !isAnythingAt(*_path)) {
+    // A file outside the sparse checkout is not on disk, and git reports no change of it.
+    if (_path && !isAnythingAt(*_path) && !answer({"ls-files", "-z", "--", *_path})) {
         reply = refusal("There is no file or folder " + asked +
                             ", neither on disk nor in the working copy " + workingCopy + ".",
                         exitFailed, NEBSourceControlPathUnknownErrorClass.text());

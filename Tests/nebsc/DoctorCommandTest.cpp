@@ -175,6 +175,7 @@ TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
 }
 
 TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFromThem) {
+    repository.write("broken", "[broken\n");
     const StandInGit git(repository.path(),
                          "case \"$*\" in *config*) echo 'fatal: bad config line 1' >&2; exit 128;; "
                          "*) exec /usr/bin/git \"$@\";; esac");
@@ -183,6 +184,8 @@ TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFr
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_EQ(found[0]["text"], "git cannot read them: bad config line 1");
     EXPECT_THAT(findings("credentials", {git.path()}), testing::IsEmpty());
+    EXPECT_THAT(findings("identity", {{"GIT_CONFIG_GLOBAL", repository.path("broken")}}),
+                testing::IsEmpty());
 }
 
 TEST_F(DoctorCommand, ABrokenConfigurationIsNoReasonToInstallGitAnew) {

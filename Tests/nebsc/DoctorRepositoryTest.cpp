@@ -16,6 +16,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 class DoctorRepository : public DoctorTest {
 protected:
@@ -226,6 +227,32 @@ TEST_F(DoctorRepository, AnIndexWithoutItsPackIsAProblem) {
     }
     EXPECT_THAT(findings("objects"), IsOneFinding("problem", HasSubstr("no corresponding .pack"),
                                                   HasSubstr("another clone")));
+}
+
+/// The references are lost only as long as the pack's index is.
+TEST_F(DoctorRepository, TheAdviceForADamagedIndexOfAPackRepairsItAndTheReferences) {
+    repository.commitFile("a.c", "1\n");
+    repository.git({"gc", "--quiet"});
+    for (const auto& file :
+         std::filesystem::directory_iterator(repository.path(".git/objects/pack"))) {
+        if (file.path().extension() == ".idx") {
+            std::filesystem::permissions(file.path(), std::filesystem::perms::owner_all);
+            std::filesystem::resize_file(file.path(), 40);
+        }
+    }
+    const auto references = findings("references");
+    ASSERT_FALSE(references.empty());
+    EXPECT_THAT(references[0]["advice"].get<std::string>(), StartsWith("Repair packs"));
+    const auto objects = findings("objects");
+    ASSERT_EQ(objects.size(), 1U);
+    const std::string advice = objects[0]["advice"];
+    ASSERT_THAT(advice, StartsWith("Recreate it with: "));
+    EXPECT_EQ(std::system(("cd '" + repository.path() + "' && " +
+                           advice.substr(advice.find(": ") + 2) + " >/dev/null 2>&1")
+                              .c_str()),
+              0);
+    EXPECT_THAT(findings("objects"), IsOneFinding("ok", HasSubstr("complete"), ""));
+    EXPECT_THAT(findings("references"), IsOneFinding("ok", HasSubstr("resolved"), ""));
 }
 
 // ---- worktrees --------------------------------------------------------------------------------

@@ -45,7 +45,12 @@ bool isAddressMadeUp(const Examination& examination) {
 
 }  // namespace
 
+/// Where git cannot read the settings, it reports no identity; the finding about the settings says
+/// what to do.
 void checkIdentity(Examination& examination) {
+    if (!examination.settings) {
+        return;
+    }
     std::string author;
     for (const Role& role : roles) {
         const ChildOutcome outcome = examination.ask({"var", role.variable});

@@ -1,6 +1,7 @@
 #include "Checks.h"
 #include "GitProgram.h"
 #include "Platform/Text.h"
+#include "ShellText.h"
 
 namespace neb::nebsc {
 
@@ -19,16 +20,31 @@ bool checkShallowFile(Examination& examination) {
     return outcome.status.isSuccess();
 }
 
+/// What to do about an error that git count-objects(1) reports.
+std::string adviceOn(Examination& examination, std::string_view error) {
+    if (error.find("alternate") != std::string_view::npos) {
+        return "Correct or remove that folder in " + examination.gitPath("objects/info/alternates");
+    }
+    // A damaged index of a pack: "index file .git/objects/pack/NAME.idx is too small".
+    constexpr std::string_view extension = ".idx";
+    const std::size_t end = error.find(extension);
+    const std::size_t folderEnd = error.rfind('/', end);
+    if (end == std::string_view::npos || folderEnd == std::string_view::npos) {
+        return "";
+    }
+    const std::string pack = examination.gitPath(
+        "objects/pack/" + std::string(error.substr(folderEnd + 1, end - folderEnd - 1)));
+    return "Recreate it with: rm -f " + shellQuoted(pack + ".idx") + " && git index-pack " +
+           shellQuoted(pack + ".pack");
+}
+
 /// Whether the line of git count-objects(1) is about damage; adds it then.
 bool addIfDamage(Examination& examination, std::string_view line) {
     constexpr std::string_view error = "error: ";
     constexpr std::string_view warning = "warning: ";
     if (line.starts_with(error)) {
-        const bool isAlternate = line.find("alternate") != std::string_view::npos;
-        examination.add(Health::problem, subject, std::string(line.substr(error.size())),
-                        isAlternate ? "Correct or remove that folder in " +
-                                          examination.gitPath("objects/info/alternates")
-                                    : "");
+        line.remove_prefix(error.size());
+        examination.add(Health::problem, subject, std::string(line), adviceOn(examination, line));
         return true;
     }
     if (line.starts_with("warning: no corresponding .pack: ")) {

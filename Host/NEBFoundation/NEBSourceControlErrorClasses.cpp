@@ -239,7 +239,9 @@ constexpr NEBSourceControlErrorClass classes[] = {
      "Delete the file index in the git directory, then run \"git reset\". What is staged is lost; "
      "the files stay as they are."},
     {"objects-damaged", "Objects of the repository are missing or damaged.",
-     "\"git fsck\" lists them. Fetch them from a remote, or clone the repository again."},
+     "\"git fsck\" lists them. \"git fetch --refetch REMOTE\" (git 2.36 or newer) fetches them "
+     "again; "
+     "else clone the repository again."},
     {"objects-missing", "The partial clone needs content that its remote did not send.",
      "Check the connection to the remote and its repository, then try again."},
     {"repository-damaged", "A file of the git directory, such as \"shallow\", cannot be read.",

@@ -226,7 +226,7 @@ TEST_F(DoctorRepository, AnIndexWithoutItsPackIsAProblem) {
         }
     }
     EXPECT_THAT(findings("objects"), IsOneFinding("problem", HasSubstr("no corresponding .pack"),
-                                                  HasSubstr("another clone")));
+                                                  HasSubstr("git fetch --refetch REMOTE")));
 }
 
 /// The references are lost only as long as the pack's index is.
@@ -280,6 +280,19 @@ TEST_F(DoctorRepository, WithFullEveryFindingOfFsckIsShown) {
     const NebscOutcome outcome = nebsc({"doctor", "--full"});
     EXPECT_THAT(outcome.output, HasSubstr("problem  fsck         missing blob " + blob));
     EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(DoctorRepository, TheAdvisedFetchBringsLostObjectsBack) {
+    repository.commitFile("a.c", "1\n");
+    const TestRepository clone;
+    clone.git({"pull", "--quiet", repository.path(), "main"});
+    const std::string object = looseObject("HEAD:a.c");
+    std::filesystem::remove(object);
+    const auto advice = findingsIn(repository.path(), "fsck", {}, {"--full"}).back()["advice"];
+    EXPECT_THAT(advice.get<std::string>(), HasSubstr("\"git fetch --refetch REMOTE\""));
+    repository.git({"fetch", "--quiet", "--refetch", clone.path()});
+    EXPECT_THAT(findingsIn(repository.path(), "fsck", {}, {"--full"}),
+                IsOneFinding("ok", HasSubstr("no damage"), ""));
 }
 
 TEST_F(DoctorRepository, AMessageOfFsckOnTwoLinesIsOneFindingAndAWarningIsANote) {

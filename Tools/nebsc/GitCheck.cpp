@@ -1,19 +1,12 @@
 #include "Checks.h"
 #include "GitProgram.h"
 #include "GitVersion.h"
-#include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "Presentation.h"
 
 namespace neb::nebsc {
 
 namespace {
-
-std::string pathOfGit() {
-    return LOMDeveloperPaths::defaultPaths()
-        .binSearchPathForPlatform(std::nullopt)
-        .pathOfProgram("git");
-}
 
 void addFailure(Examination& examination, const ChildOutcome& outcome) {
     if (!outcome.status.started()) {
@@ -24,7 +17,7 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
     const bool isSetting =
         NEBSourceControlErrorClassOfText(outcome.errorOutput) == "configuration-broken";
     examination.add(
-        Health::problem, "git", pathOfGit() + " reports no version: " + reasonOf(outcome),
+        Health::problem, "git", gitPath() + " reports no version: " + reasonOf(outcome),
         isSetting ? "Fix or remove the line." : "See what \"git --version\" prints in a shell.");
 }
 
@@ -34,9 +27,9 @@ void addVersion(Examination& examination, const GitVersion& version, const std::
         missing.append(missing.empty() ? "" : "; ").append(feature);
     }
     if (missing.empty()) {
-        examination.add(Health::ok, "git", pathOfGit() + ", " + text);
+        examination.add(Health::ok, "git", gitPath() + ", " + text);
     } else {
-        examination.add(Health::problem, "git", pathOfGit() + ", " + text + ", lacks " + missing,
+        examination.add(Health::problem, "git", gitPath() + ", " + text + ", lacks " + missing,
                         "Install git " + oldestGitWithAllFeatures().text() + " or newer.");
     }
 }
@@ -69,7 +62,7 @@ void checkGit(Examination& examination) {
     const auto version = gitVersionIn(text);
     if (!version) {
         examination.add(Health::problem, "git",
-                        pathOfGit() + " reports no version: " + inQuotes(text),
+                        gitPath() + " reports no version: " + inQuotes(text),
                         "Reinstall git, or put the folder of another one into PATH.");
         return;
     }

@@ -8,9 +8,11 @@ namespace {
 
 constexpr const char* subject = "HEAD commit";
 constexpr const char* treeUnreadable = "its root tree cannot be read: ";
-constexpr const char* adviceOnMissingObjects =
-    "\"nebsc doctor --full\" lists all that is missing or damaged; a fetch from another clone of "
-    "the repository may bring it back.";
+
+std::string adviceOnUnreadable() {
+    return "\"nebsc doctor --full\" lists all that is missing or damaged. " +
+           std::string(adviceOnLostObjects);
+}
 
 /// git cannot resolve HEAD: most often its branch has no commits yet. git symbolic-ref(1) names a
 /// branch without commits, and fails where the branch is damaged.
@@ -49,7 +51,7 @@ void addMissingTree(Examination& examination, const std::string& tree) {
                         "remote as soon as it is needed");
     } else {
         examination.add(Health::problem, subject, "its root tree " + tree + " is missing",
-                        adviceOnMissingObjects);
+                        adviceOnUnreadable());
     }
 }
 
@@ -71,7 +73,7 @@ void checkHEADCommit(Examination& examination) {
             examination.ask({"cat-file", "commit", "HEAD"}).status.isSuccess();
         examination.add(Health::problem, subject,
                         (isCommitReadable ? treeUnreadable : "cannot be read: ") + reasonOf(list),
-                        adviceOnMissingObjects);
+                        adviceOnUnreadable());
         return;
     }
     if (const std::string tree = missingObjectIn(list.output); !tree.empty()) {
@@ -81,7 +83,7 @@ void checkHEADCommit(Examination& examination) {
     const ChildOutcome tree = examination.ask({"cat-file", "tree", "HEAD"});
     if (!tree.status.isSuccess()) {
         examination.add(Health::problem, subject, treeUnreadable + reasonOf(tree),
-                        adviceOnMissingObjects);
+                        adviceOnUnreadable());
         return;
     }
     examination.add(Health::ok, subject, "is readable, and so is its root tree");

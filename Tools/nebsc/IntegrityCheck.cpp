@@ -54,8 +54,7 @@ void checkIntegrity(Examination& examination) {
     } else if (hasFailed) {
         examination.add(Health::problem, subject,
                         "git fsck found damage: " + outcome.status.description(),
-                        "Missing and damaged objects come back with a fetch from another clone of "
-                        "the repository, or with its files from a backup.");
+                        adviceOnLostObjects);
     } else if (messages.empty()) {
         examination.add(Health::ok, subject, "git fsck has read every object and found no damage");
     }

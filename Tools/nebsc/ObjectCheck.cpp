@@ -49,8 +49,7 @@ bool addIfDamage(Examination& examination, std::string_view line) {
     }
     if (line.starts_with("warning: no corresponding .pack: ")) {
         examination.add(Health::problem, subject, std::string(line.substr(warning.size())),
-                        "Its objects are lost here; a fetch from another clone of the repository "
-                        "may bring them back.");
+                        std::string("Its objects are lost here. ") + adviceOnLostObjects);
         return true;
     }
     if (line.starts_with("warning: no corresponding .idx: ")) {

@@ -100,9 +100,10 @@ std::vector<Finding> findMissingObjects(Examination& examination, const NamesByO
             findings.push_back({Health::problem, "references",
                                 std::string(name) + " names the object " + std::string(object) +
                                     ", which is missing",
-                                "Repair packs that are reported as damaged, or fetch from a clone "
-                                "that has the object. Where neither brings it back, delete the "
-                                "reference with: git update-ref -d " +
+                                "Repair packs that are reported as damaged. " +
+                                    std::string(adviceOnLostObjects) +
+                                    " Where neither brings it back, delete the reference with: "
+                                    "git update-ref -d " +
                                     shellQuoted(name)});
         }
     }

@@ -1,5 +1,7 @@
 // `nebsc merge` and `nebsc merge-base`, run as a program.
 
+#include <filesystem>
+
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -230,6 +232,15 @@ TEST_F(MergeCommands, SettledConflictsAreNamedBesideOneThatIsLeft) {
     expectFailed(nebsc({"merge", "topic"}, "src"), EndsWith(settled("    both.c\n")));
     EXPECT_EQ(content("src/both.c"), "main\n");
     EXPECT_EQ(state(), "DU a.c\nA  topic.c\n");
+    EXPECT_THAT(nebsc({"merge", "topic"}).errors, Not(HasSubstr("left out in")));
+}
+
+TEST_F(MergeCommands, SettledConflictsOfAMergeThatAHookRefusesAreNamed) {
+    const std::string hook = ".git/hooks/pre-merge-commit";
+    repository.write(hook, "#!/bin/sh\necho no >&2\nexit 1\n");
+    std::filesystem::permissions(repository.path(hook), std::filesystem::perms::owner_all);
+    expectFailed(nebsc({"merge", "topic"}), EndsWith(settled("    a.c\n")));
+    EXPECT_EQ(state(), "A  topic.c\n");
     EXPECT_THAT(nebsc({"merge", "topic"}).errors, Not(HasSubstr("left out in")));
 }
 

@@ -77,7 +77,7 @@ protected:
     /// the request's own outcome, its failure too.
     virtual void complete(Outcome& /*outcome*/) {}
     /// Whether an error leaves work behind, so that complete() is called all the same.
-    [[nodiscard]] virtual bool isCompletedAfter(const NEBSourceControlError& /*error*/) const {
+    [[nodiscard]] virtual bool isCompletedAfter(const NEBSourceControlError& /*error*/) {
         return false;
     }
     /// The records for a person, lines with their ends. An error may stand beside them.

@@ -26,6 +26,9 @@ constexpr ProgramSetting programSettings[] = {
 constexpr const char* programSettingsPattern =
     "^(merge\\..*\\.driver|filter\\..*\\.(clean|smudge|process|required))$";
 
+/// The side that an unfinished merge takes in, see gitrevisions(7).
+constexpr const char* mergeHead = "MERGE_HEAD";
+
 SettledConflicts unknownConflicts(std::string reason) {
     return {.files = std::nullopt, .failure = std::move(reason)};
 }
@@ -48,6 +51,7 @@ void MergingTask::setSides(const std::string& kept, const std::string& leftOut) 
     auto leftOutCommit = keptCommit ? commitId(leftOut) : std::nullopt;
     if (leftOutCommit) {
         _sides = Sides{std::move(*keptCommit), std::move(*leftOutCommit)};
+        _wasMerging = commitId(mergeHead).has_value();
     }
 }
 
@@ -62,8 +66,9 @@ void MergingTask::complete(Outcome& outcome) {
     }
 }
 
-bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) const {
-    return error.errorClass == "conflict";
+bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) {
+    return error.errorClass == "conflict" ||
+           (_sides && !_wasMerging && commitId(mergeHead) == _sides->leftOut);
 }
 
 void MergingTask::removeUnsettled(SettledConflicts& conflicts) {

@@ -28,8 +28,9 @@ protected:
     [[nodiscard]] virtual SideNames sideNames() const {
         return {.kept = "the current branch's", .leftOut = "the other side's"};
     }
-    /// A merge that stops at one file has settled the conflicts of the others.
-    [[nodiscard]] bool isCompletedAfter(const NEBSourceControlError& error) const override;
+    /// A merge that stops at one file, or that a hook keeps from being committed, has settled the
+    /// conflicts of the other files.
+    [[nodiscard]] bool isCompletedAfter(const NEBSourceControlError& error) override;
     /// Finds the settled conflicts by repeating the merge in memory: neither a reference nor a file
     /// changes, and no merge driver or filter of the user runs. Its failure is no failure of the
     /// command.
@@ -57,6 +58,8 @@ private:
     [[nodiscard]] std::optional<std::vector<std::string>> optionsAgainstPrograms();
 
     std::optional<Sides> _sides;
+    /// Whether an earlier merge was not finished when the sides were set.
+    bool _wasMerging = false;
 };
 
 }  // namespace neb::nebsc

@@ -218,8 +218,9 @@ constexpr NEBSourceControlErrorClass classes[] = {
     // the repository and the machine
     {"not-a-repository", "The folder is not in a git repository.",
      "Choose a folder inside a repository, or create one with \"git init\" or \"git clone\"."},
-    {"no-work-tree", "The repository is bare: it has no working copy.",
-     "Clone it to get a working copy."},
+    {"no-work-tree",
+     "The folder is not in a working copy: it is in a bare repository or in a \".git\" folder.",
+     "Change to the working copy, or clone the repository to get one."},
     {"owner-not-trusted", "The repository is owned by another user; git refuses to use it.",
      "If you trust it, run \"git config --global --add safe.directory PATH\"."},
     {"bare-repository-forbidden", "safe.bareRepository forbids the use of this bare repository.",

@@ -311,8 +311,9 @@ TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
     const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("../bare.git")});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: The repository is bare: it has no working copy.\n"
-              "Clone it to get a working copy.\n"
+              "nebsc: The folder is not in a working copy: it is in a bare repository or in a "
+              "\".git\" folder.\n"
+              "Change to the working copy, or clone the repository to get one.\n"
               "    fatal: this operation must be run in a work tree\n");
     EXPECT_EQ(outcome.exitStatus, 1);
     const JSON json =

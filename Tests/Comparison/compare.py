@@ -28,15 +28,31 @@ def git(*words, stdin=None):
                           stdout=subprocess.PIPE).stdout
 
 
-def request(number, **members):
-    """The records that the request is answered with; none where there is no result."""
+def outcome_of(number, **members):
+    """The outcome of the request, which must not be an error."""
     members |= {"type": number, "sourceTree": {"location": REPOSITORY}}
     answer = subprocess.run([NEBSC, "request"], input=json.dumps(members).encode(), check=True,
                             stdout=subprocess.PIPE).stdout
     outcome = json.loads(answer)
     if outcome["error"]:
         sys.exit(f"request {number}: {outcome['error']}")
-    return outcome["result"] or []
+    return outcome
+
+
+def request(number, **members):
+    """The records that the request is answered with; none where there is no result."""
+    return outcome_of(number, **members)["result"] or []
+
+
+def tree_entries(*words):
+    """The entries that git ls-tree lists; not those whose name is not UTF-8, which JSON cannot hold."""
+    entries = []
+    for entry in git("ls-tree", *words).split(b"\0")[:-1]:
+        try:
+            entries.append(entry.decode())
+        except UnicodeDecodeError:
+            pass
+    return entries
 
 
 def record(**fields):
@@ -103,25 +119,35 @@ def files_by_commit():
     return files
 
 
+def commit_record(name, text, author, identity):
+    """The record of a commit; raises UnicodeDecodeError where it can have none."""
+    person, mail = re.fullmatch(r"(.*?) ?<(.*)>", identity.decode()).groups()
+    return record(Revision=name[:12], Author=person, AuthorEmail=mail, Date=instant(int(author[2])),
+                  Message=text[text.index(b"\n\n") + 2:].decode().strip("\n"))
+
+
 def compare_log():
     comparison = Comparison("log")
     files = files_by_commit()
     raw = list(commits())
     authors = [re.search(rb"^author (.*>) (-?\d+) ", text, re.M) for _, text in raw]
     mapped = git("check-mailmap", "--stdin", stdin=b"".join(a[1] + b"\n" for a in authors))
-    expected = []
-    for (name, text), author, identity in zip(raw, authors, mapped.decode().split("\n")):
-        person, mail = re.fullmatch(r"(.*?) ?<(.*)>", identity).groups()
-        entry = record(Revision=name[:12], Author=person, AuthorEmail=mail,
-                       Date=instant(int(author[2])),
-                       Message=text[text.index(b"\n\n") + 2:].decode().strip("\n"))
+    expected, omitted = [], []
+    for (name, text), author, identity in zip(raw, authors, mapped.split(b"\n")):
+        try:
+            entry = commit_record(name, text, author, identity)
+        except UnicodeDecodeError:
+            omitted.append(name[:12])
+            continue
         if name in files:
             entry |= record(Files=files[name])
         expected.append(entry)
-    answered = request(18, options={"NEBSourceControlRequestOptionLogOutputFilesChanged": True})
+    outcome = outcome_of(18, options={"NEBSourceControlRequestOptionLogOutputFilesChanged": True})
+    answered = outcome["result"]
     comparison.check("count", len(answered), len(expected))
-    for (name, _), answer, entry in zip(raw, answered, expected):
-        comparison.check(name, answer, entry)
+    comparison.check("omitted", outcome.get("omittedRevisions", []), omitted)
+    for answer, entry in zip(answered, expected):
+        comparison.check(entry[KEY % "Revision"], answer, entry)
     comparison.end("records")
 
 
@@ -159,7 +185,7 @@ def compare_diff(paths):
         answered = request(30, **revisions)
         comparison.check(newer, answered, [record(Content=text)] if text else [])
         states = []
-        for line in git(*plumbing, "--name-status").decode().split("\n")[:-1]:
+        for line in git(*plumbing, "--name-status").decode(errors="replace").split("\n")[:-1]:
             # What stands behind the letter is the path: of a rename with the score, and both paths.
             path = re.fullmatch(r"[A-Z]\s*(.*)", line)[1]
             states.append(record(WCStatus=STATES[line[0]], Path=os.path.join(REPOSITORY, path)))
@@ -183,7 +209,7 @@ def compare_listing(paths):
             folders.add(path)
     for folder in sorted(folders):
         expected = []
-        for entry in git("ls-tree", "-z", "HEAD:" + folder).decode().split("\0")[:-1]:
+        for entry in tree_entries("-z", "HEAD:" + folder):
             kind, name = entry.split(" ")[1], entry.split("\t")[1]
             if not name.startswith("."):  # such names the answer leaves out
                 expected.append(record(IsLeaf=kind == "blob", Name=name))
@@ -195,7 +221,7 @@ def compare_listing(paths):
 def compare_export(paths):
     comparison = Comparison("export")
     modes = {entry.split("\t")[1]: entry.split(" ")[0]
-             for entry in git("ls-tree", "-rz", "HEAD").decode().split("\0")[:-1]}
+             for entry in tree_entries("-rz", "HEAD")}
     with tempfile.TemporaryDirectory() as folder:
         for path in paths:
             target = os.path.join(folder, os.path.basename(path))
@@ -209,8 +235,7 @@ def compare_export(paths):
 
 
 def main():
-    entries = [entry.split("\t") for entry in
-               git("ls-tree", "-rz", "HEAD").decode().split("\0")[:-1]]
+    entries = [entry.split("\t") for entry in tree_entries("-rz", "HEAD")]
     paths = [path for kind, path in entries if kind.startswith("100")]
     some = paths[::max(1, len(paths) // FILES)][:FILES]
     compare_log()

@@ -1,5 +1,8 @@
 // What every clone gets from nebsc, whichever way the request comes in: its folder.
 
+#include <iterator>
+#include <sstream>
+
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -92,7 +95,7 @@ TEST_F(CloneRequest, KeepsACloneThatLacksOnlySubmodules) {
     EXPECT_EQ(outcome.errors,
               "nebsc: The clone \"" + folder.path("clone") +
                   "\" is kept; it lacks the submodule \"there/deep er\". To get what is missing, "
-                  "run \"git submodule update --init --recursive\" in it.\n");
+                  "run \"git submodule update --init --recursive --force\" in it.\n");
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
     EXPECT_EQ(folder.read("clone/there/i"), "1\n");
 }
@@ -110,6 +113,30 @@ TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     EXPECT_THAT(outcome.errors, HasSubstr("it lacks the submodules \"sub\", \"there\". To get"));
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
+}
+
+/// A submodule that is cloned and not checked out looks to git as if its files were deleted.
+TEST_F(CloneRequest, TheAdviceForMissingSubmodulesGetsAllOfThem) {
+    const TestRepository inner;
+    inner.commitFile("i", "1\n");
+    inner.git({"clone", "--quiet", ".", folder.path("away")});
+    addSubmodule(repository, "there", inner.path());
+    addSubmodule(repository, "sub", folder.path("away"));
+    fs::rename(folder.path("away"), folder.path("hidden"));
+    const NebscOutcome outcome = runRequest(requestTo(folder.path("clone"), repository.path()),
+                                            {.variables = allowingFiles()});
+    fs::rename(folder.path("hidden"), folder.path("away"));
+    const std::string git = "git ";
+    const std::size_t start = outcome.errors.find(git + "submodule");
+    ASSERT_NE(start, std::string::npos) << outcome.errors;
+    std::istringstream advice(outcome.errors.substr(
+        start + git.size(), outcome.errors.find('"', start) - start - git.size()));
+    std::vector<std::string> arguments{"-C", folder.path("clone"), "-c",
+                                       "protocol.file.allow=always"};
+    arguments.insert(arguments.end(), std::istream_iterator<std::string>(advice), {});
+    repository.git(arguments);
+    EXPECT_EQ(folder.read("clone/there/i"), "1\n");
+    EXPECT_EQ(folder.read("clone/sub/i"), "1\n");
 }
 
 TEST_F(CloneRequest, RemovesACloneThatIsNotWholeWhateverItsSubmodules) {

@@ -47,7 +47,8 @@ bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trac
     outcome.leftFolder =
         "The clone " + inQuotes(folder) + " is kept; it lacks the " +
         (missing.size() == 1 ? "submodule" : "submodules") + names +
-        ". To get what is missing, run \"git submodule update --init --recursive\" in it.";
+        // --force: git has cloned some without their files, and would take these for deleted.
+        ". To get what is missing, run \"git submodule update --init --recursive --force\" in it.";
     if (outcome.error) {
         outcome.error->files = missing;
     }

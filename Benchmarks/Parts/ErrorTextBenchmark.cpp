@@ -1,4 +1,4 @@
-// What it costs to read the words of a git that failed, which a server or a repository can choose:
+// What it costs to read the stderr of a failed git, which a server or a repository can choose:
 // each text is the worst of its shape for the part that reads it. The time must grow with the size
 // and no faster; the ratio of two neighbouring sizes shows it.
 

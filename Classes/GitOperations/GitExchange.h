@@ -14,7 +14,7 @@ namespace neb {
 /// is no non-empty string is reported). The result is empty, after a failure too. What the
 /// Subversion bridge says as a matter of course is no error.
 ///
-/// A fetch that exits with status 1 and prints nothing has, as a rule, not updated a reference. For
+/// A fetch that exits with status 1 and prints nothing has usually not updated a reference. For
 /// the request type fetch that is an error; a composite goes on.
 class GitFetchOperation : public GitOperation {
 public:

@@ -71,7 +71,7 @@ std::string GitListFilesOperation::launchPath() {
     return "/bin/sh";
 }
 
-/// The shell finds nothing that a URL names, and git lists nothing then, without a word.
+/// The shell finds no file for a URL, and git then lists nothing and prints no error.
 void GitListFilesOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {

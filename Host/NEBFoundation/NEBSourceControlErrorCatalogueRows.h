@@ -16,7 +16,7 @@ struct ErrorTextSign {
     std::string_view first, second = {};
 };
 
-/// What a person is told where the class's own sentence and advice are too general, see
+/// Replaces the sentence and advice of the class where they are too general, see
 /// NEBSourceControlErrorClasses.h.
 struct ErrorSentence {
     std::string_view description = {};  // "%@" is the source tree's name

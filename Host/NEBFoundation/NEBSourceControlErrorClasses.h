@@ -1,4 +1,4 @@
-// NEBSourceControlErrorClasses.h - the classes of failure, with what a person is told of each.
+// NEBSourceControlErrorClasses.h - the classes of failure, with a sentence and advice for each.
 #pragma once
 
 #include <span>
@@ -23,7 +23,7 @@ struct NEBSourceControlErrorClass {
 /// All classes, each once; related ones are next to each other. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::span<const NEBSourceControlErrorClass> NEBSourceControlErrorClasses();
 
-/// The class of that name, null when there is none. Thread-safe.
+/// Returns the class of that name, or null if no class has it. Thread-safe.
 [[nodiscard]] NEB_EXPORT const NEBSourceControlErrorClass* NEBSourceControlErrorClassNamed(
     std::string_view name);
 

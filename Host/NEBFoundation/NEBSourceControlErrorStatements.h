@@ -6,9 +6,8 @@
 //     hint: Try again.                                 hint: try again.
 //
 // Left out are the names that stand between quotes (but for their end, where it tells which lock or
-// which program is meant), the subjects of commits, the far end's words, the entries of lists and
-// the address that was talked to: whoever chooses a name or a subject, or answers from afar, must
-// not choose what a failure is taken for.
+// which program is meant), the subjects of commits, the messages of the remote, the entries of
+// lists and the address of the remote: their author must not choose the class of a failure.
 #pragma once
 
 #include <string>

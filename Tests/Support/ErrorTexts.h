@@ -12,7 +12,7 @@ struct CatalogueText {
     /// The code that the catalogue has for it.
     std::int64_t code;
     std::string text;
-    /// What a person is told in place of the class's sentence and advice.
+    /// Replaces the sentence and advice of the class.
     const char* description = nullptr;
     const char* suggestion = nullptr;
 };

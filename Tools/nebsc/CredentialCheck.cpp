@@ -8,7 +8,7 @@ namespace neb::nebsc {
 namespace {
 
 /// A helper is a shell's text behind "!", a path, or the end of a program's name. Its arguments may
-/// hold what nobody else is to see, so the program is all that is shown.
+/// hold secrets, so only the program is shown.
 void checkHelper(Examination& examination, const Setting& setting) {
     const std::string which = "helper of the " + setting.scope + " configuration";
     if (setting.value.starts_with('!')) {

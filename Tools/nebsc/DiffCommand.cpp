@@ -166,7 +166,7 @@ void DiffTask::restoreBytes(const Outcome& outcome, Reply& reply) {
     }
 }
 
-/// git passes over a file that it does not know without a word.
+/// git ignores an unknown file and prints no message.
 void DiffTask::noteFilesNotCompared(Reply& reply) {
     if (isJSON() || _words.revisions.size() > 1) {
         return;

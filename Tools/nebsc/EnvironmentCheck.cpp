@@ -9,7 +9,7 @@ namespace {
 
 /// Settings, which may be secrets such as http.extraHeader.
 constexpr std::string_view settingsVariable = "GIT_CONFIG_PARAMETERS";
-/// git sets it for the commands of an alias; nobody misses it.
+/// git sets it for the commands of an alias; ignoring it changes nothing.
 constexpr std::string_view aliasVariable = "GIT_PREFIX";
 
 std::string adviceOn(std::string_view name) {

@@ -16,7 +16,7 @@ struct GitName {
 /// All of them. What git does and nebsc does not has no row.
 [[nodiscard]] std::span<const GitName> gitNames();
 
-/// The command of nebsc that does what the one of git does; empty where there is none.
+/// Returns the nebsc command that does what the git command does, or an empty text.
 [[nodiscard]] std::string_view nameOfGitCommand(std::string_view nameInGit);
 
 }  // namespace neb::nebsc

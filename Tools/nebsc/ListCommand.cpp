@@ -46,7 +46,7 @@ std::optional<Reply> ListTask::look() {
     return refusalOfFolder();
 }
 
-/// Where git cannot say what is there, the listing fails in git's words.
+/// If git cannot look the folder up, the listing itself fails, with git's message.
 std::optional<Reply> ListTask::refusalOfFolder() {
     const std::string type = typeOfEntry("HEAD", folder()).value_or("tree");
     if (type == "tree") {

@@ -24,7 +24,7 @@ protected:
     /// Remembers the commits that are about to be merged, in look(). Of two revisions of which one
     /// is no commit nothing is found out.
     void setSides(const std::string& kept, const std::string& leftOut);
-    /// What a person is told of the two sides.
+    /// The names of the two sides in messages.
     [[nodiscard]] virtual SideNames sideNames() const {
         return {.kept = "the current branch's", .leftOut = "the other side's"};
     }

@@ -17,7 +17,7 @@ namespace neb::nebsc {
 struct SettledConflicts {
     /// The files, from the top; absent where they could not be found out.
     std::optional<std::vector<std::string>> files;
-    /// Why they could not: a part of a sentence. Empty as a rule.
+    /// The reason if they could not, as part of a sentence; else empty.
     std::string failure;
 };
 

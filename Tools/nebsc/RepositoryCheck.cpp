@@ -21,7 +21,7 @@ std::string commandOfTrust(std::string_view stderrText) {
     return std::string(stderrText.substr(0, stderrText.find('\n')));
 }
 
-/// The ".git" in the folder or in the nearest one above it; empty where there is none.
+/// The ".git" in the folder or in the nearest one above it; empty if no folder has one.
 std::string remainsOfRepository(const std::string& folder) {
     for (std::filesystem::path place = folder;; place = place.parent_path()) {
         if (std::string path = (place / ".git").string(); isAnythingAt(path)) {

@@ -19,7 +19,7 @@ bool hasOldPath(const StatusEntry& entry) {
     return isMoved(entry.index) || isMoved(entry.workTree);
 }
 
-/// Takes the text up to the next NUL; nothing when there is none.
+/// Takes the text up to the next NUL; nothing if no NUL follows.
 std::optional<std::string_view> takeText(std::string_view& output) {
     const std::size_t end = output.find('\0');
     if (end == std::string_view::npos) {

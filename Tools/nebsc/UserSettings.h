@@ -24,7 +24,7 @@ public:
 
     /// The value that counts, in whatever letters the key is written; empty where there is none.
     [[nodiscard]] std::string lastValue(std::string_view key) const;
-    /// Where that value stands; empty where there is none.
+    /// Returns the scope of that value ("local", "global" …), or an empty text.
     [[nodiscard]] std::string lastScope(std::string_view key) const;
     /// In order. An empty helper takes back those before it.
     [[nodiscard]] std::vector<Setting> credentialHelpers() const;

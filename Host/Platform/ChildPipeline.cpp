@@ -232,8 +232,7 @@ void ChildPipeline::waitForEvent() {
     std::vector<pollfd> descriptors = descriptorsToPoll();
     // A failure of poll itself (a signal, no memory) is answered by looking again.
     const int count = ::poll(descriptors.data(), descriptors.size(), pollTimeout());
-    const bool wakePolled = !_killMoment;
-    if (count > 0 && wakePolled && descriptors.front().revents != 0) {
+    if (count > 0 && !_killMoment && descriptors.front().revents != 0) {
         beginEnding();
     }
 }
@@ -353,10 +352,9 @@ void ChildPipeline::signalAll(int signalNumber) {
     }
 }
 
-/// A process that outlived its child may keep the pipe to the next child open, and that one would
-/// wait for its end of input for ever. We have no end of that pipe; so the process must go. A
-/// process that the host has forked while the pipe was open may hold it too; that one is not ours
-/// to end, so the pipeline cannot come to its end.
+/// A process that outlived its child may keep the pipe to the next child open, which would wait for
+/// its end of input for ever; so the process must go. One that the host has forked is not ours to
+/// end: the pipeline cannot come to its end then.
 void ChildPipeline::releaseInputHeldByOthers() {
     if (!_inputDeadline || Clock::now() < *_inputDeadline) {
         return;
@@ -368,10 +366,7 @@ void ChildPipeline::releaseInputHeldByOthers() {
         }
         for (const pid_t holder : processesWritingTo(child.outputPipe)) {
             child.outputWasHeldOpen = true;
-            const bool isEnded =
-                comesFromChild(holder, child.pid) &&
-                (::kill(holder, SIGKILL) == 0 || errno != EPERM);  // EPERM: it is another user's
-            if (!isEnded && !_killMoment) {
+            if (!killIfFromChild(holder, child.pid) && !_killMoment) {
                 beginEnding();
             }
         }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -65,6 +66,15 @@ void forEachLiveMember(pid_t session,
     }
 }
 
+/// Than the calling process; false when that cannot be read.
+bool runsAnotherProgram(pid_t process) {
+    const std::string path = "/proc/" + std::to_string(process) + "/exe";
+    struct stat theirs {};
+    struct stat ours {};
+    return ::stat(path.c_str(), &theirs) == 0 && ::stat("/proc/self/exe", &ours) == 0 &&
+           (theirs.st_dev != ours.st_dev || theirs.st_ino != ours.st_ino);
+}
+
 }  // namespace
 
 void signalSession(pid_t session, int signalNumber) {
@@ -94,15 +104,9 @@ bool isSessionStopped(pid_t session) {
     return areStopped;
 }
 
-bool comesFromChild(pid_t process, pid_t session) {
-    if (::getsid(process) == session) {
-        return true;
-    }
-    const std::string path = "/proc/" + std::to_string(process) + "/exe";
-    struct stat theirs {};
-    struct stat ours {};
-    return ::stat(path.c_str(), &theirs) == 0 && ::stat("/proc/self/exe", &ours) == 0 &&
-           (theirs.st_dev != ours.st_dev || theirs.st_ino != ours.st_ino);
+bool killIfFromChild(pid_t process, pid_t session) {
+    const bool isFromChild = ::getsid(process) == session || runsAnotherProgram(process);
+    return isFromChild && (::kill(process, SIGKILL) == 0 || errno != EPERM);
 }
 
 bool sessionHasLiveMembers(pid_t session) {

@@ -23,10 +23,11 @@ void signalMembers(pid_t session, int signalNumber);
 /// Whether all live processes of the session are stopped, as they are soon after SIGSTOP.
 [[nodiscard]] bool isSessionStopped(pid_t session);
 
-/// Whether the process, which holds a pipe of the child that led the session, certainly got it from
-/// that child: it is in the session; or it has left it and runs another program than the calling
-/// process, which a fork of the calling process does not. False when /proc cannot tell.
-[[nodiscard]] bool comesFromChild(pid_t process, pid_t session);
+/// Kills the process, which holds a pipe of the child that led the session, if it certainly got the
+/// pipe from that child: it is in the session; or it has left it and runs another program than the
+/// calling process, which a fork of the calling process does not. Returns false if /proc does not
+/// say so, or the process is another user's.
+[[nodiscard]] bool killIfFromChild(pid_t process, pid_t session);
 
 /// Whether a process of the session other than a dead one waiting to be reaped is left.
 [[nodiscard]] bool sessionHasLiveMembers(pid_t session);

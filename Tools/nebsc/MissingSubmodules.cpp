@@ -75,7 +75,7 @@ std::vector<std::string> missingSubmodules(const Trace& trace, const std::string
             continue;
         }
         for (const std::string& inner : missingSubmodules(trace, submodule)) {
-            missing.push_back(path + "/" + inner);
+            missing.push_back(pathByAppendingComponent(path, inner));
         }
     }
     return missing;

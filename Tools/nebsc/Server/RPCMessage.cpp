@@ -22,18 +22,30 @@ const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
 /// Finds the id of a message that is too large to be read, and keeps nothing else of it.
 class IdFinder : public nlohmann::json_sax<JSON> {
 public:
-    [[nodiscard]] const JSON& id() const { return _id; }
+    [[nodiscard]] JSON id() const { return stringOrInteger(_id).value_or(nullptr); }
 
     bool null() override { return true; }
     bool boolean(bool /*value*/) override { return true; }
-    bool number_integer(number_integer_t value) override { return take(value); }
+    bool number_integer(number_integer_t value) override {
+        if (isId()) {
+            _id.kind = Kind::integer;
+            _id.integer = value;
+        }
+        return true;
+    }
     bool number_unsigned(number_unsigned_t value) override {
-        return value > INT64_MAX || take(static_cast<number_integer_t>(value));
+        return value > INT64_MAX || number_integer(static_cast<number_integer_t>(value));
     }
     bool number_float(number_float_t /*value*/, const string_t& /*written*/) override {
         return true;
     }
-    bool string(string_t& value) override { return take(value); }
+    bool string(string_t& value) override {
+        if (isId()) {
+            _id.kind = Kind::string;
+            _id.text = value;
+        }
+        return true;
+    }
     bool binary(binary_t& /*value*/) override { return true; }
     bool start_object(std::size_t /*size*/) override { return enter(); }
     bool start_array(std::size_t /*size*/) override { return enter(); }
@@ -49,13 +61,7 @@ public:
     }
 
 private:
-    template <typename Value>
-    bool take(const Value& value) {
-        if (_depth == 1 && std::exchange(_isAtId, false)) {
-            _id = value;
-        }
-        return true;
-    }
+    bool isId() { return _depth == 1 && std::exchange(_isAtId, false); }
     bool enter() {
         ++_depth;
         return true;
@@ -65,7 +71,7 @@ private:
         return true;
     }
 
-    JSON _id;
+    JSONNode _id;
     std::size_t _depth = 0;
     bool _isAtId = false;  // the next value of the outermost object is it
 };
@@ -75,41 +81,10 @@ std::string textOf(const JSON& json) {
     return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
 }
 
-}  // namespace
-
-std::optional<JSON> stringOrInteger(const JSONNode& node) {
-    switch (node.kind) {
-        case Kind::string:
-            return node.text;
-        case Kind::integer:
-            return node.integer;
-        default:
-            return std::nullopt;
-    }
-}
-
-JSON idOfRPCMessage(std::string_view text) {
-    IdFinder finder;
-    try {
-        return JSON::sax_parse(text, &finder) ? finder.id() : JSON();
-    } catch (const std::bad_alloc&) {
-        return finder.id();
-    }
-}
-
-RPCReading readRPCMessage(std::string_view text) {
-    JSONReading reading = readJSON(text);
-    if (reading.isTooLarge) {
-        return {std::nullopt,
-                rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
-    }
-    if (!reading.root) {
-        return {std::nullopt, rpcError(nullptr, RPCErrorCode::parseError, reading.failure)};
-    }
+RPCReading messageIn(const JSONNode& root) {
     const auto refuse = [](const JSON& id, std::string_view sentence) {
         return RPCReading{std::nullopt, rpcError(id, RPCErrorCode::invalidRequest, sentence)};
     };
-    const JSONNode& root = *reading.root;
     if (root.kind != Kind::object) {
         return refuse(nullptr, root.kind == Kind::array
                                    ? "The message is a batch; send one message at a time."
@@ -141,6 +116,40 @@ RPCReading readRPCMessage(std::string_view text) {
         message.params.name.clear();
     }
     return {std::move(message), {}};
+}
+
+}  // namespace
+
+std::optional<JSON> stringOrInteger(const JSONNode& node) {
+    switch (node.kind) {
+        case Kind::string:
+            return node.text;
+        case Kind::integer:
+            return node.integer;
+        default:
+            return std::nullopt;
+    }
+}
+
+JSON idOfRPCMessage(std::string_view text) {
+    IdFinder finder;
+    try {
+        return JSON::sax_parse(text, &finder) ? finder.id() : JSON();
+    } catch (const std::bad_alloc&) {
+        return finder.id();
+    }
+}
+
+RPCReading readRPCMessage(std::string_view text) {
+    const JSONReading reading = readJSON(text);
+    if (reading.isTooLarge) {
+        return {std::nullopt,
+                rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
+    }
+    if (!reading.root) {
+        return {std::nullopt, rpcError(nullptr, RPCErrorCode::parseError, reading.failure)};
+    }
+    return messageIn(*reading.root);
 }
 
 std::string rpcResult(const JSON& id, JSON result) {

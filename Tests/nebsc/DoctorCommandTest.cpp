@@ -117,7 +117,8 @@ TEST_F(DoctorCommand, WorkThatIsUnderWayIsNoted) {
     EXPECT_THAT(findings("unfinished"), testing::IsEmpty());
     for (const auto& [name, work] :
          std::vector<std::pair<const char*, const char*>>{{"rebase-merge", "a rebase"},
-                                                          {"rebase-apply", "a rebase"},
+                                                          {"rebase-apply/rebasing", "a rebase"},
+                                                          {"rebase-apply/applying", "git am"},
                                                           {"MERGE_HEAD", "a merge"},
                                                           {"CHERRY_PICK_HEAD", "a cherry-pick"},
                                                           {"REVERT_HEAD", "a revert"},
@@ -183,6 +184,7 @@ TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFr
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_EQ(found[0]["text"], "git cannot read them: bad config line 1");
+    EXPECT_EQ(found[0]["advice"], "Fix or remove the line or value that git names.");
     EXPECT_THAT(findings("credentials", {git.path()}), testing::IsEmpty());
     EXPECT_THAT(findings("identity", {{"GIT_CONFIG_GLOBAL", repository.path("broken")}}),
                 testing::IsEmpty());

@@ -9,7 +9,8 @@ namespace neb::nebsc {
 void checkSettings(Examination& examination) {
     const ChildOutcome outcome = examination.ask({"config", "--list", "--show-scope", "-z"});
     if (!outcome.status.isSuccess()) {
-        examination.add(Health::problem, "settings", "git cannot read them: " + reasonOf(outcome));
+        examination.add(Health::problem, "settings", "git cannot read them: " + reasonOf(outcome),
+                        "Fix or remove the line or value that git names.");
         return;
     }
     examination.settings = UserSettings(outcome.output);

@@ -23,7 +23,7 @@ constexpr std::string_view symbolicPrefix = "ref:";
 /// The reference's part of a revision: "main" of "main~3", HEAD of "@{1}".
 std::string referencePartOf(const std::string& revision) {
     std::string name = revision.substr(0, std::min(revision.find_first_of("~^:"), revision.size()));
-    name = name.substr(0, std::min(name.find("@{"), name.size()));
+    name.resize(std::min(name.find("@{"), name.size()));
     return name.empty() || name == "@" ? "HEAD" : name;
 }
 

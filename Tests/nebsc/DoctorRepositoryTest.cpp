@@ -295,6 +295,16 @@ TEST_F(DoctorRepository, TheAdvisedFetchBringsLostObjectsBack) {
                 IsOneFinding("ok", HasSubstr("no damage"), ""));
 }
 
+TEST_F(DoctorRepository, AnIndexWithAWrongChecksumIsRecreatedAndNotFetched) {
+    repository.commitFile("a.c", "1\n");
+    std::fstream(repository.path(".git/index"), std::ios::in | std::ios::out | std::ios::binary)
+        .seekp(-20, std::ios::end)
+        .write("wrong", 5);
+    EXPECT_EQ(findingsIn(repository.path(), "fsck", {}, {"--full"}).back()["advice"],
+              "Recreate it with: rm " + repository.path(".git/index") +
+                  " && git reset (files stay as they are; what was staged is no longer staged)");
+}
+
 TEST_F(DoctorRepository, AMessageOfFsckOnTwoLinesIsOneFindingAndAWarningIsANote) {
     repository.commitFile("a.c", "1\n");
     const StandInGit git(repository.path(),

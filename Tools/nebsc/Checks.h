@@ -23,6 +23,8 @@ void checkRepository(Examination& examination);
 /// Lock files that were left behind.
 void checkLocks(Examination& examination);
 void checkIndex(Examination& examination);
+/// Returns the advice on an index that git cannot read.
+[[nodiscard]] std::string adviceOnDamagedIndex(Examination& examination);
 /// Whether every reference names an object that exists.
 void checkReferences(Examination& examination);
 /// Whether the HEAD commit and its root tree can be read.

@@ -4,6 +4,11 @@
 
 namespace neb::nebsc {
 
+std::string adviceOnDamagedIndex(Examination& examination) {
+    return "Recreate it with: rm " + shellQuoted(examination.gitPath("index")) +
+           " && git reset (files stay as they are; what was staged is no longer staged)";
+}
+
 void checkIndex(Examination& examination) {
     if (examination.repository->workingCopy.empty()) {
         return;
@@ -15,13 +20,11 @@ void checkIndex(Examination& examination) {
         return;
     }
     const std::string reason = reasonOf(outcome);
-    const std::string path = shellQuoted(examination.gitPath("index"));
     const bool isForbidden = reason.find("Permission denied") != std::string::npos;
     examination.add(Health::problem, "index", "git cannot read it: " + reason,
-                    isForbidden ? "Make it readable with: chmod u+rw " + path
-                                : "Recreate it with: rm " + path +
-                                      " && git reset (files stay as they are; what was staged is "
-                                      "no longer staged)");
+                    isForbidden ? "Make it readable with: chmod u+rw " +
+                                      shellQuoted(examination.gitPath("index"))
+                                : adviceOnDamagedIndex(examination));
 }
 
 }  // namespace neb::nebsc

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Checks.h"
 #include "Platform/Text.h"
 
@@ -31,6 +33,11 @@ Health healthOf(std::string_view message, bool hasFailed) {
     return hasFailed && !isWarning ? Health::problem : Health::note;
 }
 
+/// The checksum of the index is checked by git fsck(1) alone.
+bool isAboutIndex(std::string_view message) {
+    return message.find("index file corrupt") != std::string_view::npos;
+}
+
 }  // namespace
 
 void checkIntegrity(Examination& examination) {
@@ -54,7 +61,9 @@ void checkIntegrity(Examination& examination) {
     } else if (hasFailed) {
         examination.add(Health::problem, subject,
                         "git fsck found damage: " + outcome.status.description(),
-                        adviceOnLostObjects);
+                        std::any_of(messages.begin(), messages.end(), isAboutIndex)
+                            ? adviceOnDamagedIndex(examination)
+                            : adviceOnLostObjects);
     } else if (messages.empty()) {
         examination.add(Health::ok, subject, "git fsck has read every object and found no damage");
     }

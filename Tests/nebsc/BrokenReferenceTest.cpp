@@ -95,6 +95,7 @@ TEST_F(BrokenReference, NamesACommitThatIsLost) {
     EXPECT_EQ(nebsc({"log", "--json", "topic"}).json()["error"]["class"], "objects-damaged");
     breakReference("refs/heads/main", lost + "\n");
     expectNamed({"log"}, "refs/heads/main", "it names 111111111111");
+    expectNamed({"blame", "a"}, "refs/heads/main", "it names 111111111111");
 }
 
 TEST_F(BrokenReference, StandsForItself) {

@@ -161,10 +161,12 @@ Reply CommandTask::replyTo(Outcome& outcome) {
     return reply;
 }
 
-/// git says of a broken branch, too, that it does not know "HEAD", or that there is no commit yet.
+/// git says of a broken branch, too, that it does not know "HEAD" or the commit in it, or that
+/// there is no commit yet.
 void CommandTask::explainBrokenHEAD(Outcome& outcome) {
     if (!outcome.error || (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
                            outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
+                           outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
                            outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
         return;
     }

@@ -46,7 +46,7 @@ struct Outcome {
     /// Why a folder that had been made for the operation is still there after its failure, and what
     /// to do about it. Empty as a rule.
     std::string leftFolder;
-    /// Absent unless the command merges, and has, or has stopped at a conflict in other files.
+    /// Absent unless the command merges, and has, or has stopped before the commit.
     std::optional<SettledConflicts> settledConflicts;
 };
 

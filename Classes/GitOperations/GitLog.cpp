@@ -77,11 +77,16 @@ public:
 private:
     void readText(const Data& log, std::string_view block) {
         if (!block.empty()) {
-            // The message may hold the byte that ends the header, too.
-            const std::size_t last = block.rfind(endOfHeader);
-            _records.push_back(recordOf(
-                log, block, last == std::string_view::npos ? block : block.substr(last + 1)));
+            _records.push_back(
+                recordOf(log, block, _withFiles ? listIn(block) : std::string_view()));
         }
+    }
+
+    /// Returns what follows the last byte that ends a header: the message may hold one too.
+    static std::string_view listIn(std::string_view block) {
+        std::string_view last;
+        forEachPiece(block, endOfHeader, [&last](std::string_view piece) { last = piece; });
+        return last;
     }
 
     /// The names of files that are not UTF-8 have a spelling that is; a header has none.

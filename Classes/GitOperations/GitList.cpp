@@ -85,10 +85,14 @@ void GitListFilesOperation::parseData() {
 }
 
 /// A folder outside the working copy that is not there has words of its own in git, which speak of
-/// an invalid path.
+/// an invalid path. No folder at all makes the shell complain about its syntax.
 std::optional<NEBSourceControlError> GitListFilesOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
     auto error = GitOperation::errorFromErrorMessage(message);
+    if (error && folderOf(*request()).empty()) {
+        error->errorClass = "path-invalid";
+        return error;
+    }
     const bool isInvalidPath = message && message->find("Invalid path '/") != std::string::npos;
     return error && isInvalidPath ? errorOfFolderOutside(*request()) : error;
 }

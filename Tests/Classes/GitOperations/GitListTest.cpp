@@ -296,6 +296,13 @@ TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
     EXPECT_THAT(list(repository.path("nosuch")), IsEmpty());
 }
 
+TEST_F(ListOfRepository, OfNoFolderHasAClass) {
+    repository.commitFile("src/a", "x");
+    const auto operation = run(listRequest("", repository.path()));
+    EXPECT_THAT(operation->error(), HasErrorClass("path-invalid"));
+    EXPECT_THAT(textsOf(operation->result()), IsEmpty());
+}
+
 TEST_F(ListOfRepository, OfARequestWithAnErrorDoesNothing) {
     const auto operation = initWithRequest<GitListOperation>(listRequest("src", repository.path()));
     operation->setError(NEBSourceControlError::withDescription(-1, "before"));

@@ -38,7 +38,7 @@ class TreeBuilder : public nlohmann::json_sax<json> {
 public:
     [[nodiscard]] JSONReading takeReading() {
         return _failure.empty() ? JSONReading{std::move(_root), {}}
-                                : JSONReading{std::nullopt, std::move(_failure), _isTooLarge};
+                                : JSONReading{std::nullopt, std::move(_failure), _isRefusedJSON};
     }
 
     bool null() override { return place(JSONNode::Kind::null) != nullptr; }
@@ -79,7 +79,7 @@ public:
     bool key(string_t& name) override {
         _key = std::move(name);
         return _open.back().names.insert(_key).second ||
-               fail(subjectAt(pathOfNext()) + " is there twice; once was expected.");
+               refuse(subjectAt(pathOfNext()) + " is there twice; once was expected.");
     }
 
     bool parse_error(std::size_t /*position*/, const std::string& /*lastToken*/,
@@ -115,16 +115,15 @@ private:
         return path;
     }
 
-    bool failAsTooLarge(std::string sentence) {
-        _isTooLarge = true;
+    bool refuse(std::string sentence) {
+        _isRefusedJSON = true;
         return fail(std::move(sentence));
     }
 
     /// A new node where the parser is, to be filled; null at the limit.
     JSONNode* place(JSONNode::Kind kind) {
         if (_count == mostJSONValues) {
-            failAsTooLarge("The request has more than " + std::to_string(mostJSONValues) +
-                           " values.");
+            refuse("The request has more than " + std::to_string(mostJSONValues) + " values.");
             return nullptr;
         }
         ++_count;
@@ -146,8 +145,8 @@ private:
 
     bool open(JSONNode::Kind kind) {
         if (_open.size() == deepestJSONNesting) {
-            return failAsTooLarge("The request is nested more than " +
-                                  std::to_string(deepestJSONNesting) + " levels deep.");
+            return refuse("The request is nested more than " + std::to_string(deepestJSONNesting) +
+                          " levels deep.");
         }
         JSONNode* node = place(kind);
         if (node != nullptr) {
@@ -168,7 +167,7 @@ private:
     std::string _key;
     std::size_t _count = 0;  // of the values so far
     std::string _failure;
-    bool _isTooLarge = false;
+    bool _isRefusedJSON = false;
 };
 
 }  // namespace
@@ -198,7 +197,7 @@ JSONReading readJSON(std::string_view text) {
         return {
             .root = std::nullopt,
             .failure = "The request has more than " + std::to_string(longestJSONText) + " bytes.",
-            .isTooLarge = true};
+            .isRefusedJSON = true};
     }
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
         return {std::nullopt, "The request is empty; a JSON object was expected."};

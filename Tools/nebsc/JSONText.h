@@ -46,8 +46,9 @@ struct JSONReading {
     /// One sentence; empty when there is a root. It names the location: the member, or line and
     /// column.
     std::string failure;
-    /// Whether the text was refused because of one of the limits.
-    bool isTooLarge = false;
+    /// Whether the text, as far as it was read, is JSON: one of the limits refused it, or a member
+    /// that is there twice.
+    bool isRefusedJSON = false;
 };
 
 /// Reads one JSON value. Refuses bad syntax, bytes that are not UTF-8, an empty text, anything

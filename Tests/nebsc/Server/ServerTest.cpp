@@ -262,6 +262,22 @@ TEST(Server, LetsReadsPassAWriteAndCancelsWhatWaits) {
     EXPECT_THAT(client.others(), testing::IsEmpty());
 }
 
+TEST(Server, RefusesAProgressTokenOfAnotherKind) {
+    ServerClient client;
+    client.initialize();
+    for (const auto& [token, kind] : {std::pair<JSON, std::string>{JSON::object(), "an object"},
+                                      {1.5, "a number that is no 64-bit integer"},
+                                      {true, "a boolean"}}) {
+        client.send(1, "sourceControl/plan", {{"type", 15}, {"workDoneToken", token}});
+        const JSON error = client.answerTo(1)["error"];
+        EXPECT_EQ(error["code"], -32602);
+        EXPECT_EQ(error["message"], "The request's member \"workDoneToken\" is " + kind +
+                                        "; a string or an integer was expected.");
+    }
+    client.send(2, "sourceControl/plan", {{"type", 15}, {"workDoneToken", nullptr}});
+    EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
+}
+
 TEST(Server, TellsOfTheProgressOfWhatTakesLong) {
     const SlowGit git;
     ServerClient client({git.path()});

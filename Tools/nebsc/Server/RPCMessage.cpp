@@ -19,7 +19,7 @@ const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
     return child != node.children.end() ? &*child : nullptr;
 }
 
-/// Finds the id of a message that is too large to be read, and keeps nothing else of it.
+/// Finds the id of a message that is refused as a whole, and keeps nothing else of it.
 class IdFinder : public nlohmann::json_sax<JSON> {
 public:
     [[nodiscard]] JSON id() const { return stringOrInteger(_id).value_or(nullptr); }
@@ -142,7 +142,7 @@ JSON idOfRPCMessage(std::string_view text) {
 
 RPCReading readRPCMessage(std::string_view text) {
     const JSONReading reading = readJSON(text);
-    if (reading.isTooLarge) {
+    if (reading.isRefusedJSON) {
         return {std::nullopt,
                 rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
     }

@@ -43,17 +43,26 @@ JSON requestTypes() {
     return types;
 }
 
+struct ProgressToken {
+    std::optional<JSON> value;
+    std::string refusal;  // empty unless the token is of the wrong kind
+};
+
 /// Takes the member out of the request: it is the conversation's, not the request's.
-std::optional<JSON> takeProgressToken(JSONNode& params) {
-    const auto token =
-        std::find_if(params.children.begin(), params.children.end(),
-                     [](const JSONNode& child) { return child.name == "workDoneToken"; });
+ProgressToken takeProgressToken(JSONNode& params) {
+    static constexpr std::string_view name = "workDoneToken";
+    const auto token = std::find_if(params.children.begin(), params.children.end(),
+                                    [](const JSONNode& child) { return child.name == name; });
     if (token == params.children.end()) {
-        return std::nullopt;
+        return {};
     }
-    auto value = stringOrInteger(*token);
+    ProgressToken taken{.value = stringOrInteger(*token), .refusal = {}};
+    if (!taken.value && token->kind != JSONNode::Kind::null) {
+        taken.refusal = subjectAt(name) + " is " + std::string(nameOfKind(token->kind)) +
+                        "; a string or an integer was expected.";
+    }
     params.children.erase(token);
-    return value;
+    return taken;
 }
 
 std::string sentenceOfCurrentException() {
@@ -235,7 +244,11 @@ void Server::plan(RPCMessage& message) {
 }
 
 void Server::startRequest(RPCMessage& message, bool isRun) {
-    const auto token = takeProgressToken(message.params);
+    const ProgressToken token = takeProgressToken(message.params);
+    if (!token.refusal.empty()) {
+        refuse(message, RPCErrorCode::invalidParams, token.refusal);
+        return;
+    }
     const RequestReading reading = requestFromJSON(message.params);
     if (!reading.request) {
         refuse(message, RPCErrorCode::invalidParams, reading.refusal);
@@ -244,7 +257,8 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
     const auto& request = reading.request;
     const auto name = NEBSourceControlRequestTypeName(request->type);
     start(message, isRun ? writtenPlaceOf(*request) : std::nullopt,
-          [this, request, isRun, token, title = std::string(name.value_or("request"))](Job& job) {
+          [this, request, isRun, token = token.value,
+           title = std::string(name.value_or("request"))](Job& job) {
               std::optional<ProgressReports::Work> progress;
               if (token) {
                   progress.emplace(*_progress, *token, title);

@@ -128,6 +128,35 @@ TEST_F(ResourceFaults, WithoutMemoryEachAmountIsAnOutcomeOrAnError) {
     EXPECT_TRUE(hasSucceeded);
 }
 
+TEST_F(ResourceFaults, WithoutMemoryForEachOfManyRecordsThereIsAnOutcome) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+    }
+    const TestRepository repository;
+    const StandInGit git(
+        repository.path(),
+        "yes '%0123456789ab@Ann@ann.example@1500000000@A message^' | head -n 20000 | "
+        "tr -d '\\n' | tr '%@^' '\\000\\n\\001'");
+    const JSON request{{"type", 18}, {"sourceTree", {{"location", repository.path()}}}};
+    const TemporaryFolder folder;
+    const std::string input = folder.write("request", request.dump());
+    bool hasFailedForMemory = false;
+    for (const int megabytes : {20, 28, 34, 42}) {
+        const NebscOutcome outcome = runProgram(
+            "/usr/bin/prlimit",
+            {"--as=" + std::to_string(std::size_t{1000000} * static_cast<std::size_t>(megabytes)),
+             std::string(NEB_BUILD_FOLDER) + "/bin/nebsc", "request", input},
+            {.variables = {git.path()}});
+        ASSERT_THAT(outcome.exitStatus, AnyOf(0, 1)) << megabytes << outcome.errors;
+        ASSERT_NE(outcome.output, "") << megabytes << outcome.errors;
+        hasFailedForMemory |= outcome.exitStatus == 1;
+        if (outcome.exitStatus == 1) {
+            EXPECT_EQ(outcome.json()["error"]["class"], "out-of-memory");
+        }
+    }
+    EXPECT_TRUE(hasFailedForMemory);
+}
+
 TEST_F(ResourceFaults, MuchOnBothStreamsIsReadWholeInMemoryThatTheOutputBounds) {
     constexpr std::size_t million = 1000000;
     constexpr std::size_t output = (hasSanitizer ? 50 : 500) * million;

@@ -128,5 +128,39 @@ TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunni
     EXPECT_TRUE(ended);
 }
 
+/// Memory runs out at another record for each amount.
+TEST_F(ServerFaults, WithoutMemoryForARecordTheRequestFailsAndTheServerGoesOn) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+    }
+    const TemporaryFolder folder;
+    folder.writeProgram(
+        "git",
+        "#!/bin/sh\n[ \"$1\" = --version ] && exit 0\n"
+        "yes '%0123456789ab@Ann@ann.example@1500000000@A message^' | head -n 20000 | "
+        "tr -d '\\n' | tr '%@^' '\\000\\n\\001'"
+        "\n");
+    bool hasFailedForMemory = false;
+    for (const std::size_t megabytes : {30U, 34U, 38U}) {
+        SCOPED_TRACE(megabytes);
+        ServerClient client({{"PATH", folder.path() + ":/usr/bin:/bin"}, {"MALLOC_ARENA_MAX", "1"}},
+                            withAddressSpaceOf(megabytes * million));
+        client.initialize();
+        client.send(1, "sourceControl/perform",
+                    {{"type", 18}, {"sourceTree", {{"location", folder.path()}}}});
+        const JSON answer = client.answerTo(1);
+        ASSERT_FALSE(answer.is_null());
+        if (answer.contains("result") && !answer["result"]["error"].is_null()) {
+            EXPECT_EQ(answer["result"]["error"]["class"], "out-of-memory");
+            hasFailedForMemory = true;
+        }
+        client.send(2, "sourceControl/plan", {{"type", 15}});
+        EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
+        client.send({}, "exit");
+        EXPECT_EQ(client.exitStatus(), 1) << "ended by a signal";
+    }
+    EXPECT_TRUE(hasFailedForMemory);
+}
+
 }  // namespace
 }  // namespace neb::test

@@ -14,25 +14,28 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 
+nlohmann::ordered_json jsonOf(const Outcome& outcome) {
+    return nlohmann::ordered_json::parse(textOfOutcome(outcome));
+}
+
 TEST(OutcomeJSON, HasEveryMemberWhenNothingIsThere) {
-    EXPECT_EQ(lineOfJSON(jsonOfOutcome(Outcome())),
+    EXPECT_EQ(textOfOutcome(Outcome()),
               R"({"type":null,"name":null,"authenticationRequired":false,"valid":false,)"
               R"("operation":null,"command":null,"commands":[],"reports":[],"result":null,)"
-              R"("error":null})"
-              "\n");
+              R"("error":null})");
 }
 
 TEST(OutcomeJSON, NamesWhatTheResultLeavesOut) {
     Outcome outcome;
     outcome.omittedRevisions = {"0123456789ab", "abc"};
-    EXPECT_EQ(jsonOfOutcome(outcome)["omittedRevisions"].dump(), R"(["0123456789ab","abc"])");
+    EXPECT_EQ(jsonOf(outcome)["omittedRevisions"].dump(), R"(["0123456789ab","abc"])");
 }
 
 TEST(OutcomeJSON, NamesTheType) {
     const auto nameOf = [](std::int32_t type) {
         Outcome outcome;
         outcome.type = type;
-        return jsonOfOutcome(outcome)["name"].dump();
+        return jsonOf(outcome)["name"].dump();
     };
     EXPECT_EQ(nameOf(18), "\"log\"");
     EXPECT_EQ(nameOf(12), "\"unsupported\"");
@@ -51,7 +54,7 @@ TEST(OutcomeJSON, ACommandHasItsSecondHalfInTheSameForm) {
                                                             .arguments = {},
                                                             .currentDirectoryPath = std::nullopt,
                                                             .pipeTo = nullptr})};
-    EXPECT_EQ(jsonOfOutcome(outcome)["command"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["command"].dump(),
               R"({"launchPath":"/usr/bin/git","arguments":["archive","HEAD"],)"
               R"("currentDirectoryPath":"/w","pipeTo":{"launchPath":"/usr/bin/tar","arguments":[],)"
               R"("currentDirectoryPath":null,"pipeTo":null}})");
@@ -61,7 +64,7 @@ TEST(OutcomeJSON, TellsHowEachChildEnded) {
     Outcome outcome;
     outcome.commands = {{"/usr/bin/git", {"log"}, "/w", 128, 3141592ns},
                         {"/usr/bin/git", {}, std::nullopt, std::nullopt, std::nullopt}};
-    EXPECT_EQ(jsonOfOutcome(outcome)["commands"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["commands"].dump(),
               R"([{"launchPath":"/usr/bin/git","arguments":["log"],"currentDirectoryPath":"/w",)"
               R"("terminationStatus":128,"milliseconds":3.1},)"
               R"({"launchPath":"/usr/bin/git","arguments":[],"currentDirectoryPath":null,)"
@@ -72,7 +75,7 @@ TEST(OutcomeJSON, MillisecondsHaveOneDecimalAtMost) {
     const auto millisecondsOf = [](std::chrono::nanoseconds duration) {
         Outcome outcome;
         outcome.commands = {{"/g", {}, std::nullopt, 0, duration}};
-        return jsonOfOutcome(outcome)["commands"][0]["milliseconds"].dump();
+        return jsonOf(outcome)["commands"][0]["milliseconds"].dump();
     };
     EXPECT_EQ(millisecondsOf(0ns), "0.0");
     EXPECT_EQ(millisecondsOf(49999ns), "0.0");
@@ -84,18 +87,18 @@ TEST(OutcomeJSON, MillisecondsHaveOneDecimalAtMost) {
 TEST(OutcomeJSON, ReportsAreObjects) {
     Outcome outcome;
     outcome.reports = {{"-[C m:]", "Classes/C", 7, "Assertion failed: a", "a"}};
-    EXPECT_EQ(jsonOfOutcome(outcome)["reports"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["reports"].dump(),
               R"([{"function":"-[C m:]","file":"Classes/C","line":7,)"
               R"("message":"Assertion failed: a","condition":"a"}])");
 }
 
 TEST(OutcomeJSON, AbsentAndEmptyResultsDiffer) {
     Outcome outcome;
-    EXPECT_EQ(jsonOfOutcome(outcome)["result"].dump(), "null");
+    EXPECT_EQ(jsonOf(outcome)["result"].dump(), "null");
     outcome.result.emplace();
-    EXPECT_EQ(jsonOfOutcome(outcome)["result"].dump(), "[]");
+    EXPECT_EQ(jsonOf(outcome)["result"].dump(), "[]");
     outcome.result->emplace_back();
-    EXPECT_EQ(jsonOfOutcome(outcome)["result"].dump(), "[{}]");
+    EXPECT_EQ(jsonOf(outcome)["result"].dump(), "[{}]");
 }
 
 TEST(OutcomeJSON, EachKindOfValueHasItsForm) {
@@ -113,7 +116,7 @@ TEST(OutcomeJSON, EachKindOfValueHasItsForm) {
                               std::make_shared<const NEBSourceControlWorkingTree>()));
     Outcome outcome;
     outcome.result = {record};
-    EXPECT_EQ(jsonOfOutcome(outcome)["result"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["result"].dump(),
               R"([{"boolean":true,"integer":-9223372036854775808,"string":"a \"b\"\n",)"
               R"("date":"2012-03-04T05:06:07Z","path":"/t/x","dictionary":{"/w/b":4,"/w/a":1},)"
               R"("object":"<NEBSourceControlWorkingTree \"\": (null)>"}])");
@@ -129,7 +132,7 @@ TEST(OutcomeJSON, AnErrorHasAllItsUserInfo) {
     outcome.error->hints = {"a", "", "b"};
     outcome.error->remoteLines = {"r"};
     outcome.error->files = {"x y", "z"};
-    EXPECT_EQ(jsonOfOutcome(outcome)["error"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["error"].dump(),
               R"({"domain":"NEBSourceControlErrorDomain","code":-21,"class":"authentication",)"
               R"("terminationStatus":128,"text":"fatal: no\n","hints":["a","","b"],)"
               R"("remoteLines":["r"],"files":["x y","z"],)"
@@ -142,7 +145,7 @@ TEST(OutcomeJSON, AnErrorHasAllItsUserInfo) {
 TEST(OutcomeJSON, AnErrorWithNothingHasNulls) {
     Outcome outcome;
     outcome.error.emplace();
-    EXPECT_EQ(jsonOfOutcome(outcome)["error"].dump(),
+    EXPECT_EQ(jsonOf(outcome)["error"].dump(),
               R"({"domain":"NEBSourceControlErrorDomain","code":-1,"class":null,)"
               R"("terminationStatus":null,"text":null,"hints":[],"remoteLines":[],"files":[],)"
               R"("localizedDescription":null,"localizedRecoverySuggestion":null,"userInfo":{}})");
@@ -153,7 +156,7 @@ TEST(OutcomeJSON, ASignalIsToldByItsName) {
         Outcome outcome;
         outcome.error.emplace();
         outcome.error->terminationStatus = status;
-        return jsonOfOutcome(outcome)["error"]["terminationStatus"].dump();
+        return jsonOf(outcome)["error"]["terminationStatus"].dump();
     };
     EXPECT_EQ(endOf(TerminationStatus::signalled(SIGKILL)), "\"SIGKILL\"");
     EXPECT_EQ(endOf(TerminationStatus::signalled(SIGRTMIN)),
@@ -168,7 +171,7 @@ TEST(OutcomeJSON, BytesThatAreNoTextBecomeReplacementCharacters) {
     NEBDictionary record;
     record.set("k\xff"s, "a\xff\xc3");
     outcome.result = {record};
-    const std::string line = lineOfJSON(jsonOfOutcome(outcome));
+    const std::string line = textOfOutcome(outcome);
     EXPECT_NE(line.find("\"k\xEF\xBF\xBD\":\"a\xEF\xBF\xBD\xEF\xBF\xBD\""), std::string::npos)
         << line;
 }

@@ -181,7 +181,7 @@ void CommandTask::addNotes(Reply& reply, Outcome& outcome) const {
         outcome.error = reply.error;
     }
     if (_call.isJSON) {
-        reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
+        reply.standardOutput = textOfOutcome(outcome) + "\n";
     }
     noteReports(reply, outcome);
     noteOmittedRevisions(reply, outcome);

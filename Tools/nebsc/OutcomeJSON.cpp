@@ -20,9 +20,13 @@ JSON orNull(const std::optional<Value>& value) {
     return value ? JSON(*value) : JSON(nullptr);
 }
 
-JSON jsonOfDictionary(const NEBDictionary& dictionary);
+/// Bytes that are no UTF-8 become U+FFFD.
+std::string textOf(const JSON& json) {
+    return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
+}
 
-JSON jsonOfValue(const NEBValue& value) {
+/// The value of a record that has no values inside it.
+JSON leafOf(const NEBValue& value) {
     if (const auto boolean = value.boolean()) {
         return *boolean;
     }
@@ -38,21 +42,48 @@ JSON jsonOfValue(const NEBValue& value) {
     if (const auto* path = value.filePath()) {
         return path->pathString();
     }
-    if (const auto* dictionary = value.dictionary()) {
-        return jsonOfDictionary(*dictionary);
-    }
     if (const auto* object = value.object()) {
         return object->descriptionForAssertionMessage();
     }
     return nullptr;
 }
 
-JSON jsonOfDictionary(const NEBDictionary& dictionary) {
-    // Keys are different from each other already; the object's own look-up, one by one, would make
-    // a large dictionary slow.
-    JSON::object_t object;
+/// Appends the dictionary as text. A result may take most of the memory there is, so no JSON object
+/// or array is made of it: the library's destructor of one allocates memory, and terminates the
+/// program where there is no more.
+void append(std::string& text, const NEBDictionary& dictionary) {
+    char separator = '{';
     for (const NEBDictionary::Entry& entry : dictionary) {
-        object.Container::emplace_back(std::string(entry.key()), jsonOfValue(entry.value()));
+        text.append(1, separator).append(textOf(std::string(entry.key()))).append(1, ':');
+        separator = ',';
+        if (const auto* inner = entry.value().dictionary()) {
+            append(text, *inner);
+        } else {
+            text += textOf(leafOf(entry.value()));
+        }
+    }
+    text += separator == '{' ? "{}" : "}";
+}
+
+std::string textOfResult(const Outcome& outcome) {
+    if (!outcome.result) {
+        return "null";
+    }
+    std::string text = "[";
+    for (const NEBDictionary& record : *outcome.result) {
+        text += text.size() > 1 ? "," : "";
+        append(text, record);
+    }
+    text += "]";
+    return text;
+}
+
+JSON jsonOfDictionary(const NEBDictionary& dictionary) {
+    JSON object = JSON::object();
+    for (const NEBDictionary::Entry& entry : dictionary) {
+        const auto* inner = entry.value().dictionary();
+        object[std::string(entry.key())] =
+            inner != nullptr ? jsonOfDictionary(*inner) : leafOf(entry.value());
     }
     return object;
 }
@@ -118,21 +149,20 @@ JSON arrayOf(const Values& values, Function function) {
     return array;
 }
 
-}  // namespace
+JSON membersBeforeResult(const Outcome& outcome) {
+    return {{"type", orNull(outcome.type)},
+            {"name",
+             orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
+            {"authenticationRequired", outcome.authenticationRequired},
+            {"valid", outcome.valid},
+            {"operation", orNull(outcome.operation)},
+            {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
+            {"commands", arrayOf(outcome.commands, jsonOfRun)},
+            {"reports", arrayOf(outcome.reports, jsonOfReport)}};
+}
 
-JSON jsonOfOutcome(const Outcome& outcome) {
-    JSON json{
-        {"type", orNull(outcome.type)},
-        {"name",
-         orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
-        {"authenticationRequired", outcome.authenticationRequired},
-        {"valid", outcome.valid},
-        {"operation", orNull(outcome.operation)},
-        {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
-        {"commands", arrayOf(outcome.commands, jsonOfRun)},
-        {"reports", arrayOf(outcome.reports, jsonOfReport)},
-        {"result", outcome.result ? arrayOf(*outcome.result, jsonOfDictionary) : JSON(nullptr)},
-        {"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+JSON membersFromErrorOn(const Outcome& outcome) {
+    JSON json{{"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
     if (!outcome.omittedRevisions.empty()) {
         json["omittedRevisions"] = outcome.omittedRevisions;
     }
@@ -143,19 +173,29 @@ JSON jsonOfOutcome(const Outcome& outcome) {
     return json;
 }
 
+}  // namespace
+
+std::string textOfOutcome(const Outcome& outcome) {
+    const std::string result = textOfResult(outcome);
+    std::string text = textOf(membersBeforeResult(outcome));
+    text.pop_back();  // the brace at the end
+    const std::string end = textOf(membersFromErrorOn(outcome));
+    return text.append(",\"result\":").append(result).append(",").append(end, 1);
+}
+
 std::string writtenOutcome(Outcome& outcome,
                            const std::function<std::string(const Outcome&)>& write) {
     try {
         return write(outcome);
     } catch (const std::exception&) {
+        outcome.result.reset();
         outcome.error = NEBSourceControlErrorOfCurrentException();
     }
-    outcome.result.reset();
     return write(outcome);
 }
 
 std::string lineOfJSON(const JSON& json) {
-    return json.dump(-1, ' ', false, JSON::error_handler_t::replace) + "\n";
+    return textOf(json) + "\n";
 }
 
 }  // namespace neb::nebsc

@@ -30,8 +30,9 @@
 
 namespace neb::nebsc {
 
-/// Thread-safe, as is all below.
-[[nodiscard]] nlohmann::ordered_json jsonOfOutcome(const Outcome& outcome);
+/// Returns the outcome's JSON in one line without a line end; bytes that are no UTF-8 become
+/// U+FFFD. Throws std::bad_alloc where memory runs out. Thread-safe, as is all below.
+[[nodiscard]] std::string textOfOutcome(const Outcome& outcome);
 
 /// Returns what `write` makes of the outcome. Where memory runs out meanwhile, the result is freed,
 /// and `write` is called again with an outcome whose error, of the class "out-of-memory", says so.

@@ -52,7 +52,7 @@ Reply replyToFailure(const Call* call) {
     if (call != nullptr && (call->isJSON || call->command == &requestCommand)) {
         Outcome outcome;
         outcome.error = reply.error;
-        reply.standardOutput = lineOfJSON(jsonOfOutcome(outcome));
+        reply.standardOutput = textOfOutcome(outcome) + "\n";
         reply.standardError.clear();
     }
     return reply;

@@ -35,7 +35,7 @@ Reply run(const CommandCall& call) {
     Outcome& outcome = *performance.outcome;
     Reply reply;
     reply.standardOutput = writtenOutcome(
-        outcome, [](const Outcome& written) { return lineOfJSON(jsonOfOutcome(written)); });
+        outcome, [](const Outcome& written) { return textOfOutcome(written) + "\n"; });
     reply.exitStatus = outcome.error ? exitFailed : exitDone;
     noteOmittedRevisions(reply, outcome);
     noteLeftFolder(reply, outcome);

@@ -109,7 +109,7 @@ TEST(RPCAnswer, HasTheFormOfTheProtocol) {
     EXPECT_EQ(nebsc::rpcResult("a", nullptr), R"({"jsonrpc":"2.0","id":"a","result":null})");
     EXPECT_EQ(nebsc::rpcError(1, RPCErrorCode::requestCancelled, "Gone."),
               R"({"jsonrpc":"2.0","id":1,"error":{"code":-32800,"message":"Gone."}})");
-    EXPECT_EQ(nebsc::rpcError(1, RPCErrorCode::internalError, "No.", {{"a", 1}}),
+    EXPECT_EQ(nebsc::rpcError(1, RPCErrorCode::internalError, "No.", R"({"a":1})"),
               R"({"jsonrpc":"2.0","id":1,"error":{"code":-32603,"message":"No.","data":{"a":1}}})");
     EXPECT_EQ(nebsc::rpcNotification("m", {{"a", "\xFF"}}),
               "{\"jsonrpc\":\"2.0\",\"method\":\"m\",\"params\":{\"a\":\"\xEF\xBF\xBD\"}}");

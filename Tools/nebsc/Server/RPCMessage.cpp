@@ -152,16 +152,24 @@ RPCReading readRPCMessage(std::string_view text) {
     return messageIn(*reading.root);
 }
 
-std::string rpcResult(const JSON& id, JSON result) {
-    return textOf({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
+std::string rpcResult(const JSON& id, const JSON& result) {
+    return rpcResultOfText(id, textOf(result));
 }
 
-std::string rpcError(const JSON& id, RPCErrorCode code, std::string_view sentence, JSON data) {
-    JSON error{{"code", static_cast<int>(code)}, {"message", sentence}};
-    if (!data.is_null()) {
-        error["data"] = std::move(data);
+std::string rpcResultOfText(const JSON& id, std::string_view result) {
+    std::string text = R"({"jsonrpc":"2.0","id":)" + textOf(id) + R"(,"result":)";
+    return text.append(result).append("}");
+}
+
+std::string rpcError(const JSON& id, RPCErrorCode code, std::string_view sentence,
+                     std::string_view data) {
+    const JSON error{{"code", static_cast<int>(code)}, {"message", sentence}};
+    std::string text = R"({"jsonrpc":"2.0","id":)" + textOf(id) + R"(,"error":)" + textOf(error);
+    if (!data.empty()) {
+        text.pop_back();  // the brace at the error's end
+        text.append(R"(,"data":)").append(data).append("}");
     }
-    return textOf({{"jsonrpc", "2.0"}, {"id", id}, {"error", std::move(error)}});
+    return text + "}";
 }
 
 std::string rpcNotification(std::string_view method, JSON params) {

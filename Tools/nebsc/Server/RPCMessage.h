@@ -46,10 +46,13 @@ struct RPCReading {
 [[nodiscard]] nlohmann::ordered_json idOfRPCMessage(std::string_view text);
 
 [[nodiscard]] std::string rpcResult(const nlohmann::ordered_json& id,
-                                    nlohmann::ordered_json result);
-/// `data`, where it is not null, tells more than the sentence.
+                                    const nlohmann::ordered_json& result);
+/// The same with a result that is JSON text already.
+[[nodiscard]] std::string rpcResultOfText(const nlohmann::ordered_json& id,
+                                          std::string_view result);
+/// `data`, JSON text, tells more than the sentence; absent where it is empty.
 [[nodiscard]] std::string rpcError(const nlohmann::ordered_json& id, RPCErrorCode code,
-                                   std::string_view sentence, nlohmann::ordered_json data = {});
+                                   std::string_view sentence, std::string_view data = {});
 [[nodiscard]] std::string rpcNotification(std::string_view method, nlohmann::ordered_json params);
 
 /// A string or an integer as JSON has it; nothing for any other kind.

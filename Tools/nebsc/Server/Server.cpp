@@ -282,8 +282,8 @@ std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlReq
         const bool wasCancelled =
             outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
         return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,
-                                       "The request was cancelled.", jsonOfOutcome(outcome))
-                            : rpcResult(job.id(), jsonOfOutcome(outcome));
+                                       "The request was cancelled.", textOfOutcome(outcome))
+                            : rpcResultOfText(job.id(), textOfOutcome(outcome));
     });
 }
 

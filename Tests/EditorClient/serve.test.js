@@ -141,7 +141,9 @@ test("tells what it is", limit, async () => {
     assert.deepEqual(identity.capabilities, {});
     assert.equal(identity.serverInfo.name, "nebsc");
     assert.equal(version.split("\n")[0], `nebsc ${identity.serverInfo.version}`);
-    assert.equal(identity.contractVersion, 1);
+    const contract = fs.readFileSync(
+        path.join(__dirname, "../../Host/NEBFoundation/NEBSourceControlPlugIn.h"), "utf8");
+    assert.match(contract, new RegExp(`ContractVersion = ${identity.contractVersion};`));
     assert.equal(identity.gitVersion, git(home, "--version").trim());
     assert.deepEqual(identity.requestTypes.map(({ type }) => type), [...Array(40).keys()]);
     assert.deepEqual(identity.requestTypes[Type.log], { type: Type.log, name: "log" });

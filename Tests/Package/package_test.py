@@ -124,7 +124,8 @@ class Installation(PackageTest):
         link = self.folder / "link to nebsc"
         link.symlink_to(nebsc)
         self.assertIn("Third", run(link, "log", folder=self.repository))
-        self.assertIn("Not a git repository", run(nebsc, "log", folder=self.plain_folder, status=1))
+        complaint = run(nebsc, "log", folder=self.plain_folder, status=1)
+        self.assertIn("The folder is not in a git repository.", complaint)
 
     def test_each_header_compiles_alone(self):
         include = self.prefix / "include/NEBGit"
@@ -193,7 +194,7 @@ class Examples(PackageTest):
         """The program prints the log as git does, and tells of a folder without a repository."""
         self.assertEqual(run(*words, self.repository, **variables), self.log_of_git())
         complaint = run(*words, self.plain_folder, status=1, **variables)
-        self.assertIn("not a git repository", complaint)
+        self.assertIn("The folder is not in a git repository.", complaint)
 
     def build(self, example):
         """Builds the example with CMake, with find_package alone, and answers the program."""

@@ -267,7 +267,7 @@ constexpr ErrorCatalogueRow rows[] = {
     {"ref-locked", generic, {{{"shallow file has changed since we read it"}}}},
     {"objects-damaged",
      generic,
-     {{{"fatal: bad object head"},  // nobody named a revision
+     {{{"fatal: bad object head"},  // HEAD, not a named revision
        {"error: bad tree object head"},
        {"error: unable to unpack ", " header"},
        {"failed to traverse parents of commit"},
@@ -360,7 +360,7 @@ constexpr ErrorCatalogueRow rows[] = {
        {": not found\n", "unable to read files to diff"},
        {"cannot start proxy "}}}},
     {"program-missing", generic, {{{"can't locate ", " in @inc"}}}},  // the Subversion bridge
-    // the way to the far end
+    // the connection to the remote
     {"ssh-key-refused",
      authentication,
      {{{"permission denied (", "publickey"},
@@ -1310,7 +1310,7 @@ constexpr ErrorCatalogueRow rows[] = {
     // accompanies whatever kept a commit from being written, and stands alone where that is untold
     {"signing-failed", generic, {{{"failed to write commit object"}}}},
     {"remote-refused", generic, {{{"fatal: remote error: "}}}},
-    // accompanies most failures on the way to the far end, and stands alone where no cause is told
+    // accompanies most failures of a connection to the remote, and decides where no cause is stated
     {"remote-unreadable",
      notReachable,
      {{{"could not read from remote repository"},

@@ -203,7 +203,7 @@ TEST_F(Load, LeavesTheProcessAsItWas) {
     // Two that write to one working copy may meet; nothing else may fail.
     for (const auto& [outcome, count] : outcomes) {
         EXPECT_TRUE(outcome == "done" || outcome == "index-locked" || outcome == "ref-locked" ||
-                    outcome == "branch-exists")
+                    outcome == "reference-changed" || outcome == "branch-exists")
             << outcome;
     }
     for (const TestRepository& copy : copies) {

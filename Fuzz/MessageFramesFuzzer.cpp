@@ -1,7 +1,7 @@
 // The frames of a stream of messages: the same in whatever pieces it arrives, and what is written
 // is read again.
 
-#include "MessageFrames.h"
+#include "Server/MessageFrames.h"
 
 #include "Property.h"
 

@@ -1,7 +1,7 @@
 // Messages of JSON-RPC as anybody may write them: each is a request, an answer that is passed over,
 // or refused in a message of ours that is one line of JSON.
 
-#include "RPCMessage.h"
+#include "Server/RPCMessage.h"
 
 #include "Property.h"
 

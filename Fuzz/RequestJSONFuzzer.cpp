@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "RequestJSON.h"
+#include "JSON/RequestJSON.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto reading =

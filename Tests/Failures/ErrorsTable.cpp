@@ -12,8 +12,8 @@
 
 #include "ClassTable.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
-#include "Presentation.h"
 #include "Support/TestRepository.h"
+#include "Terminal/Presentation.h"
 
 namespace neb::test {
 

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <utility>
 
-#include "CommandLine.h"
-#include "GitNames.h"
+#include "CommandLine/CommandLine.h"
+#include "CommandLine/GitNames.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Support/TestRepository.h"
 #include "nebsc/CommandTest.h"

@@ -2,12 +2,12 @@
 
 #include <exception>
 
-#include "CommandLine.h"
-#include "Commands.h"
+#include "CommandLine/CommandLine.h"
+#include "Commands/Commands.h"
+#include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "OutcomeJSON.h"
-#include "PlugInLocation.h"
-#include "StartFolder.h"
+#include "Session/PlugInLocation.h"
+#include "Session/StartFolder.h"
 
 namespace neb::nebsc {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <sstream>
 
-#include "Command.h"
+#include "CommandLine/Command.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {

@@ -1,6 +1,6 @@
 // The frames of messages, whatever the pieces in which they arrive.
 
-#include "MessageFrames.h"
+#include "Server/MessageFrames.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // Messages go out in order, however slowly they are read, and never hold up their sender.
 
-#include "MessageWriter.h"
+#include "Server/MessageWriter.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <atomic>
 #include <future>
 
-#include "MessageFrames.h"
+#include "Server/MessageFrames.h"
 
 namespace neb::test {
 namespace {

@@ -1,6 +1,6 @@
 // The messages of JSON-RPC, understood and refused.
 
-#include "RPCMessage.h"
+#include "Server/RPCMessage.h"
 
 #include <gmock/gmock.h>
 

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "MessageFrames.h"
 #include "Platform/FileDescriptor.h"
+#include "Server/MessageFrames.h"
 
 namespace neb::test {
 

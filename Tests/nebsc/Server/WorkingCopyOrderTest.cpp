@@ -1,6 +1,6 @@
 // Which requests wait for each other.
 
-#include "WorkingCopyOrder.h"
+#include "Server/WorkingCopyOrder.h"
 
 #include <gmock/gmock.h>
 

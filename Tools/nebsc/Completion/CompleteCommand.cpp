@@ -2,11 +2,11 @@
 #include <filesystem>
 #include <system_error>
 
-#include "Commands.h"
-#include "CompletionPoint.h"
+#include "Commands/Commands.h"
+#include "Completion/CompletionPoint.h"
+#include "Completion/RepositoryNames.h"
 #include "Platform/Text.h"
-#include "RepositoryNames.h"
-#include "StartFolder.h"
+#include "Session/StartFolder.h"
 
 namespace neb::nebsc {
 

@@ -1,6 +1,6 @@
 #include <array>
 
-#include "Commands.h"
+#include "Commands/Commands.h"
 #include "CompletionScripts.h"
 
 namespace neb::nebsc {

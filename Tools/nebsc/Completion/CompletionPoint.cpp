@@ -1,8 +1,8 @@
-#include "CompletionPoint.h"
+#include "Completion/CompletionPoint.h"
 
 #include <algorithm>
 
-#include "CommandLine.h"
+#include "CommandLine/CommandLine.h"
 
 namespace neb::nebsc {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "Command.h"
+#include "CommandLine/Command.h"
 
 namespace neb::nebsc {
 

@@ -1,14 +1,14 @@
-#include "RepositoryNames.h"
+#include "Completion/RepositoryNames.h"
 
 #include <algorithm>
 #include <map>
 
-#include "BranchTask.h"
-#include "Deadline.h"
-#include "GitProgram.h"
+#include "CommandFrame/BranchTask.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Passwords.h"
 #include "Platform/Text.h"
+#include "Session/Deadline.h"
+#include "Session/GitProgram.h"
 
 namespace neb::nebsc {
 

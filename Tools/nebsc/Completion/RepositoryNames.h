@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "HostSession.h"
-#include "Interruption.h"
+#include "Session/HostSession.h"
+#include "Session/Interruption.h"
 
 namespace neb::nebsc {
 

@@ -1,4 +1,4 @@
-#include "Job.h"
+#include "Server/Job.h"
 
 namespace neb::nebsc {
 

@@ -1,9 +1,9 @@
-#include "MessageFrames.h"
+#include "Server/MessageFrames.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "Presentation.h"
+#include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
 

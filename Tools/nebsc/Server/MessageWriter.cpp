@@ -1,4 +1,4 @@
-#include "MessageWriter.h"
+#include "Server/MessageWriter.h"
 
 #include <limits.h>
 #include <poll.h>
@@ -7,8 +7,8 @@
 #include <array>
 #include <cerrno>
 
-#include "MessageFrames.h"
 #include "Platform/SignalFreeThread.h"
+#include "Server/MessageFrames.h"
 
 namespace neb::nebsc {
 

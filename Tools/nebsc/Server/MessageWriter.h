@@ -17,7 +17,7 @@
 #include <thread>
 
 #include "Platform/Mutex.h"
-#include "Wake.h"
+#include "Server/Wake.h"
 
 namespace neb::nebsc {
 

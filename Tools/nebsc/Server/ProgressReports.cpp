@@ -1,9 +1,9 @@
-#include "ProgressReports.h"
+#include "Server/ProgressReports.h"
 
 #include <algorithm>
 
 #include "Platform/SignalFreeThread.h"
-#include "RPCMessage.h"
+#include "Server/RPCMessage.h"
 
 namespace neb::nebsc {
 

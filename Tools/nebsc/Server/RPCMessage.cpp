@@ -1,4 +1,4 @@
-#include "RPCMessage.h"
+#include "Server/RPCMessage.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "JSONText.h"
+#include "JSON/JSONText.h"
 
 namespace neb::nebsc {
 

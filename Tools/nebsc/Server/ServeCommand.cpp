@@ -1,8 +1,8 @@
 #include <unistd.h>
 
-#include "Commands.h"
-#include "OperationRun.h"
-#include "Server.h"
+#include "Commands/Commands.h"
+#include "Server/Server.h"
+#include "Session/OperationRun.h"
 
 namespace neb::nebsc {
 

@@ -1,4 +1,4 @@
-#include "Server.h"
+#include "Server/Server.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -7,15 +7,15 @@
 #include <array>
 #include <cerrno>
 
-#include "GitProgram.h"
+#include "JSON/OutcomeJSON.h"
+#include "JSON/RequestJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "OperationRun.h"
-#include "OutcomeJSON.h"
 #include "Platform/ErrnoText.h"
-#include "RequestJSON.h"
+#include "Session/GitProgram.h"
+#include "Session/OperationRun.h"
 
 namespace neb::nebsc {
 

@@ -11,17 +11,17 @@
 #include <optional>
 #include <string>
 
-#include "HostSession.h"
-#include "Interruption.h"
-#include "Job.h"
-#include "MessageFrames.h"
-#include "MessageWriter.h"
 #include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
-#include "ProgressReports.h"
-#include "RPCMessage.h"
-#include "Wake.h"
-#include "WorkingCopyOrder.h"
+#include "Server/Job.h"
+#include "Server/MessageFrames.h"
+#include "Server/MessageWriter.h"
+#include "Server/ProgressReports.h"
+#include "Server/RPCMessage.h"
+#include "Server/Wake.h"
+#include "Server/WorkingCopyOrder.h"
+#include "Session/HostSession.h"
+#include "Session/Interruption.h"
 
 namespace neb::nebsc {
 

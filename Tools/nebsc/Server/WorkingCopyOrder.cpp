@@ -1,4 +1,4 @@
-#include "WorkingCopyOrder.h"
+#include "Server/WorkingCopyOrder.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,223 @@
+// A request from its JSON form: every member, every kind of value.
+
+#include "JSON/RequestJSON.h"
+
+#include <gmock/gmock.h>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb::nebsc {
+namespace {
+
+std::shared_ptr<NEBSourceControlRequest> accepted(std::string_view json) {
+    RequestReading reading = requestFromJSON(json);
+    EXPECT_EQ(reading.refusal, "") << json;
+    return reading.request ? reading.request : std::make_shared<NEBSourceControlRequest>();
+}
+
+void expectOnlyAType(const NEBSourceControlRequest& request, std::int32_t type) {
+    EXPECT_EQ(request.type, type);
+    EXPECT_EQ(request.sourceTree, nullptr);
+    EXPECT_EQ(request.repositoryToAuthenticate, nullptr);
+    EXPECT_EQ(request.remote, nullptr);
+    EXPECT_FALSE(request.destination.isPresent());
+    EXPECT_FALSE(request.startingRevision.isPresent());
+    EXPECT_FALSE(request.endingRevision.isPresent());
+    EXPECT_FALSE(request.files.has_value());
+    EXPECT_FALSE(request.options.has_value());
+}
+
+TEST(RequestJSON, ATypeAloneIsARequestWithNothingElse) {
+    expectOnlyAType(*accepted(R"({"type": 15})"), 15);
+}
+
+TEST(RequestJSON, NullIsAMissingValue) {
+    const auto request = accepted(
+        R"({"type": -1, "sourceTree": null, "repositoryToAuthenticate": null, "remote": null,
+            "destination": null, "startingRevision": null, "endingRevision": null, "files": null,
+            "options": null})");
+    expectOnlyAType(*request, -1);
+}
+
+TEST(RequestJSON, TheLimitsOfTheTypeAreTypes) {
+    EXPECT_EQ(accepted(R"({"type": 2147483647})")->type, INT32_MAX);
+    EXPECT_EQ(accepted(R"({"type": -2147483648})")->type, INT32_MIN);
+}
+
+TEST(RequestJSON, AWorkingTreeIsTheDefaultSourceTree) {
+    const auto tree =
+        accepted(R"({"type": 0, "sourceTree": {"location": "/w/demo/"}})")->sourceTree;
+    ASSERT_NE(tree, nullptr);
+    EXPECT_EQ(tree->className(), "NEBSourceControlWorkingTree");
+    EXPECT_EQ(tree->location, "/w/demo/");
+    EXPECT_EQ(tree->name, "demo");
+    EXPECT_TRUE(tree->reachable);
+    EXPECT_TRUE(tree->isValid);
+}
+
+TEST(RequestJSON, ASourceTreeWithoutLocationHasAnEmptyName) {
+    for (const char* json : {R"({"type": 0, "sourceTree": {}})",
+                             R"({"type": 0, "sourceTree": {"class": null, "location": null,
+                                 "name": null, "reachable": null, "isValid": null,
+                                 "isRemoteDistributedRepository": null}})"}) {
+        const auto tree = accepted(json)->sourceTree;
+        ASSERT_NE(tree, nullptr);
+        EXPECT_EQ(tree->className(), "NEBSourceControlWorkingTree");
+        EXPECT_EQ(tree->location, std::nullopt);
+        EXPECT_EQ(tree->name, "");
+        EXPECT_TRUE(tree->reachable);
+        EXPECT_TRUE(tree->isValid);
+    }
+}
+
+TEST(RequestJSON, EveryMemberOfASourceTreeIsRead) {
+    const auto tree =
+        accepted(
+            R"({"type": 0, "sourceTree": {"class": "NEBSourceControlRepository", "location": "/w",
+            "name": "", "reachable": false, "isValid": false,
+            "isRemoteDistributedRepository": true}})")
+            ->sourceTree;
+    ASSERT_NE(tree, nullptr);
+    EXPECT_EQ(tree->className(), "NEBSourceControlRepository");
+    EXPECT_EQ(tree->location, "/w");
+    EXPECT_EQ(tree->name, "");
+    EXPECT_FALSE(tree->reachable);
+    EXPECT_FALSE(tree->isValid);
+    const auto* repository = dynamic_cast<const NEBSourceControlRepository*>(tree.get());
+    ASSERT_NE(repository, nullptr);
+    EXPECT_TRUE(repository->isRemoteDistributedRepository);
+}
+
+TEST(RequestJSON, ALocationIsAnAbsolutePathOrAnAddress) {
+    const auto with = [](const std::string& location) {
+        return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
+    };
+    for (const char* location : {"/w", "~/w", "file:///w", "https://h/r.git", "git@h:r.git"}) {
+        EXPECT_EQ(accepted(with(location))->sourceTree->location, location);
+    }
+}
+
+TEST(RequestJSON, AGivenNameWinsOverTheLocation) {
+    const auto request =
+        accepted(R"({"type": 0, "sourceTree": {"location": "/w/a", "name": "project"}})");
+    EXPECT_EQ(request->sourceTree->name, "project");
+}
+
+TEST(RequestJSON, TheRepositoryToAuthenticateHasTheSameForm) {
+    const auto request = accepted(
+        R"({"type": 0, "repositoryToAuthenticate": {"class": "NEBSourceControlRepository",
+            "reachable": false, "location": "https://example.org/a.git"}})");
+    ASSERT_NE(request->repositoryToAuthenticate, nullptr);
+    EXPECT_EQ(request->repositoryToAuthenticate->className(), "NEBSourceControlRepository");
+    EXPECT_EQ(request->repositoryToAuthenticate->name, "a.git");
+    EXPECT_FALSE(request->repositoryToAuthenticate->reachable);
+    EXPECT_EQ(request->sourceTree, nullptr);
+}
+
+TEST(RequestJSON, AWorkingTreeMaySayThatItIsNoRemoteRepository) {
+    EXPECT_NE(accepted(R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": false}})")
+                  ->sourceTree,
+              nullptr);
+}
+
+TEST(RequestJSON, ARemoteSaysWhetherItIsABridge) {
+    EXPECT_FALSE(accepted(R"({"type": 0, "remote": {}})")->remote->representsGitSVNBridge);
+    EXPECT_FALSE(accepted(R"({"type": 0, "remote": {"representsGitSVNBridge": null}})")
+                     ->remote->representsGitSVNBridge);
+    EXPECT_TRUE(accepted(R"({"type": 0, "remote": {"representsGitSVNBridge": true}})")
+                    ->remote->representsGitSVNBridge);
+}
+
+TEST(RequestJSON, DestinationAndRevisionsAreAnyScalar) {
+    const auto request = accepted(
+        R"({"type": 0, "destination": "topic", "startingRevision": true, "endingRevision": -7})");
+    EXPECT_EQ(request->destination, NEBValue("topic"));
+    EXPECT_EQ(request->startingRevision, NEBValue(true));
+    EXPECT_EQ(request->endingRevision, NEBValue(-7));
+}
+
+TEST(RequestJSON, TextKeepsEveryCharacter) {
+    const auto request =
+        accepted(R"({"type": 0, "destination": "a\u0000\n\"\\ü\ud83d\ude00 [x]"})");
+    EXPECT_EQ(request->destination,
+              NEBValue(std::string("a\0\n\"\\\xC3\xBC\xF0\x9F\x98\x80 [x]", 15)));
+}
+
+TEST(RequestJSON, TheLimitsOfAnIntegerAreIntegers) {
+    EXPECT_EQ(accepted(R"({"type": 0, "destination": 9223372036854775807})")->destination,
+              NEBValue(INT64_MAX));
+    EXPECT_EQ(accepted(R"({"type": 0, "destination": -9223372036854775808})")->destination,
+              NEBValue(INT64_MIN));
+}
+
+class NumberThatIsNoInteger : public testing::TestWithParam<std::string> {};
+
+TEST_P(NumberThatIsNoInteger, BecomesAnObjectDescribedAsItWasWritten) {
+    const auto request = accepted(R"({"type": 0, "destination": )" + GetParam() + "}");
+    ASSERT_NE(request->destination.object(), nullptr);
+    EXPECT_EQ(request->destination.descriptionForAssertionMessage(), GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(RequestJSON, NumberThatIsNoInteger,
+                         testing::Values("1.5", "15.0", "1e1", "1e300", "-0.50",
+                                         "9223372036854775808", "18446744073709551615",
+                                         "18446744073709551616", "-9223372036854775809"));
+
+TEST(RequestJSON, FilesAreAnyScalarsInTheirOrder) {
+    const auto request = accepted(R"({"type": 0, "files": ["/a", null, 3, false, 1.5, "/b"]})");
+    ASSERT_EQ(request->fileCount(), 6U);
+    EXPECT_EQ((*request->files)[0], NEBValue("/a"));
+    EXPECT_FALSE((*request->files)[1].isPresent());
+    EXPECT_EQ((*request->files)[2], NEBValue(3));
+    EXPECT_EQ((*request->files)[3], NEBValue(false));
+    EXPECT_NE((*request->files)[4].object(), nullptr);
+    EXPECT_EQ((*request->files)[5], NEBValue("/b"));
+}
+
+TEST(RequestJSON, NoFilesAndAnEmptyListDiffer) {
+    const auto request = accepted(R"({"type": 0, "files": []})");
+    EXPECT_TRUE(request->files.has_value());
+    EXPECT_EQ(request->fileCount(), 0U);
+}
+
+/// What an encoder writes for an empty table, in a language that has no other type.
+TEST(RequestJSON, AnEmptyArrayAndAnEmptyObjectStandForEachOther) {
+    const RequestReading reading = requestFromJSON(
+        R"({"type": 15, "sourceTree": [], "repositoryToAuthenticate": [], "files": {},
+            "remote": [], "options": []})");
+    ASSERT_NE(reading.request, nullptr) << reading.refusal;
+    const NEBSourceControlRequest& request = *reading.request;
+    EXPECT_TRUE(request.sourceTree && request.sourceTree->reachable);
+    EXPECT_TRUE(request.repositoryToAuthenticate && request.repositoryToAuthenticate->isValid);
+    ASSERT_TRUE(request.files.has_value());
+    EXPECT_TRUE(request.files->empty());
+    EXPECT_TRUE(request.remote && !request.remote->representsGitSVNBridge);
+    ASSERT_TRUE(request.options.has_value());
+    EXPECT_EQ(request.options->size(), 0U);
+}
+
+TEST(RequestJSON, OnlyEmptyOnesStandForEachOther) {
+    EXPECT_EQ(requestFromJSON(R"({"type": 15, "options": [1]})").refusal,
+              "The request's member \"options\" is an array; an object was expected.");
+    EXPECT_EQ(requestFromJSON(R"({"type": 15, "files": {"a": 1}})").refusal,
+              "The request's member \"files\" is an object; an array was expected.");
+    EXPECT_NE(requestFromJSON(R"({"type": 15, "destination": []})").refusal, "");
+}
+
+TEST(RequestJSON, EveryOptionKeyIsKnown) {
+    for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
+        const auto request =
+            accepted(R"({"type": 0, "options": {")" + std::string(key.text()) + R"(": 50}})");
+        EXPECT_EQ(request->option(key), NEBValue(50)) << key.text();
+    }
+}
+
+TEST(RequestJSON, AnOptionThatIsNullIsMissing) {
+    const auto request =
+        accepted(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": null}})");
+    ASSERT_TRUE(request->options.has_value());
+    EXPECT_TRUE(request->options->isEmpty());
+}
+
+}  // namespace
+}  // namespace neb::nebsc

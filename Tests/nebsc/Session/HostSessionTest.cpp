@@ -1,0 +1,201 @@
+// The host's way with a request, and what the commands make of a plug-in's answers.
+
+#include "Session/HostSession.h"
+
+#include <gmock/gmock.h>
+
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+
+namespace neb::nebsc {
+namespace {
+
+using testing::ElementsAre;
+
+/// Says which of its functions were called.
+class Operation : public NEBSourceControlOperation {
+public:
+    Operation(std::shared_ptr<NEBSourceControlRequest> request, std::vector<std::string>& calls)
+        : NEBSourceControlOperation(std::move(request)), _calls(calls) {}
+
+    [[nodiscard]] std::string className() const override { return "Operation"; }
+    void main() override {
+        _calls.emplace_back("main");
+        NEBSourceControlAssert({.function = "-[Operation main]", .file = "o", .line = 2}, false,
+                               "in main");
+        setResult(NEBSourceControlResult{});
+    }
+
+private:
+    std::vector<std::string>& _calls;
+};
+
+/// A plug-in that answers as it is told, and says what it was asked.
+struct Answers {
+    bool valid = true;
+    bool hasOperation = true;
+    std::vector<std::string> conditions;
+    std::vector<std::string> calls;
+};
+
+class Controller : public NEBSourceControlProtocol {
+public:
+    explicit Controller(Answers& answers) : _answers(answers) {}
+
+    [[nodiscard]] bool authenticationRequiredForRequest(
+        const NEBSourceControlRequest& /*request*/) const override {
+        _answers.calls.emplace_back("authenticationRequired");
+        return true;
+    }
+    [[nodiscard]] bool validateRequest(const NEBSourceControlRequest& /*request*/,
+                                       std::optional<NEBSourceControlError>* error) const override {
+        _answers.calls.emplace_back("validate");
+        if (!_answers.valid) {
+            *error = NEBSourceControlError::withDescription(-20, "Not now.");
+        }
+        return _answers.valid;
+    }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> operationForRequest(
+        const std::shared_ptr<NEBSourceControlRequest>& request) const override {
+        _answers.calls.emplace_back("operation");
+        for (const std::string& condition : _answers.conditions) {
+            NEBSourceControlAssert({.function = "f", .file = "c", .line = 1}, false, condition);
+        }
+        return _answers.hasOperation ? std::make_shared<Operation>(request, _answers.calls)
+                                     : nullptr;
+    }
+
+private:
+    Answers& _answers;
+};
+
+class HostSessionTest : public testing::Test {
+protected:
+    [[nodiscard]] Performance perform(bool runs = true) const {
+        return session.perform(request, runs ? HostSession::Runner([](auto& operation) {
+                                   EXPECT_NE(operation.commandLog(), nullptr);
+                                   operation.start();
+                               })
+                                             : HostSession::Runner());
+    }
+
+    [[nodiscard]] Reply replyOf(const Command& command, bool isJSON = false) const {
+        const Arguments arguments;
+        return command.run({session, command, arguments, isJSON});
+    }
+
+    mutable Answers answers;
+    HostSession session{std::make_unique<Controller>(answers)};
+    std::shared_ptr<NEBSourceControlRequest> request =
+        NEBSourceControlRequest::initWithType(33, nullptr, {}, {});
+};
+
+TEST_F(HostSessionTest, AsksInTheHostsOrder) {
+    const Performance performance = perform();
+    EXPECT_THAT(answers.calls,
+                ElementsAre("authenticationRequired", "validate", "operation", "main"));
+    ASSERT_TRUE(performance.outcome.has_value());
+    EXPECT_EQ(performance.outcome->type, 33);
+    EXPECT_TRUE(performance.outcome->authenticationRequired);
+    EXPECT_TRUE(performance.outcome->valid);
+    EXPECT_EQ(performance.outcome->operation, "Operation");
+    EXPECT_TRUE(performance.outcome->result.has_value());
+    EXPECT_FALSE(performance.outcome->error.has_value());
+    EXPECT_FALSE(performance.refusedValue.has_value());
+}
+
+TEST_F(HostSessionTest, ARefusedRequestGoesNoFurther) {
+    answers.valid = false;
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionBranch, "-x");
+    const Performance performance = perform();
+    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
+    ASSERT_TRUE(performance.outcome.has_value());
+    EXPECT_FALSE(performance.outcome->valid);
+    EXPECT_FALSE(performance.outcome->operation.has_value());
+    ASSERT_TRUE(performance.outcome->error.has_value());
+    EXPECT_EQ(performance.outcome->error->code, -20);
+    EXPECT_FALSE(performance.outcome->error->errorClass.has_value());
+}
+
+TEST_F(HostSessionTest, AnOptionLikeValueIsRefusedBeforeAnOperationIsMade) {
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionBranch, "-x");
+    const Performance performance = perform();
+    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
+    EXPECT_FALSE(performance.outcome.has_value());
+    ASSERT_TRUE(performance.refusedValue.has_value());
+    EXPECT_EQ(performance.refusedValue->field, "options.NEBSourceControlRequestOptionBranch");
+    EXPECT_EQ(performance.refusedValue->value, "-x");
+}
+
+TEST_F(HostSessionTest, WithoutARunnerTheOperationIsOnlyMade) {
+    const Performance performance = perform(false);
+    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate", "operation"));
+    EXPECT_EQ(performance.outcome->operation, "Operation");
+    EXPECT_FALSE(performance.outcome->result.has_value());
+}
+
+TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
+    answers.conditions = {"a", "b"};
+    const Performance performance = perform();
+    std::vector<std::string> conditions;
+    for (const LOMAssertionReport& report : performance.outcome->reports) {
+        conditions.push_back(report.condition);
+    }
+    EXPECT_THAT(conditions, ElementsAre("a", "b", "in main"));
+}
+
+TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
+    answers.hasOperation = false;
+    for (const bool isRun : {true, false}) {
+        const Performance performance = perform(isRun);
+        ASSERT_TRUE(performance.outcome.has_value());
+        EXPECT_FALSE(performance.outcome->operation.has_value());
+        ASSERT_TRUE(performance.outcome->error.has_value());
+        EXPECT_EQ(performance.outcome->error->errorClass, "request-invalid");
+    }
+}
+
+TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
+    answers.conditions = {"request.weather", "request.destination", "request.weather",
+                          "(request.destination) != nil"};
+    const Reply reply = replyOf(typesCommand, true);
+    EXPECT_THAT(reply.standardOutput,
+                testing::StartsWith(R"([{"type":0,"name":"add","operation":"Operation",)"
+                                    R"("authentication":true,)"
+                                    R"("needs":["request.weather","destination"]},)"));
+}
+
+TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
+    answers.hasOperation = false;
+    const Reply reply = replyOf(remoteCommand);
+    EXPECT_EQ(reply.standardOutput, "");
+    EXPECT_EQ(reply.standardError,
+              "nebsc: The plug-in has no operation for the request type 24 (list remotes).\n"
+              "Correct the request; \"nebsc types\" lists the types and what each needs.\n");
+    EXPECT_EQ(reply.exitStatus, exitFailed);
+}
+
+TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
+    answers.valid = false;
+    const Reply reply = replyOf(remoteCommand);
+    EXPECT_EQ(reply.standardOutput, "");
+    EXPECT_EQ(reply.standardError, "nebsc: Not now.\n");
+    EXPECT_EQ(reply.exitStatus, exitFailed);
+}
+
+TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
+    answers.conditions = {"request.weather"};
+    const Reply reply = replyOf(remoteCommand);
+    EXPECT_THAT(reply.standardError,
+                testing::StartsWith(
+                    "nebsc: The plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
+    EXPECT_EQ(reply.exitStatus, exitDone);
+    EXPECT_THAT(replyOf(remoteCommand, true).standardError,
+                testing::HasSubstr("The plug-in reports: Assertion failed: in main"));
+}
+
+}  // namespace
+}  // namespace neb::nebsc

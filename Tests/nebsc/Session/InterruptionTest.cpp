@@ -1,0 +1,211 @@
+// Signals: the running git is ended, nebsc waits for it, and nothing is left.
+
+#include "Session/Interruption.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <future>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "Support/TestRepository.h"
+#include "nebsc/NebscRun.h"
+
+namespace neb::test {
+namespace {
+
+using nebsc::Interruption;
+using testing::HasSubstr;
+
+constexpr std::chrono::seconds longEnough(60);
+
+/// The text that somebody else writes into the file, waited for; empty when nobody does.
+std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
+    const auto deadline = std::chrono::steady_clock::now() + longEnough;
+    while (std::chrono::steady_clock::now() < deadline) {
+        std::string text = folder.read(name);
+        if (text.ends_with('\n')) {
+            return text;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return {};
+}
+
+/// Whether the process runs; one that is dead and not yet reaped does not.
+bool runs(int pid) {
+    std::ifstream stream("/proc/" + std::to_string(pid) + "/stat");
+    std::string text;
+    std::getline(stream, text);
+    const std::size_t place = text.rfind(") ");
+    return place != std::string::npos && text[place + 2] != 'Z' && text[place + 2] != 'X';
+}
+
+struct SignalRow {
+    int signalNumber;
+    int exitStatus;
+    const char* line;
+};
+
+class InterruptedBy : public testing::TestWithParam<SignalRow> {
+protected:
+    /// A git that tells the numbers of its process and of a child of its own, and then works for
+    /// long.
+    [[nodiscard]] std::string slowScript() const {
+        return "sleep 3600 &\necho $$ $! > '" + folder.path("started") + "'\nwait";
+    }
+    /// Waits until git works, sends the signal, and expects what must follow.
+    NebscOutcome interrupt(Nebsc& program) const {
+        std::istringstream numbers(awaitedLine(folder, "started"));
+        int git = 0;
+        int child = 0;
+        numbers >> git >> child;
+        EXPECT_TRUE(child > 0 && runs(git) && runs(child));
+        program.send(GetParam().signalNumber);
+        NebscOutcome outcome = program.outcome();
+        EXPECT_FALSE(runs(git) || runs(child));
+        expectTold(outcome);
+        return outcome;
+    }
+    static void expectTold(const NebscOutcome& outcome) {
+        EXPECT_EQ(outcome.errors, GetParam().line);
+        EXPECT_EQ(outcome.exitStatus, GetParam().exitStatus);
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_P(InterruptedBy, AStatusLeavesNothingBehind) {
+    const StandInGit git(folder.path(), slowScript());
+    Nebsc program({"status"}, {.folder = folder.path(), .variables = {git.path()}});
+    EXPECT_EQ(interrupt(program).output, "");
+}
+
+TEST_P(InterruptedBy, ARequestSaysThatItWasCancelled) {
+    const StandInGit git(folder.path(), slowScript());
+    Nebsc program({"request"}, {.folder = folder.path(),
+                                .input = R"({"type": 15, "sourceTree": {"location": "/"}})",
+                                .variables = {git.path()}});
+    const auto json = interrupt(program).json();
+    EXPECT_EQ(json["error"]["class"], "cancelled");
+    EXPECT_EQ(json["commands"].size(), 1U);
+}
+
+TEST_P(InterruptedBy, TheLookForTheTopIsEndedToo) {
+    const TemporaryFolder bin;
+    bin.writeProgram("git", "#!/bin/sh\n" + slowScript());
+    Nebsc program({"status"}, {.folder = folder.path(),
+                               .variables = {{"PATH", bin.path() + ":/usr/bin:/bin"}}});
+    EXPECT_EQ(interrupt(program).output, "");
+}
+
+TEST_P(InterruptedBy, TheQuestionForTheVersionIsEndedToo) {
+    const StandInGit git(folder.path(), slowScript());
+    Nebsc program({"--version"}, {.variables = {git.path()}});
+    EXPECT_EQ(interrupt(program).output, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Interruption, InterruptedBy,
+                         testing::Values(SignalRow{SIGINT, 130, "nebsc: Stopped by SIGINT.\n"},
+                                         SignalRow{SIGTERM, 143, "nebsc: Stopped by SIGTERM.\n"},
+                                         SignalRow{SIGHUP, 129, "nebsc: Stopped by SIGHUP.\n"}),
+                         [](const auto& row) { return std::to_string(row.param.signalNumber); });
+
+TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {
+    const TemporaryFolder folder;
+    const StandInGit git(folder.path(), "echo $$ > '" + folder.path("started") +
+                                            "'\nwhile ! [ -e '" + folder.path("go on") +
+                                            "' ]; do sleep 0.01; done");
+    Nebsc program({"status"},
+                  {.folder = folder.path(), .variables = {git.path()}, .ignoredSignals = {SIGHUP}});
+    EXPECT_NE(awaitedLine(folder, "started"), "");
+    program.send(SIGHUP);
+    folder.write("go on", "");
+    const NebscOutcome outcome = program.outcome();
+    EXPECT_THAT(outcome.output, HasSubstr("Nothing to report"));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+// ---- within this process ----------------------------------------------------------------------
+
+/// With the default dispositions, whatever this process was started with.
+class InterruptionHere : public testing::Test {
+protected:
+    void SetUp() override {
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            former[i] = ::signal(signals[i], SIG_DFL);
+        }
+    }
+    void TearDown() override {
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            static_cast<void>(::signal(signals[i], former[i]));
+        }
+    }
+
+    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
+    std::array<void (*)(int), 3> former{};
+};
+
+TEST_F(InterruptionHere, WithoutASignalNothingIsCancelled) {
+    Interruption interruption;
+    bool isCancelled = false;
+    {
+        const Interruption::Work work(interruption, [&isCancelled] { isCancelled = true; });
+    }
+    EXPECT_FALSE(isCancelled);
+    EXPECT_EQ(interruption.signalNumber(), std::nullopt);
+}
+
+TEST_F(InterruptionHere, ASignalCancelsTheWorkOnAnotherThread) {
+    Interruption interruption;
+    std::promise<std::thread::id> cancelled;
+    const Interruption::Work work(
+        interruption, [&cancelled] { cancelled.set_value(std::this_thread::get_id()); });
+    ASSERT_EQ(::kill(::getpid(), SIGTERM), 0);
+    auto canceller = cancelled.get_future();
+    ASSERT_EQ(canceller.wait_for(longEnough), std::future_status::ready);
+    EXPECT_NE(canceller.get(), std::this_thread::get_id());
+    EXPECT_EQ(interruption.signalNumber(), SIGTERM);
+}
+
+TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledAtOnce) {
+    Interruption interruption;
+    std::promise<void> cancelled;
+    {
+        const Interruption::Work first(interruption, [&cancelled] { cancelled.set_value(); });
+        ASSERT_EQ(::kill(::getpid(), SIGINT), 0);
+        ASSERT_EQ(cancelled.get_future().wait_for(longEnough), std::future_status::ready);
+    }
+    bool isCancelled = false;
+    const Interruption::Work second(interruption, [&isCancelled] { isCancelled = true; });
+    EXPECT_TRUE(isCancelled);
+}
+
+TEST_F(InterruptionHere, BlocksTheSignalsAsLongAsItLives) {
+    static_cast<void>(::signal(SIGHUP, SIG_IGN));
+    const auto blocked = [] {
+        sigset_t mask;
+        ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        std::vector<int> numbers;
+        for (const int signalNumber : {SIGHUP, SIGINT, SIGTERM, SIGUSR1}) {
+            if (::sigismember(&mask, signalNumber) == 1) {
+                numbers.push_back(signalNumber);
+            }
+        }
+        return numbers;
+    };
+    {
+        const Interruption interruption;
+        EXPECT_THAT(blocked(), testing::ElementsAre(SIGINT, SIGTERM));
+    }
+    EXPECT_THAT(blocked(), testing::IsEmpty());
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,0 +1,255 @@
+// A request from its JSON form: every refusal.
+
+#include <gmock/gmock.h>
+
+#include "JSON/RequestJSON.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb::nebsc {
+namespace {
+
+using testing::HasSubstr;
+
+std::string refusalOf(std::string_view json) {
+    const RequestReading reading = requestFromJSON(json);
+    EXPECT_EQ(reading.request, nullptr) << json;
+    return reading.refusal;
+}
+
+struct RefusalRow {
+    const char* json;
+    const char* refusal;
+};
+
+class RefusedRequest : public testing::TestWithParam<RefusalRow> {};
+
+TEST_P(RefusedRequest, IsToldByMemberAndExpectation) {
+    EXPECT_EQ(refusalOf(GetParam().json), GetParam().refusal);
+}
+
+constexpr const char* expectedType = "; an integer from -2147483648 to 2147483647 was expected.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Whole, RefusedRequest,
+    testing::Values(RefusalRow{"", "The request is empty; a JSON object was expected."},
+                    RefusalRow{" \n\t", "The request is empty; a JSON object was expected."},
+                    RefusalRow{"null", "The request is null; an object was expected."},
+                    RefusalRow{"true", "The request is a boolean; an object was expected."},
+                    RefusalRow{"15", "The request is an integer; an object was expected."},
+                    RefusalRow{"\"15\"", "The request is a string; an object was expected."},
+                    RefusalRow{"[]", "The request is an array; an object was expected."},
+                    RefusalRow{
+                        "{}", "The request's member \"type\" is missing; an integer was expected."},
+                    RefusalRow{"1e999", "The request is a number too large to be read."}));
+
+TEST(RequestJSON, ShowsNoPasswordOfAURL) {
+    const std::string password(400, 's');
+    const std::string url = "http://ann:" + password + "@host";
+    EXPECT_EQ(refusalOf(R"({"type": 29, "destination": ")" + url + "\"}"),
+              "The request's member \"destination\" is \"http://ann:<redacted>@host\"; for a clone "
+              "an absolute path was expected, from \"/\" on.");
+    const RequestReading reading =
+        requestFromJSON(R"({"type": 29, "sourceTree": {"location": ")" + url + "\"}}");
+    ASSERT_NE(reading.request, nullptr) << reading.refusal;
+    EXPECT_EQ(reading.request->sourceTree->location, url);
+    EXPECT_EQ(reading.request->sourceTree->name, "ann:<redacted>@host");
+}
+
+TEST(RequestJSON, NamesWhyTheTypeIsNone) {
+    const std::string start = "The request's member \"type\" is ";
+    EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": "15"})"), start + "a string" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": true})"), start + "a boolean" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": [15]})"), start + "an array" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": {}})"), start + "an object" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": 2147483648})"), start + "2147483648" + expectedType);
+    EXPECT_EQ(refusalOf(R"({"type": -2147483649})"), start + "-2147483649" + expectedType);
+    for (const char* number : {"15.0", "1e1", "18446744073709551615", "99999999999999999999"}) {
+        EXPECT_EQ(refusalOf(std::string(R"({"type": )") + number + "}"),
+                  start + "a number that is no 64-bit integer" + expectedType);
+    }
+    EXPECT_EQ(refusalOf(R"({"type": 1e999})"), start + "a number too large to be read.");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, RefusedRequest,
+    testing::Values(
+        RefusalRow{R"({"type": 0, "sourceTree": "/w"})",
+                   "The request's member \"sourceTree\" is a string; an object was expected."},
+        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": [1]})",
+                   "The request's member \"repositoryToAuthenticate\" is an array; an object was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"location": 1}})",
+                   "The request's member \"sourceTree.location\" is an integer; a string was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"name": false}})",
+                   "The request's member \"sourceTree.name\" is a boolean; a string was "
+                   "expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"class": 1.5}})",
+                   "The request's member \"sourceTree.class\" is a number that is no 64-bit "
+                   "integer; a string was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"reachable": 1}})",
+                   "The request's member \"sourceTree.reachable\" is an integer; true or false "
+                   "was expected."},
+        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": {"isValid": "yes"}})",
+                   "The request's member \"repositoryToAuthenticate.isValid\" is a string; true "
+                   "or false was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": 0}})",
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is an "
+                   "integer; true or false was expected."},
+        RefusalRow{R"({"type": 0, "remote": true})",
+                   "The request's member \"remote\" is a boolean; an object was expected."},
+        RefusalRow{R"({"type": 0, "remote": {"representsGitSVNBridge": 1}})",
+                   "The request's member \"remote.representsGitSVNBridge\" is an integer; true or "
+                   "false was expected."},
+        RefusalRow{R"({"type": 0, "destination": []})",
+                   "The request's member \"destination\" is an array; a string, a number or a "
+                   "boolean was expected."},
+        RefusalRow{R"({"type": 0, "startingRevision": {}})",
+                   "The request's member \"startingRevision\" is an object; a string, a number or "
+                   "a boolean was expected."},
+        RefusalRow{R"({"type": 0, "endingRevision": [[1]]})",
+                   "The request's member \"endingRevision\" is an array; a string, a number or a "
+                   "boolean was expected."},
+        RefusalRow{R"({"type": 0, "files": "/a"})",
+                   "The request's member \"files\" is a string; an array was expected."},
+        RefusalRow{R"({"type": 0, "files": ["/a", "/b", ["/c"]]})",
+                   "The request's member \"files[2]\" is an array; a string, a number or a boolean "
+                   "was expected."},
+        RefusalRow{R"({"type": 0, "options": [1]})",
+                   "The request's member \"options\" is an array; an object was expected."},
+        RefusalRow{R"({"type": 0, "options": {"NEBSourceControlRequestOptionBranch": {}}})",
+                   "The request's member \"options.NEBSourceControlRequestOptionBranch\" is an "
+                   "object; a string, a number or a boolean was expected."}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, RefusedRequest,
+    testing::Values(
+        RefusalRow{R"({"type": 0, "sourceTree": {"class": "NEBSourceControlTree"}})",
+                   "The request's member \"sourceTree.class\" is \"NEBSourceControlTree\"; "
+                   "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": true}})",
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is true for "
+                   "a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be one, "
+                   "so false was expected."},
+        RefusalRow{R"({"type": 15, "destination": "a", "type": 15})",
+                   "The request's member \"type\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "sourceTree": {"name": "a", "name": "a"}})",
+                   "The request's member \"sourceTree.name\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "files": [1, {"a": 1, "a": 2}]})",
+                   "The request's member \"files[1].a\" is there twice; once was expected."},
+        RefusalRow{R"({"type": 0, "files": ["/a", 1e999]})",
+                   "The request's member \"files[1]\" is a number too large to be read."}));
+
+TEST(RequestJSON, NamesTheUnknownMember) {
+    EXPECT_EQ(refusalOf(R"({"type": 0, "Destination": "topic"})"),
+              "The request's member \"Destination\" is not known; known are type, sourceTree, "
+              "repositoryToAuthenticate, destination, files, startingRevision, endingRevision, "
+              "remote, options.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "sourceTree": {"path": "/w"}})"),
+              "The request's member \"sourceTree.path\" is not known; known are class, location, "
+              "name, reachable, isValid, isRemoteDistributedRepository.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "remote": {"name": "origin"}})"),
+              "The request's member \"remote.name\" is not known; known are "
+              "representsGitSVNBridge.");
+}
+
+TEST(RequestJSON, NamesTheUnknownOptionAndEveryKnownOne) {
+    const std::string refusal = refusalOf(R"({"type": 0, "options": {"branch": "topic"}})");
+    EXPECT_THAT(refusal,
+                testing::StartsWith("The request's member \"options.branch\" is not known"));
+    for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
+        EXPECT_THAT(refusal, HasSubstr(key.text()));
+    }
+}
+
+class NoJSON : public testing::TestWithParam<std::string> {};
+
+TEST_P(NoJSON, IsToldByItsPlace) {
+    EXPECT_THAT(refusalOf(GetParam()),
+                testing::MatchesRegex("The request is no JSON: line 1, column [0-9]+: .*"));
+}
+
+INSTANTIATE_TEST_SUITE_P(RequestJSON, NoJSON,
+                         testing::Values("{", "{\"type\": 15", "{\"type\" 15}", "{type: 15}",
+                                         "{\"type\": 15,}", "{\"type\": 15} x", "{\"type\": 15}{}",
+                                         "{\"type\": 015}", "{\"type\": +1}", "{\"type\": NaN}",
+                                         "{'type': 15}", "// a\n{\"type\": 15}",
+                                         "{\"type\": 15, \"destination\": \"\xff\"}",
+                                         "{\"type\": 15, \"destination\": \"\xc3\"}",
+                                         "{\"\xff\": 15}",
+                                         "{\"type\": 15, \"destination\": \"\\ud800\"}",
+                                         "{\"type\": 15, \"destination\": \"a\tb\"}"));
+
+TEST(RequestJSON, SaysOnWhichLineTheMistakeIs) {
+    EXPECT_THAT(refusalOf("{\n  \"type\": 15,\n}"), HasSubstr("line 3, column 1"));
+}
+
+TEST(RequestJSON, AnEndlessNestingIsRefused) {
+    const std::string deep(1000000, '[');
+    EXPECT_EQ(refusalOf(deep), "The request is nested more than 32 levels deep.");
+    EXPECT_EQ(refusalOf(R"({"type": 0, "destination": )" + deep + "}"),
+              "The request is nested more than 32 levels deep.");
+}
+
+TEST(RequestJSON, HasALimitOfValuesAndOfBytes) {
+    std::string files = "[0";
+    for (std::size_t i = 0; i < nebsc::mostJSONValues; ++i) {
+        files += ",0";
+    }
+    EXPECT_EQ(refusalOf(R"({"type": 0, "files": )" + files + "]}"),
+              "The request has more than 250000 values.");
+    EXPECT_EQ(refusalOf(std::string(nebsc::longestJSONText, ' ') + "{}"),
+              "The request has more than 67108864 bytes.");
+}
+
+TEST(RequestJSON, ALongMistakeMakesAShortSentence) {
+    const std::string text = "{\"type\": \"" + std::string(1000000, 'x') + "\xff\"}";
+    EXPECT_LT(refusalOf(text).size(), 400U);
+}
+
+TEST(RequestJSON, NothingIsReadBehindANULByte) {
+    EXPECT_EQ(refusalOf(std::string("{\"type\": 1}\0{\"type\": 9,,,", 23)),
+              "The request is no JSON: byte 12 is NUL.");
+    EXPECT_EQ(refusalOf(std::string("{\"type\": 1\0}", 12)),
+              "The request is no JSON: byte 11 is NUL.");
+}
+
+TEST(RequestJSON, ARelativeLocationIsRefused) {
+    const auto with = [](const std::string& location) {
+        return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
+    };
+    for (const char* location : {"", ".", "relative", "../r"}) {
+        EXPECT_EQ(refusalOf(with(location)),
+                  std::string("The request's member \"sourceTree.location\" is \"") + location +
+                      "\"; an absolute path or a URL was expected.");
+    }
+}
+
+TEST(RequestJSON, AnEmptyNameIsAName) {
+    EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
+                testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
+}
+
+TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
+    EXPECT_THAT(
+        refusalOf(R"({"type": 1, "sourceTree": {"loc\nation": "/w"}})"),
+        testing::StartsWith(
+            R"(The request's member "sourceTree.loc\nation" is not known; known are class)"));
+    EXPECT_EQ(refusalOf(R"({"type": 1, "sourceTree": {"class": "a\n\u001b[31mb\u202e"}})"),
+              R"(The request's member "sourceTree.class" is "a\n\x1b[31mb\u202e"; )"
+              "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected.");
+    EXPECT_THAT(refusalOf(R"({"type": 1, "files": [{"\r": 1, "\r": 2}]})"),
+                testing::HasSubstr(R"("files[0].\r" is there twice)"));
+}
+
+TEST(RequestJSON, WhatSomebodyElseWroteIsShownInPart) {
+    const std::string large(3000000, 'x');
+    EXPECT_LT(refusalOf("{\"type\": 1, \"" + large + "\": 1}").size(), 1000U);
+    EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"class": ")" + large + "\"}}").size(), 1000U);
+    EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"location": ")" + large + "\"}}").size(),
+              1000U);
+}
+
+}  // namespace
+}  // namespace neb::nebsc

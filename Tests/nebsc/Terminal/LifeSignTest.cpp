@@ -1,0 +1,100 @@
+// The sign that long work goes on.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include "Support/TestRepository.h"
+#include "Terminal/LifeSign.h"
+#include "nebsc/NebscRun.h"
+
+namespace neb::test {
+namespace {
+
+/// A git that works until somebody says "go on".
+class LifeSignTest : public testing::Test {
+protected:
+    TemporaryFolder folder;
+    StandInGit git{folder.path(),
+                   "while ! [ -e '" + folder.path("go on") + "' ]; do sleep 0.01; done"};
+};
+
+TEST_F(LifeSignTest, ATerminalShowsTheSecondsAndIsWiped) {
+    Nebsc program(
+        {"status"},
+        {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("1 s"), "\rLooking … 1 s");
+    EXPECT_EQ(program.awaitErrors("2 s"), "\rLooking … 2 s");
+    folder.write("go on", "");
+    const NebscOutcome outcome = program.outcome();
+    // A slow machine may show further seconds; the last word wipes the line.
+    EXPECT_THAT(outcome.errors, testing::EndsWith("\r             \r"));
+    EXPECT_THAT(outcome.output, testing::StartsWith("Nothing to report"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(LifeSignTest, WhatHasComeIsCounted) {
+    const StandInGit writing(folder.path(), "printf '?? a.c\\0'; while ! [ -e '" +
+                                                folder.path("go on") + "' ]; do sleep 0.01; done");
+    Nebsc program(
+        {"status"},
+        {.folder = folder.path(), .variables = {writing.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("bytes"), "\rLooking … 1 s, 7 bytes");
+    folder.write("go on", "");
+    const NebscOutcome outcome = program.outcome();
+    EXPECT_THAT(outcome.errors, testing::EndsWith("\r                      \r"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(LifeSignTest, AClonesPackIsCounted) {
+    const std::string pack = folder.path("clone/.git/objects/pack");
+    const StandInGit git2(folder.path(), "mkdir -p '" + pack + "'; printf 0123456789 > '" + pack +
+                                             "/tmp_pack_x'; while ! [ -e '" + folder.path("go on") +
+                                             "' ]; do sleep 0.01; done");
+    Nebsc program(
+        {"clone", "/nowhere", "clone"},
+        {.folder = folder.path(), .variables = {git2.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("bytes"), "\rCloning … 1 s, 10 bytes");
+    folder.write("go on", "");
+    EXPECT_EQ(program.outcome().exitStatus, 0);
+}
+
+TEST_F(LifeSignTest, QuestionsBeforeTheRequestCountToo) {
+    const StandInGit slow(folder.path(), "[ \"$2\" = status ] && sleep 1.5; true");
+    Nebsc program(
+        {"rm", "a.c"},
+        {.folder = folder.path(), .variables = {slow.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("1 s"), "\rRemoving … 1 s");
+    EXPECT_EQ(program.outcome().exitStatus, 0);
+}
+
+TEST(LifeSignSize, IsToldInAUnitThatFits) {
+    EXPECT_EQ(nebsc::textOfSize(1), "1 byte");
+    EXPECT_EQ(nebsc::textOfSize(999), "999 bytes");
+    EXPECT_EQ(nebsc::textOfSize(1000), "1.0 kB");
+    EXPECT_EQ(nebsc::textOfSize(999'999), "999.9 kB");
+    EXPECT_EQ(nebsc::textOfSize(1'234'567), "1.2 MB");
+    EXPECT_EQ(nebsc::textOfSize(5'000'000'000'000), "5000.0 GB");
+}
+
+TEST_F(LifeSignTest, TheLineIsWipedBeforeAnErrorIsTold) {
+    Nebsc program(
+        {"status"},
+        {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
+    EXPECT_EQ(program.awaitErrors("1 s"), "\rLooking … 1 s");
+    program.send(SIGINT);
+    const NebscOutcome outcome = program.outcome();
+    EXPECT_THAT(outcome.errors,
+                testing::EndsWith("\r             \rnebsc: Stopped by SIGINT.\r\n"));
+    EXPECT_EQ(outcome.exitStatus, 130);
+}
+
+TEST_F(LifeSignTest, WhatIsNoTerminalGetsNothing) {
+    const StandInGit slow(folder.path(), "sleep 1.2");
+    const NebscOutcome outcome =
+        runNebsc({"status"}, {.folder = folder.path(), .variables = {slow.path()}});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+}  // namespace
+}  // namespace neb::test

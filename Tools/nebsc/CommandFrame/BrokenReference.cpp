@@ -1,0 +1,183 @@
+#include "CommandFrame/BrokenReference.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "Platform/PathString.h"
+#include "Session/GitProgram.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view symbolicPrefix = "ref:";
+
+/// The reference's part of a revision: "main" of "main~3", HEAD of "@{1}".
+std::string referencePartOf(const std::string& revision) {
+    std::string name = revision.substr(0, std::min(revision.find_first_of("~^:"), revision.size()));
+    name.resize(std::min(name.find("@{"), name.size()));
+    return name.empty() || name == "@" ? "HEAD" : name;
+}
+
+/// In the folder of the repository itself git takes such names alone for references.
+bool isPseudoReference(const std::string& name) {
+    return std::all_of(name.begin(), name.end(), [](char character) {
+        return (character >= 'A' && character <= 'Z') || character == '_';
+    });
+}
+
+std::vector<std::string> candidatesFor(const std::string& name) {
+    if (name == "HEAD") {
+        return {name};
+    }
+    std::vector<std::string> candidates;
+    if (name.starts_with("refs/") || isPseudoReference(name)) {
+        candidates.push_back(name);
+    }
+    for (const char* prefix : {"refs/", "refs/tags/", "refs/heads/", "refs/remotes/"}) {
+        candidates.push_back(prefix + name);
+    }
+    candidates.push_back("refs/remotes/" + name + "/HEAD");
+    return candidates;
+}
+
+/// The first bytes of the file, without the white space at both ends; nothing without a file.
+std::optional<std::string> contentOf(const std::string& path) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored)) {
+        return std::nullopt;
+    }
+    std::array<char, 4096> bytes{};
+    std::ifstream file(path, std::ios::binary);
+    file.read(bytes.data(), bytes.size());
+    const std::string_view content(bytes.data(), static_cast<std::size_t>(file.gcount()));
+    constexpr std::string_view space = " \t\r\n";
+    const std::size_t start = std::min(content.find_first_not_of(space), content.size());
+    return std::string(content.substr(start, content.find_last_not_of(space) + 1 - start));
+}
+
+class Search {
+public:
+    Search(const std::string& folder, const AskGit& ask) : _folder(folder), _ask(ask) {}
+
+    [[nodiscard]] bool isReferenceName(const std::string& name) {
+        return _ask({"check-ref-format", "--allow-onelevel", name}).status.isSuccess();
+    }
+
+    /// The first name that stands for something decides.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorForFirst(
+        const std::vector<std::string>& names) {
+        for (const std::string& name : names) {
+            if (const auto object = answerOf(_ask({"rev-parse", "--verify", "--quiet", name}))) {
+                return _ask({"cat-file", "-e", *object}).status.isSuccess()
+                           ? std::nullopt
+                           : std::optional(errorOfLostObject(targetOf(name), *object));
+            }
+            if (auto error = errorOfFile(name)) {
+                return error;
+            }
+        }
+        return std::nullopt;
+    }
+
+private:
+    /// The branch that HEAD stands for.
+    [[nodiscard]] std::string targetOf(const std::string& name) {
+        return answerOf(_ask({"rev-parse", "--symbolic-full-name", name})).value_or(name);
+    }
+
+    [[nodiscard]] std::string pathOf(const std::string& name) {
+        const std::string path = answerOf(_ask({"rev-parse", "--git-path", name})).value_or("");
+        return path.starts_with('/') ? path : pathByAppendingComponent(_folder, path);
+    }
+
+    /// Follows symbolic references. One that ends where no file is stands for a branch without a
+    /// commit.
+    [[nodiscard]] std::optional<NEBSourceControlError> errorOfFile(std::string name) {
+        constexpr int mostSteps = 5;  // git's own limit
+        for (int step = 0; step < mostSteps; ++step) {
+            const auto content = contentOf(pathOf(name));
+            if (!content) {
+                return std::nullopt;
+            }
+            if (!content->starts_with(symbolicPrefix)) {
+                return errorOfContent(name, content->empty()
+                                                ? "its file is empty"
+                                                : "its file does not hold the name of a commit");
+            }
+            const std::size_t start = content->find_first_not_of(" \t", symbolicPrefix.size());
+            const std::string target = content->substr(std::min(start, content->size()));
+            if (!isReferenceName(target)) {  // it may lead out of the repository
+                return errorOfContent(name, "its file names no valid reference");
+            }
+            name = target;
+        }
+        return errorOfContent(name, "it stands for itself");
+    }
+
+    [[nodiscard]] NEBSourceControlError errorOfContent(const std::string& name,
+                                                       const std::string& reason) {
+        const std::string log = pathOf("logs/" + name);
+        std::error_code ignored;
+        const std::string source = fs::is_regular_file(log, ignored)
+                                       ? "the last commit in " + inQuotes(log)
+                                       : std::string("the name of its commit");
+        return errorAbout(name, reason, NEBSourceControlReferenceBrokenErrorClass,
+                          "Write " + source + " into the file " + inQuotes(pathOf(name)) +
+                              ", or remove that file and fetch the branch again.");
+    }
+
+    [[nodiscard]] static NEBSourceControlError errorOfLostObject(const std::string& name,
+                                                                 const std::string& object) {
+        return errorAbout(
+            name,
+            "it names " + object.substr(0, 12) + ", which is not in the repository or is damaged",
+            NEBSourceControlObjectsDamagedErrorClass,
+            "Fetch that commit again, or set the reference to a commit that exists: "
+            "\"git update-ref " +
+                shellQuoted(name) + " COMMIT\".");
+    }
+
+    [[nodiscard]] static NEBSourceControlError errorAbout(const std::string& name,
+                                                          const std::string& reason,
+                                                          NEBConstant errorClass,
+                                                          const std::string& suggestion) {
+        auto error = NEBSourceControlError::withDescription(
+            NEBSourceControlGenericError,
+            "The reference " + inQuotes(name) + " is broken: " + reason + ".");
+        error.errorClass = errorClass.text();
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, suggestion);
+        return error;
+    }
+
+    const std::string& _folder;
+    const AskGit& _ask;
+};
+
+}  // namespace
+
+std::optional<NEBSourceControlError> brokenReferenceIn(const std::string& revision,
+                                                       const std::string& folder,
+                                                       const AskGit& ask) {
+    if (const std::size_t dots = revision.find(".."); dots != std::string::npos) {
+        const std::size_t end = revision.find_first_not_of('.', dots);
+        auto error = brokenReferenceIn(revision.substr(0, dots), folder, ask);
+        return error ? error
+                     : brokenReferenceIn(revision.substr(std::min(end, revision.size())), folder,
+                                         ask);
+    }
+    const std::string reference = referencePartOf(revision);
+    Search search(folder, ask);
+    return search.isReferenceName(reference) ? search.errorForFirst(candidatesFor(reference))
+                                             : std::nullopt;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,170 @@
+#include "CommandFrame/MergingTask.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "Doctor/GitVersion.h"
+#include "Session/GitProgram.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// A setting that holds a program which a merge would run, and what stands in for it: a driver that
+/// settles everything, as the user's has done its work in the merge itself, and no filter.
+struct ProgramSetting {
+    std::string_view section, end, replacement;
+};
+
+constexpr ProgramSetting programSettings[] = {
+    {"merge.", ".driver", "true"}, {"filter.", ".clean", ""},         {"filter.", ".smudge", ""},
+    {"filter.", ".process", ""},   {"filter.", ".required", "false"},
+};
+
+constexpr const char* programSettingsPattern =
+    "^(merge\\..*\\.driver|filter\\..*\\.(clean|smudge|process|required))$";
+
+/// The side that an unfinished merge takes in, see gitrevisions(7).
+constexpr const char* mergeHead = "MERGE_HEAD";
+
+SettledConflicts unknownConflicts(std::string reason) {
+    return {.files = std::nullopt, .failure = std::move(reason)};
+}
+
+std::string shortened(const std::string& commit) {
+    constexpr std::size_t length = 12;
+    return commit.substr(0, length);
+}
+
+}  // namespace
+
+// ---- before the merge -------------------------------------------------------------------------
+
+std::optional<std::string> MergingTask::commitId(const std::string& revision) {
+    return answerOf(askForCommit(revision));
+}
+
+void MergingTask::setSides(const std::string& kept, const std::string& leftOut) {
+    auto keptCommit = commitId(kept);
+    auto leftOutCommit = keptCommit ? commitId(leftOut) : std::nullopt;
+    if (leftOutCommit) {
+        _sides = Sides{std::move(*keptCommit), std::move(*leftOutCommit)};
+        _wasMerging = commitId(mergeHead).has_value();
+    }
+}
+
+// ---- after it ---------------------------------------------------------------------------------
+
+void MergingTask::complete(Outcome& outcome) {
+    if (_sides) {
+        outcome.settledConflicts = findSettledConflicts();
+    }
+    if (outcome.error && outcome.settledConflicts) {
+        removeUnsettled(*outcome.settledConflicts);
+    }
+}
+
+bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) {
+    return error.errorClass == "conflict" ||
+           (_sides && !_wasMerging && commitId(mergeHead) == _sides->leftOut);
+}
+
+void MergingTask::removeUnsettled(SettledConflicts& conflicts) {
+    if (!conflicts.files) {
+        return;
+    }
+    const ChildOutcome index = ask({"ls-files", "--stage", "-z"});
+    if (!index.status.isSuccess()) {
+        conflicts = unknownConflicts(reasonOf(index));
+        return;
+    }
+    // git-ls-files(1): mode, object, stage (0: in one version), TAB, name.
+    std::set<std::string> settled;
+    for (const std::string& entry : textsBetweenNULs(index.output)) {
+        const std::size_t tab = entry.find('\t');
+        if (tab != std::string::npos && entry.substr(0, tab).ends_with(" 0")) {
+            settled.insert(entry.substr(tab + 1));
+        }
+    }
+    std::erase_if(*conflicts.files,
+                  [&](const std::string& file) { return !settled.contains(file); });
+}
+
+bool MergingTask::isOneSideContained() {
+    const auto base = answer({"merge-base", _sides->kept, _sides->leftOut});
+    return base && (*base == _sides->kept || *base == _sides->leftOut);
+}
+
+std::optional<std::vector<std::string>> MergingTask::optionsAgainstPrograms() {
+    std::vector<std::string> options;
+    const ChildOutcome settings =
+        ask({"config", "--null", "--name-only", "--get-regexp", programSettingsPattern});
+    for (const std::string& name : textsBetweenNULs(settings.output)) {
+        const auto* setting = std::find_if(
+            std::begin(programSettings), std::end(programSettings), [&](const auto& candidate) {
+                return name.starts_with(candidate.section) && name.ends_with(candidate.end);
+            });
+        if (setting == std::end(programSettings) || name.find('=') != std::string::npos) {
+            return std::nullopt;
+        }
+        options.insert(options.end(), {"-c", name + "=" + std::string(setting->replacement)});
+    }
+    return options;
+}
+
+SettledConflicts MergingTask::findSettledConflicts() {
+    constexpr int hasConflicts = 1;
+    if (isOneSideContained()) {
+        return {.files = std::vector<std::string>{}, .failure = {}};
+    }
+    const auto version = gitVersionIn(answer({"version"}).value_or(""));
+    if (!version || !canMergeInMemory(*version)) {
+        return unknownConflicts("that takes git " + oldestGitThatMergesInMemory().text() +
+                                " or newer");
+    }
+    auto arguments = optionsAgainstPrograms();
+    if (!arguments) {
+        return unknownConflicts("the name of a merge driver or filter holds a \"=\"");
+    }
+    // git-merge-tree(1), OUTPUT: the tree, then the names, each with a NUL.
+    arguments->insert(arguments->end(), {"merge-tree", "--write-tree", "--name-only",
+                                         "--no-messages", "-z", _sides->kept, _sides->leftOut});
+    const ChildOutcome merge = ask(std::move(*arguments));
+    if (!merge.status.isSuccess() && merge.status.exitStatus() != hasConflicts) {
+        return unknownConflicts(reasonOf(merge));
+    }
+    std::vector<std::string> files = textsBetweenNULs(merge.output);
+    if (files.empty()) {
+        return unknownConflicts("git printed nothing");
+    }
+    files.erase(files.begin());
+    return {.files = std::move(files), .failure = {}};
+}
+
+void MergingTask::noteSettledConflicts(const Outcome& outcome, Reply& reply) const {
+    const auto& conflicts = outcome.settledConflicts;
+    if (!conflicts || (conflicts->files && conflicts->files->empty())) {
+        return;
+    }
+    const SideNames names = sideNames();
+    const std::string kept(names.kept);
+    const std::string leftOut(names.leftOut);
+    if (conflicts->files) {
+        reply.standardError += complaint("Both sides changed the same lines or binary files; " +
+                                         kept + " were kept and " + leftOut + " left out in:");
+        for (const std::string& file : *conflicts->files) {
+            reply.standardError += "    " + shown(file) + "\n";
+        }
+    } else {
+        reply.standardError += complaint(
+            "Where both sides changed the same lines, " + kept + " were kept and " + leftOut +
+            " left out. In which files is not known: " + conflicts->failure + ".");
+    }
+    reply.standardError +=
+        inQuotes("git diff " + shortened(_sides->kept) + "..." + shortened(_sides->leftOut)) +
+        " shows all changes of the side whose lines were left out.\n";
+}
+
+}  // namespace neb::nebsc

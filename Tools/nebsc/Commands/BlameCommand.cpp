@@ -1,0 +1,224 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "CommandFrame/HistoryTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Text.h"
+#include "Terminal/LocalTime.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A line's columns for a person.
+struct BlamedLine {
+    std::string revision;
+    std::string author;
+    std::string date;
+    std::string number;
+};
+
+/// What git calls the revision of a line that is not committed.
+bool isNotCommitted(std::string_view revision) {
+    return !revision.empty() && revision.find_first_not_of('0') == std::string_view::npos;
+}
+
+BlamedLine lineOf(const NEBDictionary& record) {
+    const auto text = [&record](NEBConstant key) {
+        return printable(record.value(key).string().value_or(""));
+    };
+    BlamedLine line{.revision = text(NEBSourceControlOperationRevisionKey),
+                    .author = text(NEBSourceControlOperationAuthorKey),
+                    .date = {},
+                    .number = text(NEBSourceControlOperationLineNumberKey)};
+    if (isNotCommitted(line.revision)) {
+        line.revision.assign(line.revision.size(), '-');
+        line.author = "Not committed yet";
+    } else if (const auto date = record.value(NEBSourceControlOperationDateKey).date()) {
+        line.date = localMinute(*date);
+    }
+    return line;
+}
+
+std::size_t widest(const std::vector<BlamedLine>& lines, std::string BlamedLine::*column) {
+    std::size_t columns = 0;
+    for (const BlamedLine& line : lines) {
+        columns = std::max(columns, columnsOf(line.*column));
+    }
+    return columns;
+}
+
+std::vector<std::string> linesOf(std::string_view content) {
+    std::vector<std::string> lines;
+    if (!content.empty()) {
+        content.remove_suffix(content.ends_with('\n') ? 1 : 0);
+        forEachPiece(content, '\n',
+                     [&lines](std::string_view line) { lines.push_back(printableLine(line)); });
+    }
+    return lines;
+}
+
+/// Of a link its target, as git keeps it.
+std::string contentOnDisk(const std::string& path) {
+    std::error_code failure;
+    if (fs::is_symlink(fs::symlink_status(path, failure))) {
+        return fs::read_symlink(path, failure).string();
+    }
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// A line on a terminal that knows its size is no longer than that; elsewhere it is as it is.
+std::string fittingContent(const std::string& content, std::size_t columnsBefore) {
+    if (!columnsOfTerminal(STDOUT_FILENO)) {
+        return content;
+    }
+    constexpr std::size_t tabStop = 8;
+    std::string line;
+    forEachPiece(content, '\t', [&](std::string_view piece) {
+        const bool isFirst = piece.data() == content.data();
+        line.append(isFirst ? 0 : tabStop - columnsOf(line) % tabStop, ' ').append(piece);
+    });
+    if (line.ends_with('\r')) {
+        line.pop_back();
+    }
+    return fitting(STDOUT_FILENO, columnsBefore, line);
+}
+
+class BlameTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+
+private:
+    [[nodiscard]] std::vector<std::string> contents();
+
+    std::string _file;
+    std::optional<std::string> _revision;
+};
+
+/// The last word is the file, whatever it looks like.
+std::optional<Reply> BlameTask::look() {
+    std::vector<std::string> words = arguments().all("REVISION");
+    const std::vector<std::string>& others = arguments().all("FILE");
+    words.insert(words.end(), others.begin(), others.end());
+    if (words.empty()) {
+        return refusal("FILE is required (see nebsc blame --help).", exitNotUnderstood);
+    }
+    if (std::any_of(words.begin(), words.end(), [](const auto& word) { return word.empty(); })) {
+        return refusal("A word is empty; a revision or the path of a file was expected.",
+                       exitNotUnderstood);
+    }
+    const PathSearch search = findFile(words.back());
+    if (!search.path) {
+        return refusal(search.failure, exitFailed, "path-invalid");
+    }
+    _file = *search.path;
+    if (words.size() > 1) {
+        _revision = words.front();
+    }
+    if (isJSON()) {
+        return std::nullopt;
+    }
+    return _revision ? refusalOfRevision(*_revision) : refusalWithoutCommits();
+}
+
+std::shared_ptr<NEBSourceControlRequest> BlameTask::request() {
+    auto request = requestAbout(NEBSourceControlRequestBlame, {_file});
+    if (_revision) {
+        request->startingRevision = *_revision;
+    }
+    return request;
+}
+
+std::vector<std::string> BlameTask::contents() {
+    if (!_revision && place().isWorkingCopy) {
+        return linesOf(contentOnDisk(_file));
+    }
+    if (_file.starts_with('/') && !liesWithin(_file, place().location)) {
+        return {};
+    }
+    return linesOf(ask({"cat-file", "blob", objectAt(_revision.value_or("HEAD"), _file)}).output);
+}
+
+std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
+    if (isJSON()) {
+        return {};
+    }
+    std::vector<BlamedLine> lines;
+    for (const NEBDictionary& record : records) {
+        if (!record.isEmpty()) {
+            lines.push_back(lineOf(record));
+        }
+    }
+    // A filter, or somebody who writes just now, may make another number of lines: it is then not
+    // certain which is which.
+    const std::vector<std::string> content = contents();
+    const bool hasContent = content.size() == lines.size();
+    const bool isColoured = isInColour();
+    const std::size_t authorColumns = widest(lines, &BlamedLine::author);
+    const std::size_t dateColumns = widest(lines, &BlamedLine::date);
+    const std::size_t numberColumns = widest(lines, &BlamedLine::number);
+    std::string all;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const BlamedLine& line = lines[i];
+        const bool isLastColumn = !hasContent || content[i].empty();
+        const std::size_t columnsBefore =
+            columnsOf(line.revision) + authorColumns + dateColumns + numberColumns + 8;
+        all.append(isColoured ? coloured(line.revision, Colour::yellow) : line.revision)
+            .append("  ")
+            .append(paddedTo(authorColumns, line.author))
+            .append("  ")
+            .append(paddedTo(dateColumns, line.date))
+            .append("  ")
+            .append(numberColumns - columnsOf(line.number), ' ')
+            .append(line.number)
+            .append(isLastColumn ? "" : "  " + fittingContent(content[i], columnsBefore))
+            .append("\n");
+    }
+    return all;
+}
+
+constexpr Parameter parameters[] = {
+    {"REVISION",
+     "The revision at which to look; unless given, the working copy, or HEAD of a bare repository",
+     Takes::revisionOrPath},
+    {"FILE", "The file", Takes::pathAsWritten},
+};
+
+Reply run(const CommandCall& call) {
+    return BlameTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command blameCommand{
+    .name = "blame",
+    .group = lookGroup,
+    .summary = "Show who changed each line of a file last, and when",
+    .details =
+        "A single word is the file. Each line shows the revision, the author, the local date,\n"
+        "the line's number and its text; one that is not committed yet has no revision.\n\n"
+        "Examples:\n"
+        "  nebsc blame src/main.c         as it is on disk\n"
+        "  nebsc blame v1.0 src/main.c    as it was in a version\n",
+    .parameters = parameters,
+    .activity = "Looking",
+    .isPaged = true,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,288 @@
+// The commands about the branches of a repository, but for those that track others.
+
+#include <unistd.h>
+
+#include "CommandFrame/BranchTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view nameWord = "NAME";
+
+// ---- list -------------------------------------------------------------------------------------
+
+class ListTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return exchangeRequest(NEBSourceControlRequestListBranches, Peer::remote);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+/// The request does not tell which branch is the current one.
+void ListTask::conclude(const Outcome& outcome, Reply& reply) {
+    const auto current = currentBranch();
+    bool isCurrentListed = false;
+    for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
+        const std::string whole = branchNameOf(record);
+        if (whole.empty()) {
+            continue;
+        }
+        const bool isCurrent = current && printable(*current) == whole;
+        const std::string name = fitting(STDOUT_FILENO, 2, whole);
+        isCurrentListed = isCurrentListed || isCurrent;
+        const bool isColoured = isCurrent && isInColour();
+        reply.standardOutput +=
+            (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
+    }
+    if (!isCurrentListed) {
+        reply.standardOutput += printable(whereInsteadOfBranch()) + "\n";
+    }
+}
+
+Reply list(const CommandCall& call) {
+    return ListTask(call).run();
+}
+
+constinit const Command listCommand{
+    .name = "list",
+    .group = innerGroup,
+    .summary = "Show the branches, the current one marked",
+    .details =
+        "Example:\n"
+        "  nebsc branch list\n",
+    .activity = "Looking",
+    .run = list,
+};
+
+// ---- current ----------------------------------------------------------------------------------
+
+class CurrentTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return requestOfType(NEBSourceControlRequestCurrentBranch);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+/// A branch without a commit is in no listing. What is said instead of a name is no answer that a
+/// script could take for one.
+void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
+    const bool hasRecord = outcome.result && !outcome.result->empty();
+    std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
+    if (const auto branch = name.empty() ? currentBranch() : std::nullopt) {
+        name = printable(*branch);
+    }
+    if (const auto broken = name.empty() ? brokenReference("HEAD") : std::nullopt) {
+        addFailure(reply, failureWith(*broken));
+        return;
+    }
+    if (name.empty()) {
+        addFailure(reply, refusal(whereInsteadOfBranch(), exitFailed));
+        return;
+    }
+    reply.standardOutput = name + "\n";
+}
+
+Reply current(const CommandCall& call) {
+    return CurrentTask(call).run();
+}
+
+constinit const Command currentCommand{
+    .name = "current",
+    .group = innerGroup,
+    .summary = "Show the name of the current branch",
+    .details =
+        "The exit status is 1 when there is none, as with a tag checked out.\n\n"
+        "Example:\n"
+        "  nebsc branch current\n",
+    .activity = "Looking",
+    .run = current,
+};
+
+// ---- create -----------------------------------------------------------------------------------
+
+class CreateTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+/// The error of the request may speak of a file; a person is told what there is not. "A...B", the
+/// common ancestor, is for git alone to judge.
+std::optional<Reply> CreateTask::look() {
+    const auto start = arguments().value("START");
+    if (isJSON()) {
+        return std::nullopt;
+    }
+    if (!start) {
+        if (!isWithoutCommits()) {
+            return std::nullopt;
+        }
+        const auto broken = brokenReference("HEAD");
+        return broken ? failureWith(*broken)
+                      : refusal("There is no commit yet at which a branch could start.", exitFailed,
+                                NEBSourceControlNoCommitsYetErrorClass.text());
+    }
+    const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
+    return !isForGit && askForCommit(*start).status.exitStatus() == 1
+               ? std::optional(refusalOfUnknownRevision(*start))
+               : std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestCreateBranch);
+    request->destination = word(nameWord);
+    if (const auto start = arguments().value("START")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionSourceLocation, *start);
+    }
+    return request;
+}
+
+void CreateTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const auto tracking = trackingOf(word(nameWord));
+    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                           (tracking ? ", which tracks " + shown(*tracking) : "") + ".\n";
+}
+
+constexpr Parameter createParameters[] = {
+    {nameWord, "The new branch", Takes::text, Occurs::once},
+    {"START", "Where it starts: a branch, a tag or any other revision; unless given, here",
+     Takes::revision},
+};
+
+Reply create(const CommandCall& call) {
+    return CreateTask(call).run();
+}
+
+constinit const Command createCommand{
+    .name = "create",
+    .group = innerGroup,
+    .summary = "Make a branch",
+    .details =
+        "The working copy stays on its branch; \"nebsc checkout\" switches.\n\n"
+        "Examples:\n"
+        "  nebsc branch create topic         from the latest commit\n"
+        "  nebsc branch create fix v1.0      from what a tag stands for\n",
+    .parameters = createParameters,
+    .activity = "Making the branch",
+    .run = create,
+};
+
+// ---- delete -----------------------------------------------------------------------------------
+
+class DeleteTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
+
+private:
+    static constexpr std::string_view localBranches = "refs/heads/";
+
+    std::string _name;
+    std::optional<std::string> _commit;
+};
+
+/// With its commit, a branch that was deleted by mistake can be made again. "@{-1}" stands for the
+/// name of a branch.
+std::optional<Reply> DeleteTask::look() {
+    _name = word(nameWord);
+    if (_name.starts_with("@{")) {
+        const std::string whole =
+            answer({"rev-parse", "--symbolic-full-name", "--verify", "--quiet", _name})
+                .value_or("");
+        _name = whole.starts_with(localBranches) ? whole.substr(localBranches.size()) : _name;
+    }
+    _commit = answer({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
+                      std::string(localBranches) + _name});
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> DeleteTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestDeleteBranch);
+    request->destination = _name;
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionForce, arguments().has("--force"));
+    return request;
+}
+
+void DeleteTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput = "Deleted the branch " + printable(inQuotes(_name)) +
+                           (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
+}
+
+std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
+    return error.errorClass == "branch-not-merged"
+               ? "\"nebsc branch delete --force\" deletes it all the same.\n"
+               : "";
+}
+
+constexpr Parameter deleteParameters[] = {
+    {nameWord, "The branch", Takes::branch, Occurs::once},
+    {"--force", "Delete it even if it is not merged"},
+};
+
+Reply deleteBranch(const CommandCall& call) {
+    return DeleteTask(call).run();
+}
+
+constinit const Command deleteCommand{
+    .name = "delete",
+    .group = innerGroup,
+    .summary = "Delete a branch",
+    .details =
+        "A branch with commits that neither its upstream nor the current branch has stays,\n"
+        "unless --force says that they may go.\n\n"
+        "Examples:\n"
+        "  nebsc branch delete topic            delete a branch that is merged\n"
+        "  nebsc branch delete --force topic    the same, merged or not\n",
+    .parameters = deleteParameters,
+    .activity = "Deleting the branch",
+    .run = deleteBranch,
+};
+
+constexpr const Command* branchCommands[] = {
+    &listCommand,   &currentCommand,     &createCommand,
+    &deleteCommand, &branchTrackCommand, &branchTrackingCommand,
+};
+
+}  // namespace
+
+constinit const Command branchCommand{
+    .name = "branch",
+    .group = branchesGroup,
+    .summary = "List, make and delete branches, and let them track others",
+    .details =
+        "Examples:\n"
+        "  nebsc branch                             the branches, the current one marked\n"
+        "  nebsc branch create topic                make one\n"
+        "  nebsc branch track topic origin/topic    make one that tracks another\n"
+        "  nebsc branch create --help               more on one of its commands\n",
+    .activity = "Looking",
+    .commands = branchCommands,
+    .run = list,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <array>
+
+#include "CommandFrame/CommandTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// What git says of every switch, and the reply says more shortly.
+constexpr std::array<std::string_view, 6> usualNotices{
+    "Switched to branch '", "Switched to a new branch '",
+    "Already on '",         "Previous HEAD position was ",
+    "HEAD is now at ",      "Reset branch '"};
+// The advice that comes with a switch to no branch, from its first line to its last.
+constexpr std::string_view adviceStart = "Note: switching to '";
+constexpr std::string_view adviceEnd = "Turn off this advice";
+
+bool isUsual(std::string_view line) {
+    return std::any_of(usualNotices.begin(), usualNotices.end(),
+                       [line](std::string_view start) { return line.starts_with(start); });
+}
+
+/// The lines of git's notice that a person does not know yet: what a hook says, which commits are
+/// left behind.
+std::string unusualLines(std::string_view notice) {
+    std::string lines;
+    bool isAdvice = false;
+    while (!notice.empty()) {
+        const std::string_view line = notice.substr(0, notice.find('\n'));
+        notice.remove_prefix(std::min(line.size() + 1, notice.size()));
+        isAdvice = isAdvice || line.starts_with(adviceStart);
+        if (!isAdvice && !isUsual(line) && !(line.empty() && lines.empty())) {
+            lines += printable(line) + "\n";
+        }
+        isAdvice = isAdvice && !line.starts_with(adviceEnd);
+    }
+    return lines.substr(0, lines.find_last_not_of('\n') + 1) + (lines.empty() ? "" : "\n");
+}
+
+class CheckoutTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] std::string branch() const { return arguments().value("BRANCH").value_or(""); }
+    [[nodiscard]] bool isBranchOfRemote();
+    [[nodiscard]] bool isTracked();
+    [[nodiscard]] std::string whereNow();
+};
+
+bool CheckoutTask::isBranchOfRemote() {
+    const std::string names =
+        "\n" +
+        answer({"for-each-ref", "--format=%(refname:lstrip=3)", "refs/remotes"}).value_or("") +
+        "\n";
+    return names.find("\n" + branch() + "\n") != std::string::npos;
+}
+
+bool CheckoutTask::isTracked() {
+    return answer({"ls-files", "-z", "--", branch()}).has_value();
+}
+
+/// git takes a destination that is no revision, but the name of a file, for the wish to have that
+/// file back as it was, and throws its changes away.
+std::optional<Reply> CheckoutTask::look() {
+    if (!place().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
+        askForCommit(branch()).status.isSuccess()) {
+        return std::nullopt;
+    }
+    if (const auto broken = brokenReference(branch())) {
+        return failureWith(*broken);
+    }
+    const bool isOnDisk = isAnythingAt(pathByAppendingComponent(place().location, branch()));
+    const std::string name = inQuotes(branch());
+    if (isBranchOfRemote()) {
+        return isOnDisk ? std::optional(refusal(
+                              name + " is a file or folder here, and a branch in another "
+                                     "repository alone; which one is meant is not certain, so "
+                                     "nothing was done.",
+                              exitFailed, "revision-ambiguous"))
+                        : std::nullopt;
+    }
+    const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
+    if (isOnDisk || isTracked() || (asTyped.path && isAnythingAt(*asTyped.path))) {
+        return refusal(name +
+                           " is no branch or revision but a file or folder; \"nebsc revert\" "
+                           "throws away its changes.",
+                       exitFailed, NEBSourceControlRevisionUnknownErrorClass.text());
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> CheckoutTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestCheckout);
+    request->destination = branch();
+    return request;
+}
+
+std::string CheckoutTask::whereNow() {
+    if (const auto name = answer({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
+        return "Now on " + printable(*name) + ".\n";
+    }
+    const auto commit = latestCommit();
+    return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "";
+}
+
+void CheckoutTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (outcome.result && !outcome.result->empty()) {
+        const NEBValue notice = outcome.result->front().value(NEBSourceControlOperationContentKey);
+        reply.standardError = unusualLines(notice.string().value_or(""));
+    }
+    reply.standardOutput = whereNow();
+    noteConflicts(reply, "Local changes are in conflict with what was checked out, in:", {});
+}
+
+constexpr Parameter parameters[] = {
+    {"BRANCH", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
+};
+
+Reply run(const CommandCall& call) {
+    return CheckoutTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command checkoutCommand{
+    .name = "checkout",
+    .group = branchesGroup,
+    .summary = "Switch the working copy to a branch or revision",
+    .details =
+        "Local changes are carried over. Where they do not fit, the files are left in\n"
+        "conflict and named.\n\n"
+        "Examples:\n"
+        "  nebsc checkout topic    switch to a branch\n"
+        "  nebsc checkout v1.0     look at what a tag stands for, on no branch\n",
+    .parameters = parameters,
+    .activity = "Checking out",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

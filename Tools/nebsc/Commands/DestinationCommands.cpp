@@ -1,0 +1,213 @@
+// The commands that put something in a new place of the working copy.
+
+#include <filesystem>
+#include <system_error>
+
+#include "CommandFrame/CommandTask.h"
+#include "Commands/Commands.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view file = "FILE";
+constexpr std::string_view destination = "DEST";
+
+bool isFolder(const std::string& path) {
+    std::error_code ignored;
+    return fs::is_directory(fs::status(path, ignored));
+}
+
+class DestinationTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    /// What was typed as the destination.
+    [[nodiscard]] std::string word(std::string_view parameter) const {
+        return arguments().value(parameter).value_or("");
+    }
+    /// "a/" means a folder, where "a" may be a name to come.
+    [[nodiscard]] std::optional<Reply> refusalOfMissingFolder() const {
+        if (word(destination).ends_with('/') && !isFolder(paths(destination).front())) {
+            return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed,
+                           "destination-missing");
+        }
+        return std::nullopt;
+    }
+    /// What is made in the file system and then staged must be new, and in the working copy.
+    [[nodiscard]] std::optional<Reply> refusalOfPlace(const std::string& path) {
+        if (auto refused = refusalWithoutWorkingCopy()) {
+            return refused;
+        }
+        if (!liesWithin(path, place().location)) {
+            return refusal(inQuotes(path) + " lies outside the working copy " +
+                               inQuotes(place().location) + "; nothing was done.",
+                           exitFailed, "path-outside");
+        }
+        if (isAnythingAt(path)) {
+            return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
+                               " already; nothing was done.",
+                           exitFailed, "destination-exists");
+        }
+        return std::nullopt;
+    }
+};
+
+// ---- mv ---------------------------------------------------------------------------------------
+
+class MoveTask : public DestinationTask {
+public:
+    using DestinationTask::DestinationTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        auto request = requestAbout(NEBSourceControlRequestMove, paths(file));
+        request->destination = paths(destination).front();
+        return request;
+    }
+};
+
+std::optional<Reply> MoveTask::look() {
+    const std::string& source = paths(file).front();
+    if (place().isWorkingCopy && !isAnythingAt(source) &&
+        !answer({"ls-files", "-z", "--", source})) {
+        return refusal("There is no file or folder " + inQuotes(word(file)) + ".", exitFailed,
+                       "path-unknown");
+    }
+    return refusalOfMissingFolder();
+}
+
+constexpr Parameter moveParameters[] = {
+    {file, "A tracked file or folder", Takes::path, Occurs::once},
+    {destination, "Its new name, or a folder into which it goes", Takes::path, Occurs::once},
+};
+
+Reply move(const CommandCall& call) {
+    return MoveTask(call).run();
+}
+
+// ---- cp ---------------------------------------------------------------------------------------
+
+class CopyTask : public DestinationTask {
+public:
+    using DestinationTask::DestinationTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Silence silence() const override { return Silence::irrelevant; }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    std::string _copy;
+};
+
+std::optional<Reply> CopyTask::look() {
+    if (auto refused = refusalOfMissingFolder()) {
+        return refused;
+    }
+    _copy = paths(destination).front();
+    if (isFolder(_copy)) {
+        std::error_code ignored;
+        _copy = fs::canonical(_copy, ignored) / fs::path(paths(file).front()).filename();
+    }
+    return refusalOfPlace(_copy);
+}
+
+std::shared_ptr<NEBSourceControlRequest> CopyTask::request() {
+    auto request = requestAbout(NEBSourceControlRequestCopy, paths(file));
+    request->destination = _copy;
+    return request;
+}
+
+/// The request stages beside the copying, and so perhaps too early; what a person asks for is sure.
+void CopyTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const Performance staging = perform(requestAbout(NEBSourceControlRequestAddFiles, {_copy}));
+    if (noteFailure(reply, *staging.outcome, Silence::failure)) {
+        reply.standardError += "The copy was made all the same; it is not staged.\n";
+    }
+}
+
+constexpr Parameter copyParameters[] = {
+    {file, "A file, or a folder with all that is in it", Takes::path, Occurs::once},
+    {destination, "The copy's name, or a folder into which it goes under the same name",
+     Takes::path, Occurs::once},
+};
+
+Reply copy(const CommandCall& call) {
+    return CopyTask(call).run();
+}
+
+// ---- mkdir ------------------------------------------------------------------------------------
+
+class MakeDirectoryTask : public DestinationTask {
+public:
+    using DestinationTask::DestinationTask;
+
+protected:
+    std::optional<Reply> look() override { return refusalOfPlace(paths("DIR").front()); }
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        auto request = requestOfType(NEBSourceControlRequestMakeDirectory);
+        request->destination = paths("DIR").front();
+        return request;
+    }
+    /// A new folder is empty: there is nothing that could have been staged.
+    Silence silence() const override { return Silence::irrelevant; }
+};
+
+constexpr Parameter makeDirectoryParameters[] = {
+    {"DIR", "The new folder; those on the way to it are made too", Takes::folder, Occurs::once},
+};
+
+Reply makeDirectory(const CommandCall& call) {
+    return MakeDirectoryTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command moveCommand{
+    .name = "mv",
+    .group = changeGroup,
+    .summary = "Rename or move a file or folder",
+    .details =
+        "Examples:\n"
+        "  nebsc mv notes.txt read.txt    rename\n"
+        "  nebsc mv read.txt doc          move into the folder doc\n",
+    .parameters = moveParameters,
+    .activity = "Moving",
+    .run = move,
+};
+
+constinit const Command copyCommand{
+    .name = "cp",
+    .group = changeGroup,
+    .summary = "Copy a file or folder and stage the copy",
+    .details =
+        "Nothing is ever overwritten.\n\n"
+        "Examples:\n"
+        "  nebsc cp main.c second.c    copy a file\n"
+        "  nebsc cp src attic          copy the folder src, into attic if that is there\n",
+    .parameters = copyParameters,
+    .activity = "Copying",
+    .run = copy,
+};
+
+constinit const Command makeDirectoryCommand{
+    .name = "mkdir",
+    .group = changeGroup,
+    .summary = "Make a folder",
+    .details =
+        "git keeps no empty folder: a commit has the folder once a file in it is added.\n\n"
+        "Example:\n"
+        "  nebsc mkdir doc/images    make the folder, and doc too if that is missing\n",
+    .parameters = makeDirectoryParameters,
+    .activity = "Making the folder",
+    .run = makeDirectory,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,229 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/NameStatusQuery.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/StatusWords.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Colours a patch line by line, the way of git.
+class PatchColours {
+public:
+    [[nodiscard]] std::string line(const std::string& line) {
+        if (line.starts_with("diff ")) {
+            _isHeader = true;
+        } else if (line.starts_with("@@")) {
+            _isHeader = false;
+            const std::size_t end = line.find(" @@");
+            const std::size_t behind =
+                end == std::string::npos ? end : line.find_first_not_of('@', end + 1);
+            const std::size_t length = std::min(behind, line.size());
+            return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
+        }
+        return coloured(line, colourOf(line));
+    }
+
+private:
+    /// In a header, "---" and "+++" are no lines that went and came.
+    [[nodiscard]] Colour colourOf(std::string_view line) const {
+        if (_isHeader) {
+            return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
+        }
+        return line.starts_with('+')   ? Colour::green
+               : line.starts_with('-') ? Colour::red
+                                       : Colour::none;
+    }
+
+    bool _isHeader = false;
+};
+
+/// A patch that goes elsewhere than to a terminal keeps its bytes, for a program to apply.
+std::string shownPatch(std::string_view patch, bool isColoured) {
+    const bool isForTerminal = ::isatty(STDOUT_FILENO) == 1;
+    if (!isForTerminal && !isColoured) {
+        return std::string(patch);
+    }
+    std::string lines;
+    PatchColours colours;
+    if (patch.ends_with('\n')) {
+        patch.remove_suffix(1);
+    }
+    forEachPiece(patch, '\n', [&](std::string_view piece) {
+        const std::string line = isForTerminal ? printableLine(piece) : std::string(piece);
+        lines.append(isColoured ? colours.line(line) : line).append("\n");
+    });
+    return lines;
+}
+
+class DiffTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] bool isFromCommonAncestor() const {
+        return arguments().has("--common-ancestor") || _words.dots == "...";
+    }
+    void restoreBytes(const Outcome& outcome, Reply& reply);
+    void noteFilesNotCompared(Reply& reply);
+    [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
+
+    Words _words;
+    /// Of --name-status.
+    std::vector<NameStatusEntry> _entries;
+};
+
+std::optional<Reply> DiffTask::look() {
+    _words = readWords(2, std::numeric_limits<std::size_t>::max());
+    if (_words.refused) {
+        return _words.refused;
+    }
+    if (arguments().has("--common-ancestor") && _words.revisions.size() < 2) {
+        return refusal("--common-ancestor needs two revisions.", exitNotUnderstood);
+    }
+    if (_words.revisions.empty()) {
+        if (const std::string head = unmistakable("HEAD"); head != "HEAD") {
+            _words.revisions.push_back(head);
+        }
+        return refusalWithoutCommits();
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
+    auto request = requestAboutWords(NEBSourceControlRequestDiff, _words);
+    NEBDictionary options;
+    if (arguments().has("--name-status")) {
+        options.set(NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true);
+    }
+    if (isFromCommonAncestor()) {
+        options.set(NEBSourceControlRequestOptionDiffFromCommonAncestor, true);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
+/// A program gets the request's outcome, a person names as they are.
+Performance DiffTask::carryOut() {
+    if (isJSON() || !arguments().has("--name-status")) {
+        return perform(request());
+    }
+    NameStatusQuery query(request(), isFromCommonAncestor() ? "..." : "..");
+    Performance performance = perform(query);
+    _entries = query.entries();
+    return performance;
+}
+
+std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
+    return statusColumn(statusOfLetter(entry.letter), isInColour()) +
+           (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
+}
+
+std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
+    const bool isColoured = isInColour();
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        if (const auto patch = record.value(NEBSourceControlOperationContentKey).string()) {
+            lines += shownPatch(*patch, isColoured);
+        }
+    }
+    for (const NameStatusEntry& entry : _entries) {
+        lines += lineOf(entry);
+    }
+    return lines;
+}
+
+/// A result is text; a patch of files in another encoding than UTF-8 is had from git once more, as
+/// it is, for a program to apply.
+void DiffTask::restoreBytes(const Outcome& outcome, Reply& reply) {
+    constexpr std::string_view replacement = "\uFFFD";
+    if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
+        arguments().has("--name-status") ||
+        reply.standardOutput.find(replacement) == std::string::npos) {
+        return;
+    }
+    const ChildOutcome patch = ask(outcome.command->arguments);
+    if (patch.status.isSuccess()) {
+        reply.standardOutput = std::string(patch.output);
+    } else {
+        addFailure(reply, failureOf(patch));
+    }
+}
+
+/// git ignores an unknown file and prints no message.
+void DiffTask::noteFilesNotCompared(Reply& reply) {
+    if (isJSON() || _words.revisions.size() > 1) {
+        return;
+    }
+    const std::string revision = _words.revisions.empty() ? "HEAD" : _words.revisions.front();
+    for (const std::string& file : _words.files) {
+        if (answer({"ls-files", "-z", "--", file}) || typeOfEntry(revision, file) != "") {
+            continue;
+        }
+        const std::string name = inQuotes(shown(file));
+        reply.standardError +=
+            isAnythingAt(file)
+                ? name + " is not tracked, so it is not compared; \"nebsc add\" tracks it.\n"
+                : "There is no file or folder " + name + ", neither on disk nor in " +
+                      printable(inQuotes(revision)) + ".\n";
+    }
+}
+
+void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
+    restoreBytes(outcome, reply);
+    noteFilesNotCompared(reply);
+}
+
+constexpr Parameter parameters[] = {
+    {"REVISION", "The one side, HEAD unless given; or both as A..B or A...B",
+     Takes::revisionOrPath},
+    {"FILE", "The other side, if it is a revision; files or folders to which to keep",
+     Takes::revisionOrPath, Occurs::anyNumber},
+    {"--name-status", "Only the files' names, and what happened to them"},
+    {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
+};
+
+Reply run(const CommandCall& call) {
+    return DiffTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command diffCommand{
+    .name = "diff",
+    .group = lookGroup,
+    .summary = "Show what differs between revisions, or from the working copy",
+    .details =
+        "Without a revision: all that is not committed, staged or not. With one: from it to\n"
+        "the working copy. With two: from the first to the second. A word is a revision, or\n"
+        "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
+        "A file that is not tracked is not compared.\n"
+        "On a terminal, control characters are written out, but for TABs and line ends; a\n"
+        "program gets the patch as git made it.\n\n"
+        "Examples:\n"
+        "  nebsc diff                            what is not committed\n"
+        "  nebsc diff --name-status main topic   which files two branches have differently\n"
+        "  nebsc diff HEAD~3 -- src              what src has become since\n",
+    .parameters = parameters,
+    .activity = "Comparing",
+    .isPaged = true,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

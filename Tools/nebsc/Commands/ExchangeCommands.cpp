@@ -1,0 +1,273 @@
+// The commands that bring commits here from another repository, and take them there.
+
+#include <map>
+
+#include "CommandFrame/BranchTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view remoteWord = "REMOTE";
+constexpr std::string_view subversionFlag = "--svn";
+
+/// What both commands say of their words.
+class ExchangeTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
+    /// The reply where the words are too few or too many, as told by `expected`, or where there is
+    /// no Subversion repository to talk to.
+    [[nodiscard]] std::optional<Reply> refusalOfWords(bool areComplete, bool areNone,
+                                                      std::string_view expected) {
+        if (isSubversion() ? !areNone : !areComplete) {
+            return refusal(expected, exitNotUnderstood);
+        }
+        return isSubversion() ? refusalWithoutSubversion() : std::nullopt;
+    }
+};
+
+// ---- fetch ------------------------------------------------------------------------------------
+
+class FetchTask : public ExchangeTask {
+public:
+    using ExchangeTask::ExchangeTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    /// The commits of all that a fetch brings up to date, by "origin/main" or "tag v1.0".
+    using References = std::map<std::string, std::string>;
+
+    [[nodiscard]] References references();
+
+    std::string _remote;
+    References _before;
+};
+
+/// Without those that only stand for others, such as "origin/HEAD".
+FetchTask::References FetchTask::references() {
+    References references;
+    for (const std::string& line :
+         answerLines({"for-each-ref",
+                      "--format=%(if)%(symref)%(then)%(else)%(objectname) "
+                      "%(if:equals=refs/tags)%(refname:rstrip=-2)%(then)tag "
+                      "%(end)%(refname:lstrip=2)%(end)",
+                      "refs/remotes", "refs/tags"})) {
+        const std::size_t blank = line.find(' ');
+        if (blank != std::string::npos) {
+            references[line.substr(blank + 1)] = line.substr(0, blank);
+        }
+    }
+    return references;
+}
+
+std::optional<Reply> FetchTask::look() {
+    const bool hasRemote = arguments().has(remoteWord);
+    if (auto refused =
+            refusalOfWords(hasRemote, !hasRemote,
+                           "Either a remote or --svn was expected (see nebsc fetch --help).")) {
+        return refused;
+    }
+    _remote = isSubversion() ? "Subversion" : remoteOrLocation(word(remoteWord));
+    _before = references();
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> FetchTask::request() {
+    return isSubversion() ? exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion)
+                          : fetchRequest(_remote);
+}
+
+/// The outcome does not say what came.
+void FetchTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const References after = references();
+    const std::string from =
+        "Fetched from " + printable(isSubversion() ? _remote : inQuotes(_remote));
+    std::string lines;
+    for (const auto& [name, commit] : after) {
+        const auto before = _before.find(name);
+        if (before == _before.end()) {
+            lines += "    new      " + printable(name) + "\n";
+        } else if (before->second != commit) {
+            lines += "    changed  " + printable(name) + "\n";
+        }
+    }
+    for (const auto& [name, commit] : _before) {
+        lines += after.contains(name) ? "" : "    gone     " + printable(name) + "\n";
+    }
+    if (!lines.empty()) {
+        reply.standardOutput = from + ":\n" + lines;
+    } else if (isSubversion() || isRemote(_remote)) {
+        reply.standardOutput = from + "; there is nothing new.\n";
+    } else {
+        reply.standardOutput = from + "; its latest commit is FETCH_HEAD here.\n";
+    }
+}
+
+constexpr Parameter fetchParameters[] = {
+    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
+    {subversionFlag, "Fetch from the Subversion repository behind this one"},
+};
+
+Reply fetch(const CommandCall& call) {
+    return FetchTask(call).run();
+}
+
+// ---- push -------------------------------------------------------------------------------------
+
+class PushTask : public ExchangeTask {
+public:
+    using ExchangeTask::ExchangeTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override {
+        return error.errorClass == "nothing-to-push-from"
+                   ? "There is no branch " + inQuotes(_local) + " here to push."
+                   : "";
+    }
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
+
+private:
+    std::string _remote;
+    std::string _local;
+    std::string _there;
+    std::optional<std::string> _commitBefore;
+};
+
+/// An empty branch would delete the remote's, one that begins with "+" overwrite it.
+std::optional<Reply> PushTask::look() {
+    constexpr std::string_view branches = "BRANCHES";
+    const bool hasRemote = arguments().has(remoteWord);
+    const bool hasBranches = arguments().has(branches);
+    if (auto refused = refusalOfWords(hasRemote && hasBranches, !hasRemote && !hasBranches,
+                                      "Either a remote and LOCAL:THERE or --svn was expected (see "
+                                      "nebsc push --help).")) {
+        return refused;
+    }
+    _commitBefore = latestCommit();
+    if (isSubversion()) {
+        return std::nullopt;
+    }
+    _remote = remoteOrLocation(word(remoteWord));
+    const std::string text = word(branches);
+    const std::size_t colon = text.find(':');
+    _local = text.substr(0, colon);
+    _there = colon == std::string::npos ? _local : text.substr(colon + 1);
+    if (_local.empty() || _there.empty() || _local.starts_with('+')) {
+        return refusal(inQuotes(text) + " does not name two branches; LOCAL:THERE was expected.",
+                       exitNotUnderstood);
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> PushTask::request() {
+    if (isSubversion()) {
+        return exchangeRequest(NEBSourceControlRequestPush, Peer::subversion);
+    }
+    auto request = exchangeRequest(NEBSourceControlRequestPush, Peer::remote);
+    request->destination = _there;
+    request->options->set(NEBSourceControlRequestOptionRemoteName, _remote);
+    request->options->set(NEBSourceControlRequestOptionBranch, _local);
+    return request;
+}
+
+/// The lines of git's words that the far end said.
+std::string wordsOfRemote(std::string_view words) {
+    std::string lines;
+    while (!words.empty()) {
+        const std::string_view line = words.substr(0, words.find('\n'));
+        words.remove_prefix(std::min(line.size() + 1, words.size()));
+        const std::size_t end = line.find_last_not_of(' ');
+        if (line.starts_with("remote:")) {
+            lines += printable(line.substr(0, end + 1)) + "\n";
+        }
+    }
+    return lines;
+}
+
+/// Over the bridge, git makes the commits anew as Subversion has them.
+void PushTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (isSubversion()) {
+        const auto commit = latestCommit();
+        reply.standardOutput = commit && commit != _commitBefore
+                                   ? "Pushed to Subversion; now at " + printable(*commit) + ".\n"
+                                   : "There is nothing to push: Subversion has all commits.\n";
+        return;
+    }
+    const bool hasRecord = outcome.result && !outcome.result->empty();
+    const std::string words =
+        hasRecord ? outcome.result->front().value(NEBSourceControlOperationContentKey).description()
+                  : "";
+    const std::string remote = printable(inQuotes(_remote));
+    if (words.find("Everything up-to-date") != std::string::npos) {
+        reply.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
+    } else {
+        reply.standardOutput =
+            "Pushed " + printable(_local) + " to " + printable(_there) + " of " + remote + ".\n";
+    }
+    reply.standardError = wordsOfRemote(words);
+}
+
+std::string PushTask::adviceAfter(const NEBSourceControlError& error) const {
+    if (error.code != NEBSourceControlRemoteAheadError) {
+        return {};
+    }
+    return isSubversion() ? "\"nebsc update --svn\" brings them here.\n"
+                          : "\"nebsc update\" brings them here.\n";
+}
+
+constexpr Parameter pushParameters[] = {
+    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
+    {"BRANCHES", "LOCAL:THERE, the branch here and the remote's; one name where they are alike",
+     Takes::branchPair},
+    {subversionFlag, "Commit to the Subversion repository behind this one what it does not have"},
+};
+
+Reply push(const CommandCall& call) {
+    return PushTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command fetchCommand{
+    .name = "fetch",
+    .group = remotesGroup,
+    .summary = "Bring what is new in a remote here, and leave the working copy alone",
+    .details =
+        "Examples:\n"
+        "  nebsc fetch origin    what is new in the remote \"origin\"\n"
+        "  nebsc fetch --svn     what is new in the Subversion repository\n",
+    .parameters = fetchParameters,
+    .activity = "Fetching",
+    .run = fetch,
+};
+
+constinit const Command pushCommand{
+    .name = "push",
+    .group = remotesGroup,
+    .summary = "Send the commits of a branch to a remote",
+    .details =
+        "Nothing is overwritten there: where the remote has commits that are not here,\n"
+        "the push is refused.\n\n"
+        "Examples:\n"
+        "  nebsc push origin main:main       the branch main\n"
+        "  nebsc push origin topic:review    the branch topic, which is \"review\" there\n"
+        "  nebsc push --svn                  the commits that Subversion does not have\n",
+    .parameters = pushParameters,
+    .activity = "Pushing",
+    .run = push,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,301 @@
+// The commands that write files of the repository to disk.
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "CommandFrame/HistoryTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Session/GitProgram.h"
+#include "Session/NewFile.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view destinationExists = "destination-exists";
+
+constexpr std::string_view destination = "DEST";
+
+bool isFolder(const std::string& path) {
+    std::error_code ignored;
+    return fs::is_directory(fs::status(path, ignored));
+}
+
+// ---- export -----------------------------------------------------------------------------------
+
+class ExportTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void complete(Outcome& outcome) override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+
+private:
+    [[nodiscard]] std::string revision() const {
+        return arguments().value("REVISION").value_or("");
+    }
+    [[nodiscard]] const std::string& file() const { return paths("FILE").front(); }
+    [[nodiscard]] std::optional<Reply> refusalOfSource();
+    [[nodiscard]] std::optional<Reply> chooseTarget();
+
+    /// Absent without a destination: the request then chooses a temporary file.
+    std::optional<NewFile> _target;
+};
+
+/// The request's own error does not tell a missing revision from a missing file.
+std::optional<Reply> ExportTask::refusalOfSource() {
+    if (auto refused = refusalOfRevision(revision())) {
+        return refused;
+    }
+    if (!revision().starts_with('-') && typeOfEntry(revision(), file()) == "") {
+        return refusal("There is no file " + inQuotes(arguments().value("FILE").value_or("")) +
+                           " at the revision " + inQuotes(revision()) + ".",
+                       exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+    }
+    return std::nullopt;
+}
+
+/// The request takes whatever is at its destination for the export, and can write under no other
+/// name than the file's own. So it writes into a folder that is made for it.
+std::optional<Reply> ExportTask::chooseTarget() {
+    const std::string word = arguments().value(destination).value_or("");
+    std::string path = paths(destination).front();
+    if (isFolder(path)) {
+        path = pathByAppendingComponent(path, lastPathComponent(file()));
+    } else if (word.ends_with('/')) {
+        return refusal("There is no folder " + inQuotes(word) + ".", exitFailed,
+                       "destination-missing");
+    }
+    if (isAnythingAt(path)) {
+        return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
+                           " already; nothing was done.",
+                       exitFailed, destinationExists);
+    }
+    if (auto refused = refusalInsideRepository(path)) {
+        return refused;
+    }
+    _target.emplace(path, lastPathComponent(file()));
+    if (const auto failure = _target->prepare()) {
+        return failureWith(NEBSourceControlErrorFromFileFailure(*failure));
+    }
+    return std::nullopt;
+}
+
+std::optional<Reply> ExportTask::look() {
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    if (auto refused = refusalOfPathOutside(file())) {
+        return refused;
+    }
+    if (file() == place().location) {
+        return refusal(
+            "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
+            "all of its files.",
+            exitFailed, "path-invalid");
+    }
+    if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
+        return refused;
+    }
+    return paths(destination).empty() ? std::nullopt : chooseTarget();
+}
+
+std::shared_ptr<NEBSourceControlRequest> ExportTask::request() {
+    auto request = requestAbout(
+        _target ? NEBSourceControlRequestExport : NEBSourceControlRequestExportFiles, {file()});
+    request->startingRevision = revision();
+    if (_target) {
+        request->destination = _target->draft();
+    }
+    return request;
+}
+
+void ExportTask::complete(Outcome& outcome) {
+    if (!_target) {
+        return;
+    }
+    if (const auto failure = _target->publish()) {
+        outcome.result = std::nullopt;
+        outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
+        return;
+    }
+    NEBDictionary record;
+    record.set(NEBSourceControlOperationPathKey,
+               LOMFilePath::filePathForPathString(_target->path()));
+    outcome.result = {std::move(record)};
+}
+
+std::string ExportTask::textOfResult(const NEBSourceControlResult& records) {
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        if (const auto* path = record.value(NEBSourceControlOperationPathKey).filePath()) {
+            lines += printable(path->pathString()) + "\n";
+        }
+    }
+    return lines;
+}
+
+constexpr Parameter exportParameters[] = {
+    {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
+    {"FILE", "A file or folder, which need not be on disk any more", Takes::path, Occurs::once},
+    {destination, "The name of what is written, or a folder for it; unless given, a temporary file",
+     Takes::path},
+};
+
+Reply exportFile(const CommandCall& call) {
+    return ExportTask(call).run();
+}
+
+// ---- export-tree ------------------------------------------------------------------------------
+
+class ExportTreeTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    void noteSparseFiles(Reply& reply);
+    [[nodiscard]] std::optional<Reply> refusalOfFolderInTheWay();
+    [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
+    /// git would write to where a link leads in any case.
+    [[nodiscard]] bool isWorkingCopy() const {
+        std::error_code failure;
+        return fs::equivalent(folder(), place().location, failure) && !failure;
+    }
+};
+
+std::optional<Reply> ExportTreeTask::look() {
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    const std::string name = inQuotes(arguments().value(destination).value_or(""));
+    if (isWorkingCopy()) {
+        return refusal(name +
+                           " is the working copy itself; nothing was written. \"nebsc revert\" "
+                           "throws away changes.",
+                       exitFailed, "path-invalid");
+    }
+    if (isAnythingAt(folder()) && !isFolder(folder())) {
+        return refusal(name + " is no folder; nothing was written.", exitFailed, destinationExists);
+    }
+    if (auto refused = refusalInsideRepository(folder())) {
+        return refused;
+    }
+    std::error_code failure;
+    if (isFolder(folder()) && !arguments().has("--force") &&
+        (!fs::is_empty(folder(), failure) || failure)) {
+        return refusal("The folder " + name +
+                           " is not empty; nothing was written. \"nebsc export-tree --force\" "
+                           "overwrites the files in it that are in the index too.",
+                       exitFailed, destinationExists);
+    }
+    return refusalOfFolderInTheWay();
+}
+
+/// Where a file is to be, git removes a folder with all that it holds.
+std::optional<Reply> ExportTreeTask::refusalOfFolderInTheWay() {
+    if (!isFolder(folder())) {
+        return std::nullopt;
+    }
+    for (const std::string& entry : textsBetweenNULs(ask({"ls-files", "--stage", "-z"}).output)) {
+        const std::string path =
+            pathByAppendingComponent(folder(), entry.substr(entry.find('\t') + 1));
+        std::error_code ignored;
+        const bool isSubmodule = entry.starts_with("160000 ");
+        if (!isSubmodule && fs::is_directory(fs::symlink_status(path, ignored))) {
+            return refusal("There is a folder " + inQuotes(path) +
+                               " where a file of the index is to be; nothing was written.",
+                           exitFailed, destinationExists);
+        }
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> ExportTreeTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestExportTree);
+    request->startingRevision = "HEAD";
+    request->destination = folder();
+    return request;
+}
+
+void ExportTreeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput =
+        isAnythingAt(folder())
+            ? "Wrote the files of the index to " + printable(inQuotes(folder())) + ".\n"
+            : "The index has no files; nothing was written.\n";
+    noteConflicts(reply, "These files are in conflict and were not written:", {});
+    noteSparseFiles(reply);
+}
+
+/// git leaves out, without a word, what a sparse checkout leaves out.
+void ExportTreeTask::noteSparseFiles(Reply& reply) {
+    const ChildOutcome outcome = ask({"ls-files", "-t", "-z"});
+    const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
+    const auto count = std::count_if(entries.begin(), entries.end(), [](const std::string& entry) {
+        return entry.starts_with("S ");
+    });
+    if (!outcome.status.isSuccess()) {
+        addFailure(reply, failureOf(outcome));
+    } else if (count > 0) {
+        const std::string files = count == 1 ? "One file" : std::to_string(count) + " files";
+        addFailure(reply, refusal(files + " of the index outside the sparse checkout " +
+                                      (count == 1 ? "was" : "were") + " not written.",
+                                  exitFailed));
+    }
+}
+
+constexpr Parameter exportTreeParameters[] = {
+    {destination, "The folder, made where it is missing", Takes::folder, Occurs::once},
+    {"--force",
+     "Write into a folder that is not empty, and overwrite the files that are in the way"},
+};
+
+Reply exportTree(const CommandCall& call) {
+    return ExportTreeTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command exportCommand{
+    .name = "export",
+    .group = lookGroup,
+    .summary = "Write a file to disk as it was at a revision",
+    .details =
+        "Says where it was written. Nothing is ever overwritten.\n\n"
+        "Examples:\n"
+        "  nebsc export v1.0 main.c            into a temporary file\n"
+        "  nebsc export HEAD~2 main.c old.c    under this name\n",
+    .parameters = exportParameters,
+    .activity = "Writing",
+    .run = exportFile,
+};
+
+constinit const Command exportTreeCommand{
+    .name = "export-tree",
+    .group = lookGroup,
+    .summary = "Write all files of the index below a folder",
+    .details =
+        "The index is the latest commit with what is staged.\n\n"
+        "Example:\n"
+        "  nebsc export-tree ../release\n",
+    .parameters = exportTreeParameters,
+    .activity = "Writing",
+    .run = exportTree,
+};
+
+}  // namespace neb::nebsc

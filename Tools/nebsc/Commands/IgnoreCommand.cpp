@@ -1,0 +1,186 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "CommandFrame/HistoryTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "Platform/ErrnoText.h"
+#include "Platform/FileDescriptor.h"
+#include "Platform/PathString.h"
+#include "Session/GitProgram.h"
+#include "Terminal/Output.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view files = "FILE";
+
+/// The line of a list of ignored files that means this path from the top and no other.
+std::string lineFor(std::string_view pathFromTop, bool isFolder) {
+    constexpr std::string_view special = "*?[\\";
+    std::string line = "/";
+    for (const char character : pathFromTop) {
+        line.append(special.find(character) == std::string_view::npos ? "" : "\\");
+        line += character;
+    }
+    if (isFolder) {
+        return line + "/";
+    }
+    // A blank at the end of a line does not count otherwise, and the CR of a name is none of a
+    // line.
+    if (line.ends_with(' ')) {
+        line.insert(line.size() - 1, "\\");
+    }
+    return line;
+}
+
+/// Appends to a file, which is made where it is missing. A link is not followed: git does not read
+/// one either, and it may lead out of the working copy. Answers 0 or the errno of the failure.
+int appendLines(const std::string& path, const std::string& lines) {
+    constexpr mode_t ordinary = 0666;
+    const FileDescriptor file(::open(
+        path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, ordinary));
+    struct stat attributes {};
+    if (!file.isOpen() || ::fstat(file.get(), &attributes) != 0) {
+        return errno;
+    }
+    if (!S_ISREG(attributes.st_mode)) {
+        return EINVAL;
+    }
+    char last = '\n';
+    if (attributes.st_size > 0 && ::pread(file.get(), &last, 1, attributes.st_size - 1) < 0) {
+        return errno;
+    }
+    return writeAll(file.get(), last == '\n' ? lines : "\n" + lines);
+}
+
+class IgnoreTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return requestAbout(NEBSourceControlRequestIgnore, paths(files));
+    }
+    void complete(Outcome& outcome) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] std::optional<Reply> refusalOf(const std::string& path);
+    /// This git takes no pattern for one, and cannot be told so.
+    [[nodiscard]] bool isIgnored(const std::string& path) {
+        return runGit(interruption(), trace(), {"check-ignore", "--quiet", "--", path},
+                      place().location)
+            .status.isSuccess();
+    }
+
+    /// What is to be written, with line ends.
+    std::string _lines;
+};
+
+std::optional<Reply> IgnoreTask::refusalOf(const std::string& path) {
+    if (auto refused = refusalOfPathOutside(path)) {
+        return refused;
+    }
+    if (auto refused = refusalInsideRepository(path)) {
+        return refused;
+    }
+    const std::string name = inQuotes(pathAsSeenFrom(place(), path));
+    if (path == place().location) {
+        return refusal("The whole working copy cannot be ignored.", exitFailed, "path-invalid");
+    }
+    if (path.find_first_of("\n\r") != std::string::npos) {
+        return refusal(
+            "The name " + name + " holds a line end, so no list of ignored files can hold it.",
+            exitFailed, "path-invalid");
+    }
+    if (answer({"ls-files", "-z", "--", path})) {
+        Reply reply = refusal(name + " is tracked, so its changes cannot be ignored.", exitFailed,
+                              "path-invalid");
+        reply.standardError += "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
+        return reply;
+    }
+    return std::nullopt;
+}
+
+std::optional<Reply> IgnoreTask::look() {
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    for (const std::string& path : paths(files)) {
+        if (auto refused = refusalOf(path)) {
+            return refused;
+        }
+    }
+    for (const std::string& path : paths(files)) {
+        std::error_code ignored;
+        if (!isIgnored(path)) {
+            _lines +=
+                lineFor(pathFromTop(path), fs::is_directory(fs::symlink_status(path, ignored))) +
+                "\n";
+        }
+    }
+    return std::nullopt;
+}
+
+/// The request itself changes nothing.
+void IgnoreTask::complete(Outcome& outcome) {
+    const std::string list = pathByAppendingComponent(place().location, ".gitignore");
+    if (const int failure = _lines.empty() ? 0 : appendLines(list, _lines); failure != 0) {
+        outcome.error = NEBSourceControlErrorFromFileFailure(
+            {failure,
+             "The list \"" + list + "\" could not be written: " + textOfErrno(failure) + "."});
+    }
+}
+
+void IgnoreTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    if (_lines.empty()) {
+        reply.standardOutput =
+            paths(files).size() == 1 ? "It is ignored already.\n" : "They are ignored already.\n";
+        return;
+    }
+    reply.standardOutput = "Added to the list \"" + shown(".gitignore") + "\":\n";
+    std::size_t start = 0;
+    while (start < _lines.size()) {
+        const std::size_t end = _lines.find('\n', start);
+        reply.standardOutput += "    " + printable(_lines.substr(start, end - start)) + "\n";
+        start = end + 1;
+    }
+}
+
+constexpr Parameter parameters[] = {
+    {files, "A file or folder that is not tracked; it need not be there yet", Takes::path,
+     Occurs::oneOrMore},
+};
+
+Reply run(const CommandCall& call) {
+    return IgnoreTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command ignoreCommand{
+    .name = "ignore",
+    .group = changeGroup,
+    .summary = "Leave files out of what has changed",
+    .details =
+        "Adds them to the list .gitignore at the top of the working copy, which belongs to the\n"
+        "next commit once it is added.\n\n"
+        "Examples:\n"
+        "  nebsc ignore build notes.txt    a folder, and a file\n",
+    .parameters = parameters,
+    .activity = "Looking",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

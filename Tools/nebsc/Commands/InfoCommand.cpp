@@ -1,0 +1,70 @@
+#include "CommandFrame/CommandTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
+#include "Platform/PathString.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+class InfoTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return requestOfType(NEBSourceControlRequestInfo);
+    }
+    Silence silence() const override { return Silence::answer; }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+std::string line(std::string_view name, const NEBValue& value) {
+    constexpr std::size_t nameColumnWidth = 12;
+    return std::string(name) + std::string(nameColumnWidth - name.size(), ' ') +
+           printable(textWithoutPasswords(value.description())) + "\n";
+}
+
+/// The question for a URL is answered by silence outside any repository too, and by the user's own
+/// configuration.
+void InfoTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
+        !repository.status.isSuccess()) {
+        reply = failureOf(repository);
+        return;
+    }
+    const NEBDictionary record =
+        outcome.result && !outcome.result->empty() ? outcome.result->front() : NEBDictionary();
+    const NEBValue& url = record.value(NEBSourceControlOperationRemoteOriginKey);
+    if (!url.isPresent()) {
+        reply.standardOutput = "The repository " +
+                               printable(inQuotes(lastPathComponent(place().location))) +
+                               " has no remote \"origin\" and none of Subversion.\n";
+        return;
+    }
+    const bool isSubversion = outcome.commands.size() > 1;
+    reply.standardOutput = line(isSubversion ? "Subversion" : "origin", url) +
+                           line("root", record.value(NEBSourceControlOperationRepositoryRootKey));
+}
+
+Reply run(const CommandCall& call) {
+    return InfoTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command infoCommand{
+    .name = "info",
+    .group = lookGroup,
+    .summary = "Show where the repository comes from",
+    .details =
+        "Example:\n"
+        "  nebsc info    the URL of the remote \"origin\", or of a Subversion repository,\n"
+        "                and the top of the working copy\n",
+    .activity = "Looking",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,123 @@
+#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/TreeQuery.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Works in bare repositories too, where DIR is a folder of the commit as seen from the top.
+class ListTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] const std::string& folder() const {
+        return paths("DIR").empty() ? currentFolder() : paths("DIR").front();
+    }
+    [[nodiscard]] std::string shownFolder() const {
+        return inQuotes(arguments().value("DIR").value_or("."));
+    }
+    [[nodiscard]] std::optional<Reply> refusalOfFolder();
+
+    std::vector<TreeEntry> _entries;
+};
+
+std::optional<Reply> ListTask::look() {
+    if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
+        !repository.status.isSuccess()) {
+        return failureOf(repository);
+    }
+    if (auto refused = refusalOfPathOutside(folder())) {
+        return refused;
+    }
+    if (auto refused = refusalWithoutCommits()) {
+        return refused;
+    }
+    return refusalOfFolder();
+}
+
+/// If git cannot look the folder up, the listing itself fails, with git's message.
+std::optional<Reply> ListTask::refusalOfFolder() {
+    const std::string type = typeOfEntry("HEAD", folder()).value_or("tree");
+    if (type == "tree") {
+        return std::nullopt;
+    }
+    const std::string name = shownFolder();
+    if (!type.empty()) {
+        return refusal(name + " is no folder in the latest commit, but a " +
+                           (type == "blob" ? "file." : "submodule."),
+                       exitFailed, "path-invalid");
+    }
+    const bool isOnDisk = place().isWorkingCopy && isAnythingAt(folder());
+    return refusal(isOnDisk ? name + " is on disk, but not in the latest commit."
+                            : "There is no folder " + name +
+                                  (place().isWorkingCopy ? ", neither on disk nor" : "") +
+                                  " in the latest commit.",
+                   exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+}
+
+std::shared_ptr<NEBSourceControlRequest> ListTask::request() {
+    return requestAbout(NEBSourceControlRequestList, {pathFromTop(folder())});
+}
+
+Performance ListTask::carryOut() {
+    TreeQuery query(request(), objectAt("HEAD", folder()));
+    Performance performance = perform(query);
+    _entries = query.entries();
+    return performance;
+}
+
+std::string ListTask::textOfResult(const NEBSourceControlResult& /*records*/) {
+    const bool isColoured = isInColour();
+    std::string lines;
+    for (const TreeEntry& entry : _entries) {
+        const std::string name = printable(entry.name) + (entry.isFile ? "" : "/");
+        lines += (isColoured && !entry.isFile ? coloured(name, Colour::cyan) : name) + "\n";
+    }
+    return lines;
+}
+
+void ListTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    if (_entries.empty() && !isJSON()) {
+        reply.standardError += printable(shownFolder()) + " is empty in the latest commit.\n";
+    }
+}
+
+constexpr Parameter parameters[] = {
+    {"DIR", "The folder, the current one unless given", Takes::folder},
+};
+
+Reply run(const CommandCall& call) {
+    return ListTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command listCommand{
+    .name = "ls",
+    .group = lookGroup,
+    .summary = "List what the latest commit holds of a folder",
+    .details =
+        "Folders and submodules have a \"/\" behind their names. The working copy is not\n"
+        "looked at, so names that are not on disk are listed too. In a bare repository DIR is\n"
+        "a folder of the commit.\n\n"
+        "Examples:\n"
+        "  nebsc ls        the current folder\n"
+        "  nebsc ls src    the folder src\n",
+    .parameters = parameters,
+    .activity = "Listing",
+    .isPaged = true,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,252 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+
+#include "CommandFrame/HistoryTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Terminal/GitQuoting.h"
+#include "Terminal/LocalTime.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/StatusWords.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view indent = "    ";
+
+/// Absent for what is no number of commits.
+std::optional<std::int32_t> countIn(std::string_view text) {
+    std::int32_t count = 0;
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), count);
+    const bool isCount = failure == std::errc() && end == text.data() + text.size() && count >= 0;
+    return isCount ? std::optional(count) : std::nullopt;
+}
+
+std::string text(const NEBDictionary& record, NEBConstant key) {
+    return std::string(record.value(key).string().value_or(""));
+}
+
+/// The first paragraph on one line.
+std::string subjectOf(std::string_view message) {
+    std::string subject;
+    bool isOver = false;
+    forEachPiece(message, '\n', [&](std::string_view line) {
+        line = textByTrimmingLineEnds(line);
+        isOver = isOver || line.empty();
+        if (!isOver) {
+            subject.append(subject.empty() ? "" : " ").append(line);
+        }
+    });
+    return printable(subject);
+}
+
+class LogTask : public HistoryTask {
+public:
+    using HistoryTask::HistoryTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::string textOfResult(const NEBSourceControlResult& records) override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] std::optional<Reply> refusalOfBranch();
+    [[nodiscard]] std::string revisionColumn(const NEBDictionary& record) const;
+    [[nodiscard]] std::string lineOf(const NEBDictionary& record, std::size_t authorColumns) const;
+    [[nodiscard]] std::string blockOf(const NEBDictionary& record) const;
+    [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
+
+    Words _words;
+    std::string _branch;  // as git takes it; empty without the option
+    bool _isColoured = false;
+};
+
+/// A branch that is none, but the name of a file, would make git list the history of that file.
+std::optional<Reply> LogTask::refusalOfBranch() {
+    const auto branch = arguments().value("--branch");
+    if (!branch) {
+        return std::nullopt;
+    }
+    if (!_words.revisions.empty()) {
+        return refusal("--branch and a revision cannot stand together.", exitNotUnderstood);
+    }
+    // A tag may have the same name.
+    const std::string local = "refs/heads/" + *branch;
+    if (askForCommit(local).status.isSuccess()) {
+        _branch = local;
+        return std::nullopt;
+    }
+    _branch = unmistakable(*branch);
+    return refusalOfRevision(*branch);
+}
+
+std::optional<Reply> LogTask::look() {
+    const auto limit = arguments().value("--limit");
+    if (limit && !countIn(*limit)) {
+        return refusal(inQuotes(*limit) + " is no number of commits.", exitNotUnderstood);
+    }
+    _words = readWords(2, 1);
+    if (_words.refused) {
+        return _words.refused;
+    }
+    if (_words.revisions.size() == 2 && _words.dots.empty()) {
+        return refusal(
+            "One revision or range at most can be given; for two revisions write A..B or "
+            "A...B.",
+            exitNotUnderstood);
+    }
+    if (auto refused = refusalOfBranch()) {
+        return refused;
+    }
+    const bool isAboutHEAD = _words.revisions.empty() && !arguments().has("--branch");
+    return isAboutHEAD && !isJSON() ? refusalWithoutCommits() : std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> LogTask::request() {
+    auto request = requestAboutWords(NEBSourceControlRequestLog, _words);
+    // Of two revisions the request makes a symmetric difference.
+    if (_words.dots == "..") {
+        request->startingRevision = _words.revisions[0] + ".." + _words.revisions[1];
+        request->endingRevision = {};
+    }
+    NEBDictionary options;
+    if (const auto limit = arguments().value("--limit")) {
+        options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));
+    }
+    if (const auto branch = arguments().value("--branch")) {
+        options.set(NEBSourceControlRequestOptionBranch, _branch);
+    }
+    if (arguments().has("--files")) {
+        options.set(NEBSourceControlRequestOptionLogOutputFilesChanged, true);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
+// ---- for a person -----------------------------------------------------------------------------
+
+std::string LogTask::revisionColumn(const NEBDictionary& record) const {
+    const std::string revision = printable(text(record, NEBSourceControlOperationRevisionKey));
+    return _isColoured ? coloured(revision, Colour::yellow) : revision;
+}
+
+std::string LogTask::lineOf(const NEBDictionary& record, std::size_t authorColumns) const {
+    const std::string author =
+        paddedTo(authorColumns, printable(text(record, NEBSourceControlOperationAuthorKey)));
+    const auto date = record.value(NEBSourceControlOperationDateKey).date();
+    const std::string middle = "  " + (date ? localMinute(*date) : "") + "  " + author + "  ";
+    const std::size_t columns =
+        columnsOf(printable(text(record, NEBSourceControlOperationRevisionKey)) + middle);
+    const std::string line = revisionColumn(record) + middle +
+                             fitting(STDOUT_FILENO, columns,
+                                     subjectOf(text(record, NEBSourceControlOperationMessageKey)));
+    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n" + filesOf(record);
+}
+
+std::string LogTask::blockOf(const NEBDictionary& record) const {
+    const auto date = record.value(NEBSourceControlOperationDateKey).date();
+    std::string block = "commit " + revisionColumn(record) + "\nAuthor: " +
+                        printable(text(record, NEBSourceControlOperationAuthorKey) + " <" +
+                                  text(record, NEBSourceControlOperationAuthorEmailKey) + ">") +
+                        "\nDate:   " + (date ? localSecondWithZone(*date) : "") + "\n";
+    const std::string message = text(record, NEBSourceControlOperationMessageKey);
+    if (!message.empty()) {
+        block += "\n";
+        forEachPiece(message, '\n', [&block](std::string_view line) {
+            line = textByTrimmingLineEnds(line);
+            block.append(line.empty() ? "" : indent).append(printableLine(line)).append("\n");
+        });
+    }
+    const std::string files = filesOf(record);
+    return block + (files.empty() ? "" : "\n") + files;
+}
+
+std::string LogTask::filesOf(const NEBDictionary& record) const {
+    std::string lines;
+    if (const NEBDictionary* files = record.value(NEBSourceControlOperationFilesKey).dictionary()) {
+        for (const NEBDictionary::Entry& entry : *files) {
+            lines.append(indent)
+                .append(statusColumn(entry.value(), _isColoured))
+                .append(shown(unquotedName(entry.key())))
+                .append("\n");
+        }
+    }
+    return lines;
+}
+
+std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
+    if (isJSON()) {
+        return {};
+    }
+    _isColoured = isInColour();
+    std::string all;
+    if (arguments().has("--full")) {
+        for (const NEBDictionary& record : records) {
+            all.append(all.empty() ? "" : "\n").append(blockOf(record));
+        }
+        return all;
+    }
+    // A longer name than this pushes its own line alone.
+    constexpr std::size_t widestAuthorColumn = 20;
+    std::size_t authorColumns = 0;
+    for (const NEBDictionary& record : records) {
+        authorColumns = std::max(
+            authorColumns, columnsOf(printable(text(record, NEBSourceControlOperationAuthorKey))));
+    }
+    authorColumns = std::min(authorColumns, widestAuthorColumn);
+    for (const NEBDictionary& record : records) {
+        all += lineOf(record, authorColumns);
+    }
+    return all;
+}
+
+void LogTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (!isJSON() && outcome.result && outcome.result->empty() &&
+        outcome.omittedRevisions.empty()) {
+        reply.standardError += "There are no such commits.\n";
+    }
+}
+
+constexpr Parameter parameters[] = {
+    {"REVISION", "Where to begin, HEAD unless given; or A..B or A...B", Takes::revisionOrPath},
+    {"FILE", "Only commits that changed it, a file or folder", Takes::pathAsWritten},
+    {"-n,--limit", "How many commits at most", Takes::text, Occurs::optionally, "N"},
+    {"--branch", "The branch, instead of a revision", Takes::branch, Occurs::optionally, "BRANCH"},
+    {"--files", "Show the files that each commit changed; of a renamed one the old name"},
+    {"--full", "Show the whole messages, the authors' addresses and the seconds"},
+};
+
+Reply run(const CommandCall& call) {
+    return LogTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command logCommand{
+    .name = "log",
+    .group = lookGroup,
+    .summary = "Show commits, newest first",
+    .details =
+        "Dates are local. A..B shows the commits of B that A does not have, A...B those of\n"
+        "either side that the other side does not have. A single word is a revision, or else a\n"
+        "file; \"--\" in front of a file, or behind a revision, settles what it is. A merge has\n"
+        "no files of its own.\n\n"
+        "Examples:\n"
+        "  nebsc log -n 10              the last ten commits\n"
+        "  nebsc log --files src        those that changed something in src, and what\n"
+        "  nebsc log v1.0..v2.0         what one version has and the other has not\n"
+        "  nebsc log -- old.c           the history of a file that is gone\n",
+    .parameters = parameters,
+    .activity = "Reading the history",
+    .isPaged = true,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

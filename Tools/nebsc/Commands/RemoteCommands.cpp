@@ -1,0 +1,305 @@
+// The commands about the repositories that this one knows by name.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "CommandFrame/BranchTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Passwords.h"
+#include "Platform/PathString.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string textOf(const NEBDictionary& record, NEBConstant key) {
+    return std::string(record.value(key).string().value_or(""));
+}
+
+/// A line for each row: the first text, printable, and then the second one, aligned.
+std::string alignedLines(std::vector<std::pair<std::string, std::string>> rows) {
+    std::size_t width = 0;
+    for (auto& row : rows) {
+        row = {printable(row.first), printable(row.second)};
+        width = std::max(width, columnsOf(row.first));
+    }
+    std::string lines;
+    for (const auto& [first, second] : rows) {
+        lines += first;
+        if (!second.empty()) {
+            lines.append(width - columnsOf(first) + 2, ' ')
+                .append(fitting(STDOUT_FILENO, width + 2, second));
+        }
+        lines += '\n';
+    }
+    return lines;
+}
+
+// ---- list -------------------------------------------------------------------------------------
+
+/// A remote, of the records that stand beside each other in the listing.
+struct Remote {
+    std::string name;
+    std::vector<std::string> fetch;
+    std::vector<std::string> push;
+    bool isSubversion = false;
+    /// Whether a record of it has no type: its location was cut at a blank, or git said more of it.
+    bool isIncomplete = false;
+};
+
+std::vector<Remote> remotesOf(const NEBSourceControlResult& result) {
+    std::vector<Remote> remotes;
+    for (const NEBDictionary& record : result) {
+        if (record.isEmpty()) {
+            continue;
+        }
+        const bool isSubversion = record.value(NEBSourceControlOperationUsesGitSVNKey).boolValue();
+        const std::string name = textOf(record, NEBSourceControlOperationRemoteNameKey);
+        if (remotes.empty() || remotes.back().name != name ||
+            remotes.back().isSubversion != isSubversion) {
+            remotes.emplace_back();
+            remotes.back().name = name;
+            remotes.back().isSubversion = isSubversion;
+        }
+        const std::string type = textOf(record, NEBSourceControlOperationTypeKey);
+        Remote& remote = remotes.back();
+        (type == "push" ? remote.push : remote.fetch)
+            .push_back(textOf(record, NEBSourceControlOperationRemoteOriginKey));
+        remote.isIncomplete = remote.isIncomplete || (type.empty() && !isSubversion);
+    }
+    return remotes;
+}
+
+class ListTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        return requestOfType(NEBSourceControlRequestListRemotes);
+    }
+    /// The last question is the one for Subversion, and may have no answer.
+    Silence silence() const override { return Silence::answer; }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    void completeLocations(Remote& remote);
+};
+
+void ListTask::completeLocations(Remote& remote) {
+    remote.fetch = answerLines({"remote", "get-url", remote.name});
+    remote.push = answerLines({"remote", "get-url", "--push", "--all", remote.name});
+}
+
+void ListTask::conclude(const Outcome& outcome, Reply& reply) {
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (Remote& remote : remotesOf(outcome.result.value_or(NEBSourceControlResult{}))) {
+        if (remote.isIncomplete) {
+            completeLocations(remote);
+        }
+        const std::string name = remote.name.empty() ? "svn" : remote.name;
+        if (remote.isSubversion) {
+            rows.emplace_back(name, remote.fetch.front() + " (Subversion)");
+            continue;
+        }
+        if (remote.fetch == remote.push && remote.fetch.size() <= 1) {
+            rows.emplace_back(name, remote.fetch.empty() ? "" : remote.fetch.front());
+            continue;
+        }
+        for (const std::string& location : remote.fetch) {
+            rows.emplace_back(name, location + " (fetch)");
+        }
+        for (const std::string& location : remote.push) {
+            rows.emplace_back(name, location + " (push)");
+        }
+    }
+    for (auto& row : rows) {
+        row.second = textWithoutPasswords(row.second);
+    }
+    reply.standardOutput = rows.empty()
+                               ? "The repository " +
+                                     printable(inQuotes(lastPathComponent(place().location))) +
+                                     " has no remotes.\n"
+                               : alignedLines(std::move(rows));
+}
+
+Reply list(const CommandCall& call) {
+    return ListTask(call).run();
+}
+
+constinit const Command listCommand{
+    .name = "list",
+    .group = innerGroup,
+    .summary = "Show the remotes and where they are",
+    .details =
+        "A remote that is fetched from and pushed to in different places has a line for\n"
+        "each.\n\n"
+        "Example:\n"
+        "  nebsc remote list\n",
+    .activity = "Looking",
+    .run = list,
+};
+
+// ---- add --------------------------------------------------------------------------------------
+
+class AddTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        auto request = requestAbout(NEBSourceControlRequestAddRemote,
+                                    {repositoryLocation(currentFolder(), word("URL"))});
+        request->destination = word("NAME");
+        return request;
+    }
+    void conclude(const Outcome& /*outcome*/, Reply& reply) override {
+        reply.standardOutput = "Added the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+    }
+};
+
+constexpr Parameter addParameters[] = {
+    {"NAME", "What the remote shall be called", Takes::text, Occurs::once},
+    {"URL", "Where it is: a URL, HOST:PATH, or a path, which is recorded from the root on",
+     Takes::location, Occurs::once},
+};
+
+Reply add(const CommandCall& call) {
+    return AddTask(call).run();
+}
+
+constinit const Command addCommand{
+    .name = "add",
+    .group = innerGroup,
+    .summary = "Give another repository a name here",
+    .details =
+        "Nothing is fetched yet; \"nebsc fetch\" does that.\n\n"
+        "Example:\n"
+        "  nebsc remote add origin https://example.org/demo.git\n",
+    .parameters = addParameters,
+    .activity = "Adding",
+    .run = add,
+};
+
+// ---- rm ---------------------------------------------------------------------------------------
+
+class RemoveTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        auto request = requestOfType(NEBSourceControlRequestRemoveRemote);
+        request->destination = word("NAME");
+        return request;
+    }
+    void conclude(const Outcome& /*outcome*/, Reply& reply) override {
+        reply.standardOutput = "Removed the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+    }
+};
+
+constexpr Parameter removeParameters[] = {
+    {"NAME", "The remote's name", Takes::remote, Occurs::once},
+};
+
+Reply remove(const CommandCall& call) {
+    return RemoveTask(call).run();
+}
+
+constinit const Command removeCommand{
+    .name = "rm",
+    .group = innerGroup,
+    .summary = "Forget a remote, and what was fetched of its branches",
+    .details =
+        "The other repository stays as it is.\n\n"
+        "Example:\n"
+        "  nebsc remote rm origin\n",
+    .parameters = removeParameters,
+    .activity = "Removing",
+    .run = remove,
+};
+
+// ---- branches ---------------------------------------------------------------------------------
+
+class BranchesTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    /// To choose a remote takes a repository.
+    std::optional<Reply> look() override {
+        return arguments().has("URL") ? std::nullopt : refusalWithoutRepository();
+    }
+    std::shared_ptr<NEBSourceControlRequest> request() override {
+        const auto url = arguments().value("URL");
+        return url ? requestAbout(NEBSourceControlRequestListRemoteBranchesSecondForm,
+                                  {remoteOrLocation(*url)})
+                   : requestOfType(NEBSourceControlRequestListRemoteBranches);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+void BranchesTask::conclude(const Outcome& outcome, Reply& reply) {
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
+        if (!record.isEmpty()) {
+            rows.emplace_back(textOf(record, NEBSourceControlOperationNameKey),
+                              textOf(record, NEBSourceControlOperationRevisionKey));
+        }
+    }
+    reply.standardOutput =
+        rows.empty() ? "The repository has no branches.\n" : alignedLines(std::move(rows));
+}
+
+constexpr Parameter branchesParameters[] = {
+    {"URL", "A remote's name, a URL, HOST:PATH, or a path; unless given, git chooses a remote",
+     Takes::remote},
+};
+
+Reply branches(const CommandCall& call) {
+    return BranchesTask(call).run();
+}
+
+constinit const Command branchesCommand{
+    .name = "branches",
+    .group = innerGroup,
+    .summary = "Ask another repository for its branches",
+    .details =
+        "Each with its latest commit. Nothing is fetched.\n\n"
+        "Examples:\n"
+        "  nebsc remote branches origin\n"
+        "  nebsc remote branches https://example.org/demo.git\n",
+    .parameters = branchesParameters,
+    .activity = "Asking",
+    .run = branches,
+};
+
+constexpr const Command* remoteCommands[] = {
+    &listCommand,
+    &addCommand,
+    &removeCommand,
+    &branchesCommand,
+};
+
+}  // namespace
+
+constinit const Command remoteCommand{
+    .name = "remote",
+    .group = remotesGroup,
+    .summary = "List, add and remove remotes, and ask them for their branches",
+    .details =
+        "Examples:\n"
+        "  nebsc remote                                            the remotes\n"
+        "  nebsc remote add origin https://example.org/demo.git    add one\n"
+        "  nebsc remote add --help                                 more on one of its commands\n",
+    .activity = "Looking",
+    .commands = remoteCommands,
+    .run = list,
+};
+
+}  // namespace neb::nebsc

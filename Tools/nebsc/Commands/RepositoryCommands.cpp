@@ -1,0 +1,262 @@
+// The commands that make a repository.
+
+#include <array>
+
+#include "CommandFrame/CommandTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+#include "Platform/PathString.h"
+#include "Session/GitProgram.h"
+#include "Session/MissingFolder.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view destinationExists = "destination-exists";
+
+// ---- init -------------------------------------------------------------------------------------
+
+class InitTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    WorkingCopyPlace findPlace() override;
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+
+private:
+    [[nodiscard]] std::optional<Reply> refusalOfRepository(const std::string& folder);
+
+    std::optional<MissingFolder> _folder;
+};
+
+WorkingCopyPlace InitTask::findPlace() {
+    return {.location = paths("DIR").empty() ? currentFolder() : paths("DIR").front(),
+            .currentFolder = currentFolder(),
+            .isWorkingCopy = false};
+}
+
+/// The request would go on in a repository that is there, or in what is left of one, and replace
+/// its list of files to ignore.
+std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
+    const std::string inside = pathByAppendingComponent(folder, ".git");
+    for (const std::string& place : {folder, inside}) {
+        if (runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", place},
+                   currentFolder())
+                .status.isSuccess()) {
+            return refusal(
+                "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
+                exitFailed, destinationExists);
+        }
+    }
+    const bool isBroken =
+        isAnythingAt(inside) || (isAnythingAt(pathByAppendingComponent(folder, "objects")) &&
+                                 isAnythingAt(pathByAppendingComponent(folder, "refs")));
+    return isBroken ? std::optional(refusal("What is in " + inQuotes(folder) +
+                                                " looks like a damaged repository; nothing was "
+                                                "changed.",
+                                            exitFailed, destinationExists))
+                    : std::nullopt;
+}
+
+std::optional<Reply> InitTask::look() {
+    const std::string& folder = place().location;
+    if (const std::string word = arguments().value("DIR").value_or("");
+        word.find("://") != std::string::npos) {
+        return refusal(inQuotes(word) + " is a URL; a repository is made in a folder.",
+                       exitNotUnderstood);
+    }
+    if (auto refused = refusalOfRepository(folder)) {
+        return refused;
+    }
+    _folder.emplace(folder);
+    if (const auto failure = _folder->make()) {
+        return failureWith(NEBSourceControlErrorFromFileFailure(*failure));
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> InitTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestCreateRepository);
+    if (arguments().has("--bare")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionRepositoryPath, place().location);
+    }
+    return request;
+}
+
+void InitTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    _folder->keep();
+    reply.standardOutput =
+        "Made an empty repository in " + printable(inQuotes(place().location)) + ".\n";
+}
+
+constexpr Parameter initParameters[] = {
+    {"DIR", "The folder, made where it is missing; unless given, the current one", Takes::folder},
+    {"--bare", "A repository without a working copy, to push to"},
+};
+
+Reply init(const CommandCall& call) {
+    return InitTask(call).run();
+}
+
+// ---- clone ------------------------------------------------------------------------------------
+
+/// The last component of what is cloned, which names the folder that the clone goes into; empty
+/// when there is none.
+std::string nameOfClone(std::string_view source) {
+    constexpr std::array<std::string_view, 3> endings{"/.git", ".git", ".bundle"};
+    const auto withoutEndSlashes = [](std::string_view text) {
+        return text.substr(0, text.find_last_not_of('/') + 1);
+    };
+    source = withoutEndSlashes(source);
+    for (const std::string_view ending : endings) {
+        if (source.ends_with(ending)) {
+            source = withoutEndSlashes(source.substr(0, source.size() - ending.size()));
+            break;
+        }
+    }
+    const std::size_t separator = source.find_last_of("/:");
+    return std::string(source.substr(separator == std::string_view::npos ? 0 : separator + 1));
+}
+
+/// The request of a clone without the submodules, which the request's own operation always brings.
+class CloneWithoutSubmodulesOperation : public NEBSourceControlTaskOperation {
+public:
+    explicit CloneWithoutSubmodulesOperation(std::shared_ptr<NEBSourceControlRequest> request)
+        : NEBSourceControlTaskOperation(std::move(request)) {
+        std::vector<std::string> arguments{"clone", "-q"};
+        const NEBValue& branch = this->request()->option(NEBSourceControlRequestOptionBranch);
+        if (branch.isPresent()) {
+            arguments.insert(arguments.end(), {"--branch", branch.description()});
+        }
+        const std::string destination = this->request()->destination.description();
+        arguments.insert(arguments.end(), {*this->request()->sourceTree->location, destination});
+        setArguments(std::move(arguments));
+        setCurrentDirectoryPath(destination);
+        setMayRunHooks(true);
+    }
+
+    [[nodiscard]] std::string className() const override {
+        return "CloneWithoutSubmodulesOperation";
+    }
+    [[nodiscard]] std::string launchPath() override { return gitPath(); }
+};
+
+class CloneTask : public CommandTask {
+public:
+    using CommandTask::CommandTask;
+
+protected:
+    WorkingCopyPlace findPlace() override;
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Performance carryOut() override {
+        const auto asked = request();
+        return perform(asked, arguments().has("--no-submodules")
+                                  ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
+                                  : nullptr);
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    std::string sentenceFor(const NEBSourceControlError& error) const override {
+        const std::string& url = place().location;
+        return error.errorClass == "transport-unknown"
+                   ? "git knows no way to " + inQuotes(url) + "."
+                   : "";
+    }
+
+private:
+    std::string _destination;
+};
+
+WorkingCopyPlace CloneTask::findPlace() {
+    return {.location = repositoryLocation(currentFolder(), arguments().value("URL").value_or("")),
+            .currentFolder = currentFolder(),
+            .isWorkingCopy = false};
+}
+
+std::optional<Reply> CloneTask::look() {
+    if (!paths("DIR").empty()) {
+        _destination = paths("DIR").front();
+        return std::nullopt;
+    }
+    const std::string name = nameOfClone(place().location);
+    if (name.empty() || name == "." || name == "..") {
+        return refusal(inQuotes(arguments().value("URL").value_or("")) +
+                           " tells no name for the folder of the clone; it is expected behind it: "
+                           "nebsc clone URL DIR.",
+                       exitNotUnderstood);
+    }
+    _destination = pathByAppendingComponent(currentFolder(), name);
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> CloneTask::request() {
+    auto repository = std::make_shared<NEBSourceControlRepository>();
+    repository->location = place().location;
+    repository->name = nameOfClone(place().location);
+    auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestClone, repository,
+                                                         std::nullopt, std::nullopt);
+    request->repositoryToAuthenticate = repository;
+    request->destination = _destination;
+    if (const auto branch = arguments().value("--branch")) {
+        request->options.emplace();
+        request->options->set(NEBSourceControlRequestOptionBranch, *branch);
+    }
+    return request;
+}
+
+void CloneTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    reply.standardOutput = "Cloned into " + printable(inQuotes(_destination)) + ".\n";
+}
+
+constexpr Parameter cloneParameters[] = {
+    {"URL", "A repository: a URL, HOST:PATH, or a path", Takes::location, Occurs::once},
+    {"DIR", "The folder, made where it is missing; unless given, one named like the repository",
+     Takes::folder},
+    {"--branch", "The branch to check out, unless the repository's own", Takes::text,
+     Occurs::optionally, "BRANCH"},
+    {"--no-submodules", "Leave the folders of the submodules empty"},
+};
+
+Reply clone(const CommandCall& call) {
+    return CloneTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command initCommand{
+    .name = "init",
+    .group = changeGroup,
+    .summary = "Make an empty repository",
+    .details =
+        "Examples:\n"
+        "  nebsc init demo                make the folder demo, and a repository in it\n"
+        "  nebsc init --bare demo.git     one without a working copy, to push to\n",
+    .parameters = initParameters,
+    .activity = "Making the repository",
+    .run = init,
+};
+
+constinit const Command cloneCommand{
+    .name = "clone",
+    .group = remotesGroup,
+    .summary = "Copy a repository, with its submodules",
+    .details =
+        "Where it fails or is stopped, nothing is left of a folder that it made. Where only\n"
+        "submodules cannot be cloned, the clone is kept, and what it lacks is named.\n\n"
+        "Examples:\n"
+        "  nebsc clone https://example.org/demo.git           into the folder demo\n"
+        "  nebsc clone --branch topic ../demo elsewhere       a branch, into elsewhere\n",
+    .parameters = cloneParameters,
+    .activity = "Cloning",
+    .run = clone,
+};
+
+}  // namespace neb::nebsc

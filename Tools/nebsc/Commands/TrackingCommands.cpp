@@ -1,0 +1,162 @@
+// The commands about branches that track a branch of a remote.
+
+#include "CommandFrame/BranchTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view nameWord = "NAME";
+
+// ---- track ------------------------------------------------------------------------------------
+
+class TrackTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    /// Why, conclude() finds out.
+    bool isAnswer(const NEBSourceControlError& error) const override {
+        return error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
+    }
+
+private:
+    Tracking _tracking;
+};
+
+/// A remote's name may hold a "/" itself.
+std::optional<Reply> TrackTask::look() {
+    if (auto refused = refusalWithoutRepository()) {
+        return refused;
+    }
+    const std::string text = word("REMOTE/BRANCH");
+    const std::size_t first = text.find('/');
+    if (first == std::string::npos || first == 0 || text.ends_with('/')) {
+        return refusal(inQuotes(text) + " names no branch of a remote; REMOTE/BRANCH was expected.",
+                       exitNotUnderstood);
+    }
+    std::size_t slash = first;
+    while (slash != std::string::npos && !isRemote(text.substr(0, slash))) {
+        slash = text.find('/', slash + 1);
+    }
+    if (slash == std::string::npos && !text.starts_with('-')) {
+        return refusal(inQuotes(text) +
+                           " begins with the name of no remote; \"nebsc remote list\" shows them.",
+                       exitFailed, "remote-unknown");
+    }
+    const std::size_t end = slash == std::string::npos ? first : slash;
+    _tracking = {text.substr(0, end), text.substr(end + 1)};
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestTrackRemoteBranch);
+    request->destination = word(nameWord);
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionRemoteName, _tracking.remote);
+    request->options->set(NEBSourceControlRequestOptionBranch, _tracking.branch);
+    return request;
+}
+
+void TrackTask::conclude(const Outcome& outcome, Reply& reply) {
+    if (outcome.error) {
+        reply = refusalOfBranchNotFetched(_tracking);
+        return;
+    }
+    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                           ", which tracks " + shown(_tracking) + ".\n";
+    // The operation goes on after a fetch that may not overwrite a tag.
+    if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
+        reply.standardError +=
+            complaint("The fetch did not complete; " +
+                      inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " says why.");
+    }
+}
+
+constexpr Parameter trackParameters[] = {
+    {nameWord, "The new branch", Takes::text, Occurs::once},
+    {"REMOTE/BRANCH", "The remote's name and its branch", Takes::remoteBranch, Occurs::once},
+};
+
+Reply track(const CommandCall& call) {
+    return TrackTask(call).run();
+}
+
+// ---- tracking ---------------------------------------------------------------------------------
+
+class TrackingTask : public BranchTask {
+public:
+    using BranchTask::BranchTask;
+
+protected:
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    Silence silence() const override { return Silence::answer; }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+};
+
+std::shared_ptr<NEBSourceControlRequest> TrackingTask::request() {
+    auto request = requestOfType(NEBSourceControlRequestTrackingBranchName);
+    request->options.emplace();
+    request->options->set(NEBSourceControlRequestOptionBranch, word(nameWord));
+    return request;
+}
+
+/// Of a remote's branch that has a "/" in its name, the record holds a part alone. And git is
+/// silent outside any repository, and about a branch that is not there.
+void TrackingTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+    const std::string& name = word(nameWord);
+    if (auto refused = refusalWithoutRepository()) {
+        reply = *refused;
+    } else if (const auto tracking = trackingOf(name)) {
+        reply.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
+    } else if (isBranch(name) || currentBranch() == name) {
+        reply = refusal(inQuotes(name) + " tracks no branch.", exitFailed, "no-upstream");
+    } else {
+        reply = refusal("There is no branch " + inQuotes(name) + ".", exitFailed, "branch-unknown");
+    }
+}
+
+constexpr Parameter trackingParameters[] = {
+    {nameWord, "A branch of this repository", Takes::branch, Occurs::once},
+};
+
+Reply tracking(const CommandCall& call) {
+    return TrackingTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command branchTrackCommand{
+    .name = "track",
+    .group = innerGroup,
+    .summary = "Fetch a remote's branch and make one that tracks it",
+    .details =
+        "Example:\n"
+        "  nebsc branch track topic origin/topic\n",
+    .parameters = trackParameters,
+    .activity = "Fetching",
+    .run = track,
+};
+
+constinit const Command branchTrackingCommand{
+    .name = "tracking",
+    .group = innerGroup,
+    .summary = "Show which branch of a remote a branch tracks",
+    .details =
+        "The exit status is 1 when it tracks none.\n\n"
+        "Example:\n"
+        "  nebsc branch tracking main\n",
+    .parameters = trackingParameters,
+    .activity = "Looking",
+    .run = tracking,
+};
+
+}  // namespace neb::nebsc

@@ -1,0 +1,261 @@
+#include <charconv>
+
+#include "CommandFrame/MergingTask.h"
+#include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view remoteWord = "REMOTE";
+constexpr std::string_view branchWord = "BRANCH";
+
+class UpdateTask : public MergingTask {
+public:
+    using MergingTask::MergingTask;
+
+protected:
+    std::optional<Reply> look() override;
+    std::shared_ptr<NEBSourceControlRequest> request() override;
+    bool isAnswer(const NEBSourceControlError& error) const override {
+        return error.errorClass == NEBSourceControlUpToDateErrorClass;
+    }
+    void conclude(const Outcome& outcome, Reply& reply) override;
+    SideNames sideNames() const override {
+        return isSubversion() ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
+                              : MergingTask::sideNames();
+    }
+    std::string adviceAfter(const NEBSourceControlError& error) const override;
+
+private:
+    [[nodiscard]] bool isByFastForward() const { return arguments().has("--ff"); }
+    [[nodiscard]] bool isSubversion() const { return arguments().has("--svn"); }
+    [[nodiscard]] std::optional<Reply> refusalOfWords() const;
+    [[nodiscard]] std::optional<Reply> findSource();
+    [[nodiscard]] std::optional<Reply> fetchSource();
+    [[nodiscard]] std::optional<Reply> fetchSubversion();
+
+    /// The branch of a remote from which the commits come.
+    Tracking _source;
+    /// The reference under which a fetch keeps it here; empty where a pull asks the remote itself.
+    std::string _reference;
+    /// What a person is told of the source.
+    std::string _shownSource;
+    /// How many commits there are here that the reference does not have.
+    [[nodiscard]] std::size_t ownCommits();
+    /// Says how many commits of one's own a rebase has left out.
+    void noteDroppedCommits(Reply& reply);
+
+    std::optional<std::string> _commitBefore;
+    std::size_t _ownCommitsBefore = 0;
+    bool _isMergedAlready = false;
+};
+
+std::optional<Reply> UpdateTask::refusalOfWords() const {
+    const bool hasRemote = arguments().has(remoteWord);
+    const bool hasBranch = arguments().has(branchWord);
+    if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
+        return refusal(
+            "Either REMOTE and BRANCH, both or none, or --svn and no more than REF was expected "
+            "(see nebsc update --help).",
+            exitNotUnderstood);
+    }
+    return std::nullopt;
+}
+
+std::optional<Reply> UpdateTask::look() {
+    if (auto refused = refusalOfWords()) {
+        return refused;
+    }
+    if (auto refused = refusalWithoutWorkingCopy()) {
+        return refused;
+    }
+    _commitBefore = latestCommit();
+    if (isSubversion()) {
+        return fetchSubversion();
+    }
+    if (auto refused = findSource()) {
+        return refused;
+    }
+    _shownSource = shown(_source);
+    return isByFastForward() ? std::nullopt : fetchSource();
+}
+
+/// The words of the call, or what the current branch tracks.
+std::optional<Reply> UpdateTask::findSource() {
+    if (arguments().has(remoteWord)) {
+        _source = {remoteOrLocation(word(remoteWord)), word(branchWord)};
+        return std::nullopt;
+    }
+    const auto branch = currentBranch();
+    const auto tracking = branch ? trackingOf(*branch) : std::nullopt;
+    if (const auto broken = branch ? std::nullopt : brokenReference("HEAD")) {
+        return failureWith(*broken);
+    }
+    if (!tracking) {
+        Reply reply = refusal(branch ? "The current branch " + inQuotes(*branch) +
+                                           " tracks no branch, so it is not known what is new."
+                                     : "No branch is checked out that could track another, so it "
+                                       "is not known what is new.",
+                              exitFailed, "no-upstream");
+        reply.standardError += hasSubversion()
+                                   ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
+                                   : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+        return reply;
+    }
+    _source = *tracking;
+    return std::nullopt;
+}
+
+/// What the request merges must be here; of a remote without a name, nothing is kept.
+std::optional<Reply> UpdateTask::fetchSource() {
+    const bool isTracked = !arguments().has(remoteWord);
+    const std::string& remote = _source.remote;
+    if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
+        Reply reply =
+            refusal(inQuotes(remote) + " is the name of no remote.", exitFailed, "remote-unknown");
+        reply.standardError +=
+            "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
+            "a path, too.\n";
+        return reply;
+    }
+    if (auto failed = prepareBy(fetchRequest(remote))) {
+        return failed;
+    }
+    const auto reference =
+        isTracked
+            ? answer({"rev-parse", "--verify", "--quiet", "--symbolic-full-name", "@{upstream}"})
+            : "refs/remotes/" + remote + "/" + _source.branch;
+    if (!reference || askForCommit(*reference).status.exitStatus() == 1) {
+        return refusalOfBranchNotFetched(_source);
+    }
+    _reference = *reference;
+    _isMergedAlready = ask({"merge-base", "--is-ancestor", _reference, "HEAD"}).status.isSuccess();
+    if (!_isMergedAlready) {
+        setSides("HEAD", _reference);
+    }
+    return std::nullopt;
+}
+
+/// The bridge's setting is "path on the server:reference". A reference that is refused anyway is
+/// not worth a fetch.
+std::optional<Reply> UpdateTask::fetchSubversion() {
+    if (auto refused = refusalWithoutSubversion()) {
+        return refused;
+    }
+    _reference = word(remoteWord);
+    if (!arguments().has(remoteWord)) {
+        const std::string setting =
+            answer({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
+        _reference = setting.substr(setting.rfind(':') + 1);
+    }
+    _shownSource = printable(_reference);
+    if (_reference.starts_with('-')) {
+        return std::nullopt;
+    }
+    if (auto failed = prepareBy(exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion))) {
+        return failed;
+    }
+    _ownCommitsBefore = ownCommits();
+    setSides(_reference, "HEAD");
+    return std::nullopt;
+}
+
+std::size_t UpdateTask::ownCommits() {
+    const std::string count =
+        answer({"rev-list", "--count", "--end-of-options", _reference + "..HEAD"}).value_or("");
+    std::size_t number = 0;
+    std::from_chars(count.data(), count.data() + count.size(), number);
+    return number;
+}
+
+/// One whose changes are all there already, or lost to what is there, has nothing left to say.
+void UpdateTask::noteDroppedCommits(Reply& reply) {
+    const std::size_t left = ownCommits();
+    if (left >= _ownCommitsBefore) {
+        return;
+    }
+    const std::size_t dropped = _ownCommitsBefore - left;
+    reply.standardError += "nebsc: " + std::to_string(dropped) +
+                           (dropped == 1 ? " commit of yours was" : " commits of yours were") +
+                           " left out, as nothing in it is new or what it changes was changed "
+                           "there too; before the update, your commits ended with " +
+                           printable(_commitBefore.value_or("")) + ".\n";
+}
+
+std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
+    auto request = exchangeRequest(NEBSourceControlRequestUpdate,
+                                   isSubversion() ? Peer::subversion : Peer::remote);
+    if (isByFastForward()) {
+        request->destination = _source.remote;
+        request->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
+        request->options->set(NEBSourceControlRequestOptionRemoteName, _source.remote);
+        request->options->set(NEBSourceControlRequestOptionBranch, _source.branch);
+    } else {
+        request->destination = _reference;
+    }
+    return request;
+}
+
+/// An outcome does not say what came.
+void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
+    const auto commit = latestCommit();
+    if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
+        reply.standardOutput = "Already up to date with " + _shownSource + ".\n";
+    } else if (commit && commit != _commitBefore) {
+        reply.standardOutput =
+            "Updated from " + _shownSource + "; now at " + printable(*commit) + ".\n";
+    } else {
+        reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
+    }
+    noteSettledConflicts(outcome, reply);
+    if (isSubversion()) {
+        noteDroppedCommits(reply);
+    }
+}
+
+std::string UpdateTask::adviceAfter(const NEBSourceControlError& error) const {
+    return error.code == NEBSourceControlFastForwardError
+               ? "\"nebsc update\" without --ff merges them.\n"
+               : "";
+}
+
+constexpr Parameter parameters[] = {
+    {remoteWord,
+     "A remote's name; unless given, what the current branch tracks. With --svn: the reference of "
+     "what was fetched, unless it is the configured one",
+     Takes::remote},
+    {branchWord, "The remote's branch", Takes::branchOfRemote},
+    {"--ff", "Only if there are no commits here that the remote does not have"},
+    {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
+};
+
+Reply run(const CommandCall& call) {
+    return UpdateTask(call).run();
+}
+
+}  // namespace
+
+constinit const Command updateCommand{
+    .name = "update",
+    .group = remotesGroup,
+    .summary = "Bring the working copy up to date with a remote",
+    .details =
+        "Fetches, and merges what is new into the current branch. Where both sides have\n"
+        "changed the same lines, those of the current branch are kept; with --svn those of\n"
+        "Subversion are, and a commit of which nothing is left then is left out. The files are\n"
+        "named on standard error.\n\n"
+        "Examples:\n"
+        "  nebsc update                from the branch that the current one tracks\n"
+        "  nebsc update origin main    from another\n"
+        "  nebsc update --ff           the same, unless it would need a merge\n"
+        "  nebsc update --svn          from the Subversion repository\n",
+    .parameters = parameters,
+    .activity = "Updating",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

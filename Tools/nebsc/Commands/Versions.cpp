@@ -1,0 +1,36 @@
+#include "Commands/Commands.h"
+#include "JSON/OutcomeJSON.h"
+#include "Session/GitProgram.h"
+#include "Session/OperationRun.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace, bool isJSON) {
+    Interruption interruption;
+    const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
+    const std::optional<std::string> gitVersion = answerOf(git);
+    Reply reply;
+    if (interruption.signalNumber()) {
+        noteInterruption(reply, interruption.end());
+    } else if (isJSON) {
+        reply.standardOutput =
+            lineOfJSON({{"nebsc", NEBSC_VERSION},
+                        {"plugIn", {{"name", plugIn.name()}, {"version", plugIn.version()}}},
+                        {"git", gitVersion ? nlohmann::ordered_json(*gitVersion) : nullptr}});
+    } else {
+        std::string noVersion = "git was not found";
+        if (git.status.started()) {
+            const std::string words(git.errorOutput);
+            noVersion =
+                "git told no version: " +
+                (words.empty() ? git.status.description() : words.substr(0, words.find('\n')));
+        }
+        reply.standardOutput = "nebsc " NEBSC_VERSION "\n" +
+                               printable(plugIn.name() + " " + plugIn.version()) + "\n" +
+                               printable(gitVersion.value_or(noVersion)) + "\n";
+    }
+    return reply;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,68 @@
+#include "Doctor/Diagnosis.h"
+
+#include <span>
+
+#include "Doctor/Checks.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using Check = void (*)(Examination&);
+
+/// In the order in which people read the findings.
+constexpr Check checksOfRepository[] = {
+    checkLocks,   checkIndex,     checkReferences,     checkHEADCommit,
+    checkObjects, checkWorktrees, checkUnfinishedWork, checkHooks,
+};
+constexpr Check checksOfUser[] = {
+    checkSettings, checkIdentity, checkEnvironment, checkCredentials, checkSubversion,
+};
+
+void perform(std::span<const Check> checks, Examination& examination) {
+    for (const Check check : checks) {
+        if (!examination.isHopeless()) {
+            check(examination);
+        }
+    }
+}
+
+}  // namespace
+
+void checkPlugIn(Examination& examination, const PlugInFile& plugIn) {
+    if (!plugIn.load.plugIn) {
+        examination.add(Health::problem, "plug-in", plugIn.load.failure,
+                        "Build or reinstall NEBGit, or name its file with --plugin.");
+        return;
+    }
+    examination.add(Health::ok, "plug-in",
+                    plugIn.path + ", " + plugIn.load.plugIn->name() + " " +
+                        plugIn.load.plugIn->version() + ", contract version " +
+                        std::to_string(NEBSourceControlContractVersion));
+}
+
+std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
+                              const DiagnosisSubject& subject) {
+    Examination examination(interruption, trace, subject.folder);
+    checkGit(examination);
+    checkPlugIn(examination, subject.plugIn);
+    if (!examination.hasGit) {
+        return examination.takeFindings();
+    }
+    checkRepository(examination);
+    if (examination.repository) {
+        perform(checksOfRepository, examination);
+        if (subject.isFull && !examination.isHopeless()) {
+            checkIntegrity(examination);
+        }
+    }
+    perform(checksOfUser, examination);
+    if (examination.isHopeless()) {
+        examination.add(Health::problem, "git",
+                        "answers too slowly, so the examination is not complete",
+                        "Check the disk or network drive that the repository is on.");
+    }
+    return examination.takeFindings();
+}
+
+}  // namespace neb::nebsc

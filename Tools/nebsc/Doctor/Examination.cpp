@@ -1,0 +1,86 @@
+#include "Doctor/Examination.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <utility>
+
+#include "Doctor/ProgramSearch.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Session/Deadline.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr auto timeForEachQuestion = std::chrono::seconds(5);
+constexpr int mostUnansweredQuestions = 2;
+
+/// A git before 2.44 does not know the first, and starts a fetch that the second ends before it
+/// has reached anything.
+const std::vector<std::string> withoutFetching{"GIT_NO_LAZY_FETCH=1", "GIT_ALLOW_PROTOCOL="};
+
+}  // namespace
+
+ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool isLimited) {
+    ChildProcess process;
+    const auto cancel = [&process] { process.cancel(); };
+    const Interruption::Work work(_interruption, cancel);
+    std::optional<Deadline> deadline;
+    if (isLimited) {
+        deadline.emplace(std::chrono::steady_clock::now() + timeForEachQuestion, cancel);
+    }
+    ChildOutcome outcome = runGits(
+        process, _trace, std::move(calls),
+        {.folder = _folder, .variables = withoutFetching, .traits = {.isBackgroundWork = true}});
+    if (isLimited && isUnanswered(outcome)) {
+        ++_unansweredQuestions;
+        outcome.status = TerminationStatus::unknown(
+            "no answer within " + std::to_string(timeForEachQuestion.count()) + " s");
+        outcome.errorOutput = {};
+    }
+    return outcome;
+}
+
+ChildOutcome Examination::ask(std::vector<std::string> arguments) {
+    return run({std::move(arguments)}, true);
+}
+
+ChildOutcome Examination::askPipeline(std::vector<std::string> first,
+                                      std::vector<std::string> second) {
+    return run({std::move(first), std::move(second)}, true);
+}
+
+ChildOutcome Examination::askPatiently(std::vector<std::string> arguments) {
+    return run({std::move(arguments)}, false);
+}
+
+std::string Examination::gitPath(const std::string& name) {
+    const auto path = answerOf(ask({"rev-parse", "--path-format=absolute", "--git-path", name}));
+    return path.value_or(pathByAppendingComponent(repository ? repository->gitFolder : "", name));
+}
+
+bool Examination::isHopeless() const {
+    return _unansweredQuestions >= mostUnansweredQuestions || _interruption.signalNumber();
+}
+
+void Examination::add(Health health, std::string subject, std::string text, std::string advice) {
+    _findings.push_back({health, std::move(subject), std::move(text), std::move(advice)});
+}
+
+bool Examination::isReachable(const std::string& program) const {
+    return program.find('/') != std::string::npos
+               ? isProgram(pathByExpandingTilde(program))
+               : isProgramIn(programs + ":" + environmentVariable("PATH"), program);
+}
+
+bool isUnanswered(const ChildOutcome& outcome) {
+    return outcome.duration >= timeForEachQuestion;
+}
+
+std::string environmentVariable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,86 @@
+#include "Doctor/Checks.h"
+#include "Doctor/GitVersion.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "Session/GitProgram.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+void addFailure(Examination& examination, const ChildOutcome& outcome) {
+    if (!outcome.status.started()) {
+        examination.add(Health::problem, "git", "there is none: " + outcome.status.description(),
+                        "Install git, or put the folder that it is in into PATH.");
+        return;
+    }
+    const bool isSetting =
+        NEBSourceControlErrorClassOfText(outcome.errorOutput) == "configuration-broken";
+    examination.add(
+        Health::problem, "git", gitPath() + " reports no version: " + reasonOf(outcome),
+        isSetting ? "Fix or remove the line." : "See what \"git --version\" prints in a shell.");
+}
+
+void addVersion(Examination& examination, const GitVersion& version, const std::string& text) {
+    std::string missing;
+    for (const std::string_view feature : featuresMissingIn(version)) {
+        missing.append(missing.empty() ? "" : "; ").append(feature);
+    }
+    if (missing.empty()) {
+        examination.add(Health::ok, "git", gitPath() + ", " + text);
+    } else {
+        examination.add(Health::problem, "git", gitPath() + ", " + text + ", lacks " + missing,
+                        "Install git " + oldestGitWithAllFeatures().text() + " or newer.");
+    }
+}
+
+void checkPrograms(Examination& examination) {
+    const ChildOutcome outcome = examination.ask({"--exec-path"});
+    if (!outcome.status.isSuccess()) {
+        examination.add(Health::problem, "git",
+                        "it does not report where its programs are: " + reasonOf(outcome));
+        return;
+    }
+    examination.programs = answerOf(outcome).value_or("");
+    if (examination.isReachable("git-remote-https")) {
+        examination.add(Health::ok, "https", "git can talk with repositories over HTTPS");
+    } else {
+        examination.add(Health::note, "https", "git has no program for repositories over HTTPS",
+                        "Install git with its support for curl.");
+    }
+}
+
+}  // namespace
+
+void checkGit(Examination& examination) {
+    const ChildOutcome outcome = examination.ask({"--version"});
+    if (!outcome.status.isSuccess()) {
+        addFailure(examination, outcome);
+        return;
+    }
+    const std::string text = answerOf(outcome).value_or("");
+    const auto version = gitVersionIn(text);
+    if (!version) {
+        examination.add(Health::problem, "git",
+                        gitPath() + " reports no version: " + inQuotes(text),
+                        "Reinstall git, or put the folder of another one into PATH.");
+        return;
+    }
+    examination.hasGit = true;
+    addVersion(examination, *version, text);
+    checkPrograms(examination);
+}
+
+void checkSubversion(Examination& examination) {
+    if (examination.programs.empty()) {
+        return;
+    }
+    if (examination.isReachable("git-svn")) {
+        examination.add(Health::ok, "git-svn", "is installed");
+    } else {
+        examination.add(Health::note, "git-svn", "is not installed",
+                        "Install git-svn for repositories of Subversion.");
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,168 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+
+#include "Doctor/Checks.h"
+#include "Doctor/ProgramSearch.h"
+#include "Platform/FileDescriptor.h"
+#include "Platform/PathString.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Those of githooks(5), in its order.
+constexpr std::string_view hookNames[] = {
+    "applypatch-msg",
+    "pre-applypatch",
+    "post-applypatch",
+    "pre-commit",
+    "pre-merge-commit",
+    "prepare-commit-msg",
+    "commit-msg",
+    "post-commit",
+    "pre-rebase",
+    "post-checkout",
+    "post-merge",
+    "pre-push",
+    "pre-receive",
+    "update",
+    "proc-receive",
+    "post-receive",
+    "post-update",
+    "reference-transaction",
+    "push-to-checkout",
+    "pre-auto-gc",
+    "post-rewrite",
+    "sendemail-validate",
+    "fsmonitor-watchman",
+    "p4-changelist",
+    "p4-prepare-changelist",
+    "p4-post-changelist",
+    "p4-pre-submit",
+    "post-index-change",
+};
+
+/// The first line of a regular file, without its "\n", as far as the kernel reads it.
+std::string firstLineOf(const std::string& path) {
+    std::array<char, 256> bytes{};
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const ssize_t count = file.isOpen() ? ::read(file.get(), bytes.data(), bytes.size()) : 0;
+    const std::string_view start(bytes.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+    return std::string(start.substr(0, start.find('\n')));
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(" \t");
+    return begin == std::string_view::npos
+               ? std::string_view()
+               : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
+}
+
+/// What env(1) runs: all of the argument, or with -S its first word that sets no variable. Empty
+/// where that cannot be told.
+std::string_view programOfEnv(std::string_view argument) {
+    constexpr std::string_view split = "-S";
+    if (!argument.starts_with(split)) {
+        return argument.starts_with('-') ? std::string_view() : argument;
+    }
+    for (argument = trimmed(argument.substr(split.size())); !argument.empty();) {
+        const std::string_view word = argument.substr(0, argument.find_first_of(" \t"));
+        if (word.find('=') == std::string_view::npos) {
+            return word.starts_with('-') ? std::string_view() : word;
+        }
+        argument = trimmed(argument.substr(word.size()));
+    }
+    return {};
+}
+
+/// The program that a "#!" line needs and that does not exist; empty where all is well. The kernel
+/// hands everything behind the interpreter over as one argument.
+std::string missingProgramOf(const Examination& examination, std::string_view line) {
+    const std::string_view call = trimmed(line.substr(2));
+    std::string interpreter(call.substr(0, call.find_first_of(" \t")));
+    if (!isProgram(interpreter)) {
+        return interpreter;
+    }
+    if (lastPathComponent(interpreter) != "env") {
+        return "";
+    }
+    const std::string program(programOfEnv(trimmed(call.substr(interpreter.size()))));
+    return program.empty() || examination.isReachable(program) ? "" : program;
+}
+
+/// Checks a hook whose file exists; returns whether git can run it.
+bool checkHook(Examination& examination, const std::string& path) {
+    struct stat attributes {};
+    if (::stat(path.c_str(), &attributes) != 0) {
+        examination.add(Health::note, "hook", path + " is a link that leads nowhere",
+                        "Remove or correct the link.");
+        return false;
+    }
+    if (!S_ISREG(attributes.st_mode)) {
+        examination.add(Health::problem, "hook", path + " cannot run: it is no regular file");
+        return false;
+    }
+    if (::access(path.c_str(), X_OK) != 0) {
+        examination.add(Health::note, "hook", path + " is not executable, so git ignores it",
+                        "Run: chmod +x " + shellQuoted(path));
+        return false;
+    }
+    const std::string line = firstLineOf(path);
+    if (!line.starts_with("#!")) {
+        return true;  // a program, or a script that git gives to sh
+    }
+    if (line.ends_with('\r')) {
+        examination.add(Health::problem, "hook",
+                        path + " cannot run: its first line ends with a carriage return",
+                        "Convert its line ends with: sed -i 's/\\r$//' " + shellQuoted(path));
+        return false;
+    }
+    const std::string program = missingProgramOf(examination, line);
+    if (!program.empty()) {
+        examination.add(Health::problem, "hook",
+                        path + " cannot run: there is no program " + inQuotes(program),
+                        "Install it, or correct the hook's first line.");
+    }
+    return program.empty();
+}
+
+}  // namespace
+
+void checkHooks(Examination& examination) {
+    const std::string folder = examination.gitPath("hooks");
+    const std::string configured =
+        answerOf(examination.ask({"config", "--get", "core.hooksPath"})).value_or("");
+    std::error_code ignored;
+    if (!configured.empty() && configured != "/dev/null" &&
+        !std::filesystem::is_directory(folder, ignored)) {
+        examination.add(Health::note, "hooks",
+                        "there is no folder " + folder + ", so git runs no hooks",
+                        "Create it, or correct the setting core.hooksPath.");
+        return;
+    }
+    std::string working;
+    bool isAny = false;
+    for (const std::string_view name : hookNames) {
+        const std::string path = pathByAppendingComponent(folder, name);
+        struct stat attributes {};
+        if (::lstat(path.c_str(), &attributes) == 0) {
+            isAny = true;
+            if (checkHook(examination, path)) {
+                working.append(working.empty() ? "" : ", ").append(name);
+            }
+        }
+    }
+    if (!isAny) {
+        examination.add(Health::ok, "hooks", "none is set up");
+    } else if (!working.empty()) {
+        examination.add(Health::ok, "hooks", working);
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,78 @@
+#include "Doctor/Checks.h"
+#include "Session/GitProgram.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr const char* subject = "identity";
+
+/// One of the two persons that a commit names.
+struct Role {
+    const char* name;
+    const char* variable;
+    const char* nameVariable;
+    const char* addressVariable;
+};
+constexpr Role roles[] = {
+    {"author", "GIT_AUTHOR_IDENT", "GIT_AUTHOR_NAME", "GIT_AUTHOR_EMAIL"},
+    {"committer", "GIT_COMMITTER_IDENT", "GIT_COMMITTER_NAME", "GIT_COMMITTER_EMAIL"},
+};
+
+/// The command that gives a setting a value that counts.
+std::string commandFor(const Examination& examination, const char* key, const char* value) {
+    const std::string scope = examination.settings ? examination.settings->lastScope(key) : "";
+    const std::string option = scope == "local" || scope == "worktree" ? scope : "global";
+    return "git config --" + option + " " + key + " " + value;
+}
+
+std::string adviceOn(const Examination& examination, const Role& role) {
+    if (!environmentVariable(role.nameVariable).empty() ||
+        !environmentVariable(role.addressVariable).empty()) {
+        return std::string("Correct or unset ") + role.nameVariable + " and " +
+               role.addressVariable + ".";
+    }
+    return "Run: " + commandFor(examination, "user.name", "\"YOUR NAME\"") + " && " +
+           commandFor(examination, "user.email", "YOU@EXAMPLE.ORG");
+}
+
+/// Whether git made the author's address up from the names of the user and the machine.
+bool isAddressMadeUp(const Examination& examination) {
+    return examination.settings && examination.settings->lastValue("user.email").empty() &&
+           examination.settings->lastValue("author.email").empty() &&
+           environmentVariable("GIT_AUTHOR_EMAIL").empty() && environmentVariable("EMAIL").empty();
+}
+
+}  // namespace
+
+/// Where git cannot read the settings, it reports no identity; the finding about the settings says
+/// what to do.
+void checkIdentity(Examination& examination) {
+    if (!examination.settings) {
+        return;
+    }
+    std::string author;
+    for (const Role& role : roles) {
+        const ChildOutcome outcome = examination.ask({"var", role.variable});
+        const auto identity = answerOf(outcome);
+        if (!identity) {
+            examination.add(
+                Health::problem, subject,
+                std::string("git accepts no ") + role.name + " for a commit: " + reasonOf(outcome),
+                adviceOn(examination, role));
+            return;
+        }
+        if (author.empty()) {
+            author = identity->substr(0, identity->rfind('>') + 1);  // without the time
+        }
+    }
+    if (isAddressMadeUp(examination)) {
+        examination.add(Health::note, subject,
+                        author + ", with an address that git made up from this machine's name",
+                        "Run: git config --global user.email YOU@EXAMPLE.ORG");
+    } else {
+        examination.add(Health::ok, subject, author);
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,84 @@
+#include <filesystem>
+
+#include "CommandFrame/WorkingCopyPlace.h"
+#include "Doctor/Checks.h"
+#include "Doctor/UnfinishedWork.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "Session/GitProgram.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// The command that makes git trust a folder: git has written it, ready to be pasted.
+std::string commandOfTrust(std::string_view stderrText) {
+    constexpr std::string_view command = "git config --global --add safe.directory ";
+    const std::size_t position = stderrText.find(command);
+    if (position == std::string_view::npos) {
+        return std::string(command) + "FOLDER, with the folder that \"git status\" names.";
+    }
+    stderrText.remove_prefix(position);
+    return std::string(stderrText.substr(0, stderrText.find('\n')));
+}
+
+/// The ".git" in the folder or in the nearest one above it; empty if no folder has one.
+std::string remainsOfRepository(const std::string& folder) {
+    for (std::filesystem::path place = folder;; place = place.parent_path()) {
+        if (std::string path = (place / ".git").string(); isAnythingAt(path)) {
+            return path;
+        }
+        if (place == place.parent_path()) {
+            return "";
+        }
+    }
+}
+
+void addFailure(Examination& examination, const ChildOutcome& outcome) {
+    const auto errorClass = NEBSourceControlErrorClassOfText(outcome.errorOutput);
+    if (errorClass == "owner-not-trusted") {
+        examination.add(Health::problem, "repository",
+                        "owned by another user; git refuses to use it",
+                        "If you trust it: " + commandOfTrust(outcome.errorOutput));
+    } else if (errorClass != "not-a-repository") {
+        examination.add(Health::problem, "repository", "git cannot read it: " + reasonOf(outcome));
+    } else if (const std::string remains = remainsOfRepository(examination.folder());
+               !remains.empty()) {
+        examination.add(Health::problem, "repository",
+                        remains + " exists, but is no repository to git: " + reasonOf(outcome),
+                        "Check its HEAD, objects and refs; a file .git names another folder.");
+    } else {
+        examination.add(Health::note, "repository", examination.folder() + " lies in none",
+                        "\"nebsc init\" creates one, \"nebsc clone\" copies one.");
+    }
+}
+
+}  // namespace
+
+void checkRepository(Examination& examination) {
+    const ChildOutcome outcome =
+        examination.ask({"rev-parse", "--path-format=absolute", "--git-dir"});
+    if (!outcome.status.isSuccess()) {
+        addFailure(examination, outcome);
+        return;
+    }
+    RepositoryLayout layout{
+        .gitFolder = answerOf(outcome).value_or(""), .commonFolder = {}, .workingCopy = {}};
+    layout.commonFolder =
+        answerOf(examination.ask({"rev-parse", "--path-format=absolute", "--git-common-dir"}))
+            .value_or(layout.gitFolder);
+    layout.workingCopy = answerOf(examination.ask({"rev-parse", "--show-toplevel"})).value_or("");
+    examination.add(Health::ok, "repository",
+                    layout.workingCopy.empty()
+                        ? layout.gitFolder + ", without a working copy here"
+                        : "working copy " + layout.workingCopy + ", whose owner git trusts");
+    examination.repository = std::move(layout);
+}
+
+void checkUnfinishedWork(Examination& examination) {
+    for (const UnfinishedWork& row : unfinishedWorkIn(examination.repository->gitFolder)) {
+        examination.add(Health::note, "unfinished", std::string(row.work) + " is under way",
+                        std::string(row.advice));
+    }
+}
+
+}  // namespace neb::nebsc

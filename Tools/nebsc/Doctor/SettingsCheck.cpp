@@ -1,0 +1,33 @@
+#include "Doctor/Checks.h"
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Session/GitProgram.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+void checkSettings(Examination& examination) {
+    const ChildOutcome outcome = examination.ask({"config", "--list", "--show-scope", "-z"});
+    if (!outcome.status.isSuccess()) {
+        examination.add(Health::problem, "settings", "git cannot read them: " + reasonOf(outcome),
+                        "Fix or remove the line or value that git names.");
+        return;
+    }
+    examination.settings = UserSettings(outcome.output);
+    bool isAny = false;
+    for (const NEBSourceControlPinnedSetting& pinned : NEBSourceControlPinnedSettings()) {
+        const std::string own = examination.settings->lastValue(pinned.key);
+        if (!own.empty() && !isSameSetting(own, pinned.value)) {
+            isAny = true;
+            examination.add(Health::note, "setting",
+                            std::string(pinned.key) + " is " + inQuotes(withoutSecrets(own)) +
+                                ", but counts as " + inQuotes(pinned.value) +
+                                " for what is read here");
+        }
+    }
+    if (!isAny) {
+        examination.add(Health::ok, "settings", "none of yours is overridden");
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,88 @@
+#include "Doctor/UserSettings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+
+#include "Session/GitProgram.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string lowercase(std::string_view text) {
+    std::string small(text);
+    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return small;
+}
+
+std::optional<bool> truthOf(std::string_view text) {
+    const std::string word = lowercase(text);
+    for (const std::string_view yes : {"true", "yes", "on", "1"}) {
+        if (word == yes) {
+            return true;
+        }
+    }
+    for (const std::string_view no : {"false", "no", "off", "0"}) {
+        if (word == no) {
+            return false;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+UserSettings::UserSettings(std::string_view list) {
+    const std::vector<std::string> texts = textsBetweenNULs(list);
+    for (std::size_t i = 0; i + 1 < texts.size(); i += 2) {
+        const std::string& entry = texts[i + 1];
+        const std::size_t lineEnd = entry.find('\n');
+        if (texts[i] != "command") {
+            _settings.push_back(
+                {texts[i], entry.substr(0, lineEnd),
+                 lineEnd == std::string::npos ? "true" : entry.substr(lineEnd + 1)});
+        }
+    }
+}
+
+const Setting* UserSettings::last(std::string_view key) const {
+    const std::string listed = lowercase(key);
+    const auto setting =
+        std::find_if(_settings.rbegin(), _settings.rend(),
+                     [&listed](const Setting& candidate) { return candidate.key == listed; });
+    return setting == _settings.rend() ? nullptr : &*setting;
+}
+
+std::string UserSettings::lastValue(std::string_view key) const {
+    const Setting* setting = last(key);
+    return setting == nullptr ? "" : setting->value;
+}
+
+std::string UserSettings::lastScope(std::string_view key) const {
+    const Setting* setting = last(key);
+    return setting == nullptr ? "" : setting->scope;
+}
+
+std::vector<Setting> UserSettings::credentialHelpers() const {
+    std::vector<Setting> helpers;
+    for (const Setting& setting : _settings) {
+        if (!setting.key.starts_with("credential.") || !setting.key.ends_with(".helper")) {
+            continue;
+        }
+        if (setting.value.empty()) {
+            helpers.clear();
+        } else {
+            helpers.push_back(setting);
+        }
+    }
+    return helpers;
+}
+
+bool isSameSetting(std::string_view left, std::string_view right) {
+    return left == right || (truthOf(left) && truthOf(left) == truthOf(right));
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,29 @@
+#include "Doctor/Checks.h"
+#include "Platform/Text.h"
+#include "Session/GitProgram.h"
+
+namespace neb::nebsc {
+
+/// Reads the format of git-worktree(1), --porcelain.
+void checkWorktrees(Examination& examination) {
+    const ChildOutcome list = examination.ask({"worktree", "list", "--porcelain"});
+    if (!list.status.isSuccess()) {
+        examination.add(Health::problem, "worktree", "git cannot list them: " + reasonOf(list));
+        return;
+    }
+    constexpr std::string_view worktree = "worktree ";
+    constexpr std::string_view prunable = "prunable ";
+    std::string path;
+    forEachPiece(list.output, '\n', [&](std::string_view line) {
+        if (line.starts_with(worktree)) {
+            path = line.substr(worktree.size());
+        } else if (line.starts_with(prunable)) {
+            examination.add(Health::note, "worktree",
+                            path + " is gone: " + std::string(line.substr(prunable.size())),
+                            "\"git worktree prune\" forgets it; if it was moved, \"git worktree "
+                            "repair NEW-PATH\" finds it again.");
+        }
+    });
+}
+
+}  // namespace neb::nebsc

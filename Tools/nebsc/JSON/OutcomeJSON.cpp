@@ -1,0 +1,201 @@
+#include "JSON/OutcomeJSON.h"
+
+#include <string.h>
+
+#include <chrono>
+#include <cmath>
+
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Terminal/GitQuoting.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+template <typename Value>
+JSON orNull(const std::optional<Value>& value) {
+    return value ? JSON(*value) : JSON(nullptr);
+}
+
+/// Bytes that are no UTF-8 become U+FFFD.
+std::string textOf(const JSON& json) {
+    return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
+}
+
+/// The value of a record that has no values inside it.
+JSON leafOf(const NEBValue& value) {
+    if (const auto boolean = value.boolean()) {
+        return *boolean;
+    }
+    if (const auto integer = value.integer()) {
+        return *integer;
+    }
+    if (const auto string = value.string()) {
+        return *string;
+    }
+    if (const auto date = value.date()) {
+        return textOfDate(*date);
+    }
+    if (const auto* path = value.filePath()) {
+        return path->pathString();
+    }
+    if (const auto* object = value.object()) {
+        return object->descriptionForAssertionMessage();
+    }
+    return nullptr;
+}
+
+/// Appends the dictionary as text. A result may take most of the memory there is, so no JSON object
+/// or array is made of it: the library's destructor of one allocates memory, and terminates the
+/// program where there is no more.
+void append(std::string& text, const NEBDictionary& dictionary) {
+    char separator = '{';
+    for (const NEBDictionary::Entry& entry : dictionary) {
+        text.append(1, separator).append(textOf(std::string(entry.key()))).append(1, ':');
+        separator = ',';
+        if (const auto* inner = entry.value().dictionary()) {
+            append(text, *inner);
+        } else {
+            text += textOf(leafOf(entry.value()));
+        }
+    }
+    text += separator == '{' ? "{}" : "}";
+}
+
+std::string textOfResult(const Outcome& outcome) {
+    if (!outcome.result) {
+        return "null";
+    }
+    std::string text = "[";
+    for (const NEBDictionary& record : *outcome.result) {
+        text += text.size() > 1 ? "," : "";
+        append(text, record);
+    }
+    text += "]";
+    return text;
+}
+
+JSON jsonOfDictionary(const NEBDictionary& dictionary) {
+    JSON object = JSON::object();
+    for (const NEBDictionary::Entry& entry : dictionary) {
+        const auto* inner = entry.value().dictionary();
+        object[std::string(entry.key())] =
+            inner != nullptr ? jsonOfDictionary(*inner) : leafOf(entry.value());
+    }
+    return object;
+}
+
+JSON jsonOfCommand(const NEBSourceControlCommand& command) {
+    return {{"launchPath", command.launchPath},
+            {"arguments", command.arguments},
+            {"currentDirectoryPath", orNull(command.currentDirectoryPath)},
+            {"pipeTo", command.pipeTo ? jsonOfCommand(*command.pipeTo) : JSON(nullptr)}};
+}
+
+JSON millisecondsOf(std::chrono::nanoseconds duration) {
+    constexpr double tenthsInOne = 10;
+    using Tenths = std::chrono::duration<double, std::ratio<1, 10000>>;
+    return std::round(Tenths(duration).count()) / tenthsInOne;
+}
+
+JSON jsonOfRun(const NEBSourceControlCommandRun& run) {
+    return {{"launchPath", run.launchPath},
+            {"arguments", run.arguments},
+            {"currentDirectoryPath", orNull(run.currentDirectoryPath)},
+            {"terminationStatus", orNull(run.terminationStatus)},
+            {"milliseconds", run.duration ? millisecondsOf(*run.duration) : JSON(nullptr)}};
+}
+
+JSON jsonOfReport(const LOMAssertionReport& report) {
+    return {{"function", report.function},
+            {"file", report.file},
+            {"line", report.line},
+            {"message", report.message},
+            {"condition", report.condition}};
+}
+
+/// A signal by its name, so that it is not taken for an exit status.
+JSON jsonOfEnd(const std::optional<TerminationStatus>& status) {
+    if (const auto signalNumber = status ? status->signalNumber() : std::nullopt) {
+        const char* name = ::sigabbrev_np(*signalNumber);
+        return "SIG" + (name != nullptr ? name : std::to_string(*signalNumber));
+    }
+    return orNull(status ? status->exitStatus() : std::nullopt);
+}
+
+JSON jsonOfError(const NEBSourceControlError& error) {
+    return {{"domain", error.domain},
+            {"code", error.code},
+            {"class", orNull(error.errorClass)},
+            {"terminationStatus", jsonOfEnd(error.terminationStatus)},
+            {"text", orNull(error.text)},
+            {"hints", JSON(error.hints)},
+            {"remoteLines", JSON(error.remoteLines)},
+            {"files", JSON(error.files)},
+            {"localizedDescription", orNull(error.localizedDescription())},
+            {"localizedRecoverySuggestion", orNull(error.localizedRecoverySuggestion())},
+            {"userInfo", jsonOfDictionary(error.userInfo)}};
+}
+
+template <typename Values, typename Function>
+JSON arrayOf(const Values& values, Function function) {
+    JSON array = JSON::array();
+    for (const auto& value : values) {
+        array.push_back(function(value));
+    }
+    return array;
+}
+
+JSON membersBeforeResult(const Outcome& outcome) {
+    return {{"type", orNull(outcome.type)},
+            {"name",
+             orNull(outcome.type ? NEBSourceControlRequestTypeName(*outcome.type) : std::nullopt)},
+            {"authenticationRequired", outcome.authenticationRequired},
+            {"valid", outcome.valid},
+            {"operation", orNull(outcome.operation)},
+            {"command", outcome.command ? jsonOfCommand(*outcome.command) : JSON(nullptr)},
+            {"commands", arrayOf(outcome.commands, jsonOfRun)},
+            {"reports", arrayOf(outcome.reports, jsonOfReport)}};
+}
+
+JSON membersFromErrorOn(const Outcome& outcome) {
+    JSON json{{"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+    if (!outcome.omittedRevisions.empty()) {
+        json["omittedRevisions"] = outcome.omittedRevisions;
+    }
+    if (const auto& conflicts = outcome.settledConflicts) {
+        json["settledConflicts"] =
+            conflicts->files ? arrayOf(*conflicts->files, textOfName) : JSON(nullptr);
+    }
+    return json;
+}
+
+}  // namespace
+
+std::string textOfOutcome(const Outcome& outcome) {
+    const std::string result = textOfResult(outcome);
+    std::string text = textOf(membersBeforeResult(outcome));
+    text.pop_back();  // the brace at the end
+    const std::string end = textOf(membersFromErrorOn(outcome));
+    return text.append(",\"result\":").append(result).append(",").append(end, 1);
+}
+
+std::string writtenOutcome(Outcome& outcome,
+                           const std::function<std::string(const Outcome&)>& write) {
+    try {
+        return write(outcome);
+    } catch (const std::exception&) {
+        outcome.result.reset();
+        outcome.error = NEBSourceControlErrorOfCurrentException();
+    }
+    return write(outcome);
+}
+
+std::string lineOfJSON(const JSON& json) {
+    return textOf(json) + "\n";
+}
+
+}  // namespace neb::nebsc

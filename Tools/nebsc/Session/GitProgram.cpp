@@ -1,0 +1,127 @@
+#include "Session/GitProgram.h"
+
+#include <algorithm>
+
+#include "LOMFoundation/LOMDeveloperPaths.h"
+#include "Platform/Text.h"
+
+namespace neb::nebsc {
+
+std::string gitPath() {
+    return LOMDeveloperPaths::defaultPaths()
+        .binSearchPathForPlatform(std::nullopt)
+        .pathOfProgram("git");
+}
+
+namespace {
+
+std::vector<std::string> environmentIn(const GitSurroundings& surroundings) {
+    std::vector<std::string> environment = NEBSourceControlChildEnvironment(
+        NEBSourceControlInheritedEnvironment(), surroundings.traits);
+    for (const std::string& variable : surroundings.variables) {
+        const std::string_view head = std::string_view(variable).substr(0, variable.find('=') + 1);
+        std::erase_if(environment,
+                      [head](const std::string& other) { return other.starts_with(head); });
+        environment.push_back(variable);
+    }
+    return environment;
+}
+
+std::string_view withoutSeverity(std::string_view line) {
+    for (const std::string_view prefix : {"fatal: ", "error: "}) {
+        if (line.starts_with(prefix)) {
+            line.remove_prefix(prefix.size());
+        }
+    }
+    return line;
+}
+
+}  // namespace
+
+ChildOutcome runGit(Interruption& interruption, const Trace& trace,
+                    std::vector<std::string> arguments, std::optional<std::string> folder) {
+    ChildProcess process;
+    const Interruption::Work work(interruption, [&process] { process.cancel(); });
+    return runGit(process, trace, std::move(arguments), std::move(folder));
+}
+
+ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::string> arguments,
+                    std::optional<std::string> folder) {
+    return runGits(process, trace, {std::move(arguments)}, {.folder = std::move(folder)});
+}
+
+ChildOutcome runGits(ChildProcess& process, const Trace& trace,
+                     std::vector<std::vector<std::string>> calls,
+                     const GitSurroundings& surroundings) {
+    const std::vector<std::string> environment = environmentIn(surroundings);
+    std::vector<NEBSourceControlCommand> commands;
+    std::vector<ChildLaunch> launches;
+    for (std::vector<std::string>& arguments : calls) {
+        launches.push_back({.launchPath = gitPath(),
+                            .arguments = arguments,
+                            .currentDirectoryPath = surroundings.folder,
+                            .environment = environment});
+        commands.push_back({.launchPath = launches.back().launchPath,
+                            .arguments = std::move(arguments),
+                            .currentDirectoryPath = surroundings.folder,
+                            .pipeTo = nullptr});
+    }
+    std::vector<std::optional<std::size_t>> numbers(commands.size());
+    std::vector<ChildOutcome> outcomes = process.run(
+        launches,
+        {.started = [&](std::size_t index) { numbers[index] = trace.started(commands[index]); }});
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        if (numbers[i]) {
+            trace.ended(*numbers[i], outcomes[i].status, outcomes[i].duration);
+        }
+    }
+    return std::move(outcomes.back());
+}
+
+std::optional<std::string> answerOf(const ChildOutcome& outcome) {
+    if (!outcome.status.isSuccess() || outcome.output.empty()) {
+        return std::nullopt;
+    }
+    std::string answer(outcome.output);
+    if (answer.ends_with('\n')) {
+        answer.pop_back();
+    }
+    return answer;
+}
+
+std::string reasonOf(const ChildOutcome& outcome) {
+    std::string reason;
+    bool isFatal = false;
+    bool continues = false;
+    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
+        const bool startsFatal = !isFatal && line.starts_with("fatal: ");
+        const std::size_t text = std::min(line.find_first_not_of(" \t"), line.size());
+        if (startsFatal || (reason.empty() && text < line.size())) {
+            reason = withoutSeverity(line);
+            isFatal = isFatal || startsFatal;
+            continues = true;
+        } else if (continues && text < line.size() && (text > 0 || reason.ends_with(':'))) {
+            reason.append(reason.ends_with(':') ? " " : ", ").append(line.substr(text));
+        } else {
+            continues = false;
+        }
+    });
+    return reason.empty() ? outcome.status.description() : reason;
+}
+
+std::vector<std::string> textsBetweenNULs(std::string_view bytes) {
+    std::vector<std::string> texts;
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find('\0'), bytes.size());
+        texts.emplace_back(bytes.substr(0, end));
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return texts;
+}
+
+std::optional<std::string> workingCopyTop(Interruption& interruption, const Trace& trace,
+                                          const std::string& folder) {
+    return answerOf(runGit(interruption, trace, {"rev-parse", "--show-toplevel"}, folder));
+}
+
+}  // namespace neb::nebsc

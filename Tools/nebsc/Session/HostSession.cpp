@@ -1,0 +1,145 @@
+#include "Session/HostSession.h"
+
+#include "CommandFrame/MissingSubmodules.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlFileError.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Session/MissingFolder.h"
+#include "Session/ReportCapture.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+void runOperation(NEBSourceControlOperation& operation, const HostSession::Runner& run,
+                  const Trace& trace, Outcome& outcome) {
+    const auto log = std::make_shared<NEBSourceControlCommandLog>(trace.observers());
+    operation.setCommandLog(log);
+    run(operation);
+    outcome.commands = log->runs();
+    outcome.result = operation.result();
+    outcome.omittedRevisions = operation.omittedRevisions();
+    outcome.error = operation.error();
+    outcome.outputWasHeldOpen = operation.outputWasHeldOpen();
+}
+
+bool hasFailed(const Outcome& outcome) {
+    return outcome.error || outcome.commands.empty() ||
+           outcome.commands.back().terminationStatus != 0;
+}
+
+/// Whether a clone that failed is whole but for submodules, which the outcome names then. The clone
+/// is kept: what has come need not come again.
+bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trace& trace) {
+    if (outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass) {
+        return false;
+    }
+    const std::vector<std::string> missing = missingSubmodules(trace, folder);
+    if (missing.empty()) {
+        return false;
+    }
+    std::string names;
+    for (const std::string& path : missing) {
+        names += (names.empty() ? " " : ", ") + inQuotes(path);
+    }
+    outcome.leftFolder =
+        "The clone " + inQuotes(folder) + " is kept; it lacks the " +
+        (missing.size() == 1 ? "submodule" : "submodules") + names +
+        // --force: git has cloned some without their files, and would take these for deleted.
+        ". To get what is missing, run \"git submodule update --init --recursive --force\" in it.";
+    if (outcome.error) {
+        outcome.error->files = missing;
+    }
+    return true;
+}
+
+/// git runs in the folder into which it clones.
+void runClone(NEBSourceControlOperation& operation, const std::string& destination,
+              const HostSession::Runner& run, const Trace& trace, Outcome& outcome) {
+    MissingFolder folder(destination);
+    if (const auto failure = folder.make()) {
+        outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
+    } else {
+        runOperation(operation, run, trace, outcome);
+        if (!hasFailed(outcome) || lacksOnlySubmodules(outcome, destination, trace)) {
+            folder.keep();
+        }
+    }
+    if (const auto failure = folder.removeAgain()) {
+        outcome.leftFolder = failure->description;
+    }
+}
+
+NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
+    std::string description =
+        "The plug-in has no operation for the request type " + std::to_string(type);
+    if (const auto name = NEBSourceControlRequestTypeName(type)) {
+        description.append(" (").append(*name).append(")");
+    }
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError, description + ".",
+        "Correct the request; \"nebsc types\" lists the types and what each needs.");
+    error.errorClass = NEBSourceControlRequestInvalidErrorClass;
+    return error;
+}
+
+}  // namespace
+
+Performance HostSession::perform(
+    const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+    const std::shared_ptr<NEBSourceControlOperation>& replacement) const {
+    const ReportCapture capture;
+    Outcome outcome;
+    outcome.type = request->type;
+    try {
+        if (auto refused = askAndRun(request, run, replacement, outcome)) {
+            return {std::nullopt, std::move(refused)};
+        }
+    } catch (...) {
+        outcome.result.reset();
+        outcome.error = NEBSourceControlErrorOfCurrentException();
+    }
+    outcome.reports = capture.reports();
+    return {std::move(outcome), std::nullopt};
+}
+
+Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner& run) const {
+    Outcome outcome;
+    outcome.type = operation.request()->type;
+    outcome.valid = true;
+    outcome.operation = operation.className();
+    outcome.command = operation.command();
+    runOperation(operation, run, _trace, outcome);
+    return outcome;
+}
+
+std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
+    const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
+    const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const {
+    outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);
+    outcome.valid = _controller->validateRequest(*request, &outcome.error);
+    if (!outcome.valid) {
+        return std::nullopt;
+    }
+    if (auto refused = NEBSourceControlFirstOptionLikeValue(*request)) {
+        return refused;
+    }
+    const auto operation = replacement ? replacement : _controller->operationForRequest(request);
+    if (!operation) {
+        outcome.error = errorOfMissingOperation(request->type);
+        return std::nullopt;
+    }
+    outcome.operation = operation->className();
+    outcome.command = operation->command();
+    const auto destination = request->destination.string();
+    if (run && request->type == NEBSourceControlRequestClone && destination) {
+        runClone(*operation, std::string(*destination), run, _trace, outcome);
+    } else if (run) {
+        runOperation(*operation, run, _trace, outcome);
+    }
+    return std::nullopt;
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,90 @@
+#include "Session/OperationRun.h"
+
+#include <string.h>
+
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Session/ArrivingPack.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// Where the repository is that the request works in; empty where nobody says so.
+std::string folderOf(const NEBSourceControlRequest& request) {
+    if (request.type == NEBSourceControlRequestClone) {
+        return std::string(request.destination.string().value_or(""));
+    }
+    return request.sourceTree && request.sourceTree->location ? *request.sourceTree->location : "";
+}
+
+}  // namespace
+
+void cancelOperation(NEBSourceControlOperation& operation) {
+    try {
+        operation.cancel();
+    } catch (...) {
+        NEBSourceControlStoreCurrentException(nullptr);
+    }
+}
+
+HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign) {
+    return [&interruption, &sign](NEBSourceControlOperation& operation) {
+        ArrivingPack pack(folderOf(*operation.request()));
+        const LifeSign::Count count(sign, [&operation, &pack] {
+            return operation.commandLog()->receivedBytes() + pack.bytes();
+        });
+        const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
+        operation.start();
+    };
+}
+
+void noteReports(Reply& reply, const Outcome& outcome) {
+    for (const LOMAssertionReport& report : outcome.reports) {
+        reply.standardError +=
+            complaint("The plug-in reports: " + report.message + " (" + report.function + ", " +
+                      report.file + ":" + std::to_string(report.line) + ")");
+    }
+}
+
+void noteOmittedRevisions(Reply& reply, const Outcome& outcome) {
+    const std::vector<std::string>& revisions = outcome.omittedRevisions;
+    if (revisions.empty()) {
+        return;
+    }
+    const std::string which =
+        revisions.size() == 1 ? "One commit is" : std::to_string(revisions.size()) + " commits are";
+    reply.standardError += complaint(
+        which + " left out, because the author, the e-mail address or the message is not UTF-8:");
+    constexpr std::size_t inOneLine = 5;
+    for (std::size_t i = 0; i < revisions.size(); ++i) {
+        const bool isLastInLine = i % inOneLine == inOneLine - 1 || i + 1 == revisions.size();
+        reply.standardError += (i % inOneLine == 0 ? "    " : " ") + printable(revisions[i]) +
+                               (isLastInLine ? "\n" : "");
+    }
+}
+
+void noteLeftFolder(Reply& reply, const Outcome& outcome) {
+    if (!outcome.leftFolder.empty()) {
+        reply.standardError += complaint(outcome.leftFolder);
+    }
+}
+
+void noteHeldOutput(Reply& reply, const Outcome& outcome) {
+    if (outcome.outputWasHeldOpen) {
+        reply.standardError += complaint(
+            "A process that git left behind still held its output open; what it wrote later is "
+            "missing here.");
+    }
+}
+
+void noteInterruption(Reply& reply, std::optional<int> signalNumber) {
+    if (signalNumber) {
+        reply.standardError =
+            complaint("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
+        reply.exitStatus = exitOfSignal(*signalNumber);
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,24 @@
+#include "Session/PlugInLocation.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+std::string defaultPlugInPath() {
+    std::error_code failure;
+    const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
+    const std::array places{
+        (folder / NEBSC_INSTALLED_PLUGIN).lexically_normal(),
+        folder.parent_path() / "lib" / "NEBGit.so",  // in a build folder
+        folder / "NEBGit.so",
+    };
+    const auto* const place = std::ranges::find_if(
+        places, [&failure](const fs::path& path) { return fs::exists(path, failure); });
+    return place == places.end() ? places.front() : *place;
+}
+
+}  // namespace neb::nebsc

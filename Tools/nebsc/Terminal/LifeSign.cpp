@@ -1,0 +1,92 @@
+#include "Terminal/LifeSign.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include "Platform/SignalFreeThread.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// A sign that cannot be written is no reason to stop the work.
+void write(const std::string& text) {
+    static_cast<void>(::write(STDERR_FILENO, text.data(), text.size()) >= 0);
+}
+
+}  // namespace
+
+LifeSign::LifeSign(std::string_view activity, bool isWanted) : _activity(activity) {
+    if (isWanted && ::isatty(STDERR_FILENO) == 1) {
+        _thread = startSignalFreeThread([this] { show(); });
+    }
+}
+
+LifeSign::~LifeSign() {
+    if (!_thread.joinable()) {
+        return;
+    }
+    {
+        const MutexLock lock(_mutex);
+        _isEnded = true;
+    }
+    _end.notify_one();
+    _thread.join();
+}
+
+LifeSign::Count::Count(LifeSign& sign, std::function<std::uint64_t()> received) : _sign(sign) {
+    const MutexLock lock(sign._mutex);
+    sign._received = std::move(received);
+}
+
+LifeSign::Count::~Count() {
+    const MutexLock lock(_sign._mutex);
+    _sign._received = nullptr;
+}
+
+std::string LifeSign::text(int seconds) const {
+    const std::uint64_t bytes = _received ? _received() : 0;
+    return _activity + " … " + std::to_string(seconds) + " s" +
+           (bytes == 0 ? "" : ", " + textOfSize(bytes));
+}
+
+void LifeSign::show() {
+    const auto start = std::chrono::steady_clock::now();
+    std::size_t width = 0;
+    MutexLock lock(_mutex);
+    for (int seconds = 1;; ++seconds) {
+        if (_end.wait_until(lock, start + std::chrono::seconds(seconds),
+                            [this]() NEB_REQUIRES(_mutex) { return _isEnded; })) {
+            break;
+        }
+        const std::string line = text(seconds);
+        // Not by a terminal's own sequence for it: a dumb one has none.
+        write("\r" + paddedTo(width, line));
+        width = std::max(width, columnsOf(line));
+    }
+    if (width > 0) {
+        write("\r" + std::string(width, ' ') + "\r");
+    }
+}
+
+std::string textOfSize(std::uint64_t bytes) {
+    constexpr std::uint64_t thousand = 1000;
+    if (bytes < thousand) {
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+    }
+    constexpr std::array<const char*, 3> units{"kB", "MB", "GB"};
+    std::size_t unit = 0;
+    // In tenths, cut off and not rounded, so that no "1000.0 kB" comes of it.
+    std::uint64_t tenths = bytes / (thousand / 10);
+    while (tenths >= thousand * 10 && unit + 1 < units.size()) {
+        tenths /= thousand;
+        ++unit;
+    }
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " " + units[unit];
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,207 @@
+#include "Terminal/Pager.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <vector>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/FileDescriptor.h"
+#include "Terminal/Output.h"
+#include "Terminal/TextWidth.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+/// The same that git uses; a machine may have none.
+constexpr std::string_view usualPager = "command -v less > /dev/null || exec cat; exec less";
+
+/// What git sets for the pagers that know it, where the user has not.
+constexpr std::array<std::string_view, 2> pagerVariables{"LESS=FRX", "LV=-c"};
+
+std::optional<std::string> variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+/// A terminal that does not know its size is taken for the smallest that people use.
+winsize sizeOfTerminal(int descriptor) {
+    winsize size{};
+    static_cast<void>(::ioctl(descriptor, TIOCGWINSZ, &size));
+    constexpr unsigned short usualRows = 24;
+    constexpr unsigned short usualColumns = 80;
+    size.ws_row = size.ws_row == 0 ? usualRows : size.ws_row;
+    size.ws_col = size.ws_col == 0 ? usualColumns : size.ws_col;
+    return size;
+}
+
+/// The columns of a line, in which colours take none.
+std::size_t columnsOnTerminal(std::string_view line) {
+    constexpr std::size_t tabStop = 8;
+    std::size_t columns = 0;
+    while (!line.empty()) {
+        const std::size_t end = std::min(line.find_first_of("\x1b\t\r"), line.size());
+        columns += columnsOf(line.substr(0, end));
+        line.remove_prefix(end);
+        if (line.starts_with('\x1b')) {
+            line.remove_prefix(std::min(line.find('m'), line.size() - 1) + 1);
+        } else if (!line.empty()) {
+            columns += line.starts_with('\t') ? tabStop - columns % tabStop : 0;
+            line.remove_prefix(1);
+        }
+    }
+    return columns;
+}
+
+/// nebsc's own environment, and the variables that are missing there.
+std::vector<std::string> environmentOfPager() {
+    std::vector<std::string> environment = NEBSourceControlInheritedEnvironment();
+    for (const std::string_view row : pagerVariables) {
+        const std::string_view start = row.substr(0, row.find('=') + 1);
+        const auto isSet = [start](const std::string& entry) { return entry.starts_with(start); };
+        if (std::none_of(environment.begin(), environment.end(), isSet)) {
+            environment.emplace_back(row);
+        }
+    }
+    return environment;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// Signals that nebsc lives through while a pager runs: what a person types is for the pager, and
+/// one that is left early closes its end of the pipe.
+class SparedSignals {
+public:
+    SparedSignals() {
+        struct sigaction ignore {};
+        ignore.sa_handler = SIG_IGN;
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            ::sigaction(signals[i], &ignore, &_formerActions[i]);
+        }
+    }
+    SparedSignals(const SparedSignals&) = delete;
+    SparedSignals& operator=(const SparedSignals&) = delete;
+    ~SparedSignals() {
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            ::sigaction(signals[i], &_formerActions[i], nullptr);
+        }
+    }
+
+    /// Those that a pager is to find as they were before.
+    [[nodiscard]] sigset_t toRestore() const {
+        sigset_t set;
+        ::sigemptyset(&set);
+        for (std::size_t i = 0; i < signals.size(); ++i) {
+            if (_formerActions[i].sa_handler != SIG_IGN) {
+                ::sigaddset(&set, signals[i]);
+            }
+        }
+        return set;
+    }
+
+private:
+    static constexpr std::array signals{SIGINT, SIGQUIT, SIGPIPE};
+
+    std::array<struct sigaction, signals.size()> _formerActions{};
+};
+
+/// Answers the process, or nothing when there is none.
+std::optional<pid_t> startPager(const std::string& pager, const Pipe& pipe,
+                                const SparedSignals& signals) {
+    std::vector<std::string> words{"/bin/sh", "-c", pager};
+    std::vector<std::string> environment = environmentOfPager();
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+    if (::posix_spawn_file_actions_init(&actions) != 0) {
+        return std::nullopt;
+    }
+    if (::posix_spawnattr_init(&attributes) != 0) {
+        ::posix_spawn_file_actions_destroy(&actions);
+        return std::nullopt;
+    }
+    const sigset_t defaults = signals.toRestore();
+    pid_t process = -1;
+    const bool isStarted =
+        ::posix_spawn_file_actions_adddup2(&actions, pipe.readEnd.get(), STDIN_FILENO) == 0 &&
+        ::posix_spawnattr_setsigdefault(&attributes, &defaults) == 0 &&
+        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF) == 0 &&
+        ::posix_spawn(&process, words[0].c_str(), &actions, &attributes, pointersTo(words).data(),
+                      pointersTo(environment).data()) == 0;
+    ::posix_spawnattr_destroy(&attributes);
+    ::posix_spawn_file_actions_destroy(&actions);
+    return isStarted ? std::optional(process) : std::nullopt;
+}
+
+/// Whether the shell has found the program and could run it.
+bool hasRun(pid_t pager) {
+    constexpr int notExecutable = 126;
+    constexpr int notFound = 127;
+    int status = 0;
+    while (::waitpid(pager, &status, 0) < 0) {
+        if (errno != EINTR) {
+            return true;
+        }
+    }
+    return !WIFEXITED(status) ||
+           (WEXITSTATUS(status) != notExecutable && WEXITSTATUS(status) != notFound);
+}
+
+}  // namespace
+
+bool needsPager(int descriptor, std::string_view text) {
+    if (::isatty(descriptor) != 1 || variable("TERM") == "dumb") {
+        return false;
+    }
+    const winsize size = sizeOfTerminal(descriptor);
+    std::size_t rows = 1;  // for what the shell writes behind it
+    while (!text.empty() && rows <= size.ws_row) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        const std::size_t columns = std::max<std::size_t>(columnsOnTerminal(line), 1);
+        rows += (columns + size.ws_col - 1) / size.ws_col;
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return rows > size.ws_row;
+}
+
+std::optional<std::string> pagerOfUser(const std::optional<std::string>& configured) {
+    auto pager = variable("GIT_PAGER");
+    pager = pager ? pager : configured;
+    pager = pager ? pager : variable("PAGER");
+    pager = pager ? pager : std::string(usualPager);
+    return pager->empty() || *pager == "cat" ? std::nullopt : pager;
+}
+
+bool showThroughPager(const std::string& pager, std::string_view text) {
+    Pipe pipe;
+    if (openPipe(pipe, PipeSize::ordinary) != 0) {
+        return false;
+    }
+    const SparedSignals signals;
+    const auto process = startPager(pager, pipe, signals);
+    if (!process) {
+        return false;
+    }
+    pipe.readEnd.close();
+    // A failure means that the person has seen enough.
+    static_cast<void>(writeAll(pipe.writeEnd.get(), text));
+    pipe.writeEnd.close();
+    return hasRun(*process);
+}
+
+}  // namespace neb::nebsc

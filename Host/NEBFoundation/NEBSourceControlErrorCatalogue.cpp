@@ -6,7 +6,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
-#include "NEBFoundation/NEBSourceControlErrorStatements.h"
+#include "NEBFoundation/NEBSourceControlErrorTextNormalizer.h"
 
 namespace neb {
 

@@ -295,7 +295,7 @@ void ChildPipeline::noteEnd(Child& child) {
 // ---- the end ----------------------------------------------------------------------------------
 
 /// A git that is stopped is either in the middle of making a lock, which can be seen, or knows it.
-void ChildPipeline::noteHalfMadeLocks() {
+void ChildPipeline::noteOrphanedLockFiles() {
     signalAll(SIGSTOP);
     const Moment deadline = Clock::now() + stoppingGrace;
     const auto isStopped = [](const Child& child) {
@@ -314,7 +314,7 @@ void ChildPipeline::noteHalfMadeLocks() {
 /// Asks all sessions to end. git removes its lock files on SIGTERM; SIGCONT lets a stopped process
 /// hear of it.
 void ChildPipeline::beginEnding() {
-    noteHalfMadeLocks();
+    noteOrphanedLockFiles();
     _killMoment = Clock::now() + endingGrace;
     signalAll(SIGTERM);
     signalAll(SIGCONT);

@@ -11,7 +11,7 @@
 #include "Platform/CapturedStream.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDescriptor.h"
-#include "Platform/HalfMadeLocks.h"
+#include "Platform/OrphanedLockFiles.h"
 
 struct pollfd;
 
@@ -59,7 +59,7 @@ private:
     static void noteEnd(Child& child);
 
     void beginEnding();
-    void noteHalfMadeLocks();
+    void noteOrphanedLockFiles();
     void continueEnding();
     void signalAll(int signalNumber);
     void releaseStreamsHeldByOthers();
@@ -69,7 +69,7 @@ private:
     const std::vector<ChildLaunch>& _launches;
     const FileDescriptor& _wake;
     std::vector<Child> _children;
-    HalfMadeLocks _halfMadeLocks;           // of sessions that are being ended
+    OrphanedLockFiles _halfMadeLocks;       // of sessions that are being ended
     std::optional<Moment> _killMoment;      // set while the sessions are being ended
     std::optional<Moment> _streamDeadline;  // set once all children have ended
     std::optional<Moment> _inputDeadline;   // set once a child ended before the one it feeds

@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "Platform/Text.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"

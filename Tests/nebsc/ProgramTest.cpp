@@ -95,7 +95,7 @@ void collectExamples(const nebsc::Command& command, const std::string& name) {
         }
         auto read = nebsc::readCommandLine(static_cast<int>(pointers.size()), pointers.data());
         const bool isUnderstood = std::holds_alternative<nebsc::Call>(read) ||
-                                  std::get<nebsc::Reply>(read).exitStatus == 0;  // its help
+                                  std::get<nebsc::CommandOutput>(read).exitStatus == 0;  // its help
         EXPECT_TRUE(isUnderstood) << line;
         if (const auto* call = std::get_if<nebsc::Call>(&read)) {
             const bool isAboutIt = call->command == &command ||
@@ -231,7 +231,7 @@ TEST(Program, EachNameOfGitStandsForACommandThatThereIs) {
         }
         const auto read =
             nebsc::readCommandLine(static_cast<int>(pointers.size()), pointers.data());
-        EXPECT_EQ(std::get<nebsc::Reply>(read).exitStatus, 0) << row.name;
+        EXPECT_EQ(std::get<nebsc::CommandOutput>(read).exitStatus, 0) << row.name;
         const bool isCommand = std::any_of(
             nebsc::allCommands().begin(), nebsc::allCommands().end(),
             [&row](const nebsc::Command* command) { return command->name == row.nameInGit; });

@@ -13,7 +13,7 @@ namespace neb::nebsc {
 
 namespace {
 
-Reply replyTo(const Call& call) {
+CommandOutput replyTo(const Call& call) {
     if (const auto refused = enterFolders(call.folders)) {
         return *refused;
     }
@@ -47,15 +47,15 @@ Reply replyTo(const Call& call) {
 }
 
 /// The reply of a program that an exception ended, an outcome too where one was asked for.
-Reply replyToFailure(const Call* call) {
-    Reply reply = failureWith(NEBSourceControlErrorOfCurrentException());
+CommandOutput replyToFailure(const Call* call) {
+    CommandOutput output = failureWith(NEBSourceControlErrorOfCurrentException());
     if (call != nullptr && (call->isJSON || call->command == &requestCommand)) {
         Outcome outcome;
-        outcome.error = reply.error;
-        reply.standardOutput = textOfOutcome(outcome) + "\n";
-        reply.standardError.clear();
+        outcome.error = output.error;
+        output.standardOutput = textOfOutcome(outcome) + "\n";
+        output.standardError.clear();
     }
-    return reply;
+    return output;
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ int runProgram(int argc, const char* const* argv) noexcept {
             call = std::get<Call>(std::move(understood));
             understood = replyTo(*call);
         }
-        return deliver(std::get<Reply>(understood));
+        return deliver(std::get<CommandOutput>(understood));
     } catch (const std::exception&) {
         return deliver(replyToFailure(call ? &*call : nullptr));
     }

@@ -58,7 +58,7 @@ std::optional<NEBSourceControlError> refusalOf(const NEBSourceControlProtocol& c
     if (!controller.validateRequest(request, &refusal)) {
         return refusal;
     }
-    if (const auto value = NEBSourceControlFirstOptionLikeValue(request)) {
+    if (const auto value = NEBSourceControlFirstArgumentInjection(request)) {
         return NEBSourceControlError::withDescription(NEBSourceControlGenericError,
                                                       "\"" + value->value + "\" is no value for " +
                                                           value->field + ": git would " +

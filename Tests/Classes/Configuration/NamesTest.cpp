@@ -7,8 +7,8 @@
 #include <fstream>
 #include <ostream>
 
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -137,7 +137,7 @@ protected:
     }
     /// Performs the request, which must succeed, and answers what it came to.
     static NEBSourceControlResult resultOf(const std::shared_ptr<NEBSourceControlRequest>& asked) {
-        EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*asked), std::nullopt);
+        EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*asked), std::nullopt);
         const auto operation = perform(asked);
         EXPECT_EQ(operation->error(), std::nullopt)
             << operation->error()->localizedDescription().value_or("");
@@ -318,7 +318,7 @@ TEST_P(Names, ExportHasTheFile) {
     auto asked = request(20, {path()});
     asked->startingRevision = "HEAD";
     if (name().starts_with('-')) {
-        const auto refused = NEBSourceControlFirstOptionLikeValue(*asked);
+        const auto refused = NEBSourceControlFirstArgumentInjection(*asked);
         ASSERT_TRUE(refused.has_value()) << "git would read it as an option";
         EXPECT_EQ(refused->field, "files[0]");
         return;
@@ -366,14 +366,14 @@ TEST(NamesLikeOptions, AreRefusedWhereNothingStandsBeforeThem) {
         for (const std::int32_t type : {11, 17, 20, 21}) {
             auto asked = requestFor(type, "/w");
             asked->files = {NEBValue(name)};
-            const auto refused = NEBSourceControlFirstOptionLikeValue(*asked);
+            const auto refused = NEBSourceControlFirstArgumentInjection(*asked);
             ASSERT_TRUE(refused.has_value()) << type << " " << name;
             EXPECT_EQ(refused->value, name);
         }
         for (const std::int32_t type : {0, 3, 5, 6, 7, 18, 28, 30}) {
             auto asked = requestFor(type, "/w");
             asked->files = {NEBValue(name)};
-            EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*asked), std::nullopt) << type;
+            EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*asked), std::nullopt) << type;
         }
     }
 }

@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <set>
 
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlManager.h"
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlTemporaryFile.h"
 #include "Support/Matchers.h"
@@ -179,7 +179,7 @@ std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, u
     return request;
 }
 
-TEST(OptionLikeValues, AreFoundWhereGitWouldReadThem) {
+TEST(ArgumentInjections, AreFoundWhereGitWouldReadThem) {
     const std::pair<std::int32_t, unsigned> exposed[] = {
         {0, 0},          {1, D | L},
         {2, D},          {3, 0},
@@ -205,15 +205,15 @@ TEST(OptionLikeValues, AreFoundWhereGitWouldReadThem) {
     for (const auto& [type, places] : exposed) {
         for (const unsigned place : {D, S, E, B, R, L, F, W, N}) {
             const auto found =
-                NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place));
+                NEBSourceControlFirstArgumentInjection(*requestWithOptions(type, place));
             EXPECT_EQ(found.has_value(), (places & place) != 0) << type << " place " << place;
         }
     }
 }
 
-TEST(OptionLikeValues, AreNamed) {
+TEST(ArgumentInjections, AreNamed) {
     const auto nameOf = [](std::int32_t type, unsigned place) {
-        return NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place))->field;
+        return NEBSourceControlFirstArgumentInjection(*requestWithOptions(type, place))->field;
     };
     EXPECT_EQ(nameOf(29, W), "sourceTree.location");
     EXPECT_EQ(nameOf(14, D), "destination");
@@ -224,17 +224,17 @@ TEST(OptionLikeValues, AreNamed) {
     EXPECT_EQ(nameOf(18, B), "options.NEBSourceControlRequestOptionBranch");
     EXPECT_EQ(nameOf(37, R), "options.NEBSourceControlRequestOptionRemoteName");
     EXPECT_EQ(nameOf(1, L), "options.NEBSourceControlRequestOptionSourceLocation");
-    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(14, D))->value, "-x");
-    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(20, N))->value, "-x")
+    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*requestWithOptions(14, D))->value, "-x");
+    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*requestWithOptions(20, N))->value, "-x")
         << "what git would read, the name behind the folder";
 }
 
-TEST(OptionLikeValues, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
+TEST(ArgumentInjections, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     const auto isRefused = [&request](NEBValue limit) {
         request->options =
             NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
-        return NEBSourceControlFirstOptionLikeValue(*request).has_value();
+        return NEBSourceControlFirstArgumentInjection(*request).has_value();
     };
     for (const NEBValue& limit : {NEBValue(25), NEBValue(0), NEBValue("25")}) {
         EXPECT_FALSE(isRefused(limit)) << limit.description();
@@ -243,7 +243,7 @@ TEST(OptionLikeValues, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
          {NEBValue(-1), NEBValue("-output=/tmp/x"), NEBValue("p"), NEBValue(""), NEBValue(true)}) {
         EXPECT_TRUE(isRefused(limit)) << limit.description();
     }
-    EXPECT_EQ(NEBSourceControlFirstOptionLikeValue(*request)->field,
+    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*request)->field,
               "options.NEBSourceControlRequestOptionLogOutputLimit");
     request->type = NEBSourceControlRequestStatus;
     EXPECT_FALSE(isRefused("-output=/tmp/x")) << "it is a log's alone";
@@ -255,7 +255,7 @@ public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override { return "--object"; }
 };
 
-TEST(OptionLikeValues, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
+TEST(ArgumentInjections, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
     const std::pair<NEBValue, const char*> kinds[] = {
         {-4, "-4"},
         {LOMFilePath::filePathForPathString("--path"), "--path"},
@@ -269,24 +269,24 @@ TEST(OptionLikeValues, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
     for (const auto& [value, text] : kinds) {
         for (const auto& [type, place] : exposed) {
             const auto found =
-                NEBSourceControlFirstOptionLikeValue(*requestWithOptions(type, place, value));
+                NEBSourceControlFirstArgumentInjection(*requestWithOptions(type, place, value));
             ASSERT_TRUE(found.has_value()) << type << " place " << place << " " << text;
             EXPECT_EQ(found->value, text) << type << " place " << place;
         }
     }
     for (const NEBValue& value :
          {NEBValue(4), NEBValue(true), NEBValue(NEBDictionary{{"-k", 1}})}) {
-        EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(33, R | B, value)))
+        EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(33, R | B, value)))
             << value.description();
     }
 }
 
-TEST(OptionLikeValues, AreFoundAmongTheWordsOfAListing) {
+TEST(ArgumentInjections, AreFoundAmongTheWordsOfAListing) {
     const auto refusedIn = [](const NEBValue& file, const NEBValue& branch = {}) {
         auto request = requestFor(NEBSourceControlRequestList, "/w");
         request->files = {file};
         request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, branch}};
-        const auto found = NEBSourceControlFirstOptionLikeValue(*request);
+        const auto found = NEBSourceControlFirstArgumentInjection(*request);
         return found ? found->field + " " + found->value : "";
     };
     EXPECT_EQ(refusedIn("src --abbrev=4 x"), "files[0] --abbrev=4");
@@ -298,24 +298,24 @@ TEST(OptionLikeValues, AreFoundAmongTheWordsOfAListing) {
     EXPECT_EQ(refusedIn("src", "-r"), "") << "it stands behind \"HEAD^{\"";
 }
 
-TEST(OptionLikeValues, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
+TEST(ArgumentInjections, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
     for (const unsigned side : {B, D}) {
         for (const char* name : {"", "+x", "a*"}) {
             const NEBValue path(LOMFilePath::filePathForPathString(name));
-            EXPECT_TRUE(NEBSourceControlFirstOptionLikeValue(*requestWithOptions(33, side, path)))
+            EXPECT_TRUE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(33, side, path)))
                 << name;
         }
     }
 }
 
-TEST(OptionLikeValues, AnEmptyRequestHoldsNone) {
+TEST(ArgumentInjections, AnEmptyRequestHoldsNone) {
     NEBSourceControlRequest request;
     for (request.type = -1; request.type <= 40; ++request.type) {
-        EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
+        EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(request).has_value());
     }
     request.type = NEBSourceControlRequestCheckout;
     request.destination = "";
-    EXPECT_FALSE(NEBSourceControlFirstOptionLikeValue(request).has_value());
+    EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(request).has_value());
 }
 
 // ---- temporary files, the log aspect ----------------------------------------------------------

@@ -8,12 +8,12 @@
 #include <atomic>
 #include <future>
 
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 namespace neb::test {
 namespace {
 
-using nebsc::MessageFrames;
+using nebsc::MessageDecoder;
 using nebsc::MessageWriter;
 using std::chrono::milliseconds;
 
@@ -45,7 +45,7 @@ TEST_F(Writer, KeepsTheOrder) {
     std::string expected;
     for (int i = 0; i < 100; ++i) {
         writer.send(std::to_string(i));
-        expected += MessageFrames::framed(std::to_string(i));
+        expected += MessageDecoder::framed(std::to_string(i));
     }
     EXPECT_EQ(read(expected.size()), expected);
     EXPECT_TRUE(writer.finish(longEnough));

@@ -93,7 +93,7 @@ void ServerClient::send(std::optional<JSON> id, std::string_view method, JSON pa
 }
 
 void ServerClient::sendMessage(std::string_view content) {
-    sendBytes(nebsc::MessageFrames::framed(content));
+    sendBytes(nebsc::MessageDecoder::framed(content));
 }
 
 void ServerClient::sendBytes(std::string_view bytes) const {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Platform/FileDescriptor.h"
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 namespace neb::test {
 
@@ -55,7 +55,7 @@ private:
     pid_t _pid = -1;
     FileDescriptor _toServer;
     FileDescriptor _fromServer;
-    nebsc::MessageFrames _frames{std::size_t{1} << 30};
+    nebsc::MessageDecoder _frames{std::size_t{1} << 30};
     std::vector<JSON> _others;
 };
 

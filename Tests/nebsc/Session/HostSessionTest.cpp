@@ -72,7 +72,7 @@ private:
 
 class HostSessionTest : public testing::Test {
 protected:
-    [[nodiscard]] Performance perform(bool runs = true) const {
+    [[nodiscard]] RequestResult perform(bool runs = true) const {
         return session.perform(request, runs ? HostSession::Runner([](auto& operation) {
                                    EXPECT_NE(operation.commandLog(), nullptr);
                                    operation.start();
@@ -80,7 +80,7 @@ protected:
                                              : HostSession::Runner());
     }
 
-    [[nodiscard]] Reply replyOf(const Command& command, bool isJSON = false) const {
+    [[nodiscard]] CommandOutput replyOf(const Command& command, bool isJSON = false) const {
         const Arguments arguments;
         return command.run({session, command, arguments, isJSON});
     }
@@ -92,56 +92,56 @@ protected:
 };
 
 TEST_F(HostSessionTest, AsksInTheHostsOrder) {
-    const Performance performance = perform();
+    const RequestResult requestResult = perform();
     EXPECT_THAT(answers.calls,
                 ElementsAre("authenticationRequired", "validate", "operation", "main"));
-    ASSERT_TRUE(performance.outcome.has_value());
-    EXPECT_EQ(performance.outcome->type, 33);
-    EXPECT_TRUE(performance.outcome->authenticationRequired);
-    EXPECT_TRUE(performance.outcome->valid);
-    EXPECT_EQ(performance.outcome->operation, "Operation");
-    EXPECT_TRUE(performance.outcome->result.has_value());
-    EXPECT_FALSE(performance.outcome->error.has_value());
-    EXPECT_FALSE(performance.refusedValue.has_value());
+    ASSERT_TRUE(requestResult.outcome.has_value());
+    EXPECT_EQ(requestResult.outcome->type, 33);
+    EXPECT_TRUE(requestResult.outcome->authenticationRequired);
+    EXPECT_TRUE(requestResult.outcome->valid);
+    EXPECT_EQ(requestResult.outcome->operation, "Operation");
+    EXPECT_TRUE(requestResult.outcome->result.has_value());
+    EXPECT_FALSE(requestResult.outcome->error.has_value());
+    EXPECT_FALSE(requestResult.refusedValue.has_value());
 }
 
 TEST_F(HostSessionTest, ARefusedRequestGoesNoFurther) {
     answers.valid = false;
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionBranch, "-x");
-    const Performance performance = perform();
+    const RequestResult requestResult = perform();
     EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
-    ASSERT_TRUE(performance.outcome.has_value());
-    EXPECT_FALSE(performance.outcome->valid);
-    EXPECT_FALSE(performance.outcome->operation.has_value());
-    ASSERT_TRUE(performance.outcome->error.has_value());
-    EXPECT_EQ(performance.outcome->error->code, -20);
-    EXPECT_FALSE(performance.outcome->error->errorClass.has_value());
+    ASSERT_TRUE(requestResult.outcome.has_value());
+    EXPECT_FALSE(requestResult.outcome->valid);
+    EXPECT_FALSE(requestResult.outcome->operation.has_value());
+    ASSERT_TRUE(requestResult.outcome->error.has_value());
+    EXPECT_EQ(requestResult.outcome->error->code, -20);
+    EXPECT_FALSE(requestResult.outcome->error->errorClass.has_value());
 }
 
-TEST_F(HostSessionTest, AnOptionLikeValueIsRefusedBeforeAnOperationIsMade) {
+TEST_F(HostSessionTest, AnArgumentInjectionIsRefusedBeforeAnOperationIsMade) {
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionBranch, "-x");
-    const Performance performance = perform();
+    const RequestResult requestResult = perform();
     EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
-    EXPECT_FALSE(performance.outcome.has_value());
-    ASSERT_TRUE(performance.refusedValue.has_value());
-    EXPECT_EQ(performance.refusedValue->field, "options.NEBSourceControlRequestOptionBranch");
-    EXPECT_EQ(performance.refusedValue->value, "-x");
+    EXPECT_FALSE(requestResult.outcome.has_value());
+    ASSERT_TRUE(requestResult.refusedValue.has_value());
+    EXPECT_EQ(requestResult.refusedValue->field, "options.NEBSourceControlRequestOptionBranch");
+    EXPECT_EQ(requestResult.refusedValue->value, "-x");
 }
 
 TEST_F(HostSessionTest, WithoutARunnerTheOperationIsOnlyMade) {
-    const Performance performance = perform(false);
+    const RequestResult requestResult = perform(false);
     EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate", "operation"));
-    EXPECT_EQ(performance.outcome->operation, "Operation");
-    EXPECT_FALSE(performance.outcome->result.has_value());
+    EXPECT_EQ(requestResult.outcome->operation, "Operation");
+    EXPECT_FALSE(requestResult.outcome->result.has_value());
 }
 
 TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
     answers.conditions = {"a", "b"};
-    const Performance performance = perform();
+    const RequestResult requestResult = perform();
     std::vector<std::string> conditions;
-    for (const LOMAssertionReport& report : performance.outcome->reports) {
+    for (const LOMAssertionReport& report : requestResult.outcome->reports) {
         conditions.push_back(report.condition);
     }
     EXPECT_THAT(conditions, ElementsAre("a", "b", "in main"));
@@ -150,18 +150,18 @@ TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
 TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
     answers.hasOperation = false;
     for (const bool isRun : {true, false}) {
-        const Performance performance = perform(isRun);
-        ASSERT_TRUE(performance.outcome.has_value());
-        EXPECT_FALSE(performance.outcome->operation.has_value());
-        ASSERT_TRUE(performance.outcome->error.has_value());
-        EXPECT_EQ(performance.outcome->error->errorClass, "request-invalid");
+        const RequestResult requestResult = perform(isRun);
+        ASSERT_TRUE(requestResult.outcome.has_value());
+        EXPECT_FALSE(requestResult.outcome->operation.has_value());
+        ASSERT_TRUE(requestResult.outcome->error.has_value());
+        EXPECT_EQ(requestResult.outcome->error->errorClass, "request-invalid");
     }
 }
 
 TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
     answers.conditions = {"request.weather", "request.destination", "request.weather",
                           "(request.destination) != nil"};
-    const Reply reply = replyOf(typesCommand, true);
+    const CommandOutput reply = replyOf(typesCommand, true);
     EXPECT_THAT(reply.standardOutput,
                 testing::StartsWith(R"([{"type":0,"name":"add","operation":"Operation",)"
                                     R"("authentication":true,)"
@@ -170,7 +170,7 @@ TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
 
 TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
     answers.hasOperation = false;
-    const Reply reply = replyOf(remoteCommand);
+    const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError,
               "nebsc: The plug-in has no operation for the request type 24 (list remotes).\n"
@@ -180,7 +180,7 @@ TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
 
 TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
     answers.valid = false;
-    const Reply reply = replyOf(remoteCommand);
+    const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError, "nebsc: Not now.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
@@ -188,7 +188,7 @@ TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
 
 TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
     answers.conditions = {"request.weather"};
-    const Reply reply = replyOf(remoteCommand);
+    const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_THAT(reply.standardError,
                 testing::StartsWith(
                     "nebsc: The plug-in reports: Assertion failed: request.weather (f, c:1)\n"));

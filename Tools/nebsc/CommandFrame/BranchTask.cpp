@@ -52,7 +52,7 @@ std::vector<std::string> BranchTask::answerLines(std::vector<std::string> argume
     return lines;
 }
 
-std::optional<Reply> BranchTask::refusalWithoutRepository() {
+std::optional<CommandOutput> BranchTask::refusalWithoutRepository() {
     const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
     return repository.status.isSuccess() ? std::nullopt : std::optional(failureOf(repository));
 }
@@ -110,7 +110,7 @@ std::string BranchTask::shown(const Tracking& tracking) {
                                       : tracking.branch + " of " + inQuotes(remote));
 }
 
-Reply BranchTask::refusalOfBranchNotFetched(const Tracking& tracking) {
+CommandOutput BranchTask::refusalOfBranchNotFetched(const Tracking& tracking) {
     const std::string& remote = tracking.remote;
     const std::string reference = std::string(branchPrefix) + tracking.branch;
     const ChildOutcome heads = ask({"ls-remote", "--heads", "--", remote, reference});
@@ -130,26 +130,26 @@ Reply BranchTask::refusalOfBranchNotFetched(const Tracking& tracking) {
                  shellQuoted(tracking.branch);
         effect = " adds it to the setting.\n";
     }
-    Reply reply =
+    CommandOutput output =
         refusal(sentence, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass.text());
-    reply.standardError += inQuotes(advice) + effect;
-    return reply;
+    output.standardError += inQuotes(advice) + effect;
+    return output;
 }
 
 bool BranchTask::hasSubversion() {
     return answer({"config", "--get-regexp", "^svn-remote\\."}).has_value();
 }
 
-std::optional<Reply> BranchTask::refusalWithoutSubversion() {
+std::optional<CommandOutput> BranchTask::refusalWithoutSubversion() {
     if (auto refused = refusalWithoutRepository()) {
         return refused;
     }
     if (hasSubversion()) {
         return std::nullopt;
     }
-    Reply reply = refusal("No Subversion repository stands behind this one.", exitFailed);
-    reply.standardError += "\"git svn clone URL\" makes a repository that has one.\n";
-    return reply;
+    CommandOutput output = refusal("No Subversion repository stands behind this one.", exitFailed);
+    output.standardError += "\"git svn clone URL\" makes a repository that has one.\n";
+    return output;
 }
 
 // ---- requests ---------------------------------------------------------------------------------

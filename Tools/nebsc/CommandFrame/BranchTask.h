@@ -15,7 +15,7 @@ namespace neb::nebsc {
 /// end of the listing, and git's words for being on no branch.
 [[nodiscard]] std::string branchNameOf(const NEBDictionary& record);
 
-/// Everything here is good from look() on. Names come as git has them, not printable.
+/// Everything here is good from validate() on. Names come as git has them, not printable.
 class BranchTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -40,7 +40,7 @@ protected:
     [[nodiscard]] std::vector<std::string> answerLines(std::vector<std::string> arguments);
     /// The reply where there is no repository, in git's words; nothing where there is one. For
     /// questions that git answers with silence outside of one too.
-    [[nodiscard]] std::optional<Reply> refusalWithoutRepository();
+    [[nodiscard]] std::optional<CommandOutput> refusalWithoutRepository();
     /// The current branch, be it without a commit yet; nothing on no branch.
     [[nodiscard]] std::optional<std::string> currentBranch();
     /// A sentence for where there is no current branch that has a commit; not yet printable.
@@ -58,12 +58,12 @@ protected:
     using CommandTask::shown;
     /// The refusal where a fetch has not brought the remote's branch: the remote does not have it,
     /// or has it and the remote's refspecs leave it out. Asks the remote.
-    [[nodiscard]] Reply refusalOfBranchNotFetched(const Tracking& tracking);
+    [[nodiscard]] CommandOutput refusalOfBranchNotFetched(const Tracking& tracking);
 
     /// Whether a Subversion repository stands behind this one.
     [[nodiscard]] bool hasSubversion();
     /// The reply where no Subversion repository stands behind this one.
-    [[nodiscard]] std::optional<Reply> refusalWithoutSubversion();
+    [[nodiscard]] std::optional<CommandOutput> refusalWithoutSubversion();
 
     /// A request of a type that exchanges commits, about the place.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> exchangeRequest(std::int32_t type,

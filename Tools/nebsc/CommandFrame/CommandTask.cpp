@@ -35,8 +35,8 @@ int silentExitStatus(const Outcome& outcome) {
 }
 
 /// The reply where a request was refused for the sake of a value.
-std::optional<Reply> refusalOf(const Performance& performance) {
-    if (const auto& value = performance.refusedValue) {
+std::optional<CommandOutput> refusalOf(const RequestResult& requestResult) {
+    if (const auto& value = requestResult.refusedValue) {
         const bool isOption = value->value.starts_with('-');
         return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
                            " is refused, as git would " + std::string(value->danger) + ".",
@@ -49,25 +49,25 @@ std::optional<Reply> refusalOf(const Performance& performance) {
 
 // ---- the frame --------------------------------------------------------------------------------
 
-Reply CommandTask::run() {
+CommandOutput CommandTask::run() {
     // Lines of a trace and the sign would write over each other.
     _sign.emplace(_call.command.activity, !trace().isOn());
-    Reply reply = work();
+    CommandOutput output = work();
     _sign.reset();
-    if (isJSON() && reply.error && reply.standardOutput.empty()) {
+    if (isJSON() && output.error && output.standardOutput.empty()) {
         Outcome withoutRequest;
-        addNotes(reply, withoutRequest);
+        addNotes(output, withoutRequest);
     }
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = _interruption.end();
     if (signalNumber && !_call.isJSON) {
-        reply.standardOutput.clear();
+        output.standardOutput.clear();
     }
-    noteInterruption(reply, signalNumber);
-    return reply;
+    noteInterruption(output, signalNumber);
+    return output;
 }
 
-std::optional<Reply> CommandTask::refusalOfEmptyNames() const {
+std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
     for (const Parameter& parameter : _call.command.parameters) {
         const std::vector<std::string>& words = arguments().all(parameter.name);
         if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
@@ -78,7 +78,7 @@ std::optional<Reply> CommandTask::refusalOfEmptyNames() const {
     return std::nullopt;
 }
 
-Reply CommandTask::work() {
+CommandOutput CommandTask::work() {
     if (auto refused = refusalOfEmptyNames()) {
         return *refused;
     }
@@ -86,20 +86,20 @@ Reply CommandTask::work() {
         return *refused;
     }
     _place = findPlace();
-    if (auto refused = look()) {
+    if (auto refused = validate()) {
         return *refused;
     }
-    Performance performance = carryOut();
-    if (auto refused = refusalOf(performance)) {
+    RequestResult requestResult = carryOut();
+    if (auto refused = refusalOf(requestResult)) {
         return *refused;
     }
-    Outcome& outcome = *performance.outcome;
+    Outcome& outcome = *requestResult.outcome;
     if (outcome.error ? isCompletedAfter(*outcome.error) : silentExitStatus(outcome) == 0) {
-        complete(outcome);
+        finish(outcome);
     }
-    Reply reply = replyInMemoryTo(outcome);
-    reply.pager = pagerFor(reply.standardOutput);
-    return reply;
+    CommandOutput output = replyInMemoryTo(outcome);
+    output.pager = pagerFor(output.standardOutput);
+    return output;
 }
 
 std::optional<std::string> CommandTask::pagerFor(std::string_view text) {
@@ -109,7 +109,7 @@ std::optional<std::string> CommandTask::pagerFor(std::string_view text) {
     return pagerOfUser(answer({"config", "--get", "core.pager"}));
 }
 
-std::optional<Reply> CommandTask::readPaths() {
+std::optional<CommandOutput> CommandTask::readPaths() {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
         return refusal(folder.failure, exitFailed, NEBSourceControlPathUnknownErrorClass.text());
@@ -135,7 +135,7 @@ std::optional<Reply> CommandTask::readPaths() {
 }
 
 /// Where memory runs out for the reply, that is the outcome's failure, in place of its result.
-Reply CommandTask::replyInMemoryTo(Outcome& outcome) {
+CommandOutput CommandTask::replyInMemoryTo(Outcome& outcome) {
     try {
         return replyTo(outcome);
     } catch (const std::bad_alloc&) {
@@ -145,20 +145,20 @@ Reply CommandTask::replyInMemoryTo(Outcome& outcome) {
     return replyTo(outcome);
 }
 
-Reply CommandTask::replyTo(Outcome& outcome) {
-    Reply reply;
+CommandOutput CommandTask::replyTo(Outcome& outcome) {
+    CommandOutput output;
     if (outcome.result) {
-        reply.standardOutput = textOfResult(*outcome.result);
+        output.standardOutput = textOfResult(*outcome.result);
     }
     explainBrokenHEAD(outcome);
-    if ((outcome.error && isAnswer(*outcome.error)) || !noteFailure(reply, outcome, silence())) {
-        conclude(outcome, reply);
+    if ((outcome.error && isAnswer(*outcome.error)) || !noteFailure(output, outcome, silence())) {
+        report(outcome, output);
     } else if (outcome.error) {
-        reply.standardError += adviceAfter(*outcome.error);
-        concludeFailure(outcome, reply);
+        output.standardError += adviceAfter(*outcome.error);
+        concludeFailure(outcome, output);
     }
-    addNotes(reply, outcome);
-    return reply;
+    addNotes(output, outcome);
+    return output;
 }
 
 /// git says of a broken branch, too, that it does not know "HEAD" or the commit in it, or that
@@ -176,20 +176,20 @@ void CommandTask::explainBrokenHEAD(Outcome& outcome) {
     }
 }
 
-void CommandTask::addNotes(Reply& reply, Outcome& outcome) const {
+void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
     if (!outcome.error) {
-        outcome.error = reply.error;
+        outcome.error = output.error;
     }
     if (_call.isJSON) {
-        reply.standardOutput = textOfOutcome(outcome) + "\n";
+        output.standardOutput = textOfOutcome(outcome) + "\n";
     }
-    noteReports(reply, outcome);
-    noteOmittedRevisions(reply, outcome);
-    noteLeftFolder(reply, outcome);
-    noteHeldOutput(reply, outcome);
+    noteReports(output, outcome);
+    noteOmittedRevisions(output, outcome);
+    noteLeftFolder(output, outcome);
+    noteHeldOutput(output, outcome);
 }
 
-WorkingCopyPlace CommandTask::findPlace() {
+WorkingCopyLocation CommandTask::findPlace() {
     return findWorkingCopy(_interruption, trace(), currentFolder(), currentFolder());
 }
 
@@ -197,7 +197,7 @@ std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) 
     return {};
 }
 
-void CommandTask::conclude(const Outcome& /*outcome*/, Reply& /*reply*/) {}
+void CommandTask::report(const Outcome& /*outcome*/, CommandOutput& /*output*/) {}
 
 bool CommandTask::isInColour() const {
     return !isJSON() && wantsColour(_call.colours, STDOUT_FILENO);
@@ -225,28 +225,28 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
     return request;
 }
 
-Performance CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
-                                 const std::shared_ptr<NEBSourceControlOperation>& replacement) {
+RequestResult CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
+                                   const std::shared_ptr<NEBSourceControlOperation>& replacement) {
     return _call.session.perform(request, interruptibleRunner(_interruption, *_sign), replacement);
 }
 
-Performance CommandTask::perform(NEBSourceControlOperation& operation) {
+RequestResult CommandTask::perform(NEBSourceControlOperation& operation) {
     return {_call.session.carryOut(operation, interruptibleRunner(_interruption, *_sign)),
             std::nullopt};
 }
 
-std::optional<Reply> CommandTask::prepareBy(
+std::optional<CommandOutput> CommandTask::prepareBy(
     const std::shared_ptr<NEBSourceControlRequest>& request) {
-    Performance performance = perform(request);
-    if (auto refused = refusalOf(performance)) {
+    RequestResult requestResult = perform(request);
+    if (auto refused = refusalOf(requestResult)) {
         return refused;
     }
-    Reply reply;
-    if (!noteFailure(reply, *performance.outcome, Silence::failure)) {
+    CommandOutput output;
+    if (!noteFailure(output, *requestResult.outcome, Silence::failure)) {
         return std::nullopt;
     }
-    addNotes(reply, *performance.outcome);
-    return reply;
+    addNotes(output, *requestResult.outcome);
+    return output;
 }
 
 // ---- questions of the command's own -----------------------------------------------------------
@@ -274,7 +274,7 @@ std::optional<NEBSourceControlError> CommandTask::brokenReference(const std::str
     });
 }
 
-Reply CommandTask::refusalOfUnknownRevision(const std::string& revision) {
+CommandOutput CommandTask::refusalOfUnknownRevision(const std::string& revision) {
     if (const auto broken = brokenReference(revision)) {
         return failureWith(*broken);
     }
@@ -301,13 +301,14 @@ std::string CommandTask::sentenceFor(const NEBSourceControlError& error) const {
                               : "There is no file or folder " + name + ".";
 }
 
-bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const {
+bool CommandTask::noteFailure(CommandOutput& output, const Outcome& outcome,
+                              Silence silence) const {
     if (outcome.error) {
-        Reply failure = failureWith(*outcome.error);
+        CommandOutput failure = failureWith(*outcome.error);
         if (const std::string sentence = sentenceFor(*outcome.error); !sentence.empty()) {
             failure.standardError = complaint(sentence);
         }
-        addFailure(reply, failure);
+        addFailure(output, failure);
         return true;
     }
     const int status = silentExitStatus(outcome);
@@ -315,23 +316,23 @@ bool CommandTask::noteFailure(Reply& reply, const Outcome& outcome, Silence sile
         (status == 1 && silence == Silence::answer)) {
         return false;
     }
-    addFailure(reply, refusal(sentenceOfSilence(status), exitFailed));
+    addFailure(output, refusal(sentenceOfSilence(status), exitFailed));
     return true;
 }
 
-void CommandTask::noteConflicts(Reply& reply, std::string_view sentence,
+void CommandTask::noteConflicts(CommandOutput& output, std::string_view sentence,
                                 const std::vector<std::string>& paths) {
     std::vector<std::string> question{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
     question.insert(question.end(), paths.begin(), paths.end());
     const ChildOutcome outcome = ask(std::move(question));
     if (!outcome.status.isSuccess()) {
-        addFailure(reply, failureOf(outcome));
+        addFailure(output, failureOf(outcome));
     } else if (!outcome.output.empty()) {
-        addFailure(reply, refusalAbout(sentence, textsBetweenNULs(outcome.output), "conflict"));
+        addFailure(output, refusalAbout(sentence, textsBetweenNULs(outcome.output), "conflict"));
     }
 }
 
-Reply CommandTask::failureOf(const ChildOutcome& question) const {
+CommandOutput CommandTask::failureOf(const ChildOutcome& question) const {
     const std::string words(question.errorOutput);
     if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
         return refusal(question.status.exitStatus()
@@ -343,7 +344,7 @@ Reply CommandTask::failureOf(const ChildOutcome& question) const {
     return failureWith(NEBSourceControlErrorFromText(words, *request));
 }
 
-std::optional<Reply> CommandTask::refusalWithoutWorkingCopy() {
+std::optional<CommandOutput> CommandTask::refusalWithoutWorkingCopy() {
     if (_place.isWorkingCopy) {
         return std::nullopt;
     }
@@ -355,9 +356,10 @@ std::string CommandTask::shown(const std::string& path) const {
         _place, path.starts_with('/') ? path : pathByAppendingComponent(_place.location, path)));
 }
 
-Reply CommandTask::refusalAbout(std::string_view sentence, const std::vector<std::string>& files,
-                                std::string_view errorClass) const {
-    Reply refused = refusal(sentence, exitFailed, errorClass);
+CommandOutput CommandTask::refusalAbout(std::string_view sentence,
+                                        const std::vector<std::string>& files,
+                                        std::string_view errorClass) const {
+    CommandOutput refused = refusal(sentence, exitFailed, errorClass);
     for (const std::string& file : files) {
         refused.standardError += "    " + shown(file) + "\n";
     }

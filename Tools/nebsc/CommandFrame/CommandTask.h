@@ -20,12 +20,12 @@
 #include <string>
 #include <vector>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 #include "CommandLine/Command.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
-#include "Terminal/LifeSign.h"
+#include "Terminal/ProgressIndicator.h"
 
 namespace neb::nebsc {
 
@@ -38,7 +38,7 @@ public:
     CommandTask& operator=(const CommandTask&) = delete;
     virtual ~CommandTask() = default;
 
-    [[nodiscard]] Reply run();
+    [[nodiscard]] CommandOutput run();
 
 protected:
     /// What it means when a git fails and says nothing.
@@ -54,15 +54,15 @@ protected:
 
     /// The place that the request is about: the working copy around the current folder, unless the
     /// command knows better.
-    [[nodiscard]] virtual WorkingCopyPlace findPlace();
+    [[nodiscard]] virtual WorkingCopyLocation findPlace();
     /// A look before anything is done; a reply ends the command.
-    [[nodiscard]] virtual std::optional<Reply> look() { return std::nullopt; }
+    [[nodiscard]] virtual std::optional<CommandOutput> validate() { return std::nullopt; }
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> request() = 0;
     /// Carries out the request; a command that needs to know more than the request's records hold
     /// runs an operation of its own instead.
-    [[nodiscard]] virtual Performance carryOut() { return perform(request()); }
+    [[nodiscard]] virtual RequestResult carryOut() { return perform(request()); }
     [[nodiscard]] virtual Silence silence() const { return Silence::failure; }
-    /// Whether an error is an answer all the same, of which conclude() tells.
+    /// Whether an error is an answer all the same, of which report() tells.
     [[nodiscard]] virtual bool isAnswer(const NEBSourceControlError& /*error*/) const {
         return false;
     }
@@ -75,19 +75,19 @@ protected:
     }
     /// What belongs to the work and git does not do, behind a success; what it changes is told as
     /// the request's own outcome, its failure too.
-    virtual void complete(Outcome& /*outcome*/) {}
-    /// Whether an error leaves work behind, so that complete() is called all the same.
+    virtual void finish(Outcome& /*outcome*/) {}
+    /// Whether an error leaves work behind, so that finish() is called all the same.
     [[nodiscard]] virtual bool isCompletedAfter(const NEBSourceControlError& /*error*/) {
         return false;
     }
     /// The records for a person, lines with their ends. An error may stand beside them.
     [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
     /// What is left to do and to say after a success.
-    virtual void conclude(const Outcome& outcome, Reply& reply);
+    virtual void report(const Outcome& outcome, CommandOutput& output);
     /// Adds what is left to say after a failure, behind adviceAfter().
-    virtual void concludeFailure(const Outcome& /*outcome*/, Reply& /*reply*/) {}
+    virtual void concludeFailure(const Outcome& /*outcome*/, CommandOutput& /*output*/) {}
 
-    // ---- what a command may use, from look() on
+    // ---- what a command may use, from validate() on
 
     [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
     [[nodiscard]] bool isJSON() const { return _call.isJSON; }
@@ -95,7 +95,7 @@ protected:
     [[nodiscard]] bool isInColour() const;
     /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
-    [[nodiscard]] const WorkingCopyPlace& place() const { return _place; }
+    [[nodiscard]] const WorkingCopyLocation& place() const { return _place; }
     /// Good in findPlace() too, as are the arguments and the paths.
     [[nodiscard]] const std::string& currentFolder() const { return _place.currentFolder; }
     [[nodiscard]] Interruption& interruption() { return _interruption; }
@@ -107,14 +107,14 @@ protected:
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAbout(
         std::int32_t type, const std::vector<std::string>& files) const;
     /// Carries out a request; see HostSession about the replacement.
-    [[nodiscard]] Performance perform(
+    [[nodiscard]] RequestResult perform(
         const std::shared_ptr<NEBSourceControlRequest>& request,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
     /// Runs an operation of the command's own.
-    [[nodiscard]] Performance perform(NEBSourceControlOperation& operation);
-    /// Carries out, in look(), a request without which the command's own makes no sense. A reply
-    /// tells that it failed, with --json its outcome.
-    [[nodiscard]] std::optional<Reply> prepareBy(
+    [[nodiscard]] RequestResult perform(NEBSourceControlOperation& operation);
+    /// Carries out, in validate(), a request without which the command's own makes no sense. A
+    /// reply tells that it failed, with --json its outcome.
+    [[nodiscard]] std::optional<CommandOutput> prepareBy(
         const std::shared_ptr<NEBSourceControlRequest>& request);
 
     /// A question of the command's own to git, in the place. Names are never patterns.
@@ -130,45 +130,45 @@ protected:
     /// brokenReferenceIn(). Asked where git knows no such revision.
     [[nodiscard]] std::optional<NEBSourceControlError> brokenReference(const std::string& revision);
     /// The reply for a revision that git does not know: its reference is broken, or there is none.
-    [[nodiscard]] Reply refusalOfUnknownRevision(const std::string& revision);
+    [[nodiscard]] CommandOutput refusalOfUnknownRevision(const std::string& revision);
     /// The latest commit, 12 characters; nothing when there is none.
     [[nodiscard]] std::optional<std::string> latestCommit();
 
     /// Says how an outcome failed, and answers whether it did.
-    bool noteFailure(Reply& reply, const Outcome& outcome, Silence silence) const;
+    bool noteFailure(CommandOutput& output, const Outcome& outcome, Silence silence) const;
     /// Says which files at or below the paths (all, without paths) are in conflict, behind the
     /// sentence; the command has failed then.
-    void noteConflicts(Reply& reply, std::string_view sentence,
+    void noteConflicts(CommandOutput& output, std::string_view sentence,
                        const std::vector<std::string>& paths);
     /// That a question failed, in git's words.
-    [[nodiscard]] Reply failureOf(const ChildOutcome& question) const;
+    [[nodiscard]] CommandOutput failureOf(const ChildOutcome& question) const;
     /// The reply where there is no working copy, in git's words; nothing where there is one.
-    [[nodiscard]] std::optional<Reply> refusalWithoutWorkingCopy();
+    [[nodiscard]] std::optional<CommandOutput> refusalWithoutWorkingCopy();
     /// A path from the top, or an absolute one, as the person sees it, printable.
     [[nodiscard]] std::string shown(const std::string& path) const;
     /// A refusal with the sentence, and the files on lines of their own, as the person sees them.
-    [[nodiscard]] Reply refusalAbout(std::string_view sentence,
-                                     const std::vector<std::string>& files,
-                                     std::string_view errorClass) const;
+    [[nodiscard]] CommandOutput refusalAbout(std::string_view sentence,
+                                             const std::vector<std::string>& files,
+                                             std::string_view errorClass) const;
 
 private:
-    [[nodiscard]] Reply work();
-    [[nodiscard]] std::optional<Reply> refusalOfEmptyNames() const;
-    [[nodiscard]] std::optional<Reply> readPaths();
-    [[nodiscard]] Reply replyInMemoryTo(Outcome& outcome);
-    [[nodiscard]] Reply replyTo(Outcome& outcome);
+    [[nodiscard]] CommandOutput work();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfEmptyNames() const;
+    [[nodiscard]] std::optional<CommandOutput> readPaths();
+    [[nodiscard]] CommandOutput replyInMemoryTo(Outcome& outcome);
+    [[nodiscard]] CommandOutput replyTo(Outcome& outcome);
     /// Names the current branch in an error that comes from its being broken.
     void explainBrokenHEAD(Outcome& outcome);
     /// Adds what belongs to a reply about an outcome in any case. A failure that is the command's
     /// alone becomes the outcome's, so that a program is told of it.
-    void addNotes(Reply& reply, Outcome& outcome) const;
+    void addNotes(CommandOutput& output, Outcome& outcome) const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text);
 
     const CommandCall& _call;
     Interruption _interruption;
     /// From the first question on until there is something to say.
-    std::optional<LifeSign> _sign;
-    WorkingCopyPlace _place;
+    std::optional<ProgressIndicator> _sign;
+    WorkingCopyLocation _place;
     std::map<std::string, std::vector<std::string>, std::less<>> _paths;
 };
 

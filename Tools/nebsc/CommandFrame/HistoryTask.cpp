@@ -18,7 +18,7 @@ std::string orHEAD(const std::string& revision) {
     return revision.empty() ? "HEAD" : revision;
 }
 
-Reply tooMany(std::string_view what, std::size_t most) {
+CommandOutput tooMany(std::string_view what, std::size_t most) {
     const std::string count = most == 1 ? "one " : "two ";
     return refusal("There are too many words: " + count + std::string(what) +
                        (most == 1 ? "" : "s") + " at most can be given.",
@@ -68,8 +68,8 @@ bool HistoryTask::isThere(const std::string& file, const Words& words) {
     return isAnythingAt(file) || answer({"ls-files", "-z", "--", file});
 }
 
-std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeThere,
-                                           Words& words) {
+std::optional<CommandOutput> HistoryTask::takeFile(const std::string& word, bool mustBeThere,
+                                                   Words& words) {
     const PathSearch search = findFile(word);
     if (!search.path) {
         return refusal(search.failure, exitFailed, "path-invalid");
@@ -86,7 +86,8 @@ std::optional<Reply> HistoryTask::takeFile(const std::string& word, bool mustBeT
     return std::nullopt;
 }
 
-std::optional<Reply> HistoryTask::take(const std::string& word, bool mustBeRevision, Words& words) {
+std::optional<CommandOutput> HistoryTask::take(const std::string& word, bool mustBeRevision,
+                                               Words& words) {
     const auto revisions = words.files.empty() ? revisionsIn(word) : std::nullopt;
     if (!revisions) {
         return mustBeRevision ? refusalOfUnknownRevision(word) : takeFile(word, true, words);
@@ -176,7 +177,7 @@ std::shared_ptr<NEBSourceControlRequest> HistoryTask::requestAboutWords(std::int
     return request;
 }
 
-std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision) {
+std::optional<CommandOutput> HistoryTask::refusalOfRevision(const std::string& revision) {
     if (revision.starts_with('-')) {
         return std::nullopt;
     }
@@ -190,7 +191,7 @@ std::optional<Reply> HistoryTask::refusalOfRevision(const std::string& revision)
     return commit.status.exitStatus() == 1 ? refusalOfUnknownRevision(revision) : failureOf(commit);
 }
 
-std::optional<Reply> HistoryTask::refusalWithoutCommits() {
+std::optional<CommandOutput> HistoryTask::refusalWithoutCommits() {
     if (!isWithoutCommits()) {
         return std::nullopt;
     }
@@ -203,7 +204,7 @@ std::optional<Reply> HistoryTask::refusalWithoutCommits() {
                    exitFailed, NEBSourceControlNoCommitsYetErrorClass.text());
 }
 
-std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) const {
+std::optional<CommandOutput> HistoryTask::refusalOfPathOutside(const std::string& path) const {
     return liesWithin(path, place().location)
                ? std::nullopt
                : std::optional(
@@ -213,7 +214,7 @@ std::optional<Reply> HistoryTask::refusalOfPathOutside(const std::string& path) 
                              exitFailed, "path-outside"));
 }
 
-std::optional<Reply> HistoryTask::refusalInsideRepository(const std::string& path) {
+std::optional<CommandOutput> HistoryTask::refusalInsideRepository(const std::string& path) {
     std::error_code ignored;
     const std::string place = std::filesystem::weakly_canonical(path, ignored).string();
     for (const char* question : {"--git-dir", "--git-common-dir"}) {

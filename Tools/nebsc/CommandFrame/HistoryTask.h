@@ -12,7 +12,7 @@
 
 namespace neb::nebsc {
 
-/// All that is here asks git, so it is good from look() on.
+/// All that is here asks git, so it is good from validate() on.
 class HistoryTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -27,7 +27,7 @@ protected:
         /// What stands between the two revisions of a range, ".." or "..."; empty without a range.
         std::string dots;
         /// Why the words cannot be understood; the rest does not count then.
-        std::optional<Reply> refused;
+        std::optional<CommandOutput> refused;
     };
 
     /// Tells revisions from files in the words of the parameters "REVISION" and "FILE", the way
@@ -49,15 +49,15 @@ protected:
 
     /// The reply where the revision stands for no commit; nothing where it does, and for one that
     /// begins with "-", which the request refuses. Where git could not tell, in its words.
-    [[nodiscard]] std::optional<Reply> refusalOfRevision(const std::string& revision);
+    [[nodiscard]] std::optional<CommandOutput> refusalOfRevision(const std::string& revision);
     /// The reply where the current branch has no commit; nothing where it has, and where there is
     /// no repository, which the request says better.
-    [[nodiscard]] std::optional<Reply> refusalWithoutCommits();
+    [[nodiscard]] std::optional<CommandOutput> refusalWithoutCommits();
     /// The reply for a path that does not lie in the working copy.
-    [[nodiscard]] std::optional<Reply> refusalOfPathOutside(const std::string& path) const;
+    [[nodiscard]] std::optional<CommandOutput> refusalOfPathOutside(const std::string& path) const;
 
     /// The reply for a path in the repository's own folder, in which nobody but git writes.
-    [[nodiscard]] std::optional<Reply> refusalInsideRepository(const std::string& path);
+    [[nodiscard]] std::optional<CommandOutput> refusalInsideRepository(const std::string& path);
 
     /// As git takes the revision without a doubt: see readWords().
     [[nodiscard]] std::string unmistakable(const std::string& revision);
@@ -83,10 +83,10 @@ private:
     [[nodiscard]] std::string commitOf(const std::string& revision);
     [[nodiscard]] bool isRevision(const std::string& word);
     [[nodiscard]] std::optional<std::vector<std::string>> revisionsIn(const std::string& word);
-    [[nodiscard]] std::optional<Reply> take(const std::string& word, bool mustBeRevision,
-                                            Words& words);
-    [[nodiscard]] std::optional<Reply> takeFile(const std::string& word, bool mustBeThere,
-                                                Words& words);
+    [[nodiscard]] std::optional<CommandOutput> take(const std::string& word, bool mustBeRevision,
+                                                    Words& words);
+    [[nodiscard]] std::optional<CommandOutput> takeFile(const std::string& word, bool mustBeThere,
+                                                        Words& words);
 };
 
 }  // namespace neb::nebsc

@@ -57,7 +57,7 @@ void MergingTask::setSides(const std::string& kept, const std::string& leftOut) 
 
 // ---- after it ---------------------------------------------------------------------------------
 
-void MergingTask::complete(Outcome& outcome) {
+void MergingTask::finish(Outcome& outcome) {
     if (_sides) {
         outcome.settledConflicts = findSettledConflicts();
     }
@@ -143,7 +143,7 @@ SettledConflicts MergingTask::findSettledConflicts() {
     return {.files = std::move(files), .failure = {}};
 }
 
-void MergingTask::noteSettledConflicts(const Outcome& outcome, Reply& reply) const {
+void MergingTask::noteSettledConflicts(const Outcome& outcome, CommandOutput& output) const {
     const auto& conflicts = outcome.settledConflicts;
     if (!conflicts || (conflicts->files && conflicts->files->empty())) {
         return;
@@ -152,17 +152,17 @@ void MergingTask::noteSettledConflicts(const Outcome& outcome, Reply& reply) con
     const std::string kept(names.kept);
     const std::string leftOut(names.leftOut);
     if (conflicts->files) {
-        reply.standardError += complaint("Both sides changed the same lines or binary files; " +
-                                         kept + " were kept and " + leftOut + " left out in:");
+        output.standardError += complaint("Both sides changed the same lines or binary files; " +
+                                          kept + " were kept and " + leftOut + " left out in:");
         for (const std::string& file : *conflicts->files) {
-            reply.standardError += "    " + shown(file) + "\n";
+            output.standardError += "    " + shown(file) + "\n";
         }
     } else {
-        reply.standardError += complaint(
+        output.standardError += complaint(
             "Where both sides changed the same lines, " + kept + " were kept and " + leftOut +
             " left out. In which files is not known: " + conflicts->failure + ".");
     }
-    reply.standardError +=
+    output.standardError +=
         inQuotes("git diff " + shortened(_sides->kept) + "..." + shortened(_sides->leftOut)) +
         " shows all changes of the side whose lines were left out.\n";
 }

@@ -21,8 +21,8 @@ protected:
         std::string_view kept, leftOut;
     };
 
-    /// Remembers the commits that are about to be merged, in look(). Of two revisions of which one
-    /// is no commit nothing is found out.
+    /// Remembers the commits that are about to be merged, in validate(). Of two revisions of which
+    /// one is no commit nothing is found out.
     void setSides(const std::string& kept, const std::string& leftOut);
     /// The names of the two sides in messages.
     [[nodiscard]] virtual SideNames sideNames() const {
@@ -34,11 +34,11 @@ protected:
     /// Finds the settled conflicts by repeating the merge in memory: neither a reference nor a file
     /// changes, and no merge driver or filter of the user runs. Its failure is no failure of the
     /// command.
-    void complete(Outcome& outcome) override;
+    void finish(Outcome& outcome) override;
     /// Names the files of the settled conflicts, or says that they are not known.
-    void noteSettledConflicts(const Outcome& outcome, Reply& reply) const;
-    void concludeFailure(const Outcome& outcome, Reply& reply) override {
-        noteSettledConflicts(outcome, reply);
+    void noteSettledConflicts(const Outcome& outcome, CommandOutput& output) const;
+    void concludeFailure(const Outcome& outcome, CommandOutput& output) override {
+        noteSettledConflicts(outcome, output);
     }
 
 private:

@@ -3,7 +3,7 @@
 #include <map>
 #include <set>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 

@@ -5,7 +5,7 @@
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Terminal/GitQuoting.h"
-#include "Terminal/StatusWords.h"
+#include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
 

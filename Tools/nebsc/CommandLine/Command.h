@@ -5,7 +5,7 @@
 //
 //     namespace {
 //     constexpr Parameter parameters[] = {{"FILE", "The files", Takes::path, Occurs::oneOrMore}};
-//     Reply run(const CommandCall& call) { return AddTask(call).run(); }
+//     CommandOutput run(const CommandCall& call) { return AddTask(call).run(); }
 //     }  // namespace
 //     constinit const Command addCommand{.name = "add", …, .parameters = parameters, .run = run};
 #pragma once
@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "Session/HostSession.h"
+#include "Terminal/CommandOutput.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/Reply.h"
 
 namespace neb::nebsc {
 
@@ -140,7 +140,7 @@ struct Command {
     bool isPaged = false;
     /// Answers all that there is to say and prints nothing. A signal ends the work; the reply then
     /// says so, and its exit status is that of the signal. On the main thread, one at a time.
-    Reply (*run)(const CommandCall& call) = nullptr;
+    CommandOutput (*run)(const CommandCall& call) = nullptr;
 };
 
 /// All commands, in the order in which the help lists them.

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 
-#include "CommandLine/CallMistake.h"
-#include "CommandLine/CallWords.h"
-#include "CommandLine/SimilarWords.h"
+#include "CommandLine/ArgumentList.h"
+#include "CommandLine/SpellingSuggestions.h"
+#include "CommandLine/UsageError.h"
 
 namespace neb::nebsc {
 
@@ -52,7 +52,7 @@ public:
     Reader();
 
     void parse(int argc, const char* const* argv) {
-        const CallWords call = readCallWords(argc, argv);
+        const ArgumentList call = readArgumentList(argc, argv);
         _firstWord = call.words.empty() ? "" : call.words.front();
         _countBehindDashes = call.countBehindDashes;
         _folders = call.folders;
@@ -71,13 +71,13 @@ public:
     [[nodiscard]] bool hasUnknownOption() const;
     /// On the word in place of a command, else on the first option that there is not, else on the
     /// first word that has no place in the call.
-    [[nodiscard]] Mistake mistakeInWords() const;
+    [[nodiscard]] UsageError usageErrorInText() const;
     /// On what the command needs and the call does not have.
-    [[nodiscard]] Mistake missingWords() const;
+    [[nodiscard]] UsageError missingWords() const;
     /// On a value that is none of those that there are; nothing where all are.
-    [[nodiscard]] std::optional<Mistake> mistakeInValues() const;
+    [[nodiscard]] std::optional<UsageError> usageErrorInValues() const;
     /// On an option behind the command that stands in front of it alone; nothing without one.
-    [[nodiscard]] std::optional<Mistake> mistakeInOrder() const;
+    [[nodiscard]] std::optional<UsageError> usageErrorInOrder() const;
     [[nodiscard]] bool asksForVersions() const { return has("--version"); }
     [[nodiscard]] std::string help() const { return _app.help(); }
 
@@ -226,7 +226,7 @@ bool Reader::hasUnknownOption() const {
     return std::any_of(words.begin(), words.end(), isOption);
 }
 
-Mistake Reader::mistakeInWords() const {
+UsageError Reader::usageErrorInText() const {
     const std::vector<std::string> words = _app.remaining(true);
     const Command* command = this->command();
     const auto isNoDashes = [](const std::string& word) { return word != "--"; };
@@ -255,7 +255,7 @@ Mistake Reader::mistakeInWords() const {
     return unexpectedArgument(word, commandName(), *command);
 }
 
-Mistake Reader::missingWords() const {
+UsageError Reader::missingWords() const {
     const Command& command = *this->command();
     const CLI::App* app = namedCommand(_app);
     while (const CLI::App* inner = namedCommand(*app)) {
@@ -269,7 +269,7 @@ Mistake Reader::missingWords() const {
     return {"A word is missing"};
 }
 
-std::optional<Mistake> Reader::mistakeInValues() const {
+std::optional<UsageError> Reader::usageErrorInValues() const {
     std::vector<std::string> words;
     words.reserve(coloursWords.size());
     for (const ColoursWord& row : coloursWords) {
@@ -279,22 +279,23 @@ std::optional<Mistake> Reader::mistakeInValues() const {
     if (!has("--color") || std::find(words.begin(), words.end(), word) != words.end()) {
         return std::nullopt;
     }
-    return Mistake{"The option \"--color\" takes auto, always or never, and not " + inQuotes(word),
-                   questionForSimilar(word, words)};
+    return UsageError{
+        "The option \"--color\" takes auto, always or never, and not " + inQuotes(word),
+        questionForSimilar(word, words)};
 }
 
 /// Those in front of the command have been read by now.
-std::optional<Mistake> Reader::mistakeInOrder() const {
+std::optional<UsageError> Reader::usageErrorInOrder() const {
     const std::string option(folderOption);
     if (!has(option.c_str())) {
         return std::nullopt;
     }
     const std::string name = commandName();
-    return Mistake{"The option " + inQuotes(option) + " stands in front of the command: nebsc " +
-                   option + " DIR " + name.substr(0, name.size() - 1)};
+    return UsageError{"The option " + inQuotes(option) + " stands in front of the command: nebsc " +
+                      option + " DIR " + name.substr(0, name.size() - 1)};
 }
 
-Reply helpReply(std::string text) {
+CommandOutput helpOutput(std::string text) {
     return {.standardOutput = std::move(text), .standardError = {}, .exitStatus = exitDone};
 }
 
@@ -323,32 +324,32 @@ std::string_view programDescription() {
     return description;
 }
 
-std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv) {
+std::variant<Call, CommandOutput> readCommandLine(int argc, const char* const* argv) {
     Reader reader;
     try {
         reader.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         if (reader.namesNoCommand()) {
-            return refusedCall(reader.mistakeInWords(), reader.commandName());
+            return refusedCall(reader.usageErrorInText(), reader.commandName());
         }
-        return helpReply(reader.help());
+        return helpOutput(reader.help());
     } catch (const CLI::ExtrasError&) {
-        return refusedCall(reader.mistakeInWords(), reader.commandName());
+        return refusedCall(reader.usageErrorInText(), reader.commandName());
     } catch (const CLI::RequiredError&) {
         return refusedCall(
-            reader.hasUnknownOption() ? reader.mistakeInWords() : reader.missingWords(),
+            reader.hasUnknownOption() ? reader.usageErrorInText() : reader.missingWords(),
             reader.commandName());
     } catch (const CLI::ParseError& error) {
-        return refusedCall(mistakeInOption(error.what()), reader.commandName());
+        return refusedCall(usageErrorInOption(error.what()), reader.commandName());
     }
-    if (const auto mistake = reader.mistakeInOrder()) {
+    if (const auto mistake = reader.usageErrorInOrder()) {
         return refusedCall(*mistake, reader.commandName());
     }
-    if (const auto mistake = reader.mistakeInValues()) {
+    if (const auto mistake = reader.usageErrorInValues()) {
         return refusedCall(*mistake, reader.commandName());
     }
     if (reader.commandName().empty() && !reader.asksForVersions()) {
-        return argc < 2 ? helpReply(reader.help()) : refusedCall({"A command is missing"}, "");
+        return argc < 2 ? helpOutput(reader.help()) : refusedCall({"A command is missing"}, "");
     }
     return reader.call();
 }

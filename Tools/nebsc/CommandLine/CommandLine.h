@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "CommandLine/Command.h"
-#include "Terminal/Reply.h"
+#include "Terminal/CommandOutput.h"
 
 namespace neb::nebsc {
 
@@ -39,6 +39,6 @@ struct Call {
 
 /// Reads the words. What needs no more than an answer comes back as that: the help, and a call that
 /// cannot be understood.
-[[nodiscard]] std::variant<Call, Reply> readCommandLine(int argc, const char* const* argv);
+[[nodiscard]] std::variant<Call, CommandOutput> readCommandLine(int argc, const char* const* argv);
 
 }  // namespace neb::nebsc

@@ -99,7 +99,7 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
@@ -111,7 +111,7 @@ private:
 };
 
 /// The last word is the file, whatever it looks like.
-std::optional<Reply> BlameTask::look() {
+std::optional<CommandOutput> BlameTask::validate() {
     std::vector<std::string> words = arguments().all("REVISION");
     const std::vector<std::string>& others = arguments().all("FILE");
     words.insert(words.end(), others.begin(), others.end());
@@ -199,7 +199,7 @@ constexpr Parameter parameters[] = {
     {"FILE", "The file", Takes::pathAsWritten},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return BlameTask(call).run();
 }
 

@@ -25,11 +25,11 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return exchangeRequest(NEBSourceControlRequestListBranches, Peer::remote);
     }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 /// The request does not tell which branch is the current one.
-void ListTask::conclude(const Outcome& outcome, Reply& reply) {
+void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     const auto current = currentBranch();
     bool isCurrentListed = false;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
@@ -41,15 +41,15 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
         const std::string name = fitting(STDOUT_FILENO, 2, whole);
         isCurrentListed = isCurrentListed || isCurrent;
         const bool isColoured = isCurrent && isInColour();
-        reply.standardOutput +=
+        output.standardOutput +=
             (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
     }
     if (!isCurrentListed) {
-        reply.standardOutput += printable(whereInsteadOfBranch()) + "\n";
+        output.standardOutput += printable(whereInsteadOfBranch()) + "\n";
     }
 }
 
-Reply list(const CommandCall& call) {
+CommandOutput list(const CommandCall& call) {
     return ListTask(call).run();
 }
 
@@ -74,29 +74,29 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return requestOfType(NEBSourceControlRequestCurrentBranch);
     }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 /// A branch without a commit is in no listing. What is said instead of a name is no answer that a
 /// script could take for one.
-void CurrentTask::conclude(const Outcome& outcome, Reply& reply) {
+void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
     if (const auto branch = name.empty() ? currentBranch() : std::nullopt) {
         name = printable(*branch);
     }
     if (const auto broken = name.empty() ? brokenReference("HEAD") : std::nullopt) {
-        addFailure(reply, failureWith(*broken));
+        addFailure(output, failureWith(*broken));
         return;
     }
     if (name.empty()) {
-        addFailure(reply, refusal(whereInsteadOfBranch(), exitFailed));
+        addFailure(output, refusal(whereInsteadOfBranch(), exitFailed));
         return;
     }
-    reply.standardOutput = name + "\n";
+    output.standardOutput = name + "\n";
 }
 
-Reply current(const CommandCall& call) {
+CommandOutput current(const CommandCall& call) {
     return CurrentTask(call).run();
 }
 
@@ -119,14 +119,14 @@ public:
     using BranchTask::BranchTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 /// The error of the request may speak of a file; a person is told what there is not. "A...B", the
 /// common ancestor, is for git alone to judge.
-std::optional<Reply> CreateTask::look() {
+std::optional<CommandOutput> CreateTask::validate() {
     const auto start = arguments().value("START");
     if (isJSON()) {
         return std::nullopt;
@@ -156,10 +156,10 @@ std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
     return request;
 }
 
-void CreateTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void CreateTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const auto tracking = trackingOf(word(nameWord));
-    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
-                           (tracking ? ", which tracks " + shown(*tracking) : "") + ".\n";
+    output.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                            (tracking ? ", which tracks " + shown(*tracking) : "") + ".\n";
 }
 
 constexpr Parameter createParameters[] = {
@@ -168,7 +168,7 @@ constexpr Parameter createParameters[] = {
      Takes::revision},
 };
 
-Reply create(const CommandCall& call) {
+CommandOutput create(const CommandCall& call) {
     return CreateTask(call).run();
 }
 
@@ -193,9 +193,9 @@ public:
     using BranchTask::BranchTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
     std::string adviceAfter(const NEBSourceControlError& error) const override;
 
 private:
@@ -207,7 +207,7 @@ private:
 
 /// With its commit, a branch that was deleted by mistake can be made again. "@{-1}" stands for the
 /// name of a branch.
-std::optional<Reply> DeleteTask::look() {
+std::optional<CommandOutput> DeleteTask::validate() {
     _name = word(nameWord);
     if (_name.starts_with("@{")) {
         const std::string whole =
@@ -228,9 +228,9 @@ std::shared_ptr<NEBSourceControlRequest> DeleteTask::request() {
     return request;
 }
 
-void DeleteTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
-    reply.standardOutput = "Deleted the branch " + printable(inQuotes(_name)) +
-                           (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
+void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    output.standardOutput = "Deleted the branch " + printable(inQuotes(_name)) +
+                            (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
 }
 
 std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
@@ -244,7 +244,7 @@ constexpr Parameter deleteParameters[] = {
     {"--force", "Delete it even if it is not merged"},
 };
 
-Reply deleteBranch(const CommandCall& call) {
+CommandOutput deleteBranch(const CommandCall& call) {
     return DeleteTask(call).run();
 }
 

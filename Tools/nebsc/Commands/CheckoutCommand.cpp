@@ -48,9 +48,9 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::string branch() const { return arguments().value("BRANCH").value_or(""); }
@@ -73,7 +73,7 @@ bool CheckoutTask::isTracked() {
 
 /// git takes a destination that is no revision, but the name of a file, for the wish to have that
 /// file back as it was, and throws its changes away.
-std::optional<Reply> CheckoutTask::look() {
+std::optional<CommandOutput> CheckoutTask::validate() {
     if (!place().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
         askForCommit(branch()).status.isSuccess()) {
         return std::nullopt;
@@ -115,20 +115,20 @@ std::string CheckoutTask::whereNow() {
     return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "";
 }
 
-void CheckoutTask::conclude(const Outcome& outcome, Reply& reply) {
+void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.result && !outcome.result->empty()) {
         const NEBValue notice = outcome.result->front().value(NEBSourceControlOperationContentKey);
-        reply.standardError = unusualLines(notice.string().value_or(""));
+        output.standardError = unusualLines(notice.string().value_or(""));
     }
-    reply.standardOutput = whereNow();
-    noteConflicts(reply, "Local changes are in conflict with what was checked out, in:", {});
+    output.standardOutput = whereNow();
+    noteConflicts(output, "Local changes are in conflict with what was checked out, in:", {});
 }
 
 constexpr Parameter parameters[] = {
     {"BRANCH", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return CheckoutTask(call).run();
 }
 

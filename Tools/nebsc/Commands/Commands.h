@@ -5,7 +5,7 @@
 #include "Doctor/Diagnosis.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Session/Trace.h"
-#include "Terminal/Reply.h"
+#include "Terminal/CommandOutput.h"
 
 namespace neb::nebsc {
 
@@ -84,8 +84,8 @@ extern const Command completeCommand;
 extern const Command manualCommand;
 
 /// The versions of nebsc, of the plug-in and of git, one a line, or as a JSON object.
-[[nodiscard]] Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace,
-                                      bool isJSON);
+[[nodiscard]] CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn,
+                                              const Trace& trace, bool isJSON);
 
 struct DiagnosisCall {
     const Trace& trace;
@@ -96,6 +96,6 @@ struct DiagnosisCall {
 
 /// Whether everything is in order, one finding a line, or as a JSON object. It needs no plug-in
 /// that can be loaded.
-[[nodiscard]] Reply replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call);
+[[nodiscard]] CommandOutput replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call);
 
 }  // namespace neb::nebsc

@@ -29,7 +29,7 @@ public:
 
 protected:
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 std::shared_ptr<NEBSourceControlRequest> CommitTask::request() {
@@ -45,7 +45,7 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::request() {
 
 /// The record holds another word than the name for a repository's first commit and for one on no
 /// branch.
-void CommitTask::conclude(const Outcome& outcome, Reply& reply) {
+void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     const auto word =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
@@ -53,7 +53,7 @@ void CommitTask::conclude(const Outcome& outcome, Reply& reply) {
     const auto revision =
         word && isAbbreviatedRevision(*word) ? std::optional(std::string(*word)) : latestCommit();
     if (revision) {
-        reply.standardOutput = "Committed " + printable(*revision) + ".\n";
+        output.standardOutput = "Committed " + printable(*revision) + ".\n";
     }
 }
 
@@ -65,7 +65,7 @@ constexpr Parameter parameters[] = {
      Takes::path, Occurs::anyNumber},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return CommitTask(call).run();
 }
 

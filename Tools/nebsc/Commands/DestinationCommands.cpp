@@ -31,7 +31,7 @@ protected:
         return arguments().value(parameter).value_or("");
     }
     /// "a/" means a folder, where "a" may be a name to come.
-    [[nodiscard]] std::optional<Reply> refusalOfMissingFolder() const {
+    [[nodiscard]] std::optional<CommandOutput> refusalOfMissingFolder() const {
         if (word(destination).ends_with('/') && !isFolder(paths(destination).front())) {
             return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed,
                            "destination-missing");
@@ -39,7 +39,7 @@ protected:
         return std::nullopt;
     }
     /// What is made in the file system and then staged must be new, and in the working copy.
-    [[nodiscard]] std::optional<Reply> refusalOfPlace(const std::string& path) {
+    [[nodiscard]] std::optional<CommandOutput> refusalOfPlace(const std::string& path) {
         if (auto refused = refusalWithoutWorkingCopy()) {
             return refused;
         }
@@ -64,7 +64,7 @@ public:
     using DestinationTask::DestinationTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override {
         auto request = requestAbout(NEBSourceControlRequestMove, paths(file));
         request->destination = paths(destination).front();
@@ -72,7 +72,7 @@ protected:
     }
 };
 
-std::optional<Reply> MoveTask::look() {
+std::optional<CommandOutput> MoveTask::validate() {
     const std::string& source = paths(file).front();
     if (place().isWorkingCopy && !isAnythingAt(source) &&
         !answer({"ls-files", "-z", "--", source})) {
@@ -87,7 +87,7 @@ constexpr Parameter moveParameters[] = {
     {destination, "Its new name, or a folder into which it goes", Takes::path, Occurs::once},
 };
 
-Reply move(const CommandCall& call) {
+CommandOutput move(const CommandCall& call) {
     return MoveTask(call).run();
 }
 
@@ -98,16 +98,16 @@ public:
     using DestinationTask::DestinationTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     Silence silence() const override { return Silence::irrelevant; }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     std::string _copy;
 };
 
-std::optional<Reply> CopyTask::look() {
+std::optional<CommandOutput> CopyTask::validate() {
     if (auto refused = refusalOfMissingFolder()) {
         return refused;
     }
@@ -126,10 +126,10 @@ std::shared_ptr<NEBSourceControlRequest> CopyTask::request() {
 }
 
 /// The request stages beside the copying, and so perhaps too early; what a person asks for is sure.
-void CopyTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
-    const Performance staging = perform(requestAbout(NEBSourceControlRequestAddFiles, {_copy}));
-    if (noteFailure(reply, *staging.outcome, Silence::failure)) {
-        reply.standardError += "The copy was made all the same; it is not staged.\n";
+void CopyTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    const RequestResult staging = perform(requestAbout(NEBSourceControlRequestAddFiles, {_copy}));
+    if (noteFailure(output, *staging.outcome, Silence::failure)) {
+        output.standardError += "The copy was made all the same; it is not staged.\n";
     }
 }
 
@@ -139,7 +139,7 @@ constexpr Parameter copyParameters[] = {
      Takes::path, Occurs::once},
 };
 
-Reply copy(const CommandCall& call) {
+CommandOutput copy(const CommandCall& call) {
     return CopyTask(call).run();
 }
 
@@ -150,7 +150,9 @@ public:
     using DestinationTask::DestinationTask;
 
 protected:
-    std::optional<Reply> look() override { return refusalOfPlace(paths("DIR").front()); }
+    std::optional<CommandOutput> validate() override {
+        return refusalOfPlace(paths("DIR").front());
+    }
     std::shared_ptr<NEBSourceControlRequest> request() override {
         auto request = requestOfType(NEBSourceControlRequestMakeDirectory);
         request->destination = paths("DIR").front();
@@ -164,7 +166,7 @@ constexpr Parameter makeDirectoryParameters[] = {
     {"DIR", "The new folder; those on the way to it are made too", Takes::folder, Occurs::once},
 };
 
-Reply makeDirectory(const CommandCall& call) {
+CommandOutput makeDirectory(const CommandCall& call) {
     return MakeDirectoryTask(call).run();
 }
 

@@ -10,7 +10,7 @@
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/StatusWords.h"
+#include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
 
@@ -70,18 +70,18 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    Performance carryOut() override;
+    RequestResult carryOut() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] bool isFromCommonAncestor() const {
         return arguments().has("--common-ancestor") || _words.dots == "...";
     }
-    void restoreBytes(const Outcome& outcome, Reply& reply);
-    void noteFilesNotCompared(Reply& reply);
+    void restoreBytes(const Outcome& outcome, CommandOutput& output);
+    void noteFilesNotCompared(CommandOutput& output);
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
 
     Words _words;
@@ -89,7 +89,7 @@ private:
     std::vector<NameStatusEntry> _entries;
 };
 
-std::optional<Reply> DiffTask::look() {
+std::optional<CommandOutput> DiffTask::validate() {
     _words = readWords(2, std::numeric_limits<std::size_t>::max());
     if (_words.refused) {
         return _words.refused;
@@ -120,14 +120,14 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
 }
 
 /// A program gets the request's outcome, a person names as they are.
-Performance DiffTask::carryOut() {
+RequestResult DiffTask::carryOut() {
     if (isJSON() || !arguments().has("--name-status")) {
         return perform(request());
     }
     NameStatusQuery query(request(), isFromCommonAncestor() ? "..." : "..");
-    Performance performance = perform(query);
+    RequestResult requestResult = perform(query);
     _entries = query.entries();
-    return performance;
+    return requestResult;
 }
 
 std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
@@ -151,23 +151,23 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
 
 /// A result is text; a patch of files in another encoding than UTF-8 is had from git once more, as
 /// it is, for a program to apply.
-void DiffTask::restoreBytes(const Outcome& outcome, Reply& reply) {
+void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
     constexpr std::string_view replacement = "\uFFFD";
     if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
         arguments().has("--name-status") ||
-        reply.standardOutput.find(replacement) == std::string::npos) {
+        output.standardOutput.find(replacement) == std::string::npos) {
         return;
     }
     const ChildOutcome patch = ask(outcome.command->arguments);
     if (patch.status.isSuccess()) {
-        reply.standardOutput = std::string(patch.output);
+        output.standardOutput = std::string(patch.output);
     } else {
-        addFailure(reply, failureOf(patch));
+        addFailure(output, failureOf(patch));
     }
 }
 
 /// git ignores an unknown file and prints no message.
-void DiffTask::noteFilesNotCompared(Reply& reply) {
+void DiffTask::noteFilesNotCompared(CommandOutput& output) {
     if (isJSON() || _words.revisions.size() > 1) {
         return;
     }
@@ -177,7 +177,7 @@ void DiffTask::noteFilesNotCompared(Reply& reply) {
             continue;
         }
         const std::string name = inQuotes(shown(file));
-        reply.standardError +=
+        output.standardError +=
             isAnythingAt(file)
                 ? name + " is not tracked, so it is not compared; \"nebsc add\" tracks it.\n"
                 : "There is no file or folder " + name + ", neither on disk nor in " +
@@ -185,9 +185,9 @@ void DiffTask::noteFilesNotCompared(Reply& reply) {
     }
 }
 
-void DiffTask::conclude(const Outcome& outcome, Reply& reply) {
-    restoreBytes(outcome, reply);
-    noteFilesNotCompared(reply);
+void DiffTask::report(const Outcome& outcome, CommandOutput& output) {
+    restoreBytes(outcome, output);
+    noteFilesNotCompared(output);
 }
 
 constexpr Parameter parameters[] = {
@@ -199,7 +199,7 @@ constexpr Parameter parameters[] = {
     {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return DiffTask(call).run();
 }
 

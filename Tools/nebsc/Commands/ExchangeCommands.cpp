@@ -23,8 +23,8 @@ protected:
     [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
     /// The reply where the words are too few or too many, as told by `expected`, or where there is
     /// no Subversion repository to talk to.
-    [[nodiscard]] std::optional<Reply> refusalOfWords(bool areComplete, bool areNone,
-                                                      std::string_view expected) {
+    [[nodiscard]] std::optional<CommandOutput> refusalOfWords(bool areComplete, bool areNone,
+                                                              std::string_view expected) {
         if (isSubversion() ? !areNone : !areComplete) {
             return refusal(expected, exitNotUnderstood);
         }
@@ -39,9 +39,9 @@ public:
     using ExchangeTask::ExchangeTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     /// The commits of all that a fetch brings up to date, by "origin/main" or "tag v1.0".
@@ -70,7 +70,7 @@ FetchTask::References FetchTask::references() {
     return references;
 }
 
-std::optional<Reply> FetchTask::look() {
+std::optional<CommandOutput> FetchTask::validate() {
     const bool hasRemote = arguments().has(remoteWord);
     if (auto refused =
             refusalOfWords(hasRemote, !hasRemote,
@@ -88,7 +88,7 @@ std::shared_ptr<NEBSourceControlRequest> FetchTask::request() {
 }
 
 /// The outcome does not say what came.
-void FetchTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const References after = references();
     const std::string from =
         "Fetched from " + printable(isSubversion() ? _remote : inQuotes(_remote));
@@ -105,11 +105,11 @@ void FetchTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
         lines += after.contains(name) ? "" : "    gone     " + printable(name) + "\n";
     }
     if (!lines.empty()) {
-        reply.standardOutput = from + ":\n" + lines;
+        output.standardOutput = from + ":\n" + lines;
     } else if (isSubversion() || isRemote(_remote)) {
-        reply.standardOutput = from + "; there is nothing new.\n";
+        output.standardOutput = from + "; there is nothing new.\n";
     } else {
-        reply.standardOutput = from + "; its latest commit is FETCH_HEAD here.\n";
+        output.standardOutput = from + "; its latest commit is FETCH_HEAD here.\n";
     }
 }
 
@@ -118,7 +118,7 @@ constexpr Parameter fetchParameters[] = {
     {subversionFlag, "Fetch from the Subversion repository behind this one"},
 };
 
-Reply fetch(const CommandCall& call) {
+CommandOutput fetch(const CommandCall& call) {
     return FetchTask(call).run();
 }
 
@@ -129,9 +129,9 @@ public:
     using ExchangeTask::ExchangeTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         return error.errorClass == "nothing-to-push-from"
                    ? "There is no branch " + inQuotes(_local) + " here to push."
@@ -147,7 +147,7 @@ private:
 };
 
 /// An empty branch would delete the remote's, one that begins with "+" overwrite it.
-std::optional<Reply> PushTask::look() {
+std::optional<CommandOutput> PushTask::validate() {
     constexpr std::string_view branches = "BRANCHES";
     const bool hasRemote = arguments().has(remoteWord);
     const bool hasBranches = arguments().has(branches);
@@ -198,12 +198,12 @@ std::string wordsOfRemote(std::string_view words) {
 }
 
 /// Over the bridge, git makes the commits anew as Subversion has them.
-void PushTask::conclude(const Outcome& outcome, Reply& reply) {
+void PushTask::report(const Outcome& outcome, CommandOutput& output) {
     if (isSubversion()) {
         const auto commit = latestCommit();
-        reply.standardOutput = commit && commit != _commitBefore
-                                   ? "Pushed to Subversion; now at " + printable(*commit) + ".\n"
-                                   : "There is nothing to push: Subversion has all commits.\n";
+        output.standardOutput = commit && commit != _commitBefore
+                                    ? "Pushed to Subversion; now at " + printable(*commit) + ".\n"
+                                    : "There is nothing to push: Subversion has all commits.\n";
         return;
     }
     const bool hasRecord = outcome.result && !outcome.result->empty();
@@ -212,12 +212,12 @@ void PushTask::conclude(const Outcome& outcome, Reply& reply) {
                   : "";
     const std::string remote = printable(inQuotes(_remote));
     if (words.find("Everything up-to-date") != std::string::npos) {
-        reply.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
+        output.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
     } else {
-        reply.standardOutput =
+        output.standardOutput =
             "Pushed " + printable(_local) + " to " + printable(_there) + " of " + remote + ".\n";
     }
-    reply.standardError = wordsOfRemote(words);
+    output.standardError = wordsOfRemote(words);
 }
 
 std::string PushTask::adviceAfter(const NEBSourceControlError& error) const {
@@ -235,7 +235,7 @@ constexpr Parameter pushParameters[] = {
     {subversionFlag, "Commit to the Subversion repository behind this one what it does not have"},
 };
 
-Reply push(const CommandCall& call) {
+CommandOutput push(const CommandCall& call) {
     return PushTask(call).run();
 }
 

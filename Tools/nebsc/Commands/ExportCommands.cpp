@@ -36,9 +36,9 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void complete(Outcome& outcome) override;
+    void finish(Outcome& outcome) override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
@@ -46,15 +46,15 @@ private:
         return arguments().value("REVISION").value_or("");
     }
     [[nodiscard]] const std::string& file() const { return paths("FILE").front(); }
-    [[nodiscard]] std::optional<Reply> refusalOfSource();
-    [[nodiscard]] std::optional<Reply> chooseTarget();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfSource();
+    [[nodiscard]] std::optional<CommandOutput> chooseTarget();
 
     /// Absent without a destination: the request then chooses a temporary file.
     std::optional<NewFile> _target;
 };
 
 /// The request's own error does not tell a missing revision from a missing file.
-std::optional<Reply> ExportTask::refusalOfSource() {
+std::optional<CommandOutput> ExportTask::refusalOfSource() {
     if (auto refused = refusalOfRevision(revision())) {
         return refused;
     }
@@ -68,7 +68,7 @@ std::optional<Reply> ExportTask::refusalOfSource() {
 
 /// The request takes whatever is at its destination for the export, and can write under no other
 /// name than the file's own. So it writes into a folder that is made for it.
-std::optional<Reply> ExportTask::chooseTarget() {
+std::optional<CommandOutput> ExportTask::chooseTarget() {
     const std::string word = arguments().value(destination).value_or("");
     std::string path = paths(destination).front();
     if (isFolder(path)) {
@@ -92,7 +92,7 @@ std::optional<Reply> ExportTask::chooseTarget() {
     return std::nullopt;
 }
 
-std::optional<Reply> ExportTask::look() {
+std::optional<CommandOutput> ExportTask::validate() {
     if (auto refused = refusalWithoutWorkingCopy()) {
         return refused;
     }
@@ -121,7 +121,7 @@ std::shared_ptr<NEBSourceControlRequest> ExportTask::request() {
     return request;
 }
 
-void ExportTask::complete(Outcome& outcome) {
+void ExportTask::finish(Outcome& outcome) {
     if (!_target) {
         return;
     }
@@ -153,7 +153,7 @@ constexpr Parameter exportParameters[] = {
      Takes::path},
 };
 
-Reply exportFile(const CommandCall& call) {
+CommandOutput exportFile(const CommandCall& call) {
     return ExportTask(call).run();
 }
 
@@ -164,13 +164,13 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    void noteSparseFiles(Reply& reply);
-    [[nodiscard]] std::optional<Reply> refusalOfFolderInTheWay();
+    void noteSparseFiles(CommandOutput& output);
+    [[nodiscard]] std::optional<CommandOutput> refusalOfFolderInTheWay();
     [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
     /// git would write to where a link leads in any case.
     [[nodiscard]] bool isWorkingCopy() const {
@@ -179,7 +179,7 @@ private:
     }
 };
 
-std::optional<Reply> ExportTreeTask::look() {
+std::optional<CommandOutput> ExportTreeTask::validate() {
     if (auto refused = refusalWithoutWorkingCopy()) {
         return refused;
     }
@@ -208,7 +208,7 @@ std::optional<Reply> ExportTreeTask::look() {
 }
 
 /// Where a file is to be, git removes a folder with all that it holds.
-std::optional<Reply> ExportTreeTask::refusalOfFolderInTheWay() {
+std::optional<CommandOutput> ExportTreeTask::refusalOfFolderInTheWay() {
     if (!isFolder(folder())) {
         return std::nullopt;
     }
@@ -233,29 +233,29 @@ std::shared_ptr<NEBSourceControlRequest> ExportTreeTask::request() {
     return request;
 }
 
-void ExportTreeTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
-    reply.standardOutput =
+void ExportTreeTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    output.standardOutput =
         isAnythingAt(folder())
             ? "Wrote the files of the index to " + printable(inQuotes(folder())) + ".\n"
             : "The index has no files; nothing was written.\n";
-    noteConflicts(reply, "These files are in conflict and were not written:", {});
-    noteSparseFiles(reply);
+    noteConflicts(output, "These files are in conflict and were not written:", {});
+    noteSparseFiles(output);
 }
 
 /// git leaves out, without a word, what a sparse checkout leaves out.
-void ExportTreeTask::noteSparseFiles(Reply& reply) {
+void ExportTreeTask::noteSparseFiles(CommandOutput& output) {
     const ChildOutcome outcome = ask({"ls-files", "-t", "-z"});
     const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
     const auto count = std::count_if(entries.begin(), entries.end(), [](const std::string& entry) {
         return entry.starts_with("S ");
     });
     if (!outcome.status.isSuccess()) {
-        addFailure(reply, failureOf(outcome));
+        addFailure(output, failureOf(outcome));
     } else if (count > 0) {
         const std::string files = count == 1 ? "One file" : std::to_string(count) + " files";
-        addFailure(reply, refusal(files + " of the index outside the sparse checkout " +
-                                      (count == 1 ? "was" : "were") + " not written.",
-                                  exitFailed));
+        addFailure(output, refusal(files + " of the index outside the sparse checkout " +
+                                       (count == 1 ? "was" : "were") + " not written.",
+                                   exitFailed));
     }
 }
 
@@ -265,7 +265,7 @@ constexpr Parameter exportTreeParameters[] = {
      "Write into a folder that is not empty, and overwrite the files that are in the way"},
 };
 
-Reply exportTree(const CommandCall& call) {
+CommandOutput exportTree(const CommandCall& call) {
     return ExportTreeTask(call).run();
 }
 

@@ -17,7 +17,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::optional<Reply> look() override {
+    std::optional<CommandOutput> validate() override {
         return isAll() == paths(files).empty()
                    ? std::nullopt
                    : std::optional(refusal("Either FILE or --all was expected (see nebsc add "
@@ -39,7 +39,7 @@ constexpr Parameter addParameters[] = {
     {"--all", "All that has changed in the whole working copy"},
 };
 
-Reply add(const CommandCall& call) {
+CommandOutput add(const CommandCall& call) {
     return AddTask(call).run();
 }
 
@@ -51,13 +51,13 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return requestAbout(NEBSourceControlRequestRemove, paths(files));
     }
 };
 
-std::optional<Reply> RemoveTask::look() {
+std::optional<CommandOutput> RemoveTask::validate() {
     if (arguments().has("--force")) {
         return std::nullopt;
     }
@@ -84,7 +84,7 @@ std::optional<Reply> RemoveTask::look() {
     if (changed.empty()) {
         return std::nullopt;
     }
-    Reply refused = refusalAbout(
+    CommandOutput refused = refusalAbout(
         "Nothing was removed, as changes that are not committed would be lost:", changed,
         "local-changes");
     refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
@@ -96,7 +96,7 @@ constexpr Parameter removeParameters[] = {
     {"--force", "Remove what has changes that are not committed too; they are lost"},
 };
 
-Reply remove(const CommandCall& call) {
+CommandOutput remove(const CommandCall& call) {
     return RemoveTask(call).run();
 }
 
@@ -116,7 +116,7 @@ constexpr Parameter revertParameters[] = {
     {files, "A file, or a folder with all that is tracked in it", Takes::path, Occurs::oneOrMore},
 };
 
-Reply revert(const CommandCall& call) {
+CommandOutput revert(const CommandCall& call) {
     return RevertTask(call).run();
 }
 

@@ -68,15 +68,15 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return requestAbout(NEBSourceControlRequestIgnore, paths(files));
     }
-    void complete(Outcome& outcome) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void finish(Outcome& outcome) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    [[nodiscard]] std::optional<Reply> refusalOf(const std::string& path);
+    [[nodiscard]] std::optional<CommandOutput> refusalOf(const std::string& path);
     /// This git takes no pattern for one, and cannot be told so.
     [[nodiscard]] bool isIgnored(const std::string& path) {
         return runGit(interruption(), trace(), {"check-ignore", "--quiet", "--", path},
@@ -88,7 +88,7 @@ private:
     std::string _lines;
 };
 
-std::optional<Reply> IgnoreTask::refusalOf(const std::string& path) {
+std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
     if (auto refused = refusalOfPathOutside(path)) {
         return refused;
     }
@@ -105,15 +105,16 @@ std::optional<Reply> IgnoreTask::refusalOf(const std::string& path) {
             exitFailed, "path-invalid");
     }
     if (answer({"ls-files", "-z", "--", path})) {
-        Reply reply = refusal(name + " is tracked, so its changes cannot be ignored.", exitFailed,
-                              "path-invalid");
-        reply.standardError += "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
-        return reply;
+        CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
+                                       exitFailed, "path-invalid");
+        output.standardError +=
+            "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
+        return output;
     }
     return std::nullopt;
 }
 
-std::optional<Reply> IgnoreTask::look() {
+std::optional<CommandOutput> IgnoreTask::validate() {
     if (auto refused = refusalWithoutWorkingCopy()) {
         return refused;
     }
@@ -134,7 +135,7 @@ std::optional<Reply> IgnoreTask::look() {
 }
 
 /// The request itself changes nothing.
-void IgnoreTask::complete(Outcome& outcome) {
+void IgnoreTask::finish(Outcome& outcome) {
     const std::string list = pathByAppendingComponent(place().location, ".gitignore");
     if (const int failure = _lines.empty() ? 0 : appendLines(list, _lines); failure != 0) {
         outcome.error = NEBSourceControlErrorFromFileFailure(
@@ -143,17 +144,17 @@ void IgnoreTask::complete(Outcome& outcome) {
     }
 }
 
-void IgnoreTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void IgnoreTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     if (_lines.empty()) {
-        reply.standardOutput =
+        output.standardOutput =
             paths(files).size() == 1 ? "It is ignored already.\n" : "They are ignored already.\n";
         return;
     }
-    reply.standardOutput = "Added to the list \"" + shown(".gitignore") + "\":\n";
+    output.standardOutput = "Added to the list \"" + shown(".gitignore") + "\":\n";
     std::size_t start = 0;
     while (start < _lines.size()) {
         const std::size_t end = _lines.find('\n', start);
-        reply.standardOutput += "    " + printable(_lines.substr(start, end - start)) + "\n";
+        output.standardOutput += "    " + printable(_lines.substr(start, end - start)) + "\n";
         start = end + 1;
     }
 }
@@ -163,7 +164,7 @@ constexpr Parameter parameters[] = {
      Occurs::oneOrMore},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return IgnoreTask(call).run();
 }
 

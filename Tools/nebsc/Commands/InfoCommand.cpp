@@ -18,7 +18,7 @@ protected:
         return requestOfType(NEBSourceControlRequestInfo);
     }
     Silence silence() const override { return Silence::answer; }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 std::string line(std::string_view name, const NEBValue& value) {
@@ -29,27 +29,27 @@ std::string line(std::string_view name, const NEBValue& value) {
 
 /// The question for a URL is answered by silence outside any repository too, and by the user's own
 /// configuration.
-void InfoTask::conclude(const Outcome& outcome, Reply& reply) {
+void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
         !repository.status.isSuccess()) {
-        reply = failureOf(repository);
+        output = failureOf(repository);
         return;
     }
     const NEBDictionary record =
         outcome.result && !outcome.result->empty() ? outcome.result->front() : NEBDictionary();
     const NEBValue& url = record.value(NEBSourceControlOperationRemoteOriginKey);
     if (!url.isPresent()) {
-        reply.standardOutput = "The repository " +
-                               printable(inQuotes(lastPathComponent(place().location))) +
-                               " has no remote \"origin\" and none of Subversion.\n";
+        output.standardOutput = "The repository " +
+                                printable(inQuotes(lastPathComponent(place().location))) +
+                                " has no remote \"origin\" and none of Subversion.\n";
         return;
     }
     const bool isSubversion = outcome.commands.size() > 1;
-    reply.standardOutput = line(isSubversion ? "Subversion" : "origin", url) +
-                           line("root", record.value(NEBSourceControlOperationRepositoryRootKey));
+    output.standardOutput = line(isSubversion ? "Subversion" : "origin", url) +
+                            line("root", record.value(NEBSourceControlOperationRepositoryRootKey));
 }
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return InfoTask(call).run();
 }
 

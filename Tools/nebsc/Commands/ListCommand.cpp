@@ -14,11 +14,11 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    Performance carryOut() override;
+    RequestResult carryOut() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] const std::string& folder() const {
@@ -27,12 +27,12 @@ private:
     [[nodiscard]] std::string shownFolder() const {
         return inQuotes(arguments().value("DIR").value_or("."));
     }
-    [[nodiscard]] std::optional<Reply> refusalOfFolder();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfFolder();
 
     std::vector<TreeEntry> _entries;
 };
 
-std::optional<Reply> ListTask::look() {
+std::optional<CommandOutput> ListTask::validate() {
     if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
         !repository.status.isSuccess()) {
         return failureOf(repository);
@@ -47,7 +47,7 @@ std::optional<Reply> ListTask::look() {
 }
 
 /// If git cannot look the folder up, the listing itself fails, with git's message.
-std::optional<Reply> ListTask::refusalOfFolder() {
+std::optional<CommandOutput> ListTask::refusalOfFolder() {
     const std::string type = typeOfEntry("HEAD", folder()).value_or("tree");
     if (type == "tree") {
         return std::nullopt;
@@ -70,11 +70,11 @@ std::shared_ptr<NEBSourceControlRequest> ListTask::request() {
     return requestAbout(NEBSourceControlRequestList, {pathFromTop(folder())});
 }
 
-Performance ListTask::carryOut() {
+RequestResult ListTask::carryOut() {
     TreeQuery query(request(), objectAt("HEAD", folder()));
-    Performance performance = perform(query);
+    RequestResult requestResult = perform(query);
     _entries = query.entries();
-    return performance;
+    return requestResult;
 }
 
 std::string ListTask::textOfResult(const NEBSourceControlResult& /*records*/) {
@@ -87,9 +87,9 @@ std::string ListTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     return lines;
 }
 
-void ListTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     if (_entries.empty() && !isJSON()) {
-        reply.standardError += printable(shownFolder()) + " is empty in the latest commit.\n";
+        output.standardError += printable(shownFolder()) + " is empty in the latest commit.\n";
     }
 }
 
@@ -97,7 +97,7 @@ constexpr Parameter parameters[] = {
     {"DIR", "The folder, the current one unless given", Takes::folder},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return ListTask(call).run();
 }
 

@@ -11,7 +11,7 @@
 #include "Terminal/GitQuoting.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/StatusWords.h"
+#include "Terminal/StatusLabels.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -51,13 +51,13 @@ public:
     using HistoryTask::HistoryTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    [[nodiscard]] std::optional<Reply> refusalOfBranch();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfBranch();
     [[nodiscard]] std::string revisionColumn(const NEBDictionary& record) const;
     [[nodiscard]] std::string lineOf(const NEBDictionary& record, std::size_t authorColumns) const;
     [[nodiscard]] std::string blockOf(const NEBDictionary& record) const;
@@ -69,7 +69,7 @@ private:
 };
 
 /// A branch that is none, but the name of a file, would make git list the history of that file.
-std::optional<Reply> LogTask::refusalOfBranch() {
+std::optional<CommandOutput> LogTask::refusalOfBranch() {
     const auto branch = arguments().value("--branch");
     if (!branch) {
         return std::nullopt;
@@ -87,7 +87,7 @@ std::optional<Reply> LogTask::refusalOfBranch() {
     return refusalOfRevision(*branch);
 }
 
-std::optional<Reply> LogTask::look() {
+std::optional<CommandOutput> LogTask::validate() {
     const auto limit = arguments().value("--limit");
     if (limit && !countIn(*limit)) {
         return refusal(inQuotes(*limit) + " is no number of commits.", exitNotUnderstood);
@@ -207,10 +207,10 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
     return all;
 }
 
-void LogTask::conclude(const Outcome& outcome, Reply& reply) {
+void LogTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!isJSON() && outcome.result && outcome.result->empty() &&
         outcome.omittedRevisions.empty()) {
-        reply.standardError += "There are no such commits.\n";
+        output.standardError += "There are no such commits.\n";
     }
 }
 
@@ -223,7 +223,7 @@ constexpr Parameter parameters[] = {
     {"--full", "Show the whole messages, the authors' addresses and the seconds"},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return LogTask(call).run();
 }
 

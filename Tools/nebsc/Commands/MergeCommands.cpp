@@ -15,9 +15,9 @@ public:
     using MergingTask::MergingTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRevisionUnknownErrorClass
                    ? "There is no branch or revision " + inQuotes(revision()) + "."
@@ -34,7 +34,7 @@ private:
 };
 
 /// The outcome of a merge does not say what it did; this does.
-std::optional<Reply> MergeTask::look() {
+std::optional<CommandOutput> MergeTask::validate() {
     _commitBefore = latestCommit();
     _isMergedAlready = !revision().starts_with('-') &&
                        ask({"merge-base", "--is-ancestor", revision(), "HEAD"}).status.isSuccess();
@@ -53,24 +53,24 @@ std::shared_ptr<NEBSourceControlRequest> MergeTask::request() {
     return request;
 }
 
-void MergeTask::conclude(const Outcome& outcome, Reply& reply) {
+void MergeTask::report(const Outcome& outcome, CommandOutput& output) {
     const std::string what = printable(inQuotes(revision()));
     const auto commit = latestCommit();
     if (_isMergedAlready) {
-        reply.standardOutput = "Already up to date: " + what + " is merged.\n";
+        output.standardOutput = "Already up to date: " + what + " is merged.\n";
     } else if (commit && commit != _commitBefore) {
-        reply.standardOutput = "Merged " + what + "; now at " + printable(*commit) + ".\n";
+        output.standardOutput = "Merged " + what + "; now at " + printable(*commit) + ".\n";
     } else if (commit) {
-        reply.standardOutput = "Merged " + what + "; it is not committed yet.\n";
+        output.standardOutput = "Merged " + what + "; it is not committed yet.\n";
     }
-    noteSettledConflicts(outcome, reply);
+    noteSettledConflicts(outcome, output);
 }
 
 constexpr Parameter mergeParameters[] = {
     {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
-Reply merge(const CommandCall& call) {
+CommandOutput merge(const CommandCall& call) {
     return MergeTask(call).run();
 }
 
@@ -81,11 +81,11 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     Silence silence() const override { return Silence::answer; }
     std::string textOfResult(const NEBSourceControlResult& result) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::string revision(std::string_view parameter) const {
@@ -94,7 +94,7 @@ private:
 };
 
 /// The error of the request speaks of a file; a person is told which revision there is not.
-std::optional<Reply> MergeBaseTask::look() {
+std::optional<CommandOutput> MergeBaseTask::validate() {
     for (const std::string& name : {revision("A"), revision("B")}) {
         if (!name.starts_with('-') && askForCommit(name).status.exitStatus() == 1) {
             return refusalOfUnknownRevision(name);
@@ -118,11 +118,11 @@ std::string MergeBaseTask::textOfResult(const NEBSourceControlResult& result) {
     return lines;
 }
 
-void MergeBaseTask::conclude(const Outcome& outcome, Reply& reply) {
+void MergeBaseTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!outcome.result || outcome.result->empty()) {
-        reply = refusal(inQuotes(revision("A")) + " and " + inQuotes(revision("B")) +
-                            " have no common ancestor.",
-                        exitFailed, "unrelated-histories");
+        output = refusal(inQuotes(revision("A")) + " and " + inQuotes(revision("B")) +
+                             " have no common ancestor.",
+                         exitFailed, "unrelated-histories");
     }
 }
 
@@ -131,7 +131,7 @@ constexpr Parameter mergeBaseParameters[] = {
     {"B", "Another", Takes::revision, Occurs::once},
 };
 
-Reply mergeBase(const CommandCall& call) {
+CommandOutput mergeBase(const CommandCall& call) {
     return MergeBaseTask(call).run();
 }
 

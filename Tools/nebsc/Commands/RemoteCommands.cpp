@@ -85,7 +85,7 @@ protected:
     }
     /// The last question is the one for Subversion, and may have no answer.
     Silence silence() const override { return Silence::answer; }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     void completeLocations(Remote& remote);
@@ -96,7 +96,7 @@ void ListTask::completeLocations(Remote& remote) {
     remote.push = answerLines({"remote", "get-url", "--push", "--all", remote.name});
 }
 
-void ListTask::conclude(const Outcome& outcome, Reply& reply) {
+void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     std::vector<std::pair<std::string, std::string>> rows;
     for (Remote& remote : remotesOf(outcome.result.value_or(NEBSourceControlResult{}))) {
         if (remote.isIncomplete) {
@@ -121,14 +121,14 @@ void ListTask::conclude(const Outcome& outcome, Reply& reply) {
     for (auto& row : rows) {
         row.second = textWithoutPasswords(row.second);
     }
-    reply.standardOutput = rows.empty()
-                               ? "The repository " +
-                                     printable(inQuotes(lastPathComponent(place().location))) +
-                                     " has no remotes.\n"
-                               : alignedLines(std::move(rows));
+    output.standardOutput = rows.empty()
+                                ? "The repository " +
+                                      printable(inQuotes(lastPathComponent(place().location))) +
+                                      " has no remotes.\n"
+                                : alignedLines(std::move(rows));
 }
 
-Reply list(const CommandCall& call) {
+CommandOutput list(const CommandCall& call) {
     return ListTask(call).run();
 }
 
@@ -158,8 +158,8 @@ protected:
         request->destination = word("NAME");
         return request;
     }
-    void conclude(const Outcome& /*outcome*/, Reply& reply) override {
-        reply.standardOutput = "Added the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+    void report(const Outcome& /*outcome*/, CommandOutput& output) override {
+        output.standardOutput = "Added the remote " + printable(inQuotes(word("NAME"))) + ".\n";
     }
 };
 
@@ -169,7 +169,7 @@ constexpr Parameter addParameters[] = {
      Takes::location, Occurs::once},
 };
 
-Reply add(const CommandCall& call) {
+CommandOutput add(const CommandCall& call) {
     return AddTask(call).run();
 }
 
@@ -198,8 +198,8 @@ protected:
         request->destination = word("NAME");
         return request;
     }
-    void conclude(const Outcome& /*outcome*/, Reply& reply) override {
-        reply.standardOutput = "Removed the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+    void report(const Outcome& /*outcome*/, CommandOutput& output) override {
+        output.standardOutput = "Removed the remote " + printable(inQuotes(word("NAME"))) + ".\n";
     }
 };
 
@@ -207,7 +207,7 @@ constexpr Parameter removeParameters[] = {
     {"NAME", "The remote's name", Takes::remote, Occurs::once},
 };
 
-Reply remove(const CommandCall& call) {
+CommandOutput remove(const CommandCall& call) {
     return RemoveTask(call).run();
 }
 
@@ -232,7 +232,7 @@ public:
 
 protected:
     /// To choose a remote takes a repository.
-    std::optional<Reply> look() override {
+    std::optional<CommandOutput> validate() override {
         return arguments().has("URL") ? std::nullopt : refusalWithoutRepository();
     }
     std::shared_ptr<NEBSourceControlRequest> request() override {
@@ -241,10 +241,10 @@ protected:
                                   {remoteOrLocation(*url)})
                    : requestOfType(NEBSourceControlRequestListRemoteBranches);
     }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-void BranchesTask::conclude(const Outcome& outcome, Reply& reply) {
+void BranchesTask::report(const Outcome& outcome, CommandOutput& output) {
     std::vector<std::pair<std::string, std::string>> rows;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
         if (!record.isEmpty()) {
@@ -252,7 +252,7 @@ void BranchesTask::conclude(const Outcome& outcome, Reply& reply) {
                               textOf(record, NEBSourceControlOperationRevisionKey));
         }
     }
-    reply.standardOutput =
+    output.standardOutput =
         rows.empty() ? "The repository has no branches.\n" : alignedLines(std::move(rows));
 }
 
@@ -261,7 +261,7 @@ constexpr Parameter branchesParameters[] = {
      Takes::remote},
 };
 
-Reply branches(const CommandCall& call) {
+CommandOutput branches(const CommandCall& call) {
     return BranchesTask(call).run();
 }
 

@@ -25,18 +25,18 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyPlace findPlace() override;
-    std::optional<Reply> look() override;
+    WorkingCopyLocation findPlace() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    [[nodiscard]] std::optional<Reply> refusalOfRepository(const std::string& folder);
+    [[nodiscard]] std::optional<CommandOutput> refusalOfRepository(const std::string& folder);
 
     std::optional<MissingFolder> _folder;
 };
 
-WorkingCopyPlace InitTask::findPlace() {
+WorkingCopyLocation InitTask::findPlace() {
     return {.location = paths("DIR").empty() ? currentFolder() : paths("DIR").front(),
             .currentFolder = currentFolder(),
             .isWorkingCopy = false};
@@ -44,7 +44,7 @@ WorkingCopyPlace InitTask::findPlace() {
 
 /// The request would go on in a repository that is there, or in what is left of one, and replace
 /// its list of files to ignore.
-std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
+std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& folder) {
     const std::string inside = pathByAppendingComponent(folder, ".git");
     for (const std::string& place : {folder, inside}) {
         if (runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", place},
@@ -65,7 +65,7 @@ std::optional<Reply> InitTask::refusalOfRepository(const std::string& folder) {
                     : std::nullopt;
 }
 
-std::optional<Reply> InitTask::look() {
+std::optional<CommandOutput> InitTask::validate() {
     const std::string& folder = place().location;
     if (const std::string word = arguments().value("DIR").value_or("");
         word.find("://") != std::string::npos) {
@@ -91,9 +91,9 @@ std::shared_ptr<NEBSourceControlRequest> InitTask::request() {
     return request;
 }
 
-void InitTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void InitTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     _folder->keep();
-    reply.standardOutput =
+    output.standardOutput =
         "Made an empty repository in " + printable(inQuotes(place().location)) + ".\n";
 }
 
@@ -102,7 +102,7 @@ constexpr Parameter initParameters[] = {
     {"--bare", "A repository without a working copy, to push to"},
 };
 
-Reply init(const CommandCall& call) {
+CommandOutput init(const CommandCall& call) {
     return InitTask(call).run();
 }
 
@@ -154,16 +154,16 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyPlace findPlace() override;
-    std::optional<Reply> look() override;
+    WorkingCopyLocation findPlace() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    Performance carryOut() override {
+    RequestResult carryOut() override {
         const auto asked = request();
         return perform(asked, arguments().has("--no-submodules")
                                   ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
                                   : nullptr);
     }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         const std::string& url = place().location;
         return error.errorClass == "transport-unknown"
@@ -175,13 +175,13 @@ private:
     std::string _destination;
 };
 
-WorkingCopyPlace CloneTask::findPlace() {
+WorkingCopyLocation CloneTask::findPlace() {
     return {.location = repositoryLocation(currentFolder(), arguments().value("URL").value_or("")),
             .currentFolder = currentFolder(),
             .isWorkingCopy = false};
 }
 
-std::optional<Reply> CloneTask::look() {
+std::optional<CommandOutput> CloneTask::validate() {
     if (!paths("DIR").empty()) {
         _destination = paths("DIR").front();
         return std::nullopt;
@@ -212,8 +212,8 @@ std::shared_ptr<NEBSourceControlRequest> CloneTask::request() {
     return request;
 }
 
-void CloneTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
-    reply.standardOutput = "Cloned into " + printable(inQuotes(_destination)) + ".\n";
+void CloneTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    output.standardOutput = "Cloned into " + printable(inQuotes(_destination)) + ".\n";
 }
 
 constexpr Parameter cloneParameters[] = {
@@ -225,7 +225,7 @@ constexpr Parameter cloneParameters[] = {
     {"--no-submodules", "Leave the folders of the submodules empty"},
 };
 
-Reply clone(const CommandCall& call) {
+CommandOutput clone(const CommandCall& call) {
     return CloneTask(call).run();
 }
 

@@ -9,7 +9,7 @@ namespace neb::nebsc {
 
 namespace {
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     const InputReading input =
         readInput(call.arguments.value("FILE").value_or("-"), longestJSONText);
     if (!input.bytes) {
@@ -21,27 +21,27 @@ Reply run(const CommandCall& call) {
     }
     // Not before: until there is a request, a signal may end the reading at once.
     Interruption interruption;
-    std::optional<LifeSign> sign(std::in_place, call.command.activity,
-                                 !call.session.trace().isOn());
+    std::optional<ProgressIndicator> sign(std::in_place, call.command.activity,
+                                          !call.session.trace().isOn());
     const auto runner = call.arguments.has("--dry-run") ? HostSession::Runner()
                                                         : interruptibleRunner(interruption, *sign);
-    Performance performance = call.session.perform(reading.request, runner);
+    RequestResult requestResult = call.session.perform(reading.request, runner);
     sign.reset();
     // No child is left by now: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
-    if (const auto& value = performance.refusedValue) {
+    if (const auto& value = requestResult.refusedValue) {
         return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
     }
-    Outcome& outcome = *performance.outcome;
-    Reply reply;
-    reply.standardOutput = writtenOutcome(
+    Outcome& outcome = *requestResult.outcome;
+    CommandOutput output;
+    output.standardOutput = writtenOutcome(
         outcome, [](const Outcome& written) { return textOfOutcome(written) + "\n"; });
-    reply.exitStatus = outcome.error ? exitFailed : exitDone;
-    noteOmittedRevisions(reply, outcome);
-    noteLeftFolder(reply, outcome);
-    noteHeldOutput(reply, outcome);
-    noteInterruption(reply, signalNumber);
-    return reply;
+    output.exitStatus = outcome.error ? exitFailed : exitDone;
+    noteOmittedRevisions(output, outcome);
+    noteLeftFolder(output, outcome);
+    noteHeldOutput(output, outcome);
+    noteInterruption(output, signalNumber);
+    return output;
 }
 
 constexpr Parameter parameters[] = {

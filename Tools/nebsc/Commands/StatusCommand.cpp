@@ -7,7 +7,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/StatusWords.h"
+#include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
 
@@ -28,11 +28,11 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyPlace findPlace() override;
+    WorkingCopyLocation findPlace() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    Performance carryOut() override;
+    RequestResult carryOut() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::string lineOf(const StatusEntry& entry) const;
@@ -44,7 +44,7 @@ private:
 
 /// Of a path where nothing is any more, the nearest folder that is counts. A symbolic link is
 /// looked at itself where it lies in a working copy, otherwise what it points to.
-WorkingCopyPlace StatusTask::findPlace() {
+WorkingCopyLocation StatusTask::findPlace() {
     if (paths("PATH").empty()) {
         return CommandTask::findPlace();
     }
@@ -52,7 +52,7 @@ WorkingCopyPlace StatusTask::findPlace() {
     const auto around = [this](const fs::path& folder) {
         return findWorkingCopy(interruption(), trace(), currentFolder(), folder.string());
     };
-    WorkingCopyPlace place = around(nearestFolder(asked));
+    WorkingCopyLocation place = around(nearestFolder(asked));
     std::error_code ignored;
     if (!place.isWorkingCopy && fs::is_symlink(fs::symlink_status(asked, ignored)) &&
         fs::is_directory(fs::status(asked, ignored))) {
@@ -75,15 +75,15 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
 
 /// A program gets the request's outcome, a person all that git knows; so does a program that wants
 /// what no request can be asked for.
-Performance StatusTask::carryOut() {
+RequestResult StatusTask::carryOut() {
     const bool isAll = arguments().has("--all");
     if (isJSON() && !isAll) {
         return perform(request());
     }
     StatusQuery query(request(), isAll);
-    Performance performance = perform(query);
+    RequestResult requestResult = perform(query);
     _entries = query.entries();
-    return performance;
+    return requestResult;
 }
 
 std::string StatusTask::lineOf(const StatusEntry& entry) const {
@@ -109,7 +109,7 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) 
 }
 
 /// Says so when there are no records.
-void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
+void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.result && !outcome.result->empty()) {
         return;
     }
@@ -117,12 +117,12 @@ void StatusTask::conclude(const Outcome& outcome, Reply& reply) {
     const std::string asked = inQuotes(arguments().value("PATH").value_or(""));
     // A file outside the sparse checkout is not on disk, and git reports no change of it.
     if (_path && !isAnythingAt(*_path) && !answer({"ls-files", "-z", "--", *_path})) {
-        reply = refusal("There is no file or folder " + asked +
-                            ", neither on disk nor in the working copy " + workingCopy + ".",
-                        exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+        output = refusal("There is no file or folder " + asked +
+                             ", neither on disk nor in the working copy " + workingCopy + ".",
+                         exitFailed, NEBSourceControlPathUnknownErrorClass.text());
         return;
     }
-    reply.standardOutput =
+    output.standardOutput =
         "Nothing to report: " + printable(_path ? asked : "the working copy " + workingCopy) +
         " has no changes.\n";
 }
@@ -133,7 +133,7 @@ constexpr Parameter parameters[] = {
     {"--all", "Show each file of an untracked folder, not the folder alone"},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return StatusTask(call).run();
 }
 

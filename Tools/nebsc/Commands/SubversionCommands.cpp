@@ -18,7 +18,7 @@ public:
     using BranchTask::BranchTask;
 
 protected:
-    std::optional<Reply> look() override { return refusalWithoutSubversion(); }
+    std::optional<CommandOutput> validate() override { return refusalWithoutSubversion(); }
     std::shared_ptr<NEBSourceControlRequest> request() override {
         return requestOfType(NEBSourceControlRequestListRemotes);
     }
@@ -37,14 +37,14 @@ std::string ShowTask::textOfResult(const NEBSourceControlResult& records) {
     return lines;
 }
 
-Reply show(const CommandCall& call) {
+CommandOutput show(const CommandCall& call) {
     return ShowTask(call).run();
 }
 
 // ---- the exchange -----------------------------------------------------------------------------
 
 /// Lets another command do the work, as if "--svn" stood in its call.
-Reply runForSubversion(const Command& command, const CommandCall& call) {
+CommandOutput runForSubversion(const Command& command, const CommandCall& call) {
     Arguments arguments = call.arguments;
     arguments.set("--svn", {""});
     if (const auto reference = arguments.value("REF")) {

@@ -20,10 +20,10 @@ public:
     using BranchTask::BranchTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
-    void conclude(const Outcome& outcome, Reply& reply) override;
-    /// Why, conclude() finds out.
+    void report(const Outcome& outcome, CommandOutput& output) override;
+    /// Why, report() finds out.
     bool isAnswer(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
     }
@@ -33,7 +33,7 @@ private:
 };
 
 /// A remote's name may hold a "/" itself.
-std::optional<Reply> TrackTask::look() {
+std::optional<CommandOutput> TrackTask::validate() {
     if (auto refused = refusalWithoutRepository()) {
         return refused;
     }
@@ -66,16 +66,16 @@ std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
     return request;
 }
 
-void TrackTask::conclude(const Outcome& outcome, Reply& reply) {
+void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.error) {
-        reply = refusalOfBranchNotFetched(_tracking);
+        output = refusalOfBranchNotFetched(_tracking);
         return;
     }
-    reply.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
-                           ", which tracks " + shown(_tracking) + ".\n";
+    output.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
+                            ", which tracks " + shown(_tracking) + ".\n";
     // The operation goes on after a fetch that may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
-        reply.standardError +=
+        output.standardError +=
             complaint("The fetch did not complete; " +
                       inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " says why.");
     }
@@ -86,7 +86,7 @@ constexpr Parameter trackParameters[] = {
     {"REMOTE/BRANCH", "The remote's name and its branch", Takes::remoteBranch, Occurs::once},
 };
 
-Reply track(const CommandCall& call) {
+CommandOutput track(const CommandCall& call) {
     return TrackTask(call).run();
 }
 
@@ -99,7 +99,7 @@ public:
 protected:
     std::shared_ptr<NEBSourceControlRequest> request() override;
     Silence silence() const override { return Silence::answer; }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 std::shared_ptr<NEBSourceControlRequest> TrackingTask::request() {
@@ -111,16 +111,17 @@ std::shared_ptr<NEBSourceControlRequest> TrackingTask::request() {
 
 /// Of a remote's branch that has a "/" in its name, the record holds a part alone. And git is
 /// silent outside any repository, and about a branch that is not there.
-void TrackingTask::conclude(const Outcome& /*outcome*/, Reply& reply) {
+void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const std::string& name = word(nameWord);
     if (auto refused = refusalWithoutRepository()) {
-        reply = *refused;
+        output = *refused;
     } else if (const auto tracking = trackingOf(name)) {
-        reply.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
+        output.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
     } else if (isBranch(name) || currentBranch() == name) {
-        reply = refusal(inQuotes(name) + " tracks no branch.", exitFailed, "no-upstream");
+        output = refusal(inQuotes(name) + " tracks no branch.", exitFailed, "no-upstream");
     } else {
-        reply = refusal("There is no branch " + inQuotes(name) + ".", exitFailed, "branch-unknown");
+        output =
+            refusal("There is no branch " + inQuotes(name) + ".", exitFailed, "branch-unknown");
     }
 }
 
@@ -128,7 +129,7 @@ constexpr Parameter trackingParameters[] = {
     {nameWord, "A branch of this repository", Takes::branch, Occurs::once},
 };
 
-Reply tracking(const CommandCall& call) {
+CommandOutput tracking(const CommandCall& call) {
     return TrackingTask(call).run();
 }
 

@@ -129,7 +129,7 @@ nlohmann::ordered_json jsonOf(const TypeDescription& type) {
             {"needs", type.needs}};
 }
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     std::vector<Row> rows{{"type", "name", "operation", "authentication", "needs"}};
     auto array = nlohmann::ordered_json::array();
     for (auto type = NEBSourceControlFirstRequestType; type <= NEBSourceControlLastRequestType;

@@ -18,12 +18,12 @@ public:
     using MergingTask::MergingTask;
 
 protected:
-    std::optional<Reply> look() override;
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> request() override;
     bool isAnswer(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlUpToDateErrorClass;
     }
-    void conclude(const Outcome& outcome, Reply& reply) override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
     SideNames sideNames() const override {
         return isSubversion() ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
                               : MergingTask::sideNames();
@@ -33,10 +33,10 @@ protected:
 private:
     [[nodiscard]] bool isByFastForward() const { return arguments().has("--ff"); }
     [[nodiscard]] bool isSubversion() const { return arguments().has("--svn"); }
-    [[nodiscard]] std::optional<Reply> refusalOfWords() const;
-    [[nodiscard]] std::optional<Reply> findSource();
-    [[nodiscard]] std::optional<Reply> fetchSource();
-    [[nodiscard]] std::optional<Reply> fetchSubversion();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfWords() const;
+    [[nodiscard]] std::optional<CommandOutput> findSource();
+    [[nodiscard]] std::optional<CommandOutput> fetchSource();
+    [[nodiscard]] std::optional<CommandOutput> fetchSubversion();
 
     /// The branch of a remote from which the commits come.
     Tracking _source;
@@ -47,14 +47,14 @@ private:
     /// How many commits there are here that the reference does not have.
     [[nodiscard]] std::size_t ownCommits();
     /// Says how many commits of one's own a rebase has left out.
-    void noteDroppedCommits(Reply& reply);
+    void noteDroppedCommits(CommandOutput& output);
 
     std::optional<std::string> _commitBefore;
     std::size_t _ownCommitsBefore = 0;
     bool _isMergedAlready = false;
 };
 
-std::optional<Reply> UpdateTask::refusalOfWords() const {
+std::optional<CommandOutput> UpdateTask::refusalOfWords() const {
     const bool hasRemote = arguments().has(remoteWord);
     const bool hasBranch = arguments().has(branchWord);
     if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
@@ -66,7 +66,7 @@ std::optional<Reply> UpdateTask::refusalOfWords() const {
     return std::nullopt;
 }
 
-std::optional<Reply> UpdateTask::look() {
+std::optional<CommandOutput> UpdateTask::validate() {
     if (auto refused = refusalOfWords()) {
         return refused;
     }
@@ -85,7 +85,7 @@ std::optional<Reply> UpdateTask::look() {
 }
 
 /// The words of the call, or what the current branch tracks.
-std::optional<Reply> UpdateTask::findSource() {
+std::optional<CommandOutput> UpdateTask::findSource() {
     if (arguments().has(remoteWord)) {
         _source = {remoteOrLocation(word(remoteWord)), word(branchWord)};
         return std::nullopt;
@@ -96,31 +96,32 @@ std::optional<Reply> UpdateTask::findSource() {
         return failureWith(*broken);
     }
     if (!tracking) {
-        Reply reply = refusal(branch ? "The current branch " + inQuotes(*branch) +
-                                           " tracks no branch, so it is not known what is new."
-                                     : "No branch is checked out that could track another, so it "
-                                       "is not known what is new.",
-                              exitFailed, "no-upstream");
-        reply.standardError += hasSubversion()
-                                   ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
-                                   : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
-        return reply;
+        CommandOutput output =
+            refusal(branch ? "The current branch " + inQuotes(*branch) +
+                                 " tracks no branch, so it is not known what is new."
+                           : "No branch is checked out that could track another, so it "
+                             "is not known what is new.",
+                    exitFailed, "no-upstream");
+        output.standardError += hasSubversion()
+                                    ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
+                                    : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+        return output;
     }
     _source = *tracking;
     return std::nullopt;
 }
 
 /// What the request merges must be here; of a remote without a name, nothing is kept.
-std::optional<Reply> UpdateTask::fetchSource() {
+std::optional<CommandOutput> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteWord);
     const std::string& remote = _source.remote;
     if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
-        Reply reply =
+        CommandOutput output =
             refusal(inQuotes(remote) + " is the name of no remote.", exitFailed, "remote-unknown");
-        reply.standardError +=
+        output.standardError +=
             "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
             "a path, too.\n";
-        return reply;
+        return output;
     }
     if (auto failed = prepareBy(fetchRequest(remote))) {
         return failed;
@@ -142,7 +143,7 @@ std::optional<Reply> UpdateTask::fetchSource() {
 
 /// The bridge's setting is "path on the server:reference". A reference that is refused anyway is
 /// not worth a fetch.
-std::optional<Reply> UpdateTask::fetchSubversion() {
+std::optional<CommandOutput> UpdateTask::fetchSubversion() {
     if (auto refused = refusalWithoutSubversion()) {
         return refused;
     }
@@ -173,17 +174,17 @@ std::size_t UpdateTask::ownCommits() {
 }
 
 /// One whose changes are all there already, or lost to what is there, has nothing left to say.
-void UpdateTask::noteDroppedCommits(Reply& reply) {
+void UpdateTask::noteDroppedCommits(CommandOutput& output) {
     const std::size_t left = ownCommits();
     if (left >= _ownCommitsBefore) {
         return;
     }
     const std::size_t dropped = _ownCommitsBefore - left;
-    reply.standardError += "nebsc: " + std::to_string(dropped) +
-                           (dropped == 1 ? " commit of yours was" : " commits of yours were") +
-                           " left out, as nothing in it is new or what it changes was changed "
-                           "there too; before the update, your commits ended with " +
-                           printable(_commitBefore.value_or("")) + ".\n";
+    output.standardError += "nebsc: " + std::to_string(dropped) +
+                            (dropped == 1 ? " commit of yours was" : " commits of yours were") +
+                            " left out, as nothing in it is new or what it changes was changed "
+                            "there too; before the update, your commits ended with " +
+                            printable(_commitBefore.value_or("")) + ".\n";
 }
 
 std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
@@ -201,19 +202,19 @@ std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
 }
 
 /// An outcome does not say what came.
-void UpdateTask::conclude(const Outcome& outcome, Reply& reply) {
+void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
     const auto commit = latestCommit();
     if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
-        reply.standardOutput = "Already up to date with " + _shownSource + ".\n";
+        output.standardOutput = "Already up to date with " + _shownSource + ".\n";
     } else if (commit && commit != _commitBefore) {
-        reply.standardOutput =
+        output.standardOutput =
             "Updated from " + _shownSource + "; now at " + printable(*commit) + ".\n";
     } else {
-        reply.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
+        output.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
     }
-    noteSettledConflicts(outcome, reply);
+    noteSettledConflicts(outcome, output);
     if (isSubversion()) {
-        noteDroppedCommits(reply);
+        noteDroppedCommits(output);
     }
 }
 
@@ -233,7 +234,7 @@ constexpr Parameter parameters[] = {
     {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
 };
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     return UpdateTask(call).run();
 }
 

@@ -6,15 +6,16 @@
 
 namespace neb::nebsc {
 
-Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace, bool isJSON) {
+CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace,
+                                bool isJSON) {
     Interruption interruption;
     const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
     const std::optional<std::string> gitVersion = answerOf(git);
-    Reply reply;
+    CommandOutput output;
     if (interruption.signalNumber()) {
-        noteInterruption(reply, interruption.end());
+        noteInterruption(output, interruption.end());
     } else if (isJSON) {
-        reply.standardOutput =
+        output.standardOutput =
             lineOfJSON({{"nebsc", NEBSC_VERSION},
                         {"plugIn", {{"name", plugIn.name()}, {"version", plugIn.version()}}},
                         {"git", gitVersion ? nlohmann::ordered_json(*gitVersion) : nullptr}});
@@ -26,11 +27,11 @@ Reply replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace
                 "git told no version: " +
                 (words.empty() ? git.status.description() : words.substr(0, words.find('\n')));
         }
-        reply.standardOutput = "nebsc " NEBSC_VERSION "\n" +
-                               printable(plugIn.name() + " " + plugIn.version()) + "\n" +
-                               printable(gitVersion.value_or(noVersion)) + "\n";
+        output.standardOutput = "nebsc " NEBSC_VERSION "\n" +
+                                printable(plugIn.name() + " " + plugIn.version()) + "\n" +
+                                printable(gitVersion.value_or(noVersion)) + "\n";
     }
-    return reply;
+    return output;
 }
 
 }  // namespace neb::nebsc

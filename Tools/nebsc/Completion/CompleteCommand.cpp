@@ -235,7 +235,7 @@ std::string linesOf(const Completion& completion) {
     return lines;
 }
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     const CompletionPoint point = completionPointOf(call.arguments.all("WORD"));
     const bool isThere = point.kind != CompletionPoint::Kind::value || !enterFolders(point.folders);
     return {.standardOutput = linesOf(isThere ? completionAt(point, call.session) : Completion()),

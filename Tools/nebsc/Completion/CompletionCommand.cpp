@@ -18,7 +18,7 @@ constexpr std::array<Script, 3> scripts{{
     {"fish", fishCompletion},
 }};
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     const std::string shell = call.arguments.value("SHELL").value_or("");
     for (const Script& script : scripts) {
         if (script.shell == shell) {

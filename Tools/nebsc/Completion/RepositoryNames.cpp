@@ -44,15 +44,15 @@ NEBSourceControlResult RepositoryNames::recordsOf(std::int32_t type) {
     tree->location = _folder;
     auto request = NEBSourceControlRequest::initWithType(type, tree, std::nullopt, std::nullopt);
     request->repositoryToAuthenticate = tree;
-    const Performance performance =
+    const RequestResult requestResult =
         _session.perform(request, [this](NEBSourceControlOperation& operation) {
             const auto cancel = [&operation] { operation.cancel(); };
             const Interruption::Work work(_interruption, cancel);
             const Deadline deadline(_end, cancel);
             operation.start();
         });
-    return performance.outcome && !performance.outcome->error
-               ? performance.outcome->result.value_or(NEBSourceControlResult{})
+    return requestResult.outcome && !requestResult.outcome->error
+               ? requestResult.outcome->result.value_or(NEBSourceControlResult{})
                : NEBSourceControlResult{};
 }
 

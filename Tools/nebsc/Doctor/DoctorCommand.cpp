@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 #include "Commands/Commands.h"
 #include "Doctor/Diagnosis.h"
 #include "JSON/OutcomeJSON.h"
 #include "Session/OperationRun.h"
-#include "Terminal/LifeSign.h"
 #include "Terminal/Presentation.h"
+#include "Terminal/ProgressIndicator.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -70,13 +70,14 @@ nlohmann::ordered_json jsonOf(const std::vector<Finding>& findings, bool isInOrd
 
 }  // namespace
 
-Reply replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
+CommandOutput replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
         return refusal(folder.failure, exitFailed);
     }
     Interruption interruption;
-    std::optional<LifeSign> sign(std::in_place, doctorCommand.activity, !call.trace.isOn());
+    std::optional<ProgressIndicator> sign(std::in_place, doctorCommand.activity,
+                                          !call.trace.isOn());
     const std::vector<Finding> findings =
         diagnose(interruption, call.trace,
                  {.plugIn = plugIn, .folder = *folder.path, .isFull = call.isFull});
@@ -84,17 +85,17 @@ Reply replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
     const bool isInOrder =
         std::none_of(findings.begin(), findings.end(),
                      [](const Finding& finding) { return finding.health == Health::problem; });
-    Reply reply{.standardOutput = call.isJSON
-                                      ? lineOfJSON(jsonOf(findings, isInOrder))
+    CommandOutput output{
+        .standardOutput = call.isJSON ? lineOfJSON(jsonOf(findings, isInOrder))
                                       : textOf(findings, wantsColour(call.colours, STDOUT_FILENO)),
-                .standardError = {},
-                .exitStatus = isInOrder ? exitDone : exitFailed};
+        .standardError = {},
+        .exitStatus = isInOrder ? exitDone : exitFailed};
     const std::optional<int> signalNumber = interruption.end();
     if (signalNumber) {
-        reply.standardOutput.clear();
+        output.standardOutput.clear();
     }
-    noteInterruption(reply, signalNumber);
-    return reply;
+    noteInterruption(output, signalNumber);
+    return output;
 }
 
 namespace {

@@ -9,7 +9,7 @@
 #include <set>
 #include <system_error>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 
 namespace neb::nebsc {
 

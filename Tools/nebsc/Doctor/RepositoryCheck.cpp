@@ -1,6 +1,6 @@
 #include <filesystem>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 #include "Doctor/Checks.h"
 #include "Doctor/UnfinishedWork.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 #include "Platform/PathString.h"
 
 namespace neb::nebsc {

@@ -213,7 +213,7 @@ std::string page() {
            ".BR git (1),\n.BR git\\-svn (1),\n.BR gitrevisions (7)\n";
 }
 
-Reply run(const CommandCall& /*call*/) {
+CommandOutput run(const CommandCall& /*call*/) {
     return {.standardOutput = page(), .standardError = {}, .exitStatus = exitDone};
 }
 

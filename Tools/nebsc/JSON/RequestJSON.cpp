@@ -269,7 +269,7 @@ RequestReading requestFromJSON(const JSONNode& root) {
     return {std::move(request), {}};
 }
 
-std::string sentenceOfRefusedValue(const NEBSourceControlOptionLikeValue& value) {
+std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value) {
     return subjectAt(value.field) + " is \"" + shortened(value.value) +
            "\"; it is refused here, as git would " + std::string(value.danger) + ".";
 }

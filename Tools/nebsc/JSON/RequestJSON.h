@@ -24,7 +24,7 @@
 #include <string_view>
 
 #include "JSON/JSONText.h"
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 
 namespace neb::nebsc {
@@ -43,6 +43,6 @@ struct RequestReading {
 [[nodiscard]] RequestReading requestFromJSON(const JSONNode& root);
 
 /// Why a request in JSON is refused for the sake of a value.
-[[nodiscard]] std::string sentenceOfRefusedValue(const NEBSourceControlOptionLikeValue& value);
+[[nodiscard]] std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value);
 
 }  // namespace neb::nebsc

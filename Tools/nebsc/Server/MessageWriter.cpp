@@ -8,7 +8,7 @@
 #include <cerrno>
 
 #include "Platform/SignalFreeThread.h"
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 namespace neb::nebsc {
 
@@ -35,7 +35,7 @@ void MessageWriter::send(std::string_view content) {
         if (_isLost) {
             return;
         }
-        _messages.push_back(MessageFrames::framed(content));
+        _messages.push_back(MessageDecoder::framed(content));
         _waitingBytes += _messages.back().size();
         if (!_thread.joinable() && !_isWriting) {
             while (!_messages.empty() && writeNext()) {

@@ -8,12 +8,12 @@ namespace neb::nebsc {
 
 namespace {
 
-Reply run(const CommandCall& call) {
+CommandOutput run(const CommandCall& call) {
     Interruption interruption;
     const Server::End end = Server(call.session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
-    Reply reply{.standardOutput = {},
-                .standardError = end.failure.empty() ? "" : complaint(end.failure),
-                .exitStatus = end.isOrderly ? exitDone : exitFailed};
+    CommandOutput reply{.standardOutput = {},
+                        .standardError = end.failure.empty() ? "" : complaint(end.failure),
+                        .exitStatus = end.isOrderly ? exitDone : exitFailed};
     noteInterruption(reply, interruption.end());
     return reply;
 }

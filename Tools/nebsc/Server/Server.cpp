@@ -96,7 +96,7 @@ Server::End Server::run(int input, int output) {
     _progress = std::make_unique<ProgressReports>(
         [this](const std::string& message) { _writer->send(message); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
-    _order = std::make_unique<WorkingCopyOrder>(*_queue);
+    _order = std::make_unique<RepositoryScheduler>(*_queue);
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
@@ -161,7 +161,7 @@ void Server::takeFrames() {
     }
 }
 
-void Server::take(const MessageFrames::Frame& frame) {
+void Server::take(const MessageDecoder::Frame& frame) {
     if (frame.length > longestJSONText) {
         _writer->send(rpcError(nullptr, RPCErrorCode::invalidRequest,
                                "The message has " + std::to_string(frame.length) +
@@ -273,12 +273,12 @@ std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlReq
         const Job::Work work(job, [&operation] { cancelOperation(operation); });
         operation.start();
     };
-    Performance performance = _session.perform(request, isRun ? run : HostSession::Runner());
-    if (performance.refusedValue) {
+    RequestResult requestResult = _session.perform(request, isRun ? run : HostSession::Runner());
+    if (requestResult.refusedValue) {
         return rpcError(job.id(), RPCErrorCode::invalidParams,
-                        sentenceOfRefusedValue(*performance.refusedValue));
+                        sentenceOfRefusedValue(*requestResult.refusedValue));
     }
-    return writtenOutcome(*performance.outcome, [&job](const Outcome& outcome) {
+    return writtenOutcome(*requestResult.outcome, [&job](const Outcome& outcome) {
         const bool wasCancelled =
             outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
         return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,

@@ -14,12 +14,12 @@
 #include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
 #include "Server/Job.h"
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 #include "Server/MessageWriter.h"
 #include "Server/ProgressReports.h"
 #include "Server/RPCMessage.h"
+#include "Server/RepositoryScheduler.h"
 #include "Server/Wake.h"
-#include "Server/WorkingCopyOrder.h"
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
 
@@ -51,7 +51,7 @@ private:
 
     void readFrom(int input);
     void takeFrames();
-    void take(const MessageFrames::Frame& frame);
+    void take(const MessageDecoder::Frame& frame);
     void dispatch(RPCMessage& message);
 
     // The methods. Of a notification the id is absent.
@@ -67,7 +67,8 @@ private:
                                        const std::shared_ptr<NEBSourceControlRequest>& request,
                                        bool isRun) const;
 
-    /// Lets `answer` make the answer, when its turn has come: see WorkingCopyOrder for the place.
+    /// Lets `answer` make the answer, when its turn has come: see RepositoryScheduler for the
+    /// place.
     void start(const RPCMessage& message, std::optional<std::string> place,
                std::function<std::string(Job&)> answer);
     void work(Job& job, const std::function<std::string(Job&)>& answer);
@@ -81,7 +82,7 @@ private:
     Interruption& _interruption;
     State _state = State::fresh;
     End _end;
-    MessageFrames _frames{longestJSONText};
+    MessageDecoder _frames{longestJSONText};
     Wake _wake;
 
     Mutex _mutex;
@@ -91,7 +92,7 @@ private:
     std::unique_ptr<MessageWriter> _writer;
     std::unique_ptr<ProgressReports> _progress;
     std::unique_ptr<OperationQueue> _queue;
-    std::unique_ptr<WorkingCopyOrder> _order;
+    std::unique_ptr<RepositoryScheduler> _order;
 };
 
 }  // namespace neb::nebsc

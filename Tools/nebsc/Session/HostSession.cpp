@@ -87,7 +87,7 @@ NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
 
 }  // namespace
 
-Performance HostSession::perform(
+RequestResult HostSession::perform(
     const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) const {
     const ReportCapture capture;
@@ -115,7 +115,7 @@ Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner
     return outcome;
 }
 
-std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
+std::optional<NEBSourceControlArgumentInjection> HostSession::askAndRun(
     const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
     const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const {
     outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);
@@ -123,7 +123,7 @@ std::optional<NEBSourceControlOptionLikeValue> HostSession::askAndRun(
     if (!outcome.valid) {
         return std::nullopt;
     }
-    if (auto refused = NEBSourceControlFirstOptionLikeValue(*request)) {
+    if (auto refused = NEBSourceControlFirstArgumentInjection(*request)) {
         return refused;
     }
     const auto operation = replacement ? replacement : _controller->operationForRequest(request);

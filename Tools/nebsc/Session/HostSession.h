@@ -2,11 +2,12 @@
 // the look for values that git would take for options, the operation, its run.
 //
 //     HostSession session(plugIn.makePrincipalClass());
-//     const Performance performance = session.perform(request, [](NEBSourceControlOperation& work)
+//     const RequestResult requestResult = session.perform(request, [](NEBSourceControlOperation&
+//     work)
 //     {
 //         work.start();
 //     });
-//     performance.outcome->result;
+//     requestResult.outcome->result;
 //
 // From any thread, several at once. Nothing is printed.
 #pragma once
@@ -15,7 +16,7 @@
 #include <memory>
 #include <optional>
 
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlProtocol.h"
 #include "Session/Outcome.h"
 #include "Session/Trace.h"
@@ -23,10 +24,10 @@
 namespace neb::nebsc {
 
 /// What came of a request: the one or the other.
-struct Performance {
+struct RequestResult {
     std::optional<Outcome> outcome;
     /// A value for whose sake the request was refused, before an operation was made.
-    std::optional<NEBSourceControlOptionLikeValue> refusedValue;
+    std::optional<NEBSourceControlArgumentInjection> refusedValue;
 };
 
 class HostSession {
@@ -51,7 +52,7 @@ public:
     ///
     /// `replacement`, unless absent, is run in place of the plug-in's operation, once the request
     /// is valid and holds no value that git would take for an option.
-    [[nodiscard]] Performance perform(
+    [[nodiscard]] RequestResult perform(
         const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr) const;
 
@@ -64,7 +65,7 @@ public:
 
 private:
     /// Fills in the outcome. Returns the value for whose sake the request is refused.
-    [[nodiscard]] std::optional<NEBSourceControlOptionLikeValue> askAndRun(
+    [[nodiscard]] std::optional<NEBSourceControlArgumentInjection> askAndRun(
         const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
         const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const;
 

@@ -4,7 +4,7 @@
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "Session/ArrivingPack.h"
+#include "Session/PackReceiveProgress.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -29,10 +29,10 @@ void cancelOperation(NEBSourceControlOperation& operation) {
     }
 }
 
-HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign) {
+HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndicator& sign) {
     return [&interruption, &sign](NEBSourceControlOperation& operation) {
-        ArrivingPack pack(folderOf(*operation.request()));
-        const LifeSign::Count count(sign, [&operation, &pack] {
+        PackReceiveProgress pack(folderOf(*operation.request()));
+        const ProgressIndicator::Count count(sign, [&operation, &pack] {
             return operation.commandLog()->receivedBytes() + pack.bytes();
         });
         const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
@@ -40,50 +40,50 @@ HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& si
     };
 }
 
-void noteReports(Reply& reply, const Outcome& outcome) {
+void noteReports(CommandOutput& output, const Outcome& outcome) {
     for (const LOMAssertionReport& report : outcome.reports) {
-        reply.standardError +=
+        output.standardError +=
             complaint("The plug-in reports: " + report.message + " (" + report.function + ", " +
                       report.file + ":" + std::to_string(report.line) + ")");
     }
 }
 
-void noteOmittedRevisions(Reply& reply, const Outcome& outcome) {
+void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome) {
     const std::vector<std::string>& revisions = outcome.omittedRevisions;
     if (revisions.empty()) {
         return;
     }
     const std::string which =
         revisions.size() == 1 ? "One commit is" : std::to_string(revisions.size()) + " commits are";
-    reply.standardError += complaint(
+    output.standardError += complaint(
         which + " left out, because the author, the e-mail address or the message is not UTF-8:");
     constexpr std::size_t inOneLine = 5;
     for (std::size_t i = 0; i < revisions.size(); ++i) {
         const bool isLastInLine = i % inOneLine == inOneLine - 1 || i + 1 == revisions.size();
-        reply.standardError += (i % inOneLine == 0 ? "    " : " ") + printable(revisions[i]) +
-                               (isLastInLine ? "\n" : "");
+        output.standardError += (i % inOneLine == 0 ? "    " : " ") + printable(revisions[i]) +
+                                (isLastInLine ? "\n" : "");
     }
 }
 
-void noteLeftFolder(Reply& reply, const Outcome& outcome) {
+void noteLeftFolder(CommandOutput& output, const Outcome& outcome) {
     if (!outcome.leftFolder.empty()) {
-        reply.standardError += complaint(outcome.leftFolder);
+        output.standardError += complaint(outcome.leftFolder);
     }
 }
 
-void noteHeldOutput(Reply& reply, const Outcome& outcome) {
+void noteHeldOutput(CommandOutput& output, const Outcome& outcome) {
     if (outcome.outputWasHeldOpen) {
-        reply.standardError += complaint(
+        output.standardError += complaint(
             "A process that git left behind still held its output open; what it wrote later is "
             "missing here.");
     }
 }
 
-void noteInterruption(Reply& reply, std::optional<int> signalNumber) {
+void noteInterruption(CommandOutput& output, std::optional<int> signalNumber) {
     if (signalNumber) {
-        reply.standardError =
+        output.standardError =
             complaint("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
-        reply.exitStatus = exitOfSignal(*signalNumber);
+        output.exitStatus = exitOfSignal(*signalNumber);
     }
 }
 

@@ -3,8 +3,8 @@
 
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
-#include "Terminal/LifeSign.h"
-#include "Terminal/Reply.h"
+#include "Terminal/CommandOutput.h"
+#include "Terminal/ProgressIndicator.h"
 
 namespace neb::nebsc {
 
@@ -14,21 +14,22 @@ void cancelOperation(NEBSourceControlOperation& operation);
 
 /// Runs an operation on the calling thread; a signal cancels it, and the sign that it is alive
 /// tells how much has come. The interruption and the sign must outlive the runner.
-[[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption, LifeSign& sign);
+[[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption,
+                                                      ProgressIndicator& sign);
 
 /// Tells of broken preconditions, when there were any.
-void noteReports(Reply& reply, const Outcome& outcome);
+void noteReports(CommandOutput& output, const Outcome& outcome);
 
 /// Names the commits that the result leaves out, when there are any.
-void noteOmittedRevisions(Reply& reply, const Outcome& outcome);
+void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome);
 
 /// Tells of a folder that is left after a failure, when there is one.
-void noteLeftFolder(Reply& reply, const Outcome& outcome);
+void noteLeftFolder(CommandOutput& output, const Outcome& outcome);
 
 /// Says that output may be missing, when it may.
-void noteHeldOutput(Reply& reply, const Outcome& outcome);
+void noteHeldOutput(CommandOutput& output, const Outcome& outcome);
 
 /// When a signal came, it alone is what standard error and the exit status tell.
-void noteInterruption(Reply& reply, std::optional<int> signalNumber);
+void noteInterruption(CommandOutput& output, std::optional<int> signalNumber);
 
 }  // namespace neb::nebsc

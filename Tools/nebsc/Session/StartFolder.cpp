@@ -10,7 +10,7 @@
 
 namespace neb::nebsc {
 
-std::optional<Reply> enterFolders(std::span<const std::string> folders) {
+std::optional<CommandOutput> enterFolders(std::span<const std::string> folders) {
     std::filesystem::path path;
     for (const std::string& folder : folders) {
         path /= folder;

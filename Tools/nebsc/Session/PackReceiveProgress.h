@@ -1,5 +1,6 @@
-// ArrivingPack.h - how much a git that fetches or clones has received so far. It says nothing about
-// that but to a terminal; what came, however, it keeps in a file of its own until it is whole.
+// PackReceiveProgress.h - how much a git that fetches or clones has received so far. It says
+// nothing about that but to a terminal; what came, however, it keeps in a file of its own until it
+// is whole.
 #pragma once
 
 #include <cstdint>
@@ -8,11 +9,11 @@
 namespace neb::nebsc {
 
 /// Of one thread at a time.
-class ArrivingPack {
+class PackReceiveProgress {
 public:
     /// `folder` is the top of a working copy or a bare repository; it need not be there yet. What
     /// an earlier git has left there does not count.
-    explicit ArrivingPack(const std::string& folder);
+    explicit PackReceiveProgress(const std::string& folder);
 
     /// The most that there was at any time; 0 where git keeps what comes elsewhere.
     [[nodiscard]] std::uint64_t bytes();

@@ -4,21 +4,21 @@
 #include <signal.h>
 
 #include "Support/TestRepository.h"
-#include "Terminal/LifeSign.h"
+#include "Terminal/ProgressIndicator.h"
 #include "nebsc/NebscRun.h"
 
 namespace neb::test {
 namespace {
 
 /// A git that works until somebody says "go on".
-class LifeSignTest : public testing::Test {
+class ProgressIndicatorTest : public testing::Test {
 protected:
     TemporaryFolder folder;
     StandInGit git{folder.path(),
                    "while ! [ -e '" + folder.path("go on") + "' ]; do sleep 0.01; done"};
 };
 
-TEST_F(LifeSignTest, ATerminalShowsTheSecondsAndIsWiped) {
+TEST_F(ProgressIndicatorTest, ATerminalShowsTheSecondsAndIsWiped) {
     Nebsc program(
         {"status"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
@@ -32,7 +32,7 @@ TEST_F(LifeSignTest, ATerminalShowsTheSecondsAndIsWiped) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(LifeSignTest, WhatHasComeIsCounted) {
+TEST_F(ProgressIndicatorTest, WhatHasComeIsCounted) {
     const StandInGit writing(folder.path(), "printf '?? a.c\\0'; while ! [ -e '" +
                                                 folder.path("go on") + "' ]; do sleep 0.01; done");
     Nebsc program(
@@ -45,7 +45,7 @@ TEST_F(LifeSignTest, WhatHasComeIsCounted) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(LifeSignTest, AClonesPackIsCounted) {
+TEST_F(ProgressIndicatorTest, AClonesPackIsCounted) {
     const std::string pack = folder.path("clone/.git/objects/pack");
     const StandInGit git2(folder.path(), "mkdir -p '" + pack + "'; printf 0123456789 > '" + pack +
                                              "/tmp_pack_x'; while ! [ -e '" + folder.path("go on") +
@@ -58,7 +58,7 @@ TEST_F(LifeSignTest, AClonesPackIsCounted) {
     EXPECT_EQ(program.outcome().exitStatus, 0);
 }
 
-TEST_F(LifeSignTest, QuestionsBeforeTheRequestCountToo) {
+TEST_F(ProgressIndicatorTest, QuestionsBeforeTheRequestCountToo) {
     const StandInGit slow(folder.path(), "[ \"$2\" = status ] && sleep 1.5; true");
     Nebsc program(
         {"rm", "a.c"},
@@ -67,7 +67,7 @@ TEST_F(LifeSignTest, QuestionsBeforeTheRequestCountToo) {
     EXPECT_EQ(program.outcome().exitStatus, 0);
 }
 
-TEST(LifeSignSize, IsToldInAUnitThatFits) {
+TEST(ProgressIndicatorSize, IsToldInAUnitThatFits) {
     EXPECT_EQ(nebsc::textOfSize(1), "1 byte");
     EXPECT_EQ(nebsc::textOfSize(999), "999 bytes");
     EXPECT_EQ(nebsc::textOfSize(1000), "1.0 kB");
@@ -76,7 +76,7 @@ TEST(LifeSignSize, IsToldInAUnitThatFits) {
     EXPECT_EQ(nebsc::textOfSize(5'000'000'000'000), "5000.0 GB");
 }
 
-TEST_F(LifeSignTest, TheLineIsWipedBeforeAnErrorIsTold) {
+TEST_F(ProgressIndicatorTest, TheLineIsWipedBeforeAnErrorIsTold) {
     Nebsc program(
         {"status"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
@@ -88,7 +88,7 @@ TEST_F(LifeSignTest, TheLineIsWipedBeforeAnErrorIsTold) {
     EXPECT_EQ(outcome.exitStatus, 130);
 }
 
-TEST_F(LifeSignTest, WhatIsNoTerminalGetsNothing) {
+TEST_F(ProgressIndicatorTest, WhatIsNoTerminalGetsNothing) {
     const StandInGit slow(folder.path(), "sleep 1.2");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = folder.path(), .variables = {slow.path()}});

@@ -1,4 +1,4 @@
-#include "CommandLine/SimilarWords.h"
+#include "CommandLine/SpellingSuggestions.h"
 
 #include <algorithm>
 #include <numeric>

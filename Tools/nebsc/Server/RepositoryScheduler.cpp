@@ -1,4 +1,4 @@
-#include "Server/WorkingCopyOrder.h"
+#include "Server/RepositoryScheduler.h"
 
 #include <algorithm>
 #include <array>
@@ -88,7 +88,7 @@ std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request
     return "";
 }
 
-void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void()> work) {
+void RepositoryScheduler::add(std::optional<std::string> place, std::function<void()> work) {
     if (!place) {
         _queue.addBlock(std::move(work));
         return;
@@ -117,7 +117,7 @@ void WorkingCopyOrder::add(std::optional<std::string> place, std::function<void(
 
 /// What waits takes its place at the end of the queue anew, so that no working copy keeps the
 /// others waiting; without memory for that it is done at once.
-void WorkingCopyOrder::runNext(const std::string& place) {
+void RepositoryScheduler::runNext(const std::string& place) {
     while (runFirst(place)) {
         try {
             _queue.addBlock([this, place] { runNext(place); });
@@ -128,7 +128,7 @@ void WorkingCopyOrder::runNext(const std::string& place) {
     }
 }
 
-bool WorkingCopyOrder::runFirst(const std::string& place) {
+bool RepositoryScheduler::runFirst(const std::string& place) {
     std::function<void()> work;
     {
         const MutexLock lock(_mutex);
@@ -139,7 +139,7 @@ bool WorkingCopyOrder::runFirst(const std::string& place) {
     return dropFirst(place);
 }
 
-bool WorkingCopyOrder::dropFirst(const std::string& place) {
+bool RepositoryScheduler::dropFirst(const std::string& place) {
     const MutexLock lock(_mutex);
     const auto waiting = _waiting.find(place);
     waiting->second.pop_front();

@@ -1,4 +1,4 @@
-#include "CommandFrame/WorkingCopyPlace.h"
+#include "CommandFrame/WorkingCopyLocation.h"
 
 #include <filesystem>
 #include <system_error>
@@ -57,8 +57,8 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
     return isPath ? *search.path : url;
 }
 
-WorkingCopyPlace findWorkingCopy(Interruption& interruption, const Trace& trace,
-                                 const std::string& currentFolder, const std::string& folder) {
+WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
+                                    const std::string& currentFolder, const std::string& folder) {
     const auto top = workingCopyTop(interruption, trace, folder);
     return {.location = top.value_or(folder),
             .currentFolder = currentFolder,
@@ -75,7 +75,7 @@ bool isAnythingAt(const std::string& path) {
     return fs::exists(fs::symlink_status(path, ignored));
 }
 
-std::string pathAsSeenFrom(const WorkingCopyPlace& place, const std::string& path) {
+std::string pathAsSeenFrom(const WorkingCopyLocation& place, const std::string& path) {
     if (!liesWithin(place.currentFolder, place.location)) {
         return path;
     }

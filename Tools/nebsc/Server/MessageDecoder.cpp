@@ -1,4 +1,4 @@
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 #include <algorithm>
 #include <charconv>
@@ -47,7 +47,7 @@ std::optional<std::size_t> numberIn(std::string_view text) {
 
 }  // namespace
 
-void MessageFrames::append(std::string_view bytes) {
+void MessageDecoder::append(std::string_view bytes) {
     if (_failure) {
         return;
     }
@@ -59,7 +59,7 @@ void MessageFrames::append(std::string_view bytes) {
     _bytes.append(bytes);
 }
 
-std::optional<MessageFrames::Frame> MessageFrames::take() {
+std::optional<MessageDecoder::Frame> MessageDecoder::take() {
     if (_failure || (!_length && !takeHeader())) {
         return std::nullopt;
     }
@@ -83,7 +83,7 @@ std::optional<MessageFrames::Frame> MessageFrames::take() {
     return frame;
 }
 
-bool MessageFrames::takeHeader() {
+bool MessageDecoder::takeHeader() {
     const std::size_t end = _bytes.find(headerEnd);
     if (std::min(end, _bytes.size()) > longestHeader) {
         return fail("A message's header has more than " + std::to_string(longestHeader) +
@@ -112,7 +112,7 @@ bool MessageFrames::takeHeader() {
     return true;
 }
 
-bool MessageFrames::takeHeaderLine(std::string_view line) {
+bool MessageDecoder::takeHeaderLine(std::string_view line) {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) {
         return fail("A message's header has the line " + inQuotes(std::string(line.substr(0, 60))) +
@@ -131,13 +131,13 @@ bool MessageFrames::takeHeaderLine(std::string_view line) {
     return true;
 }
 
-bool MessageFrames::fail(std::string sentence) {
+bool MessageDecoder::fail(std::string sentence) {
     _failure = std::move(sentence);
     _length.reset();
     return false;
 }
 
-std::string MessageFrames::framed(std::string_view content) {
+std::string MessageDecoder::framed(std::string_view content) {
     std::string message = "Content-Length: " + std::to_string(content.size());
     message.append(headerEnd).append(content);
     return message;

@@ -1,4 +1,4 @@
-#include "Terminal/LifeSign.h"
+#include "Terminal/ProgressIndicator.h"
 
 #include <unistd.h>
 
@@ -20,13 +20,14 @@ void write(const std::string& text) {
 
 }  // namespace
 
-LifeSign::LifeSign(std::string_view activity, bool isWanted) : _activity(activity) {
+ProgressIndicator::ProgressIndicator(std::string_view activity, bool isWanted)
+    : _activity(activity) {
     if (isWanted && ::isatty(STDERR_FILENO) == 1) {
         _thread = startSignalFreeThread([this] { show(); });
     }
 }
 
-LifeSign::~LifeSign() {
+ProgressIndicator::~ProgressIndicator() {
     if (!_thread.joinable()) {
         return;
     }
@@ -38,23 +39,24 @@ LifeSign::~LifeSign() {
     _thread.join();
 }
 
-LifeSign::Count::Count(LifeSign& sign, std::function<std::uint64_t()> received) : _sign(sign) {
+ProgressIndicator::Count::Count(ProgressIndicator& sign, std::function<std::uint64_t()> received)
+    : _sign(sign) {
     const MutexLock lock(sign._mutex);
     sign._received = std::move(received);
 }
 
-LifeSign::Count::~Count() {
+ProgressIndicator::Count::~Count() {
     const MutexLock lock(_sign._mutex);
     _sign._received = nullptr;
 }
 
-std::string LifeSign::text(int seconds) const {
+std::string ProgressIndicator::text(int seconds) const {
     const std::uint64_t bytes = _received ? _received() : 0;
     return _activity + " … " + std::to_string(seconds) + " s" +
            (bytes == 0 ? "" : ", " + textOfSize(bytes));
 }
 
-void LifeSign::show() {
+void ProgressIndicator::show() {
     const auto start = std::chrono::steady_clock::now();
     std::size_t width = 0;
     MutexLock lock(_mutex);

@@ -1,4 +1,4 @@
-#include "NEBFoundation/NEBSourceControlErrorStatements.h"
+#include "NEBFoundation/NEBSourceControlErrorTextNormalizer.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "Platform/HalfMadeLocks.h"
+#include "Platform/OrphanedLockFiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -49,13 +49,13 @@ bool isEmptyFile(const std::optional<struct stat>& information) {
 
 }  // namespace
 
-void HalfMadeLocks::noteOf(pid_t session) {
+void OrphanedLockFiles::noteOf(pid_t session) {
     for (const pid_t member : liveMembers(session)) {
         noteOfProcess("/proc/" + std::to_string(member));
     }
 }
 
-void HalfMadeLocks::noteOfProcess(const std::string& process) {
+void OrphanedLockFiles::noteOfProcess(const std::string& process) {
     if (!isGit(process)) {
         return;
     }
@@ -74,7 +74,7 @@ void HalfMadeLocks::noteOfProcess(const std::string& process) {
     }
 }
 
-void HalfMadeLocks::remove() {
+void OrphanedLockFiles::remove() {
     for (const Lock& lock : _locks) {
         const auto noted = informationOf(lock.file);
         struct stat found {};

@@ -1,12 +1,12 @@
 // The frames of a stream of messages: the same in whatever pieces it arrives, and what is written
 // is read again.
 
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 #include "Property.h"
 
 using namespace neb::fuzz;
-using neb::nebsc::MessageFrames;
+using neb::nebsc::MessageDecoder;
 
 namespace {
 
@@ -21,7 +21,7 @@ struct Reading {
 
 /// The stream in pieces, each as long as the next byte of `sizes` says; in one piece without sizes.
 Reading readingOf(std::string_view stream, std::string_view sizes) {
-    MessageFrames frames(longest);
+    MessageDecoder frames(longest);
     Reading reading;
     std::size_t turn = 0;
     while (!stream.empty()) {
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     // Messages of ours in front do not change what is read behind them.
     const Reading behind = readingOf(
-        MessageFrames::framed(stream.substr(0, longest)) + MessageFrames::framed("{}") + stream,
+        MessageDecoder::framed(stream.substr(0, longest)) + MessageDecoder::framed("{}") + stream,
         sizes);
     require(behind.messages.size() == whole.messages.size() + 2 &&
                 behind.messages[0] == stream.substr(0, longest) && behind.messages[1] == "{}" &&

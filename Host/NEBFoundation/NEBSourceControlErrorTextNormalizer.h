@@ -1,5 +1,5 @@
-// NEBSourceControlErrorStatements.h - what in the words of git tells what happened, for a table of
-// texts to be compared with: git's own statements, in small letters.
+// NEBSourceControlErrorTextNormalizer.h - what in the words of git tells what happened, for a table
+// of texts to be compared with: git's own statements, in small letters.
 //
 //     error: cannot lock ref 'refs/heads/disk full'    error: cannot lock ref ''
 //     remote: fatal: not a git repository

@@ -1,6 +1,6 @@
 // What somebody may have meant.
 
-#include "CommandLine/SimilarWords.h"
+#include "CommandLine/SpellingSuggestions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Session/ArrivingPack.h"
+#include "Session/PackReceiveProgress.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -10,15 +10,16 @@ namespace neb::nebsc {
 
 namespace fs = std::filesystem;
 
-ArrivingPack::ArrivingPack(const std::string& folder) : _folder(folder), _bytesBefore(bytesNow()) {}
+PackReceiveProgress::PackReceiveProgress(const std::string& folder)
+    : _folder(folder), _bytesBefore(bytesNow()) {}
 
-std::uint64_t ArrivingPack::bytes() {
+std::uint64_t PackReceiveProgress::bytes() {
     const std::uint64_t now = bytesNow();
     _most = std::max(_most, now > _bytesBefore ? now - _bytesBefore : 0);
     return _most;
 }
 
-std::uint64_t ArrivingPack::bytesNow() const {
+std::uint64_t PackReceiveProgress::bytesNow() const {
     std::uint64_t bytes = 0;
     for (const char* packs : {".git/objects/pack", "objects/pack"}) {
         std::error_code failure;

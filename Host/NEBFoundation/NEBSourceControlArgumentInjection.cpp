@@ -1,4 +1,4 @@
-#include "NEBFoundation/NEBSourceControlOptionLikeValue.h"
+#include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 
 #include <algorithm>
 
@@ -103,7 +103,7 @@ std::string fieldOf(NEBConstant option) {
 }
 
 /// The limit of a log gets a "-" in front.
-std::optional<NEBSourceControlOptionLikeValue> limitThatIsNoCount(
+std::optional<NEBSourceControlArgumentInjection> limitThatIsNoCount(
     const NEBSourceControlRequest& request) {
     const auto limit = textOf(request.option(NEBSourceControlRequestOptionLogOutputLimit));
     const bool isCount =
@@ -111,12 +111,13 @@ std::optional<NEBSourceControlOptionLikeValue> limitThatIsNoCount(
     if (request.type != NEBSourceControlRequestLog || !limit || isCount) {
         return std::nullopt;
     }
-    return NEBSourceControlOptionLikeValue{
+    return NEBSourceControlArgumentInjection{
         .field = fieldOf(NEBSourceControlRequestOptionLogOutputLimit), .value = *limit};
 }
 
 /// Both sides of a push are one argument, "branch:destination".
-std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceControlRequest& request) {
+std::optional<NEBSourceControlArgumentInjection> firstOfPush(
+    const NEBSourceControlRequest& request) {
     const bool isBridge = request.remote && request.remote->representsGitSVNBridge;
     if (request.type != NEBSourceControlRequestPush || isBridge) {
         return std::nullopt;
@@ -127,13 +128,13 @@ std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceContro
         {"destination", textOf(request.destination)}};
     for (const auto& [field, text] : sides) {
         if (text && text->empty()) {
-            return NEBSourceControlOptionLikeValue{field, *text, "delete a branch of the remote"};
+            return NEBSourceControlArgumentInjection{field, *text, "delete a branch of the remote"};
         }
         if (text && text->starts_with('+')) {
-            return NEBSourceControlOptionLikeValue{field, *text, "overwrite the remote's branch"};
+            return NEBSourceControlArgumentInjection{field, *text, "overwrite the remote's branch"};
         }
         if (text && text->find('*') != std::string::npos) {
-            return NEBSourceControlOptionLikeValue{field, *text, "take it for many branches"};
+            return NEBSourceControlArgumentInjection{field, *text, "take it for many branches"};
         }
     }
     return std::nullopt;
@@ -141,10 +142,10 @@ std::optional<NEBSourceControlOptionLikeValue> firstOfPush(const NEBSourceContro
 
 }  // namespace
 
-std::optional<NEBSourceControlOptionLikeValue> NEBSourceControlFirstOptionLikeValue(
+std::optional<NEBSourceControlArgumentInjection> NEBSourceControlFirstArgumentInjection(
     const NEBSourceControlRequest& request) {
     const unsigned places = exposedPlaces(request.type);
-    std::optional<NEBSourceControlOptionLikeValue> found;
+    std::optional<NEBSourceControlArgumentInjection> found;
     const auto note = [&](Place place, const std::string& field, std::optional<std::string> text) {
         if (!found && (places & place) != 0 && text && text->starts_with('-')) {
             found = {.field = field, .value = *std::move(text)};

@@ -1,4 +1,4 @@
-// CallMistake.h - the sentences about a call that cannot be understood.
+// UsageError.h - the sentences about a call that cannot be understood.
 #pragma once
 
 #include <span>
@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "CommandLine/Command.h"
-#include "Terminal/Reply.h"
+#include "Terminal/CommandOutput.h"
 
 namespace neb::nebsc {
 
 /// Why a call is not understood.
-struct Mistake {
+struct UsageError {
     /// A sentence without the full stop.
     std::string sentence;
     /// What may have been meant, as questionForSimilar() has it.
@@ -23,23 +23,23 @@ struct Mistake {
 /// blank behind it: "branch list "; empty without a command. From any thread.
 
 /// The option does not exist; `command` may be null.
-[[nodiscard]] Mistake unknownOption(const std::string& option, const std::string& commandName,
-                                    const Command* command);
+[[nodiscard]] UsageError unknownOption(const std::string& option, const std::string& commandName,
+                                       const Command* command);
 /// None of the commands has the name.
-[[nodiscard]] Mistake unknownCommand(const std::string& commandName, const std::string& name,
-                                     std::span<const Command* const> commands);
+[[nodiscard]] UsageError unknownCommand(const std::string& commandName, const std::string& name,
+                                        std::span<const Command* const> commands);
 /// The command takes no argument at this position.
-[[nodiscard]] Mistake unexpectedArgument(const std::string& argument,
-                                         const std::string& commandName, const Command& command);
+[[nodiscard]] UsageError unexpectedArgument(const std::string& argument,
+                                            const std::string& commandName, const Command& command);
 /// The parameter is required and not in the call.
-[[nodiscard]] Mistake missingParameter(const Parameter& parameter, const std::string& commandName,
-                                       const Command& command);
+[[nodiscard]] UsageError missingParameter(const Parameter& parameter,
+                                          const std::string& commandName, const Command& command);
 /// What CLI11 reports of an option, which it says in the text alone: "--plugin: 1 required FILE
 /// missing", "--message: At Most 1 required but received 2", "json was given a disallowed flag
 /// override".
-[[nodiscard]] Mistake mistakeInOption(const std::string& text);
+[[nodiscard]] UsageError usageErrorInOption(const std::string& text);
 
 /// The reply to a call with a mistake.
-[[nodiscard]] Reply refusedCall(const Mistake& mistake, const std::string& commandName);
+[[nodiscard]] CommandOutput refusedCall(const UsageError& mistake, const std::string& commandName);
 
 }  // namespace neb::nebsc

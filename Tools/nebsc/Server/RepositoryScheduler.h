@@ -1,8 +1,8 @@
-// WorkingCopyOrder.h - lets work run side by side, but of what writes to one working copy only one
-// at a time, in the order in which it came: two would trip over each other's lock. The same holds
-// of what writes to one path elsewhere, where one would take the other's file away.
+// RepositoryScheduler.h - lets work run side by side, but of what writes to one working copy only
+// one at a time, in the order in which it came: two would trip over each other's lock. The same
+// holds of what writes to one path elsewhere, where one would take the other's file away.
 //
-//     WorkingCopyOrder order(queue);
+//     RepositoryScheduler order(queue);
 //     order.add(writtenPlaceOf(request), [] { … });
 #pragma once
 
@@ -24,13 +24,13 @@ namespace neb::nebsc {
 [[nodiscard]] std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request);
 
 /// Thread-safe.
-class WorkingCopyOrder {
+class RepositoryScheduler {
 public:
-    explicit WorkingCopyOrder(OperationQueue& queue) : _queue(queue) {}
-    WorkingCopyOrder(const WorkingCopyOrder&) = delete;
-    WorkingCopyOrder& operator=(const WorkingCopyOrder&) = delete;
+    explicit RepositoryScheduler(OperationQueue& queue) : _queue(queue) {}
+    RepositoryScheduler(const RepositoryScheduler&) = delete;
+    RepositoryScheduler& operator=(const RepositoryScheduler&) = delete;
     /// Waits until the queue has done all its work, which uses this object.
-    ~WorkingCopyOrder() { _queue.waitUntilAllOperationsAreFinished(); }
+    ~RepositoryScheduler() { _queue.waitUntilAllOperationsAreFinished(); }
 
     /// Lets the queue do the work: at once without a place, else when all that came before for the
     /// same place is done. The work must not throw. Throws std::bad_alloc, and then the work is not

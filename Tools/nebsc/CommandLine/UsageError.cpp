@@ -1,9 +1,9 @@
-#include "CommandLine/CallMistake.h"
+#include "CommandLine/UsageError.h"
 
-#include "CommandLine/CallWords.h"
+#include "CommandLine/ArgumentList.h"
 #include "CommandLine/CommandLine.h"
 #include "CommandLine/GitNames.h"
-#include "CommandLine/SimilarWords.h"
+#include "CommandLine/SpellingSuggestions.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -57,15 +57,15 @@ std::string usageOf(const std::string& commandName, const Command& command) {
 
 }  // namespace
 
-Mistake unknownOption(const std::string& option, const std::string& commandName,
-                      const Command* command) {
+UsageError unknownOption(const std::string& option, const std::string& commandName,
+                         const Command* command) {
     return {"There is no option " + inQuotes(option) +
                 (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName))),
             questionForSimilar(option, optionsOf(command))};
 }
 
-Mistake unknownCommand(const std::string& commandName, const std::string& name,
-                       std::span<const Command* const> commands) {
+UsageError unknownCommand(const std::string& commandName, const std::string& name,
+                          std::span<const Command* const> commands) {
     const std::string sentence = "There is no command " + inQuotes(commandName + name);
     const std::string_view own = nameOfGitCommand(commandName + name);
     return {sentence, own.empty()
@@ -73,19 +73,19 @@ Mistake unknownCommand(const std::string& commandName, const std::string& name,
                           : " The command is " + inQuotes("nebsc " + std::string(own)) + "."};
 }
 
-Mistake unexpectedArgument(const std::string& argument, const std::string& commandName,
-                           const Command& command) {
+UsageError unexpectedArgument(const std::string& argument, const std::string& commandName,
+                              const Command& command) {
     return {"The word " + inQuotes(argument) +
             " is one too many: " + usageOf(commandName, command)};
 }
 
-Mistake missingParameter(const Parameter& parameter, const std::string& commandName,
-                         const Command& command) {
+UsageError missingParameter(const Parameter& parameter, const std::string& commandName,
+                            const Command& command) {
     return {longName(parameter) + " is required" +
             (parameter.isOption() ? "" : ": " + usageOf(commandName, command))};
 }
 
-Mistake mistakeInOption(const std::string& text) {
+UsageError usageErrorInOption(const std::string& text) {
     const std::string word = text.substr(0, text.find_first_of(": "));
     const std::string name = inQuotes((word.starts_with('-') ? "" : "--") + word);
     if (text.find(" missing") != std::string::npos) {
@@ -97,7 +97,7 @@ Mistake mistakeInOption(const std::string& text) {
     return {"The option " + name + " stands in the call more than once"};
 }
 
-Reply refusedCall(const Mistake& mistake, const std::string& commandName) {
+CommandOutput refusedCall(const UsageError& mistake, const std::string& commandName) {
     std::string sentence =
         mistake.sentence +
         (mistake.question.empty() ? " (see nebsc " + commandName + "--help)." : ".") +

@@ -1,4 +1,4 @@
-// StatusWords.h - the state of a file in a word.
+// StatusLabels.h - the state of a file in a word.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// HalfMadeLocks.h - git's lock files that would stay when git is ended in the moment in which it
-// makes them. Inside the host library only.
+// OrphanedLockFiles.h - git's lock files that would stay when git is ended in the moment in which
+// it makes them. Inside the host library only.
 //
 // git removes its lock files when it is asked to end (SIGTERM), but for one that it is making:
 // between the system's having made the file and git's having noted its name it forgets it. On a
@@ -15,7 +15,7 @@
 
 namespace neb {
 
-class HalfMadeLocks {
+class OrphanedLockFiles {
 public:
     /// Notes the lock files that gits of the stopped session have made and not written to yet. Call
     /// it between SIGSTOP and SIGTERM, from the thread that reaps the session's leader.

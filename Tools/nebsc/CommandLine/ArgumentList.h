@@ -1,4 +1,4 @@
-// CallWords.h - the words of a call, so that CLI11 can take them.
+// ArgumentList.h - the words of a call, so that CLI11 can take them.
 //
 // CLI11 takes a word in brackets for a list where more than one word may stand, though a file may
 // be called "[a]"; and it forgets "--" behind the first of many words. So a word that is no option,
@@ -13,7 +13,7 @@
 
 namespace neb::nebsc {
 
-struct CallWords {
+struct ArgumentList {
     /// The values of the options "-C" in front of the command.
     std::vector<std::string> folders;
     /// The others behind "nebsc", in order, without the "--"; shielded where they need it. "help
@@ -24,7 +24,7 @@ struct CallWords {
 };
 
 /// As main() has them.
-[[nodiscard]] CallWords readCallWords(int argc, const char* const* argv);
+[[nodiscard]] ArgumentList readArgumentList(int argc, const char* const* argv);
 
 [[nodiscard]] bool isShielded(const std::string& word);
 /// The word as it was typed.

@@ -1,4 +1,4 @@
-// SimilarWords.h - what somebody may have meant who has mistyped a word. From any thread.
+// SpellingSuggestions.h - what somebody may have meant who has mistyped a word. From any thread.
 #pragma once
 
 #include <span>

@@ -1,4 +1,4 @@
-#include "Terminal/StatusWords.h"
+#include "Terminal/StatusLabels.h"
 
 #include <algorithm>
 #include <array>

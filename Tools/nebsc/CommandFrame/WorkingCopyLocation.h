@@ -1,4 +1,4 @@
-// WorkingCopyPlace.h - what a person means by the current folder and by a path.
+// WorkingCopyLocation.h - what a person means by the current folder and by a path.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace neb::nebsc {
 
-struct WorkingCopyPlace {
+struct WorkingCopyLocation {
     /// The top of the working copy; where there is none, the folder in which it was looked for, so
     /// that git itself says what is wrong.
     std::string location;
@@ -40,9 +40,9 @@ struct PathSearch {
                                              const std::string& url);
 
 /// The working copy in which the folder lies. A git is asked; a signal ends it.
-[[nodiscard]] WorkingCopyPlace findWorkingCopy(Interruption& interruption, const Trace& trace,
-                                               const std::string& currentFolder,
-                                               const std::string& folder);
+[[nodiscard]] WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
+                                                  const std::string& currentFolder,
+                                                  const std::string& folder);
 
 /// Whether the path is the folder or lies in it. Both are absolute.
 [[nodiscard]] bool liesWithin(const std::string& path, const std::string& folder);
@@ -52,6 +52,6 @@ struct PathSearch {
 
 /// The path as the person sees it: from the current folder when that lies in the same working copy,
 /// else as it is. A folder's "/" at the end stays.
-[[nodiscard]] std::string pathAsSeenFrom(const WorkingCopyPlace& place, const std::string& path);
+[[nodiscard]] std::string pathAsSeenFrom(const WorkingCopyLocation& place, const std::string& path);
 
 }  // namespace neb::nebsc

@@ -1,6 +1,6 @@
 // Which requests wait for each other.
 
-#include "Server/WorkingCopyOrder.h"
+#include "Server/RepositoryScheduler.h"
 
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@
 namespace neb::test {
 namespace {
 
-using nebsc::WorkingCopyOrder;
+using nebsc::RepositoryScheduler;
 using nebsc::writtenPlaceOf;
 
 TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
@@ -60,9 +60,9 @@ TEST(WrittenPlace, OfAnExportIsItsDestination) {
     }
 }
 
-TEST(WorkingCopyOrder, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
+TEST(RepositoryScheduler, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
     OperationQueue queue(4);
-    WorkingCopyOrder order(queue);
+    RepositoryScheduler order(queue);
     std::mutex mutex;
     std::string done;
     const auto note = [&](char letter) {
@@ -96,11 +96,11 @@ TEST(WorkingCopyOrder, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
     EXPECT_TRUE(done.ends_with('4'));
 }
 
-TEST(WorkingCopyOrder, IsGoneOnlyWhenItsWorkIsDone) {
+TEST(RepositoryScheduler, IsGoneOnlyWhenItsWorkIsDone) {
     OperationQueue queue(2);
     std::string done;
     {
-        WorkingCopyOrder order(queue);
+        RepositoryScheduler order(queue);
         order.add("/w", [&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             done += '1';

@@ -1,4 +1,4 @@
-// NEBSourceControlOptionLikeValue.h - values that git would take for an option.
+// NEBSourceControlArgumentInjection.h - values that git would take for an option.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace neb {
 
-struct NEBSourceControlOptionLikeValue {
+struct NEBSourceControlArgumentInjection {
     /// The field as a request written in JSON names it: "startingRevision", "files[0]",
     /// "options.NEBSourceControlRequestOptionBranch".
     std::string field;
@@ -25,7 +25,7 @@ struct NEBSourceControlOptionLikeValue {
 /// that makes a push more than the sending of one branch to another (an empty side deletes, a "+"
 /// in front overwrites, a "*" takes all); nothing when there is none. A host that takes values from
 /// outside asks this before it asks for an operation, and refuses the request. From any thread.
-[[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlOptionLikeValue>
-NEBSourceControlFirstOptionLikeValue(const NEBSourceControlRequest& request);
+[[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlArgumentInjection>
+NEBSourceControlFirstArgumentInjection(const NEBSourceControlRequest& request);
 
 }  // namespace neb

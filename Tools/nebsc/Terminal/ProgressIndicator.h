@@ -1,8 +1,8 @@
-// LifeSign.h - shows a person at a terminal that long work goes on.
+// ProgressIndicator.h - shows a person at a terminal that long work goes on.
 //
 //     {
-//         LifeSign sign("Cloning", true);
-//         const LifeSign::Count count(sign, [&] { return log.receivedBytes(); });
+//         ProgressIndicator sign("Cloning", true);
+//         const ProgressIndicator::Count count(sign, [&] { return log.receivedBytes(); });
 //         operation.start();   // after a second, and every second: "Cloning … 3 s, 1.2 MB"
 //     }                        // the line is as if nothing had been
 //
@@ -20,28 +20,28 @@
 
 namespace neb::nebsc {
 
-class LifeSign {
+class ProgressIndicator {
 public:
     /// `activity` is plain ASCII. The sign is written on a thread of its own; one that is not
     /// wanted, or for which the system has no thread, is never.
-    LifeSign(std::string_view activity, bool isWanted);
-    LifeSign(const LifeSign&) = delete;
-    LifeSign& operator=(const LifeSign&) = delete;
+    ProgressIndicator(std::string_view activity, bool isWanted);
+    ProgressIndicator(const ProgressIndicator&) = delete;
+    ProgressIndicator& operator=(const ProgressIndicator&) = delete;
     /// Wipes the line.
-    ~LifeSign();
+    ~ProgressIndicator();
 
     /// Lets the sign tell how many bytes have come, for as long as the object lives. One at a time.
     class Count {
     public:
         /// `received` is called on the sign's thread and must not block; 0 is not shown.
-        Count(LifeSign& sign, std::function<std::uint64_t()> received);
+        Count(ProgressIndicator& sign, std::function<std::uint64_t()> received);
         Count(const Count&) = delete;
         Count& operator=(const Count&) = delete;
         /// Afterwards `received` is not called any more.
         ~Count();
 
     private:
-        LifeSign& _sign;
+        ProgressIndicator& _sign;
     };
 
 private:

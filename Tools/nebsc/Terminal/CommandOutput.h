@@ -1,4 +1,4 @@
-// Reply.h - what a command has to say, apart from how it gets out.
+// CommandOutput.h - what a command has to say, apart from how it gets out.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace neb::nebsc {
 
-struct Reply {
+struct CommandOutput {
     /// Each with its line ends; empty where there is nothing to say.
     std::string standardOutput;
     std::string standardError;
@@ -24,20 +24,20 @@ struct Reply {
 /// A reply that is one line on standard error: "nebsc: " and the sentence, made printable. With
 /// exitFailed it has the sentence as an error, too, of the class that the same failure has in the
 /// outcome of a request; "unknown" unless given.
-[[nodiscard]] Reply refusal(std::string_view sentence, int exitStatus,
-                            std::optional<std::string_view> errorClass = std::nullopt);
+[[nodiscard]] CommandOutput refusal(std::string_view sentence, int exitStatus,
+                                    std::optional<std::string_view> errorClass = std::nullopt);
 
 /// A reply that tells of an error.
-[[nodiscard]] Reply failureWith(const NEBSourceControlError& error);
+[[nodiscard]] CommandOutput failureWith(const NEBSourceControlError& error);
 
 /// Adds a failure behind what the reply has to say; of several, a program is told the first.
-void addFailure(Reply& reply, const Reply& failure);
+void addFailure(CommandOutput& output, const CommandOutput& failure);
 
 /// The line of such a reply alone.
 [[nodiscard]] std::string complaint(std::string_view sentence);
 
 /// Writes the reply, standard output first, and answers the exit status. What cannot be written to
 /// standard output becomes a failure of its own, told on standard error.
-[[nodiscard]] int deliver(const Reply& reply);
+[[nodiscard]] int deliver(const CommandOutput& output);
 
 }  // namespace neb::nebsc

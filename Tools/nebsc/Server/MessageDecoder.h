@@ -1,11 +1,11 @@
-// MessageFrames.h - the messages of a stream, each behind a header that tells its length, as
+// MessageDecoder.h - the messages of a stream, each behind a header that tells its length, as
 // language servers frame them (Language Server Protocol 3.17, "Base Protocol"):
 //
 //     Content-Length: 16\r\n
 //     \r\n
 //     {"jsonrpc":"2.0"
 //
-//     MessageFrames frames(1 << 20);
+//     MessageDecoder frames(1 << 20);
 //     frames.append(bytes);                       // whatever was read
 //     while (const auto frame = frames.take()) {  // every message that is whole by now
 //         frame->content;
@@ -22,7 +22,7 @@
 
 namespace neb::nebsc {
 
-class MessageFrames {
+class MessageDecoder {
 public:
     struct Frame {
         std::string content;
@@ -32,7 +32,7 @@ public:
     };
 
     /// Messages of more bytes than `longest` are passed over.
-    explicit MessageFrames(std::size_t longest) : _longest(longest) {}
+    explicit MessageDecoder(std::size_t longest) : _longest(longest) {}
 
     void append(std::string_view bytes);
 

@@ -1,6 +1,6 @@
 // The frames of messages, whatever the pieces in which they arrive.
 
-#include "Server/MessageFrames.h"
+#include "Server/MessageDecoder.h"
 
 #include <gmock/gmock.h>
 
@@ -9,7 +9,7 @@
 namespace neb::test {
 namespace {
 
-using nebsc::MessageFrames;
+using nebsc::MessageDecoder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Optional;
@@ -18,7 +18,7 @@ constexpr std::size_t limit = 100;
 
 /// The messages of a stream that arrives in pieces of this size.
 std::vector<std::string> messagesIn(std::string_view stream, std::size_t pieceSize,
-                                    MessageFrames& frames) {
+                                    MessageDecoder& frames) {
     std::vector<std::string> messages;
     while (!stream.empty()) {
         frames.append(stream.substr(0, pieceSize));
@@ -31,14 +31,14 @@ std::vector<std::string> messagesIn(std::string_view stream, std::size_t pieceSi
     return messages;
 }
 
-TEST(MessageFrames, AreTheSameInPiecesOfAnySize) {
+TEST(MessageDecoder, AreTheSameInPiecesOfAnySize) {
     const std::string stream =
-        MessageFrames::framed("{}") + MessageFrames::framed("") +
+        MessageDecoder::framed("{}") + MessageDecoder::framed("") +
         "content-length:  3 \r\nContent-Type: application/json\r\n\r\n\r\na" +
-        MessageFrames::framed(std::string(limit, 'x')) +
-        MessageFrames::framed(std::string(limit + 1, 'y')) + MessageFrames::framed("[1]");
+        MessageDecoder::framed(std::string(limit, 'x')) +
+        MessageDecoder::framed(std::string(limit + 1, 'y')) + MessageDecoder::framed("[1]");
     for (const std::size_t pieceSize : {1U, 2U, 7U, 64U, 1000U}) {
-        MessageFrames frames(limit);
+        MessageDecoder frames(limit);
         EXPECT_THAT(messagesIn(stream, pieceSize, frames),
                     ElementsAre("{}", "", "\r\na", std::string(limit, 'x'), "101", "[1]"));
         EXPECT_EQ(frames.failure(), std::nullopt);
@@ -46,12 +46,12 @@ TEST(MessageFrames, AreTheSameInPiecesOfAnySize) {
     }
 }
 
-TEST(MessageFrames, AreCountedInBytes) {
-    EXPECT_EQ(MessageFrames::framed("\xC3\xA4"), "Content-Length: 2\r\n\r\n\xC3\xA4");
+TEST(MessageDecoder, AreCountedInBytes) {
+    EXPECT_EQ(MessageDecoder::framed("\xC3\xA4"), "Content-Length: 2\r\n\r\n\xC3\xA4");
 }
 
-TEST(MessageFrames, TellWhereTheStreamStops) {
-    MessageFrames frames(limit);
+TEST(MessageDecoder, TellWhereTheStreamStops) {
+    MessageDecoder frames(limit);
     EXPECT_TRUE(frames.isBetweenMessages());
     for (const std::string_view piece : {"Content-Le", "ngth: 2\r\n\r\n", "{"}) {
         frames.append(piece);
@@ -63,8 +63,8 @@ TEST(MessageFrames, TellWhereTheStreamStops) {
     EXPECT_TRUE(frames.isBetweenMessages());
 }
 
-TEST(MessageFrames, TheNameOfAHeaderMayHaveBlanksAroundIt) {
-    MessageFrames frames(limit);
+TEST(MessageDecoder, TheNameOfAHeaderMayHaveBlanksAroundIt) {
+    MessageDecoder frames(limit);
     EXPECT_THAT(messagesIn("content-length : 2\r\n\r\n{}", 5, frames), ElementsAre("{}"));
 }
 
@@ -77,11 +77,11 @@ struct BadHeader {
 class BadHeaders : public testing::TestWithParam<BadHeader> {};
 
 TEST_P(BadHeaders, EndTheReading) {
-    MessageFrames frames(limit);
-    EXPECT_THAT(messagesIn(MessageFrames::framed("{}") + GetParam().header, 5, frames),
+    MessageDecoder frames(limit);
+    EXPECT_THAT(messagesIn(MessageDecoder::framed("{}") + GetParam().header, 5, frames),
                 ElementsAre("{}"));
     EXPECT_THAT(frames.failure(), Optional(HasSubstr(GetParam().words)));
-    frames.append(MessageFrames::framed("{}"));
+    frames.append(MessageDecoder::framed("{}"));
     EXPECT_EQ(frames.take(), std::nullopt);
 }
 

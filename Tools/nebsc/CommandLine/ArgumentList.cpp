@@ -1,4 +1,4 @@
-#include "CommandLine/CallWords.h"
+#include "CommandLine/ArgumentList.h"
 
 #include <algorithm>
 
@@ -38,9 +38,9 @@ std::size_t takeFolders(std::vector<std::string>& words, std::vector<std::string
 
 }  // namespace
 
-CallWords readCallWords(int argc, const char* const* argv) {
+ArgumentList readArgumentList(int argc, const char* const* argv) {
     std::vector<std::string> typed(argv + std::min(argc, 1), argv + argc);
-    CallWords call;
+    ArgumentList call;
     const std::size_t command = takeFolders(typed, call.folders);
     if (command < typed.size() && typed[command] == "help") {
         typed.erase(typed.begin() + static_cast<std::ptrdiff_t>(command));

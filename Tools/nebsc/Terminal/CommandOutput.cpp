@@ -1,0 +1,70 @@
+#include "Terminal/CommandOutput.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "Platform/ErrnoText.h"
+#include "Platform/Passwords.h"
+#include "Terminal/Output.h"
+#include "Terminal/Pager.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+std::string complaint(std::string_view sentence) {
+    return "nebsc: " + printable(textWithoutPasswords(sentence)) + "\n";
+}
+
+CommandOutput refusal(std::string_view sentence, int exitStatus,
+                      std::optional<std::string_view> errorClass) {
+    CommandOutput output{
+        .standardOutput = {}, .standardError = complaint(sentence), .exitStatus = exitStatus};
+    if (exitStatus == exitFailed) {
+        output.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
+                                                              textWithoutPasswords(sentence));
+        output.error->errorClass = errorClass.value_or(NEBSourceControlUnknownErrorClass.text());
+        NEBSourceControlAddAdvice(*output.error);
+    }
+    return output;
+}
+
+CommandOutput failureWith(const NEBSourceControlError& error) {
+    return {.standardOutput = {},
+            .standardError = errorLines(error),
+            .exitStatus = exitFailed,
+            .error = error};
+}
+
+void addFailure(CommandOutput& output, const CommandOutput& failure) {
+    output.standardError += failure.standardError;
+    output.exitStatus = failure.exitStatus;
+    if (!output.error) {
+        output.error = failure.error;
+    }
+}
+
+int deliver(const CommandOutput& output) {
+    int exitStatus = output.exitStatus;
+    std::string complaints = output.standardError;
+    bool isShown = false;
+    if (output.pager && !output.standardOutput.empty()) {
+        isShown = showThroughPager(*output.pager, output.standardOutput);
+        complaints += isShown ? ""
+                              : complaint("The pager " + inQuotes(*output.pager) +
+                                          " could not be started; the output is shown without it.");
+    }
+    const std::string_view unshown = isShown ? std::string_view{} : output.standardOutput;
+    if (const int failure = writeAll(STDOUT_FILENO, unshown); failure != 0) {
+        complaints +=
+            complaint("Standard output could not be written: " + textOfErrno(failure) + ".");
+        exitStatus = std::max(exitStatus, exitFailed);
+    }
+    // There is nobody left to tell when this fails.
+    static_cast<void>(writeAll(STDERR_FILENO, complaints));
+    return exitStatus;
+}
+
+}  // namespace neb::nebsc

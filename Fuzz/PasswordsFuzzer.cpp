@@ -1,6 +1,6 @@
 // Texts without the passwords of URLs: none is left, and nothing else is changed.
 
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 
 #include "Property.h"
 

@@ -8,9 +8,9 @@
 #include <string_view>
 
 #include "GitOperations/GitErrorTable.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
-#include "Platform/Passwords.h"
 
 namespace neb::benchmarks {
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Platform/Mutex.h"
-#include "Platform/Passwords.h"
 
 namespace neb {
 

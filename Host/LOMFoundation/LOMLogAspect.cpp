@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "LOMFoundation/LOMFormat.h"
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 
 namespace neb {
 

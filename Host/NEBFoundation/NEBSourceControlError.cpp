@@ -1,6 +1,6 @@
 #include "NEBFoundation/NEBSourceControlError.h"
 
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 
 namespace neb {
 

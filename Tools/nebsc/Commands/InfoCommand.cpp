@@ -1,7 +1,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
 

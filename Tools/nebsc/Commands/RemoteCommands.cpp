@@ -7,8 +7,8 @@
 
 #include "CommandFrame/BranchTask.h"
 #include "Commands/Commands.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/TextWidth.h"

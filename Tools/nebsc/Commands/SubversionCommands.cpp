@@ -3,8 +3,8 @@
 
 #include "CommandFrame/BranchTask.h"
 #include "Commands/Commands.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/Passwords.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

@@ -4,8 +4,8 @@
 #include <map>
 
 #include "CommandFrame/BranchTask.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/Passwords.h"
 #include "Platform/Text.h"
 #include "Session/Deadline.h"
 #include "Session/GitProgram.h"

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "JSON/RequestMembers.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
-#include "Platform/Passwords.h"
 #include "Platform/PathString.h"
 
 namespace neb::nebsc {

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Platform/ErrnoText.h"
-#include "Platform/Passwords.h"
 #include "Terminal/Output.h"
 #include "Terminal/Pager.h"
 #include "Terminal/Presentation.h"

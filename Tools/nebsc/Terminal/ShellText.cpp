@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

@@ -1,4 +1,4 @@
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // Texts without the passwords that URLs hold.
 
-#include "Platform/Passwords.h"
+#include "LOMFoundation/LOMPasswordRedaction.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-// Passwords.h - texts that are shown, kept or sent on, without the passwords that URLs hold.
+// LOMPasswordRedaction.h - texts that are shown, kept or sent on, without the passwords that URLs
+// hold.
 #pragma once
 
 #include <string>

@@ -1,10 +1,10 @@
 #!/usr/bin/env node
-// client.mjs [FOLDER]: prints the latest commits of a folder's repository, asked of "nebsc serve".
+// client.mjs [FOLDER] - prints the latest commits of the repository that contains FOLDER, through "nebsc serve".
 import { spawn } from "node:child_process";
 import { resolve } from "node:path";
 
 const server = spawn("nebsc", ["serve"], { stdio: ["pipe", "pipe", "inherit"] });
-const waiting = new Map();
+const pending = new Map();
 let received = Buffer.alloc(0);
 let lastId = 0;
 
@@ -18,9 +18,9 @@ function send(message) {
     server.stdin.write(`Content-Length: ${Buffer.byteLength(content)}\r\n\r\n${content}`);
 }
 
-function ask(method, params) {
+function call(method, params) {
     send({ id: ++lastId, method, params });
-    return new Promise((done, failed) => waiting.set(lastId, { done, failed }));
+    return new Promise((resolve, reject) => pending.set(lastId, { resolve, reject }));
 }
 
 server.stdout.on("data", (bytes) => {
@@ -30,14 +30,14 @@ server.stdout.on("data", (bytes) => {
         if (received.length < end + 4 + length) return;
         const { id, result, error } = JSON.parse(received.subarray(end + 4, end + 4 + length));
         received = received.subarray(end + 4 + length);
-        if (error) waiting.get(id)?.failed(new Error(error.message));
-        else waiting.get(id)?.done(result);
+        if (error) pending.get(id)?.reject(new Error(error.message));
+        else pending.get(id)?.resolve(result);
     }
 });
 
-await ask("initialize", {});
-const outcome = await ask("sourceControl/perform", {
-    type: 18,
+await call("initialize", {});
+const outcome = await call("sourceControl/perform", {
+    type: 18,  // log
     sourceTree: { location: resolve(process.argv[2] ?? ".") },
     options: { NEBSourceControlRequestOptionLogOutputLimit: 20 },
 });
@@ -50,5 +50,5 @@ if (outcome.error) {
     console.error(`client.mjs: ${outcome.error.localizedDescription}`);
     process.exitCode = 1;
 }
-await ask("shutdown");
+await call("shutdown");
 send({ method: "exit" });

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""client.py [FOLDER]: prints the latest commits of a folder's repository, asked of "nebsc serve"."""
+"""client.py [FOLDER] - prints the latest commits of the repository that contains FOLDER, through "nebsc serve"."""
 import json
 import os
 import subprocess
@@ -9,7 +9,7 @@ KEY = "NEBSourceControlOperation{}Key".format
 
 
 class Server:
-    """One "nebsc serve", talked with over its standard input and output, a request at a time."""
+    """Runs "nebsc serve" and sends it requests, one at a time."""
 
     def __init__(self):
         self.process = subprocess.Popen(["nebsc", "serve"], stdin=subprocess.PIPE,
@@ -21,24 +21,24 @@ class Server:
         self.process.stdin.write(b"Content-Length: %d\r\n\r\n" % len(content) + content)
         self.process.stdin.flush()
 
-    def ask(self, method, params=None):
+    def call(self, method, params=None):
         self.last_id += 1
         self.send(id=self.last_id, method=method, params=params)
         length = 0
         while line := self.process.stdout.readline().strip():
             name, _, value = line.partition(b":")
             length = int(value) if name.lower() == b"content-length" else length
-        answer = json.loads(self.process.stdout.read(length) or
-                            sys.exit("client.py: the server has gone"))
-        if "error" in answer:
-            sys.exit(f"client.py: {answer['error']['message']}")
-        return answer["result"]
+        response = json.loads(self.process.stdout.read(length) or
+                            sys.exit("client.py: the server closed the connection"))
+        if "error" in response:
+            sys.exit(f"client.py: {response['error']['message']}")
+        return response["result"]
 
 
 server = Server()
-server.ask("initialize", {})
-outcome = server.ask("sourceControl/perform", {
-    "type": 18,
+server.call("initialize", {})
+outcome = server.call("sourceControl/perform", {
+    "type": 18,  # log
     "sourceTree": {"location": os.path.abspath(*sys.argv[1:2] or ".")},
     "options": {"NEBSourceControlRequestOptionLogOutputLimit": 20},
 })
@@ -47,6 +47,6 @@ if outcome["error"]:
 for commit in outcome["result"]:
     print(commit[KEY("Revision")], commit[KEY("Date")], commit[KEY("Author")],
           commit[KEY("Message")].split("\n")[0], sep="  ")
-server.ask("shutdown")
+server.call("shutdown")
 server.send(method="exit")
 sys.exit(server.process.wait())

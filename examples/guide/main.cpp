@@ -1,4 +1,4 @@
-// guide FOLDER: the code of docs/hosts.md as a program, at work on a folder's repository.
+// guide FOLDER [FOLDER-OF-GIT] - the code of docs/hosts.md as a program, run on a repository.
 
 #include <NEBFoundation/NEBFoundation.h>
 
@@ -11,7 +11,7 @@ using namespace neb;
 
 namespace {
 
-// ---- the host's own services ------------------------------------------------------------------
+// ---- host services ----------------------------------------------------------------------------
 
 void installServices() {
     LOMSetAssertionSink([](const LOMAssertionReport& report) {
@@ -23,13 +23,13 @@ void installServices() {
     log.logLevel = 1;
 }
 
-/// For a host that brings a git of its own, in `folder`.
+/// Uses the git in `folder`, for a host that brings its own.
 void useGitIn(const std::string& folder) {
     LOMDeveloperPaths::defaultPaths().setPreferredBinaryDirectory(
         LOMFilePath::filePathForPathString(folder));
 }
 
-// ---- the life of a request --------------------------------------------------------------------
+// ---- life cycle of a request ------------------------------------------------------------------
 
 std::shared_ptr<NEBSourceControlRequest> requestAbout(std::int32_t type,
                                                       const std::string& folder) {
@@ -39,7 +39,7 @@ std::shared_ptr<NEBSourceControlRequest> requestAbout(std::int32_t type,
     return NEBSourceControlRequest::initWithType(type, tree);
 }
 
-/// A commit of what is staged.
+/// Returns a request to commit what is staged.
 std::shared_ptr<NEBSourceControlRequest> commitIn(const std::string& folder,
                                                   const std::string& message) {
     auto request = requestAbout(NEBSourceControlRequestCommit, folder);
@@ -50,8 +50,8 @@ std::shared_ptr<NEBSourceControlRequest> commitIn(const std::string& folder,
 std::optional<NEBSourceControlError> refusalOf(const NEBSourceControlProtocol& controller,
                                                const NEBSourceControlRequest& request) {
     if (controller.authenticationRequiredForRequest(request)) {
-        // Before it comes to this, a host says in `reachable` of the request's source tree and of
-        // its repositoryToAuthenticate whether the far end can be reached.
+        // A real host has set `reachable` of the request's sourceTree and of its
+        // repositoryToAuthenticate by now.
         std::cout << "This may ask for a password.\n";
     }
     std::optional<NEBSourceControlError> refusal;
@@ -60,17 +60,17 @@ std::optional<NEBSourceControlError> refusalOf(const NEBSourceControlProtocol& c
     }
     if (const auto value = NEBSourceControlFirstArgumentInjection(request)) {
         return NEBSourceControlError::withDescription(NEBSourceControlGenericError,
-                                                      "\"" + value->value + "\" is no value for " +
+                                                      "'" + value->value + "' is not valid for " +
                                                           value->field + ": git would " +
-                                                          std::string(value->danger) + ".");
+                                                          std::string(value->danger));
     }
     return std::nullopt;
 }
 
 // ---- errors -----------------------------------------------------------------------------------
 
-void tell(const NEBSourceControlError& error) {
-    std::cout << error.localizedDescription().value_or("It failed without a word.") << "\n";
+void print(const NEBSourceControlError& error) {
+    std::cout << error.localizedDescription().value_or("The operation failed.") << "\n";
     if (const auto suggestion = error.localizedRecoverySuggestion()) {
         std::cout << *suggestion << "\n";
     }
@@ -79,37 +79,37 @@ void tell(const NEBSourceControlError& error) {
     }
 }
 
-bool isWorthTelling(const NEBSourceControlError& error) {
+bool isFailureForUser(const NEBSourceControlError& error) {
     return error.errorClass != NEBSourceControlUpToDateErrorClass.text() &&
            error.errorClass != NEBSourceControlCancelledErrorClass.text();
 }
 
 // ---- queues -----------------------------------------------------------------------------------
 
-/// The requests of one window. Those that write wait for each other, as two gits that write to one
-/// working copy would trip over its lock; those that read run beside them.
-class Workshop {
+/// Runs the requests of one window. Writing requests run one after the other, because two writing
+/// git processes would fail on the index lock; reading requests run in parallel.
+class RequestRunner {
 public:
     using Completion = std::function<void(const NEBSourceControlOperation&)>;
 
-    explicit Workshop(const NEBSourceControlPlugIn& plugIn)
+    explicit RequestRunner(const NEBSourceControlPlugIn& plugIn)
         : _controller(plugIn.makePrincipalClass()) {}
 
-    /// Answers at once; `completion` is called later, on a thread of a queue. Nothing when the
-    /// request is refused or nobody carries it out, and then it is not called.
+    /// Returns immediately; `completion` is called later, on a thread of a queue. Returns null, and
+    /// never calls `completion`, if the request is refused or its type is unknown.
     std::shared_ptr<NEBSourceControlOperation> perform(
         const std::shared_ptr<NEBSourceControlRequest>& request, bool writes,
         Completion completion) {
         if (const auto refusal = refusalOf(*_controller, *request)) {
-            tell(*refusal);
+            print(*refusal);
             return nullptr;
         }
         auto operation = _controller->operationForRequest(request);
         if (operation) {
             OperationQueue& queue = writes ? _writes : _reads;
             queue.addBlock([operation, completion = std::move(completion)] {
-                operation->start();      // blocks this thread until the work is done
-                completion(*operation);  // a window's host sends itself an event here
+                operation->start();      // blocks this thread until git has exited
+                completion(*operation);  // a window would post an event here
             });
         }
         return operation;
@@ -121,16 +121,16 @@ private:
     OperationQueue _writes{1};
 };
 
-// ---- at work ----------------------------------------------------------------------------------
+// ---- demonstration ----------------------------------------------------------------------------
 
-/// Performs the request, waits for it as no window would, and tells what came of it.
-void performAndWait(Workshop& workshop, const std::shared_ptr<NEBSourceControlRequest>& request,
+/// Performs the request, waits for it, and prints its outcome. A real window would not wait.
+void performAndWait(RequestRunner& runner, const std::shared_ptr<NEBSourceControlRequest>& request,
                     bool writes) {
     std::promise<void> finished;
     const auto operation =
-        workshop.perform(request, writes, [&](const NEBSourceControlOperation& work) {
-            if (work.error() && isWorthTelling(*work.error())) {
-                tell(*work.error());
+        runner.perform(request, writes, [&](const NEBSourceControlOperation& work) {
+            if (work.error() && isFailureForUser(*work.error())) {
+                print(*work.error());
             }
             for (const NEBDictionary& record : work.result().value_or(NEBSourceControlResult())) {
                 std::cout << work.className() << ": " << record.size() << " entries\n";
@@ -142,7 +142,7 @@ void performAndWait(Workshop& workshop, const std::shared_ptr<NEBSourceControlRe
     }
 }
 
-/// From any thread, before the operation runs or while it does.
+/// Thread-safe, before the operation runs and while it does.
 void cancel(NEBSourceControlOperation& operation) {
     operation.cancel();
 }
@@ -173,12 +173,12 @@ int main(int argc, char** argv) {
         return 1;
     }
     const std::string folder = std::filesystem::canonical(argv[1]).string();
-    Workshop workshop(*load.plugIn);
-    performAndWait(workshop, requestAbout(NEBSourceControlRequestStatus, folder), false);
-    performAndWait(workshop, commitIn(folder, "Say hello"), true);
-    performAndWait(workshop, commitIn(folder, "Say it again"), true);
-    performAndWait(workshop, requestAbout(NEBSourceControlRequestCheckout, folder), true);
-    performAndWait(workshop, requestAbout(NEBSourceControlRequestFetch, folder), false);
+    RequestRunner runner(*load.plugIn);
+    performAndWait(runner, requestAbout(NEBSourceControlRequestStatus, folder), false);
+    performAndWait(runner, commitIn(folder, "Say hello"), true);
+    performAndWait(runner, commitIn(folder, "Say it again"), true);
+    performAndWait(runner, requestAbout(NEBSourceControlRequestCheckout, folder), true);
+    performAndWait(runner, requestAbout(NEBSourceControlRequestFetch, folder), false);
     showCancelling(*load.plugIn, folder);
     return 0;
 }

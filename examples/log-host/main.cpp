@@ -1,4 +1,4 @@
-// log-host FOLDER: prints the latest commits of a folder's repository.
+// log-host FOLDER - prints the latest commits of the repository that contains FOLDER.
 
 #include <NEBFoundation/NEBFoundation.h>
 

@@ -18,7 +18,7 @@ namespace {
 constexpr const char* file = NEB_SOURCE_FOLDER "/docs/requests.md";
 constexpr std::string_view heading = "\n## ";
 constexpr std::string_view fence = "```";
-constexpr std::string_view beginningOfFacts = "Carried out by ";
+constexpr std::string_view factsPrefix = "Class: ";
 
 std::string madeWith() {
     std::string version = TestRepository().git({"--version"});
@@ -34,7 +34,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-/// Visits each block of code with what stands behind its first fence.
+/// Calls visit(kind, content) for each code block; `kind` is the text after the opening fence.
 template <typename Visit>
 void forEachBlock(const std::string& text, Visit visit) {
     std::optional<std::string> kind;
@@ -52,12 +52,11 @@ void forEachBlock(const std::string& text, Visit visit) {
     }
 }
 
-/// What stands between backquotes in the entry "runs" and begins with a program. Other words in
-/// backquotes are options.
+/// Returns the code spans of the entry "runs" that begin with a program; other spans are options.
 std::vector<std::string> commandLinesIn(const std::string& text) {
     const std::size_t begin = text.find("\n- **runs** ");
     const std::string entry = std::regex_replace(
-        text.substr(begin, text.find("\n- **answers**") - begin), std::regex(R"(\s+)"), " ");
+        text.substr(begin, text.find("\n- **returns**") - begin), std::regex(R"(\s+)"), " ");
     std::vector<std::string> lines;
     const std::regex code("`((git|/usr/bin/tar|/bin/sh) [^`]*)`");
     for (std::sregex_iterator match(entry.begin(), entry.end(), code), end; match != end; ++match) {
@@ -73,7 +72,7 @@ RequestSection sectionOf(const std::string& text) {
     stream >> section.type;
     std::getline(stream >> std::ws, section.name);
     for (const std::string& line : linesOf(text)) {
-        if (line.starts_with(beginningOfFacts)) {
+        if (line.starts_with(factsPrefix)) {
             section.facts = line;
         }
     }
@@ -129,13 +128,13 @@ void RequestsPage::set(const RequestSection& section, const std::string& facts,
     for (const std::string& line : linesOf(section.text)) {
         if (line.starts_with(fence)) {
             isInBlock = !isInBlock;
-            // Requests and outcomes take turns.
+            // Requests and outcomes alternate.
             const bool isJSON = isInBlock && line.starts_with("```json");
             blocks += isJSON ? 1 : 0;
             isOutcome = isJSON && blocks % 2 == 0;
             text += line + "\n" + (isOutcome ? outcomes.at(blocks / 2 - 1) : "");
         } else if (!isOutcome || !isInBlock) {
-            text += (line.starts_with(beginningOfFacts) ? facts : line) + "\n";
+            text += (line.starts_with(factsPrefix) ? facts : line) + "\n";
         }
     }
     _newTexts[section.type] = text;

@@ -1,9 +1,9 @@
-// RequestsPage.h - docs/requests.md, whose examples the tests carry out.
+// RequestsPage.h - parser and writer of docs/requests.md, whose examples are tests.
 //
-// The page has a section for each type of request: "## 18 log". A section holds one line that tells
-// of its class, written by the tests; a list whose entry "runs" has the command lines; and
-// examples: a request as JSON, behind it the outcome, which the tests write too, and in front of
-// it, where one is needed, a script of the shell that is run in the working copy first.
+// The page has a section for each request type: "## 18 log". A section contains a generated line
+// that begins with "Class: ", a list whose entry "runs" has the command lines, and examples: a
+// request as JSON, followed by its outcome, which is generated too. A shell script before the
+// request is optional and runs first, in the working copy.
 #pragma once
 
 #include <cstdint>
@@ -16,39 +16,39 @@
 namespace neb::test {
 
 struct RequestExample {
-    /// Empty where there is none.
+    /// Empty if the example has no script.
     std::string script;
     std::string request;
-    /// The operation is made and not run.
+    /// The operation is created but not run.
     bool isPlan = false;
-    /// As the page has it.
+    /// As written on the page.
     std::string outcome;
 };
 
 struct RequestSection {
     std::int32_t type = -1;
     std::string name;
-    /// The line about the class.
+    /// The generated line about class, required values and authentication.
     std::string facts;
     /// The command lines of the entry "runs".
     std::vector<std::string> commandLines;
-    /// All of the section, from its heading on.
+    /// The whole section, including its heading.
     std::string text;
     std::vector<RequestExample> examples;
 };
 
-/// With the variable NEB_WRITE_REQUESTS_PAGE set, write() puts a new page in the old one's place,
-/// in which the sections are as set() was told.
+/// The page, read once. If the variable NEB_WRITE_REQUESTS_PAGE is set, write() replaces the file
+/// with a page that has the facts and outcomes passed to set().
 class RequestsPage {
 public:
     static RequestsPage& instance();
 
     [[nodiscard]] bool isWritten() const { return _isWritten; }
     [[nodiscard]] const std::vector<RequestSection>& sections() const { return _sections; }
-    /// Whether the page was made with the git that is installed: the texts then are the same.
+    /// Whether the page was written with the installed version of git. Only then texts are equal.
     [[nodiscard]] bool isOfThisGit() const;
 
-    /// Takes the facts and outcomes for the section of the same type.
+    /// Replaces the facts and outcomes of the section.
     void set(const RequestSection& section, const std::string& facts,
              const std::vector<std::string>& outcomes);
     void write() const;

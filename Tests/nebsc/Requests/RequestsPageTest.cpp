@@ -1,4 +1,4 @@
-// Each type of request is as docs/requests.md says: its examples are carried out and compared.
+// RequestsPageTest.cpp - runs the examples of docs/requests.md and compares their outcomes.
 
 #include "nebsc/Requests/RequestsPage.h"
 
@@ -18,7 +18,7 @@
 
 namespace neb::test {
 
-// How gtest shows a section.
+// Used by gtest to print a section.
 static void PrintTo(const RequestSection& section, std::ostream* stream) {
     *stream << section.type << " " << section.name;
 }
@@ -28,13 +28,13 @@ namespace {
 using JSON = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-/// Where the page's examples are.
+/// The folder of the examples, as written on the page.
 constexpr std::string_view pageFolder = "/home/ann";
 
 std::string replaced(std::string text, std::string_view what, std::string_view with) {
-    for (std::size_t place = 0; (place = text.find(what, place)) != std::string::npos;
-         place += with.size()) {
-        text.replace(place, what.size(), with);
+    for (std::size_t position = 0; (position = text.find(what, position)) != std::string::npos;
+         position += with.size()) {
+        text.replace(position, what.size(), with);
     }
     return text;
 }
@@ -90,19 +90,19 @@ public:
         if (!example.script.empty()) {
             run(example.script, path() + "/demo");
         }
-        std::vector<std::string> words{"request"};
+        std::vector<std::string> args{"request"};
         if (example.isPlan) {
-            words.emplace_back("--dry-run");
+            args.emplace_back("--dry-run");
         }
         const NebscOutcome outcome =
-            runNebsc(words, {.folder = _folder.path(),
-                             .input = replaced(example.request, pageFolder, path()),
-                             .variables = {{"TMPDIR", path() + "/tmp"}}});
+            runNebsc(args, {.folder = _folder.path(),
+                            .input = replaced(example.request, pageFolder, path()),
+                            .variables = {{"TMPDIR", path() + "/tmp"}}});
         EXPECT_EQ(outcome.errors, "");
         return outcome.json();
     }
-    /// The outcome as the page has it.
-    [[nodiscard]] std::string steady(const std::string& text) const {
+    /// Replaces the parts of an outcome that vary between runs and machines.
+    [[nodiscard]] std::string normalized(const std::string& text) const {
         static const std::regex programOfGit(R"("launchPath": "[^"]*/git")");
         static const std::regex randomName(R"([0-9A-F]{16}-)");
         return std::regex_replace(
@@ -138,8 +138,9 @@ bool isListOfObjects(const JSON& value) {
     return value.is_array() && !value.empty() && value.front().is_object();
 }
 
-/// A line for each member, and for each element or member of those that hold much.
-std::string laidOut(const JSON& outcome) {
+/// Returns the outcome with a line for each member, each element of a list of objects, and each
+/// member of the error.
+std::string formatted(const JSON& outcome) {
     std::string text;
     for (const auto& [key, member] : outcome.items()) {
         text += (text.empty() ? "{\n  " : ",\n  ") + JSON(key).dump() + ": ";
@@ -158,20 +159,20 @@ std::string laidOut(const JSON& outcome) {
     return text + "\n}\n";
 }
 
-/// Evens out what differs from run to run: how long a command took, and whether the add beside a
-/// copy or a new folder came first, and so found nothing.
-void steadyCommands(JSON& outcome) {
-    const bool isBesideWork = outcome["type"] == 8 || outcome["type"] == 10;
+/// Replaces what varies between runs: the duration of a command, and whether the add that runs
+/// concurrently with a copy or the creation of a folder came first and found nothing.
+void normalizeCommands(JSON& outcome) {
+    const bool isConcurrentAdd = outcome["type"] == 8 || outcome["type"] == 10;
     for (JSON& command : outcome["commands"]) {
         EXPECT_GT(command["milliseconds"], 0);
         command["milliseconds"] = 3.1;
-        if (isBesideWork && command["terminationStatus"] == 128) {
+        if (isConcurrentAdd && command["terminationStatus"] == 128) {
             command["terminationStatus"] = 0;
         }
     }
 }
 
-/// The outcome without what another git may word or count otherwise.
+/// Returns the outcome without the texts that differ between versions of git.
 JSON withoutTexts(JSON outcome) {
     for (JSON& record : outcome["result"]) {
         for (JSON& value : record) {
@@ -191,13 +192,14 @@ std::string escapedForRegex(const std::string& text) {
     return std::regex_replace(text, std::regex(R"([.^$|()*+?{}\[\]\\])"), R"(\$&)");
 }
 
-/// "git log [-LIMIT] [-- FILE…]" as an expression for arguments with a blank in front of each:
-/// words in capitals stand for any, brackets for what may be missing, the dots for more of it.
+/// Returns a regular expression for a command line such as "git log [-LIMIT] [-- FILE…]". It
+/// matches the arguments separated by U+001F: names in capitals match any text, brackets are
+/// optional parts, and "…" matches further arguments.
 std::regex expressionFor(const std::string& commandLine) {
     std::string expression;
     std::size_t depth = 0;
-    const std::regex piece(R"(\[| ?\]|…| |[A-Z]+|[^\[\]A-Z …]+)");
-    for (std::sregex_iterator match(commandLine.begin(), commandLine.end(), piece), end;
+    const std::regex token(R"(\[| ?\]|…| |[A-Z]+|[^\[\]A-Z …]+)");
+    for (std::sregex_iterator match(commandLine.begin(), commandLine.end(), token), end;
          match != end; ++match) {
         const std::string text = match->str();
         if (text == "[") {
@@ -225,15 +227,15 @@ std::string programOf(const JSON& command) {
     return path.ends_with("/git") ? "git" : path;
 }
 
-/// Whether the page has a command line for this one.
+/// Whether the section has a command line that matches the command.
 bool isDocumented(const JSON& command, const RequestSection& section) {
-    std::string words = programOf(command);
+    std::string args = programOf(command);
     for (const JSON& argument : command["arguments"]) {
-        words += "\x1f" + argument.get<std::string>();
+        args += "\x1f" + argument.get<std::string>();
     }
     return std::any_of(section.commandLines.begin(), section.commandLines.end(),
-                       [&words](const std::string& commandLine) {
-                           return std::regex_match(words, expressionFor(commandLine));
+                       [&args](const std::string& commandLine) {
+                           return std::regex_match(args, expressionFor(commandLine));
                        });
 }
 
@@ -254,21 +256,21 @@ void expectDocumented(const JSON& outcome, const RequestSection& section) {
 
 // ---- tests ------------------------------------------------------------------------------------
 
-/// What the program itself says of a type.
+/// Returns the generated line of a section, from `nebsc types --json`.
 std::string factsOf(const JSON& type) {
     std::string needs;
     for (const JSON& need : type["needs"]) {
         needs += (needs.empty() ? "" : ", ") + need.get<std::string>();
     }
-    const std::string carrier =
-        type["operation"].is_null() ? "nothing" : "`" + type["operation"].get<std::string>() + "`";
-    return "Carried out by " + carrier + ". Needs: " + (needs.empty() ? "nothing" : needs) +
-           ". Authentication: " + (type["authentication"].get<bool>() ? "perhaps." : "none.");
+    const std::string className =
+        type["operation"].is_null() ? "none" : "`" + type["operation"].get<std::string>() + "`";
+    return "Class: " + className + ". Requires: " + (needs.empty() ? "nothing" : needs) +
+           ". Authentication: " + (type["authentication"].get<bool>() ? "possible." : "no.");
 }
 
 class RequestsPageTest : public HygienicTest, public testing::WithParamInterface<RequestSection> {};
 
-TEST_P(RequestsPageTest, TellsWhatTheProgramDoes) {
+TEST_P(RequestsPageTest, MatchesTheProgram) {
     const RequestSection& section = GetParam();
     RequestsPage& page = RequestsPage::instance();
     const JSON type =
@@ -281,15 +283,15 @@ TEST_P(RequestsPageTest, TellsWhatTheProgramDoes) {
         const World world;
         JSON outcome = world.outcomeOf(example);
         EXPECT_EQ(outcome["type"], section.type);
-        steadyCommands(outcome);
+        normalizeCommands(outcome);
         expectDocumented(outcome, section);
-        outcomes.push_back(world.steady(laidOut(outcome)));
+        outcomes.push_back(world.normalized(formatted(outcome)));
         if (page.isWritten()) {
             continue;
         }
         if (page.isOfThisGit()) {
             EXPECT_EQ(example.outcome, outcomes.back())
-                << "NEB_WRITE_REQUESTS_PAGE=1 writes the page anew";
+                << "NEB_WRITE_REQUESTS_PAGE=1 updates the page";
         } else {
             EXPECT_EQ(withoutTexts(JSON::parse(example.outcome)),
                       withoutTexts(JSON::parse(outcomes.back())));
@@ -304,12 +306,12 @@ TEST_P(RequestsPageTest, TellsWhatTheProgramDoes) {
 
 std::string testNameOf(const testing::TestParamInfo<RequestSection>& info) {
     std::string name;
-    bool isNewWord = true;
+    bool isWordStart = true;
     for (const char character : info.param.name) {
         if (std::isalpha(static_cast<unsigned char>(character)) != 0) {
-            name += isNewWord ? static_cast<char>(std::toupper(character)) : character;
+            name += isWordStart ? static_cast<char>(std::toupper(character)) : character;
         }
-        isNewWord = character == ' ';
+        isWordStart = character == ' ';
     }
     return name + std::to_string(info.param.type);
 }
@@ -317,7 +319,7 @@ std::string testNameOf(const testing::TestParamInfo<RequestSection>& info) {
 INSTANTIATE_TEST_SUITE_P(All, RequestsPageTest,
                          testing::ValuesIn(RequestsPage::instance().sections()), testNameOf);
 
-TEST(RequestsPageAsAWhole, HasEveryTypeInOrder) {
+TEST(RequestsPage, HasEveryTypeInOrder) {
     const auto& sections = RequestsPage::instance().sections();
     ASSERT_EQ(sections.size(), 40U);
     for (std::size_t i = 0; i < sections.size(); ++i) {
@@ -325,12 +327,12 @@ TEST(RequestsPageAsAWhole, HasEveryTypeInOrder) {
     }
 }
 
-/// In the list that each section has, told by their short names.
-TEST(RequestsPageAsAWhole, NamesEveryOptionAndEveryKeyOfAResult) {
+/// Sections name options and keys without their prefixes.
+TEST(RequestsPage, NamesEveryOptionAndEveryKeyOfAResult) {
     std::string text;
     for (const RequestSection& section : RequestsPage::instance().sections()) {
         text += section.text;
-        for (const char* entry : {"reads", "runs", "answers", "errors"}) {
+        for (const char* entry : {"reads", "runs", "returns", "errors"}) {
             EXPECT_THAT(section.text, HasSubstr(std::string("\n- **") + entry + "** "));
         }
     }
@@ -340,8 +342,8 @@ TEST(RequestsPageAsAWhole, NamesEveryOptionAndEveryKeyOfAResult) {
     }
 }
 
-/// A class that is named here is explained there.
-TEST(RequestsPageAsAWhole, NamesOnlyClassesOfErrorsThatThereAre) {
+/// Each error class of the page is listed in docs/errors.md.
+TEST(RequestsPage, NamesOnlyExistingErrorClasses) {
     std::ifstream stream(NEB_SOURCE_FOLDER "/docs/errors.md", std::ios::binary);
     const std::string errors(std::istreambuf_iterator<char>(stream), {});
     const std::regex errorClass("`[a-z]+(-[a-z]+)*`");

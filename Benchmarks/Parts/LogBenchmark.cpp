@@ -10,6 +10,7 @@
 #include <string>
 
 #include "GitOperations/GitLog.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "ParseTiming.h"
 #include "Support/GeneratedRepository.h"
 #include "Support/PeakMemory.h"
@@ -21,7 +22,7 @@ std::shared_ptr<NEBSourceControlRequest> logRequest(const std::string& location,
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
     tree->location = location;
     return NEBSourceControlRequest::initWithType(
-        18, tree, std::nullopt,
+        NEBSourceControlRequestLog, tree, std::nullopt,
         NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}});
 }
 

@@ -10,6 +10,7 @@
 #include "GitOperations/GitList.h"
 #include "GitOperations/GitStatus.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "ParseTiming.h"
 #include "Support/GeneratedRepository.h"
 
@@ -51,7 +52,7 @@ void parse(benchmark::State& state, std::string (*line)(int)) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
     tree->location = "/home/someone/project";
     const auto request = NEBSourceControlRequest::initWithType(
-        0, tree, {{pathOf(0)}},
+        NEBSourceControlRequestAdd, tree, {{pathOf(0)}},
         NEBDictionary{{NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}});
     std::string output;
     for (int number = 0; number < state.range(0); ++number) {

@@ -21,7 +21,10 @@ const GitController controller;
 
 TEST(Authentication, IsNeededByFiveTypes) {
     for (std::int32_t type = -1; type <= 40; ++type) {
-        const bool expected = type == 13 || type == 29 || type == 33 || type == 37 || type == 25;
+        const bool expected =
+            type == NEBSourceControlRequestUpdate || type == NEBSourceControlRequestClone ||
+            type == NEBSourceControlRequestPush || type == NEBSourceControlRequestFetch ||
+            type == NEBSourceControlRequestListBranches;
         EXPECT_EQ(controller.authenticationRequiredForRequest(*requestFor(type, "/w")), expected)
             << type;
     }
@@ -47,14 +50,18 @@ TEST(Validation, TypesWithoutAuthenticationAreValidHoweverUnreachable) {
 }
 
 TEST(Validation, BothFormsOfListingRemoteBranchesAreValidAtOnce) {
-    for (const std::int32_t type : {31, 32}) {
+    for (const std::int32_t type : {NEBSourceControlRequestListRemoteBranches,
+                                    NEBSourceControlRequestListRemoteBranchesSecondForm}) {
         EXPECT_TRUE(
             controller.validateRequest(*requestWithReachability(type, false, false), nullptr));
     }
 }
 
 TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
-    for (const std::int32_t type : {13, 25, 29, 33, 37}) {
+    for (const std::int32_t type :
+         {NEBSourceControlRequestUpdate, NEBSourceControlRequestListBranches,
+          NEBSourceControlRequestClone, NEBSourceControlRequestPush,
+          NEBSourceControlRequestFetch}) {
         EXPECT_TRUE(
             controller.validateRequest(*requestWithReachability(type, true, true), nullptr));
         for (const auto& [tree, repository] : {std::pair{true, false}, {false, true}}) {
@@ -74,10 +81,10 @@ TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
 }
 
 TEST(Validation, AnAbsentTreeIsNotReachable) {
-    auto request = requestWithReachability(13, true, true);
+    auto request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
     request->repositoryToAuthenticate = nullptr;
     EXPECT_FALSE(controller.validateRequest(*request, nullptr));
-    request = requestWithReachability(13, true, true);
+    request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
     request->sourceTree = nullptr;
     std::optional<NEBSourceControlError> error;
     EXPECT_FALSE(controller.validateRequest(*request, &error));
@@ -151,49 +158,51 @@ const std::string startingRevision = "request.startingRevision";
 TEST(Preconditions, OfEachTypeAreReportedInTheirOrderForAnEmptyRequest) {
     const std::vector<std::pair<std::int32_t, std::vector<Report>>> expected{
         {-1, {}},
-        {0, {}},
-        {1, {plain(107, destination)}},
-        {2, {plain(107, destination)}},
-        {3, {}},
-        {4, {}},
-        {5, {plain(136, someFiles)}},
-        {6, {plain(140, someFiles)}},
-        {7, {plain(146, someFiles)}},
-        {8, {plain(212, destination)}},
-        {9, {plain(132, destination)}},
-        {10, {plain(206, someFiles), plain(207, destination)}},
-        {11, {plain(217, someFiles), plain(218, destination)}},
+        {NEBSourceControlRequestAdd, {}},
+        {NEBSourceControlRequestCreateBranch, {plain(107, destination)}},
+        {NEBSourceControlRequestDeleteBranch, {plain(107, destination)}},
+        {NEBSourceControlRequestCommit, {}},
+        {NEBSourceControlRequestIgnore, {}},
+        {NEBSourceControlRequestRemove, {plain(136, someFiles)}},
+        {NEBSourceControlRequestAddFiles, {plain(140, someFiles)}},
+        {NEBSourceControlRequestRevert, {plain(146, someFiles)}},
+        {NEBSourceControlRequestMakeDirectory, {plain(212, destination)}},
+        {NEBSourceControlRequestMerge, {plain(132, destination)}},
+        {NEBSourceControlRequestCopy, {plain(206, someFiles), plain(207, destination)}},
+        {NEBSourceControlRequestMove, {plain(217, someFiles), plain(218, destination)}},
         {12, {}},
-        {13, {}},
-        {14, {plain(154, destination)}},
-        {15, {}},
+        {NEBSourceControlRequestUpdate, {}},
+        {NEBSourceControlRequestCheckout, {plain(154, destination)}},
+        {NEBSourceControlRequestStatus, {}},
         {16, {}},
-        {17, {plain(71, someFiles)}},
-        {18, {}},
-        {19, {}},
-        {20, {plain(66, someFiles), plain(67, startingRevision)}},
-        {21, {plain(166, startingRevision)}},
-        {22, {plain(78, destination), plain(79, startingRevision)}},
+        {NEBSourceControlRequestList, {plain(71, someFiles)}},
+        {NEBSourceControlRequestLog, {}},
+        {NEBSourceControlRequestInfo, {}},
+        {NEBSourceControlRequestExportFiles, {plain(66, someFiles), plain(67, startingRevision)}},
+        {NEBSourceControlRequestExport, {plain(166, startingRevision)}},
+        {NEBSourceControlRequestExportTree, {plain(78, destination), plain(79, startingRevision)}},
         {23, {}},
-        {24, {}},
-        {25, {}},
-        {26, {}},
+        {NEBSourceControlRequestListRemotes, {}},
+        {NEBSourceControlRequestListBranches, {}},
+        {NEBSourceControlRequestCurrentBranch, {}},
         {27,
          {plain(57,
                 "request.sourceTree || [request.options "
                 "objectForKey:NEBSourceControlRequestOptionRepositoryPath]")}},
-        {28, {plain(101, oneFile)}},
-        {29, {plain(61, destination), plain(62, "request.sourceTree.location")}},
-        {30, {}},
-        {31, {}},
-        {32, {}},
-        {33, {notNil(83)}},
-        {34, {plain(188, destination), plain(189, oneFile)}},
-        {35, {isNil(194, destination)}},
-        {36, {isNil(199, destination), isNil(200, remoteNameOption), isNil(201, branchOption)}},
-        {37, {notNil(87), isNil(91, remoteNameOption)}},
-        {38, {plain(183, branchOption)}},
-        {39, {}},
+        {NEBSourceControlRequestBlame, {plain(101, oneFile)}},
+        {NEBSourceControlRequestClone,
+         {plain(61, destination), plain(62, "request.sourceTree.location")}},
+        {NEBSourceControlRequestDiff, {}},
+        {NEBSourceControlRequestListRemoteBranches, {}},
+        {NEBSourceControlRequestListRemoteBranchesSecondForm, {}},
+        {NEBSourceControlRequestPush, {notNil(83)}},
+        {NEBSourceControlRequestAddRemote, {plain(188, destination), plain(189, oneFile)}},
+        {NEBSourceControlRequestRemoveRemote, {isNil(194, destination)}},
+        {NEBSourceControlRequestTrackRemoteBranch,
+         {isNil(199, destination), isNil(200, remoteNameOption), isNil(201, branchOption)}},
+        {NEBSourceControlRequestFetch, {notNil(87), isNil(91, remoteNameOption)}},
+        {NEBSourceControlRequestTrackingBranchName, {plain(183, branchOption)}},
+        {NEBSourceControlRequestMergeBase, {}},
         {40, {}},
     };
     ASSERT_EQ(expected.size(), 42U);
@@ -221,21 +230,25 @@ TEST(Preconditions, ThatHoldAreNotReported) {
 }
 
 TEST(Preconditions, OneFileMeansNoMore) {
-    EXPECT_EQ(reportsFor(fullRequest(28, 2)), std::vector{plain(101, oneFile)});
-    EXPECT_EQ(reportsFor(fullRequest(34, 2)), std::vector{plain(189, oneFile)});
-    EXPECT_EQ(reportsFor(fullRequest(20, 2)), std::vector<Report>{});
-    EXPECT_EQ(reportsFor(fullRequest(17, 0)), std::vector{plain(71, someFiles)})
+    EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestBlame, 2)),
+              std::vector{plain(101, oneFile)});
+    EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestAddRemote, 2)),
+              std::vector{plain(189, oneFile)});
+    EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestExportFiles, 2)),
+              std::vector<Report>{});
+    EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestList, 0)),
+              std::vector{plain(71, someFiles)})
         << "an empty list is no files";
 }
 
 TEST(Preconditions, ANonEmptyStringIsAbsentOfAnotherKindOrEmpty) {
-    auto request = fullRequest(35, 1);
+    auto request = fullRequest(NEBSourceControlRequestRemoveRemote, 1);
     request->destination = 7;
     EXPECT_EQ(reportsFor(request), std::vector{isNoString(194, destination, "7")});
     request->destination = "";
     EXPECT_EQ(reportsFor(request), std::vector{isEmpty(194, destination)});
 
-    request = fullRequest(36, 1);
+    request = fullRequest(NEBSourceControlRequestTrackRemoteBranch, 1);
     request->destination = 5;
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""},
                                      {NEBSourceControlRequestOptionBranch, true}};
@@ -250,7 +263,7 @@ TEST(Preconditions, ANonEmptyStringIsAbsentOfAnotherKindOrEmpty) {
 }
 
 TEST(Preconditions, AFetchOverTheBridgeNeedsNoRemoteName) {
-    auto request = fullRequest(37, 0);
+    auto request = fullRequest(NEBSourceControlRequestFetch, 0);
     request->options = std::nullopt;
     EXPECT_EQ(reportsFor(request), std::vector{isNil(91, remoteNameOption)});
     request->remote->representsGitSVNBridge = true;
@@ -263,20 +276,21 @@ TEST(Preconditions, AFetchOverTheBridgeNeedsNoRemoteName) {
 }
 
 TEST(Preconditions, ANewRepositoryNeedsATreeOrAPath) {
-    auto request = emptyRequest(27);
+    auto request = emptyRequest(NEBSourceControlRequestCreateRepository);
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r.git"}};
     EXPECT_EQ(reportsFor(request), std::vector<Report>{});
-    EXPECT_EQ(reportsFor(requestFor(27, std::nullopt)), std::vector<Report>{});
+    EXPECT_EQ(reportsFor(requestFor(NEBSourceControlRequestCreateRepository, std::nullopt)),
+              std::vector<Report>{});
 }
 
 TEST(Preconditions, ACloneNeedsTheLocationOfItsSource) {
-    auto request = fullRequest(29, 0);
+    auto request = fullRequest(NEBSourceControlRequestClone, 0);
     request->sourceTree->location.reset();
     EXPECT_EQ(reportsFor(request), std::vector{plain(62, "request.sourceTree.location")});
 }
 
 TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
-    auto request = emptyRequest(14);
+    auto request = emptyRequest(NEBSourceControlRequestCheckout);
     request->destination = 0;
     EXPECT_EQ(reportsFor(request), std::vector<Report>{});
 }
@@ -285,43 +299,43 @@ TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
 
 TEST(Dispatch, MakesTheClassOfTheType) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {0, "GitAddOperation"},
-        {1, "GitBranchOperation"},
-        {2, "GitBranchOperation"},
-        {3, "GitCommitOperation"},
-        {4, "GitIgnoreOperation"},
-        {5, "GitRemoveOperation"},
-        {6, "GitAddOperation"},
-        {7, "GitCheckoutOperation"},
-        {8, "GitMakeDirectoryOperation"},
-        {9, "GitMergeOperation"},
-        {10, "GitCopyOperation"},
-        {11, "GitMoveOperation"},
-        {13, "GitUpdateOperation"},
-        {14, "GitCheckoutOperation"},
-        {15, "GitStatusOperation"},
-        {17, "GitListOperation"},
-        {18, "GitLogOperation"},
-        {19, "GitInfoOperation"},
-        {20, "GitExportFileOperation"},
-        {21, "GitExportFileOperation"},
-        {22, "GitExportTreeOperation"},
-        {24, "GitListRemotesOperation"},
-        {25, "GitListBranchesOperation"},
-        {26, "GitCurrentBranchOperation"},
-        {27, "GitCreateRepositoryOperation"},
-        {28, "GitBlameOperation"},
-        {29, "GitCloneOperation"},
-        {30, "GitDiffOperation"},
-        {31, "GitListRemoteBranchesOperation"},
-        {32, "GitListRemoteBranchesOperation"},
-        {33, "GitPushOperation"},
-        {34, "GitAddRemoteOperation"},
-        {35, "GitRemoveRemoteOperation"},
-        {36, "GitTrackRemoteBranchOperation"},
-        {37, "GitFetchOperation"},
-        {38, "GitTrackingBranchNameOperation"},
-        {39, "GitMergeBaseOperation"},
+        {NEBSourceControlRequestAdd, "GitAddOperation"},
+        {NEBSourceControlRequestCreateBranch, "GitBranchOperation"},
+        {NEBSourceControlRequestDeleteBranch, "GitBranchOperation"},
+        {NEBSourceControlRequestCommit, "GitCommitOperation"},
+        {NEBSourceControlRequestIgnore, "GitIgnoreOperation"},
+        {NEBSourceControlRequestRemove, "GitRemoveOperation"},
+        {NEBSourceControlRequestAddFiles, "GitAddOperation"},
+        {NEBSourceControlRequestRevert, "GitCheckoutOperation"},
+        {NEBSourceControlRequestMakeDirectory, "GitMakeDirectoryOperation"},
+        {NEBSourceControlRequestMerge, "GitMergeOperation"},
+        {NEBSourceControlRequestCopy, "GitCopyOperation"},
+        {NEBSourceControlRequestMove, "GitMoveOperation"},
+        {NEBSourceControlRequestUpdate, "GitUpdateOperation"},
+        {NEBSourceControlRequestCheckout, "GitCheckoutOperation"},
+        {NEBSourceControlRequestStatus, "GitStatusOperation"},
+        {NEBSourceControlRequestList, "GitListOperation"},
+        {NEBSourceControlRequestLog, "GitLogOperation"},
+        {NEBSourceControlRequestInfo, "GitInfoOperation"},
+        {NEBSourceControlRequestExportFiles, "GitExportFileOperation"},
+        {NEBSourceControlRequestExport, "GitExportFileOperation"},
+        {NEBSourceControlRequestExportTree, "GitExportTreeOperation"},
+        {NEBSourceControlRequestListRemotes, "GitListRemotesOperation"},
+        {NEBSourceControlRequestListBranches, "GitListBranchesOperation"},
+        {NEBSourceControlRequestCurrentBranch, "GitCurrentBranchOperation"},
+        {NEBSourceControlRequestCreateRepository, "GitCreateRepositoryOperation"},
+        {NEBSourceControlRequestBlame, "GitBlameOperation"},
+        {NEBSourceControlRequestClone, "GitCloneOperation"},
+        {NEBSourceControlRequestDiff, "GitDiffOperation"},
+        {NEBSourceControlRequestListRemoteBranches, "GitListRemoteBranchesOperation"},
+        {NEBSourceControlRequestListRemoteBranchesSecondForm, "GitListRemoteBranchesOperation"},
+        {NEBSourceControlRequestPush, "GitPushOperation"},
+        {NEBSourceControlRequestAddRemote, "GitAddRemoteOperation"},
+        {NEBSourceControlRequestRemoveRemote, "GitRemoveRemoteOperation"},
+        {NEBSourceControlRequestTrackRemoteBranch, "GitTrackRemoteBranchOperation"},
+        {NEBSourceControlRequestFetch, "GitFetchOperation"},
+        {NEBSourceControlRequestTrackingBranchName, "GitTrackingBranchNameOperation"},
+        {NEBSourceControlRequestMergeBase, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
         const auto request = requestFor(type, "/w");
@@ -345,7 +359,8 @@ TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
 TEST(Dispatch, BranchesOfARepositoryElsewhereAreListedThere) {
     const auto classFor = [](std::shared_ptr<NEBSourceControlSourceTree> tree) {
         return controller
-            .operationForRequest(NEBSourceControlRequest::initWithType(25, std::move(tree), {}, {}))
+            .operationForRequest(NEBSourceControlRequest::initWithType(
+                NEBSourceControlRequestListBranches, std::move(tree), {}, {}))
             ->className();
     };
     auto elsewhere = std::make_shared<NEBSourceControlRepository>();
@@ -358,7 +373,7 @@ TEST(Dispatch, BranchesOfARepositoryElsewhereAreListedThere) {
 }
 
 TEST(Dispatch, AFetchOverTheBridgeHasAClassOfItsOwn) {
-    auto request = fullRequest(37, 0);
+    auto request = fullRequest(NEBSourceControlRequestFetch, 0);
     EXPECT_EQ(controller.operationForRequest(request)->className(), "GitFetchOperation");
     request->remote->representsGitSVNBridge = true;
     EXPECT_EQ(controller.operationForRequest(request)->className(), "GitSvnFetchOperation");
@@ -370,30 +385,30 @@ TEST(Dispatch, AFetchOverTheBridgeHasAClassOfItsOwn) {
 /// A broken precondition is reported and stops nothing.
 TEST(Dispatch, ARequestThatLacksWhatItNeedsYieldsAnOperationAllTheSame) {
     const std::pair<std::int32_t, const char*> classes[] = {
-        {1, "GitBranchOperation"},
-        {2, "GitBranchOperation"},
-        {5, "GitRemoveOperation"},
-        {6, "GitAddOperation"},
-        {7, "GitCheckoutOperation"},
-        {8, "GitMakeDirectoryOperation"},
-        {9, "GitMergeOperation"},
-        {10, "GitCopyOperation"},
-        {11, "GitMoveOperation"},
-        {14, "GitCheckoutOperation"},
-        {17, "GitListOperation"},
-        {20, "GitExportFileOperation"},
-        {21, "GitExportFileOperation"},
-        {22, "GitExportTreeOperation"},
-        {27, "GitCreateRepositoryOperation"},
-        {28, "GitBlameOperation"},
-        {29, "GitCloneOperation"},
-        {33, "GitPushOperation"},
-        {34, "GitAddRemoteOperation"},
-        {35, "GitRemoveRemoteOperation"},
-        {36, "GitTrackRemoteBranchOperation"},
-        {37, "GitFetchOperation"},
-        {38, "GitTrackingBranchNameOperation"},
-        {39, "GitMergeBaseOperation"},
+        {NEBSourceControlRequestCreateBranch, "GitBranchOperation"},
+        {NEBSourceControlRequestDeleteBranch, "GitBranchOperation"},
+        {NEBSourceControlRequestRemove, "GitRemoveOperation"},
+        {NEBSourceControlRequestAddFiles, "GitAddOperation"},
+        {NEBSourceControlRequestRevert, "GitCheckoutOperation"},
+        {NEBSourceControlRequestMakeDirectory, "GitMakeDirectoryOperation"},
+        {NEBSourceControlRequestMerge, "GitMergeOperation"},
+        {NEBSourceControlRequestCopy, "GitCopyOperation"},
+        {NEBSourceControlRequestMove, "GitMoveOperation"},
+        {NEBSourceControlRequestCheckout, "GitCheckoutOperation"},
+        {NEBSourceControlRequestList, "GitListOperation"},
+        {NEBSourceControlRequestExportFiles, "GitExportFileOperation"},
+        {NEBSourceControlRequestExport, "GitExportFileOperation"},
+        {NEBSourceControlRequestExportTree, "GitExportTreeOperation"},
+        {NEBSourceControlRequestCreateRepository, "GitCreateRepositoryOperation"},
+        {NEBSourceControlRequestBlame, "GitBlameOperation"},
+        {NEBSourceControlRequestClone, "GitCloneOperation"},
+        {NEBSourceControlRequestPush, "GitPushOperation"},
+        {NEBSourceControlRequestAddRemote, "GitAddRemoteOperation"},
+        {NEBSourceControlRequestRemoveRemote, "GitRemoveRemoteOperation"},
+        {NEBSourceControlRequestTrackRemoteBranch, "GitTrackRemoteBranchOperation"},
+        {NEBSourceControlRequestFetch, "GitFetchOperation"},
+        {NEBSourceControlRequestTrackingBranchName, "GitTrackingBranchNameOperation"},
+        {NEBSourceControlRequestMergeBase, "GitMergeBaseOperation"},
     };
     for (const auto& [type, name] : classes) {
         const ReportCollector collector;
@@ -425,7 +440,8 @@ TEST(Dispatch, WhatIsThrownIsTheErrorOfTheOperation) {
 }
 
 TEST(Ignore, CompletesWithNeitherResultNorError) {
-    const auto operation = controller.operationForRequest(requestFor(4, "/no/such/folder"));
+    const auto operation = controller.operationForRequest(
+        requestFor(NEBSourceControlRequestIgnore, "/no/such/folder"));
     operation->start();
     EXPECT_TRUE(operation->isFinished());
     EXPECT_EQ(operation->result(), std::nullopt);

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -120,7 +121,8 @@ TEST_F(HostFaults, AClockThatJumpsChangesNothing) {
     // A process that is left behind makes every waiting of ours with a time limit run.
     const StandInGit git(repository.path(), "date >'" + repository.path("../date") +
                                                 "'\nsleep 3 &\nPATH=/usr/bin:/bin exec git \"$@\"");
-    const JSON request{{"type", 18}, {"sourceTree", {{"location", repository.path()}}}};
+    const JSON request{{"type", NEBSourceControlRequestLog},
+                       {"sourceTree", {{"location", repository.path()}}}};
     const NebscOutcome outcome =
         runRequest(request.dump(), {.variables = {git.path(), {"LD_PRELOAD", clock}}});
     EXPECT_EQ(outcome.exitStatus, 0) << outcome.errors;

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/Text.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -85,7 +86,8 @@ JSON requestHolding(int type, const std::string& location, const std::string& te
     JSON options;
     for (const char* option : {"RepositoryPath", "WorkingCopyPath", "Branch", "RemoteName",
                                "SourceLocation", "Message"}) {
-        if (type != 27 || std::string(option) != "RepositoryPath") {
+        if (type != NEBSourceControlRequestCreateRepository ||
+            std::string(option) != "RepositoryPath") {
             options[std::string("NEBSourceControlRequestOption") + option] = text;
         }
     }
@@ -101,7 +103,7 @@ JSON requestHolding(int type, const std::string& location, const std::string& te
                  {"endingRevision", text},
                  {"remote", {{"representsGitSVNBridge", false}}},
                  {"options", options}};
-    if (type == 29) {
+    if (type == NEBSourceControlRequestClone) {
         request["destination"] = location + "/clone";
         request["sourceTree"] = {
             {"class", "NEBSourceControlRepository"},
@@ -158,7 +160,9 @@ TEST_F(HostileInput, ThroughTheServerRunsNothing) {
 
 TEST_F(HostileInput, ThroughRequestsRunsNothing) {
     for (const std::string& text : hostileTexts()) {
-        for (const int type : {0, 3, 17, 28, 31}) {
+        for (const std::int32_t type : {NEBSourceControlRequestAdd, NEBSourceControlRequestCommit,
+                                        NEBSourceControlRequestList, NEBSourceControlRequestBlame,
+                                        NEBSourceControlRequestListRemoteBranches}) {
             const NebscOutcome outcome =
                 runRequest(requestHolding(type, repository.path(), text).dump(),
                            {.folder = repository.path(), .variables = {evil.path()}});
@@ -253,7 +257,8 @@ TEST_F(HostileInput, AuthorsMessagesAndBranchesComeOutAsTheyAre) {
           std::string(4000, 'n')}) {
         repository.git(
             {"-c", "user.name=" + text, "commit", "--quiet", "--allow-empty", "-m", text});
-        const JSON request{{"type", 18}, {"sourceTree", {{"location", repository.path()}}}};
+        const JSON request{{"type", NEBSourceControlRequestLog},
+                           {"sourceTree", {{"location", repository.path()}}}};
         const JSON outcome = runRequest(request.dump(), {.variables = {evil.path()}}).json();
         EXPECT_EQ(outcome["result"][0]["NEBSourceControlOperationMessageKey"], text);
         EXPECT_EQ(outcome["error"], nullptr);
@@ -261,7 +266,7 @@ TEST_F(HostileInput, AuthorsMessagesAndBranchesComeOutAsTheyAre) {
     repository.git({"update-ref", "refs/heads/-evil", "HEAD"});
     repository.git({"update-ref", "refs/heads/$(evil)", "HEAD"});
     repository.git({"update-ref", "refs/heads/--upload-pack=evil", "HEAD"});
-    const JSON request{{"type", 25},
+    const JSON request{{"type", NEBSourceControlRequestListBranches},
                        {"sourceTree", {{"location", repository.path()}}},
                        {"repositoryToAuthenticate", {{"class", "NEBSourceControlRepository"}}}};
     const JSON outcome = runRequest(request.dump(), {.variables = {evil.path()}}).json();
@@ -279,12 +284,13 @@ TEST_F(HostileInput, BytesThatAreNoTextAreReplacedAndJSONStaysJSON) {
     repository.write("d/" + name, "1\n");
     repository.git({"add", "--all"});
     repository.git({"-c", "i18n.commitEncoding=none", "commit", "--quiet", "-m", "m\xff"});
-    for (const int type : {15, 18, 17, 30}) {
+    for (const std::int32_t type : {NEBSourceControlRequestStatus, NEBSourceControlRequestLog,
+                                    NEBSourceControlRequestList, NEBSourceControlRequestDiff}) {
         JSON request{{"type", type}, {"sourceTree", {{"location", repository.path()}}}};
-        if (type == 30) {
+        if (type == NEBSourceControlRequestDiff) {
             request["startingRevision"] = "HEAD~1";
         }
-        if (type == 17) {
+        if (type == NEBSourceControlRequestList) {
             request["files"] = {"d"};
         }
         const NebscOutcome outcome = runRequest(request.dump());
@@ -368,7 +374,7 @@ TEST_F(Secrets, OfAURLAreInNoErrorText) {
     for (const std::string& url : urls) {
         SCOPED_TRACE(url);
         const JSON clone{
-            {"type", 29},
+            {"type", NEBSourceControlRequestClone},
             {"sourceTree", {{"class", "NEBSourceControlRepository"}, {"location", url}}},
             {"repositoryToAuthenticate", {{"class", "NEBSourceControlRepository"}}},
             {"destination", folder.path("clone")}};

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -51,7 +52,8 @@ TEST_F(MissingServices, WithoutAThreadCommandsAndRequestsDoTheirWork) {
                  {.folder = repository.path(), .variables = {noThreads}});
     EXPECT_THAT(completion.output, testing::HasSubstr("main\t"));
     EXPECT_EQ(completion.exitStatus, 0) << completion.errors;
-    for (const int type : {18, 24}) {
+    for (const std::int32_t type :
+         {NEBSourceControlRequestLog, NEBSourceControlRequestListRemotes}) {
         const JSON request{{"type", type}, {"sourceTree", {{"location", repository.path()}}}};
         const NebscOutcome outcome = runRequest(request.dump(), {.variables = {noThreads}});
         EXPECT_EQ(outcome.exitStatus, 0) << outcome.output << outcome.errors;
@@ -64,8 +66,9 @@ TEST_F(MissingServices, WithoutAThreadTheServerAnswers) {
     }
     ServerClient client({preloaded("NoThreads")});
     EXPECT_EQ(client.initialize()["result"]["serverInfo"]["name"], "nebsc");
-    client.send(1, "sourceControl/perform",
-                {{"type", 18}, {"sourceTree", {{"location", repository.path()}}}});
+    client.send(
+        1, "sourceControl/perform",
+        {{"type", NEBSourceControlRequestLog}, {"sourceTree", {{"location", repository.path()}}}});
     EXPECT_EQ(client.answerTo(1)["result"]["result"].size(), 1U);
     client.send(2, "shutdown");
     EXPECT_EQ(client.answerTo(2)["result"], nullptr);

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -45,7 +46,11 @@ protected:
 
 TEST_F(ProgramFaults, AMissingGitIsNamed) {
     const TestRepository repository;
-    for (const int type : {15, 18, 26, 24, 19, 38, 17}) {
+    for (const std::int32_t type :
+         {NEBSourceControlRequestStatus, NEBSourceControlRequestLog,
+          NEBSourceControlRequestCurrentBranch, NEBSourceControlRequestListRemotes,
+          NEBSourceControlRequestInfo, NEBSourceControlRequestTrackingBranchName,
+          NEBSourceControlRequestList}) {
         const auto outcome =
             withoutPrograms("", {"request"}, {.input = requestAbout(type, repository.path())});
         if (!outcome) {
@@ -55,9 +60,10 @@ TEST_F(ProgramFaults, AMissingGitIsNamed) {
         const JSON json = outcome->json();
         EXPECT_EQ(json["error"]["class"], "not-started") << type;
         // A listing is the shell's, which is not there either.
-        EXPECT_THAT(json["error"]["localizedDescription"].get<std::string>(),
-                    AllOf(HasSubstr(type == 17 ? "/bin/sh\"" : "/usr/bin/git\""),
-                          HasSubstr("No such file or directory")))
+        EXPECT_THAT(
+            json["error"]["localizedDescription"].get<std::string>(),
+            AllOf(HasSubstr(type == NEBSourceControlRequestList ? "/bin/sh\"" : "/usr/bin/git\""),
+                  HasSubstr("No such file or directory")))
             << type;
         EXPECT_TRUE(json["commands"].empty()) << type;
     }
@@ -79,8 +85,9 @@ TEST_F(ProgramFaults, AMissingGitIsToldByCommands) {
 
 TEST_F(ProgramFaults, AGitThatIsNotExecutableIsNotRun) {
     const TestRepository repository;
-    const auto outcome = withoutPrograms("echo 'echo no program' >/usr/bin/git", {"request"},
-                                         {.input = requestAbout(15, repository.path())});
+    const auto outcome =
+        withoutPrograms("echo 'echo no program' >/usr/bin/git", {"request"},
+                        {.input = requestAbout(NEBSourceControlRequestStatus, repository.path())});
     if (!outcome) {
         GTEST_SKIP() << "no file system can be mounted here";
     }
@@ -94,7 +101,7 @@ TEST_F(ProgramFaults, AGitThatIsNotExecutableIsPassedOver) {
     const TemporaryFolder folder;
     folder.write("git", "#!/bin/sh\ntouch '" + folder.path("ran") + "'\n");
     const NebscOutcome outcome =
-        runRequest(requestAbout(15, repository.path()),
+        runRequest(requestAbout(NEBSourceControlRequestStatus, repository.path()),
                    {.variables = {{"PATH", folder.path() + ":/usr/bin:/bin"}}});
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_FALSE(fs::exists(folder.path("ran")));
@@ -106,9 +113,9 @@ TEST_F(ProgramFaults, AGitOfAnotherMachineIsNamed) {
     folder.writeProgram("git",
                         "\x7f"
                         "ELF, but not of here");
-    const JSON outcome =
-        runRequest(requestAbout(15, repository.path()), {.variables = {{"PATH", folder.path()}}})
-            .json();
+    const JSON outcome = runRequest(requestAbout(NEBSourceControlRequestStatus, repository.path()),
+                                    {.variables = {{"PATH", folder.path()}}})
+                             .json();
     EXPECT_EQ(outcome["error"]["class"], "not-started");
     EXPECT_THAT(outcome["error"]["localizedDescription"].get<std::string>(),
                 HasSubstr("Exec format error"));
@@ -118,7 +125,8 @@ TEST_F(ProgramFaults, AGitThatIsKilledMidwayIsAnErrorWhateverCameBefore) {
     const TestRepository repository;
     repository.commitFile("a", "1\n", "First");
     const StandInGit git(repository.path(), "PATH=/usr/bin:/bin git \"$@\"\nkill -9 $$");
-    for (const int type : {15, 18, 26}) {
+    for (const std::int32_t type : {NEBSourceControlRequestStatus, NEBSourceControlRequestLog,
+                                    NEBSourceControlRequestCurrentBranch}) {
         const JSON request{{"type", type}, {"sourceTree", {{"location", repository.path()}}}};
         const NebscOutcome outcome = runRequest(request.dump(), {.variables = {git.path()}});
         EXPECT_EQ(outcome.exitStatus, 1);
@@ -135,7 +143,8 @@ TEST_F(ProgramFaults, AFolderThatIsReplacedIsTheOneThatGitWasStartedIn) {
     const StandInGit git(repository.path(), "mv '" + repository.path() + "' '" + repository.path() +
                                                 ".old'\ntouch '" + repository.path() +
                                                 "'\nPATH=/usr/bin:/bin exec git \"$@\"");
-    const JSON request{{"type", 18}, {"sourceTree", {{"location", repository.path()}}}};
+    const JSON request{{"type", NEBSourceControlRequestLog},
+                       {"sourceTree", {{"location", repository.path()}}}};
     const JSON first = runRequest(request.dump(), {.variables = {git.path()}}).json();
     EXPECT_EQ(first["error"], nullptr);
     EXPECT_EQ(first["result"].size(), 1U);

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -74,7 +75,8 @@ TEST_F(ResourceFaults, WithoutAThreadAndAProcessACompositeFailsAndDoesNotHang) {
 TEST_F(ResourceFaults, WithoutDescriptorsEachNumberIsAnOutcomeOrAnError) {
     const TestRepository repository;
     repository.commitFile("a", "1\n");
-    const JSON request{{"type", 24}, {"sourceTree", {{"location", repository.path()}}}};
+    const JSON request{{"type", NEBSourceControlRequestListRemotes},
+                       {"sourceTree", {{"location", repository.path()}}}};
     const TemporaryFolder folder;
     const std::string input = folder.write("request", request.dump());
     bool hasFailed = false;
@@ -102,7 +104,8 @@ TEST_F(ResourceFaults, WithoutMemoryEachAmountIsAnOutcomeOrAnError) {
     }
     const TestRepository repository;
     const StandInGit git(repository.path(), "head -c 20000000 /dev/zero | tr '\\0' x");
-    const JSON request{{"type", 30}, {"sourceTree", {{"location", repository.path()}}}};
+    const JSON request{{"type", NEBSourceControlRequestDiff},
+                       {"sourceTree", {{"location", repository.path()}}}};
     const TemporaryFolder folder;
     const std::string input = folder.write("request", request.dump());
     bool hasFailedForMemory = false;
@@ -137,7 +140,8 @@ TEST_F(ResourceFaults, WithoutMemoryForEachOfManyRecordsThereIsAnOutcome) {
         repository.path(),
         "yes '%0123456789ab@Ann@ann.example@1500000000@A message^' | head -n 20000 | "
         "tr -d '\\n' | tr '%@^' '\\000\\n\\001'");
-    const JSON request{{"type", 18}, {"sourceTree", {{"location", repository.path()}}}};
+    const JSON request{{"type", NEBSourceControlRequestLog},
+                       {"sourceTree", {{"location", repository.path()}}}};
     const TemporaryFolder folder;
     const std::string input = folder.write("request", request.dump());
     bool hasFailedForMemory = false;

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/TemporaryFolder.h"
 #include "nebsc/Server/ServerClient.h"
@@ -57,7 +58,7 @@ TEST_F(ServerFaults, AMessageOfManySmallValuesTakesBoundedMemory) {
         EXPECT_EQ(error["code"], -32600);
         EXPECT_EQ(error["message"], "The request has more than 250000 values.");
     }
-    client.send(2, "sourceControl/plan", {{"type", 15}});
+    client.send(2, "sourceControl/plan", {{"type", NEBSourceControlRequestStatus}});
     EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
 }
 
@@ -72,7 +73,8 @@ public:
         return {"PATH", _folder.path() + ":/usr/bin:/bin"};
     }
     [[nodiscard]] JSON request() const {
-        return {{"type", 0}, {"sourceTree", {{"location", _folder.path()}}}};
+        return {{"type", NEBSourceControlRequestAdd},
+                {"sourceTree", {{"location", _folder.path()}}}};
     }
     [[nodiscard]] pid_t process() const {
         pid_t process = 0;
@@ -109,7 +111,7 @@ TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunni
         const pid_t process = work.process();
         ASSERT_GT(process, 0);
         client.sendMessage(message);
-        client.send("next", "sourceControl/plan", {{"type", 15}});
+        client.send("next", "sourceControl/plan", {{"type", NEBSourceControlRequestStatus}});
         const JSON answer = client.answerTo("next");
         if (!answer.is_null()) {
             wentOn = true;
@@ -146,15 +148,16 @@ TEST_F(ServerFaults, WithoutMemoryForARecordTheRequestFailsAndTheServerGoesOn) {
         ServerClient client({{"PATH", folder.path() + ":/usr/bin:/bin"}, {"MALLOC_ARENA_MAX", "1"}},
                             withAddressSpaceOf(megabytes * million));
         client.initialize();
-        client.send(1, "sourceControl/perform",
-                    {{"type", 18}, {"sourceTree", {{"location", folder.path()}}}});
+        client.send(
+            1, "sourceControl/perform",
+            {{"type", NEBSourceControlRequestLog}, {"sourceTree", {{"location", folder.path()}}}});
         const JSON answer = client.answerTo(1);
         ASSERT_FALSE(answer.is_null());
         if (answer.contains("result") && !answer["result"]["error"].is_null()) {
             EXPECT_EQ(answer["result"]["error"]["class"], "out-of-memory");
             hasFailedForMemory = true;
         }
-        client.send(2, "sourceControl/plan", {{"type", 15}});
+        client.send(2, "sourceControl/plan", {{"type", NEBSourceControlRequestStatus}});
         EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
         client.send({}, "exit");
         EXPECT_EQ(client.exitStatus(), 1) << "ended by a signal";

@@ -10,6 +10,7 @@
 #include "LOMFoundation/LOMAssertion.h"
 #include "NEBFoundation/NEBSourceControlError.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 
 namespace neb {
 

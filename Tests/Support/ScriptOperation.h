@@ -43,7 +43,8 @@ public:
 };
 
 inline std::shared_ptr<ScriptOperation> script(std::string text) {
-    return std::make_shared<ScriptOperation>(std::move(text), requestFor(18, std::nullopt));
+    return std::make_shared<ScriptOperation>(std::move(text),
+                                             requestFor(NEBSourceControlRequestLog, std::nullopt));
 }
 
 }  // namespace neb::test

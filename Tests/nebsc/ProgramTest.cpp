@@ -10,6 +10,7 @@
 #include "CommandLine/CommandLine.h"
 #include "CommandLine/GitNames.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/TestRepository.h"
 #include "nebsc/CommandTest.h"
 #include "nebsc/NebscRun.h"
@@ -261,7 +262,7 @@ TEST(Program, ColoursAreThereWhenTheyAreAskedFor) {
     const NebscOutcome json =
         runNebsc({"--color=always", "status", "--json"}, {.folder = repository.path()});
     EXPECT_EQ(json.output.find('\x1b'), std::string::npos);
-    EXPECT_EQ(json.json()["type"], 15);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestStatus);
 }
 
 TEST(Program, AMistakeIsNamedInOneLine) {

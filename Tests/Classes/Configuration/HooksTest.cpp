@@ -9,6 +9,7 @@
 #include "Classes/Configuration/World.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 
@@ -33,7 +34,7 @@ void PrintTo(const HookCase& hookCase, std::ostream* stream) {
 }
 
 std::shared_ptr<NEBSourceControlRequest> commitRequest(const World& world) {
-    auto request = requestFor(3, world.repository());
+    auto request = requestFor(NEBSourceControlRequestCommit, world.repository());
     request->options = NEBDictionary{{NEBSourceControlRequestOptionMessage, "by hand"}};
     return request;
 }
@@ -51,12 +52,12 @@ std::shared_ptr<NEBSourceControlRequest> exchangeRequest(const World& world, std
 std::vector<HookCase> hookCases() {
     const std::string staged = "printf 'é\\n' >>é.txt; git mv old.c renamed.c; git add -A";
     const auto checkOut = [](const World& world) {
-        auto request = requestFor(14, world.repository());
+        auto request = requestFor(NEBSourceControlRequestCheckout, world.repository());
         request->destination = "topic";
         return request;
     };
     const auto merge = [](const World& world) {
-        auto request = requestFor(9, world.repository());
+        auto request = requestFor(NEBSourceControlRequestMerge, world.repository());
         request->destination = "topic";
         return request;
     };
@@ -64,7 +65,7 @@ std::vector<HookCase> hookCases() {
     const auto pull = [](const World& world) { return exchangeRequest(world, 13); };
     const auto fetch = [](const World& world) { return exchangeRequest(world, 37); };
     const auto createBranch = [](const World& world) {
-        auto request = requestFor(1, world.repository());
+        auto request = requestFor(NEBSourceControlRequestCreateBranch, world.repository());
         request->destination = "made";
         return request;
     };

@@ -9,6 +9,7 @@
 
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -202,26 +203,26 @@ private:
 };
 
 TEST_P(Names, AddStagesTheFile) {
-    resultOf(request(6, {path()}));
+    resultOf(request(NEBSourceControlRequestAddFiles, {path()}));
     EXPECT_THAT(staged(), ElementsAre(name()));
 }
 
 TEST_P(Names, AddOfADestinationStagesTheFile) {
-    auto asked = requestFor(0, repository->path());
+    auto asked = requestFor(NEBSourceControlRequestAdd, repository->path());
     asked->destination = path();
     resultOf(asked);
     EXPECT_THAT(staged(), ElementsAre(name()));
 }
 
 TEST_P(Names, RemoveTakesTheFileAway) {
-    resultOf(request(5, {path()}));
+    resultOf(request(NEBSourceControlRequestRemove, {path()}));
     EXPECT_FALSE(fs::exists(path()));
     EXPECT_THAT(staged(), ElementsAre(name()));
     expectNeighboursUntouched();
 }
 
 TEST_P(Names, MoveRenamesTheFile) {
-    auto asked = request(11, {path()});
+    auto asked = request(NEBSourceControlRequestMove, {path()});
     asked->destination = repository->path("moved");
     resultOf(asked);
     EXPECT_FALSE(fs::exists(path()));
@@ -233,7 +234,7 @@ TEST_P(Names, MoveRenamesTheFile) {
 TEST_P(Names, MoveGivesTheName) {
     repository->git({"rm", "-q", "-f", "--", ":(literal)" + name()});
     repository->git({"commit", "-q", "-m", "gone"});
-    auto asked = request(11, {repository->path("a1.c")});
+    auto asked = request(NEBSourceControlRequestMove, {repository->path("a1.c")});
     asked->destination = path();
     resultOf(asked);
     EXPECT_EQ(read(name()), "changed\n");
@@ -241,7 +242,7 @@ TEST_P(Names, MoveGivesTheName) {
 }
 
 TEST_P(Names, CommitRecordsTheFile) {
-    auto asked = request(3, {path()});
+    auto asked = request(NEBSourceControlRequestCommit, {path()});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionMessage, "named"}};
     EXPECT_THAT(resultOf(asked), SizeIs(1));
     EXPECT_THAT(namesOf({"diff-tree", "-r", "-z", "--name-only", "HEAD^", "HEAD", "--"}),
@@ -250,13 +251,13 @@ TEST_P(Names, CommitRecordsTheFile) {
 }
 
 TEST_P(Names, RevertRestoresTheFile) {
-    resultOf(request(7, {path()}));
+    resultOf(request(NEBSourceControlRequestRevert, {path()}));
     EXPECT_EQ(read(name()), "two\n");
     expectNeighboursUntouched();
 }
 
 TEST_P(Names, LogIsThatOfTheFile) {
-    const NEBSourceControlResult records = resultOf(request(18, {path()}));
+    const NEBSourceControlResult records = resultOf(request(NEBSourceControlRequestLog, {path()}));
     ASSERT_THAT(records, SizeIs(2));
     EXPECT_EQ(*records[0].value(NEBSourceControlOperationMessageKey).string(), "the file");
     EXPECT_EQ(*records[1].value(NEBSourceControlOperationMessageKey).string(), "all");
@@ -264,7 +265,7 @@ TEST_P(Names, LogIsThatOfTheFile) {
 
 /// A name that is not UTF-8 is spelled as git does with core.quotePath=true.
 TEST_P(Names, LogListsTheFile) {
-    auto asked = request(18, {path()});
+    auto asked = request(NEBSourceControlRequestLog, {path()});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true}};
     const NEBSourceControlResult records = resultOf(asked);
     ASSERT_THAT(records, SizeIs(2));
@@ -278,14 +279,15 @@ TEST_P(Names, LogListsTheFile) {
 
 TEST_P(Names, BlameIsThatOfTheFile) {
     repository->git({"reset", "-q", "--hard"});
-    const NEBSourceControlResult records = resultOf(request(28, {path()}));
+    const NEBSourceControlResult records =
+        resultOf(request(NEBSourceControlRequestBlame, {path()}));
     ASSERT_THAT(records, SizeIs(2)) << "one for the line, one for what is behind its end";
     EXPECT_EQ(*records[0].value(NEBSourceControlOperationRevisionKey).string(),
               repository->git({"rev-parse", "HEAD^"}).substr(0, 12));
 }
 
 TEST_P(Names, DiffIsThatOfTheFile) {
-    const NEBSourceControlResult records = resultOf(request(30, {path()}));
+    const NEBSourceControlResult records = resultOf(request(NEBSourceControlRequestDiff, {path()}));
     ASSERT_THAT(records, SizeIs(1));
     const std::string text(records[0].value(NEBSourceControlOperationContentKey).string().value());
     EXPECT_EQ(text, asText(repository->git({"--literal-pathspecs", "-c", "core.quotePath=false",
@@ -296,7 +298,7 @@ TEST_P(Names, DiffIsThatOfTheFile) {
 
 /// Blanks at the beginning of a name are lost: they are read as part of the gap in front of it.
 TEST_P(Names, DiffNamesTheFile) {
-    auto asked = request(30, {path()});
+    auto asked = request(NEBSourceControlRequestDiff, {path()});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}};
     const NEBSourceControlResult records = resultOf(asked);
     ASSERT_THAT(records, SizeIs(1));
@@ -306,7 +308,7 @@ TEST_P(Names, DiffNamesTheFile) {
 }
 
 TEST_P(Names, StatusNamesTheFile) {
-    auto asked = requestFor(15, repository->path());
+    auto asked = requestFor(NEBSourceControlRequestStatus, repository->path());
     asked->destination = path();
     const NEBSourceControlResult records = resultOf(asked);
     ASSERT_THAT(records, SizeIs(1));
@@ -315,7 +317,7 @@ TEST_P(Names, StatusNamesTheFile) {
 }
 
 TEST_P(Names, ExportHasTheFile) {
-    auto asked = request(20, {path()});
+    auto asked = request(NEBSourceControlRequestExportFiles, {path()});
     asked->startingRevision = "HEAD";
     if (name().starts_with('-')) {
         const auto refused = NEBSourceControlFirstArgumentInjection(*asked);
@@ -339,7 +341,7 @@ auto nothingOrOnly(const std::string& path) {
 }
 
 TEST_P(Names, CopyCopiesTheFile) {
-    auto asked = request(10, {path()});
+    auto asked = request(NEBSourceControlRequestCopy, {path()});
     asked->destination = repository->path("copied");
     resultOf(asked);
     EXPECT_EQ(read("copied"), "changed\n");
@@ -349,7 +351,7 @@ TEST_P(Names, CopyCopiesTheFile) {
 
 TEST_P(Names, CopyGivesTheName) {
     fs::create_directory(repository->path("folder"));
-    auto asked = request(10, {repository->path("a1.c")});
+    auto asked = request(NEBSourceControlRequestCopy, {repository->path("a1.c")});
     asked->destination = repository->path("folder/") + name();
     resultOf(asked);
     EXPECT_EQ(read("folder/" + name()), "changed\n");
@@ -363,14 +365,20 @@ INSTANTIATE_TEST_SUITE_P(Hostile, Names, testing::ValuesIn(hostileNames()),
 /// As seen from the working copy's top, where git could take them for options.
 TEST(NamesLikeOptions, AreRefusedWhereNothingStandsBeforeThem) {
     for (const char* name : {"-n", "--help", "-"}) {
-        for (const std::int32_t type : {11, 17, 20, 21}) {
+        for (const std::int32_t type :
+             {NEBSourceControlRequestMove, NEBSourceControlRequestList,
+              NEBSourceControlRequestExportFiles, NEBSourceControlRequestExport}) {
             auto asked = requestFor(type, "/w");
             asked->files = {NEBValue(name)};
             const auto refused = NEBSourceControlFirstArgumentInjection(*asked);
             ASSERT_TRUE(refused.has_value()) << type << " " << name;
             EXPECT_EQ(refused->value, name);
         }
-        for (const std::int32_t type : {0, 3, 5, 6, 7, 18, 28, 30}) {
+        for (const std::int32_t type :
+             {NEBSourceControlRequestAdd, NEBSourceControlRequestCommit,
+              NEBSourceControlRequestRemove, NEBSourceControlRequestAddFiles,
+              NEBSourceControlRequestRevert, NEBSourceControlRequestLog,
+              NEBSourceControlRequestBlame, NEBSourceControlRequestDiff}) {
             auto asked = requestFor(type, "/w");
             asked->files = {NEBValue(name)};
             EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*asked), std::nullopt) << type;

@@ -7,6 +7,7 @@
 #include "Classes/Configuration/RequestMatrix.h"
 #include "Classes/Configuration/Variables.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 
@@ -53,7 +54,7 @@ class ObjectFormat : public test::HygienicTest {};
 
 TEST_F(ObjectFormat, RevisionsAreCutToTwelveDigitsOfTheLongNames) {
     const World world("sha256");
-    const auto operation = perform(requestFor(18, world.repository()));
+    const auto operation = perform(requestFor(NEBSourceControlRequestLog, world.repository()));
     EXPECT_EQ(*operation->result()->front().value(NEBSourceControlOperationRevisionKey).string(),
               world.run("git rev-parse main").substr(0, 12));
 }
@@ -62,7 +63,9 @@ TEST_F(ObjectFormat, OfANewRepositoryIsWhatTheUserWants) {
     const World world;
     world.run("mkdir ../made");
     const Variables wish(test::VariableList{{"GIT_DEFAULT_HASH", "sha256"}});
-    EXPECT_EQ(perform(requestFor(27, world.path("made")))->error(), std::nullopt);
+    EXPECT_EQ(
+        perform(requestFor(NEBSourceControlRequestCreateRepository, world.path("made")))->error(),
+        std::nullopt);
     EXPECT_EQ(world.run("git -C ../made rev-parse --show-object-format"), "sha256\n");
 }
 

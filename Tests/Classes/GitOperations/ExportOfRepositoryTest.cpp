@@ -65,7 +65,7 @@ protected:
 
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> exportFile(
         const std::string& file, NEBValue revision, NEBValue destination = {},
-        std::int32_t type = 20) const {
+        std::int32_t type = NEBSourceControlRequestExportFiles) const {
         auto request = requestFor(type, repository.path());
         request->files = {NEBValue(repository.path(file))};
         request->startingRevision = std::move(revision);
@@ -97,7 +97,8 @@ protected:
 };
 
 TEST_F(ExportOfRepository, WritesTheFileAsItWasAtTheRevision) {
-    for (const std::int32_t type : {20, 21}) {
+    for (const std::int32_t type :
+         {NEBSourceControlRequestExportFiles, NEBSourceControlRequestExport}) {
         EXPECT_EQ(bytesOf(writtenPath(*exportFile("src/io/main.c", "first", {}, type))), "old\n");
     }
     EXPECT_EQ(bytesOf(writtenPath(*exportFile("src/io/main.c", NEBSourceControlBASERevisionName))),
@@ -247,7 +248,7 @@ TEST_F(ExportOfRepository, OfAFileThatArchivesLeaveOutSaysSo) {
 TEST_F(ExportOfRepository, OfAFileOutsideTheWorkingCopyIsRefused) {
     const ReportCollector collector;
     folder.write("out/top.bin", "mine");
-    auto request = requestFor(20, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue("/elsewhere/main.c")};
     request->startingRevision = "HEAD";
     for (const NEBValue& destination : {NEBValue(), NEBValue(out("main.c"))}) {
@@ -270,7 +271,7 @@ TEST_F(ExportOfRepository, OfAFileOutsideTheWorkingCopyIsRefused) {
 
 /// What is left of such a path behind the location is another file's.
 TEST_F(ExportOfRepository, OfAFileBesideTheWorkingCopyIsRefused) {
-    auto request = requestFor(20, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path() + "Xtop.bin")};
     request->startingRevision = "HEAD";
     request->destination = out("top.bin");
@@ -302,7 +303,7 @@ TEST_F(ExportOfRepository, ThatIsCancelledMidwayLeavesNothing) {
     const std::string git =
         folder.writeProgram("bin/git", "#!/bin/sh\ngit \"$@\" | head -c 2000000\ntouch '" +
                                            folder.path("half") + "'\nexec sleep 3600\n");
-    auto request = requestFor(20, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path("big"))};
     request->startingRevision = "HEAD";
     request->destination = out("big");
@@ -320,7 +321,7 @@ TEST_F(ExportOfRepository, ThatIsCancelledMidwayLeavesNothing) {
 
 TEST_F(ExportOfRepository, WithADestinationAndNoFileWritesTheWholeRevisionThere) {
     const ReportCollector collector;
-    auto request = requestFor(21, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExport, repository.path());
     request->startingRevision = "first";
     request->destination = folder.path("out");
     const auto operation = GitController().operationForRequest(request);
@@ -338,7 +339,7 @@ TEST_F(ExportOfRepository, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
         "bin/git",
         "#!/bin/sh\ngit \"$@\" | head -c 2000000\necho 'fatal: disk on fire' >&2\nexit 128\n");
     for (const bool hasDestination : {true, false}) {
-        auto request = requestFor(20, repository.path());
+        auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
         request->files = {NEBValue(repository.path("big"))};
         request->startingRevision = "HEAD";
         if (hasDestination) {
@@ -357,7 +358,7 @@ TEST_F(ExportOfRepository, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
 TEST_F(ExportOfRepository, OfHalfAnArchiveHasTheErrorOfTheTable) {
     const std::string git = folder.writeProgram(
         "bin/git", "#!/bin/sh\ngit \"$@\"\necho 'error: a: Permission denied' >&2\nexit 128\n");
-    auto request = requestFor(20, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path("top.bin"))};
     request->startingRevision = "HEAD";
     request->destination = folder.path("out/top.bin");
@@ -375,7 +376,7 @@ TEST_F(ExportOfRepository, OfAPathThatStandsForATreeRunsNothing) {
     const test::TemporaryFolder there;
     there.write("main.c", "mine");
     for (const char* name : {".", "src/.", "src/io/.."}) {
-        auto request = requestFor(20, repository.path());
+        auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
         request->files = {NEBValue(repository.path() + "/" + name)};
         request->startingRevision = "HEAD";
         request->destination = there.path("target");
@@ -390,7 +391,7 @@ TEST_F(ExportOfRepository, OfAPathThatStandsForATreeRunsNothing) {
 }
 
 TEST_F(ExportOfRepository, ThatIsCancelledLeavesNoTemporaryFile) {
-    auto request = requestFor(20, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path("top.bin"))};
     request->startingRevision = "HEAD";
     const auto operation = GitController().operationForRequest(request);
@@ -417,7 +418,7 @@ TEST_F(ExportOfRepository, WhoseTemporaryFolderCannotBeMadeSaysSo) {
 TEST_F(ExportOfRepository, OfTheTreeRemovesNoFileOnItsWay) {
     folder.write("out/file", "mine");
     for (const char* destination : {"file", "file/", "file/below", "file/below/deep/"}) {
-        auto request = requestFor(22, repository.path());
+        auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
         request->startingRevision = "HEAD";
         request->destination = out(destination);
         const auto operation = GitController().operationForRequest(request);
@@ -431,7 +432,7 @@ TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
     repository.write("staged", "staged\n");
     repository.git({"add", "staged"});
     folder.write("out/top.bin", "in the way");
-    auto request = requestFor(22, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
     request->startingRevision = "first";
     for (const std::string& destination : {folder.path("out"), folder.path("out/")}) {
         request->destination = destination;
@@ -449,7 +450,7 @@ TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
 TEST_F(ExportOfRepository, OfTheTreeIsGoodWhateverAFilterSays) {
     repository.git({"config", "filter.talks.smudge", "cat; echo Permission denied >&2"});
     repository.write(".git/info/attributes", "top.bin filter=talks\n");
-    auto request = requestFor(22, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
     request->startingRevision = "HEAD";
     request->destination = folder.path("out");
     const auto operation = GitController().operationForRequest(request);
@@ -460,7 +461,7 @@ TEST_F(ExportOfRepository, OfTheTreeIsGoodWhateverAFilterSays) {
 
 TEST_F(ExportOfRepository, OfTheTreeWithoutAWorkingCopySaysSo) {
     repository.git({"config", "core.bare", "true"});
-    auto request = requestFor(22, repository.path());
+    auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
     request->destination = folder.path("out");
     request->startingRevision = "HEAD";
     const auto operation = GitController().operationForRequest(request);

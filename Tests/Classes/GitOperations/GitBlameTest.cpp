@@ -25,7 +25,7 @@ using testing::IsEmpty;
 std::shared_ptr<NEBSourceControlRequest> blameRequest(NEBValue revision,
                                                       std::string location = "/w",
                                                       std::vector<NEBValue> files = {"/w/a.c"}) {
-    auto request = requestFor(28, std::move(location));
+    auto request = requestFor(NEBSourceControlRequestBlame, std::move(location));
     request->startingRevision = std::move(revision);
     request->files = std::move(files);
     return request;

@@ -1,5 +1,6 @@
 #include "GitOperations/GitBranch.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -38,33 +39,38 @@ const NEBDictionary bothPaths{{NEBSourceControlRequestOptionRepositoryPath, "/r/
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(BranchArguments, OfANewBranchMayHaveAStartingPoint) {
-    EXPECT_THAT(argumentsOf(request(1, "topic")), ElementsAre("branch", "topic"));
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic")),
+                ElementsAre("branch", "topic"));
     EXPECT_THAT(
-        argumentsOf(request(1, "topic",
+        argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic",
                             NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "v1"}})),
         ElementsAre("branch", "topic", "v1"));
-    EXPECT_THAT(argumentsOf(request(1)), ElementsAre("branch"));
-    EXPECT_THAT(argumentsOf(request(1, "topic", bothPaths)), ElementsAre("branch", "topic"))
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch)), ElementsAre("branch"));
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic", bothPaths)),
+                ElementsAre("branch", "topic"))
         << "no default arguments";
 }
 
 TEST(BranchArguments, OfADeletionForceItWhenTheOptionIsTrue) {
-    EXPECT_THAT(argumentsOf(request(2, "topic")), ElementsAre("branch", "-d", "topic"));
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic")),
+                ElementsAre("branch", "-d", "topic"));
     for (const auto& [value, flag] : {std::pair{NEBValue(false), "-d"},
                                       {NEBValue(0), "-d"},
                                       {NEBValue(true), "-D"},
                                       {NEBValue("yes"), "-D"}}) {
-        EXPECT_THAT(argumentsOf(request(
-                        2, "topic", NEBDictionary{{NEBSourceControlRequestOptionForce, value}})),
-                    ElementsAre("branch", flag, "topic"));
+        EXPECT_THAT(
+            argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic",
+                                NEBDictionary{{NEBSourceControlRequestOptionForce, value}})),
+            ElementsAre("branch", flag, "topic"));
     }
-    EXPECT_THAT(argumentsOf(request(2, "topic", bothPaths)), ElementsAre("branch", "-d", "topic"));
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic", bothPaths)),
+                ElementsAre("branch", "-d", "topic"));
 }
 
 TEST(BranchArguments, OfATrackingBranchNameTheRemotesToo) {
     const ReportCollector collector;
     EXPECT_THAT(
-        argumentsOf(request(36, "mine",
+        argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch, "mine",
                             NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
                                           {NEBSourceControlRequestOptionBranch, "topic"}})),
         ElementsAre("branch", "--track", "mine", "origin/topic"));
@@ -81,7 +87,8 @@ TEST(BranchArguments, OfATrackingBranchReportWhatIsMissing) {
         {804, "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]"},
         {805, "[request.options objectForKey:NEBSourceControlRequestOptionBranch]"}};
     const ReportCollector collector;
-    EXPECT_THAT(argumentsOf(request(36)), ElementsAre("branch", "--track", "(null)/(null)"));
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch)),
+                ElementsAre("branch", "--track", "(null)/(null)"));
     ASSERT_EQ(collector.reports().size(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
         const LOMAssertionReport& report = collector.reports()[i];
@@ -92,7 +99,7 @@ TEST(BranchArguments, OfATrackingBranchReportWhatIsMissing) {
         EXPECT_EQ(report.message, expression + " should be a non-empty string, but it is nil");
         EXPECT_EQ(report.condition, "(" + expression + ") != nil");
     }
-    EXPECT_THAT(argumentsOf(request(36, 7,
+    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch, 7,
                                     NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""},
                                                   {NEBSourceControlRequestOptionBranch, true}})),
                 ElementsAre("branch", "--track", "7", "/true"));
@@ -103,14 +110,18 @@ TEST(BranchArguments, OfATrackingBranchReportWhatIsMissing) {
 }
 
 TEST(BranchListArguments, AreTheSameForListAndCurrentBranch) {
-    EXPECT_THAT(GitListBranchesOperation(request(25, {}, bothPaths)).arguments(),
-                ElementsAre("branch"));
-    EXPECT_THAT(GitCurrentBranchOperation(request(26, {}, bothPaths)).arguments(),
-                ElementsAre("branch"));
+    EXPECT_THAT(
+        GitListBranchesOperation(request(NEBSourceControlRequestListBranches, {}, bothPaths))
+            .arguments(),
+        ElementsAre("branch"));
+    EXPECT_THAT(
+        GitCurrentBranchOperation(request(NEBSourceControlRequestCurrentBranch, {}, bothPaths))
+            .arguments(),
+        ElementsAre("branch"));
 }
 
 TEST(RemoteBranchArguments, NameTheOneFile) {
-    auto asked = request(31);
+    auto asked = request(NEBSourceControlRequestListRemoteBranches);
     EXPECT_THAT(GitListRemoteBranchesOperation(asked).arguments(),
                 ElementsAre("ls-remote", "--heads"));
     asked->files = valuesOf({"origin"});
@@ -128,7 +139,7 @@ TEST(RemoteBranchArguments, NameTheOneFile) {
 
 template <typename Op>
 std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output) {
-    Op operation(request(25));
+    Op operation(request(NEBSourceControlRequestListBranches));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -307,7 +318,8 @@ TEST_F(Branches, ThatCannotBeMadeOrDeletedSayWhy) {
 class RemoteBranches : public Branches {
 protected:
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> list(
-        const std::vector<std::string>& files, std::int32_t type = 31) const {
+        const std::vector<std::string>& files,
+        std::int32_t type = NEBSourceControlRequestListRemoteBranches) const {
         auto asked = request(type, {}, {}, repository.path());
         asked->files = valuesOf(files);
         return perform(asked);
@@ -332,7 +344,8 @@ TEST_F(RemoteBranches, AreAskedForByLocationOrName) {
     auto tree = std::make_shared<NEBSourceControlRepository>();
     tree->location = repository.path();
     tree->isRemoteDistributedRepository = true;
-    auto asked = NEBSourceControlRequest::initWithType(25, tree, valuesOf({other.path()}), {});
+    auto asked = NEBSourceControlRequest::initWithType(NEBSourceControlRequestListBranches, tree,
+                                                       valuesOf({other.path()}), {});
     EXPECT_EQ(perform(asked)->result(), expected);
 }
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -23,14 +24,14 @@ using testing::StartsWith;
 
 std::shared_ptr<NEBSourceControlRequest> checkout(NEBValue destination,
                                                   const std::string& location = "/w") {
-    auto made = requestFor(14, location);
+    auto made = requestFor(NEBSourceControlRequestCheckout, location);
     made->destination = std::move(destination);
     return made;
 }
 
 std::shared_ptr<NEBSourceControlRequest> revert(const std::vector<std::string>& files,
                                                 const std::string& location = "/w") {
-    auto made = requestFor(7, location);
+    auto made = requestFor(NEBSourceControlRequestRevert, location);
     made->files = valuesOf(files);
     return made;
 }

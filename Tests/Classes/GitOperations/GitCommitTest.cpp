@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -24,7 +25,7 @@ using Options = std::optional<NEBDictionary>;
 std::shared_ptr<NEBSourceControlRequest> request(Options options,
                                                  std::optional<std::vector<NEBValue>> files = {},
                                                  const std::string& location = "/w") {
-    auto made = requestFor(3, location);
+    auto made = requestFor(NEBSourceControlRequestCommit, location);
     made->options = std::move(options);
     made->files = std::move(files);
     return made;

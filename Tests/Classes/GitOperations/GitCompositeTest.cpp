@@ -5,6 +5,7 @@
 #include <chrono>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/ScriptOperation.h"
@@ -29,12 +30,13 @@ public:
 class Composite : public GitComposite<NEBSourceControlOperation> {
 public:
     explicit Composite(std::vector<std::string> scripts)
-        : GitComposite(requestFor(19, std::nullopt)), _scripts(std::move(scripts)) {}
+        : GitComposite(requestFor(NEBSourceControlRequestInfo, std::nullopt)),
+          _scripts(std::move(scripts)) {}
 
     void main() override {
         setOperationQueue(std::make_shared<OperationQueue>());
         for (const std::string& script : _scripts) {
-            auto request = requestFor(0, std::nullopt);
+            auto request = requestFor(NEBSourceControlRequestAdd, std::nullopt);
             request->destination = script;
             steps.push_back(run<Step>(request));
             if (steps.back()->error()) {

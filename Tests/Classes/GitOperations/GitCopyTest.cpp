@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -41,11 +42,11 @@ protected:
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> copy(
         const std::vector<std::string>& names, const std::string& destination) const {
-        return perform(request(10, names, destination));
+        return perform(request(NEBSourceControlRequestCopy, names, destination));
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> makeDirectory(
         const std::string& destination) const {
-        return perform(request(8, {}, destination));
+        return perform(request(NEBSourceControlRequestMakeDirectory, {}, destination));
     }
     [[nodiscard]] std::string tracked() const { return repository.git({"ls-files"}); }
     [[nodiscard]] bool exists(const std::string& name) const {
@@ -113,7 +114,7 @@ TEST_F(FileSystemWork, ACopyOfNothingNamesItAndTheCause) {
                                            "\" could not be copied to \"" + repository.path("b") +
                                            "\": No such file or directory.");
     EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
-    auto unnamed = requestFor(10, repository.path());
+    auto unnamed = requestFor(NEBSourceControlRequestCopy, repository.path());
     unnamed->destination = repository.path("c");
     EXPECT_EQ(perform(unnamed)->error()->code, ENOENT);
 }
@@ -128,7 +129,7 @@ TEST_F(FileSystemWork, AnAddThatFailsMakesNoError) {
 
     const test::TemporaryFolder outside;
     outside.write("x", "x");
-    auto elsewhere = requestFor(10, outside.path());
+    auto elsewhere = requestFor(NEBSourceControlRequestCopy, outside.path());
     elsewhere->files = test::valuesOf({outside.path("x")});
     elsewhere->destination = outside.path("y");
     const auto inNoRepository = perform(elsewhere);
@@ -165,13 +166,16 @@ TEST_F(FileSystemWork, AFolderThatCannotBeMadeIsNamedWithTheCause) {
     EXPECT_EQ(description(*operation), "The folder \"" + repository.path("file/folder") +
                                            "\" could not be made: Not a directory.");
     EXPECT_EQ(makeDirectory("file")->error()->code, EEXIST);
-    EXPECT_EQ(perform(requestFor(8, repository.path()))->error()->code, ENOENT) << "no destination";
+    EXPECT_EQ(
+        perform(requestFor(NEBSourceControlRequestMakeDirectory, repository.path()))->error()->code,
+        ENOENT)
+        << "no destination";
 }
 
 TEST_F(FileSystemWork, WhereNothingMayBeWrittenIsAPermissionError) {
     const AsOrdinaryUser user;
     const auto operation = [&] {
-        auto made = requestFor(8, "/");
+        auto made = requestFor(NEBSourceControlRequestMakeDirectory, "/");
         made->destination = "/proc/folder";
         return perform(made);
     }();
@@ -192,16 +196,16 @@ TEST_F(FileSystemWork, ACopyIsNeverStagedByHalves) {
 
 TEST_F(FileSystemWork, ARelativePathIsOneOfTheSourceTree) {
     repository.commitFile("a", "a");
-    auto asked = request(10, {}, "");
+    auto asked = request(NEBSourceControlRequestCopy, {}, "");
     asked->files = test::valuesOf({"a"});
     asked->destination = "b";
     EXPECT_EQ(perform(asked)->error(), std::nullopt);
     EXPECT_TRUE(exists("b"));
-    asked->type = 8;
+    asked->type = NEBSourceControlRequestMakeDirectory;
     asked->destination = "folder/inside";
     EXPECT_EQ(perform(asked)->error(), std::nullopt);
     EXPECT_TRUE(exists("folder/inside"));
-    asked->type = 6;
+    asked->type = NEBSourceControlRequestAddFiles;
     asked->destination = NEBValue();
     asked->files = test::valuesOf({"folder"});
     EXPECT_THAT(commandLinesOf(*perform(asked)), ElementsAre("add -- folder/"));
@@ -209,7 +213,8 @@ TEST_F(FileSystemWork, ARelativePathIsOneOfTheSourceTree) {
 
 TEST_F(FileSystemWork, WithoutADestinationNothingIsStaged) {
     repository.write("secret", "x");
-    const auto operation = perform(requestFor(8, repository.path()));
+    const auto operation =
+        perform(requestFor(NEBSourceControlRequestMakeDirectory, repository.path()));
     EXPECT_EQ(operation->error()->code, ENOENT);
     EXPECT_TRUE(operation->commandLog()->runs().empty());
     EXPECT_EQ(tracked(), "");
@@ -218,7 +223,8 @@ TEST_F(FileSystemWork, WithoutADestinationNothingIsStaged) {
 // ---- both -------------------------------------------------------------------------------------
 
 TEST_F(FileSystemWork, ThatAlreadyHasAnErrorDoesNothing) {
-    GitMakeDirectoryOperation operation(request(8, {}, "folder"));
+    GitMakeDirectoryOperation operation(
+        request(NEBSourceControlRequestMakeDirectory, {}, "folder"));
     operation.setError(NEBSourceControlError::withDescription(-7, "before"));
     operation.start();
     EXPECT_EQ(operation.error()->code, -7);
@@ -229,7 +235,7 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
     // A file without an end, as far as anybody will wait for it.
     repository.write("a", "");
     fs::resize_file(repository.path("a"), std::uintmax_t{1} << 40);
-    GitCopyOperation operation(request(10, {"a"}, "b"));
+    GitCopyOperation operation(request(NEBSourceControlRequestCopy, {"a"}, "b"));
     const auto count = [this] {
         return std::distance(fs::directory_iterator(repository.path()), fs::directory_iterator());
     };
@@ -273,7 +279,7 @@ protected:
 };
 
 TEST_F(FileSystemWork, EndsBeforeTheOperationThoughTheAddCannotBeMade) {
-    const auto asked = request(10, {}, "");
+    const auto asked = request(NEBSourceControlRequestCopy, {}, "");
     asked->destination = NEBValue(std::make_shared<const Unreadable>());
     const auto operation = std::make_shared<SlowWork>(asked);
     operation->start();
@@ -289,7 +295,8 @@ TEST_F(FileSystemWork, HasAnErrorOfWhatItThrows) {
     protected:
         std::optional<FileFailure> work(FileManager& /*manager*/) override { throw 42; }
     };
-    const auto operation = std::make_shared<Throwing>(request(8, {}, "folder"));
+    const auto operation =
+        std::make_shared<Throwing>(request(NEBSourceControlRequestMakeDirectory, {}, "folder"));
     operation->start();
     EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, HasSubstr("\"int\"")));
 }

@@ -29,13 +29,15 @@ NEBDictionary namesOnly() {
 // ---- the command ------------------------------------------------------------------------------
 
 TEST(DiffCommand, OfABareRequestComparesWithHEAD) {
-    EXPECT_THAT(GitDiffOperation(requestFor(30, "/w")).arguments(),
+    EXPECT_THAT(GitDiffOperation(requestFor(NEBSourceControlRequestDiff, "/w")).arguments(),
                 ElementsAre("diff", "--no-ext-diff", "HEAD"));
-    EXPECT_EQ(GitDiffOperation(requestFor(30, "/w")).currentDirectoryPath(), "/w");
+    EXPECT_EQ(
+        GitDiffOperation(requestFor(NEBSourceControlRequestDiff, "/w")).currentDirectoryPath(),
+        "/w");
 }
 
 TEST(DiffCommand, OfAFullRequestHasEachPartInItsPlace) {
-    auto request = requestFor(30, "/w");
+    auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->startingRevision = "abc";
     request->endingRevision = "def";
     request->destination = "--stat";
@@ -62,7 +64,7 @@ struct Revisions {
 class DiffRevisions : public testing::TestWithParam<Revisions> {};
 
 TEST_P(DiffRevisions, BecomeThisOneArgument) {
-    auto request = requestFor(30, "/w");
+    auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->startingRevision = GetParam().start;
     request->endingRevision = GetParam().end;
     request->options = NEBDictionary{
@@ -96,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& parameter) { return parameter.param.name; });
 
 TEST(DiffCommand, AsksForNamesOnlyWhenTheOptionIsTrue) {
-    auto request = requestFor(30, "/w");
+    auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->options = namesOnly();
     EXPECT_THAT(GitDiffOperation(request).arguments(),
                 ElementsAre("diff", "--no-ext-diff", "--name-status", "HEAD"));
@@ -117,7 +119,7 @@ std::optional<NEBSourceControlResult> resultOf(
 }
 
 std::shared_ptr<NEBSourceControlRequest> namesRequest() {
-    auto request = requestFor(30, "/w");
+    auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->options = namesOnly();
     return request;
 }
@@ -125,14 +127,14 @@ std::shared_ptr<NEBSourceControlRequest> namesRequest() {
 TEST(DiffOutput, IsOneTextAsItIs) {
     for (const std::string text :
          {"diff --git a/x b/x\n-a\r\n+b\t\n\n", "\n", "no line end", "* Unmerged path a\n"}) {
-        const auto result = resultOf(requestFor(30, "/w"), text);
+        const auto result = resultOf(requestFor(NEBSourceControlRequestDiff, "/w"), text);
         ASSERT_EQ(result->size(), 1U);
         EXPECT_EQ(result->at(0).size(), 1U);
         if (text.size() > 1) {
             EXPECT_EQ(*result->at(0).value(NEBSourceControlOperationContentKey).string(), text);
         }
     }
-    EXPECT_EQ(*resultOf(requestFor(30, "/w"), "-J\xFCrgen\n+x\n")
+    EXPECT_EQ(*resultOf(requestFor(NEBSourceControlRequestDiff, "/w"), "-J\xFCrgen\n+x\n")
                    ->at(0)
                    .value(NEBSourceControlOperationContentKey)
                    .string(),
@@ -141,7 +143,7 @@ TEST(DiffOutput, IsOneTextAsItIs) {
 
 TEST(DiffOutput, OfNothingIsNoResultInEitherForm) {
     for (const std::optional<Data>& output : {std::optional<Data>(), std::optional<Data>("")}) {
-        EXPECT_EQ(resultOf(requestFor(30, "/w"), output), std::nullopt);
+        EXPECT_EQ(resultOf(requestFor(NEBSourceControlRequestDiff, "/w"), output), std::nullopt);
         EXPECT_EQ(resultOf(namesRequest(), output), std::nullopt);
     }
 }
@@ -203,7 +205,8 @@ protected:
     }
 
     const TestRepository repository;
-    const std::shared_ptr<NEBSourceControlRequest> request = requestFor(30, "");
+    const std::shared_ptr<NEBSourceControlRequest> request =
+        requestFor(NEBSourceControlRequestDiff, "");
 };
 
 TEST_F(DiffOfRepository, WithHEADShowsWhatIsStagedAndWhatIsNot) {

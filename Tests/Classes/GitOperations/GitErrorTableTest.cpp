@@ -48,7 +48,7 @@ struct Row {
     std::string description;
     const char* suggestion = nullptr;
     bool credentialsMark = false;
-    std::int32_t type = 18;
+    std::int32_t type = NEBSourceControlRequestLog;
 };
 
 const std::string pullSuggestion = "Pull the remote changes and try again.";
@@ -203,7 +203,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& parameter) { return parameter.param.name; });
 
 TEST(ErrorTableRows, PermissionWithoutADestinationIsTheRepositorys) {
-    GitOperation operation(requestFor(0, "/w"));
+    GitOperation operation(requestFor(NEBSourceControlRequestAdd, "/w"));
     EXPECT_THAT(operation.errorFromErrorMessage(
                     "error: insufficient permission for adding an object to repository database"),
                 IsSourceControlError(513,
@@ -212,7 +212,7 @@ TEST(ErrorTableRows, PermissionWithoutADestinationIsTheRepositorys) {
 }
 
 TEST(ErrorTableRows, AnAbsentNameReadsAsNull) {
-    auto request = requestFor(33, "/w");
+    auto request = requestFor(NEBSourceControlRequestPush, "/w");
     request->sourceTree = nullptr;
     GitOperation operation(request);
     EXPECT_THAT(operation.errorFromErrorMessage("Already up-to-date."),
@@ -223,7 +223,7 @@ TEST(ErrorTableRows, AnAbsentNameReadsAsNull) {
 }
 
 TEST(ErrorTableRows, TheNoticeOfANewHostKeyIsNoError) {
-    GitOperation operation(requestFor(37, "/w"));
+    GitOperation operation(requestFor(NEBSourceControlRequestFetch, "/w"));
     const std::string notice =
         "Warning: Permanently added 'example.org' (RSA) to the list of known hosts.";
     EXPECT_EQ(operation.errorFromErrorMessage(notice), std::nullopt);
@@ -238,14 +238,14 @@ TEST(ErrorTableRows, ServeAFailureWhoseTextTheOperationMovedAway) {
         std::string launchPath() override { return "/bin/sh"; }
         void parseData() override { setErrorData(std::nullopt); }
     };
-    MovingOperation operation(requestFor(33, std::nullopt));
+    MovingOperation operation(requestFor(NEBSourceControlRequestPush, std::nullopt));
     operation.setArguments({"-c", "echo \"run 'git branch -D x'\" >&2; exit 1"});
     operation.start();
     EXPECT_THAT(operation.error(), IsSourceControlError(-91, notMerged));
 }
 
 TEST(ErrorTableRows, AnAbsentMessageIsNoError) {
-    GitOperation operation(requestFor(37, "/w"));
+    GitOperation operation(requestFor(NEBSourceControlRequestFetch, "/w"));
     EXPECT_EQ(operation.errorFromErrorMessage(std::nullopt), std::nullopt);
 }
 

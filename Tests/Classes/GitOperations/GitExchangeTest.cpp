@@ -5,6 +5,7 @@
 #include <memory>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/LoopbackServer.h"
 #include "Support/RequestRun.h"
@@ -81,19 +82,25 @@ const std::string branchExpression =
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(FetchArguments, NameTheRemoteWithoutDefaultArguments) {
-    EXPECT_THAT(GitFetchOperation(request(37, withPaths(originAndTopic))).arguments(),
+    EXPECT_THAT(GitFetchOperation(request(NEBSourceControlRequestFetch, withPaths(originAndTopic)))
+                    .arguments(),
                 ElementsAre("fetch", "-q", "origin"));
 }
 
 TEST(FetchArguments, AMissingRemoteIsReported) {
     const ReportCollector collector;
-    EXPECT_THAT(GitFetchOperation(request(37)).arguments(), ElementsAre("fetch", "-q"));
+    EXPECT_THAT(GitFetchOperation(request(NEBSourceControlRequestFetch)).arguments(),
+                ElementsAre("fetch", "-q"));
     expectNilReports(collector, "-[GitFetchOperation initWithRequest:]",
                      {{634, remoteNameExpression}});
-    EXPECT_THAT(GitFetchOperation(request(37, NEBDictionary{{remoteNameKey, 7}})).arguments(),
-                ElementsAre("fetch", "-q", "7"));
-    EXPECT_THAT(GitFetchOperation(request(37, NEBDictionary{{remoteNameKey, ""}})).arguments(),
-                ElementsAre("fetch", "-q", ""));
+    EXPECT_THAT(
+        GitFetchOperation(request(NEBSourceControlRequestFetch, NEBDictionary{{remoteNameKey, 7}}))
+            .arguments(),
+        ElementsAre("fetch", "-q", "7"));
+    EXPECT_THAT(
+        GitFetchOperation(request(NEBSourceControlRequestFetch, NEBDictionary{{remoteNameKey, ""}}))
+            .arguments(),
+        ElementsAre("fetch", "-q", ""));
     EXPECT_EQ(collector.reports()[1].condition,
               "CFGetTypeID(" + remoteNameExpression + ") == CFStringGetTypeID()");
     EXPECT_EQ(collector.reports()[2].condition,
@@ -101,44 +108,51 @@ TEST(FetchArguments, AMissingRemoteIsReported) {
 }
 
 TEST(PullArguments, AreAlwaysByFastForwardBehindTheDefaultArguments) {
-    EXPECT_THAT(GitPullOperation(request(13, originAndTopic)).arguments(),
-                ElementsAre("pull", "--ff-only", "origin", "topic"));
     EXPECT_THAT(
-        GitPullOperation(request(13, withPaths(originAndTopic))).arguments(),
+        GitPullOperation(request(NEBSourceControlRequestUpdate, originAndTopic)).arguments(),
+        ElementsAre("pull", "--ff-only", "origin", "topic"));
+    EXPECT_THAT(
+        GitPullOperation(request(NEBSourceControlRequestUpdate, withPaths(originAndTopic)))
+            .arguments(),
         ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "pull", "--ff-only", "origin", "topic"));
 }
 
 TEST(PullArguments, AMissingRemoteOrBranchIsReported) {
     const ReportCollector collector;
-    EXPECT_THAT(GitPullOperation(request(13)).arguments(), ElementsAre("pull", "--ff-only"));
+    EXPECT_THAT(GitPullOperation(request(NEBSourceControlRequestUpdate)).arguments(),
+                ElementsAre("pull", "--ff-only"));
     expectNilReports(collector, "-[GitPullOperation initWithRequest:]",
                      {{1818, remoteNameExpression}, {1819, branchExpression}});
 }
 
 TEST(PushArguments, NameTheRemoteAndBothBranchesWithoutDefaultArguments) {
-    EXPECT_THAT(GitPushOperation(request(33, withPaths(originAndTopic), "main")).arguments(),
-                ElementsAre("push", "origin", "topic:main"));
+    EXPECT_THAT(
+        GitPushOperation(request(NEBSourceControlRequestPush, withPaths(originAndTopic), "main"))
+            .arguments(),
+        ElementsAre("push", "origin", "topic:main"));
 }
 
 TEST(PushArguments, WhatIsMissingIsReported) {
     const ReportCollector collector;
-    EXPECT_THAT(GitPushOperation(request(33)).arguments(), ElementsAre("push", "(null):(null)"));
+    EXPECT_THAT(GitPushOperation(request(NEBSourceControlRequestPush)).arguments(),
+                ElementsAre("push", "(null):(null)"));
     expectNilReports(collector, "-[GitPushOperation initWithRequest:]",
                      {{1868, "self.request.destination"},
                       {1869, remoteNameExpression},
                       {1870, branchExpression}});
-    EXPECT_THAT(GitPushOperation(request(33, originAndTopic, 7)).arguments(),
-                ElementsAre("push", "origin", "topic:7"));
+    EXPECT_THAT(
+        GitPushOperation(request(NEBSourceControlRequestPush, originAndTopic, 7)).arguments(),
+        ElementsAre("push", "origin", "topic:7"));
     EXPECT_EQ(collector.reports()[3].condition,
               "CFGetTypeID(self.request.destination) == CFStringGetTypeID()");
-    static_cast<void>(GitPushOperation(request(33, originAndTopic, "")));
+    static_cast<void>(GitPushOperation(request(NEBSourceControlRequestPush, originAndTopic, "")));
     EXPECT_EQ(collector.reports()[4].condition,
               "![@\"\" isEqualToString:(self.request.destination)]");
 }
 
 TEST(PushArguments, OverTheBridgeAreFixedAndNothingIsAskedFor) {
     const ReportCollector collector;
-    auto asked = request(33, withPaths({}));
+    auto asked = request(NEBSourceControlRequestPush, withPaths({}));
     asked->remote->representsGitSVNBridge = true;
     EXPECT_THAT(GitPushOperation(asked).arguments(), ElementsAre("svn", "dcommit", "--quiet"));
     EXPECT_THAT(collector.reports(), IsEmpty());
@@ -149,7 +163,7 @@ TEST(PushArguments, OverTheBridgeAreFixedAndNothingIsAskedFor) {
 template <typename Op>
 struct Parsed {
     Parsed(const std::optional<Data>& output, const std::optional<Data>& errors)
-        : operation(request(33, originAndTopic, "main")) {
+        : operation(request(NEBSourceControlRequestPush, originAndTopic, "main")) {
         operation.setData(output);
         operation.setErrorData(errors);
         operation.parseData();
@@ -220,7 +234,7 @@ TEST(PullOutput, OfAFailureIsNotThatThereIsNothingNew) {
         folder.writeProgram("git",
                             "#!/bin/sh\necho 'Already up to date.'\n"
                             "echo 'error: disk on fire' >&2\nexit 1\n"),
-        request(13, originAndTopic, "main", folder.path()));
+        request(NEBSourceControlRequestUpdate, originAndTopic, "main", folder.path()));
     operation.start();
     EXPECT_THAT(operation.error(), IsSourceControlError(-1, "error: disk on fire"));
 }
@@ -493,7 +507,8 @@ TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
 }
 
 TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
-    const auto asked = request(37, NEBDictionary{{remoteNameKey, "origin"}}, {}, ben->path());
+    const auto asked = request(NEBSourceControlRequestFetch,
+                               NEBDictionary{{remoteNameKey, "origin"}}, {}, ben->path());
     test::StandIn<GitFetchOperation> silent(folder.writeProgram("git", "#!/bin/sh\nexit 1\n"),
                                             asked);
     silent.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
@@ -550,7 +565,8 @@ TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
 TEST_F(Network, AServerThatSaysNothingIsCancelled) {
     const LoopbackServer server("");
     ben->git({"remote", "add", "far", server.url()});
-    for (const std::int32_t type : {37, 33, 13}) {
+    for (const std::int32_t type : {NEBSourceControlRequestFetch, NEBSourceControlRequestPush,
+                                    NEBSourceControlRequestUpdate}) {
         auto asked = request(type, NEBDictionary{{remoteNameKey, "far"}, {branchKey, "main"}},
                              "main", ben->path());
         asked->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
@@ -572,7 +588,8 @@ TEST_F(Network, TheDryRunAfterASilentFetchIsCancelledToo) {
     ben->git({"remote", "add", "far", server.url()});
     test::StandIn<GitFetchOperation> silent(
         folder.writeProgram("git", "#!/bin/sh\nexit 1\n"),
-        request(37, NEBDictionary{{remoteNameKey, "far"}}, {}, ben->path()));
+        request(NEBSourceControlRequestFetch, NEBDictionary{{remoteNameKey, "far"}}, {},
+                ben->path()));
     std::thread canceller([&] {
         while (!server.wasAsked()) {
             std::this_thread::yield();

@@ -18,7 +18,7 @@ using testing::MatchesRegex;
 
 std::shared_ptr<NEBSourceControlRequest> exportRequest(std::string file, NEBValue destination = {},
                                                        NEBValue revision = "abc") {
-    auto request = requestFor(20, "/w");
+    auto request = requestFor(NEBSourceControlRequestExportFiles, "/w");
     request->files = {NEBValue(std::move(file))};
     request->destination = std::move(destination);
     request->startingRevision = std::move(revision);
@@ -119,7 +119,7 @@ struct InvalidPath {
 class ExportOfInvalidPath : public testing::TestWithParam<InvalidPath> {};
 
 TEST_P(ExportOfInvalidPath, IsReportedAndBuildingGoesOn) {
-    auto request = requestFor(20, GetParam().location);
+    auto request = requestFor(NEBSourceControlRequestExportFiles, GetParam().location);
     request->files = {GetParam().file};
     request->destination = "/out/a";
     request->startingRevision = "abc";
@@ -251,7 +251,7 @@ TEST(ExportTar, TellsThatTheRevisionWasNotFoundWhereThereIsNone) {
 // ---- the whole tree ---------------------------------------------------------------------------
 
 TEST(ExportTreeCommand, WritesBelowTheDestination) {
-    auto request = requestFor(22, "/w");
+    auto request = requestFor(NEBSourceControlRequestExportTree, "/w");
     request->destination = "/out/tree";
     request->startingRevision = "abc";
     EXPECT_THAT(GitExportTreeOperation(request).arguments(),
@@ -270,7 +270,7 @@ TEST(ExportTreeCommand, WritesBelowTheDestination) {
 /// "/" and the folder "(null)" of the working copy are no places that anybody asked for.
 TEST(ExportTreeCommand, WithoutADestinationRunsNothing) {
     for (const NEBValue& destination : {NEBValue(), NEBValue("")}) {
-        auto request = requestFor(22, "/no/such/folder");
+        auto request = requestFor(NEBSourceControlRequestExportTree, "/no/such/folder");
         request->destination = destination;
         GitExportTreeOperation operation(request);
         operation.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());

@@ -1,5 +1,6 @@
 #include "GitOperations/GitInfo.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -18,7 +19,7 @@ using testing::IsEmpty;
 
 std::shared_ptr<NEBSourceControlRequest> info(std::optional<std::string> location,
                                               std::optional<std::vector<NEBValue>> files = {}) {
-    auto made = requestFor(19, std::move(location));
+    auto made = requestFor(NEBSourceControlRequestInfo, std::move(location));
     made->files = std::move(files);
     return made;
 }

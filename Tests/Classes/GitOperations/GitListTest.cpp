@@ -25,7 +25,7 @@ using testing::IsEmpty;
 
 std::shared_ptr<NEBSourceControlRequest> listRequest(std::string folder,
                                                      const std::string& location = "/w") {
-    auto request = requestFor(17, location);
+    auto request = requestFor(NEBSourceControlRequestList, location);
     request->files = {NEBValue(std::move(folder))};
     return request;
 }
@@ -72,7 +72,8 @@ TEST(ListCommand, NamesNoRepositoryAndOnlyTheFirstFolder) {
 /// The place of the pattern is filled with what stands for nothing; the root is not listed.
 TEST(ListCommand, OfTheEmptyNameHasTheTextForNothing) {
     EXPECT_EQ(commandOf(listRequest("")), " ls-tree -z HEAD^{tree} (null)");
-    EXPECT_EQ(commandOf(requestFor(17, "/w")), " ls-tree -z HEAD^{tree} (null)");
+    EXPECT_EQ(commandOf(requestFor(NEBSourceControlRequestList, "/w")),
+              " ls-tree -z HEAD^{tree} (null)");
 }
 
 TEST(ListCommand, TakesTheBranchForTheSelector) {

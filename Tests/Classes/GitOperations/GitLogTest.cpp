@@ -40,13 +40,14 @@ TEST(LogFormat, IsTheFieldsOneALineBehindANUL) {
 }
 
 TEST(LogCommand, OfABareRequestNamesNoRevision) {
-    EXPECT_THAT(GitLogOperation(requestFor(18, "/w")).arguments(),
+    EXPECT_THAT(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).arguments(),
                 ElementsAre("log", "--abbrev=12", pretty));
-    EXPECT_EQ(GitLogOperation(requestFor(18, "/w")).currentDirectoryPath(), "/w");
+    EXPECT_EQ(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).currentDirectoryPath(),
+              "/w");
 }
 
 TEST(LogCommand, OfAFullRequestHasEachPartInItsPlace) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->startingRevision = "abc123";
     request->endingRevision = "def456";
     request->files = {NEBValue("src/a.c"), NEBValue("src/b.c")};
@@ -70,7 +71,7 @@ struct Revisions {
 class LogRevisions : public testing::TestWithParam<Revisions> {};
 
 TEST_P(LogRevisions, BecomeThisArgument) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->startingRevision = GetParam().start;
     request->endingRevision = GetParam().end;
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, GetParam().branch}};
@@ -113,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& parameter) { return parameter.param.name; });
 
 TEST(LogCommand, TakesTheLimitInDecimal) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     const auto argumentsFor = [&request](NEBValue limit) {
         request->options =
             NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
@@ -127,7 +128,7 @@ TEST(LogCommand, TakesTheLimitInDecimal) {
 }
 
 TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     for (const auto& [value, arguments] :
          std::vector<std::pair<NEBValue, Arguments>>{{true, {"--name-status"}},
                                                      {1, {"--name-status"}},
@@ -141,7 +142,7 @@ TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
 }
 
 TEST(LogCommand, PutsTheFirstFileBehindTwoDashes) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->files = std::vector<NEBValue>{};
     EXPECT_THAT(argumentsOf(request), IsEmpty());
     request->files = {NEBValue("/w/a.c"), NEBValue("/w/b.c")};
@@ -152,7 +153,7 @@ TEST(LogCommand, PutsTheFirstFileBehindTwoDashes) {
 // ---- reading what git printed -----------------------------------------------------------------
 
 std::shared_ptr<NEBSourceControlRequest> logRequest(bool withFiles) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->options =
         NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}};
     return request;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -21,7 +22,7 @@ using testing::HasSubstr;
 
 std::shared_ptr<NEBSourceControlRequest> merge(NEBValue endingRevision, NEBValue destination,
                                                const std::string& location = "/w") {
-    auto made = requestFor(9, location);
+    auto made = requestFor(NEBSourceControlRequestMerge, location);
     made->endingRevision = std::move(endingRevision);
     made->destination = std::move(destination);
     return made;
@@ -29,7 +30,7 @@ std::shared_ptr<NEBSourceControlRequest> merge(NEBValue endingRevision, NEBValue
 
 std::shared_ptr<NEBSourceControlRequest> mergeBase(NEBValue starting, NEBValue ending,
                                                    const std::string& location = "/w") {
-    auto made = requestFor(39, location);
+    auto made = requestFor(NEBSourceControlRequestMergeBase, location);
     made->startingRevision = std::move(starting);
     made->endingRevision = std::move(ending);
     return made;

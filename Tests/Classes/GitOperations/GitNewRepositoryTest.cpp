@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -31,7 +32,7 @@ constexpr const char* excluded = ".DS_Store\nUserInterface.vkuserstate";
 
 std::shared_ptr<NEBSourceControlRequest> create(std::optional<std::string> location,
                                                 std::optional<NEBDictionary> options = {}) {
-    auto made = requestFor(27, std::move(location));
+    auto made = requestFor(NEBSourceControlRequestCreateRepository, std::move(location));
     made->options = std::move(options);
     return made;
 }
@@ -42,7 +43,7 @@ NEBDictionary repositoryPath(const std::string& path) {
 
 std::shared_ptr<NEBSourceControlRequest> clone(std::optional<std::string> location,
                                                NEBValue destination) {
-    auto made = requestFor(29, std::move(location));
+    auto made = requestFor(NEBSourceControlRequestClone, std::move(location));
     made->destination = std::move(destination);
     made->repositoryToAuthenticate = made->sourceTree;
     return made;
@@ -106,7 +107,7 @@ TEST_F(NewRepository, HasItsListOfExcludedFilesToTheByte) {
     EXPECT_EQ(folder.read("new/.git/info/exclude"), excluded);
     folder.write("new/.DS_Store", "x");
     folder.write("new/UserInterface.vkuserstate", "x");
-    auto status = requestFor(15, path("new"));
+    auto status = requestFor(NEBSourceControlRequestStatus, path("new"));
     EXPECT_THAT(*perform(status)->result(), IsEmpty()) << "git reads the list";
 }
 

@@ -19,7 +19,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 std::optional<std::string> folderFor(std::optional<std::string> location) {
-    return GitOperation(requestFor(15, std::move(location))).currentDirectoryPath();
+    return GitOperation(requestFor(NEBSourceControlRequestStatus, std::move(location)))
+        .currentDirectoryPath();
 }
 
 TEST(GitWorkingDirectory, IsWhatTheLocationNames) {
@@ -35,13 +36,13 @@ TEST(GitWorkingDirectory, StaysUnsetForAnyOtherLocation) {
     EXPECT_EQ(folderFor("relative/folder"), std::nullopt);
     EXPECT_EQ(folderFor(""), std::nullopt);
     EXPECT_EQ(folderFor(std::nullopt), std::nullopt);
-    auto request = requestFor(15, "/w");
+    auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     request->sourceTree = nullptr;
     EXPECT_EQ(GitOperation(request).currentDirectoryPath(), std::nullopt);
 }
 
 std::vector<std::string> defaultArguments(std::optional<NEBDictionary> options) {
-    auto request = requestFor(18, "/w");
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->options = std::move(options);
     return GitOperation(request).defaultArguments();
 }
@@ -69,7 +70,8 @@ TEST(GitDefaultArguments, AreNoneWithoutTheirOptions) {
 
 TEST(GitOperationClass, IsMadeFromARequestAlone) {
     EXPECT_EQ(initWithRequest<GitOperation>(nullptr), nullptr);
-    const auto operation = initWithRequest<GitOperation>(requestFor(15, "/w"));
+    const auto operation =
+        initWithRequest<GitOperation>(requestFor(NEBSourceControlRequestStatus, "/w"));
     EXPECT_EQ(operation->className(), "GitOperation");
     EXPECT_THAT(operation->arguments(), IsEmpty());
 }
@@ -80,7 +82,7 @@ TEST(GitLaunchPath, IsLookedUpOnceForTheProcess) {
     std::mutex mutex;
     for (int i = 0; i < 8; ++i) {
         threads.emplace_back([&] {
-            GitOperation operation(requestFor(15, "/w"));
+            GitOperation operation(requestFor(NEBSourceControlRequestStatus, "/w"));
             const std::string path = operation.launchPath();
             const std::lock_guard lock(mutex);
             paths.insert(path);
@@ -96,7 +98,8 @@ TEST(GitLaunchPath, IsLookedUpOnceForTheProcess) {
     EXPECT_THAT(paths, ElementsAre(folder + "/git"));
     LOMDeveloperPaths::defaultPaths().setPreferredBinaryDirectory(
         LOMFilePath::filePathForPathString("/elsewhere"));
-    EXPECT_EQ(GitOperation(requestFor(15, "/w")).launchPath(), folder + "/git");
+    EXPECT_EQ(GitOperation(requestFor(NEBSourceControlRequestStatus, "/w")).launchPath(),
+              folder + "/git");
     LOMDeveloperPaths::defaultPaths().setPreferredBinaryDirectory(std::nullopt);
 }
 

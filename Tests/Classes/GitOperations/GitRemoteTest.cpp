@@ -1,5 +1,6 @@
 #include "GitOperations/GitRemote.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -44,29 +45,40 @@ NEBDictionary remote(const std::string& name, const std::string& location,
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(RemoteArguments, StandBehindTheDefaultArguments) {
-    EXPECT_THAT(GitListStandardRemotesOperation(request(24)).arguments(),
-                ElementsAre("remote", "-v"));
-    EXPECT_THAT(GitListStandardRemotesOperation(withPaths(request(24))).arguments(),
-                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "-v"));
     EXPECT_THAT(
-        GitAddRemoteOperation(withPaths(request(34, "mirror", valuesOf({"/m.git"})))).arguments(),
+        GitListStandardRemotesOperation(request(NEBSourceControlRequestListRemotes)).arguments(),
+        ElementsAre("remote", "-v"));
+    EXPECT_THAT(
+        GitListStandardRemotesOperation(withPaths(request(NEBSourceControlRequestListRemotes)))
+            .arguments(),
+        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "-v"));
+    EXPECT_THAT(
+        GitAddRemoteOperation(
+            withPaths(request(NEBSourceControlRequestAddRemote, "mirror", valuesOf({"/m.git"}))))
+            .arguments(),
         ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "add", "mirror", "/m.git"));
-    EXPECT_THAT(GitRemoveRemoteOperation(withPaths(request(35, "mirror"))).arguments(),
-                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
+    EXPECT_THAT(
+        GitRemoveRemoteOperation(withPaths(request(NEBSourceControlRequestRemoveRemote, "mirror")))
+            .arguments(),
+        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
 }
 
 TEST(RemoteArguments, LeaveOutWhatIsMissing) {
-    EXPECT_THAT(GitAddRemoteOperation(request(34)).arguments(), ElementsAre("remote", "add"));
-    EXPECT_THAT(GitAddRemoteOperation(request(34, "m", valuesOf({"/a", "/b"}))).arguments(),
+    EXPECT_THAT(GitAddRemoteOperation(request(NEBSourceControlRequestAddRemote)).arguments(),
+                ElementsAre("remote", "add"));
+    EXPECT_THAT(GitAddRemoteOperation(
+                    request(NEBSourceControlRequestAddRemote, "m", valuesOf({"/a", "/b"})))
+                    .arguments(),
                 ElementsAre("remote", "add", "m"))
         << "no one location";
-    EXPECT_THAT(GitRemoveRemoteOperation(request(35)).arguments(), ElementsAre("remote", "rm"));
+    EXPECT_THAT(GitRemoveRemoteOperation(request(NEBSourceControlRequestRemoveRemote)).arguments(),
+                ElementsAre("remote", "rm"));
 }
 
 // ---- what git prints --------------------------------------------------------------------------
 
 std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output) {
-    GitListStandardRemotesOperation operation(request(24));
+    GitListStandardRemotesOperation operation(request(NEBSourceControlRequestListRemotes));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -125,10 +137,13 @@ protected:
 };
 
 TEST_F(Remotes, AreAddedListedAndRemoved) {
-    EXPECT_EQ(run(34, "origin", valuesOf({"https://h/p.git"}))->error(), std::nullopt);
-    EXPECT_EQ(run(34, "mirror", valuesOf({"/m.git"}))->result(), std::nullopt);
+    EXPECT_EQ(
+        run(NEBSourceControlRequestAddRemote, "origin", valuesOf({"https://h/p.git"}))->error(),
+        std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestAddRemote, "mirror", valuesOf({"/m.git"}))->result(),
+              std::nullopt);
     repository.git({"remote", "set-url", "--push", "origin", "ssh://h/p.git"});
-    auto list = run(24);
+    auto list = run(NEBSourceControlRequestListRemotes);
     EXPECT_EQ(list->error(), std::nullopt);
     EXPECT_EQ(list->result(),
               (NEBSourceControlResult{remote("mirror", "/m.git", "fetch"),
@@ -136,19 +151,19 @@ TEST_F(Remotes, AreAddedListedAndRemoved) {
                                       remote("origin", "https://h/p.git", "fetch"),
                                       remote("origin", "ssh://h/p.git", "push"), NEBDictionary()}));
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing, svnURL, svnFetch));
-    EXPECT_EQ(run(35, "mirror")->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestRemoveRemote, "mirror")->error(), std::nullopt);
     EXPECT_EQ(repository.git({"remote"}), "origin\n");
 }
 
 TEST_F(Remotes, OfARepositoryWithoutAnyAreAnEmptyResult) {
-    EXPECT_EQ(run(24)->result(), NEBSourceControlResult{});
+    EXPECT_EQ(run(NEBSourceControlRequestListRemotes)->result(), NEBSourceControlResult{});
 }
 
 TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
     repository.git({"remote", "add", "origin", "/o.git"});
     repository.git({"config", "svn-remote.svn.url", "svn://h/p"});
     repository.git({"config", "svn-remote.svn.fetch", "trunk:refs/remotes/svn/trunk"});
-    const auto list = run(24);
+    const auto list = run(NEBSourceControlRequestListRemotes);
     EXPECT_EQ(list->result(),
               (NEBSourceControlResult{
                   remote("origin", "/o.git", "fetch"), remote("origin", "/o.git", "push"),
@@ -162,7 +177,7 @@ TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
 
 TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
     const test::TemporaryFolder folder;
-    const auto list = perform(request(24, {}, {}, folder.path()));
+    const auto list = perform(request(NEBSourceControlRequestListRemotes, {}, {}, folder.path()));
     EXPECT_THAT(list->error(), HasErrorClass("not-a-repository"));
     EXPECT_EQ(list->result(), std::nullopt);
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
@@ -174,7 +189,8 @@ TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
     repository.git({"remote", "add", "origin", "/o.git"});
     const TestRepository broken;
     broken.write(".git/config", "[core\n");
-    auto asked = request(24, {}, valuesOf({broken.path()}), repository.path());
+    auto asked = request(NEBSourceControlRequestListRemotes, {}, valuesOf({broken.path()}),
+                         repository.path());
     const auto list = perform(asked);
     EXPECT_EQ(list->error(), std::nullopt);
     EXPECT_EQ(list->result(),
@@ -185,10 +201,13 @@ TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
 
 TEST_F(Remotes, ThatCannotBeAddedOrRemovedSayWhy) {
     repository.git({"remote", "add", "origin", "/o.git"});
-    EXPECT_THAT(run(34, "origin", valuesOf({"/x"}))->error(), HasErrorClass("remote-exists"));
-    EXPECT_THAT(run(34, "a b", valuesOf({"/x"}))->error(), HasErrorClass("remote-name-invalid"));
-    EXPECT_THAT(run(35, "nosuch")->error(), HasErrorClass("remote-unknown"));
-    EXPECT_TRUE(run(34)->error().has_value());
+    EXPECT_THAT(run(NEBSourceControlRequestAddRemote, "origin", valuesOf({"/x"}))->error(),
+                HasErrorClass("remote-exists"));
+    EXPECT_THAT(run(NEBSourceControlRequestAddRemote, "a b", valuesOf({"/x"}))->error(),
+                HasErrorClass("remote-name-invalid"));
+    EXPECT_THAT(run(NEBSourceControlRequestRemoveRemote, "nosuch")->error(),
+                HasErrorClass("remote-unknown"));
+    EXPECT_TRUE(run(NEBSourceControlRequestAddRemote)->error().has_value());
 }
 
 }  // namespace

@@ -132,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(
 // ---- the operation: its command and its output ------------------------------------------------
 
 TEST(StatusOperation, AsksForTheWholeWorkingCopyOrForOnePath) {
-    auto request = requestFor(15, "/w");
+    auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
                                      {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
     request->files = {NEBValue("/w/ignored")};
@@ -156,24 +156,32 @@ std::optional<NEBSourceControlResult> resultOfOutput(
 }
 
 TEST(StatusOperation, MakesARecordOfEachLine) {
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"),
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"),
                                        " M a.txt\nD  b.txt\n?? ud/\n!! ignored\nR  x -> y\n")),
                 ElementsAre("4 /w/a.txt", "2 /w/b.txt", "256 /w/ud/", "4096 /w/y"));
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), "?? one\n")),
-                ElementsAre("256 /w/one"));
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), " M one\n")), ElementsAre("4 /w/one"));
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), " M one\n M no line end")),
+    EXPECT_THAT(
+        textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), "?? one\n")),
+        ElementsAre("256 /w/one"));
+    EXPECT_THAT(
+        textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), " M one\n")),
+        ElementsAre("4 /w/one"));
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"),
+                                       " M one\n M no line end")),
                 ElementsAre("4 /w/one", "4 /w/no line end"));
 }
 
 TEST(StatusOperation, NoOutputIsAnEmptyResult) {
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), "")), IsEmpty());
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), std::nullopt)), IsEmpty());
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), "\n\n")), IsEmpty());
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), "")),
+                IsEmpty());
+    EXPECT_THAT(
+        textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), std::nullopt)),
+        IsEmpty());
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), "\n\n")),
+                IsEmpty());
 }
 
 TEST(StatusOperation, ASourceTreeThatIsNotValidHasNoRecords) {
-    auto request = requestFor(15, "/w");
+    auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     request->sourceTree->isValid = false;
     EXPECT_THAT(textsOf(resultOfOutput(request, " M a.txt\n")), IsEmpty());
     request->sourceTree = nullptr;
@@ -181,12 +189,14 @@ TEST(StatusOperation, ASourceTreeThatIsNotValidHasNoRecords) {
 }
 
 TEST(StatusOperation, WithoutALocationPathsAreGits) {
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, std::nullopt), " M a.txt\nM  b\n")),
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, std::nullopt),
+                                       " M a.txt\nM  b\n")),
                 ElementsAre("4 a.txt", "4 b"));
 }
 
 TEST(StatusOperation, BytesThatAreNoTextAreReplaced) {
-    EXPECT_THAT(textsOf(resultOfOutput(requestFor(15, "/w"), "?? J\xFC\n?? b\n")),
+    EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"),
+                                       "?? J\xFC\n?? b\n")),
                 ElementsAre("256 /w/J\xEF\xBF\xBD", "256 /w/b"));
 }
 

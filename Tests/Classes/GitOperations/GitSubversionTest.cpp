@@ -1,5 +1,6 @@
 #include "GitOperations/GitSubversion.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -26,16 +27,20 @@ std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue des
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(SubversionArguments, AreFixedAndWithoutDefaultArguments) {
-    EXPECT_THAT(GitFetchSVNRemoteNameOperation(request(24)).arguments(),
-                ElementsAre("config", "--get", "svn-remote.svn.fetch"));
-    EXPECT_THAT(GitSvnFetchOperation(request(37)).arguments(), ElementsAre("svn", "fetch"));
-    EXPECT_THAT(GitSvnRebaseOperation(request(13, "refs/remotes/git-svn")).arguments(),
-                ElementsAre("rebase", "-s", "recursive", "-X", "ours", "refs/remotes/git-svn"));
+    EXPECT_THAT(
+        GitFetchSVNRemoteNameOperation(request(NEBSourceControlRequestListRemotes)).arguments(),
+        ElementsAre("config", "--get", "svn-remote.svn.fetch"));
+    EXPECT_THAT(GitSvnFetchOperation(request(NEBSourceControlRequestFetch)).arguments(),
+                ElementsAre("svn", "fetch"));
+    EXPECT_THAT(
+        GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "refs/remotes/git-svn"))
+            .arguments(),
+        ElementsAre("rebase", "-s", "recursive", "-X", "ours", "refs/remotes/git-svn"));
 }
 
 TEST(SubversionArguments, TheNameIsAskedForWhereTheOneFileIs) {
     const auto folderFor = [](std::optional<std::vector<NEBValue>> files) {
-        auto asked = request(24);
+        auto asked = request(NEBSourceControlRequestListRemotes);
         asked->files = std::move(files);
         return GitFetchSVNRemoteNameOperation(asked).currentDirectoryPath();
     };
@@ -48,11 +53,11 @@ TEST(SubversionArguments, TheNameIsAskedForWhereTheOneFileIs) {
 
 TEST(SubversionArguments, ARebaseOntoNothingIsReportedAndGoesOn) {
     const ReportCollector collector;
-    EXPECT_THAT(GitSvnRebaseOperation(request(13)).arguments(),
+    EXPECT_THAT(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate)).arguments(),
                 ElementsAre("rebase", "-s", "recursive", "-X", "ours"));
-    static_cast<void>(GitSvnRebaseOperation(request(13, 7)));
-    static_cast<void>(GitSvnRebaseOperation(request(13, "")));
-    static_cast<void>(GitSvnRebaseOperation(request(13, "x")));
+    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, 7)));
+    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "")));
+    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "x")));
     ASSERT_EQ(collector.reports().size(), 3U);
     for (const LOMAssertionReport& report : collector.reports()) {
         EXPECT_EQ(report.function, "-[GitSvnRebaseOperation initWithRequest:]");
@@ -75,7 +80,7 @@ TEST(SubversionArguments, ARebaseOntoNothingIsReportedAndGoesOn) {
 // ---- what git prints --------------------------------------------------------------------------
 
 std::optional<NEBSourceControlResult> nameIn(const std::optional<Data>& output) {
-    GitFetchSVNRemoteNameOperation operation(request(24));
+    GitFetchSVNRemoteNameOperation operation(request(NEBSourceControlRequestListRemotes));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -103,7 +108,7 @@ TEST(SubversionName, OfNoComponentIsAnEmptyRecord) {
 
 struct SubversionFetched {
     SubversionFetched(const std::optional<Data>& output, const std::optional<Data>& errors)
-        : operation(request(37)) {
+        : operation(request(NEBSourceControlRequestFetch)) {
         operation.setData(output);
         operation.setErrorData(errors);
         operation.parseData();
@@ -139,8 +144,8 @@ TEST(SubversionFetchOutput, LeavesEverythingElseAsItIs) {
 class SubversionRemote : public test::HygienicTest {
 protected:
     [[nodiscard]] std::shared_ptr<GitListSVNRemoteOperation> list() const {
-        auto operation =
-            std::make_shared<GitListSVNRemoteOperation>(requestFor(24, repository.path()));
+        auto operation = std::make_shared<GitListSVNRemoteOperation>(
+            requestFor(NEBSourceControlRequestListRemotes, repository.path()));
         operation->setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
         operation->start();
         return operation;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -39,23 +40,26 @@ const NEBDictionary bothPaths{{NEBSourceControlRequestOptionRepositoryPath, "/r/
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(AddArguments, AreTheWholeWorkingCopyWithoutDestinationOrFiles) {
-    EXPECT_THAT(GitAddOperation(request(0, std::nullopt)).arguments(),
+    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, std::nullopt)).arguments(),
                 ElementsAre("add", "--", "."));
-    EXPECT_THAT(GitAddOperation(request(0, valuesOf({}))).arguments(),
+    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, valuesOf({}))).arguments(),
                 ElementsAre("add", "--", "."));
 }
 
 TEST(AddArguments, AreTheDestinationAloneWhereThereIsOne) {
-    EXPECT_THAT(GitAddOperation(request(0, valuesOf({"/w/a", "/w/b"}), "/w/there")).arguments(),
-                ElementsAre("add", "--", "/w/there"));
+    EXPECT_THAT(
+        GitAddOperation(request(NEBSourceControlRequestAdd, valuesOf({"/w/a", "/w/b"}), "/w/there"))
+            .arguments(),
+        ElementsAre("add", "--", "/w/there"));
     const test::TemporaryFolder folder;
-    EXPECT_THAT(GitAddOperation(request(0, std::nullopt, folder.path())).arguments(),
+    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, std::nullopt, folder.path()))
+                    .arguments(),
                 ElementsAre("add", "--", folder.path()))
         << "no slash is put behind a destination";
 }
 
 TEST(AddArguments, StandBehindTheDefaultArguments) {
-    auto asked = request(6, valuesOf({"/r/a"}));
+    auto asked = request(NEBSourceControlRequestAddFiles, valuesOf({"/r/a"}));
     asked->options = bothPaths;
     EXPECT_THAT(GitAddOperation(asked).arguments(),
                 ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "add", "--", "/r/a"));
@@ -68,8 +72,9 @@ TEST(AddArguments, FoldersGetASlashAndNothingElseDoes) {
     fs::create_directory_symlink("Sources", folder.path("link"));
     EXPECT_THAT(
         GitAddOperation(
-            request(6, valuesOf({folder.path("Sources"), folder.path("a.c"), folder.path("link"),
-                                 folder.path("nothing"), folder.path("a.c") + "/", ""})))
+            request(NEBSourceControlRequestAddFiles,
+                    valuesOf({folder.path("Sources"), folder.path("a.c"), folder.path("link"),
+                              folder.path("nothing"), folder.path("a.c") + "/", ""})))
             .arguments(),
         ElementsAre("add", "--", folder.path("Sources/"), folder.path("a.c"), folder.path("link"),
                     folder.path("nothing"), folder.path("a.c") + "/", ""))
@@ -87,8 +92,8 @@ TEST(AddArguments, TheEmptyNameIsPassedOnUnchanged) {
 
 TEST(AddArguments, AFileThatIsNoStringIsReportedAndTheWorkGoesOn) {
     const ReportCollector collector;
-    const GitAddOperation operation(
-        request(6, std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
+    const GitAddOperation operation(request(NEBSourceControlRequestAddFiles,
+                                            std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
     EXPECT_THAT(operation.arguments(), ElementsAre("add", "--", "/w/a", "7", "/w/b"));
     ASSERT_EQ(collector.reports().size(), 2U);
     const LOMAssertionReport& absent = collector.reports()[0];
@@ -106,29 +111,36 @@ TEST(AddArguments, AFileThatIsNoStringIsReportedAndTheWorkGoesOn) {
 }
 
 TEST(RemoveArguments, AreAlwaysByForceAndRecursive) {
-    EXPECT_THAT(GitRemoveOperation(request(5, valuesOf({"/w/a", "-b", "c/"}))).arguments(),
-                ElementsAre("rm", "-f", "-r", "--", "/w/a", "-b", "c/"));
-    EXPECT_THAT(GitRemoveOperation(request(5, std::nullopt)).arguments(),
-                ElementsAre("rm", "-f", "-r", "--"));
-    auto asked = request(5, valuesOf({"/r/a"}));
+    EXPECT_THAT(
+        GitRemoveOperation(request(NEBSourceControlRequestRemove, valuesOf({"/w/a", "-b", "c/"})))
+            .arguments(),
+        ElementsAre("rm", "-f", "-r", "--", "/w/a", "-b", "c/"));
+    EXPECT_THAT(
+        GitRemoveOperation(request(NEBSourceControlRequestRemove, std::nullopt)).arguments(),
+        ElementsAre("rm", "-f", "-r", "--"));
+    auto asked = request(NEBSourceControlRequestRemove, valuesOf({"/r/a"}));
     asked->options = bothPaths;
     EXPECT_THAT(GitRemoveOperation(asked).arguments(), ElementsAre("rm", "-f", "-r", "--", "/r/a"))
         << "no default arguments";
-    EXPECT_THAT(GitRemoveOperation(request(5, std::vector<NEBValue>{NEBValue(), "a"})).arguments(),
+    EXPECT_THAT(GitRemoveOperation(
+                    request(NEBSourceControlRequestRemove, std::vector<NEBValue>{NEBValue(), "a"}))
+                    .arguments(),
                 ElementsAre("rm", "-f", "-r", "--", "a"))
         << "a file that is missing must not stand for one of some name";
 }
 
 /// Further files are left alone on purpose: a move has one destination, a new name.
 TEST(MoveArguments, AreTheFirstFileAndTheDestination) {
-    EXPECT_THAT(
-        GitMoveOperation(request(11, valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d")).arguments(),
-        ElementsAre("mv", "/w/a", "/w/d"));
-    auto asked = request(11, valuesOf({"/r/a"}), "/r/b");
+    EXPECT_THAT(GitMoveOperation(request(NEBSourceControlRequestMove,
+                                         valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d"))
+                    .arguments(),
+                ElementsAre("mv", "/w/a", "/w/d"));
+    auto asked = request(NEBSourceControlRequestMove, valuesOf({"/r/a"}), "/r/b");
     asked->options = bothPaths;
     EXPECT_THAT(GitMoveOperation(asked).arguments(), ElementsAre("mv", "/r/a", "/r/b"))
         << "neither -- nor default arguments";
-    EXPECT_THAT(GitMoveOperation(request(11, std::nullopt)).arguments(), ElementsAre("mv"));
+    EXPECT_THAT(GitMoveOperation(request(NEBSourceControlRequestMove, std::nullopt)).arguments(),
+                ElementsAre("mv"));
 }
 
 // ---- real repositories ------------------------------------------------------------------------
@@ -162,7 +174,7 @@ TEST_F(TrackedFiles, AnAddStagesFilesAndFolders) {
 
 TEST_F(TrackedFiles, AnAddThroughRepositoryAndWorkTreeNeedsNoFolder) {
     repository.write("a", "a");
-    auto asked = requestFor(6, std::nullopt);
+    auto asked = requestFor(NEBSourceControlRequestAddFiles, std::nullopt);
     asked->files = valuesOf({repository.path("a")});
     asked->options =
         NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")},

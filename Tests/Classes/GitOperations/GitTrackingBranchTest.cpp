@@ -1,5 +1,6 @@
 #include "GitOperations/GitTrackingBranch.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -16,7 +17,7 @@ using testing::ElementsAre;
 
 std::shared_ptr<NEBSourceControlRequest> trackingOf(const std::string& branch,
                                                     const std::string& location = "/w") {
-    auto made = requestFor(38, location);
+    auto made = requestFor(NEBSourceControlRequestTrackingBranchName, location);
     made->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, branch}};
     return made;
 }
@@ -32,8 +33,10 @@ TEST(BranchSetting, IsAskedForByTheBranchsKeyBehindTheDefaultArguments) {
     asked->options->set(NEBSourceControlRequestOptionRepositoryPath, "/r/.git");
     EXPECT_THAT(GitMergeBranchForBranchOperation(asked).arguments(),
                 ElementsAre("--git-dir=/r/.git", "config", "--get", "branch.b.merge"));
-    EXPECT_THAT(GitRemoteRefForBranchOperation(requestFor(38, "/w")).arguments(),
-                ElementsAre("config", "--get", "branch.(null).remote"));
+    EXPECT_THAT(
+        GitRemoteRefForBranchOperation(requestFor(NEBSourceControlRequestTrackingBranchName, "/w"))
+            .arguments(),
+        ElementsAre("config", "--get", "branch.(null).remote"));
 }
 
 template <typename Op>
@@ -114,7 +117,7 @@ protected:
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> track(
         const std::string& name, const std::string& remoteName, const std::string& branch) const {
-        auto asked = requestFor(36, repository.path());
+        auto asked = requestFor(NEBSourceControlRequestTrackRemoteBranch, repository.path());
         asked->destination = name;
         asked->options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, remoteName},
                                        {NEBSourceControlRequestOptionBranch, branch}};

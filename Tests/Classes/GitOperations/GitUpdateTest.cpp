@@ -1,5 +1,6 @@
 #include "GitOperations/GitUpdate.h"
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -27,7 +28,7 @@ protected:
         upstream->commitFile("a", "2");
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> request() const {
-        auto asked = requestFor(13, repository->path());
+        auto asked = requestFor(NEBSourceControlRequestUpdate, repository->path());
         asked->repositoryToAuthenticate = asked->sourceTree;
         asked->remote = std::make_shared<NEBSourceControlRemote>();
         asked->destination = "origin/main";

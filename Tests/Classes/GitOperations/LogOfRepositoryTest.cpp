@@ -28,7 +28,7 @@ class LogOfRepository : public test::HygienicTest {
 protected:
     static std::shared_ptr<NEBSourceControlRequest> logRequest(const TestRepository& repository,
                                                                bool withFiles = true) {
-        auto request = requestFor(18, repository.path());
+        auto request = requestFor(NEBSourceControlRequestLog, repository.path());
         request->options =
             NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}};
         return request;
@@ -300,7 +300,8 @@ protected:
     }
 
     const TestRepository repository;
-    const std::shared_ptr<NEBSourceControlRequest> request = requestFor(18, "");
+    const std::shared_ptr<NEBSourceControlRequest> request =
+        requestFor(NEBSourceControlRequestLog, "");
 };
 
 TEST_F(LogSelection, IsOfTheCheckedOutBranchUnlessMoreIsAsked) {

@@ -30,7 +30,7 @@ protected:
     /// Goes a host's way.
     static std::shared_ptr<NEBSourceControlOperation> statusOf(const std::string& location,
                                                                NEBValue destination = {}) {
-        auto request = requestFor(15, location);
+        auto request = requestFor(NEBSourceControlRequestStatus, location);
         request->destination = std::move(destination);
         auto operation = GitController().operationForRequest(request);
         operation->start();

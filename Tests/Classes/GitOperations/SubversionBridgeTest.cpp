@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/SubversionServer.h"
@@ -56,7 +57,7 @@ protected:
 };
 
 TEST_F(SubversionBridge, IsFoundAndDescribed) {
-    const auto remotes = perform(requestFor(24, clone->path()));
+    const auto remotes = perform(requestFor(NEBSourceControlRequestListRemotes, clone->path()));
     EXPECT_EQ(remotes->error(), std::nullopt);
     EXPECT_EQ(remotes->result(),
               (NEBSourceControlResult{
@@ -65,7 +66,7 @@ TEST_F(SubversionBridge, IsFoundAndDescribed) {
                    {NEBSourceControlOperationRepositoryRootKey, clone->path()},
                    {NEBSourceControlOperationRemoteNameKey, "git-svn"},
                    {NEBSourceControlOperationTypeKey, "fetch"}}}));
-    EXPECT_EQ(perform(requestFor(19, clone->path()))->result(),
+    EXPECT_EQ(perform(requestFor(NEBSourceControlRequestInfo, clone->path()))->result(),
               (NEBSourceControlResult{
                   {{NEBSourceControlOperationRemoteOriginKey, server->url() + "/trunk"},
                    {NEBSourceControlOperationRepositoryRootKey, clone->path()}}}));
@@ -113,7 +114,7 @@ TEST_F(SubversionBridge, AFetchOfANewBranchIsNoError) {
     server->run({"svn", "copy", "-q", "-m", "branch", server->fileURL() + "/trunk",
                  server->fileURL() + "/branches/b1"});
     server->commitFile("branches/b1/a", "on the branch\n");
-    auto asked = requestFor(37, whole.path());
+    auto asked = requestFor(NEBSourceControlRequestFetch, whole.path());
     asked->repositoryToAuthenticate = asked->sourceTree;
     asked->remote = std::make_shared<NEBSourceControlRemote>();
     asked->remote->representsGitSVNBridge = true;

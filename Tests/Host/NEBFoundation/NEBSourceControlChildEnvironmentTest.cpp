@@ -281,7 +281,7 @@ TEST(ChildEnvironment, IsWhatAChildOfAnOperationGets) {
         std::string launchPath() override { return "/usr/bin/env"; }
     };
     ::setenv("GIT_DIR", "/elsewhere", 1);
-    EnvironmentOperation operation(test::requestFor(15, std::nullopt));
+    EnvironmentOperation operation(test::requestFor(NEBSourceControlRequestStatus, std::nullopt));
     const Variables expected =
         NEBSourceControlChildEnvironment(NEBSourceControlInheritedEnvironment(), {});
     operation.start();

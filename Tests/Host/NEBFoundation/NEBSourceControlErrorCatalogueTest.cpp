@@ -17,8 +17,8 @@ using test::requestFor;
 class Catalogue : public testing::TestWithParam<test::CatalogueText> {};
 
 TEST_P(Catalogue, KnowsTheClassAndCodeOfAText) {
-    const auto error =
-        NEBSourceControlErrorFromText(GetParam().text, *requestFor(18, std::nullopt));
+    const auto error = NEBSourceControlErrorFromText(
+        GetParam().text, *requestFor(NEBSourceControlRequestLog, std::nullopt));
     EXPECT_EQ(NEBSourceControlErrorClassOfText(GetParam().text), GetParam().errorClass);
     EXPECT_EQ(error.errorClass, GetParam().errorClass);
     EXPECT_EQ(error.code, GetParam().code);

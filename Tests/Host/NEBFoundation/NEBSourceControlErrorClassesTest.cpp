@@ -83,7 +83,8 @@ TEST(ErrorClassTable, LeavesAnErrorWithoutDescriptionClassOrAdvice) {
 TEST(ErrorClassTable, GivesATextOfGitItsSentenceAndAdvice) {
     const std::string text =
         "fatal: could not read Username for 'http://127.0.0.1': terminal prompts disabled\n";
-    const auto error = NEBSourceControlErrorFromText(text, *test::requestFor(37, std::nullopt));
+    const auto error = NEBSourceControlErrorFromText(
+        text, *test::requestFor(NEBSourceControlRequestFetch, std::nullopt));
     EXPECT_EQ(error.localizedDescription(),
               "The server requires a user name and password, and none are stored.");
     EXPECT_EQ(error.localizedRecoverySuggestion(),
@@ -94,7 +95,8 @@ TEST(ErrorClassTable, GivesATextOfGitItsSentenceAndAdvice) {
 TEST(ErrorClassTable, GoesBeforeTheHintsOfGit) {
     const char* text =
         "The following paths are ignored by one of your .gitignore files:\nx.o\nhint: Use -f if";
-    const auto error = NEBSourceControlErrorFromText(text, *test::requestFor(0, std::nullopt));
+    const auto error = NEBSourceControlErrorFromText(
+        text, *test::requestFor(NEBSourceControlRequestAdd, std::nullopt));
     EXPECT_EQ(error.localizedRecoverySuggestion(),
               NEBSourceControlErrorClassNamed("path-ignored")->advice);
     EXPECT_THAT(error.hints, testing::ElementsAre("Use -f if"));
@@ -102,7 +104,8 @@ TEST(ErrorClassTable, GoesBeforeTheHintsOfGit) {
 
 TEST(ErrorClassTable, LeavesATextOfNoClassAndItsHints) {
     const char* text = "hint: Try this\nfatal: something new";
-    const auto error = NEBSourceControlErrorFromText(text, *test::requestFor(0, std::nullopt));
+    const auto error = NEBSourceControlErrorFromText(
+        text, *test::requestFor(NEBSourceControlRequestAdd, std::nullopt));
     EXPECT_EQ(error.errorClass, "unknown");
     EXPECT_EQ(error.localizedDescription(), text);
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Try this");

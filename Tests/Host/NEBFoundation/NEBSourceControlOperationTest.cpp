@@ -17,7 +17,7 @@ using test::requestFor;
 using testing::HasSubstr;
 
 TEST(SourceControlOperation, TheBaseDoesNothing) {
-    NEBSourceControlOperation operation(requestFor(4, std::nullopt));
+    NEBSourceControlOperation operation(requestFor(NEBSourceControlRequestIgnore, std::nullopt));
     operation.start();
     EXPECT_TRUE(operation.isFinished());
     EXPECT_EQ(operation.result(), std::nullopt);
@@ -33,7 +33,7 @@ TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
         void main() override { ran = true; }
         bool ran = false;
     };
-    Marking operation(requestFor(4, std::nullopt));
+    Marking operation(requestFor(NEBSourceControlRequestIgnore, std::nullopt));
     operation.cancel();
     operation.start();
     EXPECT_FALSE(operation.ran);
@@ -43,7 +43,7 @@ TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
 
 TEST(SourceControlOperation, WithoutARequestThereIsNone) {
     EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
-    const auto request = requestFor(4, std::nullopt);
+    const auto request = requestFor(NEBSourceControlRequestIgnore, std::nullopt);
     EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(request)->request(), request);
 }
 
@@ -53,7 +53,7 @@ TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
         using NEBSourceControlOperation::NEBSourceControlOperation;
         void main() override { throw std::runtime_error("a reason"); }
     };
-    Throwing operation(requestFor(4, std::nullopt));
+    Throwing operation(requestFor(NEBSourceControlRequestIgnore, std::nullopt));
     operation.start();
     EXPECT_TRUE(operation.isFinished());
     EXPECT_THAT(operation.error(),
@@ -66,13 +66,13 @@ TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;
         void main() override {
-            if (request()->type == 4) {
+            if (request()->type == NEBSourceControlRequestIgnore) {
                 throw std::bad_alloc();
             }
             std::string().resize(std::string().max_size() + 1);
         }
     };
-    for (const std::int32_t type : {4, 5}) {
+    for (const std::int32_t type : {NEBSourceControlRequestIgnore, NEBSourceControlRequestRemove}) {
         Throwing operation(requestFor(type, std::nullopt));
         operation.start();
         EXPECT_THAT(operation.error(), HasErrorClass("out-of-memory"));
@@ -86,7 +86,7 @@ TEST(SourceControlOperation, TheEndOfItsThreadIsNoError) {
         using NEBSourceControlOperation::NEBSourceControlOperation;
         void main() override { ::pthread_exit(nullptr); }
     };
-    Ending operation(requestFor(4, std::nullopt));
+    Ending operation(requestFor(NEBSourceControlRequestIgnore, std::nullopt));
     std::thread([&operation] { operation.start(); }).join();
     EXPECT_FALSE(operation.isFinished());
     EXPECT_EQ(operation.error(), std::nullopt);

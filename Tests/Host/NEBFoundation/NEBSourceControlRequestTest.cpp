@@ -25,9 +25,9 @@ using testing::MatchesRegex;
 TEST(Request, IsMadeWithItsFieldsAndNoOthers) {
     auto tree = std::make_shared<NEBSourceControlRepository>();
     const auto request = NEBSourceControlRequest::initWithType(
-        19, tree, std::vector<NEBValue>{"/a"},
+        NEBSourceControlRequestInfo, tree, std::vector<NEBValue>{"/a"},
         NEBDictionary{{NEBSourceControlRequestOptionBranch, "topic"}});
-    EXPECT_EQ(request->type, 19);
+    EXPECT_EQ(request->type, NEBSourceControlRequestInfo);
     EXPECT_EQ(request->sourceTree, tree);
     EXPECT_EQ(request->fileCount(), 1U);
     EXPECT_EQ(*request->option(NEBSourceControlRequestOptionBranch).string(), "topic");
@@ -40,7 +40,7 @@ TEST(Request, IsMadeWithItsFieldsAndNoOthers) {
 }
 
 TEST(Request, TakesOtherOptions) {
-    const auto request = requestFor(20, "/w");
+    const auto request = requestFor(NEBSourceControlRequestExportFiles, "/w");
     EXPECT_FALSE(request->option("x").isPresent());
     request->setOptions(NEBDictionary{{"x", 1}});
     EXPECT_EQ(request->option("x").integer(), 1);
@@ -49,7 +49,7 @@ TEST(Request, TakesOtherOptions) {
 }
 
 TEST(Request, CallsAMissingSourceTreeNull) {
-    auto request = requestFor(15, "/w");
+    auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     EXPECT_EQ(request->sourceTreeName(), "demo");
     request->sourceTree = nullptr;
     EXPECT_EQ(request->sourceTreeName(), "(null)");
@@ -181,26 +181,46 @@ std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, u
 
 TEST(ArgumentInjections, AreFoundWhereGitWouldReadThem) {
     const std::pair<std::int32_t, unsigned> exposed[] = {
-        {0, 0},          {1, D | L},
-        {2, D},          {3, 0},
-        {4, 0},          {5, 0},
-        {6, 0},          {7, 0},
-        {8, 0},          {9, D | E},
-        {10, 0},         {11, D | F},
-        {12, 0},         {13, D | E | R | B},
-        {14, D},         {15, 0},
-        {16, 0},         {17, F},
-        {18, S | E | B}, {19, 0},
-        {20, S | F | N}, {21, S | F | N},
-        {22, 0},         {23, 0},
-        {24, 0},         {25, F},
-        {26, 0},         {27, 0},
-        {28, S | E},     {29, W | D | B},
-        {30, S | E | D}, {31, F},
-        {32, F},         {33, R | B},
-        {34, D | F},     {35, D},
-        {36, D | R | B}, {37, R},
-        {38, 0},         {39, S | E},
+        {NEBSourceControlRequestAdd, 0},
+        {NEBSourceControlRequestCreateBranch, D | L},
+        {NEBSourceControlRequestDeleteBranch, D},
+        {NEBSourceControlRequestCommit, 0},
+        {NEBSourceControlRequestIgnore, 0},
+        {NEBSourceControlRequestRemove, 0},
+        {NEBSourceControlRequestAddFiles, 0},
+        {NEBSourceControlRequestRevert, 0},
+        {NEBSourceControlRequestMakeDirectory, 0},
+        {NEBSourceControlRequestMerge, D | E},
+        {NEBSourceControlRequestCopy, 0},
+        {NEBSourceControlRequestMove, D | F},
+        {12, 0},
+        {NEBSourceControlRequestUpdate, D | E | R | B},
+        {NEBSourceControlRequestCheckout, D},
+        {NEBSourceControlRequestStatus, 0},
+        {16, 0},
+        {NEBSourceControlRequestList, F},
+        {NEBSourceControlRequestLog, S | E | B},
+        {NEBSourceControlRequestInfo, 0},
+        {NEBSourceControlRequestExportFiles, S | F | N},
+        {NEBSourceControlRequestExport, S | F | N},
+        {NEBSourceControlRequestExportTree, 0},
+        {23, 0},
+        {NEBSourceControlRequestListRemotes, 0},
+        {NEBSourceControlRequestListBranches, F},
+        {NEBSourceControlRequestCurrentBranch, 0},
+        {NEBSourceControlRequestCreateRepository, 0},
+        {NEBSourceControlRequestBlame, S | E},
+        {NEBSourceControlRequestClone, W | D | B},
+        {NEBSourceControlRequestDiff, S | E | D},
+        {NEBSourceControlRequestListRemoteBranches, F},
+        {NEBSourceControlRequestListRemoteBranchesSecondForm, F},
+        {NEBSourceControlRequestPush, R | B},
+        {NEBSourceControlRequestAddRemote, D | F},
+        {NEBSourceControlRequestRemoveRemote, D},
+        {NEBSourceControlRequestTrackRemoteBranch, D | R | B},
+        {NEBSourceControlRequestFetch, R},
+        {NEBSourceControlRequestTrackingBranchName, 0},
+        {NEBSourceControlRequestMergeBase, S | E},
     };
     for (const auto& [type, places] : exposed) {
         for (const unsigned place : {D, S, E, B, R, L, F, W, N}) {
@@ -215,17 +235,25 @@ TEST(ArgumentInjections, AreNamed) {
     const auto nameOf = [](std::int32_t type, unsigned place) {
         return NEBSourceControlFirstArgumentInjection(*requestWithOptions(type, place))->field;
     };
-    EXPECT_EQ(nameOf(29, W), "sourceTree.location");
-    EXPECT_EQ(nameOf(14, D), "destination");
-    EXPECT_EQ(nameOf(39, S), "startingRevision");
-    EXPECT_EQ(nameOf(39, E), "endingRevision");
-    EXPECT_EQ(nameOf(11, F), "files[1]");
-    EXPECT_EQ(nameOf(20, N), "files[1]");
-    EXPECT_EQ(nameOf(18, B), "options.NEBSourceControlRequestOptionBranch");
-    EXPECT_EQ(nameOf(37, R), "options.NEBSourceControlRequestOptionRemoteName");
-    EXPECT_EQ(nameOf(1, L), "options.NEBSourceControlRequestOptionSourceLocation");
-    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*requestWithOptions(14, D))->value, "-x");
-    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*requestWithOptions(20, N))->value, "-x")
+    EXPECT_EQ(nameOf(NEBSourceControlRequestClone, W), "sourceTree.location");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestCheckout, D), "destination");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestMergeBase, S), "startingRevision");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestMergeBase, E), "endingRevision");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestMove, F), "files[1]");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestExportFiles, N), "files[1]");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestLog, B), "options.NEBSourceControlRequestOptionBranch");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestFetch, R),
+              "options.NEBSourceControlRequestOptionRemoteName");
+    EXPECT_EQ(nameOf(NEBSourceControlRequestCreateBranch, L),
+              "options.NEBSourceControlRequestOptionSourceLocation");
+    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(
+                  *requestWithOptions(NEBSourceControlRequestCheckout, D))
+                  ->value,
+              "-x");
+    EXPECT_EQ(NEBSourceControlFirstArgumentInjection(
+                  *requestWithOptions(NEBSourceControlRequestExportFiles, N))
+                  ->value,
+              "-x")
         << "what git would read, the name behind the folder";
 }
 
@@ -263,8 +291,14 @@ TEST(ArgumentInjections, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
         {NEBValue(std::make_shared<const Describing>()), "--object"},
     };
     const std::pair<std::int32_t, unsigned> exposed[] = {
-        {1, D},  {1, L},  {9, E},  {11, F}, {13, R}, {17, F}, {18, B}, {20, S},
-        {20, N}, {21, F}, {25, F}, {29, B}, {30, E}, {33, R}, {34, D}, {39, E},
+        {NEBSourceControlRequestCreateBranch, D}, {NEBSourceControlRequestCreateBranch, L},
+        {NEBSourceControlRequestMerge, E},        {NEBSourceControlRequestMove, F},
+        {NEBSourceControlRequestUpdate, R},       {NEBSourceControlRequestList, F},
+        {NEBSourceControlRequestLog, B},          {NEBSourceControlRequestExportFiles, S},
+        {NEBSourceControlRequestExportFiles, N},  {NEBSourceControlRequestExport, F},
+        {NEBSourceControlRequestListBranches, F}, {NEBSourceControlRequestClone, B},
+        {NEBSourceControlRequestDiff, E},         {NEBSourceControlRequestPush, R},
+        {NEBSourceControlRequestAddRemote, D},    {NEBSourceControlRequestMergeBase, E},
     };
     for (const auto& [value, text] : kinds) {
         for (const auto& [type, place] : exposed) {
@@ -276,7 +310,8 @@ TEST(ArgumentInjections, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
     }
     for (const NEBValue& value :
          {NEBValue(4), NEBValue(true), NEBValue(NEBDictionary{{"-k", 1}})}) {
-        EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(33, R | B, value)))
+        EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(
+            *requestWithOptions(NEBSourceControlRequestPush, R | B, value)))
             << value.description();
     }
 }
@@ -302,7 +337,8 @@ TEST(ArgumentInjections, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
     for (const unsigned side : {B, D}) {
         for (const char* name : {"", "+x", "a*"}) {
             const NEBValue path(LOMFilePath::filePathForPathString(name));
-            EXPECT_TRUE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(33, side, path)))
+            EXPECT_TRUE(NEBSourceControlFirstArgumentInjection(
+                *requestWithOptions(NEBSourceControlRequestPush, side, path)))
                 << name;
         }
     }

@@ -280,7 +280,8 @@ public:
 
 TEST_F(TaskOperation, AnOperationMayKnowWhatAnUnknownFailureMeans) {
     const auto run = [](std::string text) {
-        auto operation = std::make_shared<Knowing>(std::move(text), requestFor(3, std::nullopt));
+        auto operation = std::make_shared<Knowing>(
+            std::move(text), requestFor(NEBSourceControlRequestCommit, std::nullopt));
         operation->start();
         return operation;
     };
@@ -476,14 +477,14 @@ std::string environmentLineOf(const std::shared_ptr<NEBSourceControlRequest>& re
 
 TEST_F(TaskOperation, PatternsInNamesAreTakenLiterally) {
     for (const char* name : {"/w/a*.c", "/w/a?.c", "/w/a[1].c", "/w/a\\.c", ":a", "/w/:a"}) {
-        auto request = requestFor(5, std::nullopt);
+        auto request = requestFor(NEBSourceControlRequestRemove, std::nullopt);
         request->files = {NEBValue("/w/plain.c"), NEBValue(name)};
         EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
             << name;
         request->files = {NEBValue(LOMFilePath::filePathForPathString(name))};
         EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
             << name << " as a path";
-        request = requestFor(0, std::nullopt);
+        request = requestFor(NEBSourceControlRequestAdd, std::nullopt);
         request->destination = name;
         EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "GIT_LITERAL_PATHSPECS=1")
             << name;
@@ -491,14 +492,14 @@ TEST_F(TaskOperation, PatternsInNamesAreTakenLiterally) {
 }
 
 TEST_F(TaskOperation, OrdinaryNamesLeaveGitAsItIs) {
-    auto request = requestFor(5, std::nullopt);
+    auto request = requestFor(NEBSourceControlRequestRemove, std::nullopt);
     request->files = {NEBValue("/w/plain name.c"), NEBValue(5), NEBValue(), NEBValue("")};
     request->destination = "topic/a-b.c";
     EXPECT_EQ(environmentLineOf(request, "GIT_LITERAL_PATHSPECS"), "");
 }
 
 TEST_F(TaskOperation, BackgroundWorkAloneTakesNoOptionalLocks) {
-    const auto request = requestFor(15, std::nullopt);
+    const auto request = requestFor(NEBSourceControlRequestStatus, std::nullopt);
     EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS"), "");
     EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS", true), "GIT_OPTIONAL_LOCKS=0");
 }

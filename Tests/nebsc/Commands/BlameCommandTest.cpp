@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -128,7 +129,7 @@ TEST_F(BlameCommand, ABareRepositoryHasFilesToo) {
 TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {
     const NebscOutcome outcome = blame({"--json", "HEAD~1", "grüße dir/b c.c"}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 28);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestBlame);
     EXPECT_EQ(json["command"]["arguments"],
               JSON({"blame", "-c", "-l", "HEAD~1", "--", repository.path("src/grüße dir/b c.c")}));
     EXPECT_EQ(json["result"].size(), 3U);

@@ -1,5 +1,6 @@
 // `nebsc branch` and its commands, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -127,11 +128,13 @@ TEST_F(BranchCommands, WithoutACommitThatIsToldPlainly) {
 
 TEST_F(BranchCommands, JSONIsTheOutcomeAndNothingElse) {
     const NebscOutcome list = nebsc({"branch", "--json"});
-    EXPECT_EQ(list.json()["type"], 25);
+    EXPECT_EQ(list.json()["type"], NEBSourceControlRequestListBranches);
     EXPECT_EQ(list.json()["result"].size(), 2U) << "with the record that ends the listing";
     EXPECT_EQ(list.errors, "");
-    EXPECT_EQ(nebsc({"branch", "current", "--json"}).json()["type"], 26);
-    EXPECT_EQ(nebsc({"--json", "branch", "create", "x"}).json()["type"], 1);
+    EXPECT_EQ(nebsc({"branch", "current", "--json"}).json()["type"],
+              NEBSourceControlRequestCurrentBranch);
+    EXPECT_EQ(nebsc({"--json", "branch", "create", "x"}).json()["type"],
+              NEBSourceControlRequestCreateBranch);
     const NebscOutcome deleted = nebsc({"branch", "--json", "delete", "--force", "x"});
     EXPECT_EQ(deleted.json()["command"]["arguments"], JSON({"branch", "-D", "x"}));
     const NebscOutcome unknown = nebsc({"branch", "create", "y", "nosuch", "--json"});

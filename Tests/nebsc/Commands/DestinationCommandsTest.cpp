@@ -1,5 +1,6 @@
 // `nebsc mv`, `cp` and `mkdir`, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -134,7 +135,7 @@ TEST_F(DestinationCommands, CopyThatCannotBeStagedIsTold) {
                        testing::EndsWith("\nThe copy was made all the same; it is not staged.\n")));
     EXPECT_TRUE(isThere("a.o"));
     const NebscOutcome json = nebsc({"cp", "--json", "a.c", "b.o"});
-    EXPECT_EQ(json.json()["type"], 10);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestCopy);
     EXPECT_EQ(json.json()["error"]["class"], "path-ignored");
     EXPECT_THAT(json.errors, HasSubstr("it is not staged"));
     EXPECT_EQ(json.exitStatus, 1);
@@ -185,7 +186,7 @@ TEST_F(DestinationCommands, NothingIsMadeWhereThereIsNoWorkingCopy) {
 
 TEST_F(DestinationCommands, MakeDirectoryWithJSONPrintsTheOutcomeAlone) {
     const NebscOutcome outcome = nebsc({"mkdir", "x", "--json"});
-    EXPECT_EQ(outcome.json()["type"], 8);
+    EXPECT_EQ(outcome.json()["type"], NEBSourceControlRequestMakeDirectory);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
 }

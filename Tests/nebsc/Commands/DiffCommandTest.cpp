@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -228,7 +229,7 @@ TEST_F(DiffCommand, JSONIsTheOutcomeAndNothingElse) {
     repository.write("a.c", "2\n");
     const NebscOutcome outcome = nebsc({"diff", "--json", "../a.c"}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 30);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestDiff);
     EXPECT_EQ(json["command"]["arguments"],
               JSON({"diff", "--no-ext-diff", "HEAD", "--", repository.path("a.c")}));
     EXPECT_THAT(json["result"][0]["NEBSourceControlOperationContentKey"].get<std::string>(),

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/SharingTest.h"
 
 namespace neb::test {
@@ -62,7 +63,7 @@ TEST_F(ExchangeCommands, AFetchIntoAnEmptyRepositoryIsOne) {
 
 TEST_F(ExchangeCommands, AFetchInJSONIsItsOutcome) {
     const NebscOutcome json = nebsc(*ben, {"fetch", "origin", "--json"});
-    EXPECT_EQ(json.json()["type"], 37);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestFetch);
     EXPECT_EQ(json.json()["command"]["arguments"], JSON({"fetch", "-q", "origin"}));
     EXPECT_EQ(json.json()["reports"], JSON::array());
     EXPECT_EQ(json.errors, "");
@@ -129,7 +130,7 @@ TEST_F(ExchangeCommands, APushTellsWhereItWent) {
 
 TEST_F(ExchangeCommands, APushInJSONIsItsOutcome) {
     const NebscOutcome json = nebsc(*ann, {"push", "origin", "main:x", "--json"});
-    EXPECT_EQ(json.json()["type"], 33);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestPush);
     EXPECT_EQ(json.json()["command"]["arguments"], JSON({"push", "origin", "main:x"}));
     EXPECT_EQ(json.errors, "");
     const NebscOutcome nothing = nebsc(*ann, {"push", "origin", "main:x", "--json"});

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Session/NewFile.h"
 #include "nebsc/CommandTest.h"
 
@@ -121,7 +122,7 @@ TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
     const NebscOutcome outcome =
         nebsc({"export", "--json", "HEAD~1", "grüße a.c", folder.path("y")}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 21);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestExport);
     EXPECT_EQ(json["result"],
               JSON::array({{{"NEBSourceControlOperationPathKey", folder.path("y")}}}));
     EXPECT_EQ(folder.read("y"), "new\n");
@@ -256,7 +257,7 @@ TEST_F(ExportCommands, AFileWhoseBytesAreLostIsNotSaidToBeMissing) {
 TEST_F(ExportCommands, JSONOfATreeIsTheOutcome) {
     const NebscOutcome outcome = nebsc({"--json", "export-tree", folder.path("t")});
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 22);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestExportTree);
     EXPECT_EQ(json["command"]["arguments"],
               JSON({"checkout-index", "-a", "-f", "--prefix=" + folder.path("t") + "/"}));
     EXPECT_EQ(outcome.errors, "");

@@ -1,5 +1,6 @@
 // `nebsc add`, `rm` and `revert`, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -79,7 +80,7 @@ TEST_F(FileCommands, AddWithJSONPrintsTheOutcomeAlone) {
     change({"src/deep.c"});
     const NebscOutcome outcome = nebsc({"add", "--json", "deep.c"}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 6);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestAddFiles);
     EXPECT_EQ(json["command"]["arguments"], JSON({"add", "--", repository.path("src/deep.c")}));
     EXPECT_EQ(json["command"]["currentDirectoryPath"], repository.path());
     EXPECT_TRUE(json["error"].is_null());
@@ -230,7 +231,7 @@ TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
     EXPECT_EQ(state(), "UU src/deep.c\n");
     expectDone(nebsc({"revert", "a.c"}));
     const NebscOutcome json = nebsc({"revert", "--json", "src/deep.c"});
-    EXPECT_EQ(json.json()["type"], 7);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestRevert);
     EXPECT_EQ(json.exitStatus, 1);
 }
 

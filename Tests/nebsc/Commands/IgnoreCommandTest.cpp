@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -72,7 +73,7 @@ TEST_F(IgnoreCommand, WritesToNothingButAFileOfItsOwn) {
     expectFailed(nebsc({"ignore", "b"}), HasSubstr("could not be written"));
     EXPECT_EQ(elsewhere.read("target"), "mine\n");
     const auto outcome = nebsc({"ignore", "b", "--json"});
-    EXPECT_EQ(outcome.json()["type"], 4);
+    EXPECT_EQ(outcome.json()["type"], NEBSourceControlRequestIgnore);
     EXPECT_EQ(outcome.json()["error"]["domain"], "NEBPOSIXErrorDomain");
     EXPECT_EQ(outcome.exitStatus, 1);
 }

@@ -1,5 +1,6 @@
 // `nebsc info`, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -46,7 +47,7 @@ TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
     expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
                  testing::StartsWith("nebsc: The folder is not in a git repository."));
     const NebscOutcome json = runNebsc({"info", "--json"}, {.folder = folder.path()});
-    EXPECT_EQ(json.json()["type"], 19);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestInfo);
     EXPECT_THAT(json.errors, HasSubstr("not in a git repository"));
     EXPECT_EQ(json.exitStatus, 1);
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -161,7 +162,7 @@ TEST_F(ListCommand, NamesThatAreNotUTF8AreListed) {
 TEST_F(ListCommand, JSONIsTheOutcomeAndNothingElse) {
     const NebscOutcome outcome = nebsc({"ls", "--json"}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 17);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestList);
     EXPECT_EQ(json["operation"], "TreeQuery");
     EXPECT_EQ(json["command"]["arguments"], JSON({"ls-tree", "--full-tree", "-z", "HEAD:src"}));
     ASSERT_EQ(json["result"].size(), 3U);

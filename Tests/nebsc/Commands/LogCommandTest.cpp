@@ -1,5 +1,6 @@
 // `nebsc log`, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -209,7 +210,7 @@ TEST_F(LogCommand, ABareRepositoryHasALogToo) {
 TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {
     const NebscOutcome outcome = log({"--json", "--files", "-n", "1", "HEAD", "../a.c"}, "src");
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 18);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestLog);
     EXPECT_EQ(json["result"][0]["NEBSourceControlOperationRevisionKey"], revision("HEAD"));
     EXPECT_EQ(json["result"][0]["NEBSourceControlOperationFilesKey"], JSON({{"a.c", 4}}));
     EXPECT_EQ(json["command"]["currentDirectoryPath"], repository.path());

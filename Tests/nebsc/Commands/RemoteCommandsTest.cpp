@@ -1,5 +1,6 @@
 // `nebsc remote` and its commands, run as a program.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -46,7 +47,7 @@ TEST_F(RemoteCommands, AreAlignedOneALine) {
     expectDone(nebsc({"remote"}), all);
     expectDone(nebsc({"remote", "list"}, "src"), all);
     const NebscOutcome json = nebsc({"remote", "--json"});
-    EXPECT_EQ(json.json()["type"], 24);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestListRemotes);
     EXPECT_EQ(json.json()["result"].size(), 5U);
     EXPECT_EQ(json.errors, "");
     EXPECT_EQ(json.exitStatus, 0);
@@ -124,8 +125,10 @@ TEST_F(RemoteCommands, AreAddedAndRemoved) {
     expectDone(nebsc({"remote"}), "team/one  https://example.org/x.git\n");
     expectDone(nebsc({"remote", "rm", "team/one"}, "src"), "Removed the remote \"team/one\".\n");
     EXPECT_EQ(repository.git({"remote"}), "");
-    EXPECT_EQ(nebsc({"remote", "add", "o", "/x", "--json"}).json()["type"], 34);
-    EXPECT_EQ(nebsc({"remote", "rm", "o", "--json"}).json()["type"], 35);
+    EXPECT_EQ(nebsc({"remote", "add", "o", "/x", "--json"}).json()["type"],
+              NEBSourceControlRequestAddRemote);
+    EXPECT_EQ(nebsc({"remote", "rm", "o", "--json"}).json()["type"],
+              NEBSourceControlRequestRemoveRemote);
 }
 
 TEST_F(RemoteCommands, APathIsMeantFromTheCurrentFolder) {
@@ -180,7 +183,7 @@ TEST_F(RemoteCommands, TheBranchesOfAnotherRepositoryAreShown) {
     const std::vector<std::string> byPath{"remote", "branches", "shared.git"};
     expectDone(runNebsc(byPath, {.folder = folder.path()}), all);
     const NebscOutcome json = nebsc({"remote", "branches", "--json"});
-    EXPECT_EQ(json.json()["type"], 31);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestListRemoteBranches);
     EXPECT_EQ(json.json()["result"].size(), 3U);
     EXPECT_EQ(json.errors, "");
 }

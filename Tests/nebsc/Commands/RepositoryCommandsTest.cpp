@@ -6,6 +6,7 @@
 #include <sstream>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "nebsc/CommandTest.h"
 
@@ -313,7 +314,7 @@ TEST_F(LongClone, ShowsOnATerminalThatItIsAliveAndEndsWithCtrlC) {
 
 TEST_F(LongClone, ARequestEndsInTheSameWay) {
     Nebsc program({"request"}, {.folder = folder.path(),
-                                .input = JSON({{"type", 29},
+                                .input = JSON({{"type", NEBSourceControlRequestClone},
                                                {"sourceTree", {{"location", "/x"}}},
                                                {"repositoryToAuthenticate", JSON::object()},
                                                {"destination", folder.path("a/b")}})

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 
@@ -16,7 +17,8 @@ using testing::HasSubstr;
 using JSON = nlohmann::ordered_json;
 
 std::string statusRequest(const std::string& location) {
-    return JSON{{"type", 15}, {"sourceTree", {{"location", location}}}}.dump();
+    return JSON{{"type", NEBSourceControlRequestStatus}, {"sourceTree", {{"location", location}}}}
+        .dump();
 }
 
 /// The outcome with what differs from run to run made equal.

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 
@@ -203,7 +204,7 @@ TEST_F(StatusCommand, UntrackedFoldersCanBeExpanded) {
               "untracked  src/new/a\nuntracked  src/new/deep/b\n");
     EXPECT_THAT(status({"--all"}).output, HasSubstr("modified   src/deep.c\n"));
     const JSON json = status({"--all", "--json", "src/new"}).json();
-    EXPECT_EQ(json["type"], 15);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestStatus);
     EXPECT_EQ(json["operation"], "StatusQuery");
     ASSERT_EQ(json["result"].size(), 2U);
     EXPECT_EQ(json["result"][1],
@@ -228,7 +229,7 @@ TEST_F(StatusCommand, JSONIsTheOutcomeAndNothingElse) {
           std::vector<std::string>{"--json", "status", "deep.c"}}) {
         const NebscOutcome outcome = runNebsc(words, {.folder = repository.path("src")});
         const JSON json = outcome.json();
-        EXPECT_EQ(json["type"], 15);
+        EXPECT_EQ(json["type"], NEBSourceControlRequestStatus);
         EXPECT_EQ(json["command"]["arguments"],
                   JSON({"status", "--porcelain", "--", repository.path("src/deep.c")}));
         EXPECT_EQ(json["command"]["currentDirectoryPath"], repository.path());

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/SubversionServer.h"
 #include "nebsc/CommandTest.h"
 
@@ -85,7 +86,8 @@ TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
     expectDone(updated, "Updated from git-svn; " + now(ann));
     expectDone(nebsc(ann, {"svn", "push"}),
                "There is nothing to push: Subversion has all commits.\n");
-    EXPECT_EQ(nebsc(ann, {"svn", "update", "--json"}).json()["type"], 13);
+    EXPECT_EQ(nebsc(ann, {"svn", "update", "--json"}).json()["type"],
+              NEBSourceControlRequestUpdate);
     const TestRepository plain;
     for (const char* word : {"fetch", "update", "push"}) {
         expectFailed(nebsc(plain, {"svn", word}), HasSubstr("No Subversion repository"));
@@ -129,12 +131,13 @@ TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
 TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome json = nebsc(ann, {"update", "--svn", "--json"});
-    EXPECT_EQ(json.json()["type"], 13);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestUpdate);
     EXPECT_EQ(json.json()["commands"][0]["arguments"].back(), reference);
     EXPECT_EQ(json.json()["reports"].size(), 0U);
     EXPECT_EQ(json.errors, "");
-    EXPECT_EQ(nebsc(ann, {"push", "--svn", "--json"}).json()["type"], 33);
-    EXPECT_EQ(nebsc(ann, {"fetch", "--svn", "--json"}).json()["type"], 37);
+    EXPECT_EQ(nebsc(ann, {"push", "--svn", "--json"}).json()["type"], NEBSourceControlRequestPush);
+    EXPECT_EQ(nebsc(ann, {"fetch", "--svn", "--json"}).json()["type"],
+              NEBSourceControlRequestFetch);
 }
 
 TEST_F(SubversionCommands, APushThatTheServerIsAheadOfIsRefused) {
@@ -167,7 +170,8 @@ TEST_F(SubversionCommands, AServerThatIsGoneIsTold) {
          {std::vector<std::string>{"fetch", "--svn"}, {"update", "--svn"}}) {
         expectFailed(nebsc(ann, words), StartsWith("nebsc: "));
     }
-    EXPECT_EQ(nebsc(ann, {"update", "--svn", "--json"}).json()["type"], 37);
+    EXPECT_EQ(nebsc(ann, {"update", "--svn", "--json"}).json()["type"],
+              NEBSourceControlRequestFetch);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/SharingTest.h"
 
 namespace neb::test {
@@ -125,7 +126,7 @@ TEST_F(UpdateCommand, ABranchMayTrackOneOfTheSameRepository) {
 TEST_F(UpdateCommand, JSONIsTheOutcomeOfTheLastRequest) {
     shareChange();
     const NebscOutcome json = nebsc(*ben, {"update", "--json"});
-    EXPECT_EQ(json.json()["type"], 13);
+    EXPECT_EQ(json.json()["type"], NEBSourceControlRequestUpdate);
     EXPECT_EQ(json.json()["commands"][0]["arguments"],
               JSON({"merge", "-s", "recursive", "-X", "ours", "refs/remotes/origin/main"}));
     EXPECT_EQ(json.json()["reports"], JSON::array());
@@ -139,7 +140,7 @@ TEST_F(UpdateCommand, JSONIsTheOutcomeOfTheLastRequest) {
     EXPECT_EQ(nothing.exitStatus, 0);
     fs::remove_all(bare());
     const NebscOutcome failed = nebsc(*ben, {"update", "--json"});
-    EXPECT_EQ(failed.json()["type"], 37) << "it came no further";
+    EXPECT_EQ(failed.json()["type"], NEBSourceControlRequestFetch) << "it came no further";
     EXPECT_EQ(failed.exitStatus, 1);
 }
 

@@ -1,6 +1,7 @@
 // With --json, every command that failed prints an outcome that says why, also where it came to no
 // request, or where it failed by what it looked at beside its request.
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -183,7 +184,7 @@ TEST_F(CommandJSON, AFailureBehindTheRequestIsTheOutcomes) {
     repository.commitFile("a.c", "int a;\n");
     const NebscOutcome outcome = nebsc({"status", "--json", "nosuch"});
     const JSON json = outcome.json();
-    EXPECT_EQ(json["type"], 15);
+    EXPECT_EQ(json["type"], NEBSourceControlRequestStatus);
     EXPECT_THAT(json["error"]["localizedDescription"], HasSubstr("There is no file or folder"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }

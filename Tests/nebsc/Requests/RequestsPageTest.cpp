@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/TemporaryFolder.h"
 #include "nebsc/NebscRun.h"
@@ -162,7 +163,8 @@ std::string formatted(const JSON& outcome) {
 /// Replaces what varies between runs: the duration of a command, and whether the add that runs
 /// concurrently with a copy or the creation of a folder came first and found nothing.
 void normalizeCommands(JSON& outcome) {
-    const bool isConcurrentAdd = outcome["type"] == 8 || outcome["type"] == 10;
+    const bool isConcurrentAdd = outcome["type"] == NEBSourceControlRequestMakeDirectory ||
+                                 outcome["type"] == NEBSourceControlRequestCopy;
     for (JSON& command : outcome["commands"]) {
         EXPECT_GT(command["milliseconds"], 0);
         command["milliseconds"] = 3.1;

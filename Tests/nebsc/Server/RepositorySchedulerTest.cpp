@@ -26,9 +26,16 @@ TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
     for (std::int32_t type = NEBSourceControlFirstRequestType;
          type <= NEBSourceControlLastRequestType; ++type) {
         const auto request = requestFor(type, repository.path("src/deep"));
-        const bool isReading = type == 15 || (type >= 17 && type <= 22) || type == 24 ||
-                               type == 25 || type == 26 || type == 28 || type == 30 || type == 31 ||
-                               type == 32 || type == 38 || type == 39;
+        const bool isReading =
+            type == NEBSourceControlRequestStatus || (type >= 17 && type <= 22) ||
+            type == NEBSourceControlRequestListRemotes ||
+            type == NEBSourceControlRequestListBranches ||
+            type == NEBSourceControlRequestCurrentBranch || type == NEBSourceControlRequestBlame ||
+            type == NEBSourceControlRequestDiff ||
+            type == NEBSourceControlRequestListRemoteBranches ||
+            type == NEBSourceControlRequestListRemoteBranchesSecondForm ||
+            type == NEBSourceControlRequestTrackingBranchName ||
+            type == NEBSourceControlRequestMergeBase;
         if (type == NEBSourceControlRequestClone) {
             request->destination = repository.path("new/clone");
         }
@@ -40,7 +47,7 @@ TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
 
 TEST(WrittenPlace, IsToldByLocationOrRepository) {
     const TestRepository repository;
-    const auto request = requestFor(0, "file://" + repository.path());
+    const auto request = requestFor(NEBSourceControlRequestAdd, "file://" + repository.path());
     EXPECT_EQ(writtenPlaceOf(*request), repository.path());
     request->sourceTree.reset();
     EXPECT_EQ(writtenPlaceOf(*request), "");
@@ -48,12 +55,16 @@ TEST(WrittenPlace, IsToldByLocationOrRepository) {
         NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")}};
     EXPECT_EQ(writtenPlaceOf(*request), repository.path());
     const TemporaryFolder folder;
-    EXPECT_EQ(writtenPlaceOf(*requestFor(27, folder.path("new"))), folder.path("new"));
+    EXPECT_EQ(
+        writtenPlaceOf(*requestFor(NEBSourceControlRequestCreateRepository, folder.path("new"))),
+        folder.path("new"));
 }
 
 TEST(WrittenPlace, OfAnExportIsItsDestination) {
     const TestRepository repository;
-    for (const std::int32_t type : {20, 21, 22}) {
+    for (const std::int32_t type :
+         {NEBSourceControlRequestExportFiles, NEBSourceControlRequestExport,
+          NEBSourceControlRequestExportTree}) {
         const auto request = requestFor(type, repository.path());
         request->destination = repository.path("new/../a.c");
         EXPECT_EQ(writtenPlaceOf(*request), repository.path("a.c")) << type;

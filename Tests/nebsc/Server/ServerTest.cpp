@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -27,7 +28,7 @@ JSON requestAbout(int type, const std::string& location) {
 }
 
 JSON commitOf(const TestRepository& repository, const std::string& file) {
-    JSON request = requestAbout(3, repository.path());
+    JSON request = requestAbout(NEBSourceControlRequestCommit, repository.path());
     request["files"] = {repository.path(file)};
     request["options"] = {{"NEBSourceControlRequestOptionMessage", file}};
     return request;
@@ -84,10 +85,11 @@ TEST(Server, TellsWhatItIs) {
     EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);
     EXPECT_THAT(result["gitVersion"].get<std::string>(), testing::StartsWith("git version "));
     EXPECT_EQ(result["requestTypes"].size(), 40U);
-    EXPECT_EQ(result["requestTypes"][18], JSON({{"type", 18}, {"name", "log"}}));
+    EXPECT_EQ(result["requestTypes"][18],
+              JSON({{"type", NEBSourceControlRequestLog}, {"name", "log"}}));
     client.send(1, "shutdown");
     EXPECT_EQ(client.receive(), JSON({{"jsonrpc", "2.0"}, {"id", 1}, {"result", nullptr}}));
-    client.send(2, "sourceControl/plan", requestAbout(18, "/"));
+    client.send(2, "sourceControl/plan", requestAbout(NEBSourceControlRequestLog, "/"));
     EXPECT_EQ(client.answerTo(2)["error"]["code"], -32600);
     client.send({}, "exit");
     EXPECT_EQ(client.exitStatus(), 0);
@@ -98,7 +100,15 @@ TEST(Server, AnswersAsTheRequestCommandDoes) {
     repository.commitFile("grüße.c", "1\n", "First");
     ServerClient client;
     client.initialize();
-    for (const int type : {15, 18, 26, 12, 40, 34}) {
+    const std::int32_t unsupported = 12;
+    const std::int32_t unknown = 40;
+    const std::int32_t types[] = {NEBSourceControlRequestStatus,
+                                  NEBSourceControlRequestLog,
+                                  NEBSourceControlRequestCurrentBranch,
+                                  unsupported,
+                                  unknown,
+                                  NEBSourceControlRequestAddRemote};
+    for (const std::int32_t type : types) {
         const JSON request = requestAbout(type, repository.path());
         client.send(type, "sourceControl/perform", request);
         JSON answer = client.answerTo(type)["result"];
@@ -116,7 +126,8 @@ TEST(Server, PlansWithoutRunning) {
     const TestRepository repository;
     ServerClient client;
     client.initialize();
-    client.send("p", "sourceControl/plan", requestAbout(18, repository.path()));
+    client.send("p", "sourceControl/plan",
+                requestAbout(NEBSourceControlRequestLog, repository.path()));
     const JSON outcome = client.answerTo("p")["result"];
     EXPECT_EQ(outcome["operation"], "GitLogOperation");
     EXPECT_THAT(outcome["command"]["arguments"].dump(), HasSubstr("--abbrev=12"));
@@ -139,7 +150,7 @@ TEST(Server, KeepsTheReportsOfEachRequestApart) {
 
 TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     ServerClient client;
-    client.send(1, "sourceControl/perform", requestAbout(15, "/"));
+    client.send(1, "sourceControl/perform", requestAbout(NEBSourceControlRequestStatus, "/"));
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32002);
     client.initialize();
     client.send(2, "initialize", JSON::object());
@@ -148,13 +159,14 @@ TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     EXPECT_EQ(client.answerTo(3)["error"]["code"], -32601);
     client.send(4, "$/cancelRequest", {{"id", 1}});
     EXPECT_EQ(client.answerTo(4)["error"]["code"], -32601);
-    client.send(5, "sourceControl/perform", {{"type", 15}, {"sourcetree", 1}});
+    client.send(5, "sourceControl/perform",
+                {{"type", NEBSourceControlRequestStatus}, {"sourcetree", 1}});
     const JSON unknown = client.answerTo(5)["error"];
     EXPECT_EQ(unknown["code"], -32602);
     EXPECT_THAT(unknown["message"].get<std::string>(), HasSubstr("\"sourcetree\" is not known"));
     client.send(6, "sourceControl/perform");
     EXPECT_EQ(client.answerTo(6)["error"]["code"], -32602);
-    JSON option = requestAbout(18, "/");
+    JSON option = requestAbout(NEBSourceControlRequestLog, "/");
     option["startingRevision"] = "--output=x";
     client.send(7, "sourceControl/perform", option);
     const JSON refused = client.answerTo(7)["error"];
@@ -164,11 +176,11 @@ TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32700);
     client.sendMessage(R"([{"jsonrpc":"2.0","id":1,"method":"shutdown"}])");
     EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32600);
-    client.send({}, "sourceControl/perform", requestAbout(15, "/"));
+    client.send({}, "sourceControl/perform", requestAbout(NEBSourceControlRequestStatus, "/"));
     client.send({}, "$/cancelRequest", {{"id", "nobody's"}});
     client.send({}, "$/cancelRequest");
     client.send({}, "initialized", JSON::object());
-    client.send(8, "sourceControl/plan", requestAbout(15, "/"));
+    client.send(8, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, "/"));
     EXPECT_EQ(client.answerTo(8)["result"]["operation"], "GitStatusOperation");
     EXPECT_THAT(client.others(), testing::IsEmpty());
 }
@@ -178,7 +190,7 @@ TEST(Server, ReportsATypeWithoutOperationAsTheOutcomesError) {
     client.initialize();
     int id = 0;
     for (const char* method : {"sourceControl/perform", "sourceControl/plan"}) {
-        for (const int type : {12, 99}) {
+        for (const std::int32_t type : {12, 99}) {
             client.send(++id, method, requestAbout(type, "/"));
             const JSON outcome = client.answerTo(id)["result"];
             EXPECT_EQ(outcome["operation"], nullptr);
@@ -194,7 +206,7 @@ TEST(Server, PassesOverAMessageThatIsTooLong) {
     const JSON error = client.answerTo(nullptr)["error"];
     EXPECT_EQ(error["code"], -32600);
     EXPECT_THAT(error["message"].get<std::string>(), HasSubstr("100000000 bytes"));
-    client.send(1, "sourceControl/plan", requestAbout(15, "/"));
+    client.send(1, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, "/"));
     EXPECT_EQ(client.answerTo(1)["result"]["valid"], true);
 }
 
@@ -202,9 +214,10 @@ TEST(Server, TakesAnIdOnceAtATime) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
-    client.send(1, "sourceControl/perform", requestAbout(15, git.place()));
+    client.send(1, "sourceControl/perform",
+                requestAbout(NEBSourceControlRequestStatus, git.place()));
     const pid_t process = git.process();
-    client.send(1, "sourceControl/plan", requestAbout(15, git.place()));
+    client.send(1, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, git.place()));
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32600);
     client.send({}, "$/cancelRequest", {{"id", 1}});
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
@@ -245,12 +258,13 @@ TEST(Server, LetsReadsPassAWriteAndCancelsWhatWaits) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
-    JSON add = requestAbout(0, git.place());
+    JSON add = requestAbout(NEBSourceControlRequestAdd, git.place());
     client.send("running", "sourceControl/perform", add);
     const pid_t process = git.process();
     client.send("waiting", "sourceControl/perform", add);
-    client.send("reading", "sourceControl/perform", requestAbout(15, git.quickPlace()));
-    EXPECT_EQ(client.answerTo("reading")["result"]["type"], 15);
+    client.send("reading", "sourceControl/perform",
+                requestAbout(NEBSourceControlRequestStatus, git.quickPlace()));
+    EXPECT_EQ(client.answerTo("reading")["result"]["type"], NEBSourceControlRequestStatus);
     client.send({}, "$/cancelRequest", {{"id", "waiting"}});
     EXPECT_EQ(client.answerTo("waiting")["error"]["code"], -32800);
     EXPECT_TRUE(isLiveProcess(process));
@@ -268,13 +282,15 @@ TEST(Server, RefusesAProgressTokenOfAnotherKind) {
     for (const auto& [token, kind] : {std::pair<JSON, std::string>{JSON::object(), "an object"},
                                       {1.5, "a number that is no 64-bit integer"},
                                       {true, "a boolean"}}) {
-        client.send(1, "sourceControl/plan", {{"type", 15}, {"workDoneToken", token}});
+        client.send(1, "sourceControl/plan",
+                    {{"type", NEBSourceControlRequestStatus}, {"workDoneToken", token}});
         const JSON error = client.answerTo(1)["error"];
         EXPECT_EQ(error["code"], -32602);
         EXPECT_EQ(error["message"], "The request's member \"workDoneToken\" is " + kind +
                                         "; a string or an integer was expected.");
     }
-    client.send(2, "sourceControl/plan", {{"type", 15}, {"workDoneToken", nullptr}});
+    client.send(2, "sourceControl/plan",
+                {{"type", NEBSourceControlRequestStatus}, {"workDoneToken", nullptr}});
     EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
 }
 
@@ -282,9 +298,9 @@ TEST(Server, TellsOfTheProgressOfWhatTakesLong) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
-    JSON slow = requestAbout(15, git.place());
+    JSON slow = requestAbout(NEBSourceControlRequestStatus, git.place());
     slow["workDoneToken"] = "t";
-    JSON quick = requestAbout(15, git.quickPlace());
+    JSON quick = requestAbout(NEBSourceControlRequestStatus, git.quickPlace());
     quick["workDoneToken"] = 5;
     client.send(1, "sourceControl/perform", quick);
     client.send(2, "sourceControl/perform", slow);
@@ -293,7 +309,7 @@ TEST(Server, TellsOfTheProgressOfWhatTakesLong) {
                     {"method", "$/progress"},
                     {"params", {{"token", token}, {"value", value}}}};
     };
-    EXPECT_EQ(client.answerTo(1)["result"]["type"], 15);
+    EXPECT_EQ(client.answerTo(1)["result"]["type"], NEBSourceControlRequestStatus);
     EXPECT_EQ(client.receive(), progress("t", {{"kind", "begin"}, {"title", "status"}}));
     EXPECT_EQ(client.receive(), progress("t", {{"kind", "report"}, {"message", "1 s"}}));
     client.send({}, "$/cancelRequest", {{"id", 2}});
@@ -307,7 +323,8 @@ class EndOfServer : public testing::Test {
 protected:
     EndOfServer() {
         client.initialize();
-        client.send(1, "sourceControl/perform", requestAbout(15, git.place()));
+        client.send(1, "sourceControl/perform",
+                    requestAbout(NEBSourceControlRequestStatus, git.place()));
         process = git.process();
     }
     void expectEnd(int exitStatus) {
@@ -335,7 +352,8 @@ TEST_F(EndOfServer, ByAClientThatIsGoneLeavesNothingBehind) {
 TEST_F(EndOfServer, ByAClientThatIsGoneWhileManyRequestsWait) {
     constexpr int moreThanMayWait = 4200;
     for (int i = 2; i < moreThanMayWait; ++i) {
-        client.send(i, "sourceControl/perform", requestAbout(15, git.place()));
+        client.send(i, "sourceControl/perform",
+                    requestAbout(NEBSourceControlRequestStatus, git.place()));
     }
     client.close();
     expectEnd(1);
@@ -369,7 +387,7 @@ TEST(Server, EndsWhenItsAnswersAreNotTaken) {
     ServerClient client;
     client.initialize();
     for (int i = 0; i < 2000; ++i) {
-        client.send(i, "sourceControl/plan", requestAbout(15, "/"));
+        client.send(i, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, "/"));
     }
     client.close();
     EXPECT_EQ(client.exitStatus(), 1);

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -19,7 +20,7 @@ protected:
     /// The request as JSON.
     [[nodiscard]] static std::string requestTo(const std::string& destination,
                                                const std::string& source) {
-        return JSON({{"type", 29},
+        return JSON({{"type", NEBSourceControlRequestClone},
                      {"sourceTree", {{"location", source}}},
                      {"repositoryToAuthenticate", JSON::object()},
                      {"destination", destination}})

@@ -6,6 +6,7 @@
 
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
 
 namespace neb::nebsc {
@@ -88,7 +89,7 @@ protected:
     mutable Answers answers;
     HostSession session{std::make_unique<Controller>(answers)};
     std::shared_ptr<NEBSourceControlRequest> request =
-        NEBSourceControlRequest::initWithType(33, nullptr, {}, {});
+        NEBSourceControlRequest::initWithType(NEBSourceControlRequestPush, nullptr, {}, {});
 };
 
 TEST_F(HostSessionTest, AsksInTheHostsOrder) {
@@ -96,7 +97,7 @@ TEST_F(HostSessionTest, AsksInTheHostsOrder) {
     EXPECT_THAT(answers.calls,
                 ElementsAre("authenticationRequired", "validate", "operation", "main"));
     ASSERT_TRUE(requestResult.outcome.has_value());
-    EXPECT_EQ(requestResult.outcome->type, 33);
+    EXPECT_EQ(requestResult.outcome->type, NEBSourceControlRequestPush);
     EXPECT_TRUE(requestResult.outcome->authenticationRequired);
     EXPECT_TRUE(requestResult.outcome->valid);
     EXPECT_EQ(requestResult.outcome->operation, "Operation");

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/NebscRun.h"
 
 namespace neb::test {
@@ -18,12 +19,12 @@ NebscOutcome requestWith(int type, const std::string& script, const JSON& option
 }
 
 NebscOutcome infoWith(const std::string& script) {
-    return requestWith(19, script);
+    return requestWith(NEBSourceControlRequestInfo, script);
 }
 
 TEST(TrackingBranchRequest, PassesTheSecondQuestionsErrorOn) {
     const NebscOutcome outcome = requestWith(
-        38,
+        NEBSourceControlRequestTrackingBranchName,
         "case \"$*\" in *merge) echo 'fatal: bad config line 3 in file x' >&2; exit 128;; esac\n"
         "echo origin",
         {{"NEBSourceControlRequestOptionBranch", "topic"}});
@@ -35,7 +36,7 @@ TEST(TrackingBranchRequest, PassesTheSecondQuestionsErrorOn) {
 /// The Subversion repository has a URL; that the question for its name fails is not looked at.
 TEST(RemotesRequest, StandsThoughTheQuestionForTheNameFails) {
     const NebscOutcome outcome = requestWith(
-        24,
+        NEBSourceControlRequestListRemotes,
         "case \"$*\" in *.url) echo svn://h/p;; *.fetch) echo 'fatal: bad config line 3' >&2; "
         "exit 128;; esac");
     const JSON json = outcome.json();

@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/ChildProcess.h"
 #include "nebsc/CommandTest.h"
 
@@ -97,7 +98,7 @@ TEST_F(TraceOption, RequestsAndTheServerAreTracedToo) {
     const std::string request =
         R"({"type": 15, "sourceTree": {"location": ")" + repository.path() + "\"}}";
     const NebscOutcome outcome = runNebsc({"request", "--trace"}, {.input = request});
-    EXPECT_EQ(outcome.json()["type"], 15);
+    EXPECT_EQ(outcome.json()["type"], NEBSourceControlRequestStatus);
     EXPECT_THAT(outcome.errors, testing::StartsWith("trace 1: cd " + repository.path()));
     // A client that says good-bye once it has its answer.
     const TemporaryFolder files;

@@ -9,6 +9,7 @@
 
 #include "CommandLine/CommandLine.h"
 #include "CommandLine/GitNames.h"
+#include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/TestRepository.h"

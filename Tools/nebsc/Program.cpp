@@ -18,28 +18,24 @@ CommandOutput replyTo(const Call& call) {
         return *refused;
     }
     const std::string path = call.plugIn.empty() ? defaultPlugInPath() : call.plugIn;
-    const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(path);
-    if (call.command == &doctorCommand) {
-        const Trace trace(call.isTraced);
-        return replyWithDiagnosis({.path = path, .load = load},
-                                  {.trace = trace,
-                                   .isFull = call.arguments.has("--full"),
-                                   .isJSON = call.isJSON,
-                                   .colours = call.colours});
-    }
-    if (!load.plugIn) {
-        return refusal(load.failure, exitNotUnderstood);
-    }
-    auto controller = load.plugIn->makePrincipalClass();
-    if (!controller) {
-        return refusal("The plug-in \"" + path + "\" has no principal class to give.",
-                       exitNotUnderstood);
+    const PlugInFile plugIn{.path = path, .load = NEBSourceControlPlugIn::load(path)};
+    std::unique_ptr<const NEBSourceControlProtocol> controller;
+    if (call.command == nullptr || call.command->needsPlugIn) {
+        if (!plugIn.load.plugIn) {
+            return refusal(plugIn.load.failure, exitNotUnderstood);
+        }
+        controller = plugIn.load.plugIn->makePrincipalClass();
+        if (!controller) {
+            return refusal("The plug-in \"" + path + "\" has no principal class to give.",
+                           exitNotUnderstood);
+        }
     }
     const HostSession session(std::move(controller), call.isTraced);
     if (call.command == nullptr) {
-        return replyWithVersions(*load.plugIn, session.trace(), call.isJSON);
+        return replyWithVersions(*plugIn.load.plugIn, session.trace(), call.isJSON);
     }
-    return call.command->run({.session = session,
+    return call.command->run({.plugIn = plugIn,
+                              .session = session,
                               .command = *call.command,
                               .arguments = call.arguments,
                               .isJSON = call.isJSON,

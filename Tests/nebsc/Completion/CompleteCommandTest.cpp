@@ -3,7 +3,7 @@
 #include <chrono>
 #include <sstream>
 
-#include "CommandLine/Command.h"
+#include "Commands/Commands.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {

@@ -4,8 +4,8 @@
 #include <iterator>
 #include <regex>
 
-#include "CommandLine/Command.h"
 #include "CommandLine/CommandLine.h"
+#include "Commands/Commands.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {

@@ -82,8 +82,9 @@ protected:
     }
 
     [[nodiscard]] CommandOutput replyOf(const Command& command, bool isJSON = false) const {
+        const PlugInFile plugIn;
         const Arguments arguments;
-        return command.run({session, command, arguments, isJSON});
+        return command.run({plugIn, session, command, arguments, isJSON});
     }
 
     mutable Answers answers;

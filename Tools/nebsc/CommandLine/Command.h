@@ -1,7 +1,7 @@
 // Command.h - what a command of nebsc is: a name, the words that it takes, and what it does.
 //
-// A command is a constant in a source file of its own family and a row of allCommands(); the
-// command line and the help are made from these rows.
+// A command is a constant in a source file of its family. The table of all commands
+// (Commands/Commands.h) drives parsing, help, manual page and completion.
 //
 //     namespace {
 //     constexpr Parameter parameters[] = {{"FILE", "The files", Takes::path, Occurs::oneOrMore}};
@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "Session/HostSession.h"
+#include "Session/PlugInFile.h"
 #include "Terminal/CommandOutput.h"
 #include "Terminal/Presentation.h"
 
@@ -112,6 +113,8 @@ struct Command;
 
 /// A command that is to be carried out. All of it outlives the command.
 struct CommandCall {
+    const PlugInFile& plugIn;
+    /// Can perform requests only if the command needs the plug-in.
     const HostSession& session;
     const Command& command;
     const Arguments& arguments;
@@ -138,12 +141,11 @@ struct Command {
     std::span<const Command* const> commands = {};
     /// Whether what it shows a person may be long: a terminal then shows it through a pager.
     bool isPaged = false;
+    /// Whether the command is refused if the plug-in cannot be loaded.
+    bool needsPlugIn = true;
     /// Answers all that there is to say and prints nothing. A signal ends the work; the reply then
     /// says so, and its exit status is that of the signal. On the main thread, one at a time.
     CommandOutput (*run)(const CommandCall& call) = nullptr;
 };
-
-/// All commands, in the order in which the help lists them.
-[[nodiscard]] std::span<const Command* const> allCommands();
 
 }  // namespace neb::nebsc

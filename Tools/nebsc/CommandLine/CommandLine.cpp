@@ -7,6 +7,7 @@
 #include "CommandLine/ArgumentList.h"
 #include "CommandLine/SpellingSuggestions.h"
 #include "CommandLine/UsageError.h"
+#include "Commands/Commands.h"
 
 namespace neb::nebsc {
 

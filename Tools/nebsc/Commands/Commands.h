@@ -1,8 +1,10 @@
 // Commands.h - the commands of nebsc, each in a source file of its family.
 #pragma once
 
+#include <span>
+#include <string_view>
+
 #include "CommandLine/Command.h"
-#include "Doctor/Diagnosis.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Session/Trace.h"
 #include "Terminal/CommandOutput.h"
@@ -31,7 +33,7 @@ extern const Command listCommand;
 extern const Command exportCommand;
 extern const Command exportTreeCommand;
 extern const Command infoCommand;
-/// Has no run(): see replyWithDiagnosis().
+/// Runs even if the plug-in cannot be loaded.
 extern const Command doctorCommand;
 
 // ---- change
@@ -83,19 +85,13 @@ extern const Command completeCommand;
 /// Prints the manual page.
 extern const Command manualCommand;
 
+// ---- all of them
+
+/// All commands, in the order in which the help lists them.
+[[nodiscard]] std::span<const Command* const> allCommands();
+
 /// The versions of nebsc, of the plug-in and of git, one a line, or as a JSON object.
 [[nodiscard]] CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn,
                                               const Trace& trace, bool isJSON);
-
-struct DiagnosisCall {
-    const Trace& trace;
-    bool isFull = false;
-    bool isJSON = false;
-    Colours colours = Colours::automatic;
-};
-
-/// Whether everything is in order, one finding a line, or as a JSON object. It needs no plug-in
-/// that can be loaded.
-[[nodiscard]] CommandOutput replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call);
 
 }  // namespace neb::nebsc

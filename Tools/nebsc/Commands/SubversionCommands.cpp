@@ -50,7 +50,8 @@ CommandOutput runForSubversion(const Command& command, const CommandCall& call) 
     if (const auto reference = arguments.value("REF")) {
         arguments.set("REMOTE", {*reference});
     }
-    return command.run({.session = call.session,
+    return command.run({.plugIn = call.plugIn,
+                        .session = call.session,
                         .command = call.command,
                         .arguments = arguments,
                         .isJSON = call.isJSON,

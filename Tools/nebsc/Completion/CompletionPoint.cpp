@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "CommandLine/CommandLine.h"
+#include "Commands/Commands.h"
 
 namespace neb::nebsc {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Session/Interruption.h"
+#include "Session/PlugInFile.h"
 #include "Session/Trace.h"
 
 namespace neb::nebsc {
@@ -26,11 +26,6 @@ struct Finding {
     std::string text;
     /// What to do; empty where there is nothing to do.
     std::string advice = {};
-};
-
-struct PlugInFile {
-    const std::string& path;
-    const NEBSourceControlPlugInLoad& load;
 };
 
 struct DiagnosisSubject {

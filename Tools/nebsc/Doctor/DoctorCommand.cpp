@@ -68,19 +68,17 @@ nlohmann::ordered_json jsonOf(const std::vector<Finding>& findings, bool isInOrd
     return {{"isInOrder", isInOrder}, {"findings", std::move(array)}};
 }
 
-}  // namespace
-
-CommandOutput replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& call) {
+CommandOutput run(const CommandCall& call) {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
         return refusal(folder.failure, exitFailed);
     }
     Interruption interruption;
-    std::optional<ProgressIndicator> sign(std::in_place, doctorCommand.activity,
-                                          !call.trace.isOn());
-    const std::vector<Finding> findings =
-        diagnose(interruption, call.trace,
-                 {.plugIn = plugIn, .folder = *folder.path, .isFull = call.isFull});
+    std::optional<ProgressIndicator> sign(std::in_place, call.command.activity,
+                                          !call.session.trace().isOn());
+    const std::vector<Finding> findings = diagnose(
+        interruption, call.session.trace(),
+        {.plugIn = call.plugIn, .folder = *folder.path, .isFull = call.arguments.has("--full")});
     sign.reset();
     const bool isInOrder =
         std::none_of(findings.begin(), findings.end(),
@@ -97,8 +95,6 @@ CommandOutput replyWithDiagnosis(const PlugInFile& plugIn, const DiagnosisCall& 
     noteInterruption(output, signalNumber);
     return output;
 }
-
-namespace {
 
 constexpr Parameter parameters[] = {
     {"--full", "Run git fsck too, which reads every object of the repository"},
@@ -123,6 +119,8 @@ constinit const Command doctorCommand{
         "  nebsc doctor --json    the same for a program to read\n",
     .parameters = parameters,
     .activity = "Checking",
+    .needsPlugIn = false,
+    .run = run,
 };
 
 }  // namespace neb::nebsc

@@ -35,8 +35,8 @@ public:
     /// Runs an operation to its end: start(), and whatever belongs around it.
     using Runner = std::function<void(NEBSourceControlOperation&)>;
 
-    /// Takes the plug-in's principal class, which must be there. Where it is traced, the children
-    /// of all operations are told of on standard error.
+    /// Takes the plug-in's principal class; null for a session that performs no requests. If the
+    /// session is traced, the child processes of all operations are reported on standard error.
     explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller,
                          bool isTraced = false)
         : _controller(std::move(controller)), _trace(isTraced) {}

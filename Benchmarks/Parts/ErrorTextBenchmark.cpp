@@ -10,6 +10,7 @@
 #include "GitOperations/GitErrorTable.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 
 namespace neb::benchmarks {
@@ -57,7 +58,8 @@ void ListedFiles(benchmark::State& state) {
         text += "\tsources/file" + std::to_string(number) + ".c\n";
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(NEBSourceControlFilesInText(text, "local-changes"));
+        benchmark::DoNotOptimize(
+            NEBSourceControlFilesInText(text, NEBSourceControlLocalChangesErrorClass));
     }
     state.SetComplexityN(count);
 }
@@ -73,11 +75,14 @@ void MentionedFiles(benchmark::State& state, std::string_view errorClass,
         return NEBSourceControlFilesInText(text, errorClass);
     });
 }
-BENCHMARK_CAPTURE(MentionedFiles, pathspecs, "path-unknown", "", "pathspec 'a")->Apply(&sizes);
-BENCHMARK_CAPTURE(MentionedFiles, renames, "conflict",
+BENCHMARK_CAPTURE(MentionedFiles, pathspecs, NEBSourceControlPathUnknownErrorClass, "",
+                  "pathspec 'a")
+    ->Apply(&sizes);
+BENCHMARK_CAPTURE(MentionedFiles, renames, NEBSourceControlConflictErrorClass,
                   "CONFLICT (rename/rename): ", " renamed to  and to  in ")
     ->Apply(&sizes);
-BENCHMARK_CAPTURE(MentionedFiles, conflicts, "conflict", "", "CONFLICT (\n")->Apply(&sizes);
+BENCHMARK_CAPTURE(MentionedFiles, conflicts, NEBSourceControlConflictErrorClass, "", "CONFLICT (\n")
+    ->Apply(&sizes);
 
 // ---- hints, remote lines ----------------------------------------------------------------------
 

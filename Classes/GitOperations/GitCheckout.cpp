@@ -7,6 +7,7 @@
 #include "GitOperations/GitHookFailure.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Text.h"

@@ -4,7 +4,7 @@
 #include "GitOperations/GitSubversion.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Text.h"

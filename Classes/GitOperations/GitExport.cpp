@@ -8,6 +8,7 @@
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlTemporaryFile.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -101,12 +102,12 @@ NEBSourceControlError refusalOf(const NEBSourceControlRequest& request) {
                           "Nothing was exported: no file was named.");
     }
     if (relativePath(request) && !isBesideLocation(request)) {
-        return ownFailure("path-invalid",
+        return ownFailure(NEBSourceControlPathInvalidErrorClass,
                           formattedText("The file \"%@\" was not exported: a path that ends in "
                                         "\".\" or \"..\" names a whole tree.",
                                         {file.description()}));
     }
-    return ownFailure("path-outside",
+    return ownFailure(NEBSourceControlPathOutsideErrorClass,
                       formattedText("The file \"%@\" was not exported: it is not inside \"%@\".",
                                     {file.description(), request.sourceTreeName()}));
 }
@@ -320,7 +321,7 @@ void GitExportTreeOperation::main() {
                             "The files were not exported: no folder to export them to was named."));
     } else if (const auto file = fileOnTheWayTo(
                    std::filesystem::path(currentDirectoryPath().value_or("")) / destination)) {
-        setError(ownFailure("destination-exists",
+        setError(ownFailure(NEBSourceControlDestinationExistsErrorClass,
                             "The files were not exported: \"" + *file + "\" is no folder."));
     } else {
         GitOperation::main();

@@ -1,6 +1,6 @@
 #include "GitOperations/GitHookFailure.h"
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 namespace neb {
 
@@ -16,7 +16,7 @@ std::string_view gitLastLine(std::string_view text) {
 NEBSourceControlError gitErrorOfHook(const std::string& description, std::string_view words) {
     auto refusal =
         NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
-    refusal.errorClass = NEBSourceControlLocalHookErrorClass;
+    refusal.errorClass = NEBSourceControlLocalHookRefusedErrorClass;
     if (!gitLastLine(words).empty()) {
         refusal.text = words;
     }

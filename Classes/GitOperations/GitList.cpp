@@ -2,7 +2,7 @@
 
 #include "GitOperations/GitShellText.h"
 #include "LOMFoundation/LOMFormat.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NSData+GitUtilities.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
@@ -38,7 +38,7 @@ NEBSourceControlError errorOfFolderOutside(const NEBSourceControlRequest& reques
         NEBSourceControlGenericError,
         formattedText("The folder \"%@\" cannot be listed: it is no path inside \"%@\".",
                       {folderOf(request), request.sourceTreeName()}));
-    error.errorClass = "path-outside";
+    error.errorClass = NEBSourceControlPathOutsideErrorClass;
     return error;
 }
 
@@ -90,7 +90,7 @@ std::optional<NEBSourceControlError> GitListFilesOperation::errorFromErrorMessag
     const std::optional<std::string>& message) {
     auto error = GitOperation::errorFromErrorMessage(message);
     if (error && folderOf(*request()).empty()) {
-        error->errorClass = "path-invalid";
+        error->errorClass = NEBSourceControlPathInvalidErrorClass;
         return error;
     }
     const bool isInvalidPath = message && message->find("Invalid path '/") != std::string::npos;

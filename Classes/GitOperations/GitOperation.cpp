@@ -4,7 +4,7 @@
 
 #include "GitOperations/GitErrorTable.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
 
 namespace neb {

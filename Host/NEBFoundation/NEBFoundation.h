@@ -6,6 +6,7 @@
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"

@@ -4,6 +4,7 @@
 
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlErrorTextNormalizer.h"

@@ -13,27 +13,6 @@
 
 namespace neb {
 
-// Classes that no text shows, or not always.
-inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
-inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
-inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
-inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
-inline constexpr NEBConstant NEBSourceControlOutOfMemoryErrorClass{"out-of-memory"};
-inline constexpr NEBConstant NEBSourceControlLocalHookErrorClass{"local-hook-refused"};
-inline constexpr NEBConstant NEBSourceControlReferenceRejectedErrorClass{"reference-rejected"};
-/// The request itself is wrong: no repository and no setting can make it succeed.
-inline constexpr NEBConstant NEBSourceControlRequestInvalidErrorClass{"request-invalid"};
-/// No failure as a person sees it: there was nothing to do.
-inline constexpr NEBConstant NEBSourceControlUpToDateErrorClass{"up-to-date"};
-
-// Classes that an operation looks for.
-inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown"};
-inline constexpr NEBConstant NEBSourceControlRemoteBranchUnknownErrorClass{"remote-branch-unknown"};
-inline constexpr NEBConstant NEBSourceControlRevisionUnknownErrorClass{"revision-unknown"};
-inline constexpr NEBConstant NEBSourceControlNoCommitsYetErrorClass{"no-commits-yet"};
-inline constexpr NEBConstant NEBSourceControlReferenceBrokenErrorClass{"reference-broken"};
-inline constexpr NEBConstant NEBSourceControlObjectsDamagedErrorClass{"objects-damaged"};
-
 /// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
 /// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else
 /// tells. Of what git said in more than 64 KiB, the first and the last 32 count. From any thread.

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <iterator>
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 namespace neb {
 
@@ -16,17 +16,17 @@ struct Row {
 };
 
 constexpr Row rows[] = {
-    {EACCES, "permission-denied"},
-    {EPERM, "permission-denied"},
-    {EROFS, "permission-denied"},
-    {ENOSPC, "disk-full"},
-    {EDQUOT, "disk-full"},
-    {EEXIST, "destination-exists"},
-    {ENOENT, "path-unknown"},
-    {ENOTDIR, "path-unknown"},
-    {ENAMETOOLONG, "path-invalid"},
-    {EINVAL, "path-invalid"},
-    {ECANCELED, NEBSourceControlCancelledErrorClass.text()},
+    {EACCES, NEBSourceControlPermissionDeniedErrorClass},
+    {EPERM, NEBSourceControlPermissionDeniedErrorClass},
+    {EROFS, NEBSourceControlPermissionDeniedErrorClass},
+    {ENOSPC, NEBSourceControlDiskFullErrorClass},
+    {EDQUOT, NEBSourceControlDiskFullErrorClass},
+    {EEXIST, NEBSourceControlDestinationExistsErrorClass},
+    {ENOENT, NEBSourceControlPathUnknownErrorClass},
+    {ENOTDIR, NEBSourceControlPathUnknownErrorClass},
+    {ENAMETOOLONG, NEBSourceControlPathInvalidErrorClass},
+    {EINVAL, NEBSourceControlPathInvalidErrorClass},
+    {ECANCELED, NEBSourceControlCancelledErrorClass},
 };
 
 }  // namespace

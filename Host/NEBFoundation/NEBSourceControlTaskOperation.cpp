@@ -4,6 +4,7 @@
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"

@@ -11,7 +11,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 
 namespace neb {

@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "Classes/Configuration/RequestMatrix.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 
@@ -157,7 +158,7 @@ TEST_P(Cancellation, AtAnyMomentLeavesNothing) {
             SCOPED_TRACE(matrix[next].name + " after " + std::to_string(after.count()) + " ns");
             const auto operation = runAndCancel(request, after);
             if (operation->isCancelled() && operation->error() &&
-                operation->error()->errorClass == "cancelled") {
+                operation->error()->errorClass == NEBSourceControlCancelledErrorClass) {
                 ++cancelled;
             }
             ASSERT_TRUE(operation->isFinished());

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -79,7 +80,7 @@ TEST(ExcludeFile, ThatMeetsAFullDiskIsAnError) {
     const auto creation =
         perform(requestFor(NEBSourceControlRequestCreateRepository, folder.path("new")));
     ::unsetenv("GIT_TEMPLATE_DIR");
-    EXPECT_THAT(creation->error(), HasErrorClass("disk-full"));
+    EXPECT_THAT(creation->error(), HasErrorClass(NEBSourceControlDiskFullErrorClass));
     EXPECT_THAT(creation->error()->localizedDescription().value_or(""),
                 HasSubstr(folder.path("new/.git/info/exclude")));
 }
@@ -91,7 +92,7 @@ TEST_F(FullDisk, AnExportLeavesNoHalfFile) {
     request->files = valuesOf({repository.path("big")});
     request->destination = disk.path("big");
     const auto operation = perform(request);
-    EXPECT_THAT(operation->error(), HasErrorClass("disk-full"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDiskFullErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_THAT(disk.names(), IsEmpty());
 }
@@ -104,7 +105,7 @@ TEST_F(FullDisk, AnExportToATemporaryFileLeavesNone) {
     request->files = valuesOf({repository.path("big")});
     const auto operation = perform(request);
     ::unsetenv("TMPDIR");
-    EXPECT_THAT(operation->error(), HasErrorClass("disk-full"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDiskFullErrorClass));
     EXPECT_THAT(disk.names(), IsEmpty());
 }
 
@@ -129,7 +130,7 @@ TEST_F(FullDisk, ACopyLeavesNothing) {
     request->files = valuesOf({repository.path("big")});
     request->destination = disk.path("repository/copy");
     const auto operation = perform(request);
-    EXPECT_THAT(operation->error(), HasErrorClass("disk-full"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDiskFullErrorClass));
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(disk.path("repository"))) {
         names.push_back(entry.path().filename().string());
@@ -154,7 +155,7 @@ TEST_F(FullDisk, ANewFolderThatHasNoRoomIsAnError) {
     }
     auto request = requestFor(NEBSourceControlRequestMakeDirectory, disk.path());
     request->destination = disk.path("new/deep");
-    EXPECT_THAT(perform(request)->error(), HasErrorClass("disk-full"));
+    EXPECT_THAT(perform(request)->error(), HasErrorClass(NEBSourceControlDiskFullErrorClass));
 }
 
 // ---- read-only --------------------------------------------------------------------------------
@@ -216,7 +217,8 @@ TEST_F(ReadOnlyDisk, WhatWritesIsAnErrorThatTellsIt) {
         const std::string told = operation->error()->text.value_or("") +
                                  operation->error()->localizedDescription().value_or("");
         EXPECT_THAT(told, HasSubstr("Read-only file system")) << request->type;
-        EXPECT_EQ(operation->error()->errorClass, "permission-denied") << request->type << told;
+        EXPECT_EQ(operation->error()->errorClass, NEBSourceControlPermissionDeniedErrorClass)
+            << request->type << told;
     }
 }
 

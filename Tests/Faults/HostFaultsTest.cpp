@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
@@ -91,7 +92,8 @@ TEST_F(HostFaults, AHostThatReapsAllChildrenInAHandlerGetsNoSuccessByAccident) {
         EXPECT_TRUE(failed.status.exitStatus() == 3 || !failed.status.exitStatus().has_value());
         const auto log = perform(requestFor(NEBSourceControlRequestLog, repository.path()));
         // Either we were first, and it is what it is, or nobody knows how git ended.
-        EXPECT_EQ(log->error().has_value(), log->error() && log->error()->errorClass == "unknown");
+        EXPECT_EQ(log->error().has_value(),
+                  log->error() && log->error()->errorClass == NEBSourceControlUnknownErrorClass);
         EXPECT_THAT(*log->result(), SizeIs(1));
     }
 }

@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
 #include "Support/TestRepository.h"
@@ -202,8 +203,10 @@ TEST_F(Load, LeavesTheProcessAsItWas) {
     }
     // Two that write to one working copy may meet; nothing else may fail.
     for (const auto& [outcome, count] : outcomes) {
-        EXPECT_TRUE(outcome == "done" || outcome == "index-locked" || outcome == "ref-locked" ||
-                    outcome == "reference-changed" || outcome == "branch-exists")
+        EXPECT_TRUE(outcome == "done" || outcome == NEBSourceControlIndexLockedErrorClass ||
+                    outcome == NEBSourceControlRefLockedErrorClass ||
+                    outcome == NEBSourceControlReferenceChangedErrorClass ||
+                    outcome == NEBSourceControlBranchExistsErrorClass)
             << outcome;
     }
     for (const TestRepository& copy : copies) {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -183,7 +184,7 @@ TEST_F(RepositoryFaults, ARepositoryThatIsDeletedMidwayIsAnError) {
     EXPECT_TRUE(commit->error().has_value());
     EXPECT_FALSE(commit->result().has_value()) << "no revision is named for what was not made";
     EXPECT_THAT(perform(requestFor(NEBSourceControlRequestLog, repository.path()))->error(),
-                HasErrorClass("not-a-repository"));
+                HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
 }
 
 TEST_F(RepositoryFaults, AWorkingCopyThatIsDeletedMidwayIsAnError) {
@@ -194,19 +195,22 @@ TEST_F(RepositoryFaults, AWorkingCopyThatIsDeletedMidwayIsAnError) {
 
 TEST_F(RepositoryFaults, ObjectsThatAreLostMidwayAreAnError) {
     const auto commit = commitWithHook("rm -rf .git/objects/*");
-    EXPECT_THAT(commit->error(), HasErrorClass("objects-damaged")) << wordsOf(*commit);
+    EXPECT_THAT(commit->error(), HasErrorClass(NEBSourceControlObjectsDamagedErrorClass))
+        << wordsOf(*commit);
     EXPECT_FALSE(commit->result().has_value());
 }
 
 TEST_F(RepositoryFaults, AnIndexThatIsOverwrittenMidwayIsAnError) {
     const auto commit = commitWithHook("echo garbage >.git/index");
-    EXPECT_THAT(commit->error(), HasErrorClass("index-damaged")) << wordsOf(*commit);
+    EXPECT_THAT(commit->error(), HasErrorClass(NEBSourceControlIndexDamagedErrorClass))
+        << wordsOf(*commit);
     EXPECT_FALSE(commit->result().has_value());
 }
 
 TEST_F(RepositoryFaults, ALockThatComesMidwayIsAnErrorAndStays) {
     const auto commit = commitWithHook("echo >.git/HEAD.lock");
-    EXPECT_THAT(commit->error(), HasErrorClass("ref-locked")) << wordsOf(*commit);
+    EXPECT_THAT(commit->error(), HasErrorClass(NEBSourceControlRefLockedErrorClass))
+        << wordsOf(*commit);
     EXPECT_TRUE(fs::exists(repository.path(".git/HEAD.lock"))) << "it is another git's";
     fs::remove(repository.path(".git/HEAD.lock"));
     EXPECT_EQ(repository.git({"log", "--format=%s"}), "First\n");
@@ -218,7 +222,7 @@ TEST_F(RepositoryFaults, AnIndexLockedByAnotherGitIsAnErrorAndStays) {
     repository.write(".git/index.lock", "another git's");
     auto request = requestFor(NEBSourceControlRequestAdd, repository.path());
     request->files = valuesOf({repository.path("a")});
-    EXPECT_THAT(perform(request)->error(), HasErrorClass("index-locked"));
+    EXPECT_THAT(perform(request)->error(), HasErrorClass(NEBSourceControlIndexLockedErrorClass));
     EXPECT_TRUE(fs::exists(repository.path(".git/index.lock")));
     fs::remove(repository.path(".git/index.lock"));
     EXPECT_EQ(perform(request)->error(), std::nullopt) << "nothing of ours is in the way";

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "Faults/Sanitizers.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
@@ -58,7 +59,7 @@ TEST_F(ResourceFaults, WithoutAProcessTheErrorSaysSo) {
     const AsOrdinaryUser user;  // no limit holds for root
     const Limit limit(RLIMIT_NPROC, 0);
     const auto status = perform(requestFor(NEBSourceControlRequestStatus, repository.path()));
-    EXPECT_THAT(status->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(status->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
     EXPECT_THAT(status->error()->localizedDescription().value_or(""),
                 HasSubstr("could not be started: Resource temporarily unavailable"));
 }
@@ -69,7 +70,7 @@ TEST_F(ResourceFaults, WithoutAThreadAndAProcessACompositeFailsAndDoesNotHang) {
     const Limit limit(RLIMIT_NPROC, 0);
     auto request = requestFor(NEBSourceControlRequestInfo, repository.path());
     const auto info = perform(request);
-    EXPECT_THAT(info->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(info->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
 }
 
 TEST_F(ResourceFaults, WithoutDescriptorsEachNumberIsAnOutcomeOrAnError) {

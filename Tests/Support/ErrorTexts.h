@@ -4,11 +4,12 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace neb::test {
 
 struct CatalogueText {
-    const char* errorClass;
+    std::string_view errorClass;
     /// The code that the catalogue has for it.
     std::int64_t code;
     std::string text;
@@ -21,7 +22,7 @@ struct CatalogueText {
 [[nodiscard]] std::span<const CatalogueText> catalogueTexts();
 
 struct TextOfGit {
-    const char* errorClass;
+    std::string_view errorClass;
     const char* text;
 };
 

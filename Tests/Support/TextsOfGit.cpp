@@ -1,214 +1,234 @@
 #include "Support/ErrorTexts.h"
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+
 namespace neb::test {
 
 namespace {
 
 const TextOfGit texts[] = {
     // names that stand for two things
-    {"revision-ambiguous",
+    {NEBSourceControlRevisionAmbiguousErrorClass,
      "fatal: ambiguous argument 'a': both revision and filename\n"
      "Use '--' to separate paths from revisions, like this:\n"
      "'git <command> [<revision>...] -- [<file>...]'"},
-    {"revision-ambiguous", "fatal: option '--name-status' must come before non-option arguments"},
-    {"revision-ambiguous",
+    {NEBSourceControlRevisionAmbiguousErrorClass,
+     "fatal: option '--name-status' must come before non-option arguments"},
+    {NEBSourceControlRevisionAmbiguousErrorClass,
      "error: short object ID 12 is ambiguous\nhint: The candidates are:\n"
      "hint:   1234567 commit 2026-01-01 - one\nfatal: ambiguous argument '12': unknown revision or "
      "path not in the working tree."},
-    {"revision-ambiguous",
+    {NEBSourceControlRevisionAmbiguousErrorClass,
      "error: src refspec t matches more than one\nerror: failed to push some refs to '/r'"},
-    {"revision-ambiguous", "error: dst refspec t matches more than one"},
-    {"revision-ambiguous", "fatal: 'x' matched multiple (2) remote tracking branches"},
-    {"revision-ambiguous",
+    {NEBSourceControlRevisionAmbiguousErrorClass, "error: dst refspec t matches more than one"},
+    {NEBSourceControlRevisionAmbiguousErrorClass,
+     "fatal: 'x' matched multiple (2) remote tracking branches"},
+    {NEBSourceControlRevisionAmbiguousErrorClass,
      "fatal: 'x' could be both a local file and a tracking branch.\nPlease use -- (and optionally "
      "--no-guess) to disambiguate"},
-    {"revision-ambiguous", "fatal: ambiguous object name: 'x'"},
-    {"push-destination-unclear",
+    {NEBSourceControlRevisionAmbiguousErrorClass, "fatal: ambiguous object name: 'x'"},
+    {NEBSourceControlPushDestinationUnclearErrorClass,
      "error: The destination you provided is not a full refname (i.e.,\nstarting with "
      "\"refs/\"). We tried to guess what you meant by:\n\nNeither worked, so we gave up. You must "
      "fully qualify the ref."},
-    {"push-destination-unclear",
+    {NEBSourceControlPushDestinationUnclearErrorClass,
      "fatal: The upstream branch of your current branch does not match\nthe name of your current "
      "branch.  To push to the upstream branch\non the remote, use"},
-    {"push-destination-unclear",
+    {NEBSourceControlPushDestinationUnclearErrorClass,
      "fatal: You didn't specify any refspecs to push, and push.default is \"nothing\"."},
-    {"revision-unknown", "fatal: invalid upstream 'nosuch'"},
+    {NEBSourceControlRevisionUnknownErrorClass, "fatal: invalid upstream 'nosuch'"},
     // the cause, and what follows from it
-    {"remote-unsupported",
+    {NEBSourceControlRemoteUnsupportedErrorClass,
      "fatal: the receiving end does not support --signed push\n"
      "fatal: the remote end hung up unexpectedly"},
-    {"remote-unsupported", "fatal: the receiving end does not support --atomic push"},
-    {"disk-full",
+    {NEBSourceControlRemoteUnsupportedErrorClass,
+     "fatal: the receiving end does not support --atomic push"},
+    {NEBSourceControlDiskFullErrorClass,
      "error: cannot lock ref 'refs/heads/x': Unable to create '/r/.git/refs/heads/x.lock': No "
      "space left on device"},
-    {"name-too-long",
+    {NEBSourceControlNameTooLongErrorClass,
      "fatal: cannot lock ref 'refs/heads/n': Unable to create '/r/.git/refs/heads/n.lock': File "
      "name too long"},
-    {"reference-in-the-way",
+    {NEBSourceControlReferenceInTheWayErrorClass,
      "fatal: cannot lock ref 'refs/heads/a/b': Unable to create '/r/.git/refs/heads/a/b.lock': Not "
      "a directory"},
-    {"reference-in-the-way",
+    {NEBSourceControlReferenceInTheWayErrorClass,
      "error: cannot lock ref 'refs/heads/a': unable to create lock file /r/.git/refs/heads/a.lock; "
      "non-directory in the way"},
-    {"reference-in-the-way",
+    {NEBSourceControlReferenceInTheWayErrorClass,
      "error: cannot lock ref 'refs/heads/a': there is a non-empty directory '.git/refs/heads/a' "
      "blocking reference 'refs/heads/a'"},
-    {"reference-in-the-way",
+    {NEBSourceControlReferenceInTheWayErrorClass,
      "error: some local refs could not be updated; try running\n 'git remote prune origin' to "
      "remove any old, conflicting branches"},
-    {"reference-changed",
+    {NEBSourceControlReferenceChangedErrorClass,
      "error: cannot lock ref 'refs/heads/x': is at 1234567890123456789012345678901234567890 but "
      "expected 2345678901234567890123456789012345678901"},
-    {"reference-changed", "fatal: cannot lock ref 'refs/heads/x': reference already exists"},
-    {"permission-denied",
+    {NEBSourceControlReferenceChangedErrorClass,
+     "fatal: cannot lock ref 'refs/heads/x': reference already exists"},
+    {NEBSourceControlPermissionDeniedErrorClass,
      "fatal: cannot lock ref 'HEAD': Unable to create '/r/.git/HEAD.lock': Permission denied"},
-    {"ref-locked",
+    {NEBSourceControlRefLockedErrorClass,
      "fatal: cannot lock ref 'HEAD': Unable to create '/r/.git/HEAD.lock': File exists."},
-    {"objects-damaged",
+    {NEBSourceControlObjectsDamagedErrorClass,
      "fatal: unable to read 00750edc07d6415dcc07ae0351e9397b0222b7ba\n"
      "error: remote unpack failed: eof before pack header was fully read\nTo ../tgt\n"
      " ! [remote rejected] main -> main (unpacker error)\nerror: failed to push some refs to 'x'"},
-    {"objects-damaged",
+    {NEBSourceControlObjectsDamagedErrorClass,
      "error: object file .git/objects/12/34 is empty\nerror: remote unpack failed: eof before pack "
      "header was fully read\n ! [remote rejected] main -> main (unpacker error)"},
-    {"host-unknown",
+    {NEBSourceControlHostUnknownErrorClass,
      "fatal: unable to access 'https://h/': Could not resolve host: h\n"
      "fatal: could not fetch 1234 from promisor remote"},
-    {"objects-missing",
+    {NEBSourceControlObjectsMissingErrorClass,
      "fatal: remote error: upload-pack: not our ref 1234\n"
      "fatal: could not fetch 1234 from promisor remote"},
-    {"http-refused",
+    {NEBSourceControlHTTPRefusedErrorClass,
      "error: RPC failed; HTTP 413 curl 22 The requested URL returned error: 413\n"
      "fatal: the remote end hung up unexpectedly\nEverything up-to-date"},
-    {"tls-failed",
+    {NEBSourceControlTLSFailedErrorClass,
      "fatal: unable to access 'https://h/': gnutls_handshake() failed: x\nfatal: early EOF"},
-    {"remote-damaged",
+    {NEBSourceControlRemoteDamagedErrorClass,
      "error: git upload-pack: git-pack-objects died with error.\nfatal: git upload-pack: aborting "
      "due to possible repository corruption on the remote side.\nfatal: early EOF\n"
      "fatal: fetch-pack: invalid index-pack output"},
-    {"remote-damaged",
+    {NEBSourceControlRemoteDamagedErrorClass,
      "fatal: unexpected line in ./packed-refs: junk\nfatal: expected flush after ref listing"},
-    {"connection-cut",
+    {NEBSourceControlConnectionCutErrorClass,
      "fetch-pack: unexpected disconnect while reading sideband packet\nfatal: early EOF\n"
      "fatal: fetch-pack: invalid index-pack output"},
-    {"connection-cut",
+    {NEBSourceControlConnectionCutErrorClass,
      "fatal: unable to access 'https://h/': Operation too slow. Less than 1000 bytes/sec "
      "transferred the last 5 seconds"},
-    {"reference-broken",
+    {NEBSourceControlReferenceBrokenErrorClass,
      "warning: ignoring broken ref refs/heads/t\nfatal: ambiguous argument 't': unknown revision "
      "or "
      "path not in the working tree."},
     // content
-    {"line-ends-refused", "fatal: CRLF would be replaced by LF in a"},
-    {"line-ends-refused", "fatal: LF would be replaced by CRLF in a"},
-    {"unknown", "warning: in the working copy of 'a', LF will be replaced by CRLF the next time"},
-    {"embedded-repository",
+    {NEBSourceControlLineEndsRefusedErrorClass, "fatal: CRLF would be replaced by LF in a"},
+    {NEBSourceControlLineEndsRefusedErrorClass, "fatal: LF would be replaced by CRLF in a"},
+    {NEBSourceControlUnknownErrorClass,
+     "warning: in the working copy of 'a', LF will be replaced by CRLF the next time"},
+    {NEBSourceControlEmbeddedRepositoryErrorClass,
      "error: 'sub/' does not have a commit checked out\nfatal: adding files failed"},
-    {"path-invalid", "fatal: can not move directory into itself, source=d, destination=d/e"},
-    {"configured-file-missing", "fatal: could not open object name list: /nosuch"},
-    {"program-missing",
+    {NEBSourceControlPathInvalidErrorClass,
+     "fatal: can not move directory into itself, source=d, destination=d/e"},
+    {NEBSourceControlConfiguredFileMissingErrorClass,
+     "fatal: could not open object name list: /nosuch"},
+    {NEBSourceControlProgramMissingErrorClass,
      "fatal: cannot run /nosuch/prog: No such file or directory\n"
      "fatal: unable to read files to diff"},
-    {"program-missing", "words: 1: words: not found\nfatal: unable to read files to diff"},
+    {NEBSourceControlProgramMissingErrorClass,
+     "words: 1: words: not found\nfatal: unable to read files to diff"},
     // requests
-    {"request-invalid", "error: unknown option `foo'\nusage: git branch [<options>] [-r | -a]"},
-    {"request-invalid", "usage: git merge-base [-a | --all] <commit> <commit>..."},
-    {"request-invalid", "fatal: options '--squash' and '--no-ff.' cannot be used together"},
-    {"request-invalid", "fatal: options '-b', '-B', and '--orphan' cannot be used together"},
-    {"request-invalid", "fatal: unrecognized argument: --foo"},
+    {NEBSourceControlRequestInvalidErrorClass,
+     "error: unknown option `foo'\nusage: git branch [<options>] [-r | -a]"},
+    {NEBSourceControlRequestInvalidErrorClass,
+     "usage: git merge-base [-a | --all] <commit> <commit>..."},
+    {NEBSourceControlRequestInvalidErrorClass,
+     "fatal: options '--squash' and '--no-ff.' cannot be used together"},
+    {NEBSourceControlRequestInvalidErrorClass,
+     "fatal: options '-b', '-B', and '--orphan' cannot be used together"},
+    {NEBSourceControlRequestInvalidErrorClass, "fatal: unrecognized argument: --foo"},
     // the machine
-    {"out-of-memory", "fatal: Out of memory, malloc failed (tried to allocate 4294967296 bytes)"},
-    {"out-of-memory", "fatal: mmap failed: Cannot allocate memory"},
-    {"system-limit", "error: cannot fork() for upload-pack: Resource temporarily unavailable"},
-    {"system-limit", "fatal: unable to create thread: Resource temporarily unavailable"},
-    {"system-limit",
+    {NEBSourceControlOutOfMemoryErrorClass,
+     "fatal: Out of memory, malloc failed (tried to allocate 4294967296 bytes)"},
+    {NEBSourceControlOutOfMemoryErrorClass, "fatal: mmap failed: Cannot allocate memory"},
+    {NEBSourceControlSystemLimitErrorClass,
+     "error: cannot fork() for upload-pack: Resource temporarily unavailable"},
+    {NEBSourceControlSystemLimitErrorClass,
+     "fatal: unable to create thread: Resource temporarily unavailable"},
+    {NEBSourceControlSystemLimitErrorClass,
      "error: unable to open object pack directory: .git/objects/pack: Too many open files"},
-    {"io-error", "fatal: read error: Input/output error"},
-    {"repository-damaged", "fatal: bad shallow line: junk"},
+    {NEBSourceControlIOErrorClass, "fatal: read error: Input/output error"},
+    {NEBSourceControlRepositoryDamagedErrorClass, "fatal: bad shallow line: junk"},
     // settings
-    {"configuration-broken", "fatal: bad zlib compression level 99"},
-    {"configuration-broken",
+    {NEBSourceControlConfigurationBrokenErrorClass, "fatal: bad zlib compression level 99"},
+    {NEBSourceControlConfigurationBrokenErrorClass,
      "error: malformed value for push.default: foo\nerror: must be one of nothing, matching, "
      "simple, upstream or current\nfatal: bad config variable 'push.default' in file"},
-    {"configuration-broken", "fatal: invalid value for 'pull.rebase': 'foo'"},
-    {"configuration-broken", "fatal: unknown style 'foo' given for 'merge.conflictstyle'"},
-    {"configuration-broken", "fatal: Invalid cleanup mode foo"},
+    {NEBSourceControlConfigurationBrokenErrorClass,
+     "fatal: invalid value for 'pull.rebase': 'foo'"},
+    {NEBSourceControlConfigurationBrokenErrorClass,
+     "fatal: unknown style 'foo' given for 'merge.conflictstyle'"},
+    {NEBSourceControlConfigurationBrokenErrorClass, "fatal: Invalid cleanup mode foo"},
     // ssh and TLS
-    {"ssh-key-refused",
+    {NEBSourceControlSSHKeyRefusedErrorClass,
      "Received disconnect from 192.0.2.1 port 22:2: Too many authentication failures\r\n"
      "fatal: Could not read from remote repository."},
-    {"ssh-host-key",
+    {NEBSourceControlSSHHostKeyErrorClass,
      "@    WARNING: REMOTE HOST IDENTIFICATION HAS CHANGED!     @\n"
      "fatal: Could not read from remote repository."},
-    {"ssh-negotiation-failed",
+    {NEBSourceControlSSHNegotiationFailedErrorClass,
      "Unable to negotiate with 192.0.2.1 port 22: no matching key exchange method found. Their "
      "offer: diffie-hellman-group1-sha1\r\nfatal: Could not read from remote repository."},
-    {"ssh-configuration-broken",
+    {NEBSourceControlSSHConfigurationBrokenErrorClass,
      "Bad owner or permissions on /h/.ssh/config\r\nfatal: Could not read from remote repository."},
-    {"host-unreachable",
+    {NEBSourceControlHostUnreachableErrorClass,
      "ssh: connect to host h port 22: Permission denied\r\n"
      "fatal: Could not read from remote repository."},
-    {"host-unknown",
+    {NEBSourceControlHostUnknownErrorClass,
      "ssh: Could not resolve hostname h: Temporary failure in name resolution\r\n"
      "fatal: Could not read from remote repository."},
-    {"connection-cut",
+    {NEBSourceControlConnectionCutErrorClass,
      "kex_exchange_identification: Connection closed by remote host\r\nConnection closed by "
      "192.0.2.1 port 22\r\nfatal: Could not read from remote repository."},
-    {"certificate-untrusted",
+    {NEBSourceControlCertificateUntrustedErrorClass,
      "fatal: unable to access 'https://h/': SSL certificate problem: certificate has expired"},
-    {"certificate-untrusted",
+    {NEBSourceControlCertificateUntrustedErrorClass,
      "fatal: unable to access 'https://h/': error reading ca cert file /nosuch (Error while "
      "reading file.)"},
-    {"client-certificate-refused",
+    {NEBSourceControlClientCertificateRefusedErrorClass,
      "fatal: unable to access 'https://h/': could not load PEM client certificate, OpenSSL error "
      "error:02001002:system library:fopen:No such file or directory"},
-    {"client-certificate-refused",
+    {NEBSourceControlClientCertificateRefusedErrorClass,
      "fatal: unable to access 'https://h/': OpenSSL SSL_read: error:1409445C:SSL "
      "routines:ssl3_read_bytes:tlsv13 alert certificate required, errno 0"},
-    {"proxy-refused",
+    {NEBSourceControlProxyRefusedErrorClass,
      "fatal: unable to access 'https://h/': Received HTTP code 407 from proxy after CONNECT"},
-    {"connection-cut",
+    {NEBSourceControlConnectionCutErrorClass,
      "fatal: unable to access 'https://h/': OpenSSL SSL_read: Connection reset by peer, errno 104"},
-    {"connection-cut",
+    {NEBSourceControlConnectionCutErrorClass,
      "error: RPC failed; curl 56 GnuTLS recv error (-110): The TLS connection was non-properly "
      "terminated."},
     // Subversion
-    {"credentials-refused",
+    {NEBSourceControlCredentialsRefusedErrorClass,
      "Authentication realm: <svn://h:3690> r\nPassword for 'ann': Can't create session: Unable to "
      "connect to a repository at URL 'svn://h/trunk': Authorization failed at SVN.pm line 148."},
-    {"credentials-refused",
+    {NEBSourceControlCredentialsRefusedErrorClass,
      "Can't create session: Unable to connect to a repository at URL 'svn://h/trunk': "
      "Authentication error from server: Password incorrect at SVN.pm line 148."},
-    {"repository-not-found",
+    {NEBSourceControlRepositoryNotFoundErrorClass,
      "Can't create session: Unable to connect to a repository at URL 'file:///r/trunk': Unable to "
      "open repository 'file:///r/trunk' at SVN.pm line 148."},
-    {"repository-not-found",
+    {NEBSourceControlRepositoryNotFoundErrorClass,
      "Can't create session: Unable to connect to a repository at URL 'svn://h/x': No repository "
      "found in 'svn://h/x' at SVN.pm line 148."},
-    {"host-unreachable",
+    {NEBSourceControlHostUnreachableErrorClass,
      "Can't create session: Unable to connect to a repository at URL 'http://h/x': Error running "
      "context: Connection refused at SVN.pm line 148."},
-    {"host-unknown",
+    {NEBSourceControlHostUnknownErrorClass,
      "Can't create session: Unable to connect to a repository at URL 'svn://h/x': Unknown hostname "
      "'h' at SVN.pm line 148."},
-    {"transport-unknown",
+    {NEBSourceControlTransportUnknownErrorClass,
      "Bad URL passed to RA layer: Unrecognized URL scheme for 'foo://h/x' at SVN.pm line 148."},
-    {"no-subversion-upstream", "[svn-remote \"svn\"] unknown\n"},
-    {"no-subversion-upstream",
+    {NEBSourceControlNoSubversionUpstreamErrorClass, "[svn-remote \"svn\"] unknown\n"},
+    {NEBSourceControlNoSubversionUpstreamErrorClass,
      "Unable to determine upstream SVN information from HEAD history.\n"
      "Perhaps the repository is empty. at git-svn line 875."},
-    {"remote-ahead",
+    {NEBSourceControlRemoteAheadErrorClass,
      "ERROR from SVN:\nItem is out of date: File '/trunk/a' is out of date\nW: 1234 and "
      "refs/remotes/git-svn differ"},
-    {"remote-ahead",
+    {NEBSourceControlRemoteAheadErrorClass,
      "There are new revisions that were fetched and need to be merged (or acknowledged) before "
      "committing.\nr7\nYou can attempt to merge with:"},
-    {"no-subversion-upstream",
+    {NEBSourceControlNoSubversionUpstreamErrorClass,
      "merge parent 1234 for 5678 has no parent commit, and therefore nothing to diff against."},
-    {"repository-damaged",
+    {NEBSourceControlRepositoryDamagedErrorClass,
      "Last fetched revision of refs/remotes/git-svn was r9, but we are about to fetch: r7!"},
-    {"remote-damaged", "fatal: index-pack failed"},
-    {"program-missing", "Can't locate SVN/Core.pm in @INC (you may need to install the module)"},
+    {NEBSourceControlRemoteDamagedErrorClass, "fatal: index-pack failed"},
+    {NEBSourceControlProgramMissingErrorClass,
+     "Can't locate SVN/Core.pm in @INC (you may need to install the module)"},
 };
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "GitController.h"
 #include "GitOperations/GitExport.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
@@ -194,12 +195,12 @@ TEST_F(ExportOfRepository, OfAMissingRevisionOrFileSaysSoAndLeavesNothing) {
     EXPECT_THAT(ofRevision->error(),
                 IsSourceControlError(-1, "The revision nosuch was not found for the file \"" +
                                              repository.path("src/io/main.c") + "\"."));
-    EXPECT_THAT(ofRevision->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(ofRevision->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_EQ(ofRevision->result(), std::nullopt);
 
     const auto ofFile = exportFile("src/io/nosuch.c", "HEAD", NEBValue(out("nosuch.c")));
     EXPECT_THAT(ofFile->error(), IsSourceControlError(-1, HasSubstr("The revision HEAD was not")));
-    EXPECT_THAT(ofFile->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(ofFile->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
 
     const auto ofFolder = exportFile("nosuch/main.c", "HEAD");
     EXPECT_THAT(ofFolder->error(),
@@ -257,7 +258,7 @@ TEST_F(ExportOfRepository, OfAFileOutsideTheWorkingCopyIsRefused) {
         operation->start();
         EXPECT_THAT(operation->error(),
                     IsSourceControlError(-1, HasSubstr("\"/elsewhere/main.c\" was not exported")));
-        EXPECT_THAT(operation->error(), HasErrorClass("path-outside"));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathOutsideErrorClass));
     }
     request->files.reset();
     request->destination = {};
@@ -277,7 +278,7 @@ TEST_F(ExportOfRepository, OfAFileBesideTheWorkingCopyIsRefused) {
     request->destination = out("top.bin");
     const auto operation = GitController().operationForRequest(request);
     operation->start();
-    EXPECT_THAT(operation->error(), HasErrorClass("path-outside"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathOutsideErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(out("top.bin")));
 }
@@ -314,7 +315,7 @@ TEST_F(ExportOfRepository, ThatIsCancelledMidwayLeavesNothing) {
     }
     operation.cancel();
     running.join();
-    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(operation.result(), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(out("big")));
 }
@@ -368,7 +369,7 @@ TEST_F(ExportOfRepository, OfHalfAnArchiveHasTheErrorOfTheTable) {
     EXPECT_THAT(operation.error(),
                 IsSourceControlError(
                     -21, "Authentication failed because the name or password was incorrect."));
-    EXPECT_THAT(operation.error(), HasErrorClass("permission-denied"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_EQ(operation.error()->text, "error: a: Permission denied");
 }
 
@@ -382,7 +383,8 @@ TEST_F(ExportOfRepository, OfAPathThatStandsForATreeRunsNothing) {
         request->destination = there.path("target");
         auto operation = GitController().operationForRequest(request);
         operation->start();
-        EXPECT_THAT(operation->error(), HasErrorClass("path-invalid")) << name;
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInvalidErrorClass))
+            << name;
     }
     EXPECT_EQ(there.read("main.c"), "mine");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(there.path()),
@@ -398,7 +400,7 @@ TEST_F(ExportOfRepository, ThatIsCancelledLeavesNoTemporaryFile) {
     std::thread running([&operation] { operation->start(); });
     operation->cancel();
     running.join();
-    EXPECT_THAT(operation->error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_THAT(temporaryNames(), IsEmpty());
 }
 
@@ -423,7 +425,8 @@ TEST_F(ExportOfRepository, OfTheTreeRemovesNoFileOnItsWay) {
         request->destination = out(destination);
         const auto operation = GitController().operationForRequest(request);
         operation->start();
-        EXPECT_THAT(operation->error(), HasErrorClass("destination-exists")) << destination;
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDestinationExistsErrorClass))
+            << destination;
     }
     EXPECT_EQ(bytesOf(out("file")), "mine");
 }
@@ -466,7 +469,7 @@ TEST_F(ExportOfRepository, OfTheTreeWithoutAWorkingCopySaysSo) {
     request->startingRevision = "HEAD";
     const auto operation = GitController().operationForRequest(request);
     operation->start();
-    EXPECT_THAT(operation->error(), HasErrorClass("no-work-tree"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNoWorkTreeErrorClass));
     EXPECT_THAT(namesIn(folder.path("out")), IsEmpty());
 }
 

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "GitController.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
@@ -335,9 +336,10 @@ TEST_F(BlameOfRepository, OfAnEmptyFileIsNoResult) {
 
 TEST_F(BlameOfRepository, OfAnUnknownFileOrRevisionSaysSo) {
     commitAs("Ann", "2001-02-03T04:05:06Z", "a", "x\n");
-    EXPECT_THAT(blame("nosuch")->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(blame("nosuch")->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     EXPECT_EQ(blame("nosuch")->result(), std::nullopt);
-    EXPECT_THAT(blame("a", "nosuch")->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(blame("a", "nosuch")->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
 }  // namespace

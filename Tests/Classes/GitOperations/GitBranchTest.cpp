@@ -1,4 +1,5 @@
 #include "GitOperations/GitBranch.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
@@ -280,7 +281,7 @@ TEST_F(Branches, OfARepositoryWithoutACommitAreNone) {
     EXPECT_EQ(run(25)->result(), std::nullopt);
     EXPECT_EQ(run(26)->result(), std::nullopt);
     EXPECT_EQ(run(25)->error(), std::nullopt);
-    EXPECT_THAT(run(1, "topic")->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(run(1, "topic")->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
 TEST_F(Branches, OnNoBranchAndInOtherWorktreesAreTold) {
@@ -291,24 +292,24 @@ TEST_F(Branches, OnNoBranchAndInOtherWorktreesAreTold) {
     repository.git({"checkout", "-q", "--detach"});
     EXPECT_THAT(names(26), ElementsAre(StartsWith("(HEAD detached at ")));
     EXPECT_THAT(names(25), ElementsAre(StartsWith("(HEAD detached at "), "main", "+ other", ""));
-    EXPECT_THAT(run(2, "other")->error(), HasErrorClass("branch-in-use"));
+    EXPECT_THAT(run(2, "other")->error(), HasErrorClass(NEBSourceControlBranchInUseErrorClass));
 }
 
 TEST_F(Branches, ThatCannotBeMadeOrDeletedSayWhy) {
     repository.commitFile("a", "1");
-    EXPECT_THAT(run(1, "main")->error(), HasErrorClass("branch-exists"));
-    EXPECT_THAT(run(1, "a b")->error(), HasErrorClass("branch-name-invalid"));
+    EXPECT_THAT(run(1, "main")->error(), HasErrorClass(NEBSourceControlBranchExistsErrorClass));
+    EXPECT_THAT(run(1, "a b")->error(), HasErrorClass(NEBSourceControlBranchNameInvalidErrorClass));
     EXPECT_THAT(run(1, "x", NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "nosuch"}})
                     ->error(),
-                HasErrorClass("revision-unknown"));
-    EXPECT_THAT(run(2, "nosuch")->error(), HasErrorClass("branch-unknown"));
-    EXPECT_THAT(run(2, "main")->error(), HasErrorClass("branch-in-use"));
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+    EXPECT_THAT(run(2, "nosuch")->error(), HasErrorClass(NEBSourceControlBranchUnknownErrorClass));
+    EXPECT_THAT(run(2, "main")->error(), HasErrorClass(NEBSourceControlBranchInUseErrorClass));
     repository.git({"checkout", "-q", "-b", "unmerged"});
     repository.commitFile("b", "1");
     repository.git({"checkout", "-q", "main"});
     const auto refused = run(2, "unmerged");
     EXPECT_THAT(refused->error(), IsSourceControlError(-91, testing::_));
-    EXPECT_THAT(refused->error(), HasErrorClass("branch-not-merged"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlBranchNotMergedErrorClass));
     EXPECT_EQ(
         run(2, "unmerged", NEBDictionary{{NEBSourceControlRequestOptionForce, true}})->error(),
         std::nullopt);
@@ -355,9 +356,11 @@ TEST_F(RemoteBranches, OfAnEmptyRepositoryAreAnEmptyResult) {
 }
 
 TEST_F(RemoteBranches, ThatCannotBeAskedForSayWhy) {
-    EXPECT_THAT(list({repository.path("nosuch")})->error(), HasErrorClass("repository-not-found"));
-    EXPECT_THAT(list({"http://127.0.0.1:1/x.git"})->error(), HasErrorClass("host-unreachable"));
-    EXPECT_THAT(list({})->error(), HasErrorClass("remote-unknown"));
+    EXPECT_THAT(list({repository.path("nosuch")})->error(),
+                HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
+    EXPECT_THAT(list({"http://127.0.0.1:1/x.git"})->error(),
+                HasErrorClass(NEBSourceControlHostUnreachableErrorClass));
+    EXPECT_THAT(list({})->error(), HasErrorClass(NEBSourceControlRemoteUnknownErrorClass));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "GitOperations/GitCheckout.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <filesystem>
 
@@ -155,7 +156,7 @@ TEST_F(CheckoutInRepository, OfNothingKnownSaysSo) {
     const auto operation = checkOut("nosuch");
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(4, "There is no branch or revision \"nosuch\"."));
-    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_THAT(*operation->error()->text, HasSubstr("pathspec 'nosuch' did not match"));
     EXPECT_EQ(branch(), "main\n");
 }
@@ -165,7 +166,8 @@ TEST_F(CheckoutInRepository, ThatWouldLoseAFileIsRefusedByGit) {
     repository.commitFile("new", "new");
     repository.git({"checkout", "-q", "main"});
     repository.write("new", "mine");
-    EXPECT_THAT(checkOut("topic")->error(), HasErrorClass("untracked-in-the-way"));
+    EXPECT_THAT(checkOut("topic")->error(),
+                HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
     EXPECT_EQ(branch(), "main\n");
     EXPECT_EQ(status(), "?? new\n");
 }
@@ -176,16 +178,17 @@ TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(
                     -1, "The checkout was made, but a hook of the repository failed after it."));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     EXPECT_THAT(*operation->error()->text, HasSubstr("no mail today"));
     EXPECT_EQ(branch(), "topic\n");
     hook("echo \"error: pathspec 'x' did not match any file(s) known to git\" >&2; exit 1");
-    EXPECT_THAT(checkOut("main")->error(), HasErrorClass("local-hook-refused"))
+    EXPECT_THAT(checkOut("main")->error(),
+                HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass))
         << "its words choose nothing";
     hook("echo 'fatal: not under version control' >&2; exit 1");
     operation = checkOut("topic");
     EXPECT_THAT(operation->error(), IsSourceControlError(-71, HasSubstr("version control")));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     hook("echo 'error: unable to create file x: Permission denied' >&2");
     EXPECT_EQ(checkOut("main")->error(), std::nullopt) << "it is not git that says so";
     hook("echo 'warning: Permission denied' >&2");
@@ -202,7 +205,7 @@ TEST_F(CheckoutInRepository, ARevertOfAFileInConflictIsAnError) {
     repository.commitFile("a", "main\n");
     EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
     const auto operation = revertFile("a");
-    EXPECT_THAT(operation->error(), HasErrorClass("conflict-unresolved"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("stay as they were")));
     EXPECT_EQ(status(), "UU a\n");
 }
@@ -218,7 +221,7 @@ TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
         }(),
         checkout("topic", repository.path()));
     operation.start();
-    EXPECT_THAT(operation.error(), HasErrorClass("permission-denied"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_EQ(operation.error()->code, 513);
     EXPECT_THAT(operation.error()->text, Optional(HasSubstr("Read-only file system")));
     EXPECT_THAT(contentOf(operation), HasSubstr("Switched to branch 'topic'"));
@@ -253,7 +256,7 @@ TEST_F(CheckoutInRepository, ARevertOfANameIsNoPattern) {
 TEST_F(CheckoutInRepository, ARevertOfAnUntrackedFileSaysSo) {
     repository.write("untracked", "u");
     const auto operation = revertFile("untracked");
-    EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     EXPECT_EQ(operation->error()->code, -71);
     EXPECT_THAT(operation->error()->files, ElementsAre(repository.path("untracked")));
     EXPECT_TRUE(fs::exists(repository.path("untracked")));

@@ -1,4 +1,5 @@
 #include "GitOperations/GitCommit.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <filesystem>
 
@@ -195,7 +196,7 @@ TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
     const auto operation = commit(message("m"));
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, HasSubstr("no change has been added")));
-    EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt) << "the first words name no commit";
     EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "git's own words";
     EXPECT_EQ(head(), before);
@@ -211,7 +212,7 @@ TEST_F(CommitInRepository, WithoutAMessageFailsAtOnceAndOpensNoEditor) {
         const auto operation = commit(options);
         EXPECT_THAT(operation->error(),
                     IsSourceControlError(-1, "The commit has no message; nothing was committed."));
-        EXPECT_THAT(operation->error(), HasErrorClass("message-empty"));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlMessageEmptyErrorClass));
     }
     EXPECT_EQ(head(), before);
 }
@@ -222,7 +223,7 @@ TEST_F(CommitInRepository, WithoutAnIdentitySaysWhatIsMissing) {
     repository.write("a", "1");
     repository.git({"add", "a"});
     const auto operation = commit(message("m"));
-    EXPECT_THAT(operation->error(), HasErrorClass("identity-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlIdentityUnknownErrorClass));
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, HasSubstr("your name or your e-mail address")));
     EXPECT_THAT(*operation->error()->localizedRecoverySuggestion(), HasSubstr("user.email"));
@@ -235,18 +236,19 @@ TEST_F(CommitInRepository, ThatAHookRefusesSaysSoWithTheHooksWords) {
     auto operation = commit(message("m"));
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, "A hook of the repository refused the commit."));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     EXPECT_EQ(operation->error()->text, "Tabs in a, line 1");
 
     hook("pre-commit", "exit 1");
     operation = commit(message("m"));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused")) << "not a word";
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass))
+        << "not a word";
     EXPECT_EQ(operation->error()->text, std::nullopt);
 
     hook("pre-commit", "exit 0");
     hook("commit-msg", "echo 'No ticket named' >&2; exit 3");
     operation = commit(message("m"));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     EXPECT_NE(repository.gitStatus({"rev-parse", "--verify", "-q", "HEAD"}), 0) << "committed";
 }
 
@@ -261,7 +263,8 @@ TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
           "Already up to date", "error: lint failed"}) {
         hook("pre-commit", std::string("echo '") + words + "'; exit 1");
         const auto refused = commit(message("m"));
-        EXPECT_THAT(refused->error(), HasErrorClass("local-hook-refused")) << words;
+        EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass))
+            << words;
         EXPECT_EQ(refused->error()->code, -1) << words;
         EXPECT_EQ(refused->error()->text, words);
         hook("pre-commit", std::string("echo '") + words + "'");
@@ -283,7 +286,8 @@ TEST_F(CommitInRepository, TheErrorTableChoosesTheCodeOfAHooksRefusal) {
         hook("pre-commit", std::string("echo '") + words + "'; exit 1");
         const auto refused = commit(message("m"));
         EXPECT_THAT(refused->error(), IsSourceControlError(expected.first, expected.second));
-        EXPECT_THAT(refused->error(), HasErrorClass("local-hook-refused")) << words;
+        EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass))
+            << words;
         EXPECT_EQ(refused->error()->text, words);
     }
 }
@@ -295,9 +299,11 @@ TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {
     hook("pre-commit", "echo 'error: all is well' >&2");
     EXPECT_EQ(commit(message("m"))->error(), std::nullopt);
     // … and does not stand for the cause of what fails after it.
-    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(commit(message("m"))->error(),
+                HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     hook("pre-commit", "echo fine >&2");
-    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(commit(message("m"))->error(),
+                HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
 }
 
 /// Each answer must leave git as soon as it is there.
@@ -320,17 +326,20 @@ TEST_F(CommitInRepository, AHookMayTalkWithAGitOfItsOwn) {
 
 TEST_F(CommitInRepository, OfAnUnknownFileOrDuringAMergeSaysSo) {
     repository.commitFile("a", "1");
-    EXPECT_THAT(commit(message("m"), {"nothing"})->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(commit(message("m"), {"nothing"})->error(),
+                HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     repository.git({"checkout", "-q", "-b", "topic"});
     repository.commitFile("a", "topic");
     repository.git({"checkout", "-q", "main"});
     repository.commitFile("a", "main");
     EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
-    EXPECT_THAT(commit(message("m"))->error(), HasErrorClass("conflict-unresolved"));
+    EXPECT_THAT(commit(message("m"))->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
     EXPECT_EQ(commit(message("m"))->result(), std::nullopt);
     repository.write("a", "settled");
     repository.git({"add", "a"});
-    EXPECT_THAT(commit(message("m"), {"a"})->error(), HasErrorClass("merge-unfinished"));
+    EXPECT_THAT(commit(message("m"), {"a"})->error(),
+                HasErrorClass(NEBSourceControlMergeUnfinishedErrorClass));
     EXPECT_EQ(commit(std::nullopt)->error(), std::nullopt) << "with the message git has prepared";
 }
 

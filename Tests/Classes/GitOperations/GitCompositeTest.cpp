@@ -1,4 +1,5 @@
 #include "GitOperations/GitComposite.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <signal.h>
 
@@ -73,7 +74,7 @@ TEST_F(CompositeTest, RunsOneStepAfterTheOtherOnAQueueOfItsOwn) {
 TEST_F(CompositeTest, StopsAtAStepsErrorAndPassesItOn) {
     Composite composite({"echo 'fatal: not a git repository' >&2; exit 128", "exit 0"});
     composite.start();
-    EXPECT_THAT(composite.error(), HasErrorClass("not-a-repository"));
+    EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
     EXPECT_EQ(composite.steps.size(), 1U);
 }
 
@@ -109,7 +110,7 @@ TEST_F(CompositeTest, IsCancelledWithTheStepThatRuns) {
     });
     composite.start();
     canceller.join();
-    EXPECT_THAT(composite.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(composite.steps.size(), 2U);
     EXPECT_FALSE(test::isLiveProcess(std::stoi(folder.read("pid"))));
 }
@@ -120,7 +121,7 @@ TEST_F(CompositeTest, IsCancelledBetweenItsSteps) {
     Composite composite({"echo $$ >'" + folder.path("pid") + "'; exec sleep 600"});
     composite.cancel();
     composite.main();  // start() would not even begin
-    EXPECT_THAT(composite.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(folder.read("pid"), "") << "the step began";
 }
 
@@ -133,7 +134,7 @@ TEST_F(CompositeTest, IsCancelledAtAnyMoment) {
         });
         composite.start();
         canceller.join();
-        EXPECT_THAT(composite.error(), HasErrorClass("cancelled"));
+        EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     }
 }
 
@@ -141,7 +142,7 @@ TEST_F(CompositeTest, ThatIsCancelledBeforeItBeginsDoesNothing) {
     Composite composite({"exit 0"});
     composite.cancel();
     composite.start();
-    EXPECT_THAT(composite.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_TRUE(composite.steps.empty());
 }
 

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -101,7 +102,7 @@ TEST_F(FileSystemWork, ACopyOntoSomethingFailsAndStagesItAllTheSame) {
     EXPECT_EQ(description(*operation), "\"" + repository.path("a") +
                                            "\" could not be copied to \"" +
                                            repository.path("there") + "\": File exists.");
-    EXPECT_THAT(operation->error(), HasErrorClass("destination-exists"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDestinationExistsErrorClass));
     EXPECT_EQ(tracked(), "a\nthere\n");
     repository.write("expected", "kept");
     EXPECT_EQ(repository.git({"hash-object", "there"}),
@@ -113,7 +114,7 @@ TEST_F(FileSystemWork, ACopyOfNothingNamesItAndTheCause) {
     EXPECT_EQ(description(*operation), "\"" + repository.path("nothing") +
                                            "\" could not be copied to \"" + repository.path("b") +
                                            "\": No such file or directory.");
-    EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     auto unnamed = requestFor(NEBSourceControlRequestCopy, repository.path());
     unnamed->destination = repository.path("c");
     EXPECT_EQ(perform(unnamed)->error()->code, ENOENT);
@@ -247,7 +248,7 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
     });
     operation.start();
     canceller.join();
-    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(count(), 2) << "something is left beside the file and the repository";
     EXPECT_FALSE(exists(".git/index.lock"));
     EXPECT_EQ(tracked(), "");

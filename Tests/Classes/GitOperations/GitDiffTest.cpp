@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "GitController.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
@@ -315,7 +316,7 @@ TEST_F(DiffOfRepository, WithTwoMergeBasesIsWarnedOfAndNoError) {
 
 TEST_F(DiffOfRepository, ThatCannotBeMadeSaysWhy) {
     request->startingRevision = "nosuch";
-    EXPECT_THAT(run()->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_EQ(run()->result(), std::nullopt);
 
     repository.git({"checkout", "-q", "--orphan", "other"});
@@ -323,13 +324,13 @@ TEST_F(DiffOfRepository, ThatCannotBeMadeSaysWhy) {
     request->startingRevision = "main";
     request->endingRevision = "other";
     request->options = NEBDictionary{{NEBSourceControlRequestOptionDiffFromCommonAncestor, true}};
-    EXPECT_THAT(run()->error(), HasErrorClass("unrelated-histories"));
+    EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlUnrelatedHistoriesErrorClass));
 }
 
 TEST_F(DiffOfRepository, WithoutACommitSaysSo) {
     const TestRepository empty;
     request->sourceTree->location = empty.path();
-    EXPECT_THAT(run()->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "GitOperations/GitExchange.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -218,7 +219,7 @@ TEST(PullOutput, ThatSaysThereIsNothingNewIsAnErrorOfItsOwn) {
                     IsSourceControlError(-34, "The local repository \"demo\" is up to date."));
         EXPECT_EQ(pulled.operation.error()->localizedRecoverySuggestion(),
                   "The are no changes to pull from \"main\".");
-        EXPECT_THAT(pulled.operation.error(), HasErrorClass("up-to-date"));
+        EXPECT_THAT(pulled.operation.error(), HasErrorClass(NEBSourceControlUpToDateErrorClass));
         EXPECT_EQ(pulled.operation.result(), NEBSourceControlResult{});
     }
 }
@@ -350,11 +351,11 @@ TEST_F(Sharing, APushThatTheRemoteIsAheadOfIsAnErrorBesideItsContent) {
     const auto refused = push(*ben);
     EXPECT_THAT(refused->error(),
                 IsSourceControlError(-32, HasSubstr("does not have the latest remote changes")));
-    EXPECT_THAT(refused->error(), HasErrorClass("remote-ahead"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlRemoteAheadErrorClass));
     EXPECT_THAT(refused->result()->front().value(NEBSourceControlOperationContentKey).description(),
                 HasSubstr("[rejected]"));
     EXPECT_EQ(shared(), head(*ann));
-    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("diverged"));
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass(NEBSourceControlDivergedErrorClass));
     EXPECT_THAT(pull(*ben)->error(), IsSourceControlError(-200, testing::_));
 }
 
@@ -364,24 +365,26 @@ TEST_F(Sharing, APullThatLocalChangesAreInTheWayOfLosesNothing) {
     ben->write("a", "mine\n");
     const auto refused = pull(*ben);
     EXPECT_THAT(refused->error(), IsSourceControlError(-31, HasSubstr("uncommitted changes")));
-    EXPECT_THAT(refused->error(), HasErrorClass("local-changes"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
     EXPECT_EQ(ben->git({"status", "--porcelain"}), " M a\n");
     ben->git({"checkout", "-q", "a"});
     ann->commitFile("new", "ann\n");
     EXPECT_EQ(push(*ann)->error(), std::nullopt);
     ben->write("new", "mine\n");
-    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("untracked-in-the-way"));
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
 }
 
 TEST_F(Sharing, APullOfNothingKnownSaysSo) {
-    EXPECT_THAT(pull(*ben, "nosuch")->error(), HasErrorClass("remote-branch-unknown"));
+    EXPECT_THAT(pull(*ben, "nosuch")->error(),
+                HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
 }
 
 TEST_F(Sharing, APushOfAnotherBranchMakesItThere) {
     ann->git({"branch", "feature/x.y"});
     EXPECT_EQ(push(*ann, "feature/x.y", "feature/Grüße")->error(), std::nullopt);
     EXPECT_EQ(shared("feature/Grüße"), head(*ann));
-    EXPECT_THAT(push(*ann, "nosuch", "x")->error(), HasErrorClass("nothing-to-push-from"));
+    EXPECT_THAT(push(*ann, "nosuch", "x")->error(),
+                HasErrorClass(NEBSourceControlNothingToPushFromErrorClass));
 }
 
 TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
@@ -389,14 +392,14 @@ TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
     const std::string before = shared();
     bareHook("pre-receive", "echo policy: no; exit 1");
     const auto refused = push(*ann);
-    EXPECT_THAT(refused->error(), HasErrorClass("remote-hook-refused"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlRemoteHookRefusedErrorClass));
     EXPECT_THAT(*refused->error()->text, HasSubstr("policy: no"));
     EXPECT_EQ(shared(), before);
     fs::remove(folder.path("shared.git/hooks/pre-receive"));
     ann->write(".git/hooks/pre-push", "#!/bin/sh\necho not on a Friday >&2\nexit 1\n");
     fs::permissions(ann->path(".git/hooks/pre-push"), fs::perms(0755));
     const auto local = push(*ann);
-    EXPECT_THAT(local->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(local->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     EXPECT_THAT(local->error(),
                 IsSourceControlError(-1, "A hook of the repository refused the push."));
     EXPECT_THAT(*local->error()->text, HasSubstr("not on a Friday"));
@@ -405,7 +408,8 @@ TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
                               "Permission denied by policy"}) {
         ann->write(".git/hooks/pre-push",
                    std::string("#!/bin/sh\necho '") + words + "' >&2\nexit 1\n");
-        EXPECT_THAT(push(*ann)->error(), HasErrorClass("local-hook-refused")) << words;
+        EXPECT_THAT(push(*ann)->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass))
+            << words;
     }
 }
 
@@ -416,12 +420,12 @@ TEST_F(Sharing, TheErrorTableChoosesTheCodeOfAPushThatAHookRefuses) {
     EXPECT_THAT(push(*ann)->error(),
                 IsSourceControlError(
                     -21, "Authentication failed because the name or password was incorrect."));
-    EXPECT_THAT(push(*ann)->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(push(*ann)->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     fs::remove(ann->path(".git/hooks/pre-push"));
     bareHook("pre-receive", "echo 'Transaction is out of date'; exit 1");
     const auto refused = push(*ann);
     EXPECT_EQ(refused->error()->code, -32);
-    EXPECT_THAT(refused->error(), HasErrorClass("remote-hook-refused"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlRemoteHookRefusedErrorClass));
 }
 
 /// Runs a push whose git prints these lines and ends with status 1.
@@ -445,7 +449,7 @@ TEST(PushError, TheErrorTableGoesBeforeTheGuessThatAHookRefused) {
                                    "error: failed to push some refs to 'https://h/x.git'\n");
     EXPECT_EQ(error.code, -21);
     EXPECT_EQ(error.localizedDescription(), "The server certificate failed to verify.");
-    EXPECT_EQ(error.errorClass, "certificate-untrusted");
+    EXPECT_EQ(error.errorClass, NEBSourceControlCertificateUntrustedErrorClass);
 }
 
 TEST(PushError, AFailedTransferIsNeverUpToDate) {
@@ -459,10 +463,10 @@ TEST(PushError, AFailedTransferIsNeverUpToDate) {
                                  "error: 413\n" +
                                      rest + last);
         EXPECT_EQ(error.code, -1);
-        EXPECT_EQ(error.errorClass, "http-refused");
+        EXPECT_EQ(error.errorClass, NEBSourceControlHTTPRefusedErrorClass);
         error = errorOfPush(folder, rest + last);
         EXPECT_EQ(error.code, -20);
-        EXPECT_EQ(error.errorClass, "connection-cut");
+        EXPECT_EQ(error.errorClass, NEBSourceControlConnectionCutErrorClass);
     }
     EXPECT_EQ(errorOfPush(folder, "Everything up-to-date\n").code, -25);
 }
@@ -482,12 +486,13 @@ TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
 }
 
 TEST_F(Sharing, AFetchOfNothingKnownSaysSo) {
-    EXPECT_THAT(fetch(*ben, "nosuch")->error(), HasErrorClass("repository-not-found"));
+    EXPECT_THAT(fetch(*ben, "nosuch")->error(),
+                HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(push(*ben, "main", "main", "nosuch")->error(),
-                HasErrorClass("repository-not-found"));
+                HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     fs::remove_all(bare());
-    EXPECT_THAT(fetch(*ben)->error(), HasErrorClass("repository-not-found"));
-    EXPECT_THAT(pull(*ben)->error(), HasErrorClass("repository-not-found"));
+    EXPECT_THAT(fetch(*ben)->error(), HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
+    EXPECT_THAT(pull(*ben)->error(), HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
 }
 
 /// git says not a word then; taken for a success, the tag would be thought the remote's.
@@ -498,7 +503,7 @@ TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
     ben->git({"tag", "v1"});
     ben->git({"config", "remote.origin.fetch", "refs/tags/*:refs/tags/*"});
     const auto refused = fetch(*ben);
-    EXPECT_THAT(refused->error(), HasErrorClass("reference-rejected"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlReferenceRejectedErrorClass));
     EXPECT_THAT(refused->error(), IsSourceControlError(-1, HasSubstr("differs from the remote's")));
     EXPECT_THAT(*refused->error()->text,
                 testing::MatchesRegex(" ! .rejected. +v1 +-> v1 +.would clobber existing tag.\n"));
@@ -513,7 +518,7 @@ TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
                                             asked);
     silent.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
     silent.start();
-    EXPECT_THAT(silent.error(), HasErrorClass("unknown"));
+    EXPECT_THAT(silent.error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
     EXPECT_THAT(silent.error(), IsSourceControlError(-1, HasSubstr("exit status 1")));
     EXPECT_THAT(test::commandLinesOf(silent),
                 ElementsAre("fetch -q origin",
@@ -532,7 +537,7 @@ TEST_F(Sharing, AFailureWithoutAWordIsAnError) {
     ::setenv("PATH", path.c_str(), 1);
     for (const auto& operation : {silentPull, silentFetch, silentPush}) {
         ASSERT_TRUE(operation->error()) << operation->className();
-        EXPECT_THAT(operation->error(), HasErrorClass("unknown"));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
     }
 }
 
@@ -543,8 +548,10 @@ class Network : public Sharing {};
 TEST_F(Network, AClosedPortIsUnreachable) {
     ben->git({"remote", "add", "far", "http://127.0.0.1:1/x.git"});
     EXPECT_THAT(fetch(*ben, "far")->error(), IsSourceControlError(-20, testing::_));
-    EXPECT_THAT(fetch(*ben, "far")->error(), HasErrorClass("host-unreachable"));
-    EXPECT_THAT(push(*ben, "main", "main", "far")->error(), HasErrorClass("host-unreachable"));
+    EXPECT_THAT(fetch(*ben, "far")->error(),
+                HasErrorClass(NEBSourceControlHostUnreachableErrorClass));
+    EXPECT_THAT(push(*ben, "main", "main", "far")->error(),
+                HasErrorClass(NEBSourceControlHostUnreachableErrorClass));
 }
 
 TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
@@ -554,12 +561,14 @@ TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
     ben->git({"remote", "add", "far", server.url()});
     const auto refused = fetch(*ben, "far");
     EXPECT_THAT(refused->error(), IsSourceControlError(-21, testing::_));
-    EXPECT_THAT(refused->error(), HasErrorClass("credentials-needed"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlCredentialsNeededErrorClass));
     std::string url = server.url();
     url.insert(url.find("127"), "user:secret@");
     ben->git({"remote", "add", "known", url});
-    EXPECT_THAT(fetch(*ben, "known")->error(), HasErrorClass("credentials-refused"));
-    EXPECT_THAT(push(*ben, "main", "main", "known")->error(), HasErrorClass("credentials-refused"));
+    EXPECT_THAT(fetch(*ben, "known")->error(),
+                HasErrorClass(NEBSourceControlCredentialsRefusedErrorClass));
+    EXPECT_THAT(push(*ben, "main", "main", "known")->error(),
+                HasErrorClass(NEBSourceControlCredentialsRefusedErrorClass));
 }
 
 TEST_F(Network, AServerThatSaysNothingIsCancelled) {
@@ -579,7 +588,7 @@ TEST_F(Network, AServerThatSaysNothingIsCancelled) {
         });
         operation->start();
         canceller.join();
-        EXPECT_THAT(operation->error(), HasErrorClass("cancelled")) << type;
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlCancelledErrorClass)) << type;
     }
 }
 
@@ -598,7 +607,7 @@ TEST_F(Network, TheDryRunAfterASilentFetchIsCancelledToo) {
     });
     silent.start();
     canceller.join();
-    EXPECT_THAT(silent.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(silent.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
 }
 
 }  // namespace

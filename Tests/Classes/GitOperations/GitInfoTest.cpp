@@ -1,4 +1,5 @@
 #include "GitOperations/GitInfo.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
@@ -140,7 +141,7 @@ TEST_F(Info, OfOneFolderIsAskedForThereByBothQuestions) {
 TEST_F(Info, EndsWithTheFirstQuestionsErrorAndNoResult) {
     repository.write(".git/config", "[core\n");
     const auto operation = perform(info(repository.path()));
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre(originQuestion));
 }

@@ -7,6 +7,7 @@
 
 #include "GitController.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
@@ -200,7 +201,7 @@ TEST_F(ListOfRepository, OfMoreThanACommandLineHoldsIsAnError) {
         repository.write("full/" + std::string(245, 'n') + std::to_string(i), "");
     }
     const auto operation = run(listRequest("full", repository.path()));
-    EXPECT_EQ(operation->error()->errorClass, "system-limit");
+    EXPECT_EQ(operation->error()->errorClass, NEBSourceControlSystemLimitErrorClass);
     EXPECT_THAT(operation->error()->text,
                 testing::Optional(testing::HasSubstr("Argument list too long")));
 }
@@ -267,7 +268,7 @@ TEST_F(ListOfRepository, OfABranchOrOfTheEmptyNameIsRefused) {
     auto request = listRequest("src", repository.path());
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "main"}};
     const auto ofBranch = run(request);
-    EXPECT_THAT(ofBranch->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(ofBranch->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_THAT(textsOf(ofBranch->result()), IsEmpty());
 
     const auto ofNothing = run(listRequest("", repository.path()));
@@ -278,9 +279,10 @@ TEST_F(ListOfRepository, OfABranchOrOfTheEmptyNameIsRefused) {
 TEST_F(ListOfRepository, WithoutACommitOrARepositorySaysSo) {
     repository.write("src/a", "x");
     EXPECT_THAT(run(listRequest("src", repository.path()))->error(),
-                HasErrorClass("revision-unknown"));
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     const test::TemporaryFolder folder;
-    EXPECT_THAT(run(listRequest("src", folder.path()))->error(), HasErrorClass("not-a-repository"));
+    EXPECT_THAT(run(listRequest("src", folder.path()))->error(),
+                HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
 }
 
 TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
@@ -290,7 +292,8 @@ TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
          {elsewhere.path(), elsewhere.path("nosuch"), std::string("/nosuch"), std::string(".."),
           "file://" + repository.path("src")}) {
         const auto operation = run(listRequest(folder, repository.path()));
-        EXPECT_THAT(operation->error(), HasErrorClass("path-outside")) << folder;
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathOutsideErrorClass))
+            << folder;
         EXPECT_THAT(textsOf(operation->result()), IsEmpty()) << folder;
     }
     EXPECT_THAT(list(repository.path("src")), ElementsAre("a"));
@@ -300,7 +303,7 @@ TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
 TEST_F(ListOfRepository, OfNoFolderHasAClass) {
     repository.commitFile("src/a", "x");
     const auto operation = run(listRequest("", repository.path()));
-    EXPECT_THAT(operation->error(), HasErrorClass("path-invalid"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInvalidErrorClass));
     EXPECT_THAT(textsOf(operation->result()), IsEmpty());
 }
 

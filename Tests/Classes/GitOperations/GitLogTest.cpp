@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/Matchers.h"
 #include "Support/RequestRun.h"
@@ -430,7 +431,7 @@ TEST(LogOutput, OfALongLogThatFailsAtItsEndStandsBesideTheError) {
     test::StandIn<GitLogOperation> operation(git, request);
     operation.start();
     EXPECT_EQ(operation.result()->size(), 8000U);
-    EXPECT_EQ(operation.error()->errorClass, "objects-damaged");
+    EXPECT_EQ(operation.error()->errorClass, NEBSourceControlObjectsDamagedErrorClass);
     EXPECT_EQ(*operation.data(), output);
 }
 

@@ -1,4 +1,5 @@
 #include "GitOperations/GitMerge.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <filesystem>
 
@@ -218,10 +219,11 @@ TEST_F(MergeInRepository, AConflictThatCannotBeSettledIsAnError) {
     EXPECT_THAT(
         operation->error(),
         IsSourceControlError(-1, "There are conflicts that could not be settled automatically."));
-    EXPECT_THAT(operation->error(), HasErrorClass("conflict"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_THAT(*operation->error()->text, HasSubstr("CONFLICT (modify/delete): b"));
     EXPECT_EQ(head(), before);
-    EXPECT_THAT(mergeIn("topic")->error(), HasErrorClass("conflict-unresolved"));
+    EXPECT_THAT(mergeIn("topic")->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
 }
 
 TEST_F(MergeInRepository, ThatWouldOverwriteLocalChangesLosesNothing) {
@@ -230,20 +232,23 @@ TEST_F(MergeInRepository, ThatWouldOverwriteLocalChangesLosesNothing) {
     const auto operation = mergeIn("topic");
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-31, HasSubstr("\"demo\" has uncommitted changes")));
-    EXPECT_THAT(operation->error(), HasErrorClass("local-changes"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
     EXPECT_EQ(status(), " M a\n");
 }
 
 TEST_F(MergeInRepository, OfSomethingUnknownOrUnrelatedSaysSo) {
-    EXPECT_THAT(mergeIn("nosuch")->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(mergeIn("nosuch")->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     repository.git({"checkout", "-q", "--orphan", "island"});
     repository.git({"commit", "-qm", "island"});
     repository.git({"checkout", "-q", "main"});
-    EXPECT_THAT(mergeIn("island")->error(), HasErrorClass("unrelated-histories"));
+    EXPECT_THAT(mergeIn("island")->error(),
+                HasErrorClass(NEBSourceControlUnrelatedHistoriesErrorClass));
 }
 
 TEST_F(MergeInRepository, WithoutATargetOrAnUpstreamSaysSo) {
-    EXPECT_THAT(perform(merge({}, {}, repository.path()))->error(), HasErrorClass("no-upstream"));
+    EXPECT_THAT(perform(merge({}, {}, repository.path()))->error(),
+                HasErrorClass(NEBSourceControlNoUpstreamErrorClass));
 }
 
 TEST_F(MergeInRepository, WithoutATargetMergesWhatTheBranchTracks) {
@@ -256,7 +261,7 @@ TEST_F(MergeInRepository, WithoutATargetMergesWhatTheBranchTracks) {
 TEST_F(MergeInRepository, ThatAHookRefusesSaysSoWhateverTheHookSays) {
     hook("echo 'fatal: bad revision x' >&2; exit 1");
     const auto operation = mergeIn("topic");
-    EXPECT_THAT(operation->error(), HasErrorClass("local-hook-refused"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
     EXPECT_THAT(
         operation->error(),
         IsSourceControlError(
@@ -284,7 +289,7 @@ TEST_F(MergeInRepository, FindsNothingWhereTwoNeverMet) {
 
 TEST_F(MergeInRepository, ABaseWithSomethingUnknownSaysSo) {
     EXPECT_THAT(perform(mergeBase("main", "nosuch", repository.path()))->error(),
-                HasErrorClass("revision-unknown"));
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "GitOperations/GitNewRepository.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <signal.h>
 #include <unistd.h>
@@ -129,10 +130,11 @@ TEST_F(NewRepository, ThatIsBareKeepsGitsOwnList) {
 }
 
 TEST_F(NewRepository, InAFolderThatIsNotThereSaysSo) {
-    EXPECT_THAT(perform(create(path("missing")))->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(perform(create(path("missing")))->error(),
+                HasErrorClass(NEBSourceControlNotStartedErrorClass));
     EXPECT_FALSE(fs::exists(path("missing")));
     const auto bare = perform(create(std::nullopt, repositoryPath(path("x/y/bare.git"))));
-    EXPECT_THAT(bare->error(), HasErrorClass("destination-missing"));
+    EXPECT_THAT(bare->error(), HasErrorClass(NEBSourceControlDestinationMissingErrorClass));
 }
 
 TEST_F(NewRepository, WithoutAnInfoFolderIsTheWritesOwnError) {
@@ -160,7 +162,7 @@ TEST_F(NewRepository, WhoseListMayNotBeWrittenIsTheWritesOwnError) {
     ASSERT_TRUE(operation->error());
     EXPECT_EQ(operation->error()->domain, "NEBPOSIXErrorDomain");
     EXPECT_EQ(operation->error()->code, EACCES);
-    EXPECT_THAT(operation->error(), HasErrorClass("permission-denied"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_EQ(own.read("new/.git/info/exclude"), "kept");
 }
 
@@ -169,7 +171,7 @@ TEST_F(NewRepository, ThatGitFailsToMakeLeavesTheListAlone) {
     folder.write("new/.git/info/exclude", "kept");
     folder.write("new/.git/config", "[core\n");
     const auto operation = perform(create(path("new")));
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));
     EXPECT_EQ(folder.read("new/.git/info/exclude"), "kept");
 }
 
@@ -241,14 +243,14 @@ TEST_F(Cloning, BringsSubmodulesToo) {
 TEST_F(Cloning, ThatCannotBeSaysWhy) {
     folder.write("full/file", "x");
     const auto full = perform(clone(source.path(), path("full")));
-    EXPECT_THAT(full->error(), HasErrorClass("destination-exists"));
+    EXPECT_THAT(full->error(), HasErrorClass(NEBSourceControlDestinationExistsErrorClass));
     EXPECT_EQ(folder.read("full/file"), "x");
     EXPECT_THAT(perform(clone(path("nothing.git"), path("there")))->error(),
-                HasErrorClass("repository-not-found"));
+                HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(cloneHere(NEBDictionary{{NEBSourceControlRequestOptionBranch, "nosuch"}})->error(),
-                HasErrorClass("remote-branch-unknown"));
+                HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
     EXPECT_THAT(perform(clone(source.path(), path("missing")))->error(),
-                HasErrorClass("not-started"))
+                HasErrorClass(NEBSourceControlNotStartedErrorClass))
         << "git runs in the destination, which must be there";
 }
 
@@ -264,7 +266,7 @@ TEST_F(Cloning, IsCancelledWithNothingLeftBehind) {
     });
     operation.start();
     canceller.join();
-    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_FALSE(test::isLiveProcess(std::stoi(folder.read("pid"))));
 }
 

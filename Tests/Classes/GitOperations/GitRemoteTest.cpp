@@ -1,5 +1,6 @@
 #include "GitOperations/GitRemote.h"
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -178,7 +179,7 @@ TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
 TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
     const test::TemporaryFolder folder;
     const auto list = perform(request(NEBSourceControlRequestListRemotes, {}, {}, folder.path()));
-    EXPECT_THAT(list->error(), HasErrorClass("not-a-repository"));
+    EXPECT_THAT(list->error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
     EXPECT_EQ(list->result(), std::nullopt);
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
 }
@@ -202,11 +203,11 @@ TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
 TEST_F(Remotes, ThatCannotBeAddedOrRemovedSayWhy) {
     repository.git({"remote", "add", "origin", "/o.git"});
     EXPECT_THAT(run(NEBSourceControlRequestAddRemote, "origin", valuesOf({"/x"}))->error(),
-                HasErrorClass("remote-exists"));
+                HasErrorClass(NEBSourceControlRemoteExistsErrorClass));
     EXPECT_THAT(run(NEBSourceControlRequestAddRemote, "a b", valuesOf({"/x"}))->error(),
-                HasErrorClass("remote-name-invalid"));
+                HasErrorClass(NEBSourceControlRemoteNameInvalidErrorClass));
     EXPECT_THAT(run(NEBSourceControlRequestRemoveRemote, "nosuch")->error(),
-                HasErrorClass("remote-unknown"));
+                HasErrorClass(NEBSourceControlRemoteUnknownErrorClass));
     EXPECT_TRUE(run(NEBSourceControlRequestAddRemote)->error().has_value());
 }
 

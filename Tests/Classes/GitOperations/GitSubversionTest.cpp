@@ -1,4 +1,5 @@
 #include "GitOperations/GitSubversion.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
@@ -210,7 +211,7 @@ TEST_F(SubversionRemote, ThatIsNotThereIsAnEmptyResult) {
 TEST_F(SubversionRemote, EndsWithTheFirstQuestionsError) {
     repository.write(".git/config", "[core\n");
     const auto operation = list();
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_EQ(operation->commandLog()->runs().size(), 1U);
 }

@@ -1,4 +1,5 @@
 #include "GitOperations/GitTrackedFiles.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include <filesystem>
 
@@ -188,7 +189,7 @@ TEST_F(TrackedFiles, AnAddOfNothingIsAnErrorAndAddsNothing) {
     const auto operation = run(6, {"a", "nothing"});
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-71, "This file does not exist in the index."));
-    EXPECT_THAT(operation->error(), HasErrorClass("path-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     EXPECT_EQ(tracked(), "");
 }
 
@@ -197,7 +198,7 @@ TEST_F(TrackedFiles, AnIgnoredFileIsAnErrorThatNamesIt) {
     repository.write("x.o", "x");
     const auto operation = run(6, {"x.o"});
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The files are ignored."));
-    EXPECT_THAT(operation->error(), HasErrorClass("path-ignored"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathIgnoredErrorClass));
 }
 
 TEST_F(TrackedFiles, AWarningOfASuccessfulAddIsNoError) {
@@ -210,7 +211,7 @@ TEST_F(TrackedFiles, AWarningOfASuccessfulAddIsNoError) {
 TEST_F(TrackedFiles, AnotherGitThatHoldsTheIndexIsAClearError) {
     repository.write("a", "a");
     repository.write(".git/index.lock", "");
-    EXPECT_THAT(run(6, {"a"})->error(), HasErrorClass("index-locked"));
+    EXPECT_THAT(run(6, {"a"})->error(), HasErrorClass(NEBSourceControlIndexLockedErrorClass));
 }
 
 TEST_F(TrackedFiles, NamesAreNamesAndNoPatterns) {
@@ -267,13 +268,14 @@ TEST_F(TrackedFiles, AMoveThatCannotBeIsAnErrorThatSaysWhy) {
     struct Case {
         const char *from, *to;
         std::int64_t code;
-        const char* errorClass;
+        std::string_view errorClass;
     };
     for (const Case& refused :
-         {Case{"a", "b", -60, "destination-exists"}, Case{"untracked", "u2", -71, "path-unknown"},
-          Case{"nothing", "x", -71, "path-unknown"},
-          Case{"empty", "e2", -70, "source-directory-empty"},
-          Case{"a", "no folder/a", -1, "destination-missing"}}) {
+         {Case{"a", "b", -60, NEBSourceControlDestinationExistsErrorClass},
+          Case{"untracked", "u2", -71, NEBSourceControlPathUnknownErrorClass},
+          Case{"nothing", "x", -71, NEBSourceControlPathUnknownErrorClass},
+          Case{"empty", "e2", -70, NEBSourceControlSourceDirectoryEmptyErrorClass},
+          Case{"a", "no folder/a", -1, NEBSourceControlDestinationMissingErrorClass}}) {
         const auto operation = run(11, {refused.from}, repository.path(refused.to));
         EXPECT_THAT(operation->error(), IsSourceControlError(refused.code, testing::_))
             << refused.from;

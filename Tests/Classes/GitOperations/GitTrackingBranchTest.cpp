@@ -1,4 +1,5 @@
 #include "GitOperations/GitTrackingBranch.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
@@ -100,7 +101,7 @@ TEST_F(TrackingBranchName, AsksTwoQuestionsAndStopsAtAnError) {
                 ElementsAre("config --get branch.topic.remote", "config --get branch.topic.merge"));
     repository.write(".git/config", "[core\n");
     const auto operation = perform(trackingOf("topic", repository.path()));
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("config --get branch.topic.remote"));
 }
@@ -141,7 +142,7 @@ TEST_F(TrackRemoteBranch, FetchesAndMakesTheBranch) {
 
 TEST_F(TrackRemoteBranch, StopsAtTheFetchsError) {
     const auto operation = track("mine", "nosuch", "feature/x");
-    EXPECT_THAT(operation->error(), HasErrorClass("repository-not-found"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("fetch -q nosuch"));
 }
 
@@ -158,16 +159,17 @@ TEST_F(TrackRemoteBranch, GoesOnAfterAFetchThatMayNotOverwriteATag) {
     EXPECT_EQ(repository.git({"rev-parse", "--abbrev-ref", "mine@{upstream}"}),
               "origin/feature/x\n");
     EXPECT_THAT(track("other", "origin", "nosuch")->error(),
-                HasErrorClass("remote-branch-unknown"));
+                HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
 }
 
 TEST_F(TrackRemoteBranch, HasTheBranchsErrorAfterAGoodFetch) {
     const auto operation = track("mine", "origin", "nosuch");
-    EXPECT_THAT(operation->error(), HasErrorClass("remote-branch-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
     EXPECT_EQ(operation->commandLog()->runs().size(), 2U);
     EXPECT_EQ(operation->result(), std::nullopt);
     repository.git({"branch", "mine", "origin/main"});
-    EXPECT_THAT(track("mine", "origin", "feature/x")->error(), HasErrorClass("branch-exists"));
+    EXPECT_THAT(track("mine", "origin", "feature/x")->error(),
+                HasErrorClass(NEBSourceControlBranchExistsErrorClass));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "GitOperations/GitUpdate.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
@@ -55,7 +56,7 @@ TEST_F(Update, IsAPullWithTheOption) {
     EXPECT_EQ(head(*repository), head(*upstream));
     const auto again = perform(asked);
     EXPECT_THAT(again->error(), IsSourceControlError(-34, testing::_));
-    EXPECT_THAT(again->error(), HasErrorClass("up-to-date"));
+    EXPECT_THAT(again->error(), HasErrorClass(NEBSourceControlUpToDateErrorClass));
     EXPECT_EQ(again->result(), NEBSourceControlResult{});
 }
 
@@ -91,7 +92,7 @@ TEST_F(Update, PassesTheMergesErrorOn) {
     auto asked = request();
     asked->destination = "nosuch";
     const auto operation = perform(asked);
-    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
 }
 
@@ -120,7 +121,7 @@ TEST_F(Update, OverTheBridgeWithoutATargetIsReportedAndRuns) {
     ASSERT_EQ(collector.reports().size(), 1U);
     EXPECT_EQ(collector.reports()[0].line, 1804);
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("rebase -s recursive -X ours"));
-    EXPECT_THAT(operation->error(), HasErrorClass("no-upstream"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNoUpstreamErrorClass));
 }
 
 TEST_F(Update, OfASourceTreeThatIsNoWorkingTreeIsReportedAndRuns) {

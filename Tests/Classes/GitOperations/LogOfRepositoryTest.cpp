@@ -9,6 +9,7 @@
 
 #include "GitController.h"
 #include "GitOperations/GitStatus.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Text.h"
 #include "Support/HygienicTest.h"
@@ -355,14 +356,14 @@ TEST_F(LogSelection, OfAFileWhosePatternMatchesOthersIsOfThatFile) {
 TEST_F(LogOfRepository, OfARepositoryWithoutCommitsSaysSo) {
     const TestRepository repository;
     const auto operation = run(logRequest(repository));
-    EXPECT_THAT(operation->error(), HasErrorClass("no-commits-yet"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
     EXPECT_EQ(operation->result(), NEBSourceControlResult{});
 }
 
 TEST_F(LogSelection, OfAnUnknownRevisionSaysSo) {
     request->startingRevision = "nosuch";
     const auto operation = run(request);
-    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_EQ(operation->error()->code, 4);
     EXPECT_THAT(operation->error()->text, testing::Optional(testing::HasSubstr("nosuch")));
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "GitController.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
 #include "Support/StatusRecords.h"
@@ -166,7 +167,7 @@ TEST_F(StatusOfRepository, AFolderThatIsNoRepositoryIsAnErrorWithGitsCause) {
                 IsSourceControlError(-1, "The folder is not in a git repository."));
     EXPECT_EQ(operation->error()->text,
               "fatal: not a git repository (or any of the parent directories): .git");
-    EXPECT_THAT(operation->error(), HasErrorClass("not-a-repository"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
     EXPECT_THAT(textsOf(operation->result()), IsEmpty());
 }
 
@@ -174,9 +175,10 @@ TEST_F(StatusOfRepository, ABareRepositoryAndAMissingFolderAreErrors) {
     const test::TemporaryFolder folder;
     const TestRepository repository;
     repository.git({"init", "-q", "--bare", folder.path("bare.git")});
-    EXPECT_THAT(statusOf(folder.path("bare.git"))->error(), HasErrorClass("no-work-tree"));
+    EXPECT_THAT(statusOf(folder.path("bare.git"))->error(),
+                HasErrorClass(NEBSourceControlNoWorkTreeErrorClass));
     const auto missing = statusOf(folder.path("missing"));
-    EXPECT_THAT(missing->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(missing->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
     EXPECT_THAT(missing->error(), IsSourceControlError(-1, HasSubstr(folder.path("missing"))));
     EXPECT_EQ(missing->result(), std::nullopt);
 }
@@ -205,7 +207,7 @@ TEST_F(StatusOfRepository, AFolderThatMayNotBeReadIsAnErrorBesideTheRecords) {
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(
                     -21, "Authentication failed because the name or password was incorrect."));
-    EXPECT_THAT(operation->error(), HasErrorClass("permission-denied"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_THAT(operation->error()->text.value(), HasSubstr("secret"));
     EXPECT_THAT(textsOf(operation->result()), testing::Contains("256 " + repository.path("a")));
 }
@@ -216,7 +218,8 @@ TEST_F(StatusOfRepository, ARepositoryOfSomebodyElseIsAnError) {
     }
     const TestRepository repository;
     const test::AsOrdinaryUser user;
-    EXPECT_THAT(statusOf(repository.path())->error(), HasErrorClass("owner-not-trusted"));
+    EXPECT_THAT(statusOf(repository.path())->error(),
+                HasErrorClass(NEBSourceControlOwnerNotTrustedErrorClass));
 }
 
 TEST_F(StatusOfRepository, ADamagedConfigurationIsAnErrorThatNamesTheLine) {
@@ -224,7 +227,7 @@ TEST_F(StatusOfRepository, ADamagedConfigurationIsAnErrorThatNamesTheLine) {
     repository.write(".git/config", "[core\n");
     const auto operation = statusOf(repository.path());
     EXPECT_THAT(operation->error()->text, testing::Optional(HasSubstr("bad config line 1")));
-    EXPECT_THAT(operation->error(), HasErrorClass("configuration-broken"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
@@ -141,7 +142,7 @@ TEST_F(SubversionBridge, APushThatTheServerIsAheadOfIsAnError) {
     const auto pushed = push();
     EXPECT_THAT(pushed->error(),
                 IsSourceControlError(-32, HasSubstr("does not have the latest remote changes")));
-    EXPECT_THAT(pushed->error(), HasErrorClass("remote-ahead"));
+    EXPECT_THAT(pushed->error(), HasErrorClass(NEBSourceControlRemoteAheadErrorClass));
     EXPECT_EQ(server->content("trunk/a"), "theirs\n");
 }
 
@@ -149,7 +150,7 @@ TEST_F(SubversionBridge, APushThatAHookRefusesIsAnError) {
     server->refuseCommits("not on a Friday");
     clone->commitFile("a", "mine\n");
     const auto pushed = push();
-    EXPECT_THAT(pushed->error(), HasErrorClass("remote-hook-refused"));
+    EXPECT_THAT(pushed->error(), HasErrorClass(NEBSourceControlRemoteHookRefusedErrorClass));
     EXPECT_THAT(*pushed->error()->text, HasSubstr("not on a Friday"));
     EXPECT_EQ(server->content("trunk/a"), "first\n");
 }
@@ -158,9 +159,9 @@ TEST_F(SubversionBridge, APushOverUncommittedChangesIsAnError) {
     clone->commitFile("a", "mine\n");
     clone->write("a", "not committed\n");
     EXPECT_THAT(push()->error(), IsSourceControlError(-31, HasSubstr("uncommitted changes")));
-    EXPECT_THAT(push()->error(), HasErrorClass("needs-clean-tree"));
+    EXPECT_THAT(push()->error(), HasErrorClass(NEBSourceControlNeedsCleanTreeErrorClass));
     clone->git({"add", "a"});
-    EXPECT_THAT(push()->error(), HasErrorClass("needs-clean-tree"));
+    EXPECT_THAT(push()->error(), HasErrorClass(NEBSourceControlNeedsCleanTreeErrorClass));
     EXPECT_EQ(server->content("trunk/a"), "first\n");
 }
 
@@ -168,11 +169,11 @@ TEST_F(SubversionBridge, AnUpdateThatCannotBeIsAnError) {
     server->commitFile("trunk/a", "theirs\n");
     EXPECT_EQ(fetch()->error(), std::nullopt);
     clone->write("a", "not committed\n");
-    EXPECT_THAT(update()->error(), HasErrorClass("needs-clean-tree"));
+    EXPECT_THAT(update()->error(), HasErrorClass(NEBSourceControlNeedsCleanTreeErrorClass));
     clone->git({"rm", "-q", "-f", "a"});
     clone->git({"commit", "-qm", "without a"});
     const auto conflict = update();
-    EXPECT_THAT(conflict->error(), HasErrorClass("conflict"));
+    EXPECT_THAT(conflict->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_EQ(conflict->result(), std::nullopt);
     EXPECT_THAT(run(13)->error(), testing::Ne(std::nullopt)) << "in the middle of the first";
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Support/ErrorTexts.h"
 #include "Support/Matchers.h"
@@ -43,13 +44,13 @@ INSTANTIATE_TEST_SUITE_P(Texts, Catalogue,
 TEST(ErrorClasses, WhatTheFarEndSaidCountsForNothing) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(
                   "remote: Permission denied\nremote: fatal: not a git repository\n"),
-              "unknown");
+              NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText(
                   "remote: error: Permission denied (publickey)\n ! [remote rejected] main -> main "
                   "(pre-receive hook declined)\n"),
-              "remote-hook-refused");
+              NEBSourceControlRemoteHookRefusedErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("the remote: not a git repository"),
-              "not-a-repository")
+              NEBSourceControlNotARepositoryErrorClass)
         << "only lines that begin so are the far end's";
 }
 
@@ -57,29 +58,34 @@ TEST(ErrorClasses, AWarningOrHintGivesWayToAnError) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(
                   "warning: unable to access '/h/.config/git/ignore': Permission denied\n"
                   "fatal: bad revision 'nosuch'\n"),
-              "revision-unknown");
+              NEBSourceControlRevisionUnknownErrorClass);
     EXPECT_EQ(
         NEBSourceControlErrorClassOfText("hint: CONFLICT (content)\nfatal: bad revision 'x'\n"),
-        "revision-unknown");
+        NEBSourceControlRevisionUnknownErrorClass);
 }
 
 TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
-    const std::pair<const char*, const char*> texts[] = {
-        {"fatal: pathspec 'sync conflict (1).txt' did not match any files", "path-unknown"},
+    const std::pair<const char*, std::string_view> texts[] = {
+        {"fatal: pathspec 'sync conflict (1).txt' did not match any files",
+         NEBSourceControlPathUnknownErrorClass},
         {"error: pathspec 'connection timed out' did not match any file(s) known to git",
-         "path-unknown"},
-        {"error: pathspec 'it's permission denied' did not match any file(s)", "path-unknown"},
+         NEBSourceControlPathUnknownErrorClass},
+        {"error: pathspec 'it's permission denied' did not match any file(s)",
+         NEBSourceControlPathUnknownErrorClass},
         {"On branch main\nUntracked files:\n\tmy conflict (1).txt\n\nnothing added to commit",
-         "nothing-to-commit"},
+         NEBSourceControlNothingToCommitErrorClass},
         {"To https://h/git-lfs/x.git\n ! [rejected]  a -> a (fetch first)\nerror: failed to push "
          "some refs to 'https://h/git-lfs/x.git'",
-         "remote-ahead"},
-        {"fatal: repository 'http://h/permission denied.git/' not found", "repository-not-found"},
-        {"lint: request timed out", "unknown"},
-        {"error: something about 'permission denied'", "unknown"},
-        {"fatal: couldn't find remote ref 'bad revision '", "remote-branch-unknown"},
-        {"error: 'permission denied without an end", "permission-denied"},
-        {"On branch multi-pack-index\nnothing to commit, working tree clean", "nothing-to-commit"},
+         NEBSourceControlRemoteAheadErrorClass},
+        {"fatal: repository 'http://h/permission denied.git/' not found",
+         NEBSourceControlRepositoryNotFoundErrorClass},
+        {"lint: request timed out", NEBSourceControlUnknownErrorClass},
+        {"error: something about 'permission denied'", NEBSourceControlUnknownErrorClass},
+        {"fatal: couldn't find remote ref 'bad revision '",
+         NEBSourceControlRemoteBranchUnknownErrorClass},
+        {"error: 'permission denied without an end", NEBSourceControlPermissionDeniedErrorClass},
+        {"On branch multi-pack-index\nnothing to commit, working tree clean",
+         NEBSourceControlNothingToCommitErrorClass},
     };
     for (const auto& [text, errorClass] : texts) {
         EXPECT_EQ(NEBSourceControlErrorClassOfText(text), errorClass) << text;
@@ -87,23 +93,25 @@ TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
 }
 
 TEST(ErrorClasses, SubjectsOfCommitsAreNotGitsWords) {
-    const std::pair<const char*, const char*> texts[] = {
+    const std::pair<const char*, std::string_view> texts[] = {
         {"error: could not apply 1db7596... handle No space left on device\n"
          "Could not apply 1db7596... handle No space left on device",
-         "conflict"},
+         NEBSourceControlConflictErrorClass},
         {"Rebasing (1/2)\rRebasing (2/2)\rerror: could not apply 1db7596... Permission denied",
-         "conflict"},
+         NEBSourceControlConflictErrorClass},
         {"dropping 1db7596 out of memory -- patch contents already upstream\n"
          "error: could not apply 2db7596... one",
-         "conflict"},
+         NEBSourceControlConflictErrorClass},
         {"Applying: handle Permission denied\nPatch failed at 0001 handle Permission denied\n"
          "CONFLICT (content): Merge conflict in f",
-         "conflict"},
+         NEBSourceControlConflictErrorClass},
         {"Previous HEAD position was 1db7596 Input/output error\nHEAD is now at 2db7596 early EOF\n"
          "error: pathspec 'x' did not match any file(s) known to git",
-         "path-unknown"},
-        {"error: could not revert 1db7596... Permission denied", "merge-failed"},
-        {"Rebasing (1/1)\rfatal: bad pack compression level 'x'", "configuration-broken"},
+         NEBSourceControlPathUnknownErrorClass},
+        {"error: could not revert 1db7596... Permission denied",
+         NEBSourceControlMergeFailedErrorClass},
+        {"Rebasing (1/1)\rfatal: bad pack compression level 'x'",
+         NEBSourceControlConfigurationBrokenErrorClass},
     };
     for (const auto& [text, errorClass] : texts) {
         EXPECT_EQ(NEBSourceControlErrorClassOfText(text), errorClass) << text;
@@ -115,26 +123,29 @@ TEST(ErrorClasses, ALineOfQuotesIsReadOnce) {
     for (int i = 0; i < 1000000; ++i) {
         text += " 'a";  // opens, and is never closed: hours, if each were followed to the end
     }
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(text), "revision-unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("'"), "unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("''"), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(text), NEBSourceControlRevisionUnknownErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("'"), NEBSourceControlUnknownErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("''"), NEBSourceControlUnknownErrorClass);
 }
 
 TEST(ErrorClasses, ThePiecesOfASignStandInTheirOrder) {
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("does not match any src refspec "), "unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("remote:fatal: not a git repository"), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("does not match any src refspec "),
+              NEBSourceControlUnknownErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("remote:fatal: not a git repository"),
+              NEBSourceControlUnknownErrorClass);
 }
 
 TEST(ErrorClasses, TheCauseGoesBeforeWhatAccompaniesIt) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText("fatal: Could not read from remote repository.\n"
                                                "ssh: connect to host h port 1: Connection refused"),
-              "host-unreachable");
+              NEBSourceControlHostUnreachableErrorClass);
 }
 
 TEST(ErrorClasses, NoTextShowsNone) {
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(""), "unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("\n\n"), "unknown");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(std::string("\0\xFF\n", 3)), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(""), NEBSourceControlUnknownErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("\n\n"), NEBSourceControlUnknownErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(std::string("\0\xFF\n", 3)),
+              NEBSourceControlUnknownErrorClass);
 }
 
 }  // namespace

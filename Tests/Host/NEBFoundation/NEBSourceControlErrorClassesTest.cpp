@@ -7,6 +7,7 @@
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/Matchers.h"
 
 namespace neb {
@@ -44,17 +45,19 @@ TEST(ErrorClassTable, HasAdviceForEveryFailureThatIsKnown) {
             without.insert(row.name);
         }
     }
-    EXPECT_EQ(without, (std::set<std::string_view>{"cancelled", "unknown", "up-to-date"}));
+    EXPECT_EQ(without, (std::set<std::string_view>{NEBSourceControlCancelledErrorClass,
+                                                   NEBSourceControlUnknownErrorClass,
+                                                   NEBSourceControlUpToDateErrorClass}));
 }
 
-NEBSourceControlError errorOf(const char* errorClass) {
+NEBSourceControlError errorOf(std::string_view errorClass) {
     auto error = NEBSourceControlError::withDescription(-1, "It failed.");
     error.errorClass = errorClass;
     return error;
 }
 
 TEST(ErrorClassTable, AddsAdviceToAnErrorThatHasNone) {
-    auto error = errorOf("disk-full");
+    auto error = errorOf(NEBSourceControlDiskFullErrorClass);
     NEBSourceControlAddAdvice(error);
     EXPECT_EQ(error.localizedDescription(), "It failed.");
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Free some space, then try again.");
@@ -62,16 +65,16 @@ TEST(ErrorClassTable, AddsAdviceToAnErrorThatHasNone) {
 
 TEST(ErrorClassTable, LeavesAnErrorThatHasASuggestion) {
     auto error = NEBSourceControlError::withDescription(-1, "It failed.", "Do this.");
-    error.errorClass = "disk-full";
+    error.errorClass = NEBSourceControlDiskFullErrorClass;
     NEBSourceControlAddAdvice(error);
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Do this.");
 }
 
 TEST(ErrorClassTable, LeavesAnErrorWithoutDescriptionClassOrAdvice) {
     NEBSourceControlError bare;
-    bare.errorClass = "source-directory-empty";
+    bare.errorClass = NEBSourceControlSourceDirectoryEmptyErrorClass;
     auto withoutClass = NEBSourceControlError::withDescription(-1, "It failed.");
-    auto cancelled = errorOf("cancelled");
+    auto cancelled = errorOf(NEBSourceControlCancelledErrorClass);
     auto ofNoClass = errorOf("nosuch");
     for (NEBSourceControlError* error : {&bare, &withoutClass, &cancelled, &ofNoClass}) {
         NEBSourceControlAddAdvice(*error);
@@ -88,7 +91,7 @@ TEST(ErrorClassTable, GivesATextOfGitItsSentenceAndAdvice) {
     EXPECT_EQ(error.localizedDescription(),
               "The server requires a user name and password, and none are stored.");
     EXPECT_EQ(error.localizedRecoverySuggestion(),
-              NEBSourceControlErrorClassNamed("credentials-needed")->advice);
+              NEBSourceControlErrorClassNamed(NEBSourceControlCredentialsNeededErrorClass)->advice);
     EXPECT_EQ(error.text, text);
 }
 
@@ -98,7 +101,7 @@ TEST(ErrorClassTable, GoesBeforeTheHintsOfGit) {
     const auto error = NEBSourceControlErrorFromText(
         text, *test::requestFor(NEBSourceControlRequestAdd, std::nullopt));
     EXPECT_EQ(error.localizedRecoverySuggestion(),
-              NEBSourceControlErrorClassNamed("path-ignored")->advice);
+              NEBSourceControlErrorClassNamed(NEBSourceControlPathIgnoredErrorClass)->advice);
     EXPECT_THAT(error.hints, testing::ElementsAre("Use -f if"));
 }
 
@@ -106,7 +109,7 @@ TEST(ErrorClassTable, LeavesATextOfNoClassAndItsHints) {
     const char* text = "hint: Try this\nfatal: something new";
     const auto error = NEBSourceControlErrorFromText(
         text, *test::requestFor(NEBSourceControlRequestAdd, std::nullopt));
-    EXPECT_EQ(error.errorClass, "unknown");
+    EXPECT_EQ(error.errorClass, NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(error.localizedDescription(), text);
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Try this");
 }

@@ -4,6 +4,7 @@
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/ErrorTexts.h"
 
 namespace neb {
@@ -56,10 +57,12 @@ TEST(ErrorCatalogueRows, OfGeneralTextsHaveNoSignInVain) {
 }
 
 TEST(ErrorCatalogueRows, OfGeneralTextsTakeOnlyWhatGitSaysItself) {
-    EXPECT_EQ(NEBSourceControlErrorClassOfText("error: could not write 'x'"), "io-error");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText("error: could not write 'x'"),
+              NEBSourceControlIOErrorClass);
     for (const char* text : {"lint: could not write 'x'", "warning: could not write 'x'",
                              "hint: could not write 'x'", "remote: error: could not write 'x'"}) {
-        EXPECT_EQ(NEBSourceControlErrorClassOfText(text), "unknown") << text;
+        EXPECT_EQ(NEBSourceControlErrorClassOfText(text), NEBSourceControlUnknownErrorClass)
+            << text;
     }
 }
 
@@ -69,9 +72,9 @@ TEST(SaidByGitAtLength, TheCauseStandsAtTheBeginningOrAtTheEnd) {
         lines += "error: nothing that says why\n";
     }
     const std::string cause = "fatal: unable to write: No space left on device\n";
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(cause + lines), "disk-full");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(lines + cause), "disk-full");
-    EXPECT_EQ(NEBSourceControlErrorClassOfText(lines), "unknown");
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(cause + lines), NEBSourceControlDiskFullErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(lines + cause), NEBSourceControlDiskFullErrorClass);
+    EXPECT_EQ(NEBSourceControlErrorClassOfText(lines), NEBSourceControlUnknownErrorClass);
 }
 
 TEST(SaidByGitAtLength, WarningsAreLeftOutBeforeTheMiddleIs) {
@@ -80,7 +83,7 @@ TEST(SaidByGitAtLength, WarningsAreLeftOutBeforeTheMiddleIs) {
         warnings += "warning: something else\n";
     }
     EXPECT_EQ(NEBSourceControlErrorClassOfText(warnings + "fatal: bad revision 'x'\n" + warnings),
-              "revision-unknown");
+              NEBSourceControlRevisionUnknownErrorClass);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+
 namespace neb {
 namespace {
 
@@ -17,11 +19,19 @@ TEST(FileError, HasTheSystemsNumberAndTheFailuresSentence) {
 }
 
 TEST(FileError, HasTheClassOfItsNumber) {
-    const std::pair<int, const char*> classes[] = {
-        {EACCES, "permission-denied"}, {EPERM, "permission-denied"}, {EROFS, "permission-denied"},
-        {ENOSPC, "disk-full"},         {EDQUOT, "disk-full"},        {EEXIST, "destination-exists"},
-        {ENOENT, "path-unknown"},      {ENOTDIR, "path-unknown"},    {ENAMETOOLONG, "path-invalid"},
-        {EINVAL, "path-invalid"},      {ECANCELED, "cancelled"},     {EIO, "unknown"},
+    const std::pair<int, std::string_view> classes[] = {
+        {EACCES, NEBSourceControlPermissionDeniedErrorClass},
+        {EPERM, NEBSourceControlPermissionDeniedErrorClass},
+        {EROFS, NEBSourceControlPermissionDeniedErrorClass},
+        {ENOSPC, NEBSourceControlDiskFullErrorClass},
+        {EDQUOT, NEBSourceControlDiskFullErrorClass},
+        {EEXIST, NEBSourceControlDestinationExistsErrorClass},
+        {ENOENT, NEBSourceControlPathUnknownErrorClass},
+        {ENOTDIR, NEBSourceControlPathUnknownErrorClass},
+        {ENAMETOOLONG, NEBSourceControlPathInvalidErrorClass},
+        {EINVAL, NEBSourceControlPathInvalidErrorClass},
+        {ECANCELED, NEBSourceControlCancelledErrorClass},
+        {EIO, NEBSourceControlUnknownErrorClass},
     };
     for (const auto& [number, errorClass] : classes) {
         EXPECT_EQ(NEBSourceControlErrorFromFileFailure({number, "x"}).errorClass, errorClass);

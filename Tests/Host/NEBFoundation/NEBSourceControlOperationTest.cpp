@@ -6,6 +6,7 @@
 #include <new>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/Matchers.h"
 
 namespace neb {
@@ -38,7 +39,7 @@ TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
     operation.start();
     EXPECT_FALSE(operation.ran);
     EXPECT_TRUE(operation.isFinished());
-    EXPECT_THAT(operation.error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
 }
 
 TEST(SourceControlOperation, WithoutARequestThereIsNone) {
@@ -58,7 +59,7 @@ TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
     EXPECT_TRUE(operation.isFinished());
     EXPECT_THAT(operation.error(),
                 IsSourceControlError(-1, "The operation could not be completed: a reason."));
-    EXPECT_THAT(operation.error(), HasErrorClass("unknown"));
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
 }
 
 TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
@@ -75,7 +76,7 @@ TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
     for (const std::int32_t type : {NEBSourceControlRequestIgnore, NEBSourceControlRequestRemove}) {
         Throwing operation(requestFor(type, std::nullopt));
         operation.start();
-        EXPECT_THAT(operation.error(), HasErrorClass("out-of-memory"));
+        EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlOutOfMemoryErrorClass));
         EXPECT_THAT(operation.error(), IsSourceControlError(-1, HasSubstr("not enough memory")));
     }
 }

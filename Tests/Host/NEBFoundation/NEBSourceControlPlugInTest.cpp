@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/OperationQueue.h"
 #include "Support/Matchers.h"
@@ -137,7 +138,7 @@ TEST_F(ThrowingPlugIn, RefusesEveryRequestWhereItsPrincipalClassCannotBeMade) {
     std::optional<NEBSourceControlError> error;
     EXPECT_FALSE(principal->validateRequest(*request, &error));
     EXPECT_THAT(error, test::IsSourceControlError(-1, unexpected));
-    EXPECT_THAT(error, test::HasErrorClass("unknown"));
+    EXPECT_THAT(error, test::HasErrorClass(NEBSourceControlUnknownErrorClass));
     EXPECT_FALSE(principal->validateRequest(*request, nullptr));
     EXPECT_TRUE(principal->authenticationRequiredForRequest(*request));
     const auto operation = principal->operationForRequest(request);

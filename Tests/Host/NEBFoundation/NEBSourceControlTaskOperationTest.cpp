@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/OperationQueue.h"
@@ -58,14 +59,15 @@ TEST_F(TaskOperation, AnErrorTellsHowTheChildEndedAndWhatItsWordsHold) {
         "printf 'U\\ta b\\nU\\tc\\n'; exit 128");
     operation->start();
     const auto& error = operation->error();
-    EXPECT_THAT(error, HasErrorClass("conflict-unresolved"));
+    EXPECT_THAT(error, HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
     EXPECT_EQ(error->terminationStatus->exitStatus(), 128);
     EXPECT_THAT(error->hints, ElementsAre("Settle", "them."));
     EXPECT_THAT(error->remoteLines, ElementsAre("No."));
     EXPECT_THAT(error->files, ElementsAre("a b", "c"));
     EXPECT_EQ(error->localizedDescription(), "There are conflicts from an earlier operation.");
-    EXPECT_EQ(error->localizedRecoverySuggestion(),
-              NEBSourceControlErrorClassNamed("conflict-unresolved")->advice);
+    EXPECT_EQ(
+        error->localizedRecoverySuggestion(),
+        NEBSourceControlErrorClassNamed(NEBSourceControlConflictUnresolvedErrorClass)->advice);
 }
 
 TEST_F(TaskOperation, AnErrorHoldsNoPasswordInAnyOfItsTexts) {
@@ -89,10 +91,10 @@ TEST_F(TaskOperation, AnErrorHoldsNoPasswordInAnyOfItsTexts) {
 TEST_F(TaskOperation, ContentOfAGitThatDiedTellsNothingOfWhy) {
     auto log = script("echo 'Explain nothing to commit'; echo 'fatal: odd' >&2; exit 128");
     log->start();
-    EXPECT_THAT(log->error(), HasErrorClass("unknown"));
+    EXPECT_THAT(log->error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
     auto commit = script("echo 'nothing to commit'; echo 'odd' >&2; exit 1");
     commit->start();
-    EXPECT_THAT(commit->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(commit->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
 }
 
 TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsTextsAndHasAllElse) {
@@ -104,7 +106,7 @@ TEST_F(TaskOperation, AnErrorOfAnotherTableKeepsItsTextsAndHasAllElse) {
     operation->start();
     const auto& error = operation->error();
     EXPECT_THAT(error, IsSourceControlError(-21, "Authentication failed."));
-    EXPECT_THAT(error, HasErrorClass("permission-denied"));
+    EXPECT_THAT(error, HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_EQ(error->localizedRecoverySuggestion(), "Check the permissions of the file or folder.");
     EXPECT_EQ(error->userInfo.size(), 2U);
     EXPECT_EQ(error->text, "hint: Try.\nerror: open(\"a\"): Permission denied\n");
@@ -183,7 +185,7 @@ TEST_F(TaskOperation, AFailureIsAnErrorThoughParseDataClearedItsText) {
                                      "does not have the latest remote changes."));
     EXPECT_EQ(operation->error()->localizedRecoverySuggestion(),
               "Pull the remote changes and try again.");
-    EXPECT_THAT(operation->error(), HasErrorClass("remote-ahead"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRemoteAheadErrorClass));
     EXPECT_EQ(operation->result()->size(), 1U) << "beside its content";
 }
 
@@ -210,7 +212,7 @@ TEST_F(TaskOperation, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
         script("printf 'On branch main\\nnothing to commit, working tree clean\\n'; exit 1");
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "There is nothing to commit."));
-    EXPECT_THAT(operation->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     EXPECT_EQ(operation->error()->text, "On branch main\nnothing to commit, working tree clean\n");
 }
 
@@ -222,7 +224,7 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
     EXPECT_THAT(
         conflict->error(),
         IsSourceControlError(-1, "There are conflicts that could not be settled automatically."));
-    EXPECT_THAT(conflict->error(), HasErrorClass("conflict"));
+    EXPECT_THAT(conflict->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_EQ(conflict->error()->text,
               "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");
 
@@ -233,12 +235,12 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
     known->start();
     EXPECT_THAT(known->error(), IsSourceControlError(-9, "fatal: odd"))
         << "an error of the plug-in's own stays";
-    EXPECT_THAT(known->error(), HasErrorClass("nothing-to-commit"));
+    EXPECT_THAT(known->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
 
     auto unknown = script("echo 'hook: no' >&2; echo 'some output'; exit 1");
     unknown->start();
     EXPECT_THAT(unknown->error(), IsSourceControlError(-1, "hook: no"));
-    EXPECT_THAT(unknown->error(), HasErrorClass("unknown"));
+    EXPECT_THAT(unknown->error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
 
     auto success = script("echo 'nothing to commit'; echo notice >&2");
     success->start();
@@ -261,7 +263,7 @@ TEST_F(TaskOperation, AFailureThatWritesOnlyBlanksIsAnErrorThatTellsItsStatus) {
                                          "The operation was not completed: \"/bin/sh\" ended "
                                          "with exit status 3."))
             << blank;
-        EXPECT_THAT(operation->error(), HasErrorClass("unknown"));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
     }
 }
 
@@ -289,7 +291,7 @@ TEST_F(TaskOperation, AnOperationMayKnowWhatAnUnknownFailureMeans) {
     const auto odd = run("echo odd words >&2; exit 1");
     EXPECT_THAT(odd->error(), IsSourceControlError(-7, "known: odd words"));
     EXPECT_EQ(odd->error()->text, "odd words");
-    EXPECT_THAT(odd->error(), HasErrorClass("unknown"));
+    EXPECT_THAT(odd->error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
     EXPECT_EQ(run("echo notice >&2")->questions, 0) << "no failure";
     EXPECT_EQ(run("echo 'fatal: not a git repository' >&2; exit 128")->questions, 0) << "known";
     EXPECT_EQ(run("echo hm >&2; echo 'nothing to commit'; exit 1")->questions, 0)
@@ -313,7 +315,7 @@ TEST_F(TaskOperation, ASignalIsAnErrorThatNamesIt) {
                 IsSourceControlError(-1,
                                      "The operation was not completed because \"/bin/sh\" was "
                                      "ended by signal 9 (Killed)."));
-    EXPECT_THAT(operation->error(), HasErrorClass("killed"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlKilledErrorClass));
     EXPECT_EQ(operation->error()->text, "fatal: half");
 }
 
@@ -326,7 +328,7 @@ TEST_F(TaskOperation, AProgramThatCannotStartIsAnErrorThatNamesIt) {
                                      "The operation could not be performed because the program "
                                      "\"/no/such/git\" could not be started: No such file or "
                                      "directory."));
-    EXPECT_THAT(operation->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
     EXPECT_EQ(operation->parses, 0);
     EXPECT_EQ(operation->data(), std::nullopt);
     EXPECT_FALSE(operation->terminationStatus()->started());
@@ -390,7 +392,7 @@ TEST_F(TaskOperation, TheClassIsTheTrueOneWhicheverTableMadeTheError) {
     };
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-21, "Authentication failed."));
-    EXPECT_THAT(operation->error(), HasErrorClass("permission-denied"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPermissionDeniedErrorClass));
     EXPECT_EQ(operation->error()->text,
               "fatal: Unable to create '/r/.git/index.lock': Permission denied");
 }
@@ -404,7 +406,7 @@ TEST_F(TaskOperation, CancelledBeforeItBeginsRunsNothing) {
     operation->cancel();
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The operation was cancelled."));
-    EXPECT_THAT(operation->error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(operation->commandLog()->runs().empty());
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
@@ -421,7 +423,7 @@ TEST_F(TaskOperation, CancelledWhileItRunsEndsWithNothingLeft) {
     }
     queue.cancelAllOperations();
     queue.waitUntilAllOperationsAreFinished();
-    EXPECT_THAT(operation->error(), HasErrorClass("cancelled"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_FALSE(test::isLiveProcess(static_cast<pid_t>(std::stol(folder.read("pid")))));
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
 #include "Support/ScriptOperation.h"
@@ -48,7 +49,7 @@ TEST_F(PipedOperation, AHalfThatDiedIsAnErrorBesideWhatLooksLikeAResult) {
         operation->second->parse = [&] { operation->second->setResult(NEBSourceControlResult{}); };
         operation->start();
         EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("signal 9 (Killed)")));
-        EXPECT_THAT(operation->error(), HasErrorClass("killed"));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlKilledErrorClass));
     }
     auto cutOff = piped("exec yes", "head -n 1");
     cutOff->second->parse = [&] { cutOff->second->setResult(NEBSourceControlResult{}); };
@@ -82,7 +83,7 @@ TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
     };
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The revision was not found."));
-    EXPECT_THAT(operation->error(), HasErrorClass("revision-unknown"));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_THAT(operation->messages, ElementsAre());
     EXPECT_THAT(operation->second->messages, ElementsAre());
 }
@@ -105,7 +106,8 @@ TEST_F(PipedOperation, AFirstHalfThatWasCutOffIsNotTheCause) {
 
     auto silent = piped("exec yes", "exit 2");
     silent->start();
-    EXPECT_THAT(silent->error(), HasErrorClass("killed")) << "a failure all the same";
+    EXPECT_THAT(silent->error(), HasErrorClass(NEBSourceControlKilledErrorClass))
+        << "a failure all the same";
 }
 
 TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
@@ -118,7 +120,7 @@ TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
     second->second->program = "/no/such/second";
     second->start();
     EXPECT_THAT(second->error(), IsSourceControlError(-1, HasSubstr("\"/no/such/second\"")));
-    EXPECT_THAT(second->error(), HasErrorClass("not-started"));
+    EXPECT_THAT(second->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
 }
 
 TEST_F(PipedOperation, TellsThatALeftOverProcessHeldTheOutputOfEitherHalf) {

@@ -6,6 +6,7 @@
 
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
 
@@ -156,7 +157,8 @@ TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
         ASSERT_TRUE(requestResult.outcome.has_value());
         EXPECT_FALSE(requestResult.outcome->operation.has_value());
         ASSERT_TRUE(requestResult.outcome->error.has_value());
-        EXPECT_EQ(requestResult.outcome->error->errorClass, "request-invalid");
+        EXPECT_EQ(requestResult.outcome->error->errorClass,
+                  NEBSourceControlRequestInvalidErrorClass);
     }
 }
 

@@ -1,5 +1,6 @@
 // Text for a person at a terminal.
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Presentation.h"
 
 #include <gtest/gtest.h>
@@ -139,7 +140,7 @@ TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
 
 TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
     auto error = errorWith("a.c: needs merge", {}, "error: path 'b.c' is unmerged");
-    error.errorClass = "conflict-unresolved";
+    error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"a.c", "b.c", "c\n.c"};
     EXPECT_EQ(errorLines(error),
               "nebsc: a.c: needs merge.\n    error: path 'b.c' is unmerged\n    c\\n.c\n");
@@ -147,7 +148,7 @@ TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
 
 TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
     auto error = errorWith("fatal: cannot commit: unmerged files", {}, "fatal: settle 'conf'licts");
-    error.errorClass = "conflict-unresolved";
+    error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"file", "conf", "settle", "commit"};
     EXPECT_EQ(errorLines(error),
               "nebsc: Cannot commit: unmerged files.\n    fatal: settle 'conf'licts\n"

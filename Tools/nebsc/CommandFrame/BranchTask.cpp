@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Text.h"
 #include "Terminal/Presentation.h"

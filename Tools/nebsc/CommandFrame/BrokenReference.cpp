@@ -6,7 +6,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Terminal/Presentation.h"

@@ -8,6 +8,7 @@
 #include "CommandFrame/BrokenReference.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
@@ -126,7 +127,7 @@ std::optional<CommandOutput> CommandTask::readPaths() {
             }
             const PathSearch search = findAbsolutePath(*folder.path, word);
             if (!search.path) {
-                return refusal(search.failure, exitFailed, "path-invalid");
+                return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
             }
             _paths[std::string(parameter.name)].push_back(*search.path);
         }
@@ -328,7 +329,8 @@ void CommandTask::noteConflicts(CommandOutput& output, std::string_view sentence
     if (!outcome.status.isSuccess()) {
         addFailure(output, failureOf(outcome));
     } else if (!outcome.output.empty()) {
-        addFailure(output, refusalAbout(sentence, textsBetweenNULs(outcome.output), "conflict"));
+        addFailure(output, refusalAbout(sentence, textsBetweenNULs(outcome.output),
+                                        NEBSourceControlConflictErrorClass));
     }
 }
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
 #include "Session/GitProgram.h"
@@ -72,7 +72,7 @@ std::optional<CommandOutput> HistoryTask::takeFile(const std::string& word, bool
                                                    Words& words) {
     const PathSearch search = findFile(word);
     if (!search.path) {
-        return refusal(search.failure, exitFailed, "path-invalid");
+        return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (mustBeThere && !isThere(*search.path, words)) {
         if (const auto broken = brokenReference(word)) {
@@ -98,7 +98,7 @@ std::optional<CommandOutput> HistoryTask::take(const std::string& word, bool mus
             inQuotes(word) +
                 " is both a revision and a file; put \"--\" in front of it for the file, "
                 "or behind it for the revision.",
-            exitFailed, "revision-ambiguous");
+            exitFailed, NEBSourceControlRevisionAmbiguousErrorClass);
     }
     words.revisions.insert(words.revisions.end(), revisions->begin(), revisions->end());
     if (revisions->size() == 2) {
@@ -211,7 +211,7 @@ std::optional<CommandOutput> HistoryTask::refusalOfPathOutside(const std::string
                      refusal(inQuotes(path) + " lies outside the " +
                                  (place().isWorkingCopy ? "working copy " : "repository ") +
                                  inQuotes(place().location) + ".",
-                             exitFailed, "path-outside"));
+                             exitFailed, NEBSourceControlPathOutsideErrorClass));
 }
 
 std::optional<CommandOutput> HistoryTask::refusalInsideRepository(const std::string& path) {
@@ -223,7 +223,7 @@ std::optional<CommandOutput> HistoryTask::refusalInsideRepository(const std::str
             liesWithin(place, std::filesystem::weakly_canonical(*folder, ignored).string())) {
             return refusal(inQuotes(path) + " lies in the repository's own folder " +
                                inQuotes(*folder) + "; nothing was written.",
-                           exitFailed, "path-invalid");
+                           exitFailed, NEBSourceControlPathInvalidErrorClass);
         }
     }
     return std::nullopt;

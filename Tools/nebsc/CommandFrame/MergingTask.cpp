@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Doctor/GitVersion.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 #include "Terminal/Presentation.h"
 
@@ -67,7 +68,7 @@ void MergingTask::finish(Outcome& outcome) {
 }
 
 bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) {
-    return error.errorClass == "conflict" ||
+    return error.errorClass == NEBSourceControlConflictErrorClass ||
            (_sides && !_wasMerging && commitId(mergeHead) == _sides->leftOut);
 }
 

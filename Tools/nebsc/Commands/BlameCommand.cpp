@@ -7,6 +7,7 @@
 
 #include "CommandFrame/HistoryTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Text.h"
 #include "Terminal/LocalTime.h"
@@ -124,7 +125,7 @@ std::optional<CommandOutput> BlameTask::validate() {
     }
     const PathSearch search = findFile(words.back());
     if (!search.path) {
-        return refusal(search.failure, exitFailed, "path-invalid");
+        return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     _file = *search.path;
     if (words.size() > 1) {

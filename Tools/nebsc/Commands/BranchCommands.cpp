@@ -4,7 +4,7 @@
 
 #include "CommandFrame/BranchTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/TextWidth.h"
@@ -234,7 +234,7 @@ void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
-    return error.errorClass == "branch-not-merged"
+    return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
                ? "\"nebsc branch delete --force\" deletes it all the same.\n"
                : "";
 }

@@ -3,7 +3,7 @@
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
@@ -88,7 +88,7 @@ std::optional<CommandOutput> CheckoutTask::validate() {
                               name + " is a file or folder here, and a branch in another "
                                      "repository alone; which one is meant is not certain, so "
                                      "nothing was done.",
-                              exitFailed, "revision-ambiguous"))
+                              exitFailed, NEBSourceControlRevisionAmbiguousErrorClass))
                         : std::nullopt;
     }
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());

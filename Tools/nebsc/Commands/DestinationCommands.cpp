@@ -5,6 +5,7 @@
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -34,7 +35,7 @@ protected:
     [[nodiscard]] std::optional<CommandOutput> refusalOfMissingFolder() const {
         if (word(destination).ends_with('/') && !isFolder(paths(destination).front())) {
             return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed,
-                           "destination-missing");
+                           NEBSourceControlDestinationMissingErrorClass);
         }
         return std::nullopt;
     }
@@ -46,12 +47,12 @@ protected:
         if (!liesWithin(path, place().location)) {
             return refusal(inQuotes(path) + " lies outside the working copy " +
                                inQuotes(place().location) + "; nothing was done.",
-                           exitFailed, "path-outside");
+                           exitFailed, NEBSourceControlPathOutsideErrorClass);
         }
         if (isAnythingAt(path)) {
             return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
                                " already; nothing was done.",
-                           exitFailed, "destination-exists");
+                           exitFailed, NEBSourceControlDestinationExistsErrorClass);
         }
         return std::nullopt;
     }
@@ -77,7 +78,7 @@ std::optional<CommandOutput> MoveTask::validate() {
     if (place().isWorkingCopy && !isAnythingAt(source) &&
         !answer({"ls-files", "-z", "--", source})) {
         return refusal("There is no file or folder " + inQuotes(word(file)) + ".", exitFailed,
-                       "path-unknown");
+                       NEBSourceControlPathUnknownErrorClass);
     }
     return refusalOfMissingFolder();
 }

@@ -4,6 +4,7 @@
 
 #include "CommandFrame/BranchTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Presentation.h"
 
@@ -133,7 +134,7 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> request() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
-        return error.errorClass == "nothing-to-push-from"
+        return error.errorClass == NEBSourceControlNothingToPushFromErrorClass
                    ? "There is no branch " + inQuotes(_local) + " here to push."
                    : "";
     }

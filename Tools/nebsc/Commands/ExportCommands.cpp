@@ -6,7 +6,7 @@
 
 #include "CommandFrame/HistoryTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -19,8 +19,6 @@ namespace neb::nebsc {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view destinationExists = "destination-exists";
 
 constexpr std::string_view destination = "DEST";
 
@@ -75,12 +73,12 @@ std::optional<CommandOutput> ExportTask::chooseTarget() {
         path = pathByAppendingComponent(path, lastPathComponent(file()));
     } else if (word.ends_with('/')) {
         return refusal("There is no folder " + inQuotes(word) + ".", exitFailed,
-                       "destination-missing");
+                       NEBSourceControlDestinationMissingErrorClass);
     }
     if (isAnythingAt(path)) {
         return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
                            " already; nothing was done.",
-                       exitFailed, destinationExists);
+                       exitFailed, NEBSourceControlDestinationExistsErrorClass);
     }
     if (auto refused = refusalInsideRepository(path)) {
         return refused;
@@ -103,7 +101,7 @@ std::optional<CommandOutput> ExportTask::validate() {
         return refusal(
             "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
             "all of its files.",
-            exitFailed, "path-invalid");
+            exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
         return refused;
@@ -188,10 +186,11 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
         return refusal(name +
                            " is the working copy itself; nothing was written. \"nebsc revert\" "
                            "throws away changes.",
-                       exitFailed, "path-invalid");
+                       exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (isAnythingAt(folder()) && !isFolder(folder())) {
-        return refusal(name + " is no folder; nothing was written.", exitFailed, destinationExists);
+        return refusal(name + " is no folder; nothing was written.", exitFailed,
+                       NEBSourceControlDestinationExistsErrorClass);
     }
     if (auto refused = refusalInsideRepository(folder())) {
         return refused;
@@ -202,7 +201,7 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
         return refusal("The folder " + name +
                            " is not empty; nothing was written. \"nebsc export-tree --force\" "
                            "overwrites the files in it that are in the index too.",
-                       exitFailed, destinationExists);
+                       exitFailed, NEBSourceControlDestinationExistsErrorClass);
     }
     return refusalOfFolderInTheWay();
 }
@@ -220,7 +219,7 @@ std::optional<CommandOutput> ExportTreeTask::refusalOfFolderInTheWay() {
         if (!isSubmodule && fs::is_directory(fs::symlink_status(path, ignored))) {
             return refusal("There is a folder " + inQuotes(path) +
                                " where a file of the index is to be; nothing was written.",
-                           exitFailed, destinationExists);
+                           exitFailed, NEBSourceControlDestinationExistsErrorClass);
         }
     }
     return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
@@ -86,7 +87,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
     }
     CommandOutput refused = refusalAbout(
         "Nothing was removed, as changes that are not committed would be lost:", changed,
-        "local-changes");
+        NEBSourceControlLocalChangesErrorClass);
     refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
     return refused;
 }

@@ -8,6 +8,7 @@
 
 #include "CommandFrame/HistoryTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
@@ -97,16 +98,17 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
     }
     const std::string name = inQuotes(pathAsSeenFrom(place(), path));
     if (path == place().location) {
-        return refusal("The whole working copy cannot be ignored.", exitFailed, "path-invalid");
+        return refusal("The whole working copy cannot be ignored.", exitFailed,
+                       NEBSourceControlPathInvalidErrorClass);
     }
     if (path.find_first_of("\n\r") != std::string::npos) {
         return refusal(
             "The name " + name + " holds a line end, so no list of ignored files can hold it.",
-            exitFailed, "path-invalid");
+            exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (answer({"ls-files", "-z", "--", path})) {
         CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
-                                       exitFailed, "path-invalid");
+                                       exitFailed, NEBSourceControlPathInvalidErrorClass);
         output.standardError +=
             "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
         return output;

@@ -1,7 +1,7 @@
 #include "CommandFrame/HistoryTask.h"
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -56,7 +56,7 @@ std::optional<CommandOutput> ListTask::refusalOfFolder() {
     if (!type.empty()) {
         return refusal(name + " is no folder in the latest commit, but a " +
                            (type == "blob" ? "file." : "submodule."),
-                       exitFailed, "path-invalid");
+                       exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     const bool isOnDisk = place().isWorkingCopy && isAnythingAt(folder());
     return refusal(isOnDisk ? name + " is on disk, but not in the latest commit."

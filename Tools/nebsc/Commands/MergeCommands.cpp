@@ -1,6 +1,6 @@
 #include "CommandFrame/MergingTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Presentation.h"
 
@@ -122,7 +122,7 @@ void MergeBaseTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!outcome.result || outcome.result->empty()) {
         output = refusal(inQuotes(revision("A")) + " and " + inQuotes(revision("B")) +
                              " have no common ancestor.",
-                         exitFailed, "unrelated-histories");
+                         exitFailed, NEBSourceControlUnrelatedHistoriesErrorClass);
     }
 }
 

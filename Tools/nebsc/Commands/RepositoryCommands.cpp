@@ -4,6 +4,7 @@
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
@@ -15,8 +16,6 @@
 namespace neb::nebsc {
 
 namespace {
-
-constexpr std::string_view destinationExists = "destination-exists";
 
 // ---- init -------------------------------------------------------------------------------------
 
@@ -52,17 +51,18 @@ std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& fo
                 .status.isSuccess()) {
             return refusal(
                 "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
-                exitFailed, destinationExists);
+                exitFailed, NEBSourceControlDestinationExistsErrorClass);
         }
     }
     const bool isBroken =
         isAnythingAt(inside) || (isAnythingAt(pathByAppendingComponent(folder, "objects")) &&
                                  isAnythingAt(pathByAppendingComponent(folder, "refs")));
-    return isBroken ? std::optional(refusal("What is in " + inQuotes(folder) +
-                                                " looks like a damaged repository; nothing was "
-                                                "changed.",
-                                            exitFailed, destinationExists))
-                    : std::nullopt;
+    return isBroken
+               ? std::optional(refusal("What is in " + inQuotes(folder) +
+                                           " looks like a damaged repository; nothing was "
+                                           "changed.",
+                                       exitFailed, NEBSourceControlDestinationExistsErrorClass))
+               : std::nullopt;
 }
 
 std::optional<CommandOutput> InitTask::validate() {
@@ -166,7 +166,7 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
     std::string sentenceFor(const NEBSourceControlError& error) const override {
         const std::string& url = place().location;
-        return error.errorClass == "transport-unknown"
+        return error.errorClass == NEBSourceControlTransportUnknownErrorClass
                    ? "git knows no way to " + inQuotes(url) + "."
                    : "";
     }

@@ -3,7 +3,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/StatusQuery.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"

@@ -2,7 +2,7 @@
 
 #include "CommandFrame/BranchTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/ShellText.h"
@@ -50,7 +50,7 @@ std::optional<CommandOutput> TrackTask::validate() {
     if (slash == std::string::npos && !text.starts_with('-')) {
         return refusal(inQuotes(text) +
                            " begins with the name of no remote; \"nebsc remote list\" shows them.",
-                       exitFailed, "remote-unknown");
+                       exitFailed, NEBSourceControlRemoteUnknownErrorClass);
     }
     const std::size_t end = slash == std::string::npos ? first : slash;
     _tracking = {text.substr(0, end), text.substr(end + 1)};
@@ -118,10 +118,11 @@ void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     } else if (const auto tracking = trackingOf(name)) {
         output.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
     } else if (isBranch(name) || currentBranch() == name) {
-        output = refusal(inQuotes(name) + " tracks no branch.", exitFailed, "no-upstream");
+        output = refusal(inQuotes(name) + " tracks no branch.", exitFailed,
+                         NEBSourceControlNoUpstreamErrorClass);
     } else {
-        output =
-            refusal("There is no branch " + inQuotes(name) + ".", exitFailed, "branch-unknown");
+        output = refusal("There is no branch " + inQuotes(name) + ".", exitFailed,
+                         NEBSourceControlBranchUnknownErrorClass);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "CommandFrame/MergingTask.h"
 #include "Commands/Commands.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Presentation.h"
 
@@ -101,7 +101,7 @@ std::optional<CommandOutput> UpdateTask::findSource() {
                                  " tracks no branch, so it is not known what is new."
                            : "No branch is checked out that could track another, so it "
                              "is not known what is new.",
-                    exitFailed, "no-upstream");
+                    exitFailed, NEBSourceControlNoUpstreamErrorClass);
         output.standardError += hasSubversion()
                                     ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
                                     : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
@@ -116,8 +116,8 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteWord);
     const std::string& remote = _source.remote;
     if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
-        CommandOutput output =
-            refusal(inQuotes(remote) + " is the name of no remote.", exitFailed, "remote-unknown");
+        CommandOutput output = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed,
+                                       NEBSourceControlRemoteUnknownErrorClass);
         output.standardError +=
             "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
             "a path, too.\n";

@@ -1,6 +1,7 @@
 #include "Doctor/Checks.h"
 #include "Doctor/GitVersion.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 #include "Terminal/Presentation.h"
 
@@ -14,8 +15,8 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
                         "Install git, or put the folder that it is in into PATH.");
         return;
     }
-    const bool isSetting =
-        NEBSourceControlErrorClassOfText(outcome.errorOutput) == "configuration-broken";
+    const bool isSetting = NEBSourceControlErrorClassOfText(outcome.errorOutput) ==
+                           NEBSourceControlConfigurationBrokenErrorClass;
     examination.add(
         Health::problem, "git", gitPath() + " reports no version: " + reasonOf(outcome),
         isSetting ? "Fix or remove the line." : "See what \"git --version\" prints in a shell.");

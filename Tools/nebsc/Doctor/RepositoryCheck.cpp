@@ -4,6 +4,7 @@
 #include "Doctor/Checks.h"
 #include "Doctor/UnfinishedWork.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
@@ -35,11 +36,11 @@ std::string remainsOfRepository(const std::string& folder) {
 
 void addFailure(Examination& examination, const ChildOutcome& outcome) {
     const auto errorClass = NEBSourceControlErrorClassOfText(outcome.errorOutput);
-    if (errorClass == "owner-not-trusted") {
+    if (errorClass == NEBSourceControlOwnerNotTrustedErrorClass) {
         examination.add(Health::problem, "repository",
                         "owned by another user; git refuses to use it",
                         "If you trust it: " + commandOfTrust(outcome.errorOutput));
-    } else if (errorClass != "not-a-repository") {
+    } else if (errorClass != NEBSourceControlNotARepositoryErrorClass) {
         examination.add(Health::problem, "repository", "git cannot read it: " + reasonOf(outcome));
     } else if (const std::string remains = remainsOfRepository(examination.folder());
                !remains.empty()) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Platform/ErrnoText.h"
 #include "Terminal/Output.h"

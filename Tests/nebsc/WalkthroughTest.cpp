@@ -1,4 +1,4 @@
-// A folder's way from its first commit on, command by command, as the README tells it.
+// WalkthroughTest.cpp - the commands that take a folder from init to info.
 
 #include "nebsc/CommandTest.h"
 

@@ -31,8 +31,7 @@ void useGitIn(const std::string& folder) {
 
 // ---- life cycle of a request ------------------------------------------------------------------
 
-std::shared_ptr<NEBSourceControlRequest> requestAbout(std::int32_t type,
-                                                      const std::string& folder) {
+std::shared_ptr<NEBSourceControlRequest> requestFor(std::int32_t type, const std::string& folder) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
     tree->location = folder;  // an absolute path
     tree->name = std::filesystem::path(folder).filename().string();
@@ -40,9 +39,9 @@ std::shared_ptr<NEBSourceControlRequest> requestAbout(std::int32_t type,
 }
 
 /// Returns a request to commit what is staged.
-std::shared_ptr<NEBSourceControlRequest> commitIn(const std::string& folder,
-                                                  const std::string& message) {
-    auto request = requestAbout(NEBSourceControlRequestCommit, folder);
+std::shared_ptr<NEBSourceControlRequest> commitRequest(const std::string& folder,
+                                                       const std::string& message) {
+    auto request = requestFor(NEBSourceControlRequestCommit, folder);
     request->setOptions(NEBDictionary{{NEBSourceControlRequestOptionMessage, message}});
     return request;
 }
@@ -150,7 +149,7 @@ void cancel(NEBSourceControlOperation& operation) {
 void showCancelling(const NEBSourceControlPlugIn& plugIn, const std::string& folder) {
     const auto controller = plugIn.makePrincipalClass();
     const auto operation =
-        controller->operationForRequest(requestAbout(NEBSourceControlRequestStatus, folder));
+        controller->operationForRequest(requestFor(NEBSourceControlRequestStatus, folder));
     cancel(*operation);
     operation->start();
     std::cout << operation->error()->errorClass.value_or("no class") << "\n";
@@ -174,11 +173,11 @@ int main(int argc, char** argv) {
     }
     const std::string folder = std::filesystem::canonical(argv[1]).string();
     RequestRunner runner(*load.plugIn);
-    performAndWait(runner, requestAbout(NEBSourceControlRequestStatus, folder), false);
-    performAndWait(runner, commitIn(folder, "Say hello"), true);
-    performAndWait(runner, commitIn(folder, "Say it again"), true);
-    performAndWait(runner, requestAbout(NEBSourceControlRequestCheckout, folder), true);
-    performAndWait(runner, requestAbout(NEBSourceControlRequestFetch, folder), false);
+    performAndWait(runner, requestFor(NEBSourceControlRequestStatus, folder), false);
+    performAndWait(runner, commitRequest(folder, "Say hello"), true);
+    performAndWait(runner, commitRequest(folder, "Say it again"), true);
+    performAndWait(runner, requestFor(NEBSourceControlRequestCheckout, folder), true);
+    performAndWait(runner, requestFor(NEBSourceControlRequestFetch, folder), false);
     showCancelling(*load.plugIn, folder);
     return 0;
 }

@@ -172,4 +172,10 @@ private:
     std::map<std::string, std::vector<std::string>, std::less<>> _paths;
 };
 
+/// Runs a command; the function of its row in the command table: `.run = runTask<AddTask>`.
+template <class Task>
+[[nodiscard]] CommandOutput runTask(const CommandCall& call) {
+    return Task(call).run();
+}
+
 }  // namespace neb::nebsc

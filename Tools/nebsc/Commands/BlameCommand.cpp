@@ -200,10 +200,6 @@ constexpr Parameter parameters[] = {
     {"FILE", "The file", Takes::pathAsWritten},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return BlameTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command blameCommand{
@@ -219,7 +215,7 @@ constinit const Command blameCommand{
     .parameters = parameters,
     .activity = "Looking",
     .isPaged = true,
-    .run = run,
+    .run = runTask<BlameTask>,
 };
 
 }  // namespace neb::nebsc

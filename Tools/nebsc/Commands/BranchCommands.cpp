@@ -49,10 +49,6 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     }
 }
 
-CommandOutput list(const CommandCall& call) {
-    return ListTask(call).run();
-}
-
 constinit const Command listCommand{
     .name = "list",
     .group = innerGroup,
@@ -61,7 +57,7 @@ constinit const Command listCommand{
         "Example:\n"
         "  nebsc branch list\n",
     .activity = "Looking",
-    .run = list,
+    .run = runTask<ListTask>,
 };
 
 // ---- current ----------------------------------------------------------------------------------
@@ -96,10 +92,6 @@ void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     output.standardOutput = name + "\n";
 }
 
-CommandOutput current(const CommandCall& call) {
-    return CurrentTask(call).run();
-}
-
 constinit const Command currentCommand{
     .name = "current",
     .group = innerGroup,
@@ -109,7 +101,7 @@ constinit const Command currentCommand{
         "Example:\n"
         "  nebsc branch current\n",
     .activity = "Looking",
-    .run = current,
+    .run = runTask<CurrentTask>,
 };
 
 // ---- create -----------------------------------------------------------------------------------
@@ -168,10 +160,6 @@ constexpr Parameter createParameters[] = {
      Takes::revision},
 };
 
-CommandOutput create(const CommandCall& call) {
-    return CreateTask(call).run();
-}
-
 constinit const Command createCommand{
     .name = "create",
     .group = innerGroup,
@@ -183,7 +171,7 @@ constinit const Command createCommand{
         "  nebsc branch create fix v1.0      from what a tag stands for\n",
     .parameters = createParameters,
     .activity = "Making the branch",
-    .run = create,
+    .run = runTask<CreateTask>,
 };
 
 // ---- delete -----------------------------------------------------------------------------------
@@ -244,10 +232,6 @@ constexpr Parameter deleteParameters[] = {
     {"--force", "Delete it even if it is not merged"},
 };
 
-CommandOutput deleteBranch(const CommandCall& call) {
-    return DeleteTask(call).run();
-}
-
 constinit const Command deleteCommand{
     .name = "delete",
     .group = innerGroup,
@@ -260,7 +244,7 @@ constinit const Command deleteCommand{
         "  nebsc branch delete --force topic    the same, merged or not\n",
     .parameters = deleteParameters,
     .activity = "Deleting the branch",
-    .run = deleteBranch,
+    .run = runTask<DeleteTask>,
 };
 
 constexpr const Command* branchCommands[] = {
@@ -282,7 +266,7 @@ constinit const Command branchCommand{
         "  nebsc branch create --help               more on one of its commands\n",
     .activity = "Looking",
     .commands = branchCommands,
-    .run = list,
+    .run = runTask<ListTask>,
 };
 
 }  // namespace neb::nebsc

@@ -128,10 +128,6 @@ constexpr Parameter parameters[] = {
     {"BRANCH", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return CheckoutTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command checkoutCommand{
@@ -146,7 +142,7 @@ constinit const Command checkoutCommand{
         "  nebsc checkout v1.0     look at what a tag stands for, on no branch\n",
     .parameters = parameters,
     .activity = "Checking out",
-    .run = run,
+    .run = runTask<CheckoutTask>,
 };
 
 }  // namespace neb::nebsc

@@ -65,10 +65,6 @@ constexpr Parameter parameters[] = {
      Takes::path, Occurs::anyNumber},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return CommitTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command commitCommand{
@@ -81,7 +77,7 @@ constinit const Command commitCommand{
         "  nebsc commit -m 'Say hello' src/main.c    record the changes of one file\n",
     .parameters = parameters,
     .activity = "Committing",
-    .run = run,
+    .run = runTask<CommitTask>,
 };
 
 }  // namespace neb::nebsc

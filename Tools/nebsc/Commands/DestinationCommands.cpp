@@ -88,10 +88,6 @@ constexpr Parameter moveParameters[] = {
     {destination, "Its new name, or a folder into which it goes", Takes::path, Occurs::once},
 };
 
-CommandOutput move(const CommandCall& call) {
-    return MoveTask(call).run();
-}
-
 // ---- cp ---------------------------------------------------------------------------------------
 
 class CopyTask : public DestinationTask {
@@ -140,10 +136,6 @@ constexpr Parameter copyParameters[] = {
      Takes::path, Occurs::once},
 };
 
-CommandOutput copy(const CommandCall& call) {
-    return CopyTask(call).run();
-}
-
 // ---- mkdir ------------------------------------------------------------------------------------
 
 class MakeDirectoryTask : public DestinationTask {
@@ -167,10 +159,6 @@ constexpr Parameter makeDirectoryParameters[] = {
     {"DIR", "The new folder; those on the way to it are made too", Takes::folder, Occurs::once},
 };
 
-CommandOutput makeDirectory(const CommandCall& call) {
-    return MakeDirectoryTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command moveCommand{
@@ -183,7 +171,7 @@ constinit const Command moveCommand{
         "  nebsc mv read.txt doc          move into the folder doc\n",
     .parameters = moveParameters,
     .activity = "Moving",
-    .run = move,
+    .run = runTask<MoveTask>,
 };
 
 constinit const Command copyCommand{
@@ -197,7 +185,7 @@ constinit const Command copyCommand{
         "  nebsc cp src attic          copy the folder src, into attic if that is there\n",
     .parameters = copyParameters,
     .activity = "Copying",
-    .run = copy,
+    .run = runTask<CopyTask>,
 };
 
 constinit const Command makeDirectoryCommand{
@@ -210,7 +198,7 @@ constinit const Command makeDirectoryCommand{
         "  nebsc mkdir doc/images    make the folder, and doc too if that is missing\n",
     .parameters = makeDirectoryParameters,
     .activity = "Making the folder",
-    .run = makeDirectory,
+    .run = runTask<MakeDirectoryTask>,
 };
 
 }  // namespace neb::nebsc

@@ -199,10 +199,6 @@ constexpr Parameter parameters[] = {
     {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return DiffTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command diffCommand{
@@ -223,7 +219,7 @@ constinit const Command diffCommand{
     .parameters = parameters,
     .activity = "Comparing",
     .isPaged = true,
-    .run = run,
+    .run = runTask<DiffTask>,
 };
 
 }  // namespace neb::nebsc

@@ -119,10 +119,6 @@ constexpr Parameter fetchParameters[] = {
     {subversionFlag, "Fetch from the Subversion repository behind this one"},
 };
 
-CommandOutput fetch(const CommandCall& call) {
-    return FetchTask(call).run();
-}
-
 // ---- push -------------------------------------------------------------------------------------
 
 class PushTask : public ExchangeTask {
@@ -236,10 +232,6 @@ constexpr Parameter pushParameters[] = {
     {subversionFlag, "Commit to the Subversion repository behind this one what it does not have"},
 };
 
-CommandOutput push(const CommandCall& call) {
-    return PushTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command fetchCommand{
@@ -252,7 +244,7 @@ constinit const Command fetchCommand{
         "  nebsc fetch --svn     what is new in the Subversion repository\n",
     .parameters = fetchParameters,
     .activity = "Fetching",
-    .run = fetch,
+    .run = runTask<FetchTask>,
 };
 
 constinit const Command pushCommand{
@@ -268,7 +260,7 @@ constinit const Command pushCommand{
         "  nebsc push --svn                  the commits that Subversion does not have\n",
     .parameters = pushParameters,
     .activity = "Pushing",
-    .run = push,
+    .run = runTask<PushTask>,
 };
 
 }  // namespace neb::nebsc

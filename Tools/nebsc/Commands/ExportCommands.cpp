@@ -151,10 +151,6 @@ constexpr Parameter exportParameters[] = {
      Takes::path},
 };
 
-CommandOutput exportFile(const CommandCall& call) {
-    return ExportTask(call).run();
-}
-
 // ---- export-tree ------------------------------------------------------------------------------
 
 class ExportTreeTask : public HistoryTask {
@@ -264,10 +260,6 @@ constexpr Parameter exportTreeParameters[] = {
      "Write into a folder that is not empty, and overwrite the files that are in the way"},
 };
 
-CommandOutput exportTree(const CommandCall& call) {
-    return ExportTreeTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command exportCommand{
@@ -281,7 +273,7 @@ constinit const Command exportCommand{
         "  nebsc export HEAD~2 main.c old.c    under this name\n",
     .parameters = exportParameters,
     .activity = "Writing",
-    .run = exportFile,
+    .run = runTask<ExportTask>,
 };
 
 constinit const Command exportTreeCommand{
@@ -294,7 +286,7 @@ constinit const Command exportTreeCommand{
         "  nebsc export-tree ../release\n",
     .parameters = exportTreeParameters,
     .activity = "Writing",
-    .run = exportTree,
+    .run = runTask<ExportTreeTask>,
 };
 
 }  // namespace neb::nebsc

@@ -40,10 +40,6 @@ constexpr Parameter addParameters[] = {
     {"--all", "All that has changed in the whole working copy"},
 };
 
-CommandOutput add(const CommandCall& call) {
-    return AddTask(call).run();
-}
-
 // ---- rm ---------------------------------------------------------------------------------------
 
 /// The request removes by force, so the look at what would be lost is taken here.
@@ -97,10 +93,6 @@ constexpr Parameter removeParameters[] = {
     {"--force", "Remove what has changes that are not committed too; they are lost"},
 };
 
-CommandOutput remove(const CommandCall& call) {
-    return RemoveTask(call).run();
-}
-
 // ---- revert -----------------------------------------------------------------------------------
 
 class RevertTask : public CommandTask {
@@ -117,10 +109,6 @@ constexpr Parameter revertParameters[] = {
     {files, "A file, or a folder with all that is tracked in it", Takes::path, Occurs::oneOrMore},
 };
 
-CommandOutput revert(const CommandCall& call) {
-    return RevertTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command addCommand{
@@ -134,7 +122,7 @@ constinit const Command addCommand{
         "  nebsc add --all         the same of the whole working copy\n",
     .parameters = addParameters,
     .activity = "Adding",
-    .run = add,
+    .run = runTask<AddTask>,
 };
 
 constinit const Command removeCommand{
@@ -149,7 +137,7 @@ constinit const Command removeCommand{
         "  nebsc rm --force old.c    the same, though it has changes\n",
     .parameters = removeParameters,
     .activity = "Removing",
-    .run = remove,
+    .run = runTask<RemoveTask>,
 };
 
 constinit const Command revertCommand{
@@ -164,7 +152,7 @@ constinit const Command revertCommand{
         "  nebsc revert .             the same in this folder and below\n",
     .parameters = revertParameters,
     .activity = "Reverting",
-    .run = revert,
+    .run = runTask<RevertTask>,
 };
 
 }  // namespace neb::nebsc

@@ -166,10 +166,6 @@ constexpr Parameter parameters[] = {
      Occurs::oneOrMore},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return IgnoreTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command ignoreCommand{
@@ -183,7 +179,7 @@ constinit const Command ignoreCommand{
         "  nebsc ignore build notes.txt    a folder, and a file\n",
     .parameters = parameters,
     .activity = "Looking",
-    .run = run,
+    .run = runTask<IgnoreTask>,
 };
 
 }  // namespace neb::nebsc

@@ -49,10 +49,6 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
                             line("root", record.value(NEBSourceControlOperationRepositoryRootKey));
 }
 
-CommandOutput run(const CommandCall& call) {
-    return InfoTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command infoCommand{
@@ -64,7 +60,7 @@ constinit const Command infoCommand{
         "  nebsc info    the URL of the remote \"origin\", or of a Subversion repository,\n"
         "                and the top of the working copy\n",
     .activity = "Looking",
-    .run = run,
+    .run = runTask<InfoTask>,
 };
 
 }  // namespace neb::nebsc

@@ -97,10 +97,6 @@ constexpr Parameter parameters[] = {
     {"DIR", "The folder, the current one unless given", Takes::folder},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return ListTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command listCommand{
@@ -117,7 +113,7 @@ constinit const Command listCommand{
     .parameters = parameters,
     .activity = "Listing",
     .isPaged = true,
-    .run = run,
+    .run = runTask<ListTask>,
 };
 
 }  // namespace neb::nebsc

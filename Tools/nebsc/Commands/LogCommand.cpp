@@ -223,10 +223,6 @@ constexpr Parameter parameters[] = {
     {"--full", "Show the whole messages, the authors' addresses and the seconds"},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return LogTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command logCommand{
@@ -246,7 +242,7 @@ constinit const Command logCommand{
     .parameters = parameters,
     .activity = "Reading the history",
     .isPaged = true,
-    .run = run,
+    .run = runTask<LogTask>,
 };
 
 }  // namespace neb::nebsc

@@ -70,10 +70,6 @@ constexpr Parameter mergeParameters[] = {
     {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
-CommandOutput merge(const CommandCall& call) {
-    return MergeTask(call).run();
-}
-
 // ---- merge-base -------------------------------------------------------------------------------
 
 class MergeBaseTask : public CommandTask {
@@ -131,10 +127,6 @@ constexpr Parameter mergeBaseParameters[] = {
     {"B", "Another", Takes::revision, Occurs::once},
 };
 
-CommandOutput mergeBase(const CommandCall& call) {
-    return MergeBaseTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command mergeCommand{
@@ -148,7 +140,7 @@ constinit const Command mergeCommand{
         "  nebsc merge topic\n",
     .parameters = mergeParameters,
     .activity = "Merging",
-    .run = merge,
+    .run = runTask<MergeTask>,
 };
 
 constinit const Command mergeBaseCommand{
@@ -160,7 +152,7 @@ constinit const Command mergeBaseCommand{
         "  nebsc merge-base main topic\n",
     .parameters = mergeBaseParameters,
     .activity = "Looking",
-    .run = mergeBase,
+    .run = runTask<MergeBaseTask>,
 };
 
 }  // namespace neb::nebsc

@@ -128,10 +128,6 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
                                 : alignedLines(std::move(rows));
 }
 
-CommandOutput list(const CommandCall& call) {
-    return ListTask(call).run();
-}
-
 constinit const Command listCommand{
     .name = "list",
     .group = innerGroup,
@@ -142,7 +138,7 @@ constinit const Command listCommand{
         "Example:\n"
         "  nebsc remote list\n",
     .activity = "Looking",
-    .run = list,
+    .run = runTask<ListTask>,
 };
 
 // ---- add --------------------------------------------------------------------------------------
@@ -169,10 +165,6 @@ constexpr Parameter addParameters[] = {
      Takes::location, Occurs::once},
 };
 
-CommandOutput add(const CommandCall& call) {
-    return AddTask(call).run();
-}
-
 constinit const Command addCommand{
     .name = "add",
     .group = innerGroup,
@@ -183,7 +175,7 @@ constinit const Command addCommand{
         "  nebsc remote add origin https://example.org/demo.git\n",
     .parameters = addParameters,
     .activity = "Adding",
-    .run = add,
+    .run = runTask<AddTask>,
 };
 
 // ---- rm ---------------------------------------------------------------------------------------
@@ -207,10 +199,6 @@ constexpr Parameter removeParameters[] = {
     {"NAME", "The remote's name", Takes::remote, Occurs::once},
 };
 
-CommandOutput remove(const CommandCall& call) {
-    return RemoveTask(call).run();
-}
-
 constinit const Command removeCommand{
     .name = "rm",
     .group = innerGroup,
@@ -221,7 +209,7 @@ constinit const Command removeCommand{
         "  nebsc remote rm origin\n",
     .parameters = removeParameters,
     .activity = "Removing",
-    .run = remove,
+    .run = runTask<RemoveTask>,
 };
 
 // ---- branches ---------------------------------------------------------------------------------
@@ -261,10 +249,6 @@ constexpr Parameter branchesParameters[] = {
      Takes::remote},
 };
 
-CommandOutput branches(const CommandCall& call) {
-    return BranchesTask(call).run();
-}
-
 constinit const Command branchesCommand{
     .name = "branches",
     .group = innerGroup,
@@ -276,7 +260,7 @@ constinit const Command branchesCommand{
         "  nebsc remote branches https://example.org/demo.git\n",
     .parameters = branchesParameters,
     .activity = "Asking",
-    .run = branches,
+    .run = runTask<BranchesTask>,
 };
 
 constexpr const Command* remoteCommands[] = {
@@ -299,7 +283,7 @@ constinit const Command remoteCommand{
         "  nebsc remote add --help                                 more on one of its commands\n",
     .activity = "Looking",
     .commands = remoteCommands,
-    .run = list,
+    .run = runTask<ListTask>,
 };
 
 }  // namespace neb::nebsc

@@ -102,10 +102,6 @@ constexpr Parameter initParameters[] = {
     {"--bare", "A repository without a working copy, to push to"},
 };
 
-CommandOutput init(const CommandCall& call) {
-    return InitTask(call).run();
-}
-
 // ---- clone ------------------------------------------------------------------------------------
 
 /// The last component of what is cloned, which names the folder that the clone goes into; empty
@@ -225,10 +221,6 @@ constexpr Parameter cloneParameters[] = {
     {"--no-submodules", "Leave the folders of the submodules empty"},
 };
 
-CommandOutput clone(const CommandCall& call) {
-    return CloneTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command initCommand{
@@ -241,7 +233,7 @@ constinit const Command initCommand{
         "  nebsc init --bare demo.git     one without a working copy, to push to\n",
     .parameters = initParameters,
     .activity = "Making the repository",
-    .run = init,
+    .run = runTask<InitTask>,
 };
 
 constinit const Command cloneCommand{
@@ -256,7 +248,7 @@ constinit const Command cloneCommand{
         "  nebsc clone --branch topic ../demo elsewhere       a branch, into elsewhere\n",
     .parameters = cloneParameters,
     .activity = "Cloning",
-    .run = clone,
+    .run = runTask<CloneTask>,
 };
 
 }  // namespace neb::nebsc

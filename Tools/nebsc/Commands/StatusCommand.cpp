@@ -133,10 +133,6 @@ constexpr Parameter parameters[] = {
     {"--all", "Show each file of an untracked folder, not the folder alone"},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return StatusTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command statusCommand{
@@ -153,7 +149,7 @@ constinit const Command statusCommand{
         "  nebsc status --json        the same for a program to read\n",
     .parameters = parameters,
     .activity = "Looking",
-    .run = run,
+    .run = runTask<StatusTask>,
 };
 
 }  // namespace neb::nebsc

@@ -37,10 +37,6 @@ std::string ShowTask::textOfResult(const NEBSourceControlResult& records) {
     return lines;
 }
 
-CommandOutput show(const CommandCall& call) {
-    return ShowTask(call).run();
-}
-
 // ---- the exchange -----------------------------------------------------------------------------
 
 /// Lets another command do the work, as if "--svn" stood in its call.
@@ -122,7 +118,7 @@ constinit const Command subversionCommand{
         "  nebsc svn push      commit there what it does not have\n",
     .activity = "Looking",
     .commands = subversionCommands,
-    .run = show,
+    .run = runTask<ShowTask>,
 };
 
 }  // namespace neb::nebsc

@@ -86,10 +86,6 @@ constexpr Parameter trackParameters[] = {
     {"REMOTE/BRANCH", "The remote's name and its branch", Takes::remoteBranch, Occurs::once},
 };
 
-CommandOutput track(const CommandCall& call) {
-    return TrackTask(call).run();
-}
-
 // ---- tracking ---------------------------------------------------------------------------------
 
 class TrackingTask : public BranchTask {
@@ -130,10 +126,6 @@ constexpr Parameter trackingParameters[] = {
     {nameWord, "A branch of this repository", Takes::branch, Occurs::once},
 };
 
-CommandOutput tracking(const CommandCall& call) {
-    return TrackingTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command branchTrackCommand{
@@ -145,7 +137,7 @@ constinit const Command branchTrackCommand{
         "  nebsc branch track topic origin/topic\n",
     .parameters = trackParameters,
     .activity = "Fetching",
-    .run = track,
+    .run = runTask<TrackTask>,
 };
 
 constinit const Command branchTrackingCommand{
@@ -158,7 +150,7 @@ constinit const Command branchTrackingCommand{
         "  nebsc branch tracking main\n",
     .parameters = trackingParameters,
     .activity = "Looking",
-    .run = tracking,
+    .run = runTask<TrackingTask>,
 };
 
 }  // namespace neb::nebsc

@@ -234,10 +234,6 @@ constexpr Parameter parameters[] = {
     {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
 };
 
-CommandOutput run(const CommandCall& call) {
-    return UpdateTask(call).run();
-}
-
 }  // namespace
 
 constinit const Command updateCommand{
@@ -256,7 +252,7 @@ constinit const Command updateCommand{
         "  nebsc update --svn          from the Subversion repository\n",
     .parameters = parameters,
     .activity = "Updating",
-    .run = run,
+    .run = runTask<UpdateTask>,
 };
 
 }  // namespace neb::nebsc

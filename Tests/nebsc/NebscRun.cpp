@@ -219,9 +219,10 @@ NebscOutcome runRequest(std::string_view json, NebscSurroundings surroundings) {
 }
 
 StandInGit::StandInGit(std::string_view top, std::string_view script) {
-    _folder.writeProgram("git", std::string("#!/bin/sh\n[ \"$1\" = rev-parse ] && { echo '")
+    _folder.writeProgram("git", std::string("#!/bin/sh\n[ \"$1\" = rev-parse ] && "
+                                            "{ printf 'true\\n%s\\n%040d\\n' '")
                                     .append(top)
-                                    .append("'; exit; }\n")
+                                    .append("' 0; exit; }\n")
                                     .append(script)
                                     .append("\n"));
 }

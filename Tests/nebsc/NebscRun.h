@@ -82,8 +82,8 @@ private:
 /// A folder with a script named git that stands in for the real one.
 class StandInGit {
 public:
-    /// `script` is what the shell runs, with git's arguments as its own. `rev-parse` is answered
-    /// before it, with the top `top`.
+    /// `script` is what the shell runs, with git's arguments as its own. `rev-parse` is
+    /// answered before it: a working copy with the top `top` that has a commit.
     StandInGit(std::string_view top, std::string_view script);
 
     /// The variable that puts the script before the real git.

@@ -8,7 +8,6 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
-#include "Session/GitProgram.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/ShellText.h"
 
@@ -66,18 +65,18 @@ std::optional<std::string> contentOf(const std::string& path) {
 
 class Search {
 public:
-    Search(const std::string& folder, const AskGit& ask) : _folder(folder), _ask(ask) {}
+    explicit Search(const GitQueries& git) : _git(git) {}
 
     [[nodiscard]] bool isReferenceName(const std::string& name) {
-        return _ask({"check-ref-format", "--allow-onelevel", name}).status.isSuccess();
+        return _git.succeeds({"check-ref-format", "--allow-onelevel", name});
     }
 
     /// The first name that stands for something decides.
     [[nodiscard]] std::optional<NEBSourceControlError> errorForFirst(
         const std::vector<std::string>& names) {
         for (const std::string& name : names) {
-            if (const auto object = answerOf(_ask({"rev-parse", "--verify", "--quiet", name}))) {
-                return _ask({"cat-file", "-e", *object}).status.isSuccess()
+            if (const auto object = _git.outputOf({"rev-parse", "--verify", "--quiet", name})) {
+                return _git.succeeds({"cat-file", "-e", *object})
                            ? std::nullopt
                            : std::optional(errorOfLostObject(targetOf(name), *object));
             }
@@ -91,12 +90,13 @@ public:
 private:
     /// The branch that HEAD stands for.
     [[nodiscard]] std::string targetOf(const std::string& name) {
-        return answerOf(_ask({"rev-parse", "--symbolic-full-name", name})).value_or(name);
+        return _git.outputOf({"rev-parse", "--symbolic-full-name", name}).value_or(name);
     }
 
     [[nodiscard]] std::string pathOf(const std::string& name) {
-        const std::string path = answerOf(_ask({"rev-parse", "--git-path", name})).value_or("");
-        return path.starts_with('/') ? path : pathByAppendingComponent(_folder, path);
+        const std::string path = _git.outputOf({"rev-parse", "--git-path", name}).value_or("");
+        return path.starts_with('/') ? path
+                                     : pathByAppendingComponent(_git.workingCopy().location, path);
     }
 
     /// Follows symbolic references. One that ends where no file is stands for a branch without a
@@ -158,24 +158,21 @@ private:
         return error;
     }
 
-    const std::string& _folder;
-    const AskGit& _ask;
+    const GitQueries& _git;
 };
 
 }  // namespace
 
-std::optional<NEBSourceControlError> brokenReferenceIn(const std::string& revision,
-                                                       const std::string& folder,
-                                                       const AskGit& ask) {
+std::optional<NEBSourceControlError> brokenReference(const GitQueries& git,
+                                                     const std::string& revision) {
     if (const std::size_t dots = revision.find(".."); dots != std::string::npos) {
         const std::size_t end = revision.find_first_not_of('.', dots);
-        auto error = brokenReferenceIn(revision.substr(0, dots), folder, ask);
+        auto error = brokenReference(git, revision.substr(0, dots));
         return error ? error
-                     : brokenReferenceIn(revision.substr(std::min(end, revision.size())), folder,
-                                         ask);
+                     : brokenReference(git, revision.substr(std::min(end, revision.size())));
     }
     const std::string reference = referencePartOf(revision);
-    Search search(folder, ask);
+    Search search(git);
     return search.isReferenceName(reference) ? search.errorForFirst(candidatesFor(reference))
                                              : std::nullopt;
 }

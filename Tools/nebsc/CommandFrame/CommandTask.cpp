@@ -7,125 +7,93 @@
 
 #include "CommandFrame/BrokenReference.h"
 #include "JSON/OutcomeJSON.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "Platform/PathString.h"
-#include "Session/GitProgram.h"
 #include "Session/OperationRun.h"
 #include "Terminal/Pager.h"
-#include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
 
 namespace {
 
-std::string sentenceOfSilence(int exitStatus) {
-    return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
-}
-
-std::string_view classOfSilence(const TerminationStatus& status) {
-    return !status.started()       ? NEBSourceControlNotStartedErrorClass.text()
-           : status.signalNumber() ? NEBSourceControlKilledErrorClass.text()
-                                   : NEBSourceControlUnknownErrorClass.text();
-}
-
-/// How the last git ended, of an outcome without an error; 0 when none ran.
-int silentExitStatus(const Outcome& outcome) {
+/// Returns the exit status of the last git process of an outcome without an error; 0 if none ran.
+int lastExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
-}
-
-/// The reply where a request was refused for the sake of a value.
-std::optional<CommandOutput> refusalOf(const RequestResult& requestResult) {
-    if (const auto& value = requestResult.refusedValue) {
-        const bool isOption = value->value.starts_with('-');
-        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
-                           " is refused, as git would " + std::string(value->danger) + ".",
-                       exitNotUnderstood);
-    }
-    return std::nullopt;
 }
 
 }  // namespace
 
-// ---- the frame --------------------------------------------------------------------------------
+// ---- the steps --------------------------------------------------------------------------------
 
 CommandOutput CommandTask::run() {
-    // Lines of a trace and the sign would write over each other.
-    _sign.emplace(_call.command.activity, !trace().isOn());
-    CommandOutput output = work();
-    _sign.reset();
+    // The progress indicator would overwrite the lines of a trace.
+    _progress.emplace(_call.command.activity, !_call.session.trace().isOn());
+    CommandOutput output = runSteps();
+    _progress.reset();
     if (isJSON() && output.error && output.standardOutput.empty()) {
         Outcome withoutRequest;
         addNotes(output, withoutRequest);
     }
-    // No child is left by now: from here on a signal may end nebsc at once.
+    // No child runs any more: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = _interruption.end();
-    if (signalNumber && !_call.isJSON) {
+    if (signalNumber && !isJSON()) {
         output.standardOutput.clear();
     }
     noteInterruption(output, signalNumber);
     return output;
 }
 
-std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
-    for (const Parameter& parameter : _call.command.parameters) {
-        const std::vector<std::string>& words = arguments().all(parameter.name);
-        if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
-            std::find(words.begin(), words.end(), "") != words.end()) {
-            return refusal(std::string(parameter.name) + " is empty.", exitNotUnderstood);
-        }
-    }
-    return std::nullopt;
-}
-
-CommandOutput CommandTask::work() {
+CommandOutput CommandTask::runSteps() {
     if (auto refused = refusalOfEmptyNames()) {
         return *refused;
     }
     if (auto refused = readPaths()) {
         return *refused;
     }
-    _place = findPlace();
+    _git.setWorkingCopy(locate());
     if (auto refused = validate()) {
         return *refused;
     }
-    RequestResult requestResult = carryOut();
-    if (auto refused = refusalOf(requestResult)) {
+    RequestResult result = perform();
+    if (auto refused = refusalOfValue(result)) {
         return *refused;
     }
-    Outcome& outcome = *requestResult.outcome;
-    if (outcome.error ? isCompletedAfter(*outcome.error) : silentExitStatus(outcome) == 0) {
+    Outcome& outcome = *result.outcome;
+    if (outcome.error ? finishesAfter(*outcome.error) : lastExitStatus(outcome) == 0) {
         finish(outcome);
     }
-    CommandOutput output = replyInMemoryTo(outcome);
+    CommandOutput output = outputInMemoryFor(outcome);
     output.pager = pagerFor(output.standardOutput);
     return output;
 }
 
-std::optional<std::string> CommandTask::pagerFor(std::string_view text) {
-    if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
-        return std::nullopt;
+std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
+    for (const Parameter& parameter : _call.command.parameters) {
+        const std::vector<std::string>& values = arguments().all(parameter.name);
+        if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
+            std::find(values.begin(), values.end(), "") != values.end()) {
+            return refusal(std::string(parameter.name) + " is empty.", exitNotUnderstood);
+        }
     }
-    return pagerOfUser(answer({"config", "--get", "core.pager"}));
+    return std::nullopt;
 }
 
 std::optional<CommandOutput> CommandTask::readPaths() {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
-        return refusal(folder.failure, exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+        return refusal(folder.failure, exitFailed, NEBSourceControlPathUnknownErrorClass);
     }
-    _place.currentFolder = *folder.path;
+    _git.setWorkingCopy({.currentFolder = *folder.path});
     for (const Parameter& parameter : _call.command.parameters) {
         if (!parameter.takesPaths()) {
             continue;
         }
-        for (const std::string& word : arguments().all(parameter.name)) {
-            if (word.empty()) {
+        for (const std::string& value : arguments().all(parameter.name)) {
+            if (value.empty()) {
                 return refusal("The path is empty; the path of a file or folder was expected.",
                                exitNotUnderstood);
             }
-            const PathSearch search = findAbsolutePath(*folder.path, word);
+            const PathSearch search = findAbsolutePath(*folder.path, value);
             if (!search.path) {
                 return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
             }
@@ -135,63 +103,8 @@ std::optional<CommandOutput> CommandTask::readPaths() {
     return std::nullopt;
 }
 
-/// Where memory runs out for the reply, that is the outcome's failure, in place of its result.
-CommandOutput CommandTask::replyInMemoryTo(Outcome& outcome) {
-    try {
-        return replyTo(outcome);
-    } catch (const std::bad_alloc&) {
-        outcome.error = NEBSourceControlErrorOfCurrentException();
-    }
-    outcome.result.reset();
-    return replyTo(outcome);
-}
-
-CommandOutput CommandTask::replyTo(Outcome& outcome) {
-    CommandOutput output;
-    if (outcome.result) {
-        output.standardOutput = textOfResult(*outcome.result);
-    }
-    explainBrokenHEAD(outcome);
-    if ((outcome.error && isAnswer(*outcome.error)) || !noteFailure(output, outcome, silence())) {
-        report(outcome, output);
-    } else if (outcome.error) {
-        output.standardError += adviceAfter(*outcome.error);
-        concludeFailure(outcome, output);
-    }
-    addNotes(output, outcome);
-    return output;
-}
-
-/// git says of a broken branch, too, that it does not know "HEAD" or the commit in it, or that
-/// there is no commit yet.
-void CommandTask::explainBrokenHEAD(Outcome& outcome) {
-    if (!outcome.error || (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
-                           outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
-                           outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
-                           outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
-        return;
-    }
-    if (auto broken = brokenReference("HEAD")) {
-        outcome.error->errorClass = broken->errorClass;
-        outcome.error->userInfo.addEntriesFrom(broken->userInfo);
-    }
-}
-
-void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
-    if (!outcome.error) {
-        outcome.error = output.error;
-    }
-    if (_call.isJSON) {
-        output.standardOutput = textOfOutcome(outcome) + "\n";
-    }
-    noteReports(output, outcome);
-    noteOmittedRevisions(output, outcome);
-    noteLeftFolder(output, outcome);
-    noteHeldOutput(output, outcome);
-}
-
-WorkingCopyLocation CommandTask::findPlace() {
-    return findWorkingCopy(_interruption, trace(), currentFolder(), currentFolder());
+WorkingCopyLocation CommandTask::locate() {
+    return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder());
 }
 
 std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) {
@@ -200,11 +113,95 @@ std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) 
 
 void CommandTask::report(const Outcome& /*outcome*/, CommandOutput& /*output*/) {}
 
-bool CommandTask::isInColour() const {
-    return !isJSON() && wantsColour(_call.colours, STDOUT_FILENO);
+std::string CommandTask::textFor(const NEBSourceControlError& error) const {
+    return textForMissingFile(workingCopy(), error);
 }
 
-// ---- requests ---------------------------------------------------------------------------------
+// ---- output -----------------------------------------------------------------------------------
+
+/// If memory runs out for the output, that replaces the outcome's result as its error.
+CommandOutput CommandTask::outputInMemoryFor(Outcome& outcome) {
+    try {
+        return outputFor(outcome);
+    } catch (const std::bad_alloc&) {
+        outcome.error = NEBSourceControlErrorOfCurrentException();
+    }
+    outcome.result.reset();
+    return outputFor(outcome);
+}
+
+CommandOutput CommandTask::outputFor(Outcome& outcome) {
+    CommandOutput output;
+    if (outcome.result) {
+        output.standardOutput = textOfResult(*outcome.result);
+    }
+    explainBrokenHEAD(outcome);
+    if ((outcome.error && isHandled(*outcome.error)) ||
+        !addFailureOf(outcome, silentFailure(), output)) {
+        report(outcome, output);
+    } else if (outcome.error) {
+        output.standardError += adviceFor(*outcome.error);
+        reportFailure(outcome, output);
+    }
+    addNotes(output, outcome);
+    return output;
+}
+
+/// If a branch is broken, git may report that HEAD or its commit is unknown, or that there is no
+/// commit yet.
+void CommandTask::explainBrokenHEAD(Outcome& outcome) const {
+    if (!outcome.error || (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
+                           outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
+                           outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
+                           outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
+        return;
+    }
+    if (auto broken = brokenReference(_git, "HEAD")) {
+        outcome.error->errorClass = broken->errorClass;
+        outcome.error->userInfo.addEntriesFrom(broken->userInfo);
+    }
+}
+
+bool CommandTask::addFailureOf(const Outcome& outcome, SilentFailure silentFailure,
+                               CommandOutput& output) const {
+    if (outcome.error) {
+        CommandOutput failure = failureWith(*outcome.error);
+        if (const std::string text = textFor(*outcome.error); !text.empty()) {
+            failure.standardError = complaint(text);
+        }
+        addFailure(output, failure);
+        return true;
+    }
+    const int status = lastExitStatus(outcome);
+    if (status == 0 || silentFailure == SilentFailure::isIgnored ||
+        (status == 1 && silentFailure == SilentFailure::isEmptyResult)) {
+        return false;
+    }
+    addFailure(output, refusal(silentFailureText(status), exitFailed));
+    return true;
+}
+
+void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
+    if (!outcome.error) {
+        outcome.error = output.error;
+    }
+    if (isJSON()) {
+        output.standardOutput = textOfOutcome(outcome) + "\n";
+    }
+    noteReports(output, outcome);
+    noteOmittedRevisions(output, outcome);
+    noteLeftFolder(output, outcome);
+    noteHeldOutput(output, outcome);
+}
+
+std::optional<std::string> CommandTask::pagerFor(std::string_view text) const {
+    if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
+        return std::nullopt;
+    }
+    return pagerOfUser(_git.outputOf({"config", "--get", "core.pager"}));
+}
+
+// ---- the invocation and its requests ----------------------------------------------------------
 
 const std::vector<std::string>& CommandTask::paths(std::string_view parameter) const {
     static const std::vector<std::string> none;
@@ -212,161 +209,41 @@ const std::vector<std::string>& CommandTask::paths(std::string_view parameter) c
     return entry == _paths.end() ? none : entry->second;
 }
 
-std::shared_ptr<NEBSourceControlRequest> CommandTask::requestOfType(std::int32_t type) const {
-    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
-    tree->location = _place.location;
-    tree->name = lastPathComponent(_place.location);
-    return NEBSourceControlRequest::initWithType(type, std::move(tree), std::nullopt, std::nullopt);
+bool CommandTask::isInColour() const {
+    return !isJSON() && wantsColour(_call.colours, STDOUT_FILENO);
 }
 
-std::shared_ptr<NEBSourceControlRequest> CommandTask::requestAbout(
+std::shared_ptr<NEBSourceControlRequest> CommandTask::newRequest(
     std::int32_t type, const std::vector<std::string>& files) const {
-    auto request = requestOfType(type);
+    auto request = newRequest(type);
     request->files.emplace(files.begin(), files.end());
     return request;
 }
 
-RequestResult CommandTask::perform(const std::shared_ptr<NEBSourceControlRequest>& request,
-                                   const std::shared_ptr<NEBSourceControlOperation>& replacement) {
-    return _call.session.perform(request, interruptibleRunner(_interruption, *_sign), replacement);
+RequestResult CommandTask::performRequest(
+    const std::shared_ptr<NEBSourceControlRequest>& request,
+    const std::shared_ptr<NEBSourceControlOperation>& replacement) {
+    return _call.session.perform(request, interruptibleRunner(_interruption, *_progress),
+                                 replacement);
 }
 
-RequestResult CommandTask::perform(NEBSourceControlOperation& operation) {
-    return {_call.session.carryOut(operation, interruptibleRunner(_interruption, *_sign)),
+RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {
+    return {_call.session.carryOut(operation, interruptibleRunner(_interruption, *_progress)),
             std::nullopt};
 }
 
-std::optional<CommandOutput> CommandTask::prepareBy(
+std::optional<CommandOutput> CommandTask::performFirst(
     const std::shared_ptr<NEBSourceControlRequest>& request) {
-    RequestResult requestResult = perform(request);
-    if (auto refused = refusalOf(requestResult)) {
+    RequestResult result = performRequest(request);
+    if (auto refused = refusalOfValue(result)) {
         return refused;
     }
     CommandOutput output;
-    if (!noteFailure(output, *requestResult.outcome, Silence::failure)) {
+    if (!addFailureOf(*result.outcome, SilentFailure::isError, output)) {
         return std::nullopt;
     }
-    addNotes(output, *requestResult.outcome);
+    addNotes(output, *result.outcome);
     return output;
-}
-
-// ---- questions of the command's own -----------------------------------------------------------
-
-ChildOutcome CommandTask::ask(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "--literal-pathspecs");
-    return runGit(_interruption, trace(), std::move(arguments), _place.location);
-}
-
-std::optional<std::string> CommandTask::answer(std::vector<std::string> arguments) {
-    return answerOf(ask(std::move(arguments)));
-}
-
-ChildOutcome CommandTask::askForCommit(const std::string& revision) {
-    return ask({"rev-parse", "--verify", "--quiet", "--end-of-options", revision + "^{commit}"});
-}
-
-bool CommandTask::isWithoutCommits() {
-    return ask({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
-}
-
-std::optional<NEBSourceControlError> CommandTask::brokenReference(const std::string& revision) {
-    return brokenReferenceIn(revision, _place.location, [this](std::vector<std::string> arguments) {
-        return ask(std::move(arguments));
-    });
-}
-
-CommandOutput CommandTask::refusalOfUnknownRevision(const std::string& revision) {
-    if (const auto broken = brokenReference(revision)) {
-        return failureWith(*broken);
-    }
-    return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
-                   NEBSourceControlRevisionUnknownErrorClass.text());
-}
-
-std::optional<std::string> CommandTask::latestCommit() {
-    return answer({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
-}
-
-// ---- what to say ------------------------------------------------------------------------------
-
-std::string CommandTask::sentenceFor(const NEBSourceControlError& error) const {
-    constexpr std::string_view noMatch = "did not match any file";
-    if (error.files.size() != 1 || error.text.value_or("").find(noMatch) == std::string::npos) {
-        return {};
-    }
-    const std::string& file = error.files.front();
-    const std::string path =
-        file.starts_with('/') ? file : pathByAppendingComponent(_place.location, file);
-    const std::string name = inQuotes(pathAsSeenFrom(_place, path));
-    return isAnythingAt(path) ? "git does not track " + name + "."
-                              : "There is no file or folder " + name + ".";
-}
-
-bool CommandTask::noteFailure(CommandOutput& output, const Outcome& outcome,
-                              Silence silence) const {
-    if (outcome.error) {
-        CommandOutput failure = failureWith(*outcome.error);
-        if (const std::string sentence = sentenceFor(*outcome.error); !sentence.empty()) {
-            failure.standardError = complaint(sentence);
-        }
-        addFailure(output, failure);
-        return true;
-    }
-    const int status = silentExitStatus(outcome);
-    if (status == 0 || silence == Silence::irrelevant ||
-        (status == 1 && silence == Silence::answer)) {
-        return false;
-    }
-    addFailure(output, refusal(sentenceOfSilence(status), exitFailed));
-    return true;
-}
-
-void CommandTask::noteConflicts(CommandOutput& output, std::string_view sentence,
-                                const std::vector<std::string>& paths) {
-    std::vector<std::string> question{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
-    question.insert(question.end(), paths.begin(), paths.end());
-    const ChildOutcome outcome = ask(std::move(question));
-    if (!outcome.status.isSuccess()) {
-        addFailure(output, failureOf(outcome));
-    } else if (!outcome.output.empty()) {
-        addFailure(output, refusalAbout(sentence, textsBetweenNULs(outcome.output),
-                                        NEBSourceControlConflictErrorClass));
-    }
-}
-
-CommandOutput CommandTask::failureOf(const ChildOutcome& question) const {
-    const std::string words(question.errorOutput);
-    if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
-        return refusal(question.status.exitStatus()
-                           ? sentenceOfSilence(*question.status.exitStatus())
-                           : "git did not answer: " + question.status.description() + ".",
-                       exitFailed, classOfSilence(question.status));
-    }
-    const auto request = requestOfType(NEBSourceControlRequestStatus);
-    return failureWith(NEBSourceControlErrorFromText(words, *request));
-}
-
-std::optional<CommandOutput> CommandTask::refusalWithoutWorkingCopy() {
-    if (_place.isWorkingCopy) {
-        return std::nullopt;
-    }
-    return failureOf(ask({"rev-parse", "--show-toplevel"}));
-}
-
-std::string CommandTask::shown(const std::string& path) const {
-    return printable(pathAsSeenFrom(
-        _place, path.starts_with('/') ? path : pathByAppendingComponent(_place.location, path)));
-}
-
-CommandOutput CommandTask::refusalAbout(std::string_view sentence,
-                                        const std::vector<std::string>& files,
-                                        std::string_view errorClass) const {
-    CommandOutput refused = refusal(sentence, exitFailed, errorClass);
-    for (const std::string& file : files) {
-        refused.standardError += "    " + shown(file) + "\n";
-    }
-    refused.error->files = files;
-    return refused;
 }
 
 }  // namespace neb::nebsc

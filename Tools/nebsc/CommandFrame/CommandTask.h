@@ -1,17 +1,24 @@
-// CommandTask.h - the frame of a command that makes one request, so that each command is short.
+// CommandTask.h - the frame of a command that makes one request: the steps that all of them share.
 //
 //     class AddTask : public CommandTask {
 //         using CommandTask::CommandTask;
-//         std::shared_ptr<NEBSourceControlRequest> request() override {
-//             return requestAbout(NEBSourceControlRequestAddFiles, paths("FILE"));
+//         std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+//             return newRequest(NEBSourceControlRequestAddFiles, paths("FILE"));
 //         }
 //     };
+//     constinit const Command addCommand{.name = "add", …, .run = runTask<AddTask>};
 //
-// run() finds the working copy around the current folder, lets the command look before anything is
-// done, carries its request out, and says what came of it: with --json the outcome, also where
-// there is no more to it than why no request was made; for a person what the command makes of the
-// result, and in either case an error, a git that failed without a
-// word, broken preconditions and a signal.
+// A command runs in these steps, each a virtual function:
+//
+//     locate      finds the working copy that the command works in
+//     validate    refuses what cannot work, before anything changes
+//     makeRequest
+//     perform     carries the request out
+//     finish      does what git does not do, after a success
+//     report      prints what was done
+//
+// With --json, the frame prints the outcome instead, also if no request was made. In either case it
+// reports errors, broken preconditions and signals.
 #pragma once
 
 #include <map>
@@ -20,19 +27,21 @@
 #include <string>
 #include <vector>
 
-#include "CommandFrame/WorkingCopyLocation.h"
+#include "CommandFrame/FailureText.h"
+#include "CommandFrame/GitQueries.h"
+#include "CommandFrame/Requests.h"
 #include "CommandLine/Command.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
-#include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
+#include "Session/Paths.h"
 #include "Terminal/ProgressIndicator.h"
 
 namespace neb::nebsc {
 
-/// One run of a command, on one thread.
+/// One run of a command. Not thread-safe.
 class CommandTask {
 public:
-    /// Takes over the signals for as long as it lives.
+    /// Handles the signals as long as the object lives.
     explicit CommandTask(const CommandCall& call) : _call(call) {}
     CommandTask(const CommandTask&) = delete;
     CommandTask& operator=(const CommandTask&) = delete;
@@ -41,138 +50,119 @@ public:
     [[nodiscard]] CommandOutput run();
 
 protected:
-    /// What it means when a git fails and says nothing.
-    enum class Silence {
-        failure,
-        /// With exit status 1 it is an answer: there is nothing of the kind.
-        answer,
-        /// The commands' ends are no part of the outcome.
-        irrelevant,
+    /// What it means that git fails and prints nothing.
+    enum class SilentFailure {
+        isError,
+        /// With exit status 1, nothing was found.
+        isEmptyResult,
+        isIgnored,
     };
 
-    // ---- what a command says of itself, in the order in which it is asked
+    // ---- the steps, in order
 
-    /// The place that the request is about: the working copy around the current folder, unless the
-    /// command knows better.
-    [[nodiscard]] virtual WorkingCopyLocation findPlace();
-    /// A look before anything is done; a reply ends the command.
+    /// Returns the working copy around the current folder unless a command overrides it.
+    [[nodiscard]] virtual WorkingCopyLocation locate();
+    /// Returns the output of a command that ends here; absent if it goes on.
     [[nodiscard]] virtual std::optional<CommandOutput> validate() { return std::nullopt; }
-    [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> request() = 0;
-    /// Carries out the request; a command that needs to know more than the request's records hold
-    /// runs an operation of its own instead.
-    [[nodiscard]] virtual RequestResult carryOut() { return perform(request()); }
-    [[nodiscard]] virtual Silence silence() const { return Silence::failure; }
-    /// Whether an error is an answer all the same, of which report() tells.
-    [[nodiscard]] virtual bool isAnswer(const NEBSourceControlError& /*error*/) const {
+    [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> makeRequest() = 0;
+    /// Carries out makeRequest() unless a command overrides it, to run an operation of its own.
+    [[nodiscard]] virtual RequestResult perform() { return performRequest(makeRequest()); }
+    /// Does what belongs to the command and git does not do. May change the outcome.
+    virtual void finish(Outcome& /*outcome*/) {}
+    /// Returns the records as text for a person; lines with their ends. An error may accompany
+    /// them.
+    [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
+    /// Does and reports what is left to do after a success.
+    virtual void report(const Outcome& outcome, CommandOutput& output);
+
+    // ---- how a command treats failures
+
+    [[nodiscard]] virtual SilentFailure silentFailure() const { return SilentFailure::isError; }
+    /// Returns whether report() handles the error.
+    [[nodiscard]] virtual bool isHandled(const NEBSourceControlError& /*error*/) const {
         return false;
     }
-    /// What the command says in place of an error that it understands better; empty for all others.
-    /// Unless a command knows better, that a path is not there, or is not tracked.
-    [[nodiscard]] virtual std::string sentenceFor(const NEBSourceControlError& error) const;
-    /// What the command has to say behind an error: a line with its end, or nothing.
-    [[nodiscard]] virtual std::string adviceAfter(const NEBSourceControlError& /*error*/) const {
+    /// Returns whether finish() runs in spite of the error.
+    [[nodiscard]] virtual bool finishesAfter(const NEBSourceControlError& /*error*/) {
+        return false;
+    }
+    /// Returns a better message than the error's own; empty if there is none.
+    [[nodiscard]] virtual std::string textFor(const NEBSourceControlError& error) const;
+    /// Returns advice for the error, a line with its end; empty if there is none.
+    [[nodiscard]] virtual std::string adviceFor(const NEBSourceControlError& /*error*/) const {
         return {};
     }
-    /// What belongs to the work and git does not do, behind a success; what it changes is told as
-    /// the request's own outcome, its failure too.
-    virtual void finish(Outcome& /*outcome*/) {}
-    /// Whether an error leaves work behind, so that finish() is called all the same.
-    [[nodiscard]] virtual bool isCompletedAfter(const NEBSourceControlError& /*error*/) {
-        return false;
-    }
-    /// The records for a person, lines with their ends. An error may stand beside them.
-    [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
-    /// What is left to do and to say after a success.
-    virtual void report(const Outcome& outcome, CommandOutput& output);
-    /// Adds what is left to say after a failure, behind adviceAfter().
-    virtual void concludeFailure(const Outcome& /*outcome*/, CommandOutput& /*output*/) {}
+    /// Adds what is left to report after a failure, after adviceFor().
+    virtual void reportFailure(const Outcome& /*outcome*/, CommandOutput& /*output*/) {}
 
-    // ---- what a command may use, from validate() on
+    // ---- the invocation; available in every step
 
     [[nodiscard]] const Arguments& arguments() const { return _call.arguments; }
-    [[nodiscard]] bool isJSON() const { return _call.isJSON; }
-    /// Whether what goes to standard output is coloured.
-    [[nodiscard]] bool isInColour() const;
-    /// The parameter's absolute paths, in order; of one that takes a path and stands in the call.
+    /// Returns the parameter's only value; empty if it is not given.
+    [[nodiscard]] std::string argument(std::string_view parameter) const {
+        return _call.arguments.value(parameter).value_or("");
+    }
+    /// Returns the absolute paths of a parameter that takes paths, in order.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
-    [[nodiscard]] const WorkingCopyLocation& place() const { return _place; }
-    /// Good in findPlace() too, as are the arguments and the paths.
-    [[nodiscard]] const std::string& currentFolder() const { return _place.currentFolder; }
-    [[nodiscard]] Interruption& interruption() { return _interruption; }
-    [[nodiscard]] const Trace& trace() const { return _call.session.trace(); }
+    [[nodiscard]] const std::string& currentFolder() const { return workingCopy().currentFolder; }
+    [[nodiscard]] bool isJSON() const { return _call.isJSON; }
+    /// Returns whether standard output is coloured.
+    [[nodiscard]] bool isInColour() const;
 
-    /// A request about the place.
-    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestOfType(std::int32_t type) const;
-    /// The same with these files.
-    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> requestAbout(
+    // ---- git; available from validate() on, except workingCopy().currentFolder
+
+    [[nodiscard]] const GitQueries& git() const { return _git; }
+    [[nodiscard]] const WorkingCopyLocation& workingCopy() const { return _git.workingCopy(); }
+    /// Returns a path as the user sees it, printable; see shownPath().
+    [[nodiscard]] std::string shown(const std::string& path) const {
+        return shownPath(workingCopy(), path);
+    }
+
+    // ---- requests
+
+    /// Returns a request about the working copy.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> newRequest(std::int32_t type) const {
+        return nebsc::newRequest(workingCopy(), type);
+    }
+    /// The same, with these files.
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> newRequest(
         std::int32_t type, const std::vector<std::string>& files) const;
     /// Carries out a request; see HostSession about the replacement.
-    [[nodiscard]] RequestResult perform(
+    [[nodiscard]] RequestResult performRequest(
         const std::shared_ptr<NEBSourceControlRequest>& request,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
     /// Runs an operation of the command's own.
-    [[nodiscard]] RequestResult perform(NEBSourceControlOperation& operation);
-    /// Carries out, in validate(), a request without which the command's own makes no sense. A
-    /// reply tells that it failed, with --json its outcome.
-    [[nodiscard]] std::optional<CommandOutput> prepareBy(
+    [[nodiscard]] RequestResult performOperation(NEBSourceControlOperation& operation);
+    /// Carries out, in validate(), a request that the command's own depends on. Returns the output
+    /// of its failure; absent if it succeeds.
+    [[nodiscard]] std::optional<CommandOutput> performFirst(
         const std::shared_ptr<NEBSourceControlRequest>& request);
-
-    /// A question of the command's own to git, in the place. Names are never patterns.
-    [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
-    /// Its answer without the line end; nothing when git failed or was silent.
-    [[nodiscard]] std::optional<std::string> answer(std::vector<std::string> arguments);
-    /// The question for the commit that a revision stands for; git fails with exit status 1 and
-    /// silently when there is none.
-    [[nodiscard]] ChildOutcome askForCommit(const std::string& revision);
-    /// Whether HEAD names no commit yet. One whose commit is lost is another matter.
-    [[nodiscard]] bool isWithoutCommits();
-    /// The error that names the reference of the revision, where it is broken; see
-    /// brokenReferenceIn(). Asked where git knows no such revision.
-    [[nodiscard]] std::optional<NEBSourceControlError> brokenReference(const std::string& revision);
-    /// The reply for a revision that git does not know: its reference is broken, or there is none.
-    [[nodiscard]] CommandOutput refusalOfUnknownRevision(const std::string& revision);
-    /// The latest commit, 12 characters; nothing when there is none.
-    [[nodiscard]] std::optional<std::string> latestCommit();
-
-    /// Says how an outcome failed, and answers whether it did.
-    bool noteFailure(CommandOutput& output, const Outcome& outcome, Silence silence) const;
-    /// Says which files at or below the paths (all, without paths) are in conflict, behind the
-    /// sentence; the command has failed then.
-    void noteConflicts(CommandOutput& output, std::string_view sentence,
-                       const std::vector<std::string>& paths);
-    /// That a question failed, in git's words.
-    [[nodiscard]] CommandOutput failureOf(const ChildOutcome& question) const;
-    /// The reply where there is no working copy, in git's words; nothing where there is one.
-    [[nodiscard]] std::optional<CommandOutput> refusalWithoutWorkingCopy();
-    /// A path from the top, or an absolute one, as the person sees it, printable.
-    [[nodiscard]] std::string shown(const std::string& path) const;
-    /// A refusal with the sentence, and the files on lines of their own, as the person sees them.
-    [[nodiscard]] CommandOutput refusalAbout(std::string_view sentence,
-                                             const std::vector<std::string>& files,
-                                             std::string_view errorClass) const;
+    /// Adds the failure of an outcome, and returns whether there is one.
+    bool addFailureOf(const Outcome& outcome, SilentFailure silentFailure,
+                      CommandOutput& output) const;
 
 private:
-    [[nodiscard]] CommandOutput work();
+    [[nodiscard]] CommandOutput runSteps();
     [[nodiscard]] std::optional<CommandOutput> refusalOfEmptyNames() const;
     [[nodiscard]] std::optional<CommandOutput> readPaths();
-    [[nodiscard]] CommandOutput replyInMemoryTo(Outcome& outcome);
-    [[nodiscard]] CommandOutput replyTo(Outcome& outcome);
+    [[nodiscard]] CommandOutput outputFor(Outcome& outcome);
+    [[nodiscard]] CommandOutput outputInMemoryFor(Outcome& outcome);
     /// Names the current branch in an error that comes from its being broken.
-    void explainBrokenHEAD(Outcome& outcome);
-    /// Adds what belongs to a reply about an outcome in any case. A failure that is the command's
-    /// alone becomes the outcome's, so that a program is told of it.
+    void explainBrokenHEAD(Outcome& outcome) const;
+    /// Adds what belongs to the output of every outcome. A failure of the command alone becomes the
+    /// outcome's error, so that --json reports it.
     void addNotes(CommandOutput& output, Outcome& outcome) const;
-    [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text);
+    [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text) const;
 
     const CommandCall& _call;
     Interruption _interruption;
-    /// From the first question on until there is something to say.
-    std::optional<ProgressIndicator> _sign;
-    WorkingCopyLocation _place;
+    /// Present until there is something to print.
+    std::optional<ProgressIndicator> _progress;
+    GitQueries _git{_interruption, _call.session.trace()};
     std::map<std::string, std::vector<std::string>, std::less<>> _paths;
 };
 
-/// Runs a command; the function of its row in the command table: `.run = runTask<AddTask>`.
+/// Runs a command; the function of its row in the command table.
 template <class Task>
 [[nodiscard]] CommandOutput runTask(const CommandCall& call) {
     return Task(call).run();

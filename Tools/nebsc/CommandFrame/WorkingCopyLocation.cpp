@@ -1,9 +1,14 @@
 #include "CommandFrame/WorkingCopyLocation.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <system_error>
+#include <iterator>
+#include <string_view>
 
+#include "Platform/PathString.h"
 #include "Session/GitProgram.h"
+#include "Session/Paths.h"
+#include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
 
@@ -11,41 +16,41 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// With an end "/", a link would be followed.
-fs::path withoutEndSlashes(std::string path) {
-    while (path.size() > 1 && path.ends_with('/')) {
-        path.pop_back();
-    }
-    return path;
-}
+/// "true" or "false", the top if there is a working copy, and the commit of HEAD if there is one;
+/// a line end after each. The top may contain line ends itself.
+constexpr const char* discoveryArguments[] = {
+    "rev-parse", "--is-inside-work-tree", "--show-toplevel", "--verify", "--quiet", "HEAD"};
 
-fs::path resolved(const fs::path& path, std::error_code& failure) {
-    const fs::path name = path.filename();
-    if (name.empty() || name == "." || name == "..") {
-        return withoutEndSlashes(fs::weakly_canonical(path, failure).string());
-    }
-    return fs::weakly_canonical(path.parent_path(), failure) / name;
+std::string_view withoutLastLine(std::string_view text) {
+    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+    return text.substr(0, text.rfind('\n') + 1);
 }
 
 }  // namespace
 
-PathSearch findCurrentFolder() {
-    std::error_code failure;
-    const fs::path folder = fs::current_path(failure);
-    if (failure) {
-        return {std::nullopt, "The current folder cannot be found: " + failure.message() + "."};
+WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
+                                    const std::string& currentFolder, const std::string& folder) {
+    constexpr int isNoCommit = 1;
+    WorkingCopyLocation found{.location = folder, .currentFolder = currentFolder};
+    found.discovery =
+        runGit(interruption, trace, {std::begin(discoveryArguments), std::end(discoveryArguments)},
+               folder);
+    std::string_view output = found.discovery.output;
+    found.isRepository = !output.empty();
+    if (!found.isRepository) {
+        return found;
     }
-    return {folder.string(), {}};
-}
-
-PathSearch findAbsolutePath(const std::string& currentFolder, const std::string& path) {
-    std::error_code failure;
-    const fs::path absolute = resolved(fs::path(currentFolder) / withoutEndSlashes(path), failure);
-    if (failure) {
-        return {std::nullopt,
-                "The path \"" + path + "\" cannot be looked up: " + failure.message() + "."};
+    output.remove_prefix(std::min(output.find('\n') + 1, output.size()));
+    const bool hasCommit = found.discovery.status.isSuccess();
+    const std::string_view top = hasCommit ? withoutLastLine(output) : output;
+    if (!top.empty()) {
+        found.location = top.substr(0, top.size() - 1);
+        found.isWorkingCopy = true;
     }
-    return {absolute.string(), {}};
+    if (hasCommit || (found.isWorkingCopy && found.discovery.status.exitStatus() == isNoCommit)) {
+        found.hasCommits = hasCommit;
+    }
+    return found;
 }
 
 std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {
@@ -57,32 +62,28 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
     return isPath ? *search.path : url;
 }
 
-WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
-                                    const std::string& currentFolder, const std::string& folder) {
-    const auto top = workingCopyTop(interruption, trace, folder);
-    return {.location = top.value_or(folder),
-            .currentFolder = currentFolder,
-            .isWorkingCopy = top.has_value()};
+std::string pathAsSeen(const WorkingCopyLocation& workingCopy, const std::string& path) {
+    const std::string absolute =
+        path.starts_with('/') ? path : pathByAppendingComponent(workingCopy.location, path);
+    if (!liesWithin(workingCopy.currentFolder, workingCopy.location)) {
+        return absolute;
+    }
+    const bool isFolder = absolute.ends_with('/');
+    const fs::path plain = isFolder ? absolute.substr(0, absolute.size() - 1) : absolute;
+    const std::string relative = plain.lexically_relative(workingCopy.currentFolder).string();
+    return isFolder ? relative + "/" : relative;
 }
 
-bool liesWithin(const std::string& path, const std::string& folder) {
-    return path == folder || folder == "/" ||
-           (path.starts_with(folder) && path[folder.size()] == '/');
+std::string shownPath(const WorkingCopyLocation& workingCopy, const std::string& path) {
+    return printable(pathAsSeen(workingCopy, path));
 }
 
-bool isAnythingAt(const std::string& path) {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(path, ignored));
-}
-
-std::string pathAsSeenFrom(const WorkingCopyLocation& place, const std::string& path) {
-    if (!liesWithin(place.currentFolder, place.location)) {
+std::string pathFromTop(const WorkingCopyLocation& workingCopy, const std::string& path) {
+    if (!path.starts_with('/')) {
         return path;
     }
-    const bool isFolder = path.ends_with('/');
-    const fs::path plain = isFolder ? path.substr(0, path.size() - 1) : path;
-    const std::string relative = plain.lexically_relative(place.currentFolder).string();
-    return isFolder ? relative + "/" : relative;
+    const std::string& top = workingCopy.location;
+    return path == top ? std::string() : path.substr(top == "/" ? 1 : top.size() + 1);
 }
 
 }  // namespace neb::nebsc

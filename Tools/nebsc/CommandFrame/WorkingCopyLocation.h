@@ -1,57 +1,52 @@
-// WorkingCopyLocation.h - what a person means by the current folder and by a path.
+// WorkingCopyLocation.h - the working copy that a command works in, and how its paths are shown.
 #pragma once
 
 #include <optional>
 #include <string>
 
+#include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
 #include "Session/Trace.h"
 
 namespace neb::nebsc {
 
 struct WorkingCopyLocation {
-    /// The top of the working copy; where there is none, the folder in which it was looked for, so
-    /// that git itself says what is wrong.
-    std::string location;
-    /// The absolute path of the current folder, without symbolic links.
-    std::string currentFolder;
-    /// Whether there is a working copy.
+    /// Absolute path of the top of the working copy; where there is none, the folder in which it
+    /// was searched, so that git itself reports what is wrong.
+    std::string location{};
+    /// Absolute path of the current folder, without symbolic links.
+    std::string currentFolder{};
     bool isWorkingCopy = false;
+    /// False if git was not asked, as for a repository that is yet to be created.
+    bool isRepository = false;
+    /// Whether HEAD names a commit; absent if that is not known.
+    std::optional<bool> hasCommits{};
+    /// How git ended; if it found no working copy, its stderr says why.
+    ChildOutcome discovery{TerminationStatus::notStarted({}), {}, {}};
 };
 
-/// A path, or why there is none.
-struct PathSearch {
-    std::optional<std::string> path;
-    /// One sentence; empty when there is a path.
-    std::string failure;
-};
-
-/// The absolute path of the current folder, without symbolic links.
-[[nodiscard]] PathSearch findCurrentFolder();
-
-/// The absolute path of `path`, which need not exist any more: links on the way to it are followed,
-/// as git does, but not the last one. An end "/" is dropped.
-[[nodiscard]] PathSearch findAbsolutePath(const std::string& currentFolder,
-                                          const std::string& path);
-
-/// The absolute path of a repository that is in the file system, as seen from the current folder;
-/// otherwise the URL (or HOST:PATH) as it is.
-[[nodiscard]] std::string repositoryLocation(const std::string& currentFolder,
-                                             const std::string& url);
-
-/// The working copy in which the folder lies. A git is asked; a signal ends it.
+/// Returns the working copy that the folder lies in. Runs one `git rev-parse`; a signal ends it.
 [[nodiscard]] WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
                                                   const std::string& currentFolder,
                                                   const std::string& folder);
 
-/// Whether the path is the folder or lies in it. Both are absolute.
-[[nodiscard]] bool liesWithin(const std::string& path, const std::string& folder);
+/// Returns the absolute path of a repository in the file system, relative to the current folder;
+/// any other URL (or HOST:PATH) as it is.
+[[nodiscard]] std::string repositoryLocation(const std::string& currentFolder,
+                                             const std::string& url);
 
-/// Whether anything is at the path, be it a link that leads nowhere.
-[[nodiscard]] bool isAnythingAt(const std::string& path);
+/// Returns an absolute path, or a path from the top of the working copy, as the user sees it: from
+/// the current folder if that lies in the same working copy, else absolute. Keeps a "/" at the end.
+[[nodiscard]] std::string pathAsSeen(const WorkingCopyLocation& workingCopy,
+                                     const std::string& path);
 
-/// The path as the person sees it: from the current folder when that lies in the same working copy,
-/// else as it is. A folder's "/" at the end stays.
-[[nodiscard]] std::string pathAsSeenFrom(const WorkingCopyLocation& place, const std::string& path);
+/// The same, printable.
+[[nodiscard]] std::string shownPath(const WorkingCopyLocation& workingCopy,
+                                    const std::string& path);
+
+/// Returns an absolute path in the working copy as seen from its top, empty for the top itself. Any
+/// other path is returned as it is.
+[[nodiscard]] std::string pathFromTop(const WorkingCopyLocation& workingCopy,
+                                      const std::string& path);
 
 }  // namespace neb::nebsc

@@ -5,7 +5,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -95,13 +96,13 @@ std::string fittingContent(const std::string& content, std::size_t columnsBefore
     return fitting(STDOUT_FILENO, columnsBefore, line);
 }
 
-class BlameTask : public HistoryTask {
+class BlameTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
@@ -113,32 +114,29 @@ private:
 
 /// The last word is the file, whatever it looks like.
 std::optional<CommandOutput> BlameTask::validate() {
-    std::vector<std::string> words = arguments().all("REVISION");
-    const std::vector<std::string>& others = arguments().all("FILE");
-    words.insert(words.end(), others.begin(), others.end());
-    if (words.empty()) {
+    const std::vector<std::string> all = revisionAndFileArguments(arguments());
+    if (all.empty()) {
         return refusal("FILE is required (see nebsc blame --help).", exitNotUnderstood);
     }
-    if (std::any_of(words.begin(), words.end(), [](const auto& word) { return word.empty(); })) {
-        return refusal("A word is empty; a revision or the path of a file was expected.",
-                       exitNotUnderstood);
+    if (std::find(all.begin(), all.end(), "") != all.end()) {
+        return refusalOfEmptyArgument();
     }
-    const PathSearch search = findFile(words.back());
+    const PathSearch search = findFile(workingCopy(), all.back());
     if (!search.path) {
         return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     _file = *search.path;
-    if (words.size() > 1) {
-        _revision = words.front();
+    if (all.size() > 1) {
+        _revision = all.front();
     }
     if (isJSON()) {
         return std::nullopt;
     }
-    return _revision ? refusalOfRevision(*_revision) : refusalWithoutCommits();
+    return _revision ? refusalOfRevision(git(), *_revision) : refusalWithoutCommits(git());
 }
 
-std::shared_ptr<NEBSourceControlRequest> BlameTask::request() {
-    auto request = requestAbout(NEBSourceControlRequestBlame, {_file});
+std::shared_ptr<NEBSourceControlRequest> BlameTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestBlame, {_file});
     if (_revision) {
         request->startingRevision = *_revision;
     }
@@ -146,13 +144,14 @@ std::shared_ptr<NEBSourceControlRequest> BlameTask::request() {
 }
 
 std::vector<std::string> BlameTask::contents() {
-    if (!_revision && place().isWorkingCopy) {
+    if (!_revision && workingCopy().isWorkingCopy) {
         return linesOf(contentOnDisk(_file));
     }
-    if (_file.starts_with('/') && !liesWithin(_file, place().location)) {
+    if (_file.starts_with('/') && !liesWithin(_file, workingCopy().location)) {
         return {};
     }
-    return linesOf(ask({"cat-file", "blob", objectAt(_revision.value_or("HEAD"), _file)}).output);
+    return linesOf(
+        git().run({"cat-file", "blob", objectAt(git(), _revision.value_or("HEAD"), _file)}).output);
 }
 
 std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {

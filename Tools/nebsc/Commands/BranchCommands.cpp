@@ -2,7 +2,8 @@
 
 #include <unistd.h>
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/BrokenReference.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -17,20 +18,20 @@ constexpr std::string_view nameWord = "NAME";
 
 // ---- list -------------------------------------------------------------------------------------
 
-class ListTask : public BranchTask {
+class ListTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return exchangeRequest(NEBSourceControlRequestListBranches, Peer::remote);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newExchangeRequest(workingCopy(), NEBSourceControlRequestListBranches, Peer::remote);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
 /// The request does not tell which branch is the current one.
 void ListTask::report(const Outcome& outcome, CommandOutput& output) {
-    const auto current = currentBranch();
+    const auto current = currentBranch(git());
     bool isCurrentListed = false;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
         const std::string whole = branchNameOf(record);
@@ -45,7 +46,7 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
             (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
     }
     if (!isCurrentListed) {
-        output.standardOutput += printable(whereInsteadOfBranch()) + "\n";
+        output.standardOutput += printable(describeHEAD(git())) + "\n";
     }
 }
 
@@ -62,13 +63,13 @@ constinit const Command listCommand{
 
 // ---- current ----------------------------------------------------------------------------------
 
-class CurrentTask : public BranchTask {
+class CurrentTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestOfType(NEBSourceControlRequestCurrentBranch);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestCurrentBranch);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
@@ -78,15 +79,15 @@ protected:
 void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
-    if (const auto branch = name.empty() ? currentBranch() : std::nullopt) {
+    if (const auto branch = name.empty() ? currentBranch(git()) : std::nullopt) {
         name = printable(*branch);
     }
-    if (const auto broken = name.empty() ? brokenReference("HEAD") : std::nullopt) {
+    if (const auto broken = name.empty() ? brokenReference(git(), "HEAD") : std::nullopt) {
         addFailure(output, failureWith(*broken));
         return;
     }
     if (name.empty()) {
-        addFailure(output, refusal(whereInsteadOfBranch(), exitFailed));
+        addFailure(output, refusal(describeHEAD(git()), exitFailed));
         return;
     }
     output.standardOutput = name + "\n";
@@ -106,13 +107,13 @@ constinit const Command currentCommand{
 
 // ---- create -----------------------------------------------------------------------------------
 
-class CreateTask : public BranchTask {
+class CreateTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
@@ -124,23 +125,23 @@ std::optional<CommandOutput> CreateTask::validate() {
         return std::nullopt;
     }
     if (!start) {
-        if (!isWithoutCommits()) {
+        if (!git().isWithoutCommits()) {
             return std::nullopt;
         }
-        const auto broken = brokenReference("HEAD");
+        const auto broken = brokenReference(git(), "HEAD");
         return broken ? failureWith(*broken)
                       : refusal("There is no commit yet at which a branch could start.", exitFailed,
-                                NEBSourceControlNoCommitsYetErrorClass.text());
+                                NEBSourceControlNoCommitsYetErrorClass);
     }
     const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
-    return !isForGit && askForCommit(*start).status.exitStatus() == 1
-               ? std::optional(refusalOfUnknownRevision(*start))
+    return !isForGit && git().isUnknownRevision(*start)
+               ? std::optional(refusalOfUnknownRevision(git(), *start))
                : std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestCreateBranch);
-    request->destination = word(nameWord);
+std::shared_ptr<NEBSourceControlRequest> CreateTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestCreateBranch);
+    request->destination = argument(nameWord);
     if (const auto start = arguments().value("START")) {
         request->options.emplace();
         request->options->set(NEBSourceControlRequestOptionSourceLocation, *start);
@@ -149,9 +150,10 @@ std::shared_ptr<NEBSourceControlRequest> CreateTask::request() {
 }
 
 void CreateTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const auto tracking = trackingOf(word(nameWord));
-    output.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
-                            (tracking ? ", which tracks " + shown(*tracking) : "") + ".\n";
+    const auto tracking = trackedBranchOf(git(), argument(nameWord));
+    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameWord))) +
+                            (tracking ? ", which tracks " + shownBranch(git(), *tracking) : "") +
+                            ".\n";
 }
 
 constexpr Parameter createParameters[] = {
@@ -176,19 +178,17 @@ constinit const Command createCommand{
 
 // ---- delete -----------------------------------------------------------------------------------
 
-class DeleteTask : public BranchTask {
+class DeleteTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
-    std::string adviceAfter(const NEBSourceControlError& error) const override;
+    std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
-    static constexpr std::string_view localBranches = "refs/heads/";
-
     std::string _name;
     std::optional<std::string> _commit;
 };
@@ -196,20 +196,22 @@ private:
 /// With its commit, a branch that was deleted by mistake can be made again. "@{-1}" stands for the
 /// name of a branch.
 std::optional<CommandOutput> DeleteTask::validate() {
-    _name = word(nameWord);
+    _name = argument(nameWord);
     if (_name.starts_with("@{")) {
         const std::string whole =
-            answer({"rev-parse", "--symbolic-full-name", "--verify", "--quiet", _name})
+            git()
+                .outputOf({"rev-parse", "--symbolic-full-name", "--verify", "--quiet", _name})
                 .value_or("");
-        _name = whole.starts_with(localBranches) ? whole.substr(localBranches.size()) : _name;
+        _name =
+            whole.starts_with(localBranchPrefix) ? whole.substr(localBranchPrefix.size()) : _name;
     }
-    _commit = answer({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
-                      std::string(localBranches) + _name});
+    _commit = git().outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
+                              std::string(localBranchPrefix) + _name});
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> DeleteTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestDeleteBranch);
+std::shared_ptr<NEBSourceControlRequest> DeleteTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestDeleteBranch);
     request->destination = _name;
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionForce, arguments().has("--force"));
@@ -221,7 +223,7 @@ void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
                             (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
 }
 
-std::string DeleteTask::adviceAfter(const NEBSourceControlError& error) const {
+std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
                ? "\"nebsc branch delete --force\" deletes it all the same.\n"
                : "";

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -49,39 +50,36 @@ public:
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    [[nodiscard]] std::string branch() const { return arguments().value("BRANCH").value_or(""); }
+    [[nodiscard]] std::string branch() const { return argument("BRANCH"); }
     [[nodiscard]] bool isBranchOfRemote();
-    [[nodiscard]] bool isTracked();
     [[nodiscard]] std::string whereNow();
 };
 
 bool CheckoutTask::isBranchOfRemote() {
     const std::string names =
         "\n" +
-        answer({"for-each-ref", "--format=%(refname:lstrip=3)", "refs/remotes"}).value_or("") +
+        git()
+            .outputOf({"for-each-ref", "--format=%(refname:lstrip=3)", "refs/remotes"})
+            .value_or("") +
         "\n";
     return names.find("\n" + branch() + "\n") != std::string::npos;
-}
-
-bool CheckoutTask::isTracked() {
-    return answer({"ls-files", "-z", "--", branch()}).has_value();
 }
 
 /// git takes a destination that is no revision, but the name of a file, for the wish to have that
 /// file back as it was, and throws its changes away.
 std::optional<CommandOutput> CheckoutTask::validate() {
-    if (!place().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
-        askForCommit(branch()).status.isSuccess()) {
+    if (!workingCopy().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
+        git().isCommit(branch())) {
         return std::nullopt;
     }
-    if (const auto broken = brokenReference(branch())) {
+    if (const auto broken = brokenReference(git(), branch())) {
         return failureWith(*broken);
     }
-    const bool isOnDisk = isAnythingAt(pathByAppendingComponent(place().location, branch()));
+    const bool isOnDisk = isAnythingAt(pathByAppendingComponent(workingCopy().location, branch()));
     const std::string name = inQuotes(branch());
     if (isBranchOfRemote()) {
         return isOnDisk ? std::optional(refusal(
@@ -92,26 +90,26 @@ std::optional<CommandOutput> CheckoutTask::validate() {
                         : std::nullopt;
     }
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
-    if (isOnDisk || isTracked() || (asTyped.path && isAnythingAt(*asTyped.path))) {
+    if (isOnDisk || git().isTracked(branch()) || (asTyped.path && isAnythingAt(*asTyped.path))) {
         return refusal(name +
                            " is no branch or revision but a file or folder; \"nebsc revert\" "
                            "throws away its changes.",
-                       exitFailed, NEBSourceControlRevisionUnknownErrorClass.text());
+                       exitFailed, NEBSourceControlRevisionUnknownErrorClass);
     }
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> CheckoutTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestCheckout);
+std::shared_ptr<NEBSourceControlRequest> CheckoutTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestCheckout);
     request->destination = branch();
     return request;
 }
 
 std::string CheckoutTask::whereNow() {
-    if (const auto name = answer({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
+    if (const auto name = git().outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
         return "Now on " + printable(*name) + ".\n";
     }
-    const auto commit = latestCommit();
+    const auto commit = git().headCommit();
     return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "";
 }
 
@@ -121,7 +119,7 @@ void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
         output.standardError = unusualLines(notice.string().value_or(""));
     }
     output.standardOutput = whereNow();
-    noteConflicts(output, "Local changes are in conflict with what was checked out, in:", {});
+    addConflicts(output, git(), "Local changes are in conflict with what was checked out, in:");
 }
 
 constexpr Parameter parameters[] = {

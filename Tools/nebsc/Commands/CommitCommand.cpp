@@ -28,12 +28,12 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-std::shared_ptr<NEBSourceControlRequest> CommitTask::request() {
-    auto request = requestAbout(NEBSourceControlRequestCommit, paths("FILE"));
+std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestCommit, paths("FILE"));
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionMessage,
                           messageOf(arguments().all("--message")));
@@ -50,8 +50,8 @@ void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
     const auto word =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
                   : std::nullopt;
-    const auto revision =
-        word && isAbbreviatedRevision(*word) ? std::optional(std::string(*word)) : latestCommit();
+    const auto revision = word && isAbbreviatedRevision(*word) ? std::optional(std::string(*word))
+                                                               : git().headCommit();
     if (revision) {
         output.standardOutput = "Committed " + printable(*revision) + ".\n";
     }

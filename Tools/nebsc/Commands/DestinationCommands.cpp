@@ -17,57 +17,37 @@ namespace {
 constexpr std::string_view file = "FILE";
 constexpr std::string_view destination = "DEST";
 
-bool isFolder(const std::string& path) {
-    std::error_code ignored;
-    return fs::is_directory(fs::status(path, ignored));
+/// Refuses "a/" where there is no folder "a": the name of a file must not end with "/".
+std::optional<CommandOutput> refusalOfFolderArgument(const std::string& argument,
+                                                     const std::string& path) {
+    return argument.ends_with('/') && !isFolder(path)
+               ? std::optional(refusalOfMissingFolder(argument))
+               : std::nullopt;
 }
 
-class DestinationTask : public CommandTask {
+/// What is created and then staged must be new, and in the working copy.
+std::optional<CommandOutput> refusalOfNewPath(const GitQueries& git, const std::string& path) {
+    if (auto refused = refusalOutsideWorkingCopy(git)) {
+        return refused;
+    }
+    if (!liesWithin(path, git.workingCopy().location)) {
+        return refusal(inQuotes(path) + " lies outside the working copy " +
+                           inQuotes(git.workingCopy().location) + "; nothing was done.",
+                       exitFailed, NEBSourceControlPathOutsideErrorClass);
+    }
+    return refusalOfExisting(git.workingCopy(), path);
+}
+
+// ---- mv ---------------------------------------------------------------------------------------
+
+class MoveTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
 
 protected:
-    /// What was typed as the destination.
-    [[nodiscard]] std::string word(std::string_view parameter) const {
-        return arguments().value(parameter).value_or("");
-    }
-    /// "a/" means a folder, where "a" may be a name to come.
-    [[nodiscard]] std::optional<CommandOutput> refusalOfMissingFolder() const {
-        if (word(destination).ends_with('/') && !isFolder(paths(destination).front())) {
-            return refusal("There is no folder " + inQuotes(word(destination)) + ".", exitFailed,
-                           NEBSourceControlDestinationMissingErrorClass);
-        }
-        return std::nullopt;
-    }
-    /// What is made in the file system and then staged must be new, and in the working copy.
-    [[nodiscard]] std::optional<CommandOutput> refusalOfPlace(const std::string& path) {
-        if (auto refused = refusalWithoutWorkingCopy()) {
-            return refused;
-        }
-        if (!liesWithin(path, place().location)) {
-            return refusal(inQuotes(path) + " lies outside the working copy " +
-                               inQuotes(place().location) + "; nothing was done.",
-                           exitFailed, NEBSourceControlPathOutsideErrorClass);
-        }
-        if (isAnythingAt(path)) {
-            return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
-                               " already; nothing was done.",
-                           exitFailed, NEBSourceControlDestinationExistsErrorClass);
-        }
-        return std::nullopt;
-    }
-};
-
-// ---- mv ---------------------------------------------------------------------------------------
-
-class MoveTask : public DestinationTask {
-public:
-    using DestinationTask::DestinationTask;
-
-protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        auto request = requestAbout(NEBSourceControlRequestMove, paths(file));
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        auto request = newRequest(NEBSourceControlRequestMove, paths(file));
         request->destination = paths(destination).front();
         return request;
     }
@@ -75,12 +55,11 @@ protected:
 
 std::optional<CommandOutput> MoveTask::validate() {
     const std::string& source = paths(file).front();
-    if (place().isWorkingCopy && !isAnythingAt(source) &&
-        !answer({"ls-files", "-z", "--", source})) {
-        return refusal("There is no file or folder " + inQuotes(word(file)) + ".", exitFailed,
+    if (workingCopy().isWorkingCopy && !isAnythingAt(source) && !git().isTracked(source)) {
+        return refusal("There is no file or folder " + inQuotes(argument(file)) + ".", exitFailed,
                        NEBSourceControlPathUnknownErrorClass);
     }
-    return refusalOfMissingFolder();
+    return refusalOfFolderArgument(argument(destination), paths(destination).front());
 }
 
 constexpr Parameter moveParameters[] = {
@@ -90,14 +69,14 @@ constexpr Parameter moveParameters[] = {
 
 // ---- cp ---------------------------------------------------------------------------------------
 
-class CopyTask : public DestinationTask {
+class CopyTask : public CommandTask {
 public:
-    using DestinationTask::DestinationTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    Silence silence() const override { return Silence::irrelevant; }
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    SilentFailure silentFailure() const override { return SilentFailure::isIgnored; }
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
@@ -105,7 +84,7 @@ private:
 };
 
 std::optional<CommandOutput> CopyTask::validate() {
-    if (auto refused = refusalOfMissingFolder()) {
+    if (auto refused = refusalOfFolderArgument(argument(destination), paths(destination).front())) {
         return refused;
     }
     _copy = paths(destination).front();
@@ -113,19 +92,20 @@ std::optional<CommandOutput> CopyTask::validate() {
         std::error_code ignored;
         _copy = fs::canonical(_copy, ignored) / fs::path(paths(file).front()).filename();
     }
-    return refusalOfPlace(_copy);
+    return refusalOfNewPath(git(), _copy);
 }
 
-std::shared_ptr<NEBSourceControlRequest> CopyTask::request() {
-    auto request = requestAbout(NEBSourceControlRequestCopy, paths(file));
+std::shared_ptr<NEBSourceControlRequest> CopyTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestCopy, paths(file));
     request->destination = _copy;
     return request;
 }
 
 /// The request stages beside the copying, and so perhaps too early; what a person asks for is sure.
 void CopyTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const RequestResult staging = perform(requestAbout(NEBSourceControlRequestAddFiles, {_copy}));
-    if (noteFailure(output, *staging.outcome, Silence::failure)) {
+    const RequestResult staging =
+        performRequest(newRequest(NEBSourceControlRequestAddFiles, {_copy}));
+    if (addFailureOf(*staging.outcome, SilentFailure::isError, output)) {
         output.standardError += "The copy was made all the same; it is not staged.\n";
     }
 }
@@ -138,21 +118,21 @@ constexpr Parameter copyParameters[] = {
 
 // ---- mkdir ------------------------------------------------------------------------------------
 
-class MakeDirectoryTask : public DestinationTask {
+class MakeDirectoryTask : public CommandTask {
 public:
-    using DestinationTask::DestinationTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override {
-        return refusalOfPlace(paths("DIR").front());
+        return refusalOfNewPath(git(), paths("DIR").front());
     }
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        auto request = requestOfType(NEBSourceControlRequestMakeDirectory);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        auto request = newRequest(NEBSourceControlRequestMakeDirectory);
         request->destination = paths("DIR").front();
         return request;
     }
     /// A new folder is empty: there is nothing that could have been staged.
-    Silence silence() const override { return Silence::irrelevant; }
+    SilentFailure silentFailure() const override { return SilentFailure::isIgnored; }
 };
 
 constexpr Parameter makeDirectoryParameters[] = {

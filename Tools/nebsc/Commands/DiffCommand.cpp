@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "CommandFrame/NameStatusQuery.h"
+#include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -65,49 +66,51 @@ std::string shownPatch(std::string_view patch, bool isColoured) {
     return lines;
 }
 
-class DiffTask : public HistoryTask {
+class DiffTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    RequestResult carryOut() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] bool isFromCommonAncestor() const {
-        return arguments().has("--common-ancestor") || _words.dots == "...";
+        return arguments().has("--common-ancestor") || _named.dots == "...";
     }
     void restoreBytes(const Outcome& outcome, CommandOutput& output);
     void noteFilesNotCompared(CommandOutput& output);
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
 
-    Words _words;
+    RevisionArguments _named;
     /// Of --name-status.
     std::vector<NameStatusEntry> _entries;
 };
 
 std::optional<CommandOutput> DiffTask::validate() {
-    _words = readWords(2, std::numeric_limits<std::size_t>::max());
-    if (_words.refused) {
-        return _words.refused;
+    _named = readRevisionArguments(
+        git(), arguments(), {.revisions = 2, .files = std::numeric_limits<std::size_t>::max()});
+    if (_named.refused) {
+        return _named.refused;
     }
-    if (arguments().has("--common-ancestor") && _words.revisions.size() < 2) {
+    if (arguments().has("--common-ancestor") && _named.revisions.size() < 2) {
         return refusal("--common-ancestor needs two revisions.", exitNotUnderstood);
     }
-    if (_words.revisions.empty()) {
-        if (const std::string head = unmistakable("HEAD"); head != "HEAD") {
-            _words.revisions.push_back(head);
+    if (_named.revisions.empty()) {
+        if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
+            _named.revisions.push_back(head);
         }
-        return refusalWithoutCommits();
+        return refusalWithoutCommits(git());
     }
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
-    auto request = requestAboutWords(NEBSourceControlRequestDiff, _words);
+std::shared_ptr<NEBSourceControlRequest> DiffTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestDiff);
+    _named.copyTo(*request);
     NEBDictionary options;
     if (arguments().has("--name-status")) {
         options.set(NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true);
@@ -120,12 +123,12 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::request() {
 }
 
 /// A program gets the request's outcome, a person names as they are.
-RequestResult DiffTask::carryOut() {
+RequestResult DiffTask::perform() {
     if (isJSON() || !arguments().has("--name-status")) {
-        return perform(request());
+        return performRequest(makeRequest());
     }
-    NameStatusQuery query(request(), isFromCommonAncestor() ? "..." : "..");
-    RequestResult requestResult = perform(query);
+    NameStatusQuery query(makeRequest(), isFromCommonAncestor() ? "..." : "..");
+    RequestResult requestResult = performOperation(query);
     _entries = query.entries();
     return requestResult;
 }
@@ -158,22 +161,22 @@ void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
         output.standardOutput.find(replacement) == std::string::npos) {
         return;
     }
-    const ChildOutcome patch = ask(outcome.command->arguments);
+    const ChildOutcome patch = git().run(outcome.command->arguments);
     if (patch.status.isSuccess()) {
         output.standardOutput = std::string(patch.output);
     } else {
-        addFailure(output, failureOf(patch));
+        addFailure(output, failureOfQuery(git(), patch));
     }
 }
 
 /// git ignores an unknown file and prints no message.
 void DiffTask::noteFilesNotCompared(CommandOutput& output) {
-    if (isJSON() || _words.revisions.size() > 1) {
+    if (isJSON() || _named.revisions.size() > 1) {
         return;
     }
-    const std::string revision = _words.revisions.empty() ? "HEAD" : _words.revisions.front();
-    for (const std::string& file : _words.files) {
-        if (answer({"ls-files", "-z", "--", file}) || typeOfEntry(revision, file) != "") {
+    const std::string revision = _named.revisions.empty() ? "HEAD" : _named.revisions.front();
+    for (const std::string& file : _named.files) {
+        if (git().isTracked(file) || git().typeOfEntry(revision, file) != "") {
             continue;
         }
         const std::string name = inQuotes(shown(file));

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -15,36 +15,30 @@ namespace {
 constexpr std::string_view remoteWord = "REMOTE";
 constexpr std::string_view subversionFlag = "--svn";
 
-/// What both commands say of their words.
-class ExchangeTask : public BranchTask {
-public:
-    using BranchTask::BranchTask;
-
-protected:
-    [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
-    /// The reply where the words are too few or too many, as told by `expected`, or where there is
-    /// no Subversion repository to talk to.
-    [[nodiscard]] std::optional<CommandOutput> refusalOfWords(bool areComplete, bool areNone,
-                                                              std::string_view expected) {
-        if (isSubversion() ? !areNone : !areComplete) {
-            return refusal(expected, exitNotUnderstood);
-        }
-        return isSubversion() ? refusalWithoutSubversion() : std::nullopt;
+/// Refuses too few or too many arguments, with the message `expected`, and --svn where no
+/// Subversion repository is connected.
+std::optional<CommandOutput> refusalOfExchange(const GitQueries& git, bool isSubversion,
+                                               bool isComplete, bool isEmpty,
+                                               std::string_view expected) {
+    if (isSubversion ? !isEmpty : !isComplete) {
+        return refusal(expected, exitNotUnderstood);
     }
-};
+    return isSubversion ? refusalWithoutSubversion(git) : std::nullopt;
+}
 
 // ---- fetch ------------------------------------------------------------------------------------
 
-class FetchTask : public ExchangeTask {
+class FetchTask : public CommandTask {
 public:
-    using ExchangeTask::ExchangeTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
+    [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
     /// The commits of all that a fetch brings up to date, by "origin/main" or "tag v1.0".
     using References = std::map<std::string, std::string>;
 
@@ -58,11 +52,11 @@ private:
 FetchTask::References FetchTask::references() {
     References references;
     for (const std::string& line :
-         answerLines({"for-each-ref",
-                      "--format=%(if)%(symref)%(then)%(else)%(objectname) "
-                      "%(if:equals=refs/tags)%(refname:rstrip=-2)%(then)tag "
-                      "%(end)%(refname:lstrip=2)%(end)",
-                      "refs/remotes", "refs/tags"})) {
+         git().linesOf({"for-each-ref",
+                        "--format=%(if)%(symref)%(then)%(else)%(objectname) "
+                        "%(if:equals=refs/tags)%(refname:rstrip=-2)%(then)tag "
+                        "%(end)%(refname:lstrip=2)%(end)",
+                        "refs/remotes", "refs/tags"})) {
         const std::size_t blank = line.find(' ');
         if (blank != std::string::npos) {
             references[line.substr(blank + 1)] = line.substr(0, blank);
@@ -74,18 +68,19 @@ FetchTask::References FetchTask::references() {
 std::optional<CommandOutput> FetchTask::validate() {
     const bool hasRemote = arguments().has(remoteWord);
     if (auto refused =
-            refusalOfWords(hasRemote, !hasRemote,
-                           "Either a remote or --svn was expected (see nebsc fetch --help).")) {
+            refusalOfExchange(git(), isSubversion(), hasRemote, !hasRemote,
+                              "Either a remote or --svn was expected (see nebsc fetch --help).")) {
         return refused;
     }
-    _remote = isSubversion() ? "Subversion" : remoteOrLocation(word(remoteWord));
+    _remote = isSubversion() ? "Subversion" : remoteOrLocation(git(), argument(remoteWord));
     _before = references();
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> FetchTask::request() {
-    return isSubversion() ? exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion)
-                          : fetchRequest(_remote);
+std::shared_ptr<NEBSourceControlRequest> FetchTask::makeRequest() {
+    return isSubversion()
+               ? newExchangeRequest(workingCopy(), NEBSourceControlRequestFetch, Peer::subversion)
+               : newFetchRequest(workingCopy(), _remote);
 }
 
 /// The outcome does not say what came.
@@ -107,7 +102,7 @@ void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     }
     if (!lines.empty()) {
         output.standardOutput = from + ":\n" + lines;
-    } else if (isSubversion() || isRemote(_remote)) {
+    } else if (isSubversion() || isRemote(git(), _remote)) {
         output.standardOutput = from + "; there is nothing new.\n";
     } else {
         output.standardOutput = from + "; its latest commit is FETCH_HEAD here.\n";
@@ -121,22 +116,24 @@ constexpr Parameter fetchParameters[] = {
 
 // ---- push -------------------------------------------------------------------------------------
 
-class PushTask : public ExchangeTask {
+class PushTask : public CommandTask {
 public:
-    using ExchangeTask::ExchangeTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
-    std::string sentenceFor(const NEBSourceControlError& error) const override {
+    std::string textFor(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlNothingToPushFromErrorClass
                    ? "There is no branch " + inQuotes(_local) + " here to push."
                    : "";
     }
-    std::string adviceAfter(const NEBSourceControlError& error) const override;
+    std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
+    [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
+
     std::string _remote;
     std::string _local;
     std::string _there;
@@ -148,17 +145,18 @@ std::optional<CommandOutput> PushTask::validate() {
     constexpr std::string_view branches = "BRANCHES";
     const bool hasRemote = arguments().has(remoteWord);
     const bool hasBranches = arguments().has(branches);
-    if (auto refused = refusalOfWords(hasRemote && hasBranches, !hasRemote && !hasBranches,
-                                      "Either a remote and LOCAL:THERE or --svn was expected (see "
-                                      "nebsc push --help).")) {
+    if (auto refused = refusalOfExchange(
+            git(), isSubversion(), hasRemote && hasBranches, !hasRemote && !hasBranches,
+            "Either a remote and LOCAL:THERE or --svn was expected (see "
+            "nebsc push --help).")) {
         return refused;
     }
-    _commitBefore = latestCommit();
+    _commitBefore = git().headCommit();
     if (isSubversion()) {
         return std::nullopt;
     }
-    _remote = remoteOrLocation(word(remoteWord));
-    const std::string text = word(branches);
+    _remote = remoteOrLocation(git(), argument(remoteWord));
+    const std::string text = argument(branches);
     const std::size_t colon = text.find(':');
     _local = text.substr(0, colon);
     _there = colon == std::string::npos ? _local : text.substr(colon + 1);
@@ -169,11 +167,11 @@ std::optional<CommandOutput> PushTask::validate() {
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> PushTask::request() {
+std::shared_ptr<NEBSourceControlRequest> PushTask::makeRequest() {
     if (isSubversion()) {
-        return exchangeRequest(NEBSourceControlRequestPush, Peer::subversion);
+        return newExchangeRequest(workingCopy(), NEBSourceControlRequestPush, Peer::subversion);
     }
-    auto request = exchangeRequest(NEBSourceControlRequestPush, Peer::remote);
+    auto request = newExchangeRequest(workingCopy(), NEBSourceControlRequestPush, Peer::remote);
     request->destination = _there;
     request->options->set(NEBSourceControlRequestOptionRemoteName, _remote);
     request->options->set(NEBSourceControlRequestOptionBranch, _local);
@@ -197,7 +195,7 @@ std::string wordsOfRemote(std::string_view words) {
 /// Over the bridge, git makes the commits anew as Subversion has them.
 void PushTask::report(const Outcome& outcome, CommandOutput& output) {
     if (isSubversion()) {
-        const auto commit = latestCommit();
+        const auto commit = git().headCommit();
         output.standardOutput = commit && commit != _commitBefore
                                     ? "Pushed to Subversion; now at " + printable(*commit) + ".\n"
                                     : "There is nothing to push: Subversion has all commits.\n";
@@ -217,7 +215,7 @@ void PushTask::report(const Outcome& outcome, CommandOutput& output) {
     output.standardError = wordsOfRemote(words);
 }
 
-std::string PushTask::adviceAfter(const NEBSourceControlError& error) const {
+std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
     if (error.code != NEBSourceControlRemoteAheadError) {
         return {};
     }

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
@@ -22,27 +22,20 @@ namespace {
 
 constexpr std::string_view destination = "DEST";
 
-bool isFolder(const std::string& path) {
-    std::error_code ignored;
-    return fs::is_directory(fs::status(path, ignored));
-}
-
 // ---- export -----------------------------------------------------------------------------------
 
-class ExportTask : public HistoryTask {
+class ExportTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void finish(Outcome& outcome) override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
-    [[nodiscard]] std::string revision() const {
-        return arguments().value("REVISION").value_or("");
-    }
+    [[nodiscard]] std::string revision() const { return argument("REVISION"); }
     [[nodiscard]] const std::string& file() const { return paths("FILE").front(); }
     [[nodiscard]] std::optional<CommandOutput> refusalOfSource();
     [[nodiscard]] std::optional<CommandOutput> chooseTarget();
@@ -53,13 +46,13 @@ private:
 
 /// The request's own error does not tell a missing revision from a missing file.
 std::optional<CommandOutput> ExportTask::refusalOfSource() {
-    if (auto refused = refusalOfRevision(revision())) {
+    if (auto refused = refusalOfRevision(git(), revision())) {
         return refused;
     }
-    if (!revision().starts_with('-') && typeOfEntry(revision(), file()) == "") {
-        return refusal("There is no file " + inQuotes(arguments().value("FILE").value_or("")) +
-                           " at the revision " + inQuotes(revision()) + ".",
-                       exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+    if (!revision().starts_with('-') && git().typeOfEntry(revision(), file()) == "") {
+        return refusal("There is no file " + inQuotes(argument("FILE")) + " at the revision " +
+                           inQuotes(revision()) + ".",
+                       exitFailed, NEBSourceControlPathUnknownErrorClass);
     }
     return std::nullopt;
 }
@@ -67,20 +60,17 @@ std::optional<CommandOutput> ExportTask::refusalOfSource() {
 /// The request takes whatever is at its destination for the export, and can write under no other
 /// name than the file's own. So it writes into a folder that is made for it.
 std::optional<CommandOutput> ExportTask::chooseTarget() {
-    const std::string word = arguments().value(destination).value_or("");
+    const std::string word = argument(destination);
     std::string path = paths(destination).front();
     if (isFolder(path)) {
         path = pathByAppendingComponent(path, lastPathComponent(file()));
     } else if (word.ends_with('/')) {
-        return refusal("There is no folder " + inQuotes(word) + ".", exitFailed,
-                       NEBSourceControlDestinationMissingErrorClass);
+        return refusalOfMissingFolder(word);
     }
-    if (isAnythingAt(path)) {
-        return refusal("There is a file or folder " + inQuotes(pathAsSeenFrom(place(), path)) +
-                           " already; nothing was done.",
-                       exitFailed, NEBSourceControlDestinationExistsErrorClass);
+    if (auto refused = refusalOfExisting(workingCopy(), path)) {
+        return refused;
     }
-    if (auto refused = refusalInsideRepository(path)) {
+    if (auto refused = refusalInsideGitFolder(git(), path)) {
         return refused;
     }
     _target.emplace(path, lastPathComponent(file()));
@@ -91,13 +81,13 @@ std::optional<CommandOutput> ExportTask::chooseTarget() {
 }
 
 std::optional<CommandOutput> ExportTask::validate() {
-    if (auto refused = refusalWithoutWorkingCopy()) {
+    if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
-    if (auto refused = refusalOfPathOutside(file())) {
+    if (auto refused = refusalOfPathOutside(git(), file())) {
         return refused;
     }
-    if (file() == place().location) {
+    if (file() == workingCopy().location) {
         return refusal(
             "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
             "all of its files.",
@@ -109,8 +99,8 @@ std::optional<CommandOutput> ExportTask::validate() {
     return paths(destination).empty() ? std::nullopt : chooseTarget();
 }
 
-std::shared_ptr<NEBSourceControlRequest> ExportTask::request() {
-    auto request = requestAbout(
+std::shared_ptr<NEBSourceControlRequest> ExportTask::makeRequest() {
+    auto request = newRequest(
         _target ? NEBSourceControlRequestExport : NEBSourceControlRequestExportFiles, {file()});
     request->startingRevision = revision();
     if (_target) {
@@ -153,13 +143,13 @@ constexpr Parameter exportParameters[] = {
 
 // ---- export-tree ------------------------------------------------------------------------------
 
-class ExportTreeTask : public HistoryTask {
+class ExportTreeTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
@@ -169,15 +159,15 @@ private:
     /// git would write to where a link leads in any case.
     [[nodiscard]] bool isWorkingCopy() const {
         std::error_code failure;
-        return fs::equivalent(folder(), place().location, failure) && !failure;
+        return fs::equivalent(folder(), workingCopy().location, failure) && !failure;
     }
 };
 
 std::optional<CommandOutput> ExportTreeTask::validate() {
-    if (auto refused = refusalWithoutWorkingCopy()) {
+    if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
-    const std::string name = inQuotes(arguments().value(destination).value_or(""));
+    const std::string name = inQuotes(argument(destination));
     if (isWorkingCopy()) {
         return refusal(name +
                            " is the working copy itself; nothing was written. \"nebsc revert\" "
@@ -188,7 +178,7 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
         return refusal(name + " is no folder; nothing was written.", exitFailed,
                        NEBSourceControlDestinationExistsErrorClass);
     }
-    if (auto refused = refusalInsideRepository(folder())) {
+    if (auto refused = refusalInsideGitFolder(git(), folder())) {
         return refused;
     }
     std::error_code failure;
@@ -207,12 +197,12 @@ std::optional<CommandOutput> ExportTreeTask::refusalOfFolderInTheWay() {
     if (!isFolder(folder())) {
         return std::nullopt;
     }
-    for (const std::string& entry : textsBetweenNULs(ask({"ls-files", "--stage", "-z"}).output)) {
+    for (const std::string& entry :
+         textsBetweenNULs(git().run({"ls-files", "--stage", "-z"}).output)) {
         const std::string path =
             pathByAppendingComponent(folder(), entry.substr(entry.find('\t') + 1));
-        std::error_code ignored;
         const bool isSubmodule = entry.starts_with("160000 ");
-        if (!isSubmodule && fs::is_directory(fs::symlink_status(path, ignored))) {
+        if (!isSubmodule && isFolderItself(path)) {
             return refusal("There is a folder " + inQuotes(path) +
                                " where a file of the index is to be; nothing was written.",
                            exitFailed, NEBSourceControlDestinationExistsErrorClass);
@@ -221,8 +211,8 @@ std::optional<CommandOutput> ExportTreeTask::refusalOfFolderInTheWay() {
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> ExportTreeTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestExportTree);
+std::shared_ptr<NEBSourceControlRequest> ExportTreeTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestExportTree);
     request->startingRevision = "HEAD";
     request->destination = folder();
     return request;
@@ -233,19 +223,19 @@ void ExportTreeTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
         isAnythingAt(folder())
             ? "Wrote the files of the index to " + printable(inQuotes(folder())) + ".\n"
             : "The index has no files; nothing was written.\n";
-    noteConflicts(output, "These files are in conflict and were not written:", {});
+    addConflicts(output, git(), "These files are in conflict and were not written:");
     noteSparseFiles(output);
 }
 
 /// git leaves out, without a word, what a sparse checkout leaves out.
 void ExportTreeTask::noteSparseFiles(CommandOutput& output) {
-    const ChildOutcome outcome = ask({"ls-files", "-t", "-z"});
+    const ChildOutcome outcome = git().run({"ls-files", "-t", "-z"});
     const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
     const auto count = std::count_if(entries.begin(), entries.end(), [](const std::string& entry) {
         return entry.starts_with("S ");
     });
     if (!outcome.status.isSuccess()) {
-        addFailure(output, failureOf(outcome));
+        addFailure(output, failureOfQuery(git(), outcome));
     } else if (count > 0) {
         const std::string files = count == 1 ? "One file" : std::to_string(count) + " files";
         addFailure(output, refusal(files + " of the index outside the sparse checkout " +

@@ -25,9 +25,9 @@ protected:
                                            "--help).",
                                            exitNotUnderstood));
     }
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return isAll() ? requestOfType(NEBSourceControlRequestAdd)
-                       : requestAbout(NEBSourceControlRequestAddFiles, paths(files));
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return isAll() ? newRequest(NEBSourceControlRequestAdd)
+                       : newRequest(NEBSourceControlRequestAddFiles, paths(files));
     }
 
 private:
@@ -49,8 +49,8 @@ public:
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestAbout(NEBSourceControlRequestRemove, paths(files));
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestRemove, paths(files));
     }
 };
 
@@ -66,9 +66,9 @@ std::optional<CommandOutput> RemoveTask::validate() {
                                       "--ignore-submodules=none",
                                       "--"};
     question.insert(question.end(), paths(files).begin(), paths(files).end());
-    const ChildOutcome status = ask(std::move(question));
+    const ChildOutcome status = git().run(std::move(question));
     if (!status.status.isSuccess()) {
-        return failureOf(status);
+        return failureOfQuery(git(), status);
     }
     std::vector<std::string> changed;
     for (const std::string& line : textsBetweenNULs(status.output)) {
@@ -81,7 +81,8 @@ std::optional<CommandOutput> RemoveTask::validate() {
     if (changed.empty()) {
         return std::nullopt;
     }
-    CommandOutput refused = refusalAbout(
+    CommandOutput refused = refusalAboutFiles(
+        workingCopy(),
         "Nothing was removed, as changes that are not committed would be lost:", changed,
         NEBSourceControlLocalChangesErrorClass);
     refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
@@ -100,8 +101,8 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestAbout(NEBSourceControlRequestRevert, paths(files));
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestRevert, paths(files));
     }
 };
 

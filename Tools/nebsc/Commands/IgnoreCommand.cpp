@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
@@ -64,40 +64,34 @@ int appendLines(const std::string& path, const std::string& lines) {
     return writeAll(file.get(), last == '\n' ? lines : "\n" + lines);
 }
 
-class IgnoreTask : public HistoryTask {
+class IgnoreTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestAbout(NEBSourceControlRequestIgnore, paths(files));
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestIgnore, paths(files));
     }
     void finish(Outcome& outcome) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOf(const std::string& path);
-    /// This git takes no pattern for one, and cannot be told so.
-    [[nodiscard]] bool isIgnored(const std::string& path) {
-        return runGit(interruption(), trace(), {"check-ignore", "--quiet", "--", path},
-                      place().location)
-            .status.isSuccess();
-    }
 
     /// What is to be written, with line ends.
     std::string _lines;
 };
 
 std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
-    if (auto refused = refusalOfPathOutside(path)) {
+    if (auto refused = refusalOfPathOutside(git(), path)) {
         return refused;
     }
-    if (auto refused = refusalInsideRepository(path)) {
+    if (auto refused = refusalInsideGitFolder(git(), path)) {
         return refused;
     }
-    const std::string name = inQuotes(pathAsSeenFrom(place(), path));
-    if (path == place().location) {
+    const std::string name = inQuotes(pathAsSeen(workingCopy(), path));
+    if (path == workingCopy().location) {
         return refusal("The whole working copy cannot be ignored.", exitFailed,
                        NEBSourceControlPathInvalidErrorClass);
     }
@@ -106,7 +100,7 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
             "The name " + name + " holds a line end, so no list of ignored files can hold it.",
             exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
-    if (answer({"ls-files", "-z", "--", path})) {
+    if (git().isTracked(path)) {
         CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
                                        exitFailed, NEBSourceControlPathInvalidErrorClass);
         output.standardError +=
@@ -117,7 +111,7 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
 }
 
 std::optional<CommandOutput> IgnoreTask::validate() {
-    if (auto refused = refusalWithoutWorkingCopy()) {
+    if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
     for (const std::string& path : paths(files)) {
@@ -126,11 +120,8 @@ std::optional<CommandOutput> IgnoreTask::validate() {
         }
     }
     for (const std::string& path : paths(files)) {
-        std::error_code ignored;
-        if (!isIgnored(path)) {
-            _lines +=
-                lineFor(pathFromTop(path), fs::is_directory(fs::symlink_status(path, ignored))) +
-                "\n";
+        if (!git().isIgnored(path)) {
+            _lines += lineFor(pathFromTop(workingCopy(), path), isFolderItself(path)) + "\n";
         }
     }
     return std::nullopt;
@@ -138,7 +129,7 @@ std::optional<CommandOutput> IgnoreTask::validate() {
 
 /// The request itself changes nothing.
 void IgnoreTask::finish(Outcome& outcome) {
-    const std::string list = pathByAppendingComponent(place().location, ".gitignore");
+    const std::string list = pathByAppendingComponent(workingCopy().location, ".gitignore");
     if (const int failure = _lines.empty() ? 0 : appendLines(list, _lines); failure != 0) {
         outcome.error = NEBSourceControlErrorFromFileFailure(
             {failure,

@@ -14,10 +14,10 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestOfType(NEBSourceControlRequestInfo);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestInfo);
     }
-    Silence silence() const override { return Silence::answer; }
+    SilentFailure silentFailure() const override { return SilentFailure::isEmptyResult; }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
@@ -30,9 +30,8 @@ std::string line(std::string_view name, const NEBValue& value) {
 /// The question for a URL is answered by silence outside any repository too, and by the user's own
 /// configuration.
 void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
-        !repository.status.isSuccess()) {
-        output = failureOf(repository);
+    if (auto refused = refusalOutsideRepository(git())) {
+        output = *refused;
         return;
     }
     const NEBDictionary record =
@@ -40,7 +39,7 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     const NEBValue& url = record.value(NEBSourceControlOperationRemoteOriginKey);
     if (!url.isPresent()) {
         output.standardOutput = "The repository " +
-                                printable(inQuotes(lastPathComponent(place().location))) +
+                                printable(inQuotes(lastPathComponent(workingCopy().location))) +
                                 " has no remote \"origin\" and none of Subversion.\n";
         return;
     }

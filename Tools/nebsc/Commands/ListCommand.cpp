@@ -1,4 +1,5 @@
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RevisionArguments.h"
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -9,14 +10,14 @@ namespace neb::nebsc {
 namespace {
 
 /// Works in bare repositories too, where DIR is a folder of the commit as seen from the top.
-class ListTask : public HistoryTask {
+class ListTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    RequestResult carryOut() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
@@ -33,14 +34,13 @@ private:
 };
 
 std::optional<CommandOutput> ListTask::validate() {
-    if (const ChildOutcome repository = ask({"rev-parse", "--git-dir"});
-        !repository.status.isSuccess()) {
-        return failureOf(repository);
-    }
-    if (auto refused = refusalOfPathOutside(folder())) {
+    if (auto refused = refusalOutsideRepository(git())) {
         return refused;
     }
-    if (auto refused = refusalWithoutCommits()) {
+    if (auto refused = refusalOfPathOutside(git(), folder())) {
+        return refused;
+    }
+    if (auto refused = refusalWithoutCommits(git())) {
         return refused;
     }
     return refusalOfFolder();
@@ -48,7 +48,7 @@ std::optional<CommandOutput> ListTask::validate() {
 
 /// If git cannot look the folder up, the listing itself fails, with git's message.
 std::optional<CommandOutput> ListTask::refusalOfFolder() {
-    const std::string type = typeOfEntry("HEAD", folder()).value_or("tree");
+    const std::string type = git().typeOfEntry("HEAD", folder()).value_or("tree");
     if (type == "tree") {
         return std::nullopt;
     }
@@ -58,21 +58,21 @@ std::optional<CommandOutput> ListTask::refusalOfFolder() {
                            (type == "blob" ? "file." : "submodule."),
                        exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
-    const bool isOnDisk = place().isWorkingCopy && isAnythingAt(folder());
+    const bool isOnDisk = workingCopy().isWorkingCopy && isAnythingAt(folder());
     return refusal(isOnDisk ? name + " is on disk, but not in the latest commit."
                             : "There is no folder " + name +
-                                  (place().isWorkingCopy ? ", neither on disk nor" : "") +
+                                  (workingCopy().isWorkingCopy ? ", neither on disk nor" : "") +
                                   " in the latest commit.",
-                   exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+                   exitFailed, NEBSourceControlPathUnknownErrorClass);
 }
 
-std::shared_ptr<NEBSourceControlRequest> ListTask::request() {
-    return requestAbout(NEBSourceControlRequestList, {pathFromTop(folder())});
+std::shared_ptr<NEBSourceControlRequest> ListTask::makeRequest() {
+    return newRequest(NEBSourceControlRequestList, {pathFromTop(workingCopy(), folder())});
 }
 
-RequestResult ListTask::carryOut() {
-    TreeQuery query(request(), objectAt("HEAD", folder()));
-    RequestResult requestResult = perform(query);
+RequestResult ListTask::perform() {
+    TreeQuery query(makeRequest(), objectAt(git(), "HEAD", folder()));
+    RequestResult requestResult = performOperation(query);
     _entries = query.entries();
     return requestResult;
 }

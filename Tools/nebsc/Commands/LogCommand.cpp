@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
-#include "CommandFrame/HistoryTask.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -46,13 +47,13 @@ std::string subjectOf(std::string_view message) {
     return printable(subject);
 }
 
-class LogTask : public HistoryTask {
+class LogTask : public CommandTask {
 public:
-    using HistoryTask::HistoryTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
@@ -63,7 +64,7 @@ private:
     [[nodiscard]] std::string blockOf(const NEBDictionary& record) const;
     [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
 
-    Words _words;
+    RevisionArguments _named;
     std::string _branch;  // as git takes it; empty without the option
     bool _isColoured = false;
 };
@@ -74,17 +75,17 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
     if (!branch) {
         return std::nullopt;
     }
-    if (!_words.revisions.empty()) {
+    if (!_named.revisions.empty()) {
         return refusal("--branch and a revision cannot stand together.", exitNotUnderstood);
     }
     // A tag may have the same name.
     const std::string local = "refs/heads/" + *branch;
-    if (askForCommit(local).status.isSuccess()) {
+    if (git().isCommit(local)) {
         _branch = local;
         return std::nullopt;
     }
-    _branch = unmistakable(*branch);
-    return refusalOfRevision(*branch);
+    _branch = unambiguousRevision(git(), *branch);
+    return refusalOfRevision(git(), *branch);
 }
 
 std::optional<CommandOutput> LogTask::validate() {
@@ -92,11 +93,11 @@ std::optional<CommandOutput> LogTask::validate() {
     if (limit && !countIn(*limit)) {
         return refusal(inQuotes(*limit) + " is no number of commits.", exitNotUnderstood);
     }
-    _words = readWords(2, 1);
-    if (_words.refused) {
-        return _words.refused;
+    _named = readRevisionArguments(git(), arguments(), {.revisions = 2, .files = 1});
+    if (_named.refused) {
+        return _named.refused;
     }
-    if (_words.revisions.size() == 2 && _words.dots.empty()) {
+    if (_named.revisions.size() == 2 && _named.dots.empty()) {
         return refusal(
             "One revision or range at most can be given; for two revisions write A..B or "
             "A...B.",
@@ -105,15 +106,16 @@ std::optional<CommandOutput> LogTask::validate() {
     if (auto refused = refusalOfBranch()) {
         return refused;
     }
-    const bool isAboutHEAD = _words.revisions.empty() && !arguments().has("--branch");
-    return isAboutHEAD && !isJSON() ? refusalWithoutCommits() : std::nullopt;
+    const bool isAboutHEAD = _named.revisions.empty() && !arguments().has("--branch");
+    return isAboutHEAD && !isJSON() ? refusalWithoutCommits(git()) : std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> LogTask::request() {
-    auto request = requestAboutWords(NEBSourceControlRequestLog, _words);
+std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestLog);
+    _named.copyTo(*request);
     // Of two revisions the request makes a symmetric difference.
-    if (_words.dots == "..") {
-        request->startingRevision = _words.revisions[0] + ".." + _words.revisions[1];
+    if (_named.dots == "..") {
+        request->startingRevision = _named.revisions[0] + ".." + _named.revisions[1];
         request->endingRevision = {};
     }
     NEBDictionary options;

@@ -1,4 +1,6 @@
-#include "CommandFrame/MergingTask.h"
+#include "CommandFrame/BrokenReference.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandFrame/SettledConflictSearch.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -10,52 +12,59 @@ namespace {
 
 // ---- merge ------------------------------------------------------------------------------------
 
-class MergeTask : public MergingTask {
+constexpr SideNames sideNames{.kept = "the current branch's", .leftOut = "the other side's"};
+
+class MergeTask : public CommandTask {
 public:
-    using MergingTask::MergingTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    void finish(Outcome& outcome) override { _conflicts.run(outcome); }
+    bool finishesAfter(const NEBSourceControlError& error) override {
+        return _conflicts.hasMerged(error);
+    }
     void report(const Outcome& outcome, CommandOutput& output) override;
-    std::string sentenceFor(const NEBSourceControlError& error) const override {
+    void reportFailure(const Outcome& outcome, CommandOutput& output) override {
+        _conflicts.report(outcome, sideNames, output);
+    }
+    std::string textFor(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRevisionUnknownErrorClass
                    ? "There is no branch or revision " + inQuotes(revision()) + "."
                    : "";
     }
 
 private:
-    [[nodiscard]] std::string revision() const {
-        return arguments().value("REVISION").value_or("");
-    }
+    [[nodiscard]] std::string revision() const { return argument("REVISION"); }
 
+    SettledConflictSearch _conflicts{git()};
     std::optional<std::string> _commitBefore;
     bool _isMergedAlready = false;
 };
 
 /// The outcome of a merge does not say what it did; this does.
 std::optional<CommandOutput> MergeTask::validate() {
-    _commitBefore = latestCommit();
-    _isMergedAlready = !revision().starts_with('-') &&
-                       ask({"merge-base", "--is-ancestor", revision(), "HEAD"}).status.isSuccess();
+    _commitBefore = git().headCommit();
+    _isMergedAlready = !revision().starts_with('-') && git().isMerged(revision());
     if (_isMergedAlready) {
         return std::nullopt;
     }
-    setSides("HEAD", revision());
-    const bool isUnknown = askForCommit(revision()).status.exitStatus() == 1;
-    const auto broken = isUnknown ? brokenReference(revision()) : std::nullopt;
+    _conflicts.setSides("HEAD", revision());
+    const bool isUnknown = git().isUnknownRevision(revision());
+    const auto broken = isUnknown ? brokenReference(git(), revision()) : std::nullopt;
     return broken ? std::optional(failureWith(*broken)) : std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> MergeTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestMerge);
+std::shared_ptr<NEBSourceControlRequest> MergeTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestMerge);
     request->destination = revision();
     return request;
 }
 
 void MergeTask::report(const Outcome& outcome, CommandOutput& output) {
     const std::string what = printable(inQuotes(revision()));
-    const auto commit = latestCommit();
+    const auto commit = git().headCommit();
     if (_isMergedAlready) {
         output.standardOutput = "Already up to date: " + what + " is merged.\n";
     } else if (commit && commit != _commitBefore) {
@@ -63,7 +72,7 @@ void MergeTask::report(const Outcome& outcome, CommandOutput& output) {
     } else if (commit) {
         output.standardOutput = "Merged " + what + "; it is not committed yet.\n";
     }
-    noteSettledConflicts(outcome, output);
+    _conflicts.report(outcome, sideNames, output);
 }
 
 constexpr Parameter mergeParameters[] = {
@@ -78,29 +87,29 @@ public:
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    Silence silence() const override { return Silence::answer; }
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    SilentFailure silentFailure() const override { return SilentFailure::isEmptyResult; }
     std::string textOfResult(const NEBSourceControlResult& result) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::string revision(std::string_view parameter) const {
-        return arguments().value(parameter).value_or("");
+        return argument(parameter);
     }
 };
 
 /// The error of the request speaks of a file; a person is told which revision there is not.
 std::optional<CommandOutput> MergeBaseTask::validate() {
     for (const std::string& name : {revision("A"), revision("B")}) {
-        if (!name.starts_with('-') && askForCommit(name).status.exitStatus() == 1) {
-            return refusalOfUnknownRevision(name);
+        if (!name.starts_with('-') && git().isUnknownRevision(name)) {
+            return refusalOfUnknownRevision(git(), name);
         }
     }
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> MergeBaseTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestMergeBase);
+std::shared_ptr<NEBSourceControlRequest> MergeBaseTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestMergeBase);
     request->startingRevision = revision("A");
     request->endingRevision = revision("B");
     return request;

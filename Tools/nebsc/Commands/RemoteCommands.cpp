@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -75,16 +75,16 @@ std::vector<Remote> remotesOf(const NEBSourceControlResult& result) {
     return remotes;
 }
 
-class ListTask : public BranchTask {
+class ListTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestOfType(NEBSourceControlRequestListRemotes);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestListRemotes);
     }
     /// The last question is the one for Subversion, and may have no answer.
-    Silence silence() const override { return Silence::answer; }
+    SilentFailure silentFailure() const override { return SilentFailure::isEmptyResult; }
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
@@ -92,8 +92,8 @@ private:
 };
 
 void ListTask::completeLocations(Remote& remote) {
-    remote.fetch = answerLines({"remote", "get-url", remote.name});
-    remote.push = answerLines({"remote", "get-url", "--push", "--all", remote.name});
+    remote.fetch = git().linesOf({"remote", "get-url", remote.name});
+    remote.push = git().linesOf({"remote", "get-url", "--push", "--all", remote.name});
 }
 
 void ListTask::report(const Outcome& outcome, CommandOutput& output) {
@@ -121,11 +121,11 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     for (auto& row : rows) {
         row.second = textWithoutPasswords(row.second);
     }
-    output.standardOutput = rows.empty()
-                                ? "The repository " +
-                                      printable(inQuotes(lastPathComponent(place().location))) +
-                                      " has no remotes.\n"
-                                : alignedLines(std::move(rows));
+    output.standardOutput =
+        rows.empty()
+            ? "The repository " + printable(inQuotes(lastPathComponent(workingCopy().location))) +
+                  " has no remotes.\n"
+            : alignedLines(std::move(rows));
 }
 
 constinit const Command listCommand{
@@ -143,19 +143,19 @@ constinit const Command listCommand{
 
 // ---- add --------------------------------------------------------------------------------------
 
-class AddTask : public BranchTask {
+class AddTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        auto request = requestAbout(NEBSourceControlRequestAddRemote,
-                                    {repositoryLocation(currentFolder(), word("URL"))});
-        request->destination = word("NAME");
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        auto request = newRequest(NEBSourceControlRequestAddRemote,
+                                  {repositoryLocation(currentFolder(), argument("URL"))});
+        request->destination = argument("NAME");
         return request;
     }
     void report(const Outcome& /*outcome*/, CommandOutput& output) override {
-        output.standardOutput = "Added the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+        output.standardOutput = "Added the remote " + printable(inQuotes(argument("NAME"))) + ".\n";
     }
 };
 
@@ -180,18 +180,19 @@ constinit const Command addCommand{
 
 // ---- rm ---------------------------------------------------------------------------------------
 
-class RemoveTask : public BranchTask {
+class RemoveTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        auto request = requestOfType(NEBSourceControlRequestRemoveRemote);
-        request->destination = word("NAME");
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        auto request = newRequest(NEBSourceControlRequestRemoveRemote);
+        request->destination = argument("NAME");
         return request;
     }
     void report(const Outcome& /*outcome*/, CommandOutput& output) override {
-        output.standardOutput = "Removed the remote " + printable(inQuotes(word("NAME"))) + ".\n";
+        output.standardOutput =
+            "Removed the remote " + printable(inQuotes(argument("NAME"))) + ".\n";
     }
 };
 
@@ -214,20 +215,20 @@ constinit const Command removeCommand{
 
 // ---- branches ---------------------------------------------------------------------------------
 
-class BranchesTask : public BranchTask {
+class BranchesTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
     /// To choose a remote takes a repository.
     std::optional<CommandOutput> validate() override {
-        return arguments().has("URL") ? std::nullopt : refusalWithoutRepository();
+        return arguments().has("URL") ? std::nullopt : refusalOutsideRepository(git());
     }
-    std::shared_ptr<NEBSourceControlRequest> request() override {
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         const auto url = arguments().value("URL");
-        return url ? requestAbout(NEBSourceControlRequestListRemoteBranchesSecondForm,
-                                  {remoteOrLocation(*url)})
-                   : requestOfType(NEBSourceControlRequestListRemoteBranches);
+        return url ? newRequest(NEBSourceControlRequestListRemoteBranchesSecondForm,
+                                {remoteOrLocation(git(), *url)})
+                   : newRequest(NEBSourceControlRequestListRemoteBranches);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };

@@ -24,9 +24,9 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyLocation findPlace() override;
+    WorkingCopyLocation locate() override;
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
@@ -35,7 +35,7 @@ private:
     std::optional<MissingFolder> _folder;
 };
 
-WorkingCopyLocation InitTask::findPlace() {
+WorkingCopyLocation InitTask::locate() {
     return {.location = paths("DIR").empty() ? currentFolder() : paths("DIR").front(),
             .currentFolder = currentFolder(),
             .isWorkingCopy = false};
@@ -46,7 +46,7 @@ WorkingCopyLocation InitTask::findPlace() {
 std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& folder) {
     const std::string inside = pathByAppendingComponent(folder, ".git");
     for (const std::string& place : {folder, inside}) {
-        if (runGit(interruption(), trace(), {"rev-parse", "--resolve-git-dir", place},
+        if (runGit(git().interruption(), git().trace(), {"rev-parse", "--resolve-git-dir", place},
                    currentFolder())
                 .status.isSuccess()) {
             return refusal(
@@ -66,9 +66,8 @@ std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& fo
 }
 
 std::optional<CommandOutput> InitTask::validate() {
-    const std::string& folder = place().location;
-    if (const std::string word = arguments().value("DIR").value_or("");
-        word.find("://") != std::string::npos) {
+    const std::string& folder = workingCopy().location;
+    if (const std::string word = argument("DIR"); word.find("://") != std::string::npos) {
         return refusal(inQuotes(word) + " is a URL; a repository is made in a folder.",
                        exitNotUnderstood);
     }
@@ -82,11 +81,11 @@ std::optional<CommandOutput> InitTask::validate() {
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> InitTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestCreateRepository);
+std::shared_ptr<NEBSourceControlRequest> InitTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestCreateRepository);
     if (arguments().has("--bare")) {
         request->options.emplace();
-        request->options->set(NEBSourceControlRequestOptionRepositoryPath, place().location);
+        request->options->set(NEBSourceControlRequestOptionRepositoryPath, workingCopy().location);
     }
     return request;
 }
@@ -94,7 +93,7 @@ std::shared_ptr<NEBSourceControlRequest> InitTask::request() {
 void InitTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     _folder->keep();
     output.standardOutput =
-        "Made an empty repository in " + printable(inQuotes(place().location)) + ".\n";
+        "Made an empty repository in " + printable(inQuotes(workingCopy().location)) + ".\n";
 }
 
 constexpr Parameter initParameters[] = {
@@ -150,18 +149,18 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyLocation findPlace() override;
+    WorkingCopyLocation locate() override;
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    RequestResult carryOut() override {
-        const auto asked = request();
-        return perform(asked, arguments().has("--no-submodules")
-                                  ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
-                                  : nullptr);
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override {
+        const auto asked = makeRequest();
+        return performRequest(asked, arguments().has("--no-submodules")
+                                         ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
+                                         : nullptr);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
-    std::string sentenceFor(const NEBSourceControlError& error) const override {
-        const std::string& url = place().location;
+    std::string textFor(const NEBSourceControlError& error) const override {
+        const std::string& url = workingCopy().location;
         return error.errorClass == NEBSourceControlTransportUnknownErrorClass
                    ? "git knows no way to " + inQuotes(url) + "."
                    : "";
@@ -171,8 +170,8 @@ private:
     std::string _destination;
 };
 
-WorkingCopyLocation CloneTask::findPlace() {
-    return {.location = repositoryLocation(currentFolder(), arguments().value("URL").value_or("")),
+WorkingCopyLocation CloneTask::locate() {
+    return {.location = repositoryLocation(currentFolder(), argument("URL")),
             .currentFolder = currentFolder(),
             .isWorkingCopy = false};
 }
@@ -182,9 +181,9 @@ std::optional<CommandOutput> CloneTask::validate() {
         _destination = paths("DIR").front();
         return std::nullopt;
     }
-    const std::string name = nameOfClone(place().location);
+    const std::string name = nameOfClone(workingCopy().location);
     if (name.empty() || name == "." || name == "..") {
-        return refusal(inQuotes(arguments().value("URL").value_or("")) +
+        return refusal(inQuotes(argument("URL")) +
                            " tells no name for the folder of the clone; it is expected behind it: "
                            "nebsc clone URL DIR.",
                        exitNotUnderstood);
@@ -193,10 +192,10 @@ std::optional<CommandOutput> CloneTask::validate() {
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> CloneTask::request() {
+std::shared_ptr<NEBSourceControlRequest> CloneTask::makeRequest() {
     auto repository = std::make_shared<NEBSourceControlRepository>();
-    repository->location = place().location;
-    repository->name = nameOfClone(place().location);
+    repository->location = workingCopy().location;
+    repository->name = nameOfClone(workingCopy().location);
     auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestClone, repository,
                                                          std::nullopt, std::nullopt);
     request->repositoryToAuthenticate = repository;

@@ -28,9 +28,9 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    WorkingCopyLocation findPlace() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    RequestResult carryOut() override;
+    WorkingCopyLocation locate() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
@@ -44,13 +44,14 @@ private:
 
 /// Of a path where nothing is any more, the nearest folder that is counts. A symbolic link is
 /// looked at itself where it lies in a working copy, otherwise what it points to.
-WorkingCopyLocation StatusTask::findPlace() {
+WorkingCopyLocation StatusTask::locate() {
     if (paths("PATH").empty()) {
-        return CommandTask::findPlace();
+        return CommandTask::locate();
     }
     fs::path asked = paths("PATH").front();
     const auto around = [this](const fs::path& folder) {
-        return findWorkingCopy(interruption(), trace(), currentFolder(), folder.string());
+        return findWorkingCopy(git().interruption(), git().trace(), currentFolder(),
+                               folder.string());
     };
     WorkingCopyLocation place = around(nearestFolder(asked));
     std::error_code ignored;
@@ -65,8 +66,8 @@ WorkingCopyLocation StatusTask::findPlace() {
     return place;
 }
 
-std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestStatus);
+std::shared_ptr<NEBSourceControlRequest> StatusTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestStatus);
     if (_path) {
         request->destination = *_path;
     }
@@ -75,13 +76,13 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::request() {
 
 /// A program gets the request's outcome, a person all that git knows; so does a program that wants
 /// what no request can be asked for.
-RequestResult StatusTask::carryOut() {
+RequestResult StatusTask::perform() {
     const bool isAll = arguments().has("--all");
     if (isJSON() && !isAll) {
-        return perform(request());
+        return performRequest(makeRequest());
     }
-    StatusQuery query(request(), isAll);
-    RequestResult requestResult = perform(query);
+    StatusQuery query(makeRequest(), isAll);
+    RequestResult requestResult = performOperation(query);
     _entries = query.entries();
     return requestResult;
 }
@@ -113,17 +114,17 @@ void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.result && !outcome.result->empty()) {
         return;
     }
-    const std::string workingCopy = inQuotes(lastPathComponent(place().location));
-    const std::string asked = inQuotes(arguments().value("PATH").value_or(""));
+    const std::string name = inQuotes(lastPathComponent(workingCopy().location));
+    const std::string asked = inQuotes(argument("PATH"));
     // A file outside the sparse checkout is not on disk, and git reports no change of it.
-    if (_path && !isAnythingAt(*_path) && !answer({"ls-files", "-z", "--", *_path})) {
+    if (_path && !isAnythingAt(*_path) && !git().isTracked(*_path)) {
         output = refusal("There is no file or folder " + asked +
-                             ", neither on disk nor in the working copy " + workingCopy + ".",
-                         exitFailed, NEBSourceControlPathUnknownErrorClass.text());
+                             ", neither on disk nor in the working copy " + name + ".",
+                         exitFailed, NEBSourceControlPathUnknownErrorClass);
         return;
     }
     output.standardOutput =
-        "Nothing to report: " + printable(_path ? asked : "the working copy " + workingCopy) +
+        "Nothing to report: " + printable(_path ? asked : "the working copy " + name) +
         " has no changes.\n";
 }
 

@@ -1,7 +1,7 @@
 // The commands about the Subversion repository behind this one, under a name of their own: those of
 // any remote, told that it is this one which is meant.
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -13,14 +13,14 @@ namespace {
 
 // ---- show -------------------------------------------------------------------------------------
 
-class ShowTask : public BranchTask {
+class ShowTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::optional<CommandOutput> validate() override { return refusalWithoutSubversion(); }
-    std::shared_ptr<NEBSourceControlRequest> request() override {
-        return requestOfType(NEBSourceControlRequestListRemotes);
+    std::optional<CommandOutput> validate() override { return refusalWithoutSubversion(git()); }
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestListRemotes);
     }
     std::string textOfResult(const NEBSourceControlResult& records) override;
 };

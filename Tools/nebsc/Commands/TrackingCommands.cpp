@@ -1,6 +1,6 @@
 // The commands about branches that track a branch of a remote.
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -15,36 +15,36 @@ constexpr std::string_view nameWord = "NAME";
 
 // ---- track ------------------------------------------------------------------------------------
 
-class TrackTask : public BranchTask {
+class TrackTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
     /// Why, report() finds out.
-    bool isAnswer(const NEBSourceControlError& error) const override {
+    bool isHandled(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
     }
 
 private:
-    Tracking _tracking;
+    TrackedBranch _tracking;
 };
 
 /// A remote's name may hold a "/" itself.
 std::optional<CommandOutput> TrackTask::validate() {
-    if (auto refused = refusalWithoutRepository()) {
+    if (auto refused = refusalOutsideRepository(git())) {
         return refused;
     }
-    const std::string text = word("REMOTE/BRANCH");
+    const std::string text = argument("REMOTE/BRANCH");
     const std::size_t first = text.find('/');
     if (first == std::string::npos || first == 0 || text.ends_with('/')) {
         return refusal(inQuotes(text) + " names no branch of a remote; REMOTE/BRANCH was expected.",
                        exitNotUnderstood);
     }
     std::size_t slash = first;
-    while (slash != std::string::npos && !isRemote(text.substr(0, slash))) {
+    while (slash != std::string::npos && !isRemote(git(), text.substr(0, slash))) {
         slash = text.find('/', slash + 1);
     }
     if (slash == std::string::npos && !text.starts_with('-')) {
@@ -57,9 +57,9 @@ std::optional<CommandOutput> TrackTask::validate() {
     return std::nullopt;
 }
 
-std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestTrackRemoteBranch);
-    request->destination = word(nameWord);
+std::shared_ptr<NEBSourceControlRequest> TrackTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestTrackRemoteBranch);
+    request->destination = argument(nameWord);
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionRemoteName, _tracking.remote);
     request->options->set(NEBSourceControlRequestOptionBranch, _tracking.branch);
@@ -68,11 +68,11 @@ std::shared_ptr<NEBSourceControlRequest> TrackTask::request() {
 
 void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.error) {
-        output = refusalOfBranchNotFetched(_tracking);
+        output = refusalOfBranchNotFetched(git(), _tracking);
         return;
     }
-    output.standardOutput = "Made the branch " + printable(inQuotes(word(nameWord))) +
-                            ", which tracks " + shown(_tracking) + ".\n";
+    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameWord))) +
+                            ", which tracks " + shownBranch(git(), _tracking) + ".\n";
     // The operation goes on after a fetch that may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
         output.standardError +=
@@ -88,32 +88,33 @@ constexpr Parameter trackParameters[] = {
 
 // ---- tracking ---------------------------------------------------------------------------------
 
-class TrackingTask : public BranchTask {
+class TrackingTask : public CommandTask {
 public:
-    using BranchTask::BranchTask;
+    using CommandTask::CommandTask;
 
 protected:
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    Silence silence() const override { return Silence::answer; }
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    SilentFailure silentFailure() const override { return SilentFailure::isEmptyResult; }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-std::shared_ptr<NEBSourceControlRequest> TrackingTask::request() {
-    auto request = requestOfType(NEBSourceControlRequestTrackingBranchName);
+std::shared_ptr<NEBSourceControlRequest> TrackingTask::makeRequest() {
+    auto request = newRequest(NEBSourceControlRequestTrackingBranchName);
     request->options.emplace();
-    request->options->set(NEBSourceControlRequestOptionBranch, word(nameWord));
+    request->options->set(NEBSourceControlRequestOptionBranch, argument(nameWord));
     return request;
 }
 
 /// Of a remote's branch that has a "/" in its name, the record holds a part alone. And git is
 /// silent outside any repository, and about a branch that is not there.
 void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const std::string& name = word(nameWord);
-    if (auto refused = refusalWithoutRepository()) {
+    const std::string& name = argument(nameWord);
+    if (auto refused = refusalOutsideRepository(git())) {
         output = *refused;
-    } else if (const auto tracking = trackingOf(name)) {
-        output.standardOutput = printable(name) + " tracks " + shown(*tracking) + ".\n";
-    } else if (isBranch(name) || currentBranch() == name) {
+    } else if (const auto tracking = trackedBranchOf(git(), name)) {
+        output.standardOutput =
+            printable(name) + " tracks " + shownBranch(git(), *tracking) + ".\n";
+    } else if (isBranch(git(), name) || currentBranch(git()) == name) {
         output = refusal(inQuotes(name) + " tracks no branch.", exitFailed,
                          NEBSourceControlNoUpstreamErrorClass);
     } else {

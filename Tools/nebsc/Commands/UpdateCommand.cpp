@@ -1,6 +1,8 @@
 #include <charconv>
 
-#include "CommandFrame/MergingTask.h"
+#include "CommandFrame/BrokenReference.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandFrame/SettledConflictSearch.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -13,33 +15,41 @@ namespace {
 constexpr std::string_view remoteWord = "REMOTE";
 constexpr std::string_view branchWord = "BRANCH";
 
-class UpdateTask : public MergingTask {
+class UpdateTask : public CommandTask {
 public:
-    using MergingTask::MergingTask;
+    using CommandTask::CommandTask;
 
 protected:
     std::optional<CommandOutput> validate() override;
-    std::shared_ptr<NEBSourceControlRequest> request() override;
-    bool isAnswer(const NEBSourceControlError& error) const override {
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    bool isHandled(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlUpToDateErrorClass;
     }
-    void report(const Outcome& outcome, CommandOutput& output) override;
-    SideNames sideNames() const override {
-        return isSubversion() ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
-                              : MergingTask::sideNames();
+    void finish(Outcome& outcome) override { _conflicts.run(outcome); }
+    bool finishesAfter(const NEBSourceControlError& error) override {
+        return _conflicts.hasMerged(error);
     }
-    std::string adviceAfter(const NEBSourceControlError& error) const override;
+    void report(const Outcome& outcome, CommandOutput& output) override;
+    void reportFailure(const Outcome& outcome, CommandOutput& output) override {
+        _conflicts.report(outcome, sideNames(), output);
+    }
+    std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
     [[nodiscard]] bool isByFastForward() const { return arguments().has("--ff"); }
     [[nodiscard]] bool isSubversion() const { return arguments().has("--svn"); }
+    [[nodiscard]] SideNames sideNames() const {
+        return isSubversion()
+                   ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
+                   : SideNames{.kept = "the current branch's", .leftOut = "the other side's"};
+    }
     [[nodiscard]] std::optional<CommandOutput> refusalOfWords() const;
     [[nodiscard]] std::optional<CommandOutput> findSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSubversion();
 
     /// The branch of a remote from which the commits come.
-    Tracking _source;
+    TrackedBranch _source;
     /// The reference under which a fetch keeps it here; empty where a pull asks the remote itself.
     std::string _reference;
     /// What a person is told of the source.
@@ -49,6 +59,7 @@ private:
     /// Says how many commits of one's own a rebase has left out.
     void noteDroppedCommits(CommandOutput& output);
 
+    SettledConflictSearch _conflicts{git()};
     std::optional<std::string> _commitBefore;
     std::size_t _ownCommitsBefore = 0;
     bool _isMergedAlready = false;
@@ -70,29 +81,29 @@ std::optional<CommandOutput> UpdateTask::validate() {
     if (auto refused = refusalOfWords()) {
         return refused;
     }
-    if (auto refused = refusalWithoutWorkingCopy()) {
+    if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
-    _commitBefore = latestCommit();
+    _commitBefore = git().headCommit();
     if (isSubversion()) {
         return fetchSubversion();
     }
     if (auto refused = findSource()) {
         return refused;
     }
-    _shownSource = shown(_source);
+    _shownSource = shownBranch(git(), _source);
     return isByFastForward() ? std::nullopt : fetchSource();
 }
 
 /// The words of the call, or what the current branch tracks.
 std::optional<CommandOutput> UpdateTask::findSource() {
     if (arguments().has(remoteWord)) {
-        _source = {remoteOrLocation(word(remoteWord)), word(branchWord)};
+        _source = {remoteOrLocation(git(), argument(remoteWord)), argument(branchWord)};
         return std::nullopt;
     }
-    const auto branch = currentBranch();
-    const auto tracking = branch ? trackingOf(*branch) : std::nullopt;
-    if (const auto broken = branch ? std::nullopt : brokenReference("HEAD")) {
+    const auto branch = currentBranch(git());
+    const auto tracking = branch ? trackedBranchOf(git(), *branch) : std::nullopt;
+    if (const auto broken = branch ? std::nullopt : brokenReference(git(), "HEAD")) {
         return failureWith(*broken);
     }
     if (!tracking) {
@@ -102,7 +113,7 @@ std::optional<CommandOutput> UpdateTask::findSource() {
                            : "No branch is checked out that could track another, so it "
                              "is not known what is new.",
                     exitFailed, NEBSourceControlNoUpstreamErrorClass);
-        output.standardError += hasSubversion()
+        output.standardError += hasSubversion(git())
                                     ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
                                     : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
         return output;
@@ -115,7 +126,7 @@ std::optional<CommandOutput> UpdateTask::findSource() {
 std::optional<CommandOutput> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteWord);
     const std::string& remote = _source.remote;
-    if (remote != "." && !remote.starts_with('-') && !isRemote(remote)) {
+    if (remote != "." && !remote.starts_with('-') && !isRemote(git(), remote)) {
         CommandOutput output = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed,
                                        NEBSourceControlRemoteUnknownErrorClass);
         output.standardError +=
@@ -123,20 +134,19 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
             "a path, too.\n";
         return output;
     }
-    if (auto failed = prepareBy(fetchRequest(remote))) {
+    if (auto failed = performFirst(newFetchRequest(workingCopy(), remote))) {
         return failed;
     }
-    const auto reference =
-        isTracked
-            ? answer({"rev-parse", "--verify", "--quiet", "--symbolic-full-name", "@{upstream}"})
-            : "refs/remotes/" + remote + "/" + _source.branch;
-    if (!reference || askForCommit(*reference).status.exitStatus() == 1) {
-        return refusalOfBranchNotFetched(_source);
+    const auto reference = isTracked ? git().outputOf({"rev-parse", "--verify", "--quiet",
+                                                       "--symbolic-full-name", "@{upstream}"})
+                                     : "refs/remotes/" + remote + "/" + _source.branch;
+    if (!reference || git().isUnknownRevision(*reference)) {
+        return refusalOfBranchNotFetched(git(), _source);
     }
     _reference = *reference;
-    _isMergedAlready = ask({"merge-base", "--is-ancestor", _reference, "HEAD"}).status.isSuccess();
+    _isMergedAlready = git().isMerged(_reference);
     if (!_isMergedAlready) {
-        setSides("HEAD", _reference);
+        _conflicts.setSides("HEAD", _reference);
     }
     return std::nullopt;
 }
@@ -144,30 +154,33 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
 /// The bridge's setting is "path on the server:reference". A reference that is refused anyway is
 /// not worth a fetch.
 std::optional<CommandOutput> UpdateTask::fetchSubversion() {
-    if (auto refused = refusalWithoutSubversion()) {
+    if (auto refused = refusalWithoutSubversion(git())) {
         return refused;
     }
-    _reference = word(remoteWord);
+    _reference = argument(remoteWord);
     if (!arguments().has(remoteWord)) {
         const std::string setting =
-            answer({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
+            git().outputOf({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
         _reference = setting.substr(setting.rfind(':') + 1);
     }
     _shownSource = printable(_reference);
     if (_reference.starts_with('-')) {
         return std::nullopt;
     }
-    if (auto failed = prepareBy(exchangeRequest(NEBSourceControlRequestFetch, Peer::subversion))) {
+    if (auto failed = performFirst(
+            newExchangeRequest(workingCopy(), NEBSourceControlRequestFetch, Peer::subversion))) {
         return failed;
     }
     _ownCommitsBefore = ownCommits();
-    setSides(_reference, "HEAD");
+    _conflicts.setSides(_reference, "HEAD");
     return std::nullopt;
 }
 
 std::size_t UpdateTask::ownCommits() {
     const std::string count =
-        answer({"rev-list", "--count", "--end-of-options", _reference + "..HEAD"}).value_or("");
+        git()
+            .outputOf({"rev-list", "--count", "--end-of-options", _reference + "..HEAD"})
+            .value_or("");
     std::size_t number = 0;
     std::from_chars(count.data(), count.data() + count.size(), number);
     return number;
@@ -187,9 +200,9 @@ void UpdateTask::noteDroppedCommits(CommandOutput& output) {
                             printable(_commitBefore.value_or("")) + ".\n";
 }
 
-std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
-    auto request = exchangeRequest(NEBSourceControlRequestUpdate,
-                                   isSubversion() ? Peer::subversion : Peer::remote);
+std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {
+    auto request = newExchangeRequest(workingCopy(), NEBSourceControlRequestUpdate,
+                                      isSubversion() ? Peer::subversion : Peer::remote);
     if (isByFastForward()) {
         request->destination = _source.remote;
         request->options->set(NEBSourceControlRequestOptionPullByFastForwarding, true);
@@ -203,7 +216,7 @@ std::shared_ptr<NEBSourceControlRequest> UpdateTask::request() {
 
 /// An outcome does not say what came.
 void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
-    const auto commit = latestCommit();
+    const auto commit = git().headCommit();
     if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
         output.standardOutput = "Already up to date with " + _shownSource + ".\n";
     } else if (commit && commit != _commitBefore) {
@@ -212,13 +225,13 @@ void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
     } else {
         output.standardOutput = "Merged " + _shownSource + "; it is not committed yet.\n";
     }
-    noteSettledConflicts(outcome, output);
+    _conflicts.report(outcome, sideNames(), output);
     if (isSubversion()) {
         noteDroppedCommits(output);
     }
 }
 
-std::string UpdateTask::adviceAfter(const NEBSourceControlError& error) const {
+std::string UpdateTask::adviceFor(const NEBSourceControlError& error) const {
     return error.code == NEBSourceControlFastForwardError
                ? "\"nebsc update\" without --ff merges them.\n"
                : "";

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <map>
 
-#include "CommandFrame/BranchTask.h"
+#include "CommandFrame/BranchQueries.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/Text.h"
 #include "Session/Deadline.h"
 #include "Session/GitProgram.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 

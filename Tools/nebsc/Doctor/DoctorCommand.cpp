@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "CommandFrame/WorkingCopyLocation.h"
 #include "Commands/Commands.h"
 #include "Doctor/Diagnosis.h"
 #include "JSON/OutcomeJSON.h"
 #include "Session/OperationRun.h"
+#include "Session/Paths.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/ProgressIndicator.h"
 #include "Terminal/TextWidth.h"

@@ -1,8 +1,8 @@
 #include "Doctor/Checks.h"
-#include "Doctor/GitVersion.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
+#include "Session/GitVersion.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

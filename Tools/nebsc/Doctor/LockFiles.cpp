@@ -9,7 +9,7 @@
 #include <set>
 #include <system_error>
 
-#include "CommandFrame/WorkingCopyLocation.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 

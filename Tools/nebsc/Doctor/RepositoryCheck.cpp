@@ -1,11 +1,11 @@
 #include <filesystem>
 
-#include "CommandFrame/WorkingCopyLocation.h"
 #include "Doctor/Checks.h"
 #include "Doctor/UnfinishedWork.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "CommandFrame/WorkingCopyLocation.h"
 #include "Platform/PathString.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 

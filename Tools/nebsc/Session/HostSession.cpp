@@ -1,11 +1,11 @@
 #include "Session/HostSession.h"
 
-#include "CommandFrame/MissingSubmodules.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/MissingFolder.h"
+#include "Session/MissingSubmodules.h"
 #include "Session/ReportCapture.h"
 #include "Terminal/Presentation.h"
 

@@ -1,12 +1,12 @@
-#include "CommandFrame/MergingTask.h"
+#include "CommandFrame/SettledConflictSearch.h"
 
 #include <algorithm>
 #include <set>
 #include <utility>
 
-#include "Doctor/GitVersion.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
+#include "Session/GitVersion.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -43,40 +43,36 @@ std::string shortened(const std::string& commit) {
 
 // ---- before the merge -------------------------------------------------------------------------
 
-std::optional<std::string> MergingTask::commitId(const std::string& revision) {
-    return answerOf(askForCommit(revision));
-}
-
-void MergingTask::setSides(const std::string& kept, const std::string& leftOut) {
-    auto keptCommit = commitId(kept);
-    auto leftOutCommit = keptCommit ? commitId(leftOut) : std::nullopt;
+void SettledConflictSearch::setSides(const std::string& kept, const std::string& leftOut) {
+    auto keptCommit = _git.commitId(kept);
+    auto leftOutCommit = keptCommit ? _git.commitId(leftOut) : std::nullopt;
     if (leftOutCommit) {
         _sides = Sides{std::move(*keptCommit), std::move(*leftOutCommit)};
-        _wasMerging = commitId(mergeHead).has_value();
+        _wasMerging = _git.commitId(mergeHead).has_value();
     }
 }
 
 // ---- after it ---------------------------------------------------------------------------------
 
-void MergingTask::finish(Outcome& outcome) {
+void SettledConflictSearch::run(Outcome& outcome) const {
     if (_sides) {
-        outcome.settledConflicts = findSettledConflicts();
+        outcome.settledConflicts = search();
     }
     if (outcome.error && outcome.settledConflicts) {
         removeUnsettled(*outcome.settledConflicts);
     }
 }
 
-bool MergingTask::isCompletedAfter(const NEBSourceControlError& error) {
+bool SettledConflictSearch::hasMerged(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlConflictErrorClass ||
-           (_sides && !_wasMerging && commitId(mergeHead) == _sides->leftOut);
+           (_sides && !_wasMerging && _git.commitId(mergeHead) == _sides->leftOut);
 }
 
-void MergingTask::removeUnsettled(SettledConflicts& conflicts) {
+void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
     if (!conflicts.files) {
         return;
     }
-    const ChildOutcome index = ask({"ls-files", "--stage", "-z"});
+    const ChildOutcome index = _git.run({"ls-files", "--stage", "-z"});
     if (!index.status.isSuccess()) {
         conflicts = unknownConflicts(reasonOf(index));
         return;
@@ -93,15 +89,15 @@ void MergingTask::removeUnsettled(SettledConflicts& conflicts) {
                   [&](const std::string& file) { return !settled.contains(file); });
 }
 
-bool MergingTask::isOneSideContained() {
-    const auto base = answer({"merge-base", _sides->kept, _sides->leftOut});
+bool SettledConflictSearch::isOneSideContained() const {
+    const auto base = _git.outputOf({"merge-base", _sides->kept, _sides->leftOut});
     return base && (*base == _sides->kept || *base == _sides->leftOut);
 }
 
-std::optional<std::vector<std::string>> MergingTask::optionsAgainstPrograms() {
+std::optional<std::vector<std::string>> SettledConflictSearch::optionsAgainstPrograms() const {
     std::vector<std::string> options;
     const ChildOutcome settings =
-        ask({"config", "--null", "--name-only", "--get-regexp", programSettingsPattern});
+        _git.run({"config", "--null", "--name-only", "--get-regexp", programSettingsPattern});
     for (const std::string& name : textsBetweenNULs(settings.output)) {
         const auto* setting = std::find_if(
             std::begin(programSettings), std::end(programSettings), [&](const auto& candidate) {
@@ -115,12 +111,12 @@ std::optional<std::vector<std::string>> MergingTask::optionsAgainstPrograms() {
     return options;
 }
 
-SettledConflicts MergingTask::findSettledConflicts() {
+SettledConflicts SettledConflictSearch::search() const {
     constexpr int hasConflicts = 1;
     if (isOneSideContained()) {
         return {.files = std::vector<std::string>{}, .failure = {}};
     }
-    const auto version = gitVersionIn(answer({"version"}).value_or(""));
+    const auto version = gitVersionIn(_git.outputOf({"version"}).value_or(""));
     if (!version || !canMergeInMemory(*version)) {
         return unknownConflicts("that takes git " + oldestGitThatMergesInMemory().text() +
                                 " or newer");
@@ -132,7 +128,7 @@ SettledConflicts MergingTask::findSettledConflicts() {
     // git-merge-tree(1), OUTPUT: the tree, then the names, each with a NUL.
     arguments->insert(arguments->end(), {"merge-tree", "--write-tree", "--name-only",
                                          "--no-messages", "-z", _sides->kept, _sides->leftOut});
-    const ChildOutcome merge = ask(std::move(*arguments));
+    const ChildOutcome merge = _git.run(std::move(*arguments));
     if (!merge.status.isSuccess() && merge.status.exitStatus() != hasConflicts) {
         return unknownConflicts(reasonOf(merge));
     }
@@ -144,19 +140,19 @@ SettledConflicts MergingTask::findSettledConflicts() {
     return {.files = std::move(files), .failure = {}};
 }
 
-void MergingTask::noteSettledConflicts(const Outcome& outcome, CommandOutput& output) const {
+void SettledConflictSearch::report(const Outcome& outcome, const SideNames& names,
+                                   CommandOutput& output) const {
     const auto& conflicts = outcome.settledConflicts;
     if (!conflicts || (conflicts->files && conflicts->files->empty())) {
         return;
     }
-    const SideNames names = sideNames();
     const std::string kept(names.kept);
     const std::string leftOut(names.leftOut);
     if (conflicts->files) {
         output.standardError += complaint("Both sides changed the same lines or binary files; " +
                                           kept + " were kept and " + leftOut + " left out in:");
         for (const std::string& file : *conflicts->files) {
-            output.standardError += "    " + shown(file) + "\n";
+            output.standardError += "    " + shownPath(_git.workingCopy(), file) + "\n";
         }
     } else {
         output.standardError += complaint(

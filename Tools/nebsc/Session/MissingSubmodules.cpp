@@ -1,11 +1,11 @@
-#include "CommandFrame/MissingSubmodules.h"
+#include "Session/MissingSubmodules.h"
 
 #include <map>
 #include <set>
 
-#include "CommandFrame/WorkingCopyLocation.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 

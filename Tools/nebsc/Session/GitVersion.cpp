@@ -1,4 +1,4 @@
-#include "Doctor/GitVersion.h"
+#include "Session/GitVersion.h"
 
 #include <array>
 #include <charconv>

@@ -1,6 +1,6 @@
 // Which version of git is installed, and what it has.
 
-#include "Doctor/GitVersion.h"
+#include "Session/GitVersion.h"
 
 #include <gtest/gtest.h>
 

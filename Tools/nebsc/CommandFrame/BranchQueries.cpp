@@ -1,0 +1,85 @@
+#include "CommandFrame/BranchQueries.h"
+
+#include <algorithm>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Session/Paths.h"
+#include "Terminal/Presentation.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string withoutPrefix(const std::string& text, std::string_view prefix) {
+    return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+}
+
+}  // namespace
+
+/// git prints "(no branch)" and the like if HEAD is detached, "+ " before a branch that another
+/// working tree has checked out, and " -> TARGET" after a symbolic reference.
+std::string branchNameOf(const NEBDictionary& record) {
+    std::string_view name = record.value(NEBSourceControlOperationNameKey).string().value_or("");
+    if (name.starts_with("+ ")) {
+        name.remove_prefix(2);
+    }
+    const std::size_t blank = name.find(' ');
+    const bool isDetached = name.starts_with('(') && blank != std::string_view::npos;
+    return isDetached ? "" : printable(name.substr(0, blank));
+}
+
+/// Asks for the full name, because the short one is ambiguous if a tag has the same name.
+std::optional<std::string> currentBranch(const GitQueries& git) {
+    const auto reference = git.outputOf({"symbolic-ref", "--quiet", "HEAD"});
+    return reference ? std::optional(withoutPrefix(*reference, localBranchPrefix)) : std::nullopt;
+}
+
+std::string describeHEAD(const GitQueries& git) {
+    if (const auto branch = currentBranch(git)) {
+        return "The current branch " + inQuotes(*branch) + " has no commit yet.";
+    }
+    const auto commit = git.headCommit();
+    return commit ? "Now at " + *commit + ", on no branch." : "On no branch.";
+}
+
+bool isBranch(const GitQueries& git, const std::string& name) {
+    return git.succeeds({"show-ref", "--verify", "--quiet", std::string(localBranchPrefix) + name});
+}
+
+bool isRemote(const GitQueries& git, const std::string& name) {
+    const std::vector<std::string> names = git.linesOf({"remote"});
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::string remoteOrLocation(const GitQueries& git, const std::string& text) {
+    const std::string location = repositoryLocation(git.workingCopy().currentFolder, text);
+    const bool isPath = text.find('/') != std::string::npos || isAnythingAt(location);
+    return isPath && !isRemote(git, text) ? location : text;
+}
+
+std::optional<TrackedBranch> trackedBranchOf(const GitQueries& git, const std::string& branch) {
+    const auto setting = [&](const char* name) {
+        return git.outputOf({"config", "--get", "branch." + branch + "." + name});
+    };
+    const auto remote = setting("remote");
+    const auto reference = setting("merge");
+    if (!remote || !reference) {
+        return std::nullopt;
+    }
+    return TrackedBranch{*remote, withoutPrefix(*reference, localBranchPrefix)};
+}
+
+std::string shownBranch(const GitQueries& git, const TrackedBranch& tracked) {
+    const std::string& remote = tracked.remote;
+    if (remote == ".") {
+        return printable(tracked.branch);
+    }
+    return printable(isRemote(git, remote) ? remote + "/" + tracked.branch
+                                           : tracked.branch + " of " + inQuotes(remote));
+}
+
+bool hasSubversion(const GitQueries& git) {
+    return git.outputOf({"config", "--get-regexp", "^svn-remote\\."}).has_value();
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,236 @@
+#include "CommandFrame/FailureText.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "CommandFrame/BrokenReference.h"
+#include "CommandFrame/Requests.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Session/GitProgram.h"
+#include "Session/Paths.h"
+#include "Terminal/Presentation.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string_view classOfSilentFailure(const TerminationStatus& status) {
+    return !status.started()       ? NEBSourceControlNotStartedErrorClass
+           : status.signalNumber() ? NEBSourceControlKilledErrorClass
+                                   : NEBSourceControlUnknownErrorClass;
+}
+
+bool hasLineEndingWith(std::string_view text, std::string_view end) {
+    bool isFound = false;
+    forEachPiece(text, '\n',
+                 [&](std::string_view line) { isFound = isFound || line.ends_with(end); });
+    return isFound;
+}
+
+}  // namespace
+
+// ---- failures of git --------------------------------------------------------------------------
+
+std::string silentFailureText(int exitStatus) {
+    return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
+}
+
+CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
+    const std::string stderrText(query.errorOutput);
+    if (stderrText.find_first_not_of(" \t\r\n") == std::string::npos) {
+        return refusal(query.status.exitStatus()
+                           ? silentFailureText(*query.status.exitStatus())
+                           : "git did not answer: " + query.status.description() + ".",
+                       exitFailed, classOfSilentFailure(query.status));
+    }
+    const auto request = newRequest(git.workingCopy(), NEBSourceControlRequestStatus);
+    return failureWith(NEBSourceControlErrorFromText(stderrText, *request));
+}
+
+std::optional<CommandOutput> refusalOfValue(const RequestResult& result) {
+    if (const auto& value = result.refusedValue) {
+        const bool isOption = value->value.starts_with('-');
+        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
+                           " is refused, as git would " + std::string(value->danger) + ".",
+                       exitNotUnderstood);
+    }
+    return std::nullopt;
+}
+
+std::string textForMissingFile(const WorkingCopyLocation& workingCopy,
+                               const NEBSourceControlError& error) {
+    constexpr std::string_view noMatch = "did not match any file";
+    if (error.files.size() != 1 || error.text.value_or("").find(noMatch) == std::string::npos) {
+        return {};
+    }
+    const std::string& file = error.files.front();
+    const std::string path =
+        file.starts_with('/') ? file : pathByAppendingComponent(workingCopy.location, file);
+    const std::string name = inQuotes(pathAsSeen(workingCopy, path));
+    return isAnythingAt(path) ? "git does not track " + name + "."
+                              : "There is no file or folder " + name + ".";
+}
+
+// ---- repositories -----------------------------------------------------------------------------
+
+std::optional<CommandOutput> refusalOutsideRepository(const GitQueries& git) {
+    return git.workingCopy().isRepository
+               ? std::nullopt
+               : std::optional(failureOfQuery(git, git.workingCopy().discovery));
+}
+
+std::optional<CommandOutput> refusalOutsideWorkingCopy(const GitQueries& git) {
+    return git.workingCopy().isWorkingCopy
+               ? std::nullopt
+               : std::optional(failureOfQuery(git, git.workingCopy().discovery));
+}
+
+std::optional<CommandOutput> refusalWithoutSubversion(const GitQueries& git) {
+    if (auto refused = refusalOutsideRepository(git)) {
+        return refused;
+    }
+    if (hasSubversion(git)) {
+        return std::nullopt;
+    }
+    CommandOutput output = refusal("No Subversion repository stands behind this one.", exitFailed);
+    output.standardError += "\"git svn clone URL\" makes a repository that has one.\n";
+    return output;
+}
+
+// ---- revisions --------------------------------------------------------------------------------
+
+std::optional<CommandOutput> refusalWithoutCommits(const GitQueries& git) {
+    if (!git.isWithoutCommits()) {
+        return std::nullopt;
+    }
+    if (const auto broken = brokenReference(git, "HEAD")) {
+        return failureWith(*broken);
+    }
+    const std::string branch =
+        git.outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
+    return refusal("There are no commits yet on the current branch " + inQuotes(branch) + ".",
+                   exitFailed, NEBSourceControlNoCommitsYetErrorClass);
+}
+
+CommandOutput refusalOfUnknownRevision(const GitQueries& git, const std::string& revision) {
+    if (const auto broken = brokenReference(git, revision)) {
+        return failureWith(*broken);
+    }
+    return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
+                   NEBSourceControlRevisionUnknownErrorClass);
+}
+
+std::optional<CommandOutput> refusalOfRevision(const GitQueries& git, const std::string& revision) {
+    if (revision.starts_with('-')) {
+        return std::nullopt;
+    }
+    if (revision.starts_with('^')) {
+        return refusalOfUnknownRevision(git, revision);
+    }
+    const ChildOutcome commit = git.runForCommit(revision);
+    if (commit.status.isSuccess()) {
+        return std::nullopt;
+    }
+    return commit.status.exitStatus() == 1 ? refusalOfUnknownRevision(git, revision)
+                                           : failureOfQuery(git, commit);
+}
+
+CommandOutput refusalOfBranchNotFetched(const GitQueries& git, const TrackedBranch& tracked) {
+    const std::string& remote = tracked.remote;
+    const std::string reference = std::string(localBranchPrefix) + tracked.branch;
+    const ChildOutcome heads = git.run({"ls-remote", "--heads", "--", remote, reference});
+    std::string sentence = "There is no branch " + inQuotes(tracked.branch) + " in the remote " +
+                           inQuotes(remote) + ".";
+    std::string advice = "nebsc remote branches " + shellQuoted(remote);
+    std::string effect = " shows those that there are.\n";
+    if (!heads.status.isSuccess()) {
+        sentence = "The fetch from the remote " + inQuotes(remote) + " brought no branch " +
+                   inQuotes(tracked.branch) + ".";
+    } else if (hasLineEndingWith(std::string(heads.output), "\t" + reference)) {
+        sentence = "The remote " + inQuotes(remote) + " has the branch " +
+                   inQuotes(tracked.branch) + ", but the setting " +
+                   inQuotes("remote." + remote + ".fetch") + " does not fetch it as " +
+                   inQuotes(remote + "/" + tracked.branch) + ".";
+        advice = "git remote set-branches --add " + shellQuoted(remote) + " " +
+                 shellQuoted(tracked.branch);
+        effect = " adds it to the setting.\n";
+    }
+    CommandOutput output =
+        refusal(sentence, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass);
+    output.standardError += inQuotes(advice) + effect;
+    return output;
+}
+
+// ---- files ------------------------------------------------------------------------------------
+
+std::optional<CommandOutput> refusalOfPathOutside(const GitQueries& git, const std::string& path) {
+    const WorkingCopyLocation& workingCopy = git.workingCopy();
+    if (liesWithin(path, workingCopy.location)) {
+        return std::nullopt;
+    }
+    return refusal(inQuotes(path) + " lies outside the " +
+                       (workingCopy.isWorkingCopy ? "working copy " : "repository ") +
+                       inQuotes(workingCopy.location) + ".",
+                   exitFailed, NEBSourceControlPathOutsideErrorClass);
+}
+
+std::optional<CommandOutput> refusalInsideGitFolder(const GitQueries& git,
+                                                    const std::string& path) {
+    std::error_code ignored;
+    const std::string resolved = fs::weakly_canonical(path, ignored).string();
+    for (const char* question : {"--git-dir", "--git-common-dir"}) {
+        const auto folder = git.outputOf({"rev-parse", "--path-format=absolute", question});
+        if (folder && liesWithin(resolved, fs::weakly_canonical(*folder, ignored).string())) {
+            return refusal(inQuotes(path) + " lies in the repository's own folder " +
+                               inQuotes(*folder) + "; nothing was written.",
+                           exitFailed, NEBSourceControlPathInvalidErrorClass);
+        }
+    }
+    return std::nullopt;
+}
+
+CommandOutput refusalOfMissingFolder(const std::string& argument) {
+    return refusal("There is no folder " + inQuotes(argument) + ".", exitFailed,
+                   NEBSourceControlDestinationMissingErrorClass);
+}
+
+std::optional<CommandOutput> refusalOfExisting(const WorkingCopyLocation& workingCopy,
+                                               const std::string& path) {
+    if (!isAnythingAt(path)) {
+        return std::nullopt;
+    }
+    return refusal("There is a file or folder " + inQuotes(pathAsSeen(workingCopy, path)) +
+                       " already; nothing was done.",
+                   exitFailed, NEBSourceControlDestinationExistsErrorClass);
+}
+
+CommandOutput refusalAboutFiles(const WorkingCopyLocation& workingCopy, std::string_view text,
+                                const std::vector<std::string>& files,
+                                std::string_view errorClass) {
+    CommandOutput refused = refusal(text, exitFailed, errorClass);
+    for (const std::string& file : files) {
+        refused.standardError += "    " + shownPath(workingCopy, file) + "\n";
+    }
+    refused.error->files = files;
+    return refused;
+}
+
+void addConflicts(CommandOutput& output, const GitQueries& git, std::string_view text) {
+    const ChildOutcome conflicts = git.run({"diff", "--name-only", "--diff-filter=U", "-z"});
+    if (!conflicts.status.isSuccess()) {
+        addFailure(output, failureOfQuery(git, conflicts));
+    } else if (!conflicts.output.empty()) {
+        addFailure(output,
+                   refusalAboutFiles(git.workingCopy(), text, textsBetweenNULs(conflicts.output),
+                                     NEBSourceControlConflictErrorClass));
+    }
+}
+
+}  // namespace neb::nebsc

@@ -1,0 +1,98 @@
+#include "CommandFrame/GitQueries.h"
+
+#include <algorithm>
+
+#include "Platform/Scanner.h"
+#include "Session/GitProgram.h"
+
+namespace neb::nebsc {
+
+// ---- any question -----------------------------------------------------------------------------
+
+ChildOutcome GitQueries::run(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "--literal-pathspecs");
+    return runGit(_interruption, _trace, std::move(arguments), _workingCopy.location);
+}
+
+bool GitQueries::succeeds(std::vector<std::string> arguments) const {
+    return run(std::move(arguments)).status.isSuccess();
+}
+
+std::optional<std::string> GitQueries::outputOf(std::vector<std::string> arguments) const {
+    return answerOf(run(std::move(arguments)));
+}
+
+std::vector<std::string> GitQueries::linesOf(std::vector<std::string> arguments) const {
+    const std::string output(run(std::move(arguments)).output);
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < output.size();) {
+        const std::size_t end = std::min(output.find('\n', start), output.size());
+        lines.push_back(output.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+// ---- revisions --------------------------------------------------------------------------------
+
+ChildOutcome GitQueries::runForCommit(const std::string& revision) const {
+    return run({"rev-parse", "--verify", "--quiet", "--end-of-options", revision + "^{commit}"});
+}
+
+std::optional<std::string> GitQueries::commitId(const std::string& revision) const {
+    return answerOf(runForCommit(revision));
+}
+
+bool GitQueries::isCommit(const std::string& revision) const {
+    return runForCommit(revision).status.isSuccess();
+}
+
+bool GitQueries::isUnknownRevision(const std::string& revision) const {
+    return runForCommit(revision).status.exitStatus() == 1;
+}
+
+bool GitQueries::isWithoutCommits() const {
+    return _workingCopy.hasCommits
+               ? !*_workingCopy.hasCommits
+               : run({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
+}
+
+std::optional<std::string> GitQueries::headCommit() const {
+    return outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
+}
+
+bool GitQueries::isMerged(const std::string& revision) const {
+    return succeeds({"merge-base", "--is-ancestor", revision, "HEAD"});
+}
+
+// ---- files ------------------------------------------------------------------------------------
+
+bool GitQueries::isTracked(const std::string& path) const {
+    return outputOf({"ls-files", "-z", "--", path}).has_value();
+}
+
+/// git check-ignore does not accept --literal-pathspecs, and takes no argument for a pattern.
+bool GitQueries::isIgnored(const std::string& path) const {
+    return runGit(_interruption, _trace, {"check-ignore", "--quiet", "--", path},
+                  _workingCopy.location)
+        .status.isSuccess();
+}
+
+/// Reads the tree instead of the object, because a submodule's commit is not in the repository.
+std::optional<std::string> GitQueries::typeOfEntry(const std::string& revision,
+                                                   const std::string& path) const {
+    const std::string fromTop = pathFromTop(_workingCopy, path);
+    if (fromTop.empty()) {
+        return "tree";
+    }
+    const ChildOutcome entry = run({"ls-tree", "--full-tree", "-z", revision, fromTop});
+    if (!entry.status.isSuccess()) {
+        return std::nullopt;
+    }
+    Scanner scanner(entry.output);
+    scanner.takeUpToSpace();  // the mode
+    scanner.skipSpace();
+    return std::string(scanner.takeUpToSpace());
+}
+
+}  // namespace neb::nebsc

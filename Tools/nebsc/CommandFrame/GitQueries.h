@@ -1,0 +1,75 @@
+// GitQueries.h - questions to git about the repository that a command works in.
+//
+//     const auto pager = git.outputOf({"config", "--get", "core.pager"});
+//     if (git.isUnknownRevision("v1.0")) …
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "CommandFrame/WorkingCopyLocation.h"
+#include "Platform/ChildProcess.h"
+#include "Session/Interruption.h"
+#include "Session/Trace.h"
+
+namespace neb::nebsc {
+
+/// Not thread-safe. Unless stated otherwise, each query runs one git process, which a signal ends.
+class GitQueries {
+public:
+    /// Both must outlive the object.
+    GitQueries(Interruption& interruption, const Trace& trace)
+        : _interruption(interruption), _trace(trace) {}
+
+    [[nodiscard]] Interruption& interruption() const { return _interruption; }
+    [[nodiscard]] const Trace& trace() const { return _trace; }
+    [[nodiscard]] const WorkingCopyLocation& workingCopy() const { return _workingCopy; }
+    void setWorkingCopy(WorkingCopyLocation workingCopy) { _workingCopy = std::move(workingCopy); }
+
+    // ---- any question
+
+    /// Runs git in the working copy. Path arguments are never patterns.
+    [[nodiscard]] ChildOutcome run(std::vector<std::string> arguments) const;
+    /// Returns whether git exits with status 0.
+    [[nodiscard]] bool succeeds(std::vector<std::string> arguments) const;
+    /// Returns git's output without the line end; absent if git fails or prints nothing.
+    [[nodiscard]] std::optional<std::string> outputOf(std::vector<std::string> arguments) const;
+    /// Returns the lines of git's output, without line ends.
+    [[nodiscard]] std::vector<std::string> linesOf(std::vector<std::string> arguments) const;
+
+    // ---- revisions
+
+    /// Runs git to find the commit that a revision stands for. git exits with status 1 and prints
+    /// nothing if there is none.
+    [[nodiscard]] ChildOutcome runForCommit(const std::string& revision) const;
+    /// Returns the full commit id that a revision stands for; absent if there is none.
+    [[nodiscard]] std::optional<std::string> commitId(const std::string& revision) const;
+    [[nodiscard]] bool isCommit(const std::string& revision) const;
+    /// Returns whether git knows no such commit. False if git failed for another reason.
+    [[nodiscard]] bool isUnknownRevision(const std::string& revision) const;
+    /// Returns whether HEAD names no commit yet. Runs git only in a bare repository.
+    [[nodiscard]] bool isWithoutCommits() const;
+    /// Returns the commit of HEAD as it is now, 12 characters; absent if there is none.
+    [[nodiscard]] std::optional<std::string> headCommit() const;
+    /// Returns whether HEAD contains the revision.
+    [[nodiscard]] bool isMerged(const std::string& revision) const;
+
+    // ---- files
+
+    /// Returns whether the index has the path or something below it.
+    [[nodiscard]] bool isTracked(const std::string& path) const;
+    /// Returns whether git ignores the path.
+    [[nodiscard]] bool isIgnored(const std::string& path) const;
+    /// Returns "blob", "tree" or, for a submodule, "commit"; empty if the revision has nothing at
+    /// the path, absent if git fails.
+    [[nodiscard]] std::optional<std::string> typeOfEntry(const std::string& revision,
+                                                         const std::string& path) const;
+
+private:
+    Interruption& _interruption;
+    const Trace& _trace;
+    WorkingCopyLocation _workingCopy{};
+};
+
+}  // namespace neb::nebsc

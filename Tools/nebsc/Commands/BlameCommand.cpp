@@ -13,6 +13,7 @@
 #include "Platform/Text.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/Presentation.h"
+#include "Terminal/Tabs.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -84,12 +85,7 @@ std::string fittingContent(const std::string& content, std::size_t columnsBefore
     if (!columnsOfTerminal(STDOUT_FILENO)) {
         return content;
     }
-    constexpr std::size_t tabStop = 8;
-    std::string line;
-    forEachPiece(content, '\t', [&](std::string_view piece) {
-        const bool isFirst = piece.data() == content.data();
-        line.append(isFirst ? 0 : tabStop - columnsOf(line) % tabStop, ' ').append(piece);
-    });
+    std::string line = expandTabs(content);
     if (line.ends_with('\r')) {
         line.pop_back();
     }

@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <algorithm>
 #include <limits>
 
 #include "CommandFrame/CommandTask.h"
@@ -8,63 +7,13 @@
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/PathString.h"
-#include "Platform/Text.h"
+#include "Terminal/PatchText.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
 
 namespace {
-
-/// Colours a patch line by line, the way of git.
-class PatchColours {
-public:
-    [[nodiscard]] std::string line(const std::string& line) {
-        if (line.starts_with("diff ")) {
-            _isHeader = true;
-        } else if (line.starts_with("@@")) {
-            _isHeader = false;
-            const std::size_t end = line.find(" @@");
-            const std::size_t behind =
-                end == std::string::npos ? end : line.find_first_not_of('@', end + 1);
-            const std::size_t length = std::min(behind, line.size());
-            return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
-        }
-        return coloured(line, colourOf(line));
-    }
-
-private:
-    /// In a header, "---" and "+++" are no lines that went and came.
-    [[nodiscard]] Colour colourOf(std::string_view line) const {
-        if (_isHeader) {
-            return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
-        }
-        return line.starts_with('+')   ? Colour::green
-               : line.starts_with('-') ? Colour::red
-                                       : Colour::none;
-    }
-
-    bool _isHeader = false;
-};
-
-/// A patch that goes elsewhere than to a terminal keeps its bytes, for a program to apply.
-std::string shownPatch(std::string_view patch, bool isColoured) {
-    const bool isForTerminal = ::isatty(STDOUT_FILENO) == 1;
-    if (!isForTerminal && !isColoured) {
-        return std::string(patch);
-    }
-    std::string lines;
-    PatchColours colours;
-    if (patch.ends_with('\n')) {
-        patch.remove_suffix(1);
-    }
-    forEachPiece(patch, '\n', [&](std::string_view piece) {
-        const std::string line = isForTerminal ? printableLine(piece) : std::string(piece);
-        lines.append(isColoured ? colours.line(line) : line).append("\n");
-    });
-    return lines;
-}
 
 class DiffTask : public CommandTask {
 public:
@@ -143,7 +92,7 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
     std::string lines;
     for (const NEBDictionary& record : records) {
         if (const auto patch = record.value(NEBSourceControlOperationContentKey).string()) {
-            lines += shownPatch(*patch, isColoured);
+            lines += patchText(STDOUT_FILENO, *patch, isColoured);
         }
     }
     for (const NameStatusEntry& entry : _entries) {

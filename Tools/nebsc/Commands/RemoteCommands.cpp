@@ -2,8 +2,8 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <utility>
+#include <string>
+#include <vector>
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
@@ -11,7 +11,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/TextWidth.h"
+#include "Terminal/TextTable.h"
 
 namespace neb::nebsc {
 
@@ -19,25 +19,6 @@ namespace {
 
 std::string textOf(const NEBDictionary& record, NEBConstant key) {
     return std::string(record.value(key).string().value_or(""));
-}
-
-/// A line for each row: the first text, printable, and then the second one, aligned.
-std::string alignedLines(std::vector<std::pair<std::string, std::string>> rows) {
-    std::size_t width = 0;
-    for (auto& row : rows) {
-        row = {printable(row.first), printable(row.second)};
-        width = std::max(width, columnsOf(row.first));
-    }
-    std::string lines;
-    for (const auto& [first, second] : rows) {
-        lines += first;
-        if (!second.empty()) {
-            lines.append(width - columnsOf(first) + 2, ' ')
-                .append(fitting(STDOUT_FILENO, width + 2, second));
-        }
-        lines += '\n';
-    }
-    return lines;
 }
 
 // ---- list -------------------------------------------------------------------------------------
@@ -75,6 +56,10 @@ std::vector<Remote> remotesOf(const NEBSourceControlResult& result) {
     return remotes;
 }
 
+std::vector<std::string> rowOf(const std::string& name, const std::string& location) {
+    return {printable(name), printable(textWithoutPasswords(location))};
+}
+
 class ListTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -97,35 +82,32 @@ void ListTask::completeLocations(Remote& remote) {
 }
 
 void ListTask::report(const Outcome& outcome, CommandOutput& output) {
-    std::vector<std::pair<std::string, std::string>> rows;
+    std::vector<std::vector<std::string>> rows;
     for (Remote& remote : remotesOf(outcome.result.value_or(NEBSourceControlResult{}))) {
         if (remote.isIncomplete) {
             completeLocations(remote);
         }
         const std::string name = remote.name.empty() ? "svn" : remote.name;
         if (remote.isSubversion) {
-            rows.emplace_back(name, remote.fetch.front() + " (Subversion)");
+            rows.push_back(rowOf(name, remote.fetch.front() + " (Subversion)"));
             continue;
         }
         if (remote.fetch == remote.push && remote.fetch.size() <= 1) {
-            rows.emplace_back(name, remote.fetch.empty() ? "" : remote.fetch.front());
+            rows.push_back(rowOf(name, remote.fetch.empty() ? "" : remote.fetch.front()));
             continue;
         }
         for (const std::string& location : remote.fetch) {
-            rows.emplace_back(name, location + " (fetch)");
+            rows.push_back(rowOf(name, location + " (fetch)"));
         }
         for (const std::string& location : remote.push) {
-            rows.emplace_back(name, location + " (push)");
+            rows.push_back(rowOf(name, location + " (push)"));
         }
-    }
-    for (auto& row : rows) {
-        row.second = textWithoutPasswords(row.second);
     }
     output.standardOutput =
         rows.empty()
             ? "The repository " + printable(inQuotes(lastPathComponent(workingCopy().location))) +
                   " has no remotes.\n"
-            : alignedLines(std::move(rows));
+            : tableLines(STDOUT_FILENO, rows);
 }
 
 constinit const Command listCommand{
@@ -234,15 +216,15 @@ protected:
 };
 
 void BranchesTask::report(const Outcome& outcome, CommandOutput& output) {
-    std::vector<std::pair<std::string, std::string>> rows;
+    std::vector<std::vector<std::string>> rows;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
         if (!record.isEmpty()) {
-            rows.emplace_back(textOf(record, NEBSourceControlOperationNameKey),
-                              textOf(record, NEBSourceControlOperationRevisionKey));
+            rows.push_back({printable(textOf(record, NEBSourceControlOperationNameKey)),
+                            printable(textOf(record, NEBSourceControlOperationRevisionKey))});
         }
     }
     output.standardOutput =
-        rows.empty() ? "The repository has no branches.\n" : alignedLines(std::move(rows));
+        rows.empty() ? "The repository has no branches.\n" : tableLines(STDOUT_FILENO, rows);
 }
 
 constexpr Parameter branchesParameters[] = {

@@ -8,7 +8,7 @@
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Session/ReportCapture.h"
 #include "Terminal/Presentation.h"
-#include "Terminal/TextWidth.h"
+#include "Terminal/TextTable.h"
 
 namespace neb::nebsc {
 
@@ -93,32 +93,12 @@ std::string joined(const std::vector<std::string>& texts) {
     return line;
 }
 
-using Row = std::array<std::string, 5>;
-
-Row rowOf(const TypeDescription& type) {
+std::vector<std::string> rowOf(const TypeDescription& type) {
+    constexpr std::size_t numberColumns = 4;
     const std::string number = std::to_string(type.type);
-    return {std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number,
+    return {std::string(numberColumns - std::min(number.size(), numberColumns), ' ') + number,
             printable(type.name), printable(type.operation.value_or("none")),
             type.authentication ? "may need it" : "no", printable(joined(type.needs))};
-}
-
-/// Each column as wide as its widest text, two blanks between them, none at a line's end.
-std::string tableOf(const std::vector<Row>& rows) {
-    std::array<std::size_t, std::tuple_size_v<Row>> widths{};
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], row[i].size());
-        }
-    }
-    std::string table;
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-        }
-        table += fitting(STDOUT_FILENO, 0, line.substr(0, line.find_last_not_of(' ') + 1)) + "\n";
-    }
-    return table;
 }
 
 nlohmann::ordered_json jsonOf(const TypeDescription& type) {
@@ -130,7 +110,8 @@ nlohmann::ordered_json jsonOf(const TypeDescription& type) {
 }
 
 CommandOutput run(const CommandCall& call) {
-    std::vector<Row> rows{{"type", "name", "operation", "authentication", "needs"}};
+    std::vector<std::vector<std::string>> rows{
+        {"type", "name", "operation", "authentication", "needs"}};
     auto array = nlohmann::ordered_json::array();
     for (auto type = NEBSourceControlFirstRequestType; type <= NEBSourceControlLastRequestType;
          ++type) {
@@ -138,7 +119,7 @@ CommandOutput run(const CommandCall& call) {
         rows.push_back(rowOf(description));
         array.push_back(jsonOf(description));
     }
-    return {.standardOutput = call.isJSON ? lineOfJSON(array) : tableOf(rows),
+    return {.standardOutput = call.isJSON ? lineOfJSON(array) : tableLines(STDOUT_FILENO, rows),
             .standardError = {},
             .exitStatus = exitDone};
 }

@@ -15,6 +15,7 @@
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/FileDescriptor.h"
 #include "Terminal/Output.h"
+#include "Terminal/Tabs.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -45,7 +46,6 @@ winsize sizeOfTerminal(int descriptor) {
 
 /// The columns of a line, in which colours take none.
 std::size_t columnsOnTerminal(std::string_view line) {
-    constexpr std::size_t tabStop = 8;
     std::size_t columns = 0;
     while (!line.empty()) {
         const std::size_t end = std::min(line.find_first_of("\x1b\t\r"), line.size());
@@ -54,7 +54,7 @@ std::size_t columnsOnTerminal(std::string_view line) {
         if (line.starts_with('\x1b')) {
             line.remove_prefix(std::min(line.find('m'), line.size() - 1) + 1);
         } else if (!line.empty()) {
-            columns += line.starts_with('\t') ? tabStop - columns % tabStop : 0;
+            columns += line.starts_with('\t') ? columnsOfTab(columns) : 0;
             line.remove_prefix(1);
         }
     }

@@ -49,7 +49,7 @@ need_node_packages() {
 
 build_packages=(g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev)
 package_packages=(dpkg-dev file)
-test_packages=(libgtest-dev libgmock-dev procps util-linux git-svn subversion locales openssl
+test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
     python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy cppcheck)

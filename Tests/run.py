@@ -1,0 +1,185 @@
+#!/usr/bin/env python3
+"""Runs the test programs of a build folder, split over the processors, and reports failures.
+
+Usage: run.py BUILD-FOLDER [--threaded] [--filter TEXT] [--slowest COUNT]
+
+Each program runs as several processes, each with a share of its tests (GoogleTest's sharding).
+Prints the name and the output of each test that fails, and nothing of a test that passes. Kills a
+process whose test runs longer than LIMIT seconds, and names that test.
+"""
+import argparse
+import os
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from collections import namedtuple
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+SOURCE = Path(__file__).resolve().parent
+LIMIT = 120
+PROCESSORS = len(os.sched_getaffinity(0))
+
+# Slowest first, so that the last process to end is a short one.
+PROGRAMS = {name: "*" for name in
+            ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_tests"]}
+
+# What the thread sanitizer runs: the tests in which this project's code runs on several threads.
+# Without: git_tests and failure_tests. Each of their tests starts one operation and waits for it; the
+# threads below an operation (queue, readers of pipes, cancelling) are those of the host library,
+# which host_tests and fault_tests run with every interleaving that they can provoke.
+THREADED = {
+    "host_tests": "*",
+    "fault_tests": "*",
+}
+
+Job = namedtuple("Job", "name command environment isGoogleTest", defaults=[True])
+Result = namedtuple("Result", "job passed skipped failures seconds times")
+
+
+def google_test_jobs(build, programs, text):
+    """The processes of the programs, each with its share of the tests that match."""
+    shards = 2 * PROCESSORS
+    for program, selection in programs.items():
+        if not (build / "bin" / program).exists():
+            sys.exit(f"{program} is not built in {build}")
+        for shard in range(shards):
+            yield Job(f"{program} {shard + 1}/{shards}",
+                      [build / "bin" / program, f"--gtest_filter={text or selection}"],
+                      {"GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
+
+
+def other_jobs(build):
+    """The editor's client and, as a plain program cannot link a sanitized library, the package."""
+    yield Job("EditorClient", ["node", "--test", SOURCE / "EditorClient/serve.test.js"],
+              {"NEBSC": str(build / "bin/nebsc"),
+               "NODE_PATH": str(build / "editor-client/node_modules")}, False)
+    cache = (build / "CMakeCache.txt").read_text()
+    if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
+        return
+    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.MULTILINE).group(1)
+    for case in ["Installation", "Examples", "DebianPackage"]:
+        yield Job(f"Package {case}", [sys.executable, SOURCE / "Package/package_test.py", build, case],
+                  {"CXX": compiler}, False)
+
+
+def wait_for(process, log, limit):
+    """Returns the exit status of the process; None if one test took too long and it was killed."""
+    last, since = None, time.monotonic()
+    while True:
+        try:
+            return process.wait(timeout=1)
+        except subprocess.TimeoutExpired:
+            progress = running_test(Path(log.name).read_text(errors="replace"))
+        if progress != last:
+            last, since = progress, time.monotonic()
+        elif time.monotonic() - since > limit:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+            return None
+
+
+def running_test(output):
+    """The name of the test that started last; None before the first."""
+    names = re.findall(r"^\[ RUN      \] (\S+)", output, re.MULTILINE)
+    return names[-1] if names else None
+
+
+def google_test_result(job, output, status, seconds):
+    """Counts the tests of a process and collects the output of those that failed."""
+    passed, skipped, failures, times = 0, 0, [], []
+    name, lines = None, []
+    for line in output.splitlines():
+        start = re.match(r"\[ RUN      \] (\S+)", line)
+        end = re.search(r"\[ +(OK|FAILED|SKIPPED) +\] ([^\s,]+).*\((\d+) ms\)", line)
+        if start:
+            name, lines = start.group(1), []
+        elif name and end and end.group(2) == name:
+            outcome = end.group(1)
+            passed += outcome == "OK"
+            skipped += outcome == "SKIPPED"
+            if outcome == "FAILED":
+                failures.append((name, lines))
+            times.append((int(end.group(3)), name))
+            name = None
+        else:
+            lines.append(line)
+    if status is None:
+        failures.append((f"{name}, which did not end within {LIMIT} seconds", lines))
+    elif name:
+        failures.append((f"{name}, which ended the process with {description(status)}", lines))
+    elif status != 0 and not failures:
+        failures.append((f"{job.name}: {description(status)}", output.splitlines()[-40:]))
+    return Result(job, passed, skipped, failures, seconds, times)
+
+
+def description(status):
+    return f"exit status {status}" if status >= 0 else signal.Signals(-status).name
+
+
+def run(job):
+    begin = time.monotonic()
+    with tempfile.NamedTemporaryFile(prefix="neb-run-") as log:
+        process = subprocess.Popen(job.command, stdin=subprocess.DEVNULL, stdout=log,
+                                   stderr=subprocess.STDOUT, start_new_session=True,
+                                   env={**os.environ, **job.environment})
+        status = wait_for(process, log, LIMIT if job.isGoogleTest else 5 * LIMIT)
+        output = Path(log.name).read_text(errors="replace")
+    seconds = time.monotonic() - begin
+    if job.isGoogleTest:
+        result = google_test_result(job, output, status, seconds)
+    else:
+        failures = [] if status == 0 else [(job.name, output.splitlines())]
+        result = Result(job, int(status == 0), 0, failures, seconds, [])
+    report(result)
+    return result
+
+
+def report(result):
+    if result.passed or result.skipped or result.failures:
+        counts = f"{result.passed} passed, {result.skipped} skipped, {len(result.failures)} failed"
+        print(f"{result.job.name:20} {counts}, {result.seconds:.1f} s", flush=True)
+    for name, lines in result.failures:
+        print("\n".join([f"---- FAILED: {name}", *lines, "----"]), flush=True)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build", type=Path)
+    parser.add_argument("--threaded", action="store_true",
+                        help="only the programs and tests that the thread sanitizer runs")
+    parser.add_argument("--filter", default="",
+                        help="a part of the names of tests, or a pattern as GoogleTest takes it")
+    parser.add_argument("--slowest", type=int, default=0, help="print so many of the slowest tests")
+    options = parser.parse_args()
+    build = options.build.resolve()
+    text = options.filter
+    if text and not re.search(r"[*?:]", text):
+        text = f"*{text}*"
+
+    jobs = list(google_test_jobs(build, THREADED if options.threaded else PROGRAMS, text))
+    if not options.threaded and not text:
+        jobs = list(other_jobs(build)) + jobs
+    begin = time.monotonic()
+    with ThreadPoolExecutor(PROCESSORS) as pool:
+        results = list(pool.map(run, jobs))
+    passed, skipped = sum(r.passed for r in results), sum(r.skipped for r in results)
+    failures = [name for result in results for name, _ in result.failures]
+    for milliseconds, name in sorted((t for r in results for t in r.times), reverse=True)[
+            :options.slowest]:
+        print(f"{milliseconds:6} ms {name}")
+    print(f"{passed} passed, {skipped} skipped, {len(failures)} failed in"
+          f" {time.monotonic() - begin:.0f} s")
+    for name in failures:
+        print(f"FAILED {name}")
+    if passed + skipped + len(failures) == 0:
+        print(f"No test matches '{options.filter}'.", file=sys.stderr)
+        return 1
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -47,10 +47,10 @@ need_node_packages() {
     cp "$1/package-lock.json" "$2/installed-lock.json"
 }
 
-build_packages=(g++ cmake ninja-build git libcli11-dev nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build git nlohmann-json3-dev)
 package_packages=(dpkg-dev file)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
     python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy cppcheck)
-benchmark_packages=(libbenchmark-dev libgit2-dev pkg-config gnuplot-nox)
+benchmark_packages=(libbenchmark-dev libcli11-dev libgit2-dev pkg-config gnuplot-nox)

@@ -1,51 +1,77 @@
 #include "Program.h"
 
+#include <algorithm>
 #include <exception>
+#include <map>
 
-#include "CommandLine/CommandLine.h"
+#include "CommandLine/CommandLineParser.h"
+#include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
+#include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/PlugInLocation.h"
 #include "Session/StartFolder.h"
+#include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
 
 namespace {
 
-CommandOutput replyTo(const Call& call) {
-    if (const auto refused = enterFolders(call.folders)) {
+Colours coloursOf(const Arguments& arguments) {
+    static const std::map<std::string, Colours> choices{
+        {"auto", Colours::automatic}, {"always", Colours::always}, {"never", Colours::never}};
+    return choices.at(arguments.value(colourOption).value_or("auto"));
+}
+
+/// Loads the plug-in and runs the command, or prints the versions.
+CommandOutput runCommand(const ParsedCommandLine& commandLine) {
+    const Arguments& arguments = commandLine.arguments;
+    const bool isJSON = arguments.has(jsonOption);
+    const bool isForVersions = arguments.has(versionOption);
+    if (const auto refused = enterFolders(arguments.all(folderOption))) {
         return *refused;
     }
-    const std::string path = call.plugIn.empty() ? defaultPlugInPath() : call.plugIn;
+    const std::string path = arguments.value(plugInOption).value_or(defaultPlugInPath());
     const PlugInFile plugIn{.path = path, .load = NEBSourceControlPlugIn::load(path)};
     std::unique_ptr<const NEBSourceControlProtocol> controller;
-    if (call.command == nullptr || call.command->needsPlugIn) {
+    if (isForVersions || commandLine.command()->needsPlugIn) {
         if (!plugIn.load.plugIn) {
             return refusal(plugIn.load.failure, exitNotUnderstood);
         }
         controller = plugIn.load.plugIn->makePrincipalClass();
         if (!controller) {
-            return refusal("The plug-in \"" + path + "\" has no principal class to give.",
+            return refusal("plug-in " + inQuotes(path) + " has no principal class",
                            exitNotUnderstood);
         }
     }
-    const HostSession session(std::move(controller), call.isTraced);
-    if (call.command == nullptr) {
-        return replyWithVersions(*plugIn.load.plugIn, session.trace(), call.isJSON);
+    const HostSession session(std::move(controller), arguments.has(traceOption));
+    if (isForVersions) {
+        return replyWithVersions(*plugIn.load.plugIn, session.trace(), isJSON);
     }
-    return call.command->run({.plugIn = plugIn,
-                              .session = session,
-                              .command = *call.command,
-                              .arguments = call.arguments,
-                              .isJSON = call.isJSON,
-                              .colours = call.colours});
+    const Command& command = *commandLine.command();
+    return command.run({.plugIn = plugIn,
+                        .session = session,
+                        .command = command,
+                        .arguments = arguments,
+                        .isJSON = isJSON,
+                        .colours = coloursOf(arguments)});
 }
 
-/// The reply of a program that an exception ended, an outcome too where one was asked for.
-CommandOutput replyToFailure(const Call* call) {
+CommandOutput run(const ParsedCommandLine& commandLine) {
+    if (commandLine.arguments.has(helpOption)) {
+        return {.standardOutput = helpText(commandLine.commands),
+                .standardError = {},
+                .exitStatus = exitDone};
+    }
+    return runCommand(commandLine);
+}
+
+/// Returns the output for the current exception: an error message, or an outcome if the command
+/// prints JSON.
+CommandOutput outputOfCurrentException(const ParsedCommandLine& commandLine) {
     CommandOutput output = failureWith(NEBSourceControlErrorOfCurrentException());
-    if (call != nullptr && (call->isJSON || call->command == &requestCommand)) {
+    if (commandLine.arguments.has(jsonOption) || commandLine.command() == &requestCommand) {
         Outcome outcome;
         outcome.error = output.error;
         output.standardOutput = textOfOutcome(outcome) + "\n";
@@ -57,16 +83,20 @@ CommandOutput replyToFailure(const Call* call) {
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) noexcept {
-    std::optional<Call> call;
+    ParsedCommandLine commandLine;
     try {
-        auto understood = readCommandLine(argc, argv);
-        if (std::holds_alternative<Call>(understood)) {
-            call = std::get<Call>(std::move(understood));
-            understood = replyTo(*call);
+        std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+        if (arguments.empty()) {
+            arguments.emplace_back(helpOption);
         }
-        return deliver(std::get<CommandOutput>(understood));
+        auto parsed = parseCommandLine(arguments, allCommands());
+        if (const auto* error = std::get_if<UsageError>(&parsed)) {
+            return deliver(outputOf(*error, allCommands()));
+        }
+        commandLine = std::get<ParsedCommandLine>(std::move(parsed));
+        return deliver(run(commandLine));
     } catch (const std::exception&) {
-        return deliver(replyToFailure(call ? &*call : nullptr));
+        return deliver(outputOfCurrentException(commandLine));
     }
 }
 

@@ -1,10 +1,10 @@
-// Program.h - nebsc as a whole.
+// Program.h - the program nebsc, apart from main().
 #pragma once
 
 namespace neb::nebsc {
 
-/// Does what the command line asks for, writes what there is to say, and answers the exit status.
-/// Nothing is thrown.
+/// Runs the command line, writes the output and returns the exit status. The arguments are those of
+/// main(). Throws nothing.
 [[nodiscard]] int runProgram(int argc, const char* const* argv) noexcept;
 
 }  // namespace neb::nebsc

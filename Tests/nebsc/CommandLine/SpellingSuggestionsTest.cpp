@@ -1,4 +1,4 @@
-// What somebody may have meant.
+// Suggestions for misspelt names.
 
 #include "CommandLine/SpellingSuggestions.h"
 
@@ -6,12 +6,14 @@
 
 #include <vector>
 
+#include "Terminal/Presentation.h"
+
 namespace neb::nebsc {
 namespace {
 
-const std::vector<std::string> words{"status", "add", "rm", "remote", "checkout", "log", "ls"};
+const std::vector<std::string> names{"status", "add", "rm", "remote", "checkout", "log", "ls"};
 
-TEST(EditDistance, CountsSlips) {
+TEST(EditDistance, CountsEdits) {
     EXPECT_EQ(editDistance("", ""), 0U);
     EXPECT_EQ(editDistance("abc", ""), 3U);
     EXPECT_EQ(editDistance("", "abc"), 3U);
@@ -23,18 +25,23 @@ TEST(EditDistance, CountsSlips) {
     EXPECT_EQ(editDistance("kitten", "sitting"), 3U);
 }
 
-TEST(QuestionForSimilar, NamesTheNearest) {
-    EXPECT_EQ(questionForSimilar("stauts", words), " Did you mean \"status\"?");
-    EXPECT_EQ(questionForSimilar("check", words), " Did you mean \"checkout\"?");
-    EXPECT_EQ(questionForSimilar("chekcuot", words), " Did you mean \"checkout\"?");
-    EXPECT_EQ(questionForSimilar("lg", words), " Did you mean \"log\" or \"ls\"?");
-    EXPECT_EQ(questionForSimilar("rn", words), " Did you mean \"rm\"?");
+std::string suggestion(const std::string& name) {
+    return suggestionFor(name, names);
 }
 
-TEST(QuestionForSimilar, AsksNothingSillyFarOff) {
-    for (const std::string& word : {std::string("push"), std::string("x"), std::string(""),
+TEST(SuggestionFor, NamesTheNearest) {
+    EXPECT_EQ(suggestion("stauts"), "; did you mean " + inQuotes("status") + "?");
+    EXPECT_EQ(suggestion("check"), "; did you mean " + inQuotes("checkout") + "?");
+    EXPECT_EQ(suggestion("chekcuot"), "; did you mean " + inQuotes("checkout") + "?");
+    EXPECT_EQ(suggestion("lg"),
+              "; did you mean " + inQuotes("log") + " or " + inQuotes("ls") + "?");
+    EXPECT_EQ(suggestion("rn"), "; did you mean " + inQuotes("rm") + "?");
+}
+
+TEST(SuggestionFor, IsEmptyIfNothingIsNear) {
+    for (const std::string& name : {std::string("push"), std::string("x"), std::string(""),
                                     std::string("statistics-of-it"), std::string(1000, 's')}) {
-        EXPECT_EQ(questionForSimilar(word, words), "") << word;
+        EXPECT_EQ(suggestion(name), "") << name;
     }
 }
 

@@ -69,14 +69,10 @@ TEST_F(CommitCommand, TheFirstCommitAndOneOnNoBranchHaveNamesToo) {
               "Committed " + empty.git({"log", "-1", "--format=%H"}).substr(0, 12) + ".\n");
 }
 
-TEST_F(CommitCommand, AMessageIsAskedForAtOnce) {
-    expectFailed(nebsc({"commit"}), "nebsc: --message is required (see nebsc commit --help).\n", 2);
-    expectFailed(nebsc({"commit", "a.c"}), HasSubstr("--message is required"), 2);
-    expectFailed(nebsc({"commit", "--mesage", "x"}),
-                 "nebsc: There is no option \"--mesage\" of \"nebsc commit\". Did you mean "
-                 "\"--message\"?\n",
-                 2);
-    expectFailed(nebsc({"commit", "-m"}), HasSubstr("-m"), 2);
+TEST_F(CommitCommand, RequiresAMessage) {
+    expectFailed(nebsc({"commit"}), HasSubstr("--message"), 2);
+    expectFailed(nebsc({"commit", "a.c"}), HasSubstr("--message"), 2);
+    expectFailed(nebsc({"commit", "-m"}), HasSubstr("--message"), 2);
     EXPECT_EQ(state(), "M  a.c\n M \"src/b é.c\"\n");
 }
 

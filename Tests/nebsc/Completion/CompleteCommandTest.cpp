@@ -331,8 +331,8 @@ TEST_F(CompleteCommand, NamesThatWouldBreakALineAreLeftOut) {
 void expectCompleted(const nebsc::Command& command, const std::string& names) {
     // What only the person who types knows.
     static const std::vector<std::string> unknown{
-        "commit --message",  "log --limit",     "clone --branch", "branch create NAME",
-        "branch track NAME", "remote add NAME", "complete WORD"};
+        "commit --message",  "log --limit",     "clone --branch",   "branch create NAME",
+        "branch track NAME", "remote add NAME", "complete ARGUMENT"};
     for (const nebsc::Parameter& parameter : command.parameters) {
         const std::string_view name = parameter.name.substr(parameter.name.find(',') + 1);
         const std::string whole = names + std::string(command.name) + " " + std::string(name);

@@ -1,11 +1,12 @@
-// The manual page, as the build has laid it out.
+// The manual page of the build.
 
 #include <fstream>
 #include <iterator>
 #include <regex>
 
-#include "CommandLine/CommandLine.h"
+#include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
+#include "Help/Usage.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -21,7 +22,7 @@ std::string contentOf(const fs::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// The text as the page has it, with what roff would change written out.
+/// The text with roff's special characters escaped.
 std::string asInPage(std::string_view text) {
     std::string escaped;
     for (const char character : text) {
@@ -40,8 +41,7 @@ void expectInPage(const std::string& page, const nebsc::Command& command,
     EXPECT_THAT(page, HasSubstr("\n" + asInPage(whole))) << whole << " has no example";
     for (const nebsc::Parameter& parameter : command.parameters) {
         EXPECT_THAT(page, HasSubstr(asInPage(parameter.help) + ".\n")) << whole;
-        const std::string_view name = parameter.name;
-        EXPECT_THAT(page, HasSubstr(asInPage(name.substr(name.find(',') + 1)))) << whole;
+        EXPECT_THAT(page, HasSubstr(asInPage(nebsc::headingOf(parameter)))) << whole;
     }
     for (const nebsc::Command* inner : command.commands) {
         expectInPage(page, *inner, whole + " ");
@@ -59,7 +59,7 @@ TEST(Manual, HasEveryCommandAndOption) {
     for (const nebsc::Command* command : nebsc::allCommands()) {
         expectInPage(page, *command, "nebsc ");
     }
-    for (const nebsc::Parameter& option : nebsc::commonParameters()) {
+    for (const nebsc::Parameter& option : nebsc::commonOptions()) {
         EXPECT_THAT(page, HasSubstr(asInPage(option.help) + ".\n"));
     }
     for (const char* name : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "COMMANDS",
@@ -68,7 +68,7 @@ TEST(Manual, HasEveryCommandAndOption) {
     }
 }
 
-TEST(Manual, TellsOfEveryVariableThatIsRead) {
+TEST(Manual, NamesEveryVariableThatIsRead) {
     const std::string page = contentOf(pageFile);
     const std::string variables = page.substr(page.find(".SH \"ENVIRONMENT\""));
     const std::regex reading(R"~((getenv|variable)\("([A-Z_]+)"\))~");
@@ -101,7 +101,9 @@ TEST(Manual, IsReadable) {
     const NebscOutcome outcome = runProgram(
         "/usr/bin/env", {"groff", "-man", "-Tascii", "-P-c", "-P-b", "-P-u", pageFile}, {});
     EXPECT_THAT(outcome.output, HasSubstr("\n         nebsc rm --force old.c    "));
-    EXPECT_THAT(outcome.output, HasSubstr("\nENVIRONMENT\n       PATH   Where git is looked for"));
+    EXPECT_THAT(
+        outcome.output,
+        HasSubstr("\nENVIRONMENT\n       PATH   The directories that are searched for git"));
     EXPECT_THAT(outcome.output, HasSubstr("130 after Ctrl-C"));
 }
 

@@ -65,7 +65,7 @@ private:
 RevisionArguments Reader::read(const Arguments& arguments) {
     _result.refused = refusalOutsideRepository(_git);
     const std::vector<std::string> all = revisionAndFileArguments(arguments);
-    const auto countAfterDashes = arguments.wordsBehindDashes();
+    const auto countAfterDashes = arguments.countAfterDashes();
     const std::size_t files = std::min(countAfterDashes.value_or(0), all.size());
     for (std::size_t i = 0; i < all.size() && !_result.refused; ++i) {
         if (all[i].empty()) {

@@ -1,4 +1,4 @@
-// GitNames.h - what git's own commands are called here, for those that have another name.
+// GitNames.h - git commands that nebsc offers under another name.
 #pragma once
 
 #include <span>
@@ -7,16 +7,16 @@
 namespace neb::nebsc {
 
 struct GitName {
-    /// Behind "git".
+    /// The command of git: "pull".
     std::string_view nameInGit;
-    /// Behind "nebsc": a command that does the same.
+    /// The command of nebsc that does the same: "update".
     std::string_view name;
 };
 
-/// All of them. What git does and nebsc does not has no row.
+/// Returns all rows. A git command without a counterpart has none.
 [[nodiscard]] std::span<const GitName> gitNames();
 
-/// Returns the nebsc command that does what the git command does, or an empty text.
+/// Returns the nebsc command that does what the git command does; empty if there is none.
 [[nodiscard]] std::string_view nameOfGitCommand(std::string_view nameInGit);
 
 }  // namespace neb::nebsc

@@ -10,49 +10,52 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A slip in a short word, two or three in a longer one; never so many that nothing of it is left.
-std::size_t mostSlips(std::string_view word) {
-    constexpr std::size_t charactersForEach = 3;
-    return std::clamp<std::size_t>(word.size() / charactersForEach, 1, 3);
+/// Longer names are not compared, as the cost is quadratic.
+constexpr std::size_t longestName = 64;
+
+/// Returns the largest distance of a suggestion: 1 for a short name, at most 3 for a longer one.
+std::size_t largestDistance(std::string_view name) {
+    constexpr std::size_t charactersPerEdit = 3;
+    return name.size() > longestName
+               ? 0
+               : std::clamp<std::size_t>(name.size() / charactersPerEdit, 1, 3);
 }
 
-/// How far the words are apart; one that is the beginning of the other counts as a slip.
-std::size_t distanceOf(std::string_view typed, std::string_view word) {
-    constexpr std::size_t leastBeginning = 3;
-    const bool isBeginning = typed.size() >= leastBeginning && word.starts_with(typed);
-    return isBeginning ? 1 : editDistance(typed, word);
+/// Returns the edit distance. An abbreviation of the candidate counts as one edit.
+std::size_t distanceBetween(std::string_view name, std::string_view candidate) {
+    constexpr std::size_t shortestAbbreviation = 3;
+    const bool isAbbreviation = name.size() >= shortestAbbreviation && candidate.starts_with(name);
+    return isAbbreviation ? 1 : editDistance(name, candidate);
 }
 
 }  // namespace
 
-/// The table of the distances between all beginnings of the two, of which three rows are needed.
+/// Computes the table of the distances between all prefixes, of which it keeps three rows.
 std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> beforeLast(b.size() + 1);
-    std::vector<std::size_t> last(b.size() + 1);
+    std::vector<std::size_t> rowBeforeLast(b.size() + 1);
+    std::vector<std::size_t> lastRow(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);
-    std::iota(last.begin(), last.end(), 0);
+    std::iota(lastRow.begin(), lastRow.end(), 0);
     for (std::size_t i = 1; i <= a.size(); ++i) {
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t change = a[i - 1] == b[j - 1] ? 0 : 1;
-            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
+            const std::size_t substitution = a[i - 1] == b[j - 1] ? 0 : 1;
+            row[j] = std::min({lastRow[j] + 1, row[j - 1] + 1, lastRow[j - 1] + substitution});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+                row[j] = std::min(row[j], rowBeforeLast[j - 2] + 1);
             }
         }
-        beforeLast.swap(last);
-        last.swap(row);
+        rowBeforeLast.swap(lastRow);
+        lastRow.swap(row);
     }
-    return last[b.size()];
+    return lastRow[b.size()];
 }
 
-std::string questionForSimilar(std::string_view word, std::span<const std::string> words) {
-    constexpr std::size_t longestWord = 64;
-    std::size_t least = word.size() > longestWord ? 0 : mostSlips(word);
+std::string suggestionFor(std::string_view name, std::span<const std::string> candidates) {
+    std::size_t least = largestDistance(name);
     std::vector<std::string> nearest;
-    for (const std::string& candidate : words) {
-        const std::size_t distance =
-            word.size() > longestWord ? longestWord : distanceOf(word, candidate);
+    for (const std::string& candidate : candidates) {
+        const std::size_t distance = least == 0 ? 1 : distanceBetween(name, candidate);
         if (distance < least) {
             least = distance;
             nearest.clear();
@@ -65,7 +68,7 @@ std::string questionForSimilar(std::string_view word, std::span<const std::strin
     if (nearest.empty()) {
         return {};
     }
-    return " Did you mean " + inQuotes(nearest[0]) +
+    return "; did you mean " + inQuotes(nearest[0]) +
            (nearest.size() > 1 ? " or " + inQuotes(nearest[1]) : "") + "?";
 }
 

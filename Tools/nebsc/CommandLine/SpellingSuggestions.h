@@ -1,4 +1,4 @@
-// SpellingSuggestions.h - what somebody may have meant who has mistyped a word. From any thread.
+// SpellingSuggestions.h - suggestions for misspelt names. Thread-safe.
 #pragma once
 
 #include <span>
@@ -7,12 +7,13 @@
 
 namespace neb::nebsc {
 
-/// How many characters were left out, put in too much, changed, or swapped with their neighbour.
+/// Returns the number of insertions, deletions, substitutions and swaps of neighbouring characters
+/// that turn one text into the other.
 [[nodiscard]] std::size_t editDistance(std::string_view a, std::string_view b);
 
-/// The question for the words that are nearest, two at most, behind a sentence: " Did you mean
-/// "status"?", " Did you mean "add" or "rm"?". Empty where none is near enough to be meant.
-[[nodiscard]] std::string questionForSimilar(std::string_view word,
-                                             std::span<const std::string> words);
+/// Returns the end of a message that suggests the nearest candidates, at most two: "; did you mean
+/// 'status'?", "; did you mean 'add' or 'rm'?". Empty if no candidate is near enough.
+[[nodiscard]] std::string suggestionFor(std::string_view name,
+                                        std::span<const std::string> candidates);
 
 }  // namespace neb::nebsc

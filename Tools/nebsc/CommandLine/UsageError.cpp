@@ -1,7 +1,6 @@
 #include "CommandLine/UsageError.h"
 
-#include "CommandLine/ArgumentList.h"
-#include "CommandLine/CommandLine.h"
+#include "CommandLine/CommonOptions.h"
 #include "CommandLine/GitNames.h"
 #include "CommandLine/SpellingSuggestions.h"
 #include "Terminal/Presentation.h"
@@ -9,6 +8,8 @@
 namespace neb::nebsc {
 
 namespace {
+
+using Kind = UsageError::Kind;
 
 std::vector<std::string> namesOf(std::span<const Command* const> commands) {
     std::vector<std::string> names;
@@ -20,89 +21,97 @@ std::vector<std::string> namesOf(std::span<const Command* const> commands) {
     return names;
 }
 
-/// The long names of all options that may stand in a call of the command.
-std::vector<std::string> optionsOf(const Command* command) {
-    std::vector<std::string> options{"--help"};
-    const auto add = [&options](std::span<const Parameter> parameters) {
-        for (const Parameter& parameter : parameters) {
-            if (parameter.isOption()) {
-                options.push_back(longName(parameter));
-            }
-        }
-    };
-    add(commonParameters());
-    if (command != nullptr) {
-        add(command->parameters);
-    }
-    return options;
-}
-
-/// "nebsc branch list"
-std::string nameOf(const std::string& commandName) {
-    return "nebsc " + commandName.substr(0, commandName.size() - 1);
-}
-
-/// "nebsc cp FILE DEST", without the options.
-std::string usageOf(const std::string& commandName, const Command& command) {
-    std::string usage = nameOf(commandName);
-    for (const Parameter& parameter : command.parameters) {
-        if (!parameter.isOption()) {
-            const std::string word =
-                std::string(parameter.name) + (parameter.isRepeated() ? "…" : "");
-            usage += parameter.isRequired() ? " " + word : " [" + word + "]";
+std::vector<std::string> longOptionsOf(const Command* command) {
+    std::vector<std::string> names;
+    for (const Parameter* option : optionsOf(command)) {
+        if (std::string name = longName(*option); name.starts_with("--")) {
+            names.push_back(std::move(name));
         }
     }
-    return usage;
+    return names;
+}
+
+std::string unknownCommand(const UsageError& error, std::span<const Command* const> allCommands) {
+    const bool isInner = !error.commands.empty();
+    const std::string message = inQuotes(error.argument) + " is not a command" +
+                                (isInner ? " of " + inQuotes(nameOf(error.commands)) : "");
+    const std::string nameInGit =
+        (isInner ? std::string(error.commands.back()->name) + " " : "") + error.argument;
+    if (const std::string_view name = nameOfGitCommand(nameInGit); !name.empty()) {
+        return message + "; use " + inQuotes("nebsc " + std::string(name));
+    }
+    return message + suggestionFor(error.argument, namesOf(isInner ? error.commands.back()->commands
+                                                                   : allCommands));
+}
+
+/// Returns "auto, always or never".
+std::string listOf(const std::vector<std::string>& choices) {
+    std::string list;
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        list += (i == 0 ? "" : i + 1 == choices.size() ? " or " : ", ") + choices[i];
+    }
+    return list;
+}
+
+/// Returns "option '--color'" or "argument 'SHELL'".
+std::string quoted(const Parameter& parameter) {
+    return (parameter.isOption() ? "option " : "argument ") + inQuotes(longName(parameter));
+}
+
+std::string messageFor(const UsageError& error, std::span<const Command* const> allCommands) {
+    switch (error.kind) {
+        case Kind::missingCommand:
+            return "missing command" + std::string(error.argument.empty() ? "" : " before '--'");
+        case Kind::unknownCommand:
+            return unknownCommand(error, allCommands);
+        case Kind::unknownOption:
+            return "unknown option " + inQuotes(error.argument) +
+                   suggestionFor(
+                       error.argument,
+                       longOptionsOf(error.commands.empty() ? nullptr : error.commands.back()));
+        case Kind::misplacedOption:
+            return "option " + inQuotes(error.argument) + " must precede the command";
+        case Kind::missingValue:
+            return quoted(*error.parameter) + " requires a value";
+        case Kind::unexpectedValue:
+            return quoted(*error.parameter) + " takes no value";
+        case Kind::repeatedOption:
+            return quoted(*error.parameter) + " can be given only once";
+        case Kind::invalidValue:
+            return "invalid value " + inQuotes(error.argument) + " for " +
+                   quoted(*error.parameter) + "; expected " + listOf(choicesOf(*error.parameter));
+        case Kind::unexpectedArgument:
+            return "unexpected argument " + inQuotes(error.argument);
+        case Kind::missingArgument:
+            return error.parameter->isOption() ? quoted(*error.parameter) + " is required"
+                                               : "missing " + quoted(*error.parameter);
+    }
+    return {};
+}
+
+std::string adviceFor(const UsageError& error) {
+    if (error.kind == Kind::misplacedOption) {
+        const std::string name = nameOf(error.commands);
+        return "Use " + inQuotes("nebsc " + error.argument + " DIR" + name.substr(name.find(' '))) +
+               ".";
+    }
+    return "Try " + inQuotes(nameOf(error.commands) + " --help") + " for more information.";
 }
 
 }  // namespace
 
-UsageError unknownOption(const std::string& option, const std::string& commandName,
-                         const Command* command) {
-    return {"There is no option " + inQuotes(option) +
-                (command == nullptr ? "" : " of " + inQuotes(nameOf(commandName))),
-            questionForSimilar(option, optionsOf(command))};
-}
-
-UsageError unknownCommand(const std::string& commandName, const std::string& name,
-                          std::span<const Command* const> commands) {
-    const std::string sentence = "There is no command " + inQuotes(commandName + name);
-    const std::string_view own = nameOfGitCommand(commandName + name);
-    return {sentence, own.empty()
-                          ? questionForSimilar(name, namesOf(commands))
-                          : " The command is " + inQuotes("nebsc " + std::string(own)) + "."};
-}
-
-UsageError unexpectedArgument(const std::string& argument, const std::string& commandName,
-                              const Command& command) {
-    return {"The word " + inQuotes(argument) +
-            " is one too many: " + usageOf(commandName, command)};
-}
-
-UsageError missingParameter(const Parameter& parameter, const std::string& commandName,
-                            const Command& command) {
-    return {longName(parameter) + " is required" +
-            (parameter.isOption() ? "" : ": " + usageOf(commandName, command))};
-}
-
-UsageError usageErrorInOption(const std::string& text) {
-    const std::string word = text.substr(0, text.find_first_of(": "));
-    const std::string name = inQuotes((word.starts_with('-') ? "" : "--") + word);
-    if (text.find(" missing") != std::string::npos) {
-        return {"The option " + name + " lacks its value"};
+std::string nameOf(std::span<const Command* const> commands) {
+    std::string name = "nebsc";
+    for (const Command* command : commands) {
+        name.append(" ").append(command->name);
     }
-    if (text.find("flag override") != std::string::npos) {
-        return {"The option " + name + " takes no value"};
-    }
-    return {"The option " + name + " stands in the call more than once"};
+    return name;
 }
 
-CommandOutput refusedCall(const UsageError& mistake, const std::string& commandName) {
-    std::string sentence =
-        mistake.sentence +
-        (mistake.question.empty() ? " (see nebsc " + commandName + "--help)." : ".") +
-        mistake.question;
-    return refusal(withoutShields(std::move(sentence)), exitNotUnderstood);
+CommandOutput outputOf(const UsageError& error, std::span<const Command* const> allCommands) {
+    CommandOutput output = refusal(messageFor(error, allCommands), exitNotUnderstood);
+    output.standardError += adviceFor(error) + "\n";
+    return output;
 }
 
 }  // namespace neb::nebsc

@@ -1,9 +1,8 @@
-// UsageError.h - the sentences about a call that cannot be understood.
+// UsageError.h - an invalid command line.
 #pragma once
 
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "CommandLine/Command.h"
@@ -11,35 +10,42 @@
 
 namespace neb::nebsc {
 
-/// Why a call is not understood.
 struct UsageError {
-    /// A sentence without the full stop.
-    std::string sentence;
-    /// What may have been meant, as questionForSimilar() has it.
-    std::string question = {};
+    enum class Kind {
+        /// There is no command, or `argument` follows a "--" without a command before it.
+        missingCommand,
+        /// `argument` is in the position of a command.
+        unknownCommand,
+        unknownOption,
+        /// The option is accepted only before the command.
+        misplacedOption,
+        /// The option is the last argument and requires a value.
+        missingValue,
+        /// The option is a flag and was given a value.
+        unexpectedValue,
+        repeatedOption,
+        /// `argument` is not one of the choices of `parameter`.
+        invalidValue,
+        unexpectedArgument,
+        /// `parameter` is required.
+        missingArgument,
+    };
+
+    Kind kind;
+    /// The argument in error as given, an option without its value. Empty if something is missing.
+    std::string argument = {};
+    /// The option or argument in error. Null if the command line names none that exists.
+    const Parameter* parameter = nullptr;
+    /// The commands named so far, outermost first.
+    std::vector<const Command*> commands = {};
 };
 
-/// In each of these functions, `commandName` holds the names of the call's command, each with a
-/// blank behind it: "branch list "; empty without a command. From any thread.
+/// Returns "nebsc branch create" for the two commands, "nebsc" for none.
+[[nodiscard]] std::string nameOf(std::span<const Command* const> commands);
 
-/// The option does not exist; `command` may be null.
-[[nodiscard]] UsageError unknownOption(const std::string& option, const std::string& commandName,
-                                       const Command* command);
-/// None of the commands has the name.
-[[nodiscard]] UsageError unknownCommand(const std::string& commandName, const std::string& name,
-                                        std::span<const Command* const> commands);
-/// The command takes no argument at this position.
-[[nodiscard]] UsageError unexpectedArgument(const std::string& argument,
-                                            const std::string& commandName, const Command& command);
-/// The parameter is required and not in the call.
-[[nodiscard]] UsageError missingParameter(const Parameter& parameter,
-                                          const std::string& commandName, const Command& command);
-/// What CLI11 reports of an option, which it says in the text alone: "--plugin: 1 required FILE
-/// missing", "--message: At Most 1 required but received 2", "json was given a disallowed flag
-/// override".
-[[nodiscard]] UsageError usageErrorInOption(const std::string& text);
-
-/// The reply to a call with a mistake.
-[[nodiscard]] CommandOutput refusedCall(const UsageError& mistake, const std::string& commandName);
+/// Returns the message on standard error, with a suggestion for a misspelt name from `allCommands`,
+/// and a second line on what to do. The exit status is 2.
+[[nodiscard]] CommandOutput outputOf(const UsageError& error,
+                                     std::span<const Command* const> allCommands);
 
 }  // namespace neb::nebsc

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "Commands/Commands.h"
@@ -19,21 +20,16 @@ constexpr std::array<Script, 3> scripts{{
 }};
 
 CommandOutput run(const CommandCall& call) {
-    const std::string shell = call.arguments.value("SHELL").value_or("");
-    for (const Script& script : scripts) {
-        if (script.shell == shell) {
-            return {.standardOutput = std::string(script.text),
-                    .standardError = {},
-                    .exitStatus = exitDone};
-        }
-    }
-    return refusal(
-        "No completions are known for the shell \"" + shell + "\", only for bash, zsh and fish.",
-        exitNotUnderstood);
+    const std::string shell = *call.arguments.value("SHELL");
+    const auto* script = std::find_if(scripts.begin(), scripts.end(),
+                                      [&shell](const Script& row) { return row.shell == shell; });
+    return {
+        .standardOutput = std::string(script->text), .standardError = {}, .exitStatus = exitDone};
 }
 
+/// The choices are the shells of the table above.
 constexpr Parameter parameters[] = {
-    {"SHELL", "The shell", Takes::text, Occurs::once, "bash|zsh|fish"},
+    {"SHELL", "The shell: bash, zsh or fish", Takes::text, Occurs::once, "bash|zsh|fish"},
 };
 
 }  // namespace
@@ -41,13 +37,14 @@ constexpr Parameter parameters[] = {
 constinit const Command completionCommand{
     .name = "completion",
     .group = shellGroup,
-    .summary = "Print what lets a shell complete commands, options, branches and files",
+    .summary = "Print the completion script of a shell",
     .details =
-        "An installed nebsc has it where the shells look for it.\n\n"
+        "The script completes commands, options, branches and files. An installed nebsc needs no\n"
+        "setup: its scripts are where the shells look for them.\n\n"
         "Examples:\n"
-        "  eval \"$(nebsc completion bash)\"      a line for ~/.bashrc\n"
-        "  source <(nebsc completion zsh)       a line for ~/.zshrc, behind compinit\n"
-        "  nebsc completion fish | source       a line for ~/.config/fish/config.fish\n",
+        "  eval \"$(nebsc completion bash)\"      enable it in bash (~/.bashrc)\n"
+        "  source <(nebsc completion zsh)       in zsh (~/.zshrc, after compinit)\n"
+        "  nebsc completion fish | source       in fish (~/.config/fish/config.fish)\n",
     .parameters = parameters,
     .run = run,
 };

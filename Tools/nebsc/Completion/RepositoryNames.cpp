@@ -16,8 +16,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A shell must not wait longer than a person does.
-constexpr std::chrono::seconds longestWait{1};
+constexpr std::chrono::seconds timeLimit{1};
 
 constexpr const char* branchPrefix = "refs/heads/";
 constexpr const char* tagPrefix = "refs/tags/";
@@ -27,7 +26,7 @@ std::string textOf(const NEBDictionary& record, NEBConstant key) {
     return std::string(record.value(key).string().value_or(""));
 }
 
-/// A remote's own HEAD stands for one of the branches that are there anyway.
+/// Returns whether the reference is the HEAD of a remote, an alias of one of its branches.
 bool isHEADOfRemote(std::string_view reference) {
     return reference.starts_with(remotePrefix) && reference.ends_with("/HEAD");
 }
@@ -36,10 +35,10 @@ bool isHEADOfRemote(std::string_view reference) {
 
 RepositoryNames::RepositoryNames(const HostSession& session)
     : _session(session),
-      _end(std::chrono::steady_clock::now() + longestWait),
+      _end(std::chrono::steady_clock::now() + timeLimit),
       _folder(findCurrentFolder().path.value_or("/")) {}
 
-// ---- questions --------------------------------------------------------------------------------
+// ---- queries ----------------------------------------------------------------------------------
 
 NEBSourceControlResult RepositoryNames::recordsOf(std::int32_t type) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
@@ -67,15 +66,14 @@ std::string RepositoryNames::outputOf(std::vector<std::string> arguments) {
     return outcome.status.isSuccess() ? std::string(outcome.output) : std::string();
 }
 
-/// The names without the prefix, in the order of the prefixes.
-std::vector<NameInRepository> RepositoryNames::referencesBelow(
-    const std::vector<std::string>& prefixes) {
+/// Returns the references with one of the prefixes, without it, in the order of the prefixes.
+std::vector<Candidate> RepositoryNames::referencesBelow(const std::vector<std::string>& prefixes) {
     static const std::map<std::string_view, const char*> kinds{
-        {branchPrefix, "branch"}, {tagPrefix, "tag"}, {remotePrefix, "branch of a remote"}};
-    std::vector<std::string> question{"for-each-ref", "--format=%(refname)"};
-    question.insert(question.end(), prefixes.begin(), prefixes.end());
-    const std::string output = outputOf(std::move(question));
-    std::vector<NameInRepository> names;
+        {branchPrefix, "branch"}, {tagPrefix, "tag"}, {remotePrefix, "remote-tracking branch"}};
+    std::vector<std::string> arguments{"for-each-ref", "--format=%(refname)"};
+    arguments.insert(arguments.end(), prefixes.begin(), prefixes.end());
+    const std::string output = outputOf(std::move(arguments));
+    std::vector<Candidate> names;
     for (const std::string& prefix : prefixes) {
         const auto kind = kinds.find(prefix);
         forEachPiece(output, '\n', [&](std::string_view reference) {
@@ -88,10 +86,10 @@ std::vector<NameInRepository> RepositoryNames::referencesBelow(
     return names;
 }
 
-// ---- answers ----------------------------------------------------------------------------------
+// ---- names ------------------------------------------------------------------------------------
 
-std::vector<NameInRepository> RepositoryNames::branches() {
-    std::vector<NameInRepository> names;
+std::vector<Candidate> RepositoryNames::branches() {
+    std::vector<Candidate> names;
     for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestListBranches)) {
         if (std::string name = branchNameOf(record); !name.empty()) {
             names.push_back({std::move(name), "branch"});
@@ -100,24 +98,24 @@ std::vector<NameInRepository> RepositoryNames::branches() {
     return names;
 }
 
-std::vector<NameInRepository> RepositoryNames::revisions() {
+std::vector<Candidate> RepositoryNames::revisions() {
     auto names = referencesBelow({branchPrefix, tagPrefix, remotePrefix});
     if (!names.empty()) {
-        names.push_back({"HEAD", "the latest commit"});
+        names.push_back({"HEAD", "current commit"});
     }
     return names;
 }
 
-/// Each stands in two records, for what is fetched and for what is pushed.
-std::vector<NameInRepository> RepositoryNames::remotes() {
-    std::vector<NameInRepository> names;
+/// The list has two records per remote, one for fetch and one for push.
+std::vector<Candidate> RepositoryNames::remotes() {
+    std::vector<Candidate> names;
     for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestListRemotes)) {
         const std::string name = textOf(record, NEBSourceControlOperationRemoteNameKey);
         const bool isKnown =
             std::any_of(names.begin(), names.end(),
-                        [&name](const NameInRepository& other) { return other.name == name; });
-        const bool isBridge = record.value(NEBSourceControlOperationUsesGitSVNKey).isPresent();
-        if (!name.empty() && !isKnown && !isBridge) {
+                        [&name](const Candidate& other) { return other.text == name; });
+        const bool isSubversion = record.value(NEBSourceControlOperationUsesGitSVNKey).isPresent();
+        if (!name.empty() && !isKnown && !isSubversion) {
             names.push_back({name, textWithoutPasswords(
                                        textOf(record, NEBSourceControlOperationRemoteOriginKey))});
         }
@@ -125,10 +123,9 @@ std::vector<NameInRepository> RepositoryNames::remotes() {
     return names;
 }
 
-/// The listing of the remotes ends a URL at its first blank. One that holds a password is no word
-/// to be shown on a screen.
-std::vector<NameInRepository> RepositoryNames::locations() {
-    std::vector<NameInRepository> names;
+/// Asks `git config`, as the list of remotes ends a URL at its first blank.
+std::vector<Candidate> RepositoryNames::locations() {
+    std::vector<Candidate> names;
     for (const std::string& setting :
          textsBetweenNULs(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
         const std::size_t lineEnd = setting.find('\n');
@@ -144,12 +141,12 @@ std::vector<NameInRepository> RepositoryNames::locations() {
     return names;
 }
 
-std::vector<NameInRepository> RepositoryNames::remoteBranches() {
+std::vector<Candidate> RepositoryNames::remoteBranches() {
     return referencesBelow({remotePrefix});
 }
 
-std::vector<NameInRepository> RepositoryNames::branchesOf(const std::string& remote) {
-    return remote.empty() ? std::vector<NameInRepository>{}
+std::vector<Candidate> RepositoryNames::branchesOf(const std::string& remote) {
+    return remote.empty() ? std::vector<Candidate>{}
                           : referencesBelow({remotePrefix + remote + "/"});
 }
 

@@ -1,47 +1,40 @@
-// RepositoryNames.h - the names in the repository around the current folder, for a person who is
-// typing one of them.
-//
-// Whatever fails, or takes more than a second in all, leaves names out and says nothing. Nothing is
-// asked of another machine.
+// RepositoryNames.h - the names of branches, tags and remotes in the repository around the current
+// directory, for completion.
 #pragma once
 
 #include <chrono>
 #include <string>
 #include <vector>
 
+#include "Completion/Candidate.h"
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
 
 namespace neb::nebsc {
 
-/// A name, and what a shell may show beside it.
-struct NameInRepository {
-    std::string name;
-    std::string description;
-};
-
-/// On the main thread, one object at a time. A signal ends the questions.
+/// Asks git for the names. All queries together take at most one second; a query that fails or is
+/// too late returns no names. Contacts no remote. For the main thread, one object at a time. A
+/// signal ends the queries.
 class RepositoryNames {
 public:
     /// The session must outlive the object.
     explicit RepositoryNames(const HostSession& session);
 
-    [[nodiscard]] std::vector<NameInRepository> branches();
-    /// Branches, tags, branches of remotes and HEAD.
-    [[nodiscard]] std::vector<NameInRepository> revisions();
-    [[nodiscard]] std::vector<NameInRepository> remotes();
-    /// The remotes' URLs.
-    [[nodiscard]] std::vector<NameInRepository> locations();
-    /// REMOTE/BRANCH of all remotes, as they were when last fetched.
-    [[nodiscard]] std::vector<NameInRepository> remoteBranches();
-    /// The branches of the remote, as they were when last fetched.
-    [[nodiscard]] std::vector<NameInRepository> branchesOf(const std::string& remote);
+    [[nodiscard]] std::vector<Candidate> branches();
+    /// Returns branches, tags, remote-tracking branches and HEAD.
+    [[nodiscard]] std::vector<Candidate> revisions();
+    [[nodiscard]] std::vector<Candidate> remotes();
+    /// Returns the URLs of the remotes, without those that hold a password.
+    [[nodiscard]] std::vector<Candidate> locations();
+    /// Returns the remote-tracking branches of all remotes as REMOTE/BRANCH.
+    [[nodiscard]] std::vector<Candidate> remoteBranches();
+    /// Returns the branches of the remote as of the last fetch.
+    [[nodiscard]] std::vector<Candidate> branchesOf(const std::string& remote);
 
 private:
     [[nodiscard]] NEBSourceControlResult recordsOf(std::int32_t type);
     [[nodiscard]] std::string outputOf(std::vector<std::string> arguments);
-    [[nodiscard]] std::vector<NameInRepository> referencesBelow(
-        const std::vector<std::string>& prefixes);
+    [[nodiscard]] std::vector<Candidate> referencesBelow(const std::vector<std::string>& prefixes);
 
     const HostSession& _session;
     Interruption _interruption;

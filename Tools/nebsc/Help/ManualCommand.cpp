@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <array>
 
-#include "CommandLine/CommandLine.h"
+#include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
-#include "Completion/CompletionPoint.h"
+#include "Help/Usage.h"
 #include "Platform/Text.h"
 
 namespace neb::nebsc {
@@ -16,40 +16,39 @@ struct Entry {
 };
 
 constexpr std::array<Entry, 4> exitStatuses{{
-    {"0", "Done."},
-    {"1", "The operation failed; what went wrong is on standard error."},
-    {"2", "The call cannot be understood, and nothing was done."},
-    {"128+N",
-     "Signal N ended the work, in good order: 130 after Ctrl-C. Nothing of it is left behind."},
+    {"0", "Success."},
+    {"1", "The operation failed; standard error has the reason."},
+    {"2", "Invalid usage; nothing was done."},
+    {"128+N", "Signal N ended the work: 130 after Ctrl-C. No process or lock file is left behind."},
 }};
 
-/// All that nebsc, its library and its plug-in read, and what git reads of it is git's.
+/// The variables that nebsc, its library and its plug-in read. Those that only git reads are git's.
 constexpr std::array<Entry, 10> variables{{
-    {"PATH", "Where git is looked for, first folder first."},
-    {"HOME", "What a \"~\" at the beginning of a path stands for."},
-    {"TMPDIR", "Where \"nebsc export\" writes without DEST; unless set, /tmp."},
-    {"NO_COLOR", "Set to anything but the empty text: no colours, unless --color=always."},
-    {"TERM", "For \"dumb\" there are neither colours, unless --color=always, nor a pager."},
-    {"GIT_PAGER", "The program that shows on a terminal what is longer than the screen."},
-    {"PAGER", "The same where neither GIT_PAGER nor git's setting core.pager is set."},
+    {"PATH", "The directories that are searched for git."},
+    {"HOME", "The directory for which \"~\" at the start of a path stands."},
+    {"TMPDIR", "The directory for \"nebsc export\" without DEST; /tmp by default."},
+    {"NO_COLOR", "If not empty, disables colours, except with --color=always."},
+    {"TERM", "If \"dumb\", disables colours, except with --color=always, and the pager."},
+    {"GIT_PAGER", "The pager for output that is longer than the screen."},
+    {"PAGER", "The pager if neither GIT_PAGER nor git's setting core.pager is set."},
     {"LESS, LV",
-     "Handed to the pager; unless set, less is told to show colours and to end with short texts."},
+     "Options of the pager; by default, less shows colours and exits if the text fits the screen."},
     {"GIT_ASKPASS, GIT_SSH, GIT_SSH_COMMAND, SSH_ASKPASS, SSH_AUTH_SOCK",
-     "git's and ssh's own; \"nebsc doctor\" looks whether what they name is there."},
+     "Variables of git and ssh; \"nebsc doctor\" checks that what they name exists."},
     {"GIT_*, SSH_*",
-     "Reach git as they are, but for those that tie a process to one repository, write traces or "
-     "change what is read."},
+     "Passed to git, except those that select a repository, write traces or change output that is "
+     "parsed."},
 }};
 
 constexpr std::array<Entry, 2> files{{
     {NEBSC_INSTALLED_PLUGIN,
-     "The plug-in, as seen from nebsc's own folder; --plugin names another."},
-    {"~/.gitconfig, .git/config", "git's own settings, which hold here too."},
+     "The plug-in, relative to the directory of nebsc; --plugin selects another."},
+    {"~/.gitconfig, .git/config", "The settings of git, which apply to nebsc as well."},
 }};
 
 // ---- roff -------------------------------------------------------------------------------------
 
-/// Text for a line of its own or a part of one.
+/// Returns the text with roff's special characters escaped.
 std::string escaped(std::string_view text) {
     std::string line;
     for (const char character : text) {
@@ -79,7 +78,7 @@ std::string escaped(std::string_view text) {
     return line;
 }
 
-/// At the beginning of a line a dot would be a request.
+/// Returns a line of text. A leading dot would be a request.
 std::string lineOf(std::string_view text) {
     std::string line = escaped(text);
     if (line.starts_with('.')) {
@@ -88,12 +87,12 @@ std::string lineOf(std::string_view text) {
     return line + "\n";
 }
 
-/// The argument of a request.
+/// Returns the argument of a request.
 std::string quoted(std::string_view text) {
     std::string argument = escaped(text);
-    for (std::size_t place = 0; (place = argument.find('"', place)) != std::string::npos;) {
-        argument.replace(place, 1, "\\(dq");
-        place += 4;
+    for (std::size_t offset = 0; (offset = argument.find('"', offset)) != std::string::npos;) {
+        argument.replace(offset, 1, "\\(dq");
+        offset += 4;
     }
     return "\"" + argument + "\"";
 }
@@ -111,10 +110,10 @@ std::string listOf(const std::array<Entry, Count>& entries) {
     return text;
 }
 
-/// What stands before prose.
+/// What precedes the text.
 enum class Before { heading, paragraph };
 
-/// Paragraphs, and examples: lines that begin with blanks stand as they are.
+/// Returns paragraphs, and examples: lines that start with blanks are not filled.
 std::string proseOf(std::string_view lines, Before before) {
     std::string text;
     bool isExample = false;
@@ -141,28 +140,6 @@ std::string proseOf(std::string_view lines, Before before) {
 
 // ---- commands ---------------------------------------------------------------------------------
 
-/// "--branch BRANCH", "FILE..."; in brackets where it may be left out.
-std::string usageOf(const Parameter& parameter) {
-    std::string usage(spellingsOf(parameter).back());
-    if (parameter.isOption() && parameter.takes != Takes::nothing) {
-        usage.append(" ").append(parameter.valueName);
-    }
-    usage += parameter.isRepeated() ? "..." : "";
-    return parameter.isRequired() ? usage : "[" + usage + "]";
-}
-
-/// "-m, --message MESSAGE"
-std::string headingOf(const Parameter& parameter) {
-    std::string heading;
-    for (const std::string_view spelling : spellingsOf(parameter)) {
-        heading.append(heading.empty() ? "" : ", ").append(spelling);
-    }
-    if (!parameter.valueName.empty()) {
-        heading.append(" ").append(parameter.valueName);
-    }
-    return heading;
-}
-
 std::string entriesOf(const std::vector<const Parameter*>& parameters) {
     std::string text;
     for (const Parameter* parameter : parameters) {
@@ -172,17 +149,20 @@ std::string entriesOf(const std::vector<const Parameter*>& parameters) {
     return text;
 }
 
-std::string entryOf(const Command& command, const std::string& names) {
-    std::string usage = names + std::string(command.name);
+/// Returns the innermost of the commands, then its subcommands.
+std::string entryOf(std::vector<const Command*> commands) {
+    const Command& command = *commands.back();
     std::vector<const Parameter*> parameters;
     for (const Parameter& parameter : command.parameters) {
-        usage += " " + usageOf(parameter);
         parameters.push_back(&parameter);
     }
-    std::string text = ".SS " + quoted(usage) + "\n" + lineOf(std::string(command.summary) + ".") +
-                       entriesOf(parameters) + proseOf(command.details, Before::paragraph);
+    std::string text = ".SS " + quoted(usageOf(commands)) + "\n" +
+                       lineOf(std::string(command.summary) + ".") + entriesOf(parameters) +
+                       proseOf(command.details, Before::paragraph);
     for (const Command* inner : command.commands) {
-        text += entryOf(*inner, names + std::string(command.name) + " ");
+        commands.push_back(inner);
+        text += entryOf(commands);
+        commands.pop_back();
     }
     return text;
 }
@@ -190,23 +170,24 @@ std::string entryOf(const Command& command, const std::string& names) {
 std::string commandsText() {
     std::string text = section("COMMANDS");
     for (const Command* command : allCommands()) {
-        text += entryOf(*command, "nebsc ");
+        text += entryOf({command});
     }
     return text;
 }
 
 std::string page() {
-    return R"(.\" nebsc.1 - made by "nebsc manual" from what nebsc itself understands.
+    return R"(.\" nebsc.1 - generated by "nebsc manual".
 .TH NEBSC 1 "" "nebsc )" NEBSC_VERSION R"(" "User commands"
 )" + section("NAME") +
-           "nebsc \\- drive the source\\-control plug\\-in NEBGit\n" + section("SYNOPSIS") +
-           ".B nebsc\n[OPTION]... COMMAND [WORD]...\n" + section("DESCRIPTION") +
+           "nebsc \\- run source\\-control requests\n" + section("SYNOPSIS") +
+           ".B nebsc\n[OPTIONS] COMMAND [ARGUMENTS]\n" + section("DESCRIPTION") +
            proseOf(programDescription(), Before::heading) +
            ".PP\n"
-           "The commands are about the working copy around the current folder. They run the git\n"
-           "that is installed, under the user's own settings. An error is one sentence, then what\n"
-           "may be done about it, then, indented, git's own words where they say more.\n" +
-           section("OPTIONS") + "All but \\-C may stand before the command or behind it.\n" +
+           "A command works on the repository of the current directory. It runs the installed\n"
+           "git with the user's settings. An error message has the reason, then advice, then,\n"
+           "indented, the messages of git that say more.\n" +
+           section("OPTIONS") +
+           "Every option but \\-C is accepted before and after the command.\n" +
            entriesOf(optionsOf(nullptr)) + commandsText() + section("EXIT STATUS") +
            listOf(exitStatuses) + section("ENVIRONMENT") + listOf(variables) + section("FILES") +
            listOf(files) + section("SEE ALSO") +
@@ -224,9 +205,9 @@ constinit const Command manualCommand{
     .group = shellGroup,
     .summary = "Print the manual page",
     .details =
-        "In the language of man, as \"man nebsc\" shows it where nebsc is installed.\n\n"
+        "The page is in roff, the format of man. An installed nebsc has it as \"man nebsc\".\n\n"
         "Example:\n"
-        "  nebsc manual | man -l -    read it\n",
+        "  nebsc manual | man -l -    read the manual page\n",
     .run = run,
 };
 

@@ -1,12 +1,6 @@
-#include "CommandLine/Command.h"
+#include "CommandLine/Arguments.h"
 
 namespace neb::nebsc {
-
-std::string longName(const Parameter& parameter) {
-    const std::size_t comma = parameter.name.find(',');
-    return std::string(comma == std::string_view::npos ? parameter.name
-                                                       : parameter.name.substr(comma + 1));
-}
 
 std::optional<std::string> Arguments::value(std::string_view name) const {
     const std::vector<std::string>& values = all(name);

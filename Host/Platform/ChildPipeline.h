@@ -8,10 +8,10 @@
 #include <optional>
 #include <vector>
 
+#include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 #include "Platform/CapturedStream.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDescriptor.h"
-#include "Platform/OrphanedLockFiles.h"
 
 struct pollfd;
 

@@ -1,4 +1,4 @@
-#include "Platform/OrphanedLockFiles.h"
+#include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
-// OrphanedLockFiles.h - git's lock files that would stay when git is ended in the moment in which
-// it makes them. Inside the host library only.
+// NEBSourceControlOrphanedLockFiles.h - git's lock files that would stay when git is ended in the
+// moment in which it makes them. Inside the host library only.
 //
 // git removes its lock files when it is asked to end (SIGTERM), but for one that it is making:
 // between the system's having made the file and git's having noted its name it forgets it. On a

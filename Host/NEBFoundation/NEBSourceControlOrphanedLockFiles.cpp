@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <utility>
 
-#include "Platform/ChildSession.h"
+#include "Platform/FileDescriptor.h"
 
 namespace neb {
 
@@ -15,16 +18,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view lockEnding = ".lock";
+constexpr std::string_view lockSuffix = ".lock";
 
-/// "git" and what it calls its parts.
+/// Whether the process runs git or one of its helper programs, such as git-remote-https.
 bool isGit(const fs::path& process) {
     std::error_code failure;
     return fs::read_symlink(process / "exe", failure).filename().string().starts_with("git");
 }
 
-/// Whether the file lies in a folder of git's own: a tracked file may end in ".lock", too.
-bool liesInRepository(const fs::path& file) {
+/// Whether the file is in a git directory. A tracked file may end in ".lock", too.
+bool isInGitDirectory(const fs::path& file) {
     std::error_code failure;
     for (fs::path folder = file.parent_path(); folder != folder.parent_path();
          folder = folder.parent_path()) {
@@ -41,49 +44,73 @@ std::optional<struct stat> informationOf(const FileDescriptor& file) {
     return ::fstat(file.get(), &information) == 0 ? std::optional(information) : std::nullopt;
 }
 
-/// git has not begun to write: what it has written to, it has noted.
+/// When git writes to a lock file, it has recorded the name.
 bool isEmptyFile(const std::optional<struct stat>& information) {
     return information && S_ISREG(information->st_mode) && information->st_size == 0 &&
            information->st_nlink == 1;
 }
 
+class OrphanedLockFiles {
+public:
+    /// Finds the empty lock files that the stopped processes have open.
+    void find(const std::vector<pid_t>& processes) {
+        for (const pid_t process : processes) {
+            const fs::path path = "/proc/" + std::to_string(process);
+            if (isGit(path)) {
+                findIn(path);
+            }
+        }
+    }
+
+    /// Removes the found files that are still there and still empty.
+    void remove() {
+        for (const LockFile& lockFile : _lockFiles) {
+            const auto found = informationOf(lockFile.file);
+            struct stat now {};
+            if (isEmptyFile(found) && ::lstat(lockFile.path.c_str(), &now) == 0 &&
+                now.st_dev == found->st_dev && now.st_ino == found->st_ino) {
+                ::unlink(lockFile.path.c_str());
+            }
+        }
+    }
+
+private:
+    struct LockFile {
+        std::string path;
+        FileDescriptor file;  // while it is open, no other file gets its inode number
+    };
+
+    void findIn(const fs::path& process) {
+        std::error_code failure;
+        for (fs::directory_iterator entry(process / "fd", failure), end; !failure && entry != end;
+             entry.increment(failure)) {
+            std::error_code gone;
+            const std::string path = fs::read_symlink(entry->path(), gone).string();
+            if (!path.ends_with(lockSuffix) || !isInGitDirectory(path)) {
+                continue;
+            }
+            FileDescriptor file(::open(entry->path().c_str(), O_PATH | O_CLOEXEC));
+            if (file.isOpen() && isEmptyFile(informationOf(file))) {
+                _lockFiles.push_back({.path = path, .file = std::move(file)});
+            }
+        }
+    }
+
+    std::vector<LockFile> _lockFiles;
+};
+
 }  // namespace
 
-void OrphanedLockFiles::noteOf(pid_t session) {
-    for (const pid_t member : liveMembers(session)) {
-        noteOfProcess("/proc/" + std::to_string(member));
-    }
-}
-
-void OrphanedLockFiles::noteOfProcess(const std::string& process) {
-    if (!isGit(process)) {
-        return;
-    }
-    std::error_code failure;
-    for (fs::directory_iterator entry(process + "/fd", failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        std::error_code gone;
-        const std::string path = fs::read_symlink(entry->path(), gone).string();
-        if (!path.ends_with(lockEnding) || !liesInRepository(path)) {
-            continue;
-        }
-        FileDescriptor file(::open(entry->path().c_str(), O_PATH | O_CLOEXEC));
-        if (file.isOpen() && isEmptyFile(informationOf(file))) {
-            _locks.push_back({.path = path, .file = std::move(file)});
-        }
-    }
-}
-
-void OrphanedLockFiles::remove() {
-    for (const Lock& lock : _locks) {
-        const auto noted = informationOf(lock.file);
-        struct stat found {};
-        if (isEmptyFile(noted) && ::lstat(lock.path.c_str(), &found) == 0 &&
-            found.st_dev == noted->st_dev && found.st_ino == noted->st_ino) {
-            ::unlink(lock.path.c_str());
-        }
-    }
-    _locks.clear();
+std::vector<ChildOutcome> NEBSourceControlRunChildren(ChildProcess& process,
+                                                      const std::vector<ChildLaunch>& launches,
+                                                      ChildProcess::Observers observers) {
+    OrphanedLockFiles lockFiles;
+    observers.stopped = [&lockFiles](const std::vector<pid_t>& processes) {
+        lockFiles.find(processes);
+    };
+    std::vector<ChildOutcome> outcomes = process.run(launches, observers);
+    lockFiles.remove();
+    return outcomes;
 }
 
 }  // namespace neb

@@ -6,6 +6,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
+#include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 
@@ -142,8 +143,8 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
         }
         stages.back()->parseArrivedData(arrived);
     };
-    std::vector<ChildOutcome> outcomes =
-        _process.run(launches, {.started = started, .outputGrew = outputGrew});
+    std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
+        _process, launches, {.started = started, .outputGrew = outputGrew});
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }

@@ -1,78 +1,78 @@
-// ChildPipeline.h - one run of a pipeline of children, from launch to reaping. Inside the host
-// library only; ChildProcess is its face.
+// ChildPipeline.h - one run of a pipeline of children. Inside the host library only.
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <vector>
 
-#include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
-#include "Platform/CapturedStream.h"
-#include "Platform/ChildProcess.h"
+#include "Platform/ChildRun.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/PipelineChild.h"
 
 struct pollfd;
 
 namespace neb {
 
+/// Starts the children, collects what they write, ends them on request and reaps them. ChildProcess
+/// is its public interface. Not thread-safe.
 class ChildPipeline {
 public:
-    /// `wake` becomes readable when the run is to be cancelled; it stays the caller's.
-    ChildPipeline(const std::vector<ChildLaunch>& launches, const FileDescriptor& wake);
+    /// All arguments must outlive the object. The run is cancelled when `wake` becomes readable.
+    ChildPipeline(const std::vector<ChildLaunch>& launches, const ChildObservers& observers,
+                  const FileDescriptor& wake);
     ChildPipeline(const ChildPipeline&) = delete;
     ChildPipeline& operator=(const ChildPipeline&) = delete;
     ~ChildPipeline();
 
-    /// Runs everything to its end. Once for an object.
-    std::vector<ChildOutcome> run(const ChildProcess::Observers& observers);
+    /// Runs the children to their end and returns an outcome for each. Call this once.
+    std::vector<ChildOutcome> run();
 
 private:
-    using Clock = std::chrono::steady_clock;
-    using Moment = Clock::time_point;
+    using Clock = PipelineChild::Clock;
+    using Moment = PipelineChild::Moment;
 
-    struct Child {
-        pid_t pid = -1;
-        FileDescriptor processDescriptor;  // absent where the system has none: then we look often
-        ino_t outputPipe = 0;              // of a child that feeds the next one
-        CapturedStream output;
-        CapturedStream errorOutput;
-        std::optional<TerminationStatus> status;
-        bool reaped = false;
-        Moment startMoment;
-        Moment endMoment;
-        bool outputWasHeldOpen = false;
+    /// How far the children have been made to end: none -> requested -> forced -> givenUp.
+    enum class Ending {
+        none,
+        /// SIGTERM was sent.
+        requested,
+        /// SIGKILL is sent repeatedly, because new processes may have been forked.
+        forced,
+        /// A process survived SIGKILL, which happens only inside the kernel.
+        givenUp,
     };
 
-    void startAll(const ChildProcess::Observers& observers);
-    std::optional<std::string> startOne(std::size_t index, FileDescriptor& input);
+    void startAll();
 
     [[nodiscard]] bool isFinished() const;
+    [[nodiscard]] bool anyRunning() const;
     [[nodiscard]] bool anyStreamOpen() const;
-    [[nodiscard]] bool allEnded() const;
+    [[nodiscard]] bool anyProcessAlive() const;
     void waitForEvent();
     [[nodiscard]] std::vector<pollfd> descriptorsToPoll() const;
     [[nodiscard]] int pollTimeout() const;
-    void readStreams(const ChildProcess::Observers& observers);
-    void noteEndedChildren();
-    static void noteEnd(Child& child);
+    [[nodiscard]] bool mustCheckRegularly() const;
+    void readStreams();
 
-    void beginEnding();
-    void noteOrphanedLockFiles();
-    void continueEnding();
+    void requestEnd();
+    void reportStoppedProcesses();
+    void advanceEnding();
     void signalAll(int signalNumber);
-    void releaseStreamsHeldByOthers();
+
+    [[nodiscard]] std::optional<Moment> streamDeadline() const;
+    void closeStreamsHeldByOthers();
+    [[nodiscard]] bool endedBeforeNext(std::size_t index) const;
+    [[nodiscard]] std::optional<Moment> inputDeadline() const;
     void releaseInputHeldByOthers();
-    void reapAll();
 
     const std::vector<ChildLaunch>& _launches;
+    const ChildObservers& _observers;
     const FileDescriptor& _wake;
-    std::vector<Child> _children;
-    OrphanedLockFiles _halfMadeLocks;       // of sessions that are being ended
-    std::optional<Moment> _killMoment;      // set while the sessions are being ended
-    std::optional<Moment> _streamDeadline;  // set once all children have ended
-    std::optional<Moment> _inputDeadline;   // set once a child ended before the one it feeds
+    std::vector<PipelineChild> _children;
+    Ending _ending = Ending::none;
+    Moment _nextEnding{};      // when `requested` or `forced` is over
+    Moment _nextInputCheck{};  // not before this time
 };
 
 }  // namespace neb

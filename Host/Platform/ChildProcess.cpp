@@ -35,7 +35,7 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
         closeWakePipe();
         return noneStarted(launches, "was not started, as it was cancelled before");
     }
-    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, wake).run(observers);
+    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, observers, wake).run();
     closeWakePipe();
     return outcomes;
 }
@@ -59,7 +59,8 @@ void ChildProcess::closeWakePipe() {
 void ChildProcess::cancel() {
     const MutexLock lock(_mutex);
     _cancelled = true;
-    _wakeWrite.close();  // the end of the pipe is the message: nothing is written, no SIGPIPE
+    _wakeWrite.close();  // the reader sees the end of the pipe; nothing is written that could raise
+                         // SIGPIPE
 }
 
 bool ChildProcess::isCancelled() const {

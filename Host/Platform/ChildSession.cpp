@@ -26,8 +26,8 @@ struct ProcessState {
     pid_t session = -1;
 };
 
-/// Reads `/proc/PID/stat`: `pid (name) state parent group session …`. The name may hold anything,
-/// blanks and parentheses included, so the fields are counted from the last ")".
+/// Reads `/proc/PID/stat`: `pid (name) state parent group session …`. The name may contain spaces
+/// and parentheses, so the fields are counted from the last ")".
 bool readProcessState(const char* pid, ProcessState& process) {
     const std::string path = std::string("/proc/") + pid + "/stat";
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -48,8 +48,8 @@ bool readProcessState(const char* pid, ProcessState& process) {
     return true;
 }
 
-/// Calls `visit` for every live process of the session. Without /proc there is nothing to visit,
-/// and the session's leading process group is all that a signal reaches.
+/// Calls `visit` for every live process of the session. Without /proc it finds none, and signals
+/// reach only the process group of the leader.
 void forEachLiveMember(pid_t session,
                        const std::function<void(pid_t, const ProcessState&)>& visit) {
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir("/proc"), &::closedir);
@@ -66,7 +66,7 @@ void forEachLiveMember(pid_t session,
     }
 }
 
-/// Than the calling process; false when that cannot be read.
+/// Whether the process runs another program than this process; false if that cannot be read.
 bool runsAnotherProgram(pid_t process) {
     const std::string path = "/proc/" + std::to_string(process) + "/exe";
     struct stat theirs {};
@@ -107,12 +107,6 @@ bool isSessionStopped(pid_t session) {
 bool killIfFromChild(pid_t process, pid_t session) {
     const bool isFromChild = ::getsid(process) == session || runsAnotherProgram(process);
     return isFromChild && (::kill(process, SIGKILL) == 0 || errno != EPERM);
-}
-
-bool sessionHasLiveMembers(pid_t session) {
-    bool found = false;
-    forEachLiveMember(session, [&](pid_t, const ProcessState&) { found = true; });
-    return found;
 }
 
 }  // namespace neb

@@ -16,7 +16,12 @@ namespace neb {
 
 namespace {
 
-/// posix_spawn's two parameter objects with their clean-up, and the first failure of any call.
+constexpr mode_t ownerOnly = 0600;
+
+}  // namespace
+
+/// The attributes and file actions of posix_spawn, and the first error of the functions that fill
+/// them.
 class SpawnParameters {
 public:
     SpawnParameters() {
@@ -30,15 +35,29 @@ public:
         ::posix_spawn_file_actions_destroy(&_actions);
     }
 
-    void keep(int failure) {
-        if (_failure == 0) {
-            _failure = failure;
+    void setDirectory(const std::string& path) {
+        keep(::posix_spawn_file_actions_addchdir_np(&_actions, path.c_str()));
+    }
+
+    void setStream(int number, const ChildStream& stream) {
+        switch (stream._kind) {
+            case ChildStream::Kind::inherited:
+                break;
+            case ChildStream::Kind::closed:
+                keep(::posix_spawn_file_actions_addclose(&_actions, number));
+                break;
+            case ChildStream::Kind::descriptor:
+                keep(::posix_spawn_file_actions_adddup2(&_actions, stream._number, number));
+                break;
+            case ChildStream::Kind::file:
+                keep(::posix_spawn_file_actions_addopen(&_actions, number, stream._path.c_str(),
+                                                        stream._number, ownerOnly));
+                break;
         }
     }
 
-    /// Own session, default dispositions, empty mask: an ignored SIGPIPE of the host would else be
-    /// inherited, and a prompt would find the host's terminal.
-    void setSignalsAndSession() {
+    /// Call this after the streams are set.
+    void isolate() {
         sigset_t all;
         sigset_t none;
         ::sigfillset(&all);
@@ -47,37 +66,44 @@ public:
         keep(::posix_spawnattr_setsigmask(&_attributes, &none));
         keep(::posix_spawnattr_setflags(
             &_attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
-    }
-
-    void setDirectory(const std::string& path) {
-        keep(::posix_spawn_file_actions_addchdir_np(&_actions, path.c_str()));
-    }
-
-    void setStreams(const ChildStreams& streams) {
-        if (streams.standardInput) {
-            keep(::posix_spawn_file_actions_adddup2(&_actions, *streams.standardInput, 0));
-        } else {
-            keep(::posix_spawn_file_actions_addopen(&_actions, 0, "/dev/null", O_RDONLY, 0));
-        }
-        keep(::posix_spawn_file_actions_adddup2(&_actions, streams.standardOutput, 1));
-        keep(::posix_spawn_file_actions_adddup2(&_actions, streams.standardError, 2));
 #if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
-        // Descriptors that the host opened without close-on-exec are no business of the child.
         keep(::posix_spawn_file_actions_addclosefrom_np(&_actions, 3));
 #endif
     }
 
-    [[nodiscard]] int failure() const {
-        return _failure;
+    void setDefaultSignals(const std::vector<int>& signalNumbers) {
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        for (const int signalNumber : signalNumbers) {
+            ::sigaddset(&signals, signalNumber);
+        }
+        keep(::posix_spawnattr_setsigdefault(&_attributes, &signals));
+        keep(::posix_spawnattr_setflags(&_attributes, POSIX_SPAWN_SETSIGDEF));
     }
-    posix_spawnattr_t _attributes{};
-    posix_spawn_file_actions_t _actions{};
+
+    /// Returns 0 or the first error.
+    [[nodiscard]] int spawn(pid_t& pid, const char* path, char* const* arguments,
+                            char* const* environment) const {
+        return _failure != 0
+                   ? _failure
+                   : ::posix_spawn(&pid, path, &_actions, &_attributes, arguments, environment);
+    }
 
 private:
+    void keep(int failure) {
+        if (_failure == 0) {
+            _failure = failure;
+        }
+    }
+
+    posix_spawnattr_t _attributes{};
+    posix_spawn_file_actions_t _actions{};
     int _failure = 0;
 };
 
-/// Why `path` cannot be a working directory, or nothing when it can.
+namespace {
+
+/// Returns why `path` cannot be a working directory, or nothing if it can.
 std::optional<std::string> directoryProblem(const std::string& path) {
     struct stat information {};
     const bool isThere = ::stat(path.c_str(), &information) == 0;
@@ -92,8 +118,8 @@ std::optional<std::string> directoryProblem(const std::string& path) {
     return "the folder \"" + path + "\" could not be entered: " + textOfErrno(failure);
 }
 
-/// posix_spawn answers one errno for the whole preparation, and ENOENT for a missing folder as
-/// well as for a missing program: the folder is looked at first.
+/// posix_spawn returns the same error numbers for the folder and for the program, so this checks
+/// the folder first.
 std::string spawnProblem(const ChildLaunch& launch, int failure) {
     if (launch.currentDirectoryPath) {
         if (auto problem = directoryProblem(*launch.currentDirectoryPath)) {
@@ -104,7 +130,7 @@ std::string spawnProblem(const ChildLaunch& launch, int failure) {
            "\" could not be started: " + textOfErrno(failure);
 }
 
-/// A NUL byte would silently cut a text short on its way to the child.
+/// The child would get only the part of a string before a NUL byte.
 std::optional<std::string> nulProblem(const ChildLaunch& launch) {
     const auto holdsNUL = [](const std::string& text) {
         return text.find('\0') != std::string::npos;
@@ -112,16 +138,16 @@ std::optional<std::string> nulProblem(const ChildLaunch& launch) {
     const auto anyHoldsNUL = [&holdsNUL](const std::vector<std::string>& texts) {
         return std::any_of(texts.begin(), texts.end(), holdsNUL);
     };
-    const std::pair<const char*, bool> places[] = {
+    const std::pair<const char*, bool> parts[] = {
         {"its path", holdsNUL(launch.launchPath)},
         {"its working directory", holdsNUL(launch.currentDirectoryPath.value_or(""))},
         {"an argument", anyHoldsNUL(launch.arguments)},
         {"its environment", anyHoldsNUL(launch.environment)},
     };
-    for (const auto& [place, isBad] : places) {
+    for (const auto& [part, isBad] : parts) {
         if (isBad) {
             const std::string path = launch.launchPath.substr(0, launch.launchPath.find('\0'));
-            return "the program \"" + path + "\" could not be started: " + place +
+            return "the program \"" + path + "\" could not be started: " + part +
                    " holds a NUL character";
         }
     }
@@ -140,7 +166,7 @@ std::vector<char*> cStrings(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-SpawnedChild spawnChild(const ChildLaunch& launch, const ChildStreams& streams) {
+SpawnedChild spawnChild(const ChildLaunch& launch, const SpawnOptions& options) {
     SpawnedChild child;
     if (auto problem = nulProblem(launch)) {
         child.failure = *problem;
@@ -148,22 +174,23 @@ SpawnedChild spawnChild(const ChildLaunch& launch, const ChildStreams& streams) 
     }
 
     SpawnParameters parameters;
-    parameters.setSignalsAndSession();
     if (launch.currentDirectoryPath) {
         parameters.setDirectory(*launch.currentDirectoryPath);
     }
-    parameters.setStreams(streams);
-
-    std::vector<std::string> words{launch.launchPath};
-    words.insert(words.end(), launch.arguments.begin(), launch.arguments.end());
-    const std::vector<char*> argv = cStrings(words);
-    const std::vector<char*> environment = cStrings(launch.environment);
-
-    int failure = parameters.failure();
-    if (failure == 0) {
-        failure = ::posix_spawn(&child.pid, launch.launchPath.c_str(), &parameters._actions,
-                                &parameters._attributes, argv.data(), environment.data());
+    parameters.setStream(STDIN_FILENO, options.standardInput);
+    parameters.setStream(STDOUT_FILENO, options.standardOutput);
+    parameters.setStream(STDERR_FILENO, options.standardError);
+    if (options.isIsolated) {
+        parameters.isolate();
+    } else {
+        parameters.setDefaultSignals(options.defaultSignals);
     }
+
+    std::vector<std::string> arguments{launch.launchPath};
+    arguments.insert(arguments.end(), launch.arguments.begin(), launch.arguments.end());
+    const int failure =
+        parameters.spawn(child.pid, launch.launchPath.c_str(), cStrings(arguments).data(),
+                         cStrings(launch.environment).data());
     if (failure != 0) {
         child.pid = -1;
         child.failure = spawnProblem(launch, failure);

@@ -1,30 +1,68 @@
-// ChildSpawn.h - starts one child process. Inside the host library only.
+// ChildSpawn.h - starts a child process with posix_spawn.
+//
+// The caller waits for the child itself. ChildProcess also collects the output and reaps the child.
 #pragma once
 
 #include <sys/types.h>
 
-#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
-#include "Platform/ChildProcess.h"
+#include "Platform/ChildRun.h"
+#include "Platform/Export.h"
 
 namespace neb {
 
-/// Where the child's streams go; the descriptors stay the caller's. All are 3 or higher.
-struct ChildStreams {
-    /// Absent means /dev/null.
-    std::optional<int> standardInput;
-    int standardOutput;
-    int standardError;
+/// What a child gets as one of its three standard streams.
+class ChildStream {
+public:
+    /// The stream of the caller.
+    static ChildStream inherited() { return {Kind::inherited, -1, {}}; }
+    /// No open descriptor.
+    static ChildStream closed() { return {Kind::closed, -1, {}}; }
+    /// A copy of `descriptor`, which must be 3 or higher and stays the caller's.
+    static ChildStream copyOf(int descriptor) { return {Kind::descriptor, descriptor, {}}; }
+    /// The file at `path`, opened in the child with the flags of open(2). A file that O_CREAT
+    /// creates belongs to the owner alone (mode 0600).
+    static ChildStream file(std::string path, int flags) {
+        return {Kind::file, flags, std::move(path)};
+    }
+
+private:
+    friend class SpawnParameters;
+    enum class Kind { inherited, closed, descriptor, file };
+    ChildStream(Kind kind, int number, std::string path)
+        : _kind(kind), _number(number), _path(std::move(path)) {}
+
+    Kind _kind;
+    int _number;  // the descriptor, or the flags of a file
+    std::string _path;
 };
 
-/// A running child, or why there is none.
+/// What a child inherits from the caller.
+struct SpawnOptions {
+    ChildStream standardInput = ChildStream::inherited();
+    ChildStream standardOutput = ChildStream::inherited();
+    ChildStream standardError = ChildStream::inherited();
+    /// Starts the child as the leader of a new session, with default signal dispositions, an empty
+    /// signal mask and, where the system supports it, no descriptors but the standard streams.
+    bool isIsolated = false;
+    /// Signals that have the default disposition in a child that is not isolated. The child
+    /// inherits from the caller whether the other signals are ignored.
+    std::vector<int> defaultSignals = {};
+};
+
+/// A started child, or the reason why it was not started.
 struct SpawnedChild {
+    /// The process number; -1 if the child was not started.
     pid_t pid = -1;
-    /// Set when pid is -1; a clause that names the program or the folder.
+    /// A clause that names the program or the folder and the cause. Empty if the child was started.
     std::string failure;
 };
 
-/// Starts `launch` as the leader of a session of its own. May be called from any thread.
-[[nodiscard]] SpawnedChild spawnChild(const ChildLaunch& launch, const ChildStreams& streams);
+/// Starts a child. Thread-safe. Throws only std::bad_alloc.
+[[nodiscard]] NEB_EXPORT SpawnedChild spawnChild(const ChildLaunch& launch,
+                                                 const SpawnOptions& options);
 
 }  // namespace neb

@@ -15,6 +15,15 @@ namespace {
 
 constexpr uid_t nobody = 65534;
 
+/// Returns the state letter of /proc/PID/stat, 'X' if there is no such process.
+char stateOf(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const std::size_t end = text.rfind(')');
+    return end != std::string::npos ? text.at(end + 2) : 'X';
+}
+
 }  // namespace
 
 std::set<std::string> openDescriptors() {
@@ -30,11 +39,12 @@ std::set<std::string> openDescriptors() {
 }
 
 bool isLiveProcess(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    const std::size_t end = text.rfind(')');
-    return end != std::string::npos && text.at(end + 2) != 'Z' && text.at(end + 2) != 'X';
+    const char state = stateOf(pid);
+    return state != 'Z' && state != 'X';
+}
+
+bool isStoppedProcess(pid_t pid) {
+    return stateOf(pid) == 'T';
 }
 
 void waitUntilGone(pid_t pid) {

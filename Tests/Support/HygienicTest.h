@@ -26,6 +26,9 @@ std::set<std::string> openDescriptors();
 /// Whether the process is there and neither dead nor waiting to be reaped.
 bool isLiveProcess(pid_t pid);
 
+/// Whether the process is stopped by a signal.
+bool isStoppedProcess(pid_t pid);
+
 /// Waits until the process is gone, as it will be; the test program's time limit ends a wait in
 /// vain.
 void waitUntilGone(pid_t pid);

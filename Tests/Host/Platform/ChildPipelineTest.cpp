@@ -106,49 +106,27 @@ TEST_F(ChildCancellation, GivesTheChildItsChanceToCleanUp) {
     EXPECT_FALSE(std::filesystem::exists(lock));
 }
 
-/// A program that git's own name is given to: it opens a lock, and is no more in the moment in
-/// which it would have noted it.
-class EndedWhileItMakesALock : public ChildCancellation {
-protected:
-    EndedWhileItMakesALock() {
-        std::filesystem::create_directories(folder.path("w/.git/objects"));
-        folder.write("w/.git/HEAD", "ref: refs/heads/main\n");
-        std::filesystem::copy_file("/bin/bash", folder.path("git"));
-    }
-    /// What is left of the file, whose lock the program holds open when it is cancelled.
-    [[nodiscard]] bool stays(const std::string& lock, const std::string& thenDo = "") const {
-        const std::string ready = folder.path("ready" + std::to_string(lock.size()));
-        runAndCancel({program(folder.path("git"),
-                              {"-c", "exec 9>'" + folder.path(lock) + "'; " + thenDo + "echo >'" +
-                                         ready + "'; read -t 1000 <>'" + fifo() + "'"})},
-                     ready);
-        return std::filesystem::exists(folder.path(lock));
-    }
-    [[nodiscard]] std::string fifo() const {
-        static_cast<void>(::mkfifo(folder.path("fifo").c_str(), 0600));
-        return folder.path("fifo");
-    }
-
-    TemporaryFolder folder;
-};
-
-TEST_F(EndedWhileItMakesALock, AGitLeavesNone) {
-    EXPECT_FALSE(stays("w/.git/index.lock"));
-    std::filesystem::create_directories(folder.path("w/.git/refs/heads/deep"));
-    EXPECT_FALSE(stays("w/.git/refs/heads/deep/topic.lock"));
-}
-
-TEST_F(EndedWhileItMakesALock, WhatIsNoSuchLockStays) {
-    EXPECT_TRUE(stays("w/Cargo.lock")) << "a file of the working copy";
-    EXPECT_TRUE(stays("w/.git/index.loc")) << "no lock";
-    EXPECT_TRUE(stays("w/.git/written.lock", "echo x >&9; ")) << "git knows it by now";
-    EXPECT_TRUE(stays("w/.git/replaced.lock", "rm '" + folder.path("w/.git/replaced.lock") +
-                                                  "'; : >'" + folder.path("w/.git/replaced.lock") +
-                                                  "'; "))
-        << "another git's, under the same name";
-    folder.write("w/.git/other.lock", "");
-    EXPECT_FALSE(stays("w/.git/our.lock"));
-    EXPECT_TRUE(std::filesystem::exists(folder.path("w/.git/other.lock"))) << "another git's";
+TEST_F(ChildCancellation, ReportsTheStoppedProcessesOfAllSessions) {
+    const TemporaryFolder folder;
+    ChildProcess process;
+    std::vector<pid_t> reported;
+    bool areStopped = true;
+    const auto outcomes =
+        process.run({shell("echo $$ >&2; echo; exec sleep 1000"),
+                     shell("read line; sleep 1000 & echo $$ >&2; echo $! >&2; echo; wait")},
+                    {.outputGrew = [&process](const Data&) { process.cancel(); },
+                     .stopped =
+                         [&](const std::vector<pid_t>& processes) {
+                             reported = processes;
+                             for (const pid_t pid : processes) {
+                                 areStopped = areStopped && test::isStoppedProcess(pid);
+                             }
+                         }});
+    const std::string second(outcomes[1].errorOutput);
+    EXPECT_THAT(reported,
+                testing::UnorderedElementsAre(numberIn(outcomes[0].errorOutput), numberIn(second),
+                                              numberIn(second.substr(second.find('\n') + 1))));
+    EXPECT_TRUE(areStopped);
 }
 
 TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {

@@ -35,11 +35,11 @@ pid_t startSession() {
 
 TEST_F(ChildSessionTest, ADeadLeaderIsNoLiveMember) {
     const pid_t pid = startSession();
-    EXPECT_TRUE(sessionHasLiveMembers(pid));
+    EXPECT_THAT(liveMembers(pid), ElementsAre(pid));
     signalSession(pid, SIGKILL);
     siginfo_t information{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT), 0);
-    EXPECT_FALSE(sessionHasLiveMembers(pid)) << "though nobody has reaped it yet";
+    EXPECT_THAT(liveMembers(pid), IsEmpty()) << "though nobody has reaped it yet";
     EXPECT_EQ(::waitpid(pid, nullptr, 0), pid);
 }
 

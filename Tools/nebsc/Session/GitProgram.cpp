@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 #include "Platform/Text.h"
 
 namespace neb::nebsc {
@@ -67,8 +68,8 @@ ChildOutcome runGits(ChildProcess& process, const Trace& trace,
                             .pipeTo = nullptr});
     }
     std::vector<std::optional<std::size_t>> numbers(commands.size());
-    std::vector<ChildOutcome> outcomes = process.run(
-        launches,
+    std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
+        process, launches,
         {.started = [&](std::size_t index) { numbers[index] = trace.started(commands[index]); }});
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         if (numbers[i]) {

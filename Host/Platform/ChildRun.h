@@ -1,0 +1,57 @@
+// ChildRun.h - the values that a run of child processes takes and returns.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Platform/Data.h"
+#include "Platform/TerminationStatus.h"
+
+namespace neb {
+
+/// The program to run.
+struct ChildLaunch {
+    /// The absolute path of the executable. PATH is not searched.
+    std::string launchPath;
+    /// The arguments after argv[0], which is the launch path.
+    std::vector<std::string> arguments;
+    /// The working directory of the child. Absent: the working directory of the caller.
+    std::optional<std::string> currentDirectoryPath;
+    /// The whole environment of the child, each element "NAME=value".
+    std::vector<std::string> environment;
+};
+
+/// The result of one child.
+struct ChildOutcome {
+    TerminationStatus status;
+    /// Standard output of the only child or of the last one of a pipeline. Empty for the others.
+    Data output;
+    /// Standard error.
+    Data errorOutput;
+    /// Whether another process still had a stream of the child open shortly after the child ended.
+    /// The outcome has what was written until then.
+    bool outputWasHeldOpen = false;
+    /// The time from the launch of the child to its end.
+    std::chrono::nanoseconds duration{0};
+};
+
+/// Functions that are called during a run, on the thread of the run. All are optional.
+struct ChildObservers {
+    /// Called with the index of each child as soon as it runs.
+    std::function<void(std::size_t)> started = {};
+    /// Called whenever the last child has written more to standard output, with everything that it
+    /// has written so far. The bytes are valid during the call only, because they move when the
+    /// output grows.
+    std::function<void(const Data&)> outputGrew = {};
+    /// Called when the run is cancelled, with every live process in the sessions of the children.
+    /// The processes are stopped (SIGSTOP) during the call and get SIGTERM after it. Must be fast.
+    std::function<void(const std::vector<pid_t>&)> stopped = {};
+};
+
+}  // namespace neb

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,32 +11,11 @@
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
+#include "Support/ProgramStart.h"
 
 namespace neb::test {
 
 namespace {
-
-/// A child whose standard output goes to the descriptor.
-pid_t start(std::vector<std::string> words, int output) {
-    std::vector<char*> argv;
-    argv.reserve(words.size() + 1);
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int failure = ::posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) {
-        throw std::runtime_error(words[0] + " cannot be started");
-    }
-    return pid;
-}
 
 /// Reads until the mark and the line end behind it have come, for ten seconds at most; answers what
 /// stands between the two.
@@ -76,16 +54,18 @@ TLSServer::TLSServer() {
     if (!made.status.isSuccess()) {
         throw std::runtime_error("openssl makes no certificate: " + std::string(made.errorOutput));
     }
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
+    Pipe pipe;
+    if (openPipe(pipe, PipeSize::ordinary) != 0) {
         throw std::runtime_error("there is no pipe");
     }
-    _server = start({"openssl", "s_server", "-accept", "127.0.0.1:0", "-cert", certificate(),
-                     "-key", _folder.path("key.pem"), "-www"},
-                    ends[1]);
-    ::close(ends[1]);
-    _url = "https://127.0.0.1:" + readBehind(ends[0], "ACCEPT 127.0.0.1:") + "/x.git";
-    ::close(ends[0]);
+    _server = startProgram({"openssl", "s_server", "-accept", "127.0.0.1:0", "-cert", certificate(),
+                            "-key", _folder.path("key.pem"), "-www"},
+                           NEBSourceControlInheritedEnvironment(),
+                           {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
+                            .standardOutput = ChildStream::copyOf(pipe.writeEnd.get()),
+                            .standardError = ChildStream::file("/dev/null", O_WRONLY)});
+    pipe.writeEnd.close();
+    _url = "https://127.0.0.1:" + readBehind(pipe.readEnd.get(), "ACCEPT 127.0.0.1:") + "/x.git";
 }
 
 TLSServer::~TLSServer() {

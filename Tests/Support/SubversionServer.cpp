@@ -2,7 +2,6 @@
 
 #include <netinet/in.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +12,7 @@
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
+#include "Support/ProgramStart.h"
 
 namespace neb::test {
 
@@ -45,19 +45,9 @@ int freePort() {
 }
 
 pid_t startServer(const std::string& root, int port) {
-    std::string arguments[] = {"svnserve",           "--daemon",  "--foreground",
-                               "--listen-host",      "127.0.0.1", "--listen-port",
-                               std::to_string(port), "--root",    root};
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-    pid_t pid = -1;
-    if (::posix_spawnp(&pid, "svnserve", nullptr, nullptr, argv.data(), environ) != 0) {
-        throw std::runtime_error("svnserve cannot be started");
-    }
-    return pid;
+    return startProgram({"svnserve", "--daemon", "--foreground", "--listen-host", "127.0.0.1",
+                         "--listen-port", std::to_string(port), "--root", root},
+                        NEBSourceControlInheritedEnvironment(), {});
 }
 
 }  // namespace

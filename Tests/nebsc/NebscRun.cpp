@@ -1,7 +1,6 @@
 #include "nebsc/NebscRun.h"
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -11,37 +10,11 @@
 #include <csignal>
 #include <stdexcept>
 
-#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
-
 namespace neb::test {
 
 namespace {
 
-constexpr mode_t ownerOnly = 0600;
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-std::vector<std::string> environmentWith(const NebscSurroundings& surroundings) {
-    std::vector<std::string> environment = NEBSourceControlInheritedEnvironment();
-    for (const auto& [name, value] : surroundings.variables) {
-        const std::string start = name + "=";
-        std::erase_if(environment, [&start](const std::string& variable) {
-            return variable.starts_with(start);
-        });
-        if (value) {
-            environment.push_back(start + *value);
-        }
-    }
-    return environment;
-}
+constexpr int writing = O_WRONLY | O_CREAT | O_NOCTTY;
 
 /// The master side of a new terminal.
 int openTerminal() {
@@ -62,31 +35,15 @@ std::string readTerminal(int master) {
     return bytes;
 }
 
-/// Default dispositions for all signals but the ignored ones, whatever the test was started with.
-class SpawnAttributes {
-public:
-    explicit SpawnAttributes(const std::vector<int>& ignoredSignals) {
-        ::posix_spawnattr_init(&_attributes);
-        sigset_t defaults;
-        ::sigemptyset(&defaults);
-        for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
-            if (std::find(ignoredSignals.begin(), ignoredSignals.end(), signalNumber) ==
-                ignoredSignals.end()) {
-                ::sigaddset(&defaults, signalNumber);
-            }
-        }
-        ::posix_spawnattr_setsigdefault(&_attributes, &defaults);
-        ::posix_spawnattr_setflags(&_attributes, POSIX_SPAWN_SETSIGDEF);
-    }
-    SpawnAttributes(const SpawnAttributes&) = delete;
-    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-    ~SpawnAttributes() { ::posix_spawnattr_destroy(&_attributes); }
-
-    [[nodiscard]] const posix_spawnattr_t* get() const { return &_attributes; }
-
-private:
-    posix_spawnattr_t _attributes{};
-};
+/// The signals that nebsc gets with the default disposition, whatever that of the test is.
+std::vector<int> defaultSignalsExcept(const std::vector<int>& ignoredSignals) {
+    std::vector<int> signals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+    std::erase_if(signals, [&ignoredSignals](int signalNumber) {
+        return std::find(ignoredSignals.begin(), ignoredSignals.end(), signalNumber) !=
+               ignoredSignals.end();
+    });
+    return signals;
+}
 
 /// The test's own disposition of signals, put back with the object.
 class IgnoredSignals {
@@ -123,49 +80,42 @@ Nebsc::Nebsc(const std::vector<std::string>& arguments, const NebscSurroundings&
 Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& arguments,
              const NebscSurroundings& surroundings) {
     const std::string input = _files.write("input", surroundings.input);
-    std::string output = _files.path("output");
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
+    SpawnOptions options{.standardInput = ChildStream::file(input, O_RDONLY),
+                         .defaultSignals = defaultSignalsExcept(surroundings.ignoredSignals)};
     if (surroundings.hasClosedInput) {
-        ::posix_spawn_file_actions_addclose(&actions, STDIN_FILENO);
-    } else {
-        ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, input.c_str(), O_RDONLY, 0);
+        options.standardInput = ChildStream::closed();
     }
-    if (surroundings.output == NebscOutput::terminal) {
-        _terminal = openTerminal();
-        output = ::ptsname(_terminal);
-        winsize size{};
-        size.ws_col = surroundings.terminalColumns;
-        ::ioctl(_terminal, TIOCSWINSZ, &size);
-    } else if (surroundings.output == NebscOutput::full) {
-        output = "/dev/full";
-    }
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(),
-                                       O_WRONLY | O_CREAT | O_NOCTTY, ownerOnly);
-    if (surroundings.output == NebscOutput::closed) {
-        ::posix_spawn_file_actions_addclose(&actions, STDOUT_FILENO);
-    }
+    options.standardOutput = outputStream(surroundings);
     std::string errors = _files.path("errors");
     if (surroundings.hasTerminalForErrors) {
         _errorTerminal = openTerminal();
         errors = ::ptsname(_errorTerminal);
     }
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(),
-                                       O_WRONLY | O_CREAT | O_NOCTTY, ownerOnly);
-    if (!surroundings.folder.empty()) {
-        ::posix_spawn_file_actions_addchdir_np(&actions, surroundings.folder.c_str());
-    }
-    std::vector<std::string> words{program};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> environment = environmentWith(surroundings);
+    options.standardError = ChildStream::file(errors, writing);
+    std::vector<std::string> args{program};
+    args.insert(args.end(), arguments.begin(), arguments.end());
     const IgnoredSignals ignored(surroundings.ignoredSignals);
-    const SpawnAttributes attributes(surroundings.ignoredSignals);
-    const int failure = ::posix_spawn(&_pid, words[0].c_str(), &actions, attributes.get(),
-                                      pointersTo(words).data(), pointersTo(environment).data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) {
-        throw std::runtime_error("cannot start " + words[0]);
+    _pid = startProgram(
+        args, environmentWith(surroundings.variables), options,
+        surroundings.folder.empty() ? std::nullopt : std::optional(surroundings.folder));
+}
+
+ChildStream Nebsc::outputStream(const NebscSurroundings& surroundings) {
+    switch (surroundings.output) {
+        case NebscOutput::closed:
+            return ChildStream::closed();
+        case NebscOutput::full:
+            return ChildStream::file("/dev/full", writing);
+        case NebscOutput::collected:
+            return ChildStream::file(_files.path("output"), writing);
+        case NebscOutput::terminal:
+            break;
     }
+    _terminal = openTerminal();
+    winsize size{};
+    size.ws_col = surroundings.terminalColumns;
+    ::ioctl(_terminal, TIOCSWINSZ, &size);
+    return ChildStream::file(::ptsname(_terminal), writing);
 }
 
 Nebsc::~Nebsc() {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "Support/ProgramStart.h"
 #include "Support/TemporaryFolder.h"
 
 namespace neb::test {
@@ -26,7 +27,7 @@ struct NebscSurroundings {
     std::string input{};
     bool hasClosedInput = false;
     /// What differs from the test's own environment; an absent value removes the variable.
-    std::vector<std::pair<std::string, std::optional<std::string>>> variables{};
+    VariableChanges variables{};
     NebscOutput output = NebscOutput::collected;
     /// Of the terminal that standard output is; 0: it does not know.
     unsigned short terminalColumns = 0;
@@ -65,6 +66,8 @@ public:
     [[nodiscard]] NebscOutcome outcome();
 
 private:
+    [[nodiscard]] ChildStream outputStream(const NebscSurroundings& surroundings);
+
     TemporaryFolder _files;
     pid_t _pid = -1;
     int _terminal = -1;

@@ -3,30 +3,19 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <stdexcept>
 
-#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Support/ProgramStart.h"
 
 namespace neb::test {
 
 namespace {
 
 constexpr int longEnough = 60000;  // milliseconds
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 }  // namespace
 
@@ -38,37 +27,11 @@ ServerClient::ServerClient(
     if (openPipe(input, PipeSize::ordinary) != 0 || openPipe(output, PipeSize::ordinary) != 0) {
         throw std::runtime_error("no pipe");
     }
-    std::vector<std::string> environment = NEBSourceControlInheritedEnvironment();
-    for (const auto& [name, value] : variables) {
-        std::erase_if(environment, [start = name + "="](const std::string& variable) {
-            return variable.starts_with(start);
-        });
-        if (value) {
-            environment.push_back(name + "=" + *value);
-        }
-    }
-    std::vector<std::string>& words = launcher;
-    words.insert(words.end(), {NEB_BUILD_FOLDER "/bin/nebsc", "serve"});
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, input.readEnd.get(), STDIN_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, output.writeEnd.get(), STDOUT_FILENO);
-    posix_spawnattr_t attributes;
-    ::posix_spawnattr_init(&attributes);
-    sigset_t defaults;
-    ::sigemptyset(&defaults);
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
-        ::sigaddset(&defaults, signalNumber);
-    }
-    ::posix_spawnattr_setsigdefault(&attributes, &defaults);
-    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-    const int failure = ::posix_spawn(&_pid, words.front().c_str(), &actions, &attributes,
-                                      pointersTo(words).data(), pointersTo(environment).data());
-    ::posix_spawnattr_destroy(&attributes);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) {
-        throw std::runtime_error("cannot start " + words.front());
-    }
+    launcher.insert(launcher.end(), {NEB_BUILD_FOLDER "/bin/nebsc", "serve"});
+    _pid = startProgram(launcher, environmentWith(variables),
+                        {.standardInput = ChildStream::copyOf(input.readEnd.get()),
+                         .standardOutput = ChildStream::copyOf(output.writeEnd.get()),
+                         .defaultSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE}});
     _toServer = std::move(input.writeEnd);
     _fromServer = std::move(output.readEnd);
     ::signal(SIGPIPE, SIG_IGN);

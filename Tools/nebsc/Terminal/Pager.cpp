@@ -1,7 +1,6 @@
 #include "Terminal/Pager.h"
 
 #include <signal.h>
-#include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/ChildSpawn.h"
 #include "Platform/FileDescriptor.h"
 #include "Terminal/Output.h"
 #include "Terminal/Tabs.h"
@@ -74,16 +74,6 @@ std::vector<std::string> environmentOfPager() {
     return environment;
 }
 
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 /// Signals that nebsc lives through while a pager runs: what a person types is for the pager, and
 /// one that is left early closes its end of the pipe.
 class SparedSignals {
@@ -103,16 +93,15 @@ public:
         }
     }
 
-    /// Those that a pager is to find as they were before.
-    [[nodiscard]] sigset_t toRestore() const {
-        sigset_t set;
-        ::sigemptyset(&set);
+    /// The signals that were not ignored before.
+    [[nodiscard]] std::vector<int> toRestore() const {
+        std::vector<int> restored;
         for (std::size_t i = 0; i < signals.size(); ++i) {
             if (_formerActions[i].sa_handler != SIG_IGN) {
-                ::sigaddset(&set, signals[i]);
+                restored.push_back(signals[i]);
             }
         }
-        return set;
+        return restored;
     }
 
 private:
@@ -121,31 +110,17 @@ private:
     std::array<struct sigaction, signals.size()> _formerActions{};
 };
 
-/// Answers the process, or nothing when there is none.
+/// Returns the process, or nothing if it cannot be started.
 std::optional<pid_t> startPager(const std::string& pager, const Pipe& pipe,
                                 const SparedSignals& signals) {
-    std::vector<std::string> words{"/bin/sh", "-c", pager};
-    std::vector<std::string> environment = environmentOfPager();
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-    if (::posix_spawn_file_actions_init(&actions) != 0) {
-        return std::nullopt;
-    }
-    if (::posix_spawnattr_init(&attributes) != 0) {
-        ::posix_spawn_file_actions_destroy(&actions);
-        return std::nullopt;
-    }
-    const sigset_t defaults = signals.toRestore();
-    pid_t process = -1;
-    const bool isStarted =
-        ::posix_spawn_file_actions_adddup2(&actions, pipe.readEnd.get(), STDIN_FILENO) == 0 &&
-        ::posix_spawnattr_setsigdefault(&attributes, &defaults) == 0 &&
-        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF) == 0 &&
-        ::posix_spawn(&process, words[0].c_str(), &actions, &attributes, pointersTo(words).data(),
-                      pointersTo(environment).data()) == 0;
-    ::posix_spawnattr_destroy(&attributes);
-    ::posix_spawn_file_actions_destroy(&actions);
-    return isStarted ? std::optional(process) : std::nullopt;
+    const ChildLaunch launch{.launchPath = "/bin/sh",
+                             .arguments = {"-c", pager},
+                             .currentDirectoryPath = std::nullopt,
+                             .environment = environmentOfPager()};
+    const SpawnedChild child =
+        spawnChild(launch, {.standardInput = ChildStream::copyOf(pipe.readEnd.get()),
+                            .defaultSignals = signals.toRestore()});
+    return child.pid < 0 ? std::nullopt : std::optional(child.pid);
 }
 
 /// Whether the shell has found the program and could run it.

@@ -8,23 +8,12 @@
 namespace neb {
 
 bool GitController::authenticationRequiredForRequest(const NEBSourceControlRequest& request) const {
-    switch (request.type) {
-        case NEBSourceControlRequestUpdate:
-        case NEBSourceControlRequestListBranches:
-        case NEBSourceControlRequestClone:
-        case NEBSourceControlRequestPush:
-        case NEBSourceControlRequestFetch:
-            return true;
-        default:
-            return false;
-    }
+    return NEBSourceControlDescriptionOfRequestType(request.type).mayAuthenticate;
 }
 
 bool GitController::validateRequest(const NEBSourceControlRequest& request,
                                     std::optional<NEBSourceControlError>* error) const try {
-    if (request.type == NEBSourceControlRequestListRemoteBranches ||
-        request.type == NEBSourceControlRequestListRemoteBranchesSecondForm ||
-        !authenticationRequiredForRequest(request)) {
+    if (!authenticationRequiredForRequest(request)) {
         return true;
     }
     const auto isReachable = [](const std::shared_ptr<NEBSourceControlSourceTree>& tree) {

@@ -109,53 +109,17 @@ constexpr Condition nonEmptyRemoteNameUnlessBridge{
         return isBridge ? NEBValue("the bridge") : nonEmptyRemoteName.value(request);
     }};
 
+/// A condition, and the line that its report names.
 struct Precondition {
-    std::int32_t type;
-    const Condition& condition;
-    int line;
-};
-
-/// Sorted by type; the preconditions of one type in the order in which they are reported.
-constexpr Precondition preconditions[] = {
-    {NEBSourceControlRequestCreateBranch, destination, 107},
-    {NEBSourceControlRequestDeleteBranch, destination, 107},
-    {NEBSourceControlRequestRemove, someFiles, 136},
-    {NEBSourceControlRequestAddFiles, someFiles, 140},
-    {NEBSourceControlRequestRevert, someFiles, 146},
-    {NEBSourceControlRequestMakeDirectory, destination, 212},
-    {NEBSourceControlRequestMerge, destination, 132},
-    {NEBSourceControlRequestCopy, someFiles, 206},
-    {NEBSourceControlRequestCopy, destination, 207},
-    {NEBSourceControlRequestMove, someFiles, 217},
-    {NEBSourceControlRequestMove, destination, 218},
-    {NEBSourceControlRequestCheckout, destination, 154},
-    {NEBSourceControlRequestList, someFiles, 71},
-    {NEBSourceControlRequestExportFiles, someFiles, 66},
-    {NEBSourceControlRequestExportFiles, startingRevision, 67},
-    {NEBSourceControlRequestExport, startingRevision, 166},
-    {NEBSourceControlRequestExportTree, destination, 78},
-    {NEBSourceControlRequestExportTree, startingRevision, 79},
-    {NEBSourceControlRequestCreateRepository, sourceTreeOrRepositoryPath, 57},
-    {NEBSourceControlRequestBlame, oneFile, 101},
-    {NEBSourceControlRequestClone, destination, 61},
-    {NEBSourceControlRequestClone, sourceTreeLocation, 62},
-    {NEBSourceControlRequestPush, remote, 83},
-    {NEBSourceControlRequestAddRemote, destination, 188},
-    {NEBSourceControlRequestAddRemote, oneFile, 189},
-    {NEBSourceControlRequestRemoveRemote, nonEmptyDestination, 194},
-    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyDestination, 199},
-    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyRemoteName, 200},
-    {NEBSourceControlRequestTrackRemoteBranch, nonEmptyBranch, 201},
-    {NEBSourceControlRequestFetch, remote, 87},
-    {NEBSourceControlRequestFetch, nonEmptyRemoteNameUnlessBridge, 91},
-    {NEBSourceControlRequestTrackingBranchName, branch, 183},
+    const Condition* condition = nullptr;
+    int line = 0;
 };
 
 void check(const NEBSourceControlRequest& request, const Precondition& precondition) {
     const NEBSourceControlAssertionSite site{.function = "-[GitController operationForRequest:]",
                                              .file = "Classes/GitController",
                                              .line = precondition.line};
-    const auto& [shape, text, valueOf] = precondition.condition;
+    const auto& [shape, text, valueOf] = *precondition.condition;
     const NEBValue value = valueOf(request);
     switch (shape) {
         case Shape::plain:
@@ -198,64 +162,95 @@ std::shared_ptr<NEBSourceControlOperation> makeFetch(const Request& request) {
 struct DispatchRow {
     std::int32_t type;
     Maker maker;
+    /// In the order in which they are reported; the rest is empty.
+    Precondition preconditions[3] = {};
 };
 
-/// Types that are not here have no operation.
+/// The operation and the preconditions of each type. Types that are not listed have no operation.
 constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestAdd, &make<GitAddOperation>},
-    {NEBSourceControlRequestCreateBranch, &make<GitBranchOperation>},
-    {NEBSourceControlRequestDeleteBranch, &make<GitBranchOperation>},
+    {NEBSourceControlRequestCreateBranch, &make<GitBranchOperation>, {{&destination, 107}}},
+    {NEBSourceControlRequestDeleteBranch, &make<GitBranchOperation>, {{&destination, 107}}},
     {NEBSourceControlRequestCommit, &make<GitCommitOperation>},
     {NEBSourceControlRequestIgnore, &make<GitIgnoreOperation>},
-    {NEBSourceControlRequestRemove, &make<GitRemoveOperation>},
-    {NEBSourceControlRequestAddFiles, &make<GitAddOperation>},
-    {NEBSourceControlRequestRevert, &make<GitCheckoutOperation>},
-    {NEBSourceControlRequestMakeDirectory, &make<GitMakeDirectoryOperation>},
-    {NEBSourceControlRequestMerge, &make<GitMergeOperation>},
-    {NEBSourceControlRequestCopy, &make<GitCopyOperation>},
-    {NEBSourceControlRequestMove, &make<GitMoveOperation>},
+    {NEBSourceControlRequestRemove, &make<GitRemoveOperation>, {{&someFiles, 136}}},
+    {NEBSourceControlRequestAddFiles, &make<GitAddOperation>, {{&someFiles, 140}}},
+    {NEBSourceControlRequestRevert, &make<GitCheckoutOperation>, {{&someFiles, 146}}},
+    {NEBSourceControlRequestMakeDirectory, &make<GitMakeDirectoryOperation>, {{&destination, 212}}},
+    {NEBSourceControlRequestMerge, &make<GitMergeOperation>, {{&destination, 132}}},
+    {NEBSourceControlRequestCopy,
+     &make<GitCopyOperation>,
+     {{&someFiles, 206}, {&destination, 207}}},
+    {NEBSourceControlRequestMove,
+     &make<GitMoveOperation>,
+     {{&someFiles, 217}, {&destination, 218}}},
     {NEBSourceControlRequestUpdate, &make<GitUpdateOperation>},
-    {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>},
+    {NEBSourceControlRequestCheckout, &make<GitCheckoutOperation>, {{&destination, 154}}},
     {NEBSourceControlRequestStatus, &make<GitStatusOperation>},
-    {NEBSourceControlRequestList, &make<GitListOperation>},
+    {NEBSourceControlRequestList, &make<GitListOperation>, {{&someFiles, 71}}},
     {NEBSourceControlRequestLog, &make<GitLogOperation>},
     {NEBSourceControlRequestInfo, &make<GitInfoOperation>},
-    {NEBSourceControlRequestExportFiles, &make<GitExportFileOperation>},
-    {NEBSourceControlRequestExport, &make<GitExportFileOperation>},
-    {NEBSourceControlRequestExportTree, &make<GitExportTreeOperation>},
+    {NEBSourceControlRequestExportFiles,
+     &make<GitExportFileOperation>,
+     {{&someFiles, 66}, {&startingRevision, 67}}},
+    {NEBSourceControlRequestExport, &make<GitExportFileOperation>, {{&startingRevision, 166}}},
+    {NEBSourceControlRequestExportTree,
+     &make<GitExportTreeOperation>,
+     {{&destination, 78}, {&startingRevision, 79}}},
     {NEBSourceControlRequestListRemotes, &make<GitListRemotesOperation>},
     {NEBSourceControlRequestListBranches, &makeListBranches},
     {NEBSourceControlRequestCurrentBranch, &make<GitCurrentBranchOperation>},
-    {NEBSourceControlRequestCreateRepository, &make<GitCreateRepositoryOperation>},
-    {NEBSourceControlRequestBlame, &make<GitBlameOperation>},
-    {NEBSourceControlRequestClone, &make<GitCloneOperation>},
+    {NEBSourceControlRequestCreateRepository,
+     &make<GitCreateRepositoryOperation>,
+     {{&sourceTreeOrRepositoryPath, 57}}},
+    {NEBSourceControlRequestBlame, &make<GitBlameOperation>, {{&oneFile, 101}}},
+    {NEBSourceControlRequestClone,
+     &make<GitCloneOperation>,
+     {{&destination, 61}, {&sourceTreeLocation, 62}}},
     {NEBSourceControlRequestDiff, &make<GitDiffOperation>},
     {NEBSourceControlRequestListRemoteBranches, &make<GitListRemoteBranchesOperation>},
     {NEBSourceControlRequestListRemoteBranchesSecondForm, &make<GitListRemoteBranchesOperation>},
-    {NEBSourceControlRequestPush, &make<GitPushOperation>},
-    {NEBSourceControlRequestAddRemote, &make<GitAddRemoteOperation>},
-    {NEBSourceControlRequestRemoveRemote, &make<GitRemoveRemoteOperation>},
-    {NEBSourceControlRequestTrackRemoteBranch, &make<GitTrackRemoteBranchOperation>},
-    {NEBSourceControlRequestFetch, &makeFetch},
-    {NEBSourceControlRequestTrackingBranchName, &make<GitTrackingBranchNameOperation>},
+    {NEBSourceControlRequestPush, &make<GitPushOperation>, {{&remote, 83}}},
+    {NEBSourceControlRequestAddRemote,
+     &make<GitAddRemoteOperation>,
+     {{&destination, 188}, {&oneFile, 189}}},
+    {NEBSourceControlRequestRemoveRemote,
+     &make<GitRemoveRemoteOperation>,
+     {{&nonEmptyDestination, 194}}},
+    {NEBSourceControlRequestTrackRemoteBranch,
+     &make<GitTrackRemoteBranchOperation>,
+     {{&nonEmptyDestination, 199}, {&nonEmptyRemoteName, 200}, {&nonEmptyBranch, 201}}},
+    {NEBSourceControlRequestFetch,
+     &makeFetch,
+     {{&remote, 87}, {&nonEmptyRemoteNameUnlessBridge, 91}}},
+    {NEBSourceControlRequestTrackingBranchName,
+     &make<GitTrackingBranchNameOperation>,
+     {{&branch, 183}}},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
 };
+
+const DispatchRow* rowOfType(std::int32_t type) {
+    const auto* row = std::ranges::find(dispatchRows, type, &DispatchRow::type);
+    return row != std::end(dispatchRows) ? row : nullptr;
+}
 
 }  // namespace
 
 void gitReportBrokenPreconditions(const NEBSourceControlRequest& request) {
-    for (const Precondition& precondition : preconditions) {
-        if (precondition.type == request.type) {
+    const DispatchRow* row = rowOfType(request.type);
+    if (row == nullptr) {
+        return;
+    }
+    for (const Precondition& precondition : row->preconditions) {
+        if (precondition.condition != nullptr) {
             check(request, precondition);
         }
     }
 }
 
 std::shared_ptr<NEBSourceControlOperation> gitMakeOperation(const Request& request) {
-    const auto* row = std::find_if(
-        std::begin(dispatchRows), std::end(dispatchRows),
-        [&request](const DispatchRow& candidate) { return candidate.type == request->type; });
-    return row != std::end(dispatchRows) ? row->maker(request) : nullptr;
+    const DispatchRow* row = rowOfType(request->type);
+    return row != nullptr ? row->maker(request) : nullptr;
 }
 
 }  // namespace neb

@@ -1,4 +1,8 @@
-// NEBSourceControlArgumentInjection.h - values that git would take for an option.
+// NEBSourceControlArgumentInjection.h - the check for values that git would take for an option.
+//
+//     if (const auto injection = NEBSourceControlFirstArgumentInjection(*request)) {
+//         refuse(injection->field, injection->value);
+//     }
 #pragma once
 
 #include <optional>
@@ -10,21 +14,27 @@
 
 namespace neb {
 
+/// A value that must not reach a command line, and why.
 struct NEBSourceControlArgumentInjection {
-    /// The field as a request written in JSON names it: "startingRevision", "files[0]",
+    /// The field of the request, as its JSON form names it: "startingRevision", "files[0]",
     /// "options.NEBSourceControlRequestOptionBranch".
     std::string field;
+    /// The value, or the part of it that git would misread.
     std::string value;
-    /// What git would do with it, behind "git would".
+    /// Completes the sentence "git would …".
     std::string_view danger = "take it for an option";
 };
 
-/// The first value of the request whose text, whatever its kind, begins with "-" and would stand in
-/// its command line where git reads options (of a path that the shell splits at blanks, each word),
-/// or that is the limit of a log, which gets a "-" in front, and no count, or
-/// that makes a push more than the sending of one branch to another (an empty side deletes, a "+"
-/// in front overwrites, a "*" takes all); nothing when there is none. A host that takes values from
-/// outside asks this before it asks for an operation, and refuses the request. From any thread.
+/// Returns the first dangerous value of the request; absent when there is none. A host that takes
+/// values from outside calls this before it makes an operation, and refuses the request.
+///
+/// A value is dangerous when its text, whatever its kind,
+/// - begins with "-" and is an argument that git could read as an option;
+/// - is the limit of a log, and not a number;
+/// - is a side of a push, and would delete (empty), overwrite ("+") or send several branches ("*").
+///
+/// NEBSourceControlDescriptionOfRequestType() lists the values to check; all values are checked for
+/// a type that it does not list. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::optional<NEBSourceControlArgumentInjection>
 NEBSourceControlFirstArgumentInjection(const NEBSourceControlRequest& request);
 

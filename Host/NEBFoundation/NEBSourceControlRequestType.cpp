@@ -1,63 +1,209 @@
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 
+#include <algorithm>
 #include <array>
 
 namespace neb {
 
 namespace {
 
-constexpr std::size_t typeCount = NEBSourceControlLastRequestType + 1;
+using Requirement = NEBSourceControlRequirement;
+using enum NEBSourceControlRequestEffect;
+using enum NEBSourceControlRequirement;
 
-constexpr std::array<std::string_view, typeCount> typeNames{
-    /*  0 */ "add",
-    /*  1 */ "create branch",
-    /*  2 */ "delete branch",
-    /*  3 */ "commit",
-    /*  4 */ "ignore",
-    /*  5 */ "remove",
-    /*  6 */ "add files",
-    /*  7 */ "revert",
-    /*  8 */ "make directory",
-    /*  9 */ "merge",
-    /* 10 */ "copy",
-    /* 11 */ "move",
-    /* 12 */ "unsupported",
-    /* 13 */ "update",
-    /* 14 */ "checkout",
-    /* 15 */ "status",
-    /* 16 */ "unsupported",
-    /* 17 */ "list",
-    /* 18 */ "log",
-    /* 19 */ "info",
-    /* 20 */ "export files",
-    /* 21 */ "export",
-    /* 22 */ "export tree",
-    /* 23 */ "unsupported",
-    /* 24 */ "list remotes",
-    /* 25 */ "list branches",
-    /* 26 */ "current branch",
-    /* 27 */ "create repository",
-    /* 28 */ "blame",
-    /* 29 */ "clone",
-    /* 30 */ "diff",
-    /* 31 */ "list remote branches",
-    /* 32 */ "list remote branches (second form)",
-    /* 33 */ "push",
-    /* 34 */ "add remote",
-    /* 35 */ "remove remote",
-    /* 36 */ "track remote branch",
-    /* 37 */ "fetch",
-    /* 38 */ "tracking branch name",
-    /* 39 */ "merge base",
+template <Requirement... requirements>
+constexpr std::array<Requirement, sizeof...(requirements)> needs{requirements...};
+
+/// Short names for a column of the table.
+namespace exposed {
+constexpr std::uint32_t nothing = NEBSourceControlExposedNothing;
+constexpr std::uint32_t location = NEBSourceControlExposedLocation;
+constexpr std::uint32_t destination = NEBSourceControlExposedDestination;
+constexpr std::uint32_t start = NEBSourceControlExposedStartingRevision;
+constexpr std::uint32_t end = NEBSourceControlExposedEndingRevision;
+constexpr std::uint32_t branch = NEBSourceControlExposedBranch;
+constexpr std::uint32_t remoteName = NEBSourceControlExposedRemoteName;
+constexpr std::uint32_t sourceLocation = NEBSourceControlExposedSourceLocation;
+constexpr std::uint32_t files = NEBSourceControlExposedFiles;
+constexpr std::uint32_t fileNames = NEBSourceControlExposedFileNames;
+constexpr std::uint32_t fileParts = NEBSourceControlExposedFileParts;
+constexpr std::uint32_t branchParts = NEBSourceControlExposedBranchParts;
+constexpr std::uint32_t logLimit = NEBSourceControlExposedLogLimit;
+constexpr std::uint32_t refspec = NEBSourceControlExposedRefspec;
+}  // namespace exposed
+
+constexpr bool authenticates = true;
+constexpr bool offline = false;
+constexpr bool inDestination = true;
+constexpr bool inTree = false;
+constexpr std::string_view unsupported = "unsupported";
+
+constexpr NEBSourceControlRequestTypeDescription rows[] = {
+    {NEBSourceControlRequestAdd, "add", changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestCreateBranch, "create branch", changes, offline, inTree,
+     exposed::destination | exposed::sourceLocation, needs<destination>},
+    {NEBSourceControlRequestDeleteBranch, "delete branch", changes, offline, inTree,
+     exposed::destination, needs<destination>},
+    {NEBSourceControlRequestCommit, "commit", changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestIgnore, "ignore", changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestRemove, "remove", changes, offline, inTree, exposed::nothing,
+     needs<atLeastOneFile>},
+    {NEBSourceControlRequestAddFiles, "add files", changes, offline, inTree, exposed::nothing,
+     needs<atLeastOneFile>},
+    {NEBSourceControlRequestRevert, "revert", changes, offline, inTree, exposed::nothing,
+     needs<atLeastOneFile>},
+    {NEBSourceControlRequestMakeDirectory, "make directory", changes, offline, inTree,
+     exposed::nothing, needs<destination>},
+    {NEBSourceControlRequestMerge, "merge", changes, offline, inTree,
+     exposed::destination | exposed::end, needs<destination>},
+    {NEBSourceControlRequestCopy, "copy", changes, offline, inTree, exposed::nothing,
+     needs<atLeastOneFile, destination>},
+    {NEBSourceControlRequestMove, "move", changes, offline, inTree,
+     exposed::destination | exposed::files, needs<atLeastOneFile, destination>},
+    {12, unsupported, changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestUpdate,
+     "update",
+     changes,
+     authenticates,
+     inTree,
+     exposed::destination | exposed::end | exposed::remoteName | exposed::branch,
+     {}},
+    {NEBSourceControlRequestCheckout, "checkout", changes, offline, inTree, exposed::destination,
+     needs<destination>},
+    {NEBSourceControlRequestStatus, "status", reads, offline, inTree, exposed::nothing, {}},
+    {16, unsupported, changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestList, "list", reads, offline, inTree,
+     exposed::fileParts | exposed::branchParts, needs<atLeastOneFile>},
+    {NEBSourceControlRequestLog,
+     "log",
+     reads,
+     offline,
+     inTree,
+     exposed::start | exposed::end | exposed::branch | exposed::logLimit,
+     {}},
+    {NEBSourceControlRequestInfo, "info", reads, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestExportFiles, "export files", exports, offline, inTree,
+     exposed::start | exposed::files | exposed::fileNames, needs<atLeastOneFile, startingRevision>},
+    {NEBSourceControlRequestExport, "export", exports, offline, inTree,
+     exposed::start | exposed::files | exposed::fileNames, needs<startingRevision, atLeastOneFile>},
+    {NEBSourceControlRequestExportTree, "export tree", exports, offline, inTree, exposed::nothing,
+     needs<destination, startingRevision>},
+    {23, unsupported, changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestListRemotes,
+     "list remotes",
+     reads,
+     offline,
+     inTree,
+     exposed::nothing,
+     {}},
+    {NEBSourceControlRequestListBranches,
+     "list branches",
+     reads,
+     authenticates,
+     inTree,
+     exposed::files,
+     {}},
+    {NEBSourceControlRequestCurrentBranch,
+     "current branch",
+     reads,
+     offline,
+     inTree,
+     exposed::nothing,
+     {}},
+    {NEBSourceControlRequestCreateRepository, "create repository", changes, offline, inTree,
+     exposed::nothing, needs<sourceTreeOrRepositoryPath>},
+    {NEBSourceControlRequestBlame, "blame", reads, offline, inTree, exposed::start | exposed::end,
+     needs<exactlyOneFile>},
+    {NEBSourceControlRequestClone, "clone", changes, authenticates, inDestination,
+     exposed::location | exposed::destination | exposed::branch,
+     needs<destination, sourceTreeLocation>},
+    {NEBSourceControlRequestDiff,
+     "diff",
+     reads,
+     offline,
+     inTree,
+     exposed::start | exposed::end | exposed::destination,
+     {}},
+    {NEBSourceControlRequestListRemoteBranches,
+     "list remote branches",
+     reads,
+     offline,
+     inTree,
+     exposed::files,
+     {}},
+    {NEBSourceControlRequestListRemoteBranchesSecondForm,
+     "list remote branches (second form)",
+     reads,
+     offline,
+     inTree,
+     exposed::files,
+     {}},
+    {NEBSourceControlRequestPush, "push", changes, authenticates, inTree,
+     exposed::remoteName | exposed::branch | exposed::refspec,
+     needs<remote, destination, remoteName, branch>},
+    {NEBSourceControlRequestAddRemote, "add remote", changes, offline, inTree,
+     exposed::destination | exposed::files, needs<destination, exactlyOneFile>},
+    {NEBSourceControlRequestRemoveRemote, "remove remote", changes, offline, inTree,
+     exposed::destination, needs<destination>},
+    {NEBSourceControlRequestTrackRemoteBranch, "track remote branch", changes, offline, inTree,
+     exposed::destination | exposed::remoteName | exposed::branch,
+     needs<destination, remoteName, branch>},
+    {NEBSourceControlRequestFetch, "fetch", changes, authenticates, inTree, exposed::remoteName,
+     needs<remote, remoteName>},
+    {NEBSourceControlRequestTrackingBranchName, "tracking branch name", reads, offline, inTree,
+     exposed::nothing, needs<branch>},
+    {NEBSourceControlRequestMergeBase, "merge base", reads, offline, inTree,
+     exposed::start | exposed::end, needs<startingRevision, endingRevision>},
 };
+
+constexpr auto typeOf = [](const NEBSourceControlRequestTypeDescription& row) { return row.type; };
+static_assert(std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, typeOf) ==
+              std::ranges::end(rows));
+
+constexpr NEBSourceControlRequestTypeDescription unlisted{
+    -1, "", changes, offline, inTree, NEBSourceControlExposedEverything, {}};
 
 }  // namespace
 
+std::span<const NEBSourceControlRequestTypeDescription> NEBSourceControlAllRequestTypes() {
+    return rows;
+}
+
+const NEBSourceControlRequestTypeDescription& NEBSourceControlDescriptionOfRequestType(
+    std::int32_t type) {
+    const auto* row = std::ranges::lower_bound(rows, type, {}, typeOf);
+    return row != std::ranges::end(rows) && row->type == type ? *row : unlisted;
+}
+
 std::optional<std::string_view> NEBSourceControlRequestTypeName(std::int32_t type) {
-    if (type < NEBSourceControlFirstRequestType || type > NEBSourceControlLastRequestType) {
-        return std::nullopt;
+    const std::string_view name = NEBSourceControlDescriptionOfRequestType(type).name;
+    return name.empty() ? std::nullopt : std::optional(name);
+}
+
+std::string_view NEBSourceControlRequirementName(NEBSourceControlRequirement requirement) {
+    switch (requirement) {
+        case Requirement::destination:
+            return "destination";
+        case Requirement::atLeastOneFile:
+            return "at least one file";
+        case Requirement::exactlyOneFile:
+            return "exactly one file";
+        case Requirement::startingRevision:
+            return "starting revision";
+        case Requirement::endingRevision:
+            return "ending revision";
+        case Requirement::sourceTreeLocation:
+            return "source tree location";
+        case Requirement::sourceTreeOrRepositoryPath:
+            return "source tree or repository path option";
+        case Requirement::remote:
+            return "remote";
+        case Requirement::remoteName:
+            return "remote name option";
+        case Requirement::branch:
+            return "branch option";
     }
-    return typeNames[static_cast<std::size_t>(type)];
+    return "";
 }
 
 }  // namespace neb

@@ -93,10 +93,9 @@ TEST(RequestMatrix, HasEveryTypeThatHasAnOperation) {
         types.insert(requestCase.type);
     }
     std::set<std::int32_t> expected;
-    for (std::int32_t type = NEBSourceControlFirstRequestType;
-         type <= NEBSourceControlLastRequestType; ++type) {
-        if (NEBSourceControlRequestTypeName(type) != "unsupported") {
-            expected.insert(type);
+    for (const auto& type : NEBSourceControlAllRequestTypes()) {
+        if (type.name != "unsupported") {
+            expected.insert(type.type);
         }
     }
     EXPECT_EQ(types, expected);

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/RequestRun.h"
 
 namespace neb::test {
@@ -69,61 +70,61 @@ const std::string ownCommit = "printf 'own\\n' >own.c; git add own.c; git commit
 
 std::vector<RequestCase> changesOfFiles() {
     return {
-        {"AddOne", 0, changes,
+        {"AddOne", NEBSourceControlRequestAdd, changes,
          [](const World& world, Request& request) {
              request.destination = world.repository("untracked.c");
          }},
-        {"AddAll", 0, changes, nothingMore},
-        {"AddFiles", 6, changes,
+        {"AddAll", NEBSourceControlRequestAdd, changes, nothingMore},
+        {"AddFiles", NEBSourceControlRequestAddFiles, changes,
          [](const World& world, Request& request) {
              setFiles(request, world, {"ü.txt", "folder", "a.c"});
          }},
-        {"AddUnknown", 6, "",
+        {"AddUnknown", NEBSourceControlRequestAddFiles, "",
          [](const World& world, Request& request) { setFiles(request, world, {"nosuch"}); }},
-        {"Ignore", 4, changes, nothingMore},
-        {"Remove", 5, changes,
+        {"Ignore", NEBSourceControlRequestIgnore, changes, nothingMore},
+        {"Remove", NEBSourceControlRequestRemove, changes,
          [](const World& world, Request& request) {
              setFiles(request, world, {"a.c", "é.txt"});
          }},
-        {"RemoveUnknown", 5, "",
+        {"RemoveUnknown", NEBSourceControlRequestRemove, "",
          [](const World& world, Request& request) { setFiles(request, world, {"é-nosuch"}); }},
-        {"Revert", 7, changes,
+        {"Revert", NEBSourceControlRequestRevert, changes,
          [](const World& world, Request& request) {
              setFiles(request, world, {"a.c", "sp ace.txt"});
          }},
-        {"RevertUnknown", 7, "",
+        {"RevertUnknown", NEBSourceControlRequestRevert, "",
          [](const World& world, Request& request) { setFiles(request, world, {"nosuch"}); }},
-        {"MakeDirectory", 8, "",
+        {"MakeDirectory", NEBSourceControlRequestMakeDirectory, "",
          [](const World& world, Request& request) {
              request.destination = world.repository("made/here");
          }},
-        {"Copy", 10, "",
+        {"Copy", NEBSourceControlRequestCopy, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
              request.destination = world.repository("copied é.txt");
          },
          false, "git add 'copied é.txt'"},
-        {"Move", 11, "",
+        {"Move", NEBSourceControlRequestMove, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
              request.destination = world.repository("moved é.txt");
          }},
-        {"MoveOntoAnother", 11, "",
+        {"MoveOntoAnother", NEBSourceControlRequestMove, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
              request.destination = world.repository("a.c");
          }},
-        {"Commit", 3, changes,
+        {"Commit", NEBSourceControlRequestCommit, changes,
          [](const World& /*world*/, Request& request) {
              request.options =
                  NEBDictionary{{NEBSourceControlRequestOptionMessage, "Änderung\n\n# no comment"}};
          }},
-        {"CommitFile", 3, changes,
+        {"CommitFile", NEBSourceControlRequestCommit, changes,
          [](const World& world, Request& request) {
              setFiles(request, world, {"sp ace.txt"});
              request.options = NEBDictionary{{NEBSourceControlRequestOptionMessage, "One file"}};
          }},
-        {"CommitNothing", 3, "",
+        {"CommitNothing", NEBSourceControlRequestCommit, "",
          [](const World& /*world*/, Request& request) {
              request.options = NEBDictionary{{NEBSourceControlRequestOptionMessage, "Nothing"}};
          },
@@ -133,48 +134,50 @@ std::vector<RequestCase> changesOfFiles() {
 
 std::vector<RequestCase> branches() {
     return {
-        {"CreateBranch", 1, "",
+        {"CreateBranch", NEBSourceControlRequestCreateBranch, "",
          [](const World& /*world*/, Request& request) {
              request.destination = "made";
              request.options =
                  NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "topic"}};
          }},
-        {"CreateBranchTwice", 1, "",
+        {"CreateBranchTwice", NEBSourceControlRequestCreateBranch, "",
          [](const World& /*world*/, Request& request) { request.destination = "topic"; }},
-        {"DeleteBranch", 2, "",
+        {"DeleteBranch", NEBSourceControlRequestDeleteBranch, "",
          [](const World& /*world*/, Request& request) { request.destination = "done"; }},
-        {"DeleteUnmerged", 2, "",
+        {"DeleteUnmerged", NEBSourceControlRequestDeleteBranch, "",
          [](const World& /*world*/, Request& request) { request.destination = "rival"; }},
-        {"DeleteForced", 2, "",
+        {"DeleteForced", NEBSourceControlRequestDeleteBranch, "",
          [](const World& /*world*/, Request& request) {
              request.destination = "rival";
              request.options = NEBDictionary{{NEBSourceControlRequestOptionForce, true}};
          }},
-        {"Checkout", 14, "",
+        {"Checkout", NEBSourceControlRequestCheckout, "",
          [](const World& /*world*/, Request& request) { request.destination = "topic"; }},
-        {"CheckoutTag", 14, "",
+        {"CheckoutTag", NEBSourceControlRequestCheckout, "",
          [](const World& /*world*/, Request& request) { request.destination = "v1"; }},
-        {"CheckoutFromDetached", 14, "git checkout -q v1",
+        {"CheckoutFromDetached", NEBSourceControlRequestCheckout, "git checkout -q v1",
          [](const World& /*world*/, Request& request) { request.destination = "main"; }},
-        {"CheckoutUnknown", 14, "",
+        {"CheckoutUnknown", NEBSourceControlRequestCheckout, "",
          [](const World& /*world*/, Request& request) { request.destination = "nosuch"; }},
-        {"Merge", 9, "",
+        {"Merge", NEBSourceControlRequestMerge, "",
          [](const World& /*world*/, Request& request) { request.destination = "topic"; }},
-        {"MergeRival", 9, "",
+        {"MergeRival", NEBSourceControlRequestMerge, "",
          [](const World& /*world*/, Request& request) { request.destination = "rival"; }},
-        {"MergeWithConflict", 9, "git checkout -q rival; git rm -q a.c; git commit -q -m Away\n",
+        {"MergeWithConflict", NEBSourceControlRequestMerge,
+         "git checkout -q rival; git rm -q a.c; git commit -q -m Away\n",
          [](const World& /*world*/, Request& request) { request.destination = "main"; }},
-        {"MergeUnknown", 9, "",
+        {"MergeUnknown", NEBSourceControlRequestMerge, "",
          [](const World& /*world*/, Request& request) { request.destination = "nosuch"; }},
-        {"MergeBase", 39, "",
+        {"MergeBase", NEBSourceControlRequestMergeBase, "",
          [](const World& /*world*/, Request& request) {
              request.startingRevision = "main";
              request.endingRevision = "topic";
          }},
-        {"ListBranches", 25, "",
+        {"ListBranches", NEBSourceControlRequestListBranches, "",
          [](const World& /*world*/, Request& request) { setRemote(request); }},
-        {"CurrentBranch", 26, "git checkout -q topic", nothingMore},
-        {"TrackingBranchName", 38, "",
+        {"CurrentBranch", NEBSourceControlRequestCurrentBranch, "git checkout -q topic",
+         nothingMore},
+        {"TrackingBranchName", NEBSourceControlRequestTrackingBranchName, "",
          [](const World& /*world*/, Request& request) {
              request.options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "main"}};
          }},
@@ -183,62 +186,63 @@ std::vector<RequestCase> branches() {
 
 std::vector<RequestCase> history() {
     return {
-        {"Status", 15, changes, nothingMore},
-        {"StatusOfFolder", 15, changes,
+        {"Status", NEBSourceControlRequestStatus, changes, nothingMore},
+        {"StatusOfFolder", NEBSourceControlRequestStatus, changes,
          [](const World& world, Request& request) {
              request.destination = world.repository("folder");
          }},
-        {"List", 17, "",
+        {"List", NEBSourceControlRequestList, "",
          [](const World& /*world*/, Request& request) { request.files = valuesOf({"dir"}); }},
-        {"Log", 18, "", nothingMore},
-        {"LogWithFiles", 18, "",
+        {"Log", NEBSourceControlRequestLog, "", nothingMore},
+        {"LogWithFiles", NEBSourceControlRequestLog, "",
          [](const World& /*world*/, Request& request) {
              request.options =
                  NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true},
                                {NEBSourceControlRequestOptionLogOutputLimit, 4}};
          }},
-        {"LogOfFile", 18, "",
+        {"LogOfFile", NEBSourceControlRequestLog, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"moved.c"});
              request.options =
                  NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true}};
          }},
-        {"LogOfUnknown", 18, "",
+        {"LogOfUnknown", NEBSourceControlRequestLog, "",
          [](const World& /*world*/, Request& request) { request.startingRevision = "nosuch"; }},
-        {"Info", 19, "", nothingMore},
-        {"Blame", 28, "",
+        {"Info", NEBSourceControlRequestInfo, "", nothingMore},
+        {"Blame", NEBSourceControlRequestBlame, "",
          [](const World& world, Request& request) { setFiles(request, world, {"a.c"}); }},
-        {"BlameAtRevision", 28, "",
+        {"BlameAtRevision", NEBSourceControlRequestBlame, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"moved.c"});
              request.startingRevision = "main";
          }},
-        {"BlameOfUnknown", 28, "",
+        {"BlameOfUnknown", NEBSourceControlRequestBlame, "",
          [](const World& world, Request& request) { setFiles(request, world, {"nosuch"}); }},
-        {"Diff", 30, changes, nothingMore},
-        {"DiffOfRevisions", 30, "",
+        {"Diff", NEBSourceControlRequestDiff, changes, nothingMore},
+        {"DiffOfRevisions", NEBSourceControlRequestDiff, "",
          [](const World& /*world*/, Request& request) {
              request.startingRevision = "v1";
              request.endingRevision = "main";
          }},
-        {"DiffNames", 30, changes,
+        {"DiffNames", NEBSourceControlRequestDiff, changes,
          [](const World& /*world*/, Request& request) {
              request.options =
                  NEBDictionary{{NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}};
          }},
-        {"DiffAfterTouch", 30, "touch -d '2001-01-01 00:00' a.c", nothingMore},
-        {"ExportFiles", 20, "",
+        {"DiffAfterTouch", NEBSourceControlRequestDiff, "touch -d '2001-01-01 00:00' a.c",
+         nothingMore},
+        {"ExportFiles", NEBSourceControlRequestExportFiles, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
              request.startingRevision = "main";
          }},
-        {"Export", 21, "",
+        {"Export", NEBSourceControlRequestExport, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"dir/b.c"});
              request.startingRevision = "v1";
              request.destination = world.path("tmp/exported b.c");
          }},
-        {"ExportTree", 22, "",
+        {"ExportTree", NEBSourceControlRequestExportTree, "",
          [](const World& world, Request& request) {
              request.startingRevision = "main";
              request.destination = world.path("tmp/tree");
@@ -248,86 +252,87 @@ std::vector<RequestCase> history() {
 
 std::vector<RequestCase> exchange() {
     return {
-        {"ListRemotes", 24, "", nothingMore},
-        {"ListBranchesThere", 25, "",
+        {"ListRemotes", NEBSourceControlRequestListRemotes, "", nothingMore},
+        {"ListBranchesThere", NEBSourceControlRequestListBranches, "",
          [](const World& world, Request& request) {
              setRepository(request, world.repository(), true);
              setRemote(request);
              request.files = valuesOf({world.path("remote.git")});
          }},
-        {"ListRemoteBranches", 31, "", nothingMore},
-        {"ListRemoteBranchesOfURL", 32, "",
+        {"ListRemoteBranches", NEBSourceControlRequestListRemoteBranches, "", nothingMore},
+        {"ListRemoteBranchesOfURL", NEBSourceControlRequestListRemoteBranchesSecondForm, "",
          [](const World& world, Request& request) {
              request.files = valuesOf({"file://" + world.path("remote.git")});
          }},
-        {"CreateRepository", 27, "mkdir ../made",
+        {"CreateRepository", NEBSourceControlRequestCreateRepository, "mkdir ../made",
          [](const World& world, Request& request) {
              request.sourceTree->location = world.path("made");
          }},
-        {"CreateBareRepository", 27, "",
+        {"CreateBareRepository", NEBSourceControlRequestCreateRepository, "",
          [](const World& world, Request& request) {
              request.options = NEBDictionary{
                  {NEBSourceControlRequestOptionRepositoryPath, world.path("made.git")}};
          }},
-        {"Clone", 29, "mkdir ../cloned",
+        {"Clone", NEBSourceControlRequestClone, "mkdir ../cloned",
          [](const World& world, Request& request) {
              request.sourceTree->location = world.path("remote.git");
              request.destination = world.path("cloned");
              setRemote(request);
          }},
-        {"CloneOfNothing", 29, "mkdir ../cloned",
+        {"CloneOfNothing", NEBSourceControlRequestClone, "mkdir ../cloned",
          [](const World& world, Request& request) {
              request.sourceTree->location = world.path("nosuch.git");
              request.destination = world.path("cloned");
              setRemote(request);
          }},
-        {"Push", 33, ownCommit + "git pull -q --rebase origin main\n",
+        {"Push", NEBSourceControlRequestPush, ownCommit + "git pull -q --rebase origin main\n",
          [](const World& /*world*/, Request& request) { setPush(request, "main", "main"); }},
-        {"PushOfNewBranch", 33, "",
+        {"PushOfNewBranch", NEBSourceControlRequestPush, "",
          [](const World& /*world*/, Request& request) { setPush(request, "rival", "new"); }},
-        {"PushRejected", 33, ownCommit,
+        {"PushRejected", NEBSourceControlRequestPush, ownCommit,
          [](const World& /*world*/, Request& request) { setPush(request, "main", "main"); }},
-        {"AddRemote", 34, "",
+        {"AddRemote", NEBSourceControlRequestAddRemote, "",
          [](const World& world, Request& request) {
              request.destination = "second";
              request.files = valuesOf({world.path("other")});
          }},
-        {"AddRemoteTwice", 34, "",
+        {"AddRemoteTwice", NEBSourceControlRequestAddRemote, "",
          [](const World& world, Request& request) {
              request.destination = "origin";
              request.files = valuesOf({world.path("other")});
          }},
-        {"RemoveRemote", 35, "",
+        {"RemoveRemote", NEBSourceControlRequestRemoveRemote, "",
          [](const World& /*world*/, Request& request) { request.destination = "origin"; }},
-        {"RemoveUnknownRemote", 35, "",
+        {"RemoveUnknownRemote", NEBSourceControlRequestRemoveRemote, "",
          [](const World& /*world*/, Request& request) { request.destination = "nosuch"; }},
-        {"TrackRemoteBranch", 36, "",
+        {"TrackRemoteBranch", NEBSourceControlRequestTrackRemoteBranch, "",
          [](const World& /*world*/, Request& request) {
              request.destination = "tracking";
              request.options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
                                              {NEBSourceControlRequestOptionBranch, "news"}};
          }},
-        {"Fetch", 37, "",
+        {"Fetch", NEBSourceControlRequestFetch, "",
          [](const World& /*world*/, Request& request) {
              setRemote(request);
              request.options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"}};
          }},
-        {"FetchOfNothing", 37, "",
+        {"FetchOfNothing", NEBSourceControlRequestFetch, "",
          [](const World& /*world*/, Request& request) {
              setRemote(request);
              request.options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "nosuch"}};
          }},
-        {"Pull", 13, "", [](const World& /*world*/, Request& request) { setPull(request); }},
-        {"PullOfNothingNew", 13, "git pull -q --ff-only origin main",
+        {"Pull", NEBSourceControlRequestUpdate, "",
          [](const World& /*world*/, Request& request) { setPull(request); }},
-        {"PullThatDiverges", 13, ownCommit,
+        {"PullOfNothingNew", NEBSourceControlRequestUpdate, "git pull -q --ff-only origin main",
          [](const World& /*world*/, Request& request) { setPull(request); }},
-        {"UpdateByMerge", 13, ownCommit + "git fetch -q origin",
+        {"PullThatDiverges", NEBSourceControlRequestUpdate, ownCommit,
+         [](const World& /*world*/, Request& request) { setPull(request); }},
+        {"UpdateByMerge", NEBSourceControlRequestUpdate, ownCommit + "git fetch -q origin",
          [](const World& /*world*/, Request& request) {
              setRemote(request);
              request.destination = "origin/main";
          }},
-        {"UpdateByRebase", 13, ownCommit + "git fetch -q origin",
+        {"UpdateByRebase", NEBSourceControlRequestUpdate, ownCommit + "git fetch -q origin",
          [](const World& /*world*/, Request& request) {
              setRemote(request, true);
              request.destination = "origin/main";

@@ -122,6 +122,29 @@ TEST(RequestType, HasAPlainName) {
     EXPECT_EQ(NEBSourceControlRequestTypeName(40), std::nullopt);
 }
 
+TEST(RequestType, ThatIsNotListedIsTreatedAsTheMostDangerousOne) {
+    for (const std::int32_t type : {-1, 40, 1000, 2147483647}) {
+        const auto& description = NEBSourceControlDescriptionOfRequestType(type);
+        EXPECT_EQ(description.name, "");
+        EXPECT_EQ(description.effect, NEBSourceControlRequestEffect::changes);
+        for (const auto& listed : NEBSourceControlAllRequestTypes()) {
+            EXPECT_EQ(listed.exposedValues & ~description.exposedValues, 0U) << listed.name;
+        }
+    }
+}
+
+TEST(RequestType, IsListedOnceAndFound) {
+    std::set<std::string_view> names;
+    for (const auto& row : NEBSourceControlAllRequestTypes()) {
+        EXPECT_EQ(&NEBSourceControlDescriptionOfRequestType(row.type), &row);
+        EXPECT_TRUE(names.insert(row.name).second || row.name == "unsupported") << row.name;
+        for (const NEBSourceControlRequirement requirement : row.requirements) {
+            EXPECT_NE(NEBSourceControlRequirementName(requirement), "") << row.name;
+        }
+    }
+    EXPECT_EQ(NEBSourceControlAllRequestTypes().size(), 40U);
+}
+
 // ---- shapes of assertion reports --------------------------------------------------------------
 
 TEST(Assertions, TellAbsentWrongKindAndEmptyApart) {
@@ -229,6 +252,14 @@ TEST(ArgumentInjections, AreFoundWhereGitWouldReadThem) {
             EXPECT_EQ(found.has_value(), (places & place) != 0) << type << " place " << place;
         }
     }
+}
+
+TEST(ArgumentInjections, AreFoundAnywhereInARequestOfAnUnlistedType) {
+    for (const unsigned place : {D, S, E, B, R, L, F, W, N}) {
+        EXPECT_TRUE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(1'000'000, place)))
+            << place;
+    }
+    EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(*requestWithOptions(1'000'000, 0)));
 }
 
 TEST(ArgumentInjections, AreNamed) {

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/NebscRun.h"
 
 namespace neb::test {
@@ -21,7 +22,7 @@ std::vector<std::string> lines(const std::string& text) {
 }
 
 struct NeedsRow {
-    int type;
+    std::int32_t type;
     const char* name;
     bool authentication;
     std::vector<std::string> needs;
@@ -30,32 +31,59 @@ struct NeedsRow {
 /// All types that need something or may need to authenticate; the others need nothing.
 const std::vector<NeedsRow>& neededRows() {
     static const std::vector<NeedsRow> rows{
-        {1, "create branch", false, {"destination"}},
-        {2, "delete branch", false, {"destination"}},
-        {5, "remove", false, {"at least one file"}},
-        {6, "add files", false, {"at least one file"}},
-        {7, "revert", false, {"at least one file"}},
-        {8, "make directory", false, {"destination"}},
-        {9, "merge", false, {"destination"}},
-        {10, "copy", false, {"at least one file", "destination"}},
-        {11, "move", false, {"at least one file", "destination"}},
-        {13, "update", true, {}},
-        {14, "checkout", false, {"destination"}},
-        {17, "list", false, {"at least one file"}},
-        {20, "export files", false, {"at least one file", "starting revision"}},
-        {21, "export", false, {"starting revision", "at least one file"}},
-        {22, "export tree", false, {"destination", "starting revision"}},
-        {25, "list branches", true, {}},
-        {27, "create repository", false, {"source tree or repository path option"}},
-        {28, "blame", false, {"exactly one file"}},
-        {29, "clone", true, {"destination", "source tree location"}},
-        {33, "push", true, {"remote", "destination", "remote name option", "branch option"}},
-        {34, "add remote", false, {"destination", "exactly one file"}},
-        {35, "remove remote", false, {"destination"}},
-        {36, "track remote branch", false, {"destination", "remote name option", "branch option"}},
-        {37, "fetch", true, {"remote", "remote name option"}},
-        {38, "tracking branch name", false, {"branch option"}},
-        {39, "merge base", false, {"starting revision", "ending revision"}},
+        {NEBSourceControlRequestCreateBranch, "create branch", false, {"destination"}},
+        {NEBSourceControlRequestDeleteBranch, "delete branch", false, {"destination"}},
+        {NEBSourceControlRequestRemove, "remove", false, {"at least one file"}},
+        {NEBSourceControlRequestAddFiles, "add files", false, {"at least one file"}},
+        {NEBSourceControlRequestRevert, "revert", false, {"at least one file"}},
+        {NEBSourceControlRequestMakeDirectory, "make directory", false, {"destination"}},
+        {NEBSourceControlRequestMerge, "merge", false, {"destination"}},
+        {NEBSourceControlRequestCopy, "copy", false, {"at least one file", "destination"}},
+        {NEBSourceControlRequestMove, "move", false, {"at least one file", "destination"}},
+        {NEBSourceControlRequestUpdate, "update", true, {}},
+        {NEBSourceControlRequestCheckout, "checkout", false, {"destination"}},
+        {NEBSourceControlRequestList, "list", false, {"at least one file"}},
+        {NEBSourceControlRequestExportFiles,
+         "export files",
+         false,
+         {"at least one file", "starting revision"}},
+        {NEBSourceControlRequestExport,
+         "export",
+         false,
+         {"starting revision", "at least one file"}},
+        {NEBSourceControlRequestExportTree,
+         "export tree",
+         false,
+         {"destination", "starting revision"}},
+        {NEBSourceControlRequestListBranches, "list branches", true, {}},
+        {NEBSourceControlRequestCreateRepository,
+         "create repository",
+         false,
+         {"source tree or repository path option"}},
+        {NEBSourceControlRequestBlame, "blame", false, {"exactly one file"}},
+        {NEBSourceControlRequestClone, "clone", true, {"destination", "source tree location"}},
+        {NEBSourceControlRequestPush,
+         "push",
+         true,
+         {"remote", "destination", "remote name option", "branch option"}},
+        {NEBSourceControlRequestAddRemote,
+         "add remote",
+         false,
+         {"destination", "exactly one file"}},
+        {NEBSourceControlRequestRemoveRemote, "remove remote", false, {"destination"}},
+        {NEBSourceControlRequestTrackRemoteBranch,
+         "track remote branch",
+         false,
+         {"destination", "remote name option", "branch option"}},
+        {NEBSourceControlRequestFetch, "fetch", true, {"remote", "remote name option"}},
+        {NEBSourceControlRequestTrackingBranchName,
+         "tracking branch name",
+         false,
+         {"branch option"}},
+        {NEBSourceControlRequestMergeBase,
+         "merge base",
+         false,
+         {"starting revision", "ending revision"}},
     };
     return rows;
 }

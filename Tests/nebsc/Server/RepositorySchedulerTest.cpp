@@ -23,26 +23,18 @@ using nebsc::writtenPlaceOf;
 TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
     const TestRepository repository;
     repository.write("src/deep/a.c", "1");
-    for (std::int32_t type = NEBSourceControlFirstRequestType;
-         type <= NEBSourceControlLastRequestType; ++type) {
-        const auto request = requestFor(type, repository.path("src/deep"));
-        const bool isReading =
-            type == NEBSourceControlRequestStatus || (type >= 17 && type <= 22) ||
-            type == NEBSourceControlRequestListRemotes ||
-            type == NEBSourceControlRequestListBranches ||
-            type == NEBSourceControlRequestCurrentBranch || type == NEBSourceControlRequestBlame ||
-            type == NEBSourceControlRequestDiff ||
-            type == NEBSourceControlRequestListRemoteBranches ||
-            type == NEBSourceControlRequestListRemoteBranchesSecondForm ||
-            type == NEBSourceControlRequestTrackingBranchName ||
-            type == NEBSourceControlRequestMergeBase;
-        if (type == NEBSourceControlRequestClone) {
+    for (const auto& type : NEBSourceControlAllRequestTypes()) {
+        const auto request = requestFor(type.type, repository.path("src/deep"));
+        if (type.worksInDestination) {
             request->destination = repository.path("new/clone");
         }
-        EXPECT_EQ(writtenPlaceOf(*request),
-                  isReading ? std::nullopt : std::optional(repository.path()))
-            << type;
+        EXPECT_EQ(writtenPlaceOf(*request), type.effect == NEBSourceControlRequestEffect::changes
+                                                ? std::optional(repository.path())
+                                                : std::nullopt)
+            << type.name;
     }
+    const auto unlisted = requestFor(1'000'000, repository.path("src/deep"));
+    EXPECT_EQ(writtenPlaceOf(*unlisted), repository.path());
 }
 
 TEST(WrittenPlace, IsToldByLocationOrRepository) {

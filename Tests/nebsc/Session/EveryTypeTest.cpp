@@ -18,46 +18,46 @@ struct Row {
 };
 
 const Row rows[] = {
-    {0, {"add", "--all"}},
-    {1, {"branch", "create", "new"}},
-    {2, {"branch", "delete", "spare"}},
-    {3, {"commit", "-m", "empty", "--allow-empty"}},
-    {4, {"ignore", "build"}},
-    {5, {"rm", "b.c"}},
-    {6, {"add", "a.c"}},
-    {7, {"revert", "a.c"}},
-    {8, {"mkdir", "folder"}},
-    {9, {"merge", "main"}},
-    {10, {"cp", "a.c", "copy.c"}},
-    {11, {"mv", "c.c", "d.c"}},
+    {NEBSourceControlRequestAdd, {"add", "--all"}},
+    {NEBSourceControlRequestCreateBranch, {"branch", "create", "new"}},
+    {NEBSourceControlRequestDeleteBranch, {"branch", "delete", "spare"}},
+    {NEBSourceControlRequestCommit, {"commit", "-m", "empty", "--allow-empty"}},
+    {NEBSourceControlRequestIgnore, {"ignore", "build"}},
+    {NEBSourceControlRequestRemove, {"rm", "b.c"}},
+    {NEBSourceControlRequestAddFiles, {"add", "a.c"}},
+    {NEBSourceControlRequestRevert, {"revert", "a.c"}},
+    {NEBSourceControlRequestMakeDirectory, {"mkdir", "folder"}},
+    {NEBSourceControlRequestMerge, {"merge", "main"}},
+    {NEBSourceControlRequestCopy, {"cp", "a.c", "copy.c"}},
+    {NEBSourceControlRequestMove, {"mv", "c.c", "d.c"}},
     {12, {}},
-    {13, {"update", "--ff", "origin", "main"}},
-    {14, {"checkout", "main"}},
-    {15, {"status"}},
+    {NEBSourceControlRequestUpdate, {"update", "--ff", "origin", "main"}},
+    {NEBSourceControlRequestCheckout, {"checkout", "main"}},
+    {NEBSourceControlRequestStatus, {"status"}},
     {16, {}},
-    {17, {"ls"}},
-    {18, {"log"}},
-    {19, {"info"}},
-    {20, {"export", "HEAD", "a.c"}},
-    {21, {"export", "HEAD", "a.c", "exported.c"}},
-    {22, {"export-tree", "tree"}},
+    {NEBSourceControlRequestList, {"ls"}},
+    {NEBSourceControlRequestLog, {"log"}},
+    {NEBSourceControlRequestInfo, {"info"}},
+    {NEBSourceControlRequestExportFiles, {"export", "HEAD", "a.c"}},
+    {NEBSourceControlRequestExport, {"export", "HEAD", "a.c", "exported.c"}},
+    {NEBSourceControlRequestExportTree, {"export-tree", "tree"}},
     {23, {}},
-    {24, {"remote", "list"}},
-    {25, {"branch", "list"}},
-    {26, {"branch", "current"}},
-    {27, {"init", "inner"}},
-    {28, {"blame", "a.c"}},
-    {29, {"clone", ".", "clone"}},
-    {30, {"diff"}},
-    {31, {"remote", "branches"}},
-    {32, {"remote", "branches", "origin"}},
-    {33, {"push", "origin", "main:other"}},
-    {34, {"remote", "add", "second", "/nowhere"}},
-    {35, {"remote", "rm", "spare"}},
-    {36, {"branch", "track", "tracked", "origin/main"}},
-    {37, {"fetch", "origin"}},
-    {38, {"branch", "tracking", "main"}},
-    {39, {"merge-base", "main", "main"}},
+    {NEBSourceControlRequestListRemotes, {"remote", "list"}},
+    {NEBSourceControlRequestListBranches, {"branch", "list"}},
+    {NEBSourceControlRequestCurrentBranch, {"branch", "current"}},
+    {NEBSourceControlRequestCreateRepository, {"init", "inner"}},
+    {NEBSourceControlRequestBlame, {"blame", "a.c"}},
+    {NEBSourceControlRequestClone, {"clone", ".", "clone"}},
+    {NEBSourceControlRequestDiff, {"diff"}},
+    {NEBSourceControlRequestListRemoteBranches, {"remote", "branches"}},
+    {NEBSourceControlRequestListRemoteBranchesSecondForm, {"remote", "branches", "origin"}},
+    {NEBSourceControlRequestPush, {"push", "origin", "main:other"}},
+    {NEBSourceControlRequestAddRemote, {"remote", "add", "second", "/nowhere"}},
+    {NEBSourceControlRequestRemoveRemote, {"remote", "rm", "spare"}},
+    {NEBSourceControlRequestTrackRemoteBranch, {"branch", "track", "tracked", "origin/main"}},
+    {NEBSourceControlRequestFetch, {"fetch", "origin"}},
+    {NEBSourceControlRequestTrackingBranchName, {"branch", "tracking", "main"}},
+    {NEBSourceControlRequestMergeBase, {"merge-base", "main", "main"}},
 };
 
 class EveryType : public CommandTest {
@@ -92,9 +92,8 @@ TEST_F(EveryType, HasACommandThatMakesIt) {
         ASSERT_EQ(outcome.exitStatus, 0) << testing::PrintToString(words) << outcome.errors;
         EXPECT_EQ(outcome.json()["type"], row.type);
     }
-    for (auto type = NEBSourceControlFirstRequestType; type <= NEBSourceControlLastRequestType;
-         ++type) {
-        EXPECT_TRUE(types.contains(type)) << type;
+    for (const auto& type : NEBSourceControlAllRequestTypes()) {
+        EXPECT_TRUE(types.contains(type.type)) << type.name;
     }
 }
 

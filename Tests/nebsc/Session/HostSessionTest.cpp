@@ -162,14 +162,18 @@ TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
     }
 }
 
-TEST_F(HostSessionTest, TypesShowUnknownConditionsAsTheyStandAndNoneTwice) {
-    answers.conditions = {"request.weather", "request.destination", "request.weather",
-                          "(request.destination) != nil"};
+TEST_F(HostSessionTest, TypesTakeOnlyTheOperationFromThePlugIn) {
+    answers.conditions = {"request.weather", "request.destination"};
     const CommandOutput reply = replyOf(typesCommand, true);
     EXPECT_THAT(reply.standardOutput,
                 testing::StartsWith(R"([{"type":0,"name":"add","operation":"Operation",)"
-                                    R"("authentication":true,)"
-                                    R"("needs":["request.weather","destination"]},)"));
+                                    R"("authentication":false,"needs":[]},)"
+                                    R"({"type":1,"name":"create branch",)"
+                                    R"("operation":"Operation","authentication":false,)"
+                                    R"("needs":["destination"]},)"));
+    answers.hasOperation = false;
+    EXPECT_THAT(replyOf(typesCommand, true).standardOutput,
+                testing::StartsWith(R"([{"type":0,"name":"add","operation":null,)"));
 }
 
 TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {

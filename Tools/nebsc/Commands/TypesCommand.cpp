@@ -14,73 +14,28 @@ namespace neb::nebsc {
 
 namespace {
 
-struct NeedWords {
-    std::string_view condition, words;
-};
-
-/// What the conditions that a plug-in reports mean to a person.
-constexpr std::array<NeedWords, 14> needWords{{
-    {"request.destination", "destination"},
-    {"(request.destination) != nil", "destination"},
-    {"(self.request.destination) != nil", "destination"},
-    {"[request.files count] > 0", "at least one file"},
-    {"[request.files count] == 1", "exactly one file"},
-    {"[relativePathString length] != 0", "at least one file"},
-    {"request.startingRevision", "starting revision"},
-    {"(startingRevision) != nil", "starting revision"},
-    {"(endingRevision) != nil", "ending revision"},
-    {"request.sourceTree.location", "source tree location"},
-    {"((request.remote)) != nil", "remote"},
-    {"[request.options objectForKey:NEBSourceControlRequestOptionBranch]", "branch option"},
-    {"([request.options objectForKey:NEBSourceControlRequestOptionBranch]) != nil",
-     "branch option"},
-    {"([request.options objectForKey:NEBSourceControlRequestOptionRemoteName]) != nil",
-     "remote name option"},
-}};
-constexpr NeedWords repositoryNeed{
-    "request.sourceTree || [request.options "
-    "objectForKey:NEBSourceControlRequestOptionRepositoryPath]",
-    "source tree or repository path option"};
-
 struct TypeDescription {
-    std::int32_t type = 0;
-    std::string name;
-    /// The class's name; absent when the type has no operation.
+    const NEBSourceControlRequestTypeDescription& type;
+    /// The name of the class; absent when the plug-in has no operation for the type.
     std::optional<std::string> operation;
-    bool authentication = false;
     std::vector<std::string> needs;
 };
 
-std::string wordsOfCondition(const std::string& condition) {
-    const auto* row = std::find_if(
-        needWords.begin(), needWords.end(),
-        [&condition](const NeedWords& candidate) { return candidate.condition == condition; });
-    if (row != needWords.end()) {
-        return std::string(row->words);
-    }
-    return condition == repositoryNeed.condition ? std::string(repositoryNeed.words) : condition;
+/// Returns the class that the plug-in uses for a type. The request has no values, so that the
+/// plug-in reports broken preconditions, which are of no interest here.
+std::optional<std::string> operationClass(const NEBSourceControlProtocol& controller,
+                                          std::int32_t type) {
+    const ReportCapture capture;
+    const auto operation =
+        controller.operationForRequest(NEBSourceControlRequest::initWithType(type, nullptr));
+    return operation ? std::optional(operation->className()) : std::nullopt;
 }
 
-/// Asks the plug-in with a request that holds nothing but its type.
-TypeDescription describe(const NEBSourceControlProtocol& controller, std::int32_t type) {
-    const ReportCapture capture;
-    const auto request = NEBSourceControlRequest::initWithType(type, nullptr, {}, {});
-    TypeDescription description{
-        .type = type,
-        .name = std::string(NEBSourceControlRequestTypeName(type).value_or("")),
-        .operation = std::nullopt,
-        .authentication = controller.authenticationRequiredForRequest(*request),
-        .needs = {},
-    };
-    if (const auto operation = controller.operationForRequest(request)) {
-        description.operation = operation->className();
-    }
-    for (const LOMAssertionReport& report : capture.reports()) {
-        std::string need = wordsOfCondition(report.condition);
-        auto& needs = description.needs;
-        if (std::find(needs.begin(), needs.end(), need) == needs.end()) {
-            needs.push_back(std::move(need));
-        }
+TypeDescription describe(const NEBSourceControlProtocol& controller,
+                         const NEBSourceControlRequestTypeDescription& type) {
+    TypeDescription description{type, operationClass(controller, type.type), {}};
+    for (const NEBSourceControlRequirement requirement : type.requirements) {
+        description.needs.emplace_back(NEBSourceControlRequirementName(requirement));
     }
     return description;
 }
@@ -93,28 +48,29 @@ std::string joined(const std::vector<std::string>& texts) {
     return line;
 }
 
-std::vector<std::string> rowOf(const TypeDescription& type) {
+std::vector<std::string> rowOf(const TypeDescription& description) {
     constexpr std::size_t numberColumns = 4;
+    const auto& [type, operation, needs] = description;
     const std::string number = std::to_string(type.type);
     return {std::string(numberColumns - std::min(number.size(), numberColumns), ' ') + number,
-            printable(type.name), printable(type.operation.value_or("none")),
-            type.authentication ? "may need it" : "no", printable(joined(type.needs))};
+            std::string(type.name), printable(operation.value_or("none")),
+            type.mayAuthenticate ? "may need it" : "no", joined(needs)};
 }
 
-nlohmann::ordered_json jsonOf(const TypeDescription& type) {
+nlohmann::ordered_json jsonOf(const TypeDescription& description) {
+    const auto& [type, operation, needs] = description;
     return {{"type", type.type},
             {"name", type.name},
-            {"operation", type.operation ? nlohmann::ordered_json(*type.operation) : nullptr},
-            {"authentication", type.authentication},
-            {"needs", type.needs}};
+            {"operation", operation ? nlohmann::ordered_json(*operation) : nullptr},
+            {"authentication", type.mayAuthenticate},
+            {"needs", needs}};
 }
 
 CommandOutput run(const CommandCall& call) {
     std::vector<std::vector<std::string>> rows{
         {"type", "name", "operation", "authentication", "needs"}};
     auto array = nlohmann::ordered_json::array();
-    for (auto type = NEBSourceControlFirstRequestType; type <= NEBSourceControlLastRequestType;
-         ++type) {
+    for (const auto& type : NEBSourceControlAllRequestTypes()) {
         const TypeDescription description = describe(call.session.controller(), type);
         rows.push_back(rowOf(description));
         array.push_back(jsonOf(description));

@@ -228,7 +228,7 @@ bool refuseRelativeClone(Refusal& refusal, const NEBSourceControlRequest& reques
     const NEBValue& destination = request.destination;
     const bool isRelative =
         destination.isPresent() && !destination.string().value_or("").starts_with('/');
-    if (request.type == NEBSourceControlRequestClone && isRelative) {
+    if (isRelative && NEBSourceControlDescriptionOfRequestType(request.type).worksInDestination) {
         refusal.sentence = subjectAt("destination") + " is \"" +
                            shortened(destination.description()) +
                            "\"; for a clone an absolute path was expected, from \"/\" on.";

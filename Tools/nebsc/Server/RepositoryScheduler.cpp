@@ -1,7 +1,5 @@
 #include "Server/RepositoryScheduler.h"
 
-#include <algorithm>
-#include <array>
 #include <filesystem>
 #include <new>
 
@@ -12,35 +10,6 @@
 namespace neb::nebsc {
 
 namespace {
-
-/// Whose git changes nothing in a repository but what it may change at any time.
-constexpr std::array<std::int32_t, 13> readingTypes{
-    NEBSourceControlRequestStatus,
-    NEBSourceControlRequestList,
-    NEBSourceControlRequestLog,
-    NEBSourceControlRequestInfo,
-    NEBSourceControlRequestListRemotes,
-    NEBSourceControlRequestListBranches,
-    NEBSourceControlRequestCurrentBranch,
-    NEBSourceControlRequestBlame,
-    NEBSourceControlRequestDiff,
-    NEBSourceControlRequestListRemoteBranches,
-    NEBSourceControlRequestListRemoteBranchesSecondForm,
-    NEBSourceControlRequestTrackingBranchName,
-    NEBSourceControlRequestMergeBase,
-};
-
-/// Whose git reads the repository, too, and writes to the destination.
-constexpr std::array<std::int32_t, 3> exportingTypes{
-    NEBSourceControlRequestExportFiles,
-    NEBSourceControlRequestExport,
-    NEBSourceControlRequestExportTree,
-};
-
-template <std::size_t Count>
-bool isOneOf(const std::array<std::int32_t, Count>& types, std::int32_t type) {
-    return std::find(types.begin(), types.end(), type) != types.end();
-}
 
 std::string withoutLinks(const std::string& path) {
     std::error_code failure;
@@ -66,15 +35,16 @@ std::string topOfWorkingCopy(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request) {
-    if (isOneOf(readingTypes, request.type)) {
+    const auto& type = NEBSourceControlDescriptionOfRequestType(request.type);
+    if (type.effect == NEBSourceControlRequestEffect::reads) {
         return std::nullopt;
     }
-    if (isOneOf(exportingTypes, request.type)) {
+    if (type.effect == NEBSourceControlRequestEffect::exports) {
         return request.destination.isPresent()
                    ? std::optional(withoutLinks(request.destination.description()))
                    : std::nullopt;
     }
-    if (request.type == NEBSourceControlRequestClone) {
+    if (type.worksInDestination) {
         return topOfWorkingCopy(request.destination.description());
     }
     const NEBValue& repository = request.option(NEBSourceControlRequestOptionRepositoryPath);

@@ -36,9 +36,8 @@ constexpr std::chrono::milliseconds endPatience{2000};
 
 JSON requestTypes() {
     JSON types = JSON::array();
-    for (std::int32_t type = NEBSourceControlFirstRequestType;
-         type <= NEBSourceControlLastRequestType; ++type) {
-        types.push_back({{"type", type}, {"name", *NEBSourceControlRequestTypeName(type)}});
+    for (const auto& type : NEBSourceControlAllRequestTypes()) {
+        types.push_back({{"type", type.type}, {"name", type.name}});
     }
     return types;
 }

@@ -134,7 +134,8 @@ std::optional<NEBSourceControlArgumentInjection> HostSession::askAndRun(
     outcome.operation = operation->className();
     outcome.command = operation->command();
     const auto destination = request->destination.string();
-    if (run && request->type == NEBSourceControlRequestClone && destination) {
+    if (run && destination &&
+        NEBSourceControlDescriptionOfRequestType(request->type).worksInDestination) {
         runClone(*operation, std::string(*destination), run, _trace, outcome);
     } else if (run) {
         runOperation(*operation, run, _trace, outcome);

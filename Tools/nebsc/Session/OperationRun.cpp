@@ -13,7 +13,7 @@ namespace {
 
 /// Where the repository is that the request works in; empty where nobody says so.
 std::string folderOf(const NEBSourceControlRequest& request) {
-    if (request.type == NEBSourceControlRequestClone) {
+    if (NEBSourceControlDescriptionOfRequestType(request.type).worksInDestination) {
         return std::string(request.destination.string().value_or(""));
     }
     return request.sourceTree && request.sourceTree->location ? *request.sourceTree->location : "";

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Renews the loader's list of libraries, after the Debian package has come or gone; not where it
-# goes below a root that is not the system's own.
+# Updates the cache of the dynamic loader after the Debian package is installed or removed, except
+# below another root directory.
 set -e
 [ -n "${DPKG_ROOT:-}" ] || ldconfig

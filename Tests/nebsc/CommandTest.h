@@ -14,17 +14,17 @@ namespace neb::test {
 
 class CommandTest : public testing::Test {
 protected:
-    /// Runs nebsc in a folder of the working copy, the top unless given.
-    [[nodiscard]] NebscOutcome nebsc(const std::vector<std::string>& words,
+    /// Runs nebsc in a folder of the working copy, by default at the top.
+    [[nodiscard]] NebscOutcome nebsc(const std::vector<std::string>& arguments,
                                      std::string_view folder = "") const {
-        return runNebsc(words, {.folder = repository.path(folder)});
+        return runNebsc(arguments, {.folder = repository.path(folder)});
     }
-    /// The same with a stand-in for git.
-    [[nodiscard]] NebscOutcome nebsc(const std::vector<std::string>& words,
+    /// Runs nebsc at the top with a stand-in for git.
+    [[nodiscard]] NebscOutcome nebsc(const std::vector<std::string>& arguments,
                                      const StandInGit& git) const {
-        return runNebsc(words, {.folder = repository.path(), .variables = {git.path()}});
+        return runNebsc(arguments, {.folder = repository.path(), .variables = {git.path()}});
     }
-    /// The state of all files, as git tells it.
+    /// The output of git status --porcelain.
     [[nodiscard]] std::string state() const {
         return repository.git(
             {"-c", "core.quotePath=false", "status", "--porcelain", "--untracked-files=all"});
@@ -39,14 +39,14 @@ protected:
     TestRepository repository;
 };
 
-/// Done, with these words on standard output and none on standard error.
+/// Expects success, this standard output and an empty standard error.
 inline void expectDone(const NebscOutcome& outcome, const std::string& output = "") {
     EXPECT_EQ(outcome.output, output);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-/// Failed, with standard error that passes the matcher and nothing on standard output.
+/// Expects the exit status, an empty standard output and a standard error that matches.
 template <typename Matcher>
 void expectFailed(const NebscOutcome& outcome, const Matcher& errors, int exitStatus = 1) {
     EXPECT_EQ(outcome.output, "");

@@ -16,26 +16,26 @@ namespace {
 
 constexpr int writing = O_WRONLY | O_CREAT | O_NOCTTY;
 
-/// The master side of a new terminal.
+/// Returns the master side of a new terminal.
 int openTerminal() {
     const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (master < 0 || ::grantpt(master) != 0 || ::unlockpt(master) != 0) {
-        throw std::runtime_error("no terminal");
+        throw std::runtime_error("cannot open a terminal");
     }
     return master;
 }
 
 std::string readTerminal(int master) {
     std::string bytes;
-    char piece[4096];
+    char buffer[4096];
     ssize_t count = 0;
-    while ((count = ::read(master, piece, sizeof piece)) > 0) {
-        bytes.append(piece, static_cast<std::size_t>(count));
+    while ((count = ::read(master, buffer, sizeof buffer)) > 0) {
+        bytes.append(buffer, static_cast<std::size_t>(count));
     }
     return bytes;
 }
 
-/// The signals that nebsc gets with the default disposition, whatever that of the test is.
+/// Returns the signals that nebsc gets with the default disposition.
 std::vector<int> defaultSignalsExcept(const std::vector<int>& ignoredSignals) {
     std::vector<int> signals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
     std::erase_if(signals, [&ignoredSignals](int signalNumber) {
@@ -45,7 +45,7 @@ std::vector<int> defaultSignalsExcept(const std::vector<int>& ignoredSignals) {
     return signals;
 }
 
-/// The test's own disposition of signals, put back with the object.
+/// Ignores signals in the test. The destructor restores their dispositions.
 class IgnoredSignals {
 public:
     explicit IgnoredSignals(const std::vector<int>& signals) {

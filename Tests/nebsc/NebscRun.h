@@ -1,4 +1,4 @@
-// NebscRun.h - runs the built nebsc as a user does, and shows what came of it.
+// NebscRun.h - runs of the built nebsc and their outcomes.
 //
 //     runNebsc({"status"}, {.folder = repository.path()}).output;
 #pragma once
@@ -17,41 +17,41 @@
 
 namespace neb::test {
 
-/// Where the program's standard output goes.
+/// The kind of standard output that the program gets.
 enum class NebscOutput { collected, closed, full, terminal };
 
 struct NebscSurroundings {
-    /// The working directory; empty means the test's own.
+    /// The working directory; empty for that of the test.
     std::string folder{};
     /// All of standard input.
     std::string input{};
     bool hasClosedInput = false;
-    /// What differs from the test's own environment; an absent value removes the variable.
+    /// Changes to the environment of the test; an absent value removes the variable.
     VariableChanges variables{};
     NebscOutput output = NebscOutput::collected;
-    /// Of the terminal that standard output is; 0: it does not know.
+    /// The width of a terminal as standard output; 0 for unknown.
     unsigned short terminalColumns = 0;
-    /// Whether standard error goes to a terminal; the outcome's errors are what it got then.
+    /// Whether standard error is a terminal. The errors of the outcome come from it then.
     bool hasTerminalForErrors = false;
-    /// Signals that the program finds ignored.
+    /// Signals that are ignored when the program starts.
     std::vector<int> ignoredSignals{};
 };
 
 struct NebscOutcome {
     std::string output;
     std::string errors;
-    /// -1 when a signal ended the program.
+    /// -1 if a signal ended the program.
     int exitStatus = -1;
 
-    /// The output as JSON; it must be one line, line end included.
+    /// Returns the output as JSON. The output must be one line with its newline.
     [[nodiscard]] nlohmann::ordered_json json() const;
 };
 
-/// A nebsc that runs. It is ended and reaped with the object.
+/// A running nebsc. The destructor kills and reaps it.
 class Nebsc {
 public:
     Nebsc(const std::vector<std::string>& arguments, const NebscSurroundings& surroundings);
-    /// The same with another program, a copy of nebsc or a script that becomes it.
+    /// Runs another program: a copy of nebsc or a script that executes it.
     Nebsc(const std::string& program, const std::vector<std::string>& arguments,
           const NebscSurroundings& surroundings);
     Nebsc(const Nebsc&) = delete;
@@ -59,10 +59,10 @@ public:
     ~Nebsc();
 
     void send(int signalNumber) const;
-    /// Waits until the terminal for errors has got the text; answers all that it got since the last
+    /// Waits until the text appears on the terminal for errors. Returns its output since the last
     /// call.
     std::string awaitErrors(std::string_view text);
-    /// Waits for its end.
+    /// Waits for the end of the program.
     [[nodiscard]] NebscOutcome outcome();
 
 private:
@@ -79,17 +79,17 @@ private:
 [[nodiscard]] NebscOutcome runProgram(const std::string& program,
                                       const std::vector<std::string>& arguments,
                                       const NebscSurroundings& surroundings);
-/// `nebsc request` with the JSON as its standard input.
+/// Runs `nebsc request` with the JSON as standard input.
 [[nodiscard]] NebscOutcome runRequest(std::string_view json, NebscSurroundings surroundings = {});
 
-/// A folder with a script named git that stands in for the real one.
+/// A folder with a script named git that replaces the real git.
 class StandInGit {
 public:
-    /// `script` is what the shell runs, with git's arguments as its own. `rev-parse` is
-    /// answered before it: a working copy with the top `top` that has a commit.
+    /// The shell runs `script` with the arguments of git, except for `rev-parse`, which reports a
+    /// working copy with the top-level directory `top` and a commit.
     StandInGit(std::string_view top, std::string_view script);
 
-    /// The variable that puts the script before the real git.
+    /// Returns the variable PATH with the script before the real git.
     [[nodiscard]] std::pair<std::string, std::optional<std::string>> path() const;
     [[nodiscard]] std::string launchPath() const { return _folder.path("git"); }
 

@@ -1,4 +1,4 @@
-// WalkthroughTest.cpp - the commands that take a folder from init to info.
+// The work on a repository from init on, command by command.
 
 #include "nebsc/CommandTest.h"
 
@@ -12,10 +12,10 @@ using testing::MatchesRegex;
 TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     const TemporaryFolder folder;
     const std::string demo = folder.path("demo");
-    const auto run = [&](const std::vector<std::string>& words) {
-        const NebscOutcome outcome = runNebsc(words, {.folder = demo});
-        EXPECT_EQ(outcome.errors, "") << words[0];
-        EXPECT_EQ(outcome.exitStatus, 0) << words[0];
+    const auto run = [&](const std::vector<std::string>& arguments) {
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = demo});
+        EXPECT_EQ(outcome.errors, "") << arguments[0];
+        EXPECT_EQ(outcome.exitStatus, 0) << arguments[0];
         return outcome.output;
     };
     const auto committed = MatchesRegex("Committed [0-9a-f]+\\.\n");
@@ -69,10 +69,10 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
 
 TEST(Walkthrough, TwoPeopleShareABareRepository) {
     const TemporaryFolder folder;
-    const auto run = [&](const char* who, const std::vector<std::string>& words) {
-        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path(who)});
-        EXPECT_EQ(outcome.errors, "") << words[0];
-        EXPECT_EQ(outcome.exitStatus, 0) << words[0];
+    const auto run = [&](const char* who, const std::vector<std::string>& arguments) {
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = folder.path(who)});
+        EXPECT_EQ(outcome.errors, "") << arguments[0];
+        EXPECT_EQ(outcome.exitStatus, 0) << arguments[0];
         return outcome.output;
     };
     const auto commit = [&](const char* who, const std::string& file) {

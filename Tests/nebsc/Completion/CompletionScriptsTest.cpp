@@ -1,4 +1,4 @@
-// The completions in bash, zsh and fish themselves.
+// The completion scripts in bash, zsh and fish.
 
 #include <cstdlib>
 
@@ -24,7 +24,7 @@ protected:
         repository.git({"remote", "add", "origin", "https://example.org/x.git"});
         repository.git({"update-ref", "refs/remotes/origin/topic", "HEAD"});
     }
-    /// What the shell prints for its script, with nebsc on its PATH and nothing on standard error.
+    /// Runs the shell with nebsc in its PATH and returns the output. Standard error must be empty.
     [[nodiscard]] std::string run(const std::string& shell, std::vector<std::string> words) const {
         const std::string path = std::getenv("PATH");
         const NebscOutcome outcome =
@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(CompletionScripts, AreWhatTheProgramPrints) {
+TEST_F(CompletionScripts, AreThoseThatTheProgramPrints) {
     const std::pair<const char*, std::string> files[] = {
         {"bash", "bash-completion/completions/nebsc"},
         {"zsh", "zsh/site-functions/_nebsc"},
@@ -61,20 +61,20 @@ TEST_F(CompletionScripts, AreWhatTheProgramPrints) {
 
 class BashCompletion : public CompletionScripts {
 protected:
-    /// The candidates for the last of the words, as bash cuts the line, in angle brackets.
+    /// Returns the candidates for the last word, in angle brackets. The words are split as by bash.
     [[nodiscard]] std::string complete(std::string_view line,
                                        const std::vector<std::string>& words) const {
-        std::vector<std::string> call{
+        std::vector<std::string> arguments{
             "-c",
             ". \"$0\" && COMP_LINE=$1 && shift && COMP_POINT=${#COMP_LINE} && COMP_WORDS=(\"$@\") "
             "&& COMP_CWORD=$(($# - 1)) && _nebsc && printf '<%s>' \"${COMPREPLY[@]}\"",
             std::string(share) + "bash-completion/completions/nebsc", std::string(line)};
-        call.insert(call.end(), words.begin(), words.end());
-        return run("bash", call);
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        return run("bash", arguments);
     }
 };
 
-TEST_F(BashCompletion, OfCommandsAndOptions) {
+TEST_F(BashCompletion, CompletesCommandsAndOptions) {
     EXPECT_EQ(complete("nebsc chec", {"nebsc", "chec"}), "<checkout>");
     EXPECT_EQ(complete("nebsc  branch  tr", {"nebsc", "branch", "tr"}), "<track><tracking>");
     EXPECT_EQ(complete("nebsc log --f", {"nebsc", "log", "--f"}), "<--files><--full>");
@@ -89,7 +89,7 @@ TEST_F(BashCompletion, QuotesNames) {
     EXPECT_EQ(complete("nebsc checkout it", {"nebsc", "checkout", "it"}), R"(<it\'s>)");
 }
 
-TEST_F(BashCompletion, OfWordsThatItCutsInPieces) {
+TEST_F(BashCompletion, JoinsWordsThatBashSplits) {
     EXPECT_EQ(complete("nebsc push origin fix:", {"nebsc", "push", "origin", "fix", ":"}),
               "<topic>");
     EXPECT_EQ(complete("nebsc push origin fix:to", {"nebsc", "push", "origin", "fix", ":", "to"}),
@@ -100,7 +100,7 @@ TEST_F(BashCompletion, OfWordsThatItCutsInPieces) {
     EXPECT_EQ(complete("nebsc --plugin=sr", {"nebsc", "--plugin", "=", "sr"}), "<src>");
 }
 
-TEST_F(BashCompletion, OfFilesAndFolders) {
+TEST_F(BashCompletion, CompletesFilesAndFolders) {
     EXPECT_EQ(complete("nebsc add my", {"nebsc", "add", "my"}), "<my file.c>");
     EXPECT_EQ(complete("nebsc add my\\ f", {"nebsc", "add", "my\\ f"}), "<my file.c>");
     EXPECT_EQ(complete("nebsc add src/", {"nebsc", "add", "src/"}), "<src/main.c>");
@@ -112,7 +112,7 @@ TEST_F(BashCompletion, OfFilesAndFolders) {
               "<repository/>");
 }
 
-TEST_F(BashCompletion, OfFilesWhateverTheShellMakesOfPatterns) {
+TEST_F(BashCompletion, CompletesFilesWithAnySettingForPatterns) {
     for (const char* setting : {"set -f", "shopt -s failglob", "GLOBIGNORE='*.c'"}) {
         EXPECT_EQ(run("bash", {"-c",
                                std::string(setting) +
@@ -126,7 +126,7 @@ TEST_F(BashCompletion, OfFilesWhateverTheShellMakesOfPatterns) {
     }
 }
 
-TEST_F(BashCompletion, OfAWordBeforeTheCursor) {
+TEST_F(BashCompletion, IgnoresTheTextAfterTheCursor) {
     EXPECT_EQ(run("bash", {"-c",
                            ". \"$0\" && COMP_LINE='nebsc checkout fixed' && COMP_POINT=16 && "
                            "COMP_WORDS=(nebsc checkout fixed) && COMP_CWORD=2 && _nebsc && "
@@ -135,17 +135,17 @@ TEST_F(BashCompletion, OfAWordBeforeTheCursor) {
               "<fix>");
 }
 
-TEST_F(BashCompletion, RunsNothingOfTheLine) {
+TEST_F(BashCompletion, ExecutesNoTextOfTheLine) {
     EXPECT_EQ(complete("nebsc checkout $(touch made)", {"nebsc", "checkout", "$(touch made)"}),
               "<>");
     EXPECT_FALSE(isThere("made"));
 }
 
-TEST_F(BashCompletion, OfAProgramThatIsNotThereIsSilent) {
+TEST_F(BashCompletion, IsSilentIfTheProgramIsMissing) {
     EXPECT_EQ(complete("/nonexistent/nebsc ch", {"/nonexistent/nebsc", "ch"}), "<>");
 }
 
-TEST_F(BashCompletion, LeavesTheShellsSettingsAlone) {
+TEST_F(BashCompletion, KeepsTheSettingsOfTheShell) {
     EXPECT_EQ(run("bash", {"-c",
                            ". \"$0\" && before=$(shopt -p; set +o) && COMP_LINE='nebsc add m' && "
                            "COMP_POINT=11 && COMP_WORDS=(nebsc add m) && COMP_CWORD=2 && _nebsc && "
@@ -156,7 +156,7 @@ TEST_F(BashCompletion, LeavesTheShellsSettingsAlone) {
 
 // ---- zsh --------------------------------------------------------------------------------------
 
-/// Types each line into an interactive zsh, presses TAB, and prints the line that it has then.
+/// Types each line and a TAB into an interactive zsh and prints the resulting line.
 constexpr const char* zshDriver = R"(
 zmodload zsh/zpty
 folder=$1 share=$2; shift 2
@@ -183,7 +183,7 @@ cat $folder/line
 zpty -d shell
 )";
 
-TEST_F(CompletionScripts, ZshCompletesWhatIsTyped) {
+TEST_F(CompletionScripts, CompleteInZsh) {
     const TemporaryFolder folder;
     EXPECT_EQ(run("zsh", {"-f",
                           "-c",
@@ -239,13 +239,13 @@ protected:
     }
 };
 
-TEST_F(FishCompletion, OfCommandsAndOptions) {
+TEST_F(FishCompletion, CompletesCommandsAndOptions) {
     EXPECT_EQ(complete("nebsc chec"),
               "checkout\tSwitch the working copy to a branch or revision\n");
     EXPECT_THAT(complete("nebsc log --fi"), testing::StartsWith("--files\tShow the files"));
 }
 
-TEST_F(FishCompletion, OfNames) {
+TEST_F(FishCompletion, CompletesNames) {
     EXPECT_EQ(complete("nebsc checkout we"), "we$ird;(x)\tbranch\n");
     EXPECT_EQ(complete("nebsc checkout 'we"), "we$ird;(x)\tbranch\n");
     EXPECT_EQ(complete("nebsc push origin fix:"), "fix:topic\n");
@@ -253,7 +253,7 @@ TEST_F(FishCompletion, OfNames) {
     EXPECT_THAT(complete("nebsc clone https:"), HasSubstr("https://example.org/x.git\torigin\n"));
 }
 
-TEST_F(FishCompletion, OfFilesAndFolders) {
+TEST_F(FishCompletion, CompletesFilesAndFolders) {
     EXPECT_EQ(complete("nebsc add my"), "my file.c\n");
     EXPECT_EQ(complete("nebsc mkdir s"), "src/\n");
     EXPECT_THAT(complete("nebsc log fi"),
@@ -261,7 +261,7 @@ TEST_F(FishCompletion, OfFilesAndFolders) {
     EXPECT_EQ(complete("nebsc --plugin=fig"), "--plugin=fig.c\n");
 }
 
-TEST_F(FishCompletion, OfFilesWhateverTheWordLooksLike) {
+TEST_F(FishCompletion, CompletesFilesWithSpecialCharacters) {
     for (const char* name : {"-dash", "~tilde", "it's", "qu\"ote", "back\\slash"}) {
         repository.write(name, "");
     }
@@ -277,7 +277,7 @@ TEST_F(FishCompletion, OfFilesWhateverTheWordLooksLike) {
     EXPECT_EQ(complete("nebsc mkdir \"s"), "src/\n");
 }
 
-TEST_F(FishCompletion, IsSilentWhereNothingIsKnown) {
+TEST_F(FishCompletion, IsSilentIfNothingIsKnown) {
     EXPECT_EQ(complete("nebsc nosuch "), "");
     EXPECT_EQ(complete("nebsc branch create "), "");
 }

@@ -71,6 +71,7 @@ TEST(HelpText, NamesTheGroupsInThisOrder) {
         const std::size_t found = help.find("\n" + std::string(heading) + ":\n");
         ASSERT_NE(found, std::string::npos) << heading;
         EXPECT_GT(found, position) << heading;
+        EXPECT_EQ(help.find("\n" + std::string(heading) + ":\n", found + 1), std::string::npos);
         position = found;
     }
 }

@@ -8,11 +8,9 @@ namespace {
 
 constexpr Parameter options[] = {
     {folderOption,
-     "Run as if started in DIR; if repeated, each DIR is relative to the previous one; must "
-     "precede "
-     "the command",
+     "Run as if started in DIR; before the command only; if repeated, relative to the previous DIR",
      Takes::folder, Occurs::anyNumber, "DIR"},
-    {plugInOption, "Load the plug-in from FILE instead of the installed one", Takes::path,
+    {plugInOption, "Load this plug-in instead of the installed one", Takes::path,
      Occurs::optionally, "FILE"},
     {jsonOption, "Print one line of JSON instead of text"},
     {colourOption, "When to use colours; auto means on a terminal", Takes::text, Occurs::optionally,

@@ -1,6 +1,6 @@
-# nebsc.bash - completes the words of nebsc in bash; what they can become, nebsc itself says.
+# nebsc.bash - completion of nebsc in bash. "nebsc complete" prints the candidates.
 
-# _nebsc_unquoted TEXT: REPLY is the text without the quotes of the shell.
+# _nebsc_unquoted TEXT: sets REPLY to the text without the quotes of the shell.
 _nebsc_unquoted() {
     local text=$1 quote='' i
     REPLY=
@@ -16,7 +16,7 @@ _nebsc_unquoted() {
 
 _nebsc() {
     local IFS=$' \t\n' REPLY
-    # bash cuts words at : and = too; what no blank parts is one word.
+    # bash also splits words at : and =. Join the pieces that no blank separates.
     local line=${COMP_LINE:0:COMP_POINT} words=() piece rest i
     for ((i = 0; i <= COMP_CWORD; i++)); do
         rest=${line#"${line%%[![:blank:]]*}"}
@@ -29,7 +29,7 @@ _nebsc() {
         fi
         line=${rest#"$piece"}
     done
-    # What readline puts the candidates in the place of, and what stays before it.
+    # The text that readline replaces by a candidate, and the head that it keeps.
     local typed=$piece head
     [[ $piece =~ ^[:=]+$ ]] && typed=
     head=${words[-1]%"$typed"}
@@ -50,7 +50,7 @@ _nebsc() {
     done
 
     if [[ ${answer[0]} == files || ${answer[0]} == folders ]]; then
-        # readline then quotes what it inserts, and puts a slash behind folders.
+        # Makes readline quote the name and append a slash to a directory.
         compopt -o filenames 2>/dev/null
         local path=${words[-1]}
         [[ $path == --*=* ]] && path=${path#*=}
@@ -58,13 +58,13 @@ _nebsc() {
             compopt -o default 2>/dev/null
             return
         fi
-        # The names are found whatever the shell is set to make of a pattern.
+        # Works with any setting of the shell for patterns.
         while IFS= read -r -d '' word; do
             [[ ${answer[0]} == files || -d $word ]] && COMPREPLY+=("$word")
         done < <(set +f; unset GLOBIGNORE; shopt -s nullglob; shopt -u failglob
                  for word in "$path"*; do printf '%s\0' "$word"; done)
     else
-        # A folder that nebsc has found itself: more of the path may follow.
+        # A directory that nebsc has completed: more of the path may follow.
         [[ ${#COMPREPLY[@]} == 1 && ${COMPREPLY[0]} == */ ]] && compopt -o nospace 2>/dev/null
         case $typed in
             \'*) ;;

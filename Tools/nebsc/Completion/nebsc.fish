@@ -1,4 +1,4 @@
-# nebsc.fish - completes the words of nebsc in fish; what they can become, nebsc itself says.
+# nebsc.fish - completion of nebsc in fish. "nebsc complete" prints the candidates.
 
 function __nebsc_complete
     set -l words (commandline -opc)
@@ -10,7 +10,7 @@ function __nebsc_complete
     set -l answer ($program complete -- $words "$word" 2>/dev/null)
     switch "$answer[1]"
         case files folders
-            # fish itself knows best about quotes and tildes, behind a command that it does not know.
+            # fish handles quotes and tildes itself when it completes an unknown command.
             set -l head (string match -r -- '^--[^=]*=' "$typed")
             set -l path (string replace -r -- '^--[^=]*=' '' "$typed")
             for line in (complete -C "__nebsc_no_such_command -- $path")

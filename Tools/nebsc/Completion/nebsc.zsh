@@ -1,5 +1,5 @@
 #compdef nebsc
-# nebsc.zsh - completes the words of nebsc in zsh; what they can become, nebsc itself says.
+# nebsc.zsh - completion of nebsc in zsh. "nebsc complete" prints the candidates.
 
 _nebsc() {
     local program=${(Q)words[1]/#\~\//$HOME/}
@@ -19,7 +19,7 @@ _nebsc() {
     done
     local found=1
     (($#described)) && _describe -V nebsc described && found=0
-    # More of the path may follow.
+    # No blank after a directory: more of the path may follow.
     (($#folders)) && _describe -V nebsc folders -S '' && found=0
     if [[ $answer[1] == files || $answer[1] == folders ]]; then
         [[ $PREFIX == --*=* ]] && compset -P '--*='
@@ -32,7 +32,7 @@ _nebsc() {
     return found
 }
 
-# Loaded by compinit this file is the function's body; sourced, it defines it.
+# compinit loads this file as the body of the function; if sourced, the file defines the function.
 if [[ $funcstack[1] == _nebsc ]]; then
     _nebsc "$@"
 else

@@ -1,6 +1,7 @@
 #include "Help/HelpText.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "CommandLine/CommonOptions.h"
@@ -22,7 +23,7 @@ constexpr std::string_view generalDetails = R"(Examples:
 
 Run 'nebsc help COMMAND' for the help of a command.
 
-Exit status: 0 success, 1 the operation failed, 2 invalid usage, 130 after Ctrl-C.
+Exit status: 0 success, 1 failure, 2 invalid usage, 130 after Ctrl-C.
 )";
 
 struct Entry {
@@ -77,15 +78,18 @@ std::vector<Entry> entriesOf(const std::vector<const Parameter*>& parameters) {
 
 /// Returns a section per group of commands, in the order of the table.
 std::string sectionsOf(std::span<const Command* const> commands) {
-    std::string text;
-    while (!commands.empty()) {
-        const std::string_view group = commands.front()->group;
-        std::vector<Entry> entries;
-        for (; !commands.empty() && commands.front()->group == group;
-             commands = commands.subspan(1)) {
-            entries.push_back({std::string(commands.front()->name), commands.front()->summary});
+    std::vector<std::pair<std::string_view, std::vector<Entry>>> groups;
+    for (const Command* command : commands) {
+        if (command->group != hiddenGroup) {
+            if (groups.empty() || groups.back().first != command->group) {
+                groups.push_back({command->group, {}});
+            }
+            groups.back().second.push_back({std::string(command->name), command->summary});
         }
-        text += group == hiddenGroup ? "" : section(group, entries);
+    }
+    std::string text;
+    for (const auto& [group, entries] : groups) {
+        text += section(group, entries);
     }
     return text;
 }

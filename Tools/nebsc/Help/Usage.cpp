@@ -46,8 +46,8 @@ std::string headingOf(const Parameter& parameter) {
 }
 
 std::string_view programDescription() {
-    return "Runs source-control requests through the plug-in NEBGit, as a development environment\n"
-           "does, and prints their results.";
+    return "Runs source-control requests through the plug-in NEBGit, as a development\n"
+           "environment does, and prints their results.";
 }
 
 }  // namespace neb::nebsc

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "LOMFoundation/LOMFormat.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
+#include "NEBFoundation/ErrorCatalogue/ErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
@@ -13,57 +13,66 @@ namespace neb {
 
 namespace {
 
-bool shows(std::string_view text, const ErrorTextSign& sign) {
-    const std::size_t place = sign.first.empty() ? std::string_view::npos : text.find(sign.first);
-    return place != std::string_view::npos &&
-           (sign.second.empty() ||
-            text.find(sign.second, place + sign.first.size()) != std::string_view::npos);
+bool matches(std::string_view text, const ErrorPattern& pattern) {
+    const std::size_t offset = text.find(pattern.first);
+    return offset != std::string_view::npos &&
+           (pattern.second.empty() ||
+            text.find(pattern.second, offset + pattern.first.size()) != std::string_view::npos);
 }
 
-using Rows = std::span<const ErrorCatalogueRow>;
-
-const ErrorCatalogueRow* firstRowShownBy(std::string_view text, Rows rows) {
+/// Returns the first row that matches, or null.
+const ErrorCatalogueRow* matchingRow(std::string_view text, ErrorCatalogueTable rows) {
     const auto row =
         std::find_if(rows.begin(), rows.end(), [text](const ErrorCatalogueRow& candidate) {
-            return std::any_of(candidate.signs.begin(), candidate.signs.end(),
-                               [text](const ErrorTextSign& sign) { return shows(text, sign); });
+            return std::any_of(
+                candidate.patterns.begin(), candidate.patterns.end(),
+                [text](const ErrorPattern& pattern) { return matches(text, pattern); });
         });
     return row != rows.end() ? &*row : nullptr;
 }
 
-/// The statements as the signs want them: a line feed before the first line, and of a text that is
-/// very long, only its beginning and its end. The cause stands in one of them, and the time that a
-/// look at the whole table takes stays bounded.
-std::string searchedPart(std::string_view statements) {
-    constexpr std::size_t half = 32 * std::size_t{1024};
-    std::string part = "\n";
-    if (statements.size() <= 2 * half) {
-        return part.append(statements);
+const ErrorCatalogueRow* matchingRow(std::string_view text) {
+    for (const ErrorCatalogueTable rows : errorCatalogueTables()) {
+        if (const ErrorCatalogueRow* row = matchingRow(text, rows)) {
+            return row;
+        }
     }
-    return part.append(statements.substr(0, half))
+    return nullptr;
+}
+
+/// Returns the statements in the form that patterns are compared with: a line feed before the first
+/// line, and of a very long text only the beginning and the end, which bounds the time of a search.
+std::string searchableText(std::string_view statements) {
+    constexpr std::size_t half = 32 * std::size_t{1024};
+    std::string text = "\n";
+    if (statements.size() <= 2 * half) {
+        return text.append(statements);
+    }
+    return text.append(statements.substr(0, half))
         .append("\n")
         .append(statements.substr(statements.size() - half));
 }
 
+/// Returns the row of the text, or null. Warnings and hints count only if nothing else matches.
 const ErrorCatalogueRow* rowOfText(std::string_view text) {
     const std::string statements = NEBSourceControlStatementsInText(text);
-    const std::string telling = NEBSourceControlStatementsWithoutAsides(statements);
-    if (const auto* row = firstRowShownBy(searchedPart(telling), errorCatalogueRows())) {
+    const std::string errors = NEBSourceControlStatementsWithoutAsides(statements);
+    if (const auto* row = matchingRow(searchableText(errors))) {
         return row;
     }
-    const std::string failures = NEBSourceControlFailuresAmongStatements(telling);
-    if (const auto* row = firstRowShownBy(searchedPart(failures), generalErrorCatalogueRows())) {
+    const std::string failures = NEBSourceControlFailuresAmongStatements(errors);
+    if (const auto* row = matchingRow(searchableText(failures), errorGeneralRows())) {
         return row;
     }
-    return firstRowShownBy(searchedPart(statements), errorCatalogueRows());
+    return matchingRow(searchableText(statements));
 }
 
-/// Whether the description of an error with this code is the text itself, as hosts expect it.
+/// Whether hosts expect the text itself as the description of an error with this code.
 bool isDescribedByText(std::int64_t code) {
     return code == NEBSourceControlFastForwardError || code == NEBSourceControlBinaryMergeError;
 }
 
-/// What the row says, and what its class says where the row says nothing; empty without a row.
+/// Returns the texts of the row, completed by those of its class; empty without a row.
 ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
     ErrorSentence sentence = row != nullptr ? row->sentence : ErrorSentence{};
     const NEBSourceControlErrorClass* known =
@@ -71,8 +80,8 @@ ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
     if (known != nullptr && sentence.description.empty() && !isDescribedByText(row->code)) {
         sentence.description = known->description;
     }
-    if (known != nullptr && sentence.suggestion.empty()) {
-        sentence.suggestion = known->advice;
+    if (known != nullptr && sentence.advice.empty()) {
+        sentence.advice = known->advice;
     }
     return sentence;
 }
@@ -81,7 +90,7 @@ ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
 
 std::string_view NEBSourceControlErrorClassOfText(std::string_view text) {
     const ErrorCatalogueRow* row = rowOfText(text);
-    return row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
+    return row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass;
 }
 
 NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
@@ -97,7 +106,7 @@ NEBSourceControlError NEBSourceControlErrorWithoutDetails(std::string_view text,
     const ErrorCatalogueRow* row = rowOfText(text);
     NEBSourceControlError error;
     error.code = row != nullptr ? row->code : NEBSourceControlGenericError;
-    error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass.text();
+    error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass;
     error.text = text;
     error.hints = NEBSourceControlHintsInText(text);
     const ErrorSentence sentence = sentenceOf(row);
@@ -105,9 +114,9 @@ NEBSourceControlError NEBSourceControlErrorWithoutDetails(std::string_view text,
                        sentence.description.empty()
                            ? std::string(text)
                            : formattedText(sentence.description, {request.sourceTreeName()}));
-    const std::string suggestion = sentence.suggestion.empty()
+    const std::string suggestion = sentence.advice.empty()
                                        ? NEBSourceControlAdviceOfHints(error.hints)
-                                       : std::string(sentence.suggestion);
+                                       : std::string(sentence.advice);
     if (!suggestion.empty()) {
         error.userInfo.set(NEBLocalizedRecoverySuggestionKey, suggestion);
     }

@@ -1,7 +1,7 @@
-// NEBSourceControlErrorCatalogue.h - the host's own translation of what git says when it fails.
+// NEBSourceControlErrorCatalogue.h - the host's own translation of git's error messages.
 //
-// git rewords its messages from version to version; the catalogue knows a failure by the texts of
-// all of them. It serves after a plug-in's own translation, and it gives every error its class.
+// git rewords its messages from version to version, so the catalogue has the texts of all of them.
+// The host consults it after the plug-in's own translation, and it gives every error its class.
 #pragma once
 
 #include <string>
@@ -13,22 +13,24 @@
 
 namespace neb {
 
-/// The class of failure that the text shows, "unknown" rather than a guess. What the far end said
-/// (the lines that begin with "remote:") counts for nothing, and a warning only where nothing else
-/// tells. Of what git said in more than 64 KiB, the first and the last 32 count. From any thread.
+/// Returns the class of failure that git's text shows, or "unknown" if it shows none with
+/// certainty. Messages from the remote (lines that begin with "remote:") never count, warnings and
+/// hints only if no error does. Of a text longer than 64 KiB, the first and the last 32 KiB count.
+/// The result lives as long as the library is loaded. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::string_view NEBSourceControlErrorClassOfText(std::string_view text);
 
-/// Returns the text as an error of its class, with the class's code (-1 where it has none). The
-/// description is a sentence for people, see NEBSourceControlErrorClasses.h; for the class
-/// "unknown" and the codes -200 and -300 it is the text itself. The suggestion is the catalogue's
-/// advice for this text, else the advice of the class, else git's hints, else absent. The error's
-/// text, hints, remote lines and files are set; how a child ended is not. `request` gives the name
-/// of the source tree. Thread-safe.
+/// Returns git's text as an error of its class, with the class's code (-1 if it has none).
+///
+/// The description is a sentence for the user, see NEBSourceControlErrorClasses.h; for the class
+/// "unknown" and the codes -200 and -300 it is the text itself. The recovery suggestion is the
+/// first of these that exists: the catalogue's advice for this text, the advice of the class, git's
+/// hints. Text, hints, remote lines and files of the error are set, the termination status is not.
+/// `request` supplies the name of the source tree. Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromText(std::string_view text, const NEBSourceControlRequest& request);
 
-/// The same without remote lines and files, for a caller that reads them from more than this text.
-/// From any thread.
+/// Like NEBSourceControlErrorFromText(), but leaves out remote lines and files, for a caller that
+/// collects them from more than this text. Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorWithoutDetails(std::string_view text, const NEBSourceControlRequest& request);
 

@@ -13,8 +13,9 @@ constexpr const char* notTheLatest =
     "The operation could not be performed because \"demo\" does not have the latest remote "
     "changes.";
 constexpr const char* pullFirst = "Pull the remote changes and try again.";
-constexpr const char* conflicts = "There are conflicts that could not be settled automatically.";
-constexpr const char* settleThem = "Settle them in the files, add these, and commit.";
+constexpr const char* conflicts = "There are conflicts that could not be resolved automatically.";
+constexpr const char* resolveThem =
+    "Resolve them in the files, mark these with \"git add\", then commit.";
 constexpr const char* noAuthor =
     "The commit has no author: your name or your e-mail address is not configured.";
 constexpr const char* setIdentity =
@@ -22,7 +23,7 @@ constexpr const char* setIdentity =
 constexpr const char* noMessage = "The commit has no message; nothing was committed.";
 
 constexpr const char* correctPackedRefs =
-    "Correct or remove that line of the file \"packed-refs\".";
+    "Fix or remove the line of the file \"packed-refs\" that git names.";
 
 const CatalogueText texts[] = {
     {NEBSourceControlDiskFullErrorClass, -1,
@@ -32,7 +33,7 @@ const CatalogueText texts[] = {
      "fatal: failed to write commit object"},
     {NEBSourceControlLocalHookRefusedErrorClass, -1,
      "policy: No space left on device\nfatal: ref updates aborted by hook",
-     "A hook of the repository refused to change a branch or tag."},
+     "A hook of the repository refused to update a branch or tag."},
     {NEBSourceControlOtherToolsErrorClass, -1,
      "f: no space left on device\nfatal: a.c: clean filter 'f' failed"},
     {NEBSourceControlConfigurationBrokenErrorClass, -1, "error: bad config value for 'core.x'"},
@@ -93,7 +94,7 @@ const CatalogueText texts[] = {
     {NEBSourceControlConflictErrorClass, -1,
      "CONFLICT (modify/delete): early EOF.txt deleted in x and modified in HEAD.\n"
      "Automatic merge failed; fix conflicts and then commit the result.",
-     conflicts, settleThem},
+     conflicts, resolveThem},
     {NEBSourceControlNothingToCommitErrorClass, -1,
      "#\tmodified:   notes CONFLICT (bob).txt\nnothing to commit", "There is nothing to commit."},
     {NEBSourceControlOwnerNotTrustedErrorClass, -1,
@@ -307,9 +308,9 @@ const CatalogueText texts[] = {
      "warning: Cannot merge binary files: bin (HEAD vs. bt)"},
     {NEBSourceControlConflictErrorClass, -1,
      "CONFLICT (content): Merge conflict in a\nAutomatic merge failed; fix conflicts", conflicts,
-     settleThem},
+     resolveThem},
     {NEBSourceControlConflictErrorClass, -1,
-     "Automatic merge failed; fix conflicts and then commit the result.", conflicts, settleThem},
+     "Automatic merge failed; fix conflicts and then commit the result.", conflicts, resolveThem},
     {NEBSourceControlConflictErrorClass, -1, "error: could not apply 1234567... subject"},
     {NEBSourceControlNoCommitsYetErrorClass, -1,
      "fatal: your current branch 'main' does not have any commits yet"},
@@ -403,12 +404,12 @@ const CatalogueText texts[] = {
      "On branch main\nnothing to commit, working tree clean\n", "There is nothing to commit."},
     {NEBSourceControlNothingToCommitErrorClass, -1,
      "Changes not staged for commit:\n\nno changes added to commit (use",
-     "There is nothing to commit: no change has been added.",
-     "Add the changes that belong to the commit, or name their files."},
+     "There is nothing to commit: no changes are staged.",
+     "Stage the changes with \"git add\", or name the files to commit."},
     {NEBSourceControlNothingToCommitErrorClass, -1,
      "nothing added to commit but untracked files present (use \"git add\"",
-     "There is nothing to commit: all that is new are files that are not tracked yet.",
-     "Add the files that belong to the commit."},
+     "There is nothing to commit: there are only untracked files.",
+     "Add the files to commit with \"git add\"."},
     {NEBSourceControlIdentityUnknownErrorClass, -1,
      "Author identity unknown\n\n*** Please tell me who you are.\n", noAuthor, setIdentity},
     {NEBSourceControlIdentityUnknownErrorClass, -1,
@@ -466,12 +467,12 @@ const CatalogueText texts[] = {
     {NEBSourceControlMergeUnfinishedErrorClass, -1,
      "fatal: It seems that there is already a rebase-merge directory, and\nI wonder if you are in "
      "the middle of another rebase.",
-     "A rebase was begun here and is not finished.",
-     "\"git rebase --continue\" goes on with it, \"git rebase --abort\" takes it back."},
+     "An earlier rebase is not finished.",
+     "\"git rebase --continue\" continues it, \"git rebase --abort\" undoes it."},
     {NEBSourceControlMergeUnfinishedErrorClass, -1,
      "fatal: It seems that there is already a rebase-apply directory, and\nI wonder",
-     "A rebase was begun here and is not finished.",
-     "\"git rebase --continue\" goes on with it, \"git rebase --abort\" takes it back."},
+     "An earlier rebase is not finished.",
+     "\"git rebase --continue\" continues it, \"git rebase --abort\" undoes it."},
     {NEBSourceControlRemoteUnreadableErrorClass, -20,
      "fatal: Could not read from remote repository.\n\nPlease make sure"},
     {NEBSourceControlMessageEmptyErrorClass, -1,
@@ -479,7 +480,7 @@ const CatalogueText texts[] = {
      noMessage},
     {NEBSourceControlLocalHookRefusedErrorClass, -1,
      "fatal: bad revision 'x'\nNot committing merge; use 'git commit' to complete the merge.\n",
-     "A hook of the repository refused the merge; it is made, but not committed."},
+     "The merge is done but not committed, because a hook of the repository refused the commit."},
     {NEBSourceControlMergeUnfinishedErrorClass, -1,
      "fatal: cannot do a partial commit during a merge."},
     {NEBSourceControlPathIgnoredErrorClass, -1,
@@ -500,7 +501,8 @@ const CatalogueText texts[] = {
     {NEBSourceControlCredentialsNeededErrorClass, -21,
      "Authentication realm: <svn://127.0.0.1:3690> r\nPassword for 'root': "},
     {NEBSourceControlConflictUnresolvedErrorClass, -1, "warning: path 'a' is unmerged\n",
-     "Files that are in conflict stay as they were.", "Settle them and add them."},
+     "Files with conflicts were left unchanged.",
+     "Resolve the conflicts, then mark the files with \"git add\"."},
     {NEBSourceControlUnknownErrorClass, -1, "fatal: something that nobody has said before"},
 };
 

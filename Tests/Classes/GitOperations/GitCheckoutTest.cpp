@@ -206,7 +206,7 @@ TEST_F(CheckoutInRepository, ARevertOfAFileInConflictIsAnError) {
     EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
     const auto operation = revertFile("a");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
-    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("stay as they were")));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("were left unchanged")));
     EXPECT_EQ(status(), "UU a\n");
 }
 

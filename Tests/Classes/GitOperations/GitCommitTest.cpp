@@ -191,11 +191,10 @@ TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
                 IsSourceControlError(-1, "There is nothing to commit."));
     repository.write("b", "new");
     EXPECT_THAT(commit(message("m"))->error(),
-                IsSourceControlError(-1, HasSubstr("files that are not tracked yet")));
+                IsSourceControlError(-1, HasSubstr("there are only untracked files")));
     repository.write("a", "2");
     const auto operation = commit(message("m"));
-    EXPECT_THAT(operation->error(),
-                IsSourceControlError(-1, HasSubstr("no change has been added")));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("no changes are staged")));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt) << "the first words name no commit";
     EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "git's own words";

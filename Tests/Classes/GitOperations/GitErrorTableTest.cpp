@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(
             false, 33},
         Row{"R12AfterAHangUp",
             "fatal: the remote end hung up unexpectedly\nEverything up-to-date\n", -20,
-            "The connection to the server was closed too early.",
+            "The connection to the server was lost.",
             "Try again. If it happens again, check the network connection and the limits of the "
             "server.",
             false, 33},

@@ -218,7 +218,7 @@ TEST_F(MergeInRepository, AConflictThatCannotBeSettledIsAnError) {
     const auto operation = mergeIn("topic");
     EXPECT_THAT(
         operation->error(),
-        IsSourceControlError(-1, "There are conflicts that could not be settled automatically."));
+        IsSourceControlError(-1, "There are conflicts that could not be resolved automatically."));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_THAT(*operation->error()->text, HasSubstr("CONFLICT (modify/delete): b"));
     EXPECT_EQ(head(), before);
@@ -262,10 +262,10 @@ TEST_F(MergeInRepository, ThatAHookRefusesSaysSoWhateverTheHookSays) {
     hook("echo 'fatal: bad revision x' >&2; exit 1");
     const auto operation = mergeIn("topic");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
-    EXPECT_THAT(
-        operation->error(),
-        IsSourceControlError(
-            -1, "A hook of the repository refused the merge; it is made, but not committed."));
+    EXPECT_THAT(operation->error(),
+                IsSourceControlError(-1,
+                                     "The merge is done but not committed, because a hook of the "
+                                     "repository refused the commit."));
 }
 
 TEST_F(MergeInRepository, FindsWhereTwoParted) {

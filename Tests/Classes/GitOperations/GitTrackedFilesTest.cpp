@@ -197,7 +197,7 @@ TEST_F(TrackedFiles, AnIgnoredFileIsAnErrorThatNamesIt) {
     repository.write(".gitignore", "*.o\n");
     repository.write("x.o", "x");
     const auto operation = run(6, {"x.o"});
-    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "The files are ignored."));
+    EXPECT_THAT(operation->error(), IsSourceControlError(-1, "An ignore rule excludes the files."));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathIgnoredErrorClass));
 }
 

@@ -4,9 +4,10 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
+#include "NEBFoundation/ErrorCatalogue/ErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/Matchers.h"
 
@@ -31,7 +32,10 @@ TEST(ErrorClassTable, HasASentenceForEachClassAndEachClassOnce) {
 }
 
 TEST(ErrorClassTable, HasEveryClassOfTheCatalogue) {
-    for (const auto rows : {errorCatalogueRows(), generalErrorCatalogueRows()}) {
+    const auto tables = errorCatalogueTables();
+    std::vector<ErrorCatalogueTable> all(tables.begin(), tables.end());
+    all.push_back(errorGeneralRows());
+    for (const ErrorCatalogueTable rows : all) {
         for (const ErrorCatalogueRow& row : rows) {
             EXPECT_NE(NEBSourceControlErrorClassNamed(row.errorClass), nullptr) << row.errorClass;
         }

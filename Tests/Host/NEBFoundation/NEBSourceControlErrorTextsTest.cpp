@@ -1,9 +1,9 @@
-// What git, ssh, curl and the Subversion bridge say to the letter, and the class that it shows.
+// Exact messages of git, ssh, curl and git svn, and the classes that they show.
 
 #include <gtest/gtest.h>
 
+#include "NEBFoundation/ErrorCatalogue/ErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogueRows.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/ErrorTexts.h"
 
@@ -22,41 +22,42 @@ INSTANTIATE_TEST_SUITE_P(Texts, SaidByGit,
 INSTANTIATE_TEST_SUITE_P(Families, SaidByGit,
                          testing::ValuesIn(test::familyTexts().begin(), test::familyTexts().end()));
 
-/// A text that the sign is in, with a name where it has the beginning or the end of one.
-std::string textWith(const ErrorTextSign& sign, const std::string& beginning) {
-    std::string text(sign.first);
+/// Returns a text that matches the pattern, with a name where the pattern begins or ends with a
+/// quote.
+std::string textMatching(const ErrorPattern& pattern, const std::string& beginning) {
+    std::string text(pattern.first);
     if (text.starts_with('\n')) {
         text.erase(0, 1);
     } else {
         text.insert(0, beginning + (text.starts_with('\'') ? "'x" : ""));
     }
     text += text.ends_with('\'') ? "x" : "";
-    text += text.ends_with("'x") && !sign.second.starts_with('\'') ? "' " : "";
-    text += sign.second;
-    return text + (sign.second.ends_with('\'') && sign.second.size() > 1 ? "x'" : "");
+    text += text.ends_with("'x") && !pattern.second.starts_with('\'') ? "' " : "";
+    text += pattern.second;
+    return text + (pattern.second.ends_with('\'') && pattern.second.size() > 1 ? "x'" : "");
 }
 
-/// A sign that an earlier row takes for its own decides nothing.
-void expectNoSignInVain(std::span<const ErrorCatalogueRow> rows, const std::string& beginning) {
+/// A pattern whose texts an earlier row matches has no effect.
+void expectEveryPatternDecides(ErrorCatalogueTable rows, const std::string& beginning) {
     for (const ErrorCatalogueRow& row : rows) {
-        for (const ErrorTextSign& sign : row.signs) {
-            const std::string text = textWith(sign, beginning);
-            if (!sign.first.empty()) {
-                EXPECT_EQ(NEBSourceControlErrorClassOfText(text), row.errorClass) << text;
-            }
+        for (const ErrorPattern& pattern : row.patterns) {
+            const std::string text = textMatching(pattern, beginning);
+            EXPECT_EQ(NEBSourceControlErrorClassOfText(text), row.errorClass) << text;
         }
     }
 }
 
-TEST(ErrorCatalogueRows, HaveNoSignInVain) {
-    expectNoSignInVain(errorCatalogueRows(), "x: ");
+TEST(ErrorCatalogueRows, EveryPatternDecides) {
+    for (const ErrorCatalogueTable rows : errorCatalogueTables()) {
+        expectEveryPatternDecides(rows, "x: ");
+    }
 }
 
-TEST(ErrorCatalogueRows, OfGeneralTextsHaveNoSignInVain) {
-    expectNoSignInVain(generalErrorCatalogueRows(), "fatal: ");
+TEST(ErrorCatalogueRows, EveryGeneralPatternDecides) {
+    expectEveryPatternDecides(errorGeneralRows(), "fatal: ");
 }
 
-TEST(ErrorCatalogueRows, OfGeneralTextsTakeOnlyWhatGitSaysItself) {
+TEST(ErrorCatalogueRows, GeneralPatternsMatchOnlyErrorsOfGit) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText("error: could not write 'x'"),
               NEBSourceControlIOErrorClass);
     for (const char* text : {"lint: could not write 'x'", "warning: could not write 'x'",

@@ -64,7 +64,8 @@ TEST_F(TaskOperation, AnErrorTellsHowTheChildEndedAndWhatItsWordsHold) {
     EXPECT_THAT(error->hints, ElementsAre("Settle", "them."));
     EXPECT_THAT(error->remoteLines, ElementsAre("No."));
     EXPECT_THAT(error->files, ElementsAre("a b", "c"));
-    EXPECT_EQ(error->localizedDescription(), "There are conflicts from an earlier operation.");
+    EXPECT_EQ(error->localizedDescription(),
+              "There are unresolved conflicts from an earlier operation.");
     EXPECT_EQ(
         error->localizedRecoverySuggestion(),
         NEBSourceControlErrorClassNamed(NEBSourceControlConflictUnresolvedErrorClass)->advice);
@@ -223,7 +224,7 @@ TEST_F(TaskOperation, StandardOutputTellsWhatStandardErrorDoesNot) {
     conflict->start();
     EXPECT_THAT(
         conflict->error(),
-        IsSourceControlError(-1, "There are conflicts that could not be settled automatically."));
+        IsSourceControlError(-1, "There are conflicts that could not be resolved automatically."));
     EXPECT_THAT(conflict->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_EQ(conflict->error()->text,
               "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");

@@ -226,7 +226,8 @@ TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
     EXPECT_EQ(repository.gitStatus({"merge", "topic"}), 1);
     change({"a.c"});
     expectFailed(nebsc({"revert", "deep.c", "../a.c"}, "src"),
-                 "nebsc: Files that are in conflict stay as they were.\nSettle them and add them.\n"
+                 "nebsc: Files with conflicts were left unchanged.\nResolve the conflicts, then "
+                 "mark the files with \"git add\".\n"
                  "    warning: path 'src/deep.c' is unmerged\n");
     EXPECT_EQ(state(), "UU src/deep.c\n");
     expectDone(nebsc({"revert", "a.c"}));

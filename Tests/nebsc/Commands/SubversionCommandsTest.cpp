@@ -120,12 +120,10 @@ TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
     ann.commitFile("b", "mine\n");
     server.commitFile("trunk/a", "theirs\n");
     ann.write(".git/rebase-merge/head-name", "refs/heads/main\n");
-    expectFailed(
-        nebsc(ann, {"svn", "update"}),
-        AllOf(StartsWith("nebsc: A rebase was begun here and is not finished.\n\"git rebase "
-                         "--continue\" goes on with it, \"git rebase --abort\" takes it "
-                         "back.\n"),
-              HasSubstr("rebase-merge directory")));
+    expectFailed(nebsc(ann, {"svn", "update"}),
+                 AllOf(StartsWith("nebsc: An earlier rebase is not finished.\n\"git rebase "
+                                  "--continue\" continues it, \"git rebase --abort\" undoes it.\n"),
+                       HasSubstr("rebase-merge directory")));
 }
 
 TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {

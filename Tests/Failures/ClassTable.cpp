@@ -18,7 +18,7 @@ namespace neb::test {
 
 namespace {
 
-/// The codes of a class, in the order in which they were measured.
+/// Collects the codes of each class, in the order in which they were measured.
 class CodesOfClasses {
 public:
     void add(std::string_view errorClass, std::int64_t code) {
@@ -27,7 +27,7 @@ public:
             codes.push_back(code);
         }
     }
-    /// Adds the error that an operation of the type makes of the text.
+    /// Adds the error into which an operation of the type translates the text.
     void addText(std::string_view text, std::int32_t type = NEBSourceControlRequestLog) {
         GitOperation operation(requestFor(type, std::nullopt));
         if (const auto error = operation.errorFromErrorMessage(std::string(text))) {
@@ -62,7 +62,7 @@ CodesOfClasses measuredCodes() {
             codes.addText(text.text);
         }
     }
-    // Of a git that failed although it prints this.
+    // A failure of git that prints this all the same.
     codes.addText("Already up-to-date.");
     codes.addText("Everything up-to-date", NEBSourceControlRequestPush);
     codes.add(*NEBSourceControlCancelledError().errorClass, NEBSourceControlCancelledError().code);
@@ -72,8 +72,7 @@ CodesOfClasses measuredCodes() {
 }  // namespace
 
 std::vector<std::string> classTable() {
-    std::vector<std::string> lines{"| class | code | what happened | what to do |",
-                                   "|---|---|---|---|"};
+    std::vector<std::string> lines{"| class | code | description | advice |", "|---|---|---|---|"};
     const CodesOfClasses codes = measuredCodes();
     for (const NEBSourceControlErrorClass& row : NEBSourceControlErrorClasses()) {
         lines.push_back("| `" + std::string(row.name) + "` | " + codes.of(row.name) + " | " +

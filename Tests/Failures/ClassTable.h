@@ -1,4 +1,4 @@
-// ClassTable.h - the table of the classes of failure in docs/errors.md.
+// ClassTable.h - the table of error classes in docs/errors.md.
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 
 namespace neb::test {
 
-/// Returns the table's lines in Markdown: each class with its codes, its sentence and its advice.
-/// The codes are those that the tests measure: of the failures in allFailures(), of the texts in
-/// ErrorTexts.h as the plug-in translates them, and of what no git reports. A class of which no
-/// test shows a code has none in the table.
+/// Returns the lines of the table in Markdown: each class with its codes, description and advice.
+/// The codes are measured: those of allFailures(), of the texts in ErrorTexts.h as the plug-in
+/// translates them, and of errors without a text of git. A class without a measured code has an
+/// empty column.
 [[nodiscard]] std::vector<std::string> classTable();
 
 }  // namespace neb::test

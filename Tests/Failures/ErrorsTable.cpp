@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "ClassTable.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Support/TestRepository.h"
 #include "Terminal/Presentation.h"
@@ -25,8 +26,8 @@ constexpr std::string_view indentation = "    ";
 
 std::string gitVersion() {
     static const std::string version = [] {
-        const std::string words = TestRepository().git({"--version"});
-        return words.substr(0, words.find_last_not_of('\n') + 1);
+        const std::string output = TestRepository().git({"--version"});
+        return output.substr(0, output.find_last_not_of('\n') + 1);
     }();
     return version;
 }
@@ -48,19 +49,20 @@ std::string inCode(std::string text) {
     return "`" + text + "`";
 }
 
-/// The line of git's text that says what happened: the first that reports an error, else the first.
-std::string tellingLineOf(const std::vector<std::string>& lines) {
-    const auto tells = [](const std::string& line) {
+/// Returns the line of git's text that reports the failure: the first with an error, else the
+/// first.
+std::string failureLineOf(const std::vector<std::string>& lines) {
+    const auto isError = [](const std::string& line) {
         const std::string_view text = std::string_view(line).substr(indentation.size());
         return text.starts_with("fatal: ") || text.starts_with("error: ") ||
                text.starts_with(" ! [") || text.starts_with("! [") || text.starts_with("CONFLICT");
     };
-    const auto telling = std::find_if(lines.begin(), lines.end(), tells);
-    return telling != lines.end() ? *telling : lines.empty() ? std::string() : lines.front();
+    const auto found = std::find_if(lines.begin(), lines.end(), isError);
+    return found != lines.end() ? *found : lines.empty() ? std::string() : lines.front();
 }
 
-/// The sentence, the suggestion unless it is the advice of the class, and of git's text, which is
-/// indented, the line that says what happened.
+/// Returns the description, the suggestion unless it is the advice of the class, and the line of
+/// git's text, which is indented, that reports the failure.
 std::string shown(const NEBSourceControlError& error) {
     const auto* known = NEBSourceControlErrorClassNamed(error.errorClass.value_or(""));
     NEBSourceControlError bare = error;
@@ -72,36 +74,35 @@ std::string shown(const NEBSourceControlError& error) {
     }
     std::string cell;
     std::vector<std::string> textOfGit;
-    for (const std::string& line : linesOf(withoutAccidents(nebsc::errorLines(bare)))) {
+    for (const std::string& line : linesOf(withoutVariableParts(nebsc::errorLines(bare)))) {
         if (line.starts_with(indentation)) {
             textOfGit.push_back(line);
         } else if (!line.empty()) {
             cell += (cell.empty() ? "" : "<br>") + inCode(line);
         }
     }
-    const std::string telling = tellingLineOf(textOfGit);
-    return telling.empty() ? cell
-                           : cell + "<br>" + inCode(telling.substr(telling.find_first_not_of(' ')));
+    const std::string line = failureLineOf(textOfGit);
+    return line.empty() ? cell : cell + "<br>" + inCode(line.substr(line.find_first_not_of(' ')));
 }
 
 std::string verdictOn(const Failure& failure, const NEBSourceControlError& error) {
     if (error.errorClass == failure.errorClass) {
         return "right";
     }
-    return error.errorClass == "unknown" ? "unknown" : "wrong";
+    return error.errorClass == NEBSourceControlUnknownErrorClass ? "unknown" : "wrong";
 }
 
-/// What a row begins with; no other row does.
+/// Returns the unique beginning of the row.
 std::string beginningOf(const Failure& failure) {
     return "| " + std::string(failure.how) + " | `" + std::string(failure.errorClass) + "` | ";
 }
 
-/// What precedes the table of failures: text that people write, and the table of the classes.
+/// Returns the part before the table of failures: the written text and the table of classes.
 std::string introductionOf(const std::string& document) {
     return document.substr(0, document.find(endOfIntroduction));
 }
 
-/// The text with the table of the classes in place of the table that it has.
+/// Returns the text with its table replaced by the current table of classes.
 std::string withClassTable(const std::string& introduction) {
     std::string text;
     bool isWritten = false;
@@ -173,7 +174,7 @@ void ErrorsTable::compare(const Failure& failure, const NEBSourceControlError& e
     ASSERT_NE(documented, rows.end()) << file << " has no row that begins with " << beginning;
     EXPECT_TRUE(documented->ends_with(end)) << *documented;
     if (_document.find(madeWith(gitVersion())) != std::string::npos) {
-        EXPECT_EQ(*documented, row) << "NEB_WRITE_ERRORS_TABLE=1 writes " << file << " anew";
+        EXPECT_EQ(*documented, row) << "NEB_WRITE_ERRORS_TABLE=1 rewrites " << file;
     }
 }
 
@@ -203,7 +204,7 @@ void ErrorsTable::compareClasses() const {
             documented.push_back(line);
         }
     }
-    EXPECT_EQ(documented, rows) << "NEB_WRITE_ERRORS_TABLE=1 writes " << file << " anew";
+    EXPECT_EQ(documented, rows) << "NEB_WRITE_ERRORS_TABLE=1 rewrites " << file;
 }
 
 void ErrorsTable::write() const {
@@ -211,7 +212,7 @@ void ErrorsTable::write() const {
         return;
     }
     std::vector<std::string> rows;
-    std::string table = "| what happens | class | what a person sees | told |\n|---|---|---|---|\n";
+    std::string table = "| failure | class | message | verdict |\n|---|---|---|---|\n";
     for (const Failure& failure : allFailures()) {
         if (const auto row = _newRows.find(std::string(failure.how)); row != _newRows.end()) {
             rows.push_back(row->second);

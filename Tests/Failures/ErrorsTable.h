@@ -1,4 +1,4 @@
-// ErrorsTable.h - docs/errors.md, which the tests of the failures write and compare.
+// ErrorsTable.h - the tables of docs/errors.md, which the tests of the failures compare or write.
 #pragma once
 
 #include <map>
@@ -9,28 +9,28 @@
 
 namespace neb::test {
 
-/// The table in the document. With the variable NEB_WRITE_ERRORS_TABLE set, nothing is compared,
-/// and write() puts a new table in the old one's place, from what compare() was told by then.
+/// The tables in the document. If the variable NEB_WRITE_ERRORS_TABLE is set, nothing is compared,
+/// and write() replaces the tables by those of the errors that compare() has received.
 class ErrorsTable {
 public:
     static ErrorsTable& instance();
 
-    /// Compares the failure's row with what has come of it. What git's own texts go into counts
-    /// only with the git of which the document was made.
+    /// Compares the row of the failure with its error. Messages of git are compared only with the
+    /// version of git that the document was made with.
     void compare(const Failure& failure, const NEBSourceControlError& error);
-    /// Compares which failures the document has, their order and the sums below the table.
+    /// Compares the list of failures, their order and the sums below the table.
     void compareRows() const;
-    /// Compares the table of the classes with classTable(); each class must have a code.
+    /// Compares the table of classes with classTable(); each class must have a code.
     void compareClasses() const;
-    /// Writes the document where that is asked for; some failures may not have come about.
+    /// Writes the document if requested. Failures that were not run are left out.
     void write() const;
 
 private:
     ErrorsTable();
 
     bool _isWritten;
-    std::string _document;                        // as it is
-    std::map<std::string, std::string> _newRows;  // by how they are brought about
+    std::string _document;                        // current content
+    std::map<std::string, std::string> _newRows;  // by Failure::how
 };
 
 }  // namespace neb::test

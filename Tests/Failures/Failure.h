@@ -1,14 +1,15 @@
-// Failure.h - everyday failures of git, each with what must be told of it and how it is brought
-// about with the git that is installed.
+// Failure.h - common failures of git: how to provoke them, and the errors to expect.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Scene.h"
 
@@ -17,21 +18,22 @@ namespace neb::test {
 using Request = std::shared_ptr<NEBSourceControlRequest>;
 
 struct Failure {
-    /// How it is brought about, a clause; no two failures have the same.
+    /// What fails, as a noun phrase or a clause; unique.
     std::string_view how;
     std::string_view errorClass;
-    std::int64_t code;
-    /// How the child ended; absent where none ran.
-    std::optional<int> exitStatus;
-    /// The files told, temporary folders by their placeholder, see withoutAccidents().
-    std::vector<std::string> files;
-    /// Sets the scene, which lives until the request has been carried out, and answers the request
-    /// that fails. Calls skip() of the scene where this machine cannot do it.
+    std::int64_t code = NEBSourceControlGenericError;
+    /// The exit status of the child; absent if none ran or a signal ended it.
+    std::optional<int> exitStatus = {};
+    /// The files of the error, see withoutVariableParts().
+    std::vector<std::string> files = {};
+    /// Prepares the scene and returns the request that fails. The scene lives until the request has
+    /// finished. Calls Scene::skip() if this machine cannot provoke the failure.
     Request (*provoke)(Scene& scene);
 };
 
-using Failures = std::vector<Failure>;
+using Failures = std::span<const Failure>;
 
+// The failures by topic, each in the file of its name.
 Failures networkFailures();
 Failures exchangeFailures();
 Failures workingCopyFailures();
@@ -42,11 +44,11 @@ Failures ambiguityFailures();
 Failures contentFailures();
 Failures damageFailures();
 
-/// All of them, family by family.
-const Failures& allFailures();
+/// Returns all failures, topic by topic.
+Failures allFailures();
 
-/// The text without what differs from run to run: temporary folders are "/tmp/…", ports "PORT",
-/// times "N ms", commits and other objects "COMMIT".
-std::string withoutAccidents(std::string text);
+/// Replaces what differs from run to run: temporary folders by "/tmp/…", ports by "PORT", times by
+/// "N ms", names of commits and other objects by "COMMIT".
+std::string withoutVariableParts(std::string text);
 
 }  // namespace neb::test

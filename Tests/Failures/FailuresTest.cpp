@@ -1,5 +1,5 @@
-// Each failure is brought about with the installed git and compared with what must be told of it,
-// and with its row in docs/errors.md.
+// Provokes each failure with the installed git and compares the error with the expected one and
+// with its row in docs/errors.md.
 
 #include <gmock/gmock.h>
 
@@ -12,34 +12,33 @@
 
 namespace neb::test {
 
-const Failures& allFailures() {
-    static const Failures all = [] {
-        Failures failures;
+Failures allFailures() {
+    static const std::vector<Failure> all = [] {
+        std::vector<Failure> failures;
         for (const auto& family : {&networkFailures, &exchangeFailures, &workingCopyFailures,
                                    &nameFailures, &commitFailures, &machineFailures,
                                    &ambiguityFailures, &contentFailures, &damageFailures}) {
-            for (Failure& failure : family()) {
-                failures.push_back(std::move(failure));
-            }
+            const Failures rows = family();
+            failures.insert(failures.end(), rows.begin(), rows.end());
         }
         return failures;
     }();
     return all;
 }
 
-std::string withoutAccidents(std::string text) {
-    const std::pair<const char*, const char*> accidents[] = {
+std::string withoutVariableParts(std::string text) {
+    const std::pair<const char*, const char*> replacements[] = {
         {R"((/[^\s'":]*)?/neb-test-\w{6})", "/tmp"},
         {R"((127\.0\.0\.1( port |:))\d+)", "$1PORT"},
         {R"(\d+ ms)", "N ms"},
         {R"(\b[0-9a-f]{7,64}\b)", "COMMIT"},
-        // where a distribution has its files
+        // paths that differ between distributions
         {R"( at /\S+ line \d+)", " at FILE line N"},
         {R"(CAfile: \S+)", "CAfile: FILE"},
-        // either side may be the first to say so
+        // either side may report it first
         {R"(([Rr]emote error: |git )(upload-pack: not our ref))", "$2"},
     };
-    for (const auto& [pattern, replacement] : accidents) {
+    for (const auto& [pattern, replacement] : replacements) {
         text = std::regex_replace(text, std::regex(pattern), replacement);
     }
     return text;
@@ -47,7 +46,7 @@ std::string withoutAccidents(std::string text) {
 
 namespace {
 
-/// The words of the clause, each with a capital: the name of a test.
+/// Returns the clause in camel case, as the name of a test.
 std::string testNameOf(const testing::TestParamInfo<Failure>& info) {
     std::string name;
     bool isNewWord = true;
@@ -61,9 +60,9 @@ std::string testNameOf(const testing::TestParamInfo<Failure>& info) {
     return name;
 }
 
-class EverydayFailure : public HygienicTest, public testing::WithParamInterface<Failure> {};
+class CommonFailure : public HygienicTest, public testing::WithParamInterface<Failure> {};
 
-TEST_P(EverydayFailure, IsToldApart) {
+TEST_P(CommonFailure, HasTheExpectedError) {
     const Failure& failure = GetParam();
     Scene scene;
     const Request request = failure.provoke(scene);
@@ -73,26 +72,26 @@ TEST_P(EverydayFailure, IsToldApart) {
     const auto operation = perform(request);
     const auto& error = operation->error();
     ASSERT_TRUE(error.has_value());
-    SCOPED_TRACE(error->text.value_or("(no words)"));
+    SCOPED_TRACE(error->text.value_or("(no text)"));
     EXPECT_EQ(error->errorClass, failure.errorClass);
     EXPECT_EQ(error->code, failure.code);
     EXPECT_EQ(error->terminationStatus ? error->terminationStatus->exitStatus() : std::nullopt,
               failure.exitStatus);
     std::vector<std::string> files;
     for (const std::string& file : error->files) {
-        files.push_back(withoutAccidents(file));
+        files.push_back(withoutVariableParts(file));
     }
     EXPECT_EQ(files, failure.files);
     ErrorsTable::instance().compare(failure, *error);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EverydayFailure, testing::ValuesIn(allFailures()), testNameOf);
+INSTANTIATE_TEST_SUITE_P(All, CommonFailure, testing::ValuesIn(allFailures()), testNameOf);
 
-TEST(EverydayFailures, AreInTheDocumentedTableAndNothingElseIs) {
+TEST(CommonFailures, AreTheRowsOfTheDocumentedTable) {
     ErrorsTable::instance().compareRows();
 }
 
-TEST(EverydayFailures, HaveClassesThatAreExplained) {
+TEST(CommonFailures, HaveDocumentedClasses) {
     ErrorsTable::instance().compareClasses();
 }
 

@@ -15,28 +15,29 @@ namespace fs = std::filesystem;
 
 // ---- requests ---------------------------------------------------------------------------------
 
-Ask::Ask(std::int32_t type, const std::string& location) : _request(requestFor(type, location)) {
+RequestBuilder::RequestBuilder(std::int32_t type, const std::string& location)
+    : _request(requestFor(type, location)) {
     _request->remote = std::make_shared<NEBSourceControlRemote>();
     _request->repositoryToAuthenticate = _request->sourceTree;
     _request->options.emplace();
 }
 
-Ask& Ask::to(std::string destination) {
+RequestBuilder& RequestBuilder::to(std::string destination) {
     _request->destination = std::move(destination);
     return *this;
 }
 
-Ask& Ask::on(const std::vector<std::string>& files) {
+RequestBuilder& RequestBuilder::on(const std::vector<std::string>& files) {
     _request->files.emplace(files.begin(), files.end());
     return *this;
 }
 
-Ask& Ask::with(std::string_view option, NEBValue value) {
+RequestBuilder& RequestBuilder::with(std::string_view option, NEBValue value) {
     _request->options->set(std::string(option), std::move(value));
     return *this;
 }
 
-Ask& Ask::between(std::string start, std::optional<std::string> end) {
+RequestBuilder& RequestBuilder::between(std::string start, std::optional<std::string> end) {
     _request->startingRevision = std::move(start);
     if (end) {
         _request->endingRevision = std::move(*end);
@@ -44,39 +45,41 @@ Ask& Ask::between(std::string start, std::optional<std::string> end) {
     return *this;
 }
 
-Ask& Ask::bySubversion() {
+RequestBuilder& RequestBuilder::bySubversion() {
     _request->remote->representsGitSVNBridge = true;
     return *this;
 }
 
-Ask Scene::clone(const std::string& url) {
+RequestBuilder Scene::clone(const std::string& url) {
     fs::create_directories(_folder.path("clone"));
-    return Ask(NEBSourceControlRequestClone, url).to(_folder.path("clone"));
+    return RequestBuilder(NEBSourceControlRequestClone, url).to(_folder.path("clone"));
 }
 
-Ask Scene::ask(std::int32_t type) {
+RequestBuilder Scene::request(std::int32_t type) {
     return {type, work().path()};
 }
 
-Ask Scene::commit(const std::vector<std::string>& files, const std::string& message) {
-    return ask(NEBSourceControlRequestCommit)
+RequestBuilder Scene::commit(const std::vector<std::string>& files, const std::string& message) {
+    return request(NEBSourceControlRequestCommit)
         .on(files)
         .with(NEBSourceControlRequestOptionMessage, message);
 }
 
-Ask Scene::push(const std::string& local, const std::string& there, const std::string& remote) {
-    return ask(NEBSourceControlRequestPush)
+RequestBuilder Scene::push(const std::string& local, const std::string& there,
+                           const std::string& remote) {
+    return request(NEBSourceControlRequestPush)
         .to(there)
         .with(NEBSourceControlRequestOptionRemoteName, remote)
         .with(NEBSourceControlRequestOptionBranch, local);
 }
 
-Ask Scene::fetch(const std::string& remote) {
-    return ask(NEBSourceControlRequestFetch).with(NEBSourceControlRequestOptionRemoteName, remote);
+RequestBuilder Scene::fetch(const std::string& remote) {
+    return request(NEBSourceControlRequestFetch)
+        .with(NEBSourceControlRequestOptionRemoteName, remote);
 }
 
-Ask Scene::pull(const std::string& branch, const std::string& remote) {
-    return ask(NEBSourceControlRequestUpdate)
+RequestBuilder Scene::pull(const std::string& branch, const std::string& remote) {
+    return request(NEBSourceControlRequestUpdate)
         .to(remote)
         .with(NEBSourceControlRequestOptionPullByFastForwarding, true)
         .with(NEBSourceControlRequestOptionRemoteName, remote)
@@ -110,9 +113,9 @@ std::string Scene::shared() {
     return *_shared;
 }
 
-void Scene::pushFromElsewhere(std::string_view file, std::string_view bytes) {
+void Scene::pushFromOtherClone(std::string_view file, std::string_view bytes) {
     const TestRepository& other = _repositories.emplace_back(shared());
-    other.commitFile(file, bytes, "from elsewhere");
+    other.commitFile(file, bytes, "from the other clone");
     other.git({"push", "--quiet", "origin", "HEAD:main"});
 }
 
@@ -145,7 +148,7 @@ std::string Scene::serve(std::string answer) {
 
 std::string Scene::serveEmptyRepository(std::string answerToPush) {
     using namespace std::string_literals;
-    // Of gitprotocol-http(5), "Smart Server Response": no reference yet.
+    // "Smart Server Response" of gitprotocol-http(5), without references
     const std::string references =
         "001f# service=git-receive-pack\n0000"
         "0061" +
@@ -160,7 +163,7 @@ std::string Scene::serveEmptyRepository(std::string answerToPush) {
         .url();
 }
 
-std::string Scene::serveNobody(const std::string& scheme) {
+std::string Scene::serveDisconnects(const std::string& scheme) {
     return _servers.emplace_back("", LoopbackServer::Silence::hangsUp).url(scheme);
 }
 
@@ -176,15 +179,15 @@ SubversionServer& Scene::subversion() {
     return *_subversion;
 }
 
-std::string Scene::bridged() {
+std::string Scene::cloneSubversion() {
     empty().git({"svn", "init", subversion().url() + "/trunk"});
     empty().git({"svn", "fetch", "--quiet"});
     empty().git({"reset", "--quiet", "--hard", "refs/remotes/git-svn"});
     return empty().path();
 }
 
-int Scene::refusedPort() {
-    return 1;  // nobody listens at the port of a service that is long gone
+int Scene::closedPort() {
+    return 1;  // the port of an obsolete service
 }
 
 std::string httpAnswer(const std::string& status, const std::string& headers,
@@ -194,7 +197,7 @@ std::string httpAnswer(const std::string& status, const std::string& headers,
            body;
 }
 
-// ---- the surroundings -------------------------------------------------------------------------
+// ---- environment ------------------------------------------------------------------------------
 
 void Scene::setVariable(const std::string& name, const std::string& value) {
     const char* before = std::getenv(name.c_str());
@@ -209,7 +212,7 @@ void Scene::setSSH(const std::string& script) {
 void Scene::addHook(const TestRepository& repository, const std::string& name,
                     const std::string& script) {
     repository.write(".git/hooks/" + name, "#!/bin/sh\n" + script + "\n");
-    setRights(repository.path(".git/hooks/" + name), 0755);
+    setPermissions(repository.path(".git/hooks/" + name), 0755);
 }
 
 std::string Scene::smallDisk() {
@@ -217,7 +220,7 @@ std::string Scene::smallDisk() {
     fs::create_directory(path);
     _hasSmallDisk = ::mount("none", path.c_str(), "tmpfs", 0, "size=1m") == 0;
     if (!_hasSmallDisk) {
-        skip("a small file system cannot be mounted here");
+        skip("this process cannot mount a file system");
     }
     return path;
 }
@@ -239,7 +242,7 @@ void Scene::actAsOrdinaryUser() {
     _user.emplace();
 }
 
-void Scene::setRights(const std::string& path, unsigned mode) {
+void Scene::setPermissions(const std::string& path, unsigned mode) {
     fs::permissions(path, static_cast<fs::perms>(mode));
 }
 

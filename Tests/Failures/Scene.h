@@ -1,4 +1,4 @@
-// Scene.h - what a failure needs to come about: repositories, servers, variables, another user.
+// Scene.h - the environment of a failure: repositories, servers, variables, another user.
 #pragma once
 
 #include <deque>
@@ -20,24 +20,24 @@
 
 namespace neb::test {
 
-/// A request in the making: `Ask(3, path).on({"a"}).with(NEBSourceControlRequestOptionMessage,
-/// "m")`.
-class Ask {
+/// Builds a request:
+/// `RequestBuilder(type, path).on({"a"}).with(NEBSourceControlRequestOptionMessage, "m")`.
+class RequestBuilder {
 public:
-    Ask(std::int32_t type, const std::string& location);
-    Ask& to(std::string destination);
-    Ask& on(const std::vector<std::string>& files);
-    Ask& with(std::string_view option, NEBValue value);
-    Ask& between(std::string start, std::optional<std::string> end = {});
-    /// Over the Subversion bridge.
-    Ask& bySubversion();
+    RequestBuilder(std::int32_t type, const std::string& location);
+    RequestBuilder& to(std::string destination);
+    RequestBuilder& on(const std::vector<std::string>& files);
+    RequestBuilder& with(std::string_view option, NEBValue value);
+    RequestBuilder& between(std::string start, std::optional<std::string> end = {});
+    /// Through git svn.
+    RequestBuilder& bySubversion();
     operator std::shared_ptr<NEBSourceControlRequest>() const { return _request; }
 
 private:
     std::shared_ptr<NEBSourceControlRequest> _request;
 };
 
-/// One scene, undone when it goes.
+/// The environment of one failure. The destructor restores what was changed.
 class Scene {
 public:
     Scene() = default;
@@ -46,61 +46,64 @@ public:
     ~Scene();
 
     [[nodiscard]] const TemporaryFolder& folder() const { return _folder; }
-    /// The repository that most failures are about, with one commit of the file "a" ("1\n").
+    /// Returns the main repository, with one commit of the file "a" ("1\n").
     const TestRepository& work();
-    /// The same without a commit.
+    /// Returns the main repository without a commit; must precede work().
     const TestRepository& empty();
-    /// work() is a clone of a bare repository, whose path this is; asked for before work().
+    /// Makes work() a clone of a bare repository; returns the path of that.
     std::string shared();
-    /// Somebody else pushes a commit of the file to shared().
-    void pushFromElsewhere(std::string_view file, std::string_view bytes);
-    /// work() with a branch "topic" of one more commit, which changes, adds or (absent bytes)
-    /// removes the file; main is checked out.
+    /// Pushes a commit of the file to shared() from another clone.
+    void pushFromOtherClone(std::string_view file, std::string_view bytes);
+    /// Returns work() with a branch "topic", whose only commit changes, adds or (if `bytes` are
+    /// absent) removes the file; main is checked out.
     const TestRepository& withTopic(std::string_view file, std::optional<std::string_view> bytes);
-    /// work() with the file "a" in an unresolved conflict of a merge.
+    /// Returns work() with an unresolved merge conflict in the file "a".
     const TestRepository& inConflict();
 
-    /// The URL of a server that gives each request this answer; see httpAnswer().
+    /// Returns the URL of a server that sends this response to every request; see httpAnswer().
     std::string serve(std::string answer);
-    /// The URL of an HTTP server to which anybody may push, and which gives the received pack data
-    /// this answer.
+    /// Returns the URL of an HTTP server that accepts pushes from everyone, and sends this response
+    /// to the received pack data.
     std::string serveEmptyRepository(std::string answerToPush);
-    /// The URL of a server that hangs up on each request.
-    std::string serveNobody(const std::string& scheme = "http");
-    /// The URL of a server with a certificate that nobody knows; the certificate's file.
+    /// Returns the URL of a server that closes every connection.
+    std::string serveDisconnects(const std::string& scheme = "http");
+    /// Returns the URL of a server with a self-signed certificate.
     std::string serveOverTLS();
+    /// Returns the path of that certificate.
     [[nodiscard]] std::string certificate() const { return _tls->certificate(); }
     SubversionServer& subversion();
-    /// A clone of subversion() by the bridge, in the folder work() would have.
-    std::string bridged();
-    /// A port of the loopback address at which nobody listens.
-    static int refusedPort();
+    /// Makes the main repository a git svn clone of subversion(); returns its path.
+    std::string cloneSubversion();
+    /// Returns a port of the loopback address on which no process listens.
+    static int closedPort();
 
-    /// For git and everything below it, until the scene goes.
+    /// Sets an environment variable for git and its children.
     void setVariable(const std::string& name, const std::string& value);
-    /// Stands in for ssh: a script, which finds the host and the command in its arguments.
+    /// Replaces ssh by a script, whose arguments are the host and the command.
     void setSSH(const std::string& script);
-    /// Makes it an executable hook of the repository.
+    /// Adds an executable hook.
     void addHook(const TestRepository& repository, const std::string& name,
                  const std::string& script);
-    /// The path of a folder on a file system of one mebibyte, "disk" in folder(). Skips where this
-    /// process may not mount one.
+    /// Returns a folder on a file system of one mebibyte, "disk" in folder(). Calls skip() if this
+    /// process cannot mount one.
     std::string smallDisk();
-    /// From now on; what the scene has made belongs to that user, but for what is made later.
+    /// Runs the rest as an ordinary user, who becomes the owner of everything made so far.
     void actAsOrdinaryUser();
-    /// Gives the file or folder other rights.
-    static void setRights(const std::string& path, unsigned mode);
+    /// Sets the permissions of a file or folder.
+    static void setPermissions(const std::string& path, unsigned mode);
 
-    /// A clone of the URL into a new folder.
-    Ask clone(const std::string& url);
-    /// Of work().
-    Ask ask(std::int32_t type);
-    Ask commit(const std::vector<std::string>& files = {}, const std::string& message = "m");
-    Ask push(const std::string& local, const std::string& there,
-             const std::string& remote = "origin");
-    Ask fetch(const std::string& remote = "origin");
-    Ask pull(const std::string& branch = "main", const std::string& remote = "origin");
+    /// Builds a clone of the URL into a new folder.
+    RequestBuilder clone(const std::string& url);
+    /// Builds a request of the type for work(), as do the functions below.
+    RequestBuilder request(std::int32_t type);
+    RequestBuilder commit(const std::vector<std::string>& files = {},
+                          const std::string& message = "m");
+    RequestBuilder push(const std::string& local, const std::string& there,
+                        const std::string& remote = "origin");
+    RequestBuilder fetch(const std::string& remote = "origin");
+    RequestBuilder pull(const std::string& branch = "main", const std::string& remote = "origin");
 
+    /// Marks the failure as impossible on this machine.
     void skip(std::string reason) { _reasonToSkip = std::move(reason); }
     [[nodiscard]] const std::string& reasonToSkip() const { return _reasonToSkip; }
 
@@ -118,7 +121,7 @@ private:
     std::string _reasonToSkip;
 };
 
-/// An HTTP answer: "404 Not Found", header lines with their ends, a body.
+/// Returns an HTTP response: a status such as "404 Not Found", complete header lines, a body.
 std::string httpAnswer(const std::string& status, const std::string& headers = "",
                        const std::string& body = "");
 

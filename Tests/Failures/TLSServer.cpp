@@ -17,23 +17,22 @@ namespace neb::test {
 
 namespace {
 
-/// Reads until the mark and the line end behind it have come, for ten seconds at most; answers what
-/// stands between the two.
-std::string readBehind(int descriptor, const std::string& mark) {
+/// Reads until a line contains the mark, for ten seconds at most. Returns the rest of that line.
+std::string readAfter(int descriptor, const std::string& mark) {
     std::string text;
-    constexpr int patience = 10000;
+    constexpr int timeoutMilliseconds = 10000;
     pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
     char bytes[512];
-    while (::poll(&ready, 1, patience) == 1) {
+    while (::poll(&ready, 1, timeoutMilliseconds) == 1) {
         const ssize_t count = ::read(descriptor, bytes, sizeof bytes);
         if (count <= 0) {
             break;
         }
         text.append(bytes, static_cast<std::size_t>(count));
-        const std::size_t place = text.find(mark);
-        const std::size_t end = place == std::string::npos ? place : text.find('\n', place);
+        const std::size_t start = text.find(mark);
+        const std::size_t end = start == std::string::npos ? start : text.find('\n', start);
         if (end != std::string::npos) {
-            return text.substr(place + mark.size(), end - place - mark.size());
+            return text.substr(start + mark.size(), end - start - mark.size());
         }
     }
     return {};
@@ -52,11 +51,12 @@ TLSServer::TLSServer() {
           .currentDirectoryPath = std::nullopt,
           .environment = NEBSourceControlInheritedEnvironment()}})[0];
     if (!made.status.isSuccess()) {
-        throw std::runtime_error("openssl makes no certificate: " + std::string(made.errorOutput));
+        throw std::runtime_error("openssl failed to create a certificate: " +
+                                 std::string(made.errorOutput));
     }
     Pipe pipe;
     if (openPipe(pipe, PipeSize::ordinary) != 0) {
-        throw std::runtime_error("there is no pipe");
+        throw std::runtime_error("no pipe could be created");
     }
     _server = startProgram({"openssl", "s_server", "-accept", "127.0.0.1:0", "-cert", certificate(),
                             "-key", _folder.path("key.pem"), "-www"},
@@ -65,7 +65,7 @@ TLSServer::TLSServer() {
                             .standardOutput = ChildStream::copyOf(pipe.writeEnd.get()),
                             .standardError = ChildStream::file("/dev/null", O_WRONLY)});
     pipe.writeEnd.close();
-    _url = "https://127.0.0.1:" + readBehind(pipe.readEnd.get(), "ACCEPT 127.0.0.1:") + "/x.git";
+    _url = "https://127.0.0.1:" + readAfter(pipe.readEnd.get(), "ACCEPT 127.0.0.1:") + "/x.git";
 }
 
 TLSServer::~TLSServer() {

@@ -1,4 +1,4 @@
-// TLSServer.h - an HTTPS server with a certificate of its own, which nobody trusts.
+// TLSServer.h - an HTTPS server with a self-signed certificate.
 #pragma once
 
 #include <sys/types.h>
@@ -9,8 +9,8 @@
 
 namespace neb::test {
 
-/// Serves at a port of the loopback address that the system chose, for as long as it lives. The
-/// certificate is made for another host's name. Throws when the program "openssl" cannot do it.
+/// Listens on a port of the loopback address that the system chooses, until it is destroyed. The
+/// certificate has the name of another host. The constructor throws if "openssl" fails.
 class TLSServer {
 public:
     TLSServer();

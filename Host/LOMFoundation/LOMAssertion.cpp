@@ -28,7 +28,7 @@ LOMAssertionSink& sinkOfThread() {
 }
 
 void writeLine(const LOMAssertionReport& report) {
-    // Nobody can be told that standard error takes nothing.
+    // A failure to write to standard error cannot be reported.
     static_cast<void>(std::fprintf(stderr, "%s: %s:%d: %s\n", report.function.c_str(),
                                    report.file.c_str(), report.line, report.message.c_str()));
 }

@@ -1,6 +1,6 @@
-// LOMAssertion.h - reports of conditions that should hold and do not.
+// LOMAssertion.h - reports of failed assertions.
 //
-// A report never stops the work: whoever reports goes on with what there is.
+// A failed assertion does not stop the program: the function that reports it continues.
 #pragma once
 
 #include <functional>
@@ -12,55 +12,61 @@
 
 namespace neb {
 
-/// One failed condition.
+/// One failed assertion.
 struct LOMAssertionReport {
-    /// The method's full name, as in "-[GitController operationForRequest:]".
+    /// The full name of the method, as in "-[GitController operationForRequest:]".
     std::string function;
-    /// The source, as in "Classes/GitController".
+    /// The source file, as in "Classes/GitController".
     std::string file;
+    /// The line in that file.
     int line = 0;
-    /// The format filled in: "request.destination should be a non-empty string, but it is nil". The
-    /// plain shape begins with "Assertion failed: ".
+    /// The format with its arguments: "request.destination should be a non-empty string, but it is
+    /// nil". The plain form begins with "Assertion failed: ". Passwords of URLs are redacted.
     std::string message;
-    /// The condition's text alone.
+    /// The text of the condition.
     std::string condition;
-    /// A description of the reporting object, and its method; for a host that wants to know more.
+    /// A description of the reporting object.
     std::string object = {};
+    /// The method of the object.
     std::string command = {};
 };
 
-/// The format of the plain shape; its argument is the condition's text.
+/// The format of the plain form. Its argument is the text of the condition.
 inline constexpr std::string_view LOMAssertionFailedFormat = "Assertion failed: %s";
 
-/// Reports a failed condition to the sink and returns.
-/// - `object`: the description of the reporting object, `command` its method.
-/// - `format` with its `arguments`: for the plain shape the condition's text alone; for any other
-///   the arguments of the format, then the pair LOMAssertionFailedFormat and the condition's text.
-/// May be called from any thread.
+/// Reports a failed assertion to the sink of the calling thread, or else to that of the process,
+/// and returns. Thread-safe.
+///
+/// - `object` describes the reporting object, `command` is its method.
+/// - `functionName`, `fileName` and `lineNumber` are the location of the assertion.
+/// - `format` is LOMAssertionFailedFormat, or a format with "%@" and "%s".
+/// - `arguments` are the arguments of the format. The last element is always the text of the
+///   condition; if the format is another one, LOMAssertionFailedFormat precedes it.
 NEB_EXPORT void _LOMAssertionFailureHandler(std::string_view object, std::string_view command,
                                             std::string_view functionName,
                                             std::string_view fileName, int lineNumber,
                                             std::string_view format,
                                             const std::vector<std::string>& arguments);
 
-/// The same, for a reporter that has no more to tell of itself than its method's full name
-/// "-[Class method:]", from which the object and the command are taken.
+/// Reports a failed assertion as above. The object and the command are taken from the function name
+/// "-[Class method:]". Thread-safe.
 NEB_EXPORT void LOMReportFailedAssertion(std::string_view functionName, std::string_view fileName,
                                          int lineNumber, std::string_view format,
                                          const std::vector<std::string>& arguments);
 
-/// Where reports go. Called by one thread at a time; it must not report itself.
+/// A function that receives reports. It must not report a failed assertion itself.
 using LOMAssertionSink = std::function<void(const LOMAssertionReport&)>;
 
-/// Sets the sink for the process; an absent one goes back to the default, which writes one line on
-/// standard error. From any thread.
+/// Sets the sink of the process, which is called by one thread at a time. An empty function
+/// restores the default, which writes one line to standard error. Thread-safe.
 NEB_EXPORT void LOMSetAssertionSink(LOMAssertionSink sink);
 
-/// Sets the sink for what the calling thread reports, in place of the process's; an absent one
-/// takes it away. For a host that serves several callers at once. An operation that is made on the
-/// thread reports there too, on whatever thread it runs: such a sink may be called by several.
+/// Sets a sink for the calling thread, which replaces that of the process; an empty function
+/// removes it. A host that serves several clients at once can so separate their reports. An
+/// operation that is created on this thread uses the sink on every thread on which it runs, so the
+/// sink may be called by several threads.
 NEB_EXPORT void LOMSetAssertionSinkOfThread(LOMAssertionSink sink);
-/// The calling thread's own; absent when it has none.
+/// Returns the sink of the calling thread, empty if it has none.
 [[nodiscard]] NEB_EXPORT LOMAssertionSink LOMAssertionSinkOfThread();
 
 }  // namespace neb

@@ -20,8 +20,8 @@ bool isExecutableFile(const std::string& path) {
            ::access(path.c_str(), X_OK) == 0;
 }
 
-/// Relative and empty elements of PATH are passed over: they would make the git that runs depend
-/// on where the host happens to be, perhaps in a folder that came with a repository.
+/// Ignores relative and empty elements of PATH. With them, git could come from the working
+/// directory, which may be in a cloned repository.
 std::string firstDirectoryWithGit() {
     const char* variable = std::getenv("PATH");
     std::string_view rest = variable == nullptr ? "" : variable;

@@ -1,4 +1,9 @@
-// LOMDeveloperPaths.h - where the developer tools are, `git` above all.
+// LOMDeveloperPaths.h - the location of the developer tools, such as `git`.
+//
+//     const LOMSearchPath path =
+//         LOMDeveloperPaths::defaultPaths().binSearchPathForPlatform(std::nullopt);
+//     path.pathOfProgram("git");                    // "/usr/bin/git"
+//     path.preferredDirectoryPath().pathString();   // "/usr/bin"
 #pragma once
 
 #include <optional>
@@ -11,33 +16,40 @@
 
 namespace neb {
 
-/// Where to look for programs.
+/// A folder in which programs are looked up. A value; copies are independent.
 class NEB_EXPORT LOMSearchPath {
 public:
+    /// Creates a search path of one folder, which need not exist.
     explicit LOMSearchPath(LOMFilePath preferredDirectory)
         : _preferredDirectory(std::move(preferredDirectory)) {}
+    /// Returns the folder.
     [[nodiscard]] const LOMFilePath& preferredDirectoryPath() const { return _preferredDirectory; }
-    /// The path of the program of that name in the preferred directory, whether it is there or not.
+    /// Returns the path of the program with that name in the folder, whether it exists or not.
     [[nodiscard]] std::string pathOfProgram(std::string_view name) const;
 
 private:
     LOMFilePath _preferredDirectory;
 };
 
-/// One instance for the process; every member may be called from any thread.
+/// Finds the developer tools. There is one instance in the process. Thread-safe.
 class NEB_EXPORT LOMDeveloperPaths {
 public:
+    /// Returns the instance, which lives until the process ends.
     static LOMDeveloperPaths& defaultPaths();
 
-    /// `platform` names none of ours and is ignored; absent means this machine. The preferred
-    /// directory is the one that the host has set; else the first absolute directory of PATH that
-    /// holds an executable file `git`; else "/usr/bin", so that a missing git is told by the launch
-    /// that fails, with the path at which it was looked for last.
+    /// Returns the folder of the developer tools, in this order:
+    ///
+    /// 1. the folder that the host has set with setPreferredBinaryDirectory();
+    /// 2. the first absolute folder in PATH with an executable file `git`;
+    /// 3. "/usr/bin", so that launching a missing git fails with an error that names a path.
+    ///
+    /// PATH is read at each call. `platform` is ignored.
     [[nodiscard]] LOMSearchPath binSearchPathForPlatform(
         std::optional<std::string_view> platform) const;
 
-    /// For hosts that bring a git of their own; nothing goes back to PATH. To be called before the
-    /// first operation is made, which remembers where git is for the life of the process.
+    /// Sets the folder for hosts that come with their own git; an absent value returns to PATH.
+    /// Call this before the first operation is created, because that operation looks up git once
+    /// for the life of the process.
     void setPreferredBinaryDirectory(std::optional<LOMFilePath> directory);
 
 private:

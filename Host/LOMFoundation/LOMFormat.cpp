@@ -6,8 +6,8 @@ std::string formattedText(std::string_view format, const std::vector<std::string
     std::string text;
     std::size_t next = 0;
     for (std::size_t i = 0; i < format.size(); ++i) {
-        const std::string_view place = format.substr(i, 2);
-        if (place != "%@" && place != "%s") {
+        const std::string_view specifier = format.substr(i, 2);
+        if (specifier != "%@" && specifier != "%s") {
             text += format[i];
             continue;
         }

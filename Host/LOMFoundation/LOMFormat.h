@@ -1,4 +1,4 @@
-// LOMFormat.h - message formats with "%@" and "%s" in them.
+// LOMFormat.h - formats with "%@" and "%s".
 #pragma once
 
 #include <string>
@@ -9,12 +9,12 @@
 
 namespace neb {
 
-/// What an absent value reads as in a message.
+/// The text of an absent value in a message.
 inline constexpr std::string_view absentValueText = "(null)";
 
-/// The format with each "%@" and "%s", from left to right, replaced by the next argument. One for
-/// which there is no argument reads as absent; arguments too many are left out. What an argument
-/// holds is never read as a format.
+/// Returns the format with each "%@" and "%s" replaced by the next argument. A missing argument is
+/// replaced by absentValueText; arguments that are left over are ignored. "%" in an argument has no
+/// meaning. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::string formattedText(std::string_view format,
                                                    const std::vector<std::string>& arguments);
 

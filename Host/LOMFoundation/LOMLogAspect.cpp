@@ -18,7 +18,7 @@ void LOMLogAspect::_logAtLogLevel(int level, std::string_view format,
     if (_sink) {
         _sink(message);
     } else {
-        // Nobody can be told that standard error takes nothing.
+        // A failure to write to standard error cannot be reported.
         static_cast<void>(std::fprintf(stderr, "%s: %s\n", _name.c_str(), message.c_str()));
     }
 }

@@ -10,18 +10,16 @@ namespace neb {
 
 namespace {
 
-/// What a pipe holds as a rule.
-constexpr std::size_t pieceSize = 1U << 16;
-/// What a stream may take before another has its turn.
-constexpr std::size_t shareOfTurn = 1U << 20;
+constexpr std::size_t usualPipeCapacity = 1U << 16;
+constexpr std::size_t limitPerTurn = 1U << 20;
 
 }  // namespace
 
-bool CapturedStream::readPiece(std::size_t most) {
-    char* const place = _data.roomFor(std::min(most, pieceSize));
+bool CapturedStream::readSome(std::size_t limit) {
+    char* const room = _data.roomFor(std::min(limit, usualPipeCapacity));
     ssize_t count = 0;
     do {
-        count = ::read(_readEnd.get(), place, std::min(most, _data.room()));
+        count = ::read(_readEnd.get(), room, std::min(limit, _data.room()));
     } while (count < 0 && errno == EINTR);
     if (count > 0) {
         _data.add(static_cast<std::size_t>(count));
@@ -35,7 +33,7 @@ bool CapturedStream::readPiece(std::size_t most) {
 
 void CapturedStream::readAvailable() {
     const std::size_t former = data().size();
-    while (data().size() - former < shareOfTurn && readPiece(shareOfTurn)) {
+    while (data().size() - former < limitPerTurn && readSome(limitPerTurn)) {
     }
 }
 
@@ -43,10 +41,10 @@ bool CapturedStream::readRestAndClose() {
     int left = 0;
     if (isOpen() && ::ioctl(_readEnd.get(), FIONREAD, &left) == 0) {
         const std::size_t target = data().size() + static_cast<std::size_t>(std::max(left, 0));
-        while (data().size() < target && readPiece(target - data().size())) {
+        while (data().size() < target && readSome(target - data().size())) {
         }
-        // One look further: it may be the end that was missing.
-        readPiece(1);
+        // The next read may report the end.
+        readSome(1);
     }
     const bool wasHeld = isOpen();
     _readEnd.close();

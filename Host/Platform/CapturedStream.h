@@ -1,4 +1,4 @@
-// CapturedStream.h - collects what a child writes into one pipe. Inside the host library only.
+// CapturedStream.h - the data that a child writes to one pipe. Inside the host library only.
 #pragma once
 
 #include "Platform/Data.h"
@@ -6,31 +6,32 @@
 
 namespace neb {
 
+/// Reads one pipe without blocking and collects the data. Not thread-safe.
 class CapturedStream {
 public:
-    /// No stream: at its end from the beginning, with nothing collected.
+    /// No pipe: not open and without data.
     CapturedStream() = default;
-    /// Reads from `readEnd`, which must be non-blocking.
+    /// Takes ownership of `readEnd`, which must be non-blocking.
     explicit CapturedStream(FileDescriptor readEnd) : _readEnd(std::move(readEnd)) {}
 
-    /// The descriptor to poll, -1 once the end was reached.
+    /// The descriptor to poll, -1 after the end of the data.
     [[nodiscard]] int descriptor() const { return _readEnd.get(); }
     [[nodiscard]] bool isOpen() const { return _readEnd.isOpen(); }
 
-    /// Takes what can be had without waiting, up to a share that leaves other streams their turn.
+    /// Reads what is available, but at most about 1 MiB, so that other streams are read as well.
     void readAvailable();
-    /// Takes what lies in the pipe now, whoever may go on writing, and closes. Answers whether
-    /// somebody still holds the other end, so that more might have come.
+    /// Reads what the pipe contains now, and closes it. Returns whether another process still has
+    /// the write end open, so that more data could follow.
     bool readRestAndClose();
 
-    /// What was read so far; its bytes are good until the next read.
+    /// Returns the data so far. Views of its bytes are valid until the next read.
     [[nodiscard]] const Data& data() const { return _data.data(); }
-    /// Moves the bytes out.
+    /// Returns the data and leaves none here.
     [[nodiscard]] Data takeData() { return _data.take(); }
 
 private:
-    /// Reads at most `most` bytes; false when there is nothing to read now or ever.
-    bool readPiece(std::size_t most);
+    /// Reads at most `limit` bytes. Returns false if nothing is available or the data has ended.
+    bool readSome(std::size_t limit);
 
     FileDescriptor _readEnd;
     GrowingData _data;

@@ -10,15 +10,14 @@ namespace neb {
 
 namespace {
 
-constexpr std::size_t leastCapacity = 256;
+constexpr std::size_t minimumCapacity = 256;
 
 #ifdef MREMAP_MAYMOVE
-/// From this size on, bytes have pages of their own where the system can move pages to where there
-/// is room behind them. malloc() would copy them again and again, and leave holes of all sizes in
-/// the memory beside what is made of them meanwhile.
-constexpr std::size_t worthMapping = std::size_t{1} << 18;
+/// Buffers of at least this size get their own pages, which mremap() can grow without copying.
+/// realloc() would copy them repeatedly and fragment the heap.
+constexpr std::size_t mappingThreshold = std::size_t{1} << 18;
 
-char* mapped(std::size_t size) {
+char* mapPages(std::size_t size) {
     void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     return pages == MAP_FAILED ? nullptr : static_cast<char*>(pages);
 }
@@ -39,25 +38,25 @@ void Data::destroy(const Block* block) {
 }
 
 bool Data::Block::resize(std::size_t newCapacity) {
-    void* place = nullptr;
+    void* resized = nullptr;
 #ifdef MREMAP_MAYMOVE
     if (isMapped) {
-        place = ::mremap(bytes, capacity, newCapacity, MREMAP_MAYMOVE);
-        place = place == MAP_FAILED ? nullptr : place;
-    } else if (newCapacity >= worthMapping) {
-        place = mapped(newCapacity);
-        if (place != nullptr) {
-            std::copy_n(bytes, size, static_cast<char*>(place));
+        resized = ::mremap(bytes, capacity, newCapacity, MREMAP_MAYMOVE);
+        resized = resized == MAP_FAILED ? nullptr : resized;
+    } else if (newCapacity >= mappingThreshold) {
+        resized = mapPages(newCapacity);
+        if (resized != nullptr) {
+            std::copy_n(bytes, size, static_cast<char*>(resized));
             std::free(bytes);
             isMapped = true;
         }
     } else
 #endif
-        place = std::realloc(bytes, newCapacity);
-    if (place == nullptr) {
+        resized = std::realloc(bytes, newCapacity);
+    if (resized == nullptr) {
         return false;
     }
-    bytes = static_cast<char*>(place);
+    bytes = static_cast<char*>(resized);
     capacity = newCapacity;
     return true;
 }
@@ -77,7 +76,7 @@ char* GrowingData::roomFor(std::size_t count) {
     }
     Data::Block& block = *_data._block;
     if (room() < count &&
-        !block.resize(std::max({block.size + count, block.capacity * 2, leastCapacity}))) {
+        !block.resize(std::max({block.size + count, block.capacity * 2, minimumCapacity}))) {
         throw std::bad_alloc();
     }
     return block.bytes + block.size;
@@ -85,7 +84,7 @@ char* GrowingData::roomFor(std::size_t count) {
 
 Data GrowingData::take() {
     if (room() > 0) {
-        // Where the smaller one cannot be had, the larger one does.
+        // If this fails, the larger block is used.
         static_cast<void>(_data._block->resize(std::max<std::size_t>(_data._block->size, 1)));
     }
     return std::exchange(_data, Data());

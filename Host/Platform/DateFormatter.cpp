@@ -7,22 +7,22 @@ namespace neb {
 
 namespace {
 
-/// More digits are no year that an instant of 64 bits could be in.
+/// The seconds of a year with more digits do not fit in 64 bits.
 constexpr std::size_t mostYearDigits = 11;
 constexpr std::size_t mostOffsetDigits = 9;
 
-/// Reads a text from its start; the first thing that is not as expected makes all of it wrong.
+/// Reads a text from its start and remembers whether everything was as expected.
 class Reader {
 public:
     explicit Reader(std::string_view text) : _text(text) {}
 
-    /// At least `fewest` and at most `most` decimal digits; a value of `least` to `greatest`.
+    /// Reads `fewest` to `most` decimal digits whose value must be from `least` to `greatest`.
     std::int64_t number(std::size_t fewest, std::size_t most, std::int64_t least,
                         std::int64_t greatest) {
         std::int64_t value = 0;
         const char* const begin = _text.data();
         const char* const limit = begin + std::min(most, _text.size());
-        const bool isSigned = _text.starts_with('-');  // from_chars would take the sign
+        const bool isSigned = _text.starts_with('-');  // from_chars accepts a sign
         const auto [end, failure] = std::from_chars(begin, limit, value);
         const auto length = static_cast<std::size_t>(end - begin);
         _isGood = _isGood && !isSigned && failure == std::errc() && length >= fewest &&
@@ -39,8 +39,8 @@ public:
         _text.remove_prefix(isThere ? 1 : 0);
         return isThere;
     }
-    [[nodiscard]] bool holdsAt(std::size_t place, char character) const {
-        return place < _text.size() && _text[place] == character;
+    [[nodiscard]] bool hasAt(std::size_t position, char character) const {
+        return position < _text.size() && _text[position] == character;
     }
     [[nodiscard]] bool isGood() const { return _isGood; }
     [[nodiscard]] bool isAtEnd() const { return _text.empty(); }
@@ -54,16 +54,15 @@ bool isLeapYear(std::int64_t year) {
     return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
-/// Long months and short ones take turns, but July and August are both long.
 std::int64_t daysOfMonth(std::int64_t year, std::int64_t month) {
     if (month == 2) {
         return isLeapYear(year) ? 29 : 28;
     }
-    return 30 + (month + month / 8) % 2;
+    return 30 + (month + month / 8) % 2;  // July and August both have 31 days
 }
 
-/// Days from 1970-01-01 to the date. A year is counted from March here, so that its leap day is the
-/// last one.
+/// Returns the days from 1970-01-01 to the date. Years start in March here, so that a leap day is
+/// the last day of its year.
 std::int64_t daysSinceEpoch(std::int64_t year, std::int64_t month, std::int64_t day) {
     const std::int64_t shiftedYear = month <= 2 ? year - 1 : year;
     const std::int64_t era = (shiftedYear >= 0 ? shiftedYear : shiftedYear - 399) / 400;
@@ -74,7 +73,7 @@ std::int64_t daysSinceEpoch(std::int64_t year, std::int64_t month, std::int64_t 
     return era * 146097 + dayOfEra - 719468;
 }
 
-/// The offset from UTC in seconds: "Z", a sign with "hh:mm", or a sign with "hhmm".
+/// Reads the offset from UTC and returns it in seconds.
 std::int64_t readOffset(Reader& reader) {
     if (reader.take('Z')) {
         return 0;
@@ -84,7 +83,7 @@ std::int64_t readOffset(Reader& reader) {
         reader.expect('+');
     }
     std::int64_t digits = 0;
-    if (reader.holdsAt(2, ':')) {
+    if (reader.hasAt(2, ':')) {
         digits = reader.twoDigits(0, 99) * 100;
         reader.expect(':');
         digits += reader.twoDigits(0, 99);
@@ -104,7 +103,7 @@ std::optional<DateFormatter::Date> DateFormatter::dateFromString(std::string_vie
     const std::int64_t month = reader.twoDigits(1, 12);
     reader.expect('-');
     if (!reader.isGood()) {
-        return std::nullopt;  // there is no month to look the days up by
+        return std::nullopt;  // the month is needed for the number of days
     }
     const std::int64_t day = reader.twoDigits(1, daysOfMonth(year, month));
     reader.expect(' ');

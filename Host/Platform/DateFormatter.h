@@ -1,4 +1,4 @@
-// DateFormatter.h - dates as git writes them for people to read.
+// DateFormatter.h - parses dates such as "2020-09-13 17:28:20 +0100".
 //
 //     const DateFormatter formatter;
 //     formatter.dateFromString("2020-09-13 17:28:20 +0100");   // 2020-09-13 16:28:20 UTC
@@ -14,16 +14,16 @@
 
 namespace neb {
 
-/// Reads the one pattern "yyyy-MM-dd HH:mm:ss ZZZZZ" of the Gregorian calendar, whatever the time
-/// zone, the locale or the clock of the process. From any thread.
+/// Parses dates of the Gregorian calendar in the format "yyyy-MM-dd HH:mm:ss ZZZZZ", independent of
+/// the time zone and locale of the process. Thread-safe.
 class NEB_EXPORT DateFormatter {
 public:
-    /// An instant, in whole seconds since 1970-01-01 00:00:00 UTC.
+    /// Whole seconds since 1970-01-01 00:00:00 UTC.
     using Date = std::chrono::sys_time<std::chrono::duration<std::int64_t>>;
 
-    /// The instant that the text names; nothing when it is not wholly of the pattern, or names a
-    /// day or time that there is not. The year has four digits or more. The offset is "+0530",
-    /// "+05:30", or "Z" for none; the last two digits are minutes, however many, as with git.
+    /// Returns the date, or nothing if the whole text does not have the format or the day or time
+    /// does not exist. The year has at least four digits. The offset is "+0530", "+05:30", or "Z"
+    /// for UTC. Its last two digits are minutes and may exceed 59.
     [[nodiscard]] std::optional<Date> dateFromString(std::string_view text) const;
 };
 

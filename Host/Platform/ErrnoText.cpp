@@ -7,11 +7,11 @@ namespace neb {
 
 namespace {
 
-/// strerror_r answers a text on some systems, and a status on others, with the text in the buffer.
-[[maybe_unused]] const char* textOf(const char* answer, const char* /*buffer*/) {
-    return answer;
+/// strerror_r returns the text on some systems. On others it returns a status and fills the buffer.
+[[maybe_unused]] const char* textOf(const char* text, const char* /*buffer*/) {
+    return text;
 }
-[[maybe_unused]] const char* textOf(int /*answer*/, const char* buffer) {
+[[maybe_unused]] const char* textOf(int /*status*/, const char* buffer) {
     return buffer;
 }
 

@@ -1,4 +1,4 @@
-// ErrnoText.h - what a failed system call means, in words.
+// ErrnoText.h - the text of an error number.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace neb {
 
-/// "No such file or directory" for ENOENT; in the language of the process. From any thread.
+/// Returns the text of an error number from <errno.h> in the locale of the process: "No such file
+/// or directory" for ENOENT. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::string textOfErrno(int number);
 
 }  // namespace neb

@@ -1,7 +1,7 @@
-// Export.h - the mark of what the host library shows to plug-ins and hosts.
+// Export.h - the macro that makes a symbol of the host library visible.
 //
-// Everything is compiled with hidden visibility; a class or function without this mark cannot be
-// linked against from outside the library.
+// Everything is compiled with hidden visibility. Plug-ins and hosts can link only against classes
+// and functions with this macro.
 #pragma once
 
 #define NEB_EXPORT __attribute__((visibility("default")))

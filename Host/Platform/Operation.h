@@ -1,4 +1,11 @@
-// Operation.h - a unit of work that a queue or a thread of the host runs once.
+// Operation.h - a unit of work that runs once.
+//
+//     class Copy : public Operation {
+//         void main() override {
+//             while (!isCancelled() && copyNextFile()) {
+//             }
+//         }
+//     };
 #pragma once
 
 #include <atomic>
@@ -7,8 +14,11 @@
 
 namespace neb {
 
-/// Whoever runs an operation calls start() once, on any thread; cancel() and the two questions may
-/// be asked from any thread at any time.
+/// The base class of operations.
+///
+/// The owner calls start() once, on any thread, or adds the operation to an OperationQueue. The
+/// operation must live until start() has returned. cancel(), isCancelled() and isFinished() are
+/// thread-safe and may be called at any time.
 class NEB_EXPORT Operation {
 public:
     Operation() = default;
@@ -16,17 +26,23 @@ public:
     Operation& operator=(const Operation&) = delete;
     virtual ~Operation() = default;
 
-    /// Runs main() and marks the operation finished.
+    /// Runs main() on the calling thread, then marks the operation as finished. An override must
+    /// do both as well.
     virtual void start();
-    /// The work. Called by start().
+    /// Does the work. Called by start(); subclasses implement it.
     virtual void main() = 0;
-    /// Asks the operation to end as soon as it can, or not to begin. It finishes all the same.
+    /// Requests that the operation end soon, or not begin. main() decides when to look. The
+    /// operation still has to be started, and finishes as usual.
     virtual void cancel() { _cancelled = true; }
 
+    /// Whether cancel() was called.
     [[nodiscard]] bool isCancelled() const { return _cancelled; }
+    /// Whether start() has done its work. What main() wrote before is visible to the thread that
+    /// gets true.
     [[nodiscard]] bool isFinished() const { return _finished; }
 
 protected:
+    /// Marks the operation as finished.
     void setFinished() { _finished = true; }
 
 private:

@@ -14,7 +14,7 @@ OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurre
 
 OperationQueue::OperationQueue(std::size_t width) : _width(std::max<std::size_t>(width, 1)) {}
 
-/// Work may add work until none is left; from then on the threads are no longer touched by others.
+/// Work may add work. When none is left, no other thread accesses the queue.
 OperationQueue::~OperationQueue() {
     waitUntilAllOperationsAreFinished();
     std::vector<std::thread> threads;
@@ -54,11 +54,10 @@ void OperationQueue::add(Work work) {
     _workCame.notify_one();
 }
 
-/// Without a further thread the work is done by those that there are, without any by the caller.
+/// If no thread can be created, the existing threads do the work, or the caller if there are none.
 void OperationQueue::addThread() {
     try {
-        _threads.reserve(_threads.size() +
-                         1);  // a thread without a place in the list would go astray
+        _threads.reserve(_threads.size() + 1);  // so that push_back cannot throw
     } catch (const std::bad_alloc&) {
         return;
     }
@@ -82,8 +81,7 @@ void OperationQueue::runThread() {
 
 namespace {
 
-/// Only work of the host's or a plug-in's own may throw. The thread goes on with other work, unless
-/// the exception is its end (pthread_cancel, pthread_exit), which must not be kept.
+/// Drops exceptions, except the one with which pthread_cancel() and pthread_exit() end a thread.
 template <typename Work>
 void doWithoutExceptions(const Work& work) {
     try {
@@ -97,7 +95,7 @@ void doWithoutExceptions(const Work& work) {
 
 }  // namespace
 
-/// Does the piece of work that has waited longest. The mutex is unlocked meanwhile.
+/// Does the oldest work. The mutex is unlocked meanwhile.
 void OperationQueue::runOne() {
     Work work = std::move(_waiting.front());
     _waiting.pop_front();
@@ -107,7 +105,7 @@ void OperationQueue::runOne() {
             _running.insert(work.operation);
         }
     } catch (const std::bad_alloc&) {
-        // It runs all the same; cancelAllOperations() cannot see it.
+        // The operation runs, but cancelAllOperations() does not find it.
     }
     _mutex.unlock();
 
@@ -119,7 +117,7 @@ void OperationQueue::runOne() {
                 work.block();
             }
         });
-    } catch (...) {  // the end of the thread: another takes its place
+    } catch (...) {  // the thread ends: replace it
         finish(work);
         addThread();
         throw;
@@ -133,7 +131,7 @@ void OperationQueue::finish(Work& work) {
         _running.erase(work.operation);
     }
     _mutex.unlock();
-    work = {};  // ours may be the last reference: what it holds is gone before anyone goes on
+    work = {};  // destroys the operation before a waiting thread continues
     _mutex.lock();
     --_busyThreads;
     if (_busyThreads == 0 && _waiting.empty()) {

@@ -1,12 +1,9 @@
-// OperationQueue.h - runs operations and blocks on threads of its own.
+// OperationQueue.h - runs operations and blocks on its own threads.
 //
 //     OperationQueue queue;
 //     queue.addOperation(operation);
-//     queue.addBlock([&] { copied = copy(); });   // side by side with the operation, in no order
+//     queue.addBlock([&] { copied = copy(); });   // runs at the same time as the operation
 //     queue.waitUntilAllOperationsAreFinished();
-//
-// Every member may be called from any thread. An operation may wait on another queue than the one
-// that runs it; each queue has its own threads, so neither starves the other.
 #pragma once
 
 #include <deque>
@@ -22,43 +19,56 @@
 
 namespace neb {
 
+/// A queue with its own threads, which start when they are needed and block all signals, so that
+/// the signal handlers of the host never run on them. Work starts in the order in which it was
+/// added.
+///
+/// Thread-safe. An operation may wait for another queue, but not for the queue that runs it.
 class NEB_EXPORT OperationQueue {
 public:
-    /// As wide as the machine has cores.
+    /// Creates a queue with as many threads as the machine has cores.
     OperationQueue();
-    /// At most `width` pieces of work at once; 0 counts as 1.
+    /// Creates a queue with at most `width` threads. 0 means 1.
     explicit OperationQueue(std::size_t width);
     OperationQueue(const OperationQueue&) = delete;
     OperationQueue& operator=(const OperationQueue&) = delete;
-    /// Waits until all work is done and joins the threads.
+    /// Waits until all work is done, and joins the threads.
     ~OperationQueue();
 
-    /// Shares the operation until it has finished. Without effect for an absent one. Where the
-    /// system gives no thread at all, the work is done at once, on the caller's. An operation whose
-    /// start() throws does not finish; the exception is dropped.
+    /// Adds an operation and keeps a reference to it until it has finished. Does nothing for null.
+    /// If the system can create no thread at all, the work is done immediately on the calling
+    /// thread. An exception from start() is dropped; the operation then does not finish.
     void addOperation(std::shared_ptr<Operation> operation);
-    /// Runs the block once. What it throws is dropped.
+    /// Adds a function that is called once. Does nothing for an empty function. An exception from
+    /// it is dropped.
     void addBlock(std::function<void()> block);
-    /// Blocks until nothing is waiting or running. Not to be called by work of this queue.
+    /// Blocks until no work is waiting or running. Must not be called by work of this queue.
     void waitUntilAllOperationsAreFinished();
-    /// Cancels all operations that wait or run. Blocks run as they are.
+    /// Calls cancel() on all operations that are waiting or running. They still run to their end.
+    /// Has no effect on blocks.
     void cancelAllOperations();
 
 private:
+    /// Either an operation or a block.
     struct Work {
-        std::shared_ptr<Operation> operation;  // either this
-        std::function<void()> block;           // or this
+        std::shared_ptr<Operation> operation;
+        std::function<void()> block;
     };
 
+    /// Adds work and makes sure that a thread does it, or does it on the calling thread.
     void add(Work work);
+    /// Starts a thread if the system permits.
     void addThread() NEB_REQUIRES(_mutex);
+    /// The function of each thread: does work until the queue is destroyed.
     void runThread();
+    /// Does the oldest work.
     void runOne() NEB_REQUIRES(_mutex);
+    /// Records that the work is done and destroys it.
     void finish(Work& work) NEB_ACQUIRE(_mutex);
 
     const std::size_t _width;
     Mutex _mutex;
-    Condition _workCame;
+    Condition _workCame;  // or the queue is closing
     Condition _allDone;
     std::deque<Work> _waiting NEB_GUARDED_BY(_mutex);
     std::set<std::shared_ptr<Operation>> _running NEB_GUARDED_BY(_mutex);

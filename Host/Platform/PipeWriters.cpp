@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Calls `visit` for the entries of a folder as long as it answers true. A process may end while it
-/// is looked at; what cannot be read then is passed over.
+/// Calls `visit` for the entries of a folder until it returns false. Ignores what cannot be read,
+/// because a process may end at any time.
 template <typename Visit>
 void forEachEntry(const fs::path& folder, const Visit& visit) {
     std::error_code failure;
@@ -30,10 +30,10 @@ void forEachEntry(const fs::path& folder, const Visit& visit) {
 /// Reads `flags:\t0100001` (octal) in /proc/PID/fdinfo/FD.
 bool isOpenForWriting(const fs::path& information) {
     std::ifstream stream(information);
-    std::string word;
-    while (stream >> word) {
+    std::string field;
+    while (stream >> field) {
         int flags = 0;
-        if (word == "flags:" && stream >> std::oct >> flags) {
+        if (field == "flags:" && stream >> std::oct >> flags) {
             return (flags & O_ACCMODE) != O_RDONLY;
         }
     }

@@ -1,4 +1,4 @@
-// PipeWriters.h - who holds the writing end of a pipe. Inside the host library only.
+// PipeWriters.h - finds the processes that can write to a pipe. Inside the host library only.
 #pragma once
 
 #include <sys/types.h>
@@ -9,10 +9,11 @@
 
 namespace neb {
 
-/// The number that names the pipe to which the descriptor belongs, 0 when that cannot be told.
+/// Returns the inode number of the pipe that the descriptor belongs to, 0 if it is unknown.
 [[nodiscard]] ino_t pipeNumber(const FileDescriptor& descriptor);
 
-/// The processes that have the pipe of that number open for writing, as far as /proc tells.
+/// Returns the processes that have the pipe with that inode number open for writing, as far as
+/// /proc shows them.
 [[nodiscard]] std::vector<pid_t> processesWritingTo(ino_t pipe);
 
 }  // namespace neb

@@ -1,11 +1,9 @@
-// Scanner.h - reads a text from its start, run by run.
+// Scanner.h - reads a text from its start to its end.
 //
 //     Scanner scanner("  AM name");
-//     scanner.skip(CharacterSet::whitespace());          // the two blanks
+//     scanner.skip(CharacterSet::whitespace());          // the two spaces
 //     scanner.take(CharacterSet("AM"));                  // "AM"
 //     scanner.rest();                                    // " name"
-//
-// A scanner reads a text that somebody else keeps, and never beyond its end.
 #pragma once
 
 #include <algorithm>
@@ -23,13 +21,13 @@ namespace neb {
 /// A set of single-byte characters.
 class CharacterSet {
 public:
-    /// The characters of `members`.
+    /// A set of the characters in `members`.
     constexpr explicit CharacterSet(std::string_view members) {
         for (const char member : members) {
             _isMember[static_cast<unsigned char>(member)] = true;
         }
     }
-    /// Blank and TAB.
+    /// Space and TAB.
     static const CharacterSet& whitespace();
     /// A to Z.
     static const CharacterSet& uppercaseLetters();
@@ -59,11 +57,13 @@ inline const CharacterSet& CharacterSet::uppercaseLetters() {
     return set;
 }
 
+/// A position in a text. The text must outlive the scanner and the views that it returns. Never
+/// reads beyond the end. Not thread-safe.
 class Scanner {
 public:
     explicit Scanner(std::string_view text) : _text(text) {}
 
-    /// Takes the longest run of characters of the set; empty when the next one is none.
+    /// Returns and skips the longest run of characters in the set. It may be empty.
     std::string_view take(const CharacterSet& set) {
         std::size_t length = 0;
         while (length < _text.size() && set.contains(_text[length])) {
@@ -71,10 +71,10 @@ public:
         }
         return takeLength(length);
     }
-    /// Takes what stands before the next `end`, or the whole rest when there is none; empty when
-    /// the scanner is at it, or at its own end.
+    /// Returns and skips the text before the next `end`, or the whole rest if there is none.
     std::string_view takeUpTo(char end) { return takeLength(_text.find(end)); }
-    /// Takes what stands before the next white space (see lengthOfSpaceAt in Text.h), or the rest.
+    /// Returns and skips the text before the next white space (see lengthOfSpaceAt() in Text.h), or
+    /// the whole rest if there is none.
     std::string_view takeUpToSpace() {
         std::size_t length = 0;
         while (length < _text.size() &&
@@ -83,8 +83,8 @@ public:
         }
         return takeLength(length);
     }
-    /// Takes a decimal integer, a sign in front of it or none. One beyond the range is the nearest
-    /// in it. Nothing, and nothing is passed over, when there is no digit.
+    /// Returns and skips a decimal integer with an optional sign. A value out of range becomes the
+    /// nearest one in range. Returns and skips nothing if there is no digit.
     std::optional<std::int32_t> takeInteger() {
         const std::size_t sign = _text.starts_with('-') || _text.starts_with('+') ? 1 : 0;
         const bool isNegative = _text.starts_with('-');
@@ -106,15 +106,15 @@ public:
         return static_cast<std::int32_t>(
             std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
     }
-    /// Passes over a run of characters of the set.
+    /// Skips a run of characters in the set.
     void skip(const CharacterSet& set) { static_cast<void>(take(set)); }
-    /// Passes over the character, once, when it is the next one.
+    /// Skips the next character if it is this one.
     void skipOne(char character) {
         if (_text.starts_with(character)) {
             _text.remove_prefix(1);
         }
     }
-    /// Passes over a run of white space (see lengthOfSpaceAt in Text.h).
+    /// Skips a run of white space (see lengthOfSpaceAt() in Text.h).
     void skipSpace() {
         while (!_text.empty() && !isPlain(_text.front())) {
             const std::size_t length = lengthOfSpaceAt(_text, 0);
@@ -124,11 +124,11 @@ public:
             _text.remove_prefix(length);
         }
     }
-    /// What has not been read yet.
+    /// Returns the text that has not been read yet.
     [[nodiscard]] std::string_view rest() const { return _text; }
 
 private:
-    /// Whether the character is one of ASCII's visible ones, of which none is or begins a space.
+    /// Whether the character is a visible ASCII character, which no white space starts with.
     static bool isPlain(char character) { return character > ' ' && character < '\x7F'; }
     std::string_view takeLength(std::size_t length) {
         const std::string_view run = _text.substr(0, length);

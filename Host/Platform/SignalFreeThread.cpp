@@ -9,8 +9,8 @@ namespace neb {
 
 namespace {
 
-/// Blocks the signals for the calling thread while it lives: a new thread starts with the mask of
-/// the one that makes it.
+/// Blocks signals for the calling thread during its lifetime. A new thread inherits the signal
+/// mask.
 class BlockedSignals {
 public:
     BlockedSignals() {
@@ -19,14 +19,14 @@ public:
         for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS}) {
             ::sigdelset(&signals, fault);
         }
-        ::pthread_sigmask(SIG_BLOCK, &signals, &_former);
+        ::pthread_sigmask(SIG_BLOCK, &signals, &_previous);
     }
     BlockedSignals(const BlockedSignals&) = delete;
     BlockedSignals& operator=(const BlockedSignals&) = delete;
-    ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &_former, nullptr); }
+    ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &_previous, nullptr); }
 
 private:
-    sigset_t _former{};
+    sigset_t _previous{};
 };
 
 }  // namespace

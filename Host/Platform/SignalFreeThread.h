@@ -1,7 +1,7 @@
-// SignalFreeThread.h - a thread that takes none of the process's signals.
+// SignalFreeThread.h - a thread that handles no signals of the process.
 //
-// The signals of a host are the host's: its handlers expect to run on the threads that it made, and
-// the system may choose any thread that does not block them.
+// The system may deliver a signal to any thread that does not block it. The signal handlers of a
+// host expect to run on the threads of the host.
 #pragma once
 
 #include <functional>
@@ -11,10 +11,10 @@
 
 namespace neb {
 
-/// A new thread that does `work` with every signal blocked but those that a fault of its own code
-/// raises (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS). The caller's own mask is as
-/// before. Not joinable when the system has no thread or no memory for it: the work is not done
-/// then. Throws nothing. Thread-safe.
+/// Starts a thread that calls `work` with all signals blocked, except those for faults in its own
+/// code (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS). The signal mask of the caller
+/// does not change. Returns a thread that is not joinable, and does not call `work`, if the system
+/// cannot create a thread. Throws nothing. Thread-safe.
 NEB_EXPORT std::thread startSignalFreeThread(std::function<void()> work);
 
 }  // namespace neb

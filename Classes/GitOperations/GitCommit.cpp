@@ -6,17 +6,11 @@
 #include "GitOperations/GitHookFailure.h"
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
 namespace {
-
-std::string_view trimmed(std::string_view text, std::string_view characters) {
-    const std::size_t first = text.find_first_not_of(characters);
-    return first == std::string_view::npos
-               ? std::string_view{}
-               : text.substr(first, text.find_last_not_of(characters) + 1 - first);
-}
 
 /// The text between the first blank and the second; nothing without a blank.
 std::optional<std::string_view> secondWord(std::string_view text) {

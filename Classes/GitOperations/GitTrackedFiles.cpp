@@ -13,11 +13,6 @@ constexpr NEBSourceControlAssertionSite pathStringSite{
     .file = "Classes/GitOperations",
     .line = 672};
 
-bool isFolder(const std::string& path) {
-    const auto attributes = LOMFilePath::filePathForPathString(path).fileAttributes();
-    return attributes && attributes->fileType == LOMFileType::directory;
-}
-
 /// The file's path, a folder's with a "/" at its end. A relative one is looked up where git will;
 /// the empty one names nothing.
 std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& currentFolder) {
@@ -27,7 +22,8 @@ std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& cu
     }
     const std::string place =
         isAbsolutePath(path) ? path : pathByAppendingComponent(currentFolder.value_or(""), path);
-    return isFolder(place) ? path + '/' : path;
+    const auto attributes = LOMFilePath::filePathForPathString(place).fileAttributes();
+    return attributes && attributes->fileType == LOMFileType::directory ? path + '/' : path;
 }
 
 }  // namespace

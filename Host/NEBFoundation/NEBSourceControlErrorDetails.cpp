@@ -135,11 +135,9 @@ std::string_view behindMark(std::string_view line, std::string_view mark) {
 /// Where the words stand in the line, whatever the case of their letters: that changed now and
 /// then.
 std::size_t placeOf(std::string_view words, std::string_view line) {
-    const auto lower = [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    };
-    const auto place = std::search(line.begin(), line.end(), words.begin(), words.end(),
-                                   [lower](char a, char b) { return lower(a) == lower(b); });
+    const auto place =
+        std::search(line.begin(), line.end(), words.begin(), words.end(),
+                    [](char a, char b) { return lowercaseASCII(a) == lowercaseASCII(b); });
     return place == line.end() && !words.empty() ? std::string_view::npos
                                                  : static_cast<std::size_t>(place - line.begin());
 }

@@ -3,21 +3,14 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Platform/Text.h"
+
 namespace neb {
 
 namespace {
 
 bool startsWith(std::string_view text, std::string_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
-}
-
-std::string inSmallLetters(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
-                                                    : character;
-    });
-    return lower;
 }
 
 bool isWordCharacter(char character) {
@@ -140,7 +133,7 @@ bool isCause(std::string_view warning) {
 }  // namespace
 
 std::string NEBSourceControlStatementsInText(std::string_view text) {
-    return linesOf(inSmallLetters(text), isStatement);
+    return linesOf(lowercaseASCII(text), isStatement);
 }
 
 std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements) {

@@ -1,6 +1,7 @@
 #include "Platform/FileDescriptor.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,7 +14,7 @@ namespace {
 constexpr int firstFreeDescriptor = 3;
 constexpr int largeCapacity = 1 << 20;
 
-/// Moves a descriptor above the three standard ones. Answers 0 or an errno.
+/// Moves a descriptor to a number above the standard streams. Returns 0 or an error number.
 int liftAboveStandardStreams(FileDescriptor& descriptor) {
     if (descriptor.get() >= firstFreeDescriptor) {
         return 0;
@@ -43,7 +44,8 @@ int FileDescriptor::close() {
     if (_descriptor < 0) {
         return 0;
     }
-    // Not retried on EINTR: Linux has released the number by then, and another thread may own it.
+    // Not repeated on EINTR: Linux has closed the descriptor, and another thread may have reused
+    // it.
     const bool isClosed = ::close(std::exchange(_descriptor, -1)) == 0;
     return isClosed || errno == EINTR ? 0 : errno;
 }
@@ -60,7 +62,7 @@ int openPipe(Pipe& pipe, PipeSize size) {
         }
     }
 #ifdef F_SETPIPE_SZ
-    // A refusal (the user's share of pipe memory is used up) costs speed and nothing else.
+    // This fails when the user has used up the memory for pipes. A small pipe is only slower.
     if (size == PipeSize::large) {
         static_cast<void>(::fcntl(opened.writeEnd.get(), F_SETPIPE_SZ, largeCapacity));
     }
@@ -73,6 +75,23 @@ int setNonBlocking(const FileDescriptor& descriptor) {
     const int flags = ::fcntl(descriptor.get(), F_GETFL);
     if (flags < 0 || ::fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) != 0) {
         return errno;
+    }
+    return 0;
+}
+
+int writeAll(int descriptor, std::string_view bytes, WhenFull whenFull) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno == EAGAIN && whenFull == WhenFull::wait) {
+            pollfd writable{.fd = descriptor, .events = POLLOUT, .revents = 0};
+            if (::poll(&writable, 1, -1) < 0 && errno != EINTR) {
+                return errno;
+            }
+        } else if (errno != EINTR) {
+            return errno;
+        }
     }
     return 0;
 }

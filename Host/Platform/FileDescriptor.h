@@ -1,18 +1,18 @@
-// FileDescriptor.h - one open file descriptor with an owner.
-//
-// Not safe for use by several threads at once. Every descriptor made here is close-on-exec and
-// numbered 3 or higher, so that a host that runs with standard input, output or error closed
-// cannot have a pipe end where a child expects its standard streams.
+// FileDescriptor.h - an open file descriptor with an owner, and pipes.
 #pragma once
+
+#include <string_view>
 
 #include "Platform/Export.h"
 
 namespace neb {
 
+/// Owns a file descriptor and closes it in the destructor. Movable, not copyable. Not thread-safe.
 class NEB_EXPORT FileDescriptor {
 public:
+    /// Nothing is open.
     FileDescriptor() = default;
-    /// Takes ownership of `descriptor`; -1 means none.
+    /// Takes ownership of `descriptor`; -1 means that nothing is open.
     explicit FileDescriptor(int descriptor) : _descriptor(descriptor) {}
     FileDescriptor(FileDescriptor&& other) noexcept;
     FileDescriptor& operator=(FileDescriptor&& other) noexcept;
@@ -20,17 +20,18 @@ public:
     FileDescriptor& operator=(const FileDescriptor&) = delete;
     ~FileDescriptor() { close(); }
 
-    /// The number, or -1 when nothing is open.
+    /// The number of the descriptor, -1 if nothing is open.
     [[nodiscard]] int get() const { return _descriptor; }
     [[nodiscard]] bool isOpen() const { return _descriptor >= 0; }
-    /// Closes now; without effect when nothing is open. Answers 0, or the errno of what the system
-    /// could not do with bytes written earlier; nothing is open in either case.
+    /// Closes the descriptor if it is open. Returns 0, or the error number of a failure to write
+    /// earlier bytes. Nothing is open afterwards in either case.
     int close();
 
 private:
     int _descriptor = -1;
 };
 
+/// Both ends of a pipe.
 struct Pipe {
     FileDescriptor readEnd;
     FileDescriptor writeEnd;
@@ -38,14 +39,24 @@ struct Pipe {
 
 enum class PipeSize {
     ordinary,
-    /// As large as an ordinary user may have it, up to 1 MiB.
+    /// As large as an ordinary user may make it, up to 1 MiB.
     large,
 };
 
-/// Opens a pipe into `pipe`. Answers 0, or the errno of the failure, and then leaves nothing open.
+/// Opens a pipe. Returns 0 or an error number; after an error nothing is open. Both ends are
+/// close-on-exec and numbered 3 or higher, so they never take the number of a standard stream that
+/// the host has closed. Thread-safe.
 [[nodiscard]] NEB_EXPORT int openPipe(Pipe& pipe, PipeSize size);
 
-/// Switches a descriptor to non-blocking reads and writes. Answers 0 or the errno of the failure.
+/// Makes reads and writes non-blocking. Returns 0 or an error number.
 [[nodiscard]] NEB_EXPORT int setNonBlocking(const FileDescriptor& descriptor);
+
+/// What writeAll() does when a non-blocking descriptor accepts no more bytes.
+enum class WhenFull { wait, fail };
+
+/// Writes all bytes. Returns 0 or an error number; EAGAIN for WhenFull::fail. Thread-safe, but
+/// concurrent writes to the same descriptor may be mixed.
+[[nodiscard]] NEB_EXPORT int writeAll(int descriptor, std::string_view bytes,
+                                      WhenFull whenFull = WhenFull::wait);
 
 }  // namespace neb

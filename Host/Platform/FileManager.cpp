@@ -6,14 +6,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/NewFile.h"
+#include "Platform/PathString.h"
 
 namespace neb {
 
@@ -23,8 +23,8 @@ namespace {
 
 constexpr mode_t onlyForTheOwner = 0700;
 constexpr mode_t permissionsUntilDone = 0600;
-/// What a copied file keeps of its mode. Run as another user, as the copy then belongs to us, is no
-/// permission.
+/// The mode bits that a copied file keeps. Set-user-ID is not one of them, because the copy has
+/// another owner.
 constexpr mode_t permissionsOfFile = 0777;
 constexpr mode_t permissionsOfFolder = 07777;
 constexpr mode_t permissionsOfNewFolder = 0777;
@@ -34,11 +34,7 @@ std::string quoted(const fs::path& path) {
     return '"' + path.string() + '"';
 }
 
-FileFailure failureOf(int errorNumber, const std::string& what) {
-    return {errorNumber, what + ": " + textOfErrno(errorNumber) + "."};
-}
-
-/// The system would take such a path for the one that ends before the NUL character.
+/// The system would use only the part of the path before the NUL character.
 std::optional<FileFailure> failureOfNUL(std::string_view path) {
     if (path.find('\0') == std::string_view::npos) {
         return std::nullopt;
@@ -47,7 +43,7 @@ std::optional<FileFailure> failureOfNUL(std::string_view path) {
                                    " holds a NUL character."};
 }
 
-/// With an end "/", a link would be followed.
+/// A symbolic link would be followed if its path ended in "/".
 fs::path withoutEndSlashes(std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) {
         path.remove_suffix(1);
@@ -55,31 +51,15 @@ fs::path withoutEndSlashes(std::string_view path) {
     return path;
 }
 
-/// Answers 0 or the errno of the failure.
-int writeAll(const FileDescriptor& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
-        if (count >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return errno;
-        }
-    }
-    return 0;
-}
-
-/// Whether the path lies in the folder, or would if it were there.
-bool liesWithin(const fs::path& path, const fs::path& folder) {
+/// Whether `path`, which need not exist, is in the folder once symbolic links are resolved.
+bool resolvesInto(const fs::path& path, const fs::path& folder) {
     std::error_code ignored;
-    const fs::path whole = fs::weakly_canonical(path.parent_path(), ignored) / path.filename();
-    const fs::path whatHolds = fs::canonical(folder, ignored);
-    const auto [end, unused] =
-        std::mismatch(whatHolds.begin(), whatHolds.end(), whole.begin(), whole.end());
-    return end == whatHolds.end();
+    const fs::path resolved = fs::weakly_canonical(path.parent_path(), ignored) / path.filename();
+    return liesWithin(resolved.string(), fs::canonical(folder, ignored).string());
 }
 
-/// One copy, of a file or a whole tree, from `source` to `destination`; its failures speak of
-/// `shownDestination` in place of the latter.
+/// One copy of a file or folder. The descriptions of failures name `shownDestination` instead of
+/// `destination`.
 class Copy {
 public:
     Copy(fs::path source, fs::path destination, fs::path shownDestination,
@@ -118,7 +98,8 @@ private:
         const fs::path shown = source == _source
                                    ? _shownDestination
                                    : _shownDestination / source.lexically_relative(_source);
-        return failureOf(errorNumber, quoted(source) + " could not be copied to " + quoted(shown));
+        return FileFailure::of(errorNumber,
+                               quoted(source) + " could not be copied to " + quoted(shown));
     }
 
     int copyFile(const fs::path& source, const fs::path& destination) {
@@ -137,25 +118,25 @@ private:
         if (failure == 0 && ::fchmod(to.get(), information.st_mode & permissionsOfFile) != 0) {
             failure = errno;
         }
-        // A network file system may tell only now that there was no room.
+        // A network file system may report a full disk only on close.
         const int lateFailure = to.close();
         return failure != 0 ? failure : lateFailure;
     }
 
     int copyBytes(const FileDescriptor& from, const FileDescriptor& to) {
-        constexpr std::size_t pieceSize = 1U << 18U;
-        _piece.resize(pieceSize);
+        constexpr std::size_t bufferSize = 1U << 18U;
+        _buffer.resize(bufferSize);
         while (!_isCancelled) {
-            const ssize_t count = ::read(from.get(), _piece.data(), _piece.size());
+            const ssize_t count = ::read(from.get(), _buffer.data(), _buffer.size());
             if (count == 0) {
                 return 0;
             }
             if (count < 0 && errno != EINTR) {
                 return errno;
             }
-            const std::string_view bytes(_piece.data(),
+            const std::string_view bytes(_buffer.data(),
                                          static_cast<std::size_t>(count < 0 ? 0 : count));
-            if (const int failure = writeAll(to, bytes); failure != 0) {
+            if (const int failure = writeAll(to.get(), bytes, WhenFull::fail); failure != 0) {
                 return failure;
             }
         }
@@ -184,8 +165,8 @@ private:
                 return inside;
             }
         }
-        // At the end: a folder that may not be written to could not have been filled. Nor could it
-        // be moved, so the outermost one comes later still.
+        // A read-only folder cannot be filled, so this comes last. It cannot be moved either, so
+        // the outermost folder gets its permissions after it was published.
         if (!failure && source != _source &&
             ::chmod(destination.c_str(), mode & permissionsOfFolder) != 0) {
             return failed(errno, source);
@@ -195,48 +176,11 @@ private:
 
     const fs::path _source, _destination, _shownDestination;
     const std::atomic<bool>& _isCancelled;
-    std::vector<char> _piece;
+    std::vector<char> _buffer;
 };
 
-/// Removes what a copy has left, folders that may not be written to included.
-void removeTree(const fs::path& path) {
-    std::error_code ignored;
-    if (fs::is_directory(fs::symlink_status(path, ignored))) {
-        ::chmod(path.c_str(), onlyForTheOwner);
-        std::vector<fs::path> inside;
-        for (fs::directory_iterator entry(path, ignored), end; !ignored && entry != end;
-             entry.increment(ignored)) {
-            inside.push_back(entry->path());
-        }
-        for (const fs::path& item : inside) {
-            removeTree(item);
-        }
-    }
-    fs::remove(path, ignored);
-}
-
-/// Moves a finished copy to where it belongs, in one step, so that nobody meets half of it. Answers
-/// 0 or the errno of the failure, EEXIST when something has come to be there meanwhile.
-int moveIntoPlace(const fs::path& made, const fs::path& destination) {
-    std::error_code ignored;
-    if (!fs::is_directory(fs::symlink_status(made, ignored))) {
-        if (::linkat(AT_FDCWD, made.c_str(), AT_FDCWD, destination.c_str(), 0) == 0) {
-            return 0;
-        }
-        // Some file systems have no links.
-        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) {
-            return errno;
-        }
-        if (fs::exists(fs::symlink_status(destination, ignored))) {
-            return EEXIST;
-        }
-    }
-    // A folder replaces at most an empty one.
-    return ::rename(made.c_str(), destination.c_str()) == 0 ? 0 : errno;
-}
-
-/// Gives the copy of a folder the folder's permissions. Answers 0 or the errno of the failure.
-int takeOverPermissions(const fs::path& source, const fs::path& destination) {
+/// Gives the copy of a folder the permissions of the folder. Returns 0 or an error number.
+int copyFolderPermissions(const fs::path& source, const fs::path& destination) {
     struct stat information {};
     if (::lstat(source.c_str(), &information) != 0) {
         return errno;
@@ -247,7 +191,7 @@ int takeOverPermissions(const fs::path& source, const fs::path& destination) {
     return isDone ? 0 : errno;
 }
 
-/// Makes the folder; one that is there is no failure. Answers 0 or the errno of the failure.
+/// Creates the folder unless it exists. Returns 0 or an error number.
 int makeFolder(const fs::path& folder) {
     if (::mkdir(folder.c_str(), permissionsOfNewFolder) == 0) {
         return 0;
@@ -257,7 +201,7 @@ int makeFolder(const fs::path& folder) {
     return failure == EEXIST && fs::is_directory(folder, ignored) ? 0 : failure;
 }
 
-/// The same with those on the way to it.
+/// Creates the folder and its parents unless they exist. Returns 0 or an error number.
 int makeFolders(const fs::path& folder) {
     const int failure = makeFolder(folder);
     const fs::path parent = folder.parent_path();
@@ -282,28 +226,26 @@ std::optional<FileFailure> FileManager::copyItem(std::string_view source,
     const std::string what = quoted(from) + " could not be copied to " + quoted(to);
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(to, ignored))) {
-        return failureOf(EEXIST, what);
+        return FileFailure::of(EEXIST, what);
     }
-    if (fs::is_directory(fs::symlink_status(from, ignored)) && liesWithin(to, from)) {
+    if (fs::is_directory(fs::symlink_status(from, ignored)) && resolvesInto(to, from)) {
         return FileFailure{EINVAL, what + ": a folder cannot be copied into itself."};
     }
     if (_isCancelled) {
-        return failureOf(ECANCELED, what);
+        return FileFailure::of(ECANCELED, what);
     }
-    // In a folder of its own beside the destination, so on the same file system.
-    std::string workshop = (to.parent_path() / ".copy-XXXXXX").string();
-    if (::mkdtemp(workshop.data()) == nullptr) {
-        return failureOf(errno, what);
+    NewFile target(to, "copy");
+    if (const auto failure = target.prepare()) {
+        return FileFailure::of(failure->errorNumber, what);
     }
-    const fs::path made = fs::path(workshop) / "copy";
-    auto failure = Copy(from, made, to, _isCancelled).make();
-    if (!failure) {
-        const int moveFailure = moveIntoPlace(made, to);
-        const int lastFailure = moveFailure != 0 ? moveFailure : takeOverPermissions(from, to);
-        failure = lastFailure != 0 ? std::optional(failureOf(lastFailure, what)) : std::nullopt;
+    if (auto failure = Copy(from, target.draft(), to, _isCancelled).make()) {
+        return failure;
     }
-    removeTree(workshop);
-    return failure;
+    if (const auto failure = target.publish()) {
+        return FileFailure::of(failure->errorNumber, what);
+    }
+    const int failure = copyFolderPermissions(from, to);
+    return failure != 0 ? std::optional(FileFailure::of(failure, what)) : std::nullopt;
 }
 
 std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
@@ -315,7 +257,7 @@ std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
     if (failure == 0) {
         return std::nullopt;
     }
-    return failureOf(failure, "The folder " + quoted(folder) + " could not be made");
+    return FileFailure::of(failure, "The folder " + quoted(folder) + " could not be made");
 }
 
 std::optional<FileFailure> FileManager::writeText(std::string_view path, std::string_view text) {
@@ -323,16 +265,16 @@ std::optional<FileFailure> FileManager::writeText(std::string_view path, std::st
         return failure;
     }
     const fs::path file(path);
-    // A pipe that nobody reads would hold us up for ever.
+    // Without O_NONBLOCK, opening a named pipe without a reader would block.
     FileDescriptor descriptor(::open(
         file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, permissionsOfNewText));
-    int failure = descriptor.isOpen() ? writeAll(descriptor, text) : errno;
+    int failure = descriptor.isOpen() ? writeAll(descriptor.get(), text, WhenFull::fail) : errno;
     const int lateFailure = descriptor.close();
     failure = failure != 0 ? failure : lateFailure;
     if (failure == 0) {
         return std::nullopt;
     }
-    return failureOf(failure, "The file " + quoted(file) + " could not be written");
+    return FileFailure::of(failure, "The file " + quoted(file) + " could not be written");
 }
 
 }  // namespace neb

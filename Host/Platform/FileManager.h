@@ -1,13 +1,13 @@
-// FileManager.h - copies files and folders, makes folders, writes texts.
+// FileManager.h - copies files and folders, creates folders, writes text files.
 //
 //     FileManager manager;
 //     if (const auto failure = manager.copyItem("/w/src", "/w/src2")) {
 //         failure->description;   // "\"/w/src\" could not be copied to \"/w/src2\": File exists."
 //     }
 //
-// Paths are taken as they are ("~" is a name like any other), relative ones as seen from the
-// process's working directory; whoever means another folder puts it in front. A failure is
-// answered, nothing is thrown for it.
+// Paths are used as they are: "~" is an ordinary name, and a relative path starts at the working
+// directory of the process. Symbolic links in the folders of a path are followed. The functions
+// return a failure, or nothing on success, and throw only std::bad_alloc.
 #pragma once
 
 #include <atomic>
@@ -16,34 +16,33 @@
 #include <string_view>
 
 #include "Platform/Export.h"
+#include "Platform/FileFailure.h"
 
 namespace neb {
 
-struct FileFailure {
-    /// The system's own number, from <errno.h>.
-    int errorNumber;
-    /// One sentence: the path or paths concerned and the system's cause.
-    std::string description;
-};
-
-/// The work is done on the calling thread; cancel() may be called from any.
+/// Does its work on the calling thread. One thread may use an object at a time, except that any
+/// thread may call cancel().
 class NEB_EXPORT FileManager {
 public:
-    /// Copies a file, a symbolic link (as a link) or a folder with all that is in it, permissions
-    /// included (not its dates), to a path at which nothing is yet, in a folder that is there.
-    /// Nothing is ever overwritten. The copy appears at its place once it is whole; when it fails,
-    /// what had been copied until then is removed again.
+    /// Copies a file, a symbolic link (as a link) or a folder with its contents. Permissions are
+    /// copied, dates are not. `destination` must not exist, its folder must. The copy appears there
+    /// when it is complete; on failure nothing remains of it.
+    ///
+    /// Error numbers: EEXIST if `destination` exists, EINVAL for a folder that would be copied into
+    /// itself and for a path with a NUL character, ECANCELED after cancel(), ENOTSUP for a device,
+    /// socket or named pipe; otherwise the system's.
     [[nodiscard]] std::optional<FileFailure> copyItem(std::string_view source,
                                                       std::string_view destination);
 
-    /// Makes the folder and those on the way to it. One that is there already is no failure.
+    /// Creates the folder and its missing parents. A folder that exists is a success.
     [[nodiscard]] std::optional<FileFailure> createDirectory(std::string_view path);
 
-    /// Writes the text into the file, which is made, or replaced in place, bytes as they are.
+    /// Writes the bytes of the text to the file, which is created if it does not exist. Otherwise
+    /// its contents are replaced in place. Fails instead of blocking when the file is a named pipe.
     [[nodiscard]] std::optional<FileFailure> writeText(std::string_view path,
                                                        std::string_view text);
 
-    /// Lets a copy that runs, or comes later, fail with ECANCELED soon.
+    /// Makes the current copyItem() and all later ones fail with ECANCELED. Thread-safe.
     void cancel() { _isCancelled = true; }
 
 private:

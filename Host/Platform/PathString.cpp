@@ -6,38 +6,26 @@
 #include <cstdlib>
 #include <vector>
 
+#include "Platform/Text.h"
+
 namespace neb {
 
 namespace {
 
-/// The scheme is compared without case, as the standard of URLs has it.
-bool hasFileScheme(std::string_view url) {
-    constexpr std::string_view scheme = "file:";
-    if (url.size() < scheme.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < scheme.size(); ++i) {
-        const char lower =
-            url[i] >= 'A' && url[i] <= 'Z' ? static_cast<char>(url[i] + ('a' - 'A')) : url[i];
-        if (lower != scheme[i]) {
-            return false;
-        }
-    }
-    return true;
-}
+constexpr std::string_view fileScheme = "file:";
 
 std::optional<unsigned> hexDigit(char digit) {
     if (digit >= '0' && digit <= '9') {
         return digit - '0';
     }
-    const char lower = static_cast<char>(digit | 0x20);
+    const char lower = lowercaseASCII(digit);
     if (lower >= 'a' && lower <= 'f') {
         return lower - 'a' + 10;
     }
     return std::nullopt;
 }
 
-/// Decodes %XX; a "%" without two hexadecimal digits behind it stands for itself.
+/// Decodes %XX. A "%" without two hexadecimal digits after it is kept.
 std::string decodedEscapes(std::string_view text) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -55,7 +43,7 @@ std::string decodedEscapes(std::string_view text) {
     return decoded;
 }
 
-void dropEndSlashes(std::string_view& path) {
+void removeTrailingSlashes(std::string_view& path) {
     while (path.size() > 1 && path.back() == '/') {
         path.remove_suffix(1);
     }
@@ -97,7 +85,7 @@ std::string pathByAppendingComponent(std::string_view base, std::string_view com
 }
 
 std::string_view lastPathComponentIn(std::string_view path) {
-    dropEndSlashes(path);
+    removeTrailingSlashes(path);
     const std::size_t slash = path.rfind('/');
     return slash == std::string_view::npos || path.size() == 1 ? path : path.substr(slash + 1);
 }
@@ -107,14 +95,19 @@ std::string lastPathComponent(std::string_view path) {
 }
 
 std::string pathByDeletingLastComponent(std::string_view path) {
-    dropEndSlashes(path);
+    removeTrailingSlashes(path);
     const std::size_t slash = path.rfind('/');
     if (slash == std::string_view::npos) {
         return {};
     }
     std::string_view folder = path.substr(0, slash + 1);
-    dropEndSlashes(folder);
+    removeTrailingSlashes(folder);
     return std::string(folder);
+}
+
+bool liesWithin(std::string_view path, std::string_view folder) {
+    return path == folder || folder == "/" ||
+           (path.starts_with(folder) && path[folder.size()] == '/');
 }
 
 std::string pathByExpandingTilde(std::string_view path) {
@@ -128,10 +121,10 @@ std::string pathByExpandingTilde(std::string_view path) {
 }
 
 std::optional<std::string> pathOfFileURL(std::string_view url) {
-    if (!hasFileScheme(url)) {
+    if (!equalIgnoringASCIICase(url.substr(0, fileScheme.size()), fileScheme)) {
         return std::nullopt;
     }
-    std::string_view rest = url.substr(std::string_view("file:").size());
+    std::string_view rest = url.substr(fileScheme.size());
     if (rest.substr(0, 2) == "//") {
         const std::size_t slash = rest.find('/', 2);
         rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash);
@@ -140,7 +133,7 @@ std::optional<std::string> pathOfFileURL(std::string_view url) {
     if (rest.empty() || rest.front() != '/') {
         return std::nullopt;
     }
-    dropEndSlashes(rest);
+    removeTrailingSlashes(rest);
     std::string path = decodedEscapes(rest);
     if (path.find('\0') != std::string::npos) {
         return std::nullopt;

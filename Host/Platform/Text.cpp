@@ -10,8 +10,8 @@ namespace neb {
 
 namespace {
 
-/// One row of the table of well-formed UTF-8 byte sequences in the Unicode standard (table 3-7):
-/// the first byte's range, the length, and the second byte's range. Further bytes are 80..BF.
+/// A row of table 3-7 of the Unicode standard, the well-formed UTF-8 byte sequences: the range of
+/// the first byte, the length, and the range of the second byte. Further bytes are 80..BF.
 struct SequenceForm {
     unsigned char firstLow, firstHigh;
     std::size_t length;
@@ -26,16 +26,16 @@ constexpr SequenceForm sequenceForms[] = {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
-/// How many bytes from `position` on are plain ASCII.
+/// Returns the number of ASCII bytes from `position` on.
 std::size_t asciiRun(std::string_view bytes, std::size_t position) {
     std::size_t end = position;
-    std::array<std::uint64_t, 4> words{};
-    while (end + sizeof words <= bytes.size()) {
-        std::memcpy(words.data(), bytes.data() + end, sizeof words);
-        if (((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080ULL) != 0) {
+    std::array<std::uint64_t, 4> blocks{};
+    while (end + sizeof blocks <= bytes.size()) {
+        std::memcpy(blocks.data(), bytes.data() + end, sizeof blocks);
+        if (((blocks[0] | blocks[1] | blocks[2] | blocks[3]) & 0x8080808080808080ULL) != 0) {
             break;
         }
-        end += sizeof words;
+        end += sizeof blocks;
     }
     while (end < bytes.size() && static_cast<unsigned char>(bytes[end]) < 0x80) {
         ++end;
@@ -44,11 +44,11 @@ std::size_t asciiRun(std::string_view bytes, std::size_t position) {
 }
 
 struct Sequence {
-    std::size_t length;  // of the character, or of the piece that one U+FFFD stands for
+    std::size_t length;  // of the character, or of the bytes that one U+FFFD replaces
     bool isValid;
 };
 
-/// Reads the sequence whose first byte, no ASCII, is at `position`.
+/// Reads the sequence at `position`, whose first byte is not ASCII.
 Sequence sequenceAt(std::string_view bytes, std::size_t position) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned char first = byteAt(position);
@@ -70,7 +70,7 @@ Sequence sequenceAt(std::string_view bytes, std::size_t position) {
     return {1, false};
 }
 
-/// Where the first piece that is no UTF-8 begins; the size when there is none.
+/// Returns the position of the first invalid sequence, or the size if there is none.
 std::size_t firstInvalid(std::string_view bytes) {
     std::size_t position = asciiRun(bytes, 0);
     while (position < bytes.size()) {
@@ -84,7 +84,7 @@ std::size_t firstInvalid(std::string_view bytes) {
     return position;
 }
 
-/// The space separators beyond the blank, those of Unicode's class Zs.
+/// The space separators (class Zs) of Unicode other than the ASCII space.
 constexpr std::string_view spaces[] = {
     "\xC2\xA0",                                                      // U+00A0 no-break space
     "\xE1\x9A\x80",                                                  // U+1680
@@ -100,7 +100,7 @@ constexpr std::string_view lineEnds[] = {
     "\n", "\r", "\v", "\f", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9",
 };
 
-bool dropLineEndInFront(std::string_view& text) {
+bool removeLineEndAtStart(std::string_view& text) {
     for (const std::string_view lineEnd : lineEnds) {
         if (text.starts_with(lineEnd)) {
             text.remove_prefix(lineEnd.size());
@@ -110,7 +110,7 @@ bool dropLineEndInFront(std::string_view& text) {
     return false;
 }
 
-bool dropLineEndBehind(std::string_view& text) {
+bool removeLineEndAtEnd(std::string_view& text) {
     for (const std::string_view lineEnd : lineEnds) {
         if (text.ends_with(lineEnd)) {
             text.remove_suffix(lineEnd.size());
@@ -162,11 +162,31 @@ std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position) {
 }
 
 std::string_view textByTrimmingLineEnds(std::string_view text) {
-    while (dropLineEndInFront(text)) {
+    while (removeLineEndAtStart(text)) {
     }
-    while (dropLineEndBehind(text)) {
+    while (removeLineEndAtEnd(text)) {
     }
     return text;
+}
+
+std::string_view trimmed(std::string_view text, std::string_view characters) {
+    const std::size_t first = text.find_first_not_of(characters);
+    return first == std::string_view::npos
+               ? std::string_view()
+               : text.substr(first, text.find_last_not_of(characters) + 1 - first);
+}
+
+std::string lowercaseASCII(std::string_view text) {
+    std::string lowercase(text);
+    for (char& character : lowercase) {
+        character = lowercaseASCII(character);
+    }
+    return lowercase;
+}
+
+bool equalIgnoringASCIICase(std::string_view left, std::string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return lowercaseASCII(a) == lowercaseASCII(b); });
 }
 
 }  // namespace neb

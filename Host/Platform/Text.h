@@ -1,4 +1,6 @@
-// Text.h - UTF-8, white space, lines.
+// Text.h - UTF-8, white space, letters and lines.
+//
+// All functions are thread-safe, never read outside the given text, and throw only std::bad_alloc.
 #pragma once
 
 #include <algorithm>
@@ -6,34 +8,58 @@
 #include <string>
 #include <string_view>
 
-#include "Platform/Data.h"
 #include "Platform/Export.h"
 
 namespace neb {
 
-/// Whether the bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing above
-/// U+10FFFF). No bytes at all are.
+// ---- UTF-8 ------------------------------------------------------------------------------------
+
+/// Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing above
+/// U+10FFFF. True for no bytes.
 [[nodiscard]] NEB_EXPORT bool isUTF8(std::string_view bytes);
 
-/// The bytes as UTF-8, with one U+FFFD in place of each longest piece that is no UTF-8 but could
-/// have begun one, the way of the Unicode standard and of the web's decoders.
+/// Returns the bytes as UTF-8. Each longest invalid sequence that could have begun a character is
+/// replaced by one U+FFFD, as the Unicode standard recommends and web browsers do.
 [[nodiscard]] NEB_EXPORT std::string textReplacingInvalidBytes(std::string_view bytes);
 
-/// How many bytes the well-formed UTF-8 character at `position` has; 0 where the bytes are none.
+/// Returns the number of bytes of the character at `position`, 0 if the bytes there are not UTF-8.
+/// `position` must be less than the size of the text.
 [[nodiscard]] NEB_EXPORT std::size_t lengthOfCharacterAt(std::string_view text,
                                                          std::size_t position);
 
-/// How many bytes the white-space character at `position` has, 0 when there is none: blank, TAB and
-/// Unicode's other space separators, no line ends.
+// ---- white space ------------------------------------------------------------------------------
+
+/// Returns the number of bytes of the white space character at `position`, 0 if there is none.
+/// White space is space, TAB and the other space separators of Unicode (class Zs), but not line
+/// ends.
 [[nodiscard]] NEB_EXPORT std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position);
 
-/// The text without the line ends at both its ends: LF, CR, vertical tab, form feed, U+0085, U+2028
-/// and U+2029.
+/// Returns the text without the line ends at its start and end: LF, CR, vertical tab, form feed,
+/// U+0085, U+2028 and U+2029.
 [[nodiscard]] NEB_EXPORT std::string_view textByTrimmingLineEnds(std::string_view text);
 
-/// Calls `visit` with each piece of the text between separators, in order: one piece more than
-/// there are separators, so a text without any is one piece, and one that ends with a separator has
-/// an empty last one.
+/// Returns the text without the given characters at its start and end.
+[[nodiscard]] NEB_EXPORT std::string_view trimmed(std::string_view text,
+                                                  std::string_view characters = " \t\r\n");
+
+// ---- ASCII letters ----------------------------------------------------------------------------
+
+/// Returns a to z for A to Z, every other character unchanged. Independent of the locale.
+[[nodiscard]] constexpr char lowercaseASCII(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+}
+
+/// Returns the text with lowercaseASCII() applied to each byte. UTF-8 stays UTF-8.
+[[nodiscard]] NEB_EXPORT std::string lowercaseASCII(std::string_view text);
+
+/// Whether the texts are equal except for the case of ASCII letters.
+[[nodiscard]] NEB_EXPORT bool equalIgnoringASCIICase(std::string_view left, std::string_view right);
+
+// ---- separators and lines ---------------------------------------------------------------------
+
+/// Calls `visit` with each substring between separators, in order. A text without a separator is
+/// one substring; a text that ends with a separator has an empty last one.
 template <typename Visit>
 void forEachPiece(std::string_view text, char separator, Visit visit) {
     std::size_t end = 0;
@@ -44,9 +70,21 @@ void forEachPiece(std::string_view text, char separator, Visit visit) {
     visit(text);
 }
 
-/// How many pieces those are.
+/// Returns the number of substrings that forEachPiece() visits.
 [[nodiscard]] inline std::size_t pieceCount(std::string_view text, char separator) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1;
+}
+
+/// Calls `visit` with each line, in order, without its LF. The last line may lack the LF. An empty
+/// text has no lines.
+template <typename Visit>
+void forEachLine(std::string_view text, Visit visit) {
+    if (text.ends_with('\n')) {
+        text.remove_suffix(1);
+    } else if (text.empty()) {
+        return;
+    }
+    forEachPiece(text, '\n', visit);
 }
 
 }  // namespace neb

@@ -67,7 +67,7 @@ public:
             const std::string name = entry.path().filename().string();
             const bool isTemporary =
                 entry.path().parent_path() == _world.path("tmp") && entry.path() != destination;
-            if (name.ends_with(".lock") || name.starts_with(".copy-") || isTemporary) {
+            if (name.ends_with(".lock") || name.starts_with(".draft-") || isTemporary) {
                 names.push_back(entry.path().string());
             }
         }

@@ -48,6 +48,15 @@ TEST(PathString, WithoutTheLastComponentIsTheFolder) {
     EXPECT_EQ(pathByDeletingLastComponent(""), "");
 }
 
+TEST(PathString, APathLiesWithinItselfAndItsParents) {
+    EXPECT_TRUE(liesWithin("/a/b", "/a"));
+    EXPECT_TRUE(liesWithin("/a", "/a"));
+    EXPECT_TRUE(liesWithin("/a", "/"));
+    EXPECT_FALSE(liesWithin("/ab", "/a"));
+    EXPECT_FALSE(liesWithin("/a", "/a/b"));
+    EXPECT_FALSE(liesWithin("/c/a", "/a"));
+}
+
 TEST(PathString, OnlyTheUsersOwnTildeIsExpanded) {
     const std::string home = std::getenv("HOME");
     EXPECT_EQ(pathByExpandingTilde("~"), home);

@@ -74,5 +74,37 @@ TEST(Text, PiecesAreOneMoreThanTheSeparatorsBetweenThem) {
     EXPECT_EQ(piecesOf(""), (Pieces{""}));
 }
 
+TEST(Text, LinesEndWithALineFeedExceptPerhapsTheLast) {
+    const auto linesOf = [](std::string_view text) {
+        std::vector<std::string_view> lines;
+        forEachLine(text, [&lines](std::string_view line) { lines.push_back(line); });
+        return lines;
+    };
+    using Lines = std::vector<std::string_view>;
+    EXPECT_EQ(linesOf("a\nb"), (Lines{"a", "b"}));
+    EXPECT_EQ(linesOf("a\nb\n"), (Lines{"a", "b"}));
+    EXPECT_EQ(linesOf("a\n\n"), (Lines{"a", ""}));
+    EXPECT_EQ(linesOf("\n"), (Lines{""}));
+    EXPECT_EQ(linesOf(""), Lines());
+}
+
+TEST(Text, TrimmingRemovesTheGivenCharactersAtBothEnds) {
+    EXPECT_EQ(trimmed(" \t\r\na b\n"), "a b");
+    EXPECT_EQ(trimmed("[a] ", "[] "), "a");
+    EXPECT_EQ(trimmed("\ra\n", " \t"), "\ra\n");
+    EXPECT_EQ(trimmed(" \n "), "");
+    EXPECT_EQ(trimmed(""), "");
+}
+
+TEST(Text, OnlyASCIILettersHaveACase) {
+    EXPECT_EQ(lowercaseASCII("AZaz09@[`{"), "azaz09@[`{");
+    EXPECT_EQ(lowercaseASCII("\xC3\x84"), "\xC3\x84");
+    EXPECT_TRUE(equalIgnoringASCIICase("Fatal: X", "fatal: x"));
+    EXPECT_FALSE(equalIgnoringASCIICase("\xC3\x84", "\xC3\xA4"));
+    EXPECT_FALSE(equalIgnoringASCIICase("a", "ab"));
+    EXPECT_FALSE(equalIgnoringASCIICase("@", "`"));
+    EXPECT_TRUE(equalIgnoringASCIICase("", ""));
+}
+
 }  // namespace
 }  // namespace neb

@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
-#include "Session/NewFile.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -128,20 +127,6 @@ TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
     EXPECT_EQ(folder.read("y"), "new\n");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
-}
-
-TEST_F(ExportCommands, WhatAppearsMeanwhileIsNotOverwritten) {
-    const std::string path = folder.path("late");
-    nebsc::NewFile file(path, "draft");
-    ASSERT_FALSE(file.prepare());
-    EXPECT_EQ(fs::path(file.draft()).parent_path().parent_path(), folder.path());
-    folder.write(fs::path(file.draft()).lexically_relative(folder.path()).string(), "ours");
-    folder.write("late", "theirs");
-    const auto failure = file.publish();
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->errorNumber, EEXIST);
-    EXPECT_EQ(failure->description, "\"" + path + "\" could not be written: File exists.");
-    EXPECT_EQ(folder.read("late"), "theirs");
 }
 
 TEST_F(ExportCommands, AGitThatStopsHalfWayLeavesNothing) {

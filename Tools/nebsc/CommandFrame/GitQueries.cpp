@@ -1,8 +1,7 @@
 #include "CommandFrame/GitQueries.h"
 
-#include <algorithm>
-
 #include "Platform/Scanner.h"
+#include "Platform/Text.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
@@ -25,11 +24,7 @@ std::optional<std::string> GitQueries::outputOf(std::vector<std::string> argumen
 std::vector<std::string> GitQueries::linesOf(std::vector<std::string> arguments) const {
     const std::string output(run(std::move(arguments)).output);
     std::vector<std::string> lines;
-    for (std::size_t start = 0; start < output.size();) {
-        const std::size_t end = std::min(output.find('\n', start), output.size());
-        lines.push_back(output.substr(start, end - start));
-        start = end + 1;
-    }
+    forEachLine(output, [&lines](std::string_view line) { lines.emplace_back(line); });
     return lines;
 }
 

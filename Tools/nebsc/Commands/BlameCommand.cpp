@@ -10,6 +10,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
 #include "Platform/Text.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/Presentation.h"

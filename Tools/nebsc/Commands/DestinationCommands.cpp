@@ -6,6 +6,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

@@ -9,9 +9,9 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/NewFile.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
-#include "Session/NewFile.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {

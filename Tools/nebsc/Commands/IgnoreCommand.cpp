@@ -13,8 +13,8 @@
 #include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
 #include "Platform/PathString.h"
+#include "Platform/Text.h"
 #include "Session/GitProgram.h"
-#include "Terminal/Output.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -144,12 +144,9 @@ void IgnoreTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
         return;
     }
     output.standardOutput = "Added to the list \"" + shown(".gitignore") + "\":\n";
-    std::size_t start = 0;
-    while (start < _lines.size()) {
-        const std::size_t end = _lines.find('\n', start);
-        output.standardOutput += "    " + printable(_lines.substr(start, end - start)) + "\n";
-        start = end + 1;
-    }
+    forEachLine(_lines, [&output](std::string_view line) {
+        output.standardOutput += "    " + printable(line) + "\n";
+    });
 }
 
 constexpr Parameter parameters[] = {

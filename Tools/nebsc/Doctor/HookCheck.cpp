@@ -9,12 +9,15 @@
 #include "Doctor/ProgramSearch.h"
 #include "Platform/FileDescriptor.h"
 #include "Platform/PathString.h"
+#include "Platform/Text.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
 
 namespace {
+
+constexpr std::string_view blanks = " \t";
 
 /// Those of githooks(5), in its order.
 constexpr std::string_view hookNames[] = {
@@ -57,13 +60,6 @@ std::string firstLineOf(const std::string& path) {
     return std::string(start.substr(0, start.find('\n')));
 }
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(" \t");
-    return begin == std::string_view::npos
-               ? std::string_view()
-               : text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
-}
-
 /// What env(1) runs: all of the argument, or with -S its first word that sets no variable. Empty
 /// where that cannot be told.
 std::string_view programOfEnv(std::string_view argument) {
@@ -71,12 +67,12 @@ std::string_view programOfEnv(std::string_view argument) {
     if (!argument.starts_with(split)) {
         return argument.starts_with('-') ? std::string_view() : argument;
     }
-    for (argument = trimmed(argument.substr(split.size())); !argument.empty();) {
+    for (argument = trimmed(argument.substr(split.size()), blanks); !argument.empty();) {
         const std::string_view word = argument.substr(0, argument.find_first_of(" \t"));
         if (word.find('=') == std::string_view::npos) {
             return word.starts_with('-') ? std::string_view() : word;
         }
-        argument = trimmed(argument.substr(word.size()));
+        argument = trimmed(argument.substr(word.size()), blanks);
     }
     return {};
 }
@@ -84,7 +80,7 @@ std::string_view programOfEnv(std::string_view argument) {
 /// The program that a "#!" line needs and that does not exist; empty where all is well. The kernel
 /// hands everything behind the interpreter over as one argument.
 std::string missingProgramOf(const Examination& examination, std::string_view line) {
-    const std::string_view call = trimmed(line.substr(2));
+    const std::string_view call = trimmed(line.substr(2), blanks);
     std::string interpreter(call.substr(0, call.find_first_of(" \t")));
     if (!isProgram(interpreter)) {
         return interpreter;
@@ -92,7 +88,7 @@ std::string missingProgramOf(const Examination& examination, std::string_view li
     if (lastPathComponent(interpreter) != "env") {
         return "";
     }
-    const std::string program(programOfEnv(trimmed(call.substr(interpreter.size()))));
+    const std::string program(programOfEnv(trimmed(call.substr(interpreter.size()), blanks)));
     return program.empty() || examination.isReachable(program) ? "" : program;
 }
 

@@ -9,6 +9,7 @@
 #include <set>
 #include <system_error>
 
+#include "Platform/PathString.h"
 #include "Session/Paths.h"
 
 namespace neb::nebsc {

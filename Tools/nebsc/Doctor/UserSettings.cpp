@@ -1,25 +1,17 @@
 #include "Doctor/UserSettings.h"
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
 
+#include "Platform/Text.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
 
 namespace {
 
-std::string lowercase(std::string_view text) {
-    std::string small(text);
-    std::transform(small.begin(), small.end(), small.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return small;
-}
-
 std::optional<bool> truthOf(std::string_view text) {
-    const std::string word = lowercase(text);
+    const std::string word = lowercaseASCII(text);
     for (const std::string_view yes : {"true", "yes", "on", "1"}) {
         if (word == yes) {
             return true;
@@ -49,7 +41,7 @@ UserSettings::UserSettings(std::string_view list) {
 }
 
 const Setting* UserSettings::last(std::string_view key) const {
-    const std::string listed = lowercase(key);
+    const std::string listed = lowercaseASCII(key);
     const auto setting =
         std::find_if(_settings.rbegin(), _settings.rend(),
                      [&listed](const Setting& candidate) { return candidate.key == listed; });

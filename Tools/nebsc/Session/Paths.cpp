@@ -47,11 +47,6 @@ PathSearch findAbsolutePath(const std::string& currentFolder, const std::string&
     return {absolute.string(), {}};
 }
 
-bool liesWithin(const std::string& path, const std::string& folder) {
-    return path == folder || folder == "/" ||
-           (path.starts_with(folder) && path[folder.size()] == '/');
-}
-
 bool isAnythingAt(const std::string& path) {
     std::error_code ignored;
     return fs::exists(fs::symlink_status(path, ignored));

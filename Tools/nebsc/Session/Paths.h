@@ -21,9 +21,6 @@ struct PathSearch {
 [[nodiscard]] PathSearch findAbsolutePath(const std::string& currentFolder,
                                           const std::string& path);
 
-/// Returns whether the path is the folder or lies in it. Both are absolute.
-[[nodiscard]] bool liesWithin(const std::string& path, const std::string& folder);
-
 /// Returns whether anything is at the path, including a symbolic link that leads nowhere.
 [[nodiscard]] bool isAnythingAt(const std::string& path);
 

@@ -7,7 +7,7 @@
 #include <map>
 #include <memory>
 
-#include "Terminal/Output.h"
+#include "Platform/FileDescriptor.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {

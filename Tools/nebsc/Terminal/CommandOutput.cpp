@@ -8,7 +8,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Platform/ErrnoText.h"
-#include "Terminal/Output.h"
+#include "Platform/FileDescriptor.h"
 #include "Terminal/Pager.h"
 #include "Terminal/Presentation.h"
 

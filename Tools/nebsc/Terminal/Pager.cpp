@@ -14,7 +14,6 @@
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildSpawn.h"
 #include "Platform/FileDescriptor.h"
-#include "Terminal/Output.h"
 #include "Terminal/Tabs.h"
 #include "Terminal/TextWidth.h"
 

@@ -68,33 +68,20 @@ constexpr std::array<ColourSequence, 6> colourSequences{{
     {Colour::cyan, "\x1b[36m"},
 }};
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
-}
-
 /// What a TAB that begins a line is shown as: git indents the commands that it suggests with one.
 constexpr std::size_t tabWidth = 4;
 
 /// The lines of the text, its last line end left out; none for a text of blanks.
 std::vector<std::string> printableLines(std::string_view text) {
     std::vector<std::string> lines;
-    std::string_view rest = trimmed(text);
-    while (!rest.empty()) {
-        const std::size_t end = rest.find('\n');
-        std::string_view line = rest.substr(0, end);
+    forEachLine(trimmed(text), [&lines](std::string_view line) {
         if (line.ends_with('\r')) {
             line.remove_suffix(1);
         }
         line.remove_prefix(line.rfind('\r') + 1);  // progress that was written over
         const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
         lines.push_back(std::string(tabs * tabWidth, ' ') + printable(line.substr(tabs)));
-        rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
-    }
+    });
     return lines;
 }
 

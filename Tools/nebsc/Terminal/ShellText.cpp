@@ -1,9 +1,9 @@
 #include "Terminal/ShellText.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
+#include "Platform/Text.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -53,18 +53,15 @@ std::string asFormat(std::string_view text) {
     return format;
 }
 
-bool endsWithoutCase(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() &&
-           std::equal(end.begin(), end.end(), text.end() - static_cast<std::ptrdiff_t>(end.size()),
-                      [](char wanted, char found) {
-                          return wanted == std::tolower(static_cast<unsigned char>(found));
-                      });
+bool endsWithScheme(std::string_view text, std::string_view scheme) {
+    return text.size() >= scheme.size() &&
+           equalIgnoringASCIICase(text.substr(text.size() - scheme.size()), scheme);
 }
 
 /// Whether a URL whose scheme ends the text asks for credentials by what stands before its "@".
 bool asksOverHTTP(std::string_view before) {
-    return endsWithoutCase(before, "http") || endsWithoutCase(before, "https") ||
-           endsWithoutCase(before, "ftp") || endsWithoutCase(before, "ftps");
+    return endsWithScheme(before, "http") || endsWithScheme(before, "https") ||
+           endsWithScheme(before, "ftp") || endsWithScheme(before, "ftps");
 }
 
 }  // namespace

@@ -1,37 +1,56 @@
-#include "Session/NewFile.h"
+#include "Platform/NewFile.h"
 
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <system_error>
+#include <vector>
 
-#include "Platform/ErrnoText.h"
 #include "Platform/PathString.h"
 
-namespace neb::nebsc {
+namespace neb {
+
+namespace fs = std::filesystem;
 
 namespace {
 
 FileFailure failureToWrite(const std::string& path, int errorNumber) {
-    return {errorNumber,
-            "\"" + path + "\" could not be written: " + textOfErrno(errorNumber) + "."};
+    return FileFailure::of(errorNumber, '"' + path + "\" could not be written");
+}
+
+/// Removes a file or folder, including folders without write permission.
+void removeTree(const fs::path& path) {
+    std::error_code ignored;
+    if (fs::is_directory(fs::symlink_status(path, ignored))) {
+        ::chmod(path.c_str(), S_IRWXU);
+        std::vector<fs::path> inside;
+        for (fs::directory_iterator entry(path, ignored), end; !ignored && entry != end;
+             entry.increment(ignored)) {
+            inside.push_back(entry->path());
+        }
+        for (const fs::path& item : inside) {
+            removeTree(item);
+        }
+    }
+    fs::remove(path, ignored);
 }
 
 }  // namespace
 
 NewFile::~NewFile() {
     if (!_folder.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(_folder, ignored);
+        removeTree(_folder);
     }
 }
 
 std::optional<FileFailure> NewFile::prepare() {
     std::string folder =
-        pathByAppendingComponent(pathByDeletingLastComponent(_path), ".nebsc-XXXXXX");
+        pathByAppendingComponent(pathByDeletingLastComponent(_path), ".draft-XXXXXX");
     if (::mkdtemp(folder.data()) == nullptr) {
         return failureToWrite(_path, errno);
     }
@@ -56,19 +75,18 @@ std::optional<FileFailure> NewFile::publish() {
     return publishPortably(from);
 }
 
-/// For file systems and systems without that call. A second name for a file is never put in another
-/// one's place; for a folder, and where a file cannot have two names, a look must do.
+/// Publishes without renameat2. A hard link never replaces a file. For a folder, and on a file
+/// system without hard links, this only checks first whether the path is free.
 std::optional<FileFailure> NewFile::publishPortably(const std::string& from) {
     if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, _path.c_str(), 0) == 0) {
-        return std::nullopt;  // the draft's own name goes with its folder
+        return std::nullopt;  // the destructor removes the other name
     }
     std::error_code failure;
-    if (errno == EEXIST ||
-        std::filesystem::exists(std::filesystem::symlink_status(_path, failure))) {
+    if (errno == EEXIST || fs::exists(fs::symlink_status(_path, failure))) {
         return failureToWrite(_path, EEXIST);
     }
-    std::filesystem::rename(from, _path, failure);
+    fs::rename(from, _path, failure);
     return failure ? std::optional(failureToWrite(_path, failure.value())) : std::nullopt;
 }
 
-}  // namespace neb::nebsc
+}  // namespace neb

@@ -1,16 +1,16 @@
-// The blame of a file: one record a line, and one more.
+// Parses the blame of a file: one record per line.
 
 #include "GitOperations/GitBlame.h"
 #include "NEBFoundation/NEBSourceControlText.h"
-#include "PlainReader.h"
 #include "Property.h"
+#include "ReferenceReader.h"
 
 using namespace neb::fuzz;
 
 namespace {
 
-neb::NEBDictionary plainLine(const std::string& line) {
-    PlainReader reader(line);
+neb::NEBDictionary expectedLine(const std::string& line) {
+    ReferenceReader reader(line);
     const std::string revision = twelveCharactersOf(reader.before('\t'));
     reader.pass('\t');
     reader.pass('(');
@@ -43,13 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     neb::GitBlameOperation operation(requestOf(28));
     const auto records = parsed(operation, bytes);
     if (bytes.empty()) {
-        require(!records, "no output is no result");
+        require(!records, "empty output has no result");
         return 0;
     }
     std::vector<neb::NEBDictionary> expected;
-    for (const std::string& line : piecesOf(*neb::_nebsc_stringFromData(bytes), '\n')) {
-        expected.push_back(plainLine(line));
+    for (const std::string& line : split(*neb::_nebsc_stringFromData(bytes), '\n')) {
+        expected.push_back(expectedLine(line));
     }
-    require(records == expected, "a blame is what a plain reader reads");
+    require(records == expected, "the records are those of the reference reader");
     return 0;
 }

@@ -1,4 +1,4 @@
-// The branches of the repository, and which of them is the current one.
+// Parses the branches of a repository and finds the current one.
 
 #include "GitOperations/GitBranch.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -13,21 +13,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto branches = parsed(list, bytes);
     const auto branch = parsed(current, bytes);
     if (bytes.empty()) {
-        require(!branches && !branch, "no output is no result");
+        require(!branches && !branch, "empty output has no result");
         return 0;
     }
-    const auto lines = piecesOf(*neb::_nebsc_stringFromData(bytes), '\n');
-    require(branches && branches->size() == lines.size(), "a record a line");
+    const auto lines = split(*neb::_nebsc_stringFromData(bytes), '\n');
+    require(branches && branches->size() == lines.size(), "there is one record per line");
     std::optional<std::string> marked;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::string name = trimmedOf(lines[i], "* ");
         require(*(*branches)[i].value(neb::NEBSourceControlOperationNameKey).string() == name,
-                "the name is the line without mark and blanks");
+                "the name is the line without marker and spaces");
         if (!marked && !lines[i].empty() && lines[i].front() == '*') {
             marked = name;
         }
     }
-    require(branch.has_value() == marked.has_value(), "a marked line is the current branch");
+    require(branch.has_value() == marked.has_value(),
+            "there is a current branch if a line is marked");
     require(!marked ||
                 (branch->size() == 1 &&
                  *branch->front().value(neb::NEBSourceControlOperationNameKey).string() == *marked),

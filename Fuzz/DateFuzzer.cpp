@@ -1,4 +1,4 @@
-// Dates with their offsets: the system's calendar must agree with ours.
+// Parses dates and compares them with gmtime_r of the system.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,9 @@
-// A difference: one text, or names with their states, read as a plain reader does it.
+// Parses a diff: one text, or names with their states.
 
 #include "GitOperations/GitDiff.h"
 #include "NEBFoundation/NEBSourceControlText.h"
-#include "PlainReader.h"
 #include "Property.h"
+#include "ReferenceReader.h"
 
 using namespace neb::fuzz;
 
@@ -16,14 +16,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto content = parsed(whole, bytes);
     const auto states = parsed(names, bytes);
     if (bytes.empty()) {
-        require(!content && !states, "no difference is no result");
+        require(!content && !states, "an empty diff has no result");
         return 0;
     }
     require(content && content->size() == 1 &&
                 content->front() ==
                     neb::NEBDictionary{{neb::NEBSourceControlOperationContentKey, text}},
-            "a difference is one text");
-    require(states == plainStates(piecesOf(text, '\n')),
-            "names and states are what a plain reader reads");
+            "a diff is one text");
+    require(states == expectedStates(split(text, '\n')),
+            "the records are those of the reference reader");
     return 0;
 }

@@ -1,4 +1,4 @@
-// What git says when it fails.
+// Classifies the messages of a failed git.
 
 #include <cstddef>
 #include <cstdint>

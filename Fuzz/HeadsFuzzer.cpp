@@ -1,4 +1,4 @@
-// The branches of another repository: object name TAB reference.
+// Parses the branches of a remote repository: object id TAB reference.
 
 #include "GitOperations/GitBranch.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -8,13 +8,13 @@ using namespace neb::fuzz;
 
 namespace {
 
-neb::NEBDictionary plainRecordOf(const std::string& line) {
-    const auto pieces = piecesOf(line, '\t');
+neb::NEBDictionary expectedRecordOf(const std::string& line) {
+    const auto columns = split(line, '\t');
     neb::NEBDictionary record;
-    if (!pieces.front().empty()) {
-        record.set(neb::NEBSourceControlOperationRevisionKey, twelveCharactersOf(pieces.front()));
+    if (!columns.front().empty()) {
+        record.set(neb::NEBSourceControlOperationRevisionKey, twelveCharactersOf(columns.front()));
     }
-    const std::string reference = line.substr(std::min(pieces.front().size() + 1, line.size()));
+    const std::string reference = line.substr(std::min(columns.front().size() + 1, line.size()));
     for (std::size_t i = 0; i + 11 <= reference.size(); ++i) {
         if (reference.substr(i, 11) == "refs/heads/") {
             record.set(neb::NEBSourceControlOperationNameKey, reference.substr(i + 11));
@@ -37,13 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto heads = parsed(operation, bytes);
     require(heads.has_value(), "there is always a result");
     if (bytes.empty()) {
-        require(heads->empty(), "no output is no branch");
+        require(heads->empty(), "empty output has no branches");
         return 0;
     }
-    const auto lines = piecesOf(*neb::_nebsc_stringFromData(bytes), '\n');
-    require(heads->size() == lines.size(), "a record a line");
+    const auto lines = split(*neb::_nebsc_stringFromData(bytes), '\n');
+    require(heads->size() == lines.size(), "there is one record per line");
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        require((*heads)[i] == plainRecordOf(lines[i]), "the record is what the line says");
+        require((*heads)[i] == expectedRecordOf(lines[i]), "the record has the fields of the line");
     }
     return 0;
 }

@@ -1,8 +1,8 @@
-// The entries of a folder: one record for each piece of text between NUL bytes.
+// Parses the entries of a tree: one record per entry between NUL bytes.
 
 #include "GitOperations/GitList.h"
-#include "PlainReader.h"
 #include "Property.h"
+#include "ReferenceReader.h"
 
 using namespace neb::fuzz;
 
@@ -12,16 +12,16 @@ std::string lastComponentOf(std::string path) {
     while (path.size() > 1 && path.ends_with('/')) {
         path.pop_back();
     }
-    return path.size() == 1 ? path : piecesOf(path, '/').back();
+    return path.size() == 1 ? path : split(path, '/').back();
 }
 
-neb::NEBDictionary plainEntry(const std::string& entry) {
-    PlainReader reader(entry);
+neb::NEBDictionary expectedEntry(const std::string& entry) {
+    ReferenceReader reader(entry);
     reader.number();  // the mode
     reader.passSpace();
     const std::string type = reader.beforeSpace();
     reader.passSpace();
-    reader.beforeSpace();  // the object's name
+    reader.beforeSpace();  // the object id
     reader.pass('\t');
     return {{neb::NEBSourceControlOperationIsLeafKey, type == "blob"},
             {neb::NEBSourceControlOperationNameKey, lastComponentOf(reader.rest())}};
@@ -32,16 +32,16 @@ neb::NEBDictionary plainEntry(const std::string& entry) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes = bytesOf(data, size);
     neb::GitListFilesOperation operation(requestOf(17));
-    std::vector<std::string> entries = piecesOf(bytes, '\0');
+    std::vector<std::string> entries = split(bytes, '\0');
     if (entries.back().empty()) {
-        entries.pop_back();  // nothing stands behind the last NUL byte
+        entries.pop_back();  // there is no entry after the last NUL byte
     }
     std::vector<neb::NEBDictionary> expected;
     for (const std::string& entry : entries) {
         if (neb::isUTF8(entry)) {
-            expected.push_back(plainEntry(entry));
+            expected.push_back(expectedEntry(entry));
         }
     }
-    require(parsed(operation, bytes) == expected, "a listing is what a plain reader reads");
+    require(parsed(operation, bytes) == expected, "the records are those of the reference reader");
     return 0;
 }

@@ -1,19 +1,19 @@
-// The log, with and without files: one record for each piece between NUL bytes
-// that is not empty and whose header is UTF-8; the others are named.
+// Parses the log, with and without changed files: one record per commit between NUL bytes. A commit
+// whose header is not UTF-8 is reported as omitted.
 
 #include <algorithm>
 
 #include "GitOperations/GitLog.h"
-#include "PlainReader.h"
 #include "Property.h"
+#include "ReferenceReader.h"
 
 using namespace neb::fuzz;
 
 namespace {
 
-/// A number of seconds, held within 32 bits.
-neb::NEBDate plainDate(const std::string& line) {
-    PlainReader reader(line);
+/// Reads a number of seconds, clamped to 32 bits.
+neb::NEBDate expectedDate(const std::string& line) {
+    ReferenceReader reader(line);
     reader.passSpace();
     std::string digits = reader.number();
     const bool isNegative = digits.starts_with('-');
@@ -26,8 +26,8 @@ neb::NEBDate plainDate(const std::string& line) {
         std::clamp<long long>(isNegative ? -seconds : seconds, -(1LL << 31), (1LL << 31) - 1)));
 }
 
-/// The text as git spells a path with core.quotePath=true; one that is UTF-8 stays.
-std::string plainPath(const std::string& printed) {
+/// Returns the path as git quotes it with core.quotePath=true, or unchanged if it is UTF-8.
+std::string expectedPath(const std::string& printed) {
     if (neb::isUTF8(printed)) {
         return printed;
     }
@@ -44,12 +44,12 @@ std::string plainPath(const std::string& printed) {
     return printed.front() == '"' ? text : '"' + text + '"';
 }
 
-/// The list with each path spelled so.
-std::string plainList(const std::string& bytes) {
+/// Returns the list with quoted paths.
+std::string expectedList(const std::string& bytes) {
     std::string list;
-    for (const std::string& line : piecesOf(bytes, '\n')) {
-        for (const std::string& column : piecesOf(line, '\t')) {
-            list += plainPath(column) + '\t';
+    for (const std::string& line : split(bytes, '\n')) {
+        for (const std::string& column : split(line, '\t')) {
+            list += expectedPath(column) + '\t';
         }
         list.back() = '\n';
     }
@@ -57,20 +57,20 @@ std::string plainList(const std::string& bytes) {
     return list;
 }
 
-neb::NEBDictionary plainFiles(const std::string& list) {
+neb::NEBDictionary expectedFiles(const std::string& list) {
     neb::NEBDictionary files;
-    for (const std::string& line : piecesOf(list, '\n')) {
-        const std::vector<std::string> fields = piecesOf(line, '\t');
+    for (const std::string& line : split(list, '\n')) {
+        const std::vector<std::string> fields = split(line, '\t');
         if (fields.size() > 1) {
-            files.set(fields[1], plainStatus(fields[0]));
+            files.set(fields[1], expectedStatus(fields[0]));
         }
     }
     return files;
 }
 
-neb::NEBDictionary plainCommit(const std::string& block, bool withFiles) {
-    const std::vector<std::string> parts = piecesOf(block, '\x01');
-    PlainReader header(withoutLineEnds(parts.front()));
+neb::NEBDictionary expectedCommit(const std::string& block, bool withFiles) {
+    const std::vector<std::string> parts = split(block, '\x01');
+    ReferenceReader header(withoutLineEnds(parts.front()));
     const auto line = [&header] {
         std::string text = header.before('\n');
         header.pass('\n');
@@ -80,16 +80,16 @@ neb::NEBDictionary plainCommit(const std::string& block, bool withFiles) {
     record.set(neb::NEBSourceControlOperationRevisionKey, twelveCharactersOf(line()));
     record.set(neb::NEBSourceControlOperationAuthorKey, line());
     record.set(neb::NEBSourceControlOperationAuthorEmailKey, line());
-    record.set(neb::NEBSourceControlOperationDateKey, plainDate(line()));
+    record.set(neb::NEBSourceControlOperationDateKey, expectedDate(line()));
     record.set(neb::NEBSourceControlOperationMessageKey, withoutLineEnds(header.rest()));
-    const std::string files = withoutLineEnds(plainList(parts.back()));
+    const std::string files = withoutLineEnds(expectedList(parts.back()));
     if (withFiles && !files.empty()) {
-        record.set(neb::NEBSourceControlOperationFilesKey, plainFiles(files));
+        record.set(neb::NEBSourceControlOperationFilesKey, expectedFiles(files));
     }
     return record;
 }
 
-/// Whether all in front of the last byte that ends a header is UTF-8.
+/// Whether the header is UTF-8. The last byte 1 ends it.
 bool isHeaderText(const std::string& block) {
     const std::size_t end = block.rfind('\x01');
     return neb::isUTF8(block.substr(0, end));
@@ -104,15 +104,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             requestOf(18, {{neb::NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}}));
         std::vector<neb::NEBDictionary> expected;
         std::size_t omitted = 0;
-        for (const std::string& block : piecesOf(bytes, '\0')) {
+        for (const std::string& block : split(bytes, '\0')) {
             if (!isHeaderText(block)) {
                 ++omitted;
             } else if (!block.empty()) {
-                expected.push_back(plainCommit(block, withFiles));
+                expected.push_back(expectedCommit(block, withFiles));
             }
         }
-        require(parsed(operation, bytes) == expected, "a log is what a plain reader reads");
-        require(operation.omittedRevisions().size() == omitted, "what is left out is named");
+        require(parsed(operation, bytes) == expected,
+                "the records are those of the reference reader");
+        require(operation.omittedRevisions().size() == omitted, "every omitted commit is reported");
     }
     return 0;
 }

@@ -1,5 +1,5 @@
-// The frames of a stream of messages: the same in whatever pieces it arrives, and what is written
-// is read again.
+// Decodes a stream of messages. The result must not depend on how the stream is split, and encoded
+// messages must decode to themselves.
 
 #include "Server/MessageDecoder.h"
 
@@ -10,37 +10,37 @@ using neb::nebsc::MessageDecoder;
 
 namespace {
 
-constexpr std::size_t longest = 300;
+constexpr std::size_t longestMessage = 300;
 
 struct Reading {
-    std::vector<std::string> messages;  // of one that is too long, its length
+    std::vector<std::string> messages;  // the length of a message that is too long
     bool hasFailed = false;
     bool isBetweenMessages = true;
     bool operator==(const Reading&) const = default;
 };
 
-/// The stream in pieces, each as long as the next byte of `sizes` says; in one piece without sizes.
+/// Decodes the stream in chunks of the sizes in `sizes`, or in one chunk without sizes.
 Reading readingOf(std::string_view stream, std::string_view sizes) {
-    MessageDecoder frames(longest);
+    MessageDecoder decoder(longestMessage);
     Reading reading;
     std::size_t turn = 0;
     while (!stream.empty()) {
         const std::size_t size =
             sizes.empty() ? stream.size()
                           : 1 + static_cast<unsigned char>(sizes[turn++ % sizes.size()]) % 32;
-        frames.append(stream.substr(0, size));
+        decoder.append(stream.substr(0, size));
         stream.remove_prefix(std::min(size, stream.size()));
-        while (const auto frame = frames.take()) {
-            require(frame->length > longest ? frame->content.empty()
-                                            : frame->content.size() == frame->length,
-                    "a message has its length");
-            reading.messages.push_back(frame->length > longest ? std::to_string(frame->length)
-                                                               : frame->content);
+        while (const auto frame = decoder.take()) {
+            require(frame->length > longestMessage ? frame->content.empty()
+                                                   : frame->content.size() == frame->length,
+                    "a message has the length of its header");
+            reading.messages.push_back(
+                frame->length > longestMessage ? std::to_string(frame->length) : frame->content);
         }
-        require(!frames.failure() || !frames.take(), "nothing is read behind a failure");
+        require(!decoder.failure() || !decoder.take(), "nothing is decoded after a failure");
     }
-    reading.hasFailed = frames.failure().has_value();
-    reading.isBetweenMessages = reading.hasFailed || frames.isBetweenMessages();
+    reading.hasFailed = decoder.failure().has_value();
+    reading.isBetweenMessages = reading.hasFailed || decoder.isBetweenMessages();
     return reading;
 }
 
@@ -52,15 +52,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string stream = bytes.substr(sizes.size());
     const Reading whole = readingOf(stream, {});
     if (!sizes.empty()) {
-        require(readingOf(stream, sizes) == whole, "pieces do not matter");
+        require(readingOf(stream, sizes) == whole, "the chunks do not matter");
     }
-    // Messages of ours in front do not change what is read behind them.
-    const Reading behind = readingOf(
-        MessageDecoder::framed(stream.substr(0, longest)) + MessageDecoder::framed("{}") + stream,
-        sizes);
-    require(behind.messages.size() == whole.messages.size() + 2 &&
-                behind.messages[0] == stream.substr(0, longest) && behind.messages[1] == "{}" &&
-                behind.hasFailed == whole.hasFailed,
-            "what is framed is read again, and what is behind it");
+    // Valid messages before the stream do not change what is decoded after them.
+    const Reading extended = readingOf(MessageDecoder::framed(stream.substr(0, longestMessage)) +
+                                           MessageDecoder::framed("{}") + stream,
+                                       sizes);
+    require(extended.messages.size() == whole.messages.size() + 2 &&
+                extended.messages[0] == stream.substr(0, longestMessage) &&
+                extended.messages[1] == "{}" && extended.hasFailed == whole.hasFailed,
+            "encoded messages are decoded, and the stream after them");
     return 0;
 }

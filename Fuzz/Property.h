@@ -1,5 +1,5 @@
-// Property.h - what the fuzz targets have in common: the check of a property, the input as text,
-// and plain ways of taking a text apart against which the quick ones are held.
+// Property.h - the functions that all fuzz targets use: checks, input, and simple string functions
+// with which the fast ones are compared.
 #pragma once
 
 #include <cstddef>
@@ -17,10 +17,10 @@
 
 namespace neb::fuzz {
 
-/// Ends the process, which is how a fuzzer learns of a failure, unless the property holds.
+/// Aborts the process if the property does not hold, which the fuzzer reports as a failure.
 inline void require(bool holds, const char* property) {
     if (!holds) {
-        static_cast<void>(std::fprintf(stderr, "broken: %s\n", property));
+        static_cast<void>(std::fprintf(stderr, "property violated: %s\n", property));
         std::abort();
     }
 }
@@ -29,20 +29,20 @@ inline std::string bytesOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// The pieces between separators, character by character.
-inline std::vector<std::string> piecesOf(std::string_view text, char separator) {
-    std::vector<std::string> pieces(1);
+/// Splits the text at the separators.
+inline std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts(1);
     for (const char character : text) {
         if (character == separator) {
-            pieces.emplace_back();
+            parts.emplace_back();
         } else {
-            pieces.back() += character;
+            parts.back() += character;
         }
     }
-    return pieces;
+    return parts;
 }
 
-/// The text without these characters at both its ends, one after the other.
+/// Returns the text without these characters at its start and end.
 inline std::string trimmedOf(std::string text, std::string_view characters) {
     const auto isOne = [characters](char character) {
         return characters.find(character) != std::string_view::npos;
@@ -56,7 +56,7 @@ inline std::string trimmedOf(std::string text, std::string_view characters) {
     return text;
 }
 
-/// The first 12 characters of a well-formed text.
+/// Returns the first 12 characters of a UTF-8 text.
 inline std::string twelveCharactersOf(std::string_view text) {
     std::string start;
     int characters = 0;
@@ -71,7 +71,7 @@ inline std::string twelveCharactersOf(std::string_view text) {
     return start;
 }
 
-/// Every string in the record is well-formed, and so are the strings in its dictionaries.
+/// Requires that all strings in the record and its dictionaries are UTF-8.
 inline void requireText(const NEBDictionary& record) {
     for (const NEBDictionary::Entry& entry : record) {
         require(isUTF8(entry.key()), "a key is UTF-8");
@@ -84,7 +84,7 @@ inline void requireText(const NEBDictionary& record) {
     }
 }
 
-/// A request about the valid working tree "/w".
+/// Returns a request for the working tree "/w".
 inline std::shared_ptr<NEBSourceControlRequest> requestOf(std::int32_t type,
                                                           NEBDictionary options = {}) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
@@ -92,7 +92,7 @@ inline std::shared_ptr<NEBSourceControlRequest> requestOf(std::int32_t type,
     return NEBSourceControlRequest::initWithType(type, tree, std::nullopt, std::move(options));
 }
 
-/// What the operation makes of the bytes, as a git that ended well has printed them.
+/// Returns the result of the operation for the bytes as the output of a successful git.
 template <typename Op>
 std::optional<std::vector<NEBDictionary>> parsed(Op& operation, const std::string& bytes) {
     operation.setData(bytes);

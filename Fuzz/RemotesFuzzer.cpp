@@ -1,4 +1,4 @@
-// The remotes: name TAB location BLANK direction.
+// Parses the remotes: name TAB location SPACE direction.
 
 #include "GitOperations/GitRemote.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -8,10 +8,10 @@ using namespace neb::fuzz;
 
 namespace {
 
-neb::NEBDictionary plainRecordOf(const std::string& line) {
-    const std::string name = piecesOf(line, '\t').front();
+neb::NEBDictionary expectedRecordOf(const std::string& line) {
+    const std::string name = split(line, '\t').front();
     const std::string rest = line.substr(std::min(name.size() + 1, line.size()));
-    const std::string location = piecesOf(rest, ' ').front();
+    const std::string location = split(rest, ' ').front();
     const std::string direction = rest.substr(std::min(location.size() + 1, rest.size()));
     neb::NEBDictionary record;
     if (!name.empty()) {
@@ -32,12 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes = bytesOf(data, size);
     neb::GitListStandardRemotesOperation operation(requestOf(24));
     const auto remotes = parsed(operation, bytes);
-    require(remotes.has_value() == !bytes.empty(), "a result where there is output");
+    require(remotes.has_value() == !bytes.empty(), "there is a result if there is output");
     if (remotes) {
-        const auto lines = piecesOf(*neb::_nebsc_stringFromData(bytes), '\n');
-        require(remotes->size() == lines.size(), "a record a line");
+        const auto lines = split(*neb::_nebsc_stringFromData(bytes), '\n');
+        require(remotes->size() == lines.size(), "there is one record per line");
         for (std::size_t i = 0; i < lines.size(); ++i) {
-            require((*remotes)[i] == plainRecordOf(lines[i]), "the record is what the line says");
+            require((*remotes)[i] == expectedRecordOf(lines[i]),
+                    "the record has the fields of the line");
         }
     }
     return 0;

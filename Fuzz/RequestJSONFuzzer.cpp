@@ -1,4 +1,4 @@
-// Requests as anybody may write them.
+// Reads arbitrary requests.
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto reading =
         neb::nebsc::requestFromJSON(std::string_view(reinterpret_cast<const char*>(data), size));
-    // Either a request or one line that says why not.
+    // The result is a request, or one line with the reason.
     if ((reading.request == nullptr) == reading.refusal.empty() ||
         reading.refusal.find('\n') != std::string::npos) {
         std::abort();

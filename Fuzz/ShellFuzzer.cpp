@@ -1,5 +1,5 @@
-// Names in a command line, read by the real /bin/sh: it sees exactly the words that are meant, and
-// does nothing else. One shell serves for many inputs.
+// Escapes names for /bin/sh and runs it: it must get exactly the intended arguments and do nothing
+// else. One shell is used for many inputs.
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -11,14 +11,14 @@ using namespace neb::fuzz;
 
 namespace {
 
-/// A shell that prints how many words it was given and the words, each with a NUL behind it, and
-/// then the mark.
+/// A shell that prints the number of its arguments, the arguments and an end marker, each with a
+/// NUL after it.
 class Shell {
 public:
     Shell() {
         int input[2];
         int output[2];
-        require(::pipe(input) == 0 && ::pipe(output) == 0, "there are pipes");
+        require(::pipe(input) == 0 && ::pipe(output) == 0, "pipes are available");
         const pid_t pid = ::fork();
         if (pid == 0) {
             ::dup2(input[0], 0);
@@ -32,32 +32,32 @@ public:
         ::close(output[1]);
         _input = input[1];
         _output = output[0];
-        write("set -f\n");  // wildcards stay as they are: which files match is no matter of words
+        write("set -f\n");  // do not expand wildcards
     }
 
-    std::vector<std::string> wordsOf(const std::string& text) {
-        write("set -- " + text + "\nprintf '%s\\0' \"$#\" \"$@\" 'the mark'\n");
-        std::string answer;
-        const std::string mark("\0the mark\0", 10);
-        while (answer.size() < mark.size() || !answer.ends_with(mark)) {
-            char piece[4096];
-            const ssize_t count = ::read(_output, piece, sizeof piece);
-            require(count > 0, "the shell goes on");
-            answer.append(piece, static_cast<std::size_t>(count));
+    std::vector<std::string> argumentsOf(const std::string& text) {
+        write("set -- " + text + "\nprintf '%s\\0' \"$#\" \"$@\" 'the end marker'\n");
+        std::string printed;
+        const std::string endMarker("\0the end marker\0", 16);
+        while (printed.size() < endMarker.size() || !printed.ends_with(endMarker)) {
+            char bytes[4096];
+            const ssize_t count = ::read(_output, bytes, sizeof bytes);
+            require(count > 0, "the shell is still running");
+            printed.append(bytes, static_cast<std::size_t>(count));
         }
-        answer.resize(answer.size() - mark.size() + 1);
-        std::vector<std::string> words = piecesOf(answer, '\0');
-        words.pop_back();
-        require(words.front() == std::to_string(words.size() - 1), "no word is lost");
-        words.erase(words.begin());
-        return words;
+        printed.resize(printed.size() - endMarker.size() + 1);
+        std::vector<std::string> arguments = split(printed, '\0');
+        arguments.pop_back();
+        require(arguments.front() == std::to_string(arguments.size() - 1), "no argument is lost");
+        arguments.erase(arguments.begin());
+        return arguments;
     }
 
 private:
     void write(std::string_view text) const {
         while (!text.empty()) {
             const ssize_t count = ::write(_input, text.data(), text.size());
-            require(count > 0, "the shell takes its input");
+            require(count > 0, "the shell reads its input");
             text.remove_prefix(static_cast<std::size_t>(count));
         }
     }
@@ -66,18 +66,18 @@ private:
     int _output = -1;
 };
 
-/// The words between blanks.
-std::vector<std::string> plainWordsOf(std::string text) {
+/// Returns the arguments between spaces.
+std::vector<std::string> expectedArgumentsOf(std::string text) {
     for (char& character : text) {
         character = character == '\t' ? ' ' : character;
     }
-    std::vector<std::string> words;
-    for (std::string& word : piecesOf(text, ' ')) {
+    std::vector<std::string> arguments;
+    for (std::string& word : split(text, ' ')) {
         if (!word.empty()) {
-            words.push_back(std::move(word));
+            arguments.push_back(std::move(word));
         }
     }
-    return words;
+    return arguments;
 }
 
 }  // namespace
@@ -86,12 +86,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Shell shell;
     const std::string name = bytesOf(data, size);
     if (name.find('\0') != std::string::npos) {
-        return 0;  // no argument of a program can hold one, and none is started with it
+        return 0;  // no argument can contain a NUL character
     }
     const std::vector<std::string> one =
         name.empty() ? std::vector<std::string>{} : std::vector<std::string>{name};
-    require(shell.wordsOf(neb::gitShellWord(name)) == one, "a word is one word");
-    require(shell.wordsOf(neb::gitShellPattern(name)) == plainWordsOf(name),
-            "a pattern is the words between its blanks");
+    require(shell.argumentsOf(neb::gitShellWord(name)) == one, "an escaped name is one argument");
+    require(shell.argumentsOf(neb::gitShellPattern(name)) == expectedArgumentsOf(name),
+            "a pattern is the arguments between its spaces");
     return 0;
 }

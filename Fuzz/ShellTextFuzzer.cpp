@@ -1,6 +1,6 @@
-// Names in a command line: read by the rules of the shell's grammar, the escaped text must be one
-// word with the name's own bytes, and the pattern must differ from it in blanks and wildcards
-// alone.
+// Escapes names and reads the result with the rules of the shell grammar. An escaped name must be
+// one argument with the bytes of the name. A pattern may differ from it only in spaces and
+// wildcards.
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +15,8 @@ bool isIn(std::string_view characters, char character) {
     return characters.find(character) != std::string_view::npos;
 }
 
-/// What the shell makes of the text, which may hold the characters of `plain` as they are; aborts
-/// at one by which it would do anything.
+/// Returns the text as the shell reads it. `plain` has the characters that may occur without
+/// escape. Aborts at a character with a meaning for the shell.
 std::string readByShell(std::string_view text, std::string_view plain) {
     constexpr std::string_view active = ";&|<>()$`\"#!{}*?[] \t\n";
     std::string read;

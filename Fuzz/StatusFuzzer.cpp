@@ -1,9 +1,9 @@
-// The status of a working copy, read as a plain reader does it.
+// Parses the status of a working copy.
 
 #include "GitOperations/GitStatus.h"
 #include "NEBFoundation/NEBSourceControlText.h"
-#include "PlainReader.h"
 #include "Property.h"
+#include "ReferenceReader.h"
 
 using namespace neb::fuzz;
 
@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes = bytesOf(data, size);
     neb::GitStatusOperation operation(requestOf(15));
     const auto records = parsed(operation, bytes);
-    require(records == plainStates(piecesOf(*neb::_nebsc_stringFromData(bytes), '\n')),
-            "a status is what a plain reader reads");
+    require(records == expectedStates(split(*neb::_nebsc_stringFromData(bytes), '\n')),
+            "the records are those of the reference reader");
     return 0;
 }

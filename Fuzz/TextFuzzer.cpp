@@ -1,4 +1,4 @@
-// Text from bytes, paths from URLs.
+// Decodes bytes and URLs.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Texts without the passwords of URLs: none is left, and nothing else is changed.
+// Redacts the passwords of URLs: none is left, and nothing else is changed.
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
 
@@ -9,13 +9,13 @@ using namespace neb::fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes = bytesOf(data, size);
     const std::string shown = neb::textWithoutPasswords(bytes);
-    require(neb::textWithoutPasswords(shown) == shown, "what is shown holds none");
-    require(piecesOf(shown, '\n').size() == piecesOf(bytes, '\n').size(), "the lines are kept");
-    require(!neb::isUTF8(bytes) || neb::isUTF8(shown), "text stays text");
+    require(neb::textWithoutPasswords(shown) == shown, "a redacted text has no password");
+    require(split(shown, '\n').size() == split(bytes, '\n').size(), "the number of lines is kept");
+    require(!neb::isUTF8(bytes) || neb::isUTF8(shown), "UTF-8 stays UTF-8");
     if (bytes.find('@') == std::string::npos) {
-        require(shown == bytes, "without a password nothing is changed");
+        require(shown == bytes, "a text without a password is not changed");
     }
-    // The input as a password, whatever it holds but what ends a URL.
+    // Uses the input as a password, without the characters that end a URL.
     std::string password;
     for (const char character : bytes) {
         if (static_cast<unsigned char>(character) > ' ' && character != '/' && character != '?' &&
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!password.empty()) {
         require(neb::textWithoutPasswords("to 'https://ann:" + password + "@host/x.git': no") ==
                     "to 'https://ann:<redacted>@host/x.git': no",
-                "a password is not shown");
+                "the password is redacted");
     }
     return 0;
 }

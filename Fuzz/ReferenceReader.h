@@ -1,5 +1,4 @@
-// PlainReader.h - reads a text byte by byte, in the plainest way there is: what the quick parsers
-// are held against.
+// ReferenceReader.h - a slow and simple reader, with which the fast parsers are compared.
 #pragma once
 
 #include <string>
@@ -9,11 +8,11 @@
 
 namespace neb::fuzz {
 
-class PlainReader {
+class ReferenceReader {
 public:
-    explicit PlainReader(std::string text) : _text(std::move(text)) {}
+    explicit ReferenceReader(std::string text) : _text(std::move(text)) {}
 
-    /// What stands before the byte; the whole rest when there is none.
+    /// Returns and skips the text before the byte, or the whole rest if there is none.
     std::string before(char byte) {
         std::string taken;
         while (!_text.empty() && _text.front() != byte) {
@@ -21,13 +20,13 @@ public:
         }
         return taken;
     }
-    /// Passes over the byte, once, if it is the next one.
+    /// Skips the next byte if it is this one.
     void pass(char byte) {
         if (!_text.empty() && _text.front() == byte) {
             next();
         }
     }
-    /// Takes bytes as long as they are among these.
+    /// Returns and skips a run of these bytes.
     std::string run(std::string_view members) {
         std::string taken;
         while (!_text.empty() && members.find(_text.front()) != std::string_view::npos) {
@@ -35,7 +34,7 @@ public:
         }
         return taken;
     }
-    /// What stands before the next white space.
+    /// Returns and skips the text before the next white space.
     std::string beforeSpace() {
         std::string taken;
         while (!_text.empty() && spaceInFront().empty()) {
@@ -48,8 +47,7 @@ public:
             _text.erase(0, space.size());
         }
     }
-    /// A decimal number with its sign, as it is written; empty, and nothing is passed, without a
-    /// digit.
+    /// Returns and skips a decimal number with an optional sign. Skips nothing without a digit.
     std::string number() {
         std::string taken;
         std::string sign =
@@ -71,7 +69,7 @@ private:
         _text.erase(0, 1);
         return byte;
     }
-    /// The white space at the front: blank, TAB, or one of Unicode's space separators.
+    /// Returns the white space at the start: space, TAB, or a space separator of Unicode.
     [[nodiscard]] std::string spaceInFront() const {
         std::string spaces[] = {" ", "\t", "\u00a0", "\u1680", "\u202f", "\u205f", "\u3000"};
         for (const std::string& space : spaces) {
@@ -88,7 +86,7 @@ private:
     std::string _text;
 };
 
-/// The text without the line ends at its ends.
+/// Returns the text without the line ends at its start and end.
 inline std::string withoutLineEnds(std::string text) {
     const std::string ends[] = {"\n", "\r", "\v", "\f", "\u0085", "\u2028", "\u2029"};
     for (bool isTrimmed = true; isTrimmed;) {
@@ -107,8 +105,8 @@ inline std::string withoutLineEnds(std::string text) {
     return text;
 }
 
-/// The status value of the letter with which the letters begin.
-inline int plainStatus(std::string_view letters) {
+/// Returns the status value of the first letter.
+inline int expectedStatus(std::string_view letters) {
     switch (letters.empty() ? '\0' : letters.front()) {
         case 'A':
             return 1;
@@ -129,11 +127,11 @@ inline int plainStatus(std::string_view letters) {
     }
 }
 
-/// The records of a status, or of names with their states, below "/w".
-inline std::vector<NEBDictionary> plainStates(const std::vector<std::string>& lines) {
+/// Returns the records of a status, or of names with their states, in "/w".
+inline std::vector<NEBDictionary> expectedStates(const std::vector<std::string>& lines) {
     std::vector<NEBDictionary> records;
     for (const std::string& line : lines) {
-        PlainReader reader(line);
+        ReferenceReader reader(line);
         reader.run(" \t");
         const std::string letters = reader.run("ABCDEFGHIJKLMNOPQRSTUVWXYZ?");
         reader.run(" \t");
@@ -154,7 +152,7 @@ inline std::vector<NEBDictionary> plainStates(const std::vector<std::string>& li
             path.erase(0, 1);
         }
         NEBDictionary& record = records.emplace_back();
-        record.set(NEBSourceControlOperationWCStatusKey, plainStatus(letters));
+        record.set(NEBSourceControlOperationWCStatusKey, expectedStatus(letters));
         record.set(NEBSourceControlOperationPathKey, "/w/" + path);
     }
     return records;

@@ -10,6 +10,7 @@ process whose test runs longer than LIMIT seconds, and names that test.
 import argparse
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -22,19 +23,18 @@ from pathlib import Path
 SOURCE = Path(__file__).resolve().parent
 LIMIT = 120
 PROCESSORS = len(os.sched_getaffinity(0))
+IN_MEMORY = Path("/dev/shm")
+# Compares messages of git, which differ where the temporary folder is a file system of its own.
+ON_DISK = ["failure_tests"]
 
 # Slowest first, so that the last process to end is a short one.
-PROGRAMS = {name: "*" for name in
-            ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_tests"]}
+PROGRAMS = ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_tests"]
 
-# What the thread sanitizer runs: the tests in which this project's code runs on several threads.
-# Without: git_tests and failure_tests. Each of their tests starts one operation and waits for it; the
-# threads below an operation (queue, readers of pipes, cancelling) are those of the host library,
-# which host_tests and fault_tests run with every interleaving that they can provoke.
-THREADED = {
-    "host_tests": "*",
-    "fault_tests": "*",
-}
+# What the thread sanitizer runs: the tests in which the code of this project runs on several threads.
+# Without git_tests and failure_tests, which run one operation at a time and wait for it: its threads
+# (queue, cancellation) are those of the host library. Without the tests of nebsc's commands, which
+# run on one thread; nebsc_thread_tests has those of its server, interruption and progress indicator.
+THREADED = ["fault_tests", "host_tests", "nebsc_thread_tests"]
 
 Job = namedtuple("Job", "name command environment isGoogleTest", defaults=[True])
 Result = namedtuple("Result", "job passed skipped failures seconds times")
@@ -43,18 +43,18 @@ Result = namedtuple("Result", "job passed skipped failures seconds times")
 def google_test_jobs(build, programs, text):
     """The processes of the programs, each with its share of the tests that match."""
     shards = 2 * PROCESSORS
-    for program, selection in programs.items():
+    for program in programs:
         if not (build / "bin" / program).exists():
             sys.exit(f"{program} is not built in {build}")
         for shard in range(shards):
             yield Job(f"{program} {shard + 1}/{shards}",
-                      [build / "bin" / program, f"--gtest_filter={text or selection}"],
+                      [build / "bin" / program, f"--gtest_filter={text or '*'}"],
                       {"GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
 
 
 def other_jobs(build):
     """The editor's client and, as a plain program cannot link a sanitized library, the package."""
-    yield Job("EditorClient", ["node", "--test", SOURCE / "EditorClient/serve.test.js"],
+    yield Job("EditorClient", [Path("node"), "--test", SOURCE / "EditorClient/serve.test.js"],
               {"NEBSC": str(build / "bin/nebsc"),
                "NODE_PATH": str(build / "editor-client/node_modules")}, False)
     cache = (build / "CMakeCache.txt").read_text()
@@ -62,7 +62,7 @@ def other_jobs(build):
         return
     compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.MULTILINE).group(1)
     for case in ["Installation", "Examples", "DebianPackage"]:
-        yield Job(f"Package {case}", [sys.executable, SOURCE / "Package/package_test.py", build, case],
+        yield Job(f"Package {case}", [Path(sys.executable), SOURCE / "Package/package_test.py", build, case],
                   {"CXX": compiler}, False)
 
 
@@ -116,6 +116,14 @@ def google_test_result(job, output, status, seconds):
     return Result(job, passed, skipped, failures, seconds, times)
 
 
+def temporary_folder(program):
+    """The folder for the repositories of tests: in memory where there is room, which is faster."""
+    if (program.name not in ON_DISK and IN_MEMORY.is_dir()
+            and shutil.disk_usage(IN_MEMORY).free > 2 << 30):
+        return str(IN_MEMORY)
+    return tempfile.gettempdir()
+
+
 def description(status):
     return f"exit status {status}" if status >= 0 else signal.Signals(-status).name
 
@@ -125,7 +133,8 @@ def run(job):
     with tempfile.NamedTemporaryFile(prefix="neb-run-") as log:
         process = subprocess.Popen(job.command, stdin=subprocess.DEVNULL, stdout=log,
                                    stderr=subprocess.STDOUT, start_new_session=True,
-                                   env={**os.environ, **job.environment})
+                                   env={**os.environ, "TMPDIR": temporary_folder(job.command[0]),
+                                        **job.environment})
         status = wait_for(process, log, LIMIT if job.isGoogleTest else 5 * LIMIT)
         output = Path(log.name).read_text(errors="replace")
     seconds = time.monotonic() - begin

@@ -9,6 +9,8 @@
 
 namespace neb::test {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 std::string gitProgram() {
@@ -34,12 +36,25 @@ std::string outputOf(const ChildOutcome& outcome, const std::vector<std::string>
     if (outcome.status.isSuccess()) {
         return std::string(outcome.output);
     }
-    std::string words = "git";
+    std::string command = "git";
     for (const std::string& argument : arguments) {
-        words += " " + argument;
+        command += " " + argument;
     }
-    throw std::runtime_error(words + ": " + outcome.status.description() + ": " +
+    throw std::runtime_error(command + ": " + outcome.status.description() + ": " +
                              std::string(outcome.errorOutput));
+}
+
+/// The result of `git init`, without the sample hooks. Copying it is faster than running git.
+const fs::path& emptyRepository() {
+    static const TemporaryFolder folder;
+    static const fs::path path = [] {
+        outputOf(runGit(folder.path(), {"init", "--quiet"}), {"init"});
+        for (const auto& hook : fs::directory_iterator(folder.path(".git/hooks"))) {
+            fs::remove(hook.path());
+        }
+        return fs::path(folder.path(".git"));
+    }();
+    return path;
 }
 
 }  // namespace
@@ -48,7 +63,9 @@ void isolateFromMachine() {
     static const TemporaryFolder home;
     home.write(".gitconfig",
                "[user]\n\tname = Ann Example\n\temail = ann@example.org\n"
-               "[init]\n\tdefaultBranch = main\n[protocol \"file\"]\n\tallow = always\n");
+               "[init]\n\tdefaultBranch = main\n[protocol \"file\"]\n\tallow = always\n"
+               // Each commit and fetch would start a process that finds nothing to do.
+               "[maintenance]\n\tauto = false\n");
     const std::pair<const char*, std::string> variables[] = {
         {"HOME", home.path()},
         {"XDG_CONFIG_HOME", home.path(".config")},
@@ -66,12 +83,12 @@ void isolateFromMachine() {
 }
 
 TestRepository::TestRepository() {
-    std::filesystem::create_directory(path());
-    git({"init", "--quiet"});
+    fs::create_directory(path());
+    fs::copy(emptyRepository(), path(".git"), fs::copy_options::recursive);
 }
 
 TestRepository::TestRepository(const std::string& location) {
-    std::filesystem::create_directory(path());
+    fs::create_directory(path());
     git({"clone", "--quiet", location, "."});
 }
 
@@ -85,10 +102,10 @@ std::string TestRepository::git(std::vector<std::string> arguments) const {
 
 std::string TestRepository::gitWithInput(std::vector<std::string> arguments,
                                          std::string_view input) const {
-    std::vector<std::string> words{"-c", "exec \"$@\" <\"$0\"", _folder.write("input", input),
-                                   gitProgram()};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    return outputOf(run(path(), "/bin/sh", std::move(words)), arguments);
+    std::vector<std::string> shellArguments{"-c", "exec \"$@\" <\"$0\"",
+                                            _folder.write("input", input), gitProgram()};
+    shellArguments.insert(shellArguments.end(), arguments.begin(), arguments.end());
+    return outputOf(run(path(), "/bin/sh", std::move(shellArguments)), arguments);
 }
 
 int TestRepository::gitStatus(std::vector<std::string> arguments) const {

@@ -1,5 +1,5 @@
-// Operations of every kind, cancelled at random moments of their lives: whatever they were doing,
-// nothing of theirs is left.
+// Cancels operations of every type at random moments: no process, descriptor or temporary file is
+// left.
 //
 //   NEB_CANCELLATIONS=1000 NEB_SEED=1 build/tsan/bin/fault_tests --gtest_filter='Cancellation*'
 
@@ -32,20 +32,20 @@ unsigned long numberInEnvironment(const char* name, unsigned long otherwise) {
     return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
 }
 
-/// A world that is prepared for a request, in which temporary files have a folder of their own.
-class Place {
+/// The repositories that a request needs, with a separate folder for temporary files.
+class Scenario {
 public:
-    explicit Place(const RequestCase& requestCase)
+    explicit Scenario(const RequestCase& requestCase)
         : _requestCase(requestCase), _formerFolder(fs::temp_directory_path()) {
         static_cast<void>(preparedRequest(_world, requestCase));
         fs::copy(_world.path(), _asPrepared.path("world"), copying);
         ::setenv("TMPDIR", _world.path("tmp").c_str(), 1);
     }
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-    ~Place() { ::setenv("TMPDIR", _formerFolder.c_str(), 1); }
+    Scenario(const Scenario&) = delete;
+    Scenario& operator=(const Scenario&) = delete;
+    ~Scenario() { ::setenv("TMPDIR", _formerFolder.c_str(), 1); }
 
-    /// Everything as it was prepared, and the request.
+    /// Restores the prepared state and returns the request.
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> restored() const {
         for (const auto& entry : fs::directory_iterator(_world.path())) {
             fs::remove_all(entry.path());
@@ -56,9 +56,10 @@ public:
         return request;
     }
 
-    /// Locks of git, drafts of copies, temporary files of ours. The place that the request itself
-    /// names is none: a tree of which a part has been exported stays, as with any killed git.
-    [[nodiscard]] std::vector<std::string> leftOvers(const NEBSourceControlRequest& request) const {
+    /// Returns lock files, unfinished copies and temporary files. The destination of the request is
+    /// not one of them: a killed git leaves a tree that is partly exported, too.
+    [[nodiscard]] std::vector<std::string> remainingFiles(
+        const NEBSourceControlRequest& request) const {
         const std::string destination = request.type == NEBSourceControlRequestExportTree
                                             ? request.destination.description()
                                             : "";
@@ -83,8 +84,8 @@ private:
     const TemporaryFolder _asPrepared;
 };
 
-/// How many there are, unless the environment says so: all that were asked for where a race would
-/// show.
+/// The number of cancellations, unless NEB_CANCELLATIONS is set. The thread sanitizer, which would
+/// find a race, runs more.
 #if defined(__SANITIZE_THREAD__)
 constexpr unsigned long byDefault = 1000;
 #else
@@ -92,10 +93,10 @@ constexpr unsigned long byDefault = 200;
 #endif
 constexpr unsigned long parts = 10;
 
-/// One of several parts of the cancellations, which run side by side.
+/// The cancellations are split into parts, which run in different processes.
 class Cancellation : public HygienicTest, public testing::WithParamInterface<unsigned long> {
 protected:
-    /// Each time a whole repository is made anew, which a disk may take a second for.
+    /// Works in memory: on a disk, restoring the repositories may take a second each time.
     void SetUp() override {
         HygienicTest::SetUp();
         if (fs::is_directory(inMemory)) {
@@ -110,7 +111,7 @@ protected:
         HygienicTest::TearDown();
     }
 
-    /// Runs the request's operation and cancels it after a while, from another thread.
+    /// Runs the operation of the request and cancels it from another thread after the given time.
     static std::shared_ptr<NEBSourceControlOperation> runAndCancel(
         const std::shared_ptr<NEBSourceControlRequest>& request, nanoseconds after) {
         const auto operation = GitController().operationForRequest(request);
@@ -144,15 +145,15 @@ TEST_P(Cancellation, AtAnyMomentLeavesNothing) {
     unsigned long cancelled = 0;
     std::size_t next = random() % matrix.size();
     for (unsigned long done = 0; done < count; next = (next + 1) % matrix.size()) {
-        const Place place(matrix[next]);
-        // How long the request takes when nobody disturbs it; the first time it takes longer.
-        static_cast<void>(perform(place.restored()));
+        const Scenario scenario(matrix[next]);
+        // Measures the request without a cancellation; the first run is slower.
+        static_cast<void>(perform(scenario.restored()));
         const auto begin = steady_clock::now();
-        static_cast<void>(perform(place.restored()));
+        static_cast<void>(perform(scenario.restored()));
         const nanoseconds span = steady_clock::now() - begin;
         const std::set<std::string> descriptors = openDescriptors();
         for (int i = 0; i < 20 && done < count; ++i, ++done) {
-            const auto request = place.restored();
+            const auto request = scenario.restored();
             const nanoseconds after(
                 static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(span.count() + 1)));
             SCOPED_TRACE(matrix[next].name + " after " + std::to_string(after.count()) + " ns");
@@ -164,13 +165,14 @@ TEST_P(Cancellation, AtAnyMomentLeavesNothing) {
             ASSERT_TRUE(operation->isFinished());
             ASSERT_EQ(openDescriptors(), descriptors);
             ASSERT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
-            if (operation->error()) {  // else an export's temporary file is its result
-                ASSERT_THAT(place.leftOvers(*request), IsEmpty());
+            if (operation
+                    ->error()) {  // without an error, a temporary file is the result of an export
+                ASSERT_THAT(scenario.remainingFiles(*request), IsEmpty());
             }
         }
     }
     std::printf("%lu of them were cancelled before their end\n", cancelled);
-    // Of a few, all may come too late on a busy machine.
+    // On a busy machine, all of a few cancellations may come too late.
     EXPECT_TRUE(cancelled > 0 || count < 100);
 }
 

@@ -1,5 +1,5 @@
-// Every write of ours meets a full disk, or a file system that is read-only: an error says so, and
-// nothing half-made is left.
+// Writes to a full disk or a read-only file system: they fail with the right error and leave no
+// partial file.
 
 #include <gmock/gmock.h>
 #include <sys/mount.h>
@@ -61,7 +61,7 @@ protected:
             GTEST_SKIP() << "a small file system cannot be mounted here";
         }
     }
-    /// A repository, not on the small disk, with a file that has no room there.
+    /// Commits a file that is too big for the small disk to a repository on another disk.
     void makeBigFile() const {
         repository.commitFile("big", std::string(3000000, 'x'));
         repository.commitFile("small", "1\n");
@@ -115,7 +115,7 @@ TEST_F(FullDisk, AnExportOfTheTreeIsAnError) {
     request->destination = disk.path("tree");
     request->startingRevision = "HEAD";
     const auto operation = perform(request);
-    // git does not say why it could not write.
+    // git does not print the reason.
     EXPECT_THAT(operation->error()->text.value_or(""),
                 HasSubstr("unable to write file " + disk.path("tree/big")));
 }

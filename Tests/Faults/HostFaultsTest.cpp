@@ -1,5 +1,4 @@
-// Hosts as they should not be: without standard streams, with signals handled their own way, on a
-// machine whose clock jumps.
+// Unusual hosts: without standard streams, with their own signal handlers, with a clock that jumps.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -33,7 +32,7 @@ protected:
     TestRepository repository;
 };
 
-/// Handles a signal in this process while the object lives.
+/// Sets the handler of a signal for the lifetime of the object.
 class Handled {
 public:
     Handled(int signalNumber, void (*handler)(int)) : _signalNumber(signalNumber) {
@@ -91,7 +90,7 @@ TEST_F(HostFaults, AHostThatReapsAllChildrenInAHandlerGetsNoSuccessByAccident) {
         EXPECT_FALSE(failed.status.isSuccess());
         EXPECT_TRUE(failed.status.exitStatus() == 3 || !failed.status.exitStatus().has_value());
         const auto log = perform(requestFor(NEBSourceControlRequestLog, repository.path()));
-        // Either we were first, and it is what it is, or nobody knows how git ended.
+        // If the host reaps git first, its exit status is unknown.
         EXPECT_EQ(log->error().has_value(),
                   log->error() && log->error()->errorClass == NEBSourceControlUnknownErrorClass);
         EXPECT_THAT(*log->result(), SizeIs(1));
@@ -104,13 +103,13 @@ TEST_F(HostFaults, AHostThatHandlesOrIgnoresSIGPIPEIsNotDisturbed) {
     for (void (*handler)(int) : {+[](int) { pipes = pipes + 1; }, SIG_IGN}) {
         const Handled handled(SIGPIPE, handler);
         ChildProcess process;
-        // The second half goes at once: the first writes to nobody.
+        // The second half exits at once, so the first has no reader.
         const auto outcomes = process.run({program("/usr/bin/yes"), shell("exit 0")});
         EXPECT_EQ(outcomes[0].status.signalNumber(), SIGPIPE)
             << "the child has the default disposition";
         EXPECT_TRUE(outcomes[1].status.isSuccess());
     }
-    EXPECT_EQ(pipes, 0) << "nothing of ours writes into a pipe that nobody reads";
+    EXPECT_EQ(pipes, 0) << "a write to a pipe without a reader";
 }
 
 TEST_F(HostFaults, AClockThatJumpsChangesNothing) {
@@ -120,7 +119,7 @@ TEST_F(HostFaults, AClockThatJumpsChangesNothing) {
     const std::string clock = std::string(NEB_TEST_MODULES) + "/JumpingClock.so";
     ASSERT_TRUE(fs::exists(clock));
     const auto begin = std::chrono::steady_clock::now();
-    // A process that is left behind makes every waiting of ours with a time limit run.
+    // A lingering process makes the operation use each of its timeouts.
     const StandInGit git(repository.path(), "date >'" + repository.path("../date") +
                                                 "'\nsleep 3 &\nPATH=/usr/bin:/bin exec git \"$@\"");
     const JSON request{{"type", NEBSourceControlRequestLog},

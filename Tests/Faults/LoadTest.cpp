@@ -1,5 +1,5 @@
-// Many requests from many threads on many working copies, reading and writing: afterwards the
-// process is as it was. scripts/load runs it with 10,000 requests.
+// Runs many reading and writing requests from many threads on many working copies: the process has
+// the same descriptors, threads and memory afterwards. scripts/load runs 10,000 requests.
 
 #include <gmock/gmock.h>
 #include <malloc.h>
@@ -55,7 +55,7 @@ std::size_t childrenOfThisProcess() {
 }
 
 Figures figuresNow() {
-    ::malloc_trim(0);  // what is free is given back: only what is kept counts
+    ::malloc_trim(0);  // returns free memory to the system, so that only used memory counts
     Figures figures{.descriptors = entriesIn("/proc/self/fd"),
                     .threads = entriesIn("/proc/self/task"),
                     .children = childrenOfThisProcess()};
@@ -86,7 +86,7 @@ protected:
         }
     }
 
-    /// Requests in the order of their number; each reads or writes one of the working copies.
+    /// Runs `count` requests, each on one of the working copies.
     void run(unsigned long count, unsigned threadCount) {
         std::atomic<unsigned long> next = 0;
         std::vector<std::thread> threads;
@@ -178,7 +178,7 @@ TEST_F(Load, LeavesTheProcessAsItWas) {
     const TemporaryFolder temporary;
     ::setenv("TMPDIR", temporary.path().c_str(), 1);
 
-    std::thread([] {}).join();  // with the first thread the thread sanitizer begins one of its own
+    std::thread([] {}).join();  // the thread sanitizer starts a thread together with the first
     const Figures before = figuresNow();
     run(requests / 2, threads);
     const Figures halfway = figuresNow();
@@ -201,7 +201,7 @@ TEST_F(Load, LeavesTheProcessAsItWas) {
         constexpr std::size_t someKiB = 8192;
         EXPECT_LT(after.residentKiB, halfway.residentKiB + someKiB) << "memory grows with the work";
     }
-    // Two that write to one working copy may meet; nothing else may fail.
+    // Two requests that write to one working copy may conflict; nothing else may fail.
     for (const auto& [outcome, count] : outcomes) {
         EXPECT_TRUE(outcome == "done" || outcome == NEBSourceControlIndexLockedErrorClass ||
                     outcome == NEBSourceControlRefLockedErrorClass ||

@@ -1,5 +1,4 @@
-// What the system does not have: a further thread, a call of newer kernels. The work is done all
-// the same.
+// Runs nebsc where no thread can be started or a newer system call is missing: it still works.
 
 #include <gmock/gmock.h>
 
@@ -38,7 +37,7 @@ protected:
 
 TEST_F(MissingServices, WithoutAThreadCommandsAndRequestsDoTheirWork) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "nothing is loaded before a sanitizer";
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
     }
     const Variable noThreads = preloaded("NoThreads");
     const NebscOutcome status = runNebsc(
@@ -62,7 +61,7 @@ TEST_F(MissingServices, WithoutAThreadCommandsAndRequestsDoTheirWork) {
 
 TEST_F(MissingServices, WithoutAThreadTheServerAnswers) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "nothing is loaded before a sanitizer";
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
     }
     ServerClient client({preloaded("NoThreads")});
     EXPECT_EQ(client.initialize()["result"]["serverInfo"]["name"], "nebsc");
@@ -78,7 +77,7 @@ TEST_F(MissingServices, WithoutAThreadTheServerAnswers) {
 
 TEST_F(MissingServices, WithoutRenameat2AnExportIsWholeAndOverwritesNothing) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "nothing is loaded before a sanitizer";
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
     }
     const TemporaryFolder folder;
     NebscSurroundings surroundings{.folder = repository.path(),

@@ -1,4 +1,4 @@
-// git itself fails: it is not there, cannot be run, dies, or its folder changes under it.
+// Failures of git itself: missing, not executable, killed, or in a folder that changes meanwhile.
 
 #include <gmock/gmock.h>
 
@@ -22,8 +22,8 @@ using JSON = nlohmann::ordered_json;
 
 class ProgramFaults : public HygienicTest {
 protected:
-    /// What nebsc answers where /usr/bin holds nothing but what `script` puts there, and so no git.
-    /// Nothing where file systems cannot be mounted.
+    /// Runs nebsc with an empty /usr/bin, and so without git; `script` runs before and may create
+    /// programs there. Returns nothing if file systems cannot be mounted.
     static std::optional<NebscOutcome> withoutPrograms(const std::string& script,
                                                        const std::vector<std::string>& words,
                                                        NebscSurroundings surroundings = {}) {
@@ -60,7 +60,7 @@ TEST_F(ProgramFaults, AMissingGitIsNamed) {
         EXPECT_EQ(outcome->exitStatus, 1) << type;
         const JSON json = outcome->json();
         EXPECT_EQ(json["error"]["class"], "not-started") << type;
-        // A listing is the shell's, which is not there either.
+        // A listing is run by the shell, which is missing, too.
         EXPECT_THAT(
             json["error"]["localizedDescription"].get<std::string>(),
             AllOf(HasSubstr(type == NEBSourceControlRequestList ? "/bin/sh\"" : "/usr/bin/git\""),
@@ -140,7 +140,7 @@ TEST_F(ProgramFaults, AGitThatIsKilledMidwayIsAnErrorWhateverCameBefore) {
 TEST_F(ProgramFaults, AFolderThatIsReplacedIsTheOneThatGitWasStartedIn) {
     const TestRepository repository;
     repository.commitFile("a", "1\n", "The old one");
-    // Once git runs, its folder goes elsewhere and a file takes its place.
+    // Once git runs, its folder is moved and replaced with a file.
     const StandInGit git(repository.path(), "mv '" + repository.path() + "' '" + repository.path() +
                                                 ".old'\ntouch '" + repository.path() +
                                                 "'\nPATH=/usr/bin:/bin exec git \"$@\"");
@@ -149,7 +149,7 @@ TEST_F(ProgramFaults, AFolderThatIsReplacedIsTheOneThatGitWasStartedIn) {
     const JSON first = runRequest(request.dump(), {.variables = {git.path()}}).json();
     EXPECT_EQ(first["error"], nullptr);
     EXPECT_EQ(first["result"].size(), 1U);
-    // Whoever asks then is told what has become of it.
+    // The next request finds the file.
     const JSON second = runRequest(request.dump()).json();
     EXPECT_EQ(second["error"]["class"], "not-started");
     EXPECT_THAT(second["error"]["localizedDescription"].get<std::string>(),
@@ -158,7 +158,7 @@ TEST_F(ProgramFaults, AFolderThatIsReplacedIsTheOneThatGitWasStartedIn) {
 
 // ---- the repository changes while git works -----------------------------------------------------
 
-/// Runs a real commit whose hook does something to the repository.
+/// Runs a commit whose hook changes the repository.
 class RepositoryFaults : public HygienicTest {
 protected:
     std::shared_ptr<NEBSourceControlOperation> commitWithHook(const std::string& hook) const {
@@ -182,7 +182,7 @@ protected:
 TEST_F(RepositoryFaults, ARepositoryThatIsDeletedMidwayIsAnError) {
     const auto commit = commitWithHook("rm -rf .git");
     EXPECT_TRUE(commit->error().has_value());
-    EXPECT_FALSE(commit->result().has_value()) << "no revision is named for what was not made";
+    EXPECT_FALSE(commit->result().has_value()) << "a revision that was not created";
     EXPECT_THAT(perform(requestFor(NEBSourceControlRequestLog, repository.path()))->error(),
                 HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
 }
@@ -211,7 +211,8 @@ TEST_F(RepositoryFaults, ALockThatComesMidwayIsAnErrorAndStays) {
     const auto commit = commitWithHook("echo >.git/HEAD.lock");
     EXPECT_THAT(commit->error(), HasErrorClass(NEBSourceControlRefLockedErrorClass))
         << wordsOf(*commit);
-    EXPECT_TRUE(fs::exists(repository.path(".git/HEAD.lock"))) << "it is another git's";
+    EXPECT_TRUE(fs::exists(repository.path(".git/HEAD.lock")))
+        << "it belongs to another git process";
     fs::remove(repository.path(".git/HEAD.lock"));
     EXPECT_EQ(repository.git({"log", "--format=%s"}), "First\n");
 }
@@ -225,7 +226,8 @@ TEST_F(RepositoryFaults, AnIndexLockedByAnotherGitIsAnErrorAndStays) {
     EXPECT_THAT(perform(request)->error(), HasErrorClass(NEBSourceControlIndexLockedErrorClass));
     EXPECT_TRUE(fs::exists(repository.path(".git/index.lock")));
     fs::remove(repository.path(".git/index.lock"));
-    EXPECT_EQ(perform(request)->error(), std::nullopt) << "nothing of ours is in the way";
+    EXPECT_EQ(perform(request)->error(), std::nullopt)
+        << "a lock file of the failed request remains";
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The machine refuses: processes, descriptors, memory; and a child that writes a great deal.
+// The system refuses processes, descriptors or memory, or a child prints very much.
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -24,7 +24,7 @@ using JSON = nlohmann::ordered_json;
 
 class ResourceFaults : public HygienicTest {};
 
-/// Lowers a limit of this process while the object lives.
+/// Lowers a limit of this process for the lifetime of the object.
 class Limit {
 public:
     Limit(__rlimit_resource resource, rlim_t most) : _resource(resource) {
@@ -41,7 +41,7 @@ private:
     rlimit _former{};
 };
 
-/// In KiB, as /proc/self/status tells it.
+/// Returns a figure of /proc/self/status in KiB, 0 if it is missing.
 std::size_t memoryFigure(const std::string& name) {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -56,7 +56,7 @@ std::size_t memoryFigure(const std::string& name) {
 
 TEST_F(ResourceFaults, WithoutAProcessTheErrorSaysSo) {
     const TestRepository repository;
-    const AsOrdinaryUser user;  // no limit holds for root
+    const AsOrdinaryUser user;  // root has no limits
     const Limit limit(RLIMIT_NPROC, 0);
     const auto status = perform(requestFor(NEBSourceControlRequestStatus, repository.path()));
     EXPECT_THAT(status->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
@@ -92,7 +92,7 @@ TEST_F(ResourceFaults, WithoutDescriptorsEachNumberIsAnOutcomeOrAnError) {
         hasSucceeded |= outcome.exitStatus == 0;
         hasFailed |= outcome.exitStatus != 0;
         if (outcome.exitStatus != 0) {
-            EXPECT_NE(outcome.output + outcome.errors, "") << "a failure without a word";
+            EXPECT_NE(outcome.output + outcome.errors, "") << "a failure without a message";
         }
     }
     EXPECT_TRUE(hasSucceeded);
@@ -120,7 +120,7 @@ TEST_F(ResourceFaults, WithoutMemoryEachAmountIsAnOutcomeOrAnError) {
         ASSERT_THAT(outcome.exitStatus, AnyOf(0, 1, 127)) << megabytes << outcome.errors;
         hasSucceeded |= outcome.exitStatus == 0;
         if (outcome.exitStatus != 0) {
-            EXPECT_NE(outcome.output + outcome.errors, "") << "a failure without a word";
+            EXPECT_NE(outcome.output + outcome.errors, "") << "a failure without a message";
             EXPECT_EQ((outcome.output + outcome.errors).find("bad_alloc"), std::string::npos);
         }
         if (outcome.exitStatus == 1) {
@@ -166,7 +166,7 @@ TEST_F(ResourceFaults, MuchOnBothStreamsIsReadWholeInMemoryThatTheOutputBounds) 
     constexpr std::size_t million = 1000000;
     constexpr std::size_t output = (hasSanitizer ? 50 : 500) * million;
     constexpr std::size_t errors = (hasSanitizer ? 10 : 100) * million;
-    std::ofstream("/proc/self/clear_refs") << 5;  // the peak begins anew
+    std::ofstream("/proc/self/clear_refs") << 5;  // resets the peak
     const std::size_t before = memoryFigure("VmRSS");
     const ChildOutcome outcome =
         runOne(shell("head -c " + std::to_string(errors) + " /dev/zero >&2 & head -c " +
@@ -174,7 +174,7 @@ TEST_F(ResourceFaults, MuchOnBothStreamsIsReadWholeInMemoryThatTheOutputBounds) 
     EXPECT_EQ(outcome.output.size(), output);
     EXPECT_EQ(outcome.errorOutput.size(), errors);
     if (!hasSanitizer) {
-        // A text that grows lies in memory twice while it moves.
+        // A text that grows is in memory twice while it is moved.
         const std::size_t most = 2 * (output + errors) / 1024 + 65536;
         EXPECT_LT(memoryFigure("VmHWM") - before, most);
     }

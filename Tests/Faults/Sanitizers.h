@@ -1,9 +1,9 @@
-// Sanitizers.h - what a test cannot ask of a program that a sanitizer watches.
+// Sanitizers.h - whether the tests are built with a sanitizer that rules out some of them.
 #pragma once
 
 namespace neb::test {
 
-// The sanitizers set aside address space by the terabyte, and want to be loaded before anything.
+// These sanitizers reserve terabytes of address space and must be loaded before other libraries.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool hasSanitizer = true;
 #elif defined(__has_feature)

@@ -1,5 +1,5 @@
-// The server under hostile messages and without memory: it goes on or ends in good order, and
-// leaves no process behind.
+// Sends hostile messages to the server, and lets it run out of memory: it continues or exits
+// orderly, and leaves no process running.
 
 #include <gmock/gmock.h>
 
@@ -33,7 +33,7 @@ protected:
     }
 };
 
-/// 6 MB that would take 600 MB as nodes.
+/// Returns 6 MB of JSON that would take 600 MB when parsed into values.
 std::string manyZeros() {
     constexpr std::size_t count = 3 * million;
     std::string text = "[0";
@@ -46,7 +46,7 @@ std::string manyZeros() {
 
 TEST_F(ServerFaults, AMessageOfManySmallValuesTakesBoundedMemory) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+        GTEST_SKIP() << "a sanitizer needs more address space than the limit";
     }
     ServerClient client({{"MALLOC_ARENA_MAX", "1"}}, withAddressSpaceOf(400 * million));
     client.initialize();
@@ -62,7 +62,7 @@ TEST_F(ServerFaults, AMessageOfManySmallValuesTakesBoundedMemory) {
     EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
 }
 
-/// A git that writes the number of its process and works for long.
+/// A git that writes its process id and runs for an hour.
 class LongWork {
 public:
     LongWork() {
@@ -89,11 +89,10 @@ private:
     TemporaryFolder _folder;
 };
 
-/// The memory runs out at another place for each amount: while the message arrives, while it is
-/// read, while it is answered.
+/// Each limit is reached at another step: while the message is received, parsed or answered.
 TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunning) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+        GTEST_SKIP() << "a sanitizer needs more address space than the limit";
     }
     const std::string message =
         R"({"jsonrpc":"2.0","id":7,"method":"sourceControl/plan","params":{"type":15,"destination":")" +
@@ -123,17 +122,17 @@ TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunni
         } else {
             ended = true;
         }
-        EXPECT_EQ(client.exitStatus(), 1) << "ended by a signal";
+        EXPECT_EQ(client.exitStatus(), 1) << "terminated by a signal";
         EXPECT_FALSE(isLiveProcess(process));
     }
     EXPECT_TRUE(wentOn);
     EXPECT_TRUE(ended);
 }
 
-/// Memory runs out at another record for each amount.
+/// Each limit is reached at another record.
 TEST_F(ServerFaults, WithoutMemoryForARecordTheRequestFailsAndTheServerGoesOn) {
     if (hasSanitizer) {
-        GTEST_SKIP() << "a sanitizer takes more address space than there is";
+        GTEST_SKIP() << "a sanitizer needs more address space than the limit";
     }
     const TemporaryFolder folder;
     folder.writeProgram(
@@ -160,7 +159,7 @@ TEST_F(ServerFaults, WithoutMemoryForARecordTheRequestFailsAndTheServerGoesOn) {
         client.send(2, "sourceControl/plan", {{"type", NEBSourceControlRequestStatus}});
         EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
         client.send({}, "exit");
-        EXPECT_EQ(client.exitStatus(), 1) << "ended by a signal";
+        EXPECT_EQ(client.exitStatus(), 1) << "terminated by a signal";
     }
     EXPECT_TRUE(hasFailedForMemory);
 }

@@ -1,4 +1,4 @@
-// A plug-in that says less about itself than it must.
+// A plug-in whose description lacks required members.
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 

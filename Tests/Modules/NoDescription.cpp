@@ -1,4 +1,4 @@
-// A plug-in that has nothing to say about itself.
+// A plug-in that returns no description.
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 

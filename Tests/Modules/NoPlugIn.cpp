@@ -1,4 +1,4 @@
-// A library that is no plug-in.
+// A library that is not a plug-in.
 
 #include "Platform/Export.h"
 

@@ -1,4 +1,4 @@
-// A plug-in that has nothing to give.
+// A plug-in that returns no principal class.
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 

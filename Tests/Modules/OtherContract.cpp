@@ -1,5 +1,5 @@
-// A plug-in built against another version of the host contract. What follows its version may be
-// anything, so nobody may look at it: here, it leads nowhere.
+// A plug-in built against another version of the host contract. A host must not read the members
+// after the version: here, they are null.
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 

@@ -1,4 +1,4 @@
-// A plug-in that throws an int from the entry point that the variable THROWS_FROM names.
+// A plug-in that throws an int from the entry point named by the environment variable THROWS_FROM.
 
 #include <signal.h>
 #include <unistd.h>

@@ -1,6 +1,5 @@
-// The wall clock of a machine whose clock is set all the time: every look at it is days away from
-// the one before, forwards or back. The steady clocks are as they were. Loaded before a program's
-// own libraries.
+// A wall clock that jumps: each reading is days before or after the previous one. Monotonic clocks
+// are unchanged. Loaded with LD_PRELOAD.
 
 #include <dlfcn.h>
 #include <sys/time.h>

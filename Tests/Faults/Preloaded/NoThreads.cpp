@@ -1,4 +1,4 @@
-// A machine without a further thread: loaded before a program's own libraries, it refuses each.
+// A system that refuses every new thread. Loaded with LD_PRELOAD.
 
 #include <errno.h>
 #include <pthread.h>

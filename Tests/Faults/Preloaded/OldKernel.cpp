@@ -1,5 +1,5 @@
-// A kernel that lacks renameat2: loaded before a program's own libraries. With NEB_TEST_LATE_FILE
-// in the environment, another program has just made a file where the program wants to put its own.
+// A kernel without renameat2. Loaded with LD_PRELOAD. If NEB_TEST_LATE_FILE is set, a file is
+// created at the destination just before the program writes its own file there.
 
 #include <errno.h>
 #include <fcntl.h>

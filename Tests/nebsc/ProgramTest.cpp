@@ -48,10 +48,10 @@ TEST(Program, PrintsOneVersionPerLine) {
 TEST(Program, ReportsThatGitHasNoVersion) {
     const StandInGit failing("", "exit 3");
     EXPECT_THAT(runNebsc({"--version"}, {.variables = {failing.path()}}).output,
-                testing::EndsWith("\ngit told no version: exit status 3\n"));
+                testing::EndsWith("\ngit reported no version: exit status 3\n"));
     const StandInGit complaining("/x", "echo 'fatal: bad config' >&2; exit 128");
     EXPECT_THAT(runNebsc({"--version"}, {.variables = {complaining.path()}}).output,
-                testing::EndsWith("\ngit told no version: fatal: bad config\n"));
+                testing::EndsWith("\ngit reported no version: fatal: bad config\n"));
     const TemporaryFolder broken;
     broken.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome = runNebsc({"--version"}, {.variables = {{"PATH", broken.path()}}});

@@ -47,8 +47,8 @@ TEST_F(BranchCommands, AreFoundBehindTheNameOfTheFirst) {
                                                         std::string(name)));
         EXPECT_EQ(help.exitStatus, 0);
     }
-    expectFailed(nebsc({"branch", "lsit"}),
-                 AllOf(HasSubstr("branch lsit"), HasSubstr("Did you mean \"list\"?")), 2);
+    expectFailed(nebsc({"branch", "lsit"}), AllOf(HasSubstr("lsit"), HasSubstr("; did you mean ")),
+                 2);
     expectFailed(nebsc({"branch", "create"}),
                  AllOf(HasSubstr("NAME"), HasSubstr("branch create --help")), 2);
     expectFailed(nebsc({"branch", "list", "current"}), HasSubstr("current"), 2);

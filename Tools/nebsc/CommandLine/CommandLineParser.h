@@ -52,7 +52,7 @@ public:
     [[nodiscard]] const ParsedCommandLine& parsed() const { return _parsed; }
     /// Returns the arguments so far that are neither commands nor options.
     [[nodiscard]] const std::vector<std::string>& operands() const { return _operands; }
-    /// Returns the option that takes the next argument as its value; null if there is none.
+    /// Returns the option that takes the next argument as its value, or null.
     [[nodiscard]] const Parameter* pendingOption() const { return _pendingOption; }
     [[nodiscard]] bool acceptsOptions() const;
     /// Returns the commands that may be named next; empty if none may.

@@ -16,7 +16,7 @@ struct GitName {
 /// Returns all rows. A git command without a counterpart has none.
 [[nodiscard]] std::span<const GitName> gitNames();
 
-/// Returns the nebsc command that does what the git command does; empty if there is none.
+/// Returns the nebsc command that does what the git command does, or an empty text.
 [[nodiscard]] std::string_view nameOfGitCommand(std::string_view nameInGit);
 
 }  // namespace neb::nebsc

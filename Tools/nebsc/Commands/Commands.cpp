@@ -4,49 +4,54 @@
 
 namespace neb::nebsc {
 
+namespace {
+
+constexpr std::array commands{
+    &statusCommand,
+    &logCommand,
+    &blameCommand,
+    &diffCommand,
+    &listCommand,
+    &exportCommand,
+    &exportTreeCommand,
+    &infoCommand,
+    &doctorCommand,
+    //
+    &initCommand,
+    &addCommand,
+    &removeCommand,
+    &moveCommand,
+    &copyCommand,
+    &makeDirectoryCommand,
+    &ignoreCommand,
+    &revertCommand,
+    &commitCommand,
+    //
+    &branchCommand,
+    &checkoutCommand,
+    &mergeCommand,
+    &mergeBaseCommand,
+    //
+    &cloneCommand,
+    &remoteCommand,
+    &fetchCommand,
+    &pushCommand,
+    &updateCommand,
+    //
+    &subversionCommand,
+    //
+    &requestCommand,
+    &serveCommand,
+    &typesCommand,
+    //
+    &completionCommand,
+    &completeCommand,
+    &manualCommand,
+};
+
+}  // namespace
+
 std::span<const Command* const> allCommands() {
-    static constexpr std::array commands{
-        &statusCommand,
-        &logCommand,
-        &blameCommand,
-        &diffCommand,
-        &listCommand,
-        &exportCommand,
-        &exportTreeCommand,
-        &infoCommand,
-        &doctorCommand,
-        //
-        &initCommand,
-        &addCommand,
-        &removeCommand,
-        &moveCommand,
-        &copyCommand,
-        &makeDirectoryCommand,
-        &ignoreCommand,
-        &revertCommand,
-        &commitCommand,
-        //
-        &branchCommand,
-        &checkoutCommand,
-        &mergeCommand,
-        &mergeBaseCommand,
-        //
-        &cloneCommand,
-        &remoteCommand,
-        &fetchCommand,
-        &pushCommand,
-        &updateCommand,
-        //
-        &subversionCommand,
-        //
-        &requestCommand,
-        &serveCommand,
-        &typesCommand,
-        //
-        &completionCommand,
-        &completeCommand,
-        &manualCommand,
-    };
     return commands;
 }
 

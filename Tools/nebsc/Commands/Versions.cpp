@@ -24,7 +24,7 @@ CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trac
         if (git.status.started()) {
             const std::string words(git.errorOutput);
             noVersion =
-                "git told no version: " +
+                "git reported no version: " +
                 (words.empty() ? git.status.description() : words.substr(0, words.find('\n')));
         }
         output.standardOutput = "nebsc " NEBSC_VERSION "\n" +

@@ -50,7 +50,7 @@ std::string wrapped(std::string_view text, std::size_t indent) {
     return lines;
 }
 
-/// Returns a heading and the entries below it; empty if there are none.
+/// Returns a heading and the entries below it, or an empty text without entries.
 std::string section(std::string_view heading, const std::vector<Entry>& entries) {
     constexpr std::size_t largestIndent = 30;
     std::size_t indent = 0;

@@ -33,7 +33,7 @@ TEST_F(RemoteCommands, HaveHelpOfTheirOwn) {
             testing::ContainsRegex("\nExamples?:\n(.*\n)* .*nebsc remote " + std::string(name)));
     }
     expectFailed(nebsc({"remote", "del"}), HasSubstr("remote --help"), 2);
-    expectFailed(nebsc({"remote", "add", "x"}), HasSubstr("URL is required"), 2);
+    expectFailed(nebsc({"remote", "add", "x"}), HasSubstr("missing argument "), 2);
 }
 
 // ---- list -------------------------------------------------------------------------------------

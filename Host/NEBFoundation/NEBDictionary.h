@@ -5,9 +5,9 @@
 //     record.value(NEBSourceControlOperationPathKey).string();   // "/w/a.txt"
 //     record.value("no such key").isPresent();                   // false
 //
-// A value: copies are independent, any thread may use its own. A host constant as a key costs
-// nothing; another text is copied, unless a value holds it already. Looking up is quick at any
-// size.
+// A value type: copies are independent, and each thread may use its own copy. A key that is a host
+// constant is not copied; any other text is, unless a value shares it. A look-up takes constant
+// time at any size.
 #pragma once
 
 #include <cstdint>
@@ -23,18 +23,20 @@
 
 namespace neb {
 
+/// Maps text keys to present values, in the order in which the keys were first set.
 class NEB_EXPORT NEBDictionary {
 public:
+    /// A key and its value. Immutable while it is part of a dictionary.
     class NEB_EXPORT Entry {
     public:
         Entry(NEBConstant key, NEBValue value) : _key(key.text().data()), _value(std::move(value)) {
-            _value._bits.noteOfKey = static_cast<std::uint8_t>(key.text().size());
+            _value._bits.keyLength = static_cast<std::uint8_t>(key.text().size());
         }
         Entry(const std::string& key, NEBValue value)
             : Entry(NEBValue::newText(key), std::move(value)) {}
         Entry(const Entry& other);
         Entry(Entry&& other) noexcept : _key(other._key), _value(std::move(other._value)) {
-            _value._bits.noteOfKey = std::exchange(other._value._bits.noteOfKey, 0);
+            _value._bits.keyLength = std::exchange(other._value._bits.keyLength, 0);
         }
         Entry& operator=(Entry other) noexcept {
             std::swap(_key, other._key);
@@ -50,24 +52,24 @@ public:
         [[nodiscard]] std::string_view key() const {
             return hasOwnKey()
                        ? NEBValue::textOf(*sharedKey())
-                       : std::string_view(static_cast<const char*>(_key), _value._bits.noteOfKey);
+                       : std::string_view(static_cast<const char*>(_key), _value._bits.keyLength);
         }
         [[nodiscard]] const NEBValue& value() const { return _value; }
 
     private:
         friend class NEBDictionary;
-        /// Takes over one hold on the key.
+        /// Takes over one reference to the key.
         Entry(const NEBValue::SharedText* key, NEBValue value);
 
-        [[nodiscard]] bool hasOwnKey() const { return _value._bits.noteOfKey == ownKey; }
+        [[nodiscard]] bool hasOwnKey() const { return _value._bits.keyLength == ownKey; }
         [[nodiscard]] const NEBValue::SharedText* sharedKey() const {
             return static_cast<const NEBValue::SharedText*>(_key);
         }
 
         static constexpr std::uint8_t ownKey = 0xFF;
 
-        /// Of a host constant the characters, as many as are noted with the value; or, when ownKey
-        /// is noted there, a text as values share it.
+        /// The characters of a host constant, whose length is in the value's `keyLength`; or, when
+        /// that is `ownKey`, the shared content of a string.
         const void* _key;
         NEBValue _value;
     };
@@ -80,61 +82,70 @@ public:
     NEBDictionary& operator=(NEBDictionary&&) noexcept = default;
     ~NEBDictionary() = default;
 
-    /// Adds an entry, or replaces the value of the one there is, which keeps its place. An absent
-    /// value changes nothing.
+    /// Adds an entry, or replaces the value of an existing entry, which keeps its position. Does
+    /// nothing when the value is absent.
     void set(NEBConstant key, NEBValue value) {
         if (isNew(key, value)) {
             _entries.emplace_back(key, std::move(value));
-            noteLast();
+            indexLastIfNeeded();
         }
     }
     void set(const std::string& key, NEBValue value) { add(Entry(key, std::move(value))); }
-    /// The same, with the text that a string value holds for a key: shared, not copied, when it is
-    /// long. A key of another kind changes nothing.
+    /// Like set(), with the text of a string value as the key. A long text is shared, not copied.
+    /// Does nothing when the key is not a string.
     void setWithSharedKey(const NEBValue& key, NEBValue value) {
         if (key.isString()) {
             add(Entry(key.sharedText(), std::move(value)));
         }
     }
-    /// Sets all entries of `other`, in their order.
+    /// Calls set() for each entry of `other`, in order.
     void addEntriesFrom(const NEBDictionary& other);
 
-    /// The value under the key, the absent value when there is none. Good until the next change.
+    /// Returns the value of a key; the absent value when there is none. The reference is valid
+    /// until the next change.
     [[nodiscard]] const NEBValue& value(std::string_view key) const;
+    /// Returns the text of a key's string value; empty when the value is absent or of another kind.
+    /// The characters are valid until the next change.
+    [[nodiscard]] std::string_view text(std::string_view key) const {
+        return value(key).string().value_or("");
+    }
     [[nodiscard]] bool contains(std::string_view key) const { return find(key) != nullptr; }
 
+    /// The number of entries.
     [[nodiscard]] std::size_t size() const { return _entries.size(); }
     [[nodiscard]] bool isEmpty() const { return _entries.empty(); }
+    /// Allocates memory for that many entries.
     void reserve(std::size_t count) { _entries.reserve(count); }
+    /// Iterates over the entries in order. A change invalidates the iterators.
     [[nodiscard]] auto begin() const { return _entries.begin(); }
     [[nodiscard]] auto end() const { return _entries.end(); }
 
-    /// Equal entries, in whatever order.
+    /// Compares the entries in any order.
     friend NEB_EXPORT bool operator==(const NEBDictionary& left, const NEBDictionary& right);
 
 private:
-    /// Where the entries stand, by their keys: a table with open addressing, of a power of two
-    /// places, of which at least a quarter are free.
+    /// The positions of the entries by key: a hash table with open addressing. Its size is a power
+    /// of two; at least a quarter of the slots are free.
     using Index = std::vector<std::uint32_t>;
-    /// Up to here a walk through the entries is as quick as an index.
-    static constexpr std::size_t walkedSize = 16;
+    /// Up to this size a linear search is as fast as an index.
+    static constexpr std::size_t linearSearchSize = 16;
 
     void add(Entry entry);
-    /// Whether an entry with the key and value is to be added. False for an absent value; also for
-    /// a key that there is, whose entry then has the value.
+    /// Returns whether an entry must be added. If the key exists, replaces its value and returns
+    /// false; also returns false when the value is absent.
     [[nodiscard]] bool isNew(std::string_view key, NEBValue& value);
-    void noteLast() {
-        if (_entries.size() > walkedSize) {
-            noteLastInIndex();
+    void indexLastIfNeeded() {
+        if (_entries.size() > linearSearchSize) {
+            indexLast();
         }
     }
-    void noteLastInIndex();
+    void indexLast();
     void buildIndex();
-    [[nodiscard]] std::uint32_t& placeInIndex(std::string_view key) const;
+    [[nodiscard]] std::uint32_t& slotForKey(std::string_view key) const;
     [[nodiscard]] const Entry* find(std::string_view key) const;
 
     std::vector<Entry> _entries;
-    std::unique_ptr<Index> _index;  // only once a walk through the entries would be slow
+    std::unique_ptr<Index> _index;  // null while a linear search is fast enough
 };
 
 }  // namespace neb

@@ -1,18 +1,17 @@
 #include "NEBFoundation/NEBValue.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <limits>
 
 #include "LOMFoundation/LOMFormat.h"
-#include "NEBFoundation/NEBDictionary.h"
 
 namespace neb {
 
-// ---- what is held -----------------------------------------------------------------------------
+// ---- shared content ---------------------------------------------------------------------------
 
-/// A text. Its characters stand behind this object in the same block of memory, if it is no
-/// HeldPiece.
+/// Unless it is a HeldPiece, its characters follow this object in the same block of memory.
 struct NEBValue::SharedText : Shared {
     explicit SharedText(std::size_t count, bool isPiece = false)
         : length(count), isHeldPiece(isPiece) {}
@@ -20,51 +19,41 @@ struct NEBValue::SharedText : Shared {
     const bool isHeldPiece;
 };
 
-/// A piece that is too long, or begins too far behind, to be noted in a value.
+/// A piece whose length or offset does not fit into a value.
 struct NEBValue::HeldPiece : SharedText {
-    HeldPiece(const Data& data, std::size_t place, std::size_t count)
-        : SharedText(count, true), whole(data), offset(place) {}
+    HeldPiece(const Data& data, std::size_t start, std::size_t count)
+        : SharedText(count, true), whole(data), offset(start) {}
     const Data whole;
     const std::size_t offset;
 };
 
-template <typename Thing>
-struct NEBValue::SharedThing : Shared {
-    explicit SharedThing(Thing held) : thing(std::move(held)) {}
-    const Thing thing;
+struct NEBValue::SharedPath : SharedContent {
+    explicit SharedPath(LOMFilePath held) : path(std::move(held)) {}
+    [[nodiscard]] std::string description() const override { return path.pathString(); }
+    [[nodiscard]] bool equals(const SharedContent& other) const override {
+        return path == static_cast<const SharedPath&>(other).path;
+    }
+    const LOMFilePath path;
 };
 
-template <typename Thing>
-void NEBValue::holdShared(Kind kind, Thing thing) {
-    hold<const Shared*>(kind, new SharedThing<Thing>(std::move(thing)));
-}
-
-template <typename Thing>
-const Thing* NEBValue::thing(Kind kind) const {
-    return _bits.kind == kind ? &static_cast<const SharedThing<Thing>*>(shared())->thing : nullptr;
-}
-
-template <typename Thing>
-void NEBValue::releaseThing(const Shared* shared) {
-    if (shared->release()) {
-        delete static_cast<const SharedThing<Thing>*>(shared);
+struct NEBValue::SharedObject : SharedContent {
+    explicit SharedObject(std::shared_ptr<const NEBObject> held) : object(std::move(held)) {}
+    [[nodiscard]] std::string description() const override {
+        return object->descriptionForAssertionMessage();
     }
-}
+    [[nodiscard]] bool equals(const SharedContent& other) const override {
+        return object == static_cast<const SharedObject&>(other).object;
+    }
+    const std::shared_ptr<const NEBObject> object;
+};
 
 void NEBValue::release() {
-    switch (_bits.kind) {
-        case Kind::piece:
-            return Data::release(static_cast<const Data::Block*>(shared()));
-        case Kind::string:
-            return releaseText(static_cast<const SharedText*>(shared()));
-        case Kind::filePath:
-            return releaseThing<LOMFilePath>(shared());
-        case Kind::dictionary:
-            return releaseThing<NEBDictionary>(shared());
-        case Kind::object:
-            return releaseThing<std::shared_ptr<const NEBObject>>(shared());
-        default:
-            return;  // nothing is shared
+    if (_bits.kind == Kind::piece) {
+        Data::release(static_cast<const Data::Block*>(shared()));
+    } else if (_bits.kind == Kind::string) {
+        releaseText(static_cast<const SharedText*>(shared()));
+    } else if (shared()->release()) {
+        delete sharedContent(_bits.kind);
     }
 }
 
@@ -128,31 +117,27 @@ NEBValue::NEBValue(const Data& whole, std::string_view piece) {
     }
     hold<const Shared*>(Kind::piece, whole._block);
     const auto noted = static_cast<std::uint32_t>(offset);
-    std::memcpy(&_bits.content[placeOfOffset], &noted, sizeof noted);
-    _bits.content[placeOfLength] = static_cast<char>(piece.size() & 0xFFU);
+    std::memcpy(&_bits.content[offsetIndex], &noted, sizeof noted);
+    _bits.content[lengthIndex] = static_cast<char>(piece.size() & 0xFFU);
     _bits.length = static_cast<std::uint8_t>(piece.size() >> 8U);
     shared()->retain();
 }
 
 std::string_view NEBValue::textOfPiece() const {
     std::uint32_t offset = 0;
-    std::memcpy(&offset, &_bits.content[placeOfOffset], sizeof offset);
+    std::memcpy(&offset, &_bits.content[offsetIndex], sizeof offset);
     const std::size_t length =
-        static_cast<unsigned char>(_bits.content[placeOfLength]) | std::size_t{_bits.length} << 8U;
+        static_cast<unsigned char>(_bits.content[lengthIndex]) | std::size_t{_bits.length} << 8U;
     return {static_cast<const Data::Block*>(shared())->bytes + offset, length};
 }
 
 NEBValue::NEBValue(LOMFilePath path) {
-    holdShared(Kind::filePath, std::move(path));
-}
-
-NEBValue::NEBValue(NEBDictionary dictionary) {
-    holdShared(Kind::dictionary, std::move(dictionary));
+    hold<const Shared*>(Kind::filePath, new SharedPath(std::move(path)));
 }
 
 NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
     if (object) {
-        holdShared(Kind::object, std::move(object));
+        hold<const Shared*>(Kind::object, new SharedObject(std::move(object)));
     }
 }
 
@@ -179,17 +164,15 @@ std::optional<NEBDate> NEBValue::date() const {
                : std::nullopt;
 }
 const LOMFilePath* NEBValue::filePath() const {
-    return thing<LOMFilePath>(Kind::filePath);
-}
-const NEBDictionary* NEBValue::dictionary() const {
-    return thing<NEBDictionary>(Kind::dictionary);
+    const auto* content = sharedContent(Kind::filePath);
+    return content != nullptr ? &static_cast<const SharedPath*>(content)->path : nullptr;
 }
 const NEBObject* NEBValue::object() const {
-    const auto* held = thing<std::shared_ptr<const NEBObject>>(Kind::object);
-    return held != nullptr ? held->get() : nullptr;
+    const auto* content = sharedContent(Kind::object);
+    return content != nullptr ? static_cast<const SharedObject*>(content)->object.get() : nullptr;
 }
 
-// ---- as a truth, as text ----------------------------------------------------------------------
+// ---- conversions ------------------------------------------------------------------------------
 
 namespace {
 
@@ -201,15 +184,6 @@ bool boolValueOfString(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
     return !text.empty() &&
            std::string_view("YyTt123456789").find(text.front()) != std::string_view::npos;
-}
-
-std::string descriptionOfDictionary(const NEBDictionary& dictionary) {
-    std::string text = "{";
-    for (const NEBDictionary::Entry& entry : dictionary) {
-        text.append(text.size() > 1 ? ", " : "").append(entry.key()).append(" = ");
-        text += entry.value().description();
-    }
-    return text + "}";
 }
 
 }  // namespace
@@ -234,14 +208,8 @@ std::string NEBValue::description() const {
     if (const auto held = date()) {
         return textOfDate(*held);
     }
-    if (const LOMFilePath* held = filePath()) {
-        return held->pathString();
-    }
-    if (const NEBDictionary* held = dictionary()) {
-        return descriptionOfDictionary(*held);
-    }
-    if (const NEBObject* held = object()) {
-        return held->descriptionForAssertionMessage();
+    if (isShared()) {
+        return sharedContent(_bits.kind)->description();
     }
     return std::string(absentValueText);
 }
@@ -260,23 +228,16 @@ bool operator==(const NEBValue& left, const NEBValue& right) {
     }
     switch (left._bits.kind) {
         case Kind::nothing:
-        case Kind::shortString:
-        case Kind::piece:
-        case Kind::string:
-            return true;  // texts have been told apart
+            return true;
         case Kind::boolean:
             return left.boolean() == right.boolean();
         case Kind::integer:
         case Kind::date:
             return left.held<std::int64_t>() == right.held<std::int64_t>();
-        case Kind::filePath:
-            return *left.filePath() == *right.filePath();
-        case Kind::dictionary:
-            return *left.dictionary() == *right.dictionary();
-        case Kind::object:
-            return left.object() == right.object();
+        default:
+            return left.sharedContent(left._bits.kind)
+                ->equals(*right.sharedContent(right._bits.kind));
     }
-    return false;
 }
 
 std::string textOfDate(NEBDate date) {

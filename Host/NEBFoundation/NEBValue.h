@@ -3,7 +3,7 @@
 //
 //     NEBValue value("topic");
 //     value.string();             // "topic"
-//     value.integer();            // nothing: no kind is turned into another
+//     value.integer();            // absent: kinds are never converted
 //     NEBValue().isPresent();     // false
 #pragma once
 
@@ -31,12 +31,12 @@ class NEBDictionary;
 /// An instant, in whole seconds since 1970-01-01 00:00:00 UTC, as git keeps them.
 using NEBDate = std::chrono::sys_time<std::chrono::duration<std::int64_t>>;
 
-/// A value: copies are independent, any thread may use its own. A number, a date or a short text
-/// stands in the value itself; whatever is larger is shared by the copies of a value and never
-/// changes, so a copy costs nothing.
+/// A value type: copies are independent, and each thread may use its own copy. Numbers, dates and
+/// short strings are stored in the value itself. Larger contents are immutable and shared by all
+/// copies of a value, so that copying is cheap.
 class NEB_EXPORT NEBValue {
 public:
-    /// Nothing.
+    /// The absent value.
     NEBValue() = default;
     template <std::same_as<bool> Bool>
     NEBValue(Bool boolean) {
@@ -50,34 +50,35 @@ public:
     NEBValue(std::string_view string);
     NEBValue(const std::string& string) : NEBValue(std::string_view(string)) {}
     NEBValue(const char* string) : NEBValue(std::string_view(string)) {}
-    /// The text that `piece` is, which must be a part of the bytes of `whole`. A long one is not
-    /// copied: it keeps all the bytes alive.
+    /// A string with the text `piece`, which must lie within the bytes of `whole`. A long text is
+    /// not copied; the value keeps all bytes of `whole` alive.
     NEBValue(const Data& whole, std::string_view piece);
-    /// The text that all of the Data is.
+    /// A string with all bytes of `text`.
     NEBValue(const Data& text) : NEBValue(text, text) {}
     NEBValue(NEBConstant constant) : NEBValue(constant.text()) {}
     NEBValue(NEBDate date) {
         hold(Kind::date, static_cast<std::int64_t>(date.time_since_epoch().count()));
     }
     NEBValue(LOMFilePath path);
+    /// Include NEBDictionary.h to use it.
     NEBValue(NEBDictionary dictionary);
-    /// An absent object makes nothing.
+    /// A null pointer makes the absent value. The value shares ownership of the object.
     NEBValue(std::shared_ptr<const NEBObject> object);
 
     NEBValue(const NEBValue& other) : _bits(other._bits) {
-        _bits.noteOfKey = 0;
+        _bits.keyLength = 0;
         if (isShared()) {
             shared()->retain();
         }
     }
     NEBValue(NEBValue&& other) noexcept : _bits(other._bits) {
-        _bits.noteOfKey = 0;
+        _bits.keyLength = 0;
         other._bits.kind = Kind::nothing;
     }
     NEBValue& operator=(const NEBValue& other) { return *this = NEBValue(other); }
     NEBValue& operator=(NEBValue&& other) noexcept {
         std::swap(_bits, other._bits);
-        std::swap(_bits.noteOfKey, other._bits.noteOfKey);
+        std::swap(_bits.keyLength, other._bits.keyLength);
         return *this;
     }
     ~NEBValue() {
@@ -91,8 +92,9 @@ public:
         return _bits.kind >= Kind::shortString && _bits.kind <= Kind::string;
     }
 
-    /// Each answers the content when the value is of that kind, else nothing. A string's characters
-    /// and a pointer are good as long as the value lives, unchanged and in its place.
+    /// Each returns the content when the value is of that kind; otherwise it is absent or null. The
+    /// characters of a string and the objects behind the pointers belong to the value: they are
+    /// valid until it is destroyed, moved or assigned to.
     [[nodiscard]] std::optional<bool> boolean() const;
     [[nodiscard]] std::optional<std::int64_t> integer() const;
     [[nodiscard]] std::optional<std::string_view> string() const;
@@ -101,23 +103,23 @@ public:
     [[nodiscard]] const NEBDictionary* dictionary() const;
     [[nodiscard]] const NEBObject* object() const;
 
-    /// True for true, for an integer other than 0, and for a string that begins with a letter of
-    /// "yes" or "true" or with a number other than 0; false for anything else.
+    /// Returns the truth value: true for `true`, for an integer other than 0, and for a string that
+    /// starts with one of "YyTt" or with a number other than 0; false for anything else.
     [[nodiscard]] bool boolValue() const;
 
-    /// The value as text fills a place in a message: a string as it is, a number in decimal,
-    /// nothing as "(null)".
+    /// Returns the text for a message: a string as it is, a number in decimal, "(null)" for the
+    /// absent value.
     [[nodiscard]] std::string description() const;
-    /// As text in the message of an assertion report: like description(), a string in quotes.
+    /// Returns the text for an assertion report: description(), with a string in quotes.
     [[nodiscard]] std::string descriptionForAssertionMessage() const;
 
-    /// Equal kind and content; dictionaries by their entries, objects by identity.
+    /// Compares kind and content; dictionaries by their entries, objects by identity.
     friend NEB_EXPORT bool operator==(const NEBValue& left, const NEBValue& right);
 
 private:
     friend class NEBDictionary;
 
-    /// From `piece` on, what is shared. A piece is a text too, of Data.
+    /// The kinds from `piece` on share their content. A piece is a string within a Data.
     enum class Kind : std::uint8_t {
         nothing,
         boolean,
@@ -130,14 +132,22 @@ private:
         dictionary,
         object
     };
-    /// What copies share.
+    /// The shared content of a string.
     struct SharedText;
     struct HeldPiece;
-    template <typename Thing>
-    struct SharedThing;
+    /// The shared content of the other kinds.
+    struct SharedContent : Shared {
+        virtual ~SharedContent() = default;
+        [[nodiscard]] virtual std::string description() const = 0;
+        /// `other` is of the same kind.
+        [[nodiscard]] virtual bool equals(const SharedContent& other) const = 0;
+    };
+    struct SharedPath;
+    struct SharedObject;
+    /// Defined in NEBDictionary.cpp, so that values do not depend on dictionaries.
+    struct SharedDictionary;
 
-    /// Puts a small thing into the content, or takes it out: a pointer itself, not what it points
-    /// to.
+    /// Stores and loads the content; of a pointer the pointer itself.
     // NOLINTBEGIN(bugprone-sizeof-expression)
     template <typename Small>
     void hold(Kind kind, Small small) {
@@ -151,38 +161,37 @@ private:
         return small;
     }
     // NOLINTEND(bugprone-sizeof-expression)
-    template <typename Thing>
-    void holdShared(Kind kind, Thing thing);
-    template <typename Thing>
-    [[nodiscard]] const Thing* thing(Kind kind) const;
     [[nodiscard]] const Shared* shared() const { return held<const Shared*>(); }
     [[nodiscard]] bool isShared() const { return _bits.kind >= Kind::piece; }
+    /// Null unless the value is of this kind, one of filePath, dictionary and object.
+    [[nodiscard]] const SharedContent* sharedContent(Kind kind) const {
+        return _bits.kind == kind ? static_cast<const SharedContent*>(shared()) : nullptr;
+    }
     void release();
-    template <typename Thing>
-    static void releaseThing(const Shared* shared);
     [[nodiscard]] static const SharedText* newText(std::string_view text);
     static void retainText(const SharedText& text);
     static void releaseText(const SharedText* text);
-    /// The text of a string value in the form in which values share one, with one holder more.
+    /// Returns the text of a string value as shared content, retained for the caller.
     [[nodiscard]] const SharedText* sharedText() const;
     [[nodiscard]] static std::string_view textOf(const SharedText& shared);
     [[nodiscard]] std::string_view textOfPiece() const;
 
-    /// As many characters stand in the value itself: enough for an abbreviated revision.
+    /// The longest string that is stored in the value itself; enough for an abbreviated revision.
     static constexpr std::size_t shortLength = 13;
-    /// Behind the address of its Data, where a piece begins, and the low byte of its length.
-    static constexpr std::size_t placeOfOffset = sizeof(std::int64_t);
-    static constexpr std::size_t placeOfLength = placeOfOffset + sizeof(std::uint32_t);
-    static_assert(placeOfLength < shortLength);
+    /// The content of a piece: the address of its Data, its offset there, and the low byte of its
+    /// length.
+    static constexpr std::size_t offsetIndex = sizeof(std::int64_t);
+    static constexpr std::size_t lengthIndex = offsetIndex + sizeof(std::uint32_t);
+    static_assert(lengthIndex < shortLength);
 
     struct Bits {
-        /// A boolean, an integer (of a date, its seconds), a short string's characters, a piece, or
-        /// the address of what is shared.
+        /// A boolean, an integer, the seconds of a date, the characters of a short string, a piece,
+        /// or the address of the shared content.
         alignas(std::int64_t) std::array<char, shortLength> content{};
-        std::uint8_t length = 0;  // of a short string; of a piece, the high byte
-        /// Where the value stands in a dictionary, what that notes of its key: there are many
-        /// values, and this room costs nothing. It stays where it is when a value is copied.
-        std::uint8_t noteOfKey = 0;
+        std::uint8_t length = 0;  // of a short string; of a piece the high byte
+        /// Used by the dictionary entry that holds the value: the length of its key. It lies here
+        /// because the byte is free. Copying a value does not copy it.
+        std::uint8_t keyLength = 0;
         Kind kind = Kind::nothing;
     };
     Bits _bits;
@@ -190,7 +199,7 @@ private:
 
 static_assert(sizeof(NEBValue) == 16, "a history has millions of them");
 
-/// `2012-03-04T05:06:07Z`. Years beyond 9999 or before 0 carry their sign.
+/// Returns `2012-03-04T05:06:07Z`. Years after 9999 and before 0 have a sign.
 [[nodiscard]] NEB_EXPORT std::string textOfDate(NEBDate date);
 
 }  // namespace neb

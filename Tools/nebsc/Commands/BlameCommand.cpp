@@ -37,9 +37,7 @@ bool isNotCommitted(std::string_view revision) {
 }
 
 BlamedLine lineOf(const NEBDictionary& record) {
-    const auto text = [&record](NEBConstant key) {
-        return printable(record.value(key).string().value_or(""));
-    };
+    const auto text = [&record](NEBConstant key) { return printable(record.text(key)); };
     BlamedLine line{.revision = text(NEBSourceControlOperationRevisionKey),
                     .author = text(NEBSourceControlOperationAuthorKey),
                     .date = {},

@@ -7,9 +7,9 @@
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
-#include "Terminal/GitQuoting.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/StatusLabels.h"
@@ -27,10 +27,6 @@ std::optional<std::int32_t> countIn(std::string_view text) {
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), count);
     const bool isCount = failure == std::errc() && end == text.data() + text.size() && count >= 0;
     return isCount ? std::optional(count) : std::nullopt;
-}
-
-std::string text(const NEBDictionary& record, NEBConstant key) {
-    return std::string(record.value(key).string().value_or(""));
 }
 
 /// The first paragraph on one line.
@@ -135,30 +131,31 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
 // ---- for a person -----------------------------------------------------------------------------
 
 std::string LogTask::revisionColumn(const NEBDictionary& record) const {
-    const std::string revision = printable(text(record, NEBSourceControlOperationRevisionKey));
+    const std::string revision = printable(record.text(NEBSourceControlOperationRevisionKey));
     return _isColoured ? coloured(revision, Colour::yellow) : revision;
 }
 
 std::string LogTask::lineOf(const NEBDictionary& record, std::size_t authorColumns) const {
     const std::string author =
-        paddedTo(authorColumns, printable(text(record, NEBSourceControlOperationAuthorKey)));
+        paddedTo(authorColumns, printable(record.text(NEBSourceControlOperationAuthorKey)));
     const auto date = record.value(NEBSourceControlOperationDateKey).date();
     const std::string middle = "  " + (date ? localMinute(*date) : "") + "  " + author + "  ";
     const std::size_t columns =
-        columnsOf(printable(text(record, NEBSourceControlOperationRevisionKey)) + middle);
+        columnsOf(printable(record.text(NEBSourceControlOperationRevisionKey)) + middle);
     const std::string line = revisionColumn(record) + middle +
                              fitting(STDOUT_FILENO, columns,
-                                     subjectOf(text(record, NEBSourceControlOperationMessageKey)));
+                                     subjectOf(record.text(NEBSourceControlOperationMessageKey)));
     return line.substr(0, line.find_last_not_of(' ') + 1) + "\n" + filesOf(record);
 }
 
 std::string LogTask::blockOf(const NEBDictionary& record) const {
     const auto date = record.value(NEBSourceControlOperationDateKey).date();
-    std::string block = "commit " + revisionColumn(record) + "\nAuthor: " +
-                        printable(text(record, NEBSourceControlOperationAuthorKey) + " <" +
-                                  text(record, NEBSourceControlOperationAuthorEmailKey) + ">") +
-                        "\nDate:   " + (date ? localSecondWithZone(*date) : "") + "\n";
-    const std::string message = text(record, NEBSourceControlOperationMessageKey);
+    std::string block =
+        "commit " + revisionColumn(record) + "\nAuthor: " +
+        printable(std::string(record.text(NEBSourceControlOperationAuthorKey)) + " <" +
+                  std::string(record.text(NEBSourceControlOperationAuthorEmailKey)) + ">") +
+        "\nDate:   " + (date ? localSecondWithZone(*date) : "") + "\n";
+    const std::string_view message = record.text(NEBSourceControlOperationMessageKey);
     if (!message.empty()) {
         block += "\n";
         forEachPiece(message, '\n', [&block](std::string_view line) {
@@ -176,7 +173,7 @@ std::string LogTask::filesOf(const NEBDictionary& record) const {
         for (const NEBDictionary::Entry& entry : *files) {
             lines.append(indent)
                 .append(statusColumn(entry.value(), _isColoured))
-                .append(shown(unquotedName(entry.key())))
+                .append(shown(NEBSourceControlUnquotedPath(entry.key())))
                 .append("\n");
         }
     }
@@ -200,7 +197,7 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
     std::size_t authorColumns = 0;
     for (const NEBDictionary& record : records) {
         authorColumns = std::max(
-            authorColumns, columnsOf(printable(text(record, NEBSourceControlOperationAuthorKey))));
+            authorColumns, columnsOf(printable(record.text(NEBSourceControlOperationAuthorKey))));
     }
     authorColumns = std::min(authorColumns, widestAuthorColumn);
     for (const NEBDictionary& record : records) {

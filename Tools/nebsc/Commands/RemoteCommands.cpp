@@ -17,10 +17,6 @@ namespace neb::nebsc {
 
 namespace {
 
-std::string textOf(const NEBDictionary& record, NEBConstant key) {
-    return std::string(record.value(key).string().value_or(""));
-}
-
 // ---- list -------------------------------------------------------------------------------------
 
 /// A remote, of the records that stand beside each other in the listing.
@@ -40,17 +36,17 @@ std::vector<Remote> remotesOf(const NEBSourceControlResult& result) {
             continue;
         }
         const bool isSubversion = record.value(NEBSourceControlOperationUsesGitSVNKey).boolValue();
-        const std::string name = textOf(record, NEBSourceControlOperationRemoteNameKey);
+        const std::string name(record.text(NEBSourceControlOperationRemoteNameKey));
         if (remotes.empty() || remotes.back().name != name ||
             remotes.back().isSubversion != isSubversion) {
             remotes.emplace_back();
             remotes.back().name = name;
             remotes.back().isSubversion = isSubversion;
         }
-        const std::string type = textOf(record, NEBSourceControlOperationTypeKey);
+        const std::string type(record.text(NEBSourceControlOperationTypeKey));
         Remote& remote = remotes.back();
         (type == "push" ? remote.push : remote.fetch)
-            .push_back(textOf(record, NEBSourceControlOperationRemoteOriginKey));
+            .emplace_back(record.text(NEBSourceControlOperationRemoteOriginKey));
         remote.isIncomplete = remote.isIncomplete || (type.empty() && !isSubversion);
     }
     return remotes;
@@ -219,8 +215,8 @@ void BranchesTask::report(const Outcome& outcome, CommandOutput& output) {
     std::vector<std::vector<std::string>> rows;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
         if (!record.isEmpty()) {
-            rows.push_back({printable(textOf(record, NEBSourceControlOperationNameKey)),
-                            printable(textOf(record, NEBSourceControlOperationRevisionKey))});
+            rows.push_back({printable(record.text(NEBSourceControlOperationNameKey)),
+                            printable(record.text(NEBSourceControlOperationRevisionKey))});
         }
     }
     output.standardOutput =

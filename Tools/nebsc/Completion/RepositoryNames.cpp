@@ -22,10 +22,6 @@ constexpr const char* branchPrefix = "refs/heads/";
 constexpr const char* tagPrefix = "refs/tags/";
 constexpr const char* remotePrefix = "refs/remotes/";
 
-std::string textOf(const NEBDictionary& record, NEBConstant key) {
-    return std::string(record.value(key).string().value_or(""));
-}
-
 /// Returns whether the reference is the HEAD of a remote, an alias of one of its branches.
 bool isHEADOfRemote(std::string_view reference) {
     return reference.starts_with(remotePrefix) && reference.ends_with("/HEAD");
@@ -110,14 +106,14 @@ std::vector<Candidate> RepositoryNames::revisions() {
 std::vector<Candidate> RepositoryNames::remotes() {
     std::vector<Candidate> names;
     for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestListRemotes)) {
-        const std::string name = textOf(record, NEBSourceControlOperationRemoteNameKey);
+        const std::string name(record.text(NEBSourceControlOperationRemoteNameKey));
         const bool isKnown =
             std::any_of(names.begin(), names.end(),
                         [&name](const Candidate& other) { return other.text == name; });
         const bool isSubversion = record.value(NEBSourceControlOperationUsesGitSVNKey).isPresent();
         if (!name.empty() && !isKnown && !isSubversion) {
             names.push_back({name, textWithoutPasswords(
-                                       textOf(record, NEBSourceControlOperationRemoteOriginKey))});
+                                       record.text(NEBSourceControlOperationRemoteOriginKey))});
         }
     }
     return names;

@@ -1,4 +1,4 @@
-// GitQuotedPath.h - paths that are not UTF-8, as text.
+// GitQuotedPath.h - UTF-8 texts for paths of git.
 #pragma once
 
 #include <string>
@@ -6,15 +6,13 @@
 
 namespace neb {
 
-/// Returns the path as text. `printed` is a path as git prints it with core.quotePath=false (see
-/// git-config(1)): in double quotes with escapes where the name has a quote, a backslash or a
-/// control character, else as it is. A path that is UTF-8 stays as it is printed; any other becomes
-/// the spelling with core.quotePath=true, in quotes and with each byte above 0x7F as an octal
-/// escape: `"lat\344.txt"`. Thread-safe.
+/// Returns a path, as git prints it with core.quotePath=false (see git-config(1)), as UTF-8:
+/// unchanged if it is UTF-8, otherwise as git prints it with core.quotePath=true: `"lat\344.txt"`.
+/// Thread-safe.
 [[nodiscard]] std::string gitTextOfPath(std::string_view printed);
 
-/// Returns the lines of a list of paths, TABs between the columns of a line, with each column as
-/// gitTextOfPath() returns it. Thread-safe.
+/// Returns lines of paths, separated by TABs within a line, with gitTextOfPath() applied to each
+/// path. Thread-safe.
 [[nodiscard]] std::string gitTextOfPathLines(std::string_view printed);
 
 }  // namespace neb

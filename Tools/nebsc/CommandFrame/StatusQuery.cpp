@@ -2,9 +2,9 @@
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
-#include "Terminal/GitQuoting.h"
 #include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
@@ -79,7 +79,7 @@ void StatusQuery::parseData() {
         record.reserve(2);
         record.set(NEBSourceControlOperationWCStatusKey, statusOfLetter(entry.letter()));
         record.set(NEBSourceControlOperationPathKey,
-                   textOfName(pathByAppendingComponent(top, entry.path)));
+                   NEBSourceControlPathText(pathByAppendingComponent(top, entry.path)));
         records.push_back(std::move(record));
     }
     setResult(std::move(records));

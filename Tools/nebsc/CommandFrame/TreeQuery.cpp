@@ -1,10 +1,10 @@
 #include "CommandFrame/TreeQuery.h"
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/Scanner.h"
 #include "Platform/Text.h"
 #include "Session/GitProgram.h"
-#include "Terminal/GitQuoting.h"
 
 namespace neb::nebsc {
 
@@ -40,7 +40,7 @@ void TreeQuery::parseData() {
         NEBDictionary record;
         record.reserve(2);
         record.set(NEBSourceControlOperationIsLeafKey, entry.isFile);
-        record.set(NEBSourceControlOperationNameKey, textOfName(entry.name));
+        record.set(NEBSourceControlOperationNameKey, NEBSourceControlPathText(entry.name));
         records.push_back(std::move(record));
     }
     setResult(std::move(records));

@@ -5,9 +5,9 @@
 #include <chrono>
 #include <cmath>
 
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "Terminal/GitQuoting.h"
 
 namespace neb::nebsc {
 
@@ -168,7 +168,7 @@ JSON membersFromErrorOn(const Outcome& outcome) {
     }
     if (const auto& conflicts = outcome.settledConflicts) {
         json["settledConflicts"] =
-            conflicts->files ? arrayOf(*conflicts->files, textOfName) : JSON(nullptr);
+            conflicts->files ? arrayOf(*conflicts->files, NEBSourceControlPathText) : JSON(nullptr);
     }
     return json;
 }

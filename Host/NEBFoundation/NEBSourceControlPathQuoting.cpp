@@ -1,11 +1,11 @@
-#include "Terminal/GitQuoting.h"
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 
 #include <algorithm>
 #include <array>
 
 #include "Platform/Text.h"
 
-namespace neb::nebsc {
+namespace neb {
 
 namespace {
 
@@ -13,7 +13,7 @@ struct Escape {
     char letter, byte;
 };
 
-/// quote.c of git; every other byte that needs an escape has an octal one.
+/// The escapes with a letter; every other byte that needs an escape has an octal one.
 constexpr std::array<Escape, 9> escapes{{{'a', '\a'},
                                          {'b', '\b'},
                                          {'f', '\f'},
@@ -49,18 +49,18 @@ std::string octalEscape(char character) {
 
 }  // namespace
 
-std::string unquotedName(std::string_view text) {
+std::string NEBSourceControlUnquotedPath(std::string_view text) {
     if (text.find('\\') == std::string_view::npos) {
         return std::string(text);
     }
     text.remove_prefix(text.starts_with('"') ? 1 : 0);
-    std::string name;
+    std::string path;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '"' && i + 1 == text.size()) {
-            break;  // one inside the name has a backslash
+            break;  // the closing quote; one inside the name has a backslash
         }
         if (text[i] != '\\' || i + 1 == text.size()) {
-            name += text[i];
+            path += text[i];
             continue;
         }
         const char letter = text[++i];
@@ -68,20 +68,20 @@ std::string unquotedName(std::string_view text) {
             std::find_if(escapes.begin(), escapes.end(),
                          [letter](const Escape& escape) { return escape.letter == letter; });
         if (row != escapes.end()) {
-            name += row->byte;
+            path += row->byte;
         } else if (isOctal(text.substr(i, octalDigits))) {
-            name += byteOfOctal(text.substr(i, octalDigits));
+            path += byteOfOctal(text.substr(i, octalDigits));
             i += octalDigits - 1;
         } else {
-            name.append("\\").append(1, letter);
+            path.append("\\").append(1, letter);
         }
     }
-    return name;
+    return path;
 }
 
-std::string quotedName(std::string_view name) {
+std::string NEBSourceControlQuotedPath(std::string_view path) {
     std::string text = "\"";
-    for (const char byte : name) {
+    for (const char byte : path) {
         const auto* row =
             std::find_if(escapes.begin(), escapes.end(),
                          [byte](const Escape& escape) { return escape.byte == byte; });
@@ -96,8 +96,8 @@ std::string quotedName(std::string_view name) {
     return text + "\"";
 }
 
-std::string textOfName(std::string_view name) {
-    return isUTF8(name) ? std::string(name) : quotedName(name);
+std::string NEBSourceControlPathText(std::string_view path) {
+    return isUTF8(path) ? std::string(path) : NEBSourceControlQuotedPath(path);
 }
 
-}  // namespace neb::nebsc
+}  // namespace neb

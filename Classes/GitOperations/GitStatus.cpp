@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "NEBFoundation/NEBSourceControlManager.h"
+#include "NEBFoundation/NEBSourceControlStatus.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
@@ -18,21 +19,24 @@ struct StatusLetter {
 };
 
 constexpr StatusLetter statusLetters[] = {
-    {"A", 1}, {"C", 4096}, {"D", 2}, {"M", 4}, {"R", 4096}, {"T", 4}, {"U", 16}, {"?", 256},
+    {"A", NEBSourceControlStatusAdded},    {"C", NEBSourceControlStatusRenamed},
+    {"D", NEBSourceControlStatusDeleted},  {"M", NEBSourceControlStatusModified},
+    {"R", NEBSourceControlStatusRenamed},  {"T", NEBSourceControlStatusModified},
+    {"U", NEBSourceControlStatusConflict}, {"?", NEBSourceControlStatusUntracked},
 };
 
-/// The letters of a status, of both its columns.
+/// The letters of both columns of a status.
 const CharacterSet& statusCharacters() {
     static const CharacterSet set = CharacterSet::uppercaseLetters() | CharacterSet("?");
     return set;
 }
 
-/// A rename is written as old path, arrow, new path; a path with unusual characters stands in
-/// quotes, whose escapes stay as they are.
+/// Returns the new path of a rename ("old -> new"), without the quotes of a quoted path. Escapes
+/// are kept.
 std::string_view cleanedPath(std::string_view path) {
     constexpr std::string_view arrow = "-> ";
-    if (const std::size_t place = path.find(arrow); place != std::string_view::npos) {
-        path.remove_prefix(place + arrow.size());
+    if (const std::size_t position = path.find(arrow); position != std::string_view::npos) {
+        path.remove_prefix(position + arrow.size());
     }
     if (path.starts_with('"')) {
         path.remove_prefix(1);
@@ -65,7 +69,7 @@ GitStatusLines::GitStatusLines(std::string_view fullPath)
     : _front(fullPath.empty() ? "" : pathByAppendingComponent(fullPath, "")) {}
 
 GitStatusLines::~GitStatusLines() {
-    // What is left of the room is no use to the records.
+    // The records need no spare capacity.
     static_cast<void>(_paths.take());
 }
 
@@ -73,9 +77,9 @@ NEBValue GitStatusLines::fullPathOf(std::string_view path) {
     while (!_front.empty() && path.starts_with('/')) {
         path.remove_prefix(1);
     }
-    char* const place = _paths.roomFor(_front.size() + path.size());
-    _front.copy(place, _front.size());
-    path.copy(place + _front.size(), path.size());
+    char* const target = _paths.roomFor(_front.size() + path.size());
+    _front.copy(target, _front.size());
+    path.copy(target + _front.size(), path.size());
     const std::size_t start = _paths.data().size();
     _paths.add(_front.size() + path.size());
     return {_paths.data(), _paths.data().bytes().substr(start)};

@@ -1,5 +1,4 @@
-// GitStatus.h - the states of files in a working copy: request type 15, and what log and
-// differences share with it.
+// GitStatus.h - request type 15 (status), and the parser that log and diff share with it.
 #pragma once
 
 #include <cstdint>
@@ -13,35 +12,35 @@
 
 namespace neb {
 
-/// The host's status value for git's status letters, of which the first counts: "M" and "T" are 4,
-/// "C" and "R" 4096. 0 for any other, which is logged.
+/// Returns the NEBSourceControlStatus for the status letters of git, of which the first counts. 0
+/// for an unknown letter, which is logged.
 [[nodiscard]] std::uint32_t nebgit_sourceControlStatus(std::string_view letters);
 
-/// Reads the lines of a status or of a list of names and states. One thread at a time.
+/// Reads the lines of a status or of a list of names and states. Not thread-safe.
 class GitStatusLines {
 public:
-    /// With `fullPath` in front of each path, unless it is empty.
+    /// Prepends `fullPath` to each path, unless it is empty.
     explicit GitStatusLines(std::string_view fullPath);
     GitStatusLines(const GitStatusLines&) = delete;
     GitStatusLines& operator=(const GitStatusLines&) = delete;
-    /// The records stay good.
+    /// The records stay valid.
     ~GitStatusLines();
 
-    /// A record with the status value and the path; nothing for a line without a state.
+    /// Returns a record with the status value and the path; absent for a line without a state.
     [[nodiscard]] std::optional<NEBDictionary> recordOf(std::string_view line);
 
 private:
     [[nodiscard]] NEBValue fullPathOf(std::string_view path);
 
-    std::string _front;  // what stands before each path
-    GrowingData _paths;  // all of them, one behind the other
+    std::string _front;  // prepended to each path
+    GrowingData _paths;  // all paths, concatenated
 };
 
-/// The states of the files below the request's source tree, or of its destination alone (a path).
-/// One record a file, with NEBSourceControlOperationWCStatusKey and
-/// NEBSourceControlOperationPathKey, the path being the source tree's location with git's path
-/// behind it. git's paths start at the top of the working copy, so the location should be that top.
-/// Empty when the source tree is not valid.
+/// Lists the states of the files below the source tree, or of the destination alone (a path). A
+/// record per file with NEBSourceControlOperationWCStatusKey and NEBSourceControlOperationPathKey,
+/// the location of the source tree followed by the path of git. The paths of git start at the top
+/// of the working copy, so the location should be that top. Empty when the source tree is not
+/// valid.
 class GitStatusOperation : public GitOperation {
 public:
     explicit GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -1,4 +1,4 @@
-// NEBFoundation.h - all that a host needs, in one.
+// NEBFoundation.h - all headers that a host needs.
 #pragma once
 
 // IWYU pragma: begin_exports
@@ -15,5 +15,6 @@
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlStatus.h"
 #include "Platform/OperationQueue.h"
 // IWYU pragma: end_exports

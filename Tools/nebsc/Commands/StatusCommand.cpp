@@ -5,6 +5,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlStatus.h"
 #include "Platform/PathString.h"
 #include "Terminal/Presentation.h"
 #include "Terminal/StatusLabels.h"
@@ -89,7 +90,8 @@ RequestResult StatusTask::perform() {
 
 std::string StatusTask::lineOf(const StatusEntry& entry) const {
     const std::string_view kind = conflictKind(entry.index, entry.workTree);
-    const std::int64_t status = kind.empty() ? statusOfLetter(entry.letter()) : conflictStatus;
+    const std::int64_t status = kind.empty() ? statusOfLetter(entry.letter())
+                                             : std::int64_t{NEBSourceControlStatusConflict};
     std::string line = statusColumn(status, isInColour());
     if (entry.oldPath) {
         line += shown(*entry.oldPath) + " -> ";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "NEBFoundation/NEBSourceControlStatus.h"
 #include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
@@ -17,15 +18,15 @@ struct StatusWord {
 };
 
 constexpr std::array<StatusWord, 6> statusWords{{
-    {1, "A", "added", Colour::green},
-    {2, "D", "deleted", Colour::red},
-    {4, "MT", "modified", Colour::yellow},
-    {conflictStatus, "U", "conflict", Colour::boldRed},
-    {256, "?", "untracked", Colour::red},
-    {4096, "RC", "renamed", Colour::cyan},
+    {NEBSourceControlStatusAdded, "A", "added", Colour::green},
+    {NEBSourceControlStatusDeleted, "D", "deleted", Colour::red},
+    {NEBSourceControlStatusModified, "MT", "modified", Colour::yellow},
+    {NEBSourceControlStatusConflict, "U", "conflict", Colour::boldRed},
+    {NEBSourceControlStatusUntracked, "?", "untracked", Colour::red},
+    {NEBSourceControlStatusRenamed, "RC", "renamed", Colour::cyan},
 }};
 /// For a state that has no word of its own.
-constexpr StatusWord changed{0, "", "changed", Colour::none};
+constexpr StatusWord changed{NEBSourceControlStatusOther, "", "changed", Colour::none};
 /// The longest word, and two blanks.
 constexpr std::size_t wordColumnWidth = 11;
 

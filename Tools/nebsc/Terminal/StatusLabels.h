@@ -13,9 +13,6 @@ namespace neb::nebsc {
 /// and blanks up to the next column.
 [[nodiscard]] std::string statusColumn(const NEBValue& status, bool isColoured);
 
-/// The status value of a file in conflict.
-inline constexpr std::int64_t conflictStatus = 16;
-
 /// Returns the status value for a letter of git-status(1), porcelain v1; 0 for any other.
 [[nodiscard]] std::int64_t statusOfLetter(char letter);
 

@@ -11,8 +11,8 @@ namespace neb {
 
 namespace {
 
-/// Where git is: set once, kept for the life of the process. Two first calls at once find the same
-/// path, and the one that comes second drops its copy.
+/// Returns the path of git, stored once per process. Concurrent first calls find the same path; the
+/// second one discards its copy.
 std::atomic<const std::string*> gitPath = nullptr;
 
 std::string findGit() {
@@ -36,7 +36,7 @@ std::string GitOperation::launchPath() {
     if (known == nullptr) {
         auto found = std::make_unique<const std::string>(findGit());
         if (gitPath.compare_exchange_strong(known, found.get())) {
-            known = found.release();  // for the life of the process
+            known = found.release();  // kept until the process ends
         }
     }
     return *known;
@@ -109,7 +109,7 @@ std::optional<NEBSourceControlError> GitOperation::errorFromUnknownFailure(
     }
     auto silence = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError,
-        "git told nothing and ended with exit status " + std::to_string(status) + ".");
+        "git exited with status " + std::to_string(status) + " and printed nothing.");
     silence.errorClass = NEBSourceControlUnknownErrorClass;
     return silence;
 }

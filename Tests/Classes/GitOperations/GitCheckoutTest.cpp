@@ -196,7 +196,7 @@ TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
     hook("exit 3");
     repository.write("a", "x");
     EXPECT_THAT(revertFile("a")->error(),
-                IsSourceControlError(-1, "git told nothing and ended with exit status 3."));
+                IsSourceControlError(-1, "git exited with status 3 and printed nothing."));
     EXPECT_EQ(status(), "");
 }
 

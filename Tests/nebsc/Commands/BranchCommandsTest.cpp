@@ -161,7 +161,7 @@ TEST_F(BranchCommands, AGitThatFailsWithoutAWordIsAFailure) {
                                                   {"branch", "create", "x"},
                                                   {"branch", "delete", "x"},
                                                   {"branch", "tracking", "x"}}) {
-        expectFailed(nebsc(words, git), "nebsc: git told nothing and ended with exit status 3.\n");
+        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing.\n");
     }
 }
 

@@ -171,7 +171,7 @@ TEST_F(CheckoutCommand, AnUntrackedFileInTheWayStaysAsItIs) {
 TEST_F(CheckoutCommand, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 128");
     expectFailed(nebsc({"checkout", "topic"}, git),
-                 "nebsc: git told nothing and ended with exit status 128.\n");
+                 "nebsc: git exited with status 128 and printed nothing.\n");
 }
 
 TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {

@@ -201,9 +201,9 @@ TEST_F(DestinationCommands, WordsThatAreMissingAreNamed) {
 TEST_F(DestinationCommands, AMoveThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"mv", "a.c", "z.c"}, git),
-                 "nebsc: git told nothing and ended with exit status 3.\n");
+                 "nebsc: git exited with status 3 and printed nothing.\n");
     expectFailed(nebsc({"cp", "a.c", "z.c"}, git),
-                 "nebsc: git told nothing and ended with exit status 3.\n"
+                 "nebsc: git exited with status 3 and printed nothing.\n"
                  "The copy was made all the same; it is not staged.\n");
 }
 

@@ -103,7 +103,7 @@ TEST_F(ExchangeCommands, AServerThatDoesNotAnswerTheDoorIsTold) {
 
 TEST_F(ExchangeCommands, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(ben->path(), "exit 3");
-    const std::string words = "nebsc: git told nothing and ended with exit status 3.\n";
+    const std::string words = "nebsc: git exited with status 3 and printed nothing.\n";
     expectFailed(nebsc(*ben, {"push", "origin", "main"}, git), words);
     expectFailed(nebsc(*ben, {"fetch", "origin"}, git), words);
 }

@@ -114,11 +114,11 @@ TEST_F(FileCommands, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 128");
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(nebsc({command, "a.c"}, git),
-                     "nebsc: git told nothing and ended with exit status 128.\n");
+                     "nebsc: git exited with status 128 and printed nothing.\n");
     }
     const NebscOutcome json = nebsc({"add", "--json", "a.c"}, git);
     EXPECT_EQ(json.json()["commands"][0]["terminationStatus"], 128);
-    EXPECT_EQ(json.errors, "nebsc: git told nothing and ended with exit status 128.\n");
+    EXPECT_EQ(json.errors, "nebsc: git exited with status 128 and printed nothing.\n");
     EXPECT_EQ(json.exitStatus, 1);
 }
 

@@ -74,7 +74,7 @@ TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
 
 TEST_F(InfoCommand, AFailureWithoutAWordIsNoAnswer) {
     const StandInGit git(repository.path(), "exit 3");
-    expectFailed(nebsc({"info"}, git), "nebsc: git told nothing and ended with exit status 3.\n");
+    expectFailed(nebsc({"info"}, git), "nebsc: git exited with status 3 and printed nothing.\n");
 }
 
 TEST_F(InfoCommand, AConfigurationThatCannotBeReadIsTold) {

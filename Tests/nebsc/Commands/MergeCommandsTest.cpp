@@ -262,7 +262,7 @@ TEST_F(MergeCommands, WhatCannotBeMergedIsNamed) {
 TEST_F(MergeCommands, AMergeThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 1");
     expectFailed(nebsc({"merge", "topic"}, git),
-                 "nebsc: git told nothing and ended with exit status 1.\n");
+                 "nebsc: git exited with status 1 and printed nothing.\n");
 }
 
 // ---- merge-base -------------------------------------------------------------------------------
@@ -305,7 +305,7 @@ TEST_F(MergeCommands, AnUnknownRevisionIsNoMissingAncestor) {
     expectFailed(nebsc({"merge-base", "main"}), HasSubstr("missing argument "), 2);
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"merge-base", "main", "topic"}, git),
-                 "nebsc: git told nothing and ended with exit status 3.\n");
+                 "nebsc: git exited with status 3 and printed nothing.\n");
 }
 
 }  // namespace

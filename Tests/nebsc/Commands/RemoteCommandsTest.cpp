@@ -113,7 +113,7 @@ TEST_F(RemoteCommands, AGitThatFailsWithoutAWordIsAFailure) {
                                                   {"remote", "add", "x", "/y"},
                                                   {"remote", "rm", "x"},
                                                   {"remote", "branches"}}) {
-        expectFailed(nebsc(words, git), "nebsc: git told nothing and ended with exit status 3.\n");
+        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing.\n");
     }
 }
 

@@ -201,7 +201,7 @@ TEST_F(RepositoryCommands, CloneThatFailsLeavesNothing) {
     expectFailed(here({"clone", "--branch", "nosuch", repository.path()}), HasSubstr("nosuch"));
     const StandInGit git("", "echo half > done; exit 3");
     expectFailed(here({"clone", "x", "y"}, git),
-                 "nebsc: git told nothing and ended with exit status 3.\n");
+                 "nebsc: git exited with status 3 and printed nothing.\n");
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 

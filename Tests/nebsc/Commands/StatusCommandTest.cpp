@@ -337,7 +337,7 @@ TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "nebsc: git told nothing and ended with exit status 3.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: git exited with status 3 and printed nothing.\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -244,7 +244,7 @@ TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
 TEST_F(UpdateCommand, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(ben->path(), "exit 3");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "main"}, git),
-                 "nebsc: git told nothing and ended with exit status 3.\n");
+                 "nebsc: git exited with status 3 and printed nothing.\n");
 }
 
 }  // namespace

@@ -193,7 +193,7 @@ TEST_F(CommandJSON, ASilentFailureIsTold) {
     const StandInGit git(repository.path(), "exit 3");
     const NebscOutcome outcome = nebsc({"status", "--json"}, git);
     EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
-              "git told nothing and ended with exit status 3.");
+              "git exited with status 3 and printed nothing.");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

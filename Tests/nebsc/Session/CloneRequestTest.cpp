@@ -163,7 +163,7 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
     const NebscOutcome outcome = runRequest(requestTo(folder.path("a/clone"), repository.path()),
                                             {.variables = {git.path()}});
     EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
-              "git told nothing and ended with exit status 3.");
+              "git exited with status 3 and printed nothing.");
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }

@@ -39,7 +39,7 @@ bool hasLineEndingWith(std::string_view text, std::string_view end) {
 // ---- failures of git --------------------------------------------------------------------------
 
 std::string silentFailureText(int exitStatus) {
-    return "git told nothing and ended with exit status " + std::to_string(exitStatus) + ".";
+    return "git exited with status " + std::to_string(exitStatus) + " and printed nothing.";
 }
 
 CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {

@@ -17,82 +17,6 @@ using test::requestFor;
 
 const GitController controller;
 
-// ---- authentication and validation ------------------------------------------------------------
-
-TEST(Authentication, IsNeededByFiveTypes) {
-    for (std::int32_t type = -1; type <= 40; ++type) {
-        const bool expected =
-            type == NEBSourceControlRequestUpdate || type == NEBSourceControlRequestClone ||
-            type == NEBSourceControlRequestPush || type == NEBSourceControlRequestFetch ||
-            type == NEBSourceControlRequestListBranches;
-        EXPECT_EQ(controller.authenticationRequiredForRequest(*requestFor(type, "/w")), expected)
-            << type;
-    }
-}
-
-std::shared_ptr<NEBSourceControlRequest> requestWithReachability(std::int32_t type, bool tree,
-                                                                 bool repository) {
-    auto request = requestFor(type, "/w");
-    request->sourceTree->reachable = tree;
-    request->repositoryToAuthenticate = std::make_shared<NEBSourceControlRepository>();
-    request->repositoryToAuthenticate->reachable = repository;
-    return request;
-}
-
-TEST(Validation, TypesWithoutAuthenticationAreValidHoweverUnreachable) {
-    for (std::int32_t type = -1; type <= 40; ++type) {
-        const auto request = requestWithReachability(type, false, false);
-        const bool authenticates = controller.authenticationRequiredForRequest(*request);
-        std::optional<NEBSourceControlError> error;
-        EXPECT_EQ(controller.validateRequest(*request, &error), !authenticates) << type;
-        EXPECT_EQ(error.has_value(), authenticates) << type;
-    }
-}
-
-TEST(Validation, BothFormsOfListingRemoteBranchesAreValidAtOnce) {
-    for (const std::int32_t type : {NEBSourceControlRequestListRemoteBranches,
-                                    NEBSourceControlRequestListRemoteBranchesSecondForm}) {
-        EXPECT_TRUE(
-            controller.validateRequest(*requestWithReachability(type, false, false), nullptr));
-    }
-}
-
-TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
-    for (const std::int32_t type :
-         {NEBSourceControlRequestUpdate, NEBSourceControlRequestListBranches,
-          NEBSourceControlRequestClone, NEBSourceControlRequestPush,
-          NEBSourceControlRequestFetch}) {
-        EXPECT_TRUE(
-            controller.validateRequest(*requestWithReachability(type, true, true), nullptr));
-        for (const auto& [tree, repository] : {std::pair{true, false}, {false, true}}) {
-            std::optional<NEBSourceControlError> error;
-            EXPECT_FALSE(controller.validateRequest(
-                *requestWithReachability(type, tree, repository), &error));
-            EXPECT_THAT(error,
-                        IsSourceControlError(-20,
-                                             "The operation could not be performed because the "
-                                             "repository \"demo\" could not be reached."));
-            EXPECT_EQ(error->userInfo.size(), 1U) << "the description alone";
-            EXPECT_FALSE(controller.validateRequest(
-                *requestWithReachability(type, tree, repository), nullptr))
-                << "refused whether or not anybody asks why";
-        }
-    }
-}
-
-TEST(Validation, AnAbsentTreeIsNotReachable) {
-    auto request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
-    request->repositoryToAuthenticate = nullptr;
-    EXPECT_FALSE(controller.validateRequest(*request, nullptr));
-    request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
-    request->sourceTree = nullptr;
-    std::optional<NEBSourceControlError> error;
-    EXPECT_FALSE(controller.validateRequest(*request, &error));
-    EXPECT_THAT(error, IsSourceControlError(-20,
-                                            "The operation could not be performed because the "
-                                            "repository \"(null)\" could not be reached."));
-}
-
 // ---- preconditions ----------------------------------------------------------------------------
 
 struct Report {
@@ -382,40 +306,15 @@ TEST(Dispatch, AFetchOverTheBridgeHasAClassOfItsOwn) {
     EXPECT_EQ(controller.operationForRequest(request)->className(), "GitFetchOperation");
 }
 
-/// A broken precondition is reported and stops nothing.
-TEST(Dispatch, ARequestThatLacksWhatItNeedsYieldsAnOperationAllTheSame) {
-    const std::pair<std::int32_t, const char*> classes[] = {
-        {NEBSourceControlRequestCreateBranch, "GitBranchOperation"},
-        {NEBSourceControlRequestDeleteBranch, "GitBranchOperation"},
-        {NEBSourceControlRequestRemove, "GitRemoveOperation"},
-        {NEBSourceControlRequestAddFiles, "GitAddOperation"},
-        {NEBSourceControlRequestRevert, "GitCheckoutOperation"},
-        {NEBSourceControlRequestMakeDirectory, "GitMakeDirectoryOperation"},
-        {NEBSourceControlRequestMerge, "GitMergeOperation"},
-        {NEBSourceControlRequestCopy, "GitCopyOperation"},
-        {NEBSourceControlRequestMove, "GitMoveOperation"},
-        {NEBSourceControlRequestCheckout, "GitCheckoutOperation"},
-        {NEBSourceControlRequestList, "GitListOperation"},
-        {NEBSourceControlRequestExportFiles, "GitExportFileOperation"},
-        {NEBSourceControlRequestExport, "GitExportFileOperation"},
-        {NEBSourceControlRequestExportTree, "GitExportTreeOperation"},
-        {NEBSourceControlRequestCreateRepository, "GitCreateRepositoryOperation"},
-        {NEBSourceControlRequestBlame, "GitBlameOperation"},
-        {NEBSourceControlRequestClone, "GitCloneOperation"},
-        {NEBSourceControlRequestPush, "GitPushOperation"},
-        {NEBSourceControlRequestAddRemote, "GitAddRemoteOperation"},
-        {NEBSourceControlRequestRemoveRemote, "GitRemoveRemoteOperation"},
-        {NEBSourceControlRequestTrackRemoteBranch, "GitTrackRemoteBranchOperation"},
-        {NEBSourceControlRequestFetch, "GitFetchOperation"},
-        {NEBSourceControlRequestTrackingBranchName, "GitTrackingBranchNameOperation"},
-        {NEBSourceControlRequestMergeBase, "GitMergeBaseOperation"},
-    };
-    for (const auto& [type, name] : classes) {
+/// A broken precondition is reported and does not prevent the operation.
+TEST(Dispatch, ReturnsAnOperationDespiteBrokenPreconditions) {
+    for (const auto& row : NEBSourceControlAllRequestTypes()) {
+        if (row.requirements.empty()) {
+            continue;
+        }
         const ReportCollector collector;
-        const auto operation = controller.operationForRequest(emptyRequest(type));
-        ASSERT_NE(operation, nullptr) << type;
-        EXPECT_EQ(operation->className(), name);
-        EXPECT_FALSE(collector.reports().empty()) << type;
+        EXPECT_NE(controller.operationForRequest(emptyRequest(row.type)), nullptr) << row.name;
+        EXPECT_FALSE(collector.reports().empty()) << row.name;
     }
 }
 

@@ -114,6 +114,11 @@ std::vector<RequestCase> changesOfFiles() {
              setFiles(request, world, {"é.txt"});
              request.destination = world.repository("a.c");
          }},
+    };
+}
+
+std::vector<RequestCase> commits() {
+    return {
         {"Commit", NEBSourceControlRequestCommit, changes,
          [](const World& /*world*/, Request& request) {
              request.options =
@@ -231,6 +236,11 @@ std::vector<RequestCase> history() {
          }},
         {"DiffAfterTouch", NEBSourceControlRequestDiff, "touch -d '2001-01-01 00:00' a.c",
          nothingMore},
+    };
+}
+
+std::vector<RequestCase> exports() {
+    return {
         {"ExportFiles", NEBSourceControlRequestExportFiles, "",
          [](const World& world, Request& request) {
              setFiles(request, world, {"é.txt"});
@@ -264,6 +274,11 @@ std::vector<RequestCase> exchange() {
          [](const World& world, Request& request) {
              request.files = valuesOf({"file://" + world.path("remote.git")});
          }},
+    };
+}
+
+std::vector<RequestCase> newRepositories() {
+    return {
         {"CreateRepository", NEBSourceControlRequestCreateRepository, "mkdir ../made",
          [](const World& world, Request& request) {
              request.sourceTree->location = world.path("made");
@@ -291,6 +306,11 @@ std::vector<RequestCase> exchange() {
          [](const World& /*world*/, Request& request) { setPush(request, "rival", "new"); }},
         {"PushRejected", NEBSourceControlRequestPush, ownCommit,
          [](const World& /*world*/, Request& request) { setPush(request, "main", "main"); }},
+    };
+}
+
+std::vector<RequestCase> remotes() {
+    return {
         {"AddRemote", NEBSourceControlRequestAddRemote, "",
          [](const World& world, Request& request) {
              request.destination = "second";
@@ -311,6 +331,11 @@ std::vector<RequestCase> exchange() {
              request.options = NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
                                              {NEBSourceControlRequestOptionBranch, "news"}};
          }},
+    };
+}
+
+std::vector<RequestCase> updates() {
+    return {
         {"Fetch", NEBSourceControlRequestFetch, "",
          [](const World& /*world*/, Request& request) {
              setRemote(request);
@@ -349,7 +374,8 @@ void PrintTo(const RequestCase& requestCase, std::ostream* stream) {
 const std::vector<RequestCase>& requestMatrix() {
     static const std::vector<RequestCase> matrix = [] {
         std::vector<RequestCase> all;
-        for (const auto& family : {changesOfFiles(), branches(), history(), exchange()}) {
+        for (const auto& family : {changesOfFiles(), commits(), branches(), history(), exports(),
+                                   exchange(), newRepositories(), remotes(), updates()}) {
             all.insert(all.end(), family.begin(), family.end());
         }
         return all;

@@ -1,0 +1,153 @@
+// The command line of a log.
+
+#include "GitOperations/GitLog.h"
+
+#include <gmock/gmock.h>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Support/Matchers.h"
+#include "Support/RequestRun.h"
+
+namespace neb {
+namespace {
+
+using test::requestFor;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Arguments = std::vector<std::string>;
+
+const std::string pretty = "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B\x01";
+
+/// The arguments between the abbreviation and the format.
+Arguments argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
+    Arguments arguments = GitLogOperation(request).arguments();
+    EXPECT_EQ(arguments.at(0), "log");
+    EXPECT_EQ(arguments.at(1), "--abbrev=12");
+    EXPECT_EQ(arguments.back(), pretty);
+    arguments.pop_back();
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+    return arguments;
+}
+
+TEST(LogFormat, IsTheFieldsOneALineBehindANUL) {
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h", "aN", "aE", "at", "B"}),
+              "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B");
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h"}), "--pretty=format:%x00%h");
+    EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({}), "--pretty=format:%x00%");
+    EXPECT_EQ(pretty.size(), 42U);
+}
+
+TEST(LogCommand, OfABareRequestNamesNoRevision) {
+    EXPECT_THAT(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).arguments(),
+                ElementsAre("log", "--abbrev=12", pretty));
+    EXPECT_EQ(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).currentDirectoryPath(),
+              "/w");
+}
+
+TEST(LogCommand, OfAFullRequestHasEachPartInItsPlace) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    request->startingRevision = "abc123";
+    request->endingRevision = "def456";
+    request->files = {NEBValue("src/a.c"), NEBValue("src/b.c")};
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, 50},
+                                     {NEBSourceControlRequestOptionLogOutputFilesChanged, true},
+                                     {NEBSourceControlRequestOptionBranch, "topic"},
+                                     {NEBSourceControlRequestOptionRepositoryPath, "/r"},
+                                     {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
+    EXPECT_THAT(GitLogOperation(request).arguments(),
+                ElementsAre("--git-dir=/r", "--work-tree=/w", "log", "--abbrev=12", "-50",
+                            "abc123...def456", "--name-status", pretty, "--", "src/a.c"))
+        << "only the first file counts, and the branch has no say in a range";
+}
+
+struct Revisions {
+    const char* name;
+    NEBValue start, end, branch;
+    Arguments arguments;
+};
+
+class LogRevisions : public testing::TestWithParam<Revisions> {};
+
+TEST_P(LogRevisions, BecomeThisArgument) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    request->startingRevision = GetParam().start;
+    request->endingRevision = GetParam().end;
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, GetParam().branch}};
+    EXPECT_EQ(argumentsOf(request), GetParam().arguments);
+}
+
+const NEBValue headName(NEBSourceControlHEADRevisionName);
+const NEBValue baseName(NEBSourceControlBASERevisionName);
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, LogRevisions,
+    testing::Values(
+        Revisions{"Nothing", {}, {}, {}, {}}, Revisions{"Start", "a1", {}, {}, {"a1"}},
+        Revisions{"StartAndNoEnd", "a1", "0", {}, {"a1"}},
+        Revisions{"StartAndTheNumberZero", "a1", 0, {}, {"a1"}},
+        Revisions{"StartAndEnd", "a1", "b2", {}, {"a1...b2"}},
+        Revisions{"HEADByName", headName, {}, {}, {"HEAD"}},
+        Revisions{"BASEByName", baseName, {}, {}, {"HEAD"}},
+        Revisions{"BASEByNameAndNoEnd", baseName, "0", {}, {"HEAD"}},
+        Revisions{"HEADByNameAndEnd", headName, "b2", {}, {"HEAD...b2"}},
+        Revisions{"OnlyTheStartGoesByName",
+                  "a1",
+                  headName,
+                  {},
+                  {"a1...NEBSourceControlHEADRevisionName"}},
+        Revisions{"OtherNamesAreNoHEAD",
+                  NEBSourceControlLocalRevisionName,
+                  {},
+                  {},
+                  {"NEBSourceControlLocalRevisionName"}},
+        Revisions{"EndAlone", {}, "tagtwo", {}, {"HEAD...tagtwo"}},
+        Revisions{"EndAloneIsNone", {}, "0", {}, {}},
+        Revisions{"Branch", {}, {}, "topic", {"topic"}},
+        Revisions{"BranchAndNoEnd", {}, "0", "topic", {"topic"}},
+        Revisions{"BranchIsIgnoredInARangeFromHEAD", {}, "tagtwo", "topic", {"HEAD...tagtwo"}},
+        Revisions{"BranchIsIgnoredBesideAStart", "a1", {}, "topic", {"a1"}},
+        Revisions{"BranchIsIgnoredBesideAStartWithoutEnd", "a1", "0", "topic", {"a1"}},
+        Revisions{"EmptyStartIsThere", "", {}, "topic", {""}},
+        Revisions{"EmptyEndIsThere", "a1", "", {}, {"a1..."}}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST(LogCommand, TakesTheLimitInDecimal) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    const auto argumentsFor = [&request](NEBValue limit) {
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
+        return argumentsOf(request);
+    };
+    EXPECT_THAT(argumentsFor(25), ElementsAre("-25"));
+    EXPECT_THAT(argumentsFor(0), ElementsAre("-0"));
+    EXPECT_THAT(argumentsFor(-1), ElementsAre("--1"));
+    EXPECT_THAT(argumentsFor(std::int64_t{9007199254740993}), ElementsAre("-9007199254740993"));
+    EXPECT_THAT(argumentsFor({}), IsEmpty());
+}
+
+TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    for (const auto& [value, arguments] :
+         std::vector<std::pair<NEBValue, Arguments>>{{true, {"--name-status"}},
+                                                     {1, {"--name-status"}},
+                                                     {"YES", {"--name-status"}},
+                                                     {false, {}},
+                                                     {0, {}}}) {
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, value}};
+        EXPECT_EQ(argumentsOf(request), arguments) << value.description();
+    }
+}
+
+TEST(LogCommand, PutsTheFirstFileBehindTwoDashes) {
+    auto request = requestFor(NEBSourceControlRequestLog, "/w");
+    request->files = std::vector<NEBValue>{};
+    EXPECT_THAT(argumentsOf(request), IsEmpty());
+    request->files = {NEBValue("/w/a.c"), NEBValue("/w/b.c")};
+    EXPECT_THAT(GitLogOperation(request).arguments(),
+                ElementsAre("log", "--abbrev=12", pretty, "--", "/w/a.c"));
+}
+
+}  // namespace
+}  // namespace neb

@@ -1,11 +1,11 @@
-// GitController.h - the plug-in's principal class: whether a request may run, and what runs it.
+// GitController.h - the principal class of the plug-in: validates requests, makes operations.
 #pragma once
 
 #include "NEBFoundation/NEBSourceControlProtocol.h"
 
 namespace neb {
 
-/// Holds no state; every answer depends on the request alone.
+/// Stateless; results depend on the request alone. Thread-safe.
 class GitController final : public NEBSourceControlProtocol {
 public:
     [[nodiscard]] bool authenticationRequiredForRequest(

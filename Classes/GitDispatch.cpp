@@ -33,18 +33,18 @@ namespace {
 
 // ---- preconditions ----------------------------------------------------------------------------
 
-/// The three shapes of a report.
+/// The three forms of a report.
 enum class Shape { plain, notNil, nonEmptyString };
 
-/// What a precondition asks of a request: the value that must be there, and how it reads in a
-/// report. In the plain shape the text is the condition, in the others the expression of the value.
+/// A value that must be present, and its text in a report: the condition in the plain form, the
+/// expression in the others.
 struct Condition {
     Shape shape;
     std::string_view text;
     NEBValue (*value)(const NEBSourceControlRequest&);
 };
 
-/// Present when the condition holds.
+/// Returns a present value if the condition holds.
 NEBValue presentIf(bool holds) {
     return holds ? NEBValue(true) : NEBValue();
 }
@@ -102,14 +102,14 @@ constexpr Condition nonEmptyRemoteName{
         return request.option(NEBSourceControlRequestOptionRemoteName);
     }};
 
-/// Over the Subversion bridge the remote needs no name: a fetch is not asked for one.
+/// A fetch over the Subversion bridge needs no remote name.
 constexpr Condition nonEmptyRemoteNameUnlessBridge{
     Shape::nonEmptyString, remoteNameExpression, [](const NEBSourceControlRequest& request) {
         const bool isBridge = request.remote && request.remote->representsGitSVNBridge;
         return isBridge ? NEBValue("the bridge") : nonEmptyRemoteName.value(request);
     }};
 
-/// A condition, and the line that its report names.
+/// A condition and the line number in its report.
 struct Precondition {
     const Condition* condition = nullptr;
     int line = 0;
@@ -144,7 +144,7 @@ std::shared_ptr<NEBSourceControlOperation> make(const Request& request) {
     return initWithRequest<Op>(request);
 }
 
-/// A repository on another machine is asked there.
+/// The branches of a remote repository are listed by its server.
 std::shared_ptr<NEBSourceControlOperation> makeListBranches(const Request& request) {
     const auto repository =
         std::dynamic_pointer_cast<NEBSourceControlRepository>(request->sourceTree);
@@ -162,7 +162,7 @@ std::shared_ptr<NEBSourceControlOperation> makeFetch(const Request& request) {
 struct DispatchRow {
     std::int32_t type;
     Maker maker;
-    /// In the order in which they are reported; the rest is empty.
+    /// In the order of the reports; unused elements are empty.
     Precondition preconditions[3] = {};
 };
 

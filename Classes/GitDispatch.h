@@ -1,4 +1,4 @@
-// GitDispatch.h - which class carries out which type of request, and what each type needs.
+// GitDispatch.h - the operation class and the preconditions of each type of request.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@
 
 namespace neb {
 
-/// Reports every precondition of the request's type that does not hold, in their order. For a type
-/// outside 0 to 39 there is none. From any thread.
+/// Reports each precondition of the request's type that does not hold, in order. Unknown types have
+/// none. Thread-safe.
 void gitReportBrokenPreconditions(const NEBSourceControlRequest& request);
 
-/// A new operation of the class for the request's type; nothing for a type that has none.
+/// Returns a new operation for the request; null when its type has none.
 [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> gitMakeOperation(
     const std::shared_ptr<NEBSourceControlRequest>& request);
 

@@ -1,4 +1,4 @@
-// What NEBGit.so shows to a host, and nothing else of it is visible.
+// The only exported function of NEBGit.so.
 
 #include <new>
 
@@ -20,7 +20,7 @@ const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn() {
         .name = "NEBGit",
         .version = NEBGIT_VERSION,
         .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* {
-            return new (std::nothrow) neb::GitController;  // the host owns it
+            return new (std::nothrow) neb::GitController;  // owned by the host
         },
     };
     return &description;

@@ -35,7 +35,7 @@ void git_forEachComponentSeparatedByNULLTerminator(
         visitIfText(data.substr(bytes), visit);
         bytes = bytesEnd;
     }
-    if (bytes != bytesEnd) {  // cannot be; kept as the one promise of the walk
+    if (bytes != bytesEnd) {  // an invariant of the loop above
         LOMReportFailedAssertion("-[NSData(GitUtilities) git_componentsSeparatedByNULLTerminator]",
                                  "Classes/NSData+GitUtilities", 46, "No trailing \\n on last line",
                                  {std::string(LOMAssertionFailedFormat), "bytes == bytesEnd"});

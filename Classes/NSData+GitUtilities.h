@@ -1,4 +1,4 @@
-// NSData+GitUtilities.h - cutting a tool's output at its NUL bytes.
+// NSData+GitUtilities.h - splits the output of a tool at NUL bytes.
 #pragma once
 
 #include <functional>
@@ -8,13 +8,12 @@
 
 namespace neb {
 
-/// The texts between the NUL bytes, in order. Bytes behind the last NUL are a text too; two NUL
-/// bytes in a row make an empty one; a piece that is no UTF-8 is left out. Nothing for no bytes.
+/// Returns the texts between NUL bytes, in order, including the one after the last NUL unless it is
+/// empty. Two NULs in a row make an empty text; a text that is not UTF-8 is left out.
 [[nodiscard]] std::vector<std::string> git_componentsSeparatedByNULLTerminator(
     std::string_view data);
 
-/// The same texts, one after the other, without a copy of any: `visit` is called with each while
-/// `data` is walked through.
+/// Calls `visit` with each of these texts in order, without copying them.
 void git_forEachComponentSeparatedByNULLTerminator(
     std::string_view data, const std::function<void(std::string_view)>& visit);
 

@@ -21,9 +21,10 @@ GitBlameOperation::GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> re
     setArgumentsBehindDefaults(arguments);
 }
 
-/// Reads "revision TAB ( author TAB date TAB number ) text". What is not there leaves its key out,
-/// and reading goes on from the same place. The white space in front of an author pads the names to
-/// one width; with an author of nothing else it takes the next TAB too, so the date is the author.
+/// Reads "revision TAB ( author TAB date TAB number ) text". A missing part leaves out its key;
+/// parsing continues at the same position. The white space before an author pads the names to one
+/// width; if an author has nothing else, it takes the next TAB too, so that the date becomes the
+/// author.
 NEBDictionary GitBlameOperation::recordOf(const Data& text, std::string_view line) const {
     Scanner scanner(line);
     const std::string_view revision = scanner.takeUpTo('\t');
@@ -38,9 +39,9 @@ NEBDictionary GitBlameOperation::recordOf(const Data& text, std::string_view lin
 
     NEBDictionary record;
     record.reserve(4);
-    const auto setIfRead = [&](NEBConstant key, std::string_view piece) {
-        if (!piece.empty()) {
-            record.set(key, NEBValue(text, piece));
+    const auto setIfRead = [&](NEBConstant key, std::string_view field) {
+        if (!field.empty()) {
+            record.set(key, NEBValue(text, field));
         }
     };
     setIfRead(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(revision));
@@ -60,7 +61,7 @@ void GitBlameOperation::parseData() {
     const std::string_view lines = text;
     NEBSourceControlResult records;
     records.reserve(pieceCount(lines, '\n'));
-    // The piece behind the last line end makes the empty record: hosts count on it.
+    // The empty text after the last line end makes an empty record, which hosts rely on.
     forEachPiece(lines, '\n',
                  [&](std::string_view line) { records.push_back(recordOf(text, line)); });
     setResult(std::move(records));

@@ -1,4 +1,4 @@
-// GitBlame.h - who last changed each line of a file: request type 28.
+// GitBlame.h - request type 28 (blame).
 #pragma once
 
 #include <memory>
@@ -9,16 +9,16 @@
 
 namespace neb {
 
-/// Blames the request's one file, as it is in the working copy or, when the starting revision is
-/// one of git's, as it was then. The host's symbolic names stand for the working copy, too.
+/// Finds the commit that last changed each line of the request's only file: of the file in the
+/// working copy or, if the starting revision is one of git's, of that revision. Symbolic revision
+/// names stand for the working copy.
 ///
-/// The result has one record a line, with what could be read of it:
-/// NEBSourceControlOperationRevisionKey (at most 12 characters),
-/// NEBSourceControlOperationAuthorKey, NEBSourceControlOperationDateKey and
-/// NEBSourceControlOperationLineNumberKey (a string). An empty record follows the last line's.
-/// Absent when git printed nothing, as for an empty file. A line that is not committed yet has the
-/// revision "000000000000" and the author "Not Committed Yet". An author's name is without the
-/// blanks before it; one of nothing but blanks is lost, and the date then stands in its place.
+/// The result has a record per line with NEBSourceControlOperationRevisionKey (at most 12
+/// characters), NEBSourceControlOperationAuthorKey, NEBSourceControlOperationDateKey and
+/// NEBSourceControlOperationLineNumberKey (a string), as far as git printed them. An empty record
+/// follows the last line. Absent when git printed nothing, as for an empty file. A line that is not
+/// committed has the revision "000000000000" and the author "Not Committed Yet". Leading blanks of
+/// an author are removed; an author of blanks only is missing, and has the date in its place.
 class GitBlameOperation : public GitOperation {
 public:
     explicit GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> request);

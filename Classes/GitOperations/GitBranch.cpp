@@ -18,7 +18,8 @@ constexpr NEBSourceControlAssertionSite branchSite(int line) {
             .line = line};
 }
 
-/// A line of a list of branches without the mark of the current one and the blanks around the name.
+/// Returns the name in a line of a list of branches, without the mark of the current branch and
+/// blanks.
 std::string nameIn(std::string_view line) {
     constexpr std::string_view marks = "* ";
     const std::size_t first = line.find_first_not_of(marks);
@@ -45,7 +46,7 @@ void reportMissingNames(const NEBSourceControlRequest& request) {
         "[request.options objectForKey:NEBSourceControlRequestOptionBranch]");
 }
 
-/// Reads "object name TAB reference".
+/// Reads "object id TAB reference".
 NEBDictionary recordOfHead(std::string_view line) {
     constexpr std::string_view heads = "refs/heads/";
     constexpr NEBSourceControlAssertionSite site{
@@ -61,8 +62,8 @@ NEBDictionary recordOfHead(std::string_view line) {
     if (!revision.empty()) {
         record.set(NEBSourceControlOperationRevisionKey, gitAbbreviatedRevision(revision));
     }
-    if (const std::size_t place = reference.find(heads); place != std::string_view::npos) {
-        const NEBValue branchName(reference.substr(place + heads.size()));
+    if (const std::size_t position = reference.find(heads); position != std::string_view::npos) {
+        const NEBValue branchName(reference.substr(position + heads.size()));
         NEBSourceControlAssertNonEmptyString(site, branchName, "branchName");
         record.set(NEBSourceControlOperationNameKey, branchName);
     }

@@ -1,5 +1,4 @@
-// GitBranch.h - branches, of the repository and of another one: request types 1, 2, 25, 26, 31 and
-// 32, and the second half of 36.
+// GitBranch.h - request types 1, 2, 25, 26, 31 and 32 (branches), and a part of 36.
 #pragma once
 
 #include <memory>
@@ -9,11 +8,10 @@
 
 namespace neb {
 
-/// Makes the branch that the destination names, at the option
-/// NEBSourceControlRequestOptionSourceLocation or else at the latest commit (type 1); deletes it,
-/// by force with NEBSourceControlRequestOptionForce (type 2); or makes it so that it tracks the
-/// branch of a remote that two options name (type 36, whose three names should be there; what is
-/// missing is reported). No result.
+/// Creates the branch `destination` at the option NEBSourceControlRequestOptionSourceLocation,
+/// otherwise at HEAD (type 1); deletes it, with NEBSourceControlRequestOptionForce even if it is
+/// not merged (type 2); or creates it as a tracking branch of the remote and branch in the options
+/// (type 36, where all three names are required; missing ones are reported). No result.
 class GitBranchOperation : public GitOperation {
 public:
     explicit GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -21,8 +19,9 @@ public:
     [[nodiscard]] std::string className() const override { return "GitBranchOperation"; }
 };
 
-/// Names the current branch: one record with NEBSourceControlOperationNameKey. On no branch it is
-/// git's own words, "(HEAD detached at 0123456)". Absent in a repository without a commit.
+/// Returns the current branch: one record with NEBSourceControlOperationNameKey. For a detached
+/// HEAD it is the text of git, "(HEAD detached at 0123456)". Absent in a repository without
+/// commits.
 class GitCurrentBranchOperation : public GitOperation {
 public:
     explicit GitCurrentBranchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -31,9 +30,8 @@ public:
     void parseData() override;
 };
 
-/// Lists the branches of the repository: a record with NEBSourceControlOperationNameKey for each,
-/// and one more, whose name is empty, for the end of git's output. Absent in a repository without a
-/// commit.
+/// Lists the local branches: a record with NEBSourceControlOperationNameKey for each, and one with
+/// an empty name at the end. Absent in a repository without commits.
 class GitListBranchesOperation : public GitOperation {
 public:
     explicit GitListBranchesOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -42,10 +40,10 @@ public:
     void parseData() override;
 };
 
-/// Lists the branches of the repository that the one file names, a remote's name or location; with
-/// no file or several git chooses. A record for each with NEBSourceControlOperationRevisionKey, 12
-/// characters, and NEBSourceControlOperationNameKey, and one more, without entries, for the end of
-/// git's output. Empty for a repository without a branch.
+/// Lists the branches of the remote that the only file names, by name or location; without a file,
+/// or with several, git chooses the remote. A record for each with
+/// NEBSourceControlOperationRevisionKey (12 characters) and NEBSourceControlOperationNameKey, and
+/// an empty record at the end. Empty for a repository without branches.
 class GitListRemoteBranchesOperation : public GitOperation {
 public:
     explicit GitListRemoteBranchesOperation(std::shared_ptr<NEBSourceControlRequest> request);

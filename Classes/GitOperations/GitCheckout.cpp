@@ -16,7 +16,7 @@ namespace neb {
 
 namespace {
 
-/// The position of the first line that begins with one of these; npos without one.
+/// Returns the position of the first line that begins with one of these; npos if there is none.
 template <std::size_t Count>
 std::size_t lineThatBegins(std::string_view text,
                            const std::array<std::string_view, Count>& beginnings) {
@@ -24,7 +24,7 @@ std::size_t lineThatBegins(std::string_view text,
     forEachPiece(text, '\n', [&](std::string_view line) {
         const bool begins =
             std::any_of(beginnings.begin(), beginnings.end(),
-                        [line](std::string_view words) { return line.starts_with(words); });
+                        [line](std::string_view prefix) { return line.starts_with(prefix); });
         if (begins && position == std::string_view::npos) {
             position = static_cast<std::size_t>(line.data() - text.data());
         }
@@ -32,8 +32,8 @@ std::size_t lineThatBegins(std::string_view text,
     return position;
 }
 
-/// The text in front of the notice that git prints once it has switched, all of it without one.
-/// What follows is the output of the hook that runs then.
+/// Returns the text before the notice that git prints after it has switched, which precedes the
+/// output of the hook; the whole text if there is no notice.
 std::string_view textBeforeNotice(std::string_view text) {
     constexpr std::array<std::string_view, 6> notices{"Switched to branch '",
                                                       "Switched to a new branch '",
@@ -44,7 +44,7 @@ std::string_view textBeforeNotice(std::string_view text) {
     return text.substr(0, lineThatBegins(text, notices));
 }
 
-/// git ends with 0 although it has left a file as it was.
+/// git exits with status 0 although it did not change a file.
 bool isSomethingLeftUndone(std::string_view text) {
     constexpr std::array<std::string_view, 4> signs{"error: unable to create file ",
                                                     "error: unable to unlink ",

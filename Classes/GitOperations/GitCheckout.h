@@ -8,25 +8,24 @@
 
 namespace neb {
 
-/// A checkout switches the working copy to the destination, a branch or revision, carrying local
-/// changes over by a three-way merge. A revert throws away the changes of the files that are not
-/// staged.
+/// A checkout switches the working copy to the destination, a branch or revision, and merges local
+/// changes into it. A revert discards the unstaged changes of the files.
 ///
-/// The result is one record with NEBSourceControlOperationContentKey, what git said on standard
-/// error: a notice such as "Switched to branch 'topic'", as a rule nothing for a revert.
+/// The result is one record with NEBSourceControlOperationContentKey, the standard error of git: a
+/// notice such as "Switched to branch 'topic'", usually empty for a revert.
 class GitCheckoutOperation : public GitOperation {
 public:
     explicit GitCheckoutOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitCheckoutOperation"; }
     void parseData() override;
-    /// A file that git left as it was is an error although git ends with status 0.
+    /// A file that git did not change is an error, although git exits with status 0.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
 protected:
-    /// Recognises a hook that fails after the checkout, whatever it prints, and a destination that
-    /// is neither a revision nor a file, although git speaks of a path.
+    /// Recognises a hook that fails after the checkout, and a destination that is neither a
+    /// revision nor a file.
     [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const override;
 };

@@ -12,7 +12,7 @@ namespace neb {
 
 namespace {
 
-/// The text between the first blank and the second; nothing without a blank.
+/// Returns the text between the first and the second blank; absent without a blank.
 std::optional<std::string_view> secondWord(std::string_view text) {
     const std::size_t blank = text.find(' ');
     if (blank == std::string_view::npos) {
@@ -41,7 +41,7 @@ GitCommitOperation::GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> 
 }
 
 void GitCommitOperation::parseData() {
-    // What a commit that was not made prints names none.
+    // The output of a commit that failed has no id.
     const bool isMade = !terminationStatus() || terminationStatus()->isSuccess();
     if (!isMade || !data() || data()->empty()) {
         return;
@@ -57,8 +57,8 @@ void GitCommitOperation::parseData() {
     setResult({{std::move(record)}});
 }
 
-/// git then ends with 1 and prints nothing of its own behind the hook's words. Of what it says
-/// itself with that status, these are all that do not come on standard output.
+/// git exits with status 1 and prints nothing after the output of the hook. With that status, these
+/// are the only messages of its own on standard error.
 std::optional<NEBSourceControlError> GitCommitOperation::diagnoseFailure(
     std::string_view text) const {
     constexpr std::array<std::string_view, 4> ownWords{

@@ -1,4 +1,4 @@
-// GitCommit.h - request type 3.
+// GitCommit.h - request type 3 (commit).
 #pragma once
 
 #include <memory>
@@ -8,15 +8,14 @@
 
 namespace neb {
 
-/// Records the staged changes, or those of the request's files, with the message of the options.
-/// Without a message neither it nor the files are handed over, and git refuses for want of one.
+/// Commits the staged changes, or those of the request's files, with the message in the options.
+/// Without a message, git refuses: neither a message nor files are passed to it.
 ///
-/// The result is one record with NEBSourceControlOperationRevisionKey: the second word of what git
-/// prints first, "[main 0123456] …", so the new commit's abbreviated name as a rule. For the first
-/// commit of a repository ("[main (root-commit) 0123456] …") it is "(root-commit", for a commit on
-/// no branch ("[detached HEAD 0123456] …") "HEAD". Absent when git printed nothing or one word
-/// alone. What git prints when there is nothing to commit ("On branch main …") gives a record too,
-/// beside the error.
+/// The result is one record with NEBSourceControlOperationRevisionKey: the second word that git
+/// prints, usually the abbreviated id of the new commit ("[main 0123456] …"). For the first commit
+/// of a repository ("[main (root-commit) 0123456] …") it is "(root-commit", on a detached HEAD
+/// ("[detached HEAD 0123456] …") "HEAD". Absent when git printed at most one word. When there is
+/// nothing to commit ("On branch main …") there is a record too, beside the error.
 class GitCommitOperation : public GitOperation {
 public:
     explicit GitCommitOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -25,7 +24,7 @@ public:
     void parseData() override;
 
 protected:
-    /// Tells a hook that refuses from git's own failures, whatever it prints.
+    /// Distinguishes a hook that refuses from failures of git.
     [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const override;
 };

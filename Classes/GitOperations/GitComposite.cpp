@@ -21,7 +21,8 @@ void GitSubOperations::add(const NEBSourceControlOperation& composite,
         operation->cancel();
     }
     queue()->addOperation(operation);
-    // Whoever cancels marks the composite first and looks at the queue then: one of the two sees.
+    // cancel() marks the composite first and then reads the queue, so that one of the two sees the
+    // other.
     if (composite.isCancelled()) {
         operation->cancel();
     }

@@ -1,4 +1,4 @@
-// GitComposite.h - the pattern of an operation that runs other operations.
+// GitComposite.h - the base of operations that run other operations.
 //
 //     void GitInfoOperation::main() {
 //         if (error()) {
@@ -22,19 +22,19 @@
 
 namespace neb {
 
-/// The private queue of a composite and what stands on it. cancelAll() and the queue's accessors
-/// may be called from any thread, the others from the one that runs the composite.
+/// The private queue of a composite operation. cancelAll() and the accessors of the queue are
+/// thread-safe; the other methods belong to the thread that runs the composite.
 class GitSubOperations {
 public:
     [[nodiscard]] std::shared_ptr<OperationQueue> queue() const;
     void setQueue(std::shared_ptr<OperationQueue> queue);
 
-    /// Puts the operation on the queue, of which there must be one. It records its children where
-    /// the composite does, is background work when that is, and is cancelled with it.
+    /// Adds the operation to the queue, which must exist. The operation inherits the command log
+    /// and the background flag of the composite, and is cancelled with it.
     void add(const NEBSourceControlOperation& composite,
              const std::shared_ptr<NEBSourceControlOperation>& operation);
-    /// Waits until everything on the queue has finished and passes on to the composite that output
-    /// was held open. A composite that has been cancelled has the cancelled error afterwards.
+    /// Waits until all operations have finished, and passes on to the composite whether output was
+    /// held open. A cancelled composite then has the error of a cancelled operation.
     void wait(NEBSourceControlOperation& composite);
     void cancelAll();
 
@@ -44,15 +44,15 @@ private:
     std::vector<std::shared_ptr<NEBSourceControlOperation>> _added;
 };
 
-/// A composite on top of `Base`, NEBSourceControlOperation as a rule: its main() runs operations
-/// made from the same request, or from a sub-request, on a queue of its own, waits for them, and
-/// passes on an error or merges results.
+/// A composite on top of `Base`, usually NEBSourceControlOperation. Its main() runs operations for
+/// the same request, or for a sub-request, on a queue of its own, waits for them, and passes on an
+/// error or merges their results.
 template <typename Base>
 class GitComposite : public Base {
 public:
     using Base::Base;
 
-    /// The queue of the latest run; absent before the first.
+    /// The queue of the latest run. Null before the first run.
     [[nodiscard]] std::shared_ptr<OperationQueue> operationQueue() const {
         return _subOperations.queue();
     }
@@ -60,18 +60,17 @@ public:
         _subOperations.setQueue(std::move(queue));
     }
 
-    /// Cancels what runs on the queue too, and what is put on it from now on.
+    /// Also cancels all operations on the queue, now and in future.
     void cancel() override {
         Base::cancel();
         _subOperations.cancelAll();
     }
 
-    /// Nothing: the commands are those of the operations that it runs.
+    /// Absent: the commands are those of the operations on the queue.
     [[nodiscard]] std::optional<NEBSourceControlCommand> command() override { return std::nullopt; }
 
 protected:
-    /// Puts an operation made from the request on the queue, and answers it. Read it only after the
-    /// wait.
+    /// Adds an operation for the request to the queue and returns it. Read it only after the wait.
     template <typename Op>
     std::shared_ptr<Op> addToQueue(std::shared_ptr<NEBSourceControlRequest> request) {
         auto operation = initWithRequest<Op>(std::move(request));
@@ -81,7 +80,7 @@ protected:
 
     void waitUntilAllOperationsAreFinished() { _subOperations.wait(*this); }
 
-    /// Runs an operation made from the request to its end.
+    /// Runs an operation for the request until it has finished.
     template <typename Op>
     std::shared_ptr<Op> run(std::shared_ptr<NEBSourceControlRequest> request) {
         auto operation = addToQueue<Op>(std::move(request));

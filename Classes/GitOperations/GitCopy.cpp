@@ -9,7 +9,8 @@ namespace neb {
 
 namespace {
 
-/// Waits for the queue's work when it ends, also by an exception: that work uses the operation.
+/// Waits for the queue when it is destroyed, also by an exception, as the work there uses the
+/// operation.
 class WaitAtEnd {
 public:
     explicit WaitAtEnd(OperationQueue& queue) : _queue(queue) {}
@@ -31,14 +32,14 @@ void GitFileSystemOperation::main() {
     setOperationQueue(queue);
     const WaitAtEnd wait(*queue);
     queue->addBlock([this] { doWork(); });
-    // Without a destination the add would take whatever else the request names.
+    // Without a destination, the add would stage the files of the request.
     const bool hasDestination = request()->destination.isPresent();
     const auto add = hasDestination ? addToQueue<GitAddOperation>(request()) : nullptr;
     waitUntilAllOperationsAreFinished();
     setResult(add ? add->result() : std::nullopt);
 }
 
-/// What is thrown on the queue would get lost there.
+/// The queue would lose an exception.
 void GitFileSystemOperation::doWork() {
     try {
         if (const auto failure = work(_fileManager)) {

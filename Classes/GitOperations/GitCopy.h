@@ -1,4 +1,4 @@
-// GitCopy.h - request types 10 (copy) and 8 (make directory), for which git has no command.
+// GitCopy.h - request types 10 (copy) and 8 (make directory), which no git command carries out.
 #pragma once
 
 #include <memory>
@@ -9,10 +9,10 @@
 
 namespace neb {
 
-/// The base of work in the file system beside which its destination is staged. The two are not
-/// ordered: an add that comes first may find nothing to stage. An error is the file system's alone
-/// (in NEBPOSIXErrorDomain); the add's is dropped, and its result, absent, is the result. Without a
-/// destination nothing is staged.
+/// The base of operations that work in the file system and stage their destination at the same
+/// time. The order of the two is undefined: an add that runs first may find nothing to stage. The
+/// error is always one of the file system (in NEBPOSIXErrorDomain); errors of the add are ignored.
+/// The result is that of the add, which is absent. Without a destination, nothing is staged.
 class GitFileSystemOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;
@@ -21,10 +21,10 @@ public:
     void cancel() override;
 
 protected:
-    /// The work itself, done on the queue.
+    /// Does the work in the file system. Called on the queue.
     [[nodiscard]] virtual std::optional<FileFailure> work(FileManager& manager) = 0;
-    /// A value of the request as a path; a relative one as git would take it, from the source
-    /// tree's folder. Empty, which no file has for a name, for an absent value.
+    /// Returns a value of the request as a path; a relative one starts at the folder of the source
+    /// tree, as for git. Empty for an absent value.
     [[nodiscard]] std::string pathOf(const NEBValue& value) const;
 
 private:
@@ -33,8 +33,8 @@ private:
     FileManager _fileManager;
 };
 
-/// Copies the first of the request's files, a path, to the destination, a path at which nothing is
-/// yet; a folder with all that is in it.
+/// Copies the first of the request's files, a path, to the destination, a path that must not exist.
+/// Folders are copied recursively.
 class GitCopyOperation : public GitFileSystemOperation {
 public:
     using GitFileSystemOperation::GitFileSystemOperation;
@@ -45,7 +45,7 @@ protected:
     std::optional<FileFailure> work(FileManager& manager) override;
 };
 
-/// Makes the folder that the destination names, and those on the way to it.
+/// Creates the folder `destination` and its missing parents.
 class GitMakeDirectoryOperation : public GitFileSystemOperation {
 public:
     using GitFileSystemOperation::GitFileSystemOperation;

@@ -28,7 +28,7 @@ GitDiffOperation::GitDiffOperation(std::shared_ptr<NEBSourceControlRequest> requ
     setArgumentsBehindDefaults(arguments);
 }
 
-/// An ending revision without a starting one has no say.
+/// An ending revision without a starting one is ignored.
 std::string GitDiffOperation::revisionArgument() const {
     const NEBValue start = gitRevisionOfCommit(request()->startingRevision);
     const NEBValue end = gitRevisionOfCommit(request()->endingRevision);

@@ -1,5 +1,4 @@
-// GitDiff.h - differences between two revisions, or a revision and the working copy: request
-// type 30.
+// GitDiff.h - request type 30 (diff).
 #pragma once
 
 #include <memory>
@@ -9,18 +8,17 @@
 
 namespace neb {
 
-/// Compares the request's two revisions; without an ending one the starting revision with the
-/// working copy; without a starting one HEAD with the working copy, never with the index. The
-/// request's files alone, when it has any. Not by a
-/// program that the user has configured for differences; one that turns files into text for them
-/// (textconv) is run, and what it hides is no difference then. git's paths start at the top of the
-/// working copy, so the location should be that top.
+/// Compares the two revisions of the request; without an ending revision, the starting revision
+/// with the working copy; without a starting revision, HEAD with the working copy, never with the
+/// index. Limited to the request's files, if there are any. External diff programs of the user are
+/// not run; textconv programs are, and what they hide is no difference. The paths of git start at
+/// the top of the working copy, so the location should be that top.
 ///
 /// The result is one record with NEBSourceControlOperationContentKey, the whole patch. With the
-/// option for names and states alone, it has one record a changed file, as in
-/// GitOperation::parseForStatusAndPathWithLine() with the source tree's location in front; a
-/// renamed file's path is all that follows the "R": score, TAB, old path, TAB, new path. Absent, in
-/// both forms, when there is no difference.
+/// option for names and states only, it has a record per changed file, as in
+/// GitOperation::parseForStatusAndPathWithLine() with the location of the source tree prepended;
+/// the path of a renamed file is everything after the "R": score, TAB, old path, TAB, new path.
+/// Absent in both forms when there is no difference.
 class GitDiffOperation : public GitOperation {
 public:
     explicit GitDiffOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -10,18 +10,18 @@ namespace neb {
 
 namespace {
 
-/// How a message is tested; case counts.
+/// How a row tests a message. Case-sensitive.
 enum class Test {
     containsAny,           // any of the texts, anywhere
-    containsFirstForPush,  // the first text, when the request is a push that was transferred
+    containsFirstForPush,  // the first text, if the request is a push whose transfer did not fail
     beginsAndEnds,         // begins with the first text and ends with the second
 };
 
-/// What fills the "%@" of a description, or stands in its place.
+/// The replacement of "%@" in a description, or the whole description.
 enum class Fill {
     nothing,
     sourceTreeName,
-    destination,  // of the request; without one, the row's other description serves
+    destination,  // of the request; without one, the other description of the row is used
     wholeMessage,
 };
 
@@ -37,9 +37,9 @@ struct Row {
     bool isNoError = false;
 };
 
-/// In the order in which they are tested; the first that matches decides. "Permission denied" is an
-/// authentication failure wherever it stands, and the certificate's row, too, marks the
-/// credentials, so that a host asks for them again.
+/// In the order of the tests; the first match decides. "Permission denied" is an authentication
+/// failure at any position. The certificate row also marks the credentials as incorrect, so that a
+/// host asks for them again.
 constexpr Row rows[] = {
     {.test = Test::containsAny,
      .texts = {"Permission denied", "fatal: Authentication failed"},
@@ -130,7 +130,7 @@ constexpr Row rows[] = {
      .code = NEBSourceControlBinaryMergeError,
      .fill = Fill::wholeMessage,
      .description = "%@"},
-    // ssh tells of a newly recorded host key; for other kinds of key the text goes on its way.
+    // ssh prints this notice for a newly recorded host key.
     {.test = Test::beginsAndEnds,
      .texts = {"Warning: Permanently added", "(RSA) to the list of known hosts."},
      .code = 0,
@@ -148,7 +148,7 @@ bool contains(std::string_view message, std::string_view text) {
     return !text.empty() && message.find(text) != std::string_view::npos;
 }
 
-/// git prints "Everything up-to-date" after a transfer that failed, too.
+/// git also prints "Everything up-to-date" after a failed transfer.
 bool reportsFailedTransfer(std::string_view message) {
     return contains(message, "RPC failed") || contains(message, "hung up unexpectedly");
 }

@@ -1,4 +1,4 @@
-// GitErrorTable.h - the texts of git that have an error of their own.
+// GitErrorTable.h - messages of git that have an error of their own.
 #pragma once
 
 #include <optional>
@@ -10,14 +10,14 @@
 namespace neb {
 
 struct GitErrorTranslation {
-    /// Whether a row of the table matched.
+    /// Whether a row of the table matches.
     bool isKnown = false;
-    /// The row's error; absent where the text is known to be harmless.
+    /// The error of the row. Absent when the text is known to be harmless.
     std::optional<NEBSourceControlError> error;
 };
 
-/// Finds the first row whose test the message passes. The request gives the names that fill the
-/// descriptions. From any thread.
+/// Finds the first row that matches the message. The request provides the names for the
+/// descriptions. Thread-safe.
 [[nodiscard]] GitErrorTranslation gitErrorTableLookUp(std::string_view message,
                                                       const NEBSourceControlRequest& request);
 

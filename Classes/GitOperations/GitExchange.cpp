@@ -25,19 +25,19 @@ void assertNonEmptyOption(const NEBSourceControlRequest& request, NEBConstant ke
         expression);
 }
 
-bool contains(std::string_view text, std::string_view words) {
-    return text.find(words) != std::string_view::npos;
+bool contains(std::string_view text, std::string_view substring) {
+    return text.find(substring) != std::string_view::npos;
 }
 
-/// Whether one of the text's lines is this one.
+/// Whether one of the lines of the text equals `line`.
 bool hasLine(std::string_view text, std::string_view line) {
     bool isThere = false;
-    forEachPiece(text, '\n', [&](std::string_view piece) { isThere = isThere || piece == line; });
+    forEachPiece(text, '\n', [&](std::string_view other) { isThere = isThere || other == line; });
     return isThere;
 }
 
-/// The lines of a fetch's listing about references that it rejects:
-/// " ! [rejected]        v1         -> v1  (would clobber existing tag)".
+/// Returns the lines for rejected references in the listing of a fetch: " ! [rejected]        v1
+/// -> v1  (would clobber existing tag)".
 std::string rejectionsIn(std::string_view listing) {
     std::string rejections;
     forEachPiece(listing, '\n', [&](std::string_view line) {
@@ -48,9 +48,8 @@ std::string rejectionsIn(std::string_view listing) {
     return rejections;
 }
 
-/// git itself prints no more than its last line when the hook that runs before it connects to the
-/// remote refuses. A branch that it cannot send and a transfer that failed end with the same line,
-/// behind the cause.
+/// When the hook that runs before a push refuses, git itself prints only its last line. A branch
+/// that cannot be sent and a failed transfer end with the same line, after the cause.
 bool tellsOfRefusalBeforeSending(std::string_view text) {
     constexpr std::string_view failed = "error: failed to push some refs to '";
     constexpr std::string_view causes[] = {"To ",
@@ -168,14 +167,14 @@ void GitPullOperation::parseData() {
     if (data()) {
         const std::string output = *_nebsc_stringFromData(data());
         const bool isSuccess = !terminationStatus() || terminationStatus()->isSuccess();
-        // Until git 2.14 with hyphens; a file of the other name may be among what came.
+        // Until git 2.14 "up-to-date", which can also be the name of a fetched file.
         if (isSuccess &&
             (contains(output, "Already up-to-date") || hasLine(output, "Already up to date."))) {
             auto upToDate = NEBSourceControlError::withDescription(
                 NEBSourceControlUpToDateError,
                 formattedText("The local repository \"%@\" is up to date.",
                               {request()->sourceTreeName()}),
-                // Its wording is what hosts have always shown.
+                // The text that hosts have always shown.
                 formattedText("The are no changes to pull from \"%@\".",
                               {request()->destination.description()}));
             upToDate.errorClass = NEBSourceControlUpToDateErrorClass;
@@ -220,13 +219,13 @@ void GitPushOperation::parseData() {
         setResult(NEBSourceControlResult{});
         return;
     }
-    const std::string words = *_nebsc_stringFromData(errorData());
-    if (contains(words, "fatal")) {
+    const std::string stderrText = *_nebsc_stringFromData(errorData());
+    if (contains(stderrText, "fatal")) {
         return;
     }
     setData(errorData());
     setErrorData(std::nullopt);
-    setResult({{{{NEBSourceControlOperationContentKey, words}}}});
+    setResult({{{{NEBSourceControlOperationContentKey, stderrText}}}});
 }
 
 std::optional<NEBSourceControlError> GitPushOperation::diagnoseFailure(

@@ -25,8 +25,8 @@ NEBValue firstFile(const NEBSourceControlRequest& request) {
     return request.fileCount() > 0 ? request.files->front() : NEBValue();
 }
 
-/// The path without its first `prefixLength` bytes and the one character behind them. A "/" is one
-/// byte, whatever the name behind it begins with.
+/// Removes the first `prefixLength` bytes and the character after them from a path. A "/" is one
+/// byte, whatever follows it.
 std::string pathBehind(std::string_view path, std::size_t prefixLength) {
     const auto isContinuation = [&path](std::size_t i) {
         return i < path.size() && (static_cast<unsigned char>(path[i]) & 0xC0U) == 0x80U;
@@ -38,7 +38,7 @@ std::string pathBehind(std::string_view path, std::size_t prefixLength) {
     return std::string(path.substr(begin));
 }
 
-/// Where the source tree is, without a "/" behind it; absent where nobody says so.
+/// Returns the location of the source tree without a trailing "/"; absent if unknown.
 std::optional<std::string> locationOf(const NEBSourceControlRequest& request) {
     if (!request.sourceTree || !request.sourceTree->location) {
         return std::nullopt;
@@ -50,9 +50,9 @@ std::optional<std::string> locationOf(const NEBSourceControlRequest& request) {
     return location;
 }
 
-/// The file's path as seen from the top of the repository. With a repository path in the options
-/// the host gives it so; else it is what follows the source tree's location and one character.
-/// Absent for a file outside.
+/// Returns the path of the file relative to the top of the repository. With a repository path in
+/// the options, the host passes it in this form; otherwise it is the rest after the location of the
+/// source tree and one character. Absent for a file outside.
 std::optional<std::string> relativePath(const NEBSourceControlRequest& request) {
     const NEBValue file = firstFile(request);
     if (!file.isPresent()) {
@@ -69,8 +69,8 @@ std::optional<std::string> relativePath(const NEBSourceControlRequest& request) 
     return pathBehind(path, location->size());
 }
 
-/// Whether the file only looks as if it were below the location: "/w/tree-2/a" beside "/w/tree".
-/// What is left of its path names another file, which may be there.
+/// Whether the file only seems to be below the location: "/w/tree-2/a" beside "/w/tree". The rest
+/// of its path could name another existing file.
 bool isBesideLocation(const NEBSourceControlRequest& request) {
     const NEBValue file = firstFile(request);
     const auto location = locationOf(request);
@@ -88,7 +88,7 @@ void assertIsValid(const std::optional<std::string>& relativePath, const NEBValu
     }
 }
 
-/// A failure that git was not asked about.
+/// Returns an error that was detected without running git.
 NEBSourceControlError ownFailure(std::string_view errorClass, const std::string& description) {
     auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     error.errorClass = errorClass;
@@ -112,17 +112,17 @@ NEBSourceControlError refusalOf(const NEBSourceControlRequest& request) {
                                     {file.description(), request.sourceTreeName()}));
 }
 
-/// What stands in front of the file's name in the target's. The archive's one entry, with this in
-/// front, is then called as the target is. Empty when the target is called otherwise.
+/// Returns the part of the target's name before the name of the file. As a prefix of the only entry
+/// of the archive, it renames that entry to the target. Empty when the target has another name.
 std::string headOfTarget(std::string_view targetName, std::string_view fileName) {
-    const std::size_t place = targetName.find(fileName);
-    const bool isThere = !fileName.empty() && place != std::string_view::npos;
-    return isThere ? std::string(targetName.substr(0, place)) : std::string();
+    const std::size_t position = targetName.find(fileName);
+    const bool isThere = !fileName.empty() && position != std::string_view::npos;
+    return isThere ? std::string(targetName.substr(0, position)) : std::string();
 }
 
-/// Without a file's path, or with one that stands for a folder's content, the archive holds a whole
-/// tree. Only a destination of its own is a place for that: elsewhere it would be written over
-/// whatever lies beside the target.
+/// Whether the archive contains a whole tree, because the path of the file is empty or stands for
+/// the content of a folder. It may only be extracted at the destination itself; anywhere else, it
+/// would overwrite files beside the target.
 bool lacksPlaceForTree(const NEBSourceControlRequest& request) {
     const bool hasPlace = request.destination.isPresent() && request.fileCount() == 0;
     const auto relative = relativePath(request);
@@ -130,13 +130,13 @@ bool lacksPlaceForTree(const NEBSourceControlRequest& request) {
     return !hasPlace && (name == "." || name == "..");
 }
 
-/// The target that the export has put into the request's options.
+/// Returns the target that the constructor stored in the options of the request.
 const LOMFilePath* targetOf(const NEBSourceControlRequest& request) {
     return request.option(NEBSourceControlOperationPathKey).filePath();
 }
 
-/// What is at the path, or at the folder above it that is there, when that is no folder: git would
-/// put one in its place.
+/// Returns the path, or its nearest existing parent, if it is not a folder: git would replace it
+/// with one.
 std::optional<std::string> fileOnTheWayTo(std::filesystem::path path) {
     std::error_code ignored;
     while (!path.empty() && path != path.parent_path()) {
@@ -180,7 +180,7 @@ GitExportFileOperation::GitExportFileOperation(std::shared_ptr<NEBSourceControlR
         arguments.push_back(name);
     }
     setArgumentsBehindDefaults(arguments);
-    // Temporary files lie where everybody may look.
+    // Other users can list the temporary folder.
     setArchivesForOwner(!asked.destination.isPresent());
 }
 
@@ -207,7 +207,8 @@ void GitExportFileOperation::main() {
         return;
     }
     const LOMFilePath target = *targetOf(*request());
-    // A long name's temporary file has a folder of its own, which comes and goes with it.
+    // The temporary file of a long name is in a folder of its own, which is created and removed
+    // with it.
     const std::string folder = pathByDeletingLastComponent(target.pathString());
     const bool isOwnFolder = !request()->destination.isPresent() &&
                              !LOMFilePath::filePathForPathString(folder).existsInFileSystem();
@@ -231,8 +232,8 @@ void GitExportFileOperation::main() {
     }
 }
 
-/// Its existence alone says that a target is whole. One that was not there before, and that a git
-/// or tar which then failed has left, is not.
+/// A target that did not exist before, and that a failing git or tar has left, is incomplete. Its
+/// existence would say otherwise.
 void GitExportFileOperation::rejectHalfExport() {
     if (!result()) {
         return;
@@ -244,11 +245,12 @@ void GitExportFileOperation::rejectHalfExport() {
         if (!status || status->isSuccess()) {
             continue;
         }
-        const std::string words = _nebsc_stringFromData(half->errorData()).value_or("");
-        auto translated = words.empty() ? std::nullopt : half->errorFromErrorMessage(words);
+        const std::string stderrText = _nebsc_stringFromData(half->errorData()).value_or("");
+        auto translated =
+            stderrText.empty() ? std::nullopt : half->errorFromErrorMessage(stderrText);
         if (!error() && translated) {
-            translated->errorClass = NEBSourceControlErrorClassOfText(words);
-            translated->text = words;
+            translated->errorClass = NEBSourceControlErrorClassOfText(stderrText);
+            translated->text = stderrText;
             setError(std::move(translated));
         } else if (!error()) {
             setError(ownFailure(NEBSourceControlUnknownErrorClass,
@@ -259,7 +261,7 @@ void GitExportFileOperation::rejectHalfExport() {
     }
 }
 
-// ---- its second half --------------------------------------------------------------------------
+// ---- extraction -------------------------------------------------------------------------------
 
 GitTarOperation::GitTarOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : NEBSourceControlTaskOperation(std::move(request)) {
@@ -270,7 +272,7 @@ GitTarOperation::GitTarOperation(std::shared_ptr<NEBSourceControlRequest> reques
     } else if (const LOMFilePath* target = targetOf(asked)) {
         folder = pathByDeletingLastComponent(target->pathString());
         if (folder->empty()) {
-            folder = ".";  // of a bare name
+            folder = ".";  // of a name without a folder
         }
     }
     NEBSourceControlAssertNotNil(

@@ -1,4 +1,4 @@
-// GitExport.h - files and trees of the repository, written to disk: request types 20, 21 and 22.
+// GitExport.h - request types 20 and 21 (export of a file) and 22 (export of a tree).
 #pragma once
 
 #include <memory>
@@ -8,13 +8,12 @@
 
 namespace neb {
 
-/// Extracts an archive from its standard input: into the folder of the target that the request's
-/// options hold under NEBSourceControlOperationPathKey, or into the request's destination, when it
-/// has one and no files.
+/// Extracts an archive from standard input: into the folder of the target, which the options of the
+/// request hold under NEBSourceControlOperationPathKey, or into the request's destination if it has
+/// one and no files.
 ///
-/// The result is one record with NEBSourceControlOperationPathKey, the target, when something is
-/// there afterwards, whoever put it there; else an error tells that the revision of the file was
-/// not found.
+/// The result is one record with NEBSourceControlOperationPathKey, the target, if that exists
+/// afterwards. Otherwise the error says that the revision of the file was not found.
 class GitTarOperation : public NEBSourceControlTaskOperation {
 public:
     explicit GitTarOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -25,13 +24,12 @@ public:
     void parseData() override;
 };
 
-/// Writes the request's first file as it was at the starting revision to the destination, or, when
-/// there is none, to a temporary file, which its owner alone may read and which is the host's to
-/// remove. What is there is overwritten.
-/// The destination's name must end with the file's own, with or without a head in front of it.
+/// Writes the request's first file, as it was at the starting revision, to the destination, or,
+/// without one, to a temporary file that only the owner can read and that the host must remove.
+/// Overwrites an existing file. The name of the destination must end with the name of the file.
 ///
-/// When it is made, it puts the target, a LOMFilePath, into the request's options under
-/// NEBSourceControlOperationPathKey. Its result is that of the GitTarOperation to which it pipes an
+/// The constructor stores the target, a LOMFilePath, in the request's options under
+/// NEBSourceControlOperationPathKey. The result is that of the GitTarOperation that reads the
 /// archive of the file.
 class GitExportFileOperation : public GitOperation {
 public:
@@ -39,11 +37,10 @@ public:
 
     [[nodiscard]] std::string className() const override { return "GitExportFileOperation"; }
     [[nodiscard]] std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() override;
-    /// When it fails or is cancelled, it leaves nothing of a target that was not there before. One
-    /// that was there counts as the result, whatever came of the export: of one that was cancelled,
-    /// or whose children died, there may be an error beside it. With a file outside the source
-    /// tree, or a path that ends in "." or "..", nothing is run: the archive would hold another
-    /// file, or be a whole tree beside the target.
+    /// After a failure or cancellation, removes a target that did not exist before. A target that
+    /// existed counts as the result in any case; there may be an error beside it. Runs nothing for
+    /// a file outside the source tree, or a path that ends in "." or "..": the archive would
+    /// contain another file, or a whole tree beside the target.
     void main() override;
 
 private:
@@ -53,15 +50,15 @@ private:
     std::shared_ptr<GitTarOperation> _pipeToOperation;
 };
 
-/// Writes every file of the index below the request's destination, a folder, overwriting what is
-/// there. The index, whatever the starting revision says. There is no result.
+/// Writes all files of the index, whatever the starting revision, below the destination, a folder.
+/// Overwrites existing files. No result.
 class GitExportTreeOperation : public GitOperation {
 public:
     explicit GitExportTreeOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitExportTreeOperation"; }
-    /// Without a destination, or with an empty one, nothing is run: git would write somewhere else.
-    /// Nor where a file is in the destination's place, or on the way to it: git would remove that.
+    /// Runs nothing without a destination, as git would write elsewhere, or if a file is at the
+    /// destination or one of its parents, as git would remove that file.
     void main() override;
 };
 

@@ -13,12 +13,12 @@ std::string_view gitLastLine(std::string_view text) {
     return lines.substr(lines.rfind('\n') + 1);
 }
 
-NEBSourceControlError gitErrorOfHook(const std::string& description, std::string_view words) {
+NEBSourceControlError gitErrorOfHook(const std::string& description, std::string_view stderrText) {
     auto refusal =
         NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     refusal.errorClass = NEBSourceControlLocalHookRefusedErrorClass;
-    if (!gitLastLine(words).empty()) {
-        refusal.text = words;
+    if (!gitLastLine(stderrText).empty()) {
+        refusal.text = stderrText;
     }
     return refusal;
 }

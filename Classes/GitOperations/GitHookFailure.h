@@ -1,8 +1,8 @@
-// GitHookFailure.h - failures that are no doing of git's own, but of a hook of the repository.
+// GitHookFailure.h - errors of hooks of the repository.
 //
-// Whatever a hook prints, git passes on to standard error and puts no mark on it; so its words must
-// not choose the class of the failure. Each operation knows by what git itself said, or did not
-// say, that a hook was the cause.
+// git forwards the output of a hook to standard error without marking it, so that the output must
+// not decide about the class of the failure. Each operation concludes from the messages of git
+// itself, or from their absence, that a hook failed.
 #pragma once
 
 #include <string>
@@ -12,12 +12,12 @@
 
 namespace neb {
 
-/// The text's last line that is not blank, without its line end; empty when there is none.
+/// Returns the last line that is not blank, without its line end; empty when there is none.
 [[nodiscard]] std::string_view gitLastLine(std::string_view text);
 
-/// An error of the class "local-hook-refused" with the description and, unless they are blank, the
-/// words that were printed.
+/// Returns an error of the class "local-hook-refused" with the description and, unless it is blank,
+/// the output of the child.
 [[nodiscard]] NEBSourceControlError gitErrorOfHook(const std::string& description,
-                                                   std::string_view words);
+                                                   std::string_view stderrText);
 
 }  // namespace neb

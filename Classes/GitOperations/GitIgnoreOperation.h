@@ -1,11 +1,11 @@
-// GitIgnoreOperation.h - request type 4.
+// GitIgnoreOperation.h - request type 4 (ignore).
 #pragma once
 
 #include "NEBFoundation/NEBSourceControlOperation.h"
 
 namespace neb {
 
-/// Does nothing: the request completes with neither result nor error.
+/// Does nothing: no result, no error.
 class GitIgnoreOperation final : public NEBSourceControlOperation {
 public:
     using NEBSourceControlOperation::NEBSourceControlOperation;

@@ -1,4 +1,4 @@
-// GitInfo.h - where a repository comes from: request type 19.
+// GitInfo.h - request type 19 (info): the origin of a repository.
 #pragma once
 
 #include <memory>
@@ -9,11 +9,10 @@
 
 namespace neb {
 
-/// The base of the questions for one URL in the repository's configuration. It is asked in the
-/// source tree's folder, or, when the request has exactly one file, in that, a folder's path or
-/// file URL. The result is one record with NEBSourceControlOperationRemoteOriginKey, the URL, and
-/// NEBSourceControlOperationRepositoryRootKey, the folder in which it was asked; absent when there
-/// is no such URL.
+/// The base of operations that read a URL from the configuration of the repository. They run in the
+/// folder of the source tree or, if the request has exactly one file, in that, a path or file URL
+/// of a folder. The result is one record with NEBSourceControlOperationRemoteOriginKey, the URL,
+/// and NEBSourceControlOperationRepositoryRootKey, the folder; absent when there is no such URL.
 class GitConfiguredURLOperation : public GitOperation {
 public:
     void parseData() override;
@@ -23,7 +22,7 @@ protected:
                               std::string_view configurationKey);
 };
 
-/// The URL of the remote "origin".
+/// Reads the URL of the remote "origin".
 class GitFetchRemoteOriginOperation : public GitConfiguredURLOperation {
 public:
     explicit GitFetchRemoteOriginOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -31,7 +30,7 @@ public:
     [[nodiscard]] std::string className() const override { return "GitFetchRemoteOriginOperation"; }
 };
 
-/// The URL of the Subversion repository behind the bridge.
+/// Reads the URL of the Subversion repository.
 class GitFetchSVNRemoteOriginOperation : public GitConfiguredURLOperation {
 public:
     explicit GitFetchSVNRemoteOriginOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -41,8 +40,8 @@ public:
     }
 };
 
-/// Asks for the URL of "origin", and, where there is none, for that of the Subversion repository.
-/// The result is one record, as above; empty where there is neither URL.
+/// Reads the URL of "origin" or, if there is none, of the Subversion repository. The result is one
+/// record, as above; empty when there is neither URL.
 class GitInfoOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;

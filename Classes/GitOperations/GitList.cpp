@@ -18,7 +18,7 @@ NEBDictionary recordOf(const Data& listing, std::string_view entry) {
     scanner.skipSpace();
     const std::string_view type = scanner.takeUpToSpace();
     scanner.skipSpace();
-    static_cast<void>(scanner.takeUpToSpace());  // the object's name
+    static_cast<void>(scanner.takeUpToSpace());  // the object id
     scanner.skipOne('\t');
 
     NEBDictionary record;
@@ -42,16 +42,15 @@ NEBSourceControlError errorOfFolderOutside(const NEBSourceControlRequest& reques
     return error;
 }
 
-/// All entries of the folder, for the shell to expand. No name at all fills its place in the
-/// command line the way that nothing does, with a text at which the shell stops: hosts count on the
-/// root not being listed.
+/// Returns the pattern for all entries of the folder. Without a name, it is text that is a syntax
+/// error for the shell: hosts rely on the root not being listed.
 std::string patternFor(const NEBSourceControlRequest& request) {
     const std::string folder = folderOf(request);
     return folder.empty() ? std::string(absentValueText) : gitShellPattern(folder) + "/*";
 }
 
-/// What is asked for behind HEAD: its tree, or, with the option for a branch, what git makes of the
-/// branch's name there (nothing: it is no kind of object).
+/// Returns the suffix of HEAD: its tree or, with the option for a branch, the name of the branch,
+/// which is not a type of object, so that git finds nothing.
 std::string selectorFor(const NEBSourceControlRequest& request) {
     const NEBValue& branch = request.option(NEBSourceControlRequestOptionBranch);
     return branch.isPresent() ? gitShellPattern(branch.description()) : "tree";
@@ -71,7 +70,7 @@ std::string GitListFilesOperation::launchPath() {
     return "/bin/sh";
 }
 
-/// The shell finds no file for a URL, and git then lists nothing and prints no error.
+/// The shell finds no file for a URL, so that git lists nothing and prints no error.
 void GitListFilesOperation::parseData() {
     NEBSourceControlResult records;
     if (data()) {
@@ -84,8 +83,8 @@ void GitListFilesOperation::parseData() {
     setResult(std::move(records));
 }
 
-/// A folder outside the working copy that is not there has words of its own in git, which speak of
-/// an invalid path. No folder at all makes the shell complain about its syntax.
+/// For a missing folder outside the working copy, git reports an invalid path. Without a folder,
+/// the shell reports a syntax error.
 std::optional<NEBSourceControlError> GitListFilesOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
     auto error = GitOperation::errorFromErrorMessage(message);

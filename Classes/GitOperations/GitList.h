@@ -1,4 +1,4 @@
-// GitList.h - the entries of a folder in the latest commit: request type 17.
+// GitList.h - request type 17 (list): the entries of a folder in HEAD.
 #pragma once
 
 #include <memory>
@@ -9,16 +9,16 @@
 
 namespace neb {
 
-/// Lists what the latest commit holds of the folder that the request's first file names. The shell
-/// expands "folder/*" to what is on disk, so an entry shows that is in the commit and on disk, and
-/// whose name does not begin with ".". A blank in the folder's name ends it, and wildcards in it
-/// expand; any other character stands for itself, and no name can make the shell run anything. The
-/// empty name is a line that the shell refuses.
+/// Lists the entries of HEAD in the folder that the request's first file names. The shell expands
+/// "folder/*" to the files on disk, so that the list has the entries that exist both in the commit
+/// and on disk, and whose name does not begin with ".". A blank ends the name of the folder, and
+/// wildcards in it are expanded; all other characters are literal, and no name can make the shell
+/// run a command. The empty name is a syntax error of the shell.
 ///
-/// The result has one record an entry: NEBSourceControlOperationNameKey, without folders, and
-/// NEBSourceControlOperationIsLeafKey, true for a file, false for a folder or a submodule. Empty
-/// when there is none. A folder that is a URL, or a path outside the working copy, is an error of
-/// the class "path-outside".
+/// The result has a record per entry: NEBSourceControlOperationNameKey, without folders, and
+/// NEBSourceControlOperationIsLeafKey, true for a file, false for a folder or submodule. Empty when
+/// there is none. A URL, or a path outside the working copy, is an error of the class
+/// "path-outside".
 class GitListFilesOperation : public GitOperation {
 public:
     explicit GitListFilesOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -31,7 +31,7 @@ public:
         const std::optional<std::string>& message) override;
 };
 
-/// Runs a GitListFilesOperation and hands on its result and error.
+/// Runs a GitListFilesOperation and passes on its result and error.
 class GitListOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;

@@ -11,34 +11,33 @@ namespace neb {
 
 namespace {
 
-/// A log of fewer bytes is read in one go, at its end.
-constexpr std::size_t worthReadingAhead = 1U << 18;
-/// What a log that is read ahead is sized for: how long it will be nobody knows.
-constexpr std::size_t manyBlocks = 4096;
-/// About how many bytes a commit takes.
-constexpr std::size_t usualBlock = 256;
+/// The number of bytes from which on a log is parsed while git runs.
+constexpr std::size_t incrementalSize = 1U << 18;
+/// The assumed number of commits of a log that is parsed while git runs.
+constexpr std::size_t assumedBlockCount = 4096;
+/// The approximate number of bytes per commit.
+constexpr std::size_t assumedBlockSize = 256;
 
-/// What a commit's block begins with, each on a line of its own: the abbreviated name, the author's
-/// name and e-mail by the mail map, the seconds since 1970 at which it was written, and the raw
-/// message, of many lines. A NUL byte stands in front of the block; the byte below ends it, and
-/// what follows up to the next NUL is the list of changed files. So a message may hold anything.
+/// The block of a commit: after a NUL byte, one line each for the abbreviated id, the author's name
+/// and e-mail (after .mailmap) and the author's time in seconds since 1970, then the raw message of
+/// any number of lines, ended by the byte below. The rest up to the next NUL is the list of changed
+/// files. Messages may contain any character.
 const std::vector<std::string> fieldPlaceholders{"h", "aN", "aE", "at", "B"};
 constexpr char endOfHeader = '\x01';
 
-/// "0" as the end of a range means that there is none.
+/// "0" as the ending revision means none.
 bool isEnd(const NEBValue& revision) {
     return revision.isPresent() && revision.description() != "0";
 }
 
-/// Takes the next line; the line end goes with it. Empty when none is left.
+/// Takes the next line without its line end. Empty when none is left.
 std::string_view takeLine(Scanner& scanner) {
     const std::string_view line = scanner.takeUpTo('\n');
     scanner.skipOne('\n');
     return line;
 }
 
-/// The seconds are read as 32 bits and no more: the nearest such number where that is not enough,
-/// 0 where there is none.
+/// Parses the seconds, clamped to 32 bits; 0 for invalid text.
 NEBDate dateOf(std::string_view seconds) {
     Scanner scanner(seconds);
     scanner.skipSpace();
@@ -47,26 +46,26 @@ NEBDate dateOf(std::string_view seconds) {
 
 }  // namespace
 
-/// Reads the blocks of one log, as they come or all at once. The texts are pieces of the log, and
-/// nothing is copied but the paths: those are the same in many blocks, and so are shared. A long
-/// history has many records.
+/// Parses the blocks of a log, incrementally or at once. Texts are not copied but refer to the log;
+/// paths, which repeat, are shared. A long history has many records.
 class GitLogOperation::Reader {
 public:
-    /// Of a log of about so many blocks.
+    /// For about `count` blocks.
     Reader(std::size_t count, bool withFiles) : _withFiles(withFiles), _paths(count) {
         _records.reserve(count);
     }
 
-    /// Reads on, up to so many bytes of `log`, which begins as it did in the last call.
+    /// Continues up to `end` bytes of `log`, which begins with the bytes of the last call.
     void readTo(std::size_t end, const Data& log) {
-        forEachPiece(log.bytes().substr(_place, end - _place), '\0', [&](std::string_view block) {
-            if (isUTF8(block)) {
-                readText(log, block);
-            } else {
-                readOtherBytes(log, block);
-            }
-        });
-        _place = end;
+        forEachPiece(log.bytes().substr(_parsedSize, end - _parsedSize), '\0',
+                     [&](std::string_view block) {
+                         if (isUTF8(block)) {
+                             readText(log, block);
+                         } else {
+                             readOtherBytes(log, block);
+                         }
+                     });
+        _parsedSize = end;
     }
 
     [[nodiscard]] NEBSourceControlResult takeRecords() { return std::move(_records); }
@@ -82,14 +81,15 @@ private:
         }
     }
 
-    /// Returns what follows the last byte that ends a header: the message may hold one too.
+    /// Returns the position after the last byte that ends a header, as a message may contain that
+    /// byte.
     static std::string_view listIn(std::string_view block) {
         std::string_view last;
-        forEachPiece(block, endOfHeader, [&last](std::string_view piece) { last = piece; });
+        forEachPiece(block, endOfHeader, [&last](std::string_view part) { last = part; });
         return last;
     }
 
-    /// The names of files that are not UTF-8 have a spelling that is; a header has none.
+    /// File names that are not UTF-8 are quoted; a header that is not UTF-8 is invalid.
     void readOtherBytes(const Data& log, std::string_view block) {
         const std::size_t last = block.rfind(endOfHeader);
         if (last != std::string_view::npos && isUTF8(block.substr(0, last))) {
@@ -102,7 +102,7 @@ private:
         }
     }
 
-    /// A line that is missing is taken for an empty one.
+    /// A missing line counts as empty.
     NEBDictionary recordOf(const Data& log, std::string_view block, std::string_view list) {
         const std::string_view files =
             _withFiles ? textByTrimmingLineEnds(list) : std::string_view();
@@ -121,8 +121,8 @@ private:
         return record;
     }
 
-    /// The state and path in each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path. A
-    /// line without a TAB is none of git's.
+    /// Parses state and path of each line: "M", TAB, path, or "R094", TAB, old path, TAB, new path.
+    /// Skips lines without a TAB.
     NEBDictionary filesOf(std::string_view list) {
         NEBDictionary files;
         files.reserve(pieceCount(list, '\n'));
@@ -140,7 +140,7 @@ private:
 
     bool _withFiles;
     GitRecentTexts _paths;
-    std::size_t _place = 0;  // how many bytes have been read
+    std::size_t _parsedSize = 0;  // the number of parsed bytes
     NEBSourceControlResult _records;
     std::vector<std::string> _omittedRevisions;
 };
@@ -175,17 +175,17 @@ GitLogOperation::GitLogOperation(std::shared_ptr<NEBSourceControlRequest> reques
         }
     }
     setArgumentsBehindDefaults(arguments);
-    // A log talks with nobody, starts no program, and may be long.
+    // A log communicates with no other process, starts no program, and may be long.
     setWritesWholeBuffers(true);
 }
 
-/// Three dots: git then lists what is in either of the two and not in both.
+/// With three dots, git lists the commits that are reachable from exactly one of the two revisions.
 void GitLogOperation::appendRevisions(std::vector<std::string>& arguments) const {
     const NEBValue start = gitRevisionOfCommit(request()->startingRevision);
     const NEBValue& end = request()->endingRevision;
     const NEBValue& branch = request()->option(NEBSourceControlRequestOptionBranch);
     if (isEnd(end)) {
-        // A branch has no say in a range, not even in one from HEAD.
+        // A branch is ignored with a range, even one from HEAD.
         arguments.push_back((start.isPresent() ? start.description() : "HEAD") + "..." +
                             end.description());
     } else if (start.isPresent()) {
@@ -199,11 +199,11 @@ bool GitLogOperation::wantsFilesChanged() const {
     return request()->option(NEBSourceControlRequestOptionLogOutputFilesChanged).boolValue();
 }
 
-/// Up to the last NUL byte all blocks are whole. It is looked for in what is new alone: a block may
-/// be long.
+/// All blocks up to the last NUL byte are complete. Only new bytes are searched for it, as a block
+/// may be long.
 void GitLogOperation::parseArrivedData(const Data& arrived) {
     const std::string_view fresh = arrived.bytes().substr(_seen);
-    if (fresh.size() < worthReadingAhead) {
+    if (fresh.size() < incrementalSize) {
         return;
     }
     const std::size_t end = fresh.rfind('\0');
@@ -213,7 +213,7 @@ void GitLogOperation::parseArrivedData(const Data& arrived) {
         return;
     }
     if (!_reader) {
-        _reader = std::make_unique<Reader>(manyBlocks, wantsFilesChanged());
+        _reader = std::make_unique<Reader>(assumedBlockCount, wantsFilesChanged());
     }
     _reader->readTo(former + end, arrived);
 }
@@ -223,7 +223,8 @@ void GitLogOperation::parseData() {
     std::vector<std::string> omittedRevisions;
     if (data()) {
         if (!_reader) {
-            _reader = std::make_unique<Reader>(data()->size() / usualBlock, wantsFilesChanged());
+            _reader =
+                std::make_unique<Reader>(data()->size() / assumedBlockSize, wantsFilesChanged());
         }
         _reader->readTo(data()->size(), *data());
         records = _reader->takeRecords();

@@ -1,4 +1,4 @@
-// GitLog.h - the history of a working copy: request type 18.
+// GitLog.h - request type 18 (log).
 #pragma once
 
 #include <memory>
@@ -10,18 +10,18 @@
 
 namespace neb {
 
-/// Lists commits, newest first: those of the checked-out branch, of a range or branch, or those
-/// that changed the request's first file (others are left out of account).
+/// Lists commits, newest first: those of HEAD, of a range or branch, or those that changed the
+/// request's first file (further files are ignored).
 ///
-/// The result has one record a commit: NEBSourceControlOperationRevisionKey (at most 12
-/// characters), NEBSourceControlOperationAuthorKey and NEBSourceControlOperationAuthorEmailKey (by
-/// the repository's mail map), NEBSourceControlOperationDateKey (when it was written; a time that
-/// 32 bits cannot hold is the nearest that they can) and NEBSourceControlOperationMessageKey
-/// (whole, without line ends around it). With the option for changed files, and where git lists
-/// any, also NEBSourceControlOperationFilesKey, a dictionary from path to status value; of a file
-/// that was renamed or copied the old path, of one whose name is not UTF-8 the path in git's
-/// quotes, see gitTextOfPath(). Empty when there is no commit to list. A commit whose author,
-/// e-mail or message is not UTF-8 is left out; omittedRevisions() names it.
+/// The result has a record per commit: NEBSourceControlOperationRevisionKey (at most 12
+/// characters), NEBSourceControlOperationAuthorKey and NEBSourceControlOperationAuthorEmailKey
+/// (after .mailmap), NEBSourceControlOperationDateKey (of the author; clamped to 32 bits) and
+/// NEBSourceControlOperationMessageKey (whole, without line ends at either end). With the option
+/// for changed files, and if git lists any, also NEBSourceControlOperationFilesKey, a dictionary
+/// from path to status value; it has the old path of a renamed or copied file, and the quoted path
+/// of one whose name is not UTF-8, see gitTextOfPath(). Empty when there is no commit to list.
+/// Commits whose author, e-mail or message is not UTF-8 are left out; omittedRevisions() lists
+/// them.
 class GitLogOperation : public GitOperation {
 public:
     explicit GitLogOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -31,8 +31,7 @@ public:
     void parseArrivedData(const Data& arrived) override;
     void parseData() override;
 
-    /// git's option for a commit's format: a NUL byte, then the fields that the placeholders name,
-    /// one a line.
+    /// The format option of git: a NUL byte, then the fields, one per line.
     [[nodiscard]] static std::string _prettyFormatWithArray(
         const std::vector<std::string>& placeholders);
 

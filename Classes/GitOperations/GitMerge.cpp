@@ -14,7 +14,7 @@ constexpr NEBSourceControlAssertionSite mergeBaseSite(int line) {
             .line = line};
 }
 
-/// A symbolic name means the latest commit.
+/// A symbolic revision name stands for HEAD.
 NEBValue revisionFor(const NEBValue& revision) {
     return gitIsSymbolicRevision(revision) ? NEBValue("HEAD") : revision;
 }

@@ -8,9 +8,9 @@
 
 namespace neb {
 
-/// Merges the request's ending revision, or else its destination, into the current branch; every
-/// hunk in conflict is settled in favour of the current branch. Without either, git merges what the
-/// branch tracks. No result.
+/// Merges the ending revision, or otherwise the destination, into the current branch, and resolves
+/// conflicting hunks in favour of the current branch. Without either, git merges the upstream
+/// branch. No result.
 class GitMergeOperation : public GitOperation {
 public:
     explicit GitMergeOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -18,9 +18,9 @@ public:
     [[nodiscard]] std::string className() const override { return "GitMergeOperation"; }
 };
 
-/// Finds the common ancestor of the starting and the ending revision. Both should be there; what is
-/// missing is reported. The result is one record with NEBSourceControlOperationRevisionKey, 12
-/// characters; absent when git printed nothing, as the two have no common ancestor.
+/// Finds the common ancestor of the starting and the ending revision, which are both required;
+/// missing ones are reported. The result is one record with NEBSourceControlOperationRevisionKey
+/// (12 characters); absent when there is no common ancestor.
 class GitMergeBaseOperation : public GitOperation {
 public:
     explicit GitMergeBaseOperation(std::shared_ptr<NEBSourceControlRequest> request);

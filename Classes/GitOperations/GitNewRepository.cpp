@@ -35,7 +35,7 @@ void GitCreateRepositoryOperation::parseData() {
             NEBSourceControlGenericError, formattedText("Cannot initialize a git repository: (%@)",
                                                         {*_nebsc_stringFromData(data())})));
     } else if (!isBare(*request()) && terminationStatus() && terminationStatus()->isSuccess()) {
-        // Where git failed, the list may be one that somebody wrote.
+        // If git failed, the list may belong to an existing repository.
         writeExcludeFile();
     }
 }

@@ -8,10 +8,10 @@
 
 namespace neb {
 
-/// Makes a bare repository at the path of the option NEBSourceControlRequestOptionRepositoryPath,
-/// or, without that, a repository in the source tree's folder, whose list of files to ignore
-/// (".git/info/exclude") is replaced by what development environments leave in every folder. No
-/// result. A list that cannot be written is an error, the write's own.
+/// Creates a bare repository at the path in the option NEBSourceControlRequestOptionRepositoryPath
+/// or, without that, a repository in the folder of the source tree. In the latter it replaces the
+/// list of ignored files (".git/info/exclude") with the usual files of development environments. No
+/// result. If the list cannot be written, the error is that of the file system.
 class GitCreateRepositoryOperation : public GitOperation {
 public:
     explicit GitCreateRepositoryOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -23,10 +23,10 @@ private:
     void writeExcludeFile();
 };
 
-/// Clones the source tree's location, submodules included, into the destination, a path; of the
-/// option NEBSourceControlRequestOptionBranch it checks that branch out. git runs in the
-/// destination itself, which so must be there, and empty; without a destination it runs in the
-/// source tree's folder, if that has one. No result.
+/// Clones the location of the source tree with its submodules into the destination, a path, and
+/// checks out the branch in the option NEBSourceControlRequestOptionBranch, if set. git runs in the
+/// destination, which must be an existing, empty folder; without a destination, in the folder of
+/// the source tree, if it has one. No result.
 class GitCloneOperation : public GitOperation {
 public:
     explicit GitCloneOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -1,4 +1,4 @@
-// GitOperation.h - the base of every operation that runs one git command.
+// GitOperation.h - the base of operations that run one git command.
 #pragma once
 
 #include <memory>
@@ -11,73 +11,72 @@
 
 namespace neb {
 
-/// Runs `git` in the folder that the request's source tree stands for. A subclass sets its
-/// arguments when it is made and, as a rule, reads the output in parseData().
+/// Runs `git` in the folder of the request's source tree. The constructor of a subclass sets the
+/// arguments; its parseData() usually reads the output.
 class GitOperation : public NEBSourceControlTaskOperation {
 public:
-    /// The working directory becomes the source tree's location, when that is an absolute path or a
-    /// file URL; else it stays unset.
+    /// Sets the working directory to the location of the source tree if that is an absolute path or
+    /// a file URL.
     explicit GitOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitOperation"; }
 
-    /// The path of git, from the host's developer paths; looked up once for the process. From any
-    /// thread.
+    /// The path of git, from the developer paths of the host; searched once per process.
+    /// Thread-safe.
     [[nodiscard]] std::string launchPath() override;
 
-    /// The options that point git at the repository and working copy of the request's options:
-    /// "--git-dir=…" with a leading "~" expanded, then "--work-tree=…" exactly as given. Empty when
-    /// the options name neither.
+    /// Returns the global options of git for the repository and working copy in the options of the
+    /// request: "--git-dir=…" with a leading "~" expanded, then "--work-tree=…" unchanged. Empty
+    /// when neither is set.
     [[nodiscard]] std::vector<std::string> defaultArguments() const;
 
-    /// Translates the text of a child by the table of GitErrorTable.h, whatever the subclass
-    /// diagnoses; where the subclass diagnoses a failure, the table's error gets that class. A text
-    /// that is not in the table is translated by diagnoseFailure(), else by the base class.
+    /// Translates the text with the table of GitErrorTable.h. The error of the table gets the class
+    /// of diagnoseFailure(), if that finds one. A text that is not in the table is translated by
+    /// diagnoseFailure() or by the base class.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
-    /// A git that fails without a word is an error that tells its exit status, unless silence is an
-    /// answer to what it was asked.
+    /// Makes an error with the exit status of a git that failed and printed nothing, unless that is
+    /// a valid answer.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromUnknownFailure(
         std::optional<NEBSourceControlError> error) override;
 
     /// Reads one line of a status or of a list of names and states: a record with the status value
-    /// and the path, in front of which `fullPath` is put unless that is empty. Nothing for a line
-    /// without a state.
+    /// and the path, with `fullPath` prepended unless that is empty. Absent for a line without a
+    /// state.
     [[nodiscard]] static std::optional<NEBDictionary> parseForStatusAndPathWithLine(
         std::string_view line, std::string_view fullPath);
 
 protected:
-    /// Returns what the operation itself knows about a failure with this text, such as that a hook
-    /// of the repository refused; absent where it knows nothing. Called only for a child that did
-    /// not end with status 0. The base returns nothing.
+    /// Returns an error that only this operation can recognise in the text, such as a refusal by a
+    /// hook; absent if there is none. Called only for a child whose exit status is not 0. The base
+    /// implementation returns nothing.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const {
         static_cast<void>(text);
         return std::nullopt;
     }
 
-    /// For an operation that changes something: whether it did, git's exit status alone tells. What
-    /// is said beside a success, by a hook or by the far end, is no error whatever its words. The
-    /// hooks that may run see the user's settings.
+    /// Declares an operation that changes something: exit status 0 is success, whatever hooks or
+    /// the server printed. Hooks may run and see the settings of the user.
     void setChangesRepository() {
         setJudgedByExitStatus();
         setMayRunHooks(true);
     }
-    /// For an operation that writes files and runs no hooks: status 0 is success, whatever was
+    /// Declares an operation that writes files and runs no hooks: status 0 is success, whatever was
     /// printed.
     void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
-    /// For a question: a git that ends with 1 and says nothing has answered that there is nothing.
+    /// Declares a query: exit status 1 without output means that there is no result.
     void setSilenceIsAnswer() { _isSilenceAnswer = true; }
 
-    /// Sets the arguments, behind those of defaultArguments().
+    /// Sets the arguments, preceded by defaultArguments().
     void setArgumentsBehindDefaults(const std::vector<std::string>& arguments);
-    /// When the request has exactly one file, a folder's path or file URL, that becomes the working
-    /// directory.
+    /// Uses the only file of the request, a path or file URL of a folder, as the working directory.
+    /// Does nothing for any other number of files.
     void setCurrentDirectoryToOneFile();
-    /// Appends the request's files, each as it is; an absent one leaves no trace.
+    /// Appends the request's files unchanged; skips absent ones.
     void appendFiles(std::vector<std::string>& arguments) const;
-    /// Appends the value as text; an absent one leaves no trace.
+    /// Appends the value as text; skips an absent one.
     static void appendIfPresent(std::vector<std::string>& arguments, const NEBValue& value);
 
 private:

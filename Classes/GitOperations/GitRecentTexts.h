@@ -1,4 +1,4 @@
-// GitRecentTexts.h - one value for texts that come again and again, as authors and paths do.
+// GitRecentTexts.h - shared values for repeated texts such as authors and paths.
 //
 //     GitRecentTexts texts(1000);
 //     texts.value("Ann Example");   // a string
@@ -16,28 +16,28 @@
 
 namespace neb {
 
-/// Remembers a fixed number of texts, so what it needs does not grow with what it is asked: a text
-/// takes the place of another that falls to the same one. One thread at a time.
+/// A cache of fixed size: a new text replaces the one in the same slot. Not thread-safe.
 class GitRecentTexts {
 public:
-    /// Room for about `count` texts, within bounds.
+    /// Allocates about `count` slots, within bounds.
     explicit GitRecentTexts(std::size_t count)
-        : _places(std::bit_ceil(std::clamp(count, fewestPlaces, mostPlaces))) {}
+        : _slots(std::bit_ceil(std::clamp(count, minimumSlots, maximumSlots))) {}
 
-    /// The text as a string value, shared with earlier ones as long as it is remembered.
+    /// Returns the text as a string value, which shares its content with earlier values of the same
+    /// text while that is cached.
     const NEBValue& value(std::string_view text) {
-        NEBValue& place = _places[std::hash<std::string_view>()(text) & (_places.size() - 1)];
-        if (!place.isString() || *place.string() != text) {
-            place = text;
+        NEBValue& slot = _slots[std::hash<std::string_view>()(text) & (_slots.size() - 1)];
+        if (!slot.isString() || *slot.string() != text) {
+            slot = text;
         }
-        return place;
+        return slot;
     }
 
 private:
-    static constexpr std::size_t fewestPlaces = 16;
-    static constexpr std::size_t mostPlaces = 16384;
+    static constexpr std::size_t minimumSlots = 16;
+    static constexpr std::size_t maximumSlots = 16384;
 
-    std::vector<NEBValue> _places;
+    std::vector<NEBValue> _slots;
 };
 
 }  // namespace neb

@@ -1,4 +1,4 @@
-// GitRemote.h - the remotes of a repository: request types 24, 34 and 35.
+// GitRemote.h - request types 24, 34 and 35 (list, add and remove remotes).
 #pragma once
 
 #include <memory>
@@ -9,11 +9,11 @@
 
 namespace neb {
 
-/// Lists git's own remotes. A record for each line of git's output, so as a rule two for a remote,
-/// and one more, without entries, for the end of the output:
-/// NEBSourceControlOperationRemoteNameKey, NEBSourceControlOperationRemoteOriginKey (the location,
-/// cut at a blank) and NEBSourceControlOperationTypeKey ("fetch" or "push"), each where it was
-/// found. Absent when there is no remote.
+/// Lists the remotes of git. A record for each line of output, usually two per remote, and an empty
+/// record at the end: NEBSourceControlOperationRemoteNameKey,
+/// NEBSourceControlOperationRemoteOriginKey (the location up to the first blank) and
+/// NEBSourceControlOperationTypeKey ("fetch" or "push"), as far as git printed them. Absent when
+/// there is no remote.
 class GitListStandardRemotesOperation : public GitOperation {
 public:
     explicit GitListStandardRemotesOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -24,7 +24,7 @@ public:
     void parseData() override;
 };
 
-/// Lists git's own remotes, and then the Subversion repository behind the bridge, if there is one.
+/// Lists the remotes of git and then the Subversion repository, if there is one.
 class GitListRemotesOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;
@@ -33,7 +33,7 @@ public:
     void main() override;
 };
 
-/// Adds a remote: its name is the destination, its location the one file. No result.
+/// Adds the remote `destination` with the only file as its location. No result.
 class GitAddRemoteOperation : public GitOperation {
 public:
     explicit GitAddRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] std::string className() const override { return "GitAddRemoteOperation"; }
 };
 
-/// Removes the remote that the destination names. No result.
+/// Removes the remote `destination`. No result.
 class GitRemoveRemoteOperation : public GitOperation {
 public:
     explicit GitRemoveRemoteOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -1,4 +1,4 @@
-// GitRevision.h - what the operations do alike with revisions.
+// GitRevision.h - functions for revisions.
 #pragma once
 
 #include <string>
@@ -8,14 +8,13 @@
 
 namespace neb {
 
-/// The revision as records hold it: its first 12 characters.
+/// Returns the first 12 characters, as records have them.
 [[nodiscard]] std::string_view gitAbbreviatedRevision(std::string_view revision);
 
-/// Whether the value is one of the host's names for a revision instead of one of git's: local, in
-/// memory, HEAD or BASE.
+/// Whether the value is a symbolic revision name of the host: local, in memory, HEAD or BASE.
 [[nodiscard]] bool gitIsSymbolicRevision(const NEBValue& revision);
 
-/// "HEAD" for the host's names HEAD and BASE, any other value as it is.
+/// Returns "HEAD" for the symbolic names HEAD and BASE, and any other value unchanged.
 [[nodiscard]] NEBValue gitRevisionOfCommit(const NEBValue& revision);
 
 }  // namespace neb

@@ -4,8 +4,8 @@ namespace neb {
 
 namespace {
 
-/// Beside the characters of the shell's grammar the braces: some shells that serve as /bin/sh
-/// expand them too.
+/// The characters of the shell's grammar, and braces, which some shells that are installed as
+/// /bin/sh expand.
 constexpr std::string_view special = ";&|<>()$`\"'\\#!{}";
 constexpr std::string_view blanks = " \t";
 constexpr std::string_view wildcards = "*?[]";
@@ -21,7 +21,7 @@ std::string escaped(std::string_view text, bool isOneWord) {
         const bool isBlank = isIn(blanks, character);
         const bool isHomeFolder = character == '~' && isAtWordStart;
         if (character == '\n') {
-            result += "'\n'";  // with a backslash in front it would be left out
+            result += "'\n'";  // the shell removes a line end after a backslash
         } else {
             const bool needsEscape = isIn(special, character) || isHomeFolder ||
                                      (isOneWord && (isBlank || isIn(wildcards, character)));

@@ -18,7 +18,7 @@ void addLastRecord(NEBDictionary& remote, const NEBSourceControlOperation& opera
     }
 }
 
-/// A fetch over the bridge says the latter too.
+/// A fetch over the bridge also prints the latter.
 bool isHarmless(std::string_view text) {
     return gitIsBridgeNotice(text) ||
            (text.starts_with("Found possible branch point") &&
@@ -39,7 +39,7 @@ GitFetchSVNRemoteNameOperation::GitFetchSVNRemoteNameOperation(
     setCurrentDirectoryToOneFile();
 }
 
-/// Reads "path on the server : reference".
+/// Reads "path on the server:reference".
 void GitFetchSVNRemoteNameOperation::parseData() {
     if (!data() || data()->empty()) {
         return;

@@ -1,5 +1,4 @@
-// GitSubversion.h - the Subversion repository behind the bridge: its part in request types 24, 37
-// and 13.
+// GitSubversion.h - the Subversion bridge: parts of request types 24, 37 and 13.
 #pragma once
 
 #include <memory>
@@ -12,13 +11,13 @@
 
 namespace neb {
 
-/// Whether the bridge's words on standard error begin as they do when all is well.
+/// Whether the standard error of git-svn(1) begins with one of its usual messages.
 [[nodiscard]] bool gitIsBridgeNotice(std::string_view text);
 
-/// Asks for the reference under which the bridge keeps what it fetches. The result is one record
-/// with NEBSourceControlOperationRemoteNameKey, the reference's last component, and
-/// NEBSourceControlOperationTypeKey, "fetch"; without entries where there is no such component,
-/// absent where nothing is configured. Asked where GitConfiguredURLOperation asks.
+/// Reads the reference to which the bridge fetches. The result is one record with
+/// NEBSourceControlOperationRemoteNameKey, the last component of the reference, and
+/// NEBSourceControlOperationTypeKey, "fetch"; without entries when there is no such component,
+/// absent when none is configured. Runs in the same folder as GitConfiguredURLOperation.
 class GitFetchSVNRemoteNameOperation : public GitOperation {
 public:
     explicit GitFetchSVNRemoteNameOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -29,9 +28,9 @@ public:
     void parseData() override;
 };
 
-/// Describes the Subversion repository behind the bridge as one remote: a record with
-/// NEBSourceControlOperationUsesGitSVNKey and the entries of the two questions. Empty where there
-/// is none.
+/// Lists the Subversion repository as a remote: a record with
+/// NEBSourceControlOperationUsesGitSVNKey and the entries of both operations above. Empty when
+/// there is none.
 class GitListSVNRemoteOperation : public GitComposite<GitOperation> {
 public:
     using GitComposite::GitComposite;
@@ -40,8 +39,8 @@ public:
     void main() override;
 };
 
-/// Fetches new revisions over the bridge. What it says as a matter of course is no error, and the
-/// result is empty then; otherwise absent.
+/// Fetches new revisions over the bridge. Its usual messages are not errors; the result is empty
+/// then, otherwise absent.
 class GitSvnFetchOperation : public GitOperation {
 public:
     explicit GitSvnFetchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -50,8 +49,8 @@ public:
     void parseData() override;
 };
 
-/// Puts the local commits on top of the destination, the reference of what was fetched; a
-/// destination that is no non-empty string is reported. No result.
+/// Rebases the local commits onto the destination, the fetched reference; anything but a non-empty
+/// string is reported. No result.
 class GitSvnRebaseOperation : public GitOperation {
 public:
     explicit GitSvnRebaseOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -13,16 +13,16 @@ constexpr NEBSourceControlAssertionSite pathStringSite{
     .file = "Classes/GitOperations",
     .line = 672};
 
-/// The file's path, a folder's with a "/" at its end. A relative one is looked up where git will;
-/// the empty one names nothing.
+/// Returns the path of the file, with a "/" appended if it is a folder. A relative path starts at
+/// git's working directory; the empty path names nothing.
 std::string pathToAdd(const NEBValue& file, const std::optional<std::string>& currentFolder) {
     std::string path = file.description();
     if (path.empty() || path.ends_with('/')) {
         return path;
     }
-    const std::string place =
+    const std::string absolutePath =
         isAbsolutePath(path) ? path : pathByAppendingComponent(currentFolder.value_or(""), path);
-    const auto attributes = LOMFilePath::filePathForPathString(place).fileAttributes();
+    const auto attributes = LOMFilePath::filePathForPathString(absolutePath).fileAttributes();
     return attributes && attributes->fileType == LOMFileType::directory ? path + '/' : path;
 }
 

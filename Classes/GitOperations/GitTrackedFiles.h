@@ -1,5 +1,4 @@
-// GitTrackedFiles.h - which files the repository tracks: request types 0 and 6 (add), 5 (remove)
-// and 11 (move). None of them leaves a result.
+// GitTrackedFiles.h - request types 0 and 6 (add), 5 (remove) and 11 (move). None has a result.
 #pragma once
 
 #include <memory>
@@ -9,8 +8,8 @@
 
 namespace neb {
 
-/// Stages the request's destination, a path, or else its files, or else the whole working copy. A
-/// file that is no string is reported.
+/// Stages the destination, a path, otherwise the files, otherwise the whole working copy. A file
+/// that is not a string is reported.
 class GitAddOperation : public GitOperation {
 public:
     explicit GitAddOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -18,8 +17,8 @@ public:
     [[nodiscard]] std::string className() const override { return "GitAddOperation"; }
 };
 
-/// Deletes the files from the working copy and the index: folders with all that is in them, and
-/// changed files with their changes.
+/// Deletes the files from the working copy and the index: folders recursively, changed files with
+/// their changes.
 class GitRemoveOperation : public GitOperation {
 public:
     explicit GitRemoveOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -27,8 +26,8 @@ public:
     [[nodiscard]] std::string className() const override { return "GitRemoveOperation"; }
 };
 
-/// Moves the first of the files to the destination, in the working copy and the index. Further
-/// files stay where they are.
+/// Moves the first file to the destination, in the working copy and the index. Ignores further
+/// files.
 class GitMoveOperation : public GitOperation {
 public:
     explicit GitMoveOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -10,7 +10,7 @@ namespace neb {
 
 namespace {
 
-/// The value of the setting that the operation has asked for; absent where there is none.
+/// Returns the value of the setting that the operation has read; absent if it is not set.
 NEBValue settingOf(const NEBSourceControlOperation& operation) {
     return operation.result() && !operation.result()->empty()
                ? operation.result()->front().value(NEBSourceControlOperationNameKey)
@@ -58,7 +58,7 @@ void GitTrackingBranchNameOperation::main() {
         setError(merge->error());
         return;
     }
-    // The pairs end at the first value that is absent.
+    // The record ends at the first absent value.
     NEBDictionary record;
     if (const NEBValue remoteName = settingOf(*remote); remoteName.isPresent()) {
         record.set(NEBSourceControlOperationRemoteNameKey, remoteName);

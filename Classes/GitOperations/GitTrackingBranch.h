@@ -1,4 +1,4 @@
-// GitTrackingBranch.h - which branch of a remote a branch tracks: request types 38 and 36.
+// GitTrackingBranch.h - request types 38 and 36 (upstream branches).
 #pragma once
 
 #include <memory>
@@ -9,20 +9,20 @@
 
 namespace neb {
 
-/// The base of the questions for what is configured for the branch of the option
+/// The base of operations that read a setting of the branch in the option
 /// NEBSourceControlRequestOptionBranch. The result is one record with
-/// NEBSourceControlOperationNameKey, absent where nothing is configured.
+/// NEBSourceControlOperationNameKey, absent when the setting is missing.
 class GitBranchSettingOperation : public GitOperation {
 public:
     void parseData() override;
 
 protected:
-    /// `keyFormat` is the setting's key with "%@" for the branch.
+    /// `keyFormat` is the key of the setting, with "%@" for the branch.
     GitBranchSettingOperation(std::shared_ptr<NEBSourceControlRequest> request,
                               std::string_view keyFormat);
 };
 
-/// The name of the remote that the branch belongs to.
+/// Reads the name of the branch's remote.
 class GitRemoteRefForBranchOperation : public GitBranchSettingOperation {
 public:
     explicit GitRemoteRefForBranchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -32,7 +32,7 @@ public:
     }
 };
 
-/// The reference, on the remote, that is merged into the branch: "refs/heads/topic".
+/// Reads the upstream reference on the remote: "refs/heads/topic".
 class GitMergeBranchForBranchOperation : public GitBranchSettingOperation {
 public:
     explicit GitMergeBranchForBranchOperation(std::shared_ptr<NEBSourceControlRequest> request);
@@ -42,9 +42,9 @@ public:
     }
 };
 
-/// Names the branch that the branch tracks: one record with NEBSourceControlOperationRemoteNameKey
-/// and NEBSourceControlOperationNameKey, the last component of the reference. Without a remote the
-/// record has no entries, without a reference only the first.
+/// Returns the upstream branch: one record with NEBSourceControlOperationRemoteNameKey and
+/// NEBSourceControlOperationNameKey, the last component of the reference. The record is empty
+/// without a remote, and has only the remote without a reference.
 class GitTrackingBranchNameOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;
@@ -55,7 +55,7 @@ public:
     void main() override;
 };
 
-/// Fetches from the remote, and then makes a branch that tracks the remote's. No result.
+/// Fetches from the remote, then creates a branch that tracks a branch of the remote. No result.
 class GitTrackRemoteBranchOperation : public GitComposite<GitOperation> {
 public:
     using GitComposite::GitComposite;

@@ -1,4 +1,4 @@
-// GitUpdate.h - request type 13.
+// GitUpdate.h - request type 13 (update).
 #pragma once
 
 #include <memory>
@@ -8,10 +8,10 @@
 
 namespace neb {
 
-/// Brings a working copy up to date with its remote by one of three operations: over the Subversion
-/// bridge a rebase, of which only an error is passed on; with the option
-/// NEBSourceControlRequestOptionPullByFastForwarding a pull, otherwise a merge, of which the result
-/// and the error are this operation's. A source tree that is no working tree is reported.
+/// Updates a working copy in one of three ways: over the Subversion bridge with a rebase, of which
+/// only an error is passed on; with the option NEBSourceControlRequestOptionPullByFastForwarding
+/// with a pull, otherwise with a merge, whose result and error become those of this operation. A
+/// source tree that is not a working tree is reported.
 class GitUpdateOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;

@@ -1,4 +1,4 @@
-// NEBObject.h - what every object of the host contract answers.
+// NEBObject.h - the base of all classes of the host contract.
 #pragma once
 
 #include <string>
@@ -7,6 +7,8 @@
 
 namespace neb {
 
+/// The base class. Shared through std::shared_ptr; thread-safety is documented by each derived
+/// class.
 class NEB_EXPORT NEBObject {
 public:
     NEBObject() = default;
@@ -14,7 +16,7 @@ public:
     NEBObject& operator=(const NEBObject&) = default;
     virtual ~NEBObject() = default;
 
-    /// Describes the object in the message of an assertion report.
+    /// Returns a description for the message of an assertion report.
     [[nodiscard]] virtual std::string descriptionForAssertionMessage() const = 0;
 };
 

@@ -1,12 +1,12 @@
-// NEBSourceControlAssertions.h - the shapes in which a broken precondition is reported.
+// NEBSourceControlAssertions.h - reports of broken preconditions.
 //
 //     const NEBSourceControlAssertionSite site{
 //         .function = "-[GitController operationForRequest:]", .file = "Classes/GitController",
 //         .line = 194};
 //     NEBSourceControlAssertNonEmptyString(site, request.destination, "request.destination");
 //
-// Each reports through _LOMAssertionFailureHandler when the condition does not hold, and returns;
-// the caller goes on. From any thread.
+// Each function reports through _LOMAssertionFailureHandler when the condition does not hold, and
+// returns in any case: execution continues. Thread-safe.
 #pragma once
 
 #include <string_view>
@@ -16,30 +16,30 @@
 
 namespace neb {
 
-/// Where a condition stands.
+/// The source location that a report names.
 struct NEBSourceControlAssertionSite {
     std::string_view function;
     std::string_view file;
     int line;
 };
 
-/// The plain shape: "Assertion failed: %s" with the condition's text.
+/// Checks a condition. The message is "Assertion failed: %s" with the text of the condition.
 NEB_EXPORT void NEBSourceControlAssert(const NEBSourceControlAssertionSite& site, bool holds,
                                        std::string_view condition);
 
-/// "%s should not be nil." with the expression's text, for a value of which only `isPresent`
-/// counts. The condition reads "(expression) != nil".
+/// Checks that a value is present. The message is "%s should not be nil." with the text of the
+/// expression; the reported condition is "(expression) != nil".
 NEB_EXPORT void NEBSourceControlAssertNotNil(const NEBSourceControlAssertionSite& site,
                                              bool isPresent, std::string_view expression);
 
-/// "%s should be a non-empty string, …": absent, of another kind, or empty, each with a condition
-/// of its own.
+/// Checks that a value is a non-empty string. The message is "%s should be a non-empty string, …",
+/// and the reported condition says whether it is absent, of another kind, or empty.
 NEB_EXPORT void NEBSourceControlAssertNonEmptyString(const NEBSourceControlAssertionSite& site,
                                                      const NEBValue& value,
                                                      std::string_view expression);
 
-/// "%s should be an instance inheriting from %@, …": the value is absent, or `isInstance` says that
-/// it is of another class than `className`.
+/// Checks that a value is present and that `isInstance`, which states that it is an instance of
+/// `className`, holds. The message is "%s should be an instance inheriting from %@, …".
 NEB_EXPORT void NEBSourceControlAssertInstance(const NEBSourceControlAssertionSite& site,
                                                const NEBValue& value, bool isInstance,
                                                std::string_view expression,

@@ -22,7 +22,7 @@ constexpr SetVariable setVariables[] = {
     {"GIT_EDITOR", ":", "a message that is missing is an error, no editor waits for it"},
     {"GIT_SEQUENCE_EDITOR", ":", "a rebase goes on with the list that git made"},
     {"GIT_PAGER", "cat", "output goes to us"},
-    // A user's trace2 settings may name standard error, whose text we translate.
+    // trace2 settings of the user may write to standard error, which is parsed.
     {"GIT_TRACE2", "0", "stands above the setting trace2.normalTarget"},
     {"GIT_TRACE2_PERF", "0", "stands above the setting trace2.perfTarget"},
     {"GIT_TRACE2_EVENT", "0", "stands above the setting trace2.eventTarget"},
@@ -36,8 +36,8 @@ constexpr std::string_view tiesToRepository = "ties a process to one repository"
 constexpr std::string_view changesNames = "changes what a name in the arguments means";
 
 constexpr RemovedVariable removedVariables[] = {
-    // All that `git rev-parse --local-env-vars` names. GIT_CONFIG_COUNT and its pairs carry the
-    // user's own entries and are taken over below, ours behind them.
+    // The variables that `git rev-parse --local-env-vars` lists. The entries of GIT_CONFIG_COUNT
+    // belong to the user; they are kept below, before ours.
     {"GIT_ALTERNATE_OBJECT_DIRECTORIES", tiesToRepository},
     {"GIT_CONFIG", tiesToRepository},
     {"GIT_CONFIG_PARAMETERS", "would win over the settings that are pinned here"},
@@ -80,9 +80,9 @@ constexpr std::string_view configCount = "GIT_CONFIG_COUNT";
 constexpr std::string_view configKey = "GIT_CONFIG_KEY_";
 constexpr std::string_view configValue = "GIT_CONFIG_VALUE_";
 
-/// Which children a setting is pinned for. A hook's own gits inherit what the git around them is
-/// told, and are to work as the user has configured them; so a git that may run hooks is told only
-/// what would otherwise change its own answer, and nothing that changes what another git does.
+/// The children that a setting is pinned for. The git processes of a hook inherit the environment
+/// and must use the configuration of the user. Therefore a git that may run hooks gets only
+/// settings for its own output, and none that change the behaviour of other git processes.
 enum class Reach { everyChild, childrenWithoutHooks };
 
 struct PinnedSetting {
@@ -90,17 +90,16 @@ struct PinnedSetting {
     Reach reach = Reach::childrenWithoutHooks;
 };
 
-/// Settings that would change what we read. What a user means to say with a setting is not here:
-/// identity and signing; line ends, filters and ignored files; what a merge, pull, rebase, fetch,
-/// push or clone does (merge.ff, pull.rebase, fetch.prune, push.followTags …); how a message is
-/// cleaned up and what it is completed with (commit.cleanup, merge.log); hooks, helpers, rewritten
-/// URLs; what a driver makes of a file before it is compared (diff.<driver>.textconv) and the
-/// submodules that are not looked into (diff.ignoreSubmodules, submodule.<name>.ignore), whose
-/// names nobody can list here; the revisions that a blame passes over (blame.ignoreRevsFile), a
-/// list that no setting ends.
+/// Pins settings that change parsed output. Settings that express an intention of the user are not
+/// pinned: identity and signing; line ends, filters and ignored files; the behaviour of merge,
+/// pull, rebase, fetch, push and clone (merge.ff, pull.rebase, fetch.prune, push.followTags …); the
+/// clean-up and completion of messages (commit.cleanup, merge.log); hooks, helpers, rewritten URLs;
+/// textconv drivers (diff.<driver>.textconv) and ignored submodules (diff.ignoreSubmodules,
+/// submodule.<name>.ignore), whose names are not known here; blame.ignoreRevsFile, a list that no
+/// setting clears.
 constexpr PinnedSetting pinnedSettings[] = {
-    // colour: a hook's git writes into a pipe, so this differs for it only where a user wants
-    // colours even there
+    // colour: a git of a hook writes to a pipe, so that this changes it only for users who force
+    // colours
     {"color.ui", "false", Reach::everyChild},
     {"color.advice", "false", Reach::everyChild},
     {"color.branch", "false", Reach::everyChild},
@@ -109,19 +108,17 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"color.remote", "false", Reach::everyChild},
     {"color.status", "false", Reach::everyChild},
     {"color.transport", "false", Reach::everyChild},
-    // abbreviations as git thinks right: a commit's is its result
+    // abbreviations as git chooses them: that of a commit is its result
     {"core.abbrev", "auto", Reach::everyChild},
-    // what is handed to git is UTF-8, and so is what it writes, into a commit and to us
+    // git's input and output is UTF-8
     {"i18n.commitEncoding", "UTF-8", Reach::everyChild},
     {"i18n.logOutputEncoding", "UTF-8", Reach::everyChild},
-    // a program that tells what has changed, or fails to, or never ends
+    // a program that reports changed files may fail or hang
     {"core.fsmonitor", "false", Reach::everyChild},
-    // a URL by which git talks over a descriptor that it was started with: it has none of the
-    // host's, and would wait for ever
+    // a URL that uses an inherited descriptor: the child inherits none, and would wait forever
     {"protocol.fd.allow", "never", Reach::everyChild},
-    // what a merge, a fetch or a checkout says of itself; of the hints, the one by which an
-    // unmerged
-    // branch is recognised and the one that is part of an answer
+    // messages of merge, fetch and checkout; of the hints, one that identifies an unmerged branch
+    // and one that is part of the output
     {"merge.stat", "true", Reach::everyChild},
     {"merge.verbosity", "2", Reach::everyChild},
     {"fetch.output", "full", Reach::everyChild},
@@ -129,7 +126,7 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"diff.statNameWidth", "0", Reach::everyChild},
     {"advice.forceDeleteBranch", "true", Reach::everyChild},
     {"advice.detachedHead", "true", Reach::everyChild},
-    // columns, and names as they are wherever git can write them so
+    // no columns, and unquoted names where git can print them
     {"column.ui", "never"},
     {"column.branch", "never"},
     {"column.status", "never"},
@@ -143,7 +140,7 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"status.short", "false"},
     {"status.showStash", "false"},
     {"status.submoduleSummary", "false"},
-    // what a commit's object is, and from which size on a text is none
+    // what a commit refers to, and the size limit of text files
     {"core.useReplaceRefs", "true"},
     {"core.bigFileThreshold", "512m"},
     // differences
@@ -189,7 +186,7 @@ bool isSetByUs(std::string_view name) {
                        [name](const SetVariable& row) { return row.name == name; });
 }
 
-/// Why a variable is removed; empty for one that is not.
+/// Returns why a variable is removed; empty for one that is kept.
 std::string_view reasonToRemove(std::string_view name) {
     if (name.substr(0, removedPrefix.size()) == removedPrefix) {
         return reasonToRemovePrefix;
@@ -215,7 +212,7 @@ std::optional<std::string_view> valueOf(const std::vector<std::string>& environm
     return std::nullopt;
 }
 
-/// Writes configuration entries in the form in which git takes them from the environment.
+/// Appends configuration entries in the form in which git reads them from the environment.
 class ConfigurationWriter {
 public:
     explicit ConfigurationWriter(std::vector<std::string>& environment)
@@ -235,8 +232,8 @@ private:
     std::size_t _count = 0;
 };
 
-/// The user's own entries. Where the count is no number or one of a pair is missing, git would die
-/// of it; such entries are left out.
+/// Returns the entries of the user. git fails if the count is not a number or a pair is incomplete;
+/// such entries are left out.
 void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWriter& writer) {
     const std::string_view countText = valueOf(inherited, configCount).value_or("");
     std::size_t count = 0;
@@ -245,7 +242,7 @@ void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWri
     if (failure != std::errc() || end != countText.data() + countText.size()) {
         return;
     }
-    // An absurd count is no reason to look for ever: there are no more pairs than variables.
+    // There cannot be more pairs than variables, whatever the count.
     for (std::size_t i = 0; i < std::min(count, inherited.size()); ++i) {
         const std::string number = std::to_string(i);
         const auto key = valueOf(inherited, std::string(configKey) + number);

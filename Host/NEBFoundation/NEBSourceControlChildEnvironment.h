@@ -1,4 +1,4 @@
-// NEBSourceControlChildEnvironment.h - the environment that child processes of operations get.
+// NEBSourceControlChildEnvironment.h - the environment of the child processes of operations.
 #pragma once
 
 #include <string>
@@ -9,51 +9,51 @@
 
 namespace neb {
 
-/// What differs from child to child.
+/// The properties of a child process that decide about its environment.
 struct NEBSourceControlChildTraits {
-    /// A name of the request holds a character that git would read as a pattern.
+    /// A name of the request has a character that git would read as a pattern.
     bool hasPatternCharacters = false;
-    /// Nobody waits for the work.
+    /// No user waits for the result; git takes no optional locks.
     bool isBackgroundWork = false;
-    /// git writes whole buffers, not record by record, which is much quicker for a long output. Not
-    /// for a git that talks with another, or starts a program that may: the answers would never
-    /// leave their buffers.
+    /// git writes its output in full buffers instead of record by record, which is much faster for
+    /// long outputs. Not for commands that communicate with another process, directly or through a
+    /// program that they start: their messages would stay in the buffers.
     bool writesWholeBuffers = false;
-    /// Hooks may run, whose own gits inherit what this one is told: it is told no more than it
-    /// needs.
+    /// Hooks may run. The git processes that they start inherit the environment, so that no
+    /// settings are pinned in it.
     bool mayRunHooks = false;
-    /// What git puts into an archive is for its owner alone.
+    /// The files of an archive are readable by their owner only.
     bool archivesForOwner = false;
 };
 
-/// The host's own environment `inherited` (each element `NAME=value`) with what must not bleed into
-/// git removed and what git must be told added; the tables in the source give the reason for each
-/// variable. From any thread.
+/// Returns the environment for a child: `inherited` (each element `NAME=value`) without the
+/// variables that must not influence git, and with those that git requires. The tables in the
+/// source state the reason for each variable. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlChildEnvironment(
     const std::vector<std::string>& inherited, const NEBSourceControlChildTraits& traits);
 
-/// A setting that git is told for a child that runs no hooks, whatever the user has configured.
+/// A setting that overrides the configuration of the user, for children that run no hooks.
 struct NEBSourceControlPinnedSetting {
     std::string_view key, value;
 };
 
-/// All of them. From any thread.
+/// Returns all pinned settings. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::vector<NEBSourceControlPinnedSetting>
 NEBSourceControlPinnedSettings();
 
-/// A variable that a child does not get.
+/// A variable that children do not inherit.
 struct NEBSourceControlIgnoredVariable {
     std::string name, value;
-    /// Why, as a verb phrase: "ties a process to one repository".
+    /// The reason as a verb phrase: "ties a process to one repository".
     std::string_view reason;
 };
 
-/// Those of the environment `inherited` that NEBSourceControlChildEnvironment() removes, in its
-/// order. From any thread.
+/// Returns the variables of `inherited` that NEBSourceControlChildEnvironment() removes, in the
+/// order of `inherited`. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::vector<NEBSourceControlIgnoredVariable>
 NEBSourceControlIgnoredVariables(const std::vector<std::string>& inherited);
 
-/// The host's own environment. Not while another thread changes it.
+/// Returns the environment of this process. No other thread may change it meanwhile.
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlInheritedEnvironment();
 
 }  // namespace neb

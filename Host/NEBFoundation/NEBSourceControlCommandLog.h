@@ -1,4 +1,8 @@
-// NEBSourceControlCommandLog.h - which child processes an operation is built to run, and which ran.
+// NEBSourceControlCommandLog.h - command lines, and a record of the child processes that ran.
+//
+//     operation->setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
+//     operation->start();
+//     operation->commandLog()->runs().front().arguments;    // "status", "--porcelain", …
 #pragma once
 
 #include <atomic>
@@ -16,35 +20,35 @@
 
 namespace neb {
 
-/// One command line.
+/// A command line.
 struct NEBSourceControlCommand {
     std::string launchPath;
-    /// Without the executable itself.
+    /// Without the name of the program.
     std::vector<std::string> arguments;
-    /// Absent: the host's own.
+    /// Absent: the working directory of the host.
     std::optional<std::string> currentDirectoryPath;
-    /// The command that reads this one's output; absent as a rule.
+    /// The command that reads the output of this one. Null when there is none.
     std::shared_ptr<const NEBSourceControlCommand> pipeTo;
 };
 
-/// One child process that ran.
+/// A child process that was started.
 struct NEBSourceControlCommandRun {
     std::string launchPath;
     std::vector<std::string> arguments;
     std::optional<std::string> currentDirectoryPath;
-    /// Absent while it runs, and when it did not exit (a signal ended it).
+    /// The exit status. Absent while the child runs, and when a signal ended it.
     std::optional<int> terminationStatus;
-    /// Absent while it runs.
+    /// Absent while the child runs.
     std::optional<std::chrono::nanoseconds> duration;
 };
 
-/// Keeps the child processes of an operation and of the operations that it runs, in the order in
-/// which they were started. Every member may be called from any thread.
+/// Records the child processes of an operation, and of the operations that it runs, in the order in
+/// which they were started. Thread-safe.
 class NEB_EXPORT NEBSourceControlCommandLog {
 public:
-    /// Who is told of each child as it starts and as it ends, by its index among the runs, on the
-    /// thread of the operation that runs it: more than one thread where operations run side by
-    /// side. Neither must be there.
+    /// Functions that are called when a child starts and when it ends, with its index in runs().
+    /// Both are optional. They are called on the thread of the operation that runs the child, so
+    /// several threads may call them at once.
     struct Observers {
         std::function<void(std::size_t, const NEBSourceControlCommand&)> started = {};
         std::function<void(std::size_t, const TerminationStatus&, std::chrono::nanoseconds)> ended =
@@ -54,15 +58,17 @@ public:
     NEBSourceControlCommandLog() : NEBSourceControlCommandLog(Observers()) {}
     explicit NEBSourceControlCommandLog(Observers observers) : _observers(std::move(observers)) {}
 
-    /// Records a start; the answer is for ended().
+    /// Records a start. Returns the index to pass to ended().
     [[nodiscard]] std::size_t started(const NEBSourceControlCommand& command);
+    /// Records the end of the child with that index.
     void ended(std::size_t index, const TerminationStatus& status,
                std::chrono::nanoseconds duration);
-    /// Adds to what the children have written to standard output.
+    /// Adds to receivedBytes().
     void received(std::size_t bytes) { _receivedBytes += bytes; }
 
+    /// Returns a copy of all records, also while children run.
     [[nodiscard]] std::vector<NEBSourceControlCommandRun> runs() const;
-    /// All that has come from standard output so far, while children run too.
+    /// The number of bytes that the children have written to standard output so far.
     [[nodiscard]] std::uint64_t receivedBytes() const { return _receivedBytes; }
 
 private:

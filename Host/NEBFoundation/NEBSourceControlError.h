@@ -1,4 +1,4 @@
-// NEBSourceControlError.h - a failure that a person is told of.
+// NEBSourceControlError.h - the error of a request.
 #pragma once
 
 #include <cstdint>
@@ -14,37 +14,40 @@
 
 namespace neb {
 
-/// A value.
+/// Describes a failure to a user and to programs. A value type: copies are independent.
 class NEB_EXPORT NEBSourceControlError {
 public:
-    /// An error in NEBSourceControlErrorDomain with this description, and a suggestion unless that
-    /// is absent.
+    /// Returns an error in NEBSourceControlErrorDomain with this code, description and, unless
+    /// absent, recovery suggestion.
     static NEBSourceControlError withDescription(std::int64_t code, const std::string& description,
                                                  const std::optional<std::string>& suggestion = {});
 
+    /// The domain that defines the code.
     std::string domain{NEBSourceControlErrorDomain.text()};
+    /// In NEBSourceControlErrorDomain a NEBSourceControlErrorCode.
     std::int64_t code = NEBSourceControlGenericError;
+    /// The texts for the user; see localizedDescription() and localizedRecoverySuggestion().
     NEBDictionary userInfo;
-    /// The class of failure, a short fixed word such as "remote-ahead"; "unknown" where none is
-    /// certain. Every error of an operation that has finished has one; the refusal of a request has
-    /// none.
+    /// The class of the failure, a constant of NEBSourceControlErrorClassNames.h such as
+    /// "remote-ahead"; "unknown" when none is certain. Errors of finished operations always have a
+    /// class; the refusal of a request has none.
     std::optional<std::string> errorClass;
-    /// The tool's own words, as they were but for passwords; absent where no tool said anything.
+    /// The output of the tool, unchanged except for passwords. Absent when it printed nothing.
     std::optional<std::string> text;
-    /// How the child ended that the error is about; absent where none ran.
+    /// How the child process ended. Absent when none ran.
     std::optional<TerminationStatus> terminationStatus;
-    /// What the text holds beside what happened, see NEBSourceControlErrorDetails.h; empty where it
-    /// holds nothing of the kind.
+    /// Parts of `text`: advice of git ("hint:"), messages of the server ("remote:"), and the paths
+    /// of the files concerned. Empty when there are none.
     std::vector<std::string> hints;
     std::vector<std::string> remoteLines;
     std::vector<std::string> files;
 
-    /// From the user info, nothing where it has none.
+    /// Return the texts of the user info: what happened, and what to do about it. Absent when not
+    /// set.
     [[nodiscard]] std::optional<std::string> localizedDescription() const;
     [[nodiscard]] std::optional<std::string> localizedRecoverySuggestion() const;
 
-    /// Takes the passwords that URLs hold out of all texts, see textWithoutPasswords(). An
-    /// operation's error has none.
+    /// Removes the passwords of URLs from all texts. The error of an operation has none.
     void hidePasswords();
 };
 

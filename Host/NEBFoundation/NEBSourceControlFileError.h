@@ -1,4 +1,4 @@
-// NEBSourceControlFileError.h - a file manager's failure as an error that a person is told of.
+// NEBSourceControlFileError.h - errors of the file system.
 #pragma once
 
 #include "NEBFoundation/NEBSourceControlError.h"
@@ -7,12 +7,13 @@
 
 namespace neb {
 
-/// The domain of errors whose code is one of the system's numbers (<errno.h>).
+/// The domain of errors whose code is a number of <errno.h>.
 inline constexpr NEBConstant NEBPOSIXErrorDomain{"NEBPOSIXErrorDomain"};
 
-/// In NEBPOSIXErrorDomain, with the system's number as the code and the failure's sentence as the
-/// description. The class is that of the number: "permission-denied", "disk-full",
-/// "destination-exists", "path-unknown", "path-invalid", "cancelled", else "unknown".
+/// Returns a failure of the file manager as an error in NEBPOSIXErrorDomain. Its code is the errno
+/// number, its description the text of the failure. Its class depends on the number:
+/// "permission-denied", "disk-full", "destination-exists", "path-unknown", "path-invalid",
+/// "cancelled", or "unknown". Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError
 NEBSourceControlErrorFromFileFailure(const FileFailure& failure);
 

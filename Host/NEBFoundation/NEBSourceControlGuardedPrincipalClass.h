@@ -1,4 +1,4 @@
-// NEBSourceControlGuardedPrincipalClass.h - a plug-in's principal class that throws nothing.
+// NEBSourceControlGuardedPrincipalClass.h - a wrapper of a principal class that catches exceptions.
 #pragma once
 
 #include <memory>
@@ -8,12 +8,12 @@
 
 namespace neb {
 
-/// Passes each call on to the plug-in's principal class. An exception refuses the request, is the
-/// error of the operation, or answers that credentials may be needed.
+/// Forwards each call to the principal class of a plug-in. An exception refuses the request,
+/// becomes the error of the operation, or means that credentials may be needed. Thread-safe.
 class NEBSourceControlGuardedPrincipalClass final : public NEBSourceControlProtocol {
 public:
-    /// Calls `make`. Null where that returns null; where it throws, the object refuses all
-    /// requests.
+    /// Wraps the object that `make` returns; null if that returns null. If it throws, the wrapper
+    /// refuses all requests.
     static std::unique_ptr<NEBSourceControlProtocol> madeBy(NEBSourceControlProtocol* (*make)());
 
     [[nodiscard]] bool authenticationRequiredForRequest(
@@ -24,8 +24,8 @@ public:
         const std::shared_ptr<NEBSourceControlRequest>& request) const override;
 
 private:
-    std::unique_ptr<NEBSourceControlProtocol> _principal;  // absent where it could not be made
-    std::optional<NEBSourceControlError> _failure;         // why not
+    std::unique_ptr<NEBSourceControlProtocol> _principal;  // null if it could not be made
+    std::optional<NEBSourceControlError> _failure;         // why it could not be made
 };
 
 }  // namespace neb

@@ -1,8 +1,8 @@
-// NEBSourceControlKeys.h - the texts that the host and a plug-in share: keys of options, of results
-// and of an error's user info, and the revision names that stand for no commit's name.
+// NEBSourceControlKeys.h - keys of options, of results and of the user info of errors; symbolic
+// revision names; error codes.
 //
-// Each has its own identifier as its text, so a request written down is readable, and no branch can
-// be taken for a symbolic revision by chance.
+// The text of each constant is its identifier. This makes requests readable as JSON, and prevents
+// that a branch has the name of a symbolic revision.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace neb {
 
-// Option keys, with the kind of value that belongs to each.
+// Option keys. The comment states the kind of the value.
 
 /// path string, may start with "~"
 inline constexpr NEBConstant NEBSourceControlRequestOptionRepositoryPath{
@@ -38,7 +38,7 @@ inline constexpr NEBConstant NEBSourceControlRequestOptionMessage{
 /// boolean
 inline constexpr NEBConstant NEBSourceControlRequestOptionAllowEmptyCommit{
     "NEBSourceControlRequestOptionAllowEmptyCommit"};
-/// integer: how many commits at most
+/// integer: the maximum number of commits
 inline constexpr NEBConstant NEBSourceControlRequestOptionLogOutputLimit{
     "NEBSourceControlRequestOptionLogOutputLimit"};
 /// boolean
@@ -71,11 +71,11 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionPullByFastForwarding,
 };
 
-// Keys of the dictionaries in an operation's result, with the kind of value behind each.
+// Keys of the records of a result. The comment states the kind of the value.
 
 /// path string (status), LOMFilePath (export of a file)
 inline constexpr NEBConstant NEBSourceControlOperationPathKey{"NEBSourceControlOperationPathKey"};
-/// integer, a status value
+/// integer, a NEBSourceControlStatus
 inline constexpr NEBConstant NEBSourceControlOperationWCStatusKey{
     "NEBSourceControlOperationWCStatusKey"};
 /// string
@@ -97,12 +97,12 @@ inline constexpr NEBConstant NEBSourceControlOperationDateKey{"NEBSourceControlO
 /// string
 inline constexpr NEBConstant NEBSourceControlOperationMessageKey{
     "NEBSourceControlOperationMessageKey"};
-/// dictionary from path string to status value
+/// dictionary from path to integer, a NEBSourceControlStatus
 inline constexpr NEBConstant NEBSourceControlOperationFilesKey{"NEBSourceControlOperationFilesKey"};
 /// string: the line number as git printed it
 inline constexpr NEBConstant NEBSourceControlOperationLineNumberKey{
     "NEBSourceControlOperationLineNumberKey"};
-/// string: a tool's raw output
+/// string: unparsed output of git
 inline constexpr NEBConstant NEBSourceControlOperationContentKey{
     "NEBSourceControlOperationContentKey"};
 /// string
@@ -120,7 +120,7 @@ inline constexpr NEBConstant NEBSourceControlOperationTypeKey{"NEBSourceControlO
 inline constexpr NEBConstant NEBSourceControlOperationUsesGitSVNKey{
     "NEBSourceControlOperationUsesGitSVNKey"};
 
-// Revisions by name, in place of a commit's name.
+// Symbolic revision names.
 
 inline constexpr NEBConstant NEBSourceControlBASERevisionName{"NEBSourceControlBASERevisionName"};
 inline constexpr NEBConstant NEBSourceControlHEADRevisionName{"NEBSourceControlHEADRevisionName"};
@@ -130,22 +130,22 @@ inline constexpr NEBConstant NEBSourceControlLocalRevisionName{"NEBSourceControl
 
 // Errors.
 
-/// The domain of every error that a plug-in or the host's operations make.
+/// The domain of all errors of plug-ins and operations.
 inline constexpr NEBConstant NEBSourceControlErrorDomain{"NEBSourceControlErrorDomain"};
-/// User info: what the person is told, a string.
+/// User info: the description for the user, a string.
 inline constexpr NEBConstant NEBLocalizedDescriptionKey{"NEBLocalizedDescriptionKey"};
-/// User info: what the person may do about it, a string; not every error has one.
+/// User info: what the user can do about it, a string. Optional.
 inline constexpr NEBConstant NEBLocalizedRecoverySuggestionKey{"NEBLocalizedRecoverySuggestionKey"};
 /// User info: why the authentication failed.
 inline constexpr NEBConstant NEBSourceControlAuthenticationErrorTypeKey{
     "NEBSourceControlAuthenticationErrorTypeKey"};
-/// Value of the key above: the host should ask for the credentials again.
+/// Value of the key above: the host should ask the user for the credentials again.
 inline constexpr NEBConstant NEBSourceControlAuthenticationCredentialsIncorrect{
     "NEBSourceControlAuthenticationCredentialsIncorrect"};
 
 /// Error codes in NEBSourceControlErrorDomain.
 enum NEBSourceControlErrorCode : std::int64_t {
-    /// An operation's own failure, and every failure that has no code of its own.
+    /// Any failure without a code of its own.
     NEBSourceControlGenericError = -1,
     NEBSourceControlFileMissingAtRevisionError = 4,
     NEBSourceControlNotReachableError = -20,

@@ -1,4 +1,4 @@
-// NEBSourceControlManager.h - the host's own services for source control.
+// NEBSourceControlManager.h - services that the host shares with plug-ins.
 #pragma once
 
 #include "LOMFoundation/LOMLogAspect.h"
@@ -6,9 +6,10 @@
 
 namespace neb {
 
+/// The services. Has no instances.
 class NEB_EXPORT NEBSourceControlManager {
 public:
-    /// The log aspect of all source control, one for the process. From any thread.
+    /// Returns the log aspect of source control, which exists once in a process. Thread-safe.
     static LOMLogAspect& sourceControlLogAspect();
 };
 

@@ -10,7 +10,8 @@ namespace neb {
 
 namespace {
 
-/// Where the calling thread reports while the object lives; as before without a sink.
+/// Sends the reports of the calling thread to a sink while the object exists. Does nothing without
+/// a sink.
 class SinkHere {
 public:
     explicit SinkHere(const LOMAssertionSink& sink) : _former(LOMAssertionSinkOfThread()) {
@@ -41,7 +42,7 @@ void NEBSourceControlOperation::start() {
             main();
         }
     } catch (...) {
-        setResult(std::nullopt);  // it may be half of one, and its memory what is missing
+        setResult(std::nullopt);  // it may be incomplete, and its memory may be needed
         std::optional<NEBSourceControlError> unexpected;
         NEBSourceControlStoreCurrentException(&unexpected);
         if (unexpected) {

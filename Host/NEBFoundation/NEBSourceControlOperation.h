@@ -1,13 +1,14 @@
-// NEBSourceControlOperation.h - the base of every operation.
+// NEBSourceControlOperation.h - the base class of all operations.
 //
-//     std::shared_ptr<NEBSourceControlOperation> operation =
-//     controller->operationForRequest(request); queue.addOperation(operation);
+//     const auto operation = controller->operationForRequest(request);
+//     queue.addOperation(operation);
 //     queue.waitUntilAllOperationsAreFinished();
 //     operation->error();    // absent on success
 //     operation->result();   // the records
 //
-// Made by a plug-in, owned by the host, run once, read once it has finished. cancel() may be called
-// from any thread; everything else belongs to the thread that makes, runs or reads the operation.
+// A plug-in makes an operation; the host owns it, runs it once, and reads it after it has finished.
+// cancel() is thread-safe. All other members must be called by one thread at a time: the one that
+// makes, runs or reads the operation.
 #pragma once
 
 #include <memory>
@@ -25,46 +26,49 @@
 
 namespace neb {
 
-/// One dictionary a record, keyed by the NEBSourceControlOperation…Key constants.
+/// The records of a result. Their keys are the NEBSourceControlOperation…Key constants.
 using NEBSourceControlResult = std::vector<NEBDictionary>;
 
+/// Carries out one request.
 class NEB_EXPORT NEBSourceControlOperation : public Operation, public NEBObject {
 public:
-    /// Keeps the request, which must be there; see initWithRequest below.
+    /// Shares ownership of the request, which must not be null; see initWithRequest() below.
     explicit NEBSourceControlOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
-    /// Runs main(), unless the operation has been cancelled, which becomes the error then. Whatever
-    /// main() throws becomes the error too, and there is no result then.
+    /// Runs main() on the calling thread, and returns when it has finished. A cancelled operation
+    /// finishes with NEBSourceControlCancelledError(). An exception of main() becomes the error;
+    /// the operation has no result then.
     void start() override;
-    /// Does nothing: the operation completes with neither result nor error.
+    /// Does the work. The base implementation does nothing: no result, no error.
     void main() override {}
 
-    /// The class's own name, "GitStatusOperation".
+    /// The name of the class, "GitStatusOperation".
     [[nodiscard]] virtual std::string className() const { return "NEBSourceControlOperation"; }
+    /// Never null.
     [[nodiscard]] const std::shared_ptr<NEBSourceControlRequest>& request() const {
         return _request;
     }
 
-    /// Absent until there is one; absent and empty differ.
+    /// The records. Absent means that the operation has no result; empty means that it found none.
     [[nodiscard]] const std::optional<NEBSourceControlResult>& result() const { return _result; }
     void setResult(std::optional<NEBSourceControlResult> result) { _result = std::move(result); }
-    /// The abbreviated names of the commits that the result should hold and leaves out, as their
-    /// text is not UTF-8; in the order of the result.
+    /// The abbreviated ids of the commits that are missing from the result because their text is
+    /// not UTF-8, in the order of the result.
     [[nodiscard]] const std::vector<std::string>& omittedRevisions() const {
         return _omittedRevisions;
     }
     void setOmittedRevisions(std::vector<std::string> revisions) {
         _omittedRevisions = std::move(revisions);
     }
-    /// Absent on success. No password of a URL is in its texts, whoever set it.
+    /// Absent on success. setError() removes passwords of URLs from all texts.
     [[nodiscard]] const std::optional<NEBSourceControlError>& error() const { return _error; }
     void setError(std::optional<NEBSourceControlError> error);
 
-    /// What the operation was built to run; nothing for one that runs other operations.
+    /// The command line that the operation runs. Absent when it runs other operations instead.
     [[nodiscard]] virtual std::optional<NEBSourceControlCommand> command() { return std::nullopt; }
 
-    /// Where the children that run are recorded; absent: nowhere. An operation hands its own to the
-    /// operations that it runs.
+    /// Records the children that the operation and the operations that it runs start. Null: no
+    /// record. Set it before start().
     [[nodiscard]] const std::shared_ptr<NEBSourceControlCommandLog>& commandLog() const {
         return _commandLog;
     }
@@ -72,14 +76,13 @@ public:
         _commandLog = std::move(log);
     }
 
-    /// Whether nobody waits for this work (a refresh by itself): git then takes no lock that it can
-    /// do without, so as not to be in the way of what the user does meanwhile.
+    /// Whether no user waits for the result, as for an automatic refresh. git then takes no
+    /// optional locks, so that it does not block commands of the user. Set it before start().
     [[nodiscard]] bool isBackgroundWork() const { return _isBackgroundWork; }
     void setBackgroundWork(bool isBackgroundWork) { _isBackgroundWork = isBackgroundWork; }
 
-    /// Whether a process that a child had left behind still held its output open, so that more may
-    /// have been written after the operation had ended. An operation that runs others passes on
-    /// what they say.
+    /// Whether a lingering process that a child had started held its output open. Output that it
+    /// wrote after the operation had ended is missing.
     [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
     void setOutputWasHeldOpen(bool wasHeldOpen) { _outputWasHeldOpen = wasHeldOpen; }
 
@@ -87,7 +90,7 @@ public:
 
 private:
     std::shared_ptr<NEBSourceControlRequest> _request;
-    LOMAssertionSink _reportSink;  // of the thread that made it; mostly absent
+    LOMAssertionSink _reportSink;  // of the thread that made the operation; usually absent
     std::optional<NEBSourceControlResult> _result;
     std::vector<std::string> _omittedRevisions;
     std::optional<NEBSourceControlError> _error;
@@ -96,14 +99,14 @@ private:
     bool _outputWasHeldOpen = false;
 };
 
-/// Makes an operation of the class, unstarted; nothing without a request.
+/// Returns a new operation of the class, not started; null when the request is null.
 template <typename Op>
 [[nodiscard]] std::shared_ptr<Op> initWithRequest(
     std::shared_ptr<NEBSourceControlRequest> request) {
     return request ? std::make_shared<Op>(std::move(request)) : nullptr;
 }
 
-/// The error with which a cancelled operation finishes; its class is "cancelled".
+/// Returns the error of a cancelled operation, of the class "cancelled". Thread-safe.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError NEBSourceControlCancelledError();
 
 }  // namespace neb

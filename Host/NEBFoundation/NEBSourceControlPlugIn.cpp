@@ -24,7 +24,7 @@ std::string contractFailure(const std::string& path, std::uint32_t version) {
 }
 
 struct Described {
-    const NEBSourceControlPlugInDescription* description;  // null where it failed
+    const NEBSourceControlPlugInDescription* description;  // null after a failure
     std::string failure;
 };
 
@@ -51,7 +51,7 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
     if (!S_ISREG(information.st_mode)) {
         return failed("The plug-in \"" + path + "\" is no file.");
     }
-    // With a "/" in it, the loader takes the path as it is and searches nowhere.
+    // The loader does not search for a path with a "/".
     const std::string exactPath = path.find('/') == std::string::npos ? "./" + path : path;
     void* library = ::dlopen(exactPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (library == nullptr) {

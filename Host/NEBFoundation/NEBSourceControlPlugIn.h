@@ -1,9 +1,10 @@
-// NEBSourceControlPlugIn.h - how a plug-in describes itself, and how a host loads one.
+// NEBSourceControlPlugIn.h - the description that a plug-in exports, and the loader of plug-ins.
 //
 //     const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load("/path/NEBGit.so");
-//     if (!load.plugIn) { tell(load.failure); }
-//     const std::unique_ptr<NEBSourceControlProtocol> controller =
-//     load.plugIn->makePrincipalClass();
+//     if (!load.plugIn) {
+//         fail(load.failure);
+//     }
+//     const auto controller = load.plugIn->makePrincipalClass();
 #pragma once
 
 #include <cstdint>
@@ -16,38 +17,40 @@
 
 namespace neb {
 
-/// Raised whenever a plug-in built against an older host library could no longer be used.
+/// The version of the host contract. It increases when plug-ins that were built against an older
+/// host library cannot be used any more.
 inline constexpr std::uint32_t NEBSourceControlContractVersion = 2;
 
-/// A plug-in's answer about itself. The contract version stands first for good: a host reads
-/// nothing else before it has found that version to be its own.
+/// The description of a plug-in. The contract version always comes first: a host reads nothing else
+/// unless it equals its own.
 struct NEBSourceControlPlugInDescription {
     std::uint32_t contractVersion;
-    /// With the life of the process.
+    /// Both texts live until the process ends.
     const char* name;
     const char* version;
-    /// Makes an instance of the principal class, which the caller owns.
+    /// Returns a new instance of the principal class. The caller owns it.
     NEBSourceControlProtocol* (*makePrincipalClass)();
 };
 
-/// The C function that a plug-in exports: takes nothing, answers a description with the life of the
-/// process.
+/// The C function that a plug-in exports. The description that it returns lives until the process
+/// ends.
 using NEBSourceControlPlugInFunction = const NEBSourceControlPlugInDescription* (*)();
 inline constexpr const char* NEBSourceControlPlugInFunctionName = "NEBSourceControlDescribePlugIn";
 
 struct NEBSourceControlPlugInLoad;
 
-/// A loaded plug-in. It stays loaded until the process ends, so its operations may outlive this
-/// object. May be used from any thread.
+/// A loaded plug-in. It stays loaded until the process ends, so that operations may outlive this
+/// object. Thread-safe.
 class NEB_EXPORT NEBSourceControlPlugIn {
 public:
-    /// Loads the file at `path` and looks at its description.
+    /// Loads the file at `path` and checks its description. Throws nothing.
     [[nodiscard]] static NEBSourceControlPlugInLoad load(const std::string& path);
 
+    /// As the plug-in describes itself.
     [[nodiscard]] std::string name() const { return _description->name; }
     [[nodiscard]] std::string version() const { return _description->version; }
-    /// An instance of the principal class; null where the plug-in has none. Its calls throw
-    /// nothing: what the plug-in throws, here or then, is an error that says so.
+    /// Returns a new instance of the principal class; null when the plug-in has none. Its methods
+    /// throw nothing: an exception of the plug-in, now or later, becomes an error.
     [[nodiscard]] std::unique_ptr<NEBSourceControlProtocol> makePrincipalClass() const;
 
 private:
@@ -57,8 +60,7 @@ private:
     const NEBSourceControlPlugInDescription* _description;
 };
 
-/// What came of loading: the plug-in, or one sentence that names the file and what is wrong with
-/// it.
+/// The result of loading: the plug-in, or a sentence that names the file and states the problem.
 struct NEBSourceControlPlugInLoad {
     std::optional<NEBSourceControlPlugIn> plugIn;
     std::string failure;

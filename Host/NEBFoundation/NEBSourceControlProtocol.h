@@ -1,4 +1,4 @@
-// NEBSourceControlProtocol.h - what a plug-in's principal class answers.
+// NEBSourceControlProtocol.h - the interface of the principal class of a plug-in.
 #pragma once
 
 #include <memory>
@@ -11,9 +11,9 @@
 
 namespace neb {
 
-/// Every answer depends on the request alone; the calls may come from any thread. The request must
-/// be there. No call throws: a failure of the plug-in's own refuses the request, or is the error of
-/// the operation.
+/// Checks requests and makes their operations. Stateless: results depend on the request alone.
+/// Thread-safe. No method throws: a failure within the plug-in refuses the request, or becomes the
+/// error of the operation.
 class NEB_EXPORT NEBSourceControlProtocol {
 public:
     NEBSourceControlProtocol() = default;
@@ -21,16 +21,17 @@ public:
     NEBSourceControlProtocol& operator=(const NEBSourceControlProtocol&) = delete;
     virtual ~NEBSourceControlProtocol() = default;
 
-    /// Whether the request may need credentials.
+    /// Returns whether the request contacts a server that may ask for credentials.
     [[nodiscard]] virtual bool authenticationRequiredForRequest(
         const NEBSourceControlRequest& request) const = 0;
-    /// Whether the request may run now. On refusal the reason is stored at `error`, unless that is
-    /// null.
+    /// Returns whether the request may run now. If not, stores the reason in `error`, unless that
+    /// is null.
     [[nodiscard]] virtual bool validateRequest(
         const NEBSourceControlRequest& request,
         std::optional<NEBSourceControlError>* error) const = 0;
-    /// A new, unstarted operation that carries the request out, or nothing when there is none for
-    /// its type. Broken preconditions are reported as failed assertions and refuse nothing.
+    /// Returns a new operation, not started, that carries out the request; null when its type has
+    /// none. Broken preconditions are reported as failed assertions; they do not prevent the
+    /// operation.
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlOperation> operationForRequest(
         const std::shared_ptr<NEBSourceControlRequest>& request) const = 0;
 };

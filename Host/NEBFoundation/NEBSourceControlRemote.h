@@ -6,9 +6,10 @@
 
 namespace neb {
 
+/// Made by the host; not changed once it is part of a request that runs.
 class NEB_EXPORT NEBSourceControlRemote : public NEBObject {
 public:
-    /// Whether it is a Subversion repository reached through git's Subversion bridge.
+    /// Whether the remote is a Subversion repository that git reaches through git-svn(1).
     bool representsGitSVNBridge = false;
 
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;

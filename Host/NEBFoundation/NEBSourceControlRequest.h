@@ -1,4 +1,4 @@
-// NEBSourceControlRequest.h - one piece of work that a host asks a plug-in for.
+// NEBSourceControlRequest.h - a unit of work that a host requests from a plug-in.
 //
 //     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
 //     tree->location = "/home/me/project";
@@ -19,41 +19,45 @@
 
 namespace neb {
 
-/// Filled by the host and shared with the operation that it asks for. One thread at a time: the
-/// host leaves it alone while an operation made from it is being built or runs.
+/// The values of a request. The host fills it and shares it with the operation. Not thread-safe:
+/// the host must not change it while an operation is made from it or runs.
 class NEB_EXPORT NEBSourceControlRequest : public NEBObject {
 public:
-    /// A request with these fields and the others absent; composite operations make their
-    /// sub-requests with it.
+    /// Returns a request with these values; all others are absent.
     static std::shared_ptr<NEBSourceControlRequest> initWithType(
         std::int32_t type, std::shared_ptr<NEBSourceControlSourceTree> sourceTree,
         std::optional<std::vector<NEBValue>> files = std::nullopt,
         std::optional<NEBDictionary> options = std::nullopt);
 
-    /// The kind of request; see NEBSourceControlRequestType.
+    /// The type of request; see NEBSourceControlRequestType.
     std::int32_t type = 0;
+    /// The repository or working tree to work in. Null: none.
     std::shared_ptr<NEBSourceControlSourceTree> sourceTree;
-    /// The target: by type a branch name, a remote's name, a revision, a path or a URL.
+    /// The target, depending on the type: the name of a branch or remote, a revision, a path or a
+    /// URL.
     NEBValue destination;
-    /// The files it is about, as a rule strings: absolute paths, or file URLs.
+    /// The files, usually strings: absolute paths or file URLs. Absent and empty differ.
     std::optional<std::vector<NEBValue>> files;
-    /// As a rule strings: a commit's name, or one of the symbolic revision names.
+    /// Usually strings: a revision as git accepts it, or a symbolic revision name of
+    /// NEBSourceControlKeys.h.
     NEBValue startingRevision;
     NEBValue endingRevision;
+    /// The remote of a fetch, push or update. Null: none.
     std::shared_ptr<NEBSourceControlRemote> remote;
-    /// Keyed by the NEBSourceControlRequestOption constants.
+    /// The keys are the NEBSourceControlRequestOption constants.
     std::optional<NEBDictionary> options;
-    /// The repository whose reachability is checked too before a request that authenticates.
+    /// A request that authenticates is valid only if this repository is reachable too.
     std::shared_ptr<NEBSourceControlSourceTree> repositoryToAuthenticate;
 
     /// Replaces the options.
     void setOptions(std::optional<NEBDictionary> newOptions) { options = std::move(newOptions); }
 
-    /// The number of files, 0 when there is no list.
+    /// Returns the number of files, 0 when they are absent.
     [[nodiscard]] std::size_t fileCount() const { return files ? files->size() : 0; }
-    /// The value of an option, the absent value when there are no options or not this one.
+    /// Returns the value of an option; the absent value when it is not set. The reference is valid
+    /// until the options change.
     [[nodiscard]] const NEBValue& option(std::string_view key) const;
-    /// What a message calls the source tree: its name, "(null)" when there is no tree.
+    /// Returns the name of the source tree for messages, "(null)" when there is no tree.
     [[nodiscard]] std::string sourceTreeName() const;
 
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;

@@ -1,4 +1,4 @@
-// NEBSourceControlSourceTree.h - what a request is about: a repository or a working tree.
+// NEBSourceControlSourceTree.h - the repository or working tree of a request.
 #pragma once
 
 #include <optional>
@@ -9,16 +9,16 @@
 
 namespace neb {
 
-/// Made by the host, read by the plug-in; unchanged once it is in a request that runs.
+/// Made by the host, read by the plug-in; not changed once it is part of a request that runs.
 class NEB_EXPORT NEBSourceControlSourceTree : public NEBObject {
 public:
-    /// An absolute path, or a URL's text (a file URL for a local tree). Absent: not known.
+    /// An absolute path or a URL (a file URL for a local tree). Absent: unknown.
     std::optional<std::string> location;
-    /// The name by which messages call it.
+    /// The name in messages.
     std::string name;
-    /// Whether the host can reach it at present.
+    /// Whether the host can currently reach it.
     bool reachable = true;
-    /// Whether it still stands for something; results are made only for a valid one.
+    /// Whether it still exists. Operations produce results for valid trees only.
     bool isValid = true;
 
     /// "NEBSourceControlRepository" or "NEBSourceControlWorkingTree".
@@ -26,14 +26,16 @@ public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 };
 
+/// A repository, local or on a server.
 class NEB_EXPORT NEBSourceControlRepository : public NEBSourceControlSourceTree {
 public:
-    /// Whether it is a repository on another machine whose branches are to be asked for there.
+    /// Whether its branches are listed by contacting its server.
     bool isRemoteDistributedRepository = false;
 
     [[nodiscard]] std::string className() const override;
 };
 
+/// A local working tree.
 class NEB_EXPORT NEBSourceControlWorkingTree : public NEBSourceControlSourceTree {
 public:
     [[nodiscard]] std::string className() const override;

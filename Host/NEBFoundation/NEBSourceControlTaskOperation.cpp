@@ -14,8 +14,8 @@ namespace neb {
 
 namespace {
 
-/// Whether git would read the name as a pattern, or as more than a name: as "magic" when ":" leads,
-/// also once a folder in front of it has been cut off.
+/// Whether git would read the name as a pattern, or as pathspec magic because it begins with ":",
+/// also after its folder was removed.
 bool isPattern(const NEBValue& value) {
     const std::string name = value.isPresent() ? value.description() : std::string();
     return name.find_first_of("*?[\\") != std::string::npos || name.starts_with(':') ||
@@ -50,7 +50,7 @@ NEBSourceControlError errorOfClass(std::string_view errorClass, const std::strin
 
 }  // namespace
 
-// ---- what is to run ---------------------------------------------------------------------------
+// ---- the launch -------------------------------------------------------------------------------
 
 std::optional<NEBSourceControlCommand> NEBSourceControlTaskOperation::command() {
     NEBSourceControlCommand command{.launchPath = launchPath(),
@@ -109,12 +109,12 @@ void NEBSourceControlTaskOperation::main() {
             return;
         }
     }
-    const Words words = take(outcomes[0]);
+    const ChildText childText = takeOutput(outcomes[0]);
     if (second) {
-        concludePipeline(words, *second, second->take(outcomes[1]));
+        finishPipeline(childText, *second, second->takeOutput(outcomes[1]));
     } else {
         parseData();
-        concludeTexts(words);
+        finish(childText);
     }
 }
 
@@ -151,57 +151,58 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
     return outcomes;
 }
 
-NEBSourceControlTaskOperation::Words NEBSourceControlTaskOperation::take(ChildOutcome& outcome) {
-    Words words{.errorText = textOf(outcome.errorOutput),
-                .outputText = {},
-                .areAny = !outcome.errorOutput.empty() || !outcome.output.empty()};
+NEBSourceControlTaskOperation::ChildText NEBSourceControlTaskOperation::takeOutput(
+    ChildOutcome& outcome) {
+    ChildText childText{.errorText = textOf(outcome.errorOutput),
+                        .outputText = {},
+                        .isPresent = !outcome.errorOutput.empty() || !outcome.output.empty()};
     if (!outcome.status.isSuccess()) {
-        words.outputText = textOf(outcome.output);
+        childText.outputText = textOf(outcome.output);
     }
     _terminationStatus = outcome.status;
     setOutputWasHeldOpen(outcome.outputWasHeldOpen);
     _data = std::move(outcome.output);
     _errorData = std::move(outcome.errorOutput);
-    return words;
+    return childText;
 }
 
-/// Makes an error of what the child wrote or how it ended, where there is one to make. It is set
-/// once, when it is complete: what a server wrote may be long.
-void NEBSourceControlTaskOperation::concludeTexts(const Words& words) {
-    std::optional<NEBSourceControlError> told = error();
-    if (auto translated = translationOfErrorData()) {
-        told = std::move(translated);
+/// Sets the error, if there is one, from the output and the end of the child. It is set once, when
+/// it is complete, as it may have long texts.
+void NEBSourceControlTaskOperation::finish(const ChildText& childText) {
+    std::optional<NEBSourceControlError> found = error();
+    if (auto translated = translatedErrorData()) {
+        found = std::move(translated);
     }
     if (!_terminationStatus->exitStatus()) {
-        told = errorOfAbnormalEnd();
+        found = errorOfAbnormalEnd();
     } else if (!_terminationStatus->isSuccess()) {
-        told = errorOfFailure(words, std::move(told));
+        found = errorOfFailure(childText, std::move(found));
     }
-    if (told) {
-        completeError(*told, words, _terminationStatus);
+    if (found) {
+        completeError(*found, childText, _terminationStatus);
     }
-    setError(std::move(told));
+    setError(std::move(found));
 }
 
-void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
-                                                     NEBSourceControlTaskOperation& second,
-                                                     const Words& secondWords) {
+void NEBSourceControlTaskOperation::finishPipeline(const ChildText& childText,
+                                                   NEBSourceControlTaskOperation& second,
+                                                   const ChildText& secondText) {
     setOutputWasHeldOpen(outputWasHeldOpen() || second.outputWasHeldOpen());
     second.parseData();
     if (!second.result() && !second.error()) {
-        // One that was cut off because nobody read on is not the cause.
+        // A first child that SIGPIPE ended is not the cause: the second one stopped reading.
         const bool wasCutOff = _terminationStatus->signalNumber() == SIGPIPE;
         if (!wasCutOff) {
-            concludeTexts(words);
+            finish(childText);
         }
         if (!error()) {
-            second.concludeTexts(secondWords);
+            second.finish(secondText);
         }
         if (wasCutOff && !second.error()) {
-            concludeTexts(words);
+            finish(childText);
         }
     }
-    // A half that died may have left what only looks like a result.
+    // The output of a child that a signal ended may be incomplete.
     for (NEBSourceControlTaskOperation* half : {this, &second}) {
         const auto signal = half->_terminationStatus->signalNumber();
         const bool wasCutOff = half == this && signal == SIGPIPE;
@@ -212,10 +213,10 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
     if (second.error()) {
         const bool hasFirstFailed =
             !_terminationStatus->isSuccess() && _terminationStatus->signalNumber() != SIGPIPE;
-        NEBSourceControlError told = *second.error();
-        completeError(told, isBlank(words.errorText) ? secondWords : words,
+        NEBSourceControlError found = *second.error();
+        completeError(found, isBlank(childText.errorText) ? secondText : childText,
                       hasFirstFailed ? _terminationStatus : second._terminationStatus);
-        second.setError(told);
+        second.setError(found);
         setError(second.error());
     }
     setResult(second.result());
@@ -223,7 +224,7 @@ void NEBSourceControlTaskOperation::concludePipeline(const Words& words,
 
 // ---- errors -----------------------------------------------------------------------------------
 
-std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::translationOfErrorData() {
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::translatedErrorData() {
     return _errorData && !_errorData->empty()
                ? errorFromErrorMessage(_nebsc_stringFromData(_errorData))
                : std::nullopt;
@@ -238,36 +239,36 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
     return NEBSourceControlErrorWithoutDetails(*message, *request());
 }
 
-/// All that the child wrote is looked at, whatever parseData() left of it: a push that was rejected
-/// is an error beside its content. Where standard error tells nothing that is known (a hook's
-/// words, a warning about line ends), standard output may: git tells a conflict, or that there is
-/// nothing to commit, there alone, and ends with 1. With other ends, what stands there is content.
+/// Uses the whole output, whatever parseData() left of it: a rejected push has an error beside its
+/// content. If standard error has no known class (messages of a hook, a warning about line ends),
+/// standard output may have one: git reports conflicts and "nothing to commit" only there, with
+/// exit status 1. With any other status, standard output is content.
 std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailure(
-    const Words& words, std::optional<NEBSourceControlError> told) {
-    if (!told && !isBlank(words.errorText)) {
-        told = errorFromErrorMessage(words.errorText);
-        if (!told) {
-            told = NEBSourceControlErrorWithoutDetails(words.errorText, *request());
+    const ChildText& childText, std::optional<NEBSourceControlError> found) {
+    if (!found && !isBlank(childText.errorText)) {
+        found = errorFromErrorMessage(childText.errorText);
+        if (!found) {
+            found = NEBSourceControlErrorWithoutDetails(childText.errorText, *request());
         }
     }
-    const bool isUnknown = told && told->errorClass == NEBSourceControlUnknownErrorClass;
-    const bool outputTells =
+    const bool isUnknown = found && found->errorClass == NEBSourceControlUnknownErrorClass;
+    const bool isInOutput =
         _terminationStatus->exitStatus() == 1 &&
-        NEBSourceControlErrorClassOfText(words.outputText) != NEBSourceControlUnknownErrorClass;
-    if ((!told && !isBlank(words.outputText)) || (isUnknown && outputTells)) {
-        told = NEBSourceControlErrorWithoutDetails(words.outputText, *request());
-        if (!isBlank(words.errorText)) {
-            told->text = words.errorText + "\n" + words.outputText;
+        NEBSourceControlErrorClassOfText(childText.outputText) != NEBSourceControlUnknownErrorClass;
+    if ((!found && !isBlank(childText.outputText)) || (isUnknown && isInOutput)) {
+        found = NEBSourceControlErrorWithoutDetails(childText.outputText, *request());
+        if (!isBlank(childText.errorText)) {
+            found->text = childText.errorText + "\n" + childText.outputText;
         }
     }
-    if (!told && words.areAny) {
-        told = errorOfClass(NEBSourceControlUnknownErrorClass,
-                            "The operation was not completed: \"" + launchPath() +
-                                "\" ended with " + _terminationStatus->description() + ".");
+    if (!found && childText.isPresent) {
+        found = errorOfClass(NEBSourceControlUnknownErrorClass,
+                             "The operation was not completed: \"" + launchPath() +
+                                 "\" ended with " + _terminationStatus->description() + ".");
     }
-    return !told || told->errorClass == NEBSourceControlUnknownErrorClass
-               ? errorFromUnknownFailure(std::move(told))
-               : told;
+    return !found || found->errorClass == NEBSourceControlUnknownErrorClass
+               ? errorFromUnknownFailure(std::move(found))
+               : found;
 }
 
 NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
@@ -287,15 +288,17 @@ NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
     return error;
 }
 
-/// Completes the error by what the words and the end of the child tell that it is about.
-void NEBSourceControlTaskOperation::completeError(NEBSourceControlError& error, const Words& words,
+/// Adds class, text, end of the child and details to the error.
+void NEBSourceControlTaskOperation::completeError(NEBSourceControlError& error,
+                                                  const ChildText& childText,
                                                   const std::optional<TerminationStatus>& status) {
-    const std::string& text = isBlank(words.errorText) ? words.outputText : words.errorText;
+    const std::string& text =
+        isBlank(childText.errorText) ? childText.outputText : childText.errorText;
     if (!error.errorClass) {
-        error.errorClass = NEBSourceControlErrorClassOfText(words.errorText);
+        error.errorClass = NEBSourceControlErrorClassOfText(childText.errorText);
         if (error.errorClass == NEBSourceControlUnknownErrorClass && status &&
             status->exitStatus() == 1) {
-            error.errorClass = NEBSourceControlErrorClassOfText(words.outputText);
+            error.errorClass = NEBSourceControlErrorClassOfText(childText.outputText);
         }
     }
     if (!error.text && !isBlank(text)) {
@@ -304,10 +307,10 @@ void NEBSourceControlTaskOperation::completeError(NEBSourceControlError& error, 
     if (!error.terminationStatus) {
         error.terminationStatus = status;
     }
-    error.hints = NEBSourceControlHintsInText(words.errorText);
-    error.remoteLines = NEBSourceControlRemoteLinesInText(words.errorText);
-    error.files =
-        NEBSourceControlFilesInText(words.errorText + "\n" + words.outputText, *error.errorClass);
+    error.hints = NEBSourceControlHintsInText(childText.errorText);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(childText.errorText);
+    error.files = NEBSourceControlFilesInText(childText.errorText + "\n" + childText.outputText,
+                                              *error.errorClass);
 }
 
 }  // namespace neb

@@ -1,4 +1,4 @@
-// NEBSourceControlTaskOperation.h - the base of every operation that runs one child process.
+// NEBSourceControlTaskOperation.h - the base class of operations that run a child process.
 //
 //     class VersionOperation : public NEBSourceControlTaskOperation {
 //     public:
@@ -22,19 +22,21 @@
 
 namespace neb {
 
+/// Runs one child process and turns its output into a result or an error. Override launchPath() and
+/// parseData().
 class NEB_EXPORT NEBSourceControlTaskOperation : public NEBSourceControlOperation {
 public:
     using NEBSourceControlOperation::NEBSourceControlOperation;
 
     [[nodiscard]] std::string className() const override { return "NEBSourceControlTaskOperation"; }
 
-    /// The executable's absolute path.
+    /// The absolute path of the program.
     [[nodiscard]] virtual std::string launchPath() = 0;
-    /// Without the executable itself.
+    /// Without the name of the program.
     [[nodiscard]] const std::vector<std::string>& arguments() const { return _arguments; }
     void setArguments(std::vector<std::string> arguments) { _arguments = std::move(arguments); }
-    /// The child's working directory, a leading "~" being expanded at the launch; absent means the
-    /// host's own.
+    /// The working directory of the child. A leading "~" is expanded at the launch. Absent: the
+    /// working directory of the host.
     [[nodiscard]] const std::optional<std::string>& currentDirectoryPath() const {
         return _currentDirectoryPath;
     }
@@ -42,97 +44,98 @@ public:
         _currentDirectoryPath = std::move(path);
     }
 
-    /// Lets git write whole buffers instead of record by record, for a long output; see
-    /// NEBSourceControlChildTraits for where that must not be.
+    /// Makes git write its output in full buffers, for long outputs. See
+    /// NEBSourceControlChildTraits for the restrictions.
     void setWritesWholeBuffers(bool writesWholeBuffers) {
         _writesWholeBuffers = writesWholeBuffers;
     }
 
-    /// For a git that changes something, and may run hooks of the repository, which are to see the
-    /// user's settings; see NEBSourceControlChildTraits.
+    /// Declares that the child may run hooks of the repository, which must see the settings of the
+    /// user; see NEBSourceControlChildTraits.
     void setMayRunHooks(bool mayRunHooks) { _mayRunHooks = mayRunHooks; }
 
-    /// Lets a git that makes an archive let nobody but the owner read what comes out of it.
+    /// Makes the files of an archive readable by their owner only.
     void setArchivesForOwner(bool archivesForOwner) { _archivesForOwner = archivesForOwner; }
 
-    /// All that the child wrote to standard output; absent until a child has run.
+    /// The standard output of the child. Absent until it has ended.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
-    /// All that it wrote to standard error. A parseData() that clears it keeps its text from
-    /// becoming an error, unless the child failed.
+    /// The standard error of the child. If parseData() clears it, its text does not become an error
+    /// unless the child failed.
     [[nodiscard]] const std::optional<Data>& errorData() const { return _errorData; }
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 
-    /// Called on the thread of main() while the child runs, each time when more has come, with all
-    /// that it has written to standard output so far: the Data that data() will be. Its bytes are
-    /// good for the call only, as they move when it grows; a value that is a piece of it stays
-    /// good. A long output can be read ahead here, where that costs no time. Whether the child will
-    /// fail nobody knows yet, so nothing of it may show before parseData(). The base does nothing.
+    /// Parses output while the child runs. Called on the thread of main() each time output has
+    /// arrived, with all standard output so far, the Data that data() will return. Its bytes are
+    /// valid during the call only, as they move when it grows; values made from parts of it stay
+    /// valid. The child may still fail, so do not publish results before parseData(). The base
+    /// implementation does nothing.
     virtual void parseArrivedData(const Data& arrived) { static_cast<void>(arrived); }
-    /// Turns data() into the result. Called once the child has ended; the base does nothing.
+    /// Turns data() into the result. Called when the child has ended. The base implementation does
+    /// nothing.
     virtual void parseData() {}
-    /// A second operation whose child reads what this one's writes; nothing as a rule. Asked more
-    /// than once: it must answer the same object.
+    /// Returns the operation whose child reads the output of this one; null when there is none.
+    /// Called more than once; must return the same object each time.
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() {
         return nullptr;
     }
-    /// Turns the child's standard-error text into an error, or into nothing where it tells of none.
-    /// The base's version is the host's own translation: see NEBSourceControlErrorWithoutDetails().
-    /// main() fills in the details. The text of a child that ended with status 0 is a notice, no
-    /// error.
+    /// Turns the standard error of the child into an error; absent when the text is not one. The
+    /// base implementation uses NEBSourceControlErrorWithoutDetails(); main() adds the details.
+    /// When the child exited with status 0, the text is a notice and not an error.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message);
 
-    /// Asked when the child has failed with an exit status, and what it said shows no class of
-    /// failure (`error` is of the class "unknown") or it said nothing at all (`error` is absent).
-    /// An operation that knows what such an end means answers a better error; the base's version
-    /// answers the one that it is given.
+    /// Improves an unspecific error. Called when the child failed with an exit status and its
+    /// output has no known class (`error` is of the class "unknown") or it printed nothing (`error`
+    /// is absent). The base implementation returns `error`.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromUnknownFailure(
         std::optional<NEBSourceControlError> error) {
         return error;
     }
 
-    /// In this order: launches launchPath() with arguments() in currentDirectoryPath(); collects
-    /// data() and errorData(); calls parseData(); hands an error text that is left to
-    /// errorFromErrorMessage() and keeps the error that comes back. Then:
-    /// - A child that failed (exit status other than 0) and wrote anything does not end without an
-    ///   error: if there is none yet, one is made from all that it wrote to standard error, or
-    ///   from standard output where only that tells what happened. One that failed without a word
-    ///   leaves no error, unless errorFromUnknownFailure() makes one.
-    /// - A child that could not be started, or that a signal ended, is an error that says so.
-    /// - A cancelled operation ends with NEBSourceControlCancelledError().
-    /// With a pipeToOperation() both children run at once; the result or the error that the second
-    /// one's parseData() leaves is this operation's, and only where it leaves neither are the texts
-    /// looked at, this operation's own first.
+    /// Runs launchPath() with arguments() in currentDirectoryPath(), collects data() and
+    /// errorData(), calls parseData(), and passes the remaining error text to
+    /// errorFromErrorMessage(). Then:
+    /// - A child that failed (exit status other than 0) and wrote anything always yields an error:
+    /// if
+    ///   there is none yet, it is made from the whole standard error, or from standard output if
+    ///   only that has the reason. A child that failed and printed nothing yields no error, unless
+    ///   errorFromUnknownFailure() returns one.
+    /// - A child that could not be started, or that a signal ended, yields an error that says so.
+    /// - A cancelled operation finishes with NEBSourceControlCancelledError().
+    /// With a pipeToOperation(), both children run at once. The result or error that parseData() of
+    /// the second one sets becomes that of this operation; only if it sets neither, the error texts
+    /// are used, first those of this operation.
     void main() override;
+    /// Ends the child and the processes that it started. Thread-safe.
     void cancel() override;
 
     [[nodiscard]] std::optional<NEBSourceControlCommand> command() override;
-    /// How the child ended; absent until it has.
+    /// How the child ended. Absent until then.
     [[nodiscard]] const std::optional<TerminationStatus>& terminationStatus() const {
         return _terminationStatus;
     }
 
 private:
-    /// What one child wrote, as it was, whatever parseData() does to data() and errorData().
-    struct Words {
+    /// The output of a child, whatever parseData() does to data() and errorData().
+    struct ChildText {
         std::string errorText;
-        std::string outputText;  // of a child that failed; else empty
-        bool areAny;             // whether it wrote a single byte
+        std::string outputText;  // empty unless the child failed
+        bool isPresent;          // whether the child wrote anything
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();
     [[nodiscard]] std::vector<ChildOutcome> run(
         const std::vector<NEBSourceControlTaskOperation*>& stages);
-    Words take(ChildOutcome& outcome);
-    void concludeTexts(const Words& words);
-    void concludePipeline(const Words& words, NEBSourceControlTaskOperation& second,
-                          const Words& secondWords);
-    [[nodiscard]] std::optional<NEBSourceControlError> translationOfErrorData();
+    ChildText takeOutput(ChildOutcome& outcome);
+    void finish(const ChildText& childText);
+    void finishPipeline(const ChildText& childText, NEBSourceControlTaskOperation& second,
+                        const ChildText& secondText);
+    [[nodiscard]] std::optional<NEBSourceControlError> translatedErrorData();
     [[nodiscard]] std::optional<NEBSourceControlError> errorOfFailure(
-        const Words& words, std::optional<NEBSourceControlError> told);
+        const ChildText& childText, std::optional<NEBSourceControlError> found);
     [[nodiscard]] NEBSourceControlError errorOfAbnormalEnd();
-    static void completeError(NEBSourceControlError& error, const Words& words,
+    static void completeError(NEBSourceControlError& error, const ChildText& childText,
                               const std::optional<TerminationStatus>& status);
 
     std::vector<std::string> _arguments;

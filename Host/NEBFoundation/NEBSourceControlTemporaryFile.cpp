@@ -13,7 +13,7 @@ namespace neb {
 
 namespace {
 
-/// 64 random bits: two exports at once, of this process or another, do not meet.
+/// 64 random bits, so that concurrent exports of all processes use different names.
 std::string randomHead() {
     std::random_device source;
     char text[17];
@@ -22,7 +22,7 @@ std::string randomHead() {
     return text;
 }
 
-/// What TMPDIR names, if it is there: whoever asks for a file does not want a folder made.
+/// Returns the folder in TMPDIR, if it exists; it is never created.
 std::string temporaryFolder() {
     const char* variable = std::getenv("TMPDIR");
     const bool isUsable = variable != nullptr && *variable == '/' &&
@@ -33,8 +33,8 @@ std::string temporaryFolder() {
 constexpr char separator = '-';
 constexpr std::size_t headLength = 16;
 
-/// Whether the name first occurs behind the head, whatever that is. It cannot begin earlier if it
-/// holds a character that no head does.
+/// Whether the first occurrence of the name is after any prefix. This holds if the name has a
+/// character that no prefix has.
 bool canHaveHead(std::string_view name) {
     return name.find_first_not_of("0123456789ABCDEF-") != std::string_view::npos &&
            headLength + 1 + name.size() <= NAME_MAX;

@@ -1,4 +1,4 @@
-// NEBSourceControlText.h - text from the bytes that a tool printed.
+// NEBSourceControlText.h - the output of a tool as text.
 #pragma once
 
 #include <optional>
@@ -9,15 +9,15 @@
 
 namespace neb {
 
-/// The bytes as text: UTF-8, with U+FFFD for what is not. Nothing only for absent data.
+/// Returns the bytes as UTF-8, with U+FFFD for invalid bytes. Absent only for absent data.
 ///
-/// A text that is one single line and no row of a listing (a row holds a TAB, or begins with a
-/// blank, "*" or "+") is an answer or a message: its line end (LF or CRLF) is dropped. Every other
-/// text is kept to the byte, so a listing keeps the empty piece behind its last line end.
+/// The line end (LF or CRLF) of a single line is removed, unless the line looks like a row of a
+/// listing: it has a TAB, or starts with a blank, "*" or "+". Any other text is preserved byte for
+/// byte; a listing keeps its last line end. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::optional<std::string> _nebsc_stringFromData(
     const std::optional<Data>& data);
 
-/// The same text as Data: those that are given, wherever the text is all of their bytes.
+/// Returns the same text as Data; `data` itself if the text consists of all its bytes. Thread-safe.
 [[nodiscard]] NEB_EXPORT Data NEBSourceControlTextData(const Data& data);
 
 }  // namespace neb

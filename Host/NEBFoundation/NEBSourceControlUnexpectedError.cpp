@@ -18,7 +18,7 @@ namespace neb {
 
 namespace {
 
-/// As the source writes it: "int". Empty where it is not known.
+/// Returns the name as in source code: "int". Empty if unknown.
 std::string nameOfCurrentExceptionType() {
     const std::type_info* type = abi::__cxa_current_exception_type();
     if (type == nullptr) {
@@ -36,7 +36,7 @@ NEBSourceControlError unexpectedError(const std::string& description) {
     return error;
 }
 
-/// With advice of its own: that of the class is about git's memory.
+/// Has its own advice, as that of the class is about the memory of git.
 NEBSourceControlError outOfMemoryError() {
     const NEBConstant errorClass = NEBSourceControlOutOfMemoryErrorClass;
     const NEBSourceControlErrorClass* row = NEBSourceControlErrorClassNamed(errorClass.text());
@@ -56,7 +56,7 @@ NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
         throw;
     } catch (const std::bad_alloc&) {
         return outOfMemoryError();
-    } catch (const std::length_error&) {  // a size beyond all memory
+    } catch (const std::length_error&) {  // a size that exceeds any memory
         return outOfMemoryError();
     } catch (const std::exception& exception) {
         return unexpectedError(std::string("The operation could not be completed: ") +

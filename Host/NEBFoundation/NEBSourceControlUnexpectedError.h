@@ -1,13 +1,13 @@
-// NEBSourceControlUnexpectedError.h - what an entry point of the contract makes of an exception, so
-// that none leaves it.
+// NEBSourceControlUnexpectedError.h - errors for exceptions, so that none leaves an entry point of
+// the contract.
 //
 //     } catch (...) {
 //         NEBSourceControlStoreCurrentException(error);
 //         return false;
 //     }
 //
-// All are called from within a catch block but the first, and rethrow what ends a thread
-// (pthread_cancel, pthread_exit), which no catch block may keep. Thread-safe.
+// All functions but the first must be called in a catch block. They rethrow the exception that ends
+// a thread (pthread_cancel, pthread_exit), as a catch block must. Thread-safe.
 #pragma once
 
 #include <memory>
@@ -20,20 +20,21 @@
 
 namespace neb {
 
-/// An operation that does nothing and has the error. Null without a request.
+/// Returns an operation that finishes with the error at once. Null when the request is null.
 [[nodiscard]] NEB_EXPORT std::shared_ptr<NEBSourceControlOperation>
 NEBSourceControlFailingOperation(const std::shared_ptr<NEBSourceControlRequest>& request,
                                  NEBSourceControlError error);
 
-/// The exception that is being handled, as an error. The description of a std::exception holds its
-/// text, and the class is "out-of-memory" where memory ran out; that of any other, which can only
-/// come from a plug-in or a host, the name of its type. Throws std::bad_alloc.
+/// Returns the exception that is being handled as an error. Its description has the text of a
+/// std::exception, or the type of any other exception. The class is "out-of-memory" for
+/// std::bad_alloc. Throws std::bad_alloc.
 [[nodiscard]] NEB_EXPORT NEBSourceControlError NEBSourceControlErrorOfCurrentException();
 
-/// Stores that error at `error`, unless that is null. Stores nothing where memory is missing.
+/// Stores that error in `error`, unless that is null. Stores nothing if memory runs out.
 NEB_EXPORT void NEBSourceControlStoreCurrentException(std::optional<NEBSourceControlError>* error);
 
-/// An operation that fails with that error. Null without a request, and where memory is missing.
+/// Returns an operation that fails with that error. Null when the request is null or memory runs
+/// out.
 [[nodiscard]] NEB_EXPORT std::shared_ptr<NEBSourceControlOperation>
 NEBSourceControlOperationOfCurrentException(
     const std::shared_ptr<NEBSourceControlRequest>& request);

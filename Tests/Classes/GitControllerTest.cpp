@@ -31,7 +31,7 @@ std::ostream& operator<<(std::ostream& stream, const Report& report) {
     return stream << report.line << ": " << report.message << " [" << report.condition << "]";
 }
 
-/// What the controller reports; what an operation reports of its own, its tests know.
+/// Returns the reports of the controller; those of operations are tested with the operations.
 std::vector<Report> reportsFor(const std::shared_ptr<NEBSourceControlRequest>& request) {
     const ReportCollector collector;
     static_cast<void>(controller.operationForRequest(request));
@@ -79,7 +79,7 @@ const std::string someFiles = "[request.files count] > 0";
 const std::string oneFile = "[request.files count] == 1";
 const std::string startingRevision = "request.startingRevision";
 
-TEST(Preconditions, OfEachTypeAreReportedInTheirOrderForAnEmptyRequest) {
+TEST(Preconditions, AreReportedInOrderForEachType) {
     const std::vector<std::pair<std::int32_t, std::vector<Report>>> expected{
         {-1, {}},
         {NEBSourceControlRequestAdd, {}},
@@ -135,7 +135,8 @@ TEST(Preconditions, OfEachTypeAreReportedInTheirOrderForAnEmptyRequest) {
     }
 }
 
-/// A request that meets the preconditions of every type but of those that need exactly one file.
+/// Returns a request that meets the preconditions of each type, except those that need exactly one
+/// file.
 std::shared_ptr<NEBSourceControlRequest> fullRequest(std::int32_t type, std::size_t files) {
     auto request = requestFor(type, "/w");
     request->destination = "there";
@@ -153,7 +154,7 @@ TEST(Preconditions, ThatHoldAreNotReported) {
     }
 }
 
-TEST(Preconditions, OneFileMeansNoMore) {
+TEST(Preconditions, ExactlyOneFileExcludesTwo) {
     EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestBlame, 2)),
               std::vector{plain(101, oneFile)});
     EXPECT_EQ(reportsFor(fullRequest(NEBSourceControlRequestAddRemote, 2)),
@@ -165,7 +166,7 @@ TEST(Preconditions, OneFileMeansNoMore) {
         << "an empty list is no files";
 }
 
-TEST(Preconditions, ANonEmptyStringIsAbsentOfAnotherKindOrEmpty) {
+TEST(Preconditions, DistinguishAbsentWrongKindAndEmpty) {
     auto request = fullRequest(NEBSourceControlRequestRemoveRemote, 1);
     request->destination = 7;
     EXPECT_EQ(reportsFor(request), std::vector{isNoString(194, destination, "7")});
@@ -199,7 +200,7 @@ TEST(Preconditions, AFetchOverTheBridgeNeedsNoRemoteName) {
     EXPECT_EQ(reportsFor(request), std::vector{isEmpty(91, remoteNameOption)});
 }
 
-TEST(Preconditions, ANewRepositoryNeedsATreeOrAPath) {
+TEST(Preconditions, CreateRepositoryNeedsATreeOrAPath) {
     auto request = emptyRequest(NEBSourceControlRequestCreateRepository);
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r.git"}};
     EXPECT_EQ(reportsFor(request), std::vector<Report>{});
@@ -213,7 +214,7 @@ TEST(Preconditions, ACloneNeedsTheLocationOfItsSource) {
     EXPECT_EQ(reportsFor(request), std::vector{plain(62, "request.sourceTree.location")});
 }
 
-TEST(Preconditions, ANumberIsADestinationWhereAnyKindWillDo) {
+TEST(Preconditions, AcceptADestinationOfAnyKind) {
     auto request = emptyRequest(NEBSourceControlRequestCheckout);
     request->destination = 0;
     EXPECT_EQ(reportsFor(request), std::vector<Report>{});
@@ -272,7 +273,7 @@ TEST(Dispatch, MakesTheClassOfTheType) {
     }
 }
 
-TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
+TEST(Dispatch, ReturnsNullForTypesWithoutOperation) {
     for (const std::int32_t type : {-2147483647 - 1, -1, 12, 16, 23, 40, 2147483647}) {
         const ReportCollector collector;
         EXPECT_EQ(controller.operationForRequest(fullRequest(type, 0)), nullptr) << type;
@@ -280,7 +281,7 @@ TEST(Dispatch, TypesWithoutAnOperationYieldNoneAndReportNothing) {
     }
 }
 
-TEST(Dispatch, BranchesOfARepositoryElsewhereAreListedThere) {
+TEST(Dispatch, ListsBranchesOfARemoteRepositoryOnItsServer) {
     const auto classFor = [](std::shared_ptr<NEBSourceControlSourceTree> tree) {
         return controller
             .operationForRequest(NEBSourceControlRequest::initWithType(
@@ -296,7 +297,7 @@ TEST(Dispatch, BranchesOfARepositoryElsewhereAreListedThere) {
     EXPECT_EQ(classFor(nullptr), "GitListBranchesOperation");
 }
 
-TEST(Dispatch, AFetchOverTheBridgeHasAClassOfItsOwn) {
+TEST(Dispatch, UsesAnotherClassForAFetchOverTheBridge) {
     auto request = fullRequest(NEBSourceControlRequestFetch, 0);
     EXPECT_EQ(controller.operationForRequest(request)->className(), "GitFetchOperation");
     request->remote->representsGitSVNBridge = true;
@@ -318,17 +319,17 @@ TEST(Dispatch, ReturnsAnOperationDespiteBrokenPreconditions) {
     }
 }
 
-TEST(Dispatch, NoRequestYieldsNoOperation) {
+TEST(Dispatch, ReturnsNullForNoRequest) {
     EXPECT_EQ(controller.operationForRequest(nullptr), nullptr);
 }
 
-/// A value of a host that throws when it is read.
+/// Throws when its description is read.
 class Throwing : public NEBObject {
 public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override { throw 42; }
 };
 
-TEST(Dispatch, WhatIsThrownIsTheErrorOfTheOperation) {
+TEST(Dispatch, TurnsAnExceptionIntoTheErrorOfTheOperation) {
     const auto request = requestFor(NEBSourceControlRequestCheckout, "/w");
     request->destination = NEBValue(std::make_shared<const Throwing>());
     const auto operation = controller.operationForRequest(request);

@@ -18,7 +18,7 @@ using test::requestFor;
 
 const GitController controller;
 
-TEST(Authentication, IsNeededByFiveTypes) {
+TEST(Authentication, MayBeNeededByFiveTypes) {
     for (std::int32_t type = -1; type <= 40; ++type) {
         const bool expected =
             type == NEBSourceControlRequestUpdate || type == NEBSourceControlRequestClone ||
@@ -38,7 +38,7 @@ std::shared_ptr<NEBSourceControlRequest> requestWithReachability(std::int32_t ty
     return request;
 }
 
-TEST(Validation, TypesWithoutAuthenticationAreValidHoweverUnreachable) {
+TEST(Validation, AcceptsTypesWithoutAuthenticationOnUnreachableTrees) {
     for (std::int32_t type = -1; type <= 40; ++type) {
         const auto request = requestWithReachability(type, false, false);
         const bool authenticates = controller.authenticationRequiredForRequest(*request);
@@ -48,7 +48,7 @@ TEST(Validation, TypesWithoutAuthenticationAreValidHoweverUnreachable) {
     }
 }
 
-TEST(Validation, BothFormsOfListingRemoteBranchesAreValidAtOnce) {
+TEST(Validation, AcceptsBothFormsOfListingRemoteBranches) {
     for (const std::int32_t type : {NEBSourceControlRequestListRemoteBranches,
                                     NEBSourceControlRequestListRemoteBranchesSecondForm}) {
         EXPECT_TRUE(
@@ -56,7 +56,7 @@ TEST(Validation, BothFormsOfListingRemoteBranchesAreValidAtOnce) {
     }
 }
 
-TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
+TEST(Validation, RequiresBothTreesReachableForAuthentication) {
     for (const std::int32_t type :
          {NEBSourceControlRequestUpdate, NEBSourceControlRequestListBranches,
           NEBSourceControlRequestClone, NEBSourceControlRequestPush,
@@ -79,7 +79,7 @@ TEST(Validation, ARequestThatAuthenticatesNeedsBothTreesReachable) {
     }
 }
 
-TEST(Validation, AnAbsentTreeIsNotReachable) {
+TEST(Validation, TreatsAnAbsentTreeAsUnreachable) {
     auto request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
     request->repositoryToAuthenticate = nullptr;
     EXPECT_FALSE(controller.validateRequest(*request, nullptr));

@@ -1,4 +1,4 @@
-// The bridge to Subversion under a hostile configuration, with names of 40 digits and of 64.
+// The Subversion bridge with a hostile configuration, for both object formats.
 
 #include <gmock/gmock.h>
 
@@ -21,7 +21,7 @@ using test::World;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// The parameter is the format of the objects.
+/// The parameter is the object format.
 class Bridge : public test::HygienicTest, public testing::WithParamInterface<const char*> {
 protected:
     static std::shared_ptr<NEBSourceControlRequest> request(const World& world, std::int32_t type) {

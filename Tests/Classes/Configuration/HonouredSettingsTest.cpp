@@ -1,5 +1,4 @@
-// What a user says with a setting about what git is to do is left alone: these settings change what
-// a request does, on purpose.
+// Settings of the user that change the effect of requests, and must do so.
 
 #include <gmock/gmock.h>
 
@@ -24,7 +23,7 @@ using testing::Not;
 
 class HonouredSettings : public test::HygienicTest {
 protected:
-    /// Performs the case of the matrix in the world, with the settings in its repository.
+    /// Runs a case of the matrix in the world, with the settings in its repository.
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> run(
         const std::string& name, const std::string& settings) const {
         for (const RequestCase& requestCase : requestMatrix()) {

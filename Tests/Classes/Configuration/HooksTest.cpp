@@ -1,4 +1,4 @@
-// Hooks work under NEBGit as they do under git itself.
+// Hooks have the same effect under NEBGit as under git.
 
 #include <gmock/gmock.h>
 
@@ -86,8 +86,8 @@ std::vector<HookCase> hookCases() {
 
 class Hooks : public test::HygienicTest, public testing::WithParamInterface<HookCase> {
 protected:
-    /// What the hook's script, run by the request and run by the command, left in the file "seen"
-    /// of the world.
+    /// What the hook wrote to the file "seen" of the world, run by the request and run by the
+    /// command.
     struct Seen {
         std::string underRequest, underCommand;
     };
@@ -127,14 +127,14 @@ std::map<std::string, std::string> variablesIn(const std::string& lines) {
     return variables;
 }
 
-/// The table of docs/children.md. Beside it, the settings of NEBSourceControlChildTraits.
+/// The table in docs/children.md, and the settings of NEBSourceControlChildTraits.
 const std::map<std::string, std::string> ours{
     {"GIT_EDITOR", ":"},          {"GIT_PAGER", "cat"}, {"GIT_SEQUENCE_EDITOR", ":"},
     {"GIT_TERMINAL_PROMPT", "0"}, {"GIT_TRACE2", "0"},  {"GIT_TRACE2_EVENT", "0"},
     {"GIT_TRACE2_PERF", "0"},     {"LANGUAGE", ""},     {"LC_ALL", "C.UTF-8"},
 };
 
-/// The settings that a git is told which may run hooks, as variables.
+/// The settings for a git that may run hooks, as variables.
 std::map<std::string, std::string> settingsThatHooksSee() {
     std::string lines;
     for (const std::string& variable :
@@ -154,7 +154,7 @@ TEST_P(Hooks, SeeTheHostsVariablesAndTheFewThatAreWrittenDown) {
     for (const auto& [name, value] : settingsThatHooksSee()) {
         expected[name] = value;
     }
-    // Of the shells' own making.
+    // Set by shells.
     for (const char* name : {"_", "OLDPWD", "SHLVL"}) {
         expected.erase(name);
     }
@@ -165,8 +165,7 @@ TEST_P(Hooks, SeeTheHostsVariablesAndTheFewThatAreWrittenDown) {
     EXPECT_EQ(known, expected);
 }
 
-/// Settings that change what git prints, or what is compared with what, and no hook asked for
-/// colours where nobody sees them.
+/// Settings that change the output of git or what it compares, and colours in pipes.
 const std::string userSettings = R"(
 git config blame.date relative
 git config blame.showEmail true

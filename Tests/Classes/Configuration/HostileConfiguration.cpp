@@ -6,7 +6,7 @@ namespace neb::test {
 
 namespace {
 
-/// PROGRAM stands for the program, FOLDER for the configuration's own folder.
+/// PROGRAM is replaced with the program, FOLDER with the folder of the configuration.
 constexpr std::string_view settings = R"(
 [include]
     path = ~/.gitconfig
@@ -220,7 +220,7 @@ VariableList HostileConfiguration::variables() const {
     const std::string nowhere = _folder.path("nowhere");
     return {
         {"GIT_CONFIG_GLOBAL", _folder.path("config")},
-        // colours and more, with more to say than any file
+        // colours and more, with a higher priority than any file
         {"GIT_CONFIG_PARAMETERS", "'color.ui'='always' 'core.abbrev'='9' 'status.short'='true'"},
         {"GIT_CONFIG_COUNT", "4"},
         {"GIT_CONFIG_KEY_0", "color.ui"},
@@ -250,7 +250,7 @@ VariableList HostileConfiguration::variables() const {
         {"GIT_SHALLOW_FILE", nowhere},
         {"GIT_WORK_TREE", nowhere},
         {"GIT_ATTR_SOURCE", "nosuch"},
-        // what git prints, and takes names for
+        // the output of git, and the meaning of names
         {"COLUMNS", "33"},
         {"GIT_ADVICE", "0"},
         {"GIT_DIFF_OPTS", "--unified=1"},

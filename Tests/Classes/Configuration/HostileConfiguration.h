@@ -1,5 +1,4 @@
-// HostileConfiguration.h - settings and variables with which a user has changed all that git
-// prints.
+// HostileConfiguration.h - settings and variables that change all output of git.
 #pragma once
 
 #include <optional>
@@ -10,14 +9,14 @@
 
 namespace neb::test {
 
-/// In force for this process, and so for the gits that it starts, for as long as the object lives.
-/// What it names as a program writes its call into a list, and then hangs for a while. Settings by
-/// which a user says what git is to do are not in it; see HonouredSettingsTest.cpp.
+/// Sets the configuration for this process, and the git processes that it starts, while the object
+/// exists. Its programs append their command line to a list and then hang for a while. Settings
+/// that express an intention of the user are not included; see HonouredSettingsTest.cpp.
 class HostileConfiguration {
 public:
     HostileConfiguration();
 
-    /// The calls of programs that it names; empty when none was started.
+    /// Returns the command lines of the configured programs that were started; empty if none was.
     [[nodiscard]] std::string startedPrograms() const { return _folder.read("started"); }
 
 private:

@@ -1,4 +1,4 @@
-// Each type of request answers and does the same whatever git has been configured to print.
+// Each type of request has the same results and effects with any output configuration of git.
 
 #include "Classes/Configuration/HostileConfiguration.h"
 
@@ -22,7 +22,7 @@ using test::RequestCase;
 using test::requestMatrix;
 using test::World;
 
-/// How many requests this run of the program compared, and how many of them differed.
+/// The number of compared requests in this run, and of those that differed.
 struct Comparison {
     int compared = 0;
     int differing = 0;

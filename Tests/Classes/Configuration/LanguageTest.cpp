@@ -1,4 +1,4 @@
-// What git says is understood though its user has it speak another language.
+// Messages of git are recognised although the user has set another language.
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-// A file is the one that was named, whatever its name looks like, and no other is touched.
+// Requests affect exactly the named file, whatever its name.
 
 #include <gmock/gmock.h>
 
@@ -72,12 +72,12 @@ std::vector<NameCase> hostileNames() {
     };
 }
 
-/// What a name above could be mistaken for, and some more.
+/// The neighbours: names for which a name above could be mistaken, and others.
 const std::vector<std::string> neighbours{"a1.c", "x",    "n",     "help",   "lead",      "trail",
                                           "tab",  "a",    "quote", "return", "backslash", "line",
                                           "feed", "main", " ",     "latn",   "20"};
 
-/// As git writes it in a list for people: in quotes, with escapes, where something needs one.
+/// Returns the name as git prints it for people: quoted with escapes if necessary.
 std::string asGitWrites(const std::string& name, std::string_view quote) {
     std::string escaped;
     for (const char character : name) {
@@ -108,7 +108,7 @@ std::string asText(const std::string& bytes) {
     return *_nebsc_stringFromData(Data(bytes));
 }
 
-/// In a working copy with the named file and its neighbours, all committed once and changed since.
+/// A working copy with the named file and its neighbours, all committed and then changed.
 class Names : public test::HygienicTest, public testing::WithParamInterface<NameCase> {
 protected:
     void SetUp() override {
@@ -136,7 +136,7 @@ protected:
         asked->files = test::valuesOf(files);
         return asked;
     }
-    /// Performs the request, which must succeed, and answers what it came to.
+    /// Runs the request, which must succeed, and returns its result.
     static NEBSourceControlResult resultOf(const std::shared_ptr<NEBSourceControlRequest>& asked) {
         EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*asked), std::nullopt);
         const auto operation = perform(asked);
@@ -154,7 +154,7 @@ protected:
         }
         EXPECT_EQ(repository->git(withNames({"diff", "--cached", "--name-only", "-z", "--"})), "");
     }
-    /// The names of a listing of git's with NUL bytes.
+    /// Returns the names of a NUL-separated listing of git.
     [[nodiscard]] std::vector<std::string> namesOf(std::vector<std::string> arguments) const {
         std::vector<std::string> names;
         std::string rest = repository->git(std::move(arguments));
@@ -183,7 +183,7 @@ private:
         }
         repository->write(name(), bytes);
     }
-    /// As the stream of an import has it, on top of the one before.
+    /// Returns the commit as a fast-import stream, based on the previous one.
     static std::string commitOf(const std::string& message, const std::vector<std::string>& names,
                                 const std::string& bytes) {
         const auto data = [](const std::string& text) {
@@ -263,7 +263,7 @@ TEST_P(Names, LogIsThatOfTheFile) {
     EXPECT_EQ(*records[1].value(NEBSourceControlOperationMessageKey).string(), "all");
 }
 
-/// A name that is not UTF-8 is spelled as git does with core.quotePath=true.
+/// A name that is not UTF-8 is quoted as with core.quotePath=true.
 TEST_P(Names, LogListsTheFile) {
     auto asked = request(NEBSourceControlRequestLog, {path()});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true}};
@@ -296,7 +296,7 @@ TEST_P(Names, DiffIsThatOfTheFile) {
     EXPECT_EQ(text.find("diff --git", 1), std::string::npos);
 }
 
-/// Blanks at the beginning of a name are lost: they are read as part of the gap in front of it.
+/// Blanks at the beginning of a name are lost, as they are parsed as separators.
 TEST_P(Names, DiffNamesTheFile) {
     auto asked = request(NEBSourceControlRequestDiff, {path()});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionDiffFileNameAndStatusOnly, true}};
@@ -335,7 +335,7 @@ TEST_P(Names, ExportHasTheFile) {
     expectNeighboursUntouched();
 }
 
-/// A copy and its add run side by side: which is first nobody knows.
+/// A copy and its add run concurrently, in any order.
 auto nothingOrOnly(const std::string& path) {
     return testing::AnyOf(testing::IsEmpty(), ElementsAre(path));
 }
@@ -362,7 +362,7 @@ TEST_P(Names, CopyGivesTheName) {
 INSTANTIATE_TEST_SUITE_P(Hostile, Names, testing::ValuesIn(hostileNames()),
                          [](const auto& tested) { return tested.param.title; });
 
-/// As seen from the working copy's top, where git could take them for options.
+/// Relative to the top of the working copy, git could take them for options.
 TEST(NamesLikeOptions, AreRefusedWhereNothingStandsBeforeThem) {
     for (const char* name : {"-n", "--help", "-"}) {
         for (const std::int32_t type :

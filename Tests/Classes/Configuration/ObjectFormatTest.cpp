@@ -1,4 +1,4 @@
-// Each type of request works in a repository whose objects have names of 64 digits.
+// Each type of request works in a repository with SHA-256 object ids.
 
 #include <gmock/gmock.h>
 
@@ -24,7 +24,7 @@ using test::requestMatrix;
 using test::Variables;
 using test::World;
 
-/// The outcome with "<name>" for each name of an object.
+/// Returns the outcome with "<name>" for each object id.
 Outcome withoutNames(Outcome outcome) {
     const std::regex name("\\b[0-9a-f]{7,64}\\b");
     outcome.error = std::regex_replace(outcome.error, name, "<name>");

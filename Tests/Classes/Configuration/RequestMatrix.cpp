@@ -12,7 +12,7 @@ namespace {
 
 using Request = NEBSourceControlRequest;
 
-/// Changes of every kind: staged and not, a rename, something deleted, something untracked.
+/// Staged and unstaged changes, a rename, a deleted and an untracked file.
 const std::string changes = R"(
 printf 'changed\n' >>a.c
 git mv old.c renamed.c
@@ -49,7 +49,7 @@ void setRepository(Request& request, std::string location, bool isRemote) {
     request.sourceTree = repository;
 }
 
-/// "LOCAL:THERE" of the remote "origin".
+/// Pushes `local` to the branch `there` of the remote "origin".
 void setPush(Request& request, const char* local, const char* there) {
     setRemote(request);
     request.destination = there;
@@ -65,7 +65,7 @@ void setPull(Request& request) {
                                     {NEBSourceControlRequestOptionPullByFastForwarding, true}};
 }
 
-/// With a commit of the local branch on top, so that a rebase has something to do.
+/// A local commit, so that a rebase has work to do.
 const std::string ownCommit = "printf 'own\\n' >own.c; git add own.c; git commit -q -m Own\n";
 
 std::vector<RequestCase> changesOfFiles() {

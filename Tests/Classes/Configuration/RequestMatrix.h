@@ -1,4 +1,4 @@
-// RequestMatrix.h - every type of request as it is asked in earnest, and some that must fail.
+// RequestMatrix.h - realistic requests of each type, including some that fail.
 #pragma once
 
 #include <cstdint>
@@ -12,27 +12,26 @@
 namespace neb::test {
 
 struct RequestCase {
-    /// Of letters and digits, as a test's name is.
+    /// Letters and digits, for the name of a test.
     std::string name;
     std::int32_t type;
-    /// What is done in the world's repository before, a script of the shell.
+    /// A shell script that prepares the repository of the world.
     std::string preparation;
-    /// Fills in what belongs to the case; the request is about the world's repository.
+    /// Sets the values of the case; the request has the repository of the world.
     void (*fill)(const World& world, NEBSourceControlRequest& request);
-    /// git's words in the error are a status for people, which is as the user wants it.
+    /// The error has a status for people, whose form the user configures.
     bool tellsStatus = false;
-    /// What is done in the repository afterwards, a script of the shell, where what the request
-    /// does depends on which of its steps is first.
+    /// A shell script that runs afterwards, if the effect depends on the order of concurrent steps.
     std::string settlement = {};
 };
 
-/// How a failed test names it.
+/// Prints the name of the case.
 void PrintTo(const RequestCase& requestCase, std::ostream* stream);
 
-/// At least one of each type that has an operation.
+/// Returns the cases, at least one for each type that has an operation.
 const std::vector<RequestCase>& requestMatrix();
 
-/// The case's request in the world, whose repository is prepared for it.
+/// Prepares the repository of the world and returns the request of the case.
 std::shared_ptr<NEBSourceControlRequest> preparedRequest(const World& world,
                                                          const RequestCase& requestCase);
 

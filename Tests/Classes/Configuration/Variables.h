@@ -1,4 +1,4 @@
-// Variables.h - variables of this process's environment, set for a while.
+// Variables.h - temporary environment variables of this process.
 #pragma once
 
 #include <cstdlib>
@@ -11,8 +11,8 @@ namespace neb::test {
 
 using VariableList = std::vector<std::pair<std::string, std::string>>;
 
-/// Sets the variables, each of them named once, and puts back what was there before. Not while
-/// another thread runs.
+/// Sets the variables, each named once, and restores the previous values in the destructor. No
+/// other thread may run.
 class Variables {
 public:
     explicit Variables(const VariableList& variables) {

@@ -18,8 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// $1 is the object format. Each commit has a date of its own, so that an order by date is one. The
-/// histories are imported, which takes a tenth of the processes that making them takes.
+/// $1 is the object format. Each commit has another date, so that sorting by date is well defined.
+/// Importing the histories needs a tenth of the processes that committing needs.
 constexpr std::string_view worldScript = R"SH(
 n=0
 commit() { n=$((n + 1)); echo "commit $1"; echo "mark :$n"
@@ -138,7 +138,7 @@ std::map<std::string, std::string> World::content() const {
         } else if (entry.path().filename() == "index") {
             told = runShell(entry.path().parent_path(), {"-c", "git ls-files -s -t"});
         } else if (name.find("/objects/") != std::string::npos) {
-            told = "an object";  // its name is that of its content
+            told = "an object";  // its path is the hash of its content
         } else {
             const auto mode = static_cast<unsigned>(entry.status().permissions());
             told = std::to_string(mode) + " " + withoutPlace(_folder.read(name));

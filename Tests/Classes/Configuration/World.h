@@ -1,5 +1,4 @@
-// World.h - repositories that know each other, made alike each time, and all that a request leaves
-// of them.
+// World.h - reproducible repositories for tests, and snapshots of their state.
 #pragma once
 
 #include <map>
@@ -13,9 +12,9 @@
 
 namespace neb::test {
 
-/// In a folder of its own: "repository", a working copy with a history, branches, a tag, a note, a
-/// stash and the remote "origin"; and "remote.git", which is that and has got two commits and the
-/// branch "news" since. Names of commits are the same in every world of one object format.
+/// A folder with "repository", a working copy with a history, branches, a tag, a note, a stash and
+/// the remote "origin"; and "remote.git", the remote, which has two commits and the branch "news"
+/// more. Commit ids are the same in all worlds of an object format.
 class World {
 public:
     /// "sha1" or "sha256".
@@ -27,25 +26,25 @@ public:
     [[nodiscard]] std::string repository(std::string_view name) const {
         return path(std::string("repository/").append(name));
     }
-    /// Runs a script of the shell in the repository, which ends at the first command that fails,
-    /// and answers what it printed; throws when it fails.
+    /// Runs a shell script in the repository, which stops at the first failing command, and returns
+    /// its output. Throws if it fails.
     std::string run(std::string_view script) const;
-    /// All that is there, by its path: of a file its mode and bytes, of an index what is staged. To
-    /// be asked under the tests' own configuration.
+    /// Returns all files and folders by path: mode and bytes of a file, staged entries of an index.
+    /// Must be called with the configuration of the tests.
     [[nodiscard]] std::map<std::string, std::string> content() const;
-    /// The text with "<world>" for where the world is, and "<random>" for what names of temporary
-    /// files begin with.
+    /// Returns the text with "<world>" for the path of the world, and "<random>" for the prefix of
+    /// temporary files.
     [[nodiscard]] std::string withoutPlace(std::string text) const;
 
 private:
     TemporaryFolder _folder;
 };
 
-/// What a request came to.
+/// The outcome of a request.
 struct Outcome {
     /// The domain, code, class and texts of the error; "none" without one.
     std::string error;
-    /// git's own words in it.
+    /// The output of git in the error.
     std::string words;
     std::vector<std::string> records;
     bool hasResult = false;
@@ -55,7 +54,7 @@ struct Outcome {
 
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 
-/// Runs the request's operation to its end, its temporary files in the world's folder "tmp".
+/// Runs the operation of the request, with temporary files in the folder "tmp" of the world.
 Outcome outcomeOf(const World& world, const std::shared_ptr<NEBSourceControlRequest>& request);
 
 }  // namespace neb::test

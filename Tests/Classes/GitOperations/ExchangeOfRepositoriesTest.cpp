@@ -85,7 +85,7 @@ protected:
     std::unique_ptr<TestRepository> ann, ben;
 };
 
-TEST_F(Sharing, APushArrivesAndAPullBringsIt) {
+TEST_F(Sharing, PushesAndPulls) {
     ann->commitFile("a", "1\n2\nann\n");
     const auto pushed = push(*ann);
     EXPECT_EQ(pushed->error(), std::nullopt);
@@ -103,14 +103,14 @@ TEST_F(Sharing, APushArrivesAndAPullBringsIt) {
     EXPECT_EQ(head(*ben), head(*ann));
 }
 
-TEST_F(Sharing, APullWithNothingNewAndAPushWithNothingNewSaySo) {
+TEST_F(Sharing, ReportsThatNothingIsNew) {
     EXPECT_THAT(pull(*ben)->error(), IsSourceControlError(-34, HasSubstr("is up to date")));
     const auto pushed = push(*ann);
     EXPECT_EQ(pushed->error(), std::nullopt);
     EXPECT_EQ(pushed->result(), content("Everything up-to-date"));
 }
 
-TEST_F(Sharing, APushThatTheRemoteIsAheadOfIsAnErrorBesideItsContent) {
+TEST_F(Sharing, ReportsARejectedPushBesideItsContent) {
     ann->commitFile("a", "ann\n");
     ben->commitFile("b", "ben\n");
     EXPECT_EQ(push(*ann)->error(), std::nullopt);
@@ -125,7 +125,7 @@ TEST_F(Sharing, APushThatTheRemoteIsAheadOfIsAnErrorBesideItsContent) {
     EXPECT_THAT(pull(*ben)->error(), IsSourceControlError(-200, testing::_));
 }
 
-TEST_F(Sharing, APullThatLocalChangesAreInTheWayOfLosesNothing) {
+TEST_F(Sharing, PullKeepsLocalChangesThatItWouldOverwrite) {
     ann->commitFile("a", "ann\n");
     EXPECT_EQ(push(*ann)->error(), std::nullopt);
     ben->write("a", "mine\n");
@@ -140,12 +140,12 @@ TEST_F(Sharing, APullThatLocalChangesAreInTheWayOfLosesNothing) {
     EXPECT_THAT(pull(*ben)->error(), HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
 }
 
-TEST_F(Sharing, APullOfNothingKnownSaysSo) {
+TEST_F(Sharing, ReportsAPullOfAnUnknownBranch) {
     EXPECT_THAT(pull(*ben, "nosuch")->error(),
                 HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
 }
 
-TEST_F(Sharing, APushOfAnotherBranchMakesItThere) {
+TEST_F(Sharing, PushCreatesABranch) {
     ann->git({"branch", "feature/x.y"});
     EXPECT_EQ(push(*ann, "feature/x.y", "feature/Grüße")->error(), std::nullopt);
     EXPECT_EQ(shared("feature/Grüße"), head(*ann));
@@ -153,7 +153,7 @@ TEST_F(Sharing, APushOfAnotherBranchMakesItThere) {
                 HasErrorClass(NEBSourceControlNothingToPushFromErrorClass));
 }
 
-TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
+TEST_F(Sharing, ReportsWhichHookRefusesAPush) {
     ann->commitFile("a", "ann\n");
     const std::string before = shared();
     bareHook("pre-receive", "echo policy: no; exit 1");
@@ -179,7 +179,7 @@ TEST_F(Sharing, APushThatAHookRefusesSaysWhose) {
     }
 }
 
-TEST_F(Sharing, TheErrorTableChoosesTheCodeOfAPushThatAHookRefuses) {
+TEST_F(Sharing, TakesTheCodeOfARefusedPushFromTheErrorTable) {
     ann->commitFile("a", "ann\n");
     ann->write(".git/hooks/pre-push", "#!/bin/sh\necho 'key: Permission denied' >&2\nexit 1\n");
     fs::permissions(ann->path(".git/hooks/pre-push"), fs::perms(0755));
@@ -194,7 +194,7 @@ TEST_F(Sharing, TheErrorTableChoosesTheCodeOfAPushThatAHookRefuses) {
     EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlRemoteHookRefusedErrorClass));
 }
 
-/// Runs a push whose git prints these lines and ends with status 1.
+/// Runs a push with a stand-in for git that prints these lines and exits with status 1.
 NEBSourceControlError errorOfPush(const test::TemporaryFolder& folder, const std::string& lines) {
     folder.write("git", "#!/bin/sh\ncat >&2 <<'end'\n" + lines + "end\nexit 1\n");
     fs::permissions(folder.path("git"), fs::perms(0755));
@@ -208,7 +208,7 @@ NEBSourceControlError errorOfPush(const test::TemporaryFolder& folder, const std
     return operation.error().value_or(NEBSourceControlError());
 }
 
-TEST(PushError, TheErrorTableGoesBeforeTheGuessThatAHookRefused) {
+TEST(PushError, PrefersTheErrorTableToARefusalByAHook) {
     const test::TemporaryFolder folder;
     const auto error = errorOfPush(folder,
                                    "error: SSL certificate problem: unable to get local issuer\n"
@@ -237,8 +237,8 @@ TEST(PushError, AFailedTransferIsNeverUpToDate) {
     EXPECT_EQ(errorOfPush(folder, "Everything up-to-date\n").code, -25);
 }
 
-/// A text of the remote's, or a branch's name, that holds the word for a failure makes none.
-TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
+/// The word "fatal" in a message of the server or a branch name is not an error.
+TEST_F(Sharing, IgnoresTheOutputOfASuccessfulPush) {
     ann->commitFile("a", "ann\n");
     bareHook("post-receive", "echo a fatal warning");
     EXPECT_EQ(push(*ann, "main", "fatal-fix")->error(), std::nullopt);
@@ -251,7 +251,7 @@ TEST_F(Sharing, AGoodPushIsGoodWhateverIsSaid) {
     }
 }
 
-TEST_F(Sharing, AFetchOfNothingKnownSaysSo) {
+TEST_F(Sharing, ReportsAFetchFromAnUnknownRemote) {
     EXPECT_THAT(fetch(*ben, "nosuch")->error(),
                 HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(push(*ben, "main", "main", "nosuch")->error(),
@@ -261,8 +261,9 @@ TEST_F(Sharing, AFetchOfNothingKnownSaysSo) {
     EXPECT_THAT(pull(*ben)->error(), HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
 }
 
-/// git says not a word then; taken for a success, the tag would be thought the remote's.
-TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
+/// git prints nothing then. If this counted as success, the local tag would be taken for that of
+/// the remote.
+TEST_F(Sharing, ReportsARejectedTag) {
     ann->git({"tag", "v1"});
     ann->git({"push", "-q", "origin", "v1"});
     ben->commitFile("b", "b");
@@ -277,7 +278,7 @@ TEST_F(Sharing, AFetchThatMayNotOverwriteATagIsAnError) {
     EXPECT_EQ(ben->git({"rev-parse", "v1"}), head(*ben));
 }
 
-TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
+TEST_F(Sharing, ReportsASilentFetchWithoutAReason) {
     const auto asked = request(NEBSourceControlRequestFetch,
                                NEBDictionary{{remoteNameKey, "origin"}}, {}, ben->path());
     test::StandIn<GitFetchOperation> silent(folder.writeProgram("git", "#!/bin/sh\nexit 1\n"),
@@ -291,8 +292,8 @@ TEST_F(Sharing, AFetchThatEndsInSilenceForNoKnownReasonBlamesNoTag) {
                             "fetch --dry-run --no-auto-gc --no-recurse-submodules origin"));
 }
 
-/// A helper for the remote that fails without a word, as git then does.
-TEST_F(Sharing, AFailureWithoutAWordIsAnError) {
+/// A remote helper that fails silently, which makes git fail silently.
+TEST_F(Sharing, ReportsASilentFailure) {
     folder.writeProgram("bin/git-remote-silent", "#!/bin/sh\nread -r question\nexit 1\n");
     const std::string path = ::getenv("PATH");
     ::setenv("PATH", (folder.path("bin") + ":" + path).c_str(), 1);
@@ -311,7 +312,7 @@ TEST_F(Sharing, AFailureWithoutAWordIsAnError) {
 
 class Network : public Sharing {};
 
-TEST_F(Network, AClosedPortIsUnreachable) {
+TEST_F(Network, ReportsAClosedPort) {
     ben->git({"remote", "add", "far", "http://127.0.0.1:1/x.git"});
     EXPECT_THAT(fetch(*ben, "far")->error(), IsSourceControlError(-20, testing::_));
     EXPECT_THAT(fetch(*ben, "far")->error(),
@@ -320,7 +321,7 @@ TEST_F(Network, AClosedPortIsUnreachable) {
                 HasErrorClass(NEBSourceControlHostUnreachableErrorClass));
 }
 
-TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
+TEST_F(Network, FailsAtOnceIfCredentialsAreNeeded) {
     const LoopbackServer server(
         "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"x\"\r\n"
         "Content-Length: 0\r\nConnection: close\r\n\r\n");
@@ -337,7 +338,7 @@ TEST_F(Network, CredentialsThatWouldHaveToBeAskedForAreAnErrorAtOnce) {
                 HasErrorClass(NEBSourceControlCredentialsRefusedErrorClass));
 }
 
-TEST_F(Network, AServerThatSaysNothingIsCancelled) {
+TEST_F(Network, CancelsAFetchFromASilentServer) {
     const LoopbackServer server("");
     ben->git({"remote", "add", "far", server.url()});
     for (const std::int32_t type : {NEBSourceControlRequestFetch, NEBSourceControlRequestPush,
@@ -358,7 +359,7 @@ TEST_F(Network, AServerThatSaysNothingIsCancelled) {
     }
 }
 
-TEST_F(Network, TheDryRunAfterASilentFetchIsCancelledToo) {
+TEST_F(Network, CancelsTheDryRunAfterASilentFetch) {
     const LoopbackServer server("");
     ben->git({"remote", "add", "far", server.url()});
     test::StandIn<GitFetchOperation> silent(

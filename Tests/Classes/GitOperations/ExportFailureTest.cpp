@@ -37,7 +37,7 @@ std::string bytesOf(const std::string& path) {
 
 class ExportFailure : public ExportOfRepository {};
 
-TEST_F(ExportFailure, OfAMissingRevisionOrFileSaysSoAndLeavesNothing) {
+TEST_F(ExportFailure, ReportsAMissingRevisionOrFileAndLeavesNothing) {
     const auto ofRevision = exportFile("src/io/main.c", "nosuch");
     EXPECT_THAT(ofRevision->error(),
                 IsSourceControlError(-1, "The revision nosuch was not found for the file \"" +
@@ -58,42 +58,42 @@ TEST_F(ExportFailure, OfAMissingRevisionOrFileSaysSoAndLeavesNothing) {
     EXPECT_THAT(namesIn(folder.path("out")), IsEmpty());
 }
 
-/// The archive's entry goes by the file's own name then, and lands beside the target.
-TEST_F(ExportFailure, ToADestinationWithoutTheFilesNameIsNotFound) {
+/// The entry of the archive has the name of the file then, and is extracted beside the target.
+TEST_F(ExportFailure, ReportsADestinationWithAnotherName) {
     const auto operation = exportFile("src/io/main.c", "HEAD", NEBValue(out("copy.txt")));
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, HasSubstr("The revision HEAD was not")));
     EXPECT_FALSE(fs::exists(out("copy.txt")));
     EXPECT_EQ(bytesOf(out("main.c")), "new\n");
-    // Where something is at the target, that counts for the outcome.
+    // An existing target counts as the result.
     folder.write("out/copy.txt", "before");
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "HEAD", NEBValue(out("copy.txt")))),
               out("copy.txt"));
     EXPECT_EQ(bytesOf(out("copy.txt")), "before");
 }
 
-TEST_F(ExportFailure, OverAnExistingTargetThatFailsKeepsItAndCountsAsDone) {
+TEST_F(ExportFailure, KeepsAnExistingTargetAsTheResult) {
     folder.write("out/main.c", "before");
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "nosuch", NEBValue(out("main.c")))),
               out("main.c"));
     EXPECT_EQ(bytesOf(out("main.c")), "before");
 }
 
-TEST_F(ExportFailure, ToAFolderThatIsNotThereSaysSo) {
+TEST_F(ExportFailure, ReportsAMissingFolder) {
     const auto operation = exportFile("src/io/main.c", "HEAD", NEBValue(out("nosuch/main.c")));
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-1, HasSubstr("The revision HEAD was not")));
 }
 
-TEST_F(ExportFailure, OfAFileThatArchivesLeaveOutSaysSo) {
+TEST_F(ExportFailure, ReportsAFileThatArchivesLeaveOut) {
     repository.commitFile(".gitattributes", "top.bin export-ignore\n");
     EXPECT_THAT(exportFile("top.bin", "HEAD")->error(),
                 IsSourceControlError(-1, HasSubstr("The revision HEAD was not found")));
     EXPECT_THAT(temporaryNames(), IsEmpty());
 }
 
-/// The archive would be the whole tree, and be unpacked over whatever lies beside the target.
-TEST_F(ExportFailure, OfAFileOutsideTheWorkingCopyIsRefused) {
+/// The archive would contain the whole tree and overwrite files beside the target.
+TEST_F(ExportFailure, RefusesAFileOutsideTheWorkingCopy) {
     const ReportCollector collector;
     folder.write("out/top.bin", "mine");
     auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
@@ -117,8 +117,8 @@ TEST_F(ExportFailure, OfAFileOutsideTheWorkingCopyIsRefused) {
     EXPECT_EQ(namesIn(folder.path("out")).size(), 1U);
 }
 
-/// What is left of such a path behind the location is another file's.
-TEST_F(ExportFailure, OfAFileBesideTheWorkingCopyIsRefused) {
+/// The rest of such a path after the location names another file.
+TEST_F(ExportFailure, RefusesAFileBesideTheWorkingCopy) {
     auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path() + "Xtop.bin")};
     request->startingRevision = "HEAD";
@@ -139,14 +139,14 @@ TEST_F(ExportFailure, MakesNoTemporaryFolder) {
     EXPECT_FALSE(std::filesystem::exists(missing));
 }
 
-TEST_F(ExportFailure, OfAFolderIsAllOfIt) {
+TEST_F(ExportFailure, ExportsAWholeFolder) {
     EXPECT_EQ(writtenPath(*exportFile("src", "first", folder.path("out/src"))),
               folder.path("out/src"));
     EXPECT_EQ(bytesOf(out("src/io/main.c")), "old\n");
 }
 
-/// tar has begun to write when the export is cancelled.
-TEST_F(ExportFailure, ThatIsCancelledMidwayLeavesNothing) {
+/// tar has started to write when the export is cancelled.
+TEST_F(ExportFailure, LeavesNothingAfterCancellation) {
     repository.commitFile("big", std::string(3'000'000, 'x'));
     const std::string git =
         folder.writeProgram("bin/git", "#!/bin/sh\ngit \"$@\" | head -c 2000000\ntouch '" +
@@ -167,7 +167,7 @@ TEST_F(ExportFailure, ThatIsCancelledMidwayLeavesNothing) {
     EXPECT_FALSE(std::filesystem::exists(out("big")));
 }
 
-TEST_F(ExportFailure, WithADestinationAndNoFileWritesTheWholeRevisionThere) {
+TEST_F(ExportFailure, WritesTheWholeRevisionWithoutAFile) {
     const ReportCollector collector;
     auto request = requestFor(NEBSourceControlRequestExport, repository.path());
     request->startingRevision = "first";
@@ -179,8 +179,8 @@ TEST_F(ExportFailure, WithADestinationAndNoFileWritesTheWholeRevisionThere) {
     EXPECT_EQ(bytesOf(out("top.bin")), binary);
 }
 
-/// git stops in the middle of the archive, once tar has begun to write the file.
-TEST_F(ExportFailure, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
+/// git stops in the middle of the archive, when tar has started to write the file.
+TEST_F(ExportFailure, ReportsAnIncompleteArchiveAndLeavesNothing) {
     const std::string big(3'000'000, 'x');
     repository.commitFile("big", big);
     const std::string git = folder.writeProgram(
@@ -203,7 +203,7 @@ TEST_F(ExportFailure, OfHalfAnArchiveIsAnErrorAndLeavesNothing) {
     EXPECT_THAT(temporaryNames(), IsEmpty());
 }
 
-TEST_F(ExportFailure, OfHalfAnArchiveHasTheErrorOfTheTable) {
+TEST_F(ExportFailure, ReportsAnIncompleteArchiveWithTheErrorTable) {
     const std::string git = folder.writeProgram(
         "bin/git", "#!/bin/sh\ngit \"$@\"\necho 'error: a: Permission denied' >&2\nexit 128\n");
     auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
@@ -220,7 +220,7 @@ TEST_F(ExportFailure, OfHalfAnArchiveHasTheErrorOfTheTable) {
     EXPECT_EQ(operation.error()->text, "error: a: Permission denied");
 }
 
-TEST_F(ExportFailure, OfAPathThatStandsForATreeRunsNothing) {
+TEST_F(ExportFailure, RunsNothingForAPathThatStandsForATree) {
     const test::TemporaryFolder there;
     there.write("main.c", "mine");
     for (const char* name : {".", "src/.", "src/io/.."}) {
@@ -239,7 +239,7 @@ TEST_F(ExportFailure, OfAPathThatStandsForATreeRunsNothing) {
               1);
 }
 
-TEST_F(ExportFailure, ThatIsCancelledLeavesNoTemporaryFile) {
+TEST_F(ExportFailure, LeavesNoTemporaryFileAfterCancellation) {
     auto request = requestFor(NEBSourceControlRequestExportFiles, repository.path());
     request->files = {NEBValue(repository.path("top.bin"))};
     request->startingRevision = "HEAD";
@@ -251,7 +251,7 @@ TEST_F(ExportFailure, ThatIsCancelledLeavesNoTemporaryFile) {
     EXPECT_THAT(temporaryNames(), IsEmpty());
 }
 
-TEST_F(ExportFailure, WhoseTemporaryFolderCannotBeMadeSaysSo) {
+TEST_F(ExportFailure, ReportsATemporaryFolderThatCannotBeCreated) {
     ::setenv("TMPDIR", repository.path("top.bin").c_str(), 1);
     const auto operation = exportFile("src/io/main.c", "HEAD");
     EXPECT_THAT(operation->error(), testing::Ne(std::nullopt));

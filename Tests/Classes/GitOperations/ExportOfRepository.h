@@ -57,7 +57,7 @@ protected:
         operation->start();
         return operation;
     }
-    /// The path that was written, of an export that must have succeeded.
+    /// Returns the path that an export, which must have succeeded, has written.
     static std::string writtenPath(const NEBSourceControlOperation& operation) {
         EXPECT_EQ(operation.error(), std::nullopt);
         EXPECT_EQ(operation.result().value().size(), 1U);

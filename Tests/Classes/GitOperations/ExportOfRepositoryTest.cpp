@@ -51,7 +51,7 @@ TEST_F(ExportOfRepository, WritesToTheDestination) {
     EXPECT_EQ(bytesOf(out("8F3A-main.c")), "new\n");
     EXPECT_EQ(bytesOf(out("main.c")), "old\n");
     EXPECT_THAT(temporaryNames(), IsEmpty());
-    // What is there already is overwritten.
+    // An existing file is overwritten.
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "HEAD", NEBValue(out("main.c")))),
               out("main.c"));
     EXPECT_EQ(bytesOf(out("main.c")), "new\n");
@@ -71,7 +71,7 @@ TEST_F(ExportOfRepository, KeepsTheExecutableBitAndALink) {
     EXPECT_EQ(fs::read_symlink(writtenPath(*exportFile("link", "HEAD"))), "nowhere");
 }
 
-TEST_F(ExportOfRepository, OfAFileWithAnyNameIsOfThatFile) {
+TEST_F(ExportOfRepository, ExportsFilesWithAnyName) {
     const std::string names[] = {"A",
                                  "0F-",
                                  "-",
@@ -93,7 +93,7 @@ TEST_F(ExportOfRepository, OfAFileWithAnyNameIsOfThatFile) {
     repository.git({"add", "."});
     repository.git({"commit", "-qm", "names"});
     for (const std::string& name : names) {
-        // A name that begins like an option is the host's to refuse: no "--" stands before it.
+        // The host refuses a name that begins like an option, as no "--" precedes it.
         if (name[0] == '-' && name.size() > 1) {
             continue;
         }
@@ -106,7 +106,7 @@ TEST_F(ExportOfRepository, OfAFileWithAnyNameIsOfThatFile) {
     }
 }
 
-TEST_F(ExportOfRepository, TwoOfOneFileAtOnceDoNotMeet) {
+TEST_F(ExportOfRepository, ConcurrentExportsDoNotInterfere) {
     std::vector<std::string> paths(8);
     std::vector<std::thread> threads;
     for (std::string& path : paths) {
@@ -125,8 +125,8 @@ TEST_F(ExportOfRepository, TwoOfOneFileAtOnceDoNotMeet) {
 
 // ---- the whole tree ---------------------------------------------------------------------------
 
-/// git would put a folder in the file's place.
-TEST_F(ExportOfRepository, OfTheTreeRemovesNoFileOnItsWay) {
+/// git would replace the file with a folder.
+TEST_F(ExportOfRepository, TreeRemovesNoFile) {
     folder.write("out/file", "mine");
     for (const char* destination : {"file", "file/", "file/below", "file/below/deep/"}) {
         auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
@@ -140,7 +140,7 @@ TEST_F(ExportOfRepository, OfTheTreeRemovesNoFileOnItsWay) {
     EXPECT_EQ(bytesOf(out("file")), "mine");
 }
 
-TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
+TEST_F(ExportOfRepository, TreeHasTheIndexWhateverTheRevision) {
     repository.write("staged", "staged\n");
     repository.git({"add", "staged"});
     folder.write("out/top.bin", "in the way");
@@ -159,7 +159,7 @@ TEST_F(ExportOfRepository, OfTheTreeIsOfTheIndexWhateverTheRevision) {
     EXPECT_EQ(fs::exists(out("../outsrc")), false);
 }
 
-TEST_F(ExportOfRepository, OfTheTreeIsGoodWhateverAFilterSays) {
+TEST_F(ExportOfRepository, TreeIgnoresTheOutputOfAFilter) {
     repository.git({"config", "filter.talks.smudge", "cat; echo Permission denied >&2"});
     repository.write(".git/info/attributes", "top.bin filter=talks\n");
     auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
@@ -171,7 +171,7 @@ TEST_F(ExportOfRepository, OfTheTreeIsGoodWhateverAFilterSays) {
     EXPECT_EQ(bytesOf(out("top.bin")), binary);
 }
 
-TEST_F(ExportOfRepository, OfTheTreeWithoutAWorkingCopySaysSo) {
+TEST_F(ExportOfRepository, TreeReportsAMissingWorkingCopy) {
     repository.git({"config", "core.bare", "true"});
     auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
     request->destination = folder.path("out");

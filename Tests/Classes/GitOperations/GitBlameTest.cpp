@@ -32,7 +32,7 @@ std::shared_ptr<NEBSourceControlRequest> blameRequest(NEBValue revision,
     return request;
 }
 
-TEST(BlameCommand, IsOfTheWorkingCopyWithoutARevisionOfGits) {
+TEST(BlameCommand, UsesTheWorkingCopyForSymbolicRevisions) {
     const NEBValue names[] = {
         {},
         NEBSourceControlLocalRevisionName,
@@ -47,14 +47,14 @@ TEST(BlameCommand, IsOfTheWorkingCopyWithoutARevisionOfGits) {
     }
 }
 
-TEST(BlameCommand, PassesAnyOtherRevisionAsItIs) {
+TEST(BlameCommand, PassesOtherRevisionsUnchanged) {
     for (const char* revision : {"0123456789abcdef", "v1.0", "topic", "HEAD", "BASE", ""}) {
         EXPECT_THAT(GitBlameOperation(blameRequest(revision)).arguments(),
                     ElementsAre("blame", "-c", "-l", revision, "--", "/w/a.c"));
     }
 }
 
-TEST(BlameCommand, HasDefaultArgumentsInFront) {
+TEST(BlameCommand, BeginsWithTheDefaultArguments) {
     auto request = blameRequest("v1");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
                                      {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
@@ -64,7 +64,7 @@ TEST(BlameCommand, HasDefaultArgumentsInFront) {
     EXPECT_EQ(GitBlameOperation(request).currentDirectoryPath(), "/w");
 }
 
-TEST(BlameCommand, NamesNoFileUnlessThereIsExactlyOne) {
+TEST(BlameCommand, NamesAFileOnlyIfThereIsExactlyOne) {
     auto request = blameRequest("v1", "/w", {});
     EXPECT_THAT(GitBlameOperation(request).arguments(), ElementsAre("blame", "-c", "-l", "v1"));
     request->files = {NEBValue("/w/a"), NEBValue("/w/b")};
@@ -75,7 +75,7 @@ TEST(BlameCommand, NamesNoFileUnlessThereIsExactlyOne) {
 
 // ---- reading what git printed -----------------------------------------------------------------
 
-/// A record as "revision|author|date|number", "-" for what is absent.
+/// Returns a record as "revision|author|date|number", with "-" for absent values.
 std::string textOf(const NEBDictionary& record) {
     std::string text;
     for (const NEBConstant key :
@@ -102,8 +102,8 @@ const std::string revision = "0123456789abcdef0123456789abcdef01234567";
 const std::string date = "2020-09-13 17:28:20 +0100";
 const std::string nothing = "-|-|-|-";
 
-/// git ends its last line, too, and what follows that end is one more record.
-TEST(BlameOutput, HasOneRecordALineAndAnEmptyOneBehindTheLast) {
+/// The last line has a line end too; the empty text after it becomes a record.
+TEST(BlameOutput, HasARecordPerLineAndAnEmptyOneAtTheEnd) {
     EXPECT_THAT(read(revision + "\t(Ann Example\t" + date + "\t1)one\n" +  //
                      revision + "\t(Bob\t" + date + "\t2)two\n" +          //
                      revision + "\t(Ann Example\t" + date + "\t3)\n"),
@@ -116,7 +116,7 @@ TEST(BlameOutput, HasOneRecordALineAndAnEmptyOneBehindTheLast) {
                 ElementsAre("0123456789ab|Ann|2020-09-13T16:28:20Z|1", nothing));
 }
 
-TEST(BlameOutput, OfNothingIsNoResult) {
+TEST(BlameOutput, WithoutTextHasNoResult) {
     for (const std::optional<Data>& output : {std::optional<Data>(), std::optional<Data>("")}) {
         GitBlameOperation operation(blameRequest({}));
         operation.setData(output);
@@ -133,7 +133,7 @@ struct BlameLine {
 
 class BlameLines : public testing::TestWithParam<BlameLine> {};
 
-TEST_P(BlameLines, AreReadAsFarAsTheyGo) {
+TEST_P(BlameLines, AreParsedAsFarAsPossible) {
     EXPECT_THAT(read(GetParam().line + "\n\n"), ElementsAre(GetParam().record, nothing, nothing));
 }
 
@@ -157,10 +157,10 @@ INSTANTIATE_TEST_SUITE_P(
                   "r|J\xC3\xBCrgen (Team)|2020-09-13T16:28:20Z|1"},
         BlameLine{"AuthorThatBeginsWithAParenthesis", "r\t((Al)\t" + date + "\t1)x",
                   "r|(Al)|2020-09-13T16:28:20Z|1"},
-        // The rest of the name stands where the date is expected.
+        // The rest of the name is at the position of the date.
         BlameLine{"AuthorWithATAB", "r\t(Al\tSmith\t" + date + "\t1)x",
                   "r|Al|-|2020-09-13 17:28:20 +0100\t1"},
-        // Nothing but white space stands before the date then, the TAB included.
+        // Only white space precedes the date then, including the TAB.
         BlameLine{"AuthorWithoutAName", "r\t(          \t" + date + "\t1)x",
                   "r|2020-09-13 17:28:20 +0100|-|-"},
         BlameLine{"DateThatIsNone", "r\t(A\t6 years ago\t1)x", "r|A|-|1"},
@@ -221,7 +221,7 @@ protected:
     const TestRepository repository;
 };
 
-/// What the same command says in the form that is made for programs.
+/// Returns the same annotation from the porcelain format.
 std::vector<std::string> porcelainBlame(const TestRepository& repository, const char* file) {
     std::istringstream stream(repository.git({"blame", "--line-porcelain", "--", file}));
     std::vector<std::string> texts;
@@ -248,7 +248,7 @@ std::vector<std::string> porcelainBlame(const TestRepository& repository, const 
     return texts;
 }
 
-TEST_F(BlameOfRepository, TellsWhatTheFormForProgramsTells) {
+TEST_F(BlameOfRepository, EqualsThePorcelainFormat) {
     std::string text = "one\n";
     const char* names[] = {
         "Ann Example", "J\xC3\xBCrgen (Team)",     "Al",
@@ -274,7 +274,7 @@ TEST_F(BlameOfRepository, TellsWhatTheFormForProgramsTells) {
     }
 }
 
-TEST_F(BlameOfRepository, OfALineThatIsNotCommittedHasTheTimeOfNow) {
+TEST_F(BlameOfRepository, DatesUncommittedLinesNow) {
     commitAs("Ann", "2001-02-03T04:05:06+0530", "a", "x\n");
     repository.write("a", "x\nnew\n");
     const auto before = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
@@ -288,7 +288,7 @@ TEST_F(BlameOfRepository, OfALineThatIsNotCommittedHasTheTimeOfNow) {
     EXPECT_LE(when, after);
 }
 
-TEST_F(BlameOfRepository, OfARevisionIsOfTheFileAsItWasThen) {
+TEST_F(BlameOfRepository, UsesTheFileAtTheRevision) {
     commitAs("Ann", "2001-02-03T04:05:06Z", "a", "x\n");
     const std::string first = head();
     commitAs("Bob", "2002-02-03T04:05:06Z", "a", "x\ny\n");
@@ -319,7 +319,7 @@ TEST_F(BlameOfRepository, DoesNotDependOnTheUsersConfiguration) {
     EXPECT_THAT(textsOf(*blame("a")), ElementsAre(first + "|Ann|2001-02-03T04:05:06Z|1", nothing));
 }
 
-TEST_F(BlameOfRepository, OfBytesThatAreNoTextIsWhole) {
+TEST_F(BlameOfRepository, KeepsAllLinesOfBinaryContent) {
     commitAs("Ann", "2001-02-03T04:05:06Z", "latin", "J\xFCrgen\nplain\n\xE4");
     EXPECT_THAT(
         textsOf(*blame("latin")),
@@ -327,14 +327,14 @@ TEST_F(BlameOfRepository, OfBytesThatAreNoTextIsWhole) {
                     head() + "|Ann|2001-02-03T04:05:06Z|3", nothing));
 }
 
-TEST_F(BlameOfRepository, OfAnEmptyFileIsNoResult) {
+TEST_F(BlameOfRepository, OfAnEmptyFileHasNoResult) {
     commitAs("Ann", "2001-02-03T04:05:06Z", "empty", "");
     const auto operation = blame("empty");
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
 }
 
-TEST_F(BlameOfRepository, OfAnUnknownFileOrRevisionSaysSo) {
+TEST_F(BlameOfRepository, ReportsAnUnknownFileOrRevision) {
     commitAs("Ann", "2001-02-03T04:05:06Z", "a", "x\n");
     EXPECT_THAT(blame("nosuch")->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     EXPECT_EQ(blame("nosuch")->result(), std::nullopt);

@@ -52,7 +52,7 @@ TEST(BranchArguments, OfANewBranchMayHaveAStartingPoint) {
         << "no default arguments";
 }
 
-TEST(BranchArguments, OfADeletionForceItWhenTheOptionIsTrue) {
+TEST(BranchArguments, OfAForcedDeletion) {
     EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic")),
                 ElementsAre("branch", "-d", "topic"));
     for (const auto& [value, flag] : {std::pair{NEBValue(false), "-d"},
@@ -68,7 +68,7 @@ TEST(BranchArguments, OfADeletionForceItWhenTheOptionIsTrue) {
                 ElementsAre("branch", "-d", "topic"));
 }
 
-TEST(BranchArguments, OfATrackingBranchNameTheRemotesToo) {
+TEST(BranchArguments, OfATrackingBranchNameTheRemoteBranch) {
     const ReportCollector collector;
     EXPECT_THAT(
         argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch, "mine",
@@ -78,7 +78,7 @@ TEST(BranchArguments, OfATrackingBranchNameTheRemotesToo) {
     EXPECT_THAT(collector.reports(), IsEmpty());
 }
 
-TEST(BranchArguments, OfATrackingBranchReportWhatIsMissing) {
+TEST(BranchArguments, OfATrackingBranchReportMissingValues) {
     struct Expected {
         int line;
         const char* expression;
@@ -165,14 +165,14 @@ TEST(CurrentBranchOutput, IsTheLineWithTheStar) {
               NEBSourceControlResult{named("a")});
 }
 
-TEST(CurrentBranchOutput, WithoutAStarIsNoResult) {
+TEST(CurrentBranchOutput, WithoutAStarHasNoResult) {
     EXPECT_EQ(resultOf<GitCurrentBranchOperation>("  master\n + other\n"), std::nullopt);
     EXPECT_EQ(resultOf<GitCurrentBranchOperation>(""), std::nullopt);
     EXPECT_EQ(resultOf<GitCurrentBranchOperation>(std::nullopt), std::nullopt);
 }
 
-/// The last record stands for the end of the output; hosts count on it.
-TEST(BranchListOutput, HasARecordForEachLineAndAnEmptyOneForTheEnd) {
+/// The last record is empty, which hosts rely on.
+TEST(BranchListOutput, HasARecordPerLineAndAnEmptyOneAtTheEnd) {
     EXPECT_EQ(resultOf<GitListBranchesOperation>(twoBranches),
               (NEBSourceControlResult{named("master"), named("topic"), named("")}));
     EXPECT_EQ(resultOf<GitListBranchesOperation>("* main\n"),
@@ -182,7 +182,7 @@ TEST(BranchListOutput, HasARecordForEachLineAndAnEmptyOneForTheEnd) {
               (NEBSourceControlResult{named("a"), named(""), named("+ b"), named("")}));
 }
 
-TEST(BranchListOutput, OfNothingIsNoResult) {
+TEST(BranchListOutput, WithoutTextHasNoResult) {
     EXPECT_EQ(resultOf<GitListBranchesOperation>(""), std::nullopt);
     EXPECT_EQ(resultOf<GitListBranchesOperation>(std::nullopt), std::nullopt);
 }
@@ -192,7 +192,7 @@ NEBDictionary head(const std::string& revision, const std::string& name) {
             {NEBSourceControlOperationNameKey, name}};
 }
 
-TEST(RemoteBranchOutput, HasRevisionAndNameOfEachLineAndAnEmptyRecordForTheEnd) {
+TEST(RemoteBranchOutput, HasRevisionAndNamePerLineAndAnEmptyRecordAtTheEnd) {
     EXPECT_EQ(
         resultOf<GitListRemoteBranchesOperation>(std::string(40, 'a') + "\trefs/heads/master\n"),
         (NEBSourceControlResult{head("aaaaaaaaaaaa", "master"), NEBDictionary()}));
@@ -202,7 +202,7 @@ TEST(RemoteBranchOutput, HasRevisionAndNameOfEachLineAndAnEmptyRecordForTheEnd) 
                                       head("0123456789ab", "refs/heads/c")}));
 }
 
-TEST(RemoteBranchOutput, LeavesOutWhatIsNotThere) {
+TEST(RemoteBranchOutput, OmitsMissingParts) {
     const NEBDictionary revisionAlone{{NEBSourceControlOperationRevisionKey, "abc"}};
     EXPECT_EQ(resultOf<GitListRemoteBranchesOperation>("abc\trefs/tags/v1"),
               NEBSourceControlResult{revisionAlone});
@@ -214,7 +214,7 @@ TEST(RemoteBranchOutput, LeavesOutWhatIsNotThere) {
     EXPECT_EQ(resultOf<GitListRemoteBranchesOperation>(std::nullopt), NEBSourceControlResult{});
 }
 
-TEST(RemoteBranchOutput, AnEmptyNameIsReportedAndKept) {
+TEST(RemoteBranchOutput, ReportsAndKeepsAnEmptyName) {
     const ReportCollector collector;
     EXPECT_EQ(resultOf<GitListRemoteBranchesOperation>("abc\trefs/heads/"),
               NEBSourceControlResult{head("abc", "")});
@@ -249,26 +249,27 @@ protected:
     TestRepository repository;
 };
 
-TEST_F(Branches, AreMadeListedAndDeleted) {
+TEST_F(Branches, AreCreatedListedAndDeleted) {
     repository.commitFile("a", "1");
     const std::string first = repository.git({"rev-parse", "HEAD"});
     repository.commitFile("a", "2");
     for (const char* name : {"feature/x.y", "Grüße"}) {
-        const auto operation = run(1, name);
+        const auto operation = run(NEBSourceControlRequestCreateBranch, name);
         EXPECT_EQ(operation->error(), std::nullopt);
         EXPECT_EQ(operation->result(), std::nullopt);
     }
-    EXPECT_EQ(run(1, "old", NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "HEAD~1"}})
+    EXPECT_EQ(run(NEBSourceControlRequestCreateBranch, "old",
+                  NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "HEAD~1"}})
                   ->error(),
               std::nullopt);
     EXPECT_EQ(repository.git({"rev-parse", "old"}), first);
     EXPECT_THAT(names(25), ElementsAre("Grüße", "feature/x.y", "main", "old", ""));
     EXPECT_THAT(names(26), ElementsAre("main"));
-    EXPECT_EQ(run(2, "Grüße")->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestDeleteBranch, "Grüße")->error(), std::nullopt);
     EXPECT_THAT(names(25), ElementsAre("feature/x.y", "main", "old", ""));
 }
 
-TEST_F(Branches, AreThoseOfGitWhateverIsConfigured) {
+TEST_F(Branches, DoNotDependOnTheConfiguration) {
     repository.commitFile("a", "1");
     repository.git({"branch", "b"});
     repository.git({"config", "color.branch", "always"});
@@ -277,14 +278,15 @@ TEST_F(Branches, AreThoseOfGitWhateverIsConfigured) {
     EXPECT_THAT(names(25), ElementsAre("b", "main", ""));
 }
 
-TEST_F(Branches, OfARepositoryWithoutACommitAreNone) {
-    EXPECT_EQ(run(25)->result(), std::nullopt);
-    EXPECT_EQ(run(26)->result(), std::nullopt);
-    EXPECT_EQ(run(25)->error(), std::nullopt);
-    EXPECT_THAT(run(1, "topic")->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+TEST_F(Branches, AreAbsentWithoutCommits) {
+    EXPECT_EQ(run(NEBSourceControlRequestListBranches)->result(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestCurrentBranch)->result(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestListBranches)->error(), std::nullopt);
+    EXPECT_THAT(run(NEBSourceControlRequestCreateBranch, "topic")->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
-TEST_F(Branches, OnNoBranchAndInOtherWorktreesAreTold) {
+TEST_F(Branches, AreListedForDetachedHEADAndOtherWorktrees) {
     repository.commitFile("a", "1");
     repository.git({"branch", "other"});
     const test::TemporaryFolder folder;
@@ -292,27 +294,34 @@ TEST_F(Branches, OnNoBranchAndInOtherWorktreesAreTold) {
     repository.git({"checkout", "-q", "--detach"});
     EXPECT_THAT(names(26), ElementsAre(StartsWith("(HEAD detached at ")));
     EXPECT_THAT(names(25), ElementsAre(StartsWith("(HEAD detached at "), "main", "+ other", ""));
-    EXPECT_THAT(run(2, "other")->error(), HasErrorClass(NEBSourceControlBranchInUseErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestDeleteBranch, "other")->error(),
+                HasErrorClass(NEBSourceControlBranchInUseErrorClass));
 }
 
-TEST_F(Branches, ThatCannotBeMadeOrDeletedSayWhy) {
+TEST_F(Branches, ReportFailedChanges) {
     repository.commitFile("a", "1");
-    EXPECT_THAT(run(1, "main")->error(), HasErrorClass(NEBSourceControlBranchExistsErrorClass));
-    EXPECT_THAT(run(1, "a b")->error(), HasErrorClass(NEBSourceControlBranchNameInvalidErrorClass));
-    EXPECT_THAT(run(1, "x", NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "nosuch"}})
+    EXPECT_THAT(run(NEBSourceControlRequestCreateBranch, "main")->error(),
+                HasErrorClass(NEBSourceControlBranchExistsErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestCreateBranch, "a b")->error(),
+                HasErrorClass(NEBSourceControlBranchNameInvalidErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestCreateBranch, "x",
+                    NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "nosuch"}})
                     ->error(),
                 HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
-    EXPECT_THAT(run(2, "nosuch")->error(), HasErrorClass(NEBSourceControlBranchUnknownErrorClass));
-    EXPECT_THAT(run(2, "main")->error(), HasErrorClass(NEBSourceControlBranchInUseErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestDeleteBranch, "nosuch")->error(),
+                HasErrorClass(NEBSourceControlBranchUnknownErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestDeleteBranch, "main")->error(),
+                HasErrorClass(NEBSourceControlBranchInUseErrorClass));
     repository.git({"checkout", "-q", "-b", "unmerged"});
     repository.commitFile("b", "1");
     repository.git({"checkout", "-q", "main"});
-    const auto refused = run(2, "unmerged");
+    const auto refused = run(NEBSourceControlRequestDeleteBranch, "unmerged");
     EXPECT_THAT(refused->error(), IsSourceControlError(-91, testing::_));
     EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlBranchNotMergedErrorClass));
-    EXPECT_EQ(
-        run(2, "unmerged", NEBDictionary{{NEBSourceControlRequestOptionForce, true}})->error(),
-        std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestDeleteBranch, "unmerged",
+                  NEBDictionary{{NEBSourceControlRequestOptionForce, true}})
+                  ->error(),
+              std::nullopt);
     EXPECT_THAT(names(25), ElementsAre("main", ""));
 }
 
@@ -327,7 +336,7 @@ protected:
     }
 };
 
-TEST_F(RemoteBranches, AreAskedForByLocationOrName) {
+TEST_F(RemoteBranches, AreListedByLocationOrName) {
     const TestRepository other;
     other.commitFile("a", "1");
     other.git({"branch", "feature/x"});
@@ -350,12 +359,12 @@ TEST_F(RemoteBranches, AreAskedForByLocationOrName) {
     EXPECT_EQ(perform(asked)->result(), expected);
 }
 
-TEST_F(RemoteBranches, OfAnEmptyRepositoryAreAnEmptyResult) {
+TEST_F(RemoteBranches, AreEmptyForAnEmptyRepository) {
     const TestRepository empty;
     EXPECT_EQ(list({empty.path()})->result(), NEBSourceControlResult{});
 }
 
-TEST_F(RemoteBranches, ThatCannotBeAskedForSayWhy) {
+TEST_F(RemoteBranches, ReportFailures) {
     EXPECT_THAT(list({repository.path("nosuch")})->error(),
                 HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(list({"http://127.0.0.1:1/x.git"})->error(),

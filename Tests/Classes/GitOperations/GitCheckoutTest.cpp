@@ -46,7 +46,7 @@ std::string contentOf(const NEBSourceControlOperation& operation) {
 
 // ---- the command lines ------------------------------------------------------------------------
 
-TEST(CheckoutArguments, OfABranchCarryLocalChangesOver) {
+TEST(CheckoutArguments, OfABranchMergeLocalChanges) {
     auto asked = checkout("topic");
     asked->files = valuesOf({"/w/a"});
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"}};
@@ -66,7 +66,7 @@ TEST(CheckoutArguments, OfARevertNameTheFiles) {
 
 // ---- what git prints --------------------------------------------------------------------------
 
-TEST(CheckoutOutput, IsWhatGitSaysOnStandardError) {
+TEST(CheckoutOutput, IsTheStandardErrorOfGit) {
     GitCheckoutOperation operation(checkout("topic"));
     operation.parseData();
     EXPECT_EQ(operation.result(), std::nullopt) << "no output object";
@@ -76,7 +76,7 @@ TEST(CheckoutOutput, IsWhatGitSaysOnStandardError) {
     EXPECT_EQ(contentOf(operation), "Switched to branch 'topic'");
 }
 
-TEST(CheckoutOutput, IsARecordThoughGitSaidNothing) {
+TEST(CheckoutOutput, IsARecordWithoutOutput) {
     GitCheckoutOperation operation(revert({"/w/a"}));
     operation.setData("");
     operation.setErrorData("");
@@ -122,7 +122,7 @@ protected:
     TestRepository repository;
 };
 
-TEST_F(CheckoutInRepository, SwitchesAndItsNoticeIsNoError) {
+TEST_F(CheckoutInRepository, SwitchesAndItsNoticeIsNotAnError) {
     const auto operation = checkOut("topic");
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(contentOf(*operation), "Switched to branch 'topic'");
@@ -130,14 +130,14 @@ TEST_F(CheckoutInRepository, SwitchesAndItsNoticeIsNoError) {
     EXPECT_EQ(contentOf(*checkOut("topic")), "Already on 'topic'");
 }
 
-TEST_F(CheckoutInRepository, OfARevisionLeavesNoBranchAndIsNoError) {
+TEST_F(CheckoutInRepository, OfARevisionDetachesHEAD) {
     const auto operation = checkOut("topic~1");
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_THAT(contentOf(*operation), StartsWith("Note: switching to 'topic~1'."));
     EXPECT_EQ(branch(), "HEAD\n");
 }
 
-TEST_F(CheckoutInRepository, CarriesLocalChangesOver) {
+TEST_F(CheckoutInRepository, KeepsLocalChanges) {
     repository.write("a", "local\n2\n3\n4\n5\n");
     EXPECT_EQ(checkOut("topic")->error(), std::nullopt);
     EXPECT_EQ(status(), " M a\n");
@@ -145,14 +145,14 @@ TEST_F(CheckoutInRepository, CarriesLocalChangesOver) {
     EXPECT_EQ(show("a"), show("expected"));
 }
 
-/// git ends with 0 then, so there is no error; the conflict shows in the status.
+/// git exits with status 0, so there is no error; the status reports the conflict.
 TEST_F(CheckoutInRepository, LeavesAConflictToTheStatus) {
     repository.write("a", "1\n2\n3\n4\nlocal\n");
     EXPECT_EQ(checkOut("topic")->error(), std::nullopt);
     EXPECT_EQ(status(), "UU a\n");
 }
 
-TEST_F(CheckoutInRepository, OfNothingKnownSaysSo) {
+TEST_F(CheckoutInRepository, ReportsAnUnknownTarget) {
     const auto operation = checkOut("nosuch");
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(4, "There is no branch or revision \"nosuch\"."));
@@ -161,7 +161,7 @@ TEST_F(CheckoutInRepository, OfNothingKnownSaysSo) {
     EXPECT_EQ(branch(), "main\n");
 }
 
-TEST_F(CheckoutInRepository, ThatWouldLoseAFileIsRefusedByGit) {
+TEST_F(CheckoutInRepository, RefusesToOverwriteAFile) {
     repository.git({"checkout", "-q", "topic"});
     repository.commitFile("new", "new");
     repository.git({"checkout", "-q", "main"});
@@ -172,7 +172,7 @@ TEST_F(CheckoutInRepository, ThatWouldLoseAFileIsRefusedByGit) {
     EXPECT_EQ(status(), "?? new\n");
 }
 
-TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
+TEST_F(CheckoutInRepository, ReportsAHookThatFailsAfterwards) {
     hook("echo 'no mail today' >&2; exit 1");
     auto operation = checkOut("topic");
     EXPECT_THAT(operation->error(),
@@ -200,8 +200,8 @@ TEST_F(CheckoutInRepository, AHookThatFailsAfterwardsIsTheCause) {
     EXPECT_EQ(status(), "");
 }
 
-/// git ends with 0 then, and has left the file as it was.
-TEST_F(CheckoutInRepository, ARevertOfAFileInConflictIsAnError) {
+/// git exits with status 0 and does not change the file.
+TEST_F(CheckoutInRepository, ReportsARevertOfAConflictingFile) {
     repository.commitFile("a", "main\n");
     EXPECT_NE(repository.gitStatus({"merge", "-q", "topic"}), 0);
     const auto operation = revertFile("a");
@@ -210,7 +210,7 @@ TEST_F(CheckoutInRepository, ARevertOfAFileInConflictIsAnError) {
     EXPECT_EQ(status(), "UU a\n");
 }
 
-TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
+TEST_F(CheckoutInRepository, ReportsAFileThatCannotBeWritten) {
     test::StandIn<GitCheckoutOperation> operation(
         [this] {
             repository.write("git",
@@ -227,7 +227,7 @@ TEST_F(CheckoutInRepository, ThatCannotWriteAFileIsAnError) {
     EXPECT_THAT(contentOf(operation), HasSubstr("Switched to branch 'topic'"));
 }
 
-TEST_F(CheckoutInRepository, ARevertThrowsAwayWhatIsNotStaged) {
+TEST_F(CheckoutInRepository, RevertDiscardsUnstagedChanges) {
     repository.write("a", "changed");
     repository.commitFile("b", "b");
     repository.write("b", "staged");
@@ -244,7 +244,7 @@ TEST_F(CheckoutInRepository, ARevertThrowsAwayWhatIsNotStaged) {
     EXPECT_TRUE(fs::exists(repository.path("a")));
 }
 
-TEST_F(CheckoutInRepository, ARevertOfANameIsNoPattern) {
+TEST_F(CheckoutInRepository, RevertTreatsANameLiterally) {
     repository.commitFile("st[U]r.txt", "1");
     repository.commitFile("stUr.txt", "1");
     repository.write("st[U]r.txt", "2");
@@ -253,7 +253,7 @@ TEST_F(CheckoutInRepository, ARevertOfANameIsNoPattern) {
     EXPECT_EQ(status(), " M stUr.txt\n") << "an innocent file's edit is gone";
 }
 
-TEST_F(CheckoutInRepository, ARevertOfAnUntrackedFileSaysSo) {
+TEST_F(CheckoutInRepository, ReportsARevertOfAnUntrackedFile) {
     repository.write("untracked", "u");
     const auto operation = revertFile("untracked");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));

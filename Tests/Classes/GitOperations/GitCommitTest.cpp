@@ -38,7 +38,7 @@ NEBDictionary message(const std::string& text) {
 
 // ---- the command line -------------------------------------------------------------------------
 
-TEST(CommitArguments, HoldTheMessageAndTheFiles) {
+TEST(CommitArguments, HaveTheMessageAndTheFiles) {
     EXPECT_THAT(
         GitCommitOperation(request(message("two\nlines"), valuesOf({"/w/a", "-b"}))).arguments(),
         ElementsAre("commit", "-m", "two\nlines", "--", "/w/a", "-b"));
@@ -48,7 +48,7 @@ TEST(CommitArguments, HoldTheMessageAndTheFiles) {
                 ElementsAre("commit", "-m", "", "--"));
 }
 
-TEST(CommitArguments, WithoutAMessageLeaveTheFilesOutToo) {
+TEST(CommitArguments, OmitTheFilesWithoutAMessage) {
     EXPECT_THAT(GitCommitOperation(request(std::nullopt, valuesOf({"/w/a"}))).arguments(),
                 ElementsAre("commit"));
     EXPECT_THAT(GitCommitOperation(
@@ -72,7 +72,7 @@ TEST(CommitArguments, AllowAnEmptyCommitWhenTheOptionIsTrue) {
     }
 }
 
-TEST(CommitArguments, StandBehindTheDefaultArguments) {
+TEST(CommitArguments, FollowTheDefaultArguments) {
     EXPECT_THAT(GitCommitOperation(
                     request(NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
                                           {NEBSourceControlRequestOptionWorkingCopyPath, "/r"},
@@ -96,7 +96,7 @@ std::string revisionIn(const std::string& output) {
         *operation.result()->front().value(NEBSourceControlOperationRevisionKey).string());
 }
 
-TEST(CommitOutput, HoldsTheRevisionAsItsSecondWord) {
+TEST(CommitOutput, HasTheRevisionAsSecondWord) {
     EXPECT_EQ(revisionIn("[main 0123456] a message\n 1 file changed, 1 insertion(+)\n"), "0123456");
     EXPECT_EQ(revisionIn("[main 0123456]\n"), "0123456") << "the one line's end is dropped";
     EXPECT_EQ(revisionIn("[zwölf/日 " + std::string(40, 'a') + "] m\n x\n"), std::string(12, 'a'));
@@ -105,18 +105,18 @@ TEST(CommitOutput, HoldsTheRevisionAsItsSecondWord) {
     EXPECT_EQ(revisionIn("a [[0123456789ab] x"), "0123456789ab") << "trimmed before it is cut";
 }
 
-/// git puts a mark between branch and name for a repository's first commit. What stands second is
-/// taken all the same, cut to twelve: the host has always got this text.
-TEST(CommitOutput, OfTheFirstCommitGivesItsMarkForTheRevision) {
+/// git prints a mark between branch and id for the first commit. The second word is used anyway,
+/// cut to 12 characters: hosts have always received this text.
+TEST(CommitOutput, OfTheFirstCommitHasItsMarkAsRevision) {
     EXPECT_EQ(revisionIn("[main (root-commit) 2f0f8a1] root\n 1 file changed\n"), "(root-commit");
 }
 
-/// The name of the branch is two words then, and the second of them stands for the revision.
-TEST(CommitOutput, OfACommitOnNoBranchGivesHEAD) {
+/// The branch is printed as two words then, the second of which becomes the revision.
+TEST(CommitOutput, OfADetachedHEADIsHEAD) {
     EXPECT_EQ(revisionIn("[detached HEAD 5eded5f] d\n 1 file changed\n"), "HEAD");
 }
 
-TEST(CommitOutput, OfOneWordUnsetsTheResultAndNoneLeavesIt) {
+TEST(CommitOutput, OfOneWordClearsTheResult) {
     GitCommitOperation operation(request(message("m")));
     operation.setResult(NEBSourceControlResult{});
     operation.parseData();
@@ -151,7 +151,7 @@ protected:
     TestRepository repository;
 };
 
-TEST_F(CommitInRepository, RecordsWhatIsStaged) {
+TEST_F(CommitInRepository, CommitsStagedChanges) {
     repository.commitFile("a", "1");
     repository.write("a", "2");
     repository.write("b", "unstaged");
@@ -166,7 +166,7 @@ TEST_F(CommitInRepository, RecordsWhatIsStaged) {
     EXPECT_EQ(repository.git({"status", "--porcelain"}), "?? b\n");
 }
 
-TEST_F(CommitInRepository, RecordsTheNamedFilesAlone) {
+TEST_F(CommitInRepository, CommitsOnlyTheNamedFiles) {
     repository.commitFile("a", "1");
     repository.commitFile("b", "1");
     repository.write("a", "2");
@@ -175,7 +175,7 @@ TEST_F(CommitInRepository, RecordsTheNamedFilesAlone) {
     EXPECT_EQ(repository.git({"status", "--porcelain"}), " M b\n");
 }
 
-TEST_F(CommitInRepository, RecordsNothingWhenThatIsAllowed) {
+TEST_F(CommitInRepository, CommitsNothingIfAllowed) {
     repository.commitFile("a", "1");
     const std::string before = head();
     NEBDictionary options = message("empty");
@@ -184,7 +184,7 @@ TEST_F(CommitInRepository, RecordsNothingWhenThatIsAllowed) {
     EXPECT_NE(head(), before);
 }
 
-TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
+TEST_F(CommitInRepository, ReportsNothingToCommit) {
     repository.commitFile("a", "1");
     const std::string before = head();
     EXPECT_THAT(commit(message("m"))->error(),
@@ -201,7 +201,7 @@ TEST_F(CommitInRepository, WithNothingToCommitSaysWhy) {
     EXPECT_EQ(head(), before);
 }
 
-TEST_F(CommitInRepository, WithoutAMessageFailsAtOnceAndOpensNoEditor) {
+TEST_F(CommitInRepository, FailsWithoutAMessageAndOpensNoEditor) {
     repository.commitFile("a", "1");
     repository.write("a", "2");
     repository.git({"add", "a"});
@@ -216,7 +216,7 @@ TEST_F(CommitInRepository, WithoutAMessageFailsAtOnceAndOpensNoEditor) {
     EXPECT_EQ(head(), before);
 }
 
-TEST_F(CommitInRepository, WithoutAnIdentitySaysWhatIsMissing) {
+TEST_F(CommitInRepository, ReportsAMissingIdentity) {
     repository.git({"config", "user.useConfigOnly", "true"});
     repository.git({"config", "user.name", ""});
     repository.write("a", "1");
@@ -228,7 +228,7 @@ TEST_F(CommitInRepository, WithoutAnIdentitySaysWhatIsMissing) {
     EXPECT_THAT(*operation->error()->localizedRecoverySuggestion(), HasSubstr("user.email"));
 }
 
-TEST_F(CommitInRepository, ThatAHookRefusesSaysSoWithTheHooksWords) {
+TEST_F(CommitInRepository, ReportsAHookThatRefusesWithItsOutput) {
     repository.write("a", "1");
     repository.git({"add", "a"});
     hook("pre-commit", "echo 'Tabs in a, line 1'; exit 1");
@@ -251,8 +251,8 @@ TEST_F(CommitInRepository, ThatAHookRefusesSaysSoWithTheHooksWords) {
     EXPECT_NE(repository.gitStatus({"rev-parse", "--verify", "-q", "HEAD"}), 0) << "committed";
 }
 
-/// Nor do they make an error of a commit that was made.
-TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
+/// The output of hooks is not an error of a successful commit either.
+TEST_F(CommitInRepository, TakesNoClassFromTheOutputOfAHook) {
     repository.commitFile("z", "z");
     repository.write("a", "1");
     repository.git({"add", "a"});
@@ -273,7 +273,7 @@ TEST_F(CommitInRepository, AHooksWordsChooseNoClass) {
     }
 }
 
-TEST_F(CommitInRepository, TheErrorTableChoosesTheCodeOfAHooksRefusal) {
+TEST_F(CommitInRepository, TakesTheCodeOfARefusalFromTheErrorTable) {
     repository.write("a", "1");
     repository.git({"add", "a"});
     const std::pair<const char*, std::pair<std::int64_t, const char*>> texts[] = {
@@ -291,13 +291,13 @@ TEST_F(CommitInRepository, TheErrorTableChoosesTheCodeOfAHooksRefusal) {
     }
 }
 
-TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {
+TEST_F(CommitInRepository, IgnoresTheOutputOfAHookThatAgrees) {
     repository.commitFile("z", "z");
     repository.write("a", "1");
     repository.git({"add", "a"});
     hook("pre-commit", "echo 'error: all is well' >&2");
     EXPECT_EQ(commit(message("m"))->error(), std::nullopt);
-    // … and does not stand for the cause of what fails after it.
+    // … and is not the cause of later failures.
     EXPECT_THAT(commit(message("m"))->error(),
                 HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     hook("pre-commit", "echo fine >&2");
@@ -305,8 +305,8 @@ TEST_F(CommitInRepository, AHookThatTalksAndAgreesIsNoError) {
                 HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
 }
 
-/// Each answer must leave git as soon as it is there.
-TEST_F(CommitInRepository, AHookMayTalkWithAGitOfItsOwn) {
+/// git must flush each answer.
+TEST_F(CommitInRepository, LetsAHookCommunicateWithItsGit) {
     repository.write("a", "1");
     repository.git({"add", "a"});
     const std::string in = repository.path(".git/in");
@@ -323,7 +323,7 @@ TEST_F(CommitInRepository, AHookMayTalkWithAGitOfItsOwn) {
     EXPECT_EQ(commit(message("m"))->error(), std::nullopt);
 }
 
-TEST_F(CommitInRepository, OfAnUnknownFileOrDuringAMergeSaysSo) {
+TEST_F(CommitInRepository, ReportsAnUnknownFileAndAnUnfinishedMerge) {
     repository.commitFile("a", "1");
     EXPECT_THAT(commit(message("m"), {"nothing"})->error(),
                 HasErrorClass(NEBSourceControlPathUnknownErrorClass));

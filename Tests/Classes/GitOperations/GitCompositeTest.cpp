@@ -20,14 +20,14 @@ using test::IsSourceControlError;
 using test::requestFor;
 using test::TemporaryFolder;
 
-/// Runs the script that is its request's destination.
+/// Runs the destination of its request as a script.
 class Step : public test::ScriptOperation {
 public:
     explicit Step(std::shared_ptr<NEBSourceControlRequest> request)
         : ScriptOperation(std::string(*request->destination.string()), request) {}
 };
 
-/// Runs its steps one after another and keeps the first error.
+/// Runs its steps in order and keeps the first error.
 class Composite : public GitComposite<NEBSourceControlOperation> {
 public:
     explicit Composite(std::vector<std::string> scripts)
@@ -55,7 +55,7 @@ private:
 
 class CompositeTest : public test::HygienicTest {};
 
-TEST_F(CompositeTest, RunsOneStepAfterTheOtherOnAQueueOfItsOwn) {
+TEST_F(CompositeTest, RunsStepsInOrderOnItsOwnQueue) {
     const TemporaryFolder folder;
     Composite composite({"sleep 0.1; echo one >>'" + folder.path("log") + "'",
                          "echo two >>'" + folder.path("log") + "'"});
@@ -71,14 +71,14 @@ TEST_F(CompositeTest, RunsOneStepAfterTheOtherOnAQueueOfItsOwn) {
     EXPECT_EQ(composite.operationQueue(), other);
 }
 
-TEST_F(CompositeTest, StopsAtAStepsErrorAndPassesItOn) {
+TEST_F(CompositeTest, PassesOnTheErrorOfAStep) {
     Composite composite({"echo 'fatal: not a git repository' >&2; exit 128", "exit 0"});
     composite.start();
     EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
     EXPECT_EQ(composite.steps.size(), 1U);
 }
 
-TEST_F(CompositeTest, HandsOnTheLogAndTheMarkOfBackgroundWork) {
+TEST_F(CompositeTest, PassesOnLogAndBackgroundFlag) {
     Composite composite({"exit 0", "exit 3"});
     composite.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
     composite.setBackgroundWork(true);
@@ -115,12 +115,12 @@ TEST_F(CompositeTest, IsCancelledWithTheStepThatRuns) {
     EXPECT_FALSE(test::isLiveProcess(std::stoi(folder.read("pid"))));
 }
 
-/// A cancel that comes between two steps meets no running one.
+/// No step runs when cancel() is called between two steps.
 TEST_F(CompositeTest, IsCancelledBetweenItsSteps) {
     const TemporaryFolder folder;
     Composite composite({"echo $$ >'" + folder.path("pid") + "'; exec sleep 600"});
     composite.cancel();
-    composite.main();  // start() would not even begin
+    composite.main();  // start() would not call it
     EXPECT_THAT(composite.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
     EXPECT_EQ(folder.read("pid"), "") << "the step began";
 }
@@ -138,7 +138,7 @@ TEST_F(CompositeTest, IsCancelledAtAnyMoment) {
     }
 }
 
-TEST_F(CompositeTest, ThatIsCancelledBeforeItBeginsDoesNothing) {
+TEST_F(CompositeTest, DoesNothingIfCancelledBefore) {
     Composite composite({"exit 0"});
     composite.cancel();
     composite.start();

@@ -63,7 +63,7 @@ std::string description(const NEBSourceControlOperation& operation) {
 
 // ---- copying ----------------------------------------------------------------------------------
 
-TEST_F(FileSystemWork, ACopyIsMadeAndItsAddRunsBesideIt) {
+TEST_F(FileSystemWork, CopiesAndStagesConcurrently) {
     repository.commitFile("a", "the content");
     const auto operation = copy({"a"}, "b");
     EXPECT_EQ(operation->className(), "GitCopyOperation");
@@ -73,15 +73,15 @@ TEST_F(FileSystemWork, ACopyIsMadeAndItsAddRunsBesideIt) {
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("add -- " + repository.path("b")));
 }
 
-/// A copy has one destination, a new name, so the files behind the first are left alone on purpose.
-TEST_F(FileSystemWork, ACopyTakesTheFirstFileAlone) {
+/// A copy has one destination, so that further files are ignored on purpose.
+TEST_F(FileSystemWork, CopiesOnlyTheFirstFile) {
     repository.commitFile("a", "a");
     repository.commitFile("b", "b");
     EXPECT_EQ(description(*copy({"a", "b", "nothing"}, "c")), "(no error)");
     EXPECT_EQ(repository.git({"hash-object", "c"}), repository.git({"hash-object", "a"}));
 }
 
-TEST_F(FileSystemWork, ACopyTakesAWholeTree) {
+TEST_F(FileSystemWork, CopiesAWholeTree) {
     repository.write("tree/deep/a", "a");
     fs::permissions(repository.path("tree/deep/a"), fs::perms(0711));
     fs::create_directory(repository.path("tree/empty"));
@@ -92,7 +92,7 @@ TEST_F(FileSystemWork, ACopyTakesAWholeTree) {
     EXPECT_EQ(fs::read_symlink(repository.path("copy/link")), "deep/a");
 }
 
-TEST_F(FileSystemWork, ACopyOntoSomethingFailsAndStagesItAllTheSame) {
+TEST_F(FileSystemWork, ReportsAnExistingDestinationAndStagesIt) {
     repository.commitFile("a", "a");
     repository.write("there", "kept");
     const auto operation = copy({"a"}, "there");
@@ -109,7 +109,7 @@ TEST_F(FileSystemWork, ACopyOntoSomethingFailsAndStagesItAllTheSame) {
               repository.git({"hash-object", "expected"}));
 }
 
-TEST_F(FileSystemWork, ACopyOfNothingNamesItAndTheCause) {
+TEST_F(FileSystemWork, ReportsAMissingFileByName) {
     const auto operation = copy({"nothing"}, "b");
     EXPECT_EQ(description(*operation), "\"" + repository.path("nothing") +
                                            "\" could not be copied to \"" + repository.path("b") +
@@ -120,7 +120,7 @@ TEST_F(FileSystemWork, ACopyOfNothingNamesItAndTheCause) {
     EXPECT_EQ(perform(unnamed)->error()->code, ENOENT);
 }
 
-TEST_F(FileSystemWork, AnAddThatFailsMakesNoError) {
+TEST_F(FileSystemWork, IgnoresAFailedAdd) {
     repository.commitFile("a", "a");
     repository.write(".gitignore", "b\n");
     const auto operation = copy({"a"}, "b");
@@ -141,7 +141,7 @@ TEST_F(FileSystemWork, AnAddThatFailsMakesNoError) {
 
 // ---- making a folder --------------------------------------------------------------------------
 
-TEST_F(FileSystemWork, AFolderIsMadeWithThoseOnTheWay) {
+TEST_F(FileSystemWork, CreatesAFolderAndItsParents) {
     const auto operation = makeDirectory("one/two/three");
     EXPECT_EQ(operation->className(), "GitMakeDirectoryOperation");
     EXPECT_EQ(description(*operation), "(no error)");
@@ -152,13 +152,13 @@ TEST_F(FileSystemWork, AFolderIsMadeWithThoseOnTheWay) {
     EXPECT_EQ(tracked(), "") << "git does not track an empty folder";
 }
 
-TEST_F(FileSystemWork, AFolderThatIsThereIsNoErrorAndStaged) {
+TEST_F(FileSystemWork, AcceptsAnExistingFolder) {
     repository.write("there/a", "a");
     EXPECT_EQ(description(*makeDirectory("there")), "(no error)");
     EXPECT_EQ(tracked(), "there/a\n");
 }
 
-TEST_F(FileSystemWork, AFolderThatCannotBeMadeIsNamedWithTheCause) {
+TEST_F(FileSystemWork, ReportsAFolderThatCannotBeCreated) {
     repository.write("file", "x");
     const auto operation = makeDirectory("file/folder");
     ASSERT_TRUE(operation->error());
@@ -173,7 +173,7 @@ TEST_F(FileSystemWork, AFolderThatCannotBeMadeIsNamedWithTheCause) {
         << "no destination";
 }
 
-TEST_F(FileSystemWork, WhereNothingMayBeWrittenIsAPermissionError) {
+TEST_F(FileSystemWork, ReportsMissingPermission) {
     const AsOrdinaryUser user;
     const auto operation = [&] {
         auto made = requestFor(NEBSourceControlRequestMakeDirectory, "/");
@@ -184,8 +184,8 @@ TEST_F(FileSystemWork, WhereNothingMayBeWrittenIsAPermissionError) {
     EXPECT_THAT(description(*operation), HasSubstr("\"/proc/folder\""));
 }
 
-/// What is staged must be what was copied, whole, or nothing.
-TEST_F(FileSystemWork, ACopyIsNeverStagedByHalves) {
+/// Either the whole copy is staged, or nothing.
+TEST_F(FileSystemWork, NeverStagesAPartialCopy) {
     repository.write("a", std::string(20'000'000, 'x'));
     fs::permissions(repository.path("a"), fs::perms(0644));
     EXPECT_EQ(description(*copy({"a"}, "b")), "(no error)");
@@ -195,7 +195,7 @@ TEST_F(FileSystemWork, ACopyIsNeverStagedByHalves) {
     }
 }
 
-TEST_F(FileSystemWork, ARelativePathIsOneOfTheSourceTree) {
+TEST_F(FileSystemWork, ResolvesARelativePathInTheSourceTree) {
     repository.commitFile("a", "a");
     auto asked = request(NEBSourceControlRequestCopy, {}, "");
     asked->files = test::valuesOf({"a"});
@@ -212,7 +212,7 @@ TEST_F(FileSystemWork, ARelativePathIsOneOfTheSourceTree) {
     EXPECT_THAT(commandLinesOf(*perform(asked)), ElementsAre("add -- folder/"));
 }
 
-TEST_F(FileSystemWork, WithoutADestinationNothingIsStaged) {
+TEST_F(FileSystemWork, StagesNothingWithoutADestination) {
     repository.write("secret", "x");
     const auto operation =
         perform(requestFor(NEBSourceControlRequestMakeDirectory, repository.path()));
@@ -223,7 +223,7 @@ TEST_F(FileSystemWork, WithoutADestinationNothingIsStaged) {
 
 // ---- both -------------------------------------------------------------------------------------
 
-TEST_F(FileSystemWork, ThatAlreadyHasAnErrorDoesNothing) {
+TEST_F(FileSystemWork, DoesNothingAfterAnError) {
     GitMakeDirectoryOperation operation(
         request(NEBSourceControlRequestMakeDirectory, {}, "folder"));
     operation.setError(NEBSourceControlError::withDescription(-7, "before"));
@@ -232,8 +232,8 @@ TEST_F(FileSystemWork, ThatAlreadyHasAnErrorDoesNothing) {
     EXPECT_FALSE(exists("folder"));
 }
 
-TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
-    // A file without an end, as far as anybody will wait for it.
+TEST_F(FileSystemWork, LeavesNothingAfterCancellation) {
+    // A practically endless file.
     repository.write("a", "");
     fs::resize_file(repository.path("a"), std::uintmax_t{1} << 40);
     GitCopyOperation operation(request(NEBSourceControlRequestCopy, {"a"}, "b"));
@@ -256,7 +256,7 @@ TEST_F(FileSystemWork, IsCancelledWithNothingLeftBehind) {
 
 // ---- what is thrown ---------------------------------------------------------------------------
 
-/// A value of a host that cannot be read.
+/// Throws when its description is read.
 class Unreadable : public NEBObject {
 public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override {
@@ -264,7 +264,7 @@ public:
     }
 };
 
-/// Works until the main thread has had ample time to leave.
+/// Works long enough for the main thread to leave.
 class SlowWork : public GitFileSystemOperation {
 public:
     using GitFileSystemOperation::GitFileSystemOperation;
@@ -279,7 +279,7 @@ protected:
     }
 };
 
-TEST_F(FileSystemWork, EndsBeforeTheOperationThoughTheAddCannotBeMade) {
+TEST_F(FileSystemWork, FinishesIfTheAddCannotBeCreated) {
     const auto asked = request(NEBSourceControlRequestCopy, {}, "");
     asked->destination = NEBValue(std::make_shared<const Unreadable>());
     const auto operation = std::make_shared<SlowWork>(asked);
@@ -288,7 +288,7 @@ TEST_F(FileSystemWork, EndsBeforeTheOperationThoughTheAddCannotBeMade) {
     EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, HasSubstr("no description")));
 }
 
-TEST_F(FileSystemWork, HasAnErrorOfWhatItThrows) {
+TEST_F(FileSystemWork, TurnsAnExceptionIntoAnError) {
     class Throwing : public GitFileSystemOperation {
     public:
         using GitFileSystemOperation::GitFileSystemOperation;

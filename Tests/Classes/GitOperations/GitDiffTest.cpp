@@ -37,7 +37,7 @@ TEST(DiffCommand, OfABareRequestComparesWithHEAD) {
         "/w");
 }
 
-TEST(DiffCommand, OfAFullRequestHasEachPartInItsPlace) {
+TEST(DiffCommand, OfAFullRequestHasAllParts) {
     auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->startingRevision = "abc";
     request->endingRevision = "def";
@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
                               "NEBSourceControlLocalRevisionName"}),
     [](const auto& parameter) { return parameter.param.name; });
 
-TEST(DiffCommand, AsksForNamesOnlyWhenTheOptionIsTrue) {
+TEST(DiffCommand, ListsNamesIfTheOptionIsTrue) {
     auto request = requestFor(NEBSourceControlRequestDiff, "/w");
     request->options = namesOnly();
     EXPECT_THAT(GitDiffOperation(request).arguments(),
@@ -125,7 +125,7 @@ std::shared_ptr<NEBSourceControlRequest> namesRequest() {
     return request;
 }
 
-TEST(DiffOutput, IsOneTextAsItIs) {
+TEST(DiffOutput, IsOneUnchangedText) {
     for (const std::string text :
          {"diff --git a/x b/x\n-a\r\n+b\t\n\n", "\n", "no line end", "* Unmerged path a\n"}) {
         const auto result = resultOf(requestFor(NEBSourceControlRequestDiff, "/w"), text);
@@ -142,14 +142,14 @@ TEST(DiffOutput, IsOneTextAsItIs) {
               "-J\xEF\xBF\xBDrgen\n+x\n");
 }
 
-TEST(DiffOutput, OfNothingIsNoResultInEitherForm) {
+TEST(DiffOutput, WithoutTextHasNoResult) {
     for (const std::optional<Data>& output : {std::optional<Data>(), std::optional<Data>("")}) {
         EXPECT_EQ(resultOf(requestFor(NEBSourceControlRequestDiff, "/w"), output), std::nullopt);
         EXPECT_EQ(resultOf(namesRequest(), output), std::nullopt);
     }
 }
 
-TEST(DiffOutput, OfNamesIsARecordALine) {
+TEST(DiffOutput, OfNamesHasARecordPerLine) {
     EXPECT_THAT(textsOf(resultOf(namesRequest(), "M\ta.c\nA\tsrc/b c.c\nD\td\nT\tt\n")),
                 ElementsAre("4 /w/a.c", "1 /w/src/b c.c", "2 /w/d", "4 /w/t"));
     EXPECT_THAT(textsOf(resultOf(namesRequest(), "M\ta.c\n")), ElementsAre("4 /w/a.c"));
@@ -157,13 +157,13 @@ TEST(DiffOutput, OfNamesIsARecordALine) {
         << "what is no record is left out, and the result is still there";
 }
 
-/// The line is read the way that a status line is, and that knows no score.
-TEST(DiffOutput, ARenamesPathIsAllThatFollowsItsLetter) {
+/// The line is parsed like that of a status, which has no score.
+TEST(DiffOutput, HasTheRestOfTheLineAsPathOfARename) {
     EXPECT_THAT(textsOf(resultOf(namesRequest(), "R094\told.c\tnew.c\nC100\ta\tb\n")),
                 ElementsAre("4096 /w/094\told.c\tnew.c", "4096 /w/100\ta\tb"));
 }
 
-TEST(DiffOutput, OfNamesDoesNotAskWhetherTheSourceTreeIsValid) {
+TEST(DiffOutput, OfNamesIgnoresWhetherTheSourceTreeIsValid) {
     auto request = namesRequest();
     request->sourceTree->isValid = false;
     EXPECT_THAT(textsOf(resultOf(request, "M\ta\n")), ElementsAre("4 /w/a"));
@@ -210,7 +210,7 @@ protected:
         requestFor(NEBSourceControlRequestDiff, "");
 };
 
-TEST_F(DiffOfRepository, WithHEADShowsWhatIsStagedAndWhatIsNot) {
+TEST_F(DiffOfRepository, WithHEADShowsStagedAndUnstagedChanges) {
     repository.write("staged", "x\n");
     repository.git({"add", "staged"});
     repository.write("sp ace \xC3\xA4.txt", "2\n");
@@ -243,7 +243,7 @@ TEST_F(DiffOfRepository, OfARenameWithAChangeHasItsScoreInThePath) {
                                                            "/0[0-9][0-9]\tlong\tmoved")));
 }
 
-TEST_F(DiffOfRepository, FromTheCommonAncestorLeavesTheOtherSideOut) {
+TEST_F(DiffOfRepository, FromTheCommonAncestorOmitsTheOtherSide) {
     repository.git({"checkout", "-qb", "topic"});
     repository.commitFile("t", "t\n");
     repository.git({"checkout", "-q", "main"});
@@ -256,7 +256,7 @@ TEST_F(DiffOfRepository, FromTheCommonAncestorLeavesTheOtherSideOut) {
     EXPECT_THAT(textsOf(run()->result()), ElementsAre("1 " + repository.path("t")));
 }
 
-TEST_F(DiffOfRepository, IsGitsOwnWhateverTheUserHasConfigured) {
+TEST_F(DiffOfRepository, IgnoresExternalDiffPrograms) {
     repository.write("long", "changed\n");
     repository.write("binary", std::string("a\0b", 3));
     repository.git({"add", "binary"});
@@ -276,21 +276,21 @@ TEST_F(DiffOfRepository, IsGitsOwnWhateverTheUserHasConfigured) {
     EXPECT_EQ(content(), plain);
 }
 
-/// What a file's attributes say about its text is the repository's own wish.
-TEST_F(DiffOfRepository, ReadsATextThroughItsConverter) {
+/// The attributes of a file are part of the repository.
+TEST_F(DiffOfRepository, UsesTextconv) {
     repository.write(".gitattributes", "long diff=upper\n");
     repository.git({"config", "diff.upper.textconv", "tr a-z A-Z <"});
     repository.write("long", "changed\n");
     EXPECT_THAT(content(), HasSubstr("\n+CHANGED\n"));
 }
 
-TEST_F(DiffOfRepository, OfBytesThatAreNoTextIsWhole) {
+TEST_F(DiffOfRepository, KeepsBinaryContent) {
     repository.write("long", "J\xFCrgen\n");
     EXPECT_THAT(content(), HasSubstr("\n+J\xEF\xBF\xBDrgen\n"));
     EXPECT_THAT(content(), HasSubstr("\n-line 29\n"));
 }
 
-TEST_F(DiffOfRepository, TakesAFileForANameAndNotForAPattern) {
+TEST_F(DiffOfRepository, TreatsAFileLiterally) {
     repository.write("x1.c", "1\n");
     repository.write("x[1].c", "1\n");
     repository.git({"add", "."});
@@ -298,7 +298,7 @@ TEST_F(DiffOfRepository, TakesAFileForANameAndNotForAPattern) {
     EXPECT_THAT(names(), ElementsAre("1 " + repository.path("x[1].c")));
 }
 
-TEST_F(DiffOfRepository, WithTwoMergeBasesIsWarnedOfAndNoError) {
+TEST_F(DiffOfRepository, IgnoresTheWarningAboutTwoMergeBases) {
     repository.git({"checkout", "-qb", "topic"});
     repository.commitFile("t", "t\n");
     repository.git({"checkout", "-q", "main"});
@@ -314,7 +314,7 @@ TEST_F(DiffOfRepository, WithTwoMergeBasesIsWarnedOfAndNoError) {
     EXPECT_THAT(content(), HasSubstr("+++ b/u\n"));
 }
 
-TEST_F(DiffOfRepository, ThatCannotBeMadeSaysWhy) {
+TEST_F(DiffOfRepository, ReportsFailures) {
     request->startingRevision = "nosuch";
     EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     EXPECT_EQ(run()->result(), std::nullopt);
@@ -327,7 +327,7 @@ TEST_F(DiffOfRepository, ThatCannotBeMadeSaysWhy) {
     EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlUnrelatedHistoriesErrorClass));
 }
 
-TEST_F(DiffOfRepository, WithoutACommitSaysSo) {
+TEST_F(DiffOfRepository, ReportsARepositoryWithoutCommits) {
     const TestRepository empty;
     request->sourceTree->location = empty.path();
     EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));

@@ -115,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"R15BinaryMerge", "warning: Cannot merge binary files: bin (HEAD vs. bt)\n", -300,
             theMessage},
         Row{"R17EmptySource", "fatal: source directory is empty, source=d", -70, noUserInfo},
-        // what the host makes of the rest
+        // texts that the host translates
         Row{"R18Unknown", "fatal: never heard of", -1, theMessage},
         Row{"R12OtherThanPush", "Everything up-to-date\n", -1, theMessage, nullptr, false, 37},
         Row{"R12AfterAFailedTransfer",
@@ -202,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(
             -300, theMessage}),
     [](const auto& parameter) { return parameter.param.name; });
 
-TEST(ErrorTableRows, PermissionWithoutADestinationIsTheRepositorys) {
+TEST(ErrorTableRows, NamesTheRepositoryWithoutADestination) {
     GitOperation operation(requestFor(NEBSourceControlRequestAdd, "/w"));
     EXPECT_THAT(operation.errorFromErrorMessage(
                     "error: insufficient permission for adding an object to repository database"),
@@ -211,7 +211,7 @@ TEST(ErrorTableRows, PermissionWithoutADestinationIsTheRepositorys) {
                                      "have permission to modify the repository."));
 }
 
-TEST(ErrorTableRows, AnAbsentNameReadsAsNull) {
+TEST(ErrorTableRows, PrintsNullForAnAbsentName) {
     auto request = requestFor(NEBSourceControlRequestPush, "/w");
     request->sourceTree = nullptr;
     GitOperation operation(request);
@@ -222,7 +222,7 @@ TEST(ErrorTableRows, AnAbsentNameReadsAsNull) {
         IsSourceControlError(-25, "The remote repository \"(null)\" is already up to date."));
 }
 
-TEST(ErrorTableRows, TheNoticeOfANewHostKeyIsNoError) {
+TEST(ErrorTableRows, IgnoreTheNoticeOfANewHostKey) {
     GitOperation operation(requestFor(NEBSourceControlRequestFetch, "/w"));
     const std::string notice =
         "Warning: Permanently added 'example.org' (RSA) to the list of known hosts.";
@@ -231,7 +231,7 @@ TEST(ErrorTableRows, TheNoticeOfANewHostKeyIsNoError) {
     EXPECT_FALSE(gitErrorTableLookUp(notice + "\nmore", *operation.request()).isKnown);
 }
 
-TEST(ErrorTableRows, ServeAFailureWhoseTextTheOperationMovedAway) {
+TEST(ErrorTableRows, MatchTextThatTheOperationMoved) {
     class MovingOperation : public GitOperation {
     public:
         using GitOperation::GitOperation;
@@ -244,7 +244,7 @@ TEST(ErrorTableRows, ServeAFailureWhoseTextTheOperationMovedAway) {
     EXPECT_THAT(operation.error(), IsSourceControlError(-91, notMerged));
 }
 
-TEST(ErrorTableRows, AnAbsentMessageIsNoError) {
+TEST(ErrorTableRows, IgnoreAnAbsentMessage) {
     GitOperation operation(requestFor(NEBSourceControlRequestFetch, "/w"));
     EXPECT_EQ(operation.errorFromErrorMessage(std::nullopt), std::nullopt);
 }

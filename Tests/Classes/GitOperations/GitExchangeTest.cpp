@@ -30,7 +30,7 @@ struct ExpectedReport {
     std::string expression;
 };
 
-/// One report for each, in order, of a value that is nil.
+/// Expects one report per element, in order, about a nil value.
 void expectNilReports(const ReportCollector& collector, const std::string& function,
                       const std::vector<ExpectedReport>& expected) {
     ASSERT_EQ(collector.reports().size(), expected.size());
@@ -58,7 +58,7 @@ TEST(FetchArguments, NameTheRemoteWithoutDefaultArguments) {
                 ElementsAre("fetch", "-q", "origin"));
 }
 
-TEST(FetchArguments, AMissingRemoteIsReported) {
+TEST(FetchArguments, ReportAMissingRemote) {
     const ReportCollector collector;
     EXPECT_THAT(GitFetchOperation(request(NEBSourceControlRequestFetch)).arguments(),
                 ElementsAre("fetch", "-q"));
@@ -78,7 +78,7 @@ TEST(FetchArguments, AMissingRemoteIsReported) {
               "![@\"\" isEqualToString:(" + remoteNameExpression + ")]");
 }
 
-TEST(PullArguments, AreAlwaysByFastForwardBehindTheDefaultArguments) {
+TEST(PullArguments, FastForwardAfterTheDefaultArguments) {
     EXPECT_THAT(
         GitPullOperation(request(NEBSourceControlRequestUpdate, originAndTopic)).arguments(),
         ElementsAre("pull", "--ff-only", "origin", "topic"));
@@ -88,7 +88,7 @@ TEST(PullArguments, AreAlwaysByFastForwardBehindTheDefaultArguments) {
         ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "pull", "--ff-only", "origin", "topic"));
 }
 
-TEST(PullArguments, AMissingRemoteOrBranchIsReported) {
+TEST(PullArguments, ReportAMissingRemoteOrBranch) {
     const ReportCollector collector;
     EXPECT_THAT(GitPullOperation(request(NEBSourceControlRequestUpdate)).arguments(),
                 ElementsAre("pull", "--ff-only"));
@@ -103,7 +103,7 @@ TEST(PushArguments, NameTheRemoteAndBothBranchesWithoutDefaultArguments) {
         ElementsAre("push", "origin", "topic:main"));
 }
 
-TEST(PushArguments, WhatIsMissingIsReported) {
+TEST(PushArguments, ReportMissingValues) {
     const ReportCollector collector;
     EXPECT_THAT(GitPushOperation(request(NEBSourceControlRequestPush)).arguments(),
                 ElementsAre("push", "(null):(null)"));
@@ -121,7 +121,7 @@ TEST(PushArguments, WhatIsMissingIsReported) {
               "![@\"\" isEqualToString:(self.request.destination)]");
 }
 
-TEST(PushArguments, OverTheBridgeAreFixedAndNothingIsAskedFor) {
+TEST(PushArguments, OverTheBridgeAreFixed) {
     const ReportCollector collector;
     auto asked = request(NEBSourceControlRequestPush, withPaths({}));
     asked->remote->representsGitSVNBridge = true;
@@ -148,7 +148,7 @@ TEST(FetchOutput, IsAlwaysAnEmptyResult) {
     EXPECT_EQ(fetched.operation.errorData(), "fatal: x\n");
 }
 
-TEST(FetchOutput, ForgivesTwoTextsOfTheBridgeAtTheBeginningAlone) {
+TEST(FetchOutput, IgnoresTwoMessagesOfTheBridgeAtTheBeginning) {
     for (const char* harmless :
          {"Couldn't find revmap for x\n", "W: -empty_dir: keep\nW: more\n"}) {
         EXPECT_EQ(Parsed<GitFetchOperation>("", harmless).operation.errorData(), std::nullopt);
@@ -159,7 +159,7 @@ TEST(FetchOutput, ForgivesTwoTextsOfTheBridgeAtTheBeginningAlone) {
     }
 }
 
-TEST(FetchOutput, WithoutAnOutputObjectNothingIsLookedAt) {
+TEST(FetchOutput, WithoutDataIsNotParsed) {
     const Parsed<GitFetchOperation> fetched(std::nullopt, "W: -empty_dir: keep\n");
     EXPECT_EQ(fetched.operation.errorData(), "W: -empty_dir: keep\n");
     EXPECT_EQ(fetched.operation.result(), std::nullopt);
@@ -173,15 +173,15 @@ TEST(PullOutput, IsTheContent) {
     EXPECT_EQ(Parsed<GitPullOperation>("", std::nullopt).operation.result(), content(""));
 }
 
-TEST(PullOutput, WithoutAnOutputObjectIsAnEmptyResult) {
+TEST(PullOutput, WithoutDataIsAnEmptyResult) {
     const Parsed<GitPullOperation> pulled(std::nullopt, std::nullopt);
     EXPECT_EQ(pulled.operation.result(), NEBSourceControlResult{});
     EXPECT_EQ(pulled.operation.error(), std::nullopt);
 }
 
-/// git has written it without hyphens since 2.15; the odd wording of the suggestion is what hosts
-/// have always shown.
-TEST(PullOutput, ThatSaysThereIsNothingNewIsAnErrorOfItsOwn) {
+/// git prints it without hyphens since 2.15. The wording of the suggestion is what hosts have
+/// always shown.
+TEST(PullOutput, WithoutNewCommitsIsAnError) {
     for (const char* output :
          {"x Already up-to-date x\n", "x\nAlready up to date.\n", "Already up to date.\n"}) {
         const Parsed<GitPullOperation> pulled(output, "From /r\n");
@@ -199,7 +199,7 @@ TEST(PullOutput, ThatNamesAFileOfThatNameIsContent) {
     EXPECT_EQ(Parsed<GitPullOperation>(output, std::nullopt).operation.result(), content(output));
 }
 
-TEST(PullOutput, OfAFailureIsNotThatThereIsNothingNew) {
+TEST(PullOutput, OfAFailureIsNotUpToDate) {
     const TemporaryFolder folder;
     test::StandIn<GitPullOperation> operation(
         folder.writeProgram("git",
@@ -210,11 +210,11 @@ TEST(PullOutput, OfAFailureIsNotThatThereIsNothingNew) {
     EXPECT_THAT(operation.error(), IsSourceControlError(-1, "error: disk on fire"));
 }
 
-TEST(PullOutput, LeavesAFatalFailureToTheTranslation) {
+TEST(PullOutput, LeavesAFatalErrorToTheErrorTable) {
     EXPECT_EQ(Parsed<GitPullOperation>("", "x fatal y").operation.errorData(), "x fatal y");
 }
 
-TEST(PushOutput, IsWhatGitSaysOnStandardError) {
+TEST(PushOutput, IsTheStandardErrorOfGit) {
     const std::string words = "To /r.git\n   a..b  main -> main\n";
     const Parsed<GitPushOperation> pushed("ignored", words);
     EXPECT_EQ(pushed.operation.result(), content(words));
@@ -222,13 +222,13 @@ TEST(PushOutput, IsWhatGitSaysOnStandardError) {
     EXPECT_EQ(pushed.operation.errorData(), std::nullopt);
 }
 
-TEST(PushOutput, WithoutAnErrorObjectIsAnEmptyResult) {
+TEST(PushOutput, WithoutErrorDataIsAnEmptyResult) {
     const Parsed<GitPushOperation> pushed("out", std::nullopt);
     EXPECT_EQ(pushed.operation.result(), NEBSourceControlResult{});
     EXPECT_EQ(pushed.operation.data(), "out");
 }
 
-TEST(PushOutput, LeavesAFatalFailureToTheTranslation) {
+TEST(PushOutput, LeavesAFatalErrorToTheErrorTable) {
     const Parsed<GitPushOperation> pushed("out", "x fatal y");
     EXPECT_EQ(pushed.operation.result(), std::nullopt);
     EXPECT_EQ(pushed.operation.data(), "out");

@@ -31,7 +31,7 @@ std::vector<std::string> argumentsOf(const std::shared_ptr<NEBSourceControlReque
 
 // ---- git's half -------------------------------------------------------------------------------
 
-TEST(ExportCommand, NamesTheFoldersTreeAndTheFileInIt) {
+TEST(ExportCommand, NamesTheTreeOfTheFolderAndTheFile) {
     EXPECT_THAT(argumentsOf(exportRequest("/w/src/io/main.c", "/out/main.c")),
                 ElementsAre("archive", "abc:src/io", "main.c"));
     EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/out/main.c")),
@@ -40,7 +40,7 @@ TEST(ExportCommand, NamesTheFoldersTreeAndTheFileInIt) {
     EXPECT_EQ(GitExportFileOperation(exportRequest("/w/a")).currentDirectoryPath(), "/w");
 }
 
-TEST(ExportCommand, PutsTheTargetsHeadInFront) {
+TEST(ExportCommand, PrefixesTheFileForTheTargetName) {
     EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/out/8F3A-main.c")),
                 ElementsAre("archive", "--prefix=8F3A-", "abc", "main.c"));
     EXPECT_THAT(argumentsOf(exportRequest("/w/src/main.c", "/main.c/8F3A-main.c")),
@@ -70,7 +70,7 @@ TEST(ExportCommand, ReadsHEADAndBASEAsHEAD) {
         << "without a revision its argument is missing";
 }
 
-TEST(ExportCommand, WithARepositoryPathTakesTheFileAsItIs) {
+TEST(ExportCommand, UsesTheFileUnchangedWithARepositoryPath) {
     auto request = exportRequest("src/main.c", "/out/main.c");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
                                      {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
@@ -83,7 +83,7 @@ TEST(ExportCommand, WithARepositoryPathTakesTheFileAsItIs) {
     EXPECT_TRUE(collector.reports().empty());
 }
 
-TEST(ExportCommand, WithoutADestinationTakesATemporaryFile) {
+TEST(ExportCommand, UsesATemporaryFileWithoutADestination) {
     const auto request = exportRequest("/w/src/main.c");
     const auto arguments = argumentsOf(request);
     const LOMFilePath* target = request->option(NEBSourceControlOperationPathKey).filePath();
@@ -94,7 +94,7 @@ TEST(ExportCommand, WithoutADestinationTakesATemporaryFile) {
                             "abc:src", "main.c"));
 }
 
-TEST(ExportCommand, PutsTheTargetIntoACopyOfTheOptions) {
+TEST(ExportCommand, StoresTheTargetInACopyOfTheOptions) {
     auto request = exportRequest("/w/a", "/out/a");
     const GitExportFileOperation withoutOptions(request);
     EXPECT_EQ(request->options->size(), 1U);
@@ -118,7 +118,7 @@ struct InvalidPath {
 
 class ExportOfInvalidPath : public testing::TestWithParam<InvalidPath> {};
 
-TEST_P(ExportOfInvalidPath, IsReportedAndBuildingGoesOn) {
+TEST_P(ExportOfInvalidPath, IsReportedAndConstructionContinues) {
     auto request = requestFor(NEBSourceControlRequestExportFiles, GetParam().location);
     request->files = {GetParam().file};
     request->destination = "/out/a";
@@ -145,8 +145,8 @@ INSTANTIATE_TEST_SUITE_P(
                     InvalidPath{"OneCharacterMore", "/w/", "/w", {"archive", "abc", ""}}),
     [](const auto& parameter) { return parameter.param.name; });
 
-/// The one character behind the location is dropped, whatever it is.
-TEST(ExportCommand, DropsTheLocationAndOneCharacter) {
+/// The character after the location is removed, whatever it is.
+TEST(ExportCommand, RemovesTheLocationAndOneCharacter) {
     EXPECT_THAT(argumentsOf(exportRequest("/wide/a", "/out/a")),
                 ElementsAre("archive", "abc:de", "a"));
     EXPECT_THAT(argumentsOf(exportRequest("/w\xC3\xA4/a", "/out/a")),
@@ -162,14 +162,14 @@ TEST(ExportCommand, KeepsTheFirstByteOfANameThatIsNotUTF8) {
         << "or git would read an option";
 }
 
-TEST(ExportCommand, TakesALocationWithASlashBehindItForTheSame) {
+TEST(ExportCommand, IgnoresATrailingSlashOfTheLocation) {
     auto request = exportRequest("/w/d/a", "/out/a");
     request->sourceTree->location = "/w/";
     EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
 }
 
-/// An empty list of files is none: the destination is the folder for the whole revision.
-TEST(ExportTar, OfAnEmptyListOfFilesExtractsIntoTheDestination) {
+/// An empty list of files counts as none: the destination is the folder for the whole revision.
+TEST(ExportTar, ExtractsIntoTheDestinationForAnEmptyListOfFiles) {
     auto request = exportRequest("/w/a", "/out/folder");
     request->files->clear();
     const ReportCollector collector;
@@ -206,7 +206,7 @@ TEST(ExportTar, ExtractsIntoTheTargetsFolder) {
     EXPECT_THAT(GitTarOperation(request).arguments(), ElementsAre("-C", "/out/folder", "-xf", "-"));
 }
 
-TEST(ExportTar, WithoutATargetReportsSo) {
+TEST(ExportTar, ReportsAMissingTarget) {
     const ReportCollector collector;
     EXPECT_THAT(GitTarOperation(exportRequest("/w/a", "/out/a")).arguments(), ElementsAre("-C"));
     ASSERT_EQ(collector.reports().size(), 1U);
@@ -218,7 +218,7 @@ TEST(ExportTar, WithoutATargetReportsSo) {
     EXPECT_EQ(report.file, "Classes/GitOperations");
 }
 
-TEST(ExportTar, HasTheTargetForAResultWhereThereIsOne) {
+TEST(ExportTar, HasTheTargetAsResultIfItExists) {
     const test::TemporaryFolder folder;
     const auto request = exportRequest("/w/main.c", NEBValue(folder.write("main.c", "x")));
     const GitExportFileOperation half(request);
@@ -231,7 +231,7 @@ TEST(ExportTar, HasTheTargetForAResultWhereThereIsOne) {
                                   LOMFilePath::filePathForPathString(folder.path("main.c"))}}}));
 }
 
-TEST(ExportTar, TellsThatTheRevisionWasNotFoundWhereThereIsNone) {
+TEST(ExportTar, ReportsARevisionThatWasNotFound) {
     const auto errorFor = [](NEBValue revision) {
         const auto request = exportRequest("/w/src/main.c", "/nosuch/main.c", std::move(revision));
         const GitExportFileOperation half(request);
@@ -267,8 +267,8 @@ TEST(ExportTreeCommand, WritesBelowTheDestination) {
     EXPECT_EQ(GitExportTreeOperation(request).currentDirectoryPath(), "/w");
 }
 
-/// "/" and the folder "(null)" of the working copy are no places that anybody asked for.
-TEST(ExportTreeCommand, WithoutADestinationRunsNothing) {
+/// Nobody requested to write to "/" or the folder "(null)".
+TEST(ExportTreeCommand, RunsNothingWithoutADestination) {
     for (const NEBValue& destination : {NEBValue(), NEBValue("")}) {
         auto request = requestFor(NEBSourceControlRequestExportTree, "/no/such/folder");
         request->destination = destination;

@@ -27,7 +27,7 @@ std::shared_ptr<NEBSourceControlRequest> info(std::optional<std::string> locatio
 
 // ---- the questions ----------------------------------------------------------------------------
 
-TEST(ConfiguredURL, IsAskedForByItsKey) {
+TEST(ConfiguredURL, IsReadByItsKey) {
     auto asked = info("/w");
     asked->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"}};
     EXPECT_THAT(GitFetchRemoteOriginOperation(asked).arguments(),
@@ -42,14 +42,14 @@ std::optional<std::string> folderFor(std::optional<std::vector<NEBValue>> files)
     return Op(info("/w", std::move(files))).currentDirectoryPath();
 }
 
-TEST(ConfiguredURL, IsAskedForWhereTheOneFileIs) {
+TEST(ConfiguredURL, IsReadInTheFolderOfTheOnlyFile) {
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(valuesOf({"/other"})), "/other");
     EXPECT_EQ(folderFor<GitFetchSVNRemoteOriginOperation>(valuesOf({"/other"})), "/other");
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(valuesOf({"file:///a%20b"})), "/a b");
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(valuesOf({"~/p"})), "~/p");
 }
 
-TEST(ConfiguredURL, IsAskedForInTheSourceTreeOtherwise) {
+TEST(ConfiguredURL, IsReadInTheSourceTreeOtherwise) {
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(std::nullopt), "/w");
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(valuesOf({})), "/w");
     EXPECT_EQ(folderFor<GitFetchRemoteOriginOperation>(valuesOf({"/a", "/b"})), "/w");
@@ -67,7 +67,7 @@ std::optional<NEBSourceControlResult> resultOf(std::optional<std::string> locati
     return operation.result();
 }
 
-TEST(ConfiguredURL, IsARecordWithTheFolderInWhichItWasAsked) {
+TEST(ConfiguredURL, IsARecordWithTheFolder) {
     const NEBDictionary record{
         {NEBSourceControlOperationRemoteOriginKey, "https://example.org/p.git"},
         {NEBSourceControlOperationRepositoryRootKey, "/w"}};
@@ -77,13 +77,13 @@ TEST(ConfiguredURL, IsARecordWithTheFolderInWhichItWasAsked) {
               NEBSourceControlResult{record});
 }
 
-TEST(ConfiguredURL, HasNoFolderWhereNoneIsSet) {
+TEST(ConfiguredURL, HasNoFolderIfNoneIsSet) {
     EXPECT_EQ(
         resultOf<GitFetchRemoteOriginOperation>(std::nullopt, "/p\n"),
         NEBSourceControlResult{(NEBDictionary{{NEBSourceControlOperationRemoteOriginKey, "/p"}})});
 }
 
-TEST(ConfiguredURL, ThatIsNotThereLeavesNoResult) {
+TEST(ConfiguredURL, ThatIsNotSetHasNoResult) {
     EXPECT_EQ(resultOf<GitFetchRemoteOriginOperation>("/w", ""), std::nullopt);
     EXPECT_EQ(resultOf<GitFetchSVNRemoteOriginOperation>("/w", ""), std::nullopt);
 }
@@ -103,7 +103,7 @@ protected:
     TestRepository repository;
 };
 
-TEST_F(Info, IsTheURLOfOriginAfterOneQuestion) {
+TEST_F(Info, IsTheURLOfOriginAfterOneQuery) {
     repository.git({"remote", "add", "origin", "https://example.org/p.git"});
     repository.git({"config", "svn-remote.svn.url", "svn://example.org/p"});
     const auto operation = perform(info(repository.path()));
@@ -114,7 +114,7 @@ TEST_F(Info, IsTheURLOfOriginAfterOneQuestion) {
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre(originQuestion));
 }
 
-TEST_F(Info, IsTheSubversionURLWhereThereIsNoOrigin) {
+TEST_F(Info, IsTheSubversionURLWithoutOrigin) {
     repository.git({"config", "svn-remote.svn.url", "svn://example.org/p"});
     const auto operation = perform(info(repository.path()));
     EXPECT_EQ(operation->error(), std::nullopt);

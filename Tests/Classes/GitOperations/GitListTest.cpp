@@ -31,7 +31,7 @@ std::shared_ptr<NEBSourceControlRequest> listRequest(std::string folder,
     return request;
 }
 
-/// A record as its name, with a "/" behind what is no leaf.
+/// Returns the name of a record, with a "/" unless it is a leaf.
 std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& result) {
     std::vector<std::string> texts;
     for (const NEBDictionary& record : result.value()) {
@@ -44,7 +44,7 @@ std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& re
 
 // ---- the command ------------------------------------------------------------------------------
 
-/// The command line behind git's path.
+/// Returns the command line after the path of git.
 std::string commandOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
     GitListFilesOperation operation(request);
     EXPECT_EQ(operation.launchPath(), "/bin/sh");
@@ -62,7 +62,7 @@ TEST(ListCommand, LetsTheShellExpandTheFolder) {
     EXPECT_EQ(GitListFilesOperation(listRequest("src")).currentDirectoryPath(), "/w");
 }
 
-TEST(ListCommand, NamesNoRepositoryAndOnlyTheFirstFolder) {
+TEST(ListCommand, HasNoRepositoryPathAndOnlyTheFirstFolder) {
     auto request = listRequest("a");
     request->files->emplace_back("b");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
@@ -70,14 +70,14 @@ TEST(ListCommand, NamesNoRepositoryAndOnlyTheFirstFolder) {
     EXPECT_EQ(commandOf(request), " ls-tree -z HEAD^{tree} a/*");
 }
 
-/// The place of the pattern is filled with what stands for nothing; the root is not listed.
-TEST(ListCommand, OfTheEmptyNameHasTheTextForNothing) {
+/// The pattern is replaced with a syntax error, so that the root is not listed.
+TEST(ListCommand, OfTheEmptyNameIsASyntaxError) {
     EXPECT_EQ(commandOf(listRequest("")), " ls-tree -z HEAD^{tree} (null)");
     EXPECT_EQ(commandOf(requestFor(NEBSourceControlRequestList, "/w")),
               " ls-tree -z HEAD^{tree} (null)");
 }
 
-TEST(ListCommand, TakesTheBranchForTheSelector) {
+TEST(ListCommand, UsesTheBranchAsTheSuffixOfHEAD) {
     auto request = listRequest("src");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "topic"}};
     EXPECT_EQ(commandOf(request), " ls-tree -z HEAD^{topic} src/*");
@@ -105,19 +105,19 @@ std::vector<std::string> read(std::optional<Data> output) {
 
 const std::string object = " 0123456789abcdef0123456789abcdef01234567\t";
 
-TEST(ListOutput, HasOneRecordAnEntryInGitsOrder) {
+TEST(ListOutput, HasARecordPerEntryInOrder) {
     EXPECT_THAT(
         read("100644 blob" + object + "src/a.c\0"s + "040000 tree" + object + "src/lib\0"s +
              "160000 commit" + object + "src/module\0"s + "120000 blob" + object + "src/link\0"s),
         ElementsAre("a.c", "lib/", "module/", "link"));
 }
 
-TEST(ListOutput, OfNothingIsAnEmptyResult) {
+TEST(ListOutput, WithoutTextIsAnEmptyResult) {
     EXPECT_THAT(read(""), IsEmpty());
     EXPECT_THAT(read(std::nullopt), IsEmpty());
 }
 
-TEST(ListOutput, KeepsANameAsItIs) {
+TEST(ListOutput, PreservesNames) {
     EXPECT_THAT(read("100644 blob" + object + "src/with blank\0"s + "100644 blob" + object +
                      "src/\ttab\nline\0"s + "100644 blob" + object + " lead\0"s + "100644 blob" +
                      object + "\xC3\xA4\0"s),
@@ -128,7 +128,7 @@ TEST(ListOutput, KeepsANameAsItIs) {
         << "a name that is no UTF-8 is left out";
 }
 
-TEST(ListOutput, MakesARecordOfWhatIsNoEntryToo) {
+TEST(ListOutput, MakesARecordOfInvalidLinesToo) {
     EXPECT_THAT(read("\0"s), ElementsAre("/"));
     EXPECT_THAT(read("nonsense"), ElementsAre("/"));
     EXPECT_THAT(read("blob x\ty"), ElementsAre("y"))
@@ -160,7 +160,7 @@ protected:
     const TestRepository repository;
 };
 
-TEST_F(ListOfRepository, TellsFilesFromFoldersAndSubmodules) {
+TEST_F(ListOfRepository, DistinguishesFilesFromFoldersAndSubmodules) {
     repository.write("src/a.c", "x");
     repository.write("src/lib/b.c", "x");
     repository.write("src/.hidden", "x");
@@ -178,7 +178,7 @@ TEST_F(ListOfRepository, TellsFilesFromFoldersAndSubmodules) {
     EXPECT_THAT(list("."), ElementsAre("src/", "top"));
     EXPECT_THAT(list("nosuch"), IsEmpty());
     EXPECT_THAT(list("top"), IsEmpty());
-    // What is in the commit and no longer on disk is not there for the shell to find.
+    // The shell does not find entries that no longer exist on disk.
     std::filesystem::remove(repository.path("src/a.c"));
     EXPECT_THAT(list("src"), ElementsAre("lib/", "module/"));
 }
@@ -194,8 +194,8 @@ TEST_F(ListOfRepository, SplitsAtBlanksAndExpandsWildcards) {
     EXPECT_THAT(list("[d]*"), ElementsAre("z", "y"));
 }
 
-/// The kernel takes a command line of two megabytes at most.
-TEST_F(ListOfRepository, OfMoreThanACommandLineHoldsIsAnError) {
+/// The kernel limits command lines to two megabytes.
+TEST_F(ListOfRepository, ReportsACommandLineThatIsTooLong) {
     repository.commitFile("full/a", "x");
     for (int i = 0; i < 9000; ++i) {
         repository.write("full/" + std::string(245, 'n') + std::to_string(i), "");
@@ -206,7 +206,7 @@ TEST_F(ListOfRepository, OfMoreThanACommandLineHoldsIsAnError) {
                 testing::Optional(testing::HasSubstr("Argument list too long")));
 }
 
-/// Names that are built to run a command, each of which would leave a file.
+/// Names that try to run a command, each of which would create a file.
 TEST_F(ListOfRepository, OfAFolderWithAHostileNameListsItAndRunsNothing) {
     const std::string names[] = {
         "a;touch$IFS"
@@ -243,7 +243,7 @@ TEST_F(ListOfRepository, OfAFolderWithAHostileNameListsItAndRunsNothing) {
         ":(glob)x",
         ":!x",
         "\x01\x7F",
-        "\xC3\x81\xC3\xA0",  // holds bytes that a shell may use as marks of its own
+        "\xC3\x81\xC3\xA0",  // has bytes that a shell may use internally
     };
     for (const std::string& name : names) {
         repository.write(name + "/entry of " + std::to_string(name.size()), "x");
@@ -263,7 +263,7 @@ TEST_F(ListOfRepository, OfAFolderWithAHostileNameListsItAndRunsNothing) {
     EXPECT_FALSE(std::filesystem::exists(repository.path("a")));
 }
 
-TEST_F(ListOfRepository, OfABranchOrOfTheEmptyNameIsRefused) {
+TEST_F(ListOfRepository, RefusesABranchAndTheEmptyName) {
     repository.commitFile("src/a", "x");
     auto request = listRequest("src", repository.path());
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "main"}};
@@ -276,7 +276,7 @@ TEST_F(ListOfRepository, OfABranchOrOfTheEmptyNameIsRefused) {
     EXPECT_THAT(textsOf(ofNothing->result()), IsEmpty());
 }
 
-TEST_F(ListOfRepository, WithoutACommitOrARepositorySaysSo) {
+TEST_F(ListOfRepository, ReportsAMissingCommitOrRepository) {
     repository.write("src/a", "x");
     EXPECT_THAT(run(listRequest("src", repository.path()))->error(),
                 HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
@@ -285,7 +285,7 @@ TEST_F(ListOfRepository, WithoutACommitOrARepositorySaysSo) {
                 HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
 }
 
-TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
+TEST_F(ListOfRepository, ReportsAFolderOutsideTheWorkingCopy) {
     repository.commitFile("src/a", "x");
     const test::TemporaryFolder elsewhere;
     for (const std::string& folder :
@@ -300,14 +300,14 @@ TEST_F(ListOfRepository, OfAFolderOutsideTheWorkingCopyIsAnError) {
     EXPECT_THAT(list(repository.path("nosuch")), IsEmpty());
 }
 
-TEST_F(ListOfRepository, OfNoFolderHasAClass) {
+TEST_F(ListOfRepository, ClassifiesAMissingFolder) {
     repository.commitFile("src/a", "x");
     const auto operation = run(listRequest("", repository.path()));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInvalidErrorClass));
     EXPECT_THAT(textsOf(operation->result()), IsEmpty());
 }
 
-TEST_F(ListOfRepository, OfARequestWithAnErrorDoesNothing) {
+TEST_F(ListOfRepository, DoesNothingAfterAnError) {
     const auto operation = initWithRequest<GitListOperation>(listRequest("src", repository.path()));
     operation->setError(NEBSourceControlError::withDescription(-1, "before"));
     operation->start();

@@ -19,7 +19,7 @@ using Arguments = std::vector<std::string>;
 
 const std::string pretty = "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B\x01";
 
-/// The arguments between the abbreviation and the format.
+/// Returns the arguments between the abbreviation and the format.
 Arguments argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
     Arguments arguments = GitLogOperation(request).arguments();
     EXPECT_EQ(arguments.at(0), "log");
@@ -30,7 +30,7 @@ Arguments argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
     return arguments;
 }
 
-TEST(LogFormat, IsTheFieldsOneALineBehindANUL) {
+TEST(LogFormat, HasTheFieldsOnePerLineAfterANUL) {
     EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h", "aN", "aE", "at", "B"}),
               "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B");
     EXPECT_EQ(GitLogOperation::_prettyFormatWithArray({"h"}), "--pretty=format:%x00%h");
@@ -38,14 +38,14 @@ TEST(LogFormat, IsTheFieldsOneALineBehindANUL) {
     EXPECT_EQ(pretty.size(), 42U);
 }
 
-TEST(LogCommand, OfABareRequestNamesNoRevision) {
+TEST(LogCommand, OfAnEmptyRequestNamesNoRevision) {
     EXPECT_THAT(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).arguments(),
                 ElementsAre("log", "--abbrev=12", pretty));
     EXPECT_EQ(GitLogOperation(requestFor(NEBSourceControlRequestLog, "/w")).currentDirectoryPath(),
               "/w");
 }
 
-TEST(LogCommand, OfAFullRequestHasEachPartInItsPlace) {
+TEST(LogCommand, OfAFullRequestHasAllParts) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->startingRevision = "abc123";
     request->endingRevision = "def456";
@@ -112,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
         Revisions{"EmptyEndIsThere", "a1", "", {}, {"a1..."}}),
     [](const auto& parameter) { return parameter.param.name; });
 
-TEST(LogCommand, TakesTheLimitInDecimal) {
+TEST(LogCommand, HasTheLimitInDecimal) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     const auto argumentsFor = [&request](NEBValue limit) {
         request->options =
@@ -126,7 +126,7 @@ TEST(LogCommand, TakesTheLimitInDecimal) {
     EXPECT_THAT(argumentsFor({}), IsEmpty());
 }
 
-TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
+TEST(LogCommand, ListsFilesIfTheOptionIsTrue) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     for (const auto& [value, arguments] :
          std::vector<std::pair<NEBValue, Arguments>>{{true, {"--name-status"}},
@@ -140,7 +140,7 @@ TEST(LogCommand, AsksForFilesOnlyWhenTheOptionIsTrue) {
     }
 }
 
-TEST(LogCommand, PutsTheFirstFileBehindTwoDashes) {
+TEST(LogCommand, HasTheFirstFileAfterTwoDashes) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->files = std::vector<NEBValue>{};
     EXPECT_THAT(argumentsOf(request), IsEmpty());

@@ -24,7 +24,7 @@ std::shared_ptr<NEBSourceControlRequest> logRequest(bool withFiles) {
     return request;
 }
 
-/// A record as its fields, one a line, for reading; "files" only where there are.
+/// Returns the fields of a record, one per line; "files" only if present.
 std::string textOf(const NEBDictionary& record) {
     std::string text;
     for (const auto& entry : record) {
@@ -46,7 +46,7 @@ std::vector<std::string> read(Data output, bool withFiles = false) {
     return texts;
 }
 
-/// What git prints of a commit: the block up to its 0x01.
+/// Returns the output of git for a commit up to the 0x01.
 std::string block(std::string_view message, std::string_view seconds = "1600000000",
                   std::string_view revision = "0123456789ab") {
     return std::string(1, '\0') + std::string(revision) + "\nAnn Example\nann@example.org\n" +
@@ -56,14 +56,14 @@ std::string block(std::string_view message, std::string_view seconds = "16000000
 const std::string annOn = "0123456789ab|Ann Example|ann@example.org|";
 const std::string ann = annOn + "2020-09-13T12:26:40Z|";
 
-TEST(LogOutput, HasOneRecordACommitInGitsOrder) {
+TEST(LogOutput, HasARecordPerCommitInOrder) {
     EXPECT_THAT(read(block("one\n") + "\n" + block("two\n\nbody\n", "1", "abcdefabcdef")),
                 ElementsAre(ann + "one",
                             "abcdefabcdef|Ann Example|ann@example.org|"
                             "1970-01-01T00:00:01Z|two\n\nbody"));
 }
 
-TEST(LogOutput, OfNoCommitIsAnEmptyResult) {
+TEST(LogOutput, WithoutCommitsIsAnEmptyResult) {
     EXPECT_THAT(read(""), IsEmpty());
     EXPECT_THAT(read(std::string(3, '\0')), IsEmpty());
     GitLogOperation operation(logRequest(false));
@@ -82,7 +82,7 @@ TEST(LogOutput, CutsARevisionTo12Characters) {
     EXPECT_EQ(revisionOf("0123456"), "0123456");
 }
 
-TEST(LogOutput, KeepsAMessageWholeButForTheLineEndsAroundIt) {
+TEST(LogOutput, RemovesLineEndsAroundAMessage) {
     const std::pair<std::string, std::string> messages[] = {
         {"subject\n", "subject"},
         {"no line end", "no line end"},
@@ -110,7 +110,7 @@ TEST(LogOutput, KeepsAMessageWholeButForTheLineEndsAroundIt) {
     }
 }
 
-TEST(LogOutput, ReadsTheDateAsA32BitNumber) {
+TEST(LogOutput, ParsesTheDateAsA32BitNumber) {
     const std::pair<const char*, const char*> dates[] = {
         {"0", "1970-01-01T00:00:00Z"},
         {"1", "1970-01-01T00:00:01Z"},
@@ -125,7 +125,7 @@ TEST(LogOutput, ReadsTheDateAsA32BitNumber) {
         {"x", "1970-01-01T00:00:00Z"},
         {"-", "1970-01-01T00:00:00Z"},
         {"2147483647", "2038-01-19T03:14:07Z"},
-        // The record holds no later and no earlier time than 32 bits do.
+        // The time is clamped to 32 bits.
         {"2147483648", "2038-01-19T03:14:07Z"},
         {"4102444800", "2038-01-19T03:14:07Z"},
         {"99999999999999999999999999", "2038-01-19T03:14:07Z"},
@@ -168,23 +168,23 @@ TEST(LogOutput, LeavesOutAFileLineWithoutATAB) {
     EXPECT_THAT(read(block("m\n") + "\nnonsense\n", true), ElementsAre(ann + "m|{}"));
 }
 
-/// The header ends with the first such byte, the list of files begins behind the last one: so a
-/// message that holds the byte is cut there, and its files are still right.
-TEST(LogOutput, CutsAMessageAtTheByteThatEndsAHeader) {
+/// The header ends with the first such byte, and the list of files begins after the last one. A
+/// message with that byte is cut, but its files are correct.
+TEST(LogOutput, EndsAMessageAtTheByteThatEndsAHeader) {
     EXPECT_THAT(read(block("before\x01 after\nM\tnone\n") + "\nM\ta\n", true),
                 ElementsAre(ann + "before|{a = 4}"));
     EXPECT_THAT(read(block("\x01\x01")), ElementsAre(ann));
 }
 
-/// Then the header is read as the list of files too; git always prints the byte.
-TEST(LogOutput, TakesABlockWithoutTheEndOfAHeaderForBoth) {
+/// The header is also parsed as the list of files then; git always prints the byte.
+TEST(LogOutput, UsesABlockWithoutHeaderEndForBothParts) {
     std::string whole = block("m\nM\ta\n");
     whole.pop_back();
     EXPECT_THAT(read(whole, true), ElementsAre(ann + "m\nM\ta|{a = 4}"));
     EXPECT_THAT(read(whole, false), ElementsAre(ann + "m\nM\ta"));
 }
 
-TEST(LogOutput, FillsMissingHeaderLinesWithNothing) {
+TEST(LogOutput, TreatsMissingHeaderLinesAsEmpty) {
     using std::string_literals::operator""s;
     EXPECT_THAT(read("\0abc"s), ElementsAre("abc|||1970-01-01T00:00:00Z|"));
     EXPECT_THAT(read("\0abc\nAnn\x01\nM\ta"s, true),
@@ -196,7 +196,7 @@ TEST(LogOutput, FillsMissingHeaderLinesWithNothing) {
                 ElementsAre("text before|||1970-01-01T00:00:00Z|", "h|a|e|1970-01-01T00:00:05Z|m"));
 }
 
-TEST(LogOutput, LeavesOutACommitWhoseHeaderIsNotUTF8AndNamesIt) {
+TEST(LogOutput, OmitsAndReportsACommitThatIsNotUTF8) {
     using std::string_literals::operator""s;
     const std::string output = block("one\n") + "\n" +
                                block("raw \xE4 byte\n", "1", "0123456789abcdef") + "\n" +
@@ -212,7 +212,7 @@ TEST(LogOutput, LeavesOutACommitWhoseHeaderIsNotUTF8AndNamesIt) {
     EXPECT_THAT(read("\0no header \xE4"s, true), IsEmpty());
 }
 
-TEST(LogOutput, SpellsAPathThatIsNotUTF8InGitsQuotes) {
+TEST(LogOutput, QuotesAPathThatIsNotUTF8) {
     const std::pair<std::string, std::string> paths[] = {
         {"lat\xE4.txt", R"("lat\344.txt")"},
         {"\xFF", R"("\377")"},
@@ -241,7 +241,7 @@ TEST(LogOutput, SpellsAPathThatIsNotUTF8InGitsQuotes) {
     EXPECT_THAT(read(block("m\n") + "\nM\t\xE4\n", false), ElementsAre(ann + "m"));
 }
 
-/// Reads it as it arrives from a child, in pieces of about this size.
+/// Parses the output as it arrives from a child, in chunks of about this size.
 std::vector<std::string> readAhead(const std::string& output, std::size_t pieceSize) {
     GitLogOperation operation(logRequest(true));
     for (std::size_t size = pieceSize; size < output.size(); size += pieceSize) {
@@ -258,7 +258,7 @@ std::vector<std::string> readAhead(const std::string& output, std::size_t pieceS
     return texts;
 }
 
-TEST(LogOutput, IsTheSameWhenItIsReadAsItArrives) {
+TEST(LogOutput, IsTheSameWhenParsedIncrementally) {
     std::string output;
     for (int i = 0; i < 8000; ++i) {
         output += block("message " + std::to_string(i) + (i % 7 == 0 ? " \xE4" : "\n\nbody\n"));
@@ -274,13 +274,13 @@ TEST(LogOutput, IsTheSameWhenItIsReadAsItArrives) {
     for (const std::size_t pieceSize : {70'001U, 300'000U, 1'000'000U}) {
         EXPECT_EQ(readAhead(output, pieceSize), whole) << pieceSize;
     }
-    // A piece may end just behind a NUL byte, or just before one.
+    // A chunk may end before or after a NUL byte.
     for (const std::size_t place : {output.rfind('\0'), output.rfind('\0') + 1}) {
         EXPECT_EQ(readAhead(output, place), whole) << place;
     }
 }
 
-TEST(LogOutput, OfALongLogThatFailsAtItsEndStandsBesideTheError) {
+TEST(LogOutput, IsKeptBesideAnErrorAtTheEnd) {
     const test::TemporaryFolder folder;
     std::string output;
     for (int i = 0; i < 8000; ++i) {
@@ -299,7 +299,7 @@ TEST(LogOutput, OfALongLogThatFailsAtItsEndStandsBesideTheError) {
     EXPECT_EQ(*operation.data(), output);
 }
 
-TEST(LogOutput, OfACommitWithVeryManyFilesIsReadInOneGo) {
+TEST(LogOutput, ParsesACommitWithVeryManyFiles) {
     std::string output = block("m\n") + "\n";
     for (int i = 0; i < 200000; ++i) {
         output += "A\tfolder/file" + std::to_string(i) + "\n";

@@ -39,7 +39,7 @@ std::shared_ptr<NEBSourceControlRequest> mergeBase(NEBValue starting, NEBValue e
 
 // ---- the command lines ------------------------------------------------------------------------
 
-TEST(MergeArguments, MergeTheEndingRevisionOrElseTheDestination) {
+TEST(MergeArguments, NameTheEndingRevisionOrTheDestination) {
     EXPECT_THAT(GitMergeOperation(merge("v2", "topic")).arguments(),
                 ElementsAre("merge", "-s", "recursive", "-X", "ours", "v2"));
     EXPECT_THAT(GitMergeOperation(merge({}, "topic")).arguments(),
@@ -51,9 +51,8 @@ TEST(MergeArguments, MergeTheEndingRevisionOrElseTheDestination) {
         << "no default arguments";
 }
 
-/// git itself then merges what the branch tracks, which is what an update without more to say
-/// wants.
-TEST(MergeArguments, MayHoldNoTargetAtAll) {
+/// git then merges the upstream branch, as an update without a target requires.
+TEST(MergeArguments, MayHaveNoTarget) {
     EXPECT_THAT(GitMergeOperation(merge({}, {})).arguments(),
                 ElementsAre("merge", "-s", "recursive", "-X", "ours"));
 }
@@ -85,7 +84,7 @@ struct ExpectedReport {
     const char* condition;
 };
 
-TEST(MergeBaseArguments, ARevisionThatIsNoNonEmptyStringIsReported) {
+TEST(MergeBaseArguments, ReportAnythingButANonEmptyString) {
     const ExpectedReport expected[] = {
         {{},
          "b",
@@ -143,12 +142,12 @@ TEST(MergeBaseOutput, IsTheRevisionCutToTwelveCharacters) {
     EXPECT_EQ(baseIn("0123456789ab"), "0123456789ab");
 }
 
-TEST(MergeBaseOutput, OfSeveralLinesGivesWhatStandsBehindTheLastLineEnd) {
+TEST(MergeBaseOutput, OfSeveralLinesIsTheTextAfterTheLastLineEnd) {
     EXPECT_EQ(baseIn("one\ntwo"), "two");
     EXPECT_EQ(baseIn("one\ntwo\n"), "") << "of several lines, the last line end is kept";
 }
 
-TEST(MergeBaseOutput, OfNothingIsNoResult) {
+TEST(MergeBaseOutput, WithoutTextHasNoResult) {
     EXPECT_EQ(baseIn(""), "(no result)");
     EXPECT_EQ(baseIn(std::nullopt), "(no result)");
 }
@@ -157,7 +156,7 @@ TEST(MergeBaseOutput, OfNothingIsNoResult) {
 
 class MergeInRepository : public test::HygienicTest {
 protected:
-    /// main and topic have both changed since they parted.
+    /// main and topic have diverged.
     void SetUp() override {
         HygienicTest::SetUp();
         repository.commitFile("a", "1\n2\n3\n");
@@ -189,7 +188,7 @@ protected:
     std::string parting;
 };
 
-TEST_F(MergeInRepository, BringsBothSidesTogether) {
+TEST_F(MergeInRepository, MergesBothSides) {
     const auto operation = mergeIn("topic");
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
@@ -201,7 +200,7 @@ TEST_F(MergeInRepository, BringsBothSidesTogether) {
     EXPECT_EQ(head(), merged);
 }
 
-TEST_F(MergeInRepository, SettlesAHunkInConflictToTheCurrentBranch) {
+TEST_F(MergeInRepository, ResolvesConflictsInFavourOfTheCurrentBranch) {
     commitOn("topic", "a", "1\ntopic\n3\n");
     commitOn("main", "a", "1\nmain\n3\n");
     EXPECT_EQ(mergeIn("topic")->error(), std::nullopt);
@@ -209,8 +208,8 @@ TEST_F(MergeInRepository, SettlesAHunkInConflictToTheCurrentBranch) {
     EXPECT_EQ(repository.git({"rev-parse", "HEAD:a"}), repository.git({"hash-object", "expected"}));
 }
 
-/// git tells of it on standard output alone and says nothing on standard error.
-TEST_F(MergeInRepository, AConflictThatCannotBeSettledIsAnError) {
+/// git reports it on standard output only.
+TEST_F(MergeInRepository, ReportsAnUnresolvableConflict) {
     repository.git({"rm", "-q", "b"});
     repository.git({"commit", "-qm", "without b"});
     commitOn("topic", "b", "changed\n");
@@ -226,7 +225,7 @@ TEST_F(MergeInRepository, AConflictThatCannotBeSettledIsAnError) {
                 HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
 }
 
-TEST_F(MergeInRepository, ThatWouldOverwriteLocalChangesLosesNothing) {
+TEST_F(MergeInRepository, KeepsLocalChangesThatItWouldOverwrite) {
     commitOn("topic", "a", "topic\n");
     repository.write("a", "mine\n");
     const auto operation = mergeIn("topic");
@@ -236,7 +235,7 @@ TEST_F(MergeInRepository, ThatWouldOverwriteLocalChangesLosesNothing) {
     EXPECT_EQ(status(), " M a\n");
 }
 
-TEST_F(MergeInRepository, OfSomethingUnknownOrUnrelatedSaysSo) {
+TEST_F(MergeInRepository, ReportsAnUnknownOrUnrelatedTarget) {
     EXPECT_THAT(mergeIn("nosuch")->error(),
                 HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     repository.git({"checkout", "-q", "--orphan", "island"});
@@ -246,19 +245,19 @@ TEST_F(MergeInRepository, OfSomethingUnknownOrUnrelatedSaysSo) {
                 HasErrorClass(NEBSourceControlUnrelatedHistoriesErrorClass));
 }
 
-TEST_F(MergeInRepository, WithoutATargetOrAnUpstreamSaysSo) {
+TEST_F(MergeInRepository, ReportsAMissingTargetAndUpstream) {
     EXPECT_THAT(perform(merge({}, {}, repository.path()))->error(),
                 HasErrorClass(NEBSourceControlNoUpstreamErrorClass));
 }
 
-TEST_F(MergeInRepository, WithoutATargetMergesWhatTheBranchTracks) {
+TEST_F(MergeInRepository, MergesTheUpstreamWithoutATarget) {
     repository.git({"config", "branch.main.remote", "."});
     repository.git({"config", "branch.main.merge", "refs/heads/topic"});
     EXPECT_EQ(perform(merge({}, {}, repository.path()))->error(), std::nullopt);
     EXPECT_EQ(repository.git({"ls-files"}), "a\nb\nm\nt\n");
 }
 
-TEST_F(MergeInRepository, ThatAHookRefusesSaysSoWhateverTheHookSays) {
+TEST_F(MergeInRepository, ReportsAHookThatRefusesWhateverItPrints) {
     hook("echo 'fatal: bad revision x' >&2; exit 1");
     const auto operation = mergeIn("topic");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
@@ -268,7 +267,7 @@ TEST_F(MergeInRepository, ThatAHookRefusesSaysSoWhateverTheHookSays) {
                                      "repository refused the commit."));
 }
 
-TEST_F(MergeInRepository, FindsWhereTwoParted) {
+TEST_F(MergeInRepository, FindsTheMergeBase) {
     const auto operation = perform(mergeBase("main", "topic", repository.path()));
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result()->front().value(NEBSourceControlOperationRevisionKey),
@@ -279,7 +278,7 @@ TEST_F(MergeInRepository, FindsWhereTwoParted) {
               NEBValue(head().substr(0, 12)));
 }
 
-TEST_F(MergeInRepository, FindsNothingWhereTwoNeverMet) {
+TEST_F(MergeInRepository, FindsNoMergeBaseOfUnrelatedHistories) {
     repository.git({"checkout", "-q", "--orphan", "island"});
     repository.git({"commit", "-qm", "island"});
     const auto operation = perform(mergeBase("main", "island", repository.path()));
@@ -287,7 +286,7 @@ TEST_F(MergeInRepository, FindsNothingWhereTwoNeverMet) {
     EXPECT_EQ(operation->result(), std::nullopt);
 }
 
-TEST_F(MergeInRepository, ABaseWithSomethingUnknownSaysSo) {
+TEST_F(MergeInRepository, ReportsAMergeBaseOfAnUnknownRevision) {
     EXPECT_THAT(perform(mergeBase("main", "nosuch", repository.path()))->error(),
                 HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }

@@ -175,7 +175,7 @@ TEST_F(NewRepository, ThatGitFailsToMakeLeavesTheListAlone) {
     EXPECT_EQ(folder.read("new/.git/info/exclude"), "kept");
 }
 
-/// The command runs quietly: whatever it prints means that it failed.
+/// The command is quiet: any output means that it failed.
 TEST_F(NewRepository, IsAFailureWhenGitPrintsAnything) {
     fs::create_directories(path("new/.git/info"));
     const std::string git = folder.writeProgram("git", "#!/bin/sh\nprintf 'one\\ntwo\\n'\n");

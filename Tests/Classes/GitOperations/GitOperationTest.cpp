@@ -23,7 +23,7 @@ std::optional<std::string> folderFor(std::optional<std::string> location) {
         .currentDirectoryPath();
 }
 
-TEST(GitWorkingDirectory, IsWhatTheLocationNames) {
+TEST(GitWorkingDirectory, IsTheLocation) {
     EXPECT_EQ(folderFor("/Users/x/project"), "/Users/x/project");
     EXPECT_EQ(folderFor("file:///Users/x/project"), "/Users/x/project");
     EXPECT_EQ(folderFor("file:///Users/x/my%20project"), "/Users/x/my project");
@@ -47,7 +47,7 @@ std::vector<std::string> defaultArguments(std::optional<NEBDictionary> options) 
     return GitOperation(request).defaultArguments();
 }
 
-TEST(GitDefaultArguments, PointAtTheRepositoryAndThenAtTheWorkTree) {
+TEST(GitDefaultArguments, NameTheRepositoryThenTheWorkTree) {
     const std::string home = std::getenv("HOME");
     // The work tree's tilde is kept on purpose.
     EXPECT_THAT(defaultArguments(
@@ -62,13 +62,13 @@ TEST(GitDefaultArguments, PointAtTheRepositoryAndThenAtTheWorkTree) {
         ElementsAre("--work-tree=/w"));
 }
 
-TEST(GitDefaultArguments, AreNoneWithoutTheirOptions) {
+TEST(GitDefaultArguments, AreEmptyWithoutOptions) {
     EXPECT_THAT(defaultArguments(std::nullopt), IsEmpty());
     EXPECT_THAT(defaultArguments(NEBDictionary{{NEBSourceControlRequestOptionBranch, "b"}}),
                 IsEmpty());
 }
 
-TEST(GitOperationClass, IsMadeFromARequestAlone) {
+TEST(GitOperationClass, NeedsOnlyARequest) {
     EXPECT_EQ(initWithRequest<GitOperation>(nullptr), nullptr);
     const auto operation =
         initWithRequest<GitOperation>(requestFor(NEBSourceControlRequestStatus, "/w"));
@@ -76,7 +76,7 @@ TEST(GitOperationClass, IsMadeFromARequestAlone) {
     EXPECT_THAT(operation->arguments(), IsEmpty());
 }
 
-TEST(GitLaunchPath, IsLookedUpOnceForTheProcess) {
+TEST(GitLaunchPath, IsSearchedOncePerProcess) {
     std::set<std::string> paths;
     std::vector<std::thread> threads;
     std::mutex mutex;

@@ -16,7 +16,7 @@ TEST(RecentTexts, ShareOneValueForEqualTexts) {
     EXPECT_EQ(texts.value(""), NEBValue(""));
 }
 
-TEST(RecentTexts, AreRightHoweverManyThereAre) {
+TEST(RecentTexts, AreCorrectForAnyNumberOfTexts) {
     for (const std::size_t room : {std::size_t{0}, std::size_t{1000}, ~std::size_t{0} / 2}) {
         GitRecentTexts texts(room);
         for (int round = 0; round < 2; ++round) {

@@ -45,7 +45,7 @@ NEBDictionary remote(const std::string& name, const std::string& location,
 
 // ---- the command lines ------------------------------------------------------------------------
 
-TEST(RemoteArguments, StandBehindTheDefaultArguments) {
+TEST(RemoteArguments, FollowTheDefaultArguments) {
     EXPECT_THAT(
         GitListStandardRemotesOperation(request(NEBSourceControlRequestListRemotes)).arguments(),
         ElementsAre("remote", "-v"));
@@ -64,7 +64,7 @@ TEST(RemoteArguments, StandBehindTheDefaultArguments) {
         ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
 }
 
-TEST(RemoteArguments, LeaveOutWhatIsMissing) {
+TEST(RemoteArguments, OmitMissingValues) {
     EXPECT_THAT(GitAddRemoteOperation(request(NEBSourceControlRequestAddRemote)).arguments(),
                 ElementsAre("remote", "add"));
     EXPECT_THAT(GitAddRemoteOperation(
@@ -85,8 +85,8 @@ std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output
     return operation.result();
 }
 
-/// The last record stands for the end of the output; hosts count on it.
-TEST(RemoteOutput, HasARecordForEachDirectionAndAnEmptyOneForTheEnd) {
+/// The last record is empty, which hosts rely on.
+TEST(RemoteOutput, HasARecordPerDirectionAndAnEmptyOneAtTheEnd) {
     EXPECT_EQ(resultOf("origin\thttps://h/p.git (fetch)\norigin\thttps://h/p.git (push)\n"
                        "mirror\t/m.git (fetch)\nmirror\t/m.git (push)\n"),
               (NEBSourceControlResult{remote("origin", "https://h/p.git", "fetch"),
@@ -100,13 +100,13 @@ TEST(RemoteOutput, CutsALocationAtItsFirstBlank) {
               (NEBSourceControlResult{remote("a", "/my"), NEBDictionary()}));
 }
 
-TEST(RemoteOutput, OfAnyOtherDirectionHasNoType) {
+TEST(RemoteOutput, HasNoTypeForOtherDirections) {
     EXPECT_EQ(resultOf("a\t/r (fetch) [blob:none]\nb\t/r (push) \nc\t/r (pull)\nd\t/r "),
               (NEBSourceControlResult{remote("a", "/r"), remote("b", "/r"), remote("c", "/r"),
                                       remote("d", "/r")}));
 }
 
-TEST(RemoteOutput, LeavesOutWhatIsNotThere) {
+TEST(RemoteOutput, OmitsMissingParts) {
     const NEBDictionary nameAlone{{NEBSourceControlOperationRemoteNameKey, "a"}};
     const NEBDictionary locationAlone{{NEBSourceControlOperationRemoteOriginKey, "/r"}};
     const NEBDictionary typeAlone{{NEBSourceControlOperationTypeKey, "push"}};
@@ -116,7 +116,7 @@ TEST(RemoteOutput, LeavesOutWhatIsNotThere) {
     EXPECT_EQ(resultOf("\t (push)"), NEBSourceControlResult{typeAlone});
 }
 
-TEST(RemoteOutput, OfNothingIsNoResult) {
+TEST(RemoteOutput, WithoutTextHasNoResult) {
     EXPECT_EQ(resultOf(""), std::nullopt);
     EXPECT_EQ(resultOf(std::nullopt), std::nullopt);
 }
@@ -156,11 +156,11 @@ TEST_F(Remotes, AreAddedListedAndRemoved) {
     EXPECT_EQ(repository.git({"remote"}), "origin\n");
 }
 
-TEST_F(Remotes, OfARepositoryWithoutAnyAreAnEmptyResult) {
+TEST_F(Remotes, AreEmptyWithoutRemotes) {
     EXPECT_EQ(run(NEBSourceControlRequestListRemotes)->result(), NEBSourceControlResult{});
 }
 
-TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
+TEST_F(Remotes, EndWithTheSubversionRepository) {
     repository.git({"remote", "add", "origin", "/o.git"});
     repository.git({"config", "svn-remote.svn.url", "svn://h/p"});
     repository.git({"config", "svn-remote.svn.fetch", "trunk:refs/remotes/svn/trunk"});
@@ -176,7 +176,7 @@ TEST_F(Remotes, HaveTheSubversionRepositoryBehindThem) {
                                 {NEBSourceControlOperationTypeKey, "fetch"}}}));
 }
 
-TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
+TEST_F(Remotes, ThatCannotBeListedAreAnErrorWithoutFurtherCommands) {
     const test::TemporaryFolder folder;
     const auto list = perform(request(NEBSourceControlRequestListRemotes, {}, {}, folder.path()));
     EXPECT_THAT(list->error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
@@ -184,9 +184,9 @@ TEST_F(Remotes, ThatCannotBeListedAreAnErrorAndNothingElseRuns) {
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
 }
 
-/// The standard remotes are read from the source tree, the Subversion one from the file's folder:
-/// there the question fails.
-TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
+/// The remotes are read in the source tree, the Subversion repository in the folder of the file,
+/// where the query fails.
+TEST_F(Remotes, AreListedIfTheSubversionQueryFails) {
     repository.git({"remote", "add", "origin", "/o.git"});
     const TestRepository broken;
     broken.write(".git/config", "[core\n");
@@ -200,7 +200,7 @@ TEST_F(Remotes, StandThoughTheSubversionQuestionFails) {
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing, svnURL));
 }
 
-TEST_F(Remotes, ThatCannotBeAddedOrRemovedSayWhy) {
+TEST_F(Remotes, ReportFailedChanges) {
     repository.git({"remote", "add", "origin", "/o.git"});
     EXPECT_THAT(run(NEBSourceControlRequestAddRemote, "origin", valuesOf({"/x"}))->error(),
                 HasErrorClass(NEBSourceControlRemoteExistsErrorClass));

@@ -8,7 +8,7 @@
 namespace neb {
 namespace {
 
-TEST(ShellText, LeavesOrdinaryNamesAsTheyAre) {
+TEST(ShellText, KeepsOrdinaryNames) {
     for (const char* name : {"", "src", "src/lib", "/home/me/project-1.0_x86+y/a,b@c:d=e%f^g",
                              "\xC3\xA4\xE6\x97\xA5", "a~", "a/~b", "-x", "."}) {
         EXPECT_EQ(gitShellPattern(name), name);
@@ -21,7 +21,7 @@ TEST(ShellText, LetsAPatternSplitAtBlanksAndExpand) {
     EXPECT_EQ(gitShellWord("a b\tc*?[d]"), "a\\ b\\\tc\\*\\?\\[d\\]");
 }
 
-TEST(ShellText, EscapesWhatTheShellWouldActUpon) {
+TEST(ShellText, EscapesSpecialCharacters) {
     for (const char character : std::string(";&|<>()$`\"'\\#!{}")) {
         const std::string text = std::string("a") + character + "b";
         EXPECT_EQ(gitShellPattern(text), std::string("a\\") + character + "b");
@@ -33,14 +33,14 @@ TEST(ShellText, EscapesWhatTheShellWouldActUpon) {
     EXPECT_EQ(gitShellPattern("\n"), "'\n'");
 }
 
-/// What the shell makes of a word, between brackets.
+/// Returns the arguments that the shell passes on, each in brackets.
 std::string wordsByShell(const std::string& text) {
     return std::string(
         test::runOne(test::shell("for word in " + text + "; do printf '[%s]' \"$word\"; done"))
             .output);
 }
 
-TEST(ShellText, IsWhatTheShellReads) {
+TEST(ShellText, IsReadByTheShellAsIntended) {
     std::string everyByte;
     for (int byte = 1; byte < 256; ++byte) {
         everyByte += static_cast<char>(byte);

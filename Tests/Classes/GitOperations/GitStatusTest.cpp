@@ -54,7 +54,7 @@ TEST_F(LogMessages, StatusLettersHaveTheHostsValues) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(LogMessages, OtherLettersAreLoggedAndNothing) {
+TEST_F(LogMessages, LogUnknownLettersWithoutAStatus) {
     for (const char* letters : {"X", "", "!!", "a", "XA", "\xC3\x84"}) {
         EXPECT_EQ(nebgit_sourceControlStatus(letters), 0U) << letters;
     }
@@ -66,7 +66,7 @@ TEST_F(LogMessages, OtherLettersAreLoggedAndNothing) {
                                       "ERROR: status value not handled for WC: \xC3\x84"));
 }
 
-TEST_F(LogMessages, WithLoggingOffNothingIsLogged) {
+TEST_F(LogMessages, AreAbsentWithLoggingOff) {
     aspect.logLevel = 0;
     EXPECT_EQ(nebgit_sourceControlStatus("X"), 0U);
     EXPECT_THAT(messages, IsEmpty());
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---- the operation: its command and its output ------------------------------------------------
 
-TEST(StatusOperation, AsksForTheWholeWorkingCopyOrForOnePath) {
+TEST(StatusOperation, CoversTheWorkingCopyOrOnePath) {
     auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
                                      {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
@@ -170,7 +170,7 @@ TEST(StatusOperation, MakesARecordOfEachLine) {
                 ElementsAre("4 /w/one", "4 /w/no line end"));
 }
 
-TEST(StatusOperation, NoOutputIsAnEmptyResult) {
+TEST(StatusOperation, WithoutOutputIsAnEmptyResult) {
     EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"), "")),
                 IsEmpty());
     EXPECT_THAT(
@@ -180,7 +180,7 @@ TEST(StatusOperation, NoOutputIsAnEmptyResult) {
                 IsEmpty());
 }
 
-TEST(StatusOperation, ASourceTreeThatIsNotValidHasNoRecords) {
+TEST(StatusOperation, OfAnInvalidSourceTreeHasNoRecords) {
     auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     request->sourceTree->isValid = false;
     EXPECT_THAT(textsOf(resultOfOutput(request, " M a.txt\n")), IsEmpty());
@@ -188,13 +188,13 @@ TEST(StatusOperation, ASourceTreeThatIsNotValidHasNoRecords) {
     EXPECT_THAT(textsOf(resultOfOutput(request, " M a.txt\n")), IsEmpty());
 }
 
-TEST(StatusOperation, WithoutALocationPathsAreGits) {
+TEST(StatusOperation, WithoutALocationHasThePathsOfGit) {
     EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, std::nullopt),
                                        " M a.txt\nM  b\n")),
                 ElementsAre("4 a.txt", "4 b"));
 }
 
-TEST(StatusOperation, BytesThatAreNoTextAreReplaced) {
+TEST(StatusOperation, ReplacesInvalidBytes) {
     EXPECT_THAT(textsOf(resultOfOutput(requestFor(NEBSourceControlRequestStatus, "/w"),
                                        "?? J\xFC\n?? b\n")),
                 ElementsAre("256 /w/J\xEF\xBF\xBD", "256 /w/b"));

@@ -39,7 +39,7 @@ TEST(SubversionArguments, AreFixedAndWithoutDefaultArguments) {
         ElementsAre("rebase", "-s", "recursive", "-X", "ours", "refs/remotes/git-svn"));
 }
 
-TEST(SubversionArguments, TheNameIsAskedForWhereTheOneFileIs) {
+TEST(SubversionArguments, ReadTheNameInTheFolderOfTheOnlyFile) {
     const auto folderFor = [](std::optional<std::vector<NEBValue>> files) {
         auto asked = request(NEBSourceControlRequestListRemotes);
         asked->files = std::move(files);
@@ -52,7 +52,7 @@ TEST(SubversionArguments, TheNameIsAskedForWhereTheOneFileIs) {
     EXPECT_EQ(folderFor(std::nullopt), "/w");
 }
 
-TEST(SubversionArguments, ARebaseOntoNothingIsReportedAndGoesOn) {
+TEST(SubversionArguments, ReportARebaseWithoutTarget) {
     const ReportCollector collector;
     EXPECT_THAT(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate)).arguments(),
                 ElementsAre("rebase", "-s", "recursive", "-X", "ours"));
@@ -100,7 +100,7 @@ TEST(SubversionName, IsTheLastComponentOfTheReference) {
     EXPECT_EQ(nameIn("x"), name("x"));
 }
 
-TEST(SubversionName, OfNoComponentIsAnEmptyRecord) {
+TEST(SubversionName, WithoutComponentIsAnEmptyRecord) {
     EXPECT_EQ(nameIn("trunk:\n"), NEBSourceControlResult{NEBDictionary()});
     EXPECT_EQ(nameIn("\n"), NEBSourceControlResult{NEBDictionary()});
     EXPECT_EQ(nameIn(""), std::nullopt);
@@ -117,7 +117,7 @@ struct SubversionFetched {
     GitSvnFetchOperation operation;
 };
 
-TEST(SubversionFetchOutput, ForgivesWhatTheBridgeSaysAsAMatterOfCourse) {
+TEST(SubversionFetchOutput, IgnoresTheUsualMessagesOfTheBridge) {
     for (const char* harmless :
          {"Couldn't find revmap for svn://h/p\n", "W: -empty_dir: keep\nmore\n",
           "Found possible branch point: x => y, 4\nz\nSuccessfully followed parent\n"}) {
@@ -127,7 +127,7 @@ TEST(SubversionFetchOutput, ForgivesWhatTheBridgeSaysAsAMatterOfCourse) {
     }
 }
 
-TEST(SubversionFetchOutput, LeavesEverythingElseAsItIs) {
+TEST(SubversionFetchOutput, KeepsOtherMessages) {
     for (const char* kept : {"Found possible branch point: x => y, 4\n", " Couldn't find revmap\n",
                              "Successfully followed parent\nFound possible branch point\n",
                              "W: +empty_dir: hollow\n", ""}) {
@@ -179,7 +179,7 @@ TEST_F(SubversionRemote, IsOneRecord) {
     EXPECT_NE(operation->operationQueue(), nullptr);
 }
 
-TEST_F(SubversionRemote, WithoutANameHasTheRestAndIsReported) {
+TEST_F(SubversionRemote, WithoutANameIsReportedAndHasTheOtherEntries) {
     configure("url", "svn://h/p");
     const ReportCollector collector;
     EXPECT_EQ(list()->result(),
@@ -199,7 +199,7 @@ TEST_F(SubversionRemote, WithoutANameHasTheRestAndIsReported) {
     EXPECT_EQ(report.condition, condition);
 }
 
-TEST_F(SubversionRemote, ThatIsNotThereIsAnEmptyResult) {
+TEST_F(SubversionRemote, ThatDoesNotExistIsAnEmptyResult) {
     EXPECT_EQ(list()->result(), NEBSourceControlResult{});
     EXPECT_EQ(list()->error(), std::nullopt);
     configure("fetch", "trunk:refs/remotes/origin/trunk");
@@ -208,7 +208,7 @@ TEST_F(SubversionRemote, ThatIsNotThereIsAnEmptyResult) {
     EXPECT_EQ(collector.reports().size(), 1U);
 }
 
-TEST_F(SubversionRemote, EndsWithTheFirstQuestionsError) {
+TEST_F(SubversionRemote, StopsAtAnErrorOfTheFirstQuery) {
     repository.write(".git/config", "[core\n");
     const auto operation = list();
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlConfigurationBrokenErrorClass));

@@ -47,7 +47,7 @@ TEST(AddArguments, AreTheWholeWorkingCopyWithoutDestinationOrFiles) {
                 ElementsAre("add", "--", "."));
 }
 
-TEST(AddArguments, AreTheDestinationAloneWhereThereIsOne) {
+TEST(AddArguments, AreOnlyTheDestinationIfSet) {
     EXPECT_THAT(
         GitAddOperation(request(NEBSourceControlRequestAdd, valuesOf({"/w/a", "/w/b"}), "/w/there"))
             .arguments(),
@@ -59,14 +59,14 @@ TEST(AddArguments, AreTheDestinationAloneWhereThereIsOne) {
         << "no slash is put behind a destination";
 }
 
-TEST(AddArguments, StandBehindTheDefaultArguments) {
+TEST(AddArguments, FollowTheDefaultArguments) {
     auto asked = request(NEBSourceControlRequestAddFiles, valuesOf({"/r/a"}));
     asked->options = bothPaths;
     EXPECT_THAT(GitAddOperation(asked).arguments(),
                 ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "add", "--", "/r/a"));
 }
 
-TEST(AddArguments, FoldersGetASlashAndNothingElseDoes) {
+TEST(AddArguments, AppendASlashToFolders) {
     const test::TemporaryFolder folder;
     fs::create_directory(folder.path("Sources"));
     folder.write("a.c", "a");
@@ -82,7 +82,7 @@ TEST(AddArguments, FoldersGetASlashAndNothingElseDoes) {
         << "in the order given; a path with a slash is not looked up";
 }
 
-TEST(AddArguments, TheEmptyNameIsPassedOnUnchanged) {
+TEST(AddArguments, KeepTheEmptyName) {
     const test::TemporaryFolder folder;
     for (const std::int32_t type : {NEBSourceControlRequestAdd, NEBSourceControlRequestAddFiles}) {
         EXPECT_THAT(GitAddOperation(request(type, valuesOf({""}), {}, folder.path())).arguments(),
@@ -91,7 +91,7 @@ TEST(AddArguments, TheEmptyNameIsPassedOnUnchanged) {
     }
 }
 
-TEST(AddArguments, AFileThatIsNoStringIsReportedAndTheWorkGoesOn) {
+TEST(AddArguments, ReportAFileThatIsNotAString) {
     const ReportCollector collector;
     const GitAddOperation operation(request(NEBSourceControlRequestAddFiles,
                                             std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
@@ -130,7 +130,7 @@ TEST(RemoveArguments, AreAlwaysByForceAndRecursive) {
         << "a file that is missing must not stand for one of some name";
 }
 
-/// Further files are left alone on purpose: a move has one destination, a new name.
+/// A move has one destination, so that further files are ignored on purpose.
 TEST(MoveArguments, AreTheFirstFileAndTheDestination) {
     EXPECT_THAT(GitMoveOperation(request(NEBSourceControlRequestMove,
                                          valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d"))
@@ -165,15 +165,15 @@ TEST_F(TrackedFiles, AnAddStagesFilesAndFolders) {
     repository.write("src/deep/a.c", "a");
     repository.write("b.c", "b");
     repository.write("c.c", "c");
-    const auto operation = run(6, {"src", "b.c"});
+    const auto operation = run(NEBSourceControlRequestAddFiles, {"src", "b.c"});
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_EQ(tracked(), "b.c\nsrc/deep/a.c\n");
-    EXPECT_EQ(run(0, {})->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestAdd, {})->error(), std::nullopt);
     EXPECT_EQ(tracked(), "b.c\nc.c\nsrc/deep/a.c\n");
 }
 
-TEST_F(TrackedFiles, AnAddThroughRepositoryAndWorkTreeNeedsNoFolder) {
+TEST_F(TrackedFiles, AddWithRepositoryAndWorkTreeNeedsNoFolder) {
     repository.write("a", "a");
     auto asked = requestFor(NEBSourceControlRequestAddFiles, std::nullopt);
     asked->files = valuesOf({repository.path("a")});
@@ -184,54 +184,56 @@ TEST_F(TrackedFiles, AnAddThroughRepositoryAndWorkTreeNeedsNoFolder) {
     EXPECT_EQ(tracked(), "a\n");
 }
 
-TEST_F(TrackedFiles, AnAddOfNothingIsAnErrorAndAddsNothing) {
+TEST_F(TrackedFiles, ReportAnAddOfAMissingFile) {
     repository.write("a", "a");
-    const auto operation = run(6, {"a", "nothing"});
+    const auto operation = run(NEBSourceControlRequestAddFiles, {"a", "nothing"});
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-71, "This file does not exist in the index."));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
     EXPECT_EQ(tracked(), "");
 }
 
-TEST_F(TrackedFiles, AnIgnoredFileIsAnErrorThatNamesIt) {
+TEST_F(TrackedFiles, ReportAnIgnoredFileByName) {
     repository.write(".gitignore", "*.o\n");
     repository.write("x.o", "x");
-    const auto operation = run(6, {"x.o"});
+    const auto operation = run(NEBSourceControlRequestAddFiles, {"x.o"});
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "An ignore rule excludes the files."));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathIgnoredErrorClass));
 }
 
-TEST_F(TrackedFiles, AWarningOfASuccessfulAddIsNoError) {
+TEST_F(TrackedFiles, IgnoreAWarningOfASuccessfulAdd) {
     repository.git({"config", "core.autocrlf", "input"});
     repository.write("crlf.txt", "a\r\nb\r\n");
-    EXPECT_EQ(run(6, {"crlf.txt"})->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestAddFiles, {"crlf.txt"})->error(), std::nullopt);
     EXPECT_EQ(tracked(), "crlf.txt\n");
 }
 
-TEST_F(TrackedFiles, AnotherGitThatHoldsTheIndexIsAClearError) {
+TEST_F(TrackedFiles, ReportALockedIndex) {
     repository.write("a", "a");
     repository.write(".git/index.lock", "");
-    EXPECT_THAT(run(6, {"a"})->error(), HasErrorClass(NEBSourceControlIndexLockedErrorClass));
+    EXPECT_THAT(run(NEBSourceControlRequestAddFiles, {"a"})->error(),
+                HasErrorClass(NEBSourceControlIndexLockedErrorClass));
 }
 
-TEST_F(TrackedFiles, NamesAreNamesAndNoPatterns) {
+TEST_F(TrackedFiles, TreatNamesLiterally) {
     for (const char* name : {"glob[1].txt", "glob1.txt", "star*.txt", "star2.txt", ":x"}) {
         repository.write(name, name);
     }
-    EXPECT_EQ(run(6, {"glob[1].txt", "star*.txt", ":x"})->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestAddFiles, {"glob[1].txt", "star*.txt", ":x"})->error(),
+              std::nullopt);
     EXPECT_EQ(tracked(), ":x\nglob[1].txt\nstar*.txt\n");
     repository.git({"add", "."});
-    EXPECT_EQ(run(5, {"glob[1].txt"})->error(), std::nullopt);
+    EXPECT_EQ(run(NEBSourceControlRequestRemove, {"glob[1].txt"})->error(), std::nullopt);
     EXPECT_TRUE(fs::exists(repository.path("glob1.txt"))) << "an innocent file is gone";
     EXPECT_EQ(tracked(), ":x\nglob1.txt\nstar*.txt\nstar2.txt\n");
 }
 
-TEST_F(TrackedFiles, ARemoveTakesFoldersAndChangedFiles) {
+TEST_F(TrackedFiles, RemoveFoldersAndChangedFiles) {
     repository.commitFile("src/a", "a");
     repository.commitFile("b", "b");
     repository.commitFile("c", "c");
     repository.write("b", "changed");
-    const auto operation = run(5, {"src", "b"});
+    const auto operation = run(NEBSourceControlRequestRemove, {"src", "b"});
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_EQ(tracked(), "c\n");
@@ -239,10 +241,10 @@ TEST_F(TrackedFiles, ARemoveTakesFoldersAndChangedFiles) {
     EXPECT_FALSE(fs::exists(repository.path("b")));
 }
 
-TEST_F(TrackedFiles, ARemoveOfAnUntrackedFileIsAnErrorAndRemovesNothing) {
+TEST_F(TrackedFiles, ReportARemovalOfAnUntrackedFile) {
     repository.commitFile("a", "a");
     repository.write("untracked", "u");
-    const auto operation = run(5, {"a", "untracked"});
+    const auto operation = run(NEBSourceControlRequestRemove, {"a", "untracked"});
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(-71, "This file does not exist in the index."));
     EXPECT_EQ(tracked(), "a\n");
@@ -250,17 +252,17 @@ TEST_F(TrackedFiles, ARemoveOfAnUntrackedFileIsAnErrorAndRemovesNothing) {
     EXPECT_TRUE(fs::exists(repository.path("untracked")));
 }
 
-TEST_F(TrackedFiles, AMoveTakesTheFirstFileAlone) {
+TEST_F(TrackedFiles, MoveOnlyTheFirstFile) {
     repository.commitFile("a", "a");
     repository.commitFile("b", "b");
-    const auto operation = run(11, {"a", "b"}, repository.path("c"));
+    const auto operation = run(NEBSourceControlRequestMove, {"a", "b"}, repository.path("c"));
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
     EXPECT_EQ(tracked(), "b\nc\n");
     EXPECT_FALSE(fs::exists(repository.path("a")));
 }
 
-TEST_F(TrackedFiles, AMoveThatCannotBeIsAnErrorThatSaysWhy) {
+TEST_F(TrackedFiles, ReportAnImpossibleMove) {
     repository.commitFile("a", "a");
     repository.commitFile("b", "b");
     repository.write("untracked", "u");
@@ -276,7 +278,8 @@ TEST_F(TrackedFiles, AMoveThatCannotBeIsAnErrorThatSaysWhy) {
           Case{"nothing", "x", -71, NEBSourceControlPathUnknownErrorClass},
           Case{"empty", "e2", -70, NEBSourceControlSourceDirectoryEmptyErrorClass},
           Case{"a", "no folder/a", -1, NEBSourceControlDestinationMissingErrorClass}}) {
-        const auto operation = run(11, {refused.from}, repository.path(refused.to));
+        const auto operation =
+            run(NEBSourceControlRequestMove, {refused.from}, repository.path(refused.to));
         EXPECT_THAT(operation->error(), IsSourceControlError(refused.code, testing::_))
             << refused.from;
         EXPECT_THAT(operation->error(), HasErrorClass(refused.errorClass)) << refused.from;

@@ -25,7 +25,7 @@ std::shared_ptr<NEBSourceControlRequest> trackingOf(const std::string& branch,
 
 // ---- the questions ----------------------------------------------------------------------------
 
-TEST(BranchSetting, IsAskedForByTheBranchsKeyBehindTheDefaultArguments) {
+TEST(BranchSetting, IsReadByTheKeyOfTheBranch) {
     EXPECT_THAT(GitRemoteRefForBranchOperation(trackingOf("a/b.c")).arguments(),
                 ElementsAre("config", "--get", "branch.a/b.c.remote"));
     EXPECT_THAT(GitMergeBranchForBranchOperation(trackingOf("a/b.c")).arguments(),
@@ -48,7 +48,7 @@ std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output
     return operation.result();
 }
 
-TEST(BranchSetting, IsOneRecordOrNone) {
+TEST(BranchSetting, HasOneRecordOrNoResult) {
     const NEBSourceControlResult expected{{{NEBSourceControlOperationNameKey, "origin"}}};
     EXPECT_EQ(resultOf<GitRemoteRefForBranchOperation>("origin\n"), expected);
     EXPECT_EQ(resultOf<GitMergeBranchForBranchOperation>("origin\n"), expected);
@@ -87,7 +87,7 @@ TEST_F(TrackingBranchName, IsTheRemoteAndTheLastComponent) {
     EXPECT_EQ(trackedBy("topic").front().value(NEBSourceControlOperationNameKey), NEBValue("x"));
 }
 
-TEST_F(TrackingBranchName, EndsAtTheFirstThatIsMissing) {
+TEST_F(TrackingBranchName, EndsAtTheFirstMissingValue) {
     EXPECT_EQ(trackedBy("topic"), NEBSourceControlResult{NEBDictionary()});
     configure("branch.topic.merge", "refs/heads/main");
     EXPECT_EQ(trackedBy("topic"), NEBSourceControlResult{NEBDictionary()});
@@ -96,7 +96,7 @@ TEST_F(TrackingBranchName, EndsAtTheFirstThatIsMissing) {
               (NEBSourceControlResult{{{NEBSourceControlOperationRemoteNameKey, "origin"}}}));
 }
 
-TEST_F(TrackingBranchName, AsksTwoQuestionsAndStopsAtAnError) {
+TEST_F(TrackingBranchName, RunsTwoQueriesAndStopsAtAnError) {
     EXPECT_THAT(commandLinesOf(*perform(trackingOf("topic", repository.path()))),
                 ElementsAre("config --get branch.topic.remote", "config --get branch.topic.merge"));
     repository.write(".git/config", "[core\n");
@@ -129,7 +129,7 @@ protected:
     TestRepository repository;
 };
 
-TEST_F(TrackRemoteBranch, FetchesAndMakesTheBranch) {
+TEST_F(TrackRemoteBranch, FetchesAndCreatesTheBranch) {
     const auto operation = track("mine", "origin", "feature/x");
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->result(), std::nullopt);
@@ -140,13 +140,13 @@ TEST_F(TrackRemoteBranch, FetchesAndMakesTheBranch) {
               "origin/feature/x\n");
 }
 
-TEST_F(TrackRemoteBranch, StopsAtTheFetchsError) {
+TEST_F(TrackRemoteBranch, StopsAtAnErrorOfTheFetch) {
     const auto operation = track("mine", "nosuch", "feature/x");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRepositoryNotFoundErrorClass));
     EXPECT_THAT(commandLinesOf(*operation), ElementsAre("fetch -q nosuch"));
 }
 
-TEST_F(TrackRemoteBranch, GoesOnAfterAFetchThatMayNotOverwriteATag) {
+TEST_F(TrackRemoteBranch, ContinuesAfterARejectedTag) {
     repository.commitFile("b", "2");
     repository.git({"tag", "v1"});
     remote.git({"tag", "v1"});
@@ -162,7 +162,7 @@ TEST_F(TrackRemoteBranch, GoesOnAfterAFetchThatMayNotOverwriteATag) {
                 HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
 }
 
-TEST_F(TrackRemoteBranch, HasTheBranchsErrorAfterAGoodFetch) {
+TEST_F(TrackRemoteBranch, PassesOnAnErrorOfTheBranch) {
     const auto operation = track("mine", "origin", "nosuch");
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
     EXPECT_EQ(operation->commandLog()->runs().size(), 2U);

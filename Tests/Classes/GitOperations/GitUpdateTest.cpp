@@ -110,7 +110,7 @@ TEST_F(Update, OverTheBridgeIsARebaseThatNeverHasAResult) {
     EXPECT_TRUE(perform(asked)->error().has_value());
 }
 
-/// The rebase says what is missing, and git, for want of a target, what it needs.
+/// The rebase reports the missing destination; git reports the missing target.
 TEST_F(Update, OverTheBridgeWithoutATargetIsReportedAndRuns) {
     auto asked = request();
     asked->remote->representsGitSVNBridge = true;
@@ -146,7 +146,7 @@ TEST_F(Update, OfASourceTreeThatIsNoWorkingTreeIsReportedAndRuns) {
     EXPECT_EQ(report.condition,
               "[(id)(workingTree) isKindOfClass:[NEBSourceControlWorkingTree class]]");
 
-    // Without any, validation would refuse the request; a host that does not ask gets this.
+    // Validation would refuse the request; this is for hosts that do not validate.
     asked->sourceTree = nullptr;
     asked->destination = "nosuch";
     GitUpdateOperation operation(asked);

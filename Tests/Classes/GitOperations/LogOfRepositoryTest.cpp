@@ -1,5 +1,4 @@
-// The log of real repositories, compared record by record with what git's plumbing says of the same
-// commits.
+// The log of real repositories, compared record by record with the plumbing commands of git.
 
 #include <gmock/gmock.h>
 
@@ -40,7 +39,7 @@ protected:
         operation->start();
         return operation;
     }
-    /// The messages of the log, of an operation that must have succeeded.
+    /// Returns the messages of a log that must have succeeded.
     static std::vector<std::string> messagesOf(
         const std::shared_ptr<NEBSourceControlRequest>& request) {
         const auto operation = run(request);
@@ -64,12 +63,12 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-/// "Name <e-mail>", from the raw author line "author Name <e-mail> seconds zone".
+/// Returns "Name <e-mail>" from the line "author Name <e-mail> seconds zone".
 std::string identityIn(const std::string& authorLine) {
     return authorLine.substr(7, authorLine.rfind('>') - 6);
 }
 
-/// Reads a commit out of its raw object, and its files out of a comparison of trees.
+/// Reads a commit from its raw object, and its files from a comparison of trees.
 NEBDictionary recordByPlumbing(const TestRepository& repository, const std::string& commit,
                                bool withFiles) {
     const std::string raw = repository.git({"cat-file", "commit", commit});
@@ -115,7 +114,7 @@ void expectLogAsByPlumbing(const TestRepository& repository, const NEBSourceCont
     }
 }
 
-/// A commit of which every byte of the message and of the author counts.
+/// Commits with the exact bytes of message and author.
 void commitRaw(const TestRepository& repository, const std::string& author,
                const std::string& message) {
     std::string raw = "tree " + repository.git({"rev-parse", "HEAD^{tree}"});
@@ -130,7 +129,7 @@ void commitRaw(const TestRepository& repository, const std::string& author,
 
 const std::string bob = "Bob <bob@example.org> 1600000100 +0530";
 
-/// Renames, a copy, a merge and one of three branches, a submodule, names and texts of all kinds.
+/// Renames, a copy, a merge, an octopus merge, a submodule, names and texts of all kinds.
 void makeEventfulHistory(const TestRepository& repository) {
     repository.commitFile(".mailmap", "Ann Proper <ann.proper@example.org> <ann@example.org>\n");
     std::string text;
@@ -165,7 +164,7 @@ void makeEventfulHistory(const TestRepository& repository) {
     commitRaw(repository, "Bob <bob@example.org> 2147483647 +1400", "the last of 32 bits\n");
 }
 
-TEST_F(LogOfRepository, TellsWhatThePlumbingTells) {
+TEST_F(LogOfRepository, EqualsThePlumbingCommands) {
     const TestRepository repository;
     makeEventfulHistory(repository);
     for (const bool withFiles : {true, false}) {
@@ -204,7 +203,7 @@ TEST_F(LogOfRepository, DoesNotDependOnTheUsersConfigurationOrTimeZone) {
     expectLogAsByPlumbing(repository, operation->result().value(), true);
 }
 
-TEST_F(LogOfRepository, Of20000CommitsIsWhole) {
+TEST_F(LogOfRepository, ListsAll20000Commits) {
     const TestRepository repository;
     constexpr int count = 20000;
     std::string stream;
@@ -252,7 +251,7 @@ std::vector<std::string> columnsOf(const std::string& line) {
     return columns;
 }
 
-TEST_F(LogOfRepository, SpellsANameThatIsNotUTF8AsGitDoes) {
+TEST_F(LogOfRepository, QuotesANameThatIsNotUTF8AsGitDoes) {
     const TestRepository repository;
     const std::string names[] = {"lat\xE4.txt",       "\xFF",           "tab\t\xE4",
                                  "\"\xE4\"",          "back\\\xE4",     "\x01\x7F\xE4\x80\r",
@@ -305,7 +304,7 @@ protected:
         requestFor(NEBSourceControlRequestLog, "");
 };
 
-TEST_F(LogSelection, IsOfTheCheckedOutBranchUnlessMoreIsAsked) {
+TEST_F(LogSelection, DefaultsToTheCurrentBranch) {
     EXPECT_THAT(messagesOf(request), ElementsAre("a2", "a1"));
     request->startingRevision = NEBSourceControlBASERevisionName;
     EXPECT_THAT(messagesOf(request), ElementsAre("a2", "a1"));
@@ -313,8 +312,8 @@ TEST_F(LogSelection, IsOfTheCheckedOutBranchUnlessMoreIsAsked) {
     EXPECT_THAT(messagesOf(request), ElementsAre("t1", "a1"));
 }
 
-/// Three dots: what is in one of the two and not in both.
-TEST_F(LogSelection, OfARangeIsOfBothItsSides) {
+/// Three dots: commits that are reachable from exactly one of the two.
+TEST_F(LogSelection, OfARangeHasBothSides) {
     request->startingRevision = "topic";
     request->endingRevision = "tagtwo";
     EXPECT_THAT(messagesOf(request), testing::UnorderedElementsAre("t1", "a2"));
@@ -325,7 +324,7 @@ TEST_F(LogSelection, OfARangeIsOfBothItsSides) {
     EXPECT_THAT(messagesOf(request), IsEmpty()) << "HEAD...tagtwo, which is HEAD";
 }
 
-TEST_F(LogSelection, OfABranchOrALimitOrAFile) {
+TEST_F(LogSelection, HonoursBranchLimitAndFile) {
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "topic"}};
     EXPECT_THAT(messagesOf(request), ElementsAre("t1", "a1"));
     request->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, 1}};
@@ -337,14 +336,14 @@ TEST_F(LogSelection, OfABranchOrALimitOrAFile) {
     EXPECT_THAT(messagesOf(request), IsEmpty()) << "the second file has no say";
 }
 
-TEST_F(LogSelection, OfARepositoryByItsPathAlone) {
+TEST_F(LogSelection, WorksWithARepositoryPathOnly) {
     request->sourceTree = nullptr;
     request->options =
         NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")}};
     EXPECT_THAT(messagesOf(request), ElementsAre("a2", "a1"));
 }
 
-TEST_F(LogSelection, OfAFileWhosePatternMatchesOthersIsOfThatFile) {
+TEST_F(LogSelection, TreatsAFileLiterally) {
     repository.commitFile("x1.c", "1", "plain");
     repository.commitFile("x[1].c", "1", "brackets");
     request->files = {NEBValue(repository.path("x[1].c"))};
@@ -353,14 +352,14 @@ TEST_F(LogSelection, OfAFileWhosePatternMatchesOthersIsOfThatFile) {
 
 // ---- what goes wrong --------------------------------------------------------------------------
 
-TEST_F(LogOfRepository, OfARepositoryWithoutCommitsSaysSo) {
+TEST_F(LogOfRepository, ReportsARepositoryWithoutCommits) {
     const TestRepository repository;
     const auto operation = run(logRequest(repository));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
     EXPECT_EQ(operation->result(), NEBSourceControlResult{});
 }
 
-TEST_F(LogSelection, OfAnUnknownRevisionSaysSo) {
+TEST_F(LogSelection, ReportsAnUnknownRevision) {
     request->startingRevision = "nosuch";
     const auto operation = run(request);
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
@@ -368,13 +367,13 @@ TEST_F(LogSelection, OfAnUnknownRevisionSaysSo) {
     EXPECT_THAT(operation->error()->text, testing::Optional(testing::HasSubstr("nosuch")));
 }
 
-TEST_F(LogSelection, AWarningBesideASuccessIsNoError) {
+TEST_F(LogSelection, IgnoresAWarningOfASuccess) {
     repository.git({"tag", "topic", "HEAD"});
     request->startingRevision = "topic";
     EXPECT_THAT(messagesOf(request), ElementsAre("a2", "a1")) << "git warns that it is ambiguous";
 }
 
-TEST_F(LogSelection, HandsOnWhatGitHoldsAMessageFor) {
+TEST_F(LogSelection, HandlesControlBytesInvalidTextAndLateDates) {
     commitRaw(repository, bob, "with \x01 inside\nand after\n");
     repository.git({"tag", "cut"});
     commitRaw(repository, bob, "raw \xE4 byte\n");

@@ -1,4 +1,4 @@
-// The status of real repositories, as a host asks for it.
+// The status of real repositories.
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -28,7 +28,7 @@ using testing::UnorderedElementsAre;
 
 class StatusOfRepository : public test::HygienicTest {
 protected:
-    /// Goes a host's way.
+    /// Runs the request like a host.
     static std::shared_ptr<NEBSourceControlOperation> statusOf(const std::string& location,
                                                                NEBValue destination = {}) {
         auto request = requestFor(NEBSourceControlRequestStatus, location);
@@ -39,7 +39,7 @@ protected:
     }
 };
 
-TEST_F(StatusOfRepository, TellsEveryStateOfAFile) {
+TEST_F(StatusOfRepository, ReportsEveryStateOfAFile) {
     const TestRepository repository;
     for (const char* name : {"modified", "deleted", "staged", "removed", "renamed", "type"}) {
         repository.write(name, std::string(name) + "\n1\n2\n3\n");
@@ -71,7 +71,7 @@ TEST_F(StatusOfRepository, TellsEveryStateOfAFile) {
             "256 " + repository.path("untracked/"), "256 " + repository.path("with blank")));
 }
 
-TEST_F(StatusOfRepository, TellsAConflict) {
+TEST_F(StatusOfRepository, ReportsAConflict) {
     const TestRepository repository;
     repository.commitFile("a", "base\n");
     repository.git({"checkout", "-qb", "topic"});
@@ -83,7 +83,7 @@ TEST_F(StatusOfRepository, TellsAConflict) {
                 ElementsAre("16 " + repository.path("a")));
 }
 
-TEST_F(StatusOfRepository, IsEmptyWhereNothingChangedAndForAPathThatIsNotThere) {
+TEST_F(StatusOfRepository, IsEmptyWithoutChangesAndForAMissingPath) {
     const TestRepository repository;
     repository.commitFile("a", "x");
     EXPECT_THAT(textsOf(statusOf(repository.path())->result()), IsEmpty());
@@ -94,7 +94,7 @@ TEST_F(StatusOfRepository, IsEmptyWhereNothingChangedAndForAPathThatIsNotThere) 
     EXPECT_EQ(operation->error(), std::nullopt);
 }
 
-TEST_F(StatusOfRepository, KeepsToThePathThatIsAskedFor) {
+TEST_F(StatusOfRepository, IsLimitedToTheDestination) {
     const TestRepository repository;
     repository.write("src/a.c", "x");
     repository.write("b", "x");
@@ -104,7 +104,7 @@ TEST_F(StatusOfRepository, KeepsToThePathThatIsAskedFor) {
                 ElementsAre("256 file://" + repository.path("b")));
 }
 
-TEST_F(StatusOfRepository, TakesAPathForANameAndNotForAPattern) {
+TEST_F(StatusOfRepository, TreatsAPathLiterally) {
     const TestRepository repository;
     repository.write("a[1].c", "x");
     repository.write("a1.c", "x");
@@ -115,7 +115,7 @@ TEST_F(StatusOfRepository, TakesAPathForANameAndNotForAPattern) {
                 ElementsAre("256 " + repository.path(":magic")));
 }
 
-TEST_F(StatusOfRepository, TellsNamesAsTheyAre) {
+TEST_F(StatusOfRepository, PreservesNames) {
     const TestRepository repository;
     const std::string umlaut = "\xC3\xA4\xE6\x97\xA5.txt";
     repository.write(umlaut, "x");
@@ -147,7 +147,7 @@ TEST_F(StatusOfRepository, DoesNotDependOnTheConfiguration) {
     }
 }
 
-TEST_F(StatusOfRepository, DoesNotFollowTheHostsTies) {
+TEST_F(StatusOfRepository, IgnoresRepositoryVariablesOfTheHost) {
     const TestRepository repository;
     const TestRepository other;
     repository.write("mine", "x");
@@ -160,7 +160,7 @@ TEST_F(StatusOfRepository, DoesNotFollowTheHostsTies) {
     EXPECT_EQ(operation->error(), std::nullopt);
 }
 
-TEST_F(StatusOfRepository, AFolderThatIsNoRepositoryIsAnErrorWithGitsCause) {
+TEST_F(StatusOfRepository, ReportsAFolderOutsideARepository) {
     const test::TemporaryFolder folder;
     const auto operation = statusOf(folder.path());
     EXPECT_THAT(operation->error(),
@@ -171,7 +171,7 @@ TEST_F(StatusOfRepository, AFolderThatIsNoRepositoryIsAnErrorWithGitsCause) {
     EXPECT_THAT(textsOf(operation->result()), IsEmpty());
 }
 
-TEST_F(StatusOfRepository, ABareRepositoryAndAMissingFolderAreErrors) {
+TEST_F(StatusOfRepository, ReportsABareRepositoryAndAMissingFolder) {
     const test::TemporaryFolder folder;
     const TestRepository repository;
     repository.git({"init", "-q", "--bare", folder.path("bare.git")});
@@ -183,13 +183,13 @@ TEST_F(StatusOfRepository, ABareRepositoryAndAMissingFolderAreErrors) {
     EXPECT_EQ(missing->result(), std::nullopt);
 }
 
-TEST_F(StatusOfRepository, APathOutsideIsAnError) {
+TEST_F(StatusOfRepository, ReportsAPathOutside) {
     const TestRepository repository;
     EXPECT_THAT(statusOf(repository.path(), "/etc/passwd")->error(),
                 IsSourceControlError(-1, "The path is outside the working copy."));
 }
 
-TEST_F(StatusOfRepository, AFolderThatMayNotBeReadIsAnErrorBesideTheRecords) {
+TEST_F(StatusOfRepository, ReportsAnUnreadableFolderBesideTheRecords) {
     const TestRepository repository;
     repository.write("a", "x");
     repository.write("secret/b", "x");
@@ -203,7 +203,7 @@ TEST_F(StatusOfRepository, AFolderThatMayNotBeReadIsAnErrorBesideTheRecords) {
     }
     std::filesystem::permissions(repository.path("secret"), std::filesystem::perms::owner_all);
     repository.git({"config", "--global", "--unset-all", "safe.directory"});
-    // The table calls every refused permission a refused password; the class tells what it is.
+    // The table takes any "Permission denied" for a wrong password; the class is correct.
     EXPECT_THAT(operation->error(),
                 IsSourceControlError(
                     -21, "Authentication failed because the name or password was incorrect."));
@@ -212,7 +212,7 @@ TEST_F(StatusOfRepository, AFolderThatMayNotBeReadIsAnErrorBesideTheRecords) {
     EXPECT_THAT(textsOf(operation->result()), testing::Contains("256 " + repository.path("a")));
 }
 
-TEST_F(StatusOfRepository, ARepositoryOfSomebodyElseIsAnError) {
+TEST_F(StatusOfRepository, ReportsARepositoryOfAnotherUser) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can make somebody else's repository";
     }
@@ -222,7 +222,7 @@ TEST_F(StatusOfRepository, ARepositoryOfSomebodyElseIsAnError) {
                 HasErrorClass(NEBSourceControlOwnerNotTrustedErrorClass));
 }
 
-TEST_F(StatusOfRepository, ADamagedConfigurationIsAnErrorThatNamesTheLine) {
+TEST_F(StatusOfRepository, ReportsTheLineOfADamagedConfiguration) {
     const TestRepository repository;
     repository.write(".git/config", "[core\n");
     const auto operation = statusOf(repository.path());

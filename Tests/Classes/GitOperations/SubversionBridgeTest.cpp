@@ -1,4 +1,4 @@
-// The bridge with a real Subversion server: what both sides have afterwards.
+// The bridge with a real Subversion server.
 
 #include <filesystem>
 
@@ -46,9 +46,11 @@ protected:
         asked->remote->representsGitSVNBridge = true;
         return perform(asked);
     }
-    [[nodiscard]] auto fetch() const { return run(37); }
-    [[nodiscard]] auto update() const { return run(13, "refs/remotes/git-svn"); }
-    [[nodiscard]] auto push() const { return run(33); }
+    [[nodiscard]] auto fetch() const { return run(NEBSourceControlRequestFetch); }
+    [[nodiscard]] auto update() const {
+        return run(NEBSourceControlRequestUpdate, "refs/remotes/git-svn");
+    }
+    [[nodiscard]] auto push() const { return run(NEBSourceControlRequestPush); }
     [[nodiscard]] std::string local(const std::string& name) const {
         return clone->git({"show", "HEAD:" + name});
     }
@@ -175,7 +177,8 @@ TEST_F(SubversionBridge, AnUpdateThatCannotBeIsAnError) {
     const auto conflict = update();
     EXPECT_THAT(conflict->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
     EXPECT_EQ(conflict->result(), std::nullopt);
-    EXPECT_THAT(run(13)->error(), testing::Ne(std::nullopt)) << "in the middle of the first";
+    EXPECT_THAT(run(NEBSourceControlRequestUpdate)->error(), testing::Ne(std::nullopt))
+        << "in the middle of the first";
 }
 
 TEST_F(SubversionBridge, AServerThatIsGoneIsAnError) {

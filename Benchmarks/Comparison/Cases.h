@@ -1,4 +1,4 @@
-// Cases.h - what is compared: a request, the repository that is asked, and libgit2's way.
+// Cases.h - the compared cases: a request, its repository, and the same with libgit2.
 #pragma once
 
 #include <cstddef>
@@ -17,17 +17,17 @@ using Request = std::shared_ptr<NEBSourceControlRequest>;
 struct Case {
     const char* name;
     RepositoryKind kind;
-    /// What the repository has as many of as its size says; empty where that says nothing.
+    /// The unit of the size of the repository, "commits"; empty if the size does not matter.
     const char* unit;
-    /// The request to the repository at the path.
+    /// Returns the request for the repository at the path.
     Request (*request)(const std::string& path);
-    /// Answers the same, and how many records there were.
+    /// Does the same with libgit2 and returns the number of records.
     std::size_t (*withLibGit2)(const std::string& path);
-    /// The operation that reads what git prints.
+    /// The operation that parses the output of git.
     std::shared_ptr<NEBSourceControlTaskOperation> (*reader)(const Request& request);
 };
 
-/// All of them, in the order of the report.
+/// Returns all cases, in the order of the report.
 const std::vector<Case>& allCases();
 
 }  // namespace neb::benchmarks

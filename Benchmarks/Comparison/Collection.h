@@ -1,4 +1,4 @@
-// Collection.h - what the host library makes of a pipe.
+// Collection.h - the rate at which the host library reads a pipe.
 #pragma once
 
 #include "Rounds.h"
@@ -6,14 +6,14 @@
 namespace neb::benchmarks {
 
 struct Collection {
-    /// Of the rate of a bare read loop that keeps all bytes, and of one that keeps none: it reads
-    /// into the same memory over and over.
+    /// Relative to a bare read loop that keeps all bytes, and to one that reads into the same
+    /// memory repeatedly.
     Spread toKeeping, toDiscarding;
-    /// Bytes a millisecond.
+    /// Bytes per millisecond.
     double rate = 0;
 };
 
-/// Collects half a gigabyte that a child writes as fast as it can.
+/// Reads half a gigabyte from a child that writes at full speed.
 Collection measureCollection(int rounds);
 
 }  // namespace neb::benchmarks

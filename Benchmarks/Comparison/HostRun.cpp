@@ -16,8 +16,8 @@ std::string contentOf(const std::string& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// The environment of the one child of this thread, as the kernel shows it: nothing of it can then
-/// differ from what an operation gives. It is there a moment after the launch.
+/// Returns the environment of the only child of this thread from /proc, which is exactly that of an
+/// operation. It is available shortly after the launch.
 std::vector<std::string> environmentOfChild() {
     const std::string children = contentOf("/proc/thread-self/children");
     const std::string file = "/proc/" + children.substr(0, children.find(' ')) + "/environ";
@@ -69,7 +69,7 @@ ChildLaunch launchFor(const Request& request) {
                   .currentDirectoryPath = command.currentDirectoryPath,
                   .environment = environmentOfChild()};
     };
-    // A quick child on a busy machine may be gone before it is looked at.
+    // A fast child may have ended before its environment is read.
     for (int attempt = 0; launch.environment.empty(); ++attempt) {
         const auto log = std::make_shared<NEBSourceControlCommandLog>(
             NEBSourceControlCommandLog::Observers{.started = note});

@@ -1,4 +1,4 @@
-// HostRun.h - a request carried out the way a host does it, and the child that it starts.
+// HostRun.h - runs a request like a host, and inspects its child process.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,12 @@
 
 namespace neb::benchmarks {
 
-/// Hands the request to the plug-in's controller, runs the operation on this thread, reads the
-/// records and lets go of them. Answers how many there were, the empty one left out that marks the
-/// end of some. An error of the operation is a std::runtime_error with its words.
+/// Makes the operation with the controller of the plug-in, runs it on this thread, reads the
+/// records and releases them. Returns their number without the empty record at the end of some.
+/// Throws std::runtime_error with the text of an error.
 std::size_t carryOut(const Request& request);
 
-/// Carries the request out, and answers the command line, the folder and the whole environment of
-/// the one child that ran for it.
+/// Runs the request and returns the command line, folder and environment of its only child.
 ChildLaunch launchFor(const Request& request);
 
 }  // namespace neb::benchmarks

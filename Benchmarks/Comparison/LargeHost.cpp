@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t amount = 4ULL << 30;
 
-/// Memory in ordinary pages, each of them written to.
+/// Memory in ordinary pages, all touched.
 class Ballast {
 public:
     Ballast()

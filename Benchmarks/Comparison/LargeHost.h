@@ -1,4 +1,4 @@
-// LargeHost.h - whether a host with much memory in use waits longer.
+// LargeHost.h - the time of an operation in a host that uses much memory.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace neb::benchmarks {
 
-/// The time of the whole operation in this process with 4 GiB of touched memory, to its time
-/// without, of as many rounds. Nothing where the machine has not that much memory to spare.
+/// Returns the time of the whole operation in this process with 4 GiB of touched memory, relative
+/// to the time without, over that many rounds. Absent if the machine lacks the memory.
 std::optional<Spread> measureLargeHost(const Case& what, const std::string& path, int rounds);
 
 }  // namespace neb::benchmarks

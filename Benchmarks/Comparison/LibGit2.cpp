@@ -40,7 +40,7 @@ using Reference = Handle<git_reference, ::git_reference_free>;
 using Config = Handle<git_config, ::git_config_free>;
 using Buffer = Handle<git_buf, ::git_buf_dispose>;
 
-/// What `get(&object, …)` leaves there, to be released.
+/// Returns the object that `get(&object, …)` creates, with its release function.
 template <typename H, typename Get, typename... Arguments>
 H made(Get get, Arguments... arguments) {
     typename H::pointer object = nullptr;
@@ -52,7 +52,7 @@ Repository open(const std::string& path) {
     return made<Repository>(::git_repository_open, path.c_str());
 }
 
-/// As many characters of a commit's name as our records have.
+/// The length of abbreviated ids in our records.
 std::string shortName(const git_oid& id) {
     std::array<char, 13> text{};
     ::git_oid_tostr(text.data(), text.size(), &id);

@@ -1,8 +1,8 @@
-// LibGit2.h - what the operations answer, asked of libgit2 in this process.
+// LibGit2.h - the work of the operations, done with libgit2 in this process.
 //
-// Each function opens the repository at the path, as a request names a folder; makes a record of
-// its own for every record that an operation makes, with the same texts in it; and answers how many
-// there were. What libgit2 cannot do is a std::runtime_error with its words.
+// Each function opens the repository at the path, creates a record with the same texts for each
+// record of the operation, and returns the number of records. Failures throw std::runtime_error
+// with the message of libgit2.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@
 
 namespace neb::benchmarks {
 
-/// Once, before anything else of this file: without the user's configuration.
+/// Initializes libgit2 without the configuration of the user. Must be called once, first.
 void startLibGit2();
-/// "1.5.1".
+/// Returns the version, "1.5.1".
 std::string libgit2Version();
 
 std::size_t libgit2Log(const std::string& path);
-/// With the names and states that each commit changed, renames found as by git's default.
+/// With the changed files of each commit; renames are detected with the defaults of git.
 std::size_t libgit2LogWithFiles(const std::string& path);
 std::size_t libgit2Status(const std::string& path);
-/// Of "lines.txt", as it was committed last.
+/// Of "lines.txt" at HEAD.
 std::size_t libgit2Blame(const std::string& path);
 /// The patch from HEAD~1 to HEAD.
 std::size_t libgit2Diff(const std::string& path);

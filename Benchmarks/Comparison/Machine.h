@@ -1,4 +1,4 @@
-// Machine.h - what the figures were measured on and with.
+// Machine.h - the machine and software of the measurement.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace neb::benchmarks {
 
-/// Name and value of each thing that the figures depend on; nothing that tells whose machine it is.
+/// Returns names and values of everything that affects the figures, and nothing that identifies the
+/// machine.
 std::vector<std::pair<std::string, std::string>> describeMachine();
 
 }  // namespace neb::benchmarks

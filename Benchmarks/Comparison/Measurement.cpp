@@ -18,8 +18,8 @@ double processorMilliseconds() {
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-/// The reading alone, of bytes that are there, in this thread's processor time: what else runs on
-/// the machine has no say.
+/// Parses bytes in memory and measures the processor time of this thread, which does not depend on
+/// the load of the machine.
 double parsingSpeed(const Case& what, const Request& request, const Data& printed, int rounds) {
     std::shared_ptr<NEBSourceControlTaskOperation> reader;
     std::vector<double> times;

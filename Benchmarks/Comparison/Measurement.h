@@ -1,4 +1,4 @@
-// Measurement.h - the figures of one case at one size.
+// Measurement.h - the figures of a case for one size.
 #pragma once
 
 #include <cstddef>
@@ -13,15 +13,15 @@ struct Measurement {
     const Case* what = nullptr;
     int size = 0;
     std::size_t records = 0;
-    /// What git printed.
+    /// The size of the output of git.
     std::size_t bytes = 0;
-    /// Milliseconds of git started by hand, of the whole operation, of libgit2.
+    /// Milliseconds of a bare git process, of the whole operation, and of libgit2.
     Spread git{}, operation{}, libgit2{};
-    /// By rounds: the operation to git and to libgit2, and what it takes longer than git.
+    /// Per round: the operation relative to git and to libgit2, and its difference to git.
     Spread toGit{}, toLibGit2{}, added{};
-    /// Bytes a millisecond of processor time at which the printed bytes become records.
+    /// Parsed bytes per millisecond of processor time.
     double parsing = 0;
-    /// Bytes by which the process grows while it carries the request out.
+    /// The growth of the process in bytes while it carries out the request.
     std::int64_t peak = 0;
 
     [[nodiscard]] double peakToPrinted() const {
@@ -29,7 +29,7 @@ struct Measurement {
     }
 };
 
-/// Asks the repository at the path. Parties whose answers differ are a std::runtime_error.
+/// Measures the case in the repository at the path. Throws std::runtime_error if results differ.
 Measurement measure(const Case& what, int size, const std::string& path, int rounds);
 
 }  // namespace neb::benchmarks

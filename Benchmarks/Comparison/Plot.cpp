@@ -9,8 +9,8 @@ namespace neb::benchmarks {
 
 namespace {
 
-/// A row for each size: commits, then seconds of git, of the operation and of libgit2, then MB
-/// printed and at the peak.
+/// Writes a row per size: commits, seconds of git, of the operation and of libgit2, MB printed, MB
+/// at the peak.
 void writeData(std::ostream& stream, const Results& results, std::string_view caseName) {
     for (const Measurement& one : results.measurements) {
         if (one.what->name == caseName) {

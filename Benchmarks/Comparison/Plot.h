@@ -1,4 +1,4 @@
-// Plot.h - time and memory against the length of a history, as a picture.
+// Plot.h - a plot of time and memory against the length of a history.
 #pragma once
 
 #include <filesystem>
@@ -7,8 +7,8 @@
 
 namespace neb::benchmarks {
 
-/// Lets gnuplot write an SVG file with the logs of all sizes. A gnuplot that cannot is a
-/// std::runtime_error with its words.
+/// Writes an SVG file with the logs of all sizes, using gnuplot. Throws std::runtime_error with its
+/// message if that fails.
 void writePlot(const std::filesystem::path& file, const Results& results);
 
 }  // namespace neb::benchmarks

@@ -15,7 +15,7 @@ namespace neb::benchmarks {
 namespace {
 
 constexpr std::size_t pieceSize = 1U << 20;
-/// Address space for any output; memory stands behind what is written alone.
+/// Address space for any output; only written pages use memory.
 constexpr std::size_t room = 1ULL << 33;
 
 void check(int failure) {
@@ -41,8 +41,8 @@ private:
     void* _start;
 };
 
-/// Reads to the end; `step` is 1 where each piece is kept behind the one before, 0 where it
-/// replaces that.
+/// Reads to the end. With `step` 1 the chunks are appended, with 0 each one overwrites the previous
+/// one.
 std::size_t readAll(int descriptor, char* memory, std::size_t step) {
     std::size_t total = 0;
     while (true) {

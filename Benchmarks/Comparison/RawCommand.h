@@ -1,4 +1,4 @@
-// RawCommand.h - a child as it is started by hand: posix_spawn, a read loop, waitpid.
+// RawCommand.h - a bare child process: posix_spawn, a read loop, waitpid.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace neb::benchmarks {
 
 class RawCommand {
 public:
-    /// Where the output is read to.
+    /// The destination of the output.
     enum class Memory {
         wholeOutput,  ///< fresh memory for every byte, given back at the end
         onePiece,     ///< the same 1 MiB again and again
@@ -21,14 +21,14 @@ public:
     RawCommand& operator=(const RawCommand&) = delete;
     ~RawCommand() = default;
 
-    /// Starts the child with /dev/null as its standard input and error, reads its standard output
-    /// through a pipe like those of the host library, to the end, and reaps it. Answers the number
-    /// of bytes; a child that fails is a std::runtime_error.
+    /// Starts the child with /dev/null as standard input and error, reads its standard output to
+    /// the end through a pipe like those of the host library, and reaps it. Returns the number of
+    /// bytes. Throws std::runtime_error if the child fails.
     [[nodiscard]] std::size_t run(Memory memory) const;
 
 private:
     ChildLaunch _launch;
-    std::vector<char*> _arguments;    // into _launch, and a null pointer
+    std::vector<char*> _arguments;    // pointers into _launch, and null at the end
     std::vector<char*> _environment;  // the same
 };
 

@@ -38,7 +38,7 @@ void writeMeasurements(std::ostream& stream, const Results& results) {
     writeRow(stream,
              {"---", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:", "--:"});
     for (const Measurement& one : results.measurements) {
-        const bool isLong = one.bytes > 10000;  // of less, the last two figures would say nothing
+        const bool isLong = one.bytes > 10000;  // the last two figures are meaningless for less
         writeRow(stream,
                  {one.what->name, sizeText(one), countText(one.records),
                   figureText(static_cast<double>(one.bytes) / mega), figureText(one.git.median),

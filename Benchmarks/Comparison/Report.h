@@ -1,4 +1,4 @@
-// Report.h - the figures as a page of Markdown.
+// Report.h - the figures as Markdown.
 #pragma once
 
 #include <filesystem>
@@ -9,11 +9,11 @@
 
 namespace neb::benchmarks {
 
-/// The tables: every case, every target, the machine.
+/// Returns the tables: cases, targets, the machine.
 void writeReport(std::ostream& stream, const Results& results, const std::string& command);
 
-/// Puts the text into the page in place of what stands between its two marks; everything around
-/// them stays. A page that cannot be read or written, or has no marks, is a std::runtime_error.
+/// Replaces the text between the two marks of the page. Throws std::runtime_error if the page
+/// cannot be read or written, or has no marks.
 void replaceGeneratedText(const std::filesystem::path& page, const std::string& text);
 
 }  // namespace neb::benchmarks

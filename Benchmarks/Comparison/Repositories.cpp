@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A line of code's usual length.
+/// A line of code of typical length.
 std::string lineOf(int number, int version) {
     return "    line " + std::to_string(number) + " as change " + std::to_string(version) +
            " of the file left it;\n";
@@ -32,8 +32,8 @@ void makeHistory(const std::string& folder, int commits, int) {
     importRepository(folder, [commits](std::ostream& stream) { writeHistory(stream, commits); });
 }
 
-/// The changed files are spread over all folders, and so are the untracked ones beside them. All
-/// are of an age at which git trusts what it has noted about them.
+/// Changed and untracked files are spread over all folders, and old enough for git to trust its
+/// index.
 void makeWorkingCopy(const std::string& folder, int entries, int trackedFiles) {
     const int changed = entries / 2;
     if (changed > trackedFiles) {
@@ -81,7 +81,7 @@ void makeLines(const std::string& folder, int lines, int) {
     checkOut(folder);
 }
 
-/// Every second line of every file differs, so a file's patch is one hunk of three lines for two.
+/// Every second line differs, so that the patch of a file is one hunk.
 void makePatch(const std::string& folder, int megabytes, int) {
     constexpr int lines = 1000;
     constexpr int filesOfAMegabyte = 15;
@@ -163,7 +163,7 @@ std::string Repositories::path(RepositoryKind kind, int size) const {
     fs::path whole = _folder / name;
     if (!fs::exists(whole)) {
         std::cerr << "making " << name << '\n';
-        // Under another name until it is whole: a run that was ended leaves no half repository.
+        // Renamed when complete, so that an interrupted run leaves no partial repository.
         const fs::path begun = _folder / (name + ".begun");
         fs::remove_all(begun);
         row.make(begun.string(), size, _trackedFiles);

@@ -1,4 +1,4 @@
-// Repositories.h - the repositories that are asked, each made once.
+// Repositories.h - the repositories of the comparison, each created once.
 #pragma once
 
 #include <filesystem>
@@ -17,15 +17,14 @@ enum class RepositoryKind {
 
 class Repositories {
 public:
-    /// Below the folder, where repositories of earlier runs are taken as they are; without one
-    /// (an empty path) in a temporary folder, which goes with this object. A working copy tracks so
-    /// many files.
+    /// Uses the folder, and repositories of earlier runs in it; without a folder (an empty path) a
+    /// temporary one, which the destructor removes. The working copy tracks `trackedFiles` files.
     Repositories(const std::filesystem::path& folder, int trackedFiles);
     Repositories(const Repositories&) = delete;
     Repositories& operator=(const Repositories&) = delete;
     ~Repositories();
 
-    /// The top folder of the repository, which is made when it is not there.
+    /// Returns the top folder of the repository; creates it if it does not exist.
     [[nodiscard]] std::string path(RepositoryKind kind, int size) const;
 
 private:

@@ -1,4 +1,4 @@
-// Results.h - all that one run of the comparison found out.
+// Results.h - the results of a run of the comparison.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@
 
 namespace neb::benchmarks {
 
-/// What was not measured is absent.
+/// Absent values were not measured.
 struct Results {
     std::vector<Measurement> measurements;
     /// Of each small command.

@@ -10,7 +10,7 @@ namespace {
 constexpr double worthwhileMilliseconds = 2000;
 constexpr int mostRounds = 300;
 
-/// What `combine` makes of the two in each round.
+/// Returns `combine` of the two for each round.
 template <typename Combine>
 Spread combined(const std::vector<double>& left, const std::vector<double>& right,
                 Combine combine) {

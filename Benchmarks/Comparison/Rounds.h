@@ -1,5 +1,4 @@
-// Rounds.h - several ways to do one thing, timed in turn, so that whatever else the machine does
-// falls on all of them alike.
+// Rounds.h - alternating measurements, so that other load affects all candidates alike.
 #pragma once
 
 #include <functional>
@@ -7,7 +6,7 @@
 
 namespace neb::benchmarks {
 
-/// What several rounds gave.
+/// The results of several rounds.
 struct Spread {
     double median = 0;
     double least = 0;
@@ -15,22 +14,21 @@ struct Spread {
 };
 Spread spreadOf(std::vector<double> values);
 
-/// Milliseconds of one run.
+/// Runs once and returns the milliseconds.
 double millisecondsOf(const std::function<void()>& run);
 
-/// The milliseconds of each way in each round.
+/// The milliseconds of each candidate in each round.
 class Rounds {
 public:
-    /// Runs every way once unseen, then each once a round, in an order that moves on by one from
-    /// round to round and turns around, so that none always follows the same. There are at least so
-    /// many rounds, and of quick ways as many more as fill two seconds, but no more than 300.
-    /// Nothing is left out.
+    /// Runs each candidate once unmeasured, then once per round, in rotating and reversing order,
+    /// so that none always follows the same. Runs at least that many rounds; for fast candidates as
+    /// many as take two seconds, at most 300. All rounds count.
     Rounds(const std::vector<std::function<void()>>& ways, int atLeast);
 
     [[nodiscard]] Spread milliseconds(std::size_t way) const { return spreadOf(_times[way]); }
-    /// Of the quotients of the two in each round.
+    /// Summarizes the quotients of the two per round.
     [[nodiscard]] Spread ratio(std::size_t way, std::size_t other) const;
-    /// Of the differences of the two in each round, in milliseconds.
+    /// Summarizes the differences of the two per round, in milliseconds.
     [[nodiscard]] Spread difference(std::size_t way, std::size_t other) const;
 
 private:

@@ -23,7 +23,7 @@ namespace {
 constexpr int atOnce = 64;
 constexpr int inAll = 10 * atOnce;
 
-/// A running server and the two ends by which one talks with it.
+/// A running server and the pipes to it.
 class Server {
 public:
     explicit Server(const std::filesystem::path& nebsc) {
@@ -37,10 +37,10 @@ public:
         ::posix_spawn_file_actions_adddup2(&actions, input.readEnd.get(), 0);
         ::posix_spawn_file_actions_adddup2(&actions, output.writeEnd.get(), 1);
         std::string program = nebsc.string();
-        std::string word = "serve";
-        const std::array<char*, 3> words{program.data(), word.data(), nullptr};
+        std::string command = "serve";
+        const std::array<char*, 3> arguments{program.data(), command.data(), nullptr};
         const int failure =
-            ::posix_spawn(&_pid, program.c_str(), &actions, nullptr, words.data(), environ);
+            ::posix_spawn(&_pid, program.c_str(), &actions, nullptr, arguments.data(), environ);
         ::posix_spawn_file_actions_destroy(&actions);
         if (failure != 0) {
             throw std::runtime_error(program + " could not be started");
@@ -64,7 +64,7 @@ public:
         }
     }
 
-    /// Waits for the next message. It is good until the next call.
+    /// Waits for the next message, which is valid until the next call.
     std::string_view receive() {
         constexpr std::string_view header = "Content-Length: ";
         constexpr std::string_view headerEnd = "\r\n\r\n";
@@ -113,7 +113,7 @@ void askServer(Server& server, const std::string& params) {
         sendNext();
     }
     for (int answered = 0; answered < inAll; ++answered) {
-        // An outcome ends with its error.
+        // The error is the last member of an outcome.
         if (server.receive().find(R"("error":null)") == std::string_view::npos) {
             throw std::runtime_error("the server answered with an error");
         }
@@ -123,14 +123,14 @@ void askServer(Server& server, const std::string& params) {
     }
 }
 
-/// The same git command as often, started by xargs.
+/// Runs the same git command as often with xargs.
 ChildLaunch launchOfXargs(ChildLaunch git) {
     std::string script = "seq " + std::to_string(inAll) + " | xargs -P " + std::to_string(atOnce) +
                          " -I{} \"$0\" \"$@\"";
-    std::vector<std::string> words{"-c", std::move(script), git.launchPath};
-    words.insert(words.end(), git.arguments.begin(), git.arguments.end());
+    std::vector<std::string> arguments{"-c", std::move(script), git.launchPath};
+    arguments.insert(arguments.end(), git.arguments.begin(), git.arguments.end());
     git.launchPath = "/bin/sh";
-    git.arguments = std::move(words);
+    git.arguments = std::move(arguments);
     return git;
 }
 

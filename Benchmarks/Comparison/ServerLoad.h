@@ -1,4 +1,4 @@
-// ServerLoad.h - many small requests at once through "nebsc serve".
+// ServerLoad.h - many concurrent small requests to "nebsc serve".
 #pragma once
 
 #include <filesystem>
@@ -9,15 +9,15 @@
 namespace neb::benchmarks {
 
 struct ServerLoad {
-    /// How many times as many requests a second as commands.
+    /// Requests per second divided by commands per second.
     Spread toXargs;
-    /// Requests a second.
+    /// Requests per second.
     double rate = 0;
 };
 
-/// Requests for the current branch of the repository at the path, 64 of them always under way,
-/// through a server that is running already, beside the same git command, run as often by
-/// "xargs -P 64". `nebsc` is the program's path.
+/// Requests the current branch of the repository at the path from a running server, 64 requests at
+/// a time, and compares with "xargs -P 64" running the same git command as often. `nebsc` is the
+/// path of the program.
 ServerLoad measureServerLoad(const std::filesystem::path& nebsc, const std::string& path,
                              int rounds);
 

@@ -38,10 +38,10 @@ bool holds(const Bound& bound, double figure) {
 }
 
 std::string textOf(const Bound& bound) {
-    const char* words = bound.kind == Bound::Kind::atMost    ? "at most "
-                        : bound.kind == Bound::Kind::atLeast ? "at least "
-                                                             : "below ";
-    return words + figureText(bound.value);
+    const char* prefix = bound.kind == Bound::Kind::atMost    ? "at most "
+                         : bound.kind == Bound::Kind::atLeast ? "at least "
+                                                              : "below ";
+    return prefix + figureText(bound.value);
 }
 
 Target targetOf(std::string what, const Bound& bound, const std::optional<Spread>& figure) {
@@ -74,7 +74,7 @@ Spread peakToPrinted(const Measurement& figures) {
     return single(figures.peakToPrinted());
 }
 
-/// What is asked of one case at one size.
+/// The target of a case for one size.
 struct CaseRow {
     const char* what;
     const char* caseName;
@@ -121,7 +121,7 @@ const Measurement* find(const Results& results, std::string_view caseName, int s
     return found != results.measurements.end() ? &*found : nullptr;
 }
 
-/// The time per commit of a million of them, to that of 200,000.
+/// The time per commit for a million commits, relative to 200,000.
 Target growthTarget(const Results& results) {
     const Measurement* many = find(results, "log", 1000000);
     const Measurement* some = find(results, "log", 200000);

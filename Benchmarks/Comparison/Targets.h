@@ -1,4 +1,4 @@
-// Targets.h - what the figures are asked to be, and whether they are.
+// Targets.h - the targets for the figures, and whether they are met.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ struct Target {
     std::string verdict;
 };
 
-/// All of them, in order.
+/// Returns all targets, in order.
 std::vector<Target> targetsOf(const Results& results);
 
 }  // namespace neb::benchmarks

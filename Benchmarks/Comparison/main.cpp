@@ -1,4 +1,4 @@
-// The comparison: whole operations beside git alone and beside libgit2, in turn in one run.
+// The comparison of whole operations with git alone and with libgit2.
 
 #include <CLI/CLI.hpp>
 
@@ -101,34 +101,35 @@ Results run(const Options& options, const std::filesystem::path& programs) {
     return results;
 }
 
-/// As one gives it to the script, which adds the folder of the documents; where the repositories
-/// are kept has no say.
-std::string commandOf(int count, const char* const* words) {
+/// Returns the arguments for the script, which adds the folder of the documents. The folder of the
+/// repositories does not matter.
+std::string commandOf(int count, const char* const* arguments) {
     std::string command = "scripts/benchmark";
     for (int i = 1; i < count; ++i) {
-        const std::string word = words[i];
-        if (word == "--docs" || word == "--cache") {
+        const std::string argument = arguments[i];
+        if (argument == "--docs" || argument == "--cache") {
             ++i;
-        } else if (!word.starts_with("--docs=") && !word.starts_with("--cache=")) {
-            command += (word.find(' ') == std::string::npos) ? " " + word : " '" + word + "'";
+        } else if (!argument.starts_with("--docs=") && !argument.starts_with("--cache=")) {
+            command +=
+                (argument.find(' ') == std::string::npos) ? " " + argument : " '" + argument + "'";
         }
     }
     return command;
 }
 
-int compare(int count, char** words) {
-    // What people have configured is no part of the comparison.
+int compare(int count, char** arguments) {
+    // The configuration of the user must not affect the comparison.
     ::setenv("GIT_CONFIG_GLOBAL", "/dev/null", 1);
     ::setenv("GIT_CONFIG_NOSYSTEM", "1", 1);
     Options options;
-    CLI::App app("Measures whole operations beside git alone and beside libgit2.");
+    CLI::App app("Compares whole operations with git alone and with libgit2.");
     declare(app, options);
-    CLI11_PARSE(app, count, words);
+    CLI11_PARSE(app, count, arguments);
     startLibGit2();
     const Results results =
         run(options, std::filesystem::read_symlink("/proc/self/exe").parent_path());
     std::ostringstream report;
-    writeReport(report, results, commandOf(count, words));
+    writeReport(report, results, commandOf(count, arguments));
     std::cout << report.str();
     if (!options.docs.empty() && options.only.empty()) {
         writePlot(options.docs / "performance.svg", results);
@@ -141,9 +142,9 @@ int compare(int count, char** words) {
 }  // namespace
 }  // namespace neb::benchmarks
 
-int main(int count, char** words) {
+int main(int count, char** arguments) {
     try {
-        return neb::benchmarks::compare(count, words);
+        return neb::benchmarks::compare(count, arguments);
     } catch (const std::exception& problem) {
         std::cerr << "The comparison failed: " << problem.what() << '\n';
         return 1;

@@ -1,4 +1,4 @@
-// What it costs to start a child, and to read what it writes.
+// The cost of starting a child process and reading its output.
 
 #include <benchmark/benchmark.h>
 
@@ -17,7 +17,7 @@ ChildLaunch program(std::string path, std::vector<std::string> arguments) {
             .environment = {"PATH=/usr/bin:/bin"}};
 }
 
-/// A launch beside so many MiB of touched memory of the host: the time should stay the same.
+/// A launch by a host with that many MiB of touched memory; the time should not depend on it.
 void Launch(benchmark::State& state) {
     const std::vector<char> ballast(static_cast<std::size_t>(state.range(0)) << 20, 1);
     benchmark::DoNotOptimize(ballast.data());
@@ -46,7 +46,7 @@ void CollectOutput(benchmark::State& state) {
 }
 BENCHMARK(CollectOutput)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-/// The same child, writing to nowhere: what the pipe and the collecting are measured against.
+/// The same child writing to /dev/null, as the baseline for pipe and collection.
 void WriteToNowhere(benchmark::State& state) {
     for (auto _ : state) {
         ChildProcess process;

@@ -1,4 +1,4 @@
-// What it costs to fill a record, to read it and to copy it.
+// The cost of filling, reading and copying a record.
 
 #include <benchmark/benchmark.h>
 
@@ -8,7 +8,7 @@
 namespace neb::benchmarks {
 namespace {
 
-/// A commit's, as a log makes it.
+/// Returns the record of a commit, as a log makes it.
 NEBDictionary commitRecord() {
     NEBDictionary record;
     record.reserve(5);
@@ -46,7 +46,7 @@ void CopyRecord(benchmark::State& state) {
 }
 BENCHMARK(CopyRecord);
 
-/// The files of one commit, from path to state: filled, then each looked up.
+/// Fills a dictionary with the files of a commit and looks up each of them.
 void FilesOfCommit(benchmark::State& state) {
     std::vector<std::string> paths;
     paths.reserve(static_cast<std::size_t>(state.range(0)));

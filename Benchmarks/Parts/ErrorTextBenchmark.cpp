@@ -1,6 +1,6 @@
-// What it costs to read the stderr of a failed git, which a server or a repository can choose:
-// each text is the worst of its shape for the part that reads it. The time must grow with the size
-// and no faster; the ratio of two neighbouring sizes shows it.
+// The cost of parsing the stderr of a failed git, which a server or a repository can influence.
+// Each text is the worst of its kind for its parser. The time must grow linearly with the size; the
+// ratio of two adjacent sizes shows it.
 
 #include <benchmark/benchmark.h>
 
@@ -21,7 +21,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->Complexity();
 }
 
-/// Times `read` on a text of the state's size: the beginning, then the piece over and over.
+/// Times `read` with a text of the size in `state`: a beginning, then a repeated part.
 template <typename Read>
 void timeReading(benchmark::State& state, std::string_view beginning, std::string_view piece,
                  const Read& read) {
@@ -49,7 +49,7 @@ BENCHMARK_CAPTURE(Passwords, shortLines, "", "@\r")->Apply(&sizes);
 
 // ---- files ------------------------------------------------------------------------------------
 
-/// Names that differ, as lines of a list or of one sentence each.
+/// Different names, as lines of a list or one sentence each.
 void ListedFiles(benchmark::State& state) {
     std::string text =
         "error: Your local changes to the following files would be overwritten by merge:\n";

@@ -1,7 +1,7 @@
-// What the log of a long history costs beside git's own work: time, and memory at its peak.
+// The cost of the log of a long history compared with git alone: time and peak memory.
 //
 // The history is generated once, in a temporary folder; NEB_BENCHMARK_REPOSITORY names another
-// repository to take in its place.
+// repository to use instead.
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +26,7 @@ std::shared_ptr<NEBSourceControlRequest> logRequest(const std::string& location,
         NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}});
 }
 
-/// A repository of 100,000 commits.
+/// Returns a repository with 100,000 commits.
 class GeneratedHistory {
 public:
     GeneratedHistory() {
@@ -55,7 +55,7 @@ const std::string& repository() {
     return generated.path();
 }
 
-/// What the operation's git prints.
+/// Returns the output of git for the operation.
 const Data& printedLog(bool withFiles) {
     static Data outputs[2];
     Data& output = outputs[withFiles ? 1 : 0];
@@ -71,13 +71,14 @@ void setCounters(benchmark::State& state, const Data& output) {
     state.counters["printedMiB"] = static_cast<double>(output.size()) / (1 << 20);
 }
 
-/// git alone, with the operation's arguments and environment, writing to nowhere.
+/// git alone, with the arguments and environment of the operation, writing to /dev/null.
 void LogToNowhere(benchmark::State& state) {
     GitLogOperation operation(logRequest(repository(), state.range(0) != 0));
-    std::vector<std::string> words{"-c", "exec \"$0\" \"$@\" >/dev/null", operation.launchPath()};
-    words.insert(words.end(), operation.arguments().begin(), operation.arguments().end());
+    std::vector<std::string> arguments{"-c", "exec \"$0\" \"$@\" >/dev/null",
+                                       operation.launchPath()};
+    arguments.insert(arguments.end(), operation.arguments().begin(), operation.arguments().end());
     for (auto _ : state) {
-        benchmark::DoNotOptimize(runProgram(repository(), "/bin/sh", words));
+        benchmark::DoNotOptimize(runProgram(repository(), "/bin/sh", arguments));
     }
     setCounters(state, printedLog(state.range(0) != 0));
 }
@@ -101,7 +102,7 @@ void Log(benchmark::State& state) {
 }
 BENCHMARK(Log)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-/// The reading alone, of bytes that are there.
+/// Only parsing, of bytes in memory.
 void ParseLog(benchmark::State& state) {
     const auto request = logRequest("/w", state.range(0) != 0);
     const Data& output = printedLog(state.range(0) != 0);

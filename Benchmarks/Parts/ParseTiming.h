@@ -1,4 +1,4 @@
-// ParseTiming.h - the loop that all parsers are timed in.
+// ParseTiming.h - the measuring loop of all parsers.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,8 +10,8 @@
 
 namespace neb::benchmarks {
 
-/// Times how an operation of the class makes records of the bytes: without what brings the bytes to
-/// it, and without the end of the records. Fewer of them than expected are an error.
+/// Times how an operation of the class parses the bytes into records, without copying the bytes and
+/// destroying the records. Fewer records than expected are an error.
 template <typename Op>
 void timeParsing(benchmark::State& state, const std::shared_ptr<NEBSourceControlRequest>& request,
                  const Data& printed, std::size_t expected) {

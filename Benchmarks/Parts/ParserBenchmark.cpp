@@ -1,4 +1,4 @@
-// What it costs to make records of what git printed. The log has a file of its own.
+// The cost of parsing the output of git. The log has its own file.
 
 #include <benchmark/benchmark.h>
 
@@ -23,7 +23,7 @@ std::string objectNameOf(int number) {
     return name;
 }
 
-// Line `number` of what git prints for each.
+// Functions that return line `number` of the output of git.
 
 std::string statusLine(int number) {
     return (number % 2 == 0 ? " M " : "?? ") + pathOf(number) + "\n";
@@ -46,7 +46,7 @@ std::string listLine(int number) {
     return "100644 blob " + objectNameOf(number) + "\t" + pathOf(number) + '\0';
 }
 
-/// Reads so many lines, of which each makes at least one record.
+/// Parses that many lines, each of which makes at least one record.
 template <typename Op>
 void parse(benchmark::State& state, std::string (*line)(int)) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();

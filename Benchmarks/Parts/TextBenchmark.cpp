@@ -1,4 +1,4 @@
-// What it costs to make text of bytes.
+// The cost of decoding bytes as text.
 
 #include <benchmark/benchmark.h>
 
@@ -10,7 +10,7 @@
 namespace neb::benchmarks {
 namespace {
 
-/// A megabyte of these bytes, over and over.
+/// Returns a megabyte of these bytes, repeated.
 std::string megabyteOf(std::string_view bytes) {
     std::string text;
     while (text.size() < 1'000'000) {

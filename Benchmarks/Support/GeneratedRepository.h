@@ -1,8 +1,8 @@
-// GeneratedRepository.h - repositories whose every byte follows from a few numbers.
+// GeneratedRepository.h - reproducible generated repositories.
 //
 //     importRepository("/tmp/r", [](std::ostream& stream) { writeHistory(stream, 1000); });
 //
-// What cannot be done is a std::runtime_error with what git said. One thread at a time.
+// Failures throw std::runtime_error with the message of git. Not thread-safe.
 #pragma once
 
 #include <functional>
@@ -15,28 +15,27 @@
 
 namespace neb::benchmarks {
 
-/// Runs the program (an absolute path) in the folder and answers what it wrote to standard output.
+/// Runs the program (an absolute path) in the folder and returns its standard output.
 Data runProgram(const std::string& folder, const std::string& program,
                 std::vector<std::string> arguments);
-/// The same with the git that is found first on the PATH.
+/// Runs the first git on the PATH.
 Data runGit(const std::string& folder, std::vector<std::string> arguments);
 
-/// Makes a repository in the folder, which is made too, of what `write` puts into a stream of git
-/// fast-import's form, with a commit graph as git's own upkeep leaves one. The branch is "main";
-/// nothing is checked out.
+/// Creates the folder and a repository from the fast-import stream that `write` writes, with a
+/// commit graph as git maintains it. The branch is "main"; nothing is checked out.
 void importRepository(const std::string& folder, const std::function<void(std::ostream&)>& write);
 
-/// Begins commit `number` (from 1) of the branch "main": one of fifty authors, a minute behind the
-/// commit before, and a message as people write them: a subject of some 50 characters, mostly with
-/// a paragraph of some 200 behind it. What it changes comes behind it.
+/// Begins commit `number` (from 1) of the branch "main": one of fifty authors, a minute after the
+/// previous commit, and a realistic message with a subject of about 50 characters and usually a
+/// paragraph of about 200. Its changes follow.
 void writeCommit(std::ostream& stream, int number);
-/// Sets the content of a file in the commit that was begun last.
+/// Sets the content of a file in the current commit.
 void writeFile(std::ostream& stream, std::string_view path, std::string_view content);
 
-/// The path of one of many files, a hundred in a folder: "source/folder12/file7.cpp".
+/// Returns the path of a file, a hundred per folder: "source/folder12/file7.cpp".
 std::string pathOf(int number);
 
-/// As many commits, each of three files out of 5,000.
+/// Writes that many commits, each with three of 5,000 files.
 void writeHistory(std::ostream& stream, int commits);
 
 }  // namespace neb::benchmarks

@@ -16,7 +16,7 @@ namespace neb::benchmarks {
 
 namespace {
 
-/// The figure in KiB that the kernel gives of this process under the name.
+/// Returns the figure in KiB of /proc/self/status with that name.
 std::int64_t memoryFigure(const std::string& name) {
     std::ifstream file("/proc/self/status");
     for (std::string line; std::getline(file, line);) {
@@ -27,10 +27,10 @@ std::int64_t memoryFigure(const std::string& name) {
     return 0;
 }
 
-/// In the copy of the process, which it ends: the work, and by how much that made it grow.
+/// Runs in the copy of the process, and ends it: does the work and reports the growth.
 [[noreturn]] void tellGrowth(int end, const std::function<void()>& work) {
-    ::malloc_trim(0);                             // what earlier runs left free counts anew
-    std::ofstream("/proc/self/clear_refs") << 5;  // and so does the peak
+    ::malloc_trim(0);                             // counts memory that earlier runs freed
+    std::ofstream("/proc/self/clear_refs") << 5;  // resets the peak
     const std::int64_t before = memoryFigure("VmRSS");
     try {
         work();

@@ -1,4 +1,4 @@
-// PeakMemory.h - how much memory a piece of work takes.
+// PeakMemory.h - the peak memory of a function.
 #pragma once
 
 #include <cstdint>
@@ -6,9 +6,9 @@
 
 namespace neb::benchmarks {
 
-/// By how many bytes a copy of this process that does the work has grown at its peak, as the copy
-/// itself tells it; what children of its own take does not count. Work that cannot be done is a
-/// std::runtime_error. Not while the process has other threads.
+/// Returns the number of bytes by which a copy of this process grows at its peak while it runs the
+/// function, without its own child processes. Throws std::runtime_error if the function fails. The
+/// process must have no other threads.
 std::int64_t peakGrowth(const std::function<void()>& work);
 
 }  // namespace neb::benchmarks

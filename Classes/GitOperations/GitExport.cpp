@@ -99,7 +99,7 @@ NEBSourceControlError refusalOf(const NEBSourceControlRequest& request) {
     const NEBValue file = firstFile(request);
     if (!file.isPresent()) {
         return ownFailure(NEBSourceControlUnknownErrorClass,
-                          "Nothing was exported: no file was named.");
+                          "Nothing was exported: the request has no file.");
     }
     if (relativePath(request) && !isBesideLocation(request)) {
         return ownFailure(NEBSourceControlPathInvalidErrorClass,
@@ -254,7 +254,7 @@ void GitExportFileOperation::rejectHalfExport() {
             setError(std::move(translated));
         } else if (!error()) {
             setError(ownFailure(NEBSourceControlUnknownErrorClass,
-                                "The file was not exported whole: " + half->className() +
+                                "The file was not exported completely: " + half->className() +
                                     " ended with " + status->description() + "."));
         }
         setResult(std::nullopt);
@@ -320,11 +320,11 @@ void GitExportTreeOperation::main() {
         request()->destination.isPresent() ? request()->destination.description() : "";
     if (destination.empty()) {
         setError(ownFailure(NEBSourceControlUnknownErrorClass,
-                            "The files were not exported: no folder to export them to was named."));
+                            "The files were not exported: the request has no destination."));
     } else if (const auto file = fileOnTheWayTo(
                    std::filesystem::path(currentDirectoryPath().value_or("")) / destination)) {
         setError(ownFailure(NEBSourceControlDestinationExistsErrorClass,
-                            "The files were not exported: \"" + *file + "\" is no folder."));
+                            "The files were not exported: \"" + *file + "\" is not a folder."));
     } else {
         GitOperation::main();
     }

@@ -36,7 +36,7 @@ std::string folderOf(const NEBSourceControlRequest& request) {
 NEBSourceControlError errorOfFolderOutside(const NEBSourceControlRequest& request) {
     auto error = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError,
-        formattedText("The folder \"%@\" cannot be listed: it is no path inside \"%@\".",
+        formattedText("The folder \"%@\" cannot be listed: it is not a path inside \"%@\".",
                       {folderOf(request), request.sourceTreeName()}));
     error.errorClass = NEBSourceControlPathOutsideErrorClass;
     return error;

@@ -16,16 +16,16 @@ struct SetVariable {
 };
 
 constexpr SetVariable setVariables[] = {
-    {"LC_ALL", "C.UTF-8", "the texts that errors are recognised by are English, names are UTF-8"},
-    {"LANGUAGE", "", "it would choose a translation in spite of LC_ALL"},
-    {"GIT_TERMINAL_PROMPT", "0", "a question for credentials fails at once"},
-    {"GIT_EDITOR", ":", "a message that is missing is an error, no editor waits for it"},
-    {"GIT_SEQUENCE_EDITOR", ":", "a rebase goes on with the list that git made"},
-    {"GIT_PAGER", "cat", "output goes to us"},
+    {"LC_ALL", "C.UTF-8", "errors are recognised by their English texts; names are UTF-8"},
+    {"LANGUAGE", "", "would select a translation despite LC_ALL"},
+    {"GIT_TERMINAL_PROMPT", "0", "a prompt for credentials fails at once"},
+    {"GIT_EDITOR", ":", "a missing message is an error; no editor is started"},
+    {"GIT_SEQUENCE_EDITOR", ":", "a rebase uses the list of git"},
+    {"GIT_PAGER", "cat", "output is parsed"},
     // trace2 settings of the user may write to standard error, which is parsed.
-    {"GIT_TRACE2", "0", "stands above the setting trace2.normalTarget"},
-    {"GIT_TRACE2_PERF", "0", "stands above the setting trace2.perfTarget"},
-    {"GIT_TRACE2_EVENT", "0", "stands above the setting trace2.eventTarget"},
+    {"GIT_TRACE2", "0", "overrides the setting trace2.normalTarget"},
+    {"GIT_TRACE2_PERF", "0", "overrides the setting trace2.perfTarget"},
+    {"GIT_TRACE2_EVENT", "0", "overrides the setting trace2.eventTarget"},
 };
 
 struct RemovedVariable {
@@ -33,14 +33,14 @@ struct RemovedVariable {
 };
 
 constexpr std::string_view tiesToRepository = "ties a process to one repository";
-constexpr std::string_view changesNames = "changes what a name in the arguments means";
+constexpr std::string_view changesNames = "changes the meaning of names in the arguments";
 
 constexpr RemovedVariable removedVariables[] = {
     // The variables that `git rev-parse --local-env-vars` lists. The entries of GIT_CONFIG_COUNT
     // belong to the user; they are kept below, before ours.
     {"GIT_ALTERNATE_OBJECT_DIRECTORIES", tiesToRepository},
     {"GIT_CONFIG", tiesToRepository},
-    {"GIT_CONFIG_PARAMETERS", "would win over the settings that are pinned here"},
+    {"GIT_CONFIG_PARAMETERS", "would override the pinned settings"},
     {"GIT_OBJECT_DIRECTORY", tiesToRepository},
     {"GIT_DIR", tiesToRepository},
     {"GIT_WORK_TREE", tiesToRepository},
@@ -58,23 +58,23 @@ constexpr RemovedVariable removedVariables[] = {
     {"GIT_NOGLOB_PATHSPECS", changesNames},
     {"GIT_ICASE_PATHSPECS", changesNames},
     {"GIT_DIFF_OPTS", "changes the number of context lines"},
-    {"GIT_EXTERNAL_DIFF", "puts another program's output in place of a difference"},
-    {"GIT_ADVICE", "silences the hint by which an unmerged branch is recognised"},
-    {"GIT_OPTIONAL_LOCKS", "is set for each child on its own"},
-    {"GIT_FLUSH", "lets git processes that talk to each other wait for ever when it is 0"},
-    {"GIT_NAMESPACE", "names another set of references than the repository's"},
-    {"GIT_QUARANTINE_PATH", "forbids to change references, as within a push that is received"},
+    {"GIT_EXTERNAL_DIFF", "replaces a diff with the output of another program"},
+    {"GIT_ADVICE", "silences the hint that identifies an unmerged branch"},
+    {"GIT_OPTIONAL_LOCKS", "is set for each child"},
+    {"GIT_FLUSH", "makes communicating git processes wait forever when it is 0"},
+    {"GIT_NAMESPACE", "selects another set of references"},
+    {"GIT_QUARANTINE_PATH", "forbids changes of references, as during a received push"},
     {"GIT_ATTR_SOURCE", "takes attributes from another tree"},
     {"GIT_MERGE_VERBOSITY", "silences the lines that name the files in conflict"},
-    {"GIT_PRINT_SHA1_ELLIPSIS", "puts dots behind names of commits"},
-    {"COLUMNS", "fits the listing of what a pull brought to a terminal that is not there"},
-    {"TAR_OPTIONS", "makes the tar of an export do something else"},
-    {"GIT_CURL_VERBOSE", "writes into the text that becomes an error"},
-    {"GIT_PAGER_IN_USE", "makes git write as for a terminal"},
+    {"GIT_PRINT_SHA1_ELLIPSIS", "appends dots to commit ids"},
+    {"COLUMNS", "fits the summary of a pull to a terminal"},
+    {"TAR_OPTIONS", "changes the options of tar in an export"},
+    {"GIT_CURL_VERBOSE", "adds to the text of errors"},
+    {"GIT_PAGER_IN_USE", "makes git format its output for a terminal"},
 };
 
 constexpr std::string_view removedPrefix = "GIT_TRACE";
-constexpr std::string_view reasonToRemovePrefix = "writes into the text that becomes an error";
+constexpr std::string_view reasonToRemovePrefix = "adds to the text of errors";
 
 constexpr std::string_view configCount = "GIT_CONFIG_COUNT";
 constexpr std::string_view configKey = "GIT_CONFIG_KEY_";

@@ -49,18 +49,18 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
                       ".");
     }
     if (!S_ISREG(information.st_mode)) {
-        return failed("The plug-in \"" + path + "\" is no file.");
+        return failed("The plug-in \"" + path + "\" is not a file.");
     }
     // The loader does not search for a path with a "/".
     const std::string exactPath = path.find('/') == std::string::npos ? "./" + path : path;
     void* library = ::dlopen(exactPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (library == nullptr) {
-        return failed("The file \"" + path + "\" is no plug-in: " + ::dlerror() + ".");
+        return failed("The file \"" + path + "\" is not a plug-in: " + ::dlerror() + ".");
     }
     void* symbol = ::dlsym(library, NEBSourceControlPlugInFunctionName);
     if (symbol == nullptr) {
         return failed("The file \"" + path +
-                      "\" is no source-control plug-in: it does not export " +
+                      "\" is not a source-control plug-in: it does not export " +
                       NEBSourceControlPlugInFunctionName + ".");
     }
     const auto [description, failure] = describe(path, symbol);

@@ -42,7 +42,7 @@ NEBSourceControlError outOfMemoryError() {
     const NEBSourceControlErrorClass* row = NEBSourceControlErrorClassNamed(errorClass.text());
     auto error = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError, std::string(row->description),
-        "Ask for less at once, or allow the process more memory.");
+        "Request less at once, or allow the process more memory.");
     error.errorClass = errorClass;
     return error;
 }

@@ -36,7 +36,7 @@ TEST(ProgramPlugIn, AMissingFileIsRefused) {
 
 TEST(ProgramPlugIn, ATextFileIsRefused) {
     const TemporaryFolder folder;
-    expectRefusedPlugIn({folder.write("text.so", "I am no library.\n"), "is no plug-in"});
+    expectRefusedPlugIn({folder.write("text.so", "I am no library.\n"), "is not a plug-in"});
 }
 
 TEST(ProgramPlugIn, AFolderIsRefused) {

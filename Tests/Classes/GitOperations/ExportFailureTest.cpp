@@ -111,7 +111,7 @@ TEST_F(ExportFailure, RefusesAFileOutsideTheWorkingCopy) {
     request->destination = {};
     const auto ofNothing = GitController().operationForRequest(request);
     ofNothing->start();
-    EXPECT_THAT(ofNothing->error(), IsSourceControlError(-1, HasSubstr("no file was named")));
+    EXPECT_THAT(ofNothing->error(), IsSourceControlError(-1, HasSubstr("the request has no file")));
     EXPECT_EQ(bytesOf(out("top.bin")), "mine");
     EXPECT_THAT(temporaryNames(), IsEmpty());
     EXPECT_EQ(namesIn(folder.path("out")).size(), 1U);

@@ -271,7 +271,7 @@ TEST(ChildEnvironment, VariablesThatAreRemovedAreNamedWithTheirValuesAndReasons)
     EXPECT_EQ(variables[0].value, "/a=b");
     EXPECT_EQ(variables[0].reason, "ties a process to one repository");
     EXPECT_EQ(variables[1].name, "GIT_TRACE_SETUP");
-    EXPECT_EQ(variables[1].reason, "writes into the text that becomes an error");
+    EXPECT_EQ(variables[1].reason, "adds to the text of errors");
 }
 
 TEST(ChildEnvironment, IsWhatAChildOfAnOperationGets) {

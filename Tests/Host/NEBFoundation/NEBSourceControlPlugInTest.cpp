@@ -71,15 +71,15 @@ TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
     EXPECT_EQ(failureOf("/no/such/NEBGit.so"),
               "The plug-in \"/no/such/NEBGit.so\" could not be read: No such file or directory.");
     const std::string text = folder.write("text.so", "no library\n");
-    EXPECT_THAT(failureOf(text), StartsWith("The file \"" + text + "\" is no plug-in: "));
-    EXPECT_EQ(failureOf(folder.path()), "The plug-in \"" + folder.path() + "\" is no file.");
+    EXPECT_THAT(failureOf(text), StartsWith("The file \"" + text + "\" is not a plug-in: "));
+    EXPECT_EQ(failureOf(folder.path()), "The plug-in \"" + folder.path() + "\" is not a file.");
     ASSERT_EQ(::mkfifo(folder.path("pipe.so").c_str(), 0600), 0);
     EXPECT_EQ(failureOf(folder.path("pipe.so")),
-              "The plug-in \"" + folder.path("pipe.so") + "\" is no file.")
+              "The plug-in \"" + folder.path("pipe.so") + "\" is not a file.")
         << "and nobody waits for a writer";
     const std::string library = NEB_TEST_MODULES "/NoPlugIn.so";
     EXPECT_EQ(failureOf(library), "The file \"" + library +
-                                      "\" is no source-control plug-in: it does not export "
+                                      "\" is not a source-control plug-in: it does not export "
                                       "NEBSourceControlDescribePlugIn.");
     const std::string silent = NEB_TEST_MODULES "/NoDescription.so";
     EXPECT_EQ(failureOf(silent), "The plug-in \"" + silent + "\" does not describe itself.");

@@ -65,7 +65,7 @@ void declare(CLI::App& app, Options& options) {
         ->check(CLI::IsMember(names));
     app.add_option("--cache", options.cache, "A folder that keeps the repositories for later runs");
     app.add_option("--docs", options.docs,
-                   "The folder of performance.md and performance.svg, which are written anew");
+                   "The folder of performance.md and performance.svg, which are rewritten");
 }
 
 Results run(const Options& options, const std::filesystem::path& programs) {

@@ -15,7 +15,7 @@ std::string messageOf(int number) {
     std::string message = "Let part " + std::to_string(number) + " of the system do what it says\n";
     if (number % 4 != 0) {
         message +=
-            "\nUntil now it did so only when nobody looked, which a test could not see.\n"
+            "\nUntil now it did so only without an observer, which no test could show.\n"
             "The order of the two calls decides; it is the other way round now, and\n"
             "the test looks at both.\n";
     }

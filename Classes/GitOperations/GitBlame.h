@@ -18,7 +18,7 @@ namespace neb {
 /// NEBSourceControlOperationLineNumberKey (a string), as far as git printed them. An empty record
 /// follows the last line. Absent when git printed nothing, as for an empty file. A line that is not
 /// committed has the revision "000000000000" and the author "Not Committed Yet". Leading blanks of
-/// an author are removed; an author of blanks only is missing, and has the date in its place.
+/// an author are removed; an author of blanks only is missing, and is replaced with the date.
 class GitBlameOperation : public GitOperation {
 public:
     explicit GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> request);

@@ -16,7 +16,7 @@ namespace neb {
 
 namespace {
 
-/// Returns the position of the first line that begins with one of these; npos if there is none.
+/// Returns the position of the first line that begins with one of these; npos if no line does.
 template <std::size_t Count>
 std::size_t lineThatBegins(std::string_view text,
                            const std::array<std::string_view, Count>& beginnings) {

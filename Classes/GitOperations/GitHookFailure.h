@@ -12,7 +12,7 @@
 
 namespace neb {
 
-/// Returns the last line that is not blank, without its line end; empty when there is none.
+/// Returns the last line that is not blank, without its line end; empty for a blank text.
 [[nodiscard]] std::string_view gitLastLine(std::string_view text);
 
 /// Returns an error of the class "local-hook-refused" with the description and, unless it is blank,

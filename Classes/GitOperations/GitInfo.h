@@ -40,8 +40,8 @@ public:
     }
 };
 
-/// Reads the URL of "origin" or, if there is none, of the Subversion repository. The result is one
-/// record, as above; empty when there is neither URL.
+/// Reads the URL of "origin" or, if that is not set, of the Subversion repository. The result is
+/// one record, as above; empty when there is neither URL.
 class GitInfoOperation : public GitComposite<NEBSourceControlOperation> {
 public:
     using GitComposite::GitComposite;

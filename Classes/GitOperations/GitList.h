@@ -16,8 +16,8 @@ namespace neb {
 /// run a command. The empty name is a syntax error of the shell.
 ///
 /// The result has a record per entry: NEBSourceControlOperationNameKey, without folders, and
-/// NEBSourceControlOperationIsLeafKey, true for a file, false for a folder or submodule. Empty when
-/// there is none. A URL, or a path outside the working copy, is an error of the class
+/// NEBSourceControlOperationIsLeafKey, true for a file, false for a folder or submodule. Empty for
+/// an empty folder. A URL, or a path outside the working copy, is an error of the class
 /// "path-outside".
 class GitListFilesOperation : public GitOperation {
 public:

@@ -49,8 +49,8 @@ public:
 
 protected:
     /// Returns an error that only this operation can recognise in the text, such as a refusal by a
-    /// hook; absent if there is none. Called only for a child whose exit status is not 0. The base
-    /// implementation returns nothing.
+    /// hook; absent if it recognises nothing. Called only for a child whose exit status is not 0.
+    /// The base implementation returns nothing.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const {
         static_cast<void>(text);

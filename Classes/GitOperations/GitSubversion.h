@@ -29,8 +29,8 @@ public:
 };
 
 /// Lists the Subversion repository as a remote: a record with
-/// NEBSourceControlOperationUsesGitSVNKey and the entries of both operations above. Empty when
-/// there is none.
+/// NEBSourceControlOperationUsesGitSVNKey and the entries of both operations above. Empty without
+/// such a repository.
 class GitListSVNRemoteOperation : public GitComposite<GitOperation> {
 public:
     using GitComposite::GitComposite;

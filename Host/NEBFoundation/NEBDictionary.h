@@ -101,7 +101,7 @@ public:
     /// Calls set() for each entry of `other`, in order.
     void addEntriesFrom(const NEBDictionary& other);
 
-    /// Returns the value of a key; the absent value when there is none. The reference is valid
+    /// Returns the value of a key; the absent value when the key is missing. The reference is valid
     /// until the next change.
     [[nodiscard]] const NEBValue& value(std::string_view key) const;
     /// Returns the text of a key's string value; empty when the value is absent or of another kind.

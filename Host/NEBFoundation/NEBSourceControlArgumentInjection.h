@@ -25,8 +25,8 @@ struct NEBSourceControlArgumentInjection {
     std::string_view danger = "take it for an option";
 };
 
-/// Returns the first dangerous value of the request; absent when there is none. A host that takes
-/// values from outside calls this before it makes an operation, and refuses the request.
+/// Returns the first dangerous value of the request; absent when all values are safe. A host that
+/// takes values from outside calls this before it makes an operation, and refuses the request.
 ///
 /// A value is dangerous when its text, whatever its kind,
 /// - begins with "-" and is an argument that git could read as an option;

@@ -27,7 +27,7 @@ struct NEBSourceControlCommand {
     std::vector<std::string> arguments;
     /// Absent: the working directory of the host.
     std::optional<std::string> currentDirectoryPath;
-    /// The command that reads the output of this one. Null when there is none.
+    /// The command that reads the output of this one. Null when no command does.
     std::shared_ptr<const NEBSourceControlCommand> pipeTo;
 };
 

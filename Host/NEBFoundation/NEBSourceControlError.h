@@ -37,7 +37,7 @@ public:
     /// How the child process ended. Absent when none ran.
     std::optional<TerminationStatus> terminationStatus;
     /// Parts of `text`: advice of git ("hint:"), messages of the server ("remote:"), and the paths
-    /// of the files concerned. Empty when there are none.
+    /// of the files concerned. Empty when git printed none of them.
     std::vector<std::string> hints;
     std::vector<std::string> remoteLines;
     std::vector<std::string> files;

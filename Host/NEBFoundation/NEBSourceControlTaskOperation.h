@@ -74,7 +74,7 @@ public:
     /// Turns data() into the result. Called when the child has ended. The base implementation does
     /// nothing.
     virtual void parseData() {}
-    /// Returns the operation whose child reads the output of this one; null when there is none.
+    /// Returns the operation whose child reads the output of this one; null when none does.
     /// Called more than once; must return the same object each time.
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() {
         return nullptr;
@@ -98,7 +98,7 @@ public:
     /// errorFromErrorMessage(). Then:
     /// - A child that failed (exit status other than 0) and wrote anything always yields an error:
     /// if
-    ///   there is none yet, it is made from the whole standard error, or from standard output if
+    ///   none was set yet, it is made from the whole standard error, or from standard output if
     ///   only that has the reason. A child that failed and printed nothing yields no error, unless
     ///   errorFromUnknownFailure() returns one.
     /// - A child that could not be started, or that a signal ended, yields an error that says so.

@@ -74,7 +74,7 @@ TEST(Validation, RequiresBothTreesReachableForAuthentication) {
             EXPECT_EQ(error->userInfo.size(), 1U) << "the description alone";
             EXPECT_FALSE(controller.validateRequest(
                 *requestWithReachability(type, tree, repository), nullptr))
-                << "refused whether or not anybody asks why";
+                << "refused with or without an error pointer";
         }
     }
 }

@@ -203,22 +203,49 @@ std::string filledIn(std::string text, std::string_view place, const std::string
     return text;
 }
 
+/// Returns variables that name the program, and those that enable traces.
+VariableList programsAndTraces(const std::string& program) {
+    return {
+        {"EDITOR", program},
+        {"GIT_ASKPASS", program},
+        {"GIT_EDITOR", program},
+        {"GIT_EXTERNAL_DIFF", program},
+        {"GIT_PAGER", program},
+        {"GIT_PROXY_COMMAND", program},
+        {"GIT_SEQUENCE_EDITOR", program},
+        {"GIT_SSH", program},
+        {"GIT_SSH_COMMAND", program},
+        {"PAGER", program},
+        {"SSH_ASKPASS", program},
+        {"VISUAL", program},
+        {"GIT_CURL_VERBOSE", "1"},
+        {"GIT_TRACE", "1"},
+        {"GIT_TRACE2", "1"},
+        {"GIT_TRACE2_EVENT", "1"},
+        {"GIT_TRACE2_PERF", "1"},
+        {"GIT_TRACE_PACKET", "1"},
+        {"GIT_TRACE_PACK_ACCESS", "1"},
+        {"GIT_TRACE_PERFORMANCE", "1"},
+        {"GIT_TRACE_SETUP", "1"},
+        {"GIT_TRACE_SHALLOW", "1"},
+    };
+}
+
 }  // namespace
 
 HostileConfiguration::HostileConfiguration() {
     const std::string program = _folder.writeProgram(
         "program", "#!/bin/sh\necho \"$0 $*\" >>'" + _folder.path("started") + "'\nsleep 20\n");
     _folder.write("order", "*.txt\n*.c\n");
-    _folder.write("template", "A message that nobody wrote\n");
+    _folder.write("template", "A message of the template\n");
     _folder.write("config", filledIn(filledIn(std::string(settings), "PROGRAM", program), "FOLDER",
                                      _folder.path()));
     _variables.emplace(variables());
 }
 
 VariableList HostileConfiguration::variables() const {
-    const std::string program = _folder.path("program");
     const std::string nowhere = _folder.path("nowhere");
-    return {
+    VariableList list{
         {"GIT_CONFIG_GLOBAL", _folder.path("config")},
         // colours and more, with a higher priority than any file
         {"GIT_CONFIG_PARAMETERS", "'color.ui'='always' 'core.abbrev'='9' 'status.short'='true'"},
@@ -269,31 +296,11 @@ VariableList HostileConfiguration::variables() const {
         {"LC_MESSAGES", "de_DE.UTF-8"},
         {"TAR_OPTIONS", "--verbose --strip-components=1"},
         {"TERM", "xterm-256color"},
-        // programs
-        {"EDITOR", program},
-        {"GIT_ASKPASS", program},
-        {"GIT_EDITOR", program},
-        {"GIT_EXTERNAL_DIFF", program},
-        {"GIT_PAGER", program},
-        {"GIT_PROXY_COMMAND", program},
-        {"GIT_SEQUENCE_EDITOR", program},
-        {"GIT_SSH", program},
-        {"GIT_SSH_COMMAND", program},
-        {"PAGER", program},
-        {"SSH_ASKPASS", program},
-        {"VISUAL", program},
-        // traces
-        {"GIT_CURL_VERBOSE", "1"},
-        {"GIT_TRACE", "1"},
-        {"GIT_TRACE2", "1"},
-        {"GIT_TRACE2_EVENT", "1"},
-        {"GIT_TRACE2_PERF", "1"},
-        {"GIT_TRACE_PACKET", "1"},
-        {"GIT_TRACE_PACK_ACCESS", "1"},
-        {"GIT_TRACE_PERFORMANCE", "1"},
-        {"GIT_TRACE_SETUP", "1"},
-        {"GIT_TRACE_SHALLOW", "1"},
     };
+    for (const auto& [name, value] : programsAndTraces(_folder.path("program"))) {
+        list.emplace_back(name, value);
+    }
+    return list;
 }
 
 }  // namespace neb::test

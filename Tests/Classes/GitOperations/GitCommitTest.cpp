@@ -197,7 +197,7 @@ TEST_F(CommitInRepository, ReportsNothingToCommit) {
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, HasSubstr("no changes are staged")));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
     EXPECT_EQ(operation->result(), std::nullopt) << "the first words name no commit";
-    EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "git's own words";
+    EXPECT_THAT(*operation->error()->text, HasSubstr("modified:   a")) << "the output of git";
     EXPECT_EQ(head(), before);
 }
 

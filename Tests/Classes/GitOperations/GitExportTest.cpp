@@ -267,7 +267,7 @@ TEST(ExportTreeCommand, WritesBelowTheDestination) {
     EXPECT_EQ(GitExportTreeOperation(request).currentDirectoryPath(), "/w");
 }
 
-/// Nobody requested to write to "/" or the folder "(null)".
+/// The request does not name "/" or the folder "(null)".
 TEST(ExportTreeCommand, RunsNothingWithoutADestination) {
     for (const NEBValue& destination : {NEBValue(), NEBValue("")}) {
         auto request = requestFor(NEBSourceControlRequestExportTree, "/no/such/folder");

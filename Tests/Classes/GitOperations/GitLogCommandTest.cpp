@@ -58,7 +58,7 @@ TEST(LogCommand, OfAFullRequestHasAllParts) {
     EXPECT_THAT(GitLogOperation(request).arguments(),
                 ElementsAre("--git-dir=/r", "--work-tree=/w", "log", "--abbrev=12", "-50",
                             "abc123...def456", "--name-status", pretty, "--", "src/a.c"))
-        << "only the first file counts, and the branch has no say in a range";
+        << "only the first file counts, and a range ignores the branch";
 }
 
 struct Revisions {

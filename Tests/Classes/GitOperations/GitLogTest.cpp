@@ -246,7 +246,7 @@ std::vector<std::string> readAhead(const std::string& output, std::size_t pieceS
     GitLogOperation operation(logRequest(true));
     for (std::size_t size = pieceSize; size < output.size(); size += pieceSize) {
         operation.parseArrivedData(Data(output.substr(0, size)));
-        EXPECT_FALSE(operation.result()) << "whether the child will fail nobody knows yet";
+        EXPECT_FALSE(operation.result()) << "the child may still fail";
     }
     operation.setData(output);
     operation.parseData();

@@ -251,7 +251,7 @@ TEST_F(Cloning, ThatCannotBeSaysWhy) {
                 HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
     EXPECT_THAT(perform(clone(source.path(), path("missing")))->error(),
                 HasErrorClass(NEBSourceControlNotStartedErrorClass))
-        << "git runs in the destination, which must be there";
+        << "git runs in the destination, which must exist";
 }
 
 TEST_F(Cloning, IsCancelledWithNothingLeftBehind) {

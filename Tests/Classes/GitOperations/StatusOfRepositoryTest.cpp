@@ -214,7 +214,7 @@ TEST_F(StatusOfRepository, ReportsAnUnreadableFolderBesideTheRecords) {
 
 TEST_F(StatusOfRepository, ReportsARepositoryOfAnotherUser) {
     if (::geteuid() != 0) {
-        GTEST_SKIP() << "only root can make somebody else's repository";
+        GTEST_SKIP() << "only root can create a repository of another user";
     }
     const TestRepository repository;
     const test::AsOrdinaryUser user;

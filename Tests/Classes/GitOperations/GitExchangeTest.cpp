@@ -9,6 +9,7 @@
 #include "Classes/GitOperations/ExchangeRequests.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/RequestRun.h"
+#include "Support/TemporaryFolder.h"
 
 namespace neb {
 namespace {

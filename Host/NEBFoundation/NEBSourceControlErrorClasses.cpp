@@ -11,7 +11,7 @@ namespace neb {
 namespace {
 
 constexpr NEBSourceControlErrorClass classes[] = {
-    // servers and the way to them
+    // servers and connections to them
     {NEBSourceControlCredentialsNeededErrorClass,
      "The server requires a user name and password, and none are stored.",
      "Set up a credential helper (see \"git help credentials\"), then run \"git fetch\" once in a "

@@ -1,4 +1,4 @@
-// NEBSourceControlErrorClasses.h - the classes of failure, with a sentence and advice for each.
+// NEBSourceControlErrorClasses.h - the table of error classes, with a sentence and advice for each.
 #pragma once
 
 #include <span>
@@ -13,10 +13,10 @@ namespace neb {
 struct NEBSourceControlErrorClass {
     /// The value of NEBSourceControlError::errorClass, such as "remote-ahead".
     std::string_view name;
-    /// A sentence that says what happened. "%@" is the source tree's name.
+    /// A sentence that describes the failure. "%@" is the name of the source tree.
     std::string_view description;
-    /// What to do about it, one or two sentences; commands in it are git's, in double quotes. Empty
-    /// where there is nothing to do, or nothing known.
+    /// What to do about it, in one or two sentences, with commands of git in double quotes. Empty
+    /// if nothing can be done or no advice is known.
     std::string_view advice = {};
 };
 

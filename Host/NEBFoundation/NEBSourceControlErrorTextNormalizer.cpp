@@ -17,9 +17,9 @@ bool isWordCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
 }
 
-/// What of a name tells what happened, with the closing quote: the lock of the index or another,
-/// that the program looked for was one of those that talk to remotes, and that it is a URL.
-std::string_view wordsInName(std::string_view name) {
+/// Returns the part of a name that identifies the failure, with the closing quote: the suffix of a
+/// lock file, the prefix of a remote helper, or the separator of a URL.
+std::string_view keptPartOf(std::string_view name) {
     return name.ends_with("index.lock")                 ? "index.lock'"
            : name.ends_with(".lock")                    ? ".lock'"
            : name.starts_with("remote-")                ? "remote-'"
@@ -27,7 +27,7 @@ std::string_view wordsInName(std::string_view name) {
                                                         : "'";
 }
 
-/// The line without the progress of a rebase in front of it, which ends with a carriage return.
+/// Returns the line without the preceding progress of a rebase, which ends with a carriage return.
 std::string_view withoutProgress(std::string_view line) {
     constexpr std::string_view progress = "rebasing (";
     while (startsWith(line, progress) && line.find('\r') != std::string_view::npos) {
@@ -36,41 +36,41 @@ std::string_view withoutProgress(std::string_view line) {
     return line;
 }
 
-/// The part of the line in front of names without quotes, of a commit's subject or of the remote's
-/// message; the line as it is where it holds none.
-std::string_view ownWordsOf(std::string_view line) {
-    constexpr std::string_view lastWords[] = {"conflict (",
-                                              "auto-merging ",
-                                              "fatal: no such path ",
-                                              "fatal: remote error: ",
-                                              "on branch ",
-                                              "could not apply ",
-                                              "error: could not apply ",
-                                              "error: could not revert ",
-                                              "dropping ",
-                                              "applying: ",
-                                              "patch failed at ",
-                                              "head is now at ",
-                                              "previous head position was "};
+/// Returns the part of the line before a name without quotes, the subject of a commit or a message
+/// of the remote; the whole line if it has none of these.
+std::string_view messageOf(std::string_view line) {
+    constexpr std::string_view prefixes[] = {"conflict (",
+                                             "auto-merging ",
+                                             "fatal: no such path ",
+                                             "fatal: remote error: ",
+                                             "on branch ",
+                                             "could not apply ",
+                                             "error: could not apply ",
+                                             "error: could not revert ",
+                                             "dropping ",
+                                             "applying: ",
+                                             "patch failed at ",
+                                             "head is now at ",
+                                             "previous head position was "};
     constexpr std::string_view knownReasons[] = {
         "hook declined)", "(branch is currently checked out)", "(shallow update not allowed)",
         "repository not found", "repository not exported"};
     const bool isKnown = std::any_of(
         std::begin(knownReasons), std::end(knownReasons),
         [line](std::string_view reason) { return line.find(reason) != std::string_view::npos; });
-    for (const std::string_view words : lastWords) {
-        if (startsWith(line, words) && !isKnown) {
-            return line.substr(0, words.size());
+    for (const std::string_view prefix : prefixes) {
+        if (startsWith(line, prefix) && !isKnown) {
+            return line.substr(0, prefix.size());
         }
     }
     constexpr std::string_view rejected = "[remote rejected]";
-    const std::size_t place = line.find(rejected);
-    return place != std::string_view::npos && !isKnown ? line.substr(0, place + rejected.size())
-                                                       : line;
+    const std::size_t offset = line.find(rejected);
+    return offset != std::string_view::npos && !isKnown ? line.substr(0, offset + rejected.size())
+                                                        : line;
 }
 
-/// The line without what stands between quotes, so that no file's, branch's or repository's name is
-/// taken for git's words. The quotes stay; an apostrophe inside a word is none.
+/// Returns the line without the names between quotes, so that no name of a file, branch or
+/// repository counts as a message. The quotes stay. An apostrophe inside a word is not a quote.
 std::string withoutNames(std::string_view line) {
     const auto isOpening = [line](std::size_t i) {
         return line[i] == '\'' && (i == 0 || !isWordCharacter(line[i - 1]));
@@ -78,7 +78,7 @@ std::string withoutNames(std::string_view line) {
     const auto isClosing = [line](std::size_t i) {
         return line[i] == '\'' && (i + 1 == line.size() || !isWordCharacter(line[i + 1]));
     };
-    // One behind the last closing quote: behind it, no opening one is looked up in vain.
+    // The end of the last closing quote: after it, no search for a closing quote can succeed.
     std::size_t lastClosing = line.size();
     while (lastClosing > 0 && !isClosing(lastClosing - 1)) {
         --lastClosing;
@@ -92,14 +92,14 @@ std::string withoutNames(std::string_view line) {
                 ++end;
             }
             const std::string_view name = line.substr(i + 1, end - i - 1);
-            text += wordsInName(name);
+            text += keptPartOf(name);
             i = end;
         }
     }
     return text;
 }
 
-/// Keeps the lines of which `isKept` holds, without the names in them.
+/// Returns the lines for which `isKept` is true, without the names in them.
 template <typename Predicate>
 std::string linesOf(std::string_view text, const Predicate& isKept) {
     std::string kept;
@@ -107,7 +107,7 @@ std::string linesOf(std::string_view text, const Predicate& isKept) {
         const std::size_t end = text.find('\n');
         const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
         if (isKept(text.substr(0, length))) {
-            kept += withoutNames(ownWordsOf(withoutProgress(text.substr(0, length))));
+            kept += withoutNames(messageOf(withoutProgress(text.substr(0, length))));
             kept += kept.ends_with('\n') ? "" : "\n";
         }
         text.remove_prefix(length);
@@ -115,16 +115,15 @@ std::string linesOf(std::string_view text, const Predicate& isKept) {
     return kept;
 }
 
-/// Whether the line is git's own word on what happened: not the far end's, not an entry of a list,
-/// not the address that was talked to.
+/// Whether the line is a message of git: not from the remote, not an entry of a list, not the URL
+/// of a transfer.
 bool isStatement(std::string_view line) {
     constexpr std::string_view others[] = {"remote:", "\t", "  ", "to ", "from ", "#"};
     return std::none_of(std::begin(others), std::end(others),
                         [line](std::string_view other) { return startsWith(line, other); });
 }
 
-/// Whether the warning tells why a name is not known: git finds a reference that it cannot read,
-/// and goes on as if there were none.
+/// Whether the warning explains why a name is unknown: git ignores references that it cannot read.
 bool isCause(std::string_view warning) {
     return startsWith(warning, "warning: ignoring broken ref ") ||
            startsWith(warning, "warning: ignoring dangling symref ");

@@ -1,13 +1,15 @@
-// NEBSourceControlErrorTextNormalizer.h - what in the words of git tells what happened, for a table
-// of texts to be compared with: git's own statements, in small letters.
+// NEBSourceControlErrorTextNormalizer.h - reduces the output of git to its own messages, in lower
+// case, as the error catalogue compares them.
 //
 //     error: cannot lock ref 'refs/heads/disk full'    error: cannot lock ref ''
 //     remote: fatal: not a git repository
 //     hint: Try again.                                 hint: try again.
 //
-// Left out are the names that stand between quotes (but for their end, where it tells which lock or
-// which program is meant), the subjects of commits, the messages of the remote, the entries of
-// lists and the address of the remote: their author must not choose the class of a failure.
+// Names in quotes, subjects of commits, messages from the remote, entries of lists and the URL of
+// the remote are removed, because their authors must not choose the class of a failure. A name in
+// quotes keeps the end that identifies a lock file, a remote helper or a URL.
+//
+// All functions are thread-safe.
 #pragma once
 
 #include <string>
@@ -15,15 +17,15 @@
 
 namespace neb {
 
-/// The lines that are git's own word on what happened. From any thread, as are the others.
+/// Returns the messages of git in the text, one per line.
 [[nodiscard]] std::string NEBSourceControlStatementsInText(std::string_view text);
 
-/// The statements without warnings and hints, which do not tell why something failed where an error
-/// does; a warning that a reference cannot be read does.
+/// Returns the statements without warnings and hints. Warnings about unreadable references stay,
+/// because they are the cause of errors about unknown names.
 [[nodiscard]] std::string NEBSourceControlStatementsWithoutAsides(std::string_view statements);
 
-/// The statements that begin with "fatal:" or "error:", as git's own failures do, and the words of
-/// a hook, a filter or ssh seldom.
+/// Returns the statements that begin with "fatal:" or "error:", as errors of git do and messages of
+/// hooks, filters and ssh rarely do.
 [[nodiscard]] std::string NEBSourceControlFailuresAmongStatements(std::string_view statements);
 
 }  // namespace neb

@@ -1,4 +1,4 @@
-// ErrorTexts.h - texts of failures, with the class that each shows.
+// ErrorTexts.h - error messages of git and other programs, with their classes.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@ namespace neb::test {
 
 struct CatalogueText {
     std::string_view errorClass;
-    /// The code that the catalogue has for it.
+    /// The code of the catalogue.
     std::int64_t code;
     std::string text;
-    /// Replaces the sentence and advice of the class.
+    /// Sentence and advice, if they differ from those of the class.
     const char* description = nullptr;
     const char* suggestion = nullptr;
 };
 
-/// What git 2.39 and newer ones print, and some that only older ones printed.
+/// Returns messages of git 2.39 and newer, and some that only older versions print.
 [[nodiscard]] std::span<const CatalogueText> catalogueTexts();
 
 struct TextOfGit {
@@ -26,11 +26,11 @@ struct TextOfGit {
     const char* text;
 };
 
-/// What git, ssh, curl and the Subversion bridge print, to the letter.
+/// Returns exact messages of git, ssh, curl and git svn.
 [[nodiscard]] std::span<const TextOfGit> textsOfGit();
 
-/// Texts of git 2.39's own sources, one of each family that the commands of the plug-in can print;
-/// every name is "x", every number 7.
+/// Returns messages from the sources of git 2.39, one of each kind that the commands of the plug-in
+/// can print. Every name is "x", every number 7.
 [[nodiscard]] std::span<const TextOfGit> familyTexts();
 
 }  // namespace neb::test

@@ -7,7 +7,7 @@ namespace neb::test {
 namespace {
 
 const TextOfGit texts[] = {
-    // names that stand for two things
+    // ambiguous names
     {NEBSourceControlRevisionAmbiguousErrorClass,
      "fatal: ambiguous argument 'a': both revision and filename\n"
      "Use '--' to separate paths from revisions, like this:\n"
@@ -37,7 +37,7 @@ const TextOfGit texts[] = {
     {NEBSourceControlPushDestinationUnclearErrorClass,
      "fatal: You didn't specify any refspecs to push, and push.default is \"nothing\"."},
     {NEBSourceControlRevisionUnknownErrorClass, "fatal: invalid upstream 'nosuch'"},
-    // the cause, and what follows from it
+    // causes and their consequences
     {NEBSourceControlRemoteUnsupportedErrorClass,
      "fatal: the receiving end does not support --signed push\n"
      "fatal: the remote end hung up unexpectedly"},
@@ -120,7 +120,7 @@ const TextOfGit texts[] = {
      "fatal: unable to read files to diff"},
     {NEBSourceControlProgramMissingErrorClass,
      "words: 1: words: not found\nfatal: unable to read files to diff"},
-    // requests
+    // invalid requests
     {NEBSourceControlRequestInvalidErrorClass,
      "error: unknown option `foo'\nusage: git branch [<options>] [-r | -a]"},
     {NEBSourceControlRequestInvalidErrorClass,

@@ -72,7 +72,7 @@ TEST(ProgramPlugIn, AnExceptionIsTheErrorOfTheRequest) {
         ASSERT_TRUE(error.is_object()) << entryPoint;
         EXPECT_EQ(error["class"], "unknown") << entryPoint;
         EXPECT_EQ(error["userInfo"]["NEBLocalizedDescriptionKey"],
-                  "The plug-in failed unexpectedly: it threw an exception of the type \"int\".")
+                  "The plug-in failed unexpectedly: it threw an exception of type \"int\".")
             << entryPoint;
         EXPECT_EQ(outcome.json()["result"], nullptr) << entryPoint;
     }

@@ -17,7 +17,7 @@ using test::requestFor;
 
 class Catalogue : public testing::TestWithParam<test::CatalogueText> {};
 
-TEST_P(Catalogue, KnowsTheClassAndCodeOfAText) {
+TEST_P(Catalogue, HasTheClassAndCodeOfTheText) {
     const auto error = NEBSourceControlErrorFromText(
         GetParam().text, *requestFor(NEBSourceControlRequestLog, std::nullopt));
     EXPECT_EQ(NEBSourceControlErrorClassOfText(GetParam().text), GetParam().errorClass);
@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, Catalogue,
                          testing::ValuesIn(test::catalogueTexts().begin(),
                                            test::catalogueTexts().end()));
 
-TEST(ErrorClasses, WhatTheFarEndSaidCountsForNothing) {
+TEST(ErrorClasses, MessagesFromTheRemoteDoNotCount) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(
                   "remote: Permission denied\nremote: fatal: not a git repository\n"),
               NEBSourceControlUnknownErrorClass);
@@ -51,10 +51,10 @@ TEST(ErrorClasses, WhatTheFarEndSaidCountsForNothing) {
               NEBSourceControlRemoteHookRefusedErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("the remote: not a git repository"),
               NEBSourceControlNotARepositoryErrorClass)
-        << "only lines that begin so are the far end's";
+        << "only lines that begin with the prefix are from the remote";
 }
 
-TEST(ErrorClasses, AWarningOrHintGivesWayToAnError) {
+TEST(ErrorClasses, AnErrorPrecedesWarningsAndHints) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(
                   "warning: unable to access '/h/.config/git/ignore': Permission denied\n"
                   "fatal: bad revision 'nosuch'\n"),
@@ -64,7 +64,7 @@ TEST(ErrorClasses, AWarningOrHintGivesWayToAnError) {
         NEBSourceControlRevisionUnknownErrorClass);
 }
 
-TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
+TEST(ErrorClasses, NamesInQuotesDoNotCount) {
     const std::pair<const char*, std::string_view> texts[] = {
         {"fatal: pathspec 'sync conflict (1).txt' did not match any files",
          NEBSourceControlPathUnknownErrorClass},
@@ -92,7 +92,7 @@ TEST(ErrorClasses, NamesOfFilesBranchesAndRepositoriesAreNotGitsWords) {
     }
 }
 
-TEST(ErrorClasses, SubjectsOfCommitsAreNotGitsWords) {
+TEST(ErrorClasses, SubjectsOfCommitsDoNotCount) {
     const std::pair<const char*, std::string_view> texts[] = {
         {"error: could not apply 1db7596... handle No space left on device\n"
          "Could not apply 1db7596... handle No space left on device",
@@ -118,30 +118,30 @@ TEST(ErrorClasses, SubjectsOfCommitsAreNotGitsWords) {
     }
 }
 
-TEST(ErrorClasses, ALineOfQuotesIsReadOnce) {
+TEST(ErrorClasses, ALineOfQuotesTakesLinearTime) {
     std::string text = "fatal: bad object x";
     for (int i = 0; i < 1000000; ++i) {
-        text += " 'a";  // opens, and is never closed: hours, if each were followed to the end
+        text += " 'a";  // opening quotes without a closing one
     }
     EXPECT_EQ(NEBSourceControlErrorClassOfText(text), NEBSourceControlRevisionUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("'"), NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("''"), NEBSourceControlUnknownErrorClass);
 }
 
-TEST(ErrorClasses, ThePiecesOfASignStandInTheirOrder) {
+TEST(ErrorClasses, ThePartsOfAPatternMatchInOrder) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText("does not match any src refspec "),
               NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("remote:fatal: not a git repository"),
               NEBSourceControlUnknownErrorClass);
 }
 
-TEST(ErrorClasses, TheCauseGoesBeforeWhatAccompaniesIt) {
+TEST(ErrorClasses, ACausePrecedesItsConsequences) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText("fatal: Could not read from remote repository.\n"
                                                "ssh: connect to host h port 1: Connection refused"),
               NEBSourceControlHostUnreachableErrorClass);
 }
 
-TEST(ErrorClasses, NoTextShowsNone) {
+TEST(ErrorClasses, AnEmptyTextHasNoClass) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(""), NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText("\n\n"), NEBSourceControlUnknownErrorClass);
     EXPECT_EQ(NEBSourceControlErrorClassOfText(std::string("\0\xFF\n", 3)),

@@ -20,7 +20,7 @@ bool isSentence(std::string_view text) {
            text.find("nebsc") == std::string_view::npos;
 }
 
-TEST(ErrorClassTable, HasASentenceForEachClassAndEachClassOnce) {
+TEST(ErrorClassTable, HasEachClassOnceWithASentence) {
     std::set<std::string_view> names;
     for (const NEBSourceControlErrorClass& row : NEBSourceControlErrorClasses()) {
         EXPECT_TRUE(names.insert(row.name).second) << row.name;
@@ -42,7 +42,7 @@ TEST(ErrorClassTable, HasEveryClassOfTheCatalogue) {
     }
 }
 
-TEST(ErrorClassTable, HasAdviceForEveryFailureThatIsKnown) {
+TEST(ErrorClassTable, HasAdviceForEveryKnownFailure) {
     std::set<std::string_view> without;
     for (const NEBSourceControlErrorClass& row : NEBSourceControlErrorClasses()) {
         if (row.advice.empty()) {
@@ -60,34 +60,34 @@ NEBSourceControlError errorOf(std::string_view errorClass) {
     return error;
 }
 
-TEST(ErrorClassTable, AddsAdviceToAnErrorThatHasNone) {
+TEST(ErrorClassTable, AddsAdviceToAnErrorWithoutASuggestion) {
     auto error = errorOf(NEBSourceControlDiskFullErrorClass);
     NEBSourceControlAddAdvice(error);
     EXPECT_EQ(error.localizedDescription(), "It failed.");
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Free some space, then try again.");
 }
 
-TEST(ErrorClassTable, LeavesAnErrorThatHasASuggestion) {
+TEST(ErrorClassTable, KeepsTheSuggestionOfAnError) {
     auto error = NEBSourceControlError::withDescription(-1, "It failed.", "Do this.");
     error.errorClass = NEBSourceControlDiskFullErrorClass;
     NEBSourceControlAddAdvice(error);
     EXPECT_EQ(error.localizedRecoverySuggestion(), "Do this.");
 }
 
-TEST(ErrorClassTable, LeavesAnErrorWithoutDescriptionClassOrAdvice) {
+TEST(ErrorClassTable, AddsNothingWithoutDescriptionClassOrAdvice) {
     NEBSourceControlError bare;
     bare.errorClass = NEBSourceControlSourceDirectoryEmptyErrorClass;
     auto withoutClass = NEBSourceControlError::withDescription(-1, "It failed.");
     auto cancelled = errorOf(NEBSourceControlCancelledErrorClass);
-    auto ofNoClass = errorOf("nosuch");
-    for (NEBSourceControlError* error : {&bare, &withoutClass, &cancelled, &ofNoClass}) {
+    auto ofUnknownName = errorOf("nosuch");
+    for (NEBSourceControlError* error : {&bare, &withoutClass, &cancelled, &ofUnknownName}) {
         NEBSourceControlAddAdvice(*error);
         EXPECT_EQ(error->localizedRecoverySuggestion(), std::nullopt);
     }
     EXPECT_TRUE(bare.userInfo.isEmpty());
 }
 
-TEST(ErrorClassTable, GivesATextOfGitItsSentenceAndAdvice) {
+TEST(ErrorClassTable, DescribesATextOfGit) {
     const std::string text =
         "fatal: could not read Username for 'http://127.0.0.1': terminal prompts disabled\n";
     const auto error = NEBSourceControlErrorFromText(
@@ -99,7 +99,7 @@ TEST(ErrorClassTable, GivesATextOfGitItsSentenceAndAdvice) {
     EXPECT_EQ(error.text, text);
 }
 
-TEST(ErrorClassTable, GoesBeforeTheHintsOfGit) {
+TEST(ErrorClassTable, PrecedesTheHintsOfGit) {
     const char* text =
         "The following paths are ignored by one of your .gitignore files:\nx.o\nhint: Use -f if";
     const auto error = NEBSourceControlErrorFromText(
@@ -109,7 +109,7 @@ TEST(ErrorClassTable, GoesBeforeTheHintsOfGit) {
     EXPECT_THAT(error.hints, testing::ElementsAre("Use -f if"));
 }
 
-TEST(ErrorClassTable, LeavesATextOfNoClassAndItsHints) {
+TEST(ErrorClassTable, KeepsATextWithoutAClassAndItsHints) {
     const char* text = "hint: Try this\nfatal: something new";
     const auto error = NEBSourceControlErrorFromText(
         text, *test::requestFor(NEBSourceControlRequestAdd, std::nullopt));

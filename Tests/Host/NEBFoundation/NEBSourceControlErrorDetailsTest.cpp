@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 using Names = std::vector<std::string>;
 
-TEST(Hints, AreTheMarkedLinesWithoutTheMark) {
+TEST(Hints, AreTheLinesWithThePrefix) {
     EXPECT_THAT(NEBSourceControlHintsInText("To /r.git\n"
                                             "hint: Updates were rejected because the remote\n"
                                             "hint: contains work that you do not have.\n"
@@ -24,11 +24,11 @@ TEST(Hints, AreTheMarkedLinesWithoutTheMark) {
                             "contains work that you do not have.", "", "  git pull", ""));
     EXPECT_THAT(NEBSourceControlHintsInText("hint:\tgit branch -D a"),
                 ElementsAre("\tgit branch -D a"));
-    EXPECT_THAT(NEBSourceControlHintsInText("remote: hint: not ours\n"), IsEmpty());
+    EXPECT_THAT(NEBSourceControlHintsInText("remote: hint: from the remote\n"), IsEmpty());
     EXPECT_THAT(NEBSourceControlHintsInText(""), IsEmpty());
 }
 
-TEST(Hints, ReadTogetherAsGitWroteThem) {
+TEST(Hints, JoinAsGitPrintedThem) {
     EXPECT_EQ(NEBSourceControlAdviceOfHints({"You can", "", "  git pull", "", ""}),
               "You can\n\n  git pull");
     EXPECT_EQ(NEBSourceControlAdviceOfHints({"", "You can"}), "You can");
@@ -36,13 +36,13 @@ TEST(Hints, ReadTogetherAsGitWroteThem) {
     EXPECT_EQ(NEBSourceControlAdviceOfHints({"", ""}), "");
 }
 
-TEST(Hints, CanBeLeftOut) {
+TEST(Hints, CanBeRemoved) {
     EXPECT_EQ(NEBSourceControlTextWithoutHints("hint: a\nfatal: b\nhint:\n\n c"), "fatal: b\n\n c");
     EXPECT_EQ(NEBSourceControlTextWithoutHints("hint: a"), "");
     EXPECT_EQ(NEBSourceControlTextWithoutHints(""), "");
 }
 
-TEST(RemoteLines, AreTheMarkedLinesWithoutTheMark) {
+TEST(RemoteLines, AreTheLinesWithThePrefix) {
     EXPECT_THAT(NEBSourceControlRemoteLinesInText("remote: No.        \n"
                                                   "remote:        \n"
                                                   "remote:   indented\r\n"
@@ -210,7 +210,7 @@ const FilesCase cases[] = {
     {NEBSourceControlIndexLockedErrorClass,
      "fatal: Unable to create '/r/.git/index.lock': File exists.\n",
      {"/r/.git/index.lock"}},
-    // what is no file
+    // no file
     {NEBSourceControlRevisionUnknownErrorClass,
      "error: pathspec 'a' did not match any file(s) known to git\n",
      {}},

@@ -10,16 +10,16 @@
 namespace neb {
 namespace {
 
-class SaidByGit : public testing::TestWithParam<test::TextOfGit> {};
+class MessagesOfGit : public testing::TestWithParam<test::TextOfGit> {};
 
-TEST_P(SaidByGit, ShowsTheClass) {
+TEST_P(MessagesOfGit, HasTheClass) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(GetParam().text), GetParam().errorClass)
         << GetParam().text;
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, SaidByGit,
+INSTANTIATE_TEST_SUITE_P(Texts, MessagesOfGit,
                          testing::ValuesIn(test::textsOfGit().begin(), test::textsOfGit().end()));
-INSTANTIATE_TEST_SUITE_P(Families, SaidByGit,
+INSTANTIATE_TEST_SUITE_P(Families, MessagesOfGit,
                          testing::ValuesIn(test::familyTexts().begin(), test::familyTexts().end()));
 
 /// Returns a text that matches the pattern, with a name where the pattern begins or ends with a
@@ -67,10 +67,10 @@ TEST(ErrorCatalogueRows, GeneralPatternsMatchOnlyErrorsOfGit) {
     }
 }
 
-TEST(SaidByGitAtLength, TheCauseStandsAtTheBeginningOrAtTheEnd) {
+TEST(LongTexts, TheCauseIsFoundAtTheBeginningAndAtTheEnd) {
     std::string lines;
     while (lines.size() < 1000000) {
-        lines += "error: nothing that says why\n";
+        lines += "error: something without a cause\n";
     }
     const std::string cause = "fatal: unable to write: No space left on device\n";
     EXPECT_EQ(NEBSourceControlErrorClassOfText(cause + lines), NEBSourceControlDiskFullErrorClass);
@@ -78,7 +78,7 @@ TEST(SaidByGitAtLength, TheCauseStandsAtTheBeginningOrAtTheEnd) {
     EXPECT_EQ(NEBSourceControlErrorClassOfText(lines), NEBSourceControlUnknownErrorClass);
 }
 
-TEST(SaidByGitAtLength, WarningsAreLeftOutBeforeTheMiddleIs) {
+TEST(LongTexts, WarningsAreRemovedBeforeTheMiddle) {
     std::string warnings;
     while (warnings.size() < 1000000) {
         warnings += "warning: something else\n";

@@ -9,7 +9,7 @@
 namespace neb {
 namespace {
 
-TEST(FileError, HasTheSystemsNumberAndTheFailuresSentence) {
+TEST(FileError, HasTheNumberAndTheSentenceOfTheFailure) {
     const auto error = NEBSourceControlErrorFromFileFailure({ENOSPC, "It could not be written."});
     EXPECT_EQ(error.domain, "NEBPOSIXErrorDomain");
     EXPECT_EQ(error.code, ENOSPC);
@@ -18,7 +18,7 @@ TEST(FileError, HasTheSystemsNumberAndTheFailuresSentence) {
     EXPECT_EQ(error.text, std::nullopt);
 }
 
-TEST(FileError, HasTheClassOfItsNumber) {
+TEST(FileError, HasTheClassOfTheNumber) {
     const std::pair<int, std::string_view> classes[] = {
         {EACCES, NEBSourceControlPermissionDeniedErrorClass},
         {EPERM, NEBSourceControlPermissionDeniedErrorClass},

@@ -106,7 +106,7 @@ TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
 // -----------------------------------------------------------------------
 
 constexpr std::string_view unexpected =
-    "The plug-in failed unexpectedly: it threw an exception of the type \"int\".";
+    "The plug-in failed unexpectedly: it threw an exception of type \"int\".";
 
 /// Has the plug-in throw an int from an entry point.
 class ThrowingPlugIn : public testing::Test {

@@ -72,6 +72,8 @@ void isolateFromMachine() {
         {"GIT_CONFIG_NOSYSTEM", "1"},
         {"GIT_AUTHOR_DATE", "2020-09-13T12:26:40Z"},
         {"GIT_COMMITTER_DATE", "2020-09-13T12:26:40Z"},
+        // git's messages do not depend on whether the temporary folder is a mount point.
+        {"GIT_DISCOVERY_ACROSS_FILESYSTEM", "1"},
     };
     for (const auto& [name, value] : variables) {
         ::setenv(name, value.c_str(), 1);

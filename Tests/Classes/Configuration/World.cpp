@@ -118,10 +118,29 @@ std::string errorText(const std::optional<NEBSourceControlError>& error) {
            error->localizedRecoverySuggestion().value_or("(no suggestion)");
 }
 
+/// The repositories of an object format that the script created, of which all worlds are copies.
+const TemporaryFolder& originalWorld(const std::string& objectFormat) {
+    static std::map<std::string, TemporaryFolder> originals;
+    const auto [original, isNew] = originals.try_emplace(objectFormat);
+    if (isNew) {
+        runShell(original->second.path(),
+                 {"-e", "-c", std::string(worldScript), "sh", objectFormat});
+    }
+    return original->second;
+}
+
 }  // namespace
 
 World::World(std::string_view objectFormat) {
-    runShell(path(), {"-e", "-c", std::string(worldScript), "sh", std::string(objectFormat)});
+    const TemporaryFolder& original = originalWorld(std::string(objectFormat));
+    fs::copy(original.path(), path(), fs::copy_options::recursive);
+    for (const char* name : {"repository/.git/config", "remote.git/config"}) {
+        std::string config = original.read(name);
+        config.replace(config.find(original.path()), original.path().size(), path());
+        _folder.write(name, config);
+    }
+    // The index holds the inodes of the original's files.
+    runShell(repository(), {"-c", "git update-index -q --refresh"});
 }
 
 std::string World::run(std::string_view script) const {

@@ -1,6 +1,6 @@
-# Sourced by the other scripts: makes sure that Debian packages are there.
+# Functions that install missing Debian packages, for the other scripts.
 
-# need_packages NAME...: installs those that are missing; says so and ends where it cannot.
+# need_packages NAME...: installs the missing packages; exits with a message if it cannot.
 need_packages() {
     local missing=() package
     for package in "$@"; do
@@ -10,13 +10,13 @@ need_packages() {
     [ ${#missing[@]} -eq 0 ] && return 0
     if ! command -v apt-get >/dev/null; then
         command -v dpkg-query >/dev/null ||
-            echo "This is no Debian; what is needed here is what these packages hold: $*" >&2
+            echo "Not a Debian system. Install the equivalents of these packages: $*" >&2
         return 0
     fi
     local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || {
-            echo "Missing packages, and no right to install them: ${missing[*]}" >&2
+            echo "Cannot install these missing packages without root: ${missing[*]}" >&2
             exit 1
         }
         as_root=(sudo)
@@ -29,14 +29,13 @@ need_packages() {
     }
 }
 
-# need_program PROGRAM PACKAGE: installs the package where there is no such program, and leaves alone
-# a program that came in another way.
+# need_program PROGRAM PACKAGE: installs the package unless the program exists, from whatever source.
 need_program() {
     command -v "$1" >/dev/null || need_packages "$2"
 }
 
-# need_node_packages FOLDER PLACE: what the package.json and package-lock.json of the folder ask for,
-# in PLACE/node_modules; nothing is fetched when it is there.
+# need_node_packages FOLDER DESTINATION: installs the packages of FOLDER/package.json in
+# DESTINATION/node_modules, unless they are there.
 need_node_packages() {
     cmp -s "$1/package-lock.json" "$2/installed-lock.json" && return 0
     need_program node nodejs

@@ -1,4 +1,4 @@
-// `nebsc serve`, talked with through vscode-jsonrpc, the JSON-RPC library of many editors.
+// Tests `nebsc serve` with vscode-jsonrpc, the JSON-RPC library of many editors.
 //
 //     NEBSC=<path of nebsc> NODE_PATH=<path of node_modules> node --test serve.test.js
 "use strict";
@@ -16,7 +16,7 @@ const nebsc = process.env.NEBSC;
 const Type = { add: 0, status: 15, log: 18 };
 const limit = { timeout: 120_000 };
 
-// The repositories of the tests owe nothing to the user's configuration.
+// The tests do not depend on the user's configuration.
 const home = fs.mkdtempSync(path.join(os.tmpdir(), "nebsc-client-"));
 const environment = {
     ...process.env, HOME: home, GIT_CONFIG_GLOBAL: path.join(home, "config"), GIT_CONFIG_NOSYSTEM: "1",
@@ -132,7 +132,7 @@ const rejectsWith = (code, promise) =>
 
 // ---- a conversation ----------------------------------------------------------------------------
 
-test("tells what it is", limit, async () => {
+test("describes itself", limit, async () => {
     const { identity } = await Server.initialized();
     assert.deepEqual(Object.keys(identity), [
         "capabilities", "serverInfo", "contractVersion", "gitVersion", "requestTypes",
@@ -149,7 +149,7 @@ test("tells what it is", limit, async () => {
     assert.deepEqual(identity.requestTypes[Type.log], { type: Type.log, name: "log" });
 });
 
-test("answers a status and a log", limit, async () => {
+test("performs a status and a log", limit, async () => {
     const server = await Server.initialized();
     const folder = makeRepository("Grüße\n\n世界\n");
     const [status, log] = await Promise.all([
@@ -167,7 +167,7 @@ test("answers a status and a log", limit, async () => {
     assert.equal(commit.NEBSourceControlOperationMessageKey.trim(), "Grüße\n\n世界");
 });
 
-test("answers a request that fails with its outcome", limit, async () => {
+test("returns the outcome of a request that fails", limit, async () => {
     const server = await Server.initialized();
     const outcome = await server.perform(Type.log, home);
     assert.equal(outcome.error.class, "not-a-repository");
@@ -254,7 +254,7 @@ test("cancels what runs and what waits", limit, async () => {
     assert.ok(!isAlive(worker));
 });
 
-test("tells of the progress of what takes long", limit, async () => {
+test("reports the progress of a long operation", limit, async () => {
     const slowGit = makeSlowGit();
     const server = await Server.initialized(slowGit);
     const source = new rpc.CancellationTokenSource();

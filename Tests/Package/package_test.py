@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Installs what was built, moves it away, and uses it as those do who have nothing else.
+"""Installs the build, moves the prefix, and uses it without the build folder.
 
 Usage: package_test.py BUILD-FOLDER [CLASS-OR-TEST…]
 """
@@ -26,16 +26,16 @@ ENVIRONMENT.update(
     GIT_COMMITTER_NAME="Ann Example", GIT_COMMITTER_EMAIL="ann@example.org")
 
 
-def run(*words, folder=None, status=0, **variables):
-    """What the program wrote to standard output, line end and all; fails on another exit status.
+def run(*command, folder=None, status=0, **variables):
+    """Runs the program and returns its standard output, or its standard error if status is not 0.
 
-    With another status than 0 expected, what it wrote to standard error.
+    Fails on another exit status.
     """
-    done = subprocess.run([str(word) for word in words], cwd=folder, text=True, timeout=300,
+    done = subprocess.run([str(argument) for argument in command], cwd=folder, text=True, timeout=300,
                           env={**ENVIRONMENT, **variables}, stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     if done.returncode != status:
-        raise AssertionError(f"{words}: exit status {done.returncode}\n{done.stdout}{done.stderr}")
+        raise AssertionError(f"{command}: exit status {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout if status == 0 else done.stderr
 
 
@@ -70,7 +70,7 @@ class PackageTest(unittest.TestCase):
 
     @classmethod
     def install(cls):
-        """Installs, moves, and answers the new prefix; the former one is gone."""
+        """Installs, moves the prefix, and returns its new location."""
         run("cmake", "--install", BUILD, "--prefix", cls.folder / "before")
         (cls.folder / "before").rename(cls.folder / "moved")
         return cls.folder / "moved"
@@ -191,13 +191,13 @@ class Examples(PackageTest):
         cls.path = f"{cls.prefix / 'bin'}:{ENVIRONMENT['PATH']}"
 
     def expect_log(self, *words, **variables):
-        """The program prints the log as git does, and tells of a folder without a repository."""
+        """Expects the program to print the same log as git, and to report a missing repository."""
         self.assertEqual(run(*words, self.repository, **variables), self.log_of_git())
         complaint = run(*words, self.plain_folder, status=1, **variables)
         self.assertIn("The folder is not in a git repository.", complaint)
 
     def build(self, example):
-        """Builds the example with CMake, with find_package alone, and answers the program."""
+        """Builds the example with CMake and find_package, and returns the path of the program."""
         folder = self.folder / example
         run("cmake", "-S", self.prefix / "share/doc/nebgit/examples" / example, "-B", folder,
             f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_CXX_COMPILER={shutil.which(COMPILER)}")

@@ -1,11 +1,11 @@
-"""Drives a server that stays, for a long time, as careless editors do.
+"""Uses `nebsc serve` for a long time, as careless editors do.
 
     python3 Tests/Soak/soak.py build/release/bin/nebsc 30
 
-One server is asked for everything that reads and writes, in whatever order; requests are cancelled
-at any moment, messages are broken or refused. Beside it other servers come and go: their clients
-disappear without a word, in the middle of a message, or while work runs. Every quarter of a minute
-what the first server holds is printed. Exit status 1 when something stays behind or grows.
+One server receives reading and writing requests in random order, cancellations, and invalid
+messages. Meanwhile other servers start, and their clients disappear: silently, in the middle of a
+message, or while a request runs. Prints the resources of the first server every 15 seconds. The exit
+status is 1 if something remains or grows.
 """
 
 import json

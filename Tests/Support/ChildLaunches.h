@@ -1,4 +1,4 @@
-// ChildLaunches.h - what tests of the process runner run.
+// ChildLaunches.h - child processes for the tests of the process runner.
 #pragma once
 
 #include <sys/types.h>
@@ -32,7 +32,7 @@ inline ChildOutcome runOne(const ChildLaunch& launch) {
     return process.run({launch}).at(0);
 }
 
-/// The process number that a script wrote.
+/// Returns the process id that a script printed.
 inline pid_t numberIn(std::string_view text) {
     return static_cast<pid_t>(std::stol(std::string(text)));
 }

@@ -13,7 +13,7 @@ namespace neb::test {
 
 namespace {
 
-constexpr uid_t nobody = 65534;
+constexpr uid_t ordinaryUser = 65534;
 
 /// Returns the state letter of /proc/PID/stat, 'X' if there is no such process.
 char stateOf(pid_t pid) {
@@ -29,7 +29,7 @@ char stateOf(pid_t pid) {
 std::set<std::string> openDescriptors() {
     std::set<std::string> descriptors;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;  // the iterator's own descriptor, by the time that it is looked at
+        std::error_code gone;  // the descriptor of the iterator itself
         const auto target = std::filesystem::read_symlink(entry.path(), gone);
         if (!gone && target.string().find("/proc/") != 0) {
             descriptors.insert(entry.path().filename().string() + " " + target.string());
@@ -61,12 +61,12 @@ void HygienicTest::SetUp() {
 void HygienicTest::TearDown() {
     EXPECT_EQ(openDescriptors(), _descriptors) << "a descriptor was left open, or closed";
     EXPECT_EQ(std::filesystem::current_path().string(), _folder);
-    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child process was not reaped";
     EXPECT_EQ(errno, ECHILD);
 }
 
 AsOrdinaryUser::AsOrdinaryUser() : _wasRoot(::geteuid() == 0) {
-    if (_wasRoot && ::setresuid(nobody, nobody, 0) != 0) {
+    if (_wasRoot && ::setresuid(ordinaryUser, ordinaryUser, 0) != 0) {
         ADD_FAILURE() << "cannot act as an ordinary user";
     }
 }

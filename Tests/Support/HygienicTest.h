@@ -1,5 +1,5 @@
-// HygienicTest.h - a fixture that fails when a test leaves a descriptor, a process or a changed
-// working directory behind.
+// HygienicTest.h - a fixture that fails if a test leaves a descriptor open, a child running or
+// another working directory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,21 +20,20 @@ private:
     std::string _folder;
 };
 
-/// The numbers of this process's open descriptors, each with what it is open on.
+/// Returns the open descriptors of this process, each with its target.
 std::set<std::string> openDescriptors();
 
-/// Whether the process is there and neither dead nor waiting to be reaped.
+/// Returns whether the process exists and is not a zombie.
 bool isLiveProcess(pid_t pid);
 
 /// Whether the process is stopped by a signal.
 bool isStoppedProcess(pid_t pid);
 
-/// Waits until the process is gone, as it will be; the test program's time limit ends a wait in
-/// vain.
+/// Waits until the process has ended. The time limit of Tests/run.py ends an endless wait.
 void waitUntilGone(pid_t pid);
 
-/// Acts as the user "nobody" for a while, where the test program runs as root; an ordinary user
-/// stays what it is. The processes that it starts meanwhile are that user's for good.
+/// If the test program runs as root, switches to the user 65534 for the lifetime of the object.
+/// Processes that are started meanwhile keep that user.
 class AsOrdinaryUser {
 public:
     AsOrdinaryUser();

@@ -1,4 +1,4 @@
-// LoopbackServer.h - a server that always answers the same, for failures of the network.
+// LoopbackServer.h - a server with a fixed response, for tests of network failures.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,9 +17,9 @@
 
 namespace neb::test {
 
-/// Listens on a free port of the loopback address and answers each request with the text; without
-/// one it accepts and stays silent, or hangs up. A second text answers the requests that begin with
-/// "POST".
+/// Listens on a free port of the loopback address and sends the same response to each request. With
+/// an empty response it accepts the connection and sends nothing, or closes it. A second response
+/// is for requests that begin with "POST".
 class LoopbackServer {
 public:
     enum class Silence { waits, hangsUp };
@@ -82,8 +82,8 @@ private:
         return request.starts_with("POST") && !_answerToPost.empty() ? _answerToPost : _answer;
     }
 
-    /// Hears the peer out, for a few seconds at most: to close with words unread would reset the
-    /// connection, and what was written could be lost.
+    /// Reads the rest of the request, for three seconds at most, and closes the connection. Closing
+    /// it with unread data would reset it, and the response could be lost.
     static void hangUp(int peer) {
         const timeval patience{.tv_sec = 3, .tv_usec = 0};
         ::setsockopt(peer, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);

@@ -1,4 +1,4 @@
-// Matchers.h - what tests ask of results, errors and reports.
+// Matchers.h - matchers for errors, and a collector of assertion reports.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -14,7 +14,7 @@
 
 namespace neb {
 
-/// How a failed expectation shows a dictionary.
+/// Prints a dictionary in a failed expectation.
 inline void PrintTo(const NEBDictionary& dictionary, std::ostream* stream) {
     *stream << NEBValue(dictionary).description();
 }
@@ -23,7 +23,7 @@ inline void PrintTo(const NEBDictionary& dictionary, std::ostream* stream) {
 
 namespace neb::test {
 
-/// An optional error with this code, and a description that passes the matcher.
+/// Matches an optional error with this code and a matching description.
 MATCHER_P2(IsSourceControlError, code, description, "") {
     const std::optional<NEBSourceControlError>& error = arg;
     if (!error) {
@@ -36,14 +36,14 @@ MATCHER_P2(IsSourceControlError, code, description, "") {
            testing::Matches(description)(error->localizedDescription().value_or("(none)"));
 }
 
-/// An optional error of this class.
+/// Matches an optional error of this class.
 MATCHER_P(HasErrorClass, errorClass, "") {
     const std::optional<NEBSourceControlError>& error = arg;
     *result_listener << (error ? error->errorClass.value_or("(none)") : "there is no error");
     return error && error->errorClass == errorClass;
 }
 
-/// Keeps the assertion reports of a test.
+/// Collects the assertion reports during its lifetime.
 class ReportCollector {
 public:
     ReportCollector() {
@@ -60,7 +60,7 @@ private:
     std::vector<LOMAssertionReport> _reports;
 };
 
-/// A request about a working tree at `location`, named "demo".
+/// Returns a request for the working tree at `location`, named "demo".
 inline std::shared_ptr<NEBSourceControlRequest> requestFor(std::int32_t type,
                                                            std::optional<std::string> location) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();

@@ -1,5 +1,5 @@
-// RequestRun.h - goes a host's way with a request: an operation from the controller, run to its
-// end.
+// RequestRun.h - runs requests as a host does: an operation from the controller, run until it has
+// finished.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@
 
 namespace neb::test {
 
-/// The operation, which has finished. Its command log holds the children that ran.
+/// Returns the finished operation. Its command log has the child processes.
 inline std::shared_ptr<NEBSourceControlOperation> perform(
     const std::shared_ptr<NEBSourceControlRequest>& request) {
     auto operation = GitController().operationForRequest(request);
@@ -23,7 +23,7 @@ inline std::shared_ptr<NEBSourceControlOperation> perform(
     return operation;
 }
 
-/// The arguments of each child that ran, joined with blanks.
+/// Returns the arguments of each child process, joined with spaces.
 inline std::vector<std::string> commandLinesOf(const NEBSourceControlOperation& operation) {
     std::vector<std::string> lines;
     for (const NEBSourceControlCommandRun& run : operation.commandLog()->runs()) {
@@ -36,12 +36,12 @@ inline std::vector<std::string> commandLinesOf(const NEBSourceControlOperation& 
     return lines;
 }
 
-/// The strings as values: files of a request.
+/// Converts strings to values, for the files of a request.
 inline std::vector<NEBValue> valuesOf(const std::vector<std::string>& strings) {
     return {strings.begin(), strings.end()};
 }
 
-/// Runs another program in git's place.
+/// An operation that runs another program instead of git.
 template <typename Op>
 class StandIn : public Op {
 public:

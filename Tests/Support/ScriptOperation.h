@@ -12,7 +12,7 @@
 
 namespace neb::test {
 
-/// Runs a shell script; what a subclass would override is given as functions.
+/// Runs a shell script. Function members replace the overrides of a subclass.
 class ScriptOperation : public NEBSourceControlTaskOperation {
 public:
     ScriptOperation(std::string script, std::shared_ptr<NEBSourceControlRequest> request)

@@ -18,17 +18,15 @@ namespace neb::test {
 
 namespace {
 
-ChildOutcome runWords(std::vector<std::string> words) {
-    words.insert(words.begin(), "env");
+ChildOutcome runCommand(std::vector<std::string> command) {
     ChildProcess process;
     return process.run({{.launchPath = "/usr/bin/env",
-                         .arguments = {words.begin() + 1, words.end()},
+                         .arguments = std::move(command),
                          .currentDirectoryPath = std::nullopt,
                          .environment = NEBSourceControlInheritedEnvironment()}})[0];
 }
 
-/// A port that is free now. Another process may take it before it is used: whoever uses it tries
-/// again then.
+/// Returns a free port. Another process may take it first; the caller then tries another one.
 int freePort() {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -39,7 +37,7 @@ int freePort() {
                          ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) == 0;
     ::close(probe);
     if (!isBound) {
-        throw std::runtime_error("there is no free port");
+        throw std::runtime_error("no free port");
     }
     return ntohs(address.sin_port);
 }
@@ -63,7 +61,7 @@ SubversionServer::SubversionServer() {
         const std::string url = "svn://127.0.0.1:" + std::to_string(port);
         _server = startServer(_folder.path("repository"), port);
         while (::waitpid(_server, nullptr, WNOHANG) == 0) {
-            if (runWords({"svn", "info", url}).status.isSuccess()) {
+            if (runCommand({"svn", "info", url}).status.isSuccess()) {
                 _url = url;
                 break;
             }
@@ -77,12 +75,12 @@ SubversionServer::~SubversionServer() {
     ::waitpid(_server, nullptr, 0);
 }
 
-std::string SubversionServer::run(std::vector<std::string> words) const {
+std::string SubversionServer::run(std::vector<std::string> command) const {
     std::string line;
-    for (const std::string& word : words) {
-        line += word + " ";
+    for (const std::string& argument : command) {
+        line += argument + " ";
     }
-    const ChildOutcome outcome = runWords(std::move(words));
+    const ChildOutcome outcome = runCommand(std::move(command));
     if (!outcome.status.isSuccess()) {
         throw std::runtime_error(line + ": " + std::string(outcome.errorOutput));
     }
@@ -102,9 +100,9 @@ std::string SubversionServer::content(const std::string& path) const {
     return run({"svn", "cat", fileURL() + "/" + path});
 }
 
-void SubversionServer::refuseCommits(const std::string& words) const {
+void SubversionServer::refuseCommits(const std::string& message) const {
     _folder.writeProgram("repository/hooks/pre-commit",
-                         "#!/bin/sh\necho '" + words + "' >&2\nexit 1\n");
+                         "#!/bin/sh\necho '" + message + "' >&2\nexit 1\n");
 }
 
 }  // namespace neb::test

@@ -1,4 +1,4 @@
-// SubversionServer.h - a Subversion repository that a test makes, and a server for it.
+// SubversionServer.h - a Subversion repository for a test, and its server.
 #pragma once
 
 #include <sys/types.h>
@@ -10,8 +10,8 @@
 
 namespace neb::test {
 
-/// A repository with the usual folders trunk, branches and tags, its trunk holding the file "a"
-/// ("first\n"), served at a free port of the loopback address for as long as the object lives.
+/// A repository with the folders trunk, branches and tags and the file trunk/a ("first\n"), served
+/// on a free port of the loopback address for the lifetime of the object.
 class SubversionServer {
 public:
     SubversionServer();
@@ -21,16 +21,16 @@ public:
 
     /// "svn://127.0.0.1:PORT".
     [[nodiscard]] std::string url() const { return _url; }
-    /// The same repository as a file URL, without the server.
+    /// The file URL of the repository, which needs no server.
     [[nodiscard]] std::string fileURL() const { return "file://" + _folder.path("repository"); }
-    /// Runs a program and answers what it printed; throws when it fails.
-    std::string run(std::vector<std::string> words) const;
-    /// Commits a file, new or not, below the repository's root, with Subversion itself.
+    /// Runs a program and returns its output. Throws if it fails.
+    std::string run(std::vector<std::string> command) const;
+    /// Adds or changes a file, with a path from the root of the repository, and commits it.
     void commitFile(const std::string& path, const std::string& bytes) const;
-    /// A file's content as Subversion has it.
+    /// Returns the content of a file in the latest revision.
     [[nodiscard]] std::string content(const std::string& path) const;
-    /// Makes every commit fail with the hook's words.
-    void refuseCommits(const std::string& words) const;
+    /// Makes every commit fail with this message of the hook.
+    void refuseCommits(const std::string& message) const;
 
 private:
     TemporaryFolder _folder;

@@ -1,4 +1,4 @@
-// TemporaryFolder.h - a folder of a test's own, gone with it.
+// TemporaryFolder.h - a temporary folder for a test, removed with the object.
 #pragma once
 
 #include <filesystem>
@@ -17,11 +17,11 @@ public:
     /// Absolute, without symbolic links in it.
     [[nodiscard]] std::string path() const { return _path.string(); }
     [[nodiscard]] std::string path(std::string_view name) const { return (_path / name).string(); }
-    /// Writes a file, making the folders on its way, and answers its path.
+    /// Writes a file, creates its parent folders, and returns its absolute path.
     std::string write(std::string_view name, std::string_view bytes) const;
-    /// The same, executable: a program that stands in for another.
+    /// The same for an executable script, which usually replaces another program.
     std::string writeProgram(std::string_view name, std::string_view script) const;
-    /// A file's bytes; empty when there is none.
+    /// Returns the content of a file; empty if it does not exist.
     [[nodiscard]] std::string read(std::string_view name) const;
 
 private:

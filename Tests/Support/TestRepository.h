@@ -1,5 +1,4 @@
-// TestRepository.h - a real repository that a test makes, apart from whatever the machine's user
-// has configured.
+// TestRepository.h - a git repository for a test, independent of the user's configuration.
 #pragma once
 
 #include <initializer_list>
@@ -11,16 +10,16 @@
 
 namespace neb::test {
 
-/// Points HOME, XDG_CONFIG_HOME and git's configuration files of this process (and so of every git
-/// that it starts) at an empty home with an identity, a fixed date and the first branch "main".
-/// Called by main() of the test programs, before anything else.
+/// Sets the environment of this process, and so of each git that it starts, to an empty home folder
+/// with an identity, a fixed date and the initial branch "main". main() of the test programs calls
+/// it first.
 void isolateFromMachine();
 
-/// `git init` in a folder of its own.
+/// An empty repository with a working copy, removed with the object.
 class TestRepository {
 public:
     TestRepository();
-    /// A clone of the repository at the location.
+    /// Clones the repository at the location.
     explicit TestRepository(const std::string& location);
 
     [[nodiscard]] std::string path() const { return _folder.path("repository"); }
@@ -29,11 +28,11 @@ public:
     }
     /// Writes a file of the working copy.
     void write(std::string_view name, std::string_view bytes) const;
-    /// Runs git there and answers what it printed; throws when it fails.
+    /// Runs git in the working copy and returns its output. Throws if it fails.
     std::string git(std::vector<std::string> arguments) const;
-    /// The same, with these bytes as its standard input.
+    /// The same with standard input.
     std::string gitWithInput(std::vector<std::string> arguments, std::string_view input) const;
-    /// Runs git there and answers only its exit status.
+    /// Runs git in the working copy and returns its exit status, -1 if a signal killed it.
     int gitStatus(std::vector<std::string> arguments) const;
     /// Writes the file, adds and commits it.
     void commitFile(std::string_view name, std::string_view bytes,

@@ -275,7 +275,8 @@ TEST(ExportTreeCommand, RunsNothingWithoutADestination) {
         GitExportTreeOperation operation(request);
         operation.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
         operation.start();
-        EXPECT_THAT(operation.error(), IsSourceControlError(-1, testing::HasSubstr("no folder")));
+        EXPECT_THAT(operation.error(),
+                    IsSourceControlError(-1, testing::HasSubstr("no destination")));
         EXPECT_THAT(operation.commandLog()->runs(), IsEmpty());
     }
 }

@@ -19,14 +19,14 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view symbolicPrefix = "ref:";
 
-/// The reference's part of a revision: "main" of "main~3", HEAD of "@{1}".
+/// Returns the reference in a revision: "main" for "main~3", HEAD for "@{1}".
 std::string referencePartOf(const std::string& revision) {
     std::string name = revision.substr(0, std::min(revision.find_first_of("~^:"), revision.size()));
     name.resize(std::min(name.find("@{"), name.size()));
     return name.empty() || name == "@" ? "HEAD" : name;
 }
 
-/// In the folder of the repository itself git takes such names alone for references.
+/// git takes only such names for references in the top folder of the repository.
 bool isPseudoReference(const std::string& name) {
     return std::all_of(name.begin(), name.end(), [](char character) {
         return (character >= 'A' && character <= 'Z') || character == '_';
@@ -48,7 +48,8 @@ std::vector<std::string> candidatesFor(const std::string& name) {
     return candidates;
 }
 
-/// The first bytes of the file, without the white space at both ends; nothing without a file.
+/// Returns the first bytes of the file, without white space at both ends; absent if there is no
+/// file.
 std::optional<std::string> contentOf(const std::string& path) {
     std::error_code ignored;
     if (!fs::is_regular_file(path, ignored)) {
@@ -71,7 +72,7 @@ public:
         return _git.succeeds({"check-ref-format", "--allow-onelevel", name});
     }
 
-    /// The first name that stands for something decides.
+    /// The first name that exists decides.
     [[nodiscard]] std::optional<NEBSourceControlError> errorForFirst(
         const std::vector<std::string>& names) {
         for (const std::string& name : names) {
@@ -88,7 +89,7 @@ public:
     }
 
 private:
-    /// The branch that HEAD stands for.
+    /// Returns the branch that HEAD stands for.
     [[nodiscard]] std::string targetOf(const std::string& name) {
         return _git.outputOf({"rev-parse", "--symbolic-full-name", name}).value_or(name);
     }
@@ -99,11 +100,10 @@ private:
                                      : pathByAppendingComponent(_git.workingCopy().location, path);
     }
 
-    /// Follows symbolic references. One that ends where no file is stands for a branch without a
-    /// commit.
+    /// Follows symbolic references. A reference without a file is a branch without commits.
     [[nodiscard]] std::optional<NEBSourceControlError> errorOfFile(std::string name) {
-        constexpr int mostSteps = 5;  // git's own limit
-        for (int step = 0; step < mostSteps; ++step) {
+        constexpr int maximumSteps = 5;  // git's own limit
+        for (int step = 0; step < maximumSteps; ++step) {
             const auto content = contentOf(pathOf(name));
             if (!content) {
                 return std::nullopt;

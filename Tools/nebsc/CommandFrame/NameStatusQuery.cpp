@@ -4,8 +4,8 @@
 
 namespace neb::nebsc {
 
-/// "LETTER[SCORE]" NUL "PATH" NUL; of a renamed or copied file the old path and NUL stand in front
-/// of the path.
+/// An entry is "LETTER[SCORE]" NUL "PATH" NUL; a renamed or copied file has its old path and a NUL
+/// before the path.
 std::vector<NameStatusEntry> nameStatusEntriesIn(std::string_view output) {
     std::vector<NameStatusEntry> entries;
     const std::vector<std::string> texts = textsBetweenNULs(output);
@@ -28,17 +28,17 @@ std::vector<NameStatusEntry> nameStatusEntriesIn(std::string_view output) {
 NameStatusQuery::NameStatusQuery(std::shared_ptr<NEBSourceControlRequest> request,
                                  std::string_view dots)
     : NEBSourceControlTaskOperation(std::move(request)) {
-    const NEBSourceControlRequest& asked = *this->request();
-    setCurrentDirectoryPath(asked.sourceTree->location);
+    const NEBSourceControlRequest& diff = *this->request();
+    setCurrentDirectoryPath(diff.sourceTree->location);
     std::vector<std::string> arguments{"diff", "--no-ext-diff", "--name-status", "-z",
                                        "--end-of-options"};
-    std::string revisions(asked.startingRevision.string().value_or("HEAD"));
-    if (const auto end = asked.endingRevision.string()) {
+    std::string revisions(diff.startingRevision.string().value_or("HEAD"));
+    if (const auto end = diff.endingRevision.string()) {
         revisions.append(dots).append(*end);
     }
     arguments.insert(arguments.end(), {std::move(revisions), "--"});
-    for (std::size_t i = 0; i < asked.fileCount(); ++i) {
-        arguments.push_back((*asked.files)[i].description());
+    for (std::size_t i = 0; i < diff.fileCount(); ++i) {
+        arguments.push_back((*diff.files)[i].description());
     }
     setArguments(std::move(arguments));
     setWritesWholeBuffers(true);

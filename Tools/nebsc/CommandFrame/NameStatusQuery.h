@@ -1,7 +1,7 @@
-// NameStatusQuery.h - asks git which files two sides have differently.
+// NameStatusQuery.h - a query for the names and states of the files that differ between two sides.
 //
-// The records of a diff request are read from lines in which " -> " separates two names and names
-// that are not UTF-8 have lost bytes. The entries here keep every name as it is.
+// A diff request reads lines in which " -> " separates two names, and loses the bytes of names that
+// are not UTF-8. The entries here keep every name as it is.
 #pragma once
 
 #include <optional>
@@ -13,25 +13,24 @@
 
 namespace neb::nebsc {
 
-/// A file of git-diff(1) with "--name-status -z".
+/// An entry of git-diff(1) with "--name-status -z".
 struct NameStatusEntry {
     /// 'A', 'D', 'M', 'R', …
     char letter = ' ';
-    /// The bytes of the path as seen from the top of the working copy.
+    /// The bytes of the path from the top of the working copy.
     std::string path;
     /// Present for a renamed or copied file.
     std::optional<std::string> oldPath = std::nullopt;
 };
 
-/// Returns the entries; leaves out a last one that was cut off.
+/// Returns the entries, without a last one that is incomplete.
 [[nodiscard]] std::vector<NameStatusEntry> nameStatusEntriesIn(std::string_view output);
 
-/// Not thread-safe, as are all operations.
+/// Not thread-safe, like all operations.
 class NameStatusQuery : public NEBSourceControlTaskOperation {
 public:
-    /// Of the diff request's revisions and files. HEAD stands in for a missing first revision, the
-    /// working copy for a missing second one.
-    /// `dots`: what stands between two revisions, ".." or "...".
+    /// Takes the revisions and files of a diff request. A missing first revision stands for HEAD, a
+    /// missing second one for the working copy. `dots` separates two revisions: ".." or "...".
     NameStatusQuery(std::shared_ptr<NEBSourceControlRequest> request, std::string_view dots);
 
     [[nodiscard]] std::string className() const override { return "NameStatusQuery"; }
@@ -39,7 +38,7 @@ public:
     /// The result has no records; see entries().
     void parseData() override;
 
-    /// In git's order; empty until the operation has run.
+    /// Returns the entries in git's order; empty until the operation has run.
     [[nodiscard]] const std::vector<NameStatusEntry>& entries() const { return _entries; }
 
 private:

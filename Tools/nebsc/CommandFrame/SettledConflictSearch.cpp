@@ -13,8 +13,8 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A setting that holds a program which a merge would run, and what stands in for it: a driver that
-/// settles everything, as the user's has done its work in the merge itself, and no filter.
+/// A setting with a program that a merge runs, and its replacement: a driver that settles
+/// everything, because the user's has run in the merge itself, and no filter.
 struct ProgramSetting {
     std::string_view section, end, replacement;
 };
@@ -27,7 +27,7 @@ constexpr ProgramSetting programSettings[] = {
 constexpr const char* programSettingsPattern =
     "^(merge\\..*\\.driver|filter\\..*\\.(clean|smudge|process|required))$";
 
-/// The side that an unfinished merge takes in, see gitrevisions(7).
+/// The merged side of an unfinished merge; see gitrevisions(7).
 constexpr const char* mergeHead = "MERGE_HEAD";
 
 SettledConflicts unknownConflicts(std::string reason) {
@@ -52,7 +52,7 @@ void SettledConflictSearch::setSides(const std::string& kept, const std::string&
     }
 }
 
-// ---- after it ---------------------------------------------------------------------------------
+// ---- after the merge ---------------------------------------------------------------------------
 
 void SettledConflictSearch::run(Outcome& outcome) const {
     if (_sides) {
@@ -77,7 +77,7 @@ void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
         conflicts = unknownConflicts(reasonOf(index));
         return;
     }
-    // git-ls-files(1): mode, object, stage (0: in one version), TAB, name.
+    // git-ls-files(1): mode, object, stage (0: not in conflict), TAB, name.
     std::set<std::string> settled;
     for (const std::string& entry : textsBetweenNULs(index.output)) {
         const std::size_t tab = entry.find('\t');
@@ -125,7 +125,7 @@ SettledConflicts SettledConflictSearch::search() const {
     if (!arguments) {
         return unknownConflicts("the name of a merge driver or filter holds a \"=\"");
     }
-    // git-merge-tree(1), OUTPUT: the tree, then the names, each with a NUL.
+    // git-merge-tree(1), OUTPUT: the tree, then the names, each followed by NUL.
     arguments->insert(arguments->end(), {"merge-tree", "--write-tree", "--name-only",
                                          "--no-messages", "-z", _sides->kept, _sides->leftOut});
     const ChildOutcome merge = _git.run(std::move(*arguments));

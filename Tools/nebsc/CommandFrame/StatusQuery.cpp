@@ -11,15 +11,15 @@ namespace neb::nebsc {
 
 namespace {
 
-/// "XY PATH" NUL, and for a renamed or copied file its old path and NUL behind it.
-constexpr std::size_t lettersAndBlank = 3;
+/// An entry is "XY PATH" NUL; a renamed or copied file has its old path and a NUL after that.
+constexpr std::size_t lettersAndBlankLength = 3;
 
 bool hasOldPath(const StatusEntry& entry) {
     const auto isMoved = [](char letter) { return letter == 'R' || letter == 'C'; };
     return isMoved(entry.index) || isMoved(entry.workTree);
 }
 
-/// Takes the text up to the next NUL; nothing if no NUL follows.
+/// Removes and returns the text before the next NUL; absent if no NUL follows.
 std::optional<std::string_view> takeText(std::string_view& output) {
     const std::size_t end = output.find('\0');
     if (end == std::string_view::npos) {
@@ -35,12 +35,12 @@ std::optional<std::string_view> takeText(std::string_view& output) {
 std::vector<StatusEntry> statusEntriesIn(std::string_view output) {
     std::vector<StatusEntry> entries;
     while (const auto text = takeText(output)) {
-        if (text->size() <= lettersAndBlank) {
+        if (text->size() <= lettersAndBlankLength) {
             continue;
         }
         StatusEntry entry{.index = text->front(),
                           .workTree = (*text)[1],
-                          .path = std::string(text->substr(lettersAndBlank))};
+                          .path = std::string(text->substr(lettersAndBlankLength))};
         if (hasOldPath(entry)) {
             entry.oldPath = takeText(output);
         }

@@ -8,7 +8,7 @@
 
 namespace neb::nebsc {
 
-/// "MODE TYPE OBJECT" TAB "NAME" NUL for each.
+/// An entry is "MODE TYPE OBJECT" TAB "NAME" NUL.
 std::vector<TreeEntry> treeEntriesIn(std::string_view output) {
     std::vector<TreeEntry> entries;
     for (const std::string& text : textsBetweenNULs(output)) {

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A line's columns for a person.
+/// The printable columns of a line.
 struct BlamedLine {
     std::string revision;
     std::string author;
@@ -31,7 +31,7 @@ struct BlamedLine {
     std::string number;
 };
 
-/// What git calls the revision of a line that is not committed.
+/// git prints a revision of zeros for such a line.
 bool isNotCommitted(std::string_view revision) {
     return !revision.empty() && revision.find_first_not_of('0') == std::string_view::npos;
 }
@@ -69,7 +69,7 @@ std::vector<std::string> linesOf(std::string_view content) {
     return lines;
 }
 
-/// Of a link its target, as git keeps it.
+/// Returns the content of the file; of a symbolic link its target, as git stores it.
 std::string contentOnDisk(const std::string& path) {
     std::error_code failure;
     if (fs::is_symlink(fs::symlink_status(path, failure))) {
@@ -79,8 +79,8 @@ std::string contentOnDisk(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// A line on a terminal that knows its size is no longer than that; elsewhere it is as it is.
-std::string fittingContent(const std::string& content, std::size_t columnsBefore) {
+/// Returns the line cut to the width of the terminal; unchanged if standard output has no width.
+std::string contentOnTerminal(const std::string& content, std::size_t columnsBefore) {
     if (!columnsOfTerminal(STDOUT_FILENO)) {
         return content;
     }
@@ -107,7 +107,7 @@ private:
     std::optional<std::string> _revision;
 };
 
-/// The last word is the file, whatever it looks like.
+/// The last argument is the file, whatever it looks like.
 std::optional<CommandOutput> BlameTask::validate() {
     const std::vector<std::string> all = revisionAndFileArguments(arguments());
     if (all.empty()) {
@@ -159,8 +159,8 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
             lines.push_back(lineOf(record));
         }
     }
-    // A filter, or somebody who writes just now, may make another number of lines: it is then not
-    // certain which is which.
+    // A filter or a concurrent write may change the number of lines; then the lines cannot be
+    // matched.
     const std::vector<std::string> content = contents();
     const bool hasContent = content.size() == lines.size();
     const bool isColoured = isInColour();
@@ -181,7 +181,7 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
             .append("  ")
             .append(numberColumns - columnsOf(line.number), ' ')
             .append(line.number)
-            .append(isLastColumn ? "" : "  " + fittingContent(content[i], columnsBefore))
+            .append(isLastColumn ? "" : "  " + contentOnTerminal(content[i], columnsBefore))
             .append("\n");
     }
     return all;
@@ -189,7 +189,7 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
 
 constexpr Parameter parameters[] = {
     {"REVISION",
-     "The revision at which to look; unless given, the working copy, or HEAD of a bare repository",
+     "The revision of the file; default: the working copy, or HEAD in a bare repository",
      Takes::revisionOrPath},
     {"FILE", "The file", Takes::pathAsWritten},
 };
@@ -198,16 +198,17 @@ constexpr Parameter parameters[] = {
 
 constinit const Command blameCommand{
     .name = "blame",
-    .group = lookGroup,
-    .summary = "Show who changed each line of a file last, and when",
+    .group = inspectGroup,
+    .summary = "Show who last changed each line of a file, and when",
     .details =
-        "A single word is the file. Each line shows the revision, the author, the local date,\n"
-        "the line's number and its text; one that is not committed yet has no revision.\n\n"
+        "A single argument is the file. Each line shows the revision, the author, the local date,\n"
+        "the line number and the text. A line that is not committed yet has no revision.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc blame src/main.c         as it is on disk\n"
-        "  nebsc blame v1.0 src/main.c    as it was in a version\n",
+        "  nebsc blame src/main.c         the file on disk\n"
+        "  nebsc blame v1.0 src/main.c    the file in v1.0\n",
     .parameters = parameters,
-    .activity = "Looking",
+    .activity = "Reading",
     .isPaged = true,
     .run = runTask<BlameTask>,
 };

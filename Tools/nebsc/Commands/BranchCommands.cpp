@@ -1,4 +1,4 @@
-// The commands about the branches of a repository, but for those that track others.
+// The command "branch" and its subcommands, except those about tracking.
 
 #include <unistd.h>
 
@@ -14,7 +14,7 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr std::string_view nameWord = "NAME";
+constexpr std::string_view nameParameter = "NAME";
 
 // ---- list -------------------------------------------------------------------------------------
 
@@ -29,17 +29,17 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-/// The request does not tell which branch is the current one.
+/// The request does not report which branch is the current one.
 void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     const auto current = currentBranch(git());
     bool isCurrentListed = false;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
-        const std::string whole = branchNameOf(record);
-        if (whole.empty()) {
+        const std::string fullName = branchNameOf(record);
+        if (fullName.empty()) {
             continue;
         }
-        const bool isCurrent = current && printable(*current) == whole;
-        const std::string name = fitting(STDOUT_FILENO, 2, whole);
+        const bool isCurrent = current && printable(*current) == fullName;
+        const std::string name = fitting(STDOUT_FILENO, 2, fullName);
         isCurrentListed = isCurrentListed || isCurrent;
         const bool isColoured = isCurrent && isInColour();
         output.standardOutput +=
@@ -52,12 +52,12 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constinit const Command listCommand{
     .name = "list",
-    .group = innerGroup,
-    .summary = "Show the branches, the current one marked",
+    .group = subcommandGroup,
+    .summary = "List the branches and mark the current one",
     .details =
         "Example:\n"
         "  nebsc branch list\n",
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<ListTask>,
 };
 
@@ -74,8 +74,8 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-/// A branch without a commit is in no listing. What is said instead of a name is no answer that a
-/// script could take for one.
+/// The request does not report a branch without commits. If there is no branch, prints a failure,
+/// so that no script takes the text for a name.
 void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
@@ -95,13 +95,14 @@ void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constinit const Command currentCommand{
     .name = "current",
-    .group = innerGroup,
+    .group = subcommandGroup,
     .summary = "Show the name of the current branch",
     .details =
-        "The exit status is 1 when there is none, as with a tag checked out.\n\n"
+        "Exits with status 1 if there is none, for example with a tag checked out.\n"
+        "\n"
         "Example:\n"
         "  nebsc branch current\n",
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<CurrentTask>,
 };
 
@@ -117,8 +118,8 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
 };
 
-/// The error of the request may speak of a file; a person is told what there is not. "A...B", the
-/// common ancestor, is for git alone to judge.
+/// The request's error may be about a file; names the missing revision instead. Leaves "A...B", the
+/// common ancestor, to git.
 std::optional<CommandOutput> CreateTask::validate() {
     const auto start = arguments().value("START");
     if (isJSON()) {
@@ -141,7 +142,7 @@ std::optional<CommandOutput> CreateTask::validate() {
 
 std::shared_ptr<NEBSourceControlRequest> CreateTask::makeRequest() {
     auto request = newRequest(NEBSourceControlRequestCreateBranch);
-    request->destination = argument(nameWord);
+    request->destination = argument(nameParameter);
     if (const auto start = arguments().value("START")) {
         request->options.emplace();
         request->options->set(NEBSourceControlRequestOptionSourceLocation, *start);
@@ -150,29 +151,30 @@ std::shared_ptr<NEBSourceControlRequest> CreateTask::makeRequest() {
 }
 
 void CreateTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const auto tracking = trackedBranchOf(git(), argument(nameWord));
-    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameWord))) +
+    const auto tracking = trackedBranchOf(git(), argument(nameParameter));
+    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameParameter))) +
                             (tracking ? ", which tracks " + shownBranch(git(), *tracking) : "") +
                             ".\n";
 }
 
 constexpr Parameter createParameters[] = {
-    {nameWord, "The new branch", Takes::text, Occurs::once},
-    {"START", "Where it starts: a branch, a tag or any other revision; unless given, here",
+    {nameParameter, "The new branch", Takes::text, Occurs::once},
+    {"START", "Where it starts: a branch, a tag or any other revision; default: HEAD",
      Takes::revision},
 };
 
 constinit const Command createCommand{
     .name = "create",
-    .group = innerGroup,
-    .summary = "Make a branch",
+    .group = subcommandGroup,
+    .summary = "Create a branch",
     .details =
-        "The working copy stays on its branch; \"nebsc checkout\" switches.\n\n"
+        "Does not switch to it; \"nebsc checkout\" does.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc branch create topic         from the latest commit\n"
-        "  nebsc branch create fix v1.0      from what a tag stands for\n",
+        "  nebsc branch create topic       from the latest commit\n"
+        "  nebsc branch create fix v1.0    from a tag\n",
     .parameters = createParameters,
-    .activity = "Making the branch",
+    .activity = "Creating the branch",
     .run = runTask<CreateTask>,
 };
 
@@ -193,17 +195,18 @@ private:
     std::optional<std::string> _commit;
 };
 
-/// With its commit, a branch that was deleted by mistake can be made again. "@{-1}" stands for the
+/// Notes the commit, so that a branch deleted by mistake can be recreated. "@{-1}" stands for the
 /// name of a branch.
 std::optional<CommandOutput> DeleteTask::validate() {
-    _name = argument(nameWord);
+    _name = argument(nameParameter);
     if (_name.starts_with("@{")) {
-        const std::string whole =
+        const std::string reference =
             git()
                 .outputOf({"rev-parse", "--symbolic-full-name", "--verify", "--quiet", _name})
                 .value_or("");
-        _name =
-            whole.starts_with(localBranchPrefix) ? whole.substr(localBranchPrefix.size()) : _name;
+        _name = reference.starts_with(localBranchPrefix)
+                    ? reference.substr(localBranchPrefix.size())
+                    : _name;
     }
     _commit = git().outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "--end-of-options",
                               std::string(localBranchPrefix) + _name});
@@ -230,20 +233,21 @@ std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
 }
 
 constexpr Parameter deleteParameters[] = {
-    {nameWord, "The branch", Takes::branch, Occurs::once},
-    {"--force", "Delete it even if it is not merged"},
+    {nameParameter, "The branch", Takes::branch, Occurs::once},
+    {"--force", "Delete the branch even if it is not merged"},
 };
 
 constinit const Command deleteCommand{
     .name = "delete",
-    .group = innerGroup,
+    .group = subcommandGroup,
     .summary = "Delete a branch",
     .details =
-        "A branch with commits that neither its upstream nor the current branch has stays,\n"
-        "unless --force says that they may go.\n\n"
+        "Refuses a branch with commits that neither its upstream nor the current branch contains,\n"
+        "unless --force is given.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc branch delete topic            delete a branch that is merged\n"
-        "  nebsc branch delete --force topic    the same, merged or not\n",
+        "  nebsc branch delete topic            delete a merged branch\n"
+        "  nebsc branch delete --force topic    delete it even if it is not merged\n",
     .parameters = deleteParameters,
     .activity = "Deleting the branch",
     .run = runTask<DeleteTask>,
@@ -259,14 +263,14 @@ constexpr const Command* branchCommands[] = {
 constinit const Command branchCommand{
     .name = "branch",
     .group = branchesGroup,
-    .summary = "List, make and delete branches, and let them track others",
+    .summary = "List, create and delete branches",
     .details =
         "Examples:\n"
-        "  nebsc branch                             the branches, the current one marked\n"
-        "  nebsc branch create topic                make one\n"
-        "  nebsc branch track topic origin/topic    make one that tracks another\n"
-        "  nebsc branch create --help               more on one of its commands\n",
-    .activity = "Looking",
+        "  nebsc branch                             list the branches\n"
+        "  nebsc branch create topic                create a branch\n"
+        "  nebsc branch track topic origin/topic    create one that tracks a remote branch\n"
+        "  nebsc branch create --help               help for a subcommand\n",
+    .activity = "Reading",
     .commands = branchCommands,
     .run = runTask<ListTask>,
 };

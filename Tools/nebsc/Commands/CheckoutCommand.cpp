@@ -13,12 +13,12 @@ namespace neb::nebsc {
 
 namespace {
 
-/// What git says of every switch, and the reply says more shortly.
+/// What git prints for every switch, and the command reports in a shorter form.
 constexpr std::array<std::string_view, 6> usualNotices{
     "Switched to branch '", "Switched to a new branch '",
     "Already on '",         "Previous HEAD position was ",
     "HEAD is now at ",      "Reset branch '"};
-// The advice that comes with a switch to no branch, from its first line to its last.
+// The advice for a detached HEAD, from its first line to its last.
 constexpr std::string_view adviceStart = "Note: switching to '";
 constexpr std::string_view adviceEnd = "Turn off this advice";
 
@@ -27,8 +27,7 @@ bool isUsual(std::string_view line) {
                        [line](std::string_view start) { return line.starts_with(start); });
 }
 
-/// The lines of git's notice that a person does not know yet: what a hook says, which commits are
-/// left behind.
+/// Returns the other lines of git's notice: the output of hooks, and which commits are left behind.
 std::string unusualLines(std::string_view notice) {
     std::string lines;
     bool isAdvice = false;
@@ -56,7 +55,7 @@ protected:
 private:
     [[nodiscard]] std::string branch() const { return argument("BRANCH"); }
     [[nodiscard]] bool isBranchOfRemote();
-    [[nodiscard]] std::string whereNow();
+    [[nodiscard]] std::string locationText();
 };
 
 bool CheckoutTask::isBranchOfRemote() {
@@ -69,8 +68,8 @@ bool CheckoutTask::isBranchOfRemote() {
     return names.find("\n" + branch() + "\n") != std::string::npos;
 }
 
-/// git takes a destination that is no revision, but the name of a file, for the wish to have that
-/// file back as it was, and throws its changes away.
+/// Given the name of a file that is no revision, git would restore that file and discard its
+/// changes.
 std::optional<CommandOutput> CheckoutTask::validate() {
     if (!workingCopy().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
         git().isCommit(branch())) {
@@ -105,7 +104,7 @@ std::shared_ptr<NEBSourceControlRequest> CheckoutTask::makeRequest() {
     return request;
 }
 
-std::string CheckoutTask::whereNow() {
+std::string CheckoutTask::locationText() {
     if (const auto name = git().outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
         return "Now on " + printable(*name) + ".\n";
     }
@@ -118,7 +117,7 @@ void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
         const NEBValue notice = outcome.result->front().value(NEBSourceControlOperationContentKey);
         output.standardError = unusualLines(notice.string().value_or(""));
     }
-    output.standardOutput = whereNow();
+    output.standardOutput = locationText();
     addConflicts(output, git(), "Local changes are in conflict with what was checked out, in:");
 }
 
@@ -131,13 +130,15 @@ constexpr Parameter parameters[] = {
 constinit const Command checkoutCommand{
     .name = "checkout",
     .group = branchesGroup,
-    .summary = "Switch the working copy to a branch or revision",
+    .summary = "Switch to a branch or revision",
     .details =
-        "Local changes are carried over. Where they do not fit, the files are left in\n"
-        "conflict and named.\n\n"
+        "Keeps local changes. Files in which they conflict with the new revision are left in "
+        "conflict\n"
+        "and listed.\n"
+        "\n"
         "Examples:\n"
         "  nebsc checkout topic    switch to a branch\n"
-        "  nebsc checkout v1.0     look at what a tag stands for, on no branch\n",
+        "  nebsc checkout v1.0     switch to a tag, with a detached HEAD\n",
     .parameters = parameters,
     .activity = "Checking out",
     .run = runTask<CheckoutTask>,

@@ -1,4 +1,4 @@
-// Commands.h - the commands of nebsc, each in a source file of its family.
+// Commands.h - the registry of all commands; each is defined in a source file of its family.
 #pragma once
 
 #include <span>
@@ -12,19 +12,19 @@
 namespace neb::nebsc {
 
 // The headings under which the help lists commands.
-inline constexpr std::string_view lookGroup = "Look";
+inline constexpr std::string_view inspectGroup = "Inspect";
 inline constexpr std::string_view changeGroup = "Change";
 inline constexpr std::string_view branchesGroup = "Branches";
-inline constexpr std::string_view remotesGroup = "Remotes and synchronising";
+inline constexpr std::string_view remotesGroup = "Remotes";
 inline constexpr std::string_view subversionGroup = "Subversion";
-inline constexpr std::string_view requestsGroup = "Raw requests";
+inline constexpr std::string_view requestsGroup = "Requests";
 inline constexpr std::string_view shellGroup = "Shells and manual";
-/// Of the commands that only other programs call.
+/// For commands that only other programs run; the help does not list them.
 inline constexpr std::string_view hiddenGroup = {};
-/// Of the commands that stand behind the name of another.
-inline constexpr std::string_view innerGroup = "Commands";
+/// For subcommands.
+inline constexpr std::string_view subcommandGroup = "Commands";
 
-// ---- look
+// ---- inspect
 extern const Command statusCommand;
 extern const Command logCommand;
 extern const Command blameCommand;
@@ -48,7 +48,7 @@ extern const Command revertCommand;
 extern const Command commitCommand;
 
 // ---- branches
-/// Its commands are those about the branches of the repository.
+/// Its subcommands list, create and delete branches.
 extern const Command branchCommand;
 extern const Command branchTrackCommand;
 extern const Command branchTrackingCommand;
@@ -58,39 +58,38 @@ extern const Command mergeBaseCommand;
 
 // ---- remotes and synchronising
 extern const Command cloneCommand;
-/// Its commands are those about the repositories that this one knows by name.
+/// Its subcommands list, add and remove remotes.
 extern const Command remoteCommand;
 extern const Command fetchCommand;
 extern const Command pushCommand;
 extern const Command updateCommand;
 
 // ---- Subversion
-/// Its commands are those that exchange commits with the Subversion repository behind this one.
+/// Its subcommands exchange commits with the connected Subversion repository.
 extern const Command subversionCommand;
 
-// ---- raw requests
-/// Reads a request, carries it out, and says what came of it, in JSON.
+// ---- requests
+/// Runs a request in JSON and prints its outcome.
 extern const Command requestCommand;
-/// Does so for a client that stays, over JSON-RPC.
+/// Runs requests for a client over JSON-RPC.
 extern const Command serveCommand;
-/// Says which types of request there are and what each needs, as the plug-in itself tells it: a
-/// table or JSON.
+/// Lists the request types and what each needs.
 extern const Command typesCommand;
 
 // ---- shells
-/// Prints the script that lets a shell complete the words of a call.
+/// Prints the completion script of a shell.
 extern const Command completionCommand;
-/// What such a script asks: what the word that is being typed can become.
+/// Prints the completions of a command line, for such a script.
 extern const Command completeCommand;
 /// Prints the manual page.
 extern const Command manualCommand;
 
 // ---- all of them
 
-/// All commands, in the order in which the help lists them.
+/// Returns all commands, in the order in which the help lists them.
 [[nodiscard]] std::span<const Command* const> allCommands();
 
-/// The versions of nebsc, of the plug-in and of git, one a line, or as a JSON object.
+/// Prints the versions of nebsc, of the plug-in and of git, each on a line, or as a JSON object.
 [[nodiscard]] CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn,
                                               const Trace& trace, bool isJSON);
 

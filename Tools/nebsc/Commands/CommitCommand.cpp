@@ -11,7 +11,7 @@ bool isAbbreviatedRevision(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
-/// Each message is a paragraph, as git commit has it.
+/// Joins the messages as paragraphs, as git commit does.
 std::string messageOf(const std::vector<std::string>& paragraphs) {
     std::string message;
     for (const std::string& paragraph : paragraphs) {
@@ -43,25 +43,25 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
     return request;
 }
 
-/// The record holds another word than the name for a repository's first commit and for one on no
-/// branch.
+/// For the first commit and on a detached HEAD, the record does not hold the commit id.
 void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
     const bool hasRecord = outcome.result && !outcome.result->empty();
-    const auto word =
+    const auto recorded =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
                   : std::nullopt;
-    const auto revision = word && isAbbreviatedRevision(*word) ? std::optional(std::string(*word))
-                                                               : git().headCommit();
+    const auto revision = recorded && isAbbreviatedRevision(*recorded)
+                              ? std::optional(std::string(*recorded))
+                              : git().headCommit();
     if (revision) {
         output.standardOutput = "Committed " + printable(*revision) + ".\n";
     }
 }
 
 constexpr Parameter parameters[] = {
-    {"-m,--message", "What the commit is about; of several, each is a paragraph", Takes::text,
+    {"-m,--message", "The commit message; each further one is a new paragraph", Takes::text,
      Occurs::oneOrMore, "MESSAGE"},
     {"--allow-empty", "Commit even if nothing has changed"},
-    {"FILE", "Commit these files as they are, staged or not; unless given, all that is staged",
+    {"FILE", "Commit these files as they are on disk, staged or not; default: what is staged",
      Takes::path, Occurs::anyNumber},
 };
 
@@ -70,11 +70,11 @@ constexpr Parameter parameters[] = {
 constinit const Command commitCommand{
     .name = "commit",
     .group = changeGroup,
-    .summary = "Record the staged changes, or those of files",
+    .summary = "Commit the staged changes, or the changes of files",
     .details =
         "Examples:\n"
-        "  nebsc commit -m 'Say hello'               record what is staged\n"
-        "  nebsc commit -m 'Say hello' src/main.c    record the changes of one file\n",
+        "  nebsc commit -m 'Say hello'               commit what is staged\n"
+        "  nebsc commit -m 'Say hello' src/main.c    commit the changes of one file\n",
     .parameters = parameters,
     .activity = "Committing",
     .run = runTask<CommitTask>,

@@ -1,4 +1,4 @@
-// The commands that put something in a new place of the working copy.
+// The commands "mv", "cp" and "mkdir".
 
 #include <filesystem>
 #include <system_error>
@@ -65,7 +65,7 @@ std::optional<CommandOutput> MoveTask::validate() {
 
 constexpr Parameter moveParameters[] = {
     {file, "A tracked file or folder", Takes::path, Occurs::once},
-    {destination, "Its new name, or a folder into which it goes", Takes::path, Occurs::once},
+    {destination, "The new name, or a folder to move it to", Takes::path, Occurs::once},
 };
 
 // ---- cp ---------------------------------------------------------------------------------------
@@ -102,7 +102,7 @@ std::shared_ptr<NEBSourceControlRequest> CopyTask::makeRequest() {
     return request;
 }
 
-/// The request stages beside the copying, and so perhaps too early; what a person asks for is sure.
+/// The request stages while it copies, perhaps too early. So stages again.
 void CopyTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const RequestResult staging =
         performRequest(newRequest(NEBSourceControlRequestAddFiles, {_copy}));
@@ -112,9 +112,8 @@ void CopyTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter copyParameters[] = {
-    {file, "A file, or a folder with all that is in it", Takes::path, Occurs::once},
-    {destination, "The copy's name, or a folder into which it goes under the same name",
-     Takes::path, Occurs::once},
+    {file, "A file or a folder with everything in it", Takes::path, Occurs::once},
+    {destination, "The name of the copy, or a folder to copy to", Takes::path, Occurs::once},
 };
 
 // ---- mkdir ------------------------------------------------------------------------------------
@@ -132,12 +131,12 @@ protected:
         request->destination = paths("DIR").front();
         return request;
     }
-    /// A new folder is empty: there is nothing that could have been staged.
+    /// A new folder is empty, so it does not matter that staging fails.
     SilentFailure silentFailure() const override { return SilentFailure::isIgnored; }
 };
 
 constexpr Parameter makeDirectoryParameters[] = {
-    {"DIR", "The new folder; those on the way to it are made too", Takes::folder, Occurs::once},
+    {"DIR", "The new folder; missing parent folders are created too", Takes::folder, Occurs::once},
 };
 
 }  // namespace
@@ -148,8 +147,8 @@ constinit const Command moveCommand{
     .summary = "Rename or move a file or folder",
     .details =
         "Examples:\n"
-        "  nebsc mv notes.txt read.txt    rename\n"
-        "  nebsc mv read.txt doc          move into the folder doc\n",
+        "  nebsc mv notes.txt read.txt    rename a file\n"
+        "  nebsc mv read.txt doc          move it to the folder doc\n",
     .parameters = moveParameters,
     .activity = "Moving",
     .run = runTask<MoveTask>,
@@ -160,10 +159,11 @@ constinit const Command copyCommand{
     .group = changeGroup,
     .summary = "Copy a file or folder and stage the copy",
     .details =
-        "Nothing is ever overwritten.\n\n"
+        "Never overwrites anything.\n"
+        "\n"
         "Examples:\n"
         "  nebsc cp main.c second.c    copy a file\n"
-        "  nebsc cp src attic          copy the folder src, into attic if that is there\n",
+        "  nebsc cp src attic          copy the folder src; if attic is a folder, to attic/src\n",
     .parameters = copyParameters,
     .activity = "Copying",
     .run = runTask<CopyTask>,
@@ -172,13 +172,15 @@ constinit const Command copyCommand{
 constinit const Command makeDirectoryCommand{
     .name = "mkdir",
     .group = changeGroup,
-    .summary = "Make a folder",
+    .summary = "Create a folder",
     .details =
-        "git keeps no empty folder: a commit has the folder once a file in it is added.\n\n"
+        "git does not record empty folders: a commit contains the folder once a file in it is "
+        "added.\n"
+        "\n"
         "Example:\n"
-        "  nebsc mkdir doc/images    make the folder, and doc too if that is missing\n",
+        "  nebsc mkdir doc/images    create doc/images, and doc if it is missing\n",
     .parameters = makeDirectoryParameters,
-    .activity = "Making the folder",
+    .activity = "Creating the folder",
     .run = runTask<MakeDirectoryTask>,
 };
 

@@ -35,7 +35,7 @@ private:
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
 
     RevisionArguments _named;
-    /// Of --name-status.
+    /// For --name-status.
     std::vector<NameStatusEntry> _entries;
 };
 
@@ -71,7 +71,7 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::makeRequest() {
     return request;
 }
 
-/// A program gets the request's outcome, a person names as they are.
+/// The query keeps every name as it is; the request does not.
 RequestResult DiffTask::perform() {
     if (isJSON() || !arguments().has("--name-status")) {
         return performRequest(makeRequest());
@@ -101,8 +101,8 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
     return lines;
 }
 
-/// A result is text; a patch of files in another encoding than UTF-8 is had from git once more, as
-/// it is, for a program to apply.
+/// A result is UTF-8. For a program to apply, a patch of files in another encoding is read from git
+/// again as it is.
 void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
     constexpr std::string_view replacement = "\uFFFD";
     if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
@@ -118,7 +118,7 @@ void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
     }
 }
 
-/// git ignores an unknown file and prints no message.
+/// git ignores an unknown file silently.
 void DiffTask::noteFilesNotCompared(CommandOutput& output) {
     if (isJSON() || _named.revisions.size() > 1) {
         return;
@@ -143,31 +143,34 @@ void DiffTask::report(const Outcome& outcome, CommandOutput& output) {
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "The one side, HEAD unless given; or both as A..B or A...B",
+    {"REVISION", "The first revision, or a range A..B or A...B; default: HEAD",
      Takes::revisionOrPath},
-    {"FILE", "The other side, if it is a revision; files or folders to which to keep",
-     Takes::revisionOrPath, Occurs::anyNumber},
-    {"--name-status", "Only the files' names, and what happened to them"},
-    {"--common-ancestor", "Of two revisions: what the second changed since they went apart"},
+    {"FILE", "The second revision, or the files and folders to compare", Takes::revisionOrPath,
+     Occurs::anyNumber},
+    {"--name-status", "Show only the names and states of files"},
+    {"--common-ancestor", "Compare the second revision with the common ancestor of both"},
 };
 
 }  // namespace
 
 constinit const Command diffCommand{
     .name = "diff",
-    .group = lookGroup,
-    .summary = "Show what differs between revisions, or from the working copy",
+    .group = inspectGroup,
+    .summary = "Show changes between revisions, or between a revision and the working copy",
     .details =
-        "Without a revision: all that is not committed, staged or not. With one: from it to\n"
-        "the working copy. With two: from the first to the second. A word is a revision, or\n"
-        "else a file; \"--\" in front of files, or behind revisions, settles what they are.\n"
-        "A file that is not tracked is not compared.\n"
-        "On a terminal, control characters are written out, but for TABs and line ends; a\n"
-        "program gets the patch as git made it.\n\n"
+        "Without a revision, shows everything that is not committed, staged or not. With one\n"
+        "revision, shows the changes from it to the working copy; with two, from the first to the\n"
+        "second. An argument is a revision or else a file; put \"--\" before files or after "
+        "revisions\n"
+        "if it could be either. Untracked files are not compared.\n"
+        "On a terminal, control characters other than TABs and line ends are escaped. Elsewhere "
+        "the\n"
+        "patch is exactly git's, for a program to apply.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc diff                            what is not committed\n"
-        "  nebsc diff --name-status main topic   which files two branches have differently\n"
-        "  nebsc diff HEAD~3 -- src              what src has become since\n",
+        "  nebsc diff                             what is not committed\n"
+        "  nebsc diff --name-status main topic    which files differ between two branches\n"
+        "  nebsc diff HEAD~3 -- src               changes in src since HEAD~3\n",
     .parameters = parameters,
     .activity = "Comparing",
     .isPaged = true,

@@ -1,4 +1,4 @@
-// The commands that bring commits here from another repository, and take them there.
+// The commands "fetch" and "push".
 
 #include <map>
 
@@ -12,7 +12,7 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr std::string_view remoteWord = "REMOTE";
+constexpr std::string_view remoteParameter = "REMOTE";
 constexpr std::string_view subversionFlag = "--svn";
 
 /// Refuses too few or too many arguments, with the message `expected`, and --svn where no
@@ -39,7 +39,7 @@ protected:
 
 private:
     [[nodiscard]] bool isSubversion() const { return arguments().has(subversionFlag); }
-    /// The commits of all that a fetch brings up to date, by "origin/main" or "tag v1.0".
+    /// The commits of everything that a fetch updates, by "origin/main" or "tag v1.0".
     using References = std::map<std::string, std::string>;
 
     [[nodiscard]] References references();
@@ -48,7 +48,7 @@ private:
     References _before;
 };
 
-/// Without those that only stand for others, such as "origin/HEAD".
+/// Leaves out symbolic references such as "origin/HEAD".
 FetchTask::References FetchTask::references() {
     References references;
     for (const std::string& line :
@@ -66,13 +66,13 @@ FetchTask::References FetchTask::references() {
 }
 
 std::optional<CommandOutput> FetchTask::validate() {
-    const bool hasRemote = arguments().has(remoteWord);
+    const bool hasRemote = arguments().has(remoteParameter);
     if (auto refused =
             refusalOfExchange(git(), isSubversion(), hasRemote, !hasRemote,
                               "Either a remote or --svn was expected (see nebsc fetch --help).")) {
         return refused;
     }
-    _remote = isSubversion() ? "Subversion" : remoteOrLocation(git(), argument(remoteWord));
+    _remote = isSubversion() ? "Subversion" : remoteOrLocation(git(), argument(remoteParameter));
     _before = references();
     return std::nullopt;
 }
@@ -83,7 +83,7 @@ std::shared_ptr<NEBSourceControlRequest> FetchTask::makeRequest() {
                : newFetchRequest(workingCopy(), _remote);
 }
 
-/// The outcome does not say what came.
+/// Compares the references, because the outcome does not say what was fetched.
 void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const References after = references();
     const std::string from =
@@ -110,8 +110,8 @@ void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter fetchParameters[] = {
-    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
-    {subversionFlag, "Fetch from the Subversion repository behind this one"},
+    {remoteParameter, "A remote, a URL, HOST:PATH, or a path", Takes::remote},
+    {subversionFlag, "Fetch from the connected Subversion repository"},
 };
 
 // ---- push -------------------------------------------------------------------------------------
@@ -136,14 +136,14 @@ private:
 
     std::string _remote;
     std::string _local;
-    std::string _there;
+    std::string _destination;
     std::optional<std::string> _commitBefore;
 };
 
-/// An empty branch would delete the remote's, one that begins with "+" overwrite it.
+/// To git, an empty local branch means to delete the remote branch, and "+" to overwrite it.
 std::optional<CommandOutput> PushTask::validate() {
     constexpr std::string_view branches = "BRANCHES";
-    const bool hasRemote = arguments().has(remoteWord);
+    const bool hasRemote = arguments().has(remoteParameter);
     const bool hasBranches = arguments().has(branches);
     if (auto refused = refusalOfExchange(
             git(), isSubversion(), hasRemote && hasBranches, !hasRemote && !hasBranches,
@@ -155,12 +155,12 @@ std::optional<CommandOutput> PushTask::validate() {
     if (isSubversion()) {
         return std::nullopt;
     }
-    _remote = remoteOrLocation(git(), argument(remoteWord));
+    _remote = remoteOrLocation(git(), argument(remoteParameter));
     const std::string text = argument(branches);
     const std::size_t colon = text.find(':');
     _local = text.substr(0, colon);
-    _there = colon == std::string::npos ? _local : text.substr(colon + 1);
-    if (_local.empty() || _there.empty() || _local.starts_with('+')) {
+    _destination = colon == std::string::npos ? _local : text.substr(colon + 1);
+    if (_local.empty() || _destination.empty() || _local.starts_with('+')) {
         return refusal(inQuotes(text) + " does not name two branches; LOCAL:THERE was expected.",
                        exitNotUnderstood);
     }
@@ -172,18 +172,18 @@ std::shared_ptr<NEBSourceControlRequest> PushTask::makeRequest() {
         return newExchangeRequest(workingCopy(), NEBSourceControlRequestPush, Peer::subversion);
     }
     auto request = newExchangeRequest(workingCopy(), NEBSourceControlRequestPush, Peer::remote);
-    request->destination = _there;
+    request->destination = _destination;
     request->options->set(NEBSourceControlRequestOptionRemoteName, _remote);
     request->options->set(NEBSourceControlRequestOptionBranch, _local);
     return request;
 }
 
-/// The lines of git's words that the far end said.
-std::string wordsOfRemote(std::string_view words) {
+/// Returns the lines that the remote printed.
+std::string remoteOutput(std::string_view text) {
     std::string lines;
-    while (!words.empty()) {
-        const std::string_view line = words.substr(0, words.find('\n'));
-        words.remove_prefix(std::min(line.size() + 1, words.size()));
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
         const std::size_t end = line.find_last_not_of(' ');
         if (line.starts_with("remote:")) {
             lines += printable(line.substr(0, end + 1)) + "\n";
@@ -192,7 +192,7 @@ std::string wordsOfRemote(std::string_view words) {
     return lines;
 }
 
-/// Over the bridge, git makes the commits anew as Subversion has them.
+/// A push to Subversion replaces the local commits, so the latest commit changes.
 void PushTask::report(const Outcome& outcome, CommandOutput& output) {
     if (isSubversion()) {
         const auto commit = git().headCommit();
@@ -202,17 +202,17 @@ void PushTask::report(const Outcome& outcome, CommandOutput& output) {
         return;
     }
     const bool hasRecord = outcome.result && !outcome.result->empty();
-    const std::string words =
+    const std::string notice =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationContentKey).description()
                   : "";
     const std::string remote = printable(inQuotes(_remote));
-    if (words.find("Everything up-to-date") != std::string::npos) {
+    if (notice.find("Everything up-to-date") != std::string::npos) {
         output.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
     } else {
-        output.standardOutput =
-            "Pushed " + printable(_local) + " to " + printable(_there) + " of " + remote + ".\n";
+        output.standardOutput = "Pushed " + printable(_local) + " to " + printable(_destination) +
+                                " of " + remote + ".\n";
     }
-    output.standardError = wordsOfRemote(words);
+    output.standardError = remoteOutput(notice);
 }
 
 std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
@@ -224,10 +224,11 @@ std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
 }
 
 constexpr Parameter pushParameters[] = {
-    {remoteWord, "A remote's name, a URL, HOST:PATH, or a path", Takes::remote},
-    {"BRANCHES", "LOCAL:THERE, the branch here and the remote's; one name where they are alike",
+    {remoteParameter, "A remote, a URL, HOST:PATH, or a path", Takes::remote},
+    {"BRANCHES",
+     "The branch and its name on the remote, LOCAL:DEST; LOCAL alone if both are the same",
      Takes::branchPair},
-    {subversionFlag, "Commit to the Subversion repository behind this one what it does not have"},
+    {subversionFlag, "Commit to the connected Subversion repository"},
 };
 
 }  // namespace
@@ -235,11 +236,11 @@ constexpr Parameter pushParameters[] = {
 constinit const Command fetchCommand{
     .name = "fetch",
     .group = remotesGroup,
-    .summary = "Bring what is new in a remote here, and leave the working copy alone",
+    .summary = "Fetch from a remote without changing the working copy",
     .details =
         "Examples:\n"
-        "  nebsc fetch origin    what is new in the remote \"origin\"\n"
-        "  nebsc fetch --svn     what is new in the Subversion repository\n",
+        "  nebsc fetch origin    fetch from the remote \"origin\"\n"
+        "  nebsc fetch --svn     fetch from the Subversion repository\n",
     .parameters = fetchParameters,
     .activity = "Fetching",
     .run = runTask<FetchTask>,
@@ -248,14 +249,14 @@ constinit const Command fetchCommand{
 constinit const Command pushCommand{
     .name = "push",
     .group = remotesGroup,
-    .summary = "Send the commits of a branch to a remote",
+    .summary = "Push a branch to a remote",
     .details =
-        "Nothing is overwritten there: where the remote has commits that are not here,\n"
-        "the push is refused.\n\n"
+        "Never overwrites: if the remote has commits that are missing here, the push is refused.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc push origin main:main       the branch main\n"
-        "  nebsc push origin topic:review    the branch topic, which is \"review\" there\n"
-        "  nebsc push --svn                  the commits that Subversion does not have\n",
+        "  nebsc push origin main            the branch main\n"
+        "  nebsc push origin topic:review    the branch topic, to the remote branch review\n"
+        "  nebsc push --svn                  commits that Subversion does not have\n",
     .parameters = pushParameters,
     .activity = "Pushing",
     .run = runTask<PushTask>,

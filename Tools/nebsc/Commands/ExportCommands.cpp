@@ -1,4 +1,4 @@
-// The commands that write files of the repository to disk.
+// The commands "export" and "export-tree", which write files of the repository to disk.
 
 #include <algorithm>
 #include <filesystem>
@@ -40,11 +40,11 @@ private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfSource();
     [[nodiscard]] std::optional<CommandOutput> chooseTarget();
 
-    /// Absent without a destination: the request then chooses a temporary file.
+    /// Absent without DEST: the request then creates a temporary file.
     std::optional<NewFile> _target;
 };
 
-/// The request's own error does not tell a missing revision from a missing file.
+/// The request reports a missing revision and a missing file alike.
 std::optional<CommandOutput> ExportTask::refusalOfSource() {
     if (auto refused = refusalOfRevision(git(), revision())) {
         return refused;
@@ -57,15 +57,15 @@ std::optional<CommandOutput> ExportTask::refusalOfSource() {
     return std::nullopt;
 }
 
-/// The request takes whatever is at its destination for the export, and can write under no other
-/// name than the file's own. So it writes into a folder that is made for it.
+/// The request can only write under the file's own name, and takes anything that is there for its
+/// own output. So it writes to a draft folder, which is renamed afterwards.
 std::optional<CommandOutput> ExportTask::chooseTarget() {
-    const std::string word = argument(destination);
+    const std::string typed = argument(destination);
     std::string path = paths(destination).front();
     if (isFolder(path)) {
         path = pathByAppendingComponent(path, lastPathComponent(file()));
-    } else if (word.ends_with('/')) {
-        return refusalOfMissingFolder(word);
+    } else if (typed.ends_with('/')) {
+        return refusalOfMissingFolder(typed);
     }
     if (auto refused = refusalOfExisting(workingCopy(), path)) {
         return refused;
@@ -136,8 +136,8 @@ std::string ExportTask::textOfResult(const NEBSourceControlResult& records) {
 
 constexpr Parameter exportParameters[] = {
     {"REVISION", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
-    {"FILE", "A file or folder, which need not be on disk any more", Takes::path, Occurs::once},
-    {destination, "The name of what is written, or a folder for it; unless given, a temporary file",
+    {"FILE", "A file or folder, which need not exist on disk", Takes::path, Occurs::once},
+    {destination, "The new name, or a folder to write into; default: a temporary file",
      Takes::path},
 };
 
@@ -154,9 +154,9 @@ protected:
 
 private:
     void noteSparseFiles(CommandOutput& output);
-    [[nodiscard]] std::optional<CommandOutput> refusalOfFolderInTheWay();
+    [[nodiscard]] std::optional<CommandOutput> refusalOfBlockingFolder();
     [[nodiscard]] const std::string& folder() const { return paths(destination).front(); }
-    /// git would write to where a link leads in any case.
+    /// Follows symbolic links, as git does.
     [[nodiscard]] bool isWorkingCopy() const {
         std::error_code failure;
         return fs::equivalent(folder(), workingCopy().location, failure) && !failure;
@@ -189,11 +189,11 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
                            "overwrites the files in it that are in the index too.",
                        exitFailed, NEBSourceControlDestinationExistsErrorClass);
     }
-    return refusalOfFolderInTheWay();
+    return refusalOfBlockingFolder();
 }
 
-/// Where a file is to be, git removes a folder with all that it holds.
-std::optional<CommandOutput> ExportTreeTask::refusalOfFolderInTheWay() {
+/// git would delete a folder, with its content, that has the name of a file of the index.
+std::optional<CommandOutput> ExportTreeTask::refusalOfBlockingFolder() {
     if (!isFolder(folder())) {
         return std::nullopt;
     }
@@ -227,7 +227,7 @@ void ExportTreeTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     noteSparseFiles(output);
 }
 
-/// git leaves out, without a word, what a sparse checkout leaves out.
+/// git silently skips the files outside a sparse checkout.
 void ExportTreeTask::noteSparseFiles(CommandOutput& output) {
     const ChildOutcome outcome = git().run({"ls-files", "-t", "-z"});
     const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
@@ -245,22 +245,22 @@ void ExportTreeTask::noteSparseFiles(CommandOutput& output) {
 }
 
 constexpr Parameter exportTreeParameters[] = {
-    {destination, "The folder, made where it is missing", Takes::folder, Occurs::once},
-    {"--force",
-     "Write into a folder that is not empty, and overwrite the files that are in the way"},
+    {destination, "The folder, created if missing", Takes::folder, Occurs::once},
+    {"--force", "Write to a folder that is not empty, and overwrite its files"},
 };
 
 }  // namespace
 
 constinit const Command exportCommand{
     .name = "export",
-    .group = lookGroup,
-    .summary = "Write a file to disk as it was at a revision",
+    .group = inspectGroup,
+    .summary = "Write a file or folder of a revision to disk",
     .details =
-        "Says where it was written. Nothing is ever overwritten.\n\n"
+        "Prints where it was written. Never overwrites anything.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc export v1.0 main.c            into a temporary file\n"
-        "  nebsc export HEAD~2 main.c old.c    under this name\n",
+        "  nebsc export v1.0 main.c            to a temporary file\n"
+        "  nebsc export HEAD~2 main.c old.c    under another name\n",
     .parameters = exportParameters,
     .activity = "Writing",
     .run = runTask<ExportTask>,
@@ -268,10 +268,11 @@ constinit const Command exportCommand{
 
 constinit const Command exportTreeCommand{
     .name = "export-tree",
-    .group = lookGroup,
-    .summary = "Write all files of the index below a folder",
+    .group = inspectGroup,
+    .summary = "Write all files of the index to a folder",
     .details =
-        "The index is the latest commit with what is staged.\n\n"
+        "The index is the latest commit plus what is staged.\n"
+        "\n"
         "Example:\n"
         "  nebsc export-tree ../release\n",
     .parameters = exportTreeParameters,

@@ -1,4 +1,4 @@
-// The commands about files that stay where they are.
+// The commands "add", "rm" and "revert".
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
@@ -35,14 +35,14 @@ private:
 };
 
 constexpr Parameter addParameters[] = {
-    {files, "A file, or a folder with all that is in it; deleted ones too", Takes::path,
+    {files, "A file or a folder with everything in it, deleted files included", Takes::path,
      Occurs::anyNumber},
-    {"--all", "All that has changed in the whole working copy"},
+    {"--all", "Stage all changes in the working copy"},
 };
 
 // ---- rm ---------------------------------------------------------------------------------------
 
-/// The request removes by force, so the look at what would be lost is taken here.
+/// The request deletes by force, so the command checks first what would be lost.
 class RemoveTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -58,24 +58,24 @@ std::optional<CommandOutput> RemoveTask::validate() {
     if (arguments().has("--force")) {
         return std::nullopt;
     }
-    std::vector<std::string> question{"status",
-                                      "--porcelain",
-                                      "-z",
-                                      "--no-renames",
-                                      "--untracked-files=no",
-                                      "--ignore-submodules=none",
-                                      "--"};
-    question.insert(question.end(), paths(files).begin(), paths(files).end());
-    const ChildOutcome status = git().run(std::move(question));
+    std::vector<std::string> query{"status",
+                                   "--porcelain",
+                                   "-z",
+                                   "--no-renames",
+                                   "--untracked-files=no",
+                                   "--ignore-submodules=none",
+                                   "--"};
+    query.insert(query.end(), paths(files).begin(), paths(files).end());
+    const ChildOutcome status = git().run(std::move(query));
     if (!status.status.isSuccess()) {
         return failureOfQuery(git(), status);
     }
     std::vector<std::string> changed;
     for (const std::string& line : textsBetweenNULs(status.output)) {
-        constexpr std::size_t lengthOfState = 3;
-        // Of what is only deleted, nothing is left to lose.
-        if (line.size() > lengthOfState && !line.starts_with(" D ") && !line.starts_with("D  ")) {
-            changed.push_back(line.substr(lengthOfState));
+        constexpr std::size_t stateLength = 3;
+        // A file that is only deleted has nothing left to lose.
+        if (line.size() > stateLength && !line.starts_with(" D ") && !line.starts_with("D  ")) {
+            changed.push_back(line.substr(stateLength));
         }
     }
     if (changed.empty()) {
@@ -90,8 +90,8 @@ std::optional<CommandOutput> RemoveTask::validate() {
 }
 
 constexpr Parameter removeParameters[] = {
-    {files, "A file, or a folder with all that is tracked in it", Takes::path, Occurs::oneOrMore},
-    {"--force", "Remove what has changes that are not committed too; they are lost"},
+    {files, "A file or a folder with all tracked files in it", Takes::path, Occurs::oneOrMore},
+    {"--force", "Delete files with uncommitted changes too; the changes are lost"},
 };
 
 // ---- revert -----------------------------------------------------------------------------------
@@ -107,7 +107,7 @@ protected:
 };
 
 constexpr Parameter revertParameters[] = {
-    {files, "A file, or a folder with all that is tracked in it", Takes::path, Occurs::oneOrMore},
+    {files, "A file or a folder with all tracked files in it", Takes::path, Occurs::oneOrMore},
 };
 
 }  // namespace
@@ -118,9 +118,9 @@ constinit const Command addCommand{
     .summary = "Stage files for the next commit",
     .details =
         "Examples:\n"
-        "  nebsc add src/main.c    stage one file\n"
-        "  nebsc add .             stage all that has changed in this folder and below\n"
-        "  nebsc add --all         the same of the whole working copy\n",
+        "  nebsc add src/main.c    stage a file\n"
+        "  nebsc add .             stage all changes in the current folder and below\n"
+        "  nebsc add --all         stage all changes in the working copy\n",
     .parameters = addParameters,
     .activity = "Adding",
     .run = runTask<AddTask>,
@@ -129,28 +129,30 @@ constinit const Command addCommand{
 constinit const Command removeCommand{
     .name = "rm",
     .group = changeGroup,
-    .summary = "Remove files from disk and from the next commit",
+    .summary = "Delete files from disk and from the next commit",
     .details =
-        "Files whose changes are not committed are left alone, unless --force says that\n"
-        "they may be lost.\n\n"
+        "Refuses files with uncommitted changes unless --force is given.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc rm old.c            remove a file\n"
-        "  nebsc rm --force old.c    the same, though it has changes\n",
+        "  nebsc rm old.c            delete a file\n"
+        "  nebsc rm --force old.c    delete it even if it has uncommitted changes\n",
     .parameters = removeParameters,
-    .activity = "Removing",
+    .activity = "Deleting",
     .run = runTask<RemoveTask>,
 };
 
 constinit const Command revertCommand{
     .name = "revert",
     .group = changeGroup,
-    .summary = "Throw away changes of files",
+    .summary = "Discard changes of files",
     .details =
-        "The files become what was staged last, or else committed: changes that are not\n"
-        "staged are lost. What is staged stays, and so does a file in conflict.\n\n"
+        "Restores what was staged last, or the latest commit if nothing is staged: changes that "
+        "are\n"
+        "not staged are lost. Staged changes and files in conflict are left alone.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc revert src/main.c    throw away what has changed in one file\n"
-        "  nebsc revert .             the same in this folder and below\n",
+        "  nebsc revert src/main.c    discard the changes of a file\n"
+        "  nebsc revert .             discard the changes in the current folder and below\n",
     .parameters = revertParameters,
     .activity = "Reverting",
     .run = runTask<RevertTask>,

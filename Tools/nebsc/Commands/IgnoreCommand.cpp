@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::string_view files = "FILE";
 
-/// The line of a list of ignored files that means this path from the top and no other.
+/// Returns the line of .gitignore that matches this path from the top and no other.
 std::string lineFor(std::string_view pathFromTop, bool isFolder) {
     constexpr std::string_view special = "*?[\\";
     std::string line = "/";
@@ -36,20 +36,19 @@ std::string lineFor(std::string_view pathFromTop, bool isFolder) {
     if (isFolder) {
         return line + "/";
     }
-    // A blank at the end of a line does not count otherwise, and the CR of a name is none of a
-    // line.
+    // git ignores a blank at the end of a line unless it is escaped.
     if (line.ends_with(' ')) {
         line.insert(line.size() - 1, "\\");
     }
     return line;
 }
 
-/// Appends to a file, which is made where it is missing. A link is not followed: git does not read
-/// one either, and it may lead out of the working copy. Answers 0 or the errno of the failure.
+/// Appends to a file, which is created if missing. Does not follow a symbolic link: git does not
+/// either, and it may lead out of the working copy. Returns 0 or the errno of the failure.
 int appendLines(const std::string& path, const std::string& lines) {
-    constexpr mode_t ordinary = 0666;
+    constexpr mode_t mode = 0666;
     const FileDescriptor file(::open(
-        path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, ordinary));
+        path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, mode));
     struct stat attributes {};
     if (!file.isOpen() || ::fstat(file.get(), &attributes) != 0) {
         return errno;
@@ -79,7 +78,7 @@ protected:
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOf(const std::string& path);
 
-    /// What is to be written, with line ends.
+    /// The lines to write, with line ends.
     std::string _lines;
 };
 
@@ -129,11 +128,11 @@ std::optional<CommandOutput> IgnoreTask::validate() {
 
 /// The request itself changes nothing.
 void IgnoreTask::finish(Outcome& outcome) {
-    const std::string list = pathByAppendingComponent(workingCopy().location, ".gitignore");
-    if (const int failure = _lines.empty() ? 0 : appendLines(list, _lines); failure != 0) {
+    const std::string ignoreFile = pathByAppendingComponent(workingCopy().location, ".gitignore");
+    if (const int failure = _lines.empty() ? 0 : appendLines(ignoreFile, _lines); failure != 0) {
         outcome.error = NEBSourceControlErrorFromFileFailure(
-            {failure,
-             "The list \"" + list + "\" could not be written: " + textOfErrno(failure) + "."});
+            {failure, "The list \"" + ignoreFile +
+                          "\" could not be written: " + textOfErrno(failure) + "."});
     }
 }
 
@@ -150,8 +149,7 @@ void IgnoreTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter parameters[] = {
-    {files, "A file or folder that is not tracked; it need not be there yet", Takes::path,
-     Occurs::oneOrMore},
+    {files, "An untracked file or folder, which need not exist", Takes::path, Occurs::oneOrMore},
 };
 
 }  // namespace
@@ -159,14 +157,16 @@ constexpr Parameter parameters[] = {
 constinit const Command ignoreCommand{
     .name = "ignore",
     .group = changeGroup,
-    .summary = "Leave files out of what has changed",
+    .summary = "Ignore untracked files",
     .details =
-        "Adds them to the list .gitignore at the top of the working copy, which belongs to the\n"
-        "next commit once it is added.\n\n"
-        "Examples:\n"
-        "  nebsc ignore build notes.txt    a folder, and a file\n",
+        "Adds the paths to .gitignore at the top of the working copy. To share them, add and "
+        "commit\n"
+        "that file.\n"
+        "\n"
+        "Example:\n"
+        "  nebsc ignore build notes.txt    ignore a folder and a file\n",
     .parameters = parameters,
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<IgnoreTask>,
 };
 

@@ -27,8 +27,7 @@ std::string line(std::string_view name, const NEBValue& value) {
            printable(textWithoutPasswords(value.description())) + "\n";
 }
 
-/// The question for a URL is answered by silence outside any repository too, and by the user's own
-/// configuration.
+/// Outside of a repository, the request finds nothing either, or a URL in the user's configuration.
 void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     if (auto refused = refusalOutsideRepository(git())) {
         output = *refused;
@@ -52,13 +51,14 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constinit const Command infoCommand{
     .name = "info",
-    .group = lookGroup,
-    .summary = "Show where the repository comes from",
+    .group = inspectGroup,
+    .summary = "Show the URL of the repository and the top of the working copy",
     .details =
+        "The URL is that of the remote \"origin\", or of the connected Subversion repository.\n"
+        "\n"
         "Example:\n"
-        "  nebsc info    the URL of the remote \"origin\", or of a Subversion repository,\n"
-        "                and the top of the working copy\n",
-    .activity = "Looking",
+        "  nebsc info\n",
+    .activity = "Reading",
     .run = runTask<InfoTask>,
 };
 

@@ -9,7 +9,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Works in bare repositories too, where DIR is a folder of the commit as seen from the top.
+/// In a bare repository, DIR is relative to the top of the commit.
 class ListTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -46,7 +46,7 @@ std::optional<CommandOutput> ListTask::validate() {
     return refusalOfFolder();
 }
 
-/// If git cannot look the folder up, the listing itself fails, with git's message.
+/// If git fails here, the query fails later with git's message.
 std::optional<CommandOutput> ListTask::refusalOfFolder() {
     const std::string type = git().typeOfEntry("HEAD", folder()).value_or("tree");
     if (type == "tree") {
@@ -94,19 +94,20 @@ void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter parameters[] = {
-    {"DIR", "The folder, the current one unless given", Takes::folder},
+    {"DIR", "The folder; default: the current folder", Takes::folder},
 };
 
 }  // namespace
 
 constinit const Command listCommand{
     .name = "ls",
-    .group = lookGroup,
-    .summary = "List what the latest commit holds of a folder",
+    .group = inspectGroup,
+    .summary = "List a folder of the latest commit",
     .details =
-        "Folders and submodules have a \"/\" behind their names. The working copy is not\n"
-        "looked at, so names that are not on disk are listed too. In a bare repository DIR is\n"
-        "a folder of the commit.\n\n"
+        "Folders and submodules end with \"/\". Lists the commit, not the working copy, so names "
+        "that\n"
+        "are not on disk are listed too. In a bare repository, DIR is relative to the top.\n"
+        "\n"
         "Examples:\n"
         "  nebsc ls        the current folder\n"
         "  nebsc ls src    the folder src\n",

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::string_view indent = "    ";
 
-/// Absent for what is no number of commits.
+/// Returns the number; absent if the text is no number of commits.
 std::optional<std::int32_t> countIn(std::string_view text) {
     std::int32_t count = 0;
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), count);
@@ -29,14 +29,14 @@ std::optional<std::int32_t> countIn(std::string_view text) {
     return isCount ? std::optional(count) : std::nullopt;
 }
 
-/// The first paragraph on one line.
+/// Returns the first paragraph on one line.
 std::string subjectOf(std::string_view message) {
     std::string subject;
-    bool isOver = false;
+    bool isAfter = false;
     forEachPiece(message, '\n', [&](std::string_view line) {
         line = textByTrimmingLineEnds(line);
-        isOver = isOver || line.empty();
-        if (!isOver) {
+        isAfter = isAfter || line.empty();
+        if (!isAfter) {
             subject.append(subject.empty() ? "" : " ").append(line);
         }
     });
@@ -61,11 +61,12 @@ private:
     [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
 
     RevisionArguments _named;
-    std::string _branch;  // as git takes it; empty without the option
+    /// The revision that --branch stands for; empty without the option.
+    std::string _branch;
     bool _isColoured = false;
 };
 
-/// A branch that is none, but the name of a file, would make git list the history of that file.
+/// git would take the name of a file for that file and show its history.
 std::optional<CommandOutput> LogTask::refusalOfBranch() {
     const auto branch = arguments().value("--branch");
     if (!branch) {
@@ -109,7 +110,7 @@ std::optional<CommandOutput> LogTask::validate() {
 std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
     auto request = newRequest(NEBSourceControlRequestLog);
     _named.copyTo(*request);
-    // Of two revisions the request makes a symmetric difference.
+    // From two revisions the request makes a symmetric difference.
     if (_named.dots == "..") {
         request->startingRevision = _named.revisions[0] + ".." + _named.revisions[1];
         request->endingRevision = {};
@@ -128,7 +129,7 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
     return request;
 }
 
-// ---- for a person -----------------------------------------------------------------------------
+// ---- text --------------------------------------------------------------------------------------
 
 std::string LogTask::revisionColumn(const NEBDictionary& record) const {
     const std::string revision = printable(record.text(NEBSourceControlOperationRevisionKey));
@@ -192,7 +193,7 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
         }
         return all;
     }
-    // A longer name than this pushes its own line alone.
+    // Only the line of a longer name is out of line.
     constexpr std::size_t widestAuthorColumn = 20;
     std::size_t authorColumns = 0;
     for (const NEBDictionary& record : records) {
@@ -214,30 +215,34 @@ void LogTask::report(const Outcome& outcome, CommandOutput& output) {
 }
 
 constexpr Parameter parameters[] = {
-    {"REVISION", "Where to begin, HEAD unless given; or A..B or A...B", Takes::revisionOrPath},
-    {"FILE", "Only commits that changed it, a file or folder", Takes::pathAsWritten},
-    {"-n,--limit", "How many commits at most", Takes::text, Occurs::optionally, "N"},
-    {"--branch", "The branch, instead of a revision", Takes::branch, Occurs::optionally, "BRANCH"},
-    {"--files", "Show the files that each commit changed; of a renamed one the old name"},
-    {"--full", "Show the whole messages, the authors' addresses and the seconds"},
+    {"REVISION", "Where to start, or a range A..B or A...B; default: HEAD", Takes::revisionOrPath},
+    {"FILE", "Show only commits that changed this file or folder", Takes::pathAsWritten},
+    {"-n,--limit", "Show at most N commits", Takes::text, Occurs::optionally, "N"},
+    {"--branch", "Show this branch; cannot be combined with REVISION", Takes::branch,
+     Occurs::optionally, "BRANCH"},
+    {"--files", "Show the files that each commit changed; renamed files under the old name"},
+    {"--full", "Show complete messages, e-mail addresses of authors, and seconds"},
 };
 
 }  // namespace
 
 constinit const Command logCommand{
     .name = "log",
-    .group = lookGroup,
+    .group = inspectGroup,
     .summary = "Show commits, newest first",
     .details =
-        "Dates are local. A..B shows the commits of B that A does not have, A...B those of\n"
-        "either side that the other side does not have. A single word is a revision, or else a\n"
-        "file; \"--\" in front of a file, or behind a revision, settles what it is. A merge has\n"
-        "no files of its own.\n\n"
+        "Dates are in local time. A..B shows the commits of B that A does not contain, A...B "
+        "those\n"
+        "that only one of the two contains. A single argument is a revision or else a file; put "
+        "\"--\"\n"
+        "before a file or after a revision if it could be either. Merges have no files of their "
+        "own.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc log -n 10              the last ten commits\n"
-        "  nebsc log --files src        those that changed something in src, and what\n"
-        "  nebsc log v1.0..v2.0         what one version has and the other has not\n"
-        "  nebsc log -- old.c           the history of a file that is gone\n",
+        "  nebsc log -n 10          the last ten commits\n"
+        "  nebsc log --files src    commits that changed something in src, with the files\n"
+        "  nebsc log v1.0..v2.0     commits of v2.0 that v1.0 does not contain\n"
+        "  nebsc log -- old.c       the history of a deleted file\n",
     .parameters = parameters,
     .activity = "Reading the history",
     .isPaged = true,

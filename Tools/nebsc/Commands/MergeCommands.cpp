@@ -43,7 +43,7 @@ private:
     bool _isMergedAlready = false;
 };
 
-/// The outcome of a merge does not say what it did; this does.
+/// Notes what report() needs: the outcome does not say what the merge did.
 std::optional<CommandOutput> MergeTask::validate() {
     _commitBefore = git().headCommit();
     _isMergedAlready = !revision().starts_with('-') && git().isMerged(revision());
@@ -98,7 +98,7 @@ private:
     }
 };
 
-/// The error of the request speaks of a file; a person is told which revision there is not.
+/// The request's error is about a file; names the missing revision instead.
 std::optional<CommandOutput> MergeBaseTask::validate() {
     for (const std::string& name : {revision("A"), revision("B")}) {
         if (!name.starts_with('-') && git().isUnknownRevision(name)) {
@@ -133,7 +133,7 @@ void MergeBaseTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constexpr Parameter mergeBaseParameters[] = {
     {"A", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
-    {"B", "Another", Takes::revision, Occurs::once},
+    {"B", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
 
 }  // namespace
@@ -141,10 +141,11 @@ constexpr Parameter mergeBaseParameters[] = {
 constinit const Command mergeCommand{
     .name = "merge",
     .group = branchesGroup,
-    .summary = "Merge another branch into the current one",
+    .summary = "Merge a branch into the current one",
     .details =
-        "Where both have changed the same lines, those of the current branch are kept, and the\n"
-        "files are named on standard error.\n\n"
+        "Where both sides changed the same lines, keeps those of the current branch and lists the\n"
+        "files on standard error.\n"
+        "\n"
         "Example:\n"
         "  nebsc merge topic\n",
     .parameters = mergeParameters,
@@ -160,7 +161,7 @@ constinit const Command mergeBaseCommand{
         "Example:\n"
         "  nebsc merge-base main topic\n",
     .parameters = mergeBaseParameters,
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<MergeBaseTask>,
 };
 

@@ -1,4 +1,4 @@
-// The commands about the repositories that this one knows by name.
+// The command "remote" and its subcommands.
 
 #include <unistd.h>
 
@@ -19,13 +19,13 @@ namespace {
 
 // ---- list -------------------------------------------------------------------------------------
 
-/// A remote, of the records that stand beside each other in the listing.
+/// A remote, from consecutive records of the list.
 struct Remote {
     std::string name;
     std::vector<std::string> fetch;
     std::vector<std::string> push;
     bool isSubversion = false;
-    /// Whether a record of it has no type: its location was cut at a blank, or git said more of it.
+    /// Whether a record has no type: its URL contains a blank, or git printed more after it.
     bool isIncomplete = false;
 };
 
@@ -64,15 +64,15 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newRequest(NEBSourceControlRequestListRemotes);
     }
-    /// The last question is the one for Subversion, and may have no answer.
+    /// The last query, for Subversion, may find nothing.
     SilentFailure silentFailure() const override { return SilentFailure::isEmptyResult; }
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
-    void completeLocations(Remote& remote);
+    void completeURLs(Remote& remote);
 };
 
-void ListTask::completeLocations(Remote& remote) {
+void ListTask::completeURLs(Remote& remote) {
     remote.fetch = git().linesOf({"remote", "get-url", remote.name});
     remote.push = git().linesOf({"remote", "get-url", "--push", "--all", remote.name});
 }
@@ -81,7 +81,7 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
     std::vector<std::vector<std::string>> rows;
     for (Remote& remote : remotesOf(outcome.result.value_or(NEBSourceControlResult{}))) {
         if (remote.isIncomplete) {
-            completeLocations(remote);
+            completeURLs(remote);
         }
         const std::string name = remote.name.empty() ? "svn" : remote.name;
         if (remote.isSubversion) {
@@ -108,14 +108,14 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constinit const Command listCommand{
     .name = "list",
-    .group = innerGroup,
-    .summary = "Show the remotes and where they are",
+    .group = subcommandGroup,
+    .summary = "List the remotes and their URLs",
     .details =
-        "A remote that is fetched from and pushed to in different places has a line for\n"
-        "each.\n\n"
+        "A remote with different URLs for fetch and push has a line for each.\n"
+        "\n"
         "Example:\n"
         "  nebsc remote list\n",
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<ListTask>,
 };
 
@@ -138,17 +138,18 @@ protected:
 };
 
 constexpr Parameter addParameters[] = {
-    {"NAME", "What the remote shall be called", Takes::text, Occurs::once},
-    {"URL", "Where it is: a URL, HOST:PATH, or a path, which is recorded from the root on",
-     Takes::location, Occurs::once},
+    {"NAME", "The name of the remote", Takes::text, Occurs::once},
+    {"URL", "A URL, HOST:PATH, or a path, which is stored as an absolute path", Takes::location,
+     Occurs::once},
 };
 
 constinit const Command addCommand{
     .name = "add",
-    .group = innerGroup,
-    .summary = "Give another repository a name here",
+    .group = subcommandGroup,
+    .summary = "Add a remote",
     .details =
-        "Nothing is fetched yet; \"nebsc fetch\" does that.\n\n"
+        "Does not fetch from it; \"nebsc fetch\" does.\n"
+        "\n"
         "Example:\n"
         "  nebsc remote add origin https://example.org/demo.git\n",
     .parameters = addParameters,
@@ -175,15 +176,16 @@ protected:
 };
 
 constexpr Parameter removeParameters[] = {
-    {"NAME", "The remote's name", Takes::remote, Occurs::once},
+    {"NAME", "The name of the remote", Takes::remote, Occurs::once},
 };
 
 constinit const Command removeCommand{
     .name = "rm",
-    .group = innerGroup,
-    .summary = "Forget a remote, and what was fetched of its branches",
+    .group = subcommandGroup,
+    .summary = "Remove a remote and its remote-tracking branches",
     .details =
-        "The other repository stays as it is.\n\n"
+        "Does not change the other repository.\n"
+        "\n"
         "Example:\n"
         "  nebsc remote rm origin\n",
     .parameters = removeParameters,
@@ -198,7 +200,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
-    /// To choose a remote takes a repository.
+    /// Without URL, git chooses a remote of the repository.
     std::optional<CommandOutput> validate() override {
         return arguments().has("URL") ? std::nullopt : refusalOutsideRepository(git());
     }
@@ -224,21 +226,22 @@ void BranchesTask::report(const Outcome& outcome, CommandOutput& output) {
 }
 
 constexpr Parameter branchesParameters[] = {
-    {"URL", "A remote's name, a URL, HOST:PATH, or a path; unless given, git chooses a remote",
+    {"URL", "A remote, a URL, HOST:PATH, or a path; default: the remote that git chooses",
      Takes::remote},
 };
 
 constinit const Command branchesCommand{
     .name = "branches",
-    .group = innerGroup,
-    .summary = "Ask another repository for its branches",
+    .group = subcommandGroup,
+    .summary = "List the branches of another repository",
     .details =
-        "Each with its latest commit. Nothing is fetched.\n\n"
+        "Shows the latest commit of each. Does not fetch.\n"
+        "\n"
         "Examples:\n"
         "  nebsc remote branches origin\n"
         "  nebsc remote branches https://example.org/demo.git\n",
     .parameters = branchesParameters,
-    .activity = "Asking",
+    .activity = "Connecting",
     .run = runTask<BranchesTask>,
 };
 
@@ -254,13 +257,13 @@ constexpr const Command* remoteCommands[] = {
 constinit const Command remoteCommand{
     .name = "remote",
     .group = remotesGroup,
-    .summary = "List, add and remove remotes, and ask them for their branches",
+    .summary = "List, add and remove remotes",
     .details =
         "Examples:\n"
-        "  nebsc remote                                            the remotes\n"
-        "  nebsc remote add origin https://example.org/demo.git    add one\n"
-        "  nebsc remote add --help                                 more on one of its commands\n",
-    .activity = "Looking",
+        "  nebsc remote                                            list the remotes\n"
+        "  nebsc remote add origin https://example.org/demo.git    add a remote\n"
+        "  nebsc remote add --help                                 help for a subcommand\n",
+    .activity = "Reading",
     .commands = remoteCommands,
     .run = runTask<ListTask>,
 };

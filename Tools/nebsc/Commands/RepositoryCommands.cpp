@@ -1,4 +1,4 @@
-// The commands that make a repository.
+// The commands "init" and "clone", which create a repository.
 
 #include <array>
 
@@ -41,8 +41,7 @@ WorkingCopyLocation InitTask::locate() {
             .isWorkingCopy = false};
 }
 
-/// The request would go on in a repository that is there, or in what is left of one, and replace
-/// its list of files to ignore.
+/// In an existing or damaged repository the request would go on and replace its .gitignore.
 std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& folder) {
     const std::string inside = pathByAppendingComponent(folder, ".git");
     for (const std::string& place : {folder, inside}) {
@@ -67,8 +66,8 @@ std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& fo
 
 std::optional<CommandOutput> InitTask::validate() {
     const std::string& folder = workingCopy().location;
-    if (const std::string word = argument("DIR"); word.find("://") != std::string::npos) {
-        return refusal(inQuotes(word) + " is a URL; a repository is made in a folder.",
+    if (const std::string typed = argument("DIR"); typed.find("://") != std::string::npos) {
+        return refusal(inQuotes(typed) + " is a URL; a repository is made in a folder.",
                        exitNotUnderstood);
     }
     if (auto refused = refusalOfRepository(folder)) {
@@ -97,23 +96,23 @@ void InitTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter initParameters[] = {
-    {"DIR", "The folder, made where it is missing; unless given, the current one", Takes::folder},
-    {"--bare", "A repository without a working copy, to push to"},
+    {"DIR", "The folder, created if missing; default: the current folder", Takes::folder},
+    {"--bare", "Create a repository without a working copy, to push to"},
 };
 
 // ---- clone ------------------------------------------------------------------------------------
 
-/// The last component of what is cloned, which names the folder that the clone goes into; empty
-/// when there is none.
+/// Returns the last component of a URL or path, after which git names the clone; empty if there is
+/// none.
 std::string nameOfClone(std::string_view source) {
     constexpr std::array<std::string_view, 3> endings{"/.git", ".git", ".bundle"};
-    const auto withoutEndSlashes = [](std::string_view text) {
+    const auto withoutTrailingSlashes = [](std::string_view text) {
         return text.substr(0, text.find_last_not_of('/') + 1);
     };
-    source = withoutEndSlashes(source);
+    source = withoutTrailingSlashes(source);
     for (const std::string_view ending : endings) {
         if (source.ends_with(ending)) {
-            source = withoutEndSlashes(source.substr(0, source.size() - ending.size()));
+            source = withoutTrailingSlashes(source.substr(0, source.size() - ending.size()));
             break;
         }
     }
@@ -121,7 +120,7 @@ std::string nameOfClone(std::string_view source) {
     return std::string(source.substr(separator == std::string_view::npos ? 0 : separator + 1));
 }
 
-/// The request of a clone without the submodules, which the request's own operation always brings.
+/// Clones without submodules. The request's own operation always clones them.
 class CloneWithoutSubmodulesOperation : public NEBSourceControlTaskOperation {
 public:
     explicit CloneWithoutSubmodulesOperation(std::shared_ptr<NEBSourceControlRequest> request)
@@ -153,10 +152,11 @@ protected:
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override {
-        const auto asked = makeRequest();
-        return performRequest(asked, arguments().has("--no-submodules")
-                                         ? initWithRequest<CloneWithoutSubmodulesOperation>(asked)
-                                         : nullptr);
+        const auto request = makeRequest();
+        return performRequest(request,
+                              arguments().has("--no-submodules")
+                                  ? initWithRequest<CloneWithoutSubmodulesOperation>(request)
+                                  : nullptr);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
     std::string textFor(const NEBSourceControlError& error) const override {
@@ -212,12 +212,11 @@ void CloneTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter cloneParameters[] = {
-    {"URL", "A repository: a URL, HOST:PATH, or a path", Takes::location, Occurs::once},
-    {"DIR", "The folder, made where it is missing; unless given, one named like the repository",
-     Takes::folder},
-    {"--branch", "The branch to check out, unless the repository's own", Takes::text,
+    {"URL", "A URL, HOST:PATH, or a path", Takes::location, Occurs::once},
+    {"DIR", "The folder, created if missing; default: named after the repository", Takes::folder},
+    {"--branch", "Check out this branch instead of the default branch", Takes::text,
      Occurs::optionally, "BRANCH"},
-    {"--no-submodules", "Leave the folders of the submodules empty"},
+    {"--no-submodules", "Do not clone submodules"},
 };
 
 }  // namespace
@@ -225,26 +224,28 @@ constexpr Parameter cloneParameters[] = {
 constinit const Command initCommand{
     .name = "init",
     .group = changeGroup,
-    .summary = "Make an empty repository",
+    .summary = "Create an empty repository",
     .details =
         "Examples:\n"
-        "  nebsc init demo                make the folder demo, and a repository in it\n"
-        "  nebsc init --bare demo.git     one without a working copy, to push to\n",
+        "  nebsc init demo                in the folder demo, which is created\n"
+        "  nebsc init --bare demo.git     without a working copy, to push to\n",
     .parameters = initParameters,
-    .activity = "Making the repository",
+    .activity = "Creating the repository",
     .run = runTask<InitTask>,
 };
 
 constinit const Command cloneCommand{
     .name = "clone",
     .group = remotesGroup,
-    .summary = "Copy a repository, with its submodules",
+    .summary = "Clone a repository with its submodules",
     .details =
-        "Where it fails or is stopped, nothing is left of a folder that it made. Where only\n"
-        "submodules cannot be cloned, the clone is kept, and what it lacks is named.\n\n"
+        "If the clone fails or is interrupted, removes the folder that it created. If only "
+        "submodules\n"
+        "cannot be cloned, keeps the clone and lists what is missing.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc clone https://example.org/demo.git           into the folder demo\n"
-        "  nebsc clone --branch topic ../demo elsewhere       a branch, into elsewhere\n",
+        "  nebsc clone https://example.org/demo.git           to the folder demo\n"
+        "  nebsc clone --branch topic ../demo elsewhere       the branch topic, to elsewhere\n",
     .parameters = cloneParameters,
     .activity = "Cloning",
     .run = runTask<CloneTask>,

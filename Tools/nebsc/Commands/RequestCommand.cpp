@@ -19,15 +19,16 @@ CommandOutput run(const CommandCall& call) {
     if (!reading.request) {
         return refusal(reading.refusal, exitNotUnderstood);
     }
-    // Not before: until there is a request, a signal may end the reading at once.
+    // Created only now, so that a signal ends nebsc at once while it reads.
     Interruption interruption;
-    std::optional<ProgressIndicator> sign(std::in_place, call.command.activity,
-                                          !call.session.trace().isOn());
-    const auto runner = call.arguments.has("--dry-run") ? HostSession::Runner()
-                                                        : interruptibleRunner(interruption, *sign);
+    std::optional<ProgressIndicator> progress(std::in_place, call.command.activity,
+                                              !call.session.trace().isOn());
+    const auto runner = call.arguments.has("--dry-run")
+                            ? HostSession::Runner()
+                            : interruptibleRunner(interruption, *progress);
     RequestResult requestResult = call.session.perform(reading.request, runner);
-    sign.reset();
-    // No child is left by now: from here on a signal may end nebsc at once.
+    progress.reset();
+    // No child runs any more: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = requestResult.refusedValue) {
         return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
@@ -45,8 +46,8 @@ CommandOutput run(const CommandCall& call) {
 }
 
 constexpr Parameter parameters[] = {
-    {"FILE", "The request; unless given, or for -, standard input is read", Takes::pathAsWritten},
-    {"--dry-run", "Make the operation, do not run it"},
+    {"FILE", "The file with the request; default, and for -: standard input", Takes::pathAsWritten},
+    {"--dry-run", "Create the operation, but do not run it"},
 };
 
 }  // namespace
@@ -54,13 +55,13 @@ constexpr Parameter parameters[] = {
 constinit const Command requestCommand{
     .name = "request",
     .group = requestsGroup,
-    .summary = "Carry out a request in JSON and print its outcome",
+    .summary = "Run a request in JSON and print its outcome",
     .details =
         "Examples:\n"
         "  echo '{\"type\": 15, \"sourceTree\": {\"location\": \"/path\"}}' | nebsc request\n"
-        "  nebsc request --dry-run log.json    what it would run, without running it\n",
+        "  nebsc request --dry-run log.json    show what it would run\n",
     .parameters = parameters,
-    .activity = "Working",
+    .activity = "Running",
     .run = run,
 };
 

@@ -38,33 +38,33 @@ protected:
 private:
     [[nodiscard]] std::string lineOf(const StatusEntry& entry) const;
 
-    /// The path that was asked for, where that is not the place itself.
+    /// Absolute; absent for the whole working copy.
     std::optional<std::string> _path;
     std::vector<StatusEntry> _entries;
 };
 
-/// Of a path where nothing is any more, the nearest folder that is counts. A symbolic link is
-/// looked at itself where it lies in a working copy, otherwise what it points to.
+/// For a path that does not exist, starts from the nearest existing folder. A symbolic link counts
+/// itself if it lies in a working copy, otherwise the folder that it points to.
 WorkingCopyLocation StatusTask::locate() {
     if (paths("PATH").empty()) {
         return CommandTask::locate();
     }
-    fs::path asked = paths("PATH").front();
+    fs::path path = paths("PATH").front();
     const auto around = [this](const fs::path& folder) {
         return findWorkingCopy(git().interruption(), git().trace(), currentFolder(),
                                folder.string());
     };
-    WorkingCopyLocation place = around(nearestFolder(asked));
+    WorkingCopyLocation found = around(nearestFolder(path));
     std::error_code ignored;
-    if (!place.isWorkingCopy && fs::is_symlink(fs::symlink_status(asked, ignored)) &&
-        fs::is_directory(fs::status(asked, ignored))) {
-        asked = fs::canonical(asked, ignored);
-        place = around(asked);
+    if (!found.isWorkingCopy && fs::is_symlink(fs::symlink_status(path, ignored)) &&
+        fs::is_directory(fs::status(path, ignored))) {
+        path = fs::canonical(path, ignored);
+        found = around(path);
     }
-    if (asked.string() != place.location) {
-        _path = asked.string();
+    if (path.string() != found.location) {
+        _path = path.string();
     }
-    return place;
+    return found;
 }
 
 std::shared_ptr<NEBSourceControlRequest> StatusTask::makeRequest() {
@@ -75,8 +75,8 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::makeRequest() {
     return request;
 }
 
-/// A program gets the request's outcome, a person all that git knows; so does a program that wants
-/// what no request can be asked for.
+/// The query has more details than the request, and --all has no equivalent in a request. With
+/// --json alone, the output is the request's own.
 RequestResult StatusTask::perform() {
     const bool isAll = arguments().has("--all");
     if (isJSON() && !isAll) {
@@ -111,47 +111,48 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) 
     return lines;
 }
 
-/// Says so when there are no records.
+/// Reports that there are no changes.
 void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
     if (outcome.result && !outcome.result->empty()) {
         return;
     }
     const std::string name = inQuotes(lastPathComponent(workingCopy().location));
-    const std::string asked = inQuotes(argument("PATH"));
-    // A file outside the sparse checkout is not on disk, and git reports no change of it.
+    const std::string typed = inQuotes(argument("PATH"));
+    // A file outside the sparse checkout is not on disk, and git reports it as unchanged.
     if (_path && !isAnythingAt(*_path) && !git().isTracked(*_path)) {
-        output = refusal("There is no file or folder " + asked +
+        output = refusal("There is no file or folder " + typed +
                              ", neither on disk nor in the working copy " + name + ".",
                          exitFailed, NEBSourceControlPathUnknownErrorClass);
         return;
     }
     output.standardOutput =
-        "Nothing to report: " + printable(_path ? asked : "the working copy " + name) +
+        "Nothing to report: " + printable(_path ? typed : "the working copy " + name) +
         " has no changes.\n";
 }
 
 constexpr Parameter parameters[] = {
-    {"PATH", "A file or folder, deleted ones included; unless given, the whole working copy",
+    {"PATH", "A file or folder, which may be deleted; default: the whole working copy",
      Takes::path},
-    {"--all", "Show each file of an untracked folder, not the folder alone"},
+    {"--all", "Show each file of an untracked folder instead of the folder"},
 };
 
 }  // namespace
 
 constinit const Command statusCommand{
     .name = "status",
-    .group = lookGroup,
-    .summary = "Show which files of a working copy have changed",
+    .group = inspectGroup,
+    .summary = "Show the changed files of a working copy",
     .details =
-        "A file in conflict is shown with what the current branch (us) and the other (them)\n"
-        "did to it.\n\n"
+        "For a file in conflict, shows what the current branch (us) and the other branch (them)\n"
+        "did to it.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc status                what has changed in the working copy around here\n"
-        "  nebsc status src/main.c    the same for one file or folder\n"
-        "  nebsc status --all         untracked folders with the files in them\n"
-        "  nebsc status --json        the same for a program to read\n",
+        "  nebsc status               the working copy around the current folder\n"
+        "  nebsc status src/main.c    one file or folder\n"
+        "  nebsc status --all         each file of untracked folders\n"
+        "  nebsc status --json        for a program to read\n",
     .parameters = parameters,
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<StatusTask>,
 };
 

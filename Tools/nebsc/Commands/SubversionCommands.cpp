@@ -1,5 +1,4 @@
-// The commands about the Subversion repository behind this one, under a name of their own: those of
-// any remote, told that it is this one which is meant.
+// The command "svn" and its subcommands, which run "fetch", "update" and "push" with --svn.
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
@@ -37,9 +36,9 @@ std::string ShowTask::textOfResult(const NEBSourceControlResult& records) {
     return lines;
 }
 
-// ---- the exchange -----------------------------------------------------------------------------
+// ---- fetch, update, push ----------------------------------------------------------------------
 
-/// Lets another command do the work, as if "--svn" stood in its call.
+/// Runs another command as if --svn were given.
 CommandOutput runForSubversion(const Command& command, const CommandCall& call) {
     Arguments arguments = call.arguments;
     arguments.set("--svn", {""});
@@ -56,8 +55,8 @@ CommandOutput runForSubversion(const Command& command, const CommandCall& call) 
 
 constinit const Command fetchFromSubversion{
     .name = "fetch",
-    .group = innerGroup,
-    .summary = "Bring what is new there here, and leave the working copy alone",
+    .group = subcommandGroup,
+    .summary = "Fetch from Subversion without changing the working copy",
     .details =
         "The same as \"nebsc fetch --svn\".\n\n"
         "Example:\n"
@@ -67,17 +66,19 @@ constinit const Command fetchFromSubversion{
 };
 
 constexpr Parameter updateParameters[] = {
-    {"REF", "The reference of what was fetched, unless it is the configured one", Takes::revision},
+    {"REF", "The reference that was fetched; default: the configured one", Takes::revision},
 };
 
 constinit const Command updateFromSubversion{
     .name = "update",
-    .group = innerGroup,
-    .summary = "Put the commits here on top of what is new there",
+    .group = subcommandGroup,
+    .summary = "Fetch from Subversion and rebase the current branch",
     .details =
-        "The same as \"nebsc update --svn\": where both sides have changed the same lines, those\n"
-        "of Subversion are kept, and a commit of which nothing is left then is left out. The\n"
-        "files are named on standard error.\n\n"
+        "The same as \"nebsc update --svn\". Where both sides changed the same lines, keeps those "
+        "of\n"
+        "Subversion and lists the files on standard error. A commit that becomes empty is "
+        "dropped.\n"
+        "\n"
         "Example:\n"
         "  nebsc svn update\n",
     .parameters = updateParameters,
@@ -87,8 +88,8 @@ constinit const Command updateFromSubversion{
 
 constinit const Command pushToSubversion{
     .name = "push",
-    .group = innerGroup,
-    .summary = "Commit there what it does not have",
+    .group = subcommandGroup,
+    .summary = "Commit to Subversion",
     .details =
         "The same as \"nebsc push --svn\".\n\n"
         "Example:\n"
@@ -108,15 +109,16 @@ constexpr const Command* subversionCommands[] = {
 constinit const Command subversionCommand{
     .name = "svn",
     .group = subversionGroup,
-    .summary = "Work with the Subversion repository behind this one",
+    .summary = "Work with the connected Subversion repository",
     .details =
-        "\"git svn clone URL\" makes a repository that has one behind it.\n\n"
+        "\"git svn clone URL\" creates a repository that is connected to a Subversion repository.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc svn           where it is\n"
-        "  nebsc svn fetch     bring what is new there here\n"
-        "  nebsc svn update    the same, and put the commits here on top of it\n"
-        "  nebsc svn push      commit there what it does not have\n",
-    .activity = "Looking",
+        "  nebsc svn           show its URL\n"
+        "  nebsc svn fetch     fetch from it\n"
+        "  nebsc svn update    fetch, and rebase the current branch\n"
+        "  nebsc svn push      commit to it\n",
+    .activity = "Reading",
     .commands = subversionCommands,
     .run = runTask<ShowTask>,
 };

@@ -1,4 +1,4 @@
-// The commands about branches that track a branch of a remote.
+// The commands "branch track" and "branch tracking".
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
@@ -11,7 +11,7 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr std::string_view nameWord = "NAME";
+constexpr std::string_view nameParameter = "NAME";
 
 // ---- track ------------------------------------------------------------------------------------
 
@@ -23,7 +23,6 @@ protected:
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
-    /// Why, report() finds out.
     bool isHandled(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
     }
@@ -32,7 +31,7 @@ private:
     TrackedBranch _tracking;
 };
 
-/// A remote's name may hold a "/" itself.
+/// The name of a remote may contain "/" itself.
 std::optional<CommandOutput> TrackTask::validate() {
     if (auto refused = refusalOutsideRepository(git())) {
         return refused;
@@ -59,7 +58,7 @@ std::optional<CommandOutput> TrackTask::validate() {
 
 std::shared_ptr<NEBSourceControlRequest> TrackTask::makeRequest() {
     auto request = newRequest(NEBSourceControlRequestTrackRemoteBranch);
-    request->destination = argument(nameWord);
+    request->destination = argument(nameParameter);
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionRemoteName, _tracking.remote);
     request->options->set(NEBSourceControlRequestOptionBranch, _tracking.branch);
@@ -71,9 +70,9 @@ void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
         output = refusalOfBranchNotFetched(git(), _tracking);
         return;
     }
-    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameWord))) +
+    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameParameter))) +
                             ", which tracks " + shownBranch(git(), _tracking) + ".\n";
-    // The operation goes on after a fetch that may not overwrite a tag.
+    // The operation goes on if the fetch fails because it may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
         output.standardError +=
             complaint("The fetch did not complete; " +
@@ -82,8 +81,8 @@ void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
 }
 
 constexpr Parameter trackParameters[] = {
-    {nameWord, "The new branch", Takes::text, Occurs::once},
-    {"REMOTE/BRANCH", "The remote's name and its branch", Takes::remoteBranch, Occurs::once},
+    {nameParameter, "The new branch", Takes::text, Occurs::once},
+    {"REMOTE/BRANCH", "The remote and its branch", Takes::remoteBranch, Occurs::once},
 };
 
 // ---- tracking ---------------------------------------------------------------------------------
@@ -101,14 +100,14 @@ protected:
 std::shared_ptr<NEBSourceControlRequest> TrackingTask::makeRequest() {
     auto request = newRequest(NEBSourceControlRequestTrackingBranchName);
     request->options.emplace();
-    request->options->set(NEBSourceControlRequestOptionBranch, argument(nameWord));
+    request->options->set(NEBSourceControlRequestOptionBranch, argument(nameParameter));
     return request;
 }
 
-/// Of a remote's branch that has a "/" in its name, the record holds a part alone. And git is
-/// silent outside any repository, and about a branch that is not there.
+/// Asks git again: the record holds only a part of a branch name with "/", and is missing outside
+/// of a repository as well as for a branch that does not exist.
 void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const std::string& name = argument(nameWord);
+    const std::string& name = argument(nameParameter);
     if (auto refused = refusalOutsideRepository(git())) {
         output = *refused;
     } else if (const auto tracking = trackedBranchOf(git(), name)) {
@@ -124,15 +123,15 @@ void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 }
 
 constexpr Parameter trackingParameters[] = {
-    {nameWord, "A branch of this repository", Takes::branch, Occurs::once},
+    {nameParameter, "A branch of this repository", Takes::branch, Occurs::once},
 };
 
 }  // namespace
 
 constinit const Command branchTrackCommand{
     .name = "track",
-    .group = innerGroup,
-    .summary = "Fetch a remote's branch and make one that tracks it",
+    .group = subcommandGroup,
+    .summary = "Fetch a remote branch and create a branch that tracks it",
     .details =
         "Example:\n"
         "  nebsc branch track topic origin/topic\n",
@@ -143,14 +142,15 @@ constinit const Command branchTrackCommand{
 
 constinit const Command branchTrackingCommand{
     .name = "tracking",
-    .group = innerGroup,
-    .summary = "Show which branch of a remote a branch tracks",
+    .group = subcommandGroup,
+    .summary = "Show which remote branch a branch tracks",
     .details =
-        "The exit status is 1 when it tracks none.\n\n"
+        "Exits with status 1 if it tracks none.\n"
+        "\n"
         "Example:\n"
         "  nebsc branch tracking main\n",
     .parameters = trackingParameters,
-    .activity = "Looking",
+    .activity = "Reading",
     .run = runTask<TrackingTask>,
 };
 

@@ -16,7 +16,7 @@ namespace {
 
 struct TypeDescription {
     const NEBSourceControlRequestTypeDescription& type;
-    /// The name of the class; absent when the plug-in has no operation for the type.
+    /// The class name; absent if the type has no operation.
     std::optional<std::string> operation;
     std::vector<std::string> needs;
 };
@@ -85,12 +85,13 @@ CommandOutput run(const CommandCall& call) {
 constinit const Command typesCommand{
     .name = "types",
     .group = requestsGroup,
-    .summary = "List the types of request and what each needs",
+    .summary = "List the request types and what each needs",
     .details =
-        "The types called \"unsupported\" have no operation: a request of such a type fails.\n\n"
+        "Types named \"unsupported\" have no operation; their requests fail.\n"
+        "\n"
         "Examples:\n"
         "  nebsc types           a table\n"
-        "  nebsc types --json    the same for a program to read\n",
+        "  nebsc types --json    for a program to read\n",
     .run = run,
 };
 

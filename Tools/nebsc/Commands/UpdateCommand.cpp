@@ -12,8 +12,8 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr std::string_view remoteWord = "REMOTE";
-constexpr std::string_view branchWord = "BRANCH";
+constexpr std::string_view remoteParameter = "REMOTE";
+constexpr std::string_view branchParameter = "BRANCH";
 
 class UpdateTask : public CommandTask {
 public:
@@ -43,20 +43,20 @@ private:
                    ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
                    : SideNames{.kept = "the current branch's", .leftOut = "the other side's"};
     }
-    [[nodiscard]] std::optional<CommandOutput> refusalOfWords() const;
+    [[nodiscard]] std::optional<CommandOutput> refusalOfArguments() const;
     [[nodiscard]] std::optional<CommandOutput> findSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSubversion();
 
     /// The branch of a remote from which the commits come.
     TrackedBranch _source;
-    /// The reference under which a fetch keeps it here; empty where a pull asks the remote itself.
+    /// Its remote-tracking reference; empty with --ff, which asks the remote itself.
     std::string _reference;
-    /// What a person is told of the source.
+    /// The source in messages, printable.
     std::string _shownSource;
-    /// How many commits there are here that the reference does not have.
+    /// Returns the number of commits of the current branch that the reference does not contain.
     [[nodiscard]] std::size_t ownCommits();
-    /// Says how many commits of one's own a rebase has left out.
+    /// Reports how many local commits a rebase has dropped.
     void noteDroppedCommits(CommandOutput& output);
 
     SettledConflictSearch _conflicts{git()};
@@ -65,9 +65,9 @@ private:
     bool _isMergedAlready = false;
 };
 
-std::optional<CommandOutput> UpdateTask::refusalOfWords() const {
-    const bool hasRemote = arguments().has(remoteWord);
-    const bool hasBranch = arguments().has(branchWord);
+std::optional<CommandOutput> UpdateTask::refusalOfArguments() const {
+    const bool hasRemote = arguments().has(remoteParameter);
+    const bool hasBranch = arguments().has(branchParameter);
     if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
         return refusal(
             "Either REMOTE and BRANCH, both or none, or --svn and no more than REF was expected "
@@ -78,7 +78,7 @@ std::optional<CommandOutput> UpdateTask::refusalOfWords() const {
 }
 
 std::optional<CommandOutput> UpdateTask::validate() {
-    if (auto refused = refusalOfWords()) {
+    if (auto refused = refusalOfArguments()) {
         return refused;
     }
     if (auto refused = refusalOutsideWorkingCopy(git())) {
@@ -95,10 +95,10 @@ std::optional<CommandOutput> UpdateTask::validate() {
     return isByFastForward() ? std::nullopt : fetchSource();
 }
 
-/// The words of the call, or what the current branch tracks.
+/// Reads the arguments, or what the current branch tracks.
 std::optional<CommandOutput> UpdateTask::findSource() {
-    if (arguments().has(remoteWord)) {
-        _source = {remoteOrLocation(git(), argument(remoteWord)), argument(branchWord)};
+    if (arguments().has(remoteParameter)) {
+        _source = {remoteOrLocation(git(), argument(remoteParameter)), argument(branchParameter)};
         return std::nullopt;
     }
     const auto branch = currentBranch(git());
@@ -122,9 +122,9 @@ std::optional<CommandOutput> UpdateTask::findSource() {
     return std::nullopt;
 }
 
-/// What the request merges must be here; of a remote without a name, nothing is kept.
+/// The request merges a remote-tracking branch, which only a named remote has.
 std::optional<CommandOutput> UpdateTask::fetchSource() {
-    const bool isTracked = !arguments().has(remoteWord);
+    const bool isTracked = !arguments().has(remoteParameter);
     const std::string& remote = _source.remote;
     if (remote != "." && !remote.starts_with('-') && !isRemote(git(), remote)) {
         CommandOutput output = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed,
@@ -151,14 +151,14 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
     return std::nullopt;
 }
 
-/// The bridge's setting is "path on the server:reference". A reference that is refused anyway is
-/// not worth a fetch.
+/// The setting is "PATH_ON_SERVER:REFERENCE". Does not fetch for a reference that the request
+/// refuses.
 std::optional<CommandOutput> UpdateTask::fetchSubversion() {
     if (auto refused = refusalWithoutSubversion(git())) {
         return refused;
     }
-    _reference = argument(remoteWord);
-    if (!arguments().has(remoteWord)) {
+    _reference = argument(remoteParameter);
+    if (!arguments().has(remoteParameter)) {
         const std::string setting =
             git().outputOf({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
         _reference = setting.substr(setting.rfind(':') + 1);
@@ -186,7 +186,7 @@ std::size_t UpdateTask::ownCommits() {
     return number;
 }
 
-/// One whose changes are all there already, or lost to what is there, has nothing left to say.
+/// git drops a commit if its changes are in the other branch already, or were overwritten there.
 void UpdateTask::noteDroppedCommits(CommandOutput& output) {
     const std::size_t left = ownCommits();
     if (left >= _ownCommitsBefore) {
@@ -214,7 +214,7 @@ std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {
     return request;
 }
 
-/// An outcome does not say what came.
+/// Compares the commits, because the outcome does not say what changed.
 void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
     const auto commit = git().headCommit();
     if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
@@ -238,13 +238,13 @@ std::string UpdateTask::adviceFor(const NEBSourceControlError& error) const {
 }
 
 constexpr Parameter parameters[] = {
-    {remoteWord,
-     "A remote's name; unless given, what the current branch tracks. With --svn: the reference of "
-     "what was fetched, unless it is the configured one",
+    {remoteParameter,
+     "A remote; default: what the current branch tracks. With --svn, the reference that was "
+     "fetched; default: the configured one",
      Takes::remote},
-    {branchWord, "The remote's branch", Takes::branchOfRemote},
-    {"--ff", "Only if there are no commits here that the remote does not have"},
-    {"--svn", "Put the commits here on top of what is new in the Subversion repository"},
+    {branchParameter, "The branch of the remote", Takes::branchOfRemote},
+    {"--ff", "Update only if the remote has all commits of the current branch"},
+    {"--svn", "Rebase the current branch onto the connected Subversion repository"},
 };
 
 }  // namespace
@@ -252,16 +252,16 @@ constexpr Parameter parameters[] = {
 constinit const Command updateCommand{
     .name = "update",
     .group = remotesGroup,
-    .summary = "Bring the working copy up to date with a remote",
+    .summary = "Fetch, and merge into the current branch",
     .details =
-        "Fetches, and merges what is new into the current branch. Where both sides have\n"
-        "changed the same lines, those of the current branch are kept; with --svn those of\n"
-        "Subversion are, and a commit of which nothing is left then is left out. The files are\n"
-        "named on standard error.\n\n"
+        "Where both sides changed the same lines, keeps those of the current branch and lists the\n"
+        "files on standard error. With --svn, rebases instead of merging, keeps the lines of\n"
+        "Subversion, and drops commits that become empty.\n"
+        "\n"
         "Examples:\n"
         "  nebsc update                from the branch that the current one tracks\n"
-        "  nebsc update origin main    from another\n"
-        "  nebsc update --ff           the same, unless it would need a merge\n"
+        "  nebsc update origin main    from another branch\n"
+        "  nebsc update --ff           only if no merge is needed\n"
         "  nebsc update --svn          from the Subversion repository\n",
     .parameters = parameters,
     .activity = "Updating",

@@ -22,10 +22,10 @@ CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trac
     } else {
         std::string noVersion = "git was not found";
         if (git.status.started()) {
-            const std::string words(git.errorOutput);
-            noVersion =
-                "git reported no version: " +
-                (words.empty() ? git.status.description() : words.substr(0, words.find('\n')));
+            const std::string stderrText(git.errorOutput);
+            noVersion = "git reported no version: " +
+                        (stderrText.empty() ? git.status.description()
+                                            : stderrText.substr(0, stderrText.find('\n')));
         }
         output.standardOutput = "nebsc " NEBSC_VERSION "\n" +
                                 printable(plugIn.name() + " " + plugIn.version()) + "\n" +

@@ -104,7 +104,7 @@ constexpr Parameter parameters[] = {
 
 constinit const Command doctorCommand{
     .name = "doctor",
-    .group = lookGroup,
+    .group = inspectGroup,
     .summary = "Check git, the repository and the settings for problems, and say how to fix them",
     .details =
         "Checks git and the plug-in; of the repository lock files, the index, every reference,\n"

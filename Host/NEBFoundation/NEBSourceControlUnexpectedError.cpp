@@ -64,7 +64,7 @@ NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
     } catch (...) {
         const std::string type = nameOfCurrentExceptionType();
         return unexpectedError("The plug-in failed unexpectedly: it threw an exception" +
-                               (type.empty() ? "." : " of the type \"" + type + "\"."));
+                               (type.empty() ? "." : " of type \"" + type + "\"."));
     }
 }
 

@@ -102,8 +102,7 @@ TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
     EXPECT_THAT(failure, HasSubstr("version 7"));
 }
 
-// ---- a plug-in that throws
-// -----------------------------------------------------------------------
+// ---- a plug-in that throws ---------------------------------------------------------------------
 
 constexpr std::string_view unexpected =
     "The plug-in failed unexpectedly: it threw an exception of type \"int\".";

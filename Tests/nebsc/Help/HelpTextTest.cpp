@@ -66,7 +66,7 @@ TEST(HelpText, NamesTheGroupsInThisOrder) {
     const std::string help = nebsc::helpText({});
     std::size_t position = 0;
     for (const std::string_view heading :
-         {nebsc::lookGroup, nebsc::changeGroup, nebsc::branchesGroup, nebsc::remotesGroup,
+         {nebsc::inspectGroup, nebsc::changeGroup, nebsc::branchesGroup, nebsc::remotesGroup,
           nebsc::subversionGroup, nebsc::requestsGroup, nebsc::shellGroup}) {
         const std::size_t found = help.find("\n" + std::string(heading) + ":\n");
         ASSERT_NE(found, std::string::npos) << heading;

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 FileFailure failureToWrite(const std::string& path, int errorNumber) {
-    return FileFailure::of(errorNumber, '"' + path + "\" could not be written");
+    return FileFailure::of(errorNumber, "'" + path + "' could not be written");
 }
 
 /// Removes a file or folder, including folders without write permission.

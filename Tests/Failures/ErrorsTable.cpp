@@ -14,7 +14,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Support/TestRepository.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/ErrorText.h"
 
 namespace neb::test {
 

@@ -68,7 +68,7 @@ TEST(Program, FailsIfStandardOutputIsFull) {
         const NebscOutcome outcome =
             runNebsc(arguments, {.folder = repository.path(), .output = NebscOutput::full});
         EXPECT_EQ(outcome.errors,
-                  "nebsc: Standard output could not be written: No space left on device.\n");
+                  "nebsc: standard output could not be written: No space left on device\n");
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }
@@ -82,7 +82,7 @@ TEST(Program, FailsIfStandardOutputIsClosed) {
                                  .input = R"({"type": 15, "sourceTree": {"location": "/"}})",
                                  .output = NebscOutput::closed});
         EXPECT_EQ(outcome.errors,
-                  "nebsc: Standard output could not be written: Bad file descriptor.\n");
+                  "nebsc: standard output could not be written: Bad file descriptor\n");
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }

@@ -12,7 +12,8 @@
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/PlugInLocation.h"
 #include "Session/StartFolder.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

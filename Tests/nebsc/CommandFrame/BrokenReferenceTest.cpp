@@ -27,10 +27,10 @@ protected:
                      const std::string& reason) const {
         SCOPED_TRACE(words.front());
         expectFailed(nebsc(words),
-                     StartsWith("nebsc: The reference \"" + name + "\" is broken: " + reason));
+                     StartsWith("nebsc: the reference '" + name + "' is broken: " + reason));
     }
 
-    static constexpr const char* junk = "its file does not hold the name of a commit.\n";
+    static constexpr const char* junk = "its file does not hold the name of a commit\n";
 };
 
 TEST_F(BrokenReference, OfTheCurrentBranchIsNamedByEveryCommand) {
@@ -61,16 +61,16 @@ TEST_F(BrokenReference, OfTheCurrentBranchIsNamedByEveryCommand) {
 
 TEST_F(BrokenReference, HasAnEmptyFile) {
     breakReference("refs/heads/main", "");
-    expectNamed({"log"}, "refs/heads/main", "its file is empty.\n");
+    expectNamed({"log"}, "refs/heads/main", "its file is empty\n");
 }
 
 TEST_F(BrokenReference, TellsWhereItsCommitsAreListed) {
     breakReference("refs/heads/main");
     const std::string folder = repository.path(".git/");
     EXPECT_THAT(nebsc({"log"}).errors,
-                HasSubstr("\nWrite the last commit in \"" + folder +
-                          "logs/refs/heads/main\" into the file \"" + folder +
-                          "refs/heads/main\", or remove that file and fetch the branch again.\n"));
+                HasSubstr("\nWrite the last commit in '" + folder +
+                          "logs/refs/heads/main' into the file '" + folder +
+                          "refs/heads/main', or remove that file and fetch the branch again.\n"));
     fs::remove_all(repository.path(".git/logs"));
     EXPECT_THAT(nebsc({"log"}).errors, HasSubstr("\nWrite the name of its commit into the file"));
 }
@@ -82,9 +82,9 @@ TEST_F(BrokenReference, OfAnotherBranchIsNamedWhereThatIsAsked) {
     expectNamed({"log", "main..topic", "--"}, "refs/heads/topic", junk);
     expectNamed({"diff", "v1"}, "refs/tags/v1", junk);
     EXPECT_EQ(nebsc({"log"}).exitStatus, 0);
-    expectFailed(nebsc({"log", "nosuch", "--"}), "nebsc: There is no revision \"nosuch\".\n");
-    expectFailed(nebsc({"log", "config", "--"}), "nebsc: There is no revision \"config\".\n");
-    expectFailed(nebsc({"log", "../config", "--"}), "nebsc: There is no revision \"../config\".\n");
+    expectFailed(nebsc({"log", "nosuch", "--"}), "nebsc: there is no revision 'nosuch'\n");
+    expectFailed(nebsc({"log", "config", "--"}), "nebsc: there is no revision 'config'\n");
+    expectFailed(nebsc({"log", "../config", "--"}), "nebsc: there is no revision '../config'\n");
 }
 
 TEST_F(BrokenReference, NamesACommitThatIsLost) {
@@ -100,7 +100,7 @@ TEST_F(BrokenReference, NamesACommitThatIsLost) {
 
 TEST_F(BrokenReference, StandsForItself) {
     breakReference("refs/heads/main", "ref: refs/heads/main\n");
-    expectNamed({"log"}, "refs/heads/main", "it stands for itself.\n");
+    expectNamed({"log"}, "refs/heads/main", "it stands for itself\n");
 }
 
 TEST_F(BrokenReference, DoesNotLeadOutOfTheRepository) {
@@ -109,16 +109,16 @@ TEST_F(BrokenReference, DoesNotLeadOutOfTheRepository) {
          {std::string("refs/heads/../../../precious"), repository.path("precious")}) {
         breakReference("refs/heads/main", "ref: " + target + "\n");
         const NebscOutcome outcome = nebsc({"log"});
-        expectFailed(outcome, StartsWith("nebsc: The reference \"refs/heads/main\" is broken: its "
-                                         "file names no valid reference.\n"));
-        EXPECT_THAT(outcome.errors, Not(HasSubstr("precious\", or remove")));
+        expectFailed(outcome, StartsWith("nebsc: the reference 'refs/heads/main' is broken: its "
+                                         "file names no valid reference\n"));
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("precious', or remove")));
     }
 }
 
 TEST_F(BrokenReference, IsQuotedForTheShellInTheAdvice) {
     breakReference("refs/heads/$(id)", std::string(40, '1') + "\n");
     EXPECT_THAT(nebsc({"log", "$(id)"}).errors,
-                HasSubstr("\"git update-ref 'refs/heads/$(id)' COMMIT\""));
+                HasSubstr("'git update-ref 'refs/heads/$(id)' COMMIT'"));
 }
 
 TEST_F(BrokenReference, HasItsClassForPrograms) {
@@ -143,8 +143,7 @@ TEST_F(BrokenReference, IsALineOfPackedRefs) {
 
 TEST_F(BrokenReference, IsNotABranchWithoutACommit) {
     repository.git({"checkout", "--quiet", "--orphan", "fresh"});
-    expectFailed(nebsc({"log"}),
-                 "nebsc: There are no commits yet on the current branch \"fresh\".\n");
+    expectFailed(nebsc({"log"}), "nebsc: there are no commits yet on the current branch 'fresh'\n");
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 namespace {

@@ -93,18 +93,18 @@ TEST_F(BlameCommand, AnEmptyFileHasNoLines) {
 
 TEST_F(BlameCommand, WhatCannotBeBlamedIsNamed) {
     expectFailed(blame({"nosuch", "src/grüße dir/b c.c"}),
-                 "nebsc: There is no revision \"nosuch\".\n");
+                 "nebsc: there is no revision 'nosuch'\n");
     expectFailed(blame({"nosuch.c"}), HasSubstr("nosuch.c"));
     expectFailed(blame({}), HasSubstr("FILE is required"), 2);
-    expectFailed(blame({""}), HasSubstr("A word is empty"), 2);
-    expectFailed(blame({"--", "--porcelain", "a.c"}), HasSubstr("\"--porcelain\" begins"), 2);
+    expectFailed(blame({""}), HasSubstr("a word is empty"), 2);
+    expectFailed(blame({"--", "--porcelain", "a.c"}), HasSubstr("'--porcelain' begins"), 2);
     expectFailed(blame({"a", "b", "c"}), HasSubstr("c"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"blame", "a"}, {.folder = empty.path()}),
-                 HasSubstr("There are no commits yet"));
+                 HasSubstr("there are no commits yet"));
     const TemporaryFolder folder;
     expectFailed(runNebsc({"blame", "a"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(BlameCommand, ABareRepositoryHasFilesToo) {

@@ -52,8 +52,8 @@ TEST_F(BranchCommands, AreFoundBehindTheNameOfTheFirst) {
     expectFailed(nebsc({"branch", "create"}),
                  AllOf(HasSubstr("NAME"), HasSubstr("branch create --help")), 2);
     expectFailed(nebsc({"branch", "list", "current"}), HasSubstr("current"), 2);
-    expectDone(nebsc({"branch", "create", "list"}), "Made the branch \"list\".\n");
-    expectDone(nebsc({"branch", "create", "status"}), "Made the branch \"status\".\n");
+    expectDone(nebsc({"branch", "create", "list"}), "Made the branch 'list'.\n");
+    expectDone(nebsc({"branch", "create", "status"}), "Made the branch 'status'.\n");
 }
 
 // ---- list and current -------------------------------------------------------------------------
@@ -107,14 +107,15 @@ TEST_F(BranchCommands, OnNoBranchThatIsToldPlainly) {
     repository.git({"checkout", "--quiet", "--detach"});
     const std::string now = "Now at " + revision("HEAD") + ", on no branch.\n";
     expectDone(nebsc({"branch"}), "  main\n" + now);
-    expectFailed(nebsc({"branch", "current"}), "nebsc: " + now);
+    expectFailed(nebsc({"branch", "current"}),
+                 "nebsc: now at " + revision("HEAD") + ", on no branch\n");
     const JSON record = nebsc({"branch", "current", "--json"}).json()["result"][0];
     EXPECT_THAT(record["NEBSourceControlOperationNameKey"], HasSubstr("HEAD detached"));
 }
 
 TEST_F(BranchCommands, WithoutACommitThatIsToldPlainly) {
     const TestRepository empty;
-    const std::string unborn = "The current branch \"main\" has no commit yet.\n";
+    const std::string unborn = "The current branch 'main' has no commit yet.\n";
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"branch"}, {"branch", "list"}}) {
         expectDone(runNebsc(words, {.folder = empty.path()}), unborn);
@@ -123,7 +124,7 @@ TEST_F(BranchCommands, WithoutACommitThatIsToldPlainly) {
     EXPECT_TRUE(
         runNebsc({"branch", "--json"}, {.folder = empty.path()}).json()["result"].is_null());
     repository.git({"checkout", "--quiet", "--orphan", "new"});
-    expectDone(nebsc({"branch"}), "  main\nThe current branch \"new\" has no commit yet.\n");
+    expectDone(nebsc({"branch"}), "  main\nThe current branch 'new' has no commit yet.\n");
 }
 
 TEST_F(BranchCommands, JSONIsTheOutcomeAndNothingElse) {
@@ -150,7 +151,7 @@ TEST_F(BranchCommands, OutsideAnyRepositoryGitSaysSo) {
                                                   {"delete", "x"},
                                                   {"track", "x", "origin/x"},
                                                   {"tracking", "x"}}) {
-        expectFailed(outside(words), StartsWith("nebsc: The folder is not in a git repository."));
+        expectFailed(outside(words), StartsWith("nebsc: the folder is not in a git repository"));
     }
 }
 
@@ -161,7 +162,7 @@ TEST_F(BranchCommands, AGitThatFailsWithoutAWordIsAFailure) {
                                                   {"branch", "create", "x"},
                                                   {"branch", "delete", "x"},
                                                   {"branch", "tracking", "x"}}) {
-        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing.\n");
+        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing\n");
     }
 }
 
@@ -175,12 +176,12 @@ TEST_F(BranchCommands, NoNameDrivesTheTerminal) {
 TEST_F(BranchCommands, ABranchIsMadeHereOrThere) {
     repository.commitFile("src/a.c", "second\n");
     expectDone(nebsc({"branch", "create", "feature/Grüße"}, "src"),
-               "Made the branch \"feature/Grüße\".\n");
+               "Made the branch 'feature/Grüße'.\n");
     EXPECT_EQ(revision("feature/Grüße"), revision("main"));
-    expectDone(nebsc({"branch", "create", "old", "main~1"}), "Made the branch \"old\".\n");
+    expectDone(nebsc({"branch", "create", "old", "main~1"}), "Made the branch 'old'.\n");
     EXPECT_EQ(revision("old"), revision("main~1"));
     expectDone(nebsc({"branch", "create", "between", "main...old"}),
-               "Made the branch \"between\".\n");
+               "Made the branch 'between'.\n");
     EXPECT_EQ(revision("between"), revision("old"));
 }
 
@@ -188,7 +189,7 @@ TEST_F(BranchCommands, ABranchMadeFromARemotesTracksIt) {
     makeRemote("origin", {"a/b"});
     repository.git({"fetch", "--quiet", "origin"});
     expectDone(nebsc({"branch", "create", "x", "origin/a/b"}),
-               "Made the branch \"x\", which tracks origin/a/b.\n");
+               "Made the branch 'x', which tracks origin/a/b.\n");
 }
 
 TEST_F(BranchCommands, WhatCannotBeMadeIsTold) {
@@ -196,12 +197,12 @@ TEST_F(BranchCommands, WhatCannotBeMadeIsTold) {
     expectFailed(nebsc({"branch", "create", "a b"}), HasSubstr("'a b' is not a valid"));
     expectFailed(nebsc({"branch", "create", ""}), HasSubstr("is not a valid branch name"));
     expectFailed(nebsc({"branch", "create", "x", "nosuch"}),
-                 "nebsc: There is no revision \"nosuch\".\n");
-    expectFailed(nebsc({"branch", "create", "--", "-D"}), HasSubstr("\"-D\" begins with \"-\""), 2);
-    expectFailed(nebsc({"branch", "create", "x", "--", "-f"}), HasSubstr("\"-f\" begins"), 2);
+                 "nebsc: there is no revision 'nosuch'\n");
+    expectFailed(nebsc({"branch", "create", "--", "-D"}), HasSubstr("'-D' begins with '-'"), 2);
+    expectFailed(nebsc({"branch", "create", "x", "--", "-f"}), HasSubstr("'-f' begins"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"branch", "create", "x"}, {.folder = empty.path()}),
-                 "nebsc: There is no commit yet at which a branch could start.\n");
+                 "nebsc: there is no commit yet at which a branch could start\n");
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
@@ -209,24 +210,24 @@ TEST_F(BranchCommands, TheBranchBeforeThisOneIsDeletedByItsName) {
     repository.git({"checkout", "--quiet", "-b", "former"});
     repository.git({"checkout", "--quiet", "main"});
     expectDone(nebsc({"branch", "delete", "@{-1}"}),
-               "Deleted the branch \"former\"; it was at " + revision("main") + ".\n");
+               "Deleted the branch 'former'; it was at " + revision("main") + ".\n");
 }
 
 TEST_F(BranchCommands, AMergedBranchIsDeletedAndAnotherByForceAlone) {
     repository.git({"branch", "merged"});
     expectDone(nebsc({"branch", "delete", "merged"}, "src"),
-               "Deleted the branch \"merged\"; it was at " + revision("main") + ".\n");
+               "Deleted the branch 'merged'; it was at " + revision("main") + ".\n");
     repository.git({"checkout", "--quiet", "-b", "apart"});
     repository.commitFile("b", "b");
     repository.git({"checkout", "--quiet", "main"});
     const std::string commit = revision("apart");
     expectFailed(
         nebsc({"branch", "delete", "apart"}),
-        AllOf(StartsWith("nebsc: Branch removal failed"),
-              testing::EndsWith("\n\"nebsc branch delete --force\" deletes it all the same.\n")));
+        AllOf(StartsWith("nebsc: branch removal failed"),
+              testing::EndsWith("\n'nebsc branch delete --force' deletes it all the same.\n")));
     EXPECT_EQ(revision("apart"), commit);
     expectDone(nebsc({"branch", "delete", "--force", "apart"}),
-               "Deleted the branch \"apart\"; it was at " + commit + ".\n");
+               "Deleted the branch 'apart'; it was at " + commit + ".\n");
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
@@ -234,7 +235,7 @@ TEST_F(BranchCommands, WhatCannotBeDeletedIsTold) {
     expectFailed(nebsc({"branch", "delete", "main"}),
                  AllOf(HasSubstr("'main'"), testing::Not(HasSubstr("--force"))));
     expectFailed(nebsc({"branch", "delete", "nosuch"}), HasSubstr("'nosuch' not found"));
-    expectFailed(nebsc({"branch", "delete", "--", "-r"}), HasSubstr("\"-r\" begins"), 2);
+    expectFailed(nebsc({"branch", "delete", "--", "-r"}), HasSubstr("'-r' begins"), 2);
     expectFailed(nebsc({"branch", "delete"}), HasSubstr("NAME"), 2);
 }
 
@@ -244,7 +245,7 @@ TEST_F(BranchCommands, ARemotesBranchIsFetchedAndTracked) {
     makeRemote("origin", {"feature/Grüße"});
     repository.git({"update-ref", "-d", "refs/remotes/origin/feature/Grüße"});
     expectDone(nebsc({"branch", "track", "mine", "origin/feature/Grüße"}, "src"),
-               "Made the branch \"mine\", which tracks origin/feature/Grüße.\n");
+               "Made the branch 'mine', which tracks origin/feature/Grüße.\n");
     expectDone(nebsc({"branch", "tracking", "mine"}, "src"), "mine tracks origin/feature/Grüße.\n");
     const NebscOutcome json = nebsc({"branch", "tracking", "mine", "--json"});
     EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationRemoteNameKey"], "origin");
@@ -256,7 +257,7 @@ TEST_F(BranchCommands, ARemotesBranchIsFetchedAndTracked) {
 TEST_F(BranchCommands, ARemotesNameMayHoldASlash) {
     makeRemote("team/one", {"b/c"});
     expectDone(nebsc({"branch", "track", "mine", "team/one/b/c"}),
-               "Made the branch \"mine\", which tracks team/one/b/c.\n");
+               "Made the branch 'mine', which tracks team/one/b/c.\n");
     EXPECT_EQ(repository.git({"config", "branch.mine.remote"}), "team/one\n");
     EXPECT_EQ(repository.git({"config", "branch.mine.merge"}), "refs/heads/b/c\n");
 }
@@ -265,19 +266,19 @@ TEST_F(BranchCommands, WhatCannotBeTrackedIsTold) {
     makeRemote("origin", {"topic"});
     for (const char* name : {"topic", "/topic", "origin/"}) {
         expectFailed(nebsc({"branch", "track", "x", name}),
-                     "nebsc: \"" + std::string(name) +
-                         "\" names no branch of a remote; REMOTE/BRANCH was expected.\n",
+                     "nebsc: '" + std::string(name) +
+                         "' names no branch of a remote; REMOTE/BRANCH was expected\n",
                      2);
     }
     expectFailed(nebsc({"branch", "track", "x", "nosuch/topic"}),
-                 "nebsc: \"nosuch/topic\" begins with the name of no remote; \"nebsc remote list\" "
-                 "shows them.\n");
+                 "nebsc: 'nosuch/topic' begins with the name of no remote; 'nebsc remote list' "
+                 "shows them\n");
     expectFailed(nebsc({"branch", "track", "x", "origin/nosuch"}),
-                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n\"nebsc remote "
-                 "branches origin\" shows those that there are.\n");
+                 "nebsc: there is no branch 'nosuch' in the remote 'origin'\n'nebsc remote "
+                 "branches origin' shows those that there are.\n");
     expectFailed(nebsc({"branch", "track", "main", "origin/topic"}), HasSubstr("already exists"));
-    expectFailed(nebsc({"branch", "track", "x", "--", "-u/x"}), HasSubstr("\"-u\" begins"), 2);
-    expectFailed(nebsc({"branch", "track", "--", "-u", "origin/topic"}), HasSubstr("\"-u\" begins"),
+    expectFailed(nebsc({"branch", "track", "x", "--", "-u/x"}), HasSubstr("'-u' begins"), 2);
+    expectFailed(nebsc({"branch", "track", "--", "-u", "origin/topic"}), HasSubstr("'-u' begins"),
                  2);
     std::filesystem::remove_all(folder.path("origin"));
     expectFailed(nebsc({"branch", "track", "x", "origin/topic"}),
@@ -293,12 +294,11 @@ TEST_F(BranchCommands, ABranchIsTrackedThoughATagIsNotFetched) {
     repository.git({"tag", "--force", "v1"});
     repository.git({"config", "remote.origin.tagOpt", "--tags"});
     const NebscOutcome outcome = nebsc({"branch", "track", "mine", "origin/topic"});
-    EXPECT_EQ(outcome.output, "Made the branch \"mine\", which tracks origin/topic.\n");
-    EXPECT_EQ(outcome.errors,
-              "nebsc: The fetch did not complete; \"nebsc fetch origin\" says why.\n");
+    EXPECT_EQ(outcome.output, "Made the branch 'mine', which tracks origin/topic.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: the fetch did not complete; 'nebsc fetch origin' says why\n");
     EXPECT_EQ(outcome.exitStatus, 0);
     expectFailed(nebsc({"fetch", "origin"}),
-                 testing::AllOf(HasSubstr("nebsc: A tag or branch was not updated"),
+                 testing::AllOf(HasSubstr("nebsc: a tag or branch was not updated"),
                                 HasSubstr("v1  (would clobber existing tag)\n")));
 }
 
@@ -307,20 +307,20 @@ TEST_F(BranchCommands, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
     repository.git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});
     const NebscOutcome outcome = nebsc({"branch", "track", "x", "origin/topic"});
     expectFailed(outcome,
-                 "nebsc: The remote \"origin\" has the branch \"topic\", but the setting "
-                 "\"remote.origin.fetch\" does not fetch it as \"origin/topic\".\n"
-                 "\"git remote set-branches --add origin topic\" adds it to the setting.\n");
+                 "nebsc: the remote 'origin' has the branch 'topic', but the setting "
+                 "'remote.origin.fetch' does not fetch it as 'origin/topic'\n"
+                 "'git remote set-branches --add origin topic' adds it to the setting.\n");
     expectFailed(nebsc({"branch", "track", "x", "origin/it's"}),
-                 HasSubstr("set-branches --add origin 'it'\\''s'\" adds"));
+                 HasSubstr("set-branches --add origin 'it'\\''s'' adds"));
     expectFailed(nebsc({"branch", "track", "x", "origin/opic"}),
-                 HasSubstr("There is no branch \"opic\" in the remote"));
+                 HasSubstr("there is no branch 'opic' in the remote"));
     EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic", "--json"}).json()["error"]["class"],
               "remote-branch-unknown");
     repository.git({"update-ref", "-d", "refs/remotes/origin/topic"});
     EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic"}).errors, outcome.errors);
     repository.git({"remote", "set-branches", "--add", "origin", "topic"});
     expectDone(nebsc({"branch", "track", "x", "origin/topic"}),
-               "Made the branch \"x\", which tracks origin/topic.\n");
+               "Made the branch 'x', which tracks origin/topic.\n");
 }
 
 TEST_F(BranchCommands, WithoutAnAnswerOfTheRemoteNothingIsSaidOfItsBranches) {
@@ -331,27 +331,25 @@ TEST_F(BranchCommands, WithoutAnAnswerOfTheRemoteNothingIsSaidOfItsBranches) {
                          "PATH=${PATH#*:} exec git \"$@\"");
     expectFailed(nebsc({"branch", "track", "x", "origin/topic"}, git),
                  testing::StartsWith(
-                     "nebsc: The fetch from the remote \"origin\" brought no branch \"topic\".\n"));
+                     "nebsc: the fetch from the remote 'origin' brought no branch 'topic'\n"));
 }
 
 TEST_F(BranchCommands, ABranchThatTracksNoneIsToldSo) {
-    expectFailed(nebsc({"branch", "tracking", "main"}), "nebsc: \"main\" tracks no branch.\n");
-    expectFailed(nebsc({"branch", "tracking", "nosuch"}),
-                 "nebsc: There is no branch \"nosuch\".\n");
+    expectFailed(nebsc({"branch", "tracking", "main"}), "nebsc: 'main' tracks no branch\n");
+    expectFailed(nebsc({"branch", "tracking", "nosuch"}), "nebsc: there is no branch 'nosuch'\n");
     const NebscOutcome json = nebsc({"branch", "tracking", "main", "--json"});
     EXPECT_EQ(json.json()["result"], JSON::parse("[{}]"));
     EXPECT_EQ(json.exitStatus, 1);
     const TestRepository empty;
     expectFailed(runNebsc({"branch", "tracking", "main"}, {.folder = empty.path()}),
-                 "nebsc: \"main\" tracks no branch.\n");
+                 "nebsc: 'main' tracks no branch\n");
 }
 
 TEST_F(BranchCommands, ABranchMayTrackOneOfTheSameRepositoryOrOfALocation) {
     repository.git({"branch", "--quiet", "--track", "local", "main"});
     expectDone(nebsc({"branch", "tracking", "local"}), "local tracks main.\n");
     repository.git({"config", "branch.local.remote", "/somewhere.git"});
-    expectDone(nebsc({"branch", "tracking", "local"}),
-               "local tracks main of \"/somewhere.git\".\n");
+    expectDone(nebsc({"branch", "tracking", "local"}), "local tracks main of '/somewhere.git'.\n");
 }
 
 }  // namespace

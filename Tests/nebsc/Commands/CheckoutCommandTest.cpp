@@ -51,7 +51,7 @@ TEST_F(CheckoutCommand, NamesTheFilesThatAreInConflictNow) {
     const NebscOutcome outcome = nebsc({"checkout", "topic"}, "src");
     EXPECT_EQ(outcome.output, "Now on topic.\n");
     EXPECT_EQ(outcome.errors,
-              "nebsc: Local changes are in conflict with what was checked out, in:\n"
+              "nebsc: local changes are in conflict with what was checked out, in:\n"
               "    ../a.c\n"
               "    b.c\n");
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -101,9 +101,9 @@ TEST_F(CheckoutCommand, AFilesNameIsNoBranch) {
     repository.write("src/b.c", "mine\n");
     for (const char* name : {"a.c", "src", "src/b.c", ".", "./a.c"}) {
         expectFailed(nebsc({"checkout", name}),
-                     "nebsc: \"" + std::string(name) +
-                         "\" is no branch or revision but a file or folder; \"nebsc revert\" "
-                         "throws away its changes.\n");
+                     "nebsc: '" + std::string(name) +
+                         "' is no branch or revision but a file or folder; 'nebsc revert' "
+                         "throws away its changes\n");
     }
     expectFailed(nebsc({"checkout", "b.c"}, "src"), HasSubstr("nebsc revert"));
     fs::remove(repository.path("a.c"));
@@ -129,8 +129,8 @@ TEST_F(CheckoutCommand, WhatMayBeAFileOrABranchOfARemoteIsRefused) {
     repository.git({"branch", "--quiet", "-D", "topic"});
     repository.write("topic", "mine\n");
     expectFailed(nebsc({"checkout", "topic"}),
-                 "nebsc: \"topic\" is a file or folder here, and a branch in another repository "
-                 "alone; which one is meant is not certain, so nothing was done.\n");
+                 "nebsc: 'topic' is a file or folder here, and a branch in another repository "
+                 "alone; which one is meant is not certain, so nothing was done\n");
     EXPECT_EQ(state(), " M topic\n");
 }
 
@@ -138,14 +138,14 @@ TEST_F(CheckoutCommand, ANameThatIsNothingFails) {
     expectFailed(nebsc({"checkout", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc({"checkout", "*"}), HasSubstr("*"));
     expectFailed(nebsc({"checkout"}), HasSubstr("BRANCH"), 2);
-    expectFailed(nebsc({"checkout", ""}), "nebsc: BRANCH is empty.\n", 2);
+    expectFailed(nebsc({"checkout", ""}), "nebsc: BRANCH is empty\n", 2);
     EXPECT_EQ(branch(), "main\n");
 }
 
 TEST_F(CheckoutCommand, AValueLikeAnOptionIsRefused) {
     expectFailed(nebsc({"checkout", "--", "--orphan=x"}),
-                 "nebsc: \"--orphan=x\" begins with \"-\"; it is refused, as git would take it "
-                 "for an option.\n",
+                 "nebsc: '--orphan=x' begins with '-'; it is refused, as git would take it "
+                 "for an option\n",
                  2);
     EXPECT_EQ(branch(), "main\n");
 }
@@ -155,7 +155,7 @@ TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
     folder.write("a.c", "mine\n");
     for (const char* name : {"a.c", "topic"}) {
         expectFailed(runNebsc({"checkout", name}, {.folder = folder.path()}),
-                     testing::StartsWith("nebsc: The folder is not in a git repository."));
+                     testing::StartsWith("nebsc: the folder is not in a git repository"));
     }
 }
 
@@ -171,7 +171,7 @@ TEST_F(CheckoutCommand, AnUntrackedFileInTheWayStaysAsItIs) {
 TEST_F(CheckoutCommand, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 128");
     expectFailed(nebsc({"checkout", "topic"}, git),
-                 "nebsc: git exited with status 128 and printed nothing.\n");
+                 "nebsc: git exited with status 128 and printed nothing\n");
 }
 
 TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {
@@ -180,7 +180,7 @@ TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {
                          "[ \"$2\" = symbolic-ref ] && echo topic\nexit 0");
     const NebscOutcome outcome = nebsc({"checkout", "topic"}, git);
     EXPECT_EQ(outcome.output, "Now on topic.\n");
-    EXPECT_EQ(outcome.errors, "nebsc: No look.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: no look\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -148,7 +148,7 @@ TEST_F(CommitCommand, JSONIsTheOutcomeAlone) {
 TEST_F(CommitCommand, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 128");
     expectFailed(nebsc({"commit", "-m", "x"}, git),
-                 "nebsc: git exited with status 128 and printed nothing.\n");
+                 "nebsc: git exited with status 128 and printed nothing\n");
 }
 
 TEST_F(CommitCommand, WithoutARevisionToTellItIsSilent) {

@@ -40,7 +40,7 @@ TEST_F(DestinationCommands, MoveTakesNamesLikeOptions) {
 }
 
 TEST_F(DestinationCommands, MoveIntoAFolderThatIsMissingIsRefused) {
-    expectFailed(nebsc({"mv", "a.c", "nowhere/"}), "nebsc: There is no folder \"nowhere/\".\n");
+    expectFailed(nebsc({"mv", "a.c", "nowhere/"}), "nebsc: there is no folder 'nowhere/'\n");
     EXPECT_EQ(state(), "");
 }
 
@@ -61,7 +61,7 @@ TEST_F(DestinationCommands, MoveOfWhatIsNotTrackedFails) {
 
 TEST_F(DestinationCommands, AMoveOfWhatIsNotThereIsToldSo) {
     expectFailed(nebsc({"mv", "nosuch.c", "x.c"}),
-                 "nebsc: There is no file or folder \"nosuch.c\".\n");
+                 "nebsc: there is no file or folder 'nosuch.c'\n");
 }
 
 TEST_F(DestinationCommands, MoveWithJSONPrintsTheOutcomeAlone) {
@@ -97,16 +97,16 @@ TEST_F(DestinationCommands, CopyNeverOverwritesAndStagesNothingElse) {
     repository.write("b.c", "mine\n");
     repository.write("src/a.c", "mine\n");
     expectFailed(nebsc({"cp", "a.c", "b.c"}),
-                 "nebsc: There is a file or folder \"b.c\" already; nothing was done.\n");
+                 "nebsc: there is a file or folder 'b.c' already; nothing was done\n");
     expectFailed(nebsc({"cp", "a.c", "src"}),
-                 "nebsc: There is a file or folder \"src/a.c\" already; nothing was done.\n");
+                 "nebsc: there is a file or folder 'src/a.c' already; nothing was done\n");
     fs::create_symlink("nowhere", repository.path("link"));
-    expectFailed(nebsc({"cp", "a.c", "link"}), HasSubstr("\"link\" already"));
+    expectFailed(nebsc({"cp", "a.c", "link"}), HasSubstr("'link' already"));
     EXPECT_EQ(state(), " M b.c\n?? link\n?? src/a.c\n");
 }
 
 TEST_F(DestinationCommands, CopyToAMissingFolderIsRefused) {
-    expectFailed(nebsc({"cp", "a.c", "nowhere/"}), "nebsc: There is no folder \"nowhere/\".\n");
+    expectFailed(nebsc({"cp", "a.c", "nowhere/"}), "nebsc: there is no folder 'nowhere/'\n");
     expectFailed(nebsc({"cp", "a.c", "nowhere/a.c"}),
                  testing::AllOf(HasSubstr("\"" + repository.path("nowhere/a.c") + "\""),
                                 HasSubstr("No such file or directory")));
@@ -115,15 +115,15 @@ TEST_F(DestinationCommands, CopyToAMissingFolderIsRefused) {
 
 TEST_F(DestinationCommands, CopyOfWhatIsMissingNamesIt) {
     expectFailed(nebsc({"cp", "nosuch.c", "x.c"}),
-                 testing::AllOf(HasSubstr("\"" + repository.path("nosuch.c") + "\""),
+                 testing::AllOf(HasSubstr("'" + repository.path("nosuch.c") + "'"),
                                 HasSubstr("No such file or directory")));
 }
 
 TEST_F(DestinationCommands, CopyStaysInTheWorkingCopy) {
     const TemporaryFolder elsewhere;
     expectFailed(nebsc({"cp", "a.c", elsewhere.path()}),
-                 "nebsc: \"" + elsewhere.path("a.c") + "\" lies outside the working copy \"" +
-                     repository.path() + "\"; nothing was done.\n");
+                 "nebsc: '" + elsewhere.path("a.c") + "' lies outside the working copy '" +
+                     repository.path() + "'; nothing was done\n");
     EXPECT_TRUE(fs::is_empty(elsewhere.path()));
 }
 
@@ -167,8 +167,8 @@ TEST_F(DestinationCommands, MakeDirectoryOfAnIgnoredFolderIsNoFailure) {
 TEST_F(DestinationCommands, MakeDirectoryLeavesWhatIsThereAlone) {
     repository.write("src/deep.c", "mine\n");
     expectFailed(nebsc({"mkdir", "src"}),
-                 "nebsc: There is a file or folder \"src\" already; nothing was done.\n");
-    expectFailed(nebsc({"mkdir", "a.c"}), HasSubstr("\"a.c\" already"));
+                 "nebsc: there is a file or folder 'src' already; nothing was done\n");
+    expectFailed(nebsc({"mkdir", "a.c"}), HasSubstr("'a.c' already"));
     expectFailed(nebsc({"mkdir", "a.c/x"}), HasSubstr("Not a directory"));
     EXPECT_EQ(state(), " M src/deep.c\n");
 }
@@ -179,7 +179,7 @@ TEST_F(DestinationCommands, NothingIsMadeWhereThereIsNoWorkingCopy) {
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"mkdir", "x"}, {"cp", "a.c", "x"}, {"mv", "a.c", "x"}}) {
         expectFailed(runNebsc(words, {.folder = folder.path()}),
-                     StartsWith("nebsc: The folder is not in a git repository."));
+                     StartsWith("nebsc: the folder is not in a git repository"));
         EXPECT_FALSE(fs::exists(folder.path("x"))) << words[0];
     }
 }
@@ -201,9 +201,9 @@ TEST_F(DestinationCommands, WordsThatAreMissingAreNamed) {
 TEST_F(DestinationCommands, AMoveThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"mv", "a.c", "z.c"}, git),
-                 "nebsc: git exited with status 3 and printed nothing.\n");
+                 "nebsc: git exited with status 3 and printed nothing\n");
     expectFailed(nebsc({"cp", "a.c", "z.c"}, git),
-                 "nebsc: git exited with status 3 and printed nothing.\n"
+                 "nebsc: git exited with status 3 and printed nothing\n"
                  "The copy was made all the same; it is not staged.\n");
 }
 

@@ -32,25 +32,24 @@ TEST_F(ExchangeCommands, AFetchTellsWhatItBrought) {
     ann->git({"push", "--quiet", "origin", "v1"});
     ben->write("src/x", "");
     expectDone(nebsc(*ben, {"fetch", "origin"}, "src"),
-               "Fetched from \"origin\":\n"
+               "Fetched from 'origin':\n"
                "    new      origin/feature/Grüße\n"
                "    changed  origin/main\n"
                "    new      tag v1\n");
     EXPECT_EQ(revision(*ben, "origin/main"), shared());
     EXPECT_EQ(revision(*ben), revision(*ann, "HEAD~1")) << "the working copy is left alone";
-    expectDone(nebsc(*ben, {"fetch", "origin"}),
-               "Fetched from \"origin\"; there is nothing new.\n");
+    expectDone(nebsc(*ben, {"fetch", "origin"}), "Fetched from 'origin'; there is nothing new.\n");
     ben->git({"config", "fetch.prune", "true"});
     ann->git({"push", "--quiet", "origin", ":feature/Grüße"});
     expectDone(nebsc(*ben, {"fetch", "origin"}),
-               "Fetched from \"origin\":\n    gone     origin/feature/Grüße\n");
+               "Fetched from 'origin':\n    gone     origin/feature/Grüße\n");
 }
 
 TEST_F(ExchangeCommands, AFetchMayBeFromALocation) {
     ann->commitFile("b", "b");
     share(*ann);
     expectDone(nebsc(*ben, {"fetch", bare()}),
-               "Fetched from \"" + bare() + "\"; its latest commit is FETCH_HEAD here.\n");
+               "Fetched from '" + bare() + "'; its latest commit is FETCH_HEAD here.\n");
     EXPECT_EQ(revision(*ben, "FETCH_HEAD"), shared());
 }
 
@@ -58,7 +57,7 @@ TEST_F(ExchangeCommands, AFetchIntoAnEmptyRepositoryIsOne) {
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
     expectDone(nebsc(empty, {"fetch", "origin"}),
-               "Fetched from \"origin\":\n    new      origin/main\n");
+               "Fetched from 'origin':\n    new      origin/main\n");
 }
 
 TEST_F(ExchangeCommands, AFetchInJSONIsItsOutcome) {
@@ -74,15 +73,15 @@ TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
     expectFailed(nebsc(*ben, {"fetch", "nosuch"}),
                  HasSubstr("'nosuch' does not appear to be a git repository"));
     const std::string words =
-        "nebsc: Either a remote or --svn was expected (see nebsc fetch "
-        "--help).\n";
+        "nebsc: either a remote or --svn was expected (see nebsc fetch "
+        "--help)\n";
     expectFailed(nebsc(*ben, {"fetch"}), words, 2);
     expectFailed(nebsc(*ben, {"fetch", "--svn", "origin"}), words, 2);
     expectFailed(nebsc(*ben, {"fetch", "--", "--upload-pack=x"}),
-                 HasSubstr("\"--upload-pack=x\" begins with"), 2);
+                 HasSubstr("'--upload-pack=x' begins with"), 2);
     expectFailed(nebsc(*ben, {"fetch", "--svn"}),
-                 "nebsc: No Subversion repository stands behind this one.\n"
-                 "\"git svn clone URL\" makes a repository that has one.\n");
+                 "nebsc: no Subversion repository stands behind this one\n"
+                 "'git svn clone URL' makes a repository that has one.\n");
     fs::remove_all(bare());
     expectFailed(nebsc(*ben, {"fetch", "origin"}), HasSubstr("not appear to be a git repository"));
     EXPECT_FALSE(nebsc(*ben, {"fetch", "origin", "--json"}).json()["error"].is_null());
@@ -92,7 +91,7 @@ TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
                                                  {"push", "x", "main"},
                                                  {"push", "--svn"}}) {
         expectFailed(runNebsc(call, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: The folder is not in a git repository."));
+                     StartsWith("nebsc: the folder is not in a git repository"));
     }
 }
 
@@ -103,7 +102,7 @@ TEST_F(ExchangeCommands, AServerThatDoesNotAnswerTheDoorIsTold) {
 
 TEST_F(ExchangeCommands, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(ben->path(), "exit 3");
-    const std::string words = "nebsc: git exited with status 3 and printed nothing.\n";
+    const std::string words = "nebsc: git exited with status 3 and printed nothing\n";
     expectFailed(nebsc(*ben, {"push", "origin", "main"}, git), words);
     expectFailed(nebsc(*ben, {"fetch", "origin"}, git), words);
 }
@@ -113,16 +112,16 @@ TEST_F(ExchangeCommands, AGitThatFailsWithoutAWordIsAFailure) {
 TEST_F(ExchangeCommands, APushTellsWhereItWent) {
     ann->commitFile("src/b", "b");
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}, "src"),
-               "Pushed main to main of \"origin\".\n");
-    expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: BRANCHES is empty.\n", 2);
+               "Pushed main to main of 'origin'.\n");
+    expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: BRANCHES is empty\n", 2);
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push", "origin", "main:feature/Grüße"}),
-               "Pushed main to feature/Grüße of \"origin\".\n");
+               "Pushed main to feature/Grüße of 'origin'.\n");
     EXPECT_EQ(shared("feature/Grüße"), revision(*ann));
     ann->git({"branch", "topic"});
     expectDone(nebsc(*ann, {"push", bare(), "topic"}),
-               "Pushed topic to topic of \"" + bare() + "\".\n");
-    const std::string nothing = "There is nothing to push: \"origin\" is up to date.\n";
+               "Pushed topic to topic of '" + bare() + "'.\n");
+    const std::string nothing = "There is nothing to push: 'origin' is up to date.\n";
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}), nothing);
     ann->git({"checkout", "--quiet", "--detach"});
     expectDone(nebsc(*ann, {"push", "origin", "main"}), nothing);
@@ -142,7 +141,7 @@ TEST_F(ExchangeCommands, WhatTheRemoteSaysIsShownAndDrivesNoTerminal) {
     bareHook("post-receive", "printf 'seen\\033[2J\\n'");
     ann->commitFile("b", "b");
     const NebscOutcome pushed = nebsc(*ann, {"push", "origin", "main:main"});
-    EXPECT_EQ(pushed.output, "Pushed main to main of \"origin\".\n");
+    EXPECT_EQ(pushed.output, "Pushed main to main of 'origin'.\n");
     EXPECT_THAT(pushed.errors, StartsWith("remote: seen"));
     EXPECT_THAT(pushed.errors, testing::Not(HasSubstr("\x1b")));
     EXPECT_EQ(pushed.exitStatus, 0);
@@ -152,12 +151,11 @@ TEST_F(ExchangeCommands, APushThatTheRemoteIsAheadOfIsRefused) {
     ann->commitFile("b", "ann");
     share(*ann);
     ben->commitFile("c", "ben");
-    expectFailed(
-        nebsc(*ben, {"push", "origin", "main:main"}),
-        AllOf(StartsWith("nebsc: The operation could not be performed because "
-                         "\"repository\" does not have the latest remote changes.\n"
-                         "Pull the remote changes and try again.\n"),
-              HasSubstr("[rejected]"), EndsWith("\n\"nebsc update\" brings them here.\n")));
+    expectFailed(nebsc(*ben, {"push", "origin", "main:main"}),
+                 AllOf(StartsWith("nebsc: the operation could not be performed because "
+                                  "'repository' does not have the latest remote changes\n"
+                                  "Pull the remote changes and try again.\n"),
+                       HasSubstr("[rejected]"), EndsWith("\n'nebsc update' brings them here.\n")));
     EXPECT_EQ(shared(), revision(*ann));
     const NebscOutcome json = nebsc(*ben, {"push", "origin", "main:main", "--json"});
     EXPECT_EQ(json.json()["error"]["code"], -32);
@@ -172,7 +170,7 @@ TEST_F(ExchangeCommands, APushThatAHookRefusesSaysWhose) {
     ann->write(".git/hooks/pre-push", "#!/bin/sh\necho not today >&2\nexit 1\n");
     fs::permissions(ann->path(".git/hooks/pre-push"), fs::perms::owner_all);
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}),
-                 AllOf(StartsWith("nebsc: A hook of the repository refused the push.\n"),
+                 AllOf(StartsWith("nebsc: a hook of the repository refused the push\n"),
                        HasSubstr("not today")));
     ann->write(".git/hooks/pre-push", "#!/bin/sh\necho Everything up-to-date >&2\nexit 1\n");
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}), HasSubstr("failed to push"));
@@ -182,8 +180,8 @@ TEST_F(ExchangeCommands, APushDeletesAndOverwritesNothing) {
     ben->git({"commit", "--quiet", "--amend", "-m", "another"});
     for (const char* branches : {":main", "main:", "+main:main", "+main", ":"}) {
         expectFailed(nebsc(*ben, {"push", "origin", branches}),
-                     "nebsc: \"" + std::string(branches) +
-                         "\" does not name two branches; LOCAL:THERE was expected.\n",
+                     "nebsc: '" + std::string(branches) +
+                         "' does not name two branches; LOCAL:THERE was expected\n",
                      2);
     }
     EXPECT_EQ(shared(), revision(*ann));
@@ -191,23 +189,23 @@ TEST_F(ExchangeCommands, APushDeletesAndOverwritesNothing) {
 
 TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
     const std::string words =
-        "nebsc: Either a remote and LOCAL:THERE or --svn was expected (see "
-        "nebsc push --help).\n";
+        "nebsc: either a remote and LOCAL:THERE or --svn was expected (see "
+        "nebsc push --help)\n";
     expectFailed(nebsc(*ann, {"push"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "origin"}), words, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), words, 2);
-    expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("No Subversion repository"));
+    expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("no Subversion repository"));
     expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}),
-                 "nebsc: There is no branch \"nosuch\" here to push.\n");
+                 "nebsc: there is no branch 'nosuch' here to push\n");
     expectFailed(nebsc(*ann, {"push", "nosuch", "main"}), HasSubstr("'nosuch' does not appear"));
     expectFailed(nebsc(*ann, {"push", "--", "--mirror", "main"}),
-                 HasSubstr("\"--mirror\" begins with"), 2);
-    expectFailed(nebsc(*ann, {"push", "origin", "--", "--all"}), HasSubstr("\"--all\" begins with"),
+                 HasSubstr("'--mirror' begins with"), 2);
+    expectFailed(nebsc(*ann, {"push", "origin", "--", "--all"}), HasSubstr("'--all' begins with"),
                  2);
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
     expectFailed(nebsc(empty, {"push", "origin", "main"}),
-                 "nebsc: There is no branch \"main\" here to push.\n");
+                 "nebsc: there is no branch 'main' here to push\n");
 }
 
 }  // namespace

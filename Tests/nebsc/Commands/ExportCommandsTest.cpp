@@ -73,7 +73,7 @@ TEST_F(ExportCommands, IntoAFolderTheFileKeepsItsName) {
     EXPECT_TRUE((fs::status(folder.path("run")).permissions() & fs::perms::owner_exec) !=
                 fs::perms::none);
     expectFailed(nebsc({"export", "HEAD", "run", folder.path("none/")}),
-                 HasSubstr("There is no folder \"" + folder.path("none/") + "\""));
+                 HasSubstr("there is no folder '" + folder.path("none/") + "'"));
 }
 
 TEST_F(ExportCommands, AWholeFolderCanBeExported) {
@@ -100,13 +100,13 @@ TEST_F(ExportCommands, NothingIsOverwritten) {
 TEST_F(ExportCommands, WhatCannotBeExportedIsNamedAndLeavesNothing) {
     const std::string path = folder.path("x");
     expectFailed(nebsc({"export", "nosuch", "run", path}),
-                 "nebsc: There is no revision \"nosuch\".\n");
+                 "nebsc: there is no revision 'nosuch'\n");
     expectFailed(nebsc({"export", "HEAD~2", "run", path}),
-                 "nebsc: There is no file \"run\" at the revision \"HEAD~2\".\n");
+                 "nebsc: there is no file 'run' at the revision 'HEAD~2'\n");
     expectFailed(nebsc({"export", "HEAD", "/etc/hosts", path}),
                  HasSubstr("lies outside the working copy"));
     expectFailed(nebsc({"export", "HEAD", "run", folder.path("no/x")}),
-                 HasSubstr("could not be written: No such file or directory."));
+                 HasSubstr("could not be written: No such file or directory\n"));
     expectFailed(nebsc({"export", "--", "--remote=x", "run", path}), HasSubstr("begins with"), 2);
     expectFailed(nebsc({"export", "HEAD"}), HasSubstr("FILE"), 2);
     const NebscOutcome json = nebsc({"export", "--json", "HEAD~2", "run", path});
@@ -114,7 +114,7 @@ TEST_F(ExportCommands, WhatCannotBeExportedIsNamedAndLeavesNothing) {
     EXPECT_EQ(json.exitStatus, 1);
     EXPECT_TRUE(names().empty());
     expectFailed(runNebsc({"export", "HEAD", "run"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
@@ -143,7 +143,7 @@ TEST_F(ExportCommands, TheTreeIsThatOfTheIndex) {
     repository.git({"add", "staged"});
     repository.write("run", "changed");
     expectDone(nebsc({"export-tree", folder.path("new/tree")}, "src"),
-               "Wrote the files of the index to \"" + folder.path("new/tree") + "\".\n");
+               "Wrote the files of the index to '" + folder.path("new/tree") + "'.\n");
     EXPECT_EQ(folder.read("new/tree/src/grüße a.c"), "new\n");
     EXPECT_EQ(folder.read("new/tree/run"), "#!/bin/sh\n");
     EXPECT_EQ(folder.read("new/tree/staged"), "staged");
@@ -152,7 +152,7 @@ TEST_F(ExportCommands, TheTreeIsThatOfTheIndex) {
 TEST_F(ExportCommands, AFolderThatIsNotEmptyIsLeftAlone) {
     fs::create_directory(folder.path("empty"));
     expectDone(nebsc({"export-tree", folder.path("empty")}),
-               "Wrote the files of the index to \"" + folder.path("empty") + "\".\n");
+               "Wrote the files of the index to '" + folder.path("empty") + "'.\n");
     folder.write("full/run", "mine");
     folder.write("full/other", "mine");
     expectFailed(nebsc({"export-tree", folder.path("full")}), HasSubstr("is not empty"));
@@ -179,7 +179,7 @@ TEST_F(ExportCommands, WithoutFilesThereIsNothingToExport) {
                "The index has no files; nothing was written.\n");
     EXPECT_TRUE(names().empty());
     expectFailed(runNebsc({"export-tree", "x"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(ExportCommands, FilesInConflictAreNamed) {
@@ -199,7 +199,7 @@ TEST_F(ExportCommands, FilesOutsideASparseCheckoutAreCounted) {
     repository.git({"sparse-checkout", "set", "--no-cone", "/run"});
     const NebscOutcome outcome = nebsc({"export-tree", folder.path("tree")});
     EXPECT_EQ(outcome.errors,
-              "nebsc: One file of the index outside the sparse checkout was not written.\n");
+              "nebsc: one file of the index outside the sparse checkout was not written\n");
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_TRUE(fs::exists(folder.path("tree/run")));
 }
@@ -222,7 +222,7 @@ TEST_F(ExportCommands, NothingIsWrittenIntoTheRepositorysOwnFolder) {
 TEST_F(ExportCommands, NoFolderIsRemovedForAFileOfTheIndex) {
     folder.write("full/run/precious", "mine");
     expectFailed(nebsc({"export-tree", "--force", folder.path("full")}),
-                 HasSubstr("There is a folder \"" + folder.path("full/run") + "\""));
+                 HasSubstr("there is a folder '" + folder.path("full/run") + "'"));
     EXPECT_EQ(folder.read("full/run/precious"), "mine");
 }
 

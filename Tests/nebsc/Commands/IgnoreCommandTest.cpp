@@ -56,8 +56,8 @@ TEST_F(IgnoreCommand, KeepsWhatTheListHolds) {
 
 TEST_F(IgnoreCommand, RefusesWhatItCannotDo) {
     expectFailed(nebsc({"ignore", "a.c"}),
-                 StartsWith("nebsc: \"a.c\" is tracked, so its changes cannot be ignored.\n"));
-    expectFailed(nebsc({"ignore", "."}), "nebsc: The whole working copy cannot be ignored.\n");
+                 StartsWith("nebsc: 'a.c' is tracked, so its changes cannot be ignored\n"));
+    expectFailed(nebsc({"ignore", "."}), "nebsc: the whole working copy cannot be ignored\n");
     expectFailed(nebsc({"ignore", ".git"}), HasSubstr("the repository's own folder"));
     expectFailed(nebsc({"ignore", "b", "../x"}), HasSubstr("lies outside the working copy"));
     expectFailed(nebsc({"ignore", "a\nb"}), HasSubstr("holds a line end"));

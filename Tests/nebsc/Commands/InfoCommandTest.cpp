@@ -39,13 +39,13 @@ TEST_F(InfoCommand, ShowsTheSubversionRepositoryBehindTheBridge) {
 TEST_F(InfoCommand, WithoutEitherThatIsToldPlainly) {
     configure("remote.upstream.url", "https://example.org/demo.git");
     expectDone(nebsc({"info"}),
-               "The repository \"repository\" has no remote \"origin\" and none of Subversion.\n");
+               "The repository 'repository' has no remote 'origin' and none of Subversion.\n");
 }
 
 TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
     const TemporaryFolder folder;
     expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
     const NebscOutcome json = runNebsc({"info", "--json"}, {.folder = folder.path()});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestInfo);
     EXPECT_THAT(json.errors, HasSubstr("not in a git repository"));
@@ -57,7 +57,7 @@ TEST_F(InfoCommand, TheUsersOwnConfigurationMakesNoRepository) {
     folder.write(".gitconfig", "[remote \"origin\"]\n\turl = https://example.org/x\n");
     expectFailed(
         runNebsc({"info"}, {.folder = folder.path(), .variables = {{"HOME", folder.path()}}}),
-        testing::StartsWith("nebsc: The folder is not in a git repository."));
+        testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
@@ -74,7 +74,7 @@ TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
 
 TEST_F(InfoCommand, AFailureWithoutAWordIsNoAnswer) {
     const StandInGit git(repository.path(), "exit 3");
-    expectFailed(nebsc({"info"}, git), "nebsc: git exited with status 3 and printed nothing.\n");
+    expectFailed(nebsc({"info"}, git), "nebsc: git exited with status 3 and printed nothing\n");
 }
 
 TEST_F(InfoCommand, AConfigurationThatCannotBeReadIsTold) {

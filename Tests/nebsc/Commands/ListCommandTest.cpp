@@ -70,14 +70,12 @@ TEST_F(ListCommand, ATopWithABlankIsListedToo) {
 }
 
 TEST_F(ListCommand, WhatIsNoFolderOfTheCommitIsNamed) {
-    expectFailed(
-        nebsc({"ls", "nosuch"}),
-        "nebsc: There is no folder \"nosuch\", neither on disk nor in the latest commit.\n");
+    expectFailed(nebsc({"ls", "nosuch"}),
+                 "nebsc: there is no folder 'nosuch', neither on disk nor in the latest commit\n");
     fs::create_directory(repository.path("new"));
-    expectFailed(nebsc({"ls", "new"}),
-                 "nebsc: \"new\" is on disk, but not in the latest commit.\n");
+    expectFailed(nebsc({"ls", "new"}), "nebsc: 'new' is on disk, but not in the latest commit\n");
     expectFailed(nebsc({"ls", "top.c"}),
-                 "nebsc: \"top.c\" is no folder in the latest commit, but a file.\n");
+                 "nebsc: 'top.c' is no folder in the latest commit, but a file\n");
     const NebscOutcome json = nebsc({"ls", "--json", "nosuch"});
     EXPECT_EQ(json.json()["result"], nullptr);
     EXPECT_EQ(json.json()["error"]["class"], "path-unknown");
@@ -96,7 +94,7 @@ TEST_F(ListCommand, AnEmptyCommitHasNothing) {
     repository.git({"commit", "--quiet", "-m", "nothing"});
     const NebscOutcome outcome = nebsc({"ls"});
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "\".\" is empty in the latest commit.\n");
+    EXPECT_EQ(outcome.errors, "'.' is empty in the latest commit.\n");
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
@@ -126,21 +124,21 @@ TEST_F(ListCommand, ABareRepositoryHasFoldersToo) {
     expectDone(runNebsc({"ls"}, {.folder = bare}), "src/\ntop.c\n");
     expectDone(runNebsc({"ls", "src/grüße"}, {.folder = bare}), "x\n");
     expectFailed(runNebsc({"ls", "nosuch"}, {.folder = bare}),
-                 "nebsc: There is no folder \"nosuch\" in the latest commit.\n");
+                 "nebsc: there is no folder 'nosuch' in the latest commit\n");
     expectFailed(runNebsc({"ls", ".."}, {.folder = bare}),
-                 HasSubstr("lies outside the repository \"" + bare + "\""));
+                 HasSubstr("lies outside the repository '" + bare + "'"));
 }
 
 TEST_F(ListCommand, WhatCannotBeListedIsNamed) {
-    expectFailed(nebsc({"ls", "/"}), HasSubstr("\"/\" lies outside the working copy"));
-    expectFailed(nebsc({"ls", ""}), HasSubstr("The path is empty"), 2);
+    expectFailed(nebsc({"ls", "/"}), HasSubstr("'/' lies outside the working copy"));
+    expectFailed(nebsc({"ls", ""}), HasSubstr("the path is empty"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"ls"}, {.folder = empty.path()}),
-                 "nebsc: There are no commits yet on the current branch \"main\".\n");
+                 "nebsc: there are no commits yet on the current branch 'main'\n");
     EXPECT_EQ(runNebsc({"ls", "--json"}, {.folder = empty.path()}).exitStatus, 1);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"ls"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(ListCommand, ASubmoduleIsNoFile) {
@@ -148,7 +146,7 @@ TEST_F(ListCommand, ASubmoduleIsNoFile) {
     repository.git({"commit", "--quiet", "-m", "submodule"});
     expectDone(nebsc({"ls"}), ".gitmodules\nsrc/\nsub/\ntop.c\n");
     expectFailed(nebsc({"ls", "sub"}),
-                 "nebsc: \"sub\" is no folder in the latest commit, but a submodule.\n");
+                 "nebsc: 'sub' is no folder in the latest commit, but a submodule\n");
 }
 
 TEST_F(ListCommand, NamesThatAreNotUTF8AreListed) {

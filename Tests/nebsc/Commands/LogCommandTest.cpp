@@ -86,7 +86,7 @@ TEST_F(LogCommand, AFileOrFolderRestrictsIt) {
     expectDone(log({"HEAD~1", "a.c"}), line("HEAD~2", "First"));
     repository.git({"rm", "--quiet", "-r", "src"});
     repository.git({"commit", "--quiet", "-m", "Remove"});
-    expectFailed(log({"src"}), HasSubstr("There is no revision and no file \"src\"; put \"--\""));
+    expectFailed(log({"src"}), HasSubstr("there is no revision and no file 'src'; put '--'"));
     expectDone(log({"--", "src"}), line("HEAD", "Remove") + line("HEAD~2", "Second of two lines"));
     EXPECT_EQ(log({"--", "never"}).errors, "There are no such commits.\n");
     EXPECT_EQ(log({"--", "never"}).exitStatus, 0);
@@ -125,7 +125,7 @@ TEST_F(LogCommand, ARangeHasGitsMeaning) {
     EXPECT_THAT(arguments("main...topic"), HasSubstr(R"("main...topic")"));
     expectFailed(log({"main..topic", "main"}), HasSubstr("two revisions at most"), 2);
     expectFailed(log({"main", "topic"}), HasSubstr("write A..B or A...B"), 2);
-    expectFailed(log({"main..nosuch"}), HasSubstr("\"main..nosuch\""));
+    expectFailed(log({"main..nosuch"}), HasSubstr("'main..nosuch'"));
 }
 
 TEST_F(LogCommand, ARangeIsNoFileOfThatName) {
@@ -139,12 +139,12 @@ TEST_F(LogCommand, ABranchStandsForARevision) {
     repository.git({"branch", "topic", "HEAD~2"});
     expectDone(log({"--branch", "topic"}), line("topic", "First"));
     expectFailed(log({"--branch", "topic", "HEAD"}), HasSubstr("cannot stand together"), 2);
-    expectFailed(log({"--branch", "a.c"}), "nebsc: There is no revision \"a.c\".\n");
-    expectFailed(log({"--branch=--all"}), HasSubstr("\"--all\" begins with \"-\""), 2);
+    expectFailed(log({"--branch", "a.c"}), "nebsc: there is no revision 'a.c'\n");
+    expectFailed(log({"--branch=--all"}), HasSubstr("'--all' begins with '-'"), 2);
     // Neither a tag nor a file of that name is any of its business.
     repository.git({"tag", "topic", "HEAD"});
     expectDone(log({"--branch", "topic"}), line("refs/heads/topic", "First"));
-    expectFailed(log({"--branch", "^topic"}), HasSubstr("no revision \"^topic\""));
+    expectFailed(log({"--branch", "^topic"}), HasSubstr("no revision '^topic'"));
     repository.git({"tag", "--delete", "topic"});
     repository.write("topic", "");
     expectDone(log({"--branch", "topic"}), line("topic", "First"));
@@ -153,11 +153,11 @@ TEST_F(LogCommand, ABranchStandsForARevision) {
 TEST_F(LogCommand, DashesSettleWhetherAWordIsAFile) {
     repository.git({"branch", "both", "HEAD~1"});
     repository.commitFile("both", "1\n", "A file like a branch");
-    expectFailed(log({"both"}), HasSubstr("\"both\" is both a revision and a file"));
+    expectFailed(log({"both"}), HasSubstr("'both' is both a revision and a file"));
     expectDone(log({"--", "both"}), line("HEAD", "A file like a branch"));
     expectDone(log({"-n1", "both", "--"}), line("both", "Second of two lines"));
     expectDone(log({"-n1", "both", "--", "a.c"}), line("HEAD~3", "First"));
-    expectFailed(log({"nosuch", "--"}), "nebsc: There is no revision \"nosuch\".\n");
+    expectFailed(log({"nosuch", "--"}), "nebsc: there is no revision 'nosuch'\n");
     expectFailed(log({"a.c", "both", "src"}), HasSubstr("src"), 2);
     expectFailed(log({"a.c", "src"}), HasSubstr("one file at most"), 2);
 }
@@ -172,7 +172,7 @@ TEST_F(LogCommand, ABranchCalledZeroIsAnEndToo) {
 TEST_F(LogCommand, WhatIsNoNumberOfCommitsIsRefused) {
     for (const char* count : {"x", "-1", "3x", "99999999999"}) {
         expectFailed(log({std::string("--limit=") + count}),
-                     HasSubstr(std::string(count) + "\" is no number of commits"), 2);
+                     HasSubstr(std::string(count) + "' is no number of commits"), 2);
     }
     EXPECT_EQ(log({"-n", "0"}).errors, "There are no such commits.\n");
 }
@@ -180,13 +180,13 @@ TEST_F(LogCommand, WhatIsNoNumberOfCommitsIsRefused) {
 TEST_F(LogCommand, WithoutCommitsThatIsTold) {
     const TestRepository empty;
     expectFailed(runNebsc({"log"}, {.folder = empty.path()}),
-                 "nebsc: There are no commits yet on the current branch \"main\".\n");
+                 "nebsc: there are no commits yet on the current branch 'main'\n");
     const NebscOutcome json = runNebsc({"log", "--json"}, {.folder = empty.path()});
     EXPECT_EQ(json.json()["error"]["class"], "no-commits-yet");
     EXPECT_EQ(json.exitStatus, 1);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"log"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(LogCommand, ABareRepositoryHasALogToo) {
@@ -204,7 +204,7 @@ TEST_F(LogCommand, ABareRepositoryHasALogToo) {
     expectDone(inBare({"HEAD", "a.c"}), ofFile);
     expectDone(inBare({"./a.c"}), ofFile);
     expectDone(inBare({"HEAD~1", "src"}), line("HEAD~1", "Second of two lines"));
-    expectFailed(inBare({"nosuch"}), HasSubstr("There is no revision and no file \"nosuch\""));
+    expectFailed(inBare({"nosuch"}), HasSubstr("there is no revision and no file 'nosuch'"));
 }
 
 TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {
@@ -268,7 +268,7 @@ TEST_F(LogOfOtherEncodings, NamesTheCommitsThatItLeavesOut) {
     const std::string first = commitOtherBytes();
     const NebscOutcome one = log({"-n2"});
     EXPECT_EQ(one.output, line("HEAD~1", "Third"));
-    EXPECT_EQ(one.errors, std::string("nebsc: One commit is") + reason + "    " + first + "\n");
+    EXPECT_EQ(one.errors, std::string("nebsc: one commit is") + reason + "    " + first + "\n");
     EXPECT_EQ(one.exitStatus, 0);
     const NebscOutcome none = log({"-n1"});
     EXPECT_EQ(none.output, "");

@@ -40,16 +40,16 @@ protected:
     }
     /// What is said of the files, each on a line with its end and its indentation.
     [[nodiscard]] std::string settled(const std::string& files) const {
-        return "nebsc: Both sides changed the same lines or binary files; the current branch's "
+        return "nebsc: both sides changed the same lines or binary files; the current branch's "
                "were kept and the other side's left out in:\n" +
-               files + "\"git diff " + before + "..." + revision("topic") +
-               "\" shows all changes of the side whose lines were left out.\n";
+               files + "'git diff " + before + "..." + revision("topic") +
+               "' shows all changes of the side whose lines were left out.\n";
     }
     [[nodiscard]] std::string notKnown(const std::string& reason) const {
-        return "nebsc: Where both sides changed the same lines, the current branch's were kept and "
+        return "nebsc: where both sides changed the same lines, the current branch's were kept and "
                "the other side's left out. In which files is not known: " +
-               reason + ".\n\"git diff " + before + "..." + revision("topic") +
-               "\" shows all changes of the side whose lines were left out.\n";
+               reason + ".\n'git diff " + before + "..." + revision("topic") +
+               "' shows all changes of the side whose lines were left out.\n";
     }
     /// Runs nebsc with a git that answers the command by the script, and all others as ever.
     [[nodiscard]] NebscOutcome mergeWhere(const std::string& command, const std::string& script,
@@ -61,7 +61,7 @@ protected:
         return runNebsc(words, {.folder = repository.path(), .variables = {git.path()}});
     }
     void expectMerged(const NebscOutcome& outcome, const std::string& errors) const {
-        EXPECT_EQ(outcome.output, "Merged \"topic\"; now at " + revision("HEAD") + ".\n");
+        EXPECT_EQ(outcome.output, "Merged 'topic'; now at " + revision("HEAD") + ".\n");
         EXPECT_EQ(outcome.errors, errors);
         EXPECT_EQ(outcome.exitStatus, 0);
     }
@@ -183,19 +183,19 @@ TEST_F(MergeCommands, ASearchForConflictsThatFailsIsNoFailureOfTheMerge) {
     repository.git({"reset", "--quiet", "--hard", before});
     repository.git({"config", "merge.a=b.driver", "true"});
     expectMerged(nebsc({"merge", "topic"}),
-                 notKnown("the name of a merge driver or filter holds a \"=\""));
+                 notKnown("the name of a merge driver or filter holds a '='"));
     EXPECT_EQ(nebsc({"merge", "main"}).exitStatus, 0);
 }
 
 TEST_F(MergeCommands, AFastForwardIsAMergeToo) {
     repository.git({"reset", "--quiet", "--hard", base});
-    expectDone(nebsc({"merge", "topic"}), "Merged \"topic\"; now at " + revision("topic") + ".\n");
+    expectDone(nebsc({"merge", "topic"}), "Merged 'topic'; now at " + revision("topic") + ".\n");
 }
 
 TEST_F(MergeCommands, WhatIsMergedAlreadyIsToldPlainly) {
     for (const char* name : {"HEAD", "main~1", "main"}) {
         expectDone(nebsc({"merge", name}),
-                   "Already up to date: \"" + std::string(name) + "\" is merged.\n");
+                   "Already up to date: '" + std::string(name) + "' is merged.\n");
     }
     const NebscOutcome json = nebsc({"merge", "--json", "main"});
     EXPECT_TRUE(json.json()["result"].is_null());
@@ -208,7 +208,7 @@ TEST_F(MergeCommands, WhatIsMergedAlreadyIsToldPlainly) {
 TEST_F(MergeCommands, AMergeThatTheUserWantsUncommittedIsToldSo) {
     repository.git({"config", "branch.main.mergeOptions", "--no-commit"});
     const NebscOutcome outcome = nebsc({"merge", "topic"});
-    EXPECT_EQ(outcome.output, "Merged \"topic\"; it is not committed yet.\n");
+    EXPECT_EQ(outcome.output, "Merged 'topic'; it is not committed yet.\n");
     EXPECT_EQ(outcome.errors, settled("    a.c\n"));
     EXPECT_EQ(state(), "A  topic.c\n");
 }
@@ -252,17 +252,17 @@ TEST_F(MergeCommands, LocalChangesAreNotOverwritten) {
 
 TEST_F(MergeCommands, WhatCannotBeMergedIsNamed) {
     expectFailed(nebsc({"merge", "nosuch"}), HasSubstr("nosuch"));
-    expectFailed(nebsc({"merge", "--", "--abort"}), HasSubstr("\"--abort\" begins with \"-\""), 2);
+    expectFailed(nebsc({"merge", "--", "--abort"}), HasSubstr("'--abort' begins with '-'"), 2);
     expectFailed(nebsc({"merge"}), HasSubstr("REVISION"), 2);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"merge", "topic"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(MergeCommands, AMergeThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(repository.path(), "exit 1");
     expectFailed(nebsc({"merge", "topic"}, git),
-                 "nebsc: git exited with status 1 and printed nothing.\n");
+                 "nebsc: git exited with status 1 and printed nothing\n");
 }
 
 // ---- merge-base -------------------------------------------------------------------------------
@@ -280,32 +280,31 @@ TEST_F(MergeCommands, WithoutACommonAncestorThatIsTold) {
     repository.git({"checkout", "--quiet", "--orphan", "other"});
     repository.git({"commit", "--quiet", "-m", "another start"});
     expectFailed(nebsc({"merge-base", "main", "other"}),
-                 "nebsc: \"main\" and \"other\" have no common ancestor.\n");
+                 "nebsc: 'main' and 'other' have no common ancestor\n");
     const NebscOutcome json = nebsc({"--json", "merge-base", "main", "other"});
     EXPECT_TRUE(json.json()["result"].is_null());
     EXPECT_EQ(json.exitStatus, 1);
 }
 
 TEST_F(MergeCommands, AMergeOfWhatIsNotThereIsToldSo) {
-    expectFailed(nebsc({"merge", "nosuch"}), "nebsc: There is no branch or revision \"nosuch\".\n");
-    expectFailed(nebsc({"merge", ""}), "nebsc: REVISION is empty.\n", 2);
+    expectFailed(nebsc({"merge", "nosuch"}), "nebsc: there is no branch or revision 'nosuch'\n");
+    expectFailed(nebsc({"merge", ""}), "nebsc: REVISION is empty\n", 2);
 }
 
 TEST_F(MergeCommands, AnUnknownRevisionIsNoMissingAncestor) {
-    expectFailed(nebsc({"merge-base", "main", "nosuch"}),
-                 "nebsc: There is no revision \"nosuch\".\n");
-    expectFailed(nebsc({"merge-base", "HEAD~7", "main"}), HasSubstr("\"HEAD~7\""));
+    expectFailed(nebsc({"merge-base", "main", "nosuch"}), "nebsc: there is no revision 'nosuch'\n");
+    expectFailed(nebsc({"merge-base", "HEAD~7", "main"}), HasSubstr("'HEAD~7'"));
     const NebscOutcome json = nebsc({"merge-base", "--json", "main", "nosuch"});
     EXPECT_EQ(json.json()["error"]["class"], "revision-unknown");
     EXPECT_EQ(json.exitStatus, 1);
-    expectFailed(nebsc({"merge-base", "main", "--", "--all"}), HasSubstr("\"--all\" begins"), 2);
+    expectFailed(nebsc({"merge-base", "main", "--", "--all"}), HasSubstr("'--all' begins"), 2);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"merge-base", "a", "b"}, {.folder = folder.path()}),
                  testing::StartsWith("nebsc: The folder is not in a git repository."));
     expectFailed(nebsc({"merge-base", "main"}), HasSubstr("missing argument "), 2);
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"merge-base", "main", "topic"}, git),
-                 "nebsc: git exited with status 3 and printed nothing.\n");
+                 "nebsc: git exited with status 3 and printed nothing\n");
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ TEST_F(RemoteCommands, TheSubversionRepositoryIsShownWithItsKind) {
 }
 
 TEST_F(RemoteCommands, NoneIsToldPlainly) {
-    expectDone(nebsc({"remote"}), "The repository \"repository\" has no remotes.\n");
+    expectDone(nebsc({"remote"}), "The repository 'repository' has no remotes.\n");
     EXPECT_EQ(nebsc({"remote", "--json"}).json()["result"], JSON::array());
 }
 
@@ -103,7 +103,7 @@ TEST_F(RemoteCommands, OutsideAnyRepositoryGitSaysSo) {
                                                   {"remote", "rm", "x"},
                                                   {"remote", "branches"}}) {
         expectFailed(runNebsc(words, {.folder = nowhere.path()}),
-                     StartsWith("nebsc: The folder is not in a git repository."));
+                     StartsWith("nebsc: the folder is not in a git repository"));
     }
 }
 
@@ -113,7 +113,7 @@ TEST_F(RemoteCommands, AGitThatFailsWithoutAWordIsAFailure) {
                                                   {"remote", "add", "x", "/y"},
                                                   {"remote", "rm", "x"},
                                                   {"remote", "branches"}}) {
-        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing.\n");
+        expectFailed(nebsc(words, git), "nebsc: git exited with status 3 and printed nothing\n");
     }
 }
 
@@ -121,9 +121,9 @@ TEST_F(RemoteCommands, AGitThatFailsWithoutAWordIsAFailure) {
 
 TEST_F(RemoteCommands, AreAddedAndRemoved) {
     expectDone(nebsc({"remote", "add", "team/one", "https://example.org/x.git"}, "src"),
-               "Added the remote \"team/one\".\n");
+               "Added the remote 'team/one'.\n");
     expectDone(nebsc({"remote"}), "team/one  https://example.org/x.git\n");
-    expectDone(nebsc({"remote", "rm", "team/one"}, "src"), "Removed the remote \"team/one\".\n");
+    expectDone(nebsc({"remote", "rm", "team/one"}, "src"), "Removed the remote 'team/one'.\n");
     EXPECT_EQ(repository.git({"remote"}), "");
     EXPECT_EQ(nebsc({"remote", "add", "o", "/x", "--json"}).json()["type"],
               NEBSourceControlRequestAddRemote);
@@ -133,9 +133,9 @@ TEST_F(RemoteCommands, AreAddedAndRemoved) {
 
 TEST_F(RemoteCommands, APathIsMeantFromTheCurrentFolder) {
     const std::vector<std::string> add{"remote", "add", "origin", "../my shared.git"};
-    expectDone(nebsc(add, "src"), "Added the remote \"origin\".\n");
+    expectDone(nebsc(add, "src"), "Added the remote 'origin'.\n");
     expectDone(nebsc({"remote"}), "origin  " + repository.path("my shared.git") + "\n");
-    expectDone(nebsc({"remote", "add", "ssh", "host:path/x.git"}), "Added the remote \"ssh\".\n");
+    expectDone(nebsc({"remote", "add", "ssh", "host:path/x.git"}), "Added the remote 'ssh'.\n");
     EXPECT_EQ(repository.git({"remote", "get-url", "ssh"}), "host:path/x.git\n");
 }
 
@@ -161,11 +161,11 @@ TEST_F(RemoteCommands, WhatCannotBeAddedOrRemovedIsTold) {
     expectFailed(nebsc({"remote", "add", "origin", "/y"}), HasSubstr("origin already exists"));
     expectFailed(nebsc({"remote", "add", "a b", "/y"}), HasSubstr("'a b' is not a valid"));
     expectFailed(nebsc({"remote", "rm", "nosuch"}), HasSubstr("No such remote: 'nosuch'"));
-    expectFailed(nebsc({"remote", "add", "y", ""}), "nebsc: URL is empty.\n", 2);
-    expectFailed(nebsc({"remote", "rm", ""}), "nebsc: NAME is empty.\n", 2);
-    expectFailed(nebsc({"remote", "rm", "--", "-x"}), HasSubstr("\"-x\" begins with"), 2);
-    expectFailed(nebsc({"remote", "add", "--", "-f", "/y"}), HasSubstr("\"-f\" begins with"), 2);
-    expectFailed(nebsc({"remote", "add", "y", "--", "-f"}), HasSubstr("\"-f\" begins with"), 2);
+    expectFailed(nebsc({"remote", "add", "y", ""}), "nebsc: URL is empty\n", 2);
+    expectFailed(nebsc({"remote", "rm", ""}), "nebsc: NAME is empty\n", 2);
+    expectFailed(nebsc({"remote", "rm", "--", "-x"}), HasSubstr("'-x' begins with"), 2);
+    expectFailed(nebsc({"remote", "add", "--", "-f", "/y"}), HasSubstr("'-f' begins with"), 2);
+    expectFailed(nebsc({"remote", "add", "y", "--", "-f"}), HasSubstr("'-f' begins with"), 2);
 }
 
 // ---- branches ---------------------------------------------------------------------------------
@@ -193,7 +193,7 @@ TEST_F(RemoteCommands, ARepositoryThatCannotBeAskedIsTold) {
     expectFailed(nebsc({"remote", "branches", "nosuch"}),
                  HasSubstr("'nosuch' does not appear to be a git repository"));
     expectFailed(nebsc({"remote", "branches", "--", "--upload-pack=x"}),
-                 HasSubstr("\"--upload-pack=x\" begins with"), 2);
+                 HasSubstr("'--upload-pack=x' begins with"), 2);
 }
 
 }  // namespace

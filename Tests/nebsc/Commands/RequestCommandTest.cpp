@@ -39,7 +39,7 @@ TEST(RequestCommand, AStatusHasThisOutcome) {
     const std::string command = R"({"launchPath":")" + git.launchPath() +
                                 R"(","arguments":["status","--porcelain"],)"
                                 R"("currentDirectoryPath":")" +
-                                repository.path() + "\"";
+                                repository.path() + "'";
     EXPECT_EQ(steady(outcome.json()),
               R"({"type":15,"name":"status","authenticationRequired":false,"valid":true,)"
               R"("operation":"GitStatusOperation","command":)" +
@@ -209,8 +209,8 @@ TEST(RequestCommand, AValueThatGitWouldTakeForAnOptionIsRefused) {
         {.variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: The request's member \"startingRevision\" is \"--output=x\"; it is "
-              "refused here, as git would take it for an option.\n");
+              "nebsc: the request's member \"startingRevision\" is \"--output=x\"; it is "
+              "refused here, as git would take it for an option\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
@@ -226,8 +226,8 @@ TEST(RequestCommand, ANumberThatGitWouldTakeForAnOptionIsRefused) {
             "NEBSourceControlRequestOptionBranch": "host.example"}})",
         {.variables = {git.path()}});
     EXPECT_EQ(outcome.errors,
-              "nebsc: The request's member \"options.NEBSourceControlRequestOptionRemoteName\" is "
-              "\"-4\"; it is refused here, as git would take it for an option.\n");
+              "nebsc: the request's member \"options.NEBSourceControlRequestOptionRemoteName\" is "
+              "\"-4\"; it is refused here, as git would take it for an option\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
@@ -238,7 +238,7 @@ TEST(RequestCommand, WhatIsNoRequestIsRefusedInOneLine) {
                              "{\"type\": \"\x1b\xff\"}"}) {
         const NebscOutcome outcome = runRequest(json);
         EXPECT_EQ(outcome.output, "") << json;
-        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: The request")) << json;
+        EXPECT_THAT(outcome.errors, testing::StartsWith("nebsc: the request")) << json;
         EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << json;
         EXPECT_EQ(outcome.errors.find('\x1b'), std::string::npos) << json;
         EXPECT_EQ(outcome.exitStatus, 2) << json;
@@ -249,15 +249,15 @@ TEST(RequestCommand, AFileThatCannotBeReadIsNamedWithTheReason) {
     const TemporaryFolder folder;
     const std::string missing = folder.path("none.json");
     NebscOutcome outcome = runNebsc({"request", missing});
-    EXPECT_EQ(outcome.errors, "nebsc: The file \"" + missing +
-                                  "\" could not be read: No such file or directory.\n");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: the file '" + missing + "' could not be read: No such file or directory\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     outcome = runNebsc({"request", folder.path()});
     EXPECT_EQ(outcome.errors,
-              "nebsc: The file \"" + folder.path() + "\" could not be read: Is a directory.\n");
+              "nebsc: the file '" + folder.path() + "' could not be read: Is a directory\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     outcome = runNebsc({"request"}, {.hasClosedInput = true});
-    EXPECT_EQ(outcome.errors, "nebsc: Standard input could not be read: Bad file descriptor.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: standard input could not be read: Bad file descriptor\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 
@@ -276,14 +276,14 @@ TEST(RequestCommand, SaysThatSomebodyStillHeldTheOutput) {
         runRequest(statusRequest(folder.path()), {.variables = {git.path()}});
     EXPECT_EQ(outcome.json()["result"].size(), 1U);
     EXPECT_EQ(outcome.errors,
-              "nebsc: A process that git left behind still held its output open; what it wrote "
-              "later is missing here.\n");
+              "nebsc: a process that git left behind still held its output open; what it wrote "
+              "later is missing here\n");
     ::kill(std::stoi(folder.read("pid")), SIGKILL);
 }
 
 TEST(RequestCommand, ReadsNoEndlessInput) {
     const NebscOutcome outcome = runNebsc({"request", "/dev/zero"});
-    EXPECT_EQ(outcome.errors, "nebsc: The file \"/dev/zero\" has more than 67108864 bytes.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: the file '/dev/zero' has more than 67108864 bytes\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 

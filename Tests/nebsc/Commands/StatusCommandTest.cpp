@@ -106,7 +106,7 @@ TEST_F(StatusCommand, AFolderOutsideTheSparseCheckoutHasNoChanges) {
     for (const char* path : {"right", "right/r.c"}) {
         const NebscOutcome outcome = status({path});
         EXPECT_EQ(outcome.output,
-                  "Nothing to report: \"" + std::string(path) + "\" has no changes.\n");
+                  "Nothing to report: '" + std::string(path) + "' has no changes.\n");
         EXPECT_EQ(outcome.errors, "");
         EXPECT_EQ(outcome.exitStatus, 0);
     }
@@ -116,8 +116,8 @@ TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
     const NebscOutcome outcome = status({"no/such.c"});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: There is no file or folder \"no/such.c\", neither on disk nor in the working "
-              "copy \"repository\".\n");
+              "nebsc: there is no file or folder 'no/such.c', neither on disk nor in the working "
+              "copy 'repository'\n");
     EXPECT_EQ(outcome.exitStatus, 1);
     const NebscOutcome json = status({"--json", "no/such.c"});
     EXPECT_EQ(json.json()["result"], JSON::array());
@@ -127,12 +127,12 @@ TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
 
 TEST_F(StatusCommand, SaysWhenThereIsNothingToReport) {
     const NebscOutcome file = status({"clean.c"});
-    EXPECT_EQ(file.output, "Nothing to report: \"clean.c\" has no changes.\n");
+    EXPECT_EQ(file.output, "Nothing to report: 'clean.c' has no changes.\n");
     EXPECT_EQ(file.exitStatus, 0);
     repository.git({"add", "--all"});
     repository.git({"commit", "--quiet", "-m", "all"});
     const NebscOutcome whole = status({}, "src");
-    EXPECT_EQ(whole.output, "Nothing to report: the working copy \"repository\" has no changes.\n");
+    EXPECT_EQ(whole.output, "Nothing to report: the working copy 'repository' has no changes.\n");
     EXPECT_EQ(whole.errors, "");
     EXPECT_EQ(whole.exitStatus, 0);
 }
@@ -187,9 +187,9 @@ TEST_F(StatusCommand, NamesAreShownAsTheyAre) {
     for (const char* name : {"a -> b", "\"q\"", " lead and trail ", "back\\slash", "tab\t"}) {
         repository.write(name, "");
     }
-    repository.git({"mv", "clean.c", "x -> \"y\""});
+    repository.git({"mv", "clean.c", "x -> 'y'"});
     EXPECT_EQ(status({}).output,
-              "renamed    clean.c -> x -> \"y\"\n"
+              "renamed    clean.c -> x -> 'y'\n"
               "untracked   lead and trail \n"
               "untracked  \"q\"\n"
               "untracked  a -> b\n"
@@ -256,7 +256,7 @@ TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
     EXPECT_THAT(outcome.output, HasSubstr("untracked  red\\x1b[31m.c\n"));
     EXPECT_THAT(outcome.output, HasSubstr("untracked  next\\nline\n"));
     const NebscOutcome missing = status({"\x1b[2J\n\xC2\x9B"});
-    EXPECT_THAT(missing.errors, HasSubstr("\"\\x1b[2J\\n\\u009b\""));
+    EXPECT_THAT(missing.errors, HasSubstr("'\\x1b[2J\\n\\u009b'"));
 }
 
 TEST_F(StatusCommand, WhatGitPrintsCannotDriveTheTerminalEither) {
@@ -278,7 +278,7 @@ TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
     const JSON all = status({"--all", "--json", "lat\xE4.c"}).json()["result"];
     EXPECT_EQ(all[0]["NEBSourceControlOperationPathKey"],
               "\"" + repository.path() + R"(/lat\344.c")");
-    EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("\"none\\xe4\""));
+    EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("'none\\xe4'"));
 }
 
 TEST_F(StatusCommand, ALinkIsAThingOfTheWorkingCopyInWhichItLies) {
@@ -302,7 +302,7 @@ TEST_F(StatusCommand, WhereThereIsNoRepositoryGitSaysSo) {
         const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors,
-                    testing::StartsWith("nebsc: The folder is not in a git repository."));
+                    testing::StartsWith("nebsc: the folder is not in a git repository"));
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }
@@ -312,8 +312,8 @@ TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
     const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("../bare.git")});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: The folder is not in a working copy: it is in a bare repository or in a "
-              "\".git\" folder.\n"
+              "nebsc: the folder is not in a working copy: it is in a bare repository or in a "
+              "\".git\" folder\n"
               "Change to the working copy, or clone the repository to get one.\n"
               "    fatal: this operation must be run in a work tree\n");
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -328,7 +328,7 @@ TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
-    EXPECT_EQ(outcome.errors, "nebsc: Half done.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: half done\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
@@ -337,7 +337,7 @@ TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "nebsc: git exited with status 3 and printed nothing.\n");
+    EXPECT_EQ(outcome.errors, "nebsc: git exited with status 3 and printed nothing\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
@@ -358,14 +358,14 @@ TEST_F(StatusCommand, AGitThatCannotBeStartedIsNamed) {
     const std::string broken = empty.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {{"PATH", empty.path()}}});
-    EXPECT_THAT(outcome.errors, HasSubstr("\"" + broken + "\" could not be started"));
+    EXPECT_THAT(outcome.errors, HasSubstr("'" + broken + "' could not be started"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
 TEST_F(StatusCommand, AnEmptyPathIsRefused) {
     const NebscOutcome outcome = status({""});
     EXPECT_EQ(outcome.errors,
-              "nebsc: The path is empty; the path of a file or folder was expected.\n");
+              "nebsc: the path is empty; the path of a file or folder was expected\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 
@@ -379,7 +379,7 @@ TEST_F(StatusCommand, ACurrentFolderThatIsGoneIsToldPlainly) {
         "run", "#!/bin/sh\nrmdir ../gone && exec " NEB_BUILD_FOLDER "/bin/nebsc status\n");
     const NebscOutcome outcome = runProgram(script, {}, surroundings);
     EXPECT_EQ(outcome.errors,
-              "nebsc: The current folder cannot be found: No such file or directory.\n");
+              "nebsc: the current folder cannot be found: No such file or directory\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -90,9 +90,9 @@ TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
               NEBSourceControlRequestUpdate);
     const TestRepository plain;
     for (const char* word : {"fetch", "update", "push"}) {
-        expectFailed(nebsc(plain, {"svn", word}), HasSubstr("No Subversion repository"));
+        expectFailed(nebsc(plain, {"svn", word}), HasSubstr("no Subversion repository"));
     }
-    expectFailed(nebsc(plain, {"svn"}), HasSubstr("No Subversion repository"));
+    expectFailed(nebsc(plain, {"svn"}), HasSubstr("no Subversion repository"));
 }
 
 TEST_F(SubversionCommands, ACommitThatAnUpdateLeavesOutIsTold) {
@@ -103,14 +103,14 @@ TEST_F(SubversionCommands, ACommitThatAnUpdateLeavesOutIsTold) {
     EXPECT_EQ(updated.output, "Updated from " + reference + "; " + now(ann));
     EXPECT_EQ(
         updated.errors,
-        "nebsc: Both sides changed the same lines or binary files; Subversion's were kept "
-        "and yours left out in:\n    a\n\"git diff " +
+        "nebsc: both sides changed the same lines or binary files; Subversion's were kept "
+        "and yours left out in:\n    a\n'git diff " +
             ann.git({"rev-parse", "--short=12", "HEAD"}).substr(0, 12) + "..." +
             mine.substr(0, 12) +
-            "\" shows all changes of the side whose lines were left out.\n"
+            "' shows all changes of the side whose lines were left out.\n"
             "nebsc: 1 commit of yours was left out, as nothing in it is new or what it changes "
             "was changed there too; before the update, your commits ended with " +
-            mine.substr(0, 12) + ".\n");
+            mine.substr(0, 12) + "\n");
     EXPECT_EQ(updated.exitStatus, 0);
     EXPECT_EQ(content(ann, "a"), "theirs\n");
     EXPECT_EQ(ann.git({"show", mine.substr(0, 12) + ":a"}), "mine\n");
@@ -121,7 +121,7 @@ TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
     server.commitFile("trunk/a", "theirs\n");
     ann.write(".git/rebase-merge/head-name", "refs/heads/main\n");
     expectFailed(nebsc(ann, {"svn", "update"}),
-                 AllOf(StartsWith("nebsc: An earlier rebase is not finished.\n\"git rebase "
+                 AllOf(StartsWith("nebsc: an earlier rebase is not finished\n\"git rebase "
                                   "--continue\" continues it, \"git rebase --abort\" undoes it.\n"),
                        HasSubstr("rebase-merge directory")));
 }
@@ -143,7 +143,7 @@ TEST_F(SubversionCommands, APushThatTheServerIsAheadOfIsRefused) {
     server.commitFile("trunk/a", "theirs\n");
     expectFailed(nebsc(ann, {"push", "--svn"}),
                  AllOf(HasSubstr("does not have the latest remote changes"),
-                       EndsWith("\n\"nebsc update --svn\" brings them here.\n")));
+                       EndsWith("\n'nebsc update --svn' brings them here.\n")));
     EXPECT_EQ(server.content("trunk/a"), "theirs\n");
 }
 
@@ -155,10 +155,10 @@ TEST_F(SubversionCommands, WhatTheServerOrTheWorkingCopyRefusesIsTold) {
     expectFailed(nebsc(ann, {"push", "--svn"}), HasSubstr("uncommitted changes"));
     expectFailed(nebsc(ann, {"update", "--svn"}), HasSubstr("uncommitted changes"));
     expectFailed(nebsc(ann, {"update"}),
-                 EndsWith("\n\"nebsc update --svn\" brings what is new in Subversion.\n"));
+                 EndsWith("\n'nebsc update --svn' brings what is new in Subversion.\n"));
     expectFailed(nebsc(ann, {"update", "--svn", "nosuch"}), HasSubstr("nosuch"));
-    expectFailed(nebsc(ann, {"update", "--svn", "--", "--root"}),
-                 HasSubstr("\"--root\" begins with"), 2);
+    expectFailed(nebsc(ann, {"update", "--svn", "--", "--root"}), HasSubstr("'--root' begins with"),
+                 2);
     EXPECT_EQ(server.content("trunk/a"), "first\n");
 }
 

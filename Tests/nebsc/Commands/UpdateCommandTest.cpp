@@ -49,15 +49,15 @@ TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
     ben->commitFile("c", "ben\n");
     expectFailed(nebsc(*ben, {"update", "--ff"}),
                  AllOf(StartsWith("nebsc: "), HasSubstr("fast-forward"),
-                       EndsWith("\n\"nebsc update\" without --ff merges them.\n")));
+                       EndsWith("\n'nebsc update' without --ff merges them.\n")));
     const std::string before = revision(*ben);
     const NebscOutcome merged = nebsc(*ben, {"update"});
     EXPECT_EQ(merged.output, updated());
     EXPECT_EQ(merged.errors,
-              "nebsc: Both sides changed the same lines or binary files; the current branch's were "
-              "kept and the other side's left out in:\n    a\n\"git diff " +
+              "nebsc: both sides changed the same lines or binary files; the current branch's were "
+              "kept and the other side's left out in:\n    a\n'git diff " +
                   before + "..." + revision(*ann) +
-                  "\" shows all changes of the side whose lines were left out.\n");
+                  "' shows all changes of the side whose lines were left out.\n");
     EXPECT_EQ(merged.exitStatus, 0);
     EXPECT_EQ(ben->git({"rev-parse", "HEAD^2"}), ann->git({"rev-parse", "HEAD"}));
     EXPECT_EQ(ben->git({"show", "HEAD:a"}), "ben\n2\n3\n");
@@ -73,7 +73,7 @@ TEST_F(UpdateCommand, AHookThatRefusesIsNoAnswerWhateverItSays) {
     fs::permissions(ben->path(".git/hooks/reference-transaction"), fs::perms::owner_all);
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"update", "--ff"}, {"update"}}) {
-        expectFailed(nebsc(*ben, words), HasSubstr("Already up-to-date"));
+        expectFailed(nebsc(*ben, words), HasSubstr("already up-to-date"));
         EXPECT_EQ(revision(*ben), before);
     }
 }
@@ -163,18 +163,18 @@ TEST_F(UpdateCommand, AConflictThatHasNoSideIsAFailure) {
 }
 
 TEST_F(UpdateCommand, WithoutATrackedBranchItAsksForOne) {
-    const std::string advice = "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+    const std::string advice = "'nebsc update REMOTE BRANCH' says where to look.\n";
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
         ben->git({"checkout", "--quiet", "-B", "apart", "main", "--no-track"});
         expectFailed(nebsc(*ben, words),
-                     "nebsc: The current branch \"apart\" tracks no branch, so it is not known "
-                     "what is new.\n" +
+                     "nebsc: the current branch 'apart' tracks no branch, so it is not known "
+                     "what is new\n" +
                          advice);
         ben->git({"checkout", "--quiet", "--detach"});
         expectFailed(nebsc(*ben, words),
-                     "nebsc: No branch is checked out that could track another, so it is not "
-                     "known what is new.\n" +
+                     "nebsc: no branch is checked out that could track another, so it is not "
+                     "known what is new\n" +
                          advice);
     }
     shareChange();
@@ -184,31 +184,30 @@ TEST_F(UpdateCommand, WithoutATrackedBranchItAsksForOne) {
 
 TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
     expectFailed(nebsc(*ben, {"update", "origin", "nosuch"}),
-                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n"
-                 "\"nebsc remote branches origin\" shows those that there are.\n");
+                 "nebsc: there is no branch 'nosuch' in the remote 'origin'\n"
+                 "'nebsc remote branches origin' shows those that there are.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "nosuch"}), HasSubstr("nosuch"));
-    expectFailed(
-        nebsc(*ben, {"update", "nosuch", "main"}),
-        "nebsc: \"nosuch\" is the name of no remote.\n"
-        "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL "
-        "or a path, too.\n");
+    expectFailed(nebsc(*ben, {"update", "nosuch", "main"}),
+                 "nebsc: 'nosuch' is the name of no remote\n"
+                 "'nebsc remote add' gives a repository a name; 'nebsc update --ff' takes a URL "
+                 "or a path, too.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "nosuch", "main"}),
                  HasSubstr("'nosuch' does not appear"));
     expectDone(nebsc(*ben, {"update", "--ff", bare(), "main"}),
-               "Already up to date with main of \"" + bare() + "\".\n");
+               "Already up to date with main of '" + bare() + "'.\n");
     ben->git({"config", "branch.main.merge", "refs/heads/nosuch"});
     expectFailed(nebsc(*ben, {"update"}),
-                 "nebsc: There is no branch \"nosuch\" in the remote \"origin\".\n"
-                 "\"nebsc remote branches origin\" shows those that there are.\n");
+                 "nebsc: there is no branch 'nosuch' in the remote 'origin'\n"
+                 "'nebsc remote branches origin' shows those that there are.\n");
 }
 
 TEST_F(UpdateCommand, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
     ann->git({"push", "--quiet", "origin", "main:refs/heads/topic"});
     ben->git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});
     const std::string words =
-        "nebsc: The remote \"origin\" has the branch \"topic\", but the setting "
-        "\"remote.origin.fetch\" does not fetch it as \"origin/topic\".\n"
-        "\"git remote set-branches --add origin topic\" adds it to the setting.\n";
+        "nebsc: the remote 'origin' has the branch 'topic', but the setting "
+        "'remote.origin.fetch' does not fetch it as 'origin/topic'\n"
+        "'git remote set-branches --add origin topic' adds it to the setting.\n";
     expectFailed(nebsc(*ben, {"update", "origin", "topic"}), words);
     ben->git({"config", "branch.main.merge", "refs/heads/topic"});
     expectFailed(nebsc(*ben, {"update"}), words);
@@ -228,7 +227,7 @@ TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
          {std::vector<std::string>{"update", "--", "-x", "main"},
           {"update", "--ff", "--", "-x", "main"},
           {"update", "--ff", "origin", "--", "-x"}}) {
-        expectFailed(nebsc(*ben, words), HasSubstr("\"-x\" begins with \"-\""), 2);
+        expectFailed(nebsc(*ben, words), HasSubstr("'-x' begins with '-'"), 2);
     }
     EXPECT_NE(revision(*ben, "origin/main"), revision(*ann));
 }
@@ -236,15 +235,15 @@ TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
 TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
     const TemporaryFolder nowhere;
     expectFailed(runNebsc({"update"}, {.folder = nowhere.path()}),
-                 StartsWith("nebsc: The folder is not in a git repository."));
+                 StartsWith("nebsc: the folder is not in a git repository"));
     expectFailed(runNebsc({"update"}, {.folder = bare()}), HasSubstr("work tree"));
-    expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("No Subversion repository"));
+    expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("no Subversion repository"));
 }
 
 TEST_F(UpdateCommand, AGitThatFailsWithoutAWordIsAFailure) {
     const StandInGit git(ben->path(), "exit 3");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "main"}, git),
-                 "nebsc: git exited with status 3 and printed nothing.\n");
+                 "nebsc: git exited with status 3 and printed nothing\n");
 }
 
 }  // namespace

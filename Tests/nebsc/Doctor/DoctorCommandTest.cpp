@@ -151,11 +151,11 @@ TEST_F(DoctorCommand, AnOldGitIsAProblem) {
     const StandInGit old(repository.path(), "echo git version 2.20.1");
     const auto found = findings("git", {old.path()});
     EXPECT_EQ(found[0]["health"], "problem");
-    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("lacks \"--end-of-options\""));
+    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("lacks '--end-of-options'"));
     EXPECT_EQ(found[0]["advice"], "Install git 2.31 or newer.");
     const StandInGit odd(repository.path(), "echo hello");
     EXPECT_THAT(findings("git", {odd.path()})[0]["text"].get<std::string>(),
-                HasSubstr("reports no version: \"hello\""));
+                HasSubstr("reports no version: 'hello'"));
 }
 
 TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
@@ -231,7 +231,7 @@ TEST_F(DoctorCommand, SettingsThatDoNotCountAreListedWithBothValues) {
     const auto found = findings("setting");
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["text"],
-              "core.quotePath is \"true\", but counts as \"false\" for what is read here");
+              "core.quotePath is 'true', but counts as 'false' for what is read here");
 }
 
 TEST_F(DoctorCommand, CredentialHelpersAreLookedForAndNotRun) {
@@ -249,7 +249,7 @@ TEST_F(DoctorCommand, CredentialHelpersAreLookedForAndNotRun) {
                               .variables = {{"PATH", std::string(path) + ":" + programs.path()}}});
     EXPECT_THAT(outcome.output, HasSubstr("local configuration: git-credential-mine\n"));
     EXPECT_THAT(outcome.output, HasSubstr("a text for the shell\n"));
-    EXPECT_THAT(outcome.output, HasSubstr("there is no program \"git-credential-nosuch\"\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("there is no program 'git-credential-nosuch'\n"));
     EXPECT_THAT(outcome.output, Not(HasSubstr("secret")));
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_FALSE(std::filesystem::exists(programs.path("run")));

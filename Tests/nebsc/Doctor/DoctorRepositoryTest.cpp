@@ -289,7 +289,7 @@ TEST_F(DoctorRepository, TheAdvisedFetchBringsLostObjectsBack) {
     const std::string object = looseObject("HEAD:a.c");
     std::filesystem::remove(object);
     const auto advice = findingsIn(repository.path(), "fsck", {}, {"--full"}).back()["advice"];
-    EXPECT_THAT(advice.get<std::string>(), HasSubstr("\"git fetch --refetch REMOTE\""));
+    EXPECT_THAT(advice.get<std::string>(), HasSubstr("'git fetch --refetch REMOTE'"));
     repository.git({"fetch", "--quiet", "--refetch", clone.path()});
     EXPECT_THAT(findingsIn(repository.path(), "fsck", {}, {"--full"}),
                 IsOneFinding("ok", HasSubstr("no damage"), ""));

@@ -99,7 +99,7 @@ TEST_F(DoctorSurroundings, AHookWhoseInterpreterDoesNotExistIsAProblem) {
         EXPECT_THAT(findings("hook"),
                     IsOneFinding("problem",
                                  repository.path(".git/hooks/pre-commit") +
-                                     " cannot run: there is no program \"" + program + "\"",
+                                     " cannot run: there is no program '" + program + "'",
                                  HasSubstr("Install")))
             << line;
     }
@@ -148,7 +148,7 @@ TEST_F(DoctorSurroundings, VariablesThatAreIgnoredAreNoted) {
     EXPECT_THAT(findings("variable"), IsEmpty());
     EXPECT_THAT(findings("variable", {{"GIT_DIR", "/x"}}),
                 IsOneFinding("note",
-                             AllOf(HasSubstr("GIT_DIR is \"/x\", but is ignored here"),
+                             AllOf(HasSubstr("GIT_DIR is '/x', but is ignored here"),
                                    HasSubstr("ties a process to one repository")),
                              HasSubstr("nebsc -C")));
     for (const char* name : {"GIT_WORK_TREE", "GIT_INDEX_FILE", "GIT_OBJECT_DIRECTORY",

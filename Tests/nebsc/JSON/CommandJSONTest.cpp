@@ -2,6 +2,7 @@
 // request, or where it failed by what it looked at beside its request.
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Terminal/ErrorText.h"
 #include "nebsc/CommandTest.h"
 
 namespace neb::test {
@@ -107,8 +108,10 @@ TEST_F(CommandJSON, ARefusalInOurWordsIsAnErrorOfItsClass) {
     EXPECT_EQ(json["error"]["code"], -1);
     EXPECT_EQ(json["error"]["class"], "revision-unknown");
     EXPECT_TRUE(json["error"]["localizedRecoverySuggestion"].is_string());
-    EXPECT_EQ("nebsc: " + json["error"]["localizedDescription"].get<std::string>() + "\n",
-              outcome.errors);
+    EXPECT_EQ(
+        "nebsc: " + nebsc::messageLine(json["error"]["localizedDescription"].get<std::string>()) +
+            "\n",
+        outcome.errors);
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
@@ -198,7 +201,7 @@ TEST_F(CommandJSON, ASilentFailureIsTold) {
 }
 
 TEST_F(CommandJSON, ACallThatCannotBeUnderstoodHasNoOutcome) {
-    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("The path is empty"), 2);
+    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("the path is empty"), 2);
 }
 
 TEST_F(CommandJSON, ARefusalHoldsNoPassword) {

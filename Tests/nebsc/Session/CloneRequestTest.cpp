@@ -94,9 +94,9 @@ TEST_F(CloneRequest, KeepsACloneThatLacksOnlySubmodules) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.json()["error"]["files"], JSON({"there/deep er"}));
     EXPECT_EQ(outcome.errors,
-              "nebsc: The clone \"" + folder.path("clone") +
-                  "\" is kept; it lacks the submodule \"there/deep er\". To get what is missing, "
-                  "run \"git submodule update --init --recursive --force\" in it.\n");
+              "nebsc: the clone '" + folder.path("clone") +
+                  "' is kept; it lacks the submodule 'there/deep er'. To get what is missing, "
+                  "run 'git submodule update --init --recursive --force' in it.\n");
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
     EXPECT_EQ(folder.read("clone/there/i"), "1\n");
 }
@@ -192,8 +192,8 @@ TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {
     EXPECT_EQ(json["operation"], "GitCloneOperation");
     EXPECT_EQ(json["commands"], JSON::array());
     EXPECT_EQ(json["error"]["domain"], "NEBPOSIXErrorDomain");
-    EXPECT_EQ(json["error"]["localizedDescription"], "The folder \"" + folder.path("file/clone") +
-                                                         "\" could not be made: Not a directory.");
+    EXPECT_EQ(json["error"]["localizedDescription"],
+              "The folder '" + folder.path("file/clone") + "' could not be made: Not a directory.");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
@@ -215,7 +215,7 @@ TEST_F(CloneRequest, ADestinationThatIsNoAbsolutePathIsRefused) {
                        {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors,
-                    testing::StartsWith("nebsc: The request's member \"destination\" is \""));
+                    testing::StartsWith("nebsc: the request's member 'destination' is '"));
         EXPECT_THAT(outcome.errors, HasSubstr("for a clone an absolute path was expected"));
         EXPECT_EQ(outcome.exitStatus, 2);
     }

@@ -181,8 +181,8 @@ TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
     const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
     EXPECT_EQ(reply.standardError,
-              "nebsc: The plug-in has no operation for the request type 24 (list remotes).\n"
-              "Correct the request; \"nebsc types\" lists the types and what each needs.\n");
+              "nebsc: the plug-in has no operation for the request type 24 (list remotes)\n"
+              "Correct the request; 'nebsc types' lists the types and what each needs.\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
 }
 
@@ -190,7 +190,7 @@ TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
     answers.valid = false;
     const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_EQ(reply.standardOutput, "");
-    EXPECT_EQ(reply.standardError, "nebsc: Not now.\n");
+    EXPECT_EQ(reply.standardError, "nebsc: not now\n");
     EXPECT_EQ(reply.exitStatus, exitFailed);
 }
 
@@ -199,7 +199,7 @@ TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
     const CommandOutput reply = replyOf(remoteCommand);
     EXPECT_THAT(reply.standardError,
                 testing::StartsWith(
-                    "nebsc: The plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
+                    "nebsc: the plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
     EXPECT_EQ(reply.exitStatus, exitDone);
     EXPECT_THAT(replyOf(remoteCommand, true).standardError,
                 testing::HasSubstr("The plug-in reports: Assertion failed: in main"));

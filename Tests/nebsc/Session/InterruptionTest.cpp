@@ -111,9 +111,9 @@ TEST_P(InterruptedBy, TheQuestionForTheVersionIsEndedToo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Interruption, InterruptedBy,
-                         testing::Values(SignalRow{SIGINT, 130, "nebsc: Stopped by SIGINT.\n"},
-                                         SignalRow{SIGTERM, 143, "nebsc: Stopped by SIGTERM.\n"},
-                                         SignalRow{SIGHUP, 129, "nebsc: Stopped by SIGHUP.\n"}),
+                         testing::Values(SignalRow{SIGINT, 130, "nebsc: stopped by SIGINT\n"},
+                                         SignalRow{SIGTERM, 143, "nebsc: stopped by SIGTERM\n"},
+                                         SignalRow{SIGHUP, 129, "nebsc: stopped by SIGHUP\n"}),
                          [](const auto& row) { return std::to_string(row.param.signalNumber); });
 
 TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {

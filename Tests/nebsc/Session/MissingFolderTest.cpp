@@ -79,8 +79,8 @@ TEST_F(MissingFolderTest, AFailureNamesTheFolderAndTheCause) {
     const auto failure = folder.make();
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->errorNumber, ENOTDIR);
-    EXPECT_EQ(failure->description, "The folder \"" + top.path("new/../file/a") +
-                                        "\" could not be made: Not a directory.");
+    EXPECT_EQ(failure->description,
+              "The folder '" + top.path("new/../file/a") + "' could not be made: Not a directory.");
     EXPECT_FALSE(folder.removeAgain());
     EXPECT_FALSE(isThere("new"));
 }
@@ -94,8 +94,8 @@ TEST_F(MissingFolderTest, AFolderThatCannotBeRemovedIsTold) {
     const auto failure = folder.removeAgain();
     fs::permissions(own.path("a"), fs::perms::owner_all);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->description, "The folder \"" + own.path("a/b") +
-                                        "\" could not be removed again: Permission denied.");
+    EXPECT_EQ(failure->description, "The folder '" + own.path("a/b") +
+                                        "' could not be removed again: Permission denied.");
 }
 
 }  // namespace

@@ -43,13 +43,13 @@ TEST_F(StartFolder, SeveralAddUp) {
 
 TEST_F(StartFolder, AFolderThatIsMissingIsNamedAndNothingIsDone) {
     expectFailed(outside({"-C", "nosuch", "init", "new"}),
-                 "nebsc: The folder \"nosuch\" cannot be entered: No such file or directory.\n", 2);
+                 "nebsc: the folder 'nosuch' cannot be entered: No such file or directory\n", 2);
     EXPECT_FALSE(std::filesystem::exists(_folder.path("new")));
     expectFailed(nebsc({"-C", "src", "-C", "nosuch", "status"}),
-                 "nebsc: The folder \"src/nosuch\" cannot be entered: No such file or directory.\n",
+                 "nebsc: the folder 'src/nosuch' cannot be entered: No such file or directory\n",
                  2);
     expectFailed(nebsc({"-C", "src/a.c", "status", "--json"}),
-                 "nebsc: The folder \"src/a.c\" cannot be entered: Not a directory.\n", 2);
+                 "nebsc: the folder 'src/a.c' cannot be entered: Not a directory\n", 2);
     expectFailed(nebsc({"-C"}), HasSubstr(" requires a value\n"), 2);
 }
 

@@ -92,8 +92,8 @@ TEST_F(Pager, ThereIsNoneWhereNoneIsWanted) {
 TEST_F(Pager, OneThatCannotBeStartedLosesNothing) {
     const NebscOutcome outcome = diff({{"PAGER", "/no/such/pager"}});
     EXPECT_EQ(outcome.output, patchOnTerminal());
-    EXPECT_THAT(outcome.errors, HasSubstr("nebsc: The pager \"/no/such/pager\" could not be "
-                                          "started; the output is shown without it.\n"));
+    EXPECT_THAT(outcome.errors, HasSubstr("nebsc: the pager '/no/such/pager' could not be "
+                                          "started; the output is shown without it\n"));
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 

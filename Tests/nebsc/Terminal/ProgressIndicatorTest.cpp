@@ -84,7 +84,7 @@ TEST_F(ProgressIndicatorTest, TheLineIsWipedBeforeAnErrorIsTold) {
     program.send(SIGINT);
     const NebscOutcome outcome = program.outcome();
     EXPECT_THAT(outcome.errors,
-                testing::EndsWith("\r             \rnebsc: Stopped by SIGINT.\r\n"));
+                testing::EndsWith("\r             \rnebsc: stopped by SIGINT.\r\n"));
     EXPECT_EQ(outcome.exitStatus, 130);
 }
 

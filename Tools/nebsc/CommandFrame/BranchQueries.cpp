@@ -4,7 +4,7 @@
 
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Session/Paths.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

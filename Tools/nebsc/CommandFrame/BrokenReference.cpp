@@ -8,7 +8,7 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
@@ -142,8 +142,8 @@ private:
             "it names " + object.substr(0, 12) + ", which is not in the repository or is damaged",
             NEBSourceControlObjectsDamagedErrorClass,
             "Fetch that commit again, or set the reference to a commit that exists: "
-            "\"git update-ref " +
-                shellQuoted(name) + " COMMIT\".");
+            "'git update-ref " +
+                shellQuoted(name) + " COMMIT'.");
     }
 
     [[nodiscard]] static NEBSourceControlError errorAbout(const std::string& name,

@@ -12,7 +12,7 @@
 #include "Platform/Text.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
@@ -57,7 +57,7 @@ CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
 std::optional<CommandOutput> refusalOfValue(const RequestResult& result) {
     if (const auto& value = result.refusedValue) {
         const bool isOption = value->value.starts_with('-');
-        return refusal(inQuotes(value->value) + (isOption ? " begins with \"-\"; it" : "") +
+        return refusal(inQuotes(value->value) + (isOption ? " begins with '-'; it" : "") +
                            " is refused, as git would " + std::string(value->danger) + ".",
                        exitNotUnderstood);
     }
@@ -100,7 +100,7 @@ std::optional<CommandOutput> refusalWithoutSubversion(const GitQueries& git) {
         return std::nullopt;
     }
     CommandOutput output = refusal("No Subversion repository stands behind this one.", exitFailed);
-    output.standardError += "\"git svn clone URL\" makes a repository that has one.\n";
+    output.standardError += "'git svn clone URL' makes a repository that has one.\n";
     return output;
 }
 

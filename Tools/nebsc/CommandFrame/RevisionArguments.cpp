@@ -7,7 +7,7 @@
 #include "CommandFrame/FailureText.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -110,11 +110,10 @@ std::optional<CommandOutput> Reader::take(const std::string& argument, bool must
     const PathSearch search = findAbsolutePath(workingCopy().currentFolder, argument);
     if (!mustBeRevision && workingCopy().isWorkingCopy && search.path &&
         isAnythingAt(*search.path)) {
-        return refusal(
-            inQuotes(argument) +
-                " is both a revision and a file; put \"--\" in front of it for the file, "
-                "or behind it for the revision.",
-            exitFailed, NEBSourceControlRevisionAmbiguousErrorClass);
+        return refusal(inQuotes(argument) +
+                           " is both a revision and a file; put '--' in front of it for the file, "
+                           "or behind it for the revision.",
+                       exitFailed, NEBSourceControlRevisionAmbiguousErrorClass);
     }
     _result.revisions.insert(_result.revisions.end(), revisions->begin(), revisions->end());
     if (revisions->size() == 2) {
@@ -133,7 +132,7 @@ std::optional<CommandOutput> Reader::takeFile(const std::string& argument, bool 
             return failureWith(*broken);
         }
         return refusal("There is no revision and no file " + inQuotes(argument) +
-                           "; put \"--\" in front of the name of a file that is gone.",
+                           "; put '--' in front of the name of a file that is gone.",
                        exitFailed, NEBSourceControlRevisionUnknownErrorClass);
     }
     _result.files.push_back(*search.path);

@@ -7,7 +7,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 #include "Session/GitVersion.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -123,7 +123,7 @@ SettledConflicts SettledConflictSearch::search() const {
     }
     auto arguments = optionsAgainstPrograms();
     if (!arguments) {
-        return unknownConflicts("the name of a merge driver or filter holds a \"=\"");
+        return unknownConflicts("the name of a merge driver or filter holds a '='");
     }
     // git-merge-tree(1), OUTPUT: the tree, then the names, each followed by NUL.
     arguments->insert(arguments->end(), {"merge-tree", "--write-tree", "--name-only",

@@ -8,7 +8,7 @@
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -18,8 +18,8 @@
 #include "CommandLine/Parameter.h"
 #include "Session/HostSession.h"
 #include "Session/PlugInFile.h"
+#include "Terminal/Colour.h"
 #include "Terminal/CommandOutput.h"
-#include "Terminal/Presentation.h"
 
 namespace neb::nebsc {
 

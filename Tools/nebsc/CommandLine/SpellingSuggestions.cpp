@@ -4,7 +4,7 @@
 #include <numeric>
 #include <vector>
 
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

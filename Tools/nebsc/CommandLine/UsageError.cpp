@@ -3,7 +3,7 @@
 #include "CommandLine/CommonOptions.h"
 #include "CommandLine/GitNames.h"
 #include "CommandLine/SpellingSuggestions.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

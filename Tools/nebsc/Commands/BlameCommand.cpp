@@ -12,8 +12,9 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
+#include "Terminal/Colour.h"
 #include "Terminal/LocalTime.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/Tabs.h"
 #include "Terminal/TextWidth.h"
 

@@ -7,7 +7,8 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -228,7 +229,7 @@ void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 
 std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
-               ? "\"nebsc branch delete --force\" deletes it all the same.\n"
+               ? "'nebsc branch delete --force' deletes it all the same.\n"
                : "";
 }
 

@@ -7,7 +7,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -91,7 +91,7 @@ std::optional<CommandOutput> CheckoutTask::validate() {
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
     if (isOnDisk || git().isTracked(branch()) || (asTyped.path && isAnythingAt(*asTyped.path))) {
         return refusal(name +
-                           " is no branch or revision but a file or folder; \"nebsc revert\" "
+                           " is no branch or revision but a file or folder; 'nebsc revert' "
                            "throws away its changes.",
                        exitFailed, NEBSourceControlRevisionUnknownErrorClass);
     }

@@ -1,7 +1,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

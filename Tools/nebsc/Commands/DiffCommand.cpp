@@ -8,7 +8,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/PatchText.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/StatusLabels.h"
 
 namespace neb::nebsc {
@@ -131,7 +131,7 @@ void DiffTask::noteFilesNotCompared(CommandOutput& output) {
         const std::string name = inQuotes(shown(file));
         output.standardError +=
             isAnythingAt(file)
-                ? name + " is not tracked, so it is not compared; \"nebsc add\" tracks it.\n"
+                ? name + " is not tracked, so it is not compared; 'nebsc add' tracks it.\n"
                 : "There is no file or folder " + name + ", neither on disk nor in " +
                       printable(inQuotes(revision)) + ".\n";
     }

@@ -6,7 +6,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -219,8 +219,8 @@ std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
     if (error.code != NEBSourceControlRemoteAheadError) {
         return {};
     }
-    return isSubversion() ? "\"nebsc update --svn\" brings them here.\n"
-                          : "\"nebsc update\" brings them here.\n";
+    return isSubversion() ? "'nebsc update --svn' brings them here.\n"
+                          : "'nebsc update' brings them here.\n";
 }
 
 constexpr Parameter pushParameters[] = {

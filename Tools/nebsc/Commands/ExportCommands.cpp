@@ -12,7 +12,7 @@
 #include "Platform/NewFile.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -89,7 +89,7 @@ std::optional<CommandOutput> ExportTask::validate() {
     }
     if (file() == workingCopy().location) {
         return refusal(
-            "The working copy itself cannot be exported; \"nebsc export-tree\" writes "
+            "The working copy itself cannot be exported; 'nebsc export-tree' writes "
             "all of its files.",
             exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
@@ -170,7 +170,7 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
     const std::string name = inQuotes(argument(destination));
     if (isWorkingCopy()) {
         return refusal(name +
-                           " is the working copy itself; nothing was written. \"nebsc revert\" "
+                           " is the working copy itself; nothing was written. 'nebsc revert' "
                            "throws away changes.",
                        exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
@@ -185,7 +185,7 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
     if (isFolder(folder()) && !arguments().has("--force") &&
         (!fs::is_empty(folder(), failure) || failure)) {
         return refusal("The folder " + name +
-                           " is not empty; nothing was written. \"nebsc export-tree --force\" "
+                           " is not empty; nothing was written. 'nebsc export-tree --force' "
                            "overwrites the files in it that are in the index too.",
                        exitFailed, NEBSourceControlDestinationExistsErrorClass);
     }

@@ -85,7 +85,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
         workingCopy(),
         "Nothing was removed, as changes that are not committed would be lost:", changed,
         NEBSourceControlLocalChangesErrorClass);
-    refused.standardError += "\"nebsc rm --force\" removes the files all the same.\n";
+    refused.standardError += "'nebsc rm --force' removes the files all the same.\n";
     return refused;
 }
 

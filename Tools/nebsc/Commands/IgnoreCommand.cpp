@@ -15,7 +15,7 @@
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 #include "Session/GitProgram.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -102,8 +102,7 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
     if (git().isTracked(path)) {
         CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
                                        exitFailed, NEBSourceControlPathInvalidErrorClass);
-        output.standardError +=
-            "\"git rm -r --cached\" lets git forget it and leaves it on disk.\n";
+        output.standardError += "'git rm -r --cached' lets git forget it and leaves it on disk.\n";
         return output;
     }
     return std::nullopt;

@@ -3,7 +3,7 @@
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -39,7 +39,7 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!url.isPresent()) {
         output.standardOutput = "The repository " +
                                 printable(inQuotes(lastPathComponent(workingCopy().location))) +
-                                " has no remote \"origin\" and none of Subversion.\n";
+                                " has no remote 'origin' and none of Subversion.\n";
         return;
     }
     const bool isSubversion = outcome.commands.size() > 1;

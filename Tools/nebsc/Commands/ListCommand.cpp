@@ -3,7 +3,8 @@
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -10,8 +10,9 @@
 #include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
+#include "Terminal/Colour.h"
 #include "Terminal/LocalTime.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/StatusLabels.h"
 #include "Terminal/TextWidth.h"
 

@@ -11,7 +11,7 @@
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Session/MissingFolder.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -4,7 +4,7 @@
 #include "Commands/Commands.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -58,7 +58,7 @@ constinit const Command fetchFromSubversion{
     .group = subcommandGroup,
     .summary = "Fetch from Subversion without changing the working copy",
     .details =
-        "The same as \"nebsc fetch --svn\".\n\n"
+        "The same as 'nebsc fetch --svn'.\n\n"
         "Example:\n"
         "  nebsc svn fetch\n",
     .activity = "Fetching",
@@ -91,7 +91,7 @@ constinit const Command pushToSubversion{
     .group = subcommandGroup,
     .summary = "Commit to Subversion",
     .details =
-        "The same as \"nebsc push --svn\".\n\n"
+        "The same as 'nebsc push --svn'.\n\n"
         "Example:\n"
         "  nebsc svn push\n",
     .activity = "Pushing",

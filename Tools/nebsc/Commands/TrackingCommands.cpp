@@ -4,7 +4,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
@@ -47,9 +47,9 @@ std::optional<CommandOutput> TrackTask::validate() {
         slash = text.find('/', slash + 1);
     }
     if (slash == std::string::npos && !text.starts_with('-')) {
-        return refusal(inQuotes(text) +
-                           " begins with the name of no remote; \"nebsc remote list\" shows them.",
-                       exitFailed, NEBSourceControlRemoteUnknownErrorClass);
+        return refusal(
+            inQuotes(text) + " begins with the name of no remote; 'nebsc remote list' shows them.",
+            exitFailed, NEBSourceControlRemoteUnknownErrorClass);
     }
     const std::size_t end = slash == std::string::npos ? first : slash;
     _tracking = {text.substr(0, end), text.substr(end + 1)};

@@ -7,7 +7,7 @@
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Session/ReportCapture.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/TextTable.h"
 
 namespace neb::nebsc {

@@ -6,7 +6,7 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -114,8 +114,8 @@ std::optional<CommandOutput> UpdateTask::findSource() {
                              "is not known what is new.",
                     exitFailed, NEBSourceControlNoUpstreamErrorClass);
         output.standardError += hasSubversion(git())
-                                    ? "\"nebsc update --svn\" brings what is new in Subversion.\n"
-                                    : "\"nebsc update REMOTE BRANCH\" says where to look.\n";
+                                    ? "'nebsc update --svn' brings what is new in Subversion.\n"
+                                    : "'nebsc update REMOTE BRANCH' says where to look.\n";
         return output;
     }
     _source = *tracking;
@@ -130,7 +130,7 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
         CommandOutput output = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed,
                                        NEBSourceControlRemoteUnknownErrorClass);
         output.standardError +=
-            "\"nebsc remote add\" gives a repository a name; \"nebsc update --ff\" takes a URL or "
+            "'nebsc remote add' gives a repository a name; 'nebsc update --ff' takes a URL or "
             "a path, too.\n";
         return output;
     }
@@ -197,7 +197,7 @@ void UpdateTask::noteDroppedCommits(CommandOutput& output) {
                             (dropped == 1 ? " commit of yours was" : " commits of yours were") +
                             " left out, as nothing in it is new or what it changes was changed "
                             "there too; before the update, your commits ended with " +
-                            printable(_commitBefore.value_or("")) + ".\n";
+                            printable(_commitBefore.value_or("")) + "\n";
 }
 
 std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {
@@ -233,7 +233,7 @@ void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
 
 std::string UpdateTask::adviceFor(const NEBSourceControlError& error) const {
     return error.code == NEBSourceControlFastForwardError
-               ? "\"nebsc update\" without --ff merges them.\n"
+               ? "'nebsc update' without --ff merges them.\n"
                : "";
 }
 

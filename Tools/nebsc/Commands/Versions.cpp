@@ -2,7 +2,7 @@
 #include "JSON/OutcomeJSON.h"
 #include "Session/GitProgram.h"
 #include "Session/OperationRun.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -9,7 +9,7 @@ namespace neb::nebsc {
 /// The advice on lost objects. A fetch without --refetch brings none that the local references
 /// should reach.
 inline constexpr const char* adviceOnLostObjects =
-    "\"git fetch --refetch REMOTE\" (git 2.36 or newer) fetches them again, REMOTE being any clone "
+    "'git fetch --refetch REMOTE' (git 2.36 or newer) fetches them again, REMOTE being any clone "
     "that has them.";
 
 /// git itself, its version and its programs for HTTPS. Sets `hasGit` and `programs`.

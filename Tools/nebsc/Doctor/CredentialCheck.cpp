@@ -1,7 +1,7 @@
 #include <sys/stat.h>
 
 #include "Doctor/Checks.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -45,7 +45,7 @@ void checkAgent(Examination& examination) {
     struct stat attributes {};
     if (socket.empty()) {
         examination.add(Health::note, "ssh agent", "SSH_AUTH_SOCK names none",
-                        "\"ssh-add\" gives an agent a key with a passphrase.");
+                        "'ssh-add' gives an agent a key with a passphrase.");
     } else if (::stat(socket.c_str(), &attributes) == 0 && S_ISSOCK(attributes.st_mode)) {
         examination.add(Health::ok, "ssh agent", socket);
     } else {
@@ -76,7 +76,7 @@ void checkSSH(Examination& examination) {
     if (!examination.isReachable("ssh") && environmentVariable("GIT_SSH").empty() &&
         environmentVariable("GIT_SSH_COMMAND").empty() &&
         settingNamed(examination, "core.sshcommand").empty()) {
-        examination.add(Health::note, "ssh", "there is no program \"ssh\"",
+        examination.add(Health::note, "ssh", "there is no program 'ssh'",
                         "Install it for repositories over ssh.");
     }
 }

@@ -8,7 +8,8 @@
 #include "JSON/OutcomeJSON.h"
 #include "Session/OperationRun.h"
 #include "Session/Paths.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ProgressIndicator.h"
 #include "Terminal/TextWidth.h"
 

@@ -1,6 +1,6 @@
 #include "Doctor/Checks.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
@@ -14,10 +14,10 @@ constexpr std::string_view aliasVariable = "GIT_PREFIX";
 
 std::string adviceOn(std::string_view name) {
     if (name == "GIT_DIR" || name == "GIT_WORK_TREE") {
-        return "Run nebsc in the repository, or \"nebsc -C DIR\".";
+        return "Run nebsc in the repository, or 'nebsc -C DIR'.";
     }
     if (name.starts_with("GIT_TRACE")) {
-        return "\"nebsc --trace\" shows which programs run.";
+        return "'nebsc --trace' shows which programs run.";
     }
     return "";
 }

@@ -3,7 +3,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 #include "Session/GitVersion.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -19,7 +19,7 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
                            NEBSourceControlConfigurationBrokenErrorClass;
     examination.add(
         Health::problem, "git", gitPath() + " reports no version: " + reasonOf(outcome),
-        isSetting ? "Fix or remove the line." : "See what \"git --version\" prints in a shell.");
+        isSetting ? "Fix or remove the line." : "See what 'git --version' prints in a shell.");
 }
 
 void addVersion(Examination& examination, const GitVersion& version, const std::string& text) {

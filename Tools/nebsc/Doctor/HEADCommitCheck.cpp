@@ -10,7 +10,7 @@ constexpr const char* subject = "HEAD commit";
 constexpr const char* treeUnreadable = "its root tree cannot be read: ";
 
 std::string adviceOnUnreadable() {
-    return "\"nebsc doctor --full\" lists all that is missing or damaged. " +
+    return "'nebsc doctor --full' lists all that is missing or damaged. " +
            std::string(adviceOnLostObjects);
 }
 

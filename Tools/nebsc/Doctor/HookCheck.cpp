@@ -10,7 +10,7 @@
 #include "Platform/FileDescriptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {

@@ -32,7 +32,7 @@ std::string adviceOn(const Examination& examination, const Role& role) {
         return std::string("Correct or unset ") + role.nameVariable + " and " +
                role.addressVariable + ".";
     }
-    return "Run: " + commandFor(examination, "user.name", "\"YOUR NAME\"") + " && " +
+    return "Run: " + commandFor(examination, "user.name", "'YOUR NAME'") + " && " +
            commandFor(examination, "user.email", "YOU@EXAMPLE.ORG");
 }
 

@@ -53,7 +53,7 @@ void checkIntegrity(Examination& examination) {
     if (messages.size() > mostFindings) {
         examination.add(hasFailed ? Health::problem : Health::note, subject,
                         "and " + std::to_string(messages.size() - mostFindings) + " more",
-                        "\"git fsck --full\" prints all of them.");
+                        "'git fsck --full' prints all of them.");
     }
     if (!outcome.status.exitStatus()) {
         examination.add(Health::problem, subject,

@@ -111,7 +111,7 @@ std::vector<Finding> findMissingObjects(Examination& examination, const NamesByO
         findings.push_back({Health::note, "references",
                             "whether the objects of all " + std::to_string(names.size()) +
                                 " exist is not known: " + reasonOf(outcome),
-                            "\"nebsc doctor --full\" takes the time to find out."});
+                            "'nebsc doctor --full' takes the time to find out."});
     } else if (!outcome.status.isSuccess() && findings.empty()) {
         findings.push_back({Health::problem, "references",
                             "git cannot look up their objects: " + reasonOf(outcome)});
@@ -128,7 +128,7 @@ void addUpToLimit(Examination& examination, const std::vector<Finding>& findings
     if (count < findings.size()) {
         examination.add(findings.back().health, "references",
                         "and " + std::to_string(findings.size() - count) + " more like these",
-                        "\"git for-each-ref\" names all of them.");
+                        "'git for-each-ref' names all of them.");
     }
 }
 

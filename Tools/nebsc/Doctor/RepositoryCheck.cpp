@@ -16,7 +16,7 @@ std::string commandOfTrust(std::string_view stderrText) {
     constexpr std::string_view command = "git config --global --add safe.directory ";
     const std::size_t position = stderrText.find(command);
     if (position == std::string_view::npos) {
-        return std::string(command) + "FOLDER, with the folder that \"git status\" names.";
+        return std::string(command) + "FOLDER, with the folder that 'git status' names.";
     }
     stderrText.remove_prefix(position);
     return std::string(stderrText.substr(0, stderrText.find('\n')));
@@ -49,7 +49,7 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
                         "Check its HEAD, objects and refs; a file .git names another folder.");
     } else {
         examination.add(Health::note, "repository", examination.folder() + " lies in none",
-                        "\"nebsc init\" creates one, \"nebsc clone\" copies one.");
+                        "'nebsc init' creates one, 'nebsc clone' copies one.");
     }
 }
 

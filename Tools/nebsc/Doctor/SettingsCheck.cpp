@@ -1,7 +1,7 @@
 #include "Doctor/Checks.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Session/GitProgram.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
 namespace neb::nebsc {

@@ -20,8 +20,8 @@ void checkWorktrees(Examination& examination) {
         } else if (line.starts_with(prunable)) {
             examination.add(Health::note, "worktree",
                             path + " is gone: " + std::string(line.substr(prunable.size())),
-                            "\"git worktree prune\" forgets it; if it was moved, \"git worktree "
-                            "repair NEW-PATH\" finds it again.");
+                            "'git worktree prune' forgets it; if it was moved, 'git worktree "
+                            "repair NEW-PATH' finds it again.");
         }
     });
 }

@@ -39,7 +39,7 @@ InputReading failed(const std::string& what, int reason) {
 
 InputReading readInput(const std::string& file, std::size_t most) {
     const bool isStandardInput = file == "-";
-    const std::string subject = isStandardInput ? "Standard input" : "The file \"" + file + "\"";
+    const std::string subject = isStandardInput ? "Standard input" : "The file '" + file + "'";
     FileDescriptor opened;
     if (!isStandardInput) {
         opened = FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));

@@ -4,7 +4,7 @@
 #include <unordered_set>
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

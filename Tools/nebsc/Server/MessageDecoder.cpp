@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -16,7 +16,7 @@ struct Feature {
 
 /// The latest at the end.
 constexpr std::array<Feature, 4> features{{
-    {{2, 24}, "\"--end-of-options\", which keeps names from being options"},
+    {{2, 24}, "'--end-of-options', which keeps names from being options"},
     {{2, 26}, "the origin of each setting"},
     {{2, 31}, "settings for one call, in the environment"},
     {{2, 31}, "absolute paths of a repository's folders"},

@@ -7,7 +7,7 @@
 #include "Session/MissingFolder.h"
 #include "Session/MissingSubmodules.h"
 #include "Session/ReportCapture.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -48,7 +48,7 @@ bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trac
         "The clone " + inQuotes(folder) + " is kept; it lacks the " +
         (missing.size() == 1 ? "submodule" : "submodules") + names +
         // --force: git has cloned some without their files, and would take these for deleted.
-        ". To get what is missing, run \"git submodule update --init --recursive --force\" in it.";
+        ". To get what is missing, run 'git submodule update --init --recursive --force' in it.";
     if (outcome.error) {
         outcome.error->files = missing;
     }
@@ -80,7 +80,7 @@ NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
     }
     auto error = NEBSourceControlError::withDescription(
         NEBSourceControlGenericError, description + ".",
-        "Correct the request; \"nebsc types\" lists the types and what each needs.");
+        "Correct the request; 'nebsc types' lists the types and what each needs.");
     error.errorClass = NEBSourceControlRequestInvalidErrorClass;
     return error;
 }

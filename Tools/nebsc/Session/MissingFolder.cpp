@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 namespace {
 
 FileFailure failureOf(const fs::path& folder, const char* what, const std::error_code& cause) {
-    return {cause.value(), "The folder \"" + folder.string() + "\" could not be " + what + ": " +
+    return {cause.value(), "The folder '" + folder.string() + "' could not be " + what + ": " +
                                cause.message() + "."};
 }
 

@@ -42,7 +42,7 @@ PathSearch findAbsolutePath(const std::string& currentFolder, const std::string&
         resolved(fs::path(currentFolder) / withoutTrailingSlashes(path), failure);
     if (failure) {
         return {std::nullopt,
-                "The path \"" + path + "\" cannot be looked up: " + failure.message() + "."};
+                "The path '" + path + "' cannot be looked up: " + failure.message() + "."};
     }
     return {absolute.string(), {}};
 }

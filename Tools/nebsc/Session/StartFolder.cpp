@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

@@ -9,13 +9,14 @@
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
+#include "Terminal/ErrorText.h"
 #include "Terminal/Pager.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
 std::string complaint(std::string_view sentence) {
-    return "nebsc: " + printable(textWithoutPasswords(sentence)) + "\n";
+    return "nebsc: " + messageLine(printable(textWithoutPasswords(sentence))) + "\n";
 }
 
 CommandOutput refusal(std::string_view sentence, int exitStatus,

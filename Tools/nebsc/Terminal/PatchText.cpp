@@ -5,7 +5,8 @@
 #include <algorithm>
 
 #include "Platform/Text.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 

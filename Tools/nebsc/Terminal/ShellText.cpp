@@ -4,7 +4,7 @@
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Platform/Text.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -75,7 +75,7 @@ std::string shellQuoted(std::string_view text) {
     }
     const std::size_t length = text.find_last_not_of('\n') + 1;
     return "\"$(printf '" + asFormat(text.substr(0, length)) + "')" +
-           std::string(text.substr(length)) + "\"";
+           std::string(text.substr(length)) + "'";
 }
 
 /// What is a password has gone by then, one with a "/" in it too; what is left of a name and of a
@@ -91,7 +91,7 @@ std::string withoutSecrets(std::string_view words) {
         clean.append(before).append(mark);
         const bool isHTTP = asksOverHTTP(before);
         text.remove_prefix(place + mark.size());
-        const std::string_view authority = text.substr(0, text.find_first_of("/?# \t\r\n'\""));
+        const std::string_view authority = text.substr(0, text.find_first_of("/?# \t\r\n''"));
         const std::size_t at = authority.rfind('@');
         if (at != std::string_view::npos &&
             (isHTTP || authority.substr(0, at).find(':') != std::string_view::npos)) {

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "NEBFoundation/NEBSourceControlStatus.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
 
 namespace neb::nebsc {
 

@@ -1,7 +1,9 @@
 // Text for a person at a terminal.
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
-#include "Terminal/Presentation.h"
+#include "Terminal/Colour.h"
+#include "Terminal/ErrorText.h"
+#include "Terminal/PrintableText.h"
 
 #include <gtest/gtest.h>
 
@@ -64,78 +66,78 @@ NEBSourceControlError errorWith(const std::string& description,
 }
 
 TEST(ErrorLines, ADescriptionIsOneSentence) {
-    EXPECT_EQ(errorLines(errorWith("It failed.", {}, {})), "nebsc: It failed.\n");
+    EXPECT_EQ(errorLines(errorWith("It failed.", {}, {})), "nebsc: it failed\n");
 }
 
 TEST(ErrorLines, TheSuggestionHasALineOfItsOwn) {
     EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", {})),
-              "nebsc: It failed.\nTry again.\n");
+              "nebsc: it failed\nTry again.\n");
 }
 
 TEST(ErrorLines, TheToolsWordsFollowIndented) {
     EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", "fatal: a\r\nhint: b\n\n")),
-              "nebsc: It failed.\nTry again.\n    fatal: a\n    hint: b\n");
+              "nebsc: it failed\nTry again.\n    fatal: a\n    hint: b\n");
 }
 
 TEST(ErrorLines, TheRestOfADescriptionFollowsTheSuggestion) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nU\ta.c\n", "Try again.", {})),
-              "nebsc: no.\nTry again.\n    U\\ta.c\n");
+              "nebsc: no\nTry again.\n    U\\ta.c\n");
 }
 
 TEST(ErrorLines, WordsThatTheSentenceHoldsAreNotRepeated) {
-    EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: no.\n");
+    EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: no\n");
 }
 
 TEST(ErrorLines, ADescriptionOfSeveralLinesIsIndented) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nhint: yes\n", {}, "fatal: no\nhint: yes\n")),
-              "nebsc: no.\n    hint: yes\n");
+              "nebsc: no\n    hint: yes\n");
 }
 
 TEST(ErrorLines, TheIndentationOfTheToolsWordsStays) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\n\n\tgit config a\tb\n", {}, {})),
-              "nebsc: no.\n\n        git config a\\tb\n");
+              "nebsc: no\n\n        git config a\\tb\n");
 }
 
 TEST(ErrorLines, WhatGitSaysBecomesASentence) {
     const auto sentence = [](const char* text) { return errorLines(errorWith(text, {}, text)); };
-    EXPECT_EQ(sentence("fatal: no such path 'a' in HEAD\n"), "nebsc: No such path 'a' in HEAD.\n");
-    EXPECT_EQ(sentence("error: fatal: it failed!\n"), "nebsc: It failed!\n");
-    EXPECT_EQ(sentence("a.c: needs merge"), "nebsc: a.c: needs merge.\n");
-    EXPECT_EQ(sentence("'topic' is checked out"), "nebsc: 'topic' is checked out.\n");
+    EXPECT_EQ(sentence("fatal: no such path 'a' in HEAD\n"), "nebsc: no such path 'a' in HEAD\n");
+    EXPECT_EQ(sentence("error: fatal: it failed!\n"), "nebsc: it failed!\n");
+    EXPECT_EQ(sentence("a.c: needs merge"), "nebsc: a.c: needs merge\n");
+    EXPECT_EQ(sentence("'topic' is checked out"), "nebsc: 'topic' is checked out\n");
     EXPECT_EQ(sentence("error: cannot take these:\n\ta.c\n"),
-              "nebsc: Cannot take these:\n        a.c\n");
-    EXPECT_EQ(sentence("fatal: nothing behind the colon:"), "nebsc: Nothing behind the colon.\n");
-    EXPECT_EQ(sentence("fatal: git is gone"), "nebsc: git is gone.\n");
+              "nebsc: cannot take these:\n        a.c\n");
+    EXPECT_EQ(sentence("fatal: nothing behind the colon:"), "nebsc: nothing behind the colon\n");
+    EXPECT_EQ(sentence("fatal: git is gone"), "nebsc: git is gone\n");
 }
 
 TEST(ErrorLines, HowToSilenceAHintIsNotTold) {
-    auto error = errorWith("fatal: no", "Do this.\nDisable this message with \"git config x\"", {});
-    EXPECT_EQ(errorLines(error), "nebsc: no.\nDo this.\n");
+    auto error = errorWith("fatal: no", "Do this.\nDisable this message with 'git config x'", {});
+    EXPECT_EQ(errorLines(error), "nebsc: no\nDo this.\n");
 }
 
 TEST(ErrorLines, HintsThatAreTheSuggestionAreNotRepeated) {
     const std::string text = "hint: Pull first.\nhint:\nhint:   git pull\nfatal: no\n";
     auto error = errorWith(text, "Pull first.\n\n  git pull", text);
     error.hints = {"Pull first.", "", "  git pull"};
-    EXPECT_EQ(errorLines(error), "nebsc: no.\nPull first.\n\n  git pull\n");
+    EXPECT_EQ(errorLines(error), "nebsc: no\nPull first.\n\n  git pull\n");
 }
 
 TEST(ErrorLines, TheLineThatTellsWhatHappenedIsTheSentence) {
     EXPECT_EQ(errorLines(errorWith("From /r\n   1..2  main -> main\nfatal: no\n", {}, {})),
-              "nebsc: no.\n    From /r\n       1..2  main -> main\n");
+              "nebsc: no\n    From /r\n       1..2  main -> main\n");
     EXPECT_EQ(errorLines(errorWith("remote: No.\nTo /r\n ! [remote rejected] a (hook)\nerror: no\n",
                                    {}, {})),
-              "nebsc: ! [remote rejected] a (hook).\n    remote: No.\n    To /r\n    error: no\n");
+              "nebsc: ! [remote rejected] a (hook)\n    remote: No.\n    To /r\n    error: no\n");
     EXPECT_EQ(errorLines(errorWith("warning: a\nerror: b\n", {}, {})),
-              "nebsc: b.\n    warning: a\n");
+              "nebsc: b\n    warning: a\n");
     EXPECT_EQ(errorLines(errorWith("To whom\nit may concern\n", {}, {})),
-              "nebsc: To whom.\n    it may concern\n");
-    EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd.\n    fatal: no\n");
+              "nebsc: to whom\n    it may concern\n");
+    EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd\n    fatal: no\n");
 }
 
 TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
     EXPECT_EQ(errorLines(errorWith("Rebasing (1/2)\rRebasing (2/2)\rerror: no\r\nx\n", {}, {})),
-              "nebsc: no.\n    x\n");
+              "nebsc: no\n    x\n");
 }
 
 TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
@@ -143,7 +145,7 @@ TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
     error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"a.c", "b.c", "c\n.c"};
     EXPECT_EQ(errorLines(error),
-              "nebsc: a.c: needs merge.\n    error: path 'b.c' is unmerged\n    c\\n.c\n");
+              "nebsc: a.c: needs merge\n    error: path 'b.c' is unmerged\n    c\\n.c\n");
 }
 
 TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
@@ -151,20 +153,20 @@ TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
     error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"file", "conf", "settle", "commit"};
     EXPECT_EQ(errorLines(error),
-              "nebsc: Cannot commit: unmerged files.\n    fatal: settle 'conf'licts\n"
+              "nebsc: cannot commit: unmerged files\n    fatal: settle 'conf'licts\n"
               "    file\n    conf\n    settle\n    commit\n");
 }
 
 TEST(ErrorLines, NothingOfItDrivesTheTerminal) {
     EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
-              "nebsc: a\\x1b[2J.\nb\\x07\n    c\\x9b\n");
+              "nebsc: a\\x1b[2J\nb\\x07\n    c\\x9b\n");
 }
 
 TEST(ErrorLines, AnErrorWithoutDescriptionIsToldByItsNumber) {
     NEBSourceControlError error;
     error.code = -32;
     EXPECT_EQ(errorLines(error),
-              "nebsc: The operation failed with the error -32 of NEBSourceControlErrorDomain.\n");
+              "nebsc: the operation failed with the error -32 of NEBSourceControlErrorDomain\n");
 }
 
 }  // namespace

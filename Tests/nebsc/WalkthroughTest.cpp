@@ -21,25 +21,25 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     const auto committed = MatchesRegex("Committed [0-9a-f]+\\.\n");
 
     expectDone(runNebsc({"init", "demo"}, {.folder = folder.path()}),
-               "Made an empty repository in '" + demo + "'.\n");
+               "Created an empty repository in '" + demo + "'.\n");
     folder.write("demo/hello.c", "int main() { return 0; }\n");
     EXPECT_EQ(run({"add", "hello.c"}), "");
     EXPECT_THAT(run({"commit", "-m", "Say hello"}), committed);
 
     // A branch, made with git itself, on which the same line changes.
     expectDone(runProgram("/usr/bin/env", {"git", "branch", "topic"}, {.folder = demo}));
-    EXPECT_EQ(run({"checkout", "topic"}), "Now on topic.\n");
+    EXPECT_EQ(run({"checkout", "topic"}), "Now on branch 'topic'.\n");
     folder.write("demo/hello.c", "int main() { return 2; }\n");
     folder.write("demo/extra.c", "int extra;\n");
     EXPECT_EQ(run({"add", "."}), "");
     EXPECT_THAT(run({"commit", "-m", "Return 2"}), committed);
-    EXPECT_EQ(run({"checkout", "main"}), "Now on main.\n");
+    EXPECT_EQ(run({"checkout", "main"}), "Now on branch 'main'.\n");
     folder.write("demo/hello.c", "int main() { return 1; }\n");
     EXPECT_THAT(run({"commit", "-m", "Return 1", "hello.c"}), committed);
 
     const NebscOutcome merged = runNebsc({"merge", "topic"}, {.folder = demo});
     EXPECT_THAT(merged.output, MatchesRegex("Merged 'topic'; now at [0-9a-f]+\\.\n"));
-    EXPECT_THAT(merged.errors, HasSubstr("left out in:\n    hello.c\n"));
+    EXPECT_THAT(merged.errors, HasSubstr("dropped in:\n    hello.c\n"));
     EXPECT_EQ(merged.exitStatus, 0);
     EXPECT_EQ(folder.read("demo/hello.c"), "int main() { return 1; }\n");
     EXPECT_EQ(folder.read("demo/extra.c"), "int extra;\n");
@@ -52,14 +52,15 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     const std::string status = run({"status"});
     EXPECT_THAT(status, HasSubstr("renamed    hello.c -> src/hello.c\n"));
     EXPECT_THAT(run({"commit", "-m", "Move it all to src"}), committed);
-    EXPECT_EQ(run({"status"}), "Nothing to report: the working copy 'demo' has no changes.\n");
+    EXPECT_EQ(run({"status"}), "No changes in the working copy 'demo'.\n");
 
     folder.write("demo/src/more.c", "oops\n");
     EXPECT_EQ(run({"revert", "src/more.c"}), "");
     EXPECT_EQ(folder.read("demo/src/more.c"), "int extra;\n");
     EXPECT_THAT(run({"merge-base", "main", "topic"}), MatchesRegex("[0-9a-f]{12}\n"));
-    EXPECT_EQ(run({"info"}),
-              "The repository 'demo' has no remote 'origin' and none of Subversion.\n");
+    EXPECT_EQ(
+        run({"info"}),
+        "The repository 'demo' has no remote 'origin' and no connected Subversion repository.\n");
 
     expectDone(runNebsc({"clone", "demo", "copy"}, {.folder = folder.path()}),
                "Cloned into '" + folder.path("copy") + "'.\n");
@@ -83,18 +84,18 @@ TEST(Walkthrough, TwoPeopleShareABareRepository) {
     run("", {"init", "--bare", "shared.git"});
     run("", {"clone", "shared.git", "ann"});
     commit("ann", "hello.c");
-    const std::string pushed = "Pushed main to main of 'origin'.\n";
+    const std::string pushed = "Pushed main to main on 'origin'.\n";
     EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
 
     run("", {"clone", "shared.git", "ben"});
-    EXPECT_EQ(run("ben", {"branch", "create", "more"}), "Made the branch 'more'.\n");
-    EXPECT_EQ(run("ben", {"checkout", "more"}), "Now on more.\n");
+    EXPECT_EQ(run("ben", {"branch", "create", "more"}), "Created branch 'more'.\n");
+    EXPECT_EQ(run("ben", {"checkout", "more"}), "Now on branch 'more'.\n");
     commit("ben", "more.c");
     EXPECT_EQ(run("ben", {"push", "origin", "more:feature/more"}),
-              "Pushed more to feature/more of 'origin'.\n");
+              "Pushed more to feature/more on 'origin'.\n");
 
     EXPECT_EQ(run("ann", {"branch", "track", "review", "origin/feature/more"}),
-              "Made the branch 'review', which tracks origin/feature/more.\n");
+              "Created branch 'review', which tracks origin/feature/more.\n");
     EXPECT_THAT(run("ann", {"merge", "review"}), HasSubstr("Merged 'review'; now at "));
     EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
 

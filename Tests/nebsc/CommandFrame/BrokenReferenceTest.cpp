@@ -1,5 +1,4 @@
-// A branch whose file is damaged, and one whose commit is lost: no command says that there is no
-// such branch or no commit.
+// Branches with a damaged file or a lost commit: no command reports that they do not exist.
 
 #include <filesystem>
 
@@ -23,19 +22,19 @@ protected:
     void breakReference(const std::string& name, std::string_view content = "junk\n") const {
         repository.write(".git/" + name, content);
     }
-    void expectNamed(const std::vector<std::string>& words, const std::string& name,
+    void expectNamed(const std::vector<std::string>& arguments, const std::string& name,
                      const std::string& reason) const {
-        SCOPED_TRACE(words.front());
-        expectFailed(nebsc(words),
+        SCOPED_TRACE(arguments.front());
+        expectFailed(nebsc(arguments),
                      StartsWith("nebsc: the reference '" + name + "' is broken: " + reason));
     }
 
     static constexpr const char* junk = "its file does not hold the name of a commit\n";
 };
 
-TEST_F(BrokenReference, OfTheCurrentBranchIsNamedByEveryCommand) {
+TEST_F(BrokenReference, OfTheCurrentBranchIsReportedByEveryCommand) {
     breakReference("refs/heads/main");
-    for (const std::vector<std::string>& words :
+    for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"log"},
                                                {"log", "HEAD"},
                                                {"log", "main"},
@@ -55,7 +54,7 @@ TEST_F(BrokenReference, OfTheCurrentBranchIsNamedByEveryCommand) {
                                                {"checkout", "main"},
                                                {"commit", "-m", "m", "a"},
                                                {"update"}}) {
-        expectNamed(words, "refs/heads/main", junk);
+        expectNamed(arguments, "refs/heads/main", junk);
     }
 }
 
@@ -64,30 +63,30 @@ TEST_F(BrokenReference, HasAnEmptyFile) {
     expectNamed({"log"}, "refs/heads/main", "its file is empty\n");
 }
 
-TEST_F(BrokenReference, TellsWhereItsCommitsAreListed) {
+TEST_F(BrokenReference, NamesTheLogOfItsCommits) {
     breakReference("refs/heads/main");
     const std::string folder = repository.path(".git/");
-    EXPECT_THAT(nebsc({"log"}).errors,
-                HasSubstr("\nWrite the last commit in '" + folder +
-                          "logs/refs/heads/main' into the file '" + folder +
-                          "refs/heads/main', or remove that file and fetch the branch again.\n"));
+    EXPECT_THAT(
+        nebsc({"log"}).errors,
+        HasSubstr("\nWrite the last commit in '" + folder + "logs/refs/heads/main' to the file '" +
+                  folder + "refs/heads/main', or remove that file and fetch the branch again.\n"));
     fs::remove_all(repository.path(".git/logs"));
-    EXPECT_THAT(nebsc({"log"}).errors, HasSubstr("\nWrite the name of its commit into the file"));
+    EXPECT_THAT(nebsc({"log"}).errors, HasSubstr("\nWrite the name of its commit to the file"));
 }
 
-TEST_F(BrokenReference, OfAnotherBranchIsNamedWhereThatIsAsked) {
+TEST_F(BrokenReference, OfAnotherBranchIsReported) {
     breakReference("refs/heads/topic");
     breakReference("refs/tags/v1");
     expectNamed({"log", "topic"}, "refs/heads/topic", junk);
     expectNamed({"log", "main..topic", "--"}, "refs/heads/topic", junk);
     expectNamed({"diff", "v1"}, "refs/tags/v1", junk);
     EXPECT_EQ(nebsc({"log"}).exitStatus, 0);
-    expectFailed(nebsc({"log", "nosuch", "--"}), "nebsc: there is no revision 'nosuch'\n");
-    expectFailed(nebsc({"log", "config", "--"}), "nebsc: there is no revision 'config'\n");
-    expectFailed(nebsc({"log", "../config", "--"}), "nebsc: there is no revision '../config'\n");
+    expectFailed(nebsc({"log", "nosuch", "--"}), "nebsc: unknown revision 'nosuch'\n");
+    expectFailed(nebsc({"log", "config", "--"}), "nebsc: unknown revision 'config'\n");
+    expectFailed(nebsc({"log", "../config", "--"}), "nebsc: unknown revision '../config'\n");
 }
 
-TEST_F(BrokenReference, NamesACommitThatIsLost) {
+TEST_F(BrokenReference, ReportsALostCommit) {
     const std::string lost(40, '1');
     breakReference("refs/heads/topic", lost + "\n");
     expectNamed({"log", "topic"}, "refs/heads/topic",
@@ -98,9 +97,9 @@ TEST_F(BrokenReference, NamesACommitThatIsLost) {
     expectNamed({"blame", "a"}, "refs/heads/main", "it names 111111111111");
 }
 
-TEST_F(BrokenReference, StandsForItself) {
+TEST_F(BrokenReference, RefersToItself) {
     breakReference("refs/heads/main", "ref: refs/heads/main\n");
-    expectNamed({"log"}, "refs/heads/main", "it stands for itself\n");
+    expectNamed({"log"}, "refs/heads/main", "it refers to itself\n");
 }
 
 TEST_F(BrokenReference, DoesNotLeadOutOfTheRepository) {
@@ -110,7 +109,7 @@ TEST_F(BrokenReference, DoesNotLeadOutOfTheRepository) {
         breakReference("refs/heads/main", "ref: " + target + "\n");
         const NebscOutcome outcome = nebsc({"log"});
         expectFailed(outcome, StartsWith("nebsc: the reference 'refs/heads/main' is broken: its "
-                                         "file names no valid reference\n"));
+                                         "file does not hold the name of a valid reference\n"));
         EXPECT_THAT(outcome.errors, Not(HasSubstr("precious', or remove")));
     }
 }
@@ -121,17 +120,17 @@ TEST_F(BrokenReference, IsQuotedForTheShellInTheAdvice) {
                 HasSubstr("'git update-ref 'refs/heads/$(id)' COMMIT'"));
 }
 
-TEST_F(BrokenReference, HasItsClassForPrograms) {
+TEST_F(BrokenReference, HasAnErrorClass) {
     breakReference("refs/heads/main");
-    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"log", "--json"}, {"blame", "--json", "a"}, {"diff", "--json"}}) {
-        const auto json = nebsc(words).json();
-        EXPECT_EQ(json["error"]["class"], "reference-broken") << words.front();
+        const auto json = nebsc(arguments).json();
+        EXPECT_EQ(json["error"]["class"], "reference-broken") << arguments.front();
         EXPECT_THAT(json["error"]["localizedDescription"].dump(), HasSubstr("refs/heads/main"));
     }
 }
 
-TEST_F(BrokenReference, IsALineOfPackedRefs) {
+TEST_F(BrokenReference, IsFoundInPackedRefs) {
     breakReference("packed-refs");
     for (const char* command : {"log", "diff", "ls", "status"}) {
         const NebscOutcome outcome = nebsc({command});
@@ -143,7 +142,8 @@ TEST_F(BrokenReference, IsALineOfPackedRefs) {
 
 TEST_F(BrokenReference, IsNotABranchWithoutACommit) {
     repository.git({"checkout", "--quiet", "--orphan", "fresh"});
-    expectFailed(nebsc({"log"}), "nebsc: there are no commits yet on the current branch 'fresh'\n");
+    expectFailed(nebsc({"log"}),
+                 "nebsc: the current branch 'fresh' does not have any commits yet\n");
 }
 
 }  // namespace

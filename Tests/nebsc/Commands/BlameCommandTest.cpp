@@ -19,10 +19,10 @@ protected:
         repository.git({"commit", "--quiet", "-a", "-m", "Second", "--author", "Bo <b@b>", "--date",
                         "2013-06-30T20:00:00Z"});
     }
-    [[nodiscard]] NebscOutcome blame(std::vector<std::string> words,
+    [[nodiscard]] NebscOutcome blame(std::vector<std::string> arguments,
                                      std::string_view folder = "") const {
-        words.insert(words.begin(), "blame");
-        return runNebsc(words,
+        arguments.insert(arguments.begin(), "blame");
+        return runNebsc(arguments,
                         {.folder = repository.path(folder), .variables = {{"TZ", "IST-5:30"}}});
     }
     [[nodiscard]] std::string revision(const std::string& name) const {
@@ -49,19 +49,19 @@ TEST_F(BlameCommand, ColumnsLineUp) {
     EXPECT_THAT(shown, HasSubstr("17:56  10  x\n"));
 }
 
-TEST_F(BlameCommand, ARevisionShowsTheFileAsItWas) {
+TEST_F(BlameCommand, ShowsTheFileOfARevision) {
     std::filesystem::remove_all(repository.path("src"));
     expectDone(blame({"HEAD~1", "src/grüße dir/b c.c"}), first("1  one") + first("2  \ttwo"));
 }
 
-TEST_F(BlameCommand, LinesThatAreNotCommittedReadSo) {
+TEST_F(BlameCommand, MarksUncommittedLines) {
     repository.write("src/grüße dir/b c.c", "one\nnew");
     expectDone(blame({"src/grüße dir/b c.c"}),
                revision("HEAD~1") + "  Ann Example        2020-09-13 17:56  1  one\n" +
                    "------------  Not committed yet                    2  new\n");
 }
 
-TEST_F(BlameCommand, WithAnotherNumberOfLinesTheContentIsLeftOut) {
+TEST_F(BlameCommand, OmitsTheContentIfTheNumberOfLinesDiffers) {
     const std::string commit = repository.git({"rev-parse", "HEAD"}).substr(0, 40);
     const StandInGit git(repository.path(),
                          "printf '" + commit + "\\t(Bo\\t2020-09-13 12:26:40 +0000\\t1)one\\n'");
@@ -71,7 +71,7 @@ TEST_F(BlameCommand, WithAnotherNumberOfLinesTheContentIsLeftOut) {
     expectDone(outcome, revision("HEAD") + "  Bo  2020-09-13 12:26  1\n");
 }
 
-TEST_F(BlameCommand, ContentCannotDriveTheTerminal) {
+TEST_F(BlameCommand, EscapesControlCharactersInContent) {
     repository.commitFile("bad.c", "a\x1b[31m\tb\r\n\n\xE4\n");
     const std::string shown = blame({"bad.c"}).output;
     EXPECT_THAT(shown, HasSubstr("  1  a\\x1b[31m\tb\r\n"));
@@ -79,7 +79,7 @@ TEST_F(BlameCommand, ContentCannotDriveTheTerminal) {
     EXPECT_THAT(shown, HasSubstr("  3  \\xe4\n"));
 }
 
-TEST_F(BlameCommand, ALinksTargetIsItsContent) {
+TEST_F(BlameCommand, TheContentOfASymbolicLinkIsItsTarget) {
     std::filesystem::create_symlink("src", repository.path("link"));
     repository.git({"add", "link"});
     repository.git({"commit", "--quiet", "-m", "link"});
@@ -91,27 +91,26 @@ TEST_F(BlameCommand, AnEmptyFileHasNoLines) {
     expectDone(blame({"empty"}));
 }
 
-TEST_F(BlameCommand, WhatCannotBeBlamedIsNamed) {
-    expectFailed(blame({"nosuch", "src/grüße dir/b c.c"}),
-                 "nebsc: there is no revision 'nosuch'\n");
+TEST_F(BlameCommand, ReportsWhatCannotBeBlamed) {
+    expectFailed(blame({"nosuch", "src/grüße dir/b c.c"}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(blame({"nosuch.c"}), HasSubstr("nosuch.c"));
     expectFailed(blame({}), HasSubstr("FILE is required"), 2);
-    expectFailed(blame({""}), HasSubstr("a word is empty"), 2);
+    expectFailed(blame({""}), HasSubstr("an argument is empty"), 2);
     expectFailed(blame({"--", "--porcelain", "a.c"}), HasSubstr("'--porcelain' begins"), 2);
     expectFailed(blame({"a", "b", "c"}), HasSubstr("c"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"blame", "a"}, {.folder = empty.path()}),
-                 HasSubstr("there are no commits yet"));
+                 HasSubstr("does not have any commits yet"));
     const TemporaryFolder folder;
     expectFailed(runNebsc({"blame", "a"}, {.folder = folder.path()}),
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(BlameCommand, ABareRepositoryHasFilesToo) {
+TEST_F(BlameCommand, WorksInABareRepository) {
     repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
-    const auto inBare = [this](std::vector<std::string> words) {
-        words.insert(words.begin(), "blame");
-        return runNebsc(words,
+    const auto inBare = [this](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "blame");
+        return runNebsc(arguments,
                         {.folder = repository.path("../bare.git"), .variables = {{"TZ", "UTC"}}});
     };
     const std::string file = "src/grüße dir/b c.c";
@@ -126,7 +125,7 @@ TEST_F(BlameCommand, ABareRepositoryHasFilesToo) {
     expectFailed(inBare({"HEAD", "../nosuch"}), HasSubstr("nosuch"));
 }
 
-TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {
+TEST_F(BlameCommand, JSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = blame({"--json", "HEAD~1", "grüße dir/b c.c"}, "src");
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestBlame);
@@ -137,7 +136,7 @@ TEST_F(BlameCommand, JSONIsTheOutcomeAndNothingElse) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(BlameCommand, ATerminalShowsTheRevisionInColour) {
+TEST_F(BlameCommand, ColoursTheRevisionOnATerminal) {
     const NebscOutcome outcome =
         runNebsc({"blame", "HEAD~1", "src/grüße dir/b c.c"},
                  {.folder = repository.path(),

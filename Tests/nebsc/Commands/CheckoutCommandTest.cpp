@@ -12,7 +12,7 @@ using JSON = nlohmann::ordered_json;
 
 class CheckoutCommand : public CommandTest {
 protected:
-    /// A branch "topic" that differs in a.c and in src/b.c.
+    /// Creates a branch "topic" that differs in a.c and in src/b.c.
     void SetUp() override {
         repository.commitFile("a.c", "1\n2\n3\n4\n5\n6\n");
         repository.commitFile("src/b.c", "first\n");
@@ -24,7 +24,7 @@ protected:
     [[nodiscard]] std::string branch() const {
         return repository.git({"rev-parse", "--abbrev-ref", "HEAD"});
     }
-    /// A clone's place: a remote "origin" that is the repository itself.
+    /// Adds the repository itself as the remote "origin", in place of a clone.
     void makeRemote() const {
         repository.git({"remote", "add", "origin", repository.path()});
         repository.git({"fetch", "--quiet", "origin"});
@@ -32,61 +32,61 @@ protected:
 };
 
 TEST_F(CheckoutCommand, SwitchesToABranchFromAnyFolder) {
-    expectDone(nebsc({"checkout", "topic"}, "src"), "Now on topic.\n");
+    expectDone(nebsc({"checkout", "topic"}, "src"), "Now on branch 'topic'.\n");
     EXPECT_EQ(branch(), "topic\n");
-    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on branch 'topic'.\n");
     repository.git({"branch", "zwölf/日"});
-    expectDone(nebsc({"checkout", "zwölf/日"}), "Now on zwölf/日.\n");
+    expectDone(nebsc({"checkout", "zwölf/日"}), "Now on branch 'zwölf/日'.\n");
 }
 
-TEST_F(CheckoutCommand, CarriesLocalChangesOver) {
+TEST_F(CheckoutCommand, KeepsLocalChanges) {
     repository.write("a.c", "1\n2\n3\n4\n5\nsix\n");
-    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on branch 'topic'.\n");
     EXPECT_EQ(state(), " M a.c\n");
 }
 
-TEST_F(CheckoutCommand, NamesTheFilesThatAreInConflictNow) {
+TEST_F(CheckoutCommand, ListsFilesInConflict) {
     repository.write("a.c", "uno\n2\n3\n4\n5\n6\n");
     repository.write("src/b.c", "mine\n");
     const NebscOutcome outcome = nebsc({"checkout", "topic"}, "src");
-    EXPECT_EQ(outcome.output, "Now on topic.\n");
+    EXPECT_EQ(outcome.output, "Now on branch 'topic'.\n");
     EXPECT_EQ(outcome.errors,
-              "nebsc: local changes are in conflict with what was checked out, in:\n"
+              "nebsc: local changes conflict with the checked-out revision in:\n"
               "    ../a.c\n"
               "    b.c\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(CheckoutCommand, ConflictsCountWithJSONToo) {
+TEST_F(CheckoutCommand, ConflictsAreAFailureWithJSONToo) {
     repository.write("src/b.c", "mine\n");
     const NebscOutcome outcome = nebsc({"checkout", "--json", "topic"});
     EXPECT_EQ(outcome.json()["error"]["localizedDescription"],
-              "Local changes are in conflict with what was checked out, in:");
+              "Local changes conflict with the checked-out revision in:");
     EXPECT_EQ(outcome.json()["error"]["files"], JSON({"src/b.c"}));
     EXPECT_EQ(outcome.json()["command"]["arguments"], JSON({"checkout", "topic", "--merge"}));
     EXPECT_THAT(outcome.errors, HasSubstr("    src/b.c\n"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(CheckoutCommand, ARevisionIsOnNoBranch) {
+TEST_F(CheckoutCommand, ARevisionDetachesHEAD) {
     const std::string commit = repository.git({"rev-parse", "topic~1"});
     expectDone(nebsc({"checkout", "topic~1"}),
-               "Now at " + commit.substr(0, 12) + ", on no branch.\n");
-    expectDone(nebsc({"checkout", "main"}), "Now on main.\n");
+               "HEAD is now detached at " + commit.substr(0, 12) + ".\n");
+    expectDone(nebsc({"checkout", "main"}), "Now on branch 'main'.\n");
 }
 
-TEST_F(CheckoutCommand, SaysWhichCommitsAreLeftBehind) {
+TEST_F(CheckoutCommand, ReportsCommitsThatAreLeftBehind) {
     repository.git({"checkout", "--quiet", "--detach"});
     repository.commitFile("lost.c", "lost\n", "a lost commit");
     const NebscOutcome outcome = nebsc({"checkout", "main"});
-    EXPECT_EQ(outcome.output, "Now on main.\n");
+    EXPECT_EQ(outcome.output, "Now on branch 'main'.\n");
     EXPECT_THAT(outcome.errors,
                 MatchesRegex("Warning: you are leaving 1 commit behind(.|\n)* a lost commit\n"
                              "(.|\n)*git branch [^\n]*\n"));
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(CheckoutCommand, ShowsWhatAHookSays) {
+TEST_F(CheckoutCommand, ShowsTheOutputOfHooks) {
     repository.write(".git/hooks/post-checkout", "#!/bin/sh\nprintf 'hello\\033[2J\\n\\nbye\\n'\n");
     fs::permissions(repository.path(".git/hooks/post-checkout"), fs::perms::owner_all);
     for (const char* name : {"topic", "main~1"}) {
@@ -96,14 +96,14 @@ TEST_F(CheckoutCommand, ShowsWhatAHookSays) {
     }
 }
 
-TEST_F(CheckoutCommand, AFilesNameIsNoBranch) {
+TEST_F(CheckoutCommand, RefusesTheNameOfAFile) {
     repository.write("a.c", "mine\n");
     repository.write("src/b.c", "mine\n");
     for (const char* name : {"a.c", "src", "src/b.c", ".", "./a.c"}) {
         expectFailed(nebsc({"checkout", name}),
                      "nebsc: '" + std::string(name) +
-                         "' is no branch or revision but a file or folder; 'nebsc revert' "
-                         "throws away its changes\n");
+                         "' is a file or folder, not a branch or revision; 'nebsc revert' discards "
+                         "its changes\n");
     }
     expectFailed(nebsc({"checkout", "b.c"}, "src"), HasSubstr("nebsc revert"));
     fs::remove(repository.path("a.c"));
@@ -111,30 +111,31 @@ TEST_F(CheckoutCommand, AFilesNameIsNoBranch) {
     EXPECT_EQ(state(), " D a.c\n M src/b.c\n");
 }
 
-TEST_F(CheckoutCommand, ABranchIsABranchThoughAFileHasItsName) {
+TEST_F(CheckoutCommand, ABranchTakesPrecedenceOverAFile) {
     repository.write("topic", "mine\n");
-    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on branch 'topic'.\n");
     EXPECT_EQ(state(), "?? topic\n");
 }
 
-TEST_F(CheckoutCommand, ABranchOfARemoteBecomesOneOfOurs) {
+TEST_F(CheckoutCommand, CreatesABranchForARemoteBranch) {
     makeRemote();
     repository.git({"branch", "--quiet", "-D", "topic"});
-    expectDone(nebsc({"checkout", "topic"}), "Now on topic.\n");
+    expectDone(nebsc({"checkout", "topic"}), "Now on branch 'topic'.\n");
 }
 
-TEST_F(CheckoutCommand, WhatMayBeAFileOrABranchOfARemoteIsRefused) {
+TEST_F(CheckoutCommand, RefusesANameOfBothAFileAndARemoteBranch) {
     repository.commitFile("topic", "first\n");
     makeRemote();
     repository.git({"branch", "--quiet", "-D", "topic"});
     repository.write("topic", "mine\n");
-    expectFailed(nebsc({"checkout", "topic"}),
-                 "nebsc: 'topic' is a file or folder here, and a branch in another repository "
-                 "alone; which one is meant is not certain, so nothing was done\n");
+    expectFailed(
+        nebsc({"checkout", "topic"}),
+        "nebsc: 'topic' is the name of a file or folder and of a remote branch, so nothing was "
+        "changed; 'nebsc branch track' creates the branch\n");
     EXPECT_EQ(state(), " M topic\n");
 }
 
-TEST_F(CheckoutCommand, ANameThatIsNothingFails) {
+TEST_F(CheckoutCommand, FailsForAnUnknownName) {
     expectFailed(nebsc({"checkout", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc({"checkout", "*"}), HasSubstr("*"));
     expectFailed(nebsc({"checkout"}), HasSubstr("BRANCH"), 2);
@@ -142,15 +143,15 @@ TEST_F(CheckoutCommand, ANameThatIsNothingFails) {
     EXPECT_EQ(branch(), "main\n");
 }
 
-TEST_F(CheckoutCommand, AValueLikeAnOptionIsRefused) {
+TEST_F(CheckoutCommand, RefusesAValueThatLooksLikeAnOption) {
     expectFailed(nebsc({"checkout", "--", "--orphan=x"}),
-                 "nebsc: '--orphan=x' begins with '-'; it is refused, as git would take it "
+                 "nebsc: '--orphan=x' begins with '-' and is refused, because git would take it "
                  "for an option\n",
                  2);
     EXPECT_EQ(branch(), "main\n");
 }
 
-TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
+TEST_F(CheckoutCommand, FailsOutsideARepository) {
     const TemporaryFolder folder;
     folder.write("a.c", "mine\n");
     for (const char* name : {"a.c", "topic"}) {
@@ -159,7 +160,7 @@ TEST_F(CheckoutCommand, WhereThereIsNoRepositoryGitSaysSo) {
     }
 }
 
-TEST_F(CheckoutCommand, AnUntrackedFileInTheWayStaysAsItIs) {
+TEST_F(CheckoutCommand, KeepsABlockingUntrackedFile) {
     repository.git({"checkout", "--quiet", "topic"});
     repository.commitFile("new.c", "new\n");
     repository.git({"checkout", "--quiet", "main"});
@@ -168,18 +169,18 @@ TEST_F(CheckoutCommand, AnUntrackedFileInTheWayStaysAsItIs) {
     EXPECT_EQ(state(), "?? new.c\n");
 }
 
-TEST_F(CheckoutCommand, AGitThatFailsWithoutAWordIsAFailure) {
+TEST_F(CheckoutCommand, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 128");
     expectFailed(nebsc({"checkout", "topic"}, git),
                  "nebsc: git exited with status 128 and printed nothing\n");
 }
 
-TEST_F(CheckoutCommand, ALookForConflictsThatFailsIsTold) {
+TEST_F(CheckoutCommand, ReportsThatTheSearchForConflictsFailed) {
     const StandInGit git(repository.path(),
                          "[ \"$2\" = diff ] && { echo 'fatal: no look' >&2; exit 128; }\n"
                          "[ \"$2\" = symbolic-ref ] && echo topic\nexit 0");
     const NebscOutcome outcome = nebsc({"checkout", "topic"}, git);
-    EXPECT_EQ(outcome.output, "Now on topic.\n");
+    EXPECT_EQ(outcome.output, "Now on branch 'topic'.\n");
     EXPECT_EQ(outcome.errors, "nebsc: no look\n");
     EXPECT_EQ(outcome.exitStatus, 1);
 }

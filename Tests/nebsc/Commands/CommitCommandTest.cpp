@@ -11,7 +11,7 @@ using JSON = nlohmann::ordered_json;
 
 class CommitCommand : public CommandTest {
 protected:
-    /// Two commits, then a staged and an unstaged change.
+    /// Creates two commits, then a staged and an unstaged change.
     void SetUp() override {
         repository.commitFile("a.c", "first\n");
         repository.commitFile("src/b é.c", "first\n");
@@ -31,13 +31,13 @@ protected:
     }
 };
 
-TEST_F(CommitCommand, RecordsWhatIsStaged) {
+TEST_F(CommitCommand, CommitsWhatIsStaged) {
     expectCommitted(nebsc({"commit", "-m", "Say \"hello\"\n\nat length"}, "src"));
     EXPECT_EQ(latest("%B"), "Say \"hello\"\n\nat length\n\n");
     EXPECT_EQ(state(), " M \"src/b é.c\"\n");
 }
 
-TEST_F(CommitCommand, RecordsTheNamedFilesAlone) {
+TEST_F(CommitCommand, CommitsOnlyTheNamedFiles) {
     expectCommitted(nebsc({"commit", "--message=one file", "b é.c"}, "src"));
     EXPECT_EQ(state(), "M  a.c\n");
     expectCommitted(nebsc({"commit", "-m", "-dash", "--", "../a.c"}, "src"));
@@ -50,13 +50,13 @@ TEST_F(CommitCommand, EachMessageIsAParagraph) {
         nebsc({"commit", "-m", "Say hello", "-m", "At length.\n", "--message=The end"}));
     EXPECT_EQ(latest("%B"), "Say hello\n\nAt length.\n\nThe end\n\n");
     EXPECT_EQ(state(), " M \"src/b é.c\"\n");
-    // A word behind a message is a file.
+    // An argument after a message is a file.
     expectCommitted(nebsc({"commit", "-m", "one", "-m", "two", "src/b é.c"}));
     EXPECT_EQ(latest("%B"), "one\n\ntwo\n\n");
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(CommitCommand, TheFirstCommitAndOneOnNoBranchHaveNamesToo) {
+TEST_F(CommitCommand, ReportsTheFirstCommitAndOneOnADetachedHEAD) {
     repository.git({"commit", "--quiet", "-m", "all"});
     repository.git({"checkout", "--quiet", "--detach"});
     const NebscOutcome detached = nebsc({"commit", "-m", "x", "--allow-empty"});
@@ -76,11 +76,11 @@ TEST_F(CommitCommand, RequiresAMessage) {
     EXPECT_EQ(state(), "M  a.c\n M \"src/b é.c\"\n");
 }
 
-TEST_F(CommitCommand, AnEmptyMessageIsRefusedByGit) {
+TEST_F(CommitCommand, RefusesAnEmptyMessage) {
     expectFailed(nebsc({"commit", "-m", ""}), testing::ContainsRegex("empty.*message"));
 }
 
-TEST_F(CommitCommand, NothingToCommitIsTold) {
+TEST_F(CommitCommand, ReportsThatThereIsNothingToCommit) {
     repository.git({"commit", "--quiet", "--all", "-m", "all"});
     expectFailed(nebsc({"commit", "-m", "x"}), HasSubstr("nothing to commit"));
     const NebscOutcome json = nebsc({"commit", "--json", "-m", "x"});
@@ -89,12 +89,12 @@ TEST_F(CommitCommand, NothingToCommitIsTold) {
     expectCommitted(nebsc({"commit", "-m", "x", "--allow-empty"}));
 }
 
-TEST_F(CommitCommand, AFileThatGitDoesNotKnowIsNamed) {
+TEST_F(CommitCommand, ReportsAnUntrackedFile) {
     repository.write("mine.c", "");
     expectFailed(nebsc({"commit", "-m", "x", "mine.c"}), HasSubstr("mine.c"));
 }
 
-TEST_F(CommitCommand, EveryFileInConflictIsNamed) {
+TEST_F(CommitCommand, ListsEveryFileInConflict) {
     const std::string blob = repository.git({"rev-parse", "HEAD:a.c"}).substr(0, 40);
     std::string stages;
     for (const char* name : {"commit", "conf", "file", "zebra"}) {
@@ -108,7 +108,7 @@ TEST_F(CommitCommand, EveryFileInConflictIsNamed) {
                  testing::EndsWith("\n    commit\n    conf\n    file\n    zebra\n"));
 }
 
-TEST_F(CommitCommand, AHookThatRefusesIsTold) {
+TEST_F(CommitCommand, ReportsARefusingHook) {
     const std::string hook = repository.path(".git/hooks/pre-commit");
     repository.write(".git/hooks/pre-commit", "#!/bin/sh\necho 'no tabs, please'\nexit 1\n");
     std::filesystem::permissions(hook, std::filesystem::perms::owner_all);
@@ -118,7 +118,7 @@ TEST_F(CommitCommand, AHookThatRefusesIsTold) {
     expectFailed(nebsc({"commit", "-m", "x"}), HasSubstr("hook"));
 }
 
-TEST_F(CommitCommand, AnUnknownIdentityIsTold) {
+TEST_F(CommitCommand, ReportsAnUnknownIdentity) {
     const TemporaryFolder home;
     const NebscOutcome outcome =
         runNebsc({"commit", "-m", "x"}, {.folder = repository.path(),
@@ -134,7 +134,7 @@ TEST_F(CommitCommand, AnUnknownIdentityIsTold) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(CommitCommand, JSONIsTheOutcomeAlone) {
+TEST_F(CommitCommand, JSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = nebsc({"commit", "--json", "-m", "x", "--allow-empty"}, "src");
     const JSON json = outcome.json();
     EXPECT_EQ(json["command"]["arguments"], JSON({"commit", "--allow-empty", "-m", "x", "--"}));
@@ -145,13 +145,13 @@ TEST_F(CommitCommand, JSONIsTheOutcomeAlone) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(CommitCommand, AGitThatFailsWithoutAWordIsAFailure) {
+TEST_F(CommitCommand, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 128");
     expectFailed(nebsc({"commit", "-m", "x"}, git),
                  "nebsc: git exited with status 128 and printed nothing\n");
 }
 
-TEST_F(CommitCommand, WithoutARevisionToTellItIsSilent) {
+TEST_F(CommitCommand, PrintsNothingIfTheCommitIsUnknown) {
     const TemporaryFolder bin;
     bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] && echo one-word\n[ \"$1\" = commit ]");
     const NebscOutcome outcome = runNebsc(

@@ -28,19 +28,19 @@ TEST_F(DestinationCommands, MoveRenames) {
     EXPECT_EQ(content("src/Grüße.c"), "the content of with blank.c\n");
 }
 
-TEST_F(DestinationCommands, MoveGoesIntoAFolder) {
+TEST_F(DestinationCommands, MoveAcceptsAFolder) {
     expectDone(nebsc({"mv", "a.c", "src"}));
     expectDone(nebsc({"mv", "b.c", "src/"}));
     EXPECT_EQ(state(), "R  a.c -> src/a.c\nR  b.c -> src/b.c\n");
 }
 
-TEST_F(DestinationCommands, MoveTakesNamesLikeOptions) {
+TEST_F(DestinationCommands, MoveAcceptsNamesThatLookLikeOptions) {
     expectDone(nebsc({"mv", "--", "a.c", "-a.c"}));
     EXPECT_EQ(state(), "R  a.c -> -a.c\n");
 }
 
-TEST_F(DestinationCommands, MoveIntoAFolderThatIsMissingIsRefused) {
-    expectFailed(nebsc({"mv", "a.c", "nowhere/"}), "nebsc: there is no folder 'nowhere/'\n");
+TEST_F(DestinationCommands, MoveRefusesAMissingFolder) {
+    expectFailed(nebsc({"mv", "a.c", "nowhere/"}), "nebsc: the folder 'nowhere/' does not exist\n");
     EXPECT_EQ(state(), "");
 }
 
@@ -51,7 +51,7 @@ TEST_F(DestinationCommands, MoveNeverOverwrites) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(DestinationCommands, MoveOfWhatIsNotTrackedFails) {
+TEST_F(DestinationCommands, MoveRefusesAnUntrackedFile) {
     repository.write("mine.c", "");
     expectFailed(nebsc({"mv", "mine.c", "yours.c"}), HasSubstr("mine.c"));
     EXPECT_EQ(nebsc({"mv", "--json", "mine.c", "yours.c"}).json()["error"]["code"], -71);
@@ -59,12 +59,12 @@ TEST_F(DestinationCommands, MoveOfWhatIsNotTrackedFails) {
     EXPECT_TRUE(isThere("mine.c"));
 }
 
-TEST_F(DestinationCommands, AMoveOfWhatIsNotThereIsToldSo) {
+TEST_F(DestinationCommands, MoveReportsAMissingFile) {
     expectFailed(nebsc({"mv", "nosuch.c", "x.c"}),
-                 "nebsc: there is no file or folder 'nosuch.c'\n");
+                 "nebsc: the file or folder 'nosuch.c' does not exist\n");
 }
 
-TEST_F(DestinationCommands, MoveWithJSONPrintsTheOutcomeAlone) {
+TEST_F(DestinationCommands, MoveWithJSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = nebsc({"mv", "deep.c", "flat.c", "--json"}, "src");
     EXPECT_EQ(outcome.json()["command"]["arguments"],
               JSON({"mv", repository.path("src/deep.c"), repository.path("src/flat.c")}));
@@ -81,13 +81,13 @@ TEST_F(DestinationCommands, CopyIsStaged) {
     EXPECT_TRUE(isThere("with blank.c"));
 }
 
-TEST_F(DestinationCommands, CopyOfAFolderIsStagedWhole) {
+TEST_F(DestinationCommands, CopyStagesAWholeFolder) {
     repository.write("src/new/x.c", "x");
     expectDone(nebsc({"cp", "src", "attic"}));
     EXPECT_EQ(state(), "A  attic/deep.c\nA  attic/new/x.c\n?? src/new/x.c\n");
 }
 
-TEST_F(DestinationCommands, CopyGoesIntoAFolderUnderItsName) {
+TEST_F(DestinationCommands, CopyToAFolderKeepsTheName) {
     expectDone(nebsc({"cp", "a.c", "src"}));
     expectDone(nebsc({"cp", "../b.c", "."}, "src"));
     EXPECT_EQ(state(), "A  src/a.c\nA  src/b.c\n");
@@ -96,43 +96,41 @@ TEST_F(DestinationCommands, CopyGoesIntoAFolderUnderItsName) {
 TEST_F(DestinationCommands, CopyNeverOverwritesAndStagesNothingElse) {
     repository.write("b.c", "mine\n");
     repository.write("src/a.c", "mine\n");
-    expectFailed(nebsc({"cp", "a.c", "b.c"}),
-                 "nebsc: there is a file or folder 'b.c' already; nothing was done\n");
+    expectFailed(nebsc({"cp", "a.c", "b.c"}), "nebsc: 'b.c' already exists; nothing was changed\n");
     expectFailed(nebsc({"cp", "a.c", "src"}),
-                 "nebsc: there is a file or folder 'src/a.c' already; nothing was done\n");
+                 "nebsc: 'src/a.c' already exists; nothing was changed\n");
     fs::create_symlink("nowhere", repository.path("link"));
     expectFailed(nebsc({"cp", "a.c", "link"}), HasSubstr("'link' already"));
     EXPECT_EQ(state(), " M b.c\n?? link\n?? src/a.c\n");
 }
 
-TEST_F(DestinationCommands, CopyToAMissingFolderIsRefused) {
-    expectFailed(nebsc({"cp", "a.c", "nowhere/"}), "nebsc: there is no folder 'nowhere/'\n");
+TEST_F(DestinationCommands, CopyRefusesAMissingFolder) {
+    expectFailed(nebsc({"cp", "a.c", "nowhere/"}), "nebsc: the folder 'nowhere/' does not exist\n");
     expectFailed(nebsc({"cp", "a.c", "nowhere/a.c"}),
                  testing::AllOf(HasSubstr("\"" + repository.path("nowhere/a.c") + "\""),
                                 HasSubstr("No such file or directory")));
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(DestinationCommands, CopyOfWhatIsMissingNamesIt) {
+TEST_F(DestinationCommands, CopyReportsAMissingFile) {
     expectFailed(nebsc({"cp", "nosuch.c", "x.c"}),
                  testing::AllOf(HasSubstr("'" + repository.path("nosuch.c") + "'"),
                                 HasSubstr("No such file or directory")));
 }
 
-TEST_F(DestinationCommands, CopyStaysInTheWorkingCopy) {
+TEST_F(DestinationCommands, CopyRefusesAPathOutsideTheWorkingCopy) {
     const TemporaryFolder elsewhere;
     expectFailed(nebsc({"cp", "a.c", elsewhere.path()}),
-                 "nebsc: '" + elsewhere.path("a.c") + "' lies outside the working copy '" +
-                     repository.path() + "'; nothing was done\n");
+                 "nebsc: '" + elsewhere.path("a.c") + "' is outside the working copy '" +
+                     repository.path() + "'; nothing was changed\n");
     EXPECT_TRUE(fs::is_empty(elsewhere.path()));
 }
 
-TEST_F(DestinationCommands, CopyThatCannotBeStagedIsTold) {
+TEST_F(DestinationCommands, CopyReportsThatStagingFailed) {
     repository.write(".gitignore", "*.o\n");
-    expectFailed(
-        nebsc({"cp", "a.c", "a.o"}),
-        testing::AllOf(StartsWith("nebsc: "), HasSubstr("ignored"),
-                       testing::EndsWith("\nThe copy was made all the same; it is not staged.\n")));
+    expectFailed(nebsc({"cp", "a.c", "a.o"}),
+                 testing::AllOf(StartsWith("nebsc: "), HasSubstr("ignored"),
+                                testing::EndsWith("\nThe copy was created but not staged.\n")));
     EXPECT_TRUE(isThere("a.o"));
     const NebscOutcome json = nebsc({"cp", "--json", "a.c", "b.o"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestCopy);
@@ -152,59 +150,58 @@ TEST_F(DestinationCommands, CopyWithJSONPrintsOneOutcome) {
 
 // ---- mkdir ------------------------------------------------------------------------------------
 
-TEST_F(DestinationCommands, MakeDirectoryMakesThoseOnTheWayToo) {
+TEST_F(DestinationCommands, MakeDirectoryCreatesParents) {
     expectDone(nebsc({"mkdir", "x/Grüße/z z"}, "src"));
     EXPECT_TRUE(fs::is_directory(repository.path("src/x/Grüße/z z")));
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(DestinationCommands, MakeDirectoryOfAnIgnoredFolderIsNoFailure) {
+TEST_F(DestinationCommands, MakeDirectoryCreatesAnIgnoredFolder) {
     repository.commitFile(".gitignore", "build/\n");
     expectDone(nebsc({"mkdir", "build"}));
     EXPECT_TRUE(isThere("build"));
 }
 
-TEST_F(DestinationCommands, MakeDirectoryLeavesWhatIsThereAlone) {
+TEST_F(DestinationCommands, MakeDirectoryRefusesAnExistingPath) {
     repository.write("src/deep.c", "mine\n");
-    expectFailed(nebsc({"mkdir", "src"}),
-                 "nebsc: there is a file or folder 'src' already; nothing was done\n");
+    expectFailed(nebsc({"mkdir", "src"}), "nebsc: 'src' already exists; nothing was changed\n");
     expectFailed(nebsc({"mkdir", "a.c"}), HasSubstr("'a.c' already"));
     expectFailed(nebsc({"mkdir", "a.c/x"}), HasSubstr("Not a directory"));
     EXPECT_EQ(state(), " M src/deep.c\n");
 }
 
-TEST_F(DestinationCommands, NothingIsMadeWhereThereIsNoWorkingCopy) {
+TEST_F(DestinationCommands, FailOutsideAWorkingCopy) {
     const TemporaryFolder folder;
     folder.write("a.c", "");
-    for (const std::vector<std::string>& words :
+    for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"mkdir", "x"}, {"cp", "a.c", "x"}, {"mv", "a.c", "x"}}) {
-        expectFailed(runNebsc(words, {.folder = folder.path()}),
+        expectFailed(runNebsc(arguments, {.folder = folder.path()}),
                      StartsWith("nebsc: the folder is not in a git repository"));
-        EXPECT_FALSE(fs::exists(folder.path("x"))) << words[0];
+        EXPECT_FALSE(fs::exists(folder.path("x"))) << arguments[0];
     }
 }
 
-TEST_F(DestinationCommands, MakeDirectoryWithJSONPrintsTheOutcomeAlone) {
+TEST_F(DestinationCommands, MakeDirectoryWithJSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = nebsc({"mkdir", "x", "--json"});
     EXPECT_EQ(outcome.json()["type"], NEBSourceControlRequestMakeDirectory);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(DestinationCommands, WordsThatAreMissingAreNamed) {
+TEST_F(DestinationCommands, ReportMissingArguments) {
     expectFailed(nebsc({"mv", "a.c"}), HasSubstr("DEST"), 2);
     expectFailed(nebsc({"cp", "a.c"}), HasSubstr("DEST"), 2);
     expectFailed(nebsc({"mkdir"}), HasSubstr("DIR"), 2);
     expectFailed(nebsc({"mv", "a.c", "b", "c"}), HasSubstr("c"), 2);
 }
 
-TEST_F(DestinationCommands, AMoveThatFailsWithoutAWordIsAFailure) {
+TEST_F(DestinationCommands, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"mv", "a.c", "z.c"}, git),
                  "nebsc: git exited with status 3 and printed nothing\n");
     expectFailed(nebsc({"cp", "a.c", "z.c"}, git),
                  "nebsc: git exited with status 3 and printed nothing\n"
-                 "The copy was made all the same; it is not staged.\n");
+                 "The copy was created but not staged.\n");
 }
 
 }  // namespace

@@ -17,21 +17,21 @@ protected:
         repository.commitFile("a.c", "1\n");
         repository.commitFile("src/grüße dir/b c.c", "one\ntwo\n");
     }
-    [[nodiscard]] std::string onTerminal(std::vector<std::string> words) const {
-        words.insert(words.begin(), "diff");
-        return runNebsc(words, {.folder = repository.path(),
-                                .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
-                                .output = NebscOutput::terminal})
+    [[nodiscard]] std::string onTerminal(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), "diff");
+        return runNebsc(arguments, {.folder = repository.path(),
+                                    .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
+                                    .output = NebscOutput::terminal})
             .output;
     }
 };
 
-TEST_F(DiffCommand, WithoutADifferenceThereIsNothingToSay) {
+TEST_F(DiffCommand, PrintsNothingWithoutChanges) {
     expectDone(nebsc({"diff"}));
     expectDone(nebsc({"diff", "--name-status", "HEAD", "HEAD"}));
 }
 
-TEST_F(DiffCommand, WithoutRevisionsItShowsAllThatIsNotCommitted) {
+TEST_F(DiffCommand, ShowsUncommittedChangesByDefault) {
     repository.write("a.c", "2\n");
     repository.git({"add", "a.c"});
     repository.write("src/grüße dir/b c.c", "one\n\tthree\r\n");
@@ -44,7 +44,7 @@ TEST_F(DiffCommand, WithoutRevisionsItShowsAllThatIsNotCommitted) {
                repository.git({"-c", "core.quotePath=false", "diff", "HEAD~1"}));
 }
 
-TEST_F(DiffCommand, NamesAreShownAsSeenFromTheCurrentFolder) {
+TEST_F(DiffCommand, ShowsNamesRelativeToTheCurrentFolder) {
     repository.git({"mv", "a.c", "src/new näme.c"});
     repository.git({"rm", "--quiet", "src/grüße dir/b c.c"});
     repository.write("z", "1");
@@ -57,7 +57,7 @@ TEST_F(DiffCommand, NamesAreShownAsSeenFromTheCurrentFolder) {
                "deleted    a.c\nadded      z\n");
 }
 
-TEST_F(DiffCommand, AFileThatIsNotComparedIsNamed) {
+TEST_F(DiffCommand, ReportsFilesThatAreNotCompared) {
     repository.write("src/new.c", "1\n");
     repository.write("folder/new.c", "1\n");
     const auto expectSaid = [](const NebscOutcome& outcome, const std::string& errors) {
@@ -65,12 +65,11 @@ TEST_F(DiffCommand, AFileThatIsNotComparedIsNamed) {
         EXPECT_EQ(outcome.errors, errors);
         EXPECT_EQ(outcome.exitStatus, 0) << "as of git";
     };
-    const std::string reason = " is not tracked, so it is not compared; 'nebsc add' tracks it.\n";
+    const std::string reason = " is untracked and was not compared; 'nebsc add' tracks it.\n";
     expectSaid(nebsc({"diff", "new.c"}, "src"), "'new.c'" + reason);
     expectSaid(nebsc({"diff", "--name-status", "HEAD~1", "--", "src/new.c", "folder"}),
                "'src/new.c'" + reason + "'folder'" + reason);
-    expectSaid(nebsc({"diff", "--", "gone"}),
-               "There is no file or folder 'gone', neither on disk nor in 'HEAD'.\n");
+    expectSaid(nebsc({"diff", "--", "gone"}), "'gone' exists neither on disk nor in 'HEAD'.\n");
     expectSaid(nebsc({"diff", "a.c"}), "");
     expectSaid(nebsc({"diff", "src"}), "");
     EXPECT_EQ(nebsc({"diff", "--json", "src/new.c"}).errors, "");
@@ -78,23 +77,23 @@ TEST_F(DiffCommand, AFileThatIsNotComparedIsNamed) {
     EXPECT_EQ(nebsc({"diff", "a.c"}).errors, "") << "it is shown as deleted";
 }
 
-TEST_F(DiffCommand, ABareRepositoryHasFilesToo) {
+TEST_F(DiffCommand, WorksInABareRepository) {
     repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
-    const auto inBare = [this](std::vector<std::string> words) {
-        words.insert(words.begin(), "diff");
-        return runNebsc(words, {.folder = repository.path("../bare.git")});
+    const auto inBare = [this](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "diff");
+        return runNebsc(arguments, {.folder = repository.path("../bare.git")});
     };
     expectDone(inBare({"--name-status", "HEAD~1", "HEAD", "src"}),
                "added      src/grüße dir/b c.c\n");
     expectDone(inBare({"HEAD~1", "HEAD", "--", "a.c"}));
 }
 
-TEST_F(DiffCommand, ANameThatGitQuotesKeepsBothQuotes) {
+TEST_F(DiffCommand, KeepsBothQuotesOfAQuotedName) {
     repository.git({"mv", "a.c", "q't"});
     expectDone(nebsc({"diff", "--name-status"}), "renamed    a.c -> q't\n");
 }
 
-TEST_F(DiffCommand, EveryNameIsShownAsItIs) {
+TEST_F(DiffCommand, ShowsUnusualNames) {
     repository.write("a -> b", "1\n");
     repository.write("lat\xE4", "2\n");
     repository.git({"add", "--all"});
@@ -108,13 +107,13 @@ TEST_F(DiffCommand, EveryNameIsShownAsItIs) {
                "deleted    a -> b\ndeleted    lat\\xe4\n");
 }
 
-TEST_F(DiffCommand, AFileWhoseNameIsLikeARenamesIsNone) {
+TEST_F(DiffCommand, ANameWithAnArrowIsNoRename) {
     repository.write("100", "1");
     repository.git({"add", "100"});
     expectDone(nebsc({"diff", "--name-status"}), "added      100\n");
 }
 
-TEST_F(DiffCommand, TwoRevisionsAreCompared) {
+TEST_F(DiffCommand, ComparesTwoRevisions) {
     repository.git({"checkout", "--quiet", "-b", "topic"});
     repository.commitFile("t.c", "1\n");
     repository.git({"checkout", "--quiet", "main"});
@@ -130,7 +129,7 @@ TEST_F(DiffCommand, TwoRevisionsAreCompared) {
     expectDone(nebsc({"diff", "--name-status", "main...topic"}), "added      t.c\n");
 }
 
-TEST_F(DiffCommand, DashesSettleWhatAWordIs) {
+TEST_F(DiffCommand, DashesSeparateRevisionsFromFiles) {
     repository.git({"branch", "both"});
     repository.write("both", "1");
     repository.git({"add", "both"});
@@ -141,7 +140,7 @@ TEST_F(DiffCommand, DashesSettleWhatAWordIs) {
     expectFailed(nebsc({"diff", "main", "a.c", "both", "nosuch"}), HasSubstr("'nosuch'"));
 }
 
-TEST_F(DiffCommand, FilesAtTheTopMayBeNamedLikeRevisions) {
+TEST_F(DiffCommand, RevisionsMayHaveTheNamesOfFilesAtTheTop) {
     repository.git({"tag", "v1", "HEAD~1"});
     repository.git({"tag", "v2"});
     repository.commitFile("HEAD", "1");
@@ -154,59 +153,60 @@ TEST_F(DiffCommand, FilesAtTheTopMayBeNamedLikeRevisions) {
                "added      src/grüße dir/b c.c\n");
 }
 
-TEST_F(DiffCommand, AllButACommitIsNoRevision) {
+TEST_F(DiffCommand, RefusesANegatedRevision) {
     expectFailed(nebsc({"diff", "^HEAD"}), HasSubstr("no revision and no file '^HEAD'"));
-    expectFailed(nebsc({"log", "^HEAD", "--"}), HasSubstr("no revision '^HEAD'"));
-    expectFailed(nebsc({"blame", "^HEAD", "a.c"}), HasSubstr("no revision '^HEAD'"));
+    expectFailed(nebsc({"log", "^HEAD", "--"}), HasSubstr("unknown revision '^HEAD'"));
+    expectFailed(nebsc({"blame", "^HEAD", "a.c"}), HasSubstr("unknown revision '^HEAD'"));
 }
 
-TEST_F(DiffCommand, OutsideARepositoryThatIsSaid) {
+TEST_F(DiffCommand, FailsOutsideARepository) {
     const TemporaryFolder folder;
     folder.write("a", "1");
     folder.write("b", "2");
-    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"diff"}, {"diff", "a", "b"}, {"diff", "--", "a"}, {"log", "x"}, {"log", "HEAD"}}) {
-        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = folder.path()});
         EXPECT_THAT(outcome.errors,
                     testing::StartsWith("nebsc: the folder is not in a git repository"));
         EXPECT_EQ(outcome.exitStatus, 1);
     }
 }
 
-TEST_F(DiffCommand, ALostCommitIsNotSaidToBeNoneYet) {
+TEST_F(DiffCommand, ReportsALostCommit) {
     const std::string commit = repository.git({"rev-parse", "HEAD"}).substr(0, 40);
     std::filesystem::remove(
         repository.path(".git/objects/" + commit.substr(0, 2) + "/" + commit.substr(2)));
-    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"diff"}, {"log"}, {"ls"}, {"blame", "a.c"}, {"branch", "create", "x"}}) {
-        const NebscOutcome outcome = nebsc(words);
-        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commits yet"))) << words[0];
-        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commit yet"))) << words[0];
-        EXPECT_EQ(outcome.exitStatus, 1) << words[0];
+        const NebscOutcome outcome = nebsc(arguments);
+        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commits yet"))) << arguments[0];
+        EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("commit yet"))) << arguments[0];
+        EXPECT_EQ(outcome.exitStatus, 1) << arguments[0];
     }
 }
 
-TEST_F(DiffCommand, WhatCannotBeComparedIsNamed) {
-    expectFailed(nebsc({"diff", "nosuch"}), HasSubstr("no revision and no file 'nosuch'"));
-    expectFailed(nebsc({"diff", "HEAD", "HEAD", "HEAD"}), HasSubstr("two revisions at most"), 2);
-    expectFailed(nebsc({"diff", "--common-ancestor", "HEAD"}), HasSubstr("needs two revisions"), 2);
+TEST_F(DiffCommand, ReportsWhatCannotBeCompared) {
+    expectFailed(nebsc({"diff", "nosuch"}), HasSubstr("'nosuch' is neither a revision nor a file"));
+    expectFailed(nebsc({"diff", "HEAD", "HEAD", "HEAD"}), HasSubstr("at most two revisions"), 2);
+    expectFailed(nebsc({"diff", "--common-ancestor", "HEAD"}), HasSubstr("requires two revisions"),
+                 2);
     expectFailed(nebsc({"diff", "--cached"}), HasSubstr("--cached"), 2);
-    expectFailed(nebsc({"diff", ""}), HasSubstr("a word is empty"), 2);
+    expectFailed(nebsc({"diff", ""}), HasSubstr("an argument is empty"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"diff"}, {.folder = empty.path()}),
-                 HasSubstr("there are no commits yet"));
+                 HasSubstr("does not have any commits yet"));
     EXPECT_EQ(runNebsc({"diff", "--json"}, {.folder = empty.path()}).json()["error"]["class"],
               "no-commits-yet");
     const TemporaryFolder folder;
     expectFailed(runNebsc({"diff"}, {.folder = folder.path()}), HasSubstr("ot a git repository"));
 }
 
-TEST_F(DiffCommand, APatchCannotDriveTheTerminal) {
+TEST_F(DiffCommand, EscapesControlCharactersOnATerminal) {
     repository.write("a.c", "\x1b[31m\x07\xE4\n");
     EXPECT_THAT(onTerminal({}), HasSubstr("+\\x1b[31m\\x07\xEF\xBF\xBD"));
 }
 
-TEST_F(DiffCommand, APatchThatGoesToAProgramIsAsGitMadeIt) {
+TEST_F(DiffCommand, PrintsGitsPatchUnchangedToAProgram) {
     repository.write("a.c", "\x1b[31m\x07\n");
     const std::string patch = nebsc({"diff"}).output;
     EXPECT_EQ(patch, repository.git({"diff", "HEAD"}));
@@ -215,7 +215,7 @@ TEST_F(DiffCommand, APatchThatGoesToAProgramIsAsGitMadeIt) {
     EXPECT_EQ(repository.git({"diff", "HEAD"}), patch);
 }
 
-TEST_F(DiffCommand, APatchOfAnotherEncodingKeepsItsBytesForAProgram) {
+TEST_F(DiffCommand, KeepsTheBytesOfAnotherEncodingForAProgram) {
     repository.write("a.c", "gr\xFCn\n");
     const std::string patch = nebsc({"diff", "HEAD", "--", "a.c"}).output;
     EXPECT_THAT(patch, HasSubstr("+gr\xFCn\n"));
@@ -225,7 +225,7 @@ TEST_F(DiffCommand, APatchOfAnotherEncodingKeepsItsBytesForAProgram) {
     EXPECT_EQ(repository.git({"diff", "HEAD"}), patch);
 }
 
-TEST_F(DiffCommand, JSONIsTheOutcomeAndNothingElse) {
+TEST_F(DiffCommand, JSONPrintsOnlyTheOutcome) {
     repository.write("a.c", "2\n");
     const NebscOutcome outcome = nebsc({"diff", "--json", "../a.c"}, "src");
     const JSON json = outcome.json();
@@ -239,7 +239,7 @@ TEST_F(DiffCommand, JSONIsTheOutcomeAndNothingElse) {
     EXPECT_TRUE(nebsc({"diff", "--json", "HEAD", "HEAD"}).json()["result"].is_null());
 }
 
-TEST_F(DiffCommand, ATerminalShowsColours) {
+TEST_F(DiffCommand, UsesColoursOnATerminal) {
     repository.commitFile("x", "int f()\n{\n1\n2\n3\n-- old\n4\n", "x");
     repository.write("x", "int f()\n{\n1\n2\n3\n++ new\n4");
     EXPECT_THAT(onTerminal({}),

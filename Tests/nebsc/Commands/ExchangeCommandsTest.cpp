@@ -24,7 +24,7 @@ protected:
 
 // ---- fetch ------------------------------------------------------------------------------------
 
-TEST_F(ExchangeCommands, AFetchTellsWhatItBrought) {
+TEST_F(ExchangeCommands, FetchListsWhatChanged) {
     ann->commitFile("src/b", "b");
     ann->git({"tag", "v1"});
     share(*ann);
@@ -38,29 +38,29 @@ TEST_F(ExchangeCommands, AFetchTellsWhatItBrought) {
                "    new      tag v1\n");
     EXPECT_EQ(revision(*ben, "origin/main"), shared());
     EXPECT_EQ(revision(*ben), revision(*ann, "HEAD~1")) << "the working copy is left alone";
-    expectDone(nebsc(*ben, {"fetch", "origin"}), "Fetched from 'origin'; there is nothing new.\n");
+    expectDone(nebsc(*ben, {"fetch", "origin"}), "Fetched from 'origin'; nothing is new.\n");
     ben->git({"config", "fetch.prune", "true"});
     ann->git({"push", "--quiet", "origin", ":feature/Grüße"});
     expectDone(nebsc(*ben, {"fetch", "origin"}),
-               "Fetched from 'origin':\n    gone     origin/feature/Grüße\n");
+               "Fetched from 'origin':\n    deleted  origin/feature/Grüße\n");
 }
 
-TEST_F(ExchangeCommands, AFetchMayBeFromALocation) {
+TEST_F(ExchangeCommands, FetchAcceptsAPath) {
     ann->commitFile("b", "b");
     share(*ann);
     expectDone(nebsc(*ben, {"fetch", bare()}),
-               "Fetched from '" + bare() + "'; its latest commit is FETCH_HEAD here.\n");
+               "Fetched from '" + bare() + "'; its latest commit is FETCH_HEAD.\n");
     EXPECT_EQ(revision(*ben, "FETCH_HEAD"), shared());
 }
 
-TEST_F(ExchangeCommands, AFetchIntoAnEmptyRepositoryIsOne) {
+TEST_F(ExchangeCommands, FetchWorksInAnEmptyRepository) {
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
     expectDone(nebsc(empty, {"fetch", "origin"}),
                "Fetched from 'origin':\n    new      origin/main\n");
 }
 
-TEST_F(ExchangeCommands, AFetchInJSONIsItsOutcome) {
+TEST_F(ExchangeCommands, FetchWithJSONPrintsTheOutcome) {
     const NebscOutcome json = nebsc(*ben, {"fetch", "origin", "--json"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestFetch);
     EXPECT_EQ(json.json()["command"]["arguments"], JSON({"fetch", "-q", "origin"}));
@@ -69,19 +69,17 @@ TEST_F(ExchangeCommands, AFetchInJSONIsItsOutcome) {
     EXPECT_EQ(json.exitStatus, 0);
 }
 
-TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
+TEST_F(ExchangeCommands, FetchReportsFailures) {
     expectFailed(nebsc(*ben, {"fetch", "nosuch"}),
                  HasSubstr("'nosuch' does not appear to be a git repository"));
-    const std::string words =
-        "nebsc: either a remote or --svn was expected (see nebsc fetch "
-        "--help)\n";
-    expectFailed(nebsc(*ben, {"fetch"}), words, 2);
-    expectFailed(nebsc(*ben, {"fetch", "--svn", "origin"}), words, 2);
+    const std::string arguments = "nebsc: expected REMOTE or --svn (see 'nebsc fetch --help')\n";
+    expectFailed(nebsc(*ben, {"fetch"}), arguments, 2);
+    expectFailed(nebsc(*ben, {"fetch", "--svn", "origin"}), arguments, 2);
     expectFailed(nebsc(*ben, {"fetch", "--", "--upload-pack=x"}),
                  HasSubstr("'--upload-pack=x' begins with"), 2);
     expectFailed(nebsc(*ben, {"fetch", "--svn"}),
-                 "nebsc: no Subversion repository stands behind this one\n"
-                 "'git svn clone URL' makes a repository that has one.\n");
+                 "nebsc: this repository is not connected to a Subversion repository\n"
+                 "'git svn clone URL' creates a connected repository.\n");
     fs::remove_all(bare());
     expectFailed(nebsc(*ben, {"fetch", "origin"}), HasSubstr("not appear to be a git repository"));
     EXPECT_FALSE(nebsc(*ben, {"fetch", "origin", "--json"}).json()["error"].is_null());
@@ -95,39 +93,39 @@ TEST_F(ExchangeCommands, AFetchThatCannotBeIsTold) {
     }
 }
 
-TEST_F(ExchangeCommands, AServerThatDoesNotAnswerTheDoorIsTold) {
+TEST_F(ExchangeCommands, FetchReportsAnUnreachableServer) {
     expectFailed(nebsc(*ben, {"fetch", "git://127.0.0.1:1/x"}),
                  AllOf(StartsWith("nebsc: "), HasSubstr("127.0.0.1")));
 }
 
-TEST_F(ExchangeCommands, AGitThatFailsWithoutAWordIsAFailure) {
+TEST_F(ExchangeCommands, ASilentGitFailureIsAnError) {
     const StandInGit git(ben->path(), "exit 3");
-    const std::string words = "nebsc: git exited with status 3 and printed nothing\n";
-    expectFailed(nebsc(*ben, {"push", "origin", "main"}, git), words);
-    expectFailed(nebsc(*ben, {"fetch", "origin"}, git), words);
+    const std::string message = "nebsc: git exited with status 3 and printed nothing\n";
+    expectFailed(nebsc(*ben, {"push", "origin", "main"}, git), message);
+    expectFailed(nebsc(*ben, {"fetch", "origin"}, git), message);
 }
 
 // ---- push -------------------------------------------------------------------------------------
 
-TEST_F(ExchangeCommands, APushTellsWhereItWent) {
+TEST_F(ExchangeCommands, PushReportsTheBranches) {
     ann->commitFile("src/b", "b");
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}, "src"),
-               "Pushed main to main of 'origin'.\n");
+               "Pushed main to main on 'origin'.\n");
     expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: BRANCHES is empty\n", 2);
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push", "origin", "main:feature/Grüße"}),
-               "Pushed main to feature/Grüße of 'origin'.\n");
+               "Pushed main to feature/Grüße on 'origin'.\n");
     EXPECT_EQ(shared("feature/Grüße"), revision(*ann));
     ann->git({"branch", "topic"});
     expectDone(nebsc(*ann, {"push", bare(), "topic"}),
                "Pushed topic to topic of '" + bare() + "'.\n");
-    const std::string nothing = "There is nothing to push: 'origin' is up to date.\n";
+    const std::string nothing = "Nothing to push: 'origin' is up to date.\n";
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}), nothing);
     ann->git({"checkout", "--quiet", "--detach"});
     expectDone(nebsc(*ann, {"push", "origin", "main"}), nothing);
 }
 
-TEST_F(ExchangeCommands, APushInJSONIsItsOutcome) {
+TEST_F(ExchangeCommands, PushWithJSONPrintsTheOutcome) {
     const NebscOutcome json = nebsc(*ann, {"push", "origin", "main:x", "--json"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestPush);
     EXPECT_EQ(json.json()["command"]["arguments"], JSON({"push", "origin", "main:x"}));
@@ -137,32 +135,33 @@ TEST_F(ExchangeCommands, APushInJSONIsItsOutcome) {
     EXPECT_EQ(nothing.exitStatus, 0);
 }
 
-TEST_F(ExchangeCommands, WhatTheRemoteSaysIsShownAndDrivesNoTerminal) {
+TEST_F(ExchangeCommands, PushShowsTheRemotesOutputEscaped) {
     bareHook("post-receive", "printf 'seen\\033[2J\\n'");
     ann->commitFile("b", "b");
     const NebscOutcome pushed = nebsc(*ann, {"push", "origin", "main:main"});
-    EXPECT_EQ(pushed.output, "Pushed main to main of 'origin'.\n");
+    EXPECT_EQ(pushed.output, "Pushed main to main on 'origin'.\n");
     EXPECT_THAT(pushed.errors, StartsWith("remote: seen"));
     EXPECT_THAT(pushed.errors, testing::Not(HasSubstr("\x1b")));
     EXPECT_EQ(pushed.exitStatus, 0);
 }
 
-TEST_F(ExchangeCommands, APushThatTheRemoteIsAheadOfIsRefused) {
+TEST_F(ExchangeCommands, PushIsRefusedIfTheRemoteIsAhead) {
     ann->commitFile("b", "ann");
     share(*ann);
     ben->commitFile("c", "ben");
-    expectFailed(nebsc(*ben, {"push", "origin", "main:main"}),
-                 AllOf(StartsWith("nebsc: the operation could not be performed because "
-                                  "'repository' does not have the latest remote changes\n"
-                                  "Pull the remote changes and try again.\n"),
-                       HasSubstr("[rejected]"), EndsWith("\n'nebsc update' brings them here.\n")));
+    expectFailed(
+        nebsc(*ben, {"push", "origin", "main:main"}),
+        AllOf(StartsWith("nebsc: the operation could not be performed because "
+                         "'repository' does not have the latest remote changes\n"
+                         "Pull the remote changes and try again.\n"),
+              HasSubstr("[rejected]"), EndsWith("\n'nebsc update' fetches and merges them.\n")));
     EXPECT_EQ(shared(), revision(*ann));
     const NebscOutcome json = nebsc(*ben, {"push", "origin", "main:main", "--json"});
     EXPECT_EQ(json.json()["error"]["code"], -32);
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-TEST_F(ExchangeCommands, APushThatAHookRefusesSaysWhose) {
+TEST_F(ExchangeCommands, PushReportsWhichHookRefused) {
     ann->commitFile("b", "ann");
     bareHook("pre-receive", "echo policy: no; exit 1");
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}),
@@ -176,27 +175,26 @@ TEST_F(ExchangeCommands, APushThatAHookRefusesSaysWhose) {
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}), HasSubstr("failed to push"));
 }
 
-TEST_F(ExchangeCommands, APushDeletesAndOverwritesNothing) {
+TEST_F(ExchangeCommands, PushNeverDeletesOrOverwrites) {
     ben->git({"commit", "--quiet", "--amend", "-m", "another"});
     for (const char* branches : {":main", "main:", "+main:main", "+main", ":"}) {
         expectFailed(nebsc(*ben, {"push", "origin", branches}),
                      "nebsc: '" + std::string(branches) +
-                         "' does not name two branches; LOCAL:THERE was expected\n",
+                         "' does not name two branches; expected LOCAL:DEST\n",
                      2);
     }
     EXPECT_EQ(shared(), revision(*ann));
 }
 
-TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
-    const std::string words =
-        "nebsc: either a remote and LOCAL:THERE or --svn was expected (see "
-        "nebsc push --help)\n";
-    expectFailed(nebsc(*ann, {"push"}), words, 2);
-    expectFailed(nebsc(*ann, {"push", "origin"}), words, 2);
-    expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), words, 2);
+TEST_F(ExchangeCommands, PushReportsFailures) {
+    const std::string arguments =
+        "nebsc: expected REMOTE and LOCAL:DEST, or --svn (see 'nebsc push --help')\n";
+    expectFailed(nebsc(*ann, {"push"}), arguments, 2);
+    expectFailed(nebsc(*ann, {"push", "origin"}), arguments, 2);
+    expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("no Subversion repository"));
     expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}),
-                 "nebsc: there is no branch 'nosuch' here to push\n");
+                 "nebsc: there is no local branch 'nosuch' to push\n");
     expectFailed(nebsc(*ann, {"push", "nosuch", "main"}), HasSubstr("'nosuch' does not appear"));
     expectFailed(nebsc(*ann, {"push", "--", "--mirror", "main"}),
                  HasSubstr("'--mirror' begins with"), 2);
@@ -205,7 +203,7 @@ TEST_F(ExchangeCommands, APushThatCannotBeIsTold) {
     const TestRepository empty;
     empty.git({"remote", "add", "origin", bare()});
     expectFailed(nebsc(empty, {"push", "origin", "main"}),
-                 "nebsc: there is no branch 'main' here to push\n");
+                 "nebsc: there is no local branch 'main' to push\n");
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ protected:
         repository.git({"add", "."});
         repository.git({"commit", "--quiet", "-m", "a program"});
     }
-    /// What lies in the folder for exports, hidden things too.
+    /// Returns the names in the folder for exports, hidden ones included.
     [[nodiscard]] std::vector<std::string> names() const {
         std::vector<std::string> all;
         for (const auto& entry : fs::directory_iterator(folder.path())) {
@@ -39,7 +39,7 @@ protected:
     const std::string old = std::string("old\0\xE4\r\n", 7);
 };
 
-TEST_F(ExportCommands, WithoutADestinationATemporaryFileIsNamed) {
+TEST_F(ExportCommands, ExportWritesToATemporaryFileByDefault) {
     const NebscOutcome outcome = nebsc({"export", "HEAD~1", "grüße a.c"}, "src");
     EXPECT_THAT(outcome.output, testing::EndsWith("grüße a.c\n"));
     const std::string path = outcome.output.substr(0, outcome.output.size() - 1);
@@ -50,8 +50,8 @@ TEST_F(ExportCommands, WithoutADestinationATemporaryFileIsNamed) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ExportCommands, TheDestinationsNameIsWhatWasAskedFor) {
-    // Some hold the file's name, at the end or before, and others do not.
+TEST_F(ExportCommands, ExportUsesTheNameOfTheDestination) {
+    // Some contain the name of the file, at the end or elsewhere; others do not.
     for (const char* name :
          {"grüße a.c", "x.c", "1-grüße a.c", "grüße a.c-grüße a.c", "grüße a.c.old", "Zoë"}) {
         const std::string path = folder.path(name);
@@ -62,30 +62,31 @@ TEST_F(ExportCommands, TheDestinationsNameIsWhatWasAskedFor) {
     }
 }
 
-TEST_F(ExportCommands, TheDestinationIsSeenFromTheCurrentFolder) {
+TEST_F(ExportCommands, ExportTakesPathsRelativeToTheCurrentFolder) {
     expectDone(nebsc({"export", "HEAD~2", "grüße a.c", "old.c"}, "src"),
                repository.path("src/old.c") + "\n");
     EXPECT_EQ(state(), "?? src/old.c\n");
 }
 
-TEST_F(ExportCommands, IntoAFolderTheFileKeepsItsName) {
+TEST_F(ExportCommands, ExportToAFolderKeepsTheName) {
     expectDone(nebsc({"export", "HEAD", "run", folder.path()}), folder.path("run") + "\n");
     EXPECT_TRUE((fs::status(folder.path("run")).permissions() & fs::perms::owner_exec) !=
                 fs::perms::none);
     expectFailed(nebsc({"export", "HEAD", "run", folder.path("none/")}),
-                 HasSubstr("there is no folder '" + folder.path("none/") + "'"));
+                 HasSubstr("the folder '" + folder.path("none/") + "' does not exist"));
 }
 
-TEST_F(ExportCommands, AWholeFolderCanBeExported) {
+TEST_F(ExportCommands, ExportWritesAWholeFolder) {
     fs::remove_all(repository.path("src"));
     expectDone(nebsc({"export", "HEAD~2", "src", folder.path("sources")}),
                folder.path("sources") + "\n");
     EXPECT_EQ(folder.read("sources/grüße a.c"), old);
 }
 
-TEST_F(ExportCommands, NothingIsOverwritten) {
+TEST_F(ExportCommands, ExportNeverOverwrites) {
     const std::string path = folder.write("x.c", "mine");
-    expectFailed(nebsc({"export", "HEAD", "run", path}), HasSubstr("already; nothing was done"));
+    expectFailed(nebsc({"export", "HEAD", "run", path}),
+                 HasSubstr("already exists; nothing was changed"));
     folder.write("run", "mine");
     const NebscOutcome json = nebsc({"export", "--json", "HEAD", "run", folder.path()});
     EXPECT_THAT(json.json()["error"]["localizedDescription"], HasSubstr("already"));
@@ -97,14 +98,13 @@ TEST_F(ExportCommands, NothingIsOverwritten) {
     EXPECT_EQ(names(), (std::vector<std::string>{"link", "run", "x.c"}));
 }
 
-TEST_F(ExportCommands, WhatCannotBeExportedIsNamedAndLeavesNothing) {
+TEST_F(ExportCommands, ExportReportsFailuresAndLeavesNothing) {
     const std::string path = folder.path("x");
-    expectFailed(nebsc({"export", "nosuch", "run", path}),
-                 "nebsc: there is no revision 'nosuch'\n");
+    expectFailed(nebsc({"export", "nosuch", "run", path}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(nebsc({"export", "HEAD~2", "run", path}),
-                 "nebsc: there is no file 'run' at the revision 'HEAD~2'\n");
+                 "nebsc: 'run' does not exist in the revision 'HEAD~2'\n");
     expectFailed(nebsc({"export", "HEAD", "/etc/hosts", path}),
-                 HasSubstr("lies outside the working copy"));
+                 HasSubstr("is outside the working copy"));
     expectFailed(nebsc({"export", "HEAD", "run", folder.path("no/x")}),
                  HasSubstr("could not be written: No such file or directory\n"));
     expectFailed(nebsc({"export", "--", "--remote=x", "run", path}), HasSubstr("begins with"), 2);
@@ -117,7 +117,7 @@ TEST_F(ExportCommands, WhatCannotBeExportedIsNamedAndLeavesNothing) {
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
+TEST_F(ExportCommands, ExportWithJSONNamesTheFile) {
     const NebscOutcome outcome =
         nebsc({"export", "--json", "HEAD~1", "grüße a.c", folder.path("y")}, "src");
     const JSON json = outcome.json();
@@ -129,7 +129,7 @@ TEST_F(ExportCommands, JSONNamesWhatWasWritten) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ExportCommands, AGitThatStopsHalfWayLeavesNothing) {
+TEST_F(ExportCommands, ExportLeavesNothingIfGitFails) {
     const StandInGit git(repository.path(), "[ \"$2\" = -t ] && { echo blob; exit; }; exit 3");
     const NebscOutcome outcome = nebsc({"export", "HEAD", "run", folder.path("x")}, git);
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -138,7 +138,7 @@ TEST_F(ExportCommands, AGitThatStopsHalfWayLeavesNothing) {
 
 // ---- export-tree ------------------------------------------------------------------------------
 
-TEST_F(ExportCommands, TheTreeIsThatOfTheIndex) {
+TEST_F(ExportCommands, ExportTreeWritesTheIndex) {
     repository.write("staged", "staged");
     repository.git({"add", "staged"});
     repository.write("run", "changed");
@@ -149,7 +149,7 @@ TEST_F(ExportCommands, TheTreeIsThatOfTheIndex) {
     EXPECT_EQ(folder.read("new/tree/staged"), "staged");
 }
 
-TEST_F(ExportCommands, AFolderThatIsNotEmptyIsLeftAlone) {
+TEST_F(ExportCommands, ExportTreeRefusesAFolderThatIsNotEmpty) {
     fs::create_directory(folder.path("empty"));
     expectDone(nebsc({"export-tree", folder.path("empty")}),
                "Wrote the files of the index to '" + folder.path("empty") + "'.\n");
@@ -162,7 +162,7 @@ TEST_F(ExportCommands, AFolderThatIsNotEmptyIsLeftAlone) {
     EXPECT_EQ(folder.read("full/other"), "mine");
 }
 
-TEST_F(ExportCommands, TheWorkingCopyIsNeverOverwritten) {
+TEST_F(ExportCommands, ExportTreeNeverOverwritesTheWorkingCopy) {
     repository.write("run", "mine");
     fs::create_symlink(repository.path(), folder.path("link"));
     for (const std::string& place : {repository.path(), folder.path("link")}) {
@@ -173,7 +173,7 @@ TEST_F(ExportCommands, TheWorkingCopyIsNeverOverwritten) {
     EXPECT_EQ(state(), " M run\n");
 }
 
-TEST_F(ExportCommands, WithoutFilesThereIsNothingToExport) {
+TEST_F(ExportCommands, ExportTreeReportsAnEmptyIndex) {
     const TestRepository empty;
     expectDone(runNebsc({"export-tree", folder.path("tree")}, {.folder = empty.path()}),
                "The index has no files; nothing was written.\n");
@@ -182,7 +182,7 @@ TEST_F(ExportCommands, WithoutFilesThereIsNothingToExport) {
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(ExportCommands, FilesInConflictAreNamed) {
+TEST_F(ExportCommands, ExportTreeListsFilesInConflict) {
     repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
     repository.commitFile("src/grüße a.c", "topic\n");
     repository.git({"checkout", "--quiet", "main"});
@@ -195,7 +195,7 @@ TEST_F(ExportCommands, FilesInConflictAreNamed) {
     EXPECT_FALSE(fs::exists(folder.path("tree/src/grüße a.c")));
 }
 
-TEST_F(ExportCommands, FilesOutsideASparseCheckoutAreCounted) {
+TEST_F(ExportCommands, ExportTreeCountsFilesOutsideASparseCheckout) {
     repository.git({"sparse-checkout", "set", "--no-cone", "/run"});
     const NebscOutcome outcome = nebsc({"export-tree", folder.path("tree")});
     EXPECT_EQ(outcome.errors,
@@ -204,42 +204,42 @@ TEST_F(ExportCommands, FilesOutsideASparseCheckoutAreCounted) {
     EXPECT_TRUE(fs::exists(folder.path("tree/run")));
 }
 
-TEST_F(ExportCommands, NothingIsWrittenIntoTheRepositorysOwnFolder) {
+TEST_F(ExportCommands, RefuseAPathInTheGitDirectory) {
     fs::create_symlink(repository.path(".git"), folder.path("link"));
     const std::string head = repository.git({"symbolic-ref", "HEAD"});
     for (const std::string& place :
          {repository.path(".git"), repository.path(".git/new"), folder.path("link")}) {
         expectFailed(nebsc({"export-tree", "--force", place}),
-                     HasSubstr("lies in the repository's own folder"));
+                     HasSubstr("is inside the git directory"));
         expectFailed(nebsc({"export", "HEAD", "run", place + "/X"}),
-                     HasSubstr("lies in the repository's own folder"));
+                     HasSubstr("is inside the git directory"));
     }
     EXPECT_EQ(repository.git({"symbolic-ref", "HEAD"}), head);
     EXPECT_FALSE(fs::exists(repository.path(".git/new")));
     EXPECT_FALSE(fs::exists(repository.path(".git/X")));
 }
 
-TEST_F(ExportCommands, NoFolderIsRemovedForAFileOfTheIndex) {
+TEST_F(ExportCommands, ExportTreeKeepsAFolderThatBlocksAFile) {
     folder.write("full/run/precious", "mine");
     expectFailed(nebsc({"export-tree", "--force", folder.path("full")}),
-                 HasSubstr("there is a folder '" + folder.path("full/run") + "'"));
+                 HasSubstr("the folder '" + folder.path("full/run") + "' blocks a file"));
     EXPECT_EQ(folder.read("full/run/precious"), "mine");
 }
 
-TEST_F(ExportCommands, TheWorkingCopyItselfIsNoFile) {
+TEST_F(ExportCommands, ExportRefusesTheWholeWorkingCopy) {
     expectFailed(nebsc({"export", "HEAD", ".", folder.path("x")}), HasSubstr("nebsc export-tree"));
 }
 
-TEST_F(ExportCommands, AFileWhoseBytesAreLostIsNotSaidToBeMissing) {
+TEST_F(ExportCommands, ExportReportsALostObject) {
     const std::string blob = repository.git({"rev-parse", "HEAD:run"}).substr(0, 40);
     fs::remove(repository.path(".git/objects/" + blob.substr(0, 2) + "/" + blob.substr(2)));
     const NebscOutcome outcome = nebsc({"export", "HEAD", "run", folder.path("x")});
-    EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("There is no file")));
+    EXPECT_THAT(outcome.errors, testing::Not(HasSubstr("does not exist in the revision")));
     EXPECT_THAT(outcome.errors, HasSubstr(blob));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(ExportCommands, JSONOfATreeIsTheOutcome) {
+TEST_F(ExportCommands, ExportTreeWithJSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = nebsc({"--json", "export-tree", folder.path("t")});
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestExportTree);

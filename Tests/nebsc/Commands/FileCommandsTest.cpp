@@ -28,13 +28,13 @@ protected:
 
 // ---- add --------------------------------------------------------------------------------------
 
-TEST_F(FileCommands, AddStagesTheNamedFilesAlone) {
+TEST_F(FileCommands, AddStagesOnlyTheNamedFiles) {
     change({"a.c", "b.c", "Grüße.txt", "with blank.c"});
     expectDone(nebsc({"add", "a.c", "Grüße.txt", "with blank.c"}));
     EXPECT_EQ(state(), "M  Grüße.txt\nM  a.c\n M b.c\nM  \"with blank.c\"\n");
 }
 
-TEST_F(FileCommands, AddOfTheFolderStagesAllBelowIt) {
+TEST_F(FileCommands, AddOfAFolderStagesEverythingInIt) {
     change({"a.c", "src/new/x.c"});
     fs::remove(repository.path("src/deep.c"));
     expectDone(nebsc({"add", "."}, "src"));
@@ -43,13 +43,13 @@ TEST_F(FileCommands, AddOfTheFolderStagesAllBelowIt) {
     EXPECT_EQ(state(), "M  a.c\nD  src/deep.c\nA  src/new/x.c\n");
 }
 
-TEST_F(FileCommands, AddTakesPathsAsSeenFromTheCurrentFolder) {
+TEST_F(FileCommands, AddTakesPathsRelativeToTheCurrentFolder) {
     change({"a.c", "b.c", "src/deep.c"});
     expectDone(nebsc({"add", "../a.c", "deep.c", repository.path("b.c")}, "src"));
     EXPECT_EQ(state(), "M  a.c\nM  b.c\nM  src/deep.c\n");
 }
 
-TEST_F(FileCommands, AddTakesNamesForNamesNotForPatternsOrOptions) {
+TEST_F(FileCommands, AddTakesNamesLiterally) {
     change({"x[1].c", "x1.c", "-dash.c"});
     expectDone(nebsc({"add", "x[1].c", "--", "-dash.c"}));
     EXPECT_EQ(state(), "M  -dash.c\n M x1.c\nM  x[1].c\n");
@@ -59,24 +59,24 @@ TEST_F(FileCommands, AddTakesNamesForNamesNotForPatternsOrOptions) {
     EXPECT_THAT(state(), HasSubstr("A  [a]\nA  [b,c]\n"));
 }
 
-TEST_F(FileCommands, AddStagesALinkItself) {
+TEST_F(FileCommands, AddStagesASymbolicLinkItself) {
     fs::create_symlink("nowhere", repository.path("link"));
     expectDone(nebsc({"add", "link"}));
     EXPECT_EQ(state(), "A  link\n");
 }
 
-TEST_F(FileCommands, AddOfWhatIsNowhereFailsAndAddsNothing) {
+TEST_F(FileCommands, AddOfAMissingFileStagesNothing) {
     change({"a.c"});
     expectFailed(nebsc({"add", "a.c", "nosuch.c"}),
                  testing::AllOf(StartsWith("nebsc: "), HasSubstr("nosuch.c")));
     EXPECT_EQ(state(), " M a.c\n");
 }
 
-TEST_F(FileCommands, AddOutsideTheWorkingCopyFails) {
+TEST_F(FileCommands, AddRefusesAPathOutsideTheWorkingCopy) {
     expectFailed(nebsc({"add", "/etc/passwd"}), HasSubstr("outside repository"));
 }
 
-TEST_F(FileCommands, AddWithJSONPrintsTheOutcomeAlone) {
+TEST_F(FileCommands, AddWithJSONPrintsOnlyTheOutcome) {
     change({"src/deep.c"});
     const NebscOutcome outcome = nebsc({"add", "--json", "deep.c"}, "src");
     const JSON json = outcome.json();
@@ -91,14 +91,14 @@ TEST_F(FileCommands, AddWithJSONPrintsTheOutcomeAlone) {
     EXPECT_EQ(failed.exitStatus, 1);
 }
 
-TEST_F(FileCommands, WordsThatAreMissingAreNamed) {
+TEST_F(FileCommands, ReportMissingArguments) {
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(nebsc({command}), HasSubstr("FILE"), 2);
-        expectFailed(nebsc({command, "a.c", ""}), HasSubstr("the path is empty"), 2);
+        expectFailed(nebsc({command, "a.c", ""}), HasSubstr("a path is empty"), 2);
     }
 }
 
-TEST_F(FileCommands, WhereThereIsNoRepositoryGitSaysSo) {
+TEST_F(FileCommands, FailsOutsideARepository) {
     const TemporaryFolder folder;
     folder.write("a.c", "");
     for (const char* command : {"add", "rm", "revert"}) {
@@ -110,7 +110,7 @@ TEST_F(FileCommands, WhereThereIsNoRepositoryGitSaysSo) {
     EXPECT_EQ(folder.read("a.c"), "");
 }
 
-TEST_F(FileCommands, AGitThatFailsWithoutAWordIsAFailure) {
+TEST_F(FileCommands, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 128");
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(nebsc({command, "a.c"}, git),
@@ -124,14 +124,14 @@ TEST_F(FileCommands, AGitThatFailsWithoutAWordIsAFailure) {
 
 // ---- rm ---------------------------------------------------------------------------------------
 
-TEST_F(FileCommands, RemoveTakesFilesAndFoldersAway) {
+TEST_F(FileCommands, RemoveDeletesFilesAndFolders) {
     expectDone(nebsc({"rm", "a.c", "src", "x[1].c"}));
     EXPECT_FALSE(isThere("a.c") || isThere("src") || isThere("x[1].c"));
     EXPECT_TRUE(isThere("x1.c"));
     EXPECT_EQ(state(), "D  a.c\nD  src/deep.c\nD  x[1].c\n");
 }
 
-TEST_F(FileCommands, RemoveOfALinkLeavesWhatItLeadsTo) {
+TEST_F(FileCommands, RemoveOfASymbolicLinkKeepsItsTarget) {
     fs::create_symlink("src", repository.path("link"));
     repository.git({"add", "link"});
     repository.git({"commit", "--quiet", "-m", "a link"});
@@ -140,7 +140,7 @@ TEST_F(FileCommands, RemoveOfALinkLeavesWhatItLeadsTo) {
     EXPECT_TRUE(isThere("src/deep.c"));
 }
 
-TEST_F(FileCommands, RemoveOfWhatIsDeletedAlreadyLosesNothing) {
+TEST_F(FileCommands, RemoveAcceptsDeletedFiles) {
     fs::remove(repository.path("a.c"));
     expectDone(nebsc({"rm", "a.c"}));
     EXPECT_EQ(state(), "D  a.c\n");
@@ -150,15 +150,15 @@ TEST_F(FileCommands, RemoveRefusesToLoseChanges) {
     change({"a.c", "src/deep.c", "x1.c", "staged.c"});
     repository.git({"add", "staged.c"});
     expectFailed(nebsc({"rm", "../a.c", ".", "../b.c", "../x[1].c", "../staged.c"}, "src"),
-                 "nebsc: nothing was removed, as changes that are not committed would be lost:\n"
+                 "nebsc: nothing was deleted, because uncommitted changes would be lost:\n"
                  "    ../a.c\n"
                  "    deep.c\n"
                  "    ../staged.c\n"
-                 "'nebsc rm --force' removes the files all the same.\n");
+                 "'nebsc rm --force' deletes the files anyway.\n");
     EXPECT_EQ(state(), " M a.c\n M src/deep.c\nA  staged.c\n M x1.c\n");
 }
 
-TEST_F(FileCommands, RemoveRefusesToLoseWhatIsOnlyStaged) {
+TEST_F(FileCommands, RemoveRefusesToLoseStagedChanges) {
     change({"a.c", "new.c"});
     repository.git({"add", "a.c", "new.c"});
     fs::remove(repository.path("a.c"));
@@ -166,7 +166,7 @@ TEST_F(FileCommands, RemoveRefusesToLoseWhatIsOnlyStaged) {
     expectFailed(nebsc({"rm", "a.c", "new.c"}), HasSubstr("    a.c\n    new.c\n"));
 }
 
-TEST_F(FileCommands, RemoveByForceLosesChanges) {
+TEST_F(FileCommands, RemoveWithForceDiscardsChanges) {
     change({"a.c", "new.c"});
     repository.git({"add", "new.c"});
     expectDone(nebsc({"rm", "--force", "a.c", "new.c"}));
@@ -174,7 +174,7 @@ TEST_F(FileCommands, RemoveByForceLosesChanges) {
     EXPECT_EQ(state(), "D  a.c\n");
 }
 
-TEST_F(FileCommands, RemoveLeavesWhatIsNotTracked) {
+TEST_F(FileCommands, RemoveKeepsUntrackedFiles) {
     change({"src/mine.c"});
     expectDone(nebsc({"rm", "src"}));
     EXPECT_TRUE(isThere("src/mine.c"));
@@ -182,14 +182,14 @@ TEST_F(FileCommands, RemoveLeavesWhatIsNotTracked) {
     EXPECT_TRUE(isThere("src/mine.c"));
 }
 
-TEST_F(FileCommands, RemoveFindsChangesOfFilesWithOddNames) {
+TEST_F(FileCommands, RemoveFindsChangesOfFilesWithUnusualNames) {
     repository.commitFile("quo\"te\\\t.c", "first\n");
     repository.write("quo\"te\\\t.c", "second\n");
     expectFailed(nebsc({"rm", "quo'te\\\t.c"}), HasSubstr("\n    quo'te\\\\t.c\n"));
     EXPECT_TRUE(isThere("quo'te\\\t.c"));
 }
 
-TEST_F(FileCommands, ALookThatFailsRemovesNothing) {
+TEST_F(FileCommands, RemoveDeletesNothingIfItsCheckFails) {
     const StandInGit git(repository.path(),
                          "[ \"$2\" = status ] && { echo 'fatal: no look' >&2; exit 128; }\n"
                          "exec /usr/bin/env false");
@@ -199,13 +199,13 @@ TEST_F(FileCommands, ALookThatFailsRemovesNothing) {
 
 // ---- revert -----------------------------------------------------------------------------------
 
-TEST_F(FileCommands, RevertThrowsAwayWhatIsNotStaged) {
+TEST_F(FileCommands, RevertDiscardsUnstagedChanges) {
     change({"a.c", "b.c", "src/deep.c", "x[1].c", "x1.c"});
     expectDone(nebsc({"revert", "../a.c", ".", "../x[1].c"}, "src"));
     EXPECT_EQ(state(), " M b.c\n M x1.c\n");
 }
 
-TEST_F(FileCommands, RevertLeavesWhatIsStaged) {
+TEST_F(FileCommands, RevertKeepsStagedChanges) {
     change({"a.c"});
     repository.git({"add", "a.c"});
     repository.write("a.c", "third\n");
@@ -213,12 +213,12 @@ TEST_F(FileCommands, RevertLeavesWhatIsStaged) {
     EXPECT_EQ(state(), "M  a.c\n");
 }
 
-TEST_F(FileCommands, RevertOfWhatGitDoesNotKnowFails) {
+TEST_F(FileCommands, RevertRefusesAnUntrackedFile) {
     repository.write("mine.c", "");
     expectFailed(nebsc({"revert", "mine.c"}), HasSubstr("mine.c"));
 }
 
-TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
+TEST_F(FileCommands, RevertListsFilesInConflict) {
     repository.git({"checkout", "--quiet", "-b", "topic"});
     repository.commitFile("src/deep.c", "topic\n");
     repository.git({"checkout", "--quiet", "main"});
@@ -236,17 +236,17 @@ TEST_F(FileCommands, RevertSaysWhichFilesAreInConflict) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-// ---- what is not there ------------------------------------------------------------------------
+// ---- missing files ----------------------------------------------------------------------------
 
-TEST_F(FileCommands, WhatIsNotThereOrNotTrackedIsNamed) {
+TEST_F(FileCommands, ReportMissingAndUntrackedFiles) {
     repository.write("src/untracked.c", "1\n");
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(nebsc({command, "nosuch.c"}, "src"),
-                     "nebsc: there is no file or folder 'nosuch.c'\n");
+                     "nebsc: the file or folder 'nosuch.c' does not exist\n");
     }
     for (const char* command : {"rm", "revert"}) {
         expectFailed(nebsc({command, "untracked.c"}, "src"),
-                     "nebsc: git does not track 'untracked.c'\n");
+                     "nebsc: 'untracked.c' is not tracked by git\n");
     }
     EXPECT_EQ(nebsc({"add", "--json", "nosuch.c"}).json()["error"]["class"], "path-unknown");
     EXPECT_TRUE(isThere("src/untracked.c"));

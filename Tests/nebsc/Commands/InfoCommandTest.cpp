@@ -28,7 +28,7 @@ TEST_F(InfoCommand, ShowsOriginAndTheTop) {
     EXPECT_EQ(json.errors, "");
 }
 
-TEST_F(InfoCommand, ShowsTheSubversionRepositoryBehindTheBridge) {
+TEST_F(InfoCommand, ShowsTheConnectedSubversionRepository) {
     configure("svn-remote.svn.url", "file:///svn/demo");
     expectDone(nebsc({"info"}),
                "Subversion  file:///svn/demo\n"
@@ -36,13 +36,14 @@ TEST_F(InfoCommand, ShowsTheSubversionRepositoryBehindTheBridge) {
                    repository.path() + "\n");
 }
 
-TEST_F(InfoCommand, WithoutEitherThatIsToldPlainly) {
+TEST_F(InfoCommand, ReportsARepositoryWithoutURL) {
     configure("remote.upstream.url", "https://example.org/demo.git");
     expectDone(nebsc({"info"}),
-               "The repository 'repository' has no remote 'origin' and none of Subversion.\n");
+               "The repository 'repository' has no remote 'origin' and no connected Subversion "
+               "repository.\n");
 }
 
-TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
+TEST_F(InfoCommand, FailsOutsideARepository) {
     const TemporaryFolder folder;
     expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
@@ -52,7 +53,7 @@ TEST_F(InfoCommand, OutsideAnyRepositoryGitSaysSo) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-TEST_F(InfoCommand, TheUsersOwnConfigurationMakesNoRepository) {
+TEST_F(InfoCommand, FailsOutsideARepositoryWithAURLInTheUsersConfiguration) {
     const TemporaryFolder folder;
     folder.write(".gitconfig", "[remote \"origin\"]\n\turl = https://example.org/x\n");
     expectFailed(
@@ -60,8 +61,8 @@ TEST_F(InfoCommand, TheUsersOwnConfigurationMakesNoRepository) {
         testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
-    // What git says of a repository that belongs to another user; config is silent then.
+TEST_F(InfoCommand, ReportsARepositoryOfAnotherUser) {
+    // What git prints for a repository of another user; git config prints nothing then.
     const TemporaryFolder bin;
     bin.writeProgram("git",
                      "#!/bin/sh\n[ \"$1\" = config ] && exit 1\n"
@@ -72,12 +73,12 @@ TEST_F(InfoCommand, ARepositoryThatGitRefusesToReadIsNotOneWithoutARemote) {
                  HasSubstr("dubious ownership"));
 }
 
-TEST_F(InfoCommand, AFailureWithoutAWordIsNoAnswer) {
+TEST_F(InfoCommand, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"info"}, git), "nebsc: git exited with status 3 and printed nothing\n");
 }
 
-TEST_F(InfoCommand, AConfigurationThatCannotBeReadIsTold) {
+TEST_F(InfoCommand, ReportsAnUnreadableConfiguration) {
     repository.write(".git/config", "[broken\n");
     expectFailed(nebsc({"info"}), HasSubstr("config"));
 }

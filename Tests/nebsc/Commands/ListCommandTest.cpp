@@ -25,14 +25,14 @@ protected:
     }
 };
 
-TEST_F(ListCommand, FoldersAreToldFromFiles) {
+TEST_F(ListCommand, MarksFolders) {
     expectDone(nebsc({"ls", "src"}), ".hidden\na b.c\ngrüße/\n");
     expectDone(nebsc({"ls", "grüße/"}, "src"), "x\n");
     expectDone(nebsc({"ls"}, "src"), ".hidden\na b.c\ngrüße/\n");
     expectDone(nebsc({"ls", repository.path("src")}), ".hidden\na b.c\ngrüße/\n");
 }
 
-TEST_F(ListCommand, TheTopIsAFolderLikeAnyOther) {
+TEST_F(ListCommand, ListsTheTop) {
     for (const char* top : {".", "src/.."}) {
         expectDone(nebsc({"ls", top}), "src/\ntop.c\n");
     }
@@ -41,7 +41,7 @@ TEST_F(ListCommand, TheTopIsAFolderLikeAnyOther) {
     expectDone(nebsc({"ls", repository.path()}, "src"), "src/\ntop.c\n");
 }
 
-TEST_F(ListCommand, NoCharacterOfAFoldersNameIsSpecial) {
+TEST_F(ListCommand, TakesFolderNamesLiterally) {
     const TemporaryFolder elsewhere;
     const std::string names[] = {"a b",           "a*",      "a?b",          "[ab]", "a\\b", "-l",
                                  "$(touch oops)", "~",       "a;touch oops", "'",    "a\nb", "ab",
@@ -61,7 +61,7 @@ TEST_F(ListCommand, NoCharacterOfAFoldersNameIsSpecial) {
     expectDone(nebsc({"ls", "--", "-l"}), "in -l\n");
 }
 
-TEST_F(ListCommand, ATopWithABlankIsListedToo) {
+TEST_F(ListCommand, ListsATopWithABlankInItsName) {
     const TemporaryFolder folder;
     const std::string top = folder.path("a top [x]");
     repository.git({"clone", "--quiet", repository.path(), top});
@@ -69,27 +69,27 @@ TEST_F(ListCommand, ATopWithABlankIsListedToo) {
     expectDone(runNebsc({"ls", top + "/src"}, {.folder = top}), ".hidden\na b.c\ngrüße/\n");
 }
 
-TEST_F(ListCommand, WhatIsNoFolderOfTheCommitIsNamed) {
+TEST_F(ListCommand, ReportsAPathThatIsNoFolder) {
     expectFailed(nebsc({"ls", "nosuch"}),
-                 "nebsc: there is no folder 'nosuch', neither on disk nor in the latest commit\n");
+                 "nebsc: the folder 'nosuch' exists neither on disk nor in the latest commit\n");
     fs::create_directory(repository.path("new"));
-    expectFailed(nebsc({"ls", "new"}), "nebsc: 'new' is on disk, but not in the latest commit\n");
+    expectFailed(nebsc({"ls", "new"}), "nebsc: 'new' is on disk but not in the latest commit\n");
     expectFailed(nebsc({"ls", "top.c"}),
-                 "nebsc: 'top.c' is no folder in the latest commit, but a file\n");
+                 "nebsc: 'top.c' is not a folder in the latest commit but a file\n");
     const NebscOutcome json = nebsc({"ls", "--json", "nosuch"});
     EXPECT_EQ(json.json()["result"], nullptr);
     EXPECT_EQ(json.json()["error"]["class"], "path-unknown");
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-TEST_F(ListCommand, WhatIsNotOnDiskIsListedToo) {
+TEST_F(ListCommand, ListsNamesThatAreNotOnDisk) {
     fs::remove_all(repository.path("src"));
     expectDone(nebsc({"ls", "src"}), ".hidden\na b.c\ngrüße/\n");
     expectDone(nebsc({"ls", "src/grüße"}), "x\n");
     expectDone(nebsc({"ls"}), "src/\ntop.c\n");
 }
 
-TEST_F(ListCommand, AnEmptyCommitHasNothing) {
+TEST_F(ListCommand, ReportsAnEmptyCommit) {
     repository.git({"rm", "--quiet", "-r", "."});
     repository.git({"commit", "--quiet", "-m", "nothing"});
     const NebscOutcome outcome = nebsc({"ls"});
@@ -98,7 +98,7 @@ TEST_F(ListCommand, AnEmptyCommitHasNothing) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ListCommand, ALongListingIsWhole) {
+TEST_F(ListCommand, ListsVeryManyNames) {
     constexpr std::size_t count = 40'000;
     std::string index;
     const std::string blob = repository.git({"rev-parse", "HEAD:top.c"}).substr(0, 40);
@@ -117,39 +117,39 @@ TEST_F(ListCommand, ALongListingIsWhole) {
     EXPECT_EQ(nebsc({"ls", "--json", "large"}).json()["result"].size(), count);
 }
 
-TEST_F(ListCommand, ABareRepositoryHasFoldersToo) {
+TEST_F(ListCommand, WorksInABareRepository) {
     const TemporaryFolder folder;
     const std::string bare = folder.path("bare.git");
     repository.git({"clone", "--quiet", "--bare", ".", bare});
     expectDone(runNebsc({"ls"}, {.folder = bare}), "src/\ntop.c\n");
     expectDone(runNebsc({"ls", "src/grüße"}, {.folder = bare}), "x\n");
     expectFailed(runNebsc({"ls", "nosuch"}, {.folder = bare}),
-                 "nebsc: there is no folder 'nosuch' in the latest commit\n");
+                 "nebsc: the folder 'nosuch' does not exist in the latest commit\n");
     expectFailed(runNebsc({"ls", ".."}, {.folder = bare}),
-                 HasSubstr("lies outside the repository '" + bare + "'"));
+                 HasSubstr("is outside the repository '" + bare + "'"));
 }
 
-TEST_F(ListCommand, WhatCannotBeListedIsNamed) {
-    expectFailed(nebsc({"ls", "/"}), HasSubstr("'/' lies outside the working copy"));
-    expectFailed(nebsc({"ls", ""}), HasSubstr("the path is empty"), 2);
+TEST_F(ListCommand, ReportsFailures) {
+    expectFailed(nebsc({"ls", "/"}), HasSubstr("'/' is outside the working copy"));
+    expectFailed(nebsc({"ls", ""}), HasSubstr("a path is empty"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"ls"}, {.folder = empty.path()}),
-                 "nebsc: there are no commits yet on the current branch 'main'\n");
+                 "nebsc: the current branch 'main' does not have any commits yet\n");
     EXPECT_EQ(runNebsc({"ls", "--json"}, {.folder = empty.path()}).exitStatus, 1);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"ls"}, {.folder = folder.path()}),
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(ListCommand, ASubmoduleIsNoFile) {
+TEST_F(ListCommand, MarksSubmodules) {
     repository.git({"submodule", "--quiet", "add", repository.path(), "sub"});
     repository.git({"commit", "--quiet", "-m", "submodule"});
     expectDone(nebsc({"ls"}), ".gitmodules\nsrc/\nsub/\ntop.c\n");
     expectFailed(nebsc({"ls", "sub"}),
-                 "nebsc: 'sub' is no folder in the latest commit, but a submodule\n");
+                 "nebsc: 'sub' is not a folder in the latest commit but a submodule\n");
 }
 
-TEST_F(ListCommand, NamesThatAreNotUTF8AreListed) {
+TEST_F(ListCommand, ListsNamesThatAreNotUTF8) {
     repository.commitFile("l\xE9/\xE4\x1b[2J.c", "1\n");
     expectDone(nebsc({"ls"}), "l\\xe9/\nsrc/\ntop.c\n");
     expectDone(nebsc({"ls", "l\xE9"}), "\\xe4\\x1b[2J.c\n");
@@ -157,7 +157,7 @@ TEST_F(ListCommand, NamesThatAreNotUTF8AreListed) {
     EXPECT_EQ(records[0]["NEBSourceControlOperationNameKey"], R"("\344\033[2J.c")");
 }
 
-TEST_F(ListCommand, JSONIsTheOutcomeAndNothingElse) {
+TEST_F(ListCommand, JSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = nebsc({"ls", "--json"}, "src");
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestList);
@@ -170,7 +170,7 @@ TEST_F(ListCommand, JSONIsTheOutcomeAndNothingElse) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ListCommand, ATerminalShowsFoldersInColour) {
+TEST_F(ListCommand, ColoursFoldersOnATerminal) {
     const NebscOutcome outcome =
         runNebsc({"ls"}, {.folder = repository.path(),
                           .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},

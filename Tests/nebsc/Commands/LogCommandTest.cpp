@@ -9,7 +9,7 @@ namespace {
 using testing::HasSubstr;
 using JSON = nlohmann::ordered_json;
 
-/// The tests' commits are of this minute, where the zone is half an hour off.
+/// The minute of the commits of the tests, in a time zone with a half-hour offset.
 constexpr const char* zone = "IST-5:30";
 constexpr const char* minute = "2020-09-13 17:56";
 
@@ -20,12 +20,13 @@ protected:
         repository.commitFile("src/grüße dir/b c.c", "1\n", "Second\nof two lines\n\nThe body.\n");
         repository.commitFile("a.c", "2\n", "Third");
     }
-    [[nodiscard]] NebscOutcome log(std::vector<std::string> words,
+    [[nodiscard]] NebscOutcome log(std::vector<std::string> arguments,
                                    std::string_view folder = "") const {
-        words.insert(words.begin(), "log");
-        return runNebsc(words, {.folder = repository.path(folder), .variables = {{"TZ", zone}}});
+        arguments.insert(arguments.begin(), "log");
+        return runNebsc(arguments,
+                        {.folder = repository.path(folder), .variables = {{"TZ", zone}}});
     }
-    /// 12 characters.
+    /// Returns the first 12 characters of a commit id.
     [[nodiscard]] std::string revision(const std::string& name) const {
         return repository.git({"rev-parse", name}).substr(0, 12);
     }
@@ -34,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(LogCommand, EachCommitIsALine) {
+TEST_F(LogCommand, ShowsEachCommitOnALine) {
     const std::string all =
         line("HEAD", "Third") + line("HEAD~1", "Second of two lines") + line("HEAD~2", "First");
     expectDone(log({}), all);
@@ -44,7 +45,7 @@ TEST_F(LogCommand, EachCommitIsALine) {
                line("HEAD", "Third") + line("HEAD~1", "Second of two lines"));
 }
 
-TEST_F(LogCommand, AuthorsLineUp) {
+TEST_F(LogCommand, AlignsAuthors) {
     repository.git({"commit", "--quiet", "--allow-empty", "-m", "wide", "--author",
                     "\xE4\xBD\xA0\xE5\xA5\xBD <a@b>"});
     repository.git({"commit", "--quiet", "--allow-empty", "-m", "long", "--author",
@@ -58,7 +59,7 @@ TEST_F(LogCommand, AuthorsLineUp) {
                    revision("HEAD~3") + "  " + minute + "  Ann Example           Third\n");
 }
 
-TEST_F(LogCommand, FilesAreShownAsSeenFromTheCurrentFolder) {
+TEST_F(LogCommand, ShowsFilesRelativeToTheCurrentFolder) {
     repository.git({"mv", "a.c", "new name.c"});
     repository.git({"commit", "--quiet", "-m", "Move"});
     expectDone(log({"--files", "-n", "3"}, "src"),
@@ -67,7 +68,7 @@ TEST_F(LogCommand, FilesAreShownAsSeenFromTheCurrentFolder) {
                    "    added      grüße dir/b c.c\n");
 }
 
-TEST_F(LogCommand, TheWholeMessageIsABlock) {
+TEST_F(LogCommand, ShowsFullMessages) {
     const std::string head =
         "\nAuthor: Ann Example <ann@example.org>\nDate:   2020-09-13 17:56:40 +0530\n";
     expectDone(log({"--full", "--files", "HEAD~1"}),
@@ -79,25 +80,25 @@ TEST_F(LogCommand, TheWholeMessageIsABlock) {
     expectDone(log({"--full", "-n1"}), "commit " + revision("HEAD") + head);
 }
 
-TEST_F(LogCommand, AFileOrFolderRestrictsIt) {
+TEST_F(LogCommand, LimitsTheHistoryToAFileOrFolder) {
     const std::string second = line("HEAD~1", "Second of two lines");
     expectDone(log({"b c.c"}, "src/grüße dir"), second);
     expectDone(log({"src"}), second);
     expectDone(log({"HEAD~1", "a.c"}), line("HEAD~2", "First"));
     repository.git({"rm", "--quiet", "-r", "src"});
     repository.git({"commit", "--quiet", "-m", "Remove"});
-    expectFailed(log({"src"}), HasSubstr("there is no revision and no file 'src'; put '--'"));
+    expectFailed(log({"src"}), HasSubstr("'src' is neither a revision nor a file; put '--'"));
     expectDone(log({"--", "src"}), line("HEAD", "Remove") + line("HEAD~2", "Second of two lines"));
-    EXPECT_EQ(log({"--", "never"}).errors, "There are no such commits.\n");
+    EXPECT_EQ(log({"--", "never"}).errors, "No matching commits.\n");
     EXPECT_EQ(log({"--", "never"}).exitStatus, 0);
 }
 
-TEST_F(LogCommand, AFilesNameIsNoPattern) {
+TEST_F(LogCommand, TakesFileNamesLiterally) {
     repository.commitFile("[a].c", "1\n", "Brackets");
     expectDone(log({"[a].c"}), line("HEAD", "Brackets"));
 }
 
-TEST_F(LogCommand, ARangeHasGitsMeaning) {
+TEST_F(LogCommand, RangesMeanTheSameAsInGit) {
     repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
     repository.commitFile("t.c", "1\n", "On topic");
     const auto subjects = [this](const std::string& range) {
@@ -105,7 +106,7 @@ TEST_F(LogCommand, ARangeHasGitsMeaning) {
         return std::pair{shown.find("On topic") != std::string::npos,
                          shown.find("Third") != std::string::npos};
     };
-    // In this order: what topic has, what main has.
+    // The commits of topic, then those of main.
     const std::pair<bool, bool> onlyTopic(true, false);
     const std::pair<bool, bool> onlyMain(false, true);
     const std::pair<bool, bool> both(true, true);
@@ -117,70 +118,70 @@ TEST_F(LogCommand, ARangeHasGitsMeaning) {
     EXPECT_EQ(subjects("topic...main"), both);
     EXPECT_EQ(subjects("...main"), both);
     EXPECT_THAT(log({"main...topic"}).output, testing::Not(HasSubstr("First")));
-    EXPECT_EQ(log({"topic..HEAD"}).errors, "There are no such commits.\n");
+    EXPECT_EQ(log({"topic..HEAD"}).errors, "No matching commits.\n");
     const auto arguments = [this](const std::string& range) {
         return log({"--json", range, "t.c"}).json()["command"]["arguments"].dump();
     };
     EXPECT_THAT(arguments("main..topic"), HasSubstr(R"("main..topic")"));
     EXPECT_THAT(arguments("main...topic"), HasSubstr(R"("main...topic")"));
-    expectFailed(log({"main..topic", "main"}), HasSubstr("two revisions at most"), 2);
+    expectFailed(log({"main..topic", "main"}), HasSubstr("at most two revisions"), 2);
     expectFailed(log({"main", "topic"}), HasSubstr("write A..B or A...B"), 2);
     expectFailed(log({"main..nosuch"}), HasSubstr("'main..nosuch'"));
 }
 
-TEST_F(LogCommand, ARangeIsNoFileOfThatName) {
+TEST_F(LogCommand, ARangeTakesPrecedenceOverAFile) {
     repository.git({"branch", "topic", "HEAD~1"});
     repository.commitFile("topic..main", "1\n", "Fourth");
     expectDone(log({"topic..main", "--"}), line("HEAD", "Fourth") + line("HEAD~1", "Third"));
     expectDone(log({"--", "topic..main"}), line("HEAD", "Fourth"));
 }
 
-TEST_F(LogCommand, ABranchStandsForARevision) {
+TEST_F(LogCommand, ShowsABranch) {
     repository.git({"branch", "topic", "HEAD~2"});
     expectDone(log({"--branch", "topic"}), line("topic", "First"));
-    expectFailed(log({"--branch", "topic", "HEAD"}), HasSubstr("cannot stand together"), 2);
-    expectFailed(log({"--branch", "a.c"}), "nebsc: there is no revision 'a.c'\n");
+    expectFailed(log({"--branch", "topic", "HEAD"}), HasSubstr("cannot be combined"), 2);
+    expectFailed(log({"--branch", "a.c"}), "nebsc: unknown revision 'a.c'\n");
     expectFailed(log({"--branch=--all"}), HasSubstr("'--all' begins with '-'"), 2);
-    // Neither a tag nor a file of that name is any of its business.
+    // A tag or a file of the same name makes no difference.
     repository.git({"tag", "topic", "HEAD"});
     expectDone(log({"--branch", "topic"}), line("refs/heads/topic", "First"));
-    expectFailed(log({"--branch", "^topic"}), HasSubstr("no revision '^topic'"));
+    expectFailed(log({"--branch", "^topic"}), HasSubstr("unknown revision '^topic'"));
     repository.git({"tag", "--delete", "topic"});
     repository.write("topic", "");
     expectDone(log({"--branch", "topic"}), line("topic", "First"));
 }
 
-TEST_F(LogCommand, DashesSettleWhetherAWordIsAFile) {
+TEST_F(LogCommand, DashesSeparateRevisionsFromFiles) {
     repository.git({"branch", "both", "HEAD~1"});
     repository.commitFile("both", "1\n", "A file like a branch");
     expectFailed(log({"both"}), HasSubstr("'both' is both a revision and a file"));
     expectDone(log({"--", "both"}), line("HEAD", "A file like a branch"));
     expectDone(log({"-n1", "both", "--"}), line("both", "Second of two lines"));
     expectDone(log({"-n1", "both", "--", "a.c"}), line("HEAD~3", "First"));
-    expectFailed(log({"nosuch", "--"}), "nebsc: there is no revision 'nosuch'\n");
+    expectFailed(log({"nosuch", "--"}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(log({"a.c", "both", "src"}), HasSubstr("src"), 2);
-    expectFailed(log({"a.c", "src"}), HasSubstr("one file at most"), 2);
+    expectFailed(log({"a.c", "src"}), HasSubstr("at most one file"), 2);
 }
 
-TEST_F(LogCommand, ABranchCalledZeroIsAnEndToo) {
+TEST_F(LogCommand, AcceptsABranchNamedZero) {
     repository.git({"branch", "0", "HEAD~1"});
     expectDone(log({"0..main"}), line("main", "Third"));
     expectDone(log({"main...0"}), line("main", "Third"));
-    EXPECT_EQ(log({"main..0"}).errors, "There are no such commits.\n");
+    EXPECT_EQ(log({"main..0"}).errors, "No matching commits.\n");
 }
 
-TEST_F(LogCommand, WhatIsNoNumberOfCommitsIsRefused) {
+TEST_F(LogCommand, RefusesAnInvalidNumberOfCommits) {
     for (const char* count : {"x", "-1", "3x", "99999999999"}) {
         expectFailed(log({std::string("--limit=") + count}),
-                     HasSubstr(std::string(count) + "' is no number of commits"), 2);
+                     HasSubstr(std::string(count) + "' is not a number of commits"), 2);
     }
-    EXPECT_EQ(log({"-n", "0"}).errors, "There are no such commits.\n");
+    EXPECT_EQ(log({"-n", "0"}).errors, "No matching commits.\n");
 }
 
-TEST_F(LogCommand, WithoutCommitsThatIsTold) {
+TEST_F(LogCommand, ReportsARepositoryWithoutCommits) {
     const TestRepository empty;
     expectFailed(runNebsc({"log"}, {.folder = empty.path()}),
-                 "nebsc: there are no commits yet on the current branch 'main'\n");
+                 "nebsc: the current branch 'main' does not have any commits yet\n");
     const NebscOutcome json = runNebsc({"log", "--json"}, {.folder = empty.path()});
     EXPECT_EQ(json.json()["error"]["class"], "no-commits-yet");
     EXPECT_EQ(json.exitStatus, 1);
@@ -189,14 +190,14 @@ TEST_F(LogCommand, WithoutCommitsThatIsTold) {
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(LogCommand, ABareRepositoryHasALogToo) {
+TEST_F(LogCommand, WorksInABareRepository) {
     repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
     const NebscOutcome outcome = runNebsc(
         {"log", "-n1"}, {.folder = repository.path("../bare.git"), .variables = {{"TZ", zone}}});
     expectDone(outcome, line("HEAD", "Third"));
-    const auto inBare = [this](std::vector<std::string> words) {
-        words.insert(words.begin(), "log");
-        return runNebsc(words,
+    const auto inBare = [this](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "log");
+        return runNebsc(arguments,
                         {.folder = repository.path("../bare.git"), .variables = {{"TZ", zone}}});
     };
     const std::string ofFile = line("HEAD", "Third") + line("HEAD~2", "First");
@@ -204,10 +205,10 @@ TEST_F(LogCommand, ABareRepositoryHasALogToo) {
     expectDone(inBare({"HEAD", "a.c"}), ofFile);
     expectDone(inBare({"./a.c"}), ofFile);
     expectDone(inBare({"HEAD~1", "src"}), line("HEAD~1", "Second of two lines"));
-    expectFailed(inBare({"nosuch"}), HasSubstr("there is no revision and no file 'nosuch'"));
+    expectFailed(inBare({"nosuch"}), HasSubstr("'nosuch' is neither a revision nor a file"));
 }
 
-TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {
+TEST_F(LogCommand, JSONPrintsOnlyTheOutcome) {
     const NebscOutcome outcome = log({"--json", "--files", "-n", "1", "HEAD", "../a.c"}, "src");
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestLog);
@@ -219,7 +220,7 @@ TEST_F(LogCommand, JSONIsTheOutcomeAndNothingElse) {
     EXPECT_EQ(log({"--json", "--", "never"}).errors, "");
 }
 
-TEST_F(LogCommand, AMessageCannotDriveTheTerminal) {
+TEST_F(LogCommand, EscapesControlCharactersInMessages) {
     repository.git({"commit", "--quiet", "--allow-empty", "-m", "red \x1b[31m\n\nbody \x1b[2J\tx",
                     "--author", "Bad \x1b]0;x\x07z <a@b>"});
     for (const char* option : {"--files", "--full"}) {
@@ -231,7 +232,7 @@ TEST_F(LogCommand, AMessageCannotDriveTheTerminal) {
     EXPECT_THAT(log({"--full", "-n1"}).output, HasSubstr("body \\x1b[2J\tx\n"));
 }
 
-TEST_F(LogCommand, ATerminalShowsColours) {
+TEST_F(LogCommand, UsesColoursOnATerminal) {
     const NebscOutcome outcome =
         runNebsc({"log", "-n1", "--files"},
                  {.folder = repository.path(),
@@ -241,14 +242,14 @@ TEST_F(LogCommand, ATerminalShowsColours) {
                                   "  Ann Example  Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
 }
 
-TEST_F(LogCommand, AFileNameThatIsNotUTF8CostsNoCommit) {
+TEST_F(LogCommand, KeepsACommitWithAFileNameThatIsNotUTF8) {
     repository.commitFile("lat\xE4.txt", "1\n", "Fourth");
     expectDone(log({"--files", "-n1"}), line("HEAD", "Fourth") + "    added      lat\\xe4.txt\n");
 }
 
 class LogOfOtherEncodings : public LogCommand {
 protected:
-    /// A commit whose message is not UTF-8; returns its 12 characters.
+    /// Creates a commit whose message is not UTF-8, and returns the first 12 characters of its id.
     [[nodiscard]] std::string commitOtherBytes() const {
         const std::string raw = "tree " + repository.git({"rev-parse", "HEAD^{tree}"}) + "parent " +
                                 repository.git({"rev-parse", "HEAD"}) +
@@ -264,7 +265,7 @@ protected:
         " left out, because the author, the e-mail address or the message is not UTF-8:\n";
 };
 
-TEST_F(LogOfOtherEncodings, NamesTheCommitsThatItLeavesOut) {
+TEST_F(LogOfOtherEncodings, ListsOmittedCommits) {
     const std::string first = commitOtherBytes();
     const NebscOutcome one = log({"-n2"});
     EXPECT_EQ(one.output, line("HEAD~1", "Third"));
@@ -272,7 +273,7 @@ TEST_F(LogOfOtherEncodings, NamesTheCommitsThatItLeavesOut) {
     EXPECT_EQ(one.exitStatus, 0);
     const NebscOutcome none = log({"-n1"});
     EXPECT_EQ(none.output, "");
-    EXPECT_EQ(none.errors, one.errors) << "not that there are no such commits";
+    EXPECT_EQ(none.errors, one.errors) << "not that no commits match";
 
     std::string names;
     for (int i = 0; i < 6; ++i) {
@@ -283,7 +284,7 @@ TEST_F(LogOfOtherEncodings, NamesTheCommitsThatItLeavesOut) {
               std::string("nebsc: 7 commits are") + reason + "    " + names + first + "\n");
 }
 
-TEST_F(LogOfOtherEncodings, ProgramsAreToldWhatIsLeftOut) {
+TEST_F(LogOfOtherEncodings, JSONListsOmittedCommits) {
     const std::string commit = commitOtherBytes();
     const NebscOutcome outcome = log({"--json", "-n2"});
     EXPECT_EQ(outcome.json()["omittedRevisions"], JSON({commit}));

@@ -14,7 +14,7 @@ using JSON = nlohmann::ordered_json;
 
 class MergeCommands : public CommandTest {
 protected:
-    /// "topic" and "main" have gone apart in a.c.
+    /// Lets "topic" and "main" diverge in a.c.
     void SetUp() override {
         repository.commitFile("a.c", "first\n");
         base = revision("HEAD");
@@ -25,12 +25,12 @@ protected:
         repository.commitFile("a.c", "main\n");
         before = revision("HEAD");
     }
-    /// 12 characters.
+    /// Returns the first 12 characters of a commit id.
     [[nodiscard]] std::string revision(const char* name) const {
         return repository.git({"rev-parse", name}).substr(0, 12);
     }
 
-    /// Makes both branches change the file.
+    /// Changes the file in both branches.
     void changeOnBoth(const std::string& name, const std::string& start, const std::string& ours,
                       const std::string& theirs) const {
         repository.git({"checkout", "--quiet", "topic"});
@@ -38,27 +38,27 @@ protected:
         repository.git({"checkout", "--quiet", "main"});
         repository.commitFile(name, start + ours);
     }
-    /// What is said of the files, each on a line with its end and its indentation.
+    /// Returns the message for the files, each given as an indented line with its end.
     [[nodiscard]] std::string settled(const std::string& files) const {
         return "nebsc: both sides changed the same lines or binary files; the current branch's "
-               "were kept and the other side's left out in:\n" +
+               "were kept and the other side's dropped in:\n" +
                files + "'git diff " + before + "..." + revision("topic") +
-               "' shows all changes of the side whose lines were left out.\n";
+               "' shows all changes of the side whose lines were dropped.\n";
     }
     [[nodiscard]] std::string notKnown(const std::string& reason) const {
         return "nebsc: where both sides changed the same lines, the current branch's were kept and "
-               "the other side's left out. In which files is not known: " +
+               "the other side's dropped; the files are not known: " +
                reason + ".\n'git diff " + before + "..." + revision("topic") +
-               "' shows all changes of the side whose lines were left out.\n";
+               "' shows all changes of the side whose lines were dropped.\n";
     }
-    /// Runs nebsc with a git that answers the command by the script, and all others as ever.
+    /// Runs nebsc with a git that runs the script for the command, and the real git for all others.
     [[nodiscard]] NebscOutcome mergeWhere(const std::string& command, const std::string& script,
-                                          const std::vector<std::string>& words = {"merge",
-                                                                                   "topic"}) const {
+                                          const std::vector<std::string>& arguments = {
+                                              "merge", "topic"}) const {
         const StandInGit git(repository.path(), "case \" $* \" in *\" " + command + " \"*) " +
                                                     script +
                                                     ";; esac\nPATH=${PATH#*:} exec git \"$@\"");
-        return runNebsc(words, {.folder = repository.path(), .variables = {git.path()}});
+        return runNebsc(arguments, {.folder = repository.path(), .variables = {git.path()}});
     }
     void expectMerged(const NebscOutcome& outcome, const std::string& errors) const {
         EXPECT_EQ(outcome.output, "Merged 'topic'; now at " + revision("HEAD") + ".\n");
@@ -67,11 +67,11 @@ protected:
     }
 
     std::string base;
-    /// The commit of main.
+    /// Returns the commit of main.
     std::string before;
 };
 
-TEST_F(MergeCommands, AConflictIsSettledToTheCurrentBranchsSide) {
+TEST_F(MergeCommands, MergeKeepsTheLinesOfTheCurrentBranch) {
     expectMerged(nebsc({"merge", "topic"}), settled("    a.c\n"));
     EXPECT_EQ(content("a.c"), "main\n");
     EXPECT_EQ(content("topic.c"), "topic\n");
@@ -79,7 +79,7 @@ TEST_F(MergeCommands, AConflictIsSettledToTheCurrentBranchsSide) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(MergeCommands, EveryFileWithASettledConflictIsNamed) {
+TEST_F(MergeCommands, MergeListsEveryFileWithASettledConflict) {
     changeOnBoth("bin", std::string("\0", 1), "main", "topic");
     changeOnBoth("src/both.c", "", "main\n", "topic\n");
     changeOnBoth("src/na\tme\n\xE4", "", "main\n", "topic\n");
@@ -90,7 +90,7 @@ TEST_F(MergeCommands, EveryFileWithASettledConflictIsNamed) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(MergeCommands, VeryManyFilesAreNamedToo) {
+TEST_F(MergeCommands, MergeListsVeryManyFiles) {
     constexpr int count = 2000;
     for (const char* branch : {"topic", "main"}) {
         repository.git({"checkout", "--quiet", branch});
@@ -107,14 +107,14 @@ TEST_F(MergeCommands, VeryManyFilesAreNamedToo) {
     }
 }
 
-TEST_F(MergeCommands, AMergeWithoutASettledConflictSaysNothing) {
+TEST_F(MergeCommands, MergeWithoutASettledConflictListsNothing) {
     repository.git({"reset", "--quiet", "--hard", base});
     repository.commitFile("main.c", "main\n");
     expectMerged(nebsc({"merge", "topic"}), "");
     EXPECT_EQ(repository.git({"rev-parse", "HEAD^2"}), repository.git({"rev-parse", "topic"}));
 }
 
-TEST_F(MergeCommands, AProgramLearnsOfFilesWhoseNamesAreNotUTF8) {
+TEST_F(MergeCommands, JSONListsFilesWhoseNamesAreNotUTF8) {
     repository.git({"checkout", "--quiet", "topic"});
     repository.commitFile("lat\xE4.c", "topic\n");
     repository.git({"checkout", "--quiet", "main"});
@@ -123,7 +123,7 @@ TEST_F(MergeCommands, AProgramLearnsOfFilesWhoseNamesAreNotUTF8) {
               JSON({"a.c", R"("lat\344.c")"}));
 }
 
-TEST_F(MergeCommands, AProgramLearnsOfSettledConflictsFromTheOutcome) {
+TEST_F(MergeCommands, JSONListsSettledConflicts) {
     const NebscOutcome merged = nebsc({"merge", "topic", "--json"});
     EXPECT_EQ(merged.json()["settledConflicts"], JSON({"a.c"}));
     EXPECT_EQ(merged.json()["error"], nullptr);
@@ -133,8 +133,8 @@ TEST_F(MergeCommands, AProgramLearnsOfSettledConflictsFromTheOutcome) {
     EXPECT_FALSE(nebsc({"merge", "topic", "--json"}).json().contains("settledConflicts"));
 }
 
-/// Histories that have crossed have two best common ancestors.
-TEST_F(MergeCommands, ConflictsAreFoundAcrossSeveralMergeBases) {
+/// After a criss-cross merge, there are two best common ancestors.
+TEST_F(MergeCommands, FindsConflictsAcrossSeveralMergeBases) {
     repository.git({"branch", "side"});
     repository.git({"merge", "--quiet", "-X", "ours", "-m", "cross", "topic"});
     repository.git({"checkout", "--quiet", "topic"});
@@ -145,9 +145,8 @@ TEST_F(MergeCommands, ConflictsAreFoundAcrossSeveralMergeBases) {
     expectMerged(nebsc({"merge", "topic"}), settled("    a.c\n    b.c\n"));
 }
 
-/// The search for them runs neither a merge driver nor a filter, and takes no driver's work for a
-/// conflict.
-TEST_F(MergeCommands, NoProgramOfTheUserRunsToFindTheConflicts) {
+/// The search runs neither merge drivers nor filters, and does not report what a driver resolved.
+TEST_F(MergeCommands, TheSearchForConflictsRunsNoProgramOfTheUser) {
     for (const char* name : {"driven", "filtered", "union"}) {
         changeOnBoth(name, "", "main\n", "topic\n");
     }
@@ -164,9 +163,9 @@ TEST_F(MergeCommands, NoProgramOfTheUserRunsToFindTheConflicts) {
     EXPECT_EQ(repository.git({"show", "HEAD:union"}), "main\ntopic\n");
 }
 
-TEST_F(MergeCommands, AnOlderGitCannotTellWhereTheConflictsWere) {
+TEST_F(MergeCommands, AnOlderGitCannotFindTheConflicts) {
     expectMerged(mergeWhere("version", "echo git version 2.37.9; exit"),
-                 notKnown("that takes git 2.38 or newer"));
+                 notKnown("this requires git 2.38 or newer"));
     repository.git({"reset", "--quiet", "--hard", before});
     EXPECT_EQ(mergeWhere("version", "echo git version 2.37.9; exit", {"merge", "topic", "--json"})
                   .json()["settledConflicts"],
@@ -175,7 +174,7 @@ TEST_F(MergeCommands, AnOlderGitCannotTellWhereTheConflictsWere) {
     expectMerged(mergeWhere("version", "echo git version 2.37.9; exit"), "");
 }
 
-TEST_F(MergeCommands, ASearchForConflictsThatFailsIsNoFailureOfTheMerge) {
+TEST_F(MergeCommands, AFailedSearchForConflictsDoesNotFailTheMerge) {
     expectMerged(mergeWhere("merge-tree", "echo 'fatal: no memory' >&2; exit 128"),
                  notKnown("no memory"));
     repository.git({"reset", "--quiet", "--hard", before});
@@ -183,16 +182,16 @@ TEST_F(MergeCommands, ASearchForConflictsThatFailsIsNoFailureOfTheMerge) {
     repository.git({"reset", "--quiet", "--hard", before});
     repository.git({"config", "merge.a=b.driver", "true"});
     expectMerged(nebsc({"merge", "topic"}),
-                 notKnown("the name of a merge driver or filter holds a '='"));
+                 notKnown("the name of a merge driver or filter contains '='"));
     EXPECT_EQ(nebsc({"merge", "main"}).exitStatus, 0);
 }
 
-TEST_F(MergeCommands, AFastForwardIsAMergeToo) {
+TEST_F(MergeCommands, MergeFastForwards) {
     repository.git({"reset", "--quiet", "--hard", base});
     expectDone(nebsc({"merge", "topic"}), "Merged 'topic'; now at " + revision("topic") + ".\n");
 }
 
-TEST_F(MergeCommands, WhatIsMergedAlreadyIsToldPlainly) {
+TEST_F(MergeCommands, MergeReportsThatItIsUpToDate) {
     for (const char* name : {"HEAD", "main~1", "main"}) {
         expectDone(nebsc({"merge", name}),
                    "Already up to date: '" + std::string(name) + "' is merged.\n");
@@ -205,7 +204,7 @@ TEST_F(MergeCommands, WhatIsMergedAlreadyIsToldPlainly) {
     EXPECT_EQ(json.exitStatus, 0);
 }
 
-TEST_F(MergeCommands, AMergeThatTheUserWantsUncommittedIsToldSo) {
+TEST_F(MergeCommands, ReportsAMergeThatIsNotCommitted) {
     repository.git({"config", "branch.main.mergeOptions", "--no-commit"});
     const NebscOutcome outcome = nebsc({"merge", "topic"});
     EXPECT_EQ(outcome.output, "Merged 'topic'; it is not committed yet.\n");
@@ -213,7 +212,7 @@ TEST_F(MergeCommands, AMergeThatTheUserWantsUncommittedIsToldSo) {
     EXPECT_EQ(state(), "A  topic.c\n");
 }
 
-TEST_F(MergeCommands, AConflictThatHasNoSideIsAFailure) {
+TEST_F(MergeCommands, AConflictWithoutSidesIsAFailure) {
     repository.git({"rm", "--quiet", "a.c"});
     repository.git({"commit", "--quiet", "-m", "without a.c"});
     expectFailed(nebsc({"merge", "topic"}),
@@ -221,8 +220,8 @@ TEST_F(MergeCommands, AConflictThatHasNoSideIsAFailure) {
     EXPECT_EQ(nebsc({"merge", "topic", "--json"}).exitStatus, 1);
 }
 
-/// The user settles the one conflict that is left, and would never hear of the others.
-TEST_F(MergeCommands, SettledConflictsAreNamedBesideOneThatIsLeft) {
+/// The user resolves the one remaining conflict and must hear of the others now.
+TEST_F(MergeCommands, ListsSettledConflictsBesideAnUnsettledOne) {
     changeOnBoth("src/both.c", "", "main\n", "topic\n");
     repository.git({"rm", "--quiet", "a.c"});
     repository.git({"commit", "--quiet", "-m", "without a.c"});
@@ -235,7 +234,7 @@ TEST_F(MergeCommands, SettledConflictsAreNamedBesideOneThatIsLeft) {
     EXPECT_THAT(nebsc({"merge", "topic"}).errors, Not(HasSubstr("left out in")));
 }
 
-TEST_F(MergeCommands, SettledConflictsOfAMergeThatAHookRefusesAreNamed) {
+TEST_F(MergeCommands, ListsSettledConflictsIfAHookRefusesTheMerge) {
     const std::string hook = ".git/hooks/pre-merge-commit";
     repository.write(hook, "#!/bin/sh\necho no >&2\nexit 1\n");
     std::filesystem::permissions(repository.path(hook), std::filesystem::perms::owner_all);
@@ -250,7 +249,7 @@ TEST_F(MergeCommands, LocalChangesAreNotOverwritten) {
     EXPECT_EQ(state(), "?? topic.c\n");
 }
 
-TEST_F(MergeCommands, WhatCannotBeMergedIsNamed) {
+TEST_F(MergeCommands, MergeReportsFailures) {
     expectFailed(nebsc({"merge", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc({"merge", "--", "--abort"}), HasSubstr("'--abort' begins with '-'"), 2);
     expectFailed(nebsc({"merge"}), HasSubstr("REVISION"), 2);
@@ -259,7 +258,7 @@ TEST_F(MergeCommands, WhatCannotBeMergedIsNamed) {
                  testing::StartsWith("nebsc: the folder is not in a git repository"));
 }
 
-TEST_F(MergeCommands, AMergeThatFailsWithoutAWordIsAFailure) {
+TEST_F(MergeCommands, ASilentGitFailureIsAnError) {
     const StandInGit git(repository.path(), "exit 1");
     expectFailed(nebsc({"merge", "topic"}, git),
                  "nebsc: git exited with status 1 and printed nothing\n");
@@ -267,7 +266,7 @@ TEST_F(MergeCommands, AMergeThatFailsWithoutAWordIsAFailure) {
 
 // ---- merge-base -------------------------------------------------------------------------------
 
-TEST_F(MergeCommands, TheMergeBaseIsShown) {
+TEST_F(MergeCommands, MergeBaseShowsTheCommonAncestor) {
     repository.write("src/b.c", "");
     expectDone(nebsc({"merge-base", "main", "topic"}, "src"), base + "\n");
     const NebscOutcome json = nebsc({"--json", "merge-base", "main", "topic"});
@@ -276,7 +275,7 @@ TEST_F(MergeCommands, TheMergeBaseIsShown) {
     EXPECT_EQ(json.exitStatus, 0);
 }
 
-TEST_F(MergeCommands, WithoutACommonAncestorThatIsTold) {
+TEST_F(MergeCommands, MergeBaseReportsUnrelatedHistories) {
     repository.git({"checkout", "--quiet", "--orphan", "other"});
     repository.git({"commit", "--quiet", "-m", "another start"});
     expectFailed(nebsc({"merge-base", "main", "other"}),
@@ -286,13 +285,13 @@ TEST_F(MergeCommands, WithoutACommonAncestorThatIsTold) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-TEST_F(MergeCommands, AMergeOfWhatIsNotThereIsToldSo) {
-    expectFailed(nebsc({"merge", "nosuch"}), "nebsc: there is no branch or revision 'nosuch'\n");
+TEST_F(MergeCommands, MergeReportsAnUnknownRevision) {
+    expectFailed(nebsc({"merge", "nosuch"}), "nebsc: unknown branch or revision 'nosuch'\n");
     expectFailed(nebsc({"merge", ""}), "nebsc: REVISION is empty\n", 2);
 }
 
-TEST_F(MergeCommands, AnUnknownRevisionIsNoMissingAncestor) {
-    expectFailed(nebsc({"merge-base", "main", "nosuch"}), "nebsc: there is no revision 'nosuch'\n");
+TEST_F(MergeCommands, MergeBaseReportsAnUnknownRevision) {
+    expectFailed(nebsc({"merge-base", "main", "nosuch"}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(nebsc({"merge-base", "HEAD~7", "main"}), HasSubstr("'HEAD~7'"));
     const NebscOutcome json = nebsc({"merge-base", "--json", "main", "nosuch"});
     EXPECT_EQ(json.json()["error"]["class"], "revision-unknown");

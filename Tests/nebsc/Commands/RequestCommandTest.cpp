@@ -21,7 +21,7 @@ std::string statusRequest(const std::string& location) {
         .dump();
 }
 
-/// The outcome with what differs from run to run made equal.
+/// Returns the outcome with fixed values in place of those that differ between runs.
 std::string steady(JSON outcome) {
     for (JSON& run : outcome["commands"]) {
         EXPECT_TRUE(run["milliseconds"].is_number_float());
@@ -30,7 +30,7 @@ std::string steady(JSON outcome) {
     return outcome.dump();
 }
 
-TEST(RequestCommand, AStatusHasThisOutcome) {
+TEST(RequestCommand, PrintsTheOutcomeOfAStatus) {
     const TestRepository repository;
     repository.write("a b.txt", "new");
     const StandInGit git("", "printf '?? \"a b.txt\"\\n M c.c\\n'");
@@ -55,7 +55,7 @@ TEST(RequestCommand, AStatusHasThisOutcome) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST(RequestCommand, ADryRunMakesTheOperationAndRunsNothing) {
+TEST(RequestCommand, ADryRunRunsNothing) {
     const TemporaryFolder folder;
     const std::string file = folder.write("request.json", statusRequest(folder.path()));
     const StandInGit git("", "touch '" + folder.path("ran") + "'");
@@ -72,7 +72,7 @@ TEST(RequestCommand, ADryRunMakesTheOperationAndRunsNothing) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
-TEST(RequestCommand, ReadsStandardInputAndFilesAlike) {
+TEST(RequestCommand, ReadsStandardInputAndFiles) {
     const TemporaryFolder folder;
     const std::string file = folder.write("-request", R"({"type": 4})");
     const std::string expected = runRequest(R"({"type": 4})").output;
@@ -83,7 +83,7 @@ TEST(RequestCommand, ReadsStandardInputAndFilesAlike) {
     EXPECT_EQ(runNebsc({"--json", "request", "--json", file}).output, expected);
 }
 
-TEST(RequestCommand, AnOperationThatDoesNothingHasNeitherResultNorError) {
+TEST(RequestCommand, AnEmptyOperationHasNeitherResultNorError) {
     const NebscOutcome outcome = runRequest(R"({"type": 4})");
     EXPECT_EQ(outcome.output,
               R"({"type":4,"name":"ignore","authenticationRequired":false,"valid":true,)"
@@ -93,7 +93,7 @@ TEST(RequestCommand, AnOperationThatDoesNothingHasNeitherResultNorError) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-/// The types that stand for no work, and those outside the known range.
+/// The types without an operation, and those outside the known range.
 const std::map<std::string, std::string> typesWithoutOperation{
     {"-1", "-1"},
     {"12", "12 (unsupported)"},
@@ -132,7 +132,7 @@ TEST(RequestCommand, ADryRunReportsATypeWithoutOperationToo) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST(RequestCommand, ARefusedValidationIsTheOutcome) {
+TEST(RequestCommand, AFailedValidationIsTheOutcome) {
     const NebscOutcome outcome = runRequest(
         R"({"type": 33, "sourceTree": {"name": "demo"}, "repositoryToAuthenticate":
             {"class": "NEBSourceControlRepository", "reachable": false}})");
@@ -150,7 +150,7 @@ TEST(RequestCommand, ARefusedValidationIsTheOutcome) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST(RequestCommand, ReportsAreInTheOutcomeAndNowhereElse) {
+TEST(RequestCommand, ReportsAreOnlyInTheOutcome) {
     const NebscOutcome outcome =
         runNebsc({"request", "--dry-run"}, {.input = R"({"type": 36, "destination": 1.50})"});
     const JSON reports = outcome.json()["reports"];
@@ -165,7 +165,7 @@ TEST(RequestCommand, ReportsAreInTheOutcomeAndNowhereElse) {
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST(RequestCommand, TheToolsFailureIsTheOutcomesError) {
+TEST(RequestCommand, AFailureOfGitIsTheErrorOfTheOutcome) {
     const TemporaryFolder folder;
     const NebscOutcome outcome = runRequest(statusRequest(folder.path()));
     const JSON json = outcome.json();
@@ -178,7 +178,7 @@ TEST(RequestCommand, TheToolsFailureIsTheOutcomesError) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST(RequestCommand, AToolThatASignalEndedHasNoTerminationStatus) {
+TEST(RequestCommand, AGitKilledByASignalHasNoTerminationStatus) {
     const TemporaryFolder folder;
     const StandInGit git("", "kill -KILL $$");
     const NebscOutcome outcome =
@@ -190,7 +190,7 @@ TEST(RequestCommand, AToolThatASignalEndedHasNoTerminationStatus) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST(RequestCommand, BytesThatAreNoTextComeOutAsReplacementCharacters) {
+TEST(RequestCommand, InvalidUTF8BecomesReplacementCharacters) {
     const TemporaryFolder folder;
     const StandInGit git("", R"(printf ' M lat\344.c\n?? tab\tx\n')");
     const NebscOutcome outcome =
@@ -232,7 +232,7 @@ TEST(RequestCommand, ANumberThatGitWouldTakeForAnOptionIsRefused) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
-TEST(RequestCommand, WhatIsNoRequestIsRefusedInOneLine) {
+TEST(RequestCommand, RefusesInvalidRequestsInOneLine) {
     for (const char* json : {"", "[]", "{", R"({"type": 15} x)", R"({"type": 15.0})", "{}",
                              "{\"type\": 15, \"a\nb\": 1}", R"({"type": 15, "a\nb": 1})",
                              "{\"type\": \"\x1b\xff\"}"}) {
@@ -245,7 +245,7 @@ TEST(RequestCommand, WhatIsNoRequestIsRefusedInOneLine) {
     }
 }
 
-TEST(RequestCommand, AFileThatCannotBeReadIsNamedWithTheReason) {
+TEST(RequestCommand, ReportsAnUnreadableFile) {
     const TemporaryFolder folder;
     const std::string missing = folder.path("none.json");
     NebscOutcome outcome = runNebsc({"request", missing});
@@ -261,7 +261,7 @@ TEST(RequestCommand, AFileThatCannotBeReadIsNamedWithTheReason) {
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 
-TEST(RequestCommand, ALargeResultComesOutWhole) {
+TEST(RequestCommand, PrintsALargeResult) {
     const TemporaryFolder folder;
     const StandInGit git("", "yes '?? a-name-of-some-length.txt' | head -n 100000");
     const NebscOutcome outcome =
@@ -269,7 +269,7 @@ TEST(RequestCommand, ALargeResultComesOutWhole) {
     EXPECT_EQ(outcome.json()["result"].size(), 100000U);
 }
 
-TEST(RequestCommand, SaysThatSomebodyStillHeldTheOutput) {
+TEST(RequestCommand, ReportsThatAnotherProcessHeldTheOutput) {
     const TemporaryFolder folder;
     const StandInGit git("", "echo ' M a.c'; sleep 600 & echo $! > '" + folder.path("pid") + "'");
     const NebscOutcome outcome =
@@ -281,7 +281,7 @@ TEST(RequestCommand, SaysThatSomebodyStillHeldTheOutput) {
     ::kill(std::stoi(folder.read("pid")), SIGKILL);
 }
 
-TEST(RequestCommand, ReadsNoEndlessInput) {
+TEST(RequestCommand, RefusesEndlessInput) {
     const NebscOutcome outcome = runNebsc({"request", "/dev/zero"});
     EXPECT_EQ(outcome.errors, "nebsc: the file '/dev/zero' has more than 67108864 bytes\n");
     EXPECT_EQ(outcome.exitStatus, 2);

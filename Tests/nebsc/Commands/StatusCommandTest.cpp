@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using JSON = nlohmann::ordered_json;
 
-/// A working copy with every state that is easily made.
+/// A working copy with every state that is easy to create.
 class StatusCommand : public testing::Test {
 protected:
     void SetUp() override {
@@ -54,7 +54,7 @@ TEST_F(StatusCommand, ShowsEachStateAndPathFromTheTop) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(StatusCommand, ShowsPathsAsSeenFromTheCurrentFolder) {
+TEST_F(StatusCommand, ShowsPathsRelativeToTheCurrentFolder) {
     EXPECT_EQ(status({}, "src").output,
               "added      ../Grüße.txt\n"
               "modified   ../changed.c\n"
@@ -65,7 +65,7 @@ TEST_F(StatusCommand, ShowsPathsAsSeenFromTheCurrentFolder) {
     EXPECT_EQ(status({"."}, "src/new").output, "untracked  ./\n");
 }
 
-TEST_F(StatusCommand, APathLimitsWhatIsShown) {
+TEST_F(StatusCommand, LimitsTheStatusToAPath) {
     EXPECT_EQ(status({"changed.c"}).output, "modified   changed.c\n");
     EXPECT_EQ(status({"."}, "src").output, "modified   deep.c\nuntracked  new/\n");
     EXPECT_EQ(status({"../changed.c"}, "src").output, "modified   ../changed.c\n");
@@ -74,14 +74,14 @@ TEST_F(StatusCommand, APathLimitsWhatIsShown) {
     EXPECT_EQ(status({"src/nowhere/../deep.c"}).output, "modified   src/deep.c\n");
 }
 
-TEST_F(StatusCommand, TheTopAsThePathIsTheWholeWorkingCopy) {
+TEST_F(StatusCommand, TheTopStandsForTheWholeWorkingCopy) {
     EXPECT_EQ(status({".."}, "src").output, status({}, "src").output);
     EXPECT_TRUE(
         runNebsc({"--json", "status", repository.path() + "/"}).json()["command"]["arguments"] ==
         JSON({"status", "--porcelain"}));
 }
 
-TEST_F(StatusCommand, APathInAnotherWorkingCopyIsShownWhole) {
+TEST_F(StatusCommand, ShowsAbsolutePathsInAnotherWorkingCopy) {
     const TemporaryFolder elsewhere;
     const NebscOutcome outcome =
         runNebsc({"status", repository.path("src")}, {.folder = elsewhere.path()});
@@ -89,7 +89,7 @@ TEST_F(StatusCommand, APathInAnotherWorkingCopyIsShownWhole) {
                                   repository.path("src/new/") + "\n");
 }
 
-TEST_F(StatusCommand, ADeletedFileIsFoundFromWhatIsLeft) {
+TEST_F(StatusCommand, FindsTheWorkingCopyOfADeletedFile) {
     repository.commitFile("a/b/c.c", "c");
     fs::remove_all(repository.path("a"));
     EXPECT_EQ(status({"gone.c"}).output, "deleted    gone.c\n");
@@ -105,19 +105,18 @@ TEST_F(StatusCommand, AFolderOutsideTheSparseCheckoutHasNoChanges) {
     ASSERT_FALSE(fs::exists(repository.path("right")));
     for (const char* path : {"right", "right/r.c"}) {
         const NebscOutcome outcome = status({path});
-        EXPECT_EQ(outcome.output,
-                  "Nothing to report: '" + std::string(path) + "' has no changes.\n");
+        EXPECT_EQ(outcome.output, "No changes in '" + std::string(path) + "'.\n");
         EXPECT_EQ(outcome.errors, "");
         EXPECT_EQ(outcome.exitStatus, 0);
     }
 }
 
-TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
+TEST_F(StatusCommand, ReportsAMissingPath) {
     const NebscOutcome outcome = status({"no/such.c"});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: there is no file or folder 'no/such.c', neither on disk nor in the working "
-              "copy 'repository'\n");
+              "nebsc: 'no/such.c' exists neither on disk nor in the index of the working copy "
+              "'repository'\n");
     EXPECT_EQ(outcome.exitStatus, 1);
     const NebscOutcome json = status({"--json", "no/such.c"});
     EXPECT_EQ(json.json()["result"], JSON::array());
@@ -125,19 +124,19 @@ TEST_F(StatusCommand, AThingThatIsNowhereIsNamed) {
     EXPECT_EQ(json.exitStatus, 1);
 }
 
-TEST_F(StatusCommand, SaysWhenThereIsNothingToReport) {
+TEST_F(StatusCommand, ReportsThatThereAreNoChanges) {
     const NebscOutcome file = status({"clean.c"});
-    EXPECT_EQ(file.output, "Nothing to report: 'clean.c' has no changes.\n");
+    EXPECT_EQ(file.output, "No changes in 'clean.c'.\n");
     EXPECT_EQ(file.exitStatus, 0);
     repository.git({"add", "--all"});
     repository.git({"commit", "--quiet", "-m", "all"});
     const NebscOutcome whole = status({}, "src");
-    EXPECT_EQ(whole.output, "Nothing to report: the working copy 'repository' has no changes.\n");
+    EXPECT_EQ(whole.output, "No changes in the working copy 'repository'.\n");
     EXPECT_EQ(whole.errors, "");
     EXPECT_EQ(whole.exitStatus, 0);
 }
 
-TEST_F(StatusCommand, AConflictIsShownAsOne) {
+TEST_F(StatusCommand, ShowsConflicts) {
     repository.git({"reset", "--quiet", "--hard"});
     repository.git({"checkout", "--quiet", "-b", "topic"});
     repository.commitFile("clean.c", "topic\n");
@@ -147,8 +146,8 @@ TEST_F(StatusCommand, AConflictIsShownAsOne) {
     EXPECT_EQ(status({"clean.c"}).output, "conflict   clean.c (both modified)\n");
 }
 
-/// Stages of the index are 1 for the common ancestor, 2 for our side, 3 for theirs.
-TEST_F(StatusCommand, EachOfTheSevenConflictsIsShownWithItsKind) {
+/// The stages of the index are 1 for the common ancestor, 2 for our side, 3 for theirs.
+TEST_F(StatusCommand, ShowsTheKindOfEachConflict) {
     const std::string blob = repository.git({"rev-parse", "HEAD:clean.c"}).substr(0, 40);
     const std::pair<const char*, const char*> stagesOfNames[] = {
         {"DD", "1"},  {"AU", "2"},  {"UD", "12"}, {"UA", "3"},
@@ -181,7 +180,7 @@ TEST_F(StatusCommand, EachOfTheSevenConflictsIsShownWithItsKind) {
     EXPECT_EQ(records[2]["NEBSourceControlOperationWCStatusKey"], 2);
 }
 
-TEST_F(StatusCommand, NamesAreShownAsTheyAre) {
+TEST_F(StatusCommand, ShowsUnusualNames) {
     repository.git({"reset", "--quiet", "--hard"});
     fs::remove_all(repository.path("src/new"));
     for (const char* name : {"a -> b", "\"q\"", " lead and trail ", "back\\slash", "tab\t"}) {
@@ -197,7 +196,7 @@ TEST_F(StatusCommand, NamesAreShownAsTheyAre) {
               "untracked  tab\\t\n");
 }
 
-TEST_F(StatusCommand, UntrackedFoldersCanBeExpanded) {
+TEST_F(StatusCommand, ExpandsUntrackedFolders) {
     repository.write("src/new/deep/b", "b");
     EXPECT_EQ(status({"src/new"}).output, "untracked  src/new/\n");
     EXPECT_EQ(status({"--all", "src/new"}).output,
@@ -212,7 +211,7 @@ TEST_F(StatusCommand, UntrackedFoldersCanBeExpanded) {
                     {"NEBSourceControlOperationPathKey", repository.path("src/new/deep/b")}}));
 }
 
-TEST_F(StatusCommand, AFolderThatCannotBeReadIsToldBesideTheRest) {
+TEST_F(StatusCommand, ReportsAnUnreadableFolderBesideTheChanges) {
     const StandInGit git(repository.path(),
                          "printf ' M a.c\\0'; echo \"warning: could not open directory 'p/': "
                          "Permission denied\" >&2");
@@ -223,11 +222,11 @@ TEST_F(StatusCommand, AFolderThatCannotBeReadIsToldBesideTheRest) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(StatusCommand, JSONIsTheOutcomeAndNothingElse) {
-    for (const std::vector<std::string>& words :
+TEST_F(StatusCommand, JSONPrintsOnlyTheOutcome) {
+    for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"status", "--json", "deep.c"},
           std::vector<std::string>{"--json", "status", "deep.c"}}) {
-        const NebscOutcome outcome = runNebsc(words, {.folder = repository.path("src")});
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = repository.path("src")});
         const JSON json = outcome.json();
         EXPECT_EQ(json["type"], NEBSourceControlRequestStatus);
         EXPECT_EQ(json["command"]["arguments"],
@@ -240,7 +239,7 @@ TEST_F(StatusCommand, JSONIsTheOutcomeAndNothingElse) {
     }
 }
 
-TEST_F(StatusCommand, APathMayBeCalledLikeACommandOrAnOption) {
+TEST_F(StatusCommand, AcceptsPathsThatLookLikeCommandsOrOptions) {
     repository.write("types", "");
     repository.write("--json", "");
     repository.write("[a]", "");
@@ -249,7 +248,7 @@ TEST_F(StatusCommand, APathMayBeCalledLikeACommandOrAnOption) {
     EXPECT_EQ(status({"[a]"}).output, "untracked  [a]\n");
 }
 
-TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
+TEST_F(StatusCommand, EscapesControlCharactersInNames) {
     repository.write("red\x1b[31m.c", "");
     repository.write("next\nline", "");
     const NebscOutcome outcome = status({});
@@ -259,7 +258,7 @@ TEST_F(StatusCommand, AFilesNameCannotDriveTheTerminal) {
     EXPECT_THAT(missing.errors, HasSubstr("'\\x1b[2J\\n\\u009b'"));
 }
 
-TEST_F(StatusCommand, WhatGitPrintsCannotDriveTheTerminalEither) {
+TEST_F(StatusCommand, EscapesControlCharactersInTheOutputOfGit) {
     const StandInGit git(repository.path(),
                          R"(printf ' M a\033[31m\177.c\0?? b\302\233\344.c\0!! no\0X  odd.c\0')");
     const NebscOutcome outcome =
@@ -270,7 +269,7 @@ TEST_F(StatusCommand, WhatGitPrintsCannotDriveTheTerminalEither) {
               "changed    odd.c\n");
 }
 
-TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
+TEST_F(StatusCommand, AcceptsAPathThatIsNotUTF8) {
     repository.write("lat\xE4.c", "");
     const NebscOutcome outcome = status({"lat\xE4.c"});
     EXPECT_EQ(outcome.output, "untracked  lat\\xe4.c\n");
@@ -281,12 +280,12 @@ TEST_F(StatusCommand, APathThatIsNoTextDoesNoHarm) {
     EXPECT_THAT(status({"none\xE4"}).errors, HasSubstr("'none\\xe4'"));
 }
 
-TEST_F(StatusCommand, ALinkIsAThingOfTheWorkingCopyInWhichItLies) {
+TEST_F(StatusCommand, ASymbolicLinkBelongsToItsWorkingCopy) {
     fs::create_symlink(repository.path("src"), repository.path("link"));
     EXPECT_EQ(status({"link"}).output, "untracked  link\n");
 }
 
-TEST_F(StatusCommand, ALinkFromElsewhereLeadsIntoTheWorkingCopy) {
+TEST_F(StatusCommand, FollowsASymbolicLinkFromOutsideTheWorkingCopy) {
     const TemporaryFolder elsewhere;
     fs::create_symlink(repository.path("src"), elsewhere.path("link"));
     EXPECT_EQ(runNebsc({"status", "link"}, {.folder = elsewhere.path()}).output,
@@ -294,12 +293,12 @@ TEST_F(StatusCommand, ALinkFromElsewhereLeadsIntoTheWorkingCopy) {
                   repository.path("src/new/") + "\n");
 }
 
-TEST_F(StatusCommand, WhereThereIsNoRepositoryGitSaysSo) {
+TEST_F(StatusCommand, FailsOutsideARepository) {
     const TemporaryFolder folder;
-    for (const std::vector<std::string>& words :
+    for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"status"}, {"status", "file"}, {"status", "no/such"}}) {
         folder.write("file", "");
-        const NebscOutcome outcome = runNebsc(words, {.folder = folder.path()});
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors,
                     testing::StartsWith("nebsc: the folder is not in a git repository"));
@@ -307,7 +306,7 @@ TEST_F(StatusCommand, WhereThereIsNoRepositoryGitSaysSo) {
     }
 }
 
-TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
+TEST_F(StatusCommand, FailsInABareRepository) {
     repository.git({"clone", "--quiet", "--bare", ".", "../bare.git"});
     const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("../bare.git")});
     EXPECT_EQ(outcome.output, "");
@@ -322,7 +321,7 @@ TEST_F(StatusCommand, ABareRepositoryHasNoStatus) {
     EXPECT_FALSE(json["error"].is_null());
 }
 
-TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
+TEST_F(StatusCommand, ShowsRecordsBesideAnError) {
     const StandInGit git(repository.path(),
                          "printf ' M a.c\\0'; echo 'fatal: half done' >&2; exit 128");
     const NebscOutcome outcome =
@@ -332,7 +331,7 @@ TEST_F(StatusCommand, RecordsAreShownBesideAnError) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
+TEST_F(StatusCommand, ASilentGitFailureIsNotReportedAsNoChanges) {
     const StandInGit git(repository.path(), "exit 3");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
@@ -341,7 +340,7 @@ TEST_F(StatusCommand, AGitThatFailsWithoutAWordIsNotTakenForNothingToReport) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(StatusCommand, SaysThatSomebodyStillHeldTheOutput) {
+TEST_F(StatusCommand, ReportsThatAnotherProcessHeldTheOutput) {
     const TemporaryFolder folder;
     const StandInGit git(repository.path(),
                          "sleep 600 & echo $! > '" + folder.path("pid") + "'; printf ' M a.c\\0'");
@@ -353,7 +352,7 @@ TEST_F(StatusCommand, SaysThatSomebodyStillHeldTheOutput) {
     ::kill(std::stoi(folder.read("pid")), SIGKILL);
 }
 
-TEST_F(StatusCommand, AGitThatCannotBeStartedIsNamed) {
+TEST_F(StatusCommand, ReportsAGitThatCannotBeStarted) {
     const TemporaryFolder empty;
     const std::string broken = empty.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome =
@@ -362,71 +361,24 @@ TEST_F(StatusCommand, AGitThatCannotBeStartedIsNamed) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(StatusCommand, AnEmptyPathIsRefused) {
+TEST_F(StatusCommand, RefusesAnEmptyPath) {
     const NebscOutcome outcome = status({""});
-    EXPECT_EQ(outcome.errors,
-              "nebsc: the path is empty; the path of a file or folder was expected\n");
+    EXPECT_EQ(outcome.errors, "nebsc: a path is empty; expected the path of a file or folder\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 
-TEST_F(StatusCommand, ACurrentFolderThatIsGoneIsToldPlainly) {
+TEST_F(StatusCommand, ReportsADeletedCurrentFolder) {
     const TemporaryFolder folder;
     fs::create_directory(folder.path("gone"));
     const StandInGit git(repository.path(), "");
     NebscSurroundings surroundings{.folder = folder.path("gone")};
-    // The shell removes the folder that it is in, and becomes nebsc.
+    // The shell deletes its current folder and then becomes nebsc.
     const std::string script = folder.writeProgram(
         "run", "#!/bin/sh\nrmdir ../gone && exec " NEB_BUILD_FOLDER "/bin/nebsc status\n");
     const NebscOutcome outcome = runProgram(script, {}, surroundings);
     EXPECT_EQ(outcome.errors,
               "nebsc: the current folder cannot be found: No such file or directory\n");
     EXPECT_EQ(outcome.exitStatus, 1);
-}
-
-// ---- colours ----------------------------------------------------------------------------------
-
-class StatusColours : public StatusCommand {
-protected:
-    [[nodiscard]] std::string shownOnTerminal(
-        std::vector<std::pair<std::string, std::optional<std::string>>> variables) const {
-        const StandInGit git(repository.path(),
-                             "printf 'A  a\\0 M b\\0 D c\\0R  d\\0x\\0UU e\\0?? f\\0X  g\\0'");
-        variables.push_back(git.path());
-        return runNebsc({"status"}, {.folder = repository.path(),
-                                     .variables = std::move(variables),
-                                     .output = NebscOutput::terminal})
-            .output;
-    }
-};
-
-constexpr const char* plainOnTerminal =
-    "added      a\r\nmodified   b\r\ndeleted    c\r\nrenamed    x -> d\r\n"
-    "conflict   e (both modified)\r\n"
-    "untracked  f\r\nchanged    g\r\n";
-
-TEST_F(StatusColours, ATerminalShowsStatesInColour) {
-    EXPECT_EQ(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}),
-              "\x1b[32madded\x1b[0m      a\r\n"
-              "\x1b[33mmodified\x1b[0m   b\r\n"
-              "\x1b[31mdeleted\x1b[0m    c\r\n"
-              "\x1b[36mrenamed\x1b[0m    x -> d\r\n"
-              "\x1b[1;31mconflict\x1b[0m   e (both modified)\r\n"
-              "\x1b[31muntracked\x1b[0m  f\r\n"
-              "changed    g\r\n");
-    EXPECT_NE(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", ""}}), plainOnTerminal);
-}
-
-TEST_F(StatusColours, TheUserAndTheTerminalMaySwitchThemOff) {
-    EXPECT_EQ(shownOnTerminal({{"TERM", "xterm"}, {"NO_COLOR", "1"}}), plainOnTerminal);
-    EXPECT_EQ(shownOnTerminal({{"TERM", "dumb"}, {"NO_COLOR", std::nullopt}}), plainOnTerminal);
-}
-
-TEST_F(StatusColours, ElsewhereThereAreNone) {
-    const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(),
-                              .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}});
-    EXPECT_THAT(outcome.output, HasSubstr("modified   changed.c\n"));
-    EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Two people and a Subversion server, through nebsc; both sides are looked at with svn itself.
+// `nebsc svn`, run by two users of a Subversion server; svn itself checks the results.
 
 #include <memory>
 
@@ -27,9 +27,9 @@ protected:
         who.git({"reset", "--quiet", "--hard", reference});
     }
     [[nodiscard]] static NebscOutcome nebsc(const TestRepository& who,
-                                            const std::vector<std::string>& words,
+                                            const std::vector<std::string>& arguments,
                                             std::string_view folder = "") {
-        return runNebsc(words, {.folder = who.path(folder)});
+        return runNebsc(arguments, {.folder = who.path(folder)});
     }
     [[nodiscard]] static std::string now(const TestRepository& who) {
         return "now at " + who.git({"rev-parse", "HEAD"}).substr(0, 12) + ".\n";
@@ -55,10 +55,9 @@ TEST_F(SubversionCommands, TwoPeopleWorkTogether) {
     EXPECT_EQ(server.content("trunk/a"), "ann\n");
     EXPECT_EQ(server.content("trunk/src/new.c"), "ann\n");
     EXPECT_THAT(server.run({"svn", "log", "-r", "HEAD", server.fileURL()}), HasSubstr("from Ann"));
-    expectDone(nebsc(ann, {"push", "--svn"}),
-               "There is nothing to push: Subversion has all commits.\n");
+    expectDone(nebsc(ann, {"push", "--svn"}), "Nothing to push: Subversion has all commits.\n");
 
-    // Ben has a commit of his own, which goes on top; then it is his turn, and Ann's again.
+    // Ben's commit is rebased; then he pushes, and Ann updates again.
     ben.write("b", "ben\n");
     expectDone(nebsc(ben, {"add", "b"}));
     EXPECT_EQ(nebsc(ben, {"commit", "-m", "from Ben"}).exitStatus, 0);
@@ -71,21 +70,20 @@ TEST_F(SubversionCommands, TwoPeopleWorkTogether) {
     EXPECT_EQ(nebsc(ben, {"push", "--svn"}).exitStatus, 0);
     EXPECT_EQ(server.content("trunk/b"), "ben\n");
     expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion:\n    changed  git-svn\n");
-    expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion; there is nothing new.\n");
+    expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion; nothing is new.\n");
     const NebscOutcome named = nebsc(ann, {"update", "--svn", "git-svn"}, "src");
     expectDone(named, "Updated from git-svn; " + now(ann));
     EXPECT_EQ(content(ann, "b"), "ben\n");
     EXPECT_EQ(ann.git({"diff", "git-svn"}), "");
 }
 
-TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
+TEST_F(SubversionCommands, AreSubcommandsOfSvn) {
     expectDone(nebsc(ann, {"svn"}), server.url() + "/trunk\n");
     server.commitFile("trunk/a", "theirs\n");
     expectDone(nebsc(ann, {"svn", "fetch"}), "Fetched from Subversion:\n    changed  git-svn\n");
     const NebscOutcome updated = nebsc(ann, {"svn", "update", "git-svn"});
     expectDone(updated, "Updated from git-svn; " + now(ann));
-    expectDone(nebsc(ann, {"svn", "push"}),
-               "There is nothing to push: Subversion has all commits.\n");
+    expectDone(nebsc(ann, {"svn", "push"}), "Nothing to push: Subversion has all commits.\n");
     EXPECT_EQ(nebsc(ann, {"svn", "update", "--json"}).json()["type"],
               NEBSourceControlRequestUpdate);
     const TestRepository plain;
@@ -95,28 +93,27 @@ TEST_F(SubversionCommands, HaveANameOfTheirOwn) {
     expectFailed(nebsc(plain, {"svn"}), HasSubstr("no Subversion repository"));
 }
 
-TEST_F(SubversionCommands, ACommitThatAnUpdateLeavesOutIsTold) {
+TEST_F(SubversionCommands, UpdateReportsDroppedCommits) {
     ann.commitFile("a", "mine\n");
     const std::string mine = ann.git({"rev-parse", "--short=12", "HEAD"});
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome updated = nebsc(ann, {"svn", "update"});
     EXPECT_EQ(updated.output, "Updated from " + reference + "; " + now(ann));
-    EXPECT_EQ(
-        updated.errors,
-        "nebsc: both sides changed the same lines or binary files; Subversion's were kept "
-        "and yours left out in:\n    a\n'git diff " +
-            ann.git({"rev-parse", "--short=12", "HEAD"}).substr(0, 12) + "..." +
-            mine.substr(0, 12) +
-            "' shows all changes of the side whose lines were left out.\n"
-            "nebsc: 1 commit of yours was left out, as nothing in it is new or what it changes "
-            "was changed there too; before the update, your commits ended with " +
-            mine.substr(0, 12) + "\n");
+    EXPECT_EQ(updated.errors,
+              "nebsc: both sides changed the same lines or binary files; Subversion's were kept "
+              "and yours dropped in:\n    a\n'git diff " +
+                  ann.git({"rev-parse", "--short=12", "HEAD"}).substr(0, 12) + "..." +
+                  mine.substr(0, 12) +
+                  "' shows all changes of the side whose lines were dropped.\n"
+                  "nebsc: 1 local commit was dropped, because Subversion has the same changes or "
+                  "newer ones; before the update, the branch was at " +
+                  mine.substr(0, 12) + "\n");
     EXPECT_EQ(updated.exitStatus, 0);
     EXPECT_EQ(content(ann, "a"), "theirs\n");
     EXPECT_EQ(ann.git({"show", mine.substr(0, 12) + ":a"}), "mine\n");
 }
 
-TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
+TEST_F(SubversionCommands, UpdateReportsAnUnfinishedRebase) {
     ann.commitFile("b", "mine\n");
     server.commitFile("trunk/a", "theirs\n");
     ann.write(".git/rebase-merge/head-name", "refs/heads/main\n");
@@ -126,7 +123,7 @@ TEST_F(SubversionCommands, AnUpdateInTheMiddleOfARebaseIsToldSo) {
                        HasSubstr("rebase-merge directory")));
 }
 
-TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
+TEST_F(SubversionCommands, JSONPrintsTheOutcomeOfTheLastRequest) {
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome json = nebsc(ann, {"update", "--svn", "--json"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestUpdate);
@@ -138,16 +135,17 @@ TEST_F(SubversionCommands, JSONIsTheOutcomeOfTheLastRequest) {
               NEBSourceControlRequestFetch);
 }
 
-TEST_F(SubversionCommands, APushThatTheServerIsAheadOfIsRefused) {
+TEST_F(SubversionCommands, PushIsRefusedIfTheServerIsAhead) {
     ann.commitFile("a", "mine\n");
     server.commitFile("trunk/a", "theirs\n");
-    expectFailed(nebsc(ann, {"push", "--svn"}),
-                 AllOf(HasSubstr("does not have the latest remote changes"),
-                       EndsWith("\n'nebsc update --svn' brings them here.\n")));
+    expectFailed(
+        nebsc(ann, {"push", "--svn"}),
+        AllOf(HasSubstr("does not have the latest remote changes"),
+              EndsWith("\n'nebsc update --svn' fetches them and rebases the current branch.\n")));
     EXPECT_EQ(server.content("trunk/a"), "theirs\n");
 }
 
-TEST_F(SubversionCommands, WhatTheServerOrTheWorkingCopyRefusesIsTold) {
+TEST_F(SubversionCommands, ReportRefusalsOfTheServerAndTheWorkingCopy) {
     ann.commitFile("a", "mine\n");
     server.refuseCommits("not on a Friday");
     expectFailed(nebsc(ann, {"push", "--svn"}), HasSubstr("not on a Friday"));
@@ -155,18 +153,18 @@ TEST_F(SubversionCommands, WhatTheServerOrTheWorkingCopyRefusesIsTold) {
     expectFailed(nebsc(ann, {"push", "--svn"}), HasSubstr("uncommitted changes"));
     expectFailed(nebsc(ann, {"update", "--svn"}), HasSubstr("uncommitted changes"));
     expectFailed(nebsc(ann, {"update"}),
-                 EndsWith("\n'nebsc update --svn' brings what is new in Subversion.\n"));
+                 EndsWith("\n'nebsc update --svn' updates from Subversion.\n"));
     expectFailed(nebsc(ann, {"update", "--svn", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc(ann, {"update", "--svn", "--", "--root"}), HasSubstr("'--root' begins with"),
                  2);
     EXPECT_EQ(server.content("trunk/a"), "first\n");
 }
 
-TEST_F(SubversionCommands, AServerThatIsGoneIsTold) {
+TEST_F(SubversionCommands, ReportAnUnreachableServer) {
     ann.git({"config", "svn-remote.svn.url", "svn://127.0.0.1:1/trunk"});
-    for (const std::vector<std::string>& words :
+    for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"fetch", "--svn"}, {"update", "--svn"}}) {
-        expectFailed(nebsc(ann, words), StartsWith("nebsc: "));
+        expectFailed(nebsc(ann, arguments), StartsWith("nebsc: "));
     }
     EXPECT_EQ(nebsc(ann, {"update", "--svn", "--json"}).json()["type"],
               NEBSourceControlRequestFetch);

@@ -28,7 +28,7 @@ struct NeedsRow {
     std::vector<std::string> needs;
 };
 
-/// All types that need something or may need to authenticate; the others need nothing.
+/// All types that need something or may authenticate; the others need nothing.
 const std::vector<NeedsRow>& neededRows() {
     static const std::vector<NeedsRow> rows{
         {NEBSourceControlRequestCreateBranch, "create branch", false, {"destination"}},
@@ -115,7 +115,7 @@ TEST(TypesCommand, JSONHasARowForEveryType) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST(TypesCommand, TheTableIsAligned) {
+TEST(TypesCommand, AlignsTheTable) {
     const NebscOutcome outcome = runNebsc({"types"});
     const std::vector<std::string> rows = lines(outcome.output);
     ASSERT_EQ(rows.size(), 41U);

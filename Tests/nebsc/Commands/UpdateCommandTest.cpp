@@ -17,7 +17,7 @@ using JSON = nlohmann::ordered_json;
 
 class UpdateCommand : public SharingTest {
 protected:
-    /// What ann has committed and shared.
+    /// Lets ann commit a change and push it.
     void shareChange(const std::string& file = "b", const std::string& bytes = "ann\n") const {
         ann->commitFile(file, bytes);
         share(*ann);
@@ -29,7 +29,7 @@ protected:
 
 const std::string upToDate = "Already up to date with origin/main.\n";
 
-TEST_F(UpdateCommand, BringsWhatIsNew) {
+TEST_F(UpdateCommand, FetchesAndMerges) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"update"},
                                                   {"update", "--ff"},
                                                   {"update", "origin", "main"},
@@ -43,7 +43,7 @@ TEST_F(UpdateCommand, BringsWhatIsNew) {
     }
 }
 
-TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
+TEST_F(UpdateCommand, MergesDivergedBranches) {
     shareChange("a", "ann\n2\n3\n");
     ben->commitFile("a", "ben\n2\n3\n");
     ben->commitFile("c", "ben\n");
@@ -55,9 +55,9 @@ TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
     EXPECT_EQ(merged.output, updated());
     EXPECT_EQ(merged.errors,
               "nebsc: both sides changed the same lines or binary files; the current branch's were "
-              "kept and the other side's left out in:\n    a\n'git diff " +
+              "kept and the other side's dropped in:\n    a\n'git diff " +
                   before + "..." + revision(*ann) +
-                  "' shows all changes of the side whose lines were left out.\n");
+                  "' shows all changes of the side whose lines were dropped.\n");
     EXPECT_EQ(merged.exitStatus, 0);
     EXPECT_EQ(ben->git({"rev-parse", "HEAD^2"}), ann->git({"rev-parse", "HEAD"}));
     EXPECT_EQ(ben->git({"show", "HEAD:a"}), "ben\n2\n3\n");
@@ -65,7 +65,7 @@ TEST_F(UpdateCommand, MergesWhereBothHaveCommits) {
     expectDone(nebsc(*ben, {"update", "--ff"}), upToDate);
 }
 
-TEST_F(UpdateCommand, AHookThatRefusesIsNoAnswerWhateverItSays) {
+TEST_F(UpdateCommand, AHooksOutputIsNotTakenForGits) {
     shareChange();
     const std::string before = revision(*ben);
     ben->write(".git/hooks/reference-transaction",
@@ -78,14 +78,14 @@ TEST_F(UpdateCommand, AHookThatRefusesIsNoAnswerWhateverItSays) {
     }
 }
 
-TEST_F(UpdateCommand, AMergeThatTheUserWantsUncommittedIsToldSo) {
+TEST_F(UpdateCommand, ReportsAMergeThatIsNotCommitted) {
     shareChange();
     ben->commitFile("c", "ben\n");
     ben->git({"config", "branch.main.mergeOptions", "--no-commit"});
     expectDone(nebsc(*ben, {"update"}), "Merged origin/main; it is not committed yet.\n");
 }
 
-TEST_F(UpdateCommand, TakesTheWholeNamesOfBranchAndRemote) {
+TEST_F(UpdateCommand, AcceptsNamesOfBranchesAndRemotesWithSlashes) {
     shareChange();
     share(*ann, "feature/Grüße");
     ben->git({"remote", "rename", "origin", "team/one"});
@@ -100,7 +100,7 @@ TEST_F(UpdateCommand, TakesTheWholeNamesOfBranchAndRemote) {
                "Updated from team/one/feature/Grüße; now at " + revision(*ann) + ".\n");
 }
 
-TEST_F(UpdateCommand, AnEmptyCloneGetsTheFirstCommit) {
+TEST_F(UpdateCommand, UpdatesAnEmptyClone) {
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
         const TestRepository empty;
@@ -113,7 +113,7 @@ TEST_F(UpdateCommand, AnEmptyCloneGetsTheFirstCommit) {
     }
 }
 
-TEST_F(UpdateCommand, ABranchMayTrackOneOfTheSameRepository) {
+TEST_F(UpdateCommand, FollowsALocalTrackedBranch) {
     ben->git({"checkout", "--quiet", "-b", "topic", "--track", "main"});
     ben->git({"checkout", "--quiet", "main"});
     ben->commitFile("c", "ben\n");
@@ -123,7 +123,7 @@ TEST_F(UpdateCommand, ABranchMayTrackOneOfTheSameRepository) {
     expectDone(nebsc(*ben, {"update"}), "Already up to date with main.\n");
 }
 
-TEST_F(UpdateCommand, JSONIsTheOutcomeOfTheLastRequest) {
+TEST_F(UpdateCommand, JSONPrintsTheOutcomeOfTheLastRequest) {
     shareChange();
     const NebscOutcome json = nebsc(*ben, {"update", "--json"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestUpdate);
@@ -155,68 +155,66 @@ TEST_F(UpdateCommand, LocalChangesAreNotOverwritten) {
     }
 }
 
-TEST_F(UpdateCommand, AConflictThatHasNoSideIsAFailure) {
+TEST_F(UpdateCommand, AConflictWithoutSidesIsAFailure) {
     shareChange("a");
     ben->git({"rm", "--quiet", "a"});
     ben->git({"commit", "--quiet", "-m", "without a"});
     expectFailed(nebsc(*ben, {"update"}), AllOf(HasSubstr("conflicts"), HasSubstr("CONFLICT")));
 }
 
-TEST_F(UpdateCommand, WithoutATrackedBranchItAsksForOne) {
-    const std::string advice = "'nebsc update REMOTE BRANCH' says where to look.\n";
+TEST_F(UpdateCommand, ReportsThatThereIsNoTrackedBranch) {
+    const std::string advice = "'nebsc update REMOTE BRANCH' updates from another branch.\n";
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"update"}, {"update", "--ff"}}) {
         ben->git({"checkout", "--quiet", "-B", "apart", "main", "--no-track"});
-        expectFailed(nebsc(*ben, words),
-                     "nebsc: the current branch 'apart' tracks no branch, so it is not known "
-                     "what is new\n" +
-                         advice);
+        expectFailed(
+            nebsc(*ben, words),
+            "nebsc: the current branch 'apart' does not track a branch to update from\n" + advice);
         ben->git({"checkout", "--quiet", "--detach"});
-        expectFailed(nebsc(*ben, words),
-                     "nebsc: no branch is checked out that could track another, so it is not "
-                     "known what is new\n" +
-                         advice);
+        expectFailed(
+            nebsc(*ben, words),
+            "nebsc: HEAD is detached, so there is no tracked branch to update from\n" + advice);
     }
     shareChange();
     const NebscOutcome named = nebsc(*ben, {"update", "origin", "main"});
     expectDone(named, updated());
 }
 
-TEST_F(UpdateCommand, ABranchOrRemoteThatIsNotThereIsNamed) {
+TEST_F(UpdateCommand, ReportsAMissingBranchOrRemote) {
     expectFailed(nebsc(*ben, {"update", "origin", "nosuch"}),
-                 "nebsc: there is no branch 'nosuch' in the remote 'origin'\n"
-                 "'nebsc remote branches origin' shows those that there are.\n");
+                 "nebsc: the remote 'origin' has no branch 'nosuch'\n"
+                 "'nebsc remote branches origin' lists its branches.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "nosuch"}), HasSubstr("nosuch"));
-    expectFailed(nebsc(*ben, {"update", "nosuch", "main"}),
-                 "nebsc: 'nosuch' is the name of no remote\n"
-                 "'nebsc remote add' gives a repository a name; 'nebsc update --ff' takes a URL "
-                 "or a path, too.\n");
+    expectFailed(
+        nebsc(*ben, {"update", "nosuch", "main"}),
+        "nebsc: 'nosuch' is not the name of a remote\n"
+        "'nebsc remote add' adds a remote; 'nebsc update --ff' also accepts a URL or a path.\n");
     expectFailed(nebsc(*ben, {"update", "--ff", "nosuch", "main"}),
                  HasSubstr("'nosuch' does not appear"));
     expectDone(nebsc(*ben, {"update", "--ff", bare(), "main"}),
                "Already up to date with main of '" + bare() + "'.\n");
     ben->git({"config", "branch.main.merge", "refs/heads/nosuch"});
     expectFailed(nebsc(*ben, {"update"}),
-                 "nebsc: there is no branch 'nosuch' in the remote 'origin'\n"
-                 "'nebsc remote branches origin' shows those that there are.\n");
+                 "nebsc: the remote 'origin' has no branch 'nosuch'\n"
+                 "'nebsc remote branches origin' lists its branches.\n");
 }
 
-TEST_F(UpdateCommand, ABranchThatIsNotFetchedIsNotSaidToBeMissing) {
+TEST_F(UpdateCommand, ReportsABranchThatTheRefspecsLeaveOut) {
     ann->git({"push", "--quiet", "origin", "main:refs/heads/topic"});
     ben->git({"config", "remote.origin.fetch", "+refs/heads/main:refs/remotes/origin/main"});
-    const std::string words =
+    const std::string message =
         "nebsc: the remote 'origin' has the branch 'topic', but the setting "
         "'remote.origin.fetch' does not fetch it as 'origin/topic'\n"
         "'git remote set-branches --add origin topic' adds it to the setting.\n";
-    expectFailed(nebsc(*ben, {"update", "origin", "topic"}), words);
+    expectFailed(nebsc(*ben, {"update", "origin", "topic"}), message);
     ben->git({"config", "branch.main.merge", "refs/heads/topic"});
-    expectFailed(nebsc(*ben, {"update"}), words);
+    expectFailed(nebsc(*ben, {"update"}), message);
     EXPECT_EQ(nebsc(*ben, {"update", "--json"}).json()["error"]["class"], "remote-branch-unknown");
     ben->git({"remote", "set-branches", "--add", "origin", "topic"});
     expectDone(nebsc(*ben, {"update"}), "Already up to date with origin/topic.\n");
 }
 
-TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
+TEST_F(UpdateCommand, RefusesInvalidArguments) {
     shareChange();
     for (const std::vector<std::string>& words : {std::vector<std::string>{"update", "origin"},
                                                   {"update", "--svn", "a", "b"},
@@ -232,7 +230,7 @@ TEST_F(UpdateCommand, ACallThatCannotBeUnderstoodDoesNothing) {
     EXPECT_NE(revision(*ben, "origin/main"), revision(*ann));
 }
 
-TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
+TEST_F(UpdateCommand, FailsOutsideAWorkingCopy) {
     const TemporaryFolder nowhere;
     expectFailed(runNebsc({"update"}, {.folder = nowhere.path()}),
                  StartsWith("nebsc: the folder is not in a git repository"));
@@ -240,7 +238,7 @@ TEST_F(UpdateCommand, WithoutAWorkingCopyGitSaysSo) {
     expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("no Subversion repository"));
 }
 
-TEST_F(UpdateCommand, AGitThatFailsWithoutAWordIsAFailure) {
+TEST_F(UpdateCommand, ASilentGitFailureIsAnError) {
     const StandInGit git(ben->path(), "exit 3");
     expectFailed(nebsc(*ben, {"update", "--ff", "origin", "main"}, git),
                  "nebsc: git exited with status 3 and printed nothing\n");

@@ -188,7 +188,8 @@ TEST_F(CommandJSON, AFailureBehindTheRequestIsTheOutcomes) {
     const NebscOutcome outcome = nebsc({"status", "--json", "nosuch"});
     const JSON json = outcome.json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestStatus);
-    EXPECT_THAT(json["error"]["localizedDescription"], HasSubstr("There is no file or folder"));
+    EXPECT_THAT(json["error"]["localizedDescription"],
+                HasSubstr("exists neither on disk nor in the index"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

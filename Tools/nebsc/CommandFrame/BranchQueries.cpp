@@ -36,10 +36,10 @@ std::optional<std::string> currentBranch(const GitQueries& git) {
 
 std::string describeHEAD(const GitQueries& git) {
     if (const auto branch = currentBranch(git)) {
-        return "The current branch " + inQuotes(*branch) + " has no commit yet.";
+        return "The current branch " + inQuotes(*branch) + " does not have any commits yet.";
     }
     const auto commit = git.headCommit();
-    return commit ? "Now at " + *commit + ", on no branch." : "On no branch.";
+    return commit ? "HEAD is detached at " + *commit + "." : "HEAD is detached.";
 }
 
 bool isBranch(const GitQueries& git, const std::string& name) {

@@ -116,11 +116,11 @@ private:
             const std::size_t start = content->find_first_not_of(" \t", symbolicPrefix.size());
             const std::string target = content->substr(std::min(start, content->size()));
             if (!isReferenceName(target)) {  // it may lead out of the repository
-                return errorOfContent(name, "its file names no valid reference");
+                return errorOfContent(name, "its file does not hold the name of a valid reference");
             }
             name = target;
         }
-        return errorOfContent(name, "it stands for itself");
+        return errorOfContent(name, "it refers to itself");
     }
 
     [[nodiscard]] NEBSourceControlError errorOfContent(const std::string& name,
@@ -131,7 +131,7 @@ private:
                                        ? "the last commit in " + inQuotes(log)
                                        : std::string("the name of its commit");
         return errorAbout(name, reason, NEBSourceControlReferenceBrokenErrorClass,
-                          "Write " + source + " into the file " + inQuotes(pathOf(name)) +
+                          "Write " + source + " to the file " + inQuotes(pathOf(name)) +
                               ", or remove that file and fetch the branch again.");
     }
 
@@ -141,8 +141,8 @@ private:
             name,
             "it names " + object.substr(0, 12) + ", which is not in the repository or is damaged",
             NEBSourceControlObjectsDamagedErrorClass,
-            "Fetch that commit again, or set the reference to a commit that exists: "
-            "'git update-ref " +
+            "Fetch that commit again, or set the reference to a commit that exists: 'git "
+            "update-ref " +
                 shellQuoted(name) + " COMMIT'.");
     }
 

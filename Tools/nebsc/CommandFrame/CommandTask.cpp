@@ -10,6 +10,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/OperationRun.h"
+#include "Terminal/Colour.h"
 #include "Terminal/Pager.h"
 
 namespace neb::nebsc {
@@ -72,7 +73,8 @@ std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
         const std::vector<std::string>& values = arguments().all(parameter.name);
         if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
             std::find(values.begin(), values.end(), "") != values.end()) {
-            return refusal(std::string(parameter.name) + " is empty.", exitNotUnderstood);
+            return refusal("The argument " + std::string(parameter.name) + " is empty.",
+                           exitNotUnderstood);
         }
     }
     return std::nullopt;
@@ -90,7 +92,7 @@ std::optional<CommandOutput> CommandTask::readPaths() {
         }
         for (const std::string& value : arguments().all(parameter.name)) {
             if (value.empty()) {
-                return refusal("The path is empty; the path of a file or folder was expected.",
+                return refusal("A path is empty; expected the path of a file or folder.",
                                exitNotUnderstood);
             }
             const PathSearch search = findAbsolutePath(*folder.path, value);

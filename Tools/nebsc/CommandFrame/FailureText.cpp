@@ -47,7 +47,7 @@ CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
     if (stderrText.find_first_not_of(" \t\r\n") == std::string::npos) {
         return refusal(query.status.exitStatus()
                            ? silentFailureText(*query.status.exitStatus())
-                           : "git did not answer: " + query.status.description() + ".",
+                           : "git failed: " + query.status.description() + ".",
                        exitFailed, classOfSilentFailure(query.status));
     }
     const auto request = newRequest(git.workingCopy(), NEBSourceControlRequestStatus);
@@ -57,8 +57,8 @@ CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
 std::optional<CommandOutput> refusalOfValue(const RequestResult& result) {
     if (const auto& value = result.refusedValue) {
         const bool isOption = value->value.starts_with('-');
-        return refusal(inQuotes(value->value) + (isOption ? " begins with '-'; it" : "") +
-                           " is refused, as git would " + std::string(value->danger) + ".",
+        return refusal(inQuotes(value->value) + (isOption ? " begins with '-' and" : "") +
+                           " is refused, because git would " + std::string(value->danger) + ".",
                        exitNotUnderstood);
     }
     return std::nullopt;
@@ -74,8 +74,8 @@ std::string textForMissingFile(const WorkingCopyLocation& workingCopy,
     const std::string path =
         file.starts_with('/') ? file : pathByAppendingComponent(workingCopy.location, file);
     const std::string name = inQuotes(pathAsSeen(workingCopy, path));
-    return isAnythingAt(path) ? "git does not track " + name + "."
-                              : "There is no file or folder " + name + ".";
+    return isAnythingAt(path) ? name + " is not tracked by git."
+                              : "The file or folder " + name + " does not exist.";
 }
 
 // ---- repositories -----------------------------------------------------------------------------
@@ -99,8 +99,9 @@ std::optional<CommandOutput> refusalWithoutSubversion(const GitQueries& git) {
     if (hasSubversion(git)) {
         return std::nullopt;
     }
-    CommandOutput output = refusal("No Subversion repository stands behind this one.", exitFailed);
-    output.standardError += "'git svn clone URL' makes a repository that has one.\n";
+    CommandOutput output =
+        refusal("This repository is not connected to a Subversion repository.", exitFailed);
+    output.standardError += "'git svn clone URL' creates a connected repository.\n";
     return output;
 }
 
@@ -115,7 +116,7 @@ std::optional<CommandOutput> refusalWithoutCommits(const GitQueries& git) {
     }
     const std::string branch =
         git.outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
-    return refusal("There are no commits yet on the current branch " + inQuotes(branch) + ".",
+    return refusal("The current branch " + inQuotes(branch) + " does not have any commits yet.",
                    exitFailed, NEBSourceControlNoCommitsYetErrorClass);
 }
 
@@ -123,7 +124,7 @@ CommandOutput refusalOfUnknownRevision(const GitQueries& git, const std::string&
     if (const auto broken = brokenReference(git, revision)) {
         return failureWith(*broken);
     }
-    return refusal("There is no revision " + inQuotes(revision) + ".", exitFailed,
+    return refusal("Unknown revision " + inQuotes(revision) + ".", exitFailed,
                    NEBSourceControlRevisionUnknownErrorClass);
 }
 
@@ -146,24 +147,23 @@ CommandOutput refusalOfBranchNotFetched(const GitQueries& git, const TrackedBran
     const std::string& remote = tracked.remote;
     const std::string reference = std::string(localBranchPrefix) + tracked.branch;
     const ChildOutcome heads = git.run({"ls-remote", "--heads", "--", remote, reference});
-    std::string sentence = "There is no branch " + inQuotes(tracked.branch) + " in the remote " +
-                           inQuotes(remote) + ".";
+    std::string message =
+        "The remote " + inQuotes(remote) + " has no branch " + inQuotes(tracked.branch) + ".";
     std::string advice = "nebsc remote branches " + shellQuoted(remote);
-    std::string effect = " shows those that there are.\n";
+    std::string effect = " lists its branches.\n";
     if (!heads.status.isSuccess()) {
-        sentence = "The fetch from the remote " + inQuotes(remote) + " brought no branch " +
-                   inQuotes(tracked.branch) + ".";
+        message = "The fetch from the remote " + inQuotes(remote) + " did not bring the branch " +
+                  inQuotes(tracked.branch) + ".";
     } else if (hasLineEndingWith(std::string(heads.output), "\t" + reference)) {
-        sentence = "The remote " + inQuotes(remote) + " has the branch " +
-                   inQuotes(tracked.branch) + ", but the setting " +
-                   inQuotes("remote." + remote + ".fetch") + " does not fetch it as " +
-                   inQuotes(remote + "/" + tracked.branch) + ".";
+        message = "The remote " + inQuotes(remote) + " has the branch " + inQuotes(tracked.branch) +
+                  ", but the setting " + inQuotes("remote." + remote + ".fetch") +
+                  " does not fetch it as " + inQuotes(remote + "/" + tracked.branch) + ".";
         advice = "git remote set-branches --add " + shellQuoted(remote) + " " +
                  shellQuoted(tracked.branch);
         effect = " adds it to the setting.\n";
     }
     CommandOutput output =
-        refusal(sentence, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass);
+        refusal(message, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass);
     output.standardError += inQuotes(advice) + effect;
     return output;
 }
@@ -175,7 +175,7 @@ std::optional<CommandOutput> refusalOfPathOutside(const GitQueries& git, const s
     if (liesWithin(path, workingCopy.location)) {
         return std::nullopt;
     }
-    return refusal(inQuotes(path) + " lies outside the " +
+    return refusal(inQuotes(path) + " is outside the " +
                        (workingCopy.isWorkingCopy ? "working copy " : "repository ") +
                        inQuotes(workingCopy.location) + ".",
                    exitFailed, NEBSourceControlPathOutsideErrorClass);
@@ -188,8 +188,8 @@ std::optional<CommandOutput> refusalInsideGitFolder(const GitQueries& git,
     for (const char* question : {"--git-dir", "--git-common-dir"}) {
         const auto folder = git.outputOf({"rev-parse", "--path-format=absolute", question});
         if (folder && liesWithin(resolved, fs::weakly_canonical(*folder, ignored).string())) {
-            return refusal(inQuotes(path) + " lies in the repository's own folder " +
-                               inQuotes(*folder) + "; nothing was written.",
+            return refusal(inQuotes(path) + " is inside the git directory " + inQuotes(*folder) +
+                               "; nothing was written.",
                            exitFailed, NEBSourceControlPathInvalidErrorClass);
         }
     }
@@ -197,7 +197,7 @@ std::optional<CommandOutput> refusalInsideGitFolder(const GitQueries& git,
 }
 
 CommandOutput refusalOfMissingFolder(const std::string& argument) {
-    return refusal("There is no folder " + inQuotes(argument) + ".", exitFailed,
+    return refusal("The folder " + inQuotes(argument) + " does not exist.", exitFailed,
                    NEBSourceControlDestinationMissingErrorClass);
 }
 
@@ -206,9 +206,9 @@ std::optional<CommandOutput> refusalOfExisting(const WorkingCopyLocation& workin
     if (!isAnythingAt(path)) {
         return std::nullopt;
     }
-    return refusal("There is a file or folder " + inQuotes(pathAsSeen(workingCopy, path)) +
-                       " already; nothing was done.",
-                   exitFailed, NEBSourceControlDestinationExistsErrorClass);
+    return refusal(
+        inQuotes(pathAsSeen(workingCopy, path)) + " already exists; nothing was changed.",
+        exitFailed, NEBSourceControlDestinationExistsErrorClass);
 }
 
 CommandOutput refusalAboutFiles(const WorkingCopyLocation& workingCopy, std::string_view text,

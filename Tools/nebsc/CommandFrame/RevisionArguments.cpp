@@ -19,8 +19,8 @@ std::string orHEAD(const std::string& revision) {
 
 CommandOutput refusalOfTooMany(std::string_view what, std::size_t most) {
     const std::string count = most == 1 ? "one " : "two ";
-    return refusal("There are too many words: " + count + std::string(what) +
-                       (most == 1 ? "" : "s") + " at most can be given.",
+    return refusal("Too many arguments: expected at most " + count + std::string(what) +
+                       (most == 1 ? "" : "s") + ".",
                    exitNotUnderstood);
 }
 
@@ -111,8 +111,8 @@ std::optional<CommandOutput> Reader::take(const std::string& argument, bool must
     if (!mustBeRevision && workingCopy().isWorkingCopy && search.path &&
         isAnythingAt(*search.path)) {
         return refusal(inQuotes(argument) +
-                           " is both a revision and a file; put '--' in front of it for the file, "
-                           "or behind it for the revision.",
+                           " is both a revision and a file; put '--' before it for the file, or "
+                           "after it for the revision.",
                        exitFailed, NEBSourceControlRevisionAmbiguousErrorClass);
     }
     _result.revisions.insert(_result.revisions.end(), revisions->begin(), revisions->end());
@@ -131,9 +131,10 @@ std::optional<CommandOutput> Reader::takeFile(const std::string& argument, bool 
         if (const auto broken = brokenReference(_git, argument)) {
             return failureWith(*broken);
         }
-        return refusal("There is no revision and no file " + inQuotes(argument) +
-                           "; put '--' in front of the name of a file that is gone.",
-                       exitFailed, NEBSourceControlRevisionUnknownErrorClass);
+        return refusal(
+            inQuotes(argument) +
+                " is neither a revision nor a file; put '--' before the name of a deleted file.",
+            exitFailed, NEBSourceControlRevisionUnknownErrorClass);
     }
     _result.files.push_back(*search.path);
     return std::nullopt;
@@ -191,7 +192,7 @@ std::vector<std::string> revisionAndFileArguments(const Arguments& arguments) {
 }
 
 CommandOutput refusalOfEmptyArgument() {
-    return refusal("A word is empty; a revision or the path of a file was expected.",
+    return refusal("An argument is empty; expected a revision or the path of a file.",
                    exitNotUnderstood);
 }
 

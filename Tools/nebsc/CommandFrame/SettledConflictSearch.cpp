@@ -118,12 +118,12 @@ SettledConflicts SettledConflictSearch::search() const {
     }
     const auto version = gitVersionIn(_git.outputOf({"version"}).value_or(""));
     if (!version || !canMergeInMemory(*version)) {
-        return unknownConflicts("that takes git " + oldestGitThatMergesInMemory().text() +
+        return unknownConflicts("this requires git " + oldestGitThatMergesInMemory().text() +
                                 " or newer");
     }
     auto arguments = optionsAgainstPrograms();
     if (!arguments) {
-        return unknownConflicts("the name of a merge driver or filter holds a '='");
+        return unknownConflicts("the name of a merge driver or filter contains '='");
     }
     // git-merge-tree(1), OUTPUT: the tree, then the names, each followed by NUL.
     arguments->insert(arguments->end(), {"merge-tree", "--write-tree", "--name-only",
@@ -150,18 +150,18 @@ void SettledConflictSearch::report(const Outcome& outcome, const SideNames& name
     const std::string leftOut(names.leftOut);
     if (conflicts->files) {
         output.standardError += complaint("Both sides changed the same lines or binary files; " +
-                                          kept + " were kept and " + leftOut + " left out in:");
+                                          kept + " were kept and " + leftOut + " dropped in:");
         for (const std::string& file : *conflicts->files) {
             output.standardError += "    " + shownPath(_git.workingCopy(), file) + "\n";
         }
     } else {
-        output.standardError += complaint(
-            "Where both sides changed the same lines, " + kept + " were kept and " + leftOut +
-            " left out. In which files is not known: " + conflicts->failure + ".");
+        output.standardError +=
+            complaint("Where both sides changed the same lines, " + kept + " were kept and " +
+                      leftOut + " dropped; the files are not known: " + conflicts->failure + ".");
     }
     output.standardError +=
         inQuotes("git diff " + shortened(_sides->kept) + "..." + shortened(_sides->leftOut)) +
-        " shows all changes of the side whose lines were left out.\n";
+        " shows all changes of the side whose lines were dropped.\n";
 }
 
 }  // namespace neb::nebsc

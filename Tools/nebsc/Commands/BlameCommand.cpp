@@ -112,7 +112,8 @@ private:
 std::optional<CommandOutput> BlameTask::validate() {
     const std::vector<std::string> all = revisionAndFileArguments(arguments());
     if (all.empty()) {
-        return refusal("FILE is required (see nebsc blame --help).", exitNotUnderstood);
+        return refusal("The argument FILE is required (see 'nebsc blame --help').",
+                       exitNotUnderstood);
     }
     if (std::find(all.begin(), all.end(), "") != all.end()) {
         return refusalOfEmptyArgument();

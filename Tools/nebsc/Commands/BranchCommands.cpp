@@ -132,8 +132,10 @@ std::optional<CommandOutput> CreateTask::validate() {
         }
         const auto broken = brokenReference(git(), "HEAD");
         return broken ? failureWith(*broken)
-                      : refusal("There is no commit yet at which a branch could start.", exitFailed,
-                                NEBSourceControlNoCommitsYetErrorClass);
+                      : refusal(
+                            "Cannot create a branch: the current branch does not have any commits "
+                            "yet.",
+                            exitFailed, NEBSourceControlNoCommitsYetErrorClass);
     }
     const bool isForGit = start->starts_with('-') || start->find("...") != std::string::npos;
     return !isForGit && git().isUnknownRevision(*start)
@@ -153,7 +155,7 @@ std::shared_ptr<NEBSourceControlRequest> CreateTask::makeRequest() {
 
 void CreateTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const auto tracking = trackedBranchOf(git(), argument(nameParameter));
-    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameParameter))) +
+    output.standardOutput = "Created branch " + printable(inQuotes(argument(nameParameter))) +
                             (tracking ? ", which tracks " + shownBranch(git(), *tracking) : "") +
                             ".\n";
 }
@@ -169,7 +171,7 @@ constinit const Command createCommand{
     .group = subcommandGroup,
     .summary = "Create a branch",
     .details =
-        "Does not switch to it; \"nebsc checkout\" does.\n"
+        "Does not switch to it; 'nebsc checkout' does.\n"
         "\n"
         "Examples:\n"
         "  nebsc branch create topic       from the latest commit\n"
@@ -223,13 +225,13 @@ std::shared_ptr<NEBSourceControlRequest> DeleteTask::makeRequest() {
 }
 
 void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    output.standardOutput = "Deleted the branch " + printable(inQuotes(_name)) +
-                            (_commit ? "; it was at " + printable(*_commit) : "") + ".\n";
+    output.standardOutput = "Deleted branch " + printable(inQuotes(_name)) +
+                            (_commit ? " (was " + printable(*_commit) + ")" : "") + ".\n";
 }
 
 std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
-               ? "'nebsc branch delete --force' deletes it all the same.\n"
+               ? "'nebsc branch delete --force' deletes it anyway.\n"
                : "";
 }
 

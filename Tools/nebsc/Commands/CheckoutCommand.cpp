@@ -81,18 +81,18 @@ std::optional<CommandOutput> CheckoutTask::validate() {
     const bool isOnDisk = isAnythingAt(pathByAppendingComponent(workingCopy().location, branch()));
     const std::string name = inQuotes(branch());
     if (isBranchOfRemote()) {
-        return isOnDisk ? std::optional(refusal(
-                              name + " is a file or folder here, and a branch in another "
-                                     "repository alone; which one is meant is not certain, so "
-                                     "nothing was done.",
-                              exitFailed, NEBSourceControlRevisionAmbiguousErrorClass))
-                        : std::nullopt;
+        return isOnDisk
+                   ? std::optional(refusal(
+                         name + " is the name of a file or folder and of a remote branch, so "
+                                "nothing was changed; 'nebsc branch track' creates the branch.",
+                         exitFailed, NEBSourceControlRevisionAmbiguousErrorClass))
+                   : std::nullopt;
     }
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
     if (isOnDisk || git().isTracked(branch()) || (asTyped.path && isAnythingAt(*asTyped.path))) {
         return refusal(name +
-                           " is no branch or revision but a file or folder; 'nebsc revert' "
-                           "throws away its changes.",
+                           " is a file or folder, not a branch or revision; 'nebsc revert' "
+                           "discards its changes.",
                        exitFailed, NEBSourceControlRevisionUnknownErrorClass);
     }
     return std::nullopt;
@@ -106,10 +106,10 @@ std::shared_ptr<NEBSourceControlRequest> CheckoutTask::makeRequest() {
 
 std::string CheckoutTask::locationText() {
     if (const auto name = git().outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
-        return "Now on " + printable(*name) + ".\n";
+        return "Now on branch " + printable(inQuotes(*name)) + ".\n";
     }
     const auto commit = git().headCommit();
-    return commit ? "Now at " + printable(*commit) + ", on no branch.\n" : "";
+    return commit ? "HEAD is now detached at " + printable(*commit) + ".\n" : "";
 }
 
 void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
@@ -118,7 +118,7 @@ void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
         output.standardError = unusualLines(notice.string().value_or(""));
     }
     output.standardOutput = locationText();
-    addConflicts(output, git(), "Local changes are in conflict with what was checked out, in:");
+    addConflicts(output, git(), "Local changes conflict with the checked-out revision in:");
 }
 
 constexpr Parameter parameters[] = {
@@ -132,9 +132,8 @@ constinit const Command checkoutCommand{
     .group = branchesGroup,
     .summary = "Switch to a branch or revision",
     .details =
-        "Keeps local changes. Files in which they conflict with the new revision are left in "
-        "conflict\n"
-        "and listed.\n"
+        "Keeps local changes. Files in which they conflict with the new revision are left in\n"
+        "conflict and listed.\n"
         "\n"
         "Examples:\n"
         "  nebsc checkout topic    switch to a branch\n"

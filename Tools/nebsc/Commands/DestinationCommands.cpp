@@ -32,8 +32,8 @@ std::optional<CommandOutput> refusalOfNewPath(const GitQueries& git, const std::
         return refused;
     }
     if (!liesWithin(path, git.workingCopy().location)) {
-        return refusal(inQuotes(path) + " lies outside the working copy " +
-                           inQuotes(git.workingCopy().location) + "; nothing was done.",
+        return refusal(inQuotes(path) + " is outside the working copy " +
+                           inQuotes(git.workingCopy().location) + "; nothing was changed.",
                        exitFailed, NEBSourceControlPathOutsideErrorClass);
     }
     return refusalOfExisting(git.workingCopy(), path);
@@ -57,8 +57,8 @@ protected:
 std::optional<CommandOutput> MoveTask::validate() {
     const std::string& source = paths(file).front();
     if (workingCopy().isWorkingCopy && !isAnythingAt(source) && !git().isTracked(source)) {
-        return refusal("There is no file or folder " + inQuotes(argument(file)) + ".", exitFailed,
-                       NEBSourceControlPathUnknownErrorClass);
+        return refusal("The file or folder " + inQuotes(argument(file)) + " does not exist.",
+                       exitFailed, NEBSourceControlPathUnknownErrorClass);
     }
     return refusalOfFolderArgument(argument(destination), paths(destination).front());
 }
@@ -107,7 +107,7 @@ void CopyTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const RequestResult staging =
         performRequest(newRequest(NEBSourceControlRequestAddFiles, {_copy}));
     if (addFailureOf(*staging.outcome, SilentFailure::isError, output)) {
-        output.standardError += "The copy was made all the same; it is not staged.\n";
+        output.standardError += "The copy was created but not staged.\n";
     }
 }
 
@@ -174,7 +174,7 @@ constinit const Command makeDirectoryCommand{
     .group = changeGroup,
     .summary = "Create a folder",
     .details =
-        "git does not record empty folders: a commit contains the folder once a file in it is "
+        "git does not record empty folders: a commit contains the folder once a file in it is\n"
         "added.\n"
         "\n"
         "Example:\n"

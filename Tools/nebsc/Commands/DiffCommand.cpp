@@ -46,7 +46,7 @@ std::optional<CommandOutput> DiffTask::validate() {
         return _named.refused;
     }
     if (arguments().has("--common-ancestor") && _named.revisions.size() < 2) {
-        return refusal("--common-ancestor needs two revisions.", exitNotUnderstood);
+        return refusal("--common-ancestor requires two revisions.", exitNotUnderstood);
     }
     if (_named.revisions.empty()) {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
@@ -131,9 +131,8 @@ void DiffTask::noteFilesNotCompared(CommandOutput& output) {
         const std::string name = inQuotes(shown(file));
         output.standardError +=
             isAnythingAt(file)
-                ? name + " is not tracked, so it is not compared; 'nebsc add' tracks it.\n"
-                : "There is no file or folder " + name + ", neither on disk nor in " +
-                      printable(inQuotes(revision)) + ".\n";
+                ? name + " is untracked and was not compared; 'nebsc add' tracks it.\n"
+                : name + " exists neither on disk nor in " + printable(inQuotes(revision)) + ".\n";
     }
 }
 
@@ -159,13 +158,11 @@ constinit const Command diffCommand{
     .summary = "Show changes between revisions, or between a revision and the working copy",
     .details =
         "Without a revision, shows everything that is not committed, staged or not. With one\n"
-        "revision, shows the changes from it to the working copy; with two, from the first to the\n"
-        "second. An argument is a revision or else a file; put \"--\" before files or after "
-        "revisions\n"
-        "if it could be either. Untracked files are not compared.\n"
-        "On a terminal, control characters other than TABs and line ends are escaped. Elsewhere "
-        "the\n"
-        "patch is exactly git's, for a program to apply.\n"
+        "revision, shows the changes from it to the working copy; with two, from the first to\n"
+        "the second. An argument is a revision or else a file; put '--' before files or after\n"
+        "revisions if it could be either. Untracked files are not compared.\n"
+        "On a terminal, control characters other than TABs and line ends are escaped.\n"
+        "Elsewhere the patch is exactly git's, for a program to apply.\n"
         "\n"
         "Examples:\n"
         "  nebsc diff                             what is not committed\n"

@@ -67,9 +67,8 @@ FetchTask::References FetchTask::references() {
 
 std::optional<CommandOutput> FetchTask::validate() {
     const bool hasRemote = arguments().has(remoteParameter);
-    if (auto refused =
-            refusalOfExchange(git(), isSubversion(), hasRemote, !hasRemote,
-                              "Either a remote or --svn was expected (see nebsc fetch --help).")) {
+    if (auto refused = refusalOfExchange(git(), isSubversion(), hasRemote, !hasRemote,
+                                         "Expected REMOTE or --svn (see 'nebsc fetch --help').")) {
         return refused;
     }
     _remote = isSubversion() ? "Subversion" : remoteOrLocation(git(), argument(remoteParameter));
@@ -98,14 +97,14 @@ void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
         }
     }
     for (const auto& [name, commit] : _before) {
-        lines += after.contains(name) ? "" : "    gone     " + printable(name) + "\n";
+        lines += after.contains(name) ? "" : "    deleted  " + printable(name) + "\n";
     }
     if (!lines.empty()) {
         output.standardOutput = from + ":\n" + lines;
     } else if (isSubversion() || isRemote(git(), _remote)) {
-        output.standardOutput = from + "; there is nothing new.\n";
+        output.standardOutput = from + "; nothing is new.\n";
     } else {
-        output.standardOutput = from + "; its latest commit is FETCH_HEAD here.\n";
+        output.standardOutput = from + "; its latest commit is FETCH_HEAD.\n";
     }
 }
 
@@ -126,7 +125,7 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
     std::string textFor(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlNothingToPushFromErrorClass
-                   ? "There is no branch " + inQuotes(_local) + " here to push."
+                   ? "There is no local branch " + inQuotes(_local) + " to push."
                    : "";
     }
     std::string adviceFor(const NEBSourceControlError& error) const override;
@@ -147,8 +146,7 @@ std::optional<CommandOutput> PushTask::validate() {
     const bool hasBranches = arguments().has(branches);
     if (auto refused = refusalOfExchange(
             git(), isSubversion(), hasRemote && hasBranches, !hasRemote && !hasBranches,
-            "Either a remote and LOCAL:THERE or --svn was expected (see "
-            "nebsc push --help).")) {
+            "Expected REMOTE and LOCAL:DEST, or --svn (see 'nebsc push --help').")) {
         return refused;
     }
     _commitBefore = git().headCommit();
@@ -161,7 +159,7 @@ std::optional<CommandOutput> PushTask::validate() {
     _local = text.substr(0, colon);
     _destination = colon == std::string::npos ? _local : text.substr(colon + 1);
     if (_local.empty() || _destination.empty() || _local.starts_with('+')) {
-        return refusal(inQuotes(text) + " does not name two branches; LOCAL:THERE was expected.",
+        return refusal(inQuotes(text) + " does not name two branches; expected LOCAL:DEST.",
                        exitNotUnderstood);
     }
     return std::nullopt;
@@ -198,7 +196,7 @@ void PushTask::report(const Outcome& outcome, CommandOutput& output) {
         const auto commit = git().headCommit();
         output.standardOutput = commit && commit != _commitBefore
                                     ? "Pushed to Subversion; now at " + printable(*commit) + ".\n"
-                                    : "There is nothing to push: Subversion has all commits.\n";
+                                    : "Nothing to push: Subversion has all commits.\n";
         return;
     }
     const bool hasRecord = outcome.result && !outcome.result->empty();
@@ -207,10 +205,10 @@ void PushTask::report(const Outcome& outcome, CommandOutput& output) {
                   : "";
     const std::string remote = printable(inQuotes(_remote));
     if (notice.find("Everything up-to-date") != std::string::npos) {
-        output.standardOutput = "There is nothing to push: " + remote + " is up to date.\n";
+        output.standardOutput = "Nothing to push: " + remote + " is up to date.\n";
     } else {
         output.standardOutput = "Pushed " + printable(_local) + " to " + printable(_destination) +
-                                " of " + remote + ".\n";
+                                " on " + remote + ".\n";
     }
     output.standardError = remoteOutput(notice);
 }
@@ -219,8 +217,8 @@ std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
     if (error.code != NEBSourceControlRemoteAheadError) {
         return {};
     }
-    return isSubversion() ? "'nebsc update --svn' brings them here.\n"
-                          : "'nebsc update' brings them here.\n";
+    return isSubversion() ? "'nebsc update --svn' fetches them and rebases the current branch.\n"
+                          : "'nebsc update' fetches and merges them.\n";
 }
 
 constexpr Parameter pushParameters[] = {
@@ -239,7 +237,7 @@ constinit const Command fetchCommand{
     .summary = "Fetch from a remote without changing the working copy",
     .details =
         "Examples:\n"
-        "  nebsc fetch origin    fetch from the remote \"origin\"\n"
+        "  nebsc fetch origin    fetch from the remote 'origin'\n"
         "  nebsc fetch --svn     fetch from the Subversion repository\n",
     .parameters = fetchParameters,
     .activity = "Fetching",

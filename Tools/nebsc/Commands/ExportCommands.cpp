@@ -50,7 +50,7 @@ std::optional<CommandOutput> ExportTask::refusalOfSource() {
         return refused;
     }
     if (!revision().starts_with('-') && git().typeOfEntry(revision(), file()) == "") {
-        return refusal("There is no file " + inQuotes(argument("FILE")) + " at the revision " +
+        return refusal(inQuotes(argument("FILE")) + " does not exist in the revision " +
                            inQuotes(revision()) + ".",
                        exitFailed, NEBSourceControlPathUnknownErrorClass);
     }
@@ -89,8 +89,8 @@ std::optional<CommandOutput> ExportTask::validate() {
     }
     if (file() == workingCopy().location) {
         return refusal(
-            "The working copy itself cannot be exported; 'nebsc export-tree' writes "
-            "all of its files.",
+            "The working copy itself cannot be exported; 'nebsc export-tree' writes all of its "
+            "files.",
             exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
@@ -171,11 +171,11 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
     if (isWorkingCopy()) {
         return refusal(name +
                            " is the working copy itself; nothing was written. 'nebsc revert' "
-                           "throws away changes.",
+                           "discards changes.",
                        exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (isAnythingAt(folder()) && !isFolder(folder())) {
-        return refusal(name + " is no folder; nothing was written.", exitFailed,
+        return refusal(name + " is not a folder; nothing was written.", exitFailed,
                        NEBSourceControlDestinationExistsErrorClass);
     }
     if (auto refused = refusalInsideGitFolder(git(), folder())) {
@@ -186,7 +186,7 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
         (!fs::is_empty(folder(), failure) || failure)) {
         return refusal("The folder " + name +
                            " is not empty; nothing was written. 'nebsc export-tree --force' "
-                           "overwrites the files in it that are in the index too.",
+                           "overwrites files that are in the index.",
                        exitFailed, NEBSourceControlDestinationExistsErrorClass);
     }
     return refusalOfBlockingFolder();
@@ -203,8 +203,8 @@ std::optional<CommandOutput> ExportTreeTask::refusalOfBlockingFolder() {
             pathByAppendingComponent(folder(), entry.substr(entry.find('\t') + 1));
         const bool isSubmodule = entry.starts_with("160000 ");
         if (!isSubmodule && isFolderItself(path)) {
-            return refusal("There is a folder " + inQuotes(path) +
-                               " where a file of the index is to be; nothing was written.",
+            return refusal("The folder " + inQuotes(path) +
+                               " blocks a file of the index; nothing was written.",
                            exitFailed, NEBSourceControlDestinationExistsErrorClass);
         }
     }

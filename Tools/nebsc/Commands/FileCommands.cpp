@@ -21,9 +21,9 @@ protected:
     std::optional<CommandOutput> validate() override {
         return isAll() == paths(files).empty()
                    ? std::nullopt
-                   : std::optional(refusal("Either FILE or --all was expected (see nebsc add "
-                                           "--help).",
-                                           exitNotUnderstood));
+                   : std::optional(
+                         refusal("Expected either FILE or --all (see 'nebsc add --help').",
+                                 exitNotUnderstood));
     }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return isAll() ? newRequest(NEBSourceControlRequestAdd)
@@ -82,10 +82,9 @@ std::optional<CommandOutput> RemoveTask::validate() {
         return std::nullopt;
     }
     CommandOutput refused = refusalAboutFiles(
-        workingCopy(),
-        "Nothing was removed, as changes that are not committed would be lost:", changed,
+        workingCopy(), "Nothing was deleted, because uncommitted changes would be lost:", changed,
         NEBSourceControlLocalChangesErrorClass);
-    refused.standardError += "'nebsc rm --force' removes the files all the same.\n";
+    refused.standardError += "'nebsc rm --force' deletes the files anyway.\n";
     return refused;
 }
 
@@ -146,9 +145,8 @@ constinit const Command revertCommand{
     .group = changeGroup,
     .summary = "Discard changes of files",
     .details =
-        "Restores what was staged last, or the latest commit if nothing is staged: changes that "
-        "are\n"
-        "not staged are lost. Staged changes and files in conflict are left alone.\n"
+        "Restores what was staged last, or the latest commit if nothing is staged: changes\n"
+        "that are not staged are lost. Staged changes and files in conflict are left alone.\n"
         "\n"
         "Examples:\n"
         "  nebsc revert src/main.c    discard the changes of a file\n"

@@ -95,14 +95,13 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
                        NEBSourceControlPathInvalidErrorClass);
     }
     if (path.find_first_of("\n\r") != std::string::npos) {
-        return refusal(
-            "The name " + name + " holds a line end, so no list of ignored files can hold it.",
-            exitFailed, NEBSourceControlPathInvalidErrorClass);
+        return refusal("The name " + name + " contains a line end, so .gitignore cannot list it.",
+                       exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (git().isTracked(path)) {
         CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
                                        exitFailed, NEBSourceControlPathInvalidErrorClass);
-        output.standardError += "'git rm -r --cached' lets git forget it and leaves it on disk.\n";
+        output.standardError += "'git rm -r --cached' stops tracking it and keeps it on disk.\n";
         return output;
     }
     return std::nullopt;
@@ -130,18 +129,16 @@ void IgnoreTask::finish(Outcome& outcome) {
     const std::string ignoreFile = pathByAppendingComponent(workingCopy().location, ".gitignore");
     if (const int failure = _lines.empty() ? 0 : appendLines(ignoreFile, _lines); failure != 0) {
         outcome.error = NEBSourceControlErrorFromFileFailure(
-            {failure, "The list \"" + ignoreFile +
-                          "\" could not be written: " + textOfErrno(failure) + "."});
+            {failure, "Cannot write " + inQuotes(ignoreFile) + ": " + textOfErrno(failure) + "."});
     }
 }
 
 void IgnoreTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     if (_lines.empty()) {
-        output.standardOutput =
-            paths(files).size() == 1 ? "It is ignored already.\n" : "They are ignored already.\n";
+        output.standardOutput = "Already ignored.\n";
         return;
     }
-    output.standardOutput = "Added to the list \"" + shown(".gitignore") + "\":\n";
+    output.standardOutput = "Added to " + inQuotes(shown(".gitignore")) + ":\n";
     forEachLine(_lines, [&output](std::string_view line) {
         output.standardOutput += "    " + printable(line) + "\n";
     });

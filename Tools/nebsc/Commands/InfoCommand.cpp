@@ -39,7 +39,7 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!url.isPresent()) {
         output.standardOutput = "The repository " +
                                 printable(inQuotes(lastPathComponent(workingCopy().location))) +
-                                " has no remote 'origin' and none of Subversion.\n";
+                                " has no remote 'origin' and no connected Subversion repository.\n";
         return;
     }
     const bool isSubversion = outcome.commands.size() > 1;
@@ -54,7 +54,7 @@ constinit const Command infoCommand{
     .group = inspectGroup,
     .summary = "Show the URL of the repository and the top of the working copy",
     .details =
-        "The URL is that of the remote \"origin\", or of the connected Subversion repository.\n"
+        "The URL is that of the remote 'origin', or of the connected Subversion repository.\n"
         "\n"
         "Example:\n"
         "  nebsc info\n",

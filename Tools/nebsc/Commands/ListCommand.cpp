@@ -55,15 +55,16 @@ std::optional<CommandOutput> ListTask::refusalOfFolder() {
     }
     const std::string name = shownFolder();
     if (!type.empty()) {
-        return refusal(name + " is no folder in the latest commit, but a " +
+        return refusal(name + " is not a folder in the latest commit but a " +
                            (type == "blob" ? "file." : "submodule."),
                        exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     const bool isOnDisk = workingCopy().isWorkingCopy && isAnythingAt(folder());
-    return refusal(isOnDisk ? name + " is on disk, but not in the latest commit."
-                            : "There is no folder " + name +
-                                  (workingCopy().isWorkingCopy ? ", neither on disk nor" : "") +
-                                  " in the latest commit.",
+    return refusal(isOnDisk ? name + " is on disk but not in the latest commit."
+                            : "The folder " + name +
+                                  (workingCopy().isWorkingCopy
+                                       ? " exists neither on disk nor in the latest commit."
+                                       : " does not exist in the latest commit."),
                    exitFailed, NEBSourceControlPathUnknownErrorClass);
 }
 
@@ -105,9 +106,8 @@ constinit const Command listCommand{
     .group = inspectGroup,
     .summary = "List a folder of the latest commit",
     .details =
-        "Folders and submodules end with \"/\". Lists the commit, not the working copy, so names "
-        "that\n"
-        "are not on disk are listed too. In a bare repository, DIR is relative to the top.\n"
+        "Folders and submodules end with '/'. Lists the commit, not the working copy, so names\n"
+        "that are not on disk are listed too. In a bare repository, DIR is relative to the top.\n"
         "\n"
         "Examples:\n"
         "  nebsc ls        the current folder\n"

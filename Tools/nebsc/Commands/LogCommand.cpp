@@ -74,7 +74,7 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
         return std::nullopt;
     }
     if (!_named.revisions.empty()) {
-        return refusal("--branch and a revision cannot stand together.", exitNotUnderstood);
+        return refusal("--branch cannot be combined with a revision.", exitNotUnderstood);
     }
     // A tag may have the same name.
     const std::string local = "refs/heads/" + *branch;
@@ -89,7 +89,7 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
 std::optional<CommandOutput> LogTask::validate() {
     const auto limit = arguments().value("--limit");
     if (limit && !countIn(*limit)) {
-        return refusal(inQuotes(*limit) + " is no number of commits.", exitNotUnderstood);
+        return refusal(inQuotes(*limit) + " is not a number of commits.", exitNotUnderstood);
     }
     _named = readRevisionArguments(git(), arguments(), {.revisions = 2, .files = 1});
     if (_named.refused) {
@@ -97,8 +97,7 @@ std::optional<CommandOutput> LogTask::validate() {
     }
     if (_named.revisions.size() == 2 && _named.dots.empty()) {
         return refusal(
-            "One revision or range at most can be given; for two revisions write A..B or "
-            "A...B.",
+            "Expected at most one revision or range; for two revisions write A..B or A...B.",
             exitNotUnderstood);
     }
     if (auto refused = refusalOfBranch()) {
@@ -211,7 +210,7 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
 void LogTask::report(const Outcome& outcome, CommandOutput& output) {
     if (!isJSON() && outcome.result && outcome.result->empty() &&
         outcome.omittedRevisions.empty()) {
-        output.standardError += "There are no such commits.\n";
+        output.standardError += "No matching commits.\n";
     }
 }
 
@@ -232,12 +231,10 @@ constinit const Command logCommand{
     .group = inspectGroup,
     .summary = "Show commits, newest first",
     .details =
-        "Dates are in local time. A..B shows the commits of B that A does not contain, A...B "
-        "those\n"
-        "that only one of the two contains. A single argument is a revision or else a file; put "
-        "\"--\"\n"
-        "before a file or after a revision if it could be either. Merges have no files of their "
-        "own.\n"
+        "Dates are in local time. A..B shows the commits of B that A does not contain, A...B\n"
+        "those that only one of the two contains. A single argument is a revision or else a\n"
+        "file; put '--' before a file or after a revision if it could be either. Merges have\n"
+        "no files of their own.\n"
         "\n"
         "Examples:\n"
         "  nebsc log -n 10          the last ten commits\n"

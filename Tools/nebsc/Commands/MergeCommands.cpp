@@ -31,7 +31,7 @@ protected:
     }
     std::string textFor(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlRevisionUnknownErrorClass
-                   ? "There is no branch or revision " + inQuotes(revision()) + "."
+                   ? "Unknown branch or revision " + inQuotes(revision()) + "."
                    : "";
     }
 

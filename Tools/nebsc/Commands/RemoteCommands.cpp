@@ -133,7 +133,7 @@ protected:
         return request;
     }
     void report(const Outcome& /*outcome*/, CommandOutput& output) override {
-        output.standardOutput = "Added the remote " + printable(inQuotes(argument("NAME"))) + ".\n";
+        output.standardOutput = "Added remote " + printable(inQuotes(argument("NAME"))) + ".\n";
     }
 };
 
@@ -148,7 +148,7 @@ constinit const Command addCommand{
     .group = subcommandGroup,
     .summary = "Add a remote",
     .details =
-        "Does not fetch from it; \"nebsc fetch\" does.\n"
+        "Does not fetch from it; 'nebsc fetch' does.\n"
         "\n"
         "Example:\n"
         "  nebsc remote add origin https://example.org/demo.git\n",
@@ -170,8 +170,7 @@ protected:
         return request;
     }
     void report(const Outcome& /*outcome*/, CommandOutput& output) override {
-        output.standardOutput =
-            "Removed the remote " + printable(inQuotes(argument("NAME"))) + ".\n";
+        output.standardOutput = "Removed remote " + printable(inQuotes(argument("NAME"))) + ".\n";
     }
 };
 

@@ -49,26 +49,24 @@ std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& fo
                    currentFolder())
                 .status.isSuccess()) {
             return refusal(
-                "There is a repository in " + inQuotes(folder) + " already; nothing was changed.",
+                inQuotes(folder) + " already contains a repository; nothing was changed.",
                 exitFailed, NEBSourceControlDestinationExistsErrorClass);
         }
     }
     const bool isBroken =
         isAnythingAt(inside) || (isAnythingAt(pathByAppendingComponent(folder, "objects")) &&
                                  isAnythingAt(pathByAppendingComponent(folder, "refs")));
-    return isBroken
-               ? std::optional(refusal("What is in " + inQuotes(folder) +
-                                           " looks like a damaged repository; nothing was "
-                                           "changed.",
-                                       exitFailed, NEBSourceControlDestinationExistsErrorClass))
-               : std::nullopt;
+    return isBroken ? std::optional(refusal(
+                          inQuotes(folder) +
+                              " seems to contain a damaged repository; nothing was changed.",
+                          exitFailed, NEBSourceControlDestinationExistsErrorClass))
+                    : std::nullopt;
 }
 
 std::optional<CommandOutput> InitTask::validate() {
     const std::string& folder = workingCopy().location;
     if (const std::string typed = argument("DIR"); typed.find("://") != std::string::npos) {
-        return refusal(inQuotes(typed) + " is a URL; a repository is made in a folder.",
-                       exitNotUnderstood);
+        return refusal(inQuotes(typed) + " is a URL; expected a folder.", exitNotUnderstood);
     }
     if (auto refused = refusalOfRepository(folder)) {
         return refused;
@@ -92,7 +90,7 @@ std::shared_ptr<NEBSourceControlRequest> InitTask::makeRequest() {
 void InitTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     _folder->keep();
     output.standardOutput =
-        "Made an empty repository in " + printable(inQuotes(workingCopy().location)) + ".\n";
+        "Created an empty repository in " + printable(inQuotes(workingCopy().location)) + ".\n";
 }
 
 constexpr Parameter initParameters[] = {
@@ -162,7 +160,7 @@ protected:
     std::string textFor(const NEBSourceControlError& error) const override {
         const std::string& url = workingCopy().location;
         return error.errorClass == NEBSourceControlTransportUnknownErrorClass
-                   ? "git knows no way to " + inQuotes(url) + "."
+                   ? "git has no transport for " + inQuotes(url) + "."
                    : "";
     }
 
@@ -183,10 +181,10 @@ std::optional<CommandOutput> CloneTask::validate() {
     }
     const std::string name = nameOfClone(workingCopy().location);
     if (name.empty() || name == "." || name == "..") {
-        return refusal(inQuotes(argument("URL")) +
-                           " tells no name for the folder of the clone; it is expected behind it: "
-                           "nebsc clone URL DIR.",
-                       exitNotUnderstood);
+        return refusal(
+            inQuotes(argument("URL")) +
+                " does not contain a name for the folder of the clone; use 'nebsc clone URL DIR'.",
+            exitNotUnderstood);
     }
     _destination = pathByAppendingComponent(currentFolder(), name);
     return std::nullopt;
@@ -239,13 +237,12 @@ constinit const Command cloneCommand{
     .group = remotesGroup,
     .summary = "Clone a repository with its submodules",
     .details =
-        "If the clone fails or is interrupted, removes the folder that it created. If only "
-        "submodules\n"
-        "cannot be cloned, keeps the clone and lists what is missing.\n"
+        "If the clone fails or is interrupted, removes the folder that it created. If only\n"
+        "submodules cannot be cloned, keeps the clone and lists what is missing.\n"
         "\n"
         "Examples:\n"
-        "  nebsc clone https://example.org/demo.git           to the folder demo\n"
-        "  nebsc clone --branch topic ../demo elsewhere       the branch topic, to elsewhere\n",
+        "  nebsc clone https://example.org/demo.git        to the folder demo\n"
+        "  nebsc clone --branch topic ../demo elsewhere    the branch topic, to elsewhere\n",
     .parameters = cloneParameters,
     .activity = "Cloning",
     .run = runTask<CloneTask>,

@@ -120,14 +120,13 @@ void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
     const std::string typed = inQuotes(argument("PATH"));
     // A file outside the sparse checkout is not on disk, and git reports it as unchanged.
     if (_path && !isAnythingAt(*_path) && !git().isTracked(*_path)) {
-        output = refusal("There is no file or folder " + typed +
-                             ", neither on disk nor in the working copy " + name + ".",
-                         exitFailed, NEBSourceControlPathUnknownErrorClass);
+        output = refusal(
+            typed + " exists neither on disk nor in the index of the working copy " + name + ".",
+            exitFailed, NEBSourceControlPathUnknownErrorClass);
         return;
     }
     output.standardOutput =
-        "Nothing to report: " + printable(_path ? typed : "the working copy " + name) +
-        " has no changes.\n";
+        "No changes in " + printable(_path ? typed : "the working copy " + name) + ".\n";
 }
 
 constexpr Parameter parameters[] = {

@@ -39,7 +39,7 @@ std::optional<CommandOutput> TrackTask::validate() {
     const std::string text = argument("REMOTE/BRANCH");
     const std::size_t first = text.find('/');
     if (first == std::string::npos || first == 0 || text.ends_with('/')) {
-        return refusal(inQuotes(text) + " names no branch of a remote; REMOTE/BRANCH was expected.",
+        return refusal(inQuotes(text) + " is not a branch of a remote; expected REMOTE/BRANCH.",
                        exitNotUnderstood);
     }
     std::size_t slash = first;
@@ -48,7 +48,8 @@ std::optional<CommandOutput> TrackTask::validate() {
     }
     if (slash == std::string::npos && !text.starts_with('-')) {
         return refusal(
-            inQuotes(text) + " begins with the name of no remote; 'nebsc remote list' shows them.",
+            inQuotes(text) +
+                " does not begin with the name of a remote; 'nebsc remote list' lists them.",
             exitFailed, NEBSourceControlRemoteUnknownErrorClass);
     }
     const std::size_t end = slash == std::string::npos ? first : slash;
@@ -70,13 +71,13 @@ void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
         output = refusalOfBranchNotFetched(git(), _tracking);
         return;
     }
-    output.standardOutput = "Made the branch " + printable(inQuotes(argument(nameParameter))) +
+    output.standardOutput = "Created branch " + printable(inQuotes(argument(nameParameter))) +
                             ", which tracks " + shownBranch(git(), _tracking) + ".\n";
     // The operation goes on if the fetch fails because it may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
         output.standardError +=
             complaint("The fetch did not complete; " +
-                      inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " says why.");
+                      inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " shows why.");
     }
 }
 
@@ -114,10 +115,10 @@ void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
         output.standardOutput =
             printable(name) + " tracks " + shownBranch(git(), *tracking) + ".\n";
     } else if (isBranch(git(), name) || currentBranch(git()) == name) {
-        output = refusal(inQuotes(name) + " tracks no branch.", exitFailed,
+        output = refusal(inQuotes(name) + " does not track a branch.", exitFailed,
                          NEBSourceControlNoUpstreamErrorClass);
     } else {
-        output = refusal("There is no branch " + inQuotes(name) + ".", exitFailed,
+        output = refusal("The branch " + inQuotes(name) + " does not exist.", exitFailed,
                          NEBSourceControlBranchUnknownErrorClass);
     }
 }

@@ -87,7 +87,7 @@ constinit const Command typesCommand{
     .group = requestsGroup,
     .summary = "List the request types and what each needs",
     .details =
-        "Types named \"unsupported\" have no operation; their requests fail.\n"
+        "Types named 'unsupported' have no operation; their requests fail.\n"
         "\n"
         "Examples:\n"
         "  nebsc types           a table\n"

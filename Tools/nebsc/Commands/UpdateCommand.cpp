@@ -70,8 +70,8 @@ std::optional<CommandOutput> UpdateTask::refusalOfArguments() const {
     const bool hasBranch = arguments().has(branchParameter);
     if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
         return refusal(
-            "Either REMOTE and BRANCH, both or none, or --svn and no more than REF was expected "
-            "(see nebsc update --help).",
+            "Expected REMOTE and BRANCH, neither of them, or --svn with at most REF (see 'nebsc "
+            "update --help').",
             exitNotUnderstood);
     }
     return std::nullopt;
@@ -109,13 +109,12 @@ std::optional<CommandOutput> UpdateTask::findSource() {
     if (!tracking) {
         CommandOutput output =
             refusal(branch ? "The current branch " + inQuotes(*branch) +
-                                 " tracks no branch, so it is not known what is new."
-                           : "No branch is checked out that could track another, so it "
-                             "is not known what is new.",
+                                 " does not track a branch to update from."
+                           : "HEAD is detached, so there is no tracked branch to update from.",
                     exitFailed, NEBSourceControlNoUpstreamErrorClass);
         output.standardError += hasSubversion(git())
-                                    ? "'nebsc update --svn' brings what is new in Subversion.\n"
-                                    : "'nebsc update REMOTE BRANCH' says where to look.\n";
+                                    ? "'nebsc update --svn' updates from Subversion.\n"
+                                    : "'nebsc update REMOTE BRANCH' updates from another branch.\n";
         return output;
     }
     _source = *tracking;
@@ -127,11 +126,10 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteParameter);
     const std::string& remote = _source.remote;
     if (remote != "." && !remote.starts_with('-') && !isRemote(git(), remote)) {
-        CommandOutput output = refusal(inQuotes(remote) + " is the name of no remote.", exitFailed,
-                                       NEBSourceControlRemoteUnknownErrorClass);
+        CommandOutput output = refusal(inQuotes(remote) + " is not the name of a remote.",
+                                       exitFailed, NEBSourceControlRemoteUnknownErrorClass);
         output.standardError +=
-            "'nebsc remote add' gives a repository a name; 'nebsc update --ff' takes a URL or "
-            "a path, too.\n";
+            "'nebsc remote add' adds a remote; 'nebsc update --ff' also accepts a URL or a path.\n";
         return output;
     }
     if (auto failed = performFirst(newFetchRequest(workingCopy(), remote))) {
@@ -194,10 +192,10 @@ void UpdateTask::noteDroppedCommits(CommandOutput& output) {
     }
     const std::size_t dropped = _ownCommitsBefore - left;
     output.standardError += "nebsc: " + std::to_string(dropped) +
-                            (dropped == 1 ? " commit of yours was" : " commits of yours were") +
-                            " left out, as nothing in it is new or what it changes was changed "
-                            "there too; before the update, your commits ended with " +
-                            printable(_commitBefore.value_or("")) + "\n";
+                            (dropped == 1 ? " local commit was" : " local commits were") +
+                            " dropped, because Subversion has the same changes or newer ones; "
+                            "before the update, the branch was at " +
+                            printable(_commitBefore.value_or("")) + ".\n";
 }
 
 std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {

@@ -37,7 +37,7 @@ std::shared_ptr<NEBSourceControlRequest> requestWithOptions(std::int32_t type, u
     return request;
 }
 
-TEST(ArgumentInjections, AreFoundWhereGitWouldReadThem) {
+TEST(ArgumentInjections, AreFoundWhereGitWouldReadAnOption) {
     const std::pair<std::int32_t, unsigned> exposed[] = {
         {NEBSourceControlRequestAdd, 0},
         {NEBSourceControlRequestCreateBranch, D | L},
@@ -123,7 +123,7 @@ TEST(ArgumentInjections, AreNamed) {
         << "what git would read, the name behind the folder";
 }
 
-TEST(ArgumentInjections, TheLimitOfALogIsACountAsAMinusIsPutBeforeIt) {
+TEST(ArgumentInjections, TheLimitOfALogMustBeANumber) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     const auto isRefused = [&request](NEBValue limit) {
         request->options =
@@ -149,7 +149,7 @@ public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override { return "--object"; }
 };
 
-TEST(ArgumentInjections, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
+TEST(ArgumentInjections, AreFoundInTheTextThatReachesGit) {
     const std::pair<NEBValue, const char*> kinds[] = {
         {-4, "-4"},
         {LOMFilePath::filePathForPathString("--path"), "--path"},
@@ -182,7 +182,7 @@ TEST(ArgumentInjections, AreFoundByTheTextThatReachesGitWhateverTheirKind) {
     }
 }
 
-TEST(ArgumentInjections, AreFoundAmongTheWordsOfAListing) {
+TEST(ArgumentInjections, AreFoundInTheArgumentsOfAListing) {
     const auto refusedIn = [](const NEBValue& file, const NEBValue& branch = {}) {
         auto request = requestFor(NEBSourceControlRequestList, "/w");
         request->files = {file};
@@ -199,7 +199,7 @@ TEST(ArgumentInjections, AreFoundAmongTheWordsOfAListing) {
     EXPECT_EQ(refusedIn("src", "-r"), "") << "it stands behind \"HEAD^{\"";
 }
 
-TEST(ArgumentInjections, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
+TEST(ArgumentInjections, AreFoundOnBothSidesOfAPush) {
     for (const unsigned side : {B, D}) {
         for (const char* name : {"", "+x", "a*"}) {
             const NEBValue path(LOMFilePath::filePathForPathString(name));
@@ -210,7 +210,7 @@ TEST(ArgumentInjections, BothSidesOfAPushAreLookedAtWhateverTheirKind) {
     }
 }
 
-TEST(ArgumentInjections, AnEmptyRequestHoldsNone) {
+TEST(ArgumentInjections, AnEmptyRequestHasNone) {
     NEBSourceControlRequest request;
     for (request.type = -1; request.type <= 40; ++request.type) {
         EXPECT_FALSE(NEBSourceControlFirstArgumentInjection(request).has_value());

@@ -20,7 +20,7 @@ using testing::Not;
 using testing::StartsWith;
 using Variables = std::vector<std::string>;
 
-/// The configuration entries of an environment, in git's order.
+/// Returns the configuration entries of an environment, in the order in which git reads them.
 std::vector<std::pair<std::string, std::string>> settingsOf(const Variables& environment) {
     std::map<std::string, std::string> variables;
     for (const std::string& variable : environment) {
@@ -47,8 +47,7 @@ Variables withoutSettings(const Variables& environment) {
 
 using Settings = std::vector<std::pair<std::string, std::string>>;
 
-/// What a git is told that may run hooks: nothing by which a hook's own git would change what it
-/// does.
+/// The variables for a git that runs hooks. They do not change what a git in a hook does.
 const Settings pinnedForEveryChild{
     {"color.ui", "false"},
     {"color.advice", "false"},
@@ -131,24 +130,24 @@ const Variables always{
     "GIT_TRACE2_EVENT=0",
 };
 
-TEST(ChildEnvironment, HoldsAllThatGitMustBeTold) {
+TEST(ChildEnvironment, HasAllVariablesForGit) {
     const Variables environment = NEBSourceControlChildEnvironment({}, {});
     EXPECT_EQ(withoutSettings(environment), always);
     EXPECT_EQ(settingsOf(environment), pinned);
 }
 
-TEST(ChildEnvironment, AGitThatMayRunHooksIsToldNoMoreThanItNeeds) {
+TEST(ChildEnvironment, AGitThatRunsHooksGetsOnlyWhatItNeeds) {
     const Variables environment = NEBSourceControlChildEnvironment({}, {.mayRunHooks = true});
     EXPECT_EQ(withoutSettings(environment), always);
     EXPECT_EQ(settingsOf(environment), pinnedForEveryChild);
 }
 
-TEST(ChildEnvironment, AnArchiveMayBeForItsOwnerAlone) {
+TEST(ChildEnvironment, AnArchiveMayBeForItsOwnerOnly) {
     const Variables environment = NEBSourceControlChildEnvironment({}, {.archivesForOwner = true});
     EXPECT_EQ(settingsOf(environment), joined(pinned, {{"tar.umask", "077"}}));
 }
 
-TEST(ChildEnvironment, KeepsTheHostsOwnButForWhatWeSet) {
+TEST(ChildEnvironment, KeepsTheVariablesOfTheHostThatAreNotSet) {
     const Variables environment = NEBSourceControlChildEnvironment(
         {"HOME=/h", "PATH=/bin", "LC_ALL=de_DE.UTF-8", "LANGUAGE=de", "GIT_EDITOR=vi",
          "GIT_ASKPASS=/a", "SSH_AUTH_SOCK=/s", "GIT_SSH_COMMAND=ssh -v", "GIT_AUTHOR_NAME=A",
@@ -167,7 +166,7 @@ TEST(ChildEnvironment, KeepsTheHostsOwnButForWhatWeSet) {
     EXPECT_THAT(environment, Not(Contains("GIT_EDITOR=vi")));
 }
 
-TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
+TEST(ChildEnvironment, HasNoVariablesThatSelectARepositoryOrTraceToStderr) {
     Variables inherited;
     for (const char* name : {"GIT_ALTERNATE_OBJECT_DIRECTORIES",
                              "GIT_CONFIG",
@@ -211,7 +210,7 @@ TEST(ChildEnvironment, NothingTiesTheChildToARepositoryOrTracesIntoItsWords) {
     EXPECT_EQ(withoutSettings(NEBSourceControlChildEnvironment(inherited, {})), always);
 }
 
-TEST(ChildEnvironment, KnowsAllVariablesThatTheInstalledGitCallsLocal) {
+TEST(ChildEnvironment, RemovesAllVariablesThatTheInstalledGitCallsLocal) {
     const test::TestRepository repository;
     std::istringstream names(repository.git({"rev-parse", "--local-env-vars"}));
     std::string name;
@@ -224,7 +223,7 @@ TEST(ChildEnvironment, KnowsAllVariablesThatTheInstalledGitCallsLocal) {
     EXPECT_GT(count, 10);
 }
 
-TEST(ChildEnvironment, OurSettingsStandBehindTheUsersOwn) {
+TEST(ChildEnvironment, SettingsFollowThoseOfTheUser) {
     auto expected = pinned;
     expected.insert(expected.begin(), {{"user.name", "A B"}, {"color.ui", ""}});
     EXPECT_EQ(settingsOf(NEBSourceControlChildEnvironment(
@@ -234,7 +233,7 @@ TEST(ChildEnvironment, OurSettingsStandBehindTheUsersOwn) {
               expected);
 }
 
-TEST(ChildEnvironment, SettingsThatGitWouldDieOfAreLeftOut) {
+TEST(ChildEnvironment, LeavesOutSettingsThatGitWouldFailOn) {
     for (const char* count : {"two", "", "-1", "1x", "99999999999999999999"}) {
         EXPECT_EQ(settingsOf(NEBSourceControlChildEnvironment(
                       {std::string("GIT_CONFIG_COUNT=") + count, "GIT_CONFIG_KEY_0=a.b",
@@ -252,7 +251,7 @@ TEST(ChildEnvironment, SettingsThatGitWouldDieOfAreLeftOut) {
               expected);
 }
 
-TEST(ChildEnvironment, TraitsAreSetForTheirChildAlone) {
+TEST(ChildEnvironment, TraitsAffectOnlyTheirChild) {
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.hasPatternCharacters = true}),
                 Contains("GIT_LITERAL_PATHSPECS=1"));
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.writesWholeBuffers = true}),
@@ -263,7 +262,7 @@ TEST(ChildEnvironment, TraitsAreSetForTheirChildAlone) {
     EXPECT_THAT(NEBSourceControlChildEnvironment({}, {}), Not(Contains(StartsWith("GIT_OPT"))));
 }
 
-TEST(ChildEnvironment, VariablesThatAreRemovedAreNamedWithTheirValuesAndReasons) {
+TEST(ChildEnvironment, ReportsRemovedVariablesWithValuesAndReasons) {
     const auto variables = NEBSourceControlIgnoredVariables(
         {"HOME=/x", "GIT_DIR=/a=b", "GIT_TRACE_SETUP=1", "GIT_SSH=ssh", "LC_ALL=C", "GIT_DIR"});
     ASSERT_EQ(variables.size(), 2U);
@@ -274,7 +273,7 @@ TEST(ChildEnvironment, VariablesThatAreRemovedAreNamedWithTheirValuesAndReasons)
     EXPECT_EQ(variables[1].reason, "adds to the text of errors");
 }
 
-TEST(ChildEnvironment, IsWhatAChildOfAnOperationGets) {
+TEST(ChildEnvironment, IsTheEnvironmentOfTheChildrenOfOperations) {
     class EnvironmentOperation : public NEBSourceControlTaskOperation {
     public:
         using NEBSourceControlTaskOperation::NEBSourceControlTaskOperation;

@@ -27,7 +27,7 @@ TEST(SourceControlOperation, TheBaseDoesNothing) {
     EXPECT_EQ(operation.descriptionForAssertionMessage(), "<NEBSourceControlOperation>");
 }
 
-TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
+TEST(SourceControlOperation, DoesNotBeginAfterItWasCancelled) {
     class Marking : public NEBSourceControlOperation {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;
@@ -42,13 +42,13 @@ TEST(SourceControlOperation, CancelledBeforeItBeginsItDoesNotBegin) {
     EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
 }
 
-TEST(SourceControlOperation, WithoutARequestThereIsNone) {
+TEST(SourceControlOperation, IsNullWithoutARequest) {
     EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(nullptr), nullptr);
     const auto request = requestFor(NEBSourceControlRequestIgnore, std::nullopt);
     EXPECT_EQ(initWithRequest<NEBSourceControlOperation>(request)->request(), request);
 }
 
-TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
+TEST(SourceControlOperation, AnExceptionBecomesItsError) {
     class Throwing : public NEBSourceControlOperation {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;
@@ -62,7 +62,7 @@ TEST(SourceControlOperation, WhatIsThrownInsideBecomesItsError) {
     EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlUnknownErrorClass));
 }
 
-TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
+TEST(SourceControlOperation, MissingMemoryHasItsOwnClass) {
     class Throwing : public NEBSourceControlOperation {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;
@@ -81,7 +81,7 @@ TEST(SourceControlOperation, WithoutMemoryHasAClassOfItsOwn) {
     }
 }
 
-TEST(SourceControlOperation, TheEndOfItsThreadIsNoError) {
+TEST(SourceControlOperation, TheEndOfItsThreadIsNotAnError) {
     class Ending : public NEBSourceControlOperation {
     public:
         using NEBSourceControlOperation::NEBSourceControlOperation;

@@ -20,7 +20,7 @@ using testing::StartsWith;
 
 const std::string plugInFile = NEB_BUILD_FOLDER "/lib/NEBGit.so";
 
-TEST(PlugIn, IsLoadedFromItsFileAndAnswers) {
+TEST(PlugIn, IsLoadedFromItsFile) {
     const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(plugInFile);
     ASSERT_TRUE(load.plugIn.has_value()) << load.failure;
     EXPECT_EQ(load.plugIn->name(), "NEBGit");
@@ -38,7 +38,7 @@ TEST(PlugIn, IsLoadedFromItsFileAndAnswers) {
                 test::IsSourceControlError(-1, HasSubstr("\"/no/such/folder\"")));
 }
 
-TEST(PlugIn, ItsOperationsOutliveEverythingElseOfIt) {
+TEST(PlugIn, ItsOperationsOutliveThePlugInObject) {
     std::shared_ptr<NEBSourceControlOperation> operation;
     {
         const NEBSourceControlPlugInLoad load = NEBSourceControlPlugIn::load(plugInFile);
@@ -49,7 +49,7 @@ TEST(PlugIn, ItsOperationsOutliveEverythingElseOfIt) {
     EXPECT_TRUE(operation->isFinished());
 }
 
-TEST(PlugIn, ShowsItsVersionSymbols) {
+TEST(PlugIn, ReportsItsVersionSymbols) {
     void* library = ::dlopen(plugInFile.c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(library, nullptr) << ::dlerror();
     const auto* text = static_cast<const char*>(::dlsym(library, "NEBGitVersionString"));
@@ -66,7 +66,7 @@ std::string failureOf(const std::string& path) {
     return load.failure;
 }
 
-TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
+TEST(PlugInFailure, ReportsWhatIsWrongWithTheFile) {
     const test::TemporaryFolder folder;
     EXPECT_EQ(failureOf("/no/such/NEBGit.so"),
               "The plug-in \"/no/such/NEBGit.so\" could not be read: No such file or directory.");
@@ -94,7 +94,7 @@ TEST(PlugInFailure, TellsWhatIsWrongWithAFile) {
                                     std::to_string(NEBSourceControlContractVersion) + ".");
 }
 
-TEST(PlugInFailure, ANameAloneIsAFileOfTheCurrentFolder) {
+TEST(PlugInFailure, ANameWithoutSlashIsAFileInTheCurrentFolder) {
     const auto here = std::filesystem::current_path();
     std::filesystem::current_path(NEB_TEST_MODULES);
     const std::string failure = failureOf("OtherContract.so");
@@ -123,7 +123,7 @@ protected:
         test::requestFor(NEBSourceControlRequestIgnore, std::nullopt);
 };
 
-TEST_F(ThrowingPlugIn, IsNotLoadedWhereItsDescriptionThrows) {
+TEST_F(ThrowingPlugIn, IsNotLoadedIfItsDescriptionThrows) {
     const NEBSourceControlPlugInLoad failed = load("describe");
     EXPECT_FALSE(failed.plugIn.has_value());
     EXPECT_EQ(failed.failure, "The plug-in \"" NEB_TEST_MODULES
@@ -131,7 +131,7 @@ TEST_F(ThrowingPlugIn, IsNotLoadedWhereItsDescriptionThrows) {
                                   std::string(unexpected));
 }
 
-TEST_F(ThrowingPlugIn, RefusesEveryRequestWhereItsPrincipalClassCannotBeMade) {
+TEST_F(ThrowingPlugIn, RefusesEveryRequestIfItsPrincipalClassCannotBeCreated) {
     const auto principal = controller("makePrincipalClass");
     ASSERT_NE(principal, nullptr);
     std::optional<NEBSourceControlError> error;
@@ -146,13 +146,13 @@ TEST_F(ThrowingPlugIn, RefusesEveryRequestWhereItsPrincipalClassCannotBeMade) {
     EXPECT_THAT(operation->error(), test::IsSourceControlError(-1, unexpected));
 }
 
-TEST_F(ThrowingPlugIn, MayNeedCredentialsWhereThatIsNotKnown) {
+TEST_F(ThrowingPlugIn, NeedsCredentialsIfThatIsUnknown) {
     EXPECT_TRUE(
         controller("authenticationRequiredForRequest")->authenticationRequiredForRequest(*request));
     EXPECT_FALSE(controller("")->authenticationRequiredForRequest(*request));
 }
 
-TEST_F(ThrowingPlugIn, RefusesTheRequestWhereItsValidationThrows) {
+TEST_F(ThrowingPlugIn, RefusesTheRequestIfItsValidationThrows) {
     const auto principal = controller("validateRequest");
     std::optional<NEBSourceControlError> error;
     EXPECT_FALSE(principal->validateRequest(*request, &error));
@@ -160,7 +160,7 @@ TEST_F(ThrowingPlugIn, RefusesTheRequestWhereItsValidationThrows) {
     EXPECT_FALSE(principal->validateRequest(*request, nullptr));
 }
 
-TEST_F(ThrowingPlugIn, GivesAnOperationThatFailsWhereItCannotMakeOne) {
+TEST_F(ThrowingPlugIn, ReturnsAnOperationThatFailsIfItCannotCreateOne) {
     const auto operation = controller("operationForRequest")->operationForRequest(request);
     ASSERT_NE(operation, nullptr);
     EXPECT_EQ(operation->request(), request);
@@ -170,7 +170,7 @@ TEST_F(ThrowingPlugIn, GivesAnOperationThatFailsWhereItCannotMakeOne) {
     EXPECT_EQ(operation->result(), std::nullopt);
 }
 
-TEST_F(ThrowingPlugIn, HasAnErrorWhereItsOperationThrows) {
+TEST_F(ThrowingPlugIn, HasAnErrorIfItsOperationThrows) {
     const auto operation = controller("main")->operationForRequest(request);
     ASSERT_NE(operation, nullptr);
     operation->start();
@@ -179,7 +179,7 @@ TEST_F(ThrowingPlugIn, HasAnErrorWhereItsOperationThrows) {
     EXPECT_EQ(operation->result(), std::nullopt) << "it may be half of one";
 }
 
-TEST_F(ThrowingPlugIn, DoesNotEndTheThreadsOfAQueue) {
+TEST_F(ThrowingPlugIn, DoesNotEndTheThreadsOfAQueueWithAnException) {
     for (const char* entryPoint : {"start", "cancel"}) {
         const auto operation = controller(entryPoint)->operationForRequest(request);
         OperationQueue queue(1);

@@ -17,7 +17,7 @@ namespace {
 
 using test::requestFor;
 
-TEST(Request, IsMadeWithItsFieldsAndNoOthers) {
+TEST(Request, IsCreatedWithItsFieldsOnly) {
     auto tree = std::make_shared<NEBSourceControlRepository>();
     const auto request = NEBSourceControlRequest::initWithType(
         NEBSourceControlRequestInfo, tree, std::vector<NEBValue>{"/a"},
@@ -43,7 +43,7 @@ TEST(Request, TakesOtherOptions) {
     EXPECT_FALSE(request->options.has_value());
 }
 
-TEST(Request, CallsAMissingSourceTreeNull) {
+TEST(Request, DescribesAMissingSourceTreeAsNull) {
     auto request = requestFor(NEBSourceControlRequestStatus, "/w");
     EXPECT_EQ(request->sourceTreeName(), "demo");
     request->sourceTree = nullptr;
@@ -142,7 +142,7 @@ TEST(RequestType, IsListedOnceAndFound) {
 
 // ---- shapes of assertion reports --------------------------------------------------------------
 
-TEST(Assertions, TellAbsentWrongKindAndEmptyApart) {
+TEST(Assertions, DistinguishAbsentWrongTypeAndEmpty) {
     const NEBSourceControlAssertionSite site{.function = "-[A b]", .file = "Classes/A", .line = 3};
     const test::ReportCollector collector;
     NEBSourceControlAssertNonEmptyString(site, NEBValue(), "x.y");
@@ -173,7 +173,7 @@ TEST(Assertions, TellAbsentWrongKindAndEmptyApart) {
     }
 }
 
-TEST(Manager, HasOneLogAspectForAllSourceControl) {
+TEST(Manager, HasOneLogAspectForSourceControl) {
     EXPECT_EQ(&NEBSourceControlManager::sourceControlLogAspect(),
               &NEBSourceControlManager::sourceControlLogAspect());
     EXPECT_EQ(NEBSourceControlManager::sourceControlLogAspect().logLevel, 0);

@@ -29,14 +29,14 @@ using testing::HasSubstr;
 
 class TaskOperationFailure : public test::HygienicTest {};
 
-TEST_F(TaskOperationFailure, ASuccessThatSpeaksIsNoError) {
+TEST_F(TaskOperationFailure, ASuccessWithErrorTextIsNotAnError) {
     auto operation = script("echo \"Switched to branch 'topic'\" >&2");
     operation->start();
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_THAT(operation->messages, ElementsAre("Switched to branch 'topic'"));
 }
 
-TEST_F(TaskOperationFailure, AFailureIsAnErrorThoughParseDataClearedItsText) {
+TEST_F(TaskOperationFailure, AFailureIsAnErrorAlsoWithAClearedErrorText) {
     auto operation = script(
         "printf ' ! [rejected]        main -> main (fetch first)\\nerror: failed to push some refs "
         "to '\"'x'\"'\\n' >&2; exit 1");
@@ -56,7 +56,7 @@ TEST_F(TaskOperationFailure, AFailureIsAnErrorThoughParseDataClearedItsText) {
     EXPECT_EQ(operation->result()->size(), 1U) << "beside its content";
 }
 
-TEST_F(TaskOperationFailure, WholeBuffersAreForThoseThatAskForThem) {
+TEST_F(TaskOperationFailure, WholeBuffersAreWrittenOnRequest) {
     const auto run = [](bool writesWholeBuffers) {
         auto operation = script("printf %s \"${GIT_FLUSH-unset}\"");
         operation->setWritesWholeBuffers(writesWholeBuffers);
@@ -67,14 +67,14 @@ TEST_F(TaskOperationFailure, WholeBuffersAreForThoseThatAskForThem) {
     EXPECT_EQ(run(true), "0");
 }
 
-TEST_F(TaskOperationFailure, AFailureThatThePlugInCallsHarmlessIsAnErrorAllTheSame) {
+TEST_F(TaskOperationFailure, AFailureIsAnErrorAlsoWithoutATranslation) {
     auto operation = script("echo notice >&2; exit 1");
     operation->translate = [](const std::string&) { return std::nullopt; };
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "notice"));
 }
 
-TEST_F(TaskOperationFailure, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
+TEST_F(TaskOperationFailure, AFailureThatPrintsOnlyToStandardOutputIsAnError) {
     auto operation =
         script("printf 'On branch main\\nnothing to commit, working tree clean\\n'; exit 1");
     operation->start();
@@ -83,7 +83,7 @@ TEST_F(TaskOperationFailure, AFailureThatSpeaksOnStandardOutputAloneIsAnError) {
     EXPECT_EQ(operation->error()->text, "On branch main\nnothing to commit, working tree clean\n");
 }
 
-TEST_F(TaskOperationFailure, StandardOutputTellsWhatStandardErrorDoesNot) {
+TEST_F(TaskOperationFailure, StandardOutputIsUsedIfStandardErrorIsUnknown) {
     auto conflict = script(
         "echo \"Recorded preimage for 'a'\" >&2; echo 'CONFLICT (content): Merge conflict in a'; "
         "exit 1");
@@ -114,14 +114,14 @@ TEST_F(TaskOperationFailure, StandardOutputTellsWhatStandardErrorDoesNot) {
     EXPECT_EQ(success->error(), std::nullopt);
 }
 
-TEST_F(TaskOperationFailure, AFailureWithoutAWordLeavesNoError) {
+TEST_F(TaskOperationFailure, AFailureWithoutOutputHasNoError) {
     auto operation = script("exit 1");
     operation->start();
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->terminationStatus()->exitStatus(), 1);
 }
 
-TEST_F(TaskOperationFailure, AFailureThatWritesOnlyBlanksIsAnErrorThatTellsItsStatus) {
+TEST_F(TaskOperationFailure, AFailureThatPrintsOnlySpacesIsAnErrorWithItsStatus) {
     for (const char* blank : {"echo; exit 3", "echo ' ' >&2; exit 3"}) {
         auto operation = script(blank);
         operation->start();
@@ -134,8 +134,8 @@ TEST_F(TaskOperationFailure, AFailureThatWritesOnlyBlanksIsAnErrorThatTellsItsSt
     }
 }
 
-/// An operation that knows what a failure without a known word means.
-class Knowing : public test::ScriptOperation {
+/// An operation that explains unknown failures.
+class Explaining : public test::ScriptOperation {
 public:
     using ScriptOperation::ScriptOperation;
     std::optional<NEBSourceControlError> errorFromUnknownFailure(
@@ -147,9 +147,9 @@ public:
     int questions = 0;
 };
 
-TEST_F(TaskOperationFailure, AnOperationMayKnowWhatAnUnknownFailureMeans) {
+TEST_F(TaskOperationFailure, AnOperationMayExplainAnUnknownFailure) {
     const auto run = [](std::string text) {
-        auto operation = std::make_shared<Knowing>(
+        auto operation = std::make_shared<Explaining>(
             std::move(text), requestFor(NEBSourceControlRequestCommit, std::nullopt));
         operation->start();
         return operation;
@@ -166,7 +166,7 @@ TEST_F(TaskOperationFailure, AnOperationMayKnowWhatAnUnknownFailureMeans) {
     EXPECT_EQ(run("kill -9 $$")->questions, 0) << "no exit status";
 }
 
-TEST_F(TaskOperationFailure, AFailureKeepsTheErrorThatParseDataMade) {
+TEST_F(TaskOperationFailure, AFailureKeepsTheErrorOfParseData) {
     auto operation = script("echo x; exit 1");
     operation->parse = [&] {
         operation->setError(NEBSourceControlError::withDescription(-5, "ours"));
@@ -175,7 +175,7 @@ TEST_F(TaskOperationFailure, AFailureKeepsTheErrorThatParseDataMade) {
     EXPECT_THAT(operation->error(), IsSourceControlError(-5, "ours"));
 }
 
-TEST_F(TaskOperationFailure, ASignalIsAnErrorThatNamesIt) {
+TEST_F(TaskOperationFailure, ASignalIsAnErrorWithItsName) {
     auto operation = script("echo fatal: half >&2; kill -9 $$");
     operation->start();
     EXPECT_THAT(operation->error(),
@@ -186,7 +186,7 @@ TEST_F(TaskOperationFailure, ASignalIsAnErrorThatNamesIt) {
     EXPECT_EQ(operation->error()->text, "fatal: half");
 }
 
-TEST_F(TaskOperationFailure, AProgramThatCannotStartIsAnErrorThatNamesIt) {
+TEST_F(TaskOperationFailure, AProgramThatCannotBeStartedIsNamed) {
     auto operation = script("");
     operation->program = "/no/such/git";
     operation->start();
@@ -201,7 +201,7 @@ TEST_F(TaskOperationFailure, AProgramThatCannotStartIsAnErrorThatNamesIt) {
     EXPECT_FALSE(operation->terminationStatus()->started());
 }
 
-TEST_F(TaskOperationFailure, AFolderThatIsMissingIsAnErrorThatNamesIt) {
+TEST_F(TaskOperationFailure, AMissingWorkingDirectoryIsNamed) {
     auto operation = script("");
     operation->setCurrentDirectoryPath("/no/such/folder");
     operation->start();
@@ -210,14 +210,14 @@ TEST_F(TaskOperationFailure, AFolderThatIsMissingIsAnErrorThatNamesIt) {
                                                    "entered: No such file or directory")));
 }
 
-TEST_F(TaskOperationFailure, ATildeInTheFolderIsTheUsersHome) {
+TEST_F(TaskOperationFailure, ATildeInTheFolderIsTheHomeDirectory) {
     auto operation = script("pwd");
     operation->setCurrentDirectoryPath("~");
     operation->start();
     EXPECT_EQ(operation->data(), std::string(std::getenv("HOME")) + "\n");
 }
 
-TEST_F(TaskOperationFailure, AnEndThatNobodyLearnedIsAnError) {
+TEST_F(TaskOperationFailure, AnUnknownEndIsAnError) {
     struct sigaction ignore {};
     struct sigaction previous {};
     ignore.sa_handler = SIG_IGN;
@@ -230,7 +230,7 @@ TEST_F(TaskOperationFailure, AnEndThatNobodyLearnedIsAnError) {
                                                    "known")));
 }
 
-TEST_F(TaskOperationFailure, TellsThatALeftOverProcessHeldItsOutput) {
+TEST_F(TaskOperationFailure, ReportsThatALingeringProcessHeldItsOutput) {
     auto operation = script("sleep 1000 & echo $!");
     operation->start();
     EXPECT_TRUE(operation->outputWasHeldOpen());

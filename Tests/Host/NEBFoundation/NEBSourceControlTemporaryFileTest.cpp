@@ -19,7 +19,7 @@ namespace {
 
 using testing::MatchesRegex;
 
-TEST(TemporaryFile, IsNamedAfterTheFileWithAHeadOfItsOwn) {
+TEST(TemporaryFile, IsNamedAfterTheFileWithARandomPrefix) {
     const test::TemporaryFolder folder;
     ::setenv("TMPDIR", folder.path().c_str(), 1);
     std::set<std::string> names;
@@ -44,7 +44,7 @@ TEST(TemporaryFile, IsNamedAfterTheFileWithAHeadOfItsOwn) {
 
 /// Whoever gives a file the name of the target puts the head in front of it, and finds the head by
 /// looking for the file's name.
-TEST(TemporaryFile, HasNoHeadInWhichTheNameMightOccur) {
+TEST(TemporaryFile, HasNoPrefixThatMayContainTheName) {
     ::unsetenv("TMPDIR");
     for (const std::string name : {"A", "0", "-", "--", "-A", "BEEF-"}) {
         EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/" + name).pathString(),
@@ -57,7 +57,7 @@ TEST(TemporaryFile, HasNoHeadInWhichTheNameMightOccur) {
     }
 }
 
-TEST(TemporaryFile, OfALongNameIsThePlainNameInAFolderOfItsOwn) {
+TEST(TemporaryFile, OfALongNameIsInAFolderOfItsOwn) {
     ::unsetenv("TMPDIR");
     const std::string longest(255, 'n');
     EXPECT_THAT(NEBSourceControl_filePathForTmpFileBasedOnFileName("/w/" + longest).pathString(),

@@ -13,7 +13,7 @@ struct Case {
 
 class TextFromData : public testing::TestWithParam<Case> {};
 
-TEST_P(TextFromData, DropsTheLineEndOfAnAnswerAlone) {
+TEST_P(TextFromData, RemovesTheLineEndOfASingleLineOnly) {
     EXPECT_EQ(_nebsc_stringFromData(GetParam().bytes), GetParam().text);
 }
 
@@ -39,10 +39,10 @@ TEST_P(TextFromData, IsTheSameTextAsData) {
     const Data text = NEBSourceControlTextData(data);
     EXPECT_EQ(text.bytes(), GetParam().text);
     EXPECT_EQ(text.bytes().data() == data.bytes().data(), GetParam().text == GetParam().bytes)
-        << "copied only where it must be";
+        << "the bytes are shared unless they change";
 }
 
-TEST(AbsentText, AbsentDataIsNoText) {
+TEST(AbsentText, AbsentDataHasNoText) {
     EXPECT_EQ(_nebsc_stringFromData(std::nullopt), std::nullopt);
 }
 

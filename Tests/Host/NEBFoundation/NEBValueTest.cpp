@@ -25,7 +25,7 @@ public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override { return "<Thing>"; }
 };
 
-TEST(Value, IsOfOneKind) {
+TEST(Value, HasOneType) {
     const NEBValue value("topic");
     EXPECT_EQ(*value.string(), "topic");
     EXPECT_EQ(value.integer(), std::nullopt);
@@ -46,9 +46,9 @@ TEST(Value, IsOfOneKind) {
     EXPECT_TRUE(NEBValue("").isPresent()) << "empty is not absent";
 }
 
-/// A text stands in the value, or in one block with those who share it, or is a piece of Data:
-/// which of them shows nowhere.
-TEST(Value, HoldsATextOfAnyLength) {
+/// A value stores a short text itself, a long one in a shared block, or refers to a substring of
+/// Data. All behave the same.
+TEST(Value, StoresATextOfAnyLength) {
     for (const std::size_t length :
          {0U, 1U, 12U, 13U, 14U, 15U, 255U, 256U, 65535U, 65536U, 1000000U}) {
         std::string text(length, 'x');
@@ -89,7 +89,7 @@ TEST(Value, HoldsATextOfAnyLength) {
     }
 }
 
-TEST(Value, APieceOfDataIsNoCopyAndKeepsTheBytesAlive) {
+TEST(Value, ASubstringOfDataSharesItsBytes) {
     for (const std::size_t length : {100U, 100000U}) {
         NEBValue value;
         const char* characters = nullptr;
@@ -104,7 +104,7 @@ TEST(Value, APieceOfDataIsNoCopyAndKeepsTheBytesAlive) {
     }
 }
 
-TEST(Value, APieceStaysGoodWhileItsDataGrowsAndMoves) {
+TEST(Value, ASubstringStaysValidWhileItsDataGrows) {
     GrowingData growing;
     const std::string start(100000, 's');
     start.copy(growing.roomFor(start.size()), start.size());
@@ -123,7 +123,7 @@ TEST(Value, APieceStaysGoodWhileItsDataGrowsAndMoves) {
     EXPECT_EQ(longPiece.string(), std::string(90000, 's'));
 }
 
-TEST(Value, IsABooleanAsPeopleWriteThem) {
+TEST(Value, ParsesBooleans) {
     for (const NEBValue& value : {NEBValue(true), NEBValue(1), NEBValue(-1), NEBValue("YES"),
                                   NEBValue("true"), NEBValue(" +07"), NEBValue("T")}) {
         EXPECT_TRUE(value.boolValue()) << value.description();
@@ -146,14 +146,14 @@ TEST(Value, DescribesItself) {
     EXPECT_EQ(NEBValue(NEBDictionary{{"a", 1}, {"b", "x"}}).description(), "{a = 1, b = x}");
 }
 
-TEST(Value, EqualsByContent) {
+TEST(Value, ComparesByContent) {
     EXPECT_EQ(NEBValue("a"), NEBValue(std::string("a")));
     EXPECT_FALSE(NEBValue(1) == NEBValue(true));
     EXPECT_EQ(NEBValue(NEBDictionary{{"a", 1}}), NEBValue(NEBDictionary{{"a", 1}}));
     EXPECT_FALSE(NEBValue(NEBDictionary{{"a", 1}}) == NEBValue(NEBDictionary{{"a", 2}}));
 }
 
-TEST(Date, ReadsAsInTheInterchangeForm) {
+TEST(Date, HasAnISO8601Description) {
     EXPECT_EQ(textOfDate(secondsSince1970(1330837567)), "2012-03-04T05:06:07Z");
     EXPECT_EQ(textOfDate(secondsSince1970(-1)), "1969-12-31T23:59:59Z");
     EXPECT_EQ(textOfDate(secondsSince1970(951782400)), "2000-02-29T00:00:00Z");
@@ -174,7 +174,7 @@ std::vector<std::string> keysOf(const NEBDictionary& dictionary) {
     return keys;
 }
 
-TEST(Dictionary, AnswersWhatWasSet) {
+TEST(Dictionary, ReturnsWhatWasSet) {
     NEBDictionary record;
     record.set(NEBSourceControlOperationPathKey, "/w/a.txt");
     EXPECT_EQ(*record.value(NEBSourceControlOperationPathKey).string(), "/w/a.txt");
@@ -183,7 +183,7 @@ TEST(Dictionary, AnswersWhatWasSet) {
     EXPECT_FALSE(record.contains(""));
 }
 
-TEST(Dictionary, KeepsTheOrderInWhichItWasFilled) {
+TEST(Dictionary, KeepsTheOrderOfInsertion) {
     NEBDictionary dictionary{{"z", 1}, {"a", 2}};
     dictionary.set("m", 3);
     dictionary.set("z", 4);
@@ -227,7 +227,7 @@ TEST(Dictionary, TakesTheEntriesOfAnother) {
     EXPECT_FALSE(dictionary == (NEBDictionary{{"a", 1}, {"b", 3}}));
 }
 
-TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
+TEST(Value, CopiesShareTheirContentAndOutliveEachOther) {
     const std::string path(100, 'p');
     const Data data("a piece that is too long to be kept in place");
     const NEBValue values[] = {NEBValue("a text that is too long to be kept in place"),
@@ -240,7 +240,7 @@ TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
     for (const NEBValue& value : values) {
         auto first = std::make_unique<NEBValue>(value);
         NEBValue second = *first;
-        EXPECT_EQ(second.string(), first->string()) << "the same one";
+        EXPECT_EQ(second.string(), first->string()) << "the same object";
         first.reset();
         EXPECT_EQ(second, value);
         NEBValue third = std::move(second);
@@ -256,7 +256,7 @@ TEST(Value, CopiesShareWhatTheyHoldAndOutliveOneAnother) {
     }
 }
 
-TEST(Value, IsSharedByThreads) {
+TEST(Value, MayBeSharedByThreads) {
     const NEBValue value("a text that is too long to be kept in place");
     const NEBValue piece(Data("a piece that is too long to be kept in place"));
     std::vector<std::thread> threads;
@@ -275,7 +275,7 @@ TEST(Value, IsSharedByThreads) {
     }
 }
 
-TEST(Dictionary, SharesAKeyThatAValueHolds) {
+TEST(Dictionary, SharesAKeyWithAValue) {
     NEBDictionary dictionary;
     {
         const NEBValue key("a key that is too long to be kept in place");
@@ -287,12 +287,12 @@ TEST(Dictionary, SharesAKeyThatAValueHolds) {
     EXPECT_EQ(dictionary, (NEBDictionary{{"a key that is too long to be kept in place", 1}}));
 }
 
-TEST(Dictionary, TakesAnyTextForAKey) {
+TEST(Dictionary, AcceptsAnyTextAsAKey) {
     const std::string withNUL("a\0b", 3);
     NEBDictionary dictionary{{withNUL, 1}, {"", 2}, {"a", 3}};
     dictionary.set(NEBSourceControlErrorDomain, 4);
     dictionary.set(std::string(NEBSourceControlErrorDomain.text()), 5);
-    EXPECT_EQ(dictionary.size(), 4U) << "a constant and the same text are one key";
+    EXPECT_EQ(dictionary.size(), 4U) << "a constant and its text are the same key";
     EXPECT_EQ(dictionary.value(withNUL).integer(), 1);
     EXPECT_EQ(dictionary.value("").integer(), 2);
     EXPECT_EQ(dictionary.value("a").integer(), 3);

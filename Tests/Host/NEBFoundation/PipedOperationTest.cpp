@@ -26,7 +26,7 @@ std::shared_ptr<ScriptOperation> piped(std::string first, std::string second) {
     return operation;
 }
 
-TEST_F(PipedOperation, TheSecondHalfsResultIsTheOutcomeAndNoTextReplacesIt) {
+TEST_F(PipedOperation, TheResultOfTheSecondHalfIsKept) {
     auto operation =
         piped("echo data; echo fatal: first >&2; exit 1", "cat; echo second >&2; exit 2");
     operation->second->parse = [&] {
@@ -41,7 +41,7 @@ TEST_F(PipedOperation, TheSecondHalfsResultIsTheOutcomeAndNoTextReplacesIt) {
     EXPECT_EQ(operation->second->parses, 1);
 }
 
-TEST_F(PipedOperation, AHalfThatDiedIsAnErrorBesideWhatLooksLikeAResult) {
+TEST_F(PipedOperation, AFailedHalfIsAnErrorDespiteAResult) {
     const std::pair<const char*, const char*> deaths[] = {{"echo half; kill -9 $$", "cat"},
                                                           {"echo data", "cat; kill -9 $$"}};
     for (const auto& [first, second] : deaths) {
@@ -54,10 +54,10 @@ TEST_F(PipedOperation, AHalfThatDiedIsAnErrorBesideWhatLooksLikeAResult) {
     auto cutOff = piped("exec yes", "head -n 1");
     cutOff->second->parse = [&] { cutOff->second->setResult(NEBSourceControlResult{}); };
     cutOff->start();
-    EXPECT_EQ(cutOff->error(), std::nullopt) << "the second half has had what it wanted";
+    EXPECT_EQ(cutOff->error(), std::nullopt) << "the second half has read enough";
 }
 
-TEST_F(PipedOperation, AnErrorTellsHowTheHalfEndedThatFailed) {
+TEST_F(PipedOperation, AnErrorHasTheStatusOfTheFailedHalf) {
     struct Case {
         const char *first, *second;
         int exitStatus;
@@ -74,7 +74,7 @@ TEST_F(PipedOperation, AnErrorTellsHowTheHalfEndedThatFailed) {
     }
 }
 
-TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
+TEST_F(PipedOperation, TheErrorOfTheSecondHalfIsKept) {
     auto operation = piped("echo 'fatal: not a valid object name: nosuch' >&2; exit 128",
                            "echo 'This does not look like a tar archive' >&2; exit 2");
     operation->second->parse = [&] {
@@ -88,7 +88,7 @@ TEST_F(PipedOperation, TheSecondHalfsErrorIsTheOutcomeAndNoTextReplacesIt) {
     EXPECT_THAT(operation->second->messages, ElementsAre());
 }
 
-TEST_F(PipedOperation, WhereItLeavesNeitherTheTextsAreTranslatedTheFirstHalfsFirst) {
+TEST_F(PipedOperation, WithoutBothTheErrorTextsAreTranslatedInOrder) {
     auto both = piped("echo fatal: first >&2; exit 1", "echo second >&2; exit 2");
     both->start();
     EXPECT_THAT(both->error(), IsSourceControlError(-1, "fatal: first"));
@@ -99,7 +99,7 @@ TEST_F(PipedOperation, WhereItLeavesNeitherTheTextsAreTranslatedTheFirstHalfsFir
     EXPECT_THAT(second->error(), IsSourceControlError(-1, "fatal: second"));
 }
 
-TEST_F(PipedOperation, AFirstHalfThatWasCutOffIsNotTheCause) {
+TEST_F(PipedOperation, AFirstHalfEndedBySIGPIPEIsNotTheCause) {
     auto operation = piped("exec yes", "echo fatal: second >&2; exit 2");
     operation->start();
     EXPECT_THAT(operation->error(), IsSourceControlError(-1, "fatal: second"));
@@ -107,10 +107,10 @@ TEST_F(PipedOperation, AFirstHalfThatWasCutOffIsNotTheCause) {
     auto silent = piped("exec yes", "exit 2");
     silent->start();
     EXPECT_THAT(silent->error(), HasErrorClass(NEBSourceControlKilledErrorClass))
-        << "a failure all the same";
+        << "it is still a failure";
 }
 
-TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
+TEST_F(PipedOperation, AHalfThatCannotBeStartedIsNamed) {
     auto first = piped("", "cat");
     first->program = "/no/such/first";
     first->start();
@@ -123,7 +123,7 @@ TEST_F(PipedOperation, AHalfThatCannotStartIsAnErrorThatNamesIt) {
     EXPECT_THAT(second->error(), HasErrorClass(NEBSourceControlNotStartedErrorClass));
 }
 
-TEST_F(PipedOperation, TellsThatALeftOverProcessHeldTheOutputOfEitherHalf) {
+TEST_F(PipedOperation, ReportsThatALingeringProcessHeldTheOutputOfEitherHalf) {
     auto operation = piped("echo data", "cat; sleep 1000 & echo $!");
     operation->start();
     EXPECT_TRUE(operation->outputWasHeldOpen());
@@ -133,7 +133,7 @@ TEST_F(PipedOperation, TellsThatALeftOverProcessHeldTheOutputOfEitherHalf) {
     test::waitUntilGone(left);
 }
 
-TEST_F(PipedOperation, BothChildrenAreToldInTheirOrder) {
+TEST_F(PipedOperation, BothChildrenAreReportedInOrder) {
     auto operation = piped("echo a", "cat; exit 4");
     auto log = std::make_shared<NEBSourceControlCommandLog>();
     operation->setCommandLog(log);

@@ -32,7 +32,7 @@ protected:
     CapturedStream stream;
 };
 
-TEST_F(CapturedStreamTest, TakesWhatThereIsAndStaysOpen) {
+TEST_F(CapturedStreamTest, ReadsWhatIsAvailableAndStaysOpen) {
     write("one");
     stream.readAvailable();
     EXPECT_TRUE(stream.isOpen());
@@ -52,7 +52,7 @@ TEST_F(CapturedStreamTest, ClosesAtTheEnd) {
     EXPECT_EQ(stream.takeData(), "one");
 }
 
-TEST_F(CapturedStreamTest, TheRestIsWholeWhoeverStillHoldsThePipe) {
+TEST_F(CapturedStreamTest, ReadsTheWholeRestThoughAnotherProcessHoldsThePipe) {
     const std::string bytes(300000, 'x');
     write(bytes);
     EXPECT_TRUE(stream.readRestAndClose());
@@ -60,14 +60,14 @@ TEST_F(CapturedStreamTest, TheRestIsWholeWhoeverStillHoldsThePipe) {
     EXPECT_EQ(stream.takeData(), bytes);
 }
 
-TEST_F(CapturedStreamTest, TheRestOfAPipeThatNobodyHoldsWasNotHeld) {
+TEST_F(CapturedStreamTest, AClosedPipeWasNotHeldOpen) {
     write("rest");
     pipe.writeEnd.close();
     EXPECT_FALSE(stream.readRestAndClose());
     EXPECT_EQ(stream.takeData(), "rest");
 }
 
-TEST(CapturedStream, NoStreamIsAtItsEnd) {
+TEST(CapturedStream, WithoutAPipeItIsNotOpen) {
     CapturedStream none;
     EXPECT_FALSE(none.isOpen());
     EXPECT_FALSE(none.readRestAndClose());

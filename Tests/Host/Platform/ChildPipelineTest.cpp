@@ -1,4 +1,4 @@
-// Children that outlive, are cancelled, or feed each other.
+// Pipelines of children, cancelled children, and processes that outlive their child.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -31,38 +31,38 @@ using testing::HasSubstr;
 
 class ChildCancellation : public test::HygienicTest {};
 class ChildPipelines : public test::HygienicTest {};
-class LeftOverProcess : public test::HygienicTest {};
+class LingeringProcess : public test::HygienicTest {};
 
-// ---- a process that outlives the child --------------------------------------------------------
+// ---- processes that outlive the child ---------------------------------------------------------
 
-TEST_F(LeftOverProcess, DoesNotHoldTheRun) {
+TEST_F(LingeringProcess, DoesNotDelayTheRun) {
     const ChildOutcome outcome = runOne(shell("sleep 1000 & echo $!"));
-    const pid_t left = numberIn(outcome.output);
-    EXPECT_TRUE(test::isLiveProcess(left)) << "it is not ours to end";
+    const pid_t lingering = numberIn(outcome.output);
+    EXPECT_TRUE(test::isLiveProcess(lingering)) << "it must not be killed";
     EXPECT_TRUE(outcome.outputWasHeldOpen);
     EXPECT_TRUE(outcome.status.isSuccess());
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
+    ::kill(lingering, SIGKILL);
+    test::waitUntilGone(lingering);
 }
 
-TEST_F(LeftOverProcess, WhatTheChildWroteIsWhole) {
+TEST_F(LingeringProcess, DoesNotTruncateTheOutputOfTheChild) {
     const ChildOutcome outcome =
         runOne(shell("sleep 1000 & echo $! >&2; head -c 900000 /dev/zero"));
     EXPECT_EQ(outcome.output.size(), 900000U);
-    const pid_t left = numberIn(outcome.errorOutput);
+    const pid_t lingering = numberIn(outcome.errorOutput);
     EXPECT_TRUE(outcome.outputWasHeldOpen);
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
+    ::kill(lingering, SIGKILL);
+    test::waitUntilGone(lingering);
 }
 
-TEST_F(LeftOverProcess, MayGoOnWritingForEver) {
+TEST_F(LingeringProcess, MayWriteWithoutEnd) {
     const ChildOutcome outcome = runOne(shell("yes & echo $! >&2; exit 5"));
     EXPECT_EQ(outcome.status.exitStatus(), 5);
     EXPECT_TRUE(outcome.outputWasHeldOpen);
-    test::waitUntilGone(numberIn(outcome.errorOutput));  // by SIGPIPE: nobody reads any more
+    test::waitUntilGone(numberIn(outcome.errorOutput));  // it gets SIGPIPE
 }
 
-TEST_F(LeftOverProcess, WithoutOurStreamsIsNoneOfOurBusiness) {
+TEST_F(LingeringProcess, WithOtherStreamsIsNotReported) {
     const ChildOutcome outcome = runOne(shell("sleep 1000 >/dev/null 2>&1 & echo $!"));
     EXPECT_FALSE(outcome.outputWasHeldOpen);
     ::kill(numberIn(outcome.output), SIGKILL);
@@ -71,7 +71,7 @@ TEST_F(LeftOverProcess, WithoutOurStreamsIsNoneOfOurBusiness) {
 
 // ---- cancelling -------------------------------------------------------------------------------
 
-/// Runs the launches and cancels as soon as the file `ready` is there.
+/// Runs the launches and cancels them when the file `ready` exists.
 std::vector<ChildOutcome> runAndCancel(const std::vector<ChildLaunch>& launches,
                                        const std::string& ready) {
     ChildProcess process;
@@ -88,14 +88,14 @@ std::vector<ChildOutcome> runAndCancel(const std::vector<ChildLaunch>& launches,
     return outcomes;
 }
 
-TEST_F(ChildCancellation, EndsAChildThatRuns) {
+TEST_F(ChildCancellation, EndsARunningChild) {
     const TemporaryFolder folder;
     const auto outcomes = runAndCancel(
         {shell("touch " + folder.path("ready") + "; exec sleep 1000")}, folder.path("ready"));
     EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
 }
 
-TEST_F(ChildCancellation, GivesTheChildItsChanceToCleanUp) {
+TEST_F(ChildCancellation, LetsTheChildCleanUp) {
     const TemporaryFolder folder;
     const std::string lock = folder.path("lock");
     const auto outcomes =
@@ -129,7 +129,7 @@ TEST_F(ChildCancellation, ReportsTheStoppedProcessesOfAllSessions) {
     EXPECT_TRUE(areStopped);
 }
 
-TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {
+TEST_F(ChildCancellation, KillsAChildThatIgnoresSIGTERM) {
     const TemporaryFolder folder;
     const auto outcomes = runAndCancel(
         {shell("trap '' TERM; touch " + folder.path("ready") + "; while :; do sleep 1; done")},
@@ -137,7 +137,7 @@ TEST_F(ChildCancellation, EndsAChildThatDoesNotListen) {
     EXPECT_EQ(outcomes[0].status.signalNumber(), SIGKILL);
 }
 
-TEST_F(ChildCancellation, EndsAChildThatIsStopped) {
+TEST_F(ChildCancellation, EndsAStoppedChild) {
     const TemporaryFolder folder;
     const auto outcomes = runAndCancel(
         {shell("(while [ \"$(cut -d' ' -f3 /proc/$$/stat)\" != T ]; do :; done; touch " +
@@ -146,9 +146,9 @@ TEST_F(ChildCancellation, EndsAChildThatIsStopped) {
     EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
 }
 
-TEST_F(ChildCancellation, EndsTheWholeSessionWhateverItsProcessGroups) {
+TEST_F(ChildCancellation, EndsAllProcessGroupsOfTheSession) {
     const TemporaryFolder folder;
-    // With job control on, bash gives its background work a process group of its own.
+    // With job control, bash runs background processes in their own process groups.
     const std::string script =
         "set -m; sleep 1000 >/dev/null 2>&1 & echo $!; set +m; (trap '' TERM; exec sleep 1000 "
         ">/dev/null 2>&1) & echo $! >&2; touch " +
@@ -159,7 +159,7 @@ TEST_F(ChildCancellation, EndsTheWholeSessionWhateverItsProcessGroups) {
     EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].errorOutput)));
 }
 
-TEST_F(ChildCancellation, LeavesNothingInAHostThatReapsForUs) {
+TEST_F(ChildCancellation, LeavesNoProcessInAHostThatIgnoresSIGCHLD) {
     const TemporaryFolder folder;
     struct sigaction ignore {};
     struct sigaction previous {};
@@ -172,7 +172,7 @@ TEST_F(ChildCancellation, LeavesNothingInAHostThatReapsForUs) {
     EXPECT_FALSE(test::isLiveProcess(numberIn(outcomes[0].output)));
 }
 
-TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
+TEST_F(ChildCancellation, BeforeTheRunPreventsTheStart) {
     const TemporaryFolder folder;
     ChildProcess process;
     process.cancel();
@@ -187,14 +187,14 @@ TEST_F(ChildCancellation, BeforeTheRunNothingStarts) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
-TEST_F(ChildCancellation, AfterTheEndChangesNothing) {
+TEST_F(ChildCancellation, AfterTheRunHasNoEffect) {
     ChildProcess process;
     const auto outcomes = process.run({shell("echo x")});
     process.cancel();
     EXPECT_EQ(outcomes[0].output, "x\n");
 }
 
-TEST_F(ChildCancellation, EndsBothHalvesOfAPipeline) {
+TEST_F(ChildCancellation, EndsBothChildrenOfAPipeline) {
     const TemporaryFolder folder;
     const auto outcomes = runAndCancel(
         {shell("touch " + folder.path("ready") + "; exec sleep 1000"), shell("exec sleep 1000")},
@@ -205,7 +205,7 @@ TEST_F(ChildCancellation, EndsBothHalvesOfAPipeline) {
 
 // ---- pipelines --------------------------------------------------------------------------------
 
-TEST_F(ChildPipelines, JoinOutputToInput) {
+TEST_F(ChildPipelines, ConnectOutputToInput) {
     ChildProcess process;
     std::vector<std::size_t> started;
     const auto outcomes = process.run(
@@ -219,23 +219,23 @@ TEST_F(ChildPipelines, JoinOutputToInput) {
     EXPECT_THAT(started, ElementsAre(0U, 1U));
 }
 
-TEST_F(ChildPipelines, TellWhatTheLastHalfHasWrittenSoFar) {
+TEST_F(ChildPipelines, ReportTheOutputOfTheLastChildAsItGrows) {
     const TemporaryFolder folder;
     ChildProcess process;
-    std::vector<std::string> told;
+    std::vector<std::string> reported;
     const auto outcomes =
         process.run({shell("echo one >&2; echo two"),
-                     shell("read line; echo one; while ! [ -e " + folder.path("told") +
+                     shell("read line; echo one; while ! [ -e " + folder.path("reported") +
                            " ]; do sleep 0.01; done; echo error >&2; echo $line")},
                     {.outputGrew = [&](std::string_view output) {
-                        told.emplace_back(output);
-                        folder.write("told", "");
+                        reported.emplace_back(output);
+                        folder.write("reported", "");
                     }});
     EXPECT_EQ(outcomes[1].output, "one\ntwo\n");
-    EXPECT_THAT(told, ElementsAre("one\n", "one\ntwo\n"));
+    EXPECT_THAT(reported, ElementsAre("one\n", "one\ntwo\n"));
 }
 
-TEST_F(ChildPipelines, TheFirstHalfIsCutOffWhenNobodyReadsOn) {
+TEST_F(ChildPipelines, TheFirstChildGetsSIGPIPEWhenTheSecondStopsReading) {
     ChildProcess process;
     const auto outcomes = process.run({program("/usr/bin/yes"), shell("head -c 2; exit 3")});
     EXPECT_EQ(outcomes[0].status.signalNumber(), SIGPIPE);
@@ -243,14 +243,14 @@ TEST_F(ChildPipelines, TheFirstHalfIsCutOffWhenNobodyReadsOn) {
     EXPECT_EQ(outcomes[1].status.exitStatus(), 3);
 }
 
-TEST_F(ChildPipelines, ASecondHalfThatCannotStartEndsTheFirst) {
+TEST_F(ChildPipelines, EndTheFirstChildIfTheSecondCannotBeStarted) {
     ChildProcess process;
     const auto outcomes = process.run({shell("exec sleep 1000"), program("/no/such/program")});
     EXPECT_EQ(outcomes[0].status.signalNumber(), SIGTERM);
     EXPECT_THAT(outcomes[1].status.description(), HasSubstr("\"/no/such/program\""));
 }
 
-TEST_F(ChildPipelines, AFirstHalfThatCannotStartKeepsTheSecondFromStarting) {
+TEST_F(ChildPipelines, DoNotStartTheSecondChildIfTheFirstCannotBeStarted) {
     ChildProcess process;
     const TemporaryFolder folder;
     const auto outcomes =
@@ -261,14 +261,14 @@ TEST_F(ChildPipelines, AFirstHalfThatCannotStartKeepsTheSecondFromStarting) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
 
-/// The first half leaves the process of `command` behind and feeds the second.
+/// Runs a pipeline whose first child leaves a process behind that runs `command`.
 std::vector<ChildOutcome> runLeaving(const std::string& command, const std::string& second) {
     ChildProcess process;
     return process.run({shell("echo data; " + command + " & echo $! >&2"), shell(second)});
 }
 
-TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
-    // The second one has left the session of its child.
+TEST_F(ChildPipelines, KillAProcessThatHoldsTheInputOfTheSecondChildOpen) {
+    // setsid leaves the session of the child.
     for (const char* holder : {"sleep 1000 2>/dev/null", "setsid sleep 1000 2>/dev/null"}) {
         const auto outcomes = runLeaving(holder, "cat");
         EXPECT_EQ(outcomes[1].output, "data\n");
@@ -278,7 +278,7 @@ TEST_F(ChildPipelines, AProcessThatHoldsTheInputOfTheSecondHalfIsEnded) {
     }
 }
 
-TEST_F(ChildPipelines, AProcessThatHoldsTheInputIsEndedInAHostThatReapsForUs) {
+TEST_F(ChildPipelines, KillAProcessThatHoldsTheInputOpenInAHostThatIgnoresSIGCHLD) {
     struct sigaction ignore {};
     struct sigaction previous {};
     ignore.sa_handler = SIG_IGN;
@@ -289,8 +289,8 @@ TEST_F(ChildPipelines, AProcessThatHoldsTheInputIsEndedInAHostThatReapsForUs) {
     test::waitUntilGone(numberIn(outcomes[0].errorOutput));
 }
 
-/// A fork of this process that opens the standard output of the process whose number stands in the
-/// file "pid", and then the file "opened", and lives for a minute.
+/// Forks a process that opens the standard output of the process in the file "pid", then creates
+/// the file "opened", and lives for a minute.
 pid_t forkHolder(const TemporaryFolder& folder) {
     const std::string number = folder.path("pid");
     const std::string opened = folder.path("opened");
@@ -315,7 +315,7 @@ pid_t forkHolder(const TemporaryFolder& folder) {
     }
 }
 
-TEST_F(ChildPipelines, AForkOfTheHostThatHoldsTheInputLivesOn) {
+TEST_F(ChildPipelines, DoNotKillAForkOfTheHostThatHoldsTheInputOpen) {
     const TemporaryFolder folder;
     pid_t holder = -1;
     ChildProcess process;
@@ -328,23 +328,23 @@ TEST_F(ChildPipelines, AForkOfTheHostThatHoldsTheInputLivesOn) {
                             holder = forkHolder(folder);
                         }
                     }});
-    EXPECT_TRUE(test::isLiveProcess(holder)) << "it is the host's";
+    EXPECT_TRUE(test::isLiveProcess(holder)) << "it belongs to the host";
     ::kill(holder, SIGKILL);
     ::waitpid(holder, nullptr, 0);
     EXPECT_TRUE(outcomes[0].status.isSuccess());
     EXPECT_TRUE(outcomes[0].outputWasHeldOpen);
     EXPECT_EQ(outcomes[1].output, "data\n");
-    EXPECT_EQ(outcomes[1].status.signalNumber(), SIGTERM) << "it waits for more";
+    EXPECT_EQ(outcomes[1].status.signalNumber(), SIGTERM) << "it was waiting for input";
 }
 
-TEST_F(ChildPipelines, AProcessThatHoldsNothingLivesOnHoweverSlowTheSecondHalf) {
+TEST_F(ChildPipelines, DoNotKillALingeringProcessThatHoldsNothingOpen) {
     const auto outcomes = runLeaving("sleep 1000 >/dev/null 2>&1", "cat; sleep 1.5");
     EXPECT_EQ(outcomes[1].output, "data\n");
     EXPECT_FALSE(outcomes[0].outputWasHeldOpen);
-    const pid_t left = numberIn(outcomes[0].errorOutput);
-    EXPECT_TRUE(test::isLiveProcess(left));
-    ::kill(left, SIGKILL);
-    test::waitUntilGone(left);
+    const pid_t lingering = numberIn(outcomes[0].errorOutput);
+    EXPECT_TRUE(test::isLiveProcess(lingering));
+    ::kill(lingering, SIGKILL);
+    test::waitUntilGone(lingering);
 }
 
 }  // namespace

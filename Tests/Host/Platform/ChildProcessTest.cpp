@@ -30,9 +30,9 @@ using testing::HasSubstr;
 
 class ChildProcessTest : public test::HygienicTest {};
 class ChildFailure : public test::HygienicTest {};
-class ChildSurroundings : public test::HygienicTest {};
+class ChildInheritance : public test::HygienicTest {};
 
-// ---- the ordinary run -------------------------------------------------------------------------
+// ---- ordinary runs ----------------------------------------------------------------------------
 
 TEST_F(ChildProcessTest, RunsAProgramAndCollectsItsOutput) {
     ChildProcess process;
@@ -49,19 +49,19 @@ TEST_F(ChildProcessTest, RunsAProgramAndCollectsItsOutput) {
     EXPECT_GT(outcomes[0].duration.count(), 0);
 }
 
-TEST_F(ChildProcessTest, HandsArgumentsOverToTheByte) {
+TEST_F(ChildProcessTest, PassesArgumentsByteForByte) {
     const ChildOutcome outcome =
         runOne(program("/usr/bin/printf", {"[%s]", "", "a b", "*", "\n", "$HOME", "\xE4", "'\""}));
     EXPECT_EQ(outcome.output, "[][a b][*][\n][$HOME][\xE4]['\"]");
 }
 
-TEST_F(ChildProcessTest, KeepsOutputToTheByte) {
+TEST_F(ChildProcessTest, PreservesOutputByteForByte) {
     const ChildOutcome outcome = runOne(shell(R"(printf 'a\000b\377\r\n'; printf '\000' >&2)"));
     EXPECT_EQ(outcome.output, "a\0b\xFF\r\n"s);
     EXPECT_EQ(outcome.errorOutput, "\0"s);
 }
 
-TEST_F(ChildProcessTest, TellsTheExitStatus) {
+TEST_F(ChildProcessTest, ReportsTheExitStatus) {
     for (const int status : {0, 1, 2, 128, 255}) {
         const ChildOutcome outcome = runOne(shell("exit " + std::to_string(status)));
         EXPECT_EQ(outcome.status.exitStatus(), status);
@@ -70,7 +70,7 @@ TEST_F(ChildProcessTest, TellsTheExitStatus) {
     }
 }
 
-TEST_F(ChildProcessTest, ReadsBothStreamsTogetherHoweverMuchComes) {
+TEST_F(ChildProcessTest, ReadsLargeOutputOfBothStreams) {
     const ChildOutcome outcome = runOne(
         shell("head -c 100000000 /dev/zero >&2 & head -c 100000001 /dev/zero; wait; exit 3"));
     EXPECT_EQ(outcome.status.exitStatus(), 3);
@@ -78,16 +78,16 @@ TEST_F(ChildProcessTest, ReadsBothStreamsTogetherHoweverMuchComes) {
     EXPECT_EQ(outcome.errorOutput.size(), 100000000U);
 }
 
-TEST_F(ChildProcessTest, GoesOnWhenTheChildClosesItsStreams) {
+TEST_F(ChildProcessTest, WaitsForAChildThatHasClosedItsStreams) {
     const ChildOutcome outcome = runOne(shell("echo x; exec >&- 2>&-; sleep 0.1; exit 4"));
     EXPECT_EQ(outcome.status.exitStatus(), 4);
     EXPECT_EQ(outcome.output, "x\n");
 }
 
-TEST_F(ChildProcessTest, IsNotDisturbedBySignalsOfTheHost) {
+TEST_F(ChildProcessTest, ContinuesAfterSignalsOfTheHost) {
     struct sigaction action {};
     struct sigaction previous {};
-    action.sa_handler = [](int) {};  // without SA_RESTART: every call may answer EINTR
+    action.sa_handler = [](int) {};  // without SA_RESTART, so that calls fail with EINTR
     ::sigaction(SIGALRM, &action, &previous);
     const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
     ::setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
@@ -99,7 +99,7 @@ TEST_F(ChildProcessTest, IsNotDisturbedBySignalsOfTheHost) {
     EXPECT_TRUE(outcome.status.isSuccess());
 }
 
-TEST_F(ChildProcessTest, RunsFromManyThreadsAtOnce) {
+TEST_F(ChildProcessTest, RunsOnManyThreadsAtOnce) {
     std::atomic<int> right = 0;
     std::vector<std::thread> threads;
     for (int t = 0; t < 8; ++t) {
@@ -131,33 +131,33 @@ TEST_F(ChildProcessTest, WorksInAHostWithClosedStandardStreams) {
     EXPECT_EQ(outcome.errorOutput, "error\n");
 }
 
-// ---- what surrounds the child -----------------------------------------------------------------
+// ---- what the child inherits ------------------------------------------------------------------
 
-TEST_F(ChildSurroundings, StandardInputIsEmpty) {
+TEST_F(ChildInheritance, StandardInputIsEmpty) {
     EXPECT_EQ(runOne(shell("readlink /proc/self/fd/0; cat")).output, "/dev/null\n");
 }
 
-TEST_F(ChildSurroundings, TheWorkingDirectoryIsTheChildsAlone) {
+TEST_F(ChildInheritance, TheWorkingDirectoryOfTheHostDoesNotChange) {
     const TemporaryFolder folder;
     ChildLaunch launch = program("/bin/pwd");
     launch.currentDirectoryPath = folder.path();
     EXPECT_EQ(runOne(launch).output, folder.path() + "\n");
 }
 
-TEST_F(ChildSurroundings, TheEnvironmentIsTheGivenOneAlone) {
+TEST_F(ChildInheritance, TheEnvironmentIsExactlyTheGivenOne) {
     ChildLaunch launch = program("/usr/bin/env");
     launch.environment = {"A=1", "B=", "C=x=y"};
     EXPECT_EQ(runOne(launch).output, "A=1\nB=\nC=x=y\n");
 }
 
-TEST_F(ChildSurroundings, TheChildLeadsASessionOfItsOwn) {
+TEST_F(ChildInheritance, TheChildLeadsItsOwnSession) {
     // pid (name) state parent group session
     const ChildOutcome outcome =
         runOne(shell("set -- $(cat /proc/$$/stat); echo $(( $1 == $5 )) $(( $1 == $6 ))"));
     EXPECT_EQ(outcome.output, "1 1\n");
 }
 
-TEST_F(ChildSurroundings, SignalsAreAtTheirDefaults) {
+TEST_F(ChildInheritance, SignalsHaveTheirDefaultDisposition) {
     struct sigaction ignore {};
     struct sigaction previous {};
     ignore.sa_handler = SIG_IGN;
@@ -171,8 +171,8 @@ TEST_F(ChildSurroundings, SignalsAreAtTheirDefaults) {
         runOne(program("/bin/grep", {"-E", "^Sig(Blk|Ign)", "/proc/self/status"}));
     ::pthread_sigmask(SIG_SETMASK, &previousMask, nullptr);
     ::sigaction(SIGPIPE, &previous, nullptr);
-    // Each line ends with a mask of 16 digits, the last 8 of which are the signals 1 to 32; number
-    // 32 is the C library's own.
+    // Each line ends with a mask of 16 digits. The last 8 are the signals 1 to 32, and 32 is used
+    // by the C library.
     std::uint64_t mask = 0;
     const std::string masks(outcome.output);
     for (std::size_t tab = masks.find('\t'); tab != std::string::npos;
@@ -183,14 +183,14 @@ TEST_F(ChildSurroundings, SignalsAreAtTheirDefaults) {
     EXPECT_EQ(mask & 0x7FFFFFFFU, 0U) << masks;
 }
 
-TEST_F(ChildSurroundings, NoDescriptorOfTheHostIsInherited) {
-    const int careless = ::open("/dev/null", O_RDONLY);  // NOLINT: without O_CLOEXEC, on purpose
+TEST_F(ChildInheritance, NoDescriptorOfTheHostIsInherited) {
+    const int careless = ::open("/dev/null", O_RDONLY);  // NOLINT: deliberately without O_CLOEXEC
     const ChildOutcome outcome = runOne(program("/bin/ls", {"/proc/self/fd"}));
     ::close(careless);
     EXPECT_EQ(outcome.output, "0\n1\n2\n3\n");  // 3: ls reading that folder
 }
 
-// ---- failures to start, and bad ends ----------------------------------------------------------
+// ---- failures --------------------------------------------------------------------------------
 
 TEST_F(ChildFailure, AMissingProgramIsNamed) {
     const ChildOutcome outcome = runOne(program("/no/such/program"));
@@ -200,7 +200,7 @@ TEST_F(ChildFailure, AMissingProgramIsNamed) {
               "the program \"/no/such/program\" could not be started: No such file or directory");
 }
 
-TEST_F(ChildFailure, AFileThatIsNoProgramIsNamed) {
+TEST_F(ChildFailure, AFileThatIsNotExecutableIsNamed) {
     const TemporaryFolder folder;
     const std::string text = folder.write("text", "hello\n");
     EXPECT_EQ(runOne(program(text)).status.description(),
@@ -221,7 +221,7 @@ TEST_F(ChildFailure, AMissingFolderIsNamedAndNotTheProgram) {
     EXPECT_THAT(runOne(launch).status.description(), HasSubstr("the folder \"/no/such/folder\""));
 }
 
-TEST_F(ChildFailure, AFileAsFolderIsNamed) {
+TEST_F(ChildFailure, AFileAsWorkingDirectoryIsNamed) {
     const TemporaryFolder folder;
     ChildLaunch launch = program("/bin/pwd");
     launch.currentDirectoryPath = folder.write("file", "");
@@ -229,7 +229,7 @@ TEST_F(ChildFailure, AFileAsFolderIsNamed) {
               "the folder \"" + folder.path("file") + "\" could not be entered: Not a directory");
 }
 
-TEST_F(ChildFailure, AFolderThatMayNotBeEnteredIsNamed) {
+TEST_F(ChildFailure, AFolderWithoutPermissionIsNamed) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path("locked"));
     std::filesystem::permissions(folder.path("locked"), std::filesystem::perms::none);
@@ -241,7 +241,7 @@ TEST_F(ChildFailure, AFolderThatMayNotBeEnteredIsNamed) {
         "the folder \"" + folder.path("locked") + "\" could not be entered: Permission denied");
 }
 
-TEST_F(ChildFailure, ANULCharacterIsRefusedWhereverItStands) {
+TEST_F(ChildFailure, ANULCharacterIsRefusedInEveryString) {
     EXPECT_EQ(runOne(program("/bin/echo", {"a", "b\0c"s})).status.description(),
               "the program \"/bin/echo\" could not be started: an argument holds a NUL character");
     EXPECT_THAT(runOne(program("/bin/echo\0x"s)).status.description(), HasSubstr("its path"));
@@ -253,13 +253,13 @@ TEST_F(ChildFailure, ANULCharacterIsRefusedWhereverItStands) {
     EXPECT_THAT(runOne(launch).status.description(), HasSubstr("its environment"));
 }
 
-TEST_F(ChildFailure, ArgumentsBeyondTheSystemsLimitAreAClearError) {
+TEST_F(ChildFailure, TooLongArgumentsAreReported) {
     const ChildOutcome outcome = runOne(program("/bin/echo", {std::string(4 << 20, 'x')}));
     EXPECT_EQ(outcome.status.description(),
               "the program \"/bin/echo\" could not be started: Argument list too long");
 }
 
-TEST_F(ChildFailure, ADeathByASignalNamesTheSignal) {
+TEST_F(ChildFailure, ASignalIsNamed) {
     const ChildOutcome outcome = runOne(shell("echo before; kill -9 $$"));
     EXPECT_EQ(outcome.status.signalNumber(), 9);
     EXPECT_EQ(outcome.status.exitStatus(), std::nullopt);
@@ -268,7 +268,7 @@ TEST_F(ChildFailure, ADeathByASignalNamesTheSignal) {
     EXPECT_EQ(outcome.output, "before\n");
 }
 
-TEST_F(ChildFailure, WithoutDescriptorsItSaysSoAndWithoutAProcessDescriptorItRuns) {
+TEST_F(ChildFailure, TooFewDescriptorsAreReportedAndAProcessDescriptorIsNotNeeded) {
     rlimit original{};
     ::getrlimit(RLIMIT_NOFILE, &original);
     const int next = ::fcntl(0, F_DUPFD_CLOEXEC, 3);
@@ -284,12 +284,12 @@ TEST_F(ChildFailure, WithoutDescriptorsItSaysSoAndWithoutAProcessDescriptorItRun
     ::setrlimit(RLIMIT_NOFILE, &original);
     const std::string none =
         "the program \"/bin/sh\" could not be started: no pipe for it: Too many open files";
-    // Three pipes are six descriptors; the seventh is the one that tells the child's end.
+    // Three pipes have six descriptors. The seventh is the process descriptor.
     EXPECT_THAT(answers, ElementsAre(none, none, none, none, none, none, "x\nexit status 7",
                                      "x\nexit status 7"));
 }
 
-TEST_F(ChildFailure, AHostThatReapsForUsIsNotTakenForSuccess) {
+TEST_F(ChildFailure, AnUnknownEndIsNotASuccess) {
     struct sigaction ignore {};
     struct sigaction previous {};
     ignore.sa_handler = SIG_IGN;

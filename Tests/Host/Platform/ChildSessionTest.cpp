@@ -1,4 +1,4 @@
-// Sessions, and who holds a pipe.
+// Sessions and the writers of pipes.
 
 #include "Platform/ChildSession.h"
 
@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 class ChildSessionTest : public test::HygienicTest {};
 
-/// A process that leads a session of its own and waits for a signal.
+/// Starts a process that leads a session and waits for a signal.
 pid_t startSession() {
     const pid_t pid = ::fork();
     if (pid == 0) {
@@ -33,17 +33,17 @@ pid_t startSession() {
     return pid;
 }
 
-TEST_F(ChildSessionTest, ADeadLeaderIsNoLiveMember) {
+TEST_F(ChildSessionTest, AZombieLeaderIsNotALiveMember) {
     const pid_t pid = startSession();
     EXPECT_THAT(liveMembers(pid), ElementsAre(pid));
     signalSession(pid, SIGKILL);
     siginfo_t information{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT), 0);
-    EXPECT_THAT(liveMembers(pid), IsEmpty()) << "though nobody has reaped it yet";
+    EXPECT_THAT(liveMembers(pid), IsEmpty()) << "it has not been reaped";
     EXPECT_EQ(::waitpid(pid, nullptr, 0), pid);
 }
 
-TEST_F(ChildSessionTest, MembersAreSignalledByTheirOwnNumbers) {
+TEST_F(ChildSessionTest, SignalsMembersByTheirOwnNumbers) {
     const pid_t pid = startSession();
     signalMembers(pid, SIGUSR1);
     int status = 0;
@@ -51,7 +51,7 @@ TEST_F(ChildSessionTest, MembersAreSignalledByTheirOwnNumbers) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGUSR1);
 }
 
-TEST_F(ChildSessionTest, TheWritersOfAPipeAreFoundAndItsReadersAreNot) {
+TEST_F(ChildSessionTest, FindsTheWritersOfAPipeAndNotItsReaders) {
     Pipe pipe;
     ASSERT_EQ(openPipe(pipe, PipeSize::ordinary), 0);
     const ino_t number = pipeNumber(pipe.readEnd);

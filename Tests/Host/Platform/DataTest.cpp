@@ -1,4 +1,4 @@
-// Bytes that are shared, and bytes that still grow.
+// Shared and growing buffers.
 
 #include "Platform/Data.h"
 
@@ -43,7 +43,7 @@ TEST(Data, CopiesShareTheBytes) {
     EXPECT_EQ(copy, Data("other"));
 }
 
-TEST(Data, OutlivesWhatItWasCopiedFrom) {
+TEST(Data, ACopyOutlivesTheOriginal) {
     Data copy;
     {
         const Data data(std::string(1000000, 'x'));
@@ -52,7 +52,7 @@ TEST(Data, OutlivesWhatItWasCopiedFrom) {
     EXPECT_EQ(copy.bytes(), std::string(1000000, 'x'));
 }
 
-TEST(GrowingData, BeginsWithNothing) {
+TEST(GrowingData, StartsEmpty) {
     GrowingData growing;
     EXPECT_EQ(growing.room(), 0U);
     EXPECT_TRUE(growing.data().empty());
@@ -71,13 +71,13 @@ TEST(GrowingData, KeepsAllBytesAtEverySize) {
     EXPECT_EQ(growing.take().bytes(), expected);
 }
 
-TEST(GrowingData, GivesAtLeastTheRoomThatIsAskedFor) {
+TEST(GrowingData, GivesAtLeastTheRequestedRoom) {
     for (const std::size_t count : {1U, 1000U, 300000U, 5000000U}) {
         GrowingData growing;
         append(growing, "x");
         std::fill_n(growing.roomFor(count), count, 'y');
         EXPECT_GE(growing.room(), count);
-        EXPECT_EQ(growing.data(), Data("x")) << "room is no content";
+        EXPECT_EQ(growing.data(), Data("x")) << "room is not content";
     }
 }
 
@@ -90,7 +90,7 @@ TEST(GrowingData, ItsCopiesGrowWithIt) {
     EXPECT_EQ(copy, growing.data());
 }
 
-TEST(GrowingData, IsEmptyOnceItWasTaken) {
+TEST(GrowingData, IsEmptyAfterTake) {
     for (const std::size_t count : {1U, 2000000U}) {
         GrowingData growing;
         append(growing, std::string(count, 'x'));
@@ -102,7 +102,7 @@ TEST(GrowingData, IsEmptyOnceItWasTaken) {
     }
 }
 
-TEST(GrowingData, SaysWhenThereIsNoMemory) {
+TEST(GrowingData, ThrowsBadAllocWithoutMemory) {
     GrowingData growing;
     append(growing, "kept");
     EXPECT_THROW(static_cast<void>(growing.roomFor(std::size_t{1} << 60U)), std::bad_alloc);

@@ -15,7 +15,7 @@ std::optional<std::int64_t> secondsOf(std::string_view text) {
     return date ? std::optional(date->time_since_epoch().count()) : std::nullopt;
 }
 
-TEST(DateFormatter, ReadsADateWithItsOffset) {
+TEST(DateFormatter, ParsesADateWithAnOffset) {
     EXPECT_EQ(secondsOf("2020-09-13 17:28:20 +0100"), 1600014500);
     EXPECT_EQ(secondsOf("2020-09-13 16:28:20 +0000"), 1600014500);
     EXPECT_EQ(secondsOf("2020-09-13 16:28:20 -0000"), 1600014500);
@@ -26,20 +26,20 @@ TEST(DateFormatter, ReadsADateWithItsOffset) {
     EXPECT_EQ(secondsOf("2020-09-13 22:13:20 +0545"), 1600014500);
 }
 
-TEST(DateFormatter, ReadsTheOtherFormsOfAnOffset) {
+TEST(DateFormatter, ParsesTheOtherFormatsOfAnOffset) {
     EXPECT_EQ(secondsOf("1970-01-01 00:00:00 Z"), 0);
     EXPECT_EQ(secondsOf("1970-01-01 01:30:00 +01:30"), 0);
     EXPECT_EQ(secondsOf("1969-12-31 22:30:00 -01:30"), 0);
 }
 
-/// git prints whatever offset a commit holds, and counts the last two digits as minutes.
-TEST(DateFormatter, ReadsOffsetsThatNoClockShows) {
+/// git prints the offset of a commit as it is, and its last two digits are minutes.
+TEST(DateFormatter, ParsesOffsetsOutOfRange) {
     EXPECT_EQ(secondsOf("1970-01-01 01:39:00 +0099"), 0);
     EXPECT_EQ(secondsOf("1970-01-05 04:39:00 +9999"), 0);
     EXPECT_EQ(secondsOf("1970-01-22 14:00:00 +51800"), 0);
 }
 
-TEST(DateFormatter, ReadsYearsNearAndFar) {
+TEST(DateFormatter, ParsesDistantYears) {
     EXPECT_EQ(secondsOf("1970-01-01 00:00:00 +0000"), 0);
     EXPECT_EQ(secondsOf("1969-12-31 23:59:59 +0000"), -1);
     EXPECT_EQ(secondsOf("1900-03-01 00:00:00 +0000"), -2203891200);
@@ -52,7 +52,7 @@ TEST(DateFormatter, ReadsYearsNearAndFar) {
     EXPECT_EQ(secondsOf("2147485547-12-31 23:59:59 +0000"), 67768036191676799);
 }
 
-TEST(DateFormatter, KnowsTheCalendarAsTheSystemDoes) {
+TEST(DateFormatter, AgreesWithTheCalendarOfTheSystem) {
     for (std::int64_t seconds = -3000000000; seconds < 6000000000; seconds += 987654) {
         const std::time_t time = seconds;
         std::tm parts{};
@@ -67,7 +67,7 @@ TEST(DateFormatter, DoesNotDependOnTheTimeZoneOfTheProcess) {
     for (const char* zone : {"America/New_York", "Europe/Berlin", "Asia/Kolkata", "UTC-13"}) {
         ::setenv("TZ", zone, 1);
         ::tzset();
-        // Both beside the hour that daylight saving takes away or gives.
+        // Next to the hours at which daylight saving time begins and ends.
         EXPECT_EQ(secondsOf("2021-03-14 02:30:00 +0000"), 1615689000) << zone;
         EXPECT_EQ(secondsOf("2021-10-31 02:30:00 +0100"), 1635643800) << zone;
     }
@@ -75,7 +75,7 @@ TEST(DateFormatter, DoesNotDependOnTheTimeZoneOfTheProcess) {
     ::tzset();
 }
 
-TEST(DateFormatter, ReadsNothingElse) {
+TEST(DateFormatter, RejectsEverythingElse) {
     for (const char* text : {"",
                              " ",
                              "yesterday",

@@ -7,7 +7,7 @@
 namespace neb {
 namespace {
 
-TEST(ErrnoText, TellsWhatANumberMeans) {
+TEST(ErrnoText, IsTheTextOfTheNumber) {
     EXPECT_EQ(textOfErrno(ENOENT), "No such file or directory");
     EXPECT_EQ(textOfErrno(EACCES), "Permission denied");
     EXPECT_NE(textOfErrno(123456).find("123456"), std::string::npos);

@@ -45,7 +45,7 @@ protected:
 
 // ---- copying ----------------------------------------------------------------------------------
 
-TEST_F(FileManagerTest, CopiesAFileToTheByteWithItsPermissions) {
+TEST_F(FileManagerTest, CopiesAFileByteForByteWithItsPermissions) {
     const std::string bytes("\0a\r\n\xFF", 5);
     folder.write("a", bytes);
     fs::permissions(path("a"), fs::perms(0751));
@@ -56,7 +56,7 @@ TEST_F(FileManagerTest, CopiesAFileToTheByteWithItsPermissions) {
     EXPECT_EQ(modeOf(path("b")), 0751U);
 }
 
-TEST_F(FileManagerTest, CopiesALargeFileWhole) {
+TEST_F(FileManagerTest, CopiesALargeFile) {
     std::string bytes(3'000'001, 'x');
     for (std::size_t i = 0; i < bytes.size(); i += 997) {
         bytes[i] = static_cast<char>(i);
@@ -66,7 +66,7 @@ TEST_F(FileManagerTest, CopiesALargeFileWhole) {
     EXPECT_TRUE(folder.read("b") == bytes);
 }
 
-TEST_F(FileManagerTest, ACopyDoesNotRunAsAnotherUser) {
+TEST_F(FileManagerTest, DoesNotCopySetUserID) {
     folder.write("a", "x");
     ASSERT_EQ(::chmod(path("a").c_str(), 06755), 0);
     EXPECT_EQ(textOf(copy("a", "b")), "(no failure)");
@@ -92,14 +92,14 @@ TEST_F(FileManagerTest, CopiesATreeWithLinksEmptyFoldersAndPermissions) {
     EXPECT_EQ(fs::read_symlink(path("copy/folder link")), "deep");
 }
 
-TEST_F(FileManagerTest, CopiesALinkAsALinkAlsoWithASlashBehindIt) {
+TEST_F(FileManagerTest, CopiesALinkAsALinkAlsoWithATrailingSlash) {
     fs::create_directory(path("folder"));
     fs::create_directory_symlink("folder", path("link"));
     EXPECT_EQ(textOf(copy("link/", "copy/")), "(no failure)");
     EXPECT_EQ(fs::read_symlink(path("copy")), "folder");
 }
 
-TEST_F(FileManagerTest, CopiesAFolderThatMayNotBeWrittenTo) {
+TEST_F(FileManagerTest, CopiesAReadOnlyFolder) {
     const AsOrdinaryUser user;
     const TemporaryFolder own;
     fs::create_directory(own.path("tree"));
@@ -131,7 +131,7 @@ TEST_F(FileManagerTest, NeverOverwrites) {
     EXPECT_EQ(copy("a", "a")->errorNumber, EEXIST);
 }
 
-TEST_F(FileManagerTest, NamesBothPathsAndTheCause) {
+TEST_F(FileManagerTest, NamesBothPathsAndTheReason) {
     EXPECT_EQ(textOf(copy("missing", "b")), "\"" + path("missing") +
                                                 "\" could not be copied to \"" + path("b") +
                                                 "\": No such file or directory.");
@@ -142,7 +142,7 @@ TEST_F(FileManagerTest, NamesBothPathsAndTheCause) {
     EXPECT_EQ(copy("a", "a/b")->errorNumber, ENOTDIR);
 }
 
-TEST_F(FileManagerTest, AFolderIsNotCopiedIntoItself) {
+TEST_F(FileManagerTest, DoesNotCopyAFolderIntoItself) {
     fs::create_directories(path("tree/sub"));
     fs::create_directory_symlink("tree", path("link"));
     for (const char* inside : {"tree/copy", "tree/sub/copy", "link/copy", "tree/../tree/copy"}) {
@@ -156,17 +156,17 @@ TEST_F(FileManagerTest, AFolderIsNotCopiedIntoItself) {
     EXPECT_EQ(textOf(copy("tree/sub", "tree/sub2")), "(no failure)");
 }
 
-TEST_F(FileManagerTest, WhatIsNeitherFileNorFolderNorLinkIsRefusedByName) {
+TEST_F(FileManagerTest, RefusesDevicesAndPipesByName) {
     fs::create_directory(path("tree"));
     folder.write("tree/a", "a");
     ASSERT_EQ(::mkfifo(path("tree/pipe").c_str(), 0600), 0);
     EXPECT_EQ(textOf(copy("tree", "copy")),
               "\"" + path("tree/pipe") +
                   "\" could not be copied: it is neither a file nor a folder nor a symbolic link.");
-    EXPECT_FALSE(fs::exists(path("copy"))) << "half a copy is left";
+    EXPECT_FALSE(fs::exists(path("copy"))) << "an incomplete copy is left";
 }
 
-TEST_F(FileManagerTest, WhatHadBeenCopiedIsRemovedWhenTheRestFails) {
+TEST_F(FileManagerTest, RemovesAnIncompleteCopy) {
     const AsOrdinaryUser user;
     const TemporaryFolder own;
     fs::create_directories(own.path("tree/locked"));
@@ -188,8 +188,8 @@ TEST_F(FileManagerTest, ACancelledCopyFailsAndLeavesNothing) {
     EXPECT_FALSE(fs::exists(path("b")));
 }
 
-TEST_F(FileManagerTest, ACopyThatRunsIsCancelledSoon) {
-    // A file without an end: without the cancelling, the copy would not end either.
+TEST_F(FileManagerTest, CancelsARunningCopy) {
+    // The file has no end, so only cancelling ends the copy.
     ASSERT_EQ(::truncate((folder.write("a", ""), path("a").c_str()), off_t{1} << 40), 0);
     const auto count = [this] {
         return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
@@ -198,7 +198,7 @@ TEST_F(FileManagerTest, ACopyThatRunsIsCancelledSoon) {
         while (count() == 1) {
             std::this_thread::yield();
         }
-        EXPECT_FALSE(fs::exists(path("b"))) << "half a copy is seen";
+        EXPECT_FALSE(fs::exists(path("b"))) << "an incomplete copy is visible";
         manager.cancel();
     });
     const auto failure = copy("a", "b");
@@ -233,14 +233,14 @@ TEST_F(FileManagerTest, ACopyIntoAFolderWithoutPermissionNamesTheDestination) {
 
 // ---- folders ----------------------------------------------------------------------------------
 
-TEST_F(FileManagerTest, MakesAFolderAndThoseOnTheWay) {
+TEST_F(FileManagerTest, CreatesAFolderAndItsParents) {
     EXPECT_EQ(textOf(manager.createDirectory(path("a/b/c/"))), "(no failure)");
     EXPECT_TRUE(fs::is_directory(path("a/b/c")));
     EXPECT_EQ(textOf(manager.createDirectory(path("x/../y"))), "(no failure)");
     EXPECT_TRUE(fs::is_directory(path("y")));
 }
 
-TEST_F(FileManagerTest, AFolderThatIsThereIsNoFailure) {
+TEST_F(FileManagerTest, AcceptsAnExistingFolder) {
     fs::create_directory(path("a"));
     fs::create_directory_symlink("a", path("link"));
     for (const char* there : {"a", "a/", "link", "a/."}) {
@@ -249,7 +249,7 @@ TEST_F(FileManagerTest, AFolderThatIsThereIsNoFailure) {
     EXPECT_EQ(textOf(manager.createDirectory("/")), "(no failure)");
 }
 
-TEST_F(FileManagerTest, AFolderThatCannotBeMadeIsNamedWithTheCause) {
+TEST_F(FileManagerTest, NamesAFolderThatCannotBeCreatedAndTheReason) {
     folder.write("file", "x");
     fs::create_symlink("nowhere", path("dangling"));
     const auto failure = manager.createDirectory(path("file"));
@@ -262,7 +262,7 @@ TEST_F(FileManagerTest, AFolderThatCannotBeMadeIsNamedWithTheCause) {
     EXPECT_EQ(folder.read("file"), "x");
 }
 
-TEST_F(FileManagerTest, TwoThatMakeTheSameFoldersBothSucceed) {
+TEST_F(FileManagerTest, ConcurrentCreationOfTheSameFoldersSucceeds) {
     for (int round = 0; round < 50; ++round) {
         const std::string deep = path(std::to_string(round) + "/a/b/c/d/e");
         std::string other;
@@ -275,20 +275,20 @@ TEST_F(FileManagerTest, TwoThatMakeTheSameFoldersBothSucceed) {
 
 // ---- texts ------------------------------------------------------------------------------------
 
-TEST_F(FileManagerTest, WritesATextInPlaceOfWhatWasThere) {
+TEST_F(FileManagerTest, ReplacesTheTextOfAFileInPlace) {
     EXPECT_EQ(textOf(manager.writeText(path("a"), "one\ntwo")), "(no failure)");
     EXPECT_EQ(folder.read("a"), "one\ntwo");
     fs::create_hard_link(path("a"), path("same file"));
     EXPECT_EQ(textOf(manager.writeText(path("a"), "x")), "(no failure)");
-    EXPECT_EQ(folder.read("same file"), "x") << "not in place";
+    EXPECT_EQ(folder.read("same file"), "x") << "the file was not replaced in place";
 }
 
-TEST_F(FileManagerTest, ATextForAPipeThatNobodyReadsFailsAtOnce) {
+TEST_F(FileManagerTest, FailsImmediatelyForAPipeWithoutReader) {
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_EQ(manager.writeText(path("pipe"), "x")->errorNumber, ENXIO);
 }
 
-TEST_F(FileManagerTest, ATextThatCannotBeWrittenNamesTheFileAndTheCause) {
+TEST_F(FileManagerTest, NamesAFileThatCannotBeWrittenAndTheReason) {
     const auto failure = manager.writeText(path("no folder/a"), "x");
     EXPECT_EQ(textOf(failure), "The file \"" + path("no folder/a") +
                                    "\" could not be written: No such file or directory.");

@@ -16,7 +16,7 @@ namespace {
 
 class OperationQueueTest : public test::HygienicTest {};
 
-/// Waits for others to arrive, so that side by side and one after the other can be told apart.
+/// Waits until the given number of threads have arrived, which shows that they run concurrently.
 class Meeting {
 public:
     void arrive() {
@@ -41,7 +41,7 @@ public:
     std::atomic<int> runs = 0;
 };
 
-TEST_F(OperationQueueTest, RunsOperationsAndBlocksOnceEach) {
+TEST_F(OperationQueueTest, RunsEachOperationAndBlockOnce) {
     OperationQueue queue;
     auto operation = std::make_shared<CountingOperation>();
     std::atomic<int> blocks = 0;
@@ -52,11 +52,11 @@ TEST_F(OperationQueueTest, RunsOperationsAndBlocksOnceEach) {
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_EQ(operation->runs, 1);
     EXPECT_TRUE(operation->isFinished());
-    EXPECT_EQ(operation.use_count(), 1) << "the queue lets go of it";
+    EXPECT_EQ(operation.use_count(), 1) << "the queue keeps no reference";
     EXPECT_EQ(blocks, 100);
 }
 
-TEST_F(OperationQueueTest, RunsWorkSideBySideUpToItsWidth) {
+TEST_F(OperationQueueTest, RunsWorkConcurrentlyUpToItsWidth) {
     OperationQueue queue(3);
     Meeting meeting;
     for (int i = 0; i < 3; ++i) {
@@ -68,7 +68,7 @@ TEST_F(OperationQueueTest, RunsWorkSideBySideUpToItsWidth) {
     queue.waitUntilAllOperationsAreFinished();
 }
 
-TEST_F(OperationQueueTest, NeverRunsMoreThanItsWidth) {
+TEST_F(OperationQueueTest, NeverExceedsItsWidth) {
     OperationQueue queue(2);
     std::atomic<int> running = 0;
     std::atomic<int> most = 0;
@@ -87,7 +87,7 @@ TEST_F(OperationQueueTest, NeverRunsMoreThanItsWidth) {
     EXPECT_GE(most, 1);
 }
 
-TEST_F(OperationQueueTest, AWidthOfNothingIsOne) {
+TEST_F(OperationQueueTest, AWidthOfZeroMeansOne) {
     OperationQueue queue(0);
     bool ran = false;
     queue.addBlock([&ran] { ran = true; });
@@ -95,7 +95,7 @@ TEST_F(OperationQueueTest, AWidthOfNothingIsOne) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(OperationQueueTest, WorkThatWaitsOnAnotherQueueStarvesNobody) {
+TEST_F(OperationQueueTest, WorkMayWaitForAnotherQueue) {
     OperationQueue outer(1);
     std::atomic<int> inner = 0;
     for (int i = 0; i < 5; ++i) {
@@ -109,7 +109,7 @@ TEST_F(OperationQueueTest, WorkThatWaitsOnAnotherQueueStarvesNobody) {
     EXPECT_EQ(inner, 5);
 }
 
-TEST_F(OperationQueueTest, GoingItFinishesItsWork) {
+TEST_F(OperationQueueTest, TheDestructorFinishesTheWork) {
     std::atomic<int> done = 0;
     {
         OperationQueue queue(1);
@@ -120,8 +120,8 @@ TEST_F(OperationQueueTest, GoingItFinishesItsWork) {
     EXPECT_EQ(done, 20);
 }
 
-/// The thread sanitizer sees a destructor that reads the list of threads while work adds to it.
-TEST_F(OperationQueueTest, GoingItFinishesWhatItsWorkAdds) {
+/// The thread sanitizer reports a destructor that reads the list of threads while work changes it.
+TEST_F(OperationQueueTest, TheDestructorFinishesWorkThatWorkAdds) {
     constexpr int rounds = 50;
     constexpr std::size_t width = 4;
     std::atomic<int> done = 0;
@@ -137,7 +137,7 @@ TEST_F(OperationQueueTest, GoingItFinishesWhatItsWorkAdds) {
     EXPECT_EQ(done, rounds * static_cast<int>(width + 1));
 }
 
-TEST_F(OperationQueueTest, WorkThatThrowsEndsNoThread) {
+TEST_F(OperationQueueTest, AnExceptionDoesNotEndAThread) {
     OperationQueue queue(1);
     bool ran = false;
     queue.addBlock([] { throw 42; });
@@ -146,7 +146,7 @@ TEST_F(OperationQueueTest, WorkThatThrowsEndsNoThread) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(OperationQueueTest, WorkThatEndsItsThreadKeepsNoneFromRunning) {
+TEST_F(OperationQueueTest, WorkThatEndsItsThreadIsFollowedByOtherWork) {
     OperationQueue queue(1);
     std::atomic<int> ran = 0;
     queue.addBlock([] { ::pthread_exit(nullptr); });
@@ -157,7 +157,7 @@ TEST_F(OperationQueueTest, WorkThatEndsItsThreadKeepsNoneFromRunning) {
     EXPECT_EQ(ran, 2);
 }
 
-TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {
+TEST_F(OperationQueueTest, CancelsWaitingAndRunningOperations) {
     class WaitingOperation : public Operation {
     public:
         explicit WaitingOperation(Meeting& meeting) : _meeting(meeting) {}
@@ -184,10 +184,10 @@ TEST_F(OperationQueueTest, CancelsWhatWaitsAndWhatRuns) {
     EXPECT_TRUE(second->isCancelled() && second->isFinished());
 }
 
-TEST_F(OperationQueueTest, WithoutAThreadTheCallerDoesTheWork) {
+TEST_F(OperationQueueTest, TheCallerDoesTheWorkIfNoThreadCanBeCreated) {
     const pid_t pid = ::fork();
     if (pid == 0) {
-        // Root may have as many threads as it likes; an ordinary user may be held to none more.
+        // The limit of threads does not apply to root.
         const rlimit none{0, 0};
         if (::setuid(65534) != 0 && ::getuid() == 0) {
             ::_exit(2);
@@ -206,7 +206,7 @@ TEST_F(OperationQueueTest, WithoutAThreadTheCallerDoesTheWork) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
-TEST_F(OperationQueueTest, AbsentWorkIsNone) {
+TEST_F(OperationQueueTest, IgnoresAbsentWork) {
     OperationQueue queue;
     queue.addOperation(nullptr);
     queue.addBlock({});

@@ -24,9 +24,9 @@ TEST(PathString, AppendingPutsOneSlashBetween) {
     EXPECT_EQ(pathByAppendingComponent("/w", "d/"), "/w/d/");
 }
 
-TEST(PathString, LastComponentLeavesEndSlashesOut) {
+TEST(PathString, TheLastComponentIgnoresTrailingSlashes) {
     constexpr std::string_view path = "/a/name/";
-    EXPECT_EQ(lastPathComponentIn(path).data(), path.data() + 3) << "where it stands";
+    EXPECT_EQ(lastPathComponentIn(path).data(), path.data() + 3) << "a view into the path";
     EXPECT_EQ(lastPathComponentIn(path), "name");
     EXPECT_EQ(lastPathComponent("/a/b"), "b");
     EXPECT_EQ(lastPathComponent("/a/b//"), "b");
@@ -36,7 +36,7 @@ TEST(PathString, LastComponentLeavesEndSlashesOut) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
-TEST(PathString, WithoutTheLastComponentIsTheFolder) {
+TEST(PathString, DeletingTheLastComponentGivesTheFolder) {
     EXPECT_EQ(pathByDeletingLastComponent("/a/b"), "/a");
     EXPECT_EQ(pathByDeletingLastComponent("/a/b//"), "/a");
     EXPECT_EQ(pathByDeletingLastComponent("/a//b"), "/a");
@@ -57,7 +57,7 @@ TEST(PathString, APathLiesWithinItselfAndItsParents) {
     EXPECT_FALSE(liesWithin("/c/a", "/a"));
 }
 
-TEST(PathString, OnlyTheUsersOwnTildeIsExpanded) {
+TEST(PathString, OnlyTheTildeOfTheUserIsExpanded) {
     const std::string home = std::getenv("HOME");
     EXPECT_EQ(pathByExpandingTilde("~"), home);
     EXPECT_EQ(pathByExpandingTilde("~/repo/.git"), home + "/repo/.git");
@@ -66,7 +66,7 @@ TEST(PathString, OnlyTheUsersOwnTildeIsExpanded) {
     EXPECT_EQ(pathByExpandingTilde(""), "");
 }
 
-TEST(PathString, WithoutHomeTheUserDatabaseTellsIt) {
+TEST(PathString, WithoutHOMETheUserDatabaseIsUsed) {
     const std::string home = std::getenv("HOME");
     ::unsetenv("HOME");
     const std::string expanded = pathByExpandingTilde("~");
@@ -75,7 +75,7 @@ TEST(PathString, WithoutHomeTheUserDatabaseTellsIt) {
     EXPECT_NE(expanded, home);
 }
 
-TEST(PathString, AFileURLNamesAPath) {
+TEST(PathString, AFileURLHasAPath) {
     EXPECT_EQ(pathOfFileURL("file:///Users/x/project"), "/Users/x/project");
     EXPECT_EQ(pathOfFileURL("FILE:///a/"), "/a");
     EXPECT_EQ(pathOfFileURL("file://localhost/a%20b/%c3%A4"), "/a b/\xC3\xA4");
@@ -85,7 +85,7 @@ TEST(PathString, AFileURLNamesAPath) {
     EXPECT_EQ(pathOfFileURL("file:///100%/%zz%4"), "/100%/%zz%4");
 }
 
-TEST(PathString, AnyOtherURLNamesNone) {
+TEST(PathString, OtherURLsHaveNoPath) {
     for (const char* url : {"https://example.org/a", "ssh://h/a", "git@h:a", "file:a", "file://",
                             "file:", "/a", "", "files:///a", "file:///a%00b"}) {
         EXPECT_EQ(pathOfFileURL(url), std::nullopt) << url;

@@ -5,20 +5,20 @@
 namespace neb {
 namespace {
 
-TEST(Scanner, ReadsATextRunByRun) {
+TEST(Scanner, ReadsRunsOfCharacters) {
     Scanner scanner("  AM name");
     scanner.skip(CharacterSet::whitespace());
     EXPECT_EQ(scanner.take(CharacterSet("AM")), "AM");
     EXPECT_EQ(scanner.rest(), " name");
 }
 
-TEST(Scanner, SkipsNothingByItself) {
+TEST(Scanner, DoesNotSkipUnasked) {
     Scanner scanner(" A");
     EXPECT_EQ(scanner.take(CharacterSet("A")), "");
     EXPECT_EQ(scanner.rest(), " A");
 }
 
-TEST(Scanner, EndsAtTheEnd) {
+TEST(Scanner, StopsAtTheEnd) {
     Scanner scanner("AA");
     EXPECT_EQ(scanner.take(CharacterSet("A")), "AA");
     EXPECT_EQ(scanner.take(CharacterSet("A")), "");
@@ -28,11 +28,11 @@ TEST(Scanner, EndsAtTheEnd) {
 TEST(Scanner, TakesUpToACharacter) {
     Scanner scanner("ab\tc");
     EXPECT_EQ(scanner.takeUpTo('\t'), "ab");
-    EXPECT_EQ(scanner.takeUpTo('\t'), "") << "it stands there already";
+    EXPECT_EQ(scanner.takeUpTo('\t'), "") << "the scanner is at the character";
     scanner.skipOne('x');
-    EXPECT_EQ(scanner.rest(), "\tc") << "another character is not passed over";
+    EXPECT_EQ(scanner.rest(), "\tc") << "another character is not skipped";
     scanner.skipOne('\t');
-    EXPECT_EQ(scanner.takeUpTo('\t'), "c") << "all, where the character does not come";
+    EXPECT_EQ(scanner.takeUpTo('\t'), "c") << "the rest, because the character does not follow";
     scanner.skipOne('c');
     EXPECT_EQ(scanner.takeUpTo('\t'), "");
 }
@@ -43,7 +43,7 @@ TEST(Scanner, SkipsOneCharacterOnce) {
     EXPECT_EQ(scanner.rest(), "(x");
 }
 
-TEST(Scanner, KnowsTheSpacesOfUnicode) {
+TEST(Scanner, SkipsTheSpacesOfUnicode) {
     const std::string spaces =
         " \t\xC2\xA0\xE1\x9A\x80\xE2\x80\x80\xE2\x80\x8A\xE2\x80\xAF\xE2"
         "\x81\x9F\xE3\x80\x80";
@@ -64,7 +64,7 @@ TEST(Scanner, KnowsTheSpacesOfUnicode) {
     }
 }
 
-TEST(Scanner, TakesAnIntegerOfItsRange) {
+TEST(Scanner, ClampsAnIntegerToItsRange) {
     const auto taken = [](std::string_view text, std::optional<std::int32_t> value,
                           std::string_view rest) {
         Scanner scanner(text);
@@ -88,7 +88,7 @@ TEST(Scanner, TakesAnIntegerOfItsRange) {
     taken("-", std::nullopt, "-");
 }
 
-TEST(CharacterSet, HoldsItsMembersAlone) {
+TEST(CharacterSet, ContainsExactlyItsMembers) {
     EXPECT_TRUE(CharacterSet::whitespace().contains('\t'));
     EXPECT_FALSE(CharacterSet::whitespace().contains('\n'));
     const CharacterSet set = CharacterSet::uppercaseLetters() | CharacterSet("?");

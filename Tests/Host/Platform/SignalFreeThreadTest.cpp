@@ -1,4 +1,4 @@
-// The threads that we make leave the process's signals to the host's own.
+// Threads that block the signals of the process.
 
 #include "Platform/SignalFreeThread.h"
 
@@ -10,7 +10,7 @@
 namespace neb::test {
 namespace {
 
-/// The signals that the calling thread blocks.
+/// Returns the signals that the calling thread blocks.
 sigset_t blockedSignals() {
     sigset_t signals;
     ::pthread_sigmask(SIG_BLOCK, nullptr, &signals);
@@ -26,13 +26,13 @@ void expectOnlyFaultsTaken(const sigset_t& blocked) {
     }
 }
 
-TEST(SignalFreeThread, TakesOnlyItsOwnFaults) {
+TEST(SignalFreeThread, BlocksAllSignalsExceptFaults) {
     sigset_t blocked{};
     startSignalFreeThread([&blocked] { blocked = blockedSignals(); }).join();
     expectOnlyFaultsTaken(blocked);
 }
 
-TEST(SignalFreeThread, LeavesTheCallersMaskAsItWas) {
+TEST(SignalFreeThread, DoesNotChangeTheMaskOfTheCaller) {
     sigset_t own;
     ::sigemptyset(&own);
     ::sigaddset(&own, SIGUSR2);
@@ -45,7 +45,7 @@ TEST(SignalFreeThread, LeavesTheCallersMaskAsItWas) {
     EXPECT_EQ(::sigismember(&afterwards, SIGHUP), 0);
 }
 
-TEST(SignalFreeThread, IsWhatAQueueWorksOn) {
+TEST(SignalFreeThread, IsUsedByQueues) {
     OperationQueue queue(1);
     sigset_t blocked{};
     queue.addBlock([&blocked] { blocked = blockedSignals(); });

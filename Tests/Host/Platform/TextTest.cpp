@@ -15,10 +15,10 @@ struct Case {
 
 class Decoding : public testing::TestWithParam<Case> {};
 
-TEST_P(Decoding, KeepsWhatIsUTF8AndReplacesTheRest) {
+TEST_P(Decoding, KeepsUTF8AndReplacesTheRest) {
     EXPECT_EQ(textReplacingInvalidBytes(GetParam().bytes), GetParam().text);
     EXPECT_EQ(isUTF8(GetParam().bytes), GetParam().bytes == GetParam().text);
-    // The quick way through ASCII must not depend on where the text begins.
+    // The fast path for ASCII must not depend on the position.
     EXPECT_EQ(textReplacingInvalidBytes("1234567" + GetParam().bytes + "12345678"),
               "1234567" + GetParam().text + "12345678");
 }
@@ -42,11 +42,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"Surrogate", "\xED\xA0\x80", r + r + r},
                     Case{"AboveTheLast", "\xF4\x90\x80\x80", r + r + r + r},
                     Case{"NoFirstByte", "\xF5\xFE\xFF", r + r + r},
-                    Case{"CutOffPieceIsOne", "a\xE2\x82z", "a" + r + "z"},
-                    Case{"CutOffBeforeAnother", "\xF0\x9F\x98\xC3\xA4", r + "\xC3\xA4"}),
+                    Case{"IncompleteCharacterIsOne", "a\xE2\x82z", "a" + r + "z"},
+                    Case{"IncompleteBeforeAnother", "\xF0\x9F\x98\xC3\xA4", r + "\xC3\xA4"}),
     [](const auto& parameter) { return parameter.param.name; });
 
-TEST(Text, ATextCutOffAtTheEndIsReplacedOnce) {
+TEST(Text, AnIncompleteCharacterAtTheEndIsReplacedOnce) {
     EXPECT_EQ(textReplacingInvalidBytes("a\xF0\x9F\x98"), "a" + r);
     EXPECT_FALSE(isUTF8("a\xE2\x82"));
 }
@@ -61,7 +61,7 @@ TEST(Text, LineEndsOfAllKindsAreTrimmedAtBothEnds) {
     }
 }
 
-TEST(Text, PiecesAreOneMoreThanTheSeparatorsBetweenThem) {
+TEST(Text, ThereIsOneMoreSubstringThanSeparators) {
     const auto piecesOf = [](std::string_view text) {
         std::vector<std::string_view> pieces;
         forEachPiece(text, '\n', [&pieces](std::string_view piece) { pieces.push_back(piece); });

@@ -13,15 +13,15 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Reads to the end into `bytes`, or until there are more than `most`. Returns 0 or the errno of
-/// the failure.
-int readAll(int descriptor, std::size_t most, std::string& bytes) {
-    constexpr std::size_t pieceSize = 65536;
-    std::array<char, pieceSize> piece{};
-    while (bytes.size() <= most) {
-        const ssize_t count = ::read(descriptor, piece.data(), piece.size());
+/// Reads to the end of the input, or until `bytes` has more than `maximumSize` bytes. Returns 0, or
+/// the errno of the failure.
+int readAll(int descriptor, std::size_t maximumSize, std::string& bytes) {
+    constexpr std::size_t bufferSize = 65536;
+    std::array<char, bufferSize> buffer{};
+    while (bytes.size() <= maximumSize) {
+        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
         if (count > 0) {
-            bytes.append(piece.data(), static_cast<std::size_t>(count));
+            bytes.append(buffer.data(), static_cast<std::size_t>(count));
         } else if (count == 0) {
             return 0;
         } else if (errno != EINTR) {
@@ -37,7 +37,7 @@ InputReading failed(const std::string& what, int reason) {
 
 }  // namespace
 
-InputReading readInput(const std::string& file, std::size_t most) {
+InputReading readInput(const std::string& file, std::size_t maximumSize) {
     const bool isStandardInput = file == "-";
     const std::string subject = isStandardInput ? "Standard input" : "The file '" + file + "'";
     FileDescriptor opened;
@@ -48,12 +48,13 @@ InputReading readInput(const std::string& file, std::size_t most) {
         }
     }
     std::string bytes;
-    const int failure = readAll(isStandardInput ? STDIN_FILENO : opened.get(), most, bytes);
+    const int failure = readAll(isStandardInput ? STDIN_FILENO : opened.get(), maximumSize, bytes);
     if (failure != 0) {
         return failed(subject, failure);
     }
-    if (bytes.size() > most) {
-        return {std::nullopt, subject + " has more than " + std::to_string(most) + " bytes."};
+    if (bytes.size() > maximumSize) {
+        return {std::nullopt,
+                subject + " has more than " + std::to_string(maximumSize) + " bytes."};
     }
     return {std::move(bytes), {}};
 }

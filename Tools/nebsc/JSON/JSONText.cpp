@@ -9,11 +9,11 @@
 namespace neb::nebsc {
 
 std::string shortened(std::string text) {
-    constexpr std::size_t most = 300;
-    // Before a cut, behind which no password could be told.
+    constexpr std::size_t maximumSize = 300;
+    // Before truncating, because a truncated URL may not be recognised.
     text = printable(textWithoutPasswords(text));
-    if (text.size() > most) {
-        std::size_t end = most;  // not inside a character
+    if (text.size() > maximumSize) {
+        std::size_t end = maximumSize;  // moved back to the start of a character
         while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
             --end;
         }
@@ -27,13 +27,13 @@ namespace {
 
 using nlohmann::json;
 
-/// An array or object that is not at its end yet.
+/// An array or object whose end has not been read.
 struct OpenNode {
     JSONNode* node;
     std::unordered_set<std::string> names;  // of an object's members
 };
 
-/// Takes the parser's events; each answers whether to go on.
+/// Builds the tree from the events of the parser. Each function returns whether to continue.
 class TreeBuilder : public nlohmann::json_sax<json> {
 public:
     [[nodiscard]] JSONReading takeReading() {
@@ -41,16 +41,16 @@ public:
                                 : JSONReading{std::nullopt, std::move(_failure), _isRefusedJSON};
     }
 
-    bool null() override { return place(JSONNode::Kind::null) != nullptr; }
+    bool null() override { return addNode(JSONNode::Kind::null) != nullptr; }
     bool boolean(bool value) override {
-        JSONNode* node = place(JSONNode::Kind::boolean);
+        JSONNode* node = addNode(JSONNode::Kind::boolean);
         if (node != nullptr) {
             node->boolean = value;
         }
         return node != nullptr;
     }
     bool number_integer(number_integer_t value) override {
-        JSONNode* node = place(JSONNode::Kind::integer);
+        JSONNode* node = addNode(JSONNode::Kind::integer);
         if (node != nullptr) {
             node->integer = value;
         }
@@ -63,13 +63,13 @@ public:
         return number_integer(static_cast<number_integer_t>(value));
     }
     bool number_float(number_float_t /*value*/, const string_t& written) override {
-        return placeText(JSONNode::Kind::otherNumber, written);
+        return addTextNode(JSONNode::Kind::otherNumber, written);
     }
     bool string(string_t& value) override {
-        return placeText(JSONNode::Kind::string, std::move(value));
+        return addTextNode(JSONNode::Kind::string, std::move(value));
     }
     bool binary(binary_t& /*value*/) override {
-        return false;  // not of the text form
+        return false;  // does not occur in text
     }
 
     bool start_object(std::size_t /*size*/) override { return open(JSONNode::Kind::object); }
@@ -89,9 +89,9 @@ public:
             return fail(subjectAt(pathOfNext()) + " is a number too large to be read.");
         }
         // "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error …"
-        const std::size_t place = what.find("line ");
+        const std::size_t line = what.find("line ");
         return fail("The request is no JSON: " +
-                    shortened(place == std::string::npos ? what : what.substr(place)) + ".");
+                    shortened(line == std::string::npos ? what : what.substr(line)) + ".");
     }
 
 private:
@@ -100,7 +100,7 @@ private:
         return false;
     }
 
-    /// The path of the value that is read next.
+    /// Returns the path of the next value.
     [[nodiscard]] std::string pathOfNext() const {
         std::string path;
         for (std::size_t i = 0; i < _open.size(); ++i) {
@@ -120,8 +120,8 @@ private:
         return fail(std::move(sentence));
     }
 
-    /// A new node where the parser is, to be filled; null at the limit.
-    JSONNode* place(JSONNode::Kind kind) {
+    /// Adds a node for the next value. Returns null if there are too many values.
+    JSONNode* addNode(JSONNode::Kind kind) {
         if (_count == mostJSONValues) {
             refuse("The request has more than " + std::to_string(mostJSONValues) + " values.");
             return nullptr;
@@ -135,8 +135,8 @@ private:
         return &node;
     }
 
-    bool placeText(JSONNode::Kind kind, std::string text) {
-        JSONNode* node = place(kind);
+    bool addTextNode(JSONNode::Kind kind, std::string text) {
+        JSONNode* node = addNode(kind);
         if (node != nullptr) {
             node->text = std::move(text);
         }
@@ -148,7 +148,7 @@ private:
             return refuse("The request is nested more than " + std::to_string(deepestJSONNesting) +
                           " levels deep.");
         }
-        JSONNode* node = place(kind);
+        JSONNode* node = addNode(kind);
         if (node != nullptr) {
             _open.push_back({node, {}});
         }
@@ -161,11 +161,11 @@ private:
     }
 
     std::optional<JSONNode> _root;
-    /// From the root to the innermost one. A node gets no brother while it is open, so it stays
-    /// where it is.
+    /// From the root to the innermost node. No sibling is added to an open node, so the pointers
+    /// stay valid.
     std::vector<OpenNode> _open;
     std::string _key;
-    std::size_t _count = 0;  // of the values so far
+    std::size_t _count = 0;  // number of values so far
     std::string _failure;
     bool _isRefusedJSON = false;
 };
@@ -203,7 +203,7 @@ JSONReading readJSON(std::string_view text) {
         return {std::nullopt, "The request is empty; a JSON object was expected."};
     }
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
-        // The parser would take it for the end and leave out what follows.
+        // The parser would treat it as the end of the text and ignore the rest.
         return {std::nullopt,
                 "The request is no JSON: byte " + std::to_string(nul + 1) + " is NUL."};
     }

@@ -20,12 +20,12 @@ JSON orNull(const std::optional<Value>& value) {
     return value ? JSON(*value) : JSON(nullptr);
 }
 
-/// Bytes that are no UTF-8 become U+FFFD.
+/// Replaces bytes that are not UTF-8 by U+FFFD.
 std::string textOf(const JSON& json) {
     return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
 }
 
-/// The value of a record that has no values inside it.
+/// Returns the JSON of a value that is not a dictionary.
 JSON leafOf(const NEBValue& value) {
     if (const auto boolean = value.boolean()) {
         return *boolean;
@@ -48,9 +48,9 @@ JSON leafOf(const NEBValue& value) {
     return nullptr;
 }
 
-/// Appends the dictionary as text. A result may take most of the memory there is, so no JSON object
-/// or array is made of it: the library's destructor of one allocates memory, and terminates the
-/// program where there is no more.
+/// Appends the dictionary as text. A result can be so large that memory is almost used up.
+/// Therefore it is not converted to a JSON object first: the destructor of the library's objects
+/// allocates memory, and terminates the program if that fails.
 void append(std::string& text, const NEBDictionary& dictionary) {
     char separator = '{';
     for (const NEBDictionary::Entry& entry : dictionary) {
@@ -117,8 +117,8 @@ JSON jsonOfReport(const LOMAssertionReport& report) {
             {"condition", report.condition}};
 }
 
-/// A signal by its name, so that it is not taken for an exit status.
-JSON jsonOfEnd(const std::optional<TerminationStatus>& status) {
+/// Returns the exit status, or the name of a signal, so that the two cannot be confused.
+JSON jsonOfTermination(const std::optional<TerminationStatus>& status) {
     if (const auto signalNumber = status ? status->signalNumber() : std::nullopt) {
         const char* name = ::sigabbrev_np(*signalNumber);
         return "SIG" + (name != nullptr ? name : std::to_string(*signalNumber));
@@ -130,7 +130,7 @@ JSON jsonOfError(const NEBSourceControlError& error) {
     return {{"domain", error.domain},
             {"code", error.code},
             {"class", orNull(error.errorClass)},
-            {"terminationStatus", jsonOfEnd(error.terminationStatus)},
+            {"terminationStatus", jsonOfTermination(error.terminationStatus)},
             {"text", orNull(error.text)},
             {"hints", JSON(error.hints)},
             {"remoteLines", JSON(error.remoteLines)},
@@ -178,7 +178,7 @@ JSON membersFromErrorOn(const Outcome& outcome) {
 std::string textOfOutcome(const Outcome& outcome) {
     const std::string result = textOfResult(outcome);
     std::string text = textOf(membersBeforeResult(outcome));
-    text.pop_back();  // the brace at the end
+    text.pop_back();  // the closing brace
     const std::string end = textOf(membersFromErrorOn(outcome));
     return text.append(",\"result\":").append(result).append(",").append(end, 1);
 }

@@ -1,4 +1,4 @@
-// OutcomeJSON.h - an outcome in its JSON form.
+// OutcomeJSON.h - the JSON form of an outcome.
 //
 //     { "type": 18, "name": "log", "authenticationRequired": false, "valid": true,
 //       "operation": "GitLogOperation",
@@ -13,13 +13,20 @@
 //       "result": [ { "NEBSourceControlOperationRevisionKey": "0123456789ab" } ],
 //       "error": null }
 //
-// Every member is always there, null where it is absent. "name" is the type's plain name; it
-// and "type" are null where no request was made. The
-// "pipeTo" of a command is a command, "terminationStatus" is null for a child that did not exit. A
-// date is "2012-03-04T05:06:07Z", a file path its string, a dictionary an object. "error" is null
-// or { "domain", "code", "class", "terminationStatus", "text", "hints", "remoteLines", "files",
-// "localizedDescription", "localizedRecoverySuggestion", "userInfo" }; its "terminationStatus" is
-// an exit status or the name of a signal, the three in the plural are arrays of strings.
+// All these members are always present; an absent value is null. Two more members exist only if the
+// outcome has them: "omittedRevisions", an array of strings, and "settledConflicts", an array of
+// strings or null if git failed to list the files.
+//
+// "name" is the name of the type; both are null if no request was made. "pipeTo" is a command with
+// the same members. The "terminationStatus" of a command is null if the child did not exit. A date
+// is "2012-03-04T05:06:07Z", a file path a string, a dictionary an object.
+//
+// "error" is null or { "domain", "code", "class", "terminationStatus", "text", "hints",
+// "remoteLines", "files", "localizedDescription", "localizedRecoverySuggestion", "userInfo" }. Its
+// "terminationStatus" is an exit status or the name of a signal; "hints", "remoteLines" and "files"
+// are arrays of strings.
+//
+// Every function is thread-safe.
 #pragma once
 
 #include <functional>
@@ -30,16 +37,16 @@
 
 namespace neb::nebsc {
 
-/// Returns the outcome's JSON in one line without a line end; bytes that are no UTF-8 become
-/// U+FFFD. Throws std::bad_alloc where memory runs out. Thread-safe, as is all below.
+/// Returns the outcome as JSON on one line, without a line end. Bytes that are not UTF-8 become
+/// U+FFFD. Throws std::bad_alloc if memory runs out.
 [[nodiscard]] std::string textOfOutcome(const Outcome& outcome);
 
-/// Returns what `write` makes of the outcome. Where memory runs out meanwhile, the result is freed,
-/// and `write` is called again with an outcome whose error, of the class "out-of-memory", says so.
+/// Returns the result of `write`. If `write` throws because memory runs out, frees the result, sets
+/// an error of the class "out-of-memory", and calls `write` again.
 [[nodiscard]] std::string writtenOutcome(Outcome& outcome,
                                          const std::function<std::string(const Outcome&)>& write);
 
-/// The JSON on one line, line end included; bytes that are no UTF-8 become U+FFFD.
+/// Returns the JSON on one line, with a line end. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string lineOfJSON(const nlohmann::ordered_json& json);
 
 }  // namespace neb::nebsc

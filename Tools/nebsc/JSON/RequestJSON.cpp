@@ -15,10 +15,9 @@ namespace {
 
 using Kind = JSONNode::Kind;
 
-// ---- objects
-// ---------------------------------------------------------------------------------------
+// ---- objects ----------------------------------------------------------------------------------
 
-/// What the form says of a source tree, before it is known of which class it is.
+/// The members of a source tree, before an object of its class is created.
 struct SourceTreeMembers {
     std::optional<std::string> className;
     std::optional<std::string> location;
@@ -29,26 +28,26 @@ struct SourceTreeMembers {
 };
 
 constexpr Member<SourceTreeMembers> sourceTreeMembers[] = {
-    {"class", [](Refusal& refusal, const Place& place,
-                 SourceTreeMembers& tree) { return readString(refusal, place, tree.className); }},
-    {"location", [](Refusal& refusal, const Place& place,
-                    SourceTreeMembers& tree) { return readString(refusal, place, tree.location); }},
-    {"name", [](Refusal& refusal, const Place& place,
-                SourceTreeMembers& tree) { return readString(refusal, place, tree.name); }},
+    {"class", [](Refusal& refusal, const InputNode& input,
+                 SourceTreeMembers& tree) { return readString(refusal, input, tree.className); }},
+    {"location", [](Refusal& refusal, const InputNode& input,
+                    SourceTreeMembers& tree) { return readString(refusal, input, tree.location); }},
+    {"name", [](Refusal& refusal, const InputNode& input,
+                SourceTreeMembers& tree) { return readString(refusal, input, tree.name); }},
     {"reachable",
-     [](Refusal& refusal, const Place& place, SourceTreeMembers& tree) {
-         return readBoolean(refusal, place, tree.reachable);
+     [](Refusal& refusal, const InputNode& input, SourceTreeMembers& tree) {
+         return readBoolean(refusal, input, tree.reachable);
      }},
-    {"isValid", [](Refusal& refusal, const Place& place,
-                   SourceTreeMembers& tree) { return readBoolean(refusal, place, tree.isValid); }},
+    {"isValid", [](Refusal& refusal, const InputNode& input,
+                   SourceTreeMembers& tree) { return readBoolean(refusal, input, tree.isValid); }},
     {"isRemoteDistributedRepository",
-     [](Refusal& refusal, const Place& place, SourceTreeMembers& tree) {
-         return readBoolean(refusal, place, tree.isRemoteDistributedRepository);
+     [](Refusal& refusal, const InputNode& input, SourceTreeMembers& tree) {
+         return readBoolean(refusal, input, tree.isRemoteDistributedRepository);
      }},
 };
 
-/// An object of the class that the members name; nothing, and a refusal, when there is no such one.
-std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, const Place& place,
+/// Returns an object of the class in `members`; null, with a refusal, if the class is unknown.
+std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, const InputNode& input,
                                                            const SourceTreeMembers& members) {
     const std::string className = members.className.value_or("NEBSourceControlWorkingTree");
     if (className == "NEBSourceControlRepository") {
@@ -57,7 +56,7 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
         return repository;
     }
     if (className != "NEBSourceControlWorkingTree") {
-        refusal.sentence = subjectAt(pathOfMember(place.path, "class")) + " is \"" +
+        refusal.sentence = subjectAt(pathOfMember(input.path, "class")) + " is \"" +
                            shortened(className) +
                            "\"; NEBSourceControlWorkingTree or NEBSourceControlRepository was "
                            "expected.";
@@ -65,7 +64,7 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
     }
     if (members.isRemoteDistributedRepository) {
         refusal.sentence =
-            subjectAt(pathOfMember(place.path, "isRemoteDistributedRepository")) +
+            subjectAt(pathOfMember(input.path, "isRemoteDistributedRepository")) +
             " is true for a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be "
             "one, so false was expected.";
         return nullptr;
@@ -73,31 +72,31 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
     return std::make_shared<NEBSourceControlWorkingTree>();
 }
 
-/// An absolute path, a URL, or the address "host:path" of a repository. A relative path would mean
-/// whatever folder nebsc happens to be in.
+/// Returns whether the text is an absolute path, a URL or an address "host:path". A relative path
+/// would depend on the current folder of nebsc.
 bool isLocation(std::string_view location) {
     return isAbsolutePath(location) || location.find(':') != std::string_view::npos;
 }
 
-bool readSourceTree(Refusal& refusal, const Place& place,
+bool readSourceTree(Refusal& refusal, const InputNode& input,
                     std::shared_ptr<NEBSourceControlSourceTree>& tree) {
-    if (place.node.kind == Kind::null) {
+    if (input.node.kind == Kind::null) {
         return true;
     }
-    if (!isObject(place.node)) {
-        return refusal.wrongKind(place, "an object");
+    if (!isObject(input.node)) {
+        return refusal.wrongKind(input, "an object");
     }
     SourceTreeMembers members;
-    if (!readMembers<SourceTreeMembers>(refusal, place, sourceTreeMembers, members)) {
+    if (!readMembers<SourceTreeMembers>(refusal, input, sourceTreeMembers, members)) {
         return false;
     }
     if (members.location && !isLocation(*members.location)) {
-        refusal.sentence = subjectAt(pathOfMember(place.path, "location")) + " is \"" +
+        refusal.sentence = subjectAt(pathOfMember(input.path, "location")) + " is \"" +
                            shortened(*members.location) +
                            "\"; an absolute path or a URL was expected.";
         return false;
     }
-    tree = makeSourceTree(refusal, place, members);
+    tree = makeSourceTree(refusal, input, members);
     if (!tree) {
         return false;
     }
@@ -111,33 +110,34 @@ bool readSourceTree(Refusal& refusal, const Place& place,
 
 constexpr Member<NEBSourceControlRemote> remoteMembers[] = {
     {"representsGitSVNBridge",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRemote& remote) {
-         return readBoolean(refusal, place, remote.representsGitSVNBridge);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRemote& remote) {
+         return readBoolean(refusal, input, remote.representsGitSVNBridge);
      }},
 };
 
-bool readRemote(Refusal& refusal, const Place& place,
+bool readRemote(Refusal& refusal, const InputNode& input,
                 std::shared_ptr<NEBSourceControlRemote>& remote) {
-    if (place.node.kind == Kind::null) {
+    if (input.node.kind == Kind::null) {
         return true;
     }
-    if (!isObject(place.node)) {
-        return refusal.wrongKind(place, "an object");
+    if (!isObject(input.node)) {
+        return refusal.wrongKind(input, "an object");
     }
     remote = std::make_shared<NEBSourceControlRemote>();
-    return readMembers<NEBSourceControlRemote>(refusal, place, remoteMembers, *remote);
+    return readMembers<NEBSourceControlRemote>(refusal, input, remoteMembers, *remote);
 }
 
-bool readFiles(Refusal& refusal, const Place& place, std::optional<std::vector<NEBValue>>& files) {
-    if (place.node.kind == Kind::null) {
+bool readFiles(Refusal& refusal, const InputNode& input,
+               std::optional<std::vector<NEBValue>>& files) {
+    if (input.node.kind == Kind::null) {
         return true;
     }
-    if (!isArray(place.node)) {
-        return refusal.wrongKind(place, "an array");
+    if (!isArray(input.node)) {
+        return refusal.wrongKind(input, "an array");
     }
     files.emplace();
-    for (const JSONNode& child : place.node.children) {
-        const std::string path = pathOfElement(place.path, files->size());
+    for (const JSONNode& child : input.node.children) {
+        const std::string path = pathOfElement(input.path, files->size());
         if (!readScalar(refusal, {child, path}, files->emplace_back())) {
             return false;
         }
@@ -159,21 +159,21 @@ std::string allOptionKeys() {
     return keys;
 }
 
-bool readOptions(Refusal& refusal, const Place& place, std::optional<NEBDictionary>& options) {
-    if (place.node.kind == Kind::null) {
+bool readOptions(Refusal& refusal, const InputNode& input, std::optional<NEBDictionary>& options) {
+    if (input.node.kind == Kind::null) {
         return true;
     }
-    if (!isObject(place.node)) {
-        return refusal.wrongKind(place, "an object");
+    if (!isObject(input.node)) {
+        return refusal.wrongKind(input, "an object");
     }
     options.emplace();
-    for (const JSONNode& child : place.node.children) {
-        const Place childPlace{child, pathOfMember(place.path, child.name)};
+    for (const JSONNode& child : input.node.children) {
+        const InputNode childInput{child, pathOfMember(input.path, child.name)};
         NEBValue value;
         if (!isOptionKey(child.name)) {
-            return refuseUnknownMember(refusal, childPlace, allOptionKeys());
+            return refuseUnknownMember(refusal, childInput, allOptionKeys());
         }
-        if (!readScalar(refusal, childPlace, value)) {
+        if (!readScalar(refusal, childInput, value)) {
             return false;
         }
         options->set(child.name, std::move(value));
@@ -185,46 +185,46 @@ bool readOptions(Refusal& refusal, const Place& place, std::optional<NEBDictiona
 
 constexpr Member<NEBSourceControlRequest> requestMembers[] = {
     {"type",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readType(refusal, place, request.type);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readType(refusal, input, request.type);
      }},
     {"sourceTree",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readSourceTree(refusal, place, request.sourceTree);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readSourceTree(refusal, input, request.sourceTree);
      }},
     {"repositoryToAuthenticate",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readSourceTree(refusal, place, request.repositoryToAuthenticate);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readSourceTree(refusal, input, request.repositoryToAuthenticate);
      }},
     {"destination",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readScalar(refusal, place, request.destination);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readScalar(refusal, input, request.destination);
      }},
     {"files",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readFiles(refusal, place, request.files);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readFiles(refusal, input, request.files);
      }},
     {"startingRevision",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readScalar(refusal, place, request.startingRevision);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readScalar(refusal, input, request.startingRevision);
      }},
     {"endingRevision",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readScalar(refusal, place, request.endingRevision);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readScalar(refusal, input, request.endingRevision);
      }},
     {"remote",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readRemote(refusal, place, request.remote);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readRemote(refusal, input, request.remote);
      }},
     {"options",
-     [](Refusal& refusal, const Place& place, NEBSourceControlRequest& request) {
-         return readOptions(refusal, place, request.options);
+     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
+         return readOptions(refusal, input, request.options);
      }},
 };
 
-/// A clone runs in its destination, and hands it on to git: a relative one would mean whatever
-/// folder nebsc happens to be in, and "~" two folders.
-bool refuseRelativeClone(Refusal& refusal, const NEBSourceControlRequest& request) {
+/// Refuses a clone into a path that is not absolute. git runs in the destination and gets it as an
+/// argument: a relative path would depend on the current folder, and "~" could mean two folders.
+bool checkCloneDestination(Refusal& refusal, const NEBSourceControlRequest& request) {
     const NEBValue& destination = request.destination;
     const bool isRelative =
         destination.isPresent() && !destination.string().value_or("").starts_with('/');
@@ -238,11 +238,11 @@ bool refuseRelativeClone(Refusal& refusal, const NEBSourceControlRequest& reques
 }
 
 bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest& request) {
-    const Place place{root, ""};
+    const InputNode input{root, ""};
     if (root.kind != Kind::object) {
-        return refusal.wrongKind(place, "an object");
+        return refusal.wrongKind(input, "an object");
     }
-    if (!readMembers<NEBSourceControlRequest>(refusal, place, requestMembers, request)) {
+    if (!readMembers<NEBSourceControlRequest>(refusal, input, requestMembers, request)) {
         return false;
     }
     const bool hasType = std::any_of(root.children.begin(), root.children.end(),
@@ -250,7 +250,7 @@ bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest
     if (!hasType) {
         return refusal.wrongValue({root, "type"}, "is missing; an integer was expected");
     }
-    return refuseRelativeClone(refusal, request);
+    return checkCloneDestination(refusal, request);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// RequestJSON.h - a request from its JSON form.
+// RequestJSON.h - reads a request from its JSON form.
 //
 //     { "type": 18,
 //       "sourceTree": { "class": "NEBSourceControlWorkingTree", "location": "/path/or/URL",
@@ -10,13 +10,18 @@
 //       "remote": { "representsGitSVNBridge": false },
 //       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 } }
 //
-// Only "type" is required, an integer of 32 bits. null is a missing value. In a member, [] is taken
-// for {} and {} for []. "class" is
-// NEBSourceControlWorkingTree unless given, "name" the location's last component, "reachable" and
-// "isValid" are true, "isRemoteDistributedRepository" (of a repository only) is false.
-// "destination", the revisions, the elements of "files" and the values of "options" are any JSON
-// scalar: a number that is no 64-bit integer becomes an object whose description is the number as
-// it was written. The destination of a clone, where it has one, is an absolute path.
+// Only "type" is required; it is a 32-bit integer. null means absent. A member can
+// be [] instead of {} and {} instead of [].
+//
+// Defaults of a source tree: "class" is NEBSourceControlWorkingTree, "name" is the last component
+// of the location, "reachable" and "isValid" are true, "isRemoteDistributedRepository" is false
+// (only a repository can set it to true).
+//
+// "destination", the revisions, the elements of "files" and the values of "options" can be any JSON
+// scalar. A number that is not a 64-bit integer becomes an object whose description is the text of
+// the number. The destination of a clone, if present, must be an absolute path.
+//
+// Every function is thread-safe.
 #pragma once
 
 #include <memory>
@@ -29,20 +34,21 @@
 
 namespace neb::nebsc {
 
+/// A request, or the reason why it was refused.
 struct RequestReading {
-    /// Absent when the text was refused.
+    /// Null if the text was refused.
     std::shared_ptr<NEBSourceControlRequest> request;
-    /// One sentence that names the member and what was expected; empty when there is a request.
+    /// One sentence that names the member and the expected value; empty on success.
     std::string refusal;
 };
 
-/// From any thread, as is the next.
+/// Reads a request from JSON text.
 [[nodiscard]] RequestReading requestFromJSON(std::string_view text);
 
-/// Of a text that has been read.
+/// Reads a request from JSON that has been parsed.
 [[nodiscard]] RequestReading requestFromJSON(const JSONNode& root);
 
-/// Why a request in JSON is refused for the sake of a value.
+/// Returns the message for a request that is refused because of the value.
 [[nodiscard]] std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value);
 
 }  // namespace neb::nebsc

@@ -9,7 +9,7 @@ namespace {
 
 using Kind = JSONNode::Kind;
 
-/// A number for which a request has no kind of its own.
+/// A number that is not a 64-bit integer.
 class NumberObject : public NEBObject {
 public:
     explicit NumberObject(std::string text) : _text(std::move(text)) {}
@@ -29,76 +29,76 @@ bool isArray(const JSONNode& node) {
     return node.kind == Kind::array || (node.kind == Kind::object && node.children.empty());
 }
 
-bool Refusal::wrongKind(const Place& place, std::string_view expected) {
-    sentence = subjectAt(place.path)
+bool Refusal::wrongKind(const InputNode& input, std::string_view expected) {
+    sentence = subjectAt(input.path)
                    .append(" is ")
-                   .append(nameOfKind(place.node.kind))
+                   .append(nameOfKind(input.node.kind))
                    .append("; ")
                    .append(expected)
                    .append(" was expected.");
     return false;
 }
 
-bool Refusal::wrongValue(const Place& place, std::string_view reason) {
-    sentence = subjectAt(place.path).append(" ").append(reason).append(".");
+bool Refusal::wrongValue(const InputNode& input, std::string_view reason) {
+    sentence = subjectAt(input.path).append(" ").append(reason).append(".");
     return false;
 }
 
-bool readType(Refusal& refusal, const Place& place, std::int32_t& type) {
+bool readType(Refusal& refusal, const InputNode& input, std::int32_t& type) {
     using Limits = std::numeric_limits<std::int32_t>;
     constexpr std::string_view expected = "an integer from -2147483648 to 2147483647";
-    if (place.node.kind != Kind::integer) {
-        return refusal.wrongKind(place, expected);
+    if (input.node.kind != Kind::integer) {
+        return refusal.wrongKind(input, expected);
     }
-    if (place.node.integer < Limits::min() || place.node.integer > Limits::max()) {
-        return refusal.wrongValue(place, "is " + std::to_string(place.node.integer) + "; " +
+    if (input.node.integer < Limits::min() || input.node.integer > Limits::max()) {
+        return refusal.wrongValue(input, "is " + std::to_string(input.node.integer) + "; " +
                                              std::string(expected) + " was expected");
     }
-    type = static_cast<std::int32_t>(place.node.integer);
+    type = static_cast<std::int32_t>(input.node.integer);
     return true;
 }
 
-bool readString(Refusal& refusal, const Place& place, std::optional<std::string>& string) {
-    if (place.node.kind == Kind::string) {
-        string = place.node.text;
+bool readString(Refusal& refusal, const InputNode& input, std::optional<std::string>& string) {
+    if (input.node.kind == Kind::string) {
+        string = input.node.text;
     }
-    return place.node.kind == Kind::string || place.node.kind == Kind::null ||
-           refusal.wrongKind(place, "a string");
+    return input.node.kind == Kind::string || input.node.kind == Kind::null ||
+           refusal.wrongKind(input, "a string");
 }
 
-bool readBoolean(Refusal& refusal, const Place& place, bool& boolean) {
-    if (place.node.kind == Kind::boolean) {
-        boolean = place.node.boolean;
+bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean) {
+    if (input.node.kind == Kind::boolean) {
+        boolean = input.node.boolean;
     }
-    return place.node.kind == Kind::boolean || place.node.kind == Kind::null ||
-           refusal.wrongKind(place, "true or false");
+    return input.node.kind == Kind::boolean || input.node.kind == Kind::null ||
+           refusal.wrongKind(input, "true or false");
 }
 
-bool readScalar(Refusal& refusal, const Place& place, NEBValue& value) {
-    switch (place.node.kind) {
+bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value) {
+    switch (input.node.kind) {
         case Kind::null:
             return true;
         case Kind::boolean:
-            value = place.node.boolean;
+            value = input.node.boolean;
             return true;
         case Kind::integer:
-            value = place.node.integer;
+            value = input.node.integer;
             return true;
         case Kind::otherNumber:
-            value = NEBValue(std::make_shared<const NumberObject>(place.node.text));
+            value = NEBValue(std::make_shared<const NumberObject>(input.node.text));
             return true;
         case Kind::string:
-            value = place.node.text;
+            value = input.node.text;
             return true;
         case Kind::array:
         case Kind::object:
             break;
     }
-    return refusal.wrongKind(place, "a string, a number or a boolean");
+    return refusal.wrongKind(input, "a string, a number or a boolean");
 }
 
-bool refuseUnknownMember(Refusal& refusal, const Place& place, std::string_view known) {
-    return refusal.wrongValue(place, "is not known; known are " + std::string(known));
+bool refuseUnknownMember(Refusal& refusal, const InputNode& input, std::string_view known) {
+    return refusal.wrongValue(input, "is not known; known are " + std::string(known));
 }
 
 }  // namespace neb::nebsc

@@ -1,7 +1,7 @@
-// RequestMembers.h - reads single members of a request's JSON, and refuses by name what is wrong.
+// RequestMembers.h - readers for the single members of a request's JSON. Part of RequestJSON.
 //
-// Part of RequestJSON. Each reader answers whether to go on; when not, the refusal holds the
-// sentence for the person. Of one thread at a time.
+// Each reader returns true on success. Otherwise it returns false and stores the message in the
+// refusal.
 #pragma once
 
 #include <algorithm>
@@ -16,58 +16,58 @@
 
 namespace neb::nebsc {
 
-/// A node, and how sentences name it.
-struct Place {
+/// A node of the input, and the path by which messages name it.
+struct InputNode {
     const JSONNode& node;
     std::string path;
 };
 
-// Encoders of languages with one type for both (a table in Lua) write an empty object as [] or an
-// empty array as {}.
+// Languages with a single type for both (Lua tables) encode an empty object as [] or an empty array
+// as {}.
 
-/// Whether the node is an object, or an empty array.
+/// Returns whether the node is an object or an empty array.
 [[nodiscard]] bool isObject(const JSONNode& node);
-/// Whether the node is an array, or an empty object.
+/// Returns whether the node is an array or an empty object.
 [[nodiscard]] bool isArray(const JSONNode& node);
 
-/// Why the request is refused: the first reason.
+/// The reason why a request is refused. Only the first one is reported.
 struct Refusal {
     std::string sentence;
 
-    /// "… is an array; a string was expected." Answers false.
-    bool wrongKind(const Place& place, std::string_view expected);
-    /// "… is missing." Answers false.
-    bool wrongValue(const Place& place, std::string_view reason);
+    /// Stores "… is an array; a string was expected." Returns false.
+    bool wrongKind(const InputNode& input, std::string_view expected);
+    /// Stores "… is missing.", where `reason` is "is missing". Returns false.
+    bool wrongValue(const InputNode& input, std::string_view reason);
 };
 
-/// An integer in 32 bits.
-[[nodiscard]] bool readType(Refusal& refusal, const Place& place, std::int32_t& type);
+/// Reads a 32-bit integer. null is refused.
+[[nodiscard]] bool readType(Refusal& refusal, const InputNode& input, std::int32_t& type);
 
-// Of the following, null leaves what is to be filled as it is.
+// For the readers below, null leaves the target unchanged.
 
-[[nodiscard]] bool readString(Refusal& refusal, const Place& place,
+[[nodiscard]] bool readString(Refusal& refusal, const InputNode& input,
                               std::optional<std::string>& string);
-[[nodiscard]] bool readBoolean(Refusal& refusal, const Place& place, bool& boolean);
-/// A string, a boolean or a number; one that is no 64-bit integer becomes an object that describes
-/// itself with the number's text.
-[[nodiscard]] bool readScalar(Refusal& refusal, const Place& place, NEBValue& value);
+[[nodiscard]] bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean);
+/// Reads a string, a boolean or a number. A number that is not a 64-bit integer becomes an object
+/// whose description is the text of the number.
+[[nodiscard]] bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value);
 
-/// Refuses a member that the form does not know, with the list of those that it knows.
-bool refuseUnknownMember(Refusal& refusal, const Place& place, std::string_view known);
+/// Refuses an unknown member; the message lists the known ones. Returns false.
+bool refuseUnknownMember(Refusal& refusal, const InputNode& input, std::string_view known);
 
-/// One member of an object of the form, and what it fills.
+/// A member of a JSON object, and the function that reads it into the target.
 template <typename Target>
 struct Member {
     std::string_view name;
-    bool (*read)(Refusal&, const Place&, Target&);
+    bool (*read)(Refusal&, const InputNode&, Target&);
 };
 
-/// Reads all members of the object at `place`.
+/// Reads all members of the object `input`. Refuses members that are not in the table.
 template <typename Target>
-bool readMembers(Refusal& refusal, const Place& place, std::span<const Member<Target>> members,
+bool readMembers(Refusal& refusal, const InputNode& input, std::span<const Member<Target>> members,
                  Target& target) {
-    for (const JSONNode& child : place.node.children) {
-        const Place childPlace{child, pathOfMember(place.path, child.name)};
+    for (const JSONNode& child : input.node.children) {
+        const InputNode childInput{child, pathOfMember(input.path, child.name)};
         const auto member = std::find_if(
             members.begin(), members.end(),
             [&child](const Member<Target>& candidate) { return candidate.name == child.name; });
@@ -76,9 +76,9 @@ bool readMembers(Refusal& refusal, const Place& place, std::span<const Member<Ta
             for (const Member<Target>& one : members) {
                 known.append(known.empty() ? "" : ", ").append(one.name);
             }
-            return refuseUnknownMember(refusal, childPlace, known);
+            return refuseUnknownMember(refusal, childInput, known);
         }
-        if (!member->read(refusal, childPlace, target)) {
+        if (!member->read(refusal, childInput, target)) {
             return false;
         }
     }

@@ -1,4 +1,4 @@
-// Deadline.h - ends work that takes too long.
+// Deadline.h - a time limit for running work.
 //
 //     const Deadline deadline(end, [&process] { process.cancel(); });
 //     process.run(…);
@@ -12,16 +12,18 @@
 
 namespace neb::nebsc {
 
+/// Calls a function if it still exists at a given time.
 class Deadline {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    /// `cancel` is called once, on a thread of its own, when the object still lives at `end`: at
-    /// once where that is past. It must not block. Never called when the system has no thread.
+    /// Calls `cancel` once, on a separate thread, if the object still exists at `end`; immediately
+    /// if `end` has passed. `cancel` must not block. It is never called if no thread can be
+    /// started.
     Deadline(Time end, std::function<void()> cancel);
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;
-    /// Afterwards `cancel` is not called any more.
+    /// Waits for a running `cancel`; it is not called afterwards.
     ~Deadline();
 
 private:

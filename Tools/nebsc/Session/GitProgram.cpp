@@ -16,13 +16,13 @@ std::string gitPath() {
 
 namespace {
 
-std::vector<std::string> environmentIn(const GitSurroundings& surroundings) {
+std::vector<std::string> environmentFor(const GitSurroundings& surroundings) {
     std::vector<std::string> environment = NEBSourceControlChildEnvironment(
         NEBSourceControlInheritedEnvironment(), surroundings.traits);
     for (const std::string& variable : surroundings.variables) {
-        const std::string_view head = std::string_view(variable).substr(0, variable.find('=') + 1);
+        const std::string_view name = std::string_view(variable).substr(0, variable.find('=') + 1);
         std::erase_if(environment,
-                      [head](const std::string& other) { return other.starts_with(head); });
+                      [name](const std::string& other) { return other.starts_with(name); });
         environment.push_back(variable);
     }
     return environment;
@@ -52,12 +52,12 @@ ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::
 }
 
 ChildOutcome runGits(ChildProcess& process, const Trace& trace,
-                     std::vector<std::vector<std::string>> calls,
+                     std::vector<std::vector<std::string>> argumentLists,
                      const GitSurroundings& surroundings) {
-    const std::vector<std::string> environment = environmentIn(surroundings);
+    const std::vector<std::string> environment = environmentFor(surroundings);
     std::vector<NEBSourceControlCommand> commands;
     std::vector<ChildLaunch> launches;
-    for (std::vector<std::string>& arguments : calls) {
+    for (std::vector<std::string>& arguments : argumentLists) {
         launches.push_back({.launchPath = gitPath(),
                             .arguments = arguments,
                             .currentDirectoryPath = surroundings.folder,
@@ -67,13 +67,14 @@ ChildOutcome runGits(ChildProcess& process, const Trace& trace,
                             .currentDirectoryPath = surroundings.folder,
                             .pipeTo = nullptr});
     }
-    std::vector<std::optional<std::size_t>> numbers(commands.size());
-    std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
-        process, launches,
-        {.started = [&](std::size_t index) { numbers[index] = trace.started(commands[index]); }});
+    std::vector<std::optional<std::size_t>> traceNumbers(commands.size());
+    std::vector<ChildOutcome> outcomes =
+        NEBSourceControlRunChildren(process, launches, {.started = [&](std::size_t index) {
+                                        traceNumbers[index] = trace.started(commands[index]);
+                                    }});
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        if (numbers[i]) {
-            trace.ended(*numbers[i], outcomes[i].status, outcomes[i].duration);
+        if (traceNumbers[i]) {
+            trace.ended(*traceNumbers[i], outcomes[i].status, outcomes[i].duration);
         }
     }
     return std::move(outcomes.back());
@@ -83,11 +84,11 @@ std::optional<std::string> answerOf(const ChildOutcome& outcome) {
     if (!outcome.status.isSuccess() || outcome.output.empty()) {
         return std::nullopt;
     }
-    std::string answer(outcome.output);
-    if (answer.ends_with('\n')) {
-        answer.pop_back();
+    std::string output(outcome.output);
+    if (output.ends_with('\n')) {
+        output.pop_back();
     }
-    return answer;
+    return output;
 }
 
 std::string reasonOf(const ChildOutcome& outcome) {

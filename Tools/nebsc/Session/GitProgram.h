@@ -1,4 +1,4 @@
-// GitProgram.h - the few questions that nebsc itself has for git.
+// GitProgram.h - functions that run git for nebsc itself, outside operations.
 #pragma once
 
 #include <optional>
@@ -16,45 +16,45 @@ namespace neb::nebsc {
 /// Returns the path of the git that operations run.
 [[nodiscard]] std::string gitPath();
 
-/// Runs git, in the same surroundings as an operation's, in the folder (absent: nebsc's own). A
-/// signal ends it.
+/// Runs git in the folder (absent: the current one), with the environment that operations use. A
+/// signal to nebsc ends it.
 [[nodiscard]] ChildOutcome runGit(Interruption& interruption, const Trace& trace,
                                   std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
-/// The same; whoever has the process can cancel it.
+/// The same, but `process` can be cancelled from another thread.
 [[nodiscard]] ChildOutcome runGit(ChildProcess& process, const Trace& trace,
                                   std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
-/// What surrounds a git process, beside what surrounds that of every operation.
+/// The folder, the environment and the traits of a git process.
 struct GitSurroundings {
-    /// Absent: nebsc's own.
+    /// Absent: the current folder.
     std::optional<std::string> folder{};
-    /// "NAME=value", in place of what the environment says.
+    /// Environment variables to set or replace, each "NAME=value".
     std::vector<std::string> variables{};
     NEBSourceControlChildTraits traits{};
 };
 
-/// Runs git once for each list of arguments, at the same time, each output piped into the next
-/// one. Returns the outcome of the last.
+/// Runs one git process for each list of arguments, all at the same time, as a pipeline. Returns
+/// the outcome of the last process.
 [[nodiscard]] ChildOutcome runGits(ChildProcess& process, const Trace& trace,
-                                   std::vector<std::vector<std::string>> calls,
+                                   std::vector<std::vector<std::string>> argumentLists,
                                    const GitSurroundings& surroundings);
 
-/// The output of a git that succeeded, without the line end; nothing when it failed or was silent.
+/// Returns the output of git without its last line end; absent if git failed or printed nothing.
 [[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
 
-/// The reason that a failed git gave, on one line and without "fatal: ": its first line with that
-/// prefix, else its first line, else how it ended. The lines on which git continues it are
-/// appended: "unknown repository extensions found: foo, bar".
+/// Returns the reason for a failure of git, on one line and without "fatal: ": the first line of
+/// stderr with that prefix, else the first line of stderr, else how the process ended. Continuation
+/// lines are appended: "unknown repository extensions found: foo, bar".
 [[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);
 
-/// The texts of an output made with "-z": a NUL byte ends each.
+/// Splits output that git wrote with "-z", where a NUL byte ends each entry.
 [[nodiscard]] std::vector<std::string> textsBetweenNULs(std::string_view bytes);
 
-/// The top of the working copy in which the folder lies, as git writes it; nothing when it lies in
-/// none or git cannot tell.
+/// Returns the top folder of the working copy that contains the folder, as git prints it; absent if
+/// there is no working copy or git fails.
 [[nodiscard]] std::optional<std::string> workingCopyTop(Interruption& interruption,
                                                         const Trace& trace,
                                                         const std::string& folder);

@@ -8,13 +8,13 @@ namespace neb::nebsc {
 
 namespace {
 
-/// What is used of git, and since when there is that.
+/// A feature of git, and the version that introduced it.
 struct Feature {
     GitVersion since;
     std::string_view name;
 };
 
-/// The latest at the end.
+/// In the order of versions; oldestGitWithAllFeatures() returns the last one.
 constexpr std::array<Feature, 4> features{{
     {{2, 24}, "'--end-of-options', which keeps names from being options"},
     {{2, 26}, "the origin of each setting"},

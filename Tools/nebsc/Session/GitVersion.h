@@ -1,4 +1,4 @@
-// GitVersion.h - which git is installed, and what of it is used here.
+// GitVersion.h - the version of git, and the features that nebsc and the plug-in need from it.
 #pragma once
 
 #include <optional>
@@ -8,26 +8,27 @@
 
 namespace neb::nebsc {
 
+/// The first two numbers of a version of git.
 struct GitVersion {
     int major = 0;
     int minor = 0;
 
-    /// "2.39"
+    /// Returns the version as text: "2.39".
     [[nodiscard]] std::string text() const;
 };
 
-/// The version in what "git --version" prints; absent for what is no version of git.
+/// Returns the version in the output of "git --version"; absent if the output has another form.
 [[nodiscard]] std::optional<GitVersion> gitVersionIn(std::string_view text);
 
-/// What is used here and a git of this version does not have, each in words; none is the rule.
+/// Returns a description of each feature that is used here and that this version does not have.
 [[nodiscard]] std::vector<std::string_view> featuresMissingIn(const GitVersion& version);
 
-/// The oldest version that has all that is used here.
+/// Returns the oldest version that has all features that are used here.
 [[nodiscard]] GitVersion oldestGitWithAllFeatures();
 
-/// Whether a git of this version has "merge-tree --write-tree --no-messages", and the oldest that
-/// does.
+/// Returns whether this version supports "merge-tree --write-tree --no-messages".
 [[nodiscard]] bool canMergeInMemory(const GitVersion& version);
+/// Returns the oldest version for which canMergeInMemory() is true.
 [[nodiscard]] GitVersion oldestGitThatMergesInMemory();
 
 }  // namespace neb::nebsc

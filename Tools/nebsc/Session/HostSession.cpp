@@ -30,8 +30,8 @@ bool hasFailed(const Outcome& outcome) {
            outcome.commands.back().terminationStatus != 0;
 }
 
-/// Whether a clone that failed is whole but for submodules, which the outcome names then. The clone
-/// is kept: what has come need not come again.
+/// Returns whether a failed clone lacks only submodules, and names them in the outcome. Such a
+/// clone is kept, so that its data need not be received again.
 bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trace& trace) {
     if (outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass) {
         return false;
@@ -47,7 +47,7 @@ bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trac
     outcome.leftFolder =
         "The clone " + inQuotes(folder) + " is kept; it lacks the " +
         (missing.size() == 1 ? "submodule" : "submodules") + names +
-        // --force: git has cloned some without their files, and would take these for deleted.
+        // --force: some submodules are cloned without files, which git would treat as deleted.
         ". To get what is missing, run 'git submodule update --init --recursive --force' in it.";
     if (outcome.error) {
         outcome.error->files = missing;
@@ -55,7 +55,7 @@ bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trac
     return true;
 }
 
-/// git runs in the folder into which it clones.
+/// The destination must exist because git runs in it.
 void runClone(NEBSourceControlOperation& operation, const std::string& destination,
               const HostSession::Runner& run, const Trace& trace, Outcome& outcome) {
     MissingFolder folder(destination);
@@ -94,7 +94,7 @@ RequestResult HostSession::perform(
     Outcome outcome;
     outcome.type = request->type;
     try {
-        if (auto refused = askAndRun(request, run, replacement, outcome)) {
+        if (auto refused = validateAndRun(request, run, replacement, outcome)) {
             return {std::nullopt, std::move(refused)};
         }
     } catch (...) {
@@ -115,7 +115,7 @@ Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner
     return outcome;
 }
 
-std::optional<NEBSourceControlArgumentInjection> HostSession::askAndRun(
+std::optional<NEBSourceControlArgumentInjection> HostSession::validateAndRun(
     const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
     const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const {
     outcome.authenticationRequired = _controller->authenticationRequiredForRequest(*request);

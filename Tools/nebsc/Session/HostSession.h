@@ -1,15 +1,11 @@
-// HostSession.h - takes requests the way a host does: the question of authentication, validation,
-// the look for values that git would take for options, the operation, its run.
+// HostSession.h - performs requests as a host does: asks whether authentication is required,
+// validates the request, rejects values that git would read as options, and creates and runs the
+// operation.
 //
 //     HostSession session(plugIn.makePrincipalClass());
-//     const RequestResult requestResult = session.perform(request, [](NEBSourceControlOperation&
-//     work)
-//     {
-//         work.start();
-//     });
+//     const RequestResult requestResult = session.perform(
+//         request, [](NEBSourceControlOperation& operation) { operation.start(); });
 //     requestResult.outcome->result;
-//
-// From any thread, several at once. Nothing is printed.
 #pragma once
 
 #include <functional>
@@ -23,16 +19,18 @@
 
 namespace neb::nebsc {
 
-/// What came of a request: the one or the other.
+/// The result of a request: exactly one of the two members is present.
 struct RequestResult {
     std::optional<Outcome> outcome;
-    /// A value for whose sake the request was refused, before an operation was made.
+    /// The value because of which the request was refused. No operation was created.
     std::optional<NEBSourceControlArgumentInjection> refusedValue;
 };
 
+/// Performs requests with the plug-in's principal class. Thread-safe; several requests can run at
+/// the same time. Prints nothing but the trace.
 class HostSession {
 public:
-    /// Runs an operation to its end: start(), and whatever belongs around it.
+    /// Runs an operation until it ends: calls start() and does what must surround it.
     using Runner = std::function<void(NEBSourceControlOperation&)>;
 
     /// Takes the plug-in's principal class; null for a session that performs no requests. If the
@@ -41,31 +39,33 @@ public:
                          bool isTraced = false)
         : _controller(std::move(controller)), _trace(isTraced) {}
 
-    /// Carries the request out. Without a runner the operation is made and not run. A type for
-    /// which the plug-in has no operation is an error of the class "request-invalid". What the
-    /// plug-in throws is the outcome's error, without a result.
+    /// Performs the request. If `run` is empty, the operation is created but not run. A type for
+    /// which the plug-in has no operation is an error of the class "request-invalid". An exception
+    /// of the plug-in becomes the outcome's error, without a result.
     ///
-    /// A clone needs its destination to be there: where it is missing it is made, with the folders
-    /// on the way, before the operation runs, and removed again when that fails or is cancelled. A
-    /// destination that was there is never removed, nor is a clone that lacks nothing but
-    /// submodules.
+    /// The destination of a clone must exist when the operation runs. If it is missing, it is
+    /// created first, with its parent folders, and removed again if the clone fails or is
+    /// cancelled. A destination that existed before is never removed, and neither is a clone that
+    /// lacks only submodules.
     ///
-    /// `replacement`, unless absent, is run in place of the plug-in's operation, once the request
-    /// is valid and holds no value that git would take for an option.
+    /// `replacement` may be null. Otherwise it runs instead of the plug-in's operation, after the
+    /// same checks of the request.
     [[nodiscard]] RequestResult perform(
         const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr) const;
 
-    /// Runs an operation of nebsc's own, in which the plug-in has no part.
+    /// Runs an operation that nebsc implements itself, without the plug-in.
     [[nodiscard]] Outcome carryOut(NEBSourceControlOperation& operation, const Runner& run) const;
 
+    /// Must not be called if the session has no principal class.
     [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }
-    /// For children that are no part of an operation.
+    /// Returns the trace, for child processes that do not belong to an operation.
     [[nodiscard]] const Trace& trace() const { return _trace; }
 
 private:
-    /// Fills in the outcome. Returns the value for whose sake the request is refused.
-    [[nodiscard]] std::optional<NEBSourceControlArgumentInjection> askAndRun(
+    /// Fills in the outcome. Returns the value because of which the request is refused; absent if
+    /// it is not refused.
+    [[nodiscard]] std::optional<NEBSourceControlArgumentInjection> validateAndRun(
         const std::shared_ptr<NEBSourceControlRequest>& request, const Runner& run,
         const std::shared_ptr<NEBSourceControlOperation>& replacement, Outcome& outcome) const;
 

@@ -8,7 +8,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// What ends the watcher. It is sent to that thread alone; to nebsc it means what it always does.
+/// Ends the watcher thread. It is sent only to that thread; in all others it keeps its action.
 constexpr int endOfWatch = SIGUSR1;
 
 bool isIgnored(int signalNumber) {
@@ -50,11 +50,11 @@ void Interruption::watch() {
     ::sigaddset(&awaited, endOfWatch);
     int signalNumber = 0;
     while (::sigwait(&awaited, &signalNumber) == 0 && signalNumber != endOfWatch) {
-        take(signalNumber);
+        handleSignal(signalNumber);
     }
 }
 
-void Interruption::take(int signalNumber) {
+void Interruption::handleSignal(int signalNumber) {
     const MutexLock lock(_mutex);
     if (!_signalNumber) {
         _signalNumber = signalNumber;

@@ -1,20 +1,20 @@
-// Interruption.h - lets a signal end the running work in good order.
+// Interruption.h - clean cancellation of the running work by a signal.
 //
-// A git that runs leads a session of its own, so Ctrl-C at the terminal reaches nebsc alone. While
-// an object of this class lives, SIGINT, SIGTERM and SIGHUP cancel the work instead of ending
-// nebsc, which then waits for the work and leaves nothing behind. A signal that the process ignores
-// (as under nohup) stays ignored.
+// Each git process runs in a session of its own, so Ctrl-C at the terminal reaches only nebsc.
+// While an Interruption exists, SIGINT, SIGTERM and SIGHUP cancel the work instead of ending nebsc;
+// nebsc then waits until the work has cleaned up. A signal that the process ignores (as under
+// nohup) stays ignored.
 //
 //     Interruption interruption;
 //     {
 //         const Interruption::Work work(interruption, [&] { operation.cancel(); });
 //         operation.start();
 //     }
-//     interruption.end();   // the signal, when one came; from here on the next one ends nebsc
+//     interruption.end();   // returns the signal, if any; later signals end nebsc as usual
 //
-// No handler runs: the signals are blocked, and one thread waits for them. So the object is made on
-// the main thread before any other thread that does not block them. One object at a time. Signals
-// keep their default where the system has no thread to give.
+// There is no signal handler: the signals are blocked, and one thread waits for them. Therefore,
+// create the object on the main thread before any thread that does not block the signals. If the
+// thread cannot be started, the signals keep their default action.
 #pragma once
 
 #include <signal.h>
@@ -27,43 +27,45 @@
 
 namespace neb::nebsc {
 
+/// Cancels work when a signal arrives. Only one object may exist at a time.
 class Interruption {
 public:
     Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
+    /// Calls end().
     ~Interruption();
 
-    /// Work that can be cancelled, for as long as the object lives. One at a time.
+    /// Makes work cancellable while the object exists. Only one object may exist at a time.
     class Work {
     public:
-        /// `cancel` is called on another thread as soon as a signal comes, and at once when one has
-        /// come before. It must not block.
+        /// Calls `cancel` on another thread for each signal that arrives, and immediately, on this
+        /// thread, if one has arrived before. `cancel` must not block.
         Work(Interruption& interruption, std::function<void()> cancel);
         Work(const Work&) = delete;
         Work& operator=(const Work&) = delete;
-        /// Afterwards `cancel` is not called any more.
+        /// Waits for a running `cancel`; it is not called afterwards.
         ~Work();
 
     private:
         Interruption& _interruption;
     };
 
-    /// The first signal that came; absent as a rule. From any thread.
+    /// Returns the first signal that arrived; absent if there was none. Thread-safe.
     [[nodiscard]] std::optional<int> signalNumber() const;
 
-    /// Gives the signals back what they did before, and answers the first one that came until then.
-    /// From the thread that made the object, once the work is done.
+    /// Restores the former signal mask. Returns the first signal that arrived; absent if there was
+    /// none. Must be called on the thread that created the object, after the work has ended.
     std::optional<int> end();
 
 private:
     void watch();
-    void take(int signalNumber);
+    void handleSignal(int signalNumber);
 
     mutable Mutex _mutex;
     std::function<void()> _cancel NEB_GUARDED_BY(_mutex);
     std::optional<int> _signalNumber NEB_GUARDED_BY(_mutex);
-    sigset_t _signals{};  // those that are waited for
+    sigset_t _signals{};  // the signals that are handled
     sigset_t _formerMask{};
     std::thread _watcher;
 };

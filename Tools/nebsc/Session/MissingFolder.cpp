@@ -27,7 +27,7 @@ std::optional<FileFailure> MissingFolder::make() {
         if (name.empty() || fs::exists(fs::symlink_status(folder, failure))) {
             continue;
         }
-        // False where somebody else was faster: then it is not ours to remove.
+        // False if another process created the folder meanwhile; then it must not be removed.
         if (fs::create_directory(folder, failure)) {
             _made.push_back(folder);
         }

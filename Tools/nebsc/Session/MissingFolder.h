@@ -1,9 +1,9 @@
-// MissingFolder.h - makes a folder for work that needs one, and takes it back when the work fails.
+// MissingFolder.h - a folder that is created for work and removed if the work fails.
 //
 //     MissingFolder folder("/home/me/new/demo");
 //     if (const auto failure = folder.make()) { … }
 //     …
-//     folder.keep();   // without this, what was made is removed again with the object
+//     folder.keep();   // without this, the destructor removes what was created
 #pragma once
 
 #include <filesystem>
@@ -15,36 +15,38 @@
 
 namespace neb::nebsc {
 
-/// Of one thread at a time.
+/// Creates a folder with its parents, and removes them again unless keep() is called. Not
+/// thread-safe.
 class MissingFolder {
 public:
     /// Takes an absolute path.
     explicit MissingFolder(std::string path) : _path(std::move(path)) {}
     MissingFolder(const MissingFolder&) = delete;
     MissingFolder& operator=(const MissingFolder&) = delete;
+    /// Calls removeAgain() and ignores failures.
     ~MissingFolder() { static_cast<void>(removeAgain()); }
 
-    /// Makes the folder, and those on the way to it, where nothing is yet. What is there already,
-    /// whatever it is, is left to whoever uses it.
+    /// Creates the folder and its parents where nothing exists. Leaves existing files and folders
+    /// alone: a file at the path is not a failure here. Returns the failure, if any.
     [[nodiscard]] std::optional<FileFailure> make();
-    /// Leaves everything where it is.
+    /// Makes removeAgain() and the destructor do nothing.
     void keep() {
         _made.clear();
         _wasEmpty = false;
     }
-    /// Removes the folder that was made, with all that is in it by now, and those on the way to it
-    /// as far as they are empty; empties the folder again that was there and empty. Anything else
-    /// that make() found stays untouched.
+    /// Removes the folder if make() created it, with its contents, and the parents that make()
+    /// created if they are empty. If the folder existed and was empty, removes only its contents.
+    /// Leaves everything else alone. Returns the first failure, if any.
     [[nodiscard]] std::optional<FileFailure> removeAgain();
 
 private:
-    /// The path without a "/" at its end.
+    /// Returns the path without a "/" at its end.
     [[nodiscard]] std::filesystem::path target() const;
 
     std::filesystem::path _path;
-    /// What make() made, outermost first.
+    /// The folders that make() created, outermost first.
     std::vector<std::filesystem::path> _made;
-    /// Whether make() found the folder, and nothing in it.
+    /// Whether the folder existed and was empty before make().
     bool _wasEmpty = false;
 };
 

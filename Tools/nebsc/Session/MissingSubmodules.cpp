@@ -17,14 +17,15 @@ ChildOutcome run(const Trace& trace, const std::string& folder,
     return runGit(process, trace, std::move(arguments), folder);
 }
 
-/// The output of a git in the folder; empty when it failed.
+/// Returns the output of git in the folder; empty if it fails.
 std::string outputOf(const Trace& trace, const std::string& folder,
                      std::vector<std::string> arguments) {
     const ChildOutcome outcome = run(trace, folder, std::move(arguments));
     return outcome.status.isSuccess() ? std::string(outcome.output) : std::string();
 }
 
-/// Reads "160000 COMMIT STAGE\tPATH" of git-ls-files(1): the commits by path.
+/// Returns the commits of the submodules by path, from "160000 COMMIT STAGE\tPATH" of
+/// git-ls-files(1).
 std::map<std::string, std::string> submodulesInIndex(const Trace& trace,
                                                      const std::string& folder) {
     constexpr std::string_view mode = "160000 ";
@@ -40,8 +41,9 @@ std::map<std::string, std::string> submodulesInIndex(const Trace& trace,
     return commits;
 }
 
-/// Reads "submodule.NAME.path\nPATH" of git-config(1). git clones no other submodules.
-std::set<std::string> submodulesWithName(const Trace& trace, const std::string& folder) {
+/// Returns the paths in .gitmodules, from "submodule.NAME.path\nPATH" of git-config(1). git clones
+/// only these submodules.
+std::set<std::string> submodulesInGitmodules(const Trace& trace, const std::string& folder) {
     std::set<std::string> paths;
     for (const std::string& entry :
          textsBetweenNULs(outputOf(trace, folder,
@@ -56,26 +58,26 @@ std::set<std::string> submodulesWithName(const Trace& trace, const std::string& 
 
 std::vector<std::string> missingSubmodules(const Trace& trace, const std::string& folder) {
     std::vector<std::string> missing;
-    // Without it, git would look at a repository further up.
+    // Without this check, git would use a repository in a parent folder.
     if (!isAnythingAt(pathByAppendingComponent(folder, ".git"))) {
         return missing;
     }
-    const std::set<std::string> named = submodulesWithName(trace, folder);
+    const std::set<std::string> configured = submodulesInGitmodules(trace, folder);
     for (const auto& [path, commit] : submodulesInIndex(trace, folder)) {
-        if (!named.contains(path)) {
+        if (!configured.contains(path)) {
             continue;
         }
         const std::string submodule = pathByAppendingComponent(folder, path);
-        // git clones all of them before it checks any out, so a clone alone says nothing.
-        const bool isThere =
+        // git clones all submodules before it checks out any, so check the files as well.
+        const bool isCheckedOut =
             isAnythingAt(pathByAppendingComponent(submodule, ".git")) &&
             run(trace, submodule, {"diff-index", "--cached", "--quiet", commit}).status.isSuccess();
-        if (!isThere) {
+        if (!isCheckedOut) {
             missing.push_back(path);
             continue;
         }
-        for (const std::string& inner : missingSubmodules(trace, submodule)) {
-            missing.push_back(pathByAppendingComponent(path, inner));
+        for (const std::string& nested : missingSubmodules(trace, submodule)) {
+            missing.push_back(pathByAppendingComponent(path, nested));
         }
     }
     return missing;

@@ -1,4 +1,4 @@
-// MissingSubmodules.h - what a clone lacks whose submodules could not all be cloned.
+// MissingSubmodules.h - the submodules that a clone could not get.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace neb::nebsc {
 
-/// The submodules that .gitmodules names and the index has, and that are not checked out at the
-/// index's commit; those of submodules too. Paths from the top of the working copy. Empty where
-/// `folder` is not the top of a working copy, or git could not check out all files of it. Runs git
-/// some times, briefly. Thread-safe.
+/// Returns the submodules that are in .gitmodules and in the index but are not checked out at the
+/// commit of the index, including nested ones, as paths relative to `folder`. Returns an empty list
+/// if `folder` is not the top of a working copy, or if git could not check out all its files. Runs
+/// several short git commands. Thread-safe.
 [[nodiscard]] std::vector<std::string> missingSubmodules(const Trace& trace,
                                                          const std::string& folder);
 

@@ -11,7 +11,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Where the repository is that the request works in; empty where nobody says so.
+/// Returns the folder of the repository that the request uses; empty if the request has none.
 std::string folderOf(const NEBSourceControlRequest& request) {
     if (NEBSourceControlDescriptionOfRequestType(request.type).worksInDestination) {
         return std::string(request.destination.string().value_or(""));
@@ -29,10 +29,10 @@ void cancelOperation(NEBSourceControlOperation& operation) {
     }
 }
 
-HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndicator& sign) {
-    return [&interruption, &sign](NEBSourceControlOperation& operation) {
+HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndicator& indicator) {
+    return [&interruption, &indicator](NEBSourceControlOperation& operation) {
         PackReceiveProgress pack(folderOf(*operation.request()));
-        const ProgressIndicator::Count count(sign, [&operation, &pack] {
+        const ProgressIndicator::Count count(indicator, [&operation, &pack] {
             return operation.commandLog()->receivedBytes() + pack.bytes();
         });
         const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
@@ -53,14 +53,14 @@ void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome) {
     if (revisions.empty()) {
         return;
     }
-    const std::string which =
+    const std::string subject =
         revisions.size() == 1 ? "One commit is" : std::to_string(revisions.size()) + " commits are";
     output.standardError += complaint(
-        which + " left out, because the author, the e-mail address or the message is not UTF-8:");
-    constexpr std::size_t inOneLine = 5;
+        subject + " left out, because the author, the e-mail address or the message is not UTF-8:");
+    constexpr std::size_t perLine = 5;
     for (std::size_t i = 0; i < revisions.size(); ++i) {
-        const bool isLastInLine = i % inOneLine == inOneLine - 1 || i + 1 == revisions.size();
-        output.standardError += (i % inOneLine == 0 ? "    " : " ") + printable(revisions[i]) +
+        const bool isLastInLine = i % perLine == perLine - 1 || i + 1 == revisions.size();
+        output.standardError += (i % perLine == 0 ? "    " : " ") + printable(revisions[i]) +
                                 (isLastInLine ? "\n" : "");
     }
 }

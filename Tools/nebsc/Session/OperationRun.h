@@ -1,4 +1,5 @@
-// OperationRun.h - what every command that runs an operation does around it.
+// OperationRun.h - the steps that surround every run of an operation: cancellation, progress,
+// warnings.
 #pragma once
 
 #include "Session/HostSession.h"
@@ -8,28 +9,29 @@
 
 namespace neb::nebsc {
 
-/// Cancels the operation, which then ends in its own time, whatever the plug-in throws meanwhile.
-/// Thread-safe.
+/// Cancels the operation and returns without waiting for its end. Ignores exceptions of the
+/// plug-in. Thread-safe.
 void cancelOperation(NEBSourceControlOperation& operation);
 
-/// Runs an operation on the calling thread; a signal cancels it, and the sign that it is alive
-/// tells how much has come. The interruption and the sign must outlive the runner.
+/// Returns a function that runs an operation on the calling thread. A signal cancels the operation,
+/// and the progress indicator shows how many bytes git has received. `interruption` and `indicator`
+/// must outlive the function.
 [[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption,
-                                                      ProgressIndicator& sign);
+                                                      ProgressIndicator& indicator);
 
-/// Tells of broken preconditions, when there were any.
+/// Adds a warning for each failed assertion.
 void noteReports(CommandOutput& output, const Outcome& outcome);
 
-/// Names the commits that the result leaves out, when there are any.
+/// Adds a warning that lists the commits missing in the result, if any.
 void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome);
 
-/// Tells of a folder that is left after a failure, when there is one.
+/// Adds a warning if a folder remains after a failure.
 void noteLeftFolder(CommandOutput& output, const Outcome& outcome);
 
-/// Says that output may be missing, when it may.
+/// Adds a warning if output of git may be missing.
 void noteHeldOutput(CommandOutput& output, const Outcome& outcome);
 
-/// When a signal came, it alone is what standard error and the exit status tell.
+/// If a signal arrived, makes it the only message on standard error and sets the exit status.
 void noteInterruption(CommandOutput& output, std::optional<int> signalNumber);
 
 }  // namespace neb::nebsc

@@ -1,4 +1,4 @@
-// Outcome.h - all that came of one request.
+// Outcome.h - everything that one request produced: result, error, commands, reports.
 #pragma once
 
 #include <cstdint>
@@ -13,40 +13,41 @@
 
 namespace neb::nebsc {
 
-/// The conflicts of a merge that it settled by keeping one side.
+/// The conflicts that a merge resolved by keeping one side.
 struct SettledConflicts {
-    /// The files, from the top; absent where they could not be found out.
+    /// The files, relative to the top of the working copy; absent if git failed to list them.
     std::optional<std::vector<std::string>> files;
-    /// The reason if they could not, as part of a sentence; else empty.
+    /// Why `files` is absent, as part of a sentence; empty if it is present.
     std::string failure;
 };
 
+/// The outcome of one request.
 struct Outcome {
-    /// Absent where no request was made.
+    /// Absent if no request was made.
     std::optional<std::int32_t> type;
     bool authenticationRequired = false;
-    /// What the plug-in's validation said. When it refused, there is no operation, and the reason
-    /// is the error.
+    /// Whether the plug-in accepted the request. If not, there is no operation, and `error` is the
+    /// reason.
     bool valid = false;
-    /// The class's name; absent when no operation was made; the error then says why.
+    /// The class name; absent if no operation was created, for the reason in `error`.
     std::optional<std::string> operation;
-    /// What the operation was built to run; absent for one that runs other operations.
+    /// The command that the operation runs; absent if it runs other operations instead.
     std::optional<NEBSourceControlCommand> command;
-    /// The children that ran, in the order in which they were started.
+    /// The child processes that ran, in the order of their start.
     std::vector<NEBSourceControlCommandRun> commands;
     /// The failed assertions, in order.
     std::vector<LOMAssertionReport> reports;
     std::optional<NEBSourceControlResult> result;
-    /// The commits that the result leaves out; see NEBSourceControlOperation.
+    /// The commits that are missing in the result; see NEBSourceControlOperation.
     std::vector<std::string> omittedRevisions;
     std::optional<NEBSourceControlError> error;
-    /// Whether a left-over process still held the child's output open, so that more may have been
-    /// written than was read.
+    /// Whether a lingering process still held the child's output open, so that output may be
+    /// missing.
     bool outputWasHeldOpen = false;
-    /// Why a folder that had been made for the operation is still there after its failure, and what
-    /// to do about it. Empty as a rule.
+    /// Why a folder that was created for the operation remains after a failure, and what to do
+    /// about it. Empty if no folder remains.
     std::string leftFolder;
-    /// Absent unless the command merges, and has, or has stopped before the commit.
+    /// Absent unless the command is a merge that has merged or stopped before the commit.
     std::optional<SettledConflicts> settledConflicts;
 };
 

@@ -1,6 +1,6 @@
-// PackReceiveProgress.h - how much a git that fetches or clones has received so far. It says
-// nothing about that but to a terminal; what came, however, it keeps in a file of its own until it
-// is whole.
+// PackReceiveProgress.h - the number of bytes that a fetch or clone has received so far. git
+// reports it only to a terminal, so it is measured by the size of the temporary file that git
+// writes.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,14 @@
 
 namespace neb::nebsc {
 
-/// Of one thread at a time.
+/// Measures the pack data received into a repository. Not thread-safe.
 class PackReceiveProgress {
 public:
-    /// `folder` is the top of a working copy or a bare repository; it need not be there yet. What
-    /// an earlier git has left there does not count.
+    /// `folder` is the top of a working copy or a bare repository; it need not exist yet. Temporary
+    /// files of earlier git processes do not count.
     explicit PackReceiveProgress(const std::string& folder);
 
-    /// The most that there was at any time; 0 where git keeps what comes elsewhere.
+    /// Returns the largest number of bytes seen so far; 0 if git stores the data elsewhere.
     [[nodiscard]] std::uint64_t bytes();
 
 private:
@@ -23,7 +23,7 @@ private:
 
     std::string _folder;
     std::uint64_t _bytesBefore;
-    std::uint64_t _most = 0;
+    std::uint64_t _maximum = 0;
 };
 
 }  // namespace neb::nebsc

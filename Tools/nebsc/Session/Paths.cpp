@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// With a "/" at the end, a symbolic link would be followed.
+/// With a "/" at the end, the system would follow a symbolic link.
 fs::path withoutTrailingSlashes(std::string path) {
     while (path.size() > 1 && path.ends_with('/')) {
         path.pop_back();

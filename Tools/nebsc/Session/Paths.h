@@ -1,4 +1,5 @@
-// Paths.h - the current folder, and what the paths that a person types stand for.
+// Paths.h - the current folder, and absolute paths for the paths on the command line. Every
+// function is thread-safe while the current folder does not change.
 #pragma once
 
 #include <optional>
@@ -6,7 +7,7 @@
 
 namespace neb::nebsc {
 
-/// A path, or why it cannot be found.
+/// A path, or the reason why it cannot be found.
 struct PathSearch {
     std::optional<std::string> path;
     /// One sentence; empty if there is a path.
@@ -16,18 +17,18 @@ struct PathSearch {
 /// Returns the absolute path of the current folder, without symbolic links.
 [[nodiscard]] PathSearch findCurrentFolder();
 
-/// Returns the absolute path of `path`, which need not exist. Follows the symbolic links on the way
-/// to it, as git does, but not the last component. Drops a "/" at the end.
+/// Returns the absolute path of `path`, which need not exist. Resolves symbolic links in all
+/// components but the last, as git does. Removes a "/" at the end.
 [[nodiscard]] PathSearch findAbsolutePath(const std::string& currentFolder,
                                           const std::string& path);
 
-/// Returns whether anything is at the path, including a symbolic link that leads nowhere.
+/// Returns whether anything exists at the path, including a dangling symbolic link.
 [[nodiscard]] bool isAnythingAt(const std::string& path);
 
-/// Returns whether the path leads to a folder. Follows symbolic links.
+/// Returns whether the path is a folder or a symbolic link to one.
 [[nodiscard]] bool isFolder(const std::string& path);
 
-/// Returns whether the path itself is a folder. Does not follow a symbolic link.
+/// Returns whether the path is a folder. Does not follow a symbolic link.
 [[nodiscard]] bool isFolderItself(const std::string& path);
 
 }  // namespace neb::nebsc

@@ -1,4 +1,4 @@
-// PlugInFile.h - the file of the plug-in and the result of loading it.
+// PlugInFile.h - the path of the plug-in and the result of loading it.
 #pragma once
 
 #include <string>
@@ -7,6 +7,7 @@
 
 namespace neb::nebsc {
 
+/// A plug-in that nebsc has loaded or failed to load.
 struct PlugInFile {
     std::string path;
     NEBSourceControlPlugInLoad load;

@@ -11,14 +11,14 @@ namespace fs = std::filesystem;
 std::string defaultPlugInPath() {
     std::error_code failure;
     const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
-    const std::array places{
+    const std::array candidates{
         (folder / NEBSC_INSTALLED_PLUGIN).lexically_normal(),
         folder.parent_path() / "lib" / "NEBGit.so",  // in a build folder
         folder / "NEBGit.so",
     };
-    const auto* const place = std::ranges::find_if(
-        places, [&failure](const fs::path& path) { return fs::exists(path, failure); });
-    return place == places.end() ? places.front() : *place;
+    const auto* const found = std::ranges::find_if(
+        candidates, [&failure](const fs::path& path) { return fs::exists(path, failure); });
+    return found == candidates.end() ? candidates.front() : *found;
 }
 
 }  // namespace neb::nebsc

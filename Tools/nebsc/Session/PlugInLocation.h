@@ -1,13 +1,14 @@
-// PlugInLocation.h - where the plug-in is when nobody says so.
+// PlugInLocation.h - the default path of the plug-in.
 #pragma once
 
 #include <string>
 
 namespace neb::nebsc {
 
-/// NEBGit.so where an installation has it ("lib/nebgit" beside the program's own folder), or else
-/// where a build has it ("lib" there), or else in the program's folder itself. When it is in none
-/// of them, the path in an installation, so that the load that fails names where it was expected.
+/// Returns the first path at which NEBGit.so exists: in an installation ("lib/nebgit" next to the
+/// program's folder), in a build folder ("lib" next to it), or in the program's folder. If it
+/// exists at none of them, returns the path in an installation, so that the error names the
+/// expected location. Thread-safe.
 [[nodiscard]] std::string defaultPlugInPath();
 
 }  // namespace neb::nebsc

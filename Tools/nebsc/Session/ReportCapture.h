@@ -1,8 +1,4 @@
-// ReportCapture.h - collects the assertion reports that a thread, and the operations made on it,
-// make while it lives.
-//
-// Several captures may live at once, each on a thread of its own. The operations must have ended
-// when it goes.
+// ReportCapture.h - a scope that collects assertion reports.
 #pragma once
 
 #include <vector>
@@ -12,7 +8,9 @@
 
 namespace neb::nebsc {
 
-/// Of the thread that makes it, and never two at a time there.
+/// Collects the assertion reports of the thread that creates it, and of the operations created on
+/// that thread, while it exists. A thread can have only one capture at a time; different threads
+/// can have one each. The operations must end before the capture is destroyed.
 class ReportCapture {
 public:
     ReportCapture();
@@ -20,7 +18,7 @@ public:
     ReportCapture& operator=(const ReportCapture&) = delete;
     ~ReportCapture();
 
-    /// Those made so far, in order.
+    /// Returns the reports so far, in order. Thread-safe.
     [[nodiscard]] std::vector<LOMAssertionReport> reports() const;
 
 private:

@@ -1,4 +1,4 @@
-// StartFolder.h - the folder in which nebsc works, where the call names one.
+// StartFolder.h - the option -C, which sets the folder in which nebsc starts.
 #pragma once
 
 #include <optional>
@@ -9,9 +9,10 @@
 
 namespace neb::nebsc {
 
-/// Makes the folders the current one, one after the other, each relative to the one before it; an
-/// empty one changes nothing. Returns a refusal that names the first that cannot be entered.
-/// Changes the whole process: for its start, on the main thread alone.
+/// Changes the current folder to each of the folders in turn; each is relative to the one before.
+/// Ignores an empty string. Returns an error that names the first folder that cannot be entered;
+/// absent on success. Not thread-safe: changes the whole process, so call it before other threads
+/// start.
 [[nodiscard]] std::optional<CommandOutput> enterFolders(std::span<const std::string> folders);
 
 }  // namespace neb::nebsc

@@ -14,13 +14,13 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Nobody is left to tell when standard error cannot be written.
+/// Ignores failures, because there is nowhere to report them.
 void writeLine(std::size_t number, const std::string& text) {
     static_cast<void>(
         writeAll(STDERR_FILENO, "trace " + std::to_string(number) + ": " + text + "\n"));
 }
 
-std::string pastable(const NEBSourceControlCommand& command) {
+std::string shellCommand(const NEBSourceControlCommand& command) {
     std::string line;
     if (command.currentDirectoryPath) {
         line = "cd " + shellQuoted(withoutSecrets(*command.currentDirectoryPath)) + " && ";
@@ -38,7 +38,7 @@ std::size_t Trace::started(const NEBSourceControlCommand& command) const {
     const MutexLock lock(_mutex);
     const std::size_t number = ++_count;
     if (_isOn) {
-        writeLine(number, pastable(command));
+        writeLine(number, shellCommand(command));
     }
     return number;
 }

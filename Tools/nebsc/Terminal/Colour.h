@@ -1,4 +1,4 @@
-// Colour.h - colours of the text on a terminal. Every function is thread-safe.
+// Colour.h - coloured text for terminals. Every function is thread-safe.
 #pragma once
 
 #include <string>
@@ -12,11 +12,11 @@ enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
 /// The values of `--color`.
 enum class Colours { automatic, always, never };
 
-/// Returns whether to colour what is written to the descriptor. `automatic` colours a terminal,
+/// Returns whether to colour the text written to the descriptor. `automatic` colours a terminal
 /// unless TERM is "dumb" or NO_COLOR is set and not empty.
 [[nodiscard]] bool wantsColour(Colours colours, int descriptor);
 
-/// Returns the text between the escape sequences that switch the colour on and off.
+/// Returns the text between the escape sequences that turn the colour on and off.
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour);
 
 }  // namespace neb::nebsc

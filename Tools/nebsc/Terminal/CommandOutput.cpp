@@ -49,22 +49,22 @@ void addFailure(CommandOutput& output, const CommandOutput& failure) {
 
 int deliver(const CommandOutput& output) {
     int exitStatus = output.exitStatus;
-    std::string complaints = output.standardError;
+    std::string errorText = output.standardError;
     bool isShown = false;
     if (output.pager && !output.standardOutput.empty()) {
         isShown = showThroughPager(*output.pager, output.standardOutput);
-        complaints += isShown ? ""
-                              : complaint("The pager " + inQuotes(*output.pager) +
-                                          " could not be started; the output is shown without it.");
+        errorText += isShown ? ""
+                             : complaint("The pager " + inQuotes(*output.pager) +
+                                         " could not be started; the output is shown without it.");
     }
-    const std::string_view unshown = isShown ? std::string_view{} : output.standardOutput;
-    if (const int failure = writeAll(STDOUT_FILENO, unshown); failure != 0) {
-        complaints +=
+    const std::string_view remaining = isShown ? std::string_view{} : output.standardOutput;
+    if (const int failure = writeAll(STDOUT_FILENO, remaining); failure != 0) {
+        errorText +=
             complaint("Standard output could not be written: " + textOfErrno(failure) + ".");
         exitStatus = std::max(exitStatus, exitFailed);
     }
-    // There is nobody left to tell when this fails.
-    static_cast<void>(writeAll(STDERR_FILENO, complaints));
+    // There is nowhere to report a failure of this write.
+    static_cast<void>(writeAll(STDERR_FILENO, errorText));
     return exitStatus;
 }
 

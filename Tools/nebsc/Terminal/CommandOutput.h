@@ -1,4 +1,4 @@
-// CommandOutput.h - what a command has to say, apart from how it gets out.
+// CommandOutput.h - the output of a command, and how it is written.
 #pragma once
 
 #include <optional>
@@ -10,34 +10,37 @@
 
 namespace neb::nebsc {
 
+/// The output and the exit status of a command.
 struct CommandOutput {
-    /// Each with its line ends; empty where there is nothing to say.
+    /// The complete text, with line ends; empty if there is no output.
     std::string standardOutput;
+    /// The same for standard error.
     std::string standardError;
     int exitStatus = exitDone;
-    /// The program, as the shell takes it, through which standard output goes to the terminal.
+    /// The shell command of the pager for standard output; absent if no pager is used.
     std::optional<std::string> pager = std::nullopt;
-    /// What a program is told of the failure, which is not that of an outcome; absent as a rule.
+    /// The failure in the form for --json, if it is not part of an outcome; otherwise absent.
     std::optional<NEBSourceControlError> error = std::nullopt;
 };
 
-/// A reply that is one line on standard error: "nebsc: " and the sentence, made printable. With
-/// exitFailed it has the sentence as an error, too, of the class that the same failure has in the
-/// outcome of a request; "unknown" unless given.
+/// Returns output that is one line on standard error: "nebsc: " and the printable sentence. If the
+/// exit status is exitFailed, `error` is set too: to the sentence, with the error class that the
+/// same failure has in the outcome of a request. An absent class means "unknown".
 [[nodiscard]] CommandOutput refusal(std::string_view sentence, int exitStatus,
                                     std::optional<std::string_view> errorClass = std::nullopt);
 
-/// A reply that tells of an error.
+/// Returns output that reports the error on standard error, with the exit status exitFailed.
 [[nodiscard]] CommandOutput failureWith(const NEBSourceControlError& error);
 
-/// Adds a failure behind what the reply has to say; of several, a program is told the first.
+/// Appends a failure to the output. If there are several, `error` is the first.
 void addFailure(CommandOutput& output, const CommandOutput& failure);
 
-/// The line of such a reply alone.
+/// Returns the line that refusal() writes: "nebsc: " and the printable sentence.
 [[nodiscard]] std::string complaint(std::string_view sentence);
 
-/// Writes the reply, standard output first, and answers the exit status. What cannot be written to
-/// standard output becomes a failure of its own, told on standard error.
+/// Writes the output, standard output first. Returns the exit status. A failure to write to
+/// standard output is reported on standard error and changes a successful exit status to
+/// exitFailed.
 [[nodiscard]] int deliver(const CommandOutput& output);
 
 }  // namespace neb::nebsc

@@ -15,34 +15,34 @@ namespace neb::nebsc {
 
 namespace {
 
-/// What a TAB that begins a line is shown as: git indents the commands that it suggests with one.
+/// The width of a TAB at the start of a line. git indents suggested commands with TABs.
 constexpr std::size_t tabWidth = 4;
 
-/// The lines of the text, its last line end left out; none for a text of blanks.
+/// Returns the printable lines of the text, without blanks at both ends; none if it is blank.
 std::vector<std::string> printableLines(std::string_view text) {
     std::vector<std::string> lines;
     forEachLine(trimmed(text), [&lines](std::string_view line) {
         if (line.ends_with('\r')) {
             line.remove_suffix(1);
         }
-        line.remove_prefix(line.rfind('\r') + 1);  // progress that was written over
+        line.remove_prefix(line.rfind('\r') + 1);  // progress text that git has overwritten
         const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
         lines.push_back(std::string(tabs * tabWidth, ' ') + printable(line.substr(tabs)));
     });
     return lines;
 }
 
-void appendIndented(std::string& lines, const std::vector<std::string>& all) {
-    for (const std::string& line : all) {
-        lines += (line.empty() ? "" : "    ") + line + "\n";
+void appendIndented(std::string& text, const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+        text += (line.empty() ? "" : "    ") + line + "\n";
     }
 }
 
-/// Returns the text without the marks that git puts before its messages.
-std::string_view withoutMarks(std::string_view text) {
-    for (const std::string_view mark : {"fatal: ", "error: ", "fatal: "}) {
-        if (text.starts_with(mark)) {
-            text = trimmed(text.substr(mark.size()));
+/// Returns the text without the prefixes of git's messages.
+std::string_view withoutPrefixes(std::string_view text) {
+    for (const std::string_view prefix : {"fatal: ", "error: ", "fatal: "}) {
+        if (text.starts_with(prefix)) {
+            text = trimmed(text.substr(prefix.size()));
         }
     }
     return text;
@@ -52,25 +52,27 @@ std::string_view withoutMarks(std::string_view text) {
 bool beginsWithOrdinaryWord(std::string_view text) {
     constexpr std::array<std::string_view, 2> names{"Subversion", "Python"};
     const std::string_view word = text.substr(0, text.find_first_of(" ,"));
-    const auto isSmall = [](char character) { return character >= 'a' && character <= 'z'; };
+    const auto isLowerCase = [](char character) { return character >= 'a' && character <= 'z'; };
     return word.size() < text.size() && word.front() >= 'A' && word.front() <= 'Z' &&
-           std::all_of(word.begin() + 1, word.end(), isSmall) &&
+           std::all_of(word.begin() + 1, word.end(), isLowerCase) &&
            std::find(names.begin(), names.end(), word) == names.end();
 }
 
-/// Takes the line out that says what happened: as a rule the first, but where git says before whom
-/// it has talked to, or passes on what the far end said, the first that tells of a failure.
+/// Removes and returns the line that reports the failure. It is the first line, unless that is the
+/// URL of the remote, output of the remote or a warning; then it is the first line with an error
+/// prefix.
 std::string takeSentence(std::vector<std::string>& lines) {
-    const auto begins = [](const std::string& line, std::initializer_list<std::string_view> marks) {
-        return std::any_of(marks.begin(), marks.end(),
-                           [&line](std::string_view mark) { return line.starts_with(mark); });
+    const auto begins = [](const std::string& line,
+                           std::initializer_list<std::string_view> prefixes) {
+        return std::any_of(prefixes.begin(), prefixes.end(),
+                           [&line](std::string_view prefix) { return line.starts_with(prefix); });
     };
     auto sentence = lines.begin();
     if (begins(*sentence, {"From ", "To ", "remote: ", "warning: "})) {
-        const auto telling = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+        const auto failure = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
             return begins(line, {" ! [", "fatal: ", "error: "});
         });
-        sentence = telling == lines.end() ? sentence : telling;
+        sentence = failure == lines.end() ? sentence : failure;
     }
     std::string text{trimmed(*sentence)};
     lines.erase(sentence);
@@ -102,7 +104,7 @@ std::vector<std::string> printableFilesOmittedBy(std::initializer_list<std::stri
 }  // namespace
 
 std::string messageLine(std::string_view sentence) {
-    std::string line(withoutMarks(sentence));
+    std::string line(withoutPrefixes(sentence));
     if (beginsWithOrdinaryWord(line)) {
         line.front() = static_cast<char>(line.front() - 'A' + 'a');
     }
@@ -116,13 +118,13 @@ std::string messageLine(std::string_view sentence) {
 std::string errorLines(const NEBSourceControlError& error) {
     const auto suggestion = error.localizedRecoverySuggestion();
     std::string description = error.localizedDescription().value_or("");
-    std::string words = error.text.value_or("");
+    std::string toolOutput = error.text.value_or("");
     if (suggestion == NEBSourceControlAdviceOfHints(error.hints)) {
         description = NEBSourceControlTextWithoutHints(description);
-        words = NEBSourceControlTextWithoutHints(words);
+        toolOutput = NEBSourceControlTextWithoutHints(toolOutput);
     }
     description = trimmed(description);
-    words = trimmed(words);
+    toolOutput = trimmed(toolOutput);
     if (description.empty()) {
         description = "The operation failed with the error " + std::to_string(error.code) + " of " +
                       error.domain + ".";
@@ -132,15 +134,15 @@ std::string errorLines(const NEBSourceControlError& error) {
     std::string lines = "nebsc: " + message + "\n";
     if (suggestion) {
         for (const std::string& line : printableLines(*suggestion)) {
-            // How git is kept from saying so is none of a person's troubles.
+            // Omit git's note on how to disable the hint.
             lines += line.starts_with("Disable this message with ") ? "" : line + "\n";
         }
     }
     appendIndented(lines, rest);
-    if (description.find(words) == std::string::npos) {
-        appendIndented(lines, printableLines(words));
+    if (description.find(toolOutput) == std::string::npos) {
+        appendIndented(lines, printableLines(toolOutput));
     }
-    appendIndented(lines, printableFilesOmittedBy({description, words}, error));
+    appendIndented(lines, printableFilesOmittedBy({description, toolOutput}, error));
     return lines;
 }
 

@@ -8,15 +8,17 @@
 
 namespace neb::nebsc {
 
-/// Returns a sentence in the form that follows "nebsc: ": without git's "fatal: ", in lower case
-/// unless it begins with a name, and without the full stop of a single sentence.
+/// Returns the sentence in the form that follows "nebsc: ": without git's "fatal: ", with a lower
+/// case first letter unless it begins with a name, and without the full stop of a single sentence.
 [[nodiscard]] std::string messageLine(std::string_view sentence);
 
-/// Returns the lines that report an error on standard error: "nebsc: " and its description (of a
-/// longer one the line that reports the failure), then the recovery suggestion, then, indented, the
-/// description's other lines, the lines of the tool's output that add to it, and the files that
-/// none of them reports as such (NEBSourceControlFilesInText). Hints that are the suggestion are
-/// not repeated.
+/// Returns the lines that report an error on standard error, in this order:
+///
+/// - "nebsc: " and the description; if it has several lines, the one that reports the failure
+/// - the recovery suggestion; hints that it contains are not repeated below
+/// - indented, the other lines of the description
+/// - indented, the output of the tool, unless the description contains it
+/// - indented, the files of the error that these texts do not name (NEBSourceControlFilesInText)
 [[nodiscard]] std::string errorLines(const NEBSourceControlError& error);
 
 }  // namespace neb::nebsc

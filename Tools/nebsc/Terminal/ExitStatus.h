@@ -1,16 +1,17 @@
-// ExitStatus.h - what nebsc tells the program that called it.
+// ExitStatus.h - the exit statuses of nebsc.
 #pragma once
 
 namespace neb::nebsc {
 
+/// Success.
 inline constexpr int exitDone = 0;
-/// The operation failed, or what it found could not be written.
+/// The operation failed, or its result could not be written.
 inline constexpr int exitFailed = 1;
-/// The call cannot be understood, and nothing was done: a mistyped command, a request that is none,
-/// a file that is no plug-in.
+/// Invalid usage; nothing was done: an unknown command, an invalid request, a file that is not a
+/// plug-in.
 inline constexpr int exitNotUnderstood = 2;
 
-/// A signal ended the work, as a shell tells it.
+/// Returns the exit status after a signal ended the work, as shells report it.
 constexpr int exitOfSignal(int signalNumber) {
     return 128 + signalNumber;
 }

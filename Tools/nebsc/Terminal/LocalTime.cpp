@@ -8,11 +8,11 @@ namespace neb::nebsc {
 
 namespace {
 
-/// What is beyond the years that the system can reckon with is shown as ISO writes it, in UTC.
+/// Returns the ISO 8601 form in UTC if the year is out of the system's range.
 std::string formatted(NEBDate date, const char* format) {
     const time_t seconds = date.time_since_epoch().count();
     tm parts{};
-    ::tzset();  // localtime_r() need not
+    ::tzset();  // localtime_r() does not always call it
     if (::localtime_r(&seconds, &parts) == nullptr) {
         return textOfDate(date);
     }

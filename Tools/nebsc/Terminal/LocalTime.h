@@ -1,5 +1,5 @@
-// LocalTime.h - instants as the person's clock shows them, by TZ or the machine's own zone. From
-// any thread that leaves TZ alone.
+// LocalTime.h - dates in the local time zone: that of TZ, or of the system if TZ is not set.
+// Thread-safe while TZ does not change.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace neb::nebsc {
 
-/// "2012-03-04 05:06".
+/// Returns "2012-03-04 05:06".
 [[nodiscard]] std::string localMinute(NEBDate date);
 
-/// "2012-03-04 05:06:07 +0530".
+/// Returns "2012-03-04 05:06:07 +0530".
 [[nodiscard]] std::string localSecondWithZone(NEBDate date);
 
 }  // namespace neb::nebsc

@@ -21,10 +21,10 @@ namespace neb::nebsc {
 
 namespace {
 
-/// The same that git uses; a machine may have none.
-constexpr std::string_view usualPager = "command -v less > /dev/null || exec cat; exec less";
+/// git's default pager, or cat where less is not installed.
+constexpr std::string_view defaultPager = "command -v less > /dev/null || exec cat; exec less";
 
-/// What git sets for the pagers that know it, where the user has not.
+/// The variables that git sets for pagers if the user has not set them.
 constexpr std::array<std::string_view, 2> pagerVariables{"LESS=FRX", "LV=-c"};
 
 std::optional<std::string> variable(const char* name) {
@@ -32,18 +32,18 @@ std::optional<std::string> variable(const char* name) {
     return value == nullptr ? std::nullopt : std::optional<std::string>(value);
 }
 
-/// A terminal that does not know its size is taken for the smallest that people use.
+/// Returns the size of the terminal; 24 rows of 80 columns if it is unknown.
 winsize sizeOfTerminal(int descriptor) {
     winsize size{};
     static_cast<void>(::ioctl(descriptor, TIOCGWINSZ, &size));
-    constexpr unsigned short usualRows = 24;
-    constexpr unsigned short usualColumns = 80;
-    size.ws_row = size.ws_row == 0 ? usualRows : size.ws_row;
-    size.ws_col = size.ws_col == 0 ? usualColumns : size.ws_col;
+    constexpr unsigned short defaultRows = 24;
+    constexpr unsigned short defaultColumns = 80;
+    size.ws_row = size.ws_row == 0 ? defaultRows : size.ws_row;
+    size.ws_col = size.ws_col == 0 ? defaultColumns : size.ws_col;
     return size;
 }
 
-/// The columns of a line, in which colours take none.
+/// Returns the width of a line in columns, without its colour sequences.
 std::size_t columnsOnTerminal(std::string_view line) {
     std::size_t columns = 0;
     while (!line.empty()) {
@@ -60,39 +60,39 @@ std::size_t columnsOnTerminal(std::string_view line) {
     return columns;
 }
 
-/// nebsc's own environment, and the variables that are missing there.
+/// Returns the inherited environment and those of pagerVariables that it lacks.
 std::vector<std::string> environmentOfPager() {
     std::vector<std::string> environment = NEBSourceControlInheritedEnvironment();
-    for (const std::string_view row : pagerVariables) {
-        const std::string_view start = row.substr(0, row.find('=') + 1);
-        const auto isSet = [start](const std::string& entry) { return entry.starts_with(start); };
+    for (const std::string_view entry : pagerVariables) {
+        const std::string_view name = entry.substr(0, entry.find('=') + 1);
+        const auto isSet = [name](const std::string& other) { return other.starts_with(name); };
         if (std::none_of(environment.begin(), environment.end(), isSet)) {
-            environment.emplace_back(row);
+            environment.emplace_back(entry);
         }
     }
     return environment;
 }
 
-/// Signals that nebsc lives through while a pager runs: what a person types is for the pager, and
-/// one that is left early closes its end of the pipe.
-class SparedSignals {
+/// Ignores signals while a pager runs: Ctrl-C is meant for the pager, and a pager that the user
+/// quits early closes its end of the pipe.
+class IgnoredSignals {
 public:
-    SparedSignals() {
+    IgnoredSignals() {
         struct sigaction ignore {};
         ignore.sa_handler = SIG_IGN;
         for (std::size_t i = 0; i < signals.size(); ++i) {
             ::sigaction(signals[i], &ignore, &_formerActions[i]);
         }
     }
-    SparedSignals(const SparedSignals&) = delete;
-    SparedSignals& operator=(const SparedSignals&) = delete;
-    ~SparedSignals() {
+    IgnoredSignals(const IgnoredSignals&) = delete;
+    IgnoredSignals& operator=(const IgnoredSignals&) = delete;
+    ~IgnoredSignals() {
         for (std::size_t i = 0; i < signals.size(); ++i) {
             ::sigaction(signals[i], &_formerActions[i], nullptr);
         }
     }
 
-    /// The signals that were not ignored before.
+    /// Returns the signals that were not ignored before; the pager gets their default action.
     [[nodiscard]] std::vector<int> toRestore() const {
         std::vector<int> restored;
         for (std::size_t i = 0; i < signals.size(); ++i) {
@@ -109,9 +109,9 @@ private:
     std::array<struct sigaction, signals.size()> _formerActions{};
 };
 
-/// Returns the process, or nothing if it cannot be started.
+/// Returns the process identifier; absent if the shell cannot be started.
 std::optional<pid_t> startPager(const std::string& pager, const Pipe& pipe,
-                                const SparedSignals& signals) {
+                                const IgnoredSignals& signals) {
     const ChildLaunch launch{.launchPath = "/bin/sh",
                              .arguments = {"-c", pager},
                              .currentDirectoryPath = std::nullopt,
@@ -122,7 +122,7 @@ std::optional<pid_t> startPager(const std::string& pager, const Pipe& pipe,
     return child.pid < 0 ? std::nullopt : std::optional(child.pid);
 }
 
-/// Whether the shell has found the program and could run it.
+/// Waits for the pager. Returns whether the shell found the program and could run it.
 bool hasRun(pid_t pager) {
     constexpr int notExecutable = 126;
     constexpr int notFound = 127;
@@ -143,7 +143,7 @@ bool needsPager(int descriptor, std::string_view text) {
         return false;
     }
     const winsize size = sizeOfTerminal(descriptor);
-    std::size_t rows = 1;  // for what the shell writes behind it
+    std::size_t rows = 1;  // for the shell prompt
     while (!text.empty() && rows <= size.ws_row) {
         const std::string_view line = text.substr(0, text.find('\n'));
         const std::size_t columns = std::max<std::size_t>(columnsOnTerminal(line), 1);
@@ -157,7 +157,7 @@ std::optional<std::string> pagerOfUser(const std::optional<std::string>& configu
     auto pager = variable("GIT_PAGER");
     pager = pager ? pager : configured;
     pager = pager ? pager : variable("PAGER");
-    pager = pager ? pager : std::string(usualPager);
+    pager = pager ? pager : std::string(defaultPager);
     return pager->empty() || *pager == "cat" ? std::nullopt : pager;
 }
 
@@ -166,13 +166,13 @@ bool showThroughPager(const std::string& pager, std::string_view text) {
     if (openPipe(pipe, PipeSize::ordinary) != 0) {
         return false;
     }
-    const SparedSignals signals;
+    const IgnoredSignals signals;
     const auto process = startPager(pager, pipe, signals);
     if (!process) {
         return false;
     }
     pipe.readEnd.close();
-    // A failure means that the person has seen enough.
+    // A failure means that the user has quit the pager.
     static_cast<void>(writeAll(pipe.writeEnd.get(), text));
     pipe.writeEnd.close();
     return hasRun(*process);

@@ -1,5 +1,4 @@
-// Pager.h - shows a long text on a terminal a screen at a time, by the program that the user has
-// chosen for that, as git does.
+// Pager.h - shows long text in the user's pager, as git does.
 //
 //     if (needsPager(STDOUT_FILENO, text)) {
 //         if (const auto pager = pagerOfUser(core.pager)) {
@@ -14,20 +13,21 @@
 
 namespace neb::nebsc {
 
-/// Whether the descriptor is a terminal that is not "dumb", and has fewer rows than the printable
-/// text needs.
+/// Returns whether the descriptor is a terminal that is too small for the printable text. False if
+/// TERM is "dumb". Thread-safe.
 [[nodiscard]] bool needsPager(int descriptor, std::string_view text);
 
-/// What the user has chosen, as the shell takes it: GIT_PAGER, else the setting core.pager
-/// (`configured`), else PAGER, else "less" where there is one. Nothing when that is empty or "cat".
+/// Returns the shell command of the user's pager: GIT_PAGER, else the setting core.pager
+/// (`configured`), else PAGER, else "less" if it is installed. Absent if that is empty or "cat".
+/// Thread-safe.
 [[nodiscard]] std::optional<std::string> pagerOfUser(const std::optional<std::string>& configured);
 
-/// Runs the pager on standard output and standard error, gives it the text, and waits until the
-/// person has left it, perhaps before the end of the text. Ctrl-C is the pager's alone meanwhile.
-/// `less` shows colours and goes by itself when the text is short, unless LESS says otherwise.
+/// Runs the pager with the text as its input, and waits until the user quits it, which may be
+/// before the end of the text. Ctrl-C has no effect on nebsc meanwhile. `less` shows colours, and
+/// quits by itself if the text fits on the screen, unless LESS is set.
 ///
-/// Answers false when the pager could not be started, and the text is still to be shown. On the
-/// main thread.
+/// Returns false if the pager could not be started; the text has not been shown then. Not
+/// thread-safe: changes signal actions of the process.
 [[nodiscard]] bool showThroughPager(const std::string& pager, std::string_view text);
 
 }  // namespace neb::nebsc

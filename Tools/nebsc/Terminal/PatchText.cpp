@@ -34,7 +34,7 @@ private:
         const std::size_t length = std::min(after, line.size());
         return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
     }
-    /// In the header of a file, "---" and "+++" are no removed or added lines.
+    /// In the header of a file, "---" and "+++" do not mark removed or added lines.
     [[nodiscard]] Colour colourOf(std::string_view line) const {
         if (_isHeader) {
             return line.starts_with("Binary files ") ? Colour::none : Colour::bold;

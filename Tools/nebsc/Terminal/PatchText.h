@@ -1,4 +1,4 @@
-// PatchText.h - a patch as a terminal shows it.
+// PatchText.h - a patch in the form for a terminal or a file.
 #pragma once
 
 #include <string>
@@ -6,9 +6,9 @@
 
 namespace neb::nebsc {
 
-/// Returns the patch for the descriptor, coloured as git colours it if `isColoured`. On a terminal,
-/// control characters are made printable; elsewhere the bytes stay as they are, so that a program
-/// can apply the patch.
+/// Returns the text to write to the descriptor, in git's colours if `isColoured`. If the descriptor
+/// is a terminal, control characters are made printable; otherwise the bytes are unchanged, so that
+/// a program can apply the patch. Thread-safe.
 [[nodiscard]] std::string patchText(int descriptor, std::string_view patch, bool isColoured);
 
 }  // namespace neb::nebsc

@@ -33,14 +33,13 @@ bool isControlCharacter(unsigned char byte) {
     return byte < firstPrintable || byte == deletion;
 }
 
-/// Whether the well-formed text has one of U+0080 to U+009F at `place`.
-bool isC1(std::string_view text, std::size_t place) {
-    return text[place] == '\xC2' && static_cast<unsigned char>(text[place + 1]) < 0xA0;
+/// Returns whether the valid UTF-8 text has one of U+0080 to U+009F at `offset`.
+bool isC1(std::string_view text, std::size_t offset) {
+    return text[offset] == '\xC2' && static_cast<unsigned char>(text[offset + 1]) < 0xA0;
 }
 
-/// Whether the character turns the direction of the text around it: U+202A to U+202E, U+2066 to
-/// U+2069.
-bool isDirection(std::string_view character) {
+/// Returns whether the character changes the direction of text: U+202A to U+202E, U+2066 to U+2069.
+bool isDirectionControl(std::string_view character) {
     return (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
            (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
 }
@@ -59,7 +58,7 @@ std::string printable(std::string_view bytes) {
             result += "\\x" + hexByte(byte);
         } else if (isC1(bytes, i)) {
             result += "\\u00" + hexByte(static_cast<unsigned char>(bytes[i + 1]));
-        } else if (isDirection(bytes.substr(i, length))) {
+        } else if (isDirectionControl(bytes.substr(i, length))) {
             const auto second = static_cast<unsigned char>(bytes[i + 1]);
             const auto third = static_cast<unsigned char>(bytes[i + 2]);
             result += "\\u20" +
@@ -73,13 +72,13 @@ std::string printable(std::string_view bytes) {
 }
 
 std::string printableLine(std::string_view bytes) {
-    const bool hasReturn = bytes.ends_with('\r');
-    bytes.remove_suffix(hasReturn ? 1 : 0);
+    const bool hasCR = bytes.ends_with('\r');
+    bytes.remove_suffix(hasCR ? 1 : 0);
     std::string line;
-    forEachPiece(bytes, '\t', [&line, &bytes](std::string_view piece) {
-        line.append(piece.data() == bytes.data() ? "" : "\t").append(printable(piece));
+    forEachPiece(bytes, '\t', [&line, &bytes](std::string_view part) {
+        line.append(part.data() == bytes.data() ? "" : "\t").append(printable(part));
     });
-    return line + (hasReturn ? "\r" : "");
+    return line + (hasCR ? "\r" : "");
 }
 
 std::string inQuotes(std::string_view text) {

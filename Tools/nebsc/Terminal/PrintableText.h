@@ -1,5 +1,4 @@
-// PrintableText.h - bytes as text that is safe to print on a terminal. Every function is
-// thread-safe.
+// PrintableText.h - text that is safe to print on a terminal. Every function is thread-safe.
 #pragma once
 
 #include <string>
@@ -7,12 +6,12 @@
 
 namespace neb::nebsc {
 
-/// The bytes as UTF-8 on one line that drives no terminal: each control character (C0, DEL, C1) is
-/// written out ("\n", "\t", "\x1b", "\u009b"), and so is what turns the direction of a text
-/// ("\u202e") and each byte that is not UTF-8 ("\xe4").
+/// Returns the bytes as one line of UTF-8 without control functions. Control characters (C0, DEL,
+/// C1), characters that change the direction of text, and bytes that are not UTF-8 are written as
+/// escape sequences: "\n", "\t", "\x1b", "\u009b", "\u202e", "\xe4".
 [[nodiscard]] std::string printable(std::string_view bytes);
 
-/// The same of a line of a file: TABs stay, and so does the CR of a line end.
+/// The same for a line of a file: keeps TABs and a CR at the end.
 [[nodiscard]] std::string printableLine(std::string_view bytes);
 
 /// Returns the text between single quotes, unchanged.

@@ -13,7 +13,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A sign that cannot be written is no reason to stop the work.
+/// Ignores failures: the work must go on without its progress indicator.
 void write(const std::string& text) {
     static_cast<void>(::write(STDERR_FILENO, text.data(), text.size()) >= 0);
 }
@@ -39,15 +39,16 @@ ProgressIndicator::~ProgressIndicator() {
     _thread.join();
 }
 
-ProgressIndicator::Count::Count(ProgressIndicator& sign, std::function<std::uint64_t()> received)
-    : _sign(sign) {
-    const MutexLock lock(sign._mutex);
-    sign._received = std::move(received);
+ProgressIndicator::Count::Count(ProgressIndicator& indicator,
+                                std::function<std::uint64_t()> received)
+    : _indicator(indicator) {
+    const MutexLock lock(indicator._mutex);
+    indicator._received = std::move(received);
 }
 
 ProgressIndicator::Count::~Count() {
-    const MutexLock lock(_sign._mutex);
-    _sign._received = nullptr;
+    const MutexLock lock(_indicator._mutex);
+    _indicator._received = nullptr;
 }
 
 std::string ProgressIndicator::text(int seconds) const {
@@ -66,7 +67,7 @@ void ProgressIndicator::show() {
             break;
         }
         const std::string line = text(seconds);
-        // Not by a terminal's own sequence for it: a dumb one has none.
+        // Overwrite with blanks: a dumb terminal cannot erase a line.
         write("\r" + paddedTo(width, line));
         width = std::max(width, columnsOf(line));
     }
@@ -82,7 +83,7 @@ std::string textOfSize(std::uint64_t bytes) {
     }
     constexpr std::array<const char*, 3> units{"kB", "MB", "GB"};
     std::size_t unit = 0;
-    // In tenths, cut off and not rounded, so that no "1000.0 kB" comes of it.
+    // Tenths are truncated, not rounded, so that the result is never "1000.0 kB".
     std::uint64_t tenths = bytes / (thousand / 10);
     while (tenths >= thousand * 10 && unit + 1 < units.size()) {
         tenths /= thousand;

@@ -1,13 +1,10 @@
-// ProgressIndicator.h - shows a person at a terminal that long work goes on.
+// ProgressIndicator.h - a line on the terminal that shows the progress of long work.
 //
 //     {
-//         ProgressIndicator sign("Cloning", true);
-//         const ProgressIndicator::Count count(sign, [&] { return log.receivedBytes(); });
-//         operation.start();   // after a second, and every second: "Cloning … 3 s, 1.2 MB"
-//     }                        // the line is as if nothing had been
-//
-// The sign goes to standard error, and only where that is a terminal; elsewhere nothing is written.
-// While it lives, nothing else may be written there.
+//         ProgressIndicator indicator("Cloning", true);
+//         const ProgressIndicator::Count count(indicator, [&] { return log.receivedBytes(); });
+//         operation.start();   // after one second, then every second: "Cloning … 3 s, 1.2 MB"
+//     }                        // the line is erased
 #pragma once
 
 #include <cstdint>
@@ -20,28 +17,32 @@
 
 namespace neb::nebsc {
 
+/// Writes the progress of work to standard error, if that is a terminal; otherwise writes nothing.
+/// Nothing else may write to standard error while the object exists.
 class ProgressIndicator {
 public:
-    /// `activity` is plain ASCII. The sign is written on a thread of its own; one that is not
-    /// wanted, or for which the system has no thread, is never.
+    /// `activity` must be ASCII. A separate thread writes the line. Nothing is written if
+    /// `isWanted` is false or if the thread cannot be started.
     ProgressIndicator(std::string_view activity, bool isWanted);
     ProgressIndicator(const ProgressIndicator&) = delete;
     ProgressIndicator& operator=(const ProgressIndicator&) = delete;
-    /// Wipes the line.
+    /// Erases the line.
     ~ProgressIndicator();
 
-    /// Lets the sign tell how many bytes have come, for as long as the object lives. One at a time.
+    /// Adds the number of received bytes to the line while the object exists. Only one object may
+    /// exist at a time.
     class Count {
     public:
-        /// `received` is called on the sign's thread and must not block; 0 is not shown.
-        Count(ProgressIndicator& sign, std::function<std::uint64_t()> received);
+        /// `received` returns the number of bytes; 0 is not shown. It is called on the thread of
+        /// the indicator and must not block.
+        Count(ProgressIndicator& indicator, std::function<std::uint64_t()> received);
         Count(const Count&) = delete;
         Count& operator=(const Count&) = delete;
-        /// Afterwards `received` is not called any more.
+        /// Waits for a running `received`; it is not called afterwards.
         ~Count();
 
     private:
-        ProgressIndicator& _sign;
+        ProgressIndicator& _indicator;
     };
 
 private:
@@ -56,7 +57,7 @@ private:
     std::thread _thread;
 };
 
-/// "512 bytes", "1.2 kB", "3.4 MB", "5.6 GB".
+/// Returns a size as text: "512 bytes", "1.2 kB", "3.4 MB", "5.6 GB". Thread-safe.
 [[nodiscard]] std::string textOfSize(std::uint64_t bytes);
 
 }  // namespace neb::nebsc

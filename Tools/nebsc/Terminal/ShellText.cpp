@@ -36,8 +36,8 @@ std::string octal(char character) {
     return {'\\', digit(6), digit(3), digit(0)};
 }
 
-/// The text as a format of printf(1), which writes it again.
-std::string asFormat(std::string_view text) {
+/// Returns a format with which printf(1) prints the text.
+std::string printfFormat(std::string_view text) {
     std::string format;
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
@@ -58,10 +58,10 @@ bool endsWithScheme(std::string_view text, std::string_view scheme) {
            equalIgnoringASCIICase(text.substr(text.size() - scheme.size()), scheme);
 }
 
-/// Whether a URL whose scheme ends the text asks for credentials by what stands before its "@".
-bool asksOverHTTP(std::string_view before) {
-    return endsWithScheme(before, "http") || endsWithScheme(before, "https") ||
-           endsWithScheme(before, "ftp") || endsWithScheme(before, "ftps");
+/// Returns whether the text ends with the scheme of an HTTP or FTP URL.
+bool endsWithHTTPScheme(std::string_view text) {
+    return endsWithScheme(text, "http") || endsWithScheme(text, "https") ||
+           endsWithScheme(text, "ftp") || endsWithScheme(text, "ftps");
 }
 
 }  // namespace
@@ -74,32 +74,32 @@ std::string shellQuoted(std::string_view text) {
         return inSingleQuotes(text);
     }
     const std::size_t length = text.find_last_not_of('\n') + 1;
-    return "\"$(printf '" + asFormat(text.substr(0, length)) + "')" +
+    return "\"$(printf '" + printfFormat(text.substr(0, length)) + "')" +
            std::string(text.substr(length)) + "'";
 }
 
-/// What is a password has gone by then, one with a "/" in it too; what is left of a name and of a
-/// mark in its place is told by its colon.
-std::string withoutSecrets(std::string_view words) {
-    constexpr std::string_view mark = "://";
-    const std::string withoutPasswords = textWithoutPasswords(words);
-    std::string_view text = withoutPasswords;
+/// textWithoutPasswords() has replaced all passwords, even those that contain "/". The colon shows
+/// where a name and a replaced password remain.
+std::string withoutSecrets(std::string_view text) {
+    constexpr std::string_view separator = "://";
+    const std::string withoutPasswords = textWithoutPasswords(text);
+    std::string_view rest = withoutPasswords;
     std::string clean;
-    for (std::size_t place = text.find(mark); place != std::string_view::npos;
-         place = text.find(mark)) {
-        const std::string_view before = text.substr(0, place);
-        clean.append(before).append(mark);
-        const bool isHTTP = asksOverHTTP(before);
-        text.remove_prefix(place + mark.size());
-        const std::string_view authority = text.substr(0, text.find_first_of("/?# \t\r\n''"));
+    for (std::size_t offset = rest.find(separator); offset != std::string_view::npos;
+         offset = rest.find(separator)) {
+        const std::string_view before = rest.substr(0, offset);
+        clean.append(before).append(separator);
+        const bool isHTTP = endsWithHTTPScheme(before);
+        rest.remove_prefix(offset + separator.size());
+        const std::string_view authority = rest.substr(0, rest.find_first_of("/?# \t\r\n''"));
         const std::size_t at = authority.rfind('@');
         if (at != std::string_view::npos &&
             (isHTTP || authority.substr(0, at).find(':') != std::string_view::npos)) {
             clean += "***";
-            text.remove_prefix(at);
+            rest.remove_prefix(at);
         }
     }
-    return clean.append(text);
+    return clean.append(rest);
 }
 
 }  // namespace neb::nebsc

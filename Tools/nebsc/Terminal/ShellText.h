@@ -1,4 +1,4 @@
-// ShellText.h - text for a person to paste into a shell. From any thread.
+// ShellText.h - text that can be pasted into a shell. Every function is thread-safe.
 #pragma once
 
 #include <string>
@@ -6,15 +6,15 @@
 
 namespace neb::nebsc {
 
-/// The text as one word of a POSIX shell: as it is where no character of it means anything there,
-/// else in quotes. Control characters, and bytes that are no UTF-8, are written as printf(1) takes
-/// them, so that the word drives no terminal and stays on one line; line ends at the word's end
-/// alone stay what they are, as the shell would drop them otherwise.
+/// Returns the text as one argument for a POSIX shell: unchanged if no character is special to the
+/// shell, otherwise quoted. Control characters and bytes that are not UTF-8 become escape sequences
+/// of printf(1), so that the argument is printable and on one line. Only line ends at the end of
+/// the text stay as they are, because command substitution would remove them.
 [[nodiscard]] std::string shellQuoted(std::string_view text);
 
-/// The words with "***" for what stands before the "@" of a URL and may be secret: a name and a
-/// password ("https://***@host/…"), and a name alone where it is asked for over HTTP, as it may be
-/// a token. The name of an account ("ssh://git@host") stays.
-[[nodiscard]] std::string withoutSecrets(std::string_view words);
+/// Returns the text with "***" instead of the credentials in URLs: a name with a password
+/// ("https://***@host/…"), and also a name alone in an HTTP or FTP URL, because it may be a token.
+/// An account name ("ssh://git@host") stays.
+[[nodiscard]] std::string withoutSecrets(std::string_view text);
 
 }  // namespace neb::nebsc

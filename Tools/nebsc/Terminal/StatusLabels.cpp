@@ -10,14 +10,14 @@ namespace neb::nebsc {
 
 namespace {
 
-struct StatusWord {
+struct StatusLabel {
     std::int64_t status;
     std::string_view letters;
-    std::string_view word;
+    std::string_view text;
     Colour colour;
 };
 
-constexpr std::array<StatusWord, 6> statusWords{{
+constexpr std::array<StatusLabel, 6> statusLabels{{
     {NEBSourceControlStatusAdded, "A", "added", Colour::green},
     {NEBSourceControlStatusDeleted, "D", "deleted", Colour::red},
     {NEBSourceControlStatusModified, "MT", "modified", Colour::yellow},
@@ -25,16 +25,16 @@ constexpr std::array<StatusWord, 6> statusWords{{
     {NEBSourceControlStatusUntracked, "?", "untracked", Colour::red},
     {NEBSourceControlStatusRenamed, "RC", "renamed", Colour::cyan},
 }};
-/// For a state that has no word of its own.
-constexpr StatusWord changed{NEBSourceControlStatusOther, "", "changed", Colour::none};
-/// The longest word, and two blanks.
-constexpr std::size_t wordColumnWidth = 11;
+/// The label of a state that has none of its own.
+constexpr StatusLabel changed{NEBSourceControlStatusOther, "", "changed", Colour::none};
+/// The longest label and two blanks.
+constexpr std::size_t labelColumnWidth = 11;
 
-StatusWord wordOfStatus(std::int64_t status) {
+StatusLabel labelOfStatus(std::int64_t status) {
     const auto* row =
-        std::find_if(statusWords.begin(), statusWords.end(),
-                     [status](const StatusWord& word) { return word.status == status; });
-    return row == statusWords.end() ? changed : *row;
+        std::find_if(statusLabels.begin(), statusLabels.end(),
+                     [status](const StatusLabel& label) { return label.status == status; });
+    return row == statusLabels.end() ? changed : *row;
 }
 
 struct ConflictKind {
@@ -55,17 +55,17 @@ constexpr std::array<ConflictKind, 7> conflictKinds{{
 }  // namespace
 
 std::string statusColumn(const NEBValue& status, bool isColoured) {
-    const StatusWord word = wordOfStatus(status.integer().value_or(0));
-    const std::string blanks(wordColumnWidth - word.word.size(), ' ');
-    return (isColoured ? coloured(word.word, word.colour) : std::string(word.word)) + blanks;
+    const StatusLabel label = labelOfStatus(status.integer().value_or(0));
+    const std::string blanks(labelColumnWidth - label.text.size(), ' ');
+    return (isColoured ? coloured(label.text, label.colour) : std::string(label.text)) + blanks;
 }
 
 std::int64_t statusOfLetter(char letter) {
     const auto* row =
-        std::find_if(statusWords.begin(), statusWords.end(), [letter](const StatusWord& word) {
-            return word.letters.find(letter) != std::string_view::npos;
+        std::find_if(statusLabels.begin(), statusLabels.end(), [letter](const StatusLabel& label) {
+            return label.letters.find(letter) != std::string_view::npos;
         });
-    return row == statusWords.end() ? changed.status : row->status;
+    return row == statusLabels.end() ? changed.status : row->status;
 }
 
 std::string_view conflictKind(char index, char workTree) {

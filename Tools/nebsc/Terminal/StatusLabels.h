@@ -1,4 +1,4 @@
-// StatusLabels.h - the state of a file in a word.
+// StatusLabels.h - labels for the states of files. Every function is thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -9,15 +9,15 @@
 
 namespace neb::nebsc {
 
-/// Returns the word for a status value ("modified"; "changed" for one that has none, and for none),
-/// and blanks up to the next column.
+/// Returns the label of a status value ("modified"), padded with blanks to the width of the column.
+/// An absent status, or one without a label of its own, is "changed".
 [[nodiscard]] std::string statusColumn(const NEBValue& status, bool isColoured);
 
 /// Returns the status value for a letter of git-status(1), porcelain v1; 0 for any other.
 [[nodiscard]] std::int64_t statusOfLetter(char letter);
 
-/// Returns what both sides of a merge did to a file in conflict, "deleted by us", for the two
-/// letters of an unmerged path; empty for the letters of any other.
+/// Returns the kind of a conflict ("deleted by us") for the two letters of an unmerged path; empty
+/// for other letters.
 [[nodiscard]] std::string_view conflictKind(char index, char workTree);
 
 }  // namespace neb::nebsc

@@ -1,4 +1,4 @@
-// Tabs.h - TABs as a terminal shows them.
+// Tabs.h - TABs as a terminal shows them. Every function is thread-safe.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@
 
 namespace neb::nebsc {
 
-/// The columns from one tab stop of a terminal to the next.
+/// The number of columns between two tab stops.
 inline constexpr std::size_t tabStop = 8;
 
-/// Returns how many columns a TAB takes that follows so many columns.
+/// Returns the width of a TAB after `columnsBefore` columns.
 [[nodiscard]] constexpr std::size_t columnsOfTab(std::size_t columnsBefore) {
     return tabStop - columnsBefore % tabStop;
 }
 
-/// Returns the printable line with blanks in place of its TABs.
+/// Returns the printable line with blanks instead of TABs.
 [[nodiscard]] std::string expandTabs(std::string_view line);
 
 }  // namespace neb::nebsc

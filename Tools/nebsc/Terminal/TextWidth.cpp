@@ -11,7 +11,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// The thread reads characters as UTF-8 for as long as the object lives, whatever the locale.
+/// Makes the thread decode characters as UTF-8 while the object exists, whatever the locale.
 class UTF8Characters {
 public:
     UTF8Characters() : _former(::uselocale(locale())) {}
@@ -20,7 +20,7 @@ public:
     ~UTF8Characters() { ::uselocale(_former); }
 
 private:
-    /// No locale where the system has not this one: the former one then stays.
+    /// Null if the system lacks this locale; uselocale() then changes nothing.
     static locale_t locale() {
         static const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
         return utf8;
@@ -29,18 +29,19 @@ private:
     locale_t _former;
 };
 
-/// A character's bytes, and the columns that it takes.
+/// The size of a character in bytes and its width in columns.
 struct Extent {
     std::size_t bytes;
     std::size_t columns;
 };
 
-/// Of the first character of a text that is not empty. With UTF8Characters.
+/// Returns the extent of the first character. The text must not be empty, and UTF8Characters must
+/// exist.
 Extent extentOfFirst(std::string_view text) {
     mbstate_t state{};
     wchar_t character = 0;
     const std::size_t length = ::mbrtowc(&character, text.data(), text.size(), &state);
-    if (length == 0 || length > text.size()) {  // no character
+    if (length == 0 || length > text.size()) {  // not a valid character
         return {1, 1};
     }
     return {length, static_cast<std::size_t>(std::max(::wcwidth(character), 0))};
@@ -73,7 +74,7 @@ std::string cutTo(std::size_t columns, std::string_view text) {
     }
     const UTF8Characters characters;
     std::size_t end = 0;
-    std::size_t taken = 1;  // by the dots
+    std::size_t taken = 1;  // for the "…"
     while (end < text.size()) {
         const Extent extent = extentOfFirst(text.substr(end));
         if (taken + extent.columns > columns) {

@@ -1,4 +1,4 @@
-// TextWidth.h - how much room a text takes on a terminal. From any thread.
+// TextWidth.h - the width of text on a terminal. Every function is thread-safe.
 #pragma once
 
 #include <cstddef>
@@ -8,26 +8,27 @@
 
 namespace neb::nebsc {
 
-/// The columns that a printable text in UTF-8 takes: two for a wide character, none for a combining
-/// one.
+/// Returns the width of printable UTF-8 text in columns: two for a wide character, none for a
+/// combining one.
 [[nodiscard]] std::size_t columnsOf(std::string_view text);
 
-/// The text, with blanks behind it up to so many columns; a wider one as it is.
+/// Returns the text, padded with blanks to `columns`. Does not change wider text.
 [[nodiscard]] std::string paddedTo(std::size_t columns, std::string_view text);
 
-/// The text, its end replaced by "…" where it is wider than so many columns, of which there is one
-/// at least.
+/// Returns the text, truncated with "…" if it is wider than `columns`, which must be at least 1.
 [[nodiscard]] std::string cutTo(std::size_t columns, std::string_view text);
 
-/// The columns of the terminal; nothing for what is none, or does not know its size.
+/// Returns the width of the terminal in columns; absent if the descriptor is not a terminal or its
+/// size is unknown.
 [[nodiscard]] std::optional<std::size_t> columnsOfTerminal(int descriptor);
 
-/// The text, cut so that it fits on the terminal's line behind so many columns. Whole for what is
-/// no terminal.
+/// Returns the text, truncated so that it fits on a line of the terminal after `columnsBefore`
+/// columns. Does not truncate if columnsOfTerminal() is absent.
 [[nodiscard]] std::string fitting(int descriptor, std::size_t columnsBefore, std::string_view text);
 
-/// The text, cut into lines at blanks so that it fits behind so many columns, as many blanks in
-/// front of each line but the first. Whole for what is no terminal.
+/// Returns the text, wrapped at blanks so that it fits on the terminal after `columnsBefore`
+/// columns. All lines but the first are indented by `columnsBefore`. Does not wrap if
+/// columnsOfTerminal() is absent.
 [[nodiscard]] std::string wrapped(int descriptor, std::size_t columnsBefore, std::string_view text);
 
 }  // namespace neb::nebsc

@@ -12,7 +12,7 @@ class ReferenceReader {
 public:
     explicit ReferenceReader(std::string text) : _text(std::move(text)) {}
 
-    /// Returns and skips the text before the byte, or the whole rest if there is none.
+    /// Returns and skips the text before the byte, or all remaining text without one.
     std::string before(char byte) {
         std::string taken;
         while (!_text.empty() && _text.front() != byte) {

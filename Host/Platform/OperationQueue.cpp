@@ -54,7 +54,8 @@ void OperationQueue::add(Work work) {
     _workCame.notify_one();
 }
 
-/// If no thread can be created, the existing threads do the work, or the caller if there are none.
+/// Starts another thread. If that fails, the existing threads do the work; without any, the caller
+/// does it.
 void OperationQueue::addThread() {
     try {
         _threads.reserve(_threads.size() + 1);  // so that push_back cannot throw

@@ -71,10 +71,10 @@ public:
         }
         return takeLength(length);
     }
-    /// Returns and skips the text before the next `end`, or the whole rest if there is none.
+    /// Returns and skips the text before the next `end`, or all remaining text without one.
     std::string_view takeUpTo(char end) { return takeLength(_text.find(end)); }
     /// Returns and skips the text before the next white space (see lengthOfSpaceAt() in Text.h), or
-    /// the whole rest if there is none.
+    /// all remaining text without any.
     std::string_view takeUpToSpace() {
         std::size_t length = 0;
         while (length < _text.size() &&

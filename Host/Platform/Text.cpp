@@ -70,7 +70,7 @@ Sequence sequenceAt(std::string_view bytes, std::size_t position) {
     return {1, false};
 }
 
-/// Returns the position of the first invalid sequence, or the size if there is none.
+/// Returns the position of the first invalid sequence, or the size if the text is valid.
 std::size_t firstInvalid(std::string_view bytes) {
     std::size_t position = asciiRun(bytes, 0);
     while (position < bytes.size()) {

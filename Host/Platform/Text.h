@@ -29,7 +29,7 @@ namespace neb {
 
 // ---- white space ------------------------------------------------------------------------------
 
-/// Returns the number of bytes of the white space character at `position`, 0 if there is none.
+/// Returns the number of bytes of the white space character at `position`; 0 for any other text.
 /// White space is space, TAB and the other space separators of Unicode (class Zs), but not line
 /// ends.
 [[nodiscard]] NEB_EXPORT std::size_t lengthOfSpaceAt(std::string_view text, std::size_t position);

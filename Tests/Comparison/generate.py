@@ -12,7 +12,7 @@ import sys
 
 FOLDER, COMMITS = sys.argv[1], int(sys.argv[2])
 NAMES = ["Ann Example", "Jörg Müller", "Ωmega Ωne", "李 小龍", "O'Brien, Pat", "x"]
-BODY = ("\nUntil now it did so only when nobody looked, which a test could not see.\n"
+BODY = ("\nUntil now it did so only when not observed, which a test could not see.\n"
         "The order of the two calls decides; it is the other way round now.\n")
 
 

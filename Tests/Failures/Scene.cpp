@@ -227,15 +227,16 @@ std::string Scene::smallDisk() {
 
 void Scene::actAsOrdinaryUser() {
     if (::geteuid() == 0) {
-        constexpr uid_t nobody = 65534;
+        constexpr uid_t ordinaryUser = 65534;
         std::vector<std::string> folders{_folder.path()};
         for (const TestRepository& repository : _repositories) {
             folders.push_back(repository.path());
         }
         for (const std::string& folder : folders) {
-            static_cast<void>(::lchown(folder.c_str(), nobody, static_cast<gid_t>(-1)));
+            static_cast<void>(::lchown(folder.c_str(), ordinaryUser, static_cast<gid_t>(-1)));
             for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-                static_cast<void>(::lchown(entry.path().c_str(), nobody, static_cast<gid_t>(-1)));
+                static_cast<void>(
+                    ::lchown(entry.path().c_str(), ordinaryUser, static_cast<gid_t>(-1)));
             }
         }
     }

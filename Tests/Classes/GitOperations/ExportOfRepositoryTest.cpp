@@ -143,7 +143,7 @@ TEST_F(ExportOfRepository, TreeRemovesNoFile) {
 TEST_F(ExportOfRepository, TreeHasTheIndexWhateverTheRevision) {
     repository.write("staged", "staged\n");
     repository.git({"add", "staged"});
-    folder.write("out/top.bin", "in the way");
+    folder.write("out/top.bin", "old content");
     auto request = requestFor(NEBSourceControlRequestExportTree, repository.path());
     request->startingRevision = "first";
     for (const std::string& destination : {folder.path("out"), folder.path("out/")}) {

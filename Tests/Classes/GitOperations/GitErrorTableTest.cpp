@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
             "x Warning: Permanently added 'h' (RSA) to the list of known hosts.", -1, theMessage},
         Row{"R17NotAtTheStart", "x fatal: source directory is empty", -70,
             "The folder to move has no tracked files.", "Move it without git."},
-        Row{"CaseCounts", "permission DENIED by nobody in particular", 513,
+        Row{"CaseCounts", "permission DENIED by someone in particular", 513,
             "The operating system denied access to a file or folder.",
             "Check the permissions of the file or folder."},
         // the order

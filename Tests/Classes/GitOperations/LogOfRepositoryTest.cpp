@@ -156,7 +156,7 @@ void makeEventfulHistory(const TestRepository& repository) {
                     repository.path(), "module"});
     repository.git({"commit", "-qm", "add a submodule"});
     commitRaw(repository, "J\xC3\xBCrgen (Team) <j@x> 1600000000 -0330", "umlaut author\n");
-    commitRaw(repository, " <nobody@x> 0 +0000", "no name, no time\n");
+    commitRaw(repository, " <anonymous@x> 0 +0000", "no name, no time\n");
     commitRaw(repository, bob, "CRLF\r\n\r\nlines\r\n");
     commitRaw(repository, bob, "U+2028\xE2\x80\xA8 inside and at the end\xE2\x80\xA8");
     commitRaw(repository, bob, "\n\nblank lines in front\n\n\n");

@@ -76,7 +76,7 @@ TEST(PlugInFailure, ReportsWhatIsWrongWithTheFile) {
     ASSERT_EQ(::mkfifo(folder.path("pipe.so").c_str(), 0600), 0);
     EXPECT_EQ(failureOf(folder.path("pipe.so")),
               "The plug-in \"" + folder.path("pipe.so") + "\" is not a file.")
-        << "and nobody waits for a writer";
+        << "opening the pipe must not block";
     const std::string library = NEB_TEST_MODULES "/NoPlugIn.so";
     EXPECT_EQ(failureOf(library), "The file \"" + library +
                                       "\" is not a source-control plug-in: it does not export "

@@ -41,13 +41,13 @@ protected:
     /// Returns the message for the files, each given as an indented line with its end.
     [[nodiscard]] std::string settled(const std::string& files) const {
         return "nebsc: both sides changed the same lines or binary files; the current branch's "
-               "were kept and the other side's dropped in:\n" +
+               "were kept and the other branch's dropped in:\n" +
                files + "'git diff " + before + "..." + revision("topic") +
                "' shows all changes of the side whose lines were dropped.\n";
     }
     [[nodiscard]] std::string notKnown(const std::string& reason) const {
         return "nebsc: where both sides changed the same lines, the current branch's were kept and "
-               "the other side's dropped; the files are not known: " +
+               "the other branch's dropped; the files are not known: " +
                reason + ".\n'git diff " + before + "..." + revision("topic") +
                "' shows all changes of the side whose lines were dropped.\n";
     }

@@ -55,7 +55,7 @@ TEST_F(UpdateCommand, MergesDivergedBranches) {
     EXPECT_EQ(merged.output, updated());
     EXPECT_EQ(merged.errors,
               "nebsc: both sides changed the same lines or binary files; the current branch's were "
-              "kept and the other side's dropped in:\n    a\n'git diff " +
+              "kept and the other branch's dropped in:\n    a\n'git diff " +
                   before + "..." + revision(*ann) +
                   "' shows all changes of the side whose lines were dropped.\n");
     EXPECT_EQ(merged.exitStatus, 0);

@@ -22,7 +22,7 @@ using testing::Not;
 
 class DoctorCommand : public DoctorTest {
 protected:
-    /// A lock file of an hour's age.
+    /// Creates a lock file that is an hour old, and returns its path.
     [[nodiscard]] std::string oldLock(const std::string& name) const {
         const std::string path = repository.path(".git/" + name);
         repository.write(".git/" + name, "");
@@ -32,19 +32,19 @@ protected:
     }
 };
 
-TEST_F(DoctorCommand, WhereAllIsInOrderThatIsTold) {
+TEST_F(DoctorCommand, ReportsThatEverythingIsInOrder) {
     const NebscOutcome outcome = nebsc({"doctor"});
     EXPECT_THAT(outcome.output, testing::StartsWith("ok       git          /"));
     EXPECT_THAT(outcome.output, HasSubstr(", contract version 2\n"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("working copy " + repository.path() + ", whose owner git trusts\n"));
-    EXPECT_THAT(outcome.output, HasSubstr("ok       locks        there are none\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("ok       locks        no lock files found\n"));
     EXPECT_EQ(outcome.exitStatus, outcome.output.find("problem") == std::string::npos ? 0 : 1);
     const auto json = nebsc({"doctor", "--json"});
     EXPECT_EQ(json.json()["isInOrder"], json.exitStatus == 0);
 }
 
-TEST_F(DoctorCommand, ALockThatWasLeftBehindIsAProblem) {
+TEST_F(DoctorCommand, AnOrphanedLockIsAProblem) {
     const std::string index = oldLock("index.lock");
     const std::string reference = oldLock("refs/heads/a/b.lock");
     const NebscOutcome outcome = nebsc({"doctor"});
@@ -66,23 +66,23 @@ TEST_F(DoctorCommand, ALockThatIsHeldNamesItsHolder) {
                 HasSubstr("held by nebsc_tests (" + std::to_string(::getpid()) + ")"));
 }
 
-TEST_F(DoctorCommand, AFreshLockIsNotTakenForOneLeftBehind) {
+TEST_F(DoctorCommand, AFreshLockIsOnlyNoted) {
     repository.write(".git/HEAD.lock", "");
     const auto found = findings("lock");
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["health"], "note");
 }
 
-TEST_F(DoctorCommand, ARepositoryThatGitDoesNotTakeForOneIsAProblem) {
+TEST_F(DoctorCommand, ARepositoryThatGitDoesNotRecognizeIsAProblem) {
     std::filesystem::remove(repository.path(".git/HEAD"));
     repository.write("src/a.c", "");
     const NebscOutcome outcome = nebsc({"doctor"}, "src");
     EXPECT_THAT(outcome.output, HasSubstr("problem  repository   " + repository.path(".git") +
-                                          " exists, but is no repository to git: not a git"));
+                                          " exists, but git does not recognize it: not a git"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(DoctorCommand, AReasonOfSeveralLinesIsGivenWhole) {
+TEST_F(DoctorCommand, AReasonOfSeveralLinesIsShownInFull) {
     repository.git({"config", "core.repositoryFormatVersion", "1"});
     repository.git({"config", "extensions.nosuch", "1"});
     const auto found = findings("repository");
@@ -91,7 +91,7 @@ TEST_F(DoctorCommand, AReasonOfSeveralLinesIsGivenWhole) {
                 testing::EndsWith("unknown repository extension found: nosuch"));
 }
 
-TEST_F(DoctorCommand, AnIndexThatCannotBeReadIsAProblem) {
+TEST_F(DoctorCommand, AnUnreadableIndexIsAProblem) {
     repository.commitFile("a.c", "1\n");
     EXPECT_EQ(findings("index")[0]["health"], "ok");
     repository.write(".git/index", "nothing that git knows, and long enough for it");
@@ -101,7 +101,7 @@ TEST_F(DoctorCommand, AnIndexThatCannotBeReadIsAProblem) {
     EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("git cannot read it: "));
 }
 
-TEST_F(DoctorCommand, ALatestCommitThatCannotBeReadIsAProblem) {
+TEST_F(DoctorCommand, AnUnreadableHEADCommitIsAProblem) {
     EXPECT_EQ(findings("HEAD commit")[0]["text"], "the current branch has no commits yet");
     repository.commitFile("a.c", "1\n");
     EXPECT_EQ(findings("HEAD commit")[0]["text"], "is readable, and so is its root tree");
@@ -113,7 +113,7 @@ TEST_F(DoctorCommand, ALatestCommitThatCannotBeReadIsAProblem) {
     EXPECT_EQ(found[0]["text"], "cannot be read: bad object HEAD");
 }
 
-TEST_F(DoctorCommand, WorkThatIsUnderWayIsNoted) {
+TEST_F(DoctorCommand, OperationsInProgressAreNoted) {
     EXPECT_THAT(findings("unfinished"), testing::IsEmpty());
     for (const auto& [name, work] :
          std::vector<std::pair<const char*, const char*>>{{"rebase-merge", "a rebase"},
@@ -128,21 +128,21 @@ TEST_F(DoctorCommand, WorkThatIsUnderWayIsNoted) {
         const auto found = findings("unfinished");
         ASSERT_EQ(found.size(), 1U) << name;
         EXPECT_EQ(found[0]["health"], "note");
-        EXPECT_EQ(found[0]["text"], std::string(work) + " is under way");
+        EXPECT_EQ(found[0]["text"], std::string(work) + " is in progress");
         std::filesystem::remove(path);
     }
 }
 
-TEST_F(DoctorCommand, WithoutGitItSaysSo) {
+TEST_F(DoctorCommand, AMissingGitIsAProblem) {
     const TemporaryFolder none;
     const NebscOutcome outcome = runNebsc(
         {"doctor", "--json"}, {.folder = repository.path(), .variables = {{"PATH", none.path()}}});
-    // The usual place may have one.
+    // nebsc may still find git in its usual folder.
     EXPECT_EQ(outcome.json()["findings"][0]["subject"], "git");
     none.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome broken =
         runNebsc({"doctor"}, {.folder = repository.path(), .variables = {{"PATH", none.path()}}});
-    EXPECT_THAT(broken.output, testing::StartsWith("problem  git      there is none: "));
+    EXPECT_THAT(broken.output, testing::StartsWith("problem  git      cannot be started: "));
     EXPECT_THAT(broken.output, HasSubstr("Install git"));
     EXPECT_EQ(broken.exitStatus, 1);
 }
@@ -158,7 +158,7 @@ TEST_F(DoctorCommand, AnOldGitIsAProblem) {
                 HasSubstr("reports no version: 'hello'"));
 }
 
-TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
+TEST_F(DoctorCommand, AGitThatHangsIsEndedAfterTheTimeLimit) {
     repository.commitFile("a.c", "1\n");
     const StandInGit slow(repository.path(),
                           "case \"$*\" in *batch-check*) exec sleep 600;; "
@@ -167,15 +167,15 @@ TEST_F(DoctorCommand, AGitThatHangsDoesNotHangIt) {
     const StandInGit hanging(repository.path(), "sleep 600");
     const auto found = findings("git", {hanging.path()});
     EXPECT_EQ(found[0]["health"], "problem");
-    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("no answer within 5 s"));
-    // A large repository is slow, and not damaged.
+    EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("timed out after 5 s"));
+    // A large repository is slow, not damaged.
     EXPECT_THAT(doctor.outcome().output,
-                AllOf(HasSubstr("note     references   whether the objects of all 1 exist is not "
-                                "known: no answer within 5 s"),
+                AllOf(HasSubstr("note     references   could not check whether the objects of all "
+                                "1 exist: timed out after 5 s"),
                       HasSubstr("ok       HEAD commit")));
 }
 
-TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFromThem) {
+TEST_F(DoctorCommand, UnreadableSettingsAreAProblemAndSkipTheChecksThatNeedThem) {
     repository.write("broken", "[broken\n");
     const StandInGit git(repository.path(),
                          "case \"$*\" in *config*) echo 'fatal: bad config line 1' >&2; exit 128;; "
@@ -184,13 +184,13 @@ TEST_F(DoctorCommand, SettingsThatCannotBeReadAreAProblemAndNothingIsConcludedFr
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_EQ(found[0]["text"], "git cannot read them: bad config line 1");
-    EXPECT_EQ(found[0]["advice"], "Fix or remove the line or value that git names.");
+    EXPECT_EQ(found[0]["advice"], "Fix or remove the line or value in git's message.");
     EXPECT_THAT(findings("credentials", {git.path()}), testing::IsEmpty());
     EXPECT_THAT(findings("identity", {{"GIT_CONFIG_GLOBAL", repository.path("broken")}}),
                 testing::IsEmpty());
 }
 
-TEST_F(DoctorCommand, ABrokenConfigurationIsNoReasonToInstallGitAnew) {
+TEST_F(DoctorCommand, ABrokenConfigurationDoesNotAdviseToReinstallGit) {
     repository.write("broken", "[broken\n");
     const auto found = findings("git", {{"GIT_CONFIG_GLOBAL", repository.path("broken")}});
     ASSERT_EQ(found.size(), 1U);
@@ -198,7 +198,7 @@ TEST_F(DoctorCommand, ABrokenConfigurationIsNoReasonToInstallGitAnew) {
     EXPECT_EQ(found[0]["advice"], "Fix or remove the line.");
 }
 
-TEST_F(DoctorCommand, LocksAreFoundBesideTheObjectsAndUnderAnyName) {
+TEST_F(DoctorCommand, LocksAreFoundNextToTheObjectsAndInFoldersOfAnyName) {
     const std::string graph = oldLock("objects/info/commit-graph.lock");
     EXPECT_THAT(nebsc({"doctor"}).output, HasSubstr("rm " + graph));
     repository.git({"init", "--quiet", "two\nlines"});
@@ -225,16 +225,15 @@ TEST_F(DoctorCommand, AnotherProgramWithANameLikeGitsHoldsNoLock) {
     EXPECT_EQ(found[0]["health"], "problem");
 }
 
-TEST_F(DoctorCommand, SettingsThatDoNotCountAreListedWithBothValues) {
+TEST_F(DoctorCommand, OverriddenSettingsAreListedWithBothValues) {
     repository.git({"config", "core.quotePath", "true"});
     repository.git({"config", "color.ui", "no"});
     const auto found = findings("setting");
     ASSERT_EQ(found.size(), 1U);
-    EXPECT_EQ(found[0]["text"],
-              "core.quotePath is 'true', but counts as 'false' for what is read here");
+    EXPECT_EQ(found[0]["text"], "core.quotePath is 'true', but nebsc overrides it with 'false'");
 }
 
-TEST_F(DoctorCommand, CredentialHelpersAreLookedForAndNotRun) {
+TEST_F(DoctorCommand, CredentialHelpersAreSearchedAndNotRun) {
     const TemporaryFolder programs;
     programs.writeProgram("git-credential-mine", "#!/bin/sh\ntouch " + programs.path("run") + "\n");
     repository.git({"config", "credential.helper", "mine --password=secret"});
@@ -248,7 +247,7 @@ TEST_F(DoctorCommand, CredentialHelpersAreLookedForAndNotRun) {
         runNebsc({"doctor"}, {.folder = repository.path(),
                               .variables = {{"PATH", std::string(path) + ":" + programs.path()}}});
     EXPECT_THAT(outcome.output, HasSubstr("local configuration: git-credential-mine\n"));
-    EXPECT_THAT(outcome.output, HasSubstr("a text for the shell\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("a shell command\n"));
     EXPECT_THAT(outcome.output, HasSubstr("there is no program 'git-credential-nosuch'\n"));
     EXPECT_THAT(outcome.output, Not(HasSubstr("secret")));
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -259,7 +258,7 @@ TEST_F(DoctorCommand, OutsideARepositoryThatIsANote) {
     const TemporaryFolder plain;
     const NebscOutcome outcome = runNebsc({"doctor"}, {.folder = plain.path()});
     EXPECT_THAT(outcome.output,
-                HasSubstr("note     repository   " + plain.path() + " lies in none\n"));
+                HasSubstr("note     repository   " + plain.path() + " is not in a repository\n"));
 }
 
 TEST_F(DoctorCommand, APlugInThatCannotBeLoadedIsAProblem) {
@@ -268,7 +267,7 @@ TEST_F(DoctorCommand, APlugInThatCannotBeLoadedIsAProblem) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(DoctorCommand, SomebodyElsesRepositoryIsAProblem) {
+TEST_F(DoctorCommand, ARepositoryOfAnotherUserIsAProblem) {
     const TemporaryFolder programs;
     programs.writeProgram(
         "git",
@@ -283,7 +282,7 @@ TEST_F(DoctorCommand, SomebodyElsesRepositoryIsAProblem) {
               "If you trust it: git config --global --add safe.directory '/x y'");
 }
 
-TEST(LockAge, IsToldInAUnitThatFits) {
+TEST(LockAge, HasASuitableUnit) {
     using std::chrono::seconds;
     EXPECT_EQ(nebsc::textOfAge(seconds(0)), "0 s");
     EXPECT_EQ(nebsc::textOfAge(seconds(59)), "59 s");

@@ -1,4 +1,4 @@
-// What `nebsc doctor` finds of damage in a repository.
+// The damage that `nebsc doctor` finds in a repository.
 
 #include <chrono>
 #include <csignal>
@@ -20,7 +20,7 @@ using testing::StartsWith;
 
 class DoctorRepository : public DoctorTest {
 protected:
-    /// The file of an object that is in no pack.
+    /// Returns the path of a loose object.
     [[nodiscard]] std::string looseObject(const std::string& name) const {
         const std::string id = repository.git({"rev-parse", name});
         return repository.path(".git/objects/" + id.substr(0, 2) + "/" + id.substr(2, 38));
@@ -35,10 +35,10 @@ protected:
             }
             std::istringstream lines(repository.git({"verify-pack", "-v", file.path().string()}));
             for (std::string line; std::getline(lines, line);) {
-                std::istringstream words(line);
+                std::istringstream columns(line);
                 std::string object, type, size, packedSize;
                 std::streamoff offset = 0;
-                if (words >> object >> type >> size >> packedSize >> offset && object == id) {
+                if (columns >> object >> type >> size >> packedSize >> offset && object == id) {
                     std::filesystem::permissions(file.path(), std::filesystem::perms::owner_all);
                     std::fstream pack(file.path(), std::ios::in | std::ios::out | std::ios::binary);
                     pack.seekp(offset + 20).write("\xff\xff\xff\xff", 4);
@@ -50,18 +50,18 @@ protected:
 
 // ---- the index --------------------------------------------------------------------------------
 
-TEST_F(DoctorRepository, TheAdviceForADamagedIndexNamesItsPathWhereverItIs) {
+TEST_F(DoctorRepository, TheAdviceForADamagedIndexNamesItsPath) {
     repository.commitFile("src/a.c", "1\n");
     repository.git({"worktree", "add", "--quiet", "-b", "other", "../linked"});
     repository.git({"submodule", "--quiet", "add", "./", "sub"});
     const std::string linked =
         std::filesystem::path(repository.path("../linked")).lexically_normal();
-    const std::pair<std::string, std::string> places[] = {
+    const std::pair<std::string, std::string> indexes[] = {
         {repository.path("src"), repository.path(".git/index")},
         {linked + "/src", repository.path(".git/worktrees/linked/index")},
         {repository.path("sub/src"), repository.path(".git/modules/sub/index")},
     };
-    for (const auto& [folder, index] : places) {
+    for (const auto& [folder, index] : indexes) {
         EXPECT_THAT(findingsIn(folder, "index"), IsOneFinding("ok", "is readable", ""));
         std::ofstream(index) << "nothing that git knows, and long enough for it";
         EXPECT_THAT(
@@ -72,7 +72,7 @@ TEST_F(DoctorRepository, TheAdviceForADamagedIndexNamesItsPathWhereverItIs) {
 
 // ---- the HEAD commit --------------------------------------------------------------------------
 
-TEST_F(DoctorRepository, AHEADCommitDamagedInItsPackIsAProblemThoughACommitGraphHasIt) {
+TEST_F(DoctorRepository, AHEADCommitDamagedInItsPackIsAProblemEvenIfACommitGraphHasIt) {
     repository.commitFile("a.c", "1\n");
     repository.git({"gc", "--quiet"});
     damageInPack("HEAD");
@@ -99,7 +99,7 @@ TEST_F(DoctorRepository, ADamagedRootTreeIsAProblem) {
                              HasSubstr("nebsc doctor --full")));
 }
 
-TEST_F(DoctorRepository, ARootTreeThatAPartialCloneHasNotFetchedIsNoDamageAndIsNotFetched) {
+TEST_F(DoctorRepository, AMissingRootTreeOfAPartialCloneIsNotedAndNotFetched) {
     repository.commitFile("a.c", "1\n");
     repository.git({"config", "uploadpack.allowFilter", "true"});
     const TemporaryFolder folder;
@@ -112,7 +112,7 @@ TEST_F(DoctorRepository, ARootTreeThatAPartialCloneHasNotFetchedIsNoDamageAndIsN
     };
     const auto before = countFiles();
     EXPECT_THAT(findingsIn(folder.path("partial"), "HEAD commit"),
-                IsOneFinding("note", HasSubstr("its root tree is not here yet"), ""));
+                IsOneFinding("note", HasSubstr("its root tree is not fetched yet"), ""));
     EXPECT_EQ(countFiles(), before);
     folder.write("partial/.git/refs/tags/tree", repository.git({"rev-parse", "HEAD^{tree}"}));
     EXPECT_THAT(findingsIn(folder.path("partial"), "references"),
@@ -178,7 +178,7 @@ TEST_F(DoctorRepository, PackedReferencesThatHoldJunkAreAProblem) {
     EXPECT_EQ(findings("HEAD commit")[0]["health"], "problem");
 }
 
-TEST_F(DoctorRepository, AFileBelowRefsThatIsNoReferenceIsNoted) {
+TEST_F(DoctorRepository, AFileBelowRefsWithAnInvalidNameIsNoted) {
     repository.commitFile("a.c", "1\n");
     std::filesystem::copy_file(repository.path(".git/refs/heads/main"),
                                repository.path(".git/refs/heads/main (conflicted copy)"));
@@ -187,7 +187,7 @@ TEST_F(DoctorRepository, AFileBelowRefsThatIsNoReferenceIsNoted) {
         IsOneFinding("note", HasSubstr("refs/heads/main (conflicted copy)"), HasSubstr("rm ")));
 }
 
-TEST_F(DoctorRepository, OfManyBrokenReferencesTheFirstAreNamedAndTheOthersCounted) {
+TEST_F(DoctorRepository, ManyBrokenReferencesAreNamedUpToALimitAndThenCounted) {
     repository.commitFile("a.c", "1\n");
     for (int i = 0; i < 30; ++i) {
         repository.write(".git/refs/heads/broken" + std::to_string(i), "junk\n");
@@ -229,7 +229,7 @@ TEST_F(DoctorRepository, AnIndexWithoutItsPackIsAProblem) {
                                                   HasSubstr("git fetch --refetch REMOTE")));
 }
 
-/// The references are lost only as long as the pack's index is.
+/// The references are only broken until the pack index is repaired.
 TEST_F(DoctorRepository, TheAdviceForADamagedIndexOfAPackRepairsItAndTheReferences) {
     repository.commitFile("a.c", "1\n");
     repository.git({"gc", "--quiet"});
@@ -257,7 +257,7 @@ TEST_F(DoctorRepository, TheAdviceForADamagedIndexOfAPackRepairsItAndTheReferenc
 
 // ---- worktrees --------------------------------------------------------------------------------
 
-TEST_F(DoctorRepository, AWorktreeThatIsGoneIsNoted) {
+TEST_F(DoctorRepository, AMissingWorktreeIsNoted) {
     repository.commitFile("a.c", "1\n");
     repository.git({"worktree", "add", "--quiet", "-b", "other", "../linked"});
     EXPECT_THAT(findings("worktree"), IsEmpty());
@@ -282,7 +282,7 @@ TEST_F(DoctorRepository, WithFullEveryFindingOfFsckIsShown) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(DoctorRepository, TheAdvisedFetchBringsLostObjectsBack) {
+TEST_F(DoctorRepository, TheAdvisedFetchRestoresLostObjects) {
     repository.commitFile("a.c", "1\n");
     const TestRepository clone;
     clone.git({"pull", "--quiet", repository.path(), "main"});
@@ -319,7 +319,7 @@ TEST_F(DoctorRepository, AMessageOfFsckOnTwoLinesIsOneFindingAndAWarningIsANote)
     EXPECT_EQ(found[1]["text"], "broken link from tree 1 to blob 2");
 }
 
-TEST_F(DoctorRepository, AFsckThatIsKilledHasFoundNoDamage) {
+TEST_F(DoctorRepository, AKilledFsckReportsNoDamage) {
     repository.commitFile("a.c", "1\n");
     const StandInGit git(repository.path(),
                          "case \"$*\" in *fsck*) kill -9 $$;; "
@@ -328,7 +328,7 @@ TEST_F(DoctorRepository, AFsckThatIsKilledHasFoundNoDamage) {
                 IsOneFinding("problem", HasSubstr("git fsck did not complete: "), ""));
 }
 
-TEST_F(DoctorRepository, AFsckThatTakesLongEndsWithASignal) {
+TEST_F(DoctorRepository, ASignalEndsALongFsck) {
     repository.commitFile("a.c", "1\n");
     const StandInGit git(repository.path(),
                          "case \"$*\" in *fsck*) touch started; exec sleep 600;; "
@@ -343,7 +343,7 @@ TEST_F(DoctorRepository, AFsckThatTakesLongEndsWithASignal) {
     EXPECT_EQ(outcome.output, "");
 }
 
-// ---- nothing happens to the repository --------------------------------------------------------
+// ---- no changes -------------------------------------------------------------------------------
 
 TEST_F(DoctorRepository, IsNotChanged) {
     repository.commitFile("a.c", "1\n");

@@ -1,4 +1,4 @@
-// What `nebsc doctor` finds around a repository: who commits, the hooks, and the environment.
+// The findings of `nebsc doctor` about the identity, hooks and environment variables.
 
 #include <sys/stat.h>
 
@@ -44,7 +44,7 @@ TEST_F(DoctorSurroundings, AnIdentityThatGitRefusesIsAProblem) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(DoctorSurroundings, AnIdentityThatIsNotConfiguredIsAProblemWhereGitMustNotGuess) {
+TEST_F(DoctorSurroundings, AMissingIdentityIsAProblemIfGitMustNotGuess) {
     repository.write("config", "[user]\n\tuseConfigOnly = true\n");
     EXPECT_THAT(findings("identity", {{"GIT_CONFIG_GLOBAL", repository.path("config")}}),
                 IsOneFinding("problem", HasSubstr("auto-detection is disabled"),
@@ -56,7 +56,7 @@ TEST_F(DoctorSurroundings, AnIdentityThatIsNotConfiguredIsAProblemWhereGitMustNo
                      HasSubstr("git config --global user.email ")));
 }
 
-TEST_F(DoctorSurroundings, AnAddressThatGitMadeUpIsNoted) {
+TEST_F(DoctorSurroundings, AnAddressThatGitGuessedIsNoted) {
     const StandInGit git(repository.path(),
                          "case \"$1\" in var) echo 'Ann <ann@machine> 1600000000 +0000';; "
                          "config) exit 0;; *) exec /usr/bin/git \"$@\";; esac");
@@ -76,7 +76,7 @@ TEST_F(DoctorSurroundings, ACommitterThatGitRefusesIsAProblem) {
 
 TEST_F(DoctorSurroundings, HooksThatCanRunAreNamed) {
     std::filesystem::remove_all(repository.path(".git/hooks"));
-    EXPECT_THAT(findings("hooks"), IsOneFinding("ok", "none is set up", ""));
+    EXPECT_THAT(findings("hooks"), IsOneFinding("ok", "none installed", ""));
     writeHook("pre-commit", "#!/bin/sh\nexit 0\n");
     writeHook("commit-msg", "#! /usr/bin/env sh\nexit 0\n");
     writeHook("post-commit", "exit 0\n");  // git runs it with sh
@@ -85,7 +85,7 @@ TEST_F(DoctorSurroundings, HooksThatCanRunAreNamed) {
     EXPECT_THAT(findings("hooks"), IsOneFinding("ok", "pre-commit, commit-msg, post-commit", ""));
 }
 
-TEST_F(DoctorSurroundings, AHookWhoseInterpreterDoesNotExistIsAProblem) {
+TEST_F(DoctorSurroundings, AHookWithAMissingInterpreterIsAProblem) {
     struct Row {
         const char* line;
         const char* program;
@@ -105,7 +105,7 @@ TEST_F(DoctorSurroundings, AHookWhoseInterpreterDoesNotExistIsAProblem) {
     }
 }
 
-TEST_F(DoctorSurroundings, AHookWithLineEndsOfWindowsIsAProblem) {
+TEST_F(DoctorSurroundings, AHookWithCRLFLineEndsIsAProblem) {
     writeHook("pre-commit", "#!/bin/sh\r\nexit 0\r\n");
     EXPECT_THAT(findings("hook"), IsOneFinding("problem", HasSubstr("carriage return"),
                                                HasSubstr(".git/hooks/pre-commit")));
@@ -118,7 +118,7 @@ TEST_F(DoctorSurroundings, AHookThatIsNotExecutableIsNoted) {
                              "Run: chmod +x " + repository.path(".git/hooks/pre-commit")));
 }
 
-TEST_F(DoctorSurroundings, HooksAreLookedForWhereTheConfigurationSays) {
+TEST_F(DoctorSurroundings, HooksAreSearchedInTheConfiguredFolder) {
     repository.write("my hooks/pre-push", "#!/no/such/program\n");
     std::filesystem::permissions(repository.path("my hooks/pre-push"),
                                  std::filesystem::perms::owner_all);
@@ -132,19 +132,19 @@ TEST_F(DoctorSurroundings, HooksAreLookedForWhereTheConfigurationSays) {
                 IsOneFinding("note", HasSubstr("/no/such/folder"), HasSubstr("core.hooksPath")));
 }
 
-TEST_F(DoctorSurroundings, NoHookIsRunAndAPipeInItsPlaceDoesNotHangTheDoctor) {
+TEST_F(DoctorSurroundings, HooksAreNotRunAndANamedPipeDoesNotBlock) {
     const std::string mark = repository.path("mark");
     for (const char* name : {"post-index-change", "reference-transaction", "fsmonitor-watchman"}) {
         writeHook(name, "#!/bin/sh\ntouch '" + mark + "'\n");
     }
     ASSERT_EQ(::mkfifo(repository.path(".git/hooks/pre-commit").c_str(), 0700), 0);
-    EXPECT_THAT(findings("hook"), IsOneFinding("problem", HasSubstr("no regular file"), ""));
+    EXPECT_THAT(findings("hook"), IsOneFinding("problem", HasSubstr("not a regular file"), ""));
     EXPECT_FALSE(std::filesystem::exists(mark));
 }
 
 // ---- the environment --------------------------------------------------------------------------
 
-TEST_F(DoctorSurroundings, VariablesThatAreIgnoredAreNoted) {
+TEST_F(DoctorSurroundings, IgnoredVariablesAreNoted) {
     EXPECT_THAT(findings("variable"), IsEmpty());
     EXPECT_THAT(findings("variable", {{"GIT_DIR", "/x"}}),
                 IsOneFinding("note",
@@ -160,7 +160,7 @@ TEST_F(DoctorSurroundings, VariablesThatAreIgnoredAreNoted) {
                 IsEmpty());
 }
 
-TEST_F(DoctorSurroundings, WhatAnIgnoredVariableHoldsOfSecretsIsNotShown) {
+TEST_F(DoctorSurroundings, SecretsInIgnoredVariablesAreNotShown) {
     const auto found =
         findings("variable",
                  {{"GIT_CONFIG_PARAMETERS", "'http.extraheader'='Authorization: Basic s3cret'"}});

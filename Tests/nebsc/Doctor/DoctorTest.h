@@ -1,4 +1,4 @@
-// DoctorTest.h - a fixture for `nebsc doctor`, run as a program.
+// DoctorTest.h - a test fixture that runs `nebsc doctor`.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ class DoctorTest : public CommandTest {
 protected:
     using Variables = std::vector<std::pair<std::string, std::optional<std::string>>>;
 
-    /// The findings on a subject, of a run in the folder with these variables and options.
+    /// Runs `nebsc doctor` in the folder and returns the findings with the subject.
     [[nodiscard]] static nlohmann::ordered_json findingsIn(
         const std::string& folder, const std::string& subject, const Variables& variables = {},
         const std::vector<std::string>& options = {}) {
@@ -29,14 +29,14 @@ protected:
         }
         return chosen;
     }
-    /// The same at the top of the working copy.
+    /// Does the same at the top of the working copy.
     [[nodiscard]] nlohmann::ordered_json findings(const std::string& subject,
                                                   const Variables& variables = {}) const {
         return findingsIn(repository.path(), subject, variables);
     }
 };
 
-/// Matches the only finding of a list: its health, and text and advice that pass the matchers.
+/// Matches a list of one finding by its health, and by matchers for its text and advice.
 MATCHER_P3(IsOneFinding, health, text, advice, std::string("is one finding: ") + health) {
     if (arg.size() != 1 || arg[0]["health"] != health) {
         *result_listener << "it is " << arg.dump(2);

@@ -40,7 +40,7 @@ TEST_F(LockFiles, OfSubmodulesAreFound) {
                     "modules/libraries/deep/refs/heads/main.lock", "modules/plain/index.lock"));
 }
 
-TEST_F(LockFiles, BehindAFolderThatMayNotBeReadAreFound) {
+TEST_F(LockFiles, AfterAnUnreadableFolderAreFound) {
     for (const char* name : {"a", "m", "z"}) {
         folder.write(std::string(".git/refs/heads/") + name + "/x.lock", "");
     }
@@ -54,7 +54,7 @@ TEST_F(LockFiles, BehindAFolderThatMayNotBeReadAreFound) {
     EXPECT_THAT(names, ElementsAre("refs/heads/a/x.lock", "refs/heads/z/x.lock"));
 }
 
-TEST_F(LockFiles, WithoutARepositoryThereAreNone) {
+TEST_F(LockFiles, AreNotFoundWithoutARepository) {
     EXPECT_THAT(found(), ElementsAre());
 }
 

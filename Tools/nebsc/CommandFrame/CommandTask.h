@@ -86,9 +86,9 @@ protected:
     [[nodiscard]] virtual bool finishesAfter(const NEBSourceControlError& /*error*/) {
         return false;
     }
-    /// Returns a better message than the error's own; empty if there is none.
+    /// Returns a better message than the error's own; empty to keep that.
     [[nodiscard]] virtual std::string textFor(const NEBSourceControlError& error) const;
-    /// Returns advice for the error, a line with its end; empty if there is none.
+    /// Returns advice for the error, a line with its end; may be empty.
     [[nodiscard]] virtual std::string adviceFor(const NEBSourceControlError& /*error*/) const {
         return {};
     }

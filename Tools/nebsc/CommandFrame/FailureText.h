@@ -70,7 +70,7 @@ namespace neb::nebsc {
                                               std::string_view text,
                                               const std::vector<std::string>& files,
                                               std::string_view errorClass);
-/// Adds a failure with the text and all files in conflict. Adds nothing if there are none.
+/// Adds a failure with the text and all files in conflict. Adds nothing without conflicts.
 void addConflicts(CommandOutput& output, const GitQueries& git, std::string_view text);
 
 }  // namespace neb::nebsc

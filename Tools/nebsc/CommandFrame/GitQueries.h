@@ -40,17 +40,17 @@ public:
 
     // ---- revisions
 
-    /// Runs git to find the commit that a revision stands for. git exits with status 1 and prints
-    /// nothing if there is none.
+    /// Runs git to find the commit that a revision stands for. For an unknown revision git exits
+    /// with status 1 and prints nothing.
     [[nodiscard]] ChildOutcome runForCommit(const std::string& revision) const;
-    /// Returns the full commit id that a revision stands for; absent if there is none.
+    /// Returns the full commit id that a revision stands for; absent if it names no commit.
     [[nodiscard]] std::optional<std::string> commitId(const std::string& revision) const;
     [[nodiscard]] bool isCommit(const std::string& revision) const;
     /// Returns whether git knows no such commit. False if git failed for another reason.
     [[nodiscard]] bool isUnknownRevision(const std::string& revision) const;
     /// Returns whether HEAD names no commit yet. Runs git only in a bare repository.
     [[nodiscard]] bool isWithoutCommits() const;
-    /// Returns the commit of HEAD as it is now, 12 characters; absent if there is none.
+    /// Returns the current commit of HEAD, 12 characters; absent before the first commit.
     [[nodiscard]] std::optional<std::string> headCommit() const;
     /// Returns whether HEAD contains the revision.
     [[nodiscard]] bool isMerged(const std::string& revision) const;

@@ -11,8 +11,8 @@
 namespace neb::nebsc {
 
 struct WorkingCopyLocation {
-    /// Absolute path of the top of the working copy; where there is none, the folder in which it
-    /// was searched, so that git itself reports what is wrong.
+    /// Absolute path of the top of the working copy. Outside a working copy, the folder where the
+    /// search began, so that git itself reports what is wrong.
     std::string location{};
     /// Absolute path of the current folder, without symbolic links.
     std::string currentFolder{};

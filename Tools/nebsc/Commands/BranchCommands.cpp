@@ -99,7 +99,7 @@ constinit const Command currentCommand{
     .group = subcommandGroup,
     .summary = "Show the name of the current branch",
     .details =
-        "Exits with status 1 if there is none, for example with a tag checked out.\n"
+        "Exits with status 1 if no branch is checked out, for example on a tag.\n"
         "\n"
         "Example:\n"
         "  nebsc branch current\n",

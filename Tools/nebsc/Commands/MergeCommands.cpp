@@ -12,7 +12,7 @@ namespace {
 
 // ---- merge ------------------------------------------------------------------------------------
 
-constexpr SideNames sideNames{.kept = "the current branch's", .leftOut = "the other side's"};
+constexpr SideNames sideNames{.kept = "the current branch's", .leftOut = "the other branch's"};
 
 class MergeTask : public CommandTask {
 public:

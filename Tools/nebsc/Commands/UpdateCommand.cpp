@@ -41,7 +41,7 @@ private:
     [[nodiscard]] SideNames sideNames() const {
         return isSubversion()
                    ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
-                   : SideNames{.kept = "the current branch's", .leftOut = "the other side's"};
+                   : SideNames{.kept = "the current branch's", .leftOut = "the other branch's"};
     }
     [[nodiscard]] std::optional<CommandOutput> refusalOfArguments() const;
     [[nodiscard]] std::optional<CommandOutput> findSource();

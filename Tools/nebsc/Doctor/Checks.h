@@ -1,53 +1,53 @@
-// Checks.h - the checks of `nebsc doctor`, each in a source file of its own. Each adds what it
-// finds to the examination.
+// Checks.h - the checks of `nebsc doctor`. Each one is in its own source file and adds its findings
+// to the examination.
 #pragma once
 
 #include "Doctor/Examination.h"
 
 namespace neb::nebsc {
 
-/// The advice on lost objects. A fetch without --refetch brings none that the local references
+/// The advice on lost objects. A fetch without --refetch skips objects that the local references
 /// should reach.
 inline constexpr const char* adviceOnLostObjects =
-    "'git fetch --refetch REMOTE' (git 2.36 or newer) fetches them again, REMOTE being any clone "
-    "that has them.";
+    "'git fetch --refetch REMOTE' (git 2.36 or newer) fetches them again from any clone that has "
+    "them.";
 
-/// git itself, its version and its programs for HTTPS. Sets `hasGit` and `programs`.
+/// Checks git, its version and its support for HTTPS. Sets `hasGit` and `programs`.
 void checkGit(Examination& examination);
 void checkPlugIn(Examination& examination, const PlugInFile& plugIn);
-/// Whether there is a repository around the folder that git can read. Sets `repository`.
+/// Checks that the folder is in a repository that git can read. Sets `repository`.
 void checkRepository(Examination& examination);
 
-// ---- of a repository
+// ---- repository
 
-/// Lock files that were left behind.
+/// Finds orphaned lock files.
 void checkLocks(Examination& examination);
 void checkIndex(Examination& examination);
 /// Returns the advice on an index that git cannot read.
 [[nodiscard]] std::string adviceOnDamagedIndex(Examination& examination);
-/// Whether every reference names an object that exists.
+/// Checks that every reference names an existing object.
 void checkReferences(Examination& examination);
-/// Whether the HEAD commit and its root tree can be read.
+/// Checks that the HEAD commit and its root tree are readable.
 void checkHEADCommit(Examination& examination);
-/// The shallow file, alternates and packs.
+/// Checks the shallow file, alternates and packs.
 void checkObjects(Examination& examination);
-/// Linked worktrees whose folder is gone.
+/// Finds linked worktrees whose folder is missing.
 void checkWorktrees(Examination& examination);
-/// A merge, a rebase and the like that is under way.
+/// Notes merges, rebases and similar operations in progress.
 void checkUnfinishedWork(Examination& examination);
 void checkHooks(Examination& examination);
-/// Everything, by git fsck: this may take long. Not a part of the common examination.
+/// Runs git fsck on all objects. Slow, so only `--full` runs it.
 void checkIntegrity(Examination& examination);
 
-// ---- of the user
+// ---- user
 
-/// Settings that do not count. Sets `settings`.
+/// Notes settings that nebsc overrides. Sets `settings`.
 void checkSettings(Examination& examination);
-/// The name and address of commits.
+/// Checks the author and committer of commits.
 void checkIdentity(Examination& examination);
-/// Variables that do not reach git.
+/// Notes environment variables that are not passed on to git.
 void checkEnvironment(Examination& examination);
-/// Credential helpers, the ssh agent, askpass.
+/// Checks credential helpers, the ssh agent and askpass programs.
 void checkCredentials(Examination& examination);
 void checkSubversion(Examination& examination);
 

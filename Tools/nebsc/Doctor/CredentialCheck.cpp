@@ -7,16 +7,16 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A helper is a shell's text behind "!", a path, or the end of a program's name. Its arguments may
-/// hold secrets, so only the program is shown.
+/// Checks a helper: a shell command after "!", a path, or NAME for the program
+/// "git-credential-NAME". Shows only the program, because its arguments can contain secrets.
 void checkHelper(Examination& examination, const Setting& setting) {
     const std::string which = "helper of the " + setting.scope + " configuration";
     if (setting.value.starts_with('!')) {
-        examination.add(Health::note, "credentials", which + ": a text for the shell");
+        examination.add(Health::note, "credentials", which + ": a shell command");
         return;
     }
     const std::string name = setting.value.substr(0, setting.value.find(' '));
-    const bool isPath = name.starts_with('/');  // to git "~" is no path here
+    const bool isPath = name.starts_with('/');  // git does not expand "~" here
     const std::string program = isPath ? name : "git-credential-" + name;
     if (examination.isReachable(program)) {
         examination.add(Health::ok, "credentials", which + ": " + program);
@@ -32,8 +32,8 @@ void checkHelpers(Examination& examination) {
     const std::vector<Setting> helpers = examination.settings->credentialHelpers();
     if (helpers.empty()) {
         examination.add(Health::note, "credentials",
-                        "no helper is configured, so passwords cannot be found",
-                        "A helper is for instance: git config --global credential.helper cache");
+                        "no helper is configured, so git cannot look up passwords",
+                        "For example: git config --global credential.helper cache");
     }
     for (const Setting& helper : helpers) {
         checkHelper(examination, helper);
@@ -44,18 +44,18 @@ void checkAgent(Examination& examination) {
     const std::string socket = environmentVariable("SSH_AUTH_SOCK");
     struct stat attributes {};
     if (socket.empty()) {
-        examination.add(Health::note, "ssh agent", "SSH_AUTH_SOCK names none",
-                        "'ssh-add' gives an agent a key with a passphrase.");
+        examination.add(Health::note, "ssh agent", "SSH_AUTH_SOCK is not set",
+                        "Start an agent, and add keys with a passphrase with 'ssh-add'.");
     } else if (::stat(socket.c_str(), &attributes) == 0 && S_ISSOCK(attributes.st_mode)) {
         examination.add(Health::ok, "ssh agent", socket);
     } else {
         examination.add(Health::note, "ssh agent",
-                        socket + " does not exist, though SSH_AUTH_SOCK names it",
+                        "SSH_AUTH_SOCK names " + inQuotes(socket) + ", which does not exist",
                         "Restart the agent.");
     }
 }
 
-/// A setting; empty where settings cannot be read.
+/// Returns a setting; empty if git cannot read the settings.
 std::string settingNamed(const Examination& examination, std::string_view key) {
     return examination.settings ? examination.settings->lastValue(key) : "";
 }

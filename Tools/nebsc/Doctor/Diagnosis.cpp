@@ -10,7 +10,7 @@ namespace {
 
 using Check = void (*)(Examination&);
 
-/// In the order in which people read the findings.
+/// In the order of the output.
 constexpr Check checksOfRepository[] = {
     checkLocks,   checkIndex,     checkReferences,     checkHEADCommit,
     checkObjects, checkWorktrees, checkUnfinishedWork, checkHooks,
@@ -19,9 +19,9 @@ constexpr Check checksOfUser[] = {
     checkSettings, checkIdentity, checkEnvironment, checkCredentials, checkSubversion,
 };
 
-void perform(std::span<const Check> checks, Examination& examination) {
+void runChecks(std::span<const Check> checks, Examination& examination) {
     for (const Check check : checks) {
-        if (!examination.isHopeless()) {
+        if (!examination.shouldStop()) {
             check(examination);
         }
     }
@@ -32,7 +32,7 @@ void perform(std::span<const Check> checks, Examination& examination) {
 void checkPlugIn(Examination& examination, const PlugInFile& plugIn) {
     if (!plugIn.load.plugIn) {
         examination.add(Health::problem, "plug-in", plugIn.load.failure,
-                        "Build or reinstall NEBGit, or name its file with --plugin.");
+                        "Build or reinstall NEBGit, or give its path with --plugin.");
         return;
     }
     examination.add(Health::ok, "plug-in",
@@ -51,15 +51,14 @@ std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
     }
     checkRepository(examination);
     if (examination.repository) {
-        perform(checksOfRepository, examination);
-        if (subject.isFull && !examination.isHopeless()) {
+        runChecks(checksOfRepository, examination);
+        if (subject.isFull && !examination.shouldStop()) {
             checkIntegrity(examination);
         }
     }
-    perform(checksOfUser, examination);
-    if (examination.isHopeless()) {
-        examination.add(Health::problem, "git",
-                        "answers too slowly, so the examination is not complete",
+    runChecks(checksOfUser, examination);
+    if (examination.shouldStop()) {
+        examination.add(Health::problem, "git", "is too slow; the remaining checks were skipped",
                         "Check the disk or network drive that the repository is on.");
     }
     return examination.takeFindings();

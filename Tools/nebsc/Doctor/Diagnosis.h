@@ -1,5 +1,4 @@
-// Diagnosis.h - whether everything is in order for work with git here, and what to do where it is
-// not.
+// Diagnosis.h - checks of git, the repository and the settings, with advice for each problem.
 #pragma once
 
 #include <string>
@@ -13,18 +12,18 @@ namespace neb::nebsc {
 
 enum class Health {
     ok,
-    /// Good to know; nothing is wrong.
+    /// For information only.
     note,
     problem,
 };
 
 struct Finding {
     Health health;
-    /// What it is about: "git", "lock".
+    /// What was checked: "git", "lock".
     std::string subject;
-    /// One clause, as it is, not printable.
+    /// One clause. May contain control characters; see printable().
     std::string text;
-    /// What to do; empty where there is nothing to do.
+    /// What to do; may be empty.
     std::string advice = {};
 };
 
@@ -32,15 +31,15 @@ struct DiagnosisSubject {
     const PlugInFile& plugIn;
     /// Absolute.
     const std::string& folder;
-    /// Whether git fsck reads every object, which may take long.
+    /// Whether to run git fsck, which reads every object and may be slow.
     bool isFull = false;
 };
 
-/// Checks git, the plug-in, the repository around the folder and the user's settings. Changes
-/// nothing, runs no program but git, and no git command for which a repository's configuration
-/// could choose another program; nothing is fetched. Each git process has a few seconds, and after
-/// two that do not end in time no other is started; only git fsck has no limit. No passwords are in
-/// the findings. A signal ends it.
+/// Checks git, the plug-in, the repository that contains the folder, and the user's settings.
+/// Changes and fetches nothing. Runs only git, and no git command for which the repository's
+/// configuration can name another program. Each git process has a time limit of a few seconds,
+/// except git fsck; after two timeouts the remaining checks are skipped. The findings contain no
+/// passwords. A signal ends the diagnosis.
 [[nodiscard]] std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
                                             const DiagnosisSubject& subject);
 

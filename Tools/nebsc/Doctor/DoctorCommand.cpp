@@ -17,21 +17,21 @@ namespace neb::nebsc {
 
 namespace {
 
-struct HealthWord {
+struct HealthLabel {
     Health health;
-    std::string_view word;
+    std::string_view text;
     Colour colour;
 };
 
-constexpr std::array<HealthWord, 3> healthWords{{
+constexpr std::array<HealthLabel, 3> healthLabels{{
     {Health::ok, "ok", Colour::green},
     {Health::note, "note", Colour::yellow},
     {Health::problem, "problem", Colour::boldRed},
 }};
 
-const HealthWord& wordOf(Health health) {
-    return *std::find_if(healthWords.begin(), healthWords.end(),
-                         [health](const HealthWord& row) { return row.health == health; });
+const HealthLabel& labelOf(Health health) {
+    return *std::find_if(healthLabels.begin(), healthLabels.end(),
+                         [health](const HealthLabel& row) { return row.health == health; });
 }
 
 std::string textOf(const std::vector<Finding>& findings, bool isColoured) {
@@ -43,9 +43,9 @@ std::string textOf(const std::vector<Finding>& findings, bool isColoured) {
     const std::size_t indent = healthColumns + subjectColumns;
     std::string text;
     for (const Finding& finding : findings) {
-        const HealthWord& word = wordOf(finding.health);
-        text += (isColoured ? coloured(word.word, word.colour) : std::string(word.word)) +
-                std::string(healthColumns - word.word.size(), ' ') +
+        const HealthLabel& label = labelOf(finding.health);
+        text += (isColoured ? coloured(label.text, label.colour) : std::string(label.text)) +
+                std::string(healthColumns - label.text.size(), ' ') +
                 paddedTo(subjectColumns, finding.subject) +
                 wrapped(STDOUT_FILENO, indent, printable(finding.text)) + "\n";
         if (!finding.advice.empty()) {
@@ -60,7 +60,7 @@ nlohmann::ordered_json jsonOf(const std::vector<Finding>& findings, bool isInOrd
     auto array = nlohmann::ordered_json::array();
     for (const Finding& finding : findings) {
         array.push_back(
-            {{"health", wordOf(finding.health).word},
+            {{"health", labelOf(finding.health).text},
              {"subject", finding.subject},
              {"text", finding.text},
              {"advice", finding.advice.empty() ? nlohmann::ordered_json()
@@ -75,12 +75,12 @@ CommandOutput run(const CommandCall& call) {
         return refusal(folder.failure, exitFailed);
     }
     Interruption interruption;
-    std::optional<ProgressIndicator> sign(std::in_place, call.command.activity,
-                                          !call.session.trace().isOn());
+    std::optional<ProgressIndicator> indicator(std::in_place, call.command.activity,
+                                               !call.session.trace().isOn());
     const std::vector<Finding> findings = diagnose(
         interruption, call.session.trace(),
         {.plugIn = call.plugIn, .folder = *folder.path, .isFull = call.arguments.has("--full")});
-    sign.reset();
+    indicator.reset();
     const bool isInOrder =
         std::none_of(findings.begin(), findings.end(),
                      [](const Finding& finding) { return finding.health == Health::problem; });
@@ -98,7 +98,7 @@ CommandOutput run(const CommandCall& call) {
 }
 
 constexpr Parameter parameters[] = {
-    {"--full", "Run git fsck too, which reads every object of the repository"},
+    {"--full", "Also run git fsck, which reads every object of the repository"},
 };
 
 }  // namespace
@@ -108,16 +108,16 @@ constinit const Command doctorCommand{
     .group = inspectGroup,
     .summary = "Check git, the repository and the settings for problems, and say how to fix them",
     .details =
-        "Checks git and the plug-in; of the repository lock files, the index, every reference,\n"
-        "the HEAD commit with its root tree, packs, alternates, worktrees, unfinished work and\n"
-        "hooks; then settings and environment variables that are ignored here, the identity for\n"
-        "commits, and credentials. Changes nothing, runs no hooks and fetches nothing. Takes a\n"
-        "few seconds at most, but with --full as long as git fsck needs. The exit status is 1\n"
-        "where there is a problem.\n\n"
+        "Checks git and the plug-in; in the repository: lock files, the index, references, the\n"
+        "HEAD commit and its root tree, packs, alternates, worktrees, operations in progress\n"
+        "and hooks; for the user: settings and environment variables that nebsc ignores, the\n"
+        "identity for commits, and credentials. Changes nothing, runs no hooks and fetches\n"
+        "nothing. Takes a few seconds; with --full as long as git fsck. Exits with status 1 if\n"
+        "it finds a problem.\n\n"
         "Examples:\n"
         "  nebsc doctor\n"
-        "  nebsc doctor --full    read every object too, to find damage anywhere\n"
-        "  nebsc doctor --json    the same for a program to read\n",
+        "  nebsc doctor --full    also read every object, to find all damage\n"
+        "  nebsc doctor --json    print the findings as JSON\n",
     .parameters = parameters,
     .activity = "Checking",
     .needsPlugIn = false,

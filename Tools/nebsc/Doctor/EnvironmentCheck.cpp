@@ -7,7 +7,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Settings, which may be secrets such as http.extraHeader.
+/// Holds settings, which can be secrets such as http.extraHeader.
 constexpr std::string_view settingsVariable = "GIT_CONFIG_PARAMETERS";
 /// git sets it for the commands of an alias; ignoring it changes nothing.
 constexpr std::string_view aliasVariable = "GIT_PREFIX";
@@ -28,7 +28,7 @@ void checkEnvironment(Examination& examination) {
     for (const NEBSourceControlIgnoredVariable& variable :
          NEBSourceControlIgnoredVariables(NEBSourceControlInheritedEnvironment())) {
         const auto& [name, value, reason] = variable;
-        // Others are of terminals and of tar, not settings of git.
+        // The other variables are for terminals and tar, not for git.
         if (!name.starts_with("GIT_") || value.empty() || name == aliasVariable) {
             continue;
         }

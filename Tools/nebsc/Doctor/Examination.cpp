@@ -13,55 +13,55 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr auto timeForEachQuestion = std::chrono::seconds(5);
-constexpr int mostUnansweredQuestions = 2;
+constexpr auto timeLimitOfQuery = std::chrono::seconds(5);
+constexpr int mostTimeouts = 2;
 
-/// A git before 2.44 does not know the first, and starts a fetch that the second ends before it
-/// has reached anything.
+/// git before 2.44 ignores the first variable and starts a fetch; the second one makes that fetch
+/// fail before it connects.
 const std::vector<std::string> withoutFetching{"GIT_NO_LAZY_FETCH=1", "GIT_ALLOW_PROTOCOL="};
 
 }  // namespace
 
-ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool isLimited) {
+ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool hasTimeLimit) {
     ChildProcess process;
     const auto cancel = [&process] { process.cancel(); };
     const Interruption::Work work(_interruption, cancel);
     std::optional<Deadline> deadline;
-    if (isLimited) {
-        deadline.emplace(std::chrono::steady_clock::now() + timeForEachQuestion, cancel);
+    if (hasTimeLimit) {
+        deadline.emplace(std::chrono::steady_clock::now() + timeLimitOfQuery, cancel);
     }
     ChildOutcome outcome = runGits(
         process, _trace, std::move(calls),
         {.folder = _folder, .variables = withoutFetching, .traits = {.isBackgroundWork = true}});
-    if (isLimited && isUnanswered(outcome)) {
-        ++_unansweredQuestions;
+    if (hasTimeLimit && hasTimedOut(outcome)) {
+        ++_timeouts;
         outcome.status = TerminationStatus::unknown(
-            "no answer within " + std::to_string(timeForEachQuestion.count()) + " s");
+            "timed out after " + std::to_string(timeLimitOfQuery.count()) + " s");
         outcome.errorOutput = {};
     }
     return outcome;
 }
 
-ChildOutcome Examination::ask(std::vector<std::string> arguments) {
+ChildOutcome Examination::query(std::vector<std::string> arguments) {
     return run({std::move(arguments)}, true);
 }
 
-ChildOutcome Examination::askPipeline(std::vector<std::string> first,
-                                      std::vector<std::string> second) {
+ChildOutcome Examination::queryPipeline(std::vector<std::string> first,
+                                        std::vector<std::string> second) {
     return run({std::move(first), std::move(second)}, true);
 }
 
-ChildOutcome Examination::askPatiently(std::vector<std::string> arguments) {
+ChildOutcome Examination::queryWithoutTimeLimit(std::vector<std::string> arguments) {
     return run({std::move(arguments)}, false);
 }
 
 std::string Examination::gitPath(const std::string& name) {
-    const auto path = answerOf(ask({"rev-parse", "--path-format=absolute", "--git-path", name}));
+    const auto path = answerOf(query({"rev-parse", "--path-format=absolute", "--git-path", name}));
     return path.value_or(pathByAppendingComponent(repository ? repository->gitFolder : "", name));
 }
 
-bool Examination::isHopeless() const {
-    return _unansweredQuestions >= mostUnansweredQuestions || _interruption.signalNumber();
+bool Examination::shouldStop() const {
+    return _timeouts >= mostTimeouts || _interruption.signalNumber();
 }
 
 void Examination::add(Health health, std::string subject, std::string text, std::string advice) {
@@ -74,8 +74,8 @@ bool Examination::isReachable(const std::string& program) const {
                : isProgramIn(programs + ":" + environmentVariable("PATH"), program);
 }
 
-bool isUnanswered(const ChildOutcome& outcome) {
-    return outcome.duration >= timeForEachQuestion;
+bool hasTimedOut(const ChildOutcome& outcome) {
+    return outcome.duration >= timeLimitOfQuery;
 }
 
 std::string environmentVariable(const char* name) {

@@ -1,5 +1,5 @@
-// Examination.h - what the checks of `nebsc doctor` share: how they ask git, what is known of the
-// repository so far, and the findings.
+// Examination.h - the shared state of the checks of `nebsc doctor`: how they run git, what is known
+// about the repository, and the findings.
 #pragma once
 
 #include <optional>
@@ -13,7 +13,7 @@
 
 namespace neb::nebsc {
 
-/// Where a repository keeps its files. All paths are absolute.
+/// The folders of a repository. All paths are absolute.
 struct RepositoryLayout {
     std::string gitFolder;
     /// Differs from `gitFolder` in a linked worktree.
@@ -28,56 +28,57 @@ public:
     Examination(Interruption& interruption, const Trace& trace, const std::string& folder)
         : _interruption(interruption), _trace(trace), _folder(folder) {}
 
-    // ---- questions to git
+    // ---- git queries
 
-    /// Runs git in the folder for a few seconds at most. git changes nothing, fetches nothing that
-    /// a partial clone lacks, and talks to no other machine.
-    [[nodiscard]] ChildOutcome ask(std::vector<std::string> arguments);
-    /// The same for two git processes, the first one's output piped into the second one. Returns
-    /// the outcome of the second.
-    [[nodiscard]] ChildOutcome askPipeline(std::vector<std::string> first,
-                                           std::vector<std::string> second);
-    /// The same as ask() without a limit of time; a signal ends it.
-    [[nodiscard]] ChildOutcome askPatiently(std::vector<std::string> arguments);
-    /// The absolute path of a file of the repository, such as "index" or "refs/heads/main".
+    /// Runs git in the folder with a time limit of a few seconds. git changes nothing, fetches no
+    /// missing objects of a partial clone and opens no network connection.
+    [[nodiscard]] ChildOutcome query(std::vector<std::string> arguments);
+    /// Runs two git processes in the same way, with the output of the first one piped into the
+    /// second one. Returns the outcome of the second one.
+    [[nodiscard]] ChildOutcome queryPipeline(std::vector<std::string> first,
+                                             std::vector<std::string> second);
+    /// Runs git like query(), without a time limit. A signal ends it.
+    [[nodiscard]] ChildOutcome queryWithoutTimeLimit(std::vector<std::string> arguments);
+    /// Returns the absolute path of a file of the repository, such as "index" or "refs/heads/main".
     [[nodiscard]] std::string gitPath(const std::string& name);
-    /// True once several questions were not answered in time: more would only take longer.
-    [[nodiscard]] bool isHopeless() const;
+    /// Returns whether to skip the remaining checks: after several timeouts, or after a signal.
+    [[nodiscard]] bool shouldStop() const;
 
     // ---- findings
 
     void add(Health health, std::string subject, std::string text, std::string advice = {});
     [[nodiscard]] std::vector<Finding> takeFindings() { return std::move(_findings); }
 
-    // ---- what is known
+    // ---- state
 
     [[nodiscard]] const std::string& folder() const { return _folder; }
-    /// Whether there is a program of the name: in git's own folder or in PATH, or at the path.
+    /// Returns whether the program exists: in git's own folder or in PATH; one with a slash at that
+    /// path.
     [[nodiscard]] bool isReachable(const std::string& program) const;
 
-    /// Whether git can be used at all.
+    /// Whether git runs and reports a version.
     bool hasGit = false;
-    /// Where git's own programs are; empty where it is not known.
+    /// The folder of git's own programs; empty if unknown.
     std::string programs;
     /// Absent outside of a repository that git can read.
     std::optional<RepositoryLayout> repository;
-    /// Absent where git cannot read them.
+    /// Absent if git cannot read them.
     std::optional<UserSettings> settings;
 
 private:
-    [[nodiscard]] ChildOutcome run(std::vector<std::vector<std::string>> calls, bool isLimited);
+    [[nodiscard]] ChildOutcome run(std::vector<std::vector<std::string>> calls, bool hasTimeLimit);
 
     Interruption& _interruption;
     const Trace& _trace;
     const std::string& _folder;
     std::vector<Finding> _findings;
-    int _unansweredQuestions = 0;
+    int _timeouts = 0;
 };
 
-/// Whether Examination::ask() ended git because its time was up.
-[[nodiscard]] bool isUnanswered(const ChildOutcome& outcome);
+/// Returns whether Examination::query() ended git after the time limit.
+[[nodiscard]] bool hasTimedOut(const ChildOutcome& outcome);
 
-/// The value of an environment variable; empty where it is not set.
+/// Returns the value of an environment variable; empty if it is not set.
 [[nodiscard]] std::string environmentVariable(const char* name);
 
 }  // namespace neb::nebsc

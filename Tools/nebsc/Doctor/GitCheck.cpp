@@ -11,8 +11,9 @@ namespace {
 
 void addFailure(Examination& examination, const ChildOutcome& outcome) {
     if (!outcome.status.started()) {
-        examination.add(Health::problem, "git", "there is none: " + outcome.status.description(),
-                        "Install git, or put the folder that it is in into PATH.");
+        examination.add(Health::problem, "git",
+                        "cannot be started: " + outcome.status.description(),
+                        "Install git, or add its folder to PATH.");
         return;
     }
     const bool isSetting = NEBSourceControlErrorClassOfText(outcome.errorOutput) ==
@@ -36,25 +37,26 @@ void addVersion(Examination& examination, const GitVersion& version, const std::
 }
 
 void checkPrograms(Examination& examination) {
-    const ChildOutcome outcome = examination.ask({"--exec-path"});
+    const ChildOutcome outcome = examination.query({"--exec-path"});
     if (!outcome.status.isSuccess()) {
         examination.add(Health::problem, "git",
-                        "it does not report where its programs are: " + reasonOf(outcome));
+                        "does not report the folder of its programs: " + reasonOf(outcome));
         return;
     }
     examination.programs = answerOf(outcome).value_or("");
     if (examination.isReachable("git-remote-https")) {
-        examination.add(Health::ok, "https", "git can talk with repositories over HTTPS");
+        examination.add(Health::ok, "https", "git supports HTTPS");
     } else {
-        examination.add(Health::note, "https", "git has no program for repositories over HTTPS",
-                        "Install git with its support for curl.");
+        examination.add(Health::note, "https",
+                        "git does not support HTTPS: git-remote-https is missing",
+                        "Install git with support for curl.");
     }
 }
 
 }  // namespace
 
 void checkGit(Examination& examination) {
-    const ChildOutcome outcome = examination.ask({"--version"});
+    const ChildOutcome outcome = examination.query({"--version"});
     if (!outcome.status.isSuccess()) {
         addFailure(examination, outcome);
         return;
@@ -64,7 +66,7 @@ void checkGit(Examination& examination) {
     if (!version) {
         examination.add(Health::problem, "git",
                         gitPath() + " reports no version: " + inQuotes(text),
-                        "Reinstall git, or put the folder of another one into PATH.");
+                        "Reinstall git, or add the folder of another git to PATH.");
         return;
     }
     examination.hasGit = true;
@@ -80,7 +82,7 @@ void checkSubversion(Examination& examination) {
         examination.add(Health::ok, "git-svn", "is installed");
     } else {
         examination.add(Health::note, "git-svn", "is not installed",
-                        "Install git-svn for repositories of Subversion.");
+                        "Install git-svn to use Subversion repositories.");
     }
 }
 

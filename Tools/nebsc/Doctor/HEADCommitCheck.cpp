@@ -10,14 +10,14 @@ constexpr const char* subject = "HEAD commit";
 constexpr const char* treeUnreadable = "its root tree cannot be read: ";
 
 std::string adviceOnUnreadable() {
-    return "'nebsc doctor --full' lists all that is missing or damaged. " +
+    return "'nebsc doctor --full' lists all missing or damaged objects. " +
            std::string(adviceOnLostObjects);
 }
 
-/// git cannot resolve HEAD: most often its branch has no commits yet. git symbolic-ref(1) names a
-/// branch without commits, and fails where the branch is damaged.
+/// Adds a finding for a HEAD that git cannot resolve. Usually its branch has no commits yet; git
+/// symbolic-ref(1) succeeds then, and fails for a damaged branch.
 void addUnresolved(Examination& examination) {
-    if (examination.ask({"symbolic-ref", "--quiet", "HEAD"}).status.isSuccess()) {
+    if (examination.query({"symbolic-ref", "--quiet", "HEAD"}).status.isSuccess()) {
         examination.add(Health::note, subject, "the current branch has no commits yet");
     } else {
         examination.add(Health::problem, subject,
@@ -27,13 +27,12 @@ void addUnresolved(Examination& examination) {
 }
 
 bool isPartialClone(Examination& examination) {
-    return answerOf(examination.ask({"config", "--get-regexp",
-                                     R"(^(extensions\.partialclone|remote\..*\.promisor)$)"}))
+    return answerOf(examination.query({"config", "--get-regexp",
+                                       R"(^(extensions\.partialclone|remote\..*\.promisor)$)"}))
         .has_value();
 }
 
-/// The object that the list of rev-list(1), made with --missing=print, marks as missing; empty
-/// where it marks none.
+/// Returns the missing object in the output of git rev-list(1) --missing=print; empty without one.
 std::string missingObjectIn(std::string_view list) {
     std::string object;
     forEachPiece(list, '\n', [&object](std::string_view line) {
@@ -47,8 +46,8 @@ std::string missingObjectIn(std::string_view list) {
 void addMissingTree(Examination& examination, const std::string& tree) {
     if (isPartialClone(examination)) {
         examination.add(Health::note, subject,
-                        "is readable; its root tree is not here yet: git fetches it from the "
-                        "remote as soon as it is needed");
+                        "is readable; its root tree is not fetched yet: git fetches it from the "
+                        "remote when needed");
     } else {
         examination.add(Health::problem, subject, "its root tree " + tree + " is missing",
                         adviceOnUnreadable());
@@ -57,20 +56,21 @@ void addMissingTree(Examination& examination, const std::string& tree) {
 
 }  // namespace
 
-/// A commit-graph file holds a copy of what a commit says, which hides that the commit is damaged.
+/// Reads without the commit-graph file: its copy of the commit would hide that the commit is
+/// damaged.
 void checkHEADCommit(Examination& examination) {
-    const ChildOutcome head = examination.ask({"rev-parse", "--verify", "--quiet", "HEAD"});
+    const ChildOutcome head = examination.query({"rev-parse", "--verify", "--quiet", "HEAD"});
     if (head.status.exitStatus() == 1) {
         addUnresolved(examination);
         return;
     }
-    // It lists the commit and its root tree, and fetches neither in a partial clone.
+    // Lists the commit and its root tree; in a partial clone it fetches neither.
     const ChildOutcome list =
-        examination.ask({"-c", "core.commitGraph=false", "rev-list", "--objects", "--no-walk",
-                         "--filter=tree:1", "--missing=print", "HEAD", "--"});
+        examination.query({"-c", "core.commitGraph=false", "rev-list", "--objects", "--no-walk",
+                           "--filter=tree:1", "--missing=print", "HEAD", "--"});
     if (!list.status.isSuccess()) {
         const bool isCommitReadable =
-            examination.ask({"cat-file", "commit", "HEAD"}).status.isSuccess();
+            examination.query({"cat-file", "commit", "HEAD"}).status.isSuccess();
         examination.add(Health::problem, subject,
                         (isCommitReadable ? treeUnreadable : "cannot be read: ") + reasonOf(list),
                         adviceOnUnreadable());
@@ -80,7 +80,7 @@ void checkHEADCommit(Examination& examination) {
         addMissingTree(examination, tree);
         return;
     }
-    const ChildOutcome tree = examination.ask({"cat-file", "tree", "HEAD"});
+    const ChildOutcome tree = examination.query({"cat-file", "tree", "HEAD"});
     if (!tree.status.isSuccess()) {
         examination.add(Health::problem, subject, treeUnreadable + reasonOf(tree),
                         adviceOnUnreadable());

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t";
 
-/// Those of githooks(5), in its order.
+/// The hooks of githooks(5), in its order.
 constexpr std::string_view hookNames[] = {
     "applypatch-msg",
     "pre-applypatch",
@@ -51,7 +51,8 @@ constexpr std::string_view hookNames[] = {
     "post-index-change",
 };
 
-/// The first line of a regular file, without its "\n", as far as the kernel reads it.
+/// Returns the first line of a regular file, without its "\n". Limited to 256 bytes, as the kernel
+/// limits a "#!" line.
 std::string firstLineOf(const std::string& path) {
     std::array<char, 256> bytes{};
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -60,48 +61,48 @@ std::string firstLineOf(const std::string& path) {
     return std::string(start.substr(0, start.find('\n')));
 }
 
-/// What env(1) runs: all of the argument, or with -S its first word that sets no variable. Empty
-/// where that cannot be told.
+/// Returns the program that env(1) runs: the whole argument, or with -S the first part that sets no
+/// variable. Empty for other options.
 std::string_view programOfEnv(std::string_view argument) {
     constexpr std::string_view split = "-S";
     if (!argument.starts_with(split)) {
         return argument.starts_with('-') ? std::string_view() : argument;
     }
     for (argument = trimmed(argument.substr(split.size()), blanks); !argument.empty();) {
-        const std::string_view word = argument.substr(0, argument.find_first_of(" \t"));
-        if (word.find('=') == std::string_view::npos) {
-            return word.starts_with('-') ? std::string_view() : word;
+        const std::string_view part = argument.substr(0, argument.find_first_of(blanks));
+        if (part.find('=') == std::string_view::npos) {
+            return part.starts_with('-') ? std::string_view() : part;
         }
-        argument = trimmed(argument.substr(word.size()), blanks);
+        argument = trimmed(argument.substr(part.size()), blanks);
     }
     return {};
 }
 
-/// The program that a "#!" line needs and that does not exist; empty where all is well. The kernel
-/// hands everything behind the interpreter over as one argument.
+/// Returns the program that a "#!" line needs and that does not exist; empty if none is missing.
+/// The kernel passes everything after the interpreter as one argument.
 std::string missingProgramOf(const Examination& examination, std::string_view line) {
-    const std::string_view call = trimmed(line.substr(2), blanks);
-    std::string interpreter(call.substr(0, call.find_first_of(" \t")));
+    const std::string_view command = trimmed(line.substr(2), blanks);
+    std::string interpreter(command.substr(0, command.find_first_of(blanks)));
     if (!isProgram(interpreter)) {
         return interpreter;
     }
     if (lastPathComponent(interpreter) != "env") {
         return "";
     }
-    const std::string program(programOfEnv(trimmed(call.substr(interpreter.size()), blanks)));
+    const std::string program(programOfEnv(trimmed(command.substr(interpreter.size()), blanks)));
     return program.empty() || examination.isReachable(program) ? "" : program;
 }
 
-/// Checks a hook whose file exists; returns whether git can run it.
+/// Checks an existing hook. Returns whether git can run it.
 bool checkHook(Examination& examination, const std::string& path) {
     struct stat attributes {};
     if (::stat(path.c_str(), &attributes) != 0) {
-        examination.add(Health::note, "hook", path + " is a link that leads nowhere",
+        examination.add(Health::note, "hook", path + " is a broken symbolic link",
                         "Remove or correct the link.");
         return false;
     }
     if (!S_ISREG(attributes.st_mode)) {
-        examination.add(Health::problem, "hook", path + " cannot run: it is no regular file");
+        examination.add(Health::problem, "hook", path + " cannot run: it is not a regular file");
         return false;
     }
     if (::access(path.c_str(), X_OK) != 0) {
@@ -116,7 +117,7 @@ bool checkHook(Examination& examination, const std::string& path) {
     if (line.ends_with('\r')) {
         examination.add(Health::problem, "hook",
                         path + " cannot run: its first line ends with a carriage return",
-                        "Convert its line ends with: sed -i 's/\\r$//' " + shellQuoted(path));
+                        "Convert its line endings with: sed -i 's/\\r$//' " + shellQuoted(path));
         return false;
     }
     const std::string program = missingProgramOf(examination, line);
@@ -133,7 +134,7 @@ bool checkHook(Examination& examination, const std::string& path) {
 void checkHooks(Examination& examination) {
     const std::string folder = examination.gitPath("hooks");
     const std::string configured =
-        answerOf(examination.ask({"config", "--get", "core.hooksPath"})).value_or("");
+        answerOf(examination.query({"config", "--get", "core.hooksPath"})).value_or("");
     std::error_code ignored;
     if (!configured.empty() && configured != "/dev/null" &&
         !std::filesystem::is_directory(folder, ignored)) {
@@ -143,19 +144,19 @@ void checkHooks(Examination& examination) {
         return;
     }
     std::string working;
-    bool isAny = false;
+    bool hasHooks = false;
     for (const std::string_view name : hookNames) {
         const std::string path = pathByAppendingComponent(folder, name);
         struct stat attributes {};
         if (::lstat(path.c_str(), &attributes) == 0) {
-            isAny = true;
+            hasHooks = true;
             if (checkHook(examination, path)) {
                 working.append(working.empty() ? "" : ", ").append(name);
             }
         }
     }
-    if (!isAny) {
-        examination.add(Health::ok, "hooks", "none is set up");
+    if (!hasHooks) {
+        examination.add(Health::ok, "hooks", "none installed");
     } else if (!working.empty()) {
         examination.add(Health::ok, "hooks", working);
     }

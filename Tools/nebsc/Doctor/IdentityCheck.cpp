@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* subject = "identity";
 
-/// One of the two persons that a commit names.
+/// The author or the committer of a commit.
 struct Role {
     const char* name;
     const char* variable;
@@ -19,7 +19,7 @@ constexpr Role roles[] = {
     {"committer", "GIT_COMMITTER_IDENT", "GIT_COMMITTER_NAME", "GIT_COMMITTER_EMAIL"},
 };
 
-/// The command that gives a setting a value that counts.
+/// Returns the command that sets a setting in the scope that takes effect.
 std::string commandFor(const Examination& examination, const char* key, const char* value) {
     const std::string scope = examination.settings ? examination.settings->lastScope(key) : "";
     const std::string option = scope == "local" || scope == "worktree" ? scope : "global";
@@ -36,8 +36,8 @@ std::string adviceOn(const Examination& examination, const Role& role) {
            commandFor(examination, "user.email", "YOU@EXAMPLE.ORG");
 }
 
-/// Whether git made the author's address up from the names of the user and the machine.
-bool isAddressMadeUp(const Examination& examination) {
+/// Returns whether git derived the author's address from the names of the user and the machine.
+bool isAddressGuessed(const Examination& examination) {
     return examination.settings && examination.settings->lastValue("user.email").empty() &&
            examination.settings->lastValue("author.email").empty() &&
            environmentVariable("GIT_AUTHOR_EMAIL").empty() && environmentVariable("EMAIL").empty();
@@ -45,20 +45,19 @@ bool isAddressMadeUp(const Examination& examination) {
 
 }  // namespace
 
-/// Where git cannot read the settings, it reports no identity; the finding about the settings says
-/// what to do.
+/// Adds nothing if git cannot read the settings: checkSettings() has reported that.
 void checkIdentity(Examination& examination) {
     if (!examination.settings) {
         return;
     }
     std::string author;
     for (const Role& role : roles) {
-        const ChildOutcome outcome = examination.ask({"var", role.variable});
+        const ChildOutcome outcome = examination.query({"var", role.variable});
         const auto identity = answerOf(outcome);
         if (!identity) {
             examination.add(
                 Health::problem, subject,
-                std::string("git accepts no ") + role.name + " for a commit: " + reasonOf(outcome),
+                std::string("git rejects the ") + role.name + " for commits: " + reasonOf(outcome),
                 adviceOn(examination, role));
             return;
         }
@@ -66,9 +65,9 @@ void checkIdentity(Examination& examination) {
             author = identity->substr(0, identity->rfind('>') + 1);  // without the time
         }
     }
-    if (isAddressMadeUp(examination)) {
+    if (isAddressGuessed(examination)) {
         examination.add(Health::note, subject,
-                        author + ", with an address that git made up from this machine's name",
+                        author + ", with an address that git guessed from the name of this machine",
                         "Run: git config --global user.email YOU@EXAMPLE.ORG");
     } else {
         examination.add(Health::ok, subject, author);

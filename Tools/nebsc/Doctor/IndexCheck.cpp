@@ -14,7 +14,7 @@ void checkIndex(Examination& examination) {
         return;
     }
     // No tracked file has this name; git reads the whole index to find out.
-    const ChildOutcome outcome = examination.ask({"ls-files", "--", ":(top,literal).git"});
+    const ChildOutcome outcome = examination.query({"ls-files", "--", ":(top,literal).git"});
     if (outcome.status.isSuccess()) {
         examination.add(Health::ok, "index", "is readable");
         return;

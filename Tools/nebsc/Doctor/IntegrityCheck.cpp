@@ -8,10 +8,10 @@ namespace neb::nebsc {
 namespace {
 
 constexpr const char* subject = "fsck";
-/// Of a repository that has lost a pack, git lists thousands.
+/// If a pack is lost, git fsck prints thousands of messages.
 constexpr std::size_t mostFindings = 50;
 
-/// The messages of git fsck(1). A line that begins with a blank belongs to the one before it.
+/// Returns the messages of git fsck(1). A line that begins with a blank continues the one before.
 std::vector<std::string> messagesIn(std::string_view text) {
     std::vector<std::string> messages;
     forEachPiece(text, '\n', [&messages](std::string_view line) {
@@ -33,7 +33,7 @@ Health healthOf(std::string_view message, bool hasFailed) {
     return hasFailed && !isWarning ? Health::problem : Health::note;
 }
 
-/// The checksum of the index is checked by git fsck(1) alone.
+/// Returns whether the message reports a damaged index. Only git fsck(1) verifies its checksum.
 bool isAboutIndex(std::string_view message) {
     return message.find("index file corrupt") != std::string_view::npos;
 }
@@ -42,7 +42,7 @@ bool isAboutIndex(std::string_view message) {
 
 void checkIntegrity(Examination& examination) {
     const ChildOutcome outcome =
-        examination.askPatiently({"fsck", "--full", "--no-dangling", "--no-progress"});
+        examination.queryWithoutTimeLimit({"fsck", "--full", "--no-dangling", "--no-progress"});
     const bool hasFailed = !outcome.status.isSuccess();
     std::vector<std::string> messages = messagesIn(outcome.errorOutput);
     const std::vector<std::string> others = messagesIn(outcome.output);

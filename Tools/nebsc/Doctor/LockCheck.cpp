@@ -8,7 +8,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// A younger lock may belong to a git that starts its next program.
+/// A younger lock may belong to a git command that is between two of its programs.
 constexpr auto ageOfFreshLock = std::chrono::seconds(10);
 
 std::string namesOf(const std::vector<std::string>& holders) {
@@ -29,7 +29,7 @@ void checkLocks(Examination& examination) {
     }
     const std::vector<LockFile> locks = findLockFiles(folders, workingCopy);
     if (locks.empty()) {
-        examination.add(Health::ok, "locks", "there are none");
+        examination.add(Health::ok, "locks", "no lock files found");
     }
     for (const LockFile& lock : locks) {
         const std::string what = lock.path + ", " + textOfAge(lock.age) + " old";

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A repository with more references than this keeps them packed; looking for ever is no answer.
+/// Limits the time of the search. Repositories with more references than this keep them packed.
 constexpr std::size_t mostEntries = 200000;
 
 template <typename Iterator>
@@ -36,8 +36,8 @@ void collectLocks(const std::string& folder, std::set<std::string>& paths) {
     }
 }
 
-/// The repositories of the submodules, which have theirs below their own; a submodule's name may
-/// hold slashes.
+/// Adds the repositories of submodules and of their submodules. The name of a submodule can contain
+/// slashes.
 void collectSubmodules(const fs::path& folder, std::vector<std::string>& gitFolders) {
     std::error_code failure;
     for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
@@ -66,7 +66,7 @@ std::string target(const fs::path& link) {
     return failure ? "" : path.string();
 }
 
-/// Those that the user may look at.
+/// Returns the processes that the user may inspect.
 std::vector<Process> runningProcesses() {
     std::vector<Process> processes;
     std::error_code failure;
@@ -93,8 +93,8 @@ std::vector<Process> runningProcesses() {
 std::set<std::string> pathsOfLocks(const std::vector<std::string>& gitFolders) {
     std::set<std::string> paths;
     for (const std::string& folder : gitFolders) {
-        for (const char* place : {"", "/objects/info", "/objects/pack"}) {
-            collectLocks<fs::directory_iterator>(folder + place, paths);
+        for (const char* subfolder : {"", "/objects/info", "/objects/pack"}) {
+            collectLocks<fs::directory_iterator>(folder + subfolder, paths);
         }
         collectLocks<fs::recursive_directory_iterator>(folder + "/refs", paths);
     }
@@ -113,27 +113,27 @@ std::vector<LockFile> findLockFiles(std::vector<std::string> gitFolders,
         return {};
     }
     const std::vector<Process> processes = runningProcesses();
-    const auto isAtWork = [&](const Process& process) {
-        const auto isThere = [&process](const std::string& folder) {
+    const auto isGitInRepository = [&](const Process& process) {
+        const auto runsIn = [&process](const std::string& folder) {
             return !folder.empty() && liesWithin(process.folder, folder);
         };
         const bool isGit = process.name.starts_with("git (") || process.name.starts_with("git-");
         return isGit &&
-               (isThere(workingCopy) || std::any_of(gitFolders.begin(), gitFolders.end(), isThere));
+               (runsIn(workingCopy) || std::any_of(gitFolders.begin(), gitFolders.end(), runsIn));
     };
     std::vector<LockFile> locks;
     for (const std::string& path : paths) {
         LockFile lock{.path = path, .age = {}, .holders = {}};
         struct stat attributes {};
         if (::lstat(path.c_str(), &attributes) != 0) {
-            continue;  // it is gone by now
+            continue;  // removed meanwhile
         }
         const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
         lock.age = std::chrono::seconds(std::max<std::int64_t>(now - attributes.st_mtime, 0));
         for (const Process& process : processes) {
             const bool isOpen =
                 std::find(process.files.begin(), process.files.end(), path) != process.files.end();
-            if (isOpen || isAtWork(process)) {
+            if (isOpen || isGitInRepository(process)) {
                 lock.holders.push_back(process.name);
             }
         }

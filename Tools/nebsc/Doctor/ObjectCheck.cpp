@@ -9,23 +9,23 @@ namespace {
 
 constexpr const char* subject = "objects";
 
-/// Whether git can read the shallow file.
+/// Returns whether git can read the shallow file; otherwise adds a finding.
 bool checkShallowFile(Examination& examination) {
-    const ChildOutcome outcome = examination.ask({"rev-parse", "--is-shallow-repository"});
+    const ChildOutcome outcome = examination.query({"rev-parse", "--is-shallow-repository"});
     if (!outcome.status.isSuccess()) {
         examination.add(Health::problem, subject,
-                        "git cannot read the list of commits without parents: " + reasonOf(outcome),
+                        "git cannot read the shallow file: " + reasonOf(outcome),
                         "Fix or remove the line in " + examination.gitPath("shallow"));
     }
     return outcome.status.isSuccess();
 }
 
-/// What to do about an error that git count-objects(1) reports.
+/// Returns advice for an error of git count-objects(1); may be empty.
 std::string adviceOn(Examination& examination, std::string_view error) {
     if (error.find("alternate") != std::string_view::npos) {
         return "Correct or remove that folder in " + examination.gitPath("objects/info/alternates");
     }
-    // A damaged index of a pack: "index file .git/objects/pack/NAME.idx is too small".
+    // A damaged pack index: "index file .git/objects/pack/NAME.idx is too small".
     constexpr std::string_view extension = ".idx";
     const std::size_t end = error.find(extension);
     const std::size_t folderEnd = error.rfind('/', end);
@@ -38,7 +38,7 @@ std::string adviceOn(Examination& examination, std::string_view error) {
            shellQuoted(pack + ".pack");
 }
 
-/// Whether the line of git count-objects(1) is about damage; adds it then.
+/// Adds a finding if the line of git count-objects(1) reports damage. Returns whether it does.
 bool addIfDamage(Examination& examination, std::string_view line) {
     constexpr std::string_view error = "error: ";
     constexpr std::string_view warning = "warning: ";
@@ -49,12 +49,12 @@ bool addIfDamage(Examination& examination, std::string_view line) {
     }
     if (line.starts_with("warning: no corresponding .pack: ")) {
         examination.add(Health::problem, subject, std::string(line.substr(warning.size())),
-                        std::string("Its objects are lost here. ") + adviceOnLostObjects);
+                        std::string("Its objects are missing. ") + adviceOnLostObjects);
         return true;
     }
     if (line.starts_with("warning: no corresponding .idx: ")) {
         examination.add(Health::problem, subject, std::string(line.substr(warning.size())),
-                        "Recreate the index of the pack with: git index-pack PACK");
+                        "Recreate the pack index with: git index-pack PACK");
         return true;
     }
     return false;
@@ -64,8 +64,8 @@ bool addIfDamage(Examination& examination, std::string_view line) {
 
 void checkObjects(Examination& examination) {
     bool isDamaged = !checkShallowFile(examination);
-    // It opens the object database and all alternates, and lists the packs.
-    const ChildOutcome count = examination.ask({"count-objects", "-v"});
+    // Opens the object database and all alternates, and lists the packs.
+    const ChildOutcome count = examination.query({"count-objects", "-v"});
     forEachPiece(count.errorOutput, '\n', [&](std::string_view line) {
         isDamaged = addIfDamage(examination, line) || isDamaged;
     });

@@ -1,4 +1,4 @@
-// ProgramSearch.h - whether there is a program of a name, as a shell would find it.
+// ProgramSearch.h - the search for a program by name or path, as a shell does it.
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 
 namespace neb::nebsc {
 
-/// Whether the file at the path can be run.
+/// Returns whether the file at the path is executable.
 [[nodiscard]] bool isProgram(const std::string& path);
 
-/// Whether a program of the name is in one of the folders, which ":" separates.
+/// Returns whether one of the folders, separated by ":", contains the program.
 [[nodiscard]] bool isProgramIn(std::string_view folders, const std::string& name);
 
 }  // namespace neb::nebsc

@@ -11,11 +11,12 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Of more findings of a kind, the others are counted.
+/// Findings of a kind beyond this number are only counted.
 constexpr std::size_t mostFindings = 10;
 
-/// What git writes to stderr about a reference that it leaves out, in front of the name.
+/// A warning that git prints about a reference that it skips.
 struct Warning {
+    /// The text in front of the name.
     std::string_view text;
     Health health;
     std::string_view meaning;
@@ -23,9 +24,9 @@ struct Warning {
 constexpr Warning warnings[] = {
     {"warning: ignoring broken ref ", Health::problem, " names no object: its file is damaged"},
     {"warning: ignoring ref with broken name ", Health::note,
-     " is no name of a reference, so git ignores the file"},
+     " is not a valid reference name, so git ignores the file"},
     {"warning: ignoring dangling symref ", Health::note,
-     " stands for a reference that does not exist"},
+     " points to a reference that does not exist"},
 };
 
 std::string adviceOn(Examination& examination, const Warning& warning, const std::string& name) {
@@ -56,7 +57,7 @@ std::vector<Finding> findingsIn(Examination& examination, std::string_view stder
 
 using NamesByObject = std::multimap<std::string_view, std::string_view>;
 
-/// The names of the references by the object that each names; the list has "OBJECT NAME" lines.
+/// Returns the names of the references by object, from a list of "OBJECT NAME" lines.
 NamesByObject namesByObject(std::string_view list) {
     NamesByObject names;
     forEachPiece(list, '\n', [&names](std::string_view line) {
@@ -68,8 +69,8 @@ NamesByObject namesByObject(std::string_view list) {
     return names;
 }
 
-/// The objects that git cat-file(1) marks as missing. In a partial clone, git before 2.44 names the
-/// first one in its error and stops.
+/// Returns the objects that git cat-file(1) marks as missing. In a partial clone, git before 2.44
+/// stops with an error that contains the first one.
 std::set<std::string_view> missingObjectsIn(const ChildOutcome& outcome,
                                             const NamesByObject& names) {
     std::set<std::string_view> missing;
@@ -80,9 +81,9 @@ std::set<std::string_view> missingObjectsIn(const ChildOutcome& outcome,
         }
     });
     forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
-        forEachPiece(line, ' ', [&](std::string_view word) {
-            if (names.contains(word)) {
-                missing.insert(word);
+        forEachPiece(line, ' ', [&](std::string_view part) {
+            if (names.contains(part)) {
+                missing.insert(part);
             }
         });
     });
@@ -91,8 +92,8 @@ std::set<std::string_view> missingObjectsIn(const ChildOutcome& outcome,
 
 std::vector<Finding> findMissingObjects(Examination& examination, const NamesByObject& names) {
     const ChildOutcome outcome =
-        examination.askPipeline({"for-each-ref", "--format=%(objectname)"},
-                                {"cat-file", "--buffer", "--batch-check=%(objecttype)"});
+        examination.queryPipeline({"for-each-ref", "--format=%(objectname)"},
+                                  {"cat-file", "--buffer", "--batch-check=%(objecttype)"});
     const std::set<std::string_view> missing = missingObjectsIn(outcome, names);
     std::vector<Finding> findings;
     for (const auto& [object, name] : names) {
@@ -100,18 +101,18 @@ std::vector<Finding> findMissingObjects(Examination& examination, const NamesByO
             findings.push_back({Health::problem, "references",
                                 std::string(name) + " names the object " + std::string(object) +
                                     ", which is missing",
-                                "Repair packs that are reported as damaged. " +
+                                "Repair packs reported as damaged. " +
                                     std::string(adviceOnLostObjects) +
-                                    " Where neither brings it back, delete the reference with: "
+                                    " If the object stays missing, delete the reference with: "
                                     "git update-ref -d " +
                                     shellQuoted(name)});
         }
     }
-    if (isUnanswered(outcome)) {
+    if (hasTimedOut(outcome)) {
         findings.push_back({Health::note, "references",
-                            "whether the objects of all " + std::to_string(names.size()) +
-                                " exist is not known: " + reasonOf(outcome),
-                            "'nebsc doctor --full' takes the time to find out."});
+                            "could not check whether the objects of all " +
+                                std::to_string(names.size()) + " exist: " + reasonOf(outcome),
+                            "'nebsc doctor --full' checks them without a time limit."});
     } else if (!outcome.status.isSuccess() && findings.empty()) {
         findings.push_back({Health::problem, "references",
                             "git cannot look up their objects: " + reasonOf(outcome)});
@@ -128,7 +129,7 @@ void addUpToLimit(Examination& examination, const std::vector<Finding>& findings
     if (count < findings.size()) {
         examination.add(findings.back().health, "references",
                         "and " + std::to_string(findings.size() - count) + " more like these",
-                        "'git for-each-ref' names all of them.");
+                        "'git for-each-ref' lists all of them.");
     }
 }
 
@@ -136,7 +137,7 @@ void addUpToLimit(Examination& examination, const std::vector<Finding>& findings
 
 void checkReferences(Examination& examination) {
     const ChildOutcome list =
-        examination.ask({"for-each-ref", "--format=%(objectname) %(refname)"});
+        examination.query({"for-each-ref", "--format=%(objectname) %(refname)"});
     if (!list.status.isSuccess()) {
         const std::string reason = reasonOf(list);
         const bool isPacked = reason.find("packed-refs") != std::string::npos;
@@ -152,7 +153,7 @@ void checkReferences(Examination& examination) {
     addUpToLimit(examination, missing);
     if (broken.empty() && missing.empty()) {
         examination.add(Health::ok, "references",
-                        names.empty() ? "there are none yet"
+                        names.empty() ? "none yet"
                                       : "all " + std::to_string(names.size()) + " can be resolved");
     }
 }

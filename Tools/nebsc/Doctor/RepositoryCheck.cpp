@@ -11,24 +11,24 @@ namespace neb::nebsc {
 
 namespace {
 
-/// The command that makes git trust a folder: git has written it, ready to be pasted.
-std::string commandOfTrust(std::string_view stderrText) {
+/// Returns the command that makes git trust a folder, copied from git's own message.
+std::string trustCommandIn(std::string_view stderrText) {
     constexpr std::string_view command = "git config --global --add safe.directory ";
     const std::size_t position = stderrText.find(command);
     if (position == std::string_view::npos) {
-        return std::string(command) + "FOLDER, with the folder that 'git status' names.";
+        return std::string(command) + "FOLDER, with the folder that 'git status' prints.";
     }
     stderrText.remove_prefix(position);
     return std::string(stderrText.substr(0, stderrText.find('\n')));
 }
 
-/// The ".git" in the folder or in the nearest one above it; empty if no folder has one.
-std::string remainsOfRepository(const std::string& folder) {
-    for (std::filesystem::path place = folder;; place = place.parent_path()) {
-        if (std::string path = (place / ".git").string(); isAnythingAt(path)) {
+/// Returns the path of the ".git" in the folder or in its nearest parent; empty without one.
+std::string nearestDotGit(const std::string& folder) {
+    for (std::filesystem::path current = folder;; current = current.parent_path()) {
+        if (std::string path = (current / ".git").string(); isAnythingAt(path)) {
             return path;
         }
-        if (place == place.parent_path()) {
+        if (current == current.parent_path()) {
             return "";
         }
     }
@@ -39,16 +39,16 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
     if (errorClass == NEBSourceControlOwnerNotTrustedErrorClass) {
         examination.add(Health::problem, "repository",
                         "owned by another user; git refuses to use it",
-                        "If you trust it: " + commandOfTrust(outcome.errorOutput));
+                        "If you trust it: " + trustCommandIn(outcome.errorOutput));
     } else if (errorClass != NEBSourceControlNotARepositoryErrorClass) {
         examination.add(Health::problem, "repository", "git cannot read it: " + reasonOf(outcome));
-    } else if (const std::string remains = remainsOfRepository(examination.folder());
-               !remains.empty()) {
+    } else if (const std::string dotGit = nearestDotGit(examination.folder()); !dotGit.empty()) {
         examination.add(Health::problem, "repository",
-                        remains + " exists, but is no repository to git: " + reasonOf(outcome),
-                        "Check its HEAD, objects and refs; a file .git names another folder.");
+                        dotGit + " exists, but git does not recognize it: " + reasonOf(outcome),
+                        "Check its HEAD, objects and refs; a .git file names another folder.");
     } else {
-        examination.add(Health::note, "repository", examination.folder() + " lies in none",
+        examination.add(Health::note, "repository",
+                        examination.folder() + " is not in a repository",
                         "'nebsc init' creates one, 'nebsc clone' copies one.");
     }
 }
@@ -57,7 +57,7 @@ void addFailure(Examination& examination, const ChildOutcome& outcome) {
 
 void checkRepository(Examination& examination) {
     const ChildOutcome outcome =
-        examination.ask({"rev-parse", "--path-format=absolute", "--git-dir"});
+        examination.query({"rev-parse", "--path-format=absolute", "--git-dir"});
     if (!outcome.status.isSuccess()) {
         addFailure(examination, outcome);
         return;
@@ -65,19 +65,19 @@ void checkRepository(Examination& examination) {
     RepositoryLayout layout{
         .gitFolder = answerOf(outcome).value_or(""), .commonFolder = {}, .workingCopy = {}};
     layout.commonFolder =
-        answerOf(examination.ask({"rev-parse", "--path-format=absolute", "--git-common-dir"}))
+        answerOf(examination.query({"rev-parse", "--path-format=absolute", "--git-common-dir"}))
             .value_or(layout.gitFolder);
-    layout.workingCopy = answerOf(examination.ask({"rev-parse", "--show-toplevel"})).value_or("");
+    layout.workingCopy = answerOf(examination.query({"rev-parse", "--show-toplevel"})).value_or("");
     examination.add(Health::ok, "repository",
                     layout.workingCopy.empty()
-                        ? layout.gitFolder + ", without a working copy here"
+                        ? layout.gitFolder + ", without a working copy"
                         : "working copy " + layout.workingCopy + ", whose owner git trusts");
     examination.repository = std::move(layout);
 }
 
 void checkUnfinishedWork(Examination& examination) {
     for (const UnfinishedWork& row : unfinishedWorkIn(examination.repository->gitFolder)) {
-        examination.add(Health::note, "unfinished", std::string(row.work) + " is under way",
+        examination.add(Health::note, "unfinished", std::string(row.work) + " is in progress",
                         std::string(row.advice));
     }
 }

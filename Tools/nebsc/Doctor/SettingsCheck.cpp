@@ -7,26 +7,25 @@
 namespace neb::nebsc {
 
 void checkSettings(Examination& examination) {
-    const ChildOutcome outcome = examination.ask({"config", "--list", "--show-scope", "-z"});
+    const ChildOutcome outcome = examination.query({"config", "--list", "--show-scope", "-z"});
     if (!outcome.status.isSuccess()) {
         examination.add(Health::problem, "settings", "git cannot read them: " + reasonOf(outcome),
-                        "Fix or remove the line or value that git names.");
+                        "Fix or remove the line or value in git's message.");
         return;
     }
     examination.settings = UserSettings(outcome.output);
-    bool isAny = false;
+    bool isOverridden = false;
     for (const NEBSourceControlPinnedSetting& pinned : NEBSourceControlPinnedSettings()) {
         const std::string own = examination.settings->lastValue(pinned.key);
         if (!own.empty() && !isSameSetting(own, pinned.value)) {
-            isAny = true;
+            isOverridden = true;
             examination.add(Health::note, "setting",
                             std::string(pinned.key) + " is " + inQuotes(withoutSecrets(own)) +
-                                ", but counts as " + inQuotes(pinned.value) +
-                                " for what is read here");
+                                ", but nebsc overrides it with " + inQuotes(pinned.value));
         }
     }
-    if (!isAny) {
-        examination.add(Health::ok, "settings", "none of yours is overridden");
+    if (!isOverridden) {
+        examination.add(Health::ok, "settings", "none is overridden");
     }
 }
 

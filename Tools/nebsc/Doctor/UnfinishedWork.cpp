@@ -14,18 +14,18 @@ struct Row {
     UnfinishedWork work;
 };
 
-/// What git keeps in the repository's folder for as long as work is under way.
+/// The files that git keeps in the repository's folder while an operation is in progress.
 constexpr std::array<Row, 7> rows{{
     {"rebase-merge",
-     {"a rebase", "'git rebase --continue' goes on, 'git rebase --abort' takes it back."}},
+     {"a rebase", "'git rebase --continue' resumes it, 'git rebase --abort' cancels it."}},
     {"rebase-apply/rebasing",
-     {"a rebase", "'git rebase --continue' goes on, 'git rebase --abort' takes it back."}},
+     {"a rebase", "'git rebase --continue' resumes it, 'git rebase --abort' cancels it."}},
     {"rebase-apply/applying",
-     {"git am", "'git am --continue' goes on, 'git am --abort' takes it back."}},
-    {"MERGE_HEAD", {"a merge", "'nebsc commit' ends it, 'git merge --abort' takes it back."}},
+     {"git am", "'git am --continue' resumes it, 'git am --abort' cancels it."}},
+    {"MERGE_HEAD", {"a merge", "'nebsc commit' completes it, 'git merge --abort' cancels it."}},
     {"CHERRY_PICK_HEAD",
-     {"a cherry-pick", "'git cherry-pick --continue' goes on, --abort takes it back."}},
-    {"REVERT_HEAD", {"a revert", "'git revert --continue' goes on, --abort takes it back."}},
+     {"a cherry-pick", "'git cherry-pick --continue' resumes it, --abort cancels it."}},
+    {"REVERT_HEAD", {"a revert", "'git revert --continue' resumes it, --abort cancels it."}},
     {"BISECT_LOG", {"a bisection", "'git bisect reset' ends it."}},
 }};
 

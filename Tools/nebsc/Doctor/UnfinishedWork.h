@@ -1,5 +1,5 @@
-// UnfinishedWork.h - what git was asked to do in a repository and has not ended, as a conflict or a
-// person stopped it.
+// UnfinishedWork.h - git operations in progress in a repository, such as a rebase that a conflict
+// has stopped.
 #pragma once
 
 #include <string>
@@ -11,12 +11,12 @@ namespace neb::nebsc {
 struct UnfinishedWork {
     /// "a rebase"
     std::string_view work;
-    /// How to go on with it, and how to take it back: a sentence.
+    /// How to resume it and how to cancel it: a sentence.
     std::string_view advice;
 };
 
-/// What is under way in the repository whose own folder this is (that of its working copy, where it
-/// has several); empty as a rule. From any thread.
+/// Returns the operations in progress, usually none. `gitFolder` is the ".git" folder of the
+/// working copy; for a linked worktree, its own one. Thread-safe.
 [[nodiscard]] std::vector<UnfinishedWork> unfinishedWorkIn(const std::string& gitFolder);
 
 }  // namespace neb::nebsc

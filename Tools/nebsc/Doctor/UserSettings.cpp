@@ -10,15 +10,15 @@ namespace neb::nebsc {
 
 namespace {
 
-std::optional<bool> truthOf(std::string_view text) {
-    const std::string word = lowercaseASCII(text);
+std::optional<bool> booleanOf(std::string_view text) {
+    const std::string value = lowercaseASCII(text);
     for (const std::string_view yes : {"true", "yes", "on", "1"}) {
-        if (word == yes) {
+        if (value == yes) {
             return true;
         }
     }
     for (const std::string_view no : {"false", "no", "off", "0"}) {
-        if (word == no) {
+        if (value == no) {
             return false;
         }
     }
@@ -74,7 +74,7 @@ std::vector<Setting> UserSettings::credentialHelpers() const {
 }
 
 bool isSameSetting(std::string_view left, std::string_view right) {
-    return left == right || (truthOf(left) && truthOf(left) == truthOf(right));
+    return left == right || (booleanOf(left) && booleanOf(left) == booleanOf(right));
 }
 
 }  // namespace neb::nebsc

@@ -1,4 +1,5 @@
-// UserSettings.h - the user's own settings of git, from all files that count in a folder.
+// UserSettings.h - the git settings of the user, from all configuration files that apply in a
+// folder.
 #pragma once
 
 #include <string>
@@ -7,10 +8,10 @@
 
 namespace neb::nebsc {
 
-/// One setting, and where it stands: "system", "global", "local", "worktree".
 struct Setting {
+    /// "system", "global", "local" or "worktree".
     std::string scope;
-    /// As git lists it: the section and the name in small letters.
+    /// As git lists it: section and name in lower case.
     std::string key;
     std::string value;
 };
@@ -18,15 +19,15 @@ struct Setting {
 class UserSettings {
 public:
     UserSettings() = default;
-    /// From what "git config --list --show-scope -z" prints. The entries that we add to a call
-    /// ourselves are of the scope "command", and left out.
+    /// Parses the output of "git config --list --show-scope -z". Skips the scope "command": those
+    /// are the settings that nebsc passes to git itself.
     explicit UserSettings(std::string_view list);
 
-    /// The value that counts, in whatever letters the key is written; empty where there is none.
+    /// Returns the effective value; empty if it is not set. The key is not case-sensitive.
     [[nodiscard]] std::string lastValue(std::string_view key) const;
-    /// Returns the scope of that value ("local", "global" …), or an empty text.
+    /// Returns the scope of that value ("local", "global" …); empty if it is not set.
     [[nodiscard]] std::string lastScope(std::string_view key) const;
-    /// In order. An empty helper takes back those before it.
+    /// Returns the helpers in git's order. An empty setting clears those before it.
     [[nodiscard]] std::vector<Setting> credentialHelpers() const;
 
 private:
@@ -35,7 +36,8 @@ private:
     std::vector<Setting> _settings;
 };
 
-/// Whether two values are one for git: the same text, or the same truth in other words.
+/// Returns whether git treats two values alike: equal texts, or equal booleans such as "yes" and
+/// "true".
 [[nodiscard]] bool isSameSetting(std::string_view left, std::string_view right);
 
 }  // namespace neb::nebsc

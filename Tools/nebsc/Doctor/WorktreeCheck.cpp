@@ -4,9 +4,9 @@
 
 namespace neb::nebsc {
 
-/// Reads the format of git-worktree(1), --porcelain.
+/// Parses the output of git worktree(1) list --porcelain.
 void checkWorktrees(Examination& examination) {
-    const ChildOutcome list = examination.ask({"worktree", "list", "--porcelain"});
+    const ChildOutcome list = examination.query({"worktree", "list", "--porcelain"});
     if (!list.status.isSuccess()) {
         examination.add(Health::problem, "worktree", "git cannot list them: " + reasonOf(list));
         return;
@@ -19,9 +19,9 @@ void checkWorktrees(Examination& examination) {
             path = line.substr(worktree.size());
         } else if (line.starts_with(prunable)) {
             examination.add(Health::note, "worktree",
-                            path + " is gone: " + std::string(line.substr(prunable.size())),
-                            "'git worktree prune' forgets it; if it was moved, 'git worktree "
-                            "repair NEW-PATH' finds it again.");
+                            path + " is missing: " + std::string(line.substr(prunable.size())),
+                            "'git worktree prune' removes the entry; if the folder was moved, run "
+                            "'git worktree repair NEW-PATH'.");
         }
     });
 }

@@ -28,22 +28,13 @@ struct SourceTreeMembers {
 };
 
 constexpr Member<SourceTreeMembers> sourceTreeMembers[] = {
-    {"class", [](Refusal& refusal, const InputNode& input,
-                 SourceTreeMembers& tree) { return readString(refusal, input, tree.className); }},
-    {"location", [](Refusal& refusal, const InputNode& input,
-                    SourceTreeMembers& tree) { return readString(refusal, input, tree.location); }},
-    {"name", [](Refusal& refusal, const InputNode& input,
-                SourceTreeMembers& tree) { return readString(refusal, input, tree.name); }},
-    {"reachable",
-     [](Refusal& refusal, const InputNode& input, SourceTreeMembers& tree) {
-         return readBoolean(refusal, input, tree.reachable);
-     }},
-    {"isValid", [](Refusal& refusal, const InputNode& input,
-                   SourceTreeMembers& tree) { return readBoolean(refusal, input, tree.isValid); }},
+    {"class", readInto<readString, &SourceTreeMembers::className>},
+    {"location", readInto<readString, &SourceTreeMembers::location>},
+    {"name", readInto<readString, &SourceTreeMembers::name>},
+    {"reachable", readInto<readBoolean, &SourceTreeMembers::reachable>},
+    {"isValid", readInto<readBoolean, &SourceTreeMembers::isValid>},
     {"isRemoteDistributedRepository",
-     [](Refusal& refusal, const InputNode& input, SourceTreeMembers& tree) {
-         return readBoolean(refusal, input, tree.isRemoteDistributedRepository);
-     }},
+     readInto<readBoolean, &SourceTreeMembers::isRemoteDistributedRepository>},
 };
 
 /// Returns an object of the class in `members`; null, with a refusal, if the class is unknown.
@@ -110,9 +101,7 @@ bool readSourceTree(Refusal& refusal, const InputNode& input,
 
 constexpr Member<NEBSourceControlRemote> remoteMembers[] = {
     {"representsGitSVNBridge",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRemote& remote) {
-         return readBoolean(refusal, input, remote.representsGitSVNBridge);
-     }},
+     readInto<readBoolean, &NEBSourceControlRemote::representsGitSVNBridge>},
 };
 
 bool readRemote(Refusal& refusal, const InputNode& input,
@@ -183,48 +172,23 @@ bool readOptions(Refusal& refusal, const InputNode& input, std::optional<NEBDict
 
 // ---- the request ------------------------------------------------------------------------------
 
-constexpr Member<NEBSourceControlRequest> requestMembers[] = {
-    {"type",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readType(refusal, input, request.type);
-     }},
-    {"sourceTree",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readSourceTree(refusal, input, request.sourceTree);
-     }},
-    {"repositoryToAuthenticate",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readSourceTree(refusal, input, request.repositoryToAuthenticate);
-     }},
-    {"destination",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readScalar(refusal, input, request.destination);
-     }},
-    {"files",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readFiles(refusal, input, request.files);
-     }},
-    {"startingRevision",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readScalar(refusal, input, request.startingRevision);
-     }},
-    {"endingRevision",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readScalar(refusal, input, request.endingRevision);
-     }},
-    {"remote",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readRemote(refusal, input, request.remote);
-     }},
-    {"options",
-     [](Refusal& refusal, const InputNode& input, NEBSourceControlRequest& request) {
-         return readOptions(refusal, input, request.options);
-     }},
+using Request = NEBSourceControlRequest;
+
+constexpr Member<Request> requestMembers[] = {
+    {"type", readInto<readType, &Request::type>},
+    {"sourceTree", readInto<readSourceTree, &Request::sourceTree>},
+    {"repositoryToAuthenticate", readInto<readSourceTree, &Request::repositoryToAuthenticate>},
+    {"destination", readInto<readScalar, &Request::destination>},
+    {"files", readInto<readFiles, &Request::files>},
+    {"startingRevision", readInto<readScalar, &Request::startingRevision>},
+    {"endingRevision", readInto<readScalar, &Request::endingRevision>},
+    {"remote", readInto<readRemote, &Request::remote>},
+    {"options", readInto<readOptions, &Request::options>},
 };
 
 /// Refuses a clone into a path that is not absolute. git runs in the destination and gets it as an
 /// argument: a relative path would depend on the current folder, and "~" could mean two folders.
-bool checkCloneDestination(Refusal& refusal, const NEBSourceControlRequest& request) {
+bool checkCloneDestination(Refusal& refusal, const Request& request) {
     const NEBValue& destination = request.destination;
     const bool isRelative =
         destination.isPresent() && !destination.string().value_or("").starts_with('/');
@@ -237,12 +201,12 @@ bool checkCloneDestination(Refusal& refusal, const NEBSourceControlRequest& requ
     return true;
 }
 
-bool readRequest(Refusal& refusal, const JSONNode& root, NEBSourceControlRequest& request) {
+bool readRequest(Refusal& refusal, const JSONNode& root, Request& request) {
     const InputNode input{root, ""};
     if (root.kind != Kind::object) {
         return refusal.wrongKind(input, "an object");
     }
-    if (!readMembers<NEBSourceControlRequest>(refusal, input, requestMembers, request)) {
+    if (!readMembers<Request>(refusal, input, requestMembers, request)) {
         return false;
     }
     const bool hasType = std::any_of(root.children.begin(), root.children.end(),
@@ -262,7 +226,7 @@ RequestReading requestFromJSON(std::string_view text) {
 
 RequestReading requestFromJSON(const JSONNode& root) {
     Refusal refusal;
-    auto request = std::make_shared<NEBSourceControlRequest>();
+    auto request = std::make_shared<Request>();
     if (!readRequest(refusal, root, *request)) {
         return {nullptr, refusal.sentence};
     }

@@ -62,6 +62,13 @@ struct Member {
     bool (*read)(Refusal&, const InputNode&, Target&);
 };
 
+/// Reads the input into the field of the target with `readValue`, one of the readers above. For
+/// Member::read.
+template <auto readValue, auto field, typename Target>
+bool readInto(Refusal& refusal, const InputNode& input, Target& target) {
+    return readValue(refusal, input, target.*field);
+}
+
 /// Reads all members of the object `input`. Refuses members that are not in the table.
 template <typename Target>
 bool readMembers(Refusal& refusal, const InputNode& input, std::span<const Member<Target>> members,

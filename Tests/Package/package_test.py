@@ -125,7 +125,7 @@ class Installation(PackageTest):
         link.symlink_to(nebsc)
         self.assertIn("Third", run(link, "log", folder=self.repository))
         complaint = run(nebsc, "log", folder=self.plain_folder, status=1)
-        self.assertIn("The folder is not in a git repository.", complaint)
+        self.assertIn("nebsc: the folder is not in a git repository\n", complaint)
 
     def test_each_header_compiles_alone(self):
         include = self.prefix / "include/NEBGit"
@@ -166,7 +166,7 @@ class Installation(PackageTest):
         foreign = [(kind, name) for kind, name in exports if not own.match(name) and kind not in "VWu"]
         self.assertEqual(foreign, [])
         self.assertTrue([name for _, name in exports if name.startswith("neb::NEBSourceControlPlugIn::load")])
-        hidden = ["neb::spawnChild", "neb::CapturedStream"]  # the library's own
+        hidden = ["neb::ChildSession", "neb::CapturedStream"]  # the library's own
         self.assertEqual([name for _, name in exports if name.startswith(tuple(hidden))], [])
 
     def exports(self, library):
@@ -194,7 +194,7 @@ class Examples(PackageTest):
         """Expects the program to print the same log as git, and to report a missing repository."""
         self.assertEqual(run(*words, self.repository, **variables), self.log_of_git())
         complaint = run(*words, self.plain_folder, status=1, **variables)
-        self.assertIn("The folder is not in a git repository.", complaint)
+        self.assertIn("nebsc: the folder is not in a git repository\n", complaint)
 
     def build(self, example):
         """Builds the example with CMake and find_package, and returns the path of the program."""

@@ -90,7 +90,7 @@ TEST_F(MissingServices, WithoutRenameat2AnExportIsWholeAndOverwritesNothing) {
     surroundings.variables.emplace_back("NEB_TEST_LATE_FILE", "1");
     const NebscOutcome late =
         runNebsc({"export", "HEAD", "a.c", folder.path("late.c")}, surroundings);
-    EXPECT_THAT(late.errors, testing::HasSubstr("could not be written: File exists."));
+    EXPECT_THAT(late.errors, testing::HasSubstr("could not be written: File exists"));
     EXPECT_EQ(late.exitStatus, 1);
     EXPECT_EQ(folder.read("late.c"), "");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 2);

@@ -22,7 +22,7 @@ void expectRefusedPlugIn(const PlugInRow& row) {
     for (const char* command : {"status", "types", "--version"}) {
         const NebscOutcome outcome = runNebsc({command, "--plugin", row.file});
         EXPECT_EQ(outcome.output, "");
-        EXPECT_THAT(outcome.errors, HasSubstr("\"" + row.file + "\""));
+        EXPECT_THAT(outcome.errors, HasSubstr(row.file));
         EXPECT_THAT(outcome.errors, HasSubstr(row.reason));
         EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1);
         EXPECT_EQ(outcome.exitStatus, 2);
@@ -41,7 +41,7 @@ TEST(ProgramPlugIn, ATextFileIsRefused) {
 
 TEST(ProgramPlugIn, AFolderIsRefused) {
     const TemporaryFolder folder;
-    expectRefusedPlugIn({folder.path(), "is no file"});
+    expectRefusedPlugIn({folder.path(), "is not a file"});
 }
 
 TEST(ProgramPlugIn, ALibraryThatIsNoPlugInIsRefused) {
@@ -138,8 +138,8 @@ TEST_F(MovedProgram, LoadsThePlugInOfItsOwnDirectoryLast) {
 
 TEST_F(MovedProgram, NamesTheMissingFile) {
     const NebscOutcome outcome = types();
-    EXPECT_EQ(outcome.errors, "nebsc: the plug-in '" + folder.path("lib/nebgit/NEBGit.so") +
-                                  "' could not be read: No such file or directory\n");
+    EXPECT_EQ(outcome.errors, "nebsc: the plug-in \"" + folder.path("lib/nebgit/NEBGit.so") +
+                                  "\" could not be read: No such file or directory\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 

@@ -74,7 +74,7 @@ TEST_F(NewFileTest, NeverOverwrites) {
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->errorNumber, EEXIST);
     EXPECT_EQ(failure->description,
-              "\"" + folder.path("late") + "\" could not be written: File exists.");
+              "'" + folder.path("late") + "' could not be written: File exists.");
     EXPECT_EQ(folder.read("late"), "theirs");
 }
 

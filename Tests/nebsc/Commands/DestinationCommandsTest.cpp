@@ -114,7 +114,7 @@ TEST_F(DestinationCommands, CopyRefusesAMissingFolder) {
 
 TEST_F(DestinationCommands, CopyReportsAMissingFile) {
     expectFailed(nebsc({"cp", "nosuch.c", "x.c"}),
-                 testing::AllOf(HasSubstr("'" + repository.path("nosuch.c") + "'"),
+                 testing::AllOf(HasSubstr("\"" + repository.path("nosuch.c") + "\""),
                                 HasSubstr("No such file or directory")));
 }
 
@@ -135,7 +135,7 @@ TEST_F(DestinationCommands, CopyReportsThatStagingFailed) {
     const NebscOutcome json = nebsc({"cp", "--json", "a.c", "b.o"});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestCopy);
     EXPECT_EQ(json.json()["error"]["class"], "path-ignored");
-    EXPECT_THAT(json.errors, HasSubstr("it is not staged"));
+    EXPECT_THAT(json.errors, HasSubstr("The copy was created but not staged"));
     EXPECT_EQ(json.exitStatus, 1);
 }
 

@@ -154,7 +154,7 @@ TEST_F(DiffCommand, RevisionsMayHaveTheNamesOfFilesAtTheTop) {
 }
 
 TEST_F(DiffCommand, RefusesANegatedRevision) {
-    expectFailed(nebsc({"diff", "^HEAD"}), HasSubstr("no revision and no file '^HEAD'"));
+    expectFailed(nebsc({"diff", "^HEAD"}), HasSubstr("'^HEAD' is neither a revision nor a file"));
     expectFailed(nebsc({"log", "^HEAD", "--"}), HasSubstr("unknown revision '^HEAD'"));
     expectFailed(nebsc({"blame", "^HEAD", "a.c"}), HasSubstr("unknown revision '^HEAD'"));
 }

@@ -111,14 +111,14 @@ TEST_F(ExchangeCommands, PushReportsTheBranches) {
     ann->commitFile("src/b", "b");
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}, "src"),
                "Pushed main to main on 'origin'.\n");
-    expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: BRANCHES is empty\n", 2);
+    expectFailed(nebsc(*ben, {"push", "origin", ""}), "nebsc: the argument BRANCHES is empty\n", 2);
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push", "origin", "main:feature/Grüße"}),
                "Pushed main to feature/Grüße on 'origin'.\n");
     EXPECT_EQ(shared("feature/Grüße"), revision(*ann));
     ann->git({"branch", "topic"});
     expectDone(nebsc(*ann, {"push", bare(), "topic"}),
-               "Pushed topic to topic of '" + bare() + "'.\n");
+               "Pushed topic to topic on '" + bare() + "'.\n");
     const std::string nothing = "Nothing to push: 'origin' is up to date.\n";
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}), nothing);
     ann->git({"checkout", "--quiet", "--detach"});
@@ -152,7 +152,7 @@ TEST_F(ExchangeCommands, PushIsRefusedIfTheRemoteIsAhead) {
     expectFailed(
         nebsc(*ben, {"push", "origin", "main:main"}),
         AllOf(StartsWith("nebsc: the operation could not be performed because "
-                         "'repository' does not have the latest remote changes\n"
+                         "\"repository\" does not have the latest remote changes\n"
                          "Pull the remote changes and try again.\n"),
               HasSubstr("[rejected]"), EndsWith("\n'nebsc update' fetches and merges them.\n")));
     EXPECT_EQ(shared(), revision(*ann));
@@ -192,7 +192,8 @@ TEST_F(ExchangeCommands, PushReportsFailures) {
     expectFailed(nebsc(*ann, {"push"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "origin"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), arguments, 2);
-    expectFailed(nebsc(*ann, {"push", "--svn"}), HasSubstr("no Subversion repository"));
+    expectFailed(nebsc(*ann, {"push", "--svn"}),
+                 HasSubstr("not connected to a Subversion repository"));
     expectFailed(nebsc(*ann, {"push", "origin", "nosuch:main"}),
                  "nebsc: there is no local branch 'nosuch' to push\n");
     expectFailed(nebsc(*ann, {"push", "nosuch", "main"}), HasSubstr("'nosuch' does not appear"));

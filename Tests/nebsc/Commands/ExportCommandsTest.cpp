@@ -169,7 +169,7 @@ TEST_F(ExportCommands, ExportTreeNeverOverwritesTheWorkingCopy) {
         expectFailed(nebsc({"export-tree", "--force", place}),
                      HasSubstr("the working copy itself"));
     }
-    expectFailed(nebsc({"export-tree", "--force", "run"}), HasSubstr("is no folder"));
+    expectFailed(nebsc({"export-tree", "--force", "run"}), HasSubstr("is not a folder"));
     EXPECT_EQ(state(), " M run\n");
 }
 

@@ -185,8 +185,8 @@ TEST_F(FileCommands, RemoveKeepsUntrackedFiles) {
 TEST_F(FileCommands, RemoveFindsChangesOfFilesWithUnusualNames) {
     repository.commitFile("quo\"te\\\t.c", "first\n");
     repository.write("quo\"te\\\t.c", "second\n");
-    expectFailed(nebsc({"rm", "quo'te\\\t.c"}), HasSubstr("\n    quo'te\\\\t.c\n"));
-    EXPECT_TRUE(isThere("quo'te\\\t.c"));
+    expectFailed(nebsc({"rm", "quo\"te\\\t.c"}), HasSubstr("\n    quo\"te\\\\t.c\n"));
+    EXPECT_TRUE(isThere("quo\"te\\\t.c"));
 }
 
 TEST_F(FileCommands, RemoveDeletesNothingIfItsCheckFails) {

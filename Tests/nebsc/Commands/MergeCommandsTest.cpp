@@ -48,7 +48,7 @@ protected:
     [[nodiscard]] std::string notKnown(const std::string& reason) const {
         return "nebsc: where both sides changed the same lines, the current branch's were kept and "
                "the other branch's dropped; the files are not known: " +
-               reason + ".\n'git diff " + before + "..." + revision("topic") +
+               reason + "\n'git diff " + before + "..." + revision("topic") +
                "' shows all changes of the side whose lines were dropped.\n";
     }
     /// Runs nebsc with a git that runs the script for the command, and the real git for all others.
@@ -287,7 +287,7 @@ TEST_F(MergeCommands, MergeBaseReportsUnrelatedHistories) {
 
 TEST_F(MergeCommands, MergeReportsAnUnknownRevision) {
     expectFailed(nebsc({"merge", "nosuch"}), "nebsc: unknown branch or revision 'nosuch'\n");
-    expectFailed(nebsc({"merge", ""}), "nebsc: REVISION is empty\n", 2);
+    expectFailed(nebsc({"merge", ""}), "nebsc: the argument REVISION is empty\n", 2);
 }
 
 TEST_F(MergeCommands, MergeBaseReportsAnUnknownRevision) {
@@ -299,7 +299,7 @@ TEST_F(MergeCommands, MergeBaseReportsAnUnknownRevision) {
     expectFailed(nebsc({"merge-base", "main", "--", "--all"}), HasSubstr("'--all' begins"), 2);
     const TemporaryFolder folder;
     expectFailed(runNebsc({"merge-base", "a", "b"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: The folder is not in a git repository."));
+                 testing::StartsWith("nebsc: the folder is not in a git repository\n"));
     expectFailed(nebsc({"merge-base", "main"}), HasSubstr("missing argument "), 2);
     const StandInGit git(repository.path(), "exit 3");
     expectFailed(nebsc({"merge-base", "main", "topic"}, git),

@@ -78,7 +78,7 @@ TEST_F(RepositoryCommands, InitRefusesAnExistingRepository) {
         expectFailed(here(arguments),
                      "nebsc: '" + bare + "' already contains a repository; nothing was changed\n");
     }
-    expectFailed(runNebsc({"init"}, {.folder = demo}), StartsWith("nebsc: there is a repository"));
+    expectFailed(runNebsc({"init"}, {.folder = demo}), HasSubstr("already contains a repository"));
     EXPECT_EQ(folder.read("demo/.git/info/exclude"), "mine\n");
     EXPECT_FALSE(isHere("bare.git/.git"));
 }

@@ -39,7 +39,7 @@ TEST(RequestCommand, PrintsTheOutcomeOfAStatus) {
     const std::string command = R"({"launchPath":")" + git.launchPath() +
                                 R"(","arguments":["status","--porcelain"],)"
                                 R"("currentDirectoryPath":")" +
-                                repository.path() + "'";
+                                repository.path() + "\"";
     EXPECT_EQ(steady(outcome.json()),
               R"({"type":15,"name":"status","authenticationRequired":false,"valid":true,)"
               R"("operation":"GitStatusOperation","command":)" +

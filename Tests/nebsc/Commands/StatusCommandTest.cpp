@@ -357,7 +357,7 @@ TEST_F(StatusCommand, ReportsAGitThatCannotBeStarted) {
     const std::string broken = empty.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {{"PATH", empty.path()}}});
-    EXPECT_THAT(outcome.errors, HasSubstr("'" + broken + "' could not be started"));
+    EXPECT_THAT(outcome.errors, HasSubstr("\"" + broken + "\" could not be started"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

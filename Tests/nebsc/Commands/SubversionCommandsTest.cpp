@@ -88,9 +88,10 @@ TEST_F(SubversionCommands, AreSubcommandsOfSvn) {
               NEBSourceControlRequestUpdate);
     const TestRepository plain;
     for (const char* word : {"fetch", "update", "push"}) {
-        expectFailed(nebsc(plain, {"svn", word}), HasSubstr("no Subversion repository"));
+        expectFailed(nebsc(plain, {"svn", word}),
+                     HasSubstr("not connected to a Subversion repository"));
     }
-    expectFailed(nebsc(plain, {"svn"}), HasSubstr("no Subversion repository"));
+    expectFailed(nebsc(plain, {"svn"}), HasSubstr("not connected to a Subversion repository"));
 }
 
 TEST_F(SubversionCommands, UpdateReportsDroppedCommits) {

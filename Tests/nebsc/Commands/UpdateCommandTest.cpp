@@ -73,7 +73,7 @@ TEST_F(UpdateCommand, AHooksOutputIsNotTakenForGits) {
     fs::permissions(ben->path(".git/hooks/reference-transaction"), fs::perms::owner_all);
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"update", "--ff"}, {"update"}}) {
-        expectFailed(nebsc(*ben, words), HasSubstr("already up-to-date"));
+        expectFailed(nebsc(*ben, words), HasSubstr("Already up-to-date"));
         EXPECT_EQ(revision(*ben), before);
     }
 }
@@ -235,7 +235,8 @@ TEST_F(UpdateCommand, FailsOutsideAWorkingCopy) {
     expectFailed(runNebsc({"update"}, {.folder = nowhere.path()}),
                  StartsWith("nebsc: the folder is not in a git repository"));
     expectFailed(runNebsc({"update"}, {.folder = bare()}), HasSubstr("work tree"));
-    expectFailed(nebsc(*ben, {"update", "--svn"}), HasSubstr("no Subversion repository"));
+    expectFailed(nebsc(*ben, {"update", "--svn"}),
+                 HasSubstr("not connected to a Subversion repository"));
 }
 
 TEST_F(UpdateCommand, ASilentGitFailureIsAnError) {

@@ -240,8 +240,7 @@ protected:
 };
 
 TEST_F(FishCompletion, CompletesCommandsAndOptions) {
-    EXPECT_EQ(complete("nebsc chec"),
-              "checkout\tSwitch the working copy to a branch or revision\n");
+    EXPECT_EQ(complete("nebsc chec"), "checkout\tSwitch to a branch or revision\n");
     EXPECT_THAT(complete("nebsc log --fi"), testing::StartsWith("--files\tShow the files"));
 }
 

@@ -36,7 +36,7 @@ std::string asInPage(std::string_view text) {
 void expectInPage(const std::string& page, const nebsc::Command& command,
                   const std::string& names) {
     const std::string whole = names + std::string(command.name);
-    EXPECT_THAT(page, HasSubstr("\n.SS '" + asInPage(whole))) << whole;
+    EXPECT_THAT(page, HasSubstr("\n.SS \"" + asInPage(whole))) << whole;
     EXPECT_THAT(page, HasSubstr(asInPage(command.summary) + ".\n")) << whole;
     EXPECT_THAT(page, HasSubstr("\n" + asInPage(whole))) << whole << " has no example";
     for (const nebsc::Parameter& parameter : command.parameters) {
@@ -64,13 +64,13 @@ TEST(Manual, HasEveryCommandAndOption) {
     }
     for (const char* name : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "COMMANDS",
                              "EXIT STATUS", "ENVIRONMENT", "FILES", "SEE ALSO"}) {
-        EXPECT_THAT(page, HasSubstr(std::string("\n.SH '") + name + "'\n"));
+        EXPECT_THAT(page, HasSubstr(std::string("\n.SH \"") + name + "\"\n"));
     }
 }
 
 TEST(Manual, NamesEveryVariableThatIsRead) {
     const std::string page = contentOf(pageFile);
-    const std::string variables = page.substr(page.find(".SH 'ENVIRONMENT'"));
+    const std::string variables = page.substr(page.find(".SH \"ENVIRONMENT\""));
     const std::regex reading(R"~((getenv|variable)\("([A-Z_]+)"\))~");
     std::size_t count = 0;
     for (const char* folder : {"/Tools", "/Host", "/Classes"}) {

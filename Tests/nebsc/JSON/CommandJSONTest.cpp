@@ -202,7 +202,7 @@ TEST_F(CommandJSON, ASilentFailureIsTold) {
 }
 
 TEST_F(CommandJSON, ACallThatCannotBeUnderstoodHasNoOutcome) {
-    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("the path is empty"), 2);
+    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("a path is empty"), 2);
 }
 
 TEST_F(CommandJSON, ARefusalHoldsNoPassword) {

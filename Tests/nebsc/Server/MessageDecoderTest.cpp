@@ -97,9 +97,9 @@ INSTANTIATE_TEST_SUITE_P(
                     BadHeader{"TwoLengths", "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}",
                               "more than one Content-Length"},
                     BadHeader{"LineFeedsAlone", "Content-Length: 2\n\n{}",
-                              "ends with LF alone, and not with CR LF: \"Content-Length: 2\"."},
+                              "ends with LF alone, and not with CR LF: 'Content-Length: 2'."},
                     BadHeader{"OneLineFeedAlone", "Content-Type: x\r\nContent-Length: 2\n\r\n",
-                              "LF alone, and not with CR LF: \"Content-Length: 2\"."},
+                              "LF alone, and not with CR LF: 'Content-Length: 2'."},
                     BadHeader{"Endless", std::string(5000, 'x'), "more than 4096 bytes"}),
     [](const auto& tested) { return tested.param.name; });
 

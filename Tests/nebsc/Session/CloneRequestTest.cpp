@@ -111,7 +111,7 @@ TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     const NebscOutcome outcome = runRequest(requestTo(folder.path("clone"), repository.path()),
                                             {.variables = allowingFiles()});
     EXPECT_EQ(outcome.json()["error"]["files"], JSON({"sub", "there"}));
-    EXPECT_THAT(outcome.errors, HasSubstr("it lacks the submodules \"sub\", \"there\". To get"));
+    EXPECT_THAT(outcome.errors, HasSubstr("it lacks the submodules 'sub', 'there'. To get"));
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
 }
@@ -131,7 +131,7 @@ TEST_F(CloneRequest, TheAdviceForMissingSubmodulesGetsAllOfThem) {
     const std::size_t start = outcome.errors.find(git + "submodule");
     ASSERT_NE(start, std::string::npos) << outcome.errors;
     std::istringstream advice(outcome.errors.substr(
-        start + git.size(), outcome.errors.find('"', start) - start - git.size()));
+        start + git.size(), outcome.errors.find('\'', start) - start - git.size()));
     std::vector<std::string> arguments{"-C", folder.path("clone"), "-c",
                                        "protocol.file.allow=always"};
     arguments.insert(arguments.end(), std::istream_iterator<std::string>(advice), {});
@@ -215,7 +215,7 @@ TEST_F(CloneRequest, ADestinationThatIsNoAbsolutePathIsRefused) {
                        {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors,
-                    testing::StartsWith("nebsc: the request's member 'destination' is '"));
+                    testing::StartsWith("nebsc: the request's member \"destination\" is \""));
         EXPECT_THAT(outcome.errors, HasSubstr("for a clone an absolute path was expected"));
         EXPECT_EQ(outcome.exitStatus, 2);
     }

@@ -202,7 +202,7 @@ TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
                     "nebsc: the plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
     EXPECT_EQ(reply.exitStatus, exitDone);
     EXPECT_THAT(replyOf(remoteCommand, true).standardError,
-                testing::HasSubstr("The plug-in reports: Assertion failed: in main"));
+                testing::HasSubstr("nebsc: the plug-in reports: Assertion failed: in main"));
 }
 
 }  // namespace

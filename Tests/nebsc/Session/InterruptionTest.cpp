@@ -127,7 +127,7 @@ TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {
     program.send(SIGHUP);
     folder.write("go on", "");
     const NebscOutcome outcome = program.outcome();
-    EXPECT_THAT(outcome.output, HasSubstr("Nothing to report"));
+    EXPECT_THAT(outcome.output, HasSubstr("No changes"));
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
 }

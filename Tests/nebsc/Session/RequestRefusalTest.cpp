@@ -36,10 +36,10 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusalRow{"null", "The request is null; an object was expected."},
                     RefusalRow{"true", "The request is a boolean; an object was expected."},
                     RefusalRow{"15", "The request is an integer; an object was expected."},
-                    RefusalRow{"'15'", "The request is a string; an object was expected."},
+                    RefusalRow{"\"15\"", "The request is a string; an object was expected."},
                     RefusalRow{"[]", "The request is an array; an object was expected."},
-                    RefusalRow{"{}",
-                               "The request's member 'type' is missing; an integer was expected."},
+                    RefusalRow{
+                        "{}", "The request's member \"type\" is missing; an integer was expected."},
                     RefusalRow{"1e999", "The request is a number too large to be read."}));
 
 TEST(RequestJSON, ShowsNoPasswordOfAURL) {
@@ -47,7 +47,7 @@ TEST(RequestJSON, ShowsNoPasswordOfAURL) {
     const std::string url = "http://ann:" + password + "@host";
     EXPECT_EQ(refusalOf(R"({"type": 29, "destination": ")" + url + "\"}"),
               "The request's member \"destination\" is \"http://ann:<redacted>@host\"; for a clone "
-              "an absolute path was expected, from '/' on.");
+              "an absolute path was expected, from \"/\" on.");
     const RequestReading reading =
         requestFromJSON(R"({"type": 29, "sourceTree": {"location": ")" + url + "\"}}");
     ASSERT_NE(reading.request, nullptr) << reading.refusal;
@@ -56,7 +56,7 @@ TEST(RequestJSON, ShowsNoPasswordOfAURL) {
 }
 
 TEST(RequestJSON, NamesWhyTheTypeIsNone) {
-    const std::string start = "The request's member 'type' is ";
+    const std::string start = "The request's member \"type\" is ";
     EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
     EXPECT_EQ(refusalOf(R"({"type": "15"})"), start + "a string" + expectedType);
     EXPECT_EQ(refusalOf(R"({"type": true})"), start + "a boolean" + expectedType);
@@ -75,88 +75,89 @@ INSTANTIATE_TEST_SUITE_P(
     Kinds, RefusedRequest,
     testing::Values(
         RefusalRow{R"({"type": 0, "sourceTree": "/w"})",
-                   "The request's member 'sourceTree' is a string; an object was expected."},
+                   "The request's member \"sourceTree\" is a string; an object was expected."},
         RefusalRow{R"({"type": 0, "repositoryToAuthenticate": [1]})",
-                   "The request's member 'repositoryToAuthenticate' is an array; an object was "
+                   "The request's member \"repositoryToAuthenticate\" is an array; an object was "
                    "expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"location": 1}})",
-                   "The request's member 'sourceTree.location' is an integer; a string was "
+                   "The request's member \"sourceTree.location\" is an integer; a string was "
                    "expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"name": false}})",
-                   "The request's member 'sourceTree.name' is a boolean; a string was "
+                   "The request's member \"sourceTree.name\" is a boolean; a string was "
                    "expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"class": 1.5}})",
-                   "The request's member 'sourceTree.class' is a number that is no 64-bit "
+                   "The request's member \"sourceTree.class\" is a number that is no 64-bit "
                    "integer; a string was expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"reachable": 1}})",
-                   "The request's member 'sourceTree.reachable' is an integer; true or false "
+                   "The request's member \"sourceTree.reachable\" is an integer; true or false "
                    "was expected."},
         RefusalRow{R"({"type": 0, "repositoryToAuthenticate": {"isValid": "yes"}})",
-                   "The request's member 'repositoryToAuthenticate.isValid' is a string; true "
+                   "The request's member \"repositoryToAuthenticate.isValid\" is a string; true "
                    "or false was expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": 0}})",
-                   "The request's member 'sourceTree.isRemoteDistributedRepository' is an "
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is an "
                    "integer; true or false was expected."},
         RefusalRow{R"({"type": 0, "remote": true})",
-                   "The request's member 'remote' is a boolean; an object was expected."},
+                   "The request's member \"remote\" is a boolean; an object was expected."},
         RefusalRow{R"({"type": 0, "remote": {"representsGitSVNBridge": 1}})",
-                   "The request's member 'remote.representsGitSVNBridge' is an integer; true or "
+                   "The request's member \"remote.representsGitSVNBridge\" is an integer; true or "
                    "false was expected."},
         RefusalRow{R"({"type": 0, "destination": []})",
-                   "The request's member 'destination' is an array; a string, a number or a "
+                   "The request's member \"destination\" is an array; a string, a number or a "
                    "boolean was expected."},
         RefusalRow{R"({"type": 0, "startingRevision": {}})",
-                   "The request's member 'startingRevision' is an object; a string, a number or "
+                   "The request's member \"startingRevision\" is an object; a string, a number or "
                    "a boolean was expected."},
         RefusalRow{R"({"type": 0, "endingRevision": [[1]]})",
-                   "The request's member 'endingRevision' is an array; a string, a number or a "
+                   "The request's member \"endingRevision\" is an array; a string, a number or a "
                    "boolean was expected."},
         RefusalRow{R"({"type": 0, "files": "/a"})",
-                   "The request's member 'files' is a string; an array was expected."},
+                   "The request's member \"files\" is a string; an array was expected."},
         RefusalRow{R"({"type": 0, "files": ["/a", "/b", ["/c"]]})",
-                   "The request's member 'files[2]' is an array; a string, a number or a boolean "
+                   "The request's member \"files[2]\" is an array; a string, a number or a boolean "
                    "was expected."},
         RefusalRow{R"({"type": 0, "options": [1]})",
-                   "The request's member 'options' is an array; an object was expected."},
+                   "The request's member \"options\" is an array; an object was expected."},
         RefusalRow{R"({"type": 0, "options": {"NEBSourceControlRequestOptionBranch": {}}})",
-                   "The request's member 'options.NEBSourceControlRequestOptionBranch' is an "
+                   "The request's member \"options.NEBSourceControlRequestOptionBranch\" is an "
                    "object; a string, a number or a boolean was expected."}));
 
 INSTANTIATE_TEST_SUITE_P(
     Values, RefusedRequest,
     testing::Values(
         RefusalRow{R"({"type": 0, "sourceTree": {"class": "NEBSourceControlTree"}})",
-                   "The request's member 'sourceTree.class' is 'NEBSourceControlTree'; "
+                   "The request's member \"sourceTree.class\" is \"NEBSourceControlTree\"; "
                    "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": true}})",
-                   "The request's member 'sourceTree.isRemoteDistributedRepository' is true for "
+                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is true for "
                    "a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be one, "
                    "so false was expected."},
         RefusalRow{R"({"type": 15, "destination": "a", "type": 15})",
-                   "The request's member 'type' is there twice; once was expected."},
+                   "The request's member \"type\" is there twice; once was expected."},
         RefusalRow{R"({"type": 0, "sourceTree": {"name": "a", "name": "a"}})",
-                   "The request's member 'sourceTree.name' is there twice; once was expected."},
+                   "The request's member \"sourceTree.name\" is there twice; once was expected."},
         RefusalRow{R"({"type": 0, "files": [1, {"a": 1, "a": 2}]})",
-                   "The request's member 'files[1].a' is there twice; once was expected."},
+                   "The request's member \"files[1].a\" is there twice; once was expected."},
         RefusalRow{R"({"type": 0, "files": ["/a", 1e999]})",
-                   "The request's member 'files[1]' is a number too large to be read."}));
+                   "The request's member \"files[1]\" is a number too large to be read."}));
 
 TEST(RequestJSON, NamesTheUnknownMember) {
     EXPECT_EQ(refusalOf(R"({"type": 0, "Destination": "topic"})"),
-              "The request's member 'Destination' is not known; known are type, sourceTree, "
+              "The request's member \"Destination\" is not known; known are type, sourceTree, "
               "repositoryToAuthenticate, destination, files, startingRevision, endingRevision, "
               "remote, options.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "sourceTree": {"path": "/w"}})"),
-              "The request's member 'sourceTree.path' is not known; known are class, location, "
+              "The request's member \"sourceTree.path\" is not known; known are class, location, "
               "name, reachable, isValid, isRemoteDistributedRepository.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "remote": {"name": "origin"}})"),
-              "The request's member 'remote.name' is not known; known are "
+              "The request's member \"remote.name\" is not known; known are "
               "representsGitSVNBridge.");
 }
 
 TEST(RequestJSON, NamesTheUnknownOptionAndEveryKnownOne) {
     const std::string refusal = refusalOf(R"({"type": 0, "options": {"branch": "topic"}})");
-    EXPECT_THAT(refusal, testing::StartsWith("The request's member 'options.branch' is not known"));
+    EXPECT_THAT(refusal,
+                testing::StartsWith("The request's member \"options.branch\" is not known"));
     for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
         EXPECT_THAT(refusal, HasSubstr(key.text()));
     }
@@ -203,7 +204,7 @@ TEST(RequestJSON, HasALimitOfValuesAndOfBytes) {
 }
 
 TEST(RequestJSON, ALongMistakeMakesAShortSentence) {
-    const std::string text = "{'type': '" + std::string(1000000, 'x') + "\xff'}";
+    const std::string text = "{\"type\": \"" + std::string(1000000, 'x') + "\xff\"}";
     EXPECT_LT(refusalOf(text).size(), 400U);
 }
 
@@ -220,14 +221,14 @@ TEST(RequestJSON, ARelativeLocationIsRefused) {
     };
     for (const char* location : {"", ".", "relative", "../r"}) {
         EXPECT_EQ(refusalOf(with(location)),
-                  std::string("The request's member 'sourceTree.location' is '") + location +
-                      "'; an absolute path or a URL was expected.");
+                  std::string("The request's member \"sourceTree.location\" is \"") + location +
+                      "\"; an absolute path or a URL was expected.");
     }
 }
 
 TEST(RequestJSON, AnEmptyNameIsAName) {
     EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
-                testing::StartsWith("The request's member '''' is not known; known are type,"));
+                testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
 }
 
 TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
@@ -244,7 +245,7 @@ TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
 
 TEST(RequestJSON, WhatSomebodyElseWroteIsShownInPart) {
     const std::string large(3000000, 'x');
-    EXPECT_LT(refusalOf("{'type': 1, '" + large + "\": 1}").size(), 1000U);
+    EXPECT_LT(refusalOf("{\"type\": 1, \"" + large + "\": 1}").size(), 1000U);
     EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"class": ")" + large + "\"}}").size(), 1000U);
     EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"location": ")" + large + "\"}}").size(),
               1000U);

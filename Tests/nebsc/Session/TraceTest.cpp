@@ -38,7 +38,7 @@ protected:
 
 TEST_F(TraceOption, TellsOfEachChildAsItStartsAndAsItEnds) {
     const NebscOutcome outcome = nebsc({"status", "--trace"});
-    EXPECT_THAT(outcome.output, testing::StartsWith("Nothing to report"));
+    EXPECT_THAT(outcome.output, testing::StartsWith("No changes"));
     const std::vector<std::string> lines = linesOf(outcome.errors);
     ASSERT_EQ(lines.size(), 4U) << outcome.errors;
     EXPECT_EQ(lines[2],

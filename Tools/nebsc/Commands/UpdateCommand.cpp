@@ -195,7 +195,7 @@ void UpdateTask::noteDroppedCommits(CommandOutput& output) {
                             (dropped == 1 ? " local commit was" : " local commits were") +
                             " dropped, because Subversion has the same changes or newer ones; "
                             "before the update, the branch was at " +
-                            printable(_commitBefore.value_or("")) + ".\n";
+                            printable(_commitBefore.value_or("")) + "\n";
 }
 
 std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {

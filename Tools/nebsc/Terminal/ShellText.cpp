@@ -75,7 +75,7 @@ std::string shellQuoted(std::string_view text) {
     }
     const std::size_t length = text.find_last_not_of('\n') + 1;
     return "\"$(printf '" + printfFormat(text.substr(0, length)) + "')" +
-           std::string(text.substr(length)) + "'";
+           std::string(text.substr(length)) + "\"";
 }
 
 /// textWithoutPasswords() has replaced all passwords, even those that contain "/". The colon shows
@@ -91,7 +91,7 @@ std::string withoutSecrets(std::string_view text) {
         clean.append(before).append(separator);
         const bool isHTTP = endsWithHTTPScheme(before);
         rest.remove_prefix(offset + separator.size());
-        const std::string_view authority = rest.substr(0, rest.find_first_of("/?# \t\r\n''"));
+        const std::string_view authority = rest.substr(0, rest.find_first_of("/?# \t\r\n'\""));
         const std::size_t at = authority.rfind('@');
         if (at != std::string_view::npos &&
             (isHTTP || authority.substr(0, at).find(':') != std::string_view::npos)) {

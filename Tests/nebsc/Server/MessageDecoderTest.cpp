@@ -1,4 +1,4 @@
-// The frames of messages, whatever the pieces in which they arrive.
+// Decoding of framed messages from reads of any size.
 
 #include "Server/MessageDecoder.h"
 
@@ -16,14 +16,14 @@ using testing::Optional;
 
 constexpr std::size_t limit = 100;
 
-/// The messages of a stream that arrives in pieces of this size.
-std::vector<std::string> messagesIn(std::string_view stream, std::size_t pieceSize,
-                                    MessageDecoder& frames) {
+/// Decodes a stream from reads of this size. A message beyond the limit becomes its length.
+std::vector<std::string> messagesIn(std::string_view stream, std::size_t readSize,
+                                    MessageDecoder& decoder) {
     std::vector<std::string> messages;
     while (!stream.empty()) {
-        frames.append(stream.substr(0, pieceSize));
-        stream.remove_prefix(std::min(pieceSize, stream.size()));
-        while (const auto frame = frames.take()) {
+        decoder.append(stream.substr(0, readSize));
+        stream.remove_prefix(std::min(readSize, stream.size()));
+        while (const auto frame = decoder.take()) {
             messages.push_back(frame->length > limit ? std::to_string(frame->length)
                                                      : frame->content);
         }
@@ -31,58 +31,58 @@ std::vector<std::string> messagesIn(std::string_view stream, std::size_t pieceSi
     return messages;
 }
 
-TEST(MessageDecoder, AreTheSameInPiecesOfAnySize) {
+TEST(MessageDecoder, DecodesReadsOfAnySize) {
     const std::string stream =
         MessageDecoder::framed("{}") + MessageDecoder::framed("") +
         "content-length:  3 \r\nContent-Type: application/json\r\n\r\n\r\na" +
         MessageDecoder::framed(std::string(limit, 'x')) +
         MessageDecoder::framed(std::string(limit + 1, 'y')) + MessageDecoder::framed("[1]");
-    for (const std::size_t pieceSize : {1U, 2U, 7U, 64U, 1000U}) {
-        MessageDecoder frames(limit);
-        EXPECT_THAT(messagesIn(stream, pieceSize, frames),
+    for (const std::size_t readSize : {1U, 2U, 7U, 64U, 1000U}) {
+        MessageDecoder decoder(limit);
+        EXPECT_THAT(messagesIn(stream, readSize, decoder),
                     ElementsAre("{}", "", "\r\na", std::string(limit, 'x'), "101", "[1]"));
-        EXPECT_EQ(frames.failure(), std::nullopt);
-        EXPECT_TRUE(frames.isBetweenMessages());
+        EXPECT_EQ(decoder.failure(), std::nullopt);
+        EXPECT_TRUE(decoder.isBetweenMessages());
     }
 }
 
-TEST(MessageDecoder, AreCountedInBytes) {
+TEST(MessageDecoder, CountsTheLengthInBytes) {
     EXPECT_EQ(MessageDecoder::framed("\xC3\xA4"), "Content-Length: 2\r\n\r\n\xC3\xA4");
 }
 
-TEST(MessageDecoder, TellWhereTheStreamStops) {
-    MessageDecoder frames(limit);
-    EXPECT_TRUE(frames.isBetweenMessages());
-    for (const std::string_view piece : {"Content-Le", "ngth: 2\r\n\r\n", "{"}) {
-        frames.append(piece);
-        EXPECT_EQ(frames.take(), std::nullopt);
-        EXPECT_FALSE(frames.isBetweenMessages());
+TEST(MessageDecoder, KnowsWhetherAMessageIsIncomplete) {
+    MessageDecoder decoder(limit);
+    EXPECT_TRUE(decoder.isBetweenMessages());
+    for (const std::string_view bytes : {"Content-Le", "ngth: 2\r\n\r\n", "{"}) {
+        decoder.append(bytes);
+        EXPECT_EQ(decoder.take(), std::nullopt);
+        EXPECT_FALSE(decoder.isBetweenMessages());
     }
-    frames.append("}");
-    EXPECT_TRUE(frames.take());
-    EXPECT_TRUE(frames.isBetweenMessages());
+    decoder.append("}");
+    EXPECT_TRUE(decoder.take());
+    EXPECT_TRUE(decoder.isBetweenMessages());
 }
 
-TEST(MessageDecoder, TheNameOfAHeaderMayHaveBlanksAroundIt) {
-    MessageDecoder frames(limit);
-    EXPECT_THAT(messagesIn("content-length : 2\r\n\r\n{}", 5, frames), ElementsAre("{}"));
+TEST(MessageDecoder, AcceptsBlanksAroundTheNameOfAHeader) {
+    MessageDecoder decoder(limit);
+    EXPECT_THAT(messagesIn("content-length : 2\r\n\r\n{}", 5, decoder), ElementsAre("{}"));
 }
 
 struct BadHeader {
     const char* name;
     std::string header;
-    const char* words;
+    const char* failure;
 };
 
 class BadHeaders : public testing::TestWithParam<BadHeader> {};
 
-TEST_P(BadHeaders, EndTheReading) {
-    MessageDecoder frames(limit);
-    EXPECT_THAT(messagesIn(MessageDecoder::framed("{}") + GetParam().header, 5, frames),
+TEST_P(BadHeaders, StopTheDecoding) {
+    MessageDecoder decoder(limit);
+    EXPECT_THAT(messagesIn(MessageDecoder::framed("{}") + GetParam().header, 5, decoder),
                 ElementsAre("{}"));
-    EXPECT_THAT(frames.failure(), Optional(HasSubstr(GetParam().words)));
-    frames.append(MessageDecoder::framed("{}"));
-    EXPECT_EQ(frames.take(), std::nullopt);
+    EXPECT_THAT(decoder.failure(), Optional(HasSubstr(GetParam().failure)));
+    decoder.append(MessageDecoder::framed("{}"));
+    EXPECT_EQ(decoder.take(), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,4 +1,4 @@
-// Messages go out in order, however slowly they are read, and never hold up their sender.
+// Order of messages, slow readers and readers that are gone.
 
 #include "Server/MessageWriter.h"
 
@@ -25,14 +25,14 @@ protected:
 
     [[nodiscard]] std::string read(std::size_t size) const {
         std::string bytes;
-        char piece[4096];
+        char buffer[4096];
         while (bytes.size() < size) {
             const ssize_t count =
-                ::read(pipe.readEnd.get(), piece, std::min(sizeof piece, size - bytes.size()));
+                ::read(pipe.readEnd.get(), buffer, std::min(sizeof buffer, size - bytes.size()));
             if (count <= 0) {
                 break;
             }
-            bytes.append(piece, static_cast<std::size_t>(count));
+            bytes.append(buffer, static_cast<std::size_t>(count));
         }
         return bytes;
     }
@@ -52,7 +52,7 @@ TEST_F(Writer, KeepsTheOrder) {
     EXPECT_EQ(writer.waitingBytes(), 0U);
 }
 
-TEST_F(Writer, DoesNotHoldUpItsSenderWhenNobodyReads) {
+TEST_F(Writer, DoesNotBlockTheSenderWithoutAReader) {
     const std::string big(1'000'000, 'x');
     {
         MessageWriter writer(pipe.writeEnd.get(), [] {});
@@ -65,16 +65,16 @@ TEST_F(Writer, DoesNotHoldUpItsSenderWhenNobodyReads) {
     EXPECT_EQ(writer.waitingBytes(), 0U);
 }
 
-TEST_F(Writer, TellsOnceThatTheReaderHasGone) {
-    std::promise<void> told;
+TEST_F(Writer, ReportsOnceThatTheReaderIsGone) {
+    std::promise<void> reported;
     std::atomic<int> times = 0;
     MessageWriter writer(pipe.writeEnd.get(), [&] {
         ++times;
-        told.set_value();
+        reported.set_value();
     });
     writer.send(std::string(1'000'000, 'x'));
     pipe.readEnd.close();
-    EXPECT_EQ(told.get_future().wait_for(longEnough), std::future_status::ready);
+    EXPECT_EQ(reported.get_future().wait_for(longEnough), std::future_status::ready);
     writer.send("more");
     EXPECT_FALSE(writer.finish(longEnough));
     EXPECT_EQ(writer.waitingBytes(), 0U);

@@ -1,4 +1,4 @@
-// The messages of JSON-RPC, understood and refused.
+// Valid and refused JSON-RPC messages.
 
 #include "Server/RPCMessage.h"
 
@@ -26,7 +26,7 @@ TEST(RPCMessage, HasAnIdAMethodAndParameters) {
     EXPECT_EQ(nebsc::readRPCMessage(R"({"jsonrpc":"2.0","method":"m"})").message->id, std::nullopt);
 }
 
-TEST(RPCMessage, OfAnAnswerToNobodyIsPassedOver) {
+TEST(RPCMessage, OfAResponseIsIgnored) {
     for (const char* text : {R"({"jsonrpc":"2.0","id":1,"result":null})",
                              R"({"jsonrpc":"2.0","id":1,"error":{"code":1,"message":""}})"}) {
         const auto reading = nebsc::readRPCMessage(text);
@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"AnIdOfAnotherKind", R"({"jsonrpc":"2.0","id":[],"method":"m"})", -32600, nullptr}),
     [](const auto& tested) { return tested.param.name; });
 
-/// A request of this many elements, and what surrounds them.
+/// Returns a request with this many elements in its parameters.
 std::string requestOfSize(std::size_t count, const std::string& start, const std::string& end) {
     std::string text = start + R"("params":[0)";
     for (std::size_t i = 1; i < count; ++i) {

@@ -1,4 +1,4 @@
-// Which requests wait for each other.
+// Requests that wait for each other, and requests that run in parallel.
 
 #include "Server/RepositoryScheduler.h"
 
@@ -18,9 +18,9 @@ namespace neb::test {
 namespace {
 
 using nebsc::RepositoryScheduler;
-using nebsc::writtenPlaceOf;
+using nebsc::writtenLocationOf;
 
-TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
+TEST(WrittenLocation, IsTheTopOfTheWorkingCopyForRequestsThatWrite) {
     const TestRepository repository;
     repository.write("src/deep/a.c", "1");
     for (const auto& type : NEBSourceControlAllRequestTypes()) {
@@ -28,44 +28,44 @@ TEST(WrittenPlace, IsTheTopOfTheWorkingCopyForWhatWrites) {
         if (type.worksInDestination) {
             request->destination = repository.path("new/clone");
         }
-        EXPECT_EQ(writtenPlaceOf(*request), type.effect == NEBSourceControlRequestEffect::changes
-                                                ? std::optional(repository.path())
-                                                : std::nullopt)
+        EXPECT_EQ(writtenLocationOf(*request), type.effect == NEBSourceControlRequestEffect::changes
+                                                   ? std::optional(repository.path())
+                                                   : std::nullopt)
             << type.name;
     }
     const auto unlisted = requestFor(1'000'000, repository.path("src/deep"));
-    EXPECT_EQ(writtenPlaceOf(*unlisted), repository.path());
+    EXPECT_EQ(writtenLocationOf(*unlisted), repository.path());
 }
 
-TEST(WrittenPlace, IsToldByLocationOrRepository) {
+TEST(WrittenLocation, ComesFromTheLocationOrTheRepositoryPath) {
     const TestRepository repository;
     const auto request = requestFor(NEBSourceControlRequestAdd, "file://" + repository.path());
-    EXPECT_EQ(writtenPlaceOf(*request), repository.path());
+    EXPECT_EQ(writtenLocationOf(*request), repository.path());
     request->sourceTree.reset();
-    EXPECT_EQ(writtenPlaceOf(*request), "");
+    EXPECT_EQ(writtenLocationOf(*request), "");
     request->options =
         NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, repository.path(".git")}};
-    EXPECT_EQ(writtenPlaceOf(*request), repository.path());
+    EXPECT_EQ(writtenLocationOf(*request), repository.path());
     const TemporaryFolder folder;
     EXPECT_EQ(
-        writtenPlaceOf(*requestFor(NEBSourceControlRequestCreateRepository, folder.path("new"))),
+        writtenLocationOf(*requestFor(NEBSourceControlRequestCreateRepository, folder.path("new"))),
         folder.path("new"));
 }
 
-TEST(WrittenPlace, OfAnExportIsItsDestination) {
+TEST(WrittenLocation, OfAnExportIsItsDestination) {
     const TestRepository repository;
     for (const std::int32_t type :
          {NEBSourceControlRequestExportFiles, NEBSourceControlRequestExport,
           NEBSourceControlRequestExportTree}) {
         const auto request = requestFor(type, repository.path());
         request->destination = repository.path("new/../a.c");
-        EXPECT_EQ(writtenPlaceOf(*request), repository.path("a.c")) << type;
+        EXPECT_EQ(writtenLocationOf(*request), repository.path("a.c")) << type;
     }
 }
 
-TEST(RepositoryScheduler, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
+TEST(RepositoryScheduler, RunsWorkForOneLocationInOrderAndTheRestInParallel) {
     OperationQueue queue(4);
-    RepositoryScheduler order(queue);
+    RepositoryScheduler scheduler(queue);
     std::mutex mutex;
     std::string done;
     const auto note = [&](char letter) {
@@ -82,33 +82,33 @@ TEST(RepositoryScheduler, LetsWorkOfOnePlaceRunInItsOrderAndTheRestBeside) {
             bothDone.set_value();
         }
     };
-    order.add("/w", [&] {
+    scheduler.add("/w", [&] {
         mayGoOn.wait();
         note('1');
     });
-    order.add("/w", [&] { note('2'); });
-    order.add("/w", [&] { note('3'); });
-    order.add("/v", [&] { other('v'); });
-    order.add(std::nullopt, [&] { other('r'); });
+    scheduler.add("/w", [&] { note('2'); });
+    scheduler.add("/w", [&] { note('3'); });
+    scheduler.add("/v", [&] { other('v'); });
+    scheduler.add(std::nullopt, [&] { other('r'); });
     bothDone.get_future().wait();
     goOn.set_value();
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_THAT(done, testing::AnyOf("vr123", "rv123"));
-    order.add("/w", [&] { note('4'); });
+    scheduler.add("/w", [&] { note('4'); });
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(done.ends_with('4'));
 }
 
-TEST(RepositoryScheduler, IsGoneOnlyWhenItsWorkIsDone) {
+TEST(RepositoryScheduler, WaitsForItsWorkWhenDestroyed) {
     OperationQueue queue(2);
     std::string done;
     {
-        RepositoryScheduler order(queue);
-        order.add("/w", [&] {
+        RepositoryScheduler scheduler(queue);
+        scheduler.add("/w", [&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             done += '1';
         });
-        order.add("/w", [&] { done += '2'; });
+        scheduler.add("/w", [&] { done += '2'; });
     }
     EXPECT_EQ(done, "12");
 }

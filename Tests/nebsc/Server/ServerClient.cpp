@@ -71,19 +71,19 @@ void ServerClient::sendBytes(std::string_view bytes) const {
 
 ServerClient::JSON ServerClient::receive() {
     while (true) {
-        if (const auto frame = _frames.take()) {
+        if (const auto frame = _decoder.take()) {
             return JSON::parse(frame->content);
         }
         pollfd readable{.fd = _fromServer.get(), .events = POLLIN, .revents = 0};
-        char piece[65536];
+        char buffer[65536];
         if (::poll(&readable, 1, longEnough) != 1) {
             return nullptr;
         }
-        const ssize_t count = ::read(_fromServer.get(), piece, sizeof piece);
+        const ssize_t count = ::read(_fromServer.get(), buffer, sizeof buffer);
         if (count <= 0) {
             return nullptr;
         }
-        _frames.append({piece, static_cast<std::size_t>(count)});
+        _decoder.append({buffer, static_cast<std::size_t>(count)});
     }
 }
 

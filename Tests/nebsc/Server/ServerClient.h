@@ -1,4 +1,4 @@
-// ServerClient.h - a client of `nebsc serve`, which runs as a program of its own.
+// ServerClient.h - a client that starts `nebsc serve` and sends it messages.
 #pragma once
 
 #include <sys/types.h>
@@ -19,15 +19,14 @@ class ServerClient {
 public:
     using JSON = nlohmann::ordered_json;
 
-    /// Starts the server, with these variables beside the environment's. `launcher` is a program
-    /// with its arguments that becomes the program whose command line follows it, such as
-    /// prlimit(1).
+    /// Starts the server with these additional variables. `launcher` is a program with arguments
+    /// that then executes the command line after it, such as prlimit(1).
     explicit ServerClient(
         const std::vector<std::pair<std::string, std::optional<std::string>>>& variables = {},
         std::vector<std::string> launcher = {});
     ServerClient(const ServerClient&) = delete;
     ServerClient& operator=(const ServerClient&) = delete;
-    /// Kills it where it still runs.
+    /// Kills the server if it still runs.
     ~ServerClient();
 
     /// Sends a request or, without an id, a notification.
@@ -35,27 +34,27 @@ public:
     void sendMessage(std::string_view content);
     void sendBytes(std::string_view bytes) const;
 
-    /// The next message; null when the server has ended or said nothing for a minute.
+    /// Returns the next message; null if the server has ended or sends nothing for a minute.
     JSON receive();
-    /// The answer to the request; what else comes before it is kept in others().
+    /// Returns the response to the request. Messages before it are added to others().
     JSON answerTo(const JSON& id);
     [[nodiscard]] const std::vector<JSON>& others() const { return _others; }
 
-    /// "initialize", and its answer.
+    /// Sends "initialize" and returns the response.
     JSON initialize();
-    /// Closes what the server reads from.
+    /// Closes the server's standard input.
     void close() { _toServer.close(); }
-    /// Closes what it writes to.
+    /// Closes the read end of the server's standard output.
     void stopReading() { _fromServer.close(); }
     void signal(int signalNumber) const;
-    /// Waits for the end; -1 when a signal ended the server.
+    /// Waits for the end of the server. Returns -1 if a signal killed it.
     int exitStatus();
 
 private:
     pid_t _pid = -1;
     FileDescriptor _toServer;
     FileDescriptor _fromServer;
-    nebsc::MessageDecoder _frames{std::size_t{1} << 30};
+    nebsc::MessageDecoder _decoder{std::size_t{1} << 30};
     std::vector<JSON> _others;
 };
 

@@ -1,4 +1,4 @@
-// `nebsc serve`, run as a program and talked with over its pipes.
+// `nebsc serve`, run as a program.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -34,7 +34,8 @@ JSON commitOf(const TestRepository& repository, const std::string& file) {
     return request;
 }
 
-/// The text that somebody else writes into the file, waited for; empty when nobody does.
+/// Waits until another process has written a line into the file, and returns the content; empty
+/// after a minute.
 std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
     for (int i = 0; i < 6000; ++i) {
         std::string text = folder.read(name);
@@ -46,8 +47,8 @@ std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
     return {};
 }
 
-/// A git that tells the number of its process and works for long, but for the question for its
-/// version and for anything about a folder that is called "quick".
+/// A git that writes its process id to a file and runs for an hour. Ends at once for `--version`
+/// and in a folder named "quick".
 class SlowGit {
 public:
     SlowGit() {
@@ -60,9 +61,9 @@ public:
     [[nodiscard]] std::pair<std::string, std::optional<std::string>> path() const {
         return {"PATH", _folder.path() + ":/usr/bin:/bin"};
     }
-    [[nodiscard]] std::string place() const { return _folder.path(); }
-    [[nodiscard]] std::string quickPlace() const { return _folder.path("quick"); }
-    /// Waits until it works, and answers its process.
+    [[nodiscard]] std::string location() const { return _folder.path(); }
+    [[nodiscard]] std::string quickLocation() const { return _folder.path("quick"); }
+    /// Waits until git has started, and returns its process id.
     [[nodiscard]] pid_t process() const {
         std::istringstream number(awaitedLine(_folder, "started"));
         pid_t process = 0;
@@ -75,9 +76,9 @@ private:
     TemporaryFolder _folder;
 };
 
-// ---- a conversation ---------------------------------------------------------------------------
+// ---- responses --------------------------------------------------------------------------------
 
-TEST(Server, TellsWhatItIs) {
+TEST(Server, DescribesItself) {
     ServerClient client;
     const JSON result = client.initialize()["result"];
     EXPECT_EQ(result["serverInfo"]["name"], "nebsc");
@@ -95,7 +96,7 @@ TEST(Server, TellsWhatItIs) {
     EXPECT_EQ(client.exitStatus(), 0);
 }
 
-TEST(Server, AnswersAsTheRequestCommandDoes) {
+TEST(Server, RespondsLikeTheRequestCommand) {
     const TestRepository repository;
     repository.commitFile("grüße.c", "1\n", "First");
     ServerClient client;
@@ -146,9 +147,9 @@ TEST(Server, KeepsTheReportsOfEachRequestApart) {
     }
 }
 
-// ---- what is refused --------------------------------------------------------------------------
+// ---- errors -----------------------------------------------------------------------------------
 
-TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
+TEST(Server, RefusesInvalidMessagesAndContinues) {
     ServerClient client;
     client.send(1, "sourceControl/perform", requestAbout(NEBSourceControlRequestStatus, "/"));
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32002);
@@ -177,7 +178,7 @@ TEST(Server, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     client.sendMessage(R"([{"jsonrpc":"2.0","id":1,"method":"shutdown"}])");
     EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32600);
     client.send({}, "sourceControl/perform", requestAbout(NEBSourceControlRequestStatus, "/"));
-    client.send({}, "$/cancelRequest", {{"id", "nobody's"}});
+    client.send({}, "$/cancelRequest", {{"id", "unknown"}});
     client.send({}, "$/cancelRequest");
     client.send({}, "initialized", JSON::object());
     client.send(8, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, "/"));
@@ -199,7 +200,7 @@ TEST(Server, ReportsATypeWithoutOperationAsTheOutcomesError) {
     }
 }
 
-TEST(Server, PassesOverAMessageThatIsTooLong) {
+TEST(Server, SkipsAMessageThatIsTooLong) {
     ServerClient client;
     client.initialize();
     client.sendMessage(std::string(100'000'000, ' '));
@@ -210,23 +211,24 @@ TEST(Server, PassesOverAMessageThatIsTooLong) {
     EXPECT_EQ(client.answerTo(1)["result"]["valid"], true);
 }
 
-TEST(Server, TakesAnIdOnceAtATime) {
+TEST(Server, RefusesTheIdOfARunningRequest) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
     client.send(1, "sourceControl/perform",
-                requestAbout(NEBSourceControlRequestStatus, git.place()));
+                requestAbout(NEBSourceControlRequestStatus, git.location()));
     const pid_t process = git.process();
-    client.send(1, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, git.place()));
+    client.send(1, "sourceControl/plan",
+                requestAbout(NEBSourceControlRequestStatus, git.location()));
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32600);
     client.send({}, "$/cancelRequest", {{"id", 1}});
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
     EXPECT_FALSE(isLiveProcess(process));
 }
 
-// ---- side by side -----------------------------------------------------------------------------
+// ---- parallel requests ------------------------------------------------------------------------
 
-TEST(Server, QueuesWhatWritesToOneWorkingCopy) {
+TEST(Server, QueuesRequestsThatWriteToOneWorkingCopy) {
     const TestRepository repository;
     repository.commitFile("first", "1");
     std::string files;
@@ -254,16 +256,16 @@ TEST(Server, QueuesWhatWritesToOneWorkingCopy) {
         subjects);
 }
 
-TEST(Server, LetsReadsPassAWriteAndCancelsWhatWaits) {
+TEST(Server, RunsReadsDuringAWriteAndCancelsWaitingRequests) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
-    JSON add = requestAbout(NEBSourceControlRequestAdd, git.place());
+    JSON add = requestAbout(NEBSourceControlRequestAdd, git.location());
     client.send("running", "sourceControl/perform", add);
     const pid_t process = git.process();
     client.send("waiting", "sourceControl/perform", add);
     client.send("reading", "sourceControl/perform",
-                requestAbout(NEBSourceControlRequestStatus, git.quickPlace()));
+                requestAbout(NEBSourceControlRequestStatus, git.quickLocation()));
     EXPECT_EQ(client.answerTo("reading")["result"]["type"], NEBSourceControlRequestStatus);
     client.send({}, "$/cancelRequest", {{"id", "waiting"}});
     EXPECT_EQ(client.answerTo("waiting")["error"]["code"], -32800);
@@ -294,13 +296,13 @@ TEST(Server, RefusesAProgressTokenOfAnotherKind) {
     EXPECT_EQ(client.answerTo(2)["result"]["valid"], true);
 }
 
-TEST(Server, TellsOfTheProgressOfWhatTakesLong) {
+TEST(Server, ReportsTheProgressOfSlowRequests) {
     const SlowGit git;
     ServerClient client({git.path()});
     client.initialize();
-    JSON slow = requestAbout(NEBSourceControlRequestStatus, git.place());
+    JSON slow = requestAbout(NEBSourceControlRequestStatus, git.location());
     slow["workDoneToken"] = "t";
-    JSON quick = requestAbout(NEBSourceControlRequestStatus, git.quickPlace());
+    JSON quick = requestAbout(NEBSourceControlRequestStatus, git.quickLocation());
     quick["workDoneToken"] = 5;
     client.send(1, "sourceControl/perform", quick);
     client.send(2, "sourceControl/perform", slow);
@@ -324,7 +326,7 @@ protected:
     EndOfServer() {
         client.initialize();
         client.send(1, "sourceControl/perform",
-                    requestAbout(NEBSourceControlRequestStatus, git.place()));
+                    requestAbout(NEBSourceControlRequestStatus, git.location()));
         process = git.process();
     }
     void expectEnd(int exitStatus) {
@@ -337,53 +339,53 @@ protected:
     pid_t process = 0;
 };
 
-TEST_F(EndOfServer, ByExitLeavesNothingBehind) {
+TEST_F(EndOfServer, AfterExitEndsAllProcesses) {
     client.send({}, "exit");
     EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
     expectEnd(1);
 }
 
-TEST_F(EndOfServer, ByAClientThatIsGoneLeavesNothingBehind) {
+TEST_F(EndOfServer, AfterAClosedInputEndsAllProcesses) {
     client.close();
     expectEnd(1);
 }
 
-/// So many that no more are read.
-TEST_F(EndOfServer, ByAClientThatIsGoneWhileManyRequestsWait) {
+/// So many requests that the server has stopped reading.
+TEST_F(EndOfServer, AfterAClosedInputWhileManyRequestsWait) {
     constexpr int moreThanMayWait = 4200;
     for (int i = 2; i < moreThanMayWait; ++i) {
         client.send(i, "sourceControl/perform",
-                    requestAbout(NEBSourceControlRequestStatus, git.place()));
+                    requestAbout(NEBSourceControlRequestStatus, git.location()));
     }
     client.close();
     expectEnd(1);
 }
 
-TEST_F(EndOfServer, ByAClientThatGoesInTheMiddleOfAMessage) {
+TEST_F(EndOfServer, AfterAnIncompleteMessage) {
     client.sendBytes("Content-Length: 20\r\n\r\n{");
     client.close();
     expectEnd(1);
 }
 
-TEST_F(EndOfServer, ByAClientThatReadsNoMore) {
+TEST_F(EndOfServer, AfterAClosedOutput) {
     client.stopReading();
     client.send(2, "nothing");
     expectEnd(1);
 }
 
-TEST_F(EndOfServer, ByAHeaderThatCannotBeUnderstood) {
+TEST_F(EndOfServer, AfterAnInvalidHeader) {
     client.sendBytes("{\"jsonrpc\": \"2.0\"}\r\n\r\n");
     EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32700);
     expectEnd(1);
 }
 
-TEST_F(EndOfServer, ByASignal) {
+TEST_F(EndOfServer, AfterASignal) {
     client.signal(SIGTERM);
     expectEnd(128 + SIGTERM);
 }
 
-/// Its answers fill the pipe, and nobody takes them.
-TEST(Server, EndsWhenItsAnswersAreNotTaken) {
+/// The responses fill the pipe.
+TEST(Server, EndsIfItsResponsesAreNotRead) {
     ServerClient client;
     client.initialize();
     for (int i = 0; i < 2000; ++i) {

@@ -1,4 +1,4 @@
-// Job.h - a client's request from its arrival to its answer.
+// Job.h - the state of a client's request until its response.
 #pragma once
 
 #include <functional>
@@ -8,7 +8,7 @@
 
 namespace neb::nebsc {
 
-/// From any thread.
+/// A request that can be cancelled before and while it runs. Thread-safe.
 class Job {
 public:
     explicit Job(nlohmann::ordered_json id) : _id(std::move(id)) {}
@@ -17,26 +17,26 @@ public:
 
     [[nodiscard]] const nlohmann::ordered_json& id() const { return _id; }
 
-    /// Work that can be cancelled, for as long as the object lives. One at a time.
+    /// Makes the job's work cancellable during the lifetime of this object. One per job at a time.
     class Work {
     public:
-        /// `cancel` is called as soon as the job is cancelled, and at once when it was before. It
-        /// must not block.
+        /// Calls `cancel` when the job is cancelled, or at once if it already is. `cancel` must not
+        /// block.
         Work(Job& job, std::function<void()> cancel);
         Work(const Work&) = delete;
         Work& operator=(const Work&) = delete;
-        /// Afterwards `cancel` is not called any more.
+        /// After this, `cancel` is no longer called.
         ~Work();
 
     private:
         Job& _job;
     };
 
-    /// To be asked once the job's turn has come: whether to begin. Not when it was cancelled.
+    /// Marks the job as running. Returns false if it was cancelled and must not run.
     [[nodiscard]] bool begin();
 
-    /// Cancels the job. True when it had not begun and was not cancelled before: then whoever
-    /// cancels it answers the client, else whoever works at it does.
+    /// Cancels the job. Returns true if it had not begun and was not cancelled before: then the
+    /// caller must send the response. Otherwise the thread that runs the job sends it.
     [[nodiscard]] bool cancel();
 
 private:

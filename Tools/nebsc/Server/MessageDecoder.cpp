@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view headerEnd = "\r\n\r\n";
 constexpr std::string_view lineEnd = "\r\n";
-/// No header is longer by far.
+/// In bytes. Real headers are much shorter.
 constexpr std::size_t longestHeader = 4096;
 
 std::string_view withoutBlanks(std::string_view text) {
@@ -19,13 +19,13 @@ std::string_view withoutBlanks(std::string_view text) {
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
-/// Where the first line feed stands that no CR stands before.
+/// Returns the position of the first LF without a CR before it; npos without one.
 std::size_t bareLineFeedIn(std::string_view header) {
-    std::size_t place = header.find('\n');
-    while (place != std::string_view::npos && place > 0 && header[place - 1] == '\r') {
-        place = header.find('\n', place + 1);
+    std::size_t position = header.find('\n');
+    while (position != std::string_view::npos && position > 0 && header[position - 1] == '\r') {
+        position = header.find('\n', position + 1);
     }
-    return place;
+    return position;
 }
 
 std::string lastLineOf(const std::string& text) {
@@ -52,8 +52,8 @@ void MessageDecoder::append(std::string_view bytes) {
         return;
     }
     if (_length && *_length > _longest) {
-        const std::size_t count = std::min(bytes.size(), *_length - _passedOver);
-        _passedOver += count;
+        const std::size_t count = std::min(bytes.size(), *_length - _skipped);
+        _skipped += count;
         bytes.remove_prefix(count);
     }
     _bytes.append(bytes);
@@ -65,13 +65,13 @@ std::optional<MessageDecoder::Frame> MessageDecoder::take() {
     }
     Frame frame{.content = {}, .length = *_length};
     if (*_length > _longest) {
-        const std::size_t count = std::min(_bytes.size(), *_length - _passedOver);
-        _passedOver += count;
+        const std::size_t count = std::min(_bytes.size(), *_length - _skipped);
+        _skipped += count;
         _bytes.erase(0, count);
-        if (_passedOver < *_length) {
+        if (_skipped < *_length) {
             return std::nullopt;
         }
-        _passedOver = 0;
+        _skipped = 0;
     } else {
         if (_bytes.size() < *_length) {
             return std::nullopt;

@@ -1,18 +1,18 @@
-// MessageDecoder.h - the messages of a stream, each behind a header that tells its length, as
-// language servers frame them (Language Server Protocol 3.17, "Base Protocol"):
+// MessageDecoder.h - a decoder for messages framed with a Content-Length header, as in the Language
+// Server Protocol 3.17, "Base Protocol":
 //
 //     Content-Length: 16\r\n
 //     \r\n
 //     {"jsonrpc":"2.0"
 //
-//     MessageDecoder frames(1 << 20);
-//     frames.append(bytes);                       // whatever was read
-//     while (const auto frame = frames.take()) {  // every message that is whole by now
+//     MessageDecoder decoder(1 << 20);
+//     decoder.append(bytes);                       // as read, of any size
+//     while (const auto frame = decoder.take()) {  // every complete message
 //         frame->content;
 //     }
-//     frames.failure();                           // why nothing can be read from here on
+//     decoder.failure();                           // why decoding has stopped
 //
-// One thread at a time. What is kept is never more than one message and one read.
+// Not thread-safe. Buffers at most one message and one read.
 #pragma once
 
 #include <cstddef>
@@ -22,31 +22,33 @@
 
 namespace neb::nebsc {
 
+/// Decodes `Content-Length` framed messages.
 class MessageDecoder {
 public:
     struct Frame {
+        /// Empty if the message is longer than the limit.
         std::string content;
-        /// How long the message was, in bytes: of one that is longer than the limit the content is
-        /// empty.
+        /// The size of the message in bytes.
         std::size_t length = 0;
     };
 
-    /// Messages of more bytes than `longest` are passed over.
+    /// Skips the content of messages with more than `longest` bytes.
     explicit MessageDecoder(std::size_t longest) : _longest(longest) {}
 
+    /// Adds bytes of the stream. Ignored after a failure.
     void append(std::string_view bytes);
 
-    /// The next message; nothing until it is whole, and nothing once there is a failure.
+    /// Removes and returns the next message; absent if it is incomplete, and after a failure.
     [[nodiscard]] std::optional<Frame> take();
 
-    /// One sentence; absent as long as the headers can be understood. Behind one that cannot be,
-    /// nobody knows where the next message begins.
+    /// Returns why a header is invalid, as a sentence; absent if all were valid. Decoding stops
+    /// there, because the position of the next message is unknown.
     [[nodiscard]] const std::optional<std::string>& failure() const { return _failure; }
 
-    /// Whether the stream may end here: not in the middle of a message.
+    /// Returns whether the stream can end here. False in the middle of a message.
     [[nodiscard]] bool isBetweenMessages() const { return _bytes.empty() && !_length; }
 
-    /// The bytes of a message with its header.
+    /// Returns the message with its header.
     [[nodiscard]] static std::string framed(std::string_view content);
 
 private:
@@ -55,9 +57,9 @@ private:
     bool fail(std::string sentence);
 
     const std::size_t _longest;
-    std::string _bytes;                  // not taken yet
-    std::optional<std::size_t> _length;  // of the message whose header was taken
-    std::size_t _passedOver = 0;         // of a message that is too long
+    std::string _bytes;                  // not decoded yet
+    std::optional<std::size_t> _length;  // absent while the header is incomplete
+    std::size_t _skipped = 0;            // bytes of a message that is too long
     std::optional<std::string> _failure;
 };
 

@@ -51,12 +51,12 @@ std::size_t MessageWriter::waitingBytes() const {
     return _waitingBytes;
 }
 
-bool MessageWriter::finish(std::chrono::milliseconds patience) {
+bool MessageWriter::finish(std::chrono::milliseconds timeout) {
     MutexLock lock(_mutex);
     while (_waitingBytes > 0 && !_isLost) {
         const std::size_t former = _waitingBytes;
         const bool hasMoved = _changed.wait_for(
-            lock, patience,
+            lock, timeout,
             [this, former]() NEB_REQUIRES(_mutex) { return _waitingBytes < former || _isLost; });
         if (!hasMoved) {
             return false;
@@ -79,8 +79,8 @@ void MessageWriter::write() {
     }
 }
 
-/// Writes the message that has waited longest. The mutex is unlocked meanwhile. Returns whether
-/// there is still a reader.
+/// Writes the oldest message. Unlocks the mutex meanwhile. Returns false if the message could not
+/// be written.
 bool MessageWriter::writeNext() {
     const std::string message = std::move(_messages.front());
     _messages.pop_front();
@@ -105,7 +105,7 @@ bool MessageWriter::writeNext() {
     return false;
 }
 
-/// Never waits in write(): of a pipe that poll calls writable, PIPE_BUF bytes can be written.
+/// Never blocks in write(): a pipe that poll() reports as writable takes PIPE_BUF bytes.
 bool MessageWriter::writeOne(std::string_view message) {
     while (!message.empty()) {
         std::array<pollfd, 2> descriptors{

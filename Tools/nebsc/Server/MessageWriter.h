@@ -1,12 +1,10 @@
-// MessageWriter.h - writes framed messages to a descriptor, whoever sends them and however slowly
-// they are read.
+// MessageWriter.h - a queue of framed messages that a thread writes to a descriptor.
 //
-//     MessageWriter writer(STDOUT_FILENO, [] { … });   // called when nobody can be written to
+//     MessageWriter writer(STDOUT_FILENO, [] { … });   // called when the reader is gone
 //     writer.send(R"({"jsonrpc":"2.0", …})");
 //     writer.finish(std::chrono::seconds(2));
 //
-// A thread of its own writes, so that send() never waits for the reader; when the system has no
-// thread, send() writes. Thread-safe, but for the constructor and finish().
+// send() never waits for the reader. Only if no thread can be created, send() itself writes.
 #pragma once
 
 #include <chrono>
@@ -21,26 +19,27 @@
 
 namespace neb::nebsc {
 
+/// Writes framed messages in the order of send(). Thread-safe, except the constructor, the
+/// destructor and finish().
 class MessageWriter {
 public:
-    /// Writes to `descriptor`, which stays the caller's and may be blocking. `lost` is called once,
-    /// on the thread that writes, when the reader has gone or the descriptor cannot be written;
-    /// what is sent from then on goes nowhere.
+    /// Writes to `descriptor`, which the caller owns; it may be blocking. Calls `lost` once, on the
+    /// writing thread, when the reader is gone or writing fails; later messages are discarded.
     MessageWriter(int descriptor, std::function<void()> lost);
     MessageWriter(const MessageWriter&) = delete;
     MessageWriter& operator=(const MessageWriter&) = delete;
-    /// Drops what is not written.
+    /// Discards messages that are not written yet.
     ~MessageWriter();
 
-    /// Adds a message to those that are to be written, in order.
+    /// Adds a message to the queue.
     void send(std::string_view content);
 
-    /// How many bytes wait to be written.
+    /// Returns the number of bytes that are not written yet.
     [[nodiscard]] std::size_t waitingBytes() const;
 
-    /// Waits until all is written; gives up, and answers false, when the reader has gone or takes
-    /// nothing for as long as `patience`.
-    bool finish(std::chrono::milliseconds patience);
+    /// Waits until everything is written. Returns false if the reader is gone, or reads nothing
+    /// during `timeout`.
+    bool finish(std::chrono::milliseconds timeout);
 
 private:
     void write();
@@ -49,7 +48,7 @@ private:
 
     const int _descriptor;
     const std::function<void()> _lost;
-    Wake _wake;  // of a writer that waits for the reader
+    Wake _wake;  // ends the wait for the reader
     mutable Mutex _mutex;
     Condition _changed;
     std::deque<std::string> _messages NEB_GUARDED_BY(_mutex);

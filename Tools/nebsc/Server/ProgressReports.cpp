@@ -9,7 +9,7 @@ namespace neb::nebsc {
 
 namespace {
 
-constexpr std::chrono::milliseconds patience{500};
+constexpr std::chrono::milliseconds initialDelay{500};
 constexpr std::chrono::seconds interval{1};
 
 }  // namespace
@@ -39,7 +39,7 @@ ProgressReports::Work::Work(ProgressReports& reports, nlohmann::ordered_json tok
         reports._entries.push_back({.token = std::move(token),
                                     .title = std::move(title),
                                     .start = now,
-                                    .due = now + patience});
+                                    .due = now + initialDelay});
         _entry = std::prev(reports._entries.end());
     }
     reports._changed.notify_one();
@@ -58,7 +58,7 @@ void ProgressReports::report(const nlohmann::ordered_json& token,
     _send(rpcNotification("$/progress", {{"token", token}, {"value", std::move(value)}}));
 }
 
-void ProgressReports::tellOf(Entry& entry, Clock::time_point now) const {
+void ProgressReports::reportNext(Entry& entry, Clock::time_point now) const {
     if (!entry.hasBegun) {
         entry.hasBegun = true;
         entry.due = entry.start + interval;
@@ -85,7 +85,7 @@ void ProgressReports::watch() {
         const Clock::time_point now = Clock::now();
         for (Entry& entry : _entries) {
             if (entry.due <= now) {
-                tellOf(entry, now);
+                reportNext(entry, now);
             }
         }
     }

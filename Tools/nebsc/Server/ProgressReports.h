@@ -1,5 +1,5 @@
-// ProgressReports.h - tells a client that its request is still worked at: "$/progress" as the
-// Language Server Protocol has it for a token of the client's.
+// ProgressReports.h - "$/progress" notifications for running requests, as in the Language Server
+// Protocol, for tokens that the client chooses.
 //
 //     ProgressReports progress([&writer](const std::string& message) { writer.send(message); });
 //     const ProgressReports::Work work(progress, token, "log");
@@ -16,15 +16,15 @@
 
 namespace neb::nebsc {
 
-/// From any thread.
+/// Sends progress notifications from a thread of its own. Thread-safe.
 class ProgressReports {
 public:
-    /// `send` is called with each message, by one thread at a time; it must not block. Nothing is
-    /// reported when the system has no thread.
+    /// Calls `send` with each message, on one thread at a time; it must not block. If no thread can
+    /// be created, nothing is reported.
     explicit ProgressReports(std::function<void(const std::string&)> send);
     ProgressReports(const ProgressReports&) = delete;
     ProgressReports& operator=(const ProgressReports&) = delete;
-    /// All work must have ended.
+    /// All Work objects must be destroyed before.
     ~ProgressReports();
 
 private:
@@ -39,7 +39,8 @@ private:
     };
 
 public:
-    /// Work that is told of from half a second on, then once a second, and at its end.
+    /// Reports a request during the lifetime of this object: first after half a second, then every
+    /// second, and at the end.
     class Work {
     public:
         Work(ProgressReports& reports, nlohmann::ordered_json token, std::string title);
@@ -55,7 +56,7 @@ public:
 private:
     void watch();
     void report(const nlohmann::ordered_json& token, nlohmann::ordered_json value) const;
-    void tellOf(Entry& entry, Clock::time_point now) const;
+    void reportNext(Entry& entry, Clock::time_point now) const;
 
     const std::function<void(const std::string&)> _send;
     Mutex _mutex;

@@ -19,7 +19,7 @@ const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
     return child != node.children.end() ? &*child : nullptr;
 }
 
-/// Finds the id of a message that is refused as a whole, and keeps nothing else of it.
+/// Finds the id of a message without storing the rest.
 class IdFinder : public nlohmann::json_sax<JSON> {
 public:
     [[nodiscard]] JSON id() const { return stringOrInteger(_id).value_or(nullptr); }
@@ -73,10 +73,10 @@ private:
 
     JSONNode _id;
     std::size_t _depth = 0;
-    bool _isAtId = false;  // the next value of the outermost object is it
+    bool _isAtId = false;  // the next value of the outermost object is the id
 };
 
-/// Bytes that are no UTF-8 become U+FFFD.
+/// Returns the JSON text. Replaces invalid UTF-8 with U+FFFD.
 std::string textOf(const JSON& json) {
     return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
 }
@@ -166,7 +166,7 @@ std::string rpcError(const JSON& id, RPCErrorCode code, std::string_view sentenc
     const JSON error{{"code", static_cast<int>(code)}, {"message", sentence}};
     std::string text = R"({"jsonrpc":"2.0","id":)" + textOf(id) + R"(,"error":)" + textOf(error);
     if (!data.empty()) {
-        text.pop_back();  // the brace at the error's end
+        text.pop_back();  // the closing brace of the error
         text.append(R"(,"data":)").append(data).append("}");
     }
     return text + "}";

@@ -1,5 +1,5 @@
-// RPCMessage.h - the messages of JSON-RPC 2.0 (jsonrpc.org/specification), as a server reads and
-// writes them.
+// RPCMessage.h - JSON-RPC 2.0 messages (jsonrpc.org/specification) of a server. All functions are
+// thread-safe.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -11,7 +11,7 @@
 
 namespace neb::nebsc {
 
-/// The codes of errors: those of JSON-RPC, and of the Language Server Protocol those that fit.
+/// Error codes of JSON-RPC and of the Language Server Protocol.
 enum class RPCErrorCode {
     parseError = -32700,
     invalidRequest = -32600,
@@ -27,35 +27,35 @@ struct RPCMessage {
     /// A string or an integer, or null; absent in a notification.
     std::optional<nlohmann::ordered_json> id;
     std::string method;
-    /// Of the kind null when there are none.
+    /// Of the kind null if the message has none.
     JSONNode params;
 };
 
 struct RPCReading {
     std::optional<RPCMessage> message;
-    /// What to answer when there is no message: with the id, where that could be read.
+    /// The error response to an invalid message, with its id if that is readable. Empty for a valid
+    /// message, and for a response of the client.
     std::string refusal;
 };
 
-/// Reads a message; a client's answer to what nobody asked is neither a message nor refused. From
-/// any thread, as is all below.
+/// Parses a message. Ignores responses of the client: the server sends no requests.
 [[nodiscard]] RPCReading readRPCMessage(std::string_view text);
 
-/// The id of a message that cannot be read as a whole; null where the text is not JSON, has no id,
-/// or memory runs out before it.
+/// Returns the id of a message that is otherwise invalid or too large. Null if the text is not JSON
+/// or has no id, or if memory runs out before the id.
 [[nodiscard]] nlohmann::ordered_json idOfRPCMessage(std::string_view text);
 
 [[nodiscard]] std::string rpcResult(const nlohmann::ordered_json& id,
                                     const nlohmann::ordered_json& result);
-/// The same with a result that is JSON text already.
+/// Returns the same for a result that is already JSON text.
 [[nodiscard]] std::string rpcResultOfText(const nlohmann::ordered_json& id,
                                           std::string_view result);
-/// `data`, JSON text, tells more than the sentence; absent where it is empty.
+/// `data` is JSON text with details; the member is omitted if it is empty.
 [[nodiscard]] std::string rpcError(const nlohmann::ordered_json& id, RPCErrorCode code,
                                    std::string_view sentence, std::string_view data = {});
 [[nodiscard]] std::string rpcNotification(std::string_view method, nlohmann::ordered_json params);
 
-/// A string or an integer as JSON has it; nothing for any other kind.
+/// Returns the string or integer; absent for a node of another kind.
 [[nodiscard]] std::optional<nlohmann::ordered_json> stringOrInteger(const JSONNode& node);
 
 }  // namespace neb::nebsc

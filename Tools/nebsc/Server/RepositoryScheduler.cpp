@@ -17,7 +17,8 @@ std::string withoutLinks(const std::string& path) {
     return failure ? path : whole.string();
 }
 
-/// The nearest folder at or above the path that holds a ".git"; the path itself where none does.
+/// Returns the nearest folder at or above the path that contains ".git"; the path itself without
+/// one.
 std::string topOfWorkingCopy(const std::string& path) {
     std::error_code failure;
     const std::filesystem::path whole = withoutLinks(path);
@@ -34,7 +35,7 @@ std::string topOfWorkingCopy(const std::string& path) {
 
 }  // namespace
 
-std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request) {
+std::optional<std::string> writtenLocationOf(const NEBSourceControlRequest& request) {
     const auto& type = NEBSourceControlDescriptionOfRequestType(request.type);
     if (type.effect == NEBSourceControlRequestEffect::reads) {
         return std::nullopt;
@@ -58,17 +59,17 @@ std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request
     return "";
 }
 
-void RepositoryScheduler::add(std::optional<std::string> place, std::function<void()> work) {
-    if (!place) {
+void RepositoryScheduler::add(std::optional<std::string> location, std::function<void()> work) {
+    if (!location) {
         _queue.addBlock(std::move(work));
         return;
     }
-    // Made before the work is in the list: what is there must run.
-    std::function<void()> next = [this, place = *place] { runNext(place); };
+    // Created before the work is in the list: once there, it must run.
+    std::function<void()> next = [this, location = *location] { runNext(location); };
     bool isFirst = false;
     {
         const MutexLock lock(_mutex);
-        auto& waiting = _waiting[*place];
+        auto& waiting = _waiting[*location];
         isFirst = waiting.empty();
         waiting.push_back(std::move(work));
     }
@@ -78,19 +79,19 @@ void RepositoryScheduler::add(std::optional<std::string> place, std::function<vo
     try {
         _queue.addBlock(std::move(next));
     } catch (...) {
-        if (dropFirst(*place)) {
-            runNext(*place);  // of another thread, which counts on this one
+        if (dropFirst(*location)) {
+            runNext(*location);  // added meanwhile by another thread
         }
         throw;
     }
 }
 
-/// What waits takes its place at the end of the queue anew, so that no working copy keeps the
-/// others waiting; without memory for that it is done at once.
-void RepositoryScheduler::runNext(const std::string& place) {
-    while (runFirst(place)) {
+/// Runs one block and adds the next one at the end of the queue, so that no working copy blocks the
+/// others. If memory for that is missing, runs the next block at once.
+void RepositoryScheduler::runNext(const std::string& location) {
+    while (runFirst(location)) {
         try {
-            _queue.addBlock([this, place] { runNext(place); });
+            _queue.addBlock([this, location] { runNext(location); });
             return;
         } catch (const std::bad_alloc&) {
             continue;
@@ -98,20 +99,20 @@ void RepositoryScheduler::runNext(const std::string& place) {
     }
 }
 
-bool RepositoryScheduler::runFirst(const std::string& place) {
+bool RepositoryScheduler::runFirst(const std::string& location) {
     std::function<void()> work;
     {
         const MutexLock lock(_mutex);
-        work = std::move(_waiting.find(place)->second.front());
+        work = std::move(_waiting.find(location)->second.front());
     }
     work();
     work = nullptr;
-    return dropFirst(place);
+    return dropFirst(location);
 }
 
-bool RepositoryScheduler::dropFirst(const std::string& place) {
+bool RepositoryScheduler::dropFirst(const std::string& location) {
     const MutexLock lock(_mutex);
-    const auto waiting = _waiting.find(place);
+    const auto waiting = _waiting.find(location);
     waiting->second.pop_front();
     if (waiting->second.empty()) {
         _waiting.erase(waiting);

@@ -1,9 +1,9 @@
-// RepositoryScheduler.h - lets work run side by side, but of what writes to one working copy only
-// one at a time, in the order in which it came: two would trip over each other's lock. The same
-// holds of what writes to one path elsewhere, where one would take the other's file away.
+// RepositoryScheduler.h - a scheduler that runs requests in parallel, but those that write to the
+// same working copy or path one after the other, in the order of arrival. In parallel, they would
+// fail because of each other's lock files or overwrite each other's output.
 //
-//     RepositoryScheduler order(queue);
-//     order.add(writtenPlaceOf(request), [] { … });
+//     RepositoryScheduler scheduler(queue);
+//     scheduler.add(writtenLocationOf(request), [] { … });
 #pragma once
 
 #include <deque>
@@ -18,34 +18,36 @@
 
 namespace neb::nebsc {
 
-/// The place to which the request's operation writes: the top of its working copy, or the path
-/// where one is to be, or to which it exports; empty where the request does not tell. Absent for
-/// one that only reads, or exports to a name of its own. Looks at the file system. From any thread.
-[[nodiscard]] std::optional<std::string> writtenPlaceOf(const NEBSourceControlRequest& request);
+/// Returns the location that the request writes to: the top of its working copy, the path of a new
+/// repository, or the destination of an export. Empty if the request names no location. Absent if
+/// it only reads, or exports to a new temporary name. Reads the file system. Thread-safe.
+[[nodiscard]] std::optional<std::string> writtenLocationOf(const NEBSourceControlRequest& request);
 
-/// Thread-safe.
+/// Adds work to an operation queue, with at most one block per location at a time. Thread-safe.
 class RepositoryScheduler {
 public:
+    /// The queue must outlive the scheduler.
     explicit RepositoryScheduler(OperationQueue& queue) : _queue(queue) {}
     RepositoryScheduler(const RepositoryScheduler&) = delete;
     RepositoryScheduler& operator=(const RepositoryScheduler&) = delete;
-    /// Waits until the queue has done all its work, which uses this object.
+    /// Waits until the queue is empty, because its blocks use this object.
     ~RepositoryScheduler() { _queue.waitUntilAllOperationsAreFinished(); }
 
-    /// Lets the queue do the work: at once without a place, else when all that came before for the
-    /// same place is done. The work must not throw. Throws std::bad_alloc, and then the work is not
-    /// done.
-    void add(std::optional<std::string> place, std::function<void()> work);
+    /// Runs the work in the queue: without a location at once, otherwise after all earlier work for
+    /// the same location. The work must not throw. Throws std::bad_alloc; then the work does not
+    /// run.
+    void add(std::optional<std::string> location, std::function<void()> work);
 
 private:
-    void runNext(const std::string& place);
-    /// Does the first work of the place, and returns whether more of it waits.
-    bool runFirst(const std::string& place);
-    bool dropFirst(const std::string& place);
+    void runNext(const std::string& location);
+    /// Runs the first work for the location. Returns whether more is waiting.
+    bool runFirst(const std::string& location);
+    /// Removes the first work for the location. Returns whether more is waiting.
+    bool dropFirst(const std::string& location);
 
     OperationQueue& _queue;
     Mutex _mutex;
-    /// The work of each place, the one that runs in front.
+    /// The work for each location, the running one first.
     std::map<std::string, std::deque<std::function<void()>>> _waiting NEB_GUARDED_BY(_mutex);
 };
 

@@ -11,11 +11,11 @@ namespace {
 CommandOutput run(const CommandCall& call) {
     Interruption interruption;
     const Server::End end = Server(call.session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
-    CommandOutput reply{.standardOutput = {},
-                        .standardError = end.failure.empty() ? "" : complaint(end.failure),
-                        .exitStatus = end.isOrderly ? exitDone : exitFailed};
-    noteInterruption(reply, interruption.end());
-    return reply;
+    CommandOutput output{.standardOutput = {},
+                         .standardError = end.failure.empty() ? "" : complaint(end.failure),
+                         .exitStatus = end.isOrderly ? exitDone : exitFailed};
+    noteInterruption(output, interruption.end());
+    return output;
 }
 
 }  // namespace
@@ -25,12 +25,12 @@ constinit const Command serveCommand{
     .group = requestsGroup,
     .summary = "Serve requests over JSON-RPC, as language servers do",
     .details =
-        "Speaks JSON-RPC 2.0 on standard input and output, each message behind a\n"
-        "Content-Length header. Requests run side by side; those that write to one working\n"
-        "copy run one after the other. Ends with \"exit\", or when the client is gone: 0 after\n"
-        "\"shutdown\", else 1.\n\n"
+        "Uses JSON-RPC 2.0 on standard input and output; each message has a Content-Length\n"
+        "header. Requests run in parallel; those that write to the same working copy run one\n"
+        "after the other. Ends after \"exit\" or when the client closes its streams. The exit\n"
+        "status is 0 after \"shutdown\", else 1. docs/server.md describes the methods.\n\n"
         "Example:\n"
-        "  nebsc serve    for an editor to start; docs/server.md tells of the methods\n",
+        "  nebsc serve    run by an editor\n",
     .run = run,
 };
 

@@ -23,16 +23,16 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-/// Most of what runs waits for a git.
+/// More than the number of processors, because requests mostly wait for git.
 constexpr std::size_t requestsAtOnce = 16;
 constexpr std::size_t readSize = std::size_t{1} << 16;
-/// No further message is read while so many requests wait for their answer, or so many bytes of
-/// answers for their reader.
+/// Reading stops while this many requests are not answered, or this many bytes of responses are not
+/// written.
 constexpr std::size_t mostJobs = 4096;
 constexpr std::size_t mostWaitingBytes = std::size_t{64} << 20;
-constexpr std::chrono::milliseconds lookInterval{20};
-/// How long a client that has ended the conversation may take nothing of what it asked for.
-constexpr std::chrono::milliseconds endPatience{2000};
+constexpr std::chrono::milliseconds pollInterval{20};
+/// How long the server waits at the end for a client that does not read its responses.
+constexpr std::chrono::milliseconds endTimeout{2000};
 
 JSON requestTypes() {
     JSON types = JSON::array();
@@ -47,7 +47,7 @@ struct ProgressToken {
     std::string refusal;  // empty unless the token is of the wrong kind
 };
 
-/// Takes the member out of the request: it is the conversation's, not the request's.
+/// Removes the token from the parameters, which then contain only the request.
 ProgressToken takeProgressToken(JSONNode& params) {
     static constexpr std::string_view name = "workDoneToken";
     const auto token = std::find_if(params.children.begin(), params.children.end(),
@@ -70,24 +70,24 @@ std::string sentenceOfCurrentException() {
 
 }  // namespace
 
-// ---- the conversation -------------------------------------------------------------------------
+// ---- messages ---------------------------------------------------------------------------------
 
 struct Server::Method {
     std::string_view name;
-    void (Server::*carryOut)(RPCMessage&);
-    /// Whether it is a notification, which nobody answers; else a request.
+    void (Server::*handler)(RPCMessage&);
+    /// Whether it is a notification, which has no response. Otherwise it is a request.
     bool isNotification = false;
-    /// Whether it makes sense at any time; else only between "initialize" and "shutdown".
+    /// Whether it is valid at any time. Otherwise only between "initialize" and "shutdown".
     bool isForAnyState = false;
 };
 
 const Server::Method Server::methods[] = {
-    {.name = "initialize", .carryOut = &Server::initialize, .isForAnyState = true},
-    {.name = "sourceControl/perform", .carryOut = &Server::perform},
-    {.name = "sourceControl/plan", .carryOut = &Server::plan},
-    {.name = "$/cancelRequest", .carryOut = &Server::cancelRequest, .isNotification = true},
-    {.name = "shutdown", .carryOut = &Server::shutDown},
-    {.name = "exit", .carryOut = &Server::exit, .isNotification = true, .isForAnyState = true},
+    {.name = "initialize", .handler = &Server::initialize, .isForAnyState = true},
+    {.name = "sourceControl/perform", .handler = &Server::perform},
+    {.name = "sourceControl/plan", .handler = &Server::plan},
+    {.name = "$/cancelRequest", .handler = &Server::cancelRequest, .isNotification = true},
+    {.name = "shutdown", .handler = &Server::shutDown},
+    {.name = "exit", .handler = &Server::exit, .isNotification = true, .isForAnyState = true},
 };
 
 Server::End Server::run(int input, int output) {
@@ -95,7 +95,7 @@ Server::End Server::run(int input, int output) {
     _progress = std::make_unique<ProgressReports>(
         [this](const std::string& message) { _writer->send(message); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
-    _order = std::make_unique<RepositoryScheduler>(*_queue);
+    _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
@@ -104,21 +104,21 @@ Server::End Server::run(int input, int output) {
     }
     cancelAll();
     _queue->waitUntilAllOperationsAreFinished();
-    static_cast<void>(_writer->finish(endPatience));
+    static_cast<void>(_writer->finish(endTimeout));
     return _end;
 }
 
 void Server::readFrom(int input) {
-    std::string piece(readSize, '\0');
+    std::string buffer(readSize, '\0');
     while (_state != State::ended) {
-        const bool mayRead = mayReadOn();
+        const bool mayRead = mayReadMore();
         std::array<pollfd, 2> descriptors{
-            // One that may not be read on is looked at all the same: the client may be gone.
+            // Polled even while reading is stopped: POLLHUP reports that the client is gone.
             {{.fd = input, .events = static_cast<short>(mayRead ? POLLIN : 0), .revents = 0},
              {.fd = _wake.descriptor(), .events = POLLIN, .revents = 0}}};
-        const int timeout = mayRead ? -1 : static_cast<int>(lookInterval.count());
+        const int timeout = mayRead ? -1 : static_cast<int>(pollInterval.count());
         if (::poll(descriptors.data(), descriptors.size(), timeout) < 0) {
-            continue;  // a signal, or no memory: looked at again
+            continue;  // a signal or no memory: try again
         }
         if (descriptors[1].revents != 0) {
             return;
@@ -129,12 +129,12 @@ void Server::readFrom(int input) {
         if (!mayRead) {
             return;
         }
-        const ssize_t count = ::read(input, piece.data(), piece.size());
+        const ssize_t count = ::read(input, buffer.data(), buffer.size());
         if (count > 0) {
-            _frames.append(std::string_view(piece).substr(0, static_cast<std::size_t>(count)));
-            takeFrames();
+            _decoder.append(std::string_view(buffer).substr(0, static_cast<std::size_t>(count)));
+            handleMessages();
         } else if (count == 0) {
-            if (!_frames.isBetweenMessages()) {
+            if (!_decoder.isBetweenMessages()) {
                 _end.failure = "The client has gone in the middle of a message.";
             }
             return;
@@ -145,22 +145,22 @@ void Server::readFrom(int input) {
     }
 }
 
-void Server::takeFrames() {
+void Server::handleMessages() {
     while (_state != State::ended) {
-        const auto frame = _frames.take();
+        const auto frame = _decoder.take();
         if (!frame) {
             break;
         }
-        take(*frame);
+        handle(*frame);
     }
-    if (const auto& failure = _frames.failure()) {
+    if (const auto& failure = _decoder.failure()) {
         _end.failure = *failure;
         _writer->send(rpcError(nullptr, RPCErrorCode::parseError, *failure));
         _state = State::ended;
     }
 }
 
-void Server::take(const MessageDecoder::Frame& frame) {
+void Server::handle(const MessageDecoder::Frame& frame) {
     if (frame.length > longestJSONText) {
         _writer->send(rpcError(nullptr, RPCErrorCode::invalidRequest,
                                "The message has " + std::to_string(frame.length) +
@@ -192,9 +192,9 @@ void Server::dispatch(RPCMessage& message) {
     const bool isKnown = method != std::end(methods);
     if (!message.id) {
         if (isKnown && method->isNotification) {
-            (this->*method->carryOut)(message);
+            (this->*method->handler)(message);
         }
-        return;  // another notification is nothing that anybody waits for
+        return;  // unknown notifications are ignored
     }
     if (!isKnown || method->isNotification) {
         refuse(message, RPCErrorCode::methodNotFound,
@@ -206,7 +206,7 @@ void Server::dispatch(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidRequest,
                "After \"shutdown\" no request is taken any more.");
     } else {
-        (this->*method->carryOut)(message);
+        (this->*method->handler)(message);
     }
 }
 
@@ -255,19 +255,19 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
     }
     const auto& request = reading.request;
     const auto name = NEBSourceControlRequestTypeName(request->type);
-    start(message, isRun ? writtenPlaceOf(*request) : std::nullopt,
+    start(message, isRun ? writtenLocationOf(*request) : std::nullopt,
           [this, request, isRun, token = token.value,
            title = std::string(name.value_or("request"))](Job& job) {
               std::optional<ProgressReports::Work> progress;
               if (token) {
                   progress.emplace(*_progress, *token, title);
               }
-              return answerTo(job, request, isRun);
+              return responseTo(job, request, isRun);
           });
 }
 
-std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
-                             bool isRun) const {
+std::string Server::responseTo(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+                               bool isRun) const {
     const HostSession::Runner run = [&job](NEBSourceControlOperation& operation) {
         const Job::Work work(job, [&operation] { cancelOperation(operation); });
         operation.start();
@@ -286,7 +286,7 @@ std::string Server::answerTo(Job& job, const std::shared_ptr<NEBSourceControlReq
     });
 }
 
-/// A request that still waits for its turn is answered at once; one that runs, when it has ended.
+/// A waiting request is answered at once, a running one when it has ended.
 void Server::cancelRequest(RPCMessage& message) {
     const auto id = std::find_if(message.params.children.begin(), message.params.children.end(),
                                  [](const JSONNode& child) { return child.name == "id"; });
@@ -317,8 +317,8 @@ void Server::exit(RPCMessage& /*message*/) {
 
 // ---- jobs -------------------------------------------------------------------------------------
 
-void Server::start(const RPCMessage& message, std::optional<std::string> place,
-                   std::function<std::string(Job&)> answer) {
+void Server::start(const RPCMessage& message, std::optional<std::string> location,
+                   std::function<std::string(Job&)> respond) {
     const auto job = std::make_shared<Job>(*message.id);
     {
         const MutexLock lock(_mutex);
@@ -329,8 +329,8 @@ void Server::start(const RPCMessage& message, std::optional<std::string> place,
         }
     }
     try {
-        _order->add(std::move(place),
-                    [this, job, answer = std::move(answer)] { work(*job, answer); });
+        _scheduler->add(std::move(location),
+                        [this, job, respond = std::move(respond)] { work(*job, respond); });
     } catch (...) {
         const MutexLock lock(_mutex);
         _jobs.erase(message.id->dump());
@@ -338,28 +338,28 @@ void Server::start(const RPCMessage& message, std::optional<std::string> place,
     }
 }
 
-void Server::work(Job& job, const std::function<std::string(Job&)>& answer) {
+void Server::work(Job& job, const std::function<std::string(Job&)>& respond) {
     if (!job.begin()) {
         return;
     }
     try {
         try {
-            finish(job, answer(job));
+            finish(job, respond(job));
         } catch (const std::exception&) {
             finish(job,
                    rpcError(job.id(), RPCErrorCode::internalError, sentenceOfCurrentException()));
         }
     } catch (const std::exception&) {
-        _wake.wake();  // without memory for any answer: the client sees the end instead
+        _wake.wake();  // no memory for a response: end the server
     }
 }
 
-void Server::finish(Job& job, const std::string& answer) {
+void Server::finish(Job& job, const std::string& response) {
     {
         const MutexLock lock(_mutex);
         _jobs.erase(job.id().dump());
     }
-    _writer->send(answer);
+    _writer->send(response);
 }
 
 void Server::cancel(Job& job) {
@@ -369,7 +369,7 @@ void Server::cancel(Job& job) {
     }
 }
 
-/// Cancels each job, whatever becomes of the answers to those that have not begun.
+/// Cancels all jobs. Responses to waiting jobs are skipped if memory runs out.
 void Server::cancelAll() {
     std::map<std::string, std::shared_ptr<Job>> jobs;
     {
@@ -385,7 +385,7 @@ void Server::cancelAll() {
     }
 }
 
-bool Server::mayReadOn() {
+bool Server::mayReadMore() {
     const MutexLock lock(_mutex);
     return _jobs.size() < mostJobs && _writer->waitingBytes() < mostWaitingBytes;
 }

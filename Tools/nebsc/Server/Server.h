@@ -1,5 +1,5 @@
-// Server.h - serves requests over JSON-RPC 2.0, framed as language servers do: docs/server.md tells
-// of the methods.
+// Server.h - a JSON-RPC 2.0 server for requests, with the framing of the Language Server Protocol.
+// docs/server.md describes the methods.
 //
 //     Interruption interruption;
 //     const Server::End end = Server(session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
@@ -25,22 +25,23 @@
 
 namespace neb::nebsc {
 
+/// Serves one client. Not thread-safe; it uses threads of its own.
 class Server {
 public:
-    /// How the conversation came to its end.
     struct End {
-        /// Whether the client had asked to shut down before.
+        /// Whether the client sent "shutdown" before "exit".
         bool isOrderly = false;
-        /// One sentence; empty where nothing was wrong with the stream.
+        /// One sentence; empty if the input could be read and decoded.
         std::string failure;
     };
 
-    /// Both outlive the server. A signal ends the conversation.
+    /// Both must outlive the server. A signal ends run().
     Server(const HostSession& session, Interruption& interruption)
         : _session(session), _interruption(interruption) {}
 
-    /// Talks with the client until it says "exit", is gone, or cannot be understood; then nothing
-    /// of its work runs any more. The descriptors stay the caller's. Once for an object.
+    /// Serves the client until it sends "exit" or an invalid header, or closes a stream. Then
+    /// cancels all requests and waits for their end. The caller owns the descriptors. Can be called
+    /// once.
     [[nodiscard]] End run(int input, int output);
 
 private:
@@ -50,11 +51,11 @@ private:
     static const Method methods[];
 
     void readFrom(int input);
-    void takeFrames();
-    void take(const MessageDecoder::Frame& frame);
+    void handleMessages();
+    void handle(const MessageDecoder::Frame& frame);
     void dispatch(RPCMessage& message);
 
-    // The methods. Of a notification the id is absent.
+    // The methods. A notification has no id.
     void initialize(RPCMessage& message);
     void perform(RPCMessage& message);
     void plan(RPCMessage& message);
@@ -63,36 +64,37 @@ private:
     void exit(RPCMessage& message);
 
     void startRequest(RPCMessage& message, bool isRun);
-    [[nodiscard]] std::string answerTo(Job& job,
-                                       const std::shared_ptr<NEBSourceControlRequest>& request,
-                                       bool isRun) const;
+    [[nodiscard]] std::string responseTo(Job& job,
+                                         const std::shared_ptr<NEBSourceControlRequest>& request,
+                                         bool isRun) const;
 
-    /// Lets `answer` make the answer, when its turn has come: see RepositoryScheduler for the
-    /// place.
-    void start(const RPCMessage& message, std::optional<std::string> place,
-               std::function<std::string(Job&)> answer);
-    void work(Job& job, const std::function<std::string(Job&)>& answer);
-    void finish(Job& job, const std::string& answer);
+    /// Schedules a job for the message (see RepositoryScheduler for the location). `respond` does
+    /// the work and returns the response.
+    void start(const RPCMessage& message, std::optional<std::string> location,
+               std::function<std::string(Job&)> respond);
+    void work(Job& job, const std::function<std::string(Job&)>& respond);
+    void finish(Job& job, const std::string& response);
     void cancel(Job& job);
     void cancelAll();
-    [[nodiscard]] bool mayReadOn();
+    /// Returns whether the server has capacity for another message.
+    [[nodiscard]] bool mayReadMore();
     void refuse(const RPCMessage& message, RPCErrorCode code, std::string_view sentence);
 
     const HostSession& _session;
     Interruption& _interruption;
     State _state = State::fresh;
     End _end;
-    MessageDecoder _frames{longestJSONText};
+    MessageDecoder _decoder{longestJSONText};
     Wake _wake;
 
     Mutex _mutex;
     std::map<std::string, std::shared_ptr<Job>> _jobs NEB_GUARDED_BY(_mutex);  // by id
 
-    // In the order in which each needs those before it.
+    // Each member uses those before it.
     std::unique_ptr<MessageWriter> _writer;
     std::unique_ptr<ProgressReports> _progress;
     std::unique_ptr<OperationQueue> _queue;
-    std::unique_ptr<RepositoryScheduler> _order;
+    std::unique_ptr<RepositoryScheduler> _scheduler;
 };
 
 }  // namespace neb::nebsc

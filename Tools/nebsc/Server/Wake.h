@@ -1,4 +1,4 @@
-// Wake.h - ends a wait in poll(), from another thread.
+// Wake.h - a descriptor that ends a poll() from another thread.
 #pragma once
 
 #include <utility>
@@ -8,6 +8,7 @@
 
 namespace neb::nebsc {
 
+/// A pipe that becomes readable once wake() is called. Thread-safe.
 class Wake {
 public:
     Wake() {
@@ -17,11 +18,11 @@ public:
         _writeEnd = std::move(pipe.writeEnd);
     }
 
-    /// What poll() finds readable (POLLIN or POLLHUP) from the first wake() on; -1, at which poll()
-    /// does not look, where the system had no pipe to give.
+    /// Returns the descriptor that poll() reports as readable (POLLIN or POLLHUP) after the first
+    /// wake(). It is -1, which poll() ignores, if no pipe could be created.
     [[nodiscard]] int descriptor() const { return _readEnd.get(); }
 
-    /// From any thread, any number of times.
+    /// Makes the descriptor readable. Can be called repeatedly.
     void wake() {
         const MutexLock lock(_mutex);
         _writeEnd.close();
@@ -30,7 +31,7 @@ public:
 private:
     Mutex _mutex;
     FileDescriptor _readEnd;
-    FileDescriptor _writeEnd NEB_GUARDED_BY(_mutex);  // its closing is the message
+    FileDescriptor _writeEnd NEB_GUARDED_BY(_mutex);  // closed by wake()
 };
 
 }  // namespace neb::nebsc

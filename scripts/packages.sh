@@ -51,5 +51,5 @@ package_packages=(dpkg-dev file)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
     python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
-lint_packages=(clang-format clang-tidy cppcheck)
+lint_packages=(clang-format clang-tidy cppcheck codespell universal-ctags)
 benchmark_packages=(libbenchmark-dev libcli11-dev libgit2-dev pkg-config gnuplot-nox)

@@ -1,4 +1,4 @@
-// An outcome in its JSON form, to the byte.
+// The exact JSON of outcomes.
 
 #include "JSON/OutcomeJSON.h"
 
@@ -18,14 +18,14 @@ nlohmann::ordered_json jsonOf(const Outcome& outcome) {
     return nlohmann::ordered_json::parse(textOfOutcome(outcome));
 }
 
-TEST(OutcomeJSON, HasEveryMemberWhenNothingIsThere) {
+TEST(OutcomeJSON, HasAllMembersOfAnEmptyOutcome) {
     EXPECT_EQ(textOfOutcome(Outcome()),
               R"({"type":null,"name":null,"authenticationRequired":false,"valid":false,)"
               R"("operation":null,"command":null,"commands":[],"reports":[],"result":null,)"
               R"("error":null})");
 }
 
-TEST(OutcomeJSON, NamesWhatTheResultLeavesOut) {
+TEST(OutcomeJSON, ListsOmittedRevisions) {
     Outcome outcome;
     outcome.omittedRevisions = {"0123456789ab", "abc"};
     EXPECT_EQ(jsonOf(outcome)["omittedRevisions"].dump(), R"(["0123456789ab","abc"])");
@@ -43,7 +43,7 @@ TEST(OutcomeJSON, NamesTheType) {
     EXPECT_EQ(nameOf(-1), "null");
 }
 
-TEST(OutcomeJSON, ACommandHasItsSecondHalfInTheSameForm) {
+TEST(OutcomeJSON, ContainsBothCommandsOfAPipeline) {
     Outcome outcome;
     outcome.command =
         NEBSourceControlCommand{.launchPath = "/usr/bin/git",
@@ -60,7 +60,7 @@ TEST(OutcomeJSON, ACommandHasItsSecondHalfInTheSameForm) {
               R"("currentDirectoryPath":null,"pipeTo":null}})");
 }
 
-TEST(OutcomeJSON, TellsHowEachChildEnded) {
+TEST(OutcomeJSON, ReportsHowEachChildEnded) {
     Outcome outcome;
     outcome.commands = {{"/usr/bin/git", {"log"}, "/w", 128, 3141592ns},
                         {"/usr/bin/git", {}, std::nullopt, std::nullopt, std::nullopt}};
@@ -71,7 +71,7 @@ TEST(OutcomeJSON, TellsHowEachChildEnded) {
               R"("terminationStatus":null,"milliseconds":null}])");
 }
 
-TEST(OutcomeJSON, MillisecondsHaveOneDecimalAtMost) {
+TEST(OutcomeJSON, RoundsMillisecondsToTenths) {
     const auto millisecondsOf = [](std::chrono::nanoseconds duration) {
         Outcome outcome;
         outcome.commands = {{"/g", {}, std::nullopt, 0, duration}};
@@ -84,7 +84,7 @@ TEST(OutcomeJSON, MillisecondsHaveOneDecimalAtMost) {
     EXPECT_EQ(millisecondsOf(123456789ns), "123.5");
 }
 
-TEST(OutcomeJSON, ReportsAreObjects) {
+TEST(OutcomeJSON, ContainsReports) {
     Outcome outcome;
     outcome.reports = {{"-[C m:]", "Classes/C", 7, "Assertion failed: a", "a"}};
     EXPECT_EQ(jsonOf(outcome)["reports"].dump(),
@@ -92,7 +92,7 @@ TEST(OutcomeJSON, ReportsAreObjects) {
               R"("message":"Assertion failed: a","condition":"a"}])");
 }
 
-TEST(OutcomeJSON, AbsentAndEmptyResultsDiffer) {
+TEST(OutcomeJSON, DistinguishesAbsentAndEmptyResults) {
     Outcome outcome;
     EXPECT_EQ(jsonOf(outcome)["result"].dump(), "null");
     outcome.result.emplace();
@@ -101,7 +101,7 @@ TEST(OutcomeJSON, AbsentAndEmptyResultsDiffer) {
     EXPECT_EQ(jsonOf(outcome)["result"].dump(), "[{}]");
 }
 
-TEST(OutcomeJSON, EachKindOfValueHasItsForm) {
+TEST(OutcomeJSON, ContainsEachKindOfValue) {
     NEBDictionary files;
     files.set("/w/b"s, 4);
     files.set("/w/a"s, 1);
@@ -122,7 +122,7 @@ TEST(OutcomeJSON, EachKindOfValueHasItsForm) {
               R"("object":"<NEBSourceControlWorkingTree \"\": (null)>"}])");
 }
 
-TEST(OutcomeJSON, AnErrorHasAllItsUserInfo) {
+TEST(OutcomeJSON, ContainsTheUserInfoOfAnError) {
     Outcome outcome;
     outcome.error = NEBSourceControlError::withDescription(-21, "No.", "Try again.");
     outcome.error->errorClass = "authentication";
@@ -142,7 +142,7 @@ TEST(OutcomeJSON, AnErrorHasAllItsUserInfo) {
               R"("NEBSourceControlAuthenticationErrorTypeKey":"wrong"}})");
 }
 
-TEST(OutcomeJSON, AnErrorWithNothingHasNulls) {
+TEST(OutcomeJSON, HasNullsInAnEmptyError) {
     Outcome outcome;
     outcome.error.emplace();
     EXPECT_EQ(jsonOf(outcome)["error"].dump(),
@@ -151,22 +151,22 @@ TEST(OutcomeJSON, AnErrorWithNothingHasNulls) {
               R"("localizedDescription":null,"localizedRecoverySuggestion":null,"userInfo":{}})");
 }
 
-TEST(OutcomeJSON, ASignalIsToldByItsName) {
-    const auto endOf = [](const TerminationStatus& status) {
+TEST(OutcomeJSON, NamesTheSignal) {
+    const auto terminationOf = [](const TerminationStatus& status) {
         Outcome outcome;
         outcome.error.emplace();
         outcome.error->terminationStatus = status;
         return jsonOf(outcome)["error"]["terminationStatus"].dump();
     };
-    EXPECT_EQ(endOf(TerminationStatus::signalled(SIGKILL)), "\"SIGKILL\"");
-    EXPECT_EQ(endOf(TerminationStatus::signalled(SIGRTMIN)),
+    EXPECT_EQ(terminationOf(TerminationStatus::signalled(SIGKILL)), "\"SIGKILL\"");
+    EXPECT_EQ(terminationOf(TerminationStatus::signalled(SIGRTMIN)),
               "\"SIG" + std::to_string(SIGRTMIN) + "\"");
-    EXPECT_EQ(endOf(TerminationStatus::exited(0)), "0");
-    EXPECT_EQ(endOf(TerminationStatus::notStarted("there is none")), "null");
-    EXPECT_EQ(endOf(TerminationStatus::unknown("somebody reaped it")), "null");
+    EXPECT_EQ(terminationOf(TerminationStatus::exited(0)), "0");
+    EXPECT_EQ(terminationOf(TerminationStatus::notStarted("not found")), "null");
+    EXPECT_EQ(terminationOf(TerminationStatus::unknown("already reaped")), "null");
 }
 
-TEST(OutcomeJSON, BytesThatAreNoTextBecomeReplacementCharacters) {
+TEST(OutcomeJSON, ReplacesBytesThatAreNotUTF8) {
     Outcome outcome;
     NEBDictionary record;
     record.set("k\xff"s, "a\xff\xc3");

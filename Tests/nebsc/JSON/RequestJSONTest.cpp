@@ -1,4 +1,4 @@
-// A request from its JSON form: every member, every kind of value.
+// Requests from JSON: all members and all kinds of values.
 
 #include "JSON/RequestJSON.h"
 
@@ -27,11 +27,11 @@ void expectOnlyAType(const NEBSourceControlRequest& request, std::int32_t type) 
     EXPECT_FALSE(request.options.has_value());
 }
 
-TEST(RequestJSON, ATypeAloneIsARequestWithNothingElse) {
+TEST(RequestJSON, RequiresOnlyAType) {
     expectOnlyAType(*accepted(R"({"type": 15})"), 15);
 }
 
-TEST(RequestJSON, NullIsAMissingValue) {
+TEST(RequestJSON, TreatsNullAsAbsent) {
     const auto request = accepted(
         R"({"type": -1, "sourceTree": null, "repositoryToAuthenticate": null, "remote": null,
             "destination": null, "startingRevision": null, "endingRevision": null, "files": null,
@@ -39,12 +39,12 @@ TEST(RequestJSON, NullIsAMissingValue) {
     expectOnlyAType(*request, -1);
 }
 
-TEST(RequestJSON, TheLimitsOfTheTypeAreTypes) {
+TEST(RequestJSON, AcceptsTheLimitsOfTheType) {
     EXPECT_EQ(accepted(R"({"type": 2147483647})")->type, INT32_MAX);
     EXPECT_EQ(accepted(R"({"type": -2147483648})")->type, INT32_MIN);
 }
 
-TEST(RequestJSON, AWorkingTreeIsTheDefaultSourceTree) {
+TEST(RequestJSON, UsesAWorkingTreeAsTheDefaultClass) {
     const auto tree =
         accepted(R"({"type": 0, "sourceTree": {"location": "/w/demo/"}})")->sourceTree;
     ASSERT_NE(tree, nullptr);
@@ -55,7 +55,7 @@ TEST(RequestJSON, AWorkingTreeIsTheDefaultSourceTree) {
     EXPECT_TRUE(tree->isValid);
 }
 
-TEST(RequestJSON, ASourceTreeWithoutLocationHasAnEmptyName) {
+TEST(RequestJSON, GivesASourceTreeWithoutLocationAnEmptyName) {
     for (const char* json : {R"({"type": 0, "sourceTree": {}})",
                              R"({"type": 0, "sourceTree": {"class": null, "location": null,
                                  "name": null, "reachable": null, "isValid": null,
@@ -70,7 +70,7 @@ TEST(RequestJSON, ASourceTreeWithoutLocationHasAnEmptyName) {
     }
 }
 
-TEST(RequestJSON, EveryMemberOfASourceTreeIsRead) {
+TEST(RequestJSON, ReadsAllMembersOfASourceTree) {
     const auto tree =
         accepted(
             R"({"type": 0, "sourceTree": {"class": "NEBSourceControlRepository", "location": "/w",
@@ -88,7 +88,7 @@ TEST(RequestJSON, EveryMemberOfASourceTreeIsRead) {
     EXPECT_TRUE(repository->isRemoteDistributedRepository);
 }
 
-TEST(RequestJSON, ALocationIsAnAbsolutePathOrAnAddress) {
+TEST(RequestJSON, AcceptsPathsURLsAndAddressesAsLocations) {
     const auto with = [](const std::string& location) {
         return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
     };
@@ -97,13 +97,13 @@ TEST(RequestJSON, ALocationIsAnAbsolutePathOrAnAddress) {
     }
 }
 
-TEST(RequestJSON, AGivenNameWinsOverTheLocation) {
+TEST(RequestJSON, PrefersTheNameToTheLocation) {
     const auto request =
         accepted(R"({"type": 0, "sourceTree": {"location": "/w/a", "name": "project"}})");
     EXPECT_EQ(request->sourceTree->name, "project");
 }
 
-TEST(RequestJSON, TheRepositoryToAuthenticateHasTheSameForm) {
+TEST(RequestJSON, ReadsTheRepositoryToAuthenticate) {
     const auto request = accepted(
         R"({"type": 0, "repositoryToAuthenticate": {"class": "NEBSourceControlRepository",
             "reachable": false, "location": "https://example.org/a.git"}})");
@@ -114,13 +114,13 @@ TEST(RequestJSON, TheRepositoryToAuthenticateHasTheSameForm) {
     EXPECT_EQ(request->sourceTree, nullptr);
 }
 
-TEST(RequestJSON, AWorkingTreeMaySayThatItIsNoRemoteRepository) {
+TEST(RequestJSON, AcceptsFalseForAWorkingTree) {
     EXPECT_NE(accepted(R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": false}})")
                   ->sourceTree,
               nullptr);
 }
 
-TEST(RequestJSON, ARemoteSaysWhetherItIsABridge) {
+TEST(RequestJSON, ReadsTheRemote) {
     EXPECT_FALSE(accepted(R"({"type": 0, "remote": {}})")->remote->representsGitSVNBridge);
     EXPECT_FALSE(accepted(R"({"type": 0, "remote": {"representsGitSVNBridge": null}})")
                      ->remote->representsGitSVNBridge);
@@ -128,7 +128,7 @@ TEST(RequestJSON, ARemoteSaysWhetherItIsABridge) {
                     ->remote->representsGitSVNBridge);
 }
 
-TEST(RequestJSON, DestinationAndRevisionsAreAnyScalar) {
+TEST(RequestJSON, AcceptsAnyScalarAsDestinationOrRevision) {
     const auto request = accepted(
         R"({"type": 0, "destination": "topic", "startingRevision": true, "endingRevision": -7})");
     EXPECT_EQ(request->destination, NEBValue("topic"));
@@ -136,14 +136,14 @@ TEST(RequestJSON, DestinationAndRevisionsAreAnyScalar) {
     EXPECT_EQ(request->endingRevision, NEBValue(-7));
 }
 
-TEST(RequestJSON, TextKeepsEveryCharacter) {
+TEST(RequestJSON, KeepsAllCharactersOfStrings) {
     const auto request =
         accepted(R"({"type": 0, "destination": "a\u0000\n\"\\ü\ud83d\ude00 [x]"})");
     EXPECT_EQ(request->destination,
               NEBValue(std::string("a\0\n\"\\\xC3\xBC\xF0\x9F\x98\x80 [x]", 15)));
 }
 
-TEST(RequestJSON, TheLimitsOfAnIntegerAreIntegers) {
+TEST(RequestJSON, AcceptsTheLimitsOfIntegers) {
     EXPECT_EQ(accepted(R"({"type": 0, "destination": 9223372036854775807})")->destination,
               NEBValue(INT64_MAX));
     EXPECT_EQ(accepted(R"({"type": 0, "destination": -9223372036854775808})")->destination,
@@ -152,7 +152,7 @@ TEST(RequestJSON, TheLimitsOfAnIntegerAreIntegers) {
 
 class NumberThatIsNoInteger : public testing::TestWithParam<std::string> {};
 
-TEST_P(NumberThatIsNoInteger, BecomesAnObjectDescribedAsItWasWritten) {
+TEST_P(NumberThatIsNoInteger, BecomesAnObjectThatKeepsTheText) {
     const auto request = accepted(R"({"type": 0, "destination": )" + GetParam() + "}");
     ASSERT_NE(request->destination.object(), nullptr);
     EXPECT_EQ(request->destination.descriptionForAssertionMessage(), GetParam());
@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(RequestJSON, NumberThatIsNoInteger,
                                          "9223372036854775808", "18446744073709551615",
                                          "18446744073709551616", "-9223372036854775809"));
 
-TEST(RequestJSON, FilesAreAnyScalarsInTheirOrder) {
+TEST(RequestJSON, AcceptsAnyScalarsAsFiles) {
     const auto request = accepted(R"({"type": 0, "files": ["/a", null, 3, false, 1.5, "/b"]})");
     ASSERT_EQ(request->fileCount(), 6U);
     EXPECT_EQ((*request->files)[0], NEBValue("/a"));
@@ -174,14 +174,14 @@ TEST(RequestJSON, FilesAreAnyScalarsInTheirOrder) {
     EXPECT_EQ((*request->files)[5], NEBValue("/b"));
 }
 
-TEST(RequestJSON, NoFilesAndAnEmptyListDiffer) {
+TEST(RequestJSON, KeepsAnEmptyListOfFiles) {
     const auto request = accepted(R"({"type": 0, "files": []})");
     EXPECT_TRUE(request->files.has_value());
     EXPECT_EQ(request->fileCount(), 0U);
 }
 
-/// What an encoder writes for an empty table, in a language that has no other type.
-TEST(RequestJSON, AnEmptyArrayAndAnEmptyObjectStandForEachOther) {
+/// Encoders for languages with a single type for both write them so.
+TEST(RequestJSON, AcceptsAnEmptyArrayAsObjectAndViceVersa) {
     const RequestReading reading = requestFromJSON(
         R"({"type": 15, "sourceTree": [], "repositoryToAuthenticate": [], "files": {},
             "remote": [], "options": []})");
@@ -196,7 +196,7 @@ TEST(RequestJSON, AnEmptyArrayAndAnEmptyObjectStandForEachOther) {
     EXPECT_EQ(request.options->size(), 0U);
 }
 
-TEST(RequestJSON, OnlyEmptyOnesStandForEachOther) {
+TEST(RequestJSON, RefusesOtherArraysAsObjectsAndViceVersa) {
     EXPECT_EQ(requestFromJSON(R"({"type": 15, "options": [1]})").refusal,
               "The request's member \"options\" is an array; an object was expected.");
     EXPECT_EQ(requestFromJSON(R"({"type": 15, "files": {"a": 1}})").refusal,
@@ -204,7 +204,7 @@ TEST(RequestJSON, OnlyEmptyOnesStandForEachOther) {
     EXPECT_NE(requestFromJSON(R"({"type": 15, "destination": []})").refusal, "");
 }
 
-TEST(RequestJSON, EveryOptionKeyIsKnown) {
+TEST(RequestJSON, KnowsAllOptionKeys) {
     for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
         const auto request =
             accepted(R"({"type": 0, "options": {")" + std::string(key.text()) + R"(": 50}})");
@@ -212,7 +212,7 @@ TEST(RequestJSON, EveryOptionKeyIsKnown) {
     }
 }
 
-TEST(RequestJSON, AnOptionThatIsNullIsMissing) {
+TEST(RequestJSON, TreatsANullOptionAsAbsent) {
     const auto request =
         accepted(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": null}})");
     ASSERT_TRUE(request->options.has_value());

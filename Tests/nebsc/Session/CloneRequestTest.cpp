@@ -1,4 +1,4 @@
-// What every clone gets from nebsc, whichever way the request comes in: its folder.
+// The destination folder of a clone, and clones that lack submodules.
 
 #include <iterator>
 #include <sstream>
@@ -17,7 +17,7 @@ class CloneRequest : public CommandTest {
 protected:
     void SetUp() override { repository.commitFile("a.c", "first\n"); }
 
-    /// The request as JSON.
+    /// Returns the request as JSON.
     [[nodiscard]] static std::string requestTo(const std::string& destination,
                                                const std::string& source) {
         return JSON({{"type", NEBSourceControlRequestClone},
@@ -27,7 +27,8 @@ protected:
             .dump();
     }
 
-    /// Commits a submodule; one whose repository is not there names a commit that is nowhere.
+    /// Commits a submodule. If its repository does not exist, the commit of the submodule does not
+    /// exist either.
     static void addSubmodule(const TestRepository& outer, const std::string& path,
                              const std::string& url) {
         const std::string section = "submodule." + path + ".";
@@ -44,7 +45,7 @@ protected:
         outer.git({"commit", "--quiet", "-m", "with the submodule " + path});
     }
 
-    /// git clones no submodule from a path unless told to.
+    /// Lets git clone submodules from paths.
     static std::vector<std::pair<std::string, std::optional<std::string>>> allowingFiles() {
         return {{"GIT_ALLOW_PROTOCOL", "file"}};
     }
@@ -52,7 +53,7 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(CloneRequest, MakesAMissingFolder) {
+TEST_F(CloneRequest, CreatesAMissingFolder) {
     const std::string destination = folder.path("on/the way/clone");
     const NebscOutcome outcome = runRequest(requestTo(destination, repository.path()));
     EXPECT_TRUE(outcome.json()["error"].is_null());
@@ -61,13 +62,13 @@ TEST_F(CloneRequest, MakesAMissingFolder) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(CloneRequest, TakesAnEmptyFolderThatIsThere) {
+TEST_F(CloneRequest, AcceptsAnEmptyFolder) {
     fs::create_directory(folder.path("clone"));
     EXPECT_EQ(runRequest(requestTo(folder.path("clone"), repository.path())).exitStatus, 0);
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
 }
 
-TEST_F(CloneRequest, RemovesWhatItMadeWhenItFails) {
+TEST_F(CloneRequest, RemovesTheCreatedFoldersAfterAFailure) {
     const NebscOutcome outcome =
         runRequest(requestTo(folder.path("on/the/way"), folder.path("nosuch")));
     EXPECT_THAT(outcome.json()["error"]["text"].get<std::string>(), HasSubstr("nosuch"));
@@ -75,7 +76,7 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenItFails) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(CloneRequest, LeavesAFolderThatWasThereWhenItFails) {
+TEST_F(CloneRequest, KeepsAnExistingFolderAfterAFailure) {
     fs::create_directory(folder.path("empty"));
     folder.write("full/mine", "mine");
     EXPECT_EQ(runRequest(requestTo(folder.path("empty"), folder.path("nosuch"))).exitStatus, 1);
@@ -101,7 +102,7 @@ TEST_F(CloneRequest, KeepsACloneThatLacksOnlySubmodules) {
     EXPECT_EQ(folder.read("clone/there/i"), "1\n");
 }
 
-/// git clones all submodules before it checks out any.
+/// git clones all submodules before it checks any of them out.
 TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     const TestRepository inner;
     inner.commitFile("i", "1\n");
@@ -116,8 +117,8 @@ TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
 }
 
-/// A submodule that is cloned and not checked out looks to git as if its files were deleted.
-TEST_F(CloneRequest, TheAdviceForMissingSubmodulesGetsAllOfThem) {
+/// git treats the files of a submodule that is cloned but not checked out as deleted.
+TEST_F(CloneRequest, TheSuggestedCommandGetsAllMissingSubmodules) {
     const TestRepository inner;
     inner.commitFile("i", "1\n");
     inner.git({"clone", "--quiet", ".", folder.path("away")});
@@ -140,7 +141,7 @@ TEST_F(CloneRequest, TheAdviceForMissingSubmodulesGetsAllOfThem) {
     EXPECT_EQ(folder.read("clone/sub/i"), "1\n");
 }
 
-TEST_F(CloneRequest, RemovesACloneThatIsNotWholeWhateverItsSubmodules) {
+TEST_F(CloneRequest, RemovesACloneThatLacksMoreThanSubmodules) {
     addSubmodule(repository, "sub", folder.path("nosuch"));
     repository.write(".gitattributes", "a.c filter=broken\n");
     repository.git({"add", ".gitattributes"});
@@ -158,7 +159,7 @@ TEST_F(CloneRequest, RemovesACloneThatIsNotWholeWhateverItsSubmodules) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
+TEST_F(CloneRequest, RemovesTheCreatedFoldersIfGitFailsSilently) {
     const StandInGit git("", "echo half > done; exit 3");
     const NebscOutcome outcome = runRequest(requestTo(folder.path("a/clone"), repository.path()),
                                             {.variables = {git.path()}});
@@ -168,7 +169,7 @@ TEST_F(CloneRequest, RemovesWhatItMadeWhenGitFailsWithoutAWord) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST_F(CloneRequest, EmptiesAgainWhatWasEmptyAndKeepsIt) {
+TEST_F(CloneRequest, EmptiesAnExistingEmptyFolderAfterAFailure) {
     const StandInGit git("", "echo half > done; mkdir more; exit 3");
     fs::create_directory(folder.path("there"));
     EXPECT_EQ(
@@ -184,7 +185,7 @@ TEST_F(CloneRequest, EmptiesAgainWhatWasEmptyAndKeepsIt) {
     EXPECT_EQ(folder.read("full/file"), "x");
 }
 
-TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {
+TEST_F(CloneRequest, ReportsAFolderThatCannotBeCreated) {
     folder.write("file", "");
     const NebscOutcome outcome =
         runRequest(requestTo(folder.path("file/clone"), repository.path()));
@@ -197,7 +198,7 @@ TEST_F(CloneRequest, AFolderThatCannotBeMadeIsTheError) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST_F(CloneRequest, NothingIsMadeWhereNothingRuns) {
+TEST_F(CloneRequest, CreatesNothingIfNothingRuns) {
     const std::string request = requestTo(folder.path("clone"), repository.path());
     EXPECT_EQ(runNebsc({"request", "--dry-run"}, {.input = request}).exitStatus, 0);
     JSON unreachable = JSON::parse(request);
@@ -207,7 +208,7 @@ TEST_F(CloneRequest, NothingIsMadeWhereNothingRuns) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST_F(CloneRequest, ADestinationThatIsNoAbsolutePathIsRefused) {
+TEST_F(CloneRequest, RefusesADestinationThatIsNotAbsolute) {
     for (const char* destination : {"\"clone\"", "\"~/clone\"", "\"\"", "\"./clone\"", "7"}) {
         const NebscOutcome outcome =
             runRequest(std::string(R"({"destination": )") + destination +

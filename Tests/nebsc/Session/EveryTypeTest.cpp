@@ -1,4 +1,4 @@
-// Every type of request has a command that makes it.
+// Each request type has a command that performs it.
 
 #include <set>
 
@@ -8,13 +8,13 @@
 namespace neb::test {
 namespace {
 
-using Words = std::vector<std::string>;
+using Arguments = std::vector<std::string>;
 
-/// The words of a call that makes a request of the type, in a working copy with a remote "origin"
-/// that has the branch "main"; none for a type that stands for no work.
+/// A command that performs a request of the type, in a working copy with a remote "origin" that has
+/// the branch "main". No arguments for an unsupported type.
 struct Row {
     std::int32_t type;
-    Words words;
+    Arguments arguments;
 };
 
 const Row rows[] = {
@@ -77,19 +77,19 @@ protected:
     TemporaryFolder origin;
 };
 
-TEST_F(EveryType, HasACommandThatMakesIt) {
+TEST_F(EveryType, HasACommand) {
     std::set<std::int32_t> types;
     for (const Row& row : rows) {
         EXPECT_TRUE(types.insert(row.type).second) << row.type;
-        const bool isNothing = NEBSourceControlRequestTypeName(row.type) == "unsupported";
-        EXPECT_EQ(row.words.empty(), isNothing) << row.type;
-        if (isNothing) {
+        const bool isUnsupported = NEBSourceControlRequestTypeName(row.type) == "unsupported";
+        EXPECT_EQ(row.arguments.empty(), isUnsupported) << row.type;
+        if (isUnsupported) {
             continue;
         }
-        Words words = row.words;
-        words.emplace_back("--json");
-        const NebscOutcome outcome = nebsc(words);
-        ASSERT_EQ(outcome.exitStatus, 0) << testing::PrintToString(words) << outcome.errors;
+        Arguments arguments = row.arguments;
+        arguments.emplace_back("--json");
+        const NebscOutcome outcome = nebsc(arguments);
+        ASSERT_EQ(outcome.exitStatus, 0) << testing::PrintToString(arguments) << outcome.errors;
         EXPECT_EQ(outcome.json()["type"], row.type);
     }
     for (const auto& type : NEBSourceControlAllRequestTypes()) {

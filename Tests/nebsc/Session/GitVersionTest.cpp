@@ -1,4 +1,4 @@
-// Which version of git is installed, and what it has.
+// Features by the version of git.
 
 #include "Session/GitVersion.h"
 

@@ -1,4 +1,4 @@
-// The host's way with a request, and what the commands make of a plug-in's answers.
+// How a session performs requests, and how commands report the results of a plug-in.
 
 #include "Session/HostSession.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Says which of its functions were called.
+/// An operation that records the calls of its functions.
 class Operation : public NEBSourceControlOperation {
 public:
     Operation(std::shared_ptr<NEBSourceControlRequest> request, std::vector<std::string>& calls)
@@ -33,8 +33,8 @@ private:
     std::vector<std::string>& _calls;
 };
 
-/// A plug-in that answers as it is told, and says what it was asked.
-struct Answers {
+/// The results and the recorded calls of a plug-in for tests.
+struct PlugInBehaviour {
     bool valid = true;
     bool hasOperation = true;
     std::vector<std::string> conditions;
@@ -43,33 +43,33 @@ struct Answers {
 
 class Controller : public NEBSourceControlProtocol {
 public:
-    explicit Controller(Answers& answers) : _answers(answers) {}
+    explicit Controller(PlugInBehaviour& behaviour) : _behaviour(behaviour) {}
 
     [[nodiscard]] bool authenticationRequiredForRequest(
         const NEBSourceControlRequest& /*request*/) const override {
-        _answers.calls.emplace_back("authenticationRequired");
+        _behaviour.calls.emplace_back("authenticationRequired");
         return true;
     }
     [[nodiscard]] bool validateRequest(const NEBSourceControlRequest& /*request*/,
                                        std::optional<NEBSourceControlError>* error) const override {
-        _answers.calls.emplace_back("validate");
-        if (!_answers.valid) {
+        _behaviour.calls.emplace_back("validate");
+        if (!_behaviour.valid) {
             *error = NEBSourceControlError::withDescription(-20, "Not now.");
         }
-        return _answers.valid;
+        return _behaviour.valid;
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> operationForRequest(
         const std::shared_ptr<NEBSourceControlRequest>& request) const override {
-        _answers.calls.emplace_back("operation");
-        for (const std::string& condition : _answers.conditions) {
+        _behaviour.calls.emplace_back("operation");
+        for (const std::string& condition : _behaviour.conditions) {
             NEBSourceControlAssert({.function = "f", .file = "c", .line = 1}, false, condition);
         }
-        return _answers.hasOperation ? std::make_shared<Operation>(request, _answers.calls)
-                                     : nullptr;
+        return _behaviour.hasOperation ? std::make_shared<Operation>(request, _behaviour.calls)
+                                       : nullptr;
     }
 
 private:
-    Answers& _answers;
+    PlugInBehaviour& _behaviour;
 };
 
 class HostSessionTest : public testing::Test {
@@ -82,21 +82,21 @@ protected:
                                              : HostSession::Runner());
     }
 
-    [[nodiscard]] CommandOutput replyOf(const Command& command, bool isJSON = false) const {
+    [[nodiscard]] CommandOutput outputOf(const Command& command, bool isJSON = false) const {
         const PlugInFile plugIn;
         const Arguments arguments;
         return command.run({plugIn, session, command, arguments, isJSON});
     }
 
-    mutable Answers answers;
-    HostSession session{std::make_unique<Controller>(answers)};
+    mutable PlugInBehaviour behaviour;
+    HostSession session{std::make_unique<Controller>(behaviour)};
     std::shared_ptr<NEBSourceControlRequest> request =
         NEBSourceControlRequest::initWithType(NEBSourceControlRequestPush, nullptr, {}, {});
 };
 
-TEST_F(HostSessionTest, AsksInTheHostsOrder) {
+TEST_F(HostSessionTest, CallsThePlugInInTheHostsOrder) {
     const RequestResult requestResult = perform();
-    EXPECT_THAT(answers.calls,
+    EXPECT_THAT(behaviour.calls,
                 ElementsAre("authenticationRequired", "validate", "operation", "main"));
     ASSERT_TRUE(requestResult.outcome.has_value());
     EXPECT_EQ(requestResult.outcome->type, NEBSourceControlRequestPush);
@@ -108,12 +108,12 @@ TEST_F(HostSessionTest, AsksInTheHostsOrder) {
     EXPECT_FALSE(requestResult.refusedValue.has_value());
 }
 
-TEST_F(HostSessionTest, ARefusedRequestGoesNoFurther) {
-    answers.valid = false;
+TEST_F(HostSessionTest, CreatesNoOperationForAnInvalidRequest) {
+    behaviour.valid = false;
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionBranch, "-x");
     const RequestResult requestResult = perform();
-    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
+    EXPECT_THAT(behaviour.calls, ElementsAre("authenticationRequired", "validate"));
     ASSERT_TRUE(requestResult.outcome.has_value());
     EXPECT_FALSE(requestResult.outcome->valid);
     EXPECT_FALSE(requestResult.outcome->operation.has_value());
@@ -122,26 +122,26 @@ TEST_F(HostSessionTest, ARefusedRequestGoesNoFurther) {
     EXPECT_FALSE(requestResult.outcome->error->errorClass.has_value());
 }
 
-TEST_F(HostSessionTest, AnArgumentInjectionIsRefusedBeforeAnOperationIsMade) {
+TEST_F(HostSessionTest, RefusesAnArgumentInjectionBeforeItCreatesAnOperation) {
     request->options.emplace();
     request->options->set(NEBSourceControlRequestOptionBranch, "-x");
     const RequestResult requestResult = perform();
-    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate"));
+    EXPECT_THAT(behaviour.calls, ElementsAre("authenticationRequired", "validate"));
     EXPECT_FALSE(requestResult.outcome.has_value());
     ASSERT_TRUE(requestResult.refusedValue.has_value());
     EXPECT_EQ(requestResult.refusedValue->field, "options.NEBSourceControlRequestOptionBranch");
     EXPECT_EQ(requestResult.refusedValue->value, "-x");
 }
 
-TEST_F(HostSessionTest, WithoutARunnerTheOperationIsOnlyMade) {
+TEST_F(HostSessionTest, CreatesButDoesNotRunTheOperationWithoutARunner) {
     const RequestResult requestResult = perform(false);
-    EXPECT_THAT(answers.calls, ElementsAre("authenticationRequired", "validate", "operation"));
+    EXPECT_THAT(behaviour.calls, ElementsAre("authenticationRequired", "validate", "operation"));
     EXPECT_EQ(requestResult.outcome->operation, "Operation");
     EXPECT_FALSE(requestResult.outcome->result.has_value());
 }
 
-TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
-    answers.conditions = {"a", "b"};
+TEST_F(HostSessionTest, CollectsTheReportsOfCreationAndRun) {
+    behaviour.conditions = {"a", "b"};
     const RequestResult requestResult = perform();
     std::vector<std::string> conditions;
     for (const LOMAssertionReport& report : requestResult.outcome->reports) {
@@ -150,8 +150,8 @@ TEST_F(HostSessionTest, ReportsOfTheMakingAndOfTheRunAreInTheOutcome) {
     EXPECT_THAT(conditions, ElementsAre("a", "b", "in main"));
 }
 
-TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
-    answers.hasOperation = false;
+TEST_F(HostSessionTest, ReportsATypeWithoutOperation) {
+    behaviour.hasOperation = false;
     for (const bool isRun : {true, false}) {
         const RequestResult requestResult = perform(isRun);
         ASSERT_TRUE(requestResult.outcome.has_value());
@@ -162,46 +162,46 @@ TEST_F(HostSessionTest, ATypeWithoutOperationIsAnError) {
     }
 }
 
-TEST_F(HostSessionTest, TypesTakeOnlyTheOperationFromThePlugIn) {
-    answers.conditions = {"request.weather", "request.destination"};
-    const CommandOutput reply = replyOf(typesCommand, true);
-    EXPECT_THAT(reply.standardOutput,
+TEST_F(HostSessionTest, TypesGetOnlyTheOperationFromThePlugIn) {
+    behaviour.conditions = {"request.weather", "request.destination"};
+    const CommandOutput output = outputOf(typesCommand, true);
+    EXPECT_THAT(output.standardOutput,
                 testing::StartsWith(R"([{"type":0,"name":"add","operation":"Operation",)"
                                     R"("authentication":false,"needs":[]},)"
                                     R"({"type":1,"name":"create branch",)"
                                     R"("operation":"Operation","authentication":false,)"
                                     R"("needs":["destination"]},)"));
-    answers.hasOperation = false;
-    EXPECT_THAT(replyOf(typesCommand, true).standardOutput,
+    behaviour.hasOperation = false;
+    EXPECT_THAT(outputOf(typesCommand, true).standardOutput,
                 testing::StartsWith(R"([{"type":0,"name":"add","operation":null,)"));
 }
 
-TEST_F(HostSessionTest, ACommandWithoutAnOperationIsAFailure) {
-    answers.hasOperation = false;
-    const CommandOutput reply = replyOf(remoteCommand);
-    EXPECT_EQ(reply.standardOutput, "");
-    EXPECT_EQ(reply.standardError,
+TEST_F(HostSessionTest, ACommandFailsWithoutAnOperation) {
+    behaviour.hasOperation = false;
+    const CommandOutput output = outputOf(remoteCommand);
+    EXPECT_EQ(output.standardOutput, "");
+    EXPECT_EQ(output.standardError,
               "nebsc: the plug-in has no operation for the request type 24 (list remotes)\n"
               "Correct the request; 'nebsc types' lists the types and what each needs.\n");
-    EXPECT_EQ(reply.exitStatus, exitFailed);
+    EXPECT_EQ(output.exitStatus, exitFailed);
 }
 
-TEST_F(HostSessionTest, ACommandThatThePlugInRefusesIsTold) {
-    answers.valid = false;
-    const CommandOutput reply = replyOf(remoteCommand);
-    EXPECT_EQ(reply.standardOutput, "");
-    EXPECT_EQ(reply.standardError, "nebsc: not now\n");
-    EXPECT_EQ(reply.exitStatus, exitFailed);
+TEST_F(HostSessionTest, ACommandReportsThatThePlugInRefusesIt) {
+    behaviour.valid = false;
+    const CommandOutput output = outputOf(remoteCommand);
+    EXPECT_EQ(output.standardOutput, "");
+    EXPECT_EQ(output.standardError, "nebsc: not now\n");
+    EXPECT_EQ(output.exitStatus, exitFailed);
 }
 
-TEST_F(HostSessionTest, ReportsAreNotHiddenFromAPerson) {
-    answers.conditions = {"request.weather"};
-    const CommandOutput reply = replyOf(remoteCommand);
-    EXPECT_THAT(reply.standardError,
+TEST_F(HostSessionTest, CommandsPrintAssertionReports) {
+    behaviour.conditions = {"request.weather"};
+    const CommandOutput output = outputOf(remoteCommand);
+    EXPECT_THAT(output.standardError,
                 testing::StartsWith(
                     "nebsc: the plug-in reports: Assertion failed: request.weather (f, c:1)\n"));
-    EXPECT_EQ(reply.exitStatus, exitDone);
-    EXPECT_THAT(replyOf(remoteCommand, true).standardError,
+    EXPECT_EQ(output.exitStatus, exitDone);
+    EXPECT_THAT(outputOf(remoteCommand, true).standardError,
                 testing::HasSubstr("nebsc: the plug-in reports: Assertion failed: in main"));
 }
 

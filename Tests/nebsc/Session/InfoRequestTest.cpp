@@ -1,4 +1,4 @@
-// A request that runs one git after another, with a stand-in for git that answers each.
+// Requests that run several git commands in turn, with a stand-in for git.
 
 #include <gmock/gmock.h>
 
@@ -22,7 +22,7 @@ NebscOutcome infoWith(const std::string& script) {
     return requestWith(NEBSourceControlRequestInfo, script);
 }
 
-TEST(TrackingBranchRequest, PassesTheSecondQuestionsErrorOn) {
+TEST(TrackingBranchRequest, ReportsTheErrorOfTheSecondCommand) {
     const NebscOutcome outcome = requestWith(
         NEBSourceControlRequestTrackingBranchName,
         "case \"$*\" in *merge) echo 'fatal: bad config line 3 in file x' >&2; exit 128;; esac\n"
@@ -33,8 +33,8 @@ TEST(TrackingBranchRequest, PassesTheSecondQuestionsErrorOn) {
     EXPECT_TRUE(json["result"].is_null());
 }
 
-/// The Subversion repository has a URL; that the question for its name fails is not looked at.
-TEST(RemotesRequest, StandsThoughTheQuestionForTheNameFails) {
+/// The URL of the Subversion repository is enough; a failure to get its name is ignored.
+TEST(RemotesRequest, SucceedsWithoutTheNameOfTheSubversionRepository) {
     const NebscOutcome outcome = requestWith(
         NEBSourceControlRequestListRemotes,
         "case \"$*\" in *.url) echo svn://h/p;; *.fetch) echo 'fatal: bad config line 3' >&2; "
@@ -46,9 +46,9 @@ TEST(RemotesRequest, StandsThoughTheQuestionForTheNameFails) {
     EXPECT_EQ(json["reports"][0]["line"], 1405);
 }
 
-/// A failed second question has an error and, beside it, the record that holds nothing: the pairing
-/// is on purpose, hosts have always found both.
-TEST(InfoRequest, HasTheSecondQuestionsErrorBesideAnEmptyRecord) {
+/// If the second command fails, the outcome has an error and also an empty record. This is on
+/// purpose: hosts rely on both.
+TEST(InfoRequest, HasTheErrorOfTheSecondCommandAndAnEmptyRecord) {
     const NebscOutcome outcome = infoWith(
         "case \"$*\" in *svn*) echo 'fatal: bad config line 3 in file x' >&2; exit 128;; esac\n"
         "exit 1");
@@ -56,18 +56,18 @@ TEST(InfoRequest, HasTheSecondQuestionsErrorBesideAnEmptyRecord) {
     EXPECT_EQ(json["commands"].size(), 2U);
     EXPECT_EQ(json["error"]["class"], "configuration-broken");
     EXPECT_EQ(json["result"], JSON::array({JSON::object()}));
-    EXPECT_TRUE(json["command"].is_null()) << "it runs others";
+    EXPECT_TRUE(json["command"].is_null()) << "it runs other operations";
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
-TEST(InfoRequest, HasTheFirstQuestionsErrorAndNoResult) {
+TEST(InfoRequest, HasTheErrorOfTheFirstCommandAndNoResult) {
     const JSON json = infoWith("echo 'fatal: bad config line 3 in file x' >&2; exit 128").json();
     EXPECT_EQ(json["commands"].size(), 1U);
     EXPECT_EQ(json["error"]["class"], "configuration-broken");
     EXPECT_TRUE(json["result"].is_null());
 }
 
-TEST(InfoRequest, TakesTheFirstAnswer) {
+TEST(InfoRequest, UsesTheFirstOutput) {
     const JSON json = infoWith("echo https://example.org/p.git").json();
     EXPECT_EQ(json["commands"].size(), 1U);
     EXPECT_EQ(json["result"][0]["NEBSourceControlOperationRemoteOriginKey"],

@@ -1,4 +1,4 @@
-// Signals: the running git is ended, nebsc waits for it, and nothing is left.
+// Signals: nebsc ends the running git, waits for it and leaves no process or file behind.
 
 #include "Session/Interruption.h"
 
@@ -24,8 +24,8 @@ using testing::HasSubstr;
 
 constexpr std::chrono::seconds longEnough(60);
 
-/// The text that somebody else writes into the file, waited for; empty when nobody does.
-std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
+/// Waits for a line in the file and returns it; empty after the time limit.
+std::string awaitLine(const TemporaryFolder& folder, std::string_view name) {
     const auto deadline = std::chrono::steady_clock::now() + longEnough;
     while (std::chrono::steady_clock::now() < deadline) {
         std::string text = folder.read(name);
@@ -37,13 +37,13 @@ std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
     return {};
 }
 
-/// Whether the process runs; one that is dead and not yet reaped does not.
+/// Returns whether the process runs; false for a zombie.
 bool runs(int pid) {
     std::ifstream stream("/proc/" + std::to_string(pid) + "/stat");
     std::string text;
     std::getline(stream, text);
-    const std::size_t place = text.rfind(") ");
-    return place != std::string::npos && text[place + 2] != 'Z' && text[place + 2] != 'X';
+    const std::size_t end = text.rfind(") ");
+    return end != std::string::npos && text[end + 2] != 'Z' && text[end + 2] != 'X';
 }
 
 struct SignalRow {
@@ -54,14 +54,14 @@ struct SignalRow {
 
 class InterruptedBy : public testing::TestWithParam<SignalRow> {
 protected:
-    /// A git that tells the numbers of its process and of a child of its own, and then works for
-    /// long.
+    /// Returns a script that writes the IDs of its process and of a child process, and then runs
+    /// for a long time.
     [[nodiscard]] std::string slowScript() const {
         return "sleep 3600 &\necho $$ $! > '" + folder.path("started") + "'\nwait";
     }
-    /// Waits until git works, sends the signal, and expects what must follow.
+    /// Waits until git runs, sends the signal, and checks that all processes end.
     NebscOutcome interrupt(Nebsc& program) const {
-        std::istringstream numbers(awaitedLine(folder, "started"));
+        std::istringstream numbers(awaitLine(folder, "started"));
         int git = 0;
         int child = 0;
         numbers >> git >> child;
@@ -69,10 +69,10 @@ protected:
         program.send(GetParam().signalNumber);
         NebscOutcome outcome = program.outcome();
         EXPECT_FALSE(runs(git) || runs(child));
-        expectTold(outcome);
+        expectReported(outcome);
         return outcome;
     }
-    static void expectTold(const NebscOutcome& outcome) {
+    static void expectReported(const NebscOutcome& outcome) {
         EXPECT_EQ(outcome.errors, GetParam().line);
         EXPECT_EQ(outcome.exitStatus, GetParam().exitStatus);
     }
@@ -80,13 +80,13 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_P(InterruptedBy, AStatusLeavesNothingBehind) {
+TEST_P(InterruptedBy, StatusLeavesNoProcessBehind) {
     const StandInGit git(folder.path(), slowScript());
     Nebsc program({"status"}, {.folder = folder.path(), .variables = {git.path()}});
     EXPECT_EQ(interrupt(program).output, "");
 }
 
-TEST_P(InterruptedBy, ARequestSaysThatItWasCancelled) {
+TEST_P(InterruptedBy, ARequestReportsTheCancellation) {
     const StandInGit git(folder.path(), slowScript());
     Nebsc program({"request"}, {.folder = folder.path(),
                                 .input = R"({"type": 15, "sourceTree": {"location": "/"}})",
@@ -96,7 +96,7 @@ TEST_P(InterruptedBy, ARequestSaysThatItWasCancelled) {
     EXPECT_EQ(json["commands"].size(), 1U);
 }
 
-TEST_P(InterruptedBy, TheLookForTheTopIsEndedToo) {
+TEST_P(InterruptedBy, TheSearchForTheTopFolderEnds) {
     const TemporaryFolder bin;
     bin.writeProgram("git", "#!/bin/sh\n" + slowScript());
     Nebsc program({"status"}, {.folder = folder.path(),
@@ -104,7 +104,7 @@ TEST_P(InterruptedBy, TheLookForTheTopIsEndedToo) {
     EXPECT_EQ(interrupt(program).output, "");
 }
 
-TEST_P(InterruptedBy, TheQuestionForTheVersionIsEndedToo) {
+TEST_P(InterruptedBy, TheQueryForTheVersionEnds) {
     const StandInGit git(folder.path(), slowScript());
     Nebsc program({"--version"}, {.variables = {git.path()}});
     EXPECT_EQ(interrupt(program).output, "");
@@ -123,7 +123,7 @@ TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {
                                             "' ]; do sleep 0.01; done");
     Nebsc program({"status"},
                   {.folder = folder.path(), .variables = {git.path()}, .ignoredSignals = {SIGHUP}});
-    EXPECT_NE(awaitedLine(folder, "started"), "");
+    EXPECT_NE(awaitLine(folder, "started"), "");
     program.send(SIGHUP);
     folder.write("go on", "");
     const NebscOutcome outcome = program.outcome();
@@ -134,7 +134,7 @@ TEST(InterruptionOfProgram, AnIgnoredSignalStaysIgnored) {
 
 // ---- within this process ----------------------------------------------------------------------
 
-/// With the default dispositions, whatever this process was started with.
+/// Sets the default actions of the signals.
 class InterruptionHere : public testing::Test {
 protected:
     void SetUp() override {
@@ -174,7 +174,7 @@ TEST_F(InterruptionHere, ASignalCancelsTheWorkOnAnotherThread) {
     EXPECT_EQ(interruption.signalNumber(), SIGTERM);
 }
 
-TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledAtOnce) {
+TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledImmediately) {
     Interruption interruption;
     std::promise<void> cancelled;
     {
@@ -187,7 +187,7 @@ TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledAtOnce) {
     EXPECT_TRUE(isCancelled);
 }
 
-TEST_F(InterruptionHere, BlocksTheSignalsAsLongAsItLives) {
+TEST_F(InterruptionHere, BlocksTheSignalsWhileItExists) {
     static_cast<void>(::signal(SIGHUP, SIG_IGN));
     const auto blocked = [] {
         sigset_t mask;

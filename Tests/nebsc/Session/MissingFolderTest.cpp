@@ -1,4 +1,4 @@
-// Folders made for work that may fail.
+// Folders that are created for work and removed if it fails.
 
 #include "Session/MissingFolder.h"
 
@@ -16,43 +16,43 @@ namespace fs = std::filesystem;
 
 class MissingFolderTest : public test::HygienicTest {
 protected:
-    [[nodiscard]] bool isThere(std::string_view name) const {
+    [[nodiscard]] bool exists(std::string_view name) const {
         return fs::exists(fs::symlink_status(top.path(name)));
     }
 
     test::TemporaryFolder top;
 };
 
-TEST_F(MissingFolderTest, MakesThoseOnTheWayAndTakesAllBack) {
+TEST_F(MissingFolderTest, CreatesAndRemovesTheParents) {
     MissingFolder folder(top.path("a/b/c"));
     EXPECT_FALSE(folder.make());
     EXPECT_TRUE(fs::is_directory(top.path("a/b/c")));
     EXPECT_FALSE(folder.removeAgain());
-    EXPECT_FALSE(isThere("a"));
+    EXPECT_FALSE(exists("a"));
     EXPECT_TRUE(fs::exists(top.path()));
 }
 
-TEST_F(MissingFolderTest, WhatWasPutIntoTheFolderGoesWithIt) {
+TEST_F(MissingFolderTest, RemovesTheContentsOfACreatedFolder) {
     {
         MissingFolder folder(top.path("a/b/"));
         EXPECT_FALSE(folder.make());
         top.write("a/b/half/done", "x");
     }
-    EXPECT_FALSE(isThere("a"));
+    EXPECT_FALSE(exists("a"));
 }
 
-TEST_F(MissingFolderTest, OneOnTheWayThatHoldsMoreStays) {
+TEST_F(MissingFolderTest, KeepsAParentThatIsNotEmpty) {
     {
         MissingFolder folder(top.path("a/b"));
         EXPECT_FALSE(folder.make());
-        top.write("a/somebody's", "x");
+        top.write("a/other", "x");
         EXPECT_FALSE(folder.removeAgain());
     }
-    EXPECT_FALSE(isThere("a/b"));
-    EXPECT_EQ(top.read("a/somebody's"), "x");
+    EXPECT_FALSE(exists("a/b"));
+    EXPECT_EQ(top.read("a/other"), "x");
 }
 
-TEST_F(MissingFolderTest, WhatWasThereIsNeverRemoved) {
+TEST_F(MissingFolderTest, NeverRemovesWhatExistedBefore) {
     top.write("a/file", "x");
     fs::create_directory(top.path("empty"));
     for (const char* name : {"a", "empty", "a/file"}) {
@@ -61,16 +61,16 @@ TEST_F(MissingFolderTest, WhatWasThereIsNeverRemoved) {
         EXPECT_FALSE(folder.removeAgain()) << name;
     }
     EXPECT_EQ(top.read("a/file"), "x");
-    EXPECT_TRUE(isThere("empty"));
+    EXPECT_TRUE(exists("empty"));
 }
 
-TEST_F(MissingFolderTest, KeptOnesStay) {
+TEST_F(MissingFolderTest, KeepsTheFoldersAfterKeep) {
     {
         MissingFolder folder(top.path("a/b"));
         EXPECT_FALSE(folder.make());
         folder.keep();
     }
-    EXPECT_TRUE(isThere("a/b"));
+    EXPECT_TRUE(exists("a/b"));
 }
 
 TEST_F(MissingFolderTest, AFailureNamesTheFolderAndTheCause) {
@@ -82,10 +82,10 @@ TEST_F(MissingFolderTest, AFailureNamesTheFolderAndTheCause) {
     EXPECT_EQ(failure->description,
               "The folder '" + top.path("new/../file/a") + "' could not be made: Not a directory.");
     EXPECT_FALSE(folder.removeAgain());
-    EXPECT_FALSE(isThere("new"));
+    EXPECT_FALSE(exists("new"));
 }
 
-TEST_F(MissingFolderTest, AFolderThatCannotBeRemovedIsTold) {
+TEST_F(MissingFolderTest, ReportsAFolderThatCannotBeRemoved) {
     const test::AsOrdinaryUser user;
     const test::TemporaryFolder own;
     MissingFolder folder(own.path("a/b"));

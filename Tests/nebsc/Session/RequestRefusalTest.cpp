@@ -1,4 +1,4 @@
-// A request from its JSON form: every refusal.
+// Requests in JSON that are refused, with the messages.
 
 #include <gmock/gmock.h>
 
@@ -23,7 +23,7 @@ struct RefusalRow {
 
 class RefusedRequest : public testing::TestWithParam<RefusalRow> {};
 
-TEST_P(RefusedRequest, IsToldByMemberAndExpectation) {
+TEST_P(RefusedRequest, NamesTheMemberAndTheExpectedValue) {
     EXPECT_EQ(refusalOf(GetParam().json), GetParam().refusal);
 }
 
@@ -55,7 +55,7 @@ TEST(RequestJSON, ShowsNoPasswordOfAURL) {
     EXPECT_EQ(reading.request->sourceTree->name, "ann:<redacted>@host");
 }
 
-TEST(RequestJSON, NamesWhyTheTypeIsNone) {
+TEST(RequestJSON, ExplainsWhyATypeIsInvalid) {
     const std::string start = "The request's member \"type\" is ";
     EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
     EXPECT_EQ(refusalOf(R"({"type": "15"})"), start + "a string" + expectedType);
@@ -163,14 +163,14 @@ TEST(RequestJSON, NamesTheUnknownOptionAndEveryKnownOne) {
     }
 }
 
-class NoJSON : public testing::TestWithParam<std::string> {};
+class InvalidJSON : public testing::TestWithParam<std::string> {};
 
-TEST_P(NoJSON, IsToldByItsPlace) {
+TEST_P(InvalidJSON, IsReportedWithLineAndColumn) {
     EXPECT_THAT(refusalOf(GetParam()),
                 testing::MatchesRegex("The request is no JSON: line 1, column [0-9]+: .*"));
 }
 
-INSTANTIATE_TEST_SUITE_P(RequestJSON, NoJSON,
+INSTANTIATE_TEST_SUITE_P(RequestJSON, InvalidJSON,
                          testing::Values("{", "{\"type\": 15", "{\"type\" 15}", "{type: 15}",
                                          "{\"type\": 15,}", "{\"type\": 15} x", "{\"type\": 15}{}",
                                          "{\"type\": 015}", "{\"type\": +1}", "{\"type\": NaN}",
@@ -181,18 +181,18 @@ INSTANTIATE_TEST_SUITE_P(RequestJSON, NoJSON,
                                          "{\"type\": 15, \"destination\": \"\\ud800\"}",
                                          "{\"type\": 15, \"destination\": \"a\tb\"}"));
 
-TEST(RequestJSON, SaysOnWhichLineTheMistakeIs) {
+TEST(RequestJSON, ReportsTheLineOfASyntaxError) {
     EXPECT_THAT(refusalOf("{\n  \"type\": 15,\n}"), HasSubstr("line 3, column 1"));
 }
 
-TEST(RequestJSON, AnEndlessNestingIsRefused) {
+TEST(RequestJSON, RefusesDeepNesting) {
     const std::string deep(1000000, '[');
     EXPECT_EQ(refusalOf(deep), "The request is nested more than 32 levels deep.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "destination": )" + deep + "}"),
               "The request is nested more than 32 levels deep.");
 }
 
-TEST(RequestJSON, HasALimitOfValuesAndOfBytes) {
+TEST(RequestJSON, LimitsValuesAndBytes) {
     std::string files = "[0";
     for (std::size_t i = 0; i < nebsc::mostJSONValues; ++i) {
         files += ",0";
@@ -203,19 +203,19 @@ TEST(RequestJSON, HasALimitOfValuesAndOfBytes) {
               "The request has more than 67108864 bytes.");
 }
 
-TEST(RequestJSON, ALongMistakeMakesAShortSentence) {
+TEST(RequestJSON, TruncatesTheMessageOfALongSyntaxError) {
     const std::string text = "{\"type\": \"" + std::string(1000000, 'x') + "\xff\"}";
     EXPECT_LT(refusalOf(text).size(), 400U);
 }
 
-TEST(RequestJSON, NothingIsReadBehindANULByte) {
+TEST(RequestJSON, RefusesANULByte) {
     EXPECT_EQ(refusalOf(std::string("{\"type\": 1}\0{\"type\": 9,,,", 23)),
               "The request is no JSON: byte 12 is NUL.");
     EXPECT_EQ(refusalOf(std::string("{\"type\": 1\0}", 12)),
               "The request is no JSON: byte 11 is NUL.");
 }
 
-TEST(RequestJSON, ARelativeLocationIsRefused) {
+TEST(RequestJSON, RefusesARelativeLocation) {
     const auto with = [](const std::string& location) {
         return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
     };
@@ -226,12 +226,12 @@ TEST(RequestJSON, ARelativeLocationIsRefused) {
     }
 }
 
-TEST(RequestJSON, AnEmptyNameIsAName) {
+TEST(RequestJSON, ShowsAnEmptyName) {
     EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
                 testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
 }
 
-TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
+TEST(RequestJSON, ShowsInputOnOneLine) {
     EXPECT_THAT(
         refusalOf(R"({"type": 1, "sourceTree": {"loc\nation": "/w"}})"),
         testing::StartsWith(
@@ -243,7 +243,7 @@ TEST(RequestJSON, WhatSomebodyElseWroteIsShownOnOneLine) {
                 testing::HasSubstr(R"("files[0].\r" is there twice)"));
 }
 
-TEST(RequestJSON, WhatSomebodyElseWroteIsShownInPart) {
+TEST(RequestJSON, TruncatesLongInput) {
     const std::string large(3000000, 'x');
     EXPECT_LT(refusalOf("{\"type\": 1, \"" + large + "\": 1}").size(), 1000U);
     EXPECT_LT(refusalOf(R"({"type": 1, "sourceTree": {"class": ")" + large + "\"}}").size(), 1000U);

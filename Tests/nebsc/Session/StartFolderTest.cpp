@@ -1,4 +1,4 @@
-// `nebsc -C DIR`, run as a program.
+// The option -C.
 
 #include "nebsc/CommandTest.h"
 
@@ -14,14 +14,14 @@ protected:
         repository.write("src/a.c", "2\n");
         repository.write("src/deep/b.c", "");
     }
-    [[nodiscard]] NebscOutcome outside(const std::vector<std::string>& words) const {
-        return runNebsc(words, {.folder = _folder.path()});
+    [[nodiscard]] NebscOutcome outside(const std::vector<std::string>& arguments) const {
+        return runNebsc(arguments, {.folder = _folder.path()});
     }
 
     const TemporaryFolder _folder;
 };
 
-TEST_F(StartFolder, ACommandRunsAsIfStartedThere) {
+TEST_F(StartFolder, RunsTheCommandInTheFolder) {
     const NebscOutcome there = nebsc({"status"}, "src");
     EXPECT_THAT(there.output, HasSubstr("a.c"));
     expectDone(outside({"-C", repository.path("src"), "status"}), there.output);
@@ -34,14 +34,14 @@ TEST_F(StartFolder, ACommandRunsAsIfStartedThere) {
                 HasSubstr("working copy " + repository.path()));
 }
 
-TEST_F(StartFolder, SeveralAddUp) {
+TEST_F(StartFolder, IsRelativeToThePreviousOne) {
     const NebscOutcome there = nebsc({"status"}, "src");
     expectDone(outside({"-C", repository.path(), "-C", "src", "status"}), there.output);
     expectDone(outside({"-C", repository.path("src/deep"), "-C", "..", "status"}), there.output);
     expectDone(outside({"-C", repository.path("src"), "-C", "", "status"}), there.output);
 }
 
-TEST_F(StartFolder, AFolderThatIsMissingIsNamedAndNothingIsDone) {
+TEST_F(StartFolder, RefusesAMissingFolderAndDoesNothing) {
     expectFailed(outside({"-C", "nosuch", "init", "new"}),
                  "nebsc: the folder 'nosuch' cannot be entered: No such file or directory\n", 2);
     EXPECT_FALSE(std::filesystem::exists(_folder.path("new")));
@@ -58,7 +58,7 @@ TEST_F(StartFolder, MustPrecedeTheCommand) {
     expectFailed(nebsc({"branch", "list", "-C", "src"}), HasSubstr("nebsc -C DIR branch list"), 2);
 }
 
-TEST_F(StartFolder, TheHelpAndTheManualKnowIt) {
+TEST_F(StartFolder, IsInTheHelpAndTheManual) {
     EXPECT_THAT(nebsc({"--help"}).output, HasSubstr("-C DIR"));
     EXPECT_THAT(nebsc({"manual"}).output, HasSubstr("\\-C DIR"));
     EXPECT_THAT(nebsc({"status", "--help"}).output, testing::Not(HasSubstr("-C DIR")));

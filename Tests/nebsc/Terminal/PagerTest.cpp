@@ -1,4 +1,4 @@
-// The pager: when there is one, which, and what becomes of what it does not take.
+// The pager: when it is used, which one, and what happens if it fails or ends early.
 
 #include "Terminal/Pager.h"
 
@@ -17,7 +17,7 @@ namespace {
 using testing::HasSubstr;
 using Variables = std::vector<std::pair<std::string, std::optional<std::string>>>;
 
-/// A working copy with a difference of more lines than a terminal that does not know its size has.
+/// A working copy with a diff that is longer than a terminal of unknown size.
 class Pager : public CommandTest {
 protected:
     void SetUp() override {
@@ -31,13 +31,14 @@ protected:
         }
         return lines;
     }
-    /// On a terminal that shows no colours, so that the text is easily compared.
+    /// Runs on a terminal without colours, so that the text can be compared.
     [[nodiscard]] NebscOutcome diff(Variables variables, NebscOutput output = NebscOutput::terminal,
-                                    std::vector<std::string> words = {"diff"}) const {
+                                    std::vector<std::string> arguments = {"diff"}) const {
         Variables all{{"TERM", "xterm"},       {"NO_COLOR", "1"},      {"GIT_PAGER", std::nullopt},
                       {"PAGER", std::nullopt}, {"LESS", std::nullopt}, {"LV", std::nullopt}};
         all.insert(all.end(), variables.begin(), variables.end());
-        return runNebsc(words, {.folder = repository.path(), .variables = all, .output = output});
+        return runNebsc(arguments,
+                        {.folder = repository.path(), .variables = all, .output = output});
     }
     [[nodiscard]] std::string patchOnTerminal() const {
         std::string text;
@@ -58,7 +59,7 @@ TEST_F(Pager, LongOutputGoesThroughTheUsersPager) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(Pager, ItIsChosenTheWayOfGit) {
+TEST_F(Pager, IsChosenAsGitDoes) {
     repository.git({"config", "core.pager", "sed s/^/core:/"});
     EXPECT_THAT(diff({{"PAGER", marking}}).output, testing::StartsWith("core:diff"));
     EXPECT_THAT(diff({{"PAGER", marking}, {"GIT_PAGER", "sed s/^/git:/"}}).output,
@@ -68,7 +69,7 @@ TEST_F(Pager, ItIsChosenTheWayOfGit) {
     EXPECT_EQ(diff({{"PAGER", marking}}).output, patchOnTerminal());
 }
 
-TEST_F(Pager, WithoutAChoiceItIsLess) {
+TEST_F(Pager, DefaultsToLess) {
     const TemporaryFolder folder;
     folder.writeProgram("less", "#!/bin/sh\ncat > /dev/null; echo \"less, LESS=$LESS LV=$LV\"\n");
     const char* rest = std::getenv("PATH");
@@ -79,7 +80,7 @@ TEST_F(Pager, WithoutAChoiceItIsLess) {
     EXPECT_EQ(diff(chosen).output, "less, LESS=i LV=-c\r\n");
 }
 
-TEST_F(Pager, ThereIsNoneWhereNoneIsWanted) {
+TEST_F(Pager, IsNotUsedForFilesJSONOrShortOutput) {
     const std::string patch = repository.git({"diff"});
     EXPECT_EQ(diff({{"PAGER", marking}}, NebscOutput::collected).output, patch);
     EXPECT_EQ(diff({{"PAGER", marking}, {"TERM", "dumb"}}).output, patchOnTerminal());
@@ -89,7 +90,7 @@ TEST_F(Pager, ThereIsNoneWhereNoneIsWanted) {
     EXPECT_EQ(diff({{"PAGER", marking}}).output, patchOnTerminal());
 }
 
-TEST_F(Pager, OneThatCannotBeStartedLosesNothing) {
+TEST_F(Pager, ShowsTheOutputIfThePagerCannotBeStarted) {
     const NebscOutcome outcome = diff({{"PAGER", "/no/such/pager"}});
     EXPECT_EQ(outcome.output, patchOnTerminal());
     EXPECT_THAT(outcome.errors, HasSubstr("nebsc: the pager '/no/such/pager' could not be "
@@ -97,8 +98,8 @@ TEST_F(Pager, OneThatCannotBeStartedLosesNothing) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(Pager, OneThatIsLeftEarlyIsNoFailure) {
-    repository.write("a", linesOf(200'000));  // more than a pipe takes
+TEST_F(Pager, MayEndEarly) {
+    repository.write("a", linesOf(200'000));  // more than the capacity of a pipe
     for (const char* pager : {"head -n 1", "exec head -n 1"}) {
         const NebscOutcome outcome = diff({{"PAGER", pager}});
         EXPECT_EQ(outcome.output, "diff --git a/a b/a\r\n");
@@ -108,11 +109,11 @@ TEST_F(Pager, OneThatIsLeftEarlyIsNoFailure) {
     EXPECT_EQ(diff({{"PAGER", "exit 1"}}).exitStatus, 0);
 }
 
-TEST_F(Pager, CtrlCIsThePagersAlone) {
+TEST_F(Pager, ReceivesCtrlCInsteadOfNebsc) {
     const NebscOutcome outcome = diff({{"PAGER", "kill -INT $PPID; sed s/^/p:/"}});
     EXPECT_THAT(outcome.output, testing::EndsWith("\r\np:+x\r\n"));
     EXPECT_EQ(outcome.exitStatus, 0);
-    // It finds the signals as nebsc found them.
+    // The pager has the signal actions that nebsc was started with.
     EXPECT_EQ(diff({{"PAGER", "kill -INT $$; echo lived"}}).output, "");
     EXPECT_EQ(diff({{"PAGER", "kill -PIPE $$; echo lived"}}).output, "");
 }

@@ -9,7 +9,7 @@ using nebsc::patchText;
 
 constexpr int noTerminal = -1;
 
-TEST(PatchText, WithoutATerminalThePatchKeepsItsBytes) {
+TEST(PatchText, LeavesTheBytesUnchangedWithoutATerminal) {
     const std::string patch = "+a\x1b[31m\xff\r\nno line end";
     EXPECT_EQ(patchText(noTerminal, patch, false), patch);
 }
@@ -22,7 +22,7 @@ TEST(PatchText, ColoursLinesAsGitDoes) {
         "\x1b[36m@@ -1 +1 @@\x1b[0m main()\n\x1b[31m-a\x1b[0m\n\x1b[32m+b\x1b[0m\n c\n");
 }
 
-TEST(PatchText, BinaryFilesAreNotColoured) {
+TEST(PatchText, DoesNotColourBinaryFiles) {
     EXPECT_EQ(patchText(noTerminal, "diff --git a/f b/f\nBinary files a/f and b/f differ\n", true),
               "\x1b[1mdiff --git a/f b/f\x1b[0m\nBinary files a/f and b/f differ\n");
 }

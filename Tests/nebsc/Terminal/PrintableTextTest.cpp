@@ -1,4 +1,4 @@
-// Text for a person at a terminal.
+// Printable text, coloured text and error messages.
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Colour.h"
@@ -10,12 +10,12 @@
 namespace neb::nebsc {
 namespace {
 
-TEST(Printable, LeavesOrdinaryTextAlone) {
+TEST(Printable, LeavesPrintableTextUnchanged) {
     EXPECT_EQ(printable("a \\ b/Grüße 漢字 😀\xC2\xA0"), "a \\ b/Grüße 漢字 😀\xC2\xA0");
     EXPECT_EQ(printable(""), "");
 }
 
-TEST(Printable, ALineOfAFileKeepsItsTabsAndItsEnd) {
+TEST(Printable, KeepsTabsAndTheLineEndOfALine) {
     EXPECT_EQ(printableLine("\tint a;\t// b\r"), "\tint a;\t// b\r");
     EXPECT_EQ(printableLine("a\rb\x1b[2J\t\xE4"), "a\\rb\\x1b[2J\t\\xe4");
     EXPECT_EQ(printableLine(""), "");
@@ -23,35 +23,35 @@ TEST(Printable, ALineOfAFileKeepsItsTabsAndItsEnd) {
     EXPECT_EQ(printableLine("\t"), "\t");
 }
 
-TEST(Printable, WritesControlCharactersOut) {
+TEST(Printable, EscapesControlCharacters) {
     EXPECT_EQ(printable("a\nb\tc\rd"), "a\\nb\\tc\\rd");
     EXPECT_EQ(printable("\x1b[31m"), "\\x1b[31m");
     EXPECT_EQ(printable(std::string("\0\x01\x1f\x7f", 4)), "\\x00\\x01\\x1f\\x7f");
 }
 
-TEST(Printable, WritesC1CharactersOut) {
+TEST(Printable, EscapesC1Characters) {
     EXPECT_EQ(printable("\xC2\x80\xC2\x9B\xC2\x9F"), "\\u0080\\u009b\\u009f");
 }
 
-TEST(Printable, WritesOutWhatTurnsTheDirectionOfText) {
+TEST(Printable, EscapesDirectionControls) {
     EXPECT_EQ(printable("a\u202a\u202eb"), "a\\u202a\\u202eb");
     EXPECT_EQ(printable("\u2066\u2069"), "\\u2066\\u2069");
     EXPECT_EQ(printable("\u2029\u202f\u2065\u206a\u2026"), "\u2029\u202f\u2065\u206a\u2026");
     EXPECT_EQ(printableLine("\t\u202e"), "\t\\u202e");
 }
 
-TEST(Printable, WritesOutBytesThatAreNotText) {
+TEST(Printable, EscapesBytesThatAreNotUTF8) {
     EXPECT_EQ(printable("a\x9b\xffz\xC2"), "a\\x9b\\xffz\\xc2");
     EXPECT_EQ(printable("\xE2\x82"), "\\xe2\\x82");
-    EXPECT_EQ(printable("\xEF\xBF\xBD"), "\xEF\xBF\xBD") << "somebody else has replaced it";
+    EXPECT_EQ(printable("\xEF\xBF\xBD"), "\xEF\xBF\xBD") << "replaced before";
 }
 
-TEST(Coloured, PutsTheSequencesAround) {
+TEST(Coloured, AddsTheEscapeSequences) {
     EXPECT_EQ(coloured("x", Colour::green), "\x1b[32mx\x1b[0m");
     EXPECT_EQ(coloured("x", Colour::none), "x");
 }
 
-TEST(Coloured, WhatIsAskedForCounts) {
+TEST(Coloured, FollowsTheOption) {
     EXPECT_TRUE(wantsColour(Colours::always, -1));
     EXPECT_FALSE(wantsColour(Colours::never, -1));
     EXPECT_FALSE(wantsColour(Colours::automatic, -1));
@@ -65,40 +65,40 @@ NEBSourceControlError errorWith(const std::string& description,
     return error;
 }
 
-TEST(ErrorLines, ADescriptionIsOneSentence) {
+TEST(ErrorLines, HaveTheDescription) {
     EXPECT_EQ(errorLines(errorWith("It failed.", {}, {})), "nebsc: it failed\n");
 }
 
-TEST(ErrorLines, TheSuggestionHasALineOfItsOwn) {
+TEST(ErrorLines, HaveTheSuggestionOnASeparateLine) {
     EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", {})),
               "nebsc: it failed\nTry again.\n");
 }
 
-TEST(ErrorLines, TheToolsWordsFollowIndented) {
+TEST(ErrorLines, HaveTheToolOutputIndented) {
     EXPECT_EQ(errorLines(errorWith("It failed.", "Try again.", "fatal: a\r\nhint: b\n\n")),
               "nebsc: it failed\nTry again.\n    fatal: a\n    hint: b\n");
 }
 
-TEST(ErrorLines, TheRestOfADescriptionFollowsTheSuggestion) {
+TEST(ErrorLines, HaveTheRestOfTheDescriptionAfterTheSuggestion) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nU\ta.c\n", "Try again.", {})),
               "nebsc: no\nTry again.\n    U\\ta.c\n");
 }
 
-TEST(ErrorLines, WordsThatTheSentenceHoldsAreNotRepeated) {
+TEST(ErrorLines, DoNotRepeatToolOutputThatIsTheDescription) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\n", {}, "fatal: no\n")), "nebsc: no\n");
 }
 
-TEST(ErrorLines, ADescriptionOfSeveralLinesIsIndented) {
+TEST(ErrorLines, IndentTheOtherLinesOfTheDescription) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nhint: yes\n", {}, "fatal: no\nhint: yes\n")),
               "nebsc: no\n    hint: yes\n");
 }
 
-TEST(ErrorLines, TheIndentationOfTheToolsWordsStays) {
+TEST(ErrorLines, KeepTheIndentationOfToolOutput) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\n\n\tgit config a\tb\n", {}, {})),
               "nebsc: no\n\n        git config a\\tb\n");
 }
 
-TEST(ErrorLines, WhatGitSaysBecomesASentence) {
+TEST(ErrorLines, RemoveThePrefixesOfGit) {
     const auto sentence = [](const char* text) { return errorLines(errorWith(text, {}, text)); };
     EXPECT_EQ(sentence("fatal: no such path 'a' in HEAD\n"), "nebsc: no such path 'a' in HEAD\n");
     EXPECT_EQ(sentence("error: fatal: it failed!\n"), "nebsc: it failed!\n");
@@ -110,19 +110,19 @@ TEST(ErrorLines, WhatGitSaysBecomesASentence) {
     EXPECT_EQ(sentence("fatal: git is gone"), "nebsc: git is gone\n");
 }
 
-TEST(ErrorLines, HowToSilenceAHintIsNotTold) {
+TEST(ErrorLines, OmitHowToDisableAHint) {
     auto error = errorWith("fatal: no", "Do this.\nDisable this message with 'git config x'", {});
     EXPECT_EQ(errorLines(error), "nebsc: no\nDo this.\n");
 }
 
-TEST(ErrorLines, HintsThatAreTheSuggestionAreNotRepeated) {
+TEST(ErrorLines, DoNotRepeatHintsThatAreTheSuggestion) {
     const std::string text = "hint: Pull first.\nhint:\nhint:   git pull\nfatal: no\n";
     auto error = errorWith(text, "Pull first.\n\n  git pull", text);
     error.hints = {"Pull first.", "", "  git pull"};
     EXPECT_EQ(errorLines(error), "nebsc: no\nPull first.\n\n  git pull\n");
 }
 
-TEST(ErrorLines, TheLineThatTellsWhatHappenedIsTheSentence) {
+TEST(ErrorLines, BeginWithTheLineThatReportsTheFailure) {
     EXPECT_EQ(errorLines(errorWith("From /r\n   1..2  main -> main\nfatal: no\n", {}, {})),
               "nebsc: no\n    From /r\n       1..2  main -> main\n");
     EXPECT_EQ(errorLines(errorWith("remote: No.\nTo /r\n ! [remote rejected] a (hook)\nerror: no\n",
@@ -135,12 +135,12 @@ TEST(ErrorLines, TheLineThatTellsWhatHappenedIsTheSentence) {
     EXPECT_EQ(errorLines(errorWith("odd\nfatal: no\n", {}, {})), "nebsc: odd\n    fatal: no\n");
 }
 
-TEST(ErrorLines, ProgressThatWasWrittenOverIsNotShown) {
+TEST(ErrorLines, OmitOverwrittenProgress) {
     EXPECT_EQ(errorLines(errorWith("Rebasing (1/2)\rRebasing (2/2)\rerror: no\r\nx\n", {}, {})),
               "nebsc: no\n    x\n");
 }
 
-TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
+TEST(ErrorLines, ListFilesThatNoTextNames) {
     auto error = errorWith("a.c: needs merge", {}, "error: path 'b.c' is unmerged");
     error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"a.c", "b.c", "c\n.c"};
@@ -148,7 +148,7 @@ TEST(ErrorLines, FilesThatNothingElseNamesFollow) {
               "nebsc: a.c: needs merge\n    error: path 'b.c' is unmerged\n    c\\n.c\n");
 }
 
-TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
+TEST(ErrorLines, ListFilesThatOnlyOccurAsPartsOfTexts) {
     auto error = errorWith("fatal: cannot commit: unmerged files", {}, "fatal: settle 'conf'licts");
     error.errorClass = NEBSourceControlConflictUnresolvedErrorClass;
     error.files = {"file", "conf", "settle", "commit"};
@@ -157,12 +157,12 @@ TEST(ErrorLines, AFileIsNotNamedByAWordThatIsSpelledLikeIt) {
               "    file\n    conf\n    settle\n    commit\n");
 }
 
-TEST(ErrorLines, NothingOfItDrivesTheTerminal) {
+TEST(ErrorLines, EscapeControlCharacters) {
     EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
               "nebsc: a\\x1b[2J\nb\\x07\n    c\\x9b\n");
 }
 
-TEST(ErrorLines, AnErrorWithoutDescriptionIsToldByItsNumber) {
+TEST(ErrorLines, HaveTheCodeOfAnErrorWithoutDescription) {
     NEBSourceControlError error;
     error.code = -32;
     EXPECT_EQ(errorLines(error),

@@ -1,4 +1,4 @@
-// The sign that long work goes on.
+// The progress indicator on a terminal.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -10,7 +10,7 @@
 namespace neb::test {
 namespace {
 
-/// A git that works until somebody says "go on".
+/// Uses a stand-in for git that runs until the file "go on" exists.
 class ProgressIndicatorTest : public testing::Test {
 protected:
     TemporaryFolder folder;
@@ -18,7 +18,7 @@ protected:
                    "while ! [ -e '" + folder.path("go on") + "' ]; do sleep 0.01; done"};
 };
 
-TEST_F(ProgressIndicatorTest, ATerminalShowsTheSecondsAndIsWiped) {
+TEST_F(ProgressIndicatorTest, ShowsTheSecondsAndErasesTheLine) {
     Nebsc program(
         {"status"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
@@ -26,13 +26,13 @@ TEST_F(ProgressIndicatorTest, ATerminalShowsTheSecondsAndIsWiped) {
     EXPECT_EQ(program.awaitErrors("2 s"), "\rReading … 2 s");
     folder.write("go on", "");
     const NebscOutcome outcome = program.outcome();
-    // A slow machine may show further seconds; the last word wipes the line.
+    // On a slow machine there may be more seconds; the last output erases the line.
     EXPECT_THAT(outcome.errors, testing::EndsWith("\r             \r"));
     EXPECT_THAT(outcome.output, testing::StartsWith("No changes"));
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ProgressIndicatorTest, WhatHasComeIsCounted) {
+TEST_F(ProgressIndicatorTest, ShowsTheReceivedBytes) {
     const StandInGit writing(folder.path(), "printf '?? a.c\\0'; while ! [ -e '" +
                                                 folder.path("go on") + "' ]; do sleep 0.01; done");
     Nebsc program(
@@ -45,7 +45,7 @@ TEST_F(ProgressIndicatorTest, WhatHasComeIsCounted) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
-TEST_F(ProgressIndicatorTest, AClonesPackIsCounted) {
+TEST_F(ProgressIndicatorTest, ShowsTheSizeOfTheReceivedPack) {
     const std::string pack = folder.path("clone/.git/objects/pack");
     const StandInGit git2(folder.path(), "mkdir -p '" + pack + "'; printf 0123456789 > '" + pack +
                                              "/tmp_pack_x'; while ! [ -e '" + folder.path("go on") +
@@ -58,7 +58,7 @@ TEST_F(ProgressIndicatorTest, AClonesPackIsCounted) {
     EXPECT_EQ(program.outcome().exitStatus, 0);
 }
 
-TEST_F(ProgressIndicatorTest, QuestionsBeforeTheRequestCountToo) {
+TEST_F(ProgressIndicatorTest, RunsDuringQueriesBeforeTheRequest) {
     const StandInGit slow(folder.path(), "[ \"$2\" = status ] && sleep 1.5; true");
     Nebsc program(
         {"rm", "a.c"},
@@ -67,7 +67,7 @@ TEST_F(ProgressIndicatorTest, QuestionsBeforeTheRequestCountToo) {
     EXPECT_EQ(program.outcome().exitStatus, 0);
 }
 
-TEST(ProgressIndicatorSize, IsToldInAUnitThatFits) {
+TEST(ProgressIndicatorSize, HasASuitableUnit) {
     EXPECT_EQ(nebsc::textOfSize(1), "1 byte");
     EXPECT_EQ(nebsc::textOfSize(999), "999 bytes");
     EXPECT_EQ(nebsc::textOfSize(1000), "1.0 kB");
@@ -76,7 +76,7 @@ TEST(ProgressIndicatorSize, IsToldInAUnitThatFits) {
     EXPECT_EQ(nebsc::textOfSize(5'000'000'000'000), "5000.0 GB");
 }
 
-TEST_F(ProgressIndicatorTest, TheLineIsWipedBeforeAnErrorIsTold) {
+TEST_F(ProgressIndicatorTest, ErasesTheLineBeforeAnErrorMessage) {
     Nebsc program(
         {"status"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
@@ -87,7 +87,7 @@ TEST_F(ProgressIndicatorTest, TheLineIsWipedBeforeAnErrorIsTold) {
     EXPECT_EQ(outcome.exitStatus, 130);
 }
 
-TEST_F(ProgressIndicatorTest, WhatIsNoTerminalGetsNothing) {
+TEST_F(ProgressIndicatorTest, WritesNothingWithoutATerminal) {
     const StandInGit slow(folder.path(), "sleep 1.2");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = folder.path(), .variables = {slow.path()}});

@@ -9,17 +9,17 @@ using nebsc::tableLines;
 
 constexpr int noTerminal = -1;
 
-TEST(TextTable, EachColumnIsAsWideAsItsWidestCell) {
+TEST(TextTable, MakesAColumnAsWideAsItsWidestCell) {
     EXPECT_EQ(tableLines(noTerminal, {{"a", "b", "c"}, {"漢字", "x", "y"}}),
               "a     b  c\n漢字  x  y\n");
 }
 
-TEST(TextTable, LinesHaveNoBlanksAtTheirEnd) {
+TEST(TextTable, HasNoBlanksAtTheEndOfLines) {
     EXPECT_EQ(tableLines(noTerminal, {{"name", ""}, {"a"}, {"b", "c"}, {""}}),
               "name\na\nb     c\n\n");
 }
 
-TEST(TextTable, NoRowsAreNoLines) {
+TEST(TextTable, IsEmptyWithoutRows) {
     EXPECT_EQ(tableLines(noTerminal, {}), "");
 }
 

@@ -1,4 +1,4 @@
-// What text takes on a terminal, and instants on the person's clock.
+// The width of text on a terminal, and dates in the local time zone.
 
 #include "Terminal/TextWidth.h"
 
@@ -7,9 +7,7 @@
 #include <stdlib.h>
 #include <sys/ioctl.h>
 
-#include <stdlib.h>
 #include "Platform/FileDescriptor.h"
-
 #include "Terminal/LocalTime.h"
 
 namespace neb::nebsc {
@@ -19,10 +17,10 @@ TEST(TextWidth, CountsColumns) {
     EXPECT_EQ(columnsOf(""), 0U);
     EXPECT_EQ(columnsOf("abc"), 3U);
     EXPECT_EQ(columnsOf("Gr\xC3\xBC\xC3\x9F"), 4U);
-    EXPECT_EQ(columnsOf("e\xCC\x81"), 1U);                 // e and an accent of its own
+    EXPECT_EQ(columnsOf("e\xCC\x81"), 1U);                 // e and a combining accent
     EXPECT_EQ(columnsOf("\xE4\xBD\xA0\xE5\xA5\xBD"), 4U);  // two wide characters
-    EXPECT_EQ(columnsOf("a\xE4z"), 3U);                    // no UTF-8
-    EXPECT_EQ(columnsOf("a\xC3"), 2U);                     // cut off
+    EXPECT_EQ(columnsOf("a\xE4z"), 3U);                    // not UTF-8
+    EXPECT_EQ(columnsOf("a\xC3"), 2U);                     // truncated
 }
 
 TEST(TextWidth, PadsToAColumn) {
@@ -34,7 +32,7 @@ NEBDate at(std::int64_t seconds) {
     return NEBDate(std::chrono::seconds(seconds));
 }
 
-TEST(LocalTime, IsThatOfTheZone) {
+TEST(LocalTime, FollowsTheTimeZone) {
     ::setenv("TZ", "IST-5:30", 1);
     EXPECT_EQ(localMinute(at(1600000000)), "2020-09-13 17:56");
     EXPECT_EQ(localSecondWithZone(at(1600000000)), "2020-09-13 17:56:40 +0530");
@@ -49,20 +47,20 @@ TEST(LocalTime, IsThatOfTheZone) {
     ::unsetenv("TZ");
 }
 
-TEST(CutTo, LeavesWhatFits) {
+TEST(CutTo, LeavesTextThatFits) {
     EXPECT_EQ(cutTo(3, "abc"), "abc");
     EXPECT_EQ(cutTo(4, "漢字"), "漢字");
     EXPECT_EQ(cutTo(5, ""), "");
 }
 
-TEST(CutTo, PutsDotsInPlaceOfTheRest) {
+TEST(CutTo, TruncatesLongText) {
     EXPECT_EQ(cutTo(3, "abcd"), "ab…");
     EXPECT_EQ(cutTo(1, "abcd"), "…");
     EXPECT_EQ(cutTo(4, "漢字字"), "漢…");
     EXPECT_EQ(cutTo(3, "e\u0301e\u0301e\u0301x"), "e\u0301e\u0301…");
 }
 
-TEST(Fitting, WhatIsNoTerminalGetsItWhole) {
+TEST(Fitting, ReturnsAllTextWithoutATerminal) {
     EXPECT_EQ(fitting(-1, 5, "abc"), "abc");
     EXPECT_EQ(wrapped(-1, 5, "a b c"), "a b c");
 }
@@ -79,7 +77,7 @@ protected:
     FileDescriptor _terminal{::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
 };
 
-TEST_F(FittingATerminal, CutsAndWraps) {
+TEST_F(FittingATerminal, TruncatesAndWraps) {
     EXPECT_EQ(columnsOfTerminal(_terminal.get()), 20U);
     EXPECT_EQ(fitting(_terminal.get(), 15, "12345"), "12345");
     EXPECT_EQ(fitting(_terminal.get(), 15, "123456"), "1234…");

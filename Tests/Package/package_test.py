@@ -194,7 +194,7 @@ class Examples(PackageTest):
         """Expects the program to print the same log as git, and to report a missing repository."""
         self.assertEqual(run(*words, self.repository, **variables), self.log_of_git())
         complaint = run(*words, self.plain_folder, status=1, **variables)
-        self.assertIn("nebsc: the folder is not in a git repository\n", complaint)
+        self.assertIn("The folder is not in a git repository.", complaint)
 
     def build(self, example):
         """Builds the example with CMake and find_package, and returns the path of the program."""

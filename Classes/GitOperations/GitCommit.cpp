@@ -61,11 +61,11 @@ void GitCommitOperation::parseData() {
 /// are the only messages of its own on standard error.
 std::optional<NEBSourceControlError> GitCommitOperation::diagnoseFailure(
     std::string_view text) const {
-    constexpr std::array<std::string_view, 4> ownWords{
+    constexpr std::array<std::string_view, 4> ownMessages{
         "error: pathspec '", "error: Error building trees", "Aborting commit due to ",
         "Please supply the message "};
     const std::string_view last = gitLastLine(text);
-    const bool isOwn = std::any_of(ownWords.begin(), ownWords.end(),
+    const bool isOwn = std::any_of(ownMessages.begin(), ownMessages.end(),
                                    [last](std::string_view own) { return last.starts_with(own); });
     const bool hasOutput = data() && !data()->empty();
     if (!terminationStatus() || terminationStatus()->exitStatus() != 1 || hasOutput || isOwn) {

@@ -50,7 +50,7 @@ std::string rejectionsIn(std::string_view listing) {
 
 /// When the hook that runs before a push refuses, git itself prints only its last line. A branch
 /// that cannot be sent and a failed transfer end with the same line, after the cause.
-bool tellsOfRefusalBeforeSending(std::string_view text) {
+bool reportsRefusalBeforeSending(std::string_view text) {
     constexpr std::string_view failed = "error: failed to push some refs to '";
     constexpr std::string_view causes[] = {"To ",
                                            " ! ",
@@ -230,7 +230,7 @@ void GitPushOperation::parseData() {
 
 std::optional<NEBSourceControlError> GitPushOperation::diagnoseFailure(
     std::string_view text) const {
-    return tellsOfRefusalBeforeSending(text)
+    return reportsRefusalBeforeSending(text)
                ? std::optional(gitErrorOfHook("A hook of the repository refused the push.", text))
                : std::nullopt;
 }

@@ -123,11 +123,11 @@ std::string headOfTarget(std::string_view targetName, std::string_view fileName)
 /// Whether the archive contains a whole tree, because the path of the file is empty or stands for
 /// the content of a folder. It may only be extracted at the destination itself; anywhere else, it
 /// would overwrite files beside the target.
-bool lacksPlaceForTree(const NEBSourceControlRequest& request) {
-    const bool hasPlace = request.destination.isPresent() && request.fileCount() == 0;
+bool lacksDestinationForTree(const NEBSourceControlRequest& request) {
+    const bool hasDestination = request.destination.isPresent() && request.fileCount() == 0;
     const auto relative = relativePath(request);
     const std::string name = lastPathComponent(relative.value_or("."));
-    return !hasPlace && (name == "." || name == "..");
+    return !hasDestination && (name == "." || name == "..");
 }
 
 /// Returns the target that the constructor stored in the options of the request.
@@ -202,7 +202,7 @@ std::shared_ptr<NEBSourceControlTaskOperation> GitExportFileOperation::pipeToOpe
 }
 
 void GitExportFileOperation::main() {
-    if (lacksPlaceForTree(*request()) || isBesideLocation(*request())) {
+    if (lacksDestinationForTree(*request()) || isBesideLocation(*request())) {
         setError(refusalOf(*request()));
         return;
     }

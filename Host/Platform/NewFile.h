@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Platform/Export.h"
 #include "Platform/FileFailure.h"

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "Platform/ChildSession.h"
 #include "Platform/ChildSpawn.h"

@@ -48,7 +48,7 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
     }
     const HostSession session(std::move(controller), arguments.has(traceOption));
     if (isForVersions) {
-        return replyWithVersions(*plugIn.load.plugIn, session.trace(), isJSON);
+        return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON);
     }
     const Command& command = *commandLine.command();
     return command.run({.plugIn = plugIn,

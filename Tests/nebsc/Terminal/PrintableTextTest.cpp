@@ -157,6 +157,23 @@ TEST(ErrorLines, ListFilesThatOnlyOccurAsPartsOfTexts) {
               "    file\n    conf\n    settle\n    commit\n");
 }
 
+TEST(MessageLine, LosesTheFullStopOfOneSentence) {
+    EXPECT_EQ(messageLine("The file 'Mr. X' does not exist."), "the file 'Mr. X' does not exist");
+    EXPECT_EQ(messageLine("git's file \"a. b\" is gone."), "git's file \"a. b\" is gone");
+    EXPECT_EQ(messageLine("It failed. Try again."), "it failed. Try again.");
+}
+
+TEST(MessageLine, KeepsTheFirstLetterOfNames) {
+    EXPECT_EQ(messageLine("HEAD is broken."), "HEAD is broken");
+    EXPECT_EQ(messageLine("Subversion has no such commit."), "Subversion has no such commit");
+}
+
+TEST(MessageLine, MayBeginWithAnything) {
+    for (const char* text : {"", " x", ", x", ". x", "'"}) {
+        EXPECT_EQ(messageLine(text), text);
+    }
+}
+
 TEST(ErrorLines, EscapeControlCharacters) {
     EXPECT_EQ(errorLines(errorWith("a\x1b[2J", "b\x07", "c\x9b")),
               "nebsc: a\\x1b[2J\nb\\x07\n    c\\x9b\n");

@@ -12,6 +12,7 @@
 #include "Session/OperationRun.h"
 #include "Terminal/Colour.h"
 #include "Terminal/Pager.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -73,7 +74,7 @@ std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
         const std::vector<std::string>& values = arguments().all(parameter.name);
         if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
             std::find(values.begin(), values.end(), "") != values.end()) {
-            return refusal("The argument " + std::string(parameter.name) + " is empty.",
+            return refusal("The argument " + inQuotes(parameter.name) + " is empty.",
                            exitNotUnderstood);
         }
     }

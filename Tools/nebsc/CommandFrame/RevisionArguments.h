@@ -34,9 +34,10 @@ struct RevisionArgumentLimits {
     std::size_t files;
 };
 
-/// Tells revisions from files in the arguments of the parameters "REVISION" and "FILE", as git
-/// does: revisions come first, and what follows "--" is a file. Without "--", each argument must be
-/// one of the two and not both. "A..B" and "A...B" are a range; a missing side stands for HEAD.
+/// Distinguishes revisions from files in the arguments of the parameters "REVISION" and "FILE", as
+/// git does: revisions come first, and what follows "--" is a file. Without "--", each argument
+/// must be one of the two and not both. "A..B" and "A...B" are a range; a missing side stands for
+/// HEAD.
 ///
 /// Replaces a revision by unambiguousRevision().
 [[nodiscard]] RevisionArguments readRevisionArguments(const GitQueries& git,

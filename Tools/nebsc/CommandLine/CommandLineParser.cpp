@@ -118,7 +118,7 @@ void CommandLineParser::fail(Kind kind, const std::string& argument, const Param
 }
 
 // ---- the end
-// --------------------------------------------------------------------------------------
+// -------------------------------------------------------------------------------------
 
 std::variant<ParsedCommandLine, UsageError> CommandLineParser::finish() && {
     if (_parsed.arguments.has(helpOption) && !hasUnknownCommand()) {
@@ -159,7 +159,7 @@ void CommandLineParser::checkRequired() {
 }
 
 // ---- what may follow
-// ------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------
 
 bool CommandLineParser::acceptsOptions() const {
     return !_countAfterDashes && !hasUnknownCommand();

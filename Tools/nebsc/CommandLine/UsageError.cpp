@@ -91,9 +91,8 @@ std::string messageFor(const UsageError& error, std::span<const Command* const> 
 
 std::string adviceFor(const UsageError& error) {
     if (error.kind == Kind::misplacedOption) {
-        const std::string name = nameOf(error.commands);
-        return "Use " + inQuotes("nebsc " + error.argument + " DIR" + name.substr(name.find(' '))) +
-               ".";
+        const std::string commands = nameOf(error.commands).substr(nameOf({}).size());
+        return "Use " + inQuotes("nebsc " + error.argument + " DIR" + commands) + ".";
     }
     return "Try " + inQuotes(nameOf(error.commands) + " --help") + " for more information.";
 }

@@ -90,7 +90,7 @@ extern const Command manualCommand;
 [[nodiscard]] std::span<const Command* const> allCommands();
 
 /// Prints the versions of nebsc, of the plug-in and of git, each on a line, or as a JSON object.
-[[nodiscard]] CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn,
-                                              const Trace& trace, bool isJSON);
+[[nodiscard]] CommandOutput outputWithVersions(const NEBSourceControlPlugIn& plugIn,
+                                               const Trace& trace, bool isJSON);
 
 }  // namespace neb::nebsc

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 
 #include "CommandFrame/CommandTask.h"
@@ -18,8 +17,6 @@
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
-
-namespace fs = std::filesystem;
 
 namespace {
 

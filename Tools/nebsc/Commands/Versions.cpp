@@ -6,8 +6,8 @@
 
 namespace neb::nebsc {
 
-CommandOutput replyWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace,
-                                bool isJSON) {
+CommandOutput outputWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace,
+                                 bool isJSON) {
     Interruption interruption;
     const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
     const std::optional<std::string> gitVersion = answerOf(git);

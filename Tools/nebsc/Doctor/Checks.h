@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Doctor/Examination.h"
+#include "Session/PlugInFile.h"
 
 namespace neb::nebsc {
 

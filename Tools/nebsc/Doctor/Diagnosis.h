@@ -4,28 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "Doctor/Finding.h"
 #include "Session/Interruption.h"
 #include "Session/PlugInFile.h"
 #include "Session/Trace.h"
 
 namespace neb::nebsc {
-
-enum class Health {
-    ok,
-    /// For information only.
-    note,
-    problem,
-};
-
-struct Finding {
-    Health health;
-    /// What was checked: "git", "lock".
-    std::string subject;
-    /// One clause. May contain control characters; see printable().
-    std::string text;
-    /// What to do; may be empty.
-    std::string advice = {};
-};
 
 struct DiagnosisSubject {
     const PlugInFile& plugIn;

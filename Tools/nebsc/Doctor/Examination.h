@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Doctor/Diagnosis.h"
+#include "Doctor/Finding.h"
 #include "Doctor/UserSettings.h"
 #include "Session/GitProgram.h"
 

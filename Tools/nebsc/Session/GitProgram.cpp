@@ -121,9 +121,4 @@ std::vector<std::string> textsBetweenNULs(std::string_view bytes) {
     return texts;
 }
 
-std::optional<std::string> workingCopyTop(Interruption& interruption, const Trace& trace,
-                                          const std::string& folder) {
-    return answerOf(runGit(interruption, trace, {"rev-parse", "--show-toplevel"}, folder));
-}
-
 }  // namespace neb::nebsc

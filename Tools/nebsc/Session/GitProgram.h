@@ -53,10 +53,4 @@ struct GitSurroundings {
 /// Splits output that git wrote with "-z", where a NUL byte ends each entry.
 [[nodiscard]] std::vector<std::string> textsBetweenNULs(std::string_view bytes);
 
-/// Returns the top folder of the working copy that contains the folder, as git prints it; absent if
-/// there is no working copy or git fails.
-[[nodiscard]] std::optional<std::string> workingCopyTop(Interruption& interruption,
-                                                        const Trace& trace,
-                                                        const std::string& folder);
-
 }  // namespace neb::nebsc

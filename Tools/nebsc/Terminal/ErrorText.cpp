@@ -48,14 +48,30 @@ std::string_view withoutPrefixes(std::string_view text) {
     return text;
 }
 
-/// Returns whether the text begins with a capitalised word that is not a name.
+/// Returns whether the text begins with a capitalised word, unless that is a known name.
 bool beginsWithOrdinaryWord(std::string_view text) {
     constexpr std::array<std::string_view, 2> names{"Subversion", "Python"};
     const std::string_view word = text.substr(0, text.find_first_of(" ,"));
     const auto isLowerCase = [](char character) { return character >= 'a' && character <= 'z'; };
-    return word.size() < text.size() && word.front() >= 'A' && word.front() <= 'Z' &&
-           std::all_of(word.begin() + 1, word.end(), isLowerCase) &&
+    return !word.empty() && word.size() < text.size() && word.front() >= 'A' &&
+           word.front() <= 'Z' && std::all_of(word.begin() + 1, word.end(), isLowerCase) &&
            std::find(names.begin(), names.end(), word) == names.end();
+}
+
+/// Returns whether a sentence ends before the end of the text. Names in quotes may hold ". ".
+bool hasSeveralSentences(std::string_view text) {
+    char quote = 0;
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        const bool isQuote = text[i] == '\'' || text[i] == '"';
+        if (quote == 0 && isQuote && (i == 0 || text[i - 1] == ' ')) {
+            quote = text[i];
+        } else if (quote != 0 && text[i] == quote) {
+            quote = 0;
+        } else if (quote == 0 && text.substr(i, 2) == ". ") {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Removes and returns the line that reports the failure. It is the first line, unless that is the
@@ -108,8 +124,7 @@ std::string messageLine(std::string_view sentence) {
     if (beginsWithOrdinaryWord(line)) {
         line.front() = static_cast<char>(line.front() - 'A' + 'a');
     }
-    const bool isOneSentence = line.find(". ") == std::string::npos;
-    if (line.ends_with('.') && !line.ends_with("..") && isOneSentence) {
+    if (line.ends_with('.') && !line.ends_with("..") && !hasSeveralSentences(line)) {
         line.pop_back();
     }
     return line;

@@ -1,6 +1,7 @@
 #include "Terminal/ShellText.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Platform/Text.h"

@@ -63,7 +63,7 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
 }
 
 std::string pathAsSeen(const WorkingCopyLocation& workingCopy, const std::string& path) {
-    const std::string absolute =
+    std::string absolute =
         path.starts_with('/') ? path : pathByAppendingComponent(workingCopy.location, path);
     if (!liesWithin(workingCopy.currentFolder, workingCopy.location)) {
         return absolute;

@@ -70,6 +70,7 @@ std::string section(std::string_view heading, const std::vector<Entry>& entries)
 
 std::vector<Entry> entriesOf(const std::vector<const Parameter*>& parameters) {
     std::vector<Entry> entries;
+    entries.reserve(parameters.size());
     for (const Parameter* parameter : parameters) {
         entries.push_back({headingOf(*parameter), parameter->help});
     }

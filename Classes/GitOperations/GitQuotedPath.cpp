@@ -1,13 +1,36 @@
 #include "GitOperations/GitQuotedPath.h"
 
-#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/Text.h"
 
 namespace neb {
 
+namespace {
+
+void appendEscaped(std::string& text, char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x80U) {
+        text += character;
+        return;
+    }
+    text += '\\';
+    for (const unsigned shift : {6U, 3U, 0U}) {
+        text += static_cast<char>('0' + (byte >> shift & 7U));
+    }
+}
+
+}  // namespace
+
 std::string gitTextOfPath(std::string_view printed) {
-    return isUTF8(printed) ? std::string(printed)
-                           : NEBSourceControlQuotedPath(NEBSourceControlUnquotedPath(printed));
+    if (isUTF8(printed)) {
+        return std::string(printed);
+    }
+    // A name that begins with a quote is printed in quotes too.
+    const std::string_view quote = printed.starts_with('"') ? "" : "\"";
+    std::string text(quote);
+    for (const char character : printed) {
+        appendEscaped(text, character);
+    }
+    return text.append(quote);
 }
 
 std::string gitTextOfPathLines(std::string_view printed) {

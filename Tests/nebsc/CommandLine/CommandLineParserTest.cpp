@@ -12,6 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 using Kind = UsageError::Kind;
 using Strings = std::vector<std::string>;
 
@@ -28,7 +29,7 @@ constexpr Parameter copyParameters[] = {
     {"-a,--all", "A flag"},
     {"-b,--both", "Another"},
     {"-n,--count", "Once", Takes::text, Occurs::optionally, "N"},
-    {"-m,--message", "Repeated", Takes::text, Occurs::anyNumber, "TEXT"},
+    {"-m,--message", "Repeated", Takes::text, Occurs::anyNumber, "TEXT", true},
     {"--when", "A choice", Takes::text, Occurs::optionally, "now|later"},
 };
 constexpr Command copy{
@@ -111,7 +112,7 @@ TEST(CommandLineParser, AnOptionHasItsValueInTheSameOrTheNextArgument) {
 }
 
 TEST(CommandLineParser, AValueMayLookLikeAnythingElse) {
-    for (const char* value : {"--all", "-a", "-", "--", "--help", "-C", "copy", ""}) {
+    for (const char* value : {"--all", "-a", "-", "--", "--help", "-C", "copy"}) {
         const Arguments arguments =
             valuesOf({"copy", "x", "-m", value, "--count", value}).arguments;
         EXPECT_THAT(arguments.all("--message"), ElementsAre(value));
@@ -119,8 +120,28 @@ TEST(CommandLineParser, AValueMayLookLikeAnythingElse) {
         EXPECT_FALSE(arguments.has("--all"));
         EXPECT_FALSE(arguments.countAfterDashes());
     }
-    EXPECT_THAT(valuesOf({"copy", "x", "--count="}).arguments.all("--count"), ElementsAre(""));
-    EXPECT_THAT(valuesOf({"copy", "x", "--count=", "y"}).arguments.all("TARGET"), ElementsAre("y"));
+    EXPECT_THAT(valuesOf({"copy", "x", "--count=1", "y"}).arguments.all("TARGET"),
+                ElementsAre("y"));
+}
+
+TEST(CommandLineParser, AValueIsEmptyOnlyIfItsRowSaysSo) {
+    for (const Strings& message : {Strings{"-m", ""}, {"--message", ""}, {"--message="}}) {
+        Strings arguments{"copy", "x"};
+        arguments.insert(arguments.end(), message.begin(), message.end());
+        EXPECT_THAT(valuesOf(arguments).arguments.all("--message"), ElementsAre(""));
+    }
+    EXPECT_THAT(valuesOf({"copy", "x", "--message=", "y"}).arguments.all("TARGET"),
+                ElementsAre("y"));
+    EXPECT_THAT(valuesOf({"-C", "", "copy", "x"}).arguments.all(folderOption), ElementsAre(""));
+    for (const Strings& count : {Strings{"-n", ""}, {"--count", ""}, {"--count="}}) {
+        Strings arguments{"copy", "x"};
+        arguments.insert(arguments.end(), count.begin(), count.end());
+        expectError(arguments, Kind::emptyValue, "--count", &copy);
+    }
+    expectError({"copy", ""}, Kind::emptyValue, "SOURCE", &copy);
+    expectError({"copy", "x", "--", ""}, Kind::emptyValue, "TARGET", &copy);
+    expectError({"add", "--note=n", "a", "b", ""}, Kind::emptyValue, "REST", &add);
+    expectError({"--plugin=", "copy", "x"}, Kind::emptyValue, "--plugin");
 }
 
 TEST(CommandLineParser, FlagsOfOneLetterCombine) {
@@ -309,6 +330,64 @@ void expectAssignable(const Command& command) {
     for (const Command* subcommand : command.commands) {
         expectAssignable(*subcommand);
     }
+}
+
+/// Gives an empty value to this parameter and some value to those that are required before it.
+Strings argumentsWithEmpty(const Strings& names, const Command& command, const Parameter& empty) {
+    Strings arguments = names;
+    for (const Parameter& parameter : command.parameters) {
+        if (!parameter.isOption()) {
+            arguments.emplace_back(&parameter == &empty ? "" : "x");
+        }
+        if (&parameter == &empty) {
+            break;
+        }
+    }
+    if (empty.isOption()) {
+        arguments.push_back(longName(empty));
+        arguments.emplace_back();
+    }
+    return arguments;
+}
+
+void expectEmptyValuesRefused(Strings names, const Command& command) {
+    names.emplace_back(command.name);
+    for (const Parameter& parameter : command.parameters) {
+        if (parameter.isFlag() || parameter.mayBeEmpty) {
+            continue;
+        }
+        const auto parsed =
+            parseCommandLine(argumentsWithEmpty(names, command, parameter), allCommands());
+        const auto* error = std::get_if<UsageError>(&parsed);
+        ASSERT_NE(error, nullptr) << command.name << ' ' << parameter.name;
+        EXPECT_EQ(error->kind, choicesOf(parameter).empty() ? Kind::emptyValue : Kind::invalidValue)
+            << command.name << ' ' << parameter.name;
+        EXPECT_EQ(error->parameter, &parameter) << command.name << ' ' << parameter.name;
+    }
+    for (const Command* subcommand : command.commands) {
+        expectEmptyValuesRefused(names, *subcommand);
+    }
+}
+
+/// Adds the parameters that accept an empty value: "commit --message".
+void addThoseThatMayBeEmpty(const Command& command, Strings& names) {
+    for (const Parameter& parameter : command.parameters) {
+        if (parameter.mayBeEmpty) {
+            names.push_back(std::string(command.name) + " " + longName(parameter));
+        }
+    }
+    for (const Command* subcommand : command.commands) {
+        addThoseThatMayBeEmpty(*subcommand, names);
+    }
+}
+
+TEST(CommandTable, NamesAndPathsMustNotBeEmpty) {
+    Strings names;
+    for (const Command* command : allCommands()) {
+        expectEmptyValuesRefused({}, *command);
+        addThoseThatMayBeEmpty(*command, names);
+    }
+    EXPECT_THAT(names, UnorderedElementsAre("commit --message", "complete ARGUMENT"));
 }
 
 TEST(CommandTable, ArgumentsCanBeAssignedInOrder) {

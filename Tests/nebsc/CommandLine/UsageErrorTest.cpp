@@ -81,6 +81,10 @@ TEST(UsageError, NamesTheArgument) {
           Row{{"types", "x", "--bad"}, "unexpected argument 'x'", " types"},
           Row{{"cp"}, "missing argument 'FILE'", " cp"},
           Row{{"cp", "a"}, "missing argument 'DEST'", " cp"},
+          Row{{"branch", "create", ""}, "argument 'NAME' must not be empty", " branch create"},
+          Row{{"remote", "add", "", "x"}, "argument 'NAME' must not be empty", " remote add"},
+          Row{{"clone", "--branch=", "x"}, "option '--branch' must not be empty", " clone"},
+          Row{{"status", "--json", ""}, "argument 'PATH' must not be empty", " status"},
           Row{{"completion", "tcsh"},
               "invalid value 'tcsh' for argument 'SHELL'; expected bash, zsh or fish",
               " completion"}}) {

@@ -197,7 +197,7 @@ TEST_F(BranchCommands, CreateFromARemoteBranchTracksIt) {
 TEST_F(BranchCommands, CreateReportsFailures) {
     expectFailed(nebsc({"branch", "create", "main"}), HasSubstr("'main' already exists"));
     expectFailed(nebsc({"branch", "create", "a b"}), HasSubstr("'a b' is not a valid"));
-    expectFailed(nebsc({"branch", "create", ""}), HasSubstr("is not a valid branch name"));
+    expectFailed(nebsc({"branch", "create", ""}), HasSubstr("'NAME' must not be empty"), 2);
     expectFailed(nebsc({"branch", "create", "x", "nosuch"}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(nebsc({"branch", "create", "--", "-D"}), HasSubstr("'-D' begins with '-'"), 2);
     expectFailed(nebsc({"branch", "create", "x", "--", "-f"}), HasSubstr("'-f' begins"), 2);

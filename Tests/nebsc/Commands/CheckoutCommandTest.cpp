@@ -139,7 +139,7 @@ TEST_F(CheckoutCommand, FailsForAnUnknownName) {
     expectFailed(nebsc({"checkout", "nosuch"}), HasSubstr("nosuch"));
     expectFailed(nebsc({"checkout", "*"}), HasSubstr("*"));
     expectFailed(nebsc({"checkout"}), HasSubstr("BRANCH"), 2);
-    expectFailed(nebsc({"checkout", ""}), "nebsc: the argument 'BRANCH' is empty\n", 2);
+    expectFailed(nebsc({"checkout", ""}), HasSubstr("argument 'BRANCH' must not be empty"), 2);
     EXPECT_EQ(branch(), "main\n");
 }
 

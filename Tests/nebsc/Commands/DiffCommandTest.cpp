@@ -191,7 +191,7 @@ TEST_F(DiffCommand, ReportsWhatCannotBeCompared) {
     expectFailed(nebsc({"diff", "--common-ancestor", "HEAD"}), HasSubstr("requires two revisions"),
                  2);
     expectFailed(nebsc({"diff", "--cached"}), HasSubstr("--cached"), 2);
-    expectFailed(nebsc({"diff", ""}), HasSubstr("an argument is empty"), 2);
+    expectFailed(nebsc({"diff", ""}), HasSubstr("argument 'REVISION' must not be empty"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"diff"}, {.folder = empty.path()}),
                  HasSubstr("does not have any commits yet"));

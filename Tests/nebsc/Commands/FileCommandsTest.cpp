@@ -94,7 +94,8 @@ TEST_F(FileCommands, AddWithJSONPrintsOnlyTheOutcome) {
 TEST_F(FileCommands, ReportMissingArguments) {
     for (const char* command : {"add", "rm", "revert"}) {
         expectFailed(nebsc({command}), HasSubstr("FILE"), 2);
-        expectFailed(nebsc({command, "a.c", ""}), HasSubstr("a path is empty"), 2);
+        expectFailed(nebsc({command, "a.c", ""}), HasSubstr("argument 'FILE' must not be empty"),
+                     2);
     }
 }
 

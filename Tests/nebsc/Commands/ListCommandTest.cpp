@@ -131,7 +131,7 @@ TEST_F(ListCommand, WorksInABareRepository) {
 
 TEST_F(ListCommand, ReportsFailures) {
     expectFailed(nebsc({"ls", "/"}), HasSubstr("'/' is outside the working copy"));
-    expectFailed(nebsc({"ls", ""}), HasSubstr("a path is empty"), 2);
+    expectFailed(nebsc({"ls", ""}), HasSubstr("argument 'DIR' must not be empty"), 2);
     const TestRepository empty;
     expectFailed(runNebsc({"ls"}, {.folder = empty.path()}),
                  "nebsc: the current branch 'main' does not have any commits yet\n");

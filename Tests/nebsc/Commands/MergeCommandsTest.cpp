@@ -287,7 +287,7 @@ TEST_F(MergeCommands, MergeBaseReportsUnrelatedHistories) {
 
 TEST_F(MergeCommands, MergeReportsAnUnknownRevision) {
     expectFailed(nebsc({"merge", "nosuch"}), "nebsc: unknown branch or revision 'nosuch'\n");
-    expectFailed(nebsc({"merge", ""}), "nebsc: the argument 'REVISION' is empty\n", 2);
+    expectFailed(nebsc({"merge", ""}), HasSubstr("argument 'REVISION' must not be empty"), 2);
 }
 
 TEST_F(MergeCommands, MergeBaseReportsAnUnknownRevision) {

@@ -162,8 +162,9 @@ TEST_F(RemoteCommands, AddAndRemoveReportFailures) {
     expectFailed(nebsc({"remote", "add", "origin", "/y"}), HasSubstr("origin already exists"));
     expectFailed(nebsc({"remote", "add", "a b", "/y"}), HasSubstr("'a b' is not a valid"));
     expectFailed(nebsc({"remote", "rm", "nosuch"}), HasSubstr("No such remote: 'nosuch'"));
-    expectFailed(nebsc({"remote", "add", "y", ""}), "nebsc: the argument 'URL' is empty\n", 2);
-    expectFailed(nebsc({"remote", "rm", ""}), "nebsc: the argument 'NAME' is empty\n", 2);
+    expectFailed(nebsc({"remote", "add", "y", ""}), HasSubstr("argument 'URL' must not be empty"),
+                 2);
+    expectFailed(nebsc({"remote", "rm", ""}), HasSubstr("argument 'NAME' must not be empty"), 2);
     expectFailed(nebsc({"remote", "rm", "--", "-x"}), HasSubstr("'-x' begins with"), 2);
     expectFailed(nebsc({"remote", "add", "--", "-f", "/y"}), HasSubstr("'-f' begins with"), 2);
     expectFailed(nebsc({"remote", "add", "y", "--", "-f"}), HasSubstr("'-f' begins with"), 2);

@@ -129,7 +129,7 @@ TEST_F(RepositoryCommands, InitReportsThatAFolderCannotBeCreated) {
                                                   "' could not be made: Not a directory\n");
     expectFailed(here({"init", "file"}), HasSubstr("\"" + folder.path("file") + "\""));
     expectFailed(here({"init", "a", "b"}), HasSubstr("b"), 2);
-    expectFailed(here({"init", ""}), HasSubstr("a path is empty"), 2);
+    expectFailed(here({"init", ""}), HasSubstr("argument 'DIR' must not be empty"), 2);
 }
 
 TEST_F(RepositoryCommands, InitWithJSONPrintsOnlyTheOutcome) {

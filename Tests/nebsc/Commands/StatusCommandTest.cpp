@@ -363,7 +363,9 @@ TEST_F(StatusCommand, ReportsAGitThatCannotBeStarted) {
 
 TEST_F(StatusCommand, RefusesAnEmptyPath) {
     const NebscOutcome outcome = status({""});
-    EXPECT_EQ(outcome.errors, "nebsc: a path is empty; expected the path of a file or folder\n");
+    EXPECT_EQ(outcome.errors,
+              "nebsc: argument 'PATH' must not be empty\n"
+              "Try 'nebsc status --help' for more information.\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 

@@ -203,7 +203,8 @@ TEST_F(CommandJSON, ReportsASilentFailure) {
 }
 
 TEST_F(CommandJSON, PrintsNoOutcomeForInvalidArguments) {
-    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("a path is empty"), 2);
+    expectFailed(nebsc({"status", "--json", ""}), HasSubstr("argument 'PATH' must not be empty"),
+                 2);
 }
 
 TEST_F(CommandJSON, ContainsNoPasswords) {

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <new>
 
 #include "CommandFrame/BrokenReference.h"
@@ -46,9 +45,6 @@ CommandOutput CommandTask::run() {
 }
 
 CommandOutput CommandTask::runSteps() {
-    if (auto refused = refusalOfEmptyNames()) {
-        return *refused;
-    }
     if (auto refused = readPaths()) {
         return *refused;
     }
@@ -69,18 +65,6 @@ CommandOutput CommandTask::runSteps() {
     return output;
 }
 
-std::optional<CommandOutput> CommandTask::refusalOfEmptyNames() const {
-    for (const Parameter& parameter : _call.command.parameters) {
-        const std::vector<std::string>& values = arguments().all(parameter.name);
-        if (parameter.takesNames() && parameter.takes != Takes::revisionOrPath &&
-            std::find(values.begin(), values.end(), "") != values.end()) {
-            return refusal("The argument " + inQuotes(parameter.name) + " is empty.",
-                           exitNotUnderstood);
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<CommandOutput> CommandTask::readPaths() {
     const PathSearch folder = findCurrentFolder();
     if (!folder.path) {
@@ -92,10 +76,6 @@ std::optional<CommandOutput> CommandTask::readPaths() {
             continue;
         }
         for (const std::string& value : arguments().all(parameter.name)) {
-            if (value.empty()) {
-                return refusal("A path is empty; expected the path of a file or folder.",
-                               exitNotUnderstood);
-            }
             const PathSearch search = findAbsolutePath(*folder.path, value);
             if (!search.path) {
                 return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);

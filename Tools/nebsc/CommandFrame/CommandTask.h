@@ -143,7 +143,6 @@ protected:
 
 private:
     [[nodiscard]] CommandOutput runSteps();
-    [[nodiscard]] std::optional<CommandOutput> refusalOfEmptyNames() const;
     [[nodiscard]] std::optional<CommandOutput> readPaths();
     [[nodiscard]] CommandOutput outputFor(Outcome& outcome);
     [[nodiscard]] CommandOutput outputInMemoryFor(Outcome& outcome);

@@ -68,9 +68,7 @@ RevisionArguments Reader::read(const Arguments& arguments) {
     const auto countAfterDashes = arguments.countAfterDashes();
     const std::size_t files = std::min(countAfterDashes.value_or(0), all.size());
     for (std::size_t i = 0; i < all.size() && !_result.refused; ++i) {
-        if (all[i].empty()) {
-            _result.refused = refusalOfEmptyArgument();
-        } else if (i + files < all.size()) {
+        if (i + files < all.size()) {
             _result.refused = take(all[i], countAfterDashes.has_value());
         } else {
             _result.refused = takeFile(all[i], false);
@@ -189,11 +187,6 @@ std::vector<std::string> revisionAndFileArguments(const Arguments& arguments) {
     const std::vector<std::string>& others = arguments.all("FILE");
     all.insert(all.end(), others.begin(), others.end());
     return all;
-}
-
-CommandOutput refusalOfEmptyArgument() {
-    return refusal("An argument is empty; expected a revision or the path of a file.",
-                   exitNotUnderstood);
 }
 
 PathSearch findFile(const WorkingCopyLocation& workingCopy, const std::string& argument) {

@@ -47,9 +47,6 @@ struct RevisionArgumentLimits {
 /// Returns all arguments of the parameters "REVISION" and "FILE", in order.
 [[nodiscard]] std::vector<std::string> revisionAndFileArguments(const Arguments& arguments);
 
-/// Returns the refusal of an argument that is empty.
-[[nodiscard]] CommandOutput refusalOfEmptyArgument();
-
 /// Returns the absolute path of the file that the argument names. Where there is no working copy,
 /// as in a bare repository, returns its path from the top of the tree.
 [[nodiscard]] PathSearch findFile(const WorkingCopyLocation& workingCopy,

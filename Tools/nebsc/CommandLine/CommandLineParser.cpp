@@ -80,6 +80,8 @@ void CommandLineParser::addValue(const Parameter& parameter, const std::string& 
     } else if (!choices.empty() &&
                std::find(choices.begin(), choices.end(), value) == choices.end()) {
         fail(Kind::invalidValue, value, &parameter);
+    } else if (value.empty() && !parameter.mayBeEmpty) {
+        fail(Kind::emptyValue, name, &parameter);
     } else {
         _parsed.arguments.add(name, value);
     }
@@ -117,8 +119,7 @@ void CommandLineParser::fail(Kind kind, const std::string& argument, const Param
     }
 }
 
-// ---- the end
-// -------------------------------------------------------------------------------------
+// ---- the end ------------------------------------------------------------------------------------
 
 std::variant<ParsedCommandLine, UsageError> CommandLineParser::finish() && {
     if (_parsed.arguments.has(helpOption) && !hasUnknownCommand()) {
@@ -158,8 +159,7 @@ void CommandLineParser::checkRequired() {
     }
 }
 
-// ---- what may follow
-// -----------------------------------------------------------------------------
+// ---- what may follow ----------------------------------------------------------------------------
 
 bool CommandLineParser::acceptsOptions() const {
     return !_countAfterDashes && !hasUnknownCommand();

@@ -9,7 +9,7 @@ namespace {
 constexpr Parameter options[] = {
     {folderOption,
      "Run as if started in DIR; before the command only; if repeated, relative to the previous DIR",
-     Takes::folder, Occurs::anyNumber, "DIR"},
+     Takes::folder, Occurs::anyNumber, "DIR", true},
     {plugInOption, "Load this plug-in instead of the installed one", Takes::path,
      Occurs::optionally, "FILE"},
     {jsonOption, "Print one line of JSON instead of text"},

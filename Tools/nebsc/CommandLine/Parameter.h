@@ -19,7 +19,6 @@ enum class Takes {
     folder,
     /// A path that the command resolves itself.
     pathAsWritten,
-    // From here on, names that git resolves.
     /// A branch of this repository.
     branch,
     /// A branch, a tag or any other commit.
@@ -51,13 +50,13 @@ struct Parameter {
     Occurs occurs = Occurs::optionally;
     /// The name of an option's value in the help, or the choices: "auto|always|never".
     std::string_view valueName = {};
+    /// Whether a value may be empty. Names, paths and numbers may not.
+    bool mayBeEmpty = false;
 
     [[nodiscard]] bool isOption() const { return name.starts_with('-'); }
     [[nodiscard]] bool isFlag() const { return takes == Takes::nothing; }
     /// Whether the values are paths that are resolved before the command runs.
     [[nodiscard]] bool takesPaths() const { return takes == Takes::path || takes == Takes::folder; }
-    /// Whether the values are names that git resolves. Such a value must not be empty.
-    [[nodiscard]] bool takesNames() const { return takes >= Takes::branch; }
     [[nodiscard]] bool isRequired() const {
         return occurs == Occurs::once || occurs == Occurs::oneOrMore;
     }

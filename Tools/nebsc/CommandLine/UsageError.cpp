@@ -80,6 +80,8 @@ std::string messageFor(const UsageError& error, std::span<const Command* const> 
         case Kind::invalidValue:
             return "invalid value " + inQuotes(error.argument) + " for " +
                    quoted(*error.parameter) + "; expected " + listOf(choicesOf(*error.parameter));
+        case Kind::emptyValue:
+            return quoted(*error.parameter) + " must not be empty";
         case Kind::unexpectedArgument:
             return "unexpected argument " + inQuotes(error.argument);
         case Kind::missingArgument:

@@ -26,6 +26,8 @@ struct UsageError {
         repeatedOption,
         /// `argument` is not one of the choices of `parameter`.
         invalidValue,
+        /// `parameter` was given an empty value.
+        emptyValue,
         unexpectedArgument,
         /// `parameter` is required.
         missingArgument,

@@ -115,9 +115,6 @@ std::optional<CommandOutput> BlameTask::validate() {
         return refusal("The argument FILE is required (see 'nebsc blame --help').",
                        exitNotUnderstood);
     }
-    if (std::find(all.begin(), all.end(), "") != all.end()) {
-        return refusalOfEmptyArgument();
-    }
     const PathSearch search = findFile(workingCopy(), all.back());
     if (!search.path) {
         return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);

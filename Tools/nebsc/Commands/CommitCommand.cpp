@@ -59,7 +59,7 @@ void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
 
 constexpr Parameter parameters[] = {
     {"-m,--message", "The commit message; each further one is a new paragraph", Takes::text,
-     Occurs::oneOrMore, "MESSAGE"},
+     Occurs::oneOrMore, "MESSAGE", true},
     {"--allow-empty", "Commit even if nothing has changed"},
     {"FILE", "Commit these files as they are on disk, staged or not; default: what is staged",
      Takes::path, Occurs::anyNumber},

@@ -94,7 +94,7 @@ CommandOutput run(const CommandCall& call) {
 
 constexpr Parameter parameters[] = {
     {"ARGUMENT", "The arguments after nebsc; the last one is being typed and may be empty",
-     Takes::text, Occurs::anyNumber},
+     Takes::text, Occurs::anyNumber, "", true},
 };
 
 }  // namespace

@@ -1,14 +1,6 @@
 // `nebsc serve`, run as a program.
 
 #include <gmock/gmock.h>
-#include <signal.h>
-
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <set>
-#include <sstream>
-#include <thread>
 
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -16,6 +8,7 @@
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 #include "nebsc/Server/ServerClient.h"
+#include "nebsc/Server/SlowGit.h"
 
 namespace neb::test {
 namespace {
@@ -23,58 +16,12 @@ namespace {
 using testing::HasSubstr;
 using JSON = ServerClient::JSON;
 
-JSON requestAbout(int type, const std::string& location) {
-    return {{"type", type}, {"sourceTree", {{"location", location}}}};
-}
-
 JSON commitOf(const TestRepository& repository, const std::string& file) {
     JSON request = requestAbout(NEBSourceControlRequestCommit, repository.path());
     request["files"] = {repository.path(file)};
     request["options"] = {{"NEBSourceControlRequestOptionMessage", file}};
     return request;
 }
-
-/// Waits until another process has written a line into the file, and returns the content; empty
-/// after a minute.
-std::string awaitedLine(const TemporaryFolder& folder, std::string_view name) {
-    for (int i = 0; i < 6000; ++i) {
-        std::string text = folder.read(name);
-        if (text.ends_with('\n')) {
-            return text;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return {};
-}
-
-/// A git that writes its process id to a file and runs for an hour. Ends at once for `--version`
-/// and in a folder named "quick".
-class SlowGit {
-public:
-    SlowGit() {
-        _folder.writeProgram("git",
-                             "#!/bin/sh\ncase \"$1 $PWD\" in --version*|*/quick) exit 0;; "
-                             "esac\necho $$ > '" +
-                                 _folder.path("started") + "'\nexec sleep 3600\n");
-        std::filesystem::create_directory(_folder.path("quick"));
-    }
-    [[nodiscard]] std::pair<std::string, std::optional<std::string>> path() const {
-        return {"PATH", _folder.path() + ":/usr/bin:/bin"};
-    }
-    [[nodiscard]] std::string location() const { return _folder.path(); }
-    [[nodiscard]] std::string quickLocation() const { return _folder.path("quick"); }
-    /// Waits until git has started, and returns its process id.
-    [[nodiscard]] pid_t process() const {
-        std::istringstream number(awaitedLine(_folder, "started"));
-        pid_t process = 0;
-        number >> process;
-        EXPECT_TRUE(process > 0 && isLiveProcess(process));
-        return process;
-    }
-
-private:
-    TemporaryFolder _folder;
-};
 
 // ---- responses --------------------------------------------------------------------------------
 
@@ -317,82 +264,6 @@ TEST(Server, ReportsTheProgressOfSlowRequests) {
     client.send({}, "$/cancelRequest", {{"id", 2}});
     EXPECT_EQ(client.answerTo(2)["error"]["code"], -32800);
     EXPECT_EQ(client.others().back(), progress("t", {{"kind", "end"}}));
-}
-
-// ---- the end ----------------------------------------------------------------------------------
-
-class EndOfServer : public testing::Test {
-protected:
-    EndOfServer() {
-        client.initialize();
-        client.send(1, "sourceControl/perform",
-                    requestAbout(NEBSourceControlRequestStatus, git.location()));
-        process = git.process();
-    }
-    void expectEnd(int exitStatus) {
-        EXPECT_EQ(client.exitStatus(), exitStatus);
-        EXPECT_FALSE(isLiveProcess(process));
-    }
-
-    const SlowGit git;
-    ServerClient client{{git.path()}};
-    pid_t process = 0;
-};
-
-TEST_F(EndOfServer, AfterExitEndsAllProcesses) {
-    client.send({}, "exit");
-    EXPECT_EQ(client.answerTo(1)["error"]["code"], -32800);
-    expectEnd(1);
-}
-
-TEST_F(EndOfServer, AfterAClosedInputEndsAllProcesses) {
-    client.close();
-    expectEnd(1);
-}
-
-/// So many requests that the server has stopped reading.
-TEST_F(EndOfServer, AfterAClosedInputWhileManyRequestsWait) {
-    constexpr int moreThanMayWait = 4200;
-    for (int i = 2; i < moreThanMayWait; ++i) {
-        client.send(i, "sourceControl/perform",
-                    requestAbout(NEBSourceControlRequestStatus, git.location()));
-    }
-    client.close();
-    expectEnd(1);
-}
-
-TEST_F(EndOfServer, AfterAnIncompleteMessage) {
-    client.sendBytes("Content-Length: 20\r\n\r\n{");
-    client.close();
-    expectEnd(1);
-}
-
-TEST_F(EndOfServer, AfterAClosedOutput) {
-    client.stopReading();
-    client.send(2, "nothing");
-    expectEnd(1);
-}
-
-TEST_F(EndOfServer, AfterAnInvalidHeader) {
-    client.sendBytes("{\"jsonrpc\": \"2.0\"}\r\n\r\n");
-    EXPECT_EQ(client.answerTo(nullptr)["error"]["code"], -32700);
-    expectEnd(1);
-}
-
-TEST_F(EndOfServer, AfterASignal) {
-    client.signal(SIGTERM);
-    expectEnd(128 + SIGTERM);
-}
-
-/// The responses fill the pipe.
-TEST(Server, EndsIfItsResponsesAreNotRead) {
-    ServerClient client;
-    client.initialize();
-    for (int i = 0; i < 2000; ++i) {
-        client.send(i, "sourceControl/plan", requestAbout(NEBSourceControlRequestStatus, "/"));
-    }
-    client.close();
-    EXPECT_EQ(client.exitStatus(), 1);
 }
 
 }  // namespace

@@ -14,6 +14,22 @@ constexpr std::chrono::seconds interval{1};
 
 }  // namespace
 
+ProgressToken takeProgressToken(JSONNode& params) {
+    static constexpr std::string_view name = "workDoneToken";
+    const auto token = std::find_if(params.children.begin(), params.children.end(),
+                                    [](const JSONNode& child) { return child.name == name; });
+    if (token == params.children.end()) {
+        return {};
+    }
+    ProgressToken taken{.value = stringOrInteger(*token), .refusal = {}};
+    if (!taken.value && token->kind != JSONNode::Kind::null) {
+        taken.refusal = subjectAt(name) + " is " + std::string(nameOfKind(token->kind)) +
+                        "; a string or an integer was expected.";
+    }
+    params.children.erase(token);
+    return taken;
+}
+
 ProgressReports::ProgressReports(std::function<void(const std::string&)> send)
     : _send(std::move(send)) {
     _thread = startSignalFreeThread([this] { watch(); });

@@ -9,12 +9,24 @@
 #include <functional>
 #include <list>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <thread>
 
+#include "JSON/JSONText.h"
 #include "Platform/Mutex.h"
 
 namespace neb::nebsc {
+
+struct ProgressToken {
+    /// Absent if the client wants no reports.
+    std::optional<nlohmann::ordered_json> value;
+    /// One sentence; empty unless the token is of the wrong kind.
+    std::string refusal;
+};
+
+/// Removes the token from the parameters, which then contain only the request.
+[[nodiscard]] ProgressToken takeProgressToken(JSONNode& params);
 
 /// Sends progress notifications from a thread of its own. Thread-safe.
 class ProgressReports {

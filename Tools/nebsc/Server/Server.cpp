@@ -33,6 +33,8 @@ constexpr std::size_t mostWaitingBytes = std::size_t{64} << 20;
 constexpr std::chrono::milliseconds pollInterval{20};
 /// How long the server waits at the end for a client that does not read its responses.
 constexpr std::chrono::milliseconds endTimeout{2000};
+/// How long the server waits at the end for the version of git, which "initialize" returns.
+constexpr std::chrono::seconds initializationTimeout{5};
 
 JSON requestTypes() {
     JSON types = JSON::array();
@@ -40,28 +42,6 @@ JSON requestTypes() {
         types.push_back({{"type", type.type}, {"name", type.name}});
     }
     return types;
-}
-
-struct ProgressToken {
-    std::optional<JSON> value;
-    std::string refusal;  // empty unless the token is of the wrong kind
-};
-
-/// Removes the token from the parameters, which then contain only the request.
-ProgressToken takeProgressToken(JSONNode& params) {
-    static constexpr std::string_view name = "workDoneToken";
-    const auto token = std::find_if(params.children.begin(), params.children.end(),
-                                    [](const JSONNode& child) { return child.name == name; });
-    if (token == params.children.end()) {
-        return {};
-    }
-    ProgressToken taken{.value = stringOrInteger(*token), .refusal = {}};
-    if (!taken.value && token->kind != JSONNode::Kind::null) {
-        taken.refusal = subjectAt(name) + " is " + std::string(nameOfKind(token->kind)) +
-                        "; a string or an integer was expected.";
-    }
-    params.children.erase(token);
-    return taken;
 }
 
 std::string sentenceOfCurrentException() {
@@ -99,6 +79,7 @@ Server::End Server::run(int input, int output) {
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
+        waitForInitialization();
     } catch (const std::exception&) {
         _end = {.isOrderly = false, .failure = sentenceOfCurrentException()};
     }
@@ -142,6 +123,17 @@ void Server::readFrom(int input) {
             _end.failure = "The client's messages cannot be read: " + textOfErrno(errno) + ".";
             return;
         }
+    }
+}
+
+/// A client may send all its messages at once and close its stream; cancelling git would then
+/// leave the response to "initialize" without the version. A signal or a closed output ends the
+/// wait.
+void Server::waitForInitialization() {
+    const auto end = std::chrono::steady_clock::now() + initializationTimeout;
+    pollfd wake{.fd = _wake.descriptor(), .events = POLLIN, .revents = 0};
+    while (!_initialization.expired() && std::chrono::steady_clock::now() < end &&
+           ::poll(&wake, 1, static_cast<int>(pollInterval.count())) <= 0) {
     }
 }
 
@@ -222,7 +214,7 @@ void Server::initialize(RPCMessage& message) {
         return;
     }
     _state = State::initialized;
-    start(message, std::nullopt, [this](Job& job) {
+    _initialization = start(message, std::nullopt, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
         const auto version = answerOf(runGit(git, _session.trace(), {"--version"}, std::nullopt));
@@ -317,15 +309,15 @@ void Server::exit(RPCMessage& /*message*/) {
 
 // ---- jobs -------------------------------------------------------------------------------------
 
-void Server::start(const RPCMessage& message, std::optional<std::string> location,
-                   std::function<std::string(Job&)> respond) {
+std::weak_ptr<Job> Server::start(const RPCMessage& message, std::optional<std::string> location,
+                                 std::function<std::string(Job&)> respond) {
     const auto job = std::make_shared<Job>(*message.id);
     {
         const MutexLock lock(_mutex);
         if (!_jobs.try_emplace(message.id->dump(), job).second) {
             refuse(message, RPCErrorCode::invalidRequest,
                    "A request with the id " + message.id->dump() + " is still worked at.");
-            return;
+            return {};
         }
     }
     try {
@@ -336,6 +328,7 @@ void Server::start(const RPCMessage& message, std::optional<std::string> locatio
         _jobs.erase(message.id->dump());
         throw;
     }
+    return job;
 }
 
 void Server::work(Job& job, const std::function<std::string(Job&)>& respond) {

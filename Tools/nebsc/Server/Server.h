@@ -40,8 +40,8 @@ public:
         : _session(session), _interruption(interruption) {}
 
     /// Serves the client until it sends "exit" or an invalid header, or closes a stream. Then
-    /// cancels all requests and waits for their end. The caller owns the descriptors. Can be called
-    /// once.
+    /// completes the response to "initialize", cancels all other requests and waits for their end.
+    /// The caller owns the descriptors. Can be called once.
     [[nodiscard]] End run(int input, int output);
 
 private:
@@ -69,20 +69,23 @@ private:
                                          bool isRun) const;
 
     /// Schedules a job for the message (see RepositoryScheduler for the location). `respond` does
-    /// the work and returns the response.
-    void start(const RPCMessage& message, std::optional<std::string> location,
-               std::function<std::string(Job&)> respond);
+    /// the work and returns the response. The result expires when the job has ended.
+    std::weak_ptr<Job> start(const RPCMessage& message, std::optional<std::string> location,
+                             std::function<std::string(Job&)> respond);
     void work(Job& job, const std::function<std::string(Job&)>& respond);
     void finish(Job& job, const std::string& response);
     void cancel(Job& job);
     void cancelAll();
     /// Returns whether the server has capacity for another message.
     [[nodiscard]] bool mayReadMore();
+    void waitForInitialization();
     void refuse(const RPCMessage& message, RPCErrorCode code, std::string_view sentence);
 
     const HostSession& _session;
     Interruption& _interruption;
     State _state = State::fresh;
+    /// The job of "initialize"; expired before it starts and after it has ended.
+    std::weak_ptr<Job> _initialization;
     End _end;
     MessageDecoder _decoder{longestJSONText};
     Wake _wake;

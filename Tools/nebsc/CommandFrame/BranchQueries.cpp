@@ -30,7 +30,11 @@ std::string branchNameOf(const NEBDictionary& record) {
 
 /// Asks for the full name, because the short one is ambiguous if a tag has the same name.
 std::optional<std::string> currentBranch(const GitQueries& git) {
-    const auto reference = git.outputOf({"symbolic-ref", "--quiet", "HEAD"});
+    const auto& known = git.workingCopy().revisions.head;
+    if (known == "HEAD") {
+        return std::nullopt;
+    }
+    const auto reference = known ? known : git.outputOf({"symbolic-ref", "--quiet", "HEAD"});
     return reference ? std::optional(withoutPrefix(*reference, localBranchPrefix)) : std::nullopt;
 }
 

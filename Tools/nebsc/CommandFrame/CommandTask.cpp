@@ -87,7 +87,8 @@ std::optional<CommandOutput> CommandTask::readPaths() {
 }
 
 WorkingCopyLocation CommandTask::locate() {
-    return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder());
+    return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder(),
+                           questions());
 }
 
 std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) {
@@ -206,8 +207,13 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::newRequest(
 RequestResult CommandTask::performRequest(
     const std::shared_ptr<NEBSourceControlRequest>& request,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
-    return _call.session.perform(request, interruptibleRunner(_interruption, *_progress),
-                                 replacement);
+    RequestResult result =
+        _call.session.perform(request, interruptibleRunner(_interruption, *_progress), replacement);
+    if (NEBSourceControlDescriptionOfRequestType(request->type).effect !=
+        NEBSourceControlRequestEffect::reads) {
+        _git.forgetRevisions();
+    }
+    return result;
 }
 
 RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {

@@ -62,6 +62,8 @@ protected:
 
     /// Returns the working copy around the current folder unless a command overrides it.
     [[nodiscard]] virtual WorkingCopyLocation locate();
+    /// Returns what locate() finds out besides the location, so that validate() need not ask.
+    [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
     /// Returns the output of a command that ends here; absent if it goes on.
     [[nodiscard]] virtual std::optional<CommandOutput> validate() { return std::nullopt; }
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> makeRequest() = 0;

@@ -135,6 +135,9 @@ std::optional<CommandOutput> refusalOfRevision(const GitQueries& git, const std:
     if (revision.starts_with('^')) {
         return refusalOfUnknownRevision(git, revision);
     }
+    if (git.isKnownCommit(revision)) {
+        return std::nullopt;
+    }
     const ChildOutcome commit = git.runForCommit(revision);
     if (commit.status.isSuccess()) {
         return std::nullopt;

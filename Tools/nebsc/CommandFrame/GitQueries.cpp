@@ -35,15 +35,22 @@ ChildOutcome GitQueries::runForCommit(const std::string& revision) const {
 }
 
 std::optional<std::string> GitQueries::commitId(const std::string& revision) const {
-    return answerOf(runForCommit(revision));
+    const auto known = _workingCopy.revisions.commits.find(revision);
+    return known == _workingCopy.revisions.commits.end() ? answerOf(runForCommit(revision))
+                                                         : known->second;
 }
 
 bool GitQueries::isCommit(const std::string& revision) const {
-    return runForCommit(revision).status.isSuccess();
+    return commitId(revision).has_value();
+}
+
+bool GitQueries::isKnownCommit(const std::string& revision) const {
+    const auto known = _workingCopy.revisions.commits.find(revision);
+    return known != _workingCopy.revisions.commits.end() && known->second.has_value();
 }
 
 bool GitQueries::isUnknownRevision(const std::string& revision) const {
-    return runForCommit(revision).status.exitStatus() == 1;
+    return !isKnownCommit(revision) && runForCommit(revision).status.exitStatus() == 1;
 }
 
 bool GitQueries::isWithoutCommits() const {

@@ -16,6 +16,7 @@
 namespace neb::nebsc {
 
 /// Not thread-safe. Unless stated otherwise, each query runs one git process, which a signal ends.
+/// What the discovery of the working copy found out about a revision is not asked again.
 class GitQueries {
 public:
     /// Both must outlive the object.
@@ -26,6 +27,8 @@ public:
     [[nodiscard]] const Trace& trace() const { return _trace; }
     [[nodiscard]] const WorkingCopyLocation& workingCopy() const { return _workingCopy; }
     void setWorkingCopy(WorkingCopyLocation workingCopy) { _workingCopy = std::move(workingCopy); }
+    /// Forgets what the discovery found out about revisions; call it when that may have changed.
+    void forgetRevisions() { _workingCopy.revisions = {}; }
 
     // ---- any question
 
@@ -41,11 +44,14 @@ public:
     // ---- revisions
 
     /// Runs git to find the commit that a revision stands for. For an unknown revision git exits
-    /// with status 1 and prints nothing.
+    /// with status 1 and prints nothing. Always runs git.
     [[nodiscard]] ChildOutcome runForCommit(const std::string& revision) const;
     /// Returns the full commit id that a revision stands for; absent if it names no commit.
     [[nodiscard]] std::optional<std::string> commitId(const std::string& revision) const;
     [[nodiscard]] bool isCommit(const std::string& revision) const;
+    /// Returns whether the discovery of the working copy found that the revision stands for a
+    /// commit. Runs no git.
+    [[nodiscard]] bool isKnownCommit(const std::string& revision) const;
     /// Returns whether git knows no such commit. False if git failed for another reason.
     [[nodiscard]] bool isUnknownRevision(const std::string& revision) const;
     /// Returns whether HEAD names no commit yet. Runs git only in a bare repository.

@@ -49,6 +49,8 @@ private:
         return !argument.empty() && !argument.starts_with('-') && !argument.starts_with('^') &&
                _git.isCommit(argument);
     }
+    /// Whether the argument is a range between two commits that are known already.
+    [[nodiscard]] bool isKnownRange(const std::string& argument) const;
     [[nodiscard]] std::optional<std::vector<std::string>> revisionsIn(
         const std::string& argument) const;
     [[nodiscard]] std::optional<CommandOutput> take(const std::string& argument,
@@ -80,9 +82,14 @@ RevisionArguments Reader::read(const Arguments& arguments) {
     return std::move(_result);
 }
 
+bool Reader::isKnownRange(const std::string& argument) const {
+    const std::vector<std::string> sides = revisionsToAskFor(argument);
+    return sides.size() == 2 && _git.isKnownCommit(sides[0]) && _git.isKnownCommit(sides[1]);
+}
+
 /// Returns both ends of a range, or the one revision.
 std::optional<std::vector<std::string>> Reader::revisionsIn(const std::string& argument) const {
-    if (isRevision(argument)) {
+    if (!isKnownRange(argument) && isRevision(argument)) {
         return std::vector{unambiguousRevision(_git, argument)};
     }
     const std::size_t dots = argument.find("..");
@@ -187,6 +194,17 @@ std::vector<std::string> revisionAndFileArguments(const Arguments& arguments) {
     const std::vector<std::string>& others = arguments.all("FILE");
     all.insert(all.end(), others.begin(), others.end());
     return all;
+}
+
+std::vector<std::string> revisionsToAskFor(const Arguments& arguments) {
+    std::vector<std::string> all = revisionAndFileArguments(arguments);
+    all.resize(all.size() - std::min(arguments.countAfterDashes().value_or(0), all.size()));
+    std::vector<std::string> revisions;
+    for (const std::string& argument : all) {
+        const std::vector<std::string> sides = revisionsToAskFor(argument);
+        revisions.insert(revisions.end(), sides.begin(), sides.end());
+    }
+    return revisions;
 }
 
 PathSearch findFile(const WorkingCopyLocation& workingCopy, const std::string& argument) {

@@ -47,6 +47,9 @@ struct RevisionArgumentLimits {
 /// Returns all arguments of the parameters "REVISION" and "FILE", in order.
 [[nodiscard]] std::vector<std::string> revisionAndFileArguments(const Arguments& arguments);
 
+/// Returns the revisions that readRevisionArguments() asks about, for the discovery to answer.
+[[nodiscard]] std::vector<std::string> revisionsToAskFor(const Arguments& arguments);
+
 /// Returns the absolute path of the file that the argument names. Where there is no working copy,
 /// as in a bare repository, returns its path from the top of the tree.
 [[nodiscard]] PathSearch findFile(const WorkingCopyLocation& workingCopy,

@@ -1,9 +1,7 @@
 #include "CommandFrame/WorkingCopyLocation.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <string_view>
+#include <utility>
 
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
@@ -14,43 +12,18 @@ namespace neb::nebsc {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-/// "true" or "false", the top if there is a working copy, and the commit of HEAD if there is one;
-/// a line end after each. The top may contain line ends itself.
-constexpr const char* discoveryArguments[] = {
-    "rev-parse", "--is-inside-work-tree", "--show-toplevel", "--verify", "--quiet", "HEAD"};
-
-std::string_view withoutLastLine(std::string_view text) {
-    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
-    return text.substr(0, text.rfind('\n') + 1);
-}
-
-}  // namespace
-
 WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
-                                    const std::string& currentFolder, const std::string& folder) {
-    constexpr int isNoCommit = 1;
-    WorkingCopyLocation found{.location = folder, .currentFolder = currentFolder};
-    found.discovery =
-        runGit(interruption, trace, {std::begin(discoveryArguments), std::end(discoveryArguments)},
-               folder);
-    std::string_view output = found.discovery.output;
-    found.isRepository = !output.empty();
-    if (!found.isRepository) {
-        return found;
-    }
-    output.remove_prefix(std::min(output.find('\n') + 1, output.size()));
-    const bool hasCommit = found.discovery.status.isSuccess();
-    const std::string_view top = hasCommit ? withoutLastLine(output) : output;
-    if (!top.empty()) {
-        found.location = top.substr(0, top.size() - 1);
-        found.isWorkingCopy = true;
-    }
-    if (hasCommit || (found.isWorkingCopy && found.discovery.status.exitStatus() == isNoCommit)) {
-        found.hasCommits = hasCommit;
-    }
-    return found;
+                                    const std::string& currentFolder, const std::string& folder,
+                                    const RepositoryQuestions& questions) {
+    ChildOutcome outcome = runGit(interruption, trace, argumentsFor(questions, folder), folder);
+    RepositoryAnswers answers = answersIn(outcome, questions, folder);
+    return {.location = answers.top.value_or(folder),
+            .currentFolder = currentFolder,
+            .isWorkingCopy = answers.top.has_value(),
+            .isRepository = answers.isRepository,
+            .hasCommits = answers.hasCommits,
+            .revisions = std::move(answers.revisions),
+            .discovery = std::move(outcome)};
 }
 
 std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "CommandFrame/RepositoryQuestions.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
 #include "Session/Trace.h"
@@ -21,14 +22,17 @@ struct WorkingCopyLocation {
     bool isRepository = false;
     /// Whether HEAD names a commit; absent if that is not known.
     std::optional<bool> hasCommits{};
+    RevisionAnswers revisions{};
     /// How git ended; if it found no working copy, its stderr says why.
     ChildOutcome discovery{TerminationStatus::notStarted({}), {}, {}};
 };
 
-/// Returns the working copy that the folder lies in. Runs one `git rev-parse`; a signal ends it.
+/// Returns the working copy that the folder lies in, with the answers to the questions. Runs one
+/// `git rev-parse`; a signal ends it.
 [[nodiscard]] WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
                                                   const std::string& currentFolder,
-                                                  const std::string& folder);
+                                                  const std::string& folder,
+                                                  const RepositoryQuestions& questions = {});
 
 /// Returns the absolute path of a repository in the file system, relative to the current folder;
 /// any other URL (or HOST:PATH) as it is.

@@ -97,6 +97,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    RepositoryQuestions questions() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
@@ -107,6 +108,12 @@ private:
     std::string _file;
     std::optional<std::string> _revision;
 };
+
+RepositoryQuestions BlameTask::questions() const {
+    const std::vector<std::string> all = revisionAndFileArguments(arguments());
+    return {.revisions = all.size() > 1 && !isJSON() ? revisionsToAskFor(all.front())
+                                                     : std::vector<std::string>{}};
+}
 
 /// The last argument is the file, whatever it looks like.
 std::optional<CommandOutput> BlameTask::validate() {

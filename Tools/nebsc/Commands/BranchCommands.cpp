@@ -24,6 +24,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    RepositoryQuestions questions() const override { return {.asksBranch = true}; }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newExchangeRequest(workingCopy(), NEBSourceControlRequestListBranches, Peer::remote);
     }

@@ -20,6 +20,9 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    RepositoryQuestions questions() const override {
+        return {.revisions = revisionsToAskFor(arguments())};
+    }
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override;
@@ -118,9 +121,10 @@ void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
     }
 }
 
-/// git ignores an unknown file silently.
+/// git ignores an unknown file silently. Output about a single file shows that git knows it.
 void DiffTask::noteFilesNotCompared(CommandOutput& output) {
-    if (isJSON() || _named.revisions.size() > 1) {
+    const bool hasCompared = _named.files.size() == 1 && !output.standardOutput.empty();
+    if (isJSON() || _named.revisions.size() > 1 || hasCompared) {
         return;
     }
     const std::string revision = _named.revisions.empty() ? "HEAD" : _named.revisions.front();

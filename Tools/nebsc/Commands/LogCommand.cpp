@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
@@ -49,6 +50,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    RepositoryQuestions questions() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
@@ -67,6 +69,14 @@ private:
     bool _isColoured = false;
 };
 
+RepositoryQuestions LogTask::questions() const {
+    RepositoryQuestions questions{.revisions = revisionsToAskFor(arguments())};
+    if (const auto branch = arguments().value("--branch")) {
+        questions.revisions.push_back(std::string(localBranchPrefix) + *branch);
+    }
+    return questions;
+}
+
 /// git would take the name of a file for that file and show its history.
 std::optional<CommandOutput> LogTask::refusalOfBranch() {
     const auto branch = arguments().value("--branch");
@@ -77,7 +87,7 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
         return refusal("--branch cannot be combined with a revision.", exitNotUnderstood);
     }
     // A tag may have the same name.
-    const std::string local = "refs/heads/" + *branch;
+    const std::string local = std::string(localBranchPrefix) + *branch;
     if (git().isCommit(local)) {
         _branch = local;
         return std::nullopt;

@@ -1,0 +1,71 @@
+// How many git processes a command starts. Those that git itself starts do not count.
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "nebsc/SharingTest.h"
+
+namespace neb::test {
+namespace {
+
+class ProcessCount : public SharingTest {
+protected:
+    void SetUp() override {
+        SharingTest::SetUp();
+        ben->commitFile("src/b", "1\n2\n");
+        ben->git({"tag", "v1"});
+        ben->git({"branch", "topic", "HEAD~1"});
+        share(*ben);
+        programs.writeProgram("git", "#!/bin/sh\nprintf '%s\\n' \"$*\" >>'" + log() +
+                                         "'\nexec /usr/bin/git \"$@\"\n");
+    }
+    [[nodiscard]] std::string log() const { return programs.path("log"); }
+
+    /// Expects that the command succeeds and starts so many processes of git.
+    void expectProcesses(std::ptrdiff_t count, const std::vector<std::string>& arguments) const {
+        std::ofstream(log(), std::ios::trunc).close();
+        const NebscOutcome outcome = runNebsc(
+            arguments,
+            {.folder = ben->path(), .variables = {{"PATH", programs.path() + ":/usr/bin:/bin"}}});
+        EXPECT_EQ(outcome.exitStatus, 0) << testing::PrintToString(arguments) << outcome.errors;
+        std::ifstream file(log());
+        const std::string started{std::istreambuf_iterator<char>(file),
+                                  std::istreambuf_iterator<char>()};
+        EXPECT_EQ(std::count(started.begin(), started.end(), '\n'), count)
+            << testing::PrintToString(arguments) << "\n"
+            << started;
+    }
+
+    TemporaryFolder programs;
+};
+
+TEST_F(ProcessCount, IsTwoForACommandThatReads) {
+    ben->write("src/b", "changed\n");
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"status"},
+             {"status", "src"},
+             {"log", "-n", "20"},
+             {"log", "v1"},
+             {"log", "src"},
+             {"log", "--files", "v1", "src/b"},
+             {"log", "topic..main"},
+             {"log", "topic..."},
+             {"log", "--branch", "topic"},
+             {"branch"},
+             {"branch", "current"},
+             {"blame", "src/b"},
+             {"diff"},
+             {"diff", "v1"},
+             {"diff", "src"},
+             {"diff", "--name-status", "topic", "--", "src/b"},
+             {"diff", "topic", "main"},
+             {"diff", "topic...main"},
+             {"ls"},
+         }) {
+        expectProcesses(2, arguments);
+    }
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,20 +1,13 @@
 #include "CommandFrame/BranchQueries.h"
 
-#include <algorithm>
-
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Session/Paths.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
-namespace {
-
 std::string withoutPrefix(const std::string& text, std::string_view prefix) {
     return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
 }
-
-}  // namespace
 
 /// git prints "(no branch)" and the like if HEAD is detached, "+ " before a branch that another
 /// working tree has checked out, and " -> TARGET" after a symbolic reference.
@@ -48,38 +41,6 @@ std::string describeHEAD(const GitQueries& git) {
 
 bool isBranch(const GitQueries& git, const std::string& name) {
     return git.succeeds({"show-ref", "--verify", "--quiet", std::string(localBranchPrefix) + name});
-}
-
-bool isRemote(const GitQueries& git, const std::string& name) {
-    const std::vector<std::string> names = git.linesOf({"remote"});
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-std::string remoteOrLocation(const GitQueries& git, const std::string& text) {
-    const std::string location = repositoryLocation(git.workingCopy().currentFolder, text);
-    const bool isPath = text.find('/') != std::string::npos || isAnythingAt(location);
-    return isPath && !isRemote(git, text) ? location : text;
-}
-
-std::optional<TrackedBranch> trackedBranchOf(const GitQueries& git, const std::string& branch) {
-    const auto setting = [&](const char* name) {
-        return git.outputOf({"config", "--get", "branch." + branch + "." + name});
-    };
-    const auto remote = setting("remote");
-    const auto reference = setting("merge");
-    if (!remote || !reference) {
-        return std::nullopt;
-    }
-    return TrackedBranch{*remote, withoutPrefix(*reference, localBranchPrefix)};
-}
-
-std::string shownBranch(const GitQueries& git, const TrackedBranch& tracked) {
-    const std::string& remote = tracked.remote;
-    if (remote == ".") {
-        return printable(tracked.branch);
-    }
-    return printable(isRemote(git, remote) ? remote + "/" + tracked.branch
-                                           : tracked.branch + " of " + inQuotes(remote));
 }
 
 bool hasSubversion(const GitQueries& git) {

@@ -132,12 +132,13 @@ CommandOutput CommandTask::outputFor(Outcome& outcome) {
 }
 
 /// If a branch is broken, git may report that HEAD or its commit is unknown, or that there is no
-/// commit yet.
+/// commit yet. An error that is handled is no failure.
 void CommandTask::explainBrokenHEAD(Outcome& outcome) const {
-    if (!outcome.error || (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
-                           outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
-                           outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
-                           outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
+    if (!outcome.error || isHandled(*outcome.error) ||
+        (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
+         outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
+         outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
+         outcome.error->text.value_or("").find("HEAD") == std::string::npos)) {
         return;
     }
     if (auto broken = brokenReference(_git, "HEAD")) {

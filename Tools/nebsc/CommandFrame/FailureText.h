@@ -11,6 +11,7 @@
 
 #include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/GitQueries.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "NEBFoundation/NEBSourceControlError.h"
 #include "Session/HostSession.h"
 #include "Terminal/CommandOutput.h"

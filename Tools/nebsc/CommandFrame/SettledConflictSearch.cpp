@@ -34,6 +34,11 @@ SettledConflicts unknownConflicts(std::string reason) {
     return {.files = std::nullopt, .failure = std::move(reason)};
 }
 
+/// git repeats a revision that it does not know, which has other characters.
+bool isCommitId(const std::string& line) {
+    return !line.empty() && line.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
 std::string shortened(const std::string& commit) {
     constexpr std::size_t length = 12;
     return commit.substr(0, length);
@@ -43,13 +48,28 @@ std::string shortened(const std::string& commit) {
 
 // ---- before the merge -------------------------------------------------------------------------
 
-void SettledConflictSearch::setSides(const std::string& kept, const std::string& leftOut) {
-    auto keptCommit = _git.commitId(kept);
-    auto leftOutCommit = keptCommit ? _git.commitId(leftOut) : std::nullopt;
-    if (leftOutCommit) {
-        _sides = Sides{std::move(*keptCommit), std::move(*leftOutCommit)};
-        _wasMerging = _git.commitId(mergeHead).has_value();
+/// git-rev-parse(1) prints the right side of "A...B", the left side, and the merge bases with "^".
+std::optional<SettledConflictSearch::Sides> SettledConflictSearch::sidesIn(
+    const std::vector<std::string>& lines) {
+    if (lines.size() < 2 || !isCommitId(lines[0]) || !isCommitId(lines[1])) {
+        return std::nullopt;
     }
+    Sides sides{.kept = lines[1], .leftOut = lines[0]};
+    std::size_t next = 2;
+    for (; next < lines.size() && lines[next].starts_with('^'); ++next) {
+        const std::string base = lines[next].substr(1);
+        if (base == sides.leftOut || base == sides.kept) {
+            sides.contained = base;
+        }
+    }
+    sides.wasMerging = next < lines.size() && isCommitId(lines[next]);
+    return sides;
+}
+
+/// Asks for the merge last, because git ends at the first revision that does not exist.
+void SettledConflictSearch::setSides(const std::string& kept, const std::string& leftOut) {
+    _sides = sidesIn(_git.linesOf({"rev-parse", kept + "^{commit}..." + leftOut + "^{commit}",
+                                   std::string(mergeHead) + "^{commit}"}));
 }
 
 // ---- after the merge ---------------------------------------------------------------------------
@@ -65,7 +85,7 @@ void SettledConflictSearch::run(Outcome& outcome) const {
 
 bool SettledConflictSearch::hasMerged(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlConflictErrorClass ||
-           (_sides && !_wasMerging && _git.commitId(mergeHead) == _sides->leftOut);
+           (_sides && !_sides->wasMerging && _git.commitId(mergeHead) == _sides->leftOut);
 }
 
 void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
@@ -89,11 +109,6 @@ void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
                   [&](const std::string& file) { return !settled.contains(file); });
 }
 
-bool SettledConflictSearch::isOneSideContained() const {
-    const auto base = _git.outputOf({"merge-base", _sides->kept, _sides->leftOut});
-    return base && (*base == _sides->kept || *base == _sides->leftOut);
-}
-
 std::optional<std::vector<std::string>> SettledConflictSearch::optionsAgainstPrograms() const {
     std::vector<std::string> options;
     const ChildOutcome settings =
@@ -113,7 +128,7 @@ std::optional<std::vector<std::string>> SettledConflictSearch::optionsAgainstPro
 
 SettledConflicts SettledConflictSearch::search() const {
     constexpr int hasConflicts = 1;
-    if (isOneSideContained()) {
+    if (_sides->contained) {
         return {.files = std::vector<std::string>{}, .failure = {}};
     }
     const auto version = gitVersionIn(_git.outputOf({"version"}).value_or(""));

@@ -26,9 +26,17 @@ public:
     /// `git` must outlive the object.
     explicit SettledConflictSearch(const GitQueries& git) : _git(git) {}
 
-    /// Notes the commits that are about to be merged. If one of the revisions is no commit, no
-    /// search takes place.
+    /// Notes the commits that are about to be merged, found with one git process. If one of the
+    /// revisions is no commit, no search takes place.
     void setSides(const std::string& kept, const std::string& leftOut);
+    /// Returns whether both revisions are commits.
+    [[nodiscard]] bool hasSides() const { return _sides.has_value(); }
+    /// Returns whether the kept side contains the other one, so that nothing is merged.
+    [[nodiscard]] bool isMergedAlready() const {
+        return _sides && _sides->contained == _sides->leftOut;
+    }
+    /// Forgets the sides: no search takes place.
+    void forgetSides() { _sides.reset(); }
     /// Returns whether a merge that ended with the error has settled conflicts in other files: it
     /// stopped at a file, or a hook refused the commit.
     [[nodiscard]] bool hasMerged(const NEBSourceControlError& error) const;
@@ -43,10 +51,13 @@ private:
     /// Full commit ids.
     struct Sides {
         std::string kept, leftOut;
+        /// The side that the other one contains; absent if the sides have diverged.
+        std::optional<std::string> contained{};
+        /// Whether an earlier merge was unfinished when the sides were set.
+        bool wasMerging = false;
     };
 
-    /// Returns whether one side contains the other, so that there is nothing to settle.
-    [[nodiscard]] bool isOneSideContained() const;
+    [[nodiscard]] static std::optional<Sides> sidesIn(const std::vector<std::string>& lines);
     [[nodiscard]] SettledConflicts search() const;
     /// Removes the files that the index holds in several versions: they are still in conflict.
     void removeUnsettled(SettledConflicts& conflicts) const;
@@ -56,8 +67,6 @@ private:
 
     const GitQueries& _git;
     std::optional<Sides> _sides;
-    /// Whether an earlier merge was unfinished when the sides were set.
-    bool _wasMerging = false;
 };
 
 }  // namespace neb::nebsc

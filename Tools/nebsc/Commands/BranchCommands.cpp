@@ -4,6 +4,7 @@
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -155,9 +156,10 @@ std::shared_ptr<NEBSourceControlRequest> CreateTask::makeRequest() {
 }
 
 void CreateTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    const auto tracking = trackedBranchOf(git(), argument(nameParameter));
+    const RemoteSettings remotes(git());
+    const auto tracking = remotes.trackedBranchOf(argument(nameParameter));
     output.standardOutput = "Created branch " + printable(inQuotes(argument(nameParameter))) +
-                            (tracking ? ", which tracks " + shownBranch(git(), *tracking) : "") +
+                            (tracking ? ", which tracks " + remotes.shownBranch(*tracking) : "") +
                             ".\n";
 }
 

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -71,7 +72,8 @@ std::optional<CommandOutput> FetchTask::validate() {
                                          "Expected REMOTE or --svn (see 'nebsc fetch --help').")) {
         return refused;
     }
-    _remote = isSubversion() ? "Subversion" : remoteOrLocation(git(), argument(remoteParameter));
+    _remote = isSubversion() ? "Subversion"
+                             : RemoteSettings(git()).remoteOrLocation(argument(remoteParameter));
     _before = references();
     return std::nullopt;
 }
@@ -101,7 +103,7 @@ void FetchTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     }
     if (!lines.empty()) {
         output.standardOutput = from + ":\n" + lines;
-    } else if (isSubversion() || isRemote(git(), _remote)) {
+    } else if (isSubversion() || RemoteSettings(git()).isRemote(_remote)) {
         output.standardOutput = from + "; nothing is new.\n";
     } else {
         output.standardOutput = from + "; its latest commit is FETCH_HEAD.\n";
@@ -153,7 +155,7 @@ std::optional<CommandOutput> PushTask::validate() {
     if (isSubversion()) {
         return std::nullopt;
     }
-    _remote = remoteOrLocation(git(), argument(remoteParameter));
+    _remote = RemoteSettings(git()).remoteOrLocation(argument(remoteParameter));
     const std::string text = argument(branches);
     const std::size_t colon = text.find(':');
     _local = text.substr(0, colon);

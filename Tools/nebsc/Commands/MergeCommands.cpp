@@ -46,12 +46,13 @@ private:
 /// Notes what report() needs: the outcome does not say what the merge did.
 std::optional<CommandOutput> MergeTask::validate() {
     _commitBefore = git().headCommit();
-    _isMergedAlready = !revision().starts_with('-') && git().isMerged(revision());
+    _conflicts.setSides("HEAD", revision());
+    _isMergedAlready = _conflicts.isMergedAlready();
     if (_isMergedAlready) {
+        _conflicts.forgetSides();
         return std::nullopt;
     }
-    _conflicts.setSides("HEAD", revision());
-    const bool isUnknown = git().isUnknownRevision(revision());
+    const bool isUnknown = !_conflicts.hasSides() && git().isUnknownRevision(revision());
     const auto broken = isUnknown ? brokenReference(git(), revision()) : std::nullopt;
     return broken ? std::optional(failureWith(*broken)) : std::nullopt;
 }

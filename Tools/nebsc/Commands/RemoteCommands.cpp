@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "Commands/Commands.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -206,7 +207,7 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         const auto url = arguments().value("URL");
         return url ? newRequest(NEBSourceControlRequestListRemoteBranchesSecondForm,
-                                {remoteOrLocation(git(), *url)})
+                                {RemoteSettings(git()).remoteOrLocation(*url)})
                    : newRequest(NEBSourceControlRequestListRemoteBranches);
     }
     void report(const Outcome& outcome, CommandOutput& output) override;

@@ -1,6 +1,7 @@
 // The commands "branch track" and "branch tracking".
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -42,8 +43,9 @@ std::optional<CommandOutput> TrackTask::validate() {
         return refusal(inQuotes(text) + " is not a branch of a remote; expected REMOTE/BRANCH.",
                        exitNotUnderstood);
     }
+    const RemoteSettings remotes(git());
     std::size_t slash = first;
-    while (slash != std::string::npos && !isRemote(git(), text.substr(0, slash))) {
+    while (slash != std::string::npos && !remotes.isRemote(text.substr(0, slash))) {
         slash = text.find('/', slash + 1);
     }
     if (slash == std::string::npos && !text.starts_with('-')) {
@@ -72,7 +74,8 @@ void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
         return;
     }
     output.standardOutput = "Created branch " + printable(inQuotes(argument(nameParameter))) +
-                            ", which tracks " + shownBranch(git(), _tracking) + ".\n";
+                            ", which tracks " + RemoteSettings(git()).shownBranch(_tracking) +
+                            ".\n";
     // The operation goes on if the fetch fails because it may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
         output.standardError +=
@@ -109,11 +112,12 @@ std::shared_ptr<NEBSourceControlRequest> TrackingTask::makeRequest() {
 /// of a repository as well as for a branch that does not exist.
 void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     const std::string& name = argument(nameParameter);
+    const RemoteSettings remotes(git());
     if (auto refused = refusalOutsideRepository(git())) {
         output = *refused;
-    } else if (const auto tracking = trackedBranchOf(git(), name)) {
+    } else if (const auto tracking = remotes.trackedBranchOf(name)) {
         output.standardOutput =
-            printable(name) + " tracks " + shownBranch(git(), *tracking) + ".\n";
+            printable(name) + " tracks " + remotes.shownBranch(*tracking) + ".\n";
     } else if (isBranch(git(), name) || currentBranch(git()) == name) {
         output = refusal(inQuotes(name) + " does not track a branch.", exitFailed,
                          NEBSourceControlNoUpstreamErrorClass);

@@ -2,6 +2,7 @@
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RemoteSettings.h"
 #include "CommandFrame/SettledConflictSearch.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -20,6 +21,7 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    RepositoryQuestions questions() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     bool isHandled(const NEBSourceControlError& error) const override {
@@ -48,6 +50,7 @@ private:
     [[nodiscard]] std::optional<CommandOutput> fetchSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSubversion();
 
+    RemoteSettings _remotes{git()};
     /// The branch of a remote from which the commits come.
     TrackedBranch _source;
     /// Its remote-tracking reference; empty with --ff, which asks the remote itself.
@@ -60,6 +63,7 @@ private:
     void noteDroppedCommits(CommandOutput& output);
 
     SettledConflictSearch _conflicts{git()};
+    /// The full id; 12 characters for Subversion.
     std::optional<std::string> _commitBefore;
     std::size_t _ownCommitsBefore = 0;
     bool _isMergedAlready = false;
@@ -77,6 +81,11 @@ std::optional<CommandOutput> UpdateTask::refusalOfArguments() const {
     return std::nullopt;
 }
 
+RepositoryQuestions UpdateTask::questions() const {
+    return isSubversion() ? RepositoryQuestions{}
+                          : RepositoryQuestions{.revisions = {"HEAD"}, .asksBranch = true};
+}
+
 std::optional<CommandOutput> UpdateTask::validate() {
     if (auto refused = refusalOfArguments()) {
         return refused;
@@ -84,25 +93,26 @@ std::optional<CommandOutput> UpdateTask::validate() {
     if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
-    _commitBefore = git().headCommit();
     if (isSubversion()) {
+        _commitBefore = git().headCommit();
         return fetchSubversion();
     }
+    _commitBefore = git().commitId("HEAD");
     if (auto refused = findSource()) {
         return refused;
     }
-    _shownSource = shownBranch(git(), _source);
+    _shownSource = _remotes.shownBranch(_source);
     return isByFastForward() ? std::nullopt : fetchSource();
 }
 
 /// Reads the arguments, or what the current branch tracks.
 std::optional<CommandOutput> UpdateTask::findSource() {
     if (arguments().has(remoteParameter)) {
-        _source = {remoteOrLocation(git(), argument(remoteParameter)), argument(branchParameter)};
+        _source = {_remotes.remoteOrLocation(argument(remoteParameter)), argument(branchParameter)};
         return std::nullopt;
     }
     const auto branch = currentBranch(git());
-    const auto tracking = branch ? trackedBranchOf(git(), *branch) : std::nullopt;
+    const auto tracking = branch ? _remotes.trackedBranchOf(*branch) : std::nullopt;
     if (const auto broken = branch ? std::nullopt : brokenReference(git(), "HEAD")) {
         return failureWith(*broken);
     }
@@ -125,26 +135,32 @@ std::optional<CommandOutput> UpdateTask::findSource() {
 std::optional<CommandOutput> UpdateTask::fetchSource() {
     const bool isTracked = !arguments().has(remoteParameter);
     const std::string& remote = _source.remote;
-    if (remote != "." && !remote.starts_with('-') && !isRemote(git(), remote)) {
+    if (remote != "." && !remote.starts_with('-') && !_remotes.isRemote(remote)) {
         CommandOutput output = refusal(inQuotes(remote) + " is not the name of a remote.",
                                        exitFailed, NEBSourceControlRemoteUnknownErrorClass);
         output.standardError +=
             "'nebsc remote add' adds a remote; 'nebsc update --ff' also accepts a URL or a path.\n";
         return output;
     }
+    // A fetch does not change which reference the upstream is, but may create it.
+    const auto upstream = workingCopy().revisions.upstream;
     if (auto failed = performFirst(newFetchRequest(workingCopy(), remote))) {
         return failed;
     }
-    const auto reference = isTracked ? git().outputOf({"rev-parse", "--verify", "--quiet",
-                                                       "--symbolic-full-name", "@{upstream}"})
-                                     : "refs/remotes/" + remote + "/" + _source.branch;
-    if (!reference || git().isUnknownRevision(*reference)) {
+    const auto reference = !isTracked ? "refs/remotes/" + remote + "/" + _source.branch
+                           : upstream ? upstream
+                                      : git().outputOf({"rev-parse", "--verify", "--quiet",
+                                                        "--symbolic-full-name", "@{upstream}"});
+    if (reference) {
+        _conflicts.setSides("HEAD", *reference);
+    }
+    if (!reference || (!_conflicts.hasSides() && git().isUnknownRevision(*reference))) {
         return refusalOfBranchNotFetched(git(), _source);
     }
     _reference = *reference;
-    _isMergedAlready = git().isMerged(_reference);
-    if (!_isMergedAlready) {
-        _conflicts.setSides("HEAD", _reference);
+    _isMergedAlready = _conflicts.isMergedAlready();
+    if (_isMergedAlready) {
+        _conflicts.forgetSides();
     }
     return std::nullopt;
 }
@@ -214,10 +230,12 @@ std::shared_ptr<NEBSourceControlRequest> UpdateTask::makeRequest() {
 
 /// Compares the commits, because the outcome does not say what changed.
 void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
-    const auto commit = git().headCommit();
-    if (outcome.error || _isMergedAlready || (isSubversion() && commit == _commitBefore)) {
+    const bool isUpToDate = outcome.error || _isMergedAlready;
+    const auto commit = isUpToDate ? std::nullopt : git().headCommit();
+    const bool isAtSameCommit = commit && _commitBefore && _commitBefore->starts_with(*commit);
+    if (isUpToDate || (isSubversion() && commit == _commitBefore)) {
         output.standardOutput = "Already up to date with " + _shownSource + ".\n";
-    } else if (commit && commit != _commitBefore) {
+    } else if (commit && !isAtSameCommit) {
         output.standardOutput =
             "Updated from " + _shownSource + "; now at " + printable(*commit) + ".\n";
     } else {

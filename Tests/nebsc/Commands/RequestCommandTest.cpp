@@ -209,8 +209,8 @@ TEST(RequestCommand, AValueThatGitWouldTakeForAnOptionIsRefused) {
         {.variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "nebsc: the request's member \"startingRevision\" is \"--output=x\"; it is "
-              "refused here, as git would take it for an option\n");
+              "nebsc: the request's member 'startingRevision' is '--output=x', which is "
+              "refused, because git would take it for an option\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }
@@ -226,8 +226,8 @@ TEST(RequestCommand, ANumberThatGitWouldTakeForAnOptionIsRefused) {
             "NEBSourceControlRequestOptionBranch": "host.example"}})",
         {.variables = {git.path()}});
     EXPECT_EQ(outcome.errors,
-              "nebsc: the request's member \"options.NEBSourceControlRequestOptionRemoteName\" is "
-              "\"-4\"; it is refused here, as git would take it for an option\n");
+              "nebsc: the request's member 'options.NEBSourceControlRequestOptionRemoteName' is "
+              "'-4', which is refused, because git would take it for an option\n");
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran")));
 }

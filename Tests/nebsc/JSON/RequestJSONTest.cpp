@@ -198,9 +198,9 @@ TEST(RequestJSON, AcceptsAnEmptyArrayAsObjectAndViceVersa) {
 
 TEST(RequestJSON, RefusesOtherArraysAsObjectsAndViceVersa) {
     EXPECT_EQ(requestFromJSON(R"({"type": 15, "options": [1]})").refusal,
-              "The request's member \"options\" is an array; an object was expected.");
+              "The request's member 'options' is an array; expected an object.");
     EXPECT_EQ(requestFromJSON(R"({"type": 15, "files": {"a": 1}})").refusal,
-              "The request's member \"files\" is an object; an array was expected.");
+              "The request's member 'files' is an object; expected an array.");
     EXPECT_NE(requestFromJSON(R"({"type": 15, "destination": []})").refusal, "");
 }
 

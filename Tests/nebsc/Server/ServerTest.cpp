@@ -111,7 +111,7 @@ TEST(Server, RefusesInvalidMessagesAndContinues) {
                 {{"type", NEBSourceControlRequestStatus}, {"sourcetree", 1}});
     const JSON unknown = client.answerTo(5)["error"];
     EXPECT_EQ(unknown["code"], -32602);
-    EXPECT_THAT(unknown["message"].get<std::string>(), HasSubstr("\"sourcetree\" is not known"));
+    EXPECT_THAT(unknown["message"].get<std::string>(), HasSubstr("'sourcetree' is unknown"));
     client.send(6, "sourceControl/perform");
     EXPECT_EQ(client.answerTo(6)["error"]["code"], -32602);
     JSON option = requestAbout(NEBSourceControlRequestLog, "/");
@@ -229,14 +229,14 @@ TEST(Server, RefusesAProgressTokenOfAnotherKind) {
     ServerClient client;
     client.initialize();
     for (const auto& [token, kind] : {std::pair<JSON, std::string>{JSON::object(), "an object"},
-                                      {1.5, "a number that is no 64-bit integer"},
+                                      {1.5, "a number that is not a 64-bit integer"},
                                       {true, "a boolean"}}) {
         client.send(1, "sourceControl/plan",
                     {{"type", NEBSourceControlRequestStatus}, {"workDoneToken", token}});
         const JSON error = client.answerTo(1)["error"];
         EXPECT_EQ(error["code"], -32602);
-        EXPECT_EQ(error["message"], "The request's member \"workDoneToken\" is " + kind +
-                                        "; a string or an integer was expected.");
+        EXPECT_EQ(error["message"], "The request's member 'workDoneToken' is " + kind +
+                                        "; expected a string or an integer.");
     }
     client.send(2, "sourceControl/plan",
                 {{"type", NEBSourceControlRequestStatus}, {"workDoneToken", nullptr}});

@@ -216,8 +216,8 @@ TEST_F(CloneRequest, RefusesADestinationThatIsNotAbsolute) {
                        {.folder = folder.path()});
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors,
-                    testing::StartsWith("nebsc: the request's member \"destination\" is \""));
-        EXPECT_THAT(outcome.errors, HasSubstr("for a clone an absolute path was expected"));
+                    testing::StartsWith("nebsc: the request's member 'destination' is '"));
+        EXPECT_THAT(outcome.errors, HasSubstr("expected an absolute path for a clone"));
         EXPECT_EQ(outcome.exitStatus, 2);
     }
     EXPECT_TRUE(fs::is_empty(folder.path()));

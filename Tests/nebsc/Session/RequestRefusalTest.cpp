@@ -27,27 +27,27 @@ TEST_P(RefusedRequest, NamesTheMemberAndTheExpectedValue) {
     EXPECT_EQ(refusalOf(GetParam().json), GetParam().refusal);
 }
 
-constexpr const char* expectedType = "; an integer from -2147483648 to 2147483647 was expected.";
+constexpr const char* expectedType = "; expected an integer from -2147483648 to 2147483647.";
 
 INSTANTIATE_TEST_SUITE_P(
     Whole, RefusedRequest,
-    testing::Values(RefusalRow{"", "The request is empty; a JSON object was expected."},
-                    RefusalRow{" \n\t", "The request is empty; a JSON object was expected."},
-                    RefusalRow{"null", "The request is null; an object was expected."},
-                    RefusalRow{"true", "The request is a boolean; an object was expected."},
-                    RefusalRow{"15", "The request is an integer; an object was expected."},
-                    RefusalRow{"\"15\"", "The request is a string; an object was expected."},
-                    RefusalRow{"[]", "The request is an array; an object was expected."},
-                    RefusalRow{
-                        "{}", "The request's member \"type\" is missing; an integer was expected."},
-                    RefusalRow{"1e999", "The request is a number too large to be read."}));
+    testing::Values(RefusalRow{"", "The request is empty; expected a JSON object."},
+                    RefusalRow{" \n\t", "The request is empty; expected a JSON object."},
+                    RefusalRow{"null", "The request is null; expected an object."},
+                    RefusalRow{"true", "The request is a boolean; expected an object."},
+                    RefusalRow{"15", "The request is an integer; expected an object."},
+                    RefusalRow{"\"15\"", "The request is a string; expected an object."},
+                    RefusalRow{"[]", "The request is an array; expected an object."},
+                    RefusalRow{"{}",
+                               "The request's member 'type' is missing; expected an integer."},
+                    RefusalRow{"1e999", "The request is a number that is too large."}));
 
 TEST(RequestJSON, ShowsNoPasswordOfAURL) {
     const std::string password(400, 's');
     const std::string url = "http://ann:" + password + "@host";
     EXPECT_EQ(refusalOf(R"({"type": 29, "destination": ")" + url + "\"}"),
-              "The request's member \"destination\" is \"http://ann:<redacted>@host\"; for a clone "
-              "an absolute path was expected, from \"/\" on.");
+              "The request's member 'destination' is 'http://ann:<redacted>@host'; expected "
+              "an absolute path for a clone.");
     const RequestReading reading =
         requestFromJSON(R"({"type": 29, "sourceTree": {"location": ")" + url + "\"}}");
     ASSERT_NE(reading.request, nullptr) << reading.refusal;
@@ -56,7 +56,7 @@ TEST(RequestJSON, ShowsNoPasswordOfAURL) {
 }
 
 TEST(RequestJSON, ExplainsWhyATypeIsInvalid) {
-    const std::string start = "The request's member \"type\" is ";
+    const std::string start = "The request's member 'type' is ";
     EXPECT_EQ(refusalOf(R"({"type": null})"), start + "null" + expectedType);
     EXPECT_EQ(refusalOf(R"({"type": "15"})"), start + "a string" + expectedType);
     EXPECT_EQ(refusalOf(R"({"type": true})"), start + "a boolean" + expectedType);
@@ -66,98 +66,102 @@ TEST(RequestJSON, ExplainsWhyATypeIsInvalid) {
     EXPECT_EQ(refusalOf(R"({"type": -2147483649})"), start + "-2147483649" + expectedType);
     for (const char* number : {"15.0", "1e1", "18446744073709551615", "99999999999999999999"}) {
         EXPECT_EQ(refusalOf(std::string(R"({"type": )") + number + "}"),
-                  start + "a number that is no 64-bit integer" + expectedType);
+                  start + "a number that is not a 64-bit integer" + expectedType);
     }
-    EXPECT_EQ(refusalOf(R"({"type": 1e999})"), start + "a number too large to be read.");
+    EXPECT_EQ(refusalOf(R"({"type": 1e999})"), start + "a number that is too large.");
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, RefusedRequest,
     testing::Values(
         RefusalRow{R"({"type": 0, "sourceTree": "/w"})",
-                   "The request's member \"sourceTree\" is a string; an object was expected."},
+                   "The request's member 'sourceTree' is a string; expected an object."},
         RefusalRow{R"({"type": 0, "repositoryToAuthenticate": [1]})",
-                   "The request's member \"repositoryToAuthenticate\" is an array; an object was "
-                   "expected."},
+                   "The request's member 'repositoryToAuthenticate' is an array; expected an "
+                   "object."},
         RefusalRow{R"({"type": 0, "sourceTree": {"location": 1}})",
-                   "The request's member \"sourceTree.location\" is an integer; a string was "
-                   "expected."},
+                   "The request's member 'sourceTree.location' is an integer; expected a "
+                   "string."},
         RefusalRow{R"({"type": 0, "sourceTree": {"name": false}})",
-                   "The request's member \"sourceTree.name\" is a boolean; a string was "
-                   "expected."},
+                   "The request's member 'sourceTree.name' is a boolean; expected a "
+                   "string."},
         RefusalRow{R"({"type": 0, "sourceTree": {"class": 1.5}})",
-                   "The request's member \"sourceTree.class\" is a number that is no 64-bit "
-                   "integer; a string was expected."},
-        RefusalRow{R"({"type": 0, "sourceTree": {"reachable": 1}})",
-                   "The request's member \"sourceTree.reachable\" is an integer; true or false "
-                   "was expected."},
-        RefusalRow{R"({"type": 0, "repositoryToAuthenticate": {"isValid": "yes"}})",
-                   "The request's member \"repositoryToAuthenticate.isValid\" is a string; true "
-                   "or false was expected."},
+                   "The request's member 'sourceTree.class' is a number that is not a "
+                   "64-bit integer; expected a string."},
+        RefusalRow{
+            R"({"type": 0, "sourceTree": {"reachable": 1}})",
+            "The request's member 'sourceTree.reachable' is an integer; expected true or false."},
+        RefusalRow{
+            R"({"type": 0, "repositoryToAuthenticate": {"isValid": "yes"}})",
+            "The request's member 'repositoryToAuthenticate.isValid' is a string; expected true "
+            "or false."},
         RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": 0}})",
-                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is an "
-                   "integer; true or false was expected."},
+                   "The request's member 'sourceTree.isRemoteDistributedRepository' is an "
+                   "integer; expected true or false."},
         RefusalRow{R"({"type": 0, "remote": true})",
-                   "The request's member \"remote\" is a boolean; an object was expected."},
-        RefusalRow{R"({"type": 0, "remote": {"representsGitSVNBridge": 1}})",
-                   "The request's member \"remote.representsGitSVNBridge\" is an integer; true or "
-                   "false was expected."},
-        RefusalRow{R"({"type": 0, "destination": []})",
-                   "The request's member \"destination\" is an array; a string, a number or a "
-                   "boolean was expected."},
-        RefusalRow{R"({"type": 0, "startingRevision": {}})",
-                   "The request's member \"startingRevision\" is an object; a string, a number or "
-                   "a boolean was expected."},
-        RefusalRow{R"({"type": 0, "endingRevision": [[1]]})",
-                   "The request's member \"endingRevision\" is an array; a string, a number or a "
-                   "boolean was expected."},
+                   "The request's member 'remote' is a boolean; expected an object."},
+        RefusalRow{
+            R"({"type": 0, "remote": {"representsGitSVNBridge": 1}})",
+            "The request's member 'remote.representsGitSVNBridge' is an integer; expected true or "
+            "false."},
+        RefusalRow{
+            R"({"type": 0, "destination": []})",
+            "The request's member 'destination' is an array; expected a string, a number or a "
+            "boolean."},
+        RefusalRow{
+            R"({"type": 0, "startingRevision": {}})",
+            "The request's member 'startingRevision' is an object; expected a string, a number or "
+            "a boolean."},
+        RefusalRow{
+            R"({"type": 0, "endingRevision": [[1]]})",
+            "The request's member 'endingRevision' is an array; expected a string, a number or a "
+            "boolean."},
         RefusalRow{R"({"type": 0, "files": "/a"})",
-                   "The request's member \"files\" is a string; an array was expected."},
+                   "The request's member 'files' is a string; expected an array."},
         RefusalRow{R"({"type": 0, "files": ["/a", "/b", ["/c"]]})",
-                   "The request's member \"files[2]\" is an array; a string, a number or a boolean "
-                   "was expected."},
+                   "The request's member 'files[2]' is an array; expected a string, a number or a "
+                   "boolean."},
         RefusalRow{R"({"type": 0, "options": [1]})",
-                   "The request's member \"options\" is an array; an object was expected."},
+                   "The request's member 'options' is an array; expected an object."},
         RefusalRow{R"({"type": 0, "options": {"NEBSourceControlRequestOptionBranch": {}}})",
-                   "The request's member \"options.NEBSourceControlRequestOptionBranch\" is an "
-                   "object; a string, a number or a boolean was expected."}));
+                   "The request's member 'options.NEBSourceControlRequestOptionBranch' is an "
+                   "object; expected a string, a number or a boolean."}));
 
 INSTANTIATE_TEST_SUITE_P(
     Values, RefusedRequest,
     testing::Values(
         RefusalRow{R"({"type": 0, "sourceTree": {"class": "NEBSourceControlTree"}})",
-                   "The request's member \"sourceTree.class\" is \"NEBSourceControlTree\"; "
-                   "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected."},
+                   "The request's member 'sourceTree.class' is 'NEBSourceControlTree'; expected "
+                   "NEBSourceControlWorkingTree or NEBSourceControlRepository."},
         RefusalRow{R"({"type": 0, "sourceTree": {"isRemoteDistributedRepository": true}})",
-                   "The request's member \"sourceTree.isRemoteDistributedRepository\" is true for "
-                   "a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be one, "
-                   "so false was expected."},
+                   "The request's member 'sourceTree.isRemoteDistributedRepository' is true for "
+                   "a NEBSourceControlWorkingTree; expected false, because only a "
+                   "NEBSourceControlRepository can be one."},
         RefusalRow{R"({"type": 15, "destination": "a", "type": 15})",
-                   "The request's member \"type\" is there twice; once was expected."},
+                   "The request's member 'type' appears twice."},
         RefusalRow{R"({"type": 0, "sourceTree": {"name": "a", "name": "a"}})",
-                   "The request's member \"sourceTree.name\" is there twice; once was expected."},
+                   "The request's member 'sourceTree.name' appears twice."},
         RefusalRow{R"({"type": 0, "files": [1, {"a": 1, "a": 2}]})",
-                   "The request's member \"files[1].a\" is there twice; once was expected."},
+                   "The request's member 'files[1].a' appears twice."},
         RefusalRow{R"({"type": 0, "files": ["/a", 1e999]})",
-                   "The request's member \"files[1]\" is a number too large to be read."}));
+                   "The request's member 'files[1]' is a number that is too large."}));
 
 TEST(RequestJSON, NamesTheUnknownMember) {
     EXPECT_EQ(refusalOf(R"({"type": 0, "Destination": "topic"})"),
-              "The request's member \"Destination\" is not known; known are type, sourceTree, "
+              "The request's member 'Destination' is unknown; expected one of type, sourceTree, "
               "repositoryToAuthenticate, destination, files, startingRevision, endingRevision, "
               "remote, options.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "sourceTree": {"path": "/w"}})"),
-              "The request's member \"sourceTree.path\" is not known; known are class, location, "
+              "The request's member 'sourceTree.path' is unknown; expected one of class, location, "
               "name, reachable, isValid, isRemoteDistributedRepository.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "remote": {"name": "origin"}})"),
-              "The request's member \"remote.name\" is not known; known are "
+              "The request's member 'remote.name' is unknown; expected one of "
               "representsGitSVNBridge.");
 }
 
 TEST(RequestJSON, NamesTheUnknownOptionAndEveryKnownOne) {
     const std::string refusal = refusalOf(R"({"type": 0, "options": {"branch": "topic"}})");
-    EXPECT_THAT(refusal,
-                testing::StartsWith("The request's member \"options.branch\" is not known"));
+    EXPECT_THAT(refusal, testing::StartsWith("The request's member 'options.branch' is unknown"));
     for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
         EXPECT_THAT(refusal, HasSubstr(key.text()));
     }
@@ -167,7 +171,7 @@ class InvalidJSON : public testing::TestWithParam<std::string> {};
 
 TEST_P(InvalidJSON, IsReportedWithLineAndColumn) {
     EXPECT_THAT(refusalOf(GetParam()),
-                testing::MatchesRegex("The request is no JSON: line 1, column [0-9]+: .*"));
+                testing::MatchesRegex("The request is not valid JSON: line 1, column [0-9]+: .*"));
 }
 
 INSTANTIATE_TEST_SUITE_P(RequestJSON, InvalidJSON,
@@ -210,9 +214,9 @@ TEST(RequestJSON, TruncatesTheMessageOfALongSyntaxError) {
 
 TEST(RequestJSON, RefusesANULByte) {
     EXPECT_EQ(refusalOf(std::string("{\"type\": 1}\0{\"type\": 9,,,", 23)),
-              "The request is no JSON: byte 12 is NUL.");
+              "The request is not valid JSON: byte 12 is NUL.");
     EXPECT_EQ(refusalOf(std::string("{\"type\": 1\0}", 12)),
-              "The request is no JSON: byte 11 is NUL.");
+              "The request is not valid JSON: byte 11 is NUL.");
 }
 
 TEST(RequestJSON, RefusesARelativeLocation) {
@@ -221,26 +225,27 @@ TEST(RequestJSON, RefusesARelativeLocation) {
     };
     for (const char* location : {"", ".", "relative", "../r"}) {
         EXPECT_EQ(refusalOf(with(location)),
-                  std::string("The request's member \"sourceTree.location\" is \"") + location +
-                      "\"; an absolute path or a URL was expected.");
+                  std::string("The request's member 'sourceTree.location' is '") + location +
+                      "'; expected an absolute path or a URL.");
     }
 }
 
 TEST(RequestJSON, ShowsAnEmptyName) {
-    EXPECT_THAT(refusalOf(R"({"type": 15, "": 1})"),
-                testing::StartsWith("The request's member \"\"\"\" is not known; known are type,"));
+    EXPECT_THAT(
+        refusalOf(R"({"type": 15, "": 1})"),
+        testing::StartsWith("The request's member '\"\"' is unknown; expected one of type,"));
 }
 
 TEST(RequestJSON, ShowsInputOnOneLine) {
     EXPECT_THAT(
         refusalOf(R"({"type": 1, "sourceTree": {"loc\nation": "/w"}})"),
         testing::StartsWith(
-            R"(The request's member "sourceTree.loc\nation" is not known; known are class)"));
+            R"(The request's member 'sourceTree.loc\nation' is unknown; expected one of class)"));
     EXPECT_EQ(refusalOf(R"({"type": 1, "sourceTree": {"class": "a\n\u001b[31mb\u202e"}})"),
-              R"(The request's member "sourceTree.class" is "a\n\x1b[31mb\u202e"; )"
-              "NEBSourceControlWorkingTree or NEBSourceControlRepository was expected.");
+              R"(The request's member 'sourceTree.class' is 'a\n\x1b[31mb\u202e'; expected )"
+              "NEBSourceControlWorkingTree or NEBSourceControlRepository.");
     EXPECT_THAT(refusalOf(R"({"type": 1, "files": [{"\r": 1, "\r": 2}]})"),
-                testing::HasSubstr(R"("files[0].\r" is there twice)"));
+                testing::HasSubstr(R"('files[0].\r' appears twice)"));
 }
 
 TEST(RequestJSON, TruncatesLongInput) {

@@ -79,18 +79,18 @@ public:
     bool key(string_t& name) override {
         _key = std::move(name);
         return _open.back().names.insert(_key).second ||
-               refuse(subjectAt(pathOfNext()) + " is there twice; once was expected.");
+               refuse(subjectAt(pathOfNext()) + " appears twice.");
     }
 
     bool parse_error(std::size_t /*position*/, const std::string& /*lastToken*/,
                      const json::exception& exception) override {
         const std::string what = exception.what();
         if (dynamic_cast<const json::out_of_range*>(&exception) != nullptr) {
-            return fail(subjectAt(pathOfNext()) + " is a number too large to be read.");
+            return fail(subjectAt(pathOfNext()) + " is a number that is too large.");
         }
         // "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error …"
         const std::size_t line = what.find("line ");
-        return fail("The request is no JSON: " +
+        return fail("The request is not valid JSON: " +
                     shortened(line == std::string::npos ? what : what.substr(line)) + ".");
     }
 
@@ -181,7 +181,7 @@ std::string_view nameOfKind(JSONNode::Kind kind) {
         case JSONNode::Kind::integer:
             return "an integer";
         case JSONNode::Kind::otherNumber:
-            return "a number that is no 64-bit integer";
+            return "a number that is not a 64-bit integer";
         case JSONNode::Kind::string:
             return "a string";
         case JSONNode::Kind::array:
@@ -200,12 +200,12 @@ JSONReading readJSON(std::string_view text) {
             .isRefusedJSON = true};
     }
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
-        return {std::nullopt, "The request is empty; a JSON object was expected."};
+        return {std::nullopt, "The request is empty; expected a JSON object."};
     }
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
         // The parser would treat it as the end of the text and ignore the rest.
         return {std::nullopt,
-                "The request is no JSON: byte " + std::to_string(nul + 1) + " is NUL."};
+                "The request is not valid JSON: byte " + std::to_string(nul + 1) + " is NUL."};
     }
     TreeBuilder builder;
     json::sax_parse(text, &builder);
@@ -223,7 +223,7 @@ std::string pathOfElement(std::string_view path, std::size_t index) {
 
 std::string subjectAt(std::string_view path) {
     return path.empty() ? "The request"
-                        : "The request's member \"" + shortened(std::string(path)) + "\"";
+                        : "The request's member " + inQuotes(shortened(std::string(path)));
 }
 
 }  // namespace neb::nebsc

@@ -61,7 +61,7 @@ struct JSONReading {
 [[nodiscard]] std::string pathOfMember(std::string_view path, std::string_view name);
 [[nodiscard]] std::string pathOfElement(std::string_view path, std::size_t index);
 
-/// Returns `The request's member "path"`, or `The request` for the empty path.
+/// Returns "The request's member 'path'", or "The request" for the empty path.
 [[nodiscard]] std::string subjectAt(std::string_view path);
 
 /// Returns untrusted text in a form for messages: on one line, with control characters as escape

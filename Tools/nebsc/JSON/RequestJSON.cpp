@@ -8,6 +8,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -47,17 +48,16 @@ std::shared_ptr<NEBSourceControlSourceTree> makeSourceTree(Refusal& refusal, con
         return repository;
     }
     if (className != "NEBSourceControlWorkingTree") {
-        refusal.sentence = subjectAt(pathOfMember(input.path, "class")) + " is \"" +
-                           shortened(className) +
-                           "\"; NEBSourceControlWorkingTree or NEBSourceControlRepository was "
-                           "expected.";
+        refusal.sentence = subjectAt(pathOfMember(input.path, "class")) + " is " +
+                           inQuotes(shortened(className)) +
+                           "; expected NEBSourceControlWorkingTree or NEBSourceControlRepository.";
         return nullptr;
     }
     if (members.isRemoteDistributedRepository) {
         refusal.sentence =
             subjectAt(pathOfMember(input.path, "isRemoteDistributedRepository")) +
-            " is true for a NEBSourceControlWorkingTree; only a NEBSourceControlRepository can be "
-            "one, so false was expected.";
+            " is true for a NEBSourceControlWorkingTree; expected false, because only a "
+            "NEBSourceControlRepository can be one.";
         return nullptr;
     }
     return std::make_shared<NEBSourceControlWorkingTree>();
@@ -82,9 +82,9 @@ bool readSourceTree(Refusal& refusal, const InputNode& input,
         return false;
     }
     if (members.location && !isLocation(*members.location)) {
-        refusal.sentence = subjectAt(pathOfMember(input.path, "location")) + " is \"" +
-                           shortened(*members.location) +
-                           "\"; an absolute path or a URL was expected.";
+        refusal.sentence = subjectAt(pathOfMember(input.path, "location")) + " is " +
+                           inQuotes(shortened(*members.location)) +
+                           "; expected an absolute path or a URL.";
         return false;
     }
     tree = makeSourceTree(refusal, input, members);
@@ -193,9 +193,9 @@ bool checkCloneDestination(Refusal& refusal, const Request& request) {
     const bool isRelative =
         destination.isPresent() && !destination.string().value_or("").starts_with('/');
     if (isRelative && NEBSourceControlDescriptionOfRequestType(request.type).worksInDestination) {
-        refusal.sentence = subjectAt("destination") + " is \"" +
-                           shortened(destination.description()) +
-                           "\"; for a clone an absolute path was expected, from \"/\" on.";
+        refusal.sentence = subjectAt("destination") + " is " +
+                           inQuotes(shortened(destination.description())) +
+                           "; expected an absolute path for a clone.";
         return false;
     }
     return true;
@@ -212,7 +212,7 @@ bool readRequest(Refusal& refusal, const JSONNode& root, Request& request) {
     const bool hasType = std::any_of(root.children.begin(), root.children.end(),
                                      [](const JSONNode& child) { return child.name == "type"; });
     if (!hasType) {
-        return refusal.wrongValue({root, "type"}, "is missing; an integer was expected");
+        return refusal.wrongValue({root, "type"}, "is missing; expected an integer");
     }
     return checkCloneDestination(refusal, request);
 }
@@ -234,8 +234,8 @@ RequestReading requestFromJSON(const JSONNode& root) {
 }
 
 std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value) {
-    return subjectAt(value.field) + " is \"" + shortened(value.value) +
-           "\"; it is refused here, as git would " + std::string(value.danger) + ".";
+    return subjectAt(value.field) + " is " + inQuotes(shortened(value.value)) +
+           ", which is refused, because git would " + std::string(value.danger) + ".";
 }
 
 }  // namespace neb::nebsc

@@ -33,9 +33,9 @@ bool Refusal::wrongKind(const InputNode& input, std::string_view expected) {
     sentence = subjectAt(input.path)
                    .append(" is ")
                    .append(nameOfKind(input.node.kind))
-                   .append("; ")
+                   .append("; expected ")
                    .append(expected)
-                   .append(" was expected.");
+                   .append(".");
     return false;
 }
 
@@ -51,8 +51,8 @@ bool readType(Refusal& refusal, const InputNode& input, std::int32_t& type) {
         return refusal.wrongKind(input, expected);
     }
     if (input.node.integer < Limits::min() || input.node.integer > Limits::max()) {
-        return refusal.wrongValue(input, "is " + std::to_string(input.node.integer) + "; " +
-                                             std::string(expected) + " was expected");
+        return refusal.wrongValue(input, "is " + std::to_string(input.node.integer) +
+                                             "; expected " + std::string(expected));
     }
     type = static_cast<std::int32_t>(input.node.integer);
     return true;
@@ -98,7 +98,7 @@ bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value) {
 }
 
 bool refuseUnknownMember(Refusal& refusal, const InputNode& input, std::string_view known) {
-    return refusal.wrongValue(input, "is not known; known are " + std::string(known));
+    return refusal.wrongValue(input, "is unknown; expected one of " + std::string(known));
 }
 
 }  // namespace neb::nebsc

@@ -34,7 +34,7 @@ struct InputNode {
 struct Refusal {
     std::string sentence;
 
-    /// Stores "… is an array; a string was expected." Returns false.
+    /// Stores "… is an array; expected a string." Returns false.
     bool wrongKind(const InputNode& input, std::string_view expected);
     /// Stores "… is missing.", where `reason` is "is missing". Returns false.
     bool wrongValue(const InputNode& input, std::string_view reason);

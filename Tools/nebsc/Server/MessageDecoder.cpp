@@ -124,7 +124,7 @@ bool MessageDecoder::takeHeaderLine(std::string_view line) {
         }
         _length = numberIn(withoutBlanks(line.substr(colon + 1)));
         if (!_length) {
-            return fail("A message's Content-Length is no number: " +
+            return fail("A message's Content-Length is not a number: " +
                         inQuotes(std::string(line.substr(0, 60))) + ".");
         }
     }

@@ -24,7 +24,7 @@ ProgressToken takeProgressToken(JSONNode& params) {
     ProgressToken taken{.value = stringOrInteger(*token), .refusal = {}};
     if (!taken.value && token->kind != JSONNode::Kind::null) {
         taken.refusal = subjectAt(name) + " is " + std::string(nameOfKind(token->kind)) +
-                        "; a string or an integer was expected.";
+                        "; expected a string or an integer.";
     }
     params.children.erase(token);
     return taken;

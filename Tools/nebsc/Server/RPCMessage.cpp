@@ -88,27 +88,27 @@ RPCReading messageIn(const JSONNode& root) {
     if (root.kind != Kind::object) {
         return refuse(nullptr, root.kind == Kind::array
                                    ? "The message is a batch; send one message at a time."
-                                   : "The message is no object.");
+                                   : "The message must be an object.");
     }
     RPCMessage message;
     if (const JSONNode* id = memberOf(root, "id")) {
         message.id = stringOrInteger(*id);
         if (!message.id && id->kind != Kind::null) {
-            return refuse(nullptr, "The message's id is neither a string nor an integer.");
+            return refuse(nullptr, "The message's member 'id' must be a string or an integer.");
         }
         message.id = message.id.value_or(nullptr);
     }
     const JSON id = message.id.value_or(nullptr);
     const JSONNode* version = memberOf(root, "jsonrpc");
     if (version == nullptr || version->kind != Kind::string || version->text != "2.0") {
-        return refuse(id, "The message's member \"jsonrpc\" is not \"2.0\".");
+        return refuse(id, "The message's member 'jsonrpc' must be '2.0'.");
     }
     const JSONNode* method = memberOf(root, "method");
     if (method == nullptr && (memberOf(root, "result") || memberOf(root, "error"))) {
         return {};
     }
     if (method == nullptr || method->kind != Kind::string) {
-        return refuse(id, "The message's member \"method\" is no string.");
+        return refuse(id, "The message's member 'method' must be a string.");
     }
     message.method = method->text;
     if (const JSONNode* params = memberOf(root, "params")) {

@@ -16,6 +16,7 @@
 #include "Platform/ErrnoText.h"
 #include "Session/GitProgram.h"
 #include "Session/OperationRun.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -116,7 +117,7 @@ void Server::readFrom(int input) {
             handleMessages();
         } else if (count == 0) {
             if (!_decoder.isBetweenMessages()) {
-                _end.failure = "The client has gone in the middle of a message.";
+                _end.failure = "The client closed its end in the middle of a message.";
             }
             return;
         } else if (errno != EINTR && errno != EAGAIN) {
@@ -156,8 +157,8 @@ void Server::handle(const MessageDecoder::Frame& frame) {
     if (frame.length > longestJSONText) {
         _writer->send(rpcError(nullptr, RPCErrorCode::invalidRequest,
                                "The message has " + std::to_string(frame.length) +
-                                   " bytes; at most " + std::to_string(longestJSONText) +
-                                   " are taken."));
+                                   " bytes; the limit is " + std::to_string(longestJSONText) +
+                                   "."));
         return;
     }
     JSON id;
@@ -190,13 +191,12 @@ void Server::dispatch(RPCMessage& message) {
     }
     if (!isKnown || method->isNotification) {
         refuse(message, RPCErrorCode::methodNotFound,
-               "The method \"" + shortened(message.method) + "\" is not known.");
+               "The method " + inQuotes(shortened(message.method)) + " is unknown.");
     } else if (_state == State::fresh && !method->isForAnyState) {
         refuse(message, RPCErrorCode::serverNotInitialized,
-               "The first request must be \"initialize\".");
+               "The first request must be 'initialize'.");
     } else if (_state == State::shutDown) {
-        refuse(message, RPCErrorCode::invalidRequest,
-               "After \"shutdown\" no request is taken any more.");
+        refuse(message, RPCErrorCode::invalidRequest, "No request is accepted after 'shutdown'.");
     } else {
         (this->*method->handler)(message);
     }
@@ -210,7 +210,7 @@ void Server::refuse(const RPCMessage& message, RPCErrorCode code, std::string_vi
 
 void Server::initialize(RPCMessage& message) {
     if (_state != State::fresh) {
-        refuse(message, RPCErrorCode::invalidRequest, "The server is initialized already.");
+        refuse(message, RPCErrorCode::invalidRequest, "The server is already initialized.");
         return;
     }
     _state = State::initialized;
@@ -316,7 +316,7 @@ std::weak_ptr<Job> Server::start(const RPCMessage& message, std::optional<std::s
         const MutexLock lock(_mutex);
         if (!_jobs.try_emplace(message.id->dump(), job).second) {
             refuse(message, RPCErrorCode::invalidRequest,
-                   "A request with the id " + message.id->dump() + " is still worked at.");
+                   "A request with the id " + message.id->dump() + " is still running.");
             return {};
         }
     }
@@ -358,7 +358,7 @@ void Server::finish(Job& job, const std::string& response) {
 void Server::cancel(Job& job) {
     if (job.cancel()) {
         finish(job, rpcError(job.id(), RPCErrorCode::requestCancelled,
-                             "The request was cancelled before it began."));
+                             "The request was cancelled before it started."));
     }
 }
 

@@ -143,5 +143,15 @@ TEST_F(MovedProgram, NamesTheMissingFile) {
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 
+TEST(PlugIn, IsNotNeededForTheManualAndForCompletionScripts) {
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"manual"}, {"completion", "bash"}}) {
+        std::vector<std::string> arguments{"--plugin", "/nosuch/NEBGit.so"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        expectDone(runNebsc(arguments), runNebsc(command).output);
+        EXPECT_THAT(runNebsc(arguments).output, testing::Not(testing::IsEmpty()));
+    }
+}
+
 }  // namespace
 }  // namespace neb::test

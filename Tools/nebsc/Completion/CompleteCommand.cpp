@@ -104,13 +104,14 @@ constinit const Command completeCommand{
     .group = hiddenGroup,
     .summary = "Print the completions of the argument being typed",
     .details =
-        "For the completion scripts of shells. The first line names the paths that the shell adds\n"
-        "itself: none, files or folders (for --option=PATH those after the \"=\"; none after -C,\n"
-        "where they are among the candidates). Each further line is a candidate, optionally\n"
-        "followed by a TAB and a description. Anything that fails leaves candidates out. Takes at\n"
-        "most one second.\n\n"
+        "For the completion scripts of shells. The first line names the paths that the\n"
+        "shell adds itself: none, files or folders (for --option=PATH those after the\n"
+        "'='; none after -C, where they are among the candidates). Each further line is a\n"
+        "candidate, optionally followed by a TAB and a description. Anything that fails\n"
+        "leaves candidates out. Takes at most one second.\n"
+        "\n"
         "Example:\n"
-        "  nebsc complete -- checkout ma    the branches and tags that start with \"ma\"\n",
+        "  nebsc complete -- checkout ma    the branches and tags that start with 'ma'\n",
     .parameters = parameters,
     .run = run,
 };

@@ -39,13 +39,15 @@ constinit const Command completionCommand{
     .group = shellGroup,
     .summary = "Print the completion script of a shell",
     .details =
-        "The script completes commands, options, branches and files. An installed nebsc needs no\n"
-        "setup: its scripts are where the shells look for them.\n\n"
+        "The script completes commands, options, branches and files. An installed nebsc\n"
+        "needs no setup: its scripts are where the shells look for them.\n"
+        "\n"
         "Examples:\n"
         "  eval \"$(nebsc completion bash)\"      enable it in bash (~/.bashrc)\n"
         "  source <(nebsc completion zsh)       in zsh (~/.zshrc, after compinit)\n"
         "  nebsc completion fish | source       in fish (~/.config/fish/config.fish)\n",
     .parameters = parameters,
+    .needsPlugIn = false,
     .run = run,
 };
 

@@ -25,10 +25,12 @@ constinit const Command serveCommand{
     .group = requestsGroup,
     .summary = "Serve requests over JSON-RPC, as language servers do",
     .details =
-        "Uses JSON-RPC 2.0 on standard input and output; each message has a Content-Length\n"
-        "header. Requests run in parallel; those that write to the same working copy run one\n"
-        "after the other. Ends after \"exit\" or when the client closes its streams. The exit\n"
-        "status is 0 after \"shutdown\", else 1. docs/server.md describes the methods.\n\n"
+        "Uses JSON-RPC 2.0 on standard input and output; each message has a\n"
+        "Content-Length header. Requests run in parallel; those that write to the same\n"
+        "working copy run one after the other. Ends after 'exit' or when the client\n"
+        "closes its streams. The exit status is 0 after 'shutdown' and 'exit', else 1.\n"
+        "docs/server.md describes the methods.\n"
+        "\n"
         "Example:\n"
         "  nebsc serve    run by an editor\n",
     .run = run,

@@ -138,8 +138,8 @@ TEST_F(MovedProgram, LoadsThePlugInOfItsOwnDirectoryLast) {
 
 TEST_F(MovedProgram, NamesTheMissingFile) {
     const NebscOutcome outcome = types();
-    EXPECT_EQ(outcome.errors, "nebsc: the plug-in \"" + folder.path("lib/nebgit/NEBGit.so") +
-                                  "\" could not be read: No such file or directory\n");
+    EXPECT_EQ(outcome.errors, "nebsc: the plug-in '" + folder.path("lib/nebgit/NEBGit.so") +
+                                  "' could not be read: No such file or directory\n");
     EXPECT_EQ(outcome.exitStatus, 2);
 }
 

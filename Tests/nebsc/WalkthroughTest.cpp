@@ -84,7 +84,7 @@ TEST(Walkthrough, TwoPeopleShareABareRepository) {
     run("", {"init", "--bare", "shared.git"});
     run("", {"clone", "shared.git", "ann"});
     commit("ann", "hello.c");
-    const std::string pushed = "Pushed main to main on 'origin'.\n";
+    const std::string pushed = "Pushed 'main' to 'main' on 'origin'.\n";
     EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
 
     run("", {"clone", "shared.git", "ben"});
@@ -92,10 +92,10 @@ TEST(Walkthrough, TwoPeopleShareABareRepository) {
     EXPECT_EQ(run("ben", {"checkout", "more"}), "Now on branch 'more'.\n");
     commit("ben", "more.c");
     EXPECT_EQ(run("ben", {"push", "origin", "more:feature/more"}),
-              "Pushed more to feature/more on 'origin'.\n");
+              "Pushed 'more' to 'feature/more' on 'origin'.\n");
 
     EXPECT_EQ(run("ann", {"branch", "track", "review", "origin/feature/more"}),
-              "Created branch 'review', which tracks origin/feature/more.\n");
+              "Created branch 'review', which tracks 'origin/feature/more'.\n");
     EXPECT_THAT(run("ann", {"merge", "review"}), HasSubstr("Merged 'review'; now at "));
     EXPECT_EQ(run("ann", {"push", "origin", "main:main"}), pushed);
 
@@ -104,10 +104,10 @@ TEST(Walkthrough, TwoPeopleShareABareRepository) {
     const std::vector<std::string> push{"push", "origin", "main:main"};
     expectFailed(runNebsc(push, {.folder = folder.path("ben")}),
                  HasSubstr("does not have the latest remote changes"));
-    EXPECT_THAT(run("ben", {"update"}), HasSubstr("Updated from origin/main; now at "));
+    EXPECT_THAT(run("ben", {"update"}), HasSubstr("Updated from 'origin/main'; now at "));
     EXPECT_EQ(run("ben", push), pushed);
 
-    EXPECT_THAT(run("ann", {"update", "--ff"}), HasSubstr("Updated from origin/main; now at "));
+    EXPECT_THAT(run("ann", {"update", "--ff"}), HasSubstr("Updated from 'origin/main'; now at "));
     for (const char* file : {"hello.c", "more.c", "ben.c"}) {
         EXPECT_EQ(folder.read("ann/" + std::string(file)), "int x;\n");
     }

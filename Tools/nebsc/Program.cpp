@@ -13,6 +13,7 @@
 #include "Session/PlugInLocation.h"
 #include "Session/StartFolder.h"
 #include "Terminal/Colour.h"
+#include "Terminal/ErrorText.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -38,7 +39,7 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
     std::unique_ptr<const NEBSourceControlProtocol> controller;
     if (isForVersions || commandLine.command()->needsPlugIn) {
         if (!plugIn.load.plugIn) {
-            return refusal(plugIn.load.failure, exitNotUnderstood);
+            return refusal(withSingleQuotes(plugIn.load.failure), exitNotUnderstood);
         }
         controller = plugIn.load.plugIn->makePrincipalClass();
         if (!controller) {
@@ -68,6 +69,16 @@ CommandOutput run(const ParsedCommandLine& commandLine) {
     return runCommand(commandLine);
 }
 
+/// Runs the command. Reports a mistake that it finds in its arguments like one of the parser.
+CommandOutput runOrReportUsage(const ParsedCommandLine& commandLine) {
+    try {
+        return run(commandLine);
+    } catch (UsageError& error) {
+        error.commands = commandLine.commands;
+        return outputOf(error, allCommands());
+    }
+}
+
 /// Returns the output for the current exception: an error message, or an outcome if the command
 /// prints JSON.
 CommandOutput outputOfCurrentException(const ParsedCommandLine& commandLine) {
@@ -95,7 +106,7 @@ int runProgram(int argc, const char* const* argv) noexcept {
             return deliver(outputOf(*error, allCommands()));
         }
         commandLine = std::get<ParsedCommandLine>(std::move(parsed));
-        return deliver(run(commandLine));
+        return deliver(runOrReportUsage(commandLine));
     } catch (const std::exception&) {
         return deliver(outputOfCurrentException(commandLine));
     }

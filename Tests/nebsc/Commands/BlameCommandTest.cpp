@@ -94,7 +94,7 @@ TEST_F(BlameCommand, AnEmptyFileHasNoLines) {
 TEST_F(BlameCommand, ReportsWhatCannotBeBlamed) {
     expectFailed(blame({"nosuch", "src/grüße dir/b c.c"}), "nebsc: unknown revision 'nosuch'\n");
     expectFailed(blame({"nosuch.c"}), HasSubstr("nosuch.c"));
-    expectFailed(blame({}), HasSubstr("FILE is required"), 2);
+    expectFailed(blame({}), HasSubstr("missing argument 'FILE'"), 2);
     expectFailed(blame({""}), HasSubstr("argument 'REVISION' must not be empty"), 2);
     expectFailed(blame({"--", "--porcelain", "a.c"}), HasSubstr("'--porcelain' begins"), 2);
     expectFailed(blame({"a", "b", "c"}), HasSubstr("c"), 2);

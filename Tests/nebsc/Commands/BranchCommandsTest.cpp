@@ -191,7 +191,7 @@ TEST_F(BranchCommands, CreateFromARemoteBranchTracksIt) {
     makeRemote("origin", {"a/b"});
     repository.git({"fetch", "--quiet", "origin"});
     expectDone(nebsc({"branch", "create", "x", "origin/a/b"}),
-               "Created branch 'x', which tracks origin/a/b.\n");
+               "Created branch 'x', which tracks 'origin/a/b'.\n");
 }
 
 TEST_F(BranchCommands, CreateReportsFailures) {
@@ -246,8 +246,9 @@ TEST_F(BranchCommands, TrackFetchesARemoteBranch) {
     makeRemote("origin", {"feature/Grüße"});
     repository.git({"update-ref", "-d", "refs/remotes/origin/feature/Grüße"});
     expectDone(nebsc({"branch", "track", "mine", "origin/feature/Grüße"}, "src"),
-               "Created branch 'mine', which tracks origin/feature/Grüße.\n");
-    expectDone(nebsc({"branch", "tracking", "mine"}, "src"), "mine tracks origin/feature/Grüße.\n");
+               "Created branch 'mine', which tracks 'origin/feature/Grüße'.\n");
+    expectDone(nebsc({"branch", "tracking", "mine"}, "src"),
+               "'mine' tracks 'origin/feature/Grüße'.\n");
     const NebscOutcome json = nebsc({"branch", "tracking", "mine", "--json"});
     EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationRemoteNameKey"], "origin");
     EXPECT_EQ(json.json()["result"][0]["NEBSourceControlOperationNameKey"], "Grüße");
@@ -258,7 +259,7 @@ TEST_F(BranchCommands, TrackFetchesARemoteBranch) {
 TEST_F(BranchCommands, TrackAcceptsARemoteNameWithASlash) {
     makeRemote("team/one", {"b/c"});
     expectDone(nebsc({"branch", "track", "mine", "team/one/b/c"}),
-               "Created branch 'mine', which tracks team/one/b/c.\n");
+               "Created branch 'mine', which tracks 'team/one/b/c'.\n");
     EXPECT_EQ(repository.git({"config", "branch.mine.remote"}), "team/one\n");
     EXPECT_EQ(repository.git({"config", "branch.mine.merge"}), "refs/heads/b/c\n");
 }
@@ -267,8 +268,8 @@ TEST_F(BranchCommands, TrackReportsFailures) {
     makeRemote("origin", {"topic"});
     for (const char* name : {"topic", "/topic", "origin/"}) {
         expectFailed(nebsc({"branch", "track", "x", name}),
-                     "nebsc: '" + std::string(name) +
-                         "' is not a branch of a remote; expected REMOTE/BRANCH\n",
+                     HasSubstr("invalid value '" + std::string(name) +
+                               "' for argument 'REMOTE/BRANCH'; expected a remote and its branch"),
                      2);
     }
     expectFailed(nebsc({"branch", "track", "x", "nosuch/topic"}),
@@ -295,7 +296,7 @@ TEST_F(BranchCommands, TrackSucceedsIfOnlyATagCannotBeFetched) {
     repository.git({"tag", "--force", "v1"});
     repository.git({"config", "remote.origin.tagOpt", "--tags"});
     const NebscOutcome outcome = nebsc({"branch", "track", "mine", "origin/topic"});
-    EXPECT_EQ(outcome.output, "Created branch 'mine', which tracks origin/topic.\n");
+    EXPECT_EQ(outcome.output, "Created branch 'mine', which tracks 'origin/topic'.\n");
     EXPECT_EQ(outcome.errors,
               "nebsc: the fetch did not complete; 'nebsc fetch origin' shows why\n");
     EXPECT_EQ(outcome.exitStatus, 0);
@@ -315,13 +316,15 @@ TEST_F(BranchCommands, ReportsABranchThatTheRefspecsLeaveOut) {
     expectFailed(nebsc({"branch", "track", "x", "origin/it's"}),
                  HasSubstr("set-branches --add origin 'it'\\''s'' adds"));
     expectFailed(nebsc({"branch", "track", "x", "origin/opic"}), HasSubstr("has no branch 'opic'"));
-    EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic", "--json"}).json()["error"]["class"],
-              "remote-branch-unknown");
+    const auto error = nebsc({"branch", "track", "x", "origin/topic", "--json"}).json()["error"];
+    EXPECT_EQ(error["class"], "remote-branch-unknown");
+    EXPECT_EQ(error["localizedRecoverySuggestion"],
+              "'git remote set-branches --add origin topic' adds it to the setting.");
     repository.git({"update-ref", "-d", "refs/remotes/origin/topic"});
     EXPECT_EQ(nebsc({"branch", "track", "x", "origin/topic"}).errors, outcome.errors);
     repository.git({"remote", "set-branches", "--add", "origin", "topic"});
     expectDone(nebsc({"branch", "track", "x", "origin/topic"}),
-               "Created branch 'x', which tracks origin/topic.\n");
+               "Created branch 'x', which tracks 'origin/topic'.\n");
 }
 
 TEST_F(BranchCommands, TrackMakesNoClaimAboutAnUnreachableRemote) {
@@ -350,9 +353,10 @@ TEST_F(BranchCommands, TrackingReportsABranchWithoutUpstream) {
 
 TEST_F(BranchCommands, TrackingShowsLocalBranchesAndURLs) {
     repository.git({"branch", "--quiet", "--track", "local", "main"});
-    expectDone(nebsc({"branch", "tracking", "local"}), "local tracks main.\n");
+    expectDone(nebsc({"branch", "tracking", "local"}), "'local' tracks 'main'.\n");
     repository.git({"config", "branch.local.remote", "/somewhere.git"});
-    expectDone(nebsc({"branch", "tracking", "local"}), "local tracks main of '/somewhere.git'.\n");
+    expectDone(nebsc({"branch", "tracking", "local"}),
+               "'local' tracks 'main' of '/somewhere.git'.\n");
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ TEST_F(ExchangeCommands, FetchWithJSONPrintsTheOutcome) {
 TEST_F(ExchangeCommands, FetchReportsFailures) {
     expectFailed(nebsc(*ben, {"fetch", "nosuch"}),
                  HasSubstr("'nosuch' does not appear to be a git repository"));
-    const std::string arguments = "nebsc: expected REMOTE or --svn (see 'nebsc fetch --help')\n";
+    const auto arguments = HasSubstr("expected REMOTE or --svn\n");
     expectFailed(nebsc(*ben, {"fetch"}), arguments, 2);
     expectFailed(nebsc(*ben, {"fetch", "--svn", "origin"}), arguments, 2);
     expectFailed(nebsc(*ben, {"fetch", "--", "--upload-pack=x"}),
@@ -110,16 +110,16 @@ TEST_F(ExchangeCommands, ASilentGitFailureIsAnError) {
 TEST_F(ExchangeCommands, PushReportsTheBranches) {
     ann->commitFile("src/b", "b");
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}, "src"),
-               "Pushed main to main on 'origin'.\n");
+               "Pushed 'main' to 'main' on 'origin'.\n");
     expectFailed(nebsc(*ben, {"push", "origin", ""}),
                  HasSubstr("argument 'BRANCHES' must not be empty"), 2);
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push", "origin", "main:feature/Grüße"}),
-               "Pushed main to feature/Grüße on 'origin'.\n");
+               "Pushed 'main' to 'feature/Grüße' on 'origin'.\n");
     EXPECT_EQ(shared("feature/Grüße"), revision(*ann));
     ann->git({"branch", "topic"});
     expectDone(nebsc(*ann, {"push", bare(), "topic"}),
-               "Pushed topic to topic on '" + bare() + "'.\n");
+               "Pushed 'topic' to 'topic' on '" + bare() + "'.\n");
     const std::string nothing = "Nothing to push: 'origin' is up to date.\n";
     expectDone(nebsc(*ann, {"push", "origin", "main:main"}), nothing);
     ann->git({"checkout", "--quiet", "--detach"});
@@ -140,7 +140,7 @@ TEST_F(ExchangeCommands, PushShowsTheRemotesOutputEscaped) {
     bareHook("post-receive", "printf 'seen\\033[2J\\n'");
     ann->commitFile("b", "b");
     const NebscOutcome pushed = nebsc(*ann, {"push", "origin", "main:main"});
-    EXPECT_EQ(pushed.output, "Pushed main to main on 'origin'.\n");
+    EXPECT_EQ(pushed.output, "Pushed 'main' to 'main' on 'origin'.\n");
     EXPECT_THAT(pushed.errors, StartsWith("remote: seen"));
     EXPECT_THAT(pushed.errors, testing::Not(HasSubstr("\x1b")));
     EXPECT_EQ(pushed.exitStatus, 0);
@@ -153,7 +153,7 @@ TEST_F(ExchangeCommands, PushIsRefusedIfTheRemoteIsAhead) {
     expectFailed(
         nebsc(*ben, {"push", "origin", "main:main"}),
         AllOf(StartsWith("nebsc: the operation could not be performed because "
-                         "\"repository\" does not have the latest remote changes\n"
+                         "'repository' does not have the latest remote changes\n"
                          "Pull the remote changes and try again.\n"),
               HasSubstr("[rejected]"), EndsWith("\n'nebsc update' fetches and merges them.\n")));
     EXPECT_EQ(shared(), revision(*ann));
@@ -180,16 +180,15 @@ TEST_F(ExchangeCommands, PushNeverDeletesOrOverwrites) {
     ben->git({"commit", "--quiet", "--amend", "-m", "another"});
     for (const char* branches : {":main", "main:", "+main:main", "+main", ":"}) {
         expectFailed(nebsc(*ben, {"push", "origin", branches}),
-                     "nebsc: '" + std::string(branches) +
-                         "' does not name two branches; expected LOCAL:DEST\n",
+                     HasSubstr("invalid value '" + std::string(branches) +
+                               "' for argument 'BRANCHES'; expected LOCAL:DEST\n"),
                      2);
     }
     EXPECT_EQ(shared(), revision(*ann));
 }
 
 TEST_F(ExchangeCommands, PushReportsFailures) {
-    const std::string arguments =
-        "nebsc: expected REMOTE and LOCAL:DEST, or --svn (see 'nebsc push --help')\n";
+    const auto arguments = HasSubstr("expected REMOTE and LOCAL:DEST, or --svn\n");
     expectFailed(nebsc(*ann, {"push"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "origin"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), arguments, 2);

@@ -228,7 +228,7 @@ TEST_F(FileCommands, RevertListsFilesInConflict) {
     change({"a.c"});
     expectFailed(nebsc({"revert", "deep.c", "../a.c"}, "src"),
                  "nebsc: files with conflicts were left unchanged\nResolve the conflicts, then "
-                 "mark the files with \"git add\".\n"
+                 "mark the files with 'git add'.\n"
                  "    warning: path 'src/deep.c' is unmerged\n");
     EXPECT_EQ(state(), "UU src/deep.c\n");
     expectDone(nebsc({"revert", "a.c"}));

@@ -129,6 +129,17 @@ TEST_F(ListCommand, WorksInABareRepository) {
                  HasSubstr("is outside the repository '" + bare + "'"));
 }
 
+TEST_F(ListCommand, ReportsAMissingRootTree) {
+    repository.commitFile("a.c", "int a;\n");
+    const std::string tree = repository.git({"rev-parse", "HEAD^{tree}"});
+    std::filesystem::remove(
+        repository.path(".git/objects/" + tree.substr(0, 2) + "/" + tree.substr(2, 38)));
+    const NebscOutcome outcome = nebsc({"ls"});
+    expectFailed(outcome, HasSubstr("nebsc: objects of the repository are missing or damaged\n"));
+    EXPECT_THAT(outcome.errors, HasSubstr(tree.substr(0, 40)));
+    EXPECT_EQ(nebsc({"ls", "--json"}).json()["error"]["class"], "objects-damaged");
+}
+
 TEST_F(ListCommand, ReportsFailures) {
     expectFailed(nebsc({"ls", "/"}), HasSubstr("'/' is outside the working copy"));
     expectFailed(nebsc({"ls", ""}), HasSubstr("argument 'DIR' must not be empty"), 2);

@@ -173,7 +173,9 @@ TEST_F(LogCommand, AcceptsABranchNamedZero) {
 TEST_F(LogCommand, RefusesAnInvalidNumberOfCommits) {
     for (const char* count : {"x", "-1", "3x", "99999999999"}) {
         expectFailed(log({std::string("--limit=") + count}),
-                     HasSubstr(std::string(count) + "' is not a number of commits"), 2);
+                     HasSubstr("invalid value '" + std::string(count) +
+                               "' for option '--limit'; expected a number of commits"),
+                     2);
     }
     EXPECT_EQ(log({"-n", "0"}).errors, "No matching commits.\n");
 }

@@ -312,7 +312,7 @@ TEST_F(StatusCommand, FailsInABareRepository) {
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
               "nebsc: the folder is not in a working copy: it is in a bare repository or in a "
-              "\".git\" folder\n"
+              "'.git' folder\n"
               "Change to the working copy, or clone the repository to get one.\n"
               "    fatal: this operation must be run in a work tree\n");
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -357,7 +357,7 @@ TEST_F(StatusCommand, ReportsAGitThatCannotBeStarted) {
     const std::string broken = empty.writeProgram("git", "#!/no/such/interpreter\n");
     const NebscOutcome outcome =
         runNebsc({"status"}, {.folder = repository.path(), .variables = {{"PATH", empty.path()}}});
-    EXPECT_THAT(outcome.errors, HasSubstr("\"" + broken + "\" could not be started"));
+    EXPECT_THAT(outcome.errors, HasSubstr("'" + broken + "' could not be started"));
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 

@@ -62,17 +62,17 @@ TEST_F(SubversionCommands, TwoPeopleWorkTogether) {
     expectDone(nebsc(ben, {"add", "b"}));
     EXPECT_EQ(nebsc(ben, {"commit", "-m", "from Ben"}).exitStatus, 0);
     const NebscOutcome updated = nebsc(ben, {"update", "--svn"});
-    expectDone(updated, "Updated from " + reference + "; " + now(ben));
+    expectDone(updated, "Updated from '" + reference + "'; " + now(ben));
     EXPECT_EQ(content(ben, "a"), "ann\n");
     EXPECT_EQ(content(ben, "b"), "ben\n");
     EXPECT_EQ(ben.git({"rev-list", "--count", reference + "..HEAD"}), "1\n");
-    expectDone(nebsc(ben, {"update", "--svn"}), "Already up to date with " + reference + ".\n");
+    expectDone(nebsc(ben, {"update", "--svn"}), "Already up to date with '" + reference + "'.\n");
     EXPECT_EQ(nebsc(ben, {"push", "--svn"}).exitStatus, 0);
     EXPECT_EQ(server.content("trunk/b"), "ben\n");
     expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion:\n    changed  git-svn\n");
     expectDone(nebsc(ann, {"fetch", "--svn"}), "Fetched from Subversion; nothing is new.\n");
     const NebscOutcome named = nebsc(ann, {"update", "--svn", "git-svn"}, "src");
-    expectDone(named, "Updated from git-svn; " + now(ann));
+    expectDone(named, "Updated from 'git-svn'; " + now(ann));
     EXPECT_EQ(content(ann, "b"), "ben\n");
     EXPECT_EQ(ann.git({"diff", "git-svn"}), "");
 }
@@ -82,7 +82,7 @@ TEST_F(SubversionCommands, AreSubcommandsOfSvn) {
     server.commitFile("trunk/a", "theirs\n");
     expectDone(nebsc(ann, {"svn", "fetch"}), "Fetched from Subversion:\n    changed  git-svn\n");
     const NebscOutcome updated = nebsc(ann, {"svn", "update", "git-svn"});
-    expectDone(updated, "Updated from git-svn; " + now(ann));
+    expectDone(updated, "Updated from 'git-svn'; " + now(ann));
     expectDone(nebsc(ann, {"svn", "push"}), "Nothing to push: Subversion has all commits.\n");
     EXPECT_EQ(nebsc(ann, {"svn", "update", "--json"}).json()["type"],
               NEBSourceControlRequestUpdate);
@@ -99,7 +99,7 @@ TEST_F(SubversionCommands, UpdateReportsDroppedCommits) {
     const std::string mine = ann.git({"rev-parse", "--short=12", "HEAD"});
     server.commitFile("trunk/a", "theirs\n");
     const NebscOutcome updated = nebsc(ann, {"svn", "update"});
-    EXPECT_EQ(updated.output, "Updated from " + reference + "; " + now(ann));
+    EXPECT_EQ(updated.output, "Updated from '" + reference + "'; " + now(ann));
     EXPECT_EQ(updated.errors,
               "nebsc: both sides changed the same lines or binary files; Subversion's were kept "
               "and yours dropped in:\n    a\n'git diff " +
@@ -119,8 +119,8 @@ TEST_F(SubversionCommands, UpdateReportsAnUnfinishedRebase) {
     server.commitFile("trunk/a", "theirs\n");
     ann.write(".git/rebase-merge/head-name", "refs/heads/main\n");
     expectFailed(nebsc(ann, {"svn", "update"}),
-                 AllOf(StartsWith("nebsc: an earlier rebase is not finished\n\"git rebase "
-                                  "--continue\" continues it, \"git rebase --abort\" undoes it.\n"),
+                 AllOf(StartsWith("nebsc: an earlier rebase is not finished\n'git rebase "
+                                  "--continue' continues it, 'git rebase --abort' undoes it.\n"),
                        HasSubstr("rebase-merge directory")));
 }
 

@@ -23,11 +23,11 @@ protected:
         share(*ann);
     }
     [[nodiscard]] std::string updated() const {
-        return "Updated from origin/main; now at " + revision(*ben) + ".\n";
+        return "Updated from 'origin/main'; now at " + revision(*ben) + ".\n";
     }
 };
 
-const std::string upToDate = "Already up to date with origin/main.\n";
+const std::string upToDate = "Already up to date with 'origin/main'.\n";
 
 TEST_F(UpdateCommand, FetchesAndMerges) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"update"},
@@ -82,7 +82,7 @@ TEST_F(UpdateCommand, ReportsAMergeThatIsNotCommitted) {
     shareChange();
     ben->commitFile("c", "ben\n");
     ben->git({"config", "branch.main.mergeOptions", "--no-commit"});
-    expectDone(nebsc(*ben, {"update"}), "Merged origin/main; it is not committed yet.\n");
+    expectDone(nebsc(*ben, {"update"}), "Merged 'origin/main'; it is not committed yet.\n");
 }
 
 TEST_F(UpdateCommand, AcceptsNamesOfBranchesAndRemotesWithSlashes) {
@@ -94,10 +94,10 @@ TEST_F(UpdateCommand, AcceptsNamesOfBranchesAndRemotesWithSlashes) {
     shareChange("c");
     share(*ann, "feature/Grüße");
     expectDone(nebsc(*ben, {"update"}),
-               "Updated from team/one/feature/Grüße; now at " + revision(*ann) + ".\n");
+               "Updated from 'team/one/feature/Grüße'; now at " + revision(*ann) + ".\n");
     ben->git({"reset", "--quiet", "--hard", "HEAD~1"});
     expectDone(nebsc(*ben, {"update", "--ff"}),
-               "Updated from team/one/feature/Grüße; now at " + revision(*ann) + ".\n");
+               "Updated from 'team/one/feature/Grüße'; now at " + revision(*ann) + ".\n");
 }
 
 TEST_F(UpdateCommand, UpdatesAnEmptyClone) {
@@ -108,7 +108,7 @@ TEST_F(UpdateCommand, UpdatesAnEmptyClone) {
         empty.git({"config", "branch.main.remote", "origin"});
         empty.git({"config", "branch.main.merge", "refs/heads/main"});
         expectDone(nebsc(empty, words),
-                   "Updated from origin/main; now at " + revision(*ann) + ".\n");
+                   "Updated from 'origin/main'; now at " + revision(*ann) + ".\n");
         EXPECT_EQ(empty.git({"status", "--porcelain"}), "");
     }
 }
@@ -119,8 +119,8 @@ TEST_F(UpdateCommand, FollowsALocalTrackedBranch) {
     ben->commitFile("c", "ben\n");
     ben->git({"checkout", "--quiet", "topic"});
     expectDone(nebsc(*ben, {"update"}),
-               "Updated from main; now at " + revision(*ben, "main") + ".\n");
-    expectDone(nebsc(*ben, {"update"}), "Already up to date with main.\n");
+               "Updated from 'main'; now at " + revision(*ben, "main") + ".\n");
+    expectDone(nebsc(*ben, {"update"}), "Already up to date with 'main'.\n");
 }
 
 TEST_F(UpdateCommand, JSONPrintsTheOutcomeOfTheLastRequest) {
@@ -192,7 +192,7 @@ TEST_F(UpdateCommand, ReportsAMissingBranchOrRemote) {
     expectFailed(nebsc(*ben, {"update", "--ff", "nosuch", "main"}),
                  HasSubstr("'nosuch' does not appear"));
     expectDone(nebsc(*ben, {"update", "--ff", bare(), "main"}),
-               "Already up to date with main of '" + bare() + "'.\n");
+               "Already up to date with 'main' of '" + bare() + "'.\n");
     ben->git({"config", "branch.main.merge", "refs/heads/nosuch"});
     expectFailed(nebsc(*ben, {"update"}),
                  "nebsc: the remote 'origin' has no branch 'nosuch'\n"
@@ -211,7 +211,7 @@ TEST_F(UpdateCommand, ReportsABranchThatTheRefspecsLeaveOut) {
     expectFailed(nebsc(*ben, {"update"}), message);
     EXPECT_EQ(nebsc(*ben, {"update", "--json"}).json()["error"]["class"], "remote-branch-unknown");
     ben->git({"remote", "set-branches", "--add", "origin", "topic"});
-    expectDone(nebsc(*ben, {"update"}), "Already up to date with origin/topic.\n");
+    expectDone(nebsc(*ben, {"update"}), "Already up to date with 'origin/topic'.\n");
 }
 
 TEST_F(UpdateCommand, RefusesInvalidArguments) {

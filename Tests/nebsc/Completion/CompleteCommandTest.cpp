@@ -101,7 +101,7 @@ TEST_F(CompleteCommand, NamesCommandsAfterHelp) {
     EXPECT_THAT(complete({"help", "remote", "r"}).candidates, ElementsAre("rm"));
     EXPECT_EQ(complete({"help", "add", ""}).text, "none\n");
     EXPECT_EQ(complete({"help", "checkout", ""}).text, "none\n");
-    EXPECT_EQ(complete({"help", "help", ""}).text, "none\n");
+    EXPECT_THAT(complete({"help", "help", "mer"}).candidates, ElementsAre("merge", "merge-base"));
     EXPECT_THAT(complete({"-C", "src", "help", "mer"}).candidates,
                 ElementsAre("merge", "merge-base"));
     EXPECT_EQ(complete({"checkout", "help", ""}).text, "none\n");

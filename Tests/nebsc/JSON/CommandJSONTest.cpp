@@ -202,6 +202,52 @@ TEST_F(CommandJSON, ReportsASilentFailure) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+TEST_F(CommandJSON, HasTheMessageAndTheAdviceOfTheText) {
+    repository.commitFile("a.c", "int a;\n");
+    struct Row {
+        Arguments arguments;
+        const char* message;
+        const char* advice;
+    };
+    for (const Row& row : {Row{{"svn"},
+                               "This repository is not connected to a Subversion repository.",
+                               "'git svn clone URL' creates a connected repository."},
+                           Row{{"ignore", "a.c"},
+                               "'a.c' is tracked, so its changes cannot be ignored.",
+                               "'git rm -r --cached' stops tracking it and keeps it on disk."},
+                           Row{{"update"},
+                               "The current branch 'main' does not track a branch to update from.",
+                               "'nebsc update REMOTE BRANCH' updates from another branch."},
+                           Row{{"checkout", "a.c"},
+                               "'a.c' is a file or folder, not a branch or revision.",
+                               "'nebsc revert' discards its changes."},
+                           Row{{"export-tree", "."},
+                               "'.' is the working copy itself; nothing was written.",
+                               "'nebsc revert' discards changes."}}) {
+        const NebscOutcome text = nebsc(row.arguments);
+        EXPECT_EQ(text.errors,
+                  "nebsc: " + nebsc::messageLine(row.message) + "\n" + row.advice + "\n");
+        Arguments withJSON = row.arguments;
+        withJSON.emplace_back("--json");
+        const JSON error = nebsc(withJSON).json()["error"];
+        EXPECT_EQ(error["localizedDescription"], row.message);
+        EXPECT_EQ(error["localizedRecoverySuggestion"], row.advice);
+    }
+    const JSON error = nebsc({"add", "--json", "nope"}).json()["error"];
+    EXPECT_EQ(error["localizedDescription"], "The file or folder 'nope' does not exist.");
+    EXPECT_THAT(error["text"], HasSubstr("did not match any files"));
+}
+
+TEST_F(CommandJSON, HasTheAdviceOfTheRequestAndOfTheCommand) {
+    repository.commitFile("a.c", "int a;\n");
+    repository.git({"checkout", "--quiet", "-b", "topic"});
+    repository.commitFile("b.c", "int b;\n");
+    repository.git({"checkout", "--quiet", "main"});
+    const JSON error = nebsc({"branch", "delete", "topic", "--json"}).json()["error"];
+    EXPECT_THAT(error["localizedRecoverySuggestion"],
+                testing::EndsWith("'nebsc branch delete --force' deletes it anyway."));
+}
+
 TEST_F(CommandJSON, PrintsNoOutcomeForInvalidArguments) {
     expectFailed(nebsc({"status", "--json", ""}), HasSubstr("argument 'PATH' must not be empty"),
                  2);

@@ -65,6 +65,22 @@ NEBSourceControlError errorWith(const std::string& description,
     return error;
 }
 
+TEST(WithSingleQuotes, ReplacesTheQuotesAroundNames) {
+    EXPECT_EQ(withSingleQuotes("There is no \"a b\"."), "There is no 'a b'.");
+    EXPECT_EQ(withSingleQuotes("\"git branch\" and \"git tag\" list (\"x\"): \"y\""),
+              "'git branch' and 'git tag' list ('x'): 'y'");
+    EXPECT_EQ(withSingleQuotes("the file \"a\"b.c\" is"), "the file 'a\"b.c' is");
+    for (const char* text : {"", "\"", "no quotes", "a\"b", "a \"b", "it's 5\" wide"}) {
+        EXPECT_EQ(withSingleQuotes(text), text);
+    }
+}
+
+TEST(ErrorLines, HaveSingleQuotesExceptInTheOutputOfGit) {
+    EXPECT_EQ(errorLines(errorWith("No \"a\".", "Try \"b\".", "fatal: \"c\"")),
+              "nebsc: no 'a'\nTry 'b'.\n    fatal: \"c\"\n");
+    EXPECT_EQ(errorLines(errorWith("fatal: \"c\"", {}, "fatal: \"c\"")), "nebsc: \"c\"\n");
+}
+
 TEST(ErrorLines, HaveTheDescription) {
     EXPECT_EQ(errorLines(errorWith("It failed.", {}, {})), "nebsc: it failed\n");
 }

@@ -2,11 +2,13 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <new>
 
 #include "CommandFrame/BrokenReference.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/OperationRun.h"
 #include "Terminal/Colour.h"
@@ -53,9 +55,7 @@ CommandOutput CommandTask::runSteps() {
         return *refused;
     }
     RequestResult result = perform();
-    if (auto refused = refusalOfValue(result)) {
-        return *refused;
-    }
+    rejectRefusedValue(result);
     Outcome& outcome = *result.outcome;
     if (outcome.error ? finishesAfter(*outcome.error) : lastExitStatus(outcome) == 0) {
         finish(outcome);
@@ -75,7 +75,7 @@ std::optional<CommandOutput> CommandTask::readPaths() {
         if (!parameter.takesPaths()) {
             continue;
         }
-        for (const std::string& value : arguments().all(parameter.name)) {
+        for (const std::string& value : arguments().all(longName(parameter))) {
             const PathSearch search = findAbsolutePath(*folder.path, value);
             if (!search.path) {
                 return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
@@ -123,12 +123,31 @@ CommandOutput CommandTask::outputFor(Outcome& outcome) {
     if ((outcome.error && isHandled(*outcome.error)) ||
         !addFailureOf(outcome, silentFailure(), output)) {
         report(outcome, output);
+        if (outcome.error && output.error) {  // the command words the error itself
+            outcome.error->userInfo.addEntriesFrom(output.error->userInfo);
+        }
     } else if (outcome.error) {
-        output.standardError += adviceFor(*outcome.error);
+        adviseAbout(*outcome.error, output);
         reportFailure(outcome, output);
     }
     addNotes(output, outcome);
     return output;
+}
+
+void CommandTask::adviseAbout(NEBSourceControlError& error, CommandOutput& output) const {
+    const std::string text = textFor(error);
+    std::string advice = adviceFor(error);
+    output.standardError += advice.empty() ? "" : advice + "\n";
+    if (const auto suggestion = error.localizedRecoverySuggestion();
+        suggestion && !advice.empty() && text.empty()) {
+        advice.insert(0, *suggestion + "\n");
+    }
+    if (!text.empty()) {
+        error.userInfo.set(NEBLocalizedDescriptionKey, text);
+    }
+    if (!advice.empty()) {
+        error.userInfo.set(NEBLocalizedRecoverySuggestionKey, advice);
+    }
 }
 
 /// If a branch is broken, git may report that HEAD or its commit is unknown, or that there is no
@@ -150,7 +169,7 @@ void CommandTask::explainBrokenHEAD(Outcome& outcome) const {
 bool CommandTask::addFailureOf(const Outcome& outcome, SilentFailure silentFailure,
                                CommandOutput& output) const {
     if (outcome.error) {
-        CommandOutput failure = failureWith(*outcome.error);
+        CommandOutput failure = failureAbout(names(), *outcome.error);
         if (const std::string text = textFor(*outcome.error); !text.empty()) {
             failure.standardError = complaint(text);
         }
@@ -179,6 +198,15 @@ void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
     noteHeldOutput(output, outcome);
 }
 
+std::vector<std::string> CommandTask::names() const {
+    std::vector<std::string> names;
+    for (const Parameter& parameter : _call.command.parameters) {
+        const std::vector<std::string>& values = arguments().all(longName(parameter));
+        names.insert(names.end(), values.begin(), values.end());
+    }
+    return names;
+}
+
 std::optional<std::string> CommandTask::pagerFor(std::string_view text) const {
     if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
         return std::nullopt;
@@ -192,6 +220,17 @@ const std::vector<std::string>& CommandTask::paths(std::string_view parameter) c
     static const std::vector<std::string> none;
     const auto entry = _paths.find(parameter);
     return entry == _paths.end() ? none : entry->second;
+}
+
+UsageError CommandTask::invalidValue(std::string_view parameter, std::string expected) const {
+    const auto& rows = _call.command.parameters;
+    const auto row = std::find_if(rows.begin(), rows.end(), [parameter](const Parameter& other) {
+        return longName(other) == parameter;
+    });
+    return {.kind = UsageError::Kind::invalidValue,
+            .argument = argument(parameter),
+            .parameter = &*row,
+            .detail = std::move(expected)};
 }
 
 bool CommandTask::isInColour() const {
@@ -225,9 +264,7 @@ RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation
 std::optional<CommandOutput> CommandTask::performFirst(
     const std::shared_ptr<NEBSourceControlRequest>& request) {
     RequestResult result = performRequest(request);
-    if (auto refused = refusalOfValue(result)) {
-        return refused;
-    }
+    rejectRefusedValue(result);
     CommandOutput output;
     if (!addFailureOf(*result.outcome, SilentFailure::isError, output)) {
         return std::nullopt;

@@ -31,6 +31,7 @@
 #include "CommandFrame/GitQueries.h"
 #include "CommandFrame/Requests.h"
 #include "CommandLine/Command.h"
+#include "CommandLine/UsageError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Session/Interruption.h"
 #include "Session/Paths.h"
@@ -64,7 +65,8 @@ protected:
     [[nodiscard]] virtual WorkingCopyLocation locate();
     /// Returns what locate() finds out besides the location, so that validate() need not ask.
     [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
-    /// Returns the output of a command that ends here; absent if it goes on.
+    /// Returns the output of a command that ends here; absent if it goes on. Throws a UsageError if
+    /// the arguments are invalid.
     [[nodiscard]] virtual std::optional<CommandOutput> validate() { return std::nullopt; }
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlRequest> makeRequest() = 0;
     /// Carries out makeRequest() unless a command overrides it, to run an operation of its own.
@@ -90,7 +92,7 @@ protected:
     }
     /// Returns a better message than the error's own; empty to keep that.
     [[nodiscard]] virtual std::string textFor(const NEBSourceControlError& error) const;
-    /// Returns advice for the error, a line with its end; may be empty.
+    /// Returns advice for the error, one line without its end; may be empty.
     [[nodiscard]] virtual std::string adviceFor(const NEBSourceControlError& /*error*/) const {
         return {};
     }
@@ -104,6 +106,9 @@ protected:
     [[nodiscard]] std::string argument(std::string_view parameter) const {
         return _call.arguments.value(parameter).value_or("");
     }
+    /// Returns the error of a parameter's value. `expected` is what the command accepts, such as "a
+    /// number of commits".
+    [[nodiscard]] UsageError invalidValue(std::string_view parameter, std::string expected) const;
     /// Returns the absolute paths of a parameter that takes paths, in order.
     [[nodiscard]] const std::vector<std::string>& paths(std::string_view parameter) const;
     [[nodiscard]] const std::string& currentFolder() const { return workingCopy().currentFolder; }
@@ -150,9 +155,14 @@ private:
     [[nodiscard]] CommandOutput outputInMemoryFor(Outcome& outcome);
     /// Names the current branch in an error that comes from its being broken.
     void explainBrokenHEAD(Outcome& outcome) const;
+    /// Adds the command's advice about an error to the output, and to the error, for --json, what
+    /// the output says about it.
+    void adviseAbout(NEBSourceControlError& error, CommandOutput& output) const;
     /// Adds what belongs to the output of every outcome. A failure of the command alone becomes the
     /// outcome's error, so that --json reports it.
     void addNotes(CommandOutput& output, Outcome& outcome) const;
+    /// Returns the values of all arguments.
+    [[nodiscard]] std::vector<std::string> names() const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text) const;
 
     const CommandCall& _call;

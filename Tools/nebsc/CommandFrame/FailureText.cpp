@@ -1,12 +1,15 @@
 #include "CommandFrame/FailureText.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/Requests.h"
+#include "CommandLine/UsageError.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
@@ -34,6 +37,35 @@ bool hasLineEndingWith(std::string_view text, std::string_view end) {
     return isFound;
 }
 
+/// Returns the text with another one in all places.
+std::string replaced(std::string text, std::string_view old, std::string_view replacement) {
+    for (std::size_t at = 0; (at = text.find(old, at)) != std::string::npos;) {
+        text.replace(at, old.size(), replacement);
+        at += replacement.size();
+    }
+    return text;
+}
+
+/// Makes one component of a name printable in the texts of an error. A name without any printable
+/// character is left alone, because it may be a line end of the text.
+void makePrintable(NEBSourceControlError& error, std::string_view name) {
+    const std::string shown = printable(name);
+    const bool hasOnlyControls =
+        std::all_of(name.begin(), name.end(), [](char character) { return character < ' '; });
+    if (shown == name || hasOnlyControls) {
+        return;
+    }
+    if (const auto description = error.localizedDescription()) {
+        error.userInfo.set(NEBLocalizedDescriptionKey, replaced(*description, name, shown));
+    }
+    if (error.text) {
+        error.text = replaced(*error.text, name, shown);
+    }
+    for (std::string& file : error.files) {
+        file = replaced(file, name, shown);
+    }
+}
+
 }  // namespace
 
 // ---- failures of git --------------------------------------------------------------------------
@@ -42,7 +74,20 @@ std::string silentFailureText(int exitStatus) {
     return "git exited with status " + std::to_string(exitStatus) + " and printed nothing.";
 }
 
-CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
+CommandOutput failureAbout(const std::vector<std::string>& names,
+                           const NEBSourceControlError& error) {
+    NEBSourceControlError shown = error;
+    for (const std::string& name : names) {
+        forEachPiece(name, '/',
+                     [&shown](std::string_view component) { makePrintable(shown, component); });
+    }
+    CommandOutput failure = failureWith(shown);
+    failure.error = error;
+    return failure;
+}
+
+CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,
+                             const std::vector<std::string>& names) {
     const std::string stderrText(query.errorOutput);
     if (stderrText.find_first_not_of(" \t\r\n") == std::string::npos) {
         return refusal(query.status.exitStatus()
@@ -51,17 +96,15 @@ CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query) {
                        exitFailed, classOfSilentFailure(query.status));
     }
     const auto request = newRequest(git.workingCopy(), NEBSourceControlRequestStatus);
-    return failureWith(NEBSourceControlErrorFromText(stderrText, *request));
+    return failureAbout(names, NEBSourceControlErrorFromText(stderrText, *request));
 }
 
-std::optional<CommandOutput> refusalOfValue(const RequestResult& result) {
+void rejectRefusedValue(const RequestResult& result) {
     if (const auto& value = result.refusedValue) {
         const bool isOption = value->value.starts_with('-');
-        return refusal(inQuotes(value->value) + (isOption ? " begins with '-' and" : "") +
-                           " is refused, because git would " + std::string(value->danger) + ".",
-                       exitNotUnderstood);
+        throw invalidArguments(inQuotes(value->value) + (isOption ? " begins with '-' and" : "") +
+                               " is refused, because git would " + std::string(value->danger));
     }
-    return std::nullopt;
 }
 
 std::string textForMissingFile(const WorkingCopyLocation& workingCopy,
@@ -101,7 +144,7 @@ std::optional<CommandOutput> refusalWithoutSubversion(const GitQueries& git) {
     }
     CommandOutput output =
         refusal("This repository is not connected to a Subversion repository.", exitFailed);
-    output.standardError += "'git svn clone URL' creates a connected repository.\n";
+    addAdvice(output, "'git svn clone URL' creates a connected repository.");
     return output;
 }
 
@@ -153,7 +196,7 @@ CommandOutput refusalOfBranchNotFetched(const GitQueries& git, const TrackedBran
     std::string message =
         "The remote " + inQuotes(remote) + " has no branch " + inQuotes(tracked.branch) + ".";
     std::string advice = "nebsc remote branches " + shellQuoted(remote);
-    std::string effect = " lists its branches.\n";
+    std::string effect = " lists its branches.";
     if (!heads.status.isSuccess()) {
         message = "The fetch from the remote " + inQuotes(remote) + " did not bring the branch " +
                   inQuotes(tracked.branch) + ".";
@@ -163,11 +206,11 @@ CommandOutput refusalOfBranchNotFetched(const GitQueries& git, const TrackedBran
                   " does not fetch it as " + inQuotes(remote + "/" + tracked.branch) + ".";
         advice = "git remote set-branches --add " + shellQuoted(remote) + " " +
                  shellQuoted(tracked.branch);
-        effect = " adds it to the setting.\n";
+        effect = " adds it to the setting.";
     }
     CommandOutput output =
         refusal(message, exitFailed, NEBSourceControlRemoteBranchUnknownErrorClass);
-    output.standardError += inQuotes(advice) + effect;
+    addAdvice(output, inQuotes(advice) + effect);
     return output;
 }
 
@@ -212,6 +255,22 @@ std::optional<CommandOutput> refusalOfExisting(const WorkingCopyLocation& workin
     return refusal(
         inQuotes(pathAsSeen(workingCopy, path)) + " already exists; nothing was changed.",
         exitFailed, NEBSourceControlDestinationExistsErrorClass);
+}
+
+std::optional<CommandOutput> refusalOfBlockedFolder(const WorkingCopyLocation& workingCopy,
+                                                    const std::string& folder) {
+    fs::path blocking;
+    for (const fs::path& component : fs::path(folder)) {
+        blocking /= component;
+        if (isAnythingAt(blocking.string()) && !isFolder(blocking.string())) {
+            CommandOutput output = refusal(inQuotes(pathAsSeen(workingCopy, blocking.string())) +
+                                               " exists and is not a folder; nothing was changed.",
+                                           exitFailed, NEBSourceControlDestinationExistsErrorClass);
+            addAdvice(output, "Choose another folder, or move the existing file away.");
+            return output;
+        }
+    }
+    return std::nullopt;
 }
 
 CommandOutput refusalAboutFiles(const WorkingCopyLocation& workingCopy, std::string_view text,

@@ -22,10 +22,16 @@ namespace neb::nebsc {
 
 /// Returns the message for a git that failed and printed nothing.
 [[nodiscard]] std::string silentFailureText(int exitStatus);
-/// Returns the failure of a query, with what git printed.
-[[nodiscard]] CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query);
-/// Returns the refusal of a request because of a value that git would take for an option.
-[[nodiscard]] std::optional<CommandOutput> refusalOfValue(const RequestResult& result);
+/// Returns the failure. In the message, the parts of these names that hold control characters are
+/// printable: git prints them as they are, and a line end would split the message.
+[[nodiscard]] CommandOutput failureAbout(const std::vector<std::string>& names,
+                                         const NEBSourceControlError& error);
+/// Returns the failure of a query about these names, with what git printed.
+[[nodiscard]] CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,
+                                           const std::vector<std::string>& names = {});
+/// Throws a UsageError if the request was refused because of a value that git would take for an
+/// option.
+void rejectRefusedValue(const RequestResult& result);
 /// Returns a better message than the error's own if git did not find a file; else empty.
 [[nodiscard]] std::string textForMissingFile(const WorkingCopyLocation& workingCopy,
                                              const NEBSourceControlError& error);
@@ -66,6 +72,9 @@ namespace neb::nebsc {
 /// Refuses a path at which there is something already.
 [[nodiscard]] std::optional<CommandOutput> refusalOfExisting(const WorkingCopyLocation& workingCopy,
                                                              const std::string& path);
+/// Refuses a folder that cannot be created, because it or one of its parents is no folder.
+[[nodiscard]] std::optional<CommandOutput> refusalOfBlockedFolder(
+    const WorkingCopyLocation& workingCopy, const std::string& folder);
 /// Returns a refusal with the files, each on a line of its own as the user sees it.
 [[nodiscard]] CommandOutput refusalAboutFiles(const WorkingCopyLocation& workingCopy,
                                               std::string_view text,

@@ -59,10 +59,10 @@ std::optional<TrackedBranch> RemoteSettings::trackedBranchOf(const std::string& 
 std::string RemoteSettings::shownBranch(const TrackedBranch& tracked) const {
     const std::string& remote = tracked.remote;
     if (remote == ".") {
-        return printable(tracked.branch);
+        return printable(inQuotes(tracked.branch));
     }
-    return printable(isRemote(remote) ? remote + "/" + tracked.branch
-                                      : tracked.branch + " of " + inQuotes(remote));
+    return printable(isRemote(remote) ? inQuotes(remote + "/" + tracked.branch)
+                                      : inQuotes(tracked.branch) + " of " + inQuotes(remote));
 }
 
 }  // namespace neb::nebsc

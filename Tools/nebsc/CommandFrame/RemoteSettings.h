@@ -33,7 +33,7 @@ public:
     [[nodiscard]] std::string remoteOrLocation(const std::string& text) const;
     /// Returns what the branch is configured to track; absent without a remote or its branch.
     [[nodiscard]] std::optional<TrackedBranch> trackedBranchOf(const std::string& branch) const;
-    /// Returns "origin/main", or a longer form if there is no such remote; printable.
+    /// Returns "'origin/main'", or a longer form if there is no such remote; printable.
     [[nodiscard]] std::string shownBranch(const TrackedBranch& tracked) const;
 
 private:

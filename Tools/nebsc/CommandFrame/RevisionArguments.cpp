@@ -17,11 +17,10 @@ std::string orHEAD(const std::string& revision) {
     return revision.empty() ? "HEAD" : revision;
 }
 
-CommandOutput refusalOfTooMany(std::string_view what, std::size_t most) {
+UsageError tooMany(std::string_view what, std::size_t most) {
     const std::string count = most == 1 ? "one " : "two ";
-    return refusal("Too many arguments: expected at most " + count + std::string(what) +
-                       (most == 1 ? "" : "s") + ".",
-                   exitNotUnderstood);
+    return invalidArguments("too many arguments: expected at most " + count + std::string(what) +
+                            (most == 1 ? "" : "s"));
 }
 
 /// git takes no argument for a file if there is no working copy.
@@ -182,9 +181,10 @@ RevisionArguments readRevisionArguments(const GitQueries& git, const Arguments& 
                                         RevisionArgumentLimits limits) {
     RevisionArguments result = Reader(git).read(arguments);
     if (!result.refused && result.revisions.size() > limits.revisions) {
-        result.refused = refusalOfTooMany("revision", limits.revisions);
-    } else if (!result.refused && result.files.size() > limits.files) {
-        result.refused = refusalOfTooMany("file", limits.files);
+        throw tooMany("revision", limits.revisions);
+    }
+    if (!result.refused && result.files.size() > limits.files) {
+        throw tooMany("file", limits.files);
     }
     return result;
 }

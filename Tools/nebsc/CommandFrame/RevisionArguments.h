@@ -8,6 +8,7 @@
 
 #include "CommandFrame/GitQueries.h"
 #include "CommandLine/Command.h"
+#include "CommandLine/UsageError.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Session/Paths.h"
 #include "Terminal/CommandOutput.h"
@@ -21,7 +22,7 @@ struct RevisionArguments {
     std::vector<std::string> files{};
     /// What separates the two revisions of a range, ".." or "..."; empty without a range.
     std::string dots{};
-    /// Why the arguments are invalid; the other members do not count then.
+    /// Why a revision or file cannot be used; the other members do not count then.
     std::optional<CommandOutput> refused{};
 
     /// Sets the request's files, and the revisions as its starting and ending revision.
@@ -39,7 +40,8 @@ struct RevisionArgumentLimits {
 /// must be one of the two and not both. "A..B" and "A...B" are a range; a missing side stands for
 /// HEAD.
 ///
-/// Replaces a revision by unambiguousRevision().
+/// Replaces a revision by unambiguousRevision(). Throws a UsageError if there are more
+/// arguments than the limits allow.
 [[nodiscard]] RevisionArguments readRevisionArguments(const GitQueries& git,
                                                       const Arguments& arguments,
                                                       RevisionArgumentLimits limits);

@@ -95,9 +95,9 @@ void CommandLineParser::parseOperand(const std::string& argument) {
     if (command != commands.end()) {
         _parsed.commands.push_back(*command);
         _nextCommands = (*command)->commands;
-    } else if (argument == helpCommand && !commands.empty() && _parsed.commands.empty() &&
-               !_parsed.arguments.has(helpOption)) {
+    } else if (argument == helpCommand && !commands.empty()) {
         _parsed.arguments.set(helpOption, {""});
+        _hasHelpCommand = true;
     } else if (nextOperand() != nullptr) {
         _operands.push_back(argument);
         _nextCommands = {};
@@ -122,7 +122,7 @@ void CommandLineParser::fail(Kind kind, const std::string& argument, const Param
 // ---- the end ------------------------------------------------------------------------------------
 
 std::variant<ParsedCommandLine, UsageError> CommandLineParser::finish() && {
-    if (_parsed.arguments.has(helpOption) && !hasUnknownCommand()) {
+    if (_parsed.arguments.has(helpOption) && !hasUnknownCommand() && !(_hasHelpCommand && _error)) {
         return std::move(_parsed);
     }
     if (_pendingOption != nullptr) {

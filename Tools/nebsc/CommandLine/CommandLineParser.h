@@ -5,7 +5,8 @@
 // An option is given as "--name", "--name VALUE", "--name=VALUE", "-n VALUE" or "-nVALUE"; flags of
 // one letter can be combined. An option that takes a value takes the next argument, whatever it
 // looks like. "-" is an argument. After "--", every argument is one, even if it starts with "-".
-// "help" in the position of the command is the same as "--help".
+// "help" in the position of a command or subcommand is the same as "--help", but what follows must
+// be valid.
 #pragma once
 
 #include <optional>
@@ -43,7 +44,7 @@ public:
     void parse(const std::string& argument);
 
     /// Checks that nothing is missing and returns the values or the first error. If help is
-    /// requested, no error but an unknown command counts.
+    /// requested, nothing is missing, and after "--help" no error but an unknown command counts.
     [[nodiscard]] std::variant<ParsedCommandLine, UsageError> finish() &&;
 
     // ---- the state after the arguments so far, for completion
@@ -79,6 +80,8 @@ private:
     std::optional<UsageError> _error;
     std::span<const Command* const> _nextCommands;
     const Parameter* _pendingOption = nullptr;
+    /// Whether help was requested by "help".
+    bool _hasHelpCommand = false;
     /// How many operands follow "--"; absent before a "--".
     std::optional<std::size_t> _countAfterDashes;
 };

@@ -31,7 +31,7 @@ enum class Takes {
     remoteBranch,
     /// A branch of the remote that the previous argument names.
     branchOfRemote,
-    /// LOCAL:REMOTE, a branch of this repository and one of the remote that the previous argument
+    /// LOCAL:DEST, a branch of this repository and one of the remote that the previous argument
     /// names.
     branchPair,
     /// The location of a repository: a URL, HOST:PATH or a path.

@@ -1,7 +1,7 @@
 #include "CommandLine/UsageError.h"
 
+#include "CommandLine/CommandSynonyms.h"
 #include "CommandLine/CommonOptions.h"
-#include "CommandLine/GitNames.h"
 #include "CommandLine/SpellingSuggestions.h"
 #include "Terminal/PrintableText.h"
 
@@ -35,9 +35,9 @@ std::string unknownCommand(const UsageError& error, std::span<const Command* con
     const bool isInner = !error.commands.empty();
     const std::string message = inQuotes(error.argument) + " is not a command" +
                                 (isInner ? " of " + inQuotes(nameOf(error.commands)) : "");
-    const std::string nameInGit =
+    const std::string synonym =
         (isInner ? std::string(error.commands.back()->name) + " " : "") + error.argument;
-    if (const std::string_view name = nameOfGitCommand(nameInGit); !name.empty()) {
+    if (const std::string_view name = commandForSynonym(synonym); !name.empty()) {
         return message + "; use " + inQuotes("nebsc " + std::string(name));
     }
     return message + suggestionFor(error.argument, namesOf(isInner ? error.commands.back()->commands
@@ -79,7 +79,8 @@ std::string messageFor(const UsageError& error, std::span<const Command* const> 
             return quoted(*error.parameter) + " can be given only once";
         case Kind::invalidValue:
             return "invalid value " + inQuotes(error.argument) + " for " +
-                   quoted(*error.parameter) + "; expected " + listOf(choicesOf(*error.parameter));
+                   quoted(*error.parameter) + "; expected " +
+                   (error.detail.empty() ? listOf(choicesOf(*error.parameter)) : error.detail);
         case Kind::emptyValue:
             return quoted(*error.parameter) + " must not be empty";
         case Kind::unexpectedArgument:
@@ -87,6 +88,8 @@ std::string messageFor(const UsageError& error, std::span<const Command* const> 
         case Kind::missingArgument:
             return error.parameter->isOption() ? quoted(*error.parameter) + " is required"
                                                : "missing " + quoted(*error.parameter);
+        case Kind::invalidArguments:
+            return error.detail;
     }
     return {};
 }
@@ -107,6 +110,10 @@ std::string nameOf(std::span<const Command* const> commands) {
         name.append(" ").append(command->name);
     }
     return name;
+}
+
+UsageError invalidArguments(std::string message) {
+    return {.kind = Kind::invalidArguments, .detail = std::move(message)};
 }
 
 CommandOutput outputOf(const UsageError& error, std::span<const Command* const> allCommands) {

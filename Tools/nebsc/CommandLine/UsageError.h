@@ -1,4 +1,7 @@
 // UsageError.h - an invalid command line.
+//
+// The parser returns it. A command that finds such a mistake later, before it changes anything,
+// throws it without `commands`; the program adds them. Both are reported the same way.
 #pragma once
 
 #include <span>
@@ -24,13 +27,16 @@ struct UsageError {
         /// The option is a flag and was given a value.
         unexpectedValue,
         repeatedOption,
-        /// `argument` is not one of the choices of `parameter`.
+        /// `argument` is not a valid value of `parameter`. `detail` is what is valid; empty if
+        /// `parameter` lists the choices.
         invalidValue,
         /// `parameter` was given an empty value.
         emptyValue,
         unexpectedArgument,
         /// `parameter` is required.
         missingArgument,
+        /// The arguments are invalid for the reason in `detail`, which is the whole message.
+        invalidArguments,
     };
 
     Kind kind;
@@ -40,7 +46,11 @@ struct UsageError {
     const Parameter* parameter = nullptr;
     /// The commands named so far, outermost first.
     std::vector<const Command*> commands = {};
+    std::string detail = {};
 };
+
+/// Returns an error with this message, which begins in lower case and has no full stop.
+[[nodiscard]] UsageError invalidArguments(std::string message);
 
 /// Returns "nebsc branch create" for the two commands, "nebsc" for none.
 [[nodiscard]] std::string nameOf(std::span<const Command* const> commands);

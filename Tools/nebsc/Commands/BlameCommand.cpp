@@ -92,6 +92,8 @@ std::string contentOnTerminal(const std::string& content, std::size_t columnsBef
     return fitting(STDOUT_FILENO, columnsBefore, line);
 }
 
+constexpr Parameter fileParameter{"FILE", "The file", Takes::pathAsWritten};
+
 class BlameTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -119,8 +121,7 @@ RepositoryQuestions BlameTask::questions() const {
 std::optional<CommandOutput> BlameTask::validate() {
     const std::vector<std::string> all = revisionAndFileArguments(arguments());
     if (all.empty()) {
-        return refusal("The argument FILE is required (see 'nebsc blame --help').",
-                       exitNotUnderstood);
+        throw UsageError{.kind = UsageError::Kind::missingArgument, .parameter = &fileParameter};
     }
     const PathSearch search = findFile(workingCopy(), all.back());
     if (!search.path) {
@@ -197,7 +198,7 @@ constexpr Parameter parameters[] = {
     {"REVISION",
      "The revision of the file; default: the working copy, or HEAD in a bare repository",
      Takes::revisionOrPath},
-    {"FILE", "The file", Takes::pathAsWritten},
+    fileParameter,
 };
 
 }  // namespace
@@ -207,8 +208,9 @@ constinit const Command blameCommand{
     .group = inspectGroup,
     .summary = "Show who last changed each line of a file, and when",
     .details =
-        "A single argument is the file. Each line shows the revision, the author, the local date,\n"
-        "the line number and the text. A line that is not committed yet has no revision.\n"
+        "A single argument is the file. Each line shows the revision, the author, the\n"
+        "local date, the line number and the text. A line that is not committed yet has\n"
+        "no revision.\n"
         "\n"
         "Examples:\n"
         "  nebsc blame src/main.c         the file on disk\n"

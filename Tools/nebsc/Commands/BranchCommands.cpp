@@ -234,7 +234,7 @@ void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 
 std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
     return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
-               ? "'nebsc branch delete --force' deletes it anyway.\n"
+               ? "'nebsc branch delete --force' deletes it anyway."
                : "";
 }
 
@@ -248,8 +248,8 @@ constinit const Command deleteCommand{
     .group = subcommandGroup,
     .summary = "Delete a branch",
     .details =
-        "Refuses a branch with commits that neither its upstream nor the current branch contains,\n"
-        "unless --force is given.\n"
+        "Refuses a branch with commits that neither its upstream nor the current branch\n"
+        "contains, unless --force is given.\n"
         "\n"
         "Examples:\n"
         "  nebsc branch delete topic            delete a merged branch\n"
@@ -274,7 +274,7 @@ constinit const Command branchCommand{
         "Examples:\n"
         "  nebsc branch                             list the branches\n"
         "  nebsc branch create topic                create a branch\n"
-        "  nebsc branch track topic origin/topic    create one that tracks a remote branch\n"
+        "  nebsc branch track topic origin/topic    create one that tracks origin/topic\n"
         "  nebsc branch create --help               help for a subcommand\n",
     .activity = "Reading",
     .commands = branchCommands,

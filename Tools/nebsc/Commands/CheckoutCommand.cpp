@@ -81,19 +81,21 @@ std::optional<CommandOutput> CheckoutTask::validate() {
     const bool isOnDisk = isAnythingAt(pathByAppendingComponent(workingCopy().location, branch()));
     const std::string name = inQuotes(branch());
     if (isBranchOfRemote()) {
-        return isOnDisk
-                   ? std::optional(refusal(
-                         name + " is the name of a file or folder and of a remote branch, so "
-                                "nothing was changed; 'nebsc branch track' creates the branch.",
-                         exitFailed, NEBSourceControlRevisionAmbiguousErrorClass))
-                   : std::nullopt;
+        if (!isOnDisk) {
+            return std::nullopt;
+        }
+        CommandOutput output =
+            refusal(name + " is both a file or folder and a remote branch; nothing was changed.",
+                    exitFailed, NEBSourceControlRevisionAmbiguousErrorClass);
+        addAdvice(output, "'nebsc branch track' creates the branch.");
+        return output;
     }
     const PathSearch asTyped = findAbsolutePath(currentFolder(), branch());
     if (isOnDisk || git().isTracked(branch()) || (asTyped.path && isAnythingAt(*asTyped.path))) {
-        return refusal(name +
-                           " is a file or folder, not a branch or revision; 'nebsc revert' "
-                           "discards its changes.",
-                       exitFailed, NEBSourceControlRevisionUnknownErrorClass);
+        CommandOutput output = refusal(name + " is a file or folder, not a branch or revision.",
+                                       exitFailed, NEBSourceControlRevisionUnknownErrorClass);
+        addAdvice(output, "'nebsc revert' discards its changes.");
+        return output;
     }
     return std::nullopt;
 }
@@ -132,8 +134,8 @@ constinit const Command checkoutCommand{
     .group = branchesGroup,
     .summary = "Switch to a branch or revision",
     .details =
-        "Keeps local changes. Files in which they conflict with the new revision are left in\n"
-        "conflict and listed.\n"
+        "Keeps local changes. Files in which they conflict with the new revision are left\n"
+        "in conflict and listed.\n"
         "\n"
         "Examples:\n"
         "  nebsc checkout topic    switch to a branch\n"

@@ -36,7 +36,10 @@ std::optional<CommandOutput> refusalOfNewPath(const GitQueries& git, const std::
                            inQuotes(git.workingCopy().location) + "; nothing was changed.",
                        exitFailed, NEBSourceControlPathOutsideErrorClass);
     }
-    return refusalOfExisting(git.workingCopy(), path);
+    if (auto refused = refusalOfExisting(git.workingCopy(), path)) {
+        return refused;
+    }
+    return refusalOfBlockedFolder(git.workingCopy(), fs::path(path).parent_path().string());
 }
 
 // ---- mv ---------------------------------------------------------------------------------------
@@ -93,7 +96,11 @@ std::optional<CommandOutput> CopyTask::validate() {
         std::error_code ignored;
         _copy = fs::canonical(_copy, ignored) / fs::path(paths(file).front()).filename();
     }
-    return refusalOfNewPath(git(), _copy);
+    if (auto refused = refusalOfNewPath(git(), _copy)) {
+        return refused;
+    }
+    const std::string parent = fs::path(_copy).parent_path().string();
+    return isFolder(parent) ? std::nullopt : std::optional(refusalOfMissingFolder(shown(parent)));
 }
 
 std::shared_ptr<NEBSourceControlRequest> CopyTask::makeRequest() {
@@ -163,7 +170,7 @@ constinit const Command copyCommand{
         "\n"
         "Examples:\n"
         "  nebsc cp main.c second.c    copy a file\n"
-        "  nebsc cp src attic          copy the folder src; if attic is a folder, to attic/src\n",
+        "  nebsc cp src attic          copy the folder src to attic, or into it\n",
     .parameters = copyParameters,
     .activity = "Copying",
     .run = runTask<CopyTask>,
@@ -174,8 +181,8 @@ constinit const Command makeDirectoryCommand{
     .group = changeGroup,
     .summary = "Create a folder",
     .details =
-        "git does not record empty folders: a commit contains the folder once a file in it is\n"
-        "added.\n"
+        "git does not record empty folders: a commit contains the folder once a file in\n"
+        "it is added.\n"
         "\n"
         "Example:\n"
         "  nebsc mkdir doc/images    create doc/images, and doc if it is missing\n",

@@ -49,7 +49,7 @@ std::optional<CommandOutput> DiffTask::validate() {
         return _named.refused;
     }
     if (arguments().has("--common-ancestor") && _named.revisions.size() < 2) {
-        return refusal("--common-ancestor requires two revisions.", exitNotUnderstood);
+        throw invalidArguments("option '--common-ancestor' requires two revisions");
     }
     if (_named.revisions.empty()) {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
@@ -161,12 +161,12 @@ constinit const Command diffCommand{
     .group = inspectGroup,
     .summary = "Show changes between revisions, or between a revision and the working copy",
     .details =
-        "Without a revision, shows everything that is not committed, staged or not. With one\n"
-        "revision, shows the changes from it to the working copy; with two, from the first to\n"
-        "the second. An argument is a revision or else a file; put '--' before files or after\n"
-        "revisions if it could be either. Untracked files are not compared.\n"
-        "On a terminal, control characters other than TABs and line ends are escaped.\n"
-        "Elsewhere the patch is exactly git's, for a program to apply.\n"
+        "Without a revision, shows everything that is not committed, staged or not. With\n"
+        "one revision, shows the changes from it to the working copy; with two, from the\n"
+        "first to the second. An argument is a revision or else a file; put '--' before\n"
+        "files or after revisions if it could be either. Untracked files are not\n"
+        "compared. On a terminal, control characters other than TABs and line ends are\n"
+        "escaped. Elsewhere the patch is exactly git's, for a program to apply.\n"
         "\n"
         "Examples:\n"
         "  nebsc diff                             what is not committed\n"

@@ -16,13 +16,13 @@ namespace {
 constexpr std::string_view remoteParameter = "REMOTE";
 constexpr std::string_view subversionFlag = "--svn";
 
-/// Refuses too few or too many arguments, with the message `expected`, and --svn where no
-/// Subversion repository is connected.
+/// Refuses --svn where no Subversion repository is connected. Throws a UsageError with the message
+/// `expected` if there are too few or too many arguments.
 std::optional<CommandOutput> refusalOfExchange(const GitQueries& git, bool isSubversion,
                                                bool isComplete, bool isEmpty,
                                                std::string_view expected) {
     if (isSubversion ? !isEmpty : !isComplete) {
-        return refusal(expected, exitNotUnderstood);
+        throw invalidArguments(std::string(expected));
     }
     return isSubversion ? refusalWithoutSubversion(git) : std::nullopt;
 }
@@ -69,7 +69,7 @@ FetchTask::References FetchTask::references() {
 std::optional<CommandOutput> FetchTask::validate() {
     const bool hasRemote = arguments().has(remoteParameter);
     if (auto refused = refusalOfExchange(git(), isSubversion(), hasRemote, !hasRemote,
-                                         "Expected REMOTE or --svn (see 'nebsc fetch --help').")) {
+                                         "expected REMOTE or --svn")) {
         return refused;
     }
     _remote = isSubversion() ? "Subversion"
@@ -146,9 +146,9 @@ std::optional<CommandOutput> PushTask::validate() {
     constexpr std::string_view branches = "BRANCHES";
     const bool hasRemote = arguments().has(remoteParameter);
     const bool hasBranches = arguments().has(branches);
-    if (auto refused = refusalOfExchange(
-            git(), isSubversion(), hasRemote && hasBranches, !hasRemote && !hasBranches,
-            "Expected REMOTE and LOCAL:DEST, or --svn (see 'nebsc push --help').")) {
+    if (auto refused = refusalOfExchange(git(), isSubversion(), hasRemote && hasBranches,
+                                         !hasRemote && !hasBranches,
+                                         "expected REMOTE and LOCAL:DEST, or --svn")) {
         return refused;
     }
     _commitBefore = git().headCommit();
@@ -161,8 +161,7 @@ std::optional<CommandOutput> PushTask::validate() {
     _local = text.substr(0, colon);
     _destination = colon == std::string::npos ? _local : text.substr(colon + 1);
     if (_local.empty() || _destination.empty() || _local.starts_with('+')) {
-        return refusal(inQuotes(text) + " does not name two branches; expected LOCAL:DEST.",
-                       exitNotUnderstood);
+        throw invalidValue(branches, "LOCAL:DEST");
     }
     return std::nullopt;
 }
@@ -209,8 +208,8 @@ void PushTask::report(const Outcome& outcome, CommandOutput& output) {
     if (notice.find("Everything up-to-date") != std::string::npos) {
         output.standardOutput = "Nothing to push: " + remote + " is up to date.\n";
     } else {
-        output.standardOutput = "Pushed " + printable(_local) + " to " + printable(_destination) +
-                                " on " + remote + ".\n";
+        output.standardOutput = "Pushed " + printable(inQuotes(_local)) + " to " +
+                                printable(inQuotes(_destination)) + " on " + remote + ".\n";
     }
     output.standardError = remoteOutput(notice);
 }
@@ -219,8 +218,8 @@ std::string PushTask::adviceFor(const NEBSourceControlError& error) const {
     if (error.code != NEBSourceControlRemoteAheadError) {
         return {};
     }
-    return isSubversion() ? "'nebsc update --svn' fetches them and rebases the current branch.\n"
-                          : "'nebsc update' fetches and merges them.\n";
+    return isSubversion() ? "'nebsc update --svn' fetches them and rebases the current branch."
+                          : "'nebsc update' fetches and merges them.";
 }
 
 constexpr Parameter pushParameters[] = {
@@ -251,11 +250,12 @@ constinit const Command pushCommand{
     .group = remotesGroup,
     .summary = "Push a branch to a remote",
     .details =
-        "Never overwrites: if the remote has commits that are missing here, the push is refused.\n"
+        "Never overwrites: if the remote has commits that are missing here, the push is\n"
+        "refused.\n"
         "\n"
         "Examples:\n"
         "  nebsc push origin main            the branch main\n"
-        "  nebsc push origin topic:review    the branch topic, to the remote branch review\n"
+        "  nebsc push origin topic:review    the branch topic, as review on the remote\n"
         "  nebsc push --svn                  commits that Subversion does not have\n",
     .parameters = pushParameters,
     .activity = "Pushing",

@@ -88,10 +88,10 @@ std::optional<CommandOutput> ExportTask::validate() {
         return refused;
     }
     if (file() == workingCopy().location) {
-        return refusal(
-            "The working copy itself cannot be exported; 'nebsc export-tree' writes all of its "
-            "files.",
-            exitFailed, NEBSourceControlPathInvalidErrorClass);
+        CommandOutput output = refusal("The working copy itself cannot be exported.", exitFailed,
+                                       NEBSourceControlPathInvalidErrorClass);
+        addAdvice(output, "'nebsc export-tree' writes all of its files.");
+        return output;
     }
     if (auto refused = isJSON() ? std::nullopt : refusalOfSource()) {
         return refused;
@@ -169,10 +169,10 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
     }
     const std::string name = inQuotes(argument(destination));
     if (isWorkingCopy()) {
-        return refusal(name +
-                           " is the working copy itself; nothing was written. 'nebsc revert' "
-                           "discards changes.",
-                       exitFailed, NEBSourceControlPathInvalidErrorClass);
+        CommandOutput output = refusal(name + " is the working copy itself; nothing was written.",
+                                       exitFailed, NEBSourceControlPathInvalidErrorClass);
+        addAdvice(output, "'nebsc revert' discards changes.");
+        return output;
     }
     if (isAnythingAt(folder()) && !isFolder(folder())) {
         return refusal(name + " is not a folder; nothing was written.", exitFailed,
@@ -184,10 +184,10 @@ std::optional<CommandOutput> ExportTreeTask::validate() {
     std::error_code failure;
     if (isFolder(folder()) && !arguments().has("--force") &&
         (!fs::is_empty(folder(), failure) || failure)) {
-        return refusal("The folder " + name +
-                           " is not empty; nothing was written. 'nebsc export-tree --force' "
-                           "overwrites files that are in the index.",
-                       exitFailed, NEBSourceControlDestinationExistsErrorClass);
+        CommandOutput output = refusal("The folder " + name + " is not empty; nothing was written.",
+                                       exitFailed, NEBSourceControlDestinationExistsErrorClass);
+        addAdvice(output, "'nebsc export-tree --force' overwrites files that are in the index.");
+        return output;
     }
     return refusalOfBlockingFolder();
 }

@@ -19,11 +19,10 @@ public:
 
 protected:
     std::optional<CommandOutput> validate() override {
-        return isAll() == paths(files).empty()
-                   ? std::nullopt
-                   : std::optional(
-                         refusal("Expected either FILE or --all (see 'nebsc add --help').",
-                                 exitNotUnderstood));
+        if (isAll() != paths(files).empty()) {
+            throw invalidArguments("expected either FILE or --all");
+        }
+        return std::nullopt;
     }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return isAll() ? newRequest(NEBSourceControlRequestAdd)
@@ -68,7 +67,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
     query.insert(query.end(), paths(files).begin(), paths(files).end());
     const ChildOutcome status = git().run(std::move(query));
     if (!status.status.isSuccess()) {
-        return failureOfQuery(git(), status);
+        return failureOfQuery(git(), status, paths(files));
     }
     std::vector<std::string> changed;
     for (const std::string& line : textsBetweenNULs(status.output)) {
@@ -84,7 +83,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
     CommandOutput refused = refusalAboutFiles(
         workingCopy(), "Nothing was deleted, because uncommitted changes would be lost:", changed,
         NEBSourceControlLocalChangesErrorClass);
-    refused.standardError += "'nebsc rm --force' deletes the files anyway.\n";
+    addAdvice(refused, "'nebsc rm --force' deletes the files anyway.");
     return refused;
 }
 
@@ -145,8 +144,9 @@ constinit const Command revertCommand{
     .group = changeGroup,
     .summary = "Discard changes of files",
     .details =
-        "Restores what was staged last, or the latest commit if nothing is staged: changes\n"
-        "that are not staged are lost. Staged changes and files in conflict are left alone.\n"
+        "Restores what was staged last, or the latest commit if nothing is staged:\n"
+        "changes that are not staged are lost. Staged changes and files in conflict are\n"
+        "left alone.\n"
         "\n"
         "Examples:\n"
         "  nebsc revert src/main.c    discard the changes of a file\n"

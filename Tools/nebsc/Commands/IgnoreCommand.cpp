@@ -98,7 +98,7 @@ std::optional<CommandOutput> IgnoreTask::refusalOf(const std::string& path) {
     if (git().isTracked(path)) {
         CommandOutput output = refusal(name + " is tracked, so its changes cannot be ignored.",
                                        exitFailed, NEBSourceControlPathInvalidErrorClass);
-        output.standardError += "'git rm -r --cached' stops tracking it and keeps it on disk.\n";
+        addAdvice(output, "'git rm -r --cached' stops tracking it and keeps it on disk.");
         return output;
     }
     return std::nullopt;
@@ -152,9 +152,8 @@ constinit const Command ignoreCommand{
     .group = changeGroup,
     .summary = "Ignore untracked files",
     .details =
-        "Adds the paths to .gitignore at the top of the working copy. To share them, add and "
-        "commit\n"
-        "that file.\n"
+        "Adds the paths to .gitignore at the top of the working copy. To share them, add\n"
+        "and commit that file.\n"
         "\n"
         "Example:\n"
         "  nebsc ignore build notes.txt    ignore a folder and a file\n",

@@ -54,7 +54,8 @@ constinit const Command infoCommand{
     .group = inspectGroup,
     .summary = "Show the URL of the repository and the top of the working copy",
     .details =
-        "The URL is that of the remote 'origin', or of the connected Subversion repository.\n"
+        "The URL is that of the remote 'origin', or of the connected Subversion\n"
+        "repository.\n"
         "\n"
         "Example:\n"
         "  nebsc info\n",

@@ -2,6 +2,7 @@
 #include "CommandFrame/RevisionArguments.h"
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/Commands.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Colour.h"
 #include "Terminal/PrintableText.h"
@@ -30,6 +31,7 @@ private:
         return inQuotes(arguments().value("DIR").value_or("."));
     }
     [[nodiscard]] std::optional<CommandOutput> refusalOfFolder();
+    void explainMissingTree(Outcome& outcome);
 
     std::vector<TreeEntry> _entries;
 };
@@ -76,7 +78,21 @@ RequestResult ListTask::perform() {
     TreeQuery query(makeRequest(), objectAt(git(), "HEAD", folder()));
     RequestResult requestResult = performOperation(query);
     _entries = query.entries();
+    explainMissingTree(*requestResult.outcome);
     return requestResult;
+}
+
+/// git reports the missing root tree of a commit as an unknown revision. Another command of git
+/// names the tree.
+void ListTask::explainMissingTree(Outcome& outcome) {
+    if (!outcome.error || outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass) {
+        return;
+    }
+    const ChildOutcome tree = git().run({"diff-tree", "--root", "HEAD"});
+    if (!tree.status.isSuccess()) {
+        outcome.error =
+            NEBSourceControlErrorFromText(std::string(tree.errorOutput), *makeRequest());
+    }
 }
 
 std::string ListTask::textOfResult(const NEBSourceControlResult& /*records*/) {
@@ -106,8 +122,9 @@ constinit const Command listCommand{
     .group = inspectGroup,
     .summary = "List a folder of the latest commit",
     .details =
-        "Folders and submodules end with '/'. Lists the commit, not the working copy, so names\n"
-        "that are not on disk are listed too. In a bare repository, DIR is relative to the top.\n"
+        "Folders and submodules end with '/'. Lists the commit, not the working copy, so\n"
+        "names that are not on disk are listed too. In a bare repository, DIR is relative\n"
+        "to the top.\n"
         "\n"
         "Examples:\n"
         "  nebsc ls        the current folder\n"

@@ -84,7 +84,7 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
         return std::nullopt;
     }
     if (!_named.revisions.empty()) {
-        return refusal("--branch cannot be combined with a revision.", exitNotUnderstood);
+        throw invalidArguments("option '--branch' cannot be combined with a revision");
     }
     // A tag may have the same name.
     const std::string local = std::string(localBranchPrefix) + *branch;
@@ -99,16 +99,15 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
 std::optional<CommandOutput> LogTask::validate() {
     const auto limit = arguments().value("--limit");
     if (limit && !countIn(*limit)) {
-        return refusal(inQuotes(*limit) + " is not a number of commits.", exitNotUnderstood);
+        throw invalidValue("--limit", "a number of commits");
     }
     _named = readRevisionArguments(git(), arguments(), {.revisions = 2, .files = 1});
     if (_named.refused) {
         return _named.refused;
     }
     if (_named.revisions.size() == 2 && _named.dots.empty()) {
-        return refusal(
-            "Expected at most one revision or range; for two revisions write A..B or A...B.",
-            exitNotUnderstood);
+        throw invalidArguments(
+            "expected at most one revision or range; for two revisions write A..B or A...B");
     }
     if (auto refused = refusalOfBranch()) {
         return refused;
@@ -241,10 +240,10 @@ constinit const Command logCommand{
     .group = inspectGroup,
     .summary = "Show commits, newest first",
     .details =
-        "Dates are in local time. A..B shows the commits of B that A does not contain, A...B\n"
-        "those that only one of the two contains. A single argument is a revision or else a\n"
-        "file; put '--' before a file or after a revision if it could be either. Merges have\n"
-        "no files of their own.\n"
+        "Dates are in local time. A..B shows the commits of B that A does not contain,\n"
+        "A...B those that only one of the two contains. A single argument is a revision\n"
+        "or else a file; put '--' before a file or after a revision if it could be\n"
+        "either. Merges have no files of their own.\n"
         "\n"
         "Examples:\n"
         "  nebsc log -n 10          the last ten commits\n"

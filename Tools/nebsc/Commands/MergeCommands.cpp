@@ -144,8 +144,8 @@ constinit const Command mergeCommand{
     .group = branchesGroup,
     .summary = "Merge a branch into the current one",
     .details =
-        "Where both sides changed the same lines, keeps those of the current branch and lists the\n"
-        "files on standard error.\n"
+        "Where both sides changed the same lines, keeps those of the current branch and\n"
+        "lists the files on standard error.\n"
         "\n"
         "Example:\n"
         "  nebsc merge topic\n",

@@ -66,7 +66,10 @@ std::optional<CommandOutput> InitTask::refusalOfRepository(const std::string& fo
 std::optional<CommandOutput> InitTask::validate() {
     const std::string& folder = workingCopy().location;
     if (const std::string typed = argument("DIR"); typed.find("://") != std::string::npos) {
-        return refusal(inQuotes(typed) + " is a URL; expected a folder.", exitNotUnderstood);
+        throw invalidValue("DIR", "a folder, not a URL");
+    }
+    if (auto refused = refusalOfBlockedFolder(workingCopy(), folder)) {
+        return refused;
     }
     if (auto refused = refusalOfRepository(folder)) {
         return refused;
@@ -181,10 +184,9 @@ std::optional<CommandOutput> CloneTask::validate() {
     }
     const std::string name = nameOfClone(workingCopy().location);
     if (name.empty() || name == "." || name == "..") {
-        return refusal(
+        throw invalidArguments(
             inQuotes(argument("URL")) +
-                " does not contain a name for the folder of the clone; use 'nebsc clone URL DIR'.",
-            exitNotUnderstood);
+            " does not contain a name for the folder of the clone; use 'nebsc clone URL DIR'");
     }
     _destination = pathByAppendingComponent(currentFolder(), name);
     return std::nullopt;
@@ -237,8 +239,8 @@ constinit const Command cloneCommand{
     .group = remotesGroup,
     .summary = "Clone a repository with its submodules",
     .details =
-        "If the clone fails or is interrupted, removes the folder that it created. If only\n"
-        "submodules cannot be cloned, keeps the clone and lists what is missing.\n"
+        "If the clone fails or is interrupted, removes the folder that it created. If\n"
+        "only submodules cannot be cloned, keeps the clone and lists what is missing.\n"
         "\n"
         "Examples:\n"
         "  nebsc clone https://example.org/demo.git        to the folder demo\n"

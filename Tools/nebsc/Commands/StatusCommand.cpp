@@ -142,8 +142,8 @@ constinit const Command statusCommand{
     .group = inspectGroup,
     .summary = "Show the changed files of a working copy",
     .details =
-        "For a file in conflict, shows what the current branch (us) and the other branch (them)\n"
-        "did to it.\n"
+        "For a file in conflict, shows what the current branch (us) and the other branch\n"
+        "(them) did to it.\n"
         "\n"
         "Examples:\n"
         "  nebsc status               the working copy around the current folder\n"

@@ -74,9 +74,9 @@ constinit const Command updateFromSubversion{
     .group = subcommandGroup,
     .summary = "Fetch from Subversion and rebase the current branch",
     .details =
-        "The same as 'nebsc update --svn'. Where both sides changed the same lines, keeps those\n"
-        "of Subversion and lists the files on standard error. A commit that becomes empty is\n"
-        "dropped.\n"
+        "The same as 'nebsc update --svn'. Where both sides changed the same lines, keeps\n"
+        "those of Subversion and lists the files on standard error. A commit that becomes\n"
+        "empty is dropped.\n"
         "\n"
         "Example:\n"
         "  nebsc svn update\n",
@@ -110,7 +110,8 @@ constinit const Command subversionCommand{
     .group = subversionGroup,
     .summary = "Work with the connected Subversion repository",
     .details =
-        "'git svn clone URL' creates a repository that is connected to a Subversion repository.\n"
+        "'git svn clone URL' creates a repository that is connected to a Subversion\n"
+        "repository.\n"
         "\n"
         "Examples:\n"
         "  nebsc svn           show its URL\n"

@@ -40,8 +40,7 @@ std::optional<CommandOutput> TrackTask::validate() {
     const std::string text = argument("REMOTE/BRANCH");
     const std::size_t first = text.find('/');
     if (first == std::string::npos || first == 0 || text.ends_with('/')) {
-        return refusal(inQuotes(text) + " is not a branch of a remote; expected REMOTE/BRANCH.",
-                       exitNotUnderstood);
+        throw invalidValue("REMOTE/BRANCH", "a remote and its branch, such as origin/main");
     }
     const RemoteSettings remotes(git());
     std::size_t slash = first;
@@ -117,7 +116,7 @@ void TrackingTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
         output = *refused;
     } else if (const auto tracking = remotes.trackedBranchOf(name)) {
         output.standardOutput =
-            printable(name) + " tracks " + remotes.shownBranch(*tracking) + ".\n";
+            printable(inQuotes(name)) + " tracks " + remotes.shownBranch(*tracking) + ".\n";
     } else if (isBranch(git(), name) || currentBranch(git()) == name) {
         output = refusal(inQuotes(name) + " does not track a branch.", exitFailed,
                          NEBSourceControlNoUpstreamErrorClass);

@@ -45,7 +45,7 @@ private:
                    ? SideNames{.kept = "Subversion's", .leftOut = "yours"}
                    : SideNames{.kept = "the current branch's", .leftOut = "the other branch's"};
     }
-    [[nodiscard]] std::optional<CommandOutput> refusalOfArguments() const;
+    void checkArguments() const;
     [[nodiscard]] std::optional<CommandOutput> findSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSource();
     [[nodiscard]] std::optional<CommandOutput> fetchSubversion();
@@ -69,16 +69,13 @@ private:
     bool _isMergedAlready = false;
 };
 
-std::optional<CommandOutput> UpdateTask::refusalOfArguments() const {
+void UpdateTask::checkArguments() const {
     const bool hasRemote = arguments().has(remoteParameter);
     const bool hasBranch = arguments().has(branchParameter);
     if (isSubversion() ? hasBranch || isByFastForward() : hasRemote != hasBranch) {
-        return refusal(
-            "Expected REMOTE and BRANCH, neither of them, or --svn with at most REF (see 'nebsc "
-            "update --help').",
-            exitNotUnderstood);
+        throw invalidArguments(
+            "expected REMOTE and BRANCH, neither of them, or --svn with at most REF");
     }
-    return std::nullopt;
 }
 
 RepositoryQuestions UpdateTask::questions() const {
@@ -87,9 +84,7 @@ RepositoryQuestions UpdateTask::questions() const {
 }
 
 std::optional<CommandOutput> UpdateTask::validate() {
-    if (auto refused = refusalOfArguments()) {
-        return refused;
-    }
+    checkArguments();
     if (auto refused = refusalOutsideWorkingCopy(git())) {
         return refused;
     }
@@ -122,9 +117,9 @@ std::optional<CommandOutput> UpdateTask::findSource() {
                                  " does not track a branch to update from."
                            : "HEAD is detached, so there is no tracked branch to update from.",
                     exitFailed, NEBSourceControlNoUpstreamErrorClass);
-        output.standardError += hasSubversion(git())
-                                    ? "'nebsc update --svn' updates from Subversion.\n"
-                                    : "'nebsc update REMOTE BRANCH' updates from another branch.\n";
+        addAdvice(output, hasSubversion(git())
+                              ? "'nebsc update --svn' updates from Subversion."
+                              : "'nebsc update REMOTE BRANCH' updates from another branch.");
         return output;
     }
     _source = *tracking;
@@ -138,8 +133,9 @@ std::optional<CommandOutput> UpdateTask::fetchSource() {
     if (remote != "." && !remote.starts_with('-') && !_remotes.isRemote(remote)) {
         CommandOutput output = refusal(inQuotes(remote) + " is not the name of a remote.",
                                        exitFailed, NEBSourceControlRemoteUnknownErrorClass);
-        output.standardError +=
-            "'nebsc remote add' adds a remote; 'nebsc update --ff' also accepts a URL or a path.\n";
+        addAdvice(
+            output,
+            "'nebsc remote add' adds a remote; 'nebsc update --ff' also accepts a URL or a path.");
         return output;
     }
     // A fetch does not change which reference the upstream is, but may create it.
@@ -177,7 +173,7 @@ std::optional<CommandOutput> UpdateTask::fetchSubversion() {
             git().outputOf({"config", "--get", "svn-remote.svn.fetch"}).value_or("");
         _reference = setting.substr(setting.rfind(':') + 1);
     }
-    _shownSource = printable(_reference);
+    _shownSource = printable(inQuotes(_reference));
     if (_reference.starts_with('-')) {
         return std::nullopt;
     }
@@ -249,7 +245,7 @@ void UpdateTask::report(const Outcome& outcome, CommandOutput& output) {
 
 std::string UpdateTask::adviceFor(const NEBSourceControlError& error) const {
     return error.code == NEBSourceControlFastForwardError
-               ? "'nebsc update' without --ff merges them.\n"
+               ? "'nebsc update' without --ff merges them."
                : "";
 }
 
@@ -270,9 +266,9 @@ constinit const Command updateCommand{
     .group = remotesGroup,
     .summary = "Fetch, and merge into the current branch",
     .details =
-        "Where both sides changed the same lines, keeps those of the current branch and lists the\n"
-        "files on standard error. With --svn, rebases instead of merging, keeps the lines of\n"
-        "Subversion, and drops commits that become empty.\n"
+        "Where both sides changed the same lines, keeps those of the current branch and\n"
+        "lists the files on standard error. With --svn, rebases instead of merging, keeps\n"
+        "the lines of Subversion, and drops commits that become empty.\n"
         "\n"
         "Examples:\n"
         "  nebsc update                from the branch that the current one tracks\n"

@@ -65,7 +65,7 @@ private:
     std::string _text;
 };
 
-/// Completes LOCAL:REMOTE: branches of this repository before the colon, of the remote after it.
+/// Completes LOCAL:DEST: branches of this repository before the colon, of the remote after it.
 std::vector<Candidate> ValueCompletion::branchPairs() {
     const std::size_t colon = _text.find(':');
     if (colon == std::string::npos) {

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "Doctor/Checks.h"
+#include "Terminal/ErrorText.h"
 
 namespace neb::nebsc {
 
@@ -31,7 +32,7 @@ void runChecks(std::span<const Check> checks, Examination& examination) {
 
 void checkPlugIn(Examination& examination, const PlugInFile& plugIn) {
     if (!plugIn.load.plugIn) {
-        examination.add(Health::problem, "plug-in", plugIn.load.failure,
+        examination.add(Health::problem, "plug-in", withSingleQuotes(plugIn.load.failure),
                         "Build or reinstall NEBGit, or give its path with --plugin.");
         return;
     }

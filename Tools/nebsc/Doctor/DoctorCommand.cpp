@@ -108,12 +108,13 @@ constinit const Command doctorCommand{
     .group = inspectGroup,
     .summary = "Check git, the repository and the settings for problems, and say how to fix them",
     .details =
-        "Checks git and the plug-in; in the repository: lock files, the index, references, the\n"
-        "HEAD commit and its root tree, packs, alternates, worktrees, operations in progress\n"
-        "and hooks; for the user: settings and environment variables that nebsc ignores, the\n"
-        "identity for commits, and credentials. Changes nothing, runs no hooks and fetches\n"
-        "nothing. Takes a few seconds; with --full as long as git fsck. Exits with status 1 if\n"
-        "it finds a problem.\n\n"
+        "Checks git and the plug-in; in the repository: lock files, the index,\n"
+        "references, the HEAD commit and its root tree, packs, alternates, worktrees,\n"
+        "operations in progress and hooks; for the user: settings and environment\n"
+        "variables that nebsc ignores, the identity for commits, and credentials. Changes\n"
+        "nothing, runs no hooks and fetches nothing. Takes a few seconds; with --full as\n"
+        "long as git fsck. Exits with status 1 if it finds a problem.\n"
+        "\n"
         "Examples:\n"
         "  nebsc doctor\n"
         "  nebsc doctor --full    also read every object, to find all damage\n"

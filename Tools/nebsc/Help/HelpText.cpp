@@ -114,8 +114,8 @@ std::string helpText(std::span<const Command* const> commands) {
             arguments.push_back(&parameter);
         }
     }
-    return "Usage: " + usageOf(commands) + "\n\n" + std::string(command.summary) + ".\n" +
-           section("Arguments", entriesOf(arguments)) + sectionsOf(command.commands) +
+    return "Usage: " + usageOf(commands) + "\n\n" + wrapped(std::string(command.summary) + ".", 0) +
+           "\n" + section("Arguments", entriesOf(arguments)) + sectionsOf(command.commands) +
            section("Options", entriesOf(optionsOf(&command))) + "\n" + std::string(command.details);
 }
 

@@ -7,6 +7,7 @@
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
 #include "Terminal/ErrorText.h"
@@ -37,6 +38,13 @@ CommandOutput failureWith(const NEBSourceControlError& error) {
             .standardError = errorLines(error),
             .exitStatus = exitFailed,
             .error = error};
+}
+
+void addAdvice(CommandOutput& output, const std::string& advice) {
+    output.standardError += printable(advice) + "\n";
+    if (output.error) {
+        output.error->userInfo.set(NEBLocalizedRecoverySuggestionKey, advice);
+    }
 }
 
 void addFailure(CommandOutput& output, const CommandOutput& failure) {

@@ -32,6 +32,10 @@ struct CommandOutput {
 /// Returns output that reports the error on standard error, with the exit status exitFailed.
 [[nodiscard]] CommandOutput failureWith(const NEBSourceControlError& error);
 
+/// Adds a line on what to do about a failure: to standard error, and to `error` as its recovery
+/// suggestion, in place of a general one.
+void addAdvice(CommandOutput& output, const std::string& advice);
+
 /// Appends a failure to the output. If there are several, `error` is the first.
 void addFailure(CommandOutput& output, const CommandOutput& failure);
 

@@ -130,13 +130,43 @@ std::string messageLine(std::string_view sentence) {
     return line;
 }
 
+std::string withSingleQuotes(std::string_view sentence) {
+    constexpr std::string_view beforeQuote = " (\n";
+    constexpr std::string_view afterQuote = " .,:;)\n";
+    const auto isOneOf = [](std::string_view characters, char character) {
+        return characters.find(character) != std::string_view::npos;
+    };
+    std::string text(sentence);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '"' || (i > 0 && !isOneOf(beforeQuote, text[i - 1]))) {
+            continue;
+        }
+        std::size_t end = text.find('"', i + 1);
+        while (end != std::string::npos && end + 1 < text.size() &&
+               !isOneOf(afterQuote, text[end + 1])) {
+            end = text.find('"', end + 1);
+        }
+        if (end == std::string::npos) {
+            break;
+        }
+        text[i] = text[end] = '\'';
+        i = end;
+    }
+    return text;
+}
+
 std::string errorLines(const NEBSourceControlError& error) {
-    const auto suggestion = error.localizedRecoverySuggestion();
+    auto suggestion = error.localizedRecoverySuggestion();
     std::string description = error.localizedDescription().value_or("");
     std::string toolOutput = error.text.value_or("");
+    if (toolOutput.find(description) == std::string::npos) {
+        description = withSingleQuotes(description);
+    }
     if (suggestion == NEBSourceControlAdviceOfHints(error.hints)) {
         description = NEBSourceControlTextWithoutHints(description);
         toolOutput = NEBSourceControlTextWithoutHints(toolOutput);
+    } else if (suggestion) {
+        suggestion = withSingleQuotes(*suggestion);
     }
     description = trimmed(description);
     toolOutput = trimmed(toolOutput);

@@ -12,7 +12,12 @@ namespace neb::nebsc {
 /// case first letter unless it begins with a name, and without the full stop of a single sentence.
 [[nodiscard]] std::string messageLine(std::string_view sentence);
 
-/// Returns the lines that report an error on standard error, in this order:
+/// Returns a sentence of the library, which puts names in double quotes, with single quotes. Keeps
+/// double quotes that are part of a name or of another text.
+[[nodiscard]] std::string withSingleQuotes(std::string_view sentence);
+
+/// Returns the lines that report an error on standard error. Sentences of the library have single
+/// quotes, as those of nebsc; git's output is not changed. The order is:
 ///
 /// - "nebsc: " and the description; if it has several lines, the one that reports the failure
 /// - the recovery suggestion; hints that it contains are not repeated below

@@ -26,6 +26,9 @@ int lastExitStatus(const Outcome& outcome) {
 
 }  // namespace
 
+CommandTask::CommandTask(const CommandCall& call)
+    : _call(call), _isInColour(!call.isJSON && wantsColour(call.colours, STDOUT_FILENO)) {}
+
 // ---- the steps --------------------------------------------------------------------------------
 
 CommandOutput CommandTask::run() {
@@ -231,10 +234,6 @@ UsageError CommandTask::invalidValue(std::string_view parameter, std::string exp
             .argument = argument(parameter),
             .parameter = &*row,
             .detail = std::move(expected)};
-}
-
-bool CommandTask::isInColour() const {
-    return !isJSON() && wantsColour(_call.colours, STDOUT_FILENO);
 }
 
 std::shared_ptr<NEBSourceControlRequest> CommandTask::newRequest(

@@ -43,7 +43,7 @@ namespace neb::nebsc {
 class CommandTask {
 public:
     /// Handles the signals as long as the object lives.
-    explicit CommandTask(const CommandCall& call) : _call(call) {}
+    explicit CommandTask(const CommandCall& call);
     CommandTask(const CommandTask&) = delete;
     CommandTask& operator=(const CommandTask&) = delete;
     virtual ~CommandTask() = default;
@@ -114,7 +114,7 @@ protected:
     [[nodiscard]] const std::string& currentFolder() const { return workingCopy().currentFolder; }
     [[nodiscard]] bool isJSON() const { return _call.isJSON; }
     /// Returns whether standard output is coloured.
-    [[nodiscard]] bool isInColour() const;
+    [[nodiscard]] bool isInColour() const { return _isInColour; }
 
     // ---- git; available from validate() on, except workingCopy().currentFolder
 
@@ -166,6 +166,7 @@ private:
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text) const;
 
     const CommandCall& _call;
+    const bool _isInColour;
     Interruption _interruption;
     /// Present until there is something to print.
     std::optional<ProgressIndicator> _progress;

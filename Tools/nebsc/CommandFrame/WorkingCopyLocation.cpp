@@ -1,6 +1,7 @@
 #include "CommandFrame/WorkingCopyLocation.h"
 
-#include <filesystem>
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "Platform/PathString.h"
@@ -10,7 +11,38 @@
 
 namespace neb::nebsc {
 
-namespace fs = std::filesystem;
+namespace {
+
+/// Returns the position of the "/" that ends the last component that both absolute paths have in
+/// common.
+std::size_t endOfCommonFolder(std::string_view path, std::string_view folder) {
+    const auto [inPath, inFolder] =
+        std::mismatch(path.begin(), path.end(), folder.begin(), folder.end());
+    const bool endsPath = inPath == path.end() && (inFolder == folder.end() || *inFolder == '/');
+    const bool endsFolder = inFolder == folder.end() && inPath != path.end() && *inPath == '/';
+    const auto common = static_cast<std::size_t>(inPath - path.begin());
+    return endsPath || endsFolder ? common : path.substr(0, common).rfind('/');
+}
+
+/// Both paths must be absolute, without "." and ".." and "//", and without a "/" at the end.
+std::string relativePath(std::string_view path, std::string_view folder) {
+    if (path == folder) {
+        return ".";
+    }
+    folder = folder == "/" ? std::string_view() : folder;
+    const std::size_t common = endOfCommonFolder(path, folder);
+    std::string relative;
+    const std::string_view left = folder.substr(common);
+    for (auto count = std::count(left.begin(), left.end(), '/'); count > 0; --count) {
+        relative.append(relative.empty() ? ".." : "/..");
+    }
+    if (common < path.size()) {
+        relative.append(relative.empty() ? "" : "/").append(path.substr(common + 1));
+    }
+    return relative;
+}
+
+}  // namespace
 
 WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
                                     const std::string& currentFolder, const std::string& folder,
@@ -38,13 +70,13 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
 std::string pathAsSeen(const WorkingCopyLocation& workingCopy, const std::string& path) {
     std::string absolute =
         path.starts_with('/') ? path : pathByAppendingComponent(workingCopy.location, path);
-    if (!liesWithin(workingCopy.currentFolder, workingCopy.location)) {
+    if (absolute == "/" || !liesWithin(workingCopy.currentFolder, workingCopy.location)) {
         return absolute;
     }
     const bool isFolder = absolute.ends_with('/');
-    const fs::path plain = isFolder ? absolute.substr(0, absolute.size() - 1) : absolute;
-    const std::string relative = plain.lexically_relative(workingCopy.currentFolder).string();
-    return isFolder ? relative + "/" : relative;
+    absolute.resize(absolute.size() - (isFolder ? 1 : 0));
+    std::string relative = relativePath(absolute, workingCopy.currentFolder);
+    return isFolder ? relative.append("/") : relative;
 }
 
 std::string shownPath(const WorkingCopyLocation& workingCopy, const std::string& path) {

@@ -33,6 +33,12 @@ bool isControlCharacter(unsigned char byte) {
     return byte < firstPrintable || byte == deletion;
 }
 
+bool isPrintableASCII(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    constexpr unsigned char firstBeyondASCII = 0x80;
+    return byte < firstBeyondASCII && !isControlCharacter(byte);
+}
+
 /// Returns whether the valid UTF-8 text has one of U+0080 to U+009F at `offset`.
 bool isC1(std::string_view text, std::size_t offset) {
     return text[offset] == '\xC2' && static_cast<unsigned char>(text[offset + 1]) < 0xA0;
@@ -47,6 +53,9 @@ bool isDirectionControl(std::string_view character) {
 }  // namespace
 
 std::string printable(std::string_view bytes) {
+    if (std::all_of(bytes.begin(), bytes.end(), isPrintableASCII)) {
+        return std::string(bytes);
+    }
     std::string result;
     result.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size();) {

@@ -1,0 +1,38 @@
+// How paths are shown from the current folder.
+
+#include "CommandFrame/WorkingCopyLocation.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace neb::nebsc {
+namespace {
+
+TEST(WorkingCopyLocation, PathsAreShownFromTheCurrentFolder) {
+    for (const char* folder : {"/", "/w", "/w/a", "/w/a/b", "/w/ab", "/w/c d/e"}) {
+        const WorkingCopyLocation workingCopy{.location = "/", .currentFolder = folder};
+        EXPECT_EQ(pathAsSeen(workingCopy, "/"), "/");
+        for (const char* path : {"/w", "/w/a", "/w/a/b", "/w/a/b/c", "/w/abc", "/w/ab/x", "/w/c d",
+                                 "/w/c", "/x", "/w/a/b.c", "/wa"}) {
+            EXPECT_EQ(pathAsSeen(workingCopy, path),
+                      std::filesystem::path(path).lexically_relative(folder).string())
+                << path << " from " << folder;
+        }
+    }
+}
+
+TEST(WorkingCopyLocation, PathsFromTheTopAndFolders) {
+    const WorkingCopyLocation workingCopy{.location = "/w", .currentFolder = "/w/src"};
+    EXPECT_EQ(pathAsSeen(workingCopy, "a.c"), "../a.c");
+    EXPECT_EQ(pathAsSeen(workingCopy, "src/a.c"), "a.c");
+    EXPECT_EQ(pathAsSeen(workingCopy, "src/lib/"), "lib/");
+    EXPECT_EQ(pathAsSeen(workingCopy, "src/"), "./");
+    EXPECT_EQ(pathAsSeen(workingCopy, "source/"), "../source/");
+    const WorkingCopyLocation elsewhere{.location = "/w", .currentFolder = "/v"};
+    EXPECT_EQ(pathAsSeen(elsewhere, "a.c"), "/w/a.c");
+    EXPECT_EQ(pathAsSeen(elsewhere, "/x/b/"), "/x/b/");
+}
+
+}  // namespace
+}  // namespace neb::nebsc

@@ -92,6 +92,24 @@ inline std::shared_ptr<NEBSourceControlRequest> requestOf(std::int32_t type,
     return NEBSourceControlRequest::initWithType(type, tree, std::nullopt, std::move(options));
 }
 
+/// Requires that an output that arrives in parts has the same records as `whole`.
+template <typename Op>
+void requireSameInParts(const Op& operation, const std::string& bytes,
+                        const std::vector<NEBDictionary>& whole) {
+    Op other(operation.request());
+    const auto parser = other.makeRecordParser();
+    if (!parser) {
+        return;
+    }
+    std::vector<NEBDictionary> records;
+    std::size_t position = 0;
+    for (std::size_t size = 1; size < bytes.size(); size += 1 + bytes.size() / 8) {
+        position = parser->parse(bytes.substr(0, size), position, bytes.size(), records);
+    }
+    parser->parseToEnd(bytes, position, records);
+    require(records == whole, "the parts of an output have the records of the whole");
+}
+
 /// Returns the result of the operation for the bytes as the output of a successful git.
 template <typename Op>
 std::optional<std::vector<NEBDictionary>> parsed(Op& operation, const std::string& bytes) {
@@ -99,6 +117,9 @@ std::optional<std::vector<NEBDictionary>> parsed(Op& operation, const std::strin
     operation.setErrorData(std::string());
     operation.parseData();
     if (operation.result()) {
+        if constexpr (requires { operation.makeRecordParser(); }) {
+            requireSameInParts(operation, bytes, *operation.result());
+        }
         for (const NEBDictionary& record : *operation.result()) {
             requireText(record);
         }

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "GitOperations/GitOperation.h"
-#include "Platform/DateFormatter.h"
 
 namespace neb {
 
@@ -24,12 +23,8 @@ public:
     explicit GitBlameOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitBlameOperation"; }
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
-
-private:
-    [[nodiscard]] NEBDictionary recordOf(const Data& text, std::string_view line) const;
-
-    DateFormatter _formatter;
 };
 
 }  // namespace neb

@@ -1,5 +1,6 @@
 #include "GitOperations/GitBranch.h"
 
+#include "GitOperations/GitLineParser.h"
 #include "GitOperations/GitRevision.h"
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlAssertions.h"
@@ -29,6 +30,11 @@ std::string nameIn(std::string_view line) {
     return std::string(line.substr(first, line.find_last_not_of(marks) + 1 - first));
 }
 
+NEBDictionary recordOfBranch(const Data& text, std::string_view line) {
+    static_cast<void>(text);
+    return {{NEBSourceControlOperationNameKey, nameIn(line)}};
+}
+
 std::string branchOfRemote(const NEBSourceControlRequest& request) {
     return formattedText("%@/%@",
                          {request.option(NEBSourceControlRequestOptionRemoteName).description(),
@@ -47,7 +53,8 @@ void reportMissingNames(const NEBSourceControlRequest& request) {
 }
 
 /// Reads "object id TAB reference".
-NEBDictionary recordOfHead(std::string_view line) {
+NEBDictionary recordOfHead(const Data& text, std::string_view line) {
+    static_cast<void>(text);
     constexpr std::string_view heads = "refs/heads/";
     constexpr NEBSourceControlAssertionSite site{
         .function = "-[GitListRemoteBranchesOperation parseData]",
@@ -124,16 +131,14 @@ GitListBranchesOperation::GitListBranchesOperation(std::shared_ptr<NEBSourceCont
     setArguments({"branch"});
 }
 
+std::unique_ptr<NEBSourceControlRecordParser> GitListBranchesOperation::makeRecordParser() {
+    return std::make_unique<GitLineParser>(recordOfBranch);
+}
+
 void GitListBranchesOperation::parseData() {
-    if (!data() || data()->empty()) {
-        return;
+    if (hasOutput()) {
+        GitOperation::parseData();
     }
-    NEBSourceControlResult records;
-    const std::string text = *_nebsc_stringFromData(data());
-    forEachPiece(text, '\n', [&records](std::string_view line) {
-        records.push_back({{NEBSourceControlOperationNameKey, nameIn(line)}});
-    });
-    setResult(std::move(records));
 }
 
 GitListRemoteBranchesOperation::GitListRemoteBranchesOperation(
@@ -146,15 +151,8 @@ GitListRemoteBranchesOperation::GitListRemoteBranchesOperation(
     setArgumentsBehindDefaults(arguments);
 }
 
-void GitListRemoteBranchesOperation::parseData() {
-    NEBSourceControlResult records;
-    if (data() && !data()->empty()) {
-        const std::string text = *_nebsc_stringFromData(data());
-        records.reserve(pieceCount(text, '\n'));
-        forEachPiece(text, '\n',
-                     [&records](std::string_view line) { records.push_back(recordOfHead(line)); });
-    }
-    setResult(std::move(records));
+std::unique_ptr<NEBSourceControlRecordParser> GitListRemoteBranchesOperation::makeRecordParser() {
+    return std::make_unique<GitLineParser>(recordOfHead);
 }
 
 }  // namespace neb

@@ -37,6 +37,7 @@ public:
     explicit GitListBranchesOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitListBranchesOperation"; }
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
 };
 
@@ -51,7 +52,7 @@ public:
     [[nodiscard]] std::string className() const override {
         return "GitListRemoteBranchesOperation";
     }
-    void parseData() override;
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
 };
 
 }  // namespace neb

@@ -88,6 +88,16 @@ protected:
         return operation;
     }
 
+    /// Like run(). The records of the operation go to the sink of the composite, if there is one.
+    template <typename Op>
+    std::shared_ptr<Op> runList(std::shared_ptr<NEBSourceControlRequest> request) {
+        auto operation = initWithRequest<Op>(std::move(request));
+        this->deliverRecordsOf(*operation);
+        _subOperations.add(*this, operation);
+        waitUntilAllOperationsAreFinished();
+        return operation;
+    }
+
 private:
     GitSubOperations _subOperations;
 };

@@ -43,30 +43,23 @@ std::string GitDiffOperation::revisionArgument() const {
     return start.description() + (fromCommonAncestor ? "..." : "..") + end.description();
 }
 
-NEBSourceControlResult GitDiffOperation::recordsOf(std::string_view text) const {
+std::unique_ptr<NEBSourceControlRecordParser> GitDiffOperation::makeRecordParser() {
     const auto& sourceTree = request()->sourceTree;
-    GitStatusLines lines(sourceTree ? sourceTree->location.value_or("") : "");
-    NEBSourceControlResult records;
-    records.reserve(pieceCount(text, '\n'));
-    forEachPiece(text, '\n', [&](std::string_view line) {
-        if (auto record = lines.recordOf(line)) {
-            records.push_back(std::move(*record));
-        }
-    });
-    return records;
+    return _diffNameAndStatusOnly ? std::make_unique<GitStatusParser>(
+                                        sourceTree ? sourceTree->location.value_or("") : "")
+                                  : nullptr;
 }
 
 void GitDiffOperation::parseData() {
-    if (!data() || data()->empty()) {
+    if (!hasOutput()) {
         return;
     }
-    const Data text = NEBSourceControlTextData(*data());
     if (_diffNameAndStatusOnly) {
-        setResult(recordsOf(text));
+        GitOperation::parseData();
         return;
     }
     NEBDictionary record;
-    record.set(NEBSourceControlOperationContentKey, text);
+    record.set(NEBSourceControlOperationContentKey, NEBSourceControlTextData(*data()));
     setResult({{std::move(record)}});
 }
 

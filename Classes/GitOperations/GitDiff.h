@@ -24,11 +24,11 @@ public:
     explicit GitDiffOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitDiffOperation"; }
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
 
 private:
     [[nodiscard]] std::string revisionArgument() const;
-    [[nodiscard]] NEBSourceControlResult recordsOf(std::string_view text) const;
 
     bool _diffNameAndStatusOnly;
 };

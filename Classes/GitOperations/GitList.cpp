@@ -29,6 +29,23 @@ NEBDictionary recordOf(const Data& listing, std::string_view entry) {
     return record;
 }
 
+/// Parses the texts that git_componentsSeparatedByNULLTerminator() returns.
+class ListParser : public NEBSourceControlRecordParser {
+public:
+    ListParser() : NEBSourceControlRecordParser('\0') {}
+
+protected:
+    void parsePiece(const Data& listing, std::string_view entry,
+                    NEBSourceControlResult& records) override {
+        parseLastPiece(listing, {entry.data(), entry.size() + 1}, records);  // with its NUL
+    }
+    void parseLastPiece(const Data& listing, std::string_view entry,
+                        NEBSourceControlResult& records) override {
+        git_forEachComponentSeparatedByNULLTerminator(
+            entry, [&](std::string_view text) { records.push_back(recordOf(listing, text)); });
+    }
+};
+
 std::string folderOf(const NEBSourceControlRequest& request) {
     return request.fileCount() > 0 ? request.files->front().description() : std::string();
 }
@@ -70,17 +87,16 @@ std::string GitListFilesOperation::launchPath() {
     return "/bin/sh";
 }
 
+std::unique_ptr<NEBSourceControlRecordParser> GitListFilesOperation::makeRecordParser() {
+    return std::make_unique<ListParser>();
+}
+
 /// The shell finds no file for a URL, so that git lists nothing and prints no error.
 void GitListFilesOperation::parseData() {
-    NEBSourceControlResult records;
-    if (data()) {
-        git_forEachComponentSeparatedByNULLTerminator(
-            *data(), [&](std::string_view entry) { records.push_back(recordOf(*data(), entry)); });
-    }
-    if (records.empty() && pathOfFileURL(folderOf(*request()))) {
+    GitOperation::parseData();
+    if (result()->empty() && deliveredRecordCount() == 0 && pathOfFileURL(folderOf(*request()))) {
         setError(errorOfFolderOutside(*request()));
     }
-    setResult(std::move(records));
 }
 
 /// For a missing folder outside the working copy, git reports an invalid path. Without a folder,
@@ -101,7 +117,7 @@ void GitListOperation::main() {
         return;
     }
     setOperationQueue(std::make_shared<OperationQueue>());
-    const auto list = run<GitListFilesOperation>(request());
+    const auto list = runList<GitListFilesOperation>(request());
     setResult(list->result());
     if (list->error()) {
         setError(list->error());

@@ -26,6 +26,7 @@ public:
     [[nodiscard]] std::string className() const override { return "GitListFilesOperation"; }
     /// "/bin/sh".
     [[nodiscard]] std::string launchPath() override;
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;

@@ -11,12 +11,11 @@ namespace neb {
 
 namespace {
 
-/// The number of bytes from which on a log is parsed while git runs.
-constexpr std::size_t incrementalSize = 1U << 18;
-/// The assumed number of commits of a log that is parsed while git runs.
-constexpr std::size_t assumedBlockCount = 4096;
-/// The approximate number of bytes per commit.
-constexpr std::size_t assumedBlockSize = 256;
+/// The approximate number of different paths that one part of a log names.
+constexpr std::size_t assumedPathCount = 4096;
+/// The size of the buffer from which the C library writes to a pipe. git writes a commit together
+/// with the bytes before it: a line end, unless it is the first, and a NUL byte.
+constexpr std::size_t bufferSize = 4096;
 
 /// The block of a commit: after a NUL byte, one line each for the abbreviated id, the author's name
 /// and e-mail (after .mailmap) and the author's time in seconds since 1970, then the raw message of
@@ -44,39 +43,44 @@ NEBDate dateOf(std::string_view seconds) {
     return NEBDate(std::chrono::seconds(scanner.takeInteger().value_or(0)));
 }
 
-}  // namespace
-
-/// Parses the blocks of a log, incrementally or at once. Texts are not copied but refer to the log;
-/// paths, which repeat, are shared. A long history has many records.
-class GitLogOperation::Reader {
+/// Parses the blocks of a log. Texts are not copied but refer to the log; paths, which repeat, are
+/// shared. A long history has many records.
+class LogParser : public NEBSourceControlRecordParser {
 public:
-    /// For about `count` blocks.
-    Reader(std::size_t count, bool withFiles) : _withFiles(withFiles), _paths(count) {
-        _records.reserve(count);
+    /// Reports the omitted commits to the operation, which must outlive the parser. `isFlushed`:
+    /// git writes each commit at once.
+    LogParser(GitLogOperation& operation, bool withFiles, bool isFlushed)
+        : NEBSourceControlRecordParser('\0'),
+          _operation(operation),
+          _withFiles(withFiles),
+          _isFlushed(isFlushed),
+          _paths(assumedPathCount) {}
+
+protected:
+    void parsePiece(const Data& log, std::string_view block,
+                    NEBSourceControlResult& records) override {
+        ++_blockCount;
+        if (isUTF8(block)) {
+            parseText(log, block, records);
+        } else {
+            parseOtherBytes(log, block, records);
+        }
     }
 
-    /// Continues up to `end` bytes of `log`, which begins with the bytes of the last call.
-    void readTo(std::size_t end, const Data& log) {
-        forEachPiece(log.bytes().substr(_parsedSize, end - _parsedSize), '\0',
-                     [&](std::string_view block) {
-                         if (isUTF8(block)) {
-                             readText(log, block);
-                         } else {
-                             readOtherBytes(log, block);
-                         }
-                     });
-        _parsedSize = end;
-    }
-
-    [[nodiscard]] NEBSourceControlResult takeRecords() { return std::move(_records); }
-    [[nodiscard]] std::vector<std::string> takeOmittedRevisions() {
-        return std::move(_omittedRevisions);
+    /// A commit that git has flushed is whole if the end of what was written is the end of a
+    /// commit, and not of a full buffer of the C library.
+    [[nodiscard]] bool isWhole(std::string_view block) const override {
+        const bool isCommit = block.find(endOfHeader) != std::string_view::npos &&
+                              (block.back() == endOfHeader || block.back() == '\n');
+        // The text before the first NUL byte is a block, too.
+        const std::size_t separatorSize = _blockCount == 1 ? 1 : 2;
+        return _isFlushed && isCommit && (separatorSize + block.size()) % bufferSize != 0;
     }
 
 private:
-    void readText(const Data& log, std::string_view block) {
+    void parseText(const Data& log, std::string_view block, NEBSourceControlResult& records) {
         if (!block.empty()) {
-            _records.push_back(
+            records.push_back(
                 recordOf(log, block, _withFiles ? listIn(block) : std::string_view()));
         }
     }
@@ -90,14 +94,14 @@ private:
     }
 
     /// File names that are not UTF-8 are quoted; a header that is not UTF-8 is invalid.
-    void readOtherBytes(const Data& log, std::string_view block) {
+    void parseOtherBytes(const Data& log, std::string_view block, NEBSourceControlResult& records) {
         const std::size_t last = block.rfind(endOfHeader);
         if (last != std::string_view::npos && isUTF8(block.substr(0, last))) {
-            _records.push_back(
+            records.push_back(
                 recordOf(log, block.substr(0, last), gitTextOfPathLines(block.substr(last + 1))));
         } else {
             Scanner header(textByTrimmingLineEnds(block));
-            _omittedRevisions.push_back(
+            _operation.addOmittedRevision(
                 textReplacingInvalidBytes(gitAbbreviatedRevision(takeLine(header))));
         }
     }
@@ -138,14 +142,14 @@ private:
         return files;
     }
 
+    GitLogOperation& _operation;
     bool _withFiles;
+    bool _isFlushed;
+    std::size_t _blockCount = 0;
     GitRecentTexts _paths;
-    std::size_t _parsedSize = 0;  // the number of parsed bytes
-    NEBSourceControlResult _records;
-    std::vector<std::string> _omittedRevisions;
 };
 
-GitLogOperation::~GitLogOperation() = default;
+}  // namespace
 
 std::string GitLogOperation::_prettyFormatWithArray(const std::vector<std::string>& placeholders) {
     std::string format = "--pretty=format:%x00%";
@@ -177,6 +181,7 @@ GitLogOperation::GitLogOperation(std::shared_ptr<NEBSourceControlRequest> reques
     setArgumentsBehindDefaults(arguments);
     // A log communicates with no other process, starts no program, and may be long.
     setWritesWholeBuffers(true);
+    setFlushesForSink(asked.fileCount() > 0 || wantsFilesChanged());
 }
 
 /// With three dots, git lists the commits that are reachable from exactly one of the two revisions.
@@ -199,41 +204,8 @@ bool GitLogOperation::wantsFilesChanged() const {
     return request()->option(NEBSourceControlRequestOptionLogOutputFilesChanged).boolValue();
 }
 
-/// All blocks up to the last NUL byte are complete. Only new bytes are searched for it, as a block
-/// may be long.
-void GitLogOperation::parseArrivedData(const Data& arrived) {
-    const std::string_view fresh = arrived.bytes().substr(_seen);
-    if (fresh.size() < incrementalSize) {
-        return;
-    }
-    const std::size_t end = fresh.rfind('\0');
-    const std::size_t former = _seen;
-    _seen = arrived.size();
-    if (end == std::string_view::npos) {
-        return;
-    }
-    if (!_reader) {
-        _reader = std::make_unique<Reader>(assumedBlockCount, wantsFilesChanged());
-    }
-    _reader->readTo(former + end, arrived);
-}
-
-void GitLogOperation::parseData() {
-    NEBSourceControlResult records;
-    std::vector<std::string> omittedRevisions;
-    if (data()) {
-        if (!_reader) {
-            _reader =
-                std::make_unique<Reader>(data()->size() / assumedBlockSize, wantsFilesChanged());
-        }
-        _reader->readTo(data()->size(), *data());
-        records = _reader->takeRecords();
-        omittedRevisions = _reader->takeOmittedRevisions();
-        _reader.reset();
-        _seen = 0;
-    }
-    setResult(std::move(records));
-    setOmittedRevisions(std::move(omittedRevisions));
+std::unique_ptr<NEBSourceControlRecordParser> GitLogOperation::makeRecordParser() {
+    return std::make_unique<LogParser>(*this, wantsFilesChanged(), flushesForSink());
 }
 
 }  // namespace neb

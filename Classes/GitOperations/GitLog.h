@@ -25,11 +25,9 @@ namespace neb {
 class GitLogOperation : public GitOperation {
 public:
     explicit GitLogOperation(std::shared_ptr<NEBSourceControlRequest> request);
-    ~GitLogOperation() override;
 
     [[nodiscard]] std::string className() const override { return "GitLogOperation"; }
-    void parseArrivedData(const Data& arrived) override;
-    void parseData() override;
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
 
     /// The format option of git: a NUL byte, then the fields, one per line.
     [[nodiscard]] static std::string _prettyFormatWithArray(
@@ -38,10 +36,6 @@ public:
 private:
     void appendRevisions(std::vector<std::string>& arguments) const;
     [[nodiscard]] bool wantsFilesChanged() const;
-
-    class Reader;
-    std::unique_ptr<Reader> _reader;  // of what was read ahead; absent until there is any
-    std::size_t _seen = 0;            // the bytes in which an end of a block was looked for
 };
 
 }  // namespace neb

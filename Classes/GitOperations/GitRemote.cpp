@@ -1,16 +1,16 @@
 #include "GitOperations/GitRemote.h"
 
+#include "GitOperations/GitLineParser.h"
 #include "GitOperations/GitSubversion.h"
-#include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/Scanner.h"
-#include "Platform/Text.h"
 
 namespace neb {
 
 namespace {
 
 /// Reads "name TAB location BLANK (direction)".
-NEBDictionary recordOf(std::string_view line) {
+NEBDictionary recordOf(const Data& text, std::string_view line) {
+    static_cast<void>(text);
     Scanner scanner(line);
     const std::string_view name = scanner.takeUpTo('\t');
     scanner.skipOne('\t');
@@ -47,16 +47,14 @@ GitListStandardRemotesOperation::GitListStandardRemotesOperation(
     setArgumentsBehindDefaults({"remote", "-v"});
 }
 
+std::unique_ptr<NEBSourceControlRecordParser> GitListStandardRemotesOperation::makeRecordParser() {
+    return std::make_unique<GitLineParser>(recordOf);
+}
+
 void GitListStandardRemotesOperation::parseData() {
-    if (!data() || data()->empty()) {
-        return;
+    if (hasOutput()) {
+        GitOperation::parseData();
     }
-    const std::string text = *_nebsc_stringFromData(data());
-    NEBSourceControlResult records;
-    records.reserve(pieceCount(text, '\n'));
-    forEachPiece(text, '\n',
-                 [&records](std::string_view line) { records.push_back(recordOf(line)); });
-    setResult(std::move(records));
 }
 
 void GitListRemotesOperation::main() {
@@ -64,7 +62,7 @@ void GitListRemotesOperation::main() {
         return;
     }
     setOperationQueue(std::make_shared<OperationQueue>());
-    const auto standard = run<GitListStandardRemotesOperation>(request());
+    const auto standard = runList<GitListStandardRemotesOperation>(request());
     if (standard->error()) {
         setError(standard->error());
         return;

@@ -21,6 +21,7 @@ public:
     [[nodiscard]] std::string className() const override {
         return "GitListStandardRemotesOperation";
     }
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
 };
 

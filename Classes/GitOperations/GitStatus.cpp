@@ -25,6 +25,9 @@ constexpr StatusLetter statusLetters[] = {
     {"U", NEBSourceControlStatusConflict}, {"?", NEBSourceControlStatusUntracked},
 };
 
+/// The size from which on a buffer of paths takes no more. Its records keep all of it alive.
+constexpr std::size_t pathsPerBuffer = 1U << 18;
+
 /// The letters of both columns of a status.
 const CharacterSet& statusCharacters() {
     static const CharacterSet set = CharacterSet::uppercaseLetters() | CharacterSet("?");
@@ -74,6 +77,9 @@ GitStatusLines::~GitStatusLines() {
 }
 
 NEBValue GitStatusLines::fullPathOf(std::string_view path) {
+    if (_paths.data().size() >= pathsPerBuffer) {
+        static_cast<void>(_paths.take());  // the records keep it
+    }
     while (!_front.empty() && path.starts_with('/')) {
         path.remove_prefix(1);
     }
@@ -101,6 +107,14 @@ std::optional<NEBDictionary> GitStatusLines::recordOf(std::string_view line) {
     return record;
 }
 
+void GitStatusParser::parseLine(const Data& text, std::string_view line,
+                                NEBSourceControlResult& records) {
+    static_cast<void>(text);
+    if (auto record = _lines.recordOf(line)) {
+        records.push_back(std::move(*record));
+    }
+}
+
 std::optional<NEBDictionary> GitOperation::parseForStatusAndPathWithLine(
     std::string_view line, std::string_view fullPath) {
     return GitStatusLines(fullPath).recordOf(line);
@@ -116,20 +130,17 @@ GitStatusOperation::GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> 
     setArguments(std::move(arguments));
 }
 
-void GitStatusOperation::parseData() {
-    const Data text = data() ? NEBSourceControlTextData(*data()) : Data();
+/// A source tree that is not valid has no paths, so that its lines are not parsed.
+std::unique_ptr<NEBSourceControlRecordParser> GitStatusOperation::makeRecordParser() {
     const auto& sourceTree = request()->sourceTree;
-    NEBSourceControlResult records;
-    if (sourceTree && sourceTree->isValid) {
-        GitStatusLines lines(sourceTree->location.value_or(""));
-        records.reserve(pieceCount(text, '\n'));
-        forEachPiece(text, '\n', [&](std::string_view line) {
-            if (auto record = lines.recordOf(line)) {
-                records.push_back(std::move(*record));
-            }
-        });
-    }
-    setResult(std::move(records));
+    return sourceTree && sourceTree->isValid
+               ? std::make_unique<GitStatusParser>(sourceTree->location.value_or(""))
+               : nullptr;
+}
+
+void GitStatusOperation::parseData() {
+    setResult(NEBSourceControlResult());
+    GitOperation::parseData();
 }
 
 }  // namespace neb

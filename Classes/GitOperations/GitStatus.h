@@ -33,7 +33,21 @@ private:
     [[nodiscard]] NEBValue fullPathOf(std::string_view path);
 
     std::string _front;  // prepended to each path
-    GrowingData _paths;  // all paths, concatenated
+    GrowingData _paths;  // of the latest records, concatenated
+};
+
+/// Parses the lines of a status or of a list of names and states.
+class GitStatusParser : public NEBSourceControlLineParser {
+public:
+    /// Prepends `fullPath` to each path, unless it is empty.
+    explicit GitStatusParser(std::string_view fullPath) : _lines(fullPath) {}
+
+protected:
+    void parseLine(const Data& text, std::string_view line,
+                   NEBSourceControlResult& records) override;
+
+private:
+    GitStatusLines _lines;
 };
 
 /// Lists the states of the files below the source tree, or of the destination alone (a path). A
@@ -46,6 +60,7 @@ public:
     explicit GitStatusOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitStatusOperation"; }
+    [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
     void parseData() override;
 };
 

@@ -1,5 +1,7 @@
 #include "NEBFoundation/NEBSourceControlOperation.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -41,6 +43,9 @@ void NEBSourceControlOperation::start() {
         } else {
             main();
         }
+        if (_recordSink && _result) {
+            deliverRecords(std::exchange(*_result, {}));
+        }
     } catch (...) {
         setResult(std::nullopt);  // it may be incomplete, and its memory may be needed
         std::optional<NEBSourceControlError> unexpected;
@@ -52,6 +57,27 @@ void NEBSourceControlOperation::start() {
         }
     }
     setFinished();
+}
+
+void NEBSourceControlOperation::deliverRecords(NEBSourceControlResult records) {
+    for (std::size_t first = 0; first < records.size(); first += recordBatchSize) {
+        const std::size_t count = std::min(recordBatchSize, records.size() - first);
+        if (count == records.size()) {
+            _recordSink(std::move(records));
+        } else {
+            const auto begin = records.begin() + static_cast<std::ptrdiff_t>(first);
+            _recordSink({std::make_move_iterator(begin),
+                         std::make_move_iterator(begin + static_cast<std::ptrdiff_t>(count))});
+        }
+        _deliveredRecordCount += count;
+    }
+}
+
+void NEBSourceControlOperation::deliverRecordsOf(NEBSourceControlOperation& operation) {
+    if (_recordSink) {
+        operation.setRecordSink(
+            [this](NEBSourceControlResult records) { deliverRecords(std::move(records)); });
+    }
 }
 
 void NEBSourceControlOperation::setError(std::optional<NEBSourceControlError> error) {

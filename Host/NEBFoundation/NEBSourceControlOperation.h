@@ -11,6 +11,8 @@
 // makes, runs or reads the operation.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,6 +30,11 @@ namespace neb {
 
 /// The records of a result. Their keys are the NEBSourceControlOperation…Key constants.
 using NEBSourceControlResult = std::vector<NEBDictionary>;
+
+/// Takes the next records of a result. Called on the thread that runs the operation, in order. It
+/// may block: the child then waits as well, so that memory stays bounded. If it throws, the
+/// operation ends with an error. It may call cancel().
+using NEBSourceControlRecordSink = std::function<void(NEBSourceControlResult records)>;
 
 /// Carries out one request.
 class NEB_EXPORT NEBSourceControlOperation : public Operation, public NEBObject {
@@ -52,13 +59,26 @@ public:
     /// The records. Absent means that the operation has no result; empty means that it found none.
     [[nodiscard]] const std::optional<NEBSourceControlResult>& result() const { return _result; }
     void setResult(std::optional<NEBSourceControlResult> result) { _result = std::move(result); }
+
+    /// Delivers the records while the operation runs, instead of keeping them: those of a list as
+    /// soon as they are parsed, in batches of at most 512; any other result at the end. result() is
+    /// empty then, unless it is absent. error() says whether the records are complete. Null: no
+    /// sink. Set it before start().
+    void setRecordSink(NEBSourceControlRecordSink sink) { _recordSink = std::move(sink); }
+    [[nodiscard]] bool hasRecordSink() const { return _recordSink != nullptr; }
+    /// The number of records that the sink has taken.
+    [[nodiscard]] std::size_t deliveredRecordCount() const { return _deliveredRecordCount; }
+    /// Delivers the records of another operation, which this one runs, to the sink of this one.
+    /// Does nothing without a sink.
+    void deliverRecordsOf(NEBSourceControlOperation& operation);
+
     /// The abbreviated ids of the commits that are missing from the result because their text is
     /// not UTF-8, in the order of the result.
     [[nodiscard]] const std::vector<std::string>& omittedRevisions() const {
         return _omittedRevisions;
     }
-    void setOmittedRevisions(std::vector<std::string> revisions) {
-        _omittedRevisions = std::move(revisions);
+    void addOmittedRevision(std::string revision) {
+        _omittedRevisions.push_back(std::move(revision));
     }
     /// Absent on success. setError() removes passwords of URLs from all texts.
     [[nodiscard]] const std::optional<NEBSourceControlError>& error() const { return _error; }
@@ -88,10 +108,18 @@ public:
 
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 
+protected:
+    /// The most records of one batch.
+    static constexpr std::size_t recordBatchSize = 512;
+    /// Passes the records to the sink, which must exist, in batches. Throws what the sink throws.
+    void deliverRecords(NEBSourceControlResult records);
+
 private:
     std::shared_ptr<NEBSourceControlRequest> _request;
     LOMAssertionSink _reportSink;  // of the thread that made the operation; usually absent
     std::optional<NEBSourceControlResult> _result;
+    NEBSourceControlRecordSink _recordSink;
+    std::size_t _deliveredRecordCount = 0;
     std::vector<std::string> _omittedRevisions;
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;

@@ -2,6 +2,8 @@
 
 #include <signal.h>
 
+#include <utility>
+
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -33,6 +35,10 @@ bool hasPatternCharacters(const NEBSourceControlRequest& request) {
     }
     return false;
 }
+
+/// An output of at least this size is parsed while the child runs, if nobody waits for the records.
+constexpr std::size_t incrementalSize = 1U << 18;
+constexpr std::size_t unlimited = std::string_view::npos;
 
 bool isBlank(std::string_view text) {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -74,7 +80,7 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
             NEBSourceControlInheritedEnvironment(),
             {.hasPatternCharacters = hasPatternCharacters(*request()),
              .isBackgroundWork = isBackgroundWork(),
-             .writesWholeBuffers = _writesWholeBuffers,
+             .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
              .mayRunHooks = _mayRunHooks,
              .archivesForOwner = _archivesForOwner}),
     };
@@ -98,6 +104,9 @@ void NEBSourceControlTaskOperation::main() {
         stages.push_back(second.get());
     }
     std::vector<ChildOutcome> outcomes = run(stages);
+    if (_sinkFailure) {
+        std::rethrow_exception(std::exchange(_sinkFailure, nullptr));
+    }
     if (isCancelled()) {
         setError(NEBSourceControlCancelledError());
         return;
@@ -120,6 +129,7 @@ void NEBSourceControlTaskOperation::main() {
 
 std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
     const std::vector<NEBSourceControlTaskOperation*>& stages) {
+    stages.back()->_parser = stages.back()->makeRecordParser();
     std::vector<ChildLaunch> launches;
     launches.reserve(stages.size());
     for (NEBSourceControlTaskOperation* stage : stages) {
@@ -135,13 +145,14 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
                                        .pipeTo = nullptr}));
         }
     };
-    std::size_t received = 0;
-    const auto outputGrew = [&](const Data& arrived) {
+    std::size_t known = 0;  // of the bytes that have arrived
+    const auto outputGrew = [&](const ArrivedOutput& output) {
         if (commandLog()) {
-            commandLog()->received(arrived.size() - received);
-            received = arrived.size();
+            commandLog()->received(output.data.size() - known);
         }
-        stages.back()->parseArrivedData(arrived);
+        const std::size_t unneeded = stages.back()->parseArrivedOutput(output);
+        known = output.data.size() - unneeded;
+        return unneeded;
     };
     std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
         _process, launches, {.started = started, .outputGrew = outputGrew});
@@ -151,11 +162,68 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
     return outcomes;
 }
 
+// ---- the records ------------------------------------------------------------------------------
+
+std::size_t NEBSourceControlTaskOperation::parseArrivedOutput(const ArrivedOutput& output) {
+    if (!_parser) {
+        return 0;
+    }
+    if (hasRecordSink()) {
+        return deliverArrivedRecords(output);
+    }
+    if (output.data.size() - _parsedSize >= incrementalSize) {
+        _parsedSize = _parser->parse(output.data, _parsedSize, unlimited, _parsedRecords);
+    }
+    return 0;
+}
+
+/// An exception of the sink must not interrupt the run, which ends the child in an orderly way.
+std::size_t NEBSourceControlTaskOperation::deliverArrivedRecords(const ArrivedOutput& output) {
+    std::size_t position = 0;
+    bool isLimitReached = true;
+    while (isLimitReached && !_sinkFailure && !isCancelled()) {
+        NEBSourceControlResult records;
+        records.reserve(recordBatchSize);
+        position = _parser->parse(output.data, position, recordBatchSize, records);
+        isLimitReached = records.size() == recordBatchSize;
+        if (output.isDrained && !isLimitReached) {
+            position = _parser->parseWrittenPiece(output.data, position, records);
+        }
+        try {
+            deliverRecords(std::move(records));
+        } catch (...) {
+            _sinkFailure = std::current_exception();
+            _process.cancel();
+        }
+    }
+    _hasRemovedOutput |= position > 0;
+    return position;
+}
+
+/// What a failed child wrote last may be half a record: a sink does not get it.
+void NEBSourceControlTaskOperation::parseData() {
+    auto parser = _parser ? std::move(_parser) : makeRecordParser();
+    if (!parser) {
+        return;
+    }
+    NEBSourceControlResult records = std::exchange(_parsedRecords, {});
+    const Data output = _data.value_or(Data());
+    if (hasRecordSink() && _terminationStatus && !_terminationStatus->isSuccess()) {
+        parser->parse(output, _parsedSize, unlimited, records);
+    } else {
+        parser->parseToEnd(output, _parsedSize, records);
+    }
+    setResult(std::move(records));
+}
+
+// ---- the end ----------------------------------------------------------------------------------
+
 NEBSourceControlTaskOperation::ChildText NEBSourceControlTaskOperation::takeOutput(
     ChildOutcome& outcome) {
-    ChildText childText{.errorText = textOf(outcome.errorOutput),
-                        .outputText = {},
-                        .isPresent = !outcome.errorOutput.empty() || !outcome.output.empty()};
+    ChildText childText{
+        .errorText = textOf(outcome.errorOutput),
+        .outputText = {},
+        .isPresent = !outcome.errorOutput.empty() || !outcome.output.empty() || _hasRemovedOutput};
     if (!outcome.status.isSuccess()) {
         childText.outputText = textOf(outcome.output);
     }

@@ -9,6 +9,8 @@
 //     };
 #pragma once
 
+#include <cstddef>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +18,7 @@
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlOperation.h"
+#include "NEBFoundation/NEBSourceControlRecordParser.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/Data.h"
 #include "Platform/Export.h"
@@ -50,6 +53,12 @@ public:
         _writesWholeBuffers = writesWholeBuffers;
     }
 
+    /// Declares a list whose records may come slowly: with a record sink, the child does not write
+    /// whole buffers but each record at once.
+    void setFlushesForSink(bool flushesForSink) { _flushesForSink = flushesForSink; }
+    /// Whether the child writes each record at once.
+    [[nodiscard]] bool flushesForSink() const { return _flushesForSink && hasRecordSink(); }
+
     /// Declares that the child may run hooks of the repository, which must see the settings of the
     /// user; see NEBSourceControlChildTraits.
     void setMayRunHooks(bool mayRunHooks) { _mayRunHooks = mayRunHooks; }
@@ -57,7 +66,8 @@ public:
     /// Makes the files of an archive readable by their owner only.
     void setArchivesForOwner(bool archivesForOwner) { _archivesForOwner = archivesForOwner; }
 
-    /// The standard output of the child. Absent until it has ended.
+    /// The standard output of the child; with a record sink, what was not parsed while it ran.
+    /// Absent until it has ended.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
     /// The standard error of the child. If parseData() clears it, its text does not become an error
@@ -65,15 +75,16 @@ public:
     [[nodiscard]] const std::optional<Data>& errorData() const { return _errorData; }
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 
-    /// Parses output while the child runs. Called on the thread of main() each time output has
-    /// arrived, with all standard output so far, the Data that data() will return. Its bytes are
-    /// valid during the call only, as they move when it grows; values made from parts of it stay
-    /// valid. The child may still fail, so do not publish results before parseData(). The base
-    /// implementation does nothing.
-    virtual void parseArrivedData(const Data& arrived) { static_cast<void>(arrived); }
-    /// Turns data() into the result. Called when the child has ended. The base implementation does
-    /// nothing.
-    virtual void parseData() {}
+    /// Returns a new parser of the output of a list, so that it is parsed while the child runs, and
+    /// delivered to a record sink. Null, as in the base implementation, when there is no list.
+    [[nodiscard]] virtual std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() {
+        return nullptr;
+    }
+    /// Turns data() into the result. Called when the child has ended. The base implementation makes
+    /// the result from the records of the parser; without one, it does nothing.
+    virtual void parseData();
+    /// Whether the child wrote anything to standard output, even if it was parsed and forgotten.
+    [[nodiscard]] bool hasOutput() const { return _hasRemovedOutput || (_data && !_data->empty()); }
     /// Returns the operation whose child reads the output of this one; null when none does.
     /// Called more than once; must return the same object each time.
     [[nodiscard]] virtual std::shared_ptr<NEBSourceControlTaskOperation> pipeToOperation() {
@@ -127,6 +138,9 @@ private:
     [[nodiscard]] ChildLaunch makeLaunch();
     [[nodiscard]] std::vector<ChildOutcome> run(
         const std::vector<NEBSourceControlTaskOperation*>& stages);
+    /// Parses output while the child runs. Returns how much of it is no longer needed.
+    [[nodiscard]] std::size_t parseArrivedOutput(const ArrivedOutput& output);
+    [[nodiscard]] std::size_t deliverArrivedRecords(const ArrivedOutput& output);
     ChildText takeOutput(ChildOutcome& outcome);
     void finish(const ChildText& childText);
     void finishPipeline(const ChildText& childText, NEBSourceControlTaskOperation& second,
@@ -141,12 +155,19 @@ private:
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;
     bool _writesWholeBuffers = false;
+    bool _flushesForSink = false;
     bool _mayRunHooks = false;
     bool _archivesForOwner = false;
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;
     ChildProcess _process;
+
+    std::unique_ptr<NEBSourceControlRecordParser> _parser;  // during the run
+    std::size_t _parsedSize = 0;
+    NEBSourceControlResult _parsedRecords;
+    bool _hasRemovedOutput = false;
+    std::exception_ptr _sinkFailure;
 };
 
 }  // namespace neb

@@ -33,7 +33,9 @@ bool CapturedStream::readSome(std::size_t limit) {
 
 void CapturedStream::readAvailable() {
     const std::size_t former = data().size();
-    while (data().size() - former < limitPerTurn && readSome(limitPerTurn)) {
+    _isDrained = false;
+    while (!_isDrained && data().size() - former < limitPerTurn) {
+        _isDrained = !readSome(limitPerTurn);
     }
 }
 

@@ -20,6 +20,10 @@ public:
 
     /// Reads what is available, but at most about 1 MiB, so that other streams are read as well.
     void readAvailable();
+    /// Whether the last readAvailable() read everything that was there.
+    [[nodiscard]] bool isDrained() const { return _isDrained; }
+    /// Forgets the first `count` bytes of data().
+    void removeFirst(std::size_t count) { _data.removeFirst(count); }
     /// Reads what the pipe contains now, and closes it. Returns whether another process still has
     /// the write end open, so that more data could follow.
     bool readRestAndClose();
@@ -35,6 +39,7 @@ private:
 
     FileDescriptor _readEnd;
     GrowingData _data;
+    bool _isDrained = true;
 };
 
 }  // namespace neb

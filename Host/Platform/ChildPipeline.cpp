@@ -20,6 +20,11 @@ constexpr milliseconds stoppingGrace{100};
 constexpr milliseconds streamGrace{250};
 /// The time that a process that outlives its child may keep the input of the next child open.
 constexpr milliseconds inputGrace{1000};
+/// An output that grows by less than this at each of so many reads in a row is read only every
+/// millisecond: a process that wakes for each line of another one slows both down.
+constexpr std::size_t smallGrowth = 1U << 14;
+constexpr int smallReadsBeforeRest = 16;
+constexpr milliseconds restBetweenReads{1};
 /// The interval of checks for events that no descriptor reports.
 constexpr milliseconds checkInterval{20};
 
@@ -115,7 +120,8 @@ std::vector<pollfd> ChildPipeline::descriptorsToPoll() const {
     };
     add(_ending == Ending::none ? _wake.get() : -1);
     for (const PipelineChild& child : _children) {
-        add(child.output.descriptor());
+        const bool rests = _restsBeforeNextRead && &child == &_children.back();
+        add(rests ? -1 : child.output.descriptor());
         add(child.errorOutput.descriptor());
         if (child.isRunning()) {
             add(child.processDescriptor());
@@ -136,7 +142,8 @@ int ChildPipeline::pollTimeout() const {
     const Moment now = Clock::now();
     std::optional<Moment> next;
     for (const std::optional<Moment> moment :
-         {mustCheckRegularly() ? std::optional<Moment>(now + checkInterval) : std::nullopt,
+         {_restsBeforeNextRead ? std::optional<Moment>(now + restBetweenReads) : std::nullopt,
+          mustCheckRegularly() ? std::optional<Moment>(now + checkInterval) : std::nullopt,
           anyStreamOpen() ? streamDeadline() : std::nullopt, inputDeadline()}) {
         if (moment && (!next || *moment < *next)) {
             next = moment;
@@ -159,13 +166,17 @@ void ChildPipeline::waitForEvent() {
 }
 
 void ChildPipeline::readStreams() {
-    const Data& output = _children.back().output.data();
-    const std::size_t previousSize = output.size();
+    CapturedStream& output = _children.back().output;
+    const std::size_t previousSize = output.data().size();
     for (PipelineChild& child : _children) {
         child.readStreams();
     }
-    if (_observers.outputGrew && output.size() > previousSize && _ending == Ending::none) {
-        _observers.outputGrew(output);
+    const std::size_t growth = output.data().size() - previousSize;
+    _smallReads = growth < smallGrowth ? _smallReads + 1 : 0;
+    _restsBeforeNextRead = growth > 0 && _smallReads >= smallReadsBeforeRest;
+    if (_observers.outputGrew && growth > 0 && _ending == Ending::none) {
+        output.removeFirst(
+            _observers.outputGrew({.data = output.data(), .isDrained = output.isDrained()}));
     }
 }
 

@@ -27,6 +27,9 @@ public:
 
     /// Runs the children to their end and returns an outcome for each. Call this once.
     std::vector<ChildOutcome> run();
+    /// Begins to end all children. Only within an observer, or on another thread while one runs and
+    /// cannot return: the observer may block, but the children end.
+    void requestEnd();
 
 private:
     using Clock = PipelineChild::Clock;
@@ -55,7 +58,6 @@ private:
     [[nodiscard]] bool mustCheckRegularly() const;
     void readStreams();
 
-    void requestEnd();
     void reportStoppedProcesses();
     void advanceEnding();
     void signalAll(int signalNumber);
@@ -73,6 +75,8 @@ private:
     Ending _ending = Ending::none;
     Moment _nextEnding{};      // when `requested` or `forced` is over
     Moment _nextInputCheck{};  // not before this time
+    int _smallReads = 0;       // in a row
+    bool _restsBeforeNextRead = false;
 };
 
 }  // namespace neb

@@ -24,6 +24,25 @@ std::vector<ChildOutcome> noneStarted(const std::vector<ChildLaunch>& launches,
 
 }  // namespace
 
+/// Lets cancel() reach a pipeline while its observer may block.
+class ChildProcess::BlockedRun {
+public:
+    BlockedRun(ChildProcess& process, ChildPipeline& pipeline) : _process(process) {
+        setPipeline(&pipeline);
+    }
+    BlockedRun(const BlockedRun&) = delete;
+    BlockedRun& operator=(const BlockedRun&) = delete;
+    ~BlockedRun() { setPipeline(nullptr); }
+
+private:
+    void setPipeline(ChildPipeline* pipeline) {
+        const MutexLock lock(_process._mutex);
+        _process._blockedPipeline = pipeline;
+    }
+
+    ChildProcess& _process;
+};
+
 std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& launches,
                                             const Observers& observers) {
     FileDescriptor wake;
@@ -35,7 +54,15 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
         closeWakePipe();
         return noneStarted(launches, "was not started, as it was cancelled before");
     }
-    std::vector<ChildOutcome> outcomes = ChildPipeline(launches, observers, wake).run();
+    Observers reachable = observers;
+    ChildPipeline pipeline(launches, reachable, wake);
+    if (observers.outputGrew) {
+        reachable.outputGrew = [&](const ArrivedOutput& output) {
+            const BlockedRun blocked(*this, pipeline);
+            return observers.outputGrew(output);
+        };
+    }
+    std::vector<ChildOutcome> outcomes = pipeline.run();
     closeWakePipe();
     return outcomes;
 }
@@ -61,6 +88,9 @@ void ChildProcess::cancel() {
     _cancelled = true;
     _wakeWrite.close();  // the reader sees the end of the pipe; nothing is written that could raise
                          // SIGPIPE
+    if (_blockedPipeline != nullptr) {
+        _blockedPipeline->requestEnd();
+    }
 }
 
 bool ChildProcess::isCancelled() const {

@@ -22,6 +22,8 @@
 
 namespace neb {
 
+class ChildPipeline;
+
 /// One run of one or more children. Throws only std::bad_alloc; every other failure is reported in
 /// the outcomes.
 class NEB_EXPORT ChildProcess {
@@ -44,20 +46,25 @@ public:
     }
 
     /// Ends the sessions of all children: SIGTERM, and SIGKILL after two seconds. run() then
-    /// returns soon. Before run(), this prevents the children from being started; after it, it does
-    /// nothing. Thread-safe.
+    /// returns soon; if an observer blocks, only SIGTERM is sent until it returns. Before run(),
+    /// this prevents the children from being started; after it, it does nothing. Thread-safe, also
+    /// from within an observer.
     void cancel();
 
     /// Whether cancel() was called. Thread-safe.
     [[nodiscard]] bool isCancelled() const;
 
 private:
+    class BlockedRun;
+
     [[nodiscard]] int openWakePipe(FileDescriptor& readEnd);
     void closeWakePipe();
 
     mutable Mutex _mutex;
     bool _cancelled NEB_GUARDED_BY(_mutex) = false;
     FileDescriptor _wakeWrite NEB_GUARDED_BY(_mutex);  // open during run()
+    // present while an observer runs that may block
+    ChildPipeline* _blockedPipeline NEB_GUARDED_BY(_mutex) = nullptr;
 };
 
 }  // namespace neb

@@ -41,14 +41,23 @@ struct ChildOutcome {
     std::chrono::nanoseconds duration{0};
 };
 
+/// The standard output of the last child during a run.
+struct ArrivedOutput {
+    /// Everything that the child has written so far, without what was removed. The bytes are valid
+    /// during the call only, because they move when the output grows.
+    const Data& data;
+    /// Whether the child had not written more when it was read: a reader would have to wait.
+    bool isDrained = false;
+};
+
 /// Functions that are called during a run, on the thread of the run. All are optional.
 struct ChildObservers {
     /// Called with the index of each child as soon as it runs.
     std::function<void(std::size_t)> started = {};
-    /// Called whenever the last child has written more to standard output, with everything that it
-    /// has written so far. The bytes are valid during the call only, because they move when the
-    /// output grows.
-    std::function<void(const Data&)> outputGrew = {};
+    /// Called whenever the last child has written more to standard output. Returns the number of
+    /// bytes at the front that are no longer needed; they are removed from the output. The child
+    /// waits while the function runs, as soon as it has filled its pipe.
+    std::function<std::size_t(const ArrivedOutput&)> outputGrew = {};
     /// Called when the run is cancelled, with every live process in the sessions of the children.
     /// The processes are stopped (SIGSTOP) during the call and get SIGTERM after it. Must be fast.
     std::function<void(const std::vector<pid_t>&)> stopped = {};

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace neb {
@@ -88,6 +89,23 @@ Data GrowingData::take() {
         static_cast<void>(_data._block->resize(std::max<std::size_t>(_data._block->size, 1)));
     }
     return std::exchange(_data, Data());
+}
+
+void GrowingData::removeFirst(std::size_t count) {
+    if (count == 0) {
+        return;
+    }
+    Data::Block& block = *_data._block;
+    const std::size_t left = block.size - count;
+    if (block.hasOneHolder()) {
+        std::memmove(block.bytes, block.bytes + count, left);
+        block.size = left;
+    } else {
+        GrowingData rest;
+        std::memcpy(rest.roomFor(left), block.bytes + count, left);
+        rest.add(left);
+        *this = std::move(rest);
+    }
 }
 
 }  // namespace neb

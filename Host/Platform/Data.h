@@ -25,6 +25,8 @@ struct Shared {
 
     /// Adds an owner.
     void retain() const { holders.fetch_add(1, std::memory_order_relaxed); }
+    /// Whether the caller is the only owner.
+    [[nodiscard]] bool hasOneHolder() const { return holders.load(std::memory_order_acquire) == 1; }
     /// Removes an owner. Returns true to the last one, which must then delete the object.
     [[nodiscard]] bool release() const {
         return holders.fetch_sub(1, std::memory_order_acq_rel) == 1;
@@ -140,6 +142,10 @@ public:
     [[nodiscard]] const Data& data() const { return _data; }
     /// Returns the data, without unused room, and leaves the buffer empty.
     [[nodiscard]] Data take();
+
+    /// Removes the first `count` bytes, which must not exceed the size. Values that share them keep
+    /// them alive; otherwise their memory is used again. Throws std::bad_alloc.
+    void removeFirst(std::size_t count);
 
 private:
     Data _data;

@@ -23,6 +23,18 @@ inline std::shared_ptr<NEBSourceControlOperation> perform(
     return operation;
 }
 
+/// Runs the request with a record sink and returns the finished operation. Adds each record to
+/// `records`.
+inline std::shared_ptr<NEBSourceControlOperation> performWithSink(
+    const std::shared_ptr<NEBSourceControlRequest>& request, NEBSourceControlResult& records) {
+    auto operation = GitController().operationForRequest(request);
+    operation->setRecordSink([&records](const NEBSourceControlResult& batch) {
+        records.insert(records.end(), batch.begin(), batch.end());
+    });
+    operation->start();
+    return operation;
+}
+
 /// Returns the arguments of each child process, joined with spaces.
 inline std::vector<std::string> commandLinesOf(const NEBSourceControlOperation& operation) {
     std::vector<std::string> lines;

@@ -1,5 +1,7 @@
 #include "Classes/Configuration/World.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -184,18 +186,37 @@ void PrintTo(const Outcome& outcome, std::ostream* stream) {
     }
 }
 
-Outcome outcomeOf(const World& world, const std::shared_ptr<NEBSourceControlRequest>& request) {
-    const Variables temporary(VariableList{{"TMPDIR", world.path("tmp")}});
-    const auto operation = perform(request);
-    const auto& error = operation->error();
+namespace {
+
+Outcome outcomeOf(const World& world, const NEBSourceControlOperation& operation,
+                  const NEBSourceControlResult& records) {
+    const auto& error = operation.error();
     Outcome outcome{.error = world.withoutPlace(errorText(error)),
                     .words = world.withoutPlace(error ? error->text.value_or("") : ""),
                     .records = {},
-                    .hasResult = operation->result().has_value()};
-    for (const NEBDictionary& record : operation->result().value_or(NEBSourceControlResult())) {
+                    .hasResult = operation.result().has_value()};
+    for (const NEBDictionary& record : records) {
         outcome.records.push_back(world.withoutPlace(NEBValue(record).description()));
     }
     return outcome;
+}
+
+}  // namespace
+
+Outcome outcomeOf(const World& world, const std::shared_ptr<NEBSourceControlRequest>& request) {
+    const Variables temporary(VariableList{{"TMPDIR", world.path("tmp")}});
+    const auto operation = perform(request);
+    return outcomeOf(world, *operation, operation->result().value_or(NEBSourceControlResult()));
+}
+
+Outcome outcomeWithSink(const World& world,
+                        const std::shared_ptr<NEBSourceControlRequest>& request) {
+    const Variables temporary(VariableList{{"TMPDIR", world.path("tmp")}});
+    NEBSourceControlResult records;
+    const auto operation = performWithSink(request, records);
+    EXPECT_EQ(operation->deliveredRecordCount(), records.size());
+    EXPECT_THAT(operation->result().value_or(NEBSourceControlResult()), testing::IsEmpty());
+    return outcomeOf(world, *operation, records);
 }
 
 }  // namespace neb::test

@@ -56,5 +56,8 @@ void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 /// Runs the operation of the request, with temporary files in the folder "tmp" of the world.
 Outcome outcomeOf(const World& world, const std::shared_ptr<NEBSourceControlRequest>& request);
+/// The same with a record sink; the records are those that it got.
+Outcome outcomeWithSink(const World& world,
+                        const std::shared_ptr<NEBSourceControlRequest>& request);
 
 }  // namespace neb::test

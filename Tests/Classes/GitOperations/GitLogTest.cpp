@@ -244,15 +244,16 @@ TEST(LogOutput, QuotesAPathThatIsNotUTF8) {
 /// Parses the output as it arrives from a child, in chunks of about this size.
 std::vector<std::string> readAhead(const std::string& output, std::size_t pieceSize) {
     GitLogOperation operation(logRequest(true));
+    const auto parser = operation.makeRecordParser();
+    NEBSourceControlResult records;
+    std::size_t position = 0;
     for (std::size_t size = pieceSize; size < output.size(); size += pieceSize) {
-        operation.parseArrivedData(Data(output.substr(0, size)));
-        EXPECT_FALSE(operation.result()) << "the child may still fail";
+        position = parser->parse(output.substr(0, size), position, output.size(), records);
     }
-    operation.setData(output);
-    operation.parseData();
+    parser->parseToEnd(output, position, records);
     EXPECT_EQ(operation.omittedRevisions().size(), 1143U);
     std::vector<std::string> texts;
-    for (const NEBDictionary& record : operation.result().value()) {
+    for (const NEBDictionary& record : records) {
         texts.push_back(textOf(record));
     }
     return texts;

@@ -114,7 +114,11 @@ TEST_F(ChildCancellation, ReportsTheStoppedProcessesOfAllSessions) {
     const auto outcomes =
         process.run({shell("echo $$ >&2; echo; exec sleep 1000"),
                      shell("read line; sleep 1000 & echo $$ >&2; echo $! >&2; echo; wait")},
-                    {.outputGrew = [&process](const Data&) { process.cancel(); },
+                    {.outputGrew =
+                         [&process](const ArrivedOutput&) {
+                             process.cancel();
+                             return 0;
+                         },
                      .stopped =
                          [&](const std::vector<pid_t>& processes) {
                              reported = processes;
@@ -177,10 +181,13 @@ TEST_F(ChildCancellation, BeforeTheRunPreventsTheStart) {
     ChildProcess process;
     process.cancel();
     bool started = false;
-    const auto outcomes =
-        process.run({shell("touch " + folder.path("ran"))},
-                    {.started = [&started](std::size_t) { started = true; },
-                     .outputGrew = [&started](std::string_view) { started = true; }});
+    const auto outcomes = process.run({shell("touch " + folder.path("ran"))},
+                                      {.started = [&started](std::size_t) { started = true; },
+                                       .outputGrew =
+                                           [&started](const ArrivedOutput&) {
+                                               started = true;
+                                               return 0;
+                                           }});
     EXPECT_EQ(outcomes[0].status.description(),
               "the program \"/bin/sh\" was not started, as it was cancelled before");
     EXPECT_FALSE(started);
@@ -227,9 +234,10 @@ TEST_F(ChildPipelines, ReportTheOutputOfTheLastChildAsItGrows) {
         process.run({shell("echo one >&2; echo two"),
                      shell("read line; echo one; while ! [ -e " + folder.path("reported") +
                            " ]; do sleep 0.01; done; echo error >&2; echo $line")},
-                    {.outputGrew = [&](std::string_view output) {
-                        reported.emplace_back(output);
+                    {.outputGrew = [&](const ArrivedOutput& output) {
+                        reported.emplace_back(output.data);
                         folder.write("reported", "");
+                        return 0;
                     }});
     EXPECT_EQ(outcomes[1].output, "one\ntwo\n");
     EXPECT_THAT(reported, ElementsAre("one\n", "one\ntwo\n"));

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+#include "Support/TemporaryFolder.h"
+
 namespace neb::nebsc {
 namespace {
 
@@ -32,6 +34,18 @@ TEST(WorkingCopyLocation, PathsFromTheTopAndFolders) {
     const WorkingCopyLocation elsewhere{.location = "/w", .currentFolder = "/v"};
     EXPECT_EQ(pathAsSeen(elsewhere, "a.c"), "/w/a.c");
     EXPECT_EQ(pathAsSeen(elsewhere, "/x/b/"), "/x/b/");
+}
+
+TEST(WorkingCopyLocation, TheTopIsProbablyTheNearestFolderWithARepository) {
+    const test::TemporaryFolder folder;
+    std::filesystem::create_directories(folder.path("a/b/.git/hooks"));
+    std::filesystem::create_directories(folder.path("a/b/c/d"));
+    folder.write("a/b/c/.git", "gitdir: elsewhere\n");
+    EXPECT_EQ(probableTop(folder.path("a/b/c/d")), folder.path("a/b/c"));
+    EXPECT_EQ(probableTop(folder.path("a/b")), folder.path("a/b"));
+    EXPECT_EQ(probableTop(folder.path("a")), std::nullopt);
+    EXPECT_EQ(probableTop(folder.path("a/b/.git")), std::nullopt);
+    EXPECT_EQ(probableTop(folder.path("a/b/.git/hooks")), std::nullopt);
 }
 
 }  // namespace

@@ -361,6 +361,15 @@ TEST_F(StatusCommand, ReportsAGitThatCannotBeStarted) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+TEST_F(StatusCommand, FindsAWorkTreeThatIsNotAroundItsRepository) {
+    fs::create_directory(repository.path("src"));
+    repository.git({"config", "core.worktree", "../src"});
+    repository.write("src/new.c", "");
+    const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("src")});
+    EXPECT_THAT(outcome.output, HasSubstr("untracked  new.c\n"));
+    EXPECT_EQ(outcome.errors, "");
+}
+
 TEST_F(StatusCommand, RefusesAnEmptyPath) {
     const NebscOutcome outcome = status({""});
     EXPECT_EQ(outcome.errors,

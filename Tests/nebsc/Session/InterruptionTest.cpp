@@ -174,6 +174,22 @@ TEST_F(InterruptionHere, ASignalCancelsTheWorkOnAnotherThread) {
     EXPECT_EQ(interruption.signalNumber(), SIGTERM);
 }
 
+TEST_F(InterruptionHere, ASignalCancelsAllWorkThatRuns) {
+    Interruption interruption;
+    std::promise<void> first;
+    std::promise<void> last;
+    bool isCancelled = false;
+    const Interruption::Work firstWork(interruption, [&first] { first.set_value(); });
+    {
+        const Interruption::Work ended(interruption, [&isCancelled] { isCancelled = true; });
+    }
+    const Interruption::Work lastWork(interruption, [&last] { last.set_value(); });
+    ASSERT_EQ(::kill(::getpid(), SIGTERM), 0);
+    EXPECT_EQ(first.get_future().wait_for(longEnough), std::future_status::ready);
+    EXPECT_EQ(last.get_future().wait_for(longEnough), std::future_status::ready);
+    EXPECT_FALSE(isCancelled);
+}
+
 TEST_F(InterruptionHere, WorkThatBeginsAfterTheSignalIsCancelledImmediately) {
     Interruption interruption;
     std::promise<void> cancelled;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <future>
 #include <new>
 
 #include "CommandFrame/BrokenReference.h"
@@ -53,11 +54,11 @@ CommandOutput CommandTask::runSteps() {
     if (auto refused = readPaths()) {
         return *refused;
     }
-    _git.setWorkingCopy(locate());
+    std::optional<RequestResult> early = locateAndPerform();
     if (auto refused = validate()) {
         return *refused;
     }
-    RequestResult result = perform();
+    RequestResult result = early ? std::move(*early) : perform();
     rejectRefusedValue(result);
     Outcome& outcome = *result.outcome;
     if (outcome.error ? finishesAfter(*outcome.error) : lastExitStatus(outcome) == 0) {
@@ -66,6 +67,30 @@ CommandOutput CommandTask::runSteps() {
     CommandOutput output = outputInMemoryFor(outcome);
     output.pager = pagerFor(output.standardOutput);
     return output;
+}
+
+/// With --trace, git processes run one after the other, so that the lines are in order.
+std::optional<RequestResult> CommandTask::locateAndPerform() {
+    const auto top = canRunBesideLocate() && !_call.session.trace().isOn()
+                         ? probableTop(currentFolder())
+                         : std::nullopt;
+    if (!top) {
+        _git.setWorkingCopy(locate());
+        return std::nullopt;
+    }
+    _git.setWorkingCopy({.location = *top,
+                         .currentFolder = currentFolder(),
+                         .isWorkingCopy = true,
+                         .isRepository = true});
+    // Without a thread, locate() runs when its result is needed.
+    std::future<WorkingCopyLocation> location =
+        std::async(std::launch::async | std::launch::deferred, [this] { return locate(); });
+    std::optional<RequestResult> result = perform();
+    _git.setWorkingCopy(location.get());
+    if (!workingCopy().isWorkingCopy || workingCopy().location != *top) {
+        result.reset();
+    }
+    return result;
 }
 
 std::optional<CommandOutput> CommandTask::readPaths() {

@@ -65,6 +65,10 @@ protected:
     [[nodiscard]] virtual WorkingCopyLocation locate();
     /// Returns what locate() finds out besides the location, so that validate() need not ask.
     [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
+    /// Returns whether perform() may run at the same time as locate(), where the working copy
+    /// probably is. Only if it changes and prints nothing, and does not depend on validate(). It
+    /// runs again if the working copy is elsewhere.
+    [[nodiscard]] virtual bool canRunBesideLocate() const { return false; }
     /// Returns the output of a command that ends here; absent if it goes on. Throws a UsageError if
     /// the arguments are invalid.
     [[nodiscard]] virtual std::optional<CommandOutput> validate() { return std::nullopt; }
@@ -150,6 +154,8 @@ protected:
 
 private:
     [[nodiscard]] CommandOutput runSteps();
+    /// Finds the working copy. Returns the result of perform() if that could run at the same time.
+    [[nodiscard]] std::optional<RequestResult> locateAndPerform();
     [[nodiscard]] std::optional<CommandOutput> readPaths();
     [[nodiscard]] CommandOutput outputFor(Outcome& outcome);
     [[nodiscard]] CommandOutput outputInMemoryFor(Outcome& outcome);

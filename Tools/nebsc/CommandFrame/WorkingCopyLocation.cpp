@@ -58,6 +58,18 @@ WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& tra
             .discovery = std::move(outcome)};
 }
 
+std::optional<std::string> probableTop(const std::string& currentFolder) {
+    constexpr std::string_view gitFolder = ".git";
+    std::string folder = currentFolder;
+    while (!isAnythingAt(pathByAppendingComponent(folder, gitFolder))) {
+        if (folder == "/" || lastPathComponentIn(folder) == gitFolder) {
+            return std::nullopt;
+        }
+        folder = pathByDeletingLastComponent(folder);
+    }
+    return folder;
+}
+
 std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {
     const std::size_t colon = url.find(':');
     const bool hasHost = colon != std::string::npos && url.find('/') > colon;

@@ -34,6 +34,11 @@ struct WorkingCopyLocation {
                                                   const std::string& folder,
                                                   const RepositoryQuestions& questions = {});
 
+/// Returns the folder that is the top of the working copy if git finds it where it usually is: the
+/// nearest one around the current folder that has a ".git". Absent without such a folder, and
+/// inside of a ".git". Runs no git.
+[[nodiscard]] std::optional<std::string> probableTop(const std::string& currentFolder);
+
 /// Returns the absolute path of a repository in the file system, relative to the current folder;
 /// any other URL (or HOST:PATH) as it is.
 [[nodiscard]] std::string repositoryLocation(const std::string& currentFolder,

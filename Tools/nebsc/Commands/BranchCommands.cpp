@@ -26,6 +26,7 @@ public:
 
 protected:
     RepositoryQuestions questions() const override { return {.asksBranch = true}; }
+    bool canRunBesideLocate() const override { return true; }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newExchangeRequest(workingCopy(), NEBSourceControlRequestListBranches, Peer::remote);
     }

@@ -51,6 +51,7 @@ public:
 
 protected:
     RepositoryQuestions questions() const override;
+    bool canRunBesideLocate() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
@@ -75,6 +76,12 @@ RepositoryQuestions LogTask::questions() const {
         questions.revisions.push_back(std::string(localBranchPrefix) + *branch);
     }
     return questions;
+}
+
+bool LogTask::canRunBesideLocate() const {
+    const auto limit = arguments().value("--limit");
+    return revisionAndFileArguments(arguments()).empty() && !arguments().has("--branch") &&
+           (!limit || countIn(*limit));
 }
 
 /// git would take the name of a file for that file and show its history.

@@ -30,6 +30,7 @@ public:
 
 protected:
     WorkingCopyLocation locate() override;
+    bool canRunBesideLocate() const override { return paths("PATH").empty(); }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;

@@ -59,8 +59,8 @@ void Interruption::handleSignal(int signalNumber) {
     if (!_signalNumber) {
         _signalNumber = signalNumber;
     }
-    if (_cancel) {
-        _cancel();
+    for (const std::function<void()>& cancel : _cancels) {
+        cancel();
     }
 }
 
@@ -72,15 +72,15 @@ std::optional<int> Interruption::signalNumber() const {
 Interruption::Work::Work(Interruption& interruption, std::function<void()> cancel)
     : _interruption(interruption) {
     const MutexLock lock(interruption._mutex);
-    interruption._cancel = std::move(cancel);
+    _cancel = interruption._cancels.insert(interruption._cancels.end(), std::move(cancel));
     if (interruption._signalNumber) {
-        interruption._cancel();
+        (*_cancel)();
     }
 }
 
 Interruption::Work::~Work() {
     const MutexLock lock(_interruption._mutex);
-    _interruption._cancel = nullptr;
+    _interruption._cancels.erase(_cancel);
 }
 
 }  // namespace neb::nebsc

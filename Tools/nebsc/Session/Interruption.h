@@ -20,6 +20,7 @@
 #include <signal.h>
 
 #include <functional>
+#include <list>
 #include <optional>
 #include <thread>
 
@@ -36,7 +37,7 @@ public:
     /// Calls end().
     ~Interruption();
 
-    /// Makes work cancellable while the object exists. Only one object may exist at a time.
+    /// Makes work cancellable while the object exists. Several may exist at a time, on any threads.
     class Work {
     public:
         /// Calls `cancel` on another thread for each signal that arrives, and immediately, on this
@@ -49,6 +50,7 @@ public:
 
     private:
         Interruption& _interruption;
+        std::list<std::function<void()>>::iterator _cancel;
     };
 
     /// Returns the first signal that arrived; absent if there was none. Thread-safe.
@@ -63,7 +65,7 @@ private:
     void handleSignal(int signalNumber);
 
     mutable Mutex _mutex;
-    std::function<void()> _cancel NEB_GUARDED_BY(_mutex);
+    std::list<std::function<void()>> _cancels NEB_GUARDED_BY(_mutex);
     std::optional<int> _signalNumber NEB_GUARDED_BY(_mutex);
     sigset_t _signals{};  // the signals that are handled
     sigset_t _formerMask{};

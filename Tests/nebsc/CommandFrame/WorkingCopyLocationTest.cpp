@@ -31,6 +31,11 @@ TEST(WorkingCopyLocation, PathsFromTheTopAndFolders) {
     EXPECT_EQ(pathAsSeen(workingCopy, "src/lib/"), "lib/");
     EXPECT_EQ(pathAsSeen(workingCopy, "src/"), "./");
     EXPECT_EQ(pathAsSeen(workingCopy, "source/"), "../source/");
+    const WorkingCopyLocation atTop{.location = "/w", .currentFolder = "/w"};
+    EXPECT_EQ(pathAsSeen(atTop, "src/a.c"), "src/a.c");
+    EXPECT_EQ(pathAsSeen(atTop, "src/"), "src/");
+    EXPECT_EQ(pathAsSeen(atTop, "/w/src/"), "src/");
+    EXPECT_EQ(pathAsSeen(atTop, "/w"), ".");
     const WorkingCopyLocation elsewhere{.location = "/w", .currentFolder = "/v"};
     EXPECT_EQ(pathAsSeen(elsewhere, "a.c"), "/w/a.c");
     EXPECT_EQ(pathAsSeen(elsewhere, "/x/b/"), "/x/b/");

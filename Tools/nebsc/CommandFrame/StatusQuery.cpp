@@ -52,8 +52,8 @@ std::vector<StatusEntry> statusEntriesIn(std::string_view output) {
 }
 
 StatusQuery::StatusQuery(std::shared_ptr<NEBSourceControlRequest> request,
-                         bool expandsUntrackedFolders)
-    : NEBSourceControlTaskOperation(std::move(request)) {
+                         bool expandsUntrackedFolders, bool makesRecords)
+    : NEBSourceControlTaskOperation(std::move(request)), _makesRecords(makesRecords) {
     setCurrentDirectoryPath(this->request()->sourceTree->location);
     std::vector<std::string> arguments{"status", "--porcelain", "-z"};
     if (expandsUntrackedFolders) {
@@ -71,8 +71,12 @@ std::string StatusQuery::launchPath() {
 
 void StatusQuery::parseData() {
     _entries = statusEntriesIn(data() ? data()->bytes() : std::string_view());
-    const std::string top = request()->sourceTree->location.value_or("");
     NEBSourceControlResult records;
+    if (!_makesRecords) {
+        setResult(std::move(records));
+        return;
+    }
+    const std::string top = request()->sourceTree->location.value_or("");
     records.reserve(_entries.size());
     for (const StatusEntry& entry : _entries) {
         NEBDictionary record;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
@@ -35,7 +36,9 @@ class StatusQuery : public NEBSourceControlTaskOperation {
 public:
     /// Queries the working copy of a status request, or only the request's destination in it.
     /// `expandsUntrackedFolders` lists each file of an untracked folder instead of the folder.
-    StatusQuery(std::shared_ptr<NEBSourceControlRequest> request, bool expandsUntrackedFolders);
+    /// Without `makesRecords` the result is empty, and only the entries are read.
+    StatusQuery(std::shared_ptr<NEBSourceControlRequest> request, bool expandsUntrackedFolders,
+                bool makesRecords);
 
     [[nodiscard]] std::string className() const override { return "StatusQuery"; }
     [[nodiscard]] std::string launchPath() override;
@@ -46,11 +49,12 @@ public:
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
-    /// Returns the entries in git's order; empty until the operation has run.
-    [[nodiscard]] const std::vector<StatusEntry>& entries() const { return _entries; }
+    /// Removes and returns the entries, in git's order; empty until the operation has run.
+    [[nodiscard]] std::vector<StatusEntry> takeEntries() { return std::exchange(_entries, {}); }
 
 private:
     std::vector<StatusEntry> _entries;
+    bool _makesRecords;
 };
 
 }  // namespace neb::nebsc

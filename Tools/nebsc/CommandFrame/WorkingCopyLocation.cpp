@@ -80,6 +80,10 @@ std::string repositoryLocation(const std::string& currentFolder, const std::stri
 }
 
 std::string pathAsSeen(const WorkingCopyLocation& workingCopy, const std::string& path) {
+    if (!path.empty() && !path.starts_with('/') &&
+        workingCopy.currentFolder == workingCopy.location) {
+        return path;
+    }
     std::string absolute =
         path.starts_with('/') ? path : pathByAppendingComponent(workingCopy.location, path);
     if (absolute == "/" || !liesWithin(workingCopy.currentFolder, workingCopy.location)) {

@@ -83,9 +83,9 @@ RequestResult StatusTask::perform() {
     if (isJSON() && !isAll) {
         return performRequest(makeRequest());
     }
-    StatusQuery query(makeRequest(), isAll);
+    StatusQuery query(makeRequest(), isAll, isJSON());
     RequestResult requestResult = performOperation(query);
-    _entries = query.entries();
+    _entries = query.takeEntries();
     return requestResult;
 }
 
@@ -114,7 +114,7 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) 
 
 /// Reports that there are no changes.
 void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (outcome.result && !outcome.result->empty()) {
+    if (!_entries.empty() || (outcome.result && !outcome.result->empty())) {
         return;
     }
     const std::string name = inQuotes(lastPathComponent(workingCopy().location));

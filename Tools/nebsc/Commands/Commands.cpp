@@ -26,6 +26,7 @@ constexpr std::array commands{
     &ignoreCommand,
     &revertCommand,
     &commitCommand,
+    &tuneCommand,
     //
     &branchCommand,
     &checkoutCommand,

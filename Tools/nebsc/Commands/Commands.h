@@ -46,6 +46,8 @@ extern const Command makeDirectoryCommand;
 extern const Command ignoreCommand;
 extern const Command revertCommand;
 extern const Command commitCommand;
+/// Runs even if the plug-in cannot be loaded.
+extern const Command tuneCommand;
 
 // ---- branches
 /// Its subcommands list, create and delete branches.

@@ -40,6 +40,10 @@ void checkHooks(Examination& examination);
 /// Runs git fsck on all objects. Slow, so only `--full` runs it.
 void checkIntegrity(Examination& examination);
 
+/// Finds what makes git slow in the repository, and measures it for at most two seconds. Requires
+/// `settings`.
+void checkSpeed(Examination& examination);
+
 // ---- user
 
 /// Notes settings that nebsc overrides. Sets `settings`.

@@ -19,6 +19,8 @@ constexpr Check checksOfRepository[] = {
 constexpr Check checksOfUser[] = {
     checkSettings, checkIdentity, checkEnvironment, checkCredentials, checkSubversion,
 };
+/// Checks of the repository that need the settings of the user.
+constexpr Check checksAfterSettings[] = {checkSpeed};
 
 void runChecks(std::span<const Check> checks, Examination& examination) {
     for (const Check check : checks) {
@@ -58,6 +60,7 @@ std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
         }
     }
     runChecks(checksOfUser, examination);
+    runChecks(checksAfterSettings, examination);
     if (examination.shouldStop()) {
         examination.add(Health::problem, "git", "is too slow; the remaining checks were skipped",
                         "Check the disk or network drive that the repository is on.");

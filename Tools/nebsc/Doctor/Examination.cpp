@@ -16,24 +16,26 @@ namespace {
 constexpr auto timeLimitOfQuery = std::chrono::seconds(5);
 constexpr int mostTimeouts = 2;
 
-/// git before 2.44 ignores the first variable and starts a fetch; the second one makes that fetch
-/// fail before it connects.
-const std::vector<std::string> withoutFetching{"GIT_NO_LAZY_FETCH=1", "GIT_ALLOW_PROTOCOL="};
-
 }  // namespace
 
-ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool hasTimeLimit) {
+ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls,
+                              std::optional<std::chrono::milliseconds> limit) {
     ChildProcess process;
     const auto cancel = [&process] { process.cancel(); };
     const Interruption::Work work(_interruption, cancel);
     std::optional<Deadline> deadline;
-    if (hasTimeLimit) {
-        deadline.emplace(std::chrono::steady_clock::now() + timeLimitOfQuery, cancel);
+    if (limit) {
+        deadline.emplace(std::chrono::steady_clock::now() + *limit, cancel);
     }
-    ChildOutcome outcome = runGits(
-        process, _trace, std::move(calls),
-        {.folder = _folder, .variables = withoutFetching, .traits = {.isBackgroundWork = true}});
-    if (hasTimeLimit && hasTimedOut(outcome)) {
+    return runGits(process, _trace, std::move(calls),
+                   {.folder = _folder,
+                    .variables = variablesAgainstFetching(),
+                    .traits = {.isBackgroundWork = true}});
+}
+
+ChildOutcome Examination::runWithTimeLimit(std::vector<std::vector<std::string>> calls) {
+    ChildOutcome outcome = run(std::move(calls), timeLimitOfQuery);
+    if (hasTimedOut(outcome)) {
         ++_timeouts;
         outcome.status = TerminationStatus::unknown(
             "timed out after " + std::to_string(timeLimitOfQuery.count()) + " s");
@@ -43,16 +45,21 @@ ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls, bool 
 }
 
 ChildOutcome Examination::query(std::vector<std::string> arguments) {
-    return run({std::move(arguments)}, true);
+    return runWithTimeLimit({std::move(arguments)});
+}
+
+ChildOutcome Examination::queryWithin(std::chrono::milliseconds limit,
+                                      std::vector<std::string> arguments) {
+    return run({std::move(arguments)}, limit);
 }
 
 ChildOutcome Examination::queryPipeline(std::vector<std::string> first,
                                         std::vector<std::string> second) {
-    return run({std::move(first), std::move(second)}, true);
+    return runWithTimeLimit({std::move(first), std::move(second)});
 }
 
 ChildOutcome Examination::queryWithoutTimeLimit(std::vector<std::string> arguments) {
-    return run({std::move(arguments)}, false);
+    return run({std::move(arguments)}, std::nullopt);
 }
 
 std::string Examination::gitPath(const std::string& name) {
@@ -72,6 +79,12 @@ bool Examination::isReachable(const std::string& program) const {
     return program.find('/') != std::string::npos
                ? isProgram(pathByExpandingTilde(program))
                : isProgramIn(programs + ":" + environmentVariable("PATH"), program);
+}
+
+std::vector<std::string> variablesAgainstFetching() {
+    // git before 2.44 ignores the first variable and starts a fetch; the second one makes that
+    // fetch fail before it connects.
+    return {"GIT_NO_LAZY_FETCH=1", "GIT_ALLOW_PROTOCOL="};
 }
 
 bool hasTimedOut(const ChildOutcome& outcome) {

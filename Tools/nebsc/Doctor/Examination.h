@@ -2,6 +2,7 @@
 // about the repository, and the findings.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,8 +34,12 @@ public:
     /// Runs git in the folder with a time limit of a few seconds. git changes nothing, fetches no
     /// missing objects of a partial clone and opens no network connection.
     [[nodiscard]] ChildOutcome query(std::vector<std::string> arguments);
-    /// Runs two git processes in the same way, with the output of the first one piped into the
-    /// second one. Returns the outcome of the second one.
+    /// Runs git like query(), but ends it after `limit`. Such a timeout does not count for
+    /// shouldStop().
+    [[nodiscard]] ChildOutcome queryWithin(std::chrono::milliseconds limit,
+                                           std::vector<std::string> arguments);
+    /// Runs two git processes in the same way as query(), with the output of the first one
+    /// piped into the second one. Returns the outcome of the second one.
     [[nodiscard]] ChildOutcome queryPipeline(std::vector<std::string> first,
                                              std::vector<std::string> second);
     /// Runs git like query(), without a time limit. A signal ends it.
@@ -66,7 +71,11 @@ public:
     std::optional<UserSettings> settings;
 
 private:
-    [[nodiscard]] ChildOutcome run(std::vector<std::vector<std::string>> calls, bool hasTimeLimit);
+    /// `limit` is absent for no time limit.
+    [[nodiscard]] ChildOutcome run(std::vector<std::vector<std::string>> calls,
+                                   std::optional<std::chrono::milliseconds> limit);
+    /// The same with the time limit of query(). Counts timeouts.
+    [[nodiscard]] ChildOutcome runWithTimeLimit(std::vector<std::vector<std::string>> calls);
 
     Interruption& _interruption;
     const Trace& _trace;
@@ -74,6 +83,10 @@ private:
     std::vector<Finding> _findings;
     int _timeouts = 0;
 };
+
+/// Returns the environment variables that keep git from fetching missing objects of a partial
+/// clone and from opening network connections.
+[[nodiscard]] std::vector<std::string> variablesAgainstFetching();
 
 /// Returns whether Examination::query() ended git after the time limit.
 [[nodiscard]] bool hasTimedOut(const ChildOutcome& outcome);

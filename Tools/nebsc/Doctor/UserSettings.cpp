@@ -53,6 +53,28 @@ std::string UserSettings::lastValue(std::string_view key) const {
     return setting == nullptr ? "" : setting->value;
 }
 
+bool UserSettings::isTrue(std::string_view key) const {
+    return isSameSetting(lastValue(key), "true");
+}
+
+std::vector<std::string> UserSettings::allValues(std::string_view key) const {
+    const std::string listed = lowercaseASCII(key);
+    std::vector<std::string> values;
+    for (const Setting& setting : _settings) {
+        if (setting.key == listed) {
+            values.push_back(setting.value);
+        }
+    }
+    return values;
+}
+
+bool UserSettings::hasCloneFilter(std::string_view text) const {
+    return std::any_of(_settings.begin(), _settings.end(), [text](const Setting& setting) {
+        return setting.key.starts_with("remote.") && setting.key.ends_with(".partialclonefilter") &&
+               setting.value.find(text) != std::string::npos;
+    });
+}
+
 std::string UserSettings::lastScope(std::string_view key) const {
     const Setting* setting = last(key);
     return setting == nullptr ? "" : setting->scope;

@@ -25,8 +25,14 @@ public:
 
     /// Returns the effective value; empty if it is not set. The key is not case-sensitive.
     [[nodiscard]] std::string lastValue(std::string_view key) const;
-    /// Returns the scope of that value ("local", "global" …); empty if it is not set.
+    /// Returns whether the effective value is "true" or an equal boolean.
+    [[nodiscard]] bool isTrue(std::string_view key) const;
+    /// Returns all values, in git's order.
+    [[nodiscard]] std::vector<std::string> allValues(std::string_view key) const;
+    /// Returns the scope of lastValue() ("local", "global" …); empty if it is not set.
     [[nodiscard]] std::string lastScope(std::string_view key) const;
+    /// Returns whether a remote of a partial clone has a filter that contains the text: "tree:".
+    [[nodiscard]] bool hasCloneFilter(std::string_view text) const;
     /// Returns the helpers in git's order. An empty setting clears those before it.
     [[nodiscard]] std::vector<Setting> credentialHelpers() const;
 

@@ -82,9 +82,6 @@ Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& argumen
     const std::string input = _files.write("input", surroundings.input);
     SpawnOptions options{.standardInput = ChildStream::file(input, O_RDONLY),
                          .defaultSignals = defaultSignalsExcept(surroundings.ignoredSignals)};
-    if (surroundings.hasClosedInput) {
-        options.standardInput = ChildStream::closed();
-    }
     options.standardOutput = outputStream(surroundings);
     std::string errors = _files.path("errors");
     if (surroundings.hasTerminalForErrors) {
@@ -92,6 +89,11 @@ Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& argumen
         errors = ::ptsname(_errorTerminal);
     }
     options.standardError = ChildStream::file(errors, writing);
+    if (surroundings.hasTerminalForInput) {
+        options.standardInput = ChildStream::file(errors, O_RDONLY | O_NOCTTY);
+    } else if (surroundings.hasClosedInput) {
+        options.standardInput = ChildStream::closed();
+    }
     std::vector<std::string> args{program};
     args.insert(args.end(), arguments.begin(), arguments.end());
     const IgnoredSignals ignored(surroundings.ignoredSignals);
@@ -127,6 +129,12 @@ Nebsc::~Nebsc() {
         if (terminal >= 0) {
             ::close(terminal);
         }
+    }
+}
+
+void Nebsc::type(std::string_view text) const {
+    if (::write(_errorTerminal, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+        throw std::runtime_error("cannot type on the terminal");
     }
 }
 

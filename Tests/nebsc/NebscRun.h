@@ -33,6 +33,8 @@ struct NebscSurroundings {
     unsigned short terminalColumns = 0;
     /// Whether standard error is a terminal. The errors of the outcome come from it then.
     bool hasTerminalForErrors = false;
+    /// Whether standard input is the same terminal.
+    bool hasTerminalForInput = false;
     /// Signals that are ignored when the program starts.
     std::vector<int> ignoredSignals{};
 };
@@ -59,6 +61,8 @@ public:
     ~Nebsc();
 
     void send(int signalNumber) const;
+    /// Types on the terminal.
+    void type(std::string_view text) const;
     /// Waits until the text appears on the terminal for errors. Returns its output since the last
     /// call.
     std::string awaitErrors(std::string_view text);

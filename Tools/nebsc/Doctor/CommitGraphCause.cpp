@@ -100,7 +100,7 @@ std::optional<Slowness> detectMissingCommitGraph(SpeedExamination& speed) {
 
 GitCalls callsForCommitGraph(const FormerState& formerState) {
     std::vector<std::string> call{"commit-graph", "write", "--reachable", "--changed-paths"};
-    if (formerState.at("former") == chainOfFiles) {
+    if (valueIn(formerState, "former") == chainOfFiles) {
         call.emplace_back("--split=replace");
     }
     return {call};
@@ -108,7 +108,7 @@ GitCalls callsForCommitGraph(const FormerState& formerState) {
 
 /// A graph without changed paths is written again. One that only lacked commits stays up to date.
 GitCalls undoCallsForCommitGraph(const FormerState& formerState) {
-    if (formerState.at("former") == noGraph || formerState.at("changedPaths") == "yes") {
+    if (valueIn(formerState, "former") == noGraph || valueIn(formerState, "changedPaths") != "no") {
         return {};
     }
     GitCalls calls = callsForCommitGraph(formerState);

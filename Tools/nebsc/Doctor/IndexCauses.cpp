@@ -62,7 +62,7 @@ std::optional<Slowness> detectOldIndexVersion(SpeedExamination& speed) {
 }
 
 GitCalls undoCallsForIndexVersion(const FormerState& formerState) {
-    return {{"update-index", "--index-version", formerState.at("version")}};
+    return {{"update-index", "--index-version", valueIn(formerState, "version")}};
 }
 
 std::optional<Slowness> detectUnusedFileSystemMonitor(SpeedExamination& speed) {

@@ -34,6 +34,9 @@ struct Probe {
 /// What --undo has to know about the former state of the repository: names and values.
 using FormerState = std::map<std::string, std::string>;
 
+/// Returns a value of the former state; empty without one.
+[[nodiscard]] std::string valueIn(const FormerState& formerState, const std::string& name);
+
 /// A cause that applies to the repository.
 struct Slowness {
     /// A clause: "there is no commit-graph".

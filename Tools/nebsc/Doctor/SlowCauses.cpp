@@ -85,6 +85,11 @@ std::span<const SlowCause> slowCauses() {
     return causes;
 }
 
+std::string valueIn(const FormerState& formerState, const std::string& name) {
+    const auto value = formerState.find(name);
+    return value == formerState.end() ? "" : value->second;
+}
+
 const SlowCause* slowCauseNamed(std::string_view name) {
     const auto cause = std::find_if(causes.begin(), causes.end(),
                                     [name](const SlowCause& row) { return row.name == name; });

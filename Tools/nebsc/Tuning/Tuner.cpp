@@ -182,12 +182,14 @@ std::optional<std::string> Tuner::restoreSetting(const GitSetting& setting,
     return std::nullopt;
 }
 
-bool Tuner::removeFiles(const StepRecord& step, UndoResult& result) const {
+bool Tuner::removeFiles(const SlowCause& cause, const StepRecord& step, UndoResult& result) const {
     bool isUnchanged = true;
     for (const FileRecord& file : step.files) {
         const std::string path = pathByAppendingComponent(_repository.commonFolder, file.path);
         const std::string current = fingerprintOf(path);
-        if (current.empty()) {
+        const bool isOfCause =
+            std::find(cause.files.begin(), cause.files.end(), file.path) != cause.files.end();
+        if (current.empty() || !isOfCause) {
             continue;
         }
         if (step.isComplete && current != file.fingerprint) {
@@ -212,7 +214,7 @@ std::optional<std::string> Tuner::restore(const SlowCause& cause, const StepReco
             return failure;
         }
     }
-    if (!removeFiles(step, result) || result.failure) {
+    if (!removeFiles(cause, step, result) || result.failure) {
         return result.failure;
     }
     if (!step.folder.empty() && !isFolder(step.folder)) {

@@ -52,7 +52,7 @@ private:
                                                             const SettingRecord& former,
                                                             UndoResult& result);
     /// Removes what the step has created. Returns whether all files are as the step has left them.
-    bool removeFiles(const StepRecord& step, UndoResult& result) const;
+    bool removeFiles(const SlowCause& cause, const StepRecord& step, UndoResult& result) const;
     [[nodiscard]] std::vector<std::string> valuesOf(const std::string& key);
     /// Runs git and returns why it failed; absent on success.
     [[nodiscard]] std::optional<std::string> run(std::vector<std::string> arguments,

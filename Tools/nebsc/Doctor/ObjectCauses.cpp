@@ -17,8 +17,7 @@ constexpr long manyPacks = 10;
 Probe newestChanges(double remainingPart) {
     return {.command = {.label = "git log --raw of 1000 commits",
                         .arguments = {"log", "--max-count=1000", "--format=%H", "--raw", "HEAD"}},
-            .remainingPart = remainingPart,
-            .floor = {}};
+            .remainingPart = remainingPart};
 }
 
 /// Returns the number of packs in the multi-pack-index file, 0 without one; see

@@ -25,10 +25,10 @@ struct TimedCommand {
 struct Probe {
     TimedCommand command;
     /// The part of the duration that is expected to remain without the cause, as
-    /// "scripts/benchmark tuning" measures it; with a floor, the part of what exceeds the floor.
+    /// "scripts/benchmark tuning" measures it; a part of what exceeds the floor.
     double remainingPart = 1;
-    /// A git command that does the rest of the work; empty if that is negligible.
-    std::vector<std::string> floor = {};
+    /// A git command that does the rest of the work; by default, one that only starts git.
+    std::vector<std::string> floor = {"version"};
 };
 
 /// What --undo has to know about the former state of the repository: names and values.

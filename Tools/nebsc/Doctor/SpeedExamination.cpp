@@ -69,7 +69,7 @@ ChildOutcome SpeedExamination::query(std::vector<std::string> arguments) {
 }
 
 std::optional<Timing> SpeedExamination::timeOf(const std::vector<std::string>& arguments) {
-    constexpr int mostRuns = 3;
+    constexpr int mostRuns = 5;
     std::optional<Timing> shortest;
     Milliseconds spent{0};
     for (int run = 0; run < mostRuns && spent < _limits.repetition && hasTimeLeft(); ++run) {
@@ -120,8 +120,7 @@ std::vector<Measurement> SpeedExamination::measure(const Slowness& slowness) {
     std::vector<Measurement> measurements;
     for (const Probe& probe : slowness.probes) {
         const std::optional<Timing> now = known(probe.command.arguments);
-        const std::optional<Timing> floor =
-            probe.floor.empty() ? std::optional(Timing{}) : known(probe.floor);
+        const std::optional<Timing> floor = known(probe.floor);
         if (now && floor) {
             const Milliseconds rest = std::min(floor->time, now->time);
             measurements.push_back({.command = probe.command,

@@ -49,13 +49,13 @@ struct SpeedLimits {
     std::chrono::milliseconds whole;
     /// For one run of a probe.
     std::chrono::milliseconds probe;
-    /// A probe is repeated, at most twice, until its runs have taken this long; the shortest
+    /// A probe is repeated, at most four times, until its runs have taken this long; the shortest
     /// counts.
     std::chrono::milliseconds repetition;
 };
 
 /// A cause that costs less is not worth a change.
-inline constexpr std::chrono::milliseconds leastGainOfTuning{10};
+inline constexpr std::chrono::milliseconds leastGainOfTuning{20};
 
 /// The number of objects, from git count-objects(1).
 struct ObjectCounts {

@@ -258,7 +258,7 @@ CommandOutput run(const CommandCall& call) {
 constexpr Parameter parameters[] = {
     {"--yes", "Apply all steps without asking"},
     {"--dry-run", "Only show the steps and their commands"},
-    {"--all", "Also offer steps that save less than 10 ms"},
+    {"--all", "Also offer steps that save less than 20 ms"},
     {"--undo", "Undo the steps that were applied earlier"},
 };
 

@@ -161,9 +161,10 @@ std::string fingerprintOf(const std::string& path) {
     file.seekg(std::max<std::streamoff>(size - longestHash, 0));
     std::string fingerprint = std::to_string(size) + "-";
     for (int byte = file.get(); byte != std::ifstream::traits_type::eof(); byte = file.get()) {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned>(byte));
-        fingerprint += digits;
+        constexpr std::string_view digits = "0123456789abcdef";
+        const auto value = static_cast<unsigned char>(byte);
+        fingerprint += digits[value >> 4U];
+        fingerprint += digits[value & 15U];
     }
     return fingerprint;
 }

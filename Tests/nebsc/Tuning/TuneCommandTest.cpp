@@ -27,7 +27,7 @@ constexpr const char* graph = ".git/objects/info/commit-graph";
 TEST_F(TuneCommand, AppliesAllStepsWithYesAndUndoesThem) {
     const std::string settingsBefore = settings();
     const NebscOutcome applied = tune({"--yes"});
-    EXPECT_THAT(applied.output, AllOf(HasSubstr("applied   commit-graph     git log: "),
+    EXPECT_THAT(applied.output, AllOf(HasSubstr("applied   commit-graph     git log --format=%H: "),
                                       HasSubstr("applied   untracked-cache  git status: "),
                                       HasSubstr("applied   index-version    reading the index: "),
                                       HasSubstr(" ms before, ")));
@@ -120,7 +120,7 @@ TEST_F(TuneCommand, PrintsJSON) {
     EXPECT_EQ(step["cause"], "commit-graph");
     EXPECT_EQ(step["state"], "applied");
     EXPECT_EQ(step["commands"][0], "git commit-graph write --reachable --changed-paths");
-    EXPECT_EQ(step["comparisons"][0]["command"], "git log");
+    EXPECT_EQ(step["comparisons"][0]["command"], "git log --format=%H");
     EXPECT_GT(step["comparisons"][0]["before"], 0.0);
     EXPECT_GT(step["comparisons"][0]["after"], 0.0);
     const auto refused = tune({"--json", "--undo"});

@@ -85,9 +85,9 @@ std::optional<Slowness> detectMissingCommitGraph(SpeedExamination& speed) {
                                                                  : singleFile},
                                       {"changedPaths", lacksPaths ? "no" : "yes"}}};
     if (!exists || !lacksPaths) {
-        slowness.probes.push_back(
-            {.command = {.label = "git log", .arguments = {"log", "--format=%H", "HEAD"}},
-             .remainingPart = 0.2});
+        slowness.probes.push_back({.command = {.label = "git log --format=%H",
+                                               .arguments = {"log", "--format=%H", "HEAD"}},
+                                   .remainingPart = 0.2});
     }
     if (const std::string file = someFile(speed); !file.empty()) {
         slowness.probes.push_back({.command = {.label = "git log of one file",

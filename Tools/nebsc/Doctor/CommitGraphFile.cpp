@@ -88,9 +88,9 @@ bool CommitGraphFile::contains(const std::string& commit) const {
     }
     // The fan-out has, for each first byte of an id, the number of ids up to that byte.
     const std::string fanOut = bytesAt(_file, _fanOut, 1024);
-    const auto first = static_cast<unsigned char>(id[0]);
-    std::uint64_t low = first == 0 ? 0 : numberIn(fanOut, (first - 1U) * 4U, 4);
-    std::uint64_t high = numberIn(fanOut, first * 4U, 4);
+    const std::size_t first = static_cast<unsigned char>(id[0]);
+    std::uint64_t low = first == 0 ? 0 : numberIn(fanOut, (first - 1) * 4, 4);
+    std::uint64_t high = numberIn(fanOut, first * 4, 4);
     while (low < high) {
         const std::uint64_t middle = low + (high - low) / 2;
         const std::string candidate = bytesAt(_file, _ids + middle * _hashSize, _hashSize);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -162,7 +163,8 @@ std::string textOf(const Timing& timing) {
     const bool isLong = milliseconds >= 999.5;
     const double value = isLong ? milliseconds / 1000 : milliseconds;
     char number[32];
-    std::snprintf(number, sizeof number, "%.*f", isLong || value < 9.95 ? 1 : 0, value);
+    static_cast<void>(
+        std::snprintf(number, sizeof number, "%.*f", isLong || value < 9.95 ? 1 : 0, value));
     return (timing.isCut ? "more than " : "") + std::string(number) + (isLong ? " s" : " ms");
 }
 
@@ -173,7 +175,7 @@ std::string textOf(const std::vector<Measurement>& measurements) {
             .append(measurement.command.label + " takes " + textOf(measurement.now));
         if (measurement.now.isCut) {
             const double part = measurement.without / measurement.now.time;
-            text += ", about " + std::to_string(static_cast<int>(part * 100 + 0.5)) +
+            text += ", about " + std::to_string(std::lround(part * 100)) +
                     " % of that without this (estimated)";
         } else {
             text += ", about " + textOf(Timing{.time = measurement.without}) +

@@ -194,14 +194,14 @@ std::optional<std::string> TuneRun::tune() {
 
 void TuneRun::undoSteps(Tuner& tuner) {
     const ProgressIndicator indicator = progress("Restoring");
-    const std::vector<StepRecord> records = tuner.steps();
-    for (auto record = records.rbegin(); record != records.rend(); ++record) {
+    const std::vector<StepRecord> latestFirst(tuner.steps().rbegin(), tuner.steps().rend());
+    for (const StepRecord& record : latestFirst) {
         if (has("--dry-run")) {
-            _steps.push_back({.cause = record->cause, .state = StepState::undoable});
+            _steps.push_back({.cause = record.cause, .state = StepState::undoable});
             continue;
         }
-        const UndoResult result = tuner.undo(*record);
-        TuningStep step{.cause = record->cause,
+        const UndoResult result = tuner.undo(record);
+        TuningStep step{.cause = record.cause,
                         .state = result.failure ? StepState::failed : StepState::undone,
                         .message = result.failure.value_or("")};
         for (const std::string& note : result.notes) {

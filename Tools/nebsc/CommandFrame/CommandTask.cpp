@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <future>
 #include <new>
 
@@ -239,7 +240,10 @@ std::optional<std::string> CommandTask::pagerFor(std::string_view text) const {
     if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
         return std::nullopt;
     }
-    return pagerOfUser(_git.outputOf({"config", "--get", "core.pager"}));
+    // The variable overrides the setting.
+    const bool hasVariable = std::getenv("GIT_PAGER") != nullptr;
+    return pagerOfUser(hasVariable ? std::nullopt
+                                   : _git.outputOf({"config", "--get", "core.pager"}));
 }
 
 // ---- the invocation and its requests ----------------------------------------------------------

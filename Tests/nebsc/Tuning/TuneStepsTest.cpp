@@ -66,6 +66,28 @@ TEST_F(TuneSteps, AGraphWithoutChangedPathsGetsThemAndLosesThemAgain) {
     }
 }
 
+TEST_F(TuneSteps, AGraphOfAnAlternateIsNotTakenForAFormerOne) {
+    repository.git({"commit-graph", "write", "--reachable", "--no-changed-paths"});
+    repository.git({"clone", "--quiet", "--shared", ".", "shared"});
+    const std::string folder = repository.path("shared");
+    EXPECT_THAT(tuneIn(folder, {"--yes"}).output, HasSubstr("applied   commit-graph"));
+    EXPECT_TRUE(isThere("shared/.git/objects/info/commit-graph"));
+    EXPECT_EQ(tuneIn(folder, {"--undo"}).exitStatus, 0);
+    EXPECT_FALSE(isThere("shared/.git/objects/info/commit-graph"));
+    EXPECT_TRUE(isThere(graph));
+}
+
+TEST_F(TuneSteps, GraphsThatGitCannotUseAreNotWritten) {
+    repository.git({"config", "remote.origin.partialclonefilter", "tree:0"});
+    EXPECT_THAT(messageIn(tune({"--yes", "--json"}), "commit-graph"),
+                HasSubstr("trees that this partial clone lacks"));
+    repository.git({"config", "--unset", "remote.origin.partialclonefilter"});
+    repository.git({"replace", "HEAD", "HEAD~1"});
+    EXPECT_THAT(messageIn(tune({"--dry-run", "--json"}), "commit-graph"),
+                HasSubstr("while commits are replaced"));
+    EXPECT_FALSE(isThere(graph));
+}
+
 TEST_F(TuneSteps, AnOutdatedGraphIsUpdatedUnlessGitDoesSo) {
     repository.git({"commit-graph", "write", "--reachable", "--changed-paths"});
     std::string stream;
@@ -112,7 +134,10 @@ TEST_F(TuneSteps, AnInterruptedStepCanBeUndone) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     nebsc.send(SIGINT);
-    EXPECT_EQ(nebsc.outcome().exitStatus, 130);
+    const NebscOutcome interrupted = nebsc.outcome();
+    EXPECT_EQ(interrupted.exitStatus, 130);
+    EXPECT_THAT(interrupted.errors,
+                HasSubstr("nebsc: 'nebsc tune --undo' undoes the interrupted step\n"));
     EXPECT_TRUE(isThere(graph));
     intercept("");
     expectDone(tune({"--undo"}), "undone    commit-graph\n");

@@ -14,16 +14,23 @@ constexpr const char* noGraph = "none";
 constexpr const char* singleFile = "file";
 constexpr const char* chainOfFiles = "chain";
 
-/// Returns the commit-graph that git uses: of the repository, or of an alternate.
-CommitGraph graphFor(const RepositoryLayout& repository) {
-    const std::string objects = pathByAppendingComponent(repository.commonFolder, "objects");
-    CommitGraph graph = commitGraphIn(objects);
+/// Returns the first commit-graph of the alternates; see gitrepository-layout(5).
+CommitGraph graphOfAlternates(const std::string& objects) {
     std::ifstream alternates(pathByAppendingComponent(objects, "info/alternates"));
+    CommitGraph graph;
     for (std::string folder; graph.layers.empty() && std::getline(alternates, folder);) {
         graph = commitGraphIn(isAbsolutePath(folder) ? folder
                                                      : pathByAppendingComponent(objects, folder));
     }
     return graph;
+}
+
+/// Returns what --undo has to know about the repository's own graph.
+FormerState formerStateOf(const CommitGraph& graph) {
+    return {{"former", graph.layers.empty() ? noGraph
+                       : graph.isChain      ? chainOfFiles
+                                            : singleFile},
+            {"changedPaths", graph.hasChangedPaths() ? "yes" : "no"}};
 }
 
 /// Returns whether the newest commits are missing in the graph. git-maintenance(1) considers a
@@ -68,7 +75,13 @@ std::optional<Slowness> detectMissingCommitGraph(SpeedExamination& speed) {
     if (!answerOf(speed.query({"rev-parse", "--verify", "--quiet", "HEAD^{commit}"}))) {
         return std::nullopt;
     }
-    const CommitGraph graph = graphFor(speed.repository());
+    const std::string objects =
+        pathByAppendingComponent(speed.repository().commonFolder, "objects");
+    CommitGraph graph = commitGraphIn(objects);
+    const FormerState formerState = formerStateOf(graph);
+    if (graph.layers.empty()) {
+        graph = graphOfAlternates(objects);
+    }
     const bool exists = !graph.layers.empty();
     const bool lacksPaths = !graph.hasChangedPaths();
     if (exists && !lacksPaths &&
@@ -80,10 +93,7 @@ std::optional<Slowness> detectMissingCommitGraph(SpeedExamination& speed) {
                                            : "the commit-graph lacks the newest commits",
                       .probes = {},
                       .obstacle = obstacleIn(speed),
-                      .formerState = {{"former", !exists         ? noGraph
-                                                 : graph.isChain ? chainOfFiles
-                                                                 : singleFile},
-                                      {"changedPaths", lacksPaths ? "no" : "yes"}}};
+                      .formerState = formerState};
     if (!exists || !lacksPaths) {
         slowness.probes.push_back({.command = {.label = "git log --format=%H",
                                                .arguments = {"log", "--format=%H", "HEAD"}},

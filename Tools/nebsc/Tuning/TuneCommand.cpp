@@ -76,6 +76,9 @@ CommandOutput TuneRun::run() {
     }
     const std::optional<int> signalNumber = _interruption.end();
     noteInterruption(output, signalNumber);
+    if (signalNumber && hasStep(StepState::failed)) {
+        output.standardError += complaint("'nebsc tune --undo' undoes the interrupted step");
+    }
     return output;
 }
 

@@ -79,7 +79,7 @@ TEST_P(CommitGraphFile, DamagedFilesHaveNoCommits) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Hash, CommitGraphFile, testing::Values("sha1", "sha256"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& row) { return std::string(row.param); });
 
 }  // namespace
 }  // namespace neb::test

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "Doctor/LockFiles.h"
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDescriptor.h"
 #include "nebsc/Doctor/DoctorTest.h"
@@ -35,7 +36,8 @@ protected:
 TEST_F(DoctorCommand, ReportsThatEverythingIsInOrder) {
     const NebscOutcome outcome = nebsc({"doctor"});
     EXPECT_THAT(outcome.output, testing::StartsWith("ok       git          /"));
-    EXPECT_THAT(outcome.output, HasSubstr(", contract version 2\n"));
+    EXPECT_THAT(outcome.output, HasSubstr(", contract version " +
+                                          std::to_string(NEBSourceControlContractVersion) + "\n"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("working copy " + repository.path() + ", whose owner git trusts\n"));
     EXPECT_THAT(outcome.output, HasSubstr("ok       locks        no lock files found\n"));

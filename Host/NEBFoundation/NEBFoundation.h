@@ -13,6 +13,7 @@
 #include "NEBFoundation/NEBSourceControlManager.h"
 #include "NEBFoundation/NEBSourceControlOperation.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
+#include "NEBFoundation/NEBSourceControlRecordCursor.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlStatus.h"

@@ -61,6 +61,10 @@ void NEBSourceControlOperation::start() {
 
 void NEBSourceControlOperation::deliverRecords(NEBSourceControlResult records) {
     for (std::size_t first = 0; first < records.size(); first += recordBatchSize) {
+        if (isCancelled()) {
+            setError(NEBSourceControlCancelledError());
+            return;
+        }
         const std::size_t count = std::min(recordBatchSize, records.size() - first);
         if (count == records.size()) {
             _recordSink(std::move(records));

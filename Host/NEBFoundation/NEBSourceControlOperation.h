@@ -111,7 +111,8 @@ public:
 protected:
     /// The most records of one batch.
     static constexpr std::size_t recordBatchSize = 512;
-    /// Passes the records to the sink, which must exist, in batches. Throws what the sink throws.
+    /// Passes the records to the sink, which must exist, in batches. If the operation is cancelled
+    /// meanwhile, drops the rest and sets the error. Throws what the sink throws.
     void deliverRecords(NEBSourceControlResult records);
 
 private:

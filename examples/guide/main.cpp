@@ -141,6 +141,39 @@ void performAndWait(RequestRunner& runner, const std::shared_ptr<NEBSourceContro
     }
 }
 
+void show(const NEBSourceControlResult& records) {
+    std::cout << "records: " << records.size() << "\n";
+}
+
+/// Shows the records of a list as soon as git has printed them.
+void showAsTheyArrive(const NEBSourceControlPlugIn& plugIn, const std::string& folder) {
+    const auto controller = plugIn.makePrincipalClass();
+    const auto operation =
+        controller->operationForRequest(requestFor(NEBSourceControlRequestLog, folder));
+    operation->setRecordSink([](NEBSourceControlResult records) { show(records); });
+    operation->start();
+    if (operation->error()) {
+        print(*operation->error());
+    }
+}
+
+/// Shows a list page by page.
+void showInPages(const NEBSourceControlPlugIn& plugIn, const std::string& folder) {
+    const auto controller = plugIn.makePrincipalClass();
+    const auto operation =
+        controller->operationForRequest(requestFor(NEBSourceControlRequestLog, folder));
+    NEBSourceControlRecordCursor cursor(operation);
+    auto page = cursor.next(50);  // starts git; returns as soon as there are 50 records
+    show(page.records);
+    while (!page.isLast) {
+        page = cursor.next(50);  // when the user scrolls
+        show(page.records);
+    }
+    if (operation->error()) {
+        print(*operation->error());
+    }
+}
+
 /// Thread-safe, before the operation runs and while it does.
 void cancel(NEBSourceControlOperation& operation) {
     operation.cancel();
@@ -178,6 +211,8 @@ int main(int argc, char** argv) {
     performAndWait(runner, commitRequest(folder, "Say it again"), true);
     performAndWait(runner, requestFor(NEBSourceControlRequestCheckout, folder), true);
     performAndWait(runner, requestFor(NEBSourceControlRequestFetch, folder), false);
+    showAsTheyArrive(*load.plugIn, folder);
+    showInPages(*load.plugIn, folder);
     showCancelling(*load.plugIn, folder);
     return 0;
 }

@@ -14,6 +14,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
 #include "Support/HygienicTest.h"
+#include "Support/ListOperation.h"
 #include "Support/Matchers.h"
 #include "Support/TemporaryFolder.h"
 
@@ -21,6 +22,8 @@ namespace neb {
 namespace {
 
 using test::HasErrorClass;
+using test::ListOperation;
+using test::namesOf;
 using test::requestFor;
 using test::TemporaryFolder;
 using testing::Each;
@@ -28,45 +31,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Le;
-
-/// Lists the lines that a shell script prints.
-class ListOperation : public NEBSourceControlTaskOperation {
-public:
-    explicit ListOperation(std::string script)
-        : NEBSourceControlTaskOperation(requestFor(NEBSourceControlRequestLog, std::nullopt)) {
-        setArguments({"-c", std::move(script)});
-    }
-    std::string launchPath() override { return "/bin/sh"; }
-    std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override {
-        return std::make_unique<Parser>();
-    }
-
-private:
-    class Parser : public NEBSourceControlRecordParser {
-    public:
-        Parser() : NEBSourceControlRecordParser('\n') {}
-
-    protected:
-        void parsePiece(const Data& output, std::string_view piece,
-                        NEBSourceControlResult& records) override {
-            records.push_back({{NEBSourceControlOperationNameKey, NEBValue(output, piece)}});
-        }
-        void parseLastPiece(const Data& output, std::string_view piece,
-                            NEBSourceControlResult& records) override {
-            if (!piece.empty()) {
-                parsePiece(output, piece, records);
-            }
-        }
-    };
-};
-
-std::vector<std::string> namesOf(const NEBSourceControlResult& records) {
-    std::vector<std::string> names;
-    for (const NEBDictionary& record : records) {
-        names.push_back(record.value(NEBSourceControlOperationNameKey).description());
-    }
-    return names;
-}
 
 class RecordSink : public test::HygienicTest {};
 
@@ -185,6 +149,19 @@ TEST_F(RecordSink, MayKeepTheRecords) {
     for (std::size_t i = 0; i < names.size(); ++i) {
         ASSERT_EQ(names[i], std::to_string(i + 1));
     }
+}
+
+TEST_F(RecordSink, GetsNoMoreOfAWholeResultAfterACancellation) {
+    WholeOperation operation(requestFor(NEBSourceControlRequestInfo, std::nullopt));
+    std::vector<std::size_t> sizes;
+    operation.setRecordSink([&](const NEBSourceControlResult& records) {
+        sizes.push_back(records.size());
+        operation.cancel();
+    });
+    operation.start();
+    EXPECT_THAT(sizes, ElementsAre(512U));
+    EXPECT_EQ(operation.deliveredRecordCount(), 512U);
+    EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlCancelledErrorClass));
 }
 
 // ---- sinks that end the operation -------------------------------------------------------------

@@ -65,19 +65,6 @@ void append(std::string& text, const NEBDictionary& dictionary) {
     text += separator == '{' ? "{}" : "}";
 }
 
-std::string textOfResult(const Outcome& outcome) {
-    if (!outcome.result) {
-        return "null";
-    }
-    std::string text = "[";
-    for (const NEBDictionary& record : *outcome.result) {
-        text += text.size() > 1 ? "," : "";
-        append(text, record);
-    }
-    text += "]";
-    return text;
-}
-
 JSON jsonOfDictionary(const NEBDictionary& dictionary) {
     JSON object = JSON::object();
     for (const NEBDictionary::Entry& entry : dictionary) {
@@ -163,6 +150,9 @@ JSON membersBeforeResult(const Outcome& outcome) {
 
 JSON membersFromErrorOn(const Outcome& outcome) {
     JSON json{{"error", outcome.error ? jsonOfError(*outcome.error) : JSON(nullptr)}};
+    if (outcome.recordCount) {
+        json["recordCount"] = *outcome.recordCount;
+    }
     if (!outcome.omittedRevisions.empty()) {
         json["omittedRevisions"] = outcome.omittedRevisions;
     }
@@ -175,8 +165,18 @@ JSON membersFromErrorOn(const Outcome& outcome) {
 
 }  // namespace
 
+std::string textOfRecords(const NEBSourceControlResult& records) {
+    std::string text = "[";
+    for (const NEBDictionary& record : records) {
+        text += text.size() > 1 ? "," : "";
+        append(text, record);
+    }
+    text += "]";
+    return text;
+}
+
 std::string textOfOutcome(const Outcome& outcome) {
-    const std::string result = textOfResult(outcome);
+    const std::string result = outcome.result ? textOfRecords(*outcome.result) : "null";
     std::string text = textOf(membersBeforeResult(outcome));
     text.pop_back();  // the closing brace
     const std::string end = textOf(membersFromErrorOn(outcome));

@@ -13,8 +13,9 @@
 //       "result": [ { "NEBSourceControlOperationRevisionKey": "0123456789ab" } ],
 //       "error": null }
 //
-// All these members are always present; an absent value is null. Two more members exist only if the
-// outcome has them: "omittedRevisions", an array of strings, and "settledConflicts", an array of
+// All these members are always present; an absent value is null. Three more members exist only if
+// the outcome has them: "recordCount", the number of records that were delivered while the
+// operation ran, "omittedRevisions", an array of strings, and "settledConflicts", an array of
 // strings or null if git failed to list the files.
 //
 // "name" is the name of the type; both are null if no request was made. "pipeTo" is a command with
@@ -40,6 +41,10 @@ namespace neb::nebsc {
 /// Returns the outcome as JSON on one line, without a line end. Bytes that are not UTF-8 become
 /// U+FFFD. Throws std::bad_alloc if memory runs out.
 [[nodiscard]] std::string textOfOutcome(const Outcome& outcome);
+
+/// Returns the records as a JSON array, as in the member "result". Throws std::bad_alloc if memory
+/// runs out.
+[[nodiscard]] std::string textOfRecords(const NEBSourceControlResult& records);
 
 /// Returns the result of `write`. If `write` throws because memory runs out, frees the result, sets
 /// an error of the class "out-of-memory", and calls `write` again.

@@ -51,6 +51,19 @@ std::size_t MessageWriter::waitingBytes() const {
     return _waitingBytes;
 }
 
+void MessageWriter::waitForSpace(std::size_t bytes, const std::function<bool()>& isDone) {
+    MutexLock lock(_mutex);
+    _changed.wait(lock, [this, bytes, &isDone]() NEB_REQUIRES(_mutex) {
+        return _waitingBytes < bytes || _isLost || isDone();
+    });
+}
+
+void MessageWriter::wakeWaiting() {
+    // Locked, so that the change is not missed between the check of waitForSpace() and its wait.
+    const MutexLock lock(_mutex);
+    _changed.notify_all();
+}
+
 bool MessageWriter::finish(std::chrono::milliseconds timeout) {
     MutexLock lock(_mutex);
     while (_waitingBytes > 0 && !_isLost) {

@@ -37,6 +37,11 @@ public:
     /// Returns the number of bytes that are not written yet.
     [[nodiscard]] std::size_t waitingBytes() const;
 
+    /// Blocks until fewer than `bytes` are waiting, the reader is gone, or `isDone` returns true.
+    /// `isDone` must not block; wakeWaiting() makes it be called again.
+    void waitForSpace(std::size_t bytes, const std::function<bool()>& isDone);
+    void wakeWaiting();
+
     /// Waits until everything is written. Returns false if the reader is gone, or reads nothing
     /// during `timeout`.
     bool finish(std::chrono::milliseconds timeout);

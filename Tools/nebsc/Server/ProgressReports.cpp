@@ -14,10 +14,9 @@ constexpr std::chrono::seconds interval{1};
 
 }  // namespace
 
-ProgressToken takeProgressToken(JSONNode& params) {
-    static constexpr std::string_view name = "workDoneToken";
+ProgressToken takeProgressToken(JSONNode& params, std::string_view name) {
     const auto token = std::find_if(params.children.begin(), params.children.end(),
-                                    [](const JSONNode& child) { return child.name == name; });
+                                    [name](const JSONNode& child) { return child.name == name; });
     if (token == params.children.end()) {
         return {};
     }

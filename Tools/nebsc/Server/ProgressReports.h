@@ -19,14 +19,14 @@
 namespace neb::nebsc {
 
 struct ProgressToken {
-    /// Absent if the client wants no reports.
+    /// Absent if the client sent none.
     std::optional<nlohmann::ordered_json> value;
     /// One sentence; empty unless the token is of the wrong kind.
     std::string refusal;
 };
 
-/// Removes the token from the parameters, which then contain only the request.
-[[nodiscard]] ProgressToken takeProgressToken(JSONNode& params);
+/// Removes the member with the name from the parameters.
+[[nodiscard]] ProgressToken takeProgressToken(JSONNode& params, std::string_view name);
 
 /// Sends progress notifications from a thread of its own. Thread-safe.
 class ProgressReports {

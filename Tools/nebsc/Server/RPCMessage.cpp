@@ -172,8 +172,13 @@ std::string rpcError(const JSON& id, RPCErrorCode code, std::string_view sentenc
     return text + "}";
 }
 
-std::string rpcNotification(std::string_view method, JSON params) {
-    return textOf({{"jsonrpc", "2.0"}, {"method", method}, {"params", std::move(params)}});
+std::string rpcNotification(std::string_view method, const JSON& params) {
+    return rpcNotificationOfText(method, textOf(params));
+}
+
+std::string rpcNotificationOfText(std::string_view method, std::string_view params) {
+    std::string text = R"({"jsonrpc":"2.0","method":)" + textOf(method) + R"(,"params":)";
+    return text.append(params).append("}");
 }
 
 }  // namespace neb::nebsc

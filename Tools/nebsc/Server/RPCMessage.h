@@ -53,7 +53,10 @@ struct RPCReading {
 /// `data` is JSON text with details; the member is omitted if it is empty.
 [[nodiscard]] std::string rpcError(const nlohmann::ordered_json& id, RPCErrorCode code,
                                    std::string_view sentence, std::string_view data = {});
-[[nodiscard]] std::string rpcNotification(std::string_view method, nlohmann::ordered_json params);
+[[nodiscard]] std::string rpcNotification(std::string_view method,
+                                          const nlohmann::ordered_json& params);
+/// Returns the same for parameters that are already JSON text.
+[[nodiscard]] std::string rpcNotificationOfText(std::string_view method, std::string_view params);
 
 /// Returns the string or integer; absent for a node of another kind.
 [[nodiscard]] std::optional<nlohmann::ordered_json> stringOrInteger(const JSONNode& node);

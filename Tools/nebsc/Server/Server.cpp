@@ -7,13 +7,13 @@
 #include <array>
 #include <cerrno>
 
-#include "JSON/OutcomeJSON.h"
 #include "JSON/RequestJSON.h"
-#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/ErrnoText.h"
+#include "Server/PartialResults.h"
+#include "Server/RequestResponse.h"
 #include "Session/GitProgram.h"
 #include "Session/OperationRun.h"
 #include "Terminal/PrintableText.h"
@@ -43,6 +43,10 @@ JSON requestTypes() {
         types.push_back({{"type", type.type}, {"name", type.name}});
     }
     return types;
+}
+
+JSON capabilities() {
+    return {{"partialResults", true}};
 }
 
 std::string sentenceOfCurrentException() {
@@ -75,6 +79,7 @@ Server::End Server::run(int input, int output) {
     _writer = std::make_unique<MessageWriter>(output, [this] { _wake.wake(); });
     _progress = std::make_unique<ProgressReports>(
         [this](const std::string& message) { _writer->send(message); });
+    _jobs = std::make_unique<Jobs>(*_writer, [this] { _wake.wake(); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
     _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
     try {
@@ -84,7 +89,7 @@ Server::End Server::run(int input, int output) {
     } catch (const std::exception&) {
         _end = {.isOrderly = false, .failure = sentenceOfCurrentException()};
     }
-    cancelAll();
+    _jobs->cancelAll();
     _queue->waitUntilAllOperationsAreFinished();
     static_cast<void>(_writer->finish(endTimeout));
     return _end;
@@ -133,7 +138,8 @@ void Server::readFrom(int input) {
 void Server::waitForInitialization() {
     const auto end = std::chrono::steady_clock::now() + initializationTimeout;
     pollfd wake{.fd = _wake.descriptor(), .events = POLLIN, .revents = 0};
-    while (!_initialization.expired() && std::chrono::steady_clock::now() < end &&
+    while (_initialization && _jobs->has(*_initialization) &&
+           std::chrono::steady_clock::now() < end &&
            ::poll(&wake, 1, static_cast<int>(pollInterval.count())) <= 0) {
     }
 }
@@ -214,11 +220,12 @@ void Server::initialize(RPCMessage& message) {
         return;
     }
     _state = State::initialized;
-    _initialization = start(message, std::nullopt, [this](Job& job) {
+    _initialization = message.id;
+    _jobs->start(*message.id, *_scheduler, std::nullopt, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
         const auto version = answerOf(runGit(git, _session.trace(), {"--version"}, std::nullopt));
-        return rpcResult(job.id(), {{"capabilities", JSON::object()},
+        return rpcResult(job.id(), {{"capabilities", capabilities()},
                                     {"serverInfo", {{"name", "nebsc"}, {"version", NEBSC_VERSION}}},
                                     {"contractVersion", NEBSourceControlContractVersion},
                                     {"gitVersion", version ? JSON(*version) : JSON()},
@@ -235,10 +242,13 @@ void Server::plan(RPCMessage& message) {
 }
 
 void Server::startRequest(RPCMessage& message, bool isRun) {
-    const ProgressToken token = takeProgressToken(message.params);
-    if (!token.refusal.empty()) {
-        refuse(message, RPCErrorCode::invalidParams, token.refusal);
-        return;
+    const ProgressToken token = takeProgressToken(message.params, "workDoneToken");
+    const ProgressToken partialToken = takeProgressToken(message.params, "partialResultToken");
+    for (const std::string& refusal : {token.refusal, partialToken.refusal}) {
+        if (!refusal.empty()) {
+            refuse(message, RPCErrorCode::invalidParams, refusal);
+            return;
+        }
     }
     const RequestReading reading = requestFromJSON(message.params);
     if (!reading.request) {
@@ -247,38 +257,38 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
     }
     const auto& request = reading.request;
     const auto name = NEBSourceControlRequestTypeName(request->type);
-    start(message, isRun ? writtenLocationOf(*request) : std::nullopt,
-          [this, request, isRun, token = token.value,
-           title = std::string(name.value_or("request"))](Job& job) {
-              std::optional<ProgressReports::Work> progress;
-              if (token) {
-                  progress.emplace(*_progress, *token, title);
-              }
-              return responseTo(job, request, isRun);
-          });
+    _jobs->start(*message.id, *_scheduler, isRun ? writtenLocationOf(*request) : std::nullopt,
+                 [this, request, isRun, token = token.value, partialToken = partialToken.value,
+                  title = std::string(name.value_or("request"))](Job& job) {
+                     std::optional<ProgressReports::Work> progress;
+                     if (token) {
+                         progress.emplace(*_progress, *token, title);
+                     }
+                     return isRun ? performed(job, request, partialToken) : planned(job, request);
+                 });
 }
 
-std::string Server::responseTo(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
-                               bool isRun) const {
-    const HostSession::Runner run = [&job](NEBSourceControlOperation& operation) {
-        const Job::Work work(job, [&operation] { cancelOperation(operation); });
+std::string Server::planned(Job& job,
+                            const std::shared_ptr<NEBSourceControlRequest>& request) const {
+    return responseTo(job, _session.perform(request, {}));
+}
+
+std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+                              const std::optional<JSON>& partialToken) const {
+    const HostSession::Runner run = [this, &job,
+                                     &partialToken](NEBSourceControlOperation& operation) {
+        if (partialToken) {
+            operation.setRecordSink(partialResultSink(operation, *_writer, *partialToken));
+        }
+        const Job::Work work(job, [this, &operation] {
+            cancelOperation(operation);
+            _writer->wakeWaiting();
+        });
         operation.start();
     };
-    RequestResult requestResult = _session.perform(request, isRun ? run : HostSession::Runner());
-    if (requestResult.refusedValue) {
-        return rpcError(job.id(), RPCErrorCode::invalidParams,
-                        sentenceOfRefusedValue(*requestResult.refusedValue));
-    }
-    return writtenOutcome(*requestResult.outcome, [&job](const Outcome& outcome) {
-        const bool wasCancelled =
-            outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
-        return wasCancelled ? rpcError(job.id(), RPCErrorCode::requestCancelled,
-                                       "The request was cancelled.", textOfOutcome(outcome))
-                            : rpcResultOfText(job.id(), textOfOutcome(outcome));
-    });
+    return responseTo(job, _session.perform(request, run));
 }
 
-/// A waiting request is answered at once, a running one when it has ended.
 void Server::cancelRequest(RPCMessage& message) {
     const auto id = std::find_if(message.params.children.begin(), message.params.children.end(),
                                  [](const JSONNode& child) { return child.name == "id"; });
@@ -286,15 +296,7 @@ void Server::cancelRequest(RPCMessage& message) {
     if (!key) {
         return;
     }
-    std::shared_ptr<Job> job;
-    {
-        const MutexLock lock(_mutex);
-        const auto entry = _jobs.find(key->dump());
-        job = entry != _jobs.end() ? entry->second : nullptr;
-    }
-    if (job) {
-        cancel(*job);
-    }
+    _jobs->cancel(*key);
 }
 
 void Server::shutDown(RPCMessage& message) {
@@ -307,80 +309,8 @@ void Server::exit(RPCMessage& /*message*/) {
     _state = State::ended;
 }
 
-// ---- jobs -------------------------------------------------------------------------------------
-
-std::weak_ptr<Job> Server::start(const RPCMessage& message, std::optional<std::string> location,
-                                 std::function<std::string(Job&)> respond) {
-    const auto job = std::make_shared<Job>(*message.id);
-    {
-        const MutexLock lock(_mutex);
-        if (!_jobs.try_emplace(message.id->dump(), job).second) {
-            refuse(message, RPCErrorCode::invalidRequest,
-                   "A request with the id " + message.id->dump() + " is still running.");
-            return {};
-        }
-    }
-    try {
-        _scheduler->add(std::move(location),
-                        [this, job, respond = std::move(respond)] { work(*job, respond); });
-    } catch (...) {
-        const MutexLock lock(_mutex);
-        _jobs.erase(message.id->dump());
-        throw;
-    }
-    return job;
-}
-
-void Server::work(Job& job, const std::function<std::string(Job&)>& respond) {
-    if (!job.begin()) {
-        return;
-    }
-    try {
-        try {
-            finish(job, respond(job));
-        } catch (const std::exception&) {
-            finish(job,
-                   rpcError(job.id(), RPCErrorCode::internalError, sentenceOfCurrentException()));
-        }
-    } catch (const std::exception&) {
-        _wake.wake();  // no memory for a response: end the server
-    }
-}
-
-void Server::finish(Job& job, const std::string& response) {
-    {
-        const MutexLock lock(_mutex);
-        _jobs.erase(job.id().dump());
-    }
-    _writer->send(response);
-}
-
-void Server::cancel(Job& job) {
-    if (job.cancel()) {
-        finish(job, rpcError(job.id(), RPCErrorCode::requestCancelled,
-                             "The request was cancelled before it started."));
-    }
-}
-
-/// Cancels all jobs. Responses to waiting jobs are skipped if memory runs out.
-void Server::cancelAll() {
-    std::map<std::string, std::shared_ptr<Job>> jobs;
-    {
-        const MutexLock lock(_mutex);
-        jobs.swap(_jobs);
-    }
-    for (const auto& [id, job] : jobs) {
-        try {
-            cancel(*job);
-        } catch (const std::bad_alloc&) {
-            continue;
-        }
-    }
-}
-
-bool Server::mayReadMore() {
-    const MutexLock lock(_mutex);
-    return _jobs.size() < mostJobs && _writer->waitingBytes() < mostWaitingBytes;
+bool Server::mayReadMore() const {
+    return _jobs->count() < mostJobs && _writer->waitingBytes() < mostWaitingBytes;
 }
 
 }  // namespace neb::nebsc

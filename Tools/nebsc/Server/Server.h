@@ -5,15 +5,12 @@
 //     const Server::End end = Server(session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
 #pragma once
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
-#include "Server/Job.h"
+#include "Server/Jobs.h"
 #include "Server/MessageDecoder.h"
 #include "Server/MessageWriter.h"
 #include "Server/ProgressReports.h"
@@ -64,38 +61,31 @@ private:
     void exit(RPCMessage& message);
 
     void startRequest(RPCMessage& message, bool isRun);
-    [[nodiscard]] std::string responseTo(Job& job,
-                                         const std::shared_ptr<NEBSourceControlRequest>& request,
-                                         bool isRun) const;
+    [[nodiscard]] std::string planned(
+        Job& job, const std::shared_ptr<NEBSourceControlRequest>& request) const;
+    /// With a token, delivers the records as partial results.
+    [[nodiscard]] std::string performed(
+        Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+        const std::optional<nlohmann::ordered_json>& partialToken) const;
 
-    /// Schedules a job for the message (see RepositoryScheduler for the location). `respond` does
-    /// the work and returns the response. The result expires when the job has ended.
-    std::weak_ptr<Job> start(const RPCMessage& message, std::optional<std::string> location,
-                             std::function<std::string(Job&)> respond);
-    void work(Job& job, const std::function<std::string(Job&)>& respond);
-    void finish(Job& job, const std::string& response);
-    void cancel(Job& job);
-    void cancelAll();
     /// Returns whether the server has capacity for another message.
-    [[nodiscard]] bool mayReadMore();
+    [[nodiscard]] bool mayReadMore() const;
     void waitForInitialization();
     void refuse(const RPCMessage& message, RPCErrorCode code, std::string_view sentence);
 
     const HostSession& _session;
     Interruption& _interruption;
     State _state = State::fresh;
-    /// The job of "initialize"; expired before it starts and after it has ended.
-    std::weak_ptr<Job> _initialization;
+    /// The id of "initialize"; absent before.
+    std::optional<nlohmann::ordered_json> _initialization;
     End _end;
     MessageDecoder _decoder{longestJSONText};
     Wake _wake;
 
-    Mutex _mutex;
-    std::map<std::string, std::shared_ptr<Job>> _jobs NEB_GUARDED_BY(_mutex);  // by id
-
     // Each member uses those before it.
     std::unique_ptr<MessageWriter> _writer;
     std::unique_ptr<ProgressReports> _progress;
+    std::unique_ptr<Jobs> _jobs;
     std::unique_ptr<OperationQueue> _queue;
     std::unique_ptr<RepositoryScheduler> _scheduler;
 };

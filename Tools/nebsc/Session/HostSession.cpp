@@ -20,6 +20,9 @@ void runOperation(NEBSourceControlOperation& operation, const HostSession::Runne
     run(operation);
     outcome.commands = log->runs();
     outcome.result = operation.result();
+    if (operation.hasRecordSink()) {
+        outcome.recordCount = operation.deliveredRecordCount();
+    }
     outcome.omittedRevisions = operation.omittedRevisions();
     outcome.error = operation.error();
     outcome.outputWasHeldOpen = operation.outputWasHeldOpen();

@@ -1,6 +1,7 @@
 // Outcome.h - everything that one request produced: result, error, commands, reports.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -38,6 +39,9 @@ struct Outcome {
     /// The failed assertions, in order.
     std::vector<LOMAssertionReport> reports;
     std::optional<NEBSourceControlResult> result;
+    /// The number of records that were delivered while the operation ran; they are not part of
+    /// `result`. Absent if none were to be delivered.
+    std::optional<std::size_t> recordCount;
     /// The commits that are missing in the result; see NEBSourceControlOperation.
     std::vector<std::string> omittedRevisions;
     std::optional<NEBSourceControlError> error;

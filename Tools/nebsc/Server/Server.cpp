@@ -32,6 +32,9 @@ constexpr std::size_t readSize = std::size_t{1} << 16;
 constexpr std::size_t mostJobs = 4096;
 constexpr std::size_t mostWaitingBytes = std::size_t{64} << 20;
 constexpr std::chrono::milliseconds pollInterval{20};
+constexpr std::chrono::milliseconds unlimited{-1};
+/// How often the server looks for idle cursors while it has any.
+constexpr std::chrono::milliseconds idleCheckInterval{10000};
 /// How long the server waits at the end for a client that does not read its responses.
 constexpr std::chrono::milliseconds endTimeout{2000};
 /// How long the server waits at the end for the version of git, which "initialize" returns.
@@ -46,7 +49,7 @@ JSON requestTypes() {
 }
 
 JSON capabilities() {
-    return {{"partialResults", true}};
+    return {{"partialResults", true}, {"cursors", {{"max", CursorRequests::mostCursors}}}};
 }
 
 std::string sentenceOfCurrentException() {
@@ -70,6 +73,9 @@ const Server::Method Server::methods[] = {
     {.name = "initialize", .handler = &Server::initialize, .isForAnyState = true},
     {.name = "sourceControl/perform", .handler = &Server::perform},
     {.name = "sourceControl/plan", .handler = &Server::plan},
+    {.name = "sourceControl/open", .handler = &Server::openCursor},
+    {.name = "sourceControl/next", .handler = &Server::nextPage},
+    {.name = "sourceControl/close", .handler = &Server::closeCursor},
     {.name = "$/cancelRequest", .handler = &Server::cancelRequest, .isNotification = true},
     {.name = "shutdown", .handler = &Server::shutDown},
     {.name = "exit", .handler = &Server::exit, .isNotification = true, .isForAnyState = true},
@@ -82,6 +88,7 @@ Server::End Server::run(int input, int output) {
     _jobs = std::make_unique<Jobs>(*_writer, [this] { _wake.wake(); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
     _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
+    _cursors = std::make_unique<CursorRequests>(_session, *_writer, *_progress, *_jobs);
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
@@ -90,6 +97,7 @@ Server::End Server::run(int input, int output) {
         _end = {.isOrderly = false, .failure = sentenceOfCurrentException()};
     }
     _jobs->cancelAll();
+    _cursors.reset();
     _queue->waitUntilAllOperationsAreFinished();
     static_cast<void>(_writer->finish(endTimeout));
     return _end;
@@ -103,8 +111,11 @@ void Server::readFrom(int input) {
             // Polled even while reading is stopped: POLLHUP reports that the client is gone.
             {{.fd = input, .events = static_cast<short>(mayRead ? POLLIN : 0), .revents = 0},
              {.fd = _wake.descriptor(), .events = POLLIN, .revents = 0}}};
-        const int timeout = mayRead ? -1 : static_cast<int>(pollInterval.count());
-        if (::poll(descriptors.data(), descriptors.size(), timeout) < 0) {
+        _cursors->closeIdle();
+        const std::chrono::milliseconds timeout = !mayRead             ? pollInterval
+                                                  : _cursors->hasAny() ? idleCheckInterval
+                                                                       : unlimited;
+        if (::poll(descriptors.data(), descriptors.size(), static_cast<int>(timeout.count())) < 0) {
             continue;  // a signal or no memory: try again
         }
         if (descriptors[1].revents != 0) {
@@ -297,6 +308,18 @@ void Server::cancelRequest(RPCMessage& message) {
         return;
     }
     _jobs->cancel(*key);
+}
+
+void Server::openCursor(RPCMessage& message) {
+    _cursors->open(message);
+}
+
+void Server::nextPage(RPCMessage& message) {
+    _cursors->next(message);
+}
+
+void Server::closeCursor(RPCMessage& message) {
+    _cursors->close(message);
 }
 
 void Server::shutDown(RPCMessage& message) {

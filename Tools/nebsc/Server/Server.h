@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Platform/OperationQueue.h"
+#include "Server/CursorRequests.h"
 #include "Server/Jobs.h"
 #include "Server/MessageDecoder.h"
 #include "Server/MessageWriter.h"
@@ -56,6 +57,9 @@ private:
     void initialize(RPCMessage& message);
     void perform(RPCMessage& message);
     void plan(RPCMessage& message);
+    void openCursor(RPCMessage& message);
+    void nextPage(RPCMessage& message);
+    void closeCursor(RPCMessage& message);
     void cancelRequest(RPCMessage& message);
     void shutDown(RPCMessage& message);
     void exit(RPCMessage& message);
@@ -88,6 +92,7 @@ private:
     std::unique_ptr<Jobs> _jobs;
     std::unique_ptr<OperationQueue> _queue;
     std::unique_ptr<RepositoryScheduler> _scheduler;
+    std::unique_ptr<CursorRequests> _cursors;
 };
 
 }  // namespace neb::nebsc

@@ -1,5 +1,6 @@
 #!/usr/bin/env node
-// client.mjs [FOLDER] - prints the latest commits of the repository that contains FOLDER, through "nebsc serve".
+// client.mjs [FOLDER [SIZE]] - prints the log of the repository that contains FOLDER, through "nebsc serve", in pages
+// of SIZE commits (50).
 import { spawn } from "node:child_process";
 import { resolve } from "node:path";
 
@@ -36,18 +37,24 @@ server.stdout.on("data", (bytes) => {
 });
 
 await call("initialize", {});
-const outcome = await call("sourceControl/perform", {
-    type: 18,  // log
-    sourceTree: { location: resolve(process.argv[2] ?? ".") },
-    options: { NEBSourceControlRequestOptionLogOutputLimit: 20 },
-});
 const key = (name) => `NEBSourceControlOperation${name}Key`;
-for (const commit of outcome.result ?? []) {
-    console.log([commit[key("Revision")], commit[key("Date")], commit[key("Author")],
-                 commit[key("Message")].split("\n")[0]].join("  "));
+let page = await call("sourceControl/open", {
+    request: {
+        type: 18,  // log
+        sourceTree: { location: resolve(process.argv[2] ?? ".") },
+    },
+    pageSize: Number(process.argv[3] ?? 50),
+});
+for (;;) {
+    for (const commit of page.records) {
+        console.log([commit[key("Revision")], commit[key("Date")], commit[key("Author")],
+                     commit[key("Message")].split("\n")[0]].join("  "));
+    }
+    if (!page.cursor) break;
+    page = await call("sourceControl/next", { cursor: page.cursor });
 }
-if (outcome.error) {
-    console.error(`client.mjs: ${outcome.error.localizedDescription}`);
+if (page.outcome.error) {
+    console.error(`client.mjs: ${page.outcome.error.localizedDescription}`);
     process.exitCode = 1;
 }
 await call("shutdown");

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""client.py [FOLDER] - prints the latest commits of the repository that contains FOLDER, through "nebsc serve"."""
+"""client.py [FOLDER [SIZE]] - prints the log of the repository that contains FOLDER, through "nebsc serve", in pages
+of SIZE commits (50)."""
 import json
 import os
 import subprocess
@@ -37,16 +38,22 @@ class Server:
 
 server = Server()
 server.call("initialize", {})
-outcome = server.call("sourceControl/perform", {
-    "type": 18,  # log
-    "sourceTree": {"location": os.path.abspath(*sys.argv[1:2] or ".")},
-    "options": {"NEBSourceControlRequestOptionLogOutputLimit": 20},
+page = server.call("sourceControl/open", {
+    "request": {
+        "type": 18,  # log
+        "sourceTree": {"location": os.path.abspath(*sys.argv[1:2] or ".")},
+    },
+    "pageSize": int((sys.argv[2:3] or ["50"])[0]),
 })
-if outcome["error"]:
-    sys.exit(f"client.py: {outcome['error']['localizedDescription']}")
-for commit in outcome["result"]:
-    print(commit[KEY("Revision")], commit[KEY("Date")], commit[KEY("Author")],
-          commit[KEY("Message")].split("\n")[0], sep="  ")
+while True:
+    for commit in page["records"]:
+        print(commit[KEY("Revision")], commit[KEY("Date")], commit[KEY("Author")],
+              commit[KEY("Message")].split("\n")[0], sep="  ")
+    if not page["cursor"]:
+        break
+    page = server.call("sourceControl/next", {"cursor": page["cursor"]})
+if error := page["outcome"]["error"]:
+    sys.exit(f"client.py: {error['localizedDescription']}")
 server.call("shutdown")
 server.send(method="exit")
 sys.exit(server.process.wait())

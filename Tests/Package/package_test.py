@@ -224,10 +224,14 @@ class Examples(PackageTest):
         self.expect_log(host, LD_LIBRARY_PATH=str(self.prefix / "lib"))
 
     def test_client_in_python(self):
-        self.expect_log(sys.executable, SOURCE / "examples/client.py", PATH=self.path)
+        client = [sys.executable, SOURCE / "examples/client.py"]
+        self.expect_log(*client, PATH=self.path)
+        self.assertEqual(run(*client, self.repository, "2", PATH=self.path), self.log_of_git())
 
     def test_client_in_javascript(self):
-        self.expect_log("node", SOURCE / "examples/client.mjs", PATH=self.path)
+        client = ["node", SOURCE / "examples/client.mjs"]
+        self.expect_log(*client, PATH=self.path)
+        self.assertEqual(run(*client, self.repository, "2", PATH=self.path), self.log_of_git())
 
     def test_package_of_another_major_version_is_not_taken(self):
         (self.folder / "CMakeLists.txt").write_text(

@@ -117,6 +117,9 @@ TEST_F(Cursor, RefusesInvalidParameters) {
     const std::string both =
         "'sourceControl/open' takes the members 'request' and 'pageSize'; both are required.";
     EXPECT_EQ(refusalOf("sourceControl/open", {{"pageSize", 1}}), both);
+    EXPECT_EQ(refusalOf("sourceControl/open", nullptr), both);
+    EXPECT_THAT(refusalOf("sourceControl/open", JSON::array({1})),
+                HasSubstr("is an array; expected an object."));
     EXPECT_EQ(refusalOf("sourceControl/open", {{"request", log()}}), both);
     EXPECT_THAT(refusalOf("sourceControl/open", {{"request", log()}, {"pageSize", 0}}),
                 HasSubstr("'pageSize' is 0; expected an integer from 1 to 10000."));

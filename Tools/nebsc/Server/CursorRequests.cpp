@@ -27,11 +27,6 @@ std::string textOfPage(const NEBSourceControlResult& records, const JSON& cursor
     return text + "}";
 }
 
-std::string wrongValue(std::string_view name, const JSONNode& node, std::string_view expected) {
-    return subjectAt(name) + " is " + std::string(nameOfKind(node.kind)) + "; expected " +
-           std::string(expected) + ".";
-}
-
 std::string sentenceOfUnknown(const std::string& cursor) {
     return "The cursor " + inQuotes(shortened(cursor)) + " is unknown or closed.";
 }
@@ -50,68 +45,6 @@ std::string refusalOfType(std::int32_t type) {
 }
 
 }  // namespace
-
-// ---- parameters -------------------------------------------------------------------------------
-
-/// The params of the three methods.
-struct CursorRequests::Params {
-    std::optional<JSON> progressToken;
-    std::optional<JSONNode> request;
-    std::optional<std::string> cursor;
-    std::optional<std::int64_t> pageSize;
-
-    /// Returns why the member is invalid; empty if it is valid.
-    std::string take(JSONNode& member) {
-        if (member.name == "request") {
-            member.name.clear();
-            request = std::move(member);
-        } else if (member.name == "cursor") {
-            if (member.kind != JSONNode::Kind::string) {
-                return wrongValue("cursor", member, "a string");
-            }
-            cursor = member.text;
-        } else if (member.name == "pageSize") {
-            return takePageSize(member);
-        } else {
-            return subjectAt(shortened(member.name)) +
-                   " is unknown; expected request, cursor or pageSize.";
-        }
-        return {};
-    }
-
-private:
-    std::string takePageSize(const JSONNode& member) {
-        const std::string expected = "an integer from 1 to " + std::to_string(largestPage);
-        if (member.kind == JSONNode::Kind::null) {
-            return {};
-        }
-        if (member.kind != JSONNode::Kind::integer) {
-            return wrongValue("pageSize", member, expected);
-        }
-        if (member.integer < 1 || member.integer > largestPage) {
-            return subjectAt("pageSize") + " is " + std::to_string(member.integer) + "; expected " +
-                   expected + ".";
-        }
-        pageSize = member.integer;
-        return {};
-    }
-};
-
-/// Reads the parameters. Returns false if the message was refused.
-bool CursorRequests::take(RPCMessage& message, Params& params) {
-    ProgressToken token = takeProgressToken(message.params, "workDoneToken");
-    params.progressToken = std::move(token.value);
-    std::string refusal = std::move(token.refusal);
-    for (JSONNode& member : message.params.children) {
-        if (refusal.empty()) {
-            refusal = params.take(member);
-        }
-    }
-    if (!refusal.empty()) {
-        refuse(message, RPCErrorCode::invalidParams, refusal);
-    }
-    return refusal.empty();
-}
 
 // ---- the use of a cursor ----------------------------------------------------------------------
 
@@ -211,18 +144,28 @@ CursorRequests::~CursorRequests() {
     _queue.waitUntilAllOperationsAreFinished();
 }
 
+/// Reads the parameters. Absent if the message was refused.
+std::optional<CursorParams> CursorRequests::take(RPCMessage& message) {
+    CursorParams params = takeCursorParams(message.params);
+    if (!params.refusal.empty()) {
+        refuse(message, RPCErrorCode::invalidParams, params.refusal);
+        return std::nullopt;
+    }
+    return params;
+}
+
 void CursorRequests::open(RPCMessage& message) {
-    Params params;
-    if (!take(message, params)) {
+    auto params = take(message);
+    if (!params) {
         return;
     }
-    if (!params.request || !params.pageSize || params.cursor) {
+    if (!params->request || !params->pageSize || params->cursor) {
         refuse(
             message, RPCErrorCode::invalidParams,
             "'sourceControl/open' takes the members 'request' and 'pageSize'; both are required.");
         return;
     }
-    const RequestReading reading = requestFromJSON(*params.request);
+    const RequestReading reading = requestFromJSON(*params->request);
     const std::string refusal =
         reading.request ? refusalOfType(reading.request->type) : reading.refusal;
     if (!refusal.empty()) {
@@ -237,7 +180,7 @@ void CursorRequests::open(RPCMessage& message) {
         hasRoom = _entries.size() < mostCursors;
         if (hasRoom) {
             _entries[key] = {
-                .cursor = cursor, .pageSize = *params.pageSize, .uses = 0, .lastUse = _now()};
+                .cursor = cursor, .pageSize = *params->pageSize, .uses = 0, .lastUse = _now()};
         }
     }
     if (!hasRoom) {
@@ -246,15 +189,15 @@ void CursorRequests::open(RPCMessage& message) {
                    " cursors are open, which is the limit; close one with 'sourceControl/close'.");
         return;
     }
-    start(message, params, key, cursor, *params.pageSize, true);
+    start(message, *params, key, cursor, *params->pageSize, true);
 }
 
 void CursorRequests::next(RPCMessage& message) {
-    Params params;
-    if (!take(message, params)) {
+    auto params = take(message);
+    if (!params) {
         return;
     }
-    if (!params.cursor || params.request) {
+    if (!params->cursor || params->request) {
         refuse(
             message, RPCErrorCode::invalidParams,
             "'sourceControl/next' takes the members 'cursor', which is required, and 'pageSize'.");
@@ -264,23 +207,23 @@ void CursorRequests::next(RPCMessage& message) {
     std::int64_t pageSize = 0;
     {
         const MutexLock lock(_mutex);
-        const auto entry = _entries.find(*params.cursor);
+        const auto entry = _entries.find(*params->cursor);
         if (entry != _entries.end()) {
             cursor = entry->second.cursor;
-            entry->second.pageSize = params.pageSize.value_or(entry->second.pageSize);
+            entry->second.pageSize = params->pageSize.value_or(entry->second.pageSize);
             pageSize = entry->second.pageSize;
         }
     }
     if (!cursor) {
-        refuse(message, RPCErrorCode::invalidParams, sentenceOfUnknown(*params.cursor));
+        refuse(message, RPCErrorCode::invalidParams, sentenceOfUnknown(*params->cursor));
         return;
     }
-    start(message, params, *params.cursor, cursor, pageSize, false);
+    start(message, *params, *params->cursor, cursor, pageSize, false);
 }
 
-void CursorRequests::start(const RPCMessage& message, const Params& params, const std::string& key,
-                           const std::shared_ptr<Cursor>& cursor, std::int64_t pageSize,
-                           bool isOpen) {
+void CursorRequests::start(const RPCMessage& message, const CursorParams& params,
+                           const std::string& key, const std::shared_ptr<Cursor>& cursor,
+                           std::int64_t pageSize, bool isOpen) {
     const auto use = std::make_shared<Use>(*this, key, !isOpen);
     _jobs.start(*message.id, _scheduler, key,
                 [this, use, cursor, pageSize, token = params.progressToken](Job& job) {
@@ -295,22 +238,22 @@ void CursorRequests::start(const RPCMessage& message, const Params& params, cons
 
 /// The response follows when the processes of the cursor have exited.
 void CursorRequests::close(RPCMessage& message) {
-    Params params;
-    if (!take(message, params)) {
+    auto params = take(message);
+    if (!params) {
         return;
     }
-    if (!params.cursor || params.request || params.pageSize) {
+    if (!params->cursor || params->request || params->pageSize) {
         refuse(message, RPCErrorCode::invalidParams,
                "'sourceControl/close' takes the member 'cursor', which is required.");
         return;
     }
-    const std::shared_ptr<Cursor> cursor = remove(*params.cursor);
+    const std::shared_ptr<Cursor> cursor = remove(*params->cursor);
     if (!cursor) {
-        refuse(message, RPCErrorCode::invalidParams, sentenceOfUnknown(*params.cursor));
+        refuse(message, RPCErrorCode::invalidParams, sentenceOfUnknown(*params->cursor));
         return;
     }
     cursor->cancel();
-    _jobs.start(*message.id, _scheduler, *params.cursor, [cursor](Job& job) {
+    _jobs.start(*message.id, _scheduler, *params->cursor, [cursor](Job& job) {
         cursor->close();
         return rpcResult(job.id(), nullptr);
     });
@@ -341,7 +284,7 @@ bool CursorRequests::hasAny() const {
     return !_entries.empty();
 }
 
-/// Returns the removed cursor; null if there is none.
+/// Removes the entry and returns its cursor; null if the key is unknown.
 std::shared_ptr<Cursor> CursorRequests::remove(const std::string& key) {
     const MutexLock lock(_mutex);
     const auto entry = _entries.find(key);

@@ -18,6 +18,7 @@
 #include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
 #include "Server/Cursor.h"
+#include "Server/CursorParams.h"
 #include "Server/Jobs.h"
 #include "Server/MessageWriter.h"
 #include "Server/ProgressReports.h"
@@ -35,7 +36,6 @@ public:
     using Clock = std::function<Moment()>;
 
     static constexpr std::size_t mostCursors = 64;
-    static constexpr std::int64_t largestPage = 10000;
     static constexpr std::chrono::minutes longestIdleTime{10};
 
     /// All must outlive this object. `now` returns the time, for the age of idle cursors.
@@ -65,10 +65,9 @@ private:
         Moment lastUse;
     };
     class Use;
-    struct Params;
 
-    [[nodiscard]] bool take(RPCMessage& message, Params& params);
-    void start(const RPCMessage& message, const Params& params, const std::string& key,
+    [[nodiscard]] std::optional<CursorParams> take(RPCMessage& message);
+    void start(const RPCMessage& message, const CursorParams& params, const std::string& key,
                const std::shared_ptr<Cursor>& cursor, std::int64_t pageSize, bool isOpen);
     [[nodiscard]] std::shared_ptr<Cursor> remove(const std::string& key);
     void refuse(const RPCMessage& message, RPCErrorCode code, const std::string& sentence);

@@ -1,59 +1,16 @@
 // The cost of the log of a long history compared with git alone: time and peak memory.
-//
-// The history is generated once, in a temporary folder; NEB_BENCHMARK_REPOSITORY names another
-// repository to use instead.
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "GitOperations/GitLog.h"
-#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "LogRepository.h"
 #include "ParseTiming.h"
-#include "Support/GeneratedRepository.h"
 #include "Support/PeakMemory.h"
 
 namespace neb::benchmarks {
 namespace {
-
-std::shared_ptr<NEBSourceControlRequest> logRequest(const std::string& location, bool withFiles) {
-    auto tree = std::make_shared<NEBSourceControlWorkingTree>();
-    tree->location = location;
-    return NEBSourceControlRequest::initWithType(
-        NEBSourceControlRequestLog, tree, std::nullopt,
-        NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, withFiles}});
-}
-
-/// Returns a repository with 100,000 commits.
-class GeneratedHistory {
-public:
-    GeneratedHistory() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "neb-benchmark-XXXXXX").string();
-        _path = ::mkdtemp(pattern.data());
-        importRepository(_path, [](std::ostream& stream) { writeHistory(stream, 100000); });
-    }
-    GeneratedHistory(const GeneratedHistory&) = delete;
-    GeneratedHistory& operator=(const GeneratedHistory&) = delete;
-    ~GeneratedHistory() { std::filesystem::remove_all(_path); }
-
-    [[nodiscard]] const std::string& path() const { return _path; }
-
-private:
-    std::string _path;
-};
-
-const std::string& repository() {
-    static const char* const given = std::getenv("NEB_BENCHMARK_REPOSITORY");
-    if (given != nullptr) {
-        static const std::string path = given;
-        return path;
-    }
-    static const GeneratedHistory generated;
-    return generated.path();
-}
 
 /// Returns the output of git for the operation.
 const Data& printedLog(bool withFiles) {

@@ -138,7 +138,7 @@ test("describes itself", limit, async () => {
         "capabilities", "serverInfo", "contractVersion", "gitVersion", "requestTypes",
     ]);
     const version = execFileSync(nebsc, ["--version"], { encoding: "utf8" });
-    assert.deepEqual(identity.capabilities, {});
+    assert.deepEqual(identity.capabilities, { partialResults: true, cursors: { max: 64 } });
     assert.equal(identity.serverInfo.name, "nebsc");
     assert.equal(version.split("\n")[0], `nebsc ${identity.serverInfo.version}`);
     const contract = fs.readFileSync(
@@ -201,7 +201,7 @@ test("refuses what it does not understand and goes on", limit, async () => {
     await rejectsWith(-32600, server.connection.sendRequest("initialize", {}));
     await rejectsWith(-32601, server.connection.sendRequest("sourceControl/nothing"));
     const unknownMember = server.perform(Type.status, home, undefined, { sourcetree: 1 });
-    await assert.rejects(unknownMember, { code: -32602, message: /"sourcetree"/ });
+    await assert.rejects(unknownMember, { code: -32602, message: /'sourcetree'/ });
     const option = server.perform(Type.log, home, undefined, { startingRevision: "--output=x" });
     await assert.rejects(option, { code: -32602, message: /--output=x/ });
     assert.equal((await server.perform(Type.status, makeRepository())).error, null);
@@ -272,6 +272,34 @@ test("reports the progress of a long operation", limit, async () => {
     assert.deepEqual(values[0], { kind: "begin", title: "status" });
     assert.deepEqual(values[1], { kind: "report", message: "1 s" });
     assert.deepEqual(values.at(-1), { kind: "end" });
+});
+
+test("sends the records of a log while it runs", limit, async () => {
+    const repository = makeRepository();
+    const server = await Server.initialized();
+    const [commit] = (await server.perform(Type.log, repository)).result;
+    const values = [];
+    server.connection.onProgress(new rpc.ProgressType(), "records", (value) => values.push(value));
+    const outcome = await server.perform(Type.log, repository, undefined, { partialResultToken: "records" });
+    assert.deepEqual(values, [{ records: [commit] }]);
+    assert.deepEqual(outcome.result, []);
+    assert.equal(outcome.recordCount, 1);
+});
+
+test("returns a log in pages", limit, async () => {
+    const repository = makeRepository();
+    git(repository, "commit", "--quiet", "--allow-empty", "--message", "Second");
+    const server = await Server.initialized();
+    const { result } = await server.perform(Type.log, repository);
+    const request = { type: Type.log, sourceTree: { location: repository } };
+    const first = await server.connection.sendRequest("sourceControl/open", { request, pageSize: 1 });
+    assert.deepEqual(first, { records: [result[0]], cursor: first.cursor });
+    const { cursor } = first;
+    const next = await server.connection.sendRequest("sourceControl/next", { cursor, pageSize: 2 });
+    assert.deepEqual(next.records, [result[1]]);
+    assert.equal(next.cursor, null);
+    assert.equal(next.outcome.error, null);
+    await rejectsWith(-32602, server.connection.sendRequest("sourceControl/next", { cursor }));
 });
 
 // ---- the end -----------------------------------------------------------------------------------

@@ -48,7 +48,7 @@ std::string take(JSONNode& member, CursorParams& params) {
     }
     if (member.name != "request") {
         return subjectAt(shortened(member.name)) +
-               " is unknown; expected request, cursor or pageSize.";
+               " is unknown; expected one of request, cursor, pageSize.";
     }
     member.name.clear();
     params.request = std::move(member);

@@ -71,14 +71,18 @@ public:
 #endif
     }
 
-    void setDefaultSignals(const std::vector<int>& signalNumbers) {
-        sigset_t signals;
-        ::sigemptyset(&signals);
+    void setSignals(const std::vector<int>& signalNumbers, bool hasEmptyMask) {
+        sigset_t none;
+        ::sigemptyset(&none);
+        sigset_t signals = none;
         for (const int signalNumber : signalNumbers) {
             ::sigaddset(&signals, signalNumber);
         }
         keep(::posix_spawnattr_setsigdefault(&_attributes, &signals));
-        keep(::posix_spawnattr_setflags(&_attributes, POSIX_SPAWN_SETSIGDEF));
+        keep(::posix_spawnattr_setsigmask(&_attributes, &none));
+        constexpr short flags = POSIX_SPAWN_SETSIGDEF;
+        keep(::posix_spawnattr_setflags(&_attributes,
+                                        hasEmptyMask ? flags | POSIX_SPAWN_SETSIGMASK : flags));
     }
 
     /// Returns 0 or the first error.
@@ -183,7 +187,7 @@ SpawnedChild spawnChild(const ChildLaunch& launch, const SpawnOptions& options) 
     if (options.isIsolated) {
         parameters.isolate();
     } else {
-        parameters.setDefaultSignals(options.defaultSignals);
+        parameters.setSignals(options.defaultSignals, options.hasEmptySignalMask);
     }
 
     std::vector<std::string> arguments{launch.launchPath};

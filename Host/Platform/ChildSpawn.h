@@ -51,6 +51,8 @@ struct SpawnOptions {
     /// Signals that have the default disposition in a child that is not isolated. The child
     /// inherits from the caller whether the other signals are ignored.
     std::vector<int> defaultSignals = {};
+    /// Starts a child that is not isolated with an empty signal mask, not with that of the caller.
+    bool hasEmptySignalMask = false;
 };
 
 /// A started child, or the reason why it was not started.

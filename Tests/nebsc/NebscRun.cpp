@@ -1,8 +1,11 @@
 #include "nebsc/NebscRun.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,7 +28,7 @@ int openTerminal() {
     return master;
 }
 
-std::string readTerminal(int master) {
+std::string readToEnd(int master) {
     std::string bytes;
     char buffer[4096];
     ssize_t count = 0;
@@ -100,6 +103,7 @@ Nebsc::Nebsc(const std::string& program, const std::vector<std::string>& argumen
     _pid = startProgram(
         args, environmentWith(surroundings.variables), options,
         surroundings.folder.empty() ? std::nullopt : std::optional(surroundings.folder));
+    _pipe.writeEnd.close();
 }
 
 ChildStream Nebsc::outputStream(const NebscSurroundings& surroundings) {
@@ -110,6 +114,9 @@ ChildStream Nebsc::outputStream(const NebscSurroundings& surroundings) {
             return ChildStream::file("/dev/full", writing);
         case NebscOutput::collected:
             return ChildStream::file(_files.path("output"), writing);
+        case NebscOutput::pipe:
+            EXPECT_EQ(openPipe(_pipe, PipeSize::ordinary), 0);
+            return ChildStream::copyOf(_pipe.writeEnd.get());
         case NebscOutput::terminal:
             break;
     }
@@ -147,18 +154,42 @@ std::string Nebsc::awaitErrors(std::string_view text) {
     return bytes;
 }
 
+std::string Nebsc::awaitLine() const {
+    constexpr int aMinute = 60'000;
+    std::string line;
+    pollfd readable{.fd = _pipe.readEnd.get(), .events = POLLIN, .revents = 0};
+    for (char byte = 0; ::poll(&readable, 1, aMinute) == 1 && ::read(readable.fd, &byte, 1) == 1 &&
+                        byte != '\n';) {
+        line += byte;
+    }
+    return line;
+}
+
+int Nebsc::exitStatusWithoutReading() {
+    const Pipe unread = std::exchange(_pipe, {});
+    return outcome().exitStatus;
+}
+
+void Nebsc::stopReading() {
+    _pipe.readEnd.close();
+}
+
 void Nebsc::send(int signalNumber) const {
     ::kill(_pid, signalNumber);
 }
 
 NebscOutcome Nebsc::outcome() {
+    std::string output = _pipe.readEnd.isOpen() ? readToEnd(_pipe.readEnd.get()) : "";
     int status = 0;
-    while (::waitpid(_pid, &status, 0) < 0 && errno == EINTR) {
+    rusage usage{};
+    while (::wait4(_pid, &status, 0, &usage) < 0 && errno == EINTR) {
     }
     _pid = -1;
-    return {.output = _terminal >= 0 ? readTerminal(_terminal) : _files.read("output"),
-            .errors = _errorTerminal >= 0 ? readTerminal(_errorTerminal) : _files.read("errors"),
-            .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+    output += _terminal >= 0 ? readToEnd(_terminal) : _files.read("output");
+    return {.output = std::move(output),
+            .errors = _errorTerminal >= 0 ? readToEnd(_errorTerminal) : _files.read("errors"),
+            .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+            .peakKiB = usage.ru_maxrss};
 }
 
 NebscOutcome runNebsc(const std::vector<std::string>& arguments,

@@ -12,13 +12,14 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/FileDescriptor.h"
 #include "Support/ProgramStart.h"
 #include "Support/TemporaryFolder.h"
 
 namespace neb::test {
 
 /// The kind of standard output that the program gets.
-enum class NebscOutput { collected, closed, full, terminal };
+enum class NebscOutput { collected, closed, full, terminal, pipe };
 
 struct NebscSurroundings {
     /// The working directory; empty for that of the test.
@@ -44,6 +45,8 @@ struct NebscOutcome {
     std::string errors;
     /// -1 if a signal ended the program.
     int exitStatus = -1;
+    /// The most memory that it had, or that the test had when it started the program.
+    long peakKiB = 0;
 
     /// Returns the output as JSON. The output must be one line with its newline.
     [[nodiscard]] nlohmann::ordered_json json() const;
@@ -66,6 +69,13 @@ public:
     /// Waits until the text appears on the terminal for errors. Returns its output since the last
     /// call.
     std::string awaitErrors(std::string_view text);
+    /// Waits for the next line on the pipe, and returns it without its end; empty after a minute or
+    /// at the end of the output.
+    [[nodiscard]] std::string awaitLine() const;
+    /// Closes the read end of the pipe.
+    void stopReading();
+    /// Waits for the end of the program, and reads nothing until then.
+    [[nodiscard]] int exitStatusWithoutReading();
     /// Waits for the end of the program.
     [[nodiscard]] NebscOutcome outcome();
 
@@ -75,6 +85,7 @@ private:
     TemporaryFolder _files;
     pid_t _pid = -1;
     int _terminal = -1;
+    Pipe _pipe;
     int _errorTerminal = -1;
 };
 

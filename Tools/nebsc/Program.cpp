@@ -86,7 +86,9 @@ CommandOutput outputOfCurrentException(const ParsedCommandLine& commandLine) {
     if (commandLine.arguments.has(jsonOption) || commandLine.command() == &requestCommand) {
         Outcome outcome;
         outcome.error = output.error;
-        output.standardOutput = textOfOutcome(outcome) + "\n";
+        output.standardOutput = commandLine.arguments.has(streamOption)
+                                    ? lineOfStreamedOutcome(outcome)
+                                    : textOfOutcome(outcome) + "\n";
         output.standardError.clear();
     }
     return output;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <future>
 #include <new>
+#include <utility>
 
 #include "CommandFrame/BrokenReference.h"
 #include "JSON/OutcomeJSON.h"
@@ -48,6 +49,9 @@ CommandOutput CommandTask::run() {
         output.standardOutput.clear();
     }
     noteInterruption(output, signalNumber);
+    if (_streamedOutput) {
+        _streamedOutput->finish(output);
+    }
     return output;
 }
 
@@ -62,6 +66,9 @@ CommandOutput CommandTask::runSteps() {
     RequestResult result = early ? std::move(*early) : perform();
     rejectRefusedValue(result);
     Outcome& outcome = *result.outcome;
+    if (_streamedOutput && takeEndOfOutput(*_streamedOutput, outcome)) {
+        return {};
+    }
     if (outcome.error ? finishesAfter(*outcome.error) : lastExitStatus(outcome) == 0) {
         finish(outcome);
     }
@@ -86,9 +93,14 @@ std::optional<RequestResult> CommandTask::locateAndPerform() {
     // Without a thread, locate() runs when its result is needed.
     std::future<WorkingCopyLocation> location =
         std::async(std::launch::async | std::launch::deferred, [this] { return locate(); });
+    _confirmsLocation = [&] {
+        if (location.valid()) {
+            _git.setWorkingCopy(location.get());
+        }
+        return workingCopy().isWorkingCopy && workingCopy().location == *top;
+    };
     std::optional<RequestResult> result = perform();
-    _git.setWorkingCopy(location.get());
-    if (!workingCopy().isWorkingCopy || workingCopy().location != *top) {
+    if (!std::exchange(_confirmsLocation, nullptr)()) {
         result.reset();
     }
     return result;
@@ -240,6 +252,10 @@ std::optional<std::string> CommandTask::pagerFor(std::string_view text) const {
     if (!_call.command.isPaged || isJSON() || !needsPager(STDOUT_FILENO, text)) {
         return std::nullopt;
     }
+    return chosenPager();
+}
+
+std::optional<std::string> CommandTask::chosenPager() const {
     // The variable overrides the setting.
     const bool hasVariable = std::getenv("GIT_PAGER") != nullptr;
     return pagerOfUser(hasVariable ? std::nullopt
@@ -282,6 +298,29 @@ RequestResult CommandTask::performRequest(
         _git.forgetRevisions();
     }
     return result;
+}
+
+RequestResult CommandTask::performStreamed(
+    const std::shared_ptr<NEBSourceControlRequest>& request) {
+    if (isJSON()) {
+        return performRequest(request);
+    }
+    _streamedOutput.emplace(_call.command.isPaged ? [this] { return chosenPager(); }
+                                                  : StreamedOutput::PagerChoice());
+    return _call.session.perform(
+        request, streamingRunner(interruptibleRunner(_interruption, *_progress), _interruption,
+                                 *_streamedOutput, [this](const NEBSourceControlResult& records) {
+                                     return textOfArrived(records);
+                                 }));
+}
+
+std::optional<std::string> CommandTask::textOfArrived(const NEBSourceControlResult& records) {
+    if (_confirmsLocation && !_confirmsLocation()) {
+        return std::nullopt;
+    }
+    std::string text = textOfResult(records);
+    _progress->end();
+    return text;
 }
 
 RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {

@@ -21,6 +21,7 @@
 // reports errors, broken preconditions and signals.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -36,6 +37,7 @@
 #include "Session/Interruption.h"
 #include "Session/Paths.h"
 #include "Terminal/ProgressIndicator.h"
+#include "Terminal/StreamedOutput.h"
 
 namespace neb::nebsc {
 
@@ -66,8 +68,8 @@ protected:
     /// Returns what locate() finds out besides the location, so that validate() need not ask.
     [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
     /// Returns whether perform() may run at the same time as locate(), where the working copy
-    /// probably is. Only if it changes and prints nothing, and does not depend on validate(). It
-    /// runs again if the working copy is elsewhere.
+    /// probably is. Only if it changes nothing, prints with performStreamed() at most, and does not
+    /// depend on validate(). It runs again if the working copy is elsewhere.
     [[nodiscard]] virtual bool canRunBesideLocate() const { return false; }
     /// Returns the output of a command that ends here; absent if it goes on. Throws a UsageError if
     /// the arguments are invalid.
@@ -78,7 +80,7 @@ protected:
     /// Does what belongs to the command and git does not do. May change the outcome.
     virtual void finish(Outcome& /*outcome*/) {}
     /// Returns the records as text for a person; lines with their ends. An error may accompany
-    /// them.
+    /// them. Called once for each batch of records that performStreamed() gets.
     [[nodiscard]] virtual std::string textOfResult(const NEBSourceControlResult& result);
     /// Does and reports what is left to do after a success.
     virtual void report(const Outcome& outcome, CommandOutput& output);
@@ -142,6 +144,10 @@ protected:
     [[nodiscard]] RequestResult performRequest(
         const std::shared_ptr<NEBSourceControlRequest>& request,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
+    /// Carries out the command's request, and prints textOfResult() as the records arrive, unless
+    /// the command prints JSON. The result of the outcome is empty then.
+    [[nodiscard]] RequestResult performStreamed(
+        const std::shared_ptr<NEBSourceControlRequest>& request);
     /// Runs an operation of the command's own.
     [[nodiscard]] RequestResult performOperation(NEBSourceControlOperation& operation);
     /// Carries out, in validate(), a request that the command's own depends on. Returns the output
@@ -170,13 +176,22 @@ private:
     /// Returns the values of all arguments.
     [[nodiscard]] std::vector<std::string> names() const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text) const;
+    [[nodiscard]] std::optional<std::string> chosenPager() const;
+    /// Returns the text of records that performStreamed() gets; absent if the working copy turns
+    /// out to be elsewhere.
+    [[nodiscard]] std::optional<std::string> textOfArrived(const NEBSourceControlResult& records);
 
     const CommandCall& _call;
     const bool _isInColour;
     Interruption _interruption;
     /// Present until there is something to print.
     std::optional<ProgressIndicator> _progress;
+    /// Present if records are printed as they arrive.
+    std::optional<StreamedOutput> _streamedOutput;
     GitQueries _git{_interruption, _call.session.trace()};
+    /// Waits for locate() and returns whether the working copy is where perform() runs; empty
+    /// unless perform() runs at the same time.
+    std::function<bool()> _confirmsLocation;
     std::map<std::string, std::vector<std::string>, std::less<>> _paths;
 };
 

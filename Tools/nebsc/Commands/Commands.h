@@ -73,6 +73,8 @@ extern const Command subversionCommand;
 // ---- requests
 /// Runs a request in JSON and prints its outcome.
 extern const Command requestCommand;
+/// The option of that command that prints each record as it arrives.
+inline constexpr std::string_view streamOption = "--stream";
 /// Runs requests for a client over JSON-RPC.
 extern const Command serveCommand;
 /// Lists the request types and what each needs.

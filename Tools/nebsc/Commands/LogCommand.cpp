@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/CommandTask.h"
@@ -54,13 +55,14 @@ protected:
     bool canRunBesideLocate() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override { return performStreamed(makeRequest()); }
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfBranch();
     [[nodiscard]] std::string revisionColumn(const NEBDictionary& record) const;
-    [[nodiscard]] std::string lineOf(const NEBDictionary& record, std::size_t authorColumns) const;
+    [[nodiscard]] std::string lineOf(const NEBDictionary& record);
     [[nodiscard]] std::string blockOf(const NEBDictionary& record) const;
     [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
 
@@ -68,6 +70,9 @@ private:
     /// The revision that --branch stands for; empty without the option.
     std::string _branch;
     bool _isColoured = false;
+    bool _isFirstBlock = true;
+    /// The width of the widest author so far.
+    std::size_t _authorColumns = 0;
 };
 
 RepositoryQuestions LogTask::questions() const {
@@ -152,9 +157,13 @@ std::string LogTask::revisionColumn(const NEBDictionary& record) const {
     return _isColoured ? coloured(revision, Colour::yellow) : revision;
 }
 
-std::string LogTask::lineOf(const NEBDictionary& record, std::size_t authorColumns) const {
-    const std::string author =
-        paddedTo(authorColumns, printable(record.text(NEBSourceControlOperationAuthorKey)));
+/// The column of the authors grows with the records, as a line cannot wait for those that follow.
+std::string LogTask::lineOf(const NEBDictionary& record) {
+    // Only the line of a longer name is out of line.
+    constexpr std::size_t widestAuthorColumn = 20;
+    std::string author = printable(record.text(NEBSourceControlOperationAuthorKey));
+    _authorColumns = std::max(_authorColumns, std::min(columnsOf(author), widestAuthorColumn));
+    author = paddedTo(_authorColumns, author);
     const auto date = record.value(NEBSourceControlOperationDateKey).date();
     const std::string middle = "  " + (date ? localMinute(*date) : "") + "  " + author + "  ";
     const std::size_t columns =
@@ -205,27 +214,18 @@ std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
     std::string all;
     if (arguments().has("--full")) {
         for (const NEBDictionary& record : records) {
-            all.append(all.empty() ? "" : "\n").append(blockOf(record));
+            all.append(std::exchange(_isFirstBlock, false) ? "" : "\n").append(blockOf(record));
         }
         return all;
     }
-    // Only the line of a longer name is out of line.
-    constexpr std::size_t widestAuthorColumn = 20;
-    std::size_t authorColumns = 0;
     for (const NEBDictionary& record : records) {
-        authorColumns = std::max(
-            authorColumns, columnsOf(printable(record.text(NEBSourceControlOperationAuthorKey))));
-    }
-    authorColumns = std::min(authorColumns, widestAuthorColumn);
-    for (const NEBDictionary& record : records) {
-        all += lineOf(record, authorColumns);
+        all += lineOf(record);
     }
     return all;
 }
 
 void LogTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (!isJSON() && outcome.result && outcome.result->empty() &&
-        outcome.omittedRevisions.empty()) {
+    if (outcome.recordCount == 0U && outcome.result && outcome.omittedRevisions.empty()) {
         output.standardError += "No matching commits.\n";
     }
 }

@@ -9,6 +9,27 @@ namespace neb::nebsc {
 
 namespace {
 
+std::string linesOfRecords(const NEBSourceControlResult& records) {
+    std::string lines;
+    for (const NEBDictionary& record : records) {
+        lines.append(R"({"record":)").append(textOfRecord(record)).append("}\n");
+    }
+    return lines;
+}
+
+CommandOutput outputFor(const CommandCall& call, Outcome& outcome) {
+    CommandOutput output;
+    const bool isStreamed = call.arguments.has(streamOption);
+    output.standardOutput = writtenOutcome(outcome, [isStreamed](const Outcome& written) {
+        return isStreamed ? lineOfStreamedOutcome(written) : textOfOutcome(written) + "\n";
+    });
+    output.exitStatus = outcome.error ? exitFailed : exitDone;
+    noteOmittedRevisions(output, outcome);
+    noteLeftFolder(output, outcome);
+    noteHeldOutput(output, outcome);
+    return output;
+}
+
 CommandOutput run(const CommandCall& call) {
     const InputReading input =
         readInput(call.arguments.value("FILE").value_or("-"), longestJSONText);
@@ -23,30 +44,35 @@ CommandOutput run(const CommandCall& call) {
     Interruption interruption;
     std::optional<ProgressIndicator> progress(std::in_place, call.command.activity,
                                               !call.session.trace().isOn());
-    const auto runner = call.arguments.has("--dry-run")
-                            ? HostSession::Runner()
-                            : interruptibleRunner(interruption, *progress);
-    RequestResult requestResult = call.session.perform(reading.request, runner);
+    StreamedOutput streamedOutput;
+    auto runner = interruptibleRunner(interruption, *progress);
+    if (call.arguments.has(streamOption)) {
+        runner = streamingRunner(std::move(runner), interruption, streamedOutput,
+                                 [&progress](const NEBSourceControlResult& records) {
+                                     progress->end();
+                                     return linesOfRecords(records);
+                                 });
+    }
+    RequestResult requestResult = call.session.perform(
+        reading.request, call.arguments.has("--dry-run") ? HostSession::Runner() : runner);
     progress.reset();
     // No child runs any more: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = requestResult.refusedValue) {
         return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
     }
-    Outcome& outcome = *requestResult.outcome;
     CommandOutput output;
-    output.standardOutput = writtenOutcome(
-        outcome, [](const Outcome& written) { return textOfOutcome(written) + "\n"; });
-    output.exitStatus = outcome.error ? exitFailed : exitDone;
-    noteOmittedRevisions(output, outcome);
-    noteLeftFolder(output, outcome);
-    noteHeldOutput(output, outcome);
+    if (!takeEndOfOutput(streamedOutput, *requestResult.outcome)) {
+        output = outputFor(call, *requestResult.outcome);
+    }
     noteInterruption(output, signalNumber);
+    streamedOutput.finish(output);
     return output;
 }
 
 constexpr Parameter parameters[] = {
     {"FILE", "The file with the request; default, and for -: standard input", Takes::pathAsWritten},
+    {streamOption, "Print each record on a line of its own as it arrives, then the outcome"},
     {"--dry-run", "Create the operation, but do not run it"},
 };
 
@@ -59,6 +85,7 @@ constinit const Command requestCommand{
     .details =
         "Examples:\n"
         "  echo '{\"type\": 15, \"sourceTree\": {\"location\": \"/path\"}}' | nebsc request\n"
+        "  nebsc request --stream log.json     one commit per line, while git runs\n"
         "  nebsc request --dry-run log.json    show what it would run\n",
     .parameters = parameters,
     .activity = "Running",

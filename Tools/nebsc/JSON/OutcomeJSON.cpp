@@ -165,6 +165,16 @@ JSON membersFromErrorOn(const Outcome& outcome) {
 
 }  // namespace
 
+std::string lineOfStreamedOutcome(const Outcome& outcome) {
+    return R"({"outcome":)" + textOfOutcome(outcome) + "}\n";
+}
+
+std::string textOfRecord(const NEBDictionary& record) {
+    std::string text;
+    append(text, record);
+    return text;
+}
+
 std::string textOfRecords(const NEBSourceControlResult& records) {
     std::string text = "[";
     for (const NEBDictionary& record : records) {

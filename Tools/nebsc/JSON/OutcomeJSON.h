@@ -42,6 +42,14 @@ namespace neb::nebsc {
 /// U+FFFD. Throws std::bad_alloc if memory runs out.
 [[nodiscard]] std::string textOfOutcome(const Outcome& outcome);
 
+/// Returns the line {"outcome": …} that follows the records of a streamed request, with its end.
+/// Throws std::bad_alloc if memory runs out.
+[[nodiscard]] std::string lineOfStreamedOutcome(const Outcome& outcome);
+
+/// Returns the record as a JSON object, as in the member "result". Throws std::bad_alloc if memory
+/// runs out.
+[[nodiscard]] std::string textOfRecord(const NEBDictionary& record);
+
 /// Returns the records as a JSON array, as in the member "result". Throws std::bad_alloc if memory
 /// runs out.
 [[nodiscard]] std::string textOfRecords(const NEBSourceControlResult& records);

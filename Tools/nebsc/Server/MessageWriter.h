@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "Platform/Mutex.h"
-#include "Server/Wake.h"
+#include "Platform/Wake.h"
 
 namespace neb::nebsc {
 

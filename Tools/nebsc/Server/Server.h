@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Platform/OperationQueue.h"
+#include "Platform/Wake.h"
 #include "Server/CursorRequests.h"
 #include "Server/Jobs.h"
 #include "Server/MessageDecoder.h"
@@ -17,7 +18,6 @@
 #include "Server/ProgressReports.h"
 #include "Server/RPCMessage.h"
 #include "Server/RepositoryScheduler.h"
-#include "Server/Wake.h"
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
 

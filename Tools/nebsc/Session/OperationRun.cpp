@@ -2,6 +2,9 @@
 
 #include <string.h>
 
+#include <utility>
+
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/PackReceiveProgress.h"
@@ -38,6 +41,32 @@ HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndi
         const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
         operation.start();
     };
+}
+
+HostSession::Runner streamingRunner(HostSession::Runner run, Interruption& interruption,
+                                    StreamedOutput& output, RecordText textOf) {
+    return [run = std::move(run), &interruption, &output,
+            textOf = std::move(textOf)](NEBSourceControlOperation& operation) {
+        operation.setRecordSink([&](const NEBSourceControlResult& records) {
+            const std::optional<std::string> text = textOf(records);
+            if (!text || !output.write(*text)) {
+                cancelOperation(operation);
+            }
+        });
+        const StreamedOutput::Reader reader(output, [&operation] { cancelOperation(operation); });
+        const Interruption::Work work(interruption, [&output] { output.stop(); });
+        run(operation);
+    };
+}
+
+bool takeEndOfOutput(const StreamedOutput& output, Outcome& outcome) {
+    const bool isCancelled =
+        outcome.error && outcome.error->errorClass == NEBSourceControlCancelledErrorClass;
+    if ((!output.hasLostReader() && !output.hasFailed()) || (outcome.error && !isCancelled)) {
+        return false;
+    }
+    outcome.error.reset();
+    return true;
 }
 
 void noteReports(CommandOutput& output, const Outcome& outcome) {

@@ -2,10 +2,15 @@
 // warnings.
 #pragma once
 
+#include <functional>
+#include <optional>
+#include <string>
+
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
 #include "Terminal/CommandOutput.h"
 #include "Terminal/ProgressIndicator.h"
+#include "Terminal/StreamedOutput.h"
 
 namespace neb::nebsc {
 
@@ -18,6 +23,20 @@ void cancelOperation(NEBSourceControlOperation& operation);
 /// must outlive the function.
 [[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption,
                                                       ProgressIndicator& indicator);
+
+/// Returns the text of records, lines with their ends; absent to cancel the operation.
+using RecordText = std::function<std::optional<std::string>(const NEBSourceControlResult&)>;
+
+/// Returns a function that runs an operation with `run`, and writes the text of its records as they
+/// arrive. Cancels the operation when no more text is wanted. All references must outlive the
+/// function.
+[[nodiscard]] HostSession::Runner streamingRunner(HostSession::Runner run,
+                                                  Interruption& interruption,
+                                                  StreamedOutput& output, RecordText textOf);
+
+/// Returns whether the operation ended early, or may have, because its records could not be
+/// written. Removes the error of that cancellation from the outcome.
+[[nodiscard]] bool takeEndOfOutput(const StreamedOutput& output, Outcome& outcome);
 
 /// Adds a warning for each failed assertion.
 void noteReports(CommandOutput& output, const Outcome& outcome);

@@ -2,17 +2,14 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
 #include "Terminal/ErrorText.h"
-#include "Terminal/Pager.h"
 #include "Terminal/PrintableText.h"
+#include "Terminal/StreamedOutput.h"
 
 namespace neb::nebsc {
 
@@ -56,24 +53,15 @@ void addFailure(CommandOutput& output, const CommandOutput& failure) {
 }
 
 int deliver(const CommandOutput& output) {
-    int exitStatus = output.exitStatus;
-    std::string errorText = output.standardError;
-    bool isShown = false;
-    if (output.pager && !output.standardOutput.empty()) {
-        isShown = showThroughPager(*output.pager, output.standardOutput);
-        errorText += isShown ? ""
-                             : complaint("The pager " + inQuotes(*output.pager) +
-                                         " could not be started; the output is shown without it.");
-    }
-    const std::string_view remaining = isShown ? std::string_view{} : output.standardOutput;
-    if (const int failure = writeAll(STDOUT_FILENO, remaining); failure != 0) {
-        errorText +=
-            complaint("Standard output could not be written: " + textOfErrno(failure) + ".");
-        exitStatus = std::max(exitStatus, exitFailed);
-    }
+    CommandOutput written{.standardOutput = {},
+                          .standardError = output.standardError,
+                          .exitStatus = output.exitStatus};
+    StreamedOutput standardOutput([&output] { return output.pager; });
+    static_cast<void>(standardOutput.write(output.standardOutput));
+    standardOutput.finish(written);
     // There is nowhere to report a failure of this write.
-    static_cast<void>(writeAll(STDERR_FILENO, errorText));
-    return exitStatus;
+    static_cast<void>(writeAll(STDERR_FILENO, written.standardError));
+    return written.exitStatus;
 }
 
 }  // namespace neb::nebsc

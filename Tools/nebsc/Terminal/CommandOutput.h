@@ -44,7 +44,7 @@ void addFailure(CommandOutput& output, const CommandOutput& failure);
 
 /// Writes the output, standard output first. Returns the exit status. A failure to write to
 /// standard output is reported on standard error and changes a successful exit status to
-/// exitFailed.
+/// exitFailed; that the reader has ended, such as head(1), is no failure.
 [[nodiscard]] int deliver(const CommandOutput& output);
 
 }  // namespace neb::nebsc

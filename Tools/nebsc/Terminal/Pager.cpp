@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
@@ -73,53 +74,16 @@ std::vector<std::string> environmentOfPager() {
     return environment;
 }
 
-/// Ignores signals while a pager runs: Ctrl-C is meant for the pager, and a pager that the user
-/// quits early closes its end of the pipe.
-class IgnoredSignals {
-public:
-    IgnoredSignals() {
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            ::sigaction(signals[i], &ignore, &_formerActions[i]);
+/// Returns which of the signals have their default action or a handler.
+std::vector<int> notIgnored(const std::vector<int>& signals) {
+    std::vector<int> others;
+    for (const int signalNumber : signals) {
+        struct sigaction action {};
+        if (::sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+            others.push_back(signalNumber);
         }
     }
-    IgnoredSignals(const IgnoredSignals&) = delete;
-    IgnoredSignals& operator=(const IgnoredSignals&) = delete;
-    ~IgnoredSignals() {
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            ::sigaction(signals[i], &_formerActions[i], nullptr);
-        }
-    }
-
-    /// Returns the signals that were not ignored before; the pager gets their default action.
-    [[nodiscard]] std::vector<int> toRestore() const {
-        std::vector<int> restored;
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            if (_formerActions[i].sa_handler != SIG_IGN) {
-                restored.push_back(signals[i]);
-            }
-        }
-        return restored;
-    }
-
-private:
-    static constexpr std::array signals{SIGINT, SIGQUIT, SIGPIPE};
-
-    std::array<struct sigaction, signals.size()> _formerActions{};
-};
-
-/// Returns the process identifier; absent if the shell cannot be started.
-std::optional<pid_t> startPager(const std::string& pager, const Pipe& pipe,
-                                const IgnoredSignals& signals) {
-    const ChildLaunch launch{.launchPath = "/bin/sh",
-                             .arguments = {"-c", pager},
-                             .currentDirectoryPath = std::nullopt,
-                             .environment = environmentOfPager()};
-    const SpawnedChild child =
-        spawnChild(launch, {.standardInput = ChildStream::copyOf(pipe.readEnd.get()),
-                            .defaultSignals = signals.toRestore()});
-    return child.pid < 0 ? std::nullopt : std::optional(child.pid);
+    return others;
 }
 
 /// Waits for the pager. Returns whether the shell found the program and could run it.
@@ -138,8 +102,12 @@ bool hasRun(pid_t pager) {
 
 }  // namespace
 
+bool canHavePager(int descriptor) {
+    return ::isatty(descriptor) == 1 && variable("TERM") != "dumb";
+}
+
 bool needsPager(int descriptor, std::string_view text) {
-    if (::isatty(descriptor) != 1 || variable("TERM") == "dumb") {
+    if (!canHavePager(descriptor)) {
         return false;
     }
     const winsize size = sizeOfTerminal(descriptor);
@@ -161,21 +129,39 @@ std::optional<std::string> pagerOfUser(const std::optional<std::string>& configu
     return pager->empty() || *pager == "cat" ? std::nullopt : pager;
 }
 
-bool showThroughPager(const std::string& pager, std::string_view text) {
+Pager::Pager(const std::string& command)
+    : _restoredSignals(notIgnored(defaultSignals())), _ignoredSignals(defaultSignals()) {
     Pipe pipe;
     if (openPipe(pipe, PipeSize::ordinary) != 0) {
-        return false;
+        return;
     }
-    const IgnoredSignals signals;
-    const auto process = startPager(pager, pipe, signals);
-    if (!process) {
-        return false;
+    const ChildLaunch launch{.launchPath = "/bin/sh",
+                             .arguments = {"-c", command},
+                             .currentDirectoryPath = std::nullopt,
+                             .environment = environmentOfPager()};
+    _process = spawnChild(launch, {.standardInput = ChildStream::copyOf(pipe.readEnd.get()),
+                                   .defaultSignals = _restoredSignals,
+                                   .hasEmptySignalMask = true})
+                   .pid;
+    if (_process >= 0) {
+        _input = std::move(pipe.writeEnd);
     }
-    pipe.readEnd.close();
-    // A failure means that the user has quit the pager.
-    static_cast<void>(writeAll(pipe.writeEnd.get(), text));
-    pipe.writeEnd.close();
-    return hasRun(*process);
+}
+
+bool Pager::waitForEnd() {
+    _input.close();
+    return waitForProcess();
+}
+
+bool Pager::waitForProcess() {
+    if (_process >= 0) {
+        _hasRun = hasRun(std::exchange(_process, -1));
+    }
+    return _hasRun;
+}
+
+std::vector<int> Pager::defaultSignals() {
+    return {SIGINT, SIGQUIT, SIGPIPE};
 }
 
 }  // namespace neb::nebsc

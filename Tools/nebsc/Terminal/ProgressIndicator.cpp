@@ -28,6 +28,10 @@ ProgressIndicator::ProgressIndicator(std::string_view activity, bool isWanted)
 }
 
 ProgressIndicator::~ProgressIndicator() {
+    end();
+}
+
+void ProgressIndicator::end() {
     if (!_thread.joinable()) {
         return;
     }

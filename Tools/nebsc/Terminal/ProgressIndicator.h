@@ -26,8 +26,11 @@ public:
     ProgressIndicator(std::string_view activity, bool isWanted);
     ProgressIndicator(const ProgressIndicator&) = delete;
     ProgressIndicator& operator=(const ProgressIndicator&) = delete;
-    /// Erases the line.
+    /// Calls end().
     ~ProgressIndicator();
+
+    /// Erases the line, and writes no other. Can be called repeatedly.
+    void end();
 
     /// Adds the number of received bytes to the line while the object exists. Only one object may
     /// exist at a time.

@@ -6,7 +6,7 @@
 #include "Platform/FileDescriptor.h"
 #include "Platform/Mutex.h"
 
-namespace neb::nebsc {
+namespace neb {
 
 /// A pipe that becomes readable once wake() is called. Thread-safe.
 class Wake {
@@ -34,4 +34,4 @@ private:
     FileDescriptor _writeEnd NEB_GUARDED_BY(_mutex);  // closed by wake()
 };
 
-}  // namespace neb::nebsc
+}  // namespace neb

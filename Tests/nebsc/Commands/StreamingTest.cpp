@@ -1,0 +1,306 @@
+// Records that are printed while git runs, by `nebsc log` and `nebsc request --stream`.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Support/HygienicTest.h"
+#include "Support/TestRepository.h"
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+using JSON = nlohmann::ordered_json;
+using Variables = std::vector<std::pair<std::string, std::optional<std::string>>>;
+
+/// A git whose log is written by a script. `record NAME` prints a commit whose subject is NAME.
+class Streaming : public HygienicTest {
+protected:
+    [[nodiscard]] StandInGit gitWithLog(const std::string& script) const {
+        return {folder.path(), logScript(script)};
+    }
+    [[nodiscard]] std::string logScript(const std::string& script) const {
+        return "case \"$*\" in *config*) exit 1;; log*) ;; *) exit 0;; esac\n"
+               "echo $$ > '" +
+               folder.path("git") +
+               "'\nrecord() { printf '0123456789ab\\nAnn\\na@b\\n1600000000\\n%s\\n\\001\\n\\000' "
+               "\"$1\"; }\n"
+               "seen() { while ! [ -e '" +
+               folder.path("seen") + "' ]; do sleep 0.01; done; }\nprintf '\\000'\n" + script;
+    }
+    [[nodiscard]] NebscSurroundings surroundings(const StandInGit& git, NebscOutput output,
+                                                 Variables variables = {}) const {
+        variables.insert(variables.end(), {git.path(),
+                                           {"TZ", "UTC"},
+                                           {"TERM", "xterm"},
+                                           {"NO_COLOR", "1"},
+                                           {"GIT_PAGER", std::nullopt}});
+        return {.folder = folder.path(),
+                .input = logRequest(),
+                .variables = std::move(variables),
+                .output = output};
+    }
+    [[nodiscard]] std::string logRequest() const {
+        return JSON{{"type", NEBSourceControlRequestLog},
+                    {"sourceTree", {{"location", folder.path()}}}}
+            .dump();
+    }
+    static std::string line(const std::string& subject) {
+        return "0123456789ab  2020-09-13 12:26  Ann  " + subject;
+    }
+    void expectThatGitHasEnded() const {
+        EXPECT_FALSE(isLiveProcess(std::stoi(folder.read("git"))));
+    }
+
+    TemporaryFolder folder;
+};
+
+const std::string withoutEnd = "exec sleep 3600";
+const std::string endless = "while :; do record more; done";
+
+TEST_F(Streaming, LogPrintsACommitBeforeTheNextOne) {
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"log"}, {"log", "--files"}}) {
+        const StandInGit git = gitWithLog("record One; seen; record Two");
+        Nebsc program(arguments, surroundings(git, NebscOutput::pipe));
+        EXPECT_EQ(program.awaitLine(), line("One"));
+        folder.write("seen", "");
+        const NebscOutcome outcome = program.outcome();
+        EXPECT_THAT(outcome.output, StartsWith(line("Two") + "\n"));
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.exitStatus, 0);
+    }
+}
+
+TEST_F(Streaming, FullCommitsAreSeparatedByEmptyLines) {
+    const StandInGit git = gitWithLog("record One; seen; record Two");
+    Nebsc program({"log", "--full"}, surroundings(git, NebscOutput::pipe));
+    EXPECT_EQ(program.awaitLine(), "commit 0123456789ab");
+    folder.write("seen", "");
+    EXPECT_THAT(program.outcome().output, HasSubstr("    One\n\ncommit 0123456789ab\n"));
+}
+
+TEST_F(Streaming, ARequestPrintsARecordBeforeTheNextOne) {
+    const StandInGit git = gitWithLog("record One; seen; record Two");
+    Nebsc program({"request", "--stream"}, surroundings(git, NebscOutput::pipe));
+    const JSON first = JSON::parse(program.awaitLine());
+    EXPECT_EQ(first["record"]["NEBSourceControlOperationMessageKey"], "One");
+    EXPECT_EQ(first.size(), 1U);
+    folder.write("seen", "");
+    const NebscOutcome outcome = program.outcome();
+    std::istringstream lines(outcome.output);
+    std::string text;
+    std::getline(lines, text);
+    EXPECT_EQ(JSON::parse(text)["record"]["NEBSourceControlOperationMessageKey"], "Two");
+}
+
+TEST_F(Streaming, GitEndsWhenTheReaderDoes) {
+    for (const std::string& rest : {withoutEnd, endless}) {
+        for (const std::vector<std::string>& arguments :
+             std::vector<std::vector<std::string>>{{"log"}, {"request", "--stream"}}) {
+            const StandInGit git = gitWithLog("record One; " + rest);
+            Nebsc program(arguments, surroundings(git, NebscOutput::pipe));
+            EXPECT_THAT(program.awaitLine(), HasSubstr("One"));
+            program.stopReading();
+            expectDone(program.outcome());
+            expectThatGitHasEnded();
+        }
+    }
+}
+
+TEST_F(Streaming, GitEndsWhenThePagerIsQuit) {
+    const std::string screen =
+        "for i in 1 2 3 4 5 6 7 8 9 10 11 12 13 14; do record One; record "
+        "Two; done; ";
+    for (const std::string& rest : {withoutEnd, endless}) {
+        const StandInGit git = gitWithLog(screen + rest);
+        expectDone(runNebsc({"log"}, surroundings(git, NebscOutput::terminal,
+                                                  {{"PAGER", "exec head -n 1"}})),
+                   line("One") + "\r\n");
+        expectThatGitHasEnded();
+    }
+}
+
+TEST_F(Streaming, APagerThatCannotBeStartedLosesNothing) {
+    const StandInGit git = gitWithLog("i=0; while [ $i -lt 60 ]; do record One; i=$((i+1)); done");
+    const NebscOutcome outcome =
+        runNebsc({"log"}, surroundings(git, NebscOutput::terminal, {{"PAGER", "/no/such/pager"}}));
+    EXPECT_EQ(outcome.output.size(), 60 * (line("One").size() + 2));
+    EXPECT_THAT(outcome.errors, HasSubstr("the pager '/no/such/pager' could not be started"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+}
+
+TEST_F(Streaming, AShortLogIsPrintedWithoutAPager) {
+    const StandInGit git = gitWithLog("record One; record Two");
+    expectDone(runNebsc({"log"}, surroundings(git, NebscOutput::terminal, {{"PAGER", "exit 1"}})),
+               line("One") + "\r\n" + line("Two") + "\r\n");
+}
+
+TEST_F(Streaming, AFullDiskEndsGit) {
+    for (const std::string& rest : {withoutEnd, endless}) {
+        for (const std::vector<std::string>& arguments :
+             std::vector<std::vector<std::string>>{{"log"}, {"request", "--stream"}}) {
+            const StandInGit git = gitWithLog("record One; " + rest);
+            expectFailed(runNebsc(arguments, surroundings(git, NebscOutput::full)),
+                         "nebsc: standard output could not be written: No space left on device\n");
+            expectThatGitHasEnded();
+        }
+    }
+}
+
+TEST_F(Streaming, AFailureFollowsTheRecords) {
+    const StandInGit git =
+        gitWithLog("record One; echo 'fatal: unable to read tree' >&2; exit 128");
+    NebscOutcome outcome = runNebsc({"log"}, surroundings(git, NebscOutput::pipe));
+    EXPECT_EQ(outcome.output, line("One") + "\n");
+    EXPECT_THAT(outcome.errors, StartsWith("nebsc: "));
+    EXPECT_EQ(outcome.exitStatus, 1);
+    outcome = runNebsc({"request", "--stream"}, surroundings(git, NebscOutput::pipe));
+    const JSON last = JSON::parse(outcome.output.substr(outcome.output.find('\n') + 1));
+    EXPECT_EQ(last["outcome"]["recordCount"], 1);
+    EXPECT_THAT(last["outcome"]["error"]["text"], HasSubstr("unable to read tree"));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+TEST_F(Streaming, ASignalEndsGit) {
+    for (const std::string& rest : {withoutEnd, endless}) {
+        const StandInGit git = gitWithLog("record One; " + rest);
+        Nebsc program({"log"}, surroundings(git, NebscOutput::pipe));
+        EXPECT_EQ(program.awaitLine(), line("One"));
+        program.send(SIGINT);  // while it waits for git, or for the test to read
+        const NebscOutcome outcome = program.outcome();
+        EXPECT_EQ(outcome.errors, "nebsc: stopped by SIGINT\n");
+        EXPECT_EQ(outcome.exitStatus, 130);
+        expectThatGitHasEnded();
+    }
+}
+
+TEST_F(Streaming, ASignalEndsAWriteThatNobodyReads) {
+    const StandInGit git = gitWithLog("record One; " + endless);
+    Nebsc program({"log"}, surroundings(git, NebscOutput::pipe));
+    EXPECT_EQ(program.awaitLine(), line("One"));
+    program.send(SIGTERM);
+    EXPECT_EQ(program.exitStatusWithoutReading(), 143);
+    expectThatGitHasEnded();
+}
+
+TEST_F(Streaming, CtrlCInAPagerEndsGit) {
+    const std::string screen = "i=0; while [ $i -lt 40 ]; do record One; i=$((i+1)); done; ";
+    const StandInGit git = gitWithLog(screen + withoutEnd);
+    const NebscOutcome outcome =
+        runNebsc({"log"}, surroundings(git, NebscOutput::terminal,
+                                       {{"PAGER", "head -n 1; kill -INT $PPID; cat > /dev/null"}}));
+    EXPECT_EQ(outcome.output, line("One") + "\r\n");
+    EXPECT_EQ(outcome.errors, "nebsc: stopped by SIGINT\n");
+    EXPECT_EQ(outcome.exitStatus, 130);
+    expectThatGitHasEnded();
+}
+
+TEST_F(Streaming, NeedsNoMoreMemoryForALongerLog) {
+    const auto peakOf = [this](const std::string& size) {
+        const StandInGit git = gitWithLog(
+            "yes \"$(printf 'Z0123456789ab\\nAnn\\na@b\\n1600000000\\nMessage\\001')\" | "
+            "head -c " +
+            size + " | tr Z '\\000'");
+        const NebscOutcome outcome = runNebsc(
+            {"log"},
+            surroundings(git, NebscOutput::collected, {{"ASAN_OPTIONS", "quarantine_size_mb=1"}}));
+        EXPECT_EQ(outcome.exitStatus, 0);
+        EXPECT_GT(outcome.output.size(), std::stoul(size) / 2);
+        return outcome.peakKiB;
+    };
+    EXPECT_LT(peakOf("4000000"), peakOf("400000") + 8192);
+}
+
+/// git runs in the nearest folder with a ".git" while another process looks for the top folder.
+TEST_F(Streaming, PrintsNothingOfARepositoryThatTurnsOutToBeAnother) {
+    const TemporaryFolder other;
+    folder.write(".git", "");
+    const StandInGit git(other.path(), logScript("record \"$(basename \"$PWD\")\""));
+    expectDone(runNebsc({"log"}, surroundings(git, NebscOutput::pipe)),
+               line(other.path().substr(other.path().rfind('/') + 1)) + "\n");
+}
+
+// ---- nebsc request --stream -------------------------------------------------------------------
+
+class RequestStream : public CommandTest {
+protected:
+    [[nodiscard]] NebscOutcome request(const JSON& request, bool isStreamed) const {
+        std::vector<std::string> arguments{"request"};
+        if (isStreamed) {
+            arguments.emplace_back("--stream");
+        }
+        return runNebsc(arguments, {.folder = repository.path(), .input = request.dump()});
+    }
+    [[nodiscard]] JSON requestOfType(int type) const {
+        return {{"type", type}, {"sourceTree", {{"location", repository.path()}}}};
+    }
+    static std::vector<JSON> linesOf(const std::string& output) {
+        std::vector<JSON> all;
+        std::istringstream lines(output);
+        for (std::string line; std::getline(lines, line);) {
+            all.push_back(JSON::parse(line));
+        }
+        return all;
+    }
+};
+
+TEST_F(RequestStream, HasTheRecordsOfTheOutcome) {
+    repository.commitFile("a", "1\n2\n", "First");
+    repository.commitFile("b", "1\n2\n", "Second");
+    repository.write("a", "1\n3\n");
+    JSON blame = requestOfType(NEBSourceControlRequestBlame);
+    blame["files"] = {repository.path("b")};
+    for (const JSON& asked :
+         {requestOfType(NEBSourceControlRequestLog), requestOfType(NEBSourceControlRequestStatus),
+          blame, requestOfType(NEBSourceControlRequestInfo),
+          requestOfType(NEBSourceControlRequestDiff)}) {
+        const JSON plain = request(asked, false).json();
+        const NebscOutcome streamed = request(asked, true);
+        const std::vector<JSON> lines = linesOf(streamed.output);
+        ASSERT_FALSE(lines.empty());
+        JSON records = JSON::array();
+        for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+            ASSERT_EQ(lines[i].size(), 1U);
+            records.push_back(lines[i]["record"]);
+        }
+        EXPECT_EQ(records, plain["result"]) << asked;
+        const JSON& outcome = lines.back()["outcome"];
+        EXPECT_EQ(outcome["recordCount"], records.size());
+        EXPECT_EQ(outcome["result"], JSON::array());
+        EXPECT_EQ(outcome["command"], plain["command"]);
+        EXPECT_TRUE(outcome["error"].is_null());
+        EXPECT_EQ(streamed.errors, "");
+        EXPECT_EQ(streamed.exitStatus, 0);
+    }
+}
+
+TEST_F(RequestStream, HasOnlyAnOutcomeWithoutAResult) {
+    repository.write("new", "");
+    JSON add = requestOfType(NEBSourceControlRequestAddFiles);
+    add["files"] = {repository.path("new")};
+    const std::vector<JSON> lines = linesOf(request(add, true).output);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_TRUE(lines[0]["outcome"]["result"].is_null());
+    EXPECT_EQ(lines[0]["outcome"]["recordCount"], 0);
+    EXPECT_EQ(state(), "A  new\n");
+}
+
+TEST_F(RequestStream, EndsWithTheOutcomeOfARefusedRequest) {
+    const NebscOutcome outcome = request(requestOfType(16), true);
+    const std::vector<JSON> lines = linesOf(outcome.output);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0]["outcome"]["error"]["class"], "request-invalid");
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+}  // namespace
+}  // namespace neb::test

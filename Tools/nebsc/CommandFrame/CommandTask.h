@@ -13,7 +13,7 @@
 //     locate      finds the working copy that the command works in
 //     validate    refuses what cannot work, before anything changes
 //     makeRequest
-//     perform     carries the request out
+//     perform     carries the request out; performStreamed() prints its records as they arrive
 //     finish      does what git does not do, after a success
 //     report      prints what was done
 //

@@ -55,8 +55,9 @@ struct Command {
     bool isPaged = false;
     /// Whether the command is refused if the plug-in cannot be loaded.
     bool needsPlugIn = true;
-    /// Returns everything that the command prints, and prints nothing itself. If a signal ends the
-    /// work, the exit status is that of the signal. Runs on the main thread, one at a time.
+    /// Returns everything that the command prints, except records that it prints while git runs. If
+    /// a signal ends the work, the exit status is that of the signal. Runs on the main thread, one
+    /// at a time.
     CommandOutput (*run)(const CommandCall& call) = nullptr;
 };
 

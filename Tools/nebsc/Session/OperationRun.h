@@ -34,8 +34,8 @@ using RecordText = std::function<std::optional<std::string>(const NEBSourceContr
                                                   Interruption& interruption,
                                                   StreamedOutput& output, RecordText textOf);
 
-/// Returns whether the operation ended early, or may have, because its records could not be
-/// written. Removes the error of that cancellation from the outcome.
+/// Returns whether the output has no reader any more or could not be written, and the operation has
+/// no error but that of its cancellation. Removes that error from the outcome.
 [[nodiscard]] bool takeEndOfOutput(const StreamedOutput& output, Outcome& outcome);
 
 /// Adds a warning for each failed assertion.

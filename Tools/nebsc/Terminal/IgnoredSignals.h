@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace neb::nebsc {

@@ -48,8 +48,8 @@ private:
 };
 
 TEST_F(Cursor, ReturnsTheRecordsOfTheOutcomeInPages) {
-    JSON whole = call("sourceControl/perform", log())["result"];
-    const JSON first = open(log(), 50)["result"];
+    JSON whole = call("sourceControl/perform", shortLog())["result"];
+    const JSON first = open(shortLog(), 50)["result"];
     JSON records = first["records"];
     EXPECT_EQ(records.size(), 50U);
     EXPECT_FALSE(first.contains("outcome"));
@@ -60,7 +60,7 @@ TEST_F(Cursor, ReturnsTheRecordsOfTheOutcomeInPages) {
     auto [others, outcome] = rest();
     records.insert(records.end(), others.begin(), others.end());
     EXPECT_EQ(records, whole["result"]);
-    EXPECT_EQ(outcome["recordCount"], commits);
+    EXPECT_EQ(outcome["recordCount"], shortCount);
     outcome.erase("recordCount");
     whole["result"] = JSON::array();
     for (JSON* each : {&whole, &outcome}) {
@@ -88,15 +88,15 @@ TEST_F(Cursor, ReportsTheFailureOfGit) {
 }
 
 TEST_F(Cursor, ReturnsPagesInTheOrderOfTheRequests) {
-    const JSON whole = call("sourceControl/perform", log())["result"]["result"];
-    cursor = open(log(), 1000)["result"]["cursor"];
+    const JSON whole = call("sourceControl/perform", shortLog())["result"]["result"];
+    cursor = open(shortLog(), 400)["result"]["cursor"];
     for (int i = 1; i <= 4; ++i) {
         client.send(i, "sourceControl/next", {{"cursor", cursor}});
     }
     for (std::size_t i = 1; i <= 2; ++i) {
         JSON page = client.receive();
         EXPECT_EQ(page["id"], i);
-        EXPECT_EQ(page["result"]["records"][0], whole[1000 * i]);
+        EXPECT_EQ(page["result"]["records"][0], whole[400 * i]);
     }
     // The third page may be the last one of the list, or empty.
     for (int i = 3; i <= 4; ++i) {
@@ -216,7 +216,7 @@ TEST_F(Cursor, CanBeOpenSixtyFourTimes) {
 
 TEST_F(Cursor, BlocksNoWriter) {
     std::string entries;
-    for (int i = 0; i < 9000; ++i) {  // more than fits into the pipe, and no file exists
+    for (int i = 0; i < 6000; ++i) {  // more than fits into the pipe, and no file exists
         entries += "100644 blob e69de29bb2d1d6434b8b29ae775ad8c2e48c5391\t" +
                    std::to_string(100000 + i) + std::string(240, 'n') + "\n";
     }

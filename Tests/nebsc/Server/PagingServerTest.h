@@ -62,6 +62,7 @@ class PagingServerTest : public testing::Test {
 protected:
     static constexpr int commits = 3000;
     static constexpr std::size_t messageSize = 2000;
+    static constexpr int shortCount = 1200;
     using JSON = ServerClient::JSON;
 
     PagingServerTest() {
@@ -71,6 +72,12 @@ protected:
 
     [[nodiscard]] JSON log() const {
         return requestAbout(NEBSourceControlRequestLog, repository.path());
+    }
+    /// Returns a request for the last 1,200 commits, more than two batches of records.
+    [[nodiscard]] JSON shortLog() const {
+        JSON request = log();
+        request["options"] = {{"NEBSourceControlRequestOptionLogOutputLimit", shortCount}};
+        return request;
     }
     /// Waits until that many logs have been started, and returns the process of the last one.
     [[nodiscard]] pid_t process(long count = 1) const {

@@ -12,8 +12,8 @@ using JSON = ServerClient::JSON;
 
 class PartialResults : public PagingServerTest {
 protected:
-    [[nodiscard]] JSON streamedLog(const JSON& token) const {
-        JSON request = log();
+    [[nodiscard]] JSON streamedLog(const JSON& token) const { return streamed(log(), token); }
+    static JSON streamed(JSON request, const JSON& token) {
         request["partialResultToken"] = token;
         return request;
     }
@@ -32,16 +32,16 @@ protected:
 };
 
 TEST_F(PartialResults, AreTheRecordsOfTheOutcome) {
-    JSON whole = call("sourceControl/perform", log())["result"];
-    JSON streamed = call("sourceControl/perform", streamedLog("t"))["result"];
-    EXPECT_EQ(streamed["recordCount"], commits);
+    JSON whole = call("sourceControl/perform", shortLog())["result"];
+    JSON outcome = call("sourceControl/perform", streamed(shortLog(), "t"))["result"];
+    EXPECT_EQ(outcome["recordCount"], shortCount);
     EXPECT_EQ(recordsFor("t"), whole["result"]);
-    streamed.erase("recordCount");
+    outcome.erase("recordCount");
     whole["result"] = JSON::array();
-    for (JSON* outcome : {&whole, &streamed}) {
-        (*outcome)["commands"][0]["milliseconds"] = 0;
+    for (JSON* each : {&whole, &outcome}) {
+        (*each)["commands"][0]["milliseconds"] = 0;
     }
-    EXPECT_EQ(streamed, whole);
+    EXPECT_EQ(outcome, whole);
 }
 
 TEST_F(PartialResults, ExistForEveryType) {
@@ -50,10 +50,8 @@ TEST_F(PartialResults, ExistForEveryType) {
         const JSON request = requestAbout(type, repository.path());
         repository.write("new", "");
         const JSON whole = call("sourceControl/perform", request)["result"];
-        JSON streamed = request;
-        streamed["partialResultToken"] = 7;
         const std::size_t before = client.others().size();
-        const JSON outcome = call("sourceControl/perform", streamed)["result"];
+        const JSON outcome = call("sourceControl/perform", streamed(request, 7))["result"];
         ASSERT_EQ(client.others().size(), before + 1) << outcome;
         EXPECT_EQ(client.others().back()["params"],
                   JSON({{"token", 7}, {"value", {{"records", whole["result"]}}}}));

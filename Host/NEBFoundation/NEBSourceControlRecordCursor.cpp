@@ -17,7 +17,7 @@ constexpr std::size_t readAheadCount = 64;
 }  // namespace
 
 NEBSourceControlRecordCursor::NEBSourceControlRecordCursor(
-    std::shared_ptr<NEBSourceControlOperation> operation)
+    const std::shared_ptr<NEBSourceControlOperation>& operation)
     : NEBSourceControlRecordCursor(
           [operation](const NEBSourceControlRecordSink& sink) {
               operation->setRecordSink(sink);

@@ -39,7 +39,8 @@ public:
     using Work = std::function<void(const NEBSourceControlRecordSink& sink)>;
 
     /// Takes an operation that has not started. Must not be null.
-    explicit NEBSourceControlRecordCursor(std::shared_ptr<NEBSourceControlOperation> operation);
+    explicit NEBSourceControlRecordCursor(
+        const std::shared_ptr<NEBSourceControlOperation>& operation);
     /// Takes a function that runs an operation, and one that cancels it. `cancelWork` must be
     /// thread-safe, may be called before `work`, during it and after it, and must not block.
     NEBSourceControlRecordCursor(Work work, std::function<void()> cancelWork);

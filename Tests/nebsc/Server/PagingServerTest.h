@@ -100,10 +100,10 @@ protected:
 
     const TestRepository repository;
     const TemporaryFolder folder;
-    const StandInGit git{repository.path(), "[ \"$1\" = log ] && echo $$ >> '" +
-                                                folder.path("started") +
-                                                "'\nexec /usr/bin/git \"$@\""};
-    ServerClient client{{git.path()}};
+    const StandInGit loggingGit{repository.path(), "[ \"$1\" = log ] && echo $$ >> '" +
+                                                       folder.path("started") +
+                                                       "'\nexec /usr/bin/git \"$@\""};
+    ServerClient client{{loggingGit.path()}};
     int id = 0;
 };
 

@@ -5,7 +5,6 @@
 namespace neb::test {
 namespace {
 
-using testing::Each;
 using testing::HasSubstr;
 using testing::Le;
 using JSON = ServerClient::JSON;

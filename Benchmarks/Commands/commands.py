@@ -96,11 +96,11 @@ def compare(label, nebsc, case, folder, rounds):
         measured = {which: seconds(commands[which], folder) for which in order}
         runs.append((measured[0], measured[1]))
     runs = runs[1:]  # the first round warms up
-    mine, gits = zip(*runs)
+    nebsc_times, git_times = zip(*runs)
     ratio = statistics.median(a / b for a, b in runs)
     print(f"| {name} | {label} | {count_processes(nebsc, ours, folder)} "
-          f"| {statistics.median(gits) * 1000:.2f} | {statistics.median(mine) * 1000:.2f} "
-          f"| {ratio:.2f} | {min(mine) / min(gits):.2f} |", flush=True)
+          f"| {statistics.median(git_times) * 1000:.2f} | {statistics.median(nebsc_times) * 1000:.2f} "
+          f"| {ratio:.2f} | {min(nebsc_times) / min(git_times):.2f} |", flush=True)
 
 
 def main():

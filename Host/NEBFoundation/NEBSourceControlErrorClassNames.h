@@ -148,6 +148,8 @@ inline constexpr NEBConstant NEBSourceControlGitBugErrorClass{"git-bug"};
 inline constexpr NEBConstant NEBSourceControlNotStartedErrorClass{"not-started"};
 inline constexpr NEBConstant NEBSourceControlKilledErrorClass{"killed"};
 inline constexpr NEBConstant NEBSourceControlCancelledErrorClass{"cancelled"};
+inline constexpr NEBConstant NEBSourceControlTimedOutErrorClass{"timed-out"};
+inline constexpr NEBConstant NEBSourceControlOutputTooLargeErrorClass{"output-too-large"};
 /// No class fits with certainty.
 inline constexpr NEBConstant NEBSourceControlUnknownErrorClass{"unknown"};
 

@@ -36,6 +36,7 @@ NEBSourceControlOperation::NEBSourceControlOperation(
     : _request(std::move(request)), _reportSink(LOMAssertionSinkOfThread()) {}
 
 void NEBSourceControlOperation::start() {
+    _startTime = _startTime.value_or(std::chrono::steady_clock::now());
     try {
         const SinkHere sink(_reportSink);
         if (isCancelled()) {
@@ -82,6 +83,21 @@ void NEBSourceControlOperation::deliverRecordsOf(NEBSourceControlOperation& oper
         operation.setRecordSink(
             [this](NEBSourceControlResult records) { deliverRecords(std::move(records)); });
     }
+}
+
+void NEBSourceControlOperation::inheritLimits(const NEBSourceControlOperation& other) {
+    _limits = other._limits;
+    _startTime = other._startTime;
+}
+
+NEBSourceControlLimits NEBSourceControlOperation::remainingLimits() const {
+    NEBSourceControlLimits remaining = _limits;
+    if (remaining.total && _startTime) {
+        const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - *_startTime);
+        *remaining.total -= std::min(passed, *remaining.total);
+    }
+    return remaining;
 }
 
 void NEBSourceControlOperation::setError(std::optional<NEBSourceControlError> error) {

@@ -11,6 +11,7 @@
 // makes, runs or reads the operation.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -22,6 +23,7 @@
 #include "NEBFoundation/NEBDictionary.h"
 #include "NEBFoundation/NEBSourceControlCommandLog.h"
 #include "NEBFoundation/NEBSourceControlError.h"
+#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Platform/Export.h"
 #include "Platform/Operation.h"
@@ -101,6 +103,15 @@ public:
     [[nodiscard]] bool isBackgroundWork() const { return _isBackgroundWork; }
     void setBackgroundWork(bool isBackgroundWork) { _isBackgroundWork = isBackgroundWork; }
 
+    /// The limits of the children; none by default. A child that exceeds its limits is
+    /// ended as by cancel(), and the error is of the class "timed-out" or "output-too-large". Set
+    /// them before start().
+    void setLimits(const NEBSourceControlLimits& limits) { _limits = limits; }
+    [[nodiscard]] const NEBSourceControlLimits& limits() const { return _limits; }
+    /// Takes the limits of an operation that runs this one, and counts the total time from its
+    /// start.
+    void inheritLimits(const NEBSourceControlOperation& other);
+
     /// Whether a lingering process that a child had started held its output open. Output that it
     /// wrote after the operation had ended is missing.
     [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
@@ -109,6 +120,9 @@ public:
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 
 protected:
+    /// The limits for a child that is started now: `total` is what is left of it.
+    [[nodiscard]] NEBSourceControlLimits remainingLimits() const;
+
     /// The most records of one batch.
     static constexpr std::size_t recordBatchSize = 512;
     /// Passes the records to the sink, which must exist, in batches. If the operation is cancelled
@@ -124,6 +138,8 @@ private:
     std::vector<std::string> _omittedRevisions;
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;
+    NEBSourceControlLimits _limits;
+    std::optional<std::chrono::steady_clock::time_point> _startTime;  // of the total time
     bool _isBackgroundWork = false;
     bool _outputWasHeldOpen = false;
 };

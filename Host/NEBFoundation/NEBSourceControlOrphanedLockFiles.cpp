@@ -103,12 +103,13 @@ private:
 
 std::vector<ChildOutcome> NEBSourceControlRunChildren(ChildProcess& process,
                                                       const std::vector<ChildLaunch>& launches,
-                                                      ChildProcess::Observers observers) {
+                                                      ChildProcess::Observers observers,
+                                                      const ChildLimits& limits) {
     OrphanedLockFiles lockFiles;
     observers.stopped = [&lockFiles](const std::vector<pid_t>& processes) {
         lockFiles.find(processes);
     };
-    std::vector<ChildOutcome> outcomes = process.run(launches, observers);
+    std::vector<ChildOutcome> outcomes = process.run(launches, observers, limits);
     lockFiles.remove();
     return outcomes;
 }

@@ -17,6 +17,6 @@ namespace neb {
 /// processes leave behind. Lock files of other processes stay. `observers.stopped` is not called.
 [[nodiscard]] NEB_EXPORT std::vector<ChildOutcome> NEBSourceControlRunChildren(
     ChildProcess& process, const std::vector<ChildLaunch>& launches,
-    ChildProcess::Observers observers);
+    ChildProcess::Observers observers, const ChildLimits& limits = {});
 
 }  // namespace neb

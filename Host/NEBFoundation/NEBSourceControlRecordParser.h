@@ -79,7 +79,7 @@ public:
     NEBSourceControlLineParser() : NEBSourceControlRecordParser('\n') {}
 
 protected:
-    /// Adds the record of a line, which lies within `text`, is UTF-8 and lacks its line end.
+    /// Adds the record of a line, which is UTF-8 and lies within `text`, without its line end.
     virtual void parseLine(const Data& text, std::string_view line,
                            NEBSourceControlResult& records) = 0;
 

@@ -36,7 +36,7 @@ bool hasPatternCharacters(const NEBSourceControlRequest& request) {
     return false;
 }
 
-/// An output of at least this size is parsed while the child runs, if nobody waits for the records.
+/// An output of at least this size is parsed while the child runs, even without a record sink.
 constexpr std::size_t incrementalSize = 1U << 18;
 constexpr std::size_t unlimited = std::string_view::npos;
 
@@ -98,6 +98,10 @@ void NEBSourceControlTaskOperation::cancel() {
 // ---- the run ----------------------------------------------------------------------------------
 
 void NEBSourceControlTaskOperation::main() {
+    if (remainingLimits().total == std::chrono::milliseconds(0)) {
+        setError(NEBSourceControlTimedOutError(*limits().total));
+        return;
+    }
     const auto second = pipeToOperation();
     std::vector<NEBSourceControlTaskOperation*> stages{this};
     if (second) {
@@ -109,6 +113,10 @@ void NEBSourceControlTaskOperation::main() {
     }
     if (isCancelled()) {
         setError(NEBSourceControlCancelledError());
+        return;
+    }
+    if (const auto limit = outcomes.front().exceededLimit) {
+        setError(NEBSourceControlExceededLimitError(*limit, limits(), launchPath()));
         return;
     }
     for (std::size_t i = 0; i < stages.size(); ++i) {
@@ -155,7 +163,7 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
         return unneeded;
     };
     std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
-        _process, launches, {.started = started, .outputGrew = outputGrew});
+        _process, launches, {.started = started, .outputGrew = outputGrew}, remainingLimits());
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }

@@ -31,8 +31,9 @@ constexpr milliseconds checkInterval{20};
 }  // namespace
 
 ChildPipeline::ChildPipeline(const std::vector<ChildLaunch>& launches,
-                             const ChildObservers& observers, const FileDescriptor& wake)
-    : _launches(launches), _observers(observers), _wake(wake) {}
+                             const ChildObservers& observers, const ChildLimits& limits,
+                             const FileDescriptor& wake)
+    : _launches(launches), _observers(observers), _wake(wake), _limits(limits) {}
 
 /// Kills the children that are left if an exception (out of memory) ended the run.
 ChildPipeline::~ChildPipeline() {
@@ -54,6 +55,7 @@ std::vector<ChildOutcome> ChildPipeline::run() {
         for (PipelineChild& child : _children) {
             child.checkForEnd();
         }
+        checkLimits();
         advanceEnding();
         releaseInputHeldByOthers();
         closeStreamsHeldByOthers();
@@ -62,6 +64,7 @@ std::vector<ChildOutcome> ChildPipeline::run() {
     for (PipelineChild& child : _children) {
         child.reap();
         outcomes.push_back(child.takeOutcome());
+        outcomes.back().exceededLimit = _exceededLimit;
     }
     return outcomes;
 }
@@ -143,6 +146,7 @@ int ChildPipeline::pollTimeout() const {
     std::optional<Moment> next;
     for (const std::optional<Moment> moment :
          {_restsBeforeNextRead ? std::optional<Moment>(now + restBetweenReads) : std::nullopt,
+          _ending == Ending::none && anyRunning() ? _limits.deadline() : std::nullopt,
           mustCheckRegularly() ? std::optional<Moment>(now + checkInterval) : std::nullopt,
           anyStreamOpen() ? streamDeadline() : std::nullopt, inputDeadline()}) {
         if (moment && (!next || *moment < *next)) {
@@ -166,17 +170,38 @@ void ChildPipeline::waitForEvent() {
 }
 
 void ChildPipeline::readStreams() {
-    CapturedStream& output = _children.back().output;
-    const std::size_t previousSize = output.data().size();
+    const std::size_t previousSize = _children.back().output.data().size();
+    std::size_t previousTotal = 0;
+    std::size_t total = 0;
     for (PipelineChild& child : _children) {
+        previousTotal += child.output.data().size() + child.errorOutput.data().size();
         child.readStreams();
+        total += child.output.data().size() + child.errorOutput.data().size();
     }
-    const std::size_t growth = output.data().size() - previousSize;
+    _limits.addOutput(total - previousTotal, Clock::now());
+    checkLimits();
+    reportOutput(_children.back().output.data().size() - previousSize);
+}
+
+void ChildPipeline::reportOutput(std::size_t growth) {
     _smallReads = growth < smallGrowth ? _smallReads + 1 : 0;
     _restsBeforeNextRead = growth > 0 && _smallReads >= smallReadsBeforeRest;
     if (_observers.outputGrew && growth > 0 && _ending == Ending::none) {
+        CapturedStream& output = _children.back().output;
+        const Moment begin = Clock::now();
         output.removeFirst(
             _observers.outputGrew({.data = output.data(), .isDrained = output.isDrained()}));
+        _limits.addHeldBack(begin, Clock::now());
+    }
+}
+
+/// Children that are ending already have another reason for it.
+void ChildPipeline::checkLimits() {
+    if (_ending == Ending::none && anyRunning()) {
+        _exceededLimit = _limits.exceededLimit(Clock::now());
+        if (_exceededLimit) {
+            requestEnd();
+        }
     }
 }
 

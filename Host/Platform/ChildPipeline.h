@@ -8,6 +8,7 @@
 
 #include "Platform/ChildRun.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/LimitWatch.h"
 #include "Platform/PipelineChild.h"
 
 struct pollfd;
@@ -20,7 +21,7 @@ class ChildPipeline {
 public:
     /// All arguments must outlive the object. The run is cancelled when `wake` becomes readable.
     ChildPipeline(const std::vector<ChildLaunch>& launches, const ChildObservers& observers,
-                  const FileDescriptor& wake);
+                  const ChildLimits& limits, const FileDescriptor& wake);
     ChildPipeline(const ChildPipeline&) = delete;
     ChildPipeline& operator=(const ChildPipeline&) = delete;
     ~ChildPipeline();
@@ -57,6 +58,8 @@ private:
     [[nodiscard]] int pollTimeout() const;
     [[nodiscard]] bool mustCheckRegularly() const;
     void readStreams();
+    void reportOutput(std::size_t growth);
+    void checkLimits();
 
     void reportStoppedProcesses();
     void advanceEnding();
@@ -71,6 +74,8 @@ private:
     const std::vector<ChildLaunch>& _launches;
     const ChildObservers& _observers;
     const FileDescriptor& _wake;
+    LimitWatch _limits;
+    std::optional<ChildLimit> _exceededLimit;
     std::vector<PipelineChild> _children;
     Ending _ending = Ending::none;
     Moment _nextEnding{};      // when `requested` or `forced` is over

@@ -44,7 +44,7 @@ private:
 };
 
 std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& launches,
-                                            const Observers& observers) {
+                                            const Observers& observers, const ChildLimits& limits) {
     FileDescriptor wake;
     if (const int failure = openWakePipe(wake); failure != 0) {
         return noneStarted(launches,
@@ -55,7 +55,7 @@ std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& laun
         return noneStarted(launches, "was not started, as it was cancelled before");
     }
     Observers reachable = observers;
-    ChildPipeline pipeline(launches, reachable, wake);
+    ChildPipeline pipeline(launches, reachable, limits, wake);
     if (observers.outputGrew) {
         reachable.outputGrew = [&](const ArrivedOutput& output) {
             const BlockedRun blocked(*this, pipeline);

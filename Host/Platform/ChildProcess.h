@@ -40,7 +40,8 @@ public:
     /// child cannot be started, its outcome has the reason and the others are ended. Call this
     /// once.
     [[nodiscard]] std::vector<ChildOutcome> run(const std::vector<ChildLaunch>& launches,
-                                                const Observers& observers);
+                                                const Observers& observers,
+                                                const ChildLimits& limits = {});
     [[nodiscard]] std::vector<ChildOutcome> run(const std::vector<ChildLaunch>& launches) {
         return run(launches, Observers());
     }

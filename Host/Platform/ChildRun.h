@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Platform/ChildLimits.h"
 #include "Platform/Data.h"
 #include "Platform/TerminationStatus.h"
 
@@ -37,6 +38,9 @@ struct ChildOutcome {
     /// Whether another process still had a stream of the child open shortly after the child ended.
     /// The outcome has what was written until then.
     bool outputWasHeldOpen = false;
+    /// The limit because of which the run was ended; the same in all outcomes. Absent if none was
+    /// exceeded.
+    std::optional<ChildLimit> exceededLimit = std::nullopt;
     /// The time from the launch of the child to its end.
     std::chrono::nanoseconds duration{0};
 };

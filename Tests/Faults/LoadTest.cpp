@@ -202,7 +202,7 @@ TEST_F(Load, LeavesTheProcessAsItWas) {
         EXPECT_LT(after.residentKiB, halfway.residentKiB + someKiB) << "memory grows with the work";
     }
     // Two requests that write to one working copy may conflict; nothing else may fail. Two commits
-    // share .git/COMMIT_EDITMSG, so that one may read it while the other has just emptied it.
+    // share .git/COMMIT_EDITMSG: git may find there what the other has just emptied.
     for (const auto& [outcome, count] : outcomes) {
         EXPECT_TRUE(outcome == "done" || outcome == NEBSourceControlIndexLockedErrorClass ||
                     outcome == NEBSourceControlRefLockedErrorClass ||

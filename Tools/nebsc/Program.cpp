@@ -57,7 +57,8 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
                         .command = command,
                         .arguments = arguments,
                         .isJSON = isJSON,
-                        .colours = coloursOf(arguments)});
+                        .colours = coloursOf(arguments),
+                        .timeLimit = timeLimitIn(arguments)});
 }
 
 CommandOutput run(const ParsedCommandLine& commandLine) {

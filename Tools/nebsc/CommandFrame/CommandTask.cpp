@@ -39,6 +39,7 @@ CommandOutput CommandTask::run() {
     _progress.emplace(_call.command.activity, !_call.session.trace().isOn());
     CommandOutput output = runSteps();
     _progress.reset();
+    noteEndOfTime(output, _interruption);
     if (isJSON() && output.error && output.standardOutput.empty()) {
         Outcome withoutRequest;
         addNotes(output, withoutRequest);

@@ -183,7 +183,7 @@ private:
 
     const CommandCall& _call;
     const bool _isInColour;
-    Interruption _interruption;
+    Interruption _interruption{_call.timeLimit};
     /// Present until there is something to print.
     std::optional<ProgressIndicator> _progress;
     /// Present if records are printed as they arrive.

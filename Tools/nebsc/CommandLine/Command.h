@@ -35,6 +35,8 @@ struct CommandCall {
     /// Whether to print JSON instead of text.
     bool isJSON = false;
     Colours colours = Colours::automatic;
+    /// For the whole command, without its start; absent: none.
+    std::optional<std::chrono::milliseconds> timeLimit = std::nullopt;
 };
 
 struct Command {

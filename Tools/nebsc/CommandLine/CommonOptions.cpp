@@ -1,10 +1,17 @@
 #include "CommandLine/CommonOptions.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "CommandLine/UsageError.h"
 
 namespace neb::nebsc {
 
 namespace {
+
+/// In seconds; some 30 years.
+constexpr double longestTimeLimit = 1e9;
 
 constexpr Parameter options[] = {
     {folderOption,
@@ -16,6 +23,8 @@ constexpr Parameter options[] = {
     {colourOption, "When to use colours; auto means on a terminal", Takes::text, Occurs::optionally,
      "auto|always|never"},
     {traceOption, "Report each program that is run on standard error"},
+    {timeoutOption, "Stop with an error if it takes longer, for example 30 or 0.5", Takes::text,
+     Occurs::optionally, "SECONDS"},
     {versionOption, "Show the versions of nebsc, the plug-in and git"},
     {"-h,--help", "Show help for nebsc or for the command"},
 };
@@ -24,6 +33,26 @@ constexpr Parameter options[] = {
 
 std::span<const Parameter> commonOptions() {
     return options;
+}
+
+std::optional<std::chrono::milliseconds> timeLimitIn(const Arguments& arguments) {
+    const auto text = arguments.value(timeoutOption);
+    if (!text) {
+        return std::nullopt;
+    }
+    double seconds = 0;
+    const auto [end, failure] = std::from_chars(text->data(), text->data() + text->size(), seconds,
+                                                std::chars_format::fixed);
+    const std::chrono::milliseconds limit(
+        std::llround(std::clamp(seconds, 0.0, longestTimeLimit) * 1000));
+    if (failure != std::errc() || !std::isfinite(seconds) || end != text->data() + text->size() ||
+        limit.count() <= 0) {
+        throw UsageError{.kind = UsageError::Kind::invalidValue,
+                         .argument = *text,
+                         .parameter = optionNamed(timeoutOption, nullptr),
+                         .detail = "a number of seconds above 0"};
+    }
+    return limit;
 }
 
 std::vector<const Parameter*> optionsOf(const Command* command) {

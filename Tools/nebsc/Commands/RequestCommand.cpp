@@ -41,7 +41,7 @@ CommandOutput run(const CommandCall& call) {
         return refusal(reading.refusal, exitNotUnderstood);
     }
     // Created only now, so that a signal ends nebsc at once while it reads.
-    Interruption interruption;
+    Interruption interruption(call.timeLimit);
     std::optional<ProgressIndicator> progress(std::in_place, call.command.activity,
                                               !call.session.trace().isOn());
     StreamedOutput streamedOutput;

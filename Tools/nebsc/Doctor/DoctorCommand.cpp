@@ -74,7 +74,7 @@ CommandOutput run(const CommandCall& call) {
     if (!folder.path) {
         return refusal(folder.failure, exitFailed);
     }
-    Interruption interruption;
+    Interruption interruption(call.timeLimit);
     std::optional<ProgressIndicator> indicator(std::in_place, call.command.activity,
                                                !call.session.trace().isOn());
     const std::vector<Finding> findings = diagnose(
@@ -93,6 +93,7 @@ CommandOutput run(const CommandCall& call) {
     if (signalNumber) {
         output.standardOutput.clear();
     }
+    noteEndOfTime(output, interruption);
     noteInterruption(output, signalNumber);
     return output;
 }

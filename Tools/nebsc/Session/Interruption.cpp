@@ -10,6 +10,8 @@ namespace {
 
 /// Ends the watcher thread. It is sent only to that thread; in all others it keeps its action.
 constexpr int endOfWatch = SIGUSR1;
+/// No signal: the time limit has passed.
+constexpr int endOfTime = -1;
 
 bool isIgnored(int signalNumber) {
     struct sigaction action {};
@@ -18,7 +20,8 @@ bool isIgnored(int signalNumber) {
 
 }  // namespace
 
-Interruption::Interruption() {
+Interruption::Interruption(std::optional<std::chrono::milliseconds> timeLimit)
+    : _timeLimit(timeLimit) {
     ::sigemptyset(&_signals);
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
         if (!isIgnored(signalNumber)) {
@@ -48,9 +51,42 @@ std::optional<int> Interruption::end() {
 void Interruption::watch() {
     sigset_t awaited = _signals;
     ::sigaddset(&awaited, endOfWatch);
-    int signalNumber = 0;
-    while (::sigwait(&awaited, &signalNumber) == 0 && signalNumber != endOfWatch) {
-        handleSignal(signalNumber);
+    bool isTimeLimited = _timeLimit.has_value();
+    for (int signalNumber = 0; signalNumber != endOfWatch;) {
+        if (isTimeLimited) {
+            signalNumber = waitUntilEndOfTime(awaited);
+            isTimeLimited = signalNumber != endOfTime;
+        } else if (::sigwait(&awaited, &signalNumber) != 0) {
+            return;
+        }
+        if (signalNumber == endOfTime) {
+            handleEndOfTime();
+        } else if (signalNumber != endOfWatch) {
+            handleSignal(signalNumber);
+        }
+    }
+}
+
+/// Returns the next signal, or endOfTime.
+int Interruption::waitUntilEndOfTime(const sigset_t& awaited) const {
+    constexpr auto perSecond = std::chrono::nanoseconds(std::chrono::seconds(1)).count();
+    int signalNumber = -1;
+    while (signalNumber < 0) {
+        const auto left = std::chrono::nanoseconds(_start + *_timeLimit - Clock::now()).count();
+        if (left <= 0) {
+            return endOfTime;
+        }
+        const timespec time{.tv_sec = left / perSecond, .tv_nsec = left % perSecond};
+        signalNumber = ::sigtimedwait(&awaited, nullptr, &time);
+    }
+    return signalNumber;
+}
+
+void Interruption::handleEndOfTime() {
+    const MutexLock lock(_mutex);
+    _isTimeUp = true;
+    for (const auto& cancel : _cancels) {
+        cancel();
     }
 }
 
@@ -69,11 +105,16 @@ std::optional<int> Interruption::signalNumber() const {
     return _signalNumber;
 }
 
+std::optional<std::chrono::milliseconds> Interruption::exceededTimeLimit() const {
+    const MutexLock lock(_mutex);
+    return _isTimeUp && !_signalNumber ? _timeLimit : std::nullopt;
+}
+
 Interruption::Work::Work(Interruption& interruption, std::function<void()> cancel)
     : _interruption(interruption) {
     const MutexLock lock(interruption._mutex);
     _cancel = interruption._cancels.insert(interruption._cancels.end(), std::move(cancel));
-    if (interruption._signalNumber) {
+    if (interruption._signalNumber || interruption._isTimeUp) {
         (*_cancel)();
     }
 }

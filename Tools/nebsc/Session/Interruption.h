@@ -1,4 +1,4 @@
-// Interruption.h - clean cancellation of the running work by a signal.
+// Interruption.h - clean cancellation of the running work by a signal or at a time limit.
 //
 // Each git process runs in a session of its own, so Ctrl-C at the terminal reaches only nebsc.
 // While an Interruption exists, SIGINT, SIGTERM and SIGHUP cancel the work instead of ending nebsc;
@@ -19,6 +19,7 @@
 
 #include <signal.h>
 
+#include <chrono>
 #include <functional>
 #include <list>
 #include <optional>
@@ -28,10 +29,13 @@
 
 namespace neb::nebsc {
 
-/// Cancels work when a signal arrives. Only one object may exist at a time.
+/// Cancels work when a signal arrives or the time is up. Only one object may exist at a time.
 class Interruption {
 public:
-    Interruption();
+    using Clock = std::chrono::steady_clock;
+
+    /// The time limit counts from here on; absent: none.
+    explicit Interruption(std::optional<std::chrono::milliseconds> timeLimit = std::nullopt);
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
     /// Calls end().
@@ -40,8 +44,8 @@ public:
     /// Makes work cancellable while the object exists. Several may exist at a time, on any threads.
     class Work {
     public:
-        /// Calls `cancel` on another thread for each signal that arrives, and immediately, on this
-        /// thread, if one has arrived before. `cancel` must not block.
+        /// Calls `cancel` on another thread for each signal that arrives and when the time is up,
+        /// and immediately, on this thread, if that has happened before. `cancel` must not block.
         Work(Interruption& interruption, std::function<void()> cancel);
         Work(const Work&) = delete;
         Work& operator=(const Work&) = delete;
@@ -56,17 +60,25 @@ public:
     /// Returns the first signal that arrived; absent if there was none. Thread-safe.
     [[nodiscard]] std::optional<int> signalNumber() const;
 
+    /// Returns the time limit if it has passed and no signal arrived before. Thread-safe.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> exceededTimeLimit() const;
+
     /// Restores the former signal mask. Returns the first signal that arrived; absent if there was
     /// none. Must be called on the thread that created the object, after the work has ended.
     std::optional<int> end();
 
 private:
     void watch();
+    [[nodiscard]] int waitUntilEndOfTime(const sigset_t& awaited) const;
     void handleSignal(int signalNumber);
+    void handleEndOfTime();
 
     mutable Mutex _mutex;
     std::list<std::function<void()>> _cancels NEB_GUARDED_BY(_mutex);
     std::optional<int> _signalNumber NEB_GUARDED_BY(_mutex);
+    bool _isTimeUp NEB_GUARDED_BY(_mutex) = false;
+    const std::optional<std::chrono::milliseconds> _timeLimit;
+    const Clock::time_point _start = Clock::now();
     sigset_t _signals{};  // the signals that are handled
     sigset_t _formerMask{};
     std::thread _watcher;

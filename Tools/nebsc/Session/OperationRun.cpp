@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Session/PackReceiveProgress.h"
@@ -40,6 +41,11 @@ HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndi
         });
         const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
         operation.start();
+        const auto timeLimit = interruption.exceededTimeLimit();
+        if (timeLimit && operation.error() &&
+            operation.error()->errorClass == NEBSourceControlCancelledErrorClass) {
+            operation.setError(NEBSourceControlTimedOutError(*timeLimit));
+        }
     };
 }
 
@@ -105,6 +111,15 @@ void noteHeldOutput(CommandOutput& output, const Outcome& outcome) {
         output.standardError += complaint(
             "A process that git left behind still held its output open; what it wrote later is "
             "missing here.");
+    }
+}
+
+void noteEndOfTime(CommandOutput& output, const Interruption& interruption) {
+    if (const auto timeLimit = interruption.exceededTimeLimit()) {
+        const CommandOutput failure = failureWith(NEBSourceControlTimedOutError(*timeLimit));
+        output.standardError = failure.standardError;
+        output.exitStatus = failure.exitStatus;
+        output.error = failure.error;
     }
 }
 

@@ -19,8 +19,9 @@ namespace neb::nebsc {
 void cancelOperation(NEBSourceControlOperation& operation);
 
 /// Returns a function that runs an operation on the calling thread. A signal cancels the operation,
-/// and the progress indicator shows how many bytes git has received. `interruption` and `indicator`
-/// must outlive the function.
+/// the end of the time makes it fail with an error of the class "timed-out", and the progress
+/// indicator shows how many bytes git has received. `interruption` and `indicator` must outlive the
+/// function.
 [[nodiscard]] HostSession::Runner interruptibleRunner(Interruption& interruption,
                                                       ProgressIndicator& indicator);
 
@@ -49,6 +50,10 @@ void noteLeftFolder(CommandOutput& output, const Outcome& outcome);
 
 /// Adds a warning if output of git may be missing.
 void noteHeldOutput(CommandOutput& output, const Outcome& outcome);
+
+/// If the time limit has passed, makes that the error on standard error, with the exit status
+/// exitFailed.
+void noteEndOfTime(CommandOutput& output, const Interruption& interruption);
 
 /// If a signal arrived, makes it the only message on standard error and sets the exit status.
 void noteInterruption(CommandOutput& output, std::optional<int> signalNumber);

@@ -26,7 +26,7 @@ std::vector<std::string> environmentOfChild() {
         environ = contentOf(file);
     }
     std::vector<std::string> environment;
-    forEachPiece(environ, '\0', [&environment](std::string_view variable) {
+    forEachField(environ, '\0', [&environment](std::string_view variable) {
         if (!variable.empty()) {
             environment.emplace_back(variable);
         }
@@ -57,7 +57,7 @@ std::size_t recordsAfterRunning(const Request& request,
 
 }  // namespace
 
-std::size_t carryOut(const Request& request) {
+std::size_t performOperation(const Request& request) {
     return recordsAfterRunning(request, nullptr);
 }
 

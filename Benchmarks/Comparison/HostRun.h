@@ -11,7 +11,7 @@ namespace neb::benchmarks {
 /// Makes the operation with the controller of the plug-in, runs it on this thread, reads the
 /// records and releases them. Returns their number without the empty record at the end of some.
 /// Throws std::runtime_error with the text of an error.
-std::size_t carryOut(const Request& request);
+std::size_t performOperation(const Request& request);
 
 /// Runs the request and returns the command line, folder and environment of its only child.
 ChildLaunch launchFor(const Request& request);

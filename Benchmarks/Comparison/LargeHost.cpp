@@ -37,7 +37,7 @@ private:
 double medianOfMany(const Request& request) {
     std::vector<double> times(50);
     for (double& time : times) {
-        time = millisecondsOf([&request] { carryOut(request); });
+        time = millisecondsOf([&request] { performOperation(request); });
     }
     return spreadOf(std::move(times)).median;
 }

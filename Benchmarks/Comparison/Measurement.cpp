@@ -50,7 +50,7 @@ Measurement measure(const Case& what, int size, const std::string& path, int rou
     std::size_t libgit2Records = 0;
     const Rounds timed({
                            [&] { figures.bytes = raw.run(RawCommand::Memory::wholeOutput); },
-                           [&] { figures.records = carryOut(request); },
+                           [&] { figures.records = performOperation(request); },
                            [&] { libgit2Records = what.withLibGit2(path); },
                        },
                        rounds);
@@ -61,7 +61,7 @@ Measurement measure(const Case& what, int size, const std::string& path, int rou
     figures.toGit = timed.ratio(1, 0);
     figures.toLibGit2 = timed.ratio(1, 2);
     figures.added = timed.difference(1, 0);
-    figures.peak = peakGrowth([&request] { carryOut(request); });
+    figures.peak = peakGrowth([&request] { performOperation(request); });
 
     ChildProcess process;
     const Data printed = process.run({launch})[0].output;

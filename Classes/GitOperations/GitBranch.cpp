@@ -116,7 +116,7 @@ void GitCurrentBranchOperation::parseData() {
     }
     std::optional<std::string> name;
     const std::string text = *_nebsc_stringFromData(data());
-    forEachPiece(text, '\n', [&name](std::string_view line) {
+    forEachField(text, '\n', [&name](std::string_view line) {
         if (!name && line.starts_with('*')) {
             name = nameIn(line);
         }

@@ -18,10 +18,10 @@ namespace {
 
 /// Returns the position of the first line that begins with one of these; npos if no line does.
 template <std::size_t Count>
-std::size_t lineThatBegins(std::string_view text,
-                           const std::array<std::string_view, Count>& beginnings) {
+std::size_t findLineWithPrefix(std::string_view text,
+                               const std::array<std::string_view, Count>& beginnings) {
     std::size_t position = std::string_view::npos;
-    forEachPiece(text, '\n', [&](std::string_view line) {
+    forEachField(text, '\n', [&](std::string_view line) {
         const bool begins =
             std::any_of(beginnings.begin(), beginnings.end(),
                         [line](std::string_view prefix) { return line.starts_with(prefix); });
@@ -41,15 +41,15 @@ std::string_view textBeforeNotice(std::string_view text) {
                                                       "Note: switching to '",
                                                       "HEAD is now at ",
                                                       "Already on '"};
-    return text.substr(0, lineThatBegins(text, notices));
+    return text.substr(0, findLineWithPrefix(text, notices));
 }
 
 /// git exits with status 0 although it did not change a file.
-bool isSomethingLeftUndone(std::string_view text) {
+bool reportsIncompleteCheckout(std::string_view text) {
     constexpr std::array<std::string_view, 4> signs{"error: unable to create file ",
                                                     "error: unable to unlink ",
                                                     "error: unable to read ", "warning: path '"};
-    return lineThatBegins(text, signs) != std::string_view::npos;
+    return findLineWithPrefix(text, signs) != std::string_view::npos;
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ std::optional<NEBSourceControlError> GitCheckoutOperation::errorFromErrorMessage
         return GitOperation::errorFromErrorMessage(message);
     }
     const std::string_view text = textBeforeNotice(*message);
-    if (!isSomethingLeftUndone(text)) {
+    if (!reportsIncompleteCheckout(text)) {
         return std::nullopt;
     }
     GitErrorTranslation translation = gitErrorTableLookUp(text, *request());

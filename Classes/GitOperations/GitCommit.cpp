@@ -13,7 +13,7 @@ namespace neb {
 namespace {
 
 /// Returns the text between the first and the second blank; absent without a blank.
-std::optional<std::string_view> secondWord(std::string_view text) {
+std::optional<std::string_view> secondField(std::string_view text) {
     const std::size_t blank = text.find(' ');
     if (blank == std::string_view::npos) {
         return std::nullopt;
@@ -47,7 +47,7 @@ void GitCommitOperation::parseData() {
         return;
     }
     const std::string text = *_nebsc_stringFromData(data());
-    const auto word = secondWord(text);
+    const auto word = secondField(text);
     if (!word) {
         setResult(std::nullopt);
         return;

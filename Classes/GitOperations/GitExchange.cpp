@@ -32,7 +32,7 @@ bool contains(std::string_view text, std::string_view substring) {
 /// Whether one of the lines of the text equals `line`.
 bool hasLine(std::string_view text, std::string_view line) {
     bool isThere = false;
-    forEachPiece(text, '\n', [&](std::string_view other) { isThere = isThere || other == line; });
+    forEachField(text, '\n', [&](std::string_view other) { isThere = isThere || other == line; });
     return isThere;
 }
 
@@ -40,7 +40,7 @@ bool hasLine(std::string_view text, std::string_view line) {
 /// -> v1  (would clobber existing tag)".
 std::string rejectionsIn(std::string_view listing) {
     std::string rejections;
-    forEachPiece(listing, '\n', [&](std::string_view line) {
+    forEachField(listing, '\n', [&](std::string_view line) {
         if (line.starts_with(" ! [rejected]")) {
             rejections.append(line).append("\n");
         }
@@ -65,7 +65,7 @@ bool reportsRefusalBeforeSending(std::string_view text) {
                                            "fatal: The remote end hung up "};
     std::string_view last;
     bool isCauseTold = false;
-    forEachPiece(text, '\n', [&](std::string_view line) {
+    forEachField(text, '\n', [&](std::string_view line) {
         if (line.empty()) {
             return;
         }
@@ -88,7 +88,7 @@ GitFetchOperation::GitFetchOperation(std::shared_ptr<NEBSourceControlRequest> re
                          "-[GitFetchOperation initWithRequest:]", 634);
     setChangesRepository();
     if (asked.type != NEBSourceControlRequestFetch) {
-        setSilenceIsAnswer();
+        setEmptyOutputIsValid();
     }
     std::vector<std::string> arguments{"fetch", "-q"};
     appendIfPresent(arguments, asked.option(NEBSourceControlRequestOptionRemoteName));

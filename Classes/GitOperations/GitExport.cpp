@@ -27,7 +27,7 @@ NEBValue firstFile(const NEBSourceControlRequest& request) {
 
 /// Removes the first `prefixLength` bytes and the character after them from a path. A "/" is one
 /// byte, whatever follows it.
-std::string pathBehind(std::string_view path, std::size_t prefixLength) {
+std::string pathAfterPrefix(std::string_view path, std::size_t prefixLength) {
     const auto isContinuation = [&path](std::size_t i) {
         return i < path.size() && (static_cast<unsigned char>(path[i]) & 0xC0U) == 0x80U;
     };
@@ -66,7 +66,7 @@ std::optional<std::string> relativePath(const NEBSourceControlRequest& request) 
     if (!location || path.size() <= location->size() || !path.starts_with(*location)) {
         return std::nullopt;
     }
-    return pathBehind(path, location->size());
+    return pathAfterPrefix(path, location->size());
 }
 
 /// Whether the file only seems to be below the location: "/w/tree-2/a" beside "/w/tree". The rest
@@ -137,7 +137,7 @@ const LOMFilePath* targetOf(const NEBSourceControlRequest& request) {
 
 /// Returns the path, or its nearest existing parent, if it is not a folder: git would replace it
 /// with one.
-std::optional<std::string> fileOnTheWayTo(std::filesystem::path path) {
+std::optional<std::string> nonFolderOnPath(std::filesystem::path path) {
     std::error_code ignored;
     while (!path.empty() && path != path.parent_path()) {
         const auto status = std::filesystem::status(path, ignored);
@@ -221,7 +221,7 @@ void GitExportFileOperation::main() {
     const bool isNew = !target.existsInFileSystem();
     GitOperation::main();
     if (isNew) {
-        rejectHalfExport();
+        rejectIncompleteExport();
     }
     if (error() && isNew) {
         std::error_code ignored;
@@ -234,7 +234,7 @@ void GitExportFileOperation::main() {
 
 /// A target that did not exist before, and that a failing git or tar has left, is incomplete. Its
 /// existence would say otherwise.
-void GitExportFileOperation::rejectHalfExport() {
+void GitExportFileOperation::rejectIncompleteExport() {
     if (!result()) {
         return;
     }
@@ -321,7 +321,7 @@ void GitExportTreeOperation::main() {
     if (destination.empty()) {
         setError(ownFailure(NEBSourceControlUnknownErrorClass,
                             "The files were not exported: the request has no destination."));
-    } else if (const auto file = fileOnTheWayTo(
+    } else if (const auto file = nonFolderOnPath(
                    std::filesystem::path(currentDirectoryPath().value_or("")) / destination)) {
         setError(ownFailure(NEBSourceControlDestinationExistsErrorClass,
                             "The files were not exported: \"" + *file + "\" is not a folder."));

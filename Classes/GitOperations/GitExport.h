@@ -45,7 +45,7 @@ public:
 
 private:
     [[nodiscard]] LOMFilePath chooseTarget() const;
-    void rejectHalfExport();
+    void rejectIncompleteExport();
 
     std::shared_ptr<GitTarOperation> _pipeToOperation;
 };

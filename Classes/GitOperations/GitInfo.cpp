@@ -23,7 +23,7 @@ GitConfiguredURLOperation::GitConfiguredURLOperation(
     std::shared_ptr<NEBSourceControlRequest> request, std::string_view configurationKey)
     : GitOperation(std::move(request)) {
     setArguments({"config", "--get", std::string(configurationKey)});
-    setSilenceIsAnswer();
+    setEmptyOutputIsValid();
     setCurrentDirectoryToOneFile();
 }
 

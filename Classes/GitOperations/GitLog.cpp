@@ -89,7 +89,7 @@ private:
     /// byte.
     static std::string_view listIn(std::string_view block) {
         std::string_view last;
-        forEachPiece(block, endOfHeader, [&last](std::string_view part) { last = part; });
+        forEachField(block, endOfHeader, [&last](std::string_view part) { last = part; });
         return last;
     }
 
@@ -129,8 +129,8 @@ private:
     /// Skips lines without a TAB.
     NEBDictionary filesOf(std::string_view list) {
         NEBDictionary files;
-        files.reserve(pieceCount(list, '\n'));
-        forEachPiece(list, '\n', [this, &files](std::string_view line) {
+        files.reserve(fieldCount(list, '\n'));
+        forEachField(list, '\n', [this, &files](std::string_view line) {
             Scanner scanner(line);
             const std::string_view letters = scanner.takeUpTo('\t');
             if (letters.size() < line.size()) {

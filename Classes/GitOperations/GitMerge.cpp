@@ -43,7 +43,7 @@ GitMergeBaseOperation::GitMergeBaseOperation(std::shared_ptr<NEBSourceControlReq
     std::vector<std::string> arguments{"merge-base"};
     appendIfPresent(arguments, revisionFor(asked.startingRevision));
     appendIfPresent(arguments, revisionFor(asked.endingRevision));
-    setSilenceIsAnswer();
+    setEmptyOutputIsValid();
     setArguments(std::move(arguments));
 }
 

@@ -104,7 +104,7 @@ std::optional<NEBSourceControlError> GitOperation::errorFromUnknownFailure(
     if (auto diagnosis = error ? std::nullopt : diagnoseFailure("")) {
         return diagnosis;
     }
-    if (error || (_isSilenceAnswer && status == 1)) {
+    if (error || (_isEmptyOutputValid && status == 1)) {
         return error;
     }
     auto silence = NEBSourceControlError::withDescription(

@@ -67,7 +67,7 @@ protected:
     /// printed.
     void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
     /// Declares a query: exit status 1 without output means that there is no result.
-    void setSilenceIsAnswer() { _isSilenceAnswer = true; }
+    void setEmptyOutputIsValid() { _isEmptyOutputValid = true; }
 
     /// Sets the arguments, preceded by defaultArguments().
     void setArgumentsBehindDefaults(const std::vector<std::string>& arguments);
@@ -81,7 +81,7 @@ protected:
 
 private:
     bool _isJudgedByExitStatus = false;
-    bool _isSilenceAnswer = false;
+    bool _isEmptyOutputValid = false;
 };
 
 }  // namespace neb

@@ -36,9 +36,9 @@ std::string gitTextOfPath(std::string_view printed) {
 std::string gitTextOfPathLines(std::string_view printed) {
     std::string text;
     text.reserve(printed.size() + printed.size() / 4);
-    forEachPiece(printed, '\n', [&](std::string_view line) {
+    forEachField(printed, '\n', [&](std::string_view line) {
         text += line.data() == printed.data() ? "" : "\n";
-        forEachPiece(line, '\t', [&](std::string_view column) {
+        forEachField(line, '\t', [&](std::string_view column) {
             text += column.data() == line.data() ? "" : "\t";
             text += gitTextOfPath(column);
         });

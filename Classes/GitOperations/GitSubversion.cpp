@@ -35,7 +35,7 @@ GitFetchSVNRemoteNameOperation::GitFetchSVNRemoteNameOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
     setArguments({"config", "--get", "svn-remote.svn.fetch"});
-    setSilenceIsAnswer();
+    setEmptyOutputIsValid();
     setCurrentDirectoryToOneFile();
 }
 

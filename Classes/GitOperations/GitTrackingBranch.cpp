@@ -22,7 +22,7 @@ NEBValue settingOf(const NEBSourceControlOperation& operation) {
 GitBranchSettingOperation::GitBranchSettingOperation(
     std::shared_ptr<NEBSourceControlRequest> request, std::string_view keyFormat)
     : GitOperation(std::move(request)) {
-    setSilenceIsAnswer();
+    setEmptyOutputIsValid();
     const NEBValue& branch = this->request()->option(NEBSourceControlRequestOptionBranch);
     setArgumentsBehindDefaults(
         {"config", "--get", formattedText(keyFormat, {branch.description()})});

@@ -25,14 +25,14 @@ void GitUpdateOperation::main() {
             setError(rebase->error());
         }
     } else if (asked.option(NEBSourceControlRequestOptionPullByFastForwarding).boolValue()) {
-        runAndTakeOver<GitPullOperation>();
+        delegateTo<GitPullOperation>();
     } else {
-        runAndTakeOver<GitMergeOperation>();
+        delegateTo<GitMergeOperation>();
     }
 }
 
 template <typename Op>
-void GitUpdateOperation::runAndTakeOver() {
+void GitUpdateOperation::delegateTo() {
     const auto operation = run<Op>(request());
     if (!isCancelled()) {
         setError(operation->error());

@@ -21,7 +21,7 @@ public:
 
 private:
     template <typename Op>
-    void runAndTakeOver();
+    void delegateTo();
 };
 
 }  // namespace neb

@@ -181,7 +181,7 @@ std::string_view nameOf(std::string_view variable) {
     return variable.substr(0, variable.find('='));
 }
 
-bool isSetByUs(std::string_view name) {
+bool isManagedVariable(std::string_view name) {
     return std::any_of(std::begin(setVariables), std::end(setVariables),
                        [name](const SetVariable& row) { return row.name == name; });
 }
@@ -260,7 +260,7 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     std::vector<std::string> environment;
     for (const std::string& variable : inherited) {
         const std::string_view name = nameOf(variable);
-        if (!isSetByUs(name) && reasonToRemove(name).empty() && !isConfiguration(name)) {
+        if (!isManagedVariable(name) && reasonToRemove(name).empty() && !isConfiguration(name)) {
             environment.push_back(variable);
         }
     }

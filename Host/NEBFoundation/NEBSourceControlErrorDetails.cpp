@@ -15,7 +15,7 @@ constexpr std::string_view remotePrefix = "remote:";
 
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines;
-    forEachPiece(text, '\n', [&lines](std::string_view line) {
+    forEachField(text, '\n', [&lines](std::string_view line) {
         lines.push_back(line.substr(0, line.find_last_not_of('\r') + 1));
     });
     return lines;

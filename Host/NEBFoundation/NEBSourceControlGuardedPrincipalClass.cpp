@@ -4,7 +4,7 @@
 
 namespace neb {
 
-std::unique_ptr<NEBSourceControlProtocol> NEBSourceControlGuardedPrincipalClass::madeBy(
+std::unique_ptr<NEBSourceControlProtocol> NEBSourceControlGuardedPrincipalClass::create(
     NEBSourceControlProtocol* (*make)()) {
     auto guarded = std::make_unique<NEBSourceControlGuardedPrincipalClass>();
     try {

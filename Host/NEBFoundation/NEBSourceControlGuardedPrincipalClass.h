@@ -14,7 +14,7 @@ class NEBSourceControlGuardedPrincipalClass final : public NEBSourceControlProto
 public:
     /// Wraps the object that `make` returns; null if that returns null. If it throws, the wrapper
     /// refuses all requests.
-    static std::unique_ptr<NEBSourceControlProtocol> madeBy(NEBSourceControlProtocol* (*make)());
+    static std::unique_ptr<NEBSourceControlProtocol> create(NEBSourceControlProtocol* (*make)());
 
     [[nodiscard]] bool authenticationRequiredForRequest(
         const NEBSourceControlRequest& request) const override;

@@ -14,16 +14,16 @@ namespace {
 
 /// Sends the reports of the calling thread to a sink while the object exists. Does nothing without
 /// a sink.
-class SinkHere {
+class ScopedSink {
 public:
-    explicit SinkHere(const LOMAssertionSink& sink) : _former(LOMAssertionSinkOfThread()) {
+    explicit ScopedSink(const LOMAssertionSink& sink) : _former(LOMAssertionSinkOfThread()) {
         if (sink) {
             LOMSetAssertionSinkOfThread(sink);
         }
     }
-    SinkHere(const SinkHere&) = delete;
-    SinkHere& operator=(const SinkHere&) = delete;
-    ~SinkHere() { LOMSetAssertionSinkOfThread(std::move(_former)); }
+    ScopedSink(const ScopedSink&) = delete;
+    ScopedSink& operator=(const ScopedSink&) = delete;
+    ~ScopedSink() { LOMSetAssertionSinkOfThread(std::move(_former)); }
 
 private:
     LOMAssertionSink _former;
@@ -38,7 +38,7 @@ NEBSourceControlOperation::NEBSourceControlOperation(
 void NEBSourceControlOperation::start() {
     _startTime = _startTime.value_or(std::chrono::steady_clock::now());
     try {
-        const SinkHere sink(_reportSink);
+        const ScopedSink sink(_reportSink);
         if (isCancelled()) {
             setError(NEBSourceControlCancelledError());
         } else {

@@ -79,7 +79,7 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
 }
 
 std::unique_ptr<NEBSourceControlProtocol> NEBSourceControlPlugIn::makePrincipalClass() const {
-    return NEBSourceControlGuardedPrincipalClass::madeBy(_description->makePrincipalClass);
+    return NEBSourceControlGuardedPrincipalClass::create(_description->makePrincipalClass);
 }
 
 }  // namespace neb

@@ -43,7 +43,7 @@ std::size_t NEBSourceControlRecordParser::parseWrittenPiece(const Data& output, 
 void NEBSourceControlRecordParser::parseToEnd(const Data& output, std::size_t start,
                                               NEBSourceControlResult& records) {
     if (records.capacity() == 0) {
-        records.reserve(pieceCount(output.bytes().substr(start), _separator));
+        records.reserve(fieldCount(output.bytes().substr(start), _separator));
     }
     const std::size_t last = parse(output, start, std::string_view::npos, records);
     if (!_isPieceParsed) {
@@ -73,7 +73,7 @@ void NEBSourceControlLineParser::parseLastPiece(const Data& output, std::string_
         parsePiece(output, piece, records);
     } else if (!piece.empty()) {
         const Data text = NEBSourceControlTextData(piece);
-        forEachPiece(text, '\n', [&](std::string_view line) { parseLine(text, line, records); });
+        forEachField(text, '\n', [&](std::string_view line) { parseLine(text, line, records); });
     }
 }
 

@@ -11,7 +11,7 @@ namespace neb {
 
 // ---- shared content ---------------------------------------------------------------------------
 
-/// Unless it is a HeldPiece, its characters follow this object in the same block of memory.
+/// Unless it is a SharedSlice, its characters follow this object in the same block of memory.
 struct NEBValue::SharedText : Shared {
     explicit SharedText(std::size_t count, bool isPiece = false)
         : length(count), isHeldPiece(isPiece) {}
@@ -20,8 +20,8 @@ struct NEBValue::SharedText : Shared {
 };
 
 /// A piece whose length or offset does not fit into a value.
-struct NEBValue::HeldPiece : SharedText {
-    HeldPiece(const Data& data, std::size_t start, std::size_t count)
+struct NEBValue::SharedSlice : SharedText {
+    SharedSlice(const Data& data, std::size_t start, std::size_t count)
         : SharedText(count, true), whole(data), offset(start) {}
     const Data whole;
     const std::size_t offset;
@@ -66,7 +66,7 @@ void NEBValue::releaseText(const SharedText* text) {
         return;
     }
     if (text->isHeldPiece) {
-        delete static_cast<const HeldPiece*>(text);
+        delete static_cast<const SharedSlice*>(text);
     } else {
         ::operator delete(const_cast<SharedText*>(text));
     }
@@ -82,7 +82,7 @@ const NEBValue::SharedText* NEBValue::sharedText() const {
 
 std::string_view NEBValue::textOf(const SharedText& shared) {
     if (shared.isHeldPiece) {
-        const auto& piece = static_cast<const HeldPiece&>(shared);
+        const auto& piece = static_cast<const SharedSlice&>(shared);
         return piece.whole.bytes().substr(piece.offset, piece.length);
     }
     return {reinterpret_cast<const char*>(&shared) + sizeof(SharedText), shared.length};
@@ -112,7 +112,7 @@ NEBValue::NEBValue(const Data& whole, std::string_view piece) {
     const auto offset = static_cast<std::size_t>(piece.data() - whole.bytes().data());
     if (piece.size() > std::numeric_limits<std::uint16_t>::max() ||
         offset > std::numeric_limits<std::uint32_t>::max()) {
-        hold<const Shared*>(Kind::string, new HeldPiece(whole, offset, piece.size()));
+        hold<const Shared*>(Kind::string, new SharedSlice(whole, offset, piece.size()));
         return;
     }
     hold<const Shared*>(Kind::piece, whole._block);
@@ -123,7 +123,7 @@ NEBValue::NEBValue(const Data& whole, std::string_view piece) {
     shared()->retain();
 }
 
-std::string_view NEBValue::textOfPiece() const {
+std::string_view NEBValue::textOfSlice() const {
     std::uint32_t offset = 0;
     std::memcpy(&offset, &_bits.content[offsetIndex], sizeof offset);
     const std::size_t length =
@@ -152,7 +152,7 @@ std::optional<std::string_view> NEBValue::string() const {
         return std::string_view(_bits.content.data(), _bits.length);
     }
     if (_bits.kind == Kind::piece) {
-        return textOfPiece();
+        return textOfSlice();
     }
     return _bits.kind == Kind::string
                ? std::optional(textOf(*static_cast<const SharedText*>(shared())))

@@ -134,7 +134,7 @@ private:
     };
     /// The shared content of a string.
     struct SharedText;
-    struct HeldPiece;
+    struct SharedSlice;
     /// The shared content of the other kinds.
     struct SharedContent : Shared {
         virtual ~SharedContent() = default;
@@ -174,7 +174,7 @@ private:
     /// Returns the text of a string value as shared content, retained for the caller.
     [[nodiscard]] const SharedText* sharedText() const;
     [[nodiscard]] static std::string_view textOf(const SharedText& shared);
-    [[nodiscard]] std::string_view textOfPiece() const;
+    [[nodiscard]] std::string_view textOfSlice() const;
 
     /// The longest string that is stored in the value itself; enough for an abbreviated revision.
     static constexpr std::size_t shortLength = 13;

@@ -15,7 +15,7 @@ constexpr int firstFreeDescriptor = 3;
 constexpr int largeCapacity = 1 << 20;
 
 /// Moves a descriptor to a number above the standard streams. Returns 0 or an error number.
-int liftAboveStandardStreams(FileDescriptor& descriptor) {
+int moveAboveStandardStreams(FileDescriptor& descriptor) {
     if (descriptor.get() >= firstFreeDescriptor) {
         return 0;
     }
@@ -57,7 +57,7 @@ int openPipe(Pipe& pipe, PipeSize size) {
     }
     Pipe opened{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
     for (FileDescriptor* end : {&opened.readEnd, &opened.writeEnd}) {
-        if (const int failure = liftAboveStandardStreams(*end); failure != 0) {
+        if (const int failure = moveAboveStandardStreams(*end); failure != 0) {
             return failure;
         }
     }

@@ -61,7 +61,7 @@ namespace neb {
 /// Calls `visit` with each substring between separators, in order. A text without a separator is
 /// one substring; a text that ends with a separator has an empty last one.
 template <typename Visit>
-void forEachPiece(std::string_view text, char separator, Visit visit) {
+void forEachField(std::string_view text, char separator, Visit visit) {
     std::size_t end = 0;
     while ((end = text.find(separator)) != std::string_view::npos) {
         visit(text.substr(0, end));
@@ -70,8 +70,8 @@ void forEachPiece(std::string_view text, char separator, Visit visit) {
     visit(text);
 }
 
-/// Returns the number of substrings that forEachPiece() visits.
-[[nodiscard]] inline std::size_t pieceCount(std::string_view text, char separator) {
+/// Returns the number of substrings that forEachField() visits.
+[[nodiscard]] inline std::size_t fieldCount(std::string_view text, char separator) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1;
 }
 
@@ -84,7 +84,7 @@ void forEachLine(std::string_view text, Visit visit) {
     } else if (text.empty()) {
         return;
     }
-    forEachPiece(text, '\n', visit);
+    forEachField(text, '\n', visit);
 }
 
 }  // namespace neb

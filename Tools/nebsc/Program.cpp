@@ -39,12 +39,11 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
     std::unique_ptr<const NEBSourceControlProtocol> controller;
     if (isForVersions || commandLine.command()->needsPlugIn) {
         if (!plugIn.load.plugIn) {
-            return refusal(withSingleQuotes(plugIn.load.failure), exitNotUnderstood);
+            return refusal(withSingleQuotes(plugIn.load.failure), exitUsageError);
         }
         controller = plugIn.load.plugIn->makePrincipalClass();
         if (!controller) {
-            return refusal("plug-in " + inQuotes(path) + " has no principal class",
-                           exitNotUnderstood);
+            return refusal("plug-in " + inQuotes(path) + " has no principal class", exitUsageError);
         }
     }
     const HostSession session(std::move(controller), arguments.has(traceOption));

@@ -64,7 +64,7 @@ TEST(Text, LineEndsOfAllKindsAreTrimmedAtBothEnds) {
 TEST(Text, ThereIsOneMoreSubstringThanSeparators) {
     const auto piecesOf = [](std::string_view text) {
         std::vector<std::string_view> pieces;
-        forEachPiece(text, '\n', [&pieces](std::string_view piece) { pieces.push_back(piece); });
+        forEachField(text, '\n', [&pieces](std::string_view piece) { pieces.push_back(piece); });
         return pieces;
     };
     using Pieces = std::vector<std::string_view>;

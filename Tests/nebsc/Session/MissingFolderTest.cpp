@@ -27,7 +27,7 @@ TEST_F(MissingFolderTest, CreatesAndRemovesTheParents) {
     MissingFolder folder(top.path("a/b/c"));
     EXPECT_FALSE(folder.make());
     EXPECT_TRUE(fs::is_directory(top.path("a/b/c")));
-    EXPECT_FALSE(folder.removeAgain());
+    EXPECT_FALSE(folder.rollBack());
     EXPECT_FALSE(exists("a"));
     EXPECT_TRUE(fs::exists(top.path()));
 }
@@ -46,7 +46,7 @@ TEST_F(MissingFolderTest, KeepsAParentThatIsNotEmpty) {
         MissingFolder folder(top.path("a/b"));
         EXPECT_FALSE(folder.make());
         top.write("a/other", "x");
-        EXPECT_FALSE(folder.removeAgain());
+        EXPECT_FALSE(folder.rollBack());
     }
     EXPECT_FALSE(exists("a/b"));
     EXPECT_EQ(top.read("a/other"), "x");
@@ -58,7 +58,7 @@ TEST_F(MissingFolderTest, NeverRemovesWhatExistedBefore) {
     for (const char* name : {"a", "empty", "a/file"}) {
         MissingFolder folder(top.path(name));
         EXPECT_FALSE(folder.make()) << name;
-        EXPECT_FALSE(folder.removeAgain()) << name;
+        EXPECT_FALSE(folder.rollBack()) << name;
     }
     EXPECT_EQ(top.read("a/file"), "x");
     EXPECT_TRUE(exists("empty"));
@@ -81,7 +81,7 @@ TEST_F(MissingFolderTest, AFailureNamesTheFolderAndTheCause) {
     EXPECT_EQ(failure->errorNumber, ENOTDIR);
     EXPECT_EQ(failure->description,
               "The folder '" + top.path("new/../file/a") + "' could not be made: Not a directory.");
-    EXPECT_FALSE(folder.removeAgain());
+    EXPECT_FALSE(folder.rollBack());
     EXPECT_FALSE(exists("new"));
 }
 
@@ -91,7 +91,7 @@ TEST_F(MissingFolderTest, ReportsAFolderThatCannotBeRemoved) {
     MissingFolder folder(own.path("a/b"));
     EXPECT_FALSE(folder.make());
     fs::permissions(own.path("a"), fs::perms::owner_read | fs::perms::owner_exec);
-    const auto failure = folder.removeAgain();
+    const auto failure = folder.rollBack();
     fs::permissions(own.path("a"), fs::perms::owner_all);
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->description, "The folder '" + own.path("a/b") +

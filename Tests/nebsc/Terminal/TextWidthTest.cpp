@@ -48,16 +48,16 @@ TEST(LocalTime, FollowsTheTimeZone) {
 }
 
 TEST(CutTo, LeavesTextThatFits) {
-    EXPECT_EQ(cutTo(3, "abc"), "abc");
-    EXPECT_EQ(cutTo(4, "漢字"), "漢字");
-    EXPECT_EQ(cutTo(5, ""), "");
+    EXPECT_EQ(truncated(3, "abc"), "abc");
+    EXPECT_EQ(truncated(4, "漢字"), "漢字");
+    EXPECT_EQ(truncated(5, ""), "");
 }
 
 TEST(CutTo, TruncatesLongText) {
-    EXPECT_EQ(cutTo(3, "abcd"), "ab…");
-    EXPECT_EQ(cutTo(1, "abcd"), "…");
-    EXPECT_EQ(cutTo(4, "漢字字"), "漢…");
-    EXPECT_EQ(cutTo(3, "e\u0301e\u0301e\u0301x"), "e\u0301e\u0301…");
+    EXPECT_EQ(truncated(3, "abcd"), "ab…");
+    EXPECT_EQ(truncated(1, "abcd"), "…");
+    EXPECT_EQ(truncated(4, "漢字字"), "漢…");
+    EXPECT_EQ(truncated(3, "e\u0301e\u0301e\u0301x"), "e\u0301e\u0301…");
 }
 
 TEST(Fitting, ReturnsAllTextWithoutATerminal) {

@@ -213,7 +213,7 @@ bool CommandTask::addFailureOf(const Outcome& outcome, SilentFailure silentFailu
     if (outcome.error) {
         CommandOutput failure = failureAbout(names(), *outcome.error);
         if (const std::string text = textFor(*outcome.error); !text.empty()) {
-            failure.standardError = complaint(text);
+            failure.standardError = diagnostic(text);
         }
         addFailure(output, failure);
         return true;
@@ -325,8 +325,9 @@ std::optional<std::string> CommandTask::textOfArrived(const NEBSourceControlResu
 }
 
 RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {
-    return {_call.session.carryOut(operation, interruptibleRunner(_interruption, *_progress)),
-            std::nullopt};
+    return {
+        _call.session.performOperation(operation, interruptibleRunner(_interruption, *_progress)),
+        std::nullopt};
 }
 
 std::optional<CommandOutput> CommandTask::performFirst(

@@ -32,7 +32,7 @@ std::string_view classOfSilentFailure(const TerminationStatus& status) {
 
 bool hasLineEndingWith(std::string_view text, std::string_view end) {
     bool isFound = false;
-    forEachPiece(text, '\n',
+    forEachField(text, '\n',
                  [&](std::string_view line) { isFound = isFound || line.ends_with(end); });
     return isFound;
 }
@@ -78,7 +78,7 @@ CommandOutput failureAbout(const std::vector<std::string>& names,
                            const NEBSourceControlError& error) {
     NEBSourceControlError shown = error;
     for (const std::string& name : names) {
-        forEachPiece(name, '/',
+        forEachField(name, '/',
                      [&shown](std::string_view component) { makePrintable(shown, component); });
     }
     CommandOutput failure = failureWith(shown);
@@ -289,9 +289,8 @@ void addConflicts(CommandOutput& output, const GitQueries& git, std::string_view
     if (!conflicts.status.isSuccess()) {
         addFailure(output, failureOfQuery(git, conflicts));
     } else if (!conflicts.output.empty()) {
-        addFailure(output,
-                   refusalAboutFiles(git.workingCopy(), text, textsBetweenNULs(conflicts.output),
-                                     NEBSourceControlConflictErrorClass));
+        addFailure(output, refusalAboutFiles(git.workingCopy(), text, splitAtNUL(conflicts.output),
+                                             NEBSourceControlConflictErrorClass));
     }
 }
 

@@ -18,7 +18,7 @@ bool GitQueries::succeeds(std::vector<std::string> arguments) const {
 }
 
 std::optional<std::string> GitQueries::outputOf(std::vector<std::string> arguments) const {
-    return answerOf(run(std::move(arguments)));
+    return trimmedOutputOf(run(std::move(arguments)));
 }
 
 std::vector<std::string> GitQueries::linesOf(std::vector<std::string> arguments) const {
@@ -36,7 +36,7 @@ ChildOutcome GitQueries::runForCommit(const std::string& revision) const {
 
 std::optional<std::string> GitQueries::commitId(const std::string& revision) const {
     const auto known = _workingCopy.revisions.commits.find(revision);
-    return known == _workingCopy.revisions.commits.end() ? answerOf(runForCommit(revision))
+    return known == _workingCopy.revisions.commits.end() ? trimmedOutputOf(runForCommit(revision))
                                                          : known->second;
 }
 

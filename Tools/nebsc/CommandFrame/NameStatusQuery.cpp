@@ -8,7 +8,7 @@ namespace neb::nebsc {
 /// before the path.
 std::vector<NameStatusEntry> nameStatusEntriesIn(std::string_view output) {
     std::vector<NameStatusEntry> entries;
-    const std::vector<std::string> texts = textsBetweenNULs(output);
+    const std::vector<std::string> texts = splitAtNUL(output);
     std::size_t i = 0;
     while (i + 1 < texts.size() && !texts[i].empty()) {
         NameStatusEntry entry{.letter = texts[i].front(), .path = texts[i + 1]};

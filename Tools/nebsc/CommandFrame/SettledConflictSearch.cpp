@@ -99,7 +99,7 @@ void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
     }
     // git-ls-files(1): mode, object, stage (0: not in conflict), TAB, name.
     std::set<std::string> settled;
-    for (const std::string& entry : textsBetweenNULs(index.output)) {
+    for (const std::string& entry : splitAtNUL(index.output)) {
         const std::size_t tab = entry.find('\t');
         if (tab != std::string::npos && entry.substr(0, tab).ends_with(" 0")) {
             settled.insert(entry.substr(tab + 1));
@@ -109,11 +109,11 @@ void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
                   [&](const std::string& file) { return !settled.contains(file); });
 }
 
-std::optional<std::vector<std::string>> SettledConflictSearch::optionsAgainstPrograms() const {
+std::optional<std::vector<std::string>> SettledConflictSearch::optionsDisablingPrograms() const {
     std::vector<std::string> options;
     const ChildOutcome settings =
         _git.run({"config", "--null", "--name-only", "--get-regexp", programSettingsPattern});
-    for (const std::string& name : textsBetweenNULs(settings.output)) {
+    for (const std::string& name : splitAtNUL(settings.output)) {
         const auto* setting = std::find_if(
             std::begin(programSettings), std::end(programSettings), [&](const auto& candidate) {
                 return name.starts_with(candidate.section) && name.ends_with(candidate.end);
@@ -136,7 +136,7 @@ SettledConflicts SettledConflictSearch::search() const {
         return unknownConflicts("this requires git " + oldestGitThatMergesInMemory().text() +
                                 " or newer");
     }
-    auto arguments = optionsAgainstPrograms();
+    auto arguments = optionsDisablingPrograms();
     if (!arguments) {
         return unknownConflicts("the name of a merge driver or filter contains '='");
     }
@@ -147,7 +147,7 @@ SettledConflicts SettledConflictSearch::search() const {
     if (!merge.status.isSuccess() && merge.status.exitStatus() != hasConflicts) {
         return unknownConflicts(reasonOf(merge));
     }
-    std::vector<std::string> files = textsBetweenNULs(merge.output);
+    std::vector<std::string> files = splitAtNUL(merge.output);
     if (files.empty()) {
         return unknownConflicts("git printed nothing");
     }
@@ -164,15 +164,15 @@ void SettledConflictSearch::report(const Outcome& outcome, const SideNames& name
     const std::string kept(names.kept);
     const std::string leftOut(names.leftOut);
     if (conflicts->files) {
-        output.standardError += complaint("Both sides changed the same lines or binary files; " +
-                                          kept + " were kept and " + leftOut + " dropped in:");
+        output.standardError += diagnostic("Both sides changed the same lines or binary files; " +
+                                           kept + " were kept and " + leftOut + " dropped in:");
         for (const std::string& file : *conflicts->files) {
             output.standardError += "    " + shownPath(_git.workingCopy(), file) + "\n";
         }
     } else {
         output.standardError +=
-            complaint("Where both sides changed the same lines, " + kept + " were kept and " +
-                      leftOut + " dropped; the files are not known: " + conflicts->failure + ".");
+            diagnostic("Where both sides changed the same lines, " + kept + " were kept and " +
+                       leftOut + " dropped; the files are not known: " + conflicts->failure + ".");
     }
     output.standardError +=
         inQuotes("git diff " + shortened(_sides->kept) + "..." + shortened(_sides->leftOut)) +

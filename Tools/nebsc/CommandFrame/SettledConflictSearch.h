@@ -63,7 +63,7 @@ private:
     void removeUnsettled(SettledConflicts& conflicts) const;
     /// Returns git options that replace the user's programs for merges and filters; absent if they
     /// cannot all be replaced.
-    [[nodiscard]] std::optional<std::vector<std::string>> optionsAgainstPrograms() const;
+    [[nodiscard]] std::optional<std::vector<std::string>> optionsDisablingPrograms() const;
 
     const GitQueries& _git;
     std::optional<Sides> _sides;

@@ -11,7 +11,7 @@ namespace neb::nebsc {
 /// An entry is "MODE TYPE OBJECT" TAB "NAME" NUL.
 std::vector<TreeEntry> treeEntriesIn(std::string_view output) {
     std::vector<TreeEntry> entries;
-    for (const std::string& text : textsBetweenNULs(output)) {
+    for (const std::string& text : splitAtNUL(output)) {
         Scanner scanner(text);
         scanner.takeUpToSpace();  // the mode
         scanner.skipSpace();

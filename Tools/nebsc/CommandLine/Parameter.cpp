@@ -6,7 +6,7 @@ namespace neb::nebsc {
 
 std::vector<std::string_view> spellingsOf(const Parameter& parameter) {
     std::vector<std::string_view> spellings;
-    forEachPiece(parameter.name, ',',
+    forEachField(parameter.name, ',',
                  [&spellings](std::string_view spelling) { spellings.push_back(spelling); });
     return spellings;
 }
@@ -18,7 +18,7 @@ std::string longName(const Parameter& parameter) {
 std::vector<std::string> choicesOf(const Parameter& parameter) {
     std::vector<std::string> choices;
     if (parameter.valueName.find('|') != std::string_view::npos) {
-        forEachPiece(parameter.valueName, '|',
+        forEachField(parameter.valueName, '|',
                      [&choices](std::string_view choice) { choices.emplace_back(choice); });
     }
     return choices;

@@ -117,7 +117,7 @@ UsageError invalidArguments(std::string message) {
 }
 
 CommandOutput outputOf(const UsageError& error, std::span<const Command* const> allCommands) {
-    CommandOutput output = refusal(messageFor(error, allCommands), exitNotUnderstood);
+    CommandOutput output = refusal(messageFor(error, allCommands), exitUsageError);
     output.standardError += adviceFor(error) + "\n";
     return output;
 }

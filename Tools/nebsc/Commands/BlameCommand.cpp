@@ -64,7 +64,7 @@ std::vector<std::string> linesOf(std::string_view content) {
     std::vector<std::string> lines;
     if (!content.empty()) {
         content.remove_suffix(content.ends_with('\n') ? 1 : 0);
-        forEachPiece(content, '\n',
+        forEachField(content, '\n',
                      [&lines](std::string_view line) { lines.push_back(printableLine(line)); });
     }
     return lines;

@@ -197,8 +197,7 @@ std::optional<CommandOutput> ExportTreeTask::refusalOfBlockingFolder() {
     if (!isFolder(folder())) {
         return std::nullopt;
     }
-    for (const std::string& entry :
-         textsBetweenNULs(git().run({"ls-files", "--stage", "-z"}).output)) {
+    for (const std::string& entry : splitAtNUL(git().run({"ls-files", "--stage", "-z"}).output)) {
         const std::string path =
             pathByAppendingComponent(folder(), entry.substr(entry.find('\t') + 1));
         const bool isSubmodule = entry.starts_with("160000 ");
@@ -230,7 +229,7 @@ void ExportTreeTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
 /// git silently skips the files outside a sparse checkout.
 void ExportTreeTask::noteSparseFiles(CommandOutput& output) {
     const ChildOutcome outcome = git().run({"ls-files", "-t", "-z"});
-    const std::vector<std::string> entries = textsBetweenNULs(outcome.output);
+    const std::vector<std::string> entries = splitAtNUL(outcome.output);
     const auto count = std::count_if(entries.begin(), entries.end(), [](const std::string& entry) {
         return entry.starts_with("S ");
     });

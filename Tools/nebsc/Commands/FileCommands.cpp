@@ -70,7 +70,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
         return failureOfQuery(git(), status, paths(files));
     }
     std::vector<std::string> changed;
-    for (const std::string& line : textsBetweenNULs(status.output)) {
+    for (const std::string& line : splitAtNUL(status.output)) {
         constexpr std::size_t stateLength = 3;
         // A file that is only deleted has nothing left to lose.
         if (line.size() > stateLength && !line.starts_with(" D ") && !line.starts_with("D  ")) {

@@ -36,7 +36,7 @@ std::optional<std::int32_t> countIn(std::string_view text) {
 std::string subjectOf(std::string_view message) {
     std::string subject;
     bool isAfter = false;
-    forEachPiece(message, '\n', [&](std::string_view line) {
+    forEachField(message, '\n', [&](std::string_view line) {
         line = textByTrimmingLineEnds(line);
         isAfter = isAfter || line.empty();
         if (!isAfter) {
@@ -184,7 +184,7 @@ std::string LogTask::blockOf(const NEBDictionary& record) const {
     const std::string_view message = record.text(NEBSourceControlOperationMessageKey);
     if (!message.empty()) {
         block += "\n";
-        forEachPiece(message, '\n', [&block](std::string_view line) {
+        forEachField(message, '\n', [&block](std::string_view line) {
             line = textByTrimmingLineEnds(line);
             block.append(line.empty() ? "" : indent).append(printableLine(line)).append("\n");
         });

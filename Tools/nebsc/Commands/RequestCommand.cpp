@@ -34,11 +34,11 @@ CommandOutput run(const CommandCall& call) {
     const InputReading input =
         readInput(call.arguments.value("FILE").value_or("-"), longestJSONText);
     if (!input.bytes) {
-        return refusal(input.failure, exitNotUnderstood);
+        return refusal(input.failure, exitUsageError);
     }
     const RequestReading reading = requestFromJSON(*input.bytes);
     if (!reading.request) {
-        return refusal(reading.refusal, exitNotUnderstood);
+        return refusal(reading.refusal, exitUsageError);
     }
     // Created only now, so that a signal ends nebsc at once while it reads.
     Interruption interruption(call.timeLimit);
@@ -59,7 +59,7 @@ CommandOutput run(const CommandCall& call) {
     // No child runs any more: from here on a signal may end nebsc at once.
     const std::optional<int> signalNumber = interruption.end();
     if (const auto& value = requestResult.refusedValue) {
-        return refusal(sentenceOfRefusedValue(*value), exitNotUnderstood);
+        return refusal(sentenceOfRefusedValue(*value), exitUsageError);
     }
     CommandOutput output;
     if (!takeEndOfOutput(streamedOutput, *requestResult.outcome)) {

@@ -78,8 +78,8 @@ void TrackTask::report(const Outcome& outcome, CommandOutput& output) {
     // The operation goes on if the fetch fails because it may not overwrite a tag.
     if (!outcome.commands.empty() && outcome.commands.front().terminationStatus != 0) {
         output.standardError +=
-            complaint("The fetch did not complete; " +
-                      inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " shows why.");
+            diagnostic("The fetch did not complete; " +
+                       inQuotes("nebsc fetch " + shellQuoted(_tracking.remote)) + " shows why.");
     }
 }
 

@@ -10,7 +10,7 @@ CommandOutput outputWithVersions(const NEBSourceControlPlugIn& plugIn, const Tra
                                  bool isJSON) {
     Interruption interruption;
     const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
-    const std::optional<std::string> gitVersion = answerOf(git);
+    const std::optional<std::string> gitVersion = trimmedOutputOf(git);
     CommandOutput output;
     if (interruption.signalNumber()) {
         noteInterruption(output, interruption.end());

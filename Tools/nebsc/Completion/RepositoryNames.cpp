@@ -72,7 +72,7 @@ std::vector<Candidate> RepositoryNames::referencesBelow(const std::vector<std::s
     std::vector<Candidate> names;
     for (const std::string& prefix : prefixes) {
         const auto kind = kinds.find(prefix);
-        forEachPiece(output, '\n', [&](std::string_view reference) {
+        forEachField(output, '\n', [&](std::string_view reference) {
             if (reference.starts_with(prefix) && !isHEADOfRemote(reference)) {
                 names.push_back({std::string(reference.substr(prefix.size())),
                                  kind == kinds.end() ? "" : kind->second});
@@ -123,7 +123,7 @@ std::vector<Candidate> RepositoryNames::remotes() {
 std::vector<Candidate> RepositoryNames::locations() {
     std::vector<Candidate> names;
     for (const std::string& setting :
-         textsBetweenNULs(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
+         splitAtNUL(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
         const std::size_t lineEnd = setting.find('\n');
         const std::string location =
             lineEnd == std::string::npos ? "" : setting.substr(lineEnd + 1);

@@ -36,7 +36,8 @@ FormerState formerStateOf(const CommitGraph& graph) {
 /// Returns whether the newest commits are missing in the graph. git-maintenance(1) considers a
 /// graph outdated without a hundred commits.
 bool isOutdated(SpeedExamination& speed, const CommitGraph& graph) {
-    const auto older = answerOf(speed.query({"rev-list", "--max-count=1", "--skip=100", "HEAD"}));
+    const auto older =
+        trimmedOutputOf(speed.query({"rev-list", "--max-count=1", "--skip=100", "HEAD"}));
     return older && !graph.contains(*older);
 }
 
@@ -47,11 +48,11 @@ std::string obstacleIn(SpeedExamination& speed) {
     if (isSameSetting(settings.lastValue("core.commitGraph"), "false")) {
         return "git ignores commit-graphs, because core.commitGraph is false.";
     }
-    if (answerOf(speed.query({"rev-parse", "--is-shallow-repository"})) == "true") {
+    if (trimmedOutputOf(speed.query({"rev-parse", "--is-shallow-repository"})) == "true") {
         return "git uses no commit-graph in a shallow clone; 'git fetch --unshallow' completes it.";
     }
     if (isAnythingAt(pathByAppendingComponent(common, "info/grafts")) ||
-        answerOf(speed.query({"for-each-ref", "--count=1", "refs/replace/"}))) {
+        trimmedOutputOf(speed.query({"for-each-ref", "--count=1", "refs/replace/"}))) {
         return "git uses no commit-graph while commits are replaced, see git-replace(1).";
     }
     if (settings.hasCloneFilter("tree:")) {
@@ -65,14 +66,14 @@ std::string someFile(SpeedExamination& speed) {
     const ChildOutcome outcome =
         speed.query({"log", "--max-count=1", "--first-parent", "-m", "--format=", "--name-only",
                      "--no-renames", "--diff-filter=AM", "-z", "HEAD"});
-    const std::vector<std::string> paths = textsBetweenNULs(outcome.output);
+    const std::vector<std::string> paths = splitAtNUL(outcome.output);
     return paths.empty() ? "" : paths.front();
 }
 
 }  // namespace
 
 std::optional<Slowness> detectMissingCommitGraph(SpeedExamination& speed) {
-    if (!answerOf(speed.query({"rev-parse", "--verify", "--quiet", "HEAD^{commit}"}))) {
+    if (!trimmedOutputOf(speed.query({"rev-parse", "--verify", "--quiet", "HEAD^{commit}"}))) {
         return std::nullopt;
     }
     const std::string objects =

@@ -27,10 +27,10 @@ ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls,
     if (limit) {
         deadline.emplace(std::chrono::steady_clock::now() + *limit, cancel);
     }
-    return runGits(process, _trace, std::move(calls),
-                   {.folder = _folder,
-                    .variables = variablesAgainstFetching(),
-                    .traits = {.isBackgroundWork = true}});
+    return runGitProcesses(process, _trace, std::move(calls),
+                           {.folder = _folder,
+                            .variables = variablesAgainstFetching(),
+                            .traits = {.isBackgroundWork = true}});
 }
 
 ChildOutcome Examination::runWithTimeLimit(std::vector<std::vector<std::string>> calls) {
@@ -63,7 +63,8 @@ ChildOutcome Examination::queryWithoutTimeLimit(std::vector<std::string> argumen
 }
 
 std::string Examination::gitPath(const std::string& name) {
-    const auto path = answerOf(query({"rev-parse", "--path-format=absolute", "--git-path", name}));
+    const auto path =
+        trimmedOutputOf(query({"rev-parse", "--path-format=absolute", "--git-path", name}));
     return path.value_or(pathByAppendingComponent(repository ? repository->gitFolder : "", name));
 }
 

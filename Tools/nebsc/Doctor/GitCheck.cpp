@@ -43,7 +43,7 @@ void checkPrograms(Examination& examination) {
                         "does not report the folder of its programs: " + reasonOf(outcome));
         return;
     }
-    examination.programs = answerOf(outcome).value_or("");
+    examination.programs = trimmedOutputOf(outcome).value_or("");
     if (examination.isReachable("git-remote-https")) {
         examination.add(Health::ok, "https", "git supports HTTPS");
     } else {
@@ -61,7 +61,7 @@ void checkGit(Examination& examination) {
         addFailure(examination, outcome);
         return;
     }
-    const std::string text = answerOf(outcome).value_or("");
+    const std::string text = trimmedOutputOf(outcome).value_or("");
     const auto version = gitVersionIn(text);
     if (!version) {
         examination.add(Health::problem, "git",

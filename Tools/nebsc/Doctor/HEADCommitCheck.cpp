@@ -27,15 +27,16 @@ void addUnresolved(Examination& examination) {
 }
 
 bool isPartialClone(Examination& examination) {
-    return answerOf(examination.query({"config", "--get-regexp",
-                                       R"(^(extensions\.partialclone|remote\..*\.promisor)$)"}))
+    return trimmedOutputOf(
+               examination.query({"config", "--get-regexp",
+                                  R"(^(extensions\.partialclone|remote\..*\.promisor)$)"}))
         .has_value();
 }
 
 /// Returns the missing object in the output of git rev-list(1) --missing=print; empty without one.
 std::string missingObjectIn(std::string_view list) {
     std::string object;
-    forEachPiece(list, '\n', [&object](std::string_view line) {
+    forEachField(list, '\n', [&object](std::string_view line) {
         if (line.starts_with('?')) {
             object = line.substr(1);
         }

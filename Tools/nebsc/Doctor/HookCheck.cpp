@@ -134,7 +134,7 @@ bool checkHook(Examination& examination, const std::string& path) {
 void checkHooks(Examination& examination) {
     const std::string folder = examination.gitPath("hooks");
     const std::string configured =
-        answerOf(examination.query({"config", "--get", "core.hooksPath"})).value_or("");
+        trimmedOutputOf(examination.query({"config", "--get", "core.hooksPath"})).value_or("");
     std::error_code ignored;
     if (!configured.empty() && configured != "/dev/null" &&
         !std::filesystem::is_directory(folder, ignored)) {

@@ -53,7 +53,7 @@ void checkIdentity(Examination& examination) {
     std::string author;
     for (const Role& role : roles) {
         const ChildOutcome outcome = examination.query({"var", role.variable});
-        const auto identity = answerOf(outcome);
+        const auto identity = trimmedOutputOf(outcome);
         if (!identity) {
             examination.add(
                 Health::problem, subject,

@@ -14,7 +14,7 @@ constexpr std::size_t mostFindings = 50;
 /// Returns the messages of git fsck(1). A line that begins with a blank continues the one before.
 std::vector<std::string> messagesIn(std::string_view text) {
     std::vector<std::string> messages;
-    forEachPiece(text, '\n', [&messages](std::string_view line) {
+    forEachField(text, '\n', [&messages](std::string_view line) {
         const std::size_t begin = line.find_first_not_of(' ');
         if (begin == std::string_view::npos) {
             return;

@@ -66,7 +66,7 @@ void checkObjects(Examination& examination) {
     bool isDamaged = !checkShallowFile(examination);
     // Opens the object database and all alternates, and lists the packs.
     const ChildOutcome count = examination.query({"count-objects", "-v"});
-    forEachPiece(count.errorOutput, '\n', [&](std::string_view line) {
+    forEachField(count.errorOutput, '\n', [&](std::string_view line) {
         isDamaged = addIfDamage(examination, line) || isDamaged;
     });
     if (!count.status.isSuccess() && !isDamaged) {

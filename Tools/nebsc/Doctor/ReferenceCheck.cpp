@@ -41,7 +41,7 @@ std::string adviceOn(Examination& examination, const Warning& warning, const std
 
 std::vector<Finding> findingsIn(Examination& examination, std::string_view stderrText) {
     std::vector<Finding> findings;
-    forEachPiece(stderrText, '\n', [&](std::string_view line) {
+    forEachField(stderrText, '\n', [&](std::string_view line) {
         for (const Warning& warning : warnings) {
             if (line.starts_with(warning.text)) {
                 const std::string name(line.substr(warning.text.size()));
@@ -60,7 +60,7 @@ using NamesByObject = std::multimap<std::string_view, std::string_view>;
 /// Returns the names of the references by object, from a list of "OBJECT NAME" lines.
 NamesByObject namesByObject(std::string_view list) {
     NamesByObject names;
-    forEachPiece(list, '\n', [&names](std::string_view line) {
+    forEachField(list, '\n', [&names](std::string_view line) {
         const std::size_t blank = line.find(' ');
         if (blank != std::string_view::npos) {
             names.emplace(line.substr(0, blank), line.substr(blank + 1));
@@ -74,14 +74,14 @@ NamesByObject namesByObject(std::string_view list) {
 std::set<std::string_view> missingObjectsIn(const ChildOutcome& outcome,
                                             const NamesByObject& names) {
     std::set<std::string_view> missing;
-    forEachPiece(outcome.output, '\n', [&missing](std::string_view line) {
+    forEachField(outcome.output, '\n', [&missing](std::string_view line) {
         constexpr std::string_view mark = " missing";
         if (line.ends_with(mark)) {
             missing.insert(line.substr(0, line.size() - mark.size()));
         }
     });
-    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
-        forEachPiece(line, ' ', [&](std::string_view part) {
+    forEachField(outcome.errorOutput, '\n', [&](std::string_view line) {
+        forEachField(line, ' ', [&](std::string_view part) {
             if (names.contains(part)) {
                 missing.insert(part);
             }

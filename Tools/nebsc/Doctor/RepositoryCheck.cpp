@@ -63,11 +63,12 @@ void checkRepository(Examination& examination) {
         return;
     }
     RepositoryLayout layout{
-        .gitFolder = answerOf(outcome).value_or(""), .commonFolder = {}, .workingCopy = {}};
-    layout.commonFolder =
-        answerOf(examination.query({"rev-parse", "--path-format=absolute", "--git-common-dir"}))
-            .value_or(layout.gitFolder);
-    layout.workingCopy = answerOf(examination.query({"rev-parse", "--show-toplevel"})).value_or("");
+        .gitFolder = trimmedOutputOf(outcome).value_or(""), .commonFolder = {}, .workingCopy = {}};
+    layout.commonFolder = trimmedOutputOf(examination.query({"rev-parse", "--path-format=absolute",
+                                                             "--git-common-dir"}))
+                              .value_or(layout.gitFolder);
+    layout.workingCopy =
+        trimmedOutputOf(examination.query({"rev-parse", "--show-toplevel"})).value_or("");
     examination.add(Health::ok, "repository",
                     layout.workingCopy.empty()
                         ? layout.gitFolder + ", without a working copy"

@@ -102,7 +102,8 @@ const ObjectCounts& SpeedExamination::objects() {
 
 const std::optional<IndexFile>& SpeedExamination::index() {
     if (!_hasReadIndex) {
-        const bool isSHA256 = answerOf(query({"rev-parse", "--show-object-format"})) == "sha256";
+        const bool isSHA256 =
+            trimmedOutputOf(query({"rev-parse", "--show-object-format"})) == "sha256";
         _index = indexFileAt(pathByAppendingComponent(repository().gitFolder, "index"),
                              isSHA256 ? 32 : 20);
         _hasReadIndex = true;

@@ -28,7 +28,7 @@ std::optional<bool> booleanOf(std::string_view text) {
 }  // namespace
 
 UserSettings::UserSettings(std::string_view list) {
-    const std::vector<std::string> texts = textsBetweenNULs(list);
+    const std::vector<std::string> texts = splitAtNUL(list);
     for (std::size_t i = 0; i + 1 < texts.size(); i += 2) {
         const std::string& entry = texts[i + 1];
         const std::size_t lineEnd = entry.find('\n');

@@ -14,7 +14,7 @@ void checkWorktrees(Examination& examination) {
     constexpr std::string_view worktree = "worktree ";
     constexpr std::string_view prunable = "prunable ";
     std::string path;
-    forEachPiece(list.output, '\n', [&](std::string_view line) {
+    forEachField(list.output, '\n', [&](std::string_view line) {
         if (line.starts_with(worktree)) {
             path = line.substr(worktree.size());
         } else if (line.starts_with(prunable)) {

@@ -36,7 +36,7 @@ std::string wrapped(std::string_view text, std::size_t indent) {
     constexpr std::size_t width = 80;
     std::string lines;
     std::size_t column = indent;
-    forEachPiece(text, ' ', [&](std::string_view word) {
+    forEachField(text, ' ', [&](std::string_view word) {
         if (column != indent && column + 1 + word.size() > width) {
             lines.append("\n").append(indent, ' ');
             column = indent;

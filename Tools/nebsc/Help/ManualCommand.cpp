@@ -118,7 +118,7 @@ std::string proseOf(std::string_view lines, Before before) {
     std::string text;
     bool isExample = false;
     bool isParagraphOver = before == Before::paragraph;
-    forEachPiece(lines, '\n', [&](std::string_view line) {
+    forEachField(lines, '\n', [&](std::string_view line) {
         const bool wasExample = isExample;
         isExample = line.starts_with(' ');
         if (isExample && !wasExample) {

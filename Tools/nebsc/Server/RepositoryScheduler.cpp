@@ -79,7 +79,7 @@ void RepositoryScheduler::add(std::optional<std::string> location, std::function
     try {
         _queue.addBlock(std::move(next));
     } catch (...) {
-        if (dropFirst(*location)) {
+        if (popFirst(*location)) {
             runNext(*location);  // added meanwhile by another thread
         }
         throw;
@@ -107,10 +107,10 @@ bool RepositoryScheduler::runFirst(const std::string& location) {
     }
     work();
     work = nullptr;
-    return dropFirst(location);
+    return popFirst(location);
 }
 
-bool RepositoryScheduler::dropFirst(const std::string& location) {
+bool RepositoryScheduler::popFirst(const std::string& location) {
     const MutexLock lock(_mutex);
     const auto waiting = _waiting.find(location);
     waiting->second.pop_front();

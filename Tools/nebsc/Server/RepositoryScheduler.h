@@ -43,7 +43,7 @@ private:
     /// Runs the first work for the location. Returns whether more is waiting.
     bool runFirst(const std::string& location);
     /// Removes the first work for the location. Returns whether more is waiting.
-    bool dropFirst(const std::string& location);
+    bool popFirst(const std::string& location);
 
     OperationQueue& _queue;
     Mutex _mutex;

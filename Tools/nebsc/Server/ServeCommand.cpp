@@ -12,7 +12,7 @@ CommandOutput run(const CommandCall& call) {
     Interruption interruption;
     const Server::End end = Server(call.session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
     CommandOutput output{.standardOutput = {},
-                         .standardError = end.failure.empty() ? "" : complaint(end.failure),
+                         .standardError = end.failure.empty() ? "" : diagnostic(end.failure),
                          .exitStatus = end.isOrderly ? exitDone : exitFailed};
     noteInterruption(output, interruption.end());
     return output;

@@ -235,7 +235,8 @@ void Server::initialize(RPCMessage& message) {
     _jobs->start(*message.id, *_scheduler, std::nullopt, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
-        const auto version = answerOf(runGit(git, _session.trace(), {"--version"}, std::nullopt));
+        const auto version =
+            trimmedOutputOf(runGit(git, _session.trace(), {"--version"}, std::nullopt));
         return rpcResult(job.id(), {{"capabilities", capabilities()},
                                     {"serverInfo", {{"name", "nebsc"}, {"version", NEBSC_VERSION}}},
                                     {"contractVersion", NEBSourceControlContractVersion},

@@ -48,12 +48,12 @@ ChildOutcome runGit(Interruption& interruption, const Trace& trace,
 
 ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::string> arguments,
                     std::optional<std::string> folder) {
-    return runGits(process, trace, {std::move(arguments)}, {.folder = std::move(folder)});
+    return runGitProcesses(process, trace, {std::move(arguments)}, {.folder = std::move(folder)});
 }
 
-ChildOutcome runGits(ChildProcess& process, const Trace& trace,
-                     std::vector<std::vector<std::string>> argumentLists,
-                     const GitSurroundings& surroundings) {
+ChildOutcome runGitProcesses(ChildProcess& process, const Trace& trace,
+                             std::vector<std::vector<std::string>> argumentLists,
+                             const GitSurroundings& surroundings) {
     const std::vector<std::string> environment = environmentFor(surroundings);
     std::vector<NEBSourceControlCommand> commands;
     std::vector<ChildLaunch> launches;
@@ -80,7 +80,7 @@ ChildOutcome runGits(ChildProcess& process, const Trace& trace,
     return std::move(outcomes.back());
 }
 
-std::optional<std::string> answerOf(const ChildOutcome& outcome) {
+std::optional<std::string> trimmedOutputOf(const ChildOutcome& outcome) {
     if (!outcome.status.isSuccess() || outcome.output.empty()) {
         return std::nullopt;
     }
@@ -95,7 +95,7 @@ std::string reasonOf(const ChildOutcome& outcome) {
     std::string reason;
     bool isFatal = false;
     bool continues = false;
-    forEachPiece(outcome.errorOutput, '\n', [&](std::string_view line) {
+    forEachField(outcome.errorOutput, '\n', [&](std::string_view line) {
         const bool startsFatal = !isFatal && line.starts_with("fatal: ");
         const std::size_t text = std::min(line.find_first_not_of(" \t"), line.size());
         if (startsFatal || (reason.empty() && text < line.size())) {
@@ -111,7 +111,7 @@ std::string reasonOf(const ChildOutcome& outcome) {
     return reason.empty() ? outcome.status.description() : reason;
 }
 
-std::vector<std::string> textsBetweenNULs(std::string_view bytes) {
+std::vector<std::string> splitAtNUL(std::string_view bytes) {
     std::vector<std::string> texts;
     while (!bytes.empty()) {
         const std::size_t end = std::min(bytes.find('\0'), bytes.size());

@@ -38,12 +38,12 @@ struct GitSurroundings {
 
 /// Runs one git process for each list of arguments, all at the same time, as a pipeline. Returns
 /// the outcome of the last process.
-[[nodiscard]] ChildOutcome runGits(ChildProcess& process, const Trace& trace,
-                                   std::vector<std::vector<std::string>> argumentLists,
-                                   const GitSurroundings& surroundings);
+[[nodiscard]] ChildOutcome runGitProcesses(ChildProcess& process, const Trace& trace,
+                                           std::vector<std::vector<std::string>> argumentLists,
+                                           const GitSurroundings& surroundings);
 
 /// Returns the output of git without its last line end; absent if git failed or printed nothing.
-[[nodiscard]] std::optional<std::string> answerOf(const ChildOutcome& outcome);
+[[nodiscard]] std::optional<std::string> trimmedOutputOf(const ChildOutcome& outcome);
 
 /// Returns the reason for a failure of git, on one line and without "fatal: ": the first line of
 /// stderr with that prefix, else the first line of stderr, else how the process ended. Continuation
@@ -51,6 +51,6 @@ struct GitSurroundings {
 [[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);
 
 /// Splits output that git wrote with "-z", where a NUL byte ends each entry.
-[[nodiscard]] std::vector<std::string> textsBetweenNULs(std::string_view bytes);
+[[nodiscard]] std::vector<std::string> splitAtNUL(std::string_view bytes);
 
 }  // namespace neb::nebsc

@@ -70,7 +70,7 @@ void runClone(NEBSourceControlOperation& operation, const std::string& destinati
             folder.keep();
         }
     }
-    if (const auto failure = folder.removeAgain()) {
+    if (const auto failure = folder.rollBack()) {
         outcome.leftFolder = failure->description;
     }
 }
@@ -108,7 +108,8 @@ RequestResult HostSession::perform(
     return {std::move(outcome), std::nullopt};
 }
 
-Outcome HostSession::carryOut(NEBSourceControlOperation& operation, const Runner& run) const {
+Outcome HostSession::performOperation(NEBSourceControlOperation& operation,
+                                      const Runner& run) const {
     Outcome outcome;
     outcome.type = operation.request()->type;
     outcome.valid = true;

@@ -55,7 +55,8 @@ public:
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr) const;
 
     /// Runs an operation that nebsc implements itself, without the plug-in.
-    [[nodiscard]] Outcome carryOut(NEBSourceControlOperation& operation, const Runner& run) const;
+    [[nodiscard]] Outcome performOperation(NEBSourceControlOperation& operation,
+                                           const Runner& run) const;
 
     /// Must not be called if the session has no principal class.
     [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }

@@ -42,7 +42,7 @@ fs::path MissingFolder::target() const {
     return _path.has_filename() ? _path : _path.parent_path();
 }
 
-std::optional<FileFailure> MissingFolder::removeAgain() {
+std::optional<FileFailure> MissingFolder::rollBack() {
     std::optional<FileFailure> failed;
     if (std::exchange(_wasEmpty, false)) {
         std::error_code failure;

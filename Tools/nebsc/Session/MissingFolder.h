@@ -23,13 +23,13 @@ public:
     explicit MissingFolder(std::string path) : _path(std::move(path)) {}
     MissingFolder(const MissingFolder&) = delete;
     MissingFolder& operator=(const MissingFolder&) = delete;
-    /// Calls removeAgain() and ignores failures.
-    ~MissingFolder() { static_cast<void>(removeAgain()); }
+    /// Calls rollBack() and ignores failures.
+    ~MissingFolder() { static_cast<void>(rollBack()); }
 
     /// Creates the folder and its parents where nothing exists. Leaves existing files and folders
     /// alone: a file at the path is not a failure here. Returns the failure, if any.
     [[nodiscard]] std::optional<FileFailure> make();
-    /// Makes removeAgain() and the destructor do nothing.
+    /// Makes rollBack() and the destructor do nothing.
     void keep() {
         _made.clear();
         _wasEmpty = false;
@@ -37,7 +37,7 @@ public:
     /// Removes the folder if make() created it, with its contents, and the parents that make()
     /// created if they are empty. If the folder existed and was empty, removes only its contents.
     /// Leaves everything else alone. Returns the first failure, if any.
-    [[nodiscard]] std::optional<FileFailure> removeAgain();
+    [[nodiscard]] std::optional<FileFailure> rollBack();
 
 private:
     /// Returns the path without a "/" at its end.

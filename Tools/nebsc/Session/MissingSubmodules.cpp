@@ -31,7 +31,7 @@ std::map<std::string, std::string> submodulesInIndex(const Trace& trace,
     constexpr std::string_view mode = "160000 ";
     std::map<std::string, std::string> commits;
     for (const std::string& entry :
-         textsBetweenNULs(outputOf(trace, folder, {"ls-files", "--stage", "-z"}))) {
+         splitAtNUL(outputOf(trace, folder, {"ls-files", "--stage", "-z"}))) {
         const std::size_t tab = entry.find('\t');
         if (entry.starts_with(mode) && tab != std::string::npos) {
             commits[entry.substr(tab + 1)] =
@@ -46,9 +46,9 @@ std::map<std::string, std::string> submodulesInIndex(const Trace& trace,
 std::set<std::string> submodulesInGitmodules(const Trace& trace, const std::string& folder) {
     std::set<std::string> paths;
     for (const std::string& entry :
-         textsBetweenNULs(outputOf(trace, folder,
-                                   {"config", "--file", ".gitmodules", "-z", "--get-regexp",
-                                    "^submodule\\..*\\.path$"}))) {
+         splitAtNUL(outputOf(trace, folder,
+                             {"config", "--file", ".gitmodules", "-z", "--get-regexp",
+                              "^submodule\\..*\\.path$"}))) {
         paths.insert(entry.substr(entry.find('\n') + 1));
     }
     return paths;

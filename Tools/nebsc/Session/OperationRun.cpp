@@ -78,8 +78,8 @@ bool takeEndOfOutput(const StreamedOutput& output, Outcome& outcome) {
 void noteReports(CommandOutput& output, const Outcome& outcome) {
     for (const LOMAssertionReport& report : outcome.reports) {
         output.standardError +=
-            complaint("The plug-in reports: " + report.message + " (" + report.function + ", " +
-                      report.file + ":" + std::to_string(report.line) + ")");
+            diagnostic("The plug-in reports: " + report.message + " (" + report.function + ", " +
+                       report.file + ":" + std::to_string(report.line) + ")");
     }
 }
 
@@ -90,7 +90,7 @@ void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome) {
     }
     const std::string subject =
         revisions.size() == 1 ? "One commit is" : std::to_string(revisions.size()) + " commits are";
-    output.standardError += complaint(
+    output.standardError += diagnostic(
         subject + " left out, because the author, the e-mail address or the message is not UTF-8:");
     constexpr std::size_t perLine = 5;
     for (std::size_t i = 0; i < revisions.size(); ++i) {
@@ -102,13 +102,13 @@ void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome) {
 
 void noteLeftFolder(CommandOutput& output, const Outcome& outcome) {
     if (!outcome.leftFolder.empty()) {
-        output.standardError += complaint(outcome.leftFolder);
+        output.standardError += diagnostic(outcome.leftFolder);
     }
 }
 
 void noteHeldOutput(CommandOutput& output, const Outcome& outcome) {
     if (outcome.outputWasHeldOpen) {
-        output.standardError += complaint(
+        output.standardError += diagnostic(
             "A process that git left behind still held its output open; what it wrote later is "
             "missing here.");
     }
@@ -126,7 +126,7 @@ void noteEndOfTime(CommandOutput& output, const Interruption& interruption) {
 void noteInterruption(CommandOutput& output, std::optional<int> signalNumber) {
     if (signalNumber) {
         output.standardError =
-            complaint("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
+            diagnostic("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
         output.exitStatus = exitOfSignal(*signalNumber);
     }
 }

@@ -18,7 +18,7 @@ std::optional<CommandOutput> enterFolders(std::span<const std::string> folders) 
             const std::string reason = std::generic_category().message(errno);
             return refusal(
                 "The folder " + inQuotes(path.string()) + " cannot be entered: " + reason + ".",
-                exitNotUnderstood);
+                exitUsageError);
         }
     }
     return std::nullopt;

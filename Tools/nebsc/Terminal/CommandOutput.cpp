@@ -13,14 +13,14 @@
 
 namespace neb::nebsc {
 
-std::string complaint(std::string_view sentence) {
+std::string diagnostic(std::string_view sentence) {
     return "nebsc: " + messageLine(printable(textWithoutPasswords(sentence))) + "\n";
 }
 
 CommandOutput refusal(std::string_view sentence, int exitStatus,
                       std::optional<std::string_view> errorClass) {
     CommandOutput output{
-        .standardOutput = {}, .standardError = complaint(sentence), .exitStatus = exitStatus};
+        .standardOutput = {}, .standardError = diagnostic(sentence), .exitStatus = exitStatus};
     if (exitStatus == exitFailed) {
         output.error = NEBSourceControlError::withDescription(NEBSourceControlGenericError,
                                                               textWithoutPasswords(sentence));

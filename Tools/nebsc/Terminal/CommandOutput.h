@@ -40,7 +40,7 @@ void addAdvice(CommandOutput& output, const std::string& advice);
 void addFailure(CommandOutput& output, const CommandOutput& failure);
 
 /// Returns the line that refusal() writes: "nebsc: " and the printable sentence.
-[[nodiscard]] std::string complaint(std::string_view sentence);
+[[nodiscard]] std::string diagnostic(std::string_view sentence);
 
 /// Writes the output, standard output first. Returns the exit status. A failure to write to
 /// standard output is reported on standard error and changes a successful exit status to

@@ -9,7 +9,7 @@ inline constexpr int exitDone = 0;
 inline constexpr int exitFailed = 1;
 /// Invalid usage; nothing was done: an unknown command, an invalid request, a file that is not a
 /// plug-in.
-inline constexpr int exitNotUnderstood = 2;
+inline constexpr int exitUsageError = 2;
 
 /// Returns the exit status after a signal ended the work, as shells report it.
 constexpr int exitOfSignal(int signalNumber) {

@@ -59,7 +59,7 @@ std::string patchText(int descriptor, std::string_view patch, bool isColoured) {
     if (patch.ends_with('\n')) {
         patch.remove_suffix(1);
     }
-    forEachPiece(patch, '\n', [&](std::string_view text) {
+    forEachField(patch, '\n', [&](std::string_view text) {
         const std::string line = isForTerminal ? printableLine(text) : std::string(text);
         lines.append(isColoured ? colours.line(line) : line).append("\n");
     });

@@ -84,7 +84,7 @@ std::string printableLine(std::string_view bytes) {
     const bool hasCR = bytes.ends_with('\r');
     bytes.remove_suffix(hasCR ? 1 : 0);
     std::string line;
-    forEachPiece(bytes, '\t', [&line, &bytes](std::string_view part) {
+    forEachField(bytes, '\t', [&line, &bytes](std::string_view part) {
         line.append(part.data() == bytes.data() ? "" : "\t").append(printable(part));
     });
     return line + (hasCR ? "\r" : "");

@@ -166,8 +166,8 @@ void StreamedOutput::endPager() {
         loseReader();
         return;
     }
-    _complaint = complaint("The pager " + inQuotes(_pagerCommand) +
-                           " could not be started; the output is shown without it.");
+    _complaint = diagnostic("The pager " + inQuotes(_pagerCommand) +
+                            " could not be started; the output is shown without it.");
     openDirectly();
     writeDirectly(*std::exchange(_unreadText, std::string()));
 }
@@ -183,7 +183,7 @@ void StreamedOutput::finish(CommandOutput& output) {
     output.standardError += _complaint;
     if (hasFailed()) {
         output.standardError +=
-            complaint("Standard output could not be written: " + textOfErrno(_failure) + ".");
+            diagnostic("Standard output could not be written: " + textOfErrno(_failure) + ".");
         output.exitStatus = std::max(output.exitStatus, exitFailed);
     }
 }

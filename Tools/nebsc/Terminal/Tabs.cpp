@@ -7,7 +7,7 @@ namespace neb::nebsc {
 
 std::string expandTabs(std::string_view line) {
     std::string result;
-    forEachPiece(line, '\t', [&](std::string_view part) {
+    forEachField(line, '\t', [&](std::string_view part) {
         const bool isFirst = part.data() == line.data();
         result.append(isFirst ? 0 : columnsOfTab(columnsOf(result)), ' ').append(part);
     });

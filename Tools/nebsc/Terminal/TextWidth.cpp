@@ -68,7 +68,7 @@ std::size_t columnsOf(std::string_view text) {
     return columns;
 }
 
-std::string cutTo(std::size_t columns, std::string_view text) {
+std::string truncated(std::size_t columns, std::string_view text) {
     if (columnsOf(text) <= columns) {
         return std::string(text);
     }
@@ -95,7 +95,7 @@ std::optional<std::size_t> columnsOfTerminal(int descriptor) {
 
 std::string fitting(int descriptor, std::size_t columnsBefore, std::string_view text) {
     const auto columns = columnsOfTerminal(descriptor);
-    return columns ? cutTo(std::max(*columns, columnsBefore + 1) - columnsBefore, text)
+    return columns ? truncated(std::max(*columns, columnsBefore + 1) - columnsBefore, text)
                    : std::string(text);
 }
 

@@ -16,7 +16,7 @@ namespace neb::nebsc {
 [[nodiscard]] std::string paddedTo(std::size_t columns, std::string_view text);
 
 /// Returns the text, truncated with "…" if it is wider than `columns`, which must be at least 1.
-[[nodiscard]] std::string cutTo(std::size_t columns, std::string_view text);
+[[nodiscard]] std::string truncated(std::size_t columns, std::string_view text);
 
 /// Returns the width of the terminal in columns; absent if the descriptor is not a terminal or its
 /// size is unknown.

@@ -77,7 +77,7 @@ CommandOutput TuneRun::run() {
     const std::optional<int> signalNumber = _interruption.end();
     noteInterruption(output, signalNumber);
     if (signalNumber && hasStep(StepState::failed)) {
-        output.standardError += complaint("'nebsc tune --undo' undoes the interrupted step");
+        output.standardError += diagnostic("'nebsc tune --undo' undoes the interrupted step");
     }
     return output;
 }
@@ -247,9 +247,9 @@ CommandOutput TuneRun::outputFor(const std::optional<std::string>& failure) cons
                                 ? textWithoutSteps()
                                 : textOf(_steps, wantsColour(_call.colours, STDOUT_FILENO));
     for (const std::string_view name : _report.unchecked) {
-        output.standardError += complaint("no time was left to measure " + std::string(name));
+        output.standardError += diagnostic("no time was left to measure " + std::string(name));
     }
-    output.standardError += failure ? complaint(*failure) : "";
+    output.standardError += failure ? diagnostic(*failure) : "";
     return output;
 }
 

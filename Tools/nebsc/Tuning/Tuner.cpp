@@ -64,10 +64,10 @@ ChildOutcome Tuner::outcomeOf(std::vector<std::string> arguments, const std::str
     ChildProcess process;
     const Interruption::Work work(_interruption, [&process] { process.cancel(); });
     // Writing the index runs the hook post-index-change.
-    return runGits(process, _trace, {std::move(arguments)},
-                   {.folder = folder,
-                    .variables = variablesAgainstFetching(),
-                    .traits = {.mayRunHooks = true}});
+    return runGitProcesses(process, _trace, {std::move(arguments)},
+                           {.folder = folder,
+                            .variables = variablesAgainstFetching(),
+                            .traits = {.mayRunHooks = true}});
 }
 
 std::optional<std::string> Tuner::run(std::vector<std::string> arguments,
@@ -82,8 +82,7 @@ std::optional<std::string> Tuner::run(std::vector<std::string> arguments,
 }
 
 std::vector<std::string> Tuner::valuesOf(const std::string& key) {
-    return textsBetweenNULs(
-        outcomeOf({"config", "--local", "--null", "--get-all", key}, _folder).output);
+    return splitAtNUL(outcomeOf({"config", "--local", "--null", "--get-all", key}, _folder).output);
 }
 
 std::optional<std::string> Tuner::save() const {

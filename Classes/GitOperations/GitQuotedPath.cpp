@@ -4,22 +4,6 @@
 
 namespace neb {
 
-namespace {
-
-void appendEscaped(std::string& text, char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x80U) {
-        text += character;
-        return;
-    }
-    text += '\\';
-    for (const unsigned shift : {6U, 3U, 0U}) {
-        text += static_cast<char>('0' + (byte >> shift & 7U));
-    }
-}
-
-}  // namespace
-
 std::string gitTextOfPath(std::string_view printed) {
     if (isUTF8(printed)) {
         return std::string(printed);
@@ -28,7 +12,11 @@ std::string gitTextOfPath(std::string_view printed) {
     const std::string_view quote = printed.starts_with('"') ? "" : "\"";
     std::string text(quote);
     for (const char character : printed) {
-        appendEscaped(text, character);
+        if (static_cast<unsigned char>(character) < 0x80U) {
+            text += character;
+        } else {
+            text += octalEscape(character);
+        }
     }
     return text.append(quote);
 }

@@ -39,14 +39,6 @@ char byteOfOctal(std::string_view digits) {
     return static_cast<char>(static_cast<unsigned char>(value));
 }
 
-std::string octalEscape(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    const auto digit = [byte](unsigned shift) {
-        return static_cast<char>('0' + static_cast<int>((byte >> shift) & 7U));
-    };
-    return {'\\', digit(6), digit(3), digit(0)};
-}
-
 }  // namespace
 
 std::string NEBSourceControlUnquotedPath(std::string_view text) {

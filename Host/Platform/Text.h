@@ -56,6 +56,16 @@ namespace neb {
 /// Whether the texts are equal except for the case of ASCII letters.
 [[nodiscard]] NEB_EXPORT bool equalIgnoringASCIICase(std::string_view left, std::string_view right);
 
+// ---- escapes ----------------------------------------------------------------------------------
+
+/// Returns a backslash and the three octal digits of a byte, as in C: "\\344".
+[[nodiscard]] inline std::string octalEscape(char byte) {
+    const auto digit = [bits = static_cast<unsigned char>(byte)](unsigned shift) {
+        return static_cast<char>('0' + ((bits >> shift) & 7U));
+    };
+    return {'\\', digit(6), digit(3), digit(0)};
+}
+
 // ---- separators and lines ---------------------------------------------------------------------
 
 /// Calls `visit` with each substring between separators, in order. A text without a separator is

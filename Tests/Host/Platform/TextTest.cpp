@@ -51,6 +51,13 @@ TEST(Text, AnIncompleteCharacterAtTheEndIsReplacedOnce) {
     EXPECT_FALSE(isUTF8("a\xE2\x82"));
 }
 
+TEST(Text, AnOctalEscapeHasThreeDigits) {
+    EXPECT_EQ(octalEscape('\xe4'), R"(\344)");
+    EXPECT_EQ(octalEscape('\xff'), R"(\377)");
+    EXPECT_EQ(octalEscape('\n'), R"(\012)");
+    EXPECT_EQ(octalEscape('\0'), R"(\000)");
+}
+
 TEST(Text, LineEndsOfAllKindsAreTrimmedAtBothEnds) {
     const std::string ends = "\n\r\v\f\xC2\x85\xE2\x80\xA8\xE2\x80\xA9";
     EXPECT_EQ(textByTrimmingLineEnds(ends + "a" + ends + "b" + ends), "a" + ends + "b");

@@ -29,14 +29,6 @@ std::string inSingleQuotes(std::string_view text) {
     return quoted + "'";
 }
 
-std::string octal(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    const auto digit = [byte](unsigned int shift) {
-        return static_cast<char>('0' + ((byte >> shift) & 7U));
-    };
-    return {'\\', digit(6), digit(3), digit(0)};
-}
-
 /// Returns a format with which printf(1) prints the text.
 std::string printfFormat(std::string_view text) {
     std::string format;
@@ -46,7 +38,7 @@ std::string printfFormat(std::string_view text) {
             format += "%%";
         } else if (byte < ' ' || byte > '~' || character == '\\' || character == '\'' ||
                    character == '!' || (character == '-' && format.empty())) {
-            format += octal(character);
+            format += octalEscape(character);
         } else {
             format += character;
         }

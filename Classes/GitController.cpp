@@ -2,6 +2,7 @@
 
 #include "GitDispatch.h"
 #include "LOMFoundation/LOMFormat.h"
+#include "NEBFoundation/NEBSourceControlFailingOperation.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 

@@ -1,5 +1,6 @@
 #include "NEBFoundation/NEBSourceControlGuardedPrincipalClass.h"
 
+#include "NEBFoundation/NEBSourceControlFailingOperation.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 
 namespace neb {

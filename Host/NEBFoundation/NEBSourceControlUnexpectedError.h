@@ -6,24 +6,16 @@
 //         return false;
 //     }
 //
-// All functions but the first must be called in a catch block. They rethrow the exception that ends
+// All functions must be called in a catch block. They rethrow the exception that ends
 // a thread (pthread_cancel, pthread_exit), as a catch block must. Thread-safe.
 #pragma once
 
-#include <memory>
 #include <optional>
 
 #include "NEBFoundation/NEBSourceControlError.h"
-#include "NEBFoundation/NEBSourceControlOperation.h"
-#include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Platform/Export.h"
 
 namespace neb {
-
-/// Returns an operation that finishes with the error at once. Null when the request is null.
-[[nodiscard]] NEB_EXPORT std::shared_ptr<NEBSourceControlOperation>
-NEBSourceControlFailingOperation(const std::shared_ptr<NEBSourceControlRequest>& request,
-                                 NEBSourceControlError error);
 
 /// Returns the exception that is being handled as an error. Its description has the text of a
 /// std::exception, or the type of any other exception. The class is "out-of-memory" for
@@ -32,11 +24,5 @@ NEBSourceControlFailingOperation(const std::shared_ptr<NEBSourceControlRequest>&
 
 /// Stores that error in `error`, unless that is null. Stores nothing if memory runs out.
 NEB_EXPORT void NEBSourceControlStoreCurrentException(std::optional<NEBSourceControlError>* error);
-
-/// Returns an operation that fails with that error. Null when the request is null or memory runs
-/// out.
-[[nodiscard]] NEB_EXPORT std::shared_ptr<NEBSourceControlOperation>
-NEBSourceControlOperationOfCurrentException(
-    const std::shared_ptr<NEBSourceControlRequest>& request);
 
 }  // namespace neb

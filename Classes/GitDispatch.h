@@ -1,4 +1,6 @@
-// GitDispatch.h - the operation class and the preconditions of each type of request.
+// GitDispatch.h - the operation class of each type of request, and the reports of its
+// preconditions. NEBSourceControlRequestType.h says which values a type requires; here are the
+// texts and line numbers of the reports.
 #pragma once
 
 #include <cstdint>

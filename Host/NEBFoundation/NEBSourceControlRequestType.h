@@ -1,7 +1,9 @@
 // NEBSourceControlRequestType.h - the types of request, and what a host must know of each.
 //
-// This table is the only place that describes request types. To add one, add its number and its row
-// here, a row to the plug-in's dispatch, and the operation class.
+// The table has what hosts and plug-ins share: the number and name of each type, its effect, and
+// the values that it requires. A plug-in's dispatch table has what only the plug-in needs: the
+// class of the operation, and the text and line number of each report about a missing value. To add
+// a type, add its number and row here, its row to the dispatch, and the class.
 //
 //     const auto& type = NEBSourceControlDescriptionOfRequestType(request.type);
 //     if (type.effect == NEBSourceControlRequestEffect::reads) {

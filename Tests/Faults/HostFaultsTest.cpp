@@ -120,8 +120,9 @@ TEST_F(HostFaults, AClockThatJumpsChangesNothing) {
     ASSERT_TRUE(fs::exists(clock));
     const auto begin = std::chrono::steady_clock::now();
     // A lingering process makes the operation use each of its timeouts.
-    const StandInGit git(repository.path(), "date >'" + repository.path("../date") +
-                                                "'\nsleep 3 &\nPATH=/usr/bin:/bin exec git \"$@\"");
+    const StandInGit git(repository.path(),
+                         "date >'" + repository.path("../date") +
+                             "'\nsleep 600 &\nPATH=/usr/bin:/bin exec git \"$@\"");
     const JSON request{{"type", NEBSourceControlRequestLog},
                        {"sourceTree", {{"location", repository.path()}}}};
     const NebscOutcome outcome =

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <filesystem>
+#include <iterator>
+
 #include "Support/TestRepository.h"
 #include "Terminal/ProgressIndicator.h"
 #include "nebsc/NebscRun.h"
@@ -59,11 +62,13 @@ TEST_F(ProgressIndicatorTest, ShowsTheSizeOfTheReceivedPack) {
 }
 
 TEST_F(ProgressIndicatorTest, RunsDuringQueriesBeforeTheRequest) {
-    const StandInGit slow(folder.path(), "[ \"$2\" = status ] && sleep 1.5; true");
+    const StandInGit slow(folder.path(), "[ \"$2\" != status ] || while ! [ -e '" +
+                                             folder.path("go on") + "' ]; do sleep 0.01; done");
     Nebsc program(
         {"rm", "a.c"},
         {.folder = folder.path(), .variables = {slow.path()}, .hasTerminalForErrors = true});
     EXPECT_EQ(program.awaitErrors("1 s"), "\rDeleting … 1 s");
+    folder.write("go on", "");
     EXPECT_EQ(program.outcome().exitStatus, 0);
 }
 
@@ -87,12 +92,19 @@ TEST_F(ProgressIndicatorTest, ErasesTheLineBeforeAnErrorMessage) {
     EXPECT_EQ(outcome.exitStatus, 130);
 }
 
-TEST_F(ProgressIndicatorTest, WritesNothingWithoutATerminal) {
-    const StandInGit slow(folder.path(), "sleep 1.2");
-    const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = folder.path(), .variables = {slow.path()}});
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(outcome.exitStatus, 0);
+std::ptrdiff_t threadCount() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+/// Without its thread, it can write nothing, however long it exists.
+TEST(ProgressIndicatorWithoutTerminal, StartsNoThread) {
+    testing::internal::CaptureStderr();
+    const std::ptrdiff_t before = threadCount();
+    {
+        const nebsc::ProgressIndicator indicator("Reading", true);
+        EXPECT_EQ(threadCount(), before);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 }  // namespace

@@ -166,7 +166,7 @@ void StreamedOutput::endPager() {
         loseReader();
         return;
     }
-    _complaint = diagnostic("The pager " + inQuotes(_pagerCommand) +
+    _diagnostic = diagnostic("The pager " + inQuotes(_pagerCommand) +
                             " could not be started; the output is shown without it.");
     openDirectly();
     writeDirectly(*std::exchange(_unreadText, std::string()));
@@ -180,7 +180,7 @@ void StreamedOutput::finish(CommandOutput& output) {
         endPager();
     }
     stopWatching();
-    output.standardError += _complaint;
+    output.standardError += _diagnostic;
     if (hasFailed()) {
         output.standardError +=
             diagnostic("Standard output could not be written: " + textOfErrno(_failure) + ".");

@@ -93,7 +93,7 @@ private:
     /// What the pager was given, as long as the pipe could hold all of it: a pager that cannot be
     /// executed has not read it.
     std::optional<std::string> _unreadText;
-    std::string _complaint;
+    std::string _diagnostic;
     std::optional<IgnoredSignals> _ignoredSignals;
     int _failure = 0;
     std::atomic<bool> _hasLostReader = false;

@@ -167,7 +167,7 @@ void StreamedOutput::endPager() {
         return;
     }
     _diagnostic = diagnostic("The pager " + inQuotes(_pagerCommand) +
-                            " could not be started; the output is shown without it.");
+                             " could not be started; the output is shown without it.");
     openDirectly();
     writeDirectly(*std::exchange(_unreadText, std::string()));
 }

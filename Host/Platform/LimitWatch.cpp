@@ -4,6 +4,21 @@
 
 namespace neb {
 
+namespace {
+
+/// Some 30 years. A sum with a longer time could overflow.
+constexpr std::chrono::milliseconds longestTime{1'000'000'000'000};
+
+}  // namespace
+
+LimitWatch::LimitWatch(const ChildLimits& limits) : _limits(limits) {
+    for (auto* time : {&_limits.silence, &_limits.total}) {
+        if (*time) {
+            **time = std::min(**time, longestTime);
+        }
+    }
+}
+
 void LimitWatch::addOutput(std::size_t count, Moment now) {
     if (count > 0) {
         _outputBytes += count;

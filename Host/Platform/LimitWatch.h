@@ -17,7 +17,7 @@ public:
     using Clock = std::chrono::steady_clock;
     using Moment = Clock::time_point;
 
-    explicit LimitWatch(const ChildLimits& limits) : _limits(limits) {}
+    explicit LimitWatch(const ChildLimits& limits);
 
     /// Notes that the children wrote `count` more bytes.
     void addOutput(std::size_t count, Moment now);

@@ -39,6 +39,38 @@ TEST(RequestJSON, TreatsNullAsAbsent) {
     expectOnlyAType(*request, -1);
 }
 
+TEST(RequestJSON, ReadsTheLimitsOfTheOperation) {
+    const NEBSourceControlLimits limits =
+        requestFromJSON(R"({"type": 18, "limits": {"silenceMilliseconds": 1500,
+                            "totalMilliseconds": 60000, "outputBytes": 100}})")
+            .limits;
+    EXPECT_EQ(limits.silence, std::chrono::milliseconds(1500));
+    EXPECT_EQ(limits.total, std::chrono::minutes(1));
+    EXPECT_EQ(limits.outputBytes, 100U);
+    for (const char* json : {R"({"type": 18})", R"({"type": 18, "limits": null})",
+                             R"({"type": 18, "limits": {"outputBytes": null}})"}) {
+        const RequestReading reading = requestFromJSON(json);
+        EXPECT_EQ(reading.refusal, "");
+        EXPECT_FALSE(reading.limits.silence || reading.limits.total || reading.limits.outputBytes);
+    }
+}
+
+TEST(RequestJSON, RefusesLimitsThatAreNone) {
+    const auto refusalOf = [](const std::string& limits) {
+        return requestFromJSON(R"({"type": 18, "limits": )" + limits + "}").refusal;
+    };
+    EXPECT_EQ(refusalOf("5"), "'limits' is an integer; expected an object.");
+    EXPECT_EQ(refusalOf(R"({"outputBytes": 0})"),
+              "'limits.outputBytes' is 0; expected an integer above 0.");
+    EXPECT_EQ(
+        refusalOf(R"({"totalMilliseconds": 0.5})"),
+        "'limits.totalMilliseconds' is a number that is not a 64-bit integer; expected an integer "
+        "above 0.");
+    EXPECT_EQ(refusalOf(R"({"time": 1})"),
+              "'limits.time' is unknown; expected one of silenceMilliseconds, totalMilliseconds, "
+              "outputBytes.");
+}
+
 TEST(RequestJSON, AcceptsTheLimitsOfTheType) {
     EXPECT_EQ(accepted(R"({"type": 2147483647})")->type, INT32_MAX);
     EXPECT_EQ(accepted(R"({"type": -2147483648})")->type, INT32_MIN);

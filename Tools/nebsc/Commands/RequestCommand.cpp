@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "Commands/Commands.h"
 #include "JSON/InputFile.h"
 #include "JSON/JSONText.h"
@@ -30,6 +32,13 @@ CommandOutput outputFor(const CommandCall& call, Outcome& outcome) {
     return output;
 }
 
+HostSession::Runner limitedRunner(HostSession::Runner run, const NEBSourceControlLimits& limits) {
+    return [run = std::move(run), limits](NEBSourceControlOperation& operation) {
+        operation.setLimits(limits);
+        run(operation);
+    };
+}
+
 CommandOutput run(const CommandCall& call) {
     const InputReading input =
         readInput(call.arguments.value("FILE").value_or("-"), longestJSONText);
@@ -45,7 +54,8 @@ CommandOutput run(const CommandCall& call) {
     std::optional<ProgressIndicator> progress(std::in_place, call.command.activity,
                                               !call.session.trace().isOn());
     StreamedOutput streamedOutput;
-    auto runner = interruptibleRunner(interruption, *progress);
+    HostSession::Runner runner =
+        limitedRunner(interruptibleRunner(interruption, *progress), reading.limits);
     if (call.arguments.has(streamOption)) {
         runner = streamingRunner(std::move(runner), interruption, streamedOutput,
                                  [&progress](const NEBSourceControlResult& records) {

@@ -170,9 +170,28 @@ bool readOptions(Refusal& refusal, const InputNode& input, std::optional<NEBDict
     return true;
 }
 
+constexpr Member<NEBSourceControlLimits> limitMembers[] = {
+    {"silenceMilliseconds", readInto<readMilliseconds, &NEBSourceControlLimits::silence>},
+    {"totalMilliseconds", readInto<readMilliseconds, &NEBSourceControlLimits::total>},
+    {"outputBytes", readInto<readByteCount, &NEBSourceControlLimits::outputBytes>},
+};
+
+bool readLimits(Refusal& refusal, const InputNode& input, NEBSourceControlLimits& limits) {
+    if (input.node.kind == Kind::null) {
+        return true;
+    }
+    if (!isObject(input.node)) {
+        return refusal.wrongKind(input, "an object");
+    }
+    return readMembers<NEBSourceControlLimits>(refusal, input, limitMembers, limits);
+}
+
 // ---- the request ------------------------------------------------------------------------------
 
-using Request = NEBSourceControlRequest;
+/// A request, and what its JSON says about the operation.
+struct Request : NEBSourceControlRequest {
+    NEBSourceControlLimits limits;
+};
 
 constexpr Member<Request> requestMembers[] = {
     {"type", readInto<readType, &Request::type>},
@@ -184,6 +203,7 @@ constexpr Member<Request> requestMembers[] = {
     {"endingRevision", readInto<readScalar, &Request::endingRevision>},
     {"remote", readInto<readRemote, &Request::remote>},
     {"options", readInto<readOptions, &Request::options>},
+    {"limits", readInto<readLimits, &Request::limits>},
 };
 
 /// Refuses a clone into a path that is not absolute. git runs in the destination and gets it as an
@@ -221,16 +241,17 @@ bool readRequest(Refusal& refusal, const JSONNode& root, Request& request) {
 
 RequestReading requestFromJSON(std::string_view text) {
     const JSONReading reading = readJSON(text);
-    return reading.root ? requestFromJSON(*reading.root) : RequestReading{nullptr, reading.failure};
+    return reading.root ? requestFromJSON(*reading.root)
+                        : RequestReading{.request = nullptr, .refusal = reading.failure};
 }
 
 RequestReading requestFromJSON(const JSONNode& root) {
     Refusal refusal;
     auto request = std::make_shared<Request>();
     if (!readRequest(refusal, root, *request)) {
-        return {nullptr, refusal.sentence};
+        return {.request = nullptr, .refusal = refusal.sentence};
     }
-    return {std::move(request), {}};
+    return {.request = request, .limits = request->limits};
 }
 
 std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value) {

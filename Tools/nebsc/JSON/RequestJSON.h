@@ -8,7 +8,9 @@
 //       "destination": "topic", "files": ["/path/a.c"],
 //       "startingRevision": "abc123", "endingRevision": "NEBSourceControlHEADRevisionName",
 //       "remote": { "representsGitSVNBridge": false },
-//       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 } }
+//       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 },
+//       "limits": { "silenceMilliseconds": 30000, "totalMilliseconds": 600000,
+//                   "outputBytes": 100000000 } }
 //
 // Only "type" is required; it is a 32-bit integer. null means absent. A member can
 // be [] instead of {} and {} instead of [].
@@ -30,6 +32,7 @@
 
 #include "JSON/JSONText.h"
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
+#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 
 namespace neb::nebsc {
@@ -38,8 +41,10 @@ namespace neb::nebsc {
 struct RequestReading {
     /// Null if the text was refused.
     std::shared_ptr<NEBSourceControlRequest> request;
+    /// The limits of its operation. An absent one is no limit.
+    NEBSourceControlLimits limits = {};
     /// One sentence that names the member and the expected value; empty on success.
-    std::string refusal;
+    std::string refusal = {};
 };
 
 /// Reads a request from JSON text.

@@ -19,6 +19,22 @@ private:
     std::string _text;
 };
 
+bool readPositive(Refusal& refusal, const InputNode& input, std::optional<std::int64_t>& number) {
+    constexpr std::string_view expected = "an integer above 0";
+    if (input.node.kind == Kind::null) {
+        return true;
+    }
+    if (input.node.kind != Kind::integer) {
+        return refusal.wrongKind(input, expected);
+    }
+    if (input.node.integer <= 0) {
+        return refusal.wrongValue(input, "is " + std::to_string(input.node.integer) +
+                                             "; expected " + std::string(expected));
+    }
+    number = input.node.integer;
+    return true;
+}
+
 }  // namespace
 
 bool isObject(const JSONNode& node) {
@@ -72,6 +88,25 @@ bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean) {
     }
     return input.node.kind == Kind::boolean || input.node.kind == Kind::null ||
            refusal.wrongKind(input, "true or false");
+}
+
+bool readMilliseconds(Refusal& refusal, const InputNode& input,
+                      std::optional<std::chrono::milliseconds>& time) {
+    std::optional<std::int64_t> count;
+    const bool isRead = readPositive(refusal, input, count);
+    if (count) {
+        time = std::chrono::milliseconds(*count);
+    }
+    return isRead;
+}
+
+bool readByteCount(Refusal& refusal, const InputNode& input, std::optional<std::uint64_t>& count) {
+    std::optional<std::int64_t> number;
+    const bool isRead = readPositive(refusal, input, number);
+    if (number) {
+        count = static_cast<std::uint64_t>(*number);
+    }
+    return isRead;
 }
 
 bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value) {

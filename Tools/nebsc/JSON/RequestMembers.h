@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -48,6 +49,11 @@ struct Refusal {
 [[nodiscard]] bool readString(Refusal& refusal, const InputNode& input,
                               std::optional<std::string>& string);
 [[nodiscard]] bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean);
+/// Reads an integer above 0.
+[[nodiscard]] bool readMilliseconds(Refusal& refusal, const InputNode& input,
+                                    std::optional<std::chrono::milliseconds>& time);
+[[nodiscard]] bool readByteCount(Refusal& refusal, const InputNode& input,
+                                 std::optional<std::uint64_t>& count);
 /// Reads a string, a boolean or a number. A number that is not a 64-bit integer becomes an object
 /// whose description is the text of the number.
 [[nodiscard]] bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value);

@@ -19,7 +19,8 @@ public:
     using Page = NEBSourceControlRecordCursor::Page;
 
     /// The session must outlive the cursor. The request must be of a type that only reads.
-    Cursor(const HostSession& session, std::shared_ptr<NEBSourceControlRequest> request);
+    Cursor(const HostSession& session, std::shared_ptr<NEBSourceControlRequest> request,
+           const NEBSourceControlLimits& limits);
 
     /// See NEBSourceControlRecordCursor.
     [[nodiscard]] Page next(std::size_t pageSize) { return _records.next(pageSize); }
@@ -35,7 +36,7 @@ public:
 private:
     void perform(const HostSession& session,
                  const std::shared_ptr<NEBSourceControlRequest>& request,
-                 const NEBSourceControlRecordSink& sink);
+                 const NEBSourceControlLimits& limits, const NEBSourceControlRecordSink& sink);
 
     Job _job{nullptr};
     std::optional<RequestResult> _result;

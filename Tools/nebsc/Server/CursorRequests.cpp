@@ -172,7 +172,7 @@ void CursorRequests::open(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams, refusal);
         return;
     }
-    const auto cursor = std::make_shared<Cursor>(_session, reading.request);
+    const auto cursor = std::make_shared<Cursor>(_session, reading.request, reading.limits);
     const std::string key = std::to_string(++_lastKey);
     bool hasRoom = false;
     {

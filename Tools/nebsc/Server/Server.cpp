@@ -268,16 +268,18 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
         return;
     }
     const auto& request = reading.request;
+    const NEBSourceControlLimits limits = reading.limits;
     const auto name = NEBSourceControlRequestTypeName(request->type);
-    _jobs->start(*message.id, *_scheduler, isRun ? writtenLocationOf(*request) : std::nullopt,
-                 [this, request, isRun, token = token.value, partialToken = partialToken.value,
-                  title = std::string(name.value_or("request"))](Job& job) {
-                     std::optional<ProgressReports::Work> progress;
-                     if (token) {
-                         progress.emplace(*_progress, *token, title);
-                     }
-                     return isRun ? performed(job, request, partialToken) : planned(job, request);
-                 });
+    _jobs->start(
+        *message.id, *_scheduler, isRun ? writtenLocationOf(*request) : std::nullopt,
+        [this, request, limits, isRun, token = token.value, partialToken = partialToken.value,
+         title = std::string(name.value_or("request"))](Job& job) {
+            std::optional<ProgressReports::Work> progress;
+            if (token) {
+                progress.emplace(*_progress, *token, title);
+            }
+            return isRun ? performed(job, request, limits, partialToken) : planned(job, request);
+        });
 }
 
 std::string Server::planned(Job& job,
@@ -286,9 +288,11 @@ std::string Server::planned(Job& job,
 }
 
 std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+                              const NEBSourceControlLimits& limits,
                               const std::optional<JSON>& partialToken) const {
-    const HostSession::Runner run = [this, &job,
+    const HostSession::Runner run = [this, &job, &limits,
                                      &partialToken](NEBSourceControlOperation& operation) {
+        operation.setLimits(limits);
         if (partialToken) {
             operation.setRecordSink(partialResultSink(operation, *_writer, *partialToken));
         }

@@ -2,6 +2,7 @@
 
 #include <NEBFoundation/NEBFoundation.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <future>
@@ -151,6 +152,7 @@ void showAsTheyArrive(const NEBSourceControlPlugIn& plugIn, const std::string& f
     const auto operation =
         controller->operationForRequest(requestFor(NEBSourceControlRequestLog, folder));
     operation->setRecordSink([](NEBSourceControlResult records) { show(records); });
+    operation->setLimits({.silence = std::chrono::seconds(30), .outputBytes = 100'000'000});
     operation->start();
     if (operation->error()) {
         print(*operation->error());

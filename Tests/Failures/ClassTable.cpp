@@ -10,6 +10,7 @@
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ErrorTexts.h"
 #include "Support/Matchers.h"
@@ -65,7 +66,12 @@ CodesOfClasses measuredCodes() {
     // A failure of git that prints this all the same.
     codes.addText("Already up-to-date.");
     codes.addText("Everything up-to-date", NEBSourceControlRequestPush);
-    codes.add(*NEBSourceControlCancelledError().errorClass, NEBSourceControlCancelledError().code);
+    const NEBSourceControlLimits limits{.total = std::chrono::seconds(1), .outputBytes = 1};
+    for (const NEBSourceControlError& error :
+         {NEBSourceControlCancelledError(), NEBSourceControlTimedOutError(*limits.total),
+          NEBSourceControlExceededLimitError(ChildLimit::outputBytes, limits, "git")}) {
+        codes.add(*error.errorClass, error.code);
+    }
     return codes;
 }
 

@@ -61,19 +61,24 @@ void NEBSourceControlOperation::start() {
 }
 
 void NEBSourceControlOperation::deliverRecords(NEBSourceControlResult records) {
+    if (records.size() <= recordBatchSize) {
+        deliverBatch(std::move(records));
+        return;
+    }
     for (std::size_t first = 0; first < records.size(); first += recordBatchSize) {
-        if (isCancelled()) {
-            setError(NEBSourceControlCancelledError());
-            return;
-        }
         const std::size_t count = std::min(recordBatchSize, records.size() - first);
-        if (count == records.size()) {
-            _recordSink(std::move(records));
-        } else {
-            const auto begin = records.begin() + static_cast<std::ptrdiff_t>(first);
-            _recordSink({std::make_move_iterator(begin),
-                         std::make_move_iterator(begin + static_cast<std::ptrdiff_t>(count))});
-        }
+        const auto begin = records.begin() + static_cast<std::ptrdiff_t>(first);
+        deliverBatch({std::make_move_iterator(begin),
+                      std::make_move_iterator(begin + static_cast<std::ptrdiff_t>(count))});
+    }
+}
+
+void NEBSourceControlOperation::deliverBatch(NEBSourceControlResult batch) {
+    const std::size_t count = batch.size();
+    if (count > 0 && isCancelled()) {
+        setError(NEBSourceControlCancelledError());
+    } else if (count > 0) {
+        _recordSink(std::move(batch));
         _deliveredRecordCount += count;
     }
 }

@@ -130,6 +130,8 @@ protected:
     void deliverRecords(NEBSourceControlResult records);
 
 private:
+    void deliverBatch(NEBSourceControlResult batch);
+
     std::shared_ptr<NEBSourceControlRequest> _request;
     LOMAssertionSink _reportSink;  // of the thread that made the operation; usually absent
     std::optional<NEBSourceControlResult> _result;

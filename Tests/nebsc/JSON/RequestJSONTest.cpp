@@ -59,16 +59,20 @@ TEST(RequestJSON, RefusesLimitsThatAreNone) {
     const auto refusalOf = [](const std::string& limits) {
         return requestFromJSON(R"({"type": 18, "limits": )" + limits + "}").refusal;
     };
-    EXPECT_EQ(refusalOf("5"), "'limits' is an integer; expected an object.");
+    const std::string member = "The request's member ";
+    EXPECT_EQ(refusalOf("5"), member + "'limits' is an integer; expected an object.");
     EXPECT_EQ(refusalOf(R"({"outputBytes": 0})"),
-              "'limits.outputBytes' is 0; expected an integer above 0.");
+              member + "'limits.outputBytes' is 0; expected an integer above 0.");
+    EXPECT_EQ(refusalOf(R"({"totalMilliseconds": 0.5})"),
+              member +
+                  "'limits.totalMilliseconds' is a number that is not a 64-bit integer; expected "
+                  "an integer "
+                  "above 0.");
     EXPECT_EQ(
-        refusalOf(R"({"totalMilliseconds": 0.5})"),
-        "'limits.totalMilliseconds' is a number that is not a 64-bit integer; expected an integer "
-        "above 0.");
-    EXPECT_EQ(refusalOf(R"({"time": 1})"),
-              "'limits.time' is unknown; expected one of silenceMilliseconds, totalMilliseconds, "
-              "outputBytes.");
+        refusalOf(R"({"time": 1})"),
+        member +
+            "'limits.time' is unknown; expected one of silenceMilliseconds, totalMilliseconds, "
+            "outputBytes.");
 }
 
 TEST(RequestJSON, AcceptsTheLimitsOfTheType) {

@@ -7,13 +7,19 @@
 #include <cstring>
 #include <new>
 
+// The thread sanitizer does not follow mremap(): it would take memory that moved to the address of
+// another thread's former buffer for a data race.
+#if defined(MREMAP_MAYMOVE) && !defined(__SANITIZE_THREAD__)
+#define NEB_GROWS_MAPPINGS
+#endif
+
 namespace neb {
 
 namespace {
 
 constexpr std::size_t minimumCapacity = 256;
 
-#ifdef MREMAP_MAYMOVE
+#ifdef NEB_GROWS_MAPPINGS
 /// Buffers of at least this size get their own pages, which mremap() can grow without copying.
 /// realloc() would copy them repeatedly and fragment the heap.
 constexpr std::size_t mappingThreshold = std::size_t{1} << 18;
@@ -40,7 +46,7 @@ void Data::destroy(const Block* block) {
 
 bool Data::Block::resize(std::size_t newCapacity) {
     void* resized = nullptr;
-#ifdef MREMAP_MAYMOVE
+#ifdef NEB_GROWS_MAPPINGS
     if (isMapped) {
         resized = ::mremap(bytes, capacity, newCapacity, MREMAP_MAYMOVE);
         resized = resized == MAP_FAILED ? nullptr : resized;

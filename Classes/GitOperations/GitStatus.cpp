@@ -25,8 +25,9 @@ constexpr StatusLetter statusLetters[] = {
     {"U", NEBSourceControlStatusConflict}, {"?", NEBSourceControlStatusUntracked},
 };
 
-/// The size from which on a buffer of paths takes no more. Its records keep all of it alive.
-constexpr std::size_t pathsPerBuffer = 1U << 18;
+/// The size of a buffer of paths. It never grows, as that could move it: another thread may already
+/// read the records that refer to it.
+constexpr std::size_t pathsPerBuffer = 1U << 16;
 
 /// The letters of both columns of a status.
 const CharacterSet& statusCharacters() {
@@ -71,23 +72,20 @@ std::uint32_t nebgit_sourceControlStatus(std::string_view letters) {
 GitStatusLines::GitStatusLines(std::string_view fullPath)
     : _front(fullPath.empty() ? "" : pathByAppendingComponent(fullPath, "")) {}
 
-GitStatusLines::~GitStatusLines() {
-    // The records need no spare capacity.
-    static_cast<void>(_paths.take());
-}
-
 NEBValue GitStatusLines::fullPathOf(std::string_view path) {
-    if (_paths.data().size() >= pathsPerBuffer) {
-        static_cast<void>(_paths.take());  // the records keep it
-    }
     while (!_front.empty() && path.starts_with('/')) {
         path.remove_prefix(1);
     }
-    char* const target = _paths.roomFor(_front.size() + path.size());
+    const std::size_t size = _front.size() + path.size();
+    if (_paths.room() < size) {
+        _paths = GrowingData();  // the records keep the former one
+        static_cast<void>(_paths.roomFor(std::max(size, pathsPerBuffer)));
+    }
+    char* const target = _paths.roomFor(size);
     _front.copy(target, _front.size());
     path.copy(target + _front.size(), path.size());
     const std::size_t start = _paths.data().size();
-    _paths.add(_front.size() + path.size());
+    _paths.add(size);
     return {_paths.data(), _paths.data().bytes().substr(start)};
 }
 

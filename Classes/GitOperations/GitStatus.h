@@ -23,10 +23,10 @@ public:
     explicit GitStatusLines(std::string_view fullPath);
     GitStatusLines(const GitStatusLines&) = delete;
     GitStatusLines& operator=(const GitStatusLines&) = delete;
-    /// The records stay valid.
-    ~GitStatusLines();
+    ~GitStatusLines() = default;
 
-    /// Returns a record with the status value and the path; absent for a line without a state.
+    /// Returns a record with the status value and the path; absent for a line without a state. It
+    /// stays valid, and other threads may read it while more lines are read.
     [[nodiscard]] std::optional<NEBDictionary> recordOf(std::string_view line);
 
 private:

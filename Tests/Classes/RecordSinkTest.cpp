@@ -106,6 +106,18 @@ TEST_P(ArrivingOutput, HasTheSameRecordsHoweverItIsCut) {
     }
 }
 
+TEST(ArrivingStatus, LeavesTheTextsOfEarlierRecordsWhereTheyAre) {
+    GitStatusLines lines("/a/folder/with/a/long/name");
+    const auto record = lines.recordOf("?? first.c");
+    const NEBValue path = record->value(NEBSourceControlOperationPathKey);
+    const char* const place = path.string()->data();
+    for (int i = 0; i < 10000; ++i) {
+        static_cast<void>(lines.recordOf("?? a/file/" + std::to_string(i)));
+    }
+    EXPECT_EQ(path.string()->data(), place) << "another thread may read it";
+    EXPECT_EQ(path.string(), "/a/folder/with/a/long/name/first.c");
+}
+
 INSTANTIATE_TEST_SUITE_P(EachList, ArrivingOutput, testing::ValuesIn(outputCases),
                          [](const auto& tested) { return tested.param.name; });
 

@@ -2,6 +2,7 @@
 
 #include "GitOperations/GitBlame.h"
 #include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/DateFormatter.h"
 #include "Property.h"
 #include "ReferenceReader.h"
 

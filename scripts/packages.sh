@@ -1,4 +1,4 @@
-# Functions that install missing Debian packages, for the other scripts.
+# Functions that install missing packages and build, for the other scripts.
 
 # need_packages NAME...: installs the missing packages; exits with a message if it cannot.
 need_packages() {
@@ -44,6 +44,22 @@ need_node_packages() {
     cp "$1/package.json" "$1/package-lock.json" "$2"
     (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >&2)
     cp "$1/package-lock.json" "$2/installed-lock.json"
+}
+
+# build PRESET [TARGET]: configures and builds the preset in the current folder. Prints the last line
+# of the build or, if it fails, every line but those about steps that succeeded.
+build() {
+    local log status=0
+    log=$(mktemp)
+    { cmake --preset "$1" && cmake --build --preset "$1" ${2:+--target "$2"}; } >"$log" 2>&1 ||
+        status=$?
+    if [ "$status" -eq 0 ]; then
+        tail -n 1 "$log"
+    else
+        grep -v '^\[[0-9]*/[0-9]*\] ' "$log" >&2
+    fi
+    rm -f "$log"
+    return "$status"
 }
 
 build_packages=(g++ cmake ninja-build git nlohmann-json3-dev)

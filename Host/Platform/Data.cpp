@@ -108,8 +108,10 @@ void GrowingData::removeFirst(std::size_t count) {
         block.size = left;
     } else {
         GrowingData rest;
-        std::memcpy(rest.roomFor(left), block.bytes + count, left);
-        rest.add(left);
+        if (left > 0) {
+            std::memcpy(rest.roomFor(left), block.bytes + count, left);
+            rest.add(left);
+        }
         *this = std::move(rest);
     }
 }

@@ -7,12 +7,12 @@
 #include <chrono>
 #include <filesystem>
 
-#include "Faults/Sanitizers.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
+#include "Support/Sanitizers.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 

@@ -15,10 +15,10 @@
 #include <random>
 #include <thread>
 
-#include "Faults/Sanitizers.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/RequestRun.h"
+#include "Support/Sanitizers.h"
 #include "Support/TestRepository.h"
 
 namespace neb::test {

@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
-#include "Faults/Sanitizers.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
+#include "Support/Sanitizers.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 #include "nebsc/Server/ServerClient.h"

@@ -7,9 +7,9 @@
 #include <sstream>
 #include <thread>
 
-#include "Faults/Sanitizers.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
+#include "Support/Sanitizers.h"
 #include "Support/TemporaryFolder.h"
 #include "nebsc/Server/ServerClient.h"
 

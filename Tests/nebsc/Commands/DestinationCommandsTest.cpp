@@ -41,6 +41,19 @@ TEST_F(DestinationCommands, MoveAcceptsNamesThatLookLikeOptions) {
 
 TEST_F(DestinationCommands, MoveRefusesAMissingFolder) {
     expectFailed(nebsc({"mv", "a.c", "nowhere/"}), "nebsc: the folder 'nowhere/' does not exist\n");
+    expectFailed(nebsc({"mv", "a.c", "nowhere/x/a.c"}),
+                 "nebsc: the folder 'nowhere/x' does not exist\n");
+    expectFailed(nebsc({"mv", "deep.c", "../nowhere/a.c"}, "src"),
+                 "nebsc: the folder '../nowhere' does not exist\n");
+    EXPECT_EQ(nebsc({"mv", "--json", "a.c", "nowhere/a.c"}).json()["error"]["class"],
+              "destination-missing");
+    EXPECT_EQ(state(), "");
+}
+
+TEST_F(DestinationCommands, MoveRefusesAFileAsFolder) {
+    expectFailed(nebsc({"mv", "a.c", "b.c/x/a.c"}),
+                 "nebsc: 'b.c' exists and is not a folder; nothing was changed\n"
+                 "Choose another folder, or move the existing file away.\n");
     EXPECT_EQ(state(), "");
 }
 

@@ -58,12 +58,22 @@ protected:
 };
 
 std::optional<CommandOutput> MoveTask::validate() {
+    if (auto refused = refusalOutsideWorkingCopy(git())) {
+        return refused;
+    }
     const std::string& source = paths(file).front();
-    if (workingCopy().isWorkingCopy && !isAnythingAt(source) && !git().isTracked(source)) {
+    if (!isAnythingAt(source) && !git().isTracked(source)) {
         return refusal("The file or folder " + inQuotes(argument(file)) + " does not exist.",
                        exitFailed, NEBSourceControlPathUnknownErrorClass);
     }
-    return refusalOfFolderArgument(argument(destination), paths(destination).front());
+    if (auto refused = refusalOfFolderArgument(argument(destination), paths(destination).front())) {
+        return refused;
+    }
+    const std::string parent = fs::path(paths(destination).front()).parent_path().string();
+    if (auto refused = refusalOfBlockedFolder(workingCopy(), parent)) {
+        return refused;
+    }
+    return isFolder(parent) ? std::nullopt : std::optional(refusalOfMissingFolder(shown(parent)));
 }
 
 constexpr Parameter moveParameters[] = {

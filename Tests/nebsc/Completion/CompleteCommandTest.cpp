@@ -81,7 +81,8 @@ TEST_F(CompleteCommand, NamesTheCommandsWithThePrefix) {
 }
 
 TEST_F(CompleteCommand, NamesSubcommands) {
-    EXPECT_THAT(complete({"remote", ""}).candidates, ElementsAre("list", "add", "rm", "branches"));
+    EXPECT_THAT(complete({"remote", ""}).candidates,
+                ElementsAre("list", "add", "rm", "branches", "help"));
     EXPECT_THAT(complete({"branch", "tr"}).candidates, ElementsAre("track", "tracking"));
     EXPECT_THAT(complete({"--json", "remote", "r"}).candidates, ElementsAre("rm"));
 }
@@ -94,6 +95,10 @@ TEST_F(CompleteCommand, CompletesNothingAfterAnUnknownCommand) {
 
 TEST_F(CompleteCommand, NamesCommandsAfterHelp) {
     EXPECT_THAT(complete({"he"}).candidates, ElementsAre("help"));
+    EXPECT_THAT(complete({"branch", "he"}).candidates, ElementsAre("help"));
+    EXPECT_EQ(complete({"branch", "help", "he"}).text, "none\n");
+    EXPECT_EQ(complete({"branch", "create", "he"}).text, "none\n");
+    EXPECT_EQ(complete({"branch", "--help", "he"}).text, "none\n");
     EXPECT_THAT(complete({"help", "mer"}).candidates, ElementsAre("merge", "merge-base"));
     EXPECT_THAT(
         complete({"help", ""}).candidates,

@@ -22,7 +22,7 @@ std::vector<Candidate> commandsAt(const CompletionPoint& point) {
             add(command->name, command->summary);
         }
     }
-    if (point.before.parsed().commands.empty() && !isForHelp(point)) {
+    if (!isForHelp(point)) {
         add("help", "Show the help of a command, with examples");
     }
     return candidates;

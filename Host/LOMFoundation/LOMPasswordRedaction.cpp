@@ -2,19 +2,52 @@
 
 #include <algorithm>
 
+#include "Platform/Text.h"
+
 namespace neb {
 
 namespace {
 
 constexpr std::string_view redacted = "<redacted>";
 constexpr std::size_t minimumTokenLength = 20;
+constexpr std::string_view encodedAt = "%40";
 constexpr auto npos = std::string_view::npos;
 
 bool isControlOrBlank(char character) {
     return static_cast<unsigned char>(character) <= ' ';
 }
 
-/// Returns the part of a URL between "://" and the path. `text` starts after "://".
+/// The schemes of servers. Their URLs are found even if their slashes are mistyped.
+constexpr std::string_view serverSchemes[] = {"http", "https", "ssh", "git", "ftp", "ftps", "svn"};
+
+/// Whether the text ends with the scheme of a server, such as "HTTPS" or "svn+ssh".
+bool endsWithServerScheme(std::string_view text) {
+    const auto* begin =
+        std::find_if_not(text.rbegin(), text.rend(), [](char character) {
+            return lowercaseASCII(character) >= 'a' && lowercaseASCII(character) <= 'z';
+        }).base();
+    const std::string word = lowercaseASCII(std::string_view(begin, text.end()));
+    return std::find(std::begin(serverSchemes), std::end(serverSchemes), word) !=
+           std::end(serverSchemes);
+}
+
+/// Returns where the user information or host begins in the URL whose scheme is before the colon;
+/// npos if that is no URL.
+std::size_t positionOfAuthority(std::string_view line, std::size_t colon) {
+    constexpr std::string_view separator = "://";
+    if (endsWithServerScheme(line.substr(0, colon))) {
+        return std::min(line.find_first_not_of("/\\", colon + 1), line.size());
+    }
+    return line.substr(colon).starts_with(separator) ? colon + separator.size() : npos;
+}
+
+/// Returns the position of the last "@"; of the last encoded one if there is no other.
+std::size_t positionOfLastAt(std::string_view text) {
+    const std::size_t at = text.rfind('@');
+    return at != npos ? at : text.rfind(encodedAt);
+}
+
+/// Returns the part of a URL from positionOfAuthority() to the path, which `text` begins with.
 std::string_view authorityAt(std::string_view text) {
     const auto* end = std::find_if(text.begin(), text.end(), [](char character) {
         return isControlOrBlank(character) || character == '/' || character == '?' ||
@@ -23,14 +56,23 @@ std::string_view authorityAt(std::string_view text) {
     return {text.begin(), end};
 }
 
+/// Returns the first colon, or the first encoded one if there is no other; empty without one.
+std::string_view firstColon(std::string_view userInformation) {
+    if (const std::size_t colon = userInformation.find(':'); colon != npos) {
+        return userInformation.substr(colon, 1);
+    }
+    const std::size_t encoded = std::min(userInformation.find("%3A"), userInformation.find("%3a"));
+    return userInformation.substr(std::min(encoded, userInformation.size())).substr(0, 3);
+}
+
 /// Returns `name` or `name:password` with the secret parts redacted.
 std::string withoutSecret(std::string_view userInformation) {
-    const std::size_t colon = userInformation.find(':');
-    const std::string_view name = userInformation.substr(0, colon);
+    const std::string_view colon = firstColon(userInformation);
+    const std::string_view name(userInformation.begin(), colon.begin());
     std::string text(name.size() >= minimumTokenLength ? redacted : name);
-    if (colon != npos) {
-        text += ':';
-        text += colon + 1 < userInformation.size() ? redacted : std::string_view();
+    text += colon;
+    if (!colon.empty() && colon.end() != userInformation.end()) {
+        text += redacted;
     }
     return text;
 }
@@ -43,11 +85,10 @@ bool isPort(std::string_view text) {
            charactersAfterPort.find(text[end]) != npos;
 }
 
-/// Returns the length of the user information of a URL, npos if it has none. `text` starts after
-/// "://" and continues to the end of the line.
-std::size_t lengthOfUserInformation(std::string_view text) {
-    const std::string_view authority = authorityAt(text);
-    const std::size_t at = authority.rfind('@');
+/// Returns the length of the user information of a URL, npos if it has none. `text` begins with
+/// the authority and continues to the end of the line.
+std::size_t lengthOfUserInformation(std::string_view text, std::string_view authority) {
+    const std::size_t at = positionOfLastAt(authority);
     if (at != npos) {
         return at;
     }
@@ -57,7 +98,7 @@ std::size_t lengthOfUserInformation(std::string_view text) {
     if (colon == npos || isPort(text.substr(colon + 1))) {
         return npos;
     }
-    const std::size_t lastAt = text.rfind('@');
+    const std::size_t lastAt = positionOfLastAt(text);
     return lastAt != npos && lastAt > colon ? lastAt : npos;
 }
 
@@ -102,26 +143,32 @@ std::string withoutPasswordsOfHosts(std::string_view line) {
     return shown;
 }
 
-void appendLine(std::string& shown, std::string_view line) {
-    if (line.find('@') == npos) {
-        shown += line;
+void appendLine(std::string& shown, std::string_view text) {
+    if (positionOfLastAt(text) == npos) {
+        shown += text;
         return;
     }
-    const std::string withoutHosts = withoutPasswordsOfHosts(line);
-    line = withoutHosts;
-    const char* const lastAt = line.data() + line.rfind('@');
-    constexpr std::string_view separator = "://";
-    // No password follows the last "@". Searching for it in each step would take quadratic time.
-    for (std::size_t position = line.find(separator); position != npos && line.data() <= lastAt;
-         position = line.find(separator)) {
-        shown += line.substr(0, position + separator.size());
-        line.remove_prefix(position + separator.size());
-        if (const std::size_t length = lengthOfUserInformation(line); length != npos) {
-            shown += withoutSecret(line.substr(0, length));
-            line.remove_prefix(length);
+    const std::string withoutHosts = withoutPasswordsOfHosts(text);
+    const std::string_view line = withoutHosts;
+    // No password follows the last "@". Searching for it at each URL would take quadratic time.
+    const std::size_t end = std::max(line.rfind('@') + 1, line.rfind(encodedAt) + 1);
+    std::size_t copied = 0;
+    std::size_t searched = 0;  // the end of the last authority
+    for (std::size_t colon = line.find(':'); colon < end; colon = line.find(':', colon + 1)) {
+        const std::size_t position = positionOfAuthority(line, colon);
+        if (position == npos || position < searched) {
+            continue;
+        }
+        const std::string_view rest = line.substr(position);
+        const std::string_view authority = authorityAt(rest);
+        searched = position + authority.size();
+        if (const std::size_t length = lengthOfUserInformation(rest, authority); length != npos) {
+            shown += line.substr(copied, position - copied);
+            shown += withoutSecret(rest.substr(0, length));
+            colon = copied = position + length;
         }
     }
-    shown += line;
+    shown += line.substr(copied);
 }
 
 }  // namespace

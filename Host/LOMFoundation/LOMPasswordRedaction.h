@@ -15,6 +15,8 @@ namespace neb {
 ///     https://ghp_0123456789abcdefghij@host/x  ->  https://<redacted>@host/x
 ///
 /// - A user name of 20 or more characters is redacted, too, because it is an access token.
+/// - The slashes of the URL of a server may be mistyped, and a colon or "@" may be encoded:
+///   `https:/ann:secret@host`, `https://ann:secret%40host`.
 /// - A password with a space or slash, which is not valid in a URL, is redacted up to the last "@"
 ///   of the line.
 /// - So are passwords before a host name in messages of git and ssh:

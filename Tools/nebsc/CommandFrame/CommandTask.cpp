@@ -231,6 +231,9 @@ void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
     if (!outcome.error) {
         outcome.error = output.error;
     }
+    if (outcome.error) {
+        outcome.error->hidePasswords();
+    }
     if (isJSON()) {
         output.standardOutput = textOfOutcome(outcome) + "\n";
     }

@@ -1,8 +1,9 @@
-// Records that are printed while git runs, by `nebsc log` and `nebsc request --stream`.
+// Records that are printed while git runs, by the commands that list and `nebsc request --stream`.
 
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -27,13 +28,20 @@ protected:
         return {folder.path(), logScript(script)};
     }
     [[nodiscard]] std::string logScript(const std::string& script) const {
-        return "case \"$*\" in *config*) exit 1;; log*) ;; *) exit 0;; esac\n"
+        return scriptOf(
+            "log", "printf '0123456789ab\\nAnn\\na@b\\n1600000000\\n%s\\n\\001\\n\\000' \"$1\"",
+            "printf '\\000'\n" + script);
+    }
+    /// A git whose command, such as "ls-tree", is a script. The body of `record` prints a record.
+    [[nodiscard]] std::string scriptOf(const std::string& command, const std::string& record,
+                                       const std::string& script) const {
+        return "case \"$*\" in *config*) exit 1;; " + command +
+               "*) ;; *) exit 0;; esac\n"
                "echo $$ > '" +
-               folder.path("git") +
-               "'\nrecord() { printf '0123456789ab\\nAnn\\na@b\\n1600000000\\n%s\\n\\001\\n\\000' "
-               "\"$1\"; }\n"
+               folder.path("git") + "'\nrecord() { " + record +
+               "; }\n"
                "seen() { while ! [ -e '" +
-               folder.path("seen") + "' ]; do sleep 0.01; done; }\nprintf '\\000'\n" + script;
+               folder.path("seen") + "' ]; do sleep 0.01; done; }\n" + script;
     }
     [[nodiscard]] NebscSurroundings surroundings(const StandInGit& git, NebscOutput output,
                                                  Variables variables = {}) const {
@@ -62,6 +70,21 @@ protected:
     TemporaryFolder folder;
 };
 
+/// A command that lists, the command of git that it runs, and a record named NAME of both.
+struct ListedRecord {
+    std::vector<std::string> arguments;
+    std::string gitCommand;
+    std::string body;
+    std::string linePrefix;
+};
+
+const std::vector<ListedRecord> listedRecords{
+    {{"status"}, "status", "printf 'M  %s\\000' $1", "modified   "},
+    {{"ls"}, "ls-tree", "printf '100644 blob 01234567\\t%s\\000' $1", ""},
+    {{"diff", "--name-status"}, "diff", "printf 'M\\000%s\\000' $1", "modified   "},
+    {{"diff"}, "diff", "printf '+%s\\n' $1", "+"},
+};
+
 const std::string withoutEnd = "exec sleep 3600";
 const std::string endless = "while :; do record more; done";
 
@@ -76,6 +99,45 @@ TEST_F(Streaming, LogPrintsACommitBeforeTheNextOne) {
         EXPECT_THAT(outcome.output, StartsWith(line("Two") + "\n"));
         EXPECT_EQ(outcome.errors, "");
         EXPECT_EQ(outcome.exitStatus, 0);
+    }
+}
+
+TEST_F(Streaming, OtherCommandsPrintARecordBeforeTheNextOne) {
+    for (const ListedRecord& listed : listedRecords) {
+        const StandInGit git(folder.path(), scriptOf(listed.gitCommand, listed.body,
+                                                     "record One; seen; record Two"));
+        Nebsc program(listed.arguments, surroundings(git, NebscOutput::pipe));
+        EXPECT_EQ(program.awaitLine(), listed.linePrefix + "One");
+        folder.write("seen", "");
+        expectDone(program.outcome(), listed.linePrefix + "Two\n");
+        std::filesystem::remove(folder.path("seen"));
+    }
+}
+
+TEST_F(Streaming, OtherCommandsEndGitWhenTheReaderEnds) {
+    for (const ListedRecord& listed : listedRecords) {
+        for (const std::string& rest : {withoutEnd, endless}) {
+            const StandInGit git(folder.path(),
+                                 scriptOf(listed.gitCommand, listed.body, "record One; " + rest));
+            Nebsc program(listed.arguments, surroundings(git, NebscOutput::pipe));
+            EXPECT_EQ(program.awaitLine(), listed.linePrefix + "One");
+            program.stopReading();
+            expectDone(program.outcome());
+            expectThatGitHasEnded();
+        }
+    }
+}
+
+TEST_F(Streaming, AFailureOfOtherCommandsFollowsTheRecords) {
+    for (const ListedRecord& listed : listedRecords) {
+        const StandInGit git(
+            folder.path(), scriptOf(listed.gitCommand, listed.body,
+                                    "record One; echo 'fatal: index file corrupt' >&2; exit 128"));
+        const NebscOutcome outcome =
+            runNebsc(listed.arguments, surroundings(git, NebscOutput::pipe));
+        EXPECT_EQ(outcome.output, listed.linePrefix + "One\n");
+        EXPECT_THAT(outcome.errors, StartsWith("nebsc: "));
+        EXPECT_EQ(outcome.exitStatus, 1);
     }
 }
 
@@ -218,6 +280,20 @@ TEST_F(Streaming, NeedsNoMoreMemoryForALongerLog) {
         return outcome.peakKiB;
     };
     EXPECT_LT(peakOf("4000000"), peakOf("400000") + 8192);
+}
+
+TEST_F(Streaming, NeedsNoMoreMemoryForALongerPatch) {
+    const auto peakOf = [this](const std::string& size) {
+        const StandInGit git(folder.path(),
+                             scriptOf("diff", ":", "yes '+a line of a patch' | head -c " + size));
+        const NebscOutcome outcome = runNebsc(
+            {"diff"},
+            surroundings(git, NebscOutput::collected, {{"ASAN_OPTIONS", "quarantine_size_mb=1"}}));
+        EXPECT_EQ(outcome.exitStatus, 0);
+        EXPECT_EQ(outcome.output.size(), std::stoul(size));
+        return outcome.peakKiB;
+    };
+    EXPECT_LT(peakOf("20000000"), peakOf("400000") + 8192);
 }
 
 /// git runs in the nearest folder with a ".git" while another process looks for the top folder.

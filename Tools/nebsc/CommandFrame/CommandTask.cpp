@@ -305,17 +305,25 @@ RequestResult CommandTask::performRequest(
 }
 
 RequestResult CommandTask::performStreamed(
-    const std::shared_ptr<NEBSourceControlRequest>& request) {
+    const std::shared_ptr<NEBSourceControlRequest>& request,
+    const std::shared_ptr<NEBSourceControlOperation>& replacement) {
+    return isJSON() ? performRequest(request, replacement)
+                    : _call.session.perform(request, printingRunner(), replacement);
+}
+
+RequestResult CommandTask::performStreamed(NEBSourceControlOperation& operation) {
     if (isJSON()) {
-        return performRequest(request);
+        return performOperation(operation);
     }
+    return {_call.session.performOperation(operation, printingRunner()), std::nullopt};
+}
+
+HostSession::Runner CommandTask::printingRunner() {
     _streamedOutput.emplace(_call.command.isPaged ? [this] { return chosenPager(); }
                                                   : StreamedOutput::PagerChoice());
-    return _call.session.perform(
-        request, streamingRunner(interruptibleRunner(_interruption, *_progress), _interruption,
-                                 *_streamedOutput, [this](const NEBSourceControlResult& records) {
-                                     return textOfArrived(records);
-                                 }));
+    return streamingRunner(
+        interruptibleRunner(_interruption, *_progress), _interruption, *_streamedOutput,
+        [this](const NEBSourceControlResult& records) { return textOfArrived(records); });
 }
 
 std::optional<std::string> CommandTask::textOfArrived(const NEBSourceControlResult& records) {

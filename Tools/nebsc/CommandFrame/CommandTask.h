@@ -145,9 +145,13 @@ protected:
         const std::shared_ptr<NEBSourceControlRequest>& request,
         const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
     /// Carries out the command's request, and prints textOfResult() as the records arrive, unless
-    /// the command prints JSON. The result of the outcome is empty then.
+    /// the command prints JSON. The result of the outcome is empty then. See HostSession about the
+    /// replacement.
     [[nodiscard]] RequestResult performStreamed(
-        const std::shared_ptr<NEBSourceControlRequest>& request);
+        const std::shared_ptr<NEBSourceControlRequest>& request,
+        const std::shared_ptr<NEBSourceControlOperation>& replacement = nullptr);
+    /// The same with an operation of the command's own.
+    [[nodiscard]] RequestResult performStreamed(NEBSourceControlOperation& operation);
     /// Runs an operation of the command's own.
     [[nodiscard]] RequestResult performOperation(NEBSourceControlOperation& operation);
     /// Carries out, in validate(), a request that the command's own depends on. Returns the output
@@ -177,6 +181,8 @@ private:
     [[nodiscard]] std::vector<std::string> names() const;
     [[nodiscard]] std::optional<std::string> pagerFor(std::string_view text) const;
     [[nodiscard]] std::optional<std::string> chosenPager() const;
+    /// Opens the streamed output. Returns a function that runs an operation and prints its records.
+    [[nodiscard]] HostSession::Runner printingRunner();
     /// Returns the text of records that performStreamed() gets; absent if the working copy turns
     /// out to be elsewhere.
     [[nodiscard]] std::optional<std::string> textOfArrived(const NEBSourceControlResult& records);

@@ -4,13 +4,12 @@
 // old name of a renamed file and the bytes of a name that is not UTF-8. The entries here keep them.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
-#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+#include "CommandFrame/EntryQuery.h"
 
 namespace neb::nebsc {
 
@@ -28,33 +27,27 @@ struct StatusEntry {
     [[nodiscard]] char letter() const { return index != ' ' ? index : workTree; }
 };
 
-/// Returns the entries, without a last one that is incomplete.
-[[nodiscard]] std::vector<StatusEntry> statusEntriesIn(std::string_view output);
-
 /// Not thread-safe, like all operations.
-class StatusQuery : public NEBSourceControlTaskOperation {
+class StatusQuery : public EntryQuery<StatusEntry> {
 public:
     /// Queries the working copy of a status request, or only the request's destination in it.
     /// `expandsUntrackedFolders` lists each file of an untracked folder instead of the folder.
-    /// Without `makesRecords` the result is empty, and only the entries are read.
-    StatusQuery(std::shared_ptr<NEBSourceControlRequest> request, bool expandsUntrackedFolders,
-                bool makesRecords);
+    StatusQuery(std::shared_ptr<NEBSourceControlRequest> request, bool expandsUntrackedFolders);
 
     [[nodiscard]] std::string className() const override { return "StatusQuery"; }
-    [[nodiscard]] std::string launchPath() override;
-    /// The records have the same members as those of a status request. A path that is not UTF-8 is
-    /// quoted as git does.
-    void parseData() override;
     /// Reports a folder that git could not read, though git exits with status 0.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;
 
-    /// Removes and returns the entries, in git's order; empty until the operation has run.
-    [[nodiscard]] std::vector<StatusEntry> takeEntries() { return std::exchange(_entries, {}); }
+protected:
+    [[nodiscard]] std::optional<StatusEntry> entryIn(std::string_view text) override;
+    /// The record has the same members as that of a status request. A path that is not UTF-8 is
+    /// quoted as git does.
+    [[nodiscard]] NEBDictionary recordOf(const StatusEntry& entry) const override;
 
 private:
-    std::vector<StatusEntry> _entries;
-    bool _makesRecords;
+    /// Present between a new path and the old one.
+    std::optional<StatusEntry> _renamed;
 };
 
 }  // namespace neb::nebsc

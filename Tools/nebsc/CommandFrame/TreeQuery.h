@@ -5,11 +5,12 @@
 // works in bare repositories too.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+#include "CommandFrame/EntryQuery.h"
 
 namespace neb::nebsc {
 
@@ -21,27 +22,20 @@ struct TreeEntry {
     bool isFile = false;
 };
 
-/// Returns the entries in git's output.
-[[nodiscard]] std::vector<TreeEntry> treeEntriesIn(std::string_view output);
-
 /// Not thread-safe, like all operations.
-class TreeQuery : public NEBSourceControlTaskOperation {
+class TreeQuery : public EntryQuery<TreeEntry> {
 public:
     /// Queries the repository at the location of the source tree. `object` names the tree:
     /// "HEAD:src", or "HEAD:" for the top.
     TreeQuery(std::shared_ptr<NEBSourceControlRequest> request, const std::string& object);
 
     [[nodiscard]] std::string className() const override { return "TreeQuery"; }
-    [[nodiscard]] std::string launchPath() override;
-    /// The records have the same members as those of a list request. A name that is not UTF-8 is
+
+protected:
+    [[nodiscard]] std::optional<TreeEntry> entryIn(std::string_view text) override;
+    /// The record has the same members as that of a list request. A name that is not UTF-8 is
     /// quoted as git does.
-    void parseData() override;
-
-    /// Returns the entries in git's order; empty until the operation has run.
-    [[nodiscard]] const std::vector<TreeEntry>& entries() const { return _entries; }
-
-private:
-    std::vector<TreeEntry> _entries;
+    [[nodiscard]] NEBDictionary recordOf(const TreeEntry& entry) const override;
 };
 
 }  // namespace neb::nebsc

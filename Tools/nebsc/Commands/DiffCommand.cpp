@@ -1,9 +1,10 @@
 #include <unistd.h>
 
 #include <limits>
+#include <memory>
 
 #include "CommandFrame/CommandTask.h"
-#include "CommandFrame/NameStatusQuery.h"
+#include "CommandFrame/DiffQueries.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -33,13 +34,14 @@ private:
     [[nodiscard]] bool isFromCommonAncestor() const {
         return arguments().has("--common-ancestor") || _named.dots == "...";
     }
-    void restoreBytes(const Outcome& outcome, CommandOutput& output);
-    void noteFilesNotCompared(CommandOutput& output);
+    void noteFilesNotCompared(const Outcome& outcome, CommandOutput& output);
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
 
     RevisionArguments _named;
-    /// For --name-status.
-    std::vector<NameStatusEntry> _entries;
+    /// One of the two is present, unless the command prints JSON.
+    std::shared_ptr<NameStatusQuery> _names;
+    std::shared_ptr<PatchQuery> _patch;
+    PatchText _patchText{STDOUT_FILENO, isInColour()};
 };
 
 std::optional<CommandOutput> DiffTask::validate() {
@@ -74,15 +76,18 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::makeRequest() {
     return request;
 }
 
-/// The query keeps every name as it is; the request does not.
+/// The queries keep every byte; the request does not.
 RequestResult DiffTask::perform() {
-    if (isJSON() || !arguments().has("--name-status")) {
+    if (isJSON()) {
         return performRequest(makeRequest());
     }
-    NameStatusQuery query(makeRequest(), isFromCommonAncestor() ? "..." : "..");
-    RequestResult requestResult = performOperation(query);
-    _entries = query.entries();
-    return requestResult;
+    const std::string_view dots = isFromCommonAncestor() ? "..." : "..";
+    if (arguments().has("--name-status")) {
+        _names = std::make_shared<NameStatusQuery>(makeRequest(), dots);
+        return performStreamed(*_names);
+    }
+    _patch = std::make_shared<PatchQuery>(makeRequest(), dots);
+    return performStreamed(_patch->request(), _patch);
 }
 
 std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
@@ -90,40 +95,19 @@ std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
            (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
 }
 
-std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
-    const bool isColoured = isInColour();
-    std::string lines;
-    for (const NEBDictionary& record : records) {
-        if (const auto patch = record.value(NEBSourceControlOperationContentKey).string()) {
-            lines += patchText(STDOUT_FILENO, *patch, isColoured);
+std::string DiffTask::textOfResult(const NEBSourceControlResult& /*records*/) {
+    std::string lines = _patch ? _patchText.textOf(_patch->takeLines()) : "";
+    if (_names) {
+        for (const NameStatusEntry& entry : _names->takeEntries()) {
+            lines += lineOf(entry);
         }
-    }
-    for (const NameStatusEntry& entry : _entries) {
-        lines += lineOf(entry);
     }
     return lines;
 }
 
-/// A result is UTF-8. For a program to apply, a patch of files in another encoding is read from git
-/// again as it is.
-void DiffTask::restoreBytes(const Outcome& outcome, CommandOutput& output) {
-    constexpr std::string_view replacement = "\uFFFD";
-    if (isJSON() || isInColour() || ::isatty(STDOUT_FILENO) == 1 || !outcome.command ||
-        arguments().has("--name-status") ||
-        output.standardOutput.find(replacement) == std::string::npos) {
-        return;
-    }
-    const ChildOutcome patch = git().run(outcome.command->arguments);
-    if (patch.status.isSuccess()) {
-        output.standardOutput = std::string(patch.output);
-    } else {
-        addFailure(output, failureOfQuery(git(), patch));
-    }
-}
-
 /// git ignores an unknown file silently. Output about a single file shows that git knows it.
-void DiffTask::noteFilesNotCompared(CommandOutput& output) {
-    const bool hasCompared = _named.files.size() == 1 && !output.standardOutput.empty();
+void DiffTask::noteFilesNotCompared(const Outcome& outcome, CommandOutput& output) {
+    const bool hasCompared = _named.files.size() == 1 && outcome.recordCount.value_or(0) > 0;
     if (isJSON() || _named.revisions.size() > 1 || hasCompared) {
         return;
     }
@@ -141,8 +125,7 @@ void DiffTask::noteFilesNotCompared(CommandOutput& output) {
 }
 
 void DiffTask::report(const Outcome& outcome, CommandOutput& output) {
-    restoreBytes(outcome, output);
-    noteFilesNotCompared(output);
+    noteFilesNotCompared(outcome, output);
 }
 
 constexpr Parameter parameters[] = {

@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "CommandFrame/TreeQuery.h"
@@ -33,7 +35,7 @@ private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfFolder();
     void explainMissingTree(Outcome& outcome);
 
-    std::vector<TreeEntry> _entries;
+    std::shared_ptr<TreeQuery> _query;
 };
 
 std::optional<CommandOutput> ListTask::validate() {
@@ -75,9 +77,8 @@ std::shared_ptr<NEBSourceControlRequest> ListTask::makeRequest() {
 }
 
 RequestResult ListTask::perform() {
-    TreeQuery query(makeRequest(), objectAt(git(), "HEAD", folder()));
-    RequestResult requestResult = performOperation(query);
-    _entries = query.entries();
+    _query = std::make_shared<TreeQuery>(makeRequest(), objectAt(git(), "HEAD", folder()));
+    RequestResult requestResult = performStreamed(*_query);
     explainMissingTree(*requestResult.outcome);
     return requestResult;
 }
@@ -98,15 +99,15 @@ void ListTask::explainMissingTree(Outcome& outcome) {
 std::string ListTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     const bool isColoured = isInColour();
     std::string lines;
-    for (const TreeEntry& entry : _entries) {
+    for (const TreeEntry& entry : _query->takeEntries()) {
         const std::string name = printable(entry.name) + (entry.isFile ? "" : "/");
         lines += (isColoured && !entry.isFile ? coloured(name, Colour::cyan) : name) + "\n";
     }
     return lines;
 }
 
-void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    if (_entries.empty() && !isJSON()) {
+void ListTask::report(const Outcome& outcome, CommandOutput& output) {
+    if (outcome.recordCount == 0U) {
         output.standardError += printable(shownFolder()) + " is empty in the latest commit.\n";
     }
 }

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <memory>
 
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/StatusQuery.h"
@@ -41,7 +42,7 @@ private:
 
     /// Absolute; absent for the whole working copy.
     std::optional<std::string> _path;
-    std::vector<StatusEntry> _entries;
+    std::shared_ptr<StatusQuery> _query;
 };
 
 /// For a path that does not exist, starts from the nearest existing folder. A symbolic link counts
@@ -83,10 +84,8 @@ RequestResult StatusTask::perform() {
     if (isJSON() && !isAll) {
         return performRequest(makeRequest());
     }
-    StatusQuery query(makeRequest(), isAll, isJSON());
-    RequestResult requestResult = performOperation(query);
-    _entries = query.takeEntries();
-    return requestResult;
+    _query = std::make_shared<StatusQuery>(makeRequest(), isAll);
+    return performStreamed(*_query);
 }
 
 std::string StatusTask::lineOf(const StatusEntry& entry) const {
@@ -106,15 +105,17 @@ std::string StatusTask::lineOf(const StatusEntry& entry) const {
 
 std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     std::string lines;
-    for (const StatusEntry& entry : _entries) {
-        lines += lineOf(entry);
+    if (_query) {
+        for (const StatusEntry& entry : _query->takeEntries()) {
+            lines += lineOf(entry);
+        }
     }
     return lines;
 }
 
 /// Reports that there are no changes.
 void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (!_entries.empty() || (outcome.result && !outcome.result->empty())) {
+    if (outcome.recordCount.value_or(0) > 0 || (outcome.result && !outcome.result->empty())) {
         return;
     }
     const std::string name = inQuotes(lastPathComponent(workingCopy().location));

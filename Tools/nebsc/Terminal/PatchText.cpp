@@ -12,58 +12,53 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Colours a patch line by line.
-class PatchColours {
-public:
-    [[nodiscard]] std::string line(const std::string& line) {
-        if (line.starts_with("diff ")) {
-            _isHeader = true;
-        } else if (line.starts_with("@@")) {
-            _isHeader = false;
-            return hunkHeader(line);
-        }
-        return coloured(line, colourOf(line));
-    }
+/// Colours a hunk header up to its second "@@".
+std::string colouredHunkHeader(const std::string& line) {
+    const std::size_t end = line.find(" @@");
+    const std::size_t after = end == std::string::npos ? end : line.find_first_not_of('@', end + 1);
+    const std::size_t length = std::min(after, line.size());
+    return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
+}
 
-private:
-    /// Colours a hunk header up to its second "@@".
-    [[nodiscard]] static std::string hunkHeader(const std::string& line) {
-        const std::size_t end = line.find(" @@");
-        const std::size_t after =
-            end == std::string::npos ? end : line.find_first_not_of('@', end + 1);
-        const std::size_t length = std::min(after, line.size());
-        return coloured(line.substr(0, length), Colour::cyan) + line.substr(length);
-    }
-    /// In the header of a file, "---" and "+++" do not mark removed or added lines.
-    [[nodiscard]] Colour colourOf(std::string_view line) const {
-        if (_isHeader) {
-            return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
-        }
-        return line.starts_with('+')   ? Colour::green
-               : line.starts_with('-') ? Colour::red
-                                       : Colour::none;
-    }
+Colour colourOfHeader(std::string_view line) {
+    return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
+}
 
-    bool _isHeader = false;
-};
+Colour colourInHunk(std::string_view line) {
+    return line.starts_with('+')   ? Colour::green
+           : line.starts_with('-') ? Colour::red
+                                   : Colour::none;
+}
 
 }  // namespace
 
-std::string patchText(int descriptor, std::string_view patch, bool isColoured) {
-    const bool isForTerminal = ::isatty(descriptor) == 1;
-    if (!isForTerminal && !isColoured) {
-        return std::string(patch);
+PatchText::PatchText(int descriptor, bool isColoured)
+    : _isForTerminal(::isatty(descriptor) == 1), _isColoured(isColoured) {}
+
+/// In the header of a file, "---" and "+++" do not mark removed or added lines.
+std::string PatchText::colouredLine(const std::string& line) {
+    if (line.starts_with("diff ")) {
+        _isHeader = true;
+    } else if (line.starts_with("@@")) {
+        _isHeader = false;
+        return colouredHunkHeader(line);
     }
-    std::string lines;
-    PatchColours colours;
-    if (patch.ends_with('\n')) {
-        patch.remove_suffix(1);
+    return coloured(line, _isHeader ? colourOfHeader(line) : colourInHunk(line));
+}
+
+std::string PatchText::textOf(std::string lines) {
+    if ((!_isForTerminal && !_isColoured) || lines.empty()) {
+        return lines;
     }
-    forEachField(patch, '\n', [&](std::string_view text) {
-        const std::string line = isForTerminal ? printableLine(text) : std::string(text);
-        lines.append(isColoured ? colours.line(line) : line).append("\n");
+    const std::string valid = textReplacingInvalidBytes(lines);
+    std::string_view rest = valid;
+    rest.remove_suffix(rest.ends_with('\n') ? 1 : 0);
+    std::string text;
+    forEachField(rest, '\n', [&](std::string_view field) {
+        const std::string line = _isForTerminal ? printableLine(field) : std::string(field);
+        text.append(_isColoured ? colouredLine(line) : line).append("\n");
     });
-    return lines;
+    return text;
 }
 
 }  // namespace neb::nebsc

@@ -6,9 +6,24 @@
 
 namespace neb::nebsc {
 
-/// Returns the text to write to the descriptor, in git's colours if `isColoured`. If the descriptor
-/// is a terminal, control characters are made printable; otherwise the bytes are unchanged, so that
-/// a program can apply the patch. Thread-safe.
-[[nodiscard]] std::string patchText(int descriptor, std::string_view patch, bool isColoured);
+/// Makes the text of one patch, which arrives in parts. Not thread-safe.
+class PatchText {
+public:
+    /// For output to the descriptor, in git's colours if `isColoured`.
+    PatchText(int descriptor, bool isColoured);
+
+    /// Returns the text of the next lines. For a terminal and in colour, control characters of a
+    /// terminal are made printable, invalid UTF-8 is replaced by U+FFFD, and the last line gets a
+    /// line end. Otherwise the bytes are unchanged, so that a program can apply the patch.
+    [[nodiscard]] std::string textOf(std::string lines);
+
+private:
+    [[nodiscard]] std::string colouredLine(const std::string& line);
+
+    bool _isForTerminal;
+    bool _isColoured;
+    /// Whether the next line belongs to the header of a file.
+    bool _isHeader = false;
+};
 
 }  // namespace neb::nebsc

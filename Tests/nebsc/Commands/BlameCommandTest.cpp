@@ -61,14 +61,19 @@ TEST_F(BlameCommand, MarksUncommittedLines) {
                    "------------  Not committed yet                    2  new\n");
 }
 
-TEST_F(BlameCommand, OmitsTheContentIfTheNumberOfLinesDiffers) {
-    const std::string commit = repository.git({"rev-parse", "HEAD"}).substr(0, 40);
-    const StandInGit git(repository.path(),
-                         "printf '" + commit + "\\t(Bo\\t2020-09-13 12:26:40 +0000\\t1)one\\n'");
-    const NebscOutcome outcome =
-        runNebsc({"blame", "src/grüße dir/b c.c"},
-                 {.folder = repository.path(), .variables = {git.path(), {"TZ", "UTC"}}});
-    expectDone(outcome, revision("HEAD") + "  Bo  2020-09-13 12:26  1\n");
+/// What a filter stores differs from the file on disk.
+TEST_F(BlameCommand, ShowsTheLinesThatGitHasCompared) {
+    repository.git({"config", "filter.half.clean", "sed -n 1p"});
+    repository.write(".gitattributes", "half.c filter=half\n");
+    repository.commitFile("half.c", "kept\ndropped\n");
+    expectDone(blame({"half.c"}), revision("HEAD") + "  Ann Example  2020-09-13 17:56  1  kept\n");
+}
+
+TEST_F(BlameCommand, AnAuthorMayHaveParenthesesAndControlCharacters) {
+    repository.write("c.c", "1)\n");
+    repository.git({"add", "c.c"});
+    repository.git({"commit", "--quiet", "-m", "x", "--author", "Bo (B)\tx <b@b>"});
+    EXPECT_THAT(blame({"c.c"}).output, HasSubstr("  Bo (B)\\tx  "));
 }
 
 TEST_F(BlameCommand, EscapesControlCharactersInContent) {

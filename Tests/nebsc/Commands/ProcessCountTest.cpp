@@ -55,6 +55,7 @@ TEST_F(ProcessCount, IsTwoForACommandThatReads) {
              {"branch"},
              {"branch", "current"},
              {"blame", "src/b"},
+             {"blame", "v1", "src/b"},
              {"diff"},
              {"diff", "v1"},
              {"diff", "src"},

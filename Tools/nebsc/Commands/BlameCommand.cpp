@@ -1,17 +1,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <memory>
 
+#include "CommandFrame/BlameQuery.h"
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
-#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
-#include "Platform/Text.h"
 #include "Terminal/Colour.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/PrintableText.h"
@@ -20,64 +17,45 @@
 
 namespace neb::nebsc {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 /// The printable columns of a line.
-struct BlamedLine {
+struct BlameRow {
     std::string revision;
     std::string author;
     std::string date;
     std::string number;
+    std::string content;
 };
 
 /// git prints a revision of zeros for such a line.
 bool isNotCommitted(std::string_view revision) {
-    return !revision.empty() && revision.find_first_not_of('0') == std::string_view::npos;
+    return revision.find_first_not_of('0') == std::string_view::npos;
 }
 
-BlamedLine lineOf(const NEBDictionary& record) {
-    const auto text = [&record](NEBConstant key) { return printable(record.text(key)); };
-    BlamedLine line{.revision = text(NEBSourceControlOperationRevisionKey),
-                    .author = text(NEBSourceControlOperationAuthorKey),
-                    .date = {},
-                    .number = text(NEBSourceControlOperationLineNumberKey)};
-    if (isNotCommitted(line.revision)) {
-        line.revision.assign(line.revision.size(), '-');
-        line.author = "Not committed yet";
-    } else if (const auto date = record.value(NEBSourceControlOperationDateKey).date()) {
-        line.date = localMinute(*date);
+BlameRow rowOf(const BlamedLine& line) {
+    constexpr std::size_t revisionColumns = 12;
+    BlameRow row{.revision = line.commit->id.substr(0, revisionColumns),
+                 .author = {},
+                 .date = {},
+                 .number = printable(line.number),
+                 .content = printableLine(line.content)};
+    if (isNotCommitted(row.revision)) {
+        row.revision.assign(row.revision.size(), '-');
+        row.author = "Not committed yet";
+    } else {
+        row.author = printable(line.commit->author);
+        row.date = localMinute(line.commit->date);
     }
-    return line;
+    return row;
 }
 
-std::size_t widest(const std::vector<BlamedLine>& lines, std::string BlamedLine::*column) {
+std::size_t widest(const std::vector<BlameRow>& rows, std::string BlameRow::*column) {
     std::size_t columns = 0;
-    for (const BlamedLine& line : lines) {
-        columns = std::max(columns, columnsOf(line.*column));
+    for (const BlameRow& row : rows) {
+        columns = std::max(columns, columnsOf(row.*column));
     }
     return columns;
-}
-
-std::vector<std::string> linesOf(std::string_view content) {
-    std::vector<std::string> lines;
-    if (!content.empty()) {
-        content.remove_suffix(content.ends_with('\n') ? 1 : 0);
-        forEachField(content, '\n',
-                     [&lines](std::string_view line) { lines.push_back(printableLine(line)); });
-    }
-    return lines;
-}
-
-/// Returns the content of the file; of a symbolic link its target, as git stores it.
-std::string contentOnDisk(const std::string& path) {
-    std::error_code failure;
-    if (fs::is_symlink(fs::symlink_status(path, failure))) {
-        return fs::read_symlink(path, failure).string();
-    }
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 /// Returns the line cut to the width of the terminal; unchanged if standard output has no width.
@@ -102,13 +80,13 @@ protected:
     RepositoryQuestions questions() const override;
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
-    [[nodiscard]] std::vector<std::string> contents();
-
     std::string _file;
     std::optional<std::string> _revision;
+    std::shared_ptr<BlameQuery> _query;
 };
 
 RepositoryQuestions BlameTask::questions() const {
@@ -145,50 +123,41 @@ std::shared_ptr<NEBSourceControlRequest> BlameTask::makeRequest() {
     return request;
 }
 
-std::vector<std::string> BlameTask::contents() {
-    if (!_revision && workingCopy().isWorkingCopy) {
-        return linesOf(contentOnDisk(_file));
+/// Not streamed: the columns are as wide as their widest text, and git itself prints nothing before
+/// it knows the commits of all lines.
+RequestResult BlameTask::perform() {
+    if (isJSON()) {
+        return performRequest(makeRequest());
     }
-    if (_file.starts_with('/') && !liesWithin(_file, workingCopy().location)) {
-        return {};
-    }
-    return linesOf(
-        git().run({"cat-file", "blob", objectAt(git(), _revision.value_or("HEAD"), _file)}).output);
+    _query = std::make_shared<BlameQuery>(makeRequest());
+    return performRequest(_query->request(), _query);
 }
 
-std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
+std::string BlameTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     if (isJSON()) {
         return {};
     }
-    std::vector<BlamedLine> lines;
-    for (const NEBDictionary& record : records) {
-        if (!record.isEmpty()) {
-            lines.push_back(lineOf(record));
-        }
+    std::vector<BlameRow> rows;
+    for (const BlamedLine& line : _query->takeEntries()) {
+        rows.push_back(rowOf(line));
     }
-    // A filter or a concurrent write may change the number of lines; then the lines cannot be
-    // matched.
-    const std::vector<std::string> content = contents();
-    const bool hasContent = content.size() == lines.size();
     const bool isColoured = isInColour();
-    const std::size_t authorColumns = widest(lines, &BlamedLine::author);
-    const std::size_t dateColumns = widest(lines, &BlamedLine::date);
-    const std::size_t numberColumns = widest(lines, &BlamedLine::number);
+    const std::size_t authorColumns = widest(rows, &BlameRow::author);
+    const std::size_t dateColumns = widest(rows, &BlameRow::date);
+    const std::size_t numberColumns = widest(rows, &BlameRow::number);
     std::string all;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const BlamedLine& line = lines[i];
-        const bool isLastColumn = !hasContent || content[i].empty();
+    for (const BlameRow& row : rows) {
         const std::size_t columnsBefore =
-            columnsOf(line.revision) + authorColumns + dateColumns + numberColumns + 8;
-        all.append(isColoured ? coloured(line.revision, Colour::yellow) : line.revision)
+            columnsOf(row.revision) + authorColumns + dateColumns + numberColumns + 8;
+        all.append(isColoured ? coloured(row.revision, Colour::yellow) : row.revision)
             .append("  ")
-            .append(paddedTo(authorColumns, line.author))
+            .append(paddedTo(authorColumns, row.author))
             .append("  ")
-            .append(paddedTo(dateColumns, line.date))
+            .append(paddedTo(dateColumns, row.date))
             .append("  ")
-            .append(numberColumns - columnsOf(line.number), ' ')
-            .append(line.number)
-            .append(isLastColumn ? "" : "  " + contentOnTerminal(content[i], columnsBefore))
+            .append(numberColumns - columnsOf(row.number), ' ')
+            .append(row.number)
+            .append(row.content.empty() ? "" : "  " + contentOnTerminal(row.content, columnsBefore))
             .append("\n");
     }
     return all;

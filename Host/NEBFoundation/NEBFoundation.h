@@ -1,4 +1,9 @@
 // NEBFoundation.h - all headers that a host needs.
+//
+// A host loads the plug-in (NEBSourceControlPlugIn.h), fills a request (NEBSourceControlRequest.h),
+// lets the plug-in make its operation (NEBSourceControlProtocol.h), runs that on a queue
+// (OperationQueue.h), and reads records or an error (NEBSourceControlOperation.h). docs/hosts.md is
+// the guide.
 #pragma once
 
 // IWYU pragma: begin_exports

@@ -1,4 +1,11 @@
 // NEBSourceControlError.h - the error of a request.
+//
+//     if (const auto& error = operation->error()) {
+//         show(error->localizedDescription().value_or("git failed."));
+//         if (error->errorClass == NEBSourceControlCredentialsRefusedErrorClass) {
+//             askForCredentials();
+//         }
+//     }
 #pragma once
 
 #include <cstdint>
@@ -22,9 +29,11 @@ public:
     static NEBSourceControlError withDescription(std::int64_t code, const std::string& description,
                                                  const std::optional<std::string>& suggestion = {});
 
-    /// The domain that defines the code.
+    /// The domain that defines the code: NEBSourceControlErrorDomain, or NEBPOSIXErrorDomain for a
+    /// failure of the file system.
     std::string domain{NEBSourceControlErrorDomain.text()};
-    /// In NEBSourceControlErrorDomain a NEBSourceControlErrorCode.
+    /// In NEBSourceControlErrorDomain a NEBSourceControlErrorCode, in NEBPOSIXErrorDomain a number
+    /// of <errno.h>.
     std::int64_t code = NEBSourceControlGenericError;
     /// The texts for the user; see localizedDescription() and localizedRecoverySuggestion().
     NEBDictionary userInfo;

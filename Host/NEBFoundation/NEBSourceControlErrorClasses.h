@@ -1,4 +1,8 @@
 // NEBSourceControlErrorClasses.h - the table of error classes, with a sentence and advice for each.
+//
+//     for (const NEBSourceControlErrorClass& row : NEBSourceControlErrorClasses()) {
+//         std::cout << row.name << ": " << row.description << '\n';
+//     }
 #pragma once
 
 #include <span>

@@ -1,4 +1,8 @@
 // NEBSourceControlFileError.h - errors of the file system.
+//
+//     if (const auto failure = manager.createDirectory(path)) {
+//         setError(NEBSourceControlErrorFromFileFailure(*failure));
+//     }
 #pragma once
 
 #include "NEBFoundation/NEBSourceControlError.h"

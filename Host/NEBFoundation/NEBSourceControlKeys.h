@@ -2,7 +2,12 @@
 // revision names; error codes.
 //
 // The text of each constant is its identifier. This makes requests readable as JSON, and prevents
-// that a branch has the name of a symbolic revision.
+// that a branch has the name of a symbolic revision. All constants live as long as the process and
+// may be used by any thread. docs/requests.md describes each type of request with an example.
+//
+//     request->setOptions(NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, 50}});
+//     …
+//     record.text(NEBSourceControlOperationAuthorKey);   // "Ann Example"
 #pragma once
 
 #include <array>
@@ -12,49 +17,64 @@
 
 namespace neb {
 
-// Option keys. The comment states the kind of the value.
+// Option keys. The comment states the kind of the value, what it means, and which types of request
+// use it; other types ignore it. Every option may be absent. Where a boolean is expected, the value
+// counts as NEBValue::boolValue() says; absent means false.
 
-/// path string, may start with "~"
+/// String: the path of the git directory, may start with "~"; the argument of `--git-dir`. Absent:
+/// git looks for it from the source tree's location upwards. Used by add, add files, commit, update
+/// by fast-forward, log, export files, export, export tree, list remotes, create repository, blame,
+/// diff, list remote branches, add remote, remove remote and tracking branch name. For create
+/// repository it is the path of the new bare repository.
 inline constexpr NEBConstant NEBSourceControlRequestOptionRepositoryPath{
     "NEBSourceControlRequestOptionRepositoryPath"};
-/// path string
+/// String: the path of the working copy, the argument of `--work-tree`. Absent: git finds it. Used
+/// by the same types as NEBSourceControlRequestOptionRepositoryPath.
 inline constexpr NEBConstant NEBSourceControlRequestOptionWorkingCopyPath{
     "NEBSourceControlRequestOptionWorkingCopyPath"};
-/// non-empty string
+/// Non-empty string: the name of a branch. In a push and in tracking branch name the local branch,
+/// in an update by fast-forward and in track remote branch the branch of the remote, in a log the
+/// branch to list, in a clone the branch to check out. In a list it replaces "tree" in the revision
+/// argument, and git fails.
 inline constexpr NEBConstant NEBSourceControlRequestOptionBranch{
     "NEBSourceControlRequestOptionBranch"};
-/// non-empty string
+/// Non-empty string: the name of a remote, or a URL or path instead. Used by update by
+/// fast-forward, push, fetch, and, as a name only, by track remote branch.
 inline constexpr NEBConstant NEBSourceControlRequestOptionRemoteName{
     "NEBSourceControlRequestOptionRemoteName"};
-/// boolean: delete a branch that is not merged
+/// Boolean: delete a branch even if it has commits that are not merged. Used by delete branch.
 inline constexpr NEBConstant NEBSourceControlRequestOptionForce{
     "NEBSourceControlRequestOptionForce"};
-/// string: the start point of a new branch
+/// String: the revision at which a new branch starts. Absent: HEAD. Used by create branch.
 inline constexpr NEBConstant NEBSourceControlRequestOptionSourceLocation{
     "NEBSourceControlRequestOptionSourceLocation"};
-/// string: the commit message
+/// String: the commit message. Absent: git uses the message of an unfinished merge, or fails. Used
+/// by commit.
 inline constexpr NEBConstant NEBSourceControlRequestOptionMessage{
     "NEBSourceControlRequestOptionMessage"};
-/// boolean
+/// Boolean: commit even if nothing is staged. Used by commit.
 inline constexpr NEBConstant NEBSourceControlRequestOptionAllowEmptyCommit{
     "NEBSourceControlRequestOptionAllowEmptyCommit"};
-/// integer: the maximum number of commits
+/// Integer: the maximum number of commits in the result. Absent: no maximum. Used by log.
 inline constexpr NEBConstant NEBSourceControlRequestOptionLogOutputLimit{
     "NEBSourceControlRequestOptionLogOutputLimit"};
-/// boolean
+/// Boolean: list the files that each commit changed. Used by log.
 inline constexpr NEBConstant NEBSourceControlRequestOptionLogOutputFilesChanged{
     "NEBSourceControlRequestOptionLogOutputFilesChanged"};
-/// boolean
+/// Boolean: return paths and states instead of a patch. Used by diff.
 inline constexpr NEBConstant NEBSourceControlRequestOptionDiffFileNameAndStatusOnly{
     "NEBSourceControlRequestOptionDiffFileNameAndStatusOnly"};
-/// boolean
+/// Boolean: compare the end with the common ancestor of start and end, so that only changes of the
+/// end appear. Used by diff.
 inline constexpr NEBConstant NEBSourceControlRequestOptionDiffFromCommonAncestor{
     "NEBSourceControlRequestOptionDiffFromCommonAncestor"};
-/// boolean
+/// Boolean: pull from NEBSourceControlRequestOptionRemoteName, and fail unless a fast-forward is
+/// possible. Otherwise an update merges. Used by update.
 inline constexpr NEBConstant NEBSourceControlRequestOptionPullByFastForwarding{
     "NEBSourceControlRequestOptionPullByFastForwarding"};
 
-/// All option keys.
+/// All option keys, in the order above. A host that accepts requests from outside can refuse keys
+/// that are not among them.
 inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionRepositoryPath,
     NEBSourceControlRequestOptionWorkingCopyPath,
@@ -71,61 +91,80 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionPullByFastForwarding,
 };
 
-// Keys of the records of a result. The comment states the kind of the value.
+// Keys of the records of a result. The comment states the kind of the value, what it means, and
+// which types of request return it. A record has no entry for a value that git did not print. Text
+// is UTF-8.
 
-/// path string (status), LOMFilePath (export of a file)
+/// Status: a string, the absolute path of the file, after a rename the new one. Diff with file
+/// names: the same, except that after a rename or copy it is the part of git's line after the
+/// letter. Export files and export: an LOMFilePath, the path that was written.
 inline constexpr NEBConstant NEBSourceControlOperationPathKey{"NEBSourceControlOperationPathKey"};
-/// integer, a NEBSourceControlStatus
+/// Integer, a NEBSourceControlStatus: the state of the file. Returned by status, and by diff with
+/// file names.
 inline constexpr NEBConstant NEBSourceControlOperationWCStatusKey{
     "NEBSourceControlOperationWCStatusKey"};
-/// string
+/// String: the name of a branch (list branches, current branch, list remote branches, tracking
+/// branch name) or, without folders, of an entry of a tree (list). If no branch is checked out,
+/// git's description of HEAD in parentheses.
 inline constexpr NEBConstant NEBSourceControlOperationNameKey{"NEBSourceControlOperationNameKey"};
-/// boolean
+/// Boolean: true for a file, false for a folder or a submodule. Returned by list.
 inline constexpr NEBConstant NEBSourceControlOperationIsLeafKey{
     "NEBSourceControlOperationIsLeafKey"};
-/// string
+/// String: the id of a commit in hexadecimal, at most 12 digits. Returned by log, blame, commit,
+/// list remote branches and merge base. Of an uncommitted line zeros; of the first commit of a
+/// history, commit returns "(root-commit" instead, which is what git prints there.
 inline constexpr NEBConstant NEBSourceControlOperationRevisionKey{
     "NEBSourceControlOperationRevisionKey"};
-/// string
+/// String: the name of the author. Returned by log (after .mailmap) and blame.
 inline constexpr NEBConstant NEBSourceControlOperationAuthorKey{
     "NEBSourceControlOperationAuthorKey"};
-/// string
+/// String: the e-mail address of the author, without brackets, after .mailmap. Returned by log.
 inline constexpr NEBConstant NEBSourceControlOperationAuthorEmailKey{
     "NEBSourceControlOperationAuthorEmailKey"};
-/// date
+/// Date, in seconds: when the author made the change. Returned by log and blame.
 inline constexpr NEBConstant NEBSourceControlOperationDateKey{"NEBSourceControlOperationDateKey"};
-/// string
+/// String: the whole commit message, without line ends at either end. Returned by log.
 inline constexpr NEBConstant NEBSourceControlOperationMessageKey{
     "NEBSourceControlOperationMessageKey"};
-/// dictionary from path to integer, a NEBSourceControlStatus
+/// Dictionary from path (string, relative to the top of the repository; of a rename the old one) to
+/// integer, a NEBSourceControlStatus. Returned by log with
+/// NEBSourceControlRequestOptionLogOutputFilesChanged, unless the commit changed no file.
 inline constexpr NEBConstant NEBSourceControlOperationFilesKey{"NEBSourceControlOperationFilesKey"};
-/// string: the line number as git printed it
+/// String: the number of a line, in decimal, from "1". Returned by blame.
 inline constexpr NEBConstant NEBSourceControlOperationLineNumberKey{
     "NEBSourceControlOperationLineNumberKey"};
-/// string: unparsed output of git
+/// String: unparsed output of git. Returned by revert, checkout and push (standard error), update
+/// by fast-forward, and diff (the patch).
 inline constexpr NEBConstant NEBSourceControlOperationContentKey{
     "NEBSourceControlOperationContentKey"};
-/// string
+/// String: the name of a remote. Returned by list remotes and tracking branch name.
 inline constexpr NEBConstant NEBSourceControlOperationRemoteNameKey{
     "NEBSourceControlOperationRemoteNameKey"};
-/// string, a URL
+/// String: the URL or path of a remote. Returned by list remotes (up to its first blank) and info.
 inline constexpr NEBConstant NEBSourceControlOperationRemoteOriginKey{
     "NEBSourceControlOperationRemoteOriginKey"};
-/// path string
+/// String: the path of the folder in which git ran. Returned by info.
 inline constexpr NEBConstant NEBSourceControlOperationRepositoryRootKey{
     "NEBSourceControlOperationRepositoryRootKey"};
-/// string
+/// String: "fetch" or "push", what the URL of the record is for. Returned by list remotes.
 inline constexpr NEBConstant NEBSourceControlOperationTypeKey{"NEBSourceControlOperationTypeKey"};
-/// boolean
+/// Boolean: true for a Subversion repository that git-svn(1) fetches from; otherwise not set.
+/// Returned by list remotes.
 inline constexpr NEBConstant NEBSourceControlOperationUsesGitSVNKey{
     "NEBSourceControlOperationUsesGitSVNKey"};
 
-// Symbolic revision names.
+// Symbolic revision names, for the start and end of a request instead of the name of a revision.
+// HEAD and BASE both stand for the commit HEAD. What the other two mean depends on the type of
+// request; see docs/requests.md.
 
+/// The commit that the working copy is based on: HEAD.
 inline constexpr NEBConstant NEBSourceControlBASERevisionName{"NEBSourceControlBASERevisionName"};
+/// The latest commit of the current branch: HEAD.
 inline constexpr NEBConstant NEBSourceControlHEADRevisionName{"NEBSourceControlHEADRevisionName"};
+/// The unsaved text of a file in the memory of the host.
 inline constexpr NEBConstant NEBSourceControlInMemoryRevisionName{
     "NEBSourceControlInMemoryRevisionName"};
+/// The files in the working copy.
 inline constexpr NEBConstant NEBSourceControlLocalRevisionName{"NEBSourceControlLocalRevisionName"};
 
 // Errors.
@@ -136,7 +175,7 @@ inline constexpr NEBConstant NEBSourceControlErrorDomain{"NEBSourceControlErrorD
 inline constexpr NEBConstant NEBLocalizedDescriptionKey{"NEBLocalizedDescriptionKey"};
 /// User info: what the user can do about it, a string. Optional.
 inline constexpr NEBConstant NEBLocalizedRecoverySuggestionKey{"NEBLocalizedRecoverySuggestionKey"};
-/// User info: why the authentication failed.
+/// User info: why the authentication failed, one of the values below. Absent for all other errors.
 inline constexpr NEBConstant NEBSourceControlAuthenticationErrorTypeKey{
     "NEBSourceControlAuthenticationErrorTypeKey"};
 /// Value of the key above: the host should ask the user for the credentials again.
@@ -147,23 +186,35 @@ inline constexpr NEBConstant NEBSourceControlAuthenticationCredentialsIncorrect{
 enum NEBSourceControlErrorCode : std::int64_t {
     /// Any failure without a code of its own.
     NEBSourceControlGenericError = -1,
+    /// A file or a revision does not exist.
     NEBSourceControlFileMissingAtRevisionError = 4,
+    /// The source tree, the repository to authenticate, or a server is not reachable.
     NEBSourceControlNotReachableError = -20,
     /// Authentication failed, or the server's certificate failed to verify.
     NEBSourceControlAuthenticationError = -21,
     /// A push found nothing to send.
     NEBSourceControlRemoteUpToDateError = -25,
+    /// The working copy has changes that are not committed.
     NEBSourceControlUncommittedChangesError = -31,
+    /// A push was rejected, because the remote branch has other commits.
     NEBSourceControlRemoteAheadError = -32,
+    /// A pull found nothing to do.
     NEBSourceControlUpToDateError = -34,
+    /// A move found something at its destination.
     NEBSourceControlRenameTargetExistsError = -60,
+    /// The folder to move has no tracked files.
     NEBSourceControlSourceDirectoryEmptyError = -70,
     /// The file is not in the index, or not under version control.
     NEBSourceControlNotVersionedError = -71,
+    /// The branch to delete has commits that are not merged.
     NEBSourceControlBranchRemovalError = -91,
+    /// The current branch has no upstream branch at the remote.
     NEBSourceControlTrackingBranchNotFoundError = -92,
+    /// A fast-forward is not possible. The description is git's message.
     NEBSourceControlFastForwardError = -200,
+    /// A binary file cannot be merged. The description is git's message.
     NEBSourceControlBinaryMergeError = -300,
+    /// The user may not write to the repository.
     NEBSourceControlNoPermissionError = 513,
 };
 

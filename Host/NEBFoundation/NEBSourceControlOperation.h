@@ -59,7 +59,9 @@ public:
     }
 
     /// The records. Absent means that the operation has no result; empty means that it found none.
+    /// The reference is valid until the operation is destroyed or runs.
     [[nodiscard]] const std::optional<NEBSourceControlResult>& result() const { return _result; }
+    /// Replaces the records. For main().
     void setResult(std::optional<NEBSourceControlResult> result) { _result = std::move(result); }
 
     /// Delivers the records while the operation runs, instead of keeping them: those of a list as
@@ -67,6 +69,7 @@ public:
     /// empty then, unless it is absent. error() says whether the records are complete. Null: no
     /// sink. Set it before start().
     void setRecordSink(NEBSourceControlRecordSink sink) { _recordSink = std::move(sink); }
+    /// Whether there is a sink.
     [[nodiscard]] bool hasRecordSink() const { return _recordSink != nullptr; }
     /// The number of records that the sink has taken.
     [[nodiscard]] std::size_t deliveredRecordCount() const { return _deliveredRecordCount; }
@@ -79,11 +82,14 @@ public:
     [[nodiscard]] const std::vector<std::string>& omittedRevisions() const {
         return _omittedRevisions;
     }
+    /// Adds a commit to them. For main().
     void addOmittedRevision(std::string revision) {
         _omittedRevisions.push_back(std::move(revision));
     }
-    /// Absent on success. setError() removes passwords of URLs from all texts.
+    /// The reason for the failure. Absent on success, and before the operation has run.
     [[nodiscard]] const std::optional<NEBSourceControlError>& error() const { return _error; }
+    /// Sets the error, adds the advice of its class if it has none, and removes the passwords of
+    /// URLs from all texts. For main().
     void setError(std::optional<NEBSourceControlError> error);
 
     /// The command line that the operation runs. Absent when it runs other operations instead.
@@ -94,6 +100,7 @@ public:
     [[nodiscard]] const std::shared_ptr<NEBSourceControlCommandLog>& commandLog() const {
         return _commandLog;
     }
+    /// Sets the log, which is shared: a host may read it while the operation runs.
     void setCommandLog(std::shared_ptr<NEBSourceControlCommandLog> log) {
         _commandLog = std::move(log);
     }
@@ -101,12 +108,14 @@ public:
     /// Whether no user waits for the result, as for an automatic refresh. git then takes no
     /// optional locks, so that it does not block commands of the user. Set it before start().
     [[nodiscard]] bool isBackgroundWork() const { return _isBackgroundWork; }
+    /// Sets whether no user waits. False by default.
     void setBackgroundWork(bool isBackgroundWork) { _isBackgroundWork = isBackgroundWork; }
 
     /// The limits of the children; none by default. A child that exceeds its limits is
     /// ended as by cancel(), and the error is of the class "timed-out" or "output-too-large". Set
     /// them before start().
     void setLimits(const NEBSourceControlLimits& limits) { _limits = limits; }
+    /// The limits that were set, not what is left of them.
     [[nodiscard]] const NEBSourceControlLimits& limits() const { return _limits; }
     /// Takes the limits of an operation that runs this one, and counts the total time from its
     /// start.
@@ -115,8 +124,10 @@ public:
     /// Whether a lingering process that a child had started held its output open. Output that it
     /// wrote after the operation had ended is missing.
     [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
+    /// For main().
     void setOutputWasHeldOpen(bool wasHeldOpen) { _outputWasHeldOpen = wasHeldOpen; }
 
+    /// Returns the name of the class in angle brackets.
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 
 protected:
@@ -130,6 +141,7 @@ protected:
     void deliverRecords(NEBSourceControlResult records);
 
 private:
+    /// Passes at most recordBatchSize records to the sink.
     void deliverBatch(NEBSourceControlResult batch);
 
     std::shared_ptr<NEBSourceControlRequest> _request;

@@ -25,7 +25,7 @@ inline constexpr std::uint32_t NEBSourceControlContractVersion = 3;
 /// unless it equals its own.
 struct NEBSourceControlPlugInDescription {
     std::uint32_t contractVersion;
-    /// Both texts live until the process ends.
+    /// The name and version of the plug-in, for people. Both texts live until the process ends.
     const char* name;
     const char* version;
     /// Returns a new instance of the principal class. The caller owns it.
@@ -35,6 +35,7 @@ struct NEBSourceControlPlugInDescription {
 /// The C function that a plug-in exports. The description that it returns lives until the process
 /// ends.
 using NEBSourceControlPlugInFunction = const NEBSourceControlPlugInDescription* (*)();
+/// The name of that function.
 inline constexpr const char* NEBSourceControlPlugInFunctionName = "NEBSourceControlDescribePlugIn";
 
 struct NEBSourceControlPlugInLoad;
@@ -62,7 +63,9 @@ private:
 
 /// The result of loading: the plug-in, or a sentence that names the file and states the problem.
 struct NEBSourceControlPlugInLoad {
+    /// Absent after a failure.
     std::optional<NEBSourceControlPlugIn> plugIn;
+    /// Empty on success.
     std::string failure;
 };
 

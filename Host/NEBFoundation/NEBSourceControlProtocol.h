@@ -1,4 +1,13 @@
 // NEBSourceControlProtocol.h - the interface of the principal class of a plug-in.
+//
+//     const std::unique_ptr<NEBSourceControlProtocol> controller =
+//         load.plugIn->makePrincipalClass();
+//     std::optional<NEBSourceControlError> error;
+//     if (!controller->validateRequest(*request, &error)) {
+//         show(error->localizedDescription());
+//     } else if (const auto operation = controller->operationForRequest(request)) {
+//         queue.addOperation(operation);
+//     }
 #pragma once
 
 #include <memory>

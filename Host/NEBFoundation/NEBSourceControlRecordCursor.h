@@ -29,7 +29,9 @@ namespace neb {
 /// thread-safe. All other members must be called by one thread at a time.
 class NEB_EXPORT NEBSourceControlRecordCursor {
 public:
+    /// The next records, and whether more can follow.
     struct Page {
+        /// In the order of the result. Empty only on the last page.
         NEBSourceControlResult records;
         /// Whether the operation has finished and no record is left. The owner may then read the
         /// operation: its error() says whether the records are complete.
@@ -66,8 +68,11 @@ public:
     void close();
 
 private:
+    /// Starts the thread at the first call.
     void start();
+    /// The function of the thread: does the work.
     void run();
+    /// Keeps records for next(). Blocks while enough of them wait.
     void add(NEBSourceControlResult records);
 
     const Work _work;

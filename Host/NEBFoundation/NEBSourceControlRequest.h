@@ -38,8 +38,8 @@ public:
     NEBValue destination;
     /// The files, usually strings: absolute paths or file URLs. Absent and empty differ.
     std::optional<std::vector<NEBValue>> files;
-    /// Usually strings: a revision as git accepts it, or a symbolic revision name of
-    /// NEBSourceControlKeys.h.
+    /// The revisions of the request, usually strings: a revision as git accepts it, or a symbolic
+    /// revision name of NEBSourceControlKeys.h. Absent: depends on the type.
     NEBValue startingRevision;
     NEBValue endingRevision;
     /// The remote of a fetch, push or update. Null: none.
@@ -60,6 +60,7 @@ public:
     /// Returns the name of the source tree for messages, "(null)" when there is no tree.
     [[nodiscard]] std::string sourceTreeName() const;
 
+    /// Returns the name of the class and the number of the type.
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 };
 

@@ -21,44 +21,82 @@
 namespace neb {
 
 /// The numbers that a request's `type` may hold. 12, 16 and 23 stand for types that no plug-in of
-/// this contract supports.
+/// this contract supports. `destination`, `files` and so on are members of NEBSourceControlRequest;
+/// docs/requests.md lists all values that a type reads, its commands, results and errors.
 enum NEBSourceControlRequestType : std::int32_t {
+    /// `git add`: stages the path `destination`, else `files`, else everything.
     NEBSourceControlRequestAdd = 0,
+    /// `git branch`: creates the branch `destination`.
     NEBSourceControlRequestCreateBranch = 1,
+    /// `git branch -d`: deletes the branch `destination`.
     NEBSourceControlRequestDeleteBranch = 2,
+    /// `git commit`: commits the index; with a message and `files`, those files instead.
     NEBSourceControlRequestCommit = 3,
+    /// Does nothing and succeeds; a host edits `.gitignore` itself.
     NEBSourceControlRequestIgnore = 4,
+    /// `git rm -f -r`: removes `files` from disk and from the index.
     NEBSourceControlRequestRemove = 5,
+    /// The same as NEBSourceControlRequestAdd.
     NEBSourceControlRequestAddFiles = 6,
+    /// `git checkout -f --`: discards the unstaged changes of `files`.
     NEBSourceControlRequestRevert = 7,
+    /// Creates the folder `destination` and its missing parents.
     NEBSourceControlRequestMakeDirectory = 8,
+    /// `git merge`: merges `endingRevision`, else `destination`, into the current branch.
     NEBSourceControlRequestMerge = 9,
+    /// Copies the first of `files` to the path `destination` and stages the copy.
     NEBSourceControlRequestCopy = 10,
+    /// `git mv`: moves the first of `files` to the path or into the folder `destination`.
     NEBSourceControlRequestMove = 11,
+    /// Merges, or by option pulls or rebases, remote commits into the current branch.
     NEBSourceControlRequestUpdate = 13,
+    /// `git checkout --merge`: switches to the revision `destination`.
     NEBSourceControlRequestCheckout = 14,
+    /// `git status`: returns the files that differ from the latest commit.
     NEBSourceControlRequestStatus = 15,
+    /// `git ls-tree`: returns the entries of the folder in `files`.
     NEBSourceControlRequestList = 17,
+    /// `git log`: returns commits.
     NEBSourceControlRequestLog = 18,
+    /// Returns the URL of the remote origin and the folder in which git ran.
     NEBSourceControlRequestInfo = 19,
+    /// `git archive`: writes a file or folder of a revision to disk.
     NEBSourceControlRequestExportFiles = 20,
+    /// The same as NEBSourceControlRequestExportFiles.
     NEBSourceControlRequestExport = 21,
+    /// `git checkout-index -a -f`: writes all files of the index below `destination`.
     NEBSourceControlRequestExportTree = 22,
+    /// `git remote -v`: returns the remotes and the Subversion repository.
     NEBSourceControlRequestListRemotes = 24,
+    /// `git branch`: returns the branches, local ones or those of a remote repository.
     NEBSourceControlRequestListBranches = 25,
+    /// `git branch`: returns the name of the current branch.
     NEBSourceControlRequestCurrentBranch = 26,
+    /// `git init`: creates a repository.
     NEBSourceControlRequestCreateRepository = 27,
+    /// `git blame`: returns commit, author and date of each line of a file.
     NEBSourceControlRequestBlame = 28,
+    /// `git clone`: clones the source tree's location to the path `destination`.
     NEBSourceControlRequestClone = 29,
+    /// `git diff`: returns a patch, or the paths and states of changed files.
     NEBSourceControlRequestDiff = 30,
+    /// `git ls-remote --heads`: returns the branches of a remote repository.
     NEBSourceControlRequestListRemoteBranches = 31,
+    /// The same as NEBSourceControlRequestListRemoteBranches.
     NEBSourceControlRequestListRemoteBranchesSecondForm = 32,
+    /// `git push`: pushes a local branch to the branch `destination` of a remote.
     NEBSourceControlRequestPush = 33,
+    /// `git remote add`: adds a remote named `destination` for the URL in `files`.
     NEBSourceControlRequestAddRemote = 34,
+    /// `git remote rm`: removes the remote `destination`.
     NEBSourceControlRequestRemoveRemote = 35,
+    /// Fetches, and creates the branch `destination` with an upstream branch.
     NEBSourceControlRequestTrackRemoteBranch = 36,
+    /// `git fetch`: fetches from a remote.
     NEBSourceControlRequestFetch = 37,
+    /// `git config`: returns the upstream branch of a branch.
     NEBSourceControlRequestTrackingBranchName = 38,
+    /// `git merge-base`: returns the common ancestor of start and end.
     NEBSourceControlRequestMergeBase = 39,
 };
 
@@ -76,13 +114,17 @@ enum class NEBSourceControlRequestEffect : std::uint8_t {
 /// are arguments without a "--" in front. One bit each; see
 /// NEBSourceControlFirstArgumentInjection().
 enum NEBSourceControlExposedValue : std::uint32_t {
+    /// The location of the source tree.
     NEBSourceControlExposedLocation = 1U << 0,
+    /// The request's `destination`, `startingRevision` and `endingRevision`.
     NEBSourceControlExposedDestination = 1U << 1,
     NEBSourceControlExposedStartingRevision = 1U << 2,
     NEBSourceControlExposedEndingRevision = 1U << 3,
+    /// The options NEBSourceControlRequestOptionBranch, …RemoteName and …SourceLocation.
     NEBSourceControlExposedBranch = 1U << 4,
     NEBSourceControlExposedRemoteName = 1U << 5,
     NEBSourceControlExposedSourceLocation = 1U << 6,
+    /// Each of the request's `files` is an argument.
     NEBSourceControlExposedFiles = 1U << 7,
     /// The last component of each file's path is an argument.
     NEBSourceControlExposedFileNames = 1U << 8,
@@ -95,20 +137,29 @@ enum NEBSourceControlExposedValue : std::uint32_t {
     /// Branch and destination are the two sides of a refspec, "branch:destination".
     NEBSourceControlExposedRefspec = 1U << 12,
 
+    /// git can misread no value of the request.
     NEBSourceControlExposedNothing = 0,
+    /// All bits; for types that are not in the table.
     NEBSourceControlExposedEverything = (1U << 13) - 1,
 };
 
 /// A value without which an operation reports a broken precondition.
 enum class NEBSourceControlRequirement : std::uint8_t {
+    /// The request's `destination`.
     destination,
+    /// One or more `files`.
     atLeastOneFile,
+    /// One of `files`, and no more.
     exactlyOneFile,
     startingRevision,
     endingRevision,
+    /// A source tree with a location.
     sourceTreeLocation,
+    /// A source tree, or the option NEBSourceControlRequestOptionRepositoryPath.
     sourceTreeOrRepositoryPath,
+    /// The request's `remote`.
     remote,
+    /// The options NEBSourceControlRequestOptionRemoteName and NEBSourceControlRequestOptionBranch.
     remoteName,
     branch,
 };

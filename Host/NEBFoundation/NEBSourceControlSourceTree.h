@@ -1,4 +1,9 @@
 // NEBSourceControlSourceTree.h - the repository or working tree of a request.
+//
+//     auto server = std::make_shared<NEBSourceControlRepository>();
+//     server->location = "https://example.org/demo.git";
+//     server->name = "demo";
+//     request->repositoryToAuthenticate = server;
 #pragma once
 
 #include <optional>
@@ -14,15 +19,17 @@ class NEB_EXPORT NEBSourceControlSourceTree : public NEBObject {
 public:
     /// An absolute path or a URL (a file URL for a local tree). Absent: unknown.
     std::optional<std::string> location;
-    /// The name in messages.
+    /// The name in messages, such as "demo". May be empty.
     std::string name;
-    /// Whether the host can currently reach it.
+    /// Whether the host can currently reach it. A request that may authenticate is refused
+    /// otherwise, with the code NEBSourceControlNotReachableError.
     bool reachable = true;
-    /// Whether it still exists. Operations produce results for valid trees only.
+    /// Whether it still exists. A status of a tree that is not valid has no records.
     bool isValid = true;
 
     /// "NEBSourceControlRepository" or "NEBSourceControlWorkingTree".
     [[nodiscard]] virtual std::string className() const = 0;
+    /// Returns class, name and location.
     [[nodiscard]] std::string descriptionForAssertionMessage() const override;
 };
 

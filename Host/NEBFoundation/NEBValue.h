@@ -5,6 +5,9 @@
 //     value.string();             // "topic"
 //     value.integer();            // absent: kinds are never converted
 //     NEBValue().isPresent();     // false
+//
+//     const NEBValue id(output, output.bytes().substr(0, 40));   // shares the bytes of a Data
+//     const NEBValue copy = id;                                  // so does the copy
 #pragma once
 
 #include <array>
@@ -36,58 +39,77 @@ using NEBDate = std::chrono::sys_time<std::chrono::duration<std::int64_t>>;
 /// copies of a value, so that copying is cheap.
 class NEB_EXPORT NEBValue {
 public:
-    /// The absent value.
+    /// Creates the absent value.
     NEBValue() = default;
+    /// Creates a boolean. Takes only a bool, so that no pointer is converted to one.
     template <std::same_as<bool> Bool>
     NEBValue(Bool boolean) {
         hold(Kind::boolean, boolean);
     }
+    /// Creates an integer. An unsigned number above the largest std::int64_t becomes negative. A
+    /// char is refused at compile time, because it could mean a character.
     template <std::integral Integer>
     requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char>)
         NEBValue(Integer integer) {
         hold(Kind::integer, static_cast<std::int64_t>(integer));
     }
+    /// Creates a string. Copies the bytes, NUL bytes included; allocates memory for more than 13 of
+    /// them. The text should be UTF-8; this is not checked.
     NEBValue(std::string_view string);
+    /// The same.
     NEBValue(const std::string& string) : NEBValue(std::string_view(string)) {}
+    /// The same, up to the terminating NUL. `string` must not be null.
     NEBValue(const char* string) : NEBValue(std::string_view(string)) {}
-    /// A string with the text `piece`, which must lie within the bytes of `whole`. A long text is
-    /// not copied; the value keeps all bytes of `whole` alive.
+    /// Creates a string with the text `piece`, which must lie within the bytes of `whole`. A text
+    /// of more than 13 bytes is not copied; the value keeps all bytes of `whole` alive.
     NEBValue(const Data& whole, std::string_view piece);
-    /// A string with all bytes of `text`.
+    /// Creates a string with all bytes of `text`, and shares them as above.
     NEBValue(const Data& text) : NEBValue(text, text) {}
+    /// Creates a string with the text of the constant.
     NEBValue(NEBConstant constant) : NEBValue(constant.text()) {}
+    /// Creates a date.
     NEBValue(NEBDate date) {
         hold(Kind::date, static_cast<std::int64_t>(date.time_since_epoch().count()));
     }
+    /// Creates a file path, which is a kind of its own and not a string. Allocates memory.
     NEBValue(LOMFilePath path);
-    /// Include NEBDictionary.h to use it.
+    /// Creates a dictionary. Allocates memory. Include NEBDictionary.h to use it.
     NEBValue(NEBDictionary dictionary);
-    /// A null pointer makes the absent value. The value shares ownership of the object.
+    /// Creates a value that shares ownership of the object, which must not change any more. A null
+    /// pointer makes the absent value. Allocates memory.
     NEBValue(std::shared_ptr<const NEBObject> object);
 
+    /// Copies a value in constant time: shared content gets one more owner. Throws nothing.
     NEBValue(const NEBValue& other) : _bits(other._bits) {
         _bits.keyLength = 0;
         if (isShared()) {
             shared()->retain();
         }
     }
+    /// Takes over the content and leaves the other value absent.
     NEBValue(NEBValue&& other) noexcept : _bits(other._bits) {
         _bits.keyLength = 0;
         other._bits.kind = Kind::nothing;
     }
+    /// Replaces the content. A value may be assigned to itself.
     NEBValue& operator=(const NEBValue& other) { return *this = NEBValue(other); }
+    /// Exchanges the content of both values.
     NEBValue& operator=(NEBValue&& other) noexcept {
         std::swap(_bits, other._bits);
         std::swap(_bits.keyLength, other._bits.keyLength);
         return *this;
     }
+    /// Frees shared content if this is its last owner.
     ~NEBValue() {
         if (isShared()) {
             release();
         }
     }
 
+    /// Whether the value is of any kind. False only for the absent value: an empty string is
+    /// present.
     [[nodiscard]] bool isPresent() const { return _bits.kind != Kind::nothing; }
+    /// Whether the value is a string, however it is stored.
     [[nodiscard]] bool isString() const {
         return _bits.kind >= Kind::shortString && _bits.kind <= Kind::string;
     }
@@ -95,6 +117,10 @@ public:
     /// Each returns the content when the value is of that kind; otherwise it is absent or null. The
     /// characters of a string and the objects behind the pointers belong to the value: they are
     /// valid until it is destroyed, moved or assigned to.
+    ///
+    ///     if (const auto limit = value.integer()) {
+    ///         use(*limit);
+    ///     }
     [[nodiscard]] std::optional<bool> boolean() const;
     [[nodiscard]] std::optional<std::int64_t> integer() const;
     [[nodiscard]] std::optional<std::string_view> string() const;
@@ -104,16 +130,19 @@ public:
     [[nodiscard]] const NEBObject* object() const;
 
     /// Returns the truth value: true for `true`, for an integer other than 0, and for a string that
-    /// starts with one of "YyTt" or with a number other than 0; false for anything else.
+    /// starts with one of "YyTt" or with a number other than 0; false for anything else. Blanks, a
+    /// sign and zeros at the start of a string are skipped: "yes", "-1" and " 007" are true.
     [[nodiscard]] bool boolValue() const;
 
-    /// Returns the text for a message: a string as it is, a number in decimal, "(null)" for the
-    /// absent value.
+    /// Returns the text for a message: a string as it is, a number in decimal, "true" or "false", a
+    /// date as textOfDate() does, the text of a file path, a dictionary as `{key = value, …}`, an
+    /// object's own description, "(null)" for the absent value.
     [[nodiscard]] std::string description() const;
     /// Returns the text for an assertion report: description(), with a string in quotes.
     [[nodiscard]] std::string descriptionForAssertionMessage() const;
 
-    /// Compares kind and content; dictionaries by their entries, objects by identity.
+    /// Compares kind and content; dictionaries by their entries, objects by identity. Values of
+    /// different kinds differ: neither "1" nor `true` equals 1. Two absent values are equal.
     friend NEB_EXPORT bool operator==(const NEBValue& left, const NEBValue& right);
 
 private:
@@ -134,12 +163,14 @@ private:
     };
     /// The shared content of a string.
     struct SharedText;
+    /// The same for a piece of a Data that is too long, or too far from its start, for Kind::piece.
     struct SharedSlice;
     /// The shared content of the other kinds.
     struct SharedContent : Shared {
         virtual ~SharedContent() = default;
+        /// Returns what NEBValue::description() returns.
         [[nodiscard]] virtual std::string description() const = 0;
-        /// `other` is of the same kind.
+        /// Compares the content with that of `other`, which is of the same kind.
         [[nodiscard]] virtual bool equals(const SharedContent& other) const = 0;
     };
     struct SharedPath;
@@ -161,19 +192,27 @@ private:
         return small;
     }
     // NOLINTEND(bugprone-sizeof-expression)
+    /// Returns the shared content. The value must have some.
     [[nodiscard]] const Shared* shared() const { return held<const Shared*>(); }
+    /// Whether the value shares its content with other values.
     [[nodiscard]] bool isShared() const { return _bits.kind >= Kind::piece; }
     /// Null unless the value is of this kind, one of filePath, dictionary and object.
     [[nodiscard]] const SharedContent* sharedContent(Kind kind) const {
         return _bits.kind == kind ? static_cast<const SharedContent*>(shared()) : nullptr;
     }
+    /// Gives up the shared content, and deletes it after its last owner.
     void release();
+    /// Returns a copy of the text as shared content with one owner, the caller.
     [[nodiscard]] static const SharedText* newText(std::string_view text);
+    /// Adds an owner.
     static void retainText(const SharedText& text);
+    /// Removes an owner, and deletes the content after the last one.
     static void releaseText(const SharedText* text);
     /// Returns the text of a string value as shared content, retained for the caller.
     [[nodiscard]] const SharedText* sharedText() const;
+    /// Returns the characters, which are valid as long as the shared content.
     [[nodiscard]] static std::string_view textOf(const SharedText& shared);
+    /// Returns the characters of a value whose kind is `piece`.
     [[nodiscard]] std::string_view textOfSlice() const;
 
     /// The longest string that is stored in the value itself; enough for an abbreviated revision.
@@ -184,6 +223,7 @@ private:
     static constexpr std::size_t lengthIndex = offsetIndex + sizeof(std::uint32_t);
     static_assert(lengthIndex < shortLength);
 
+    /// The whole value: 16 bytes.
     struct Bits {
         /// A boolean, an integer, the seconds of a date, the characters of a short string, a piece,
         /// or the address of the shared content.
@@ -199,7 +239,8 @@ private:
 
 static_assert(sizeof(NEBValue) == 16, "a history has millions of them");
 
-/// Returns `2012-03-04T05:06:07Z`. Years after 9999 and before 0 have a sign.
+/// Returns the date in UTC in the format of ISO 8601, `2012-03-04T05:06:07Z`. Years after 9999 and
+/// before 0 have a sign. Any value of the type is valid. Thread-safe.
 [[nodiscard]] NEB_EXPORT std::string textOfDate(NEBDate date);
 
 }  // namespace neb

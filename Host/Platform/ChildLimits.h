@@ -1,4 +1,6 @@
 // ChildLimits.h - how long child processes may run, and how much they may write.
+//
+//     ChildLimits limits{.silence = std::chrono::seconds(30), .outputBytes = 1U << 20U};
 #pragma once
 
 #include <chrono>

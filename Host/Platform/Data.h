@@ -76,6 +76,7 @@ public:
     operator std::string_view() const { return bytes(); }
     /// Returns the number of bytes.
     [[nodiscard]] std::size_t size() const { return bytes().size(); }
+    /// Whether there are no bytes.
     [[nodiscard]] bool empty() const { return bytes().empty(); }
 
     /// Compares the bytes.
@@ -90,6 +91,7 @@ private:
 
     /// The shared bytes.
     struct NEB_EXPORT Block : Shared {
+        /// Creates a block without memory.
         Block() = default;
         Block(const Block&) = delete;
         Block& operator=(const Block&) = delete;
@@ -100,6 +102,7 @@ private:
         /// if there is not enough memory.
         [[nodiscard]] bool resize(std::size_t newCapacity);
 
+        /// The memory of `capacity` bytes, of which the first `size` are in use. Null without any.
         char* bytes = nullptr;
         std::size_t size = 0;
         std::size_t capacity = 0;
@@ -115,6 +118,7 @@ private:
     /// Deletes the block.
     static void destroy(const Block* block);
 
+    /// Null for an empty buffer.
     Block* _block = nullptr;
 };
 

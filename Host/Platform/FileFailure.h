@@ -1,4 +1,6 @@
 // FileFailure.h - why the system could not do something with a file.
+//
+//     return FileFailure::of(errno, "\"/w/src\" could not be removed");
 #pragma once
 
 #include <string>
@@ -16,6 +18,7 @@ struct NEB_EXPORT FileFailure {
     std::string description;
 
     /// Returns a failure whose description is `what`, a colon and the text of the error number.
+    /// `what` names the operation and its paths, without a full stop.
     static FileFailure of(int errorNumber, const std::string& what);
 };
 

@@ -62,8 +62,9 @@ public:
     explicit MutexLock(Mutex& mutex) NEB_ACQUIRE(mutex) : _lock(mutex._mutex) {}
     MutexLock(const MutexLock&) = delete;
     MutexLock& operator=(const MutexLock&) = delete;
+    /// Unlocks the mutex if it is locked.
     ~MutexLock() NEB_RELEASE() {}  // NOLINT(modernize-use-equals-default): for the attribute
-    /// Locks the mutex again after unlock().
+    /// Blocks until the mutex is locked again. Only after unlock().
     void lock() NEB_ACQUIRE() { _lock.lock(); }
     /// Unlocks the mutex before the end of the scope.
     void unlock() NEB_RELEASE() { _lock.unlock(); }

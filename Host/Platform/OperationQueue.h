@@ -51,7 +51,9 @@ public:
 private:
     /// Either an operation or a block.
     struct Work {
+        /// Null for a block.
         std::shared_ptr<Operation> operation;
+        /// Empty for an operation.
         std::function<void()> block;
     };
 
@@ -66,6 +68,7 @@ private:
     /// Records that the work is done and destroys it.
     void finish(Work& work) NEB_ACQUIRE(_mutex);
 
+    /// The largest number of threads, at least 1.
     const std::size_t _width;
     Mutex _mutex;
     Condition _workCame;  // or the queue is closing

@@ -143,15 +143,11 @@ std::string withoutPasswordsOfHosts(std::string_view line) {
     return shown;
 }
 
-void appendLine(std::string& shown, std::string_view text) {
-    if (positionOfLastAt(text) == npos) {
-        shown += text;
-        return;
-    }
-    const std::string withoutHosts = withoutPasswordsOfHosts(text);
-    const std::string_view line = withoutHosts;
+/// Returns the line with the passwords of URLs redacted.
+std::string withoutPasswordsOfURLs(std::string_view line) {
     // No password follows the last "@". Searching for it at each URL would take quadratic time.
     const std::size_t end = std::max(line.rfind('@') + 1, line.rfind(encodedAt) + 1);
+    std::string shown;
     std::size_t copied = 0;
     std::size_t searched = 0;  // the end of the last authority
     for (std::size_t colon = line.find(':'); colon < end; colon = line.find(':', colon + 1)) {
@@ -168,7 +164,12 @@ void appendLine(std::string& shown, std::string_view text) {
             colon = copied = position + length;
         }
     }
-    shown += line.substr(copied);
+    return shown.append(line.substr(copied));
+}
+
+void appendLine(std::string& shown, std::string_view line) {
+    const bool mayHavePassword = positionOfLastAt(line) != npos;
+    shown += mayHavePassword ? withoutPasswordsOfHosts(withoutPasswordsOfURLs(line)) : line;
 }
 
 }  // namespace

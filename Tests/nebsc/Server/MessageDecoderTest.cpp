@@ -36,11 +36,13 @@ TEST(MessageDecoder, DecodesReadsOfAnySize) {
         MessageDecoder::framed("{}") + MessageDecoder::framed("") +
         "content-length:  3 \r\nContent-Type: application/json\r\n\r\n\r\na" +
         MessageDecoder::framed(std::string(limit, 'x')) +
-        MessageDecoder::framed(std::string(limit + 1, 'y')) + MessageDecoder::framed("[1]");
+        MessageDecoder::framed(std::string(limit + 1, 'y')) + MessageDecoder::framed("[1]") +
+        MessageDecoder::framed(std::string(limit + 5, 'y')) + MessageDecoder::framed("[2]");
     for (const std::size_t readSize : {1U, 2U, 7U, 64U, 1000U}) {
         MessageDecoder decoder(limit);
-        EXPECT_THAT(messagesIn(stream, readSize, decoder),
-                    ElementsAre("{}", "", "\r\na", std::string(limit, 'x'), "101", "[1]"));
+        EXPECT_THAT(
+            messagesIn(stream, readSize, decoder),
+            ElementsAre("{}", "", "\r\na", std::string(limit, 'x'), "101", "[1]", "105", "[2]"));
         EXPECT_EQ(decoder.failure(), std::nullopt);
         EXPECT_TRUE(decoder.isBetweenMessages());
     }

@@ -102,6 +102,23 @@ TEST(GrowingData, IsEmptyAfterTake) {
     }
 }
 
+TEST(GrowingData, RemovesTheFirstBytesAndLeavesThemToItsCopies) {
+    for (const bool isShared : {false, true}) {
+        for (const std::size_t count : {0U, 1U, 3U, 6U}) {
+            GrowingData growing;
+            append(growing, "abcdef");
+            const Data copy = isShared ? growing.data() : Data();
+            growing.removeFirst(count);
+            EXPECT_EQ(growing.data(), Data(std::string("abcdef").substr(count)));
+            append(growing, "g");
+            EXPECT_EQ(growing.take(), Data(std::string("abcdefg").substr(count)));
+            if (isShared && count > 0) {
+                EXPECT_EQ(copy, Data("abcdef"));
+            }
+        }
+    }
+}
+
 TEST(GrowingData, ThrowsBadAllocWithoutMemory) {
     GrowingData growing;
     append(growing, "kept");

@@ -75,8 +75,12 @@ TEST(Program, FailsIfStandardOutputIsFull) {
 
 TEST(Program, FailsIfStandardOutputIsClosed) {
     const TestRepository repository;
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"types"}, {"request"}, {"status"}}) {
+    repository.commitFile("a", "1");
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"types"},
+                                                      {"request"},
+                                                      {"status"},
+                                                      {"log"},
+                                                      {"request", "--stream"}}) {
         const NebscOutcome outcome =
             runNebsc(arguments, {.folder = repository.path(),
                                  .input = R"({"type": 15, "sourceTree": {"location": "/"}})",

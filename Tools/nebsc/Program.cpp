@@ -1,5 +1,8 @@
 #include "Program.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <exception>
 #include <map>
@@ -19,6 +22,17 @@
 namespace neb::nebsc {
 
 namespace {
+
+/// Opens /dev/null for each standard stream that is closed, so that no other file gets its number.
+/// Reads and writes still fail with EBADF, because the file is opened for the other direction.
+void occupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0) {
+            // Returns the lowest free number, which is that of the stream. Stays open.
+            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
 
 Colours coloursOf(const Arguments& arguments) {
     static const std::map<std::string, Colours> choices{
@@ -97,6 +111,7 @@ CommandOutput outputOfCurrentException(const ParsedCommandLine& commandLine) {
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) noexcept {
+    occupyStandardStreams();
     ParsedCommandLine commandLine;
     try {
         std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);

@@ -29,6 +29,54 @@ TEST(Timeout, EndsARequestThatTakesLonger) {
     }
 }
 
+TEST(Timeout, EndsCommandsWithoutARequest) {
+    const TestRepository repository;
+    const TemporaryFolder folder;
+    folder.writeProgram("git", "#!/bin/sh\nexec sleep 1000\n");
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"--version"}, {"tune"}, {"tune", "--undo"}, {"doctor"}}) {
+        std::vector<std::string> arguments{"--timeout", "0.2"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const NebscOutcome outcome = runNebsc(
+            arguments,
+            {.folder = repository.path(), .variables = {{"PATH", folder.path() + ":/bin"}}});
+        EXPECT_THAT(outcome.errors, StartsWith(timedOut)) << command.front();
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+}
+
+TEST(Timeout, EndsTheServer) {
+    const NebscSurroundings terminal{.hasTerminalForErrors = true, .hasTerminalForInput = true};
+    Nebsc server({"serve", "--timeout", "0.2"}, terminal);
+    const NebscOutcome outcome = server.outcome();
+    EXPECT_THAT(outcome.errors, HasSubstr("took longer than 0.2 seconds"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+}
+
+/// What git has not answered is not a finding.
+TEST(Timeout, LeavesOutTheChecksThatItInterrupted) {
+    const TestRepository repository;
+    repository.commitFile("a", "1");
+    const TemporaryFolder folder;
+    folder.writeProgram("git",
+                        "#!/bin/sh\ncase \"$*\" in *for-each-ref*) exec sleep 1000;; esac\n"
+                        "exec /usr/bin/git \"$@\"\n");
+    const NebscOutcome outcome = runNebsc(
+        {"doctor", "--json", "--timeout", "1.5"},
+        {.folder = repository.path(), .variables = {{"PATH", folder.path() + ":/usr/bin:/bin"}}});
+    const auto json = outcome.json();
+    EXPECT_EQ(json["isInOrder"], false);
+    std::vector<std::string> problems;
+    for (const auto& finding : json["findings"]) {
+        if (finding["health"] == "problem") {
+            problems.push_back(finding["text"]);
+        }
+    }
+    EXPECT_THAT(problems,
+                testing::ElementsAre("were interrupted; the remaining ones were skipped"));
+    EXPECT_THAT(outcome.errors, HasSubstr("took longer than 1.5 seconds"));
+}
+
 TEST(Timeout, EndsAQuestionThatTakesLonger) {
     const TestRepository repository;
     const TemporaryFolder folder;

@@ -62,7 +62,8 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
     }
     const HostSession session(std::move(controller), arguments.has(traceOption));
     if (isForVersions) {
-        return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON);
+        return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON,
+                                  timeLimitIn(arguments));
     }
     const Command& command = *commandLine.command();
     return command.run({.plugIn = plugIn,

@@ -1,6 +1,8 @@
 // Commands.h - the registry of all commands; each is defined in a source file of its family.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -95,6 +97,7 @@ extern const Command manualCommand;
 
 /// Prints the versions of nebsc, of the plug-in and of git, each on a line, or as a JSON object.
 [[nodiscard]] CommandOutput outputWithVersions(const NEBSourceControlPlugIn& plugIn,
-                                               const Trace& trace, bool isJSON);
+                                               const Trace& trace, bool isJSON,
+                                               std::optional<std::chrono::milliseconds> timeLimit);
 
 }  // namespace neb::nebsc

@@ -7,13 +7,15 @@
 namespace neb::nebsc {
 
 CommandOutput outputWithVersions(const NEBSourceControlPlugIn& plugIn, const Trace& trace,
-                                 bool isJSON) {
-    Interruption interruption;
+                                 bool isJSON, std::optional<std::chrono::milliseconds> timeLimit) {
+    Interruption interruption(timeLimit);
     const ChildOutcome git = runGit(interruption, trace, {"--version"}, std::nullopt);
     const std::optional<std::string> gitVersion = trimmedOutputOf(git);
     CommandOutput output;
-    if (interruption.signalNumber()) {
-        noteInterruption(output, interruption.end());
+    if (interruption.hasOccurred()) {
+        const std::optional<int> signalNumber = interruption.end();
+        noteEndOfTime(output, interruption);
+        noteInterruption(output, signalNumber);
     } else if (isJSON) {
         output.standardOutput =
             lineOfJSON({{"nebsc", NEBSC_VERSION},

@@ -22,11 +22,43 @@ constexpr Check checksOfUser[] = {
 /// Checks of the repository that need the settings of the user.
 constexpr Check checksAfterSettings[] = {checkSpeed};
 
+/// Runs a check. Drops what it finds if it was interrupted, as git has not answered then.
+void runCheck(Check check, Examination& examination) {
+    const std::size_t count = examination.findingCount();
+    check(examination);
+    if (examination.isInterrupted()) {
+        examination.keepFindings(count);
+    }
+}
+
 void runChecks(std::span<const Check> checks, Examination& examination) {
     for (const Check check : checks) {
         if (!examination.shouldStop()) {
-            check(examination);
+            runCheck(check, examination);
         }
+    }
+}
+
+/// Runs the checks that need git.
+void runChecksWithGit(Examination& examination, bool isFull) {
+    runCheck(checkRepository, examination);
+    if (examination.repository) {
+        runChecks(checksOfRepository, examination);
+        if (isFull && !examination.shouldStop()) {
+            runCheck(checkIntegrity, examination);
+        }
+    }
+    runChecks(checksOfUser, examination);
+    runChecks(checksAfterSettings, examination);
+}
+
+void addSkippedChecks(Examination& examination) {
+    if (examination.isInterrupted()) {
+        examination.add(Health::problem, "checks",
+                        "were interrupted; the remaining ones were skipped");
+    } else if (examination.shouldStop()) {
+        examination.add(Health::problem, "git", "is too slow; the remaining checks were skipped",
+                        "Check the disk or network drive that the repository is on.");
     }
 }
 
@@ -47,24 +79,12 @@ void checkPlugIn(Examination& examination, const PlugInFile& plugIn) {
 std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
                               const DiagnosisSubject& subject) {
     Examination examination(interruption, trace, subject.folder);
-    checkGit(examination);
+    runCheck(checkGit, examination);
     checkPlugIn(examination, subject.plugIn);
-    if (!examination.hasGit) {
-        return examination.takeFindings();
+    if (examination.hasGit) {
+        runChecksWithGit(examination, subject.isFull);
     }
-    checkRepository(examination);
-    if (examination.repository) {
-        runChecks(checksOfRepository, examination);
-        if (subject.isFull && !examination.shouldStop()) {
-            checkIntegrity(examination);
-        }
-    }
-    runChecks(checksOfUser, examination);
-    runChecks(checksAfterSettings, examination);
-    if (examination.shouldStop()) {
-        examination.add(Health::problem, "git", "is too slow; the remaining checks were skipped",
-                        "Check the disk or network drive that the repository is on.");
-    }
+    addSkippedChecks(examination);
     return examination.takeFindings();
 }
 

@@ -69,7 +69,7 @@ std::string Examination::gitPath(const std::string& name) {
 }
 
 bool Examination::shouldStop() const {
-    return _timeouts >= mostTimeouts || _interruption.signalNumber();
+    return _timeouts >= mostTimeouts || isInterrupted();
 }
 
 void Examination::add(Health health, std::string subject, std::string text, std::string advice) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,16 +43,21 @@ public:
     /// piped into the second one. Returns the outcome of the second one.
     [[nodiscard]] ChildOutcome queryPipeline(std::vector<std::string> first,
                                              std::vector<std::string> second);
-    /// Runs git like query(), without a time limit. A signal ends it.
+    /// Runs git like query(), without a time limit of its own.
     [[nodiscard]] ChildOutcome queryWithoutTimeLimit(std::vector<std::string> arguments);
     /// Returns the absolute path of a file of the repository, such as "index" or "refs/heads/main".
     [[nodiscard]] std::string gitPath(const std::string& name);
-    /// Returns whether to skip the remaining checks: after several timeouts, or after a signal.
+    /// Returns whether to skip the remaining checks: after several timeouts, or when interrupted.
     [[nodiscard]] bool shouldStop() const;
+    /// Returns whether a signal or the time limit of the command has ended the queries.
+    [[nodiscard]] bool isInterrupted() const { return _interruption.hasOccurred(); }
 
     // ---- findings
 
     void add(Health health, std::string subject, std::string text, std::string advice = {});
+    [[nodiscard]] std::size_t findingCount() const { return _findings.size(); }
+    /// Drops all findings but the first `count`.
+    void keepFindings(std::size_t count) { _findings.resize(count); }
     [[nodiscard]] std::vector<Finding> takeFindings() { return std::move(_findings); }
 
     // ---- state

@@ -9,12 +9,14 @@ namespace neb::nebsc {
 namespace {
 
 CommandOutput run(const CommandCall& call) {
-    Interruption interruption;
+    Interruption interruption(call.timeLimit);
     const Server::End end = Server(call.session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
     CommandOutput output{.standardOutput = {},
                          .standardError = end.failure.empty() ? "" : diagnostic(end.failure),
                          .exitStatus = end.isOrderly ? exitDone : exitFailed};
-    noteInterruption(output, interruption.end());
+    const std::optional<int> signalNumber = interruption.end();
+    noteEndOfTime(output, interruption);
+    noteInterruption(output, signalNumber);
     return output;
 }
 

@@ -105,6 +105,11 @@ std::optional<int> Interruption::signalNumber() const {
     return _signalNumber;
 }
 
+bool Interruption::hasOccurred() const {
+    const MutexLock lock(_mutex);
+    return _signalNumber || _isTimeUp;
+}
+
 std::optional<std::chrono::milliseconds> Interruption::exceededTimeLimit() const {
     const MutexLock lock(_mutex);
     return _isTimeUp && !_signalNumber ? _timeLimit : std::nullopt;

@@ -60,6 +60,9 @@ public:
     /// Returns the first signal that arrived; absent if there was none. Thread-safe.
     [[nodiscard]] std::optional<int> signalNumber() const;
 
+    /// Returns whether a signal arrived or the time limit has passed. Thread-safe.
+    [[nodiscard]] bool hasOccurred() const;
+
     /// Returns the time limit if it has passed and no signal arrived before. Thread-safe.
     [[nodiscard]] std::optional<std::chrono::milliseconds> exceededTimeLimit() const;
 

@@ -6,6 +6,7 @@
 #include "Doctor/Checks.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "Session/OperationRun.h"
 #include "Session/Paths.h"
 #include "Terminal/Colour.h"
@@ -55,7 +56,7 @@ private:
 
     const CommandCall& _call;
     const std::string& _folder;
-    Interruption _interruption;
+    Interruption _interruption{_call.timeLimit};
     Examination _examination;
     SpeedReport _report;
     /// Without --undo, one for each finding of the report.
@@ -68,15 +69,19 @@ bool TuneRun::hasStep(StepState state) const {
 }
 
 CommandOutput TuneRun::run() {
-    CommandOutput output;
-    if (auto refused = findRepository()) {
-        output = std::move(*refused);
-    } else {
-        output = outputFor(has("--undo") ? undo() : tune());
+    std::optional<CommandOutput> refused = findRepository();
+    std::optional<std::string> failure;
+    if (!refused) {
+        failure = has("--undo") ? undo() : tune();
     }
     const std::optional<int> signalNumber = _interruption.end();
+    if (const auto timeLimit = _interruption.exceededTimeLimit()) {
+        failure = NEBSourceControlTimedOutError(*timeLimit).localizedDescription();
+        refused.reset();
+    }
+    CommandOutput output = refused ? std::move(*refused) : outputFor(failure);
     noteInterruption(output, signalNumber);
-    if (signalNumber && hasStep(StepState::failed)) {
+    if (_interruption.hasOccurred() && hasStep(StepState::failed)) {
         output.standardError += diagnostic("'nebsc tune --undo' undoes the interrupted step");
     }
     return output;
@@ -128,7 +133,7 @@ void TuneRun::apply(Tuner& tuner) {
     const ProgressIndicator indicator = progress("Tuning");
     for (std::size_t i = 0; i < _steps.size(); ++i) {
         TuningStep& step = _steps[i];
-        if (step.state != StepState::planned || _interruption.signalNumber()) {
+        if (step.state != StepState::planned || _interruption.hasOccurred()) {
             continue;
         }
         const SlowFinding& finding = _report.findings[i];

@@ -145,6 +145,21 @@ TEST_F(TuneSteps, AnInterruptedStepCanBeUndone) {
     EXPECT_FALSE(isThere(record));
 }
 
+TEST_F(TuneSteps, WithoutTheFormerSettingsNothingIsChangedOrForgotten) {
+    intercept("*--get-all*) exit 3;;");
+    const NebscOutcome refused = tune({"--yes", "--json"});
+    EXPECT_EQ(messageIn(refused, "untracked-cache"),
+              "git cannot read the settings of the repository");
+    EXPECT_THAT(settings(), Not(HasSubstr("untrackedcache")));
+    intercept("");
+    static_cast<void>(tune({"--yes"}));
+    intercept("*--get-all*) exit 3;;");
+    EXPECT_EQ(statesIn(tune({"--undo", "--json"}))["untracked-cache"], "failed");
+    intercept("");
+    expectDone(tune({"--undo"}), "undone    untracked-cache\n");
+    EXPECT_THAT(settings(), Not(HasSubstr("untrackedcache")));
+}
+
 TEST_F(TuneSteps, AfterAKillTheFormerStateIsStillRestored) {
     intercept(
         "*untracked-cache*) /usr/bin/git update-index --untracked-cache; "

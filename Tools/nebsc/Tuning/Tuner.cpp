@@ -20,6 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view unreadableSettings = "git cannot read the settings of the repository";
+
 /// Returns the folders that "git update-index --test-untracked-cache" uses and that it leaves
 /// behind if a signal ends it.
 std::set<fs::path> testFoldersIn(const std::string& folder) {
@@ -81,8 +83,13 @@ std::optional<std::string> Tuner::run(std::vector<std::string> arguments,
     return reasonOf(outcome);
 }
 
-std::vector<std::string> Tuner::valuesOf(const std::string& key) {
-    return splitAtNUL(outcomeOf({"config", "--local", "--null", "--get-all", key}, _folder).output);
+std::optional<std::vector<std::string>> Tuner::valuesOf(const std::string& key) {
+    constexpr int noValue = 1;
+    const ChildOutcome outcome =
+        outcomeOf({"config", "--local", "--null", "--get-all", key}, _folder);
+    return outcome.status.isSuccess() || outcome.status.exitStatus() == noValue
+               ? std::optional(splitAtNUL(outcome.output))
+               : std::nullopt;
 }
 
 std::optional<std::string> Tuner::save() const {
@@ -91,8 +98,8 @@ std::optional<std::string> Tuner::save() const {
 
 // ---- apply ------------------------------------------------------------------------------------
 
-StepRecord Tuner::newRecord(const SlowCause& cause, const Slowness& slowness,
-                            const std::string& folder) {
+std::optional<StepRecord> Tuner::newRecord(const SlowCause& cause, const Slowness& slowness,
+                                           const std::string& folder) {
     StepRecord step{.cause = std::string(cause.name),
                     .folder = folder,
                     .isComplete = false,
@@ -101,7 +108,11 @@ StepRecord Tuner::newRecord(const SlowCause& cause, const Slowness& slowness,
                     .files = {}};
     for (const GitSetting& setting : cause.settings) {
         const std::string key(setting.key);
-        step.settings.push_back({.key = key, .formerValues = valuesOf(key)});
+        auto values = valuesOf(key);
+        if (!values) {
+            return std::nullopt;
+        }
+        step.settings.push_back({.key = key, .formerValues = std::move(*values)});
     }
     for (const std::string_view file : cause.files) {
         step.files.push_back(
@@ -133,9 +144,12 @@ std::optional<std::string> Tuner::apply(const SlowCause& cause, const Slowness& 
     StepRecord* known = _record.find(cause.name, folder);
     const bool isNew = known == nullptr;
     // The state before the first time is what --undo restores.
-    StepRecord step = isNew ? newRecord(cause, slowness, folder) : *known;
-    step.isComplete = false;
-    (isNew ? _record.steps.emplace_back() : *known) = step;
+    std::optional<StepRecord> step = isNew ? newRecord(cause, slowness, folder) : *known;
+    if (!step) {
+        return std::string(unreadableSettings);
+    }
+    step->isComplete = false;
+    (isNew ? _record.steps.emplace_back() : *known) = *step;
     if (auto failure = save()) {
         if (isNew) {
             _record.steps.pop_back();
@@ -143,8 +157,8 @@ std::optional<std::string> Tuner::apply(const SlowCause& cause, const Slowness& 
         return failure;
     }
     if (auto failure = change(cause, slowness.formerState)) {
-        if (isNew && !_interruption.signalNumber()) {
-            const UndoResult undone = undo(step);
+        if (isNew && !_interruption.hasOccurred()) {
+            const UndoResult undone = undo(*step);
             *failure += undone.failure ? "; undoing it failed too: " + *undone.failure : "";
         }
         return failure;
@@ -162,11 +176,14 @@ std::optional<std::string> Tuner::apply(const SlowCause& cause, const Slowness& 
 
 std::optional<std::string> Tuner::restoreSetting(const GitSetting& setting,
                                                  const SettingRecord& former, UndoResult& result) {
-    const std::vector<std::string> current = valuesOf(former.key);
-    if (current == former.formerValues) {
+    const std::optional<std::vector<std::string>> current = valuesOf(former.key);
+    if (!current) {
+        return std::string(unreadableSettings);
+    }
+    if (*current == former.formerValues) {
         return std::nullopt;
     }
-    if (current != std::vector{std::string(setting.value)}) {
+    if (*current != std::vector{std::string(setting.value)}) {
         result.notes.push_back("the setting " + former.key + " was changed since and stays");
         return std::nullopt;
     }

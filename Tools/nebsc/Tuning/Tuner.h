@@ -35,15 +35,17 @@ public:
     [[nodiscard]] const std::vector<StepRecord>& steps() const { return _record.steps; }
 
     /// Removes a cause that was found. Returns a clause on failure, after which the repository is
-    /// as before, unless a signal ended the step: then only undo() restores it.
+    /// as before, unless an interruption ended the step: then only undo() restores it.
     [[nodiscard]] std::optional<std::string> apply(const SlowCause& cause,
                                                    const Slowness& slowness);
     /// Restores what a step has changed. After a failure, the step stays recorded.
     [[nodiscard]] UndoResult undo(const StepRecord& step);
 
 private:
-    [[nodiscard]] StepRecord newRecord(const SlowCause& cause, const Slowness& slowness,
-                                       const std::string& folder);
+    /// Returns the record of a step that was not taken before; absent if git cannot read a setting.
+    [[nodiscard]] std::optional<StepRecord> newRecord(const SlowCause& cause,
+                                                      const Slowness& slowness,
+                                                      const std::string& folder);
     [[nodiscard]] std::optional<std::string> change(const SlowCause& cause,
                                                     const FormerState& formerState);
     [[nodiscard]] std::optional<std::string> restore(const SlowCause& cause, const StepRecord& step,
@@ -53,7 +55,9 @@ private:
                                                             UndoResult& result);
     /// Removes what the step has created. Returns whether all files are as the step has left them.
     bool removeFiles(const SlowCause& cause, const StepRecord& step, UndoResult& result) const;
-    [[nodiscard]] std::vector<std::string> valuesOf(const std::string& key);
+    /// Returns the values of a setting of the repository, empty without one; absent if git cannot
+    /// read it.
+    [[nodiscard]] std::optional<std::vector<std::string>> valuesOf(const std::string& key);
     /// Runs git and returns why it failed; absent on success.
     [[nodiscard]] std::optional<std::string> run(std::vector<std::string> arguments,
                                                  const std::string& folder);

@@ -167,6 +167,28 @@ TEST_F(Cursor, IsClosedWhenARunningRequestIsCancelled) {
     EXPECT_FALSE(isLiveProcess(git));
 }
 
+TEST_F(Cursor, EndsAllRequestsThatWaitForItWhenItIsClosed) {
+    const TemporaryFolder git;
+    git.writeProgram("git",
+                     "#!/bin/sh\n[ \"$1\" != --version ] || exit 0\nprintf "
+                     "'\\000a1\\nAnn\\na@x\\n1\\none\\n\\001\\n\\000'\n"
+                     "exec sleep 1000\n");
+    ServerClient other({{"PATH", git.path() + ":/bin"}});
+    other.send(0, "initialize", JSON::object());
+    other.send(1, "sourceControl/open", {{"request", log()}, {"pageSize", 1}});
+    cursor = other.answerTo(1)["result"]["cursor"];
+    for (int i = 2; i <= 4; ++i) {
+        other.send(i, "sourceControl/next", {{"cursor", cursor}});
+    }
+    other.send(4, "sourceControl/close", {{"cursor", cursor}});
+    EXPECT_EQ(other.answerTo(4)["error"]["code"], -32600) << "the id is in use: nothing is closed";
+    other.send(5, "sourceControl/close", {{"cursor", cursor}});
+    for (int i = 2; i <= 4; ++i) {
+        EXPECT_EQ(other.answerTo(i)["error"]["code"], -32800);
+    }
+    EXPECT_EQ(other.answerTo(5)["result"], nullptr);
+}
+
 TEST_F(Cursor, EndsItsProcessesWhenTheClientIsGone) {
     const std::vector<pid_t> processes{openPaused(), openPaused(), openPaused()};
     client.close();

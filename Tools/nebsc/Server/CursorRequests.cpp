@@ -41,7 +41,7 @@ std::string refusalOfType(std::int32_t type) {
     const auto name = NEBSourceControlRequestTypeName(type);
     return "A request of the type " + std::to_string(type) +
            (name ? " (" + std::string(*name) + ")" : "") +
-           " has no pages, because it does not only read; send it with 'sourceControl/perform'.";
+           " has no pages, as only types that read have; send it with 'sourceControl/perform'.";
 }
 
 }  // namespace
@@ -87,8 +87,10 @@ private:
             return rpcResultOfText(job.id(), textOfPage(page.records, _key, {}));
         }
         std::optional<RequestResult> result = cursor.takeResult();
-        if (!result) {
-            return rpcError(job.id(), RPCErrorCode::invalidParams, sentenceOfUnknown(_key));
+        if (!result) {  // a request that waited before this one has taken it
+            return cursor.isCancelled()
+                       ? cancelledResponseTo(job)
+                       : rpcError(job.id(), RPCErrorCode::invalidParams, sentenceOfUnknown(_key));
         }
         if (cursor.isCancelled()) {
             return cancelledResponseTo(job, std::move(*result));
@@ -246,6 +248,9 @@ void CursorRequests::close(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams,
                "'sourceControl/close' takes the member 'cursor', which is required.");
         return;
+    }
+    if (_jobs.refuseKnown(*message.id)) {
+        return;  // the cursor stays open
     }
     const std::shared_ptr<Cursor> cursor = remove(*params->cursor);
     if (!cursor) {

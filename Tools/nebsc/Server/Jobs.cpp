@@ -19,8 +19,7 @@ void Jobs::start(const JSON& id, RepositoryScheduler& scheduler,
         isNew = _jobs.try_emplace(id.dump(), job).second;
     }
     if (!isNew) {
-        _writer.send(rpcError(id, RPCErrorCode::invalidRequest,
-                              "A request with the id " + id.dump() + " is still running."));
+        refuse(id);
         return;
     }
     try {
@@ -30,6 +29,19 @@ void Jobs::start(const JSON& id, RepositoryScheduler& scheduler,
         erase(id);
         throw;
     }
+}
+
+bool Jobs::refuseKnown(const JSON& id) {
+    const bool isKnown = has(id);
+    if (isKnown) {
+        refuse(id);
+    }
+    return isKnown;
+}
+
+void Jobs::refuse(const JSON& id) {
+    _writer.send(rpcError(id, RPCErrorCode::invalidRequest,
+                          "A request with the id " + id.dump() + " is still running."));
 }
 
 bool Jobs::has(const JSON& id) const {

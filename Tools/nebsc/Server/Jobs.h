@@ -1,8 +1,8 @@
 // Jobs.h - the requests of a client that have no response yet.
 //
 //     Jobs jobs(writer, [] { … });
-//     jobs.start(id, scheduler, std::nullopt, [](Job& job) { return rpcResult(job.id(), nullptr);
-//     }); jobs.cancel(id);
+//     jobs.start(id, scheduler, std::nullopt, responseOf);
+//     jobs.cancel(id);
 #pragma once
 
 #include <cstddef>
@@ -39,6 +39,9 @@ public:
     void start(const nlohmann::ordered_json& id, RepositoryScheduler& scheduler,
                std::optional<std::string> location, Respond respond);
 
+    /// If a job has this id, sends an error response to the request that repeats it, and returns
+    /// true.
+    bool refuseKnown(const nlohmann::ordered_json& id);
     /// Returns whether the response to the request is not sent yet.
     [[nodiscard]] bool has(const nlohmann::ordered_json& id) const;
     [[nodiscard]] std::size_t count() const;
@@ -53,6 +56,7 @@ private:
     void work(Job& job, const Respond& respond);
     void finish(Job& job, const std::string& response);
     void cancel(Job& job);
+    void refuse(const nlohmann::ordered_json& id);
     void erase(const nlohmann::ordered_json& id);
 
     MessageWriter& _writer;

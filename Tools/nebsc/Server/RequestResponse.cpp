@@ -11,6 +11,8 @@ namespace neb::nebsc {
 
 namespace {
 
+constexpr const char* sentenceOfCancellation = "The request was cancelled.";
+
 std::string refusedResponseTo(const Job& job, const NEBSourceControlArgumentInjection& value) {
     return rpcError(job.id(), RPCErrorCode::invalidParams, sentenceOfRefusedValue(value));
 }
@@ -34,12 +36,16 @@ std::string responseTo(const Job& job, RequestResult requestResult) {
     return responseTo(job, std::move(requestResult), textOfOutcome);
 }
 
+std::string cancelledResponseTo(const Job& job) {
+    return rpcError(job.id(), RPCErrorCode::requestCancelled, sentenceOfCancellation);
+}
+
 std::string cancelledResponseTo(const Job& job, RequestResult requestResult) {
     if (requestResult.refusedValue) {
         return refusedResponseTo(job, *requestResult.refusedValue);
     }
     return writtenOutcome(*requestResult.outcome, [&job](const Outcome& outcome) {
-        return rpcError(job.id(), RPCErrorCode::requestCancelled, "The request was cancelled.",
+        return rpcError(job.id(), RPCErrorCode::requestCancelled, sentenceOfCancellation,
                         textOfOutcome(outcome));
     });
 }

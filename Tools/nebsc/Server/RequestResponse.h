@@ -18,7 +18,9 @@ using ResultText = std::function<std::string(const Outcome&)>;
                                      const ResultText& resultText);
 /// Returns the same with the outcome as the result.
 [[nodiscard]] std::string responseTo(const Job& job, RequestResult requestResult);
-/// Returns the error response to a cancelled request with its outcome.
+/// Returns the error response to a cancelled request without an outcome.
+[[nodiscard]] std::string cancelledResponseTo(const Job& job);
+/// Returns the same with its outcome.
 [[nodiscard]] std::string cancelledResponseTo(const Job& job, RequestResult requestResult);
 
 }  // namespace neb::nebsc

@@ -320,7 +320,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
      "Try again. If it happens again, check whether the machine runs out of memory."},
     {NEBSourceControlCancelledErrorClass, "The operation was cancelled."},
     {NEBSourceControlTimedOutErrorClass, "The operation took longer than its limit.",
-     "Try again with a higher limit. If git waits for a server or a hook, check that first."},
+     "Check whether git waits for a server or a hook. If the operation changes something, check "
+     "what it has done before you try again with a higher limit."},
     {NEBSourceControlOutputTooLargeErrorClass, "git wrote more than the limit of the operation.",
      "Ask for less at a time, or try again with a higher limit."},
     {NEBSourceControlUnknownErrorClass, "The operation failed for an unknown reason."},

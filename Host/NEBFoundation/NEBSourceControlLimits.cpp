@@ -1,5 +1,7 @@
 #include "NEBFoundation/NEBSourceControlLimits.h"
 
+#include <algorithm>
+
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -8,8 +10,9 @@ namespace neb {
 
 namespace {
 
-/// Returns "1 second", "2.5 seconds".
+/// Returns "1 second", "2.5 seconds"; "0 seconds" for a negative time.
 std::string secondsText(std::chrono::milliseconds time) {
+    time = std::max(time, std::chrono::milliseconds(0));
     std::string text = std::to_string(time.count() / 1000);
     if (const auto rest = time.count() % 1000; rest != 0) {
         std::string digits = std::to_string(1000 + rest).substr(1);

@@ -57,6 +57,7 @@ TEST_F(Limits, TimesAreNamedInSeconds) {
     EXPECT_EQ(description(30000), text + "30 seconds.");
     EXPECT_EQ(description(2500), text + "2.5 seconds.");
     EXPECT_EQ(description(1), text + "0.001 seconds.");
+    EXPECT_EQ(description(-5), text + "0 seconds.");
 }
 
 TEST_F(Limits, AnOperationOfAnotherHasWhatIsLeftOfItsTime) {

@@ -9,6 +9,7 @@
 #include "Session/OperationRun.h"
 #include "Session/Paths.h"
 #include "Terminal/Colour.h"
+#include "Terminal/LabelTable.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/ProgressIndicator.h"
 #include "Terminal/TextWidth.h"
@@ -17,22 +18,11 @@ namespace neb::nebsc {
 
 namespace {
 
-struct HealthLabel {
-    Health health;
-    std::string_view text;
-    Colour colour;
-};
-
-constexpr std::array<HealthLabel, 3> healthLabels{{
+constexpr std::array<LabelRow<Health>, 3> healthLabels{{
     {Health::ok, "ok", Colour::green},
     {Health::note, "note", Colour::yellow},
     {Health::problem, "problem", Colour::boldRed},
 }};
-
-const HealthLabel& labelOf(Health health) {
-    return *std::find_if(healthLabels.begin(), healthLabels.end(),
-                         [health](const HealthLabel& row) { return row.health == health; });
-}
 
 std::string textOf(const std::vector<Finding>& findings, bool isColoured) {
     constexpr std::size_t healthColumns = 9;
@@ -43,9 +33,7 @@ std::string textOf(const std::vector<Finding>& findings, bool isColoured) {
     const std::size_t indent = healthColumns + subjectColumns;
     std::string text;
     for (const Finding& finding : findings) {
-        const HealthLabel& label = labelOf(finding.health);
-        text += (isColoured ? coloured(label.text, label.colour) : std::string(label.text)) +
-                std::string(healthColumns - label.text.size(), ' ') +
+        text += paddedLabel(labelOf(healthLabels, finding.health), healthColumns, isColoured) +
                 paddedTo(subjectColumns, finding.subject) +
                 wrapped(STDOUT_FILENO, indent, printable(finding.text)) + "\n";
         if (!finding.advice.empty()) {
@@ -60,7 +48,7 @@ nlohmann::ordered_json jsonOf(const std::vector<Finding>& findings, bool isInOrd
     auto array = nlohmann::ordered_json::array();
     for (const Finding& finding : findings) {
         array.push_back(
-            {{"health", labelOf(finding.health).text},
+            {{"health", labelOf(healthLabels, finding.health).text},
              {"subject", finding.subject},
              {"text", finding.text},
              {"advice", finding.advice.empty() ? nlohmann::ordered_json()

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "Terminal/Colour.h"
+#include "Terminal/LabelTable.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 #include "Terminal/TextWidth.h"
@@ -16,13 +16,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-struct StateLabel {
-    StepState state;
-    std::string_view text;
-    Colour colour;
-};
-
-constexpr std::array<StateLabel, 7> stateLabels{{
+constexpr std::array<LabelRow<StepState>, 7> stateLabels{{
     {StepState::planned, "planned", Colour::yellow},
     {StepState::applied, "applied", Colour::green},
     {StepState::declined, "declined", Colour::none},
@@ -31,11 +25,6 @@ constexpr std::array<StateLabel, 7> stateLabels{{
     {StepState::undone, "undone", Colour::green},
     {StepState::undoable, "undoable", Colour::yellow},
 }};
-
-const StateLabel& labelOf(StepState state) {
-    return *std::find_if(stateLabels.begin(), stateLabels.end(),
-                         [state](const StateLabel& row) { return row.state == state; });
-}
 
 std::string textOf(const std::optional<Timing>& timing) {
     return timing ? textOf(*timing) : "not measured";
@@ -129,10 +118,8 @@ std::string textOf(const std::vector<TuningStep>& steps, bool isColoured) {
     const std::size_t indent = stateColumns + causeColumns;
     std::string text;
     for (const TuningStep& step : steps) {
-        const StateLabel& label = labelOf(step.state);
         std::string start =
-            (isColoured ? coloured(label.text, label.colour) : std::string(label.text)) +
-            std::string(stateColumns - label.text.size(), ' ') + step.cause;
+            paddedLabel(labelOf(stateLabels, step.state), stateColumns, isColoured) + step.cause;
         std::size_t startColumns = stateColumns + step.cause.size();
         for (const std::string& line : linesOf(step)) {
             text += start + std::string(indent - startColumns, ' ') +
@@ -152,7 +139,7 @@ ordered_json jsonOf(const std::vector<TuningStep>& steps) {
     auto array = ordered_json::array();
     for (const TuningStep& step : steps) {
         array.push_back({{"cause", step.cause},
-                         {"state", labelOf(step.state).text},
+                         {"state", labelOf(stateLabels, step.state).text},
                          {"text", orNull(step.text)},
                          {"message", orNull(step.message)},
                          {"commands", step.commands},

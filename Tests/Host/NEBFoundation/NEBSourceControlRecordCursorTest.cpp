@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
@@ -12,6 +11,7 @@
 #include "Support/HygienicTest.h"
 #include "Support/ListOperation.h"
 #include "Support/Matchers.h"
+#include "Support/SettledText.h"
 #include "Support/TemporaryFolder.h"
 
 namespace neb {
@@ -20,6 +20,7 @@ namespace {
 using test::HasErrorClass;
 using test::ListOperation;
 using test::namesOf;
+using test::settledText;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -98,13 +99,9 @@ TEST_F(RecordCursor, HoldsTheChildBackBetweenPages) {
         "echo $i > " +
         folder.path("count") + "; done");
     const pid_t child = firstProcess();
-    std::string count;
-    do {
-        count = folder.read("count");
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    } while (count != folder.read("count"));
+    const std::string count = settledText([&folder] { return folder.read("count"); });
     EXPECT_TRUE(test::isLiveProcess(child));
-    EXPECT_LT(std::stoi("0" + count), 400);
+    EXPECT_LT(std::stoi(count), 400);
     EXPECT_EQ(next(5000).size(), 400U);
     EXPECT_TRUE(isLast);
     EXPECT_EQ(operation->error(), std::nullopt);

@@ -17,6 +17,7 @@
 #include "Support/ListOperation.h"
 #include "Support/Matchers.h"
 #include "Support/Sanitizers.h"
+#include "Support/SettledText.h"
 #include "Support/TemporaryFolder.h"
 
 namespace neb {
@@ -26,6 +27,7 @@ using test::HasErrorClass;
 using test::ListOperation;
 using test::namesOf;
 using test::requestFor;
+using test::settledText;
 using test::TemporaryFolder;
 using testing::Each;
 using testing::ElementsAre;
@@ -265,13 +267,9 @@ TEST_F(RecordSink, ThatBlocksHoldsTheChildBack) {
     std::thread runner([&operation] { operation.start(); });
     const pid_t child = sink.waitForChild();
     // The child ends in a write to a full pipe: it is asleep and the count stays.
-    std::string count;
-    do {
-        count = folder.read("count");
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    } while (count != folder.read("count"));
+    const std::string count = settledText([&folder] { return folder.read("count"); });
     EXPECT_TRUE(test::isLiveProcess(child));
-    EXPECT_LT(std::stoi("0" + count), 400);
+    EXPECT_LT(std::stoi(count), 400);
     sink.release();
     runner.join();
     EXPECT_EQ(operation.error(), std::nullopt);

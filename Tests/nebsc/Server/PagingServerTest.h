@@ -5,16 +5,15 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/HygienicTest.h"
+#include "Support/SettledText.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
 #include "nebsc/Server/ServerClient.h"
@@ -34,12 +33,12 @@ inline void makeHistory(const TestRepository& repository, int commits, std::size
     repository.gitWithInput({"fast-import", "--quiet"}, stream);
 }
 
-/// Returns the number of bytes that the process has written.
+/// Returns the number of bytes that the process has written; empty for none.
 inline std::string writtenBytesOf(pid_t process) {
     std::ifstream io("/proc/" + std::to_string(process) + "/io");
     for (std::string name, value; io >> name >> value;) {
         if (name == "wchar:") {
-            return value;
+            return value == "0" ? "" : value;
         }
     }
     return {};
@@ -48,13 +47,7 @@ inline std::string writtenBytesOf(pid_t process) {
 /// Waits until the process, which writes to a full pipe, writes no more. Returns how many bytes it
 /// has written.
 inline long waitUntilPaused(pid_t process) {
-    std::string former;
-    std::string written = writtenBytesOf(process);
-    while (former != written || written == "0") {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        former = std::exchange(written, writtenBytesOf(process));
-    }
-    return std::stol("0" + written);
+    return std::stol(settledText([process] { return writtenBytesOf(process); }));
 }
 
 /// A server whose git appends its process id to a file when it begins a log.

@@ -70,8 +70,9 @@ protected:
     /// A commit that git has flushed is whole if the end of what was written is the end of a
     /// commit, and not of a full buffer of the C library.
     [[nodiscard]] bool isWhole(std::string_view block) const override {
-        const bool isCommit = block.find(endOfHeader) != std::string_view::npos &&
-                              (block.back() == endOfHeader || block.back() == '\n');
+        // A message may be long, and this is called for each part of it that arrives.
+        const bool isCommit = (block.back() == endOfHeader || block.back() == '\n') &&
+                              block.find(endOfHeader) != std::string_view::npos;
         // The text before the first NUL byte is a block, too.
         const std::size_t separatorSize = _blockCount == 1 ? 1 : 2;
         return _isFlushed && isCommit && (separatorSize + block.size()) % bufferSize != 0;

@@ -254,6 +254,14 @@ TEST_F(Streaming, ASignalEndsAWriteThatNobodyReads) {
     expectThatGitHasEnded();
 }
 
+/// nebsc would wait for the reader again, and the outcome would continue half a line.
+TEST_F(Streaming, ATimeLimitThatEndsAWriteLeavesOutTheOutcome) {
+    const StandInGit git = gitWithLog("record One; " + endless);
+    Nebsc program({"request", "--stream", "--timeout", "0.5"},
+                  surroundings(git, NebscOutput::pipe));
+    EXPECT_EQ(program.exitStatusWithoutReading(), 1);
+}
+
 TEST_F(Streaming, CtrlCInAPagerEndsGit) {
     const std::string screen = "i=0; while [ $i -lt 40 ]; do record One; i=$((i+1)); done; ";
     const StandInGit git = gitWithLog(screen + withoutEnd);

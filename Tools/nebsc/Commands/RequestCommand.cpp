@@ -72,7 +72,9 @@ CommandOutput run(const CommandCall& call) {
         return refusal(sentenceOfRefusedValue(*value), exitUsageError);
     }
     CommandOutput output;
-    if (!takeEndOfOutput(streamedOutput, *requestResult.outcome)) {
+    if (streamedOutput.hasDiscardedText()) {
+        noteEndOfTime(output, interruption);  // an outcome would follow half a line
+    } else if (!takeEndOfOutput(streamedOutput, *requestResult.outcome)) {
         output = outputFor(call, *requestResult.outcome);
     }
     noteInterruption(output, signalNumber);

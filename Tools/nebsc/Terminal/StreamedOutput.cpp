@@ -75,6 +75,7 @@ StreamedOutput::~StreamedOutput() {
 
 bool StreamedOutput::write(std::string_view text) {
     if (!isWanted() || text.empty()) {
+        _hasDiscardedText = _hasDiscardedText || (_isStopped && !text.empty());
         return isWanted();
     }
     if (_pager) {
@@ -132,7 +133,9 @@ void StreamedOutput::openPager(const std::string& command) {
 bool StreamedOutput::writeTo(int descriptor, std::string_view text) {
     const int failure = _isReaderObserved ? writeUntil(_stop.descriptor(), descriptor, text)
                                           : writeAll(descriptor, text);
-    if (failure != 0 && failure != EPIPE && failure != ECANCELED) {
+    if (failure == ECANCELED) {
+        _hasDiscardedText = true;
+    } else if (failure != 0 && failure != EPIPE) {
         _failure = failure;
     }
     return failure != EPIPE;

@@ -64,6 +64,9 @@ public:
     void stop();
     /// Whether no reader is left. Thread-safe.
     [[nodiscard]] bool hasLostReader() const { return _hasLostReader; }
+    /// Whether stop() has ended a write() early or discarded the text of one: what was written may
+    /// end in the middle of a line.
+    [[nodiscard]] bool hasDiscardedText() const { return _hasDiscardedText; }
     /// Whether the output could not be written.
     [[nodiscard]] bool hasFailed() const { return _failure != 0; }
     /// Writes what is held back, and waits until the user quits the pager. Adds a failure to the
@@ -96,6 +99,7 @@ private:
     std::string _diagnostic;
     std::optional<IgnoredSignals> _ignoredSignals;
     int _failure = 0;
+    bool _hasDiscardedText = false;
     std::atomic<bool> _hasLostReader = false;
     std::atomic<bool> _isStopped = false;
     Wake _stop;

@@ -32,6 +32,18 @@ CommandOutput outputFor(const CommandCall& call, Outcome& outcome) {
     return output;
 }
 
+/// Returns what is to be printed behind the records of a stream.
+CommandOutput restOfOutput(const CommandCall& call, const Interruption& interruption,
+                           const StreamedOutput& streamedOutput, Outcome& outcome) {
+    CommandOutput output;
+    if (streamedOutput.hasDiscardedText()) {
+        noteEndOfTime(output, interruption);  // an outcome would follow half a line
+    } else if (!takeEndOfOutput(streamedOutput, outcome)) {
+        output = outputFor(call, outcome);
+    }
+    return output;
+}
+
 HostSession::Runner limitedRunner(HostSession::Runner run, const NEBSourceControlLimits& limits) {
     return [run = std::move(run), limits](NEBSourceControlOperation& operation) {
         operation.setLimits(limits);
@@ -71,12 +83,7 @@ CommandOutput run(const CommandCall& call) {
     if (const auto& value = requestResult.refusedValue) {
         return refusal(sentenceOfRefusedValue(*value), exitUsageError);
     }
-    CommandOutput output;
-    if (streamedOutput.hasDiscardedText()) {
-        noteEndOfTime(output, interruption);  // an outcome would follow half a line
-    } else if (!takeEndOfOutput(streamedOutput, *requestResult.outcome)) {
-        output = outputFor(call, *requestResult.outcome);
-    }
+    CommandOutput output = restOfOutput(call, interruption, streamedOutput, *requestResult.outcome);
     noteInterruption(output, signalNumber);
     streamedOutput.finish(output);
     return output;

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "LOMFoundation/LOMFormat.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -34,6 +35,32 @@ struct NEBValue::SharedPath : SharedContent {
         return path == static_cast<const SharedPath&>(other).path;
     }
     const LOMFilePath path;
+};
+
+struct NEBValue::SharedArray : SharedContent {
+    explicit SharedArray(std::vector<NEBValue> held) : elements(std::move(held)) {}
+    [[nodiscard]] std::string description() const override {
+        std::string text = "[";
+        for (const NEBValue& element : elements) {
+            text.append(text.size() > 1 ? ", " : "").append(element.description());
+        }
+        return text + "]";
+    }
+    [[nodiscard]] bool equals(const SharedContent& other) const override {
+        return elements == static_cast<const SharedArray&>(other).elements;
+    }
+    const std::vector<NEBValue> elements;
+};
+
+struct NEBValue::SharedBytes : SharedContent {
+    explicit SharedBytes(Data held) : bytes(std::move(held)) {}
+    [[nodiscard]] std::string description() const override {
+        return textReplacingInvalidBytes(bytes);
+    }
+    [[nodiscard]] bool equals(const SharedContent& other) const override {
+        return bytes == static_cast<const SharedBytes&>(other).bytes;
+    }
+    const Data bytes;
 };
 
 struct NEBValue::SharedObject : SharedContent {
@@ -135,6 +162,16 @@ NEBValue::NEBValue(LOMFilePath path) {
     hold<const Shared*>(Kind::filePath, new SharedPath(std::move(path)));
 }
 
+NEBValue::NEBValue(std::vector<NEBValue> elements) {
+    hold<const Shared*>(Kind::array, new SharedArray(std::move(elements)));
+}
+
+NEBValue NEBValue::ofBytes(Data bytes) {
+    NEBValue value;
+    value.hold<const Shared*>(Kind::bytes, new SharedBytes(std::move(bytes)));
+    return value;
+}
+
 NEBValue::NEBValue(std::shared_ptr<const NEBObject> object) {
     if (object) {
         hold<const Shared*>(Kind::object, new SharedObject(std::move(object)));
@@ -166,6 +203,14 @@ std::optional<NEBDate> NEBValue::date() const {
 const LOMFilePath* NEBValue::filePath() const {
     const auto* content = sharedContent(Kind::filePath);
     return content != nullptr ? &static_cast<const SharedPath*>(content)->path : nullptr;
+}
+const std::vector<NEBValue>* NEBValue::array() const {
+    const auto* content = sharedContent(Kind::array);
+    return content != nullptr ? &static_cast<const SharedArray*>(content)->elements : nullptr;
+}
+const Data* NEBValue::bytes() const {
+    const auto* content = sharedContent(Kind::bytes);
+    return content != nullptr ? &static_cast<const SharedBytes*>(content)->bytes : nullptr;
 }
 const NEBObject* NEBValue::object() const {
     const auto* content = sharedContent(Kind::object);

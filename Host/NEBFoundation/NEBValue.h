@@ -20,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "LOMFoundation/LOMFilePath.h"
 #include "NEBFoundation/NEBConstant.h"
@@ -75,6 +76,11 @@ public:
     NEBValue(LOMFilePath path);
     /// Creates a dictionary. Allocates memory. Include NEBDictionary.h to use it.
     NEBValue(NEBDictionary dictionary);
+    /// Creates an array. Its elements may be absent values. Allocates memory.
+    NEBValue(std::vector<NEBValue> elements);
+    /// Returns a value with these bytes: the content of a file, or a name that is not UTF-8. It
+    /// shares them. Bytes are a kind of their own and not a string. Allocates memory.
+    [[nodiscard]] static NEBValue ofBytes(Data bytes);
     /// Creates a value that shares ownership of the object, which must not change any more. A null
     /// pointer makes the absent value. Allocates memory.
     NEBValue(std::shared_ptr<const NEBObject> object);
@@ -127,6 +133,8 @@ public:
     [[nodiscard]] std::optional<NEBDate> date() const;
     [[nodiscard]] const LOMFilePath* filePath() const;
     [[nodiscard]] const NEBDictionary* dictionary() const;
+    [[nodiscard]] const std::vector<NEBValue>* array() const;
+    [[nodiscard]] const Data* bytes() const;
     [[nodiscard]] const NEBObject* object() const;
 
     /// Returns the truth value: true for `true`, for an integer other than 0, and for a string that
@@ -136,7 +144,8 @@ public:
 
     /// Returns the text for a message: a string as it is, a number in decimal, "true" or "false", a
     /// date as textOfDate() does, the text of a file path, a dictionary as `{key = value, …}`, an
-    /// object's own description, "(null)" for the absent value.
+    /// array as `[element, …]`, bytes with U+FFFD for those that are not UTF-8, an object's own
+    /// description, "(null)" for the absent value.
     [[nodiscard]] std::string description() const;
     /// Returns the text for an assertion report: description(), with a string in quotes.
     [[nodiscard]] std::string descriptionForAssertionMessage() const;
@@ -159,6 +168,8 @@ private:
         string,
         filePath,
         dictionary,
+        array,
+        bytes,
         object
     };
     /// The shared content of a string.
@@ -174,6 +185,8 @@ private:
         [[nodiscard]] virtual bool equals(const SharedContent& other) const = 0;
     };
     struct SharedPath;
+    struct SharedArray;
+    struct SharedBytes;
     struct SharedObject;
     /// Defined in NEBDictionary.cpp, so that values do not depend on dictionaries.
     struct SharedDictionary;
@@ -196,7 +209,7 @@ private:
     [[nodiscard]] const Shared* shared() const { return held<const Shared*>(); }
     /// Whether the value shares its content with other values.
     [[nodiscard]] bool isShared() const { return _bits.kind >= Kind::piece; }
-    /// Null unless the value is of this kind, one of filePath, dictionary and object.
+    /// Null unless the value is of this kind, one of those from filePath on.
     [[nodiscard]] const SharedContent* sharedContent(Kind kind) const {
         return _bits.kind == kind ? static_cast<const SharedContent*>(shared()) : nullptr;
     }

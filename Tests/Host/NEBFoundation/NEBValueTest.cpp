@@ -46,6 +46,32 @@ TEST(Value, HasOneType) {
     EXPECT_TRUE(NEBValue("").isPresent()) << "empty is not absent";
 }
 
+TEST(Value, HoldsBytesThatAreNoString) {
+    const NEBValue value = NEBValue::ofBytes(std::string_view("a\0\xe4", 3));
+    EXPECT_EQ(value.bytes()->bytes(), std::string_view("a\0\xe4", 3));
+    EXPECT_FALSE(value.isString());
+    EXPECT_EQ(value.string(), std::nullopt);
+    EXPECT_EQ(value.description(), std::string("a\0\xEF\xBF\xBD", 5));
+    EXPECT_EQ(NEBValue(value), NEBValue::ofBytes(std::string_view("a\0\xe4", 3)));
+    EXPECT_NE(value, NEBValue::ofBytes("a"));
+    EXPECT_NE(NEBValue::ofBytes("a"), NEBValue("a"));
+    EXPECT_TRUE(NEBValue::ofBytes({}).isPresent());
+    EXPECT_EQ(NEBValue("a").bytes(), nullptr);
+}
+
+TEST(Value, HoldsAnArray) {
+    const NEBValue value(std::vector<NEBValue>{"a", 2, NEBValue()});
+    ASSERT_NE(value.array(), nullptr);
+    EXPECT_EQ(value.array()->size(), 3U);
+    EXPECT_EQ(value.array()->at(1), NEBValue(2));
+    EXPECT_EQ(value.description(), "[a, 2, (null)]");
+    EXPECT_EQ(NEBValue(value), NEBValue(std::vector<NEBValue>{"a", 2, NEBValue()}));
+    EXPECT_NE(value, NEBValue(std::vector<NEBValue>{"a", 2}));
+    EXPECT_NE(value, NEBValue("[a, 2, (null)]"));
+    EXPECT_EQ(NEBValue("a").array(), nullptr);
+    EXPECT_FALSE(NEBValue(std::vector<NEBValue>{}).boolValue());
+}
+
 /// A value stores a short text itself, a long one in a shared block, or refers to a substring of
 /// Data. All behave the same.
 TEST(Value, StoresATextOfAnyLength) {

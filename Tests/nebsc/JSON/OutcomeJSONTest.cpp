@@ -122,6 +122,21 @@ TEST(OutcomeJSON, ContainsEachKindOfValue) {
               R"("object":"<NEBSourceControlWorkingTree \"\": (null)>"}])");
 }
 
+TEST(OutcomeJSON, ContainsArraysAndBytes) {
+    NEBDictionary record;
+    record.set("array"s,
+               std::vector<NEBValue>{"a", 1, NEBDictionary{{"b"s, true}}, std::vector<NEBValue>{}});
+    record.set("bytes"s, NEBValue::ofBytes(std::string_view("\0\xff"
+                                                            "a",
+                                                            3)));
+    record.set("none"s, NEBValue::ofBytes({}));
+    Outcome outcome;
+    outcome.result = {record};
+    EXPECT_EQ(jsonOf(outcome)["result"].dump(),
+              R"([{"array":["a",1,{"b":true},[]],"bytes":{"base64":"AP9h"},)"
+              R"("none":{"base64":""}}])");
+}
+
 TEST(OutcomeJSON, ContainsTheUserInfoOfAnError) {
     Outcome outcome;
     outcome.error = NEBSourceControlError::withDescription(-21, "No.", "Try again.");

@@ -248,6 +248,34 @@ TEST(RequestJSON, KnowsAllOptionKeys) {
     }
 }
 
+TEST(RequestJSON, ReadsBytesThatAreNotUTF8) {
+    const auto request = accepted(R"({"type": 0, "files": [{"base64": "YuRy"}],
+        "destination": {"base64": ""},
+        "options": {"NEBSourceControlRequestOptionMessage": ["a", {"base64": "/w=="}, 2]}})");
+    EXPECT_EQ(request->files->front(), NEBValue("b\xe4r"));
+    EXPECT_EQ(request->destination, NEBValue(""));
+    EXPECT_EQ(request->option(NEBSourceControlRequestOptionMessage),
+              NEBValue(std::vector<NEBValue>{"a", "\xff", 2}));
+}
+
+TEST(RequestJSON, RefusesWhatIsNotBase64) {
+    for (const char* text : {"\"QUJ\"", "\"QUJ*\"", "\"/x==\"", "\"=\"", "\"====\"", "null"}) {
+        EXPECT_EQ(
+            requestFromJSON(R"({"type": 0, "files": [{"base64": )" + std::string(text) + "}]}")
+                .refusal,
+            "The request's member 'files[0].base64' is not base64 with padding.")
+            << text;
+    }
+    EXPECT_EQ(requestFromJSON(R"({"type": 0, "files": [{"base64": 5}]})").refusal,
+              "The request's member 'files[0].base64' is an integer; expected a string.");
+    EXPECT_NE(requestFromJSON(R"({"type": 0, "files": [{"base64": "", "x": 1}]})").refusal, "");
+    EXPECT_NE(requestFromJSON(R"({"type": 0, "files": [["a"]]})").refusal, "");
+    EXPECT_NE(
+        requestFromJSON(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": [[1]]}})")
+            .refusal,
+        "");
+}
+
 TEST(RequestJSON, TreatsANullOptionAsAbsent) {
     const auto request =
         accepted(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": null}})");

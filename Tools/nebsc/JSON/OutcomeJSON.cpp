@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "JSON/Base64.h"
 #include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
@@ -25,7 +26,7 @@ std::string textOf(const JSON& json) {
     return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
 }
 
-/// Returns the JSON of a value that is not a dictionary.
+/// Returns the JSON of a value that is neither a dictionary nor an array nor bytes.
 JSON leafOf(const NEBValue& value) {
     if (const auto boolean = value.boolean()) {
         return *boolean;
@@ -48,6 +49,8 @@ JSON leafOf(const NEBValue& value) {
     return nullptr;
 }
 
+void append(std::string& text, const NEBValue& value);
+
 /// Appends the dictionary as text. A result can be so large that memory is almost used up.
 /// Therefore it is not converted to a JSON object first: the destructor of the library's objects
 /// allocates memory, and terminates the program if that fails.
@@ -56,23 +59,39 @@ void append(std::string& text, const NEBDictionary& dictionary) {
     for (const NEBDictionary::Entry& entry : dictionary) {
         text.append(1, separator).append(textOf(std::string(entry.key()))).append(1, ':');
         separator = ',';
-        if (const auto* inner = entry.value().dictionary()) {
-            append(text, *inner);
-        } else {
-            text += textOf(leafOf(entry.value()));
-        }
+        append(text, entry.value());
     }
     text += separator == '{' ? "{}" : "}";
 }
 
-JSON jsonOfDictionary(const NEBDictionary& dictionary) {
-    JSON object = JSON::object();
-    for (const NEBDictionary::Entry& entry : dictionary) {
-        const auto* inner = entry.value().dictionary();
-        object[std::string(entry.key())] =
-            inner != nullptr ? jsonOfDictionary(*inner) : leafOf(entry.value());
+void append(std::string& text, const std::vector<NEBValue>& array) {
+    char separator = '[';
+    for (const NEBValue& element : array) {
+        text += separator;
+        separator = ',';
+        append(text, element);
     }
-    return object;
+    text += separator == '[' ? "[]" : "]";
+}
+
+void append(std::string& text, const NEBValue& value) {
+    if (const auto* dictionary = value.dictionary()) {
+        append(text, *dictionary);
+    } else if (const auto* array = value.array()) {
+        append(text, *array);
+    } else if (const auto* bytes = value.bytes()) {
+        text += R"({"base64":")";
+        appendBase64(text, *bytes);
+        text += "\"}";
+    } else {
+        text += textOf(leafOf(value));
+    }
+}
+
+JSON jsonOfDictionary(const NEBDictionary& dictionary) {
+    std::string text;
+    append(text, dictionary);
+    return JSON::parse(text);
 }
 
 JSON jsonOfCommand(const NEBSourceControlCommand& command) {

@@ -20,7 +20,8 @@
 //
 // "name" is the name of the type; both are null if no request was made. "pipeTo" is a command with
 // the same members. The "terminationStatus" of a command is null if the child did not exit. A date
-// is "2012-03-04T05:06:07Z", a file path a string, a dictionary an object.
+// is "2012-03-04T05:06:07Z", a file path a string, a dictionary an object. Bytes are an object with
+// one member: {"base64": "4oKs"}.
 //
 // "error" is null or { "domain", "code", "class", "terminationStatus", "text", "hints",
 // "remoteLines", "files", "localizedDescription", "localizedRecoverySuggestion", "userInfo" }. Its

@@ -162,7 +162,7 @@ bool readOptions(Refusal& refusal, const InputNode& input, std::optional<NEBDict
         if (!isOptionKey(child.name)) {
             return refuseUnknownMember(refusal, childInput, allOptionKeys());
         }
-        if (!readScalar(refusal, childInput, value)) {
+        if (!readValue(refusal, childInput, value)) {
             return false;
         }
         options->set(child.name, std::move(value));

@@ -20,8 +20,9 @@
 // (only a repository can set it to true).
 //
 // "destination", the revisions, the elements of "files" and the values of "options" can be any JSON
-// scalar. A number that is not a 64-bit integer becomes an object whose description is the text of
-// the number. The destination of a clone, if present, must be an absolute path.
+// scalar, or bytes that are not UTF-8 as {"base64": "…"}. The value of an option can also be an
+// array of them. A number that is not a 64-bit integer becomes an object whose description is the
+// text of the number. The destination of a clone, if present, must be an absolute path.
 //
 // Every function is thread-safe.
 #pragma once

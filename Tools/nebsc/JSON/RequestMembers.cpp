@@ -3,6 +3,8 @@
 #include <limits>
 #include <memory>
 
+#include "JSON/Base64.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -32,6 +34,22 @@ bool readPositive(Refusal& refusal, const InputNode& input, std::optional<std::i
                                              "; expected " + std::string(expected));
     }
     number = input.node.integer;
+    return true;
+}
+
+/// Reads {"base64": "…"}.
+bool readBytes(Refusal& refusal, const InputNode& input, NEBValue& value) {
+    const JSONNode& member = input.node.children.front();
+    const InputNode memberInput{member, pathOfMember(input.path, member.name)};
+    std::optional<std::string> text;
+    if (!readString(refusal, memberInput, text)) {
+        return false;
+    }
+    const auto bytes = text ? bytesOfBase64(*text) : std::nullopt;
+    if (!bytes) {
+        return refusal.wrongValue(memberInput, "is not base64 with padding");
+    }
+    value = *bytes;
     return true;
 }
 
@@ -125,11 +143,30 @@ bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value) {
         case Kind::string:
             value = input.node.text;
             return true;
-        case Kind::array:
         case Kind::object:
+            if (input.node.children.size() == 1 && input.node.children.front().name == "base64") {
+                return readBytes(refusal, input, value);
+            }
+            break;
+        case Kind::array:
             break;
     }
     return refusal.wrongKind(input, "a string, a number or a boolean");
+}
+
+bool readValue(Refusal& refusal, const InputNode& input, NEBValue& value) {
+    if (input.node.kind != Kind::array) {
+        return readScalar(refusal, input, value);
+    }
+    std::vector<NEBValue> elements;
+    for (const JSONNode& child : input.node.children) {
+        const std::string path = pathOfElement(input.path, elements.size());
+        if (!readScalar(refusal, {child, path}, elements.emplace_back())) {
+            return false;
+        }
+    }
+    value = NEBValue(std::move(elements));
+    return true;
 }
 
 bool refuseUnknownMember(Refusal& refusal, const InputNode& input, std::string_view known) {

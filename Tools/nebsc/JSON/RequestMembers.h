@@ -54,9 +54,13 @@ struct Refusal {
                                     std::optional<std::chrono::milliseconds>& time);
 [[nodiscard]] bool readByteCount(Refusal& refusal, const InputNode& input,
                                  std::optional<std::uint64_t>& count);
-/// Reads a string, a boolean or a number. A number that is not a 64-bit integer becomes an object
-/// whose description is the text of the number.
+/// Reads a string, a boolean, a number, or bytes as {"base64": "…"}, which become a string. A
+/// number that is not a 64-bit integer becomes an object whose description is the text of the
+/// number.
 [[nodiscard]] bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value);
+
+/// Reads a scalar, or an array of scalars.
+[[nodiscard]] bool readValue(Refusal& refusal, const InputNode& input, NEBValue& value);
 
 /// Refuses an unknown member; the message lists the known ones. Returns false.
 bool refuseUnknownMember(Refusal& refusal, const InputNode& input, std::string_view known);

@@ -253,6 +253,15 @@ void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWri
     }
 }
 
+/// git before 2.45 does not know GIT_NO_LAZY_FETCH; without protocols, it fetches nothing.
+void preventFetches(std::vector<std::string>& environment) {
+    environment.emplace_back("GIT_NO_LAZY_FETCH=1");
+    std::erase_if(environment, [](const std::string& variable) {
+        return nameOf(variable) == "GIT_ALLOW_PROTOCOL";
+    });
+    environment.emplace_back("GIT_ALLOW_PROTOCOL=");
+}
+
 }  // namespace
 
 std::vector<std::string> NEBSourceControlChildEnvironment(
@@ -269,6 +278,9 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     }
     if (traits.hasPatternCharacters) {
         environment.emplace_back("GIT_LITERAL_PATHSPECS=1");
+    }
+    if (!traits.mayFetchObjects) {
+        preventFetches(environment);
     }
     if (traits.isBackgroundWork) {
         environment.emplace_back("GIT_OPTIONAL_LOCKS=0");

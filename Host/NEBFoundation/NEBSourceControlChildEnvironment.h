@@ -24,6 +24,8 @@ struct NEBSourceControlChildTraits {
     bool mayRunHooks = false;
     /// The files of an archive are readable by their owner only.
     bool archivesForOwner = false;
+    /// git may fetch objects that a partial clone lacks when it needs them.
+    bool mayFetchObjects = true;
 };
 
 /// Returns the environment for a child: `inherited` (each element `NAME=value`) without the

@@ -82,7 +82,9 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
              .isBackgroundWork = isBackgroundWork(),
              .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
              .mayRunHooks = _mayRunHooks,
-             .archivesForOwner = _archivesForOwner}),
+             .archivesForOwner = _archivesForOwner,
+             .mayFetchObjects = _mayFetchObjects}),
+        .input = _input,
     };
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);

@@ -66,6 +66,14 @@ public:
     /// Makes the files of an archive readable by their owner only.
     void setArchivesForOwner(bool archivesForOwner) { _archivesForOwner = archivesForOwner; }
 
+    /// Sets the bytes of the child's standard input. Absent: /dev/null.
+    void setInput(std::optional<Data> input) { _input = std::move(input); }
+    [[nodiscard]] const std::optional<Data>& input() const { return _input; }
+
+    /// Whether git may fetch objects that a partial clone lacks; true by default. Otherwise it
+    /// fails with an error of the class "objects-missing".
+    void setMayFetchObjects(bool mayFetchObjects) { _mayFetchObjects = mayFetchObjects; }
+
     /// The standard output of the child; with a record sink, what was not parsed while it ran.
     /// Absent until it has ended.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
@@ -158,6 +166,8 @@ private:
     bool _flushesForSink = false;
     bool _mayRunHooks = false;
     bool _archivesForOwner = false;
+    bool _mayFetchObjects = true;
+    std::optional<Data> _input;
     std::optional<Data> _data;
     std::optional<Data> _errorData;
     std::optional<TerminationStatus> _terminationStatus;

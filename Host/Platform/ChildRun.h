@@ -26,6 +26,8 @@ struct ChildLaunch {
     std::optional<std::string> currentDirectoryPath;
     /// The whole environment of the child, each element "NAME=value".
     std::vector<std::string> environment;
+    /// The bytes of standard input; of the first child of a pipeline only. Absent: /dev/null.
+    std::optional<Data> input = std::nullopt;
 };
 
 /// The result of one child.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -69,6 +70,24 @@ int openPipe(Pipe& pipe, PipeSize size) {
 #endif
     pipe = std::move(opened);
     return 0;
+}
+
+int openMemoryFile(FileDescriptor& file, std::string_view bytes) {
+    FileDescriptor opened(::memfd_create("input", MFD_CLOEXEC));
+    if (!opened.isOpen()) {
+        return errno;
+    }
+    int failure = moveAboveStandardStreams(opened);
+    if (failure == 0) {
+        failure = writeAll(opened.get(), bytes);
+    }
+    if (failure == 0 && ::lseek(opened.get(), 0, SEEK_SET) != 0) {
+        failure = errno;
+    }
+    if (failure == 0) {
+        file = std::move(opened);
+    }
+    return failure;
 }
 
 int setNonBlocking(const FileDescriptor& descriptor) {

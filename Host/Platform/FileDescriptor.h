@@ -51,6 +51,10 @@ enum class PipeSize {
 /// Makes reads and writes non-blocking. Returns 0 or an error number.
 [[nodiscard]] NEB_EXPORT int setNonBlocking(const FileDescriptor& descriptor);
 
+/// Opens a file in memory that holds the bytes, to be read from its start. Returns 0 or an error
+/// number; after an error nothing is open. Close-on-exec and numbered 3 or higher. Thread-safe.
+[[nodiscard]] NEB_EXPORT int openMemoryFile(FileDescriptor& file, std::string_view bytes);
+
 /// What writeAll() does when a non-blocking descriptor accepts no more bytes.
 enum class WhenFull { wait, fail };
 

@@ -45,9 +45,14 @@ bool PipelineChild::start(const ChildLaunch& launch, FileDescriptor& input, bool
     _startMoment = _endMoment = Clock::now();
     Pipe outputPipe;
     Pipe errorPipe;
+    const std::string notStarted =
+        "the program \"" + launch.launchPath + "\" could not be started: ";
     if (const int failure = openPipes(outputPipe, errorPipe, feedsNext); failure != 0) {
-        recordNotStarted("the program \"" + launch.launchPath +
-                         "\" could not be started: no pipe for it: " + textOfErrno(failure));
+        recordNotStarted(notStarted + "no pipe for it: " + textOfErrno(failure));
+        return false;
+    }
+    if (const int failure = launch.input ? openMemoryFile(input, *launch.input) : 0; failure != 0) {
+        recordNotStarted(notStarted + "no memory for its input: " + textOfErrno(failure));
         return false;
     }
     const SpawnedChild spawned = spawnChild(

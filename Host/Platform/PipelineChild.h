@@ -38,8 +38,8 @@ public:
     ~PipelineChild() = default;
 
     /// Starts the process. `input` is the read end of the pipe from the previous child; if it is
-    /// not open, standard input is /dev/null. If `feedsNext`, the read end of the pipe to the next
-    /// child is put there. Returns whether the process was started.
+    /// not open, standard input is that of the launch, or else /dev/null. If `feedsNext`, the read
+    /// end of the pipe to the next child is put there. Returns whether the process was started.
     bool start(const ChildLaunch& launch, FileDescriptor& input, bool feedsNext);
     /// Records why the child was not started, as a clause.
     void recordNotStarted(const std::string& reason);

@@ -147,6 +147,14 @@ TEST(ChildEnvironment, AnArchiveMayBeForItsOwnerOnly) {
     EXPECT_EQ(settingsOf(environment), joined(pinned, {{"tar.umask", "077"}}));
 }
 
+TEST(ChildEnvironment, KeepsGitFromFetchingObjectsWithAnyVersion) {
+    const Variables environment = NEBSourceControlChildEnvironment(
+        {"GIT_ALLOW_PROTOCOL=file:https"}, {.mayFetchObjects = false});
+    EXPECT_THAT(environment, Contains("GIT_NO_LAZY_FETCH=1"));
+    EXPECT_THAT(environment, Contains("GIT_ALLOW_PROTOCOL="));
+    EXPECT_THAT(environment, Not(Contains("GIT_ALLOW_PROTOCOL=file:https")));
+}
+
 TEST(ChildEnvironment, KeepsTheVariablesOfTheHostThatAreNotSet) {
     const Variables environment = NEBSourceControlChildEnvironment(
         {"HOME=/h", "PATH=/bin", "LC_ALL=de_DE.UTF-8", "LANGUAGE=de", "GIT_EDITOR=vi",

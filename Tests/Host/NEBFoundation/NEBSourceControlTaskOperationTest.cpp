@@ -29,6 +29,29 @@ using testing::HasSubstr;
 
 class TaskOperation : public test::HygienicTest {};
 
+// ---- standard input ---------------------------------------------------------------------------
+
+TEST_F(TaskOperation, GivesTheChildItsInput) {
+    std::string input(3 << 20, 'x');  // more than a pipe holds
+    input[1] = '\0';
+    const auto operation = script("cat");
+    operation->setInput(input);
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->data(), Data(input));
+}
+
+/// A child that does not read its input does not block the host.
+TEST_F(TaskOperation, MayLeaveItsInputUnread) {
+    const auto operation = script("exit 0");
+    operation->setInput(std::string(3 << 20, 'x'));
+    operation->start();
+    EXPECT_EQ(operation->error(), std::nullopt);
+    const auto without = script("cat");
+    without->start();
+    EXPECT_EQ(without->data(), Data(""));
+}
+
 // ---- parsing and translating ------------------------------------------------------------------
 
 TEST_F(TaskOperation, ParsesFirstAndThenTranslatesTheErrorText) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "GitExtensions/GitReferences.h"
 #include "GitOperations/GitBlame.h"
 #include "GitOperations/GitBranch.h"
 #include "GitOperations/GitCheckout.h"
@@ -227,6 +228,7 @@ constexpr DispatchRow dispatchRows[] = {
      &make<GitTrackingBranchNameOperation>,
      {{&branch, 183}}},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
+    {NEBSourceControlRequestReferences, &make<GitReferencesOperation>},
 };
 
 const DispatchRow* rowOfType(std::int32_t type) {

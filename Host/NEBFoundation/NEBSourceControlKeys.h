@@ -1,5 +1,5 @@
 // NEBSourceControlKeys.h - keys of options, of results and of the user info of errors; symbolic
-// revision names; error codes.
+// revision names; error codes. It includes the keys of the request types from 1000 on.
 //
 // The text of each constant is its identifier. This makes requests readable as JSON, and prevents
 // that a branch has the name of a symbolic revision. All constants live as long as the process and
@@ -14,6 +14,10 @@
 #include <cstdint>
 
 #include "NEBFoundation/NEBConstant.h"
+// IWYU pragma: begin_exports
+#include "NEBFoundation/NEBSourceControlExtendedKeys.h"
+#include "NEBFoundation/NEBSourceControlExtendedOptions.h"
+// IWYU pragma: end_exports
 
 namespace neb {
 
@@ -89,6 +93,7 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionDiffFileNameAndStatusOnly,
     NEBSourceControlRequestOptionDiffFromCommonAncestor,
     NEBSourceControlRequestOptionPullByFastForwarding,
+    NEBSourceControlRequestOptionFetchMissingObjects,
 };
 
 // Keys of the records of a result. The comment states the kind of the value, what it means, and

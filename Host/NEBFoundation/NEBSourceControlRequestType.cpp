@@ -154,6 +154,8 @@ constexpr NEBSourceControlRequestTypeDescription rows[] = {
      exposed::nothing, needs<branch>},
     {NEBSourceControlRequestMergeBase, "merge base", reads, offline, inTree,
      exposed::start | exposed::end, needs<startingRevision, endingRevision>},
+
+    {NEBSourceControlRequestReferences, "references", reads, offline, inTree, exposed::nothing, {}},
 };
 
 constexpr auto typeOf = [](const NEBSourceControlRequestTypeDescription& row) { return row.type; };

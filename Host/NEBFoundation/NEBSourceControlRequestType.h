@@ -98,7 +98,16 @@ enum NEBSourceControlRequestType : std::int32_t {
     NEBSourceControlRequestTrackingBranchName = 38,
     /// `git merge-base`: returns the common ancestor of start and end.
     NEBSourceControlRequestMergeBase = 39,
+
+    // The types from 1000 on return full ids and names of any bytes.
+
+    /// `git for-each-ref`: returns branches, remote branches and tags, or those below
+    /// `destination`.
+    NEBSourceControlRequestReferences = 1008,
 };
+
+/// The types below this number have a row for each number, and each has a command of nebsc.
+inline constexpr std::int32_t NEBSourceControlFirstExtendedRequestType = 1000;
 
 /// What an operation does. A host schedules requests by it.
 enum class NEBSourceControlRequestEffect : std::uint8_t {

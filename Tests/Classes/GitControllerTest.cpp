@@ -274,7 +274,7 @@ TEST(Dispatch, MakesTheClassOfTheType) {
 }
 
 TEST(Dispatch, ReturnsNullForTypesWithoutOperation) {
-    for (const std::int32_t type : {-2147483647 - 1, -1, 12, 16, 23, 40, 2147483647}) {
+    for (const std::int32_t type : {-2147483647 - 1, -1, 12, 16, 23, 40, 999, 1999, 2147483647}) {
         const ReportCollector collector;
         EXPECT_EQ(controller.operationForRequest(fullRequest(type, 0)), nullptr) << type;
         EXPECT_TRUE(collector.reports().empty());

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Classes/Configuration/ExtensionCases.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/RequestRun.h"
@@ -374,8 +375,9 @@ void PrintTo(const RequestCase& requestCase, std::ostream* stream) {
 const std::vector<RequestCase>& requestMatrix() {
     static const std::vector<RequestCase> matrix = [] {
         std::vector<RequestCase> all;
-        for (const auto& family : {changesOfFiles(), commits(), branches(), history(), exports(),
-                                   exchange(), newRepositories(), remotes(), updates()}) {
+        for (const auto& family :
+             {changesOfFiles(), commits(), branches(), history(), exports(), exchange(),
+              newRepositories(), remotes(), updates(), extensionCases()}) {
             all.insert(all.end(), family.begin(), family.end());
         }
         return all;

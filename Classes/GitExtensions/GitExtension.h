@@ -1,0 +1,38 @@
+// GitExtension.h - the bases of the operations of the request types from 1000 on.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "GitOperations/GitOperation.h"
+
+namespace neb {
+
+/// Runs a git command that only reads. git does not contact a server for objects that a partial
+/// clone lacks, unless the request has NEBSourceControlRequestOptionFetchMissingObjects: the error
+/// is then of the class "objects-missing" and names an object.
+///
+/// The options for a repository and a working copy replace the location of the source tree.
+class GitReadingOperation : public GitOperation {
+public:
+    explicit GitReadingOperation(std::shared_ptr<NEBSourceControlRequest> request);
+};
+
+/// Parses pieces that end with a NUL byte, as git prints with its option -z.
+class GitNULRecordParser : public NEBSourceControlRecordParser {
+public:
+    GitNULRecordParser() : NEBSourceControlRecordParser('\0') {}
+
+protected:
+    /// Adds the records that are complete at the end of the output. The base implementation adds
+    /// none.
+    virtual void finish(NEBSourceControlResult& records) { static_cast<void>(records); }
+
+    /// Calls finish(): what no NUL byte ends is incomplete.
+    void parseLastPiece(const Data& output, std::string_view piece,
+                        NEBSourceControlResult& records) final;
+};
+
+}  // namespace neb

@@ -41,16 +41,49 @@ TEST(WorkingCopyLocation, PathsFromTheTopAndFolders) {
     EXPECT_EQ(pathAsSeen(elsewhere, "/x/b/"), "/x/b/");
 }
 
-TEST(WorkingCopyLocation, TheTopIsProbablyTheNearestFolderWithARepository) {
-    const test::TemporaryFolder folder;
-    std::filesystem::create_directories(folder.path("a/b/.git/hooks"));
+class ProbableWorkingCopy : public testing::Test {
+protected:
+    /// Returns the location; absent without a repository.
+    [[nodiscard]] std::optional<std::string> topAround(std::string_view current) const {
+        return locationAround(current, true);
+    }
+    [[nodiscard]] std::optional<std::string> bareAround(std::string_view current) const {
+        return locationAround(current, false);
+    }
+    [[nodiscard]] std::optional<std::string> locationAround(std::string_view current,
+                                                            bool isWorkingCopy) const {
+        const auto found = probableWorkingCopy(folder.path(current));
+        return found && found->isRepository && found->isWorkingCopy == isWorkingCopy
+                   ? std::optional(found->location)
+                   : std::nullopt;
+    }
+    void makeGitDirectory(const std::string& path) const {
+        std::filesystem::create_directories(folder.path(path + "/objects"));
+        std::filesystem::create_directories(folder.path(path + "/refs"));
+        folder.write(path + "/HEAD", "ref: refs/heads/main\n");
+    }
+
+    test::TemporaryFolder folder;
+};
+
+TEST_F(ProbableWorkingCopy, IsTheNearestFolderWithARepository) {
+    makeGitDirectory("a/b/.git");
     std::filesystem::create_directories(folder.path("a/b/c/d"));
     folder.write("a/b/c/.git", "gitdir: elsewhere\n");
-    EXPECT_EQ(probableTop(folder.path("a/b/c/d")), folder.path("a/b/c"));
-    EXPECT_EQ(probableTop(folder.path("a/b")), folder.path("a/b"));
-    EXPECT_EQ(probableTop(folder.path("a")), std::nullopt);
-    EXPECT_EQ(probableTop(folder.path("a/b/.git")), std::nullopt);
-    EXPECT_EQ(probableTop(folder.path("a/b/.git/hooks")), std::nullopt);
+    EXPECT_EQ(topAround("a/b/c/d"), folder.path("a/b/c"));
+    EXPECT_EQ(topAround("a/b"), folder.path("a/b"));
+    EXPECT_FALSE(probableWorkingCopy(folder.path("a")));
+}
+
+TEST_F(ProbableWorkingCopy, IsNoneInAGitDirectory) {
+    makeGitDirectory("a/.git");
+    makeGitDirectory("a/bare.git");
+    EXPECT_EQ(bareAround("a/.git"), folder.path("a/.git"));
+    EXPECT_EQ(bareAround("a/.git/objects"), folder.path("a/.git/objects"));
+    EXPECT_EQ(bareAround("a/bare.git"), folder.path("a/bare.git"));
+    EXPECT_EQ(bareAround("a/bare.git/refs"), folder.path("a/bare.git/refs"));
+    std::filesystem::remove(folder.path("a/bare.git/HEAD"));
+    EXPECT_EQ(topAround("a/bare.git"), folder.path("a"));
 }
 
 }  // namespace

@@ -313,6 +313,30 @@ TEST_F(Streaming, PrintsNothingOfARepositoryThatTurnsOutToBeAnother) {
                line(other.path().substr(other.path().rfind('/') + 1)) + "\n");
 }
 
+/// The search for the repository waits for the log, for at most five seconds.
+TEST_F(Streaming, ALogOfABareRepositoryStartsBesideTheSearchForIt) {
+    std::filesystem::create_directories(folder.path("objects"));
+    std::filesystem::create_directories(folder.path("refs"));
+    folder.write("HEAD", "ref: refs/heads/main\n");
+    const std::string top = folder.path();
+    const TemporaryFolder programs;
+    programs.writeProgram(
+        "git",
+        "#!/bin/sh\ncase \"$*\" in rev-parse*show-toplevel*) i=0\n"
+        "while ! [ -e '" +
+            top +
+            "/git' ] && [ $i -lt 500 ]; do sleep 0.01; i=$((i+1)); done\n"
+            "[ -e '" +
+            top + "/git' ] || touch '" + top +
+            "/late'\n"
+            "echo false; echo 'fatal: this operation must be run in a work tree' >&2; exit 128;;\n"
+            "esac\n" +
+            logScript("record One"));
+    Variables variables{{"PATH", programs.path() + ":/usr/bin:/bin"}, {"TZ", "UTC"}};
+    expectDone(runNebsc({"log"}, {.folder = top, .variables = variables}), line("One") + "\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.path("late")));
+}
+
 // ---- nebsc request --stream -------------------------------------------------------------------
 
 class RequestStream : public CommandTest {

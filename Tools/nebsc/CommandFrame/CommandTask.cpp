@@ -80,17 +80,14 @@ CommandOutput CommandTask::runSteps() {
 
 /// With --trace, git processes run one after the other, so that the lines are in order.
 std::optional<RequestResult> CommandTask::locateAndPerform() {
-    const auto top = canRunBesideLocate() && !_call.session.trace().isOn()
-                         ? probableTop(currentFolder())
-                         : std::nullopt;
-    if (!top) {
+    const auto probable = canRunBesideLocate() && !_call.session.trace().isOn()
+                              ? probableWorkingCopy(currentFolder())
+                              : std::nullopt;
+    if (!probable) {
         _git.setWorkingCopy(locate());
         return std::nullopt;
     }
-    _git.setWorkingCopy({.location = *top,
-                         .currentFolder = currentFolder(),
-                         .isWorkingCopy = true,
-                         .isRepository = true});
+    _git.setWorkingCopy(*probable);
     // Without a thread, locate() runs when its result is needed.
     std::future<WorkingCopyLocation> location =
         std::async(std::launch::async | std::launch::deferred, [this] { return locate(); });
@@ -98,7 +95,7 @@ std::optional<RequestResult> CommandTask::locateAndPerform() {
         if (location.valid()) {
             _git.setWorkingCopy(location.get());
         }
-        return workingCopy().isWorkingCopy && workingCopy().location == *top;
+        return workingCopy().isAtSamePlaceAs(*probable);
     };
     std::optional<RequestResult> result = perform();
     if (!std::exchange(_confirmsLocation, nullptr)()) {

@@ -1,6 +1,7 @@
 #include "CommandFrame/WorkingCopyLocation.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -42,6 +43,14 @@ std::string relativePath(std::string_view path, std::string_view folder) {
     return relative;
 }
 
+/// gitrepository-layout(5): a bare repository, or the ".git" of a working copy.
+bool isGitDirectory(const std::string& folder) {
+    constexpr std::string_view names[] = {"HEAD", "objects", "refs"};
+    return std::all_of(std::begin(names), std::end(names), [&folder](std::string_view name) {
+        return isAnythingAt(pathByAppendingComponent(folder, name));
+    });
+}
+
 }  // namespace
 
 WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
@@ -58,16 +67,21 @@ WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& tra
             .discovery = std::move(outcome)};
 }
 
-std::optional<std::string> probableTop(const std::string& currentFolder) {
-    constexpr std::string_view gitFolder = ".git";
+std::optional<WorkingCopyLocation> probableWorkingCopy(const std::string& currentFolder) {
     std::string folder = currentFolder;
-    while (!isAnythingAt(pathByAppendingComponent(folder, gitFolder))) {
-        if (folder == "/" || lastPathComponentIn(folder) == gitFolder) {
+    while (true) {
+        const bool isTop = isAnythingAt(pathByAppendingComponent(folder, ".git"));
+        if (isTop || isGitDirectory(folder)) {
+            return WorkingCopyLocation{.location = isTop ? folder : currentFolder,
+                                       .currentFolder = currentFolder,
+                                       .isWorkingCopy = isTop,
+                                       .isRepository = true};
+        }
+        if (folder == "/") {
             return std::nullopt;
         }
         folder = pathByDeletingLastComponent(folder);
     }
-    return folder;
 }
 
 std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {

@@ -25,6 +25,12 @@ struct WorkingCopyLocation {
     RevisionAnswers revisions{};
     /// How git ended; if it found no working copy, its stderr says why.
     ChildOutcome discovery{TerminationStatus::notStarted({}), {}, {}};
+
+    /// Returns whether commands run in the same folder, and find the same kind of repository there.
+    [[nodiscard]] bool isAtSamePlaceAs(const WorkingCopyLocation& other) const {
+        return location == other.location && isWorkingCopy == other.isWorkingCopy &&
+               isRepository == other.isRepository;
+    }
 };
 
 /// Returns the working copy that the folder lies in, with the answers to the questions. Runs one
@@ -34,10 +40,11 @@ struct WorkingCopyLocation {
                                                   const std::string& folder,
                                                   const RepositoryQuestions& questions = {});
 
-/// Returns the folder that is the top of the working copy if git finds it where it usually is: the
-/// nearest one around the current folder that has a ".git". Absent without such a folder, and
-/// inside of a ".git". Runs no git.
-[[nodiscard]] std::optional<std::string> probableTop(const std::string& currentFolder);
+/// Returns what findWorkingCopy() finds if the repository is where it usually is: in the nearest
+/// folder around the current one that has a ".git" or is a git directory. Absent without such a
+/// folder. Runs no git.
+[[nodiscard]] std::optional<WorkingCopyLocation> probableWorkingCopy(
+    const std::string& currentFolder);
 
 /// Returns the absolute path of a repository in the file system, relative to the current folder;
 /// any other URL (or HOST:PATH) as it is.

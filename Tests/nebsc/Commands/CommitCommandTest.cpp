@@ -153,7 +153,7 @@ TEST_F(CommitCommand, ASilentGitFailureIsAnError) {
 
 TEST_F(CommitCommand, PrintsNothingIfTheCommitIsUnknown) {
     const TemporaryFolder bin;
-    bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] && echo one-word\n[ \"$1\" = commit ]");
+    bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] && : >.git/HEAD && echo one-word");
     const NebscOutcome outcome = runNebsc(
         {"commit", "-m", "x"}, {.folder = repository.path(), .variables = {{"PATH", bin.path()}}});
     expectDone(outcome);

@@ -65,6 +65,17 @@ TEST_F(UpdateCommand, MergesDivergedBranches) {
     expectDone(nebsc(*ben, {"update", "--ff"}), upToDate);
 }
 
+TEST_F(UpdateCommand, NamesTheCommitOfALinkedWorktreeAndOfADetachedHEAD) {
+    shareChange("b", "1\n");
+    ben->git({"worktree", "add", "--quiet", "-b", "topic", "../linked", "main"});
+    NebscOutcome outcome =
+        runNebsc({"update", "origin", "main"}, {.folder = ben->path("../linked")});
+    EXPECT_THAT(outcome.output, EndsWith("; now at " + revision(*ann) + ".\n"));
+    ben->git({"checkout", "--quiet", "--detach"});
+    outcome = nebsc(*ben, {"update", "origin", "main"});
+    EXPECT_THAT(outcome.output, EndsWith("; now at " + revision(*ann) + ".\n"));
+}
+
 TEST_F(UpdateCommand, AHooksOutputIsNotTakenForGits) {
     shareChange();
     const std::string before = revision(*ben);

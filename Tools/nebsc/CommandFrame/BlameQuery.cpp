@@ -12,13 +12,6 @@ namespace neb::nebsc {
 
 namespace {
 
-/// No other line of a header begins with so many digits.
-bool isCommitId(std::string_view text) {
-    constexpr std::size_t shortestId = 40;  // SHA-1
-    return text.size() >= shortestId &&
-           text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
-}
-
 NEBDate dateOf(std::string_view seconds) {
     std::int64_t count = 0;
     std::from_chars(seconds.data(), seconds.data() + seconds.size(), count);
@@ -40,7 +33,8 @@ BlameQuery::BlameQuery(std::shared_ptr<NEBSourceControlRequest> request)
 }
 
 /// git-blame(1), THE PORCELAIN FORMAT: "ID LINE-BEFORE LINE [COUNT]"; for the first line of a
-/// commit, its "author NAME", "author-time SECONDS" and more; then a TAB and the text of the line.
+/// commit, its "author NAME", "author-time SECONDS" and more, whose names are no ids; then a TAB
+/// and the text of the line.
 std::optional<BlamedLine> BlameQuery::entryIn(std::string_view text) {
     if (text.starts_with('\t')) {
         text.remove_prefix(1);
@@ -52,7 +46,7 @@ std::optional<BlamedLine> BlameQuery::entryIn(std::string_view text) {
     Scanner scanner(text);
     const std::string_view key = scanner.takeUpTo(' ');
     scanner.skipOne(' ');
-    if (isCommitId(key)) {
+    if (isObjectId(key)) {
         const std::string id(key);
         _commit = &_commits.try_emplace(id, BlamedCommit{.id = id}).first->second;
         scanner.takeUpTo(' ');

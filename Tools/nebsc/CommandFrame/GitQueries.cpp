@@ -1,10 +1,35 @@
 #include "CommandFrame/GitQueries.h"
 
+#include <fstream>
+#include <utility>
+
+#include "Platform/PathString.h"
 #include "Platform/Scanner.h"
 #include "Platform/Text.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
+
+namespace {
+
+std::optional<std::string> firstLineOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string line;
+    return std::getline(file, line) ? std::optional(std::move(line)) : std::nullopt;
+}
+
+/// Returns the full commit id of HEAD if HEAD or the file of its branch has it.
+/// gitrepository-layout(5): such a file has the id, or "ref: " and the name of another file.
+std::optional<std::string> headCommitInFiles(const std::string& gitDirectory) {
+    constexpr std::string_view prefix = "ref: ";
+    auto line = firstLineOf(pathByAppendingComponent(gitDirectory, "HEAD"));
+    if (line && line->starts_with(prefix)) {
+        line = firstLineOf(pathByAppendingComponent(gitDirectory, line->substr(prefix.size())));
+    }
+    return line && isObjectId(*line) ? line : std::nullopt;
+}
+
+}  // namespace
 
 // ---- any question -----------------------------------------------------------------------------
 
@@ -60,7 +85,10 @@ bool GitQueries::isWithoutCommits() const {
 }
 
 std::optional<std::string> GitQueries::headCommit() const {
-    return outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
+    constexpr std::size_t length = 12;
+    const auto commit = headCommitInFiles(pathByAppendingComponent(_workingCopy.location, ".git"));
+    return commit ? commit->substr(0, length)
+                  : outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }
 
 bool GitQueries::isMerged(const std::string& revision) const {

@@ -56,7 +56,8 @@ public:
     [[nodiscard]] bool isUnknownRevision(const std::string& revision) const;
     /// Returns whether HEAD names no commit yet. Runs git only in a bare repository.
     [[nodiscard]] bool isWithoutCommits() const;
-    /// Returns the current commit of HEAD, 12 characters; absent before the first commit.
+    /// Returns the current commit of HEAD, 12 characters; absent before the first commit. Runs git
+    /// only if the commit is not in a file, as in a linked worktree.
     [[nodiscard]] std::optional<std::string> headCommit() const;
     /// Returns whether HEAD contains the revision.
     [[nodiscard]] bool isMerged(const std::string& revision) const;

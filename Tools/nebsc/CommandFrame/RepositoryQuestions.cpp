@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Session/GitProgram.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -41,11 +43,8 @@ std::optional<std::string_view> takeLine(std::string_view& text) {
 /// git repeats an argument that it does not understand; no such line has the form of an id, because
 /// the arguments end with "}" or are "HEAD".
 std::optional<std::string> takeCommit(std::string_view& text) {
-    constexpr std::string_view digits = "0123456789abcdef";
     const auto line = takeLine(text);
-    return line && !line->empty() && line->find_first_not_of(digits) == std::string_view::npos
-               ? std::optional(std::string(*line))
-               : std::nullopt;
+    return line && isObjectId(*line) ? std::optional(std::string(*line)) : std::nullopt;
 }
 
 /// The top may contain line ends, but ends before the commit of HEAD, which is the last line.

@@ -34,11 +34,6 @@ SettledConflicts unknownConflicts(std::string reason) {
     return {.files = std::nullopt, .failure = std::move(reason)};
 }
 
-/// git repeats a revision that it does not know, which has other characters.
-bool isCommitId(const std::string& line) {
-    return !line.empty() && line.find_first_not_of("0123456789abcdef") == std::string::npos;
-}
-
 std::string shortened(const std::string& commit) {
     constexpr std::size_t length = 12;
     return commit.substr(0, length);
@@ -48,10 +43,11 @@ std::string shortened(const std::string& commit) {
 
 // ---- before the merge -------------------------------------------------------------------------
 
+/// git repeats a revision that it does not know, which has other characters than an id.
 /// git-rev-parse(1) prints the right side of "A...B", the left side, and the merge bases with "^".
 std::optional<SettledConflictSearch::Sides> SettledConflictSearch::sidesIn(
     const std::vector<std::string>& lines) {
-    if (lines.size() < 2 || !isCommitId(lines[0]) || !isCommitId(lines[1])) {
+    if (lines.size() < 2 || !isObjectId(lines[0]) || !isObjectId(lines[1])) {
         return std::nullopt;
     }
     Sides sides{.kept = lines[1], .leftOut = lines[0]};
@@ -62,7 +58,7 @@ std::optional<SettledConflictSearch::Sides> SettledConflictSearch::sidesIn(
             sides.contained = base;
         }
     }
-    sides.wasMerging = next < lines.size() && isCommitId(lines[next]);
+    sides.wasMerging = next < lines.size() && isObjectId(lines[next]);
     return sides;
 }
 

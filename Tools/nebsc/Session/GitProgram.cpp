@@ -111,6 +111,10 @@ std::string reasonOf(const ChildOutcome& outcome) {
     return reason.empty() ? outcome.status.description() : reason;
 }
 
+bool isObjectId(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
 std::vector<std::string> splitAtNUL(std::string_view bytes) {
     std::vector<std::string> texts;
     while (!bytes.empty()) {

@@ -50,6 +50,10 @@ struct GitSurroundings {
 /// lines are appended: "unknown repository extensions found: foo, bar".
 [[nodiscard]] std::string reasonOf(const ChildOutcome& outcome);
 
+/// Returns whether the text has the form of an object id, as git prints it: lower-case hexadecimal
+/// digits. Does not check how many, which depends on the hash of the repository.
+[[nodiscard]] bool isObjectId(std::string_view text);
+
 /// Splits output that git wrote with "-z", where a NUL byte ends each entry.
 [[nodiscard]] std::vector<std::string> splitAtNUL(std::string_view bytes);
 

@@ -78,8 +78,12 @@ void NEBSourceControlOperation::deliverBatch(NEBSourceControlResult batch) {
     if (count > 0 && isCancelled()) {
         setError(NEBSourceControlCancelledError());
     } else if (count > 0) {
+        const auto begin = std::chrono::steady_clock::now();
         _recordSink(std::move(batch));
         _deliveredRecordCount += count;
+        if (_startTime) {
+            *_startTime += std::chrono::steady_clock::now() - begin;
+        }
     }
 }
 

@@ -153,7 +153,8 @@ private:
     std::optional<NEBSourceControlError> _error;
     std::shared_ptr<NEBSourceControlCommandLog> _commandLog;
     NEBSourceControlLimits _limits;
-    std::optional<std::chrono::steady_clock::time_point> _startTime;  // of the total time
+    // of the total time; later by the time that the sink has taken
+    std::optional<std::chrono::steady_clock::time_point> _startTime;
     bool _isBackgroundWork = false;
     bool _outputWasHeldOpen = false;
 };

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
 #include "Support/Matchers.h"
@@ -69,6 +71,33 @@ TEST_F(Limits, AnOperationOfAnotherHasWhatIsLeftOfItsTime) {
     inner->start();
     EXPECT_THAT(inner->error(), HasErrorClass(NEBSourceControlTimedOutErrorClass));
     EXPECT_EQ(inner->terminationStatus(), std::nullopt) << "nothing was started";
+}
+
+/// Has one record, and shows the limits that a child would have.
+class OneRecord : public NEBSourceControlOperation {
+public:
+    using NEBSourceControlOperation::NEBSourceControlOperation;
+    using NEBSourceControlOperation::remainingLimits;
+    void main() override { setResult({{NEBDictionary()}}); }
+};
+
+TEST_F(Limits, TheTimeOfTheSinkDoesNotCount) {
+    constexpr milliseconds total(200);
+    const auto request = test::requestFor(NEBSourceControlRequestLog, std::nullopt);
+    OneRecord outer(request);
+    OneRecord list(request);
+    outer.setLimits({.total = total});
+    outer.setRecordSink(
+        [&](const NEBSourceControlResult& /*records*/) { std::this_thread::sleep_for(total); });
+    outer.deliverRecordsOf(list);
+    list.inheritLimits(outer);
+    list.start();
+    EXPECT_EQ(outer.deliveredRecordCount(), 1U);
+    outer.start();
+    EXPECT_EQ(outer.deliveredRecordCount(), 2U);
+    OneRecord next(request);
+    next.inheritLimits(outer);
+    EXPECT_GT(next.remainingLimits().total, milliseconds(0));
 }
 
 TEST_F(Limits, WithoutAnyTheOperationTakesItsTime) {

@@ -13,8 +13,13 @@ using std::chrono::milliseconds;
 
 /// The time between SIGTERM and SIGKILL, and between SIGKILL and giving up.
 constexpr milliseconds endingGrace{2000};
-/// The time that sessions get to stop after SIGSTOP.
-constexpr milliseconds stoppingGrace{100};
+/// The time that processes get to stop after SIGSTOP. On a busy machine they may have to wait until
+/// they run again, and could create a file until then.
+constexpr milliseconds stoppingGrace{2000};
+/// The time for those that are blocked in the kernel.
+constexpr milliseconds blockedGrace{100};
+/// The longest time between two looks at the processes, which get a processor in between.
+constexpr milliseconds longestStopCheck{16};
 /// The time, after the end of the last child, that other processes may keep its streams open. The
 /// background processes of git close them within 31 ms; only those of hooks take longer.
 constexpr milliseconds streamGrace{250};
@@ -224,17 +229,30 @@ void ChildPipeline::reportStoppedProcesses() {
         return;
     }
     signalAll(SIGSTOP);
-    const Moment deadline = Clock::now() + stoppingGrace;
-    const auto isStopped = [](const PipelineChild& child) { return child.isSessionStopped(); };
-    while (!std::all_of(_children.begin(), _children.end(), isStopped) && Clock::now() < deadline) {
-        ::poll(nullptr, 0, 1);
-    }
+    waitUntilStopped();
     std::vector<pid_t> processes;
     for (const PipelineChild& child : _children) {
         const std::vector<pid_t> live = child.liveProcesses();
         processes.insert(processes.end(), live.begin(), live.end());
     }
     _observers.stopped(processes);
+}
+
+void ChildPipeline::waitUntilStopped() const {
+    const Moment begin = Clock::now();
+    milliseconds pause{1};
+    while (true) {
+        StopProgress progress = StopProgress::complete;
+        for (const PipelineChild& child : _children) {
+            progress = std::max(progress, child.stopProgress());
+        }
+        const auto grace = progress == StopProgress::running ? stoppingGrace : blockedGrace;
+        if (progress == StopProgress::complete || Clock::now() >= begin + grace) {
+            return;
+        }
+        ::poll(nullptr, 0, static_cast<int>(pause.count()));
+        pause = std::min(2 * pause, longestStopCheck);
+    }
 }
 
 void ChildPipeline::advanceEnding() {

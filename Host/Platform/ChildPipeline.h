@@ -62,6 +62,7 @@ private:
     void checkLimits();
 
     void reportStoppedProcesses();
+    void waitUntilStopped() const;
     void advanceEnding();
     void signalAll(int signalNumber);
 

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -96,12 +97,16 @@ std::vector<pid_t> liveMembers(pid_t session) {
     return members;
 }
 
-bool isSessionStopped(pid_t session) {
-    bool areStopped = true;
+StopProgress stopProgressOf(pid_t session) {
+    StopProgress progress = StopProgress::complete;
     forEachLiveMember(session, [&](pid_t, const ProcessState& process) {
-        areStopped = areStopped && (process.state == 'T' || process.state == 't');
+        const bool isStopped = process.state == 'T' || process.state == 't';
+        const bool isBlocked = process.state == 'D';
+        progress = std::max(progress, isStopped   ? StopProgress::complete
+                                      : isBlocked ? StopProgress::blocked
+                                                  : StopProgress::running);
     });
-    return areStopped;
+    return progress;
 }
 
 bool killIfFromChild(pid_t process, pid_t session) {

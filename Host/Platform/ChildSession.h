@@ -20,8 +20,18 @@ void signalMembers(pid_t session, int signalNumber);
 /// Returns the live processes of the session. A zombie is not live.
 [[nodiscard]] std::vector<pid_t> liveMembers(pid_t session);
 
-/// Whether all live processes of the session are stopped, as they are soon after SIGSTOP.
-[[nodiscard]] bool isSessionStopped(pid_t session);
+/// How far the processes of a session have come after SIGSTOP, from the last stage to the first.
+enum class StopProgress {
+    /// All live processes are stopped.
+    complete,
+    /// The others wait in the kernel, and stop only when that wait ends. It may be for a process
+    /// that is stopped itself, after vfork(2).
+    blocked,
+    /// A process can still run, and stops as soon as it does.
+    running,
+};
+
+[[nodiscard]] StopProgress stopProgressOf(pid_t session);
 
 /// Kills a process that holds a pipe of the child that led the session, if it certainly got the
 /// pipe from that child: it is in the session, or it runs another program than this process (a fork

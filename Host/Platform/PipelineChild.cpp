@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <utility>
 
-#include "Platform/ChildSession.h"
 #include "Platform/ChildSpawn.h"
 #include "Platform/ErrnoText.h"
 #include "Platform/PipeWriters.h"
@@ -147,8 +146,8 @@ std::vector<pid_t> PipelineChild::liveProcesses() const {
     return _state == State::notStarted ? std::vector<pid_t>() : liveMembers(_pid);
 }
 
-bool PipelineChild::isSessionStopped() const {
-    return _state == State::notStarted || neb::isSessionStopped(_pid);
+StopProgress PipelineChild::stopProgress() const {
+    return _state == State::notStarted ? StopProgress::complete : stopProgressOf(_pid);
 }
 
 // ---- the streams ------------------------------------------------------------------------------

@@ -9,6 +9,7 @@
 
 #include "Platform/CapturedStream.h"
 #include "Platform/ChildRun.h"
+#include "Platform/ChildSession.h"
 #include "Platform/FileDescriptor.h"
 
 namespace neb {
@@ -60,8 +61,8 @@ public:
     void signalSession(int signalNumber) const;
     /// Returns the live processes of the session.
     [[nodiscard]] std::vector<pid_t> liveProcesses() const;
-    /// Whether all live processes of the session are stopped.
-    [[nodiscard]] bool isSessionStopped() const;
+    /// How far the live processes of the session have come after SIGSTOP.
+    [[nodiscard]] StopProgress stopProgress() const;
 
     CapturedStream output;
     CapturedStream errorOutput;

@@ -3,9 +3,12 @@
 #include "Platform/ChildSession.h"
 
 #include <gmock/gmock.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <array>
 
 #include "Platform/PipeWriters.h"
 #include "Support/HygienicTest.h"
@@ -49,6 +52,48 @@ TEST_F(ChildSessionTest, SignalsMembersByTheirOwnNumbers) {
     int status = 0;
     EXPECT_EQ(::waitpid(pid, &status, 0), pid);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGUSR1);
+}
+
+void awaitStopProgress(pid_t session, StopProgress progress) {
+    while (stopProgressOf(session) != progress) {
+        ::usleep(1000);
+    }
+}
+
+void endSession(pid_t session) {
+    signalSession(session, SIGKILL);
+    EXPECT_EQ(::waitpid(session, nullptr, 0), session);
+}
+
+TEST_F(ChildSessionTest, ARunningSessionStopsAfterSIGSTOP) {
+    const pid_t pid = startSession();
+    EXPECT_EQ(stopProgressOf(pid), StopProgress::running);
+    signalSession(pid, SIGSTOP);
+    awaitStopProgress(pid, StopProgress::complete);
+    endSession(pid);
+}
+
+/// Stops itself, so that its parent waits after vfork(2).
+int stopForever(void* /*unused*/) {
+    while (true) {
+        ::raise(SIGSTOP);
+    }
+}
+
+TEST_F(ChildSessionTest, AProcessThatWaitsInTheKernelIsBlocked) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::setsid();
+        static std::array<char, 1U << 16> stack;
+        static_cast<void>(
+            ::clone(stopForever, stack.data() + stack.size(), CLONE_VFORK | SIGCHLD, nullptr));
+        ::_exit(0);
+    }
+    while (::getsid(pid) != pid) {
+        ::usleep(1000);
+    }
+    awaitStopProgress(pid, StopProgress::blocked);
+    endSession(pid);
 }
 
 TEST_F(ChildSessionTest, FindsTheWritersOfAPipeAndNotItsReaders) {

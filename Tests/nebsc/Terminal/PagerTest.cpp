@@ -40,6 +40,10 @@ protected:
         return runNebsc(arguments,
                         {.folder = repository.path(), .variables = all, .output = output});
     }
+    /// The output is complete when its first line is printed.
+    [[nodiscard]] NebscOutcome blame(Variables variables) const {
+        return diff(std::move(variables), NebscOutput::terminal, {"blame", "a"});
+    }
     [[nodiscard]] std::string patchOnTerminal() const {
         std::string text;
         for (const char character : repository.git({"diff"})) {
@@ -87,7 +91,7 @@ TEST_F(Pager, IsNotUsedForFilesJSONOrShortOutput) {
     EXPECT_THAT(diff({{"PAGER", marking}}, NebscOutput::terminal, {"diff", "--json"}).output,
                 testing::StartsWith("{\"type\":30"));
     repository.write("a", linesOf(3));
-    EXPECT_EQ(diff({{"PAGER", marking}}).output, patchOnTerminal());
+    EXPECT_THAT(blame({{"PAGER", marking}}).output, testing::StartsWith("------------  Not"));
 }
 
 TEST_F(Pager, ShowsTheOutputIfThePagerCannotBeStarted) {
@@ -110,12 +114,12 @@ TEST_F(Pager, MayEndEarly) {
 }
 
 TEST_F(Pager, ReceivesCtrlCInsteadOfNebsc) {
-    const NebscOutcome outcome = diff({{"PAGER", "kill -INT $PPID; sed s/^/p:/"}});
-    EXPECT_THAT(outcome.output, testing::EndsWith("\r\np:+x\r\n"));
+    const NebscOutcome outcome = blame({{"PAGER", "kill -INT $PPID; sed s/^/p:/"}});
+    EXPECT_THAT(outcome.output, testing::EndsWith("  40  x\r\n"));
     EXPECT_EQ(outcome.exitStatus, 0);
     // The pager has the signal actions that nebsc was started with.
-    EXPECT_EQ(diff({{"PAGER", "kill -INT $$; echo lived"}}).output, "");
-    EXPECT_EQ(diff({{"PAGER", "kill -PIPE $$; echo lived"}}).output, "");
+    EXPECT_EQ(blame({{"PAGER", "kill -INT $$; echo lived"}}).output, "");
+    EXPECT_EQ(blame({{"PAGER", "kill -PIPE $$; echo lived"}}).output, "");
 }
 
 /// The terminal side of a pseudo-terminal of 5 rows with 10 columns.

@@ -21,6 +21,8 @@ namespace {
 
 /// At least what an ordinary pipe holds.
 constexpr std::size_t pipeCapacity = std::size_t{1} << 16;
+/// The longest time for which text is held back. Most short output is complete earlier.
+constexpr int longestHoldMilliseconds = 100;
 
 bool isRegularFile(int descriptor) {
     struct stat status {};
@@ -68,12 +70,18 @@ int writeUntil(int stop, int descriptor, std::string_view text) {
 StreamedOutput::StreamedOutput(PagerChoice chooses) : _choosesPager(std::move(chooses)) {}
 
 StreamedOutput::~StreamedOutput() {
+    stopHoldTimer();
     stopWatching();
 }
 
 // ---- writing ----------------------------------------------------------------------------------
 
 bool StreamedOutput::write(std::string_view text) {
+    const MutexLock lock(_writing);
+    return writeText(text);
+}
+
+bool StreamedOutput::writeText(std::string_view text) {
     if (!isWanted() || text.empty()) {
         _hasDiscardedText = _hasDiscardedText || (_isStopped && !text.empty());
         return isWanted();
@@ -83,12 +91,9 @@ bool StreamedOutput::write(std::string_view text) {
     } else if (_isOpen) {
         writeDirectly(text);
     } else if (_choosesPager && canHavePager(STDOUT_FILENO)) {
-        _heldText += text;
-        if (needsPager(STDOUT_FILENO, _heldText)) {
-            openFor(std::exchange(_heldText, {}));
-        }
+        hold(text);
     } else {
-        openFor(text);
+        openFor(text, false);
     }
     return isWanted();
 }
@@ -98,11 +103,47 @@ void StreamedOutput::stop() {
     _stop.wake();
 }
 
+void StreamedOutput::hold(std::string_view text) {
+    _heldText += text;
+    if (needsPager(STDOUT_FILENO, _heldText)) {
+        openFor(std::exchange(_heldText, {}), true);
+    } else {
+        startHoldTimer();
+    }
+}
+
+void StreamedOutput::startHoldTimer() {
+    if (_isReaderObserved && !_holdTimer.joinable()) {
+        _endOfHold.emplace();
+        _holdTimer = startSignalFreeThread([this] { endHoldInTime(); });
+    }
+}
+
+void StreamedOutput::stopHoldTimer() {
+    if (_holdTimer.joinable()) {
+        _endOfHold->wake();
+        _holdTimer.join();
+    }
+}
+
+void StreamedOutput::endHoldInTime() {
+    pollfd end{.fd = _endOfHold->descriptor(), .events = POLLIN, .revents = 0};
+    if (::poll(&end, 1, longestHoldMilliseconds) != 0) {
+        return;
+    }
+    const MutexLock lock(_writing);
+    try {
+        if (!_heldText.empty() && isWanted()) {
+            openFor(std::exchange(_heldText, {}), true);
+        }
+    } catch (...) {  // nothing else than memory can be missing
+        _failure = ENOMEM;
+    }
+}
+
 /// Opens the output and writes its first text.
-void StreamedOutput::openFor(std::string_view text) {
-    const auto command = _choosesPager && needsPager(STDOUT_FILENO, text)
-                             ? _choosesPager()
-                             : std::optional<std::string>();
+void StreamedOutput::openFor(std::string_view text, bool throughPager) {
+    const auto command = throughPager ? _choosesPager() : std::optional<std::string>();
     _isOpen = true;
     if (command) {
         openPager(*command);
@@ -176,8 +217,9 @@ void StreamedOutput::endPager() {
 }
 
 void StreamedOutput::finish(CommandOutput& output) {
+    stopHoldTimer();
     if (!_heldText.empty()) {
-        openFor(std::exchange(_heldText, {}));
+        openFor(std::exchange(_heldText, {}), false);
     }
     if (_pager) {
         endPager();
@@ -233,6 +275,7 @@ StreamedOutput::Reader::Reader(StreamedOutput& output, std::function<void()> lef
 }
 
 StreamedOutput::Reader::~Reader() {
+    _output.stopHoldTimer();
     _output._isReaderObserved = false;
     const MutexLock lock(_output._mutex);
     _output._left = nullptr;

@@ -29,13 +29,16 @@
 namespace neb::nebsc {
 
 /// Writes text to standard output at once. On a terminal, text may go to the user's pager: it is
-/// held back until it is more than the terminal shows, or complete. Not thread-safe unless stated.
+/// held back until it is more than the terminal shows, or complete, but while a Reader exists not
+/// longer than 100 ms. Then the pager shows it as it comes, such as less with its option -F. Not
+/// thread-safe unless stated.
 class StreamedOutput {
 public:
     /// Returns the shell command of the pager; absent if the user wants none.
     using PagerChoice = std::function<std::optional<std::string>()>;
 
-    /// `chooses` is called when a pager is needed. Empty: no pager is used.
+    /// `chooses` is called when a pager is needed, perhaps on another thread during write() or
+    /// before the end of the Reader. Empty: no pager is used.
     explicit StreamedOutput(PagerChoice chooses = nullptr);
     StreamedOutput(const StreamedOutput&) = delete;
     StreamedOutput& operator=(const StreamedOutput&) = delete;
@@ -75,7 +78,12 @@ public:
 
 private:
     [[nodiscard]] bool isWanted() const { return !_isStopped && !_hasLostReader && !hasFailed(); }
-    void openFor(std::string_view text);
+    [[nodiscard]] bool writeText(std::string_view text);
+    void hold(std::string_view text);
+    void startHoldTimer();
+    void stopHoldTimer();
+    void endHoldInTime();
+    void openFor(std::string_view text, bool throughPager);
     void openDirectly();
     void openPager(const std::string& command);
     [[nodiscard]] bool writeTo(int descriptor, std::string_view text);
@@ -88,9 +96,13 @@ private:
     void watch(int descriptor);
 
     PagerChoice _choosesPager;
+    /// Locked by write() and by the thread of the hold timer: everything below, until _mutex.
+    Mutex _writing;
     bool _isReaderObserved = false;
     bool _isOpen = false;
     std::string _heldText;
+    std::optional<Wake> _endOfHold;
+    std::thread _holdTimer;
     std::optional<Pager> _pager;
     std::string _pagerCommand;
     /// What the pager was given, as long as the pipe could hold all of it: a pager that cannot be

@@ -76,7 +76,7 @@ TEST_F(ChildSessionTest, ARunningSessionStopsAfterSIGSTOP) {
 /// Stops itself, so that its parent waits after vfork(2).
 int stopForever(void* /*unused*/) {
     while (true) {
-        ::raise(SIGSTOP);
+        static_cast<void>(::raise(SIGSTOP));
     }
 }
 

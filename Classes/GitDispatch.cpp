@@ -3,7 +3,17 @@
 #include <algorithm>
 #include <iterator>
 
+#include "GitExtensions/GitAnnotation.h"
+#include "GitExtensions/GitChanges.h"
+#include "GitExtensions/GitContent.h"
+#include "GitExtensions/GitHistory.h"
 #include "GitExtensions/GitReferences.h"
+#include "GitExtensions/GitSettings.h"
+#include "GitExtensions/GitSubmodules.h"
+#include "GitExtensions/GitTree.h"
+#include "GitExtensions/GitUnfinishedOperation.h"
+#include "GitExtensions/GitWorkingCopyState.h"
+#include "GitExtensions/GitWorktrees.h"
 #include "GitOperations/GitBlame.h"
 #include "GitOperations/GitBranch.h"
 #include "GitOperations/GitCheckout.h"
@@ -228,7 +238,17 @@ constexpr DispatchRow dispatchRows[] = {
      &make<GitTrackingBranchNameOperation>,
      {{&branch, 183}}},
     {NEBSourceControlRequestMergeBase, &make<GitMergeBaseOperation>},
+    {NEBSourceControlRequestWorkingCopyState, &make<GitWorkingCopyStateOperation>},
+    {NEBSourceControlRequestHistory, &make<GitHistoryOperation>},
+    {NEBSourceControlRequestContent, &make<GitContentOperation>, {{&oneFile, 1002}}},
+    {NEBSourceControlRequestAnnotation, &make<GitAnnotationOperation>, {{&oneFile, 1003}}},
+    {NEBSourceControlRequestChanges, &make<GitChangesOperation>},
     {NEBSourceControlRequestReferences, &make<GitReferencesOperation>},
+    {NEBSourceControlRequestUnfinishedOperation, &make<GitUnfinishedOperation>},
+    {NEBSourceControlRequestSubmodules, &make<GitSubmodulesOperation>},
+    {NEBSourceControlRequestWorktrees, &make<GitWorktreesOperation>},
+    {NEBSourceControlRequestSettings, &make<GitSettingsOperation>},
+    {NEBSourceControlRequestTree, &make<GitTreeOperation>},
 };
 
 const DispatchRow* rowOfType(std::int32_t type) {

@@ -1,11 +1,52 @@
 #include "GitExtensions/GitExtension.h"
 
+#include <algorithm>
+
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+
 namespace neb {
 
 GitReadingOperation::GitReadingOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
     setMayFetchObjects(asked.option(NEBSourceControlRequestOptionFetchMissingObjects).boolValue());
+}
+
+void GitReadingOperation::appendPaths(std::vector<std::string>& arguments) const {
+    arguments.emplace_back("--");
+    appendFiles(arguments);
+}
+
+std::optional<NEBSourceControlError> GitReadingOperation::diagnoseFailure(
+    std::string_view text) const {
+    constexpr int usageError = 129;
+    const bool isUsage = terminationStatus() && terminationStatus()->exitStatus() == usageError;
+    if (_requiredGit.empty() || !isUsage || text.find("unknown ") == std::string_view::npos) {
+        return std::nullopt;
+    }
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        "This type of request needs git " + std::string(_requiredGit) + " or later.");
+    error.errorClass = NEBSourceControlRequestInvalidErrorClass;
+    return error;
+}
+
+std::string gitPathFromTop(const NEBSourceControlRequest& request) {
+    if (request.fileCount() == 0 || !request.files->front().isPresent()) {
+        return {};
+    }
+    std::string path = request.files->front().description();
+    const auto& location = request.sourceTree ? request.sourceTree->location : std::nullopt;
+    const auto top = location ? pathOfLocation(*location) : std::nullopt;
+    if (top && (path == *top || path.starts_with(pathByAppendingComponent(*top, "")))) {
+        path.erase(0, std::min(path.size(), pathByAppendingComponent(*top, "").size()));
+    }
+    while (path.ends_with('/')) {
+        path.pop_back();
+    }
+    return path;
 }
 
 void GitNULRecordParser::parseLastPiece(const Data& /*output*/, std::string_view /*piece*/,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,23 @@ namespace neb {
 class GitReadingOperation : public GitOperation {
 public:
     explicit GitReadingOperation(std::shared_ptr<NEBSourceControlRequest> request);
+
+protected:
+    /// Declares that the command needs this version of git: "2.36". The error of an older git,
+    /// which does not know an option, says so.
+    void setRequiredGit(std::string_view version) { _requiredGit = version; }
+    /// Appends "--" and the files of the request.
+    void appendPaths(std::vector<std::string>& arguments) const;
+    [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
+        std::string_view text) const override;
+
+private:
+    std::string_view _requiredGit;
 };
+
+/// Returns the path of the request's first file, relative to the location of the source tree if it
+/// lies there, without "/" at its end; empty without a file.
+[[nodiscard]] std::string gitPathFromTop(const NEBSourceControlRequest& request);
 
 /// Parses pieces that end with a NUL byte, as git prints with its option -z.
 class GitNULRecordParser : public NEBSourceControlRecordParser {

@@ -1,14 +1,32 @@
 #include "GitExtensions/GitRecordFields.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 
+#include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "Platform/Text.h"
 
 namespace neb {
 
 namespace {
+
+struct StateLetter {
+    char letter;
+    std::string_view state;
+};
+
+constexpr StateLetter stateLetters[] = {
+    {'A', "added"},   {'C', "copied"},       {'D', "deleted"},  {'M', "modified"},
+    {'R', "renamed"}, {'T', "type changed"}, {'U', "conflict"},
+};
+
+/// Whether the text has a character other than zeros.
+bool isNotZero(std::string_view text) {
+    return text.find_first_not_of('0') != std::string_view::npos;
+}
 
 /// Parses the whole text; absent if it is not an integer.
 std::optional<std::int64_t> integerOf(std::string_view text) {
@@ -39,11 +57,51 @@ void gitSetText(NEBDictionary& record, NEBConstant key, const Data& output,
     }
 }
 
+void gitSetText(NEBDictionary& record, NEBConstant key, const std::string& text) {
+    const Data copy(text);
+    gitSetText(record, key, copy, copy);
+}
+
 void gitSetName(NEBDictionary& record, const GitNameKeys& keys, const Data& output,
                 std::string_view field) {
     gitSetText(record, keys.text, output, field);
     if (!isUTF8(field)) {
         record.set(keys.bytes, NEBValue::ofBytes(field));
+    }
+}
+
+void gitSetName(NEBDictionary& record, const GitNameKeys& keys, const std::string& name) {
+    const Data copy(name);
+    gitSetName(record, keys, copy, copy);
+}
+
+void gitSetQuotedName(NEBDictionary& record, const GitNameKeys& keys, std::string_view field) {
+    gitSetName(record, keys, gitUnquotedName(field));
+}
+
+void gitSetObjectID(NEBDictionary& record, NEBConstant key, std::string_view field) {
+    if (isNotZero(field)) {
+        record.set(key, field);
+    }
+}
+
+void gitSetMode(NEBDictionary& record, NEBConstant key, std::string_view field) {
+    if (isNotZero(field)) {
+        record.set(key, field);
+    }
+}
+
+void gitSetState(NEBDictionary& record, NEBConstant key, std::string_view field) {
+    const auto* row =
+        std::ranges::find(stateLetters, field.empty() ? ' ' : field.front(), &StateLetter::letter);
+    if (row != std::end(stateLetters)) {
+        record.set(key, row->state);
+    }
+}
+
+void gitSetSimilarity(NEBDictionary& record, std::string_view field) {
+    if (!field.empty()) {
+        gitSetInteger(record, NEBSourceControlOperationSimilarityKey, field.substr(1));
     }
 }
 
@@ -62,6 +120,20 @@ void gitSetTime(NEBDictionary& record, const GitTimeKeys& keys, std::string_view
         record.set(keys.seconds, *seconds);
         record.set(keys.offset, *minutes);
     }
+}
+
+void gitSetTimeZone(NEBDictionary& record, NEBConstant key, std::string_view field) {
+    if (const auto minutes = minutesOf(field)) {
+        record.set(key, *minutes);
+    }
+}
+
+NEBValue gitTextOrBytes(const Data& output, std::string_view field) {
+    return isUTF8(field) ? NEBValue(output, field) : NEBValue::ofBytes(field);
+}
+
+std::string gitUnquotedName(std::string_view field) {
+    return field.starts_with('"') ? NEBSourceControlUnquotedPath(field) : std::string(field);
 }
 
 }  // namespace neb

@@ -7,11 +7,6 @@ namespace neb {
 
 namespace {
 
-constexpr GitNameKeys upstreamKeys{NEBSourceControlOperationUpstreamKey,
-                                   NEBSourceControlOperationUpstreamBytesKey};
-constexpr GitNameKeys worktreeKeys{NEBSourceControlOperationWorktreeKey,
-                                   NEBSourceControlOperationWorktreeBytesKey};
-
 /// Reads "ahead 2, behind 1", "ahead 2", "behind 1", "gone"; nothing if there is no difference.
 void setTrack(NEBDictionary& record, std::string_view track) {
     if (!record.contains(NEBSourceControlOperationUpstreamKey)) {
@@ -63,11 +58,11 @@ constexpr Field fields[] = {
              record.set(NEBSourceControlOperationIsCurrentKey, true);
          }
      }},
-    {"%(upstream)", setName<upstreamKeys>},
+    {"%(upstream)", setName<gitUpstreamKeys>},
     {"%(upstream:track,nobracket)", [](NEBDictionary& record, const Data& /*output*/,
                                        std::string_view field) { setTrack(record, field); }},
     {"%(contents:subject)", setText<NEBSourceControlOperationSubjectKey>},
-    {"%(worktreepath)", setName<worktreeKeys>},
+    {"%(worktreepath)", setName<gitWorktreeKeys>},
 };
 
 std::string formatOption() {

@@ -80,6 +80,14 @@ protected:
 
     void waitUntilAllOperationsAreFinished() { _subOperations.wait(*this); }
 
+    /// Runs an operation until it has finished, and returns it.
+    template <typename Op>
+    std::shared_ptr<Op> runOperation(std::shared_ptr<Op> operation) {
+        _subOperations.add(*this, operation);
+        waitUntilAllOperationsAreFinished();
+        return operation;
+    }
+
     /// Runs an operation for the request until it has finished.
     template <typename Op>
     std::shared_ptr<Op> run(std::shared_ptr<NEBSourceControlRequest> request) {

@@ -55,6 +55,7 @@ public:
         check(NEBSourceControlExposedDestination, "destination", textOf(_request.destination));
         check(NEBSourceControlExposedStartingRevision, "startingRevision",
               textOf(_request.startingRevision));
+        checkStartingRevisions();
         check(NEBSourceControlExposedEndingRevision, "endingRevision",
               textOf(_request.endingRevision));
         for (std::size_t i = 0; i < _request.fileCount(); ++i) {
@@ -81,6 +82,21 @@ private:
 
     void checkOption(NEBSourceControlExposedValue value, NEBConstant key) {
         check(value, fieldOf(key), textOf(_request.option(key)));
+    }
+
+    /// The option is an array, or the only element of one.
+    void checkStartingRevisions() {
+        constexpr NEBConstant key = NEBSourceControlRequestOptionStartingRevisions;
+        const NEBValue& value = _request.option(key);
+        const auto* elements = value.array();
+        if (elements == nullptr) {
+            checkOption(NEBSourceControlExposedStartingRevision, key);
+            return;
+        }
+        for (std::size_t i = 0; i < elements->size(); ++i) {
+            check(NEBSourceControlExposedStartingRevision,
+                  fieldOf(key) + "[" + std::to_string(i) + "]", textOf((*elements)[i]));
+        }
     }
 
     void checkFile(std::size_t index) {

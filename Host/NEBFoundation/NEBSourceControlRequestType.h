@@ -101,9 +101,29 @@ enum NEBSourceControlRequestType : std::int32_t {
 
     // The types from 1000 on return full ids and names of any bytes.
 
+    /// `git status`: returns the branch and the state of each changed path.
+    NEBSourceControlRequestWorkingCopyState = 1000,
+    /// `git log`: returns commits with their parents and, by option, their changed files.
+    NEBSourceControlRequestHistory = 1001,
+    /// `git cat-file`: returns the content of the only file of `files`.
+    NEBSourceControlRequestContent = 1002,
+    /// `git blame`: returns the commit of each line of the only file of `files`.
+    NEBSourceControlRequestAnnotation = 1003,
+    /// `git diff`: returns the changed files with their hunks.
+    NEBSourceControlRequestChanges = 1004,
     /// `git for-each-ref`: returns branches, remote branches and tags, or those below
     /// `destination`.
     NEBSourceControlRequestReferences = 1008,
+    /// `git rev-parse` and `git ls-files`: returns what is under way, and what is in conflict.
+    NEBSourceControlRequestUnfinishedOperation = 1010,
+    /// `git config` and `git ls-files`: returns the submodules with their state.
+    NEBSourceControlRequestSubmodules = 1016,
+    /// `git worktree list`: returns the worktrees of the repository.
+    NEBSourceControlRequestWorktrees = 1017,
+    /// `git var` and `git config`: returns the identity of the user, and settings.
+    NEBSourceControlRequestSettings = 1018,
+    /// `git ls-tree`: returns the entries of a folder in a commit.
+    NEBSourceControlRequestTree = 1019,
 };
 
 /// The types below this number have a row for each number, and each has a command of nebsc.

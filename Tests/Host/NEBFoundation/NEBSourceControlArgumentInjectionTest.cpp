@@ -210,6 +210,20 @@ TEST(ArgumentInjections, AreFoundOnBothSidesOfAPush) {
     }
 }
 
+TEST(ArgumentInjections, AreFoundInAnArrayOfRevisions) {
+    const auto refused = [](const NEBValue& revisions) {
+        auto request = requestFor(NEBSourceControlRequestHistory, "/w");
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionStartingRevisions, revisions}};
+        const auto found = NEBSourceControlFirstArgumentInjection(*request);
+        return found ? found->field + " " + found->value : "";
+    };
+    const std::string field = "options.NEBSourceControlRequestOptionStartingRevisions";
+    EXPECT_EQ(refused(std::vector<NEBValue>{"main", "--output=x"}), field + "[1] --output=x");
+    EXPECT_EQ(refused("-x"), field + " -x");
+    EXPECT_EQ(refused(std::vector<NEBValue>{"main", NEBValue(), "a-b"}), "");
+}
+
 TEST(ArgumentInjections, AnEmptyRequestHasNone) {
     NEBSourceControlRequest request;
     for (request.type = -1; request.type <= 40; ++request.type) {

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <set>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -348,7 +350,11 @@ TEST(Constants, HaveTheirOwnIdentifierAsText) {
     EXPECT_EQ(NEBSourceControlLocalRevisionName, "NEBSourceControlLocalRevisionName");
     EXPECT_EQ(NEBSourceControlErrorDomain, "NEBSourceControlErrorDomain");
     EXPECT_EQ(NEBSourceControlOperationWCStatusKey, "NEBSourceControlOperationWCStatusKey");
-    EXPECT_EQ(NEBSourceControlAllRequestOptions.size(), 13U);
+    std::set<std::string_view> options;
+    for (const NEBConstant option : NEBSourceControlAllRequestOptions) {
+        EXPECT_TRUE(option.text().starts_with("NEBSourceControlRequestOption")) << option.text();
+        EXPECT_TRUE(options.insert(option.text()).second) << option.text();
+    }
 }
 
 }  // namespace

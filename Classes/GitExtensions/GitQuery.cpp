@@ -1,0 +1,17 @@
+#include "GitExtensions/GitQuery.h"
+
+namespace neb {
+
+GitQueryOperation::GitQueryOperation(std::shared_ptr<NEBSourceControlRequest> request,
+                                     const std::vector<std::string>& arguments)
+    : GitReadingOperation(std::move(request)) {
+    setArgumentsBehindDefaults(arguments);
+    setEmptyOutputIsValid();
+}
+
+std::shared_ptr<GitQueryOperation> GitQueryComposite::runQuery(
+    std::shared_ptr<NEBSourceControlRequest> request, const std::vector<std::string>& arguments) {
+    return runOperation(std::make_shared<GitQueryOperation>(std::move(request), arguments));
+}
+
+}  // namespace neb

@@ -19,7 +19,6 @@ void requireCounts(const neb::NEBDictionary& file) {
     std::int64_t added = 0;
     std::int64_t deleted = 0;
     for (const neb::NEBValue& hunk : *hunks) {
-        requireText(*hunk.dictionary());
         for (const neb::NEBValue& line :
              *hunk.dictionary()->value(neb::NEBSourceControlOperationLinesKey).array()) {
             const neb::Data* raw = line.bytes();

@@ -71,16 +71,28 @@ inline std::string twelveCharactersOf(std::string_view text) {
     return start;
 }
 
-/// Requires that all strings in the record and its dictionaries are UTF-8.
+inline void requireText(const NEBDictionary& record);
+
+/// Requires that a string, and all strings in a dictionary or array, are UTF-8.
+inline void requireText(const NEBValue& value) {
+    if (const auto text = value.string()) {
+        require(isUTF8(*text), "a value is UTF-8");
+    }
+    if (const NEBDictionary* inner = value.dictionary()) {
+        requireText(*inner);
+    }
+    if (const auto* elements = value.array()) {
+        for (const NEBValue& element : *elements) {
+            requireText(element);
+        }
+    }
+}
+
+/// Requires that all strings in the record and its dictionaries and arrays are UTF-8.
 inline void requireText(const NEBDictionary& record) {
     for (const NEBDictionary::Entry& entry : record) {
         require(isUTF8(entry.key()), "a key is UTF-8");
-        if (const auto text = entry.value().string()) {
-            require(isUTF8(*text), "a value is UTF-8");
-        }
-        if (const NEBDictionary* inner = entry.value().dictionary()) {
-            requireText(*inner);
-        }
+        requireText(entry.value());
     }
 }
 

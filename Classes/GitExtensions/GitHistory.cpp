@@ -26,7 +26,7 @@ void setParents(NEBDictionary& record, const Data& output, std::string_view ids)
     if (!ids.empty()) {
         std::vector<NEBValue> parents;
         forEachField(ids, ' ',
-                     [&](std::string_view id) { parents.emplace_back(NEBValue(output, id)); });
+                     [&](std::string_view id) { parents.push_back(gitTextOrBytes(output, id)); });
         record.set(NEBSourceControlOperationParentsKey, std::move(parents));
     }
 }

@@ -81,13 +81,13 @@ void gitSetQuotedName(NEBDictionary& record, const GitNameKeys& keys, std::strin
 
 void gitSetObjectID(NEBDictionary& record, NEBConstant key, std::string_view field) {
     if (isNotZero(field)) {
-        record.set(key, field);
+        gitSetText(record, key, std::string(field));
     }
 }
 
 void gitSetMode(NEBDictionary& record, NEBConstant key, std::string_view field) {
     if (isNotZero(field)) {
-        record.set(key, field);
+        gitSetText(record, key, std::string(field));
     }
 }
 
@@ -126,6 +126,13 @@ void gitSetTimeZone(NEBDictionary& record, NEBConstant key, std::string_view fie
     if (const auto minutes = minutesOf(field)) {
         record.set(key, *minutes);
     }
+}
+
+NEBDictionary gitStage(std::int64_t stage, std::string_view mode, std::string_view id) {
+    NEBDictionary record{{NEBSourceControlOperationStageKey, stage}};
+    gitSetMode(record, NEBSourceControlOperationModeKey, mode);
+    gitSetObjectID(record, NEBSourceControlOperationObjectIDKey, id);
+    return record;
 }
 
 NEBValue gitTextOrBytes(const Data& output, std::string_view field) {

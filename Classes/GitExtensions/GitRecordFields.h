@@ -1,6 +1,7 @@
 // GitRecordFields.h - writes fields of git's output into records.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -72,6 +73,10 @@ void gitSetTime(NEBDictionary& record, const GitTimeKeys& keys, std::string_view
 
 /// Sets a time zone, "+0200", in minutes. Does nothing for other text.
 void gitSetTimeZone(NEBDictionary& record, NEBConstant key, std::string_view field);
+
+/// Returns a version of a file in conflict, for NEBSourceControlOperationStagesKey.
+[[nodiscard]] NEBDictionary gitStage(std::int64_t stage, std::string_view mode,
+                                     std::string_view id);
 
 /// Returns a string, or bytes if the field is not UTF-8.
 [[nodiscard]] NEBValue gitTextOrBytes(const Data& output, std::string_view field);

@@ -69,9 +69,7 @@ NEBDictionary recordOf(const RepositoryFolder& folder, const Row& row) {
         return file.empty() ? std::string() : folder.firstLine(file);
     };
     const auto setID = [&](NEBConstant key, std::string_view file) {
-        if (const std::string id = lineOf(file); !id.empty()) {
-            record.set(key, id);
-        }
+        gitSetText(record, key, lineOf(file));
     };
     setID(NEBSourceControlOperationObjectIDKey, row.commit);
     gitSetInteger(record, NEBSourceControlOperationStepKey, lineOf(row.step));
@@ -138,9 +136,7 @@ protected:
         }
         _path = scanner.rest();
         _stageBits |= 1U << static_cast<unsigned>(stage);
-        _stages.emplace_back(NEBDictionary{{NEBSourceControlOperationStageKey, stage},
-                                           {NEBSourceControlOperationModeKey, mode},
-                                           {NEBSourceControlOperationObjectIDKey, id}});
+        _stages.emplace_back(gitStage(stage, mode, id));
     }
 
     void finish(NEBSourceControlResult& records) override {

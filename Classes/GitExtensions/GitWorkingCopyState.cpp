@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
 #include <optional>
 
@@ -170,9 +171,7 @@ private:
         for (std::size_t i = 0; i < stageCount; ++i) {
             const std::string_view id = takeField(entry);
             if (id.find_first_not_of('0') != std::string_view::npos) {
-                stages.emplace_back(NEBDictionary{{NEBSourceControlOperationStageKey, i + 1},
-                                                  {NEBSourceControlOperationModeKey, modes[i]},
-                                                  {NEBSourceControlOperationObjectIDKey, id}});
+                stages.emplace_back(gitStage(static_cast<std::int64_t>(i) + 1, modes[i], id));
             }
         }
         record.set(NEBSourceControlOperationStagesKey, std::move(stages));

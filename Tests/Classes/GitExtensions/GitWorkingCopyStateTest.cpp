@@ -88,6 +88,14 @@ TEST(WorkingCopyStateParser, ReadsTheStagesOfAConflict) {
                                 {NEBSourceControlOperationObjectIDKey, b40}}}));
 }
 
+/// Modes and ids of a damaged output.
+TEST(WorkingCopyStateParser, ReturnsOnlyText) {
+    const auto records = recordsOf<GitWorkingCopyStateOperation>(
+        anyRequest(), pieces({"1 M. N... 1\xff 100644 100644 \xff" + a40 + " " + a40 + " f"}));
+    EXPECT_EQ(records.at(0).text(NEBSourceControlOperationHEADModeKey), "1\uFFFD");
+    EXPECT_EQ(records.at(0).text(NEBSourceControlOperationHEADObjectIDKey), "\uFFFD" + a40);
+}
+
 /// Incomplete entries and those of a later git.
 TEST(WorkingCopyStateParser, NeverReadsBeyondAPiece) {
     EXPECT_EQ(

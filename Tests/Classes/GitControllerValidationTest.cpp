@@ -16,7 +16,7 @@ namespace {
 using test::IsSourceControlError;
 using test::requestFor;
 
-const GitController controller;
+const GitController validatingController;
 
 TEST(Authentication, MayBeNeededByFiveTypes) {
     for (std::int32_t type = -1; type <= 40; ++type) {
@@ -24,7 +24,8 @@ TEST(Authentication, MayBeNeededByFiveTypes) {
             type == NEBSourceControlRequestUpdate || type == NEBSourceControlRequestClone ||
             type == NEBSourceControlRequestPush || type == NEBSourceControlRequestFetch ||
             type == NEBSourceControlRequestListBranches;
-        EXPECT_EQ(controller.authenticationRequiredForRequest(*requestFor(type, "/w")), expected)
+        EXPECT_EQ(validatingController.authenticationRequiredForRequest(*requestFor(type, "/w")),
+                  expected)
             << type;
     }
 }
@@ -41,9 +42,9 @@ std::shared_ptr<NEBSourceControlRequest> requestWithReachability(std::int32_t ty
 TEST(Validation, AcceptsTypesWithoutAuthenticationOnUnreachableTrees) {
     for (std::int32_t type = -1; type <= 40; ++type) {
         const auto request = requestWithReachability(type, false, false);
-        const bool authenticates = controller.authenticationRequiredForRequest(*request);
+        const bool authenticates = validatingController.authenticationRequiredForRequest(*request);
         std::optional<NEBSourceControlError> error;
-        EXPECT_EQ(controller.validateRequest(*request, &error), !authenticates) << type;
+        EXPECT_EQ(validatingController.validateRequest(*request, &error), !authenticates) << type;
         EXPECT_EQ(error.has_value(), authenticates) << type;
     }
 }
@@ -51,8 +52,8 @@ TEST(Validation, AcceptsTypesWithoutAuthenticationOnUnreachableTrees) {
 TEST(Validation, AcceptsBothFormsOfListingRemoteBranches) {
     for (const std::int32_t type : {NEBSourceControlRequestListRemoteBranches,
                                     NEBSourceControlRequestListRemoteBranchesSecondForm}) {
-        EXPECT_TRUE(
-            controller.validateRequest(*requestWithReachability(type, false, false), nullptr));
+        EXPECT_TRUE(validatingController.validateRequest(
+            *requestWithReachability(type, false, false), nullptr));
     }
 }
 
@@ -61,18 +62,18 @@ TEST(Validation, RequiresBothTreesReachableForAuthentication) {
          {NEBSourceControlRequestUpdate, NEBSourceControlRequestListBranches,
           NEBSourceControlRequestClone, NEBSourceControlRequestPush,
           NEBSourceControlRequestFetch}) {
-        EXPECT_TRUE(
-            controller.validateRequest(*requestWithReachability(type, true, true), nullptr));
+        EXPECT_TRUE(validatingController.validateRequest(*requestWithReachability(type, true, true),
+                                                         nullptr));
         for (const auto& [tree, repository] : {std::pair{true, false}, {false, true}}) {
             std::optional<NEBSourceControlError> error;
-            EXPECT_FALSE(controller.validateRequest(
+            EXPECT_FALSE(validatingController.validateRequest(
                 *requestWithReachability(type, tree, repository), &error));
             EXPECT_THAT(error,
                         IsSourceControlError(-20,
                                              "The operation could not be performed because the "
                                              "repository \"demo\" could not be reached."));
             EXPECT_EQ(error->userInfo.size(), 1U) << "the description alone";
-            EXPECT_FALSE(controller.validateRequest(
+            EXPECT_FALSE(validatingController.validateRequest(
                 *requestWithReachability(type, tree, repository), nullptr))
                 << "refused with or without an error pointer";
         }
@@ -82,11 +83,11 @@ TEST(Validation, RequiresBothTreesReachableForAuthentication) {
 TEST(Validation, TreatsAnAbsentTreeAsUnreachable) {
     auto request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
     request->repositoryToAuthenticate = nullptr;
-    EXPECT_FALSE(controller.validateRequest(*request, nullptr));
+    EXPECT_FALSE(validatingController.validateRequest(*request, nullptr));
     request = requestWithReachability(NEBSourceControlRequestUpdate, true, true);
     request->sourceTree = nullptr;
     std::optional<NEBSourceControlError> error;
-    EXPECT_FALSE(controller.validateRequest(*request, &error));
+    EXPECT_FALSE(validatingController.validateRequest(*request, &error));
     EXPECT_THAT(error, IsSourceControlError(-20,
                                             "The operation could not be performed because the "
                                             "repository \"(null)\" could not be reached."));

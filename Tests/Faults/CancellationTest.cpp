@@ -17,6 +17,7 @@
 #include "Classes/Configuration/RequestMatrix.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
+#include "Support/NumberInEnvironment.h"
 #include "Support/RequestRun.h"
 
 namespace neb::test {
@@ -26,11 +27,6 @@ namespace fs = std::filesystem;
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 using testing::IsEmpty;
-
-unsigned long numberInEnvironment(const char* name, unsigned long otherwise) {
-    const char* text = std::getenv(name);
-    return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
-}
 
 /// The repositories that a request needs, with a separate folder for temporary files.
 class Scenario {

@@ -17,6 +17,7 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
+#include "Support/NumberInEnvironment.h"
 #include "Support/RequestRun.h"
 #include "Support/Sanitizers.h"
 #include "Support/TestRepository.h"
@@ -25,11 +26,6 @@ namespace neb::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-unsigned long numberInEnvironment(const char* name, unsigned long otherwise) {
-    const char* text = std::getenv(name);
-    return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
-}
 
 struct Figures {
     std::size_t descriptors = 0;

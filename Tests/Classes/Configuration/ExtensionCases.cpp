@@ -7,14 +7,14 @@ namespace neb::test {
 
 namespace {
 
-void nothingMore(const World& /*world*/, NEBSourceControlRequest& /*request*/) {}
+void noOptions(const World& /*world*/, NEBSourceControlRequest& /*request*/) {}
 
 void oneFile(const World& /*world*/, NEBSourceControlRequest& request) {
     request.files = {NEBValue("a.c")};
 }
 
 /// Staged and unstaged changes, a rename and an untracked file.
-const std::string changes = R"(
+const std::string changesOfEveryKind = R"(
 printf 'changed\n' >>a.c
 git mv old.c renamed.c
 printf 'new\n' >new.c
@@ -26,8 +26,9 @@ printf 'u\n' >ü.txt
 
 std::vector<RequestCase> extensionCases() {
     return {
-        {"WorkingCopyState", NEBSourceControlRequestWorkingCopyState, changes, nothingMore},
-        {"History", NEBSourceControlRequestHistory, "", nothingMore},
+        {"WorkingCopyState", NEBSourceControlRequestWorkingCopyState, changesOfEveryKind,
+         noOptions},
+        {"History", NEBSourceControlRequestHistory, "", noOptions},
         {"HistoryWithFiles", NEBSourceControlRequestHistory, "",
          [](const World& /*world*/, NEBSourceControlRequest& request) {
              request.options =
@@ -35,20 +36,20 @@ std::vector<RequestCase> extensionCases() {
                                {NEBSourceControlRequestOptionLineCounts, true}};
          }},
         {"Content", NEBSourceControlRequestContent, "", oneFile},
-        {"Annotation", NEBSourceControlRequestAnnotation, changes, oneFile},
-        {"Changes", NEBSourceControlRequestChanges, changes, nothingMore},
-        {"ChangesStaged", NEBSourceControlRequestChanges, changes,
+        {"Annotation", NEBSourceControlRequestAnnotation, changesOfEveryKind, oneFile},
+        {"Changes", NEBSourceControlRequestChanges, changesOfEveryKind, noOptions},
+        {"ChangesStaged", NEBSourceControlRequestChanges, changesOfEveryKind,
          [](const World& /*world*/, NEBSourceControlRequest& request) {
              request.options = NEBDictionary{{NEBSourceControlRequestOptionStaged, true}};
          }},
-        {"References", NEBSourceControlRequestReferences, "git tag -a -m Second v2", nothingMore},
+        {"References", NEBSourceControlRequestReferences, "git tag -a -m Second v2", noOptions},
         {"UnfinishedOperation", NEBSourceControlRequestUnfinishedOperation,
-         "git merge -q rival || true", nothingMore},
+         "git merge -q rival || true", noOptions},
         {"Submodules", NEBSourceControlRequestSubmodules,
          "git config -f .gitmodules submodule.s.path sub\ngit config -f .gitmodules "
          "submodule.s.url ../s",
-         nothingMore},
-        {"Worktrees", NEBSourceControlRequestWorktrees, "", nothingMore},
+         noOptions},
+        {"Worktrees", NEBSourceControlRequestWorktrees, "", noOptions},
         {"Settings", NEBSourceControlRequestSettings, "",
          [](const World& /*world*/, NEBSourceControlRequest& request) {
              request.options = NEBDictionary{

@@ -24,6 +24,11 @@ inline const std::vector<std::string> hostileNames{"new\nline", "quo\"te",     "
                                                    " sp ace ",  "back\\slash", "st*r",  ":colon",
                                                    "b\xe4r",    "\u00fc",      "x -> y"};
 
+/// Ids of commits and objects; git writes z40 where there is none.
+inline const std::string a40(40, 'a');
+inline const std::string b40(40, 'b');
+inline const std::string z40(40, '0');
+
 /// Returns the bytes of a name or path of a record.
 inline std::string nameIn(const NEBDictionary& record,
                           NEBConstant text = NEBSourceControlOperationPathKey,

@@ -10,17 +10,14 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string a40(40, 'a');
-const std::string z40(40, '0');
-
-std::shared_ptr<NEBSourceControlRequest> anyRequest() {
+std::shared_ptr<NEBSourceControlRequest> annotationRequest() {
     auto request = requestFor(NEBSourceControlRequestAnnotation, "/w");
     request->files = valuesOf({"f"});
     return request;
 }
 
 TEST(AnnotationCommand, TakesUnsavedTextFromStandardInput) {
-    auto request = anyRequest();
+    auto request = annotationRequest();
     request->startingRevision = "v1";
     request->options = NEBDictionary{{NEBSourceControlRequestOptionContent, "a\n"},
                                      {NEBSourceControlRequestOptionFirstLine, 2},
@@ -39,7 +36,7 @@ TEST(AnnotationParser, ReadsGroups) {
         "committer-tz -0100\nsummary Sub\nprevious " +
         a40 + " f\n";
     const auto records = recordsOf<GitAnnotationOperation>(
-        anyRequest(),
+        annotationRequest(),
         a40 + " 3 1 2\n" + header + "filename \"t\\tf\"\n\tone\n" + a40 + " 4 2\n\tauthor x\n" +
             z40 + " 3 3 1\nauthor Not Committed Yet\nfilename f\n\t\xe4\n" + a40 + " 9 4 1\n\t\n");
     ASSERT_EQ(records.size(), 3U);

@@ -10,11 +10,7 @@ namespace {
 
 using testing::IsSupersetOf;
 
-const std::string a40(40, 'a');
-const std::string b40(40, 'b');
-const std::string z40(40, '0');
-
-std::shared_ptr<NEBSourceControlRequest> anyRequest() {
+std::shared_ptr<NEBSourceControlRequest> changesRequest() {
     return requestFor(NEBSourceControlRequestChanges, "/w");
 }
 
@@ -35,7 +31,7 @@ TEST(ChangesCommand, ComparesWhatTheRequestNames) {
         }
         return text;
     };
-    auto request = anyRequest();
+    auto request = changesRequest();
     EXPECT_EQ(comparisonOf(request), "--ours -- ");
     request->startingRevision = "a";
     EXPECT_EQ(comparisonOf(request), "a -- ");
@@ -46,24 +42,25 @@ TEST(ChangesCommand, ComparesWhatTheRequestNames) {
     request->options = NEBDictionary{{NEBSourceControlRequestOptionStaged, true},
                                      {NEBSourceControlRequestOptionContextLines, 0}};
     EXPECT_EQ(comparisonOf(request), "--unified=0 --cached a -- ");
-    request = anyRequest();
+    request = changesRequest();
     request->endingRevision = "b";
     EXPECT_EQ(comparisonOf(request), "HEAD b -- ");
 }
 
 TEST(ChangesParser, ReadsFilesAndHunks) {
     const auto records = recordsOf<GitChangesOperation>(
-        anyRequest(), "diff --git a/a b.c b/a b.c\nindex " + a40 + ".." + b40 +
-                          " 100644\n--- a/a b.c\t\n+++ b/a b.c\t\n@@ -1,2 +1,3 @@ int f()\n "
-                          "one\n--- x\n+diff --git a/x b/x\n"
-                          "+\xe4\n\\ No newline at end of file\n@@ -9 +10,0 @@\n-nine\n"
-                          "diff --git \"a/q\\\"\" \"b/q\\\"\"\nold mode 100644\nnew mode 100755\n"
-                          "diff --git a/o b/n\nsimilarity index 90%\nrename from o\nrename to n\n"
-                          "diff --git a/new b/new\nnew file mode 100644\nindex " +
-                          z40 + ".." + a40 +
-                          "\n--- /dev/null\n+++ b/new\n@@ -0,0 +1 @@\n+x\n"
-                          "diff --git a/bin b/bin\ndeleted file mode 100644\nindex " +
-                          a40 + ".." + z40 + "\nBinary files a/bin and /dev/null differ\n");
+        changesRequest(),
+        "diff --git a/a b.c b/a b.c\nindex " + a40 + ".." + b40 +
+            " 100644\n--- a/a b.c\t\n+++ b/a b.c\t\n@@ -1,2 +1,3 @@ int f()\n "
+            "one\n--- x\n+diff --git a/x b/x\n"
+            "+\xe4\n\\ No newline at end of file\n@@ -9 +10,0 @@\n-nine\n"
+            "diff --git \"a/q\\\"\" \"b/q\\\"\"\nold mode 100644\nnew mode 100755\n"
+            "diff --git a/o b/n\nsimilarity index 90%\nrename from o\nrename to n\n"
+            "diff --git a/new b/new\nnew file mode 100644\nindex " +
+            z40 + ".." + a40 +
+            "\n--- /dev/null\n+++ b/new\n@@ -0,0 +1 @@\n+x\n"
+            "diff --git a/bin b/bin\ndeleted file mode 100644\nindex " +
+            a40 + ".." + z40 + "\nBinary files a/bin and /dev/null differ\n");
     ASSERT_EQ(records.size(), 5U);
     NEBDictionary first =
         hunkOf({1, 2, 1, 3}, {" one", "--- x", "+diff --git a/x b/x", NEBValue::ofBytes("+\xe4"),

@@ -10,10 +10,7 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-const std::string a40(40, 'a');
-const std::string b40(40, 'b');
-
-std::shared_ptr<NEBSourceControlRequest> anyRequest() {
+std::shared_ptr<NEBSourceControlRequest> historyRequest() {
     return requestFor(NEBSourceControlRequestHistory, "/w");
 }
 
@@ -21,12 +18,12 @@ TEST(HistoryParser, ReadsCommitsAndTheirFiles) {
     using std::string_literals::operator""s;
     const std::string header = "\nAnn\na@x\n5 +0100\nBen\nb@x\n6 -0230\n";
     const auto records = recordsOf<GitHistoryOperation>(
-        anyRequest(), "commit " + a40 + "\n" + b40 + " " + a40 +
-                          "\nHEAD -> refs/heads/m, tag: refs/tags/v, refs/heads/b\xe4" + header +
-                          "Sub\nBody\n\nmore\n\0"s + "\n:100644 100755 " + a40 + " " + b40 +
-                          " M\0commit x\0:100644 100644 "s + a40 + " " + a40 +
-                          " R90\0:old\0new\0001\t2\tcommit x\0-\t-\t\0:old\0new\0"s + "commit " +
-                          b40 + "\n\ngrafted, HEAD" + header + "Last\n\0"s);
+        historyRequest(), "commit " + a40 + "\n" + b40 + " " + a40 +
+                              "\nHEAD -> refs/heads/m, tag: refs/tags/v, refs/heads/b\xe4" +
+                              header + "Sub\nBody\n\nmore\n\0"s + "\n:100644 100755 " + a40 + " " +
+                              b40 + " M\0commit x\0:100644 100644 "s + a40 + " " + a40 +
+                              " R90\0:old\0new\0001\t2\tcommit x\0-\t-\t\0:old\0new\0"s +
+                              "commit " + b40 + "\n\ngrafted, HEAD" + header + "Last\n\0"s);
     ASSERT_EQ(records.size(), 2U);
     EXPECT_EQ(records[0].text(NEBSourceControlOperationObjectIDKey), a40);
     EXPECT_EQ(records[0].value(NEBSourceControlOperationParentsKey),

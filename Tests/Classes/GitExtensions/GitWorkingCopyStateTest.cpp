@@ -7,11 +7,7 @@ namespace {
 
 using testing::ElementsAre;
 
-const std::string a40(40, 'a');
-const std::string b40(40, 'b');
-const std::string z40(40, '0');
-
-std::shared_ptr<NEBSourceControlRequest> anyRequest() {
+std::shared_ptr<NEBSourceControlRequest> workingCopyStateRequest() {
     return requestFor(NEBSourceControlRequestWorkingCopyState, "/w");
 }
 
@@ -25,7 +21,7 @@ std::string pieces(const std::vector<std::string>& all) {
 }
 
 TEST(WorkingCopyStateCommand, HasTheOptionsOfTheRequest) {
-    auto request = anyRequest();
+    auto request = workingCopyStateRequest();
     EXPECT_THAT(GitWorkingCopyStateOperation(request).arguments(),
                 ElementsAre("status", "--porcelain=v2", "-z", "--branch", "--show-stash", "--"));
     request->files = valuesOf({"-a"});
@@ -38,7 +34,7 @@ TEST(WorkingCopyStateCommand, HasTheOptionsOfTheRequest) {
 
 TEST(WorkingCopyStateParser, ReadsHeadersAndEntries) {
     const auto records = recordsOf<GitWorkingCopyStateOperation>(
-        anyRequest(),
+        workingCopyStateRequest(),
         pieces({"# branch.oid " + a40, "# branch.head main", "# branch.upstream o/main",
                 "# branch.ab +2 -1", "# stash 3",
                 "1 AM N... 000000 100644 100755 " + z40 + " " + a40 + " n w",
@@ -74,7 +70,7 @@ TEST(WorkingCopyStateParser, ReadsHeadersAndEntries) {
 
 TEST(WorkingCopyStateParser, ReadsTheStagesOfAConflict) {
     const auto records = recordsOf<GitWorkingCopyStateOperation>(
-        anyRequest(),
+        workingCopyStateRequest(),
         pieces({"u DU N... 100644 000000 100755 100644 " + a40 + " " + z40 + " " + b40 + " c"}));
     ASSERT_EQ(records.size(), 1U);
     EXPECT_EQ(records[0].text(NEBSourceControlOperationConflictKey), "deleted by us");
@@ -91,18 +87,19 @@ TEST(WorkingCopyStateParser, ReadsTheStagesOfAConflict) {
 /// Modes and ids of a damaged output.
 TEST(WorkingCopyStateParser, ReturnsOnlyText) {
     const auto records = recordsOf<GitWorkingCopyStateOperation>(
-        anyRequest(), pieces({"1 M. N... 1\xff 100644 100644 \xff" + a40 + " " + a40 + " f"}));
+        workingCopyStateRequest(),
+        pieces({"1 M. N... 1\xff 100644 100644 \xff" + a40 + " " + a40 + " f"}));
     EXPECT_EQ(records.at(0).text(NEBSourceControlOperationHEADModeKey), "1\uFFFD");
     EXPECT_EQ(records.at(0).text(NEBSourceControlOperationHEADObjectIDKey), "\uFFFD" + a40);
 }
 
 /// Incomplete entries and those of a later git.
 TEST(WorkingCopyStateParser, NeverReadsBeyondAPiece) {
-    EXPECT_EQ(
-        recordsOf<GitWorkingCopyStateOperation>(
-            anyRequest(), pieces({"", "1", "1 ", "2 R", "x", "u ", "# ", "z new kind"}) + "? cut")
-            .size(),
-        2U);
+    EXPECT_EQ(recordsOf<GitWorkingCopyStateOperation>(
+                  workingCopyStateRequest(),
+                  pieces({"", "1", "1 ", "2 R", "x", "u ", "# ", "z new kind"}) + "? cut")
+                  .size(),
+              2U);
 }
 
 class WorkingCopyState : public ExtensionTest {};

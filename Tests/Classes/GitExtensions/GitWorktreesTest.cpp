@@ -10,8 +10,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string a40(40, 'a');
-
 TEST(WorktreeParser, ReadsAttributes) {
     using std::string_literals::operator""s;
     const auto records = recordsOf<GitWorktreesOperation>(

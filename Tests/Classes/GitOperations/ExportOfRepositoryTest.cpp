@@ -27,7 +27,7 @@ using test::requestFor;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-std::string bytesOf(const std::string& path) {
+std::string bytesOfFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -35,26 +35,28 @@ std::string bytesOf(const std::string& path) {
 TEST_F(ExportOfRepository, WritesTheFileAsItWasAtTheRevision) {
     for (const std::int32_t type :
          {NEBSourceControlRequestExportFiles, NEBSourceControlRequestExport}) {
-        EXPECT_EQ(bytesOf(writtenPath(*exportFile("src/io/main.c", "first", {}, type))), "old\n");
+        EXPECT_EQ(bytesOfFile(writtenPath(*exportFile("src/io/main.c", "first", {}, type))),
+                  "old\n");
     }
-    EXPECT_EQ(bytesOf(writtenPath(*exportFile("src/io/main.c", NEBSourceControlBASERevisionName))),
-              "new\n");
-    EXPECT_EQ(bytesOf(writtenPath(*exportFile("top.bin", "HEAD"))), binary);
+    EXPECT_EQ(
+        bytesOfFile(writtenPath(*exportFile("src/io/main.c", NEBSourceControlBASERevisionName))),
+        "new\n");
+    EXPECT_EQ(bytesOfFile(writtenPath(*exportFile("top.bin", "HEAD"))), binary);
 }
 
 TEST_F(ExportOfRepository, WritesToTheDestination) {
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "first", NEBValue(out("main.c")))),
               out("main.c"));
-    EXPECT_EQ(bytesOf(out("main.c")), "old\n");
+    EXPECT_EQ(bytesOfFile(out("main.c")), "old\n");
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "HEAD", NEBValue(out("8F3A-main.c")))),
               out("8F3A-main.c"));
-    EXPECT_EQ(bytesOf(out("8F3A-main.c")), "new\n");
-    EXPECT_EQ(bytesOf(out("main.c")), "old\n");
+    EXPECT_EQ(bytesOfFile(out("8F3A-main.c")), "new\n");
+    EXPECT_EQ(bytesOfFile(out("main.c")), "old\n");
     EXPECT_THAT(temporaryNames(), IsEmpty());
     // An existing file is overwritten.
     EXPECT_EQ(writtenPath(*exportFile("src/io/main.c", "HEAD", NEBValue(out("main.c")))),
               out("main.c"));
-    EXPECT_EQ(bytesOf(out("main.c")), "new\n");
+    EXPECT_EQ(bytesOfFile(out("main.c")), "new\n");
 }
 
 TEST_F(ExportOfRepository, KeepsTheExecutableBitAndALink) {
@@ -98,7 +100,7 @@ TEST_F(ExportOfRepository, ExportsFilesWithAnyName) {
             continue;
         }
         const std::string path = writtenPath(*exportFile("d/" + name, "HEAD"));
-        EXPECT_EQ(bytesOf(path), "content of " + name);
+        EXPECT_EQ(bytesOfFile(path), "content of " + name);
         EXPECT_EQ(fs::path(path).parent_path().string().find(folder.path("tmp")), 0U);
     }
     for (const std::string& name : temporaryNames()) {
@@ -117,7 +119,7 @@ TEST_F(ExportOfRepository, ConcurrentExportsDoNotInterfere) {
         thread.join();
     }
     for (const std::string& path : paths) {
-        EXPECT_EQ(bytesOf(path), binary);
+        EXPECT_EQ(bytesOfFile(path), binary);
         EXPECT_EQ(std::count(paths.begin(), paths.end(), path), 1);
     }
     EXPECT_EQ(temporaryNames().size(), paths.size());
@@ -137,7 +139,7 @@ TEST_F(ExportOfRepository, TreeRemovesNoFile) {
         EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlDestinationExistsErrorClass))
             << destination;
     }
-    EXPECT_EQ(bytesOf(out("file")), "mine");
+    EXPECT_EQ(bytesOfFile(out("file")), "mine");
 }
 
 TEST_F(ExportOfRepository, TreeHasTheIndexWhateverTheRevision) {
@@ -152,9 +154,10 @@ TEST_F(ExportOfRepository, TreeHasTheIndexWhateverTheRevision) {
         operation->start();
         EXPECT_EQ(operation->error(), std::nullopt);
         EXPECT_EQ(operation->result(), std::nullopt);
-        EXPECT_EQ(bytesOf(out("src/io/main.c")), "new\n") << "neither the revision nor the disk";
-        EXPECT_EQ(bytesOf(out("top.bin")), binary);
-        EXPECT_EQ(bytesOf(out("staged")), "staged\n");
+        EXPECT_EQ(bytesOfFile(out("src/io/main.c")), "new\n")
+            << "neither the revision nor the disk";
+        EXPECT_EQ(bytesOfFile(out("top.bin")), binary);
+        EXPECT_EQ(bytesOfFile(out("staged")), "staged\n");
     }
     EXPECT_EQ(fs::exists(out("../outsrc")), false);
 }
@@ -168,7 +171,7 @@ TEST_F(ExportOfRepository, TreeIgnoresTheOutputOfAFilter) {
     const auto operation = GitController().operationForRequest(request);
     operation->start();
     EXPECT_EQ(operation->error(), std::nullopt);
-    EXPECT_EQ(bytesOf(out("top.bin")), binary);
+    EXPECT_EQ(bytesOfFile(out("top.bin")), binary);
 }
 
 TEST_F(ExportOfRepository, TreeReportsAMissingWorkingCopy) {

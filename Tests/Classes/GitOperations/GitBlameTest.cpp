@@ -87,7 +87,7 @@ std::string textOf(const NEBDictionary& record) {
     return text;
 }
 
-std::vector<std::string> read(Data output) {
+std::vector<std::string> linesOf(Data output) {
     GitBlameOperation operation(blameRequest({}));
     operation.setData(std::move(output));
     operation.parseData();
@@ -104,15 +104,15 @@ const std::string nothing = "-|-|-|-";
 
 /// The last line has a line end too; the empty text after it becomes a record.
 TEST(BlameOutput, HasARecordPerLineAndAnEmptyOneAtTheEnd) {
-    EXPECT_THAT(read(revision + "\t(Ann Example\t" + date + "\t1)one\n" +  //
-                     revision + "\t(Bob\t" + date + "\t2)two\n" +          //
-                     revision + "\t(Ann Example\t" + date + "\t3)\n"),
+    EXPECT_THAT(linesOf(revision + "\t(Ann Example\t" + date + "\t1)one\n" +  //
+                        revision + "\t(Bob\t" + date + "\t2)two\n" +          //
+                        revision + "\t(Ann Example\t" + date + "\t3)\n"),
                 ElementsAre("0123456789ab|Ann Example|2020-09-13T16:28:20Z|1",
                             "0123456789ab|Bob|2020-09-13T16:28:20Z|2",
                             "0123456789ab|Ann Example|2020-09-13T16:28:20Z|3", nothing));
-    EXPECT_THAT(read(revision + "\t(Ann\t" + date + "\t1)no line end"),
+    EXPECT_THAT(linesOf(revision + "\t(Ann\t" + date + "\t1)no line end"),
                 ElementsAre("0123456789ab|Ann|2020-09-13T16:28:20Z|1"));
-    EXPECT_THAT(read(revision + "\t(Ann\t" + date + "\t1)one line\n"),
+    EXPECT_THAT(linesOf(revision + "\t(Ann\t" + date + "\t1)one line\n"),
                 ElementsAre("0123456789ab|Ann|2020-09-13T16:28:20Z|1", nothing));
 }
 
@@ -134,7 +134,8 @@ struct BlameLine {
 class BlameLines : public testing::TestWithParam<BlameLine> {};
 
 TEST_P(BlameLines, AreParsedAsFarAsPossible) {
-    EXPECT_THAT(read(GetParam().line + "\n\n"), ElementsAre(GetParam().record, nothing, nothing));
+    EXPECT_THAT(linesOf(GetParam().line + "\n\n"),
+                ElementsAre(GetParam().record, nothing, nothing));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -21,16 +21,16 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue destination = {},
-                                                 std::optional<NEBDictionary> options = {},
-                                                 const std::string& location = "/w") {
+std::shared_ptr<NEBSourceControlRequest> branchRequest(std::int32_t type, NEBValue destination = {},
+                                                       std::optional<NEBDictionary> options = {},
+                                                       const std::string& location = "/w") {
     auto made = requestFor(type, location);
     made->destination = std::move(destination);
     made->options = std::move(options);
     return made;
 }
 
-std::vector<std::string> argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& asked) {
+std::vector<std::string> branchArguments(const std::shared_ptr<NEBSourceControlRequest>& asked) {
     return GitBranchOperation(asked).arguments();
 }
 
@@ -40,41 +40,44 @@ const NEBDictionary bothPaths{{NEBSourceControlRequestOptionRepositoryPath, "/r/
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(BranchArguments, OfANewBranchMayHaveAStartingPoint) {
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic")),
+    EXPECT_THAT(branchArguments(branchRequest(NEBSourceControlRequestCreateBranch, "topic")),
                 ElementsAre("branch", "topic"));
+    EXPECT_THAT(branchArguments(branchRequest(
+                    NEBSourceControlRequestCreateBranch, "topic",
+                    NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "v1"}})),
+                ElementsAre("branch", "topic", "v1"));
+    EXPECT_THAT(branchArguments(branchRequest(NEBSourceControlRequestCreateBranch)),
+                ElementsAre("branch"));
     EXPECT_THAT(
-        argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic",
-                            NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, "v1"}})),
-        ElementsAre("branch", "topic", "v1"));
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch)), ElementsAre("branch"));
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestCreateBranch, "topic", bothPaths)),
-                ElementsAre("branch", "topic"))
+        branchArguments(branchRequest(NEBSourceControlRequestCreateBranch, "topic", bothPaths)),
+        ElementsAre("branch", "topic"))
         << "no default arguments";
 }
 
 TEST(BranchArguments, OfAForcedDeletion) {
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic")),
+    EXPECT_THAT(branchArguments(branchRequest(NEBSourceControlRequestDeleteBranch, "topic")),
                 ElementsAre("branch", "-d", "topic"));
     for (const auto& [value, flag] : {std::pair{NEBValue(false), "-d"},
                                       {NEBValue(0), "-d"},
                                       {NEBValue(true), "-D"},
                                       {NEBValue("yes"), "-D"}}) {
-        EXPECT_THAT(
-            argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic",
-                                NEBDictionary{{NEBSourceControlRequestOptionForce, value}})),
-            ElementsAre("branch", flag, "topic"));
+        EXPECT_THAT(branchArguments(
+                        branchRequest(NEBSourceControlRequestDeleteBranch, "topic",
+                                      NEBDictionary{{NEBSourceControlRequestOptionForce, value}})),
+                    ElementsAre("branch", flag, "topic"));
     }
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestDeleteBranch, "topic", bothPaths)),
-                ElementsAre("branch", "-d", "topic"));
+    EXPECT_THAT(
+        branchArguments(branchRequest(NEBSourceControlRequestDeleteBranch, "topic", bothPaths)),
+        ElementsAre("branch", "-d", "topic"));
 }
 
 TEST(BranchArguments, OfATrackingBranchNameTheRemoteBranch) {
     const ReportCollector collector;
-    EXPECT_THAT(
-        argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch, "mine",
-                            NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
-                                          {NEBSourceControlRequestOptionBranch, "topic"}})),
-        ElementsAre("branch", "--track", "mine", "origin/topic"));
+    EXPECT_THAT(branchArguments(
+                    branchRequest(NEBSourceControlRequestTrackRemoteBranch, "mine",
+                                  NEBDictionary{{NEBSourceControlRequestOptionRemoteName, "origin"},
+                                                {NEBSourceControlRequestOptionBranch, "topic"}})),
+                ElementsAre("branch", "--track", "mine", "origin/topic"));
     EXPECT_THAT(collector.reports(), IsEmpty());
 }
 
@@ -88,7 +91,7 @@ TEST(BranchArguments, OfATrackingBranchReportMissingValues) {
         {804, "[request.options objectForKey:NEBSourceControlRequestOptionRemoteName]"},
         {805, "[request.options objectForKey:NEBSourceControlRequestOptionBranch]"}};
     const ReportCollector collector;
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch)),
+    EXPECT_THAT(branchArguments(branchRequest(NEBSourceControlRequestTrackRemoteBranch)),
                 ElementsAre("branch", "--track", "(null)/(null)"));
     ASSERT_EQ(collector.reports().size(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -100,10 +103,11 @@ TEST(BranchArguments, OfATrackingBranchReportMissingValues) {
         EXPECT_EQ(report.message, expression + " should be a non-empty string, but it is nil");
         EXPECT_EQ(report.condition, "(" + expression + ") != nil");
     }
-    EXPECT_THAT(argumentsOf(request(NEBSourceControlRequestTrackRemoteBranch, 7,
-                                    NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""},
-                                                  {NEBSourceControlRequestOptionBranch, true}})),
-                ElementsAre("branch", "--track", "7", "/true"));
+    EXPECT_THAT(
+        branchArguments(branchRequest(NEBSourceControlRequestTrackRemoteBranch, 7,
+                                      NEBDictionary{{NEBSourceControlRequestOptionRemoteName, ""},
+                                                    {NEBSourceControlRequestOptionBranch, true}})),
+        ElementsAre("branch", "--track", "7", "/true"));
     ASSERT_EQ(collector.reports().size(), 6U);
     EXPECT_THAT(collector.reports()[3].condition, StartsWith("CFGetTypeID(request.destination)"));
     EXPECT_THAT(collector.reports()[4].condition, StartsWith("![@\"\" isEqualToString:("));
@@ -112,17 +116,17 @@ TEST(BranchArguments, OfATrackingBranchReportMissingValues) {
 
 TEST(BranchListArguments, AreTheSameForListAndCurrentBranch) {
     EXPECT_THAT(
-        GitListBranchesOperation(request(NEBSourceControlRequestListBranches, {}, bothPaths))
+        GitListBranchesOperation(branchRequest(NEBSourceControlRequestListBranches, {}, bothPaths))
             .arguments(),
         ElementsAre("branch"));
-    EXPECT_THAT(
-        GitCurrentBranchOperation(request(NEBSourceControlRequestCurrentBranch, {}, bothPaths))
-            .arguments(),
-        ElementsAre("branch"));
+    EXPECT_THAT(GitCurrentBranchOperation(
+                    branchRequest(NEBSourceControlRequestCurrentBranch, {}, bothPaths))
+                    .arguments(),
+                ElementsAre("branch"));
 }
 
 TEST(RemoteBranchArguments, NameTheOneFile) {
-    auto asked = request(NEBSourceControlRequestListRemoteBranches);
+    auto asked = branchRequest(NEBSourceControlRequestListRemoteBranches);
     EXPECT_THAT(GitListRemoteBranchesOperation(asked).arguments(),
                 ElementsAre("ls-remote", "--heads"));
     asked->files = valuesOf({"origin"});
@@ -140,7 +144,7 @@ TEST(RemoteBranchArguments, NameTheOneFile) {
 
 template <typename Op>
 std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output) {
-    Op operation(request(NEBSourceControlRequestListBranches));
+    Op operation(branchRequest(NEBSourceControlRequestListBranches));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -234,7 +238,8 @@ protected:
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> run(
         std::int32_t type, NEBValue destination = {},
         std::optional<NEBDictionary> options = {}) const {
-        auto asked = request(type, std::move(destination), std::move(options), repository.path());
+        auto asked =
+            branchRequest(type, std::move(destination), std::move(options), repository.path());
         asked->repositoryToAuthenticate = asked->sourceTree;
         return perform(asked);
     }
@@ -330,7 +335,7 @@ protected:
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> list(
         const std::vector<std::string>& files,
         std::int32_t type = NEBSourceControlRequestListRemoteBranches) const {
-        auto asked = request(type, {}, {}, repository.path());
+        auto asked = branchRequest(type, {}, {}, repository.path());
         asked->files = valuesOf(files);
         return perform(asked);
     }

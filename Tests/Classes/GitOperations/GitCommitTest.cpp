@@ -23,9 +23,9 @@ using testing::HasSubstr;
 
 using Options = std::optional<NEBDictionary>;
 
-std::shared_ptr<NEBSourceControlRequest> request(Options options,
-                                                 std::optional<std::vector<NEBValue>> files = {},
-                                                 const std::string& location = "/w") {
+std::shared_ptr<NEBSourceControlRequest> commitRequest(
+    Options options, std::optional<std::vector<NEBValue>> files = {},
+    const std::string& location = "/w") {
     auto made = requestFor(NEBSourceControlRequestCommit, location);
     made->options = std::move(options);
     made->files = std::move(files);
@@ -39,23 +39,24 @@ NEBDictionary message(const std::string& text) {
 // ---- the command line -------------------------------------------------------------------------
 
 TEST(CommitArguments, HaveTheMessageAndTheFiles) {
-    EXPECT_THAT(
-        GitCommitOperation(request(message("two\nlines"), valuesOf({"/w/a", "-b"}))).arguments(),
-        ElementsAre("commit", "-m", "two\nlines", "--", "/w/a", "-b"));
-    EXPECT_THAT(GitCommitOperation(request(message("all"))).arguments(),
+    EXPECT_THAT(GitCommitOperation(commitRequest(message("two\nlines"), valuesOf({"/w/a", "-b"})))
+                    .arguments(),
+                ElementsAre("commit", "-m", "two\nlines", "--", "/w/a", "-b"));
+    EXPECT_THAT(GitCommitOperation(commitRequest(message("all"))).arguments(),
                 ElementsAre("commit", "-m", "all", "--"));
-    EXPECT_THAT(GitCommitOperation(request(message(""))).arguments(),
+    EXPECT_THAT(GitCommitOperation(commitRequest(message(""))).arguments(),
                 ElementsAre("commit", "-m", "", "--"));
 }
 
 TEST(CommitArguments, OmitTheFilesWithoutAMessage) {
-    EXPECT_THAT(GitCommitOperation(request(std::nullopt, valuesOf({"/w/a"}))).arguments(),
+    EXPECT_THAT(GitCommitOperation(commitRequest(std::nullopt, valuesOf({"/w/a"}))).arguments(),
                 ElementsAre("commit"));
-    EXPECT_THAT(GitCommitOperation(
-                    request(NEBDictionary{{NEBSourceControlRequestOptionAllowEmptyCommit, true}},
-                            valuesOf({"/w/a"})))
-                    .arguments(),
-                ElementsAre("commit", "--allow-empty"));
+    EXPECT_THAT(
+        GitCommitOperation(
+            commitRequest(NEBDictionary{{NEBSourceControlRequestOptionAllowEmptyCommit, true}},
+                          valuesOf({"/w/a"})))
+            .arguments(),
+        ElementsAre("commit", "--allow-empty"));
 }
 
 TEST(CommitArguments, AllowAnEmptyCommitWhenTheOptionIsTrue) {
@@ -67,16 +68,16 @@ TEST(CommitArguments, AllowAnEmptyCommitWhenTheOptionIsTrue) {
                                            {NEBValue("no"), false}}) {
         NEBDictionary options = message("m");
         options.set(NEBSourceControlRequestOptionAllowEmptyCommit, value);
-        const auto arguments = GitCommitOperation(request(options)).arguments();
+        const auto arguments = GitCommitOperation(commitRequest(options)).arguments();
         EXPECT_EQ(arguments[1] == "--allow-empty", isAllowed) << value.description();
     }
 }
 
 TEST(CommitArguments, FollowTheDefaultArguments) {
-    EXPECT_THAT(GitCommitOperation(
-                    request(NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
-                                          {NEBSourceControlRequestOptionWorkingCopyPath, "/r"},
-                                          {NEBSourceControlRequestOptionMessage, "m"}}))
+    EXPECT_THAT(GitCommitOperation(commitRequest(NEBDictionary{
+                                       {NEBSourceControlRequestOptionRepositoryPath, "/r/.git"},
+                                       {NEBSourceControlRequestOptionWorkingCopyPath, "/r"},
+                                       {NEBSourceControlRequestOptionMessage, "m"}}))
                     .arguments(),
                 ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "commit", "-m", "m", "--"));
 }
@@ -84,7 +85,7 @@ TEST(CommitArguments, FollowTheDefaultArguments) {
 // ---- what git prints --------------------------------------------------------------------------
 
 std::string revisionIn(const std::string& output) {
-    GitCommitOperation operation(request(message("m")));
+    GitCommitOperation operation(commitRequest(message("m")));
     operation.setData(output);
     operation.parseData();
     if (!operation.result()) {
@@ -117,7 +118,7 @@ TEST(CommitOutput, OfADetachedHEADIsHEAD) {
 }
 
 TEST(CommitOutput, OfOneWordClearsTheResult) {
-    GitCommitOperation operation(request(message("m")));
+    GitCommitOperation operation(commitRequest(message("m")));
     operation.setResult(NEBSourceControlResult{});
     operation.parseData();
     EXPECT_TRUE(operation.result().has_value()) << "no output object";
@@ -139,7 +140,7 @@ protected:
         for (const std::string& name : names) {
             files.emplace_back(repository.path(name));
         }
-        return perform(request(std::move(options), files, repository.path()));
+        return perform(commitRequest(std::move(options), files, repository.path()));
     }
     [[nodiscard]] std::string head() const { return repository.git({"rev-parse", "HEAD"}); }
     void hook(const std::string& name, const std::string& script) const {

@@ -25,48 +25,48 @@ std::shared_ptr<NEBSourceControlRequest> exportRequest(std::string file, NEBValu
     return request;
 }
 
-std::vector<std::string> argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
+std::vector<std::string> exportArguments(const std::shared_ptr<NEBSourceControlRequest>& request) {
     return GitExportFileOperation(request).arguments();
 }
 
 // ---- git's half -------------------------------------------------------------------------------
 
 TEST(ExportCommand, NamesTheTreeOfTheFolderAndTheFile) {
-    EXPECT_THAT(argumentsOf(exportRequest("/w/src/io/main.c", "/out/main.c")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/src/io/main.c", "/out/main.c")),
                 ElementsAre("archive", "abc:src/io", "main.c"));
-    EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/out/main.c")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/main.c", "/out/main.c")),
                 ElementsAre("archive", "abc", "main.c"))
         << "at the top there is no folder to name";
     EXPECT_EQ(GitExportFileOperation(exportRequest("/w/a")).currentDirectoryPath(), "/w");
 }
 
 TEST(ExportCommand, PrefixesTheFileForTheTargetName) {
-    EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/out/8F3A-main.c")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/main.c", "/out/8F3A-main.c")),
                 ElementsAre("archive", "--prefix=8F3A-", "abc", "main.c"));
-    EXPECT_THAT(argumentsOf(exportRequest("/w/src/main.c", "/main.c/8F3A-main.c")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/src/main.c", "/main.c/8F3A-main.c")),
                 ElementsAre("archive", "--prefix=8F3A-", "abc:src", "main.c"));
-    EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/out/copy.txt")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/main.c", "/out/copy.txt")),
                 ElementsAre("archive", "abc", "main.c"))
         << "the file's name does not occur";
-    EXPECT_THAT(argumentsOf(exportRequest("/w/main.c", "/main.c/copy.txt")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/main.c", "/main.c/copy.txt")),
                 ElementsAre("archive", "abc", "main.c"))
         << "only the last component counts";
     // Up to the first occurrence.
-    EXPECT_THAT(argumentsOf(exportRequest("/w/a", "/out/banana")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/a", "/out/banana")),
                 ElementsAre("archive", "--prefix=b", "abc", "a"));
 }
 
 TEST(ExportCommand, ReadsHEADAndBASEAsHEAD) {
     for (const NEBValue& name :
          {NEBValue(NEBSourceControlHEADRevisionName), NEBValue(NEBSourceControlBASERevisionName)}) {
-        EXPECT_THAT(argumentsOf(exportRequest("/w/a", "/out/a", name)),
+        EXPECT_THAT(exportArguments(exportRequest("/w/a", "/out/a", name)),
                     ElementsAre("archive", "HEAD", "a"));
-        EXPECT_THAT(argumentsOf(exportRequest("/w/d/a", "/out/a", name)),
+        EXPECT_THAT(exportArguments(exportRequest("/w/d/a", "/out/a", name)),
                     ElementsAre("archive", "HEAD:d", "a"));
     }
-    EXPECT_THAT(argumentsOf(exportRequest("/w/a", "/out/a", NEBSourceControlLocalRevisionName)),
+    EXPECT_THAT(exportArguments(exportRequest("/w/a", "/out/a", NEBSourceControlLocalRevisionName)),
                 ElementsAre("archive", "NEBSourceControlLocalRevisionName", "a"));
-    EXPECT_THAT(argumentsOf(exportRequest("/w/d/a", "/out/a", {})), ElementsAre("archive", "a"))
+    EXPECT_THAT(exportArguments(exportRequest("/w/d/a", "/out/a", {})), ElementsAre("archive", "a"))
         << "without a revision its argument is missing";
 }
 
@@ -75,17 +75,17 @@ TEST(ExportCommand, UsesTheFileUnchangedWithARepositoryPath) {
     request->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r"},
                                      {NEBSourceControlRequestOptionWorkingCopyPath, "/w"}};
     const ReportCollector collector;
-    EXPECT_THAT(argumentsOf(request),
+    EXPECT_THAT(exportArguments(request),
                 ElementsAre("--git-dir=/r", "--work-tree=/w", "archive", "abc:src", "main.c"));
     request->files = {NEBValue("/w/src/main.c")};
-    EXPECT_THAT(argumentsOf(request),
+    EXPECT_THAT(exportArguments(request),
                 ElementsAre("--git-dir=/r", "--work-tree=/w", "archive", "abc:/w/src", "main.c"));
     EXPECT_TRUE(collector.reports().empty());
 }
 
 TEST(ExportCommand, UsesATemporaryFileWithoutADestination) {
     const auto request = exportRequest("/w/src/main.c");
-    const auto arguments = argumentsOf(request);
+    const auto arguments = exportArguments(request);
     const LOMFilePath* target = request->option(NEBSourceControlOperationPathKey).filePath();
     ASSERT_NE(target, nullptr);
     EXPECT_THAT(target->lastPathComponent(), MatchesRegex("[0-9A-F]{16}-main\\.c"));
@@ -124,7 +124,7 @@ TEST_P(ExportOfInvalidPath, IsReportedAndConstructionContinues) {
     request->destination = "/out/a";
     request->startingRevision = "abc";
     const ReportCollector collector;
-    EXPECT_EQ(argumentsOf(request), GetParam().arguments);
+    EXPECT_EQ(exportArguments(request), GetParam().arguments);
     ASSERT_EQ(collector.reports().size(), 1U);
     const LOMAssertionReport& report = collector.reports().front();
     EXPECT_EQ(report.message,
@@ -147,17 +147,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 /// The character after the location is removed, whatever it is.
 TEST(ExportCommand, RemovesTheLocationAndOneCharacter) {
-    EXPECT_THAT(argumentsOf(exportRequest("/wide/a", "/out/a")),
+    EXPECT_THAT(exportArguments(exportRequest("/wide/a", "/out/a")),
                 ElementsAre("archive", "abc:de", "a"));
-    EXPECT_THAT(argumentsOf(exportRequest("/w\xC3\xA4/a", "/out/a")),
+    EXPECT_THAT(exportArguments(exportRequest("/w\xC3\xA4/a", "/out/a")),
                 ElementsAre("archive", "abc:/", "a"));
     auto request = exportRequest("file:///w/d/a", "/out/a");
     request->sourceTree->location = "file:///w";
-    EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
+    EXPECT_THAT(exportArguments(request), ElementsAre("archive", "abc:d", "a"));
 }
 
 TEST(ExportCommand, KeepsTheFirstByteOfANameThatIsNotUTF8) {
-    EXPECT_THAT(argumentsOf(exportRequest("/w/\x80-x", "/out/a")),
+    EXPECT_THAT(exportArguments(exportRequest("/w/\x80-x", "/out/a")),
                 ElementsAre("archive", "abc", "\x80-x"))
         << "or git would read an option";
 }
@@ -165,7 +165,7 @@ TEST(ExportCommand, KeepsTheFirstByteOfANameThatIsNotUTF8) {
 TEST(ExportCommand, IgnoresATrailingSlashOfTheLocation) {
     auto request = exportRequest("/w/d/a", "/out/a");
     request->sourceTree->location = "/w/";
-    EXPECT_THAT(argumentsOf(request), ElementsAre("archive", "abc:d", "a"));
+    EXPECT_THAT(exportArguments(request), ElementsAre("archive", "abc:d", "a"));
 }
 
 /// An empty list of files counts as none: the destination is the folder for the whole revision.

@@ -32,7 +32,7 @@ std::shared_ptr<NEBSourceControlRequest> listRequest(std::string folder,
 }
 
 /// Returns the name of a record, with a "/" unless it is a leaf.
-std::vector<std::string> textsOf(const std::optional<NEBSourceControlResult>& result) {
+std::vector<std::string> markedNamesOf(const std::optional<NEBSourceControlResult>& result) {
     std::vector<std::string> texts;
     for (const NEBDictionary& record : result.value()) {
         EXPECT_EQ(record.size(), 2U);
@@ -96,47 +96,47 @@ TEST(ListCommand, KeepsBlanksAndWildcardsAndEscapesTheRest) {
 
 // ---- reading what git printed -----------------------------------------------------------------
 
-std::vector<std::string> read(std::optional<Data> output) {
+std::vector<std::string> namesIn(std::optional<Data> output) {
     GitListFilesOperation operation(listRequest("src"));
     operation.setData(std::move(output));
     operation.parseData();
-    return textsOf(operation.result());
+    return markedNamesOf(operation.result());
 }
 
 const std::string object = " 0123456789abcdef0123456789abcdef01234567\t";
 
 TEST(ListOutput, HasARecordPerEntryInOrder) {
-    EXPECT_THAT(
-        read("100644 blob" + object + "src/a.c\0"s + "040000 tree" + object + "src/lib\0"s +
-             "160000 commit" + object + "src/module\0"s + "120000 blob" + object + "src/link\0"s),
-        ElementsAre("a.c", "lib/", "module/", "link"));
+    EXPECT_THAT(namesIn("100644 blob" + object + "src/a.c\0"s + "040000 tree" + object +
+                        "src/lib\0"s + "160000 commit" + object + "src/module\0"s + "120000 blob" +
+                        object + "src/link\0"s),
+                ElementsAre("a.c", "lib/", "module/", "link"));
 }
 
 TEST(ListOutput, WithoutTextIsAnEmptyResult) {
-    EXPECT_THAT(read(""), IsEmpty());
-    EXPECT_THAT(read(std::nullopt), IsEmpty());
+    EXPECT_THAT(namesIn(""), IsEmpty());
+    EXPECT_THAT(namesIn(std::nullopt), IsEmpty());
 }
 
 TEST(ListOutput, PreservesNames) {
-    EXPECT_THAT(read("100644 blob" + object + "src/with blank\0"s + "100644 blob" + object +
-                     "src/\ttab\nline\0"s + "100644 blob" + object + " lead\0"s + "100644 blob" +
-                     object + "\xC3\xA4\0"s),
+    EXPECT_THAT(namesIn("100644 blob" + object + "src/with blank\0"s + "100644 blob" + object +
+                        "src/\ttab\nline\0"s + "100644 blob" + object + " lead\0"s + "100644 blob" +
+                        object + "\xC3\xA4\0"s),
                 ElementsAre("with blank", "\ttab\nline", " lead", "\xC3\xA4"));
-    EXPECT_THAT(read("100644 blob" + object + "a\0"s + "100644 blob" + object + "J\xFC\0"s +
-                     "100644 blob" + object + "b"),
+    EXPECT_THAT(namesIn("100644 blob" + object + "a\0"s + "100644 blob" + object + "J\xFC\0"s +
+                        "100644 blob" + object + "b"),
                 ElementsAre("a", "b"))
         << "a name that is no UTF-8 is left out";
 }
 
 TEST(ListOutput, MakesARecordOfInvalidLinesToo) {
-    EXPECT_THAT(read("\0"s), ElementsAre("/"));
-    EXPECT_THAT(read("nonsense"), ElementsAre("/"));
-    EXPECT_THAT(read("blob x\ty"), ElementsAre("y"))
+    EXPECT_THAT(namesIn("\0"s), ElementsAre("/"));
+    EXPECT_THAT(namesIn("nonsense"), ElementsAre("/"));
+    EXPECT_THAT(namesIn("blob x\ty"), ElementsAre("y"))
         << "without a mode the first word is the type's";
-    EXPECT_THAT(read("100644 blob x"), ElementsAre(""));
-    EXPECT_THAT(read("100644 Blob" + object + "dir/a"), ElementsAre("a/"));
-    EXPECT_THAT(read("100644\t\xC2\xA0"
-                     "blob \t x\ta b/c"),
+    EXPECT_THAT(namesIn("100644 blob x"), ElementsAre(""));
+    EXPECT_THAT(namesIn("100644 Blob" + object + "dir/a"), ElementsAre("a/"));
+    EXPECT_THAT(namesIn("100644\t\xC2\xA0"
+                        "blob \t x\ta b/c"),
                 ElementsAre("c"))
         << "any white space separates";
 }
@@ -154,7 +154,7 @@ protected:
     [[nodiscard]] std::vector<std::string> list(std::string folder) const {
         const auto operation = run(listRequest(std::move(folder), repository.path()));
         EXPECT_EQ(operation->error(), std::nullopt);
-        return textsOf(operation->result());
+        return markedNamesOf(operation->result());
     }
 
     const TestRepository repository;
@@ -269,11 +269,11 @@ TEST_F(ListOfRepository, RefusesABranchAndTheEmptyName) {
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, "main"}};
     const auto ofBranch = run(request);
     EXPECT_THAT(ofBranch->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
-    EXPECT_THAT(textsOf(ofBranch->result()), IsEmpty());
+    EXPECT_THAT(markedNamesOf(ofBranch->result()), IsEmpty());
 
     const auto ofNothing = run(listRequest("", repository.path()));
     EXPECT_THAT(ofNothing->error(), test::IsSourceControlError(-1, HasSubstr("yntax error")));
-    EXPECT_THAT(textsOf(ofNothing->result()), IsEmpty());
+    EXPECT_THAT(markedNamesOf(ofNothing->result()), IsEmpty());
 }
 
 TEST_F(ListOfRepository, ReportsAMissingCommitOrRepository) {
@@ -294,7 +294,7 @@ TEST_F(ListOfRepository, ReportsAFolderOutsideTheWorkingCopy) {
         const auto operation = run(listRequest(folder, repository.path()));
         EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathOutsideErrorClass))
             << folder;
-        EXPECT_THAT(textsOf(operation->result()), IsEmpty()) << folder;
+        EXPECT_THAT(markedNamesOf(operation->result()), IsEmpty()) << folder;
     }
     EXPECT_THAT(list(repository.path("src")), ElementsAre("a"));
     EXPECT_THAT(list(repository.path("nosuch")), IsEmpty());
@@ -304,7 +304,7 @@ TEST_F(ListOfRepository, ClassifiesAMissingFolder) {
     repository.commitFile("src/a", "x");
     const auto operation = run(listRequest("", repository.path()));
     EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInvalidErrorClass));
-    EXPECT_THAT(textsOf(operation->result()), IsEmpty());
+    EXPECT_THAT(markedNamesOf(operation->result()), IsEmpty());
 }
 
 TEST_F(ListOfRepository, DoesNothingAfterAnError) {

@@ -20,7 +20,7 @@ using Arguments = std::vector<std::string>;
 const std::string pretty = "--pretty=format:%x00%h%n%aN%n%aE%n%at%n%B\x01";
 
 /// Returns the arguments between the abbreviation and the format.
-Arguments argumentsOf(const std::shared_ptr<NEBSourceControlRequest>& request) {
+Arguments logArguments(const std::shared_ptr<NEBSourceControlRequest>& request) {
     Arguments arguments = GitLogOperation(request).arguments();
     EXPECT_EQ(arguments.at(0), "log");
     EXPECT_EQ(arguments.at(1), "--abbrev=12");
@@ -61,55 +61,55 @@ TEST(LogCommand, OfAFullRequestHasAllParts) {
         << "only the first file counts, and a range ignores the branch";
 }
 
-struct Revisions {
+struct RevisionsOfLog {
     const char* name;
     NEBValue start, end, branch;
     Arguments arguments;
 };
 
-class LogRevisions : public testing::TestWithParam<Revisions> {};
+class LogRevisions : public testing::TestWithParam<RevisionsOfLog> {};
 
 TEST_P(LogRevisions, BecomeThisArgument) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->startingRevision = GetParam().start;
     request->endingRevision = GetParam().end;
     request->options = NEBDictionary{{NEBSourceControlRequestOptionBranch, GetParam().branch}};
-    EXPECT_EQ(argumentsOf(request), GetParam().arguments);
+    EXPECT_EQ(logArguments(request), GetParam().arguments);
 }
 
-const NEBValue headName(NEBSourceControlHEADRevisionName);
-const NEBValue baseName(NEBSourceControlBASERevisionName);
+const NEBValue headOfLog(NEBSourceControlHEADRevisionName);
+const NEBValue baseOfLog(NEBSourceControlBASERevisionName);
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, LogRevisions,
     testing::Values(
-        Revisions{"Nothing", {}, {}, {}, {}}, Revisions{"Start", "a1", {}, {}, {"a1"}},
-        Revisions{"StartAndNoEnd", "a1", "0", {}, {"a1"}},
-        Revisions{"StartAndTheNumberZero", "a1", 0, {}, {"a1"}},
-        Revisions{"StartAndEnd", "a1", "b2", {}, {"a1...b2"}},
-        Revisions{"HEADByName", headName, {}, {}, {"HEAD"}},
-        Revisions{"BASEByName", baseName, {}, {}, {"HEAD"}},
-        Revisions{"BASEByNameAndNoEnd", baseName, "0", {}, {"HEAD"}},
-        Revisions{"HEADByNameAndEnd", headName, "b2", {}, {"HEAD...b2"}},
-        Revisions{"OnlyTheStartGoesByName",
-                  "a1",
-                  headName,
-                  {},
-                  {"a1...NEBSourceControlHEADRevisionName"}},
-        Revisions{"OtherNamesAreNoHEAD",
-                  NEBSourceControlLocalRevisionName,
-                  {},
-                  {},
-                  {"NEBSourceControlLocalRevisionName"}},
-        Revisions{"EndAlone", {}, "tagtwo", {}, {"HEAD...tagtwo"}},
-        Revisions{"EndAloneIsNone", {}, "0", {}, {}},
-        Revisions{"Branch", {}, {}, "topic", {"topic"}},
-        Revisions{"BranchAndNoEnd", {}, "0", "topic", {"topic"}},
-        Revisions{"BranchIsIgnoredInARangeFromHEAD", {}, "tagtwo", "topic", {"HEAD...tagtwo"}},
-        Revisions{"BranchIsIgnoredBesideAStart", "a1", {}, "topic", {"a1"}},
-        Revisions{"BranchIsIgnoredBesideAStartWithoutEnd", "a1", "0", "topic", {"a1"}},
-        Revisions{"EmptyStartIsThere", "", {}, "topic", {""}},
-        Revisions{"EmptyEndIsThere", "a1", "", {}, {"a1..."}}),
+        RevisionsOfLog{"Nothing", {}, {}, {}, {}}, RevisionsOfLog{"Start", "a1", {}, {}, {"a1"}},
+        RevisionsOfLog{"StartAndNoEnd", "a1", "0", {}, {"a1"}},
+        RevisionsOfLog{"StartAndTheNumberZero", "a1", 0, {}, {"a1"}},
+        RevisionsOfLog{"StartAndEnd", "a1", "b2", {}, {"a1...b2"}},
+        RevisionsOfLog{"HEADByName", headOfLog, {}, {}, {"HEAD"}},
+        RevisionsOfLog{"BASEByName", baseOfLog, {}, {}, {"HEAD"}},
+        RevisionsOfLog{"BASEByNameAndNoEnd", baseOfLog, "0", {}, {"HEAD"}},
+        RevisionsOfLog{"HEADByNameAndEnd", headOfLog, "b2", {}, {"HEAD...b2"}},
+        RevisionsOfLog{"OnlyTheStartGoesByName",
+                       "a1",
+                       headOfLog,
+                       {},
+                       {"a1...NEBSourceControlHEADRevisionName"}},
+        RevisionsOfLog{"OtherNamesAreNoHEAD",
+                       NEBSourceControlLocalRevisionName,
+                       {},
+                       {},
+                       {"NEBSourceControlLocalRevisionName"}},
+        RevisionsOfLog{"EndAlone", {}, "tagtwo", {}, {"HEAD...tagtwo"}},
+        RevisionsOfLog{"EndAloneIsNone", {}, "0", {}, {}},
+        RevisionsOfLog{"Branch", {}, {}, "topic", {"topic"}},
+        RevisionsOfLog{"BranchAndNoEnd", {}, "0", "topic", {"topic"}},
+        RevisionsOfLog{"BranchIsIgnoredInARangeFromHEAD", {}, "tagtwo", "topic", {"HEAD...tagtwo"}},
+        RevisionsOfLog{"BranchIsIgnoredBesideAStart", "a1", {}, "topic", {"a1"}},
+        RevisionsOfLog{"BranchIsIgnoredBesideAStartWithoutEnd", "a1", "0", "topic", {"a1"}},
+        RevisionsOfLog{"EmptyStartIsThere", "", {}, "topic", {""}},
+        RevisionsOfLog{"EmptyEndIsThere", "a1", "", {}, {"a1..."}}),
     [](const auto& parameter) { return parameter.param.name; });
 
 TEST(LogCommand, HasTheLimitInDecimal) {
@@ -117,7 +117,7 @@ TEST(LogCommand, HasTheLimitInDecimal) {
     const auto argumentsFor = [&request](NEBValue limit) {
         request->options =
             NEBDictionary{{NEBSourceControlRequestOptionLogOutputLimit, std::move(limit)}};
-        return argumentsOf(request);
+        return logArguments(request);
     };
     EXPECT_THAT(argumentsFor(25), ElementsAre("-25"));
     EXPECT_THAT(argumentsFor(0), ElementsAre("-0"));
@@ -136,14 +136,14 @@ TEST(LogCommand, ListsFilesIfTheOptionIsTrue) {
                                                      {0, {}}}) {
         request->options =
             NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, value}};
-        EXPECT_EQ(argumentsOf(request), arguments) << value.description();
+        EXPECT_EQ(logArguments(request), arguments) << value.description();
     }
 }
 
 TEST(LogCommand, HasTheFirstFileAfterTwoDashes) {
     auto request = requestFor(NEBSourceControlRequestLog, "/w");
     request->files = std::vector<NEBValue>{};
-    EXPECT_THAT(argumentsOf(request), IsEmpty());
+    EXPECT_THAT(logArguments(request), IsEmpty());
     request->files = {NEBValue("/w/a.c"), NEBValue("/w/b.c")};
     EXPECT_THAT(GitLogOperation(request).arguments(),
                 ElementsAre("log", "--abbrev=12", pretty, "--", "/w/a.c"));

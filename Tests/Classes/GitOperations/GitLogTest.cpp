@@ -35,7 +35,7 @@ std::string textOf(const NEBDictionary& record) {
     return text;
 }
 
-std::vector<std::string> read(Data output, bool withFiles = false) {
+std::vector<std::string> messagesOf(Data output, bool withFiles = false) {
     GitLogOperation operation(logRequest(withFiles));
     operation.setData(std::move(output));
     operation.parseData();
@@ -57,15 +57,15 @@ const std::string annOn = "0123456789ab|Ann Example|ann@example.org|";
 const std::string ann = annOn + "2020-09-13T12:26:40Z|";
 
 TEST(LogOutput, HasARecordPerCommitInOrder) {
-    EXPECT_THAT(read(block("one\n") + "\n" + block("two\n\nbody\n", "1", "abcdefabcdef")),
+    EXPECT_THAT(messagesOf(block("one\n") + "\n" + block("two\n\nbody\n", "1", "abcdefabcdef")),
                 ElementsAre(ann + "one",
                             "abcdefabcdef|Ann Example|ann@example.org|"
                             "1970-01-01T00:00:01Z|two\n\nbody"));
 }
 
 TEST(LogOutput, WithoutCommitsIsAnEmptyResult) {
-    EXPECT_THAT(read(""), IsEmpty());
-    EXPECT_THAT(read(std::string(3, '\0')), IsEmpty());
+    EXPECT_THAT(messagesOf(""), IsEmpty());
+    EXPECT_THAT(messagesOf(std::string(3, '\0')), IsEmpty());
     GitLogOperation operation(logRequest(false));
     operation.parseData();
     EXPECT_EQ(operation.result(), NEBSourceControlResult{}) << "no data is no reason for no result";
@@ -73,7 +73,7 @@ TEST(LogOutput, WithoutCommitsIsAnEmptyResult) {
 
 TEST(LogOutput, CutsARevisionTo12Characters) {
     const auto revisionOf = [](std::string_view revision) {
-        const std::string text = read(block("m", "1", revision)).at(0);
+        const std::string text = messagesOf(block("m", "1", revision)).at(0);
         return text.substr(0, text.find('|'));
     };
     EXPECT_EQ(revisionOf("0123456789abc"), "0123456789ab");
@@ -105,8 +105,8 @@ TEST(LogOutput, RemovesLineEndsAroundAMessage) {
         {"12345\nann@example.org\n", "12345\nann@example.org"},
     };
     for (const auto& [printed, kept] : messages) {
-        EXPECT_THAT(read(block(printed)), ElementsAre(ann + kept)) << printed;
-        EXPECT_THAT(read(block(printed) + "\n\n", true), ElementsAre(ann + kept)) << printed;
+        EXPECT_THAT(messagesOf(block(printed)), ElementsAre(ann + kept)) << printed;
+        EXPECT_THAT(messagesOf(block(printed) + "\n\n", true), ElementsAre(ann + kept)) << printed;
     }
 }
 
@@ -135,64 +135,64 @@ TEST(LogOutput, ParsesTheDateAsA32BitNumber) {
         {"00000000000000000000000000000007", "1970-01-01T00:00:07Z"},
     };
     for (const auto& [seconds, date] : dates) {
-        EXPECT_THAT(read(block("m", seconds)), ElementsAre(annOn + date + "|m")) << seconds;
+        EXPECT_THAT(messagesOf(block("m", seconds)), ElementsAre(annOn + date + "|m")) << seconds;
     }
 }
 
 TEST(LogOutput, ListsTheFilesWithTheirStates) {
-    EXPECT_THAT(read(block("m\n") + "\nM\ta.c\nA\tsrc/b c.c\nD\td\nT\tt\nU\tu\nX\tx\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\ta.c\nA\tsrc/b c.c\nD\td\nT\tt\nU\tu\nX\tx\n", true),
                 ElementsAre(ann + "m|{a.c = 4, src/b c.c = 1, d = 2, t = 4, u = 16, x = 0}"));
-    EXPECT_THAT(read(block("m\n") + "\nM\ta.c\n\n" + block("n\n") + "\nA\tb.c\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\ta.c\n\n" + block("n\n") + "\nA\tb.c\n", true),
                 ElementsAre(ann + "m|{a.c = 4}", ann + "n|{b.c = 1}"));
 }
 
 TEST(LogOutput, KeepsTheOldPathOfARenameAndOfACopy) {
-    EXPECT_THAT(read(block("m\n") + "\nR094\told.c\tnew.c\nC100\tfrom\tto\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nR094\told.c\tnew.c\nC100\tfrom\tto\n", true),
                 ElementsAre(ann + "m|{old.c = 4096, from = 4096}"));
 }
 
 TEST(LogOutput, KeepsTheLaterOfTwoLinesForOnePath) {
-    EXPECT_THAT(read(block("m\n") + "\nM\ta\nA\tb\nD\ta\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\ta\nA\tb\nD\ta\n", true),
                 ElementsAre(ann + "m|{a = 2, b = 1}"));
 }
 
 TEST(LogOutput, HasNoFilesKeyWithoutFilesOrWithoutTheOption) {
-    EXPECT_THAT(read(block("m\n") + "\n\n", true), ElementsAre(ann + "m"));
-    EXPECT_THAT(read(block("m\n"), true), ElementsAre(ann + "m"));
-    EXPECT_THAT(read(block("m\n") + "\nM\ta\n", false), ElementsAre(ann + "m"));
+    EXPECT_THAT(messagesOf(block("m\n") + "\n\n", true), ElementsAre(ann + "m"));
+    EXPECT_THAT(messagesOf(block("m\n"), true), ElementsAre(ann + "m"));
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\ta\n", false), ElementsAre(ann + "m"));
 }
 
 TEST(LogOutput, LeavesOutAFileLineWithoutATAB) {
-    EXPECT_THAT(read(block("m\n") + "\nnonsense\nM\ta\n\nA\tb\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nnonsense\nM\ta\n\nA\tb\n", true),
                 ElementsAre(ann + "m|{a = 4, b = 1}"));
-    EXPECT_THAT(read(block("m\n") + "\nnonsense\n", true), ElementsAre(ann + "m|{}"));
+    EXPECT_THAT(messagesOf(block("m\n") + "\nnonsense\n", true), ElementsAre(ann + "m|{}"));
 }
 
 /// The header ends with the first such byte, and the list of files begins after the last one. A
 /// message with that byte is cut, but its files are correct.
 TEST(LogOutput, EndsAMessageAtTheByteThatEndsAHeader) {
-    EXPECT_THAT(read(block("before\x01 after\nM\tnone\n") + "\nM\ta\n", true),
+    EXPECT_THAT(messagesOf(block("before\x01 after\nM\tnone\n") + "\nM\ta\n", true),
                 ElementsAre(ann + "before|{a = 4}"));
-    EXPECT_THAT(read(block("\x01\x01")), ElementsAre(ann));
+    EXPECT_THAT(messagesOf(block("\x01\x01")), ElementsAre(ann));
 }
 
 /// The header is also parsed as the list of files then; git always prints the byte.
 TEST(LogOutput, UsesABlockWithoutHeaderEndForBothParts) {
     std::string whole = block("m\nM\ta\n");
     whole.pop_back();
-    EXPECT_THAT(read(whole, true), ElementsAre(ann + "m\nM\ta|{a = 4}"));
-    EXPECT_THAT(read(whole, false), ElementsAre(ann + "m\nM\ta"));
+    EXPECT_THAT(messagesOf(whole, true), ElementsAre(ann + "m\nM\ta|{a = 4}"));
+    EXPECT_THAT(messagesOf(whole, false), ElementsAre(ann + "m\nM\ta"));
 }
 
 TEST(LogOutput, TreatsMissingHeaderLinesAsEmpty) {
     using std::string_literals::operator""s;
-    EXPECT_THAT(read("\0abc"s), ElementsAre("abc|||1970-01-01T00:00:00Z|"));
-    EXPECT_THAT(read("\0abc\nAnn\x01\nM\ta"s, true),
+    EXPECT_THAT(messagesOf("\0abc"s), ElementsAre("abc|||1970-01-01T00:00:00Z|"));
+    EXPECT_THAT(messagesOf("\0abc\nAnn\x01\nM\ta"s, true),
                 ElementsAre("abc|Ann||1970-01-01T00:00:00Z||{a = 4}"));
-    EXPECT_THAT(read("\0\x01"s), ElementsAre("|||1970-01-01T00:00:00Z|"));
-    EXPECT_THAT(read("\0h\n\n\n5\nm\x01"s), ElementsAre("h|||1970-01-01T00:00:05Z|m"))
+    EXPECT_THAT(messagesOf("\0\x01"s), ElementsAre("|||1970-01-01T00:00:00Z|"));
+    EXPECT_THAT(messagesOf("\0h\n\n\n5\nm\x01"s), ElementsAre("h|||1970-01-01T00:00:05Z|m"))
         << "an author without a name is no missing line";
-    EXPECT_THAT(read("text before\0h\na\ne\n5\nm\x01"s),
+    EXPECT_THAT(messagesOf("text before\0h\na\ne\n5\nm\x01"s),
                 ElementsAre("text before|||1970-01-01T00:00:00Z|", "h|a|e|1970-01-01T00:00:05Z|m"));
 }
 
@@ -207,9 +207,9 @@ TEST(LogOutput, OmitsAndReportsACommitThatIsNotUTF8) {
         operation.setData(output);
         operation.parseData();
         EXPECT_THAT(operation.omittedRevisions(), ElementsAre("0123456789ab", "abc", "def"));
-        EXPECT_THAT(read(output, withFiles), ElementsAre(ann + "one", ann + "three"));
+        EXPECT_THAT(messagesOf(output, withFiles), ElementsAre(ann + "one", ann + "three"));
     }
-    EXPECT_THAT(read("\0no header \xE4"s, true), IsEmpty());
+    EXPECT_THAT(messagesOf("\0no header \xE4"s, true), IsEmpty());
 }
 
 TEST(LogOutput, QuotesAPathThatIsNotUTF8) {
@@ -229,16 +229,16 @@ TEST(LogOutput, QuotesAPathThatIsNotUTF8) {
     };
     for (const auto& [printed, key] : paths) {
         std::string line = "M\t" + printed + "\nA\tplain \xE2\x80\xA8.c\n";
-        EXPECT_THAT(read(block("m\n") + "\n" + line, true),
+        EXPECT_THAT(messagesOf(block("m\n") + "\n" + line, true),
                     ElementsAre(ann + "m|{" + key + " = 4, plain \xE2\x80\xA8.c = 1}"));
         line = "R100\t" + printed + "\tnew \xE4\nR050\told\tto \xE4\n";
-        EXPECT_THAT(read(block("m\n") + "\n" + line, true),
+        EXPECT_THAT(messagesOf(block("m\n") + "\n" + line, true),
                     ElementsAre(ann + "m|{" + key + " = 4096, old = 4096}"));
     }
-    EXPECT_THAT(read(block("m\n") + "\nM\t\xE4\xE2\x80\xA8\n", true),
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\t\xE4\xE2\x80\xA8\n", true),
                 ElementsAre(ann + R"(m|{"\344\342\200\250" = 4})"))
         << "a line end of another kind belongs to the name";
-    EXPECT_THAT(read(block("m\n") + "\nM\t\xE4\n", false), ElementsAre(ann + "m"));
+    EXPECT_THAT(messagesOf(block("m\n") + "\nM\t\xE4\n", false), ElementsAre(ann + "m"));
 }
 
 /// Parses the output as it arrives from a child, in chunks of about this size.
@@ -270,7 +270,7 @@ TEST(LogOutput, IsTheSameWhenParsedIncrementally) {
         output += "A\tfolder/file" + std::to_string(i) + "\n";
     }
     output += block("the last\n") + "\nD\tfile\n";
-    const std::vector<std::string> whole = read(output, true);
+    const std::vector<std::string> whole = messagesOf(output, true);
     EXPECT_EQ(whole.size(), 8002 - 1143U);
     for (const std::size_t pieceSize : {70'001U, 300'000U, 1'000'000U}) {
         EXPECT_EQ(readAhead(output, pieceSize), whole) << pieceSize;

@@ -77,7 +77,7 @@ TEST(MergeBaseArguments, SymbolicNamesStandForHEAD) {
                 ElementsAre("merge-base", "HEAD", "HEAD"));
 }
 
-struct ExpectedReport {
+struct ExpectedMergeReport {
     NEBValue starting, ending;
     int line;
     const char* message;
@@ -85,7 +85,7 @@ struct ExpectedReport {
 };
 
 TEST(MergeBaseArguments, ReportAnythingButANonEmptyString) {
-    const ExpectedReport expected[] = {
+    const ExpectedMergeReport expected[] = {
         {{},
          "b",
          1344,
@@ -105,7 +105,7 @@ TEST(MergeBaseArguments, ReportAnythingButANonEmptyString) {
         {"a", "", 1345, "endingRevision should be a non-empty string, but it's an empty string",
          "![@\"\" isEqualToString:(endingRevision)]"},
     };
-    for (const ExpectedReport& row : expected) {
+    for (const ExpectedMergeReport& row : expected) {
         const ReportCollector collector;
         const GitMergeBaseOperation operation(mergeBase(row.starting, row.ending));
         ASSERT_EQ(collector.reports().size(), 1U) << row.message;

@@ -18,9 +18,9 @@ using test::valuesOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue destination = {},
-                                                 std::optional<std::vector<NEBValue>> files = {},
-                                                 const std::string& location = "/w") {
+std::shared_ptr<NEBSourceControlRequest> remoteRequest(
+    std::int32_t type, NEBValue destination = {}, std::optional<std::vector<NEBValue>> files = {},
+    const std::string& location = "/w") {
     auto made = requestFor(type, location);
     made->destination = std::move(destination);
     made->files = std::move(files);
@@ -46,40 +46,41 @@ NEBDictionary remote(const std::string& name, const std::string& location,
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(RemoteArguments, FollowTheDefaultArguments) {
+    EXPECT_THAT(GitListStandardRemotesOperation(remoteRequest(NEBSourceControlRequestListRemotes))
+                    .arguments(),
+                ElementsAre("remote", "-v"));
+    EXPECT_THAT(GitListStandardRemotesOperation(
+                    withPaths(remoteRequest(NEBSourceControlRequestListRemotes)))
+                    .arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "-v"));
     EXPECT_THAT(
-        GitListStandardRemotesOperation(request(NEBSourceControlRequestListRemotes)).arguments(),
-        ElementsAre("remote", "-v"));
-    EXPECT_THAT(
-        GitListStandardRemotesOperation(withPaths(request(NEBSourceControlRequestListRemotes)))
-            .arguments(),
-        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "-v"));
-    EXPECT_THAT(
-        GitAddRemoteOperation(
-            withPaths(request(NEBSourceControlRequestAddRemote, "mirror", valuesOf({"/m.git"}))))
+        GitAddRemoteOperation(withPaths(remoteRequest(NEBSourceControlRequestAddRemote, "mirror",
+                                                      valuesOf({"/m.git"}))))
             .arguments(),
         ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "add", "mirror", "/m.git"));
-    EXPECT_THAT(
-        GitRemoveRemoteOperation(withPaths(request(NEBSourceControlRequestRemoveRemote, "mirror")))
-            .arguments(),
-        ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
+    EXPECT_THAT(GitRemoveRemoteOperation(
+                    withPaths(remoteRequest(NEBSourceControlRequestRemoveRemote, "mirror")))
+                    .arguments(),
+                ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "remote", "rm", "mirror"));
 }
 
 TEST(RemoteArguments, OmitMissingValues) {
-    EXPECT_THAT(GitAddRemoteOperation(request(NEBSourceControlRequestAddRemote)).arguments(),
+    EXPECT_THAT(GitAddRemoteOperation(remoteRequest(NEBSourceControlRequestAddRemote)).arguments(),
                 ElementsAre("remote", "add"));
     EXPECT_THAT(GitAddRemoteOperation(
-                    request(NEBSourceControlRequestAddRemote, "m", valuesOf({"/a", "/b"})))
+                    remoteRequest(NEBSourceControlRequestAddRemote, "m", valuesOf({"/a", "/b"})))
                     .arguments(),
                 ElementsAre("remote", "add", "m"))
         << "no one location";
-    EXPECT_THAT(GitRemoveRemoteOperation(request(NEBSourceControlRequestRemoveRemote)).arguments(),
-                ElementsAre("remote", "rm"));
+    EXPECT_THAT(
+        GitRemoveRemoteOperation(remoteRequest(NEBSourceControlRequestRemoveRemote)).arguments(),
+        ElementsAre("remote", "rm"));
 }
 
 // ---- what git prints --------------------------------------------------------------------------
 
 std::optional<NEBSourceControlResult> resultOf(const std::optional<Data>& output) {
-    GitListStandardRemotesOperation operation(request(NEBSourceControlRequestListRemotes));
+    GitListStandardRemotesOperation operation(remoteRequest(NEBSourceControlRequestListRemotes));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -128,7 +129,8 @@ protected:
     [[nodiscard]] std::shared_ptr<NEBSourceControlOperation> run(
         std::int32_t type, NEBValue destination = {},
         std::optional<std::vector<NEBValue>> files = {}) const {
-        return perform(request(type, std::move(destination), std::move(files), repository.path()));
+        return perform(
+            remoteRequest(type, std::move(destination), std::move(files), repository.path()));
     }
     static constexpr const char* listing = "remote -v";
     static constexpr const char* svnURL = "config --get svn-remote.svn.url";
@@ -178,7 +180,8 @@ TEST_F(Remotes, EndWithTheSubversionRepository) {
 
 TEST_F(Remotes, ThatCannotBeListedAreAnErrorWithoutFurtherCommands) {
     const test::TemporaryFolder folder;
-    const auto list = perform(request(NEBSourceControlRequestListRemotes, {}, {}, folder.path()));
+    const auto list =
+        perform(remoteRequest(NEBSourceControlRequestListRemotes, {}, {}, folder.path()));
     EXPECT_THAT(list->error(), HasErrorClass(NEBSourceControlNotARepositoryErrorClass));
     EXPECT_EQ(list->result(), std::nullopt);
     EXPECT_THAT(commandLinesOf(*list), ElementsAre(listing));
@@ -190,8 +193,8 @@ TEST_F(Remotes, AreListedIfTheSubversionQueryFails) {
     repository.git({"remote", "add", "origin", "/o.git"});
     const TestRepository broken;
     broken.write(".git/config", "[core\n");
-    auto asked = request(NEBSourceControlRequestListRemotes, {}, valuesOf({broken.path()}),
-                         repository.path());
+    auto asked = remoteRequest(NEBSourceControlRequestListRemotes, {}, valuesOf({broken.path()}),
+                               repository.path());
     const auto list = perform(asked);
     EXPECT_EQ(list->error(), std::nullopt);
     EXPECT_EQ(list->result(),

@@ -18,7 +18,8 @@ using test::valuesOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue destination = {}) {
+std::shared_ptr<NEBSourceControlRequest> subversionRequest(std::int32_t type,
+                                                           NEBValue destination = {}) {
     auto made = requestFor(type, "/w");
     made->destination = std::move(destination);
     made->options = NEBDictionary{{NEBSourceControlRequestOptionRepositoryPath, "/r/.git"}};
@@ -29,19 +30,20 @@ std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type, NEBValue des
 
 TEST(SubversionArguments, AreFixedAndWithoutDefaultArguments) {
     EXPECT_THAT(
-        GitFetchSVNRemoteNameOperation(request(NEBSourceControlRequestListRemotes)).arguments(),
-        ElementsAre("config", "--get", "svn-remote.svn.fetch"));
-    EXPECT_THAT(GitSvnFetchOperation(request(NEBSourceControlRequestFetch)).arguments(),
-                ElementsAre("svn", "fetch"));
-    EXPECT_THAT(
-        GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "refs/remotes/git-svn"))
+        GitFetchSVNRemoteNameOperation(subversionRequest(NEBSourceControlRequestListRemotes))
             .arguments(),
-        ElementsAre("rebase", "-s", "recursive", "-X", "ours", "refs/remotes/git-svn"));
+        ElementsAre("config", "--get", "svn-remote.svn.fetch"));
+    EXPECT_THAT(GitSvnFetchOperation(subversionRequest(NEBSourceControlRequestFetch)).arguments(),
+                ElementsAre("svn", "fetch"));
+    EXPECT_THAT(GitSvnRebaseOperation(
+                    subversionRequest(NEBSourceControlRequestUpdate, "refs/remotes/git-svn"))
+                    .arguments(),
+                ElementsAre("rebase", "-s", "recursive", "-X", "ours", "refs/remotes/git-svn"));
 }
 
 TEST(SubversionArguments, ReadTheNameInTheFolderOfTheOnlyFile) {
     const auto folderFor = [](std::optional<std::vector<NEBValue>> files) {
-        auto asked = request(NEBSourceControlRequestListRemotes);
+        auto asked = subversionRequest(NEBSourceControlRequestListRemotes);
         asked->files = std::move(files);
         return GitFetchSVNRemoteNameOperation(asked).currentDirectoryPath();
     };
@@ -54,11 +56,11 @@ TEST(SubversionArguments, ReadTheNameInTheFolderOfTheOnlyFile) {
 
 TEST(SubversionArguments, ReportARebaseWithoutTarget) {
     const ReportCollector collector;
-    EXPECT_THAT(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate)).arguments(),
+    EXPECT_THAT(GitSvnRebaseOperation(subversionRequest(NEBSourceControlRequestUpdate)).arguments(),
                 ElementsAre("rebase", "-s", "recursive", "-X", "ours"));
-    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, 7)));
-    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "")));
-    static_cast<void>(GitSvnRebaseOperation(request(NEBSourceControlRequestUpdate, "x")));
+    static_cast<void>(GitSvnRebaseOperation(subversionRequest(NEBSourceControlRequestUpdate, 7)));
+    static_cast<void>(GitSvnRebaseOperation(subversionRequest(NEBSourceControlRequestUpdate, "")));
+    static_cast<void>(GitSvnRebaseOperation(subversionRequest(NEBSourceControlRequestUpdate, "x")));
     ASSERT_EQ(collector.reports().size(), 3U);
     for (const LOMAssertionReport& report : collector.reports()) {
         EXPECT_EQ(report.function, "-[GitSvnRebaseOperation initWithRequest:]");
@@ -81,7 +83,7 @@ TEST(SubversionArguments, ReportARebaseWithoutTarget) {
 // ---- what git prints --------------------------------------------------------------------------
 
 std::optional<NEBSourceControlResult> nameIn(const std::optional<Data>& output) {
-    GitFetchSVNRemoteNameOperation operation(request(NEBSourceControlRequestListRemotes));
+    GitFetchSVNRemoteNameOperation operation(subversionRequest(NEBSourceControlRequestListRemotes));
     operation.setData(output);
     operation.parseData();
     return operation.result();
@@ -109,7 +111,7 @@ TEST(SubversionName, WithoutComponentIsAnEmptyRecord) {
 
 struct SubversionFetched {
     SubversionFetched(const std::optional<Data>& output, const std::optional<Data>& errors)
-        : operation(request(NEBSourceControlRequestFetch)) {
+        : operation(subversionRequest(NEBSourceControlRequestFetch)) {
         operation.setData(output);
         operation.setErrorData(errors);
         operation.parseData();

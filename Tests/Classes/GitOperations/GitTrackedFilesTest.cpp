@@ -25,10 +25,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-std::shared_ptr<NEBSourceControlRequest> request(std::int32_t type,
-                                                 std::optional<std::vector<NEBValue>> files,
-                                                 NEBValue destination = {},
-                                                 const std::string& location = "/w") {
+std::shared_ptr<NEBSourceControlRequest> filesRequest(std::int32_t type,
+                                                      std::optional<std::vector<NEBValue>> files,
+                                                      NEBValue destination = {},
+                                                      const std::string& location = "/w") {
     auto made = requestFor(type, location);
     made->files = std::move(files);
     made->destination = std::move(destination);
@@ -41,26 +41,27 @@ const NEBDictionary bothPaths{{NEBSourceControlRequestOptionRepositoryPath, "/r/
 // ---- the command lines ------------------------------------------------------------------------
 
 TEST(AddArguments, AreTheWholeWorkingCopyWithoutDestinationOrFiles) {
-    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, std::nullopt)).arguments(),
+    EXPECT_THAT(GitAddOperation(filesRequest(NEBSourceControlRequestAdd, std::nullopt)).arguments(),
                 ElementsAre("add", "--", "."));
-    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, valuesOf({}))).arguments(),
+    EXPECT_THAT(GitAddOperation(filesRequest(NEBSourceControlRequestAdd, valuesOf({}))).arguments(),
                 ElementsAre("add", "--", "."));
 }
 
 TEST(AddArguments, AreOnlyTheDestinationIfSet) {
-    EXPECT_THAT(
-        GitAddOperation(request(NEBSourceControlRequestAdd, valuesOf({"/w/a", "/w/b"}), "/w/there"))
-            .arguments(),
-        ElementsAre("add", "--", "/w/there"));
-    const test::TemporaryFolder folder;
-    EXPECT_THAT(GitAddOperation(request(NEBSourceControlRequestAdd, std::nullopt, folder.path()))
+    EXPECT_THAT(GitAddOperation(filesRequest(NEBSourceControlRequestAdd, valuesOf({"/w/a", "/w/b"}),
+                                             "/w/there"))
                     .arguments(),
-                ElementsAre("add", "--", folder.path()))
+                ElementsAre("add", "--", "/w/there"));
+    const test::TemporaryFolder folder;
+    EXPECT_THAT(
+        GitAddOperation(filesRequest(NEBSourceControlRequestAdd, std::nullopt, folder.path()))
+            .arguments(),
+        ElementsAre("add", "--", folder.path()))
         << "no slash is put behind a destination";
 }
 
 TEST(AddArguments, FollowTheDefaultArguments) {
-    auto asked = request(NEBSourceControlRequestAddFiles, valuesOf({"/r/a"}));
+    auto asked = filesRequest(NEBSourceControlRequestAddFiles, valuesOf({"/r/a"}));
     asked->options = bothPaths;
     EXPECT_THAT(GitAddOperation(asked).arguments(),
                 ElementsAre("--git-dir=/r/.git", "--work-tree=/r", "add", "--", "/r/a"));
@@ -73,9 +74,9 @@ TEST(AddArguments, AppendASlashToFolders) {
     fs::create_directory_symlink("Sources", folder.path("link"));
     EXPECT_THAT(
         GitAddOperation(
-            request(NEBSourceControlRequestAddFiles,
-                    valuesOf({folder.path("Sources"), folder.path("a.c"), folder.path("link"),
-                              folder.path("nothing"), folder.path("a.c") + "/", ""})))
+            filesRequest(NEBSourceControlRequestAddFiles,
+                         valuesOf({folder.path("Sources"), folder.path("a.c"), folder.path("link"),
+                                   folder.path("nothing"), folder.path("a.c") + "/", ""})))
             .arguments(),
         ElementsAre("add", "--", folder.path("Sources/"), folder.path("a.c"), folder.path("link"),
                     folder.path("nothing"), folder.path("a.c") + "/", ""))
@@ -85,16 +86,17 @@ TEST(AddArguments, AppendASlashToFolders) {
 TEST(AddArguments, KeepTheEmptyName) {
     const test::TemporaryFolder folder;
     for (const std::int32_t type : {NEBSourceControlRequestAdd, NEBSourceControlRequestAddFiles}) {
-        EXPECT_THAT(GitAddOperation(request(type, valuesOf({""}), {}, folder.path())).arguments(),
-                    ElementsAre("add", "--", ""))
+        EXPECT_THAT(
+            GitAddOperation(filesRequest(type, valuesOf({""}), {}, folder.path())).arguments(),
+            ElementsAre("add", "--", ""))
             << "it names neither the root nor the working directory";
     }
 }
 
 TEST(AddArguments, ReportAFileThatIsNotAString) {
     const ReportCollector collector;
-    const GitAddOperation operation(request(NEBSourceControlRequestAddFiles,
-                                            std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
+    const GitAddOperation operation(filesRequest(
+        NEBSourceControlRequestAddFiles, std::vector<NEBValue>{"/w/a", NEBValue(), 7, "/w/b"}));
     EXPECT_THAT(operation.arguments(), ElementsAre("add", "--", "/w/a", "7", "/w/b"));
     ASSERT_EQ(collector.reports().size(), 2U);
     const LOMAssertionReport& absent = collector.reports()[0];
@@ -112,19 +114,19 @@ TEST(AddArguments, ReportAFileThatIsNotAString) {
 }
 
 TEST(RemoveArguments, AreAlwaysByForceAndRecursive) {
+    EXPECT_THAT(GitRemoveOperation(
+                    filesRequest(NEBSourceControlRequestRemove, valuesOf({"/w/a", "-b", "c/"})))
+                    .arguments(),
+                ElementsAre("rm", "-f", "-r", "--", "/w/a", "-b", "c/"));
     EXPECT_THAT(
-        GitRemoveOperation(request(NEBSourceControlRequestRemove, valuesOf({"/w/a", "-b", "c/"})))
-            .arguments(),
-        ElementsAre("rm", "-f", "-r", "--", "/w/a", "-b", "c/"));
-    EXPECT_THAT(
-        GitRemoveOperation(request(NEBSourceControlRequestRemove, std::nullopt)).arguments(),
+        GitRemoveOperation(filesRequest(NEBSourceControlRequestRemove, std::nullopt)).arguments(),
         ElementsAre("rm", "-f", "-r", "--"));
-    auto asked = request(NEBSourceControlRequestRemove, valuesOf({"/r/a"}));
+    auto asked = filesRequest(NEBSourceControlRequestRemove, valuesOf({"/r/a"}));
     asked->options = bothPaths;
     EXPECT_THAT(GitRemoveOperation(asked).arguments(), ElementsAre("rm", "-f", "-r", "--", "/r/a"))
         << "no default arguments";
-    EXPECT_THAT(GitRemoveOperation(
-                    request(NEBSourceControlRequestRemove, std::vector<NEBValue>{NEBValue(), "a"}))
+    EXPECT_THAT(GitRemoveOperation(filesRequest(NEBSourceControlRequestRemove,
+                                                std::vector<NEBValue>{NEBValue(), "a"}))
                     .arguments(),
                 ElementsAre("rm", "-f", "-r", "--", "a"))
         << "a file that is missing must not stand for one of some name";
@@ -132,16 +134,17 @@ TEST(RemoveArguments, AreAlwaysByForceAndRecursive) {
 
 /// A move has one destination, so that further files are ignored on purpose.
 TEST(MoveArguments, AreTheFirstFileAndTheDestination) {
-    EXPECT_THAT(GitMoveOperation(request(NEBSourceControlRequestMove,
-                                         valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d"))
+    EXPECT_THAT(GitMoveOperation(filesRequest(NEBSourceControlRequestMove,
+                                              valuesOf({"/w/a", "/w/b", "/w/c"}), "/w/d"))
                     .arguments(),
                 ElementsAre("mv", "/w/a", "/w/d"));
-    auto asked = request(NEBSourceControlRequestMove, valuesOf({"/r/a"}), "/r/b");
+    auto asked = filesRequest(NEBSourceControlRequestMove, valuesOf({"/r/a"}), "/r/b");
     asked->options = bothPaths;
     EXPECT_THAT(GitMoveOperation(asked).arguments(), ElementsAre("mv", "/r/a", "/r/b"))
         << "neither -- nor default arguments";
-    EXPECT_THAT(GitMoveOperation(request(NEBSourceControlRequestMove, std::nullopt)).arguments(),
-                ElementsAre("mv"));
+    EXPECT_THAT(
+        GitMoveOperation(filesRequest(NEBSourceControlRequestMove, std::nullopt)).arguments(),
+        ElementsAre("mv"));
 }
 
 // ---- real repositories ------------------------------------------------------------------------
@@ -154,7 +157,7 @@ protected:
         for (const std::string& name : names) {
             files.emplace_back(repository.path(name));
         }
-        return perform(request(type, files, std::move(destination), repository.path()));
+        return perform(filesRequest(type, files, std::move(destination), repository.path()));
     }
     [[nodiscard]] std::string tracked() const { return repository.git({"ls-files"}); }
 

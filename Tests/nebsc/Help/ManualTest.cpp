@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 constexpr const char* pageFile = NEB_BUILD_FOLDER "/share/man/man1/nebsc.1";
 
-std::string contentOf(const fs::path& file) {
+std::string textOfFile(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
@@ -49,13 +49,13 @@ void expectInPage(const std::string& page, const nebsc::Command& command,
 }
 
 TEST(Manual, IsWhatTheProgramPrints) {
-    const std::string page = contentOf(pageFile);
+    const std::string page = textOfFile(pageFile);
     ASSERT_FALSE(page.empty());
     expectDone(runNebsc({"manual"}), page);
 }
 
 TEST(Manual, HasEveryCommandAndOption) {
-    const std::string page = contentOf(pageFile);
+    const std::string page = textOfFile(pageFile);
     for (const nebsc::Command* command : nebsc::allCommands()) {
         expectInPage(page, *command, "nebsc ");
     }
@@ -69,14 +69,14 @@ TEST(Manual, HasEveryCommandAndOption) {
 }
 
 TEST(Manual, NamesEveryVariableThatIsRead) {
-    const std::string page = contentOf(pageFile);
+    const std::string page = textOfFile(pageFile);
     const std::string variables = page.substr(page.find(".SH \"ENVIRONMENT\""));
     const std::regex reading(R"~((getenv|variable)\("([A-Z_]+)"\))~");
     std::size_t count = 0;
     for (const char* folder : {"/Tools", "/Host", "/Classes"}) {
         for (const auto& entry :
              fs::recursive_directory_iterator(std::string(NEB_SOURCE_FOLDER) + folder)) {
-            const std::string source = entry.is_regular_file() ? contentOf(entry.path()) : "";
+            const std::string source = entry.is_regular_file() ? textOfFile(entry.path()) : "";
             for (std::sregex_iterator match(source.begin(), source.end(), reading), end;
                  match != end; ++match) {
                 const std::string name = (*match)[2].str();

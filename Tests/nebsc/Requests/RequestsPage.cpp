@@ -15,7 +15,7 @@ namespace neb::test {
 
 namespace {
 
-constexpr const char* file = NEB_SOURCE_FOLDER "/docs/requests.md";
+constexpr const char* pageFile = NEB_SOURCE_FOLDER "/docs/requests.md";
 constexpr std::string_view heading = "\n## ";
 constexpr std::string_view fence = "```";
 constexpr std::string_view factsPrefix = "Class: ";
@@ -98,7 +98,7 @@ RequestSection sectionOf(const std::string& text) {
 }  // namespace
 
 RequestsPage::RequestsPage() : _isWritten(std::getenv("NEB_WRITE_REQUESTS_PAGE") != nullptr) {
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(pageFile, std::ios::binary);
     const std::string page(std::istreambuf_iterator<char>(stream), {});
     std::size_t begin = page.find(heading);
     _introduction = page.substr(0, begin);
@@ -144,7 +144,7 @@ void RequestsPage::write() const {
     if (!_isWritten) {
         return;
     }
-    std::ofstream stream(file, std::ios::binary);
+    std::ofstream stream(pageFile, std::ios::binary);
     stream << std::regex_replace(_introduction, std::regex(R"(Made with [^\n]*\.)"), madeWith());
     for (const RequestSection& section : _sections) {
         const auto text = _newTexts.find(section.type);

@@ -30,7 +30,7 @@ using JSON = nlohmann::ordered_json;
 using testing::HasSubstr;
 
 /// The folder of the examples, as written on the page.
-constexpr std::string_view pageFolder = "/home/ann";
+constexpr std::string_view exampleFolder = "/home/ann";
 
 std::string replaced(std::string text, std::string_view what, std::string_view with) {
     for (std::size_t position = 0; (position = text.find(what, position)) != std::string::npos;
@@ -97,7 +97,7 @@ public:
         }
         const NebscOutcome outcome =
             runNebsc(args, {.folder = _folder.path(),
-                            .input = replaced(example.request, pageFolder, path()),
+                            .input = replaced(example.request, exampleFolder, path()),
                             .variables = {{"TMPDIR", path() + "/tmp"}}});
         EXPECT_EQ(outcome.errors, "");
         return outcome.json();
@@ -107,7 +107,7 @@ public:
         static const std::regex programOfGit(R"("launchPath": "[^"]*/git")");
         static const std::regex randomName(R"([0-9A-F]{16}-)");
         return std::regex_replace(
-            std::regex_replace(replaced(text, path(), pageFolder), programOfGit,
+            std::regex_replace(replaced(text, path(), exampleFolder), programOfGit,
                                R"("launchPath": "/usr/bin/git")"),
             randomName, "0123456789ABCDEF-");
     }

@@ -15,7 +15,7 @@ namespace neb::test {
 
 namespace {
 
-constexpr int longEnough = 60000;  // milliseconds
+constexpr int answerTimeout = 60000;  // milliseconds
 
 }  // namespace
 
@@ -76,7 +76,7 @@ ServerClient::JSON ServerClient::receive() {
         }
         pollfd readable{.fd = _fromServer.get(), .events = POLLIN, .revents = 0};
         char buffer[65536];
-        if (::poll(&readable, 1, longEnough) != 1) {
+        if (::poll(&readable, 1, answerTimeout) != 1) {
             return nullptr;
         }
         const ssize_t count = ::read(_fromServer.get(), buffer, sizeof buffer);

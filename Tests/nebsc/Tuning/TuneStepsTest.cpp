@@ -18,8 +18,8 @@ using testing::UnorderedElementsAre;
 
 using TuneSteps = TuneTest;
 
-constexpr const char* record = ".git/nebsc-tune.json";
-constexpr const char* graph = ".git/objects/info/commit-graph";
+constexpr const char* tuneRecord = ".git/nebsc-tune.json";
+constexpr const char* commitGraph = ".git/objects/info/commit-graph";
 
 // ---- settings that decide ---------------------------------------------------------------------
 
@@ -62,7 +62,7 @@ TEST_F(TuneSteps, AGraphWithoutChangedPathsGetsThemAndLosesThemAgain) {
         static_cast<void>(tune({"--undo"}));
         EXPECT_FALSE(nebsc::commitGraphIn(objects).hasChangedPaths());
         EXPECT_EQ(nebsc::commitGraphIn(objects).isChain, isChain);
-        std::filesystem::remove_all(repository.path(graph));
+        std::filesystem::remove_all(repository.path(commitGraph));
     }
 }
 
@@ -74,7 +74,7 @@ TEST_F(TuneSteps, AGraphOfAnAlternateIsNotTakenForAFormerOne) {
     EXPECT_TRUE(isThere("shared/.git/objects/info/commit-graph"));
     EXPECT_EQ(tuneIn(folder, {"--undo"}).exitStatus, 0);
     EXPECT_FALSE(isThere("shared/.git/objects/info/commit-graph"));
-    EXPECT_TRUE(isThere(graph));
+    EXPECT_TRUE(isThere(commitGraph));
 }
 
 TEST_F(TuneSteps, GraphsThatGitCannotUseAreNotWritten) {
@@ -85,7 +85,7 @@ TEST_F(TuneSteps, GraphsThatGitCannotUseAreNotWritten) {
     repository.git({"replace", "HEAD", "HEAD~1"});
     EXPECT_THAT(messageIn(tune({"--dry-run", "--json"}), "commit-graph"),
                 HasSubstr("while commits are replaced"));
-    EXPECT_FALSE(isThere(graph));
+    EXPECT_FALSE(isThere(commitGraph));
 }
 
 TEST_F(TuneSteps, AnOutdatedGraphIsUpdatedUnlessGitDoesSo) {
@@ -108,8 +108,8 @@ TEST_F(TuneSteps, AGraphThatGitHasWrittenSinceStays) {
     EXPECT_THAT(tune({"--undo"}).output,
                 HasSubstr("undone    commit-graph     git has written objects/info/commit-graph "
                           "again since, and it stays\n"));
-    EXPECT_TRUE(isThere(graph));
-    EXPECT_FALSE(isThere(record));
+    EXPECT_TRUE(isThere(commitGraph));
+    EXPECT_FALSE(isThere(tuneRecord));
 }
 
 // ---- failures ---------------------------------------------------------------------------------
@@ -138,11 +138,11 @@ TEST_F(TuneSteps, AnInterruptedStepCanBeUndone) {
     EXPECT_EQ(interrupted.exitStatus, 130);
     EXPECT_THAT(interrupted.errors,
                 HasSubstr("nebsc: 'nebsc tune --undo' undoes the interrupted step\n"));
-    EXPECT_TRUE(isThere(graph));
+    EXPECT_TRUE(isThere(commitGraph));
     intercept("");
     expectDone(tune({"--undo"}), "undone    commit-graph\n");
-    EXPECT_FALSE(isThere(graph));
-    EXPECT_FALSE(isThere(record));
+    EXPECT_FALSE(isThere(commitGraph));
+    EXPECT_FALSE(isThere(tuneRecord));
 }
 
 TEST_F(TuneSteps, WithoutTheFormerSettingsNothingIsChangedOrForgotten) {
@@ -173,7 +173,7 @@ TEST_F(TuneSteps, AfterAKillTheFormerStateIsStillRestored) {
     intercept("");
     EXPECT_EQ(tune({"--undo"}).exitStatus, 0);
     EXPECT_FALSE(nebsc::indexFileAt(repository.path(".git/index"), 20)->hasUntrackedCache);
-    EXPECT_FALSE(isThere(record));
+    EXPECT_FALSE(isThere(tuneRecord));
 }
 
 TEST_F(TuneSteps, TheFolderOfAnInterruptedTestIsRemoved) {
@@ -191,26 +191,26 @@ TEST_F(TuneSteps, ADamagedRecordIsReportedAndNothingIsChanged) {
          {std::pair{"junk", "is damaged; remove it to forget the changes that it lists"},
           std::pair{R"({"version": 1, "steps": [{}]})", "is damaged"},
           std::pair{R"({"version": 2, "steps": []})", "was written by a newer nebsc"}}) {
-        repository.write(record, text);
+        repository.write(tuneRecord, text);
         EXPECT_THAT(tune({"--undo"}).errors,
-                    HasSubstr("nebsc: '" + repository.path(record) + "' " + reason));
+                    HasSubstr("nebsc: '" + repository.path(tuneRecord) + "' " + reason));
         EXPECT_EQ(tune({"--yes"}).exitStatus, 1);
-        EXPECT_FALSE(isThere(graph));
+        EXPECT_FALSE(isThere(commitGraph));
     }
 }
 
 TEST_F(TuneSteps, AStepThatIsUnknownStaysRecorded) {
-    repository.write(record, R"({"version": 1, "steps": [{"cause": "magic", "folder": "",
+    repository.write(tuneRecord, R"({"version": 1, "steps": [{"cause": "magic", "folder": "",
         "isComplete": true, "formerState": {}, "settings": [], "files": []}]})");
     const NebscOutcome outcome = tune({"--undo", "--json"});
     EXPECT_EQ(messageIn(outcome, "magic"), "this nebsc does not know the step");
     EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_TRUE(isThere(record));
+    EXPECT_TRUE(isThere(tuneRecord));
 }
 
 /// A record is not trusted more than the table: it cannot name other files or settings.
 TEST_F(TuneSteps, ARecordCannotRemoveOtherFilesOrSettings) {
-    repository.write(record, R"({"version": 1, "steps": [{"cause": "commit-graph", "folder": "",
+    repository.write(tuneRecord, R"({"version": 1, "steps": [{"cause": "commit-graph", "folder": "",
         "isComplete": false, "formerState": {},
         "settings": [{"key": "core.bare", "formerValues": []}],
         "files": [{"path": "HEAD", "existed": false, "fingerprint": ""}]}]})");

@@ -24,7 +24,7 @@ inline const std::vector<std::string> hostileNames{"new\nline", "quo\"te",     "
                                                    " sp ace ",  "back\\slash", "st*r",  ":colon",
                                                    "b\xe4r",    "\u00fc",      "x -> y"};
 
-/// Ids of commits and objects; git writes z40 where there is none.
+/// Ids of commits and objects. z40 is the one that git prints for a missing object.
 inline const std::string a40(40, 'a');
 inline const std::string b40(40, 'b');
 inline const std::string z40(40, '0');

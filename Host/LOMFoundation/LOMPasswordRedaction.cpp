@@ -71,7 +71,7 @@ std::string withoutSecret(std::string_view userInformation) {
     const std::string_view name(userInformation.begin(), colon.begin());
     std::string text(name.size() >= minimumTokenLength ? redacted : name);
     text += colon;
-    if (!colon.empty() && colon.end() != userInformation.end()) {
+    if (!colon.empty() && name.size() + colon.size() < userInformation.size()) {
         text += redacted;
     }
     return text;

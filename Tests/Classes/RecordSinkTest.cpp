@@ -94,7 +94,8 @@ TEST_P(ArrivingOutput, HasTheSameRecordsHoweverItIsCut) {
     whole->parseData();
     ASSERT_TRUE(whole->result());
     for (std::size_t step = 1; step < output.size(); ++step) {
-        const auto parser = GetParam().make()->makeRecordParser();
+        const auto operation = GetParam().make();
+        const auto parser = operation->makeRecordParser();
         NEBSourceControlResult records;
         std::string buffer;
         for (std::size_t begin = 0; begin < output.size(); begin += step) {

@@ -17,7 +17,8 @@ namespace neb::test {
 template <typename Op>
 NEBSourceControlResult recordsOf(const std::shared_ptr<NEBSourceControlRequest>& request,
                                  const std::string& bytes) {
-    const auto parser = [&request] { return Op(request).makeRecordParser(); };
+    Op operation(request);
+    const auto parser = [&operation] { return operation.makeRecordParser(); };
     NEBSourceControlResult whole;
     parser()->parseToEnd(bytes, 0, whole);
     const auto slow = parser();

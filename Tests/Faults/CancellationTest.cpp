@@ -80,13 +80,8 @@ private:
     const TemporaryFolder _asPrepared;
 };
 
-/// The number of cancellations, unless NEB_CANCELLATIONS is set. The thread sanitizer, which would
-/// find a race, runs more.
-#if defined(__SANITIZE_THREAD__)
-constexpr unsigned long byDefault = 1000;
-#else
+/// The number of cancellations; NEB_CANCELLATIONS sets another one, for a longer search for races.
 constexpr unsigned long byDefault = 200;
-#endif
 constexpr unsigned long parts = 10;
 
 /// The cancellations are split into parts, which run in different processes.

@@ -134,6 +134,8 @@ inline constexpr NEBConstant NEBSourceControlNeedsCleanTreeErrorClass{"needs-cle
 inline constexpr NEBConstant NEBSourceControlConflictErrorClass{"conflict"};
 /// Conflicts of an earlier operation are not resolved.
 inline constexpr NEBConstant NEBSourceControlConflictUnresolvedErrorClass{"conflict-unresolved"};
+/// The patch cannot be read, or does not fit the files.
+inline constexpr NEBConstant NEBSourceControlPatchFailedErrorClass{"patch-failed"};
 /// The merge or rebase failed for a reason other than conflicts.
 inline constexpr NEBConstant NEBSourceControlMergeFailedErrorClass{"merge-failed"};
 /// A merge, cherry-pick or rebase has to be finished or aborted first.

@@ -164,6 +164,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
     {NEBSourceControlConflictUnresolvedErrorClass,
      "There are unresolved conflicts from an earlier operation.",
      "Resolve them in the files, mark these with \"git add\", commit, then try again."},
+    {NEBSourceControlPatchFailedErrorClass, "The patch cannot be read, or does not fit the files.",
+     "Compare again, and make the patch from the new difference."},
     {NEBSourceControlMergeFailedErrorClass,
      "The merge or rebase failed for a reason other than conflicts.",
      "Fix what git reports, then try again."},

@@ -26,7 +26,6 @@ constexpr ErrorCatalogueRow rows[] = {
          "no url found for submodule path",
          {"fetched in submodule path '", "but it did not contain"},
          "git-lfs",
-         "patch does not apply",
          "external filter '",
          "cannot fork to run subprocess '",
          "initialization for subprocess '",
@@ -40,6 +39,20 @@ constexpr ErrorCatalogueRow rows[] = {
          "\nerror: could not write client identification",
          "\nerror: could not write requested version",
          {"\nerror: unexpected line '", "expected "},
+     }},
+    {NEBSourceControlPatchFailedErrorClass,
+     {
+         "patch does not apply",
+         ": does not exist in index",
+         ": does not match index",
+         ": already exists in index",
+         ": already exists in working directory",
+         "error: no valid patches in input",
+         "error: unrecognized input",  // until 2.34
+         "error: patch fragment without header at line ",
+         "error: patch with only garbage at line ",
+         "error: corrupt patch at ",
+         "error: corrupt binary patch at line ",
      }},
     {NEBSourceControlProgramMissingErrorClass,
      {

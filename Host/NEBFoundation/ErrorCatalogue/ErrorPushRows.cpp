@@ -44,6 +44,7 @@ constexpr ErrorCatalogueRow rows[] = {
      {
          {"[rejected]", "(already exists)"},
          {"[rejected]", "(would clobber existing tag)"},
+         {"fatal: tag '", "' already exists"},
      }},
     {NEBSourceControlNothingToPushFromErrorClass,
      {

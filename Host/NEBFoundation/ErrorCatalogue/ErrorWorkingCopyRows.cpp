@@ -49,6 +49,7 @@ constexpr ErrorCatalogueRow rows[] = {
      {
          "because you have unmerged files",
          "you need to resolve your current index first",
+         "you must edit all merge conflicts and then",
          "exiting because of an unresolved conflict",
          "cannot change unmerged .gitmodules",
          "your index file is unmerged",
@@ -137,6 +138,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "you do not have a valid head",
          {"no commit on branch '", "' yet"},
          "no head -- no initial commit yet",
+         "you do not have the initial commit yet",
      }},
     {NEBSourceControlNoCurrentBranchErrorClass,
      {

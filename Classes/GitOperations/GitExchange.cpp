@@ -48,35 +48,6 @@ std::string rejectionsIn(std::string_view listing) {
     return rejections;
 }
 
-/// When the hook that runs before a push refuses, git itself prints only its last line. A branch
-/// that cannot be sent and a failed transfer end with the same line, after the cause.
-bool reportsRefusalBeforeSending(std::string_view text) {
-    constexpr std::string_view failed = "error: failed to push some refs to '";
-    constexpr std::string_view causes[] = {"To ",
-                                           " ! ",
-                                           "error: src refspec ",
-                                           "error: The destination you provided ",
-                                           "error: dst refspec ",
-                                           "error: unable to ",
-                                           "error: SSL certificate problem",
-                                           "error: RPC failed",
-                                           "send-pack: ",
-                                           "fatal: the remote end hung up ",
-                                           "fatal: The remote end hung up "};
-    std::string_view last;
-    bool isCauseTold = false;
-    forEachField(text, '\n', [&](std::string_view line) {
-        if (line.empty()) {
-            return;
-        }
-        last = line;
-        for (const std::string_view cause : causes) {
-            isCauseTold = isCauseTold || line.starts_with(cause);
-        }
-    });
-    return last.starts_with(failed) && !isCauseTold;
-}
-
 }  // namespace
 
 // ---- fetch ------------------------------------------------------------------------------------
@@ -230,7 +201,7 @@ void GitPushOperation::parseData() {
 
 std::optional<NEBSourceControlError> GitPushOperation::diagnoseFailure(
     std::string_view text) const {
-    return reportsRefusalBeforeSending(text)
+    return gitReportsRefusalBeforeSending(text)
                ? std::optional(gitErrorOfHook("A hook of the repository refused the push.", text))
                : std::nullopt;
 }

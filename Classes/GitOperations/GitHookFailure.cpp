@@ -1,6 +1,7 @@
 #include "GitOperations/GitHookFailure.h"
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -21,6 +22,35 @@ NEBSourceControlError gitErrorOfHook(const std::string& description, std::string
         refusal.text = stderrText;
     }
     return refusal;
+}
+
+/// When the hook that runs before a push refuses, git itself prints only its last line. A branch
+/// that cannot be sent and a failed transfer end with the same line, after the cause.
+bool gitReportsRefusalBeforeSending(std::string_view text) {
+    constexpr std::string_view failed = "error: failed to push some refs to '";
+    constexpr std::string_view causes[] = {"To ",
+                                           " ! ",
+                                           "error: src refspec ",
+                                           "error: The destination you provided ",
+                                           "error: dst refspec ",
+                                           "error: unable to ",
+                                           "error: SSL certificate problem",
+                                           "error: RPC failed",
+                                           "send-pack: ",
+                                           "fatal: the remote end hung up ",
+                                           "fatal: The remote end hung up "};
+    std::string_view last;
+    bool isCauseTold = false;
+    forEachField(text, '\n', [&](std::string_view line) {
+        if (line.empty()) {
+            return;
+        }
+        last = line;
+        for (const std::string_view cause : causes) {
+            isCauseTold = isCauseTold || line.starts_with(cause);
+        }
+    });
+    return last.starts_with(failed) && !isCauseTold;
 }
 
 }  // namespace neb

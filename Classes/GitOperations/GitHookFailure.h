@@ -20,4 +20,8 @@ namespace neb {
 [[nodiscard]] NEBSourceControlError gitErrorOfHook(const std::string& description,
                                                    std::string_view stderrText);
 
+/// Whether the standard error of a push that failed shows that it ended before git contacted the
+/// remote, without a message of git about the cause: the hook that runs before a push refused.
+[[nodiscard]] bool gitReportsRefusalBeforeSending(std::string_view text);
+
 }  // namespace neb

@@ -6,10 +6,19 @@
 #include "GitExtensions/GitAnnotation.h"
 #include "GitExtensions/GitChanges.h"
 #include "GitExtensions/GitContent.h"
+#include "GitExtensions/GitCreateCommit.h"
+#include "GitExtensions/GitDiscard.h"
+#include "GitExtensions/GitFinish.h"
 #include "GitExtensions/GitHistory.h"
+#include "GitExtensions/GitIntegrate.h"
+#include "GitExtensions/GitPick.h"
+#include "GitExtensions/GitPublish.h"
 #include "GitExtensions/GitReferences.h"
 #include "GitExtensions/GitSettings.h"
+#include "GitExtensions/GitStage.h"
+#include "GitExtensions/GitStash.h"
 #include "GitExtensions/GitSubmodules.h"
+#include "GitExtensions/GitTag.h"
 #include "GitExtensions/GitTree.h"
 #include "GitExtensions/GitUnfinishedOperation.h"
 #include "GitExtensions/GitWorkingCopyState.h"
@@ -249,6 +258,16 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestWorktrees, &make<GitWorktreesOperation>},
     {NEBSourceControlRequestSettings, &make<GitSettingsOperation>},
     {NEBSourceControlRequestTree, &make<GitTreeOperation>},
+    {NEBSourceControlRequestStage, &make<GitStageOperation>},
+    {NEBSourceControlRequestUnstage, &make<GitUnstageOperation>},
+    {NEBSourceControlRequestDiscard, &make<GitDiscardOperation>},
+    {NEBSourceControlRequestStash, &make<GitStashOperation>},
+    {NEBSourceControlRequestCreateCommit, &make<GitCreateCommitOperation>},
+    {NEBSourceControlRequestPublish, &make<GitPublishOperation>},
+    {NEBSourceControlRequestIntegrate, &make<GitIntegrateOperation>},
+    {NEBSourceControlRequestPick, &make<GitPickOperation>, {{&startingRevision, 1014}}},
+    {NEBSourceControlRequestTag, &make<GitTagOperation>, {{&destination, 1015}}},
+    {NEBSourceControlRequestFinish, &make<GitFinishOperation>},
 };
 
 const DispatchRow* rowOfType(std::int32_t type) {

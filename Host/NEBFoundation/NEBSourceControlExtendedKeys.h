@@ -45,7 +45,7 @@ inline constexpr NEBConstant NEBSourceControlOperationOriginalPathBytesKey{
 /// String: what the record describes. Working copy state: "head", "changed", "renamed", "conflict",
 /// "untracked" or "ignored". Tree: "file", "executable", "symbolic link", "folder" or "submodule".
 /// Unfinished operation: "merge", "rebase", "apply", "cherry-pick", "revert", "bisect" or
-/// "conflict".
+/// "conflict". Stash, integrate, pick and finish: "head" or "conflict".
 inline constexpr NEBConstant NEBSourceControlOperationKindKey{"NEBSourceControlOperationKindKey"};
 /// String: the full id of an object, 40 or 64 hexadecimal digits.
 inline constexpr NEBConstant NEBSourceControlOperationObjectIDKey{
@@ -108,7 +108,8 @@ inline constexpr NEBConstant NEBSourceControlOperationWorktreeBytesKey{
 
 /// String: what happened to a file: "added", "copied", "deleted", "modified", "renamed", "type
 /// changed" or "conflict" (history, changes). Submodules: "not initialized", "not cloned",
-/// "current", "other commit" or "conflict".
+/// "current", "other commit" or "conflict". Discard, stash and pick: also "untracked". Publish:
+/// "new", "updated", "forced", "deleted", "up to date" or "rejected".
 inline constexpr NEBConstant NEBSourceControlOperationStateKey{"NEBSourceControlOperationStateKey"};
 /// String: how the index differs from HEAD, with the words of NEBSourceControlOperationStateKey.
 /// Returned by working copy state.
@@ -209,10 +210,11 @@ inline constexpr NEBConstant NEBSourceControlOperationOldModeKey{
 /// String: the mode after the change.
 inline constexpr NEBConstant NEBSourceControlOperationNewModeKey{
     "NEBSourceControlOperationNewModeKey"};
-/// String: the full id of the file before the change.
+/// String: the full id of the file before the change; of HEAD before a stash, integrate, pick or
+/// finish; of the published reference at the remote before it.
 inline constexpr NEBConstant NEBSourceControlOperationOldObjectIDKey{
     "NEBSourceControlOperationOldObjectIDKey"};
-/// String: the full id of the file after the change.
+/// String: the full id of the file, or of the published reference, after the change.
 inline constexpr NEBConstant NEBSourceControlOperationNewObjectIDKey{
     "NEBSourceControlOperationNewObjectIDKey"};
 /// Integer: the number of added lines.
@@ -267,6 +269,18 @@ inline constexpr NEBConstant NEBSourceControlOperationIsUncommittedKey{
 /// NEBSourceControlOperationContentKey has any other.
 inline constexpr NEBConstant NEBSourceControlOperationContentBytesKey{
     "NEBSourceControlOperationContentBytesKey"};
+
+// Publish.
+
+/// String: the reference or revision that was pushed; absent if a reference was deleted.
+inline constexpr NEBConstant NEBSourceControlOperationSourceKey{
+    "NEBSourceControlOperationSourceKey"};
+/// Bytes: that source, if it is not UTF-8.
+inline constexpr NEBConstant NEBSourceControlOperationSourceBytesKey{
+    "NEBSourceControlOperationSourceBytesKey"};
+/// String: why a reference was not pushed, as git or the server words it.
+inline constexpr NEBConstant NEBSourceControlOperationReasonKey{
+    "NEBSourceControlOperationReasonKey"};
 
 // Unfinished operations.
 

@@ -15,6 +15,7 @@
 
 #include "NEBFoundation/NEBConstant.h"
 // IWYU pragma: begin_exports
+#include "NEBFoundation/NEBSourceControlChangeOptions.h"
 #include "NEBFoundation/NEBSourceControlExtendedKeys.h"
 #include "NEBFoundation/NEBSourceControlExtendedOptions.h"
 // IWYU pragma: end_exports
@@ -123,6 +124,22 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionRecursive,
     NEBSourceControlRequestOptionOmitSizes,
     NEBSourceControlRequestOptionSettingNames,
+    NEBSourceControlRequestOptionAction,
+    NEBSourceControlRequestOptionDryRun,
+    NEBSourceControlRequestOptionPatch,
+    NEBSourceControlRequestOptionIncludeUntracked,
+    NEBSourceControlRequestOptionAmend,
+    NEBSourceControlRequestOptionAll,
+    NEBSourceControlRequestOptionAuthor,
+    NEBSourceControlRequestOptionSignOff,
+    NEBSourceControlRequestOptionKeepIndex,
+    NEBSourceControlRequestOptionRestoreIndex,
+    NEBSourceControlRequestOptionSetUpstream,
+    NEBSourceControlRequestOptionForceWithLease,
+    NEBSourceControlRequestOptionTags,
+    NEBSourceControlRequestOptionStrategy,
+    NEBSourceControlRequestOptionResetMode,
+    NEBSourceControlRequestOptionMainline,
 };
 
 // Keys of the records of a result. The comment states the kind of the value, what it means, and

@@ -111,11 +111,30 @@ enum NEBSourceControlRequestType : std::int32_t {
     NEBSourceControlRequestAnnotation = 1003,
     /// `git diff`: returns the changed files with their hunks.
     NEBSourceControlRequestChanges = 1004,
+    /// `git add` or `git apply`: stages `files`, a patch, or everything.
+    NEBSourceControlRequestStage = 1005,
+    /// `git restore` or `git apply`: unstages `files`, a patch, or everything.
+    NEBSourceControlRequestUnstage = 1006,
+    /// `git restore` or `git apply`: throws away the unstaged changes of `files`, or a patch.
+    NEBSourceControlRequestDiscard = 1007,
     /// `git for-each-ref`: returns branches, remote branches and tags, or those below
     /// `destination`.
     NEBSourceControlRequestReferences = 1008,
+    /// `git stash`: lists stashes; makes, shows, applies or drops one.
+    NEBSourceControlRequestStash = 1009,
     /// `git rev-parse` and `git ls-files`: returns what is under way, and what is in conflict.
     NEBSourceControlRequestUnfinishedOperation = 1010,
+    /// `git commit`: commits, and returns the full id.
+    NEBSourceControlRequestCreateCommit = 1011,
+    /// `git push`: pushes or deletes a branch, and returns what happened to each reference.
+    NEBSourceControlRequestPublish = 1012,
+    /// `git fetch`, then `git merge` or `git rebase`: integrates a branch, and stops at conflicts.
+    NEBSourceControlRequestIntegrate = 1013,
+    /// `git cherry-pick`, `git revert` or `git reset`: applies, reverts or goes to
+    /// `startingRevision`.
+    NEBSourceControlRequestPick = 1014,
+    /// `git tag`: creates or deletes the tag `destination`.
+    NEBSourceControlRequestTag = 1015,
     /// `git config` and `git ls-files`: returns the submodules with their state.
     NEBSourceControlRequestSubmodules = 1016,
     /// `git worktree list`: returns the worktrees of the repository.
@@ -124,6 +143,8 @@ enum NEBSourceControlRequestType : std::int32_t {
     NEBSourceControlRequestSettings = 1018,
     /// `git ls-tree`: returns the entries of a folder in a commit.
     NEBSourceControlRequestTree = 1019,
+    /// `git merge`, `git rebase` …: continues, skips or aborts what is under way.
+    NEBSourceControlRequestFinish = 1020,
 };
 
 /// The types below this number have a row for each number, and each has a command of nebsc.

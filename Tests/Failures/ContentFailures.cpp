@@ -41,6 +41,14 @@ const Failure failures[] = {
          scene.work().git({"init", "--quiet", "sub"});
          return addOf(scene, "sub");
      }},
+    {.how = "a patch to stage that does not fit the file",
+     .errorClass = NEBSourceControlPatchFailedErrorClass,
+     .exitStatus = 1,
+     .provoke = [](Scene& scene) -> Request {
+         return scene.request(NEBSourceControlRequestStage)
+             .with(NEBSourceControlRequestOptionPatch,
+                   "--- a/a\n+++ b/a\n@@ -1 +1 @@\n-other\n+2\n");
+     }},
     {.how = "a blame with a missing list of revisions to ignore",
      .errorClass = NEBSourceControlConfiguredFileMissingErrorClass,
      .exitStatus = 128,

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Classes/Configuration/ChangeCases.h"
 #include "Classes/Configuration/ExtensionCases.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -377,7 +378,7 @@ const std::vector<RequestCase>& requestMatrix() {
         std::vector<RequestCase> all;
         for (const auto& family :
              {changesOfFiles(), commits(), branches(), history(), exports(), exchange(),
-              newRepositories(), remotes(), updates(), extensionCases()}) {
+              newRepositories(), remotes(), updates(), extensionCases(), changeCases()}) {
             all.insert(all.end(), family.begin(), family.end());
         }
         return all;

@@ -1,0 +1,94 @@
+// GitChange.h - the bases of the operations of the types from 1000 on that change something.
+//
+//     void GitSomeOperation::perform() {
+//         if (runChange({"add", "--all"})) {
+//             setResult({{recordOfHead()}});
+//         }
+//     }
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "GitExtensions/GitQuery.h"
+
+namespace neb {
+
+/// Runs one git command that changes the repository, behind the arguments for the repository of the
+/// request. Exit status 0 is success.
+class GitChangeOperation : public GitOperation {
+public:
+    /// `input` is the standard input; absent: none.
+    GitChangeOperation(std::shared_ptr<NEBSourceControlRequest> request,
+                       const std::vector<std::string>& arguments,
+                       std::optional<Data> input = std::nullopt);
+
+    [[nodiscard]] std::string className() const override { return "GitChangeOperation"; }
+};
+
+/// A composite operation of queries and changes, one after the other, of which the first failure
+/// ends it.
+class GitChangeComposite : public GitQueryComposite {
+public:
+    using GitQueryComposite::GitQueryComposite;
+
+    /// Calls perform() unless there is an error.
+    void main() final;
+
+protected:
+    virtual void perform() = 0;
+
+    /// Returns whether the composite goes on: the operation has no error, and the composite was not
+    /// cancelled. Otherwise the error of the composite is set.
+    [[nodiscard]] bool goesOnAfter(const NEBSourceControlOperation& operation);
+    /// Runs a GitChangeOperation. Returns whether the composite goes on.
+    [[nodiscard]] bool runChange(const std::vector<std::string>& arguments,
+                                 std::optional<Data> input = std::nullopt);
+    /// Returns the line that a query prints; empty if it prints nothing. Absent if the composite
+    /// does not go on.
+    [[nodiscard]] std::optional<std::string> queriedLine(const std::vector<std::string>& arguments);
+    /// Returns the full id of the commit of HEAD, empty before the first one. Absent if the
+    /// composite does not go on.
+    [[nodiscard]] std::optional<std::string> queriedHead();
+
+    /// Returns the full id of the commit that the value names. Absent if the composite does not go
+    /// on: the commit is unknown.
+    [[nodiscard]] std::optional<std::string> queriedCommit(const NEBValue& revision);
+
+    /// Runs a change that can stop at conflicts, and sets result and error. The first record has
+    /// NEBSourceControlOperationKindKey "head", NEBSourceControlOperationOldObjectIDKey and
+    /// NEBSourceControlOperationObjectIDKey: the commits of HEAD before and after. A record for
+    /// each path in conflict follows, as GitConflictsOperation makes it.
+    void runStoppable(const std::vector<std::string>& arguments);
+
+    /// Ends the composite with an error of this class. `files` are those of the error.
+    void fail(std::string_view errorClass, const std::string& description,
+              std::vector<std::string> files = {});
+    /// Ends the composite because an option has a value that it does not know, or lacks one.
+    void failForOption(NEBConstant key);
+    /// Returns the option NEBSourceControlRequestOptionAction, or else `usual`.
+    [[nodiscard]] std::string action(std::string_view usual) const;
+
+    /// Whether a boolean option of the request is set.
+    [[nodiscard]] bool hasOption(NEBConstant key) const {
+        return request()->option(key).boolValue();
+    }
+
+private:
+    void failAtConflicts(std::vector<std::string> paths);
+};
+
+/// Returns the request's files, each with a NUL byte behind it, for the option
+/// --pathspec-file-nul; see git-add(1).
+[[nodiscard]] Data gitNULSeparatedFiles(const NEBSourceControlRequest& request);
+
+/// Returns the pieces of an output, each of which a NUL byte ends.
+[[nodiscard]] std::vector<std::string> gitNULSeparatedPieces(std::string_view output);
+
+/// Returns the bytes of a string or of a value of bytes; absent for an absent value.
+[[nodiscard]] std::optional<Data> gitBytesOfValue(const NEBValue& value);
+
+}  // namespace neb

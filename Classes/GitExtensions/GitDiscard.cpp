@@ -1,0 +1,162 @@
+#include "GitExtensions/GitDiscard.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "GitExtensions/GitRecordFields.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb {
+
+namespace {
+
+/// Removes repeated paths: `git ls-files` lists a path in conflict once for each version.
+void removeRepeated(std::vector<std::string>& paths) {
+    paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> GitDiscardOperation::queriedPaths(
+    std::initializer_list<const char*> options) {
+    std::vector<std::string> arguments{"ls-files", "-z"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.emplace_back("--");
+    for (const NEBValue& file : request()->files.value_or(std::vector<NEBValue>())) {
+        if (const auto name = gitBytesOfValue(file)) {
+            arguments.emplace_back(name->bytes());
+        }
+    }
+    const auto query = runQuery(request(), arguments);
+    if (!goesOnAfter(*query)) {
+        return std::nullopt;
+    }
+    auto paths = gitNULSeparatedPieces(query->output());
+    removeRepeated(paths);
+    return paths;
+}
+
+std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() {
+    Losses losses;
+    const bool hasUntracked = hasOption(NEBSourceControlRequestOptionIncludeUntracked);
+    // A path that git does not know is an error.
+    const auto known = hasUntracked ? queriedPaths({"--cached", "--others", "--error-unmatch"})
+                                    : queriedPaths({"--cached", "--error-unmatch"});
+    const auto modified = known ? queriedPaths({"--modified"}) : std::nullopt;
+    auto deleted = modified ? queriedPaths({"--deleted"}) : std::nullopt;
+    if (!deleted) {
+        return std::nullopt;
+    }
+    losses.deleted = *std::move(deleted);
+    const std::set<std::string_view> isDeleted(losses.deleted.begin(), losses.deleted.end());
+    std::ranges::copy_if(
+        *modified, std::back_inserter(losses.modified),
+        [&isDeleted](const std::string& path) { return !isDeleted.contains(path); });
+    if (hasUntracked) {
+        auto untracked = queriedPaths({"--others", "--exclude-standard"});
+        if (!untracked) {
+            return std::nullopt;
+        }
+        std::erase_if(*untracked, [](const std::string& path) { return path.ends_with('/'); });
+        losses.untracked = *std::move(untracked);
+    }
+    return losses;
+}
+
+void GitDiscardOperation::addRecords(const std::vector<std::string>& paths,
+                                     std::string_view state) {
+    NEBSourceControlResult records = result().value_or(NEBSourceControlResult());
+    for (const std::string& path : paths) {
+        NEBDictionary& record = records.emplace_back();
+        gitSetName(record, gitPathKeys, path);
+        record.set(NEBSourceControlOperationStateKey, state);
+    }
+    setResult(std::move(records));
+}
+
+bool GitDiscardOperation::mayThrowAway(const std::vector<std::string>& lost) {
+    if (hasOption(NEBSourceControlRequestOptionDryRun)) {
+        return false;
+    }
+    if (lost.empty() || hasOption(NEBSourceControlRequestOptionForce)) {
+        return true;
+    }
+    fail(NEBSourceControlLocalChangesErrorClass,
+         "Local changes would be lost. The request does not allow to throw them away.", lost);
+    return false;
+}
+
+void GitDiscardOperation::discardPatch() {
+    const std::vector<std::string> reversed{"--reverse"};
+    if (!patchFits(reversed)) {
+        return;
+    }
+    const auto counts = runOperation(std::make_shared<GitChangeOperation>(
+        request(), std::vector<std::string>{"apply", "--reverse", "--numstat", "-z", "-"},
+        patch()));
+    if (!goesOnAfter(*counts)) {
+        return;
+    }
+    std::vector<std::string> paths;
+    for (const std::string& entry : gitNULSeparatedPieces(counts->data().value_or(Data()))) {
+        // "ADDED TAB DELETED TAB PATH"
+        paths.push_back(entry.substr(entry.find('\t', entry.find('\t') + 1) + 1));
+    }
+    addRecords(paths, "modified");
+    if (mayThrowAway(paths)) {
+        applyFittingPatch(reversed);
+    }
+}
+
+void GitDiscardOperation::perform() {
+    if (hasPatch()) {
+        discardPatch();
+        return;
+    }
+    const auto losses = queriedLosses();
+    if (!losses) {
+        return;
+    }
+    addRecords(losses->modified, "modified");
+    addRecords(losses->deleted, "deleted");
+    addRecords(losses->untracked, "untracked");
+    std::vector<std::string> lost = losses->modified;
+    lost.insert(lost.end(), losses->untracked.begin(), losses->untracked.end());
+    if (!mayThrowAway(lost)) {
+        return;
+    }
+    if (restore(*losses)) {
+        deleteUntracked(losses->untracked);
+    }
+}
+
+bool GitDiscardOperation::restore(const Losses& losses) {
+    std::string paths;
+    for (const auto* some : {&losses.modified, &losses.deleted}) {
+        for (const std::string& path : *some) {
+            paths.append(path).append(1, '\0');
+        }
+    }
+    return paths.empty() || runChange({"--literal-pathspecs", "restore", "--pathspec-from-file=-",
+                                       "--pathspec-file-nul"},
+                                      Data(paths));
+}
+
+/// A command line can have a few thousand paths, and `git clean` reads none from its input.
+void GitDiscardOperation::deleteUntracked(const std::vector<std::string>& paths) {
+    constexpr std::size_t most = 200;
+    for (std::size_t start = 0; start < paths.size(); start += most) {
+        std::vector<std::string> arguments{
+            "--literal-pathspecs", "clean", "--force", "-d", "--quiet", "--"};
+        const std::size_t end = std::min(start + most, paths.size());
+        arguments.insert(arguments.end(), paths.begin() + static_cast<std::ptrdiff_t>(start),
+                         paths.begin() + static_cast<std::ptrdiff_t>(end));
+        if (!runChange(arguments)) {
+            return;
+        }
+    }
+}
+
+}  // namespace neb

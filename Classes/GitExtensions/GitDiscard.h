@@ -1,0 +1,53 @@
+// GitDiscard.h - request type 1007 (discard); see git-restore(1), git-clean(1) and git-apply(1).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "GitExtensions/GitPatchChange.h"
+
+namespace neb {
+
+/// Makes the files like the index; or, without files, everything below the location of the request;
+/// or applies the patch NEBSourceControlRequestOptionPatch in reverse. With
+/// NEBSourceControlRequestOptionIncludeUntracked, untracked files are deleted, but not ignored ones
+/// and not those of other repositories.
+///
+/// If a change would be lost, the request is refused with an error of the class "local-changes",
+/// unless NEBSourceControlRequestOptionForce is set. The file of a deletion comes back without it.
+///
+/// The result has a record for each file that is, or with NEBSourceControlRequestOptionDryRun would
+/// be, restored or deleted: NEBSourceControlOperationPathKey (from the working directory; in a
+/// patch from the top), and NEBSourceControlOperationStateKey: "modified", "deleted" or
+/// "untracked".
+class GitDiscardOperation : public GitPatchComposite {
+public:
+    using GitPatchComposite::GitPatchComposite;
+
+    [[nodiscard]] std::string className() const override { return "GitDiscardOperation"; }
+
+protected:
+    void perform() override;
+
+private:
+    /// The paths of the request that are in these states.
+    struct Losses {
+        std::vector<std::string> modified, deleted, untracked;
+    };
+
+    /// Returns the paths that `git ls-files` lists with this option. Absent if the composite does
+    /// not go on.
+    [[nodiscard]] std::optional<std::vector<std::string>> queriedPaths(
+        std::initializer_list<const char*> options);
+    [[nodiscard]] std::optional<Losses> queriedLosses();
+    /// Sets the result. Returns whether the request allows to throw away `lost`, and to change
+    /// anything; otherwise the error is set, unless it asks only what would be lost.
+    [[nodiscard]] bool mayThrowAway(const std::vector<std::string>& lost);
+    void addRecords(const std::vector<std::string>& paths, std::string_view state);
+    void discardPatch();
+    /// Returns whether the composite goes on.
+    [[nodiscard]] bool restore(const Losses& losses);
+    void deleteUntracked(const std::vector<std::string>& paths);
+};
+
+}  // namespace neb

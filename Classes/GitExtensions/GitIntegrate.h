@@ -1,0 +1,33 @@
+// GitIntegrate.h - request type 1013 (integrate); see git-fetch(1), git-merge(1), git-rebase(1).
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "GitExtensions/GitChange.h"
+
+namespace neb {
+
+/// Integrates a branch into the current one: the revision `destination`; or the branch
+/// NEBSourceControlRequestOptionBranch of the remote NEBSourceControlRequestOptionRemoteName, which
+/// is fetched first; or, without these, the upstream branch, which is fetched, too.
+/// NEBSourceControlRequestOptionStrategy is "merge" (the default), "rebase" or "fast-forward". A
+/// merge or rebase stops at conflicts, and chooses no side: GitFinishOperation continues or aborts
+/// it. The result is that of GitChangeComposite::runStoppable(); both ids are equal if there was
+/// nothing new.
+class GitIntegrateOperation : public GitChangeComposite {
+public:
+    using GitChangeComposite::GitChangeComposite;
+
+    [[nodiscard]] std::string className() const override { return "GitIntegrateOperation"; }
+
+protected:
+    void perform() override;
+
+private:
+    /// Fetches what the request names, and returns the revision to integrate. Absent if the
+    /// composite does not go on.
+    [[nodiscard]] std::optional<std::string> fetchedRevision();
+};
+
+}  // namespace neb

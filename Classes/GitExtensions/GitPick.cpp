@@ -1,0 +1,137 @@
+#include "GitExtensions/GitPick.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "GitExtensions/GitRecordFields.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+
+namespace neb {
+
+namespace {
+
+/// Returns the letter of the state of an entry "XY PATH" of a status: that of the working copy, or
+/// else that of the index.
+char stateLetterOf(std::string_view entry) {
+    const bool isConflict = entry.substr(0, 2).find('U') != std::string_view::npos ||
+                            entry.starts_with("AA") || entry.starts_with("DD");
+    const char inFile = entry[1] == ' ' ? entry[0] : entry[1];
+    return isConflict ? 'U' : inFile;
+}
+
+}  // namespace
+
+void GitPickOperation::perform() {
+    const std::string wanted = action("cherry-pick");
+    if (wanted != "cherry-pick" && wanted != "revert" && wanted != "reset") {
+        failForOption(NEBSourceControlRequestOptionAction);
+        return;
+    }
+    if (!request()->startingRevision.isPresent()) {
+        fail(NEBSourceControlRequestInvalidErrorClass, "The request lacks the name of a commit.");
+        return;
+    }
+    if (wanted != "reset" && hasOption(NEBSourceControlRequestOptionDryRun)) {
+        fail(NEBSourceControlRequestInvalidErrorClass,
+             "Only a reset can report what it would throw away.");
+        return;
+    }
+    const auto commit = queriedCommit(request()->startingRevision);
+    if (!commit) {
+        return;
+    }
+    if (wanted == "reset") {
+        reset(*commit);
+    } else {
+        applyCommit(wanted, *commit);
+    }
+}
+
+void GitPickOperation::applyCommit(const std::string& command, const std::string& commit) {
+    std::vector<std::string> arguments{command};
+    if (command == "revert") {
+        arguments.emplace_back("--no-edit");
+    }
+    const NEBValue& mainline = request()->option(NEBSourceControlRequestOptionMainline);
+    if (mainline.isPresent()) {
+        arguments.push_back("--mainline=" + mainline.description());
+    }
+    arguments.push_back(commit);
+    runStoppable(arguments);
+}
+
+std::optional<NEBSourceControlResult> GitPickOperation::queriedChanges() {
+    const auto status = runQuery(request(), {"status", "--porcelain", "-z", "--untracked-files=no",
+                                             "--no-renames", "--ignore-submodules=all"});
+    if (!goesOnAfter(*status)) {
+        return std::nullopt;
+    }
+    NEBSourceControlResult records;
+    for (const std::string& entry : gitNULSeparatedPieces(status->output())) {
+        constexpr std::size_t pathStart = 3;
+        if (entry.size() > pathStart) {
+            NEBDictionary& record = records.emplace_back();
+            gitSetName(record, gitPathKeys, entry.substr(pathStart));
+            gitSetState(record, NEBSourceControlOperationStateKey,
+                        std::string(1, stateLetterOf(entry)));
+        }
+    }
+    return records;
+}
+
+bool GitPickOperation::losesNoChanges(const NEBSourceControlResult& changes) {
+    std::vector<std::string> lost;
+    for (const NEBDictionary& change : changes) {
+        if (change.text(NEBSourceControlOperationStateKey) != "deleted") {
+            lost.emplace_back(change.text(NEBSourceControlOperationPathKey));
+        }
+    }
+    if (!lost.empty()) {
+        fail(NEBSourceControlLocalChangesErrorClass,
+             "Local changes would be lost. The request does not allow to throw them away.",
+             std::move(lost));
+    }
+    return !error();
+}
+
+/// A reset overwrites untracked files and prints nothing; `git read-tree -m -u` refuses to.
+bool GitPickOperation::overwritesNoFiles(const std::string& commit) {
+    return runChange({"read-tree", "-m", "-u", "--dry-run", commit});
+}
+
+bool GitPickOperation::endsNoConflict() {
+    const auto conflicts = queriedLine({"ls-files", "--unmerged", "-z"});
+    if (conflicts && !conflicts->empty()) {
+        fail(NEBSourceControlConflictUnresolvedErrorClass,
+             "There are unresolved conflicts, whose versions would be lost.");
+    }
+    return !error();
+}
+
+void GitPickOperation::reset(const std::string& commit) {
+    constexpr std::string_view modes[] = {"soft", "mixed", "hard"};
+    const NEBValue& option = request()->option(NEBSourceControlRequestOptionResetMode);
+    const std::string mode = option.isPresent() ? option.description() : "mixed";
+    if (std::ranges::find(modes, mode) == std::end(modes)) {
+        failForOption(NEBSourceControlRequestOptionResetMode);
+        return;
+    }
+    const bool isHard = mode == "hard";
+    auto changes = isHard ? queriedChanges() : NEBSourceControlResult();
+    if (!changes) {
+        return;
+    }
+    if (hasOption(NEBSourceControlRequestOptionDryRun)) {
+        setResult(std::move(changes));
+        return;
+    }
+    const bool mayLose = mode == "soft" || hasOption(NEBSourceControlRequestOptionForce);
+    if (!mayLose &&
+        !(isHard ? losesNoChanges(*changes) && overwritesNoFiles(commit) : endsNoConflict())) {
+        return;
+    }
+    runStoppable({"reset", "--quiet", "--" + mode, commit, "--"});
+}
+
+}  // namespace neb

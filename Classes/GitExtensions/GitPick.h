@@ -1,0 +1,46 @@
+// GitPick.h - request type 1014 (pick); see git-cherry-pick(1), git-revert(1), git-reset(1).
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "GitExtensions/GitChange.h"
+
+namespace neb {
+
+/// Does with the starting revision what NEBSourceControlRequestOptionAction says:
+///
+/// - "cherry-pick", the default, commits its changes again; "revert" commits the opposite. Of a
+///   merge, these are the changes to the parent NEBSourceControlRequestOptionMainline. A conflict
+///   stops them, and GitFinishOperation continues or aborts.
+/// - "reset" moves HEAD and its branch to it. NEBSourceControlRequestOptionResetMode says what
+///   changes beside: "soft", "mixed" (the default) or "hard". A hard reset that would throw away
+///   uncommitted changes is refused with the class "local-changes", one that would overwrite
+///   untracked files with "untracked-in-the-way", and a mixed one that would end a conflict with
+///   "conflict-unresolved", unless NEBSourceControlRequestOptionForce is set. With
+///   NEBSourceControlRequestOptionDryRun, nothing changes; the result has a record for each file
+///   with changes that a hard reset throws away: NEBSourceControlOperationPathKey (from the top)
+///   and NEBSourceControlOperationStateKey.
+///
+/// The result is otherwise that of GitChangeComposite::runStoppable().
+class GitPickOperation : public GitChangeComposite {
+public:
+    using GitChangeComposite::GitChangeComposite;
+
+    [[nodiscard]] std::string className() const override { return "GitPickOperation"; }
+
+protected:
+    void perform() override;
+
+private:
+    void applyCommit(const std::string& command, const std::string& commit);
+    void reset(const std::string& commit);
+    /// Returns the files with uncommitted changes. Absent if the composite does not go on.
+    [[nodiscard]] std::optional<NEBSourceControlResult> queriedChanges();
+    /// Return whether the reset throws nothing away; otherwise the error is set.
+    [[nodiscard]] bool losesNoChanges(const NEBSourceControlResult& changes);
+    [[nodiscard]] bool overwritesNoFiles(const std::string& commit);
+    [[nodiscard]] bool endsNoConflict();
+};
+
+}  // namespace neb

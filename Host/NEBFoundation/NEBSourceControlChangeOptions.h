@@ -1,0 +1,83 @@
+// NEBSourceControlChangeOptions.h - keys of the options of the request types from 1000 on that
+// change something. Include NEBSourceControlKeys.h, which has all keys.
+//
+// The comment states the kind of the value and the types that use it. A text can have any bytes; it
+// is a string, or bytes if it is not UTF-8. Nothing that git cannot restore is thrown away unless
+// NEBSourceControlRequestOptionForce is set:
+//
+//     auto request = NEBSourceControlRequest::initWithType(NEBSourceControlRequestDiscard, tree);
+//     request->files = std::vector<NEBValue>{"a.c"};
+//     request->options = NEBDictionary{{NEBSourceControlRequestOptionDryRun, true}};
+//     // … the records say what would be lost; without DryRun, the error is "local-changes".
+//     request->options = NEBDictionary{{NEBSourceControlRequestOptionForce, true}};
+//
+// A patch is what git prints as a difference; see git-apply(1). The paths in it start at the top of
+// the working copy.
+#pragma once
+
+#include "NEBFoundation/NEBConstant.h"
+
+namespace neb {
+
+/// String: what to do. Stash: "list" (the default), "push", "show", "apply", "pop" or "drop".
+/// Publish: "push" (the default) or "delete". Pick: "cherry-pick" (the default), "revert" or
+/// "reset". Tag: "create" (the default) or "delete". Finish: "continue", "skip" or "abort".
+inline constexpr NEBConstant NEBSourceControlRequestOptionAction{
+    "NEBSourceControlRequestOptionAction"};
+/// Boolean: change nothing, and return what would be thrown away. Used by discard and pick
+/// for "reset".
+inline constexpr NEBConstant NEBSourceControlRequestOptionDryRun{
+    "NEBSourceControlRequestOptionDryRun"};
+/// Text: a patch to apply instead of whole files. Used by stage, unstage and discard.
+inline constexpr NEBConstant NEBSourceControlRequestOptionPatch{
+    "NEBSourceControlRequestOptionPatch"};
+/// Boolean: untracked files, too. Used by discard, which deletes them, and by stash.
+inline constexpr NEBConstant NEBSourceControlRequestOptionIncludeUntracked{
+    "NEBSourceControlRequestOptionIncludeUntracked"};
+
+// Commits.
+
+/// Boolean: replace the commit of HEAD. Used by create commit.
+inline constexpr NEBConstant NEBSourceControlRequestOptionAmend{
+    "NEBSourceControlRequestOptionAmend"};
+/// Boolean: commit all changes of tracked files, staged or not. Used by create commit.
+inline constexpr NEBConstant NEBSourceControlRequestOptionAll{"NEBSourceControlRequestOptionAll"};
+/// Text: the author, as "Name <address>". Used by create commit.
+inline constexpr NEBConstant NEBSourceControlRequestOptionAuthor{
+    "NEBSourceControlRequestOptionAuthor"};
+/// Boolean: add a line "Signed-off-by". Used by create commit.
+inline constexpr NEBConstant NEBSourceControlRequestOptionSignOff{
+    "NEBSourceControlRequestOptionSignOff"};
+
+// Stashes.
+
+/// Boolean: leave staged changes as they are. Used by stash for "push".
+inline constexpr NEBConstant NEBSourceControlRequestOptionKeepIndex{
+    "NEBSourceControlRequestOptionKeepIndex"};
+/// Boolean: stage again what was staged. Used by stash for "apply" and "pop".
+inline constexpr NEBConstant NEBSourceControlRequestOptionRestoreIndex{
+    "NEBSourceControlRequestOptionRestoreIndex"};
+
+// Publish, integrate and pick.
+
+/// Boolean: make the published branch the upstream branch. Used by publish.
+inline constexpr NEBConstant NEBSourceControlRequestOptionSetUpstream{
+    "NEBSourceControlRequestOptionSetUpstream"};
+/// Boolean: overwrite the branch of the remote if it is as last fetched. String: if it is at this
+/// commit. Used by publish.
+inline constexpr NEBConstant NEBSourceControlRequestOptionForceWithLease{
+    "NEBSourceControlRequestOptionForceWithLease"};
+/// Boolean: all tags, too. Used by publish.
+inline constexpr NEBConstant NEBSourceControlRequestOptionTags{"NEBSourceControlRequestOptionTags"};
+/// String: "merge" (the default), "rebase" or "fast-forward". Used by integrate.
+inline constexpr NEBConstant NEBSourceControlRequestOptionStrategy{
+    "NEBSourceControlRequestOptionStrategy"};
+/// String: what a reset changes beside HEAD: "soft" (nothing), "mixed" (the index, the default) or
+/// "hard" (index and files). Used by pick.
+inline constexpr NEBConstant NEBSourceControlRequestOptionResetMode{
+    "NEBSourceControlRequestOptionResetMode"};
+/// Integer: the parent, from 1, whose difference to a merge is applied. Used by pick.
+inline constexpr NEBConstant NEBSourceControlRequestOptionMainline{
+    "NEBSourceControlRequestOptionMainline"};
+
+}  // namespace neb

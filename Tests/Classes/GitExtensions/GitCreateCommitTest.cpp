@@ -1,0 +1,97 @@
+#include "GitExtensions/GitCreateCommit.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "Classes/GitExtensions/ChangeRequests.h"
+
+namespace neb::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+NEBDictionary withMessage(const std::string& message) {
+    return {{NEBSourceControlRequestOptionMessage, message}};
+}
+
+class CreateCommit : public ChangeTest {
+protected:
+    void expectHead(const NEBSourceControlOperation& operation) const {
+        EXPECT_EQ(operation.error(), std::nullopt);
+        EXPECT_THAT(textsOf(operation, NEBSourceControlOperationObjectIDKey), ElementsAre(head()));
+    }
+};
+
+TEST_F(CreateCommit, ReturnsTheFullIdAndKeepsTheMessage) {
+    repository.write("a.c", "1");
+    repository.git({"add", "a.c"});
+    expectHead(*performed(NEBSourceControlRequestCreateCommit, withMessage("-m\n\n# no comment")));
+    EXPECT_EQ(git({"log", "--format=%B"}), "-m\n\n# no comment");
+    repository.git({"checkout", "-q", "--detach"});
+    repository.write("a.c", "2");
+    NEBDictionary options = withMessage("Second");
+    options.set(NEBSourceControlRequestOptionAll, true);
+    options.set(NEBSourceControlRequestOptionSignOff, true);
+    options.set(NEBSourceControlRequestOptionAuthor, "Ben <ben@example.org>");
+    expectHead(*performed(NEBSourceControlRequestCreateCommit, options));
+    EXPECT_EQ(git({"log", "-1", "--format=%an %ae"}), "Ben ben@example.org");
+    EXPECT_THAT(git({"log", "-1", "--format=%B"}), HasSubstr("Second\n\nSigned-off-by: "));
+}
+
+TEST_F(CreateCommit, CommitsOnlyTheNamedFiles) {
+    repository.commitFile("other", "1");
+    for (const std::string& name : hostileNames) {
+        repository.write(name, "1");
+        repository.git({"add", "."});
+        repository.git({"commit", "-q", "-m", "m"});
+        repository.write(name, "2");
+        repository.write("other", "2 " + name);
+        repository.git({"add", "."});
+        expectHead(*performed(NEBSourceControlRequestCreateCommit, withMessage("m"), {name}));
+        EXPECT_EQ(repository.git({"diff", "--name-only", "-z", "HEAD~1", "HEAD"}),
+                  name + std::string(1, '\0'));
+    }
+}
+
+TEST_F(CreateCommit, AmendsAndConcludesAMergeWithTheirMessages) {
+    makeConflictingBranch();
+    const std::string before = git({"log", "-1", "--format=%B %T"});
+    repository.write("b.c", "1");
+    repository.git({"add", "b.c"});
+    expectHead(*performed(NEBSourceControlRequestCreateCommit,
+                          {{NEBSourceControlRequestOptionAmend, true}}));
+    EXPECT_EQ(git({"rev-list", "--count", "HEAD"}), "2");
+    EXPECT_NE(git({"log", "-1", "--format=%B %T"}), before);
+    EXPECT_NE(repository.gitStatus({"merge", "-q", "side"}), 0);
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, withMessage("m"))->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+    repository.git({"add", "a.c"});
+    expectHead(*performed(NEBSourceControlRequestCreateCommit));
+    EXPECT_THAT(git({"log", "-1", "--format=%s %P"}), HasSubstr("Merge branch 'side' "));
+}
+
+TEST_F(CreateCommit, SaysWhyNot) {
+    EXPECT_THAT(
+        performed(NEBSourceControlRequestCreateCommit, {{NEBSourceControlRequestOptionAmend, true}})
+            ->error(),
+        HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, withMessage("m"))->error(),
+                HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
+    repository.write("a.c", "1");
+    repository.git({"add", "a.c"});
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit)->error(),
+                HasErrorClass(NEBSourceControlMessageEmptyErrorClass));
+    NEBDictionary options = withMessage("m");
+    options.set(NEBSourceControlRequestOptionAuthor, "Ann");
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, options)->error(),
+                HasErrorClass(NEBSourceControlIdentityInvalidErrorClass));
+    repository.write(".git/hooks/pre-commit", "#!/bin/sh\necho no >&2\nexit 1\n");
+    EXPECT_EQ(::chmod(repository.path(".git/hooks/pre-commit").c_str(), 0755), 0);
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, withMessage("m"))->error(),
+                HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
+    EXPECT_NE(repository.gitStatus({"rev-parse", "--verify", "-q", "HEAD"}), 0);
+}
+
+}  // namespace
+}  // namespace neb::test

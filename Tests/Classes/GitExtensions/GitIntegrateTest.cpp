@@ -1,0 +1,303 @@
+#include "GitExtensions/GitIntegrate.h"
+
+#include <gmock/gmock.h>
+
+#include "Classes/GitExtensions/ChangeRequests.h"
+
+namespace neb::test {
+namespace {
+
+using testing::ElementsAre;
+
+/// A change that can stop, and what finishes it.
+class Stoppable : public ChangeTest {
+protected:
+    [[nodiscard]] Operation integrated(const char* strategy, const NEBValue& destination) const {
+        const auto request = requestOf(NEBSourceControlRequestIntegrate,
+                                       {{NEBSourceControlRequestOptionStrategy, strategy}});
+        request->destination = destination;
+        return performed(request);
+    }
+    [[nodiscard]] Operation finished(const char* action) const {
+        return performed(NEBSourceControlRequestFinish,
+                         {{NEBSourceControlRequestOptionAction, action}});
+    }
+    [[nodiscard]] Operation picked(const char* action, const NEBValue& revision,
+                                   NEBDictionary options = {}) const {
+        options.set(NEBSourceControlRequestOptionAction, action);
+        const auto request = requestOf(NEBSourceControlRequestPick, std::move(options));
+        request->startingRevision = revision;
+        return performed(request);
+    }
+    /// Expects both ids of the first record, and no conflict.
+    void expectMoved(const NEBSourceControlOperation& operation, const std::string& before) const {
+        EXPECT_EQ(operation.error(), std::nullopt);
+        EXPECT_EQ(operation.result(),
+                  NEBSourceControlResult({{{NEBSourceControlOperationKindKey, "head"},
+                                           {NEBSourceControlOperationOldObjectIDKey, before},
+                                           {NEBSourceControlOperationObjectIDKey, head()}}}));
+    }
+    /// Expects that the operation stopped at the file "a.c".
+    static void expectConflict(const NEBSourceControlOperation& operation) {
+        EXPECT_THAT(operation.error(), HasErrorClass(NEBSourceControlConflictErrorClass));
+        EXPECT_THAT(textsOf(operation, NEBSourceControlOperationKindKey),
+                    ElementsAre("head", "conflict"));
+        EXPECT_THAT(textsOf(operation, NEBSourceControlOperationPathKey), ElementsAre("", "a.c"));
+        EXPECT_EQ(operation.result()->back().text(NEBSourceControlOperationConflictKey),
+                  "both modified");
+    }
+    void resolve() const {
+        repository.write("a.c", "resolved\n");
+        repository.git({"add", "a.c"});
+    }
+    /// Makes the branch "easy", which adds the file "b.c".
+    void makeEasyBranch() const {
+        repository.git({"checkout", "-q", "-b", "easy", "HEAD~1"});
+        repository.commitFile("b.c", "1\n", "Easy");
+        repository.git({"checkout", "-q", "main"});
+    }
+};
+
+class Integrate : public Stoppable {};
+class Finish : public Stoppable {};
+class Pick : public Stoppable {};
+
+// ---- integrate --------------------------------------------------------------------------------
+
+TEST_F(Integrate, MergesRebasesAndFastForwards) {
+    makeConflictingBranch();
+    makeEasyBranch();
+    const std::string main = head();
+    expectMoved(*integrated("merge", "easy"), main);
+    EXPECT_EQ(git({"log", "-1", "--format=%P %s"}),
+              main + " " + git({"rev-parse", "easy"}) + " Merge branch 'easy'");
+    const std::string merged = head();
+    expectMoved(*integrated("merge", "easy"), merged);
+    EXPECT_EQ(head(), merged);
+    repository.git({"reset", "-q", "--hard", main});
+    expectMoved(*integrated("rebase", "easy"), main);
+    EXPECT_EQ(git({"rev-parse", "HEAD~1"}), git({"rev-parse", "easy"}));
+    EXPECT_THAT(integrated("fast-forward", "side")->error(),
+                HasErrorClass(NEBSourceControlDivergedErrorClass));
+    repository.git({"reset", "-q", "--hard", "easy~1"});
+    expectMoved(*integrated("fast-forward", "easy"), git({"rev-parse", "easy~1"}));
+    EXPECT_EQ(head(), git({"rev-parse", "easy"}));
+}
+
+TEST_F(Integrate, StopsAtConflicts) {
+    makeConflictingBranch();
+    const std::string main = head();
+    for (const char* strategy : {"merge", "rebase"}) {
+        expectConflict(*integrated(strategy, "side"));
+        EXPECT_EQ(status(), std::string("UU a.c\0", 7));
+        EXPECT_THAT(integrated(strategy, "side")->error(),
+                    HasErrorClass(strategy == std::string("merge")
+                                      ? NEBSourceControlConflictUnresolvedErrorClass
+                                      : NEBSourceControlMergeUnfinishedErrorClass));
+        expectMoved(
+            *finished("abort"),
+            git({"rev-parse", strategy == std::string("merge") ? main : std::string("side")}));
+        EXPECT_EQ(head(), main);
+    }
+}
+
+TEST_F(Integrate, FetchesTheUpstreamBranchOrTheNamedOne) {
+    repository.commitFile("a.c", "1");
+    const TestRepository clone(repository.path());
+    const auto integratedThere = [&](NEBDictionary options) {
+        auto request = requestFor(NEBSourceControlRequestIntegrate, clone.path());
+        request->options = std::move(options);
+        return performed(request);
+    };
+    repository.commitFile("a.c", "2");
+    EXPECT_EQ(integratedThere({})->error(), std::nullopt);
+    EXPECT_EQ(std::string(trimmed(clone.git({"rev-parse", "HEAD"}))), head());
+    repository.git({"checkout", "-q", "-b", "b\xe4r"});
+    repository.commitFile("a.c", "3");
+    EXPECT_EQ(integratedThere({{NEBSourceControlRequestOptionRemoteName, "origin"},
+                               {NEBSourceControlRequestOptionBranch, "b\xe4r"}})
+                  ->error(),
+              std::nullopt);
+    EXPECT_EQ(std::string(trimmed(clone.git({"rev-parse", "HEAD"}))), head());
+    EXPECT_THAT(integratedThere({{NEBSourceControlRequestOptionRemoteName, "origin"},
+                                 {NEBSourceControlRequestOptionBranch, "nosuch"}})
+                    ->error(),
+                HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
+}
+
+TEST_F(Integrate, SaysWhyNot) {
+    repository.commitFile("a.c", "1");
+    EXPECT_THAT(integrated("merge", {})->error(),
+                HasErrorClass(NEBSourceControlNoUpstreamErrorClass));
+    EXPECT_THAT(integrated("octopus", "main")->error(),
+                HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    for (const char* strategy : {"merge", "rebase", "fast-forward"}) {
+        for (const char* revision : {"nosuch", "--abort"}) {
+            EXPECT_THAT(integrated(strategy, revision)->error(),
+                        HasErrorClass(NEBSourceControlRevisionUnknownErrorClass))
+                << strategy << revision;
+        }
+    }
+    EXPECT_THAT(
+        performed(NEBSourceControlRequestIntegrate, {{NEBSourceControlRequestOptionBranch, "main"}})
+            ->error(),
+        HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    repository.git({"checkout", "-q", "--detach"});
+    EXPECT_THAT(integrated("merge", {})->error(),
+                HasErrorClass(NEBSourceControlNoCurrentBranchErrorClass));
+}
+
+TEST_F(Integrate, LeavesLocalChangesAlone) {
+    makeConflictingBranch();
+    repository.write("a.c", "own\n");
+    EXPECT_THAT(integrated("merge", "side")->error(),
+                HasErrorClass(NEBSourceControlLocalChangesErrorClass));
+    EXPECT_NE(integrated("rebase", "side")->error(), std::nullopt);
+    EXPECT_EQ(git({"diff", "--name-only"}), "a.c");
+}
+
+// ---- finish -----------------------------------------------------------------------------------
+
+TEST_F(Finish, ContinuesWhatIsResolved) {
+    makeConflictingBranch();
+    const std::string main = head();
+    const auto stopped = [&](const std::string& command) {
+        repository.git({"reset", "-q", "--hard", main});
+        EXPECT_NE(repository.gitStatus({command, "side"}), 0);
+    };
+    for (const std::string command : {"merge", "rebase", "cherry-pick"}) {
+        stopped(command);
+        EXPECT_THAT(finished("continue")->error(),
+                    HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass))
+            << command;
+        resolve();
+        const std::string before = head();
+        expectMoved(*finished("continue"), before);
+        EXPECT_NE(head(), before) << command;
+        EXPECT_EQ(status(), "");
+        EXPECT_THAT(finished("continue")->error(),
+                    HasErrorClass(NEBSourceControlNothingInProgressErrorClass));
+    }
+}
+
+TEST_F(Finish, SkipsAndAborts) {
+    makeConflictingBranch();
+    const std::string main = head();
+    EXPECT_NE(repository.gitStatus({"rebase", "side"}), 0);
+    EXPECT_EQ(finished("skip")->error(), std::nullopt);
+    EXPECT_EQ(head(), git({"rev-parse", "side"}));
+    repository.git({"reset", "-q", "--hard", main});
+    EXPECT_NE(repository.gitStatus({"merge", "side"}), 0);
+    EXPECT_THAT(finished("skip")->error(), HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    expectMoved(*finished("abort"), main);
+    EXPECT_EQ(status(), "");
+    for (const std::string command : {"cherry-pick", "revert"}) {
+        EXPECT_NE(repository.gitStatus({command, "side"}), 0);
+        EXPECT_EQ(finished("abort")->error(), std::nullopt) << command;
+        EXPECT_EQ(head(), main);
+    }
+    EXPECT_THAT(finished("abort")->error(),
+                HasErrorClass(NEBSourceControlNothingInProgressErrorClass));
+    EXPECT_THAT(finished("quit")->error(), HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+}
+
+// ---- pick -------------------------------------------------------------------------------------
+
+TEST_F(Pick, AppliesAndReverts) {
+    makeConflictingBranch();
+    makeEasyBranch();
+    const std::string main = head();
+    expectMoved(*picked("cherry-pick", "easy"), main);
+    EXPECT_EQ(git({"log", "-1", "--format=%s"}), "Easy");
+    const std::string applied = head();
+    expectMoved(*picked("revert", "HEAD"), applied);
+    EXPECT_EQ(git({"rev-parse", "HEAD^{tree}"}), git({"rev-parse", main + "^{tree}"}));
+    expectConflict(*picked("cherry-pick", "side"));
+    EXPECT_EQ(finished("abort")->error(), std::nullopt);
+    expectConflict(*picked("revert", "side"));
+    EXPECT_EQ(finished("abort")->error(), std::nullopt);
+    repository.git({"merge", "-q", "--no-edit", "easy"});
+    EXPECT_NE(picked("revert", "HEAD")->error(), std::nullopt);
+    EXPECT_EQ(picked("revert", "HEAD", {{NEBSourceControlRequestOptionMainline, 1}})->error(),
+              std::nullopt);
+}
+
+TEST_F(Pick, ResetsAsFarAsTheModeSays) {
+    repository.commitFile("a.c", "1");
+    const std::string first = head();
+    repository.commitFile("a.c", "2");
+    const std::string second = head();
+    const std::pair<const char*, std::string> modes[] = {
+        {"soft", std::string("M  a.c\0", 7)},
+        {"mixed", std::string(" M a.c\0", 7)},
+        {"hard", ""},
+    };
+    for (const auto& [mode, expected] : modes) {
+        expectMoved(*picked("reset", first, {{NEBSourceControlRequestOptionResetMode, mode}}),
+                    second);
+        EXPECT_EQ(status(), expected);
+        repository.git({"reset", "-q", "--hard", second});
+    }
+}
+
+TEST_F(Pick, RefusesAHardResetThatLosesWork) {
+    repository.commitFile("a.c", "1");
+    repository.commitFile("a.c", "2");
+    repository.write("a.c", "3");
+    NEBDictionary hard{{NEBSourceControlRequestOptionResetMode, "hard"}};
+    const auto refused = picked("reset", "HEAD~1", hard);
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
+    EXPECT_THAT(refused->error()->files, ElementsAre("a.c"));
+    NEBDictionary dryRun = hard;
+    dryRun.set(NEBSourceControlRequestOptionDryRun, true);
+    EXPECT_EQ(picked("reset", "HEAD~1", dryRun)->result(),
+              NEBSourceControlResult({{{NEBSourceControlOperationPathKey, "a.c"},
+                                       {NEBSourceControlOperationStateKey, "modified"}}}));
+    EXPECT_EQ(git({"diff", "--name-only"}), "a.c");
+    hard.set(NEBSourceControlRequestOptionForce, true);
+    EXPECT_EQ(picked("reset", "HEAD~1", hard)->error(), std::nullopt);
+    EXPECT_EQ(status(), "");
+}
+
+/// git itself overwrites them and prints nothing.
+TEST_F(Pick, RefusesAHardResetThatOverwritesUntrackedFiles) {
+    repository.commitFile("a.c", "1");
+    repository.commitFile("b.c", "1");
+    repository.git({"rm", "-q", "b.c"});
+    repository.git({"commit", "-q", "-m", "m"});
+    repository.write("b.c", "own");
+    NEBDictionary hard{{NEBSourceControlRequestOptionResetMode, "hard"}};
+    EXPECT_THAT(picked("reset", "HEAD~1", hard)->error(),
+                HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
+    EXPECT_EQ(status(), std::string("?? b.c\0", 7));
+    hard.set(NEBSourceControlRequestOptionForce, true);
+    EXPECT_EQ(picked("reset", "HEAD~1", hard)->error(), std::nullopt);
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(Pick, SaysWhyNot) {
+    EXPECT_THAT(picked("cherry-pick", "HEAD")->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+    makeConflictingBranch();
+    for (const char* action : {"cherry-pick", "revert", "reset"}) {
+        for (const char* revision : {"nosuch", "--abort", "main side"}) {
+            EXPECT_THAT(picked(action, revision)->error(),
+                        HasErrorClass(NEBSourceControlRevisionUnknownErrorClass))
+                << action << revision;
+        }
+    }
+    EXPECT_THAT(picked("squash", "HEAD")->error(),
+                HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_THAT(
+        picked("cherry-pick", "side", {{NEBSourceControlRequestOptionDryRun, true}})->error(),
+        HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_NE(repository.gitStatus({"merge", "-q", "side"}), 0);
+    EXPECT_THAT(picked("reset", "HEAD")->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+    EXPECT_THAT(picked("cherry-pick", "side")->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+    EXPECT_EQ(status(), std::string("UU a.c\0", 7));
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -1,10 +1,14 @@
 #include "GitExtensions/GitChange.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "GitExtensions/GitRecordFields.h"
 #include "GitExtensions/GitUnfinishedOperation.h"
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
 #include "Platform/Text.h"
 
 namespace neb {
@@ -16,8 +20,45 @@ namespace {
 bool stoppedAtConflict(const NEBSourceControlOperation& change,
                        const NEBSourceControlResult& conflicts) {
     const auto& errorClass = change.error()->errorClass;
-    return !conflicts.empty() && (errorClass == NEBSourceControlMergeFailedErrorClass ||
-                                  errorClass == NEBSourceControlUnknownErrorClass);
+    constexpr NEBConstant classes[] = {NEBSourceControlConflictErrorClass,
+                                       NEBSourceControlMergeFailedErrorClass,
+                                       NEBSourceControlUnknownErrorClass};
+    return !conflicts.empty() && std::ranges::any_of(classes, [&](const NEBConstant& other) {
+        return errorClass == other;
+    });
+}
+
+/// Returns what lies in place of the folders of a deleted file, or of the file itself; empty for
+/// nothing.
+std::string_view obstacleOf(const std::string& folder, std::string_view path) {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    const auto statusOf = [&](std::string_view part) {
+        return fs::symlink_status(pathByAppendingComponent(folder, part), failure);
+    };
+    for (std::size_t slash = path.find('/'); slash != std::string_view::npos;
+         slash = path.find('/', slash + 1)) {
+        const fs::file_status status = statusOf(path.substr(0, slash));
+        if (!fs::exists(status)) {
+            return {};
+        }
+        if (!fs::is_directory(status)) {
+            return path.substr(0, slash);
+        }
+    }
+    const bool isFolder = fs::is_directory(statusOf(path));
+    return isFolder && !fs::is_empty(pathByAppendingComponent(folder, path), failure)
+               ? path
+               : std::string_view();
+}
+
+/// Returns the letter of the state of an entry "XY PATH" of a status: that of the working copy, or
+/// else that of the index.
+char stateLetterOf(std::string_view entry) {
+    const bool isConflict = entry.substr(0, 2).find('U') != std::string_view::npos ||
+                            entry.starts_with("AA") || entry.starts_with("DD");
+    const char inFile = entry[1] == ' ' ? entry[0] : entry[1];
+    return isConflict ? 'U' : inFile;
 }
 
 std::vector<std::string> pathsOfConflicts(const NEBSourceControlResult& conflicts) {
@@ -74,6 +115,70 @@ std::optional<std::string> GitChangeComposite::queriedCommit(const NEBValue& rev
     const Data name = gitBytesOfValue(gitRevisionOfCommit(revision)).value_or(Data());
     return queriedLine({"rev-parse", "--verify", "--end-of-options",
                         std::string(name.bytes()).append("^{commit}")});
+}
+
+std::optional<std::vector<std::string>> GitChangeComposite::queriedObstacles(
+    const std::vector<std::string>& deleted, PathOrigin origin) {
+    std::vector<std::string> obstacles;
+    if (deleted.empty()) {
+        return obstacles;
+    }
+    auto folder = queriedLine({"rev-parse", "--show-toplevel"});
+    if (folder && origin == PathOrigin::workingDirectory) {
+        const auto prefix = queriedLine({"rev-parse", "--show-prefix"});
+        folder = prefix ? std::optional(pathByAppendingComponent(*folder, *prefix)) : std::nullopt;
+    }
+    if (!folder) {
+        return std::nullopt;
+    }
+    for (const std::string& path : deleted) {
+        const std::string_view obstacle = obstacleOf(*folder, path);
+        if (!obstacle.empty() && (obstacles.empty() || obstacles.back() != obstacle)) {
+            obstacles.emplace_back(obstacle);
+        }
+    }
+    return obstacles;
+}
+
+std::optional<NEBSourceControlResult> GitChangeComposite::queriedLocalChanges(
+    const std::vector<std::string>& paths) {
+    std::vector<std::string> arguments{"status",
+                                       "--porcelain",
+                                       "-z",
+                                       "--untracked-files=no",
+                                       "--no-renames",
+                                       "--ignore-submodules=all",
+                                       "--"};
+    arguments.insert(arguments.end(), paths.begin(), paths.end());
+    const auto status = runQuery(request(), arguments);
+    if (!goesOnAfter(*status)) {
+        return std::nullopt;
+    }
+    NEBSourceControlResult records;
+    std::vector<std::string> deleted;
+    const auto addRecord = [&records](const std::string& path) -> NEBDictionary& {
+        gitSetName(records.emplace_back(), gitPathKeys, path);
+        return records.back();
+    };
+    for (const std::string& entry : gitNULSeparatedPieces(status->output())) {
+        constexpr std::size_t pathStart = 3;
+        if (entry.size() > pathStart) {
+            const char letter = stateLetterOf(entry);
+            gitSetState(addRecord(entry.substr(pathStart)), NEBSourceControlOperationStateKey,
+                        std::string(1, letter));
+            if (letter == 'D') {
+                deleted.push_back(entry.substr(pathStart));
+            }
+        }
+    }
+    const auto obstacles = queriedObstacles(deleted, PathOrigin::top);
+    if (!obstacles) {
+        return std::nullopt;
+    }
+    for (const std::string& path : *obstacles) {
+        addRecord(path).set(NEBSourceControlOperationStateKey, "untracked");
+    }
+    return records;
 }
 
 void GitChangeComposite::runStoppable(const std::vector<std::string>& arguments) {
@@ -138,17 +243,34 @@ void GitChangeComposite::failForOption(NEBConstant key) {
              : "The request lacks " + std::string(key) + ".");
 }
 
+bool GitChangeComposite::acceptsReference(const NEBValue& name) {
+    const std::string text = name.description();
+    if (name.isPresent() && !gitNamesOneReference(text)) {
+        fail(NEBSourceControlRequestInvalidErrorClass,
+             "\"" + text + "\" is not the name of one branch or tag.");
+    }
+    return !error();
+}
+
 std::string GitChangeComposite::action(std::string_view usual) const {
     const NEBValue& value = request()->option(NEBSourceControlRequestOptionAction);
     return value.isPresent() ? value.description() : std::string(usual);
 }
 
+std::vector<std::string> gitFileNames(const NEBSourceControlRequest& request) {
+    std::vector<std::string> names;
+    for (const NEBValue& file : request.files.value_or(std::vector<NEBValue>())) {
+        if (const auto name = gitBytesOfValue(file)) {
+            names.emplace_back(name->bytes());
+        }
+    }
+    return names;
+}
+
 Data gitNULSeparatedFiles(const NEBSourceControlRequest& request) {
     std::string names;
-    for (std::size_t i = 0; i < request.fileCount(); ++i) {
-        if (const auto name = gitBytesOfValue((*request.files)[i])) {
-            names.append(name->bytes()).append(1, '\0');
-        }
+    for (const std::string& name : gitFileNames(request)) {
+        names.append(name).append(1, '\0');
     }
     return Data(names);
 }
@@ -158,6 +280,11 @@ std::vector<std::string> gitNULSeparatedPieces(std::string_view output) {
     forEachField(output, '\0', [&](std::string_view piece) { pieces.emplace_back(piece); });
     pieces.pop_back();
     return pieces;
+}
+
+bool gitNamesOneReference(std::string_view text) {
+    return !text.empty() && text.front() != '+' &&
+           text.find_first_of(":*") == std::string_view::npos;
 }
 
 std::optional<Data> gitBytesOfValue(const NEBValue& value) {

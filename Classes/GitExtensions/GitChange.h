@@ -58,6 +58,20 @@ protected:
     /// on: the commit is unknown.
     [[nodiscard]] std::optional<std::string> queriedCommit(const NEBValue& revision);
 
+    /// What paths start at.
+    enum class PathOrigin { workingDirectory, top };
+    /// Returns the untracked files and folders that git replaces, without a message, when it
+    /// restores these deleted files: "dir" for "dir/a.c", or a folder "a.c" that is not empty.
+    /// Their paths have the same origin. Absent if the composite does not go on.
+    [[nodiscard]] std::optional<std::vector<std::string>> queriedObstacles(
+        const std::vector<std::string>& deleted, PathOrigin origin);
+    /// Returns a record for each file with uncommitted changes, except those of submodules, with
+    /// NEBSourceControlOperationPathKey (from the top) and NEBSourceControlOperationStateKey; and
+    /// for each obstacle of the deleted ones, with the state "untracked". With `paths` only of
+    /// these. Absent if the composite does not go on.
+    [[nodiscard]] std::optional<NEBSourceControlResult> queriedLocalChanges(
+        const std::vector<std::string>& paths = {});
+
     /// Runs a change that can stop at conflicts, and sets result and error. The first record has
     /// NEBSourceControlOperationKindKey "head", NEBSourceControlOperationOldObjectIDKey and
     /// NEBSourceControlOperationObjectIDKey: the commits of HEAD before and after. A record for
@@ -69,6 +83,9 @@ protected:
               std::vector<std::string> files = {});
     /// Ends the composite because an option has a value that it does not know, or lacks one.
     void failForOption(NEBConstant key);
+    /// Returns whether the value is absent, or the name of one reference; otherwise the error is
+    /// set.
+    [[nodiscard]] bool acceptsReference(const NEBValue& name);
     /// Returns the option NEBSourceControlRequestOptionAction, or else `usual`.
     [[nodiscard]] std::string action(std::string_view usual) const;
 
@@ -85,8 +102,15 @@ private:
 /// --pathspec-file-nul; see git-add(1).
 [[nodiscard]] Data gitNULSeparatedFiles(const NEBSourceControlRequest& request);
 
+/// Returns the bytes of the request's files.
+[[nodiscard]] std::vector<std::string> gitFileNames(const NEBSourceControlRequest& request);
+
 /// Returns the pieces of an output, each of which a NUL byte ends.
 [[nodiscard]] std::vector<std::string> gitNULSeparatedPieces(std::string_view output);
+
+/// Whether the text can be one side of a refspec only, and names one reference or revision: it is
+/// not empty, and has no "+" in front, which forces, and no ":" or "*".
+[[nodiscard]] bool gitNamesOneReference(std::string_view text);
 
 /// Returns the bytes of a string or of a value of bytes; absent for an absent value.
 [[nodiscard]] std::optional<Data> gitBytesOfValue(const NEBValue& value);

@@ -24,11 +24,8 @@ std::optional<std::vector<std::string>> GitDiscardOperation::queriedPaths(
     std::vector<std::string> arguments{"ls-files", "-z"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     arguments.emplace_back("--");
-    for (const NEBValue& file : request()->files.value_or(std::vector<NEBValue>())) {
-        if (const auto name = gitBytesOfValue(file)) {
-            arguments.emplace_back(name->bytes());
-        }
-    }
+    const auto names = gitFileNames(*request());
+    arguments.insert(arguments.end(), names.begin(), names.end());
     const auto query = runQuery(request(), arguments);
     if (!goesOnAfter(*query)) {
         return std::nullopt;
@@ -54,12 +51,20 @@ std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() 
     std::ranges::copy_if(
         *modified, std::back_inserter(losses.modified),
         [&isDeleted](const std::string& path) { return !isDeleted.contains(path); });
+    auto obstacles = queriedObstacles(losses.deleted, PathOrigin::workingDirectory);
+    if (!obstacles) {
+        return std::nullopt;
+    }
+    losses.obstacles = *std::move(obstacles);
     if (hasUntracked) {
         auto untracked = queriedPaths({"--others", "--exclude-standard"});
         if (!untracked) {
             return std::nullopt;
         }
-        std::erase_if(*untracked, [](const std::string& path) { return path.ends_with('/'); });
+        std::erase_if(*untracked, [&losses](const std::string& path) {
+            return path.ends_with('/') ||
+                   std::ranges::find(losses.obstacles, path) != losses.obstacles.end();
+        });
         losses.untracked = *std::move(untracked);
     }
     return losses;
@@ -121,9 +126,11 @@ void GitDiscardOperation::perform() {
     }
     addRecords(losses->modified, "modified");
     addRecords(losses->deleted, "deleted");
-    addRecords(losses->untracked, "untracked");
     std::vector<std::string> lost = losses->modified;
-    lost.insert(lost.end(), losses->untracked.begin(), losses->untracked.end());
+    for (const auto* untracked : {&losses->obstacles, &losses->untracked}) {
+        addRecords(*untracked, "untracked");
+        lost.insert(lost.end(), untracked->begin(), untracked->end());
+    }
     if (!mayThrowAway(lost)) {
         return;
     }

@@ -14,7 +14,8 @@ namespace neb {
 /// and not those of other repositories.
 ///
 /// If a change would be lost, the request is refused with an error of the class "local-changes",
-/// unless NEBSourceControlRequestOptionForce is set. The file of a deletion comes back without it.
+/// unless NEBSourceControlRequestOptionForce is set. The file of a deletion comes back without it,
+/// unless an untracked file is in place of its folder, or a folder in its own place.
 ///
 /// The result has a record for each file that is, or with NEBSourceControlRequestOptionDryRun would
 /// be, restored or deleted: NEBSourceControlOperationPathKey (from the working directory; in a
@@ -30,9 +31,9 @@ protected:
     void perform() override;
 
 private:
-    /// The paths of the request that are in these states.
+    /// The paths of the request that are in these states, and what blocks the deleted ones.
     struct Losses {
-        std::vector<std::string> modified, deleted, untracked;
+        std::vector<std::string> modified, deleted, untracked, obstacles;
     };
 
     /// Returns the paths that `git ls-files` lists with this option. Absent if the composite does

@@ -38,6 +38,9 @@ std::optional<std::string> GitIntegrateOperation::fetchedRevision() {
              "The request has only one of the names of a remote and of its branch.");
         return std::nullopt;
     }
+    if (!acceptsReference(branch)) {
+        return std::nullopt;
+    }
     if (remote.isPresent()) {
         const bool isFetched =
             runChange({"fetch", "--quiet", "--", remote.description(), branch.description()});

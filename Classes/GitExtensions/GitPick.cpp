@@ -3,24 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "GitExtensions/GitRecordFields.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 
 namespace neb {
-
-namespace {
-
-/// Returns the letter of the state of an entry "XY PATH" of a status: that of the working copy, or
-/// else that of the index.
-char stateLetterOf(std::string_view entry) {
-    const bool isConflict = entry.substr(0, 2).find('U') != std::string_view::npos ||
-                            entry.starts_with("AA") || entry.starts_with("DD");
-    const char inFile = entry[1] == ' ' ? entry[0] : entry[1];
-    return isConflict ? 'U' : inFile;
-}
-
-}  // namespace
 
 void GitPickOperation::perform() {
     const std::string wanted = action("cherry-pick");
@@ -61,25 +47,6 @@ void GitPickOperation::applyCommit(const std::string& command, const std::string
     runStoppable(arguments);
 }
 
-std::optional<NEBSourceControlResult> GitPickOperation::queriedChanges() {
-    const auto status = runQuery(request(), {"status", "--porcelain", "-z", "--untracked-files=no",
-                                             "--no-renames", "--ignore-submodules=all"});
-    if (!goesOnAfter(*status)) {
-        return std::nullopt;
-    }
-    NEBSourceControlResult records;
-    for (const std::string& entry : gitNULSeparatedPieces(status->output())) {
-        constexpr std::size_t pathStart = 3;
-        if (entry.size() > pathStart) {
-            NEBDictionary& record = records.emplace_back();
-            gitSetName(record, gitPathKeys, entry.substr(pathStart));
-            gitSetState(record, NEBSourceControlOperationStateKey,
-                        std::string(1, stateLetterOf(entry)));
-        }
-    }
-    return records;
-}
-
 bool GitPickOperation::losesNoChanges(const NEBSourceControlResult& changes) {
     std::vector<std::string> lost;
     for (const NEBDictionary& change : changes) {
@@ -101,7 +68,7 @@ bool GitPickOperation::overwritesNoFiles(const std::string& commit) {
 }
 
 bool GitPickOperation::endsNoConflict() {
-    const auto conflicts = queriedLine({"ls-files", "--unmerged", "-z"});
+    const auto conflicts = queriedLine({"ls-files", "--unmerged", "-z", "--", ":/"});
     if (conflicts && !conflicts->empty()) {
         fail(NEBSourceControlConflictUnresolvedErrorClass,
              "There are unresolved conflicts, whose versions would be lost.");
@@ -118,7 +85,7 @@ void GitPickOperation::reset(const std::string& commit) {
         return;
     }
     const bool isHard = mode == "hard";
-    auto changes = isHard ? queriedChanges() : NEBSourceControlResult();
+    auto changes = isHard ? queriedLocalChanges() : NEBSourceControlResult();
     if (!changes) {
         return;
     }

@@ -35,8 +35,6 @@ protected:
 private:
     void applyCommit(const std::string& command, const std::string& commit);
     void reset(const std::string& commit);
-    /// Returns the files with uncommitted changes. Absent if the composite does not go on.
-    [[nodiscard]] std::optional<NEBSourceControlResult> queriedChanges();
     /// Return whether the reset throws nothing away; otherwise the error is set.
     [[nodiscard]] bool losesNoChanges(const NEBSourceControlResult& changes);
     [[nodiscard]] bool overwritesNoFiles(const std::string& commit);

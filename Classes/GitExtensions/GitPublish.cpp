@@ -142,6 +142,9 @@ std::optional<std::vector<std::string>> GitPublishOperation::destinationArgument
     const NEBValue& remote = request()->option(NEBSourceControlRequestOptionRemoteName);
     const NEBValue& branch = request()->option(NEBSourceControlRequestOptionBranch);
     const NEBValue& there = request()->destination;
+    if (!acceptsReference(branch) || !acceptsReference(there)) {
+        return std::nullopt;
+    }
     const bool deletes = action("push") == "delete";
     std::string reference;
     if (deletes) {

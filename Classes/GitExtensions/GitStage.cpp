@@ -34,11 +34,9 @@ bool GitUnstageOperation::keepsConflicts() {
         return true;
     }
     std::vector<std::string> arguments{"ls-files", "--unmerged", "-z", "--"};
-    for (const NEBValue& file : request()->files.value_or(std::vector<NEBValue>())) {
-        if (const auto name = gitBytesOfValue(file)) {
-            arguments.emplace_back(name->bytes());
-        }
-    }
+    const auto names =
+        request()->fileCount() == 0 ? std::vector<std::string>{":/"} : gitFileNames(*request());
+    arguments.insert(arguments.end(), names.begin(), names.end());
     const auto conflicts = runQuery(request(), arguments);
     if (!goesOnAfter(*conflicts)) {
         return false;

@@ -98,6 +98,23 @@ void GitStashOperation::list() {
     }
 }
 
+/// git itself replaces untracked files in place of deleted ones, and keeps them nowhere.
+bool GitStashOperation::keepsUntrackedFiles() {
+    std::vector<std::string> replaced;
+    const auto changes = queriedLocalChanges(gitFileNames(*request()));
+    for (const NEBDictionary& change : changes.value_or(NEBSourceControlResult())) {
+        if (change.text(NEBSourceControlOperationStateKey) == "untracked") {
+            replaced.emplace_back(change.text(NEBSourceControlOperationPathKey));
+        }
+    }
+    if (!replaced.empty()) {
+        fail(NEBSourceControlUntrackedInTheWayErrorClass,
+             "Untracked files are in place of deleted ones, and would be lost.",
+             std::move(replaced));
+    }
+    return !error();
+}
+
 void GitStashOperation::push() {
     const std::vector<std::string> query{"rev-parse", "--verify", "--quiet",
                                          std::string(stashReference)};
@@ -108,6 +125,8 @@ void GitStashOperation::push() {
     std::vector<std::string> arguments{"stash", "push"};
     if (hasOption(NEBSourceControlRequestOptionIncludeUntracked)) {
         arguments.emplace_back("--include-untracked");
+    } else if (!keepsUntrackedFiles()) {
+        return;
     }
     if (hasOption(NEBSourceControlRequestOptionKeepIndex)) {
         arguments.emplace_back("--keep-index");
@@ -181,8 +200,11 @@ void GitStashOperation::applyOrPop() {
 }
 
 void GitStashOperation::drop() {
-    if (const auto name = queriedName()) {
-        static_cast<void>(runChange({"stash", "drop", "--quiet", "--", *name}));
+    const auto name = queriedName();
+    const auto id = name ? queriedCommit(*name) : std::nullopt;
+    if (id && runChange({"stash", "drop", "--quiet", "--", *name})) {
+        setResult({{{{NEBSourceControlOperationNameKey, *name},
+                     {NEBSourceControlOperationObjectIDKey, *id}}}});
     }
 }
 

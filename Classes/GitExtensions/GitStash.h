@@ -25,7 +25,7 @@ namespace neb {
 /// - "apply", "pop": see GitChangeComposite::runStoppable(). With
 ///   NEBSourceControlRequestOptionRestoreIndex, staged changes are staged again. A stash that
 ///   causes conflicts is kept.
-/// - "drop": no result.
+/// - "drop": one record with the name and id that the stash had.
 class GitStashOperation : public GitChangeComposite {
 public:
     using GitChangeComposite::GitChangeComposite;
@@ -38,6 +38,8 @@ protected:
 private:
     /// Returns the name of the requested stash. Absent if the composite does not go on.
     [[nodiscard]] std::optional<std::string> queriedName();
+    /// Returns whether a stash without untracked files loses none; otherwise the error is set.
+    [[nodiscard]] bool keepsUntrackedFiles();
     void list();
     void push();
     void show();

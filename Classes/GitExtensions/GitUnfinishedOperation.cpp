@@ -162,7 +162,7 @@ private:
 
 GitConflictsOperation::GitConflictsOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitReadingOperation(std::move(request)) {
-    setArgumentsBehindDefaults({"ls-files", "--unmerged", "-z"});
+    setArgumentsBehindDefaults({"ls-files", "--unmerged", "-z", "--", ":/"});
 }
 
 std::unique_ptr<NEBSourceControlRecordParser> GitConflictsOperation::makeRecordParser() {

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "Classes/GitExtensions/ChangeRequests.h"
 
 namespace neb::test {
@@ -121,6 +123,24 @@ TEST_F(Discard, ThrowsAwayAHunk) {
     EXPECT_EQ(git({"diff", "--numstat"}), "1\t1\ta.c");
     EXPECT_THAT(performed(NEBSourceControlRequestDiscard, options)->error(),
                 HasErrorClass(NEBSourceControlPatchFailedErrorClass));
+}
+
+/// git itself replaces them and prints nothing.
+TEST_F(Discard, KeepsUntrackedFilesInPlaceOfDeletedOnes) {
+    repository.commitFile("sub/dir/a.c", "1");
+    std::filesystem::remove_all(repository.path("sub/dir"));
+    repository.write("sub/dir", "own");
+    auto request = requestFor(NEBSourceControlRequestDiscard, repository.path("sub"));
+    const auto refused = performed(request);
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
+    EXPECT_THAT(refused->error()->files, ElementsAre("dir"));
+    EXPECT_THAT(pathsOf(*refused), ElementsAre("dir/a.c", "dir"));
+    EXPECT_EQ(status(), std::string(" D sub/dir/a.c\0?? sub/dir\0", 26));
+    NEBDictionary options = discardByForce;
+    options.set(NEBSourceControlRequestOptionIncludeUntracked, true);
+    request->options = options;
+    EXPECT_EQ(performed(request)->error(), std::nullopt);
+    EXPECT_EQ(status(), "");
 }
 
 TEST_F(Discard, TakesNoSideInAConflict) {

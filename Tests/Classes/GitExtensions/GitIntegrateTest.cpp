@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "Classes/GitExtensions/ChangeRequests.h"
 
 namespace neb::test {
@@ -119,6 +121,12 @@ TEST_F(Integrate, FetchesTheUpstreamBranchOrTheNamedOne) {
                   ->error(),
               std::nullopt);
     EXPECT_EQ(std::string(trimmed(clone.git({"rev-parse", "HEAD"}))), head());
+    for (const char* refspec : {"main:other", "+main", "*", ""}) {
+        EXPECT_THAT(integratedThere({{NEBSourceControlRequestOptionRemoteName, "origin"},
+                                     {NEBSourceControlRequestOptionBranch, refspec}})
+                        ->error(),
+                    HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    }
     EXPECT_THAT(integratedThere({{NEBSourceControlRequestOptionRemoteName, "origin"},
                                  {NEBSourceControlRequestOptionBranch, "nosuch"}})
                     ->error(),
@@ -273,6 +281,53 @@ TEST_F(Pick, RefusesAHardResetThatOverwritesUntrackedFiles) {
     hard.set(NEBSourceControlRequestOptionForce, true);
     EXPECT_EQ(picked("reset", "HEAD~1", hard)->error(), std::nullopt);
     EXPECT_EQ(status(), "");
+}
+
+TEST_F(Pick, RefusesAHardResetThatReplacesUntrackedFiles) {
+    repository.commitFile("a.c", "1");
+    repository.commitFile("dir/b.c", "1");
+    std::filesystem::remove_all(repository.path("dir"));
+    const NEBDictionary hard{{NEBSourceControlRequestOptionResetMode, "hard"}};
+    const auto expectRefused = [&](const char* obstacle) {
+        const auto refused = picked("reset", "HEAD", hard);
+        EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
+        EXPECT_THAT(refused->error()->files, ElementsAre(obstacle));
+    };
+    repository.write("dir", "own");
+    expectRefused("dir");
+    std::filesystem::remove(repository.path("dir"));
+    std::filesystem::create_symlink("/", repository.path("dir"));
+    expectRefused("dir");
+    std::filesystem::remove(repository.path("dir"));
+    std::filesystem::remove(repository.path("a.c"));
+    std::filesystem::create_directory(repository.path("a.c"));
+    std::filesystem::create_directory(repository.path("a.c/sub"));
+    repository.write("a.c/sub/own", "own");
+    expectRefused("a.c");
+    std::filesystem::remove_all(repository.path("a.c"));
+    EXPECT_EQ(picked("reset", "HEAD", hard)->error(), std::nullopt);
+    EXPECT_EQ(status(), "");
+}
+
+/// git lists only the conflicts below its working directory.
+TEST_F(Pick, SeesConflictsOutsideOfTheLocation) {
+    makeConflictingBranch();
+    repository.commitFile("sub/b.c", "1");
+    auto merge = requestFor(NEBSourceControlRequestIntegrate, repository.path("sub"));
+    merge->destination = "side";
+    const auto stopped = performed(merge);
+    EXPECT_THAT(stopped->error(), HasErrorClass(NEBSourceControlConflictErrorClass));
+    EXPECT_THAT(pathsOf(*stopped), ElementsAre("", "../a.c"));
+    EXPECT_THAT(stopped->error()->files, ElementsAre("../a.c"));
+    auto reset = requestFor(NEBSourceControlRequestPick, repository.path("sub"));
+    reset->startingRevision = "HEAD";
+    reset->options = NEBDictionary{{NEBSourceControlRequestOptionAction, "reset"}};
+    const auto unstage = requestFor(NEBSourceControlRequestUnstage, repository.path("sub"));
+    for (const auto& request : {reset, unstage}) {
+        EXPECT_THAT(performed(request)->error(),
+                    HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+        EXPECT_EQ(status(), std::string("UU a.c\0", 7));
+    }
 }
 
 TEST_F(Pick, SaysWhyNot) {

@@ -184,6 +184,13 @@ TEST_F(Publish, SaysWhyNot) {
     EXPECT_THAT(
         published(withOption(pushToOrigin, NEBSourceControlRequestOptionBranch, "nosuch"))->error(),
         HasErrorClass(NEBSourceControlNothingToPushFromErrorClass));
+    for (const char* name : {":main", "+main", "main:main", "refs/heads/*", ""}) {
+        EXPECT_THAT(
+            published(withOption(pushToOrigin, NEBSourceControlRequestOptionBranch, name))->error(),
+            HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+        EXPECT_THAT(published(pushToOrigin, name)->error(),
+                    HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    }
     const NEBDictionary incomplete[] = {
         {{NEBSourceControlRequestOptionBranch, "main"}},
         {{NEBSourceControlRequestOptionAction, "delete"}},

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <sstream>
 
 #include "Classes/GitExtensions/ChangeRequests.h"
@@ -111,8 +112,27 @@ TEST_F(Stash, ShowsAppliesPopsAndDrops) {
     EXPECT_EQ(performed(NEBSourceControlRequestStash, stashAction("pop"))->error(), std::nullopt);
     EXPECT_EQ(git({"stash", "list"}), "");
     stash("3");
-    EXPECT_EQ(performed(NEBSourceControlRequestStash, stashAction("drop"))->error(), std::nullopt);
+    const std::string id = git({"rev-parse", "refs/stash"});
+    EXPECT_EQ(performed(NEBSourceControlRequestStash, stashAction("drop"))->result(),
+              NEBSourceControlResult({{{NEBSourceControlOperationNameKey, "stash@{0}"},
+                                       {NEBSourceControlOperationObjectIDKey, id}}}));
     EXPECT_EQ(git({"stash", "list"}), "");
+}
+
+/// git itself replaces them and prints nothing.
+TEST_F(Stash, KeepsUntrackedFilesInPlaceOfDeletedOnes) {
+    repository.commitFile("dir/a.c", "1");
+    std::filesystem::remove_all(repository.path("dir"));
+    repository.write("dir", "own");
+    const auto refused = performed(NEBSourceControlRequestStash, stashAction("push"));
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
+    EXPECT_THAT(refused->error()->files, ElementsAre("dir"));
+    EXPECT_EQ(status(), std::string(" D dir/a.c\0?? dir\0", 18));
+    NEBDictionary options = stashAction("push");
+    options.set(NEBSourceControlRequestOptionIncludeUntracked, true);
+    EXPECT_EQ(performed(NEBSourceControlRequestStash, options)->error(), std::nullopt);
+    EXPECT_EQ(git({"show", "stash^3:dir"}), "own");
+    EXPECT_EQ(status(), "");
 }
 
 TEST_F(Stash, StagesAgainWhatWasStaged) {

@@ -181,6 +181,54 @@ TEST_F(ListCommand, JSONPrintsOnlyTheOutcome) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
+// ---- a folder of any commit -------------------------------------------------------------------
+
+TEST_F(ListCommand, ListsAFolderOfACommitWithSizes) {
+    repository.git({"tag", "v1"});
+    repository.commitFile("src/a b.c", "four");
+    repository.git({"update-index", "--chmod=+x", "top.c"});
+    repository.git({"commit", "--quiet", "-m", "executable"});
+    const std::string old =
+        "file                    0  .hidden\n"
+        "file                    0  a b.c\n"
+        "folder                     grüße/\n";
+    expectDone(nebsc({"ls", "v1:src"}), old);
+    expectDone(nebsc({"ls", "v1:src/"}, "src"), old);
+    expectDone(nebsc({"ls", "v1:."}, "src"), old);
+    expectDone(nebsc({"ls", "HEAD:./grüße"}, "src"), "file                    0  x\n");
+    expectDone(nebsc({"ls", "HEAD:"}, "src"),
+               "folder                     src/\n"
+               "executable              0  top.c\n");
+    EXPECT_THAT(nebsc({"ls", "HEAD:src"}).output, HasSubstr("file                    4  a b.c\n"));
+}
+
+TEST_F(ListCommand, AFolderOfACommitMayBeCalledAnything) {
+    repository.commitFile("HEAD:src/x", "");
+    expectDone(nebsc({"ls", "HEAD:src"}), "x\n");
+    repository.commitFile("l\xE9/\xE4", "1\n");
+    expectDone(nebsc({"ls", "HEAD:l\xE9"}), "file                    2  \\xe4\n");
+}
+
+TEST_F(ListCommand, ReportsWhatIsNoFolderOfACommit) {
+    expectFailed(nebsc({"ls", "HEAD:nosuch"}),
+                 "nebsc: there is no folder 'nosuch' in 'HEAD'\n"
+                 "'nebsc ls HEAD:' lists the top of that commit.\n");
+    EXPECT_EQ(nebsc({"ls", "--json", "HEAD:nosuch"}).json()["error"]["class"], "path-unknown");
+    expectFailed(nebsc({"ls", "HEAD:top.c"}),
+                 "nebsc: 'HEAD:top.c' is a file\n'nebsc cat HEAD:top.c' prints it.\n");
+    expectFailed(nebsc({"ls", "nosuch:src"}), HasSubstr("unknown revision 'nosuch'"));
+    expectFailed(nebsc({"ls", "HEAD:../x"}), HasSubstr("is outside the working copy"));
+}
+
+TEST_F(ListCommand, JSONHasTheRecordsOfACommit) {
+    const JSON json = nebsc({"ls", "--json", "HEAD:src"}).json();
+    EXPECT_EQ(json["type"], NEBSourceControlRequestTree);
+    ASSERT_EQ(json["result"].size(), 3U);
+    EXPECT_EQ(json["result"][2]["NEBSourceControlOperationKindKey"], "folder");
+}
+
+// ---- a terminal -------------------------------------------------------------------------------
+
 TEST_F(ListCommand, ColoursFoldersOnATerminal) {
     const NebscOutcome outcome =
         runNebsc({"ls"}, {.folder = repository.path(),

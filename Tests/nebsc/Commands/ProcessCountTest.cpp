@@ -63,6 +63,9 @@ TEST_F(ProcessCount, IsTwoForACommandThatReads) {
              {"diff", "topic", "main"},
              {"diff", "topic...main"},
              {"ls"},
+             {"ls", "v1:src"},
+             {"cat", "v1:src/b"},
+             {"cat", ":src/b"},
          }) {
         expectProcesses(2, arguments);
     }

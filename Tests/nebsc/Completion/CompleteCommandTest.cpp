@@ -281,6 +281,17 @@ TEST_F(CompleteCommand, TheShellCompletesFilesAndFolders) {
     }
 }
 
+TEST_F(CompleteCommand, CompletesPathsOfACommit) {
+    repository.commitFile("src/in/x.c", "");
+    repository.commitFile("src/index.c", "");
+    EXPECT_THAT(complete({"cat", "v"}).candidates, ElementsAre("v1.0"));
+    EXPECT_THAT(complete({"cat", "v1.0:"}).candidates, ElementsAre("v1.0:a.c"));
+    EXPECT_THAT(complete({"cat", "HEAD:src/i"}).candidates,
+                ElementsAre("HEAD:src/in/", "HEAD:src/index.c"));
+    EXPECT_THAT(complete({"ls", "HEAD:src/in/"}).candidates, ElementsAre("HEAD:src/in/x.c"));
+    EXPECT_EQ(complete({"cat", "nosuch:"}).text, "none\n");
+}
+
 TEST_F(CompleteCommand, NewNamesHaveNoCandidates) {
     EXPECT_EQ(complete({"branch", "create", ""}).text, "none\n");
     EXPECT_EQ(complete({"remote", "add", ""}).text, "none\n");

@@ -17,6 +17,10 @@ enum class Takes {
     path,
     /// The path of a directory.
     folder,
+    /// The path of a directory, or REVISION:PATH for one of a commit.
+    folderOrObject,
+    /// REVISION:PATH, a file of a commit.
+    objectName,
     /// A path that the command resolves itself.
     pathAsWritten,
     /// A branch of this repository.
@@ -56,7 +60,9 @@ struct Parameter {
     [[nodiscard]] bool isOption() const { return name.starts_with('-'); }
     [[nodiscard]] bool isFlag() const { return takes == Takes::nothing; }
     /// Whether the values are paths that are resolved before the command runs.
-    [[nodiscard]] bool takesPaths() const { return takes == Takes::path || takes == Takes::folder; }
+    [[nodiscard]] bool takesPaths() const {
+        return takes == Takes::path || takes == Takes::folder || takes == Takes::folderOrObject;
+    }
     [[nodiscard]] bool isRequired() const {
         return occurs == Occurs::once || occurs == Occurs::oneOrMore;
     }

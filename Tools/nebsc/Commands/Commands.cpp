@@ -12,6 +12,7 @@ constexpr std::array commands{
     &blameCommand,
     &diffCommand,
     &listCommand,
+    &catCommand,
     &exportCommand,
     &exportTreeCommand,
     &infoCommand,

@@ -32,6 +32,7 @@ extern const Command logCommand;
 extern const Command blameCommand;
 extern const Command diffCommand;
 extern const Command listCommand;
+extern const Command catCommand;
 extern const Command exportCommand;
 extern const Command exportTreeCommand;
 extern const Command infoCommand;

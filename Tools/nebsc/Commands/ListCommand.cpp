@@ -1,9 +1,11 @@
 #include <memory>
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/ObjectName.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/Commands.h"
+#include "Commands/CommitListing.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Terminal/Colour.h"
@@ -113,27 +115,41 @@ void ListTask::report(const Outcome& outcome, CommandOutput& output) {
 }
 
 constexpr Parameter parameters[] = {
-    {"DIR", "The folder; default: the current folder", Takes::folder},
+    {"DIR", "The folder, or REVISION:DIR for any commit; default: the current folder",
+     Takes::folderOrObject},
 };
+
+/// A folder on disk whose name has a colon is no folder of a commit.
+CommandOutput run(const CommandCall& call) {
+    const auto name = objectNameIn(call.arguments.value("DIR").value_or(""));
+    return name && name->revision && !isAnythingAt(*call.arguments.value("DIR"))
+               ? listFolderOfCommit(call)
+               : runTask<ListTask>(call);
+}
 
 }  // namespace
 
 constinit const Command listCommand{
     .name = "ls",
     .group = inspectGroup,
-    .summary = "List a folder of the latest commit",
+    .summary = "List a folder of the latest commit, or of any other",
     .details =
         "Folders and submodules end with '/'. Lists the commit, not the working copy, so\n"
         "names that are not on disk are listed too. In a bare repository, DIR is relative\n"
         "to the top.\n"
         "\n"
+        "With REVISION:DIR, shows kind, size in bytes and name of each entry. That DIR is\n"
+        "relative to the top, or to the current folder if it begins with './' or '../'.\n"
+        "\n"
         "Examples:\n"
-        "  nebsc ls        the current folder\n"
-        "  nebsc ls src    the folder src\n",
+        "  nebsc ls             the current folder\n"
+        "  nebsc ls src         the folder src\n"
+        "  nebsc ls v1.0:       the top of v1.0\n"
+        "  nebsc ls v1.0:src    the folder src of v1.0\n",
     .parameters = parameters,
     .activity = "Listing",
     .isPaged = true,
-    .run = runTask<ListTask>,
+    .run = run,
 };
 
 }  // namespace neb::nebsc

@@ -146,4 +146,18 @@ std::vector<Candidate> RepositoryNames::branchesOf(const std::string& remote) {
                           : referencesBelow({remotePrefix + remote + "/"});
 }
 
+/// An entry is "MODE TYPE OBJECT" TAB "NAME" NUL.
+std::vector<Candidate> RepositoryNames::entriesOf(const std::string& folder) {
+    std::vector<Candidate> names;
+    for (const std::string& entry :
+         splitAtNUL(outputOf({"ls-tree", "--full-tree", "-z", folder}))) {
+        const std::size_t tab = entry.find('\t');
+        if (tab != std::string::npos && entry.find('\n') == std::string::npos) {
+            const bool isFolder = entry.find(" tree ") < tab;
+            names.push_back({entry.substr(tab + 1) + (isFolder ? "/" : ""), ""});
+        }
+    }
+    return names;
+}
+
 }  // namespace neb::nebsc

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] std::vector<Candidate> remoteBranches();
     /// Returns the branches of the remote as of the last fetch.
     [[nodiscard]] std::vector<Candidate> branchesOf(const std::string& remote);
+    /// Returns the entries of a folder of a commit, "REVISION:PATH"; folders end with "/".
+    [[nodiscard]] std::vector<Candidate> entriesOf(const std::string& folder);
 
 private:
     [[nodiscard]] NEBSourceControlResult recordsOf(std::int32_t type);

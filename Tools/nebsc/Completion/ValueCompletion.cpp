@@ -48,6 +48,9 @@ private:
     [[nodiscard]] std::vector<Candidate> branchPairs();
     [[nodiscard]] std::vector<Candidate> revisionsOrRanges();
     [[nodiscard]] std::vector<Candidate> choices() const;
+    /// Returns whether the text is REVISION:PATH.
+    [[nodiscard]] bool isInCommit() const { return _text.find(':', 1) != std::string::npos; }
+    [[nodiscard]] std::vector<Candidate> entriesOfCommit();
     /// Moves the first characters of the text to the head, which stays as it is.
     void skip(std::size_t count) {
         _head += _text.substr(0, count);
@@ -91,6 +94,16 @@ std::vector<Candidate> ValueCompletion::choices() const {
     return candidates;
 }
 
+/// Completes the last name of REVISION:PATH.
+std::vector<Candidate> ValueCompletion::entriesOfCommit() {
+    const std::size_t colon = _text.find(':', 1);
+    const std::size_t slash = _text.rfind('/');
+    const bool hasFolder = slash != std::string::npos && slash > colon;
+    const std::string folder = _text.substr(0, hasFolder ? slash : colon + 1);
+    skip((hasFolder ? slash : colon) + 1);
+    return _names.entriesOf(folder);
+}
+
 Completion ValueCompletion::valuesOfKind() {
     switch (_point.parameter->takes) {
         case Takes::nothing:
@@ -102,6 +115,11 @@ Completion ValueCompletion::valuesOfKind() {
             return {.paths = ShellPaths::files};
         case Takes::folder:
             return {.paths = ShellPaths::folders};
+        case Takes::folderOrObject:
+            return isInCommit() ? Completion{.candidates = entriesOfCommit()}
+                                : Completion{.paths = ShellPaths::folders};
+        case Takes::objectName:
+            return {.candidates = isInCommit() ? entriesOfCommit() : _names.revisions()};
         case Takes::branch:
             return {.candidates = _names.branches()};
         case Takes::revision:

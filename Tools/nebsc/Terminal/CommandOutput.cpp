@@ -44,6 +44,13 @@ void addAdvice(CommandOutput& output, const std::string& advice) {
     }
 }
 
+CommandOutput refusalWithAdvice(std::string_view sentence, const std::string& advice,
+                                std::string_view errorClass) {
+    CommandOutput output = refusal(sentence, exitFailed, errorClass);
+    addAdvice(output, advice);
+    return output;
+}
+
 void addFailure(CommandOutput& output, const CommandOutput& failure) {
     output.standardError += failure.standardError;
     output.exitStatus = failure.exitStatus;

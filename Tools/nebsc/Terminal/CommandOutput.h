@@ -36,6 +36,10 @@ struct CommandOutput {
 /// suggestion, in place of a general one.
 void addAdvice(CommandOutput& output, const std::string& advice);
 
+/// Returns refusal() with the exit status exitFailed and addAdvice().
+[[nodiscard]] CommandOutput refusalWithAdvice(std::string_view sentence, const std::string& advice,
+                                              std::string_view errorClass);
+
 /// Appends a failure to the output. If there are several, `error` is the first.
 void addFailure(CommandOutput& output, const CommandOutput& failure);
 

@@ -5,9 +5,12 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "Platform/FileDescriptor.h"
@@ -26,8 +29,14 @@ bool isGit(const fs::path& process) {
     return fs::read_symlink(process / "exe", failure).filename().string().starts_with("git");
 }
 
-/// Whether the file is in a git directory. A tracked file may end in ".lock", too.
-bool isInGitDirectory(const fs::path& file) {
+/// The lock files that git init creates before the folder has what a git directory has.
+constexpr std::array<std::string_view, 2> locksOfNewRepository = {"HEAD.lock", "config.lock"};
+
+/// Whether the file belongs to a git directory. A tracked file may end in ".lock", too.
+bool belongsToGitDirectory(const fs::path& file) {
+    if (std::ranges::count(locksOfNewRepository, file.filename()) != 0) {
+        return true;
+    }
     std::error_code failure;
     for (fs::path folder = file.parent_path(); folder != folder.parent_path();
          folder = folder.parent_path()) {
@@ -86,7 +95,7 @@ private:
              entry.increment(failure)) {
             std::error_code gone;
             const std::string path = fs::read_symlink(entry->path(), gone).string();
-            if (!path.ends_with(lockSuffix) || !isInGitDirectory(path)) {
+            if (!path.ends_with(lockSuffix) || !belongsToGitDirectory(path)) {
                 continue;
             }
             FileDescriptor file(::open(entry->path().c_str(), O_PATH | O_CLOEXEC));

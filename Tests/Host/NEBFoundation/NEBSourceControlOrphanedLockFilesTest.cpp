@@ -55,6 +55,12 @@ TEST_F(OrphanedLockFiles, AreRemoved) {
     EXPECT_FALSE(remains("w/.git/refs/heads/deep/topic.lock"));
 }
 
+TEST_F(OrphanedLockFiles, OfARepositoryThatIsBeingCreatedAreRemoved) {
+    std::filesystem::create_directories(folder.path("made/.git/refs"));
+    EXPECT_FALSE(remains("made/.git/HEAD.lock"));
+    EXPECT_FALSE(remains("made/.git/config.lock"));
+}
+
 TEST_F(OrphanedLockFiles, OtherFilesStay) {
     EXPECT_TRUE(remains("w/Cargo.lock")) << "a file of the working tree";
     EXPECT_TRUE(remains("w/.git/index.loc")) << "not a lock file";

@@ -33,9 +33,10 @@ namespace neb {
 /// The records of a result. Their keys are the NEBSourceControlOperation…Key constants.
 using NEBSourceControlResult = std::vector<NEBDictionary>;
 
-/// Takes the next records of a result. Called on the thread that runs the operation, in order. It
-/// may block: the child then waits as well, so that memory stays bounded. If it throws, the
-/// operation ends with an error. It may call cancel().
+/// Takes the next records of a result. Called in order, one batch at a time, on the thread that
+/// runs the operation, or on one that works for it while the first waits. It may block: the child
+/// then waits as well, so that memory stays bounded. If it throws, the operation ends with an
+/// error. It may call cancel().
 using NEBSourceControlRecordSink = std::function<void(NEBSourceControlResult records)>;
 
 /// Carries out one request.

@@ -84,7 +84,8 @@ public:
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 
     /// Returns a new parser of the output of a list, so that it is parsed while the child runs, and
-    /// delivered to a record sink. Null, as in the base implementation, when there is no list.
+    /// delivered to a record sink. Null, as in the base implementation, when there is no list. The
+    /// parser may refer to the operation, which must outlive it.
     [[nodiscard]] virtual std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() {
         return nullptr;
     }

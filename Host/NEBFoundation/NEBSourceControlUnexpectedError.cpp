@@ -63,8 +63,8 @@ NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
                                exception.what() + ".");
     } catch (...) {
         const std::string type = nameOfCurrentExceptionType();
-        return unexpectedError("The plug-in failed unexpectedly: it threw an exception" +
-                               (type.empty() ? "." : " of type \"" + type + "\"."));
+        return unexpectedError("An exception" + (type.empty() ? "" : " of type \"" + type + "\"") +
+                               " was thrown unexpectedly.");
     }
 }
 

@@ -72,7 +72,7 @@ TEST(ProgramPlugIn, AnExceptionIsTheErrorOfTheRequest) {
         ASSERT_TRUE(error.is_object()) << entryPoint;
         EXPECT_EQ(error["class"], "unknown") << entryPoint;
         EXPECT_EQ(error["userInfo"]["NEBLocalizedDescriptionKey"],
-                  "The plug-in failed unexpectedly: it threw an exception of type \"int\".")
+                  "An exception of type \"int\" was thrown unexpectedly.")
             << entryPoint;
         EXPECT_EQ(outcome.json()["result"], nullptr) << entryPoint;
     }

@@ -104,8 +104,7 @@ TEST(PlugInFailure, ANameWithoutSlashIsAFileInTheCurrentFolder) {
 
 // ---- a plug-in that throws ---------------------------------------------------------------------
 
-constexpr std::string_view unexpected =
-    "The plug-in failed unexpectedly: it threw an exception of type \"int\".";
+constexpr std::string_view unexpected = "An exception of type \"int\" was thrown unexpectedly.";
 
 /// Has the plug-in throw an int from an entry point.
 class ThrowingPlugIn : public testing::Test {

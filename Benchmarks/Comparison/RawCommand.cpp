@@ -1,6 +1,7 @@
 #include "RawCommand.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -8,7 +9,7 @@
 
 #include <stdexcept>
 
-#include "Platform/FileDescriptor.h"
+#include "Rounds.h"
 
 namespace neb::benchmarks {
 
@@ -72,8 +73,7 @@ RawCommand::RawCommand(ChildLaunch launch) : _launch(std::move(launch)) {
     _environment = pointersTo(_launch.environment);
 }
 
-std::size_t RawCommand::run(Memory memory) const {
-    Pipe pipe;
+pid_t RawCommand::start(Pipe& pipe) const {
     check(openPipe(pipe, PipeSize::large));
     posix_spawn_file_actions_t actions{};
     check(::posix_spawn_file_actions_init(&actions));
@@ -86,7 +86,12 @@ std::size_t RawCommand::run(Memory memory) const {
                         _environment.data()));
     ::posix_spawn_file_actions_destroy(&actions);
     pipe.writeEnd.close();
+    return pid;
+}
 
+std::size_t RawCommand::run(Memory memory) const {
+    Pipe pipe;
+    const pid_t pid = start(pipe);
     const FreshMemory fresh;
     const std::size_t bytes =
         readAll(pipe.readEnd.get(), fresh.start(), memory == Memory::wholeOutput ? 1 : 0);
@@ -96,6 +101,25 @@ std::size_t RawCommand::run(Memory memory) const {
         throw std::runtime_error(_launch.launchPath + " failed when it was started by hand");
     }
     return bytes;
+}
+
+double RawCommand::millisecondsToFirstByte() const {
+    Pipe pipe;
+    pid_t pid = -1;
+    char byte = 0;
+    ssize_t count = 0;
+    const double milliseconds = millisecondsOf([&] {
+        pid = start(pipe);
+        count = ::read(pipe.readEnd.get(), &byte, 1);
+    });
+    pipe.readEnd.close();
+    ::kill(pid, SIGTERM);
+    ::waitpid(pid, nullptr, 0);
+    if (count != 1) {
+        throw std::runtime_error(_launch.launchPath +
+                                 " printed nothing when it was started by hand");
+    }
+    return milliseconds;
 }
 
 }  // namespace neb::benchmarks

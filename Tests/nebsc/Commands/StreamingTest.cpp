@@ -114,6 +114,16 @@ TEST_F(Streaming, OtherCommandsPrintARecordBeforeTheNextOne) {
     }
 }
 
+/// The end of the first line is understood when the second one is there.
+TEST_F(Streaming, BranchPrintsBranchesBeforeTheNextOne) {
+    const StandInGit git(folder.path(), scriptOf("branch", "printf '  %s\\n' $1",
+                                                 "record One; record Two; seen; record Three"));
+    Nebsc program({"branch"}, surroundings(git, NebscOutput::pipe));
+    EXPECT_EQ(program.awaitLine(), "  One");
+    folder.write("seen", "");
+    EXPECT_THAT(program.outcome().output, StartsWith("  Two\n  Three\n"));
+}
+
 TEST_F(Streaming, OtherCommandsEndGitWhenTheReaderEnds) {
     for (const ListedRecord& listed : listedRecords) {
         for (const std::string& rest : {withoutEnd, endless}) {

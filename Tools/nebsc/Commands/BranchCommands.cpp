@@ -30,26 +30,39 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newExchangeRequest(workingCopy(), NEBSourceControlRequestListBranches, Peer::remote);
     }
+    RequestResult perform() override { return performStreamed(makeRequest()); }
+    std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
+
+private:
+    /// Empty if HEAD is detached; absent until it is needed.
+    std::optional<std::string> _current;
+    bool _isCurrentListed = false;
 };
 
 /// The request does not report which branch is the current one.
-void ListTask::report(const Outcome& outcome, CommandOutput& output) {
-    const auto current = currentBranch(git());
-    bool isCurrentListed = false;
-    for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult{})) {
+std::string ListTask::textOfResult(const NEBSourceControlResult& records) {
+    if (!_current) {
+        _current = currentBranch(git()).value_or("");
+    }
+    std::string lines;
+    for (const NEBDictionary& record : records) {
         const std::string fullName = branchNameOf(record);
         if (fullName.empty()) {
             continue;
         }
-        const bool isCurrent = current && printable(*current) == fullName;
+        const bool isCurrent = printable(*_current) == fullName;
         const std::string name = fitting(STDOUT_FILENO, 2, fullName);
-        isCurrentListed = isCurrentListed || isCurrent;
+        _isCurrentListed = _isCurrentListed || isCurrent;
         const bool isColoured = isCurrent && isInColour();
-        output.standardOutput +=
+        lines +=
             (isCurrent ? "* " : "  ") + (isColoured ? coloured(name, Colour::green) : name) + "\n";
     }
-    if (!isCurrentListed) {
+    return lines;
+}
+
+void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    if (!_isCurrentListed) {
         output.standardOutput += printable(describeHEAD(git())) + "\n";
     }
 }

@@ -1,5 +1,8 @@
 #include "Cases.h"
 
+#include "GitExtensions/GitAnnotation.h"
+#include "GitExtensions/GitHistory.h"
+#include "GitExtensions/GitWorkingCopyState.h"
 #include "GitOperations/GitBlame.h"
 #include "GitOperations/GitBranch.h"
 #include "GitOperations/GitDiff.h"
@@ -53,6 +56,15 @@ Request diffRequest(const std::string& path) {
 Request listRequest(const std::string& path) {
     return requestTo(path, NEBSourceControlRequestList, std::nullopt, {{"entries"}});
 }
+Request stateRequest(const std::string& path) {
+    return requestTo(path, NEBSourceControlRequestWorkingCopyState);
+}
+Request historyRequest(const std::string& path) {
+    return requestTo(path, NEBSourceControlRequestHistory);
+}
+Request annotationRequest(const std::string& path) {
+    return requestTo(path, NEBSourceControlRequestAnnotation, std::nullopt, {{"lines.txt"}});
+}
 Request currentBranchRequest(const std::string& path) {
     return requestTo(path, NEBSourceControlRequestCurrentBranch);
 }
@@ -83,6 +95,12 @@ const std::vector<Case>& allCases() {
         {"blame", lines, "lines", &blameRequest, &libgit2Blame, &make<GitBlameOperation>},
         {"diff", patch, "MB", &diffRequest, &libgit2Diff, &make<GitDiffOperation>},
         {"list", folder, "entries", &listRequest, &libgit2List, &make<GitListFilesOperation>},
+        {"state", workingCopy, "entries", &stateRequest, &libgit2State,
+         &make<GitWorkingCopyStateOperation>},
+        {"history", history, "commits", &historyRequest, &libgit2History,
+         &make<GitHistoryOperation>},
+        {"annotation", lines, "lines", &annotationRequest, &libgit2Annotation,
+         &make<GitAnnotationOperation>},
         {"current branch", small, "", &currentBranchRequest, &libgit2CurrentBranch,
          &make<GitCurrentBranchOperation>},
         {"config value", small, "", &configValueRequest, &libgit2ConfigValue,

@@ -4,8 +4,10 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -37,6 +39,7 @@ using Diff = Handle<git_diff, ::git_diff_free>;
 using StatusList = Handle<git_status_list, ::git_status_list_free>;
 using Blame = Handle<git_blame, ::git_blame_free>;
 using Reference = Handle<git_reference, ::git_reference_free>;
+using ReferenceIterator = Handle<git_reference_iterator, ::git_reference_iterator_free>;
 using Config = Handle<git_config, ::git_config_free>;
 using Buffer = Handle<git_buf, ::git_buf_dispose>;
 
@@ -57,6 +60,26 @@ std::string shortName(const git_oid& id) {
     std::array<char, 13> text{};
     ::git_oid_tostr(text.data(), text.size(), &id);
     return text.data();
+}
+
+std::string fullName(const git_oid& id) {
+    std::array<char, GIT_OID_HEXSZ + 1> text{};
+    ::git_oid_tostr(text.data(), text.size(), &id);
+    return text.data();
+}
+
+/// Returns the full names of the references to each commit.
+std::map<std::string, std::vector<std::string>> referencesByID(git_repository* repository) {
+    std::map<std::string, std::vector<std::string>> references;
+    const auto iterator = made<ReferenceIterator>(::git_reference_iterator_new, repository);
+    git_reference* next = nullptr;
+    while (::git_reference_next(&next, iterator.get()) == 0) {
+        const Reference reference(next);
+        if (const git_oid* id = ::git_reference_target(reference.get())) {
+            references[fullName(*id)].emplace_back(::git_reference_name(reference.get()));
+        }
+    }
+    return references;
 }
 
 struct FileRecord {
@@ -224,6 +247,95 @@ std::size_t libgit2List(const std::string& path) {
         const git_tree_entry* entry = ::git_tree_entry_byindex(tree, i);
         records.push_back(
             {::git_tree_entry_name(entry), ::git_tree_entry_type(entry) == GIT_OBJECT_BLOB});
+    }
+    return records.size();
+}
+
+std::size_t libgit2State(const std::string& path) {
+    struct EntryRecord {
+        std::string path, headID, indexID;
+        std::uint16_t headMode, indexMode, workingTreeMode;
+        int status;
+    };
+    const Repository repository = open(path);
+    const Reference head = made<Reference>(::git_repository_head, repository.get());
+    std::vector<EntryRecord> records{{::git_reference_name(head.get()),
+                                      fullName(*::git_reference_target(head.get())), "", 0, 0, 0,
+                                      0}};
+    git_status_options options = GIT_STATUS_OPTIONS_INIT;
+    options.show = GIT_STATUS_SHOW_INDEX_AND_WORKDIR;
+    options.flags = GIT_STATUS_OPT_INCLUDE_UNTRACKED | GIT_STATUS_OPT_RENAMES_HEAD_TO_INDEX;
+    const StatusList list = made<StatusList>(::git_status_list_new, repository.get(), &options);
+    for (std::size_t i = 0; i < ::git_status_list_entrycount(list.get()); ++i) {
+        const git_status_entry* entry = ::git_status_byindex(list.get(), i);
+        const git_diff_delta* delta =
+            entry->index_to_workdir != nullptr ? entry->index_to_workdir : entry->head_to_index;
+        records.push_back({delta->new_file.path, fullName(delta->old_file.id),
+                           fullName(delta->old_file.id), delta->old_file.mode, delta->old_file.mode,
+                           delta->new_file.mode, static_cast<int>(entry->status)});
+    }
+    return records.size();
+}
+
+std::size_t libgit2History(const std::string& path) {
+    struct HistoryRecord {
+        std::string id, author, authorEmail, committer, committerEmail, subject, body;
+        std::vector<std::string> parents, references;
+        git_time authorTime, committerTime;
+    };
+    const Repository repository = open(path);
+    const auto references = referencesByID(repository.get());
+    const Walk walk = made<Walk>(::git_revwalk_new, repository.get());
+    check(::git_revwalk_sorting(walk.get(), GIT_SORT_TIME));
+    check(::git_revwalk_push_head(walk.get()));
+    std::vector<HistoryRecord> records;
+    git_oid id;
+    while (::git_revwalk_next(&id, walk.get()) == 0) {
+        const Commit commit = made<Commit>(::git_commit_lookup, repository.get(), &id);
+        const git_signature* author = ::git_commit_author(commit.get());
+        const git_signature* committer = ::git_commit_committer(commit.get());
+        const char* body = ::git_commit_body(commit.get());
+        records.push_back({fullName(id),
+                           author->name,
+                           author->email,
+                           committer->name,
+                           committer->email,
+                           ::git_commit_summary(commit.get()),
+                           body != nullptr ? body : "",
+                           {},
+                           {},
+                           author->when,
+                           committer->when});
+        for (unsigned int i = 0; i < ::git_commit_parentcount(commit.get()); ++i) {
+            records.back().parents.push_back(fullName(*::git_commit_parent_id(commit.get(), i)));
+        }
+        if (const auto found = references.find(records.back().id); found != references.end()) {
+            records.back().references = found->second;
+        }
+    }
+    return records.size();
+}
+
+std::size_t libgit2Annotation(const std::string& path) {
+    struct GroupRecord {
+        std::string id, author, email, path, subject;
+        git_time time;
+        std::size_t firstLine, lineCount, originalLine;
+    };
+    const Repository repository = open(path);
+    git_blame_options options = GIT_BLAME_OPTIONS_INIT;
+    options.flags = GIT_BLAME_USE_MAILMAP;
+    const Blame blame = made<Blame>(::git_blame_file, repository.get(), "lines.txt", &options);
+    std::vector<GroupRecord> records;
+    for (std::uint32_t i = 0; i < ::git_blame_get_hunk_count(blame.get()); ++i) {
+        const git_blame_hunk* hunk = ::git_blame_get_hunk_byindex(blame.get(), i);
+        const Commit commit =
+            made<Commit>(::git_commit_lookup, repository.get(), &hunk->final_commit_id);
+        const git_signature* author = hunk->final_signature;
+        records.push_back({fullName(hunk->final_commit_id), author->name, author->email,
+                           hunk->orig_path, ::git_commit_summary(commit.get()), author->when,
+                           hunk->final_start_line_number, hunk->lines_in_hunk,
+                           hunk->orig_start_line_number});
     }
     return records.size();
 }

@@ -27,6 +27,12 @@ std::size_t libgit2Diff(const std::string& path);
 std::size_t libgit2DiffNames(const std::string& path);
 /// Of the folder "entries" of HEAD.
 std::size_t libgit2List(const std::string& path);
+/// The state of the working copy, with a record of HEAD.
+std::size_t libgit2State(const std::string& path);
+/// The log with full ids, parents, committers and the references of each commit.
+std::size_t libgit2History(const std::string& path);
+/// The blame of "lines.txt" at HEAD, a record for each group of lines.
+std::size_t libgit2Annotation(const std::string& path);
 std::size_t libgit2CurrentBranch(const std::string& path);
 /// The URL of the remote "origin".
 std::size_t libgit2ConfigValue(const std::string& path);

@@ -96,6 +96,9 @@ constexpr CaseRow caseRows[] = {
     {wholeOperation, "blame", 10000, &toGit, atMost(1.03)},
     {wholeOperation, "diff", 50, &toGit, atMost(1.03)},
     {wholeOperation, "list", 10000, &toGit, atMost(1.03)},
+    {wholeOperation, "state", 20000, &toGit, atMost(1.05)},
+    {wholeOperation, "history", 200000, &toGit, atMost(1.05)},
+    {wholeOperation, "annotation", 10000, &toGit, atMost(1.05)},
     {addedTime, "current branch", 1, &added, atMost(0.2)},
     {addedTime, "config value", 1, &added, atMost(0.2)},
     {addedTime, "merge base", 1, &added, atMost(0.2)},
@@ -112,6 +115,9 @@ constexpr CaseRow caseRows[] = {
     {beside, "log with files", 200000, &toLibGit2, below(1)},
     {beside, "status", 20000, &toLibGit2, below(1)},
     {beside, "blame", 10000, &toLibGit2, below(1)},
+    {beside, "state", 20000, &toLibGit2, below(1)},
+    {beside, "history", 200000, &toLibGit2, below(1)},
+    {beside, "annotation", 10000, &toLibGit2, below(1)},
 };
 
 const Measurement* find(const Results& results, std::string_view caseName, int size) {

@@ -191,7 +191,6 @@ TEST(UsageError, NamesTheCounterpartOfAGitCommand) {
           Row{{"branch", "checkout", "x"},
               "'checkout' is not a command of 'nebsc branch'; use 'nebsc checkout'",
               " branch"},
-          Row{{"stash"}, "'stash' is not a command", ""},
           Row{{"rebase"}, "'rebase' is not a command", ""}}) {
         expectMessage(row);
     }

@@ -211,6 +211,16 @@ TEST_F(CompleteCommand, RevisionsAreBranchesTagsAndBranchesOfRemotes) {
     }
 }
 
+TEST_F(CompleteCommand, TagsAndStashes) {
+    EXPECT_THAT(complete({"tag", "delete", ""}).candidates, ElementsAre("v1.0"));
+    EXPECT_THAT(complete({"stash", "pop", ""}).candidates, IsEmpty());
+    for (const char* message : {"one", "two"}) {
+        repository.write("a.c", message);
+        repository.git({"stash", "push", "--quiet", "-m", message});
+    }
+    EXPECT_EQ(complete({"stash", "pop", ""}).text, "none\n0\tOn main: two\n1\tOn main: one\n");
+}
+
 TEST_F(CompleteCommand, RevisionsOrFiles) {
     for (const char* command : {"log", "blame", "diff"}) {
         const Completions completions = complete({command, "v"});
@@ -352,8 +362,9 @@ TEST_F(CompleteCommand, OmitsNamesThatWouldBreakALine) {
 void expectCompleted(const nebsc::Command& command, const std::string& names) {
     // Values that only the user knows.
     static const std::vector<std::string> unknown{
-        "commit --message",  "log --limit",     "clone --branch",   "branch create NAME",
-        "branch track NAME", "remote add NAME", "complete ARGUMENT"};
+        "commit --message", "stash push --message", "tag create --message", "tag create NAME",
+        "log --limit",      "clone --branch",       "branch create NAME",   "branch track NAME",
+        "remote add NAME",  "complete ARGUMENT"};
     for (const nebsc::Parameter& parameter : command.parameters) {
         const std::string_view name = parameter.name.substr(parameter.name.find(',') + 1);
         const std::string whole = names + std::string(command.name) + " " + std::string(name);

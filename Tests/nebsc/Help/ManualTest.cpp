@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-constexpr const char* pageFile = NEB_BUILD_FOLDER "/share/man/man1/nebsc.1";
+constexpr const char* manualFile = NEB_BUILD_FOLDER "/share/man/man1/nebsc.1";
 
 std::string textOfFile(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -49,13 +49,13 @@ void expectInPage(const std::string& page, const nebsc::Command& command,
 }
 
 TEST(Manual, IsWhatTheProgramPrints) {
-    const std::string page = textOfFile(pageFile);
+    const std::string page = textOfFile(manualFile);
     ASSERT_FALSE(page.empty());
     expectDone(runNebsc({"manual"}), page);
 }
 
 TEST(Manual, HasEveryCommandAndOption) {
-    const std::string page = textOfFile(pageFile);
+    const std::string page = textOfFile(manualFile);
     for (const nebsc::Command* command : nebsc::allCommands()) {
         expectInPage(page, *command, "nebsc ");
     }
@@ -69,7 +69,7 @@ TEST(Manual, HasEveryCommandAndOption) {
 }
 
 TEST(Manual, NamesEveryVariableThatIsRead) {
-    const std::string page = textOfFile(pageFile);
+    const std::string page = textOfFile(manualFile);
     const std::string variables = page.substr(page.find(".SH \"ENVIRONMENT\""));
     const std::regex reading(R"~((getenv|variable)\("([A-Z_]+)"\))~");
     std::size_t count = 0;
@@ -91,7 +91,7 @@ TEST(Manual, NamesEveryVariableThatIsRead) {
 
 TEST(Manual, IsFormattedWithoutAWarning) {
     const NebscOutcome outcome =
-        runProgram("/usr/bin/env", {"groff", "-man", "-ww", "-z", pageFile}, {});
+        runProgram("/usr/bin/env", {"groff", "-man", "-ww", "-z", manualFile}, {});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);
@@ -99,7 +99,7 @@ TEST(Manual, IsFormattedWithoutAWarning) {
 
 TEST(Manual, IsReadable) {
     const NebscOutcome outcome = runProgram(
-        "/usr/bin/env", {"groff", "-man", "-Tascii", "-P-c", "-P-b", "-P-u", pageFile}, {});
+        "/usr/bin/env", {"groff", "-man", "-Tascii", "-P-c", "-P-b", "-P-u", manualFile}, {});
     EXPECT_THAT(outcome.output, HasSubstr("\n         nebsc rm --force old.c    "));
     EXPECT_THAT(
         outcome.output,

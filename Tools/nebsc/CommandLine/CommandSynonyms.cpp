@@ -12,7 +12,6 @@ constexpr CommandSynonym rows[] = {
     {"pull", "update"},
     {"switch", "checkout"},
     {"restore", "revert"},
-    {"stage", "add"},
     {"annotate", "blame"},
     {"whatchanged", "log --files"},
     {"ls-tree", "ls"},

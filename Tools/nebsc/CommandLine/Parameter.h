@@ -29,6 +29,10 @@ enum class Takes {
     revision,
     /// A revision or a range (A..B, A...B), or a path if no such revision exists.
     revisionOrPath,
+    /// A tag of this repository.
+    tag,
+    /// The number of a stash.
+    stash,
     /// The name of a remote.
     remote,
     /// REMOTE/BRANCH, a remote-tracking branch.

@@ -49,6 +49,14 @@ extern const Command makeDirectoryCommand;
 extern const Command ignoreCommand;
 extern const Command revertCommand;
 extern const Command commitCommand;
+extern const Command stageCommand;
+extern const Command unstageCommand;
+extern const Command discardCommand;
+/// Its subcommands put changes aside and apply them.
+extern const Command stashCommand;
+extern const Command continueCommand;
+extern const Command skipCommand;
+extern const Command abortCommand;
 /// Runs even if the plug-in cannot be loaded.
 extern const Command tuneCommand;
 
@@ -60,6 +68,8 @@ extern const Command branchTrackingCommand;
 extern const Command checkoutCommand;
 extern const Command mergeCommand;
 extern const Command mergeBaseCommand;
+/// Its subcommands list, create and delete tags.
+extern const Command tagCommand;
 
 // ---- remotes and synchronising
 extern const Command cloneCommand;

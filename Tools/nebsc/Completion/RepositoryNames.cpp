@@ -102,6 +102,19 @@ std::vector<Candidate> RepositoryNames::revisions() {
     return names;
 }
 
+std::vector<Candidate> RepositoryNames::tags() {
+    return referencesBelow({tagPrefix});
+}
+
+std::vector<Candidate> RepositoryNames::stashes() {
+    std::vector<Candidate> names;
+    for (const NEBDictionary& record : recordsOf(NEBSourceControlRequestStash)) {
+        names.push_back({std::to_string(names.size()),
+                         std::string(record.text(NEBSourceControlOperationSubjectKey))});
+    }
+    return names;
+}
+
 /// The list has two records per remote, one for fetch and one for push.
 std::vector<Candidate> RepositoryNames::remotes() {
     std::vector<Candidate> names;

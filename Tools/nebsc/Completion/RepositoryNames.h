@@ -23,6 +23,9 @@ public:
     [[nodiscard]] std::vector<Candidate> branches();
     /// Returns branches, tags, remote-tracking branches and HEAD.
     [[nodiscard]] std::vector<Candidate> revisions();
+    [[nodiscard]] std::vector<Candidate> tags();
+    /// Returns the numbers of the stashes with their subjects.
+    [[nodiscard]] std::vector<Candidate> stashes();
     [[nodiscard]] std::vector<Candidate> remotes();
     /// Returns the URLs of the remotes, without those that hold a password.
     [[nodiscard]] std::vector<Candidate> locations();

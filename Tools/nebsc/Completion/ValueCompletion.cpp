@@ -126,6 +126,10 @@ Completion ValueCompletion::valuesOfKind() {
             return {.candidates = _names.revisions()};
         case Takes::revisionOrPath:
             return {.paths = ShellPaths::files, .candidates = revisionsOrRanges()};
+        case Takes::tag:
+            return {.candidates = _names.tags()};
+        case Takes::stash:
+            return {.candidates = _names.stashes()};
         case Takes::remote:
             return {.candidates = _names.remotes()};
         case Takes::remoteBranch:

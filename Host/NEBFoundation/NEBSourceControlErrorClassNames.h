@@ -177,6 +177,8 @@ inline constexpr NEBConstant NEBSourceControlBranchInUseErrorClass{"branch-in-us
 inline constexpr NEBConstant NEBSourceControlBranchNotMergedErrorClass{"branch-not-merged"};
 /// This name is not valid for a branch.
 inline constexpr NEBConstant NEBSourceControlBranchNameInvalidErrorClass{"branch-name-invalid"};
+/// This name is not valid for a tag.
+inline constexpr NEBConstant NEBSourceControlTagNameInvalidErrorClass{"tag-name-invalid"};
 /// There is no branch with this name.
 inline constexpr NEBConstant NEBSourceControlBranchUnknownErrorClass{"branch-unknown"};
 /// There is no such file, or git does not track it.

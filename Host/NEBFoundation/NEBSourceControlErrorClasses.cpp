@@ -218,6 +218,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
      "Merge it first, or delete it anyway with \"git branch -D BRANCH\"."},
     {NEBSourceControlBranchNameInvalidErrorClass, "This name is not valid for a branch.",
      "Choose another name; \"git help check-ref-format\" lists the rules."},
+    {NEBSourceControlTagNameInvalidErrorClass, "This name is not valid for a tag.",
+     "Choose another name; \"git help check-ref-format\" lists the rules."},
     {NEBSourceControlBranchUnknownErrorClass, "There is no branch with this name.",
      "\"git branch --all\" lists the branches."},
     {NEBSourceControlPathUnknownErrorClass, "There is no such file, or git does not track it.",

@@ -376,6 +376,7 @@ const CatalogueText texts[] = {
     {NEBSourceControlBranchInUseErrorClass, -1,
      "fatal: 'topic' is already used by worktree at '/wt'"},
     {NEBSourceControlBranchNameInvalidErrorClass, -1, "fatal: 'a b' is not a valid branch name"},
+    {NEBSourceControlTagNameInvalidErrorClass, -1, "fatal: 'a b' is not a valid tag name."},
     {NEBSourceControlBranchUnknownErrorClass, -91, "error: branch 'nosuch' not found."},
     {NEBSourceControlRemoteUnknownErrorClass, -1, "error: No such remote: 'nosuch'"},
     {NEBSourceControlRemoteExistsErrorClass, -1, "error: remote origin already exists."},

@@ -231,6 +231,9 @@ constexpr ErrorCatalogueRow rows[] = {
          "invalid ref format",
          "refusing to point head outside of refs/",
          "to invalid ref '",
+     }},
+    {NEBSourceControlTagNameInvalidErrorClass,
+     {
          "is not a valid tag name",
      }},
     {NEBSourceControlBranchUnknownErrorClass,

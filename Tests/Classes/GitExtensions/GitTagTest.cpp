@@ -66,7 +66,7 @@ TEST_F(Tag, SaysWhyNot) {
     repository.commitFile("a.c", "1");
     for (const char* name : {"-d", "a b", "x..y", ""}) {
         EXPECT_THAT(performedOn(name)->error(),
-                    HasErrorClass(NEBSourceControlBranchNameInvalidErrorClass))
+                    HasErrorClass(NEBSourceControlTagNameInvalidErrorClass))
             << name;
     }
     EXPECT_THAT(performedOn("nosuch", tagDeletion)->error(),

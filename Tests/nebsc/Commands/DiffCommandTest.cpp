@@ -255,5 +255,62 @@ TEST_F(DiffCommand, UsesColoursOnATerminal) {
                 testing::EndsWith("\x1b[0m\r\nBinary files a/x and b/x differ\r\n"));
 }
 
+// ---- the index, and counts of lines -----------------------------------------------------------
+
+class DiffOfIndex : public CommandTest {
+protected:
+    DiffOfIndex() {
+        repository.commitFile("a.c", "1\n2\n3\n");
+        repository.commitFile("old.c", "the\nsame\nlines\nhere\n");
+        repository.commitFile("b\xE4r", std::string("\0binary", 7));
+        repository.write("a.c", "1\nstaged\n");
+        repository.git({"mv", "old.c", "new.c"});
+        repository.write("b\xE4r", std::string("\0other", 6));
+        repository.git({"add", "."});
+        repository.write("a.c", "not staged\n");
+    }
+};
+
+TEST_F(DiffOfIndex, ShowsWhatTheNextCommitChanges) {
+    expectDone(nebsc({"diff", "--staged"}),
+               repository.git({"-c", "core.quotePath=false", "diff", "--cached"}));
+    expectDone(nebsc({"diff", "--staged", "a.c"}), repository.git({"diff", "--cached", "a.c"}));
+    expectDone(nebsc({"diff", "--staged", "HEAD~2", "a.c"}),
+               repository.git({"diff", "--cached", "HEAD~2", "--", "a.c"}));
+    expectDone(nebsc({"diff", "--staged", "--name-status", "a.c"}), "modified   a.c\n");
+    const auto json = nebsc({"diff", "--staged", "--json"}).json();
+    EXPECT_EQ(json["type"], NEBSourceControlRequestChanges);
+    EXPECT_EQ(json["result"].size(), 3U);
+    expectFailed(nebsc({"diff", "--staged", "HEAD~1", "HEAD"}),
+                 testing::HasSubstr("cannot be combined with two revisions"), 2);
+}
+
+TEST_F(DiffOfIndex, CountsLines) {
+    expectDone(nebsc({"diff", "--stat", "--staged"}),
+               "     +1     -2  a.c\n"
+               " binary         b\\xe4r\n"
+               "     +0     -0  old.c -> new.c\n"
+               "3 files changed, 1 line added, 2 deleted\n");
+    expectDone(nebsc({"diff", "--stat", "a.c"}),
+               "     +1     -3  a.c\n1 file changed, 1 line added, 3 deleted\n");
+    expectDone(nebsc({"diff", "--stat", "HEAD~2", "HEAD~1"}),
+               "     +4     -0  old.c\n1 file changed, 4 lines added, 0 deleted\n");
+    expectDone(nebsc({"diff", "--stat", "HEAD", "HEAD"}));
+    const auto json = nebsc({"diff", "--stat", "--json", "HEAD~2", "HEAD~1"}).json();
+    EXPECT_EQ(json["result"][0]["NEBSourceControlOperationAddedLinesKey"], 4);
+    expectFailed(nebsc({"diff", "--stat", "--name-status"}),
+                 testing::HasSubstr("cannot be combined with '--name-status'"), 2);
+}
+
+TEST_F(DiffOfIndex, BeforeTheFirstCommitEverythingIsAdded) {
+    const TestRepository unborn;
+    unborn.write("new.c", "1\n2\n");
+    unborn.git({"add", "new.c"});
+    expectDone(runNebsc({"diff", "--staged", "--stat"}, {.folder = unborn.path()}),
+               "     +2     -0  new.c\n1 file changed, 2 lines added, 0 deleted\n");
+    expectDone(runNebsc({"diff", "--staged"}, {.folder = unborn.path()}),
+               unborn.git({"diff", "--cached"}));
+}
+
 }  // namespace
 }  // namespace neb::test

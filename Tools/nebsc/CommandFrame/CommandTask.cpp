@@ -51,6 +51,11 @@ CommandOutput CommandTask::run() {
     }
     noteInterruption(output, signalNumber);
     if (_streamedOutput) {
+        // What report() adds follows the records, in the same pager.
+        if (const std::string rest = std::exchange(output.standardOutput, {}); !rest.empty()) {
+            static_cast<void>(_streamedOutput->write(rest));
+        }
+        output.pager.reset();
         _streamedOutput->finish(output);
     }
     return output;

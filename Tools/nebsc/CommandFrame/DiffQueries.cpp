@@ -1,21 +1,33 @@
 #include "CommandFrame/DiffQueries.h"
 
+#include <charconv>
 #include <vector>
+
+#include "Platform/Scanner.h"
 
 namespace neb::nebsc {
 
 namespace {
 
 /// Returns the arguments of git for a diff request.
-std::vector<std::string> argumentsOf(const NEBSourceControlRequest& diff, std::string_view dots,
+std::vector<std::string> argumentsOf(const NEBSourceControlRequest& diff, const DiffSides& sides,
                                      const std::vector<std::string>& options) {
     std::vector<std::string> arguments{"diff", "--no-ext-diff"};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    std::string revisions(diff.startingRevision.string().value_or("HEAD"));
-    if (const auto end = diff.endingRevision.string()) {
-        revisions.append(dots).append(*end);
+    if (sides.isStaged) {
+        arguments.emplace_back("--cached");
     }
-    arguments.insert(arguments.end(), {"--end-of-options", std::move(revisions), "--"});
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.emplace_back("--end-of-options");
+    const auto start = diff.startingRevision.string();
+    const auto end = diff.endingRevision.string();
+    if (start || end || !sides.isStaged) {
+        std::string revisions(start.value_or("HEAD"));
+        if (end) {
+            revisions.append(sides.dots).append(*end);
+        }
+        arguments.push_back(std::move(revisions));
+    }
+    arguments.emplace_back("--");
     for (std::size_t i = 0; i < diff.fileCount(); ++i) {
         arguments.push_back((*diff.files)[i].description());
     }
@@ -27,10 +39,10 @@ std::vector<std::string> argumentsOf(const NEBSourceControlRequest& diff, std::s
 // ---- names and states -------------------------------------------------------------------------
 
 NameStatusQuery::NameStatusQuery(std::shared_ptr<NEBSourceControlRequest> request,
-                                 std::string_view dots)
+                                 const DiffSides& sides)
     : EntryQuery(std::move(request)) {
     setCurrentDirectoryPath(this->request()->sourceTree->location);
-    setArguments(argumentsOf(*this->request(), dots, {"--name-status", "-z"}));
+    setArguments(argumentsOf(*this->request(), sides, {"--name-status", "-z"}));
     setWritesWholeBuffers(true);
 }
 
@@ -48,6 +60,45 @@ std::optional<NameStatusEntry> NameStatusQuery::entryIn(std::string_view text) {
     }
     _begun->path = text;
     return std::exchange(_begun, std::nullopt);
+}
+
+// ---- counts of lines --------------------------------------------------------------------------
+
+LineCountQuery::LineCountQuery(std::shared_ptr<NEBSourceControlRequest> request,
+                               const DiffSides& sides)
+    : EntryQuery(std::move(request)) {
+    setCurrentDirectoryPath(this->request()->sourceTree->location);
+    setArguments(argumentsOf(*this->request(), sides, {"--numstat", "-z"}));
+    setWritesWholeBuffers(true);
+}
+
+/// An entry is "ADDED" TAB "DELETED" TAB "PATH" NUL, with "-" for the counts of a binary file; that
+/// of a renamed file has an empty path, and then the old and the new path, each with a NUL.
+std::optional<LineCountEntry> LineCountQuery::entryIn(std::string_view text) {
+    if (_begun && !_begun->oldPath) {
+        _begun->oldPath = text;
+        return std::nullopt;
+    }
+    if (_begun) {
+        _begun->path = text;
+        return std::exchange(_begun, std::nullopt);
+    }
+    Scanner scanner(text);
+    const auto takeCount = [&scanner] {
+        const std::string_view digits = scanner.takeUpTo('\t');
+        scanner.skipOne('\t');
+        std::uint64_t count = 0;
+        const auto [end, failure] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), count);
+        return failure == std::errc() ? std::optional(count) : std::nullopt;
+    };
+    LineCountEntry entry{.added = takeCount(), .deleted = takeCount()};
+    entry.path = scanner.rest();
+    if (entry.path.empty()) {
+        _begun = std::move(entry);
+        return std::nullopt;
+    }
+    return entry;
 }
 
 // ---- the patch --------------------------------------------------------------------------------
@@ -81,14 +132,28 @@ private:
     PatchQuery& _query;
 };
 
-PatchQuery::PatchQuery(std::shared_ptr<NEBSourceControlRequest> request, std::string_view dots)
+PatchQuery::PatchQuery(std::shared_ptr<NEBSourceControlRequest> request, const DiffSides& sides)
     : NEBSourceControlTaskOperation(std::move(request)) {
     setCurrentDirectoryPath(this->request()->sourceTree->location);
-    setArguments(argumentsOf(*this->request(), dots, {}));
+    setArguments(argumentsOf(*this->request(), sides, {}));
 }
 
 std::unique_ptr<NEBSourceControlRecordParser> PatchQuery::makeRecordParser() {
     return std::make_unique<Parser>(*this);
+}
+
+CommitPatchQuery::CommitPatchQuery(std::shared_ptr<NEBSourceControlRequest> request)
+    : PatchQuery(std::move(request), DiffSides{}) {
+    const NEBSourceControlRequest& commit = *this->request();
+    std::vector<std::string> arguments{"diff-tree",      "--patch",         "--cc",
+                                       "--root",         "--no-commit-id",  "--no-ext-diff",
+                                       "--find-renames", "--end-of-options"};
+    arguments.emplace_back(commit.startingRevision.string().value_or("HEAD"));
+    arguments.emplace_back("--");
+    for (std::size_t i = 0; i < commit.fileCount(); ++i) {
+        arguments.push_back((*commit.files)[i].description());
+    }
+    setArguments(std::move(arguments));
 }
 
 }  // namespace neb::nebsc

@@ -4,6 +4,7 @@
 // is one record. The queries here keep every byte, and the patch arrives while git writes it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,12 +25,30 @@ struct NameStatusEntry {
     std::optional<std::string> oldPath = std::nullopt;
 };
 
+/// An entry of git-diff(1) with "--numstat -z".
+struct LineCountEntry {
+    /// The numbers of added and deleted lines; absent for a binary file.
+    std::optional<std::uint64_t> added{}, deleted{};
+    /// As in NameStatusEntry.
+    std::string path{};
+    std::optional<std::string> oldPath = std::nullopt;
+};
+
+/// Which sides a query compares, besides the revisions of its request.
+struct DiffSides {
+    /// What separates two revisions: ".." or "...".
+    std::string_view dots = "..";
+    /// Whether the second side is the index instead of the working copy.
+    bool isStaged = false;
+};
+
 /// Queries the names and states of the files that differ. Not thread-safe, like all operations.
 class NameStatusQuery : public EntryQuery<NameStatusEntry> {
 public:
-    /// Takes the revisions and files of a diff request. A missing first revision stands for HEAD, a
-    /// missing second one for the working copy. `dots` separates two revisions: ".." or "...".
-    NameStatusQuery(std::shared_ptr<NEBSourceControlRequest> request, std::string_view dots);
+    /// Takes the revisions and files of a diff request. A missing first revision stands for HEAD,
+    /// with the index for an empty tree before the first commit; a missing second one for the
+    /// working copy or the index.
+    NameStatusQuery(std::shared_ptr<NEBSourceControlRequest> request, const DiffSides& sides);
 
     [[nodiscard]] std::string className() const override { return "NameStatusQuery"; }
 
@@ -41,12 +60,28 @@ private:
     std::optional<NameStatusEntry> _begun;
 };
 
+/// Queries how many lines each file gained and lost. Not thread-safe, like all operations.
+class LineCountQuery : public EntryQuery<LineCountEntry> {
+public:
+    /// See NameStatusQuery.
+    LineCountQuery(std::shared_ptr<NEBSourceControlRequest> request, const DiffSides& sides);
+
+    [[nodiscard]] std::string className() const override { return "LineCountQuery"; }
+
+protected:
+    [[nodiscard]] std::optional<LineCountEntry> entryIn(std::string_view text) override;
+
+private:
+    /// Present until the entry of a renamed file is complete.
+    std::optional<LineCountEntry> _begun;
+};
+
 /// Queries the patch. The record sink gets an empty record for each part of the patch, which
 /// takeLines() returns. Not thread-safe, like all operations.
 class PatchQuery : public NEBSourceControlTaskOperation {
 public:
     /// See NameStatusQuery.
-    PatchQuery(std::shared_ptr<NEBSourceControlRequest> request, std::string_view dots);
+    PatchQuery(std::shared_ptr<NEBSourceControlRequest> request, const DiffSides& sides);
 
     [[nodiscard]] std::string className() const override { return "PatchQuery"; }
     [[nodiscard]] std::string launchPath() override { return gitPath(); }
@@ -59,6 +94,17 @@ private:
     class Parser;
 
     std::string _lines;
+};
+
+/// Queries the patch of a commit; see git-diff-tree(1), COMBINED DIFF FORMAT, about a merge. Not
+/// thread-safe, like all operations.
+class CommitPatchQuery : public PatchQuery {
+public:
+    /// Takes the commit from the starting revision of the request, and limits the patch to its
+    /// files, if there are any.
+    explicit CommitPatchQuery(std::shared_ptr<NEBSourceControlRequest> request);
+
+    [[nodiscard]] std::string className() const override { return "CommitPatchQuery"; }
 };
 
 }  // namespace neb::nebsc

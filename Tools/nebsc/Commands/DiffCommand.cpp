@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -8,6 +10,7 @@
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Terminal/Colour.h"
 #include "Terminal/PatchText.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/StatusLabels.h"
@@ -15,6 +18,23 @@
 namespace neb::nebsc {
 
 namespace {
+
+/// The sums of the counts of all files.
+struct Total {
+    std::size_t files = 0;
+    std::uint64_t added = 0, deleted = 0;
+
+    void add(const LineCountEntry& entry) {
+        ++files;
+        added += entry.added.value_or(0);
+        deleted += entry.deleted.value_or(0);
+    }
+    [[nodiscard]] std::string line() const {
+        return std::to_string(files) + (files == 1 ? " file" : " files") + " changed, " +
+               std::to_string(added) + (added == 1 ? " line" : " lines") + " added, " +
+               std::to_string(deleted) + " deleted\n";
+    }
+};
 
 class DiffTask : public CommandTask {
 public:
@@ -35,13 +55,19 @@ private:
         return arguments().has("--common-ancestor") || _named.dots == "...";
     }
     void noteFilesNotCompared(const Outcome& outcome, CommandOutput& output);
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeChangesRequest() const;
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
+    [[nodiscard]] std::string lineOf(const LineCountEntry& entry);
+    [[nodiscard]] std::string countColumn(char sign, std::optional<std::uint64_t> count,
+                                          Colour colour) const;
 
     RevisionArguments _named;
-    /// One of the two is present, unless the command prints JSON.
+    /// One of the three is present, unless the command prints JSON.
     std::shared_ptr<NameStatusQuery> _names;
+    std::shared_ptr<LineCountQuery> _counts;
     std::shared_ptr<PatchQuery> _patch;
     PatchText _patchText{STDOUT_FILENO, isInColour()};
+    Total _total;
 };
 
 std::optional<CommandOutput> DiffTask::validate() {
@@ -53,7 +79,13 @@ std::optional<CommandOutput> DiffTask::validate() {
     if (arguments().has("--common-ancestor") && _named.revisions.size() < 2) {
         throw invalidArguments("option '--common-ancestor' requires two revisions");
     }
-    if (_named.revisions.empty()) {
+    if (arguments().has("--staged") && _named.revisions.size() > 1) {
+        throw invalidArguments("option '--staged' cannot be combined with two revisions");
+    }
+    if (arguments().has("--stat") && arguments().has("--name-status")) {
+        throw invalidArguments("option '--stat' cannot be combined with '--name-status'");
+    }
+    if (_named.revisions.empty() && !arguments().has("--staged")) {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
             _named.revisions.push_back(head);
         }
@@ -76,17 +108,41 @@ std::shared_ptr<NEBSourceControlRequest> DiffTask::makeRequest() {
     return request;
 }
 
+/// A diff request knows neither the index nor counts of lines.
+std::shared_ptr<NEBSourceControlRequest> DiffTask::makeChangesRequest() const {
+    auto request = newRequest(NEBSourceControlRequestChanges);
+    _named.copyTo(*request);
+    if (_named.revisions.empty() && !arguments().has("--staged")) {
+        request->startingRevision = "HEAD";
+    }
+    NEBDictionary options;
+    if (arguments().has("--staged")) {
+        options.set(NEBSourceControlRequestOptionStaged, true);
+    }
+    if (isFromCommonAncestor()) {
+        options.set(NEBSourceControlRequestOptionDiffFromCommonAncestor, true);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
 /// The queries keep every byte; the request does not.
 RequestResult DiffTask::perform() {
     if (isJSON()) {
-        return performRequest(makeRequest());
+        const bool isExtended = arguments().has("--staged") || arguments().has("--stat");
+        return performRequest(isExtended ? makeChangesRequest() : makeRequest());
     }
-    const std::string_view dots = isFromCommonAncestor() ? "..." : "..";
+    const DiffSides sides{.dots = isFromCommonAncestor() ? "..." : "..",
+                          .isStaged = arguments().has("--staged")};
+    if (arguments().has("--stat")) {
+        _counts = std::make_shared<LineCountQuery>(makeRequest(), sides);
+        return performStreamed(*_counts);
+    }
     if (arguments().has("--name-status")) {
-        _names = std::make_shared<NameStatusQuery>(makeRequest(), dots);
+        _names = std::make_shared<NameStatusQuery>(makeRequest(), sides);
         return performStreamed(*_names);
     }
-    _patch = std::make_shared<PatchQuery>(makeRequest(), dots);
+    _patch = std::make_shared<PatchQuery>(makeRequest(), sides);
     return performStreamed(_patch->request(), _patch);
 }
 
@@ -95,10 +151,31 @@ std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
            (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
 }
 
+std::string DiffTask::countColumn(char sign, std::optional<std::uint64_t> count,
+                                  Colour colour) const {
+    constexpr std::size_t columns = 7;
+    const std::string text = count ? sign + std::to_string(*count) : "binary";
+    const std::string blanks(columns - std::min(columns, text.size()), ' ');
+    const bool isColoured = isInColour() && count.value_or(0) > 0;
+    return blanks + (isColoured ? coloured(text, colour) : text);
+}
+
+std::string DiffTask::lineOf(const LineCountEntry& entry) {
+    _total.add(entry);
+    return countColumn('+', entry.added, Colour::green) +
+           (entry.deleted ? countColumn('-', entry.deleted, Colour::red) : std::string(7, ' ')) +
+           "  " + (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
+}
+
 std::string DiffTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     std::string lines = _patch ? _patchText.textOf(_patch->takeLines()) : "";
     if (_names) {
         for (const NameStatusEntry& entry : _names->takeEntries()) {
+            lines += lineOf(entry);
+        }
+    }
+    if (_counts) {
+        for (const LineCountEntry& entry : _counts->takeEntries()) {
             lines += lineOf(entry);
         }
     }
@@ -125,6 +202,9 @@ void DiffTask::noteFilesNotCompared(const Outcome& outcome, CommandOutput& outpu
 }
 
 void DiffTask::report(const Outcome& outcome, CommandOutput& output) {
+    if (_total.files > 0) {
+        output.standardOutput += _total.line();
+    }
     noteFilesNotCompared(outcome, output);
 }
 
@@ -133,6 +213,8 @@ constexpr Parameter parameters[] = {
      Takes::revisionOrPath},
     {"FILE", "The second revision, or the files and folders to compare", Takes::revisionOrPath,
      Occurs::anyNumber},
+    {"--staged", "Compare with the index: show what the next commit changes"},
+    {"--stat", "Show only how many lines each file gained and lost, and the total"},
     {"--name-status", "Show only the names and states of files"},
     {"--common-ancestor", "Compare the second revision with the common ancestor of both"},
 };
@@ -153,6 +235,8 @@ constinit const Command diffCommand{
         "\n"
         "Examples:\n"
         "  nebsc diff                             what is not committed\n"
+        "  nebsc diff --staged                    what the next commit changes\n"
+        "  nebsc diff --stat v1.0 v2.0            counts of lines per file\n"
         "  nebsc diff --name-status main topic    which files differ between two branches\n"
         "  nebsc diff HEAD~3 -- src               changes in src since HEAD~3\n",
     .parameters = parameters,

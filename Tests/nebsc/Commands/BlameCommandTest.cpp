@@ -151,5 +151,37 @@ TEST_F(BlameCommand, ColoursTheRevisionOnATerminal) {
                 testing::StartsWith("\x1b[33m" + revision("HEAD~1") + "\x1b[0m  Ann Example  "));
 }
 
+TEST_F(BlameCommand, ShowsARangeOfLines) {
+    const std::string file = "src/grüße dir/b c.c";
+    for (const char* range : {"2,2", "2,+1", ",2", "1,+2"}) {
+        const bool isFromFirst = range[0] != '2';
+        expectDone(blame({"-L", range, file}),
+                   (isFromFirst ? first("1  one") : "") + first("2  \ttwo"));
+    }
+    EXPECT_THAT(blame({"-L3", file}).output, HasSubstr("  3  three\n"));
+    EXPECT_EQ(blame({"-L", "2,", "HEAD~1", file}).output, first("2  \ttwo"));
+    for (const char* range : {",", "0,1", "3,2", "x", "1,y", "1,+", "1,2,3", "-1,2"}) {
+        expectFailed(blame({"--lines=" + std::string(range), file}), HasSubstr("FIRST,LAST"), 2);
+    }
+    expectFailed(blame({"-L", "9,10", file}), HasSubstr("3 lines"));
+    const JSON json = blame({"--json", "-L2,3", file}).json();
+    EXPECT_EQ(json["type"], NEBSourceControlRequestAnnotation);
+    EXPECT_EQ(json["result"].size(), 2U);
+}
+
+TEST_F(BlameCommand, LeavesHalfOfANarrowTerminalToTheText) {
+    repository.write("c.c", std::string(100, 'x') + "\n");
+    repository.git({"add", "c.c"});
+    repository.git({"commit", "--quiet", "-m", "x", "--author", "A rather long name <a@b>"});
+    const NebscOutcome outcome =
+        runNebsc({"blame", "c.c"}, {.folder = repository.path(),
+                                    .variables = {{"TZ", "UTC"}, {"NO_COLOR", "1"}},
+                                    .output = NebscOutput::terminal,
+                                    .terminalColumns = 80});
+    EXPECT_EQ(outcome.output, revision("HEAD").substr(0, 8) + "  A rather lo…  2020-09-13  1  " +
+                                  std::string(80 - 8 - 2 - 12 - 2 - 10 - 2 - 1 - 2 - 1, 'x') +
+                                  "…\r\n");
+}
+
 }  // namespace
 }  // namespace neb::test

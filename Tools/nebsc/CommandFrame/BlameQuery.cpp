@@ -1,5 +1,6 @@
 #include "CommandFrame/BlameQuery.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstdint>
@@ -12,6 +13,15 @@ namespace neb::nebsc {
 
 namespace {
 
+/// Returns a number of at least 1 and at most nine digits.
+std::optional<std::int64_t> lineNumberIn(std::string_view text) {
+    std::int64_t number = 0;
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isNumber = failure == std::errc() && end == text.data() + text.size() &&
+                          number >= 1 && number < 1'000'000'000;
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 NEBDate dateOf(std::string_view seconds) {
     std::int64_t count = 0;
     std::from_chars(seconds.data(), seconds.data() + seconds.size(), count);
@@ -20,11 +30,42 @@ NEBDate dateOf(std::string_view seconds) {
 
 }  // namespace
 
-BlameQuery::BlameQuery(std::shared_ptr<NEBSourceControlRequest> request)
+std::optional<LineRange> lineRangeIn(std::string_view text) {
+    const std::size_t comma = std::min(text.find(','), text.size());
+    const std::string_view first = text.substr(0, comma);
+    std::string_view last = text.substr(std::min(comma + 1, text.size()));
+    const bool isCount = last.starts_with('+');
+    last.remove_prefix(isCount ? 1 : 0);
+    LineRange range;
+    if (!first.empty()) {
+        const auto number = lineNumberIn(first);
+        if (!number) {
+            return std::nullopt;
+        }
+        range.first = *number;
+    }
+    if (!last.empty() || isCount) {
+        range.last = lineNumberIn(last);
+        if (!range.last) {
+            return std::nullopt;
+        }
+        *range.last += isCount ? range.first - 1 : 0;
+    }
+    const bool isAnything = !first.empty() || range.last;
+    return isAnything && range.last.value_or(range.first) >= range.first ? std::optional(range)
+                                                                         : std::nullopt;
+}
+
+BlameQuery::BlameQuery(std::shared_ptr<NEBSourceControlRequest> request,
+                       const std::optional<LineRange>& range)
     : EntryQuery(std::move(request), '\n') {
     const NEBSourceControlRequest& blame = *this->request();
     setCurrentDirectoryPath(blame.sourceTree->location);
     std::vector<std::string> arguments{"blame", "--porcelain"};
+    if (range) {
+        arguments.push_back("-L" + std::to_string(range->first) + "," +
+                            (range->last ? std::to_string(*range->last) : ""));
+    }
     if (const auto revision = blame.startingRevision.string()) {
         arguments.emplace_back(*revision);
     }

@@ -3,6 +3,7 @@
 // The records of a blame request lack the text of the lines.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,12 +33,24 @@ struct BlamedLine {
     std::string content{};
 };
 
+/// Lines of a file, from 1 on, both included.
+struct LineRange {
+    std::int64_t first = 1;
+    /// Absent: to the end of the file.
+    std::optional<std::int64_t> last{};
+};
+
+/// Returns the range of "FIRST,LAST", "FIRST,+COUNT", "FIRST", "FIRST," or ",LAST", as
+/// git-blame(1) reads it; absent for any other text. Thread-safe.
+[[nodiscard]] std::optional<LineRange> lineRangeIn(std::string_view text);
+
 /// Not thread-safe, like all operations.
 class BlameQuery : public EntryQuery<BlamedLine> {
 public:
     /// Takes the only file and the starting revision of a blame request. A missing revision stands
-    /// for the working copy.
-    explicit BlameQuery(std::shared_ptr<NEBSourceControlRequest> request);
+    /// for the working copy, a missing range for all lines.
+    BlameQuery(std::shared_ptr<NEBSourceControlRequest> request,
+               const std::optional<LineRange>& range);
 
     [[nodiscard]] std::string className() const override { return "BlameQuery"; }
 

@@ -8,6 +8,7 @@
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Terminal/Colour.h"
 #include "Terminal/LocalTime.h"
@@ -33,9 +34,24 @@ bool isNotCommitted(std::string_view revision) {
     return revision.find_first_not_of('0') == std::string_view::npos;
 }
 
-BlameRow rowOf(const BlamedLine& line) {
-    constexpr std::size_t revisionColumns = 12;
-    BlameRow row{.revision = line.commit->id.substr(0, revisionColumns),
+/// How much of a line goes to the columns before the text.
+struct BlameWidths {
+    std::size_t revision, author, date;
+};
+
+constexpr BlameWidths fullWidths{.revision = 12, .author = std::string::npos, .date = 16};
+/// Leaves half of 80 columns to the text. The date is the day.
+constexpr BlameWidths narrowWidths{.revision = 8, .author = 12, .date = 10};
+/// The narrowest terminal for the full widths.
+constexpr std::size_t columnsForFullWidths = 120;
+
+BlameWidths widthsForTerminal() {
+    const auto columns = columnsOfTerminal(STDOUT_FILENO);
+    return columns && *columns < columnsForFullWidths ? narrowWidths : fullWidths;
+}
+
+BlameRow rowOf(const BlamedLine& line, const BlameWidths& widths) {
+    BlameRow row{.revision = line.commit->id.substr(0, widths.revision),
                  .author = {},
                  .date = {},
                  .number = printable(line.number),
@@ -45,8 +61,9 @@ BlameRow rowOf(const BlamedLine& line) {
         row.author = "Not committed yet";
     } else {
         row.author = printable(line.commit->author);
-        row.date = localMinute(line.commit->date);
+        row.date = localMinute(line.commit->date).substr(0, widths.date);
     }
+    row.author = truncated(widths.author, row.author);
     return row;
 }
 
@@ -84,8 +101,12 @@ protected:
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeAnnotationRequest() const;
+
     std::string _file;
     std::optional<std::string> _revision;
+    /// Absent: all lines.
+    std::optional<LineRange> _range;
     std::shared_ptr<BlameQuery> _query;
 };
 
@@ -97,6 +118,12 @@ RepositoryQuestions BlameTask::questions() const {
 
 /// The last argument is the file, whatever it looks like.
 std::optional<CommandOutput> BlameTask::validate() {
+    if (const auto lines = arguments().value("--lines")) {
+        _range = lineRangeIn(*lines);
+        if (!_range) {
+            throw invalidValue("--lines", "FIRST,LAST or FIRST,+COUNT");
+        }
+    }
     const std::vector<std::string> all = revisionAndFileArguments(arguments());
     if (all.empty()) {
         throw UsageError{.kind = UsageError::Kind::missingArgument, .parameter = &fileParameter};
@@ -123,13 +150,28 @@ std::shared_ptr<NEBSourceControlRequest> BlameTask::makeRequest() {
     return request;
 }
 
+/// A blame request knows no range.
+std::shared_ptr<NEBSourceControlRequest> BlameTask::makeAnnotationRequest() const {
+    auto request = newRequest(NEBSourceControlRequestAnnotation, {_file});
+    if (_revision) {
+        request->startingRevision = *_revision;
+    }
+    NEBDictionary options;
+    options.set(NEBSourceControlRequestOptionFirstLine, _range->first);
+    if (_range->last) {
+        options.set(NEBSourceControlRequestOptionLastLine, *_range->last);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
 /// Not streamed: the columns are as wide as their widest text, and git itself prints nothing before
 /// it knows the commits of all lines.
 RequestResult BlameTask::perform() {
     if (isJSON()) {
-        return performRequest(makeRequest());
+        return performRequest(_range ? makeAnnotationRequest() : makeRequest());
     }
-    _query = std::make_shared<BlameQuery>(makeRequest());
+    _query = std::make_shared<BlameQuery>(makeRequest(), _range);
     return performRequest(_query->request(), _query);
 }
 
@@ -137,9 +179,10 @@ std::string BlameTask::textOfResult(const NEBSourceControlResult& /*records*/) {
     if (isJSON()) {
         return {};
     }
+    const BlameWidths widths = widthsForTerminal();
     std::vector<BlameRow> rows;
     for (const BlamedLine& line : _query->takeEntries()) {
-        rows.push_back(rowOf(line));
+        rows.push_back(rowOf(line, widths));
     }
     const bool isColoured = isInColour();
     const std::size_t authorColumns = widest(rows, &BlameRow::author);
@@ -168,6 +211,8 @@ constexpr Parameter parameters[] = {
      "The revision of the file; default: the working copy, or HEAD in a bare repository",
      Takes::revisionOrPath},
     fileParameter,
+    {"-L,--lines", "Show only these lines: FIRST,LAST or FIRST,+COUNT", Takes::text,
+     Occurs::optionally, "RANGE"},
 };
 
 }  // namespace
@@ -179,11 +224,13 @@ constinit const Command blameCommand{
     .details =
         "A single argument is the file. Each line shows the revision, the author, the\n"
         "local date, the line number and the text. A line that is not committed yet has\n"
-        "no revision.\n"
+        "no revision. On a terminal of less than 120 columns, the revision and the author\n"
+        "are shortened, and the date is the day.\n"
         "\n"
         "Examples:\n"
         "  nebsc blame src/main.c         the file on disk\n"
-        "  nebsc blame v1.0 src/main.c    the file in v1.0\n",
+        "  nebsc blame v1.0 src/main.c    the file in v1.0\n"
+        "  nebsc blame -L 10,20 main.c    only the lines 10 to 20\n",
     .parameters = parameters,
     .activity = "Reading",
     .isPaged = true,

@@ -9,7 +9,9 @@ using namespace neb::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes = bytesOf(data, size);
-    neb::GitHistoryOperation operation(requestOf(neb::NEBSourceControlRequestHistory));
+    neb::GitHistoryOperation operation(
+        requestOf(neb::NEBSourceControlRequestHistory,
+                  {{neb::NEBSourceControlRequestOptionLogOutputFilesChanged, true}}));
     const auto records = parsed(operation, bytes).value();
     std::size_t marks = 0;
     for (const std::string& piece : split(bytes, '\0')) {

@@ -108,12 +108,19 @@ std::string formatOption() {
 
 /// Reads commits, each followed by the pieces of its changed files.
 class HistoryParser : public GitNULRecordParser {
+public:
+    /// Without files, a commit is complete at its own end.
+    explicit HistoryParser(bool hasFiles) : _hasFiles(hasFiles) {}
+
 protected:
     void parsePiece(const Data& output, std::string_view piece,
                     NEBSourceControlResult& records) override {
         if (!_files.isInsideEntry() && piece.starts_with(mark)) {
             finish(records);
             _commit = commitOf(output, piece.substr(mark.size()));
+            if (!_hasFiles) {
+                finish(records);
+            }
         } else {
             _files.parsePiece(output, piece);
         }
@@ -143,6 +150,7 @@ private:
         return commit;
     }
 
+    bool _hasFiles;
     std::optional<NEBDictionary> _commit;  // whose files follow
     GitChangedFiles _files;
 };
@@ -271,7 +279,7 @@ bool GitHistoryOperation::isSearch() const {
 }
 
 std::unique_ptr<NEBSourceControlRecordParser> GitHistoryOperation::makeRecordParser() {
-    return std::make_unique<HistoryParser>();
+    return std::make_unique<HistoryParser>(hasFiles());
 }
 
 }  // namespace neb

@@ -11,7 +11,10 @@ using testing::Contains;
 using testing::ElementsAre;
 
 std::shared_ptr<NEBSourceControlRequest> historyRequest() {
-    return requestFor(NEBSourceControlRequestHistory, "/w");
+    auto request = requestFor(NEBSourceControlRequestHistory, "/w");
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionLogOutputFilesChanged, true},
+                                     {NEBSourceControlRequestOptionLineCounts, true}};
+    return request;
 }
 
 TEST(HistoryParser, ReadsCommitsAndTheirFiles) {

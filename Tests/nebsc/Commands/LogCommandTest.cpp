@@ -234,14 +234,112 @@ TEST_F(LogCommand, EscapesControlCharactersInMessages) {
     EXPECT_THAT(log({"--full", "-n1"}).output, HasSubstr("body \\x1b[2J\tx\n"));
 }
 
+// ---- selection, decoration and graph ----------------------------------------------------------
+
+TEST_F(LogCommand, FindsCommits) {
+    repository.git({"commit", "--quiet", "--allow-empty", "-m", "Fourth [x]", "--author",
+                    "Bo Berg <bo@example.org>", "--date", "2013-06-30T20:00:00Z"});
+    const std::string fourth = revision("HEAD") + "  2013-07-01 01:30  Bo Berg  Fourth [x]\n";
+    expectDone(log({"--author", "Bo"}), fourth);
+    expectDone(log({"--author", "bo@example"}), fourth);
+    expectDone(log({"--grep", "[x]"}), fourth);
+    expectDone(log({"--grep", "fourth", "-i"}), fourth);
+    EXPECT_EQ(log({"--grep", "fourth"}).errors, "No matching commits.\n");
+    expectDone(log({"-S", "2"}), line("HEAD~1", "Third"));
+    expectDone(log({"--content=2", "a.c"}), line("HEAD~1", "Third"));
+    EXPECT_EQ(log({"--since", "2999-01-01"}).errors, "No matching commits.\n");
+    EXPECT_EQ(log({"--until", "1980-01-01"}).errors, "No matching commits.\n");
+    EXPECT_EQ(log({"--json", "--author", "Bo"}).json()["type"], NEBSourceControlRequestHistory);
+    EXPECT_EQ(log({"--json"}).json()["type"], NEBSourceControlRequestLog);
+}
+
+TEST_F(LogCommand, StartsAtAllReferences) {
+    repository.git({"branch", "old", "HEAD~2"});
+    repository.git({"checkout", "--quiet", "old"});
+    EXPECT_EQ(log({}).output, line("old", "First"));
+    for (const std::string& other :
+         {line("main", "Third"), line("main~1", "Second of two lines"), line("old", "First")}) {
+        EXPECT_THAT(log({"--all"}).output, HasSubstr(other));
+    }
+    expectDone(log({"--all", "old..main"}),
+               line("main", "Third") + line("main~1", "Second of two lines"));
+}
+
+TEST_F(LogCommand, FollowsAFileBeyondRenames) {
+    repository.git({"mv", "a.c", "new.c"});
+    repository.git({"commit", "--quiet", "-m", "Rename"});
+    expectDone(log({"new.c"}), line("HEAD", "Rename"));
+    const std::string all =
+        line("HEAD", "Rename") + line("HEAD~1", "Third") + line("HEAD~3", "First");
+    expectDone(log({"--follow", "new.c"}), all);
+    expectDone(log({"--follow", "--files", "-n1", "new.c"}),
+               line("HEAD", "Rename") + "    renamed    a.c\n");
+    expectFailed(log({"--follow"}), HasSubstr("option '--follow' requires a file"), 2);
+}
+
+TEST_F(LogCommand, ARangeIsTheSameForEveryRequest) {
+    expectDone(log({"--first-parent", "HEAD~2..HEAD"}), log({"HEAD~2..HEAD"}).output);
+    expectDone(log({"--first-parent", "HEAD~1...HEAD"}), log({"HEAD~1...HEAD"}).output);
+    expectDone(log({"--first-parent", "--branch", "main", "--full"}),
+               "commit " + repository.git({"rev-parse", "HEAD"}) +
+                   log({"--branch", "main", "--full"}).output.substr(20, 84) + "commit " +
+                   repository.git({"rev-parse", "HEAD~1"}) +
+                   "Author: Ann Example <ann@example.org>\n"
+                   "Date:   2020-09-13 17:56:40 +0530\n\n"
+                   "    Second of two lines\n\n    The body.\n\ncommit " +
+                   repository.git({"rev-parse", "HEAD~2"}) +
+                   "Author: Ann Example <ann@example.org>\n"
+                   "Date:   2020-09-13 17:56:40 +0530\n\n    First\n");
+}
+
+TEST_F(LogCommand, DecoratesCommits) {
+    repository.git({"tag", "v1", "HEAD~1"});
+    repository.git({"tag", "-a", "-m", "x", "v2", "HEAD~1"});
+    repository.git({"branch", "topic"});
+    repository.git({"update-ref", "refs/remotes/origin/main", "HEAD~2"});
+    const std::string front = "  " + std::string(minute) + "  Ann Example  ";
+    expectDone(log({"--decorate"}), revision("HEAD") + front + "(HEAD -> main, topic) Third\n" +
+                                        revision("HEAD~1") + front +
+                                        "(tag: v2, tag: v1) Second of two lines\n" +
+                                        revision("HEAD~2") + front + "(origin/main) First\n");
+    expectDone(log({"-n1"}), line("HEAD", "Third"));
+    repository.git({"checkout", "--quiet", "--detach"});
+    expectDone(log({"--decorate", "-n1"}),
+               revision("HEAD") + front + "(HEAD, topic, main) Third\n");
+    EXPECT_THAT(
+        log({"--decorate", "--full", "-n1"}).output,
+        testing::StartsWith("commit " + repository.git({"rev-parse", "HEAD"}).substr(0, 40) +
+                            " (HEAD, topic, main)\nAuthor: "));
+}
+
+TEST_F(LogCommand, DrawsAGraph) {
+    repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
+    repository.commitFile("t.c", "1\n", "Topic");
+    repository.git({"merge", "--quiet", "--no-ff", "-m", "Merge", "main"});
+    const std::string front = "  " + std::string(minute) + "  Ann Example  ";
+    expectDone(log({"--graph"}), "*  " + revision("HEAD") + front + "(HEAD -> topic) Merge\n|\\\n" +
+                                     "| *  " + revision("main") + front + "(main) Third\n" +
+                                     "* |  " + revision("HEAD^1") + front + "Topic\n|/\n" + "*  " +
+                                     revision("main~1") + front + "Second of two lines\n" + "*  " +
+                                     revision("main~2") + front + "First\n");
+    EXPECT_THAT(log({"--graph", "--full"}).output,
+                HasSubstr("\n| |  Author: Ann Example <ann@example.org>\n"));
+    for (const char* other : {"--author=Ann", "--grep=x", "-Sx"}) {
+        expectFailed(log({"--graph", other}), HasSubstr("option '--graph' cannot be combined"), 2);
+    }
+    expectFailed(log({"--graph", "a.c"}), HasSubstr("cannot be combined with a file"), 2);
+}
+
 TEST_F(LogCommand, UsesColoursOnATerminal) {
     const NebscOutcome outcome =
         runNebsc({"log", "-n1", "--files"},
                  {.folder = repository.path(),
                   .variables = {{"TZ", zone}, {"TERM", "xterm"}, {"NO_COLOR", std::nullopt}},
                   .output = NebscOutput::terminal});
-    EXPECT_EQ(outcome.output, "\x1b[33m" + revision("HEAD") + "\x1b[0m  " + minute +
-                                  "  Ann Example  Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
+    EXPECT_EQ(outcome.output,
+              "\x1b[33m" + revision("HEAD") + "\x1b[0m  " + minute +
+                  "  Ann Example  \x1b[33m(\x1b[0m\x1b[1;36mHEAD -> \x1b[0m\x1b[1;32mmain\x1b[0m"
+                  "\x1b[33m)\x1b[0m Third\r\n    \x1b[33mmodified\x1b[0m   a.c\r\n");
 }
 
 TEST_F(LogCommand, KeepsACommitWithAFileNameThatIsNotUTF8) {

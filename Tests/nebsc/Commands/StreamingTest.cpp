@@ -29,8 +29,12 @@ protected:
     }
     [[nodiscard]] std::string logScript(const std::string& script) const {
         return scriptOf(
-            "log", "printf '0123456789ab\\nAnn\\na@b\\n1600000000\\n%s\\n\\001\\n\\000' \"$1\"",
-            "printf '\\000'\n" + script);
+            "log",
+            "if [ $history ]; then printf 'commit 0123456789ab\\n\\n\\nAnn\\na@b\\n1600000000 "
+            "+0000\\nAnn\\na@b\\n1600000000 +0000\\n%s\\n\\000' \"$1\"; "
+            "else printf '0123456789ab\\nAnn\\na@b\\n1600000000\\n%s\\n\\001\\n\\000' \"$1\"; fi",
+            "case \"$*\" in *tformat:commit*) history=1;; *) history=; printf '\\000';; esac\n" +
+                script);
     }
     /// A git whose command, such as "ls-tree", is a script. The body of `record` prints a record.
     [[nodiscard]] std::string scriptOf(const std::string& command, const std::string& record,

@@ -148,13 +148,15 @@ TEST_F(CompleteCommand, NamesTheOptionsOfTheCommandAndTheCommonOnes) {
                 testing::IsSupersetOf(
                     {"-m", "--message", "--allow-empty", "--json", "--plugin", "--help", "-h"}));
     EXPECT_THAT(completions.text, testing::HasSubstr("\n--allow-empty\tCommit even if"));
-    EXPECT_THAT(complete({"log", "--f"}).candidates, ElementsAre("--files", "--full"));
+    EXPECT_THAT(complete({"log", "--f"}).candidates,
+                ElementsAre("--files", "--full", "--first-parent", "--follow"));
     EXPECT_THAT(complete({"remote", "rm", "--h"}).candidates, ElementsAre("--help"));
     EXPECT_THAT(complete({"--j"}).candidates, ElementsAre("--json"));
 }
 
 TEST_F(CompleteCommand, OmitsOptionsThatAreGiven) {
-    EXPECT_THAT(complete({"log", "--files", "--f"}).candidates, ElementsAre("--full"));
+    EXPECT_THAT(complete({"log", "--files", "--f"}).candidates,
+                ElementsAre("--full", "--first-parent", "--follow"));
     EXPECT_THAT(complete({"log", "-n5", "--l"}).candidates, IsEmpty());
     EXPECT_THAT(complete({"log", "--limit=5", "-n"}).candidates, IsEmpty());
     EXPECT_THAT(complete({"commit", "-mText", "--m"}).candidates, ElementsAre("--message"));
@@ -362,9 +364,10 @@ TEST_F(CompleteCommand, OmitsNamesThatWouldBreakALine) {
 void expectCompleted(const nebsc::Command& command, const std::string& names) {
     // Values that only the user knows.
     static const std::vector<std::string> unknown{
-        "commit --message", "stash push --message", "tag create --message", "tag create NAME",
-        "log --limit",      "clone --branch",       "branch create NAME",   "branch track NAME",
-        "remote add NAME",  "complete ARGUMENT"};
+        "commit --message",   "stash push --message", "tag create --message", "tag create NAME",
+        "log --limit",        "log --author",         "log --grep",           "log --content",
+        "log --since",        "log --until",          "blame --lines",        "clone --branch",
+        "branch create NAME", "branch track NAME",    "remote add NAME",      "complete ARGUMENT"};
     for (const nebsc::Parameter& parameter : command.parameters) {
         const std::string_view name = parameter.name.substr(parameter.name.find(',') + 1);
         const std::string whole = names + std::string(command.name) + " " + std::string(name);

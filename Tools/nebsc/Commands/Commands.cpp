@@ -9,6 +9,7 @@ namespace {
 constexpr std::array commands{
     &statusCommand,
     &logCommand,
+    &showCommand,
     &blameCommand,
     &diffCommand,
     &listCommand,

@@ -29,6 +29,7 @@ inline constexpr std::string_view subcommandGroup = "Commands";
 // ---- inspect
 extern const Command statusCommand;
 extern const Command logCommand;
+extern const Command showCommand;
 extern const Command blameCommand;
 extern const Command diffCommand;
 extern const Command listCommand;

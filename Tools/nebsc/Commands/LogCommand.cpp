@@ -6,23 +6,20 @@
 
 #include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/CommitText.h"
+#include "CommandFrame/LogEntry.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "NEBFoundation/NEBSourceControlPathQuoting.h"
-#include "Platform/PathString.h"
 #include "Platform/Text.h"
-#include "Terminal/Colour.h"
+#include "Terminal/HistoryGraph.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/PrintableText.h"
-#include "Terminal/StatusLabels.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
 
 namespace {
-
-constexpr std::string_view indent = "    ";
 
 /// Returns the number; absent if the text is no number of commits.
 std::optional<std::int32_t> countIn(std::string_view text) {
@@ -32,19 +29,29 @@ std::optional<std::int32_t> countIn(std::string_view text) {
     return isCount ? std::optional(count) : std::nullopt;
 }
 
-/// Returns the first paragraph on one line.
-std::string subjectOf(std::string_view message) {
-    std::string subject;
-    bool isAfter = false;
-    forEachField(message, '\n', [&](std::string_view line) {
-        line = textByTrimmingLineEnds(line);
-        isAfter = isAfter || line.empty();
-        if (!isAfter) {
-            subject.append(subject.empty() ? "" : " ").append(line);
-        }
-    });
-    return printable(subject);
-}
+/// An option of the command that only a history request knows.
+struct HistoryOption {
+    std::string_view parameter;
+    NEBConstant option;
+};
+
+constexpr HistoryOption flags[] = {
+    {"--all", NEBSourceControlRequestOptionAllReferences},
+    {"--follow", NEBSourceControlRequestOptionFollow},
+    {"--ignore-case", NEBSourceControlRequestOptionIgnoreCase},
+    {"--first-parent", NEBSourceControlRequestOptionFirstParent},
+};
+
+constexpr HistoryOption texts[] = {
+    {"--author", NEBSourceControlRequestOptionSearchAuthor},
+    {"--grep", NEBSourceControlRequestOptionSearchMessage},
+    {"--content", NEBSourceControlRequestOptionSearchContent},
+    {"--since", NEBSourceControlRequestOptionSince},
+    {"--until", NEBSourceControlRequestOptionUntil},
+};
+
+/// Those that leave out commits between others, so that the graph would have gaps.
+constexpr std::string_view searches[] = {"--author", "--grep", "--content", "--follow"};
 
 class LogTask : public CommandTask {
 public:
@@ -61,18 +68,27 @@ protected:
 
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfBranch();
-    [[nodiscard]] std::string revisionColumn(const NEBDictionary& record) const;
-    [[nodiscard]] std::string lineOf(const NEBDictionary& record);
-    [[nodiscard]] std::string blockOf(const NEBDictionary& record) const;
-    [[nodiscard]] std::string filesOf(const NEBDictionary& record) const;
+    void checkCombinations() const;
+    /// Returns whether an option needs a history request. A log request has less to read.
+    [[nodiscard]] bool needsHistory() const;
+    [[nodiscard]] bool isGraph() const { return arguments().has("--graph"); }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeLogRequest() const;
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeHistoryRequest() const;
+    [[nodiscard]] std::string textOf(const LogEntry& entry);
+    [[nodiscard]] std::string lineOf(const LogEntry& entry, std::size_t columnsBefore);
+    [[nodiscard]] std::string blockAndFilesOf(const LogEntry& entry);
+    [[nodiscard]] std::string besideGraph(const LogEntry& entry);
 
     RevisionArguments _named;
     /// The revision that --branch stands for; empty without the option.
     std::string _branch;
-    bool _isColoured = false;
+    CommitStyle _style;
+    /// Whether the branch of the style is known.
+    bool _hasBranch = false;
     bool _isFirstBlock = true;
     /// The width of the widest author so far.
     std::size_t _authorColumns = 0;
+    HistoryGraph _graph;
 };
 
 RepositoryQuestions LogTask::questions() const {
@@ -80,13 +96,14 @@ RepositoryQuestions LogTask::questions() const {
     if (const auto branch = arguments().value("--branch")) {
         questions.revisions.push_back(std::string(localBranchPrefix) + *branch);
     }
+    questions.asksBranch = needsHistory();
     return questions;
 }
 
 bool LogTask::canRunBesideLocate() const {
     const auto limit = arguments().value("--limit");
     return revisionAndFileArguments(arguments()).empty() && !arguments().has("--branch") &&
-           (!limit || countIn(*limit));
+           !arguments().has("--follow") && !isGraph() && (!limit || countIn(*limit));
 }
 
 /// git would take the name of a file for that file and show its history.
@@ -124,11 +141,43 @@ std::optional<CommandOutput> LogTask::validate() {
     if (auto refused = refusalOfBranch()) {
         return refused;
     }
-    const bool isAboutHEAD = _named.revisions.empty() && !arguments().has("--branch");
+    checkCombinations();
+    const bool isAboutHEAD =
+        _named.revisions.empty() && !arguments().has("--branch") && !arguments().has("--all");
     return isAboutHEAD && !isJSON() ? refusalWithoutCommits(git()) : std::nullopt;
 }
 
+void LogTask::checkCombinations() const {
+    if (arguments().has("--follow") && _named.files.size() != 1) {
+        throw invalidArguments("option '--follow' requires a file");
+    }
+    if (!isGraph()) {
+        return;
+    }
+    if (!_named.files.empty()) {
+        throw invalidArguments("option '--graph' cannot be combined with a file");
+    }
+    for (const std::string_view search : searches) {
+        if (arguments().has(search)) {
+            throw invalidArguments("option '--graph' cannot be combined with '" +
+                                   std::string(search) + "'");
+        }
+    }
+}
+
+bool LogTask::needsHistory() const {
+    const auto isGiven = [this](const HistoryOption& row) {
+        return arguments().has(row.parameter);
+    };
+    return isGraph() || arguments().has("--decorate") || std::ranges::any_of(flags, isGiven) ||
+           std::ranges::any_of(texts, isGiven) || (!isJSON() && ::isatty(STDOUT_FILENO) == 1);
+}
+
 std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
+    return needsHistory() ? makeHistoryRequest() : makeLogRequest();
+}
+
+std::shared_ptr<NEBSourceControlRequest> LogTask::makeLogRequest() const {
     auto request = newRequest(NEBSourceControlRequestLog);
     _named.copyTo(*request);
     // From two revisions the request makes a symmetric difference.
@@ -140,7 +189,7 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
     if (const auto limit = arguments().value("--limit")) {
         options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));
     }
-    if (const auto branch = arguments().value("--branch")) {
+    if (arguments().has("--branch")) {
         options.set(NEBSourceControlRequestOptionBranch, _branch);
     }
     if (arguments().has("--files")) {
@@ -150,76 +199,109 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {
     return request;
 }
 
-// ---- text --------------------------------------------------------------------------------------
-
-std::string LogTask::revisionColumn(const NEBDictionary& record) const {
-    const std::string revision = printable(record.text(NEBSourceControlOperationRevisionKey));
-    return _isColoured ? coloured(revision, Colour::yellow) : revision;
-}
-
-/// The column of the authors grows with the records, as a line cannot wait for those that follow.
-std::string LogTask::lineOf(const NEBDictionary& record) {
-    // Only the line of a longer name is out of line.
-    constexpr std::size_t widestAuthorColumn = 20;
-    std::string author = printable(record.text(NEBSourceControlOperationAuthorKey));
-    _authorColumns = std::max(_authorColumns, std::min(columnsOf(author), widestAuthorColumn));
-    author = paddedTo(_authorColumns, author);
-    const auto date = record.value(NEBSourceControlOperationDateKey).date();
-    const std::string middle = "  " + (date ? localMinute(*date) : "") + "  " + author + "  ";
-    const std::size_t columns =
-        columnsOf(printable(record.text(NEBSourceControlOperationRevisionKey)) + middle);
-    const std::string line = revisionColumn(record) + middle +
-                             fitting(STDOUT_FILENO, columns,
-                                     subjectOf(record.text(NEBSourceControlOperationMessageKey)));
-    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n" + filesOf(record);
-}
-
-std::string LogTask::blockOf(const NEBDictionary& record) const {
-    const auto date = record.value(NEBSourceControlOperationDateKey).date();
-    std::string block =
-        "commit " + revisionColumn(record) + "\nAuthor: " +
-        printable(std::string(record.text(NEBSourceControlOperationAuthorKey)) + " <" +
-                  std::string(record.text(NEBSourceControlOperationAuthorEmailKey)) + ">") +
-        "\nDate:   " + (date ? localSecondWithZone(*date) : "") + "\n";
-    const std::string_view message = record.text(NEBSourceControlOperationMessageKey);
-    if (!message.empty()) {
-        block += "\n";
-        forEachField(message, '\n', [&block](std::string_view line) {
-            line = textByTrimmingLineEnds(line);
-            block.append(line.empty() ? "" : indent).append(printableLine(line)).append("\n");
-        });
+/// git reads "A..B" and "A...B" as one revision.
+std::shared_ptr<NEBSourceControlRequest> LogTask::makeHistoryRequest() const {
+    auto request = newRequest(NEBSourceControlRequestHistory);
+    _named.copyTo(*request);
+    request->endingRevision = {};
+    if (_named.revisions.size() == 2) {
+        request->startingRevision = _named.revisions[0] + _named.dots + _named.revisions[1];
+    } else if (arguments().has("--branch")) {
+        request->startingRevision = _branch;
     }
-    const std::string files = filesOf(record);
-    return block + (files.empty() ? "" : "\n") + files;
-}
-
-std::string LogTask::filesOf(const NEBDictionary& record) const {
-    std::string lines;
-    if (const NEBDictionary* files = record.value(NEBSourceControlOperationFilesKey).dictionary()) {
-        for (const NEBDictionary::Entry& entry : *files) {
-            lines.append(indent)
-                .append(statusColumn(entry.value(), _isColoured))
-                .append(shown(NEBSourceControlUnquotedPath(entry.key())))
-                .append("\n");
+    NEBDictionary options;
+    if (const auto limit = arguments().value("--limit")) {
+        options.set(NEBSourceControlRequestOptionLogOutputLimit, *countIn(*limit));
+    }
+    for (const HistoryOption& row : flags) {
+        if (arguments().has(row.parameter)) {
+            options.set(row.option, true);
         }
     }
-    return lines;
+    for (const HistoryOption& row : texts) {
+        if (const auto text = arguments().value(row.parameter)) {
+            options.set(row.option, *text);
+        }
+    }
+    if (arguments().has("--files")) {
+        options.set(NEBSourceControlRequestOptionLogOutputFilesChanged, true);
+    }
+    if (isGraph()) {
+        options.set(NEBSourceControlRequestOptionOrder, "topology");
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
+// ---- text --------------------------------------------------------------------------------------
+
+/// The column of the authors grows with the records, as a line cannot wait for those that follow.
+std::string LogTask::lineOf(const LogEntry& entry, std::size_t columnsBefore) {
+    // Only the line of a longer name is out of line.
+    constexpr std::size_t widestAuthorColumn = 20;
+    std::string author = printable(entry.author);
+    _authorColumns = std::max(_authorColumns, std::min(columnsOf(author), widestAuthorColumn));
+    author = paddedTo(_authorColumns, author);
+    const std::string id = entry.id.substr(0, shownIdLength);
+    const std::string middle =
+        "  " + (entry.date ? localMinute(*entry.date) : "") + "  " + author + "  ";
+    CommitStyle plain = _style;
+    plain.isColoured = false;
+    const std::size_t columns =
+        columnsBefore + columnsOf(printable(id) + middle) + columnsOf(decorationOf(entry, plain));
+    std::string decoration = decorationOf(entry, _style);
+    decoration += decoration.empty() ? "" : " ";
+    const std::string line =
+        shownId(id, _style) + middle + decoration +
+        fitting(STDOUT_FILENO, columns + (decoration.empty() ? 0 : 1), subjectOf(entry.message));
+    return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+}
+
+std::string LogTask::blockAndFilesOf(const LogEntry& entry) {
+    const std::string files = filesOf(entry, workingCopy(), _style);
+    return blockOf(entry, _style) + (files.empty() ? "" : "\n") + files;
+}
+
+std::string LogTask::textOf(const LogEntry& entry) {
+    if (isGraph()) {
+        return besideGraph(entry);
+    }
+    if (arguments().has("--full")) {
+        return (std::exchange(_isFirstBlock, false) ? "" : "\n") + blockAndFilesOf(entry);
+    }
+    return lineOf(entry, 0) + filesOf(entry, workingCopy(), _style);
+}
+
+/// The first line of the commit stands beside its "*".
+std::string LogTask::besideGraph(const LogEntry& entry) {
+    std::string row = _graph.rowOf(entry.id, entry.parents) + "  ";
+    const std::string text = arguments().has("--full") ? blockAndFilesOf(entry) + "\n"
+                                                       : lineOf(entry, row.size()) +
+                                                             filesOf(entry, workingCopy(), _style);
+    std::string all;
+    forEachLine(text, [&](std::string_view line) {
+        row += line;
+        all += row.substr(0, row.find_last_not_of(' ') + 1) + "\n";
+        row = _graph.rowBeside() + "  ";
+    });
+    return all + _graph.rowsBelow();
 }
 
 std::string LogTask::textOfResult(const NEBSourceControlResult& records) {
     if (isJSON()) {
         return {};
     }
-    _isColoured = isInColour();
-    std::string all;
-    if (arguments().has("--full")) {
-        for (const NEBDictionary& record : records) {
-            all.append(std::exchange(_isFirstBlock, false) ? "" : "\n").append(blockOf(record));
-        }
-        return all;
+    const bool isHistory = needsHistory();
+    _style = {.isColoured = isInColour(),
+              .isDecorated = isHistory && (arguments().has("--decorate") || isGraph() ||
+                                           ::isatty(STDOUT_FILENO) == 1),
+              .branch = _style.branch};
+    if (_style.isDecorated && !std::exchange(_hasBranch, true)) {
+        _style.branch = currentBranch(git());
     }
+    std::string all;
     for (const NEBDictionary& record : records) {
-        all += lineOf(record);
+        all += textOf(isHistory ? entryOfHistoryRecord(record) : entryOfLogRecord(record));
     }
     return all;
 }
@@ -238,6 +320,21 @@ constexpr Parameter parameters[] = {
      Occurs::optionally, "BRANCH"},
     {"--files", "Show the files that each commit changed; renamed files under the old name"},
     {"--full", "Show complete messages, e-mail addresses of authors, and seconds"},
+    {"--graph", "Draw how commits follow from each other; parents come after all children"},
+    {"--decorate", "Show branches and tags; on a terminal and with --graph they are always shown"},
+    {"--all", "Start at all branches, tags and other references too"},
+    {"--first-parent", "Follow only the first parent of a merge"},
+    {"--follow", "Follow the file FILE beyond renames"},
+    {"--author", "Show only commits with this text in name or address of the author", Takes::text,
+     Occurs::optionally, "TEXT"},
+    {"--grep", "Show only commits with this text in the message", Takes::text, Occurs::optionally,
+     "TEXT"},
+    {"-S,--content", "Show only commits that change how often this text occurs in a file",
+     Takes::text, Occurs::optionally, "TEXT"},
+    {"-i,--ignore-case", "Ignore case in the texts to find"},
+    {"--since", "Show only commits after this date, such as '2 weeks ago'", Takes::text,
+     Occurs::optionally, "DATE"},
+    {"--until", "Show only commits before this date", Takes::text, Occurs::optionally, "DATE"},
 };
 
 }  // namespace
@@ -250,13 +347,15 @@ constinit const Command logCommand{
         "Dates are in local time. A..B shows the commits of B that A does not contain,\n"
         "A...B those that only one of the two contains. A single argument is a revision\n"
         "or else a file; put '--' before a file or after a revision if it could be\n"
-        "either. Merges have no files of their own.\n"
+        "either. Merges have no files of their own. The texts to find are no patterns.\n"
         "\n"
         "Examples:\n"
         "  nebsc log -n 10          the last ten commits\n"
         "  nebsc log --files src    commits that changed something in src, with the files\n"
         "  nebsc log v1.0..v2.0     commits of v2.0 that v1.0 does not contain\n"
-        "  nebsc log -- old.c       the history of a deleted file\n",
+        "  nebsc log -- old.c       the history of a deleted file\n"
+        "  nebsc log --graph --all  how all branches are related\n"
+        "  nebsc log --author ann --since yesterday\n",
     .parameters = parameters,
     .activity = "Reading the history",
     .isPaged = true,

@@ -14,13 +14,16 @@ struct ColourSequence {
     std::string_view sequence;
 };
 
-constexpr std::array<ColourSequence, 6> colourSequences{{
+constexpr std::array<ColourSequence, 9> colourSequences{{
     {Colour::bold, "\x1b[1m"},
     {Colour::red, "\x1b[31m"},
     {Colour::boldRed, "\x1b[1;31m"},
     {Colour::green, "\x1b[32m"},
+    {Colour::boldGreen, "\x1b[1;32m"},
     {Colour::yellow, "\x1b[33m"},
+    {Colour::boldYellow, "\x1b[1;33m"},
     {Colour::cyan, "\x1b[36m"},
+    {Colour::boldCyan, "\x1b[1;36m"},
 }};
 
 }  // namespace

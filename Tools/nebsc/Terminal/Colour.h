@@ -7,7 +7,18 @@
 namespace neb::nebsc {
 
 /// The colours of a terminal, by their usual names.
-enum class Colour { none, bold, red, boldRed, green, yellow, cyan };
+enum class Colour {
+    none,
+    bold,
+    red,
+    boldRed,
+    green,
+    boldGreen,
+    yellow,
+    boldYellow,
+    cyan,
+    boldCyan,
+};
 
 /// The values of `--color`.
 enum class Colours { automatic, always, never };

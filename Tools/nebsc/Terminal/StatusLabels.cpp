@@ -68,6 +68,19 @@ std::int64_t statusOfLetter(char letter) {
     return row == statusLabels.end() ? changed.status : row->status;
 }
 
+std::int64_t statusOfState(std::string_view state) {
+    if (state == "type changed") {
+        return NEBSourceControlStatusModified;
+    }
+    if (state == "copied") {
+        return NEBSourceControlStatusRenamed;
+    }
+    const auto* row =
+        std::find_if(statusLabels.begin(), statusLabels.end(),
+                     [state](const StatusLabel& label) { return label.text == state; });
+    return row == statusLabels.end() ? changed.status : row->status;
+}
+
 std::string_view conflictKind(char index, char workTree) {
     const auto* row =
         std::find_if(conflictKinds.begin(), conflictKinds.end(),

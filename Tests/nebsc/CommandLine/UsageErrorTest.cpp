@@ -178,9 +178,9 @@ TEST(UsageError, ShowsNoPassword) {
 
 TEST(UsageError, NamesTheCounterpartOfAGitCommand) {
     for (const Row& row :
-         {Row{{"pull"}, "'pull' is not a command; use 'nebsc update'", ""},
-          Row{{"pull", "--rebase", "origin"}, "'pull' is not a command; use 'nebsc update'", ""},
-          Row{{"help", "pull"}, "'pull' is not a command; use 'nebsc update'", ""},
+         {Row{{"restore"}, "'restore' is not a command; use 'nebsc revert'", ""},
+          Row{{"restore", "-s", "a"}, "'restore' is not a command; use 'nebsc revert'", ""},
+          Row{{"help", "restore"}, "'restore' is not a command; use 'nebsc revert'", ""},
           Row{{"fsck"}, "'fsck' is not a command; use 'nebsc doctor --full'", ""},
           Row{{"remote", "remove", "origin"},
               "'remove' is not a command of 'nebsc remote'; use 'nebsc remote rm'",

@@ -189,7 +189,6 @@ TEST_F(ExchangeCommands, PushNeverDeletesOrOverwrites) {
 
 TEST_F(ExchangeCommands, PushReportsFailures) {
     const auto arguments = HasSubstr("expected REMOTE and LOCAL:DEST, or --svn\n");
-    expectFailed(nebsc(*ann, {"push"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "origin"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "--svn", "origin"}), arguments, 2);
     expectFailed(nebsc(*ann, {"push", "--svn"}),

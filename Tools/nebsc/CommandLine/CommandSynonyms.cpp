@@ -9,8 +9,6 @@ namespace {
 
 constexpr CommandSynonym rows[] = {
     // commands of git
-    {"pull", "update"},
-    {"switch", "checkout"},
     {"restore", "revert"},
     {"annotate", "blame"},
     {"whatchanged", "log --files"},

@@ -7,7 +7,7 @@
 namespace neb::nebsc {
 
 struct CommandSynonym {
-    /// A command of git, an abbreviation or another common name: "pull", "ci", "rename".
+    /// A command of git, an abbreviation or another common name: "restore", "ci", "rename".
     std::string_view synonym;
     /// The command of nebsc that does the same: "update".
     std::string_view name;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
@@ -52,9 +53,10 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
-private:
     [[nodiscard]] std::string branch() const { return argument("BRANCH"); }
     [[nodiscard]] bool isBranchOfRemote();
+
+private:
     [[nodiscard]] std::string locationText();
 };
 
@@ -123,6 +125,56 @@ void CheckoutTask::report(const Outcome& outcome, CommandOutput& output) {
     addConflicts(output, git(), "Local changes conflict with the checked-out revision in:");
 }
 
+// ---- switch -----------------------------------------------------------------------------------
+
+/// Switches to branches only, and can create one.
+class SwitchTask : public CheckoutTask {
+public:
+    using CheckoutTask::CheckoutTask;
+
+protected:
+    std::optional<CommandOutput> validate() override;
+
+private:
+    [[nodiscard]] std::optional<CommandOutput> createBranch();
+};
+
+std::optional<CommandOutput> SwitchTask::createBranch() {
+    const auto start = arguments().value("START");
+    if (auto refused = start ? refusalOfRevision(git(), *start) : refusalWithoutCommits(git())) {
+        return refused;
+    }
+    auto request = newRequest(NEBSourceControlRequestCreateBranch);
+    request->destination = branch();
+    if (start) {
+        request->options = NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, *start}};
+    }
+    return performFirst(request);
+}
+
+std::optional<CommandOutput> SwitchTask::validate() {
+    if (arguments().has("--create")) {
+        return createBranch();
+    }
+    if (arguments().has("START")) {
+        throw invalidArguments("expected --create with START");
+    }
+    if (!workingCopy().isWorkingCopy || branch().starts_with('-') || isBranch(git(), branch()) ||
+        isBranchOfRemote() || !git().isCommit(branch())) {
+        return CheckoutTask::validate();
+    }
+    CommandOutput output = refusal(inQuotes(branch()) + " is not a branch.", exitFailed,
+                                   NEBSourceControlBranchUnknownErrorClass);
+    addAdvice(output, "'nebsc checkout' switches to any revision.");
+    return output;
+}
+
+constexpr Parameter switchParameters[] = {
+    {"BRANCH", "A branch, or one of a remote to create a branch for", Takes::branch, Occurs::once},
+    {"START", "With --create, where the new branch starts; default: HEAD", Takes::revision},
+    {"-c,--create", "Create the branch first"},
+};
+
 constexpr Parameter parameters[] = {
     {"BRANCH", "A branch, a tag or any other revision", Takes::revision, Occurs::once},
 };
@@ -143,6 +195,21 @@ constinit const Command checkoutCommand{
     .parameters = parameters,
     .activity = "Checking out",
     .run = runTask<CheckoutTask>,
+};
+
+constinit const Command switchCommand{
+    .name = "switch",
+    .group = branchesGroup,
+    .summary = "Switch to a branch, or create one and switch to it",
+    .details =
+        "Works as 'nebsc checkout', but takes no tags or other revisions.\n"
+        "\n"
+        "Examples:\n"
+        "  nebsc switch topic         switch to a branch\n"
+        "  nebsc switch -c fix v1.0   create a branch from a tag and switch to it\n",
+    .parameters = switchParameters,
+    .activity = "Switching",
+    .run = runTask<SwitchTask>,
 };
 
 }  // namespace neb::nebsc

@@ -39,15 +39,19 @@ constexpr std::array commands{
     //
     &branchCommand,
     &checkoutCommand,
+    &switchCommand,
     &mergeCommand,
     &mergeBaseCommand,
     &tagCommand,
+    &cherryPickCommand,
+    &resetCommand,
     //
     &cloneCommand,
     &remoteCommand,
     &fetchCommand,
     &pushCommand,
     &updateCommand,
+    &pullCommand,
     //
     &subversionCommand,
     //

@@ -67,10 +67,13 @@ extern const Command branchCommand;
 extern const Command branchTrackCommand;
 extern const Command branchTrackingCommand;
 extern const Command checkoutCommand;
+extern const Command switchCommand;
 extern const Command mergeCommand;
 extern const Command mergeBaseCommand;
 /// Its subcommands list, create and delete tags.
 extern const Command tagCommand;
+extern const Command cherryPickCommand;
+extern const Command resetCommand;
 
 // ---- remotes and synchronising
 extern const Command cloneCommand;
@@ -79,6 +82,7 @@ extern const Command remoteCommand;
 extern const Command fetchCommand;
 extern const Command pushCommand;
 extern const Command updateCommand;
+extern const Command pullCommand;
 
 // ---- Subversion
 /// Its subcommands exchange commits with the connected Subversion repository.

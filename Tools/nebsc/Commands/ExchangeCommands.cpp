@@ -5,6 +5,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RemoteSettings.h"
 #include "Commands/Commands.h"
+#include "Commands/PublishTask.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/PrintableText.h"
@@ -227,8 +228,17 @@ constexpr Parameter pushParameters[] = {
     {"BRANCHES",
      "The branch and its name on the remote, LOCAL:DEST; LOCAL alone if both are the same",
      Takes::branchPair},
+    {"-u,--set-upstream",
+     "Make the branch of the remote the upstream branch; default: the current "
+     "branch, to the only remote"},
+    {leaseFlag, "Overwrite the branch of the remote if it is as last fetched"},
+    {pushDryRunFlag, "Change nothing, and list what would be pushed"},
     {subversionFlag, "Commit to the connected Subversion repository"},
 };
+
+CommandOutput runPush(const CommandCall& call) {
+    return isPublishing(call.arguments) ? runPublish(call) : PushTask(call).run();
+}
 
 }  // namespace
 
@@ -250,16 +260,19 @@ constinit const Command pushCommand{
     .group = remotesGroup,
     .summary = "Push a branch to a remote",
     .details =
-        "Never overwrites: if the remote has commits that are missing here, the push is\n"
-        "refused.\n"
+        "Without REMOTE, pushes the current branch to its upstream branch, as the\n"
+        "settings of git say. If the remote has commits that are missing here, the push\n"
+        "is refused unless --force-with-lease is given.\n"
         "\n"
         "Examples:\n"
+        "  nebsc push                        the current branch to its upstream branch\n"
+        "  nebsc push -u origin              also make that branch the upstream branch\n"
         "  nebsc push origin main            the branch main\n"
         "  nebsc push origin topic:review    the branch topic, as review on the remote\n"
         "  nebsc push --svn                  commits that Subversion does not have\n",
     .parameters = pushParameters,
     .activity = "Pushing",
-    .run = runTask<PushTask>,
+    .run = runPush,
 };
 
 }  // namespace neb::nebsc

@@ -2,6 +2,7 @@
 
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "Commands/PickCommands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 
@@ -99,14 +100,28 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    std::optional<CommandOutput> validate() override {
+        if (paths(files).empty() || arguments().has("--mainline")) {
+            throw invalidArguments("expected FILE, or --commit with at most --mainline");
+        }
+        return std::nullopt;
+    }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newRequest(NEBSourceControlRequestRevert, paths(files));
     }
 };
 
 constexpr Parameter revertParameters[] = {
-    {files, "A file or a folder with all tracked files in it", Takes::path, Occurs::oneOrMore},
+    {files, "A file or a folder with all tracked files in it", Takes::path, Occurs::anyNumber},
+    {"--commit", "Commit the opposite of this commit", Takes::revision, Occurs::optionally,
+     "COMMIT"},
+    {"--mainline", "Of a merge, revert the changes to this parent, from 1", Takes::text,
+     Occurs::optionally, "NUMBER"},
 };
+
+CommandOutput runRevert(const CommandCall& call) {
+    return call.arguments.has("--commit") ? runRevertOfCommit(call) : RevertTask(call).run();
+}
 
 }  // namespace
 
@@ -142,18 +157,20 @@ constinit const Command removeCommand{
 constinit const Command revertCommand{
     .name = "revert",
     .group = changeGroup,
-    .summary = "Discard changes of files",
+    .summary = "Discard changes of files, or revert a commit",
     .details =
         "Restores what was staged last, or the latest commit if nothing is staged:\n"
         "changes that are not staged are lost. Staged changes and files in conflict are\n"
-        "left alone.\n"
+        "left alone. 'nebsc discard' asks for --force first. With --commit, does what\n"
+        "'git revert' does: commits the opposite of a commit, and stops at conflicts.\n"
         "\n"
         "Examples:\n"
         "  nebsc revert src/main.c    discard the changes of a file\n"
-        "  nebsc revert .             discard the changes in the current folder and below\n",
+        "  nebsc revert .             discard the changes in the current folder and below\n"
+        "  nebsc revert --commit HEAD~1    undo a commit by another one\n",
     .parameters = revertParameters,
     .activity = "Reverting",
-    .run = runTask<RevertTask>,
+    .run = runRevert,
 };
 
 }  // namespace neb::nebsc

@@ -54,12 +54,12 @@ std::optional<PushLine> pushLineOf(std::string_view line) {
 void setIDs(NEBDictionary& record, const Data& output, std::string_view summary) {
     const std::string_view range = summary.substr(0, summary.find(' '));
     const std::size_t dots = range.find("..");
-    if (dots == std::string_view::npos) {
+    const std::size_t second = range.find_first_not_of('.', dots);
+    if (dots == 0 || dots == std::string_view::npos || second == std::string_view::npos) {
         return;
     }
     gitSetText(record, NEBSourceControlOperationOldObjectIDKey, output, range.substr(0, dots));
-    gitSetText(record, NEBSourceControlOperationNewObjectIDKey, output,
-               range.substr(range.find_first_not_of('.', dots)));
+    gitSetText(record, NEBSourceControlOperationNewObjectIDKey, output, range.substr(second));
 }
 
 /// Returns the text in parentheses at the end; otherwise the whole summary, "[remote failure]".

@@ -56,6 +56,18 @@ protected:
     TemporaryFolder folder;
 };
 
+TEST_F(Publish, ParserLeavesOutIncompleteIds) {
+    for (const char* summary : {"..", "...", "a..", "..b", "a", ""}) {
+        const auto records = recordsOf<GitPublishTestParser>(
+            requestFor(NEBSourceControlRequestPublish, "/w"),
+            std::string(" \tmain:refs/heads/main\t") + summary + "\n");
+        EXPECT_EQ(records,
+                  NEBSourceControlResult({{{NEBSourceControlOperationNameKey, "refs/heads/main"},
+                                           {NEBSourceControlOperationSourceKey, "main"},
+                                           {NEBSourceControlOperationStateKey, "updated"}}}));
+    }
+}
+
 TEST_F(Publish, ParserReadsEveryLine) {
     const std::string old(40, 'a');
     const std::string next(40, 'b');

@@ -25,7 +25,10 @@ SMALL = [
     ("blame", ["blame", "dir0/a0"], ["blame", "dir0/a0"]),
     ("diff v1", ["diff", "v1"], ["diff", "v1"]),
 ]
-LARGE = [("status", ["status"], ["status", "--porcelain", "-z"])]
+LARGE = [
+    ("status --short", ["status", "--short"], ["status", "--porcelain", "-z"]),
+    ("status", ["status"], ["status", "--porcelain=v2", "-z", "--branch", "--show-stash"]),
+]
 
 
 def git(folder, *arguments):

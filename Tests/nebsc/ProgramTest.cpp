@@ -15,7 +15,7 @@ TEST(Program, ColoursDependOnOptionTerminalAndEnvironment) {
         [&](const char* colours, NebscOutput output,
             std::vector<std::pair<std::string, std::optional<std::string>>> more = {}) {
             more.emplace_back("TERM", "xterm");
-            return runNebsc({"status", std::string("--color=") + colours},
+            return runNebsc({"status", "--short", std::string("--color=") + colours},
                             {.folder = repository.path(), .variables = more, .output = output})
                 .output;
         };

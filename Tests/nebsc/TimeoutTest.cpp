@@ -113,7 +113,7 @@ TEST(Timeout, DoesNotDisturbWhatIsFaster) {
     const TestRepository repository;
     repository.write("a", "a");
     const NebscOutcome outcome =
-        runNebsc({"status", "--timeout", "1000"}, {.folder = repository.path()});
+        runNebsc({"status", "--short", "--timeout", "1000"}, {.folder = repository.path()});
     EXPECT_EQ(outcome.output, "untracked  a\n");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 0);

@@ -50,9 +50,9 @@ TEST(Walkthrough, AFolderGoesFromInitToInfo) {
     EXPECT_EQ(run({"cp", "extra.c", "src/more.c"}), "");
     EXPECT_EQ(run({"rm", "extra.c"}), "");
     const std::string status = run({"status"});
-    EXPECT_THAT(status, HasSubstr("renamed    hello.c -> src/hello.c\n"));
+    EXPECT_THAT(status, HasSubstr("  renamed       hello.c -> src/hello.c\n"));
     EXPECT_THAT(run({"commit", "-m", "Move it all to src"}), committed);
-    EXPECT_EQ(run({"status"}), "No changes in the working copy 'demo'.\n");
+    EXPECT_EQ(run({"status"}), "On branch main\n\nNo changes in the working copy 'demo'.\n");
 
     folder.write("demo/src/more.c", "oops\n");
     EXPECT_EQ(run({"revert", "src/more.c"}), "");

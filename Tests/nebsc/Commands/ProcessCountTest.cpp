@@ -45,6 +45,7 @@ TEST_F(ProcessCount, IsTwoForACommandThatReads) {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"status"},
              {"status", "src"},
+             {"status", "--short"},
              {"log", "-n", "20"},
              {"log", "v1"},
              {"log", "src"},

@@ -22,9 +22,9 @@ protected:
         const StandInGit git(repository.path(),
                              "printf 'A  a\\0 M b\\0 D c\\0R  d\\0x\\0UU e\\0?? f\\0X  g\\0'");
         variables.push_back(git.path());
-        return runNebsc({"status"}, {.folder = repository.path(),
-                                     .variables = std::move(variables),
-                                     .output = NebscOutput::terminal})
+        return runNebsc({"status", "--short"}, {.folder = repository.path(),
+                                                .variables = std::move(variables),
+                                                .output = NebscOutput::terminal})
             .output;
     }
 
@@ -54,9 +54,9 @@ TEST_F(StatusColours, CanBeSwitchedOff) {
 }
 
 TEST_F(StatusColours, AreNotUsedElsewhere) {
-    const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(),
-                              .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}});
+    const NebscOutcome outcome = runNebsc(
+        {"status", "--short"}, {.folder = repository.path(),
+                                .variables = {{"TERM", "xterm"}, {"NO_COLOR", std::nullopt}}});
     EXPECT_THAT(outcome.output, HasSubstr("modified   changed.c\n"));
     EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
 }

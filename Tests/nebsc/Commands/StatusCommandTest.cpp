@@ -1,4 +1,4 @@
-// `nebsc status`, run as a program.
+// `nebsc status --short`, run as a program; StateCommandTest.cpp has the other forms.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -34,7 +34,7 @@ protected:
 
     [[nodiscard]] NebscOutcome status(std::vector<std::string> arguments,
                                       const std::string& folder = "") const {
-        arguments.insert(arguments.begin(), "status");
+        arguments.insert(arguments.begin(), {"status", "--short"});
         return runNebsc(arguments, {.folder = repository.path(folder)});
     }
 
@@ -84,7 +84,7 @@ TEST_F(StatusCommand, TheTopStandsForTheWholeWorkingCopy) {
 TEST_F(StatusCommand, ShowsAbsolutePathsInAnotherWorkingCopy) {
     const TemporaryFolder elsewhere;
     const NebscOutcome outcome =
-        runNebsc({"status", repository.path("src")}, {.folder = elsewhere.path()});
+        runNebsc({"status", "--short", repository.path("src")}, {.folder = elsewhere.path()});
     EXPECT_EQ(outcome.output, "modified   " + repository.path("src/deep.c") + "\nuntracked  " +
                                   repository.path("src/new/") + "\n");
 }
@@ -216,7 +216,7 @@ TEST_F(StatusCommand, ReportsAnUnreadableFolderBesideTheChanges) {
                          "printf ' M a.c\\0'; echo \"warning: could not open directory 'p/': "
                          "Permission denied\" >&2");
     const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+        runNebsc({"status", "--short"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
     EXPECT_THAT(outcome.errors, HasSubstr("'p/'"));
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -262,7 +262,7 @@ TEST_F(StatusCommand, EscapesControlCharactersInTheOutputOfGit) {
     const StandInGit git(repository.path(),
                          R"(printf ' M a\033[31m\177.c\0?? b\302\233\344.c\0!! no\0X  odd.c\0')");
     const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+        runNebsc({"status", "--short"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output,
               "modified   a\\x1b[31m\\x7f.c\n"
               "untracked  b\\u009b\\xe4.c\n"
@@ -288,7 +288,7 @@ TEST_F(StatusCommand, ASymbolicLinkBelongsToItsWorkingCopy) {
 TEST_F(StatusCommand, FollowsASymbolicLinkFromOutsideTheWorkingCopy) {
     const TemporaryFolder elsewhere;
     fs::create_symlink(repository.path("src"), elsewhere.path("link"));
-    EXPECT_EQ(runNebsc({"status", "link"}, {.folder = elsewhere.path()}).output,
+    EXPECT_EQ(runNebsc({"status", "--short", "link"}, {.folder = elsewhere.path()}).output,
               "modified   " + repository.path("src/deep.c") + "\nuntracked  " +
                   repository.path("src/new/") + "\n");
 }
@@ -325,7 +325,7 @@ TEST_F(StatusCommand, ShowsRecordsBesideAnError) {
     const StandInGit git(repository.path(),
                          "printf ' M a.c\\0'; echo 'fatal: half done' >&2; exit 128");
     const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+        runNebsc({"status", "--short"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
     EXPECT_EQ(outcome.errors, "nebsc: half done\n");
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -334,7 +334,7 @@ TEST_F(StatusCommand, ShowsRecordsBesideAnError) {
 TEST_F(StatusCommand, ASilentGitFailureIsNotReportedAsNoChanges) {
     const StandInGit git(repository.path(), "exit 3");
     const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+        runNebsc({"status", "--short"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "nebsc: git exited with status 3 and printed nothing\n");
     EXPECT_EQ(outcome.exitStatus, 1);
@@ -345,7 +345,7 @@ TEST_F(StatusCommand, ReportsThatAnotherProcessHeldTheOutput) {
     const StandInGit git(repository.path(),
                          "sleep 600 & echo $! > '" + folder.path("pid") + "'; printf ' M a.c\\0'");
     const NebscOutcome outcome =
-        runNebsc({"status"}, {.folder = repository.path(), .variables = {git.path()}});
+        runNebsc({"status", "--short"}, {.folder = repository.path(), .variables = {git.path()}});
     EXPECT_EQ(outcome.output, "modified   a.c\n");
     EXPECT_THAT(outcome.errors, HasSubstr("still held its output open"));
     EXPECT_EQ(outcome.exitStatus, 0);
@@ -365,7 +365,8 @@ TEST_F(StatusCommand, FindsAWorkTreeThatIsNotAroundItsRepository) {
     fs::create_directory(repository.path("src"));
     repository.git({"config", "core.worktree", "../src"});
     repository.write("src/new.c", "");
-    const NebscOutcome outcome = runNebsc({"status"}, {.folder = repository.path("src")});
+    const NebscOutcome outcome =
+        runNebsc({"status", "--short"}, {.folder = repository.path("src")});
     EXPECT_THAT(outcome.output, HasSubstr("untracked  new.c\n"));
     EXPECT_EQ(outcome.errors, "");
 }

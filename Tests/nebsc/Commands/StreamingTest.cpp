@@ -83,7 +83,7 @@ struct ListedRecord {
 };
 
 const std::vector<ListedRecord> listedRecords{
-    {{"status"}, "status", "printf 'M  %s\\000' $1", "modified   "},
+    {{"status", "--short"}, "status", "printf 'M  %s\\000' $1", "modified   "},
     {{"ls"}, "ls-tree", "printf '100644 blob 01234567\\t%s\\000' $1", ""},
     {{"diff", "--name-status"}, "diff", "printf 'M\\000%s\\000' $1", "modified   "},
     {{"diff"}, "diff", "printf '+%s\\n' $1", "+"},

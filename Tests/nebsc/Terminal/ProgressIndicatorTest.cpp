@@ -23,7 +23,7 @@ protected:
 
 TEST_F(ProgressIndicatorTest, ShowsTheSecondsAndErasesTheLine) {
     Nebsc program(
-        {"status"},
+        {"status", "--short"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
     EXPECT_EQ(program.awaitErrors("1 s"), "\rReading … 1 s");
     EXPECT_EQ(program.awaitErrors("2 s"), "\rReading … 2 s");
@@ -41,7 +41,7 @@ TEST_F(ProgressIndicatorTest, ShowsTheReceivedBytes) {
                                                 folder.path("go on") +
                                                 "' ]; do sleep 0.01; done; printf '\\0'");
     Nebsc program(
-        {"status"},
+        {"status", "--short"},
         {.folder = folder.path(), .variables = {writing.path()}, .hasTerminalForErrors = true});
     EXPECT_EQ(program.awaitErrors("bytes"), "\rReading … 1 s, 6 bytes");
     folder.write("go on", "");
@@ -85,7 +85,7 @@ TEST(ProgressIndicatorSize, HasASuitableUnit) {
 
 TEST_F(ProgressIndicatorTest, ErasesTheLineBeforeAnErrorMessage) {
     Nebsc program(
-        {"status"},
+        {"status", "--short"},
         {.folder = folder.path(), .variables = {git.path()}, .hasTerminalForErrors = true});
     EXPECT_EQ(program.awaitErrors("1 s"), "\rReading … 1 s");
     program.send(SIGINT);

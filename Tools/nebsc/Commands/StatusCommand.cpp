@@ -2,7 +2,9 @@
 #include <memory>
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/StateText.h"
 #include "CommandFrame/StatusQuery.h"
+#include "CommandFrame/UnfinishedWork.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -31,14 +33,29 @@ public:
 
 protected:
     WorkingCopyLocation locate() override;
-    bool canRunBesideLocate() const override { return paths("PATH").empty(); }
+    bool canRunBesideLocate() const override {
+        return paths("PATH").empty() &&
+               !(arguments().has("--short") && arguments().has("--ignored"));
+    }
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
+    /// Returns whether to show the whole state of the working copy, not only a line per path.
+    [[nodiscard]] bool isState() const {
+        return isJSON() ? arguments().has("--ignored") : !arguments().has("--short");
+    }
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStatusRequest() const;
+    [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStateRequest() const;
     [[nodiscard]] std::string lineOf(const StatusEntry& entry) const;
+    [[nodiscard]] std::string repositoryFolder() const;
+    /// Returns what is in progress, and how to go on.
+    [[nodiscard]] std::string unfinishedWork();
+    [[nodiscard]] std::string stepText();
+    [[nodiscard]] bool hasChanges(const Outcome& outcome) const;
 
     /// Absolute; absent for the whole working copy.
     std::optional<std::string> _path;
@@ -69,7 +86,18 @@ WorkingCopyLocation StatusTask::locate() {
     return found;
 }
 
+std::optional<CommandOutput> StatusTask::validate() {
+    if (arguments().has("--short") && arguments().has("--ignored")) {
+        throw invalidArguments("option '--short' cannot be combined with '--ignored'");
+    }
+    return std::nullopt;
+}
+
 std::shared_ptr<NEBSourceControlRequest> StatusTask::makeRequest() {
+    return isState() ? makeStateRequest() : makeStatusRequest();
+}
+
+std::shared_ptr<NEBSourceControlRequest> StatusTask::makeStatusRequest() const {
     auto request = newRequest(NEBSourceControlRequestStatus);
     if (_path) {
         request->destination = *_path;
@@ -77,16 +105,33 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::makeRequest() {
     return request;
 }
 
-/// The query has more details than the request, and --all has no equivalent in a request. With
+std::shared_ptr<NEBSourceControlRequest> StatusTask::makeStateRequest() const {
+    auto request =
+        newRequest(NEBSourceControlRequestWorkingCopyState,
+                   _path ? std::vector<std::string>{*_path} : std::vector<std::string>{});
+    NEBDictionary options;
+    if (arguments().has("--all")) {
+        options.set(NEBSourceControlRequestOptionUntrackedFiles, "all");
+    }
+    if (arguments().has("--ignored")) {
+        options.set(NEBSourceControlRequestOptionIgnoredFiles, true);
+    }
+    request->setOptions(std::move(options));
+    return request;
+}
+
+/// The query has more details than the status request, and --all has no equivalent in one. With
 /// --json alone, the output is the request's own.
 RequestResult StatusTask::perform() {
     const bool isAll = arguments().has("--all");
-    if (isJSON() && !isAll) {
+    if (isState() || (isJSON() && !isAll)) {
         return performRequest(makeRequest());
     }
     _query = std::make_shared<StatusQuery>(makeRequest(), isAll);
     return performStreamed(*_query);
 }
+
+// ---- text -------------------------------------------------------------------------------------
 
 std::string StatusTask::lineOf(const StatusEntry& entry) const {
     const std::string_view kind = conflictKind(entry.index, entry.workTree);
@@ -103,7 +148,41 @@ std::string StatusTask::lineOf(const StatusEntry& entry) const {
     return line + "\n";
 }
 
-std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) {
+/// The folder of the repository is usually in the working copy, so that git need not be asked.
+std::string StatusTask::repositoryFolder() const {
+    const std::string usual = pathByAppendingComponent(workingCopy().location, ".git");
+    return isFolderItself(usual) ? usual
+                                 : git().outputOf({"rev-parse", "--absolute-git-dir"}).value_or("");
+}
+
+/// Only a rebase has steps, so that nothing more is asked about other operations.
+std::string StatusTask::unfinishedWork() {
+    std::string lines;
+    for (const UnfinishedWork& work : unfinishedWorkIn(repositoryFolder())) {
+        lines.append("\nUnfinished: ").append(work.work).append(work.hasSteps ? stepText() : "");
+        lines.append("\n  ").append(work.advice).append("\n");
+    }
+    return lines;
+}
+
+std::string StatusTask::stepText() {
+    const RequestResult unfinished =
+        performRequest(newRequest(NEBSourceControlRequestUnfinishedOperation));
+    const auto& records = unfinished.outcome->result;
+    if (unfinished.outcome->error || !records || records->empty()) {
+        return {};
+    }
+    const NEBDictionary& record = records->front();
+    const auto step = record.value(NEBSourceControlOperationStepKey).integer();
+    const auto count = record.value(NEBSourceControlOperationStepCountKey).integer();
+    return step && count ? ", step " + std::to_string(*step) + " of " + std::to_string(*count) : "";
+}
+
+std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
+    if (isState() && !isJSON()) {
+        return branchLine(records) + unfinishedWork() +
+               changeLists(records, workingCopy(), isInColour());
+    }
     std::string lines;
     if (_query) {
         for (const StatusEntry& entry : _query->takeEntries()) {
@@ -113,9 +192,14 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& /*records*/) 
     return lines;
 }
 
+/// The first record of a state is not about a change.
+bool StatusTask::hasChanges(const Outcome& outcome) const {
+    return outcome.result && outcome.result->size() > (isState() ? 1U : 0U);
+}
+
 /// Reports that there are no changes.
 void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (outcome.recordCount.value_or(0) > 0 || (outcome.result && !outcome.result->empty())) {
+    if (outcome.recordCount.value_or(0) > 0 || hasChanges(outcome)) {
         return;
     }
     const std::string name = inQuotes(lastPathComponent(workingCopy().location));
@@ -127,14 +211,17 @@ void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
             exitFailed, NEBSourceControlPathUnknownErrorClass);
         return;
     }
-    output.standardOutput =
-        "No changes in " + printable(_path ? typed : "the working copy " + name) + ".\n";
+    output.standardOutput += std::string(output.standardOutput.empty() ? "" : "\n") +
+                             "No changes in " +
+                             printable(_path ? typed : "the working copy " + name) + ".\n";
 }
 
 constexpr Parameter parameters[] = {
     {"PATH", "A file or folder, which may be deleted; default: the whole working copy",
      Takes::path},
     {"--all", "Show each file of an untracked folder instead of the folder"},
+    {"--ignored", "Show ignored files too"},
+    {"--short", "Show only a line for each path"},
 };
 
 }  // namespace
@@ -142,14 +229,17 @@ constexpr Parameter parameters[] = {
 constinit const Command statusCommand{
     .name = "status",
     .group = inspectGroup,
-    .summary = "Show the changed files of a working copy",
+    .summary = "Show the branch and the changed files of a working copy",
     .details =
-        "For a file in conflict, shows what the current branch (us) and the other branch\n"
-        "(them) did to it.\n"
+        "Shows the branch and its distance from the upstream, an operation in progress\n"
+        "and how to go on, and the files: in conflict, with changes for the next commit\n"
+        "(staged), with other changes, and untracked. For a file in conflict, shows what\n"
+        "the current branch (us) and the other branch (them) did to it.\n"
         "\n"
         "Examples:\n"
         "  nebsc status               the working copy around the current folder\n"
         "  nebsc status src/main.c    one file or folder\n"
+        "  nebsc status --short       a line for each path\n"
         "  nebsc status --all         each file of untracked folders\n"
         "  nebsc status --json        for a program to read\n",
     .parameters = parameters,

@@ -1,7 +1,7 @@
 #include <filesystem>
 
+#include "CommandFrame/UnfinishedWork.h"
 #include "Doctor/Checks.h"
-#include "Doctor/UnfinishedWork.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"

@@ -13,6 +13,8 @@ struct UnfinishedWork {
     std::string_view work;
     /// How to resume it and how to cancel it: a sentence.
     std::string_view advice;
+    /// Whether it consists of steps, of which request type 1010 knows the number.
+    bool hasSteps = false;
 };
 
 /// Returns the operations in progress, usually none. `gitFolder` is the ".git" folder of the

@@ -1,4 +1,4 @@
-#include "Doctor/UnfinishedWork.h"
+#include "CommandFrame/UnfinishedWork.h"
 
 #include <array>
 
@@ -16,16 +16,15 @@ struct Row {
 
 /// The files that git keeps in the repository's folder while an operation is in progress.
 constexpr std::array<Row, 7> rows{{
-    {"rebase-merge",
-     {"a rebase", "'git rebase --continue' resumes it, 'git rebase --abort' cancels it."}},
+    {"rebase-merge", {"a rebase", "'nebsc continue' resumes it, 'nebsc abort' cancels it.", true}},
     {"rebase-apply/rebasing",
-     {"a rebase", "'git rebase --continue' resumes it, 'git rebase --abort' cancels it."}},
+     {"a rebase", "'nebsc continue' resumes it, 'nebsc abort' cancels it.", true}},
     {"rebase-apply/applying",
-     {"git am", "'git am --continue' resumes it, 'git am --abort' cancels it."}},
-    {"MERGE_HEAD", {"a merge", "'nebsc commit' completes it, 'git merge --abort' cancels it."}},
+     {"git am", "'git am --continue' resumes it, 'git am --abort' cancels it.", true}},
+    {"MERGE_HEAD", {"a merge", "'nebsc commit' completes it, 'nebsc abort' cancels it."}},
     {"CHERRY_PICK_HEAD",
-     {"a cherry-pick", "'git cherry-pick --continue' resumes it, --abort cancels it."}},
-    {"REVERT_HEAD", {"a revert", "'git revert --continue' resumes it, --abort cancels it."}},
+     {"a cherry-pick", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
+    {"REVERT_HEAD", {"a revert", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
     {"BISECT_LOG", {"a bisection", "'git bisect reset' ends it."}},
 }};
 

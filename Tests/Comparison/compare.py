@@ -4,9 +4,12 @@
 Usage: compare.py NEBSC REPOSITORY [FILES]
 
 Log (every commit of HEAD's history, with its files), blame (every line), diff (text, and names with
-states), listing (every folder) and export (every byte and the mode): blame, diff and export of
-FILES files, 200 unless given, spread evenly over the tree. Ends with status 1 where anything differs.
+states), listing (every folder) and export (every byte and the mode); then history (every commit with
+its parents and references), references, annotation (every line) and tree (every entry). Blame, diff,
+export and annotation of FILES files, 200 unless given, spread evenly over the tree. Ends with status 1
+where anything differs.
 """
+import base64
 import datetime
 import json
 import os
@@ -234,6 +237,192 @@ def compare_export(paths):
     comparison.end("answers")
 
 
+# ---- the types from 1000 on ----------------------------------------------------------------------
+
+def is_text(printed):
+    try:
+        printed.decode()
+        return True
+    except UnicodeDecodeError:
+        return False
+
+
+def in_base64(printed):
+    return {"base64": base64.b64encode(printed).decode()}
+
+
+def name(field, printed):
+    """The members of a name: its text, and its bytes where they are not UTF-8."""
+    members = record(**{field: printed.decode(errors="replace")})
+    return members if is_text(printed) else members | record(**{field + "Bytes": in_base64(printed)})
+
+
+def minutes(zone):
+    """A time zone, "-0230", in minutes."""
+    return (-1 if zone[0] == "-" else 1) * (int(zone[1:3]) * 60 + int(zone[3:5]))
+
+
+def identities(lines):
+    """Name and address of each "NAME <ADDRESS>", as .mailmap maps them."""
+    mapped = git("check-mailmap", "--stdin", stdin=b"".join(line + b"\n" for line in lines))
+    return [re.fullmatch(r"(.*?) ?<(.*)>", line.decode(errors="replace")).groups()
+            for line in mapped.split(b"\n")[:-1]]
+
+
+def message_parts(text):
+    """Subject and body: the first paragraph on one line, and what follows it."""
+    text = re.sub(r"\A(\s*\n)+", "", text)
+    first, *rest = re.split(r"\n[ \t\r\f\v]*\n", text, maxsplit=1)
+    subject = " ".join(line.rstrip() for line in first.rstrip("\n").split("\n"))
+    return subject, rest[0].strip("\n") if rest else ""
+
+
+def references_by_commit():
+    """The full names of all references to each object."""
+    names = {}
+    for line in git("for-each-ref", "--format=%(objectname) %(*objectname) %(refname)").split(b"\n")[:-1]:
+        own, peeled, full = line.split(b" ", 2)
+        names.setdefault((peeled or own).decode(), []).append(full)
+    return names
+
+
+def without_absent(members):
+    return {key: value for key, value in members.items() if value not in ("", None, [])}
+
+
+def person_members(role, identity, time):
+    """The members of an author or committer."""
+    seconds, zone = time.split()
+    return record(**{role: identity[0], role + "Email": identity[1], role + "Time": int(seconds),
+                     role + "TimeOffset": minutes(zone)})
+
+
+def commit_people():
+    """Of each commit its raw text, and the identities and times of author and committer."""
+    raw = list(commits())
+    lines = {}
+    for role in (b"author", b"committer"):
+        lines[role] = [re.search(rb"^%s (.*>) (-?\d+ [-+]\d{4})" % role, text, re.M) for _, text in raw]
+    people = {role: identities([line[1] for line in found]) for role, found in lines.items()}
+    for i, (commit, text) in enumerate(raw):
+        yield commit, text, {role.decode().capitalize(): (people[role][i], lines[role][i][2].decode())
+                             for role in lines}
+
+
+def compare_history():
+    comparison = Comparison("history")
+    parents = {line.split()[0]: line.split()[1:]
+               for line in git("rev-list", "--parents", "HEAD").decode().split("\n")[:-1]}
+    references = references_by_commit()
+    head = git("rev-parse", "HEAD").decode().strip()
+    expected = []
+    for commit, text, people in commit_people():
+        encoding = re.search(rb"^encoding (\S+)$", text[:text.index(b"\n\n")], re.M)
+        message = text[text.index(b"\n\n") + 2:].decode(
+            encoding[1].decode() if encoding else "utf-8", errors="replace")
+        subject, body = message_parts(message)
+        members = record(ObjectID=commit, Parents=parents[commit], Subject=subject, Body=body)
+        for role, (identity, time) in people.items():
+            members |= person_members(role, identity, time)
+        members |= record(References=sorted(
+            (full.decode() if is_text(full) else in_base64(full) for full in references.get(commit, [])),
+            key=str), IsHEAD=True if commit == head else None)
+        expected.append(without_absent(members))
+    answered = request(1001)
+    comparison.check("count", len(answered), len(expected))
+    for answer, entry in zip(answered, expected):
+        if KEY % "References" in answer:
+            answer[KEY % "References"].sort(key=str)
+        answer.pop(KEY % "IsGrafted", None)
+        comparison.check(entry[KEY % "ObjectID"], answer, entry)
+    comparison.end("commits")
+
+
+def compare_references():
+    comparison = Comparison("refs")
+    peeled, names = {}, []
+    for line in git("show-ref", "--dereference").split(b"\n")[:-1]:
+        own, full = line.split(b" ", 1)
+        if full.endswith(b"^{}"):
+            peeled[full[:-3]] = own.decode()
+        elif full.startswith((b"refs/heads/", b"refs/remotes/", b"refs/tags/")):
+            names.append((full, own.decode()))
+    types = git("cat-file", "--batch-check=%(objecttype)",
+                stdin="".join(own + "\n" for _, own in names).encode()).decode().split()
+    answered = request(1008)
+    comparison.check("count", len(answered), len(names))
+    for answer, (full, own), kind in zip(answered, names, types):
+        members = name("Name", full) | record(ObjectID=own, ObjectType=kind)
+        if full in peeled:
+            members |= record(PeeledID=peeled[full])
+        comparison.check(full, {key: answer.get(key) for key in members}, members)
+        if KEY % "Ahead" in answer:
+            upstream = answer[KEY % "Upstream"]
+            counts = git("rev-list", "--left-right", "--count", f"{full.decode()}...{upstream}").split()
+            comparison.check(full, [answer[KEY % "Ahead"], answer[KEY % "Behind"]],
+                             [int(count) for count in counts])
+    comparison.end("references")
+
+
+def annotated_lines(path):
+    """Commit, number in it, number, person, time and bytes of each line of a file."""
+    fields = {}
+    for line in git("blame", "--line-porcelain", "HEAD", "--", path).split(b"\n"):
+        head = re.match(rb"([0-9a-f]{40,64}) (\d+) (\d+)", line)
+        if head:
+            fields = {"ids": (head[1].decode(), int(head[2]), int(head[3]))}
+        elif line.startswith(b"\t"):
+            yield (*fields["ids"], fields[b"author"].decode(errors="replace"),
+                   int(fields[b"author-time"]), fields[b"summary"].decode(errors="replace"), line[1:])
+        elif line:
+            key, _, value = line.partition(b" ")
+            fields[key] = value
+
+
+def line_bytes(line):
+    return base64.b64decode(line["base64"]) if isinstance(line, dict) else line.encode()
+
+
+def compare_annotation(paths):
+    comparison = Comparison("annotate")
+    for path in paths:
+        answered = []
+        for group in request(1003, startingRevision="HEAD", files=[path]):
+            for i, line in enumerate(group.get(KEY % "Lines", [])):
+                answered.append((group[KEY % "ObjectID"], group[KEY % "OriginalLine"] + i,
+                                 group[KEY % "FirstLine"] + i, group.get(KEY % "Author", ""),
+                                 group[KEY % "AuthorTime"], group.get(KEY % "Subject", ""),
+                                 line_bytes(line)))
+        expected = list(annotated_lines(path))
+        comparison.check(path, len(answered), len(expected))
+        for answer, line in zip(answered, expected):
+            comparison.check(path, answer, line)
+    comparison.end("lines")
+
+
+def compare_tree():
+    comparison = Comparison("tree")
+    kinds = {"100755": "executable", "120000": "symbolic link", "040000": "folder", "160000": "submodule"}
+    entries = [re.fullmatch(rb"(\d+) (\w+) ([0-9a-f]+)\t(.*)", entry, re.S)
+               for entry in git("ls-tree", "-r", "-t", "-z", "--full-tree", "HEAD").split(b"\0")[:-1]]
+    blobs = b"".join(entry[3] + b"\n" for entry in entries if entry[2] == b"blob")
+    sizes = iter(git("cat-file", "--batch-check=%(objectsize)", stdin=blobs).split())
+    expected = []
+    for entry in entries:
+        mode = entry[1].decode()
+        members = record(Kind=kinds.get(mode, "file"), Mode=mode, ObjectID=entry[3].decode())
+        members |= name("Name", entry[4].rsplit(b"/", 1)[-1]) | name("Path", entry[4])
+        if entry[2] == b"blob":
+            members |= record(Size=int(next(sizes)))
+        expected.append(members)
+    answered = request(1019, startingRevision="HEAD",
+                       options={"NEBSourceControlRequestOptionRecursive": True})
+    comparison.check("count", len(answered), len(expected))
+    for answer, entry in zip(answered, expected):
+        comparison.check(entry[KEY % "Path"], answer, entry)
+    comparison.end("entries")
+
+
 def main():
     entries = [entry.split("\t") for entry in tree_entries("-rz", "HEAD")]
     paths = [path for kind, path in entries if kind.startswith("100")]
@@ -243,6 +432,10 @@ def main():
     compare_diff(some)
     compare_listing([path for _, path in entries])
     compare_export(some)
+    compare_history()
+    compare_references()
+    compare_annotation(some)
+    compare_tree()
     sys.exit(1 if Comparison.differing else 0)
 
 

@@ -193,7 +193,7 @@ TEST_F(CompletionScripts, CompleteInZsh) {
                           share,
                           "nebsc chec",
                           "nebsc branch cre",
-                          "nebsc log --fi",
+                          "nebsc log --fil",
                           "nebsc checkout we",
                           "nebsc checkout 'we",
                           "nebsc checkout it",

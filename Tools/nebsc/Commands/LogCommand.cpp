@@ -245,15 +245,16 @@ std::string LogTask::lineOf(const LogEntry& entry, std::size_t columnsBefore) {
     const std::string id = entry.id.substr(0, shownIdLength);
     const std::string middle =
         "  " + (entry.date ? localMinute(*entry.date) : "") + "  " + author + "  ";
-    CommitStyle plain = _style;
-    plain.isColoured = false;
-    const std::size_t columns =
-        columnsBefore + columnsOf(printable(id) + middle) + columnsOf(decorationOf(entry, plain));
-    std::string decoration = decorationOf(entry, _style);
-    decoration += decoration.empty() ? "" : " ";
-    const std::string line =
-        shownId(id, _style) + middle + decoration +
-        fitting(STDOUT_FILENO, columns + (decoration.empty() ? 0 : 1), subjectOf(entry.message));
+    CommitStyle plainStyle = _style;
+    plainStyle.isColoured = false;
+    const std::string plain = decorationOf(entry, plainStyle);
+    const std::string subject = subjectOf(entry.message);
+    std::string rest = fitting(STDOUT_FILENO, columnsBefore + columnsOf(printable(id) + middle),
+                               plain.empty() ? subject : plain + " " + subject);
+    if (rest.starts_with(plain)) {  // not truncated within
+        rest.replace(0, plain.size(), decorationOf(entry, _style));
+    }
+    const std::string line = shownId(id, _style) + middle + rest;
     return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 

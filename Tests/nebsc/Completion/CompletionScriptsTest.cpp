@@ -77,7 +77,8 @@ protected:
 TEST_F(BashCompletion, CompletesCommandsAndOptions) {
     EXPECT_EQ(complete("nebsc chec", {"nebsc", "chec"}), "<checkout>");
     EXPECT_EQ(complete("nebsc  branch  tr", {"nebsc", "branch", "tr"}), "<track><tracking>");
-    EXPECT_EQ(complete("nebsc log --f", {"nebsc", "log", "--f"}), "<--files><--full>");
+    EXPECT_EQ(complete("nebsc log --f", {"nebsc", "log", "--f"}),
+              "<--files><--full><--first-parent><--follow>");
 }
 
 TEST_F(BashCompletion, QuotesNames) {

@@ -79,7 +79,13 @@ TEST_F(ShowCommand, JSONHasTheCommitAndItsFiles) {
     EXPECT_EQ(json["type"], 1001);
     ASSERT_EQ(json["result"].size(), 1U);
     EXPECT_EQ(json["result"][0]["NEBSourceControlOperationChangesKey"].size(), 2U);
-    expectFailed(nebsc({"show", "--json", "HEAD", "b.c"}), HasSubstr("'--json'"), 2);
+    const auto one = nebsc({"show", "--json", "HEAD", "b.c"}).json()["result"][0];
+    ASSERT_EQ(one["NEBSourceControlOperationChangesKey"].size(), 1U);
+    EXPECT_EQ(one["NEBSourceControlOperationChangesKey"][0]["NEBSourceControlOperationPathKey"],
+              "b.c");
+    const auto none = nebsc({"show", "--json", "HEAD~1", "--", "b.c"}).json()["result"][0];
+    EXPECT_EQ(none["NEBSourceControlOperationObjectIDKey"], id("HEAD~1"));
+    EXPECT_EQ(none["NEBSourceControlOperationChangesKey"].size(), 0U);
 }
 
 TEST_F(ShowCommand, WorksInABareRepository) {

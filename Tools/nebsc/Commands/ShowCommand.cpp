@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "CommandFrame/DiffQueries.h"
 #include "CommandFrame/LogEntry.h"
 #include "CommandFrame/ObjectName.h"
+#include "CommandFrame/RecordNames.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -36,6 +38,8 @@ protected:
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
+    /// Removes the files that the arguments do not name.
+    void keepNamedFiles(NEBDictionary& commit) const;
     [[nodiscard]] std::string takeHeader(bool hasPatch);
 
     RevisionArguments _named;
@@ -58,9 +62,6 @@ std::optional<CommandOutput> ShowTask::validate() {
     if (_named.refused) {
         return _named.refused;
     }
-    if (isJSON() && !_named.files.empty()) {
-        throw invalidArguments("option '--json' cannot be combined with a file");
-    }
     return _named.revisions.empty() ? refusalWithoutCommits(git()) : std::nullopt;
 }
 
@@ -81,8 +82,12 @@ std::shared_ptr<NEBSourceControlRequest> ShowTask::makeRequest() {
 /// the record.
 RequestResult ShowTask::perform() {
     RequestResult commit = performRequest(makeRequest());
-    const auto& records = commit.outcome->result;
-    if (isJSON() || commit.outcome->error || !records || records->empty()) {
+    auto& records = commit.outcome->result;
+    if (commit.outcome->error || !records || records->empty()) {
+        return commit;
+    }
+    if (isJSON()) {
+        keepNamedFiles(records->front());
         return commit;
     }
     const LogEntry entry = entryOfHistoryRecord(records->front());
@@ -93,6 +98,29 @@ RequestResult ShowTask::perform() {
     request->startingRevision = entry.id;
     _patch = std::make_shared<CommitPatchQuery>(std::move(request));
     return performStreamed(*_patch);
+}
+
+/// A history request with files would skip commits that did not change them.
+void ShowTask::keepNamedFiles(NEBDictionary& commit) const {
+    const std::vector<NEBValue>* changes =
+        commit.value(NEBSourceControlOperationChangesKey).array();
+    if (changes == nullptr || _named.files.empty()) {
+        return;
+    }
+    const auto isNamed = [this](std::string_view path) {
+        return std::ranges::any_of(_named.files, [&](const std::string& file) {
+            const std::string top = pathFromTop(workingCopy(), file);
+            return top.empty() || path == top || path.starts_with(top + "/");
+        });
+    };
+    std::vector<NEBValue> kept;
+    for (const NEBValue& change : *changes) {
+        const NEBDictionary& file = *change.dictionary();
+        if (isNamed(bytesOfName(file, pathKeys)) || isNamed(bytesOfName(file, originalPathKeys))) {
+            kept.push_back(change);
+        }
+    }
+    commit.set(NEBSourceControlOperationChangesKey, std::move(kept));
 }
 
 std::string ShowTask::takeHeader(bool hasPatch) {

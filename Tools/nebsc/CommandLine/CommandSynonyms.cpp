@@ -13,6 +13,7 @@ constexpr CommandSynonym rows[] = {
     {"annotate", "blame"},
     {"whatchanged", "log --files"},
     {"ls-tree", "ls"},
+    {"cat-file", "cat"},
     {"checkout-index", "export-tree"},
     {"fsck", "doctor --full"},
     {"ls-remote", "remote branches"},

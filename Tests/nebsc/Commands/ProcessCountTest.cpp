@@ -79,6 +79,12 @@ TEST_F(ProcessCount, IsTwoForACommandThatReads) {
     }
 }
 
+/// The discovery, the commit, and its patch.
+TEST_F(ProcessCount, IsThreeForACommitWithItsPatch) {
+    expectProcesses(3, {"show"});
+    expectProcesses(3, {"show", "topic"});
+}
+
 /// The discovery, the settings, the fetch, how the two sides are related, and the merge.
 TEST_F(ProcessCount, OfAnUpdateIsSmall) {
     expectProcesses(5, {"update"});

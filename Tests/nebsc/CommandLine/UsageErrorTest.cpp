@@ -62,7 +62,7 @@ TEST(UsageError, NamesTheOption) {
           Row{{"log", "-n"}, "option '--limit' requires a value", " log"},
           Row{{"types", "--json=no"}, "option '--json' takes no value", " types"},
           Row{{"log", "-n", "1", "-n", "2"}, "option '--limit' can be given only once", " log"},
-          Row{{"commit"}, "option '--message' is required", " commit"},
+          Row{{"commit"}, "expected --message, or --amend, which can keep the message", " commit"},
           Row{{"status", "--color=alwys"},
               "invalid value 'alwys' for option '--color'; expected auto, always or never",
               " status"}}) {

@@ -69,6 +69,35 @@ TEST_F(CommitCommand, ReportsTheFirstCommitAndOneOnADetachedHEAD) {
               "Committed " + empty.git({"log", "-1", "--format=%H"}).substr(0, 12) + ".\n");
 }
 
+TEST_F(CommitCommand, AmendReplacesTheLatestCommit) {
+    const std::string parent = latest("%P");
+    const std::string message = latest("%B");
+    const NebscOutcome kept = nebsc({"commit", "--amend"}, "src");
+    expectDone(kept, "Amended; now at " + latest("%H").substr(0, 12) + ".\n");
+    EXPECT_EQ(latest("%P"), parent);
+    EXPECT_EQ(latest("%B"), message);
+    EXPECT_EQ(repository.git({"show", "HEAD:a.c"}), "second\n");
+    EXPECT_EQ(state(), " M \"src/b é.c\"\n");
+    expectDone(nebsc({"commit", "--amend", "-m", "Other", "src/b é.c"}),
+               "Amended; now at " + latest("%H").substr(0, 12) + ".\n");
+    EXPECT_EQ(latest("%B%P"), "Other\n" + parent);
+    EXPECT_EQ(state(), "");
+}
+
+TEST_F(CommitCommand, CommitsAllTrackedFilesForAnotherAuthor) {
+    repository.write("new", "1");
+    const NebscOutcome all =
+        nebsc({"commit", "-a", "-s", "-m", "All", "--author", "Zoë <zoe@example.org>"});
+    expectCommitted(all);
+    EXPECT_EQ(latest("%an <%ae>"), "Zoë <zoe@example.org>\n");
+    EXPECT_THAT(latest("%B"), testing::StartsWith("All\n\nSigned-off-by: "));
+    EXPECT_EQ(state(), "?? new\n");
+    expectFailed(nebsc({"commit", "-a", "-m", "x", "a.c"}), HasSubstr("either FILE or --all"), 2);
+    expectFailed(nebsc({"commit", "-m", "x", "--allow-empty", "--author", "nosuch"}),
+                 HasSubstr("nosuch"));
+    EXPECT_EQ(nebsc({"commit", "--amend", "--json"}).json()["name"], "create commit");
+}
+
 TEST_F(CommitCommand, RequiresAMessage) {
     expectFailed(nebsc({"commit"}), HasSubstr("--message"), 2);
     expectFailed(nebsc({"commit", "a.c"}), HasSubstr("--message"), 2);

@@ -45,7 +45,9 @@ TEST_F(Publishing, PushSetsTheUpstreamBranch) {
                "Nothing to push: the remote is up to date.\n"
                "The upstream branch is 'other/topic'.\n");
     const TestRepository alone;
+    expectFailed(nebsc(alone, {"pull"}), HasSubstr("'nebsc pull REMOTE BRANCH' names a branch"));
     alone.commitFile("a", "1");
+    expectFailed(nebsc(alone, {"push"}), HasSubstr("'nebsc remote add' adds a remote.\n"));
     expectFailed(nebsc(alone, {"push", "-u"}),
                  "nebsc: there is no remote to push to\n'nebsc remote add' adds one.\n");
 }
@@ -132,6 +134,15 @@ TEST_F(Publishing, PullStopsAtConflicts) {
                    "Aborted the " + std::string(strategy) + "; now at " + before + ".\n");
     }
     EXPECT_EQ(nebsc(*ben, {"pull", "--json"}).json()["error"]["class"], "conflict");
+}
+
+TEST_F(Publishing, PullTakesABranchOfTheRepositoryItself) {
+    ben->git({"checkout", "--quiet", "-b", "topic"});
+    ben->commitFile("a", "topic\n");
+    ben->git({"checkout", "--quiet", "main"});
+    ben->commitFile("b", "ben\n");
+    expectDone(nebsc(*ben, {"pull", ".", "topic"}), "Pulled by merge" + atHead(*ben));
+    EXPECT_EQ(ben->git({"show", "HEAD:a"}), "topic\n");
 }
 
 TEST_F(Publishing, PullSaysWhatIsMissing) {

@@ -363,7 +363,8 @@ TEST_F(CompleteCommand, OmitsNamesThatWouldBreakALine) {
 
 // Parameters whose values only the user knows. A comma ends each.
 constexpr std::string_view valuesOfTheUser =
-    "commit --message, stash push --message, tag create --message, tag create NAME, "
+    "commit --message, commit --author, stash push --message, tag create --message, tag create "
+    "NAME, "
     "cherry-pick --mainline, revert --mainline, log --limit, log --author, log --grep, "
     "log --content, log --since, log --until, blame --lines, clone --branch, "
     "branch create NAME, branch track NAME, remote add NAME, complete ARGUMENT, ";

@@ -28,15 +28,54 @@ public:
     using CommandTask::CommandTask;
 
 protected:
+    std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
+
+private:
+    [[nodiscard]] bool hasMessage() const { return arguments().has("--message"); }
+    [[nodiscard]] bool isAmending() const { return arguments().has("--amend"); }
 };
+
+/// A flag, and the option of the request for it. Only the newer type knows them.
+struct CommitFlag {
+    std::string_view flag;
+    NEBConstant option;
+};
+
+constexpr CommitFlag newerFlags[] = {
+    {"--amend", NEBSourceControlRequestOptionAmend},
+    {"--all", NEBSourceControlRequestOptionAll},
+    {"--signoff", NEBSourceControlRequestOptionSignOff},
+};
+
+std::optional<CommandOutput> CommitTask::validate() {
+    if (!hasMessage() && !isAmending()) {
+        throw invalidArguments("expected --message, or --amend, which can keep the message");
+    }
+    if (arguments().has("--all") && !paths("FILE").empty()) {
+        throw invalidArguments("expected either FILE or --all");
+    }
+    return std::nullopt;
+}
 
 std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
     auto request = newRequest(NEBSourceControlRequestCommit, paths("FILE"));
     request->options.emplace();
-    request->options->set(NEBSourceControlRequestOptionMessage,
-                          messageOf(arguments().all("--message")));
+    for (const CommitFlag& row : newerFlags) {
+        if (arguments().has(row.flag)) {
+            request->type = NEBSourceControlRequestCreateCommit;
+            request->options->set(row.option, true);
+        }
+    }
+    if (const auto author = arguments().value("--author")) {
+        request->type = NEBSourceControlRequestCreateCommit;
+        request->options->set(NEBSourceControlRequestOptionAuthor, *author);
+    }
+    if (hasMessage()) {
+        request->options->set(NEBSourceControlRequestOptionMessage,
+                              messageOf(arguments().all("--message")));
+    }
     if (arguments().has("--allow-empty")) {
         request->options->set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
     }
@@ -53,13 +92,19 @@ void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
                               ? std::optional(std::string(*recorded))
                               : git().headCommit();
     if (revision) {
-        output.standardOutput = "Committed " + printable(*revision) + ".\n";
+        output.standardOutput =
+            (isAmending() ? "Amended; now at " : "Committed ") + printable(*revision) + ".\n";
     }
 }
 
 constexpr Parameter parameters[] = {
     {"-m,--message", "The commit message; each further one is a new paragraph", Takes::text,
-     Occurs::oneOrMore, "MESSAGE", true},
+     Occurs::anyNumber, "MESSAGE", true},
+    {"--amend", "Replace the latest commit; without --message, keep its message"},
+    {"-a,--all", "Commit the changes of all tracked files, staged or not"},
+    {"-s,--signoff", "Add a line 'Signed-off-by'"},
+    {"--author", "The author, if that is another person", Takes::text, Occurs::optionally,
+     "'NAME <ADDRESS>'"},
     {"--allow-empty", "Commit even if nothing has changed"},
     {"FILE", "Commit these files as they are on disk, staged or not; default: what is staged",
      Takes::path, Occurs::anyNumber},
@@ -74,7 +119,9 @@ constinit const Command commitCommand{
     .details =
         "Examples:\n"
         "  nebsc commit -m 'Say hello'               commit what is staged\n"
-        "  nebsc commit -m 'Say hello' src/main.c    commit the changes of one file\n",
+        "  nebsc commit -m 'Say hello' src/main.c    commit the changes of one file\n"
+        "  nebsc commit -a -m 'Say hello'            commit all changes of tracked files\n"
+        "  nebsc commit --amend                      add to the latest commit\n",
     .parameters = parameters,
     .activity = "Committing",
     .run = runTask<CommitTask>,

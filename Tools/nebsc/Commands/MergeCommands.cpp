@@ -145,7 +145,8 @@ constinit const Command mergeCommand{
     .summary = "Merge a branch into the current one",
     .details =
         "Where both sides changed the same lines, keeps those of the current branch and\n"
-        "lists the files on standard error.\n"
+        "lists the files on standard error. 'nebsc pull . BRANCH' stops at conflicts\n"
+        "instead.\n"
         "\n"
         "Example:\n"
         "  nebsc merge topic\n",

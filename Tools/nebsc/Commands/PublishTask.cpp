@@ -130,8 +130,10 @@ std::string PublishTask::textFor(const NEBSourceControlError& error) const {
 }
 
 std::string PublishTask::adviceFor(const NEBSourceControlError& error) const {
-    if (error.errorClass == NEBSourceControlNoUpstreamErrorClass ||
-        error.errorClass == NEBSourceControlNoPushDestinationErrorClass) {
+    if (error.errorClass == NEBSourceControlNoPushDestinationErrorClass) {
+        return "'nebsc remote add' adds a remote.";
+    }
+    if (error.errorClass == NEBSourceControlNoUpstreamErrorClass) {
         return "'nebsc push -u' pushes the branch under its name and sets its upstream branch.";
     }
     if (error.errorClass == NEBSourceControlPushStaleErrorClass) {

@@ -89,7 +89,9 @@ std::shared_ptr<NEBSourceControlRequest> PullTask::makeRequest() {
 }
 
 std::string PullTask::adviceFor(const NEBSourceControlError& error) const {
-    if (error.errorClass == NEBSourceControlNoUpstreamErrorClass) {
+    const bool lacksUpstream = error.errorClass == NEBSourceControlNoUpstreamErrorClass ||
+                               error.errorClass == NEBSourceControlBranchUnknownErrorClass;
+    if (lacksUpstream && !arguments().has(remoteParameter)) {
         return "'nebsc pull REMOTE BRANCH' names a branch; 'nebsc push -u' sets an upstream "
                "branch.";
     }

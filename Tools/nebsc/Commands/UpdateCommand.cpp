@@ -268,7 +268,8 @@ constinit const Command updateCommand{
     .details =
         "Where both sides changed the same lines, keeps those of the current branch and\n"
         "lists the files on standard error. With --svn, rebases instead of merging, keeps\n"
-        "the lines of Subversion, and drops commits that become empty.\n"
+        "the lines of Subversion, and drops commits that become empty. 'nebsc pull' stops\n"
+        "at conflicts instead.\n"
         "\n"
         "Examples:\n"
         "  nebsc update                from the branch that the current one tracks\n"

@@ -1,5 +1,6 @@
 #include "GitExtensions/GitCreateCommit.h"
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 
 namespace neb {
@@ -17,6 +18,13 @@ constexpr CommitFlag commitFlags[] = {
     {NEBSourceControlRequestOptionSignOff, "--signoff"},
     {NEBSourceControlRequestOptionAllowEmptyCommit, "--allow-empty"},
 };
+
+/// Whether the text has the form "NAME <ADDRESS>". git takes any other text for a pattern, and the
+/// author of the first commit that matches it.
+bool namesPerson(std::string_view text) {
+    return text.find('<') != std::string_view::npos && text.ends_with('>') &&
+           text.find('\n') == std::string_view::npos;
+}
 
 }  // namespace
 
@@ -43,6 +51,13 @@ GitCommitFromInputOperation::GitCommitFromInputOperation(
 }
 
 void GitCreateCommitOperation::perform() {
+    const NEBValue& author = request()->option(NEBSourceControlRequestOptionAuthor);
+    if (author.isPresent() && !namesPerson(author.description())) {
+        fail(NEBSourceControlIdentityInvalidErrorClass,
+             "The author \"" + author.description() +
+                 "\" does not have the form \"NAME <ADDRESS>\".");
+        return;
+    }
     if (!goesOnAfter(*run<GitCommitFromInputOperation>(request()))) {
         return;
     }

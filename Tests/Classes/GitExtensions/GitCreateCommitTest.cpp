@@ -39,6 +39,21 @@ TEST_F(CreateCommit, ReturnsTheFullIdAndKeepsTheMessage) {
     EXPECT_THAT(git({"log", "-1", "--format=%B"}), HasSubstr("Second\n\nSigned-off-by: "));
 }
 
+/// git itself takes the author of the first commit that matches.
+TEST_F(CreateCommit, TakesNoAuthorOfAnotherCommit) {
+    repository.commitFile("a.c", "1");
+    const std::string before = head();
+    for (const std::string& author :
+         {git({"log", "-1", "--format=%an"}), std::string("."), std::string()}) {
+        NEBDictionary options = withMessage("m");
+        options.set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
+        options.set(NEBSourceControlRequestOptionAuthor, author);
+        EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, options)->error(),
+                    HasErrorClass(NEBSourceControlIdentityInvalidErrorClass));
+        EXPECT_EQ(head(), before);
+    }
+}
+
 TEST_F(CreateCommit, CommitsOnlyTheNamedFiles) {
     repository.commitFile("other", "1");
     for (const std::string& name : hostileNames) {

@@ -48,5 +48,21 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{"manual", name}, Arguments{name}, Arguments{"--" + name},
         Arguments{"-C", name, "status"}, Arguments{"--plugin", name, "types"}));
 
+INSTANTIATE_TEST_SUITE_P(
+    OfCommandsThatChange, NamesInMessages,
+    testing::Values(Arguments{"stage", name}, Arguments{"unstage", name},
+                    Arguments{"discard", name}, Arguments{"stash", "push", name},
+                    Arguments{"stash", "show", name}, Arguments{"stash", "apply", name},
+                    Arguments{"stash", "pop", name}, Arguments{"stash", "drop", name},
+                    Arguments{"commit", "--amend", name},
+                    Arguments{"commit", "-m", "x", "--allow-empty", "--author", name},
+                    Arguments{"tag", "create", name}, Arguments{"tag", "create", "x", name},
+                    Arguments{"tag", "delete", name}, Arguments{"switch", name},
+                    Arguments{"switch", "-c", name}, Arguments{"switch", "-c", "x", name},
+                    Arguments{"cherry-pick", name}, Arguments{"cherry-pick", "-m", name, "HEAD"},
+                    Arguments{"revert", "--commit", name}, Arguments{"reset", name},
+                    Arguments{"push", "-u", name}, Arguments{"push", "-u", ".", name},
+                    Arguments{"pull", name, "main"}, Arguments{"pull", ".", name}));
+
 }  // namespace
 }  // namespace neb::test

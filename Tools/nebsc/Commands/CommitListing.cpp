@@ -80,7 +80,7 @@ std::optional<CommandOutput> CommitListTask::refusalOfFolder() const {
     if (type == "tree") {
         return std::nullopt;
     }
-    const std::string& revision = *name().revision;
+    const std::string revision = *name().revision;
     if (type.empty()) {
         return refusalWithAdvice(
             "There is no folder " + inQuotes(_path) + " in " + inQuotes(revision) + ".",

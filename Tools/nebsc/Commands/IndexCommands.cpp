@@ -175,7 +175,7 @@ constinit const Command unstageCommand{
 constinit const Command discardCommand{
     .name = "discard",
     .group = changeGroup,
-    .summary = "Throw away changes that are not staged, with a warning",
+    .summary = "Throw away changes that are not staged",
     .details =
         "Restores what was staged last, or the latest commit if nothing is staged.\n"
         "Unlike 'nebsc revert', refuses to lose changes unless --force is given. Files in\n"

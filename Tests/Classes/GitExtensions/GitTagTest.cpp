@@ -44,7 +44,8 @@ TEST_F(Tag, IsAnnotatedIfItHasAMessage) {
                                    {{NEBSourceControlRequestOptionMessage, "One\n\n# two"}});
     request->destination = "v1";
     request->startingRevision = "HEAD~1";
-    expectRecord(*performed(request), "v1", git({"rev-parse", "refs/tags/v1"}));
+    const auto created = performed(request);
+    expectRecord(*created, "v1", git({"rev-parse", "refs/tags/v1"}));
     EXPECT_EQ(git({"rev-parse", "v1^{}"}), git({"rev-parse", "HEAD~1"}));
     EXPECT_EQ(git({"for-each-ref", "--format=%(objecttype) %(contents)", "refs/tags/v1"}),
               "tag One\n\n# two");

@@ -78,8 +78,8 @@ TEST_F(CommitCommand, AmendReplacesTheLatestCommit) {
     EXPECT_EQ(latest("%B"), message);
     EXPECT_EQ(repository.git({"show", "HEAD:a.c"}), "second\n");
     EXPECT_EQ(state(), " M \"src/b é.c\"\n");
-    expectDone(nebsc({"commit", "--amend", "-m", "Other", "src/b é.c"}),
-               "Amended; now at " + latest("%H").substr(0, 12) + ".\n");
+    const NebscOutcome amended = nebsc({"commit", "--amend", "-m", "Other", "src/b é.c"});
+    expectDone(amended, "Amended; now at " + latest("%H").substr(0, 12) + ".\n");
     EXPECT_EQ(latest("%B%P"), "Other\n" + parent);
     EXPECT_EQ(state(), "");
 }

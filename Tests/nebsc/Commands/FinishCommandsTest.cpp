@@ -44,8 +44,8 @@ TEST_F(FinishCommands, ContinueNeedsResolvedConflicts) {
 
 TEST_F(FinishCommands, SkipLeavesACommitOut) {
     stopRebase();
-    expectDone(nebsc({"skip"}),
-               "Skipped a commit of the rebase; now at " + head().substr(0, 12) + ".\n");
+    const NebscOutcome skipped = nebsc({"skip"});
+    expectDone(skipped, "Skipped a commit of the rebase; now at " + head().substr(0, 12) + ".\n");
     EXPECT_EQ(repository.git({"log", "--format=%s", "main..topic"}).size(),
               repository.git({"log", "-1", "--format=%s", "topic"}).size());
     EXPECT_EQ(state(), "");

@@ -52,7 +52,8 @@ TEST_F(PickCommands, CherryPickStopsAtConflicts) {
     expectFailed(nebsc({"revert", "--commit", "HEAD~1"}), HasSubstr("the revert stopped"));
     repository.write("src/a.c", "resolved\n");
     expectDone(nebsc({"stage", "--all"}));
-    expectDone(nebsc({"continue"}), "Continued the revert" + atHead());
+    const NebscOutcome continued = nebsc({"continue"});
+    expectDone(continued, "Continued the revert" + atHead());
 }
 
 TEST_F(PickCommands, MergesNeedTheNumberOfAParent) {
@@ -61,14 +62,17 @@ TEST_F(PickCommands, MergesNeedTheNumberOfAParent) {
     expectFailed(nebsc({"cherry-pick", "main"}), HasSubstr("is a merge but no -m option"));
     expectFailed(nebsc({"cherry-pick", "-m", "first", "main"}),
                  HasSubstr("expected the number of a parent, from 1"), 2);
-    expectDone(nebsc({"cherry-pick", "-m", "1", "main"}), "Applied 'main'" + atHead());
+    const NebscOutcome picked = nebsc({"cherry-pick", "-m", "1", "main"});
+    expectDone(picked, "Applied 'main'" + atHead());
     EXPECT_EQ(repository.git({"show", "HEAD:src/a.c"}), "topic\n");
 }
 
 TEST_F(PickCommands, CherryPickOfWhatIsThereCanBeSkipped) {
-    expectDone(nebsc({"cherry-pick", "topic~1"}), "Applied 'topic~1'" + atHead());
+    const NebscOutcome picked = nebsc({"cherry-pick", "topic~1"});
+    expectDone(picked, "Applied 'topic~1'" + atHead());
     expectFailed(nebsc({"cherry-pick", "topic~1"}), HasSubstr("'nebsc skip' leaves"));
-    expectDone(nebsc({"skip"}), "Skipped a commit of the cherry-pick" + atHead());
+    const NebscOutcome skipped = nebsc({"skip"});
+    expectDone(skipped, "Skipped a commit of the cherry-pick" + atHead());
 }
 
 TEST_F(PickCommands, SayWhatIsMissing) {
@@ -87,11 +91,14 @@ TEST_F(PickCommands, SayWhatIsMissing) {
 TEST_F(PickCommands, ResetMovesTheBranch) {
     const std::string main = idOf("main");
     const std::string topic = idOf("topic");
-    expectDone(nebsc({"reset", "--hard", "topic"}), "Reset from " + main + atHead());
+    const NebscOutcome hard = nebsc({"reset", "--hard", "topic"});
+    expectDone(hard, "Reset from " + main + atHead());
     EXPECT_EQ(idOf("main"), topic);
-    expectDone(nebsc({"reset", "--soft", main}), "Reset from " + topic + atHead());
+    const NebscOutcome soft = nebsc({"reset", "--soft", main});
+    expectDone(soft, "Reset from " + topic + atHead());
     EXPECT_EQ(state(), "A  b.c\nM  src/a.c\n");
-    expectDone(nebsc({"reset"}), "Reset" + atHead());
+    const NebscOutcome mixed = nebsc({"reset"});
+    expectDone(mixed, "Reset" + atHead());
     EXPECT_EQ(state(), " M src/a.c\n?? b.c\n");
 }
 
@@ -104,7 +111,8 @@ TEST_F(PickCommands, HardResetRefusesToLoseChanges) {
                  "    a.c\n"
                  "'nebsc reset --hard --force' throws them away.\n");
     EXPECT_EQ(state(), " M src/a.c\n");
-    expectDone(nebsc({"reset", "--hard", "--force"}), "Reset" + atHead());
+    const NebscOutcome forced = nebsc({"reset", "--hard", "--force"});
+    expectDone(forced, "Reset" + atHead());
     expectDone(nebsc({"reset", "--hard", "--dry-run"}), "Would lose no changes.\n");
     repository.write("b.c", "own\n");
     expectFailed(nebsc({"reset", "--hard", "topic"}), HasSubstr("'nebsc reset --force' resets"));

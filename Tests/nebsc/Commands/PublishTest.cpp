@@ -90,14 +90,16 @@ TEST_F(Publishing, PullIntegratesTheUpstreamBranch) {
     expectDone(nebsc(*ben, {"pull"}), "Already up to date.\n");
     ann->commitFile("src/b", "ann");
     share(*ann);
-    expectDone(nebsc(*ben, {"pull", "--ff-only"}), "Pulled by fast-forward" + atHead(*ben));
+    const NebscOutcome forwarded = nebsc(*ben, {"pull", "--ff-only"});
+    expectDone(forwarded, "Pulled by fast-forward" + atHead(*ben));
     EXPECT_EQ(revision(*ben), revision(*ann));
     ann->commitFile("c", "ann");
     share(*ann);
     ben->commitFile("d", "ben");
     expectFailed(nebsc(*ben, {"pull", "--ff-only"}),
                  HasSubstr("'nebsc pull --rebase' or 'nebsc pull --merge'"));
-    expectDone(nebsc(*ben, {"pull"}, "src"), "Pulled by merge" + atHead(*ben));
+    const NebscOutcome merged = nebsc(*ben, {"pull"}, "src");
+    expectDone(merged, "Pulled by merge" + atHead(*ben));
     EXPECT_EQ(ben->git({"rev-list", "--count", "--merges", "HEAD"}), "1\n");
 }
 
@@ -111,13 +113,14 @@ TEST_F(Publishing, PullFollowsTheSettings) {
     ben->git({"config", "pull.ff", "only"});
     EXPECT_EQ(nebsc(*ben, {"pull"}).exitStatus, 1);
     ben->git({"config", "pull.rebase", "true"});
-    expectDone(nebsc(*ben, {"pull"}), "Pulled by rebase" + atHead(*ben));
+    const NebscOutcome rebased = nebsc(*ben, {"pull"});
+    expectDone(rebased, "Pulled by rebase" + atHead(*ben));
     EXPECT_EQ(ben->git({"rev-list", "--count", "--merges", "HEAD"}), "0\n");
     diverge("2");
     ben->git({"config", "branch.main.rebase", "false"});
     EXPECT_EQ(nebsc(*ben, {"pull"}).exitStatus, 1);
-    expectDone(nebsc(*ben, {"pull", "--merge", "origin", "main"}),
-               "Pulled by merge" + atHead(*ben));
+    const NebscOutcome merged = nebsc(*ben, {"pull", "--merge", "origin", "main"});
+    expectDone(merged, "Pulled by merge" + atHead(*ben));
 }
 
 TEST_F(Publishing, PullStopsAtConflicts) {
@@ -141,7 +144,8 @@ TEST_F(Publishing, PullTakesABranchOfTheRepositoryItself) {
     ben->commitFile("a", "topic\n");
     ben->git({"checkout", "--quiet", "main"});
     ben->commitFile("b", "ben\n");
-    expectDone(nebsc(*ben, {"pull", ".", "topic"}), "Pulled by merge" + atHead(*ben));
+    const NebscOutcome merged = nebsc(*ben, {"pull", ".", "topic"});
+    expectDone(merged, "Pulled by merge" + atHead(*ben));
     EXPECT_EQ(ben->git({"show", "HEAD:a"}), "topic\n");
 }
 

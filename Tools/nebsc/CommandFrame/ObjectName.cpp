@@ -39,14 +39,14 @@ std::optional<ObjectName> objectNameIn(const std::string& text) {
     if (colon == std::string::npos) {
         return std::nullopt;
     }
-    std::string path = text.substr(colon + 1);
+    const std::string path = text.substr(colon + 1);
     if (colon > 0) {
-        return ObjectName{.revision = text.substr(0, colon), .path = std::move(path)};
+        return ObjectName{.revision = text.substr(0, colon), .path = path};
     }
     if (path.size() > 1 && path[0] >= '0' && path[0] <= '3' && path[1] == ':') {
         return ObjectName{.stage = path[0] - '0', .path = path.substr(2)};
     }
-    return ObjectName{.path = std::move(path)};
+    return ObjectName{.path = path};
 }
 
 ObjectPath findObjectPath(const GitQueries& git, const ObjectName& name) {
@@ -66,7 +66,8 @@ ObjectPath findObjectPath(const GitQueries& git, const ObjectName& name) {
         }
         path = pathFromTop(workingCopy, path);
     }
-    return {.path = path.substr(0, path.find_last_not_of('/') + 1)};
+    path.resize(path.find_last_not_of('/') + 1);
+    return {.path = path};
 }
 
 void setRevision(NEBSourceControlRequest& request, const GitQueries& git, const ObjectName& name) {

@@ -53,10 +53,12 @@ def google_test_jobs(build, programs, text):
 
 
 def other_jobs(build):
-    """The editor's client and, as a plain program cannot link a sanitized library, the package."""
+    """The clients in editors and, as a plain program cannot link a sanitized library, the package."""
     yield Job("EditorClient", [Path("node"), "--test", SOURCE / "EditorClient/serve.test.js"],
               {"NEBSC": str(build / "bin/nebsc"),
                "NODE_PATH": str(build / "editor-client/node_modules")}, False)
+    yield Job("Emacs", [Path("emacs"), "--batch", "-Q", "-l", SOURCE / "Editors/emacs/run.el"],
+              {"NEBSC": str(build / "bin/nebsc")}, False)
     cache = (build / "CMakeCache.txt").read_text()
     if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
         return

@@ -1,0 +1,141 @@
+;;; server-test.el --- Tests of the connection to the server  -*- lexical-binding: t; -*-
+
+;;; Code:
+
+(require 'test-support)
+
+(ert-deftest server-performs-requests-without-waiting ()
+  (test-with-repository
+    (let (records)
+      (nebgit-perform (nebgit-request 'history folder)
+                      :success (lambda (list _) (setq records list)))
+      (should-not records)
+      (test-wait records)
+      (should (equal (mapcar (lambda (r) (nebgit-field r Subject)) records)
+                     '("Second" "First"))))))
+
+(ert-deftest server-reports-errors-of-outcomes ()
+  (test-with-repository
+    (should (equal (test-outcome (nebgit-request 'history folder :from "no-such-branch"))
+                   "revision-unknown"))
+    (nebgit-perform (nebgit-request 'history folder :from "no-such-branch"))
+    (test-wait (string-match-p "NEBGit: There is no such branch" (test-messages)))))
+
+(ert-deftest server-refuses-invalid-requests ()
+  (test-with-repository
+    (should (string-match-p "NoSuchOption"
+                            (test-outcome (nebgit-request 'history folder :NoSuchOption t))))))
+
+(ert-deftest server-sends-records-while-git-runs ()
+  (test-with-repository
+    (let (batches done)
+      (nebgit-perform (nebgit-request 'history folder)
+                      :records (lambda (records) (push records batches))
+                      :success (lambda (records outcome)
+                                 (should-not records)
+                                 (setq done (plist-get outcome :recordCount))))
+      (test-wait done)
+      (should (eql done 2))
+      (should (eql (length (apply #'append batches)) 2))
+      (should (eql (hash-table-count nebgit--progress-functions) 0)))))
+
+(ert-deftest server-reads-pages-by-cursors ()
+  (test-with-repository
+    (dotimes (n 3)
+      (test-git "commit" "-q" "--allow-empty" "-m" (format "More %d" n)))
+    (let (cursor pages outcome)
+      (nebgit-open (nebgit-request 'history folder) 2
+                   (lambda (records next _)
+                     (setq cursor next)
+                     (push (length records) pages)))
+      (test-wait pages)
+      (should (equal pages '(2)))
+      (nebgit-next cursor 10 (lambda (records next last)
+                               (setq cursor next outcome last)
+                               (push (length records) pages)))
+      (test-wait outcome)
+      (should (equal pages '(3 2)))
+      (should-not cursor))))
+
+(ert-deftest server-cancels-a-request ()
+  (test-with-repository
+    (test-write ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
+    (set-file-modes ".git/hooks/pre-commit" #o755)
+    (test-write "a.txt" "changed")
+    (let* (problem
+           (task (nebgit-perform (nebgit-request 'commit folder :All t :Message "Never")
+                                 :title "commit"
+                                 :failure (lambda (error-object _) (setq problem error-object)))))
+      (test-wait (nebgit-task-id task))
+      (should (memq task nebgit--tasks))
+      (nebgit-cancel)
+      (test-wait problem)
+      (should (nebgit-cancelled-p problem))
+      (should-not nebgit--tasks)
+      (should (equal (test-git "log" "-1" "--format=%s") "Second")))))
+
+(ert-deftest server-restarts-after-a-crash ()
+  (test-with-repository
+    (should (test-outcome (nebgit-request 'history folder)))
+    (let ((old nebgit--connection) problem)
+      (setq nebgit--unexpected-ends nil)
+      (nebgit-open (nebgit-request 'history folder) 1 #'ignore)
+      (signal-process (jsonrpc--process old) 'SIGKILL)
+      (nebgit-perform (nebgit-request 'history folder)
+                      :failure (lambda (error-object _) (setq problem error-object)))
+      (test-wait problem)
+      (test-wait (and (nebgit-server-p) (not (eq nebgit--connection old))))
+      (should (string-match-p "server ended with status 9; restarted" (test-messages)))
+      (should (eql (length (test-outcome (nebgit-request 'history folder))) 2)))))
+
+(ert-deftest server-is-not-restarted-for-ever ()
+  (test-with-repository
+    (let ((nebgit--unexpected-ends nil) (nebgit-restart-limit 0))
+      (should (test-outcome (nebgit-request 'history folder)))
+      (signal-process (jsonrpc--process nebgit--connection) 'SIGKILL)
+      (test-wait (not nebgit--connection))
+      (should (string-match-p "the next command starts it again" (test-messages)))
+      (should (eql (length (test-outcome (nebgit-request 'history folder))) 2)))))
+
+(ert-deftest server-stops-when-asked ()
+  (test-with-repository
+    (should (test-outcome (nebgit-request 'history folder)))
+    (let ((process (jsonrpc--process nebgit--connection)))
+      (nebgit-stop)
+      (test-wait (not (process-live-p process)))
+      (should (eql (process-exit-status process) 0))
+      (test-wait (not nebgit--connection))
+      (should (test-outcome (nebgit-request 'history folder))))))
+
+(ert-deftest server-that-is-missing-is-named ()
+  (let ((nebgit--connection nil) (nebgit--server nil) (nebgit--waiting nil)
+        (nebgit-program "no-such-program") problem)
+    (nebgit-call 'sourceControl/perform '(:type 15) #'ignore
+                 (lambda (error-object) (setq problem (plist-get error-object :message))))
+    (should (string-match-p "Cannot find the program no-such-program" problem))
+    (should-not nebgit--waiting)))
+
+(ert-deftest server-gets-names-that-are-not-utf-8 ()
+  (test-with-repository
+    (let ((name (decode-coding-string "b\344r \"x\"\n.txt" 'utf-8-unix)))
+      (test-write name "text")
+      (let ((records (cdr (test-outcome (nebgit-request 'state folder)))))
+        (should (equal (mapcar (lambda (record) (nebgit-name record Path)) records)
+                       (list name))))
+      (should-not (test-outcome (nebgit-request 'stage folder :files (list name))))
+      (should (equal (test-git "diff" "--cached" "--name-only" "-z")
+                     (decode-coding-string "b\344r \"x\"\n.txt\0" 'utf-8-unix))))))
+
+(ert-deftest server-is-waited-for-with-a-limit ()
+  (test-with-repository
+    (should (eql (length (plist-get (nebgit-wait (nebgit-request 'history folder)) :result)) 2))
+    (test-write ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
+    (set-file-modes ".git/hooks/pre-commit" #o755)
+    (test-write "a.txt" "changed")
+    (should (string-match-p "did not end within 0.3 seconds"
+                            (cadr (should-error
+                                   (nebgit-wait (nebgit-request 'commit folder :All t :Message "x")
+                                                0.3)))))))
+
+(provide 'server-test)
+;;; server-test.el ends here

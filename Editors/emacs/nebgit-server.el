@@ -254,7 +254,7 @@ The next command brings it up again."
     (nebgit--guarded function params)))
 
 (defun nebgit--question (method params)
-  "Return a function that answers the request METHOD with PARAMS later.
+  "Return a function that replies to the request METHOD with PARAMS later.
 `jsonrpc-connection-send' recognizes it."
   (let ((function (alist-get method nebgit-question-functions)))
     (unless function

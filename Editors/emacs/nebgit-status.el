@@ -1,0 +1,365 @@
+;;; nebgit-status.el --- Window with the state of a working copy  -*- lexical-binding: t; -*-
+
+;; SPDX-License-Identifier: MIT
+
+;;; Commentary:
+
+;; Shows the branch, an unfinished operation, conflicts, untracked, unstaged and staged changes and
+;; stashes, each entry on a line of its own.  Each line has the text property `nebgit-item', a
+;; plist: `:section', `:path' (nil for the heading), `:record', and `:hunk' and `:line' in a diff.
+;; nebgit-act.el has the commands that change something.
+
+;;; Code:
+
+(require 'nebgit-diff)
+(require 'text-property-search)
+
+(defcustom nebgit-status-limit 500
+  "How many entries of a section the status shows; it counts the others."
+  :type 'natnum
+  :group 'nebgit)
+
+(defface nebgit-heading '((t :inherit font-lock-keyword-face :weight bold))
+  "Face of the headings of sections."
+  :group 'nebgit)
+
+(defface nebgit-branch '((t :inherit font-lock-function-name-face))
+  "Face of names of branches."
+  :group 'nebgit)
+
+(defface nebgit-warning '((t :inherit warning))
+  "Face of conflicts and unfinished operations."
+  :group 'nebgit)
+
+(defvar-local nebgit-status--state nil
+  "State of the working copy: a plist, see `nebgit-status--new-state'.")
+
+(defvar-local nebgit-status--open nil
+  "Alist of (SECTION . PATH), whose diff is shown, and the record of the diff.")
+
+(defvar-local nebgit-status--refreshing nil
+  "Whether the status is being read; `again' if it must be read again then.")
+
+(defconst nebgit-status-sections
+  '((conflict . "Conflicts") (untracked . "Untracked") (unstaged . "Unstaged changes")
+    (staged . "Staged changes") (stash . "Stashes"))
+  "Sections, from top to bottom, and their headings.")
+
+;;; Reading
+
+(defun nebgit-status--new-state ()
+  "Return an empty state.
+For each section `:SECTION' is a list of items, last one first, and
+`:SECTION-count' their number, which may exceed `nebgit-status-limit'; `:head'
+and `:operations' are records."
+  (list :head nil :operations nil))
+
+(defun nebgit-status-refresh (&optional background)
+  "Read the state of the working copy again, and show it.
+BACKGROUND means that no user waits for it."
+  (interactive)
+  (if nebgit-status--refreshing
+      (setq nebgit-status--refreshing 'again)
+    (setq nebgit-status--refreshing t)
+    (let ((buffer (current-buffer))
+          (state (nebgit-status--new-state))
+          (left 3))
+      (cl-flet ((request (type &rest members)
+                  (apply #'nebgit-request type default-directory
+                         :background (and background t) members))
+                (finish (&rest _)
+                  (when (and (zerop (cl-decf left)) (buffer-live-p buffer))
+                    (with-current-buffer buffer (nebgit-status--finish state)))))
+        (nebgit-perform (request 'state)
+                        :records (lambda (records)
+                                   (dolist (record records)
+                                     (setq state (nebgit-status--add state record))))
+                        :success #'finish
+                        :failure (lambda (problem outcome)
+                                   (nebgit-show-error problem outcome)
+                                   (finish)))
+        (nebgit-perform (request 'operation)
+                        :success (lambda (records _)
+                                   (setq state (plist-put state :operations
+                                                          (nebgit-status--operations records)))
+                                   (finish))
+                        :failure #'finish)
+        (nebgit-perform (request 'stash)
+                        :success (lambda (records _)
+                                   (dolist (record records)
+                                     (setq state (nebgit-status--put
+                                                  state 'stash (nebgit-field record Name) record)))
+                                   (finish))
+                        :failure #'finish)))))
+
+(defun nebgit-status--operations (records)
+  "Return those of RECORDS, of type 1010, that are operations and not conflicts."
+  (cl-remove "conflict" records :test #'equal :key (lambda (record) (nebgit-field record Kind))))
+
+(defun nebgit-status--put (state section path record)
+  "Add an item of SECTION for PATH with RECORD to STATE, and return that."
+  (let* ((list-key (intern (format ":%s" section)))
+         (count-key (intern (format ":%s-count" section)))
+         (count (or (plist-get state count-key) 0)))
+    (when (< count nebgit-status-limit)
+      (setq state (plist-put state list-key
+                             (cons (list :section section :path path :record record)
+                                   (plist-get state list-key)))))
+    (plist-put state count-key (1+ count))))
+
+(defun nebgit-status--add (state record)
+  "Add RECORD, of type 1000, to STATE, and return that."
+  (let ((path (nebgit-name record Path)))
+    (pcase (nebgit-field record Kind)
+      ("head" (setq state (plist-put state :head record)))
+      ("untracked" (setq state (nebgit-status--put state 'untracked path record)))
+      ("conflict" (setq state (nebgit-status--put state 'conflict path record)))
+      ((or "changed" "renamed")
+       (when (nebgit-field record IndexState)
+         (setq state (nebgit-status--put state 'staged path record)))
+       (when (nebgit-field record WorkingTreeState)
+         (setq state (nebgit-status--put state 'unstaged path record)))))
+    state))
+
+(defun nebgit-status--finish (state)
+  "Show STATE, then read what changed meanwhile."
+  (let ((again (eq nebgit-status--refreshing 'again)))
+    (setq nebgit-status--refreshing nil
+          nebgit-status--state state)
+    (nebgit-status--draw)
+    (nebgit-status--read-open-diffs)
+    (when again
+      (nebgit-status-refresh t))))
+
+;;; Diffs of entries
+
+(defun nebgit-status--key (item)
+  "Return the key of ITEM in `nebgit-status--open'."
+  (cons (plist-get item :section) (plist-get item :path)))
+
+(defun nebgit-status--read-open-diffs ()
+  "Read the diffs of the open entries again; forget those whose entry is gone."
+  (setq nebgit-status--open
+        (cl-remove-if-not
+         (lambda (entry)
+           (cl-find (cdar entry) (plist-get nebgit-status--state
+                                            (intern (format ":%s" (caar entry))))
+                    :test #'equal :key (lambda (item) (plist-get item :path))))
+         nebgit-status--open))
+  (dolist (entry nebgit-status--open)
+    (nebgit-status--read-diff (car entry))))
+
+(defun nebgit-status--read-diff (key)
+  "Read the diff of the entry KEY, and show it."
+  (let ((buffer (current-buffer)))
+    (nebgit-perform
+     (nebgit-request 'changes default-directory :files (list (cdr key))
+                     :Staged (eq (car key) 'staged))
+     :success (lambda (records _)
+                (when (buffer-live-p buffer)
+                  (with-current-buffer buffer
+                    (let ((entry (assoc key nebgit-status--open)))
+                      (when (and entry (not (equal (cdr entry) (list (car records)))))
+                        (setcdr entry (list (car records)))
+                        (nebgit-status--draw)))))))))
+
+(defun nebgit-status-toggle-diff ()
+  "Show or hide the diff of the entry at point."
+  (interactive)
+  (let* ((item (nebgit-status-item))
+         (key (nebgit-status--key item)))
+    (unless (memq (car key) '(unstaged staged conflict))
+      (user-error "No diff for this line"))
+    (unless (cdr key)
+      (user-error "Not on a file"))
+    (if (assoc key nebgit-status--open)
+        (progn (setq nebgit-status--open (assoc-delete-all key nebgit-status--open))
+               (nebgit-status--draw))
+      (push (list key) nebgit-status--open)
+      (nebgit-status--read-diff key))))
+
+;;; Drawing
+
+(defun nebgit-status--line (item face &rest parts)
+  "Insert a line of PARTS that belongs to ITEM, with FACE."
+  (let ((begin (point)))
+    (apply #'insert parts)
+    (insert "\n")
+    (put-text-property begin (point) 'nebgit-item item)
+    (when face
+      (add-face-text-property begin (1- (point)) face))))
+
+(defun nebgit-printable (name)
+  "Return NAME on one line: control characters and raw bytes are escaped."
+  (replace-regexp-in-string "[\0-\x1f\x7f\x3fff80-\x3fffff]"
+                            (lambda (char)
+                              (format "\\%03o" (logand #xff (aref char 0))))
+                            name t t))
+
+(defun nebgit-status--draw ()
+  "Show the state, and keep point on its entry."
+  (let ((inhibit-read-only t)
+        (positions (mapcar (lambda (window) (cons window (nebgit-status--position
+                                                          (window-point window))))
+                           (get-buffer-window-list nil nil t)))
+        (here (nebgit-status--position (point))))
+    (erase-buffer)
+    (nebgit-status--draw-head)
+    (dolist (section nebgit-status-sections)
+      (nebgit-status--draw-section (car section) (cdr section)))
+    (when (and (plist-get nebgit-status--state :head) (nebgit-status--clean-p))
+      (insert "\n")
+      (nebgit-status--line nil 'shadow "Nothing to commit, working tree clean"))
+    (goto-char (nebgit-status--find here))
+    (pcase-dolist (`(,window . ,position) positions)
+      (set-window-point window (nebgit-status--find position)))))
+
+(defun nebgit-status--clean-p ()
+  "Return non-nil if there is nothing to commit."
+  (cl-notany (lambda (key) (plist-get nebgit-status--state key))
+             '(:conflict :untracked :unstaged :staged)))
+
+(defun nebgit-status--position (point)
+  "Return what identifies the position POINT: the item, the line and the column."
+  (save-excursion
+    (goto-char point)
+    (list (get-text-property (line-beginning-position) 'nebgit-item)
+          (line-number-at-pos) (current-column))))
+
+(defun nebgit-status--find (position)
+  "Return the position in the buffer that POSITION, an older one, identifies."
+  (pcase-let ((`(,item ,line ,column) position))
+    (save-excursion
+      (goto-char (point-min))
+      (let ((match (and item (text-property-search-forward
+                              'nebgit-item item #'nebgit-status--same-p))))
+        (if match
+            (goto-char (prop-match-beginning match))
+          (goto-char (point-min))
+          (forward-line (1- line))))
+      (move-to-column column)
+      (point))))
+
+(defun nebgit-status--same-p (a b)
+  "Return non-nil if the items A and B are the same entry, hunk and line."
+  (and b (cl-every (lambda (key) (equal (plist-get a key) (plist-get b key)))
+                   '(:section :path :hunk-number :line))))
+
+(defun nebgit-status--draw-head ()
+  "Insert the branch, its upstream and the unfinished operations."
+  (let* ((head (plist-get nebgit-status--state :head))
+         (id (nebgit-field head ObjectID))
+         (branch (nebgit-name head Name))
+         (upstream (nebgit-name head Upstream)))
+    (nebgit-status--line '(:section head) nil "Branch:   "
+                         (propertize (nebgit-printable (or branch "none, HEAD is detached"))
+                                     'face 'nebgit-branch)
+                         (if id (format " at %s" (substring id 0 10)) ", no commits yet"))
+    (when upstream
+      (nebgit-status--line '(:section upstream) nil "Upstream: "
+                           (propertize (nebgit-printable upstream) 'face 'nebgit-branch)
+                           (nebgit-status--distance head)))
+    (dolist (operation (plist-get nebgit-status--state :operations))
+      (nebgit-status--line (list :section 'operation :record operation) 'nebgit-warning
+                           (nebgit-status--operation-text operation)))))
+
+(defun nebgit-status--distance (head)
+  "Return how far the branch of HEAD, a record, is from its upstream."
+  (let ((ahead (or (nebgit-field head Ahead) 0))
+        (behind (or (nebgit-field head Behind) 0)))
+    (concat (when (> ahead 0) (format ", %d to push" ahead))
+            (when (> behind 0) (format ", %d to pull" behind)))))
+
+(defun nebgit-status--operation-text (operation)
+  "Return a line about OPERATION, a record of type 1010."
+  (let ((id (nebgit-field operation ObjectID))
+        (step (nebgit-field operation Step))
+        (count (nebgit-field operation StepCount)))
+    (concat "Unfinished " (nebgit-field operation Kind)
+            (when id (format " of %s" (substring id 0 10)))
+            (when (and step count) (format ", step %d of %d" step count))
+            ": C continue, S skip, A abort")))
+
+(defun nebgit-status--draw-section (section heading)
+  "Insert SECTION under HEADING, if it has entries."
+  (let* ((items (reverse (plist-get nebgit-status--state (intern (format ":%s" section)))))
+         (count (plist-get nebgit-status--state (intern (format ":%s-count" section)))))
+    (when items
+      (insert "\n")
+      (nebgit-status--line (list :section section) 'nebgit-heading
+                           (format "%s (%d)" heading count))
+      (dolist (item items)
+        (nebgit-status--draw-item item))
+      (when (> count (length items))
+        (nebgit-status--line (list :section section :rest t) 'shadow
+                             (format "… and %d more" (- count (length items))))))))
+
+(defun nebgit-status--draw-item (item)
+  "Insert ITEM, and its diff if that is open."
+  (let* ((record (plist-get item :record))
+         (path (nebgit-printable (plist-get item :path)))
+         (old (nebgit-name record OriginalPath)))
+    (pcase (plist-get item :section)
+      ('stash (nebgit-status--line item nil path "  " (or (nebgit-field record Subject) "")))
+      ('untracked (nebgit-status--line item nil path))
+      (section
+       (nebgit-status--line
+        item (and (eq section 'conflict) 'nebgit-warning)
+        (format "%-10s " (or (pcase section
+                               ('staged (nebgit-field record IndexState))
+                               ('unstaged (nebgit-field record WorkingTreeState)))
+                             (nebgit-field record Conflict) ""))
+        (if (and old (eq section 'staged)) (concat (nebgit-printable old) " → ") "")
+        path)
+       (nebgit-status--draw-diff item (cadr (assoc (nebgit-status--key item)
+                                                   nebgit-status--open)))))))
+
+(defun nebgit-status--draw-diff (item file)
+  "Insert the hunks of FILE, a record of type 1004 or nil, below its ITEM."
+  (when (nebgit-field file IsBinary)
+    (nebgit-status--line item 'shadow "  Binary files differ"))
+  (cl-loop
+   for hunk across (or (nebgit-field file Hunks) [])
+   for number from 1
+   do (let ((part (append item (list :file file :hunk hunk :hunk-number number))))
+        (nebgit-status--line part 'diff-hunk-header (nebgit-diff-hunk-header hunk))
+        (cl-loop for line in (nebgit-diff-lines hunk)
+                 for index from 1
+                 do (nebgit-status--line (append part (list :line index))
+                                         (nebgit-diff-face line) (nebgit-printable line))))))
+
+;;; Items
+
+(defun nebgit-status-item ()
+  "Return the item of the line of point, or signal a `user-error'."
+  (or (get-text-property (line-beginning-position) 'nebgit-item)
+      (user-error "This line has no entry")))
+
+(defun nebgit-status-items ()
+  "Return the entries to act on, a list of items of one section.
+They are those in the region, those of the section if point is on its heading,
+or the one at point, which may be a hunk."
+  (if (use-region-p)
+      (nebgit-status--items-between (region-beginning) (region-end))
+    (let ((item (nebgit-status-item)))
+      (if (or (plist-get item :path) (not (assq (plist-get item :section) nebgit-status-sections)))
+          (list item)
+        (reverse (plist-get nebgit-status--state
+                            (intern (format ":%s" (plist-get item :section)))))))))
+
+(defun nebgit-status--items-between (begin end)
+  "Return the entries from BEGIN to END that are in the section of the first."
+  (save-excursion
+    (goto-char begin)
+    (let (items)
+      (while (and (< (point) end) (not (eobp)))
+        (let ((item (get-text-property (line-beginning-position) 'nebgit-item)))
+          (when (and (plist-get item :path) (not (plist-get item :hunk)))
+            (push item items)))
+        (forward-line 1))
+      (cl-remove-if-not (lambda (item)
+                          (eq (plist-get item :section) (plist-get (car (last items)) :section)))
+                        (nreverse items)))))
+
+(provide 'nebgit-status)
+;;; nebgit-status.el ends here

@@ -52,8 +52,17 @@ def google_test_jobs(build, programs, text):
                       {"GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)})
 
 
+def neovim_job(build, text):
+    """The tests of the plug-in for Neovim, in Neovim. They print what GoogleTest prints."""
+    runner = SOURCE / "Editors/neovim/run.lua"
+    return Job("Neovim", [Path("nvim"), "--headless", "-u", "NONE", "-i", "NONE", "-n",
+                          "-c", f"luafile {runner}"],
+               {"NEBSC": str(build / "bin/nebsc"), "TESTS": text})
+
+
 def other_jobs(build):
     """The clients in editors and, as a plain program cannot link a sanitized library, the package."""
+    yield neovim_job(build, "")
     yield Job("EditorClient", [Path("node"), "--test", SOURCE / "EditorClient/serve.test.js"],
               {"NEBSC": str(build / "bin/nebsc"),
                "NODE_PATH": str(build / "editor-client/node_modules")}, False)

@@ -1,0 +1,77 @@
+-- Settings: their defaults, and setup(), which changes them.
+local M = {}
+
+M.defaults = {
+  -- The program with its arguments; "serve" is added.
+  command = { "nebsc" },
+  signs = {
+    enabled = true,
+    max_lines = 20000, -- files with more lines get no signs
+    delay = 30, -- milliseconds after the last change of the text
+    text = { add = "+", change = "~", delete = "_", topdelete = "^", changedelete = "~" },
+  },
+  blame = {
+    enabled = false, -- whether the blame of the current line is shown from the start
+    delay = 150, -- milliseconds after the last movement of the cursor
+  },
+  status = {
+    max_paths = 1000, -- paths that a section shows until it is expanded
+  },
+  log = {
+    page_size = 200, -- commits that are read at a time
+  },
+  -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
+  pull = nil,
+  -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
+  keys = {
+    next_hunk = "]h",
+    previous_hunk = "[h",
+    preview_hunk = "<leader>hp",
+    stage_hunk = "<leader>hs",
+    unstage_hunk = "<leader>hu",
+    reset_hunk = "<leader>hr",
+    blame_line = "<leader>hb",
+    status = "<leader>gs",
+    log = "<leader>gl",
+  },
+}
+
+M.options = vim.deepcopy(M.defaults)
+
+-- The settings that may have a value of another type than their default.
+local other_types = { ["pull"] = { string = true }, ["keys"] = { boolean = true } }
+local free_tables = { ["command"] = true }
+
+-- Returns the first setting that does not exist or has a wrong type, as a sentence; or nil.
+local function problem(options, defaults, prefix)
+  for name, value in pairs(options) do
+    local path = prefix .. tostring(name)
+    local default = defaults[name]
+    local allowed = other_types[path] or {}
+    if default == nil and not other_types[path] then
+      return ("'%s' is not a setting"):format(path)
+    elseif type(value) ~= type(default) and not allowed[type(value)] and value ~= false then
+      return ("'%s' must be a %s"):format(path, default and type(default) or "string")
+    elseif type(value) == "table" and not free_tables[path] then
+      local found = problem(value, default, path .. ".")
+      if found then
+        return found
+      end
+    end
+  end
+end
+
+-- Changes the settings. Raises an error that names a setting that is invalid.
+function M.setup(options)
+  options = options or {}
+  local found = problem(options, M.defaults, "")
+  if found then
+    error("nebgit: " .. found .. "; see :help nebgit-settings", 0)
+  end
+  M.options = vim.tbl_deep_extend("force", vim.deepcopy(M.defaults), options)
+  if options.command then
+    M.options.command = options.command
+  end
+end
+
+return M

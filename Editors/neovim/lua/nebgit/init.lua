@@ -1,0 +1,9 @@
+-- The functions for a user's configuration, see :help nebgit.
+local M = {}
+
+-- Changes the settings, see :help nebgit-settings. Optional: without it the defaults hold.
+function M.setup(options)
+  require("nebgit.config").setup(options)
+end
+
+return M

@@ -16,6 +16,18 @@ end, {
 })
 
 local group = vim.api.nvim_create_augroup("nebgit", {})
+
+-- After the user's configuration, which may call setup().
+local function start()
+  require("nebgit.keys").define()
+  require("nebgit.events").start(group)
+end
+if vim.v.vim_did_enter == 1 then
+  start()
+else
+  vim.api.nvim_create_autocmd("VimEnter", { group = group, callback = start })
+end
+
 vim.api.nvim_create_autocmd("VimLeavePre", {
   group = group,
   callback = function()

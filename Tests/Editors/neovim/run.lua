@@ -39,18 +39,23 @@ local function run(name, test)
   say(("[%s ] %s (%d ms)"):format(ok and was_clean and "       OK" or "  FAILED ", name, milliseconds))
 end
 
-local files = vim.fn.glob(folder .. "/*_test.lua", true, true)
-table.sort(files)
-for _, file in ipairs(files) do
-  local group = vim.fn.fnamemodify(file, ":t"):gsub("_test%.lua$", "")
-  local tests = dofile(file)
-  local names = vim.tbl_keys(tests)
-  table.sort(names)
-  for _, name in ipairs(names) do
-    local full = group .. "." .. name
-    if full:find(vim.env.TESTS or "", 1, true) then
-      run(full, tests[name])
+local function run_all()
+  local files = vim.fn.glob(folder .. "/*_test.lua", true, true)
+  table.sort(files)
+  for _, file in ipairs(files) do
+    local group = vim.fn.fnamemodify(file, ":t"):gsub("_test%.lua$", "")
+    local tests = dofile(file)
+    local names = vim.tbl_keys(tests)
+    table.sort(names)
+    for _, name in ipairs(names) do
+      local full = group .. "." .. name
+      if full:find(vim.env.TESTS or "", 1, true) then
+        run(full, tests[name])
+      end
     end
   end
+  vim.cmd(failed == 0 and "qall!" or "cquit!")
 end
-vim.cmd(failed == 0 and "qall!" or "cquit!")
+
+-- After the start of the editor.
+vim.schedule(run_all)

@@ -276,7 +276,6 @@ function tests.InvalidSettingsAreNamed()
   harness.contains("'sign' is not a setting", problem({ sign = {} }))
   harness.contains("'signs.delay' must be a number", problem({ signs = { delay = "x" } }))
   harness.contains("'keys.jump' is not a setting", problem({ keys = { jump = "x" } }))
-  harness.contains("'pull' must be a string", problem({ pull = 1 }))
 end
 
 function tests.UnknownCommandIsNamed()

@@ -12,6 +12,25 @@ local function add(name, run, values)
   M.table[name] = { run = run, values = values }
 end
 
+-- Adds a subcommand that calls a function of a module with the range of lines.
+local function add_for_lines(name, module, method)
+  add(name, function(_, context)
+    require(module)[method](context.range)
+  end)
+end
+
+add("next_hunk", function()
+  require("nebgit.hunk_commands").go(1)
+end)
+add("previous_hunk", function()
+  require("nebgit.hunk_commands").go(-1)
+end)
+add("preview_hunk", function()
+  require("nebgit.hunk_commands").preview()
+end)
+add_for_lines("stage_hunk", "nebgit.hunk_commands", "stage")
+add_for_lines("unstage_hunk", "nebgit.hunk_commands", "unstage")
+add_for_lines("reset_hunk", "nebgit.hunk_commands", "reset")
 add("restart", function()
   require("nebgit.server").restart()
 end)

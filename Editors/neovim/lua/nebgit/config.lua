@@ -10,18 +10,6 @@ M.defaults = {
     delay = 30, -- milliseconds after the last change of the text
     text = { add = "+", change = "~", delete = "_", topdelete = "^", changedelete = "~" },
   },
-  blame = {
-    enabled = false, -- whether the blame of the current line is shown from the start
-    delay = 150, -- milliseconds after the last movement of the cursor
-  },
-  status = {
-    max_paths = 1000, -- paths that a section shows until it is expanded
-  },
-  log = {
-    page_size = 200, -- commits that are read at a time
-  },
-  -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
-  pull = nil,
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
   keys = {
     next_hunk = "]h",
@@ -30,16 +18,13 @@ M.defaults = {
     stage_hunk = "<leader>hs",
     unstage_hunk = "<leader>hu",
     reset_hunk = "<leader>hr",
-    blame_line = "<leader>hb",
-    status = "<leader>gs",
-    log = "<leader>gl",
   },
 }
 
 M.options = vim.deepcopy(M.defaults)
 
 -- The settings that may have a value of another type than their default.
-local other_types = { ["pull"] = { string = true }, ["keys"] = { boolean = true } }
+local other_types = { ["keys"] = { boolean = true } }
 local free_tables = { ["command"] = true }
 
 -- Returns the first setting that does not exist or has a wrong type, as a sentence; or nil.

@@ -1,0 +1,36 @@
+-- Connects the editor's events with the parts that show something.
+local M = {}
+
+-- Begins to handle events. The modules are loaded here, after the start of the editor.
+function M.start(group)
+  local changes = require("nebgit.changes")
+  local repository = require("nebgit.repository")
+  local signs = require("nebgit.signs")
+  local function on(events, callback)
+    vim.api.nvim_create_autocmd(events, { group = group, callback = callback })
+  end
+
+  signs.define_highlights()
+  on("ColorScheme", signs.define_highlights)
+  on({ "BufReadPost", "BufNewFile", "BufWritePost", "BufFilePost" }, function(context)
+    changes.attach(context.buf)
+  end)
+  on({ "BufWinEnter", "BufEnter" }, function(context)
+    changes.show(context.buf)
+  end)
+  on("BufWritePost", function(context)
+    if vim.b[context.buf].nebgit_root then
+      repository.changed(vim.b[context.buf].nebgit_root, { "workingTree" })
+    end
+  end)
+  on({ "FocusGained", "ShellCmdPost", "TermLeave", "VimResume" }, function()
+    repository.changed(nil)
+  end)
+  for _, buffer in ipairs(vim.api.nvim_list_bufs()) do
+    if vim.api.nvim_buf_is_loaded(buffer) then
+      changes.attach(buffer)
+    end
+  end
+end
+
+return M

@@ -1,0 +1,57 @@
+-- Patches in the unified format, as git-apply(1) reads them.
+local M = {}
+
+local text = require("nebgit.text")
+
+-- Unchanged lines around a change, by which git finds its position.
+local context = 3
+
+-- Returns the path as git-diff(1) quotes it, if it has more than plain characters.
+function M.quoted(path)
+  if not path:find("[^%w_./-]") then
+    return path
+  end
+  return '"' .. path:gsub('[%c"\\\127-\255]', function(character)
+    return ("\\%03o"):format(character:byte())
+  end) .. '"'
+end
+
+-- Returns a patch of one file with the lines of hunks.
+local function patch(path, lines)
+  local header = { "--- " .. M.quoted("a/" .. path), "+++ " .. M.quoted("b/" .. path) }
+  return table.concat(vim.list_extend(header, lines), "\n") .. "\n"
+end
+
+-- Returns the content with replacements made: a list of {hunk, lines}, in their order in the file.
+-- hunk.old_count lines from (if it is 0, after) hunk.old_start become these lines. has_line_end:
+-- whether a replacement at the end of the file has a line end there.
+local function replaced(content, replacements, has_line_end)
+  local old, old_has_line_end = text.split(content)
+  local new, number, ends = {}, 1, old_has_line_end
+  for _, replacement in ipairs(replacements) do
+    local hunk, lines = replacement[1], replacement[2]
+    local first = hunk.old_count == 0 and hunk.old_start + 1 or hunk.old_start
+    vim.list_extend(new, old, number, first - 1)
+    vim.list_extend(new, lines)
+    number = first + hunk.old_count
+    ends = number > #old and has_line_end or number <= #old and old_has_line_end
+  end
+  vim.list_extend(new, old, number, #old)
+  return #new == 0 and "" or table.concat(new, "\n") .. (ends and "\n" or "")
+end
+
+-- Returns a patch of the content, see replaced().
+function M.replacing(path, content, replacements, has_line_end)
+  local new = replaced(content, replacements, has_line_end)
+  local hunks = vim.diff(content, new, { ctxlen = context }):gsub("\n$", "")
+  return patch(path, { hunks })
+end
+
+-- Returns a patch with one hunk of a record of the request "changes".
+function M.of_record(path, hunk)
+  local heading = ("@@ -%d,%d +%d,%d @@"):format(
+    hunk.OldStart, hunk.OldCount, hunk.NewStart, hunk.NewCount)
+  return patch(path, vim.list_extend({ heading }, hunk.Lines))
+end
+
+return M

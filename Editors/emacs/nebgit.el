@@ -16,8 +16,8 @@
 
 ;;; Code:
 
-(require 'nebgit-branch)
-(require 'nebgit-commit)
+(require 'nebgit-blame)
+(require 'nebgit-log)
 
 (defcustom nebgit-revert-buffers t
   "Whether buffers without changes are read again after git changed their files."
@@ -38,6 +38,7 @@
                ("z k" nebgit-stash-drop)
                ("b b" nebgit-switch) ("b c" nebgit-create-branch) ("b k" nebgit-delete-branch)
                ("b m" nebgit-merge) ("b r" nebgit-rebase)
+               ("l l" nebgit-log) ("l a" nebgit-log-all)
                ("C" nebgit-continue) ("S" nebgit-skip) ("A" nebgit-abort)
                ("g" nebgit-status-refresh))
              do (define-key map (kbd keys) command))

@@ -1,0 +1,304 @@
+;;; nebgit-log.el --- Log with graph, in pages  -*- lexical-binding: t; -*-
+
+;; SPDX-License-Identifier: MIT
+
+;;; Commentary:
+
+;; Reads a page of commits when point or the window comes near the end, from a cursor of the server:
+;; a log of any length opens at once.
+
+;;; Code:
+
+(require 'nebgit-branch)
+(require 'nebgit-graph)
+(require 'nebgit-revision)
+
+(defcustom nebgit-log-page 100
+  "How many commits the log reads at a time."
+  :type '(integer :match (lambda (_ value) (and (integerp value) (< 0 value 10001))))
+  :group 'nebgit)
+
+(defface nebgit-id '((t :inherit font-lock-constant-face))
+  "Face of the ids of commits."
+  :group 'nebgit)
+
+(defface nebgit-reference '((t :inherit font-lock-type-face))
+  "Face of the names of branches and tags in the log."
+  :group 'nebgit)
+
+(defvar-local nebgit-log--request nil
+  "Members of the request of the log, a plist.")
+
+(defvar-local nebgit-log--cursor nil
+  "Cursor of the rest of the log; nil if all of it is shown.")
+
+(defvar-local nebgit-log--reading nil
+  "Task that reads a page.")
+
+(defvar-local nebgit-log--lanes nil
+  "Lanes of the graph below the last commit.")
+
+(defvar nebgit-log-mode-map
+  (let ((map (make-sparse-keymap)))
+    (cl-loop for (keys command) in
+             '(("RET" nebgit-log-show) ("n" nebgit-log-next) ("p" nebgit-log-previous)
+               ("+" nebgit-log-more) ("g" nebgit-log-refresh) ("w" nebgit-log-copy-id)
+               ("A" nebgit-log-cherry-pick) ("V" nebgit-log-revert) ("x" nebgit-log-reset)
+               ("b" nebgit-log-create-branch) ("t" nebgit-log-tag))
+             do (define-key map (kbd keys) command))
+    map)
+  "Keys of the log.")
+
+(define-derived-mode nebgit-log-mode special-mode "NEBGit log"
+  "Major mode of the log.
+\\{nebgit-log-mode-map}"
+  (setq truncate-lines t)
+  (buffer-disable-undo)
+  (setq-local revert-buffer-function (lambda (&rest _) (nebgit-log-refresh)))
+  (add-hook 'post-command-hook #'nebgit-log--read-near-end nil t)
+  (add-hook 'window-scroll-functions #'nebgit-log--scrolled nil t)
+  (add-hook 'kill-buffer-hook #'nebgit-log--close nil t))
+
+;;;###autoload
+(defun nebgit-log (&optional all)
+  "Show the log of HEAD, with prefix argument ALL that of all branches and tags."
+  (interactive "P")
+  (nebgit-log-open (nebgit-need-root)
+                   (if all '(:AllReferences t :Order "topology") '(:Order "topology"))
+                   (if all "all references" "HEAD")))
+
+(defun nebgit-log-all ()
+  "Show the log of all branches and tags."
+  (interactive)
+  (nebgit-log t))
+
+;;;###autoload
+(defun nebgit-log-file ()
+  "Show the log of the file of this buffer, beyond renames."
+  (interactive)
+  (let ((root (nebgit-need-root)))
+    (unless buffer-file-name
+      (user-error "This buffer has no file"))
+    (let ((path (file-relative-name buffer-file-name root)))
+      (nebgit-log-open root (list :files (list path) :Follow t) path))))
+
+(defun nebgit-log-open (root members title)
+  "Show the log of ROOT under TITLE, and return its buffer.
+MEMBERS are those of the request."
+  (let ((buffer (get-buffer-create (format "*nebgit log: %s %s*" (directory-file-name root)
+                                           (nebgit-printable title)))))
+    (with-current-buffer buffer
+      (unless (derived-mode-p 'nebgit-log-mode)
+        (nebgit-log-mode))
+      (setq default-directory root
+            nebgit-log--request members)
+      (nebgit-log-refresh))
+    (pop-to-buffer buffer)
+    buffer))
+
+;;; Reading
+
+(defun nebgit-log-refresh ()
+  "Read the log again from its start."
+  (interactive)
+  (nebgit-log--close)
+  (setq nebgit-log--lanes nil)
+  (let ((buffer (current-buffer)) task)
+    (setq task (nebgit-open (apply #'nebgit-request 'history default-directory nebgit-log--request)
+                            nebgit-log-page
+                            (lambda (records cursor _)
+                              (nebgit-log--add buffer task records cursor t))
+                            (nebgit-log--failure buffer))
+          nebgit-log--reading task)))
+
+(defun nebgit-log--failure (buffer)
+  "Return the function for an error of a page of BUFFER."
+  (lambda (problem outcome)
+    (when (buffer-live-p buffer)
+      (with-current-buffer buffer
+        (setq nebgit-log--reading nil
+              nebgit-log--cursor nil)))
+    (nebgit-show-error problem outcome)))
+
+(defun nebgit-log-more ()
+  "Read the next page of the log."
+  (interactive)
+  (when (and nebgit-log--cursor (not nebgit-log--reading))
+    (let ((buffer (current-buffer)) task)
+      (setq task (nebgit-next nebgit-log--cursor nebgit-log-page
+                              (lambda (records cursor _)
+                                (nebgit-log--add buffer task records cursor nil))
+                              (nebgit-log--failure buffer))
+            nebgit-log--reading task))))
+
+(defun nebgit-log--add (buffer task records cursor first)
+  "Show RECORDS, the page that TASK read, in BUFFER.
+Keep the CURSOR of the rest.  FIRST means that it is the first page.  The page
+of an older log is dropped."
+  (if (not (and (buffer-live-p buffer)
+                (eq task (buffer-local-value 'nebgit-log--reading buffer))))
+      (when cursor (nebgit-close cursor))
+    (with-current-buffer buffer
+      (setq nebgit-log--reading nil
+            nebgit-log--cursor cursor)
+      (let ((inhibit-read-only t))
+        (when first (erase-buffer))
+        (save-excursion
+          (goto-char (point-max))
+          (mapc #'nebgit-log--insert records)
+          (unless (or cursor (> (point-max) 1))
+            (insert "No commits\n")))))))
+
+(defun nebgit-log--close ()
+  "Close the cursor and give up the page that is being read."
+  (when nebgit-log--reading
+    (nebgit-cancel-task nebgit-log--reading))
+  (when nebgit-log--cursor
+    (nebgit-close nebgit-log--cursor))
+  (setq nebgit-log--cursor nil
+        nebgit-log--reading nil))
+
+(defun nebgit-log--read-near-end ()
+  "Read the next page if point is near the end."
+  (when (and nebgit-log--cursor (not nebgit-log--reading)
+             (< (count-lines (point) (point-max)) 50))
+    (nebgit-log-more)))
+
+(defun nebgit-log--scrolled (window start)
+  "Read the next page if WINDOW, whose text begins at START, is near the end."
+  (with-current-buffer (window-buffer window)
+    (save-excursion
+      (goto-char start)
+      (when (< (- (count-lines start (point-max)) (window-height window)) 50)
+        (nebgit-log-more)))))
+
+;;; Drawing
+
+(defun nebgit-log--graph-p ()
+  "Return non-nil if the log has all commits, so that a graph fits."
+  (not (plist-get nebgit-log--request :files)))
+
+(defun nebgit-log--insert (commit)
+  "Insert COMMIT, a record of type 1001, at the end."
+  (let ((graph (if (nebgit-log--graph-p)
+                   (nebgit-graph-add nebgit-log--lanes (nebgit-field commit ObjectID)
+                                     (nebgit-list (nebgit-field commit Parents)))
+                 (list nil "*" nil)))
+        (begin (point)))
+    (setq nebgit-log--lanes (car graph))
+    (insert (nth 1 graph) " "
+            (propertize (substring (nebgit-field commit ObjectID) 0 10) 'face 'nebgit-id) " "
+            (nebgit-log--references commit)
+            (nebgit-printable (nebgit-decode (or (nebgit-field commit Subject) "")))
+            (propertize (concat "  " (nebgit-decode (or (nebgit-field commit Author) "")) ", "
+                                (nebgit-date (nebgit-field commit AuthorTime)
+                                             (nebgit-field commit AuthorTimeOffset)))
+                        'face 'shadow)
+            "\n")
+    (put-text-property begin (point) 'nebgit-commit commit)
+    (dolist (line (nth 2 graph))
+      (insert line "\n"))))
+
+(defun nebgit-log--references (commit)
+  "Return the names of branches and tags of COMMIT, or an empty string."
+  (let ((names (mapcar (lambda (name) (nebgit-printable (nebgit--short-name (nebgit-decode name))))
+                       (nebgit-field commit References))))
+    (when (nebgit-field commit IsHEAD)
+      (push "HEAD" names))
+    (if names
+        (concat (propertize (format "(%s)" (string-join names ", ")) 'face 'nebgit-reference) " ")
+      "")))
+
+;;; Commands
+
+(defun nebgit-log-commit ()
+  "Return the commit at point, a record; on a line of the graph the one above."
+  (or (save-excursion
+        (beginning-of-line)
+        (while (and (not (get-text-property (point) 'nebgit-commit))
+                    (zerop (forward-line -1))))
+        (get-text-property (point) 'nebgit-commit))
+      (user-error "No commit here")))
+
+(defun nebgit-log--id ()
+  "Return the full id of the commit at point."
+  (nebgit-field (nebgit-log-commit) ObjectID))
+
+(defun nebgit-log-show ()
+  "Show the message and the diff of the commit at point."
+  (interactive)
+  (nebgit-revision default-directory (nebgit-log--id)))
+
+(defun nebgit-log-next (&optional backward)
+  "Go to the next commit, or with BACKWARD to the previous one."
+  (interactive)
+  (let ((start (point)))
+    (beginning-of-line)
+    (while (and (zerop (forward-line (if backward -1 1)))
+                (not (eobp))
+                (not (get-text-property (point) 'nebgit-commit))))
+    (unless (get-text-property (point) 'nebgit-commit)
+      (goto-char start))))
+
+(defun nebgit-log-previous ()
+  "Go to the previous commit."
+  (interactive)
+  (nebgit-log-next t))
+
+(defun nebgit-log-copy-id ()
+  "Copy the full id of the commit at point."
+  (interactive)
+  (kill-new (nebgit-log--id))
+  (message "%s" (nebgit-log--id)))
+
+(defun nebgit-log--pick (action)
+  "Do ACTION of type 1014 with the commit at point."
+  (let ((commit (nebgit-log-commit)))
+    (nebgit-act 'pick (list :from (nebgit-field commit ObjectID) :Action action
+                            :Mainline (and (> (length (nebgit-field commit Parents)) 1) 1))
+                action #'nebgit-show-head-change)))
+
+(defun nebgit-log-cherry-pick ()
+  "Apply the commit at point to the current branch."
+  (interactive)
+  (nebgit-log--pick "cherry-pick"))
+
+(defun nebgit-log-revert ()
+  "Undo the commit at point by a new commit."
+  (interactive)
+  (nebgit-log--pick "revert"))
+
+(defun nebgit-log-reset (mode)
+  "Move the current branch to the commit at point.
+MODE is \"soft\", \"mixed\" or \"hard\"; ask before a hard reset loses work."
+  (interactive (list (completing-read "Reset: " '("soft" "mixed" "hard") nil t nil nil "mixed")))
+  (let ((root default-directory)
+        (id (nebgit-log--id)))
+    (nebgit-perform
+     (nebgit-request 'pick root :from id :Action "reset" :ResetMode mode)
+     :success #'nebgit-show-head-change
+     :failure (lambda (problem outcome)
+                (if (equal (nebgit-error-class problem) "local-changes")
+                    (nebgit-later #'nebgit-log--reset-hard root id problem)
+                  (nebgit-show-error problem outcome))))))
+
+(defun nebgit-log--reset-hard (root id problem)
+  "Ask whether the files that PROBLEM names may be lost, then reset ROOT to ID."
+  (when (yes-or-no-p (format "Lose the changes of %s? "
+                             (mapconcat #'nebgit-decode (plist-get problem :files) ", ")))
+    (nebgit-perform
+     (nebgit-request 'pick root :from id :Action "reset" :ResetMode "hard" :Force t)
+     :success #'nebgit-show-head-change)))
+
+(defun nebgit-log-create-branch (name)
+  "Create the branch NAME at the commit at point, and switch to it."
+  (interactive "sNew branch: ")
+  (nebgit-create-branch name (nebgit-log--id)))
+
+(defun nebgit-log-tag (name)
+  "Create the tag NAME at the commit at point."
+  (interactive "sNew tag: ")
+  (nebgit-act 'tag (list :destination name :from (nebgit-log--id)) (format "tag %s" name)))
+
+(provide 'nebgit-log)
+;;; nebgit-log.el ends here

@@ -43,7 +43,7 @@ TEST(RequestJSON, ReadsTheLimitsOfTheOperation) {
     const NEBSourceControlLimits limits =
         requestFromJSON(R"({"type": 18, "limits": {"silenceMilliseconds": 1500,
                             "totalMilliseconds": 60000, "outputBytes": 100}})")
-            .limits;
+            .settings.limits;
     EXPECT_EQ(limits.silence, std::chrono::milliseconds(1500));
     EXPECT_EQ(limits.total, std::chrono::minutes(1));
     EXPECT_EQ(limits.outputBytes, 100U);
@@ -51,8 +51,23 @@ TEST(RequestJSON, ReadsTheLimitsOfTheOperation) {
                              R"({"type": 18, "limits": {"outputBytes": null}})"}) {
         const RequestReading reading = requestFromJSON(json);
         EXPECT_EQ(reading.refusal, "");
-        EXPECT_FALSE(reading.limits.silence || reading.limits.total || reading.limits.outputBytes);
+        const NEBSourceControlLimits& none = reading.settings.limits;
+        EXPECT_FALSE(none.silence || none.total || none.outputBytes);
     }
+}
+
+TEST(RequestJSON, ReadsWhetherNoUserWaits) {
+    const auto isBackground = [](const std::string& json) {
+        const RequestReading reading = requestFromJSON(json);
+        EXPECT_EQ(reading.refusal, "");
+        return reading.settings.isBackgroundWork;
+    };
+    EXPECT_TRUE(isBackground(R"({"type": 15, "background": true})"));
+    EXPECT_FALSE(isBackground(R"({"type": 15, "background": false})"));
+    EXPECT_FALSE(isBackground(R"({"type": 15, "background": null})"));
+    EXPECT_FALSE(isBackground(R"({"type": 15})"));
+    EXPECT_EQ(requestFromJSON(R"({"type": 15, "background": 1})").refusal,
+              "The request's member 'background' is an integer; expected true or false.");
 }
 
 TEST(RequestJSON, RefusesLimitsThatAreNone) {

@@ -82,19 +82,19 @@ TEST(RepositoryScheduler, RunsWorkForOneLocationInOrderAndTheRestInParallel) {
             bothDone.set_value();
         }
     };
-    scheduler.add("/w", [&] {
+    scheduler.add({.location = "/w"}, [&] {
         mayGoOn.wait();
         note('1');
     });
-    scheduler.add("/w", [&] { note('2'); });
-    scheduler.add("/w", [&] { note('3'); });
-    scheduler.add("/v", [&] { other('v'); });
-    scheduler.add(std::nullopt, [&] { other('r'); });
+    scheduler.add({.location = "/w"}, [&] { note('2'); });
+    scheduler.add({.location = "/w"}, [&] { note('3'); });
+    scheduler.add({.location = "/v"}, [&] { other('v'); });
+    scheduler.add({}, [&] { other('r'); });
     bothDone.get_future().wait();
     goOn.set_value();
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_THAT(done, testing::AnyOf("vr123", "rv123"));
-    scheduler.add("/w", [&] { note('4'); });
+    scheduler.add({.location = "/w"}, [&] { note('4'); });
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(done.ends_with('4'));
 }
@@ -104,13 +104,68 @@ TEST(RepositoryScheduler, WaitsForItsWorkWhenDestroyed) {
     std::string done;
     {
         RepositoryScheduler scheduler(queue);
-        scheduler.add("/w", [&] {
+        scheduler.add({.location = "/w"}, [&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             done += '1';
         });
-        scheduler.add("/w", [&] { done += '2'; });
+        scheduler.add({.location = "/w"}, [&] { done += '2'; });
     }
     EXPECT_EQ(done, "12");
+}
+
+/// Notes the work for the location "/w" in the order in which it runs. The first work waits until
+/// all other work is added.
+class OrderOfWork {
+public:
+    OrderOfWork() {
+        _scheduler.add({.location = "/w"}, [this] { _allIsAdded.get_future().wait(); });
+    }
+    void add(char letter, bool isBackground) {
+        _scheduler.add({.location = "/w", .isBackground = isBackground},
+                       [this, letter] { _done += letter; });
+    }
+    std::string result() {
+        _allIsAdded.set_value();
+        _scheduler.waitUntilAllWorkIsDone();
+        return _done;
+    }
+
+private:
+    std::promise<void> _allIsAdded;
+    std::string _done;
+    OperationQueue _queue{2};
+    RepositoryScheduler _scheduler{_queue};
+};
+
+TEST(RepositoryScheduler, RunsForegroundWorkBeforeBackgroundWorkThatWaits) {
+    OrderOfWork order;
+    order.add('x', true);
+    order.add('1', false);
+    order.add('y', true);
+    order.add('2', false);
+    EXPECT_EQ(order.result(), "12xy");
+}
+
+TEST(RepositoryScheduler, NeverStarvesBackgroundWork) {
+    OrderOfWork order;
+    order.add('x', true);
+    for (int i = 0; i <= RepositoryScheduler::mostOvertakings; ++i) {
+        order.add('.', false);
+    }
+    order.add('y', true);
+    EXPECT_EQ(order.result(), std::string(RepositoryScheduler::mostOvertakings, '.') + "x.y");
+}
+
+TEST(RepositoryScheduler, LeavesThreadsForForegroundWork) {
+    OperationQueue queue(1);
+    RepositoryScheduler scheduler(queue);
+    std::promise<void> foregroundIsDone;
+    const auto end = foregroundIsDone.get_future().share();
+    for (std::size_t i = 0; i < 2 * RepositoryScheduler::backgroundThreads; ++i) {
+        scheduler.add({.isBackground = true}, [end] { end.wait(); });
+    }
+    scheduler.add({}, [&foregroundIsDone] { foregroundIsDone.set_value(); });
+    scheduler.waitUntilAllWorkIsDone();
 }
 
 }  // namespace

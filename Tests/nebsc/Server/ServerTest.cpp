@@ -30,7 +30,9 @@ TEST(Server, DescribesItself) {
     const JSON result = client.initialize()["result"];
     EXPECT_EQ(result["serverInfo"]["name"], "nebsc");
     EXPECT_NE(result["serverInfo"]["version"], "");
-    EXPECT_EQ(result["capabilities"], JSON({{"partialResults", true}, {"cursors", {{"max", 64}}}}));
+    EXPECT_EQ(result["capabilities"], JSON({{"partialResults", true},
+                                            {"background", true},
+                                            {"cursors", {{"max", 64}}}}));
     EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);
     EXPECT_THAT(result["gitVersion"].get<std::string>(), testing::StartsWith("git version "));
     EXPECT_EQ(result["requestTypes"].size(), NEBSourceControlAllRequestTypes().size());

@@ -44,9 +44,9 @@ CommandOutput restOfOutput(const CommandCall& call, const Interruption& interrup
     return output;
 }
 
-HostSession::Runner limitedRunner(HostSession::Runner run, const NEBSourceControlLimits& limits) {
-    return [run = std::move(run), limits](NEBSourceControlOperation& operation) {
-        operation.setLimits(limits);
+HostSession::Runner runnerWithSettings(HostSession::Runner run, const RunSettings& settings) {
+    return [run = std::move(run), settings](NEBSourceControlOperation& operation) {
+        settings.applyTo(operation);
         run(operation);
     };
 }
@@ -67,7 +67,7 @@ CommandOutput run(const CommandCall& call) {
                                               !call.session.trace().isOn());
     StreamedOutput streamedOutput;
     HostSession::Runner runner =
-        limitedRunner(interruptibleRunner(interruption, *progress), reading.limits);
+        runnerWithSettings(interruptibleRunner(interruption, *progress), reading.settings);
     if (call.arguments.has(streamOption)) {
         runner = streamingRunner(std::move(runner), interruption, streamedOutput,
                                  [&progress](const NEBSourceControlResult& records) {

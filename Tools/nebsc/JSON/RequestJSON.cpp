@@ -191,6 +191,7 @@ bool readLimits(Refusal& refusal, const InputNode& input, NEBSourceControlLimits
 /// A request, and what its JSON says about the operation.
 struct Request : NEBSourceControlRequest {
     NEBSourceControlLimits limits;
+    bool isBackgroundWork = false;
 };
 
 constexpr Member<Request> requestMembers[] = {
@@ -204,6 +205,7 @@ constexpr Member<Request> requestMembers[] = {
     {"remote", readInto<readRemote, &Request::remote>},
     {"options", readInto<readOptions, &Request::options>},
     {"limits", readInto<readLimits, &Request::limits>},
+    {"background", readInto<readBoolean, &Request::isBackgroundWork>},
 };
 
 /// Refuses a clone into a path that is not absolute. git runs in the destination and gets it as an
@@ -251,7 +253,8 @@ RequestReading requestFromJSON(const JSONNode& root) {
     if (!readRequest(refusal, root, *request)) {
         return {.request = nullptr, .refusal = refusal.sentence};
     }
-    return {.request = request, .limits = request->limits};
+    return {.request = request,
+            .settings = {.limits = request->limits, .isBackgroundWork = request->isBackgroundWork}};
 }
 
 std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value) {

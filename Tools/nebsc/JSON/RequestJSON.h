@@ -10,7 +10,8 @@
 //       "remote": { "representsGitSVNBridge": false },
 //       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 },
 //       "limits": { "silenceMilliseconds": 30000, "totalMilliseconds": 600000,
-//                   "outputBytes": 100000000 } }
+//                   "outputBytes": 100000000 },
+//       "background": true }
 //
 // Only "type" is required; it is a 32-bit integer. null means absent. A member can
 // be [] instead of {} and {} instead of [].
@@ -33,8 +34,8 @@
 
 #include "JSON/JSONText.h"
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
-#include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
+#include "Session/RunSettings.h"
 
 namespace neb::nebsc {
 
@@ -42,8 +43,7 @@ namespace neb::nebsc {
 struct RequestReading {
     /// Null if the text was refused.
     std::shared_ptr<NEBSourceControlRequest> request;
-    /// The limits of its operation. An absent one is no limit.
-    NEBSourceControlLimits limits = {};
+    RunSettings settings = {};
     /// One sentence that names the member and the expected value; empty on success.
     std::string refusal = {};
 };

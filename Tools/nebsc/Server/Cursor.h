@@ -9,6 +9,7 @@
 #include "NEBFoundation/NEBSourceControlRecordCursor.h"
 #include "Server/Job.h"
 #include "Session/HostSession.h"
+#include "Session/RunSettings.h"
 
 namespace neb::nebsc {
 
@@ -20,7 +21,7 @@ public:
 
     /// The session must outlive the cursor. The request must be of a type that only reads.
     Cursor(const HostSession& session, std::shared_ptr<NEBSourceControlRequest> request,
-           const NEBSourceControlLimits& limits);
+           const RunSettings& settings);
 
     /// See NEBSourceControlRecordCursor.
     [[nodiscard]] Page next(std::size_t pageSize) { return _records.next(pageSize); }
@@ -36,7 +37,7 @@ public:
 private:
     void perform(const HostSession& session,
                  const std::shared_ptr<NEBSourceControlRequest>& request,
-                 const NEBSourceControlLimits& limits, const NEBSourceControlRecordSink& sink);
+                 const RunSettings& settings, const NEBSourceControlRecordSink& sink);
 
     Job _job{nullptr};
     std::optional<RequestResult> _result;

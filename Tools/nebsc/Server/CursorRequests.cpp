@@ -174,7 +174,7 @@ void CursorRequests::open(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams, refusal);
         return;
     }
-    const auto cursor = std::make_shared<Cursor>(_session, reading.request, reading.limits);
+    const auto cursor = std::make_shared<Cursor>(_session, reading.request, reading.settings);
     const std::string key = std::to_string(++_lastKey);
     bool hasRoom = false;
     {
@@ -227,7 +227,7 @@ void CursorRequests::start(const RPCMessage& message, const CursorParams& params
                            const std::string& key, const std::shared_ptr<Cursor>& cursor,
                            std::int64_t pageSize, bool isOpen) {
     const auto use = std::make_shared<Use>(*this, key, !isOpen);
-    _jobs.start(*message.id, _scheduler, key,
+    _jobs.start(*message.id, _scheduler, {.location = key},
                 [this, use, cursor, pageSize, token = params.progressToken](Job& job) {
                     std::optional<ProgressReports::Work> progress;
                     if (token) {
@@ -258,7 +258,7 @@ void CursorRequests::close(RPCMessage& message) {
         return;
     }
     cursor->cancel();
-    _jobs.start(*message.id, _scheduler, *params->cursor, [cursor](Job& job) {
+    _jobs.start(*message.id, _scheduler, {.location = *params->cursor}, [cursor](Job& job) {
         cursor->close();
         return rpcResult(job.id(), nullptr);
     });
@@ -280,7 +280,7 @@ void CursorRequests::closeIdle() {
     }
     for (const auto& [key, cursor] : idle) {
         cursor->cancel();
-        _scheduler.add(key, [cursor = cursor] { cursor->close(); });
+        _scheduler.add({.location = key}, [cursor = cursor] { cursor->close(); });
     }
 }
 

@@ -10,8 +10,7 @@ namespace neb::nebsc {
 
 using JSON = nlohmann::ordered_json;
 
-void Jobs::start(const JSON& id, RepositoryScheduler& scheduler,
-                 std::optional<std::string> location, Respond respond) {
+void Jobs::start(const JSON& id, RepositoryScheduler& scheduler, WorkPlace place, Respond respond) {
     const auto job = std::make_shared<Job>(id);
     bool isNew = false;
     {
@@ -23,7 +22,7 @@ void Jobs::start(const JSON& id, RepositoryScheduler& scheduler,
         return;
     }
     try {
-        scheduler.add(std::move(location),
+        scheduler.add(std::move(place),
                       [this, job, respond = std::move(respond)] { work(*job, respond); });
     } catch (...) {
         erase(id);

@@ -10,7 +10,6 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 
 #include "Platform/Mutex.h"
@@ -33,11 +32,11 @@ public:
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
-    /// Schedules a job for the request (see RepositoryScheduler for the location). If a job has the
+    /// Schedules a job for the request (see RepositoryScheduler for its place). If a job has the
     /// same id, sends an error response instead. `respond` is destroyed when the job has ended.
     /// Throws std::bad_alloc; then no response is sent.
-    void start(const nlohmann::ordered_json& id, RepositoryScheduler& scheduler,
-               std::optional<std::string> location, Respond respond);
+    void start(const nlohmann::ordered_json& id, RepositoryScheduler& scheduler, WorkPlace place,
+               Respond respond);
 
     /// If a job has this id, sends an error response to the request that repeats it, and returns
     /// true.

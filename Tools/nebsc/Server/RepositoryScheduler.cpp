@@ -59,39 +59,68 @@ std::optional<std::string> writtenLocationOf(const NEBSourceControlRequest& requ
     return "";
 }
 
-void RepositoryScheduler::add(std::optional<std::string> location, std::function<void()> work) {
-    if (!location) {
-        _queue.addBlock(std::move(work));
+void RepositoryScheduler::add(WorkPlace place, std::function<void()> work) {
+    OperationQueue& queue = queueFor(place.isBackground);
+    if (!place.location) {
+        queue.addBlock(std::move(work));
         return;
     }
     // Created before the work is in the list: once there, it must run.
-    std::function<void()> next = [this, location = *location] { runNext(location); };
+    std::function<void()> next = [this, location = *place.location] { runNext(location); };
     bool isFirst = false;
     {
         const MutexLock lock(_mutex);
-        auto& waiting = _waiting[*location];
+        auto& waiting = _waiting[*place.location];
         isFirst = waiting.empty();
-        waiting.push_back(std::move(work));
+        insert(waiting, {.run = std::move(work), .isBackground = place.isBackground});
     }
     if (!isFirst) {
         return;
     }
     try {
-        _queue.addBlock(std::move(next));
+        queue.addBlock(std::move(next));
     } catch (...) {
-        if (popFirst(*location)) {
-            runNext(*location);  // added meanwhile by another thread
+        if (popFirst(*place.location)) {
+            runNext(*place.location);  // added meanwhile by another thread
         }
         throw;
     }
 }
 
-/// Runs one block and adds the next one at the end of the queue, so that no working copy blocks the
+/// Foreground work overtakes background work, but never the first one, which is running.
+void RepositoryScheduler::insert(std::deque<Work>& waiting, Work work) {
+    std::size_t position = waiting.size();
+    while (!work.isBackground && position > 1 && waiting[position - 1].isBackground &&
+           waiting[position - 1].overtakings < mostOvertakings) {
+        --position;
+    }
+    waiting.insert(waiting.begin() + static_cast<std::ptrdiff_t>(position), std::move(work));
+    for (std::size_t i = position + 1; i < waiting.size(); ++i) {
+        ++waiting[i].overtakings;
+    }
+}
+
+void RepositoryScheduler::waitUntilAllWorkIsDone() {
+    // The end of work in one queue can add work for the same location to the other queue.
+    bool isLastRound = false;
+    while (!isLastRound) {
+        isLastRound = !hasWorkForLocations();
+        _queue.waitUntilAllOperationsAreFinished();
+        _backgroundQueue.waitUntilAllOperationsAreFinished();
+    }
+}
+
+bool RepositoryScheduler::hasWorkForLocations() {
+    const MutexLock lock(_mutex);
+    return !_waiting.empty();
+}
+
+/// Runs one block and adds the next one at the end of its queue, so that no working copy blocks the
 /// others. If memory for that is missing, runs the next block at once.
 void RepositoryScheduler::runNext(const std::string& location) {
-    while (runFirst(location)) {
+    while (const std::optional<bool> isNextInBackground = runFirst(location)) {
         try {
-            _queue.addBlock([this, location] { runNext(location); });
+            queueFor(*isNextInBackground).addBlock([this, location] { runNext(location); });
             return;
         } catch (const std::bad_alloc&) {
             continue;
@@ -99,26 +128,26 @@ void RepositoryScheduler::runNext(const std::string& location) {
     }
 }
 
-bool RepositoryScheduler::runFirst(const std::string& location) {
-    std::function<void()> work;
+std::optional<bool> RepositoryScheduler::runFirst(const std::string& location) {
+    std::function<void()> run;
     {
         const MutexLock lock(_mutex);
-        work = std::move(_waiting.find(location)->second.front());
+        run = std::move(_waiting.find(location)->second.front().run);
     }
-    work();
-    work = nullptr;
+    run();
+    run = nullptr;
     return popFirst(location);
 }
 
-bool RepositoryScheduler::popFirst(const std::string& location) {
+std::optional<bool> RepositoryScheduler::popFirst(const std::string& location) {
     const MutexLock lock(_mutex);
     const auto waiting = _waiting.find(location);
     waiting->second.pop_front();
     if (waiting->second.empty()) {
         _waiting.erase(waiting);
-        return false;
+        return std::nullopt;
     }
-    return true;
+    return waiting->second.front().isBackground;
 }
 
 }  // namespace neb::nebsc

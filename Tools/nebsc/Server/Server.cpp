@@ -49,7 +49,9 @@ JSON requestTypes() {
 }
 
 JSON capabilities() {
-    return {{"partialResults", true}, {"cursors", {{"max", CursorRequests::mostCursors}}}};
+    return {{"partialResults", true},
+            {"background", true},
+            {"cursors", {{"max", CursorRequests::mostCursors}}}};
 }
 
 std::string sentenceOfCurrentException() {
@@ -98,7 +100,7 @@ Server::End Server::run(int input, int output) {
     }
     _jobs->cancelAll();
     _cursors.reset();
-    _queue->waitUntilAllOperationsAreFinished();
+    _scheduler->waitUntilAllWorkIsDone();
     static_cast<void>(_writer->finish(endTimeout));
     return _end;
 }
@@ -232,7 +234,7 @@ void Server::initialize(RPCMessage& message) {
     }
     _state = State::initialized;
     _initialization = message.id;
-    _jobs->start(*message.id, *_scheduler, std::nullopt, [this](Job& job) {
+    _jobs->start(*message.id, *_scheduler, {}, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
         const auto version =
@@ -268,17 +270,19 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
         return;
     }
     const auto& request = reading.request;
-    const NEBSourceControlLimits limits = reading.limits;
+    const RunSettings settings = reading.settings;
     const auto name = NEBSourceControlRequestTypeName(request->type);
     _jobs->start(
-        *message.id, *_scheduler, isRun ? writtenLocationOf(*request) : std::nullopt,
-        [this, request, limits, isRun, token = token.value, partialToken = partialToken.value,
+        *message.id, *_scheduler,
+        {.location = isRun ? writtenLocationOf(*request) : std::nullopt,
+         .isBackground = settings.isBackgroundWork},
+        [this, request, settings, isRun, token = token.value, partialToken = partialToken.value,
          title = std::string(name.value_or("request"))](Job& job) {
             std::optional<ProgressReports::Work> progress;
             if (token) {
                 progress.emplace(*_progress, *token, title);
             }
-            return isRun ? performed(job, request, limits, partialToken) : planned(job, request);
+            return isRun ? performed(job, request, settings, partialToken) : planned(job, request);
         });
 }
 
@@ -288,11 +292,11 @@ std::string Server::planned(Job& job,
 }
 
 std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
-                              const NEBSourceControlLimits& limits,
+                              const RunSettings& settings,
                               const std::optional<JSON>& partialToken) const {
-    const HostSession::Runner run = [this, &job, &limits,
+    const HostSession::Runner run = [this, &job, &settings,
                                      &partialToken](NEBSourceControlOperation& operation) {
-        operation.setLimits(limits);
+        settings.applyTo(operation);
         if (partialToken) {
             operation.setRecordSink(partialResultSink(operation, *_writer, *partialToken));
         }

@@ -70,7 +70,7 @@ private:
     /// With a token, delivers the records as partial results.
     [[nodiscard]] std::string performed(
         Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
-        const NEBSourceControlLimits& limits,
+        const RunSettings& settings,
         const std::optional<nlohmann::ordered_json>& partialToken) const;
 
     /// Returns whether the server has capacity for another message.

@@ -75,6 +75,65 @@ TEST_F(MissingServices, WithoutAThreadTheServerAnswers) {
     EXPECT_EQ(client.exitStatus(), 0);
 }
 
+/// A server that can watch few folders, or has no threads.
+class WatchWithoutServices : public MissingServices {
+protected:
+    static JSON watch(ServerClient& client, const std::string& location) {
+        client.initialize();
+        client.send(1, "sourceControl/watch",
+                    {{"sourceTree", {{"location", location}}}, {"workingTree", true}});
+        return client.answerTo(1);
+    }
+    /// Returns the params of the notification with which a watch ends.
+    static JSON endOfWatch(ServerClient& client) {
+        JSON message = client.receive();
+        while (message["method"] == "sourceControl/didChange") {
+            message = client.receive();
+        }
+        EXPECT_EQ(message["method"], "sourceControl/watchEnded");
+        return message["params"];
+    }
+    void makeManyFolders() const {
+        for (int i = 0; i < 30; ++i) {
+            repository.write("many/" + std::to_string(i) + "/file", "1");
+        }
+    }
+};
+
+TEST_F(WatchWithoutServices, BeyondTheLimitOfFoldersIsRefused) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
+    }
+    makeManyFolders();
+    ServerClient client({preloaded("FewWatches")});
+    const JSON error = watch(client, repository.path())["error"];
+    EXPECT_EQ(error["code"], -32803);
+    EXPECT_EQ(error["data"]["class"], "system-limit");
+    EXPECT_THAT(error["message"].get<std::string>(),
+                testing::HasSubstr("fs.inotify.max_user_watches"));
+}
+
+TEST_F(WatchWithoutServices, EndsWhenItReachesTheLimitOfFolders) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
+    }
+    ServerClient client({preloaded("FewWatches")});
+    EXPECT_EQ(watch(client, repository.path())["result"]["watch"], "1");
+    makeManyFolders();
+    const JSON end = endOfWatch(client);
+    EXPECT_EQ(end["class"], "system-limit");
+    EXPECT_EQ(end["watch"], "1");
+}
+
+TEST_F(WatchWithoutServices, WithoutAThreadReportsItsEnd) {
+    if (hasSanitizer) {
+        GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";
+    }
+    ServerClient client({preloaded("NoThreads")});
+    EXPECT_EQ(watch(client, repository.path())["result"]["watch"], "1");
+    EXPECT_EQ(endOfWatch(client)["class"], "system-limit");
+}
+
 TEST_F(MissingServices, WithoutRenameat2AnExportIsWholeAndOverwritesNothing) {
     if (hasSanitizer) {
         GTEST_SKIP() << "LD_PRELOAD does not work with a sanitizer";

@@ -47,6 +47,8 @@ public:
     /// Closes the read end of the server's standard output.
     void stopReading() { _fromServer.close(); }
     void signal(int signalNumber) const;
+    /// The process of the server.
+    [[nodiscard]] pid_t process() const { return _pid; }
     /// Waits for the end of the server. Returns -1 if a signal killed it.
     int exitStatus();
 

@@ -32,7 +32,8 @@ TEST(Server, DescribesItself) {
     EXPECT_NE(result["serverInfo"]["version"], "");
     EXPECT_EQ(result["capabilities"], JSON({{"partialResults", true},
                                             {"background", true},
-                                            {"cursors", {{"max", 64}}}}));
+                                            {"cursors", {{"max", 64}}},
+                                            {"watch", {{"max", 64}}}}));
     EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);
     EXPECT_THAT(result["gitVersion"].get<std::string>(), testing::StartsWith("git version "));
     EXPECT_EQ(result["requestTypes"].size(), NEBSourceControlAllRequestTypes().size());

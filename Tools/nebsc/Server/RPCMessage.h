@@ -20,6 +20,7 @@ enum class RPCErrorCode {
     internalError = -32603,
     serverNotInitialized = -32002,
     requestCancelled = -32800,
+    requestFailed = -32803,
 };
 
 /// A request or, without an id, a notification.

@@ -49,9 +49,13 @@ JSON requestTypes() {
 }
 
 JSON capabilities() {
-    return {{"partialResults", true},
-            {"background", true},
-            {"cursors", {{"max", CursorRequests::mostCursors}}}};
+    JSON all{{"partialResults", true},
+             {"background", true},
+             {"cursors", {{"max", CursorRequests::mostCursors}}}};
+    if (WatchRequests::areAvailable()) {
+        all["watch"] = {{"max", WatchRequests::mostWatches}};
+    }
+    return all;
 }
 
 std::string sentenceOfCurrentException() {
@@ -78,6 +82,8 @@ const Server::Method Server::methods[] = {
     {.name = "sourceControl/open", .handler = &Server::openCursor},
     {.name = "sourceControl/next", .handler = &Server::nextPage},
     {.name = "sourceControl/close", .handler = &Server::closeCursor},
+    {.name = "sourceControl/watch", .handler = &Server::watch},
+    {.name = "sourceControl/unwatch", .handler = &Server::unwatch},
     {.name = "$/cancelRequest", .handler = &Server::cancelRequest, .isNotification = true},
     {.name = "shutdown", .handler = &Server::shutDown},
     {.name = "exit", .handler = &Server::exit, .isNotification = true, .isForAnyState = true},
@@ -91,6 +97,7 @@ Server::End Server::run(int input, int output) {
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
     _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
     _cursors = std::make_unique<CursorRequests>(_session, *_writer, *_progress, *_jobs);
+    _watches = std::make_unique<WatchRequests>(_session, *_writer, *_jobs, *_scheduler);
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
         readFrom(input);
@@ -101,6 +108,7 @@ Server::End Server::run(int input, int output) {
     _jobs->cancelAll();
     _cursors.reset();
     _scheduler->waitUntilAllWorkIsDone();
+    _watches.reset();
     static_cast<void>(_writer->finish(endTimeout));
     return _end;
 }
@@ -329,6 +337,14 @@ void Server::nextPage(RPCMessage& message) {
 
 void Server::closeCursor(RPCMessage& message) {
     _cursors->close(message);
+}
+
+void Server::watch(RPCMessage& message) {
+    _watches->watch(message);
+}
+
+void Server::unwatch(RPCMessage& message) {
+    _watches->unwatch(message);
 }
 
 void Server::shutDown(RPCMessage& message) {

@@ -18,6 +18,7 @@
 #include "Server/ProgressReports.h"
 #include "Server/RPCMessage.h"
 #include "Server/RepositoryScheduler.h"
+#include "Server/Watch/WatchRequests.h"
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
 
@@ -60,6 +61,8 @@ private:
     void openCursor(RPCMessage& message);
     void nextPage(RPCMessage& message);
     void closeCursor(RPCMessage& message);
+    void watch(RPCMessage& message);
+    void unwatch(RPCMessage& message);
     void cancelRequest(RPCMessage& message);
     void shutDown(RPCMessage& message);
     void exit(RPCMessage& message);
@@ -94,6 +97,7 @@ private:
     std::unique_ptr<OperationQueue> _queue;
     std::unique_ptr<RepositoryScheduler> _scheduler;
     std::unique_ptr<CursorRequests> _cursors;
+    std::unique_ptr<WatchRequests> _watches;
 };
 
 }  // namespace neb::nebsc

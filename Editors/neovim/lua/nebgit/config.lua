@@ -10,6 +10,10 @@ M.defaults = {
     delay = 30, -- milliseconds after the last change of the text
     text = { add = "+", change = "~", delete = "_", topdelete = "^", changedelete = "~" },
   },
+  blame = {
+    enabled = false, -- whether the blame of the current line is shown from the start
+    delay = 150, -- milliseconds after the last movement of the cursor
+  },
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
   keys = {
     next_hunk = "]h",
@@ -18,6 +22,8 @@ M.defaults = {
     stage_hunk = "<leader>hs",
     unstage_hunk = "<leader>hu",
     reset_hunk = "<leader>hr",
+    blame_line = "<leader>hb",
+    blame = "<leader>hB",
   },
 }
 

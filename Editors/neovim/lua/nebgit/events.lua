@@ -3,6 +3,7 @@ local M = {}
 
 -- Begins to handle events. The modules are loaded here, after the start of the editor.
 function M.start(group)
+  local blame_line = require("nebgit.blame_line")
   local changes = require("nebgit.changes")
   local repository = require("nebgit.repository")
   local signs = require("nebgit.signs")
@@ -18,6 +19,7 @@ function M.start(group)
   on({ "BufWinEnter", "BufEnter" }, function(context)
     changes.show(context.buf)
   end)
+  on({ "CursorMoved", "InsertEnter", "InsertLeave", "BufLeave" }, blame_line.cursor_moved)
   on("BufWritePost", function(context)
     if vim.b[context.buf].nebgit_root then
       repository.changed(vim.b[context.buf].nebgit_root, { "workingTree" })

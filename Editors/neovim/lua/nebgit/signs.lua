@@ -76,7 +76,12 @@ changes.on_update(draw)
 
 -- Defines the colours; a colour scheme or the user may have defined others.
 function M.define_highlights()
-  local links = { NEBGitAdd = "DiffAdd", NEBGitChange = "DiffChange", NEBGitDelete = "DiffDelete" }
+  local links = {
+    NEBGitAdd = "DiffAdd",
+    NEBGitChange = "DiffChange",
+    NEBGitDelete = "DiffDelete",
+    NEBGitBlame = "Comment",
+  }
   for name, target in pairs(links) do
     vim.api.nvim_set_hl(0, name, { link = target, default = true })
   end

@@ -1,0 +1,47 @@
+-- Records of the request "changes" as the lines of a patch.
+local M = {}
+
+local patch = require("nebgit.patch")
+
+local function header(record)
+  local old, new = record.OriginalPath or record.Path, record.Path
+  local lines = { ("diff --git %s %s"):format(patch.quoted("a/" .. old), patch.quoted("b/" .. new)) }
+  if record.State == "added" then
+    lines[#lines + 1] = "new file mode " .. (record.NewMode or "")
+  elseif record.State == "deleted" then
+    lines[#lines + 1] = "deleted file mode " .. (record.OldMode or "")
+  elseif record.OldMode ~= record.NewMode then
+    lines[#lines + 1] = "old mode " .. record.OldMode
+    lines[#lines + 1] = "new mode " .. record.NewMode
+  end
+  if record.OriginalPath then
+    lines[#lines + 1] = ("rename from %s"):format(patch.quoted(old))
+    lines[#lines + 1] = ("rename to %s"):format(patch.quoted(new))
+  end
+  if record.IsBinary then
+    lines[#lines + 1] = "Binary files differ"
+  elseif #(record.Hunks or {}) > 0 then
+    lines[#lines + 1] = "--- " .. (record.State == "added" and "/dev/null" or patch.quoted("a/" .. old))
+    lines[#lines + 1] = "+++ " .. (record.State == "deleted" and "/dev/null" or patch.quoted("b/" .. new))
+  end
+  return lines
+end
+
+-- Returns the heading of a hunk.
+function M.heading(hunk)
+  local range = "@@ -%d,%d +%d,%d @@%s"
+  local heading = hunk.Heading and " " .. hunk.Heading or ""
+  return range:format(hunk.OldStart, hunk.OldCount, hunk.NewStart, hunk.NewCount, heading)
+end
+
+-- Returns the lines of one changed file.
+function M.lines(record)
+  local lines = header(record)
+  for _, hunk in ipairs(record.Hunks or {}) do
+    lines[#lines + 1] = M.heading(hunk)
+    vim.list_extend(lines, hunk.Lines)
+  end
+  return lines
+end
+
+return M

@@ -37,15 +37,60 @@ end)
 add("blame", function()
   require("nebgit.blame_file").open()
 end)
-add("show", function(arguments)
-  require("nebgit.repository").find_current(function(root)
-    if root then
-      require("nebgit.commit_view").open(root, arguments[1] or "HEAD")
+
+-- Adds a subcommand that calls run(root, arguments, path) for the working copy of the current
+-- buffer.
+local function add_for_root(name, run, values)
+  add(name, function(arguments)
+    require("nebgit.repository").find_current(function(root, path)
+      if root then
+        run(root, arguments, path)
+      else
+        messages.error("this is not in a working copy")
+      end
+    end)
+  end, values)
+end
+
+add_for_root("show", function(root, arguments)
+  require("nebgit.commit_view").open(root, arguments[1] or "HEAD")
+end)
+add_for_root("status", function(root)
+  require("nebgit.status.window").open(root)
+end)
+add_for_root("commit", function(root, arguments)
+  require("nebgit.commit_message").open(root, { amend = arguments[1] == "amend" or nil })
+end, { "amend" })
+add_for_root("push", function(root, arguments)
+  require("nebgit.remotes").push(root, arguments[1] == "force")
+end, { "force" })
+add_for_root("pull", function(root)
+  require("nebgit.remotes").pull(root)
+end)
+add_for_root("fetch", function(root)
+  require("nebgit.remotes").fetch(root)
+end)
+add_for_root("stash", function(root)
+  require("nebgit.stashes").menu(root)
+end)
+add_for_root("switch", function(root, arguments)
+  require("nebgit.branches").switch(root, arguments[1])
+end)
+for _, action in ipairs({ "continue", "skip", "abort" }) do
+  add_for_root(action, function(root)
+    require("nebgit.operations").finish(root, action)
+  end)
+end
+for _, name in ipairs({ "stage", "unstage" }) do
+  add_for_root(name, function(root, _, path)
+    if path == "" then
+      messages.error("the buffer has no file")
     else
-      messages.info("the file is in no repository")
+      require("nebgit.actions").perform(name, root, { files = { path } })
     end
   end)
-end)
+end
+
 add("restart", function()
   require("nebgit.server").restart()
 end)

@@ -14,6 +14,11 @@ M.defaults = {
     enabled = false, -- whether the blame of the current line is shown from the start
     delay = 150, -- milliseconds after the last movement of the cursor
   },
+  status = {
+    max_paths = 500, -- paths that a section shows until it is expanded
+  },
+  -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
+  pull = nil,
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
   keys = {
     next_hunk = "]h",
@@ -24,13 +29,15 @@ M.defaults = {
     reset_hunk = "<leader>hr",
     blame_line = "<leader>hb",
     blame = "<leader>hB",
+    status = "<leader>gs",
+    commit = "<leader>gc",
   },
 }
 
 M.options = vim.deepcopy(M.defaults)
 
 -- The settings that may have a value of another type than their default.
-local other_types = { ["keys"] = { boolean = true } }
+local other_types = { ["pull"] = { string = true }, ["keys"] = { boolean = true } }
 local free_tables = { ["command"] = true }
 
 -- Returns the first setting that does not exist or has a wrong type, as a sentence; or nil.

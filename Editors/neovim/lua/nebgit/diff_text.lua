@@ -1,11 +1,11 @@
 -- Records of the request "changes" as the lines of a patch.
 local M = {}
 
-local patch = require("nebgit.patch")
+local names = require("nebgit.names")
 
 local function header(record)
   local old, new = record.OriginalPath or record.Path, record.Path
-  local lines = { ("diff --git %s %s"):format(patch.quoted("a/" .. old), patch.quoted("b/" .. new)) }
+  local lines = { ("diff --git %s %s"):format(names.quoted("a/" .. old), names.quoted("b/" .. new)) }
   if record.State == "added" then
     lines[#lines + 1] = "new file mode " .. (record.NewMode or "")
   elseif record.State == "deleted" then
@@ -15,14 +15,14 @@ local function header(record)
     lines[#lines + 1] = "new mode " .. record.NewMode
   end
   if record.OriginalPath then
-    lines[#lines + 1] = ("rename from %s"):format(patch.quoted(old))
-    lines[#lines + 1] = ("rename to %s"):format(patch.quoted(new))
+    lines[#lines + 1] = ("rename from %s"):format(names.quoted(old))
+    lines[#lines + 1] = ("rename to %s"):format(names.quoted(new))
   end
   if record.IsBinary then
     lines[#lines + 1] = "Binary files differ"
   elseif #(record.Hunks or {}) > 0 then
-    lines[#lines + 1] = "--- " .. (record.State == "added" and "/dev/null" or patch.quoted("a/" .. old))
-    lines[#lines + 1] = "+++ " .. (record.State == "deleted" and "/dev/null" or patch.quoted("b/" .. new))
+    lines[#lines + 1] = "--- " .. (record.State == "added" and "/dev/null" or names.quoted("a/" .. old))
+    lines[#lines + 1] = "+++ " .. (record.State == "deleted" and "/dev/null" or names.quoted("b/" .. new))
   end
   return lines
 end

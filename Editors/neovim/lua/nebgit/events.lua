@@ -25,6 +25,12 @@ function M.start(group)
       repository.changed(vim.b[context.buf].nebgit_root, { "workingTree" })
     end
   end)
+  -- After a checkout, pull or the like, unmodified buffers show what is on the disk.
+  repository.on_change(function(root, kinds)
+    if root and kinds.workingTree then
+      vim.cmd("silent! checktime")
+    end
+  end)
   on({ "FocusGained", "ShellCmdPost", "TermLeave", "VimResume" }, function()
     repository.changed(nil)
   end)

@@ -17,12 +17,19 @@ function M.error(text)
   show(text, vim.log.levels.ERROR)
 end
 
+-- Failures of which only git's or the hook's own output says what is wrong.
+local with_output = { unknown = true, ["local-hook-refused"] = true, ["remote-hook-refused"] = true }
+
 -- Returns what happened, and what to do, of a failure of requests.lua as one text.
 function M.text_of(failure)
-  if failure.advice and failure.advice ~= "" then
-    return failure.message .. "\n" .. failure.advice
+  local parts = { failure.message }
+  if failure.text and with_output[failure.class] and failure.text ~= failure.message then
+    parts[#parts + 1] = failure.text
   end
-  return failure.message
+  if failure.advice and failure.advice ~= "" then
+    parts[#parts + 1] = failure.advice
+  end
+  return table.concat(parts, "\n")
 end
 
 -- Shows a failure of requests.lua. A cancelled request is no failure for the user.

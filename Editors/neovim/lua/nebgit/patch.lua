@@ -1,24 +1,15 @@
 -- Patches in the unified format, as git-apply(1) reads them.
 local M = {}
 
+local names = require("nebgit.names")
 local text = require("nebgit.text")
 
 -- Unchanged lines around a change, by which git finds its position.
 local context = 3
 
--- Returns the path as git-diff(1) quotes it, if it has more than plain characters.
-function M.quoted(path)
-  if not path:find("[^%w_./-]") then
-    return path
-  end
-  return '"' .. path:gsub('[%c"\\\127-\255]', function(character)
-    return ("\\%03o"):format(character:byte())
-  end) .. '"'
-end
-
 -- Returns a patch of one file with the lines of hunks.
 local function patch(path, lines)
-  local header = { "--- " .. M.quoted("a/" .. path), "+++ " .. M.quoted("b/" .. path) }
+  local header = { "--- " .. names.quoted("a/" .. path), "+++ " .. names.quoted("b/" .. path) }
   return table.concat(vim.list_extend(header, lines), "\n") .. "\n"
 end
 

@@ -47,7 +47,7 @@ function M.set_lines(buffer, first, last, lines)
   vim.bo[buffer].modified = false
 end
 
--- Defines keys of the buffer: a list of {keys, function, description, mode}; mode is "n" by
+-- Defines keys of the buffer: a list of {keys, function, description, modes}; modes is "n" by
 -- default. The key "g?" lists them, and "q" closes the window.
 function M.map(buffer, keys)
   local lines = {}

@@ -1,0 +1,113 @@
+-- Push, pull and fetch with a remote on the disk.
+local harness = require("harness")
+
+local tests = {}
+
+-- Creates the bare remote "origin" and a commit.
+local function prepare()
+  harness.commit({ file = "1\n" }, "First")
+  harness.remote = harness.folder .. "/shared.git"
+  harness.run({ "git", "init", "--quiet", "--bare", "--initial-branch=main", harness.remote })
+  harness.git("remote", "add", "origin", harness.remote)
+  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+end
+
+local function remote_log(branch)
+  return vim.trim(harness.run({ "git", "-C", harness.remote, "log", "--format=%s", branch }))
+end
+
+-- Adds a commit to the remote's main from another clone.
+local function commit_elsewhere()
+  local root = harness.root
+  harness.root = harness.folder .. "/other"
+  harness.run({ "git", "clone", "--quiet", harness.remote, harness.root })
+  harness.commit({ file = "theirs\n" }, "Theirs")
+  harness.git("push", "--quiet")
+  harness.root = root
+end
+
+function tests.NewBranchIsPushedAfterAQuestion()
+  prepare()
+  harness.answers = { "Push" }
+  vim.cmd("NEBGit push")
+  harness.wait_for_message("pushed main: new")
+  harness.contains("Push the new branch 'main' to 'origin'", harness.questions[1])
+  harness.equal("First", remote_log("main"))
+  harness.equal("origin/main", harness.git("rev-parse", "--abbrev-ref", "@{upstream}"))
+  harness.commit({ file = "2\n" }, "Second")
+  vim.cmd("NEBGit push")
+  harness.wait_for_message("pushed main: updated")
+end
+
+function tests.PushIsRefusedThenPulledAndForced()
+  prepare()
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  commit_elsewhere()
+  harness.commit({ mine = "x\n" }, "Mine")
+  vim.cmd("NEBGit push")
+  harness.wait_for_message("does not have the latest remote changes")
+  require("nebgit").setup({ command = { vim.env.NEBSC }, pull = "rebase" })
+  vim.cmd("NEBGit pull")
+  harness.wait_for_message("pulled")
+  harness.equal("Mine\nTheirs\nFirst", harness.git("log", "--format=%s"))
+  harness.git("reset", "--quiet", "--hard", "HEAD^")
+  harness.commit({ mine = "y\n" }, "Mine again")
+  harness.git("reset", "--quiet", "--soft", "HEAD~2")
+  harness.git("commit", "--quiet", "--message", "Both")
+  harness.answers = { "Force" }
+  vim.cmd("NEBGit push force")
+  harness.wait_for_message("pushed main: forced")
+  harness.equal("Both\nFirst", remote_log("main"))
+end
+
+function tests.PullFollowsTheSettingsOfGit()
+  prepare()
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  commit_elsewhere()
+  harness.git("config", "pull.ff", "only")
+  vim.cmd("NEBGit pull")
+  harness.wait_for_message("pulling (fast-forward)")
+  harness.wait_for_message("nebgit: pulled")
+  vim.cmd("NEBGit pull")
+  harness.wait_for_message("already up to date")
+end
+
+function tests.PullReloadsBuffers()
+  prepare()
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  commit_elsewhere()
+  harness.edit("file")
+  vim.cmd("NEBGit pull")
+  harness.wait(function()
+    return harness.lines()[1] == "theirs"
+  end, "the content that was pulled")
+end
+
+function tests.FetchChoosesAmongRemotes()
+  prepare()
+  harness.git("push", "--quiet", "origin", "main")
+  harness.git("remote", "add", "second", harness.remote)
+  harness.answers = { "second" }
+  vim.cmd("NEBGit fetch")
+  harness.wait_for_message("fetched from 'second'")
+  harness.contains("second/main", harness.git("branch", "--remotes"))
+end
+
+function tests.RepositoryWithoutARemote()
+  harness.commit({ file = "1\n" })
+  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  vim.cmd("NEBGit fetch")
+  harness.wait_for_message("has no remote")
+end
+
+function tests.UnreachableRemoteIsReported()
+  prepare()
+  harness.git("remote", "set-url", "origin", harness.folder .. "/gone.git")
+  vim.cmd("NEBGit fetch")
+  harness.wait_for_message("fetching from 'origin'")
+  harness.wait(function()
+    return #vim.split(harness.messages(), "nebgit: ") > 2
+  end)
+end
+
+return tests

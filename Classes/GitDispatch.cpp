@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "GitExtensions/GitAnnotation.h"
+#include "GitExtensions/GitChangeBranch.h"
 #include "GitExtensions/GitChanges.h"
 #include "GitExtensions/GitContent.h"
 #include "GitExtensions/GitCreateCommit.h"
@@ -268,6 +269,7 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestPick, &make<GitPickOperation>, {{&startingRevision, 1014}}},
     {NEBSourceControlRequestTag, &make<GitTagOperation>, {{&destination, 1015}}},
     {NEBSourceControlRequestFinish, &make<GitFinishOperation>},
+    {NEBSourceControlRequestChangeBranch, &make<GitChangeBranchOperation>},
 };
 
 const DispatchRow* rowOfType(std::int32_t type) {

@@ -13,9 +13,6 @@ namespace neb {
 
 namespace {
 
-constexpr GitNameKeys sourceKeys{NEBSourceControlOperationSourceKey,
-                                 NEBSourceControlOperationSourceBytesKey};
-
 struct PushState {
     char flag;
     std::string_view state;
@@ -84,7 +81,7 @@ protected:
         }
         NEBDictionary& record = records.emplace_back();
         gitSetName(record, gitNameKeys, output, line->to);
-        gitSetName(record, sourceKeys, output, line->from);
+        gitSetName(record, gitSourceKeys, output, line->from);
         record.set(NEBSourceControlOperationStateKey, line->state);
         if (line->state == "rejected") {
             gitSetText(record, NEBSourceControlOperationReasonKey, output, reasonOf(line->summary));

@@ -29,6 +29,8 @@ inline constexpr GitNameKeys gitWorktreeKeys{NEBSourceControlOperationWorktreeKe
                                              NEBSourceControlOperationWorktreeBytesKey};
 inline constexpr GitNameKeys gitBranchKeys{NEBSourceControlOperationBranchKey,
                                            NEBSourceControlOperationBranchBytesKey};
+inline constexpr GitNameKeys gitSourceKeys{NEBSourceControlOperationSourceKey,
+                                           NEBSourceControlOperationSourceBytesKey};
 inline constexpr GitNameKeys gitValueKeys{NEBSourceControlOperationValueKey,
                                           NEBSourceControlOperationValueBytesKey};
 inline constexpr GitNameKeys gitOriginKeys{NEBSourceControlOperationOriginKey,

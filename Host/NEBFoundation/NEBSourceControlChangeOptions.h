@@ -21,7 +21,8 @@ namespace neb {
 
 /// String: what to do. Stash: "list" (the default), "push", "show", "apply", "pop" or "drop".
 /// Publish: "push" (the default) or "delete". Pick: "cherry-pick" (the default), "revert" or
-/// "reset". Tag: "create" (the default) or "delete". Finish: "continue", "skip" or "abort".
+/// "reset". Tag: "create" (the default) or "delete". Finish: "continue", "skip" or "abort". Change
+/// branch: "rename", "set-upstream" or "unset-upstream".
 inline constexpr NEBConstant NEBSourceControlRequestOptionAction{
     "NEBSourceControlRequestOptionAction"};
 /// Boolean: change nothing, and return what would be thrown away. Used by discard and pick

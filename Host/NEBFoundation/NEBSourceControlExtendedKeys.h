@@ -81,8 +81,8 @@ inline constexpr NEBConstant NEBSourceControlOperationSymbolicTargetKey{
 /// or the worktree is that of the request (worktrees).
 inline constexpr NEBConstant NEBSourceControlOperationIsCurrentKey{
     "NEBSourceControlOperationIsCurrentKey"};
-/// String: the reference that a branch tracks; the full name (references), or the short name
-/// (working copy state).
+/// String: the reference that a branch tracks; the full name (references, change branch), or the
+/// short name (working copy state).
 inline constexpr NEBConstant NEBSourceControlOperationUpstreamKey{
     "NEBSourceControlOperationUpstreamKey"};
 /// Bytes: the upstream, if it is not UTF-8.
@@ -272,7 +272,8 @@ inline constexpr NEBConstant NEBSourceControlOperationContentBytesKey{
 
 // Publish.
 
-/// String: the reference or revision that was pushed; absent if a reference was deleted.
+/// String: the reference or revision that was pushed; absent if a reference was deleted. Change
+/// branch: the full name of the branch before a rename.
 inline constexpr NEBConstant NEBSourceControlOperationSourceKey{
     "NEBSourceControlOperationSourceKey"};
 /// Bytes: that source, if it is not UTF-8.

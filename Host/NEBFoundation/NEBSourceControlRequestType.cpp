@@ -222,6 +222,13 @@ constexpr NEBSourceControlRequestTypeDescription rows[] = {
      {}},
     {NEBSourceControlRequestTree, "tree", reads, offline, inTree, exposed::start, {}},
     {NEBSourceControlRequestFinish, "finish", changes, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestChangeBranch,
+     "change branch",
+     changes,
+     offline,
+     inTree,
+     exposed::nothing,
+     {}},
 };
 
 constexpr auto typeOf = [](const NEBSourceControlRequestTypeDescription& row) { return row.type; };

@@ -145,6 +145,8 @@ enum NEBSourceControlRequestType : std::int32_t {
     NEBSourceControlRequestTree = 1019,
     /// `git merge`, `git rebase` …: continues, skips or aborts what is under way.
     NEBSourceControlRequestFinish = 1020,
+    /// `git branch`: renames a branch, or sets or unsets its upstream branch.
+    NEBSourceControlRequestChangeBranch = 1021,
 };
 
 /// The types below this number have a row for each number, and each has a command of nebsc.

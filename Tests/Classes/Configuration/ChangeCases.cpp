@@ -103,6 +103,12 @@ std::vector<RequestCase> historyCases() {
              request.destination = "v9";
              setOptions(request, {{NEBSourceControlRequestOptionMessage, "Nine"}});
          }},
+        {"ChangeBranch", NEBSourceControlRequestChangeBranch, "",
+         [](const World& /*world*/, Request& request) {
+             request.destination = "renamed";
+             setOptions(request, {{NEBSourceControlRequestOptionAction, "rename"},
+                                  {NEBSourceControlRequestOptionBranch, "rival"}});
+         }},
         {"Finish", NEBSourceControlRequestFinish, "git merge -q rival || true",
          [](const World& /*world*/, Request& request) { setAction(request, "abort"); }},
     };

@@ -40,7 +40,8 @@ protected:
 
 TEST_F(BranchCommands, AreSubcommands) {
     EXPECT_THAT(nebsc({"branch", "--help"}).output, HasSubstr("nebsc branch create topic"));
-    for (const char* name : {"list", "current", "create", "delete", "track", "tracking"}) {
+    for (const char* name :
+         {"list", "current", "create", "delete", "rename", "upstream", "track", "tracking"}) {
         EXPECT_THAT(nebsc({"branch", "--help"}).output, HasSubstr("\n  " + std::string(name)));
         const NebscOutcome help = nebsc({"branch", name, "--help"});
         EXPECT_THAT(help.output, testing::ContainsRegex("\nExamples?:\n(.*\n)* .*nebsc branch " +

@@ -1,4 +1,4 @@
-// The command "branch" and its subcommands, except those about tracking.
+// The command "branch" and its subcommands, except those that change or track a branch.
 
 #include <unistd.h>
 
@@ -274,8 +274,8 @@ constinit const Command deleteCommand{
 };
 
 constexpr const Command* branchCommands[] = {
-    &listCommand,   &currentCommand,     &createCommand,
-    &deleteCommand, &branchTrackCommand, &branchTrackingCommand,
+    &listCommand,         &currentCommand,        &createCommand,      &deleteCommand,
+    &branchRenameCommand, &branchUpstreamCommand, &branchTrackCommand, &branchTrackingCommand,
 };
 
 }  // namespace
@@ -283,11 +283,12 @@ constexpr const Command* branchCommands[] = {
 constinit const Command branchCommand{
     .name = "branch",
     .group = branchesGroup,
-    .summary = "List, create and delete branches",
+    .summary = "List, create, rename and delete branches",
     .details =
         "Examples:\n"
         "  nebsc branch                             list the branches\n"
         "  nebsc branch create topic                create a branch\n"
+        "  nebsc branch rename topic parser         give it another name\n"
         "  nebsc branch track topic origin/topic    create one that tracks origin/topic\n"
         "  nebsc branch create --help               help for a subcommand\n",
     .activity = "Reading",

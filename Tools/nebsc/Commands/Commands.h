@@ -62,8 +62,10 @@ extern const Command abortCommand;
 extern const Command tuneCommand;
 
 // ---- branches
-/// Its subcommands list, create and delete branches.
+/// Its subcommands list, create, rename and delete branches.
 extern const Command branchCommand;
+extern const Command branchRenameCommand;
+extern const Command branchUpstreamCommand;
 extern const Command branchTrackCommand;
 extern const Command branchTrackingCommand;
 extern const Command checkoutCommand;

@@ -58,6 +58,12 @@ end)
 add_for_root("status", function(root)
   require("nebgit.status.window").open(root)
 end)
+add_for_root("log", function(root, arguments, path)
+  if arguments[1] == "file" and path == "" then
+    return messages.error("the buffer has no file")
+  end
+  require("nebgit.log.window").open(root, arguments[1] == "file" and path or nil)
+end, { "file" })
 add_for_root("commit", function(root, arguments)
   require("nebgit.commit_message").open(root, { amend = arguments[1] == "amend" or nil })
 end, { "amend" })

@@ -17,6 +17,12 @@ M.defaults = {
   status = {
     max_paths = 500, -- paths that a section shows until it is expanded
   },
+  log = {
+    page_size = 200, -- commits that are read at a time
+    -- "topology", "date" or "author date": never shows a parent before a child, but git may have to
+    -- read the whole history first. nil: as "git log" does by default.
+    order = nil,
+  },
   -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
   pull = nil,
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
@@ -31,13 +37,18 @@ M.defaults = {
     blame = "<leader>hB",
     status = "<leader>gs",
     commit = "<leader>gc",
+    log = "<leader>gl",
   },
 }
 
 M.options = vim.deepcopy(M.defaults)
 
 -- The settings that may have a value of another type than their default.
-local other_types = { ["pull"] = { string = true }, ["keys"] = { boolean = true } }
+local other_types = {
+  ["pull"] = { string = true },
+  ["log.order"] = { string = true },
+  ["keys"] = { boolean = true },
+}
 local free_tables = { ["command"] = true }
 
 -- Returns the first setting that does not exist or has a wrong type, as a sentence; or nil.

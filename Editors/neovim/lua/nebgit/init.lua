@@ -9,4 +9,10 @@ function M.setup(options)
   end
 end
 
+-- Returns the branch and the changed lines of the buffer for a status line, such as
+-- "main ↑1 +3 ~1 -2". Never waits.
+function M.statusline()
+  return require("nebgit.statusline").text()
+end
+
 return M

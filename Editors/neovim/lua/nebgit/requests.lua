@@ -11,6 +11,7 @@ M.types = {
   create_branch = 1,
   checkout = 14,
   list_remotes = 24,
+  current_branch = 26,
   create_repository = 27,
   clone = 29,
   fetch = 37,

@@ -1,0 +1,174 @@
+-- The log window, its graph and pages, and the status line.
+local graph = require("nebgit.log.graph")
+local harness = require("harness")
+
+local tests = {}
+
+-- Draws a graph of commits, each a text "ID PARENT…".
+local function draw(commits)
+  local drawing, lines = graph.new(), {}
+  for _, commit in ipairs(commits) do
+    local words = vim.split(commit, " ")
+    local before, lanes, after = drawing:add(words[1], vim.list_slice(words, 2))
+    vim.list_extend(lines, before)
+    lines[#lines + 1] = lanes .. " " .. words[1]
+    vim.list_extend(lines, after)
+  end
+  return lines
+end
+
+local function open_log(arguments)
+  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  vim.cmd("NEBGit log " .. (arguments or ""))
+end
+
+function tests.GraphOfALine()
+  harness.equal({ "* c", "* b", "* a" }, draw({ "c b", "b a", "a" }))
+end
+
+function tests.GraphOfAMerge()
+  harness.equal({
+    "* m",
+    "├─╮",
+    "* │ b",
+    "│ * c",
+    "├─╯",
+    "* a",
+  }, draw({ "m b c", "b a", "c a", "a" }))
+end
+
+function tests.GraphOfIndependentBranches()
+  harness.equal({ "* b", "│ * d", "* │ a", "  * c" }, draw({ "b a", "d c", "a", "c" }))
+end
+
+function tests.GraphOfAnOctopus()
+  harness.equal({
+    "* m",
+    "├─┬─╮",
+    "* │ │ a",
+    "│ * │ b",
+    "│ │ * c",
+    "├─┴─╯",
+    "* r",
+  }, draw({ "m a b c", "a r", "b r", "c r", "r" }))
+end
+
+function tests.GraphOfAMergeWithALaneOnTheLeft()
+  harness.equal({
+    "* x",
+    "│ * m",
+    "├─┤",
+    "* │ a",
+    "  * b",
+  }, draw({ "x a", "m b a", "a", "b" }))
+end
+
+function tests.GraphWithAParentBeforeItsChild()
+  harness.equal({ "* m", "├─╮", "* │ a", "  * b" }, draw({ "m a b", "a", "b a" }))
+end
+
+function tests.CommitsWithGraphAndReferences()
+  harness.commit({ file = "1\n" }, "First")
+  harness.git("tag", "v1")
+  harness.git("checkout", "--quiet", "-b", "side")
+  vim.env.GIT_COMMITTER_DATE = "2026-03-04T05:06:08 +0000"
+  harness.commit({ side = "s\n" }, "Side")
+  harness.git("checkout", "--quiet", "main")
+  harness.git("merge", "--quiet", "--no-ff", "--message", "Merge", "side")
+  open_log()
+  harness.go_to("First")
+  vim.env.GIT_COMMITTER_DATE = "2026-03-04T05:06:07 +0000"
+  local function id(name)
+    return harness.git("rev-parse", name):sub(1, 8)
+  end
+  harness.equal({
+    ("* %s (HEAD, main) Merge  Ann Example, 2026-03-04"):format(id("main")),
+    "├─╮",
+    ("│ * %s (side) Side  Ann Example, 2026-03-04"):format(id("side")),
+    "├─╯",
+    ("* %s (tag: v1) First  Ann Example, 2026-03-04"):format(id("v1")),
+  }, harness.lines())
+  harness.press("<CR>")
+  harness.go_to("+1")
+  harness.equal("commit " .. harness.git("rev-parse", "v1"), harness.lines()[1])
+end
+
+function tests.PagesAreReadWhenTheWindowIsScrolled()
+  local input = {}
+  for number = 1, 1000 do
+    vim.list_extend(input, {
+      "commit refs/heads/main",
+      ("committer Ann Example <ann@example.org> %d +0000"):format(1700000000 + number),
+      "data <<END", "Commit " .. number, "END", "",
+    })
+  end
+  harness.run({ "git", "-C", harness.root, "fast-import", "--quiet" }, table.concat(input, "\n"))
+  require("nebgit").setup({ command = { vim.env.NEBSC }, log = { page_size = 100 } })
+  open_log()
+  harness.go_to("Commit 1000")
+  harness.wait(function()
+    return #harness.lines() >= 100
+  end)
+  assert(#harness.lines() <= 200, #harness.lines())
+  while #harness.lines() < 1000 do
+    local count = #harness.lines()
+    harness.press("G")
+    vim.cmd("doautocmd CursorMoved")
+    harness.wait(function()
+      return #harness.lines() > count
+    end, "the next page")
+  end
+  harness.contains("Commit 1 ", harness.lines()[1000])
+end
+
+function tests.LogOfAFileFollowsItsRename()
+  harness.commit({ ["old name"] = "content\nof\nfile\n" }, "First")
+  harness.commit({ other = "x\n" }, "Other")
+  harness.git("mv", "old name", "new name")
+  harness.commit({}, "Second")
+  harness.edit("new name")
+  harness.wait(function()
+    return vim.b.nebgit_path
+  end)
+  open_log("file")
+  harness.go_to("First")
+  harness.equal(2, #harness.lines())
+end
+
+function tests.LogFollowsNewCommits()
+  harness.commit({ file = "1\n" }, "First")
+  open_log()
+  harness.go_to("First")
+  harness.commit({ file = "2\n" }, "Second")
+  vim.cmd("doautocmd FocusGained")
+  harness.go_to("Second")
+end
+
+function tests.NoCommits()
+  open_log()
+  harness.wait_for_message("nebgit: ")
+end
+
+function tests.StatusLine()
+  harness.commit({ file = "1\n2\n" })
+  harness.run({ "git", "init", "--quiet", "--bare", harness.folder .. "/shared.git" })
+  harness.git("remote", "add", "origin", harness.folder .. "/shared.git")
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  harness.commit({ other = "x\n" })
+  harness.equal("", require("nebgit").statusline())
+  harness.edit("file")
+  vim.api.nvim_buf_set_lines(0, 0, 1, true, { "one", "and a half" })
+  local text
+  pcall(harness.wait, function()
+    text = require("nebgit").statusline()
+    return text == "main ↑1 +1 ~1"
+  end)
+  harness.equal("main ↑1 +1 ~1", text)
+  harness.git("checkout", "--quiet", "--detach")
+  vim.cmd("doautocmd FocusGained")
+  harness.wait(function()
+    return require("nebgit").statusline():find("(detached)", 1, true)
+  end)
+end
+
+return tests

@@ -17,7 +17,10 @@
 ;;; Code:
 
 (require 'nebgit-blame)
+(require 'nebgit-hunk)
 (require 'nebgit-log)
+(require 'nebgit-mode-line)
+(require 'nebgit-watch)
 
 (defcustom nebgit-revert-buffers t
   "Whether buffers without changes are read again after git changed their files."
@@ -62,7 +65,8 @@
     (with-current-buffer buffer
       (unless (derived-mode-p 'nebgit-status-mode)
         (nebgit-status-mode)
-        (setq default-directory root))
+        (setq default-directory root)
+        (nebgit-watch-buffer root))
       (nebgit-status-refresh))
     (pop-to-buffer buffer)))
 
@@ -103,7 +107,7 @@
 
 ;;; Refreshing
 
-(defun nebgit--changed (root)
+(defun nebgit--changed (root &optional _changes)
   "Show the state of ROOT again, where it is shown, and read its files again."
   (let ((buffer (get-buffer (nebgit--status-name root))))
     (when buffer

@@ -41,7 +41,7 @@ They are NEW-COUNT lines after NEW-LINE of the buffer."
   old-line old-count new-line new-count)
 
 (defvar-local nebgit-changes--base nil
-  "Name of a temporary file with the text of the index; nil if there is none.")
+  "Name of a temporary file with the text of the index; nil without one.")
 
 (defvar-local nebgit-changes--hunks nil
   "The hunks, a list of `nebgit-hunk', as of the last comparison.")

@@ -30,6 +30,9 @@
 (defvar nebgit-changed-hook nil
   "Functions to call with the top folder of a repository after a change.")
 
+(defvar nebgit-failed-hook nil
+  "Functions to call with the error of an outcome.")
+
 (defvar nebgit--tasks nil
   "Running tasks that the user asked for, last one first.")
 
@@ -163,7 +166,8 @@ name, and `nebgit-cancel' ends the request."
   (nebgit--after request)
   (let ((problem (plist-get outcome :error)))
     (if problem
-        (funcall failure problem outcome)
+        (progn (run-hook-with-args 'nebgit-failed-hook problem)
+               (funcall failure problem outcome))
       (when success
         (funcall success (nebgit-list (plist-get outcome :result)) outcome)))))
 

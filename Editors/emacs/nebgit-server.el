@@ -39,8 +39,8 @@
 
 (defvar nebgit-question-functions nil
   "Alist of the methods of requests of the server and functions that answer them.
-A function gets the params and a function to call with the result, now or
-later.")
+A function gets the params, the id of the request, and a function to call with
+the result, now or later.")
 
 (defvar nebgit-client-capabilities nil
   "Plist of what this client can do, for the request \"initialize\".")
@@ -259,7 +259,7 @@ The next command brings it up again."
   (let ((function (alist-get method nebgit-question-functions)))
     (unless function
       (jsonrpc-error :code -32601 :message (format "unknown method '%s'" method)))
-    (lambda (answer) (funcall function params answer))))
+    (lambda (id answer) (funcall function params id answer))))
 
 (cl-defmethod jsonrpc-connection-send :around ((connection nebgit-connection) &rest message)
   "Send MESSAGE to CONNECTION, or let a person answer first.
@@ -270,7 +270,7 @@ with a function that sends the response."
         (id (plist-get message :id)))
     (cond
      ((functionp result)
-      (run-at-time 0 nil #'nebgit--guarded result
+      (run-at-time 0 nil #'nebgit--guarded result id
                    (lambda (answer)
                      (when (jsonrpc-running-p connection)
                        (jsonrpc-connection-send connection :id id :result answer)))))

@@ -17,6 +17,7 @@
 ;;; Code:
 
 (require 'nebgit-blame)
+(require 'nebgit-credentials)
 (require 'nebgit-hunk)
 (require 'nebgit-log)
 (require 'nebgit-mode-line)

@@ -13,6 +13,7 @@
   (push tests load-path)
   (push package load-path)
   (setenv "NEBGIT_EMACS_FOLDER" package)
+  (setenv "NEBGIT_TESTS_FOLDER" tests)
   (require 'test-support)
   (test-prepare)
   (dolist (file (directory-files tests t "-test\\.el\\'"))

@@ -16,10 +16,10 @@
 (defconst nebgit-types
   '((create-branch . 1) (delete-branch . 2) (ignore . 4) (remove . 5) (copy . 10) (move . 11)
     (checkout . 14) (remotes . 24) (create-repository . 27) (clone . 29) (fetch . 37)
-    (state . 1000) (history . 1001) (content . 1002) (annotation . 1003) (changes . 1004)
-    (stage . 1005) (unstage . 1006) (discard . 1007) (references . 1008) (stash . 1009)
-    (operation . 1010) (commit . 1011) (publish . 1012) (integrate . 1013) (pick . 1014)
-    (tag . 1015) (tree . 1019) (finish . 1020))
+    (merge-base . 39) (state . 1000) (history . 1001) (content . 1002) (annotation . 1003)
+    (changes . 1004) (stage . 1005) (unstage . 1006) (discard . 1007) (references . 1008)
+    (stash . 1009) (operation . 1010) (commit . 1011) (publish . 1012) (integrate . 1013)
+    (pick . 1014) (tag . 1015) (tree . 1019) (finish . 1020))
   "Names that this package uses for the types of requests.")
 
 (defconst nebgit--changing-types

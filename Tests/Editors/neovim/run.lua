@@ -58,4 +58,10 @@ local function run_all()
 end
 
 -- After the start of the editor.
-vim.schedule(run_all)
+vim.schedule(function()
+  local ok, problem = xpcall(run_all, debug.traceback)
+  if not ok then
+    say(problem)
+    vim.cmd("cquit!")
+  end
+end)

@@ -7,6 +7,7 @@ local hunks = require("nebgit.hunks")
 local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 local text = require("nebgit.text")
+local watch = require("nebgit.watch")
 
 local uv = vim.loop
 
@@ -143,6 +144,7 @@ function M.attach(buffer)
     end
     state.root, state.path = root, path
     vim.b[buffer].nebgit_root, vim.b[buffer].nebgit_path = root, path
+    watch.ensure(root)
     follow(buffer, state)
     M.reload(buffer)
   end)
@@ -161,7 +163,7 @@ repository.on_change(function(root, changes)
     return
   end
   for buffer, state in pairs(states) do
-    if state.root and (not root or state.root == root) then
+    if state.root and state.root == root then
       state.is_stale = true
       if #vim.fn.win_findbuf(buffer) > 0 then
         M.reload(buffer)

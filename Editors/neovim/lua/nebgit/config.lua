@@ -23,6 +23,10 @@ M.defaults = {
     -- read the whole history first. nil: as "git log" does by default.
     order = nil,
   },
+  watch = {
+    enabled = true, -- whether changes of other programs in the repository are seen at once
+    working_tree = false, -- also those of files of the working copy
+  },
   -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
   pull = nil,
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.

@@ -7,10 +7,12 @@ function M.start(group)
   local changes = require("nebgit.changes")
   local repository = require("nebgit.repository")
   local signs = require("nebgit.signs")
+  local watch = require("nebgit.watch")
   local function on(events, callback)
     vim.api.nvim_create_autocmd(events, { group = group, callback = callback })
   end
 
+  require("nebgit.credentials")
   signs.define_highlights()
   on("ColorScheme", signs.define_highlights)
   on({ "BufReadPost", "BufNewFile", "BufWritePost", "BufFilePost" }, function(context)
@@ -32,7 +34,7 @@ function M.start(group)
     end
   end)
   on({ "FocusGained", "ShellCmdPost", "TermLeave", "VimResume" }, function()
-    repository.changed(nil)
+    watch.focus_gained()
   end)
   for _, buffer in ipairs(vim.api.nvim_list_bufs()) do
     if vim.api.nvim_buf_is_loaded(buffer) then

@@ -56,7 +56,7 @@ end
 
 -- Calls handler(root, changes) when a working copy or its repository may have changed. changes is a
 -- set of names: "head", "references", "index", "stash", "operation", "configuration" and
--- "workingTree". root is nil if it may be any.
+-- "workingTree".
 function M.on_change(handler)
   handlers[#handlers + 1] = handler
 end

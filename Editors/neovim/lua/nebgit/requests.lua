@@ -46,11 +46,11 @@ end
 local last_token = 0
 
 -- Returns the JSON value for a text, which may be any bytes.
-local function encoded(value)
+function M.encoded(value)
   if type(value) == "string" and not utf8.is_valid(value) then
     return { base64 = base64.encode(value) }
   elseif type(value) == "table" then
-    return vim.tbl_map(encoded, value)
+    return vim.tbl_map(M.encoded, value)
   end
   return value
 end
@@ -110,22 +110,22 @@ end
 local function encoded_options(options)
   local result = vim.empty_dict()
   for name, value in pairs(options or {}) do
-    result["NEBSourceControlRequestOption" .. name] = encoded(value)
+    result["NEBSourceControlRequestOption" .. name] = M.encoded(value)
   end
   return result
 end
 
 -- Returns the params of a request, see M.perform().
 local function params_of(name, root, details)
-  local place = { location = encoded(root) }
+  local place = { location = M.encoded(root) }
   return {
     type = M.types[name],
     sourceTree = place,
     repositoryToAuthenticate = details.authenticates and place or nil,
-    files = details.files and encoded(details.files),
-    destination = encoded(details.destination),
-    startingRevision = encoded(details.from),
-    endingRevision = encoded(details.to),
+    files = details.files and M.encoded(details.files),
+    destination = M.encoded(details.destination),
+    startingRevision = M.encoded(details.from),
+    endingRevision = M.encoded(details.to),
     remote = details.remote,
     limits = details.limits,
     options = encoded_options(details.options),

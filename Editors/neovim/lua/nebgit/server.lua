@@ -27,7 +27,7 @@ function M.on_notification(method, handler)
   notification_handlers[method] = handler
 end
 
--- Calls handler(params, reply) for requests of the server; reply(result) sends the result.
+-- Calls handler(params, reply, id) for requests of the server; reply(result) sends the result.
 function M.on_request(method, handler)
   request_handlers[method] = handler
 end
@@ -115,7 +115,7 @@ local function handle_request(process, message)
   end
   handler(message.params or {}, function(result)
     write(process, { id = message.id, result = result == nil and vim.NIL or result })
-  end)
+  end, message.id)
 end
 
 local function handle_message(process, message)

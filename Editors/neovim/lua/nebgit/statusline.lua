@@ -44,12 +44,8 @@ local function read(root)
 end
 
 repository.on_change(function(root, changes)
-  if changes.head or changes.references then
-    for known in pairs(branches) do
-      if not root or root == known then
-        read(known)
-      end
-    end
+  if branches[root] and (changes.head or changes.references) then
+    read(root)
   end
 end)
 

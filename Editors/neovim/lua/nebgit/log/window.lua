@@ -9,6 +9,7 @@ local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 local scratch = require("nebgit.scratch")
 local times = require("nebgit.times")
+local watch = require("nebgit.watch")
 
 local namespace = vim.api.nvim_create_namespace("nebgit-log")
 
@@ -182,6 +183,7 @@ function M.open(root, path)
   local buffer = scratch.buffer(("nebgit://%s//log%s"):format(root, suffix))
   scratch.show(buffer)
   if not states[buffer] then
+    watch.ensure(root)
     create(buffer, root, path)
   end
   reload(buffer)
@@ -191,7 +193,7 @@ repository.on_change(function(root, changes)
   for buffer, state in pairs(changes.head and states or {}) do
     local window = vim.fn.bufwinid(buffer)
     local is_near_top = window ~= -1 and vim.fn.line("w0", window) <= config.options.log.page_size
-    if is_near_top and (not root or root == state.root) then
+    if is_near_top and root == state.root then
       reload(buffer)
     end
   end

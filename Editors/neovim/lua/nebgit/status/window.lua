@@ -8,6 +8,7 @@ local render = require("nebgit.status.render")
 local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 local scratch = require("nebgit.scratch")
+local watch = require("nebgit.watch")
 
 -- By buffer: root, model, view (see render.lua), items by line, cancel (of a running refresh).
 local states = {}
@@ -191,6 +192,7 @@ function M.open(root)
   local buffer = scratch.buffer(("nebgit://%s//status"):format(root))
   scratch.show(buffer)
   if not states[buffer] then
+    watch.ensure(root)
     create(buffer, root)
     M.draw(buffer)
   end
@@ -199,8 +201,9 @@ end
 
 repository.on_change(function(root)
   for buffer, state in pairs(states) do
-    if (not root or root == state.root) and #vim.fn.win_findbuf(buffer) > 0 then
-      M.refresh(buffer, root == nil)
+    if root == state.root and #vim.fn.win_findbuf(buffer) > 0 then
+      -- In the background, because a status that writes the index would be a change of its own.
+      M.refresh(buffer, true)
     end
   end
 end)

@@ -1,0 +1,164 @@
+-- Changes of other programs are seen without the focus, and credentials are asked for.
+local changes = require("nebgit.changes")
+local harness = require("harness")
+local requests = require("nebgit.requests")
+local server = require("nebgit.server")
+local signs = require("nebgit.signs")
+local watch = require("nebgit.watch")
+
+local tests = {}
+
+-- Opens the file and waits for its watch; returns its buffer.
+local function edit_and_watch(path)
+  local buffer = harness.edit(path)
+  harness.wait(function()
+    return changes.state(buffer) and changes.state(buffer).base and watch.is_active(harness.root)
+  end, "the watch")
+  return buffer
+end
+
+local function wait_for_signs(buffer, expected)
+  harness.wait(function()
+    return vim.deep_equal(expected, signs.placed(buffer))
+  end, vim.inspect(expected))
+end
+
+function tests.SignsFollowAStagedFile()
+  harness.commit({ file = "1\n" })
+  local buffer = edit_and_watch("file")
+  vim.api.nvim_buf_set_lines(buffer, 0, 1, true, { "one" })
+  vim.cmd("silent write")
+  wait_for_signs(buffer, { "change" })
+  harness.git("add", "file")
+  wait_for_signs(buffer, {})
+end
+
+function tests.StatusAndLogFollowACommit()
+  harness.commit({ file = "1\n" }, "First")
+  edit_and_watch("file")
+  vim.cmd("NEBGit log")
+  harness.go_to("First")
+  harness.commit({ file = "1\n" }, "Second")
+  harness.go_to("Second")
+  vim.cmd("NEBGit status")
+  harness.go_to("Branch: main")
+  harness.git("checkout", "--quiet", "-b", "topic")
+  harness.go_to("Branch: topic")
+end
+
+function tests.WatchBeginsAgainAfterACrash()
+  harness.commit({ file = "1\n" })
+  local buffer = edit_and_watch("file")
+  vim.loop.kill(server.pid(), "sigkill")
+  harness.wait_for_message("ended unexpectedly")
+  vim.cmd("doautocmd FocusGained")
+  harness.wait(function()
+    return watch.is_active(harness.root)
+  end, "the watch")
+  vim.api.nvim_buf_set_lines(buffer, 0, 1, true, { "one" })
+  vim.cmd("silent write")
+  wait_for_signs(buffer, { "change" })
+  harness.git("add", "file")
+  wait_for_signs(buffer, {})
+end
+
+function tests.WatchCanBeSwitchedOff()
+  require("nebgit").setup({ command = { vim.env.NEBSC }, watch = { enabled = false } })
+  harness.commit({ file = "1\n" })
+  local buffer = harness.edit("file")
+  harness.wait(function()
+    return changes.state(buffer) and changes.state(buffer).base
+  end)
+  harness.equal(false, watch.is_active(harness.root))
+end
+
+-- A server that asks a question for each request of the status, and returns the reply as its head.
+local asking_server = [==[
+import json, sys
+def read():
+    length = 0
+    while line := sys.stdin.buffer.readline().strip():
+        name, _, value = line.partition(b":")
+        length = int(value)
+    return json.loads(sys.stdin.buffer.read(length) or sys.exit(0))
+def send(**message):
+    content = json.dumps({"jsonrpc": "2.0", **message}).encode()
+    sys.stdout.buffer.write(b"Content-Length: %d\r\n\r\n" % len(content) + content)
+    sys.stdout.buffer.flush()
+def withdraw():
+    for question, request in waiting.items():
+        send(method="$/cancelRequest", params={"id": question})
+        send(id=request, result={"result": [{"withdrawn": True}], "error": None})
+    waiting.clear()
+kind = sys.argv[1]
+waiting = {}
+while True:
+    message = read()
+    method = message.get("method")
+    if method == "initialize":
+        send(id=message["id"], result={"capabilities": {"credentials": True}})
+    elif method == "sourceControl/perform":
+        question = "q%d" % message["id"]
+        waiting[question] = message["id"]
+        send(id=question, method="sourceControl/credentials",
+             params={"kind": kind, "prompt": "Password: ", "url": None, "user": None})
+        if kind == "other":
+            withdraw()
+    elif method == "test/withdraw":
+        withdraw()
+    elif method == "shutdown":
+        send(id=message["id"], result=None)
+    elif method == "exit":
+        sys.exit(0)
+    elif message.get("id") in waiting:
+        send(id=waiting[message["id"]], result={"result": [{"reply": message.get("result")}],
+                                                "error": None})
+]==]
+
+local function ask(kind)
+  local path = harness.folder .. "/server.py"
+  vim.fn.writefile(vim.split(asking_server, "\n"), path)
+  require("nebgit").setup({ command = { "python3", path, kind } })
+  local _, records = harness.await(function(callback)
+    requests.perform("state", harness.root, {}, callback)
+  end)
+  return records[1]
+end
+
+function tests.SecretIsAskedFor()
+  vim.api.nvim_input("s3cret<CR>")
+  harness.equal({ reply = { value = "s3cret" } }, ask("password"))
+end
+
+function tests.SecretIsDeclined()
+  vim.api.nvim_input("<Esc>")
+  harness.equal({}, ask("password"))
+end
+
+function tests.NameAndHostKeyAreAskedForOpenly()
+  harness.answers = { "ann" }
+  harness.equal({ reply = { value = "ann" } }, ask("name"))
+  server.restart()
+  harness.answers = { "Yes" }
+  harness.equal({ reply = { value = "yes" } }, ask("hostKey"))
+end
+
+function tests.QuestionIsWithdrawnBeforeItIsShown()
+  harness.equal({ withdrawn = true }, ask("other"))
+end
+
+function tests.QuestionIsWithdrawnWhileItIsShown()
+  local timer = vim.loop.new_timer()
+  timer:start(0, 5, vim.schedule_wrap(function()
+    if not timer:is_closing() and vim.fn.mode() == "c" then
+      timer:close()
+      server.request("test/withdraw", {}, function() end)
+    end
+  end))
+  harness.equal({ withdrawn = true }, ask("password"))
+  harness.wait(function()
+    return vim.fn.mode() ~= "c"
+  end, "the end of the question")
+end
+
+return tests

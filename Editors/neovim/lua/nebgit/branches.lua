@@ -21,6 +21,16 @@ function M.create(root, name)
   end)
 end
 
+-- Merges the branch, tag or revision into the current branch. Stops at conflicts.
+function M.merge(root, name)
+  local details = { authenticates = true, destination = name }
+  actions.perform("integrate", root, details, function(records)
+    local head = records[1] or {}
+    local is_new = head.OldObjectID ~= head.ObjectID
+    messages.info(is_new and ("merged '%s'"):format(name) or "already up to date")
+  end)
+end
+
 -- Returns the names to choose from: branches, then remote branches without a branch of their name.
 local function choices(records)
   local names, seen = {}, {}

@@ -82,6 +82,21 @@ end)
 add_for_root("switch", function(root, arguments)
   require("nebgit.branches").switch(root, arguments[1])
 end)
+add_for_root("merge", function(root, arguments)
+  if arguments[1] then
+    require("nebgit.branches").merge(root, arguments[1])
+  else
+    messages.error("name the branch to merge")
+  end
+end)
+add("clone", function(arguments)
+  local location, folder = arguments[1], arguments[2]
+  if not location then
+    return messages.error("name the location of the repository to clone")
+  end
+  folder = folder or location:gsub("/+$", ""):gsub("%.git$", ""):match("[^/:]*$")
+  require("nebgit.remotes").clone(location, (vim.fn.fnamemodify(folder, ":p"):gsub("/+$", "")))
+end)
 for _, action in ipairs({ "continue", "skip", "abort" }) do
   add_for_root(action, function(root)
     require("nebgit.operations").finish(root, action)

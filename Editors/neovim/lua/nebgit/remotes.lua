@@ -135,4 +135,13 @@ function M.fetch(root)
   end)
 end
 
+-- Clones the repository at the location into the folder, which must be an absolute path.
+function M.clone(location, folder)
+  messages.info(("cloning into '%s' …"):format(folder))
+  local details = { authenticates = true, destination = folder }
+  actions.perform("clone", location, details, function()
+    messages.info(("cloned into '%s'"):format(folder))
+  end)
+end
+
 return M

@@ -2,9 +2,9 @@
 -- sent when it has answered "initialize". After a crash, the next request starts it again.
 local M = {}
 
-local config = require("nebgit.config")
 local framing = require("nebgit.framing")
 local messages = require("nebgit.messages")
+local program = require("nebgit.process")
 local slices = require("nebgit.slices")
 
 local uv = vim.loop
@@ -14,7 +14,9 @@ local most_waiting = 256 * 1024
 -- The server is started again at most so often in a minute after a crash.
 local most_crashes = 3
 
--- The process: handle, pipes, decoder, requests without response by id; nil if it does not run.
+-- The process of process.lua, with `pending` (requests without response by id), `queue` (ids of those
+-- that wait for the start; nil afterwards) and `progress` (listeners by token); nil if it does not
+-- run.
 local server = nil
 local last_id = 0
 local crashes = {}
@@ -41,12 +43,6 @@ local function write(process, message)
   message.jsonrpc = "2.0"
   if not process.stdin:is_closing() then
     process.stdin:write(framing.encode(vim.json.encode(message)))
-  end
-end
-
-local function close(handle)
-  if handle and not handle:is_closing() then
-    handle:close()
   end
 end
 
@@ -78,7 +74,7 @@ local function ended(process, code, signal)
     server = nil
   end
   process.has_ended = true
-  close(process.stdin)
+  program.close(process.stdin)
   if process.is_stopping then
     fail_all(process, "the server was stopped")
     return
@@ -197,54 +193,10 @@ function read(process)
       end
     else
       process.output_ended = true
-      close(process.stdout)
+      program.close(process.stdout)
     end
     start_pump(process)
   end)
-end
-
-local function read_diagnostics(process)
-  process.stderr:read_start(function(_, chunk)
-    if not chunk then
-      close(process.stderr)
-    else
-      table.insert(process.diagnostics, chunk)
-      if #process.diagnostics > 20 then
-        table.remove(process.diagnostics, 1)
-      end
-    end
-  end)
-end
-
--- Starts the program. Returns the process, or nil and a sentence that says why not.
-local function spawn()
-  local command = config.options.command
-  local process = {
-    stdin = uv.new_pipe(false),
-    stdout = uv.new_pipe(false),
-    stderr = uv.new_pipe(false),
-    decoder = framing.decoder(),
-    diagnostics = {},
-    pending = {},
-    queue = {},
-    progress = {},
-  }
-  local arguments = vim.list_extend(vim.list_slice(command, 2), { "serve" })
-  local stdio = { process.stdin, process.stdout, process.stderr }
-  local handle, pid = uv.spawn(command[1], { args = arguments, stdio = stdio }, function(code, signal)
-    process.exit = { code, signal }
-    close(process.handle)
-    start_pump(process)
-  end)
-  if not handle then
-    for _, pipe in ipairs(stdio) do
-      close(pipe)
-    end
-    local text = "cannot start '%s' (%s); install nebsc, or set 'command', see :help nebgit-command"
-    return nil, text:format(command[1], tostring(pid))
-  end
-  process.handle, process.pid = handle, pid
-  return process
 end
 
 -- Sends the request with the id, unless it was cancelled meanwhile.
@@ -278,13 +230,13 @@ local function start()
   if recent_crashes() >= most_crashes then
     return nil, "the server ended repeatedly; ':NEBGit restart' starts it again"
   end
-  local process, problem = spawn()
+  local process, problem = program.start(start_pump)
   if not process then
     return nil, problem
   end
+  process.pending, process.queue, process.progress = {}, {}, {}
   server = process
   read(process)
-  read_diagnostics(process)
   last_id = last_id + 1
   process.pending[last_id] = {
     callback = function(failure, result)

@@ -32,7 +32,7 @@
   (setq truncate-lines t)
   (buffer-disable-undo))
 
-;;;###autoload
+;;;###autoload (autoload 'nebgit-blame "nebgit" nil t)
 (defun nebgit-blame ()
   "Show the commit of each line of this buffer, also of text that is not saved."
   (interactive)

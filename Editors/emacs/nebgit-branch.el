@@ -113,6 +113,7 @@ A remote branch becomes a local branch that follows it."
   (interactive)
   (nebgit--integrate "rebase" "Rebase onto: "))
 
+;;;###autoload (autoload 'nebgit-clone "nebgit" nil t)
 (defun nebgit-clone (location folder)
   "Clone the repository at LOCATION into FOLDER, and show its status."
   (interactive "sClone the repository at: \nGInto the folder: ")

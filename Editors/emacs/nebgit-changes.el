@@ -259,7 +259,7 @@ TICK is the modification tick of its text.  FILE is deleted."
 (declare-function nebgit-hunk-stage "nebgit-hunk")
 (declare-function nebgit-hunk-revert "nebgit-hunk")
 
-;;;###autoload
+;;;###autoload (autoload 'nebgit-changes-mode "nebgit" nil t)
 (define-minor-mode nebgit-changes-mode
   "Mark the lines that differ from the index, also of text that is not saved.
 \\{nebgit-changes-mode-map}"
@@ -294,7 +294,7 @@ TICK is the modification tick of its text.  FILE is deleted."
   (nebgit-changes--forget)
   (nebgit-changes--draw nil))
 
-;;;###autoload
+;;;###autoload (autoload 'global-nebgit-changes-mode "nebgit" nil t)
 (define-globalized-minor-mode global-nebgit-changes-mode nebgit-changes-mode
   nebgit-changes--turn-on
   :group 'nebgit)

@@ -59,7 +59,7 @@
   (add-hook 'window-scroll-functions #'nebgit-log--scrolled nil t)
   (add-hook 'kill-buffer-hook #'nebgit-log--close nil t))
 
-;;;###autoload
+;;;###autoload (autoload 'nebgit-log "nebgit" nil t)
 (defun nebgit-log (&optional all)
   "Show the log of HEAD, with prefix argument ALL that of all branches and tags."
   (interactive "P")
@@ -72,7 +72,7 @@
   (interactive)
   (nebgit-log t))
 
-;;;###autoload
+;;;###autoload (autoload 'nebgit-log-file "nebgit" nil t)
 (defun nebgit-log-file ()
   "Show the log of the file of this buffer, beyond renames."
   (interactive)

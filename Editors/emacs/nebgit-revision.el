@@ -41,7 +41,7 @@
   "Return TIME, in seconds, as text in the zone with OFFSET in minutes."
   (format-time-string "%Y-%m-%d %H:%M" (or time 0) (* 60 (or offset 0))))
 
-;;;###autoload
+;;;###autoload (autoload 'nebgit-revision "nebgit" nil t)
 (defun nebgit-revision (root revision)
   "Show the commit REVISION of ROOT; return its buffer."
   (interactive (list (nebgit-need-root) (read-string "Revision: " nil nil "HEAD")))

@@ -55,5 +55,29 @@
       (goto-char (point-min))
       (should-not (re-search-forward "^.\\{101,\\}$" nil t)))))
 
+(defun source-run (folder form)
+  "Evaluate FORM in a new Emacs with the packages in FOLDER; return what it prints."
+  (with-temp-buffer
+    (let ((status (call-process (expand-file-name invocation-name invocation-directory) nil t nil
+                                "--batch" "-Q" "--eval"
+                                (format "(setq package-user-dir %S package-archives nil)" folder)
+                                "--eval" "(package-initialize)" "--eval" (prin1-to-string form))))
+      (cons status (car (last (split-string (buffer-string) "\n" t)))))))
+
+(ert-deftest source-installs-as-a-package ()
+  (test-with-repository
+    (let ((packages (expand-file-name "packages" folder))
+          (package (getenv "NEBGIT_EMACS_FOLDER")))
+      (should (eql 0 (car (source-run packages `(package-install-file ,package)))))
+      (should (equal (source-run packages
+                                 `(progn
+                                    (global-nebgit-changes-mode 1)
+                                    (find-file ,(expand-file-name "a.txt" folder))
+                                    (run-hooks 'after-change-major-mode-hook)
+                                    (message "%s" (list nebgit-changes-mode (featurep 'nebgit)
+                                                        (commandp 'nebgit-hunk-stage)
+                                                        (nebgit-mode-line)))))
+                     '(0 . "(t t t )"))))))
+
 (provide 'source-test)
 ;;; source-test.el ends here

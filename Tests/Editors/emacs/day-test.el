@@ -1,0 +1,194 @@
+;;; day-test.el --- A day of work, and the windows that docs/editors.md shows  -*- lexical-binding: t; -*-
+
+;;; Code:
+
+(require 'test-support)
+(require 'nebgit)
+
+(defun day-status ()
+  "Show the status and return its text once it is up to date."
+  (nebgit-status)
+  (test-wait (not nebgit-status--refreshing))
+  (nebgit-status-refresh)
+  (test-wait (not nebgit-status--refreshing))
+  (buffer-substring-no-properties (point-min) (point-max)))
+
+(defun day-until (text)
+  "Wait until the status contains TEXT, and go to its line."
+  (nebgit-status)
+  (test-wait (string-match-p (regexp-quote text) (buffer-string)))
+  (goto-char (point-min))
+  (search-forward text)
+  (beginning-of-line))
+
+(defun day-commit (text)
+  "Commit what is staged with the message TEXT, through the buffer for it."
+  (nebgit-commit)
+  (insert text)
+  (nebgit-commit-finish)
+  (test-wait (equal (test-git "log" "-1" "--format=%s") text)))
+
+(defun day-edit (name line text)
+  "Insert TEXT before LINE of the file NAME, without saving; return when it is marked."
+  (find-file (expand-file-name name test-folder))
+  (nebgit-changes-mode 1)
+  (test-wait (and nebgit-changes--base nebgit-changes--tick))
+  (goto-char (point-min))
+  (forward-line (1- line))
+  (insert text "\n")
+  (forward-line -1)
+  (nebgit-changes--compare (current-buffer))
+  (test-wait (eql nebgit-changes--tick (buffer-chars-modified-tick))))
+
+(defun day-clone (folder)
+  "Make a bare repository in FOLDER, and clone it with the command of Emacs."
+  (test-git "init" "-q")
+  (apply #'test-commit-file "main.c" "Begin" (mapcar #'number-to-string (number-sequence 1 20)))
+  (test-git "clone" "-q" "--bare" "." "shared.git")
+  (nebgit-clone (expand-file-name "shared.git" folder) (expand-file-name "work" folder))
+  (setq test-folder (expand-file-name "work/" folder))
+  (test-wait (get-buffer (nebgit--status-name test-folder)))
+  (setq default-directory test-folder))
+
+(defun day-commit-hunks ()
+  "Stage one of two hunks of a buffer that is not saved, commit and amend."
+  (day-edit "main.c" 1 "first")
+  (day-edit "main.c" 21 "last")
+  (should (equal (nebgit-changes-counts) '(2 0 0)))
+  (nebgit-hunk-stage)
+  (test-wait (equal (test-git "diff" "--cached" "--numstat") "1\t0\tmain.c"))
+  (day-commit "Add last")
+  (should (string-match-p "^\\+last$" (test-git "show")))
+  (find-file (expand-file-name "main.c" test-folder))
+  (let ((inhibit-message t)) (save-buffer))
+  (day-until "modified   main.c")
+  (nebgit-stage)
+  (day-until "Staged changes (1)")
+  (nebgit-commit-amend)
+  (test-wait (> (buffer-size) 0))
+  (erase-buffer)
+  (insert "Add first and last")
+  (nebgit-commit-finish)
+  (test-wait (equal (test-git "log" "-1" "--format=%s") "Add first and last"))
+  (should (equal (test-git "rev-list" "--count" "HEAD") "2")))
+
+(defun day-merge-with-conflict ()
+  "Change the same line on two branches, merge, resolve and continue."
+  (day-status)
+  (nebgit-create-branch "topic")
+  (day-until "Branch:   topic")
+  (test-write "main.c" "theirs")
+  (day-status)
+  (day-until "modified   main.c")
+  (nebgit-stage)
+  (day-until "Staged changes (1)")
+  (day-commit "Theirs")
+  (cl-letf (((symbol-function 'completing-read) (lambda (&rest _) "main")))
+    (day-status)
+    (nebgit-switch)
+    (day-until "Branch:   main"))
+  (test-commit-file "main.c" "Ours" "ours")
+  (cl-letf (((symbol-function 'completing-read) (lambda (&rest _) "topic")))
+    (day-status)
+    (nebgit-merge)
+    (day-until "both modified main.c"))
+  (test-write "main.c" "both")
+  (nebgit-stage)
+  (test-wait (not (string-match-p "Conflicts" (buffer-string))))
+  (nebgit-continue)
+  (test-wait (equal (test-git "log" "-1" "--format=%s") "Merge branch 'topic'"))
+  (should (equal (test-read "main.c") "both\n")))
+
+(defun day-push-and-stash (folder)
+  "Push to the bare repository in FOLDER; stash a change and pop it."
+  (day-status)
+  (nebgit-push)
+  (let ((head (test-git "rev-parse" "HEAD")))
+    (test-wait (equal head (test-git (concat "--git-dir=" folder "shared.git")
+                                     "rev-parse" "main"))))
+  (test-write "main.c" "later")
+  (day-until "Upstream: origin/main")
+  (nebgit-stash-push "later")
+  (day-until "stash@{0}  On main: later")
+  (should (equal (test-read "main.c") "both\n"))
+  (nebgit-stash-pop)
+  (test-wait (not (string-match-p "Stashes" (buffer-string))))
+  (should (equal (test-read "main.c") "later\n")))
+
+(ert-deftest day-of-work-succeeds ()
+  (test-with-folder
+    (save-window-excursion
+      (day-clone folder)
+      (day-commit-hunks)
+      (day-merge-with-conflict)
+      (day-push-and-stash folder))))
+
+;;; Windows in the documentation
+
+(defconst day-page (expand-file-name "../../../docs/editors.md" (getenv "NEBGIT_TESTS_FOLDER"))
+  "The page that shows the windows.")
+
+(defun day-check-screen (name text)
+  "Compare TEXT with the window NAME of the page, or write it there.
+The environment variable NEB_WRITE_EDITORS_PAGE=1 means to write."
+  (with-temp-buffer
+    (insert-file-contents day-page)
+    (search-forward (format "<!-- emacs: %s -->\n```text\n" name))
+    (let ((begin (point)) (text (concat (string-trim-right text) "\n")))
+      (search-forward "```\n")
+      (goto-char (match-beginning 0))
+      (if (not (equal (getenv "NEB_WRITE_EDITORS_PAGE") "1"))
+          (should (equal (buffer-substring begin (point)) text))
+        (delete-region begin (point))
+        (insert text)
+        (write-region nil nil day-page nil 'silent)))))
+
+(defun day-demo ()
+  "Make the repository that the windows show."
+  (test-git "init" "-q")
+  (test-commit-file "main.c" "Begin" "int main() {" "  return 0;" "}")
+  (test-git "tag" "v1.0")
+  (test-commit-file "notes.txt" "Add notes" "notes")
+  (test-git "checkout" "-q" "-b" "topic" "HEAD^")
+  (test-commit-file "topic.c" "Add a topic" "int topic;")
+  (test-git "checkout" "-q" "main")
+  (test-git "merge" "-q" "-m" "Merge the topic" "topic"))
+
+(ert-deftest day-page-shows-the-status ()
+  (test-with-folder
+    (day-demo)
+    (test-write "main.c" "int main() {" "  return 1;" "}")
+    (test-git "mv" "notes.txt" "docs.txt")
+    (test-write "new.txt" "x")
+    (save-window-excursion
+      (day-status)
+      (day-until "modified   main.c")
+      (nebgit-status-toggle-diff)
+      (test-wait (string-match-p "\\+  return 1" (buffer-string)))
+      (day-check-screen "status" (buffer-substring-no-properties (point-min) (point-max))))))
+
+(ert-deftest day-page-shows-the-log ()
+  (test-with-folder
+    (day-demo)
+    (save-window-excursion
+      (nebgit-log)
+      (test-wait (string-match-p "Begin" (buffer-string)))
+      (day-check-screen "log" (buffer-substring-no-properties (point-min) (point-max))))))
+
+(ert-deftest day-page-lists-all-keys ()
+  (let (missing)
+    (with-temp-buffer
+      (insert-file-contents day-page)
+      (dolist (map (list nebgit-status-mode-map nebgit-log-mode-map nebgit-blame-mode-map
+                         nebgit-revision-mode-map nebgit-commit-mode-map))
+        (map-keymap
+         (lambda (event binding)
+           (when (and (symbolp binding) (string-prefix-p "nebgit-" (symbol-name binding)))
+             (goto-char (point-min))
+             (unless (search-forward (format "`%s`" (key-description (vector event))) nil t)
+               (push binding missing))))
+         map)))
+    (should-not missing)))
+
+(provide 'day-test)
+;;; day-test.el ends here

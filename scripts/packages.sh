@@ -65,7 +65,7 @@ build() {
 build_packages=(g++ cmake ninja-build git nlohmann-json3-dev)
 package_packages=(dpkg-dev file)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
-    neovim python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
+    openssh-client openssh-server neovim python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy cppcheck codespell universal-ctags)
 benchmark_packages=(libbenchmark-dev libcli11-dev libgit2-dev pkg-config gnuplot-nox)

@@ -16,6 +16,7 @@ void GitSubOperations::add(const NEBSourceControlOperation& composite,
                            const std::shared_ptr<NEBSourceControlOperation>& operation) {
     operation->setCommandLog(composite.commandLog());
     operation->setBackgroundWork(composite.isBackgroundWork());
+    operation->setChildVariables(composite.childVariables());
     operation->inheritLimits(composite);
     _added.push_back(operation);
     if (composite.isCancelled()) {

@@ -302,6 +302,16 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     return environment;
 }
 
+void NEBSourceControlSetVariables(std::vector<std::string>& environment,
+                                  const std::vector<std::string>& variables) {
+    for (const std::string& variable : variables) {
+        std::erase_if(environment, [&variable](const std::string& other) {
+            return nameOf(other) == nameOf(variable);
+        });
+        environment.push_back(variable);
+    }
+}
+
 std::vector<NEBSourceControlPinnedSetting> NEBSourceControlPinnedSettings() {
     std::vector<NEBSourceControlPinnedSetting> settings;
     for (const PinnedSetting& setting : pinnedSettings) {

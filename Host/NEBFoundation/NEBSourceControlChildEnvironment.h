@@ -34,6 +34,10 @@ struct NEBSourceControlChildTraits {
 [[nodiscard]] NEB_EXPORT std::vector<std::string> NEBSourceControlChildEnvironment(
     const std::vector<std::string>& inherited, const NEBSourceControlChildTraits& traits);
 
+/// Sets variables in the environment, each "NAME=value", in place of those with the same name.
+NEB_EXPORT void NEBSourceControlSetVariables(std::vector<std::string>& environment,
+                                             const std::vector<std::string>& variables);
+
 /// A setting that overrides the configuration of the user, for children that run no hooks.
 struct NEBSourceControlPinnedSetting {
     std::string_view key, value;

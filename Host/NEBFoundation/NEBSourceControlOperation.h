@@ -122,6 +122,14 @@ public:
     /// start.
     void inheritLimits(const NEBSourceControlOperation& other);
 
+    /// Environment variables of the children, each "NAME=value", in place of those that
+    /// NEBSourceControlChildEnvironment() sets: for programs that git starts to ask for passwords.
+    [[nodiscard]] const std::vector<std::string>& childVariables() const { return _childVariables; }
+    /// Sets these variables; none by default. Set them before start().
+    void setChildVariables(std::vector<std::string> variables) {
+        _childVariables = std::move(variables);
+    }
+
     /// Whether a lingering process that a child had started held its output open. Output that it
     /// wrote after the operation had ended is missing.
     [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
@@ -156,6 +164,7 @@ private:
     NEBSourceControlLimits _limits;
     // of the total time; later by the time that the sink has taken
     std::optional<std::chrono::steady_clock::time_point> _startTime;
+    std::vector<std::string> _childVariables;
     bool _isBackgroundWork = false;
     bool _outputWasHeldOpen = false;
 };

@@ -86,6 +86,7 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
              .mayFetchObjects = _mayFetchObjects}),
         .input = _input,
     };
+    NEBSourceControlSetVariables(launch.environment, childVariables());
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);
     }

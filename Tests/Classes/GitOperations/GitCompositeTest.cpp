@@ -78,16 +78,18 @@ TEST_F(CompositeTest, PassesOnTheErrorOfAStep) {
     EXPECT_EQ(composite.steps.size(), 1U);
 }
 
-TEST_F(CompositeTest, PassesOnLogAndBackgroundFlag) {
+TEST_F(CompositeTest, PassesOnLogBackgroundFlagAndVariables) {
     Composite composite({"exit 0", "exit 3"});
     composite.setCommandLog(std::make_shared<NEBSourceControlCommandLog>());
     composite.setBackgroundWork(true);
+    composite.setChildVariables({"GIT_ASKPASS=/ask"});
     composite.start();
     const auto runs = composite.commandLog()->runs();
     ASSERT_EQ(runs.size(), 2U);
     EXPECT_EQ(runs[0].terminationStatus, 0);
     EXPECT_EQ(runs[1].terminationStatus, 3);
     EXPECT_TRUE(composite.steps[0]->isBackgroundWork());
+    EXPECT_THAT(composite.steps[1]->childVariables(), testing::ElementsAre("GIT_ASKPASS=/ask"));
 }
 
 TEST_F(CompositeTest, PassesOnThatOutputWasHeldOpen) {

@@ -317,5 +317,13 @@ TEST_F(TaskOperation, OnlyBackgroundWorkTakesNoOptionalLocks) {
     EXPECT_EQ(environmentLineOf(request, "GIT_OPTIONAL_LOCKS", true), "GIT_OPTIONAL_LOCKS=0");
 }
 
+TEST_F(TaskOperation, SetsTheVariablesOfItsChildren) {
+    ScriptOperation operation("echo \"$GIT_ASKPASS,$GIT_TERMINAL_PROMPT,$NEB_TOKEN\"",
+                              requestFor(NEBSourceControlRequestStatus, std::nullopt));
+    operation.setChildVariables({"GIT_ASKPASS=/first", "GIT_ASKPASS=/ask", "NEB_TOKEN=a=b"});
+    operation.start();
+    EXPECT_EQ(*_nebsc_stringFromData(operation.data()), "/ask,0,a=b");
+}
+
 }  // namespace
 }  // namespace neb

@@ -77,8 +77,10 @@ protected:
     MessageWriter writer{pipe.writeEnd.get(), [] {}};
     ProgressReports progress{[](const std::string&) {}};
     Jobs jobs{writer, [] {}};
-    CursorRequests cursors{session, writer, progress, jobs,
-                           [this] { return CursorRequests::Moment() + time.load(); }};
+    CredentialRequests credentials{writer};
+    CursorRequests cursors{session,     writer,
+                           progress,    jobs,
+                           credentials, [this] { return CursorRequests::Moment() + time.load(); }};
 };
 
 TEST_F(IdleCursor, IsClosedAfterTenMinutes) {

@@ -26,13 +26,21 @@ TEST(RPCMessage, HasAnIdAMethodAndParameters) {
     EXPECT_EQ(nebsc::readRPCMessage(R"({"jsonrpc":"2.0","method":"m"})").message->id, std::nullopt);
 }
 
-TEST(RPCMessage, OfAResponseIsIgnored) {
+TEST(RPCMessage, OfAResponseIsNoRequest) {
     for (const char* text : {R"({"jsonrpc":"2.0","id":1,"result":null})",
                              R"({"jsonrpc":"2.0","id":1,"error":{"code":1,"message":""}})"}) {
         const auto reading = nebsc::readRPCMessage(text);
         EXPECT_FALSE(reading.message);
         EXPECT_EQ(reading.refusal, "");
+        ASSERT_TRUE(reading.response);
+        EXPECT_EQ(reading.response->id, JSON(1));
+        EXPECT_EQ(reading.response->result.kind, nebsc::JSONNode::Kind::null);
     }
+    const auto reading =
+        nebsc::readRPCMessage(R"({"jsonrpc":"2.0","id":"a","result":{"value":5}})");
+    ASSERT_TRUE(reading.response);
+    ASSERT_NE(memberOf(reading.response->result, "value"), nullptr);
+    EXPECT_EQ(memberOf(reading.response->result, "value")->integer, 5);
 }
 
 struct Refused {

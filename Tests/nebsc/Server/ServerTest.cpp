@@ -32,6 +32,7 @@ TEST(Server, DescribesItself) {
     EXPECT_NE(result["serverInfo"]["version"], "");
     EXPECT_EQ(result["capabilities"], JSON({{"partialResults", true},
                                             {"background", true},
+                                            {"credentials", true},
                                             {"cursors", {{"max", 64}}},
                                             {"watch", {{"max", 64}}}}));
     EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);

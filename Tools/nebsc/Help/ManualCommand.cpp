@@ -23,10 +23,14 @@ constexpr std::array<Entry, 4> exitStatuses{{
 }};
 
 /// The variables that nebsc, its library and its plug-in read. Those that only git reads are git's.
-constexpr std::array<Entry, 10> variables{{
+constexpr std::array<Entry, 12> variables{{
     {"PATH", "The directories that are searched for git."},
     {"HOME", "The directory that '~' at the start of a path stands for."},
     {"TMPDIR", "The directory for 'nebsc export' without DEST; /tmp by default."},
+    {"XDG_RUNTIME_DIR",
+     "The directory for the socket through which git asks for passwords; else TMPDIR, else /tmp."},
+    {"GIT_TERMINAL_PROMPT",
+     "If 0, nothing is asked at the terminal when a server needs a password."},
     {"NO_COLOR", "If not empty, disables colours, except with --color=always."},
     {"TERM", "If 'dumb', disables colours, except with --color=always, and the pager."},
     {"GIT_PAGER",

@@ -1,5 +1,6 @@
 #include "JSON/JSONText.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
@@ -171,6 +172,13 @@ private:
 };
 
 }  // namespace
+
+const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
+    const auto child =
+        std::find_if(node.children.begin(), node.children.end(),
+                     [name](const JSONNode& candidate) { return candidate.name == name; });
+    return child != node.children.end() ? &*child : nullptr;
+}
 
 std::string_view nameOfKind(JSONNode::Kind kind) {
     switch (kind) {

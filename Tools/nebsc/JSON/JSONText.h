@@ -32,6 +32,9 @@ struct JSONNode {
     std::vector<JSONNode> children;
 };
 
+/// Returns the member of an object; null if it has none of the name, or is no object. Thread-safe.
+[[nodiscard]] const JSONNode* memberOf(const JSONNode& node, std::string_view name);
+
 /// Returns the kind for use in a sentence: "null", "a boolean".
 [[nodiscard]] std::string_view nameOfKind(JSONNode::Kind kind);
 

@@ -125,11 +125,13 @@ private:
 // ---- methods ----------------------------------------------------------------------------------
 
 CursorRequests::CursorRequests(const HostSession& session, MessageWriter& writer,
-                               ProgressReports& progress, Jobs& jobs, Clock now)
+                               ProgressReports& progress, Jobs& jobs,
+                               CredentialRequests& credentials, Clock now)
     : _session(session),
       _writer(writer),
       _progress(progress),
       _jobs(jobs),
+      _credentials(credentials),
       _now(std::move(now)),
       _queue(mostCursors) {}
 
@@ -174,7 +176,8 @@ void CursorRequests::open(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams, refusal);
         return;
     }
-    const auto cursor = std::make_shared<Cursor>(_session, reading.request, reading.settings);
+    const auto cursor = std::make_shared<Cursor>(_session, reading.request,
+                                                 _credentials.settingsFor(reading, *message.id));
     const std::string key = std::to_string(++_lastKey);
     bool hasRoom = false;
     {

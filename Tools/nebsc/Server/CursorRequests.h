@@ -1,7 +1,7 @@
 // CursorRequests.h - the methods "sourceControl/open", "sourceControl/next" and
 // "sourceControl/close", with which a client gets the records of a request in pages.
 //
-//     CursorRequests cursors(session, writer, progress, jobs);
+//     CursorRequests cursors(session, writer, progress, jobs, credentials);
 //     cursors.open(message);   // {"request": {"type": 18, …}, "pageSize": 50}
 //     cursors.next(message);   // {"cursor": "1"}
 //     cursors.close(message);  // {"cursor": "1"}
@@ -17,6 +17,7 @@
 
 #include "Platform/Mutex.h"
 #include "Platform/OperationQueue.h"
+#include "Server/Credentials/CredentialRequests.h"
 #include "Server/Cursor.h"
 #include "Server/CursorParams.h"
 #include "Server/Jobs.h"
@@ -40,7 +41,8 @@ public:
 
     /// All must outlive this object. `now` returns the time, for the age of idle cursors.
     CursorRequests(const HostSession& session, MessageWriter& writer, ProgressReports& progress,
-                   Jobs& jobs, Clock now = std::chrono::steady_clock::now);
+                   Jobs& jobs, CredentialRequests& credentials,
+                   Clock now = std::chrono::steady_clock::now);
     CursorRequests(const CursorRequests&) = delete;
     CursorRequests& operator=(const CursorRequests&) = delete;
     /// Ends all cursors and waits until no process of them is left. All jobs must be cancelled
@@ -76,6 +78,7 @@ private:
     MessageWriter& _writer;
     ProgressReports& _progress;
     Jobs& _jobs;
+    CredentialRequests& _credentials;
     const Clock _now;
     std::uint64_t _lastKey = 0;
     mutable Mutex _mutex;

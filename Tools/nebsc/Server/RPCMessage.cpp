@@ -1,6 +1,5 @@
 #include "Server/RPCMessage.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -11,13 +10,6 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 using Kind = JSONNode::Kind;
-
-const JSONNode* memberOf(const JSONNode& node, std::string_view name) {
-    const auto child =
-        std::find_if(node.children.begin(), node.children.end(),
-                     [name](const JSONNode& candidate) { return candidate.name == name; });
-    return child != node.children.end() ? &*child : nullptr;
-}
 
 /// Finds the id of a message without storing the rest.
 class IdFinder : public nlohmann::json_sax<JSON> {
@@ -83,7 +75,7 @@ std::string textOf(const JSON& json) {
 
 RPCReading messageIn(const JSONNode& root) {
     const auto refuse = [](const JSON& id, std::string_view sentence) {
-        return RPCReading{std::nullopt, rpcError(id, RPCErrorCode::invalidRequest, sentence)};
+        return RPCReading{.refusal = rpcError(id, RPCErrorCode::invalidRequest, sentence)};
     };
     if (root.kind != Kind::object) {
         return refuse(nullptr, root.kind == Kind::array
@@ -104,8 +96,9 @@ RPCReading messageIn(const JSONNode& root) {
         return refuse(id, "The message's member 'jsonrpc' must be '2.0'.");
     }
     const JSONNode* method = memberOf(root, "method");
-    if (method == nullptr && (memberOf(root, "result") || memberOf(root, "error"))) {
-        return {};
+    const JSONNode* result = memberOf(root, "result");
+    if (method == nullptr && (result != nullptr || memberOf(root, "error") != nullptr)) {
+        return {.response = RPCResponse{id, result != nullptr ? *result : JSONNode()}};
     }
     if (method == nullptr || method->kind != Kind::string) {
         return refuse(id, "The message's member 'method' must be a string.");
@@ -115,7 +108,7 @@ RPCReading messageIn(const JSONNode& root) {
         message.params = *params;
         message.params.name.clear();
     }
-    return {std::move(message), {}};
+    return {.message = std::move(message)};
 }
 
 }  // namespace
@@ -143,11 +136,11 @@ JSON idOfRPCMessage(std::string_view text) {
 RPCReading readRPCMessage(std::string_view text) {
     const JSONReading reading = readJSON(text);
     if (reading.isRefusedJSON) {
-        return {std::nullopt,
-                rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
+        return {.refusal =
+                    rpcError(idOfRPCMessage(text), RPCErrorCode::invalidRequest, reading.failure)};
     }
     if (!reading.root) {
-        return {std::nullopt, rpcError(nullptr, RPCErrorCode::parseError, reading.failure)};
+        return {.refusal = rpcError(nullptr, RPCErrorCode::parseError, reading.failure)};
     }
     return messageIn(*reading.root);
 }
@@ -170,6 +163,10 @@ std::string rpcError(const JSON& id, RPCErrorCode code, std::string_view sentenc
         text.append(R"(,"data":)").append(data).append("}");
     }
     return text + "}";
+}
+
+std::string rpcRequest(std::string_view id, std::string_view method, const JSON& params) {
+    return textOf({{"jsonrpc", "2.0"}, {"id", id}, {"method", method}, {"params", params}});
 }
 
 std::string rpcNotification(std::string_view method, const JSON& params) {

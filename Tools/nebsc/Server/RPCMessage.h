@@ -32,14 +32,23 @@ struct RPCMessage {
     JSONNode params;
 };
 
-struct RPCReading {
-    std::optional<RPCMessage> message;
-    /// The error response to an invalid message, with its id if that is readable. Empty for a valid
-    /// message, and for a response of the client.
-    std::string refusal;
+/// The client's response to a request of the server.
+struct RPCResponse {
+    /// A string or an integer, or null.
+    nlohmann::ordered_json id;
+    /// Of the kind null after an error.
+    JSONNode result;
 };
 
-/// Parses a message. Ignores responses of the client: the server sends no requests.
+/// One of the three, or none for a response without an id.
+struct RPCReading {
+    std::optional<RPCMessage> message{};
+    std::optional<RPCResponse> response{};
+    /// The error response to an invalid message, with its id if that is readable. Empty otherwise.
+    std::string refusal{};
+};
+
+/// Parses a message.
 [[nodiscard]] RPCReading readRPCMessage(std::string_view text);
 
 /// Returns the id of a message that is otherwise invalid or too large. Null if the text is not JSON
@@ -54,6 +63,8 @@ struct RPCReading {
 /// `data` is JSON text with details; the member is omitted if it is empty.
 [[nodiscard]] std::string rpcError(const nlohmann::ordered_json& id, RPCErrorCode code,
                                    std::string_view sentence, std::string_view data = {});
+[[nodiscard]] std::string rpcRequest(std::string_view id, std::string_view method,
+                                     const nlohmann::ordered_json& params);
 [[nodiscard]] std::string rpcNotification(std::string_view method,
                                           const nlohmann::ordered_json& params);
 /// Returns the same for parameters that are already JSON text.

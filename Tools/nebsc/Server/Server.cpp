@@ -51,11 +51,21 @@ JSON requestTypes() {
 JSON capabilities() {
     JSON all{{"partialResults", true},
              {"background", true},
+             {"credentials", true},
              {"cursors", {{"max", CursorRequests::mostCursors}}}};
     if (WatchRequests::areAvailable()) {
         all["watch"] = {{"max", WatchRequests::mostWatches}};
     }
     return all;
+}
+
+/// Whether the params of "initialize" have {"capabilities": {"credentials": true}}.
+bool declaresCredentials(const JSONNode& params) {
+    const JSONNode* capabilities = memberOf(params, "capabilities");
+    const JSONNode* credentials =
+        capabilities != nullptr ? memberOf(*capabilities, "credentials") : nullptr;
+    return credentials != nullptr && credentials->kind == JSONNode::Kind::boolean &&
+           credentials->boolean;
 }
 
 std::string sentenceOfCurrentException() {
@@ -93,10 +103,12 @@ Server::End Server::run(int input, int output) {
     _writer = std::make_unique<MessageWriter>(output, [this] { _wake.wake(); });
     _progress = std::make_unique<ProgressReports>(
         [this](const std::string& message) { _writer->send(message); });
+    _credentials = std::make_unique<CredentialRequests>(*_writer);
     _jobs = std::make_unique<Jobs>(*_writer, [this] { _wake.wake(); });
     _queue = std::make_unique<OperationQueue>(requestsAtOnce);
     _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
-    _cursors = std::make_unique<CursorRequests>(_session, *_writer, *_progress, *_jobs);
+    _cursors =
+        std::make_unique<CursorRequests>(_session, *_writer, *_progress, *_jobs, *_credentials);
     _watches = std::make_unique<WatchRequests>(_session, *_writer, *_jobs, *_scheduler);
     try {
         const Interruption::Work work(_interruption, [this] { _wake.wake(); });
@@ -194,6 +206,8 @@ void Server::handle(const MessageDecoder::Frame& frame) {
         if (reading.message) {
             id = reading.message->id.value_or(nullptr);
             dispatch(*reading.message);
+        } else if (reading.response) {
+            _credentials->answer(*reading.response);
         } else if (!reading.refusal.empty()) {
             _writer->send(reading.refusal);
         }
@@ -242,6 +256,9 @@ void Server::initialize(RPCMessage& message) {
     }
     _state = State::initialized;
     _initialization = message.id;
+    if (declaresCredentials(message.params)) {
+        _credentials->enable();
+    }
     _jobs->start(*message.id, *_scheduler, {}, [this](Job& job) {
         ChildProcess git;
         const Job::Work work(job, [&git] { git.cancel(); });
@@ -278,7 +295,8 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
         return;
     }
     const auto& request = reading.request;
-    const RunSettings settings = reading.settings;
+    const RunSettings settings =
+        isRun ? _credentials->settingsFor(reading, *message.id) : reading.settings;
     const auto name = NEBSourceControlRequestTypeName(request->type);
     _jobs->start(
         *message.id, *_scheduler,
@@ -318,9 +336,8 @@ std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRe
 }
 
 void Server::cancelRequest(RPCMessage& message) {
-    const auto id = std::find_if(message.params.children.begin(), message.params.children.end(),
-                                 [](const JSONNode& child) { return child.name == "id"; });
-    const auto key = id != message.params.children.end() ? stringOrInteger(*id) : std::nullopt;
+    const JSONNode* id = memberOf(message.params, "id");
+    const auto key = id != nullptr ? stringOrInteger(*id) : std::nullopt;
     if (!key) {
         return;
     }

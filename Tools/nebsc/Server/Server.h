@@ -11,6 +11,7 @@
 
 #include "Platform/OperationQueue.h"
 #include "Platform/Wake.h"
+#include "Server/Credentials/CredentialRequests.h"
 #include "Server/CursorRequests.h"
 #include "Server/Jobs.h"
 #include "Server/MessageDecoder.h"
@@ -93,6 +94,7 @@ private:
     // Each member uses those before it.
     std::unique_ptr<MessageWriter> _writer;
     std::unique_ptr<ProgressReports> _progress;
+    std::unique_ptr<CredentialRequests> _credentials;
     std::unique_ptr<Jobs> _jobs;
     std::unique_ptr<OperationQueue> _queue;
     std::unique_ptr<RepositoryScheduler> _scheduler;

@@ -19,12 +19,7 @@ namespace {
 std::vector<std::string> environmentFor(const GitSurroundings& surroundings) {
     std::vector<std::string> environment = NEBSourceControlChildEnvironment(
         NEBSourceControlInheritedEnvironment(), surroundings.traits);
-    for (const std::string& variable : surroundings.variables) {
-        const std::string_view name = std::string_view(variable).substr(0, variable.find('=') + 1);
-        std::erase_if(environment,
-                      [name](const std::string& other) { return other.starts_with(name); });
-        environment.push_back(variable);
-    }
+    NEBSourceControlSetVariables(environment, surroundings.variables);
     return environment;
 }
 

@@ -8,6 +8,9 @@
 #include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Session/Credentials/CredentialService.h"
+#include "Session/Credentials/ServerContact.h"
+#include "Session/Credentials/TerminalCredentials.h"
 #include "Session/PackReceiveProgress.h"
 #include "Terminal/PrintableText.h"
 
@@ -22,6 +25,29 @@ std::string folderOf(const NEBSourceControlRequest& request) {
     }
     return request.sourceTree && request.sourceTree->location ? *request.sourceTree->location : "";
 }
+
+/// Lets the children of an operation that contacts a server ask the person at the terminal.
+class TerminalAccess {
+public:
+    TerminalAccess(ProgressIndicator& indicator, NEBSourceControlOperation& operation)
+        : _terminal(indicator),
+          _service([this](const CredentialQuestion& question, const std::string& /*context*/,
+                          int end) { return _terminal.ask(question, end); }) {
+        if (!operation.isBackgroundWork() && mayContactServer(*operation.request()) &&
+            TerminalCredentials::canAsk()) {
+            _grant = _service.grant();
+        }
+        if (_grant) {
+            operation.setChildVariables(
+                _grant->variables(CredentialService::Precedence::afterUsersPrograms));
+        }
+    }
+
+private:
+    TerminalCredentials _terminal;
+    CredentialService _service;
+    std::shared_ptr<const CredentialService::Grant> _grant;
+};
 
 }  // namespace
 
@@ -39,6 +65,7 @@ HostSession::Runner interruptibleRunner(Interruption& interruption, ProgressIndi
         const ProgressIndicator::Count count(indicator, [&operation, &pack] {
             return operation.commandLog()->receivedBytes() + pack.bytes();
         });
+        const TerminalAccess terminal(indicator, operation);
         const Interruption::Work work(interruption, [&operation] { cancelOperation(operation); });
         operation.start();
         const auto timeLimit = interruption.exceededTimeLimit();

@@ -4,13 +4,15 @@
 #include <array>
 #include <filesystem>
 
+#include "Session/ProgramFile.h"
+
 namespace neb::nebsc {
 
 namespace fs = std::filesystem;
 
 std::string defaultPlugInPath() {
     std::error_code failure;
-    const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
+    const fs::path folder = fs::path(programFile()).parent_path();
     const std::array candidates{
         (folder / NEBSC_INSTALLED_PLUGIN).lexically_normal(),
         folder.parent_path() / "lib" / "NEBGit.so",  // in a build folder

@@ -50,6 +50,17 @@ ProgressIndicator::Count::Count(ProgressIndicator& indicator,
     indicator._received = std::move(received);
 }
 
+ProgressIndicator::Pause::Pause(ProgressIndicator& indicator) : _indicator(indicator) {
+    const MutexLock lock(indicator._mutex);
+    ++indicator._pauses;
+    indicator.erase();
+}
+
+ProgressIndicator::Pause::~Pause() {
+    const MutexLock lock(_indicator._mutex);
+    --_indicator._pauses;
+}
+
 ProgressIndicator::Count::~Count() {
     const MutexLock lock(_indicator._mutex);
     _indicator._received = nullptr;
@@ -63,21 +74,27 @@ std::string ProgressIndicator::text(int seconds) const {
 
 void ProgressIndicator::show() {
     const auto start = std::chrono::steady_clock::now();
-    std::size_t width = 0;
     MutexLock lock(_mutex);
     for (int seconds = 1;; ++seconds) {
         if (_end.wait_until(lock, start + std::chrono::seconds(seconds),
                             [this]() NEB_REQUIRES(_mutex) { return _isEnded; })) {
             break;
         }
-        const std::string line = text(seconds);
-        // Overwrite with blanks: a dumb terminal cannot erase a line.
-        write("\r" + paddedTo(width, line));
-        width = std::max(width, columnsOf(line));
+        if (_pauses == 0) {
+            const std::string line = text(seconds);
+            write("\r" + paddedTo(_width, line));
+            _width = std::max(_width, columnsOf(line));
+        }
     }
-    if (width > 0) {
-        write("\r" + std::string(width, ' ') + "\r");
+    erase();
+}
+
+/// Overwrites the line with blanks: a dumb terminal cannot erase it.
+void ProgressIndicator::erase() {
+    if (_width > 0) {
+        write("\r" + std::string(_width, ' ') + "\r");
     }
+    _width = 0;
 }
 
 std::string textOfSize(std::uint64_t bytes) {

@@ -32,6 +32,18 @@ public:
     /// Erases the line, and writes no other. Can be called repeatedly.
     void end();
 
+    /// Erases the line while the object exists. Several may exist at a time.
+    class Pause {
+    public:
+        explicit Pause(ProgressIndicator& indicator);
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+        ~Pause();
+
+    private:
+        ProgressIndicator& _indicator;
+    };
+
     /// Adds the number of received bytes to the line while the object exists. Only one object may
     /// exist at a time.
     class Count {
@@ -50,12 +62,15 @@ public:
 
 private:
     void show();
+    void erase() NEB_REQUIRES(_mutex);
     [[nodiscard]] std::string text(int seconds) const NEB_REQUIRES(_mutex);
 
     std::string _activity;
     Mutex _mutex;
     Condition _end;
     bool _isEnded NEB_GUARDED_BY(_mutex) = false;
+    int _pauses NEB_GUARDED_BY(_mutex) = 0;
+    std::size_t _width NEB_GUARDED_BY(_mutex) = 0;  // of the line on the terminal
     std::function<std::uint64_t()> _received NEB_GUARDED_BY(_mutex);
     std::thread _thread;
 };

@@ -1,0 +1,112 @@
+#include "nebsc/Credentials/AuthenticatingServers.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "Platform/ChildProcess.h"
+#include "Support/ProgramStart.h"
+#include "Support/TestRepository.h"
+
+namespace neb::test {
+
+namespace {
+
+constexpr const char* sshd = "/usr/sbin/sshd";
+
+void runTool(const std::vector<std::string>& arguments) {
+    ChildProcess process;
+    const ChildOutcome outcome =
+        process.run({{.launchPath = "/usr/bin/env",
+                      .arguments = arguments,
+                      .currentDirectoryPath = std::nullopt,
+                      .environment = NEBSourceControlInheritedEnvironment()}})[0];
+    if (!outcome.status.isSuccess()) {
+        throw std::runtime_error(arguments[0] + ": " + std::string(outcome.errorOutput));
+    }
+}
+
+std::string readLine(int descriptor) {
+    std::string line;
+    char letter = '\0';
+    while (::read(descriptor, &letter, 1) == 1 && letter != '\n') {
+        line += letter;
+    }
+    return line;
+}
+
+}  // namespace
+
+SharedFolder::SharedFolder() {
+    const TestRepository repository;
+    repository.commitFile("a", "1\n");
+    repository.git({"clone", "-q", "--bare", repository.path(), folder.path("shared.git")});
+}
+
+HTTPServer::HTTPServer() {
+    Pipe pipe;
+    if (openPipe(pipe, PipeSize::ordinary) != 0) {
+        throw std::runtime_error("no pipe could be created");
+    }
+    _server = startProgram({"python3", NEB_SOURCE_FOLDER "/Tests/nebsc/Credentials/http_server.py",
+                            folder.path(), "ann", password},
+                           NEBSourceControlInheritedEnvironment(),
+                           {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
+                            .standardOutput = ChildStream::copyOf(pipe.writeEnd.get())});
+    pipe.writeEnd.close();
+    _host = "http://127.0.0.1:" + readLine(pipe.readEnd.get());
+}
+
+HTTPServer::~HTTPServer() {
+    ::kill(_server, SIGKILL);
+    ::waitpid(_server, nullptr, 0);
+}
+
+std::string HTTPServer::url(const std::string& user) const {
+    std::string url = _host + "/shared.git";
+    return url.insert(url.find("127."), user);
+}
+
+bool SSHServer::isInstalled() {
+    return std::filesystem::exists(sshd);
+}
+
+SSHServer::SSHServer() {
+    runTool({"ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder.path("host")});
+    runTool({"ssh-keygen", "-q", "-t", "ed25519", "-N", passphrase, "-f", folder.path("key")});
+    if (::geteuid() == 0) {  // sshd of root drops its privileges there
+        std::filesystem::create_directories("/run/sshd");
+    }
+    folder.write("sshd_config", "HostKey " + folder.path("host") + "\nAuthorizedKeysFile " +
+                                    folder.path("key.pub") +
+                                    "\nStrictModes no\nUsePAM no\nPermitRootLogin yes\n"
+                                    "PasswordAuthentication no\nLogLevel QUIET\n");
+    folder.write("known", "demo " + folder.read("host.pub"));
+    for (const bool isKnown : {true, false}) {
+        folder.write(
+            isKnown ? "ssh_known" : "ssh_unknown",
+            "Host demo\nUser " + std::string(::getpwuid(::geteuid())->pw_name) + "\nProxyCommand " +
+                sshd + " -i -f " + folder.path("sshd_config") + "\nIdentityFile " +
+                folder.path("key") +
+                "\nIdentitiesOnly yes\nIdentityAgent none\nGlobalKnownHostsFile /dev/null\n"
+                "UserKnownHostsFile " +
+                folder.path(isKnown ? "known" : "new_known") + "\n");
+    }
+}
+
+std::string SSHServer::url() const {
+    return "ssh://demo" + folder.path("shared.git");
+}
+
+std::pair<std::string, std::optional<std::string>> SSHServer::variable(bool isKnown) const {
+    return {"GIT_SSH_COMMAND", "ssh -F " + folder.path(isKnown ? "ssh_known" : "ssh_unknown")};
+}
+
+}  // namespace neb::test

@@ -1,0 +1,57 @@
+// AuthenticatingServers.h - real servers that ask for credentials, for tests.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "Support/TemporaryFolder.h"
+#include "nebsc/Server/ServerClient.h"
+
+namespace neb::test {
+
+/// A folder with the bare repository "shared.git", whose branch main has one commit.
+class SharedFolder {
+public:
+    SharedFolder();
+
+    TemporaryFolder folder;
+};
+
+/// An HTTP server with basic authentication for the user "ann" with the password "s3cret-word".
+class HTTPServer : public SharedFolder {
+public:
+    static constexpr const char* password = "s3cret-word";
+
+    HTTPServer();
+    HTTPServer(const HTTPServer&) = delete;
+    HTTPServer& operator=(const HTTPServer&) = delete;
+    ~HTTPServer();
+
+    /// "http://127.0.0.1:1234"
+    [[nodiscard]] const std::string& host() const { return _host; }
+    /// Returns the URL of the repository, optionally for a user: "ann@".
+    [[nodiscard]] std::string url(const std::string& user = "") const;
+
+private:
+    pid_t _server = -1;
+    std::string _host;
+};
+
+/// sshd(8) for the current user, with a key that has the passphrase "open sesame". ssh(1) starts it
+/// instead of a connection to the host "demo".
+class SSHServer : public SharedFolder {
+public:
+    static constexpr const char* passphrase = "open sesame";
+
+    /// Returns whether the machine has sshd(8).
+    [[nodiscard]] static bool isInstalled();
+
+    SSHServer();
+
+    [[nodiscard]] std::string url() const;
+    /// The variable with which git uses the server. With `isKnown`, ssh knows the key of the host.
+    [[nodiscard]] std::pair<std::string, std::optional<std::string>> variable(bool isKnown) const;
+};
+
+}  // namespace neb::test

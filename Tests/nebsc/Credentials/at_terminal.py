@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Runs a program at a terminal of its own, and answers its prompts as a person does.
+
+usage: at_terminal.py [PROMPT ANSWER]... -- PROGRAM ARGUMENT...
+Types each answer when its prompt has appeared; the answer ^C interrupts, ^D ends the input. Prints
+what the terminal shows. The exit status is that of the program.
+"""
+import os
+import pty
+import select
+import sys
+
+CONTROL = {"^C": b"\x03", "^D": b"\x04"}
+end = sys.argv.index("--")
+dialogue = list(zip(sys.argv[1:end:2], sys.argv[2:end:2]))
+process, terminal = pty.fork()
+if process == 0:
+    os.execvp(sys.argv[end + 1], sys.argv[end + 1:])
+shown = b""
+start = 0
+while True:
+    select.select([terminal], [], [])
+    try:
+        piece = os.read(terminal, 4096)
+    except OSError:
+        piece = b""
+    if not piece:
+        break
+    shown += piece
+    if dialogue and dialogue[0][0].encode() in shown[start:]:
+        answer = dialogue.pop(0)[1]
+        start = len(shown)
+        os.write(terminal, CONTROL.get(answer, answer.encode() + b"\n"))
+print(shown.decode(errors="replace").replace("\r\n", "\n"), end="")
+_, status = os.waitpid(process, 0)
+sys.exit(os.waitstatus_to_exitcode(status) if not os.WIFSIGNALED(status) else 99)

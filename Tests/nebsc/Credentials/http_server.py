@@ -1,0 +1,52 @@
+#!/usr/bin/env python3
+"""Serves the bare repositories of a folder with git-http-backend(1), with basic authentication.
+
+usage: http_server.py FOLDER USER PASSWORD
+Prints the port, and then serves on the loopback address until it is killed.
+"""
+import base64
+import http.server
+import os
+import subprocess
+import sys
+
+FOLDER, USER, PASSWORD = sys.argv[1:]
+EXPECTED = "Basic " + base64.b64encode(f"{USER}:{PASSWORD}".encode()).decode()
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    def serve(self):
+        body = self.rfile.read(int(self.headers.get("Content-Length") or 0))
+        if self.headers.get("Authorization") != EXPECTED:
+            self.send_response(401)
+            self.send_header("WWW-Authenticate", 'Basic realm="demo"')
+            self.send_header("Content-Length", "0")
+            self.end_headers()
+            return
+        path, _, query = self.path.partition("?")
+        environment = dict(
+            os.environ, GIT_PROJECT_ROOT=FOLDER, GIT_HTTP_EXPORT_ALL="1", PATH_INFO=path,
+            QUERY_STRING=query, REQUEST_METHOD=self.command, REMOTE_USER=USER,
+            CONTENT_TYPE=self.headers.get("Content-Type", ""), CONTENT_LENGTH=str(len(body)),
+            HTTP_CONTENT_ENCODING=self.headers.get("Content-Encoding", ""),
+            GIT_PROTOCOL=self.headers.get("Git-Protocol", ""))
+        reply = subprocess.run(["git", "http-backend"], input=body, env=environment,
+                               stdout=subprocess.PIPE, check=True).stdout
+        head, _, content = reply.partition(b"\r\n\r\n")
+        fields = dict(line.decode().split(": ", 1) for line in head.split(b"\r\n"))
+        self.send_response(int(fields.pop("Status", "200").split()[0]))
+        for name, value in fields.items():
+            self.send_header(name, value)
+        self.send_header("Content-Length", str(len(content)))
+        self.end_headers()
+        self.wfile.write(content)
+
+    do_GET = do_POST = serve
+
+    def log_message(self, *arguments):
+        pass
+
+
+server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+print(server.server_port, flush=True)
+server.serve_forever()

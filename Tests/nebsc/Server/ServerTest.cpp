@@ -33,6 +33,7 @@ TEST(Server, DescribesItself) {
     EXPECT_EQ(result["capabilities"], JSON({{"partialResults", true},
                                             {"background", true},
                                             {"credentials", true},
+                                            {"describe", true},
                                             {"cursors", {{"max", 64}}},
                                             {"watch", {{"max", 64}}}}));
     EXPECT_EQ(result["contractVersion"], NEBSourceControlContractVersion);

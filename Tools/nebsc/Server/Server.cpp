@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "JSON/RequestJSON.h"
+#include "JSON/Schema/RequestSchema.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
@@ -52,6 +53,7 @@ JSON capabilities() {
     JSON all{{"partialResults", true},
              {"background", true},
              {"credentials", true},
+             {"describe", true},
              {"cursors", {{"max", CursorRequests::mostCursors}}}};
     if (WatchRequests::areAvailable()) {
         all["watch"] = {{"max", WatchRequests::mostWatches}};
@@ -87,6 +89,7 @@ struct Server::Method {
 
 const Server::Method Server::methods[] = {
     {.name = "initialize", .handler = &Server::initialize, .isForAnyState = true},
+    {.name = "sourceControl/describe", .handler = &Server::describe},
     {.name = "sourceControl/perform", .handler = &Server::perform},
     {.name = "sourceControl/plan", .handler = &Server::plan},
     {.name = "sourceControl/open", .handler = &Server::openCursor},
@@ -270,6 +273,10 @@ void Server::initialize(RPCMessage& message) {
                                     {"gitVersion", version ? JSON(*version) : JSON()},
                                     {"requestTypes", requestTypes()}});
     });
+}
+
+void Server::describe(RPCMessage& message) {
+    _writer->send(rpcResult(*message.id, requestSchema()));
 }
 
 void Server::perform(RPCMessage& message) {

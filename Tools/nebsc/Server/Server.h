@@ -57,6 +57,7 @@ private:
 
     // The methods. A notification has no id.
     void initialize(RPCMessage& message);
+    void describe(RPCMessage& message);
     void perform(RPCMessage& message);
     void plan(RPCMessage& message);
     void openCursor(RPCMessage& message);

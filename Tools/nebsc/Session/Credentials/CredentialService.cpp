@@ -198,13 +198,15 @@ void CredentialService::answer(int connection) {
     if (!entry.context()) {
         return;
     }
-    auto value = _ask(credentialQuestionOf(message->prompt), *entry.context(), connection);
-    if (value && value->find_first_of(std::string_view("\n\0", 2)) == std::string::npos) {
-        static_cast<void>(sendAskpassAnswer(connection, *value));
+    auto reply = _ask(credentialQuestionOf(message->prompt), *entry.context(), connection);
+    if (!reply) {
+        return;
     }
-    if (value) {
-        ::explicit_bzero(value->data(), value->size());
+    std::string& value = *reply;
+    if (value.find_first_of(std::string_view("\n\0", 2)) == std::string::npos) {
+        static_cast<void>(sendAskpassAnswer(connection, value));
     }
+    ::explicit_bzero(value.data(), value.size());
 }
 
 std::optional<std::string> CredentialService::enter(const std::string& token, int connection) {

@@ -13,8 +13,9 @@ namespace neb {
 /// is fetched first; or, without these, the upstream branch, which is fetched, too.
 /// NEBSourceControlRequestOptionStrategy is "merge" (the default), "rebase" or "fast-forward". A
 /// merge or rebase stops at conflicts, and chooses no side: GitFinishOperation continues or aborts
-/// it. The result is that of GitChangeComposite::runStoppable(); both ids are equal if there was
-/// nothing new.
+/// it. Local changes are never stashed. A branch without commits is fast-forwarded. No setting of
+/// the user changes this. The result is that of GitChangeComposite::runStoppable(); both ids are
+/// equal if there was nothing new.
 class GitIntegrateOperation : public GitChangeComposite {
 public:
     using GitChangeComposite::GitChangeComposite;
@@ -28,6 +29,8 @@ private:
     /// Fetches what the request names, and returns the revision to integrate. Absent if the
     /// composite does not go on.
     [[nodiscard]] std::optional<std::string> fetchedRevision();
+    /// Fetches, and returns the upstream branch. Absent if the composite does not go on.
+    [[nodiscard]] std::optional<std::string> fetchedUpstream();
 };
 
 }  // namespace neb

@@ -90,6 +90,12 @@ std::vector<RequestCase> historyCases() {
              request.destination = "rival";
              setOptions(request, {{NEBSourceControlRequestOptionStrategy, "merge"}});
          }},
+        {"IntegrateByRebase", NEBSourceControlRequestIntegrate,
+         "printf 'own\\n' >own.c; git add own.c; git commit -q -m 'fixup! Move'\n",
+         [](const World& /*world*/, Request& request) {
+             request.destination = "topic";
+             setOptions(request, {{NEBSourceControlRequestOptionStrategy, "rebase"}});
+         }},
         {"Pick", NEBSourceControlRequestPick, "",
          [](const World& /*world*/, Request& request) { request.startingRevision = "topic"; }},
         {"Reset", NEBSourceControlRequestPick, "",

@@ -170,9 +170,13 @@ constexpr std::string_view settings = R"(
     cmd = PROGRAM
 [rebase]
     abbreviateCommands = true
+    autoSquash = true
+    autoStash = true
+    backend = apply
     instructionFormat = %an
     missingCommitsCheck = error
     stat = true
+    updateRefs = true
 [push]
     default = nothing
 [commit]

@@ -9,7 +9,7 @@
 namespace neb {
 
 bool GitController::authenticationRequiredForRequest(const NEBSourceControlRequest& request) const {
-    return NEBSourceControlDescriptionOfRequestType(request.type).mayAuthenticate;
+    return NEBSourceControlRequestMayAuthenticate(request);
 }
 
 bool GitController::validateRequest(const NEBSourceControlRequest& request,

@@ -5,6 +5,9 @@
 
 #include "GitExtensions/GitAnnotation.h"
 #include "GitExtensions/GitChangeBranch.h"
+#include "GitExtensions/GitChangeSettings.h"
+#include "GitExtensions/GitChangeSubmodules.h"
+#include "GitExtensions/GitChangeWorktrees.h"
 #include "GitExtensions/GitChanges.h"
 #include "GitExtensions/GitContent.h"
 #include "GitExtensions/GitCreateCommit.h"
@@ -180,6 +183,14 @@ std::shared_ptr<NEBSourceControlOperation> makeFetch(const Request& request) {
                : make<GitFetchOperation>(request);
 }
 
+/// A class for the actions of a type that only read, and one for the others.
+template <typename Reading, typename Changing>
+std::shared_ptr<NEBSourceControlOperation> makeByEffect(const Request& request) {
+    return NEBSourceControlEffectOfRequest(*request) == NEBSourceControlRequestEffect::reads
+               ? make<Reading>(request)
+               : make<Changing>(request);
+}
+
 struct DispatchRow {
     std::int32_t type;
     Maker maker;
@@ -255,9 +266,12 @@ constexpr DispatchRow dispatchRows[] = {
     {NEBSourceControlRequestChanges, &make<GitChangesOperation>},
     {NEBSourceControlRequestReferences, &make<GitReferencesOperation>},
     {NEBSourceControlRequestUnfinishedOperation, &make<GitUnfinishedOperation>},
-    {NEBSourceControlRequestSubmodules, &make<GitSubmodulesOperation>},
-    {NEBSourceControlRequestWorktrees, &make<GitWorktreesOperation>},
-    {NEBSourceControlRequestSettings, &make<GitSettingsOperation>},
+    {NEBSourceControlRequestSubmodules,
+     &makeByEffect<GitSubmodulesOperation, GitChangeSubmodulesOperation>},
+    {NEBSourceControlRequestWorktrees,
+     &makeByEffect<GitWorktreesOperation, GitChangeWorktreesOperation>},
+    {NEBSourceControlRequestSettings,
+     &makeByEffect<GitSettingsOperation, GitChangeSettingsOperation>},
     {NEBSourceControlRequestTree, &make<GitTreeOperation>},
     {NEBSourceControlRequestStage, &make<GitStageOperation>},
     {NEBSourceControlRequestUnstage, &make<GitUnstageOperation>},

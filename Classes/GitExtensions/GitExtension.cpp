@@ -37,7 +37,10 @@ std::string gitPathFromTop(const NEBSourceControlRequest& request) {
     if (request.fileCount() == 0 || !request.files->front().isPresent()) {
         return {};
     }
-    std::string path = request.files->front().description();
+    return gitPathFromTop(request, request.files->front().description());
+}
+
+std::string gitPathFromTop(const NEBSourceControlRequest& request, std::string path) {
     const auto& location = request.sourceTree ? request.sourceTree->location : std::nullopt;
     const auto top = location ? pathOfLocation(*location) : std::nullopt;
     if (top && (path == *top || path.starts_with(pathByAppendingComponent(*top, "")))) {

@@ -37,6 +37,9 @@ private:
 /// lies there, without "/" at its end; empty without a file.
 [[nodiscard]] std::string gitPathFromTop(const NEBSourceControlRequest& request);
 
+/// The same for any path.
+[[nodiscard]] std::string gitPathFromTop(const NEBSourceControlRequest& request, std::string path);
+
 /// Parses pieces that end with a NUL byte, as git prints with its option -z.
 class GitNULRecordParser : public NEBSourceControlRecordParser {
 public:

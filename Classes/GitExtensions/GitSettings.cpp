@@ -1,6 +1,7 @@
 #include "GitExtensions/GitSettings.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "GitExtensions/GitRecordFields.h"
@@ -13,27 +14,19 @@ namespace {
 
 // ---- settings ---------------------------------------------------------------------------------
 
-/// Returns the name as git prints it: section and variable in lower case, the part between them
-/// unchanged.
-std::string canonicalName(const std::string& name) {
-    const std::size_t first = std::min(name.find('.'), name.size());
-    const std::size_t last = name.rfind('.');
-    if (last == std::string::npos || last == first) {
-        return lowercaseASCII(name);
+/// Absent for all settings.
+std::optional<std::vector<std::string>> requestedNames(const NEBSourceControlRequest& request) {
+    if (request.option(NEBSourceControlRequestOptionAll).boolValue()) {
+        return std::nullopt;
     }
-    return lowercaseASCII(name.substr(0, first)) + name.substr(first, last - first) +
-           lowercaseASCII(name.substr(last));
-}
-
-std::vector<std::string> requestedNames(const NEBSourceControlRequest& request) {
     const NEBValue& option = request.option(NEBSourceControlRequestOptionSettingNames);
     if (!option.isPresent()) {
-        return {"user.name", "user.email"};
+        return std::vector<std::string>{"user.name", "user.email"};
     }
     std::vector<std::string> names;
     const std::vector<NEBValue> one{option};
     for (const NEBValue& name : option.array() != nullptr ? *option.array() : one) {
-        names.push_back(canonicalName(name.description()));
+        names.push_back(gitCanonicalSettingName(name.description()));
     }
     return names;
 }
@@ -50,7 +43,8 @@ bool isPinned(std::string_view scope, std::string_view name) {
 /// name without a line end has no value.
 class SettingParser : public GitNULRecordParser {
 public:
-    explicit SettingParser(std::vector<std::string> names) : _names(std::move(names)) {}
+    explicit SettingParser(std::optional<std::vector<std::string>> names)
+        : _names(std::move(names)) {}
 
 protected:
     void parsePiece(const Data& output, std::string_view piece,
@@ -74,7 +68,8 @@ private:
                     NEBSourceControlResult& records) const {
         const std::size_t end = setting.find('\n');
         const std::string_view name = setting.substr(0, end);
-        if (std::ranges::find(_names, name) == _names.end() || isPinned(_scope, name)) {
+        const bool isRequested = !_names || std::ranges::find(*_names, name) != _names->end();
+        if (!isRequested || isPinned(_scope, name)) {
             return;
         }
         NEBDictionary& record = records.emplace_back();
@@ -88,7 +83,7 @@ private:
         gitSetName(record, gitOriginKeys, _origin);
     }
 
-    std::vector<std::string> _names;
+    std::optional<std::vector<std::string>> _names;
     int _position = 0;  // of the next piece
     std::string _scope, _origin;
 };
@@ -114,6 +109,16 @@ NEBDictionary identityOf(std::string_view kind, const Data& line) {
 }
 
 }  // namespace
+
+std::string gitCanonicalSettingName(const std::string& name) {
+    const std::size_t first = std::min(name.find('.'), name.size());
+    const std::size_t last = name.rfind('.');
+    if (last == std::string::npos || last == first) {
+        return lowercaseASCII(name);
+    }
+    return lowercaseASCII(name.substr(0, first)) + name.substr(first, last - first) +
+           lowercaseASCII(name.substr(last));
+}
 
 GitSettingListOperation::GitSettingListOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitReadingOperation(std::move(request)) {

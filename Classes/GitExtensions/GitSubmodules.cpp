@@ -49,19 +49,19 @@ GitSubmodulesOperation::Submodules GitSubmodulesOperation::submodulesOf(
     return submodules;
 }
 
-/// Returns the id of the commit that is checked out at the path; empty if there is no repository,
-/// or no commit. git would find the repository around a folder that is none.
-std::string GitSubmodulesOperation::checkedOutCommit(const std::string& path) {
+/// git would find the repository around a folder that is none.
+std::string GitSubmodulesOperation::lineIn(const std::string& path,
+                                           const std::vector<std::string>& arguments) {
     const auto& location = request()->sourceTree ? request()->sourceTree->location : std::nullopt;
     const auto top = location ? pathOfLocation(*location) : std::nullopt;
     const std::string folder = pathByAppendingComponent(top.value_or("."), path);
     std::error_code failure;
-    if (!std::filesystem::exists(pathByAppendingComponent(folder, ".git"), failure)) {
+    if (path.empty() ||
+        !std::filesystem::exists(pathByAppendingComponent(folder, ".git"), failure)) {
         return {};
     }
-    const auto query = std::make_shared<GitQueryOperation>(
-        request(), std::vector<std::string>{"rev-parse", "--verify", "--quiet", "HEAD"});
-    query->setArguments({"rev-parse", "--verify", "--quiet", "HEAD"});
+    const auto query = std::make_shared<GitQueryOperation>(request(), arguments);
+    query->setArguments(arguments);
     query->setCurrentDirectoryPath(folder);
     runOperation(query);
     return query->error() ? std::string() : std::string(query->line());
@@ -91,11 +91,15 @@ NEBDictionary GitSubmodulesOperation::recordOf(const std::string& name,
         isConflict = isConflict || !scanner.rest().starts_with(" 0\t");
         indexID = isSubmodule ? id : indexID;
     });
-    const std::string commit = path.empty() ? std::string() : checkedOutCommit(path);
+    const std::string commit = lineIn(path, {"rev-parse", "--verify", "--quiet", "HEAD"});
     if (!isConflict) {
         gitSetObjectID(record, NEBSourceControlOperationIndexObjectIDKey, indexID);
     }
     gitSetObjectID(record, NEBSourceControlOperationObjectIDKey, commit);
+    if (!commit.empty()) {
+        gitSetText(record, NEBSourceControlOperationDescriptionKey,
+                   lineIn(path, {"describe", "--tags", "--always", commit}));
+    }
     const std::string_view present = commit == indexID ? "current" : "other commit";
     const std::string_view state = commit.empty() ? "not cloned" : present;
     record.set(NEBSourceControlOperationStateKey,

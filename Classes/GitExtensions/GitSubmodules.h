@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "GitExtensions/GitQuery.h"
 
@@ -17,7 +18,8 @@ namespace neb {
 /// NEBSourceControlOperationPathKey, NEBSourceControlOperationURLKey,
 /// NEBSourceControlOperationBranchKey, as far as .gitmodules has them;
 /// NEBSourceControlOperationIndexObjectIDKey, the commit in the index;
-/// NEBSourceControlOperationObjectIDKey, the commit that is checked out; and
+/// NEBSourceControlOperationObjectIDKey, the commit that is checked out;
+/// NEBSourceControlOperationDescriptionKey, what describes it; and
 /// NEBSourceControlOperationStateKey: "not initialized", "not cloned", "current", "other commit" or
 /// "conflict". Empty without submodules.
 class GitSubmodulesOperation : public GitQueryComposite {
@@ -33,7 +35,10 @@ private:
     using Submodules = std::map<std::string, Properties>;
 
     [[nodiscard]] Submodules submodulesOf(const std::vector<std::string>& source);
-    [[nodiscard]] std::string checkedOutCommit(const std::string& path);
+    /// Returns the line that git prints in the submodule at the path; empty if no repository is
+    /// there, or git fails.
+    [[nodiscard]] std::string lineIn(const std::string& path,
+                                     const std::vector<std::string>& arguments);
     [[nodiscard]] NEBDictionary recordOf(const std::string& name, const Properties& properties,
                                          bool isInitialized);
 };

@@ -22,11 +22,13 @@ namespace neb {
 /// String: what to do. Stash: "list" (the default), "push", "show", "apply", "pop" or "drop".
 /// Publish: "push" (the default) or "delete". Pick: "cherry-pick" (the default), "revert" or
 /// "reset". Tag: "create" (the default) or "delete". Finish: "continue", "skip" or "abort". Change
-/// branch: "rename", "set-upstream" or "unset-upstream".
+/// branch: "rename", "set-upstream" or "unset-upstream". Submodules: "list" (the default), "init"
+/// or "update". Worktrees: "list" (the default), "add", "remove" or "prune". Identity and settings:
+/// "list" (the default), "set" or "unset".
 inline constexpr NEBConstant NEBSourceControlRequestOptionAction{
     "NEBSourceControlRequestOptionAction"};
-/// Boolean: change nothing, and return what would be thrown away. Used by discard and pick
-/// for "reset".
+/// Boolean: change nothing, and return what would be thrown away. Used by discard, by pick for
+/// "reset", and by worktrees for "remove".
 inline constexpr NEBConstant NEBSourceControlRequestOptionDryRun{
     "NEBSourceControlRequestOptionDryRun"};
 /// Text: a patch to apply instead of whole files. Used by stage, unstage and discard.
@@ -41,7 +43,8 @@ inline constexpr NEBConstant NEBSourceControlRequestOptionIncludeUntracked{
 /// Boolean: replace the commit of HEAD. Used by create commit.
 inline constexpr NEBConstant NEBSourceControlRequestOptionAmend{
     "NEBSourceControlRequestOptionAmend"};
-/// Boolean: commit all changes of tracked files, staged or not. Used by create commit.
+/// Boolean: commit all changes of tracked files, staged or not (create commit); return all
+/// settings, or set or unset all values of one (identity and settings).
 inline constexpr NEBConstant NEBSourceControlRequestOptionAll{"NEBSourceControlRequestOptionAll"};
 /// Text: the author, as "Name <address>". Used by create commit.
 inline constexpr NEBConstant NEBSourceControlRequestOptionAuthor{
@@ -80,5 +83,25 @@ inline constexpr NEBConstant NEBSourceControlRequestOptionResetMode{
 /// Integer: the parent, from 1, whose difference to a merge is applied. Used by pick.
 inline constexpr NEBConstant NEBSourceControlRequestOptionMainline{
     "NEBSourceControlRequestOptionMainline"};
+
+// Submodules, worktrees and settings.
+
+/// Boolean: first initialize submodules that are not. Used by submodules for "update".
+inline constexpr NEBConstant NEBSourceControlRequestOptionInitialize{
+    "NEBSourceControlRequestOptionInitialize"};
+/// Boolean: check out the latest commit of the remote branch of a submodule instead of the one in
+/// the index. Used by submodules for "update".
+inline constexpr NEBConstant NEBSourceControlRequestOptionFollowBranch{
+    "NEBSourceControlRequestOptionFollowBranch"};
+/// Boolean: create the branch for the new worktree. Used by worktrees for "add".
+inline constexpr NEBConstant NEBSourceControlRequestOptionCreateBranch{
+    "NEBSourceControlRequestOptionCreateBranch"};
+/// Text: the new value of a setting. Used by identity and settings for "set".
+inline constexpr NEBConstant NEBSourceControlRequestOptionValue{
+    "NEBSourceControlRequestOptionValue"};
+/// String: where a setting is changed: "local" (the repository, the default) or "global" (the
+/// user). Used by identity and settings for "set" and "unset".
+inline constexpr NEBConstant NEBSourceControlRequestOptionScope{
+    "NEBSourceControlRequestOptionScope"};
 
 }  // namespace neb

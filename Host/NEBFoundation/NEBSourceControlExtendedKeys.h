@@ -297,6 +297,10 @@ inline constexpr NEBConstant NEBSourceControlOperationOntoKey{"NEBSourceControlO
 
 /// String: the address of a submodule, as written in .gitmodules.
 inline constexpr NEBConstant NEBSourceControlOperationURLKey{"NEBSourceControlOperationURLKey"};
+/// String: the commit that is checked out in a submodule, as the latest tag describes it:
+/// "v1.0-3-g0123456"; without a tag the abbreviated id.
+inline constexpr NEBConstant NEBSourceControlOperationDescriptionKey{
+    "NEBSourceControlOperationDescriptionKey"};
 /// String: the branch of a submodule that an update follows, or the full name of the branch that is
 /// checked out in a worktree.
 inline constexpr NEBConstant NEBSourceControlOperationBranchKey{

@@ -104,14 +104,15 @@ inline constexpr NEBConstant NEBSourceControlRequestOptionStage{
 /// Used by content.
 inline constexpr NEBConstant NEBSourceControlRequestOptionApplyFilters{
     "NEBSourceControlRequestOptionApplyFilters"};
-/// Boolean: list the entries of all folders below, too. Used by tree.
+/// Boolean: list the entries of all folders below, too (tree); update submodules of submodules, too
+/// (submodules).
 inline constexpr NEBConstant NEBSourceControlRequestOptionRecursive{
     "NEBSourceControlRequestOptionRecursive"};
 /// Boolean: return no sizes, which need the objects of files. Used by tree.
 inline constexpr NEBConstant NEBSourceControlRequestOptionOmitSizes{
     "NEBSourceControlRequestOptionOmitSizes"};
-/// Array of strings: the names of the settings to return, "user.name". Used by identity and
-/// settings.
+/// Array of strings: the names of the settings to return, "user.name"; one name to set or unset.
+/// Used by identity and settings.
 inline constexpr NEBConstant NEBSourceControlRequestOptionSettingNames{
     "NEBSourceControlRequestOptionSettingNames"};
 

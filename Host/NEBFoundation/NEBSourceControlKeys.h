@@ -140,6 +140,11 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionStrategy,
     NEBSourceControlRequestOptionResetMode,
     NEBSourceControlRequestOptionMainline,
+    NEBSourceControlRequestOptionInitialize,
+    NEBSourceControlRequestOptionFollowBranch,
+    NEBSourceControlRequestOptionCreateBranch,
+    NEBSourceControlRequestOptionValue,
+    NEBSourceControlRequestOptionScope,
 };
 
 // Keys of the records of a result. The comment states the kind of the value, what it means, and

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+
+#include "NEBFoundation/NEBSourceControlKeys.h"
 
 namespace neb {
 
@@ -211,11 +214,17 @@ constexpr NEBSourceControlRequestTypeDescription rows[] = {
      needs<startingRevision>},
     {NEBSourceControlRequestTag, "tag", changes, offline, inTree, exposed::nothing,
      needs<destination>},
-    {NEBSourceControlRequestSubmodules, "submodules", reads, offline, inTree, exposed::nothing, {}},
-    {NEBSourceControlRequestWorktrees, "worktrees", reads, offline, inTree, exposed::nothing, {}},
+    {NEBSourceControlRequestSubmodules,
+     "submodules",
+     changes,
+     authenticates,
+     inTree,
+     exposed::nothing,
+     {}},
+    {NEBSourceControlRequestWorktrees, "worktrees", changes, offline, inTree, exposed::nothing, {}},
     {NEBSourceControlRequestSettings,
      "identity and settings",
-     reads,
+     changes,
      offline,
      inTree,
      exposed::nothing,
@@ -230,6 +239,35 @@ constexpr NEBSourceControlRequestTypeDescription rows[] = {
      exposed::nothing,
      {}},
 };
+
+/// An action that does less than the row of its type says: it contacts no server.
+struct LesserAction {
+    std::int32_t type;
+    std::string_view action;
+    NEBSourceControlRequestEffect effect;
+};
+
+/// What a request of these types does without the option.
+constexpr std::string_view usualAction = "list";
+
+constexpr LesserAction lesserActions[] = {
+    {NEBSourceControlRequestStash, usualAction, reads},
+    {NEBSourceControlRequestStash, "show", reads},
+    {NEBSourceControlRequestSubmodules, usualAction, reads},
+    {NEBSourceControlRequestSubmodules, "init", changes},
+    {NEBSourceControlRequestWorktrees, usualAction, reads},
+    {NEBSourceControlRequestSettings, usualAction, reads},
+};
+
+/// Null if the request does what the row of its type says.
+const LesserAction* lesserActionOf(const NEBSourceControlRequest& request) {
+    const NEBValue& option = request.option(NEBSourceControlRequestOptionAction);
+    const std::string action = option.isPresent() ? option.description() : std::string(usualAction);
+    const auto* row = std::ranges::find_if(lesserActions, [&](const LesserAction& other) {
+        return other.type == request.type && other.action == action;
+    });
+    return row != std::end(lesserActions) ? row : nullptr;
+}
 
 constexpr auto typeOf = [](const NEBSourceControlRequestTypeDescription& row) { return row.type; };
 static_assert(std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, typeOf) ==
@@ -248,6 +286,18 @@ const NEBSourceControlRequestTypeDescription& NEBSourceControlDescriptionOfReque
     std::int32_t type) {
     const auto* row = std::ranges::lower_bound(rows, type, {}, typeOf);
     return row != std::ranges::end(rows) && row->type == type ? *row : unlisted;
+}
+
+NEBSourceControlRequestEffect NEBSourceControlEffectOfRequest(
+    const NEBSourceControlRequest& request) {
+    const LesserAction* action = lesserActionOf(request);
+    return action != nullptr ? action->effect
+                             : NEBSourceControlDescriptionOfRequestType(request.type).effect;
+}
+
+bool NEBSourceControlRequestMayAuthenticate(const NEBSourceControlRequest& request) {
+    return lesserActionOf(request) == nullptr &&
+           NEBSourceControlDescriptionOfRequestType(request.type).mayAuthenticate;
 }
 
 std::optional<std::string_view> NEBSourceControlRequestTypeName(std::int32_t type) {

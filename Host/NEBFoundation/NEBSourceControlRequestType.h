@@ -16,6 +16,7 @@
 #include <span>
 #include <string_view>
 
+#include "NEBFoundation/NEBSourceControlRequest.h"
 #include "Platform/Export.h"
 
 namespace neb {
@@ -135,11 +136,14 @@ enum NEBSourceControlRequestType : std::int32_t {
     NEBSourceControlRequestPick = 1014,
     /// `git tag`: creates or deletes the tag `destination`.
     NEBSourceControlRequestTag = 1015,
-    /// `git config` and `git ls-files`: returns the submodules with their state.
+    /// `git config` and `git ls-files`, or `git submodule`: returns the submodules with their
+    /// state;
+    /// initializes or updates them.
     NEBSourceControlRequestSubmodules = 1016,
-    /// `git worktree list`: returns the worktrees of the repository.
+    /// `git worktree`: returns the worktrees of the repository; adds or removes one.
     NEBSourceControlRequestWorktrees = 1017,
-    /// `git var` and `git config`: returns the identity of the user, and settings.
+    /// `git var` and `git config`: returns the identity of the user, and settings; sets or unsets
+    /// one.
     NEBSourceControlRequestSettings = 1018,
     /// `git ls-tree`: returns the entries of a folder in a commit.
     NEBSourceControlRequestTree = 1019,
@@ -223,8 +227,10 @@ struct NEBSourceControlRequestTypeDescription {
     /// The plain name, "list remote branches"; "unsupported" for a type without an operation; empty
     /// for a type that is not in the table.
     std::string_view name;
+    /// The effect of any request of the type; see NEBSourceControlEffectOfRequest().
     NEBSourceControlRequestEffect effect;
-    /// Whether the operation contacts a server that may ask for credentials.
+    /// Whether an operation of the type contacts a server that may ask for credentials; see
+    /// NEBSourceControlRequestMayAuthenticate().
     bool mayAuthenticate;
     /// Whether the operation works in the folder `destination`, which the host creates before it
     /// runs. Otherwise it works in the source tree.
@@ -244,6 +250,15 @@ NEBSourceControlAllRequestTypes();
 /// operation exists that could. Thread-safe.
 [[nodiscard]] NEB_EXPORT const NEBSourceControlRequestTypeDescription&
 NEBSourceControlDescriptionOfRequestType(std::int32_t type);
+
+/// Returns what a request does: the effect of its type, or less if the option
+/// NEBSourceControlRequestOptionAction names an action that only reads. Thread-safe.
+[[nodiscard]] NEB_EXPORT NEBSourceControlRequestEffect
+NEBSourceControlEffectOfRequest(const NEBSourceControlRequest& request);
+
+/// Returns whether the request contacts a server that may ask for credentials. Thread-safe.
+[[nodiscard]] NEB_EXPORT bool NEBSourceControlRequestMayAuthenticate(
+    const NEBSourceControlRequest& request);
 
 /// Returns the plain name of a type, "unsupported" for 12, 16 and 23; absent for a number that is
 /// not in the table. Thread-safe.

@@ -71,18 +71,54 @@ TEST(RequestTypeTable, ListsWhatAnOperationReportsMissing) {
 TEST(RequestTypeTable, NamesTheTypesThatAuthenticate) {
     const GitController controller;
     for (const Row& row : NEBSourceControlAllRequestTypes()) {
-        EXPECT_EQ(controller.authenticationRequiredForRequest(*requestFor(row.type, std::nullopt)),
-                  row.mayAuthenticate)
+        const auto request = requestFor(row.type, std::nullopt);
+        request->options =
+            NEBDictionary{{NEBSourceControlRequestOptionAction, "the one that does most"}};
+        EXPECT_EQ(controller.authenticationRequiredForRequest(*request), row.mayAuthenticate)
             << row.name;
+    }
+}
+
+/// Actions that only read, or contact no server, in types that otherwise do more.
+TEST(RequestTypeTable, KnowsTheActionsThatDoLess) {
+    using enum NEBSourceControlRequestEffect;
+    const struct {
+        std::int32_t type;
+        const char* action;
+        NEBSourceControlRequestEffect effect;
+        bool authenticates;
+    } actions[] = {
+        {NEBSourceControlRequestStash, nullptr, reads, false},
+        {NEBSourceControlRequestStash, "show", reads, false},
+        {NEBSourceControlRequestStash, "push", changes, false},
+        {NEBSourceControlRequestSubmodules, nullptr, reads, false},
+        {NEBSourceControlRequestSubmodules, "list", reads, false},
+        {NEBSourceControlRequestSubmodules, "init", changes, false},
+        {NEBSourceControlRequestSubmodules, "update", changes, true},
+        {NEBSourceControlRequestSubmodules, "nosuch", changes, true},
+        {NEBSourceControlRequestWorktrees, nullptr, reads, false},
+        {NEBSourceControlRequestWorktrees, "add", changes, false},
+        {NEBSourceControlRequestSettings, nullptr, reads, false},
+        {NEBSourceControlRequestSettings, "set", changes, false},
+        {NEBSourceControlRequestTag, "list", changes, false},
+        {NEBSourceControlRequestFetch, "list", changes, true},
+    };
+    for (const auto& [type, action, effect, authenticates] : actions) {
+        const auto request = requestFor(type, "/w");
+        request->options.emplace();
+        if (action != nullptr) {
+            request->options->set(NEBSourceControlRequestOptionAction, action);
+        }
+        EXPECT_EQ(NEBSourceControlEffectOfRequest(*request), effect) << type;
+        EXPECT_EQ(NEBSourceControlRequestMayAuthenticate(*request), authenticates) << type;
     }
 }
 
 class RequestTypeTableEffects : public HygienicTest {
 protected:
-    /// The paths that the request of the case changed, except temporary files.
-    static std::set<std::string> changedPaths(const RequestCase& requestCase) {
-        const World world;
-        const auto request = preparedRequest(world, requestCase);
+    /// The paths that the prepared request changed.
+    static std::set<std::string> changedPaths(
+        const World& world, const std::shared_ptr<NEBSourceControlRequest>& request) {
         auto before = world.content();
         outcomeOf(world, request);
         std::set<std::string> changed;
@@ -107,11 +143,14 @@ TEST_F(RequestTypeTableEffects, AreThoseOfTheOperations) {
         }
         // The first case of each type succeeds.
         const auto requestCase = std::ranges::find(requestMatrix(), row.type, &RequestCase::type);
-        const std::set<std::string> changed = changedPaths(*requestCase);
-        EXPECT_EQ(changed.empty(), row.effect == NEBSourceControlRequestEffect::reads) << row.name;
+        const World world;
+        const auto request = preparedRequest(world, *requestCase);
+        const auto effect = NEBSourceControlEffectOfRequest(*request);
+        const std::set<std::string> changed = changedPaths(world, request);
+        EXPECT_EQ(changed.empty(), effect == NEBSourceControlRequestEffect::reads) << row.name;
         const bool areTemporary = std::ranges::all_of(
             changed, [](const std::string& path) { return path.starts_with("tmp/"); });
-        EXPECT_EQ(areTemporary, row.effect != NEBSourceControlRequestEffect::changes) << row.name;
+        EXPECT_EQ(areTemporary, effect != NEBSourceControlRequestEffect::changes) << row.name;
     }
 }
 

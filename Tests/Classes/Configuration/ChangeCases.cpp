@@ -109,14 +109,41 @@ std::vector<RequestCase> historyCases() {
              request.destination = "v9";
              setOptions(request, {{NEBSourceControlRequestOptionMessage, "Nine"}});
          }},
+        {"Finish", NEBSourceControlRequestFinish, "git merge -q rival || true",
+         [](const World& /*world*/, Request& request) { setAction(request, "abort"); }},
+    };
+}
+
+std::vector<RequestCase> repositoryCases() {
+    return {
         {"ChangeBranch", NEBSourceControlRequestChangeBranch, "",
          [](const World& /*world*/, Request& request) {
              request.destination = "renamed";
              setOptions(request, {{NEBSourceControlRequestOptionAction, "rename"},
                                   {NEBSourceControlRequestOptionBranch, "rival"}});
          }},
-        {"Finish", NEBSourceControlRequestFinish, "git merge -q rival || true",
-         [](const World& /*world*/, Request& request) { setAction(request, "abort"); }},
+        {"WorktreeAdd", NEBSourceControlRequestWorktrees, "",
+         [](const World& world, Request& request) {
+             request.destination = world.path("added");
+             setOptions(request, {{NEBSourceControlRequestOptionAction, "add"},
+                                  {NEBSourceControlRequestOptionBranch, "rival"}});
+         }},
+        {"WorktreeRemove", NEBSourceControlRequestWorktrees, "git worktree add -q ../added rival",
+         [](const World& world, Request& request) {
+             request.destination = world.path("added");
+             setAction(request, "remove");
+         }},
+        {"SubmoduleInit", NEBSourceControlRequestSubmodules,
+         "git config -f .gitmodules submodule.s.path sub\ngit config -f .gitmodules "
+         "submodule.s.url ../s\ngit update-index --add --cacheinfo 160000,$(git rev-parse "
+         "HEAD),sub",
+         [](const World& /*world*/, Request& request) { setAction(request, "init"); }},
+        {"SetSetting", NEBSourceControlRequestSettings, "",
+         [](const World& /*world*/, Request& request) {
+             setOptions(request, {{NEBSourceControlRequestOptionAction, "set"},
+                                  {NEBSourceControlRequestOptionSettingNames, "neb.test"},
+                                  {NEBSourceControlRequestOptionValue, "1"}});
+         }},
     };
 }
 
@@ -124,7 +151,7 @@ std::vector<RequestCase> historyCases() {
 
 std::vector<RequestCase> changeCases() {
     std::vector<RequestCase> all = indexCases();
-    for (const auto& family : {stashCases(), historyCases()}) {
+    for (const auto& family : {stashCases(), historyCases(), repositoryCases()}) {
         all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -90,7 +90,8 @@ TEST(CommandTable, NamesAndPathsMustNotBeEmpty) {
         expectEmptyValuesRefused({}, *command);
         addThoseThatMayBeEmpty(*command, names);
     }
-    EXPECT_THAT(names, UnorderedElementsAre("commit --message", "complete ARGUMENT"));
+    EXPECT_THAT(names,
+                UnorderedElementsAre("commit --message", "config VALUE", "complete ARGUMENT"));
 }
 
 TEST(CommandTable, ArgumentsCanBeAssignedInOrder) {

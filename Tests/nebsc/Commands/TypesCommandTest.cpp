@@ -29,76 +29,71 @@ struct NeedsRow {
 };
 
 /// All types that need something or may authenticate; the others need nothing.
-const std::vector<NeedsRow>& neededRows() {
-    static const std::vector<NeedsRow> rows{
-        {NEBSourceControlRequestCreateBranch, "create branch", false, {"destination"}},
-        {NEBSourceControlRequestDeleteBranch, "delete branch", false, {"destination"}},
-        {NEBSourceControlRequestRemove, "remove", false, {"at least one file"}},
-        {NEBSourceControlRequestAddFiles, "add files", false, {"at least one file"}},
-        {NEBSourceControlRequestRevert, "revert", false, {"at least one file"}},
-        {NEBSourceControlRequestMakeDirectory, "make directory", false, {"destination"}},
-        {NEBSourceControlRequestMerge, "merge", false, {"destination"}},
-        {NEBSourceControlRequestCopy, "copy", false, {"at least one file", "destination"}},
-        {NEBSourceControlRequestMove, "move", false, {"at least one file", "destination"}},
-        {NEBSourceControlRequestUpdate, "update", true, {}},
-        {NEBSourceControlRequestCheckout, "checkout", false, {"destination"}},
-        {NEBSourceControlRequestList, "list", false, {"at least one file"}},
-        {NEBSourceControlRequestExportFiles,
-         "export files",
-         false,
-         {"at least one file", "starting revision"}},
-        {NEBSourceControlRequestExport,
-         "export",
-         false,
-         {"starting revision", "at least one file"}},
-        {NEBSourceControlRequestExportTree,
-         "export tree",
-         false,
-         {"destination", "starting revision"}},
-        {NEBSourceControlRequestListBranches, "list branches", true, {}},
-        {NEBSourceControlRequestCreateRepository,
-         "create repository",
-         false,
-         {"source tree or repository path option"}},
-        {NEBSourceControlRequestBlame, "blame", false, {"exactly one file"}},
-        {NEBSourceControlRequestClone, "clone", true, {"destination", "source tree location"}},
-        {NEBSourceControlRequestPush,
-         "push",
-         true,
-         {"remote", "destination", "remote name option", "branch option"}},
-        {NEBSourceControlRequestAddRemote,
-         "add remote",
-         false,
-         {"destination", "exactly one file"}},
-        {NEBSourceControlRequestRemoveRemote, "remove remote", false, {"destination"}},
-        {NEBSourceControlRequestTrackRemoteBranch,
-         "track remote branch",
-         false,
-         {"destination", "remote name option", "branch option"}},
-        {NEBSourceControlRequestFetch, "fetch", true, {"remote", "remote name option"}},
-        {NEBSourceControlRequestTrackingBranchName,
-         "tracking branch name",
-         false,
-         {"branch option"}},
-        {NEBSourceControlRequestMergeBase,
-         "merge base",
-         false,
-         {"starting revision", "ending revision"}},
-    };
-    return rows;
-}
+const std::vector<NeedsRow> neededRows{
+    {NEBSourceControlRequestCreateBranch, "create branch", false, {"destination"}},
+    {NEBSourceControlRequestDeleteBranch, "delete branch", false, {"destination"}},
+    {NEBSourceControlRequestRemove, "remove", false, {"at least one file"}},
+    {NEBSourceControlRequestAddFiles, "add files", false, {"at least one file"}},
+    {NEBSourceControlRequestRevert, "revert", false, {"at least one file"}},
+    {NEBSourceControlRequestMakeDirectory, "make directory", false, {"destination"}},
+    {NEBSourceControlRequestMerge, "merge", false, {"destination"}},
+    {NEBSourceControlRequestCopy, "copy", false, {"at least one file", "destination"}},
+    {NEBSourceControlRequestMove, "move", false, {"at least one file", "destination"}},
+    {NEBSourceControlRequestUpdate, "update", true, {}},
+    {NEBSourceControlRequestCheckout, "checkout", false, {"destination"}},
+    {NEBSourceControlRequestList, "list", false, {"at least one file"}},
+    {NEBSourceControlRequestExportFiles,
+     "export files",
+     false,
+     {"at least one file", "starting revision"}},
+    {NEBSourceControlRequestExport, "export", false, {"starting revision", "at least one file"}},
+    {NEBSourceControlRequestExportTree, "export tree", false, {"destination", "starting revision"}},
+    {NEBSourceControlRequestListBranches, "list branches", true, {}},
+    {NEBSourceControlRequestCreateRepository,
+     "create repository",
+     false,
+     {"source tree or repository path option"}},
+    {NEBSourceControlRequestBlame, "blame", false, {"exactly one file"}},
+    {NEBSourceControlRequestClone, "clone", true, {"destination", "source tree location"}},
+    {NEBSourceControlRequestPush,
+     "push",
+     true,
+     {"remote", "destination", "remote name option", "branch option"}},
+    {NEBSourceControlRequestAddRemote, "add remote", false, {"destination", "exactly one file"}},
+    {NEBSourceControlRequestRemoveRemote, "remove remote", false, {"destination"}},
+    {NEBSourceControlRequestTrackRemoteBranch,
+     "track remote branch",
+     false,
+     {"destination", "remote name option", "branch option"}},
+    {NEBSourceControlRequestFetch, "fetch", true, {"remote", "remote name option"}},
+    {NEBSourceControlRequestTrackingBranchName, "tracking branch name", false, {"branch option"}},
+    {NEBSourceControlRequestMergeBase,
+     "merge base",
+     false,
+     {"starting revision", "ending revision"}},
+    {NEBSourceControlRequestContent, "content", false, {"exactly one file"}},
+    {NEBSourceControlRequestAnnotation, "annotation", false, {"exactly one file"}},
+    {NEBSourceControlRequestPublish, "publish", true, {}},
+    {NEBSourceControlRequestIntegrate, "integrate", true, {}},
+    {NEBSourceControlRequestPick, "pick", false, {"starting revision"}},
+    {NEBSourceControlRequestTag, "tag", false, {"destination"}},
+    {NEBSourceControlRequestSubmodules, "submodules", true, {}},
+};
 
 TEST(TypesCommand, JSONHasARowForEveryType) {
     const NebscOutcome outcome = runNebsc({"types", "--json"});
     const JSON rows = outcome.json();
     ASSERT_EQ(rows.size(), NEBSourceControlAllRequestTypes().size());
-    for (int type = 0; type < 40; ++type) {
-        const JSON& row = rows[static_cast<std::size_t>(type)];
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const JSON& row = rows[i];
+        const std::int32_t type = NEBSourceControlAllRequestTypes()[i].type;
         EXPECT_EQ(row["type"], type);
+        EXPECT_EQ(type, i < 40 ? static_cast<std::int32_t>(i) : 960 + static_cast<std::int32_t>(i))
+            << "no number is left out";
         const auto needed =
-            std::find_if(neededRows().begin(), neededRows().end(),
+            std::find_if(neededRows.begin(), neededRows.end(),
                          [type](const NeedsRow& candidate) { return candidate.type == type; });
-        const bool isNeeded = needed != neededRows().end();
+        const bool isNeeded = needed != neededRows.end();
         EXPECT_EQ(row["needs"].get<std::vector<std::string>>(),
                   isNeeded ? needed->needs : std::vector<std::string>())
             << type;

@@ -367,8 +367,9 @@ constexpr std::string_view valuesOfTheUser =
     "NAME, "
     "cherry-pick --mainline, revert --mainline, log --limit, log --author, log --grep, "
     "log --content, log --since, log --until, blame --lines, clone --branch, "
-    "branch create NAME, branch rename NEW, branch track NAME, remote add NAME, complete "
-    "ARGUMENT, ";
+    "branch create NAME, branch rename NEW, branch track NAME, worktree add --branch, remote add "
+    "NAME, "
+    "config NAME, config VALUE, complete ARGUMENT, ";
 
 void expectCompleted(const nebsc::Command& command, const std::string& names) {
     for (const nebsc::Parameter& parameter : command.parameters) {

@@ -28,7 +28,8 @@ TEST(WrittenLocation, IsTheTopOfTheWorkingCopyForRequestsThatWrite) {
         if (type.worksInDestination) {
             request->destination = repository.path("new/clone");
         }
-        EXPECT_EQ(writtenLocationOf(*request), type.effect == NEBSourceControlRequestEffect::changes
+        const auto effect = NEBSourceControlEffectOfRequest(*request);
+        EXPECT_EQ(writtenLocationOf(*request), effect == NEBSourceControlRequestEffect::changes
                                                    ? std::optional(repository.path())
                                                    : std::nullopt)
             << type.name;

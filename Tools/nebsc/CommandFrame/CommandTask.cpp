@@ -299,8 +299,7 @@ RequestResult CommandTask::performRequest(
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
     RequestResult result =
         _call.session.perform(request, interruptibleRunner(_interruption, *_progress), replacement);
-    if (NEBSourceControlDescriptionOfRequestType(request->type).effect !=
-        NEBSourceControlRequestEffect::reads) {
+    if (NEBSourceControlEffectOfRequest(*request) != NEBSourceControlRequestEffect::reads) {
         _git.forgetRevisions();
     }
     return result;

@@ -35,6 +35,7 @@ constexpr std::array commands{
     &continueCommand,
     &skipCommand,
     &abortCommand,
+    &configCommand,
     &tuneCommand,
     //
     &branchCommand,
@@ -45,6 +46,8 @@ constexpr std::array commands{
     &tagCommand,
     &cherryPickCommand,
     &resetCommand,
+    &worktreeCommand,
+    &submoduleCommand,
     //
     &cloneCommand,
     &remoteCommand,

@@ -58,6 +58,8 @@ extern const Command stashCommand;
 extern const Command continueCommand;
 extern const Command skipCommand;
 extern const Command abortCommand;
+/// Shows and changes settings of git.
+extern const Command configCommand;
 /// Runs even if the plug-in cannot be loaded.
 extern const Command tuneCommand;
 
@@ -74,6 +76,10 @@ extern const Command mergeCommand;
 extern const Command mergeBaseCommand;
 /// Its subcommands list, create and delete tags.
 extern const Command tagCommand;
+/// Its subcommands list, initialize and update submodules.
+extern const Command submoduleCommand;
+/// Its subcommands list, add and remove worktrees.
+extern const Command worktreeCommand;
 extern const Command cherryPickCommand;
 extern const Command resetCommand;
 

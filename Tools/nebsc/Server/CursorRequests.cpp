@@ -33,13 +33,12 @@ std::string sentenceOfUnknown(const std::string& cursor) {
 
 /// A paused request must not hold up others, so it must not change anything. Returns the reason why
 /// the request can have no cursor; empty if it can.
-std::string refusalOfType(std::int32_t type) {
-    const auto& description = NEBSourceControlDescriptionOfRequestType(type);
-    if (description.effect == NEBSourceControlRequestEffect::reads) {
+std::string refusalByEffect(const NEBSourceControlRequest& request) {
+    if (NEBSourceControlEffectOfRequest(request) == NEBSourceControlRequestEffect::reads) {
         return {};
     }
-    const auto name = NEBSourceControlRequestTypeName(type);
-    return "A request of the type " + std::to_string(type) +
+    const auto name = NEBSourceControlRequestTypeName(request.type);
+    return "A request of the type " + std::to_string(request.type) +
            (name ? " (" + std::string(*name) + ")" : "") +
            " has no pages, as only types that read have; send it with 'sourceControl/perform'.";
 }
@@ -171,7 +170,7 @@ void CursorRequests::open(RPCMessage& message) {
     }
     const RequestReading reading = requestFromJSON(*params->request);
     const std::string refusal =
-        reading.request ? refusalOfType(reading.request->type) : reading.refusal;
+        reading.request ? refusalByEffect(*reading.request) : reading.refusal;
     if (!refusal.empty()) {
         refuse(message, RPCErrorCode::invalidParams, refusal);
         return;

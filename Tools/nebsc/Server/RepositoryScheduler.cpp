@@ -36,16 +36,16 @@ std::string topOfWorkingCopy(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> writtenLocationOf(const NEBSourceControlRequest& request) {
-    const auto& type = NEBSourceControlDescriptionOfRequestType(request.type);
-    if (type.effect == NEBSourceControlRequestEffect::reads) {
+    const auto effect = NEBSourceControlEffectOfRequest(request);
+    if (effect == NEBSourceControlRequestEffect::reads) {
         return std::nullopt;
     }
-    if (type.effect == NEBSourceControlRequestEffect::exports) {
+    if (effect == NEBSourceControlRequestEffect::exports) {
         return request.destination.isPresent()
                    ? std::optional(withoutLinks(request.destination.description()))
                    : std::nullopt;
     }
-    if (type.worksInDestination) {
+    if (NEBSourceControlDescriptionOfRequestType(request.type).worksInDestination) {
         return topOfWorkingCopy(request.destination.description());
     }
     const NEBValue& repository = request.option(NEBSourceControlRequestOptionRepositoryPath);

@@ -69,6 +69,11 @@ constexpr ValueDescription optionValues[] = {
     {"Strategy", Kind::string},
     {"ResetMode", Kind::string},
     {"Mainline", Kind::integer},
+    {"Initialize", Kind::boolean},
+    {"FollowBranch", Kind::boolean},
+    {"CreateBranch", Kind::boolean},
+    {"Value", Kind::text},
+    {"Scope", Kind::string},
 };
 
 constexpr ValueDescription recordValues[] = {
@@ -170,6 +175,7 @@ constexpr ValueDescription recordValues[] = {
     {"StepCount", Kind::integer},
     {"Onto", Kind::string},
     {"URL", Kind::string},
+    {"Description", Kind::string},
     {"Branch", Kind::string},
     {"BranchBytes", Kind::bytes},
     {"IsMain", Kind::boolean},
@@ -288,12 +294,14 @@ constexpr TypeMembers typeMembers[] = {
      "Kind OldObjectID ObjectID Path Conflict Stages State"},  // pick
     {1015, "destination startingRevision", "Action Message Force RepositoryPath WorkingCopyPath",
      "Name ObjectID"},  // tag
-    {1016, "", "RepositoryPath WorkingCopyPath",
-     "Name Path URL Branch IndexObjectID ObjectID State"},  // submodules
-    {1017, "", "RepositoryPath WorkingCopyPath",
+    {1016, "files repositoryToAuthenticate",
+     "Action Initialize Recursive FollowBranch Force RepositoryPath WorkingCopyPath",
+     "Name Path URL Branch IndexObjectID ObjectID Description State"},  // submodules
+    {1017, "destination startingRevision",
+     "Action Branch CreateBranch DryRun Force RepositoryPath WorkingCopyPath",
      "IsMain Worktree ObjectID Branch IsDetached IsBare IsLocked LockReason IsPrunable "
-     "PruneReason"},  // worktrees
-    {1018, "", "SettingNames RepositoryPath WorkingCopyPath",
+     "PruneReason Path State"},  // worktrees
+    {1018, "", "Action SettingNames Value Scope All RepositoryPath WorkingCopyPath",
      "Kind Author AuthorEmail Name Value Scope Origin"},  // identity and settings
     {1019, "files startingRevision",
      "Recursive OmitSizes RepositoryPath WorkingCopyPath FetchMissingObjects",

@@ -19,7 +19,7 @@ constexpr std::int32_t otherTypesWithServer[] = {
 }  // namespace
 
 bool mayContactServer(const NEBSourceControlRequest& request) {
-    return NEBSourceControlDescriptionOfRequestType(request.type).mayAuthenticate ||
+    return NEBSourceControlRequestMayAuthenticate(request) ||
            std::find(std::begin(otherTypesWithServer), std::end(otherTypesWithServer),
                      request.type) != std::end(otherTypesWithServer) ||
            request.option(NEBSourceControlRequestOptionFetchMissingObjects).isPresent();

@@ -7,7 +7,7 @@ namespace neb::nebsc {
 
 /// Returns whether git may contact a server for the request. More types do than those for which a
 /// host must find out whether the server is reachable
-/// (NEBSourceControlRequestTypeDescription::mayAuthenticate). Thread-safe.
+/// (NEBSourceControlRequestMayAuthenticate()). Thread-safe.
 [[nodiscard]] bool mayContactServer(const NEBSourceControlRequest& request);
 
 }  // namespace neb::nebsc

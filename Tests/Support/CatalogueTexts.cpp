@@ -468,6 +468,7 @@ const CatalogueText texts[] = {
     {NEBSourceControlConflictUnresolvedErrorClass, -1,
      "a.c: needs merge\nYou must edit all merge conflicts and then\nmark them as resolved using "
      "git add"},
+    {NEBSourceControlConflictUnresolvedErrorClass, -1, "a.c: needs merge"},
     {NEBSourceControlNoWorkTreeErrorClass, -1,
      "fatal: mixed reset is not allowed in a bare repository"},
     {NEBSourceControlReferenceBrokenErrorClass, -1,

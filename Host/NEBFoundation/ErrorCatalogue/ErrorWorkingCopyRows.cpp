@@ -50,6 +50,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "because you have unmerged files",
          "you need to resolve your current index first",
          "you must edit all merge conflicts and then",
+         ": needs merge",
          "exiting because of an unresolved conflict",
          "cannot change unmerged .gitmodules",
          "your index file is unmerged",

@@ -158,6 +158,9 @@ protected:
     /// of its failure; absent if it succeeds.
     [[nodiscard]] std::optional<CommandOutput> performFirst(
         const std::shared_ptr<NEBSourceControlRequest>& request);
+    /// Erases the progress indicator, and shows no other. Call it before the command itself writes
+    /// to the terminal.
+    void endProgress() { _progress->end(); }
     /// Adds the failure of an outcome, and returns whether there is one.
     bool addFailureOf(const Outcome& outcome, SilentFailure silentFailure,
                       CommandOutput& output) const;

@@ -14,7 +14,7 @@ struct ColourSequence {
     std::string_view sequence;
 };
 
-constexpr std::array<ColourSequence, 9> colourSequences{{
+constexpr std::array<ColourSequence, 13> colourSequences{{
     {Colour::bold, "\x1b[1m"},
     {Colour::red, "\x1b[31m"},
     {Colour::boldRed, "\x1b[1;31m"},
@@ -22,6 +22,10 @@ constexpr std::array<ColourSequence, 9> colourSequences{{
     {Colour::boldGreen, "\x1b[1;32m"},
     {Colour::yellow, "\x1b[33m"},
     {Colour::boldYellow, "\x1b[1;33m"},
+    {Colour::blue, "\x1b[34m"},
+    {Colour::boldBlue, "\x1b[1;34m"},
+    {Colour::magenta, "\x1b[35m"},
+    {Colour::boldMagenta, "\x1b[1;35m"},
     {Colour::cyan, "\x1b[36m"},
     {Colour::boldCyan, "\x1b[1;36m"},
 }};

@@ -16,6 +16,10 @@ enum class Colour {
     boldGreen,
     yellow,
     boldYellow,
+    blue,
+    boldBlue,
+    magenta,
+    boldMagenta,
     cyan,
     boldCyan,
 };

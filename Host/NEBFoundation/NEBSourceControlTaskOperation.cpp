@@ -118,9 +118,11 @@ void NEBSourceControlTaskOperation::main() {
         setError(NEBSourceControlCancelledError());
         return;
     }
-    if (const auto limit = outcomes.front().exceededLimit) {
-        setError(NEBSourceControlExceededLimitError(*limit, limits(), launchPath()));
-        return;
+    for (std::size_t i = 0; i < stages.size(); ++i) {
+        if (const auto limit = outcomes[i].exceededLimit) {
+            setError(NEBSourceControlExceededLimitError(*limit, limits(), stages[i]->launchPath()));
+            return;
+        }
     }
     for (std::size_t i = 0; i < stages.size(); ++i) {
         if (!outcomes[i].status.started()) {

@@ -69,7 +69,9 @@ std::vector<ChildOutcome> ChildPipeline::run() {
     for (PipelineChild& child : _children) {
         child.reap();
         outcomes.push_back(child.takeOutcome());
-        outcomes.back().exceededLimit = _exceededLimit;
+    }
+    if (_exceededLimit) {
+        outcomes[_exceedingChild].exceededLimit = _exceededLimit;
     }
     return outcomes;
 }
@@ -99,6 +101,13 @@ void ChildPipeline::startAll() {
 bool ChildPipeline::anyRunning() const {
     return std::any_of(_children.begin(), _children.end(),
                        [](const PipelineChild& child) { return child.isRunning(); });
+}
+
+/// Those behind it wait for its output.
+std::size_t ChildPipeline::firstRunning() const {
+    const auto found = std::find_if(_children.begin(), _children.end(),
+                                    [](const PipelineChild& child) { return child.isRunning(); });
+    return static_cast<std::size_t>(found - _children.begin());
 }
 
 bool ChildPipeline::anyStreamOpen() const {
@@ -176,14 +185,21 @@ void ChildPipeline::waitForEvent() {
 
 void ChildPipeline::readStreams() {
     const std::size_t previousSize = _children.back().output.data().size();
-    std::size_t previousTotal = 0;
-    std::size_t total = 0;
-    for (PipelineChild& child : _children) {
-        previousTotal += child.output.data().size() + child.errorOutput.data().size();
+    std::size_t largestGrowth = 0;
+    for (std::size_t i = 0; i < _children.size(); ++i) {
+        PipelineChild& child = _children[i];
+        const auto size = [&child] {
+            return child.output.data().size() + child.errorOutput.data().size();
+        };
+        const std::size_t sizeBefore = size();
         child.readStreams();
-        total += child.output.data().size() + child.errorOutput.data().size();
+        const std::size_t growth = size() - sizeBefore;
+        _limits.addOutput(growth, Clock::now());
+        if (growth > largestGrowth) {
+            largestGrowth = growth;
+            _lastWriter = i;
+        }
     }
-    _limits.addOutput(total - previousTotal, Clock::now());
     checkLimits();
     reportOutput(_children.back().output.data().size() - previousSize);
 }
@@ -205,6 +221,8 @@ void ChildPipeline::checkLimits() {
     if (_ending == Ending::none && anyRunning()) {
         _exceededLimit = _limits.exceededLimit(Clock::now());
         if (_exceededLimit) {
+            _exceedingChild =
+                _exceededLimit == ChildLimit::outputBytes ? _lastWriter : firstRunning();
             requestEnd();
         }
     }

@@ -51,6 +51,8 @@ private:
 
     [[nodiscard]] bool isFinished() const;
     [[nodiscard]] bool anyRunning() const;
+    /// Returns the first child that runs; one must.
+    [[nodiscard]] std::size_t firstRunning() const;
     [[nodiscard]] bool anyStreamOpen() const;
     [[nodiscard]] bool anyProcessAlive() const;
     void waitForEvent();
@@ -76,7 +78,11 @@ private:
     const ChildObservers& _observers;
     const FileDescriptor& _wake;
     LimitWatch _limits;
+    /// The child whose output grew most at the last growth.
+    std::size_t _lastWriter = 0;
     std::optional<ChildLimit> _exceededLimit;
+    /// The child that exceeded the limit.
+    std::size_t _exceedingChild = 0;
     std::vector<PipelineChild> _children;
     Ending _ending = Ending::none;
     Moment _nextEnding{};      // when `requested` or `forced` is over

@@ -40,8 +40,9 @@ struct ChildOutcome {
     /// Whether another process still had a stream of the child open shortly after the child ended.
     /// The outcome has what was written until then.
     bool outputWasHeldOpen = false;
-    /// The limit because of which the run was ended; the same in all outcomes. Absent if none was
-    /// exceeded.
+    /// The limit that this child exceeded, because of which the run was ended. Of the children of a
+    /// pipeline, it is the one that wrote most when the output became too large, or the first one
+    /// that still ran at the end of the time. Absent in all other outcomes.
     std::optional<ChildLimit> exceededLimit = std::nullopt;
     /// The time from the launch of the child to its end.
     std::chrono::nanoseconds duration{0};

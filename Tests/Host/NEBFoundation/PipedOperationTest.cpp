@@ -57,6 +57,16 @@ TEST_F(PipedOperation, AFailedHalfIsAnErrorDespiteAResult) {
     EXPECT_EQ(cutOff->error(), std::nullopt) << "the second half has read enough";
 }
 
+TEST_F(PipedOperation, AnExceededLimitNamesTheProgramOfItsHalf) {
+    auto operation = piped("exit 0", "1000");
+    operation->second->program = "/bin/sleep";
+    operation->second->setArguments({"1000"});
+    operation->setLimits({.silence = std::chrono::milliseconds(50)});
+    operation->start();
+    EXPECT_EQ(operation->error()->localizedDescription(),
+              "\"/bin/sleep\" was ended because it wrote nothing for 0.05 seconds.");
+}
+
 TEST_F(PipedOperation, AnErrorHasTheStatusOfTheFailedHalf) {
     struct Case {
         const char *first, *second;

@@ -110,9 +110,31 @@ TEST_F(LimitedChild, OfAPipelineEndsAllOfIt) {
     ChildProcess process;
     const auto outcomes = process.run({shell("exec sleep 1000"), shell("exec sleep 1000")}, {},
                                       {.silence = milliseconds(50)});
+    EXPECT_EQ(outcomes[0].exceededLimit, ChildLimit::silence);
+    EXPECT_EQ(outcomes[1].exceededLimit, std::nullopt);
     for (const ChildOutcome& outcome : outcomes) {
-        EXPECT_EQ(outcome.exceededLimit, ChildLimit::silence);
         EXPECT_EQ(outcome.status.signalNumber(), SIGTERM);
+    }
+}
+
+TEST_F(LimitedChild, OfAPipelineIsTheOneThatStillRunsOrWrites) {
+    struct Row {
+        const char *first, *second;
+        ChildLimits limits;
+        std::size_t child;
+    };
+    const Row rows[] = {
+        {"exec sleep 1000", "exec cat", {.total = milliseconds(100)}, 0},
+        {"exit 0", "exec sleep 1000", {.total = milliseconds(100)}, 1},
+        {"exit 0", "exec sleep 1000", {.silence = milliseconds(100)}, 1},
+        {"exec yes", "exec cat", {.outputBytes = 1000}, 1},
+        {"exec yes >&2", "exec cat", {.outputBytes = 1000}, 0},
+    };
+    for (const Row& row : rows) {
+        ChildProcess process;
+        const auto outcomes = process.run({shell(row.first), shell(row.second)}, {}, row.limits);
+        EXPECT_TRUE(outcomes[row.child].exceededLimit) << row.first << " | " << row.second;
+        EXPECT_FALSE(outcomes[1 - row.child].exceededLimit) << row.first << " | " << row.second;
     }
 }
 

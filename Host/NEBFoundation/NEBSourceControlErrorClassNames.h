@@ -187,6 +187,8 @@ inline constexpr NEBConstant NEBSourceControlPathUnknownErrorClass{"path-unknown
 inline constexpr NEBConstant NEBSourceControlPathOutsideErrorClass{"path-outside"};
 /// The path is not valid.
 inline constexpr NEBConstant NEBSourceControlPathInvalidErrorClass{"path-invalid"};
+/// The file does not have these lines.
+inline constexpr NEBConstant NEBSourceControlLineUnknownErrorClass{"line-unknown"};
 /// A name is longer than the file system allows.
 inline constexpr NEBConstant NEBSourceControlNameTooLongErrorClass{"name-too-long"};
 /// A folder exists where a file is required, or a file instead of a folder.

@@ -227,6 +227,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
     {NEBSourceControlPathOutsideErrorClass, "The path is outside the working copy.",
      "Choose a path inside the working copy."},
     {NEBSourceControlPathInvalidErrorClass, "The path is not valid.", "Choose another path."},
+    {NEBSourceControlLineUnknownErrorClass, "The file does not have these lines.",
+     "Choose lines that the file has."},
     {NEBSourceControlNameTooLongErrorClass, "A name is longer than the file system allows.",
      "Choose a shorter name."},
     {NEBSourceControlFileTypeWrongErrorClass,

@@ -49,6 +49,14 @@ const Failure failures[] = {
              .with(NEBSourceControlRequestOptionPatch,
                    "--- a/a\n+++ b/a\n@@ -1 +1 @@\n-other\n+2\n");
      }},
+    {.how = "an annotation of lines beyond the end of the file",
+     .errorClass = NEBSourceControlLineUnknownErrorClass,
+     .exitStatus = 128,
+     .provoke = [](Scene& scene) -> Request {
+         return scene.request(NEBSourceControlRequestAnnotation)
+             .on({"a"})
+             .with(NEBSourceControlRequestOptionFirstLine, 100);
+     }},
     {.how = "a blame with a missing list of revisions to ignore",
      .errorClass = NEBSourceControlConfiguredFileMissingErrorClass,
      .exitStatus = 128,

@@ -7,6 +7,8 @@ namespace neb::test {
 namespace {
 
 const TextOfGit texts[] = {
+    {NEBSourceControlLineUnknownErrorClass, "fatal: file a b has only 1 line"},
+    {NEBSourceControlLineUnknownErrorClass, "fatal: file src/a.c has only 40 lines"},
     // ambiguous names
     {NEBSourceControlRevisionAmbiguousErrorClass,
      "fatal: ambiguous argument 'a': both revision and filename\n"

@@ -22,6 +22,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "unable to create load_",
          "cannot create pipe",
      }},
+    {NEBSourceControlLineUnknownErrorClass, {{"\nfatal: file ", " has only "}}},
     {NEBSourceControlRequestInvalidErrorClass,
      {
          {"options '", "cannot be used together"},
@@ -73,7 +74,6 @@ constexpr ErrorCatalogueRow rows[] = {
          "malformed -l argument",
          "-l parameter '",
          "-l invalid ",
-         {"\nfatal: file ", " has only "},
          "': not a non-negative integer",
          " is not a positive number",
          "on a complete repository does not make sense",

@@ -163,7 +163,12 @@ TEST_F(BlameCommand, ShowsARangeOfLines) {
     for (const char* range : {",", "0,1", "3,2", "x", "1,y", "1,+", "1,2,3", "-1,2"}) {
         expectFailed(blame({"--lines=" + std::string(range), file}), HasSubstr("FIRST,LAST"), 2);
     }
-    expectFailed(blame({"-L", "9,10", file}), HasSubstr("3 lines"));
+    for (const char* range : {"9,10", "4,+1", "9"}) {
+        expectFailed(blame({"-L", range, file}),
+                     HasSubstr("nebsc: the range begins beyond the end of '" + file +
+                               "', which has only 3 lines\n"));
+    }
+    EXPECT_EQ(blame({"--json", "-L9", file}).json()["error"]["class"], "line-unknown");
     const JSON json = blame({"--json", "-L2,3", file}).json();
     EXPECT_EQ(json["type"], NEBSourceControlRequestAnnotation);
     EXPECT_EQ(json["result"].size(), 2U);

@@ -98,6 +98,7 @@ protected:
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override;
+    std::string textFor(const NEBSourceControlError& error) const override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
 
 private:
@@ -121,7 +122,8 @@ std::optional<CommandOutput> BlameTask::validate() {
     if (const auto lines = arguments().value("--lines")) {
         _range = lineRangeIn(*lines);
         if (!_range) {
-            throw invalidValue("--lines", "FIRST,LAST or FIRST,+COUNT");
+            throw invalidValue("--lines",
+                               "FIRST,LAST, with LAST not before FIRST, or FIRST,+COUNT");
         }
     }
     const std::vector<std::string> all = revisionAndFileArguments(arguments());
@@ -173,6 +175,19 @@ RequestResult BlameTask::perform() {
     }
     _query = std::make_shared<BlameQuery>(makeRequest(), _range);
     return performRequest(_query->request(), _query);
+}
+
+/// git reports "fatal: file NAME has only N lines".
+std::string BlameTask::textFor(const NEBSourceControlError& error) const {
+    const std::string text = error.text.value_or("");
+    constexpr std::string_view mark = " has only ";
+    const std::size_t found = text.rfind(mark);
+    if (error.errorClass != NEBSourceControlLineUnknownErrorClass || found == std::string::npos) {
+        return CommandTask::textFor(error);
+    }
+    const std::string_view count = std::string_view(text).substr(found + mark.size());
+    return "The range begins beyond the end of " + inQuotes(shown(_file)) + ", which has only " +
+           std::string(count.substr(0, count.find('\n'))) + ".";
 }
 
 std::string BlameTask::textOfResult(const NEBSourceControlResult& /*records*/) {

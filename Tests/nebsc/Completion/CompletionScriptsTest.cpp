@@ -98,6 +98,8 @@ TEST_F(BashCompletion, JoinsWordsThatBashSplits) {
     EXPECT_EQ(complete("nebsc log --branch=fi", {"nebsc", "log", "--branch", "=", "fi"}), "<fix>");
     EXPECT_EQ(complete("nebsc clone https://exa", {"nebsc", "clone", "https", ":", "//exa"}),
               "<//example.org/x.git>");
+    EXPECT_EQ(complete("nebsc cat :m", {"nebsc", "cat", ":", "m"}), R"(<my\ file.c>)");
+    EXPECT_EQ(complete("nebsc cat HEAD:", {"nebsc", "cat", "HEAD", ":"}), R"(<my\ file.c>)");
     EXPECT_EQ(complete("nebsc --plugin=sr", {"nebsc", "--plugin", "=", "sr"}), "<src>");
 }
 
@@ -250,6 +252,7 @@ TEST_F(FishCompletion, CompletesNames) {
     EXPECT_EQ(complete("nebsc checkout 'we"), "we$ird;(x)\tbranch\n");
     EXPECT_EQ(complete("nebsc push origin fix:"), "fix:topic\n");
     EXPECT_EQ(complete("nebsc log --branch=fi"), "--branch=fix\tbranch\n");
+    EXPECT_EQ(complete("nebsc cat :m"), ":my file.c\n");
     EXPECT_THAT(complete("nebsc clone https:"), HasSubstr("https://example.org/x.git\torigin\n"));
 }
 

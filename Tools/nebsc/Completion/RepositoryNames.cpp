@@ -1,6 +1,7 @@
 #include "Completion/RepositoryNames.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 #include "CommandFrame/BranchQueries.h"
@@ -168,6 +169,40 @@ std::vector<Candidate> RepositoryNames::entriesOf(const std::string& folder) {
         if (tab != std::string::npos && entry.find('\n') == std::string::npos) {
             const bool isFolder = entry.find(" tree ") < tab;
             names.push_back({entry.substr(tab + 1) + (isFolder ? "/" : ""), ""});
+        }
+    }
+    return names;
+}
+
+/// Returns a folder of the index from the top. A relative one starts in the current folder; a
+/// folder outside of the working copy stays relative.
+std::string RepositoryNames::folderFromTop(const std::string& folder) {
+    if (!folder.starts_with("./") && !folder.starts_with("../")) {
+        return folder;
+    }
+    std::string prefix = outputOf({"rev-parse", "--show-prefix"});
+    prefix.resize(std::min(prefix.size(), prefix.find('\n')));
+    const std::string path = std::filesystem::path(prefix + folder).lexically_normal().string();
+    return path == "./" ? "" : path;
+}
+
+/// An entry is "MODE OBJECT STAGE" TAB "NAME" NUL. The names are sorted.
+std::vector<Candidate> RepositoryNames::entriesOfIndex(const std::string& folder,
+                                                       std::string_view stage) {
+    const std::string before = folderFromTop(folder);
+    std::vector<Candidate> names;
+    for (const std::string& entry : splitAtNUL(outputOf(
+             {"ls-files", "--stage", "--full-name", "-z", "--", ":(top,literal)" + before}))) {
+        const std::size_t tab = entry.find('\t');
+        const std::string path = tab == std::string::npos ? "" : entry.substr(tab + 1);
+        if (!path.starts_with(before) || !entry.substr(0, tab).ends_with(stage)) {
+            continue;
+        }
+        const std::size_t slash = path.find('/', before.size());
+        const std::size_t end = slash == std::string::npos ? path.size() : slash + 1;
+        std::string name = path.substr(before.size(), end - before.size());
+        if (!name.empty() && (names.empty() || names.back().text != name)) {
+            names.push_back({std::move(name), ""});
         }
     }
     return names;

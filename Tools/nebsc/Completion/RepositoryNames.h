@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Completion/Candidate.h"
@@ -35,10 +36,15 @@ public:
     [[nodiscard]] std::vector<Candidate> branchesOf(const std::string& remote);
     /// Returns the entries of a folder of a commit, "REVISION:PATH"; folders end with "/".
     [[nodiscard]] std::vector<Candidate> entriesOf(const std::string& folder);
+    /// Returns the entries of a folder of the index in a stage, "0" to "3". The folder ends with
+    /// "/" unless it is empty, for the top, where it starts unless it begins with "./" or "../".
+    [[nodiscard]] std::vector<Candidate> entriesOfIndex(const std::string& folder,
+                                                        std::string_view stage);
 
 private:
     [[nodiscard]] NEBSourceControlResult recordsOf(std::int32_t type);
     [[nodiscard]] std::string outputOf(std::vector<std::string> arguments);
+    [[nodiscard]] std::string folderFromTop(const std::string& folder);
     [[nodiscard]] std::vector<Candidate> referencesBelow(const std::vector<std::string>& prefixes);
 
     const HostSession& _session;

@@ -51,6 +51,12 @@ private:
     /// Returns whether the text is REVISION:PATH.
     [[nodiscard]] bool isInCommit() const { return _text.find(':', 1) != std::string::npos; }
     [[nodiscard]] std::vector<Candidate> entriesOfCommit();
+    [[nodiscard]] std::vector<Candidate> entriesOfIndex();
+    [[nodiscard]] std::vector<Candidate> objectNames() {
+        return _text.starts_with(':') ? entriesOfIndex()
+               : isInCommit()         ? entriesOfCommit()
+                                      : _names.revisions();
+    }
     /// Moves the first characters of the text to the head, which stays as it is.
     void skip(std::size_t count) {
         _head += _text.substr(0, count);
@@ -104,6 +110,19 @@ std::vector<Candidate> ValueCompletion::entriesOfCommit() {
     return _names.entriesOf(folder);
 }
 
+/// Completes the last name of :PATH or :STAGE:PATH.
+std::vector<Candidate> ValueCompletion::entriesOfIndex() {
+    constexpr std::size_t stageSize = 3;  // ":1:"
+    const bool hasStage =
+        _text.size() >= stageSize && _text[1] >= '0' && _text[1] <= '3' && _text[2] == ':';
+    const std::string stage = hasStage ? _text.substr(1, 1) : "0";
+    skip(hasStage ? stageSize : 1);
+    const std::size_t slash = _text.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : _text.substr(0, slash + 1);
+    skip(folder.size());
+    return _names.entriesOfIndex(folder, stage);
+}
+
 Completion ValueCompletion::valuesOfKind() {
     switch (_point.parameter->takes) {
         case Takes::nothing:
@@ -119,7 +138,7 @@ Completion ValueCompletion::valuesOfKind() {
             return isInCommit() ? Completion{.candidates = entriesOfCommit()}
                                 : Completion{.paths = ShellPaths::folders};
         case Takes::objectName:
-            return {.candidates = isInCommit() ? entriesOfCommit() : _names.revisions()};
+            return {.candidates = objectNames()};
         case Takes::branch:
             return {.candidates = _names.branches()};
         case Takes::revision:

@@ -21,6 +21,16 @@ TEST(PatchText, ColoursLinesAsGitDoes) {
               "\x1b[36m@@ -1 +1 @@\x1b[0m main()\n\x1b[31m-a\x1b[0m\n\x1b[32m+b\x1b[0m\n c\n");
 }
 
+TEST(PatchText, ColoursTheSignsOfEachSideOfAMerge) {
+    EXPECT_EQ(
+        PatchText(noTerminal, true)
+            .textOf(
+                "diff --cc f\n--- a/f\n+++ b/f\n@@@@ -1 -1 -1 +1,3 @@@@\n  -a\n + b\n+++c\n   +d"),
+        "\x1b[1mdiff --cc f\x1b[0m\n\x1b[1m--- a/f\x1b[0m\n\x1b[1m+++ b/f\x1b[0m\n"
+        "\x1b[36m@@@@ -1 -1 -1 +1,3 @@@@\x1b[0m\n\x1b[31m  -a\x1b[0m\n\x1b[32m + b\x1b[0m\n"
+        "\x1b[32m+++c\x1b[0m\n   +d\n");
+}
+
 TEST(PatchText, DoesNotColourBinaryFiles) {
     EXPECT_EQ(
         PatchText(noTerminal, true).textOf("diff --git a/f b/f\nBinary files a/f and b/f differ\n"),

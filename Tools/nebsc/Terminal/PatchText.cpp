@@ -24,10 +24,12 @@ Colour colourOfHeader(std::string_view line) {
     return line.starts_with("Binary files ") ? Colour::none : Colour::bold;
 }
 
-Colour colourInHunk(std::string_view line) {
-    return line.starts_with('+')   ? Colour::green
-           : line.starts_with('-') ? Colour::red
-                                   : Colour::none;
+/// A line of a hunk begins with a sign for each old side. None is both "+" and "-".
+Colour colourInHunk(std::string_view line, std::size_t oldSides) {
+    const std::string_view signs = line.substr(0, oldSides);
+    return signs.find('+') != std::string_view::npos   ? Colour::green
+           : signs.find('-') != std::string_view::npos ? Colour::red
+                                                       : Colour::none;
 }
 
 }  // namespace
@@ -41,9 +43,10 @@ std::string PatchText::colouredLine(const std::string& line) {
         _isHeader = true;
     } else if (line.starts_with("@@")) {
         _isHeader = false;
+        _oldSides = std::min(line.find_first_not_of('@'), line.size()) - 1;
         return colouredHunkHeader(line);
     }
-    return coloured(line, _isHeader ? colourOfHeader(line) : colourInHunk(line));
+    return coloured(line, _isHeader ? colourOfHeader(line) : colourInHunk(line, _oldSides));
 }
 
 std::string PatchText::textOf(std::string lines) {

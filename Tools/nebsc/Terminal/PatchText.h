@@ -1,6 +1,7 @@
 // PatchText.h - a patch in the form for a terminal or a file.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,8 @@ private:
     bool _isColoured;
     /// Whether the next line belongs to the header of a file.
     bool _isHeader = false;
+    /// How many sides the hunk compares with the new one: one, or those of a merge.
+    std::size_t _oldSides = 1;
 };
 
 }  // namespace neb::nebsc

@@ -6,6 +6,7 @@
 #include "GitExtensions/GitRecordFields.h"
 #include "GitOperations/GitHookFailure.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Text.h"
 
@@ -193,10 +194,30 @@ void GitPublishOperation::perform() {
     arguments.insert(arguments.end(), destination->begin(), destination->end());
     const auto push =
         runOperation(std::make_shared<GitPushPorcelainOperation>(request(), arguments));
-    static_cast<void>(goesOnAfter(*push));
+    const bool hasSucceeded = goesOnAfter(*push);
     if (!isCancelled()) {
         setResult(push->result());
     }
+    if (hasSucceeded) {
+        addRemoteLines(push->errorData().value_or(Data()));
+    }
+}
+
+void GitPublishOperation::addRemoteLines(const Data& errorText) {
+    const std::vector<std::string> lines = NEBSourceControlRemoteLinesInText(errorText);
+    if (lines.empty()) {
+        return;
+    }
+    NEBSourceControlResult records = result().value_or(NEBSourceControlResult());
+    NEBDictionary& record = records.emplace_back();
+    record.set(NEBSourceControlOperationKindKey, "remote lines");
+    std::vector<NEBValue> values;
+    for (const std::string& line : lines) {
+        const Data bytes(line);
+        values.push_back(gitTextOrBytes(bytes, bytes));
+    }
+    record.set(NEBSourceControlOperationRemoteLinesKey, std::move(values));
+    setResult(std::move(records));
 }
 
 }  // namespace neb

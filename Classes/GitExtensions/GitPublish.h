@@ -22,7 +22,9 @@ namespace neb {
 /// NEBSourceControlOperationSourceKey, what was pushed; NEBSourceControlOperationStateKey ("new",
 /// "updated", "forced", "deleted", "up to date", "rejected"); NEBSourceControlOperationReasonKey of
 /// a rejected one; and of an updated one NEBSourceControlOperationOldObjectIDKey and
-/// NEBSourceControlOperationNewObjectIDKey.
+/// NEBSourceControlOperationNewObjectIDKey. After a success, if the server says something, a last
+/// record follows, with NEBSourceControlOperationKindKey "remote lines" and
+/// NEBSourceControlOperationRemoteLinesKey.
 class GitPublishOperation : public GitChangeComposite {
 public:
     using GitChangeComposite::GitChangeComposite;
@@ -38,6 +40,8 @@ private:
     [[nodiscard]] std::optional<std::vector<std::string>> destinationArguments();
     /// Returns the option for a lease; empty for none. Absent if the error is set.
     [[nodiscard]] std::optional<std::string> leaseArgument();
+    /// Appends the record of what the server says in git's stderr, if anything.
+    void addRemoteLines(const Data& errorText);
 };
 
 /// Runs the push.

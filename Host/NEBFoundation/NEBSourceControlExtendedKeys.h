@@ -282,6 +282,10 @@ inline constexpr NEBConstant NEBSourceControlOperationSourceBytesKey{
 /// String: why a reference was not pushed, as git or the server words it.
 inline constexpr NEBConstant NEBSourceControlOperationReasonKey{
     "NEBSourceControlOperationReasonKey"};
+/// Array of strings, or bytes of those that are not UTF-8: the lines that the server says. Used by
+/// publish.
+inline constexpr NEBConstant NEBSourceControlOperationRemoteLinesKey{
+    "NEBSourceControlOperationRemoteLinesKey"};
 
 // Unfinished operations.
 

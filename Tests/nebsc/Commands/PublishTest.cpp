@@ -1,5 +1,8 @@
 // `nebsc push` to the upstream branch and with a lease, and `nebsc pull`, run as a program.
 
+#include <filesystem>
+#include <fstream>
+
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/SharingTest.h"
 
@@ -29,6 +32,23 @@ TEST_F(Publishing, PushGoesToTheUpstreamBranch) {
     EXPECT_EQ(shared(), revision(*ann));
     expectDone(nebsc(*ann, {"push"}), "Nothing to push: the remote is up to date.\n");
     EXPECT_EQ(nebsc(*ann, {"push", "--json"}).json()["type"], NEBSourceControlRequestPublish);
+}
+
+TEST_F(Publishing, PushShowsWhatTheServerSays) {
+    const std::string hook = bare() + "/hooks/post-receive";
+    std::ofstream(hook)
+        << "#!/bin/sh\nprintf 'Review it at\\n\\n  \\033[1mhttps://example.org\\n'\n";
+    std::filesystem::permissions(hook, std::filesystem::perms::owner_all);
+    ann->commitFile("src/b", "b");
+    const NebscOutcome outcome = nebsc(*ann, {"push"});
+    EXPECT_EQ(outcome.errors,
+              "remote: Review it at\nremote:\nremote:   \\x1b[1mhttps://example.org\n");
+    EXPECT_THAT(outcome.output, testing::StartsWith("Pushed:\n    updated  main -> main"));
+    EXPECT_EQ(outcome.exitStatus, 0);
+    ann->commitFile("src/b", "c");
+    const auto records = nebsc(*ann, {"push", "--json"}).json()["result"];
+    EXPECT_EQ(records[1]["NEBSourceControlOperationKindKey"], "remote lines");
+    EXPECT_EQ(records[1]["NEBSourceControlOperationRemoteLinesKey"].size(), 3U);
 }
 
 TEST_F(Publishing, PushSetsTheUpstreamBranch) {

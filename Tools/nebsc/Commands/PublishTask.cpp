@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RecordNames.h"
 #include "CommandFrame/RemoteSettings.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -40,6 +41,17 @@ std::vector<std::string> rowOf(const NEBDictionary& record) {
                       printable(after.substr(0, shownDigits)));
     }
     return row;
+}
+
+/// Returns what the server says, as git shows it.
+std::string remoteLinesOf(const NEBDictionary& record) {
+    std::string text;
+    const auto* lines = record.value(NEBSourceControlOperationRemoteLinesKey).array();
+    for (std::size_t i = 0; lines != nullptr && i < lines->size(); ++i) {
+        const std::string line = printableLine(bytesOfValue((*lines)[i]));
+        text += line.empty() ? "remote:\n" : "remote: " + line + "\n";
+    }
+    return text;
 }
 
 class PublishTask : public CommandTask {
@@ -148,7 +160,9 @@ std::string PublishTask::adviceFor(const NEBSourceControlError& error) const {
 void PublishTask::report(const Outcome& outcome, CommandOutput& output) {
     std::vector<std::vector<std::string>> rows;
     for (const NEBDictionary& record : outcome.result.value_or(NEBSourceControlResult())) {
-        if (record.text(NEBSourceControlOperationStateKey) != "up to date") {
+        output.standardError += remoteLinesOf(record);
+        const std::string_view state = record.text(NEBSourceControlOperationStateKey);
+        if (!state.empty() && state != "up to date") {
             rows.push_back(rowOf(record));
         }
     }

@@ -166,6 +166,7 @@ constexpr Switch switches[] = {
     {NEBSourceControlRequestOptionFollow, "--follow"},
     {NEBSourceControlRequestOptionReverse, "--reverse"},
     {NEBSourceControlRequestOptionFirstParent, "--first-parent"},
+    {NEBSourceControlRequestOptionRewriteParents, "--parents"},
     {NEBSourceControlRequestOptionIgnoreCase, "--regexp-ignore-case"},
     {NEBSourceControlRequestOptionLogOutputFilesChanged, "--raw"},
     {NEBSourceControlRequestOptionLineCounts, "--numstat"},

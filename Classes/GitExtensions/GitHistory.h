@@ -32,8 +32,9 @@ namespace neb {
 /// NEBSourceControlOperationDeletedLinesKey, or NEBSourceControlOperationIsBinaryKey.
 ///
 /// Further options: NEBSourceControlRequestOptionLogOutputLimit, Follow (one file), AllReferences,
-/// Order ("date", "author date", "topology"), Reverse, FirstParent, SearchMessage, SearchAuthor,
-/// SearchContent (each a literal text), IgnoreCase, Since, Until. A repository without a commit has
+/// Order ("date", "author date", "topology"), Reverse, FirstParent, RewriteParents (of files: the
+/// parents are the nearest commits of the result), SearchMessage, SearchAuthor, SearchContent (each
+/// a literal text), IgnoreCase, Since, Until. A repository without a commit has
 /// no history: an error of the class "no-commits".
 class GitHistoryOperation : public GitReadingOperation {
 public:

@@ -47,6 +47,10 @@ inline constexpr NEBConstant NEBSourceControlRequestOptionReverse{
 /// Boolean: follow only the first parent of merges. Used by history.
 inline constexpr NEBConstant NEBSourceControlRequestOptionFirstParent{
     "NEBSourceControlRequestOptionFirstParent"};
+/// Boolean: of the files of the request, replace parents that are left out by the nearest ancestors
+/// that are not, so that the records connect; includes merges that connect them. Used by history.
+inline constexpr NEBConstant NEBSourceControlRequestOptionRewriteParents{
+    "NEBSourceControlRequestOptionRewriteParents"};
 /// Boolean: follow the only file beyond renames. Used by history.
 inline constexpr NEBConstant NEBSourceControlRequestOptionFollow{
     "NEBSourceControlRequestOptionFollow"};

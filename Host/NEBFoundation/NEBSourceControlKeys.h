@@ -103,6 +103,7 @@ inline constexpr std::array NEBSourceControlAllRequestOptions{
     NEBSourceControlRequestOptionOrder,
     NEBSourceControlRequestOptionReverse,
     NEBSourceControlRequestOptionFirstParent,
+    NEBSourceControlRequestOptionRewriteParents,
     NEBSourceControlRequestOptionFollow,
     NEBSourceControlRequestOptionSearchMessage,
     NEBSourceControlRequestOptionSearchAuthor,

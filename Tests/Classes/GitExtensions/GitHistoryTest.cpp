@@ -164,6 +164,20 @@ TEST_F(History, SelectsCommits) {
     EXPECT_THAT(subjectsOf(asked), ElementsAre("Second"));
 }
 
+TEST_F(History, OfAFileConnectsItsCommitsOnRequest) {
+    repository.commitFile("a", "1", "First");
+    repository.commitFile("b", "1", "Other");
+    repository.commitFile("a", "2", "Second");
+    auto asked = fileRequest(NEBSourceControlRequestHistory, "a");
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionRewriteParents, true}};
+    const auto records = recordsOf(asked);
+    ASSERT_EQ(records.size(), 2U);
+    const auto* parents = records[0].value(NEBSourceControlOperationParentsKey).array();
+    ASSERT_NE(parents, nullptr);
+    EXPECT_EQ(parents->at(0).string(), records[1].text(NEBSourceControlOperationObjectIDKey));
+    EXPECT_FALSE(records[1].contains(NEBSourceControlOperationParentsKey));
+}
+
 TEST_F(History, OfAnUnbornAShallowAndASHA256Repository) {
     EXPECT_EQ(errorClassOf(request(NEBSourceControlRequestHistory)), "no-commits-yet");
     repository.commitFile("a", "1", "First");

@@ -327,7 +327,6 @@ TEST_F(LogCommand, DrawsAGraph) {
     for (const char* other : {"--author=Ann", "--grep=x", "-Sx"}) {
         expectFailed(log({"--graph", other}), HasSubstr("option '--graph' cannot be combined"), 2);
     }
-    expectFailed(log({"--graph", "a.c"}), HasSubstr("cannot be combined with a file"), 2);
 }
 
 TEST_F(LogCommand, UsesColoursOnATerminal) {

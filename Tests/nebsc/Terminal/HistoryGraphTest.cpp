@@ -40,6 +40,21 @@ TEST(HistoryGraph, DrawsAMerge) {
               "* a\n");
 }
 
+TEST(HistoryGraph, HasAColourForEachColumn) {
+    HistoryGraph graph(true);
+    EXPECT_EQ(graph.rowOf("m", {"b", "t"}), "*");
+    EXPECT_EQ(graph.width(), 1U);
+    EXPECT_EQ(graph.rowsBelow(), "\x1b[31m|\x1b[0m\x1b[32m\\\x1b[0m\n");
+    EXPECT_EQ(graph.rowOf("t", {"b"}), "\x1b[31m|\x1b[0m *");
+    EXPECT_EQ(graph.width(), 3U);
+    EXPECT_EQ(graph.rowBeside(), "\x1b[31m|\x1b[0m \x1b[32m|\x1b[0m");
+    EXPECT_EQ(graph.rowsBelow(), "\x1b[31m|\x1b[0m\x1b[32m/\x1b[0m\n");
+    EXPECT_EQ(graph.rowOf("b", {}), "*");
+    EXPECT_EQ(graph.rowsBelow(), "");
+    EXPECT_EQ(graph.rowOf("z", {}), "*");
+    EXPECT_EQ(graph.rowBeside(), " ");
+}
+
 TEST(HistoryGraph, DrawsBranchesThatAreNotMerged) {
     EXPECT_EQ(drawn({{"x", {"a"}}, {"y", {"a"}}, {"z", {"a"}}, {"a", {}}}),
               "* x\n"

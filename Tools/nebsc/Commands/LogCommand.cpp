@@ -88,7 +88,7 @@ private:
     bool _isFirstBlock = true;
     /// The width of the widest author so far.
     std::size_t _authorColumns = 0;
-    HistoryGraph _graph;
+    HistoryGraph _graph{isInColour()};
 };
 
 RepositoryQuestions LogTask::questions() const {
@@ -153,9 +153,6 @@ void LogTask::checkCombinations() const {
     }
     if (!isGraph()) {
         return;
-    }
-    if (!_named.files.empty()) {
-        throw invalidArguments("option '--graph' cannot be combined with a file");
     }
     for (const std::string_view search : searches) {
         if (arguments().has(search)) {
@@ -228,6 +225,7 @@ std::shared_ptr<NEBSourceControlRequest> LogTask::makeHistoryRequest() const {
     }
     if (isGraph()) {
         options.set(NEBSourceControlRequestOptionOrder, "topology");
+        options.set(NEBSourceControlRequestOptionRewriteParents, !_named.files.empty());
     }
     request->setOptions(std::move(options));
     return request;
@@ -277,7 +275,7 @@ std::string LogTask::textOf(const LogEntry& entry) {
 std::string LogTask::besideGraph(const LogEntry& entry) {
     std::string row = _graph.rowOf(entry.id, entry.parents) + "  ";
     const std::string text = arguments().has("--full") ? blockAndFilesOf(entry) + "\n"
-                                                       : lineOf(entry, row.size()) +
+                                                       : lineOf(entry, _graph.width() + 2) +
                                                              filesOf(entry, workingCopy(), _style);
     std::string all;
     forEachLine(text, [&](std::string_view line) {
@@ -349,6 +347,7 @@ constinit const Command logCommand{
         "A...B those that only one of the two contains. A single argument is a revision\n"
         "or else a file; put '--' before a file or after a revision if it could be\n"
         "either. Merges have no files of their own. The texts to find are no patterns.\n"
+        "With --graph and a file, also shows the merges that connect its commits.\n"
         "\n"
         "Examples:\n"
         "  nebsc log -n 10          the last ten commits\n"
@@ -356,6 +355,7 @@ constinit const Command logCommand{
         "  nebsc log v1.0..v2.0     commits of v2.0 that v1.0 does not contain\n"
         "  nebsc log -- old.c       the history of a deleted file\n"
         "  nebsc log --graph --all  how all branches are related\n"
+        "  nebsc log --graph a.c    how the commits of a file follow from each other\n"
         "  nebsc log --author ann --since yesterday\n",
     .parameters = parameters,
     .activity = "Reading the history",

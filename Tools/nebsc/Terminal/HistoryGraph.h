@@ -8,7 +8,8 @@
 //
 // A column is a line of history that leads down to a commit that has not been drawn yet. Columns
 // never cross: a merge opens columns at its right, and two columns that lead to the same commit
-// join at once, the right one turning to the left one.
+// join at once, the right one turning to the left one. Each column has a colour of its own; the
+// colours are those of git, see log.graphColors in git-config(1).
 #pragma once
 
 #include <cstddef>
@@ -16,13 +17,19 @@
 #include <string_view>
 #include <vector>
 
+#include "Terminal/Colour.h"
+
 namespace neb::nebsc {
 
 /// Draws one history. Needs memory only for the open columns. Not thread-safe.
 class HistoryGraph {
 public:
+    explicit HistoryGraph(bool isColoured = false) : _isColoured(isColoured) {}
+
     /// Returns the row of the next commit, without a line end: "*" in its column, "|" in others.
     [[nodiscard]] std::string rowOf(const std::string& id, const std::vector<std::string>& parents);
+    /// Returns the columns of the terminal that the row of that commit takes.
+    [[nodiscard]] std::size_t width() const { return 2 * _columns.size() - 1; }
     /// Returns the front of a further line about that commit, as wide as its row.
     [[nodiscard]] std::string rowBeside() const;
     /// Returns the rows that lead from that commit to its parents, each with its line end; often
@@ -30,13 +37,26 @@ public:
     [[nodiscard]] std::string rowsBelow();
 
 private:
+    class Row;
+    struct Column {
+        /// The commit that the column leads to.
+        std::string id;
+        Colour colour = Colour::none;
+    };
+
+    [[nodiscard]] Row newRow() const;
+    /// Puts "|" into the columns from the first one on, up to `end`.
+    void putLines(Row& row, std::size_t end) const;
+    [[nodiscard]] Colour nextColour();
     void open(std::size_t column, const std::string& id, std::string& rows);
     void join(std::size_t column, std::size_t right, std::string& rows);
     void joinTwins(std::string& rows);
     void close(std::size_t column, std::string& rows);
 
-    /// The id that each column leads to.
-    std::vector<std::string> _columns;
+    bool _isColoured;
+    /// How many columns were opened.
+    std::size_t _openedColumns = 0;
+    std::vector<Column> _columns;
     /// The commit that rowOf() has drawn.
     std::size_t _column = 0;
     std::vector<std::string> _parents;

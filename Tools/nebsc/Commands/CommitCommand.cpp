@@ -1,6 +1,8 @@
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
+#include "Commands/MessageEditing.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Session/Editor.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -31,10 +33,16 @@ protected:
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     void report(const Outcome& outcome, CommandOutput& output) override;
+    std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
-    [[nodiscard]] bool hasMessage() const { return arguments().has("--message"); }
     [[nodiscard]] bool isAmending() const { return arguments().has("--amend"); }
+    /// Returns whether the user writes the message in an editor.
+    [[nodiscard]] bool isEdited() const;
+    [[nodiscard]] CommitToDescribe commitToDescribe() const;
+
+    /// Absent for that of the amended commit.
+    std::optional<std::string> _message;
 };
 
 /// A flag, and the option of the request for it. Only the newer type knows them.
@@ -49,12 +57,40 @@ constexpr CommitFlag newerFlags[] = {
     {"--signoff", NEBSourceControlRequestOptionSignOff},
 };
 
-std::optional<CommandOutput> CommitTask::validate() {
-    if (!hasMessage() && !isAmending()) {
-        throw invalidArguments("expected --message, or --amend, which can keep the message");
+bool CommitTask::isEdited() const {
+    return !arguments().has("--message") && !arguments().has("--no-edit") && !isJSON() && canEdit();
+}
+
+CommitToDescribe CommitTask::commitToDescribe() const {
+    CommitToDescribe commit{.isAmending = isAmending(),
+                            .mayBeEmpty = arguments().has("--allow-empty")};
+    for (const std::string_view flag : {"--amend", "--all"}) {
+        if (arguments().has(flag)) {
+            commit.arguments.emplace_back(flag);
+        }
     }
+    commit.arguments.emplace_back("--");
+    const std::vector<std::string>& files = paths("FILE");
+    commit.arguments.insert(commit.arguments.end(), files.begin(), files.end());
+    return commit;
+}
+
+std::optional<CommandOutput> CommitTask::validate() {
     if (arguments().has("--all") && !paths("FILE").empty()) {
         throw invalidArguments("expected either FILE or --all");
+    }
+    if (arguments().has("--message")) {
+        _message = messageOf(arguments().all("--message"));
+    } else if (isEdited()) {
+        if (auto refused = refusalOutsideRepository(git())) {
+            return refused;
+        }
+        endProgress();
+        EditedMessage edited = editCommitMessage(git(), commitToDescribe());
+        _message = std::move(edited.text);
+        return edited.refused;
+    } else if (!isAmending()) {
+        throw invalidArguments("expected --message, or --amend, which can keep the message");
     }
     return std::nullopt;
 }
@@ -72,14 +108,17 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
         request->type = NEBSourceControlRequestCreateCommit;
         request->options->set(NEBSourceControlRequestOptionAuthor, *author);
     }
-    if (hasMessage()) {
-        request->options->set(NEBSourceControlRequestOptionMessage,
-                              messageOf(arguments().all("--message")));
+    if (_message) {
+        request->options->set(NEBSourceControlRequestOptionMessage, *_message);
     }
     if (arguments().has("--allow-empty")) {
         request->options->set(NEBSourceControlRequestOptionAllowEmptyCommit, true);
     }
     return request;
+}
+
+std::string CommitTask::adviceFor(const NEBSourceControlError& /*error*/) const {
+    return isEdited() ? "The message is kept in the file COMMIT_EDITMSG of the git folder." : "";
 }
 
 /// For the first commit and on a detached HEAD, the record does not hold the commit id.
@@ -100,7 +139,8 @@ void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
 constexpr Parameter parameters[] = {
     {"-m,--message", "The commit message; each further one is a new paragraph", Takes::text,
      Occurs::anyNumber, "MESSAGE", true},
-    {"--amend", "Replace the latest commit; without --message, keep its message"},
+    {"--amend", "Replace the latest commit; without --message, edit or keep its message"},
+    {"--no-edit", "Keep the message of the latest commit, and start no editor"},
     {"-a,--all", "Commit the changes of all tracked files, staged or not"},
     {"-s,--signoff", "Add a line 'Signed-off-by'"},
     {"--author", "The author, if that is another person", Takes::text, Occurs::optionally,
@@ -117,11 +157,15 @@ constinit const Command commitCommand{
     .group = changeGroup,
     .summary = "Commit the staged changes, or the changes of files",
     .details =
+        "Without --message, an editor is started on a terminal: GIT_EDITOR, core.editor,\n"
+        "VISUAL or EDITOR, as for git. Its comments list what will be committed; an empty\n"
+        "message commits nothing. Elsewhere, --message is required, except with --amend.\n"
+        "\n"
         "Examples:\n"
         "  nebsc commit -m 'Say hello'               commit what is staged\n"
         "  nebsc commit -m 'Say hello' src/main.c    commit the changes of one file\n"
         "  nebsc commit -a -m 'Say hello'            commit all changes of tracked files\n"
-        "  nebsc commit --amend                      add to the latest commit\n",
+        "  nebsc commit --amend --no-edit            add to the latest commit\n",
     .parameters = parameters,
     .activity = "Committing",
     .run = runTask<CommitTask>,

@@ -92,6 +92,9 @@ void Interruption::handleEndOfTime() {
 
 void Interruption::handleSignal(int signalNumber) {
     const MutexLock lock(_mutex);
+    if (signalNumber == SIGINT && _terminalLoans > 0) {
+        return;
+    }
     if (!_signalNumber) {
         _signalNumber = signalNumber;
     }
@@ -127,6 +130,16 @@ Interruption::Work::Work(Interruption& interruption, std::function<void()> cance
 Interruption::Work::~Work() {
     const MutexLock lock(_interruption._mutex);
     _interruption._cancels.erase(_cancel);
+}
+
+Interruption::TerminalLoan::TerminalLoan(Interruption& interruption) : _interruption(interruption) {
+    const MutexLock lock(_interruption._mutex);
+    ++_interruption._terminalLoans;
+}
+
+Interruption::TerminalLoan::~TerminalLoan() {
+    const MutexLock lock(_interruption._mutex);
+    --_interruption._terminalLoans;
 }
 
 }  // namespace neb::nebsc

@@ -57,6 +57,19 @@ public:
         std::list<std::function<void()>>::iterator _cancel;
     };
 
+    /// While the object exists, SIGINT has no effect: Ctrl-C is meant for a program that runs at
+    /// the terminal, such as an editor, and nebsc waits for that program.
+    class TerminalLoan {
+    public:
+        explicit TerminalLoan(Interruption& interruption);
+        TerminalLoan(const TerminalLoan&) = delete;
+        TerminalLoan& operator=(const TerminalLoan&) = delete;
+        ~TerminalLoan();
+
+    private:
+        Interruption& _interruption;
+    };
+
     /// Returns the first signal that arrived; absent if there was none. Thread-safe.
     [[nodiscard]] std::optional<int> signalNumber() const;
 
@@ -80,6 +93,7 @@ private:
     std::list<std::function<void()>> _cancels NEB_GUARDED_BY(_mutex);
     std::optional<int> _signalNumber NEB_GUARDED_BY(_mutex);
     bool _isTimeUp NEB_GUARDED_BY(_mutex) = false;
+    int _terminalLoans NEB_GUARDED_BY(_mutex) = 0;
     const std::optional<std::chrono::milliseconds> _timeLimit;
     const Clock::time_point _start = Clock::now();
     sigset_t _signals{};  // the signals that are handled

@@ -9,6 +9,15 @@
 
 namespace neb::nebsc {
 
+/// Returns those of the signals that are not ignored: they have their default action or a handler.
+[[nodiscard]] inline std::vector<int> signalsNotIgnored(std::vector<int> signals) {
+    std::erase_if(signals, [](int signalNumber) {
+        struct sigaction action {};
+        return ::sigaction(signalNumber, nullptr, &action) != 0 || action.sa_handler == SIG_IGN;
+    });
+    return signals;
+}
+
 /// Ignores signals while it exists. Not thread-safe: changes signal actions of the process.
 class IgnoredSignals {
 public:

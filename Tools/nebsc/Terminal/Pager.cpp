@@ -74,18 +74,6 @@ std::vector<std::string> environmentOfPager() {
     return environment;
 }
 
-/// Returns which of the signals have their default action or a handler.
-std::vector<int> notIgnored(const std::vector<int>& signals) {
-    std::vector<int> others;
-    for (const int signalNumber : signals) {
-        struct sigaction action {};
-        if (::sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
-            others.push_back(signalNumber);
-        }
-    }
-    return others;
-}
-
 /// Waits for the pager. Returns whether the shell found the program and could run it.
 bool hasRun(pid_t pager) {
     constexpr int notExecutable = 126;
@@ -130,7 +118,7 @@ std::optional<std::string> pagerOfUser(const std::optional<std::string>& configu
 }
 
 Pager::Pager(const std::string& command)
-    : _restoredSignals(notIgnored(defaultSignals())), _ignoredSignals(defaultSignals()) {
+    : _restoredSignals(signalsNotIgnored(defaultSignals())), _ignoredSignals(defaultSignals()) {
     Pipe pipe;
     if (openPipe(pipe, PipeSize::ordinary) != 0) {
         return;

@@ -1,0 +1,200 @@
+#include "Commands/MessageEditing.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "CommandFrame/FailureText.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
+#include "Session/Editor.h"
+#include "Terminal/PrintableText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n\v\f";
+
+std::string contentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool isBlank(std::string_view text) {
+    return trimmed(text, blanks).empty();
+}
+
+/// One run of editCommitMessage().
+class MessageEditing {
+public:
+    MessageEditing(const GitQueries& git, const CommitToDescribe& commit)
+        : _git(git), _commit(commit) {}
+
+    [[nodiscard]] EditedMessage run();
+
+private:
+    /// Finds what will be committed. Returns why nothing can be.
+    [[nodiscard]] std::optional<CommandOutput> describe();
+    /// Returns the text that the user starts from.
+    [[nodiscard]] std::string initialText();
+    void findCommentPrefix(const std::string& text);
+    [[nodiscard]] std::string comments() const;
+    [[nodiscard]] std::string withoutComments(std::string_view text) const;
+    /// Writes the file, starts the editor and reads the file again.
+    [[nodiscard]] EditedMessage edited(const std::string& text);
+    [[nodiscard]] std::string fileOfGit(const std::string& name) const;
+
+    const GitQueries& _git;
+    const CommitToDescribe& _commit;
+    /// The output of git-status(1).
+    std::string _status;
+    /// Whether the initial text asks to be filled in.
+    bool _isTemplate = false;
+    /// Empty if comments would stay in the message.
+    std::string _commentPrefix;
+};
+
+std::optional<CommandOutput> MessageEditing::describe() {
+    std::vector<std::string> arguments{"-c", "color.status=false", "commit", "--dry-run", "--long"};
+    arguments.insert(arguments.end(), _commit.arguments.begin(), _commit.arguments.end());
+    const ChildOutcome outcome = _git.run(std::move(arguments));
+    _status = outcome.output;
+    const bool isNothing = outcome.status.exitStatus() == 1;
+    if (outcome.status.isSuccess()) {
+        return std::nullopt;
+    }
+    if (!isNothing) {
+        return failureOfQuery(_git, outcome);
+    }
+    CommandOutput refused;
+    addConflicts(refused, _git, "These files are in conflict; resolve and stage them first:");
+    if (refused.exitStatus != exitDone) {
+        return refused;
+    }
+    if (_commit.mayBeEmpty || _commit.isAmending) {
+        return std::nullopt;
+    }
+    return refusalWithAdvice("There is nothing to commit: no changes are staged.",
+                             "'nebsc stage' stages changes.",
+                             NEBSourceControlNothingToCommitErrorClass);
+}
+
+std::string MessageEditing::fileOfGit(const std::string& name) const {
+    const std::string path =
+        _git.outputOf({"rev-parse", "--git-path", name}).value_or(".git/" + name);
+    return path.starts_with('/') ? path
+                                 : pathByAppendingComponent(_git.workingCopy().location, path);
+}
+
+std::string MessageEditing::initialText() {
+    if (_commit.isAmending) {
+        return std::string(_git.run({"log", "-1", "--format=%B", "HEAD", "--"}).output);
+    }
+    for (const char* name : {"MERGE_MSG", "SQUASH_MSG"}) {
+        if (std::string text = contentOf(fileOfGit(name)); !text.empty()) {
+            return text;
+        }
+    }
+    const auto path = _git.outputOf({"config", "--type=path", "--get", "commit.template"});
+    _isTemplate = path.has_value();
+    return path ? contentOf(path->starts_with('/')
+                                ? *path
+                                : pathByAppendingComponent(_git.workingCopy().location, *path))
+                : "";
+}
+
+/// See core.commentChar and commit.cleanup in git-config(1).
+void MessageEditing::findCommentPrefix(const std::string& text) {
+    const std::string cleanup =
+        _git.outputOf({"config", "--get", "commit.cleanup"}).value_or("default");
+    if (cleanup != "default" && cleanup != "strip") {
+        return;
+    }
+    for (const char* setting : {"core.commentChar", "core.commentString"}) {
+        _commentPrefix = _git.outputOf({"config", "--get", setting}).value_or(_commentPrefix);
+    }
+    if (_commentPrefix == "auto") {
+        constexpr std::string_view characters = "#;@!$%^&|:";
+        const std::string lines = "\n" + text;
+        const auto unused = std::ranges::find_if(characters, [&lines](char character) {
+            return lines.find({'\n', character}) == std::string::npos;
+        });
+        _commentPrefix = unused == characters.end() ? "#" : std::string(1, *unused);
+    }
+    _commentPrefix = _commentPrefix.empty() ? "#" : _commentPrefix;
+}
+
+std::string MessageEditing::comments() const {
+    const std::string text = "Write the message of the commit. Lines that begin with '" +
+                             _commentPrefix +
+                             "' are\nremoved. An empty message commits nothing.\n\n" + _status;
+    std::string comments;
+    forEachLine(text, [&](std::string_view line) {
+        comments += _commentPrefix;
+        comments.append(line.empty() || line.starts_with('\t') ? "" : " ").append(line);
+        comments += '\n';
+    });
+    return comments;
+}
+
+std::string MessageEditing::withoutComments(std::string_view text) const {
+    std::string message;
+    forEachLine(text, [&](std::string_view line) {
+        if (_commentPrefix.empty() || !line.starts_with(_commentPrefix)) {
+            message.append(line).append(1, '\n');
+        }
+    });
+    return message;
+}
+
+EditedMessage MessageEditing::edited(const std::string& text) {
+    const std::string file = fileOfGit("COMMIT_EDITMSG");
+    std::ofstream stream(file, std::ios::binary);
+    if (!(stream << text << std::flush)) {
+        return {.refused = refusal("The file " + inQuotes(file) + " cannot be written.", exitFailed,
+                                   NEBSourceControlIOErrorClass)};
+    }
+    const std::string& folder = _git.workingCopy().location;
+    const EditorChoice editor = editorOfUser(_git.interruption(), folder);
+    const std::string failure = editor.command.empty()
+                                    ? "There is no editor: " + editor.failure
+                                    : edit(_git.interruption(), editor.command, file, folder);
+    if (!failure.empty()) {
+        return {.refused = refusalWithAdvice(
+                    failure + "; nothing was committed.",
+                    "The option '--message' takes the message from the command line.",
+                    NEBSourceControlEditorFailedErrorClass)};
+    }
+    return {.text = withoutComments(contentOf(file))};
+}
+
+EditedMessage MessageEditing::run() {
+    if (auto refused = describe()) {
+        return {.refused = std::move(refused)};
+    }
+    std::string text = initialText();
+    findCommentPrefix(text);
+    const std::string before = withoutComments(text);
+    text += text.empty() || text.ends_with('\n') ? "" : "\n";
+    text += _commentPrefix.empty() ? "" : "\n" + comments();
+    EditedMessage message = edited(text);
+    if (!message.refused && isBlank(message.text)) {
+        message.refused = refusal("The message is empty; nothing was committed.", exitFailed,
+                                  NEBSourceControlMessageEmptyErrorClass);
+    } else if (!message.refused && _isTemplate &&
+               trimmed(message.text, blanks) == trimmed(before, blanks)) {
+        message.refused = refusal("The message is still the template; nothing was committed.",
+                                  exitFailed, NEBSourceControlMessageEmptyErrorClass);
+    }
+    return message;
+}
+
+}  // namespace
+
+EditedMessage editCommitMessage(const GitQueries& git, const CommitToDescribe& commit) {
+    return MessageEditing(git, commit).run();
+}
+
+}  // namespace neb::nebsc

@@ -24,7 +24,7 @@ TEST(RepositoryQuestions, AsksEverythingInOneCall) {
                 ElementsAre("rev-parse", "--is-inside-work-tree", "--show-toplevel", "--verify",
                             "--quiet", "HEAD"));
     EXPECT_THAT(
-        argumentsFor({.revisions = {"v1", "a"}, .asksBranch = true}, "/w"),
+        argumentsFor({.revisions = {"v1", "a"}, .asksUpstream = true}, "/w"),
         ElementsAre("rev-parse", "--is-inside-work-tree", "--show-toplevel", "HEAD", "v1^{commit}",
                     "a^{commit}", "--symbolic-full-name", "HEAD", "@{upstream}"));
     EXPECT_EQ(argumentsFor({.revisions = {"v1"}}, "/w\nx"), argumentsFor({}, "/w\nx"));
@@ -71,7 +71,7 @@ TEST(RepositoryQuestions, ReadsAnswersUntilTheFirstThatIsMissing) {
 TEST(RepositoryQuestions, ReadsTheBranchAndItsUpstream) {
     const auto read = [](int exitStatus, const std::string& rest) {
         return answersIn(outcomeOf(exitStatus, "true\n/w\n" + commit + "\n" + rest),
-                         {.asksBranch = true}, "/w")
+                         {.asksUpstream = true}, "/w")
             .revisions;
     };
     const RevisionAnswers both = read(0, "refs/heads/main\nrefs/remotes/origin/main\n");
@@ -83,6 +83,21 @@ TEST(RepositoryQuestions, ReadsTheBranchAndItsUpstream) {
     // One name is ambiguous, and it is not clear which one.
     EXPECT_EQ(read(0, "refs/remotes/origin/main\n").head, std::nullopt);
     EXPECT_EQ(read(128, "").head, std::nullopt);
+}
+
+TEST(RepositoryQuestions, ReadsTheBranchAlone) {
+    const RepositoryQuestions questions{.asksBranch = true};
+    EXPECT_THAT(argumentsFor(questions, "/w"),
+                ElementsAre("rev-parse", "--is-inside-work-tree", "--show-toplevel", "HEAD",
+                            "--symbolic-full-name", "HEAD"));
+    const auto head = [&](int exitStatus, const std::string& rest) {
+        return answersIn(outcomeOf(exitStatus, "true\n/w\n" + commit + "\n" + rest), questions,
+                         "/w")
+            .revisions.head;
+    };
+    EXPECT_EQ(head(0, "refs/heads/main\n"), "refs/heads/main");
+    EXPECT_EQ(head(0, ""), std::nullopt);
+    EXPECT_EQ(head(128, ""), std::nullopt);
 }
 
 TEST(RepositoryQuestions, SplitsRanges) {

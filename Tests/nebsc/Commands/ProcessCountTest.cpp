@@ -40,36 +40,55 @@ protected:
     TemporaryFolder programs;
 };
 
-TEST_F(ProcessCount, IsTwoForACommandThatReads) {
+/// Without a revision or file to ask about, an ordinary working copy is found without git.
+TEST_F(ProcessCount, IsOneWhereTheRequestIsAllThatGitIsAsked) {
     ben->write("src/b", "changed\n");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"status"},
-             {"status", "src"},
              {"status", "--short"},
              {"log", "-n", "20"},
+             {"log", "--all", "--decorate"},
+             {"branch"},
+         }) {
+        expectProcesses(1, arguments);
+    }
+    ben->git({"pack-refs", "--all"});
+    expectProcesses(1, {"log"});
+}
+
+/// A setting that moves the working copy leaves the discovery to git, beside the request.
+TEST_F(ProcessCount, IsTwoWhereTheWorkingCopyMayBeElsewhere) {
+    ben->git({"config", "core.worktree", ben->path()});
+    expectProcesses(2, {"status"});
+    expectProcesses(2, {"log", "-n", "20"});
+    expectProcesses(2, {"branch"});
+}
+
+TEST_F(ProcessCount, IsTwoForACommandThatReads) {
+    ben->write("src/b", "changed\n");
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"status", "src"},
              {"log", "v1"},
              {"log", "src"},
              {"log", "--files", "v1", "src/b"},
              {"log", "topic..main"},
-             {"log", "--all", "--decorate"},
              {"log", "--graph", "topic..main"},
              {"log", "--author", "Ann", "v1"},
              {"log", "--follow", "src/b"},
              {"log", "topic..."},
              {"log", "--branch", "topic"},
-             {"branch"},
              {"branch", "current"},
              {"blame", "src/b"},
              {"blame", "v1", "src/b"},
              {"blame", "-L", "1,2", "src/b"},
              {"diff"},
+             {"diff", "--staged"},
+             {"diff", "--stat"},
              {"diff", "v1"},
              {"diff", "src"},
              {"diff", "--name-status", "topic", "--", "src/b"},
              {"diff", "topic", "main"},
              {"diff", "topic...main"},
-             {"diff", "--staged"},
-             {"diff", "--stat"},
              {"ls"},
              {"ls", "v1:src"},
              {"cat", "v1:src/b"},

@@ -37,7 +37,7 @@ protected:
 };
 
 TEST_F(TraceOption, ReportsStartAndEndOfEachChild) {
-    const NebscOutcome outcome = nebsc({"status", "--short", "--trace"});
+    const NebscOutcome outcome = nebsc({"status", "--short", ".", "--trace"});
     EXPECT_THAT(outcome.output, testing::StartsWith("No changes"));
     const std::vector<std::string> lines = linesOf(outcome.errors);
     ASSERT_EQ(lines.size(), 4U) << outcome.errors;

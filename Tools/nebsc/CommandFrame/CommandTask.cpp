@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "CommandFrame/BrokenReference.h"
+#include "CommandFrame/OrdinaryWorkingCopy.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -83,8 +84,13 @@ CommandOutput CommandTask::runSteps() {
     return output;
 }
 
+/// What canRunBesideLocate() reports itself that there is no repository, so it needs no discovery.
 /// With --trace, git processes run one after the other, so that the lines are in order.
 std::optional<RequestResult> CommandTask::locateAndPerform() {
+    if (auto found = canRunBesideLocate() ? locateWithoutGit() : std::nullopt) {
+        _git.setWorkingCopy(std::move(*found));
+        return std::nullopt;
+    }
     const auto probable = canRunBesideLocate() && !_call.session.trace().isOn()
                               ? probableWorkingCopy(currentFolder())
                               : std::nullopt;
@@ -133,6 +139,12 @@ std::optional<CommandOutput> CommandTask::readPaths() {
 WorkingCopyLocation CommandTask::locate() {
     return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder(),
                            questions());
+}
+
+std::optional<WorkingCopyLocation> CommandTask::locateWithoutGit() const {
+    const RepositoryQuestions asked = questions();
+    return asked.revisions.empty() && !asked.asksUpstream ? ordinaryWorkingCopy(currentFolder())
+                                                          : std::nullopt;
 }
 
 std::string CommandTask::textOfResult(const NEBSourceControlResult& /*result*/) {

@@ -68,7 +68,8 @@ protected:
     /// Returns what locate() finds out besides the location, so that validate() need not ask.
     [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
     /// Returns whether perform() may run at the same time as locate(), where the working copy
-    /// probably is. Only if it changes nothing, prints with performStreamed() at most, and does not
+    /// probably is, or without locate() where it certainly is. Only if it changes nothing, prints
+    /// with performStreamed() at most, reports what git says of a broken repository, and does not
     /// depend on validate(). It runs again if the working copy is elsewhere.
     [[nodiscard]] virtual bool canRunBesideLocate() const { return false; }
     /// Returns the output of a command that ends here; absent if it goes on. Throws a UsageError if
@@ -169,6 +170,8 @@ private:
     [[nodiscard]] CommandOutput runSteps();
     /// Finds the working copy. Returns the result of perform() if that could run at the same time.
     [[nodiscard]] std::optional<RequestResult> locateAndPerform();
+    /// Returns an ordinary working copy; absent in any doubt, or if git must be asked something.
+    [[nodiscard]] std::optional<WorkingCopyLocation> locateWithoutGit() const;
     [[nodiscard]] std::optional<CommandOutput> readPaths();
     [[nodiscard]] CommandOutput outputFor(Outcome& outcome);
     [[nodiscard]] CommandOutput outputInMemoryFor(Outcome& outcome);

@@ -7,6 +7,7 @@
 #include "Platform/Scanner.h"
 #include "Platform/Text.h"
 #include "Session/GitProgram.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 
@@ -18,15 +19,34 @@ std::optional<std::string> firstLineOf(const std::string& path) {
     return std::getline(file, line) ? std::optional(std::move(line)) : std::nullopt;
 }
 
-/// Returns the full commit id of HEAD if HEAD or the file of its branch has it.
-/// gitrepository-layout(5): such a file has the id, or "ref: " and the name of another file.
+/// Returns what "packed-refs" has for the reference: lines of an id, a blank, and a full name.
+std::optional<std::string> packedId(const std::string& gitDirectory, const std::string& fullName) {
+    const std::string end = " " + fullName;
+    std::ifstream file(pathByAppendingComponent(gitDirectory, "packed-refs"), std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        if (line.ends_with(end)) {
+            return line.substr(0, line.size() - end.size());
+        }
+    }
+    return std::nullopt;
+}
+
+/// Returns the full commit id of HEAD if HEAD, the file of its branch, or the file of packed
+/// references has it. gitrepository-layout(5): the first two have the id, or "ref: " and the name
+/// of another file.
 std::optional<std::string> headCommitInFiles(const std::string& gitDirectory) {
     constexpr std::string_view prefix = "ref: ";
     auto line = firstLineOf(pathByAppendingComponent(gitDirectory, "HEAD"));
     if (line && line->starts_with(prefix)) {
-        line = firstLineOf(pathByAppendingComponent(gitDirectory, line->substr(prefix.size())));
+        const std::string branch = line->substr(prefix.size());
+        const std::string path = pathByAppendingComponent(gitDirectory, branch);
+        line = isAnythingAt(path) ? firstLineOf(path) : packedId(gitDirectory, branch);
     }
     return line && isObjectId(*line) ? line : std::nullopt;
+}
+
+std::string gitDirectoryOf(const WorkingCopyLocation& workingCopy) {
+    return pathByAppendingComponent(workingCopy.location, ".git");
 }
 
 }  // namespace
@@ -79,14 +99,16 @@ bool GitQueries::isUnknownRevision(const std::string& revision) const {
 }
 
 bool GitQueries::isWithoutCommits() const {
-    return _workingCopy.hasCommits
-               ? !*_workingCopy.hasCommits
-               : run({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
+    if (_workingCopy.hasCommits) {
+        return !*_workingCopy.hasCommits;
+    }
+    return !headCommitInFiles(gitDirectoryOf(_workingCopy)) &&
+           run({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
 }
 
 std::optional<std::string> GitQueries::headCommit() const {
     constexpr std::size_t length = 12;
-    const auto commit = headCommitInFiles(pathByAppendingComponent(_workingCopy.location, ".git"));
+    const auto commit = headCommitInFiles(gitDirectoryOf(_workingCopy));
     return commit ? commit->substr(0, length)
                   : outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }

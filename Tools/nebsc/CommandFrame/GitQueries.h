@@ -54,7 +54,8 @@ public:
     [[nodiscard]] bool isKnownCommit(const std::string& revision) const;
     /// Returns whether git knows no such commit. False if git failed for another reason.
     [[nodiscard]] bool isUnknownRevision(const std::string& revision) const;
-    /// Returns whether HEAD names no commit yet. Runs git only in a bare repository.
+    /// Returns whether HEAD names no commit yet. Runs git only if the discovery did not find that
+    /// out and no file has the commit, as for a branch without commits.
     [[nodiscard]] bool isWithoutCommits() const;
     /// Returns the current commit of HEAD, 12 characters; absent before the first commit. Runs git
     /// only if the commit is not in a file, as in a linked worktree.

@@ -16,7 +16,7 @@ constexpr const char* locationArguments[] = {"rev-parse", "--is-inside-work-tree
                                              "--show-toplevel"};
 
 bool areBasic(const RepositoryQuestions& questions, const std::string& folder) {
-    return (questions.revisions.empty() && !questions.asksBranch) ||
+    return (questions.revisions.empty() && !questions.asksBranch && !questions.asksUpstream) ||
            folder.find('\n') != std::string::npos;
 }
 
@@ -61,12 +61,13 @@ void readBasicAnswers(const ChildOutcome& outcome, std::string_view output,
     }
 }
 
-/// If one of the two names is ambiguous, git leaves it out and continues.
-void readBranchAnswers(const ChildOutcome& outcome, std::string_view output,
+/// If one of the names is ambiguous, git leaves it out and continues.
+void readBranchAnswers(const ChildOutcome& outcome, std::string_view output, bool asksUpstream,
                        RevisionAnswers& answers) {
     const auto head = takeLine(output);
     const auto upstream = takeLine(output);
-    if (head && upstream.has_value() == outcome.status.isSuccess()) {
+    const bool isComplete = upstream || !asksUpstream;
+    if (head && isComplete == outcome.status.isSuccess()) {
         answers.head = *head;
         answers.upstream = upstream;
     }
@@ -89,8 +90,8 @@ void readFurtherAnswers(const ChildOutcome& outcome, std::string_view output,
             return;
         }
     }
-    if (questions.asksBranch) {
-        readBranchAnswers(outcome, output, answers.revisions);
+    if (questions.asksBranch || questions.asksUpstream) {
+        readBranchAnswers(outcome, output, questions.asksUpstream, answers.revisions);
     }
 }
 
@@ -107,8 +108,11 @@ std::vector<std::string> argumentsFor(const RepositoryQuestions& questions,
     for (std::size_t i = 0; i < countOfRevisions(questions); ++i) {
         arguments.push_back(questions.revisions[i] + "^{commit}");
     }
-    if (questions.asksBranch) {
-        arguments.insert(arguments.end(), {"--symbolic-full-name", "HEAD", "@{upstream}"});
+    if (questions.asksBranch || questions.asksUpstream) {
+        arguments.insert(arguments.end(), {"--symbolic-full-name", "HEAD"});
+    }
+    if (questions.asksUpstream) {
+        arguments.emplace_back("@{upstream}");
     }
     return arguments;
 }

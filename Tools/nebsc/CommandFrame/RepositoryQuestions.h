@@ -18,9 +18,11 @@ namespace neb::nebsc {
 struct RepositoryQuestions {
     /// Revisions that may stand for a commit, in the order in which the command needs them.
     std::vector<std::string> revisions{};
-    /// Whether to ask for the branch of HEAD and its upstream. Not answered unless each of the
-    /// revisions stands for a commit.
+    /// Whether to ask for the branch of HEAD. Not answered unless each of the revisions stands for
+    /// a commit.
     bool asksBranch = false;
+    /// The same for that branch and its upstream.
+    bool asksUpstream = false;
 };
 
 /// The answers of git about revisions. They count until the repository changes.

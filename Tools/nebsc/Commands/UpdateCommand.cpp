@@ -80,7 +80,7 @@ void UpdateTask::checkArguments() const {
 
 RepositoryQuestions UpdateTask::questions() const {
     return isSubversion() ? RepositoryQuestions{}
-                          : RepositoryQuestions{.revisions = {"HEAD"}, .asksBranch = true};
+                          : RepositoryQuestions{.revisions = {"HEAD"}, .asksUpstream = true};
 }
 
 std::optional<CommandOutput> UpdateTask::validate() {

@@ -76,6 +76,10 @@ class PackageTest(unittest.TestCase):
         return cls.folder / "moved"
 
 
+# Where Neovim finds the plug-in.
+NEOVIM = "share/nvim/site/pack/nebgit/start/nebgit/"
+
+
 class Installation(PackageTest):
     @classmethod
     def setUpClass(cls):
@@ -86,8 +90,9 @@ class Installation(PackageTest):
         installed = files_below(self.prefix)
         headers = {name for name in installed if name.startswith("include/NEBGit/")}
         documents = {name for name in installed if name.startswith("share/doc/nebgit/")}
+        neovim = {name for name in installed if name.startswith(NEOVIM)}
         version = contract_version()
-        self.assertEqual(installed - headers - documents, {
+        self.assertEqual(installed - headers - documents - neovim, {
             "bin/nebsc",
             "lib/libNEBFoundation.so",
             f"lib/libNEBFoundation.so.{version}",
@@ -106,6 +111,16 @@ class Installation(PackageTest):
         self.assertLessEqual({f"share/doc/nebgit/{name}" for name in [
             "README.md", "CONTRIBUTING.md", "LICENSE", "copyright", "docs/hosts.md", "docs/server.md",
             "examples/client.py", "examples/client.mjs", "examples/log-host/main.cpp"]}, documents)
+
+    def test_neovim_loads_the_plug_in(self):
+        script = ("lua local failure; require('nebgit.server').request('sourceControl/plan', {type = 15},"
+                  " function(f) failure = f or 'none' end); vim.wait(60000, function() return failure end);"
+                  " io.stdout:write(vim.inspect(failure))")
+        home = self.folder / "home"
+        output = run("nvim", "--headless", "-i", "NONE", "-n", "-c", "help nebgit", "-c", script,
+                     "-c", "qall!", HOME=str(home), XDG_DATA_DIRS=str(self.prefix / "share"),
+                     PATH=f"{self.prefix / 'bin'}:{os.environ['PATH']}")
+        self.assertEqual(output, '"none"')
 
     def test_nothing_of_it_knows_where_it_was_built_or_installed(self):
         for name in files_below(self.prefix):

@@ -78,8 +78,12 @@ end
 
 -- Applies a patch of each name and content with git.
 function tests.PatchesOfAllNamesAndContents()
-  local names = { "plain", "a b", " end ", 'quote"', "back\\slash", "line\nend", "tab\tx", "b\228r", "ü" }
-  local contents = { "", "a", "a\n", "a\nb\nc\n", "a\r\nb\r\n", "\228\n", "1\n2\n3\n4\n5\n6\n7\n8\n9" }
+  local names = {
+    "plain", "a b", " end ", 'quote"', "back\\slash", "line\nend", "tab\tx", "b\228r", "ü",
+  }
+  local contents = {
+    "", "a", "a\n", "a\nb\nc\n", "a\r\nb\r\n", "\228\n", "1\n2\n3\n4\n5\n6\n7\n8\n9",
+  }
   for _, name in ipairs(names) do
     for _, content in ipairs(contents) do
       harness.write(name, content)

@@ -1,5 +1,6 @@
 -- Runs the tests in *_test.lua of this folder, in this Neovim, and exits:
---   NEBSC=build/debug/bin/nebsc nvim --headless -u NONE -i NONE -n -c 'luafile Tests/Editors/neovim/run.lua'
+--   NEBSC=build/debug/bin/nebsc nvim --headless -u NONE -i NONE -n \
+--     -c 'luafile Tests/Editors/neovim/run.lua'
 -- TESTS=TEXT limits them to those with the text in their name. A test file returns a table of
 -- functions by name. Prints lines in the format of GoogleTest, which Tests/run.py reads.
 local folder = vim.fn.fnamemodify(debug.getinfo(1, "S").source:sub(2), ":p:h")
@@ -36,7 +37,8 @@ local function run(name, test)
     say(harness.messages())
   end
   local milliseconds = (vim.loop.hrtime() - begin) / 1e6
-  say(("[%s ] %s (%d ms)"):format(ok and was_clean and "       OK" or "  FAILED ", name, milliseconds))
+  local result = ok and was_clean and "       OK" or "  FAILED "
+  say(("[%s ] %s (%d ms)"):format(result, name, milliseconds))
 end
 
 local function run_all()

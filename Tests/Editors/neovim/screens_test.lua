@@ -1,7 +1,8 @@
 -- The windows that docs/editors.md shows. NEB_WRITE_EDITORS_PAGE=1 updates the page.
 local harness = require("harness")
 
-local page = vim.fn.fnamemodify(debug.getinfo(1, "S").source:sub(2), ":p:h:h:h:h") .. "/docs/editors.md"
+local this_file = debug.getinfo(1, "S").source:sub(2)
+local page = vim.fn.fnamemodify(this_file, ":p:h:h:h:h") .. "/docs/editors.md"
 
 local tests = {}
 

@@ -72,8 +72,8 @@ function tests.CrashIsReportedAndTheNextRequestStartsAgain()
   harness.equal(nil, (state()))
 end
 
--- Starts a commit whose hook does not end before the folder is removed, and waits until it runs. Returns a table that gets the
--- failure, and the function that cancels the commit.
+-- Starts a commit whose hook does not end before the folder is removed, and waits until it runs.
+-- Returns a table that gets the failure, and the function that cancels the commit.
 local function start_endless_commit()
   harness.write_program(".git/hooks/pre-commit", table.concat({
     "#!/bin/sh",
@@ -222,7 +222,8 @@ end
 
 -- Runs another editor with the commands, which quits at the end, and returns its messages.
 local function run_editor(commands)
-  local plug_in = vim.fn.fnamemodify(vim.api.nvim_get_runtime_file("lua/nebgit/", false)[1], ":h:h:h")
+  local modules = vim.api.nvim_get_runtime_file("lua/nebgit/", false)[1]
+  local plug_in = vim.fn.fnamemodify(modules, ":h:h:h")
   local arguments = { vim.v.progpath, "--headless", "-u", "NONE", "-i", "NONE", "-n" }
   vim.list_extend(arguments, { "--cmd", "set runtimepath^=" .. vim.fn.fnameescape(plug_in) })
   local setup = "runtime plugin/nebgit.lua | lua require('nebgit').setup({ command = { %s } })"

@@ -24,7 +24,8 @@ end
 
 local function wait_for_index(path, content)
   harness.wait(function()
-    return vim.fn.system({ "git", "-C", harness.root, "cat-file", "blob", ":0:" .. path }) == content
+    local command = { "git", "-C", harness.root, "cat-file", "blob", ":0:" .. path }
+    return vim.fn.system(command) == content
   end, "the content of the index: " .. content)
 end
 
@@ -182,7 +183,9 @@ function tests.HunksAreReset()
   harness.commit({ file = "1\n2\n3\n4\n" })
   harness.edit("file")
   wait_for_signs({})
-  local changed = { { "0", "1", "2", "3", "4" }, { "2", "3", "4" }, { "1", "x", "y", "4" }, {}, { "z" } }
+  local changed = {
+    { "0", "1", "2", "3", "4" }, { "2", "3", "4" }, { "1", "x", "y", "4" }, {}, { "z" },
+  }
   for _, lines in ipairs(changed) do
     set_lines(0, -1, lines)
     vim.cmd("%NEBGit reset_hunk")

@@ -59,7 +59,8 @@ local function open_parent(buffer)
   elseif not record.PreviousID then
     return messages.info("the commit added the line with the file")
   end
-  local details = { from = record.ObjectID, options = { LogOutputLimit = 1, LogOutputFilesChanged = true } }
+  local options = { LogOutputLimit = 1, LogOutputFilesChanged = true }
+  local details = { from = record.ObjectID, options = options }
   requests.perform("history", source.root, details, function(failure, records)
     if failure then
       return messages.failure(failure)
@@ -83,7 +84,8 @@ end
 local function open_window(source, line_count)
   local file_buffer, view = vim.api.nvim_get_current_buf(), vim.fn.winsaveview()
   vim.wo.scrollbind, vim.wo.cursorbind, vim.wo.wrap, vim.wo.foldenable = true, true, false, false
-  local buffer = scratch.buffer(("nebgit://%s//blame/%d/%s"):format(source.root, file_buffer, source.path))
+  local name = ("nebgit://%s//blame/%d/%s"):format(source.root, file_buffer, source.path)
+  local buffer = scratch.buffer(name)
   scratch.set_lines(buffer, 0, -1, vim.split(("\n"):rep(line_count - 1), "\n"))
   scratch.show(buffer, ("leftabove vertical %dsplit"):format(width))
   vim.wo.winfixwidth, vim.wo.scrollbind, vim.wo.cursorbind = true, true, true

@@ -54,8 +54,9 @@ local function read(buffer, line, position)
   if vim.bo[buffer].modified then
     options.Content = text.bytes_of(buffer)
   end
-  local details = { files = { vim.b[buffer].nebgit_path }, options = options, background = true }
-  cancel = requests.perform("annotation", vim.b[buffer].nebgit_root, details, function(failure, records)
+  local root, path = vim.b[buffer].nebgit_root, vim.b[buffer].nebgit_path
+  local details = { files = { path }, options = options, background = true }
+  cancel = requests.perform("annotation", root, details, function(failure, records)
     if current == position then
       cancel = nil
       -- Without a message: files that are not tracked have no blame.
@@ -85,8 +86,8 @@ function M.cursor_moved()
   if not enabled() then
     return
   end
-  local line = vim.api.nvim_win_get_cursor(0)[1]
-  if shown_in and not (current or ""):find(("^%d %d "):format(vim.api.nvim_get_current_buf(), line)) then
+  local buffer, line = vim.api.nvim_get_current_buf(), vim.api.nvim_win_get_cursor(0)[1]
+  if shown_in and not (current or ""):find(("^%d %d "):format(buffer, line)) then
     clear()
   end
   timer:start(config.options.blame.delay, 0, vim.schedule_wrap(update))

@@ -8,8 +8,8 @@ local scratch = require("nebgit.scratch")
 local slices = require("nebgit.slices")
 local times = require("nebgit.times")
 
--- The ids of the empty tree in repositories with SHA-1 and SHA-256, which a first commit is compared
--- with, see gitglossary(7).
+-- The ids of the empty tree in repositories with SHA-1 and SHA-256, with which a first commit is
+-- compared, see gitglossary(7).
 local empty_trees = {
   [40] = "4b825dc642cb6eb9a060e54bf8d69288fbee4904",
   [64] = "6ef19b41225c5369f1c104d45d8d85efa9b057b53b14b4b9b939dd74decc5321",

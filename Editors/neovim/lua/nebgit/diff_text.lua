@@ -5,7 +5,8 @@ local names = require("nebgit.names")
 
 local function header(record)
   local old, new = record.OriginalPath or record.Path, record.Path
-  local lines = { ("diff --git %s %s"):format(names.quoted("a/" .. old), names.quoted("b/" .. new)) }
+  local old_name, new_name = names.quoted("a/" .. old), names.quoted("b/" .. new)
+  local lines = { ("diff --git %s %s"):format(old_name, new_name) }
   if record.State == "added" then
     lines[#lines + 1] = "new file mode " .. (record.NewMode or "")
   elseif record.State == "deleted" then
@@ -21,8 +22,8 @@ local function header(record)
   if record.IsBinary then
     lines[#lines + 1] = "Binary files differ"
   elseif #(record.Hunks or {}) > 0 then
-    lines[#lines + 1] = "--- " .. (record.State == "added" and "/dev/null" or names.quoted("a/" .. old))
-    lines[#lines + 1] = "+++ " .. (record.State == "deleted" and "/dev/null" or names.quoted("b/" .. new))
+    lines[#lines + 1] = "--- " .. (record.State == "added" and "/dev/null" or old_name)
+    lines[#lines + 1] = "+++ " .. (record.State == "deleted" and "/dev/null" or new_name)
   end
   return lines
 end

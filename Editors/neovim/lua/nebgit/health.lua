@@ -46,7 +46,7 @@ local function report(information)
     fail("the server finds no git", { "Install git, and make sure that it is in $PATH." })
   end
   local optional = {
-    watch = "changes by other programs are seen when the editor gets the focus, or a file is written",
+    watch = "changes by other programs are seen when the editor gets the focus",
     background = "status that is read by itself may hold a lock while a git in a terminal needs it",
     credentials = "passwords are not asked for; use a credential helper",
   }

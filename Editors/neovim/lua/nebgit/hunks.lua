@@ -8,7 +8,10 @@ function M.between(old, new)
     return #lines == 0 and "" or table.concat(lines, "\n") .. "\n"
   end
   return vim.tbl_map(function(range)
-    return { old_start = range[1], old_count = range[2], new_start = range[3], new_count = range[4] }
+    local old_start, old_count, new_start, new_count = unpack(range)
+    return {
+      old_start = old_start, old_count = old_count, new_start = new_start, new_count = new_count,
+    }
   end, vim.diff(joined(old), joined(new), { result_type = "indices" }))
 end
 

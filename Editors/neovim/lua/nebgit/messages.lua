@@ -18,7 +18,11 @@ function M.error(text)
 end
 
 -- Failures of which only git's or the hook's own output says what is wrong.
-local with_output = { unknown = true, ["local-hook-refused"] = true, ["remote-hook-refused"] = true }
+local with_output = {
+  ["unknown"] = true,
+  ["local-hook-refused"] = true,
+  ["remote-hook-refused"] = true,
+}
 
 -- Returns what happened, and what to do, of a failure of requests.lua as one text.
 function M.text_of(failure)

@@ -30,9 +30,9 @@ local function read_diagnostics(process)
 end
 
 -- Starts the program. Returns the process, or nil and a sentence that says why not. Calls
--- on_exit(process) when it has ended, outside the main loop. Members of the process: `pid`, `handle`,
--- `stdin`, `stdout`, `decoder`, `diagnostics` (the end of its standard error) and, when it has ended,
--- `exit` ({status, signal}).
+-- on_exit(process) when it has ended, outside the main loop. Members of the process: `pid`,
+-- `handle`, `stdin`, `stdout`, `decoder`, `diagnostics` (the end of its standard error) and, when
+-- it has ended, `exit` ({status, signal}).
 function M.start(on_exit)
   local command = config.options.command
   local process = {

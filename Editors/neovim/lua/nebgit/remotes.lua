@@ -44,14 +44,15 @@ local perform_push
 
 -- Asks whether to push the current branch to a remote for the first time.
 local function push_new_branch(root)
-  requests.perform("state", root, { options = { UntrackedFiles = "no" } }, function(failure, records)
+  local options = { UntrackedFiles = "no" }
+  requests.perform("state", root, { options = options }, function(failure, records)
     local branch = records[1] and records[1].Name
     if failure or not branch then
       return messages.failure(failure or { message = "no branch is checked out" })
     end
     choose_remote(root, ("Push '%s' to:"):format(branch), function(remote)
-      local question = ("Push the new branch '%s' to '%s' as its upstream branch?"):format(branch, remote)
-      actions.confirm(question, "Push", function()
+      local question = "Push the new branch '%s' to '%s' as its upstream branch?"
+      actions.confirm(question:format(branch, remote), "Push", function()
         perform_push(root, { RemoteName = remote, Branch = branch, SetUpstream = true })
       end)
     end)
@@ -72,8 +73,8 @@ function perform_push(root, options)
   end)
 end
 
--- Pushes the branch to its upstream branch; asks if it has none. With is_forced, replaces commits of
--- the remote that are known here, after a question.
+-- Pushes the branch to its upstream branch; asks if it has none. With is_forced, replaces commits
+-- of the remote that are known here, after a question.
 function M.push(root, is_forced)
   if not is_forced then
     return perform_push(root, {})

@@ -14,9 +14,9 @@ local most_waiting = 256 * 1024
 -- The server is started again at most so often in a minute after a crash.
 local most_crashes = 3
 
--- The process of process.lua, with `pending` (requests without response by id), `queue` (ids of those
--- that wait for the start; nil afterwards) and `progress` (listeners by token); nil if it does not
--- run.
+-- The process of process.lua; nil if it does not run. It also has `pending`, the requests without
+-- response by id; `queue`, the ids of those that wait for the start, nil afterwards; and `progress`,
+-- listeners by token.
 local server = nil
 local last_id = 0
 local crashes = {}

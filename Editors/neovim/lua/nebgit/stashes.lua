@@ -22,7 +22,8 @@ end
 
 -- The id, not the name, because the names of all stashes change when one is made or dropped.
 local function use(root, action, stash)
-  actions.perform("stash", root, { from = stash.ObjectID, options = { Action = action } }, function()
+  local details = { from = stash.ObjectID, options = { Action = action } }
+  actions.perform("stash", root, details, function()
     messages.info(({ apply = "applied", pop = "popped", drop = "dropped" })[action])
   end)
 end

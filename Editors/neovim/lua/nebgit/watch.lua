@@ -8,8 +8,8 @@ local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 local server = require("nebgit.server")
 
--- By root: the process id of the server that watches it; false if it is not watched, "pending" while
--- the watch is asked for.
+-- By root: the process id of the server that watches it; false if it is not watched, "pending"
+-- while the watch is asked for.
 local watches = {}
 -- The root of each watch of the running server.
 local roots = {}

@@ -47,7 +47,7 @@ local function trim(lanes)
   end
 end
 
--- Returns the row that joins other lanes with the same id into the lane; nil if no other leads there.
+-- Returns the row that joins other lanes with the same id into the lane; nil without such lanes.
 local function joining_row(lanes, lane, id)
   local characters, last = {}, nil
   for other = lane + 1, #lanes do

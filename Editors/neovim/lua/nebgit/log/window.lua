@@ -20,8 +20,8 @@ local states = {}
 local function references(commit)
   local shown = commit.IsHEAD and { "HEAD" } or {}
   for _, name in ipairs(commit.References or {}) do
-    local short = name:gsub("^refs/tags/", "tag: "):gsub("^refs/heads/", ""):gsub("^refs/remotes/", "")
-    shown[#shown + 1] = short
+    local short = name:gsub("^refs/tags/", "tag: "):gsub("^refs/heads/", "")
+    shown[#shown + 1] = (short:gsub("^refs/remotes/", ""))
   end
   return #shown == 0 and "" or ("(%s) "):format(table.concat(shown, ", "))
 end
@@ -65,7 +65,8 @@ local function append(buffer, state, commits)
   scratch.set_lines(buffer, start, start == 0 and -1 or start, lines)
   for index, parts in pairs(marks) do
     for _, part in ipairs(parts) do
-      vim.api.nvim_buf_add_highlight(buffer, namespace, part[1], start + index - 1, part[2], part[3])
+      local group, first, last = unpack(part)
+      vim.api.nvim_buf_add_highlight(buffer, namespace, group, start + index - 1, first, last)
     end
   end
   state.line_count = start + #lines
@@ -124,7 +125,8 @@ local function reload(buffer)
   }
   local options = { Follow = state.path and true or nil, Order = config.options.log.order }
   local details = { files = state.path and { state.path } or nil, options = options }
-  states[buffer].pages = requests.pages("history", state.root, details, config.options.log.page_size)
+  local size = config.options.log.page_size
+  states[buffer].pages = requests.pages("history", state.root, details, size)
   read_on(buffer)
 end
 

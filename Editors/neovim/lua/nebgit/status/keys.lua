@@ -85,7 +85,7 @@ function M.define(buffer)
     { "f", with_root("nebgit.remotes", "fetch"), "fetch" },
     { "z", with_root("nebgit.stashes", "menu"), "stash, or use a stash" },
     { "b", with_root("nebgit.branches", "switch"), "switch to another branch, or create one" },
-    { "rc", with_root("nebgit.operations", "finish", "continue"), "continue the merge, rebase …" },
+    { "rc", with_root("nebgit.operations", "finish", "continue"), "continue the merge or rebase" },
     { "rs", with_root("nebgit.operations", "finish", "skip"), "skip the current commit of it" },
     { "ra", with_root("nebgit.operations", "finish", "abort"), "abort it; asks first" },
     { "R", function()

@@ -52,6 +52,15 @@ function M.set_operations(model, records)
   end, records)
 end
 
+-- Returns the entry of the path in the section; nil if the section does not have it.
+function M.find(model, section, path)
+  for _, entry in ipairs(model[section]) do
+    if entry.path == path then
+      return entry
+    end
+  end
+end
+
 -- Returns a text that identifies an entry, also after the next refresh.
 function M.key(entry)
   return entry.section .. "\0" .. entry.path

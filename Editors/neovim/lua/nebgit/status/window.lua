@@ -10,6 +10,9 @@ local requests = require("nebgit.requests")
 local scratch = require("nebgit.scratch")
 local watch = require("nebgit.watch")
 
+-- The number of paths that are read at a time.
+local page_size = 100
+
 -- By buffer: root, model, view (see render.lua), items by line, cancel (of a running refresh).
 local states = {}
 
@@ -64,21 +67,35 @@ local load_diff
 -- Shows a new model, and reads the changes of the entries that are expanded.
 local function finish(buffer, state, model)
   state.model = model
-  local existing = {}
-  for _, section in ipairs(model_of.sections) do
-    for _, entry in ipairs(model[section[1]]) do
-      existing[model_of.key(entry)] = next(state.view.diffs) and entry or nil
-    end
-  end
-  for key in pairs(state.view.diffs) do
-    if existing[key] then
-      load_diff(buffer, existing[key])
+  for key, diff in pairs(state.view.diffs) do
+    local entry = model_of.find(model, diff.section, diff.path)
+    if entry then
+      load_diff(buffer, entry)
     else
       state.view.diffs[key] = nil
     end
   end
   M.draw(buffer)
   state.has_loaded = true
+end
+
+-- Reads the state into the model, then calls done(failure). Returns a function that ends it. Reads
+-- pages, not partial results, because those have so many records that keys would have to wait.
+local function read_state(root, is_background, model, done)
+  local pages = requests.pages("state", root, { background = is_background }, page_size)
+  local function read_on()
+    pages:next(function(failure, records, is_last)
+      model_of.add(model, records)
+      if failure or is_last then
+        return done(failure)
+      end
+      read_on()
+    end)
+  end
+  read_on()
+  return function()
+    pages:close()
+  end
 end
 
 -- Reads the state again. A refresh that is running is started again afterwards.
@@ -109,13 +126,9 @@ function M.refresh(buffer, is_background)
       M.refresh(buffer, is_background)
     end
   end
-  state.cancel = requests.perform("state", state.root, {
-    background = is_background,
-    records = function(records)
-      model_of.add(model, records)
-    end,
-  }, done)
-  requests.perform("unfinished", state.root, { background = is_background }, function(failure, records)
+  state.cancel = read_state(state.root, is_background, model, done)
+  local details = { background = is_background }
+  requests.perform("unfinished", state.root, details, function(failure, records)
     model_of.set_operations(model, records)
     done(failure)
   end)
@@ -125,12 +138,13 @@ end
 function load_diff(buffer, entry)
   local state, key = states[buffer], model_of.key(entry)
   local options = { Staged = entry.section == "staged" or nil }
-  local files = { entry.path, entry.original }
-  requests.perform("changes", state.root, { files = files, options = options }, function(failure, records)
+  local details = { files = { entry.path, entry.original }, options = options }
+  requests.perform("changes", state.root, details, function(failure, records)
     if failure then
       return messages.failure(failure)
     elseif states[buffer] == state then
-      state.view.diffs[key] = { file = records[1] }
+      local diff = { file = records[1], section = entry.section, path = entry.path }
+      state.view.diffs[key] = diff
       M.draw(buffer)
     end
   end)
@@ -171,7 +185,8 @@ local syntax = {
 }
 
 local function create(buffer, root)
-  states[buffer] = { root = root, model = model_of.new(), items = {}, view = { all = {}, diffs = {} } }
+  local view = { all = {}, diffs = {} }
+  states[buffer] = { root = root, model = model_of.new(), items = {}, view = view }
   vim.b[buffer].nebgit_root = root
   vim.bo[buffer].filetype = "nebgit-status"
   vim.cmd("runtime! syntax/diff.vim")

@@ -15,7 +15,8 @@
 (require 'text-property-search)
 
 (defcustom nebgit-status-limit 500
-  "How many entries of a section the status shows; it counts the others."
+  "How many entries of a section the status shows.
+It counts up to four times as many."
   :type 'natnum
   :group 'nebgit)
 
@@ -50,8 +51,8 @@
 (defun nebgit-status--new-state ()
   "Return an empty state.
 For each section `:SECTION' is a list of items, last one first, and
-`:SECTION-count' their number, which may exceed `nebgit-status-limit'; `:head'
-and `:operations' are records."
+`:SECTION-count' their number, which may exceed `nebgit-status-limit'.
+`:head' and `:operations' are records, `:cut' means that more was not read."
   (list :head nil :operations nil))
 
 (defun nebgit-status-refresh (&optional background)
@@ -70,14 +71,13 @@ BACKGROUND means that no user waits for it."
                 (finish (&rest _)
                   (when (and (zerop (cl-decf left)) (buffer-live-p buffer))
                     (with-current-buffer buffer (nebgit-status--finish state)))))
-        (nebgit-perform (request 'state)
-                        :records (lambda (records)
-                                   (dolist (record records)
-                                     (setq state (nebgit-status--add state record))))
-                        :success #'finish
-                        :failure (lambda (problem outcome)
-                                   (nebgit-show-error problem outcome)
-                                   (finish)))
+        (nebgit-status--read-pages (request 'state)
+                                   (lambda (records)
+                                     (dolist (record records)
+                                       (setq state (nebgit-status--add state record))))
+                                   (lambda (cut)
+                                     (setq state (plist-put state :cut cut))
+                                     (finish)))
         (nebgit-perform (request 'operation)
                         :success (lambda (records _)
                                    (setq state (plist-put state :operations
@@ -91,6 +91,24 @@ BACKGROUND means that no user waits for it."
                                                   state 'stash (nebgit-field record Name) record)))
                                    (finish))
                         :failure #'finish)))))
+
+(defun nebgit-status--read-pages (request add done)
+  "Read the records of REQUEST in pages, which ADD gets, then call DONE.
+Stop after four times `nebgit-status-limit' records, and pass t to DONE then: to
+read all changes of a very large working copy would take Emacs seconds."
+  (let ((left (* 4 nebgit-status-limit)) (size (max 1 (min 200 nebgit-status-limit))))
+    (cl-labels ((page (records cursor outcome)
+                  (funcall add records)
+                  (cl-decf left (length records))
+                  (cond ((and (not cursor) (plist-get outcome :error)))
+                        ((not cursor) (funcall done nil))
+                        ((> left 0) (nebgit-next cursor size #'page #'failed))
+                        (t (nebgit-close cursor)
+                           (funcall done t))))
+                (failed (problem outcome)
+                  (nebgit-show-error problem outcome)
+                  (funcall done nil)))
+      (nebgit-open request size #'page #'failed))))
 
 (defun nebgit-status--operations (records)
   "Return those of RECORDS, of type 1010, that are operations and not conflicts."
@@ -287,7 +305,9 @@ BACKGROUND means that no user waits for it."
     (when items
       (insert "\n")
       (nebgit-status--line (list :section section) 'nebgit-heading
-                           (format "%s (%d)" heading count))
+                           (format (if (plist-get nebgit-status--state :cut) "%s (%d or more)"
+                                     "%s (%d)")
+                                   heading count))
       (dolist (item items)
         (nebgit-status--draw-item item))
       (when (> count (length items))

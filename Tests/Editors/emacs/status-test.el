@@ -155,6 +155,14 @@
       (test-with-status
         (should (string-match-p "Untracked (7)\n\\(new[0-4]\n\\)\\{5\\}… and 2 more" (test-text)))))))
 
+(ert-deftest status-does-not-read-very-many-changes ()
+  (test-with-repository
+    (dotimes (n 30) (test-write (format "new%02d" n) "x"))
+    (let ((nebgit-status-limit 5))
+      (test-with-status
+        (should (string-match-p
+                 "Untracked (19 or more)\n\\(new0[0-4]\n\\)\\{5\\}… and 14 more" (test-text)))))))
+
 (ert-deftest status-keeps-point-on-its-entry ()
   (test-with-repository
     (test-write "c.txt" "x")

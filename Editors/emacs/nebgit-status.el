@@ -55,9 +55,10 @@ For each section `:SECTION' is a list of items, last one first, and
 `:head' and `:operations' are records, `:cut' means that more was not read."
   (list :head nil :operations nil))
 
-(defun nebgit-status-refresh (&optional background)
+(defun nebgit-status-refresh ()
   "Read the state of the working copy again, and show it.
-BACKGROUND means that no user waits for it."
+In the background: git would lock the index for a moment otherwise, and the next
+command of the user would fail."
   (interactive)
   (if nebgit-status--refreshing
       (setq nebgit-status--refreshing 'again)
@@ -66,8 +67,7 @@ BACKGROUND means that no user waits for it."
           (state (nebgit-status--new-state))
           (left 3))
       (cl-flet ((request (type &rest members)
-                  (apply #'nebgit-request type default-directory
-                         :background (and background t) members))
+                  (apply #'nebgit-request type default-directory :background t members))
                 (finish (&rest _)
                   (when (and (zerop (cl-decf left)) (buffer-live-p buffer))
                     (with-current-buffer buffer (nebgit-status--finish state)))))
@@ -147,7 +147,7 @@ read all changes of a very large working copy would take Emacs seconds."
     (nebgit-status--draw)
     (nebgit-status--read-open-diffs)
     (when again
-      (nebgit-status-refresh t))))
+      (nebgit-status-refresh))))
 
 ;;; Diffs of entries
 

@@ -112,7 +112,7 @@
   "Show the state of ROOT again, where it is shown, and read its files again."
   (let ((buffer (get-buffer (nebgit--status-name root))))
     (when buffer
-      (with-current-buffer buffer (nebgit-status-refresh t))))
+      (with-current-buffer buffer (nebgit-status-refresh))))
   (when nebgit-revert-buffers
     (nebgit--revert-buffers root)))
 
@@ -130,7 +130,7 @@
   (let* ((root (nebgit-root))
          (buffer (and root (get-buffer (nebgit--status-name root)))))
     (when buffer
-      (with-current-buffer buffer (nebgit-status-refresh t)))))
+      (with-current-buffer buffer (nebgit-status-refresh)))))
 
 (add-hook 'nebgit-changed-hook #'nebgit--changed)
 (add-hook 'after-save-hook #'nebgit--after-save)

@@ -5,9 +5,15 @@
 (require 'test-support)
 (require 'nebgit)
 
+(defun day-show-status ()
+  "Show the status, whichever buffer an answer made current."
+  (set-buffer (get-buffer-create "*day*"))
+  (setq default-directory test-folder)
+  (nebgit-status))
+
 (defun day-status ()
   "Show the status and return its text once it is up to date."
-  (nebgit-status)
+  (day-show-status)
   (test-wait (not nebgit-status--refreshing))
   (nebgit-status-refresh)
   (test-wait (not nebgit-status--refreshing))
@@ -15,18 +21,30 @@
 
 (defun day-until (text)
   "Wait until the status contains TEXT, and go to its line."
-  (nebgit-status)
+  (day-show-status)
   (test-wait (string-match-p (regexp-quote text) (buffer-string)))
   (goto-char (point-min))
   (search-forward text)
   (beginning-of-line))
 
+(defun day-stage (text)
+  "Stage the file on the line with TEXT."
+  (day-until text)
+  (nebgit-stage)
+  (day-until "Staged changes (1)"))
+
+(defun day-finish-commit (text)
+  "Commit with the message in the current buffer, TEXT, and wait until its buffer is gone."
+  (let ((message (current-buffer)))
+    (nebgit-commit-finish)
+    (test-wait (not (buffer-live-p message))))
+  (should (equal (test-git "log" "-1" "--format=%s") text)))
+
 (defun day-commit (text)
   "Commit what is staged with the message TEXT, through the buffer for it."
   (nebgit-commit)
   (insert text)
-  (nebgit-commit-finish)
-  (test-wait (equal (test-git "log" "-1" "--format=%s") text)))
+  (day-finish-commit text))
 
 (defun day-edit (name line text)
   "Insert TEXT before LINE of the file NAME, without saving; return when it is marked."
@@ -61,15 +79,12 @@
   (should (string-match-p "^\\+last$" (test-git "show")))
   (find-file (expand-file-name "main.c" test-folder))
   (let ((inhibit-message t)) (save-buffer))
-  (day-until "modified   main.c")
-  (nebgit-stage)
-  (day-until "Staged changes (1)")
+  (day-stage "modified   main.c")
   (nebgit-commit-amend)
   (test-wait (> (buffer-size) 0))
   (erase-buffer)
   (insert "Add first and last")
-  (nebgit-commit-finish)
-  (test-wait (equal (test-git "log" "-1" "--format=%s") "Add first and last"))
+  (day-finish-commit "Add first and last")
   (should (equal (test-git "rev-list" "--count" "HEAD") "2")))
 
 (defun day-merge-with-conflict ()
@@ -79,9 +94,7 @@
   (day-until "Branch:   topic")
   (test-write "main.c" "theirs")
   (day-status)
-  (day-until "modified   main.c")
-  (nebgit-stage)
-  (day-until "Staged changes (1)")
+  (day-stage "modified   main.c")
   (day-commit "Theirs")
   (cl-letf (((symbol-function 'completing-read) (lambda (&rest _) "main")))
     (day-status)

@@ -138,7 +138,10 @@ test("describes itself", limit, async () => {
         "capabilities", "serverInfo", "contractVersion", "gitVersion", "requestTypes",
     ]);
     const version = execFileSync(nebsc, ["--version"], { encoding: "utf8" });
-    assert.deepEqual(identity.capabilities, { partialResults: true, cursors: { max: 64 } });
+    assert.deepEqual(identity.capabilities, {
+        partialResults: true, background: true, credentials: true, describe: true,
+        cursors: { max: 64 }, watch: { max: 64 },
+    });
     assert.equal(identity.serverInfo.name, "nebsc");
     assert.equal(version.split("\n")[0], `nebsc ${identity.serverInfo.version}`);
     const contract = fs.readFileSync(

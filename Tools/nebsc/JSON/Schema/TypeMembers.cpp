@@ -32,6 +32,7 @@ constexpr ValueDescription optionValues[] = {
     {"Order", Kind::string},
     {"Reverse", Kind::boolean},
     {"FirstParent", Kind::boolean},
+    {"RewriteParents", Kind::boolean},
     {"Follow", Kind::boolean},
     {"SearchMessage", Kind::string},
     {"SearchAuthor", Kind::string},
@@ -247,8 +248,9 @@ constexpr TypeMembers typeMembers[] = {
      "SubmoduleModified SubmoduleHasUntracked"},  // working copy state
     {1001, "startingRevision endingRevision files",
      "StartingRevisions ExcludedRevisions AllReferences LogOutputLimit Order Reverse "
-     "FirstParent Follow SearchMessage SearchAuthor SearchContent IgnoreCase Since Until "
-     "LogOutputFilesChanged LineCounts RepositoryPath WorkingCopyPath FetchMissingObjects",
+     "FirstParent RewriteParents Follow SearchMessage SearchAuthor SearchContent IgnoreCase "
+     "Since Until LogOutputFilesChanged LineCounts RepositoryPath WorkingCopyPath "
+     "FetchMissingObjects",
      "ObjectID Parents References IsHEAD IsGrafted Author AuthorEmail AuthorTime "
      "AuthorTimeOffset Committer CommitterEmail CommitterTime CommitterTimeOffset Subject "
      "Body Changes"},  // history

@@ -118,18 +118,8 @@ void NEBSourceControlTaskOperation::main() {
         setError(NEBSourceControlCancelledError());
         return;
     }
-    for (std::size_t i = 0; i < stages.size(); ++i) {
-        if (const auto limit = outcomes[i].exceededLimit) {
-            setError(NEBSourceControlExceededLimitError(*limit, limits(), stages[i]->launchPath()));
-            return;
-        }
-    }
-    for (std::size_t i = 0; i < stages.size(); ++i) {
-        if (!outcomes[i].status.started()) {
-            _terminationStatus = outcomes[i].status;
-            setError(errorOfAbnormalEnd());
-            return;
-        }
+    if (setErrorOfUnfinished(stages, outcomes)) {
+        return;
     }
     const ChildText childText = takeOutput(outcomes[0]);
     if (second) {
@@ -138,6 +128,25 @@ void NEBSourceControlTaskOperation::main() {
         parseData();
         finish(childText);
     }
+}
+
+bool NEBSourceControlTaskOperation::setErrorOfUnfinished(
+    const std::vector<NEBSourceControlTaskOperation*>& stages,
+    const std::vector<ChildOutcome>& outcomes) {
+    for (std::size_t i = 0; i < stages.size(); ++i) {
+        if (const auto limit = outcomes[i].exceededLimit) {
+            setError(NEBSourceControlExceededLimitError(*limit, limits(), stages[i]->launchPath()));
+            return true;
+        }
+    }
+    for (const ChildOutcome& outcome : outcomes) {
+        if (!outcome.status.started()) {
+            _terminationStatus = outcome.status;
+            setError(errorOfAbnormalEnd());
+            return true;
+        }
+    }
+    return false;
 }
 
 std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(

@@ -147,6 +147,11 @@ private:
     [[nodiscard]] ChildLaunch makeLaunch();
     [[nodiscard]] std::vector<ChildOutcome> run(
         const std::vector<NEBSourceControlTaskOperation*>& stages);
+    /// Sets the error of the first stage that exceeded a limit or else was not started. Returns
+    /// whether there is one.
+    [[nodiscard]] bool setErrorOfUnfinished(
+        const std::vector<NEBSourceControlTaskOperation*>& stages,
+        const std::vector<ChildOutcome>& outcomes);
     /// Parses output while the child runs. Returns how much of it is no longer needed.
     [[nodiscard]] std::size_t parseArrivedOutput(const ArrivedOutput& output);
     [[nodiscard]] std::size_t deliverArrivedRecords(const ArrivedOutput& output);

@@ -1,8 +1,20 @@
 #include "NEBFoundation/NEBSourceControlRequest.h"
 
+#include <algorithm>
+
 #include "LOMFoundation/LOMFormat.h"
 
 namespace neb {
+
+namespace {
+
+bool isPattern(const NEBValue& value) {
+    const std::string name = value.isPresent() ? value.description() : std::string();
+    return name.find_first_of("*?[\\") != std::string::npos || name.starts_with(':') ||
+           name.find("/:") != std::string::npos;
+}
+
+}  // namespace
 
 std::shared_ptr<NEBSourceControlRequest> NEBSourceControlRequest::initWithType(
     std::int32_t type, std::shared_ptr<NEBSourceControlSourceTree> sourceTree,
@@ -18,6 +30,11 @@ std::shared_ptr<NEBSourceControlRequest> NEBSourceControlRequest::initWithType(
 const NEBValue& NEBSourceControlRequest::option(std::string_view key) const {
     static const NEBValue nothing;
     return options ? options->value(key) : nothing;
+}
+
+bool NEBSourceControlRequest::hasPatternCharacters() const {
+    return isPattern(destination) ||
+           (files && std::any_of(files->begin(), files->end(), isPattern));
 }
 
 std::string NEBSourceControlRequest::sourceTreeName() const {

@@ -57,6 +57,9 @@ public:
     /// Returns the value of an option; the absent value when it is not set. The reference is valid
     /// until the options change.
     [[nodiscard]] const NEBValue& option(std::string_view key) const;
+    /// Returns whether git would read the destination or a file as a pattern, or as pathspec magic
+    /// because it begins with ":", also after its folder was removed; see gitglossary(7), pathspec.
+    [[nodiscard]] bool hasPatternCharacters() const;
     /// Returns the name of the source tree for messages, "(null)" when there is no tree.
     [[nodiscard]] std::string sourceTreeName() const;
 

@@ -16,26 +16,6 @@ namespace neb {
 
 namespace {
 
-/// Whether git would read the name as a pattern, or as pathspec magic because it begins with ":",
-/// also after its folder was removed.
-bool isPattern(const NEBValue& value) {
-    const std::string name = value.isPresent() ? value.description() : std::string();
-    return name.find_first_of("*?[\\") != std::string::npos || name.starts_with(':') ||
-           name.find("/:") != std::string::npos;
-}
-
-bool hasPatternCharacters(const NEBSourceControlRequest& request) {
-    if (isPattern(request.destination)) {
-        return true;
-    }
-    for (std::size_t i = 0; i < request.fileCount(); ++i) {
-        if (isPattern((*request.files)[i])) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// An output of at least this size is parsed while the child runs, even without a record sink.
 constexpr std::size_t incrementalSize = 1U << 18;
 constexpr std::size_t unlimited = std::string_view::npos;
@@ -78,7 +58,7 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
         .currentDirectoryPath = std::nullopt,
         .environment = NEBSourceControlChildEnvironment(
             NEBSourceControlInheritedEnvironment(),
-            {.hasPatternCharacters = hasPatternCharacters(*request()),
+            {.hasPatternCharacters = request()->hasPatternCharacters(),
              .isBackgroundWork = isBackgroundWork(),
              .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
              .mayRunHooks = _mayRunHooks,

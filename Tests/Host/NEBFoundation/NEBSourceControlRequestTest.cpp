@@ -51,6 +51,20 @@ TEST(Request, DescribesAMissingSourceTreeAsNull) {
     EXPECT_EQ(request->descriptionForAssertionMessage(), "<NEBSourceControlRequest of type 15>");
 }
 
+TEST(Request, KnowsNamesThatGitWouldReadAsPatterns) {
+    auto request = requestFor(NEBSourceControlRequestStatus, "/w");
+    EXPECT_FALSE(request->hasPatternCharacters());
+    for (const char* name : {"/w/a*", "/w/?", "/w/[a]", "/w/a\\b", ":(top)a", "/w/:a"}) {
+        request->files = std::vector<NEBValue>{"/w/plain", name};
+        EXPECT_TRUE(request->hasPatternCharacters()) << name;
+        request->files = std::vector<NEBValue>{"/w/plain", "/w/a:b"};
+        EXPECT_FALSE(request->hasPatternCharacters());
+        request->destination = name;
+        EXPECT_TRUE(request->hasPatternCharacters()) << name;
+        request->destination = NEBValue();
+    }
+}
+
 TEST(SourceTree, DescribesItself) {
     NEBSourceControlWorkingTree tree;
     tree.name = "demo";

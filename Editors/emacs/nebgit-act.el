@@ -189,12 +189,15 @@ it was fetched."
                 (nebgit-show-error problem outcome)))))
 
 (defun nebgit--push-summary (records)
-  "Return a text about RECORDS of type 1012."
-  (if records
-      (mapconcat (lambda (record)
-                   (format "%s %s" (nebgit-name record Name) (nebgit-field record State)))
-                 records ", ")
-    "done"))
+  "Return a text about RECORDS of type 1012, with the lines of the remote below."
+  (let ((pushed (cl-loop for record in records
+                         for name = (nebgit-name record Name)
+                         when name collect (format "%s %s" name (nebgit-field record State))))
+        (lines (cl-loop for record in records
+                        append (nebgit-list (nebgit-field record RemoteLines)))))
+    (concat (if pushed (string-join pushed ", ") "done")
+            (mapconcat (lambda (line) (concat "\nremote: " (nebgit-printable (nebgit-decode line))))
+                       lines ""))))
 
 (defun nebgit--push-new (root options)
   "Ask for the remote of the branch of ROOT, then push with OPTIONS."

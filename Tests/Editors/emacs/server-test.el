@@ -59,8 +59,7 @@
 
 (ert-deftest server-cancels-a-request ()
   (test-with-repository
-    (test-write ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
-    (set-file-modes ".git/hooks/pre-commit" #o755)
+    (test-write-program ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
     (test-write "a.txt" "changed")
     (let* (problem
            (task (nebgit-perform (nebgit-request 'commit folder :All t :Message "Never")
@@ -129,8 +128,7 @@
 (ert-deftest server-is-waited-for-with-a-limit ()
   (test-with-repository
     (should (eql (length (plist-get (nebgit-wait (nebgit-request 'history folder)) :result)) 2))
-    (test-write ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
-    (set-file-modes ".git/hooks/pre-commit" #o755)
+    (test-write-program ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
     (test-write "a.txt" "changed")
     (should (string-match-p "did not end within 0.3 seconds"
                             (cadr (should-error

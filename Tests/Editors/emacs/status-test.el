@@ -267,24 +267,39 @@
       (test-until (not "Unfinished merge") (nebgit-continue))
       (should (string-match-p "Merge branch 'topic'" (test-git "log" "-1" "--format=%s"))))))
 
+(defmacro test-with-remote (&rest body)
+  "Run BODY in the status of a repository with the empty remote shared.git."
+  (declare (indent 0))
+  `(test-with-repository
+     (test-git "init" "-q" "--bare" "shared.git")
+     (test-git "remote" "add" "origin" (expand-file-name "shared.git"))
+     (test-write ".git/info/exclude" "shared.git" "second")
+     (test-with-status
+       ,@body)))
+
+(ert-deftest status-shows-lines-of-the-remote ()
+  (test-with-remote
+    (test-write-program "shared.git/hooks/post-receive"
+                        "#!/bin/sh" "echo 'Create a merge request:'" "printf 'at \\344'")
+    (test-until "Upstream: origin/main" (nebgit-push))
+    (should (string-match-p "push: refs/heads/main new\nremote: Create a merge request:\nremote: at \\\\344"
+                            (test-messages)))
+    (should-not (string-match-p "nil nil" (test-messages)))))
+
 (ert-deftest status-pushes-pulls-and-fetches ()
-  (test-with-repository
-    (test-git "init" "-q" "--bare" "shared.git")
-    (test-git "remote" "add" "origin" (expand-file-name "shared.git"))
-    (test-write ".git/info/exclude" "shared.git" "second")
-    (test-with-status
-      (test-until "Upstream: origin/main" (nebgit-push))
-      (test-git "clone" "-q" "shared.git" "second")
-      (let ((test-folder (expand-file-name "second/" folder)))
-        (test-commit-file "c.txt" "Third" "c")
-        (test-git "push" "-q"))
-      (test-until "1 to pull" (nebgit-fetch))
-      (test-until (not "to pull") (nebgit-pull))
-      (should (equal (test-git "log" "-1" "--format=%s") "Third"))
-      (test-git "commit" "-q" "--allow-empty" "-m" "Fourth")
-      (test-until "1 to push" (nebgit-status-refresh))
-      (test-until (not "to push") (nebgit-push))
-      (should (equal (test-git "--git-dir=shared.git" "log" "-1" "--format=%s" "main") "Fourth")))))
+  (test-with-remote
+    (test-until "Upstream: origin/main" (nebgit-push))
+    (test-git "clone" "-q" "shared.git" "second")
+    (let ((test-folder (expand-file-name "second/" folder)))
+      (test-commit-file "c.txt" "Third" "c")
+      (test-git "push" "-q"))
+    (test-until "1 to pull" (nebgit-fetch))
+    (test-until (not "to pull") (nebgit-pull))
+    (should (equal (test-git "log" "-1" "--format=%s") "Third"))
+    (test-git "commit" "-q" "--allow-empty" "-m" "Fourth")
+    (test-until "1 to push" (nebgit-status-refresh))
+    (test-until (not "to push") (nebgit-push))
+    (should (equal (test-git "--git-dir=shared.git" "log" "-1" "--format=%s" "main") "Fourth"))))
 
 (ert-deftest status-handles-hostile-names ()
   (test-with-repository

@@ -50,6 +50,11 @@
     (make-directory (file-name-directory file) t)
     (write-region (mapconcat (lambda (line) (concat line "\n")) lines "") nil file nil 'silent)))
 
+(defun test-write-program (name &rest lines)
+  "Write LINES to the file NAME, which can be run then."
+  (apply #'test-write name lines)
+  (set-file-modes (expand-file-name name test-folder) #o755))
+
 (defun test-read (name)
   "Return the content of the file NAME."
   (with-temp-buffer

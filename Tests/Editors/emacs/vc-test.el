@@ -190,8 +190,7 @@
 
 (ert-deftest vc-does-not-hang ()
   (test-with-vc
-    (test-write ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
-    (set-file-modes ".git/hooks/pre-commit" #o755)
+    (test-write-program ".git/hooks/pre-commit" "#!/bin/sh" "sleep 100")
     (test-write "a.txt" "changed")
     (let ((vc-nebgit-commit-limit 0.3))
       (should-error (vc-nebgit-checkin (list (expand-file-name "a.txt" folder)) "Never")))))

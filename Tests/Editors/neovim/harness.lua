@@ -44,19 +44,24 @@ function M.git(...)
   return (M.run({ "git", "-C", M.root, ... }):gsub("\n$", ""))
 end
 
--- Writes a file of the repository, with its folders.
+-- Returns the path, relative to the repository or absolute, as an absolute one.
+function M.absolute(path)
+  return path:sub(1, 1) == "/" and path or M.root .. "/" .. path
+end
+
+-- Writes a file, with its folders; the path is relative to the repository or absolute.
 function M.write(path, content)
-  local full = M.root .. "/" .. path
+  local full = M.absolute(path)
   vim.fn.mkdir(vim.fn.fnamemodify(full, ":h"), "p")
   local file = assert(io.open(full, "wb"))
   file:write(content)
   file:close()
 end
 
--- Writes a file of the repository that can be run.
+-- Writes a file that can be run; the path is as of write().
 function M.write_program(path, content)
   M.write(path, content)
-  uv.fs_chmod(M.root .. "/" .. path, 448)
+  uv.fs_chmod(M.absolute(path), 448)
 end
 
 -- Returns the content of a file of the repository.

@@ -39,6 +39,18 @@ function tests.NewBranchIsPushedAfterAQuestion()
   harness.wait_for_message("pushed main: updated")
 end
 
+function tests.LinesOfTheRemoteAreShown()
+  prepare()
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  harness.write_program(harness.remote .. "/hooks/post-receive",
+    "#!/bin/sh\necho 'Create a merge request:'\necho '  https://example.org/new'\n")
+  harness.commit({ file = "2\n" }, "Second")
+  vim.cmd("NEBGit push")
+  harness.wait_for_message("pushed main: updated")
+  harness.contains("\nremote: Create a merge request:\nremote:   https://example.org/new",
+    harness.messages())
+end
+
 function tests.PushIsRefusedThenPulledAndForced()
   prepare()
   harness.git("push", "--quiet", "--set-upstream", "origin", "main")

@@ -31,13 +31,20 @@ local function choose_remote(root, prompt, callback)
   end)
 end
 
--- Returns a sentence for the references that were pushed.
+-- Returns a sentence for the references that were pushed, and below it the lines of the remote.
 local function describe(records)
-  local lines = {}
+  local pushed, lines = {}, {}
   for _, record in ipairs(records) do
-    lines[#lines + 1] = ("%s: %s"):format(record.Name:gsub("^refs/heads/", ""), record.State)
+    if record.Name then
+      local name = record.Name:gsub("^refs/heads/", "")
+      pushed[#pushed + 1] = ("%s: %s"):format(name, record.State)
+    end
+    for _, line in ipairs(record.RemoteLines or {}) do
+      lines[#lines + 1] = "remote: " .. line
+    end
   end
-  return "pushed " .. table.concat(lines, ", ")
+  table.insert(lines, 1, "pushed " .. table.concat(pushed, ", "))
+  return table.concat(lines, "\n")
 end
 
 local perform_push

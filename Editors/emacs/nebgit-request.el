@@ -144,15 +144,23 @@ name, and `nebgit-cancel' ends the request."
            'sourceControl/perform
            (lambda () (append (nebgit--permitted request) tokens))
            (lambda (outcome)
+             (setf (nebgit-task-problem task) (plist-get outcome :error))
              (nebgit--forget task tokens)
              (nebgit--deliver request outcome success failure))
            (lambda (problem)
              (nebgit--forget task tokens)
              (nebgit--after request)
              (funcall failure problem nil))))
-    (when (and title (not (eq (nebgit-task-state task) 'done)))
-      (push task nebgit--tasks))
+    (unless (eq (nebgit-task-state task) 'done)
+      (when title
+        (push task nebgit--tasks))
+      (when (or (nebgit--changes-p request) (eq (nebgit--type request) 'clone))
+        (push task nebgit--changing)))
     task))
+
+(defun nebgit--type (request)
+  "Return the name of the type of REQUEST, see `nebgit-types'."
+  (car (rassq (plist-get request :type) nebgit-types)))
 
 (defun nebgit--permitted (request)
   "Return REQUEST without the members that the server does not support."
@@ -180,7 +188,7 @@ name, and `nebgit-cancel' ends the request."
 
 (defun nebgit--changes-p (request)
   "Return non-nil if REQUEST may change the repository."
-  (let* ((name (car (rassq (plist-get request :type) nebgit-types)))
+  (let* ((name (nebgit--type request))
          (options (plist-get request :options))
          (action (plist-get options (nebgit--option :Action))))
     (and (memq name nebgit--changing-types)

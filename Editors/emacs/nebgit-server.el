@@ -49,8 +49,9 @@ the result, now or later.")
   "Connection to one process of the server.")
 
 (cl-defstruct nebgit-task
-  "A call of the server: STATE is `waiting', `sent' or `done'."
-  (state 'waiting) id method success failure)
+  "A call of the server with METHOD and PARAMS.
+STATE is `waiting', `sent' or `done'.  PROBLEM is the error with which it ended, or nil."
+  (state 'waiting) id method params success failure problem)
 
 (defvar nebgit--connection nil
   "Connection to the server; nil if none runs.")
@@ -59,7 +60,13 @@ the result, now or later.")
   "Result of \"initialize\", a plist; nil until the server is ready.")
 
 (defvar nebgit--waiting nil
-  "Functions that send the calls made before the server was ready, last one first.")
+  "Tasks that are sent when the server is ready, last one first.")
+
+(defvar nebgit--changing nil
+  "Running tasks that change something; Emacs exits when they have ended.")
+
+(defvar nebgit--exit-limit 60
+  "Longest time in seconds that the exit of Emacs waits for `nebgit--changing'.")
 
 (defvar nebgit--unexpected-ends nil
   "Times of the unexpected ends of the server in the last minute.")
@@ -90,44 +97,56 @@ FAILURE the message is shown.  Return a `nebgit-task', which
 
 PARAMS may be a function of no arguments, which is called when the server is
 ready."
-  (let ((task (make-nebgit-task :method method :success success
+  (let ((task (make-nebgit-task :method method :params params :success success
                                 :failure (or failure #'nebgit--show-problem))))
-    (condition-case problem
-        (nebgit--when-ready (lambda () (nebgit--send task params)))
-      (error (nebgit--finish task #'nebgit-task-failure
-                             (list :code -1 :message (error-message-string problem)))))
+    (if (nebgit-server-p)
+        (nebgit--send task)
+      (push task nebgit--waiting)
+      (nebgit--start-for-waiting))
     task))
 
-(defun nebgit--when-ready (send)
-  "Call SEND as soon as the server is ready."
-  (if (nebgit-server-p)
-      (funcall send)
-    (push send nebgit--waiting)
-    (unless (and nebgit--connection (jsonrpc-running-p nebgit--connection))
-      (condition-case problem
-          (nebgit--start)
-        (error (setq nebgit--waiting nil)
-               (signal (car problem) (cdr problem)))))))
+(defun nebgit--start-for-waiting ()
+  "Start the server unless it exists; if it cannot start, fail the waiting tasks."
+  (unless nebgit--connection
+    (condition-case problem
+        (nebgit--start)
+      (error (nebgit--fail (nebgit--take-waiting) (error-message-string problem))))))
 
-(defun nebgit--send (task params)
-  "Send TASK with PARAMS, unless it was cancelled."
+(defun nebgit--take-waiting ()
+  "Return the tasks that wait for the server, first one first, which wait no more."
+  (prog1 (nreverse nebgit--waiting)
+    (setq nebgit--waiting nil)))
+
+(defun nebgit--fail (tasks text)
+  "End TASKS with an error whose message is TEXT."
+  (dolist (task tasks)
+    (nebgit--finish task #'nebgit-task-failure (list :code -1 :message text))))
+
+(defun nebgit--send (task)
+  "Send TASK, unless it was cancelled."
   (when (eq (nebgit-task-state task) 'waiting)
-    (let (nebgit--sent-id)
-      (setf (nebgit-task-state task) 'sent)
-      (jsonrpc-async-request
-       nebgit--connection (nebgit-task-method task)
-       (if (functionp params) (funcall params) params)
-       :timeout nil
-       :success-fn (lambda (result) (nebgit--finish task #'nebgit-task-success result))
-       :error-fn (lambda (problem) (nebgit--finish task #'nebgit-task-failure problem)))
-      (setf (nebgit-task-id task) nebgit--sent-id))))
+    (condition-case problem
+        (let ((params (nebgit-task-params task))
+              nebgit--sent-id)
+          (setf (nebgit-task-state task) 'sent)
+          (jsonrpc-async-request
+           nebgit--connection (nebgit-task-method task)
+           (if (functionp params) (funcall params) params)
+           :timeout nil
+           :success-fn (lambda (result) (nebgit--finish task #'nebgit-task-success result))
+           :error-fn (lambda (problem) (nebgit--finish task #'nebgit-task-failure problem)))
+          (setf (nebgit-task-id task) nebgit--sent-id))
+      (error (nebgit--fail (list task) (error-message-string problem))))))
 
 (defun nebgit--finish (task which value)
   "End TASK, and pass VALUE to the function in the slot WHICH, an accessor.
 An error in the function is shown, so that it does not keep other messages from
 being read."
   (unless (eq (nebgit-task-state task) 'done)
-    (setf (nebgit-task-state task) 'done)
+    (setf (nebgit-task-state task) 'done
+          nebgit--changing (delq task nebgit--changing))
+    (when (eq which #'nebgit-task-failure)
+      (setf (nebgit-task-problem task) value))
     (nebgit--guarded (funcall which task) value)))
 
 (defun nebgit--guarded (function &rest arguments)
@@ -164,13 +183,24 @@ Its failure function is called, with code -32800, when its processes ended."
     (setq nebgit--server nil
           nebgit--stopping nil
           nebgit--connection (nebgit--connect program))
-    (jsonrpc-async-request
-     nebgit--connection 'initialize
-     (list :clientInfo (list :name "Emacs" :version emacs-version)
-           :capabilities (or nebgit-client-capabilities (make-hash-table)))
-     :timeout nil
-     :success-fn (nebgit--ready-function nebgit--connection)
-     :error-fn #'nebgit--show-problem)))
+    (condition-case problem
+        (nebgit--introduce nebgit--connection)
+      ;; If the process has ended already, `nebgit--ended' is called next.
+      (error (when (jsonrpc-running-p nebgit--connection)
+               (signal (car problem) (cdr problem)))))))
+
+(defun nebgit--introduce (connection)
+  "Send the first request to CONNECTION; end it if the server refuses."
+  (jsonrpc-async-request
+   connection 'initialize
+   (list :clientInfo (list :name "Emacs" :version emacs-version)
+         :capabilities (or nebgit-client-capabilities (make-hash-table)))
+   :timeout nil
+   :success-fn (nebgit--ready-function connection)
+   :error-fn (lambda (problem)
+               (nebgit--show-problem problem)
+               (when (jsonrpc-running-p connection)
+                 (kill-process (jsonrpc--process connection))))))
 
 (defun nebgit--connect (program)
   "Run PROGRAM as a server and return the connection to it."
@@ -195,27 +225,27 @@ Its failure function is called, with code -32800, when its processes ended."
   (lambda (result)
     (when (eq connection nebgit--connection)
       (setq nebgit--server result)
-      (let ((waiting (nreverse nebgit--waiting)))
-        (setq nebgit--waiting nil)
+      (let ((waiting (nebgit--take-waiting)))
         (run-hook-wrapped 'nebgit-server-started-hook
                           (lambda (function) (nebgit--guarded function) nil))
-        (dolist (send waiting)
-          (nebgit--guarded send))))))
+        (mapc #'nebgit--send waiting)))))
 
 (defun nebgit--ended (connection)
   "Note that the process of CONNECTION ended; restart it if that was unexpected."
   (when (eq connection nebgit--connection)
     (let ((status (process-exit-status (jsonrpc--process connection)))
-          (restart (and (not nebgit--stopping) (nebgit--may-restart-p))))
+          (restart (if nebgit--stopping nebgit--waiting (nebgit--may-restart-p))))
       (setq nebgit--connection nil
             nebgit--server nil)
       (run-hooks 'nebgit-server-ended-hook)
       (unless nebgit--stopping
         (message "NEBGit: the server ended with status %s; %s" status
                  (if restart "restarted" "the next command starts it again")))
+      ;; From a timer: Emacs may miss the end of a process that was started in this function.
       (if restart
-          (nebgit--guarded #'nebgit--start)
-        (setq nebgit--waiting nil)))))
+          (run-at-time 0 nil #'nebgit--start-for-waiting)
+        (run-at-time 0 nil #'nebgit--fail (nebgit--take-waiting)
+                     (format "the server ended with status %s" status))))))
 
 (defun nebgit--may-restart-p ()
   "Count an end; return non-nil unless the last minute had too many of them."
@@ -234,8 +264,35 @@ The next command brings it up again."
                            :success-fn #'ignore :error-fn #'ignore)
     (jsonrpc-notify nebgit--connection 'exit nil)))
 
+;;; Exit of Emacs
+
+(defun nebgit--await-changes ()
+  "Wait for the end of `nebgit--changing', at most `nebgit--exit-limit' seconds."
+  (let ((limit (+ (float-time) nebgit--exit-limit)))
+    (when nebgit--changing
+      (message "NEBGit: waiting for the end of a request"))
+    (while (and nebgit--changing (< (float-time) limit))
+      (accept-process-output nil 0.05))))
+
+(defun nebgit--finish-before-exit ()
+  "Wait for the tasks that change something; return whether Emacs may exit.
+It may not if one of them failed: the message of a commit would be lost."
+  (let ((tasks nebgit--changing))
+    (nebgit--await-changes)
+    (cond
+     ((not nebgit--changing)
+      (cl-every (lambda (task)
+                  (or (not (nebgit-task-problem task))
+                      (nebgit-cancelled-p (nebgit-task-problem task))))
+                tasks))
+     ((yes-or-no-p "A request of NEBGit is still running.  Cancel it and exit? ")
+      (mapc #'nebgit-cancel-task nebgit--changing)
+      t))))
+
 (defun nebgit--stop-at-exit ()
-  "End the server before Emacs exits; wait for at most a second."
+  "End the server before Emacs exits, after `nebgit--changing'.
+Wait for at most a second for the end of the server."
+  (with-local-quit (nebgit--await-changes))
   (let ((connection nebgit--connection)
         (inhibit-message t)
         (limit (+ (float-time) 1)))
@@ -244,6 +301,7 @@ The next command brings it up again."
       (while (and connection (jsonrpc-running-p connection) (< (float-time) limit))
         (accept-process-output (jsonrpc--process connection) 0.05)))))
 
+(add-hook 'kill-emacs-query-functions #'nebgit--finish-before-exit)
 (add-hook 'kill-emacs-hook #'nebgit--stop-at-exit)
 
 ;;; Messages of the server

@@ -3,6 +3,7 @@
 ;;; Code:
 
 (require 'test-support)
+(require 'nebgit)
 
 (ert-deftest server-performs-requests-without-waiting ()
   (test-with-repository
@@ -76,13 +77,14 @@
 (ert-deftest server-restarts-after-a-crash ()
   (test-with-repository
     (should (test-outcome (nebgit-request 'history folder)))
-    (let ((old nebgit--connection) problem)
+    (let ((old nebgit--connection) ended)
       (setq nebgit--unexpected-ends nil)
       (nebgit-open (nebgit-request 'history folder) 1 #'ignore)
       (signal-process (jsonrpc--process old) 'SIGKILL)
       (nebgit-perform (nebgit-request 'history folder)
-                      :failure (lambda (error-object _) (setq problem error-object)))
-      (test-wait problem)
+                      :success (lambda (&rest _) (setq ended t))
+                      :failure (lambda (&rest _) (setq ended t)))
+      (test-wait ended)
       (test-wait (and (nebgit-server-p) (not (eq nebgit--connection old))))
       (should (string-match-p "server ended with status 9; restarted" (test-messages)))
       (should (eql (length (test-outcome (nebgit-request 'history folder))) 2)))))
@@ -113,6 +115,85 @@
                  (lambda (error-object) (setq problem (plist-get error-object :message))))
     (should (string-match-p "Cannot find the program no-such-program" problem))
     (should-not nebgit--waiting)))
+
+(defun test-without-server (program)
+  "End the server, and let PROGRAM be the next one."
+  (nebgit-stop)
+  (test-wait (not nebgit--connection))
+  (setq nebgit--unexpected-ends nil
+        nebgit-program program))
+
+(ert-deftest server-that-cannot-start-fails-what-waits-for-it ()
+  (test-with-repository
+    (test-write-program ".git/broken" "#!/bin/sh" "exit 3")
+    (unwind-protect
+        (save-window-excursion
+          (test-without-server (expand-file-name ".git/broken"))
+          (should (string-match-p "ended with status 3"
+                                  (test-outcome (nebgit-request 'history folder))))
+          (should (eql (hash-table-count nebgit--progress-functions) 0))
+          (nebgit-status)
+          (test-wait (not nebgit-status--refreshing))
+          (should-not (gethash folder nebgit-watch--roots))
+          (test-without-server (getenv "NEBSC"))
+          (nebgit-status-refresh)
+          (test-wait (string-match-p "Branch:   main" (buffer-string))))
+      (test-without-server (getenv "NEBSC")))))
+
+(ert-deftest server-that-refuses-to-begin-is-not-waited-for ()
+  (test-with-repository
+    (test-write-program ".git/refusing" "#!/bin/sh"
+                        "printf 'Content-Length: 70\\r\\n\\r\\n'"
+                        (concat "printf '{\"jsonrpc\":\"2.0\",\"id\":1,\"error\":{\"code\":-32603,"
+                                "\"message\":\"no memory\"}}'")
+                        "cat >/dev/null")
+    (unwind-protect
+        (progn
+          (test-without-server (expand-file-name ".git/refusing"))
+          (should (stringp (test-outcome (nebgit-request 'history folder))))
+          (should (string-match-p "NEBGit: no memory" (test-messages))))
+      (test-without-server (getenv "NEBSC")))))
+
+;;; Exit of Emacs
+
+(defmacro test-with-commit (status &rest body)
+  "Run BODY while a commit of a.txt, in `task', waits for the file .git/go.
+The hook of git exits with STATUS."
+  (declare (indent 1))
+  `(test-with-repository
+     (test-write-program ".git/hooks/pre-commit" "#!/bin/sh"
+                         "until [ -e .git/go ]; do sleep 0.05; done" (format "exit %d" ,status))
+     (test-write "a.txt" "changed")
+     (let ((task (nebgit-perform (nebgit-request 'commit folder :All t :Message "At the end"))))
+       (test-wait (nebgit-task-id task))
+       (run-at-time 0.1 nil #'test-write (expand-file-name ".git/go"))
+       ,@body)))
+
+(ert-deftest server-finishes-commits-before-emacs-exits ()
+  (test-with-commit 0
+    (should (run-hook-with-args-until-failure 'kill-emacs-query-functions))
+    (should-not nebgit--changing)
+    (should (equal (test-git "log" "-1" "--format=%s") "At the end"))
+    (should (run-hook-with-args-until-failure 'kill-emacs-query-functions))))
+
+(ert-deftest server-finishes-commits-before-emacs-is-killed ()
+  (test-with-commit 0
+    (nebgit--stop-at-exit)
+    (test-wait (not nebgit--connection))
+    (should (equal (test-git "log" "-1" "--format=%s") "At the end"))))
+
+(ert-deftest server-keeps-emacs-after-a-commit-that-failed ()
+  (test-with-commit 1
+    (should-not (run-hook-with-args-until-failure 'kill-emacs-query-functions))
+    (should (equal (nebgit-error-class (nebgit-task-problem task)) "local-hook-refused"))
+    (should (run-hook-with-args-until-failure 'kill-emacs-query-functions))))
+
+(ert-deftest server-asks-before-a-commit-is-cancelled-at-exit ()
+  (test-with-commit 0
+    (let ((nebgit--exit-limit 0) (answers '(t nil)))
+      (cl-letf (((symbol-function 'yes-or-no-p) (lambda (_) (pop answers))))
+        (should (run-hook-with-args-until-failure 'kill-emacs-query-functions))
+        (test-wait (nebgit-cancelled-p (nebgit-task-problem task)))))))
 
 (ert-deftest server-gets-names-that-are-not-utf-8 ()
   (test-with-repository

@@ -64,9 +64,12 @@ function M.write_program(path, content)
   uv.fs_chmod(M.absolute(path), 448)
 end
 
--- Returns the content of a file of the repository.
+-- Returns the content of a file of the repository; nil while it does not exist.
 function M.read(path)
-  local file = assert(io.open(M.root .. "/" .. path, "rb"))
+  local file = io.open(M.root .. "/" .. path, "rb")
+  if not file then
+    return nil
+  end
   local content = file:read("*a")
   file:close()
   return content

@@ -143,6 +143,74 @@ function tests.HunkIsDiscarded()
   end)
 end
 
+-- Opens the status with the changes of files a, with two hunks, and b, with one; the file c is gone.
+local function open_hunks()
+  local numbers = "1\n2\n3\n4\n5\n6\n7\n8\n9\n"
+  harness.commit({ a = numbers, b = numbers, c = numbers })
+  harness.write("a", "one\n2\n3\n4\n5\n6\n7\n8\nnine\n")
+  harness.write("b", "1\n2\n3\n4\nfive\n6\n7\n8\n9\n")
+  os.remove(harness.root .. "/c")
+  open_status()
+  for _, line in ipairs({ "modified         b", "modified         a" }) do
+    go_and_press(line, "=")
+  end
+  harness.go_to("+nine")
+  harness.go_to("+five")
+end
+
+function tests.SelectedHunksOfFilesAreStagedAndUnstaged()
+  open_hunks()
+  go_and_press("+nine", "VGs")
+  harness.go_to("Staged (3)")
+  harness.equal("1\n2\n3\n4\n5\n6\n7\n8\nnine", harness.git("cat-file", "blob", ":a"))
+  harness.equal("1\n2\n3\n4\nfive\n6\n7\n8\n9", harness.git("cat-file", "blob", ":b"))
+  harness.equal("D\tc", harness.git("diff", "--cached", "--name-status", "--", "c"))
+  go_and_press("+one", "s")
+  harness.go_to("Staged (3)")
+  harness.wait(function()
+    return not vim.tbl_contains(harness.lines(), "    +one")
+  end)
+  go_and_press("modified         a", "=")
+  go_and_press("+one", "V")
+  harness.go_to("+nine")
+  harness.press("u")
+  harness.wait(function()
+    return harness.git("diff", "--cached", "--name-only") == "b\nc"
+  end)
+end
+
+function tests.SelectedHunksAreDiscardedAfterOneQuestion()
+  open_hunks()
+  harness.answers = { "Discard" }
+  go_and_press("+one", "VGx")
+  wait_for_lines(clean)
+  harness.equal(1, #harness.questions)
+  harness.contains("lose 2 hunks of a\n  lose changes of b\n  lose changes of c", harness.questions[1])
+end
+
+-- The position counts where lines repeat, and it depends on the other hunks that are chosen.
+function tests.HunkAmongEqualLinesIsStagedAndUnstagedAtItsPosition()
+  local lines, without, with = ("x\n"):rep(30), ("x\n"):rep(20) .. "new\n", nil
+  without = without .. ("x\n"):rep(10)
+  with = ("y\n"):rep(8) .. without
+  harness.commit({ file = lines })
+  harness.write("file", with)
+  open_status()
+  go_and_press("modified", "=")
+  go_and_press("+new", "s")
+  harness.go_to("Staged (1)")
+  harness.equal(vim.trim(without), harness.git("cat-file", "blob", ":file"))
+  harness.git("add", "file")
+  harness.press("R")
+  harness.wait(function()
+    return not vim.tbl_contains(harness.lines(), "Unstaged (1)")
+  end)
+  go_and_press("modified", "=")
+  go_and_press("+y", "u")
+  harness.go_to("Unstaged (1)")
+  harness.equal(vim.trim(without), harness.git("cat-file", "blob", ":file"))
+end
+
 function tests.StagedChangesAreNotDiscarded()
   harness.commit({ file = "1\n" })
   harness.write("file", "2\n")

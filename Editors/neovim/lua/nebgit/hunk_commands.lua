@@ -183,7 +183,8 @@ function M.unstage_hunk(state, file, hunk)
   if file.State == "added" then
     change_index("unstage", state, { files = { file.Path } })
   else
-    change_index("unstage", state, { options = { Patch = patch.of_record(file.Path, hunk) } })
+    local text_of_patch = patch.of_record(file.Path, { hunk }, true)
+    change_index("unstage", state, { options = { Patch = text_of_patch } })
   end
 end
 

@@ -38,11 +38,32 @@ function M.replacing(path, content, replacements, has_line_end)
   return patch(path, { hunks })
 end
 
--- Returns a patch with one hunk of a record of the request "changes".
-function M.of_record(path, hunk)
-  local heading = ("@@ -%d,%d +%d,%d @@"):format(
-    hunk.OldStart, hunk.OldCount, hunk.NewStart, hunk.NewCount)
-  return patch(path, vim.list_extend({ heading }, hunk.Lines))
+-- Returns the first line of a hunk in a patch whose hunks before it add offset lines. The patch is
+-- applied to the old text or, if is_reverse, to the new one, where the start of the hunk is known.
+-- The start of an empty range is the line before it.
+local function heading(hunk, offset, is_reverse)
+  local old_before = hunk.OldStart - (hunk.OldCount == 0 and 0 or 1)
+  local new_before = old_before + offset
+  if is_reverse then
+    new_before = hunk.NewStart - (hunk.NewCount == 0 and 0 or 1)
+    old_before = new_before - offset
+  end
+  return ("@@ -%d,%d +%d,%d @@"):format(
+    old_before + (hunk.OldCount == 0 and 0 or 1), hunk.OldCount,
+    new_before + (hunk.NewCount == 0 and 0 or 1), hunk.NewCount)
+end
+
+-- Returns a patch with some hunks, in their order, of a record of the request "changes", as if the
+-- others did not exist: git searches a hunk where its heading says. is_reverse: whether the patch
+-- is taken back.
+function M.of_record(path, hunks, is_reverse)
+  local lines, offset = {}, 0
+  for _, hunk in ipairs(hunks) do
+    lines[#lines + 1] = heading(hunk, offset, is_reverse)
+    vim.list_extend(lines, hunk.Lines)
+    offset = offset + hunk.NewCount - hunk.OldCount
+  end
+  return patch(path, lines)
 end
 
 return M

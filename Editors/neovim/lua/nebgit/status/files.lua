@@ -45,18 +45,46 @@ local function entries_in(state, items, sections)
   return entries
 end
 
--- Carries out the request for the one hunk, or all the entries, of the items.
-local function change(name, state, items, sections)
-  local first = items[1]
-  if first and is_partial(first) and vim.tbl_contains(sections, first.section) then
-    local options = { Patch = patch.of_record(first.entry.path, first.hunk) }
-    return actions.perform(name, state.root, { options = options })
+-- Returns what the items in the named sections stand for: `entries`, and `hunks` of the file at
+-- `path`. Only the first file can be selected in part: the lines of the others include its entry.
+local function selection_of(state, items, sections)
+  local selection = { hunks = {} }
+  selection.entries = entries_in(state, vim.tbl_filter(function(item)
+    return not is_partial(item)
+  end, items), sections)
+  for _, item in ipairs(items) do
+    local is_whole = vim.tbl_contains(selection.entries, item.entry)
+    if is_partial(item) and vim.tbl_contains(sections, item.section) and not is_whole then
+      selection.path = item.entry.path
+      table.insert(selection.hunks, item.hunk)
+    end
   end
-  local entries = entries_in(state, items, sections)
-  if #entries == 0 then
+  return selection
+end
+
+-- Carries out the request for the hunks, then for the entries, of the selection.
+local function perform(name, state, selection, options)
+  local function perform_for_entries()
+    if #selection.entries > 0 then
+      local details = { files = paths_of(selection.entries), options = options }
+      actions.perform(name, state.root, details)
+    end
+  end
+  if #selection.hunks == 0 then
+    return perform_for_entries()
+  end
+  local text = patch.of_record(selection.path, selection.hunks, name ~= "stage")
+  local details = { options = vim.tbl_extend("error", options, { Patch = text }) }
+  actions.perform(name, state.root, details, perform_for_entries)
+end
+
+-- Stages or unstages the hunks and entries of the items.
+local function change(name, state, items, sections)
+  local selection = selection_of(state, items, sections)
+  if #selection.entries + #selection.hunks == 0 then
     return messages.info(("nothing to %s here"):format(name))
   end
-  actions.perform(name, state.root, { files = paths_of(entries) })
+  perform(name, state, selection, {})
 end
 
 -- Stages the items: a list of items of the window.
@@ -69,46 +97,43 @@ function M.unstage(state, items)
   change("unstage", state, items, { "staged" })
 end
 
--- Returns a question that names what would be lost.
-local function question_for(records)
-  local lines = {}
-  for index = 1, math.min(#records, most_named) do
-    local verb = records[index].State == "untracked" and "delete" or "lose changes of"
-    lines[index] = ("  %s %s"):format(verb, names.shown(records[index].Path))
+-- Returns a question that names what would be lost: the hunks of the selection, and the records of
+-- a dry run.
+local function question_for(selection, records)
+  local lines, count = {}, #selection.hunks
+  if count > 0 then
+    local hunks = count == 1 and "1 hunk" or count .. " hunks"
+    lines[1] = ("  lose %s of %s"):format(hunks, names.shown(selection.path))
   end
-  if #records > most_named then
-    lines[#lines + 1] = ("  and %d more files"):format(#records - most_named)
+  for _, record in ipairs(records) do
+    local verb = record.State == "untracked" and "delete" or "lose changes of"
+    lines[#lines + 1] = ("  %s %s"):format(verb, names.shown(record.Path))
+  end
+  if #lines > most_named then
+    local more = ("  and %d more files"):format(#lines - most_named)
+    lines = vim.list_extend(vim.list_slice(lines, 1, most_named), { more })
   end
   return "Discard? This cannot be undone:\n" .. table.concat(lines, "\n")
-end
-
-local function discard_hunk(state, item)
-  local options = { Patch = patch.of_record(item.entry.path, item.hunk), Force = true }
-  local question = "Discard this hunk of %s? This cannot be undone."
-  actions.confirm(question:format(names.shown(item.entry.path)), "Discard", function()
-    actions.perform("discard", state.root, { options = options })
-  end)
 end
 
 -- Discards unstaged changes and untracked files of the items, after a question that says what is
 -- lost.
 function M.discard(state, items)
-  local first = items[1]
-  if first and is_partial(first) and first.section == "unstaged" then
-    return discard_hunk(state, first)
-  end
-  local entries = entries_in(state, items, { "untracked", "unstaged" })
-  if #entries == 0 then
-    return messages.info("nothing to discard here; staged changes must be unstaged first")
-  end
-  local files = paths_of(entries)
-  local options = { DryRun = true, IncludeUntracked = true }
-  actions.perform("discard", state.root, { files = files, options = options }, function(records)
-    actions.confirm(question_for(records), "Discard", function()
-      local force = { Force = true, IncludeUntracked = true }
-      actions.perform("discard", state.root, { files = files, options = force })
+  local selection = selection_of(state, items, { "untracked", "unstaged" })
+  local function ask(records)
+    actions.confirm(question_for(selection, records), "Discard", function()
+      perform("discard", state, selection, { Force = true, IncludeUntracked = true })
     end)
-  end)
+  end
+  if #selection.entries > 0 then
+    local options = { DryRun = true, IncludeUntracked = true }
+    local details = { files = paths_of(selection.entries), options = options }
+    actions.perform("discard", state.root, details, ask)
+  elseif #selection.hunks > 0 then
+    ask({})
+  else
+    messages.info("nothing to discard here; staged changes must be unstaged first")
+  end
 end
 
 return M

@@ -48,10 +48,10 @@ DONE, if given, gets the records and the outcome instead."
      (t (user-error "Not possible for %s"
                     (downcase (or (alist-get section nebgit-status-sections) "this line")))))))
 
-(defun nebgit--patch (item)
-  "Return the patch of the hunk of ITEM, or nil."
+(defun nebgit--patch (item &optional reverse)
+  "Return the patch of the hunk of ITEM, or nil; with REVERSE to take it back."
   (when-let ((hunk (plist-get item :hunk)))
-    (nebgit-diff-patch (plist-get item :file) hunk)))
+    (nebgit-diff-patch (plist-get item :file) hunk reverse)))
 
 ;;; Stage, unstage, discard
 
@@ -81,7 +81,7 @@ DONE, if given, gets the records and the outcome instead."
   "Unstage the entries or the hunk at point, or the entries in the region."
   (interactive)
   (let* ((items (nebgit-status-items))
-         (patch (nebgit--patch (car items))))
+         (patch (nebgit--patch (car items) t)))
     (nebgit--section items 'staged)
     (nebgit-act 'unstage
                 (if patch (list :Patch patch)
@@ -112,7 +112,7 @@ Say what is lost, and ask first."
      (hunk (when (yes-or-no-p (format "Discard this hunk of %s (%d lines)? "
                                       (plist-get (car items) :path)
                                       (length (nebgit-diff-lines hunk))))
-             (nebgit-act 'discard (list :Patch (nebgit--patch (car items)) :Force t))))
+             (nebgit-act 'discard (list :Patch (nebgit--patch (car items) t) :Force t))))
      (t (nebgit--discard-files (nebgit-need-root) (nebgit--all-paths items)
                                (eq section 'untracked))))))
 

@@ -70,9 +70,23 @@ They have the form that git-apply(1) reads."
   "Return NAME as the end of a line with ---; a tab ends a name with spaces."
   (concat name (and (string-match-p " " name) (not (string-prefix-p "\"" name)) "\t") "\n"))
 
-(defun nebgit-diff-patch (file hunk)
+(defun nebgit-diff--alone (hunk reverse)
+  "Return HUNK with the line numbers that it has without the hunks before it.
+REVERSE means that its patch is taken back.  The start of an empty range is the
+line before it."
+  (let* ((old-empty (if (eql (nebgit-field hunk OldCount) 0) 1 0))
+         (new-empty (if (eql (nebgit-field hunk NewCount) 0) 1 0))
+         (old-start (+ (nebgit-field hunk NewStart) (- new-empty old-empty)))
+         (new-start (+ (nebgit-field hunk OldStart) (- old-empty new-empty))))
+    (append (if reverse
+                (list :NEBSourceControlOperationOldStartKey old-start)
+              (list :NEBSourceControlOperationNewStartKey new-start))
+            hunk)))
+
+(defun nebgit-diff-patch (file hunk reverse)
   "Return a patch of one HUNK of FILE, a record of type 1004.
-It changes neither the mode nor the name of the file."
+It changes neither the mode nor the name of the file.  REVERSE means that it is
+taken back: git searches a hunk at the line that its heading names."
   (let ((state (nebgit-field file State)))
     (concat (nebgit-diff-file-header
              (append (unless (member state '("added" "deleted"))
@@ -81,7 +95,7 @@ It changes neither the mode nor the name of the file."
                          :NEBSourceControlOperationOriginalPathKey nil
                          :NEBSourceControlOperationOriginalPathBytesKey nil))
                      file))
-            (nebgit-diff-hunk-header hunk) "\n"
+            (nebgit-diff-hunk-header (nebgit-diff--alone hunk reverse)) "\n"
             (mapconcat (lambda (line) (concat line "\n")) (nebgit-diff-lines hunk) ""))))
 
 (defun nebgit-diff-insert (files)

@@ -92,6 +92,27 @@
       (test-until (not "Staged") (nebgit-unstage))
       (should (equal (test-git "diff" "--cached" "--name-only") "")))))
 
+;; The position counts where lines repeat.
+(ert-deftest status-stages-hunks-among-equal-lines-at-their-position ()
+  (test-with-repository
+    (let* ((lines (append (make-list 20 "x") '("new") (make-list 10 "x")))
+           (text (string-join lines "\n")))
+      (apply #'test-commit-file "long.txt" "Long" (make-list 30 "x"))
+      (apply #'test-write "long.txt" (append (make-list 8 "y") lines))
+      (test-with-status
+        (test-go "modified   long.txt")
+        (test-until "^\\+new" (nebgit-status-toggle-diff))
+        (test-go "+new")
+        (test-until "Staged changes (1)" (nebgit-stage))
+        (should (equal (test-git "cat-file" "blob" ":long.txt") text))
+        (test-git "add" "long.txt")
+        (test-until (not "Unstaged") (nebgit-status-refresh))
+        (test-go "modified   long.txt")
+        (test-until "^\\+y" (nebgit-status-toggle-diff))
+        (test-go "+y")
+        (test-until "Unstaged changes (1)" (nebgit-unstage))
+        (should (equal (test-git "cat-file" "blob" ":long.txt") text))))))
+
 (ert-deftest status-stages-unstages-and-discards-hunks ()
   (test-with-repository
     (apply #'test-commit-file "long.txt" "Long" (mapcar #'number-to-string (number-sequence 1 40)))

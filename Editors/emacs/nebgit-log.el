@@ -35,6 +35,12 @@
 (defvar-local nebgit-log--reading nil
   "Task that reads a page.")
 
+(defvar-local nebgit-log--ends nil
+  "Pair of the ids of the first and the last commit that the log shows, or nil.")
+
+(defvar-local nebgit-log--skip nil
+  "Id up to which commits are left out that are read again, or nil.")
+
 (defvar-local nebgit-log--lanes nil
   "Lanes of the graph below the last commit.")
 
@@ -102,34 +108,73 @@ MEMBERS are those of the request."
   "Read the log again from its start."
   (interactive)
   (nebgit-log--close)
-  (setq nebgit-log--lanes nil)
-  (let ((buffer (current-buffer)) task)
-    (setq task (nebgit-open (apply #'nebgit-request 'history default-directory nebgit-log--request)
-                            nebgit-log-page
-                            (lambda (records cursor _)
-                              (nebgit-log--add buffer task records cursor t))
-                            (nebgit-log--failure buffer))
-          nebgit-log--reading task)))
+  (setq nebgit-log--lanes nil
+        nebgit-log--ends nil
+        nebgit-log--skip nil)
+  (nebgit-log--open nil t))
 
-(defun nebgit-log--failure (buffer)
-  "Return the function for an error of a page of BUFFER."
-  (lambda (problem outcome)
-    (when (buffer-live-p buffer)
-      (with-current-buffer buffer
-        (setq nebgit-log--reading nil
-              nebgit-log--cursor nil)))
-    (nebgit-show-error problem outcome)))
+(defun nebgit-log--open (from first)
+  "Begin to read the log, from the commit FROM if it is not nil.
+FIRST means that its first page replaces the text."
+  (let ((request (apply #'nebgit-request 'history default-directory
+                        (append (and from (list :from from)) nebgit-log--request))))
+    (nebgit-log--read (apply-partially #'nebgit-open request nebgit-log-page) first
+                      #'nebgit-log--show-failure)))
 
 (defun nebgit-log-more ()
   "Read the next page of the log."
   (interactive)
   (when (and nebgit-log--cursor (not nebgit-log--reading))
-    (let ((buffer (current-buffer)) task)
-      (setq task (nebgit-next nebgit-log--cursor nebgit-log-page
-                              (lambda (records cursor _)
-                                (nebgit-log--add buffer task records cursor nil))
-                              (nebgit-log--failure buffer))
-            nebgit-log--reading task))))
+    (nebgit-log--read (apply-partially #'nebgit-next nebgit-log--cursor nebgit-log-page) nil
+                      #'nebgit-log--go-on)))
+
+(defun nebgit-log--read (call first failed)
+  "Read a page with CALL, a function of what to do after success and failure.
+FIRST is as of `nebgit-log--open'.  FAILED gets an error and its outcome."
+  (let ((buffer (current-buffer)) task)
+    (setq task (funcall call
+                        (lambda (records cursor outcome)
+                          (nebgit-log--add buffer task records cursor first)
+                          (unless (or cursor (plist-get outcome :error))
+                            (nebgit-log--end buffer)))
+                        (lambda (problem outcome)
+                          (when (buffer-live-p buffer)
+                            (with-current-buffer buffer
+                              (setq nebgit-log--reading nil
+                                    nebgit-log--cursor nil)
+                              (funcall failed problem outcome)))))
+          nebgit-log--reading task)))
+
+(defun nebgit-log--show-failure (problem outcome)
+  "Show PROBLEM with its OUTCOME.
+If the commits that were to be left out are gone, read the log from its start."
+  (if nebgit-log--skip
+      (nebgit-log-refresh)
+    (nebgit-show-error problem outcome)))
+
+(defun nebgit-log--go-on (problem outcome)
+  "Read the rest of the log again if PROBLEM is that its cursor was closed.
+Otherwise show it with its OUTCOME."
+  (if (not (and (nebgit-cursor-closed-p problem) nebgit-log--ends))
+      (nebgit-log--show-failure problem outcome)
+    (setq nebgit-log--skip (cdr nebgit-log--ends))
+    (nebgit-log--open (unless (plist-get nebgit-log--request :AllReferences)
+                        (car nebgit-log--ends))
+                      nil)))
+
+(defun nebgit-log--without-skipped (records)
+  "Return RECORDS without those up to `nebgit-log--skip'."
+  (let* ((id (lambda (commit) (nebgit-field commit ObjectID)))
+         (skipped (and nebgit-log--skip
+                       (cl-position nebgit-log--skip records :test #'equal :key id)))
+         (rest (cond (skipped (nthcdr (1+ skipped) records))
+                     ((not nebgit-log--skip) records))))
+    (when skipped
+      (setq nebgit-log--skip nil))
+    (when rest
+      (setq nebgit-log--ends (cons (or (car nebgit-log--ends) (funcall id (car rest)))
+                                   (funcall id (car (last rest))))))
+    rest))
 
 (defun nebgit-log--add (buffer task records cursor first)
   "Show RECORDS, the page that TASK read, in BUFFER.
@@ -141,13 +186,27 @@ of an older log is dropped."
     (with-current-buffer buffer
       (setq nebgit-log--reading nil
             nebgit-log--cursor cursor)
-      (let ((inhibit-read-only t))
-        (when first (erase-buffer))
-        (save-excursion
-          (goto-char (point-max))
-          (mapc #'nebgit-log--insert records)
-          (unless (or cursor (> (point-max) 1))
-            (insert "No commits\n")))))))
+      (let ((rest (nebgit-log--without-skipped records)))
+        (nebgit-log--show rest first)
+        (when (and cursor records (not rest))
+          (nebgit-log-more))))))
+
+(defun nebgit-log--end (buffer)
+  "Read the log of BUFFER from its start if the commits to leave out are gone."
+  (when (buffer-live-p buffer)
+    (with-current-buffer buffer
+      (when (and nebgit-log--skip (not nebgit-log--reading))
+        (nebgit-log-refresh)))))
+
+(defun nebgit-log--show (commits first)
+  "Append COMMITS; FIRST means that they replace the text."
+  (let ((inhibit-read-only t))
+    (when first (erase-buffer))
+    (save-excursion
+      (goto-char (point-max))
+      (mapc #'nebgit-log--insert commits)
+      (unless (or nebgit-log--cursor (> (point-max) 1))
+        (insert "No commits\n")))))
 
 (defun nebgit-log--close ()
   "Close the cursor and give up the page that is being read."

@@ -273,25 +273,39 @@ and the outcome, which is nil before it.  FAILURE is as of `nebgit-perform'."
 
 (defun nebgit-next (cursor size success &optional failure)
   "Read the next page of CURSOR.
-SIZE, SUCCESS and FAILURE are as of `nebgit-open'."
-  (nebgit--page 'sourceControl/next (list :cursor cursor :pageSize size) success failure))
+SIZE, SUCCESS and FAILURE are as of `nebgit-open'.  The server forgets a cursor
+that is idle for long, see `nebgit-cursor-closed-p'."
+  (nebgit--page 'sourceControl/next
+                (lambda ()
+                  (list :cursor (if (nebgit--cursor-p cursor) (cdr cursor) "") :pageSize size))
+                success failure))
+
+(defun nebgit--cursor-p (cursor)
+  "Return non-nil if CURSOR is one of the running server.
+It is a pair of a connection and a name; other servers use the same names."
+  (eq (car cursor) nebgit--connection))
+
+(defun nebgit-cursor-closed-p (problem)
+  "Return non-nil if PROBLEM of `nebgit-next' is that the server forgot the cursor."
+  (eql (plist-get problem :code) -32602))
 
 (defun nebgit--page (method params success failure)
   "Call METHOD with PARAMS, and pass its page to SUCCESS, or its error to FAILURE."
   (let ((failure (or failure #'nebgit-show-error)))
     (nebgit-call method params
                  (lambda (page)
-                   (let* ((outcome (plist-get page :outcome))
+                   (let* ((name (plist-get page :cursor))
+                          (outcome (plist-get page :outcome))
                           (problem (plist-get outcome :error)))
                      (funcall success (nebgit-list (plist-get page :records))
-                              (plist-get page :cursor) outcome)
+                              (and name (cons nebgit--connection name)) outcome)
                      (when problem (funcall failure problem outcome))))
                  (lambda (problem) (funcall failure problem nil)))))
 
 (defun nebgit-close (cursor)
   "Close CURSOR, so that its git ends."
-  (when (nebgit-server-p)
-    (nebgit-call 'sourceControl/close (list :cursor cursor) #'ignore #'ignore)))
+  (when (and (nebgit-server-p) (nebgit--cursor-p cursor))
+    (nebgit-call 'sourceControl/close (list :cursor (cdr cursor)) #'ignore #'ignore)))
 
 ;;; Waiting, for callers that must return a result
 

@@ -103,10 +103,57 @@
         (test-wait nebgit-log--cursor)
         (setq cursor nebgit-log--cursor)
         (kill-buffer)
-        (nebgit-call 'sourceControl/next (list :cursor cursor) #'ignore
-                     (lambda (error-object) (setq problem error-object)))
+        (nebgit-next cursor 10 #'ignore (lambda (error-object _) (setq problem error-object)))
         (test-wait problem)
-        (should (eql (plist-get problem :code) -32602))))))
+        (should (nebgit-cursor-closed-p problem))))))
+
+;; The server closes a cursor that was idle for some time.
+(defmacro test-with-interrupted-log (&rest body)
+  "Show two pages of a log with 400 commits, run BODY, and read it to its end.
+Return the subjects that it shows."
+  (declare (indent 0))
+  `(test-with-repository
+     (test-many-commits 398)
+     (save-window-excursion
+       (nebgit-log)
+       (test-wait nebgit-log--cursor)
+       (nebgit-log-more)
+       (test-wait (eql (length (test-log-subjects)) 200))
+       ,@body
+       (nebgit-log-more)
+       (while (progn (test-wait (not nebgit-log--reading)) nebgit-log--cursor)
+         (nebgit-log-more))
+       (test-log-subjects))))
+
+(defconst test-long-log
+  (append (mapcar (lambda (n) (format "Commit %d" n)) (number-sequence 397 0 -1))
+          '("Second" "First"))
+  "Subjects of the log of `test-with-interrupted-log'.")
+
+(ert-deftest log-goes-on-after-its-cursor-was-closed ()
+  (should (equal test-long-log
+                 (test-with-interrupted-log
+                   (test-git "commit" "-q" "--allow-empty" "-m" "Newer")
+                   (nebgit-close nebgit-log--cursor)))))
+
+(ert-deftest log-goes-on-after-a-crash ()
+  (let ((nebgit--unexpected-ends nil) other)
+    (should (equal test-long-log
+                   (test-with-interrupted-log
+                     (signal-process (jsonrpc--process nebgit--connection) 'SIGKILL)
+                     (test-wait (not (nebgit-server-p)))
+                     (nebgit-open (nebgit-request 'history folder) 1
+                                  (lambda (_ cursor __) (setq other cursor)))
+                     (test-wait other))))
+    (nebgit-close other)))
+
+(ert-deftest log-of-a-rewritten-history-is-read-again ()
+  (should (equal '("Only")
+                 (test-with-interrupted-log
+                   (nebgit-close nebgit-log--cursor)
+                   (test-git "update-ref" "refs/heads/main"
+                             (test-git "commit-tree" "-m" "Only" "HEAD^{tree}"))
+                   (delete-directory ".git/objects/pack" t)))))
 
 (ert-deftest log-of-a-file-follows-renames ()
   (test-with-repository

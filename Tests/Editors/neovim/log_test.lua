@@ -1,6 +1,8 @@
 -- The log window, its graph and pages, and the status line.
 local graph = require("nebgit.log.graph")
 local harness = require("harness")
+local requests = require("nebgit.requests")
+local server = require("nebgit.server")
 
 local tests = {}
 
@@ -93,7 +95,9 @@ function tests.CommitsWithGraphAndReferences()
   harness.equal("commit " .. harness.git("rev-parse", "v1"), harness.lines()[1])
 end
 
-function tests.PagesAreReadWhenTheWindowIsScrolled()
+-- Opens the log of "Commit 1000", the newest one, to "Commit 1" in pages of 100, and waits for the
+-- first page.
+local function open_long_log()
   local input = {}
   for number = 1, 1000 do
     vim.list_extend(input, {
@@ -109,16 +113,76 @@ function tests.PagesAreReadWhenTheWindowIsScrolled()
   harness.wait(function()
     return #harness.lines() >= 100
   end)
-  assert(#harness.lines() <= 200, #harness.lines())
+end
+
+-- Scrolls to the end of what was read, and waits for more.
+local function scroll_on()
+  local count = #harness.lines()
+  harness.press("G")
+  vim.cmd("doautocmd CursorMoved")
+  harness.wait(function()
+    return #harness.lines() > count
+  end, "the next page")
+end
+
+-- Scrolls to the end of the log of open_long_log(), and checks that each commit is there once.
+local function check_long_log()
   while #harness.lines() < 1000 do
-    local count = #harness.lines()
-    harness.press("G")
-    vim.cmd("doautocmd CursorMoved")
-    harness.wait(function()
-      return #harness.lines() > count
-    end, "the next page")
+    scroll_on()
   end
-  harness.contains("Commit 1 ", harness.lines()[1000])
+  for line, text in ipairs(harness.lines()) do
+    harness.contains((" Commit %d "):format(1001 - line), text)
+  end
+end
+
+function tests.PagesAreReadWhenTheWindowIsScrolled()
+  open_long_log()
+  assert(#harness.lines() <= 200, #harness.lines())
+  check_long_log()
+end
+
+-- The server closes a cursor that was idle for some time.
+function tests.LogGoesOnAfterItsCursorWasClosed()
+  open_long_log()
+  scroll_on()
+  harness.git("commit", "--quiet", "--allow-empty", "--message", "Newer")
+  local failure = harness.await(function(callback)
+    server.request("sourceControl/close", { cursor = "1" }, callback)
+  end)
+  harness.equal(nil, failure)
+  check_long_log()
+end
+
+-- Another server gives the same names to other cursors.
+function tests.LogGoesOnAfterACrash()
+  open_long_log()
+  scroll_on()
+  local buffer = vim.api.nvim_get_current_buf()
+  vim.loop.kill(server.pid(), "sigkill")
+  harness.wait_for_message("ended unexpectedly")
+  local other = requests.pages("history", harness.root, {}, 1)
+  harness.await(function(callback)
+    other:next(callback)
+  end)
+  harness.equal("1", other.cursor)
+  vim.api.nvim_set_current_buf(buffer)
+  check_long_log()
+  other:close()
+end
+
+function tests.LogOfARewrittenHistoryIsReadAgain()
+  open_long_log()
+  scroll_on()
+  local root = harness.git("commit-tree", "-m", "Only", "HEAD^{tree}")
+  harness.git("update-ref", "refs/heads/main", root)
+  harness.run({ "rm", "-r", harness.root .. "/.git/objects/pack" })
+  harness.await(function(callback)
+    server.request("sourceControl/close", { cursor = "1" }, callback)
+  end)
+  harness.press("G")
+  vim.cmd("doautocmd CursorMoved")
+  harness.go_to("Only")
+  harness.equal(1, #harness.lines())
 end
 
 function tests.LogOfAFileFollowsItsRename()

@@ -165,32 +165,53 @@ function M.pages(name, root, details, size)
   return setmetatable({ params = params_of(name, root, details), size = size }, Pages)
 end
 
+-- Returns whether the cursor is one of the server that runs; after a restart its name may be that of
+-- another list.
+function Pages:has_cursor()
+  return self.cursor ~= nil and self.server == server.pid()
+end
+
+function Pages:handle(failure, page, callback)
+  self.is_reading = false
+  local was_closed = self.cursor and failure and failure.code == -32602
+  page = page or {}
+  self.cursor, self.server = page.cursor, server.pid()
+  self.is_finished = not page.cursor
+  if was_closed then
+    failure = { class = "cursor-closed", message = failure.message }
+  end
+  failure = failure or page.outcome and failure_of(page.outcome)
+  callback(failure, decoded(page.records or {}), self.is_finished)
+end
+
 -- Reads the next page unless one is being read or there is no more. Calls
--- callback(failure, records, is_last).
+-- callback(failure, records, is_last). The failure has the class "cursor-closed" if the server has
+-- forgotten the list, because it was idle for long or the server was started again.
 function Pages:next(callback)
   if self.is_reading or self.is_finished then
     return
   end
   self.is_reading = true
+  if self.cursor and not self:has_cursor() then
+    local failure = { code = -32602, message = "the server was started again" }
+    return vim.schedule(function()
+      self:handle(failure, nil, callback)
+    end)
+  end
   local method, params = "sourceControl/next", { cursor = self.cursor }
   if not self.cursor then
     method, params = "sourceControl/open", { request = self.params, pageSize = self.size }
   end
   self.cancel = server.request(method, params, function(failure, page)
-    self.is_reading = false
-    page = page or {}
-    self.cursor = page.cursor
-    self.is_finished = not page.cursor
-    failure = failure or page.outcome and failure_of(page.outcome)
-    callback(failure, decoded(page.records or {}), self.is_finished)
+    self:handle(failure, page, callback)
   end)
 end
 
 -- Ends the list; git, which waits to print more, exits.
 function Pages:close()
-  if self.is_reading then
+  if self.is_reading and self.cancel then
     self.cancel()
-  elseif self.cursor then
+  elseif self:has_cursor() then
     server.request("sourceControl/close", { cursor = self.cursor }, function() end)
   end
   self.is_finished = true

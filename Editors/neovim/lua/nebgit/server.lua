@@ -94,9 +94,13 @@ local function handle_response(process, message)
     return
   end
   if message.error then
-    local class = message.error.code == -32800 and "cancelled" or "protocol"
-    local failure = { message = message.error.message, class = class, outcome = message.error.data }
-    request.callback(failure)
+    local problem = message.error
+    request.callback({
+      message = problem.message,
+      class = problem.code == -32800 and "cancelled" or "protocol",
+      code = problem.code,
+      outcome = problem.data,
+    })
   else
     request.callback(nil, message.result)
   end
@@ -259,7 +263,8 @@ local function start()
 end
 
 -- Sends a request and calls callback(failure, result) once, on the main loop. The failure has
--- `message` and `class`: "server" if it cannot be started or ended, "cancelled", or "protocol".
+-- `message` and `class`: "server" if it cannot be started or ended, "cancelled", or "protocol"; with
+-- the `code` of JSON-RPC if the server refused.
 -- settings.progress(value) is called for $/progress with settings.token.
 -- Returns a function that cancels the request.
 function M.request(method, params, callback, settings)

@@ -13,7 +13,8 @@ local watch = require("nebgit.watch")
 
 local namespace = vim.api.nvim_create_namespace("nebgit-log")
 
--- By buffer: root, path (nil for all files), pages, graph, commits by line.
+-- By buffer: root, path (nil for all files), pages, graph, commits by line, the ids of the first and
+-- last commit, and skip: the id up to which commits that are read again are left out.
 local states = {}
 
 -- Returns the references of the commit as they are shown; "" without any.
@@ -72,30 +73,68 @@ local function append(buffer, state, commits)
   state.line_count = start + #lines
 end
 
+-- Begins to read the commits, from HEAD or the commit with the id.
+local function open_pages(state, id)
+  local options = { Follow = state.path and true or nil, Order = config.options.log.order }
+  local files = state.path and { state.path } or nil
+  local details = { files = files, from = id, options = options }
+  state.pages = requests.pages("history", state.root, details, config.options.log.page_size)
+end
+
+-- Returns the commits without those up to state.skip.
+local function without_skipped(state, commits)
+  local rest = {}
+  for _, commit in ipairs(commits) do
+    if not state.skip then
+      rest[#rest + 1] = commit
+    elseif commit.ObjectID == state.skip then
+      state.skip = nil
+    end
+  end
+  state.first = state.first or rest[1] and rest[1].ObjectID
+  state.last = rest[1] and rest[#rest].ObjectID or state.last
+  return rest
+end
+
+-- Returns whether the window comes near the end of what was read.
+local function needs_more(state, window)
+  local last = math.max(vim.fn.line("w$", window), vim.api.nvim_win_get_cursor(window)[1])
+  return state.line_count == 0 or state.skip
+    or last >= state.line_count - config.options.log.page_size / 2
+end
+
+local reload, read_on
+
+-- Handles a page; the server forgets a list after some time, and it is read again then.
+local function handle_page(buffer, state, failure, commits, is_last)
+  append(buffer, state, without_skipped(state, commits))
+  if failure and failure.class == "cursor-closed" then
+    state.skip = state.last
+    open_pages(state, state.first)
+    read_on(buffer)
+  elseif state.skip and is_last then
+    reload(buffer)
+  elseif failure then
+    messages.failure(failure)
+  elseif not is_last then
+    read_on(buffer)
+  elseif state.line_count == 0 then
+    scratch.set_lines(buffer, 0, -1, { "No commits" })
+  end
+end
+
 -- Reads the next page if the window comes near the end of what was read.
-local function read_on(buffer)
+function read_on(buffer)
   local state = states[buffer]
   local window = vim.fn.bufwinid(buffer)
-  if not state or window == -1 then
-    return
-  end
-  local last = math.max(vim.fn.line("w$", window), vim.api.nvim_win_get_cursor(window)[1])
-  if state.line_count > 0 and last < state.line_count - config.options.log.page_size / 2 then
+  if not state or window == -1 or not needs_more(state, window) then
     return
   end
   state.pages:next(function(failure, commits, is_last)
-    if states[buffer] ~= state then
-      return
+    if states[buffer] == state then
+      handle_page(buffer, state, failure, commits, is_last)
+      M.restore_cursor(buffer, state)
     end
-    append(buffer, state, commits)
-    if failure then
-      messages.failure(failure)
-    elseif not is_last then
-      read_on(buffer)
-    elseif state.line_count == 0 then
-      scratch.set_lines(buffer, 0, -1, { "No commits" })
-    end
-    M.restore_cursor(buffer, state)
   end)
 end
 
@@ -111,7 +150,7 @@ function M.restore_cursor(buffer, state)
 end
 
 -- Reads the log from its beginning.
-local function reload(buffer)
+function reload(buffer)
   local state = states[buffer]
   local window = vim.fn.bufwinid(buffer)
   local line = window ~= -1 and vim.api.nvim_win_get_cursor(window)[1] or 1
@@ -123,10 +162,7 @@ local function reload(buffer)
     root = state.root, path = state.path, graph = graph.new(), commits = {}, line_count = 0,
     wanted = line > 1 and commit and commit.ObjectID or nil,
   }
-  local options = { Follow = state.path and true or nil, Order = config.options.log.order }
-  local details = { files = state.path and { state.path } or nil, options = options }
-  local size = config.options.log.page_size
-  states[buffer].pages = requests.pages("history", state.root, details, size)
+  open_pages(states[buffer])
   read_on(buffer)
 end
 

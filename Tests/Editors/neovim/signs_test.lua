@@ -55,6 +55,35 @@ function tests.SignsFollowTheIndex()
   wait_for_signs({})
 end
 
+function tests.BufferThatLeavesTheRepositoryIsForgotten()
+  harness.commit({ file = "1\n" })
+  local buffer = harness.edit("file")
+  wait_for_signs({})
+  vim.cmd("silent saveas " .. vim.fn.fnameescape(harness.folder .. "/elsewhere"))
+  harness.wait(function()
+    return not (vim.b[buffer].nebgit_root or vim.b[buffer].nebgit_path)
+  end, "the end of the old names")
+  vim.cmd("NEBGit stage")
+  harness.wait_for_message("not in a working copy")
+  harness.equal("", require("nebgit").statusline())
+end
+
+-- Nothing follows such a buffer, whose end is not seen.
+function tests.BufferOutsideARepositoryHasNoTimer()
+  local new_timer, timers = vim.loop.new_timer, {}
+  vim.loop.new_timer = function()
+    timers[#timers + 1] = new_timer()
+    return timers[#timers]
+  end
+  harness.write(harness.folder .. "/elsewhere", "1\n")
+  vim.cmd("edit " .. vim.fn.fnameescape(harness.folder .. "/elsewhere"))
+  vim.loop.new_timer = new_timer
+  harness.equal(1, #timers)
+  harness.wait(function()
+    return timers[1]:is_closing()
+  end, "the end of the timer")
+end
+
 function tests.FileThatIsNotTracked()
   harness.write("new", "1\n")
   local buffer = harness.edit("new")

@@ -86,7 +86,7 @@ function M.reload(buffer)
   end)
 end
 
--- Forgets the buffer and removes its signs.
+-- Forgets the buffer, where its file is, and removes its signs.
 function M.detach(buffer)
   local state = states[buffer]
   if not state then
@@ -99,6 +99,7 @@ function M.detach(buffer)
   end
   if vim.api.nvim_buf_is_loaded(buffer) then
     vim.b[buffer].nebgit_changes = nil
+    vim.b[buffer].nebgit_root, vim.b[buffer].nebgit_path = nil, nil
     for _, handler in ipairs(handlers) do
       handler(buffer, {})
     end
@@ -139,8 +140,10 @@ function M.attach(buffer)
   local state = { name = name, hunks = {}, timer = uv.new_timer() }
   states[buffer] = state
   repository.find(name, function(root, path)
-    if states[buffer] ~= state or not root then
+    if states[buffer] ~= state then
       return
+    elseif not root or not vim.api.nvim_buf_is_loaded(buffer) then
+      return M.detach(buffer)
     end
     state.root, state.path = root, path
     vim.b[buffer].nebgit_root, vim.b[buffer].nebgit_path = root, path

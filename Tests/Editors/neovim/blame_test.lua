@@ -1,5 +1,6 @@
 -- Blame of lines and files, and commits.
 local harness = require("harness")
+local text = require("nebgit.text")
 local times = require("nebgit.times")
 
 local tests = {}
@@ -54,6 +55,25 @@ function tests.LineIsBlamedInUnsavedText()
   vim.cmd("NEBGit blame_line")
   local namespace = vim.api.nvim_get_namespaces()["nebgit-blame"]
   harness.equal({}, vim.api.nvim_buf_get_extmarks(buffer, namespace, 0, -1, {}))
+end
+
+-- Neovim would have to wait until such a text is converted and sent.
+function tests.LargeModifiedTextIsNotBlamed()
+  harness.commit({ file = ("1234567\n"):rep(160 * 1024) })
+  local buffer = edit("file")
+  vim.api.nvim_buf_set_lines(buffer, 0, 0, true, { "new" })
+  local bytes_of, calls = text.bytes_of, 0
+  text.bytes_of = function()
+    calls = calls + 1
+    return ""
+  end
+  vim.cmd("NEBGit blame_line")
+  vim.cmd("NEBGit blame")
+  vim.cmd("NEBGit blame_line")
+  text.bytes_of = bytes_of
+  harness.equal(0, calls)
+  harness.contains("write the file first", harness.messages())
+  harness.equal(1, #vim.api.nvim_list_wins())
 end
 
 function tests.FileIsBlamedBesideIt()

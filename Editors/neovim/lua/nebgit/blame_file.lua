@@ -112,6 +112,8 @@ function M.open()
   }
   if not source.path then
     return messages.info("the file is in no repository")
+  elseif vim.bo[buffer].modified and text.is_large(buffer) then
+    return messages.info("the text is too large to blame it unsaved; write the file first")
   end
   local options = vim.bo[buffer].modified and { Content = text.bytes_of(buffer) } or nil
   local blame = open_window(source, vim.api.nvim_buf_line_count(buffer))

@@ -51,7 +51,9 @@ end
 
 local function read(buffer, line, position)
   local options = { FirstLine = line, LastLine = line }
-  if vim.bo[buffer].modified then
+  if vim.bo[buffer].modified and text.is_large(buffer) then
+    return
+  elseif vim.bo[buffer].modified then
     options.Content = text.bytes_of(buffer)
   end
   local root, path = vim.b[buffer].nebgit_root, vim.b[buffer].nebgit_path

@@ -1,6 +1,15 @@
 -- The text of buffers as lines and as the bytes of their file.
 local M = {}
 
+-- The most bytes of an unsaved text that is sent. The editor handles no keys while it converts them.
+local most_sent = 1024 * 1024
+
+-- Returns whether the text of the buffer is too large to be sent.
+function M.is_large(buffer)
+  local line_count = vim.api.nvim_buf_line_count(buffer)
+  return vim.api.nvim_buf_get_offset(buffer, line_count) > most_sent
+end
+
 -- Splits the content of a file. Returns its lines without line ends, and whether the last one has
 -- one. An empty file has no lines.
 function M.split(content)
@@ -38,7 +47,7 @@ function M.encoded(buffer, lines)
   local encoding = other_encoding(buffer)
   return vim.tbl_map(function(line)
     line = encoding and vim.fn.iconv(line, "utf-8", encoding) or line
-    return (line:gsub("\n", "\0"))
+    return line:find("\n", 1, true) and line:gsub("\n", "\0") or line
   end, lines)
 end
 

@@ -1,12 +1,13 @@
 -- Checks text for valid UTF-8 (RFC 3629).
 local M = {}
 
+local function continues(byte)
+  return byte and byte >= 0x80 and byte < 0xC0
+end
+
 -- Returns the length of the character at the position; nil if the bytes are invalid.
 local function length_at(text, position)
   local a, b, c, d = text:byte(position, position + 3)
-  local function continues(byte)
-    return byte and byte >= 0x80 and byte < 0xC0
-  end
   if a < 0x80 then
     return 1
   elseif a >= 0xC2 and a < 0xE0 then

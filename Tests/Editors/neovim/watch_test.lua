@@ -72,8 +72,27 @@ function tests.WatchCanBeSwitchedOff()
   harness.equal(false, watch.is_active(harness.root))
 end
 
--- A server that asks a question for each request of the status, and returns the reply as its head.
-local asking_server = [==[
+function tests.WatchEndsWithTheLastBuffer()
+  harness.commit({ file = "1\n", other = "2\n" })
+  local first = edit_and_watch("file")
+  vim.cmd("split")
+  local second = edit_and_watch("other")
+  vim.cmd("bwipeout " .. first)
+  harness.await(vim.schedule)
+  harness.equal(true, watch.is_active(harness.root))
+  vim.cmd("bdelete " .. second)
+  harness.wait(function()
+    return not watch.is_active(harness.root)
+  end, "the end of the watch")
+  local failure = harness.await(function(callback)
+    server.request("sourceControl/unwatch", { watch = "1" }, callback)
+  end)
+  harness.equal(-32602, failure.code)
+  edit_and_watch("file")
+end
+
+-- The functions of a server in Python that read and send messages.
+local framing = [==[
 import json, sys
 def read():
     length = 0
@@ -85,6 +104,43 @@ def send(**message):
     content = json.dumps({"jsonrpc": "2.0", **message}).encode()
     sys.stdout.buffer.write(b"Content-Length: %d\r\n\r\n" % len(content) + content)
     sys.stdout.buffer.flush()
+]==]
+
+-- A server that cannot watch working trees and writes what it is asked to a file.
+local limited_server = framing .. [==[
+while True:
+    message = read()
+    method = message.get("method")
+    if method == "initialize":
+        send(id=message["id"], result={"capabilities": {"watch": True}})
+    elif method == "sourceControl/watch":
+        tree = message["params"]["workingTree"]
+        print(tree, file=open(sys.argv[1], "a"))
+        if tree:
+            send(id=message["id"], error={"code": -32803, "message": "too many folders",
+                                          "data": {"class": "system-limit"}})
+        else:
+            send(id=message["id"], result={"watch": "1"})
+    elif method == "exit":
+        sys.exit(0)
+    elif "id" in message:
+        send(id=message["id"], result={"result": [], "error": None})
+]==]
+
+function tests.WatchAboveTheLimitOfTheSystemLeavesOutTheWorkingTree()
+  local program, log = harness.folder .. "/server.py", harness.folder .. "/log"
+  harness.write(program, limited_server)
+  require("nebgit").setup({ command = { "python3", program, log }, watch = { working_tree = true } })
+  harness.commit({ file = "1\n", other = "2\n" })
+  edit_and_watch("file")
+  edit_and_watch("other")
+  harness.equal({ "True", "False" }, vim.fn.readfile(log))
+  local _, count = harness.messages():gsub("too many folders", "")
+  harness.equal(1, count)
+end
+
+-- A server that asks a question for each request of the status, and returns the reply as its head.
+local asking_server = framing .. [==[
 def withdraw():
     for question, request in waiting.items():
         send(method="$/cancelRequest", params={"id": question})

@@ -14,6 +14,39 @@ local watches = {}
 -- The root of each watch of the running server.
 local roots = {}
 
+-- Whether the system cannot watch the folders of some working tree, by its root.
+local is_limited = {}
+
+-- Ends the watches of repositories that no buffer needs.
+local function prune()
+  local needed = {}
+  for _, buffer in ipairs(vim.api.nvim_list_bufs()) do
+    needed[vim.b[buffer].nebgit_root or ""] = true
+  end
+  for id, root in pairs(roots) do
+    if not needed[root] then
+      roots[id] = nil
+      if M.is_active(root) then
+        server.request("sourceControl/unwatch", { watch = id }, function() end)
+      end
+    end
+  end
+  for root, state in pairs(watches) do
+    if state ~= "pending" and not needed[root] then
+      watches[root] = nil
+    end
+  end
+end
+
+-- Notes that the system cannot watch the working tree; shows the message once.
+local function limit(root, message)
+  if not next(is_limited) then
+    local advice = "Changes of files by other programs are seen when Neovim gets the focus."
+    messages.warn(message .. "\n" .. advice)
+  end
+  is_limited[root] = true
+end
+
 local function start(root)
   if not (config.options.watch.enabled and server.can("watch")) then
     return
@@ -21,12 +54,16 @@ local function start(root)
   watches[root] = "pending"
   local params = {
     sourceTree = { location = requests.encoded(root) },
-    workingTree = config.options.watch.working_tree,
+    workingTree = config.options.watch.working_tree and not is_limited[root],
   }
   server.request("sourceControl/watch", params, function(failure, result)
     watches[root] = not failure and server.pid()
     if not failure then
       roots[result.watch] = root
+      prune()
+    elseif params.workingTree and (failure.outcome or {}).class == "system-limit" then
+      limit(root, failure.message)
+      start(root)
     end
   end)
 end
@@ -52,6 +89,11 @@ function M.focus_gained()
   end
 end
 
+-- Ends the watches that are not needed when the buffer that is being deleted is gone.
+function M.buffer_deleted()
+  vim.schedule(prune)
+end
+
 server.on_start(function()
   roots = {}
   for root in pairs(watches) do
@@ -71,8 +113,9 @@ server.on_notification("sourceControl/watchEnded", function(params)
   local root = roots[params.watch]
   if root then
     watches[root], roots[params.watch] = false, nil
-    if params.class == "system-limit" then
-      messages.warn(params.message)
+    if params.class == "system-limit" and not is_limited[root] then
+      limit(root, params.message)
+      start(root)
     end
   end
 end)

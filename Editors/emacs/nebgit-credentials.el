@@ -30,7 +30,7 @@ ANSWER is the function to call with the result."
   "Question that the user is being asked.")
 
 (defvar nebgit-credentials--given nil
-  "Keys of the answers that auth-source gave since the last refusal.")
+  "Ids of running requests, and keys of answers that auth-source gave for them.")
 
 (defvar nebgit-credentials--refused nil
   "Keys of answers of auth-source that a server refused.")
@@ -85,7 +85,7 @@ ANSWER is the function to call with the result."
                (not (member key nebgit-credentials--refused)))
       (let ((value (nebgit-credentials--search params)))
         (when value
-          (push key nebgit-credentials--given)
+          (push key (alist-get (plist-get params :request) nebgit-credentials--given))
           (copy-sequence value))))))
 
 (defun nebgit-credentials--search (params)
@@ -105,12 +105,13 @@ ANSWER is the function to call with the result."
         (plist-get entry :user)
       (if (functionp secret) (funcall secret) secret))))
 
-(defun nebgit-credentials--failed (problem)
-  "Do not use the answers of auth-source again if PROBLEM is that they are wrong."
+(defun nebgit-credentials--ended (problem id)
+  "Forget the answers for the request with ID.
+If PROBLEM is that they were wrong, do not use them again."
   (when (equal (nebgit-error-class problem) "credentials-refused")
-    (setq nebgit-credentials--refused (append nebgit-credentials--given
-                                              nebgit-credentials--refused)
-          nebgit-credentials--given nil)))
+    (setq nebgit-credentials--refused (append (alist-get id nebgit-credentials--given)
+                                              nebgit-credentials--refused)))
+  (setf (alist-get id nebgit-credentials--given nil t) nil))
 
 ;;; Withdrawal
 
@@ -132,7 +133,7 @@ ANSWER is the function to call with the result."
 (setq nebgit-client-capabilities (plist-put nebgit-client-capabilities :credentials t))
 (setf (alist-get 'sourceControl/credentials nebgit-question-functions) #'nebgit-credentials--ask
       (alist-get '$/cancelRequest nebgit-notification-functions) #'nebgit-credentials--withdraw)
-(add-hook 'nebgit-failed-hook #'nebgit-credentials--failed)
+(add-hook 'nebgit-ended-hook #'nebgit-credentials--ended)
 
 (provide 'nebgit-credentials)
 ;;; nebgit-credentials.el ends here

@@ -30,8 +30,8 @@
 (defvar nebgit-changed-hook nil
   "Functions to call with the top folder of a repository after a change.")
 
-(defvar nebgit-failed-hook nil
-  "Functions to call with the error of an outcome.")
+(defvar nebgit-ended-hook nil
+  "Functions to call with the error of a request, or nil, and its id.")
 
 (defvar nebgit--tasks nil
   "Running tasks that the user asked for, last one first.")
@@ -145,10 +145,10 @@ name, and `nebgit-cancel' ends the request."
            (lambda () (append (nebgit--permitted request) tokens))
            (lambda (outcome)
              (setf (nebgit-task-problem task) (plist-get outcome :error))
-             (nebgit--forget task tokens)
+             (nebgit--forget task tokens (nebgit-task-problem task))
              (nebgit--deliver request outcome success failure))
            (lambda (problem)
-             (nebgit--forget task tokens)
+             (nebgit--forget task tokens problem)
              (nebgit--after request)
              (funcall failure problem nil))))
     (unless (eq (nebgit-task-state task) 'done)
@@ -174,8 +174,7 @@ name, and `nebgit-cancel' ends the request."
   (nebgit--after request)
   (let ((problem (plist-get outcome :error)))
     (if problem
-        (progn (run-hook-with-args 'nebgit-failed-hook problem)
-               (funcall failure problem outcome))
+        (funcall failure problem outcome)
       (when success
         (funcall success (nebgit-list (plist-get outcome :result)) outcome)))))
 
@@ -211,8 +210,10 @@ name, and `nebgit-cancel' ends the request."
                 nebgit--progress-functions)
        (list :workDoneToken token)))))
 
-(defun nebgit--forget (task tokens)
-  "Forget TASK, which has ended, and its TOKENS."
+(defun nebgit--forget (task tokens problem)
+  "Forget TASK, which has ended with PROBLEM or nil, and its TOKENS."
+  (when task
+    (run-hook-with-args 'nebgit-ended-hook problem (nebgit-task-id task)))
   (setq nebgit--tasks (delq task nebgit--tasks))
   (cl-loop for (_ token) on tokens by #'cddr
            do (remhash token nebgit--progress-functions)))

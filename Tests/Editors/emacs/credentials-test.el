@@ -47,13 +47,40 @@
       (should (equal (test-asked '(:kind "name" :prompt "Username: " :url "https://host"))
                      '((:value "ann")))))))
 
+(defun test-known (host request)
+  "Return what auth-source knows for REQUEST, an id, of a password for HOST."
+  (nebgit-credentials--known (list :kind "password" :url (concat "https://" host) :user "ann"
+                                   :request request)))
+
 (ert-deftest credentials-that-were-refused-are-asked-for ()
-  (test-with-auth-source "machine host login ann port https password secret"
-    (cl-letf (((symbol-function 'read-passwd) (lambda (&rest _) "typed")))
-      (let ((nebgit-credentials--refused nil) (nebgit-credentials--given nil))
-        (should (equal (nebgit-credentials--known test-password) "secret"))
-        (run-hook-with-args 'nebgit-failed-hook '(:class "credentials-refused"))
-        (should-not (nebgit-credentials--known test-password))))))
+  (test-with-auth-source "machine host login ann password secret
+machine other login ann password more
+machine third login ann password most"
+    (let ((nebgit-credentials--refused nil) (nebgit-credentials--given nil))
+      (should (equal (test-known "host" 1) "secret"))
+      (should (equal (test-known "other" 2) "more"))
+      (should (equal (test-known "third" 3) "most"))
+      (run-hook-with-args 'nebgit-ended-hook nil 1)
+      (run-hook-with-args 'nebgit-ended-hook '(:class "credentials-refused") 2)
+      (run-hook-with-args 'nebgit-ended-hook '(:class "cancelled") 3)
+      (should (equal (test-known "host" 4) "secret"))
+      (should-not (test-known "other" 5))
+      (should (equal (test-known "third" 6) "most")))))
+
+(ert-deftest credentials-of-a-request-that-ended-are-forgotten ()
+  (test-with-repository
+    (let ((nebgit-credentials--given nil))
+      (dolist (request (list (nebgit-request 'history folder)
+                             (nebgit-request 'history folder :from "nosuch")
+                             (nebgit-request 'history folder :NoSuchOption t)))
+        (let* (done
+               (end (lambda (&rest _) (setq done t)))
+               (task (nebgit-perform request :success end :failure end)))
+          (test-wait (nebgit-task-id task))
+          (push (cons (nebgit-task-id task) '(("password" "https://host" nil)))
+                nebgit-credentials--given)
+          (test-wait done)
+          (should-not nebgit-credentials--given))))))
 
 (ert-deftest credentials-can-be-declined ()
   (test-with-auth-source ""

@@ -177,6 +177,10 @@ constexpr PinnedSetting pinnedSettings[] = {
     {"branch.sort", "refname"},
 };
 
+/// How long git tries to lock a reference, in milliseconds; see git-config(1).
+constexpr std::string_view timeoutsOfReferenceLocks[] = {"core.filesRefLockTimeout",
+                                                         "core.packedRefsTimeout"};
+
 std::string_view nameOf(std::string_view variable) {
     return variable.substr(0, variable.find('='));
 }
@@ -253,6 +257,14 @@ void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWri
     }
 }
 
+void addLockTimeouts(std::chrono::milliseconds time, ConfigurationWriter& writer) {
+    if (time > std::chrono::milliseconds(0)) {
+        for (const std::string_view key : timeoutsOfReferenceLocks) {
+            writer.add(key, std::to_string(time.count()));
+        }
+    }
+}
+
 /// git before 2.45 does not know GIT_NO_LAZY_FETCH; without protocols, it fetches nothing.
 void preventFetches(std::vector<std::string>& environment) {
     environment.emplace_back("GIT_NO_LAZY_FETCH=1");
@@ -298,6 +310,7 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
     if (traits.archivesForOwner) {
         writer.add("tar.umask", "077");
     }
+    addLockTimeouts(traits.lockWait, writer);
     writer.finish();
     return environment;
 }

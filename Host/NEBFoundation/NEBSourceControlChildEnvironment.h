@@ -1,6 +1,7 @@
 // NEBSourceControlChildEnvironment.h - the environment of the child processes of operations.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,9 @@ struct NEBSourceControlChildTraits {
     bool archivesForOwner = false;
     /// git may fetch objects that a partial clone lacks when it needs them.
     bool mayFetchObjects = true;
+    /// How long git waits for a locked reference. 0: as the settings of the user say, else 100 ms,
+    /// and 1 s for the file of packed references.
+    std::chrono::milliseconds lockWait{0};
 };
 
 /// Returns the environment for a child: `inherited` (each element `NAME=value`) without the

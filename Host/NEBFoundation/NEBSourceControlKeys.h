@@ -232,6 +232,17 @@ inline constexpr NEBConstant NEBSourceControlErrorDomain{"NEBSourceControlErrorD
 inline constexpr NEBConstant NEBLocalizedDescriptionKey{"NEBLocalizedDescriptionKey"};
 /// User info: what the user can do about it, a string. Optional.
 inline constexpr NEBConstant NEBLocalizedRecoverySuggestionKey{"NEBLocalizedRecoverySuggestionKey"};
+/// User info of the classes "index-locked" and "ref-locked": the absolute path of the lock file
+/// that another process holds, a string, and its age in seconds, an integer. Absent if the file was
+/// gone when the operation had failed.
+inline constexpr NEBConstant NEBSourceControlErrorLockPathKey{"NEBSourceControlErrorLockPathKey"};
+inline constexpr NEBConstant NEBSourceControlErrorLockAgeKey{"NEBSourceControlErrorLockAgeKey"};
+/// User info: the process that holds the lock file: its number, an integer, and its program and
+/// command such as "git commit", a string. Absent if no process was found.
+inline constexpr NEBConstant NEBSourceControlErrorLockHolderProcessKey{
+    "NEBSourceControlErrorLockHolderProcessKey"};
+inline constexpr NEBConstant NEBSourceControlErrorLockHolderCommandKey{
+    "NEBSourceControlErrorLockHolderCommandKey"};
 /// User info: why the authentication failed, one of the values below. Absent for all other errors.
 inline constexpr NEBConstant NEBSourceControlAuthenticationErrorTypeKey{
     "NEBSourceControlAuthenticationErrorTypeKey"};

@@ -2,12 +2,11 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
-#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
-#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
-#include "NEBFoundation/NEBSourceControlErrorDetails.h"
+#include "NEBFoundation/NEBSourceControlLockWait.h"
 #include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
@@ -26,12 +25,6 @@ bool isBlank(std::string_view text) {
 
 std::string textOf(const Data& data) {
     return *_nebsc_stringFromData(data);
-}
-
-NEBSourceControlError errorOfClass(std::string_view errorClass, const std::string& description) {
-    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
-    error.errorClass = errorClass;
-    return error;
 }
 
 }  // namespace
@@ -63,7 +56,8 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
              .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
              .mayRunHooks = _mayRunHooks,
              .archivesForOwner = _archivesForOwner,
-             .mayFetchObjects = _mayFetchObjects}),
+             .mayFetchObjects = _mayFetchObjects,
+             .lockWait = limits().lockWait}),
         .input = _input,
     };
     NEBSourceControlSetVariables(launch.environment, childVariables());
@@ -131,12 +125,33 @@ bool NEBSourceControlTaskOperation::setErrorOfUnfinished(
 
 std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
     const std::vector<NEBSourceControlTaskOperation*>& stages) {
-    stages.back()->_parser = stages.back()->makeRecordParser();
     std::vector<ChildLaunch> launches;
     launches.reserve(stages.size());
     for (NEBSourceControlTaskOperation* stage : stages) {
         launches.push_back(stage->makeLaunch());
     }
+    const NEBSourceControlLimits limits = remainingLimits();
+    NEBSourceControlLockWait wait(
+        launches, std::min(limits.lockWait, limits.total.value_or(limits.lockWait)));
+    auto pause = wait.pauseBeforeStart();
+    while (pause && _process.waitUnlessCancelled(*pause)) {
+        pause = wait.pauseBeforeStart();
+    }
+    std::vector<ChildOutcome> outcomes = runOnce(stages, launches);
+    pause = wait.pauseAfter(outcomes);
+    while (pause && !stages.back()->_hasRemovedOutput && _process.waitUnlessCancelled(*pause)) {
+        outcomes = runOnce(stages, launches);
+        pause = wait.pauseAfter(outcomes);
+    }
+    return outcomes;
+}
+
+std::vector<ChildOutcome> NEBSourceControlTaskOperation::runOnce(
+    const std::vector<NEBSourceControlTaskOperation*>& stages,
+    const std::vector<ChildLaunch>& launches) {
+    stages.back()->_parser = stages.back()->makeRecordParser();
+    stages.back()->_parsedSize = 0;
+    stages.back()->_parsedRecords.clear();
     std::vector<std::size_t> logged;
     const auto started = [&](std::size_t stage) {
         if (commandLog()) {
@@ -157,7 +172,8 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::run(
         return unneeded;
     };
     std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
-        _process, launches, {.started = started, .outputGrew = outputGrew}, remainingLimits());
+        _process, launches, {.started = started, .outputGrew = outputGrew},
+        remainingLimits().ofChild());
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }
@@ -290,97 +306,6 @@ void NEBSourceControlTaskOperation::finishPipeline(const ChildText& childText,
         setError(second.error());
     }
     setResult(second.result());
-}
-
-// ---- errors -----------------------------------------------------------------------------------
-
-std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::translatedErrorData() {
-    return _errorData && !_errorData->empty()
-               ? errorFromErrorMessage(_nebsc_stringFromData(_errorData))
-               : std::nullopt;
-}
-
-std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErrorMessage(
-    const std::optional<std::string>& message) {
-    const bool isNotice = _terminationStatus && _terminationStatus->isSuccess();
-    if (!message || isNotice || isBlank(*message)) {
-        return std::nullopt;
-    }
-    return NEBSourceControlErrorWithoutDetails(*message, *request());
-}
-
-/// Uses the whole output, whatever parseData() left of it: a rejected push has an error beside its
-/// content. If standard error has no known class (messages of a hook, a warning about line ends),
-/// standard output may have one: git reports conflicts and "nothing to commit" only there, with
-/// exit status 1. With any other status, standard output is content.
-std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailure(
-    const ChildText& childText, std::optional<NEBSourceControlError> found) {
-    if (!found && !isBlank(childText.errorText)) {
-        found = errorFromErrorMessage(childText.errorText);
-        if (!found) {
-            found = NEBSourceControlErrorWithoutDetails(childText.errorText, *request());
-        }
-    }
-    const bool isUnknown = found && found->errorClass == NEBSourceControlUnknownErrorClass;
-    const bool isInOutput =
-        _terminationStatus->exitStatus() == 1 &&
-        NEBSourceControlErrorClassOfText(childText.outputText) != NEBSourceControlUnknownErrorClass;
-    if ((!found && !isBlank(childText.outputText)) || (isUnknown && isInOutput)) {
-        found = NEBSourceControlErrorWithoutDetails(childText.outputText, *request());
-        if (!isBlank(childText.errorText)) {
-            found->text = childText.errorText + "\n" + childText.outputText;
-        }
-    }
-    if (!found && childText.isPresent) {
-        found = errorOfClass(NEBSourceControlUnknownErrorClass,
-                             "The operation was not completed: \"" + launchPath() +
-                                 "\" ended with " + _terminationStatus->description() + ".");
-    }
-    return !found || found->errorClass == NEBSourceControlUnknownErrorClass
-               ? errorFromUnknownFailure(std::move(found))
-               : found;
-}
-
-NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
-    const std::string how = _terminationStatus->description();
-    if (!_terminationStatus->started()) {
-        return errorOfClass(NEBSourceControlNotStartedErrorClass,
-                            "The operation could not be performed because " + how + ".");
-    }
-    auto error = _terminationStatus->signalNumber()
-                     ? errorOfClass(NEBSourceControlKilledErrorClass,
-                                    "The operation was not completed because \"" + launchPath() +
-                                        "\" was ended by " + how + ".")
-                     : errorOfClass(NEBSourceControlUnknownErrorClass,
-                                    "Whether the operation was completed is not known: \"" +
-                                        launchPath() + "\" ended, but " + how + ".");
-    error.terminationStatus = _terminationStatus;
-    return error;
-}
-
-/// Adds class, text, end of the child and details to the error.
-void NEBSourceControlTaskOperation::completeError(NEBSourceControlError& error,
-                                                  const ChildText& childText,
-                                                  const std::optional<TerminationStatus>& status) {
-    const std::string& text =
-        isBlank(childText.errorText) ? childText.outputText : childText.errorText;
-    if (!error.errorClass) {
-        error.errorClass = NEBSourceControlErrorClassOfText(childText.errorText);
-        if (error.errorClass == NEBSourceControlUnknownErrorClass && status &&
-            status->exitStatus() == 1) {
-            error.errorClass = NEBSourceControlErrorClassOfText(childText.outputText);
-        }
-    }
-    if (!error.text && !isBlank(text)) {
-        error.text = text;
-    }
-    if (!error.terminationStatus) {
-        error.terminationStatus = status;
-    }
-    error.hints = NEBSourceControlHintsInText(childText.errorText);
-    error.remoteLines = NEBSourceControlRemoteLinesInText(childText.errorText);
-    error.files = NEBSourceControlFilesInText(childText.errorText + "\n" + childText.outputText,
-                                              *error.errorClass);
 }
 
 }  // namespace neb

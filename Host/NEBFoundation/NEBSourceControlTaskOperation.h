@@ -115,7 +115,8 @@ public:
 
     /// Runs launchPath() with arguments() in currentDirectoryPath(), collects data() and
     /// errorData(), calls parseData(), and passes the remaining error text to
-    /// errorFromErrorMessage(). Then:
+    /// errorFromErrorMessage(). A git that fails because of a lock file of another process, before
+    /// it has changed anything, is started again until limits().lockWait is over. Then:
     /// - A child that failed (exit status other than 0) and wrote anything always yields an error:
     /// if
     ///   none was set yet, it is made from the whole standard error, or from standard output if
@@ -145,8 +146,12 @@ private:
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();
+    /// Runs the children; see NEBSourceControlLockWait.h for locks of other processes.
     [[nodiscard]] std::vector<ChildOutcome> run(
         const std::vector<NEBSourceControlTaskOperation*>& stages);
+    [[nodiscard]] std::vector<ChildOutcome> runOnce(
+        const std::vector<NEBSourceControlTaskOperation*>& stages,
+        const std::vector<ChildLaunch>& launches);
     /// Sets the error of the first stage that exceeded a limit or else was not started. Returns
     /// whether there is one.
     [[nodiscard]] bool setErrorOfUnfinished(
@@ -163,8 +168,8 @@ private:
     [[nodiscard]] std::optional<NEBSourceControlError> errorOfFailure(
         const ChildText& childText, std::optional<NEBSourceControlError> found);
     [[nodiscard]] NEBSourceControlError errorOfAbnormalEnd();
-    static void completeError(NEBSourceControlError& error, const ChildText& childText,
-                              const std::optional<TerminationStatus>& status);
+    void completeError(NEBSourceControlError& error, const ChildText& childText,
+                       const std::optional<TerminationStatus>& status) const;
 
     std::vector<std::string> _arguments;
     std::optional<std::string> _currentDirectoryPath;

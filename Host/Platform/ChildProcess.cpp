@@ -86,11 +86,18 @@ void ChildProcess::closeWakePipe() {
 void ChildProcess::cancel() {
     const MutexLock lock(_mutex);
     _cancelled = true;
+    _cancellation.notify_all();
     _wakeWrite.close();  // the reader sees the end of the pipe; nothing is written that could raise
                          // SIGPIPE
     if (_blockedPipeline != nullptr) {
         _blockedPipeline->requestEnd();
     }
+}
+
+bool ChildProcess::waitUnlessCancelled(std::chrono::milliseconds duration) {
+    MutexLock lock(_mutex);
+    return !_cancellation.wait_for(lock, duration,
+                                   [this]() NEB_REQUIRES(_mutex) { return _cancelled; });
 }
 
 bool ChildProcess::isCancelled() const {

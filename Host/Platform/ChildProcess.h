@@ -12,6 +12,7 @@
 // launch does not depend on the memory size of the host.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -24,8 +25,8 @@ namespace neb {
 
 class ChildPipeline;
 
-/// One run of one or more children. Throws only std::bad_alloc; every other failure is reported in
-/// the outcomes.
+/// Runs of one or more children, one at a time. Throws only std::bad_alloc; every other failure is
+/// reported in the outcomes.
 class NEB_EXPORT ChildProcess {
 public:
     using Observers = ChildObservers;
@@ -37,8 +38,8 @@ public:
 
     /// Starts all children, the standard output of each connected to the standard input of the
     /// next, and blocks until they have ended. Returns one outcome for each launch, in order. If a
-    /// child cannot be started, its outcome has the reason and the others are ended. Call this
-    /// once.
+    /// child cannot be started, its outcome has the reason and the others are ended. May be called
+    /// again when it has returned.
     [[nodiscard]] std::vector<ChildOutcome> run(const std::vector<ChildLaunch>& launches,
                                                 const Observers& observers,
                                                 const ChildLimits& limits = {});
@@ -52,6 +53,10 @@ public:
     /// from within an observer.
     void cancel();
 
+    /// Blocks for the duration, or until cancel() is called. Returns whether it was not called. For
+    /// a wait between two runs. Thread-safe.
+    [[nodiscard]] bool waitUnlessCancelled(std::chrono::milliseconds duration);
+
     /// Whether cancel() was called. Thread-safe.
     [[nodiscard]] bool isCancelled() const;
 
@@ -63,6 +68,7 @@ private:
 
     mutable Mutex _mutex;
     bool _cancelled NEB_GUARDED_BY(_mutex) = false;
+    Condition _cancellation;
     FileDescriptor _wakeWrite NEB_GUARDED_BY(_mutex);  // open during run()
     // present while an observer runs that may block
     ChildPipeline* _blockedPipeline NEB_GUARDED_BY(_mutex) = nullptr;

@@ -31,6 +31,7 @@ std::string withoutVariableParts(std::string text) {
         {R"((/[^\s'":]*)?/neb-test-\w{6})", "/tmp"},
         {R"((127\.0\.0\.1( port |:))\d+)", "$1PORT"},
         {R"(\d+ ms)", "N ms"},
+        {R"(is \d+ s old)", "is N s old"},
         {R"(\b[0-9a-f]{7,64}\b)", "COMMIT"},
         // paths that differ between distributions
         {R"( at /\S+ line \d+)", " at FILE line N"},

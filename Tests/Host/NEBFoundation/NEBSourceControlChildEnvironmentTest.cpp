@@ -281,6 +281,18 @@ TEST(ChildEnvironment, ReportsRemovedVariablesWithValuesAndReasons) {
     EXPECT_EQ(variables[1].reason, "adds to the text of errors");
 }
 
+TEST(ChildEnvironment, MakesGitWaitForLockedReferences) {
+    const Variables variables = NEBSourceControlChildEnvironment(
+        {}, {.mayRunHooks = true, .lockWait = std::chrono::milliseconds(1500)});
+    const auto key = std::ranges::find_if(variables, [](const std::string& variable) {
+        return variable.ends_with("=core.filesRefLockTimeout");
+    });
+    ASSERT_LT(key + 3, variables.end());
+    EXPECT_TRUE((key + 1)->ends_with("=1500"));
+    EXPECT_TRUE((key + 2)->ends_with("=core.packedRefsTimeout"));
+    EXPECT_TRUE((key + 3)->ends_with("=1500"));
+}
+
 TEST(ChildEnvironment, IsTheEnvironmentOfTheChildrenOfOperations) {
     class EnvironmentOperation : public NEBSourceControlTaskOperation {
     public:
@@ -289,8 +301,8 @@ TEST(ChildEnvironment, IsTheEnvironmentOfTheChildrenOfOperations) {
     };
     ::setenv("GIT_DIR", "/elsewhere", 1);
     EnvironmentOperation operation(test::requestFor(NEBSourceControlRequestStatus, std::nullopt));
-    const Variables expected =
-        NEBSourceControlChildEnvironment(NEBSourceControlInheritedEnvironment(), {});
+    const Variables expected = NEBSourceControlChildEnvironment(
+        NEBSourceControlInheritedEnvironment(), {.lockWait = std::chrono::seconds(2)});
     operation.start();
     ::unsetenv("GIT_DIR");
     std::string lines;

@@ -284,14 +284,5 @@ TEST_F(DoctorCommand, ARepositoryOfAnotherUserIsAProblem) {
               "If you trust it: git config --global --add safe.directory '/x y'");
 }
 
-TEST(LockAge, HasASuitableUnit) {
-    using std::chrono::seconds;
-    EXPECT_EQ(nebsc::textOfAge(seconds(0)), "0 s");
-    EXPECT_EQ(nebsc::textOfAge(seconds(59)), "59 s");
-    EXPECT_EQ(nebsc::textOfAge(seconds(60)), "1 minute");
-    EXPECT_EQ(nebsc::textOfAge(seconds(7200)), "2 hours");
-    EXPECT_EQ(nebsc::textOfAge(seconds(86400 * 3)), "3 days");
-}
-
 }  // namespace
 }  // namespace neb::test

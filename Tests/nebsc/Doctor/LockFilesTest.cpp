@@ -10,14 +10,14 @@ namespace neb::test {
 namespace {
 
 using nebsc::findLockFiles;
-using nebsc::LockFile;
 using testing::ElementsAre;
 
 class LockFiles : public HygienicTest {
 protected:
     [[nodiscard]] std::vector<std::string> found() const {
         std::vector<std::string> names;
-        for (const LockFile& lock : findLockFiles({folder.path(".git")}, folder.path())) {
+        for (const NEBSourceControlLockFile& lock :
+             findLockFiles({folder.path(".git")}, folder.path())) {
             names.push_back(lock.path.substr(folder.path(".git/").size()));
         }
         return names;

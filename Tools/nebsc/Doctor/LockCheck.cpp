@@ -11,10 +11,11 @@ namespace {
 /// A younger lock may belong to a git command that is between two of its programs.
 constexpr auto ageOfFreshLock = std::chrono::seconds(10);
 
-std::string namesOf(const std::vector<std::string>& holders) {
+std::string namesOf(const std::vector<NEBSourceControlLockHolder>& holders) {
     std::string names;
-    for (const std::string& holder : holders) {
-        names.append(names.empty() ? "" : ", ").append(holder);
+    for (const NEBSourceControlLockHolder& holder : holders) {
+        names.append(names.empty() ? "" : ", ").append(holder.command);
+        names.append(" (").append(std::to_string(holder.process)).append(")");
     }
     return names;
 }
@@ -27,12 +28,12 @@ void checkLocks(Examination& examination) {
     if (commonFolder != gitFolder) {
         folders.push_back(commonFolder);
     }
-    const std::vector<LockFile> locks = findLockFiles(folders, workingCopy);
+    const std::vector<NEBSourceControlLockFile> locks = findLockFiles(folders, workingCopy);
     if (locks.empty()) {
         examination.add(Health::ok, "locks", "no lock files found");
     }
-    for (const LockFile& lock : locks) {
-        const std::string what = lock.path + ", " + textOfAge(lock.age) + " old";
+    for (const NEBSourceControlLockFile& lock : locks) {
+        const std::string what = lock.path + ", " + NEBSourceControlTextOfAge(lock.age) + " old";
         if (!lock.holders.empty()) {
             examination.add(Health::note, "lock", what + "; held by " + namesOf(lock.holders),
                             "Wait until it has ended.");

@@ -1,0 +1,118 @@
+// The errors of an operation that runs a child process.
+
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlErrorDetails.h"
+#include "NEBFoundation/NEBSourceControlLockFile.h"
+#include "NEBFoundation/NEBSourceControlTaskOperation.h"
+#include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/PathString.h"
+
+namespace neb {
+
+namespace {
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+NEBSourceControlError errorOfClass(std::string_view errorClass, const std::string& description) {
+    auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
+    error.errorClass = errorClass;
+    return error;
+}
+
+}  // namespace
+
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::translatedErrorData() {
+    return _errorData && !_errorData->empty()
+               ? errorFromErrorMessage(_nebsc_stringFromData(_errorData))
+               : std::nullopt;
+}
+
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErrorMessage(
+    const std::optional<std::string>& message) {
+    const bool isNotice = _terminationStatus && _terminationStatus->isSuccess();
+    if (!message || isNotice || isBlank(*message)) {
+        return std::nullopt;
+    }
+    return NEBSourceControlErrorWithoutDetails(*message, *request());
+}
+
+/// Uses the whole output, whatever parseData() left of it: a rejected push has an error beside its
+/// content. If standard error has no known class (messages of a hook, a warning about line ends),
+/// standard output may have one: git reports conflicts and "nothing to commit" only there, with
+/// exit status 1. With any other status, standard output is content.
+std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailure(
+    const ChildText& childText, std::optional<NEBSourceControlError> found) {
+    if (!found && !isBlank(childText.errorText)) {
+        found = errorFromErrorMessage(childText.errorText);
+        if (!found) {
+            found = NEBSourceControlErrorWithoutDetails(childText.errorText, *request());
+        }
+    }
+    const bool isUnknown = found && found->errorClass == NEBSourceControlUnknownErrorClass;
+    const bool isInOutput =
+        _terminationStatus->exitStatus() == 1 &&
+        NEBSourceControlErrorClassOfText(childText.outputText) != NEBSourceControlUnknownErrorClass;
+    if ((!found && !isBlank(childText.outputText)) || (isUnknown && isInOutput)) {
+        found = NEBSourceControlErrorWithoutDetails(childText.outputText, *request());
+        if (!isBlank(childText.errorText)) {
+            found->text = childText.errorText + "\n" + childText.outputText;
+        }
+    }
+    if (!found && childText.isPresent) {
+        found = errorOfClass(NEBSourceControlUnknownErrorClass,
+                             "The operation was not completed: \"" + launchPath() +
+                                 "\" ended with " + _terminationStatus->description() + ".");
+    }
+    return !found || found->errorClass == NEBSourceControlUnknownErrorClass
+               ? errorFromUnknownFailure(std::move(found))
+               : found;
+}
+
+NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
+    const std::string how = _terminationStatus->description();
+    if (!_terminationStatus->started()) {
+        return errorOfClass(NEBSourceControlNotStartedErrorClass,
+                            "The operation could not be performed because " + how + ".");
+    }
+    auto error = _terminationStatus->signalNumber()
+                     ? errorOfClass(NEBSourceControlKilledErrorClass,
+                                    "The operation was not completed because \"" + launchPath() +
+                                        "\" was ended by " + how + ".")
+                     : errorOfClass(NEBSourceControlUnknownErrorClass,
+                                    "Whether the operation was completed is not known: \"" +
+                                        launchPath() + "\" ended, but " + how + ".");
+    error.terminationStatus = _terminationStatus;
+    return error;
+}
+
+/// Adds class, text, end of the child and details to the error.
+void NEBSourceControlTaskOperation::completeError(
+    NEBSourceControlError& error, const ChildText& childText,
+    const std::optional<TerminationStatus>& status) const {
+    const std::string& text =
+        isBlank(childText.errorText) ? childText.outputText : childText.errorText;
+    if (!error.errorClass) {
+        error.errorClass = NEBSourceControlErrorClassOfText(childText.errorText);
+        if (error.errorClass == NEBSourceControlUnknownErrorClass && status &&
+            status->exitStatus() == 1) {
+            error.errorClass = NEBSourceControlErrorClassOfText(childText.outputText);
+        }
+    }
+    if (!error.text && !isBlank(text)) {
+        error.text = text;
+    }
+    if (!error.terminationStatus) {
+        error.terminationStatus = status;
+    }
+    error.hints = NEBSourceControlHintsInText(childText.errorText);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(childText.errorText);
+    error.files = NEBSourceControlFilesInText(childText.errorText + "\n" + childText.outputText,
+                                              *error.errorClass);
+    NEBSourceControlAddLockDetails(error,
+                                   pathByExpandingTilde(_currentDirectoryPath.value_or(".")));
+}
+
+}  // namespace neb

@@ -21,6 +21,7 @@
 #include "NEBFoundation/NEBSourceControlRecordCursor.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "NEBFoundation/NEBSourceControlStatus.h"
 #include "Platform/OperationQueue.h"
 // IWYU pragma: end_exports

@@ -98,17 +98,14 @@ public:
     /// Returns immediately; `completion` is called later, on a thread of a queue. Returns null, and
     /// never calls `completion`, if the request is refused or its type is unknown.
     std::shared_ptr<NEBSourceControlOperation> perform(
-        const std::shared_ptr<NEBSourceControlRequest>& request, bool writes,
-        Completion completion) {
+        const std::shared_ptr<NEBSourceControlRequest>& request, Completion completion) {
         if (const auto refusal = refusalOf(*_controller, *request)) {
             print(*refusal);
             return nullptr;
         }
         auto operation = _controller->operationForRequest(request);
         if (operation) {
-            OperationQueue& queue = writes ? _writes : _reads;
-            queue.addBlock([operation, completion = std::move(completion)] {
-                operation->start();      // blocks this thread until git has exited
+            _scheduler.addOperation(operation, [operation, completion = std::move(completion)] {
                 completion(*operation);  // a window would post an event here
             });
         }
@@ -117,26 +114,24 @@ public:
 
 private:
     std::unique_ptr<NEBSourceControlProtocol> _controller;
-    OperationQueue _reads;
-    OperationQueue _writes{1};
+    NEBSourceControlScheduler _scheduler;
 };
 
 // ---- demonstration ----------------------------------------------------------------------------
 
 /// Performs the request, waits for it, and prints its outcome. A real window would not wait.
-void performAndWait(RequestRunner& runner, const std::shared_ptr<NEBSourceControlRequest>& request,
-                    bool writes) {
+void performAndWait(RequestRunner& runner,
+                    const std::shared_ptr<NEBSourceControlRequest>& request) {
     std::promise<void> finished;
-    const auto operation =
-        runner.perform(request, writes, [&](const NEBSourceControlOperation& work) {
-            if (work.error() && isFailureForUser(*work.error())) {
-                print(*work.error());
-            }
-            for (const NEBDictionary& record : work.result().value_or(NEBSourceControlResult())) {
-                std::cout << work.className() << ": " << record.size() << " entries\n";
-            }
-            finished.set_value();
-        });
+    const auto operation = runner.perform(request, [&](const NEBSourceControlOperation& work) {
+        if (work.error() && isFailureForUser(*work.error())) {
+            print(*work.error());
+        }
+        for (const NEBDictionary& record : work.result().value_or(NEBSourceControlResult())) {
+            std::cout << work.className() << ": " << record.size() << " entries\n";
+        }
+        finished.set_value();
+    });
     if (operation) {
         finished.get_future().wait();
     }
@@ -208,11 +203,11 @@ int main(int argc, char** argv) {
     }
     const std::string folder = std::filesystem::canonical(argv[1]).string();
     RequestRunner runner(*load.plugIn);
-    performAndWait(runner, requestFor(NEBSourceControlRequestStatus, folder), false);
-    performAndWait(runner, commitRequest(folder, "Say hello"), true);
-    performAndWait(runner, commitRequest(folder, "Say it again"), true);
-    performAndWait(runner, requestFor(NEBSourceControlRequestCheckout, folder), true);
-    performAndWait(runner, requestFor(NEBSourceControlRequestFetch, folder), false);
+    performAndWait(runner, requestFor(NEBSourceControlRequestStatus, folder));
+    performAndWait(runner, commitRequest(folder, "Say hello"));
+    performAndWait(runner, commitRequest(folder, "Say it again"));
+    performAndWait(runner, requestFor(NEBSourceControlRequestCheckout, folder));
+    performAndWait(runner, requestFor(NEBSourceControlRequestFetch, folder));
     showAsTheyArrive(*load.plugIn, folder);
     showInPages(*load.plugIn, folder);
     showCancelling(*load.plugIn, folder);

@@ -131,8 +131,7 @@ CursorRequests::CursorRequests(const HostSession& session, MessageWriter& writer
       _progress(progress),
       _jobs(jobs),
       _credentials(credentials),
-      _now(std::move(now)),
-      _queue(mostCursors) {}
+      _now(std::move(now)) {}
 
 /// All are cancelled before the first is waited for, so that their processes end at the same time.
 CursorRequests::~CursorRequests() {
@@ -144,7 +143,7 @@ CursorRequests::~CursorRequests() {
     for (const auto& [key, entry] : entries) {
         entry.cursor->cancel();
     }
-    _queue.waitUntilAllOperationsAreFinished();
+    _scheduler.waitUntilAllWorkIsDone();
 }
 
 /// Reads the parameters. Absent if the message was refused.
@@ -229,7 +228,7 @@ void CursorRequests::start(const RPCMessage& message, const CursorParams& params
                            const std::string& key, const std::shared_ptr<Cursor>& cursor,
                            std::int64_t pageSize, bool isOpen) {
     const auto use = std::make_shared<Use>(*this, key, !isOpen);
-    _jobs.start(*message.id, _scheduler, {.location = key},
+    _jobs.start(*message.id, _scheduler, {.places = {key}},
                 [this, use, cursor, pageSize, token = params.progressToken](Job& job) {
                     std::optional<ProgressReports::Work> progress;
                     if (token) {
@@ -260,7 +259,7 @@ void CursorRequests::close(RPCMessage& message) {
         return;
     }
     cursor->cancel();
-    _jobs.start(*message.id, _scheduler, {.location = *params->cursor}, [cursor](Job& job) {
+    _jobs.start(*message.id, _scheduler, {.places = {*params->cursor}}, [cursor](Job& job) {
         cursor->close();
         return rpcResult(job.id(), nullptr);
     });
@@ -282,7 +281,7 @@ void CursorRequests::closeIdle() {
     }
     for (const auto& [key, cursor] : idle) {
         cursor->cancel();
-        _scheduler.add({.location = key}, [cursor = cursor] { cursor->close(); });
+        _scheduler.add({.places = {key}}, [cursor = cursor] { cursor->close(); });
     }
 }
 

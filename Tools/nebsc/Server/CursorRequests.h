@@ -15,8 +15,8 @@
 #include <optional>
 #include <string>
 
+#include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "Platform/Mutex.h"
-#include "Platform/OperationQueue.h"
 #include "Server/Credentials/CredentialRequests.h"
 #include "Server/Cursor.h"
 #include "Server/CursorParams.h"
@@ -24,7 +24,6 @@
 #include "Server/MessageWriter.h"
 #include "Server/ProgressReports.h"
 #include "Server/RPCMessage.h"
-#include "Server/RepositoryScheduler.h"
 #include "Session/HostSession.h"
 
 namespace neb::nebsc {
@@ -83,8 +82,7 @@ private:
     std::uint64_t _lastKey = 0;
     mutable Mutex _mutex;
     std::map<std::string, Entry> _entries NEB_GUARDED_BY(_mutex);  // by the client's name of it
-    OperationQueue _queue;
-    RepositoryScheduler _scheduler{_queue};  // the requests for one cursor in order
+    NEBSourceControlScheduler _scheduler{mostCursors};  // the requests for one cursor in order
 };
 
 }  // namespace neb::nebsc

@@ -10,7 +10,8 @@ namespace neb::nebsc {
 
 using JSON = nlohmann::ordered_json;
 
-void Jobs::start(const JSON& id, RepositoryScheduler& scheduler, WorkPlace place, Respond respond) {
+void Jobs::start(const JSON& id, NEBSourceControlScheduler& scheduler,
+                 const NEBSourceControlWork& place, Respond respond) {
     const auto job = std::make_shared<Job>(id);
     bool isNew = false;
     {
@@ -22,8 +23,7 @@ void Jobs::start(const JSON& id, RepositoryScheduler& scheduler, WorkPlace place
         return;
     }
     try {
-        scheduler.add(std::move(place),
-                      [this, job, respond = std::move(respond)] { work(*job, respond); });
+        scheduler.add(place, [this, job, respond = std::move(respond)] { work(*job, respond); });
     } catch (...) {
         erase(id);
         throw;

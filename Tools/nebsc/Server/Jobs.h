@@ -1,7 +1,7 @@
 // Jobs.h - the requests of a client that have no response yet.
 //
 //     Jobs jobs(writer, [] { … });
-//     jobs.start(id, scheduler, std::nullopt, responseOf);
+//     jobs.start(id, scheduler, {}, responseOf);
 //     jobs.cancel(id);
 #pragma once
 
@@ -12,10 +12,10 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "Platform/Mutex.h"
 #include "Server/Job.h"
 #include "Server/MessageWriter.h"
-#include "Server/RepositoryScheduler.h"
 
 namespace neb::nebsc {
 
@@ -32,11 +32,11 @@ public:
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
-    /// Schedules a job for the request (see RepositoryScheduler for its place). If a job has the
+    /// Schedules a job for the request (see NEBSourceControlWork). If a job has the
     /// same id, sends an error response instead. `respond` is destroyed when the job has ended.
     /// Throws std::bad_alloc; then no response is sent.
-    void start(const nlohmann::ordered_json& id, RepositoryScheduler& scheduler, WorkPlace place,
-               Respond respond);
+    void start(const nlohmann::ordered_json& id, NEBSourceControlScheduler& scheduler,
+               const NEBSourceControlWork& place, Respond respond);
 
     /// If a job has this id, sends an error response to the request that repeats it, and returns
     /// true.

@@ -108,8 +108,7 @@ Server::End Server::run(int input, int output) {
         [this](const std::string& message) { _writer->send(message); });
     _credentials = std::make_unique<CredentialRequests>(*_writer);
     _jobs = std::make_unique<Jobs>(*_writer, [this] { _wake.wake(); });
-    _queue = std::make_unique<OperationQueue>(requestsAtOnce);
-    _scheduler = std::make_unique<RepositoryScheduler>(*_queue);
+    _scheduler = std::make_unique<NEBSourceControlScheduler>(requestsAtOnce);
     _cursors =
         std::make_unique<CursorRequests>(_session, *_writer, *_progress, *_jobs, *_credentials);
     _watches = std::make_unique<WatchRequests>(_session, *_writer, *_jobs, *_scheduler);
@@ -307,7 +306,7 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
     const auto name = NEBSourceControlRequestTypeName(request->type);
     _jobs->start(
         *message.id, *_scheduler,
-        {.location = isRun ? writtenLocationOf(*request) : std::nullopt,
+        {.places = isRun ? NEBSourceControlWrittenPlaces(*request) : std::vector<std::string>(),
          .isBackground = settings.isBackgroundWork},
         [this, request, settings, isRun, token = token.value, partialToken = partialToken.value,
          title = std::string(name.value_or("request"))](Job& job) {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "Platform/OperationQueue.h"
+#include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "Platform/Wake.h"
 #include "Server/Credentials/CredentialRequests.h"
 #include "Server/CursorRequests.h"
@@ -18,7 +18,6 @@
 #include "Server/MessageWriter.h"
 #include "Server/ProgressReports.h"
 #include "Server/RPCMessage.h"
-#include "Server/RepositoryScheduler.h"
 #include "Server/Watch/WatchRequests.h"
 #include "Session/HostSession.h"
 #include "Session/Interruption.h"
@@ -97,8 +96,7 @@ private:
     std::unique_ptr<ProgressReports> _progress;
     std::unique_ptr<CredentialRequests> _credentials;
     std::unique_ptr<Jobs> _jobs;
-    std::unique_ptr<OperationQueue> _queue;
-    std::unique_ptr<RepositoryScheduler> _scheduler;
+    std::unique_ptr<NEBSourceControlScheduler> _scheduler;
     std::unique_ptr<CursorRequests> _cursors;
     std::unique_ptr<WatchRequests> _watches;
 };

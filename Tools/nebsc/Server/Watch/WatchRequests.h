@@ -11,11 +11,11 @@
 #include <memory>
 #include <string>
 
+#include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "Platform/Mutex.h"
 #include "Server/Jobs.h"
 #include "Server/MessageWriter.h"
 #include "Server/RPCMessage.h"
-#include "Server/RepositoryScheduler.h"
 #include "Server/Watch/RepositoryWatch.h"
 #include "Server/Watch/WatchParams.h"
 #include "Session/HostSession.h"
@@ -33,7 +33,7 @@ public:
     /// All must outlive this object. The scheduler must run no work any more when they are
     /// destroyed.
     WatchRequests(const HostSession& session, MessageWriter& writer, Jobs& jobs,
-                  RepositoryScheduler& scheduler)
+                  NEBSourceControlScheduler& scheduler)
         : _session(session), _writer(writer), _jobs(jobs), _scheduler(scheduler) {}
     WatchRequests(const WatchRequests&) = delete;
     WatchRequests& operator=(const WatchRequests&) = delete;
@@ -62,7 +62,7 @@ private:
     const HostSession& _session;
     MessageWriter& _writer;
     Jobs& _jobs;
-    RepositoryScheduler& _scheduler;
+    NEBSourceControlScheduler& _scheduler;
     std::uint64_t _lastKey = 0;
     Mutex _mutex;
     std::map<std::string, Watch> _watches NEB_GUARDED_BY(_mutex);  // by the client's name of it

@@ -112,9 +112,10 @@ std::optional<std::string> GitChangeComposite::queriedHead() {
 }
 
 std::optional<std::string> GitChangeComposite::queriedCommit(const NEBValue& revision) {
+    // Unlike rev-parse, this names the revision in its error.
     const Data name = gitBytesOfValue(gitRevisionOfCommit(revision)).value_or(Data());
-    return queriedLine({"rev-parse", "--verify", "--end-of-options",
-                        std::string(name.bytes()).append("^{commit}")});
+    return queriedLine(
+        {"merge-base", "--independent", "--end-of-options", std::string(name.bytes())});
 }
 
 std::optional<std::vector<std::string>> GitChangeComposite::queriedObstacles(

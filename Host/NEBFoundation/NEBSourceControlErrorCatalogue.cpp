@@ -40,6 +40,18 @@ const ErrorCatalogueRow* matchingRow(std::string_view text) {
     return nullptr;
 }
 
+/// Returns the first row of the class, or null.
+const ErrorCatalogueRow* rowOfClass(std::string_view errorClass) {
+    for (const ErrorCatalogueTable rows : errorCatalogueTables()) {
+        for (const ErrorCatalogueRow& row : rows) {
+            if (row.errorClass == errorClass) {
+                return &row;
+            }
+        }
+    }
+    return nullptr;
+}
+
 /// Returns the statements in the form that patterns are compared with: a line feed before the first
 /// line, and of a very long text only the beginning and the end, which bounds the time of a search.
 std::string searchableText(std::string_view statements) {
@@ -53,8 +65,38 @@ std::string searchableText(std::string_view statements) {
         .append(statements.substr(statements.size() - half));
 }
 
+/// The messages for an unknown revision, if it is HEAD. They are compared with the text of git
+/// itself: names are removed from statements, and a branch may have the name "head".
+constexpr std::string_view textsOfUnknownHEAD[] = {
+    "ambiguous argument 'HEAD': unknown revision",
+    "bad revision 'HEAD'",
+    "ailed to resolve 'HEAD' as a valid",
+    "ot a valid object name: 'HEAD'",
+    "ot a valid object name: HEAD\n",
+    "ot a valid object name HEAD\n",
+    "nvalid object name 'HEAD'",
+    "nvalid reference: HEAD\n",
+    "nvalid upstream 'HEAD'",
+    "ould not resolve HEAD\n",
+    "HEAD - not something we can merge",
+    "malformed object name HEAD\n",
+};
+
+/// Without commits, git does not know HEAD. Returns the row for that instead of the one for an
+/// unknown revision, if the text says so.
+const ErrorCatalogueRow* rowOfUnknownHEAD(const ErrorCatalogueRow* row, std::string_view text) {
+    if (row == nullptr || row->errorClass != NEBSourceControlRevisionUnknownErrorClass) {
+        return row;
+    }
+    const std::string lines = std::string(text) + "\n";
+    const bool namesHEAD =
+        std::any_of(std::begin(textsOfUnknownHEAD), std::end(textsOfUnknownHEAD),
+                    [&](std::string_view part) { return lines.find(part) != std::string::npos; });
+    return namesHEAD ? rowOfClass(NEBSourceControlNoCommitsYetErrorClass) : row;
+}
+
 /// Returns the row of the text, or null. Warnings and hints count only if nothing else matches.
-const ErrorCatalogueRow* rowOfText(std::string_view text) {
+const ErrorCatalogueRow* rowOfStatements(std::string_view text) {
     const std::string statements = NEBSourceControlStatementsInText(text);
     const std::string errors = NEBSourceControlStatementsWithoutAsides(statements);
     if (const auto* row = matchingRow(searchableText(errors))) {
@@ -65,6 +107,10 @@ const ErrorCatalogueRow* rowOfText(std::string_view text) {
         return row;
     }
     return matchingRow(searchableText(statements));
+}
+
+const ErrorCatalogueRow* rowOfText(std::string_view text) {
+    return rowOfUnknownHEAD(rowOfStatements(text), text);
 }
 
 /// Whether hosts expect the text itself as the description of an error with this code.

@@ -283,7 +283,7 @@ TEST_F(Pick, SeesConflictsOutsideOfTheLocation) {
 
 TEST_F(Pick, SaysWhyNot) {
     EXPECT_THAT(picked("cherry-pick", "HEAD")->error(),
-                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+                HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
     makeConflictingBranch();
     for (const char* action : {"cherry-pick", "revert", "reset"}) {
         for (const char* revision : {"nosuch", "--abort", "main side"}) {

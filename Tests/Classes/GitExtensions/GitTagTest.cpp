@@ -62,8 +62,7 @@ TEST_F(Tag, IsReplacedOnlyByForce) {
 }
 
 TEST_F(Tag, SaysWhyNot) {
-    EXPECT_THAT(performedOn("v1")->error(),
-                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+    EXPECT_THAT(performedOn("v1")->error(), HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
     repository.commitFile("a.c", "1");
     for (const char* name : {"-d", "a b", "x..y", ""}) {
         EXPECT_THAT(performedOn(name)->error(),

@@ -14,7 +14,7 @@ struct ReadRefusal {
 
 const ReadRefusal readRefusals[] = {
     {"unborn", NEBSourceControlRequestHistory, "no-commits-yet"},
-    {"unborn", NEBSourceControlRequestContent, "revision-unknown"},
+    {"unborn", NEBSourceControlRequestContent, "no-commits-yet"},
     {"unborn", NEBSourceControlRequestAnnotation, "no-commits-yet"},
     {"unborn", NEBSourceControlRequestTree, "revision-unknown"},
     {"bare", NEBSourceControlRequestWorkingCopyState, "no-work-tree"},

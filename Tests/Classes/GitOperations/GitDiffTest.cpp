@@ -330,7 +330,7 @@ TEST_F(DiffOfRepository, ReportsFailures) {
 TEST_F(DiffOfRepository, ReportsARepositoryWithoutCommits) {
     const TestRepository empty;
     request->sourceTree->location = empty.path();
-    EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+    EXPECT_THAT(run()->error(), HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));
 }
 
 }  // namespace

@@ -66,6 +66,18 @@ void makePrintable(NEBSourceControlError& error, std::string_view name) {
     }
 }
 
+/// Whether the revision is HEAD or counts from it; see gitrevisions(7).
+bool beginsWithHEAD(std::string_view revision) {
+    for (const std::string_view name : {"HEAD", "@"}) {
+        if (revision.starts_with(name) &&
+            (revision.size() == name.size() ||
+             std::string_view("~^@:").find(revision[name.size()]) != std::string_view::npos)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 // ---- failures of git --------------------------------------------------------------------------
@@ -163,7 +175,15 @@ std::optional<CommandOutput> refusalWithoutCommits(const GitQueries& git) {
                    exitFailed, NEBSourceControlNoCommitsYetErrorClass);
 }
 
+std::optional<CommandOutput> refusalOfUnbornHEAD(const GitQueries& git,
+                                                 const std::string& revision) {
+    return beginsWithHEAD(revision) ? refusalWithoutCommits(git) : std::nullopt;
+}
+
 CommandOutput refusalOfUnknownRevision(const GitQueries& git, const std::string& revision) {
+    if (auto unborn = refusalOfUnbornHEAD(git, revision)) {
+        return *std::move(unborn);
+    }
     if (const auto broken = brokenReference(git, revision)) {
         return failureWith(*broken);
     }

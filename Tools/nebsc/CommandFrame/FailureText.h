@@ -47,6 +47,9 @@ void rejectRefusedValue(const RequestResult& result);
 
 /// Refuses where HEAD has no commit. Absent outside of a repository too.
 [[nodiscard]] std::optional<CommandOutput> refusalWithoutCommits(const GitQueries& git);
+/// The same for a revision that is HEAD or counts from it; absent for others.
+[[nodiscard]] std::optional<CommandOutput> refusalOfUnbornHEAD(const GitQueries& git,
+                                                               const std::string& revision);
 /// Returns the refusal of a revision that git does not know: it does not exist, or its reference is
 /// broken.
 [[nodiscard]] CommandOutput refusalOfUnknownRevision(const GitQueries& git,

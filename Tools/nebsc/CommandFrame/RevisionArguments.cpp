@@ -132,6 +132,9 @@ std::optional<CommandOutput> Reader::takeFile(const std::string& argument, bool 
         return refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
     }
     if (mustExist && !exists(*search.path)) {
+        if (auto unborn = refusalOfUnbornHEAD(_git, argument)) {
+            return unborn;
+        }
         if (const auto broken = brokenReference(_git, argument)) {
             return failureWith(*broken);
         }

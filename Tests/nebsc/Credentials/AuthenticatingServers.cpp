@@ -50,16 +50,17 @@ SharedFolder::SharedFolder() {
     repository.git({"clone", "-q", "--bare", repository.path(), folder.path("shared.git")});
 }
 
-HTTPServer::HTTPServer() {
+HTTPServer::HTTPServer(const std::string& passwordOfAnn) {
+    folder.write("credentials", "ann:" + passwordOfAnn);
     Pipe pipe;
     if (openPipe(pipe, PipeSize::ordinary) != 0) {
         throw std::runtime_error("no pipe could be created");
     }
-    _server = startProgram({"python3", NEB_SOURCE_FOLDER "/Tests/nebsc/Credentials/http_server.py",
-                            folder.path(), "ann", password},
-                           NEBSourceControlInheritedEnvironment(),
-                           {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
-                            .standardOutput = ChildStream::copyOf(pipe.writeEnd.get())});
+    _server = startProgram(
+        {"python3", NEB_SOURCE_FOLDER "/Tests/nebsc/Credentials/http_server.py", folder.path()},
+        NEBSourceControlInheritedEnvironment(),
+        {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
+         .standardOutput = ChildStream::copyOf(pipe.writeEnd.get())});
     pipe.writeEnd.close();
     _host = "http://127.0.0.1:" + readLine(pipe.readEnd.get());
 }
@@ -72,6 +73,10 @@ HTTPServer::~HTTPServer() {
 std::string HTTPServer::url(const std::string& user) const {
     std::string url = _host + "/shared.git";
     return url.insert(url.find("127."), user);
+}
+
+std::string HTTPServer::placesOfPassword() const {
+    return folder.read("seen");
 }
 
 bool SSHServer::isInstalled() {

@@ -18,12 +18,12 @@ public:
     TemporaryFolder folder;
 };
 
-/// An HTTP server with basic authentication for the user "ann" with the password "s3cret-word".
+/// An HTTP server with basic authentication for the user "ann".
 class HTTPServer : public SharedFolder {
 public:
     static constexpr const char* password = "s3cret-word";
 
-    HTTPServer();
+    explicit HTTPServer(const std::string& passwordOfAnn = password);
     HTTPServer(const HTTPServer&) = delete;
     HTTPServer& operator=(const HTTPServer&) = delete;
     ~HTTPServer();
@@ -32,6 +32,9 @@ public:
     [[nodiscard]] const std::string& host() const { return _host; }
     /// Returns the URL of the repository, optionally for a user: "ann@".
     [[nodiscard]] std::string url(const std::string& user = "") const;
+    /// Returns where the password was found in other processes while the server answered a request
+    /// with it: "cmdline" or "environ" for each; see proc(5). Empty if nowhere.
+    [[nodiscard]] std::string placesOfPassword() const;
 
 private:
     pid_t _server = -1;

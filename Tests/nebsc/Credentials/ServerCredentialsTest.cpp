@@ -247,6 +247,27 @@ TEST(ServerCredentials, AreGivenOnlyToProcessesWithTheToken) {
     EXPECT_THAT(server.client.others(), IsEmpty());
 }
 
+// The passwords are those of these tests alone, because others run at the same time.
+TEST(ServerCredentials, AreNeitherArgumentsNorVariablesOfAProcess) {
+    const std::string password = "hidden-word";
+    const HTTPServer http(password);
+    AskingServer server;
+    server.ask(1, http.url("ann@"));
+    server.answerNext("password", password);
+    server.expectSuccess(1);
+    EXPECT_EQ(http.placesOfPassword(), "");
+}
+
+TEST(ServerCredentials, WouldBeFoundInTheVariablesOfAProcess) {
+    const std::string password = "visible-word";
+    const HTTPServer http(password);
+    AskingServer server({{"SECRET_OF_THE_TEST", password}});
+    server.ask(1, http.url("ann@"));
+    server.answerNext("password", password);
+    server.expectSuccess(1);
+    EXPECT_THAT(http.placesOfPassword(), HasSubstr("environ"));
+}
+
 TEST(ServerCredentials, LeaveNothingBehind) {
     const HTTPServer http;
     AskingServer server;

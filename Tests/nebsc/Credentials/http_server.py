@@ -1,17 +1,33 @@
 #!/usr/bin/env python3
 """Serves the bare repositories of a folder with git-http-backend(1), with basic authentication.
 
-usage: http_server.py FOLDER USER PASSWORD
-Prints the port, and then serves on the loopback address until it is killed.
+usage: http_server.py FOLDER
+The file "credentials" of the folder has the name and the password: "ann:secret". Prints the port,
+and then serves on the loopback address until it is killed. During each request that is answered,
+it looks for the password in the command lines and environments of all processes; it names the
+places in the file "seen" of the folder.
 """
 import base64
 import http.server
 import os
+import pathlib
 import subprocess
 import sys
 
-FOLDER, USER, PASSWORD = sys.argv[1:]
-EXPECTED = "Basic " + base64.b64encode(f"{USER}:{PASSWORD}".encode()).decode()
+FOLDER = pathlib.Path(sys.argv[1])
+CREDENTIALS = (FOLDER / "credentials").read_bytes()
+USER, PASSWORD = CREDENTIALS.split(b":")
+EXPECTED = "Basic " + base64.b64encode(CREDENTIALS).decode()
+
+
+def places_of_password():
+    for process in pathlib.Path("/proc").glob("[0-9]*"):
+        for place in process / "cmdline", process / "environ":
+            try:
+                if PASSWORD in place.read_bytes():
+                    yield place.name
+            except OSError:
+                pass  # the process has ended, or belongs to another user
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -23,10 +39,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.send_header("Content-Length", "0")
             self.end_headers()
             return
+        with open(FOLDER / "seen", "a") as seen:
+            seen.writelines(places_of_password())
         path, _, query = self.path.partition("?")
         environment = dict(
-            os.environ, GIT_PROJECT_ROOT=FOLDER, GIT_HTTP_EXPORT_ALL="1", PATH_INFO=path,
-            QUERY_STRING=query, REQUEST_METHOD=self.command, REMOTE_USER=USER,
+            os.environ, GIT_PROJECT_ROOT=str(FOLDER), GIT_HTTP_EXPORT_ALL="1", PATH_INFO=path,
+            QUERY_STRING=query, REQUEST_METHOD=self.command, REMOTE_USER=USER.decode(),
             CONTENT_TYPE=self.headers.get("Content-Type", ""), CONTENT_LENGTH=str(len(body)),
             HTTP_CONTENT_ENCODING=self.headers.get("Content-Encoding", ""),
             GIT_PROTOCOL=self.headers.get("Git-Protocol", ""))

@@ -59,6 +59,14 @@ std::string newPrivateFolder() {
     return {};
 }
 
+/// The time until a connection is accepted again after the system had no descriptor or memory for
+/// it; see accept(2).
+constexpr int pauseInMilliseconds = 100;
+
+bool isShortOfResources(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
 bool belongsToThisUser(int connection) {
 #ifdef SO_PEERCRED
     ucred peer{};
@@ -175,6 +183,8 @@ void CredentialService::accept() {
         }
         const int connection = ::accept4(_listener.get(), nullptr, nullptr, SOCK_CLOEXEC);
         if (connection < 0) {
+            // Without a descriptor for it, the connection waits, and poll() would return at once.
+            ::poll(&descriptors[1], 1, isShortOfResources(errno) ? pauseInMilliseconds : 0);
             continue;
         }
         _queue->addBlock([this, connection] {

@@ -141,7 +141,7 @@ TEST(RequestJSON, ReadsAllMembersOfASourceTree) {
 
 TEST(RequestJSON, AcceptsPathsURLsAndAddressesAsLocations) {
     const auto with = [](const std::string& location) {
-        return R"({"type": 0, "sourceTree": {"location": ")" + location + "\"}}";
+        return R"({"type": 29, "sourceTree": {"location": ")" + location + "\"}}";
     };
     for (const char* location : {"/w", "~/w", "file:///w", "https://h/r.git", "git@h:r.git"}) {
         EXPECT_EQ(accepted(with(location))->sourceTree->location, location);
@@ -289,6 +289,46 @@ TEST(RequestJSON, RefusesWhatIsNotBase64) {
         requestFromJSON(R"({"type": 0, "options": {"NEBSourceControlRequestOptionForce": [[1]]}})")
             .refusal,
         "");
+}
+
+TEST(RequestJSON, RefusesToGuessTheTruthOfAValue) {
+    const auto with = [](const std::string& value) {
+        return requestFromJSON(
+            R"({"type": 1007, "options": {"NEBSourceControlRequestOptionDryRun": )" + value + "}}");
+    };
+    for (const char* value :
+         {"\"x\"", "\"true\"", "1.5", "[]", "[true]", R"({"base64": "eA=="})"}) {
+        EXPECT_THAT(with(value).refusal, testing::EndsWith("expected true or false.")) << value;
+    }
+    for (const char* value : {"true", "1"}) {
+        EXPECT_TRUE(with(value).request->option(NEBSourceControlRequestOptionDryRun).boolValue());
+    }
+    EXPECT_FALSE(with("false").request->option(NEBSourceControlRequestOptionDryRun).boolValue());
+    EXPECT_EQ(requestFromJSON(R"({"type": 1012, "options":
+                                  {"NEBSourceControlRequestOptionForceWithLease": "main"}})")
+                  .refusal,
+              "");
+}
+
+TEST(RequestJSON, RefusesALocationInWhichGitCannotRun) {
+    const auto with = [](int type, const std::string& location) {
+        return requestFromJSON(R"({"type": )" + std::to_string(type) +
+                               R"(, "sourceTree": {"location": ")" + location + "\"}}")
+            .refusal;
+    };
+    for (const char* location :
+         {"untitled:Untitled-1", "http://h/r", "h:r", "file:", "file:rel", "file:///tmp/a%00b"}) {
+        for (const int type : {0, 15, 33, 999, 1000, 1007, 1013}) {
+            EXPECT_EQ(with(type, location),
+                      std::string("The request's member 'sourceTree.location' is '") + location +
+                          "'; expected an absolute path, or a file URL with one.");
+        }
+        for (const int type : {25, 29, 31, 32}) {
+            EXPECT_EQ(with(type, location), "") << location << type;
+        }
+    }
+    EXPECT_EQ(with(1007, "file:///tmp/a"), "");
+    EXPECT_EQ(with(1007, "/tmp/a"), "");
 }
 
 TEST(RequestJSON, TreatsANullOptionAsAbsent) {

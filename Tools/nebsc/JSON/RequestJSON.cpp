@@ -4,9 +4,11 @@
 #include <optional>
 
 #include "JSON/RequestMembers.h"
+#include "JSON/Schema/TypeMembers.h"
 #include "JSON/SourceTreeJSON.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/PathString.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -14,6 +16,8 @@ namespace neb::nebsc {
 namespace {
 
 using Kind = JSONNode::Kind;
+
+constexpr std::string_view optionPrefix = "NEBSourceControlRequestOption";
 
 // ---- objects ----------------------------------------------------------------------------------
 
@@ -58,6 +62,21 @@ bool isOptionKey(std::string_view name) {
                        [name](NEBConstant key) { return key == name; });
 }
 
+bool isBooleanOption(std::string_view key) {
+    const auto options = describedOptions();
+    return std::any_of(options.begin(), options.end(), [key](const ValueDescription& option) {
+        return option.kind == ValueKind::boolean && key.ends_with(option.name) &&
+               key.size() == optionPrefix.size() + option.name.size();
+    });
+}
+
+/// Refuses values whose truth an operation would have to guess. An integer other than 0 is true.
+bool checkBoolean(Refusal& refusal, const InputNode& input) {
+    const Kind kind = input.node.kind;
+    return kind == Kind::boolean || kind == Kind::integer || kind == Kind::null ||
+           refusal.wrongKind(input, "true or false");
+}
+
 std::string allOptionKeys() {
     std::string keys;
     for (const NEBConstant key : NEBSourceControlAllRequestOptions) {
@@ -80,7 +99,8 @@ bool readOptions(Refusal& refusal, const InputNode& input, std::optional<NEBDict
         if (!isOptionKey(child.name)) {
             return refuseUnknownMember(refusal, childInput, allOptionKeys());
         }
-        if (!readValue(refusal, childInput, value)) {
+        if ((isBooleanOption(child.name) && !checkBoolean(refusal, childInput)) ||
+            !readValue(refusal, childInput, value)) {
             return false;
         }
         options->set(child.name, std::move(value));
@@ -141,6 +161,25 @@ bool checkCloneDestination(Refusal& refusal, const Request& request) {
     return true;
 }
 
+/// Refuses a location in which git cannot run, such as the URI of an unsaved text: git would run in
+/// the current folder of nebsc. Requests about a remote repository may name it there.
+bool checkLocation(Refusal& refusal, const Request& request) {
+    if (!request.sourceTree || !request.sourceTree->location ||
+        pathOfLocation(*request.sourceTree->location)) {
+        return true;
+    }
+    const auto& description = NEBSourceControlDescriptionOfRequestType(request.type);
+    const bool readsURLs = description.effect == NEBSourceControlRequestEffect::reads &&
+                           (description.exposedValues & NEBSourceControlExposedFiles) != 0;
+    if (description.worksInDestination || readsURLs) {
+        return true;
+    }
+    refusal.sentence = subjectAt("sourceTree.location") + " is " +
+                       inQuotes(shortened(*request.sourceTree->location)) +
+                       "; expected an absolute path, or a file URL with one.";
+    return false;
+}
+
 bool readRequest(Refusal& refusal, const JSONNode& root, Request& request) {
     const InputNode input{root, ""};
     if (root.kind != Kind::object) {
@@ -154,7 +193,7 @@ bool readRequest(Refusal& refusal, const JSONNode& root, Request& request) {
     if (!hasType) {
         return refusal.wrongValue({root, "type"}, "is missing; expected an integer");
     }
-    return checkCloneDestination(refusal, request);
+    return checkCloneDestination(refusal, request) && checkLocation(refusal, request);
 }
 
 }  // namespace

@@ -68,6 +68,27 @@ TEST_F(CheckoutCommand, ConflictsAreAFailureWithJSONToo) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+TEST_F(CheckoutCommand, RefusesToLoseUnfinishedWork) {
+    repository.git({"checkout", "--quiet", "-b", "side"});
+    repository.commitFile("side.c", "1\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.git({"merge", "--quiet", "--no-commit", "--no-ff", "side"});
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"checkout", "side"},
+                                               {"checkout", "HEAD~1"},
+                                               {"switch", "side"},
+                                               {"switch", "--create", "new"}}) {
+        expectFailed(nebsc(arguments),
+                     "nebsc: this working copy is in the middle of a merge; nothing was changed\n"
+                     "'nebsc commit' completes it, 'nebsc abort' cancels it.\n");
+    }
+    EXPECT_EQ(repository.gitStatus({"rev-parse", "--verify", "--quiet", "MERGE_HEAD"}), 0);
+    EXPECT_EQ(repository.gitStatus({"rev-parse", "--verify", "--quiet", "new"}), 1);
+    repository.git({"merge", "--abort"});
+    repository.git({"bisect", "start"});
+    EXPECT_EQ(nebsc({"switch", "side"}).exitStatus, 0);
+}
+
 TEST_F(CheckoutCommand, ARevisionDetachesHEAD) {
     const std::string commit = repository.git({"rev-parse", "topic~1"});
     expectDone(nebsc({"checkout", "topic~1"}),

@@ -25,7 +25,7 @@ constexpr std::array<Row, 7> rows{{
     {"CHERRY_PICK_HEAD",
      {"a cherry-pick", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
     {"REVERT_HEAD", {"a revert", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
-    {"BISECT_LOG", {"a bisection", "'git bisect reset' ends it."}},
+    {"BISECT_LOG", {"a bisection", "'git bisect reset' ends it.", false, true}},
 }};
 
 }  // namespace
@@ -38,6 +38,13 @@ std::vector<UnfinishedWork> unfinishedWorkIn(const std::string& gitFolder) {
         }
     }
     return found;
+}
+
+std::vector<UnfinishedWork> unfinishedWorkIn(const GitQueries& git) {
+    const std::string usual = pathByAppendingComponent(git.workingCopy().location, ".git");
+    return unfinishedWorkIn(isFolderItself(usual)
+                                ? usual
+                                : git.outputOf({"rev-parse", "--absolute-git-dir"}).value_or(""));
 }
 
 }  // namespace neb::nebsc

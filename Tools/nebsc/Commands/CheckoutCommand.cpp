@@ -4,6 +4,8 @@
 #include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/FailureText.h"
+#include "CommandFrame/UnfinishedWork.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -44,6 +46,22 @@ std::string unusualLines(std::string_view notice) {
     return lines.substr(0, lines.find_last_not_of('\n') + 1) + (lines.empty() ? "" : "\n");
 }
 
+/// git checkout would end a merge and leave a rebase behind, and print nothing about it.
+std::optional<CommandOutput> refusalOfUnfinishedWork(const GitQueries& git) {
+    if (!git.workingCopy().isWorkingCopy) {
+        return std::nullopt;
+    }
+    for (const UnfinishedWork& work : unfinishedWorkIn(git)) {
+        if (!work.survivesSwitch) {
+            return refusalWithAdvice("This working copy is in the middle of " +
+                                         std::string(work.work) + "; nothing was changed.",
+                                     std::string(work.advice),
+                                     NEBSourceControlMergeUnfinishedErrorClass);
+        }
+    }
+    return std::nullopt;
+}
+
 class CheckoutTask : public CommandTask {
 public:
     using CommandTask::CommandTask;
@@ -73,6 +91,9 @@ bool CheckoutTask::isBranchOfRemote() {
 /// Given the name of a file that is no revision, git would restore that file and discard its
 /// changes.
 std::optional<CommandOutput> CheckoutTask::validate() {
+    if (auto refused = refusalOfUnfinishedWork(git())) {
+        return refused;
+    }
     if (!workingCopy().isWorkingCopy || branch().empty() || branch().starts_with('-') ||
         git().isCommit(branch())) {
         return std::nullopt;
@@ -140,6 +161,9 @@ private:
 };
 
 std::optional<CommandOutput> SwitchTask::createBranch() {
+    if (auto refused = refusalOfUnfinishedWork(git())) {
+        return refused;
+    }
     const auto start = arguments().value("START");
     if (auto refused = start ? refusalOfRevision(git(), *start) : refusalWithoutCommits(git())) {
         return refused;
@@ -187,7 +211,8 @@ constinit const Command checkoutCommand{
     .summary = "Switch to a branch or revision",
     .details =
         "Keeps local changes. Files in which they conflict with the new revision are left\n"
-        "in conflict and listed.\n"
+        "in conflict and listed. Refused while a merge, rebase, cherry-pick or revert is\n"
+        "under way, because it would be lost.\n"
         "\n"
         "Examples:\n"
         "  nebsc checkout topic    switch to a branch\n"

@@ -51,7 +51,6 @@ private:
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStatusRequest() const;
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStateRequest() const;
     [[nodiscard]] std::string lineOf(const StatusEntry& entry) const;
-    [[nodiscard]] std::string repositoryFolder() const;
     /// Returns what is in progress, and how to go on.
     [[nodiscard]] std::string unfinishedWork();
     [[nodiscard]] std::string stepText();
@@ -148,17 +147,10 @@ std::string StatusTask::lineOf(const StatusEntry& entry) const {
     return line + "\n";
 }
 
-/// The folder of the repository is usually in the working copy, so that git need not be asked.
-std::string StatusTask::repositoryFolder() const {
-    const std::string usual = pathByAppendingComponent(workingCopy().location, ".git");
-    return isFolderItself(usual) ? usual
-                                 : git().outputOf({"rev-parse", "--absolute-git-dir"}).value_or("");
-}
-
 /// Only a rebase has steps, so that nothing more is asked about other operations.
 std::string StatusTask::unfinishedWork() {
     std::string lines;
-    for (const UnfinishedWork& work : unfinishedWorkIn(repositoryFolder())) {
+    for (const UnfinishedWork& work : unfinishedWorkIn(git())) {
         lines.append("\nUnfinished: ").append(work.work).append(work.hasSteps ? stepText() : "");
         lines.append("\n  ").append(work.advice).append("\n");
     }

@@ -177,6 +177,22 @@ TEST_F(MessageEditing, RespectsTheSettingsOfMessages) {
     EXPECT_THAT(seen(), Not(HasSubstr("modified")));
 }
 
+TEST_F(MessageEditing, CutsTheMessageAtTheScissors) {
+    repository.git({"config", "commit.cleanup", "scissors"});
+    EXPECT_EQ(editing("sed -i '1s/^/Subject\\n\\n# kept\\n/' \"$1\"").errors, "");
+    EXPECT_THAT(seen(), StartsWith("\n# ------------------------ >8 ------------------------\n"));
+    EXPECT_THAT(seen(), HasSubstr("#\tmodified:   a.c\n"));
+    EXPECT_EQ(message(), "Subject\n\n# kept\n\n");
+    expectFailed(editing("true", {"--allow-empty"}), HasSubstr("the message is empty"));
+    repository.git({"checkout", "--quiet", "-b", "topic", "HEAD~1"});
+    repository.commitFile("a.c", "theirs\n", "Theirs");
+    EXPECT_NE(repository.gitStatus({"merge", "--quiet", "main"}), 0);
+    repository.git({"add", "a.c"});
+    EXPECT_EQ(editing("true").errors, "");
+    EXPECT_THAT(seen(), AllOf(HasSubstr("# Conflicts:\n"), HasSubstr(">8")));
+    EXPECT_EQ(message(), "Merge branch 'main' into topic\n\n");
+}
+
 TEST_F(MessageEditing, StartsWithTheTemplate) {
     repository.write(".git/template", "Ticket: \n# which\n");
     repository.git({"config", "commit.template", ".git/template"});
@@ -192,7 +208,9 @@ TEST_F(MessageEditing, KeepsTheMessageIfTheCommitFails) {
                                  std::filesystem::perms::owner_all);
     const NebscOutcome outcome = editing("echo Long work >\"$1\"");
     EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("COMMIT_EDITMSG"));
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("The message is kept in '" + repository.path(".git/COMMIT_EDITMSG") +
+                          "' until the next commit.\r\n"));
     EXPECT_EQ(bytesOf(".git/COMMIT_EDITMSG"), "Long work\n");
 }
 

@@ -43,6 +43,8 @@ private:
 
     /// Absent for that of the amended commit.
     std::optional<std::string> _message;
+    /// Empty if the user has edited none.
+    std::string _messageFile;
 };
 
 /// A flag, and the option of the request for it. Only the newer type knows them.
@@ -88,6 +90,7 @@ std::optional<CommandOutput> CommitTask::validate() {
         endProgress();
         EditedMessage edited = editCommitMessage(git(), commitToDescribe());
         _message = std::move(edited.text);
+        _messageFile = std::move(edited.file);
         return edited.refused;
     } else if (!isAmending()) {
         throw invalidArguments("expected --message, or --amend, which can keep the message");
@@ -118,7 +121,9 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
 }
 
 std::string CommitTask::adviceFor(const NEBSourceControlError& /*error*/) const {
-    return isEdited() ? "The message is kept in the file COMMIT_EDITMSG of the git folder." : "";
+    return _messageFile.empty()
+               ? ""
+               : "The message is kept in " + inQuotes(_messageFile) + " until the next commit.";
 }
 
 /// For the first commit and on a detached HEAD, the record does not hold the commit id.

@@ -17,6 +17,20 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n\v\f";
 
+/// Begins, after the comment prefix and a blank, the line that ends a message; see scissors in
+/// git-commit(1), --cleanup.
+constexpr std::string_view scissors = "------------------------ >8 ------------------------";
+
+/// What becomes of comments; see --cleanup in git-commit(1).
+enum class Comments { removed, cutOff, kept };
+
+Comments commentsOf(std::string_view cleanup) {
+    if (cleanup == "scissors") {
+        return Comments::cutOff;
+    }
+    return cleanup == "default" || cleanup == "strip" ? Comments::removed : Comments::kept;
+}
+
 std::string contentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -39,9 +53,12 @@ private:
     [[nodiscard]] std::optional<CommandOutput> describe();
     /// Returns the text that the user starts from.
     [[nodiscard]] std::string initialText();
-    void findCommentPrefix(const std::string& text);
-    [[nodiscard]] std::string comments() const;
+    void findComments(const std::string& text);
+    /// Returns the comments to add to the text that the user starts from.
+    [[nodiscard]] std::string comments(std::string_view text) const;
+    [[nodiscard]] std::string commented(std::string_view text) const;
     [[nodiscard]] std::string withoutComments(std::string_view text) const;
+    [[nodiscard]] bool isScissors(std::string_view line) const;
     /// Writes the file, starts the editor and reads the file again.
     [[nodiscard]] EditedMessage edited(const std::string& text);
     [[nodiscard]] std::string fileOfGit(const std::string& name) const;
@@ -52,7 +69,7 @@ private:
     std::string _status;
     /// Whether the initial text asks to be filled in.
     bool _isTemplate = false;
-    /// Empty if comments would stay in the message.
+    Comments _comments = Comments::removed;
     std::string _commentPrefix;
 };
 
@@ -106,10 +123,10 @@ std::string MessageEditing::initialText() {
 }
 
 /// See core.commentChar and commit.cleanup in git-config(1).
-void MessageEditing::findCommentPrefix(const std::string& text) {
-    const std::string cleanup =
-        _git.outputOf({"config", "--get", "commit.cleanup"}).value_or("default");
-    if (cleanup != "default" && cleanup != "strip") {
+void MessageEditing::findComments(const std::string& text) {
+    _comments =
+        commentsOf(_git.outputOf({"config", "--get", "commit.cleanup"}).value_or("default"));
+    if (_comments == Comments::kept) {
         return;
     }
     for (const char* setting : {"core.commentChar", "core.commentString"}) {
@@ -126,10 +143,12 @@ void MessageEditing::findCommentPrefix(const std::string& text) {
     _commentPrefix = _commentPrefix.empty() ? "#" : _commentPrefix;
 }
 
-std::string MessageEditing::comments() const {
-    const std::string text = "Write the message of the commit. Lines that begin with '" +
-                             _commentPrefix +
-                             "' are\nremoved. An empty message commits nothing.\n\n" + _status;
+bool MessageEditing::isScissors(std::string_view line) const {
+    return _comments == Comments::cutOff &&
+           line.starts_with(_commentPrefix + " " + std::string(scissors));
+}
+
+std::string MessageEditing::commented(std::string_view text) const {
     std::string comments;
     forEachLine(text, [&](std::string_view line) {
         comments += _commentPrefix;
@@ -139,10 +158,32 @@ std::string MessageEditing::comments() const {
     return comments;
 }
 
+/// The message of a merge has the line that ends it already, before the list of its conflicts.
+std::string MessageEditing::comments(std::string_view text) const {
+    constexpr std::string_view emptyMessage = "An empty message commits nothing.\n\n";
+    if (_comments == Comments::kept) {
+        return {};
+    }
+    if (_comments == Comments::removed) {
+        return "\n" +
+               commented("Write the message of the commit. Lines that begin with '" +
+                         _commentPrefix + "' are\nremoved. " + std::string(emptyMessage) + _status);
+    }
+    bool isCut = false;
+    forEachLine(text, [&](std::string_view line) { isCut = isCut || isScissors(line); });
+    const std::string cut = "\n" + commented(std::string(scissors) +
+                                             "\nDo not change or remove the line above. "
+                                             "Everything below it is ignored.\n");
+    return (isCut ? "" : cut) + commented(std::string(emptyMessage) + _status);
+}
+
 std::string MessageEditing::withoutComments(std::string_view text) const {
     std::string message;
+    bool isCut = false;
     forEachLine(text, [&](std::string_view line) {
-        if (_commentPrefix.empty() || !line.starts_with(_commentPrefix)) {
+        isCut = isCut || isScissors(line);
+        const bool isRemoved = _comments == Comments::removed && line.starts_with(_commentPrefix);
+        if (!isCut && !isRemoved) {
             message.append(line).append(1, '\n');
         }
     });
@@ -167,7 +208,7 @@ EditedMessage MessageEditing::edited(const std::string& text) {
                     "The option '--message' takes the message from the command line.",
                     NEBSourceControlEditorFailedErrorClass)};
     }
-    return {.text = withoutComments(contentOf(file))};
+    return {.text = withoutComments(contentOf(file)), .file = file};
 }
 
 EditedMessage MessageEditing::run() {
@@ -175,10 +216,10 @@ EditedMessage MessageEditing::run() {
         return {.refused = std::move(refused)};
     }
     std::string text = initialText();
-    findCommentPrefix(text);
+    findComments(text);
     const std::string before = withoutComments(text);
     text += text.empty() || text.ends_with('\n') ? "" : "\n";
-    text += _commentPrefix.empty() ? "" : "\n" + comments();
+    text += comments(text);
     EditedMessage message = edited(text);
     if (!message.refused && isBlank(message.text)) {
         message.refused = refusal("The message is empty; nothing was committed.", exitFailed,

@@ -23,13 +23,15 @@ struct CommitToDescribe {
 /// A message, or the refusal of the commit.
 struct EditedMessage {
     std::string text{};
+    /// The file that has the text until the next message is edited.
+    std::string file{};
     std::optional<CommandOutput> refused{};
 };
 
 /// Lets the user write the message of a commit in the file COMMIT_EDITMSG of the git folder. It
 /// begins with the old message, that of a merge, or the file of the setting commit.template; its
-/// comments list what will be committed, and are removed, unless commit.cleanup keeps them. For the
-/// main thread.
+/// comments list what will be committed, and are removed, unless commit.cleanup keeps them. With
+/// its value "scissors", the list stands below a line that ends the message. For the main thread.
 [[nodiscard]] EditedMessage editCommitMessage(const GitQueries& git,
                                               const CommitToDescribe& commit);
 

@@ -1,12 +1,13 @@
 #include "GitExtensions/GitDiscard.h"
 
 #include <algorithm>
-#include <iterator>
+#include <filesystem>
 #include <set>
 
 #include "GitExtensions/GitRecordFields.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
 
 namespace neb {
 
@@ -15,6 +16,17 @@ namespace {
 /// Removes repeated paths: `git ls-files` lists a path in conflict once for each version.
 void removeRepeated(std::vector<std::string>& paths) {
     paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
+}
+
+/// Returns whether a folder that is no submodule lies in place of a file.
+bool isReplacedByFolder(const NEBSourceControlRequest& request, const std::string& file) {
+    const auto& location = request.sourceTree ? request.sourceTree->location : std::nullopt;
+    const auto folder = location ? pathOfLocation(*location) : std::nullopt;
+    const std::string path =
+        pathByAppendingComponent(pathByExpandingTilde(folder.value_or("")), file);
+    std::error_code ignored;
+    return std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored)) &&
+           !std::filesystem::exists(path + "/.git", ignored);
 }
 
 }  // namespace
@@ -47,10 +59,14 @@ std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() 
         return std::nullopt;
     }
     losses.deleted = *std::move(deleted);
-    const std::set<std::string_view> isDeleted(losses.deleted.begin(), losses.deleted.end());
-    std::ranges::copy_if(
-        *modified, std::back_inserter(losses.modified),
-        [&isDeleted](const std::string& path) { return !isDeleted.contains(path); });
+    const std::set<std::string, std::less<>> isDeleted(losses.deleted.begin(),
+                                                       losses.deleted.end());
+    for (const std::string& path : *modified) {
+        if (!isDeleted.contains(path)) {
+            const bool isReplaced = isReplacedByFolder(*request(), path);
+            (isReplaced ? losses.deleted : losses.modified).push_back(path);
+        }
+    }
     auto obstacles = queriedObstacles(losses.deleted, PathOrigin::workingDirectory);
     if (!obstacles) {
         return std::nullopt;

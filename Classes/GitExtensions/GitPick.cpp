@@ -1,10 +1,13 @@
 #include "GitExtensions/GitPick.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 
+#include "GitExtensions/GitRecordFields.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
 
 namespace neb {
 
@@ -62,6 +65,32 @@ bool GitPickOperation::losesNoChanges(const NEBSourceControlResult& changes) {
     return !error();
 }
 
+/// Adds a record for each untracked file whose name a file of the commit has.
+bool GitPickOperation::addOverwrittenFiles(const std::string& commit,
+                                           NEBSourceControlResult& changes) {
+    const auto top = queriedLine({"rev-parse", "--show-toplevel"});
+    if (!top) {
+        return false;
+    }
+    // Deleted means: the commit has it, but not the index.
+    const auto query = runQuery(request(), {"diff", "--cached", "--name-only", "-z", "--no-renames",
+                                            "--diff-filter=D", commit, "--", ":/"});
+    if (!goesOnAfter(*query)) {
+        return false;
+    }
+    for (const std::string& path : gitNULSeparatedPieces(query->output())) {
+        std::error_code ignored;
+        const auto status =
+            std::filesystem::symlink_status(pathByAppendingComponent(*top, path), ignored);
+        if (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) {
+            NEBDictionary& record = changes.emplace_back();
+            gitSetName(record, gitPathKeys, path);
+            record.set(NEBSourceControlOperationStateKey, "untracked");
+        }
+    }
+    return true;
+}
+
 /// A reset overwrites untracked files and prints nothing; `git read-tree -m -u` refuses to.
 bool GitPickOperation::overwritesNoFiles(const std::string& commit) {
     return runChange({"read-tree", "-m", "-u", "--dry-run", commit});
@@ -90,6 +119,9 @@ void GitPickOperation::reset(const std::string& commit) {
         return;
     }
     if (hasOption(NEBSourceControlRequestOptionDryRun)) {
+        if (isHard && !addOverwrittenFiles(commit, *changes)) {
+            return;
+        }
         setResult(std::move(changes));
         return;
     }

@@ -19,8 +19,8 @@ namespace neb {
 ///   untracked files with "untracked-in-the-way", and a mixed one that would end a conflict with
 ///   "conflict-unresolved", unless NEBSourceControlRequestOptionForce is set. With
 ///   NEBSourceControlRequestOptionDryRun, nothing changes; the result has a record for each file
-///   with changes that a hard reset throws away: NEBSourceControlOperationPathKey (from the top)
-///   and NEBSourceControlOperationStateKey.
+///   with changes that a hard reset throws away, and each untracked file that it overwrites:
+///   NEBSourceControlOperationPathKey (from the top) and NEBSourceControlOperationStateKey.
 ///
 /// The result is otherwise that of GitChangeComposite::runStoppable().
 class GitPickOperation : public GitChangeComposite {
@@ -35,6 +35,10 @@ protected:
 private:
     void applyCommit(const std::string& command, const std::string& commit);
     void reset(const std::string& commit);
+    /// Adds a record for each untracked file that a hard reset to the commit overwrites. Returns
+    /// whether the composite goes on.
+    [[nodiscard]] bool addOverwrittenFiles(const std::string& commit,
+                                           NEBSourceControlResult& changes);
     /// Return whether the reset throws nothing away; otherwise the error is set.
     [[nodiscard]] bool losesNoChanges(const NEBSourceControlResult& changes);
     [[nodiscard]] bool overwritesNoFiles(const std::string& commit);

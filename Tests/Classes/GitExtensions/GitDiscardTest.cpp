@@ -47,6 +47,22 @@ TEST_F(Discard, RestoresADeletedFileWithoutForceAndKeepsStagedChanges) {
     EXPECT_EQ(status(), std::string("M  a.c\0", 7));
 }
 
+TEST_F(Discard, NamesAFolderInPlaceOfAFile) {
+    repository.commitFile("a.c", "1");
+    std::remove(repository.path("a.c").c_str());
+    repository.write("a.c/own", "2");
+    const auto refused = performed(NEBSourceControlRequestDiscard, {}, {"a.c"});
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalChangesErrorClass));
+    EXPECT_THAT(refused->error()->files, ElementsAre("a.c"));
+    const auto asked = performed(NEBSourceControlRequestDiscard,
+                                 {{NEBSourceControlRequestOptionDryRun, true}}, {"a.c"});
+    EXPECT_THAT(textsOf(*asked, NEBSourceControlOperationStateKey),
+                ElementsAre("deleted", "untracked"));
+    EXPECT_EQ(performed(NEBSourceControlRequestDiscard, discardByForce, {"a.c"})->error(),
+              std::nullopt);
+    EXPECT_EQ(status(), "");
+}
+
 TEST_F(Discard, ThrowsAwayOnlyTheNamedFiles) {
     for (const std::string& name : hostileNames) {
         repository.write(name, "1");

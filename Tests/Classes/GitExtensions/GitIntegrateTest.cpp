@@ -229,6 +229,12 @@ TEST_F(Pick, RefusesAHardResetThatOverwritesUntrackedFiles) {
     EXPECT_THAT(picked("reset", "HEAD~1", hard)->error(),
                 HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
     EXPECT_EQ(status(), std::string("?? b.c\0", 7));
+    NEBDictionary dryRun = hard;
+    dryRun.set(NEBSourceControlRequestOptionDryRun, true);
+    EXPECT_EQ(picked("reset", "HEAD~1", dryRun)->result(),
+              NEBSourceControlResult({{{NEBSourceControlOperationPathKey, "b.c"},
+                                       {NEBSourceControlOperationStateKey, "untracked"}}}));
+    EXPECT_EQ(picked("reset", "HEAD", dryRun)->result(), NEBSourceControlResult());
     hard.set(NEBSourceControlRequestOptionForce, true);
     EXPECT_EQ(picked("reset", "HEAD~1", hard)->error(), std::nullopt);
     EXPECT_EQ(status(), "");

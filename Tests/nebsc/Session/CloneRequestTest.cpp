@@ -102,6 +102,14 @@ TEST_F(CloneRequest, KeepsACloneThatLacksOnlySubmodules) {
     EXPECT_EQ(folder.read("clone/there/i"), "1\n");
 }
 
+TEST_F(CloneRequest, LeavesARepositoryAtTheDestinationAlone) {
+    addSubmodule(repository, "gone", folder.path("nosuch"));
+    const NebscOutcome outcome =
+        runRequest(requestTo(repository.path(), repository.path()), {.variables = allowingFiles()});
+    EXPECT_EQ(outcome.json()["error"]["class"], "destination-exists");
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("is kept")));
+}
+
 /// git clones all submodules before it checks any of them out.
 TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     const TestRepository inner;

@@ -66,7 +66,9 @@ void runClone(NEBSourceControlOperation& operation, const std::string& destinati
         outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
     } else {
         runOperation(operation, run, trace, outcome);
-        if (!hasFailed(outcome) || lacksOnlySubmodules(outcome, destination, trace)) {
+        // A folder with content is not the clone, which git refuses to put there.
+        if (!hasFailed(outcome) ||
+            (folder.isNew() && lacksOnlySubmodules(outcome, destination, trace))) {
             folder.keep();
         }
     }

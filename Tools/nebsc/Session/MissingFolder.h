@@ -29,6 +29,8 @@ public:
     /// Creates the folder and its parents where nothing exists. Leaves existing files and folders
     /// alone: a file at the path is not a failure here. Returns the failure, if any.
     [[nodiscard]] std::optional<FileFailure> make();
+    /// Returns whether the folder was missing or empty before make().
+    [[nodiscard]] bool isNew() const { return _wasEmpty || !_made.empty(); }
     /// Makes rollBack() and the destructor do nothing.
     void keep() {
         _made.clear();

@@ -154,6 +154,24 @@ TEST_F(WatchTest, IncludesTheWorkingTreeOnRequest) {
     expectChange();
 }
 
+TEST_F(WatchTest, FollowsFoldersThatAreNoLongerIgnored) {
+    repository.write("first/a", "1");
+    repository.write("second/a", "1");
+    repository.write(".gitignore", "first\n");
+    repository.write(".git/info/exclude", "second\n");
+    watch(repository.path(), true);
+    repository.write(".gitignore", "");
+    reportedChanges(repository);
+    repository.write("first/a", "2");
+    EXPECT_EQ(reportedChanges(repository), Changes({"workingTree"}));
+    repository.write("second/a", "2");
+    EXPECT_THAT(reportedChanges(repository), IsEmpty());
+    repository.write(".git/info/exclude", "");
+    reportedChanges(repository);
+    repository.write("second/a", "3");
+    EXPECT_EQ(reportedChanges(repository), Changes({"workingTree"}));
+}
+
 TEST_F(WatchTest, LeavesTheWorkingTreeOutOtherwise) {
     watch(repository.path());
     repository.write("a", "2");

@@ -67,7 +67,7 @@ std::optional<WatchFailure> WatchedFolders::watchAll(ChildProcess& process) {
     _folders.clear();
     _roots.clear();
     _newFolders.clear();
-    _areEventsLost = false;
+    _mustWatchAgain = false;
     _watcher.emplace();
     if (_watcher->failure() != 0) {
         return failureOfSystem(_watcher->failure(), _repository.gitFolder);
@@ -212,7 +212,7 @@ std::uint32_t WatchedFolders::takeChanges() {
 
 std::uint32_t WatchedFolders::changesOf(const FolderEvent& event) {
     if (event.kind == FolderEvent::Kind::eventsLost) {
-        _areEventsLost = true;
+        _mustWatchAgain = true;
         return changedGitFolder | (_withWorkingTree ? changedWorkingTree : changedNothing);
     }
     const auto entry = _folders.find(event.folder);
@@ -251,6 +251,9 @@ std::uint32_t WatchedFolders::changesOfGitFolder(const Folder& folder, const Fol
     if (gitPath == "HEAD" && folder.role.isOfWorktree) {
         readHead();
     }
+    if (gitPath == "info/exclude" && _withWorkingTree) {
+        _mustWatchAgain = true;
+    }
     std::uint32_t changes = changesOfGitPath(gitPath, folder.role);
     // The branch of HEAD, which may have no reflog, or a new folder that contains it.
     if (folder.role.isShared && !_headReference.empty() &&
@@ -263,6 +266,9 @@ std::uint32_t WatchedFolders::changesOfGitFolder(const Folder& folder, const Fol
 std::uint32_t WatchedFolders::changesOfWorkingTree(const Folder& folder, const FolderEvent& event) {
     if (event.name == nameOfGitFolder) {
         return changedNothing;
+    }
+    if (event.name == ".gitignore") {
+        _mustWatchAgain = true;
     }
     if (event.kind == FolderEvent::Kind::folderAppeared) {
         _newFolders.push_back(
@@ -298,7 +304,7 @@ std::optional<WatchFailure> WatchedFolders::update(ChildProcess& process) {
     if (auto failure = missingRoot()) {
         return failure;
     }
-    return _areEventsLost ? watchAll(process) : addNewFolders(process);
+    return _mustWatchAgain ? watchAll(process) : addNewFolders(process);
 }
 
 std::optional<WatchFailure> WatchedFolders::missingRoot() const {

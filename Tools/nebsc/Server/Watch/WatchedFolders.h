@@ -81,7 +81,8 @@ private:
     std::vector<Root> _roots;
     std::unordered_map<int, Folder> _folders;  // by the number of the watcher
     std::vector<Folder> _newFolders;
-    bool _areEventsLost = false;
+    /// Events were lost, or other folders are ignored now.
+    bool _mustWatchAgain = false;
     std::string _headReference;  // "refs/heads/main"; empty if HEAD is detached
 };
 

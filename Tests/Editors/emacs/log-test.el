@@ -140,8 +140,9 @@ Return the subjects that it shows."
   (let ((nebgit--unexpected-ends nil) other)
     (should (equal test-long-log
                    (test-with-interrupted-log
-                     (signal-process (jsonrpc--process nebgit--connection) 'SIGKILL)
-                     (test-wait (not (nebgit-server-p)))
+                     (let ((old nebgit--connection))
+                       (signal-process (jsonrpc--process old) 'SIGKILL)
+                       (test-wait (not (eq old nebgit--connection))))
                      (nebgit-open (nebgit-request 'history folder) 1
                                   (lambda (_ cursor __) (setq other cursor)))
                      (test-wait other))))

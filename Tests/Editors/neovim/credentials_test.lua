@@ -50,10 +50,10 @@ function tests.NameAndPasswordReachTheServer()
     harness.answers = { "ann" }
     vim.api.nvim_input("s3cret<CR>")
     vim.cmd("NEBGit fetch")
-    harness.wait(function()
-      return vim.fn.filereadable(harness.folder .. "/authorization") == 1
+    local path = harness.folder .. "/authorization"
+    local given = harness.wait(function()
+      return vim.fn.filereadable(path) == 1 and vim.fn.readfile(path)[1]
     end, "the authorization")
-    local given = vim.fn.readfile(harness.folder .. "/authorization")[1]
     harness.equal("Basic " .. require("nebgit.base64").encode("ann:s3cret"), given)
     harness.contains("Username", harness.questions[1])
     harness.equal(nil, harness.messages():find("s3cret", 1, true))

@@ -84,6 +84,38 @@ function tests.PullFollowsTheSettingsOfGit()
   harness.wait_for_message("already up to date")
 end
 
+-- The last value of a setting counts, and that of the branch counts before the general one.
+function tests.PullFollowsTheSettingThatCounts()
+  prepare()
+  harness.git("push", "--quiet", "--set-upstream", "origin", "main")
+  local user = harness.folder .. "/gitconfig"
+  vim.env.GIT_CONFIG_GLOBAL = user
+  local function pull(expected)
+    local before = #harness.messages()
+    vim.cmd("NEBGit pull")
+    harness.wait(function()
+      return harness.messages():find("already up to date", before, true)
+    end, "the end of the pull")
+    harness.contains(("pulling (%s)"):format(expected), harness.messages():sub(before))
+  end
+  local ok, problem = pcall(function()
+    harness.run({ "git", "config", "--file", user, "pull.ff", "only" })
+    harness.git("config", "pull.ff", "true")
+    pull("merge")
+    harness.git("config", "pull.rebase", "true")
+    pull("rebase")
+    harness.git("config", "branch.main.rebase", "No")
+    pull("merge")
+    harness.git("config", "pull.rebase", "false")
+    harness.git("config", "branch.main.rebase", "merges")
+    pull("rebase")
+    harness.git("config", "pull.ff", "only")
+    pull("fast-forward")
+  end)
+  vim.env.GIT_CONFIG_GLOBAL = "/dev/null"
+  assert(ok, problem)
+end
+
 function tests.PullReloadsBuffers()
   prepare()
   harness.git("push", "--quiet", "--set-upstream", "origin", "main")

@@ -27,7 +27,8 @@ M.defaults = {
     enabled = true, -- whether changes of other programs in the repository are seen at once
     working_tree = false, -- also those of files of the working copy
   },
-  -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.rebase and pull.ff say.
+  -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.ff,
+  -- branch.NAME.rebase and pull.rebase say.
   pull = nil,
   -- false: no keys. A table replaces single ones, such as { next_hunk = "]c" }.
   keys = {

@@ -92,27 +92,36 @@ function M.push(root, is_forced)
   end)
 end
 
--- Calls callback(strategy) with the strategy of the settings of the editor or of git, see
--- git-config(1), pull.rebase and pull.ff.
+-- Returns the strategy of git's settings, see git-config(1), pull.ff, pull.rebase and
+-- branch.NAME.rebase: records of which the last one of a name counts. Only fast-forward counts
+-- before a rebase.
+local function strategy_of(records, branch)
+  local values = {}
+  for _, record in ipairs(records) do
+    if record.Name then
+      values[record.Name] = record.Value or "true"
+    end
+  end
+  local rebase = values["branch." .. branch .. ".rebase"] or values["pull.rebase"] or "false"
+  local is_off = vim.tbl_contains({ "false", "no", "off", "0", "" }, rebase:lower())
+  return values["pull.ff"] == "only" and "fast-forward" or is_off and "merge" or "rebase"
+end
+
+-- Calls callback(strategy) with the strategy of the settings of the editor or of git.
 local function choose_strategy(root, callback)
   if config.options.pull then
     return callback(config.options.pull)
   end
-  local options = { SettingNames = { "pull.rebase", "pull.ff" } }
-  requests.perform("settings", root, { options = options }, function(_, records)
-    local strategy = "merge"
-    for _, record in ipairs(records) do
-      if record.Name == "pull.ff" and record.Value == "only" then
-        strategy = "fast-forward"
+  requests.perform("current_branch", root, {}, function(_, branches)
+    local branch = branches[1] and branches[1].Name or ""
+    local names = { "pull.ff", "pull.rebase", "branch." .. branch .. ".rebase" }
+    local options = { SettingNames = names }
+    requests.perform("settings", root, { options = options }, function(failure, records)
+      if failure then
+        return messages.failure(failure)
       end
-    end
-    for _, record in ipairs(records) do
-      if record.Name == "pull.rebase" then
-        local is_off = vim.tbl_contains({ "false", "no", "off", "0" }, record.Value)
-        strategy = not is_off and "rebase" or strategy == "rebase" and "merge" or strategy
-      end
-    end
-    callback(strategy)
+      callback(strategy_of(records, branch))
+    end)
   end)
 end
 

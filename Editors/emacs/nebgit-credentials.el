@@ -124,6 +124,12 @@ If PROBLEM is that they were wrong, do not use them again."
                (equal id (nebgit-question-id nebgit-credentials--asking)))
       (run-at-time 0 nil #'nebgit-credentials--close-prompt id))))
 
+(defun nebgit-credentials--withdraw-all ()
+  "Forget all questions, whose server has ended."
+  (setq nebgit-credentials--queue nil)
+  (when nebgit-credentials--asking
+    (nebgit-credentials--withdraw (list :id (nebgit-question-id nebgit-credentials--asking)))))
+
 (defun nebgit-credentials--close-prompt (id)
   "Close the minibuffer if it still asks the question ID."
   (when (and nebgit-credentials--asking (active-minibuffer-window)
@@ -134,6 +140,7 @@ If PROBLEM is that they were wrong, do not use them again."
 (setf (alist-get 'sourceControl/credentials nebgit-question-functions) #'nebgit-credentials--ask
       (alist-get '$/cancelRequest nebgit-notification-functions) #'nebgit-credentials--withdraw)
 (add-hook 'nebgit-ended-hook #'nebgit-credentials--ended)
+(add-hook 'nebgit-server-ended-hook #'nebgit-credentials--withdraw-all)
 
 (provide 'nebgit-credentials)
 ;;; nebgit-credentials.el ends here

@@ -112,6 +112,18 @@ Continue connecting (yes/no/[fingerprint])? "))
         (test-asked '(:kind "token" :prompt "first"))
         (should (equal (reverse order) '("first" "second" answered)))))))
 
+(ert-deftest credentials-for-a-server-that-ended-are-not-asked-for ()
+  (test-with-auth-source ""
+    (let (order)
+      (cl-letf (((symbol-function 'read-passwd)
+                 (lambda (prompt &rest _)
+                   (push prompt order)
+                   (nebgit-credentials--ask '(:kind "token" :prompt "second") "credentials-2" #'error)
+                   (run-hooks 'nebgit-server-ended-hook)
+                   (copy-sequence "x"))))
+        (test-asked '(:kind "token" :prompt "first"))
+        (should (equal order '("first")))))))
+
 (ert-deftest credentials-reach-a-server-that-asks ()
   (test-with-repository
     (test-outcome (nebgit-request 'history folder))

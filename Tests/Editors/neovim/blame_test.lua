@@ -1,5 +1,7 @@
 -- Blame of lines and files, and commits.
 local harness = require("harness")
+local requests = require("nebgit.requests")
+local revision = require("nebgit.revision")
 local text = require("nebgit.text")
 local times = require("nebgit.times")
 
@@ -128,6 +130,28 @@ function tests.ParentIsBlamedBeyondARename()
   harness.wait_for_message("added the line with the file")
   harness.press("q")
   harness.equal({ "1", "2", "3", "4", "5", "6" }, harness.lines())
+end
+
+-- The response may come when the user is in another window, or has closed that of the request.
+function tests.OldFileIsShownInTheWindowThatAskedForIt()
+  harness.commit({ file = "1\n", other = "x\n" })
+  edit("file")
+  local window = vim.api.nvim_get_current_win()
+  harness.await(function(callback)
+    revision.open(harness.root, "file", "HEAD", callback)
+    vim.cmd("split " .. vim.fn.fnameescape(harness.root .. "/other"))
+  end)
+  harness.equal({ "x" }, harness.lines())
+  harness.equal({ "1" }, harness.lines(vim.api.nvim_win_get_buf(window)))
+  harness.contains("nebgit://", vim.api.nvim_buf_get_name(vim.api.nvim_win_get_buf(window)))
+  vim.api.nvim_set_current_win(window)
+  revision.open(harness.root, "other", "HEAD")
+  vim.api.nvim_win_close(window, true)
+  harness.await(function(callback)
+    requests.perform("content", harness.root, { files = { "file" }, from = "HEAD" }, callback)
+  end)
+  harness.equal({ "x" }, harness.lines())
+  harness.equal("", harness.messages())
 end
 
 function tests.FileThatIsNotTracked()

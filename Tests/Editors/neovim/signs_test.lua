@@ -84,6 +84,17 @@ function tests.BufferOutsideARepositoryHasNoTimer()
   end, "the end of the timer")
 end
 
+function tests.HunkOfABufferThatIsWipedIsNotStaged()
+  harness.commit({ file = "1\n" })
+  harness.edit("file")
+  wait_for_signs({})
+  set_lines(0, 1, { "one" })
+  vim.cmd("NEBGit stage_hunk")
+  vim.cmd("bwipeout!")
+  harness.wait_for_message("the text has changed meanwhile; nothing was staged")
+  harness.equal("", harness.git("diff", "--cached", "--name-only"))
+end
+
 function tests.FileThatIsNotTracked()
   harness.write("new", "1\n")
   local buffer = harness.edit("new")

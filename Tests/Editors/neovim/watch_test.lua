@@ -199,6 +199,47 @@ function tests.NameAndHostKeyAreAskedForOpenly()
   harness.equal({ reply = { value = "yes" } }, ask("hostKey"))
 end
 
+function tests.NextQuestionIsAskedAfterOneFailed()
+  vim.ui.input = function()
+    error("out of order")
+  end
+  harness.equal({}, ask("name"))
+  harness.wait_for_message("out of order")
+  vim.ui.input = function(_, callback)
+    callback("ann")
+  end
+  harness.equal({ reply = { value = "ann" } }, ask("name"))
+end
+
+function tests.QuestionsOfAnEndedServerAreNotAsked()
+  local answer, asked
+  vim.ui.input = function(_, callback)
+    asked, answer = (asked or 0) + 1, callback
+  end
+  local function perform(count)
+    for _ = 1, count do
+      requests.perform("state", harness.root, {}, function() end)
+    end
+    harness.wait(function()
+      return answer
+    end, "a question")
+  end
+  local path = harness.folder .. "/server.py"
+  harness.write(path, asking_server)
+  require("nebgit").setup({ command = { "python3", path, "name" } })
+  perform(2)
+  local first = answer
+  vim.loop.kill(server.pid(), "sigkill")
+  harness.wait_for_message("ended unexpectedly")
+  answer = nil
+  perform(1)
+  harness.equal(2, asked)
+  first("late")
+  answer("ann")
+  harness.await(vim.schedule)
+  harness.equal(2, asked)
+end
+
 function tests.QuestionIsWithdrawnBeforeItIsShown()
   harness.equal({ withdrawn = true }, ask("other"))
 end

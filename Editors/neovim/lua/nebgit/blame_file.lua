@@ -69,12 +69,14 @@ local function open_parent(buffer)
     for _, change in ipairs(records[1] and records[1].Changes or {}) do
       path = change.Path == path and change.OriginalPath or path
     end
-    if vim.api.nvim_win_is_valid(source.window) then
-      vim.api.nvim_set_current_win(source.window)
+    if sources[buffer] ~= source or not vim.api.nvim_win_is_valid(source.window) then
+      return
     end
+    vim.api.nvim_set_current_win(source.window)
     vim.cmd("silent! bwipeout " .. buffer)
-    revision.open(source.root, path, record.PreviousID, function()
-      pcall(vim.api.nvim_win_set_cursor, 0, { record.OriginalLine, 0 })
+    revision.open(source.root, path, record.PreviousID, function(window)
+      vim.api.nvim_set_current_win(window)
+      pcall(vim.api.nvim_win_set_cursor, window, { record.OriginalLine, 0 })
       M.open()
     end)
   end)

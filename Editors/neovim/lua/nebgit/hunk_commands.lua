@@ -141,7 +141,8 @@ function M.stage(range)
   requests.perform("content", state.root, details, function(failure, records)
     if failure then
       return messages.failure(failure)
-    elseif vim.api.nvim_buf_get_changedtick(buffer) ~= tick then
+    elseif not vim.api.nvim_buf_is_loaded(buffer)
+      or vim.api.nvim_buf_get_changedtick(buffer) ~= tick then
       return messages.warn("the text has changed meanwhile; nothing was staged")
     end
     local content = records[1].Content or records[1].ContentBytes or ""

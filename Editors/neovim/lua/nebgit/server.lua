@@ -23,13 +23,16 @@ local crashes = {}
 local notification_handlers = {}
 local request_handlers = {}
 local start_handlers = {}
+local end_handlers = {}
 
--- Calls handler(params) for notifications of the server with this method.
+-- Calls handler(params, process) for notifications of the server with this method; the process
+-- identifies the server.
 function M.on_notification(method, handler)
   notification_handlers[method] = handler
 end
 
--- Calls handler(params, reply, id) for requests of the server; reply(result) sends the result.
+-- Calls handler(params, reply, id, process) for requests of the server; reply(result) sends the
+-- result.
 function M.on_request(method, handler)
   request_handlers[method] = handler
 end
@@ -37,6 +40,11 @@ end
 -- Calls handler(capabilities) whenever the server has started.
 function M.on_start(handler)
   start_handlers[#start_handlers + 1] = handler
+end
+
+-- Calls handler(process) whenever a server has ended.
+function M.on_end(handler)
+  end_handlers[#end_handlers + 1] = handler
 end
 
 local function write(process, message)
@@ -69,12 +77,23 @@ local function recent_crashes()
   return #crashes
 end
 
+-- Calls the function; shows an error of it instead of losing what follows.
+local function protected(callback, ...)
+  local ok, problem = xpcall(callback, debug.traceback, ...)
+  if not ok then
+    messages.error(problem)
+  end
+end
+
 local function ended(process, code, signal)
   if server == process then
     server = nil
   end
   process.has_ended = true
   program.close(process.stdin)
+  for _, handler in ipairs(end_handlers) do
+    protected(handler, process)
+  end
   if process.is_stopping then
     fail_all(process, "the server was stopped")
     return
@@ -115,7 +134,7 @@ local function handle_request(process, message)
   end
   handler(message.params or {}, function(result)
     write(process, { id = message.id, result = result == nil and vim.NIL or result })
-  end, message.id)
+  end, message.id, process)
 end
 
 local function handle_message(process, message)
@@ -129,18 +148,10 @@ local function handle_message(process, message)
   elseif message.method then
     local handler = notification_handlers[message.method]
     if handler then
-      handler(message.params or {})
+      handler(message.params or {}, process)
     end
   else
     handle_response(process, message)
-  end
-end
-
--- Calls the function; shows an error of it instead of losing what follows.
-local function protected(callback, ...)
-  local ok, problem = xpcall(callback, debug.traceback, ...)
-  if not ok then
-    messages.error(problem)
   end
 end
 

@@ -94,22 +94,26 @@ void GitChangeBranchOperation::rename(const std::string& branch) {
     }
 }
 
-/// git only warns about a branch that would be its own upstream branch.
+bool GitChangeBranchOperation::isSameBranch(const std::string& branch, const std::string& name) {
+    const auto query = runQuery(request(), {"rev-parse", "--verify", "--quiet",
+                                            "--symbolic-full-name", "--end-of-options", name});
+    return query->line() == fullNameOf(branch);
+}
+
+/// git only warns about a branch that would be its own upstream branch, and changes nothing.
 void GitChangeBranchOperation::setUpstream(const std::string& branch) {
-    const Data upstream = gitBytesOfValue(request()->destination).value_or(Data());
-    const auto record =
-        runChange({"branch", "--set-upstream-to=" + std::string(upstream.bytes()), "--", branch})
-            ? queriedRecord(branch)
-            : std::nullopt;
-    if (!record) {
-        return;
-    }
-    if (!record->contains(NEBSourceControlOperationUpstreamKey)) {
+    const std::string upstream(gitBytesOfValue(request()->destination).value_or(Data()).bytes());
+    if (isSameBranch(branch, upstream)) {
         fail(NEBSourceControlRequestInvalidErrorClass,
              "A branch cannot be its own upstream branch.");
         return;
     }
-    setResult({{*record}});
+    const auto record = runChange({"branch", "--set-upstream-to=" + upstream, "--", branch})
+                            ? queriedRecord(branch)
+                            : std::nullopt;
+    if (record) {
+        setResult({{*record}});
+    }
 }
 
 void GitChangeBranchOperation::unsetUpstream(const std::string& branch) {

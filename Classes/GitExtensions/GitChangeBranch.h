@@ -35,6 +35,8 @@ private:
     /// Returns the short name that a value stands for: "@{-1}" is the previous branch. Absent if
     /// the composite does not go on: the name is invalid or missing.
     [[nodiscard]] std::optional<std::string> queriedName(const NEBValue& value);
+    /// Returns whether the name, which may be short or symbolic, is another one of the branch.
+    [[nodiscard]] bool isSameBranch(const std::string& branch, const std::string& name);
     void rename(const std::string& branch);
     void setUpstream(const std::string& branch);
     void unsetUpstream(const std::string& branch);

@@ -133,6 +133,26 @@ TEST_F(ChangeBranch, SetsAndUnsetsTheUpstream) {
     EXPECT_EQ(git({"config", "branch.main.merge"}), "refs/heads/main");
 }
 
+/// git only warns, and keeps the former upstream branch.
+TEST_F(ChangeBranch, IsNeverItsOwnUpstream) {
+    repository.commitFile("a.c", "1");
+    makeRemote();
+    for (const char* name : {"main", "heads/main", "refs/heads/main", "HEAD", "@"}) {
+        EXPECT_THAT(changed("set-upstream", name)->error(),
+                    HasErrorClass(NEBSourceControlRequestInvalidErrorClass))
+            << name;
+    }
+    EXPECT_NE(repository.gitStatus({"config", "branch.main.merge"}), 0);
+    repository.git({"branch", "-q", "--set-upstream-to=origin/main"});
+    for (const char* name : {"main", "refs/heads/main", "HEAD"}) {
+        EXPECT_THAT(changed("set-upstream", name, "main")->error(),
+                    HasErrorClass(NEBSourceControlRequestInvalidErrorClass))
+            << name;
+    }
+    EXPECT_EQ(git({"rev-parse", "--symbolic-full-name", "main@{upstream}"}),
+              "refs/remotes/origin/main");
+}
+
 /// A request that cannot work, and why.
 struct ChangeBranchRefusal {
     const char* action;

@@ -112,9 +112,10 @@ std::optional<std::vector<std::string>> GitChangeWorktreesOperation::queriedAddi
         return std::nullopt;
     }
     if (branch && !isNew) {
-        // git would create the branch if a remote has one of this name.
-        const auto id = queriedLine({"rev-parse", "--verify", "--quiet", "refs/heads/" + name});
-        if (id && id->empty()) {
+        // git would create the branch if a remote has one of this name, and take any revision.
+        const std::string fullName = "refs/heads/" + name;
+        const auto found = queriedLine({"for-each-ref", "--format=%(refname)", fullName});
+        if (found && *found != fullName) {
             fail(NEBSourceControlBranchUnknownErrorClass, "There is no branch \"" + name + "\".");
         }
         arguments.insert(arguments.end(), {"--", path(), name});

@@ -93,6 +93,19 @@ TEST_F(ChangeWorktrees, AreNotAddedWithTheBranchOfARemote) {
     EXPECT_EQ(git({"branch"}), "* main");
 }
 
+/// What names a commit, or several branches, is not the name of a branch.
+TEST_F(ChangeWorktrees, AreNotAddedWithARevision) {
+    repository.git({"branch", "topic/a"});
+    for (const char* name :
+         {"main~1", "main@{1}", "main^{commit}", "mai*", "topic", "topic/", ""}) {
+        EXPECT_THAT(changed("add", folder.path("w"), {{NEBSourceControlRequestOptionBranch, name}})
+                        ->error(),
+                    HasErrorClass(NEBSourceControlBranchUnknownErrorClass))
+            << name;
+        EXPECT_FALSE(isThere("w")) << name;
+    }
+}
+
 TEST_F(ChangeWorktrees, AreAddedOnlyWhereNothingIs) {
     folder.write("full/file", "mine");
     EXPECT_THAT(changed("add", folder.path("full"), newBranch("x"))->error(),

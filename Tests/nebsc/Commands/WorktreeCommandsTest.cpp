@@ -46,8 +46,11 @@ TEST_F(WorktreeCommands, RemoveNamesWhatWouldBeLost) {
                "Added worktree '" + place + "' with topic.\n");
     folder.write("topic/new.c", "u\n");
     expectFailed(nebsc({"worktree", "remove", place}),
-                 AllOf(HasSubstr("changed or untracked files"), HasSubstr("\n  new.c\n"),
-                       HasSubstr("'nebsc worktree remove --force'")));
+                 "nebsc: the worktree has changed or untracked files, which would be lost\n"
+                 "Commit the changes, stash them with 'git stash', or discard them.\n"
+                 "    new.c\n"
+                 "'nebsc worktree remove --force' removes it anyway; --dry-run lists what would be "
+                 "lost.\n");
     expectDone(nebsc({"worktree", "remove", "--dry-run", place}), "untracked  new.c\n");
     expectDone(nebsc({"worktree", "remove", "--force", place}),
                "Removed worktree '" + place + "'.\n");

@@ -207,7 +207,6 @@ protected:
     }
     std::string textOfResult(const NEBSourceControlResult& result) override;
     std::string adviceFor(const NEBSourceControlError& error) const override;
-    void reportFailure(const Outcome& outcome, CommandOutput& output) override;
     void report(const Outcome& outcome, CommandOutput& output) override {
         if (!arguments().has("--dry-run")) {
             output.standardOutput = sentence("Removed", outcome) + ".\n";
@@ -235,12 +234,6 @@ std::string WorktreeRemoveTask::adviceFor(const NEBSourceControlError& error) co
                ? "'nebsc worktree remove --force' removes it anyway; --dry-run lists what would be "
                  "lost."
                : "";
-}
-
-void WorktreeRemoveTask::reportFailure(const Outcome& outcome, CommandOutput& output) {
-    for (const std::string& file : outcome.error->files) {
-        output.standardError += "  " + printable(file) + "\n";
-    }
 }
 
 constexpr Parameter removeParameters[] = {

@@ -237,11 +237,7 @@ void GitChangeComposite::fail(std::string_view errorClass, const std::string& de
 }
 
 void GitChangeComposite::failForOption(NEBConstant key) {
-    const NEBValue& value = request()->option(key);
-    fail(NEBSourceControlRequestInvalidErrorClass,
-         value.isPresent()
-             ? "The value \"" + value.description() + "\" is not one of " + std::string(key) + "."
-             : "The request lacks " + std::string(key) + ".");
+    setError(gitErrorOfOption(*request(), key));
 }
 
 bool GitChangeComposite::acceptsReference(const NEBValue& name) {
@@ -249,6 +245,14 @@ bool GitChangeComposite::acceptsReference(const NEBValue& name) {
     if (name.isPresent() && !gitNamesOneReference(text)) {
         fail(NEBSourceControlRequestInvalidErrorClass,
              "\"" + text + "\" is not the name of one branch or tag.");
+    }
+    return !error();
+}
+
+bool GitChangeComposite::acceptsMessage() {
+    const auto message = gitBytesOfValue(request()->option(NEBSourceControlRequestOptionMessage));
+    if (message && message->bytes().find('\0') != std::string_view::npos) {
+        fail(NEBSourceControlRequestInvalidErrorClass, "The message has a NUL byte.");
     }
     return !error();
 }

@@ -86,6 +86,9 @@ protected:
     /// Returns whether the value is absent, or the name of one reference; otherwise the error is
     /// set.
     [[nodiscard]] bool acceptsReference(const NEBValue& name);
+    /// Returns whether NEBSourceControlRequestOptionMessage has no NUL byte, at which git refuses
+    /// or cuts off a message; otherwise the error is set.
+    [[nodiscard]] bool acceptsMessage();
     /// Returns the option NEBSourceControlRequestOptionAction, or else `usual`.
     [[nodiscard]] std::string action(std::string_view usual) const;
 

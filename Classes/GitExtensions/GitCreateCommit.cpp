@@ -58,7 +58,7 @@ void GitCreateCommitOperation::perform() {
                  "\" does not have the form \"NAME <ADDRESS>\".");
         return;
     }
-    if (!goesOnAfter(*run<GitCommitFromInputOperation>(request()))) {
+    if (!acceptsMessage() || !goesOnAfter(*run<GitCommitFromInputOperation>(request()))) {
         return;
     }
     if (auto id = queriedHead()) {

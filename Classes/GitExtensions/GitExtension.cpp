@@ -19,6 +19,20 @@ void GitReadingOperation::appendPaths(std::vector<std::string>& arguments) const
     appendFiles(arguments);
 }
 
+void GitReadingOperation::requireOneOf(NEBConstant option,
+                                       std::initializer_list<std::string_view> values) {
+    const NEBValue& value = request()->option(option);
+    if (value.isPresent() && std::ranges::find(values, value.description()) == values.end()) {
+        setError(gitErrorOfOption(*request(), option));
+    }
+}
+
+void GitReadingOperation::main() {
+    if (!error()) {
+        GitOperation::main();
+    }
+}
+
 std::optional<NEBSourceControlError> GitReadingOperation::diagnoseFailure(
     std::string_view text) const {
     constexpr int usageError = 129;
@@ -31,6 +45,25 @@ std::optional<NEBSourceControlError> GitReadingOperation::diagnoseFailure(
         "This type of request needs git " + std::string(_requiredGit) + " or later.");
     error.errorClass = NEBSourceControlRequestInvalidErrorClass;
     return error;
+}
+
+NEBSourceControlError gitErrorOfOption(const NEBSourceControlRequest& request, NEBConstant option) {
+    const NEBValue& value = request.option(option);
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        value.isPresent()
+            ? "The value \"" + value.description() + "\" is not one of " + std::string(option) + "."
+            : "The request lacks " + std::string(option) + ".");
+    error.errorClass = NEBSourceControlRequestInvalidErrorClass;
+    return error;
+}
+
+std::shared_ptr<NEBSourceControlRequest> gitRequestWithoutNames(
+    const NEBSourceControlRequest& request) {
+    auto copy = std::make_shared<NEBSourceControlRequest>(request);
+    copy->destination = NEBValue();
+    copy->files.reset();
+    return copy;
 }
 
 std::string gitPathFromTop(const NEBSourceControlRequest& request) {

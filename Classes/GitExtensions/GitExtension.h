@@ -1,6 +1,7 @@
 // GitExtension.h - the bases of the operations of the request types from 1000 on.
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,12 +27,27 @@ protected:
     void setRequiredGit(std::string_view version) { _requiredGit = version; }
     /// Appends "--" and the files of the request.
     void appendPaths(std::vector<std::string>& arguments) const;
+    /// Makes the operation fail, without running git, if the option has another value than these.
+    /// For constructors.
+    void requireOneOf(NEBConstant option, std::initializer_list<std::string_view> values);
     [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const override;
+    /// Runs git unless the constructor set an error.
+    void main() override;
 
 private:
     std::string_view _requiredGit;
 };
+
+/// Returns the error, of the class "request-invalid", of an option that has an unknown value or
+/// lacks one.
+[[nodiscard]] NEBSourceControlError gitErrorOfOption(const NEBSourceControlRequest& request,
+                                                     NEBConstant option);
+
+/// Returns a copy of the request without destination and files. Their names, if they look like
+/// patterns, would make git take its pathspecs literally, such as ":/", the top.
+[[nodiscard]] std::shared_ptr<NEBSourceControlRequest> gitRequestWithoutNames(
+    const NEBSourceControlRequest& request);
 
 /// Returns the path of the request's first file, relative to the location of the source tree if it
 /// lies there, without "/" at its end; empty without a file.

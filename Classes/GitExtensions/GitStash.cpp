@@ -118,7 +118,7 @@ bool GitStashOperation::keepsUntrackedFiles() {
 void GitStashOperation::push() {
     const std::vector<std::string> query{"rev-parse", "--verify", "--quiet",
                                          std::string(stashReference)};
-    const auto before = queriedLine(query);
+    const auto before = acceptsMessage() ? queriedLine(query) : std::nullopt;
     if (!before) {
         return;
     }

@@ -29,6 +29,9 @@ void GitTagOperation::perform() {
 }
 
 void GitTagOperation::createTag(const std::string& name) {
+    if (!acceptsMessage()) {
+        return;
+    }
     std::vector<std::string> arguments{"tag"};
     if (hasOption(NEBSourceControlRequestOptionForce)) {
         arguments.emplace_back("--force");

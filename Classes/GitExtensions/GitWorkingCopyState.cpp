@@ -190,6 +190,7 @@ GitWorkingCopyStateOperation::GitWorkingCopyStateOperation(
     const NEBSourceControlRequest& asked = *this->request();
     std::vector<std::string> arguments{"status", "--porcelain=v2", "-z", "--branch",
                                        "--show-stash"};
+    requireOneOf(NEBSourceControlRequestOptionUntrackedFiles, {"no", "normal", "all"});
     const NEBValue& untracked = asked.option(NEBSourceControlRequestOptionUntrackedFiles);
     if (untracked.isPresent()) {
         arguments.push_back("--untracked-files=" + untracked.description());

@@ -86,6 +86,29 @@ TEST_F(CreateCommit, AmendsAndConcludesAMergeWithTheirMessages) {
     EXPECT_THAT(git({"log", "-1", "--format=%s %P"}), HasSubstr("Merge branch 'side' "));
 }
 
+TEST_F(CreateCommit, TakesNoMessageWithANULByte) {
+    repository.commitFile("a.c", "1");
+    const std::string before = head();
+    const NEBValue message = NEBValue::ofBytes(Data(std::string("a\0b", 3)));
+    const NEBDictionary options{{NEBSourceControlRequestOptionMessage, message},
+                                {NEBSourceControlRequestOptionAllowEmptyCommit, true}};
+    EXPECT_THAT(performed(NEBSourceControlRequestCreateCommit, options)->error(),
+                HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(head(), before);
+    const auto tag =
+        requestOf(NEBSourceControlRequestTag, {{NEBSourceControlRequestOptionMessage, message}});
+    tag->destination = "v1";
+    EXPECT_THAT(performed(tag)->error(), HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(git({"tag"}), "");
+    repository.write("a.c", "2");
+    EXPECT_THAT(
+        performed(NEBSourceControlRequestStash, {{NEBSourceControlRequestOptionMessage, message},
+                                                 {NEBSourceControlRequestOptionAction, "push"}})
+            ->error(),
+        HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(git({"stash", "list"}), "");
+}
+
 TEST_F(CreateCommit, SaysWhyNot) {
     EXPECT_THAT(
         performed(NEBSourceControlRequestCreateCommit, {{NEBSourceControlRequestOptionAmend, true}})

@@ -199,6 +199,20 @@ TEST_F(History, OfAnUnbornAShallowAndASHA256Repository) {
               64U);
 }
 
+TEST_F(History, KnowsItsOrders) {
+    repository.commitFile("a", "1\n");
+    const auto asked = request(NEBSourceControlRequestHistory);
+    for (const char* order : {"date", "author date", "topology"}) {
+        asked->options = NEBDictionary{{NEBSourceControlRequestOptionOrder, order}};
+        EXPECT_EQ(recordsOf(asked).size(), 1U) << order;
+    }
+    for (const char* order : {"topologic", ""}) {
+        asked->options = NEBDictionary{{NEBSourceControlRequestOptionOrder, order}};
+        EXPECT_EQ(errorClassOf(asked), "request-invalid") << order;
+        EXPECT_TRUE(perform(asked)->commandLog()->runs().empty()) << "git is not asked";
+    }
+}
+
 /// A partial clone fetches only with the option.
 TEST_F(History, OfAPartialCloneFetchesOnlyWhenAsked) {
     repository.commitFile("a", "1\n", "First");

@@ -174,6 +174,19 @@ TEST_F(WorkingCopyState, NamesTheKindOfEachConflict) {
               lineOf(repository, {"rev-parse", ":3:c"}));
 }
 
+TEST_F(WorkingCopyState, KnowsItsOptions) {
+    repository.write("a", "1");
+    for (const auto& [value, count] :
+         std::map<std::string, std::size_t>{{"no", 1}, {"normal", 2}, {"all", 2}}) {
+        const auto asked = request(NEBSourceControlRequestWorkingCopyState);
+        asked->options = NEBDictionary{{NEBSourceControlRequestOptionUntrackedFiles, value}};
+        EXPECT_EQ(recordsOf(asked).size(), count) << value;
+    }
+    const auto asked = request(NEBSourceControlRequestWorkingCopyState);
+    asked->options = NEBDictionary{{NEBSourceControlRequestOptionUntrackedFiles, "x"}};
+    EXPECT_EQ(errorClassOf(asked), "request-invalid");
+}
+
 TEST_F(WorkingCopyState, OfABareRepositoryIsAnError) {
     const TemporaryFolder folder;
     repository.git({"init", "-q", "--bare", folder.path("bare.git")});

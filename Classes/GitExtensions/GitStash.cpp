@@ -72,23 +72,45 @@ void GitStashOperation::perform() {
     }
 }
 
-std::optional<std::string> GitStashOperation::queriedName() {
+std::string GitStashOperation::requestedName() const {
     const NEBValue& revision = request()->startingRevision;
-    const std::string name = revision.isPresent() ? revision.description() : stashName(0);
-    if (!isObjectID(name)) {
-        return name;
-    }
-    const auto stashes = run<GitStashListOperation>(request());
-    if (!goesOnAfter(*stashes)) {
+    return revision.isPresent() ? revision.description() : stashName(0);
+}
+
+std::optional<NEBDictionary> GitStashOperation::queriedStash() {
+    const std::string name = requestedName();
+    const auto list = run<GitStashListOperation>(request());
+    if (!goesOnAfter(*list)) {
         return std::nullopt;
     }
-    for (const NEBDictionary& stash : stashes->result().value_or(NEBSourceControlResult())) {
-        if (stash.text(NEBSourceControlOperationObjectIDKey) == name) {
-            return std::string(stash.text(NEBSourceControlOperationNameKey));
-        }
+    const NEBSourceControlResult stashes = list->result().value_or(NEBSourceControlResult());
+    const auto find = [&stashes](NEBConstant key, const std::string& text) {
+        return std::ranges::find_if(
+            stashes, [&](const NEBDictionary& stash) { return stash.text(key) == text; });
+    };
+    auto found = find(
+        isObjectID(name) ? NEBSourceControlOperationObjectIDKey : NEBSourceControlOperationNameKey,
+        name);
+    if (found == stashes.end() && !isObjectID(name)) {
+        const auto commit = queriedCommit(name);
+        found = commit ? find(NEBSourceControlOperationObjectIDKey, *commit) : found;
     }
-    fail(NEBSourceControlRevisionUnknownErrorClass, "There is no stash \"" + name + "\".");
-    return std::nullopt;
+    if (found == stashes.end()) {
+        if (!error()) {
+            fail(NEBSourceControlRevisionUnknownErrorClass, "There is no stash \"" + name + "\".");
+        }
+        return std::nullopt;
+    }
+    return *found;
+}
+
+std::optional<std::string> GitStashOperation::queriedName() {
+    if (!isObjectID(requestedName())) {
+        return requestedName();
+    }
+    const auto stash = queriedStash();
+    return stash ? std::optional(std::string(stash->text(NEBSourceControlOperationNameKey)))
+                 : std::nullopt;
 }
 
 void GitStashOperation::list() {
@@ -96,6 +118,14 @@ void GitStashOperation::list() {
     if (goesOnAfter(*stashes)) {
         setResult(stashes->result());
     }
+}
+
+/// git itself names a file with the magic of pathspecs: ":(,prefix:0)name".
+bool GitStashOperation::knowsFiles() {
+    const std::vector<std::string> files = gitFileNames(*request());
+    std::vector<std::string> arguments{"ls-files", "-z", "--error-unmatch", "--"};
+    arguments.insert(arguments.end(), files.begin(), files.end());
+    return files.empty() || goesOnAfter(*runQuery(request(), arguments));
 }
 
 /// git itself replaces untracked files in place of deleted ones, and keeps them nowhere.
@@ -125,7 +155,7 @@ void GitStashOperation::push() {
     std::vector<std::string> arguments{"stash", "push"};
     if (hasOption(NEBSourceControlRequestOptionIncludeUntracked)) {
         arguments.emplace_back("--include-untracked");
-    } else if (!keepsUntrackedFiles()) {
+    } else if (!knowsFiles() || !keepsUntrackedFiles()) {
         return;
     }
     if (hasOption(NEBSourceControlRequestOptionKeepIndex)) {
@@ -153,13 +183,13 @@ void GitStashOperation::push() {
 }
 
 void GitStashOperation::show() {
-    const auto name = queriedName();
-    const auto commit = name ? queriedCommit(*name) : std::nullopt;
-    if (!commit) {
+    const auto stash = queriedStash();
+    if (!stash) {
         return;
     }
+    const std::string commit(stash->text(NEBSourceControlOperationObjectIDKey));
     const auto files = runQuery(request(), {"diff-tree", "-r", "-z", "--name-status",
-                                            "--no-renames", *commit + "^1", *commit});
+                                            "--no-renames", commit + "^1", commit});
     if (!goesOnAfter(*files)) {
         return;
     }
@@ -170,7 +200,7 @@ void GitStashOperation::show() {
         gitSetState(record, NEBSourceControlOperationStateKey, pieces[i]);
         gitSetName(record, gitPathKeys, pieces[i + 1]);
     }
-    const auto untracked = queriedLine({"rev-parse", "--verify", "--quiet", *commit + "^3"});
+    const auto untracked = queriedLine({"rev-parse", "--verify", "--quiet", commit + "^3"});
     if (untracked && !untracked->empty()) {
         const auto tree =
             runQuery(request(), {"ls-tree", "-r", "-z", "--full-tree", "--name-only", *untracked});

@@ -36,8 +36,16 @@ protected:
     void perform() override;
 
 private:
+    /// Returns the name or id of the requested stash.
+    [[nodiscard]] std::string requestedName() const;
+    /// Returns the record of the requested stash from the list. Absent if the composite does not go
+    /// on: there is no such stash.
+    [[nodiscard]] std::optional<NEBDictionary> queriedStash();
     /// Returns the name of the requested stash. Absent if the composite does not go on.
     [[nodiscard]] std::optional<std::string> queriedName();
+    /// Returns whether git tracks something at each file of the request; otherwise the error is
+    /// set.
+    [[nodiscard]] bool knowsFiles();
     /// Returns whether a stash without untracked files loses none; otherwise the error is set.
     [[nodiscard]] bool keepsUntrackedFiles();
     void list();

@@ -160,6 +160,42 @@ TEST_F(Stash, IsFoundByItsId) {
                 HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
 }
 
+TEST_F(Stash, IsNoOtherCommit) {
+    repository.commitFile("a.c", "1");
+    repository.git({"checkout", "-q", "-b", "side"});
+    repository.commitFile("b.c", "1");
+    repository.git({"checkout", "-q", "main"});
+    repository.git({"merge", "-q", "--no-ff", "-m", "Like a stash", "side"});
+    repository.git({"branch", "stash"});
+    for (const std::string& name : {std::string("HEAD"), std::string("main"), head(),
+                                    std::string("stash@{0}"), std::string("stash")}) {
+        EXPECT_THAT(performedOn(name, "show")->error(),
+                    HasErrorClass(NEBSourceControlRevisionUnknownErrorClass))
+            << name;
+    }
+    stash("2");
+    const std::string id = git({"rev-parse", "refs/stash"});
+    for (const std::string& name :
+         {id, std::string("stash@{0}"), std::string("refs/stash"), std::string("refs/stash@{0}")}) {
+        EXPECT_THAT(pathsOf(*performedOn(name, "show")), ElementsAre("a.c")) << name;
+    }
+    EXPECT_THAT(performedOn(head(), "show")->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
+}
+
+TEST_F(Stash, NamesTheFileThatGitDoesNotKnow) {
+    repository.commitFile("a.c", "1");
+    repository.write("a.c", "2");
+    repository.write("untracked", "2");
+    for (const char* name : {"nosuch", "untracked", "no[such]"}) {
+        const auto refused = performed(NEBSourceControlRequestStash, stashAction("push"),
+                                       std::vector<std::string>{"a.c", name});
+        EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlPathUnknownErrorClass));
+        EXPECT_THAT(refused->error()->files, ElementsAre(name));
+    }
+    EXPECT_EQ(git({"stash", "list"}), "");
+}
+
 TEST_F(Stash, ThatConflictsIsKeptAndListsTheConflict) {
     repository.commitFile("a.c", "1\n");
     stash("2\n");

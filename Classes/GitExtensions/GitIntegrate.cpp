@@ -1,8 +1,5 @@
 #include "GitExtensions/GitIntegrate.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 
@@ -12,28 +9,29 @@ namespace {
 
 constexpr std::string_view fastForward = "fast-forward";
 
-struct Strategy {
-    std::string_view name;
-    std::vector<std::string> arguments;
-};
-
-/// Sets everything that the user's settings could change: merge.ff, merge.autoStash,
-/// branch.*.mergeOptions, rebase.backend, rebase.autoStash, rebase.autoSquash, rebase.rebaseMerges
-/// and rebase.updateRefs, whose option only git 2.38 and later know.
-const Strategy* strategyOfName(std::string_view name) {
-    static const Strategy strategies[] = {
-        {"merge",
-         {"merge", "--no-edit", "--ff", "--commit", "--no-squash", "--no-autostash", "--"}},
-        {"rebase",
-         {"-c", "rebase.updateRefs=false", "rebase", "--merge", "--no-autostash", "--no-autosquash",
-          "--no-rebase-merges", "--"}},
-        {fastForward, {"merge", "--ff-only", "--commit", "--no-squash", "--no-autostash", "--"}},
-    };
-    const auto* row = std::ranges::find(strategies, name, &Strategy::name);
-    return row == std::end(strategies) ? nullptr : row;
-}
-
 }  // namespace
+
+/// Sets what the user's settings could change: merge.ff, merge.autoStash, rebase.backend,
+/// rebase.autoStash, rebase.autoSquash, rebase.rebaseMerges and rebase.updateRefs, whose option
+/// only git 2.38 and later know.
+std::optional<GitMergeComposite::MergeCommand> GitIntegrateOperation::commandOfStrategy(
+    std::string_view name) {
+    if (name == "merge") {
+        return MergeCommand{
+            {}, "merge", {"--no-edit", "--ff", "--commit", "--no-squash", "--no-autostash", "--"}};
+    }
+    if (name == "rebase") {
+        return MergeCommand{
+            {"-c", "rebase.updateRefs=false"},
+            "rebase",
+            {"--merge", "--no-autostash", "--no-autosquash", "--no-rebase-merges", "--"}};
+    }
+    if (name == fastForward) {
+        return MergeCommand{
+            {}, "merge", {"--ff-only", "--commit", "--no-squash", "--no-autostash", "--"}};
+    }
+    return std::nullopt;
+}
 
 /// The remote branch may not have been fetched yet; git then says that the revision is unknown.
 std::optional<std::string> GitIntegrateOperation::fetchedUpstream() {
@@ -78,8 +76,8 @@ std::optional<std::string> GitIntegrateOperation::fetchedRevision() {
 
 void GitIntegrateOperation::perform() {
     const NEBValue& name = request()->option(NEBSourceControlRequestOptionStrategy);
-    const Strategy* strategy = strategyOfName(name.isPresent() ? name.description() : "merge");
-    if (strategy == nullptr) {
+    auto command = commandOfStrategy(name.isPresent() ? name.description() : "merge");
+    if (!command) {
         failForOption(NEBSourceControlRequestOptionStrategy);
         return;
     }
@@ -87,10 +85,11 @@ void GitIntegrateOperation::perform() {
     const auto head = revision ? queriedHead() : std::nullopt;
     if (head) {
         // A branch without commits has nothing to rebase.
-        std::vector<std::string> arguments =
-            head->empty() ? strategyOfName(fastForward)->arguments : strategy->arguments;
-        arguments.push_back(*revision);
-        runStoppable(arguments);
+        if (head->empty()) {
+            command = commandOfStrategy(fastForward);
+        }
+        command->arguments.push_back(*revision);
+        runMerge(*command);
     }
 }
 

@@ -3,8 +3,9 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
-#include "GitExtensions/GitChange.h"
+#include "GitExtensions/GitMergeChange.h"
 
 namespace neb {
 
@@ -14,11 +15,11 @@ namespace neb {
 /// NEBSourceControlRequestOptionStrategy is "merge" (the default), "rebase" or "fast-forward". A
 /// merge or rebase stops at conflicts, and chooses no side: GitFinishOperation continues or aborts
 /// it. Local changes are never stashed. A branch without commits is fast-forwarded. No setting of
-/// the user changes this. The result is that of GitChangeComposite::runStoppable(); both ids are
-/// equal if there was nothing new.
-class GitIntegrateOperation : public GitChangeComposite {
+/// the user changes this; see also GitMergeComposite. The result is that of
+/// GitChangeComposite::runStoppable(); both ids are equal if there was nothing new.
+class GitIntegrateOperation : public GitMergeComposite {
 public:
-    using GitChangeComposite::GitChangeComposite;
+    using GitMergeComposite::GitMergeComposite;
 
     [[nodiscard]] std::string className() const override { return "GitIntegrateOperation"; }
 
@@ -26,6 +27,8 @@ protected:
     void perform() override;
 
 private:
+    /// Returns the command of a strategy, without the revision. Absent for an unknown one.
+    [[nodiscard]] static std::optional<MergeCommand> commandOfStrategy(std::string_view name);
     /// Fetches what the request names, and returns the revision to integrate. Absent if the
     /// composite does not go on.
     [[nodiscard]] std::optional<std::string> fetchedRevision();

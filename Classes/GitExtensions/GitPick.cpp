@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "GitExtensions/GitRecordFields.h"
+#include "GitExtensions/GitUnfinishedOperation.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -38,7 +39,7 @@ void GitPickOperation::perform() {
 }
 
 void GitPickOperation::applyCommit(const std::string& command, const std::string& commit) {
-    std::vector<std::string> arguments{command};
+    std::vector<std::string> arguments;
     if (command == "revert") {
         arguments.emplace_back("--no-edit");
     }
@@ -47,7 +48,7 @@ void GitPickOperation::applyCommit(const std::string& command, const std::string
         arguments.push_back("--mainline=" + mainline.description());
     }
     arguments.push_back(commit);
-    runStoppable(arguments);
+    runMerge({{}, command, arguments});
 }
 
 bool GitPickOperation::losesNoChanges(const NEBSourceControlResult& changes) {
@@ -97,8 +98,9 @@ bool GitPickOperation::overwritesNoFiles(const std::string& commit) {
 }
 
 bool GitPickOperation::endsNoConflict() {
-    const auto conflicts = queriedLine({"ls-files", "--unmerged", "-z", "--", ":/"});
-    if (conflicts && !conflicts->empty()) {
+    const auto conflicts = run<GitConflictsOperation>(request());
+    if (goesOnAfter(*conflicts) &&
+        !conflicts->result().value_or(NEBSourceControlResult()).empty()) {
         fail(NEBSourceControlConflictUnresolvedErrorClass,
              "There are unresolved conflicts, whose versions would be lost.");
     }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "GitExtensions/GitChange.h"
+#include "GitExtensions/GitMergeChange.h"
 
 namespace neb {
 
@@ -12,7 +12,7 @@ namespace neb {
 ///
 /// - "cherry-pick", the default, commits its changes again; "revert" commits the opposite. Of a
 ///   merge, these are the changes to the parent NEBSourceControlRequestOptionMainline. A conflict
-///   stops them, and GitFinishOperation continues or aborts.
+///   stops them, whatever the settings of the user are, and GitFinishOperation continues or aborts.
 /// - "reset" moves HEAD and its branch to it. NEBSourceControlRequestOptionResetMode says what
 ///   changes beside: "soft", "mixed" (the default) or "hard". A hard reset that would throw away
 ///   uncommitted changes is refused with the class "local-changes", one that would overwrite
@@ -23,9 +23,9 @@ namespace neb {
 ///   NEBSourceControlOperationPathKey (from the top) and NEBSourceControlOperationStateKey.
 ///
 /// The result is otherwise that of GitChangeComposite::runStoppable().
-class GitPickOperation : public GitChangeComposite {
+class GitPickOperation : public GitMergeComposite {
 public:
-    using GitChangeComposite::GitChangeComposite;
+    using GitMergeComposite::GitMergeComposite;
 
     [[nodiscard]] std::string className() const override { return "GitPickOperation"; }
 

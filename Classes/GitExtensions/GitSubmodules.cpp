@@ -25,12 +25,13 @@ void forEachRecord(std::string_view output, Visit visit) {
 
 }  // namespace
 
-/// Reads settings "submodule.NAME.PROPERTY", a line end and the value, each before a NUL byte.
+/// Reads settings "submodule.NAME.PROPERTY", a line end and the value, each before a NUL byte. A
+/// "." of the pattern would not match a byte of the name that is not UTF-8.
 GitSubmodulesOperation::Submodules GitSubmodulesOperation::submodulesOf(
     const std::vector<std::string>& source) {
     std::vector<std::string> arguments{"config", "--null"};
     arguments.insert(arguments.end(), source.begin(), source.end());
-    arguments.insert(arguments.end(), {"--get-regexp", "^submodule\\..*\\."});
+    arguments.insert(arguments.end(), {"--get-regexp", "^submodule\\."});
     const auto query = runQuery(request(), arguments);
     if (query->error()) {
         setError(query->error());
@@ -79,8 +80,8 @@ NEBDictionary GitSubmodulesOperation::recordOf(const std::string& name,
     gitSetName(record, gitPathKeys, path);
     gitSetText(record, NEBSourceControlOperationURLKey, property("url"));
     gitSetName(record, gitBranchKeys, property("branch"));
-    const auto staged =
-        runQuery(request(), {"ls-files", "--stage", "-z", "--", ":(top,literal)" + path});
+    const auto staged = runQuery(gitRequestWithoutNames(*request()),
+                                 {"ls-files", "--stage", "-z", "--", ":(top,literal)" + path});
     std::string indexID;
     bool isConflict = false;
     forEachRecord(staged->output(), [&](std::string_view entry) {

@@ -160,8 +160,9 @@ private:
 
 }  // namespace
 
-GitConflictsOperation::GitConflictsOperation(std::shared_ptr<NEBSourceControlRequest> request)
-    : GitReadingOperation(std::move(request)) {
+GitConflictsOperation::GitConflictsOperation(
+    const std::shared_ptr<NEBSourceControlRequest>& request)
+    : GitReadingOperation(gitRequestWithoutNames(*request)) {
     setArgumentsBehindDefaults({"ls-files", "--unmerged", "-z", "--", ":/"});
 }
 

@@ -32,7 +32,7 @@ public:
 /// Lists the paths in conflict, as above; see git-ls-files(1), --unmerged.
 class GitConflictsOperation : public GitReadingOperation {
 public:
-    explicit GitConflictsOperation(std::shared_ptr<NEBSourceControlRequest> request);
+    explicit GitConflictsOperation(const std::shared_ptr<NEBSourceControlRequest>& request);
 
     [[nodiscard]] std::string className() const override { return "GitConflictsOperation"; }
     [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;

@@ -1,11 +1,16 @@
 // What an integration does in spite of the settings of the user, and in a new repository.
 
+#include <algorithm>
 #include <filesystem>
 
 #include "Classes/GitExtensions/StoppableTest.h"
 
 namespace neb::test {
 namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
 
 class IntegrateAlways : public Stoppable {};
 
@@ -44,6 +49,68 @@ TEST_F(IntegrateAlways, IsNotChangedBySettings) {
     expectMoved(*integrated("rebase", "easy"), before);
     EXPECT_EQ(git({"log", "--format=%s", "easy..HEAD"}), "fixup! main\na commit");
     EXPECT_EQ(git({"rev-parse", "other"}), main) << "no other branch moves";
+}
+
+/// Settings with which git takes one side of a conflict, and reports success.
+constexpr std::pair<const char*, const char*> settingsOfSides[] = {
+    {"branch.main.mergeOptions", "-X theirs"},
+    {"branch.main.mergeOptions", "-s ours"},
+    {"pull.twohead", "ours"},
+    {"pull.twohead", "ort ours"},
+};
+
+TEST_F(IntegrateAlways, TakesNoSideOfAConflict) {
+    makeConflictingBranch();
+    const std::string before = head();
+    for (const auto& [name, value] : settingsOfSides) {
+        SCOPED_TRACE(std::string(name) + " " + value);
+        repository.git({"config", name, value});
+        for (const char* strategy : {"merge", "rebase"}) {
+            expectConflict(*integrated(strategy, "side"));
+            EXPECT_EQ(finished("abort")->error(), std::nullopt);
+        }
+        expectConflict(*picked("cherry-pick", "side"));
+        EXPECT_EQ(finished("abort")->error(), std::nullopt);
+        expectConflict(*picked("revert", "side"));
+        EXPECT_EQ(finished("abort")->error(), std::nullopt);
+        EXPECT_THAT(integrated("fast-forward", "side")->error(),
+                    HasErrorClass(NEBSourceControlDivergedErrorClass));
+        repository.git({"config", "--unset", name});
+    }
+    EXPECT_EQ(head(), before);
+}
+
+/// The name of a branch can have characters with a meaning on the command line of git.
+TEST_F(IntegrateAlways, TakesNoSideOnABranchWithAnyName) {
+    makeConflictingBranch();
+    for (const std::string name : {"a=b", "A.b.c", "it's \"x\"", "b\xe4r"}) {
+        std::string branch = name;
+        std::ranges::replace(branch, ' ', '_');
+        repository.git({"checkout", "-q", "-b", branch, "main"});
+        repository.git({"config", "branch." + branch + ".mergeOptions", "-X theirs"});
+        expectConflict(*integrated("merge", "side"));
+        EXPECT_EQ(finished("abort")->error(), std::nullopt) << branch;
+    }
+}
+
+/// The settings of a strategy that takes no side stay.
+TEST_F(IntegrateAlways, KeepsTheStrategyOfTheUserThatTakesNoSide) {
+    makeConflictingBranch();
+    makeEasyBranch();
+    repository.git({"config", "pull.twohead", "ort"});
+    const auto merged = integrated("merge", "easy");
+    EXPECT_EQ(merged->error(), std::nullopt);
+    EXPECT_THAT(commandLinesOf(*merged), Not(Contains(HasSubstr("--strategy"))));
+}
+
+/// The text of a commit, which the destination may name, has characters of patterns.
+TEST_F(IntegrateAlways, FindsTheConflictsOfACommitNamedByItsText) {
+    makeConflictingBranch();
+    repository.git({"commit", "-q", "--allow-empty", "-m", "main"});
+    repository.git({"checkout", "-q", "side"});
+    repository.git({"commit", "-q", "--allow-empty", "-m", "of [side]"});
+    repository.git({"checkout", "-q", "main"});
+    expectConflict(*integrated("merge", ":/^of .side."));
 }
 
 TEST_F(IntegrateAlways, StashesNoLocalChanges) {

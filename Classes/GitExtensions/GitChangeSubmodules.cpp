@@ -93,8 +93,25 @@ std::optional<NEBSourceControlResult> GitChangeSubmodulesOperation::queriedSubmo
     return named;
 }
 
+/// git prefers the setting of the repository to that in .gitmodules.
+bool GitChangeSubmodulesOperation::isNeverUpdated(const NEBDictionary& submodule) {
+    const NEBValue& bytes = submodule.value(NEBSourceControlOperationNameBytesKey);
+    const auto name = gitBytesOfValue(
+        bytes.isPresent() ? bytes : submodule.value(NEBSourceControlOperationNameKey));
+    const std::string setting =
+        "submodule." + std::string(name.value_or(Data()).bytes()) + ".update";
+    auto update = queriedLine({"config", "--get", "--", setting});
+    if (update && update->empty()) {
+        update = queriedLine({"config", "--file", ".gitmodules", "--get", "--", setting});
+    }
+    return update == "none";
+}
+
 void GitChangeSubmodulesOperation::checkUpdated(const NEBSourceControlResult& submodules) {
     for (const NEBDictionary& submodule : submodules) {
+        if (error()) {
+            return;
+        }
         const std::string_view state = submodule.text(NEBSourceControlOperationStateKey);
         const std::string shown(submodule.text(NEBSourceControlOperationPathKey));
         if (state == "conflict") {
@@ -104,6 +121,13 @@ void GitChangeSubmodulesOperation::checkUpdated(const NEBSourceControlResult& su
             fail(NEBSourceControlSubmoduleFailedErrorClass,
                  "The submodule \"" + shown + "\" was not updated: it is " + std::string(state) +
                      ".",
+                 {shown});
+        } else if ((state == "other commit" ||
+                    hasOption(NEBSourceControlRequestOptionFollowBranch)) &&
+                   isNeverUpdated(submodule)) {
+            fail(NEBSourceControlSubmoduleFailedErrorClass,
+                 "The submodule \"" + shown +
+                     "\" was not updated: its setting \"update\" is \"none\".",
                  {shown});
         }
     }

@@ -35,6 +35,8 @@ private:
     /// Returns the records below the files, or all without files. Absent if the composite does not
     /// go on: a file has no submodule at or below it.
     [[nodiscard]] std::optional<NEBSourceControlResult> queriedSubmodules();
+    /// Returns whether the settings say that git never updates the submodule.
+    [[nodiscard]] bool isNeverUpdated(const NEBDictionary& submodule);
     /// Fails for submodules that the files name and that were left as they were.
     void checkUpdated(const NEBSourceControlResult& submodules);
 };

@@ -68,6 +68,68 @@ TEST_F(ChangeSubmodules, AcceptAbsolutePaths) {
                 ElementsAre("current"));
 }
 
+TEST_F(ChangeSubmodules, CanHaveAnyName) {
+    const std::vector<std::string> names{"lib[1]", "st*r", "b\xe4r"};
+    for (const std::string& name : names) {
+        repository.git({"submodule", "--quiet", "add", inner.path(), "./" + name});
+    }
+    repository.git({"commit", "-q", "-m", "Names"});
+    repository.git({"-C", clone(), "pull", "-q", "--no-recurse-submodules"});
+    for (const std::string& name : names) {
+        const auto updated = changed("update", {name}, withInit);
+        EXPECT_EQ(updated->error(), std::nullopt) << name;
+        EXPECT_THAT(statesOf(updated), ElementsAre("current")) << name;
+    }
+}
+
+TEST_F(ChangeSubmodules, AreInConflictWithAnyName) {
+    repository.git({"submodule", "--quiet", "add", inner.path(), "lib[1]"});
+    repository.git({"commit", "-q", "-m", "Names"});
+    repository.git({"-C", clone(), "pull", "-q", "--no-recurse-submodules"});
+    EXPECT_EQ(changed("update", {"lib[1]"}, withInit)->error(), std::nullopt);
+    std::string stages;
+    for (const char* stage : {"1", "2", "3"}) {
+        stages += "160000 " + idIn("lib[1]") + " " + stage + "\tlib[1]\n";
+    }
+    repository.git({"-C", clone(), "update-index", "--force-remove", "lib[1]"});
+    repository.gitWithInput({"-C", clone(), "update-index", "--index-info"}, stages);
+    EXPECT_THAT(changed("update", {"lib[1]"})->error(),
+                HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+}
+
+/// The setting update=none is that of the repository, or else that in .gitmodules.
+TEST_F(ChangeSubmodules, ThatAreNeverUpdatedAreAnError) {
+    EXPECT_EQ(changed("update", {}, withInit)->error(), std::nullopt);
+    inner.commitFile("a", "2\n");
+    repository.git({"-C", "lib/one", "pull", "-q"});
+    repository.git({"commit", "-q", "-a", "-m", "Update"});
+    repository.git({"-C", clone(), "pull", "-q", "--no-recurse-submodules"});
+    const std::string setting = "submodule.lib/one.update";
+    repository.git({"config", "--file", clone() + "/.gitmodules", setting, "none"});
+    for (const char* value : {"", "none"}) {
+        if (*value != '\0') {
+            repository.git({"-C", clone(), "config", setting, value});
+        }
+        const auto left = changed("update", {"lib/one"});
+        EXPECT_THAT(left->error(), HasErrorClass(NEBSourceControlSubmoduleFailedErrorClass));
+        EXPECT_THAT(left->error()->localizedDescription().value_or(""),
+                    HasSubstr("\"lib/one\" was not updated: its setting \"update\" is \"none\"."));
+        EXPECT_EQ(changed("update")->error(), std::nullopt) << "only those that are named";
+    }
+    const NEBDictionary toBranch{{NEBSourceControlRequestOptionFollowBranch, true}};
+    EXPECT_THAT(changed("update", {"lib/one"}, toBranch)->error(),
+                HasErrorClass(NEBSourceControlSubmoduleFailedErrorClass));
+    for (const char* value : {"checkout", "merge"}) {
+        repository.git({"-C", clone(), "config", setting, value});
+        EXPECT_EQ(changed("update", {"lib/one"})->error(), std::nullopt) << value;
+        EXPECT_THAT(statesOf(changed("update", {"lib/one"})), ElementsAre("current"));
+    }
+    repository.git({"-C", clone() + "/lib/one", "commit", "-q", "--allow-empty", "-m", "Mine"});
+    const auto merged = changed("update", {"lib/one"});
+    EXPECT_EQ(merged->error(), std::nullopt) << "the own commit stays";
+    EXPECT_THAT(statesOf(merged), ElementsAre("other commit"));
+}
+
 TEST_F(ChangeSubmodules, FollowTheBranchOfTheRemote) {
     EXPECT_EQ(changed("update", {}, withInit)->error(), std::nullopt);
     inner.commitFile("a", "2\n");

@@ -73,10 +73,9 @@ std::optional<std::vector<std::string>> GitChangeSettingsOperation::queriedValue
     if (!goesOnAfter(*query)) {
         return std::nullopt;
     }
-    std::vector<std::string> values = query->output().empty()
-                                          ? std::vector<std::string>()
-                                          : gitNULSeparatedPieces(query->output());
+    std::vector<std::string> values = gitNULSeparatedPieces(query->output());
     if (values.size() > 1 && !hasOption(NEBSourceControlRequestOptionAll)) {
+        setRecords(name, scope, values);
         fail(NEBSourceControlRequestInvalidErrorClass,
              "The setting \"" + name + "\" has " + std::to_string(values.size()) +
                  " values. The request does not allow to change all of them.");
@@ -94,7 +93,7 @@ void GitChangeSettingsOperation::set(const std::string& name, const std::string&
     const std::string text(value->bytes());
     if (queriedValues(name, scope) &&
         runChange({"config", "--" + scope, "--replace-all", "--", name, text})) {
-        setRecord(name, scope, text);
+        setRecords(name, scope, {text});
     }
 }
 
@@ -108,18 +107,22 @@ void GitChangeSettingsOperation::unset(const std::string& name, const std::strin
              "The setting \"" + name + "\" is not set " +
                  (scope == "local" ? "in this repository." : "for this user."));
     } else if (runChange({"config", "--" + scope, "--unset-all", "--", name})) {
-        setRecord(name, scope, values->back());
+        setRecords(name, scope, {values->back()});
     }
 }
 
-void GitChangeSettingsOperation::setRecord(const std::string& name, const std::string& scope,
-                                           const std::string& value) {
-    NEBDictionary record{{NEBSourceControlOperationKindKey, "setting"},
-                         {NEBSourceControlOperationScopeKey, scope},
-                         {NEBSourceControlOperationValueKey, ""}};
-    gitSetName(record, gitNameKeys, name);
-    gitSetName(record, gitValueKeys, value);
-    setResult({{std::move(record)}});
+void GitChangeSettingsOperation::setRecords(const std::string& name, const std::string& scope,
+                                            const std::vector<std::string>& values) {
+    NEBSourceControlResult records;
+    for (const std::string& value : values) {
+        NEBDictionary& record =
+            records.emplace_back(NEBDictionary{{NEBSourceControlOperationKindKey, "setting"},
+                                               {NEBSourceControlOperationScopeKey, scope},
+                                               {NEBSourceControlOperationValueKey, ""}});
+        gitSetName(record, gitNameKeys, name);
+        gitSetName(record, gitValueKeys, value);
+    }
+    setResult(std::move(records));
 }
 
 }  // namespace neb

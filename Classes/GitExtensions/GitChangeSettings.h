@@ -2,7 +2,9 @@
 // git-config(1).
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "GitExtensions/GitChange.h"
 
@@ -15,7 +17,8 @@ namespace neb {
 /// - "unset": removes it.
 ///
 /// A setting with several values is changed only with NEBSourceControlRequestOptionAll, which
-/// replaces or removes all of them.
+/// replaces or removes all of them. Without that option, the values are the result, beside the
+/// error.
 ///
 /// The result is one record, as of GitSettingsOperation: NEBSourceControlOperationKindKey
 /// "setting", NEBSourceControlOperationNameKey, NEBSourceControlOperationScopeKey, and
@@ -36,7 +39,9 @@ private:
     /// has several, and the request does not allow to change all.
     [[nodiscard]] std::optional<std::vector<std::string>> queriedValues(const std::string& name,
                                                                         const std::string& scope);
-    void setRecord(const std::string& name, const std::string& scope, const std::string& value);
+    /// Sets the result: a record per value.
+    void setRecords(const std::string& name, const std::string& scope,
+                    const std::vector<std::string>& values);
 };
 
 }  // namespace neb

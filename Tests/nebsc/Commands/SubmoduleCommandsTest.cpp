@@ -42,6 +42,9 @@ TEST_F(SubmoduleCommands, UpdateInitializesOnDemand) {
                 AllOf(HasSubstr("'lib/zip' was not updated: it is not initialized"),
                       HasSubstr("'nebsc submodule update --init' initializes it first.\n")));
     EXPECT_EQ(refused.exitStatus, 1);
+    const auto json = nebsc({"submodule", "update", "lib/zip", "--json"}).json();
+    EXPECT_THAT(json["error"]["localizedRecoverySuggestion"].get<std::string>(),
+                HasSubstr("'nebsc submodule update --init' initializes it first."));
     expectDone(nebsc({"submodule", "update", "--init", "--recursive", "lib"}),
                "current  " + id + "  lib/zip  (v1)\n");
     EXPECT_TRUE(isThere("lib/zip/z.c"));

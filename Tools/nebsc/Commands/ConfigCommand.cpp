@@ -33,6 +33,7 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     /// A query for an identity or a setting that does not exist prints nothing.
     SilentFailure silentFailure() const override { return SilentFailure::isIgnored; }
+    RequestResult perform() override;
     std::string adviceFor(const NEBSourceControlError& error) const override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
@@ -46,6 +47,9 @@ private:
     /// Returns the settings of the outcome, in the requested scope.
     [[nodiscard]] NEBSourceControlResult settingsIn(const Outcome& outcome) const;
     [[nodiscard]] std::string textOfList(const NEBSourceControlResult& settings) const;
+
+    /// Whether a change was refused because the setting has several values.
+    bool _hasSeveralValues = false;
 };
 
 std::optional<CommandOutput> ConfigTask::validate() {
@@ -88,10 +92,16 @@ std::shared_ptr<NEBSourceControlRequest> ConfigTask::makeRequest() {
     return request;
 }
 
-std::string ConfigTask::adviceFor(const NEBSourceControlError& error) const {
-    return error.localizedDescription().value_or("").find(" values. ") != std::string::npos
-               ? "'nebsc config --all' changes all of them."
-               : "";
+RequestResult ConfigTask::perform() {
+    RequestResult result = CommandTask::perform();
+    const auto& outcome = result.outcome;
+    _hasSeveralValues =
+        isChange() && outcome && outcome->error && outcome->result && outcome->result->size() > 1;
+    return result;
+}
+
+std::string ConfigTask::adviceFor(const NEBSourceControlError& /*error*/) const {
+    return _hasSeveralValues ? "'nebsc config --all' changes all of them." : "";
 }
 
 NEBSourceControlResult ConfigTask::settingsIn(const Outcome& outcome) const {
@@ -164,7 +174,8 @@ constinit const Command configCommand{
     .details =
         "Shows the value that counts, wherever it is set; exits with status 1 if it is\n"
         "not set. Changes the settings of the repository, or with --global those of the\n"
-        "user. Never prints a password that is part of a URL.\n"
+        "user. Never prints a password that is part of a URL, except with\n"
+        "--json.\n"
         "\n"
         "Examples:\n"
         "  nebsc config list                              all settings\n"

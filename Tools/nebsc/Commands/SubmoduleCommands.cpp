@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RecordNames.h"
 #include "Commands/Commands.h"
@@ -120,7 +122,12 @@ public:
 
 protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    RequestResult perform() override;
     std::string adviceFor(const NEBSourceControlError& error) const override;
+
+private:
+    /// Whether one of the submodules is not initialized.
+    bool _isUninitialized = false;
 };
 
 std::shared_ptr<NEBSourceControlRequest> SubmoduleUpdateTask::makeRequest() {
@@ -143,10 +150,20 @@ std::shared_ptr<NEBSourceControlRequest> SubmoduleUpdateTask::makeRequest() {
     return request;
 }
 
+RequestResult SubmoduleUpdateTask::perform() {
+    RequestResult result = SubmoduleInitTask::perform();
+    if (result.outcome && result.outcome->result) {
+        _isUninitialized = std::ranges::any_of(*result.outcome->result, [](const auto& record) {
+            return record.text(NEBSourceControlOperationStateKey) == "not initialized";
+        });
+    }
+    return result;
+}
+
 std::string SubmoduleUpdateTask::adviceFor(const NEBSourceControlError& error) const {
-    const bool isUninitialized =
-        error.localizedDescription().value_or("").ends_with("it is not initialized.");
-    return isUninitialized ? "'nebsc submodule update --init' initializes it first." : "";
+    return error.errorClass == NEBSourceControlSubmoduleFailedErrorClass && _isUninitialized
+               ? "'nebsc submodule update --init' initializes it first."
+               : "";
 }
 
 constexpr Parameter updateParameters[] = {

@@ -47,13 +47,30 @@ std::optional<std::vector<std::string>> GitDiscardOperation::queriedPaths(
     return paths;
 }
 
+bool GitDiscardOperation::hasNoConflict(const std::vector<std::string>& taggedPaths) {
+    constexpr std::string_view unmerged = "M ";
+    std::vector<std::string> conflicts;
+    for (const std::string& path : taggedPaths) {
+        if (path.starts_with(unmerged)) {
+            conflicts.push_back(path.substr(unmerged.size()));
+        }
+    }
+    if (!conflicts.empty()) {
+        fail(NEBSourceControlConflictUnresolvedErrorClass,
+             "Changes of files in conflict cannot be discarded.", std::move(conflicts));
+    }
+    return !error();
+}
+
 std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() {
     Losses losses;
     const bool hasUntracked = hasOption(NEBSourceControlRequestOptionIncludeUntracked);
     // A path that git does not know is an error.
-    const auto known = hasUntracked ? queriedPaths({"--cached", "--others", "--error-unmatch"})
-                                    : queriedPaths({"--cached", "--error-unmatch"});
-    const auto modified = known ? queriedPaths({"--modified"}) : std::nullopt;
+    const auto known = hasUntracked
+                           ? queriedPaths({"-t", "--cached", "--others", "--error-unmatch"})
+                           : queriedPaths({"-t", "--cached", "--error-unmatch"});
+    const auto modified =
+        known && hasNoConflict(*known) ? queriedPaths({"--modified"}) : std::nullopt;
     auto deleted = modified ? queriedPaths({"--deleted"}) : std::nullopt;
     if (!deleted) {
         return std::nullopt;

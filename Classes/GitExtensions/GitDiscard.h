@@ -17,6 +17,8 @@ namespace neb {
 /// unless NEBSourceControlRequestOptionForce is set. The file of a deletion comes back without it,
 /// unless an untracked file is in place of its folder, or a folder in its own place.
 ///
+/// A request for a file in conflict is refused with the class "conflict-unresolved".
+///
 /// The result has a record for each file that is, or with NEBSourceControlRequestOptionDryRun would
 /// be, restored or deleted: NEBSourceControlOperationPathKey (from the working directory; in a
 /// patch from the top), and NEBSourceControlOperationStateKey: "modified", "deleted" or
@@ -40,6 +42,9 @@ private:
     /// not go on.
     [[nodiscard]] std::optional<std::vector<std::string>> queriedPaths(
         std::initializer_list<const char*> options);
+    /// Returns whether no path is in conflict; otherwise the error is set. The paths have the tags
+    /// of `git ls-files -t`.
+    [[nodiscard]] bool hasNoConflict(const std::vector<std::string>& taggedPaths);
     [[nodiscard]] std::optional<Losses> queriedLosses();
     /// Sets the result. Returns whether the request allows to throw away `lost`, and to change
     /// anything; otherwise the error is set, unless it asks only what would be lost.

@@ -236,6 +236,26 @@ TEST_F(HunkDialogue, LeavesOutBinaryFilesAndConflicts) {
     EXPECT_EQ(conflict.output, "No changes.\n");
     EXPECT_EQ(conflict.errors, "'a' is in conflict and was left out.\n");
     EXPECT_EQ(state(), "UU a\n");
+    repository.write("src/b", "1\n");
+    repository.git({"add", "--intent-to-add", "src/b"});
+    const NebscOutcome elsewhere = answering({"stage", "-p", "src"}, "n\n");
+    EXPECT_THAT(elsewhere.output, HasSubstr("Stage this new file"));
+    EXPECT_EQ(elsewhere.errors, "");
+}
+
+/// Otherwise, the versions of a file in conflict would be offered as changes.
+TEST_F(HunkDialogue, NeedsToKnowTheConflicts) {
+    repository.commitFile("a", "1\n");
+    repository.write("a", "2\n");
+    const StandInGit git(repository.path(),
+                         "case \"$*\" in *--diff-filter=U*) echo 'fatal: broken' >&2; exit 128;; "
+                         "esac; exec /usr/bin/git \"$@\"");
+    const NebscOutcome outcome = runNebsc(
+        {"stage", "-p"}, {.folder = repository.path(), .input = "y\n", .variables = {git.path()}});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("broken"));
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_EQ(content("a"), "1\n");
 }
 
 TEST_F(HunkDialogue, LimitsTheQuestionsToFiles) {

@@ -7,6 +7,7 @@ namespace neb::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 class IndexCommands : public CommandTest {
 protected:
@@ -70,6 +71,29 @@ TEST_F(IndexCommands, DiscardRefusesToLoseChanges) {
     expectDone(nebsc({"discard", "src"}), "Discarded:\n    deleted  src/c.c\n");
     expectDone(nebsc({"discard", "src"}), "Nothing to discard.\n");
     EXPECT_EQ(state(), " M b[1].c\n");
+}
+
+TEST_F(IndexCommands, DiscardRefusesFilesInConflict) {
+    repository.git({"checkout", "--quiet", "-f", "-b", "topic", "HEAD"});
+    repository.commitFile("a.c", "topic\n");
+    repository.git({"checkout", "--quiet", "main"});
+    repository.commitFile("a.c", "main\n");
+    EXPECT_NE(repository.gitStatus({"merge", "--quiet", "topic"}), 0);
+    repository.write("src/c.c", "third\n");
+    const std::vector<std::vector<std::string>> choices{
+        {"a.c"}, {"--all"}, {"--force", "a.c"}, {"--dry-run", "a.c"}, {"--untracked", "a.c"}};
+    for (std::vector<std::string> arguments : choices) {
+        arguments.insert(arguments.begin(), "discard");
+        expectFailed(nebsc(arguments),
+                     testing::AllOf(HasSubstr("in conflict cannot be discarded"),
+                                    HasSubstr("    a.c\n"), Not(HasSubstr("discard --force")),
+                                    HasSubstr("\n'nebsc unstage --force' ends the conflict")));
+    }
+    EXPECT_EQ(state(), "UU a.c\n M src/c.c\n");
+    expectDone(nebsc({"discard", "--force", "src"}), "Discarded:\n    modified  src/c.c\n");
+    expectDone(nebsc({"unstage", "--force", "a.c"}));
+    expectDone(nebsc({"discard", "--force", "a.c"}), "Discarded:\n    modified  a.c\n");
+    EXPECT_EQ(state(), "");
 }
 
 TEST_F(IndexCommands, DiscardListsAndDeletesUntrackedFiles) {

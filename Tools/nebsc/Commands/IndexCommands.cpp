@@ -87,6 +87,8 @@ protected:
 private:
     [[nodiscard]] bool isByHunk() const { return arguments().has(byHunk); }
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeChangesRequest() const;
+    /// Finds the files in conflict, and returns whether git could list them.
+    [[nodiscard]] bool findConflicts();
     /// Returns what the user can choose from, and notes what is left out.
     [[nodiscard]] std::vector<FileChoices> choicesIn(const NEBSourceControlResult& records);
     /// Asks the user, and returns the patch of what is chosen; empty if nothing is to be done.
@@ -94,7 +96,8 @@ private:
 
     const HunkUse& _use;
     bool _hasChoices = false;
-    bool _hasFailed = false;
+    /// Why nothing was changed.
+    std::optional<CommandOutput> _failure;
     /// Paths from the top of the working copy.
     std::vector<std::string> _binaryFiles, _conflicts;
 };
@@ -132,13 +135,22 @@ bool isOnlyDirtySubmodule(const NEBDictionary& record) {
            record.text(NEBSourceControlOperationNewModeKey) == "160000";
 }
 
-std::vector<FileChoices> HunkTask::choicesIn(const NEBSourceControlResult& records) {
-    const ChildOutcome unmerged = git().run({"diff", "--name-only", "--diff-filter=U", "-z"});
+bool HunkTask::findConflicts() {
+    std::vector<std::string> query{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
+    query.insert(query.end(), paths(files).begin(), paths(files).end());
+    const ChildOutcome unmerged = git().run(std::move(query));
+    if (!unmerged.status.isSuccess()) {
+        _failure = failureOfQuery(git(), unmerged, paths(files));
+    }
     forEachField(unmerged.output.bytes(), '\0', [this](std::string_view path) {
         if (!path.empty()) {
             _conflicts.emplace_back(path);
         }
     });
+    return !_failure;
+}
+
+std::vector<FileChoices> HunkTask::choicesIn(const NEBSourceControlResult& records) {
     std::vector<FileChoices> choices;
     for (const NEBDictionary& record : records) {
         const std::string path(bytesOfName(record, pathKeys));
@@ -168,8 +180,10 @@ std::string HunkTask::askForPatch(std::vector<FileChoices>& choices) {
             patch += file.patch(_use.use);
         }
     }
-    _hasFailed = result == HunkDialogue::Result::failed;
-    return _hasFailed || result == HunkDialogue::Result::interrupted ? "" : patch;
+    if (result == HunkDialogue::Result::failed) {
+        _failure = refusal("the changes could not be shown; nothing was changed.", exitFailed);
+    }
+    return _failure || result == HunkDialogue::Result::interrupted ? "" : patch;
 }
 
 RequestResult HunkTask::perform() {
@@ -177,7 +191,7 @@ RequestResult HunkTask::perform() {
         return IndexTask::perform();
     }
     RequestResult changes = performRequest(makeChangesRequest());
-    if (changes.refusedValue || changes.outcome->error) {
+    if (changes.refusedValue || changes.outcome->error || !findConflicts()) {
         return changes;
     }
     endProgress();
@@ -198,9 +212,8 @@ void HunkTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
     if (!isByHunk()) {
         return;
     }
-    if (_hasFailed) {
-        addFailure(output,
-                   refusal("the changes could not be shown; nothing was changed.", exitFailed));
+    if (_failure) {
+        addFailure(output, *_failure);
     } else if (!_hasChoices) {
         output.standardOutput = "No changes.\n";
     }
@@ -275,6 +288,12 @@ protected:
     }
     bool isHandled(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlLocalChangesErrorClass;
+    }
+    std::string adviceFor(const NEBSourceControlError& error) const override {
+        return error.errorClass == NEBSourceControlConflictUnresolvedErrorClass
+                   ? "'nebsc unstage --force' ends the conflict; after that, changes can be "
+                     "discarded."
+                   : "";
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
 };

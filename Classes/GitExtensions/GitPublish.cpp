@@ -117,7 +117,7 @@ void GitPushPorcelainOperation::parseData() {
 std::optional<NEBSourceControlError> GitPushPorcelainOperation::diagnoseFailure(
     std::string_view text) const {
     return gitReportsRefusalBeforeSending(text)
-               ? std::optional(gitErrorOfHook("A hook of the repository refused the push.", text))
+               ? std::optional(gitErrorOfPushHook(data().value_or(Data()), text))
                : std::nullopt;
 }
 

@@ -186,6 +186,7 @@ GitPushOperation::GitPushOperation(std::shared_ptr<NEBSourceControlRequest> requ
 }
 
 void GitPushOperation::parseData() {
+    _output = data().value_or(Data());
     if (!errorData()) {
         setResult(NEBSourceControlResult{});
         return;
@@ -201,9 +202,8 @@ void GitPushOperation::parseData() {
 
 std::optional<NEBSourceControlError> GitPushOperation::diagnoseFailure(
     std::string_view text) const {
-    return gitReportsRefusalBeforeSending(text)
-               ? std::optional(gitErrorOfHook("A hook of the repository refused the push.", text))
-               : std::nullopt;
+    return gitReportsRefusalBeforeSending(text) ? std::optional(gitErrorOfPushHook(_output, text))
+                                                : std::nullopt;
 }
 
 }  // namespace neb

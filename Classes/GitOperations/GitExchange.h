@@ -68,6 +68,10 @@ protected:
     /// Recognises a hook that refused before git contacted the remote.
     [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const override;
+
+private:
+    /// What git and the hook printed.
+    Data _output;
 };
 
 }  // namespace neb

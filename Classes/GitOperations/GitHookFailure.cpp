@@ -24,6 +24,12 @@ NEBSourceControlError gitErrorOfHook(const std::string& description, std::string
     return refusal;
 }
 
+NEBSourceControlError gitErrorOfPushHook(const Data& output, std::string_view stderrText) {
+    std::string text = textReplacingInvalidBytes(output);
+    text += text.empty() || text.ends_with('\n') ? "" : "\n";
+    return gitErrorOfHook("A hook of the repository refused the push.", text.append(stderrText));
+}
+
 /// When the hook that runs before a push refuses, git itself prints only its last line. A branch
 /// that cannot be sent and a failed transfer end with the same line, after the cause.
 bool gitReportsRefusalBeforeSending(std::string_view text) {

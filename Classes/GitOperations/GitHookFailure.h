@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "NEBFoundation/NEBSourceControlError.h"
+#include "Platform/Data.h"
 
 namespace neb {
 
@@ -19,6 +20,11 @@ namespace neb {
 /// the output of the child.
 [[nodiscard]] NEBSourceControlError gitErrorOfHook(const std::string& description,
                                                    std::string_view stderrText);
+
+/// Returns the error of a push that the hook before it refused. git lets this hook write to its own
+/// standard output: `output`.
+[[nodiscard]] NEBSourceControlError gitErrorOfPushHook(const Data& output,
+                                                       std::string_view stderrText);
 
 /// Whether the standard error of a push that failed shows that it ended before git contacted the
 /// remote, without a message of git about the cause: the hook that runs before a push refused.

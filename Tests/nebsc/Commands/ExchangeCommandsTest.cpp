@@ -172,6 +172,13 @@ TEST_F(ExchangeCommands, PushReportsWhichHookRefused) {
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}),
                  AllOf(StartsWith("nebsc: a hook of the repository refused the push\n"),
                        HasSubstr("not today")));
+    ann->write(".git/hooks/pre-push", "#!/bin/sh\necho run make check\nexit 1\n");
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"push", "origin", "main:main"}, {"push", "-u"}}) {
+        expectFailed(nebsc(*ann, arguments),
+                     AllOf(StartsWith("nebsc: a hook of the repository refused the push\n"),
+                           HasSubstr("run make check\n")));
+    }
     ann->write(".git/hooks/pre-push", "#!/bin/sh\necho Everything up-to-date >&2\nexit 1\n");
     expectFailed(nebsc(*ann, {"push", "origin", "main:main"}), HasSubstr("failed to push"));
 }

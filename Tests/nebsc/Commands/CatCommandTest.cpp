@@ -117,5 +117,27 @@ TEST_F(CatCommand, JSONHasTheRecord) {
     EXPECT_EQ(json["result"][0]["NEBSourceControlOperationContentKey"], "one\n");
 }
 
+/// As git does.
+TEST_F(CatCommand, FetchesWhatAPartialCloneLacks) {
+    repository.commitFile("src/f", "first\n");
+    repository.commitFile("src/f", "second\n");
+    repository.git({"config", "uploadpack.allowFilter", "true"});
+    const TemporaryFolder folder;
+    const std::vector<std::vector<std::string>> commands{{"cat", "HEAD:src/f"},
+                                                         {"ls", "HEAD:src"},
+                                                         {"log", "-S", "second"},
+                                                         {"log", "--files"},
+                                                         {"blame", "-L", "1,1", "HEAD", "src/f"},
+                                                         {"diff", "--stat", "HEAD~1", "HEAD"}};
+    for (const std::vector<std::string>& arguments : commands) {
+        const std::string clone = folder.path(arguments.at(0) + arguments.at(1));
+        repository.git({"clone", "-q", "--no-checkout", "--filter=blob:none",
+                        "file://" + repository.path(), clone});
+        const NebscOutcome outcome = runNebsc(arguments, {.folder = clone});
+        EXPECT_EQ(outcome.exitStatus, 0) << testing::PrintToString(arguments) << outcome.errors;
+        EXPECT_NE(outcome.output, "");
+    }
+}
+
 }  // namespace
 }  // namespace neb::test

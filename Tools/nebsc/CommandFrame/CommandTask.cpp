@@ -10,6 +10,7 @@
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/OrdinaryWorkingCopy.h"
+#include "CommandFrame/Requests.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -309,6 +310,7 @@ std::shared_ptr<NEBSourceControlRequest> CommandTask::newRequest(
 RequestResult CommandTask::performRequest(
     const std::shared_ptr<NEBSourceControlRequest>& request,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
+    allowFetches(*request);
     RequestResult result =
         _call.session.perform(request, interruptibleRunner(_interruption, *_progress), replacement);
     if (NEBSourceControlEffectOfRequest(*request) != NEBSourceControlRequestEffect::reads) {
@@ -320,8 +322,11 @@ RequestResult CommandTask::performRequest(
 RequestResult CommandTask::performStreamed(
     const std::shared_ptr<NEBSourceControlRequest>& request,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
-    return isJSON() ? performRequest(request, replacement)
-                    : _call.session.perform(request, printingRunner(), replacement);
+    if (isJSON()) {
+        return performRequest(request, replacement);
+    }
+    allowFetches(*request);
+    return _call.session.perform(request, printingRunner(), replacement);
 }
 
 RequestResult CommandTask::performStreamed(NEBSourceControlOperation& operation) {

@@ -1,10 +1,32 @@
 #include "CommandFrame/Requests.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 
 namespace neb::nebsc {
+
+namespace {
+
+/// Whether git may read the content of files for the request, or their folders.
+bool mayReadContents(const NEBSourceControlRequest& request) {
+    constexpr std::int32_t types[] = {NEBSourceControlRequestWorkingCopyState,
+                                      NEBSourceControlRequestContent,
+                                      NEBSourceControlRequestAnnotation,
+                                      NEBSourceControlRequestChanges, NEBSourceControlRequestTree};
+    constexpr NEBConstant options[] = {NEBSourceControlRequestOptionSearchContent,
+                                       NEBSourceControlRequestOptionLogOutputFilesChanged,
+                                       NEBSourceControlRequestOptionLineCounts};
+    const auto has = [&request](NEBConstant key) { return request.option(key).isPresent(); };
+    return std::ranges::find(types, request.type) != std::end(types) ||
+           (request.type == NEBSourceControlRequestHistory &&
+            (request.fileCount() > 0 || std::ranges::any_of(options, has)));
+}
+
+}  // namespace
 
 std::shared_ptr<NEBSourceControlRequest> newRequest(const WorkingCopyLocation& workingCopy,
                                                     std::int32_t type) {
@@ -29,6 +51,14 @@ std::shared_ptr<NEBSourceControlRequest> newFetchRequest(const WorkingCopyLocati
     auto request = newExchangeRequest(workingCopy, NEBSourceControlRequestFetch, Peer::remote);
     request->options->set(NEBSourceControlRequestOptionRemoteName, remote);
     return request;
+}
+
+void allowFetches(NEBSourceControlRequest& request) {
+    if (mayReadContents(request)) {
+        NEBDictionary options = request.options.value_or(NEBDictionary());
+        options.set(NEBSourceControlRequestOptionFetchMissingObjects, true);
+        request.setOptions(std::move(options));
+    }
 }
 
 }  // namespace neb::nebsc

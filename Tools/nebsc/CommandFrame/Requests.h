@@ -26,4 +26,7 @@ enum class Peer { remote, subversion };
 [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> newFetchRequest(
     const WorkingCopyLocation& workingCopy, const std::string& remote);
 
+/// Lets the request of a command fetch what a partial clone lacks, as git does.
+void allowFetches(NEBSourceControlRequest& request);
+
 }  // namespace neb::nebsc

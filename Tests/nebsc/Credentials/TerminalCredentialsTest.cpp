@@ -53,6 +53,18 @@ TEST(TerminalCredentials, MayBeDeclinedOrInterrupted) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("copy")));
 }
 
+/// Otherwise, the terminal would be left without echo.
+TEST(TerminalCredentials, CannotBeQuitOrSuspendedWhileTheyAreHidden) {
+    const HTTPServer http;
+    const TemporaryFolder folder;
+    for (const char* key : {"^\\", "^Z"}) {
+        const NebscOutcome outcome = cloneAtTerminal(
+            {"Password for", key + std::string(HTTPServer::password)}, http.url("ann@"), folder);
+        EXPECT_EQ(outcome.exitStatus, 1) << key << outcome.output;
+        EXPECT_THAT(outcome.output, HasSubstr("nebsc: ")) << "the key is part of the password";
+    }
+}
+
 TEST(TerminalCredentials, AreNotAskedIfTheUserWantsNoPrompt) {
     const HTTPServer http;
     const TemporaryFolder folder;

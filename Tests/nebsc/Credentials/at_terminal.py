@@ -2,8 +2,9 @@
 """Runs a program at a terminal of its own, and answers its prompts as a person does.
 
 usage: at_terminal.py [PROMPT ANSWER]... -- PROGRAM ARGUMENT...
-Types each answer when its prompt has appeared; the answer ^C interrupts, ^D ends the input. Prints
-what the terminal shows. The exit status is that of the program.
+Types each answer when its prompt has appeared; the answer ^C interrupts, ^D ends the input, and one
+that begins with ^\\ or ^Z has that key in front. Prints what the terminal shows. The exit status is
+that of the program, 99 after a signal.
 """
 import os
 import pty
@@ -11,6 +12,7 @@ import select
 import sys
 
 CONTROL = {"^C": b"\x03", "^D": b"\x04"}
+KEYS = {"^\\": b"\x1c", "^Z": b"\x1a"}
 end = sys.argv.index("--")
 dialogue = list(zip(sys.argv[1:end:2], sys.argv[2:end:2]))
 process, terminal = pty.fork()
@@ -30,7 +32,8 @@ while True:
     if dialogue and dialogue[0][0].encode() in shown[start:]:
         answer = dialogue.pop(0)[1]
         start = len(shown)
-        os.write(terminal, CONTROL.get(answer, answer.encode() + b"\n"))
+        key, text = KEYS.get(answer[:2], b""), answer[2:] if answer[:2] in KEYS else answer
+        os.write(terminal, CONTROL.get(answer, key + text.encode() + b"\n"))
 print(shown.decode(errors="replace").replace("\r\n", "\n"), end="")
 _, status = os.waitpid(process, 0)
 sys.exit(os.waitstatus_to_exitcode(status) if not os.WIFSIGNALED(status) else 99)

@@ -27,7 +27,8 @@ bool hasValue(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-/// Switches the echo of the terminal off during the lifetime of the object.
+/// Switches the echo of the terminal off during the lifetime of the object, and the keys that would
+/// end or suspend the process meanwhile.
 class HiddenInput {
 public:
     HiddenInput(int terminal, bool isWanted) : _terminal(terminal) {
@@ -35,6 +36,8 @@ public:
         if (_isHidden) {
             termios hidden = _former;
             hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+            hidden.c_cc[VQUIT] = _POSIX_VDISABLE;
+            hidden.c_cc[VSUSP] = _POSIX_VDISABLE;
             ::tcsetattr(terminal, TCSAFLUSH, &hidden);
         }
     }

@@ -96,6 +96,21 @@ TEST_F(RequestSchema, MatchesTheExamples) {
     EXPECT_GT(described.size(), 50U);
 }
 
+/// A server prints lines for a push of a branch.
+TEST_F(RequestSchema, KnowsTheLinesOfAServer) {
+    const TestRepository repository;
+    const TemporaryFolder folder;
+    repository.commitFile("a", "1\n");
+    repository.git({"init", "-q", "--bare", folder.path("origin")});
+    repository.git({"remote", "add", "origin", folder.path("origin")});
+    folder.writeProgram("origin/hooks/post-receive", "#!/bin/sh\necho Reviewed\n");
+    const JSON outcome = runNebsc({"push", "-u", "--json"}, {.folder = repository.path()}).json();
+    ASSERT_EQ(outcome["result"].size(), 2U) << outcome;
+    for (const JSON& record : outcome["result"]) {
+        expectKnownRecord("1012", record);
+    }
+}
+
 TEST_F(RequestSchema, DescribesAllTypesAndOptions) {
     for (const auto& type : NEBSourceControlAllRequestTypes()) {
         const std::string name = "request-" + std::to_string(type.type);

@@ -172,6 +172,7 @@ constexpr ValueDescription recordValues[] = {
     {"Source", Kind::string},
     {"SourceBytes", Kind::bytes},
     {"Reason", Kind::string},
+    {"RemoteLines", Kind::strings},
     {"Step", Kind::integer},
     {"StepCount", Kind::integer},
     {"Onto", Kind::string},
@@ -287,7 +288,7 @@ constexpr TypeMembers typeMembers[] = {
     {1012, "destination repositoryToAuthenticate",
      "RemoteName Branch SetUpstream ForceWithLease Tags DryRun Action RepositoryPath "
      "WorkingCopyPath",
-     "Name Source State Reason OldObjectID NewObjectID"},  // publish
+     "Kind Name Source State Reason OldObjectID NewObjectID RemoteLines"},  // publish
     {1013, "destination repositoryToAuthenticate",
      "RemoteName Branch Strategy RepositoryPath WorkingCopyPath",
      "Kind OldObjectID ObjectID Path Conflict Stages"},  // integrate

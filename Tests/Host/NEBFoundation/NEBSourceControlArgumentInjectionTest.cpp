@@ -139,6 +139,11 @@ TEST(ArgumentInjections, TheLimitOfALogMustBeANumber) {
     }
     EXPECT_EQ(NEBSourceControlFirstArgumentInjection(*request)->field,
               "options.NEBSourceControlRequestOptionLogOutputLimit");
+    request->type = NEBSourceControlRequestHistory;
+    for (const NEBValue& limit : {NEBValue(-5), NEBValue("x"), NEBValue("1.5"), NEBValue("")}) {
+        EXPECT_TRUE(isRefused(limit)) << limit.description();
+    }
+    EXPECT_FALSE(isRefused(5));
     request->type = NEBSourceControlRequestStatus;
     EXPECT_FALSE(isRefused("-output=/tmp/x")) << "it is a log's alone";
 }

@@ -265,11 +265,12 @@ void addLockTimeouts(std::chrono::milliseconds time, ConfigurationWriter& writer
     }
 }
 
-/// git before 2.45 does not know GIT_NO_LAZY_FETCH; without protocols, it fetches nothing.
+/// Without protocols, git fetches nothing and reports the missing object. With GIT_NO_LAZY_FETCH
+/// (git 2.45), several commands report other causes instead, such as "no such path", or succeed.
 void preventFetches(std::vector<std::string>& environment) {
-    environment.emplace_back("GIT_NO_LAZY_FETCH=1");
     std::erase_if(environment, [](const std::string& variable) {
-        return nameOf(variable) == "GIT_ALLOW_PROTOCOL";
+        const std::string_view name = nameOf(variable);
+        return name == "GIT_ALLOW_PROTOCOL" || name == "GIT_NO_LAZY_FETCH";
     });
     environment.emplace_back("GIT_ALLOW_PROTOCOL=");
 }

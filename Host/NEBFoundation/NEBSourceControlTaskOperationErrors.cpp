@@ -40,9 +40,10 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
 }
 
 /// Uses the whole output, whatever parseData() left of it: a rejected push has an error beside its
-/// content. If standard error has no known class (messages of a hook, a warning about line ends),
-/// standard output may have one: git reports conflicts and "nothing to commit" only there, with
-/// exit status 1. With any other status, standard output is content.
+/// content. If standard error has no known class (messages of a hook, a warning about line ends) or
+/// only the class of a failure to write ("could not write index"), standard output may have one:
+/// git reports conflicts and "nothing to commit" only there, with exit status 1. With any other
+/// status, standard output is content.
 std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailure(
     const ChildText& childText, std::optional<NEBSourceControlError> found) {
     if (!found && !isBlank(childText.errorText)) {
@@ -51,11 +52,12 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailu
             found = NEBSourceControlErrorWithoutDetails(childText.errorText, *request());
         }
     }
-    const bool isUnknown = found && found->errorClass == NEBSourceControlUnknownErrorClass;
+    const bool isVague = found && (found->errorClass == NEBSourceControlUnknownErrorClass ||
+                                   found->errorClass == NEBSourceControlIOErrorClass);
     const bool isInOutput =
         _terminationStatus->exitStatus() == 1 &&
         NEBSourceControlErrorClassOfText(childText.outputText) != NEBSourceControlUnknownErrorClass;
-    if ((!found && !isBlank(childText.outputText)) || (isUnknown && isInOutput)) {
+    if ((!found && !isBlank(childText.outputText)) || (isVague && isInOutput)) {
         found = NEBSourceControlErrorWithoutDetails(childText.outputText, *request());
         if (!isBlank(childText.errorText)) {
             found->text = childText.errorText + "\n" + childText.outputText;

@@ -95,6 +95,15 @@ TEST_F(TaskOperationFailure, StandardOutputIsUsedIfStandardErrorIsUnknown) {
     EXPECT_EQ(conflict->error()->text,
               "Recorded preimage for 'a'\nCONFLICT (content): Merge conflict in a");
 
+    // git 2.47 and newer, for a stash during a conflict
+    auto stash = script("echo 'error: could not write index' >&2; echo 'a.c: needs merge'; exit 1");
+    stash->start();
+    EXPECT_THAT(stash->error(), HasErrorClass(NEBSourceControlConflictUnresolvedErrorClass));
+    EXPECT_THAT(stash->error()->files, ElementsAre("a.c"));
+    auto lock = script("echo 'error: could not write index' >&2; exit 1");
+    lock->start();
+    EXPECT_THAT(lock->error(), HasErrorClass(NEBSourceControlIOErrorClass));
+
     auto known = script("echo 'fatal: odd' >&2; echo 'nothing to commit'; exit 1");
     known->translate = [](const std::string& message) {
         return NEBSourceControlError::withDescription(-9, message);

@@ -178,6 +178,20 @@ const TextOfGit texts[] = {
     {NEBSourceControlCertificateUntrustedErrorClass,
      "fatal: unable to access 'https://h/': SSL certificate problem: certificate has expired"},
     {NEBSourceControlCertificateUntrustedErrorClass,
+     "fatal: unable to access 'https://h/': SSL certificate verification failed: certificate "
+     "signer "
+     "not trusted. (CAfile: /etc/ssl/certs/ca-certificates.crt CRLfile: none)"},
+    {NEBSourceControlCertificateUntrustedErrorClass,
+     "fatal: unable to access 'https://h/': server verification failed: certificate signer not "
+     "trusted. (CAfile: /etc/ssl/certs/ca-certificates.crt CRLfile: none)"},
+    {NEBSourceControlConnectionCutErrorClass,
+     "fatal: unable to access 'http://h/': end of response with 96 bytes missing"},
+    {NEBSourceControlHostUnknownErrorClass,
+     "fatal: unable to access 'http://h/': Failed to resolve 'h' with timeout after 7 ms"},
+    {NEBSourceControlClientCertificateRefusedErrorClass,
+     "fatal: unable to access 'https://h/': error reading X.509 potentially-encrypted key or "
+     "certificate file: Error while reading file."},
+    {NEBSourceControlCertificateUntrustedErrorClass,
      "fatal: unable to access 'https://h/': error reading ca cert file /nosuch (Error while "
      "reading file.)"},
     {NEBSourceControlClientCertificateRefusedErrorClass,

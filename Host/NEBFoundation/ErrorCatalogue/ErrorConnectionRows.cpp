@@ -89,6 +89,8 @@ constexpr ErrorCatalogueRow rows[] = {
      {
          "ssl certificate problem",  // OpenSSL
          "server certificate verification failed",
+         "server verification failed: ",         // curl 8.14 with GnuTLS
+         "ssl certificate verification failed",  // curl 8.23 with GnuTLS
          "error setting certificate verify locations",
          {"certificate subject name ", "match"},  // OpenSSL and GnuTLS
          "public key does not match pinned public key",
@@ -108,6 +110,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "alert bad certificate",
          "alert unknown ca",
          "error reading x.509 key or certificate file",
+         "error reading x.509 potentially-encrypted key or certificate file",
      },
      NEBSourceControlAuthenticationError},
     {NEBSourceControlTLSFailedErrorClass,
@@ -137,9 +140,15 @@ constexpr ErrorCatalogueRow rows[] = {
      NEBSourceControlNotReachableError},
     {NEBSourceControlHostUnknownErrorClass,
      {
-         "could not resolve host", "could not resolve proxy", "unable to look up ",
-         "resolving timed out", "name or service not known", "temporary failure in name resolution",
-         "no address associated with hostname", "nodename nor servname provided",
+         "could not resolve host",
+         "could not resolve proxy",
+         {"failed to resolve '", "' with timeout"},
+         "unable to look up ",
+         "resolving timed out",
+         "name or service not known",
+         "temporary failure in name resolution",
+         "no address associated with hostname",
+         "nodename nor servname provided",
          "unknown hostname '",  // Subversion
      },
      NEBSourceControlNotReachableError},

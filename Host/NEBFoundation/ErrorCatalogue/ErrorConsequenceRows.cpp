@@ -18,6 +18,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "connection closed by ",  // OpenSSH
          "empty reply from server",
          "transfer closed with ",
+         {"end of response with ", " bytes missing"},  // curl 8.23
          "operation too slow",
          "broken pipe",
          "unexpected disconnect while reading sideband packet",

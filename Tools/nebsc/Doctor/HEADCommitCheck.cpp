@@ -7,6 +7,7 @@ namespace neb::nebsc {
 namespace {
 
 constexpr const char* subject = "HEAD commit";
+constexpr const char* commitUnreadable = "cannot be read: ";
 constexpr const char* treeUnreadable = "its root tree cannot be read: ";
 
 std::string adviceOnUnreadable() {
@@ -73,12 +74,19 @@ void checkHEADCommit(Examination& examination) {
         const bool isCommitReadable =
             examination.query({"cat-file", "commit", "HEAD"}).status.isSuccess();
         examination.add(Health::problem, subject,
-                        (isCommitReadable ? treeUnreadable : "cannot be read: ") + reasonOf(list),
+                        (isCommitReadable ? treeUnreadable : commitUnreadable) + reasonOf(list),
                         adviceOnUnreadable());
         return;
     }
-    if (const std::string tree = missingObjectIn(list.output); !tree.empty()) {
-        addMissingTree(examination, tree);
+    if (const std::string object = missingObjectIn(list.output); !object.empty()) {
+        // git 2.47 and newer list a missing commit as well.
+        const ChildOutcome commit = examination.query({"cat-file", "commit", "HEAD"});
+        if (commit.status.isSuccess()) {
+            addMissingTree(examination, object);
+        } else {
+            examination.add(Health::problem, subject, commitUnreadable + reasonOf(commit),
+                            adviceOnUnreadable());
+        }
         return;
     }
     const ChildOutcome tree = examination.query({"cat-file", "tree", "HEAD"});

@@ -60,6 +60,15 @@ bool addIfDamage(Examination& examination, std::string_view line) {
     return false;
 }
 
+/// Whether the line is about the reverse index of a pack (written by git 2.41 and newer), and
+/// another line says the same about its index.
+bool isRepeated(std::string_view line, std::string_view lines) {
+    constexpr std::string_view extension = ".rev";
+    return line.ends_with(extension) &&
+           lines.find(std::string(line.substr(0, line.size() - extension.size())) + ".idx") !=
+               std::string_view::npos;
+}
+
 }  // namespace
 
 void checkObjects(Examination& examination) {
@@ -67,7 +76,9 @@ void checkObjects(Examination& examination) {
     // Opens the object database and all alternates, and lists the packs.
     const ChildOutcome count = examination.query({"count-objects", "-v"});
     forEachField(count.errorOutput, '\n', [&](std::string_view line) {
-        isDamaged = addIfDamage(examination, line) || isDamaged;
+        if (!isRepeated(line, count.errorOutput)) {
+            isDamaged = addIfDamage(examination, line) || isDamaged;
+        }
     });
     if (!count.status.isSuccess() && !isDamaged) {
         isDamaged = true;

@@ -24,6 +24,8 @@ struct Failure {
     std::int64_t code = NEBSourceControlGenericError;
     /// The exit status of the child; absent if none ran or a signal ended it.
     std::optional<int> exitStatus = {};
+    /// The exit status of newer versions of git, if it differs.
+    std::optional<int> laterExitStatus = {};
     /// The files of the error, see withoutVariableParts().
     std::vector<std::string> files = {};
     /// Prepares the scene and returns the request that fails. The scene lives until the request has

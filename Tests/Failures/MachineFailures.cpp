@@ -229,7 +229,7 @@ const Failure failures[] = {
      .errorClass = NEBSourceControlConfigurationBrokenErrorClass,
      .exitStatus = 128,
      .provoke = [](Scene& scene) -> Request {
-         configure(scene, "\tbigFileThreshold = many\n");
+         configure(scene, "\tcompression = many\n");
          return scene.request(NEBSourceControlRequestLog);
      }},
     {.how = "a log with a configuration that includes itself",

@@ -170,7 +170,7 @@ const Failure failures[] = {
      .code = NEBSourceControlNotReachableError,
      .exitStatus = 128,
      .provoke = [](Scene& scene) -> Request {
-         scene.setVariable("http_proxy", local("http", Scene::closedPort()));
+         scene.setVariable("http_proxy", "http://127.0.0.1:" + std::to_string(Scene::closedPort()));
          return scene.clone("http://nonexistent.invalid/x.git");
      }},
     {.how = "the host name of the proxy is unknown",

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "Support/InstalledGit.h"
 #include "Support/Matchers.h"
 
 namespace neb::test {
@@ -223,6 +224,12 @@ std::string Scene::smallDisk() {
         skip("this process cannot mount a file system");
     }
     return path;
+}
+
+void Scene::skipSinceGit(int minor, std::string reason) {
+    if (isGitSince(minor)) {
+        skip(std::move(reason));
+    }
 }
 
 void Scene::actAsOrdinaryUser() {

@@ -105,6 +105,8 @@ public:
 
     /// Marks the failure as impossible on this machine.
     void skip(std::string reason) { _reasonToSkip = std::move(reason); }
+    /// Calls skip() if the installed git is version 2.MINOR or newer. The reason says what it does.
+    void skipSinceGit(int minor, std::string reason);
     [[nodiscard]] const std::string& reasonToSkip() const { return _reasonToSkip; }
 
 private:

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Support/InstalledGit.h"
 #include "Support/TestRepository.h"
 #include "nebsc/Credentials/AuthenticatingServers.h"
 #include "nebsc/NebscRun.h"
@@ -29,6 +30,14 @@ NebscOutcome cloneAtTerminal(std::vector<std::string> dialogue, const std::strin
                          std::move(variables));
 }
 
+/// Returns the dialogue in which the user, whom the URL names, gives the answer as the password.
+std::vector<std::string> dialogueWithPassword(const std::string& answer) {
+    if (isGitSince(55)) {  // asks for the name again
+        return {"Username for", "ann", "Password for", answer};
+    }
+    return {"Password for", answer};
+}
+
 TEST(TerminalCredentials, AreAskedWithoutEchoForSecrets) {
     const HTTPServer http;
     const TemporaryFolder folder;
@@ -48,7 +57,7 @@ TEST(TerminalCredentials, MayBeDeclinedOrInterrupted) {
     EXPECT_EQ(declined.exitStatus, 1);
     EXPECT_THAT(declined.output, HasSubstr("nebsc: "));
     const NebscOutcome interrupted =
-        cloneAtTerminal({"Password for", "^C"}, http.url("ann@"), folder);
+        cloneAtTerminal(dialogueWithPassword("^C"), http.url("ann@"), folder);
     EXPECT_EQ(interrupted.exitStatus, 130) << interrupted.output;
     EXPECT_FALSE(std::filesystem::exists(folder.path("copy")));
 }
@@ -90,7 +99,7 @@ TEST(TerminalCredentials, AreNotAskedInTheBackground) {
     const NebscOutcome inBackground = fetch("true", {});
     EXPECT_EQ(inBackground.exitStatus, 1);
     EXPECT_THAT(inBackground.output, HasSubstr("\"credentials-needed\""));
-    EXPECT_EQ(fetch("false", {"Password for", HTTPServer::password}).exitStatus, 0);
+    EXPECT_EQ(fetch("false", dialogueWithPassword(HTTPServer::password)).exitStatus, 0);
 }
 
 TEST(TerminalCredentials, UnlockTheKeyOfSSH) {

@@ -64,6 +64,7 @@ printf 'int main() { return 1; }\n' >main.c
 git commit -q -a -m 'Return 1'
 git clone -q --bare . ../shared.git
 git remote add origin "$1/shared.git"
+git config remote.origin.followRemoteHEAD never
 git fetch -q
 git branch -q --set-upstream-to=origin/main
 git clone -q ../shared.git ../ben

@@ -81,7 +81,7 @@ const Row rows[] = {
     {NEBSourceControlRequestWorktrees, {"worktree", "list"}},
     {NEBSourceControlRequestSettings, {"config", "list"}},
     {NEBSourceControlRequestTree, {"ls", "HEAD:"}},
-    {NEBSourceControlRequestFinish, {"abort"}, {"update-ref", "MERGE_HEAD", "HEAD"}},
+    {NEBSourceControlRequestFinish, {"abort"}, {"revert", "--no-commit", "HEAD"}},
     {NEBSourceControlRequestChangeBranch, {"branch", "rename", "new", "renamed"}},
 };
 

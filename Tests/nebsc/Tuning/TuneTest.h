@@ -19,10 +19,12 @@ protected:
     }
 
     /// Lets git run the cases of a shell's `case` for its arguments before the real git. The test
-    /// of the file system, which takes seconds, always succeeds unless a case replaces it.
+    /// of the file system, which takes seconds, always succeeds unless a case replaces it, and git
+    /// has no file system monitor (git for Linux has one since 2.55).
     void intercept(const std::string& cases) const {
         _programs.writeProgram("git", "#!/bin/sh\ncase \"$*\" in\n" + cases +
-                                          "\n*--test-untracked-cache*) exit 0;;\nesac\n"
+                                          "\n*--test-untracked-cache*) exit 0;;\n"
+                                          "*--build-options*) exec /usr/bin/git version;;\nesac\n"
                                           "exec /usr/bin/git \"$@\"\n");
     }
     [[nodiscard]] NebscSurroundings surroundings(const std::string& folder) const {

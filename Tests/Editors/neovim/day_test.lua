@@ -96,9 +96,7 @@ function tests.FromCloneToPush()
     vim.trim(harness.run({ "git", "-C", harness.remote, "rev-parse", "main" })))
   harness.answers = { "stash@{0}: On main: Later", "Pop" }
   run("stash", "popped")
-  harness.wait(function()
-    return harness.read("main.c"):find("// later", 1, true)
-  end)
+  harness.wait_for_content("main.c", "// later")
 end
 
 return tests

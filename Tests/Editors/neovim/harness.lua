@@ -75,6 +75,19 @@ function M.read(path)
   return content
 end
 
+-- Waits until a file of the repository contains the text. git replaces a file by removing it and
+-- creating it, so it may be missing for a moment.
+function M.wait_for_content(path, text)
+  M.wait(function()
+    local file = io.open(M.root .. "/" .. path, "rb")
+    local content = file and file:read("*a")
+    if file then
+      file:close()
+    end
+    return content and content:find(text, 1, true)
+  end, ("'%s' in the file '%s'"):format(text, path))
+end
+
 -- Writes files, given by path, and commits them.
 function M.commit(files, message)
   for path, content in pairs(files) do

@@ -138,9 +138,7 @@ function tests.HunkIsDiscarded()
   go_and_press("modified", "=")
   harness.answers = { "Discard" }
   go_and_press("+one", "x")
-  harness.wait(function()
-    return harness.read("file") == "1\n2\n3\n4\n5\n6\n7\n8\nnine\n"
-  end)
+  harness.wait_for_content("file", "1\n2\n3\n4\n5\n6\n7\n8\nnine\n")
 end
 
 -- Opens the status with the changes of files a, with two hunks, and b, with one; the file c is gone.

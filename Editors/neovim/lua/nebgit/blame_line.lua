@@ -8,7 +8,7 @@ local text = require("nebgit.text")
 local times = require("nebgit.times")
 
 local namespace = vim.api.nvim_create_namespace("nebgit-blame")
-local timer = vim.loop.new_timer()
+local timer = (vim.uv or vim.loop).new_timer()
 
 -- Nil: as the settings say.
 local is_enabled

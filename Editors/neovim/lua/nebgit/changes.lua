@@ -9,7 +9,7 @@ local requests = require("nebgit.requests")
 local text = require("nebgit.text")
 local watch = require("nebgit.watch")
 
-local uv = vim.loop
+local uv = vim.uv or vim.loop
 
 -- The most bytes of a file in the index; larger ones are not compared.
 local most_bytes = 4 * 1024 * 1024

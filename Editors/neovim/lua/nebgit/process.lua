@@ -4,7 +4,7 @@ local M = {}
 local config = require("nebgit.config")
 local framing = require("nebgit.framing")
 
-local uv = vim.loop
+local uv = vim.uv or vim.loop
 
 -- The latest chunks of standard error that are kept for the message about a crash.
 local most_diagnostics = 20

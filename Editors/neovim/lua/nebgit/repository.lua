@@ -1,7 +1,7 @@
 -- The working copies of files, and notifications of their changes.
 local M = {}
 
-local uv = vim.loop
+local uv = vim.uv or vim.loop
 
 local handlers = {}
 

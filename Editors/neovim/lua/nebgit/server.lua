@@ -7,7 +7,7 @@ local messages = require("nebgit.messages")
 local program = require("nebgit.process")
 local slices = require("nebgit.slices")
 
-local uv = vim.loop
+local uv = vim.uv or vim.loop
 
 -- The editor stops reading while so many bytes wait to be decoded.
 local most_waiting = 256 * 1024

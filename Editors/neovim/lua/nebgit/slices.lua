@@ -1,7 +1,7 @@
 -- Long work in short slices, between which the editor handles keys.
 local M = {}
 
-local uv = vim.loop
+local uv = vim.uv or vim.loop
 
 -- The longest time of a slice in nanoseconds; a step may exceed it. At 60 frames per second, a key
 -- may wait 16 milliseconds.

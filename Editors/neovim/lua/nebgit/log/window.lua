@@ -67,7 +67,8 @@ local function append(buffer, state, commits)
   for index, parts in pairs(marks) do
     for _, part in ipairs(parts) do
       local group, first, last = unpack(part)
-      vim.api.nvim_buf_add_highlight(buffer, namespace, group, start + index - 1, first, last)
+      vim.api.nvim_buf_set_extmark(buffer, namespace, start + index - 1, first,
+        { end_col = last, hl_group = group })
     end
   end
   state.line_count = start + #lines

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the test programs of a build folder, split over the processors, and reports failures.
 
-Usage: run.py BUILD-FOLDER [--threaded] [--filter TEXT] [--slowest COUNT]
+Usage: run.py BUILD-FOLDER [--threaded] [--without-package] [--filter TEXT] [--slowest COUNT]
 
 Each program runs as several processes, each with a share of its tests (GoogleTest's sharding).
 Prints the name and the output of each test that fails, and nothing of a test that passes. Kills a
@@ -60,14 +60,18 @@ def neovim_job(build, text):
                {"NEBSC": str(build / "bin/nebsc"), "TESTS": text})
 
 
-def other_jobs(build):
-    """The clients in editors and, as a plain program cannot link a sanitized library, the package."""
+def editor_jobs(build):
+    """The clients in editors."""
     yield neovim_job(build, "")
     yield Job("EditorClient", [Path("node"), "--test", SOURCE / "EditorClient/serve.test.js"],
               {"NEBSC": str(build / "bin/nebsc"),
                "NODE_PATH": str(build / "editor-client/node_modules")}, False)
     yield Job("Emacs", [Path("emacs"), "--batch", "-Q", "-l", SOURCE / "Editors/emacs/run.el"],
               {"NEBSC": str(build / "bin/nebsc")}, False)
+
+
+def package_jobs(build):
+    """The package; not of a sanitized library, which a plain program cannot link."""
     cache = (build / "CMakeCache.txt").read_text()
     if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
         return
@@ -171,6 +175,8 @@ def main():
     parser.add_argument("build", type=Path)
     parser.add_argument("--threaded", action="store_true",
                         help="only the programs and tests that the thread sanitizer runs")
+    parser.add_argument("--without-package", action="store_true",
+                        help="leave out the tests of the package, which need a compiler")
     parser.add_argument("--filter", default="",
                         help="a part of the names of tests, or a pattern as GoogleTest takes it")
     parser.add_argument("--slowest", type=int, default=0, help="print so many of the slowest tests")
@@ -182,7 +188,8 @@ def main():
 
     jobs = list(google_test_jobs(build, THREADED if options.threaded else PROGRAMS, text))
     if not options.threaded and not text:
-        jobs = list(other_jobs(build)) + jobs
+        package = [] if options.without_package else package_jobs(build)
+        jobs = [*editor_jobs(build), *package, *jobs]
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))

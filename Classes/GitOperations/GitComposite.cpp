@@ -17,6 +17,7 @@ void GitSubOperations::add(const NEBSourceControlOperation& composite,
     operation->setCommandLog(composite.commandLog());
     operation->setBackgroundWork(composite.isBackgroundWork());
     operation->setChildVariables(composite.childVariables());
+    operation->setInspection(composite.inspection());
     operation->inheritLimits(composite);
     _added.push_back(operation);
     if (composite.isCancelled()) {

@@ -29,8 +29,9 @@ public:
     [[nodiscard]] std::shared_ptr<OperationQueue> queue() const;
     void setQueue(std::shared_ptr<OperationQueue> queue);
 
-    /// Adds the operation to the queue, which must exist. The operation inherits the command
-    /// log, the background flag and the limits of the composite, and is cancelled with it.
+    /// Adds the operation to the queue, which must exist. The operation inherits the command log,
+    /// the background flag, the variables of children, the inspection and the limits of the
+    /// composite, and is cancelled with it.
     void add(const NEBSourceControlOperation& composite,
              const std::shared_ptr<NEBSourceControlOperation>& operation);
     /// Waits until all operations have finished, and passes on to the composite whether output was

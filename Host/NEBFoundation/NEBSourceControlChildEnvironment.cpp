@@ -265,6 +265,12 @@ void addLockTimeouts(std::chrono::milliseconds time, ConfigurationWriter& writer
     }
 }
 
+void addSettings(std::span<const NEBSourceControlSetting> settings, ConfigurationWriter& writer) {
+    for (const NEBSourceControlSetting& setting : settings) {
+        writer.add(setting.key, setting.value);
+    }
+}
+
 /// Without protocols, git fetches nothing and reports the missing object. With GIT_NO_LAZY_FETCH
 /// (git 2.45), several commands report other causes instead, such as "no such path", or succeed.
 void preventFetches(std::vector<std::string>& environment) {
@@ -312,6 +318,7 @@ std::vector<std::string> NEBSourceControlChildEnvironment(
         writer.add("tar.umask", "077");
     }
     addLockTimeouts(traits.lockWait, writer);
+    addSettings(traits.settings, writer);
     writer.finish();
     return environment;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,11 @@
 #include "Platform/Export.h"
 
 namespace neb {
+
+/// A setting of git: the full name, such as "filter.lfs.clean", and the value.
+struct NEBSourceControlSetting {
+    std::string key, value;
+};
 
 /// The properties of a child process that decide about its environment.
 struct NEBSourceControlChildTraits {
@@ -30,6 +36,8 @@ struct NEBSourceControlChildTraits {
     /// How long git waits for a locked reference. 0: as the settings of the user say, else 100 ms,
     /// and 1 s for the file of packed references.
     std::chrono::milliseconds lockWait{0};
+    /// Settings that override all others, in this order.
+    std::span<const NEBSourceControlSetting> settings = {};
 };
 
 /// Returns the environment for a child: `inherited` (each element `NAME=value`) without the

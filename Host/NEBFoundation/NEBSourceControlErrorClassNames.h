@@ -223,6 +223,9 @@ inline constexpr NEBConstant NEBSourceControlNotARepositoryErrorClass{"not-a-rep
 inline constexpr NEBConstant NEBSourceControlNoWorkTreeErrorClass{"no-work-tree"};
 /// The repository is owned by another user (see safe.directory in git-config(1)).
 inline constexpr NEBConstant NEBSourceControlOwnerNotTrustedErrorClass{"owner-not-trusted"};
+/// The request would change a repository that is only inspected, or run a program that it names;
+/// see NEBSourceControlTrust.
+inline constexpr NEBConstant NEBSourceControlNotTrustedErrorClass{"not-trusted"};
 /// safe.bareRepository forbids the use of this bare repository.
 inline constexpr NEBConstant NEBSourceControlBareRepositoryForbiddenErrorClass{
     "bare-repository-forbidden"};

@@ -6,6 +6,8 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlInspection.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 
 namespace neb {
@@ -41,7 +43,7 @@ void NEBSourceControlOperation::start() {
         const ScopedSink sink(_reportSink);
         if (isCancelled()) {
             setError(NEBSourceControlCancelledError());
-        } else {
+        } else if (mayStart()) {
             main();
         }
         if (_recordSink && _result) {
@@ -58,6 +60,29 @@ void NEBSourceControlOperation::start() {
         }
     }
     setFinished();
+}
+
+bool NEBSourceControlOperation::mayStart() {
+    if (!_request->isInspected()) {
+        return true;
+    }
+    if (!_inspection) {
+        _inspection = std::make_shared<NEBSourceControlInspection>();
+    }
+    const bool changes =
+        NEBSourceControlEffectOfRequest(*_request) == NEBSourceControlRequestEffect::changes;
+    if (changes) {
+        const auto name = NEBSourceControlRequestTypeName(_request->type);
+        setError(NEBSourceControlNotTrustedError(
+            "The request was refused because it changes the repository \"%@\", which is not "
+            "trusted: %@.",
+            {_request->sourceTreeName(), std::string(name.value_or("unknown type"))}));
+    }
+    return !changes;
+}
+
+std::optional<std::vector<std::string>> NEBSourceControlOperation::switchedOff() const {
+    return _inspection ? std::optional(_inspection->switchedOff()) : std::nullopt;
 }
 
 void NEBSourceControlOperation::deliverRecords(NEBSourceControlResult records) {

@@ -25,6 +25,7 @@
 #include "NEBFoundation/NEBSourceControlError.h"
 #include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
+#include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/Export.h"
 #include "Platform/Operation.h"
 
@@ -45,9 +46,10 @@ public:
     /// Shares ownership of the request, which must not be null; see initWithRequest() below.
     explicit NEBSourceControlOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
-    /// Runs main() on the calling thread, and returns when it has finished. A cancelled operation
-    /// finishes with NEBSourceControlCancelledError(). An exception of main() becomes the error;
-    /// the operation has no result then.
+    /// Runs main() on the calling thread, and returns when it has finished. An operation that would
+    /// change a repository which is only inspected fails with an error of the class "not-trusted"
+    /// instead. A cancelled operation finishes with NEBSourceControlCancelledError(). An exception
+    /// of main() becomes the error; the operation has no result then.
     void start() override;
     /// Does the work. The base implementation does nothing: no result, no error.
     void main() override {}
@@ -130,6 +132,21 @@ public:
         _childVariables = std::move(variables);
     }
 
+    /// What the repository names and was switched off for a request whose source tree has the trust
+    /// NEBSourceControlTrust::inspect: names of settings ("filter.lfs.clean"), hooks
+    /// ("hooks/post-index-change"), and "submodules" if their working copies were not examined.
+    /// Empty until the repository was examined; absent for other requests.
+    [[nodiscard]] std::optional<std::vector<std::string>> switchedOff() const;
+    /// What is known about the repository of such a request. Null for other requests, and before
+    /// start().
+    [[nodiscard]] const std::shared_ptr<NEBSourceControlInspection>& inspection() const {
+        return _inspection;
+    }
+    /// Shares what an operation that runs this one knows. Null: start() creates an empty one.
+    void setInspection(std::shared_ptr<NEBSourceControlInspection> inspection) {
+        _inspection = std::move(inspection);
+    }
+
     /// Whether a lingering process that a child had started held its output open. Output that it
     /// wrote after the operation had ended is missing.
     [[nodiscard]] bool outputWasHeldOpen() const { return _outputWasHeldOpen; }
@@ -150,6 +167,9 @@ protected:
     void deliverRecords(NEBSourceControlResult records);
 
 private:
+    /// Prepares the inspection of a repository that is not trusted. Returns false with an error if
+    /// the request would change it.
+    [[nodiscard]] bool mayStart();
     /// Passes at most recordBatchSize records to the sink.
     void deliverBatch(NEBSourceControlResult batch);
 
@@ -165,6 +185,7 @@ private:
     // of the total time; later by the time that the sink has taken
     std::optional<std::chrono::steady_clock::time_point> _startTime;
     std::vector<std::string> _childVariables;
+    std::shared_ptr<NEBSourceControlInspection> _inspection;
     bool _isBackgroundWork = false;
     bool _outputWasHeldOpen = false;
 };

@@ -19,7 +19,7 @@ namespace neb {
 
 /// The version of the host contract. It increases when plug-ins that were built against an older
 /// host library cannot be used any more.
-inline constexpr std::uint32_t NEBSourceControlContractVersion = 4;
+inline constexpr std::uint32_t NEBSourceControlContractVersion = 5;
 
 /// The description of a plug-in. The contract version always comes first: a host reads nothing else
 /// unless it equals its own.

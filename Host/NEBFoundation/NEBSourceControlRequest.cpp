@@ -37,6 +37,10 @@ bool NEBSourceControlRequest::hasPatternCharacters() const {
            (files && std::any_of(files->begin(), files->end(), isPattern));
 }
 
+bool NEBSourceControlRequest::isInspected() const {
+    return sourceTree && sourceTree->trust == NEBSourceControlTrust::inspect;
+}
+
 std::string NEBSourceControlRequest::sourceTreeName() const {
     return sourceTree ? sourceTree->name : std::string(absentValueText);
 }

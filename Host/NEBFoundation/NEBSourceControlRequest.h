@@ -60,6 +60,8 @@ public:
     /// Returns whether git would read the destination or a file as a pattern, or as pathspec magic
     /// because it begins with ":", also after its folder was removed; see gitglossary(7), pathspec.
     [[nodiscard]] bool hasPatternCharacters() const;
+    /// Returns whether the trust of the source tree is NEBSourceControlTrust::inspect.
+    [[nodiscard]] bool isInspected() const;
     /// Returns the name of the source tree for messages, "(null)" when there is no tree.
     [[nodiscard]] std::string sourceTreeName() const;
 

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "NEBFoundation/NEBObject.h"
+#include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/Export.h"
 
 namespace neb {
@@ -26,6 +27,8 @@ public:
     bool reachable = true;
     /// Whether it still exists. A status of a tree that is not valid has no records.
     bool isValid = true;
+    /// Whether the programs that it names may run.
+    NEBSourceControlTrust trust = NEBSourceControlTrust::trusted;
 
     /// "NEBSourceControlRepository" or "NEBSourceControlWorkingTree".
     [[nodiscard]] virtual std::string className() const = 0;

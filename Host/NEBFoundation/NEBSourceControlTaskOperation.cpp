@@ -57,7 +57,8 @@ ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
              .mayRunHooks = _mayRunHooks,
              .archivesForOwner = _archivesForOwner,
              .mayFetchObjects = _mayFetchObjects,
-             .lockWait = limits().lockWait}),
+             .lockWait = limits().lockWait,
+             .settings = _settings}),
         .input = _input,
     };
     NEBSourceControlSetVariables(launch.environment, childVariables());
@@ -83,6 +84,9 @@ void NEBSourceControlTaskOperation::main() {
     std::vector<NEBSourceControlTaskOperation*> stages{this};
     if (second) {
         stages.push_back(second.get());
+    }
+    if (inspection() && !switchOffPrograms(stages)) {
+        return;
     }
     std::vector<ChildOutcome> outcomes = run(stages);
     if (_sinkFailure) {
@@ -152,6 +156,14 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::runOnce(
     stages.back()->_parser = stages.back()->makeRecordParser();
     stages.back()->_parsedSize = 0;
     stages.back()->_parsedRecords.clear();
+    return runLaunches(launches, [&](const ArrivedOutput& output) {
+        return stages.back()->parseArrivedOutput(output);
+    });
+}
+
+std::vector<ChildOutcome> NEBSourceControlTaskOperation::runLaunches(
+    const std::vector<ChildLaunch>& launches,
+    const std::function<std::size_t(const ArrivedOutput&)>& outputGrew) {
     std::vector<std::size_t> logged;
     const auto started = [&](std::size_t stage) {
         if (commandLog()) {
@@ -163,17 +175,16 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::runOnce(
         }
     };
     std::size_t known = 0;  // of the bytes that have arrived
-    const auto outputGrew = [&](const ArrivedOutput& output) {
+    const auto grew = [&](const ArrivedOutput& output) {
         if (commandLog()) {
             commandLog()->received(output.data.size() - known);
         }
-        const std::size_t unneeded = stages.back()->parseArrivedOutput(output);
+        const std::size_t unneeded = outputGrew(output);
         known = output.data.size() - unneeded;
         return unneeded;
     };
     std::vector<ChildOutcome> outcomes = NEBSourceControlRunChildren(
-        _process, launches, {.started = started, .outputGrew = outputGrew},
-        remainingLimits().ofChild());
+        _process, launches, {.started = started, .outputGrew = grew}, remainingLimits().ofChild());
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "NEBFoundation/NEBSourceControlInspection.h"
 #include "NEBFoundation/NEBSourceControlOperation.h"
 #include "NEBFoundation/NEBSourceControlRecordParser.h"
 #include "Platform/ChildProcess.h"
@@ -113,6 +114,10 @@ public:
         return error;
     }
 
+    /// Before the first child for a request whose source tree has the trust
+    /// NEBSourceControlTrust::inspect, lists the settings of the repository, and switches off what
+    /// they name; see NEBSourceControlInspection.h.
+    ///
     /// Runs launchPath() with arguments() in currentDirectoryPath(), collects data() and
     /// errorData(), calls parseData(), and passes the remaining error text to
     /// errorFromErrorMessage(). A git that fails because of a lock file of another process, before
@@ -146,6 +151,15 @@ private:
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();
+    /// Keeps the programs of the repository from running in the children. Returns false with an
+    /// error if that is not possible.
+    [[nodiscard]] bool switchOffPrograms(const std::vector<NEBSourceControlTaskOperation*>& stages);
+    /// Lists the settings of the repository. Returns false with an error if git fails.
+    [[nodiscard]] bool inspectSettings(const NEBSourceControlInspectedCommand& command);
+    /// Runs the children, writes them to the command log, and passes on their output.
+    [[nodiscard]] std::vector<ChildOutcome> runLaunches(
+        const std::vector<ChildLaunch>& launches,
+        const std::function<std::size_t(const ArrivedOutput&)>& outputGrew);
     /// Runs the children; see NEBSourceControlLockWait.h for locks of other processes.
     [[nodiscard]] std::vector<ChildOutcome> run(
         const std::vector<NEBSourceControlTaskOperation*>& stages);
@@ -178,6 +192,7 @@ private:
     bool _mayRunHooks = false;
     bool _archivesForOwner = false;
     bool _mayFetchObjects = true;
+    std::vector<NEBSourceControlSetting> _settings;  // of a repository that is inspected
     std::optional<Data> _input;
     std::optional<Data> _data;
     std::optional<Data> _errorData;

@@ -10,6 +10,7 @@
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlInspection.h"
 #include "NEBFoundation/NEBSourceControlLimits.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Support/ErrorTexts.h"
@@ -69,7 +70,8 @@ CodesOfClasses measuredCodes() {
     const NEBSourceControlLimits limits{.total = std::chrono::seconds(1), .outputBytes = 1};
     for (const NEBSourceControlError& error :
          {NEBSourceControlCancelledError(), NEBSourceControlTimedOutError(*limits.total),
-          NEBSourceControlExceededLimitError(ChildLimit::outputBytes, limits, "git")}) {
+          NEBSourceControlExceededLimitError(ChildLimit::outputBytes, limits, "git"),
+          NEBSourceControlNotTrustedError("", {})}) {
         codes.add(*error.errorClass, error.code);
     }
     return codes;

@@ -10,6 +10,7 @@
 #include "CommandLine/CommandLineParser.h"
 #include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
+#include "Commands/InspectingCommands.h"
 #include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
@@ -60,7 +61,13 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
             return refusal("plug-in " + inQuotes(path) + " has no principal class", exitUsageError);
         }
     }
-    const HostSession session(std::move(controller), arguments.has(traceOption));
+    const bool isInspecting = arguments.has(inspectOption);
+    if (isInspecting && !isForVersions && !readsOnly(commandLine.commands)) {
+        return notTrusted(commandLine.commands);
+    }
+    const HostSession session(
+        std::move(controller), arguments.has(traceOption),
+        isInspecting ? NEBSourceControlTrust::inspect : NEBSourceControlTrust::trusted);
     if (isForVersions) {
         return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON,
                                   timeLimitIn(arguments));

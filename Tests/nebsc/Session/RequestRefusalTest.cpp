@@ -150,7 +150,7 @@ TEST(RequestJSON, NamesTheUnknownMember) {
     EXPECT_EQ(refusalOf(R"({"type": 0, "Destination": "topic"})"),
               "The request's member 'Destination' is unknown; expected one of type, sourceTree, "
               "repositoryToAuthenticate, destination, files, startingRevision, endingRevision, "
-              "remote, options, limits, background.");
+              "remote, options, limits, background, trust.");
     EXPECT_EQ(refusalOf(R"({"type": 0, "sourceTree": {"path": "/w"}})"),
               "The request's member 'sourceTree.path' is unknown; expected one of class, location, "
               "name, reachable, isValid, isRemoteDistributedRepository.");

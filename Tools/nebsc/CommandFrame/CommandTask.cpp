@@ -139,7 +139,7 @@ std::optional<CommandOutput> CommandTask::readPaths() {
 
 WorkingCopyLocation CommandTask::locate() {
     return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder(),
-                           questions());
+                           questions(), _git.trust());
 }
 
 std::optional<WorkingCopyLocation> CommandTask::locateWithoutGit() const {
@@ -256,6 +256,7 @@ void CommandTask::addNotes(CommandOutput& output, Outcome& outcome) const {
     noteOmittedRevisions(output, outcome);
     noteLeftFolder(output, outcome);
     noteHeldOutput(output, outcome);
+    noteSwitchedOff(output, outcome);
 }
 
 std::vector<std::string> CommandTask::names() const {
@@ -276,9 +277,14 @@ std::optional<std::string> CommandTask::pagerFor(std::string_view text) const {
 
 std::optional<std::string> CommandTask::chosenPager() const {
     // The variable overrides the setting.
-    const bool hasVariable = std::getenv("GIT_PAGER") != nullptr;
-    return pagerOfUser(hasVariable ? std::nullopt
-                                   : _git.outputOf({"config", "--get", "core.pager"}));
+    if (std::getenv("GIT_PAGER") != nullptr) {
+        return pagerOfUser(std::nullopt);
+    }
+    std::vector<std::string> query{"config", "--get", "core.pager"};
+    if (_call.session.isInspecting()) {
+        query.insert(query.begin() + 1, "--global");
+    }
+    return pagerOfUser(_git.outputOf(std::move(query)));
 }
 
 // ---- the invocation and its requests ----------------------------------------------------------

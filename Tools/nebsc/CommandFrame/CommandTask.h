@@ -200,7 +200,7 @@ private:
     std::optional<ProgressIndicator> _progress;
     /// Present if records are printed as they arrive.
     std::optional<StreamedOutput> _streamedOutput;
-    GitQueries _git{_interruption, _call.session.trace()};
+    GitQueries _git{_interruption, _call.session.trace(), _call.session.trust()};
     /// Waits for locate() and returns whether the working copy is where perform() runs; empty
     /// unless perform() runs at the same time.
     std::function<bool()> _confirmsLocation;

@@ -55,7 +55,7 @@ std::string gitDirectoryOf(const WorkingCopyLocation& workingCopy) {
 
 ChildOutcome GitQueries::run(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), "--literal-pathspecs");
-    return runGit(_interruption, _trace, std::move(arguments), _workingCopy.location);
+    return runGit(_interruption, _trace, std::move(arguments), _workingCopy.location, _trust);
 }
 
 bool GitQueries::succeeds(std::vector<std::string> arguments) const {
@@ -126,7 +126,7 @@ bool GitQueries::isTracked(const std::string& path) const {
 /// git check-ignore does not accept --literal-pathspecs, and takes no argument for a pattern.
 bool GitQueries::isIgnored(const std::string& path) const {
     return runGit(_interruption, _trace, {"check-ignore", "--quiet", "--", path},
-                  _workingCopy.location)
+                  _workingCopy.location, _trust)
         .status.isSuccess();
 }
 

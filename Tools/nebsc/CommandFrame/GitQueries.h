@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CommandFrame/WorkingCopyLocation.h"
+#include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
 #include "Session/Trace.h"
@@ -20,11 +21,14 @@ namespace neb::nebsc {
 class GitQueries {
 public:
     /// Both must outlive the object.
-    GitQueries(Interruption& interruption, const Trace& trace)
-        : _interruption(interruption), _trace(trace) {}
+    GitQueries(Interruption& interruption, const Trace& trace,
+               NEBSourceControlTrust trust = NEBSourceControlTrust::trusted)
+        : _interruption(interruption), _trace(trace), _trust(trust) {}
 
     [[nodiscard]] Interruption& interruption() const { return _interruption; }
     [[nodiscard]] const Trace& trace() const { return _trace; }
+    /// The trust in the repository.
+    [[nodiscard]] NEBSourceControlTrust trust() const { return _trust; }
     [[nodiscard]] const WorkingCopyLocation& workingCopy() const { return _workingCopy; }
     void setWorkingCopy(WorkingCopyLocation workingCopy) { _workingCopy = std::move(workingCopy); }
     /// Forgets what the discovery found out about revisions; call it when that may have changed.
@@ -77,6 +81,7 @@ public:
 private:
     Interruption& _interruption;
     const Trace& _trace;
+    NEBSourceControlTrust _trust;
     WorkingCopyLocation _workingCopy{};
 };
 

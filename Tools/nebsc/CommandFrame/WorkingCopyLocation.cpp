@@ -55,8 +55,10 @@ bool isGitDirectory(const std::string& folder) {
 
 WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
                                     const std::string& currentFolder, const std::string& folder,
-                                    const RepositoryQuestions& questions) {
-    ChildOutcome outcome = runGit(interruption, trace, argumentsFor(questions, folder), folder);
+                                    const RepositoryQuestions& questions,
+                                    NEBSourceControlTrust trust) {
+    ChildOutcome outcome =
+        runGit(interruption, trace, argumentsFor(questions, folder), folder, trust);
     RepositoryAnswers answers = answersIn(outcome, questions, folder);
     return {.location = answers.top.value_or(folder),
             .currentFolder = currentFolder,

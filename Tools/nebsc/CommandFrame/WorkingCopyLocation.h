@@ -5,6 +5,7 @@
 #include <string>
 
 #include "CommandFrame/RepositoryQuestions.h"
+#include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
 #include "Session/Trace.h"
@@ -35,10 +36,10 @@ struct WorkingCopyLocation {
 
 /// Returns the working copy that the folder lies in, with the answers to the questions. Runs one
 /// `git rev-parse`; a signal ends it.
-[[nodiscard]] WorkingCopyLocation findWorkingCopy(Interruption& interruption, const Trace& trace,
-                                                  const std::string& currentFolder,
-                                                  const std::string& folder,
-                                                  const RepositoryQuestions& questions = {});
+[[nodiscard]] WorkingCopyLocation findWorkingCopy(
+    Interruption& interruption, const Trace& trace, const std::string& currentFolder,
+    const std::string& folder, const RepositoryQuestions& questions = {},
+    NEBSourceControlTrust trust = NEBSourceControlTrust::trusted);
 
 /// Returns what findWorkingCopy() finds if the repository is where it usually is: in the nearest
 /// folder around the current one that has a ".git" or is a git directory. Absent without such a

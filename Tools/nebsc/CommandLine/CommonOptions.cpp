@@ -25,6 +25,7 @@ constexpr Parameter options[] = {
     {traceOption, "Report each program that is run on standard error"},
     {timeoutOption, "Stop with an error if it takes longer, for example 30 or 0.5", Takes::text,
      Occurs::optionally, "SECONDS"},
+    {inspectOption, "Only read the repository, and run no program that it names"},
     {versionOption, "Show the versions of nebsc, the plug-in and git"},
     {"-h,--help", "Show help for nebsc or for the command"},
 };

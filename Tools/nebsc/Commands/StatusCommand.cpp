@@ -70,7 +70,7 @@ WorkingCopyLocation StatusTask::locate() {
     fs::path path = paths("PATH").front();
     const auto around = [this](const fs::path& folder) {
         return findWorkingCopy(git().interruption(), git().trace(), currentFolder(),
-                               folder.string());
+                               folder.string(), {}, git().trust());
     };
     WorkingCopyLocation found = around(nearestFolder(path));
     std::error_code ignored;

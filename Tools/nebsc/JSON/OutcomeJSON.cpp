@@ -175,6 +175,9 @@ JSON membersFromErrorOn(const Outcome& outcome) {
     if (!outcome.omittedRevisions.empty()) {
         json["omittedRevisions"] = outcome.omittedRevisions;
     }
+    if (outcome.switchedOff) {
+        json["switchedOff"] = *outcome.switchedOff;
+    }
     if (const auto& conflicts = outcome.settledConflicts) {
         json["settledConflicts"] =
             conflicts->files ? arrayOf(*conflicts->files, NEBSourceControlPathText) : JSON(nullptr);

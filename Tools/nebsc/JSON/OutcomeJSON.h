@@ -13,10 +13,10 @@
 //       "result": [ { "NEBSourceControlOperationRevisionKey": "0123456789ab" } ],
 //       "error": null }
 //
-// All these members are always present; an absent value is null. Three more members exist only if
+// All these members are always present; an absent value is null. Four more members exist only if
 // the outcome has them: "recordCount", the number of records that were delivered while the
-// operation ran, "omittedRevisions", an array of strings, and "settledConflicts", an array of
-// strings or null if git failed to list the files.
+// operation ran, "omittedRevisions", an array of strings, "switchedOff", an array of strings, and
+// "settledConflicts", an array of strings or null if git failed to list the files.
 //
 // "name" is the name of the type; both are null if no request was made. "pipeTo" is a command with
 // the same members. The "terminationStatus" of a command is null if the child did not exit. A date

@@ -9,6 +9,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
+#include "Session/Trust.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -130,7 +131,20 @@ bool readLimits(Refusal& refusal, const InputNode& input, NEBSourceControlLimits
 struct Request : NEBSourceControlRequest {
     NEBSourceControlLimits limits;
     bool isBackgroundWork = false;
+    std::optional<NEBSourceControlTrust> trust;
 };
+
+bool readTrust(Refusal& refusal, const InputNode& input,
+               std::optional<NEBSourceControlTrust>& trust) {
+    std::optional<std::string> name;
+    if (!readString(refusal, input, name)) {
+        return false;
+    }
+    trust = name ? trustWithName(*name) : trust;
+    return !name || trust ||
+           refusal.wrongValue(
+               input, "is " + inQuotes(shortened(*name)) + "; expected 'trusted' or 'inspect'");
+}
 
 constexpr Member<Request> requestMembers[] = {
     {"type", readInto<readType, &Request::type>},
@@ -144,6 +158,7 @@ constexpr Member<Request> requestMembers[] = {
     {"options", readInto<readOptions, &Request::options>},
     {"limits", readInto<readLimits, &Request::limits>},
     {"background", readInto<readBoolean, &Request::isBackgroundWork>},
+    {"trust", readInto<readTrust, &Request::trust>},
 };
 
 /// Refuses a clone into a path that is not absolute. git runs in the destination and gets it as an
@@ -204,11 +219,14 @@ RequestReading requestFromJSON(std::string_view text) {
                         : RequestReading{.request = nullptr, .refusal = reading.failure};
 }
 
-RequestReading requestFromJSON(const JSONNode& root) {
+RequestReading requestFromJSON(const JSONNode& root, NEBSourceControlTrust defaultTrust) {
     Refusal refusal;
     auto request = std::make_shared<Request>();
     if (!readRequest(refusal, root, *request)) {
         return {.request = nullptr, .refusal = refusal.sentence};
+    }
+    if (request->trust.value_or(defaultTrust) == NEBSourceControlTrust::inspect) {
+        inspectOnly(*request);
     }
     return {.request = request,
             .settings = {.limits = request->limits, .isBackgroundWork = request->isBackgroundWork}};

@@ -11,7 +11,7 @@
 //       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 },
 //       "limits": { "silenceMilliseconds": 30000, "totalMilliseconds": 600000,
 //                   "outputBytes": 100000000 },
-//       "background": true }
+//       "background": true, "trust": "inspect" }
 //
 // Only "type" is required; it is a 32-bit integer. null means absent. A member can
 // be [] instead of {} and {} instead of [].
@@ -24,6 +24,8 @@
 // scalar, or bytes that are not UTF-8 as {"base64": "…"}. The value of an option can also be an
 // array of them. A number that is not a 64-bit integer becomes an object whose description is the
 // text of the number. The destination of a clone, if present, must be an absolute path.
+//
+// "trust" is "trusted", the default, or "inspect"; see NEBSourceControlTrust.
 //
 // Every function is thread-safe.
 #pragma once
@@ -51,8 +53,9 @@ struct RequestReading {
 /// Reads a request from JSON text.
 [[nodiscard]] RequestReading requestFromJSON(std::string_view text);
 
-/// Reads a request from JSON that has been parsed.
-[[nodiscard]] RequestReading requestFromJSON(const JSONNode& root);
+/// Reads a request from JSON that has been parsed. `defaultTrust` is for one without "trust".
+[[nodiscard]] RequestReading requestFromJSON(
+    const JSONNode& root, NEBSourceControlTrust defaultTrust = NEBSourceControlTrust::trusted);
 
 /// Returns the message for a request that is refused because of the value.
 [[nodiscard]] std::string sentenceOfRefusedValue(const NEBSourceControlArgumentInjection& value);

@@ -167,7 +167,7 @@ void CursorRequests::open(RPCMessage& message) {
             "'sourceControl/open' takes the members 'request' and 'pageSize'; both are required.");
         return;
     }
-    const RequestReading reading = requestFromJSON(*params->request);
+    const RequestReading reading = requestFromJSON(*params->request, _trust);
     const std::string refusal =
         reading.request ? refusalByEffect(*reading.request) : reading.refusal;
     if (!refusal.empty()) {

@@ -48,6 +48,9 @@ public:
     /// before.
     ~CursorRequests();
 
+    /// Sets the trust of requests that do not say it.
+    void setDefaultTrust(NEBSourceControlTrust trust) { _trust = trust; }
+
     /// Each sends the response to the message, now or when it is known.
     void open(RPCMessage& message);
     void next(RPCMessage& message);
@@ -78,6 +81,7 @@ private:
     ProgressReports& _progress;
     Jobs& _jobs;
     CredentialRequests& _credentials;
+    NEBSourceControlTrust _trust = NEBSourceControlTrust::trusted;
     const Clock _now;
     std::uint64_t _lastKey = 0;
     mutable Mutex _mutex;

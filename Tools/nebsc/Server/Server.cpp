@@ -13,6 +13,7 @@
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/ErrnoText.h"
+#include "Server/InitializeParams.h"
 #include "Server/PartialResults.h"
 #include "Server/RequestResponse.h"
 #include "Session/GitProgram.h"
@@ -54,20 +55,12 @@ JSON capabilities() {
              {"background", true},
              {"credentials", true},
              {"describe", true},
+             {"trust", JSON::array({"trusted", "inspect"})},
              {"cursors", {{"max", CursorRequests::mostCursors}}}};
     if (WatchRequests::areAvailable()) {
         all["watch"] = {{"max", WatchRequests::mostWatches}};
     }
     return all;
-}
-
-/// Whether the params of "initialize" have {"capabilities": {"credentials": true}}.
-bool declaresCredentials(const JSONNode& params) {
-    const JSONNode* capabilities = memberOf(params, "capabilities");
-    const JSONNode* credentials =
-        capabilities != nullptr ? memberOf(*capabilities, "credentials") : nullptr;
-    return credentials != nullptr && credentials->kind == JSONNode::Kind::boolean &&
-           credentials->boolean;
 }
 
 std::string sentenceOfCurrentException() {
@@ -256,8 +249,16 @@ void Server::initialize(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidRequest, "The server is already initialized.");
         return;
     }
+    const auto trust = declaredTrust(message.params);
+    if (!trust) {
+        refuse(message, RPCErrorCode::invalidParams,
+               "The member 'trust' is neither 'trusted' nor 'inspect'.");
+        return;
+    }
     _state = State::initialized;
     _initialization = message.id;
+    _trust = *trust;
+    _cursors->setDefaultTrust(*trust);
     if (declaresCredentials(message.params)) {
         _credentials->enable();
     }
@@ -295,7 +296,7 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
             return;
         }
     }
-    const RequestReading reading = requestFromJSON(message.params);
+    const RequestReading reading = requestFromJSON(message.params, _trust);
     if (!reading.request) {
         refuse(message, RPCErrorCode::invalidParams, reading.refusal);
         return;

@@ -85,6 +85,8 @@ private:
     const HostSession& _session;
     Interruption& _interruption;
     State _state = State::fresh;
+    /// For requests that do not say it.
+    NEBSourceControlTrust _trust = NEBSourceControlTrust::trusted;
     /// The id of "initialize"; absent before.
     std::optional<nlohmann::ordered_json> _initialization;
     End _end;

@@ -35,10 +35,17 @@ std::string_view withoutSeverity(std::string_view line) {
 }  // namespace
 
 ChildOutcome runGit(Interruption& interruption, const Trace& trace,
-                    std::vector<std::string> arguments, std::optional<std::string> folder) {
+                    std::vector<std::string> arguments, std::optional<std::string> folder,
+                    NEBSourceControlTrust trust) {
+    static const NEBSourceControlSetting withoutHooks[] = {{"core.hooksPath", "/dev/null"}};
     ChildProcess process;
     const Interruption::Work work(interruption, [&process] { process.cancel(); });
-    return runGit(process, trace, std::move(arguments), std::move(folder));
+    GitSurroundings surroundings{.folder = std::move(folder)};
+    if (trust == NEBSourceControlTrust::inspect) {
+        surroundings.traits.mayFetchObjects = false;
+        surroundings.traits.settings = withoutHooks;
+    }
+    return runGitProcesses(process, trace, {std::move(arguments)}, surroundings);
 }
 
 ChildOutcome runGit(ChildProcess& process, const Trace& trace, std::vector<std::string> arguments,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
 #include "Session/Trace.h"
@@ -17,10 +18,12 @@ namespace neb::nebsc {
 [[nodiscard]] std::string gitPath();
 
 /// Runs git in the folder (absent: the current one), with the environment that operations use. A
-/// signal to nebsc ends it.
+/// signal to nebsc ends it. In a repository that is only inspected, git runs no hooks and fetches
+/// no missing objects; the command must be one that starts no other program.
 [[nodiscard]] ChildOutcome runGit(Interruption& interruption, const Trace& trace,
                                   std::vector<std::string> arguments,
-                                  std::optional<std::string> folder);
+                                  std::optional<std::string> folder,
+                                  NEBSourceControlTrust trust = NEBSourceControlTrust::trusted);
 
 /// The same, but `process` can be cancelled from another thread.
 [[nodiscard]] ChildOutcome runGit(ChildProcess& process, const Trace& trace,

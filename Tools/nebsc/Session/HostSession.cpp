@@ -7,6 +7,7 @@
 #include "Session/MissingFolder.h"
 #include "Session/MissingSubmodules.h"
 #include "Session/ReportCapture.h"
+#include "Session/Trust.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -26,6 +27,7 @@ void runOperation(NEBSourceControlOperation& operation, const HostSession::Runne
     outcome.omittedRevisions = operation.omittedRevisions();
     outcome.error = operation.error();
     outcome.outputWasHeldOpen = operation.outputWasHeldOpen();
+    outcome.switchedOff = operation.switchedOff();
 }
 
 bool hasFailed(const Outcome& outcome) {
@@ -98,6 +100,9 @@ RequestResult HostSession::perform(
     const ReportCapture capture;
     Outcome outcome;
     outcome.type = request->type;
+    if (isInspecting()) {
+        inspectOnly(*request);
+    }
     try {
         if (auto refused = validateAndRun(request, run, replacement, outcome)) {
             return {std::nullopt, std::move(refused)};
@@ -112,6 +117,9 @@ RequestResult HostSession::perform(
 
 Outcome HostSession::performOperation(NEBSourceControlOperation& operation,
                                       const Runner& run) const {
+    if (isInspecting()) {
+        inspectOnly(*operation.request());
+    }
     Outcome outcome;
     outcome.type = operation.request()->type;
     outcome.valid = true;

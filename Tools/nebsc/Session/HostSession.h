@@ -35,9 +35,12 @@ public:
 
     /// Takes the plug-in's principal class; null for a session that performs no requests. If the
     /// session is traced, the child processes of all operations are reported on standard error.
+    /// With NEBSourceControlTrust::inspect, all requests only inspect their repositories, whatever
+    /// they say; otherwise each request decides.
     explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller,
-                         bool isTraced = false)
-        : _controller(std::move(controller)), _trace(isTraced) {}
+                         bool isTraced = false,
+                         NEBSourceControlTrust trust = NEBSourceControlTrust::trusted)
+        : _controller(std::move(controller)), _trace(isTraced), _trust(trust) {}
 
     /// Performs the request. If `run` is empty, the operation is created but not run. A type for
     /// which the plug-in has no operation is an error of the class "request-invalid". An exception
@@ -60,6 +63,9 @@ public:
 
     /// Must not be called if the session has no principal class.
     [[nodiscard]] const NEBSourceControlProtocol& controller() const { return *_controller; }
+    /// With NEBSourceControlTrust::inspect, all requests only inspect their repositories.
+    [[nodiscard]] NEBSourceControlTrust trust() const { return _trust; }
+    [[nodiscard]] bool isInspecting() const { return _trust == NEBSourceControlTrust::inspect; }
     /// Returns the trace, for child processes that do not belong to an operation.
     [[nodiscard]] const Trace& trace() const { return _trace; }
 
@@ -72,6 +78,7 @@ private:
 
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
     Trace _trace;
+    NEBSourceControlTrust _trust;
 };
 
 }  // namespace neb::nebsc

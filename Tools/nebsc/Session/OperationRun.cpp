@@ -133,6 +133,16 @@ void noteLeftFolder(CommandOutput& output, const Outcome& outcome) {
     }
 }
 
+void noteSwitchedOff(CommandOutput& output, const Outcome& outcome) {
+    std::string names;
+    for (const std::string& name : outcome.switchedOff.value_or(std::vector<std::string>())) {
+        names += name == "submodules" ? "" : (names.empty() ? "" : ", ") + printable(name);
+    }
+    if (!names.empty()) {
+        output.standardError += diagnostic("Not trusted, and switched off: " + names + ".");
+    }
+}
+
 void noteHeldOutput(CommandOutput& output, const Outcome& outcome) {
     if (outcome.outputWasHeldOpen) {
         output.standardError += diagnostic(

@@ -48,6 +48,10 @@ void noteOmittedRevisions(CommandOutput& output, const Outcome& outcome);
 /// Adds a warning if a folder remains after a failure.
 void noteLeftFolder(CommandOutput& output, const Outcome& outcome);
 
+/// Adds a note that lists what was switched off because the repository is only inspected.
+/// Submodules alone are not worth a note.
+void noteSwitchedOff(CommandOutput& output, const Outcome& outcome);
+
 /// Adds a warning if output of git may be missing.
 void noteHeldOutput(CommandOutput& output, const Outcome& outcome);
 

@@ -48,6 +48,9 @@ struct Outcome {
     /// Whether a lingering process still held the child's output open, so that output may be
     /// missing.
     bool outputWasHeldOpen = false;
+    /// What the repository names and was switched off; see NEBSourceControlOperation. Absent if the
+    /// repository is trusted.
+    std::optional<std::vector<std::string>> switchedOff;
     /// Why a folder that was created for the operation remains after a failure, and what to do
     /// about it. Empty if no folder remains.
     std::string leftFolder;

@@ -151,7 +151,8 @@ JSON schemaOfRequests() {
                        {"additionalProperties", false}})},
               {"options", orNull(reference("options"))},
               {"limits", orNull(reference("limits"))},
-              {"background", orNull(ofType("boolean"))}}},
+              {"background", orNull(ofType("boolean"))},
+              {"trust", {{"enum", JSON::array({"trusted", "inspect", nullptr})}}}}},
             {"required", JSON::array({"type"})},
             {"additionalProperties", false}};
 }
@@ -277,6 +278,7 @@ JSON schemaOfOutcome() {
           {"error", orNull(reference("error"))},
           {"recordCount", ofType("integer")},
           {"omittedRevisions", arrayOf(ofType("string"))},
+          {"switchedOff", arrayOf(reference("text"))},
           {"settledConflicts", orNull(arrayOf(ofType("string")))}}},
         {"required", JSON::array({"type", "name", "authenticationRequired", "valid", "operation",
                                   "command", "commands", "reports", "result", "error"})}};

@@ -1,0 +1,42 @@
+// Traps.h - programs at every place where a repository can name one.
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Classes/Configuration/World.h"
+
+namespace neb::test {
+
+/// A setting of the repository that names a program.
+struct Trap {
+    /// The name of the setting. The program has the same name with "_" for each "/".
+    std::string setting;
+    /// The value; PROGRAM stands for the path of the program.
+    std::string value;
+    /// A shell script that makes git run the program in a trapped world. Empty if that needs a
+    /// terminal, another package, or a configuration of the user.
+    std::string trigger;
+};
+
+/// Returns the settings of git-config(1) that name a program and that a request can be carried out
+/// with when they are switched off.
+const std::vector<Trap>& allTraps();
+
+/// Adds a submodule "sub" to the repository, unchanged and without traps.
+void addSubmodule(const World& world);
+
+/// Names the programs of allTraps() in the repository of the world, in an included file and the
+/// worktree configuration; names drivers in the attributes; changes the submodule, and names
+/// programs there. The world must have the submodule.
+void setTraps(const World& world);
+
+/// Makes a program that adds its name to those of firedTraps(), and returns its path.
+std::string makeTrap(const World& world, std::string_view name);
+
+/// Returns the names of the programs that ran since setTraps() or the last call.
+std::set<std::string> takeFiredTraps(const World& world);
+
+}  // namespace neb::test

@@ -1,0 +1,18 @@
+// InspectingCommands.h - the commands that work with the option "--inspect".
+#pragma once
+
+#include <vector>
+
+#include "CommandLine/Command.h"
+#include "Terminal/CommandOutput.h"
+
+namespace neb::nebsc {
+
+/// Returns whether the command, a subcommand after its command, only reads. Its questions to git
+/// outside requests start no other program.
+[[nodiscard]] bool readsOnly(const std::vector<const Command*>& commands);
+
+/// Returns the refusal of another command, of the class "not-trusted".
+[[nodiscard]] CommandOutput notTrusted(const std::vector<const Command*>& commands);
+
+}  // namespace neb::nebsc

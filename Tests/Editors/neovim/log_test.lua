@@ -125,6 +125,13 @@ local function scroll_on()
   end, "the next page")
 end
 
+-- Scrolls so far that a change of HEAD does not read the log again.
+local function scroll_far()
+  scroll_on()
+  scroll_on()
+  assert(vim.fn.line("w0") > 100)
+end
+
 -- Scrolls to the end of the log of open_long_log(), and checks that each commit is there once.
 local function check_long_log()
   while #harness.lines() < 1000 do
@@ -144,7 +151,7 @@ end
 -- The server closes a cursor that was idle for some time.
 function tests.LogGoesOnAfterItsCursorWasClosed()
   open_long_log()
-  scroll_on()
+  scroll_far()
   harness.git("commit", "--quiet", "--allow-empty", "--message", "Newer")
   local failure = harness.await(function(callback)
     server.request("sourceControl/close", { cursor = "1" }, callback)
@@ -172,7 +179,7 @@ end
 
 function tests.LogOfARewrittenHistoryIsReadAgain()
   open_long_log()
-  scroll_on()
+  scroll_far()
   local root = harness.git("commit-tree", "-m", "Only", "HEAD^{tree}")
   harness.git("update-ref", "refs/heads/main", root)
   harness.run({ "rm", "-r", harness.root .. "/.git/objects/pack" })

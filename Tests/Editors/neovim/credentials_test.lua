@@ -38,7 +38,7 @@ local function with_server(use)
       return port
     end, "the port of the server")
     harness.git("remote", "add", "origin", ("http://127.0.0.1:%d/demo.git"):format(port))
-    vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+    harness.enter()
     use()
   end)
   vim.fn.jobstop(job)

@@ -137,6 +137,17 @@ function M.contains(part, text)
   end
 end
 
+-- Changes the settings of the plug-in; the program of the test is the server.
+function M.configure(settings)
+  settings.command = { vim.env.NEBSC or "nebsc" }
+  require("nebgit").setup(settings)
+end
+
+-- Makes the repository the current folder.
+function M.enter()
+  vim.cmd("cd " .. vim.fn.fnameescape(M.root))
+end
+
 -- Opens a file of the repository in the window.
 function M.edit(path)
   vim.cmd("edit " .. vim.fn.fnameescape(M.root .. "/" .. path))
@@ -218,7 +229,7 @@ function M.set_up()
   vim.env.GIT_CEILING_DIRECTORIES = M.folder
   M.root = M.folder .. "/repository"
   M.run({ "git", "init", "--quiet", "--initial-branch=main", M.root })
-  require("nebgit").setup({ command = { vim.env.NEBSC or "nebsc" } })
+  M.configure({})
 end
 
 -- Closes everything that the test opened, and removes its folder.

@@ -20,7 +20,7 @@ local function draw(commits)
 end
 
 local function open_log(arguments)
-  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  harness.enter()
   vim.cmd("NEBGit log " .. (arguments or ""))
 end
 
@@ -107,7 +107,7 @@ local function open_long_log()
     })
   end
   harness.run({ "git", "-C", harness.root, "fast-import", "--quiet" }, table.concat(input, "\n"))
-  require("nebgit").setup({ command = { vim.env.NEBSC }, log = { page_size = 100 } })
+  harness.configure({ log = { page_size = 100 } })
   open_log()
   harness.go_to("Commit 1000")
   harness.wait(function()

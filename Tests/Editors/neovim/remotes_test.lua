@@ -9,7 +9,7 @@ local function prepare()
   harness.remote = harness.folder .. "/shared.git"
   harness.run({ "git", "init", "--quiet", "--bare", "--initial-branch=main", harness.remote })
   harness.git("remote", "add", "origin", harness.remote)
-  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  harness.enter()
 end
 
 local function remote_log(branch)
@@ -58,7 +58,7 @@ function tests.PushIsRefusedThenPulledAndForced()
   harness.commit({ mine = "x\n" }, "Mine")
   vim.cmd("NEBGit push")
   harness.wait_for_message("does not have the latest remote changes")
-  require("nebgit").setup({ command = { vim.env.NEBSC }, pull = "rebase" })
+  harness.configure({ pull = "rebase" })
   vim.cmd("NEBGit pull")
   harness.wait_for_message("pulled")
   harness.equal("Mine\nTheirs\nFirst", harness.git("log", "--format=%s"))
@@ -139,7 +139,7 @@ end
 
 function tests.RepositoryWithoutARemote()
   harness.commit({ file = "1\n" })
-  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  harness.enter()
   vim.cmd("NEBGit fetch")
   harness.wait_for_message("has no remote")
 end

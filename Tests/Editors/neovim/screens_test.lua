@@ -53,7 +53,7 @@ local function prepare()
   harness.write("main.c", "int main() {\n  return 1;\n}\n")
   harness.write("new.txt", "new\n")
   harness.git("mv", "notes.txt", "docs.txt")
-  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  harness.enter()
 end
 
 function tests.Status()

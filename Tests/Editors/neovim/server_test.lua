@@ -107,7 +107,7 @@ function tests.RepeatedCrashesEndTheAttempts()
   end
   harness.contains("out of order", harness.messages())
   harness.contains("ended repeatedly", state().message)
-  require("nebgit").setup({ command = { vim.env.NEBSC or "nebsc" } })
+  harness.configure({})
   vim.cmd("NEBGit restart")
   harness.equal(nil, (state()))
 end

@@ -6,7 +6,7 @@ local tests = {}
 
 -- Opens the status of the repository and waits until it is shown.
 local function open_status()
-  vim.cmd("cd " .. vim.fn.fnameescape(harness.root))
+  harness.enter()
   vim.cmd("NEBGit status")
   harness.wait(function()
     return window.state() and window.state().has_loaded
@@ -335,7 +335,7 @@ function tests.ManyPathsAreShownInPart()
   for number = 1, 30 do
     harness.write(("f%02d"):format(number), "")
   end
-  require("nebgit").setup({ command = { vim.env.NEBSC }, status = { max_paths = 10 } })
+  harness.configure({ status = { max_paths = 10 } })
   open_status()
   harness.go_to("… 20 more")
   harness.equal(nil, vim.tbl_contains(harness.lines(), "untracked        f11") or nil)

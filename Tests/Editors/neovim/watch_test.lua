@@ -63,7 +63,7 @@ function tests.WatchBeginsAgainAfterACrash()
 end
 
 function tests.WatchCanBeSwitchedOff()
-  require("nebgit").setup({ command = { vim.env.NEBSC }, watch = { enabled = false } })
+  harness.configure({ watch = { enabled = false } })
   harness.commit({ file = "1\n" })
   local buffer = harness.edit("file")
   harness.wait(function()

@@ -303,7 +303,8 @@
     (test-write-program "shared.git/hooks/post-receive"
                         "#!/bin/sh" "echo 'Create a merge request:'" "printf 'at \\344'")
     (test-until "Upstream: origin/main" (nebgit-push))
-    (should (string-match-p "push: refs/heads/main new\nremote: Create a merge request:\nremote: at \\\\344"
+    (should (string-match-p (concat "push: refs/heads/main new\nremote: Create a merge request:\n"
+                                    "remote: at \\\\344")
                             (test-messages)))
     (should-not (string-match-p "nil nil" (test-messages)))))
 

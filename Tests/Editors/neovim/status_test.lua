@@ -141,7 +141,7 @@ function tests.HunkIsDiscarded()
   harness.wait_for_content("file", "1\n2\n3\n4\n5\n6\n7\n8\nnine\n")
 end
 
--- Opens the status with the changes of files a, with two hunks, and b, with one; the file c is gone.
+-- Opens the status with the changes of the files a, two hunks, and b, one; the file c is gone.
 local function open_hunks()
   local numbers = "1\n2\n3\n4\n5\n6\n7\n8\n9\n"
   harness.commit({ a = numbers, b = numbers, c = numbers })
@@ -183,7 +183,8 @@ function tests.SelectedHunksAreDiscardedAfterOneQuestion()
   go_and_press("+one", "VGx")
   wait_for_lines(clean)
   harness.equal(1, #harness.questions)
-  harness.contains("lose 2 hunks of a\n  lose changes of b\n  lose changes of c", harness.questions[1])
+  local expected = "lose 2 hunks of a\n  lose changes of b\n  lose changes of c"
+  harness.contains(expected, harness.questions[1])
 end
 
 -- The position counts where lines repeat, and it depends on the other hunks that are chosen.

@@ -130,7 +130,8 @@ while True:
 function tests.WatchAboveTheLimitOfTheSystemLeavesOutTheWorkingTree()
   local program, log = harness.folder .. "/server.py", harness.folder .. "/log"
   harness.write(program, limited_server)
-  require("nebgit").setup({ command = { "python3", program, log }, watch = { working_tree = true } })
+  local command = { "python3", program, log }
+  require("nebgit").setup({ command = command, watch = { working_tree = true } })
   harness.commit({ file = "1\n", other = "2\n" })
   edit_and_watch("file")
   edit_and_watch("other")

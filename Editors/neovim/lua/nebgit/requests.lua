@@ -165,8 +165,8 @@ function M.pages(name, root, details, size)
   return setmetatable({ params = params_of(name, root, details), size = size }, Pages)
 end
 
--- Returns whether the cursor is one of the server that runs; after a restart its name may be that of
--- another list.
+-- Returns whether the cursor is one of the server that runs; after a restart its name may be that
+-- of another list.
 function Pages:has_cursor()
   return self.cursor ~= nil and self.server == server.pid()
 end

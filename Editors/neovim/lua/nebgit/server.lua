@@ -274,8 +274,8 @@ local function start()
 end
 
 -- Sends a request and calls callback(failure, result) once, on the main loop. The failure has
--- `message` and `class`: "server" if it cannot be started or ended, "cancelled", or "protocol"; with
--- the `code` of JSON-RPC if the server refused.
+-- `message` and `class`: "server" if it cannot be started or ended, "cancelled", or "protocol";
+-- with the `code` of JSON-RPC if the server refused.
 -- settings.progress(value) is called for $/progress with settings.token.
 -- Returns a function that cancels the request.
 function M.request(method, params, callback, settings)

@@ -1,7 +1,7 @@
 -- The text of buffers as lines and as the bytes of their file.
 local M = {}
 
--- The most bytes of an unsaved text that is sent. The editor handles no keys while it converts them.
+-- The most bytes of an unsaved text that is sent; their conversion blocks the editor.
 local most_sent = 1024 * 1024
 
 -- Returns whether the text of the buffer is too large to be sent.

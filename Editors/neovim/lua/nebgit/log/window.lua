@@ -13,8 +13,8 @@ local watch = require("nebgit.watch")
 
 local namespace = vim.api.nvim_create_namespace("nebgit-log")
 
--- By buffer: root, path (nil for all files), pages, graph, commits by line, the ids of the first and
--- last commit, and skip: the id up to which commits that are read again are left out.
+-- By buffer: root, path (nil for all files), pages, graph, commits by line, the ids of the first
+-- and last commit, and skip: the id up to which commits that are read again are left out.
 local states = {}
 
 -- Returns the references of the commit as they are shown; "" without any.

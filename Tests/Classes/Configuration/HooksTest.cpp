@@ -137,8 +137,9 @@ const std::map<std::string, std::string> ours{
 /// The settings for a git that may run hooks, as variables.
 std::map<std::string, std::string> settingsThatHooksSee() {
     std::string lines;
-    for (const std::string& variable :
-         NEBSourceControlChildEnvironment({}, {.mayRunHooks = true})) {
+    const NEBSourceControlChildTraits traits{.mayRunHooks = true,
+                                             .lockWait = NEBSourceControlLimits().lockWait};
+    for (const std::string& variable : NEBSourceControlChildEnvironment({}, traits)) {
         lines += variable.starts_with("GIT_CONFIG_") ? variable + "\n" : "";
     }
     return variablesIn(lines);

@@ -217,6 +217,18 @@ TEST_F(HunkDialogue, KeepsEveryByteOfNamesAndLines) {
     }
 }
 
+TEST_F(HunkDialogue, NamesFilesThatGitDoesNotKnow) {
+    repository.write("new", "1\n");
+    for (const char* name : {"nosuch", "new"}) {
+        const NebscOutcome outcome = answering({"stage", "-p", name}, "y\n");
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, HasSubstr("git does not track it"));
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+    repository.commitFile("clean", "1\n");
+    EXPECT_EQ(answering({"stage", "-p", "clean"}, "").output, "No changes.\n");
+}
+
 TEST_F(HunkDialogue, LeavesOutBinaryFilesAndConflicts) {
     repository.commitFile("image", std::string("\0\1", 2));
     repository.write("image", std::string("\0\2", 2));

@@ -87,8 +87,9 @@ protected:
 private:
     [[nodiscard]] bool isByHunk() const { return arguments().has(byHunk); }
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeChangesRequest() const;
-    /// Finds the files in conflict, and returns whether git could list them.
-    [[nodiscard]] bool findConflicts();
+    /// Runs a query about the files of the arguments. Its failure is why nothing is changed.
+    ChildOutcome askAboutFiles(std::vector<std::string> query);
+    void findConflicts();
     /// Returns what the user can choose from, and notes what is left out.
     [[nodiscard]] std::vector<FileChoices> choicesIn(const NEBSourceControlResult& records);
     /// Asks the user, and returns the patch of what is chosen; empty if nothing is to be done.
@@ -135,19 +136,23 @@ bool isOnlyDirtySubmodule(const NEBDictionary& record) {
            record.text(NEBSourceControlOperationNewModeKey) == "160000";
 }
 
-bool HunkTask::findConflicts() {
-    std::vector<std::string> query{"diff", "--name-only", "--diff-filter=U", "-z", "--"};
+ChildOutcome HunkTask::askAboutFiles(std::vector<std::string> query) {
     query.insert(query.end(), paths(files).begin(), paths(files).end());
-    const ChildOutcome unmerged = git().run(std::move(query));
-    if (!unmerged.status.isSuccess()) {
-        _failure = failureOfQuery(git(), unmerged, paths(files));
+    ChildOutcome outcome = git().run(std::move(query));
+    if (!outcome.status.isSuccess()) {
+        _failure = failureOfQuery(git(), outcome, paths(files));
     }
+    return outcome;
+}
+
+void HunkTask::findConflicts() {
+    const ChildOutcome unmerged =
+        askAboutFiles({"diff", "--name-only", "--diff-filter=U", "-z", "--"});
     forEachField(unmerged.output.bytes(), '\0', [this](std::string_view path) {
         if (!path.empty()) {
             _conflicts.emplace_back(path);
         }
     });
-    return !_failure;
 }
 
 std::vector<FileChoices> HunkTask::choicesIn(const NEBSourceControlResult& records) {
@@ -191,13 +196,21 @@ RequestResult HunkTask::perform() {
         return IndexTask::perform();
     }
     RequestResult changes = performRequest(makeChangesRequest());
-    if (changes.refusedValue || changes.outcome->error || !findConflicts()) {
+    if (changes.refusedValue || changes.outcome->error) {
         return changes;
     }
+    findConflicts();
     endProgress();
     std::vector<FileChoices> choices =
         choicesIn(changes.outcome->result.value_or(NEBSourceControlResult()));
     _hasChoices = !choices.empty();
+    const bool hasNothing = !_hasChoices && _binaryFiles.empty() && _conflicts.empty();
+    if (hasNothing && !paths(files).empty()) {
+        askAboutFiles({"ls-files", "--error-unmatch", "-z", "--"});
+    }
+    if (_failure) {
+        return changes;
+    }
     const std::string patch = askForPatch(choices);
     if (patch.empty()) {
         return changes;

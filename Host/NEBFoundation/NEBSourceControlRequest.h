@@ -57,8 +57,8 @@ public:
     /// Returns the value of an option; the absent value when it is not set. The reference is valid
     /// until the options change.
     [[nodiscard]] const NEBValue& option(std::string_view key) const;
-    /// Returns whether git would read the destination or a file as a pattern, or as pathspec magic
-    /// because it begins with ":", also after its folder was removed; see gitglossary(7), pathspec.
+    /// Returns whether git would read the destination or a file as a pattern, or as pathspec magic:
+    /// the path, or its part below a folder, begins with ":". See gitglossary(7), pathspec.
     [[nodiscard]] bool hasPatternCharacters() const;
     /// Returns whether the trust of the source tree is NEBSourceControlTrust::inspect.
     [[nodiscard]] bool isInspected() const;

@@ -137,8 +137,7 @@ enum NEBSourceControlRequestType : std::int32_t {
     /// `git tag`: creates or deletes the tag `destination`.
     NEBSourceControlRequestTag = 1015,
     /// `git config` and `git ls-files`, or `git submodule`: returns the submodules with their
-    /// state;
-    /// initializes or updates them.
+    /// state, or initializes or updates them.
     NEBSourceControlRequestSubmodules = 1016,
     /// `git worktree`: returns the worktrees of the repository; adds or removes one.
     NEBSourceControlRequestWorktrees = 1017,

@@ -75,6 +75,9 @@ std::unordered_set<std::string> ignoredFolders(ChildProcess& process, const Trac
         process, trace, {arguments},
         {.folder = top, .traits = {.hasPatternCharacters = true, .isBackgroundWork = true}});
     std::unordered_set<std::string> folders;
+    if (!outcome.status.isSuccess()) {
+        return folders;
+    }
     for (std::string& path : splitAtNUL(outcome.output)) {
         if (path.ends_with('/')) {
             path.pop_back();

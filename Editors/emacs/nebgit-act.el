@@ -9,7 +9,7 @@
 
 ;;; Code:
 
-(require 'nebgit-status)
+(require 'nebgit-selection)
 
 (defcustom nebgit-pull-strategy "merge"
   "How a pull integrates the commits of the upstream branch."
@@ -35,10 +35,6 @@ DONE, if given, gets the records and the outcome instead."
                   :success (or done (lambda (&rest _)
                                       (when title (message "NEBGit: %s: done" title))))))
 
-(defun nebgit--paths (items)
-  "Return the paths of ITEMS."
-  (delete-dups (delq nil (mapcar (lambda (item) (plist-get item :path)) items))))
-
 (defun nebgit--section (items &rest sections)
   "Signal a `user-error' unless ITEMS are in one of SECTIONS; return the section."
   (let ((section (plist-get (car items) :section)))
@@ -48,21 +44,30 @@ DONE, if given, gets the records and the outcome instead."
      (t (user-error "Not possible for %s"
                     (downcase (or (alist-get section nebgit-status-sections) "this line")))))))
 
-(defun nebgit--patch (item &optional reverse)
-  "Return the patch of the hunk of ITEM, or nil; with REVERSE to take it back."
-  (when-let ((hunk (plist-get item :hunk)))
-    (nebgit-diff-patch (plist-get item :file) hunk reverse)))
+(defun nebgit--entries (items)
+  "Return those of ITEMS that are whole entries and not hunks."
+  (cl-remove-if (lambda (item) (plist-get item :hunk)) items))
+
+(defun nebgit--act-on (type items paths)
+  "Carry out a request of TYPE for the hunks of ITEMS, then one for PATHS."
+  (let ((patch (nebgit-selection-patch items (not (eq type 'stage))))
+        (root default-directory))
+    (cl-flet ((act-on-paths (&rest _)
+                (when paths
+                  (let ((default-directory root))
+                    (nebgit-act type (list :files paths))))))
+      (if patch
+          (nebgit-act type (list :Patch patch) nil #'act-on-paths)
+        (act-on-paths)))))
 
 ;;; Stage, unstage, discard
 
 (defun nebgit-stage ()
-  "Stage the entries or the hunk at point, or the entries in the region."
+  "Stage the entries or the hunk at point, or the entries or lines in the region."
   (interactive)
-  (let* ((items (nebgit-status-items))
-         (patch (nebgit--patch (car items))))
+  (let ((items (nebgit-selection)))
     (nebgit--section items 'untracked 'unstaged 'conflict)
-    (nebgit-act 'stage (if patch (list :Patch patch)
-                         (list :files (nebgit--all-paths items))))))
+    (nebgit--act-on 'stage items (nebgit--all-paths (nebgit--entries items)))))
 
 (defun nebgit--all-paths (items)
   "Return the paths of ITEMS, which must be the whole section if it is chosen."
@@ -70,7 +75,7 @@ DONE, if given, gets the records and the outcome instead."
          (count (plist-get nebgit-status--state (intern (format ":%s-count" section)))))
     (when (and count (> count nebgit-status-limit) (= (length items) nebgit-status-limit))
       (message "NEBGit: only the first %d of %d entries" nebgit-status-limit count))
-    (nebgit--paths items)))
+    (nebgit-selection-paths items)))
 
 (defun nebgit-stage-all ()
   "Stage everything in the working copy, also untracked files."
@@ -78,14 +83,13 @@ DONE, if given, gets the records and the outcome instead."
   (nebgit-act 'stage nil))
 
 (defun nebgit-unstage ()
-  "Unstage the entries or the hunk at point, or the entries in the region."
+  "Unstage the entries or the hunk at point, or the entries or lines in the region."
   (interactive)
-  (let* ((items (nebgit-status-items))
-         (patch (nebgit--patch (car items) t)))
+  (let* ((items (nebgit-selection t))
+         (entries (nebgit--entries items)))
     (nebgit--section items 'staged)
-    (nebgit-act 'unstage
-                (if patch (list :Patch patch)
-                  (list :files (append (nebgit--paths items) (nebgit--old-paths items)))))))
+    (nebgit--act-on 'unstage items
+                    (append (nebgit-selection-paths entries) (nebgit--old-paths entries)))))
 
 (defun nebgit--old-paths (items)
   "Return the original paths of the renamed ones of ITEMS."
@@ -104,17 +108,30 @@ DONE, if given, gets the records and the outcome instead."
   "Throw away what is modified at point or in the region, or drop a stash.
 Say what is lost, and ask first."
   (interactive)
-  (let* ((items (nebgit-status-items))
+  (let* ((items (nebgit-selection t))
          (section (nebgit--section items 'untracked 'unstaged 'stash))
-         (hunk (plist-get (car items) :hunk)))
+         (entries (nebgit--entries items)))
     (cond
      ((eq section 'stash) (nebgit-stash-drop))
-     (hunk (when (yes-or-no-p (format "Discard this hunk of %s (%d lines)? "
-                                      (plist-get (car items) :path)
-                                      (length (nebgit-diff-lines hunk))))
-             (nebgit-act 'discard (list :Patch (nebgit--patch (car items) t) :Force t))))
-     (t (nebgit--discard-files (nebgit-need-root) (nebgit--all-paths items)
-                               (eq section 'untracked))))))
+     ((not (plist-get (car items) :hunk))
+      (nebgit--discard-files (nebgit-need-root) (nebgit--all-paths items)
+                             (eq section 'untracked)))
+     (entries (user-error "The region has hunks and whole files; discard them one after another"))
+     ((yes-or-no-p (nebgit--hunk-question items))
+      (nebgit-act 'discard (list :Patch (nebgit-selection-patch items t) :Force t))))))
+
+(defun nebgit--hunk-question (items)
+  "Return the question whether ITEMS, hunks of one file, may be lost."
+  (let ((lines (apply #'+ (mapcar (lambda (item)
+                                    (cl-count-if #'nebgit-diff-change-p
+                                                 (nebgit-diff-lines (plist-get item :hunk))))
+                                  items)))
+        (path (nebgit-printable (plist-get (car items) :path))))
+    (format "Discard %s of %s (%d changed line%s)? "
+            (cond ((plist-get (car items) :partial) "these lines")
+                  ((cdr items) (format "%d hunks" (length items)))
+                  (t "this hunk"))
+            path lines (if (= lines 1) "" "s"))))
 
 (defun nebgit--discard-files (root paths untracked)
   "Ask whether PATHS below ROOT may be lost, then discard them.

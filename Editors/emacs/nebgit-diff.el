@@ -70,33 +70,76 @@ They have the form that git-apply(1) reads."
   "Return NAME as the end of a line with ---; a tab ends a name with spaces."
   (concat name (and (string-match-p " " name) (not (string-prefix-p "\"" name)) "\t") "\n"))
 
-(defun nebgit-diff--alone (hunk reverse)
-  "Return HUNK with the line numbers that it has without the hunks before it.
+(defun nebgit-diff-change-p (line)
+  "Return t if LINE of a hunk is an added or removed one."
+  (and (> (length line) 0) (memq (aref line 0) '(?+ ?-)) t))
+
+(defun nebgit-diff-part (hunk chosen reverse)
+  "Return HUNK with those changed lines only for which the list CHOSEN has t.
+REVERSE means that its patch is taken back: the other added lines stay, and the
+other removed ones are missing; otherwise it is the other way round."
+  (let ((kept (if reverse ?+ ?-)) (left t) lines)
+    (cl-loop for line in (nebgit-diff-lines hunk)
+             for is-chosen in chosen
+             ;; A line about a missing newline belongs to the line before it.
+             do (cond ((string-prefix-p "\\" line))
+                      ((or is-chosen (not (nebgit-diff-change-p line))) (setq left t))
+                      ((eq (aref line 0) kept) (setq left t
+                                                     line (concat " " (substring line 1))))
+                      (t (setq left nil)))
+             (when left (push line lines)))
+    (setq lines (nreverse lines))
+    (when (nebgit-diff--goes-on-without-newline-p lines)
+      (user-error "The last line of the file has no newline; select the whole hunk"))
+    (append (list :NEBSourceControlOperationLinesKey (vconcat lines)
+                  :NEBSourceControlOperationOldCountKey (nebgit-diff--count lines ?+)
+                  :NEBSourceControlOperationNewCountKey (nebgit-diff--count lines ?-))
+            hunk)))
+
+(defun nebgit-diff--goes-on-without-newline-p (lines)
+  "Return non-nil if LINES go on after an unchanged one without a newline."
+  (cl-loop for (line next after) on lines
+           thereis (and after (string-prefix-p " " line) (string-prefix-p "\\" next))))
+
+(defun nebgit-diff--count (lines other)
+  "Return the number of LINES that do not begin with the character OTHER.
+Lines about a missing newline are not counted."
+  (cl-count-if-not (lambda (line) (memq (aref line 0) (list other ?\\))) lines))
+
+(defun nebgit-diff--placed (hunk offset reverse)
+  "Return HUNK with the line numbers that it has after hunks that add OFFSET lines.
 REVERSE means that its patch is taken back.  The start of an empty range is the
 line before it."
   (let* ((old-empty (if (eql (nebgit-field hunk OldCount) 0) 1 0))
          (new-empty (if (eql (nebgit-field hunk NewCount) 0) 1 0))
-         (old-start (+ (nebgit-field hunk NewStart) (- new-empty old-empty)))
-         (new-start (+ (nebgit-field hunk OldStart) (- old-empty new-empty))))
+         (old-start (+ (nebgit-field hunk NewStart) (- new-empty old-empty offset)))
+         (new-start (+ (nebgit-field hunk OldStart) (- old-empty new-empty) offset)))
     (append (if reverse
                 (list :NEBSourceControlOperationOldStartKey old-start)
               (list :NEBSourceControlOperationNewStartKey new-start))
             hunk)))
 
-(defun nebgit-diff-patch (file hunk reverse)
-  "Return a patch of one HUNK of FILE, a record of type 1004.
+(defun nebgit-diff-patch (file hunks reverse &optional partial)
+  "Return a patch of some HUNKS of FILE, a record of type 1004.
 It changes neither the mode nor the name of the file.  REVERSE means that it is
-taken back: git searches a hunk at the line that its heading names."
-  (let ((state (nebgit-field file State)))
+taken back: git searches a hunk at the line that its heading names.  With
+PARTIAL, from `nebgit-diff-part', it neither creates nor deletes the file."
+  (let ((state (nebgit-field file State)) (offset 0))
     (concat (nebgit-diff-file-header
-             (append (unless (member state '("added" "deleted"))
+             (append (when (or partial (not (member state '("added" "deleted"))))
                        '(:NEBSourceControlOperationStateKey "modified"
                          :NEBSourceControlOperationOldModeKey nil
+                         :NEBSourceControlOperationNewModeKey nil
                          :NEBSourceControlOperationOriginalPathKey nil
                          :NEBSourceControlOperationOriginalPathBytesKey nil))
                      file))
-            (nebgit-diff-hunk-header (nebgit-diff--alone hunk reverse)) "\n"
-            (mapconcat (lambda (line) (concat line "\n")) (nebgit-diff-lines hunk) ""))))
+            (mapconcat
+             (lambda (hunk)
+               (prog1 (concat (nebgit-diff-hunk-header (nebgit-diff--placed hunk offset reverse))
+                              "\n" (mapconcat (lambda (line) (concat line "\n"))
+                                              (nebgit-diff-lines hunk) ""))
+                 (cl-incf offset (- (nebgit-field hunk NewCount) (nebgit-field hunk OldCount)))))
+             hunks ""))))
 
 (defun nebgit-diff-insert (files)
   "Insert FILES, records of type 1004, as a diff."

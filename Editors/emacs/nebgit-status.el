@@ -7,7 +7,7 @@
 ;; Shows the branch, an unfinished operation, conflicts, untracked, unstaged and staged changes and
 ;; stashes, each entry on a line of its own.  Each line has the text property `nebgit-item', a
 ;; plist: `:section', `:path' (nil for the heading), `:record', and `:hunk' and `:line' in a diff.
-;; nebgit-act.el has the commands that change something.
+;; nebgit-selection.el has the entries to act on, nebgit-act.el the commands that change something.
 
 ;;; Code:
 
@@ -181,6 +181,11 @@ read all changes of a very large working copy would take Emacs seconds."
                         (setcdr entry (list (car records)))
                         (nebgit-status--draw)))))))))
 
+(defun nebgit-status-item ()
+  "Return the item of the line of point, or signal a `user-error'."
+  (or (get-text-property (line-beginning-position) 'nebgit-item)
+      (user-error "This line has no entry")))
+
 (defun nebgit-status-toggle-diff ()
   "Show or hide the diff of the entry at point."
   (interactive)
@@ -347,39 +352,6 @@ read all changes of a very large working copy would take Emacs seconds."
                  for index from 1
                  do (nebgit-status--line (append part (list :line index))
                                          (nebgit-diff-face line) (nebgit-printable line))))))
-
-;;; Items
-
-(defun nebgit-status-item ()
-  "Return the item of the line of point, or signal a `user-error'."
-  (or (get-text-property (line-beginning-position) 'nebgit-item)
-      (user-error "This line has no entry")))
-
-(defun nebgit-status-items ()
-  "Return the entries to act on, a list of items of one section.
-They are those in the region, those of the section if point is on its heading,
-or the one at point, which may be a hunk."
-  (if (use-region-p)
-      (nebgit-status--items-between (region-beginning) (region-end))
-    (let ((item (nebgit-status-item)))
-      (if (or (plist-get item :path) (not (assq (plist-get item :section) nebgit-status-sections)))
-          (list item)
-        (reverse (plist-get nebgit-status--state
-                            (intern (format ":%s" (plist-get item :section)))))))))
-
-(defun nebgit-status--items-between (begin end)
-  "Return the entries from BEGIN to END that are in the section of the first."
-  (save-excursion
-    (goto-char begin)
-    (let (items)
-      (while (and (< (point) end) (not (eobp)))
-        (let ((item (get-text-property (line-beginning-position) 'nebgit-item)))
-          (when (and (plist-get item :path) (not (plist-get item :hunk)))
-            (push item items)))
-        (forward-line 1))
-      (cl-remove-if-not (lambda (item)
-                          (eq (plist-get item :section) (plist-get (car (last items)) :section)))
-                        (nreverse items)))))
 
 (provide 'nebgit-status)
 ;;; nebgit-status.el ends here

@@ -254,4 +254,27 @@ function tests.LinkLeadsToItsWorkingCopy()
   wait_for_signs({ [1] = "change" })
 end
 
+function tests.WithoutSignsHunksBlameAndWatchWork()
+  harness.configure({ signs = { enabled = false } })
+  harness.commit({ file = "1\n2\n" })
+  local buffer = harness.edit("file")
+  harness.wait(function()
+    return changes.state(buffer) and changes.state(buffer).base
+  end, "the base")
+  set_lines(0, 1, { "one" })
+  harness.wait(function()
+    return #changes.state(buffer).hunks == 1
+  end, "the hunk")
+  harness.equal({}, signs.placed(buffer))
+  harness.wait(function()
+    return require("nebgit.watch").is_active(harness.root)
+  end, "the watch")
+  vim.cmd("NEBGit stage_hunk")
+  wait_for_index("file", "one\n2\n")
+  vim.cmd("silent write | NEBGit blame")
+  harness.wait(function()
+    return #vim.api.nvim_list_wins() == 2
+  end, "the window of the blame")
+end
+
 return tests

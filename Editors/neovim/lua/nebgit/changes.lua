@@ -134,7 +134,7 @@ function M.attach(buffer)
     return M.reload(buffer)
   end
   M.detach(buffer)
-  if not config.options.signs.enabled or vim.bo[buffer].buftype ~= "" or name == "" then
+  if vim.bo[buffer].buftype ~= "" or name == "" then
     return
   end
   local state = { name = name, hunks = {}, timer = uv.new_timer() }

@@ -72,7 +72,9 @@ local function draw(buffer, hunks)
   end)
 end
 
-changes.on_update(draw)
+changes.on_update(function(buffer, hunks)
+  draw(buffer, config.options.signs.enabled and hunks or {})
+end)
 
 -- Defines the colours; a colour scheme or the user may have defined others.
 function M.define_highlights()

@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-#include "nebsc/CommandTest.h"
+#include "nebsc/Commands/HunkTest.h"
 
 namespace neb::test {
 namespace {
@@ -11,30 +11,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-/// A file of 40 lines; the lines with these numbers have another text.
-std::string numberedLines(const std::vector<int>& changed, std::string_view text = "changed\n") {
-    std::string lines;
-    for (int line = 1; line <= 40; ++line) {
-        const bool isChanged = std::find(changed.begin(), changed.end(), line) != changed.end();
-        lines += isChanged ? std::string(text) : "line " + std::to_string(line) + "\n";
-    }
-    return lines;
-}
-
-class HunkDialogue : public CommandTest {
-protected:
-    /// Runs the command with these answers on standard input.
-    [[nodiscard]] NebscOutcome answering(const std::vector<std::string>& arguments,
-                                         const std::string& answers) const {
-        return runNebsc(arguments, {.folder = repository.path(), .input = answers});
-    }
-    void stage(const std::string& answers) const {
-        EXPECT_EQ(answering({"stage", "-p"}, answers).errors, "");
-    }
-    void unstage(const std::string& answers) const {
-        EXPECT_EQ(answering({"unstage", "-p"}, answers).errors, "");
-    }
-};
+class HunkDialogue : public HunkTest {};
 
 TEST_F(HunkDialogue, StagesTheChosenHunks) {
     repository.commitFile("a.c", numberedLines({}));
@@ -44,7 +21,7 @@ TEST_F(HunkDialogue, StagesTheChosenHunks) {
     EXPECT_EQ(outcome.errors, "");
     EXPECT_THAT(outcome.output,
                 AllOf(HasSubstr("diff --git a/a.c b/a.c\n--- a/a.c\n+++ b/a.c\n@@ -1,6 +1,6 @@\n"),
-                      HasSubstr("(1/3) Stage this hunk [y,n,q,a,d,?]? @@ -17,7 +17,7 @@")));
+                      HasSubstr("(1/3) Stage this hunk [y,n,q,a,d,j,J,g,/,?]? @@ -17,7 +17,7 @@")));
     EXPECT_EQ(content("a.c"), numberedLines({20}));
     unstage("y\n");
     EXPECT_EQ(content("a.c"), numberedLines({}));
@@ -69,7 +46,7 @@ TEST_F(HunkDialogue, AppliesTheAnswersBeforeTheEndOfTheInput) {
     repository.write("a", numberedLines({3, 20}));
     const NebscOutcome outcome = answering({"stage", "-p"}, "y\n");
     EXPECT_EQ(outcome.exitStatus, 0);
-    EXPECT_THAT(outcome.output, testing::EndsWith("Stage this hunk [y,n,q,a,d,?]? \n"));
+    EXPECT_THAT(outcome.output, testing::EndsWith("Stage this hunk [y,n,q,a,d,K,g,/,?]? \n"));
     EXPECT_EQ(content("a"), numberedLines({3}));
     stage("");
     EXPECT_EQ(content("a"), numberedLines({3}));
@@ -82,7 +59,7 @@ TEST_F(HunkDialogue, SplitsHunks) {
     EXPECT_THAT(outcome.output,
                 AllOf(HasSubstr("(1/1) Stage this hunk [y,n,q,a,d,s,?]? Split into 3 hunks.\n"
                                 "@@ -7,5 +7,5 @@"),
-                      HasSubstr("(2/3) Stage this hunk [y,n,q,a,d,?]? ")));
+                      HasSubstr("(2/3) Stage this hunk [y,n,q,a,d,K,j,J,g,/,?]? ")));
     EXPECT_EQ(content("a"), numberedLines({12}));
     repository.git({"add", "a"});
     unstage("s\ny\nn\ny\n");
@@ -153,7 +130,7 @@ TEST_F(HunkDialogue, AsksAboutTheModeApartFromTheContent) {
                                  std::filesystem::perm_options::add);
     EXPECT_THAT(answering({"stage", "-p"}, "n\ny\n").output,
                 HasSubstr("old mode 100644\nnew mode 100755\n--- a/a b\t\n+++ b/a b\t\n"
-                          "(1/2) Stage this change of the mode [y,n,q,a,d,?]?"));
+                          "(1/2) Stage this change of the mode [y,n,q,a,d,j,J,g,/,?]?"));
     EXPECT_THAT(repository.git({"ls-files", "--stage"}), HasSubstr("100644"));
     EXPECT_EQ(content("a b"), "2\n");
     stage("y\n");

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "CommandFrame/RecordNames.h"
+#include "Platform/Text.h"
 
 namespace neb::nebsc {
 
@@ -26,10 +27,7 @@ std::string quotedName(std::string_view name) {
         if (letter != std::string_view::npos) {
             quoted.append({'\\', letters[letter]});
         } else if (byte < firstPrintable || byte == deleteCharacter) {
-            const auto digit = [byte](unsigned shift) {
-                return static_cast<char>('0' + ((byte >> shift) & 7U));
-            };
-            quoted.append({'\\', digit(6), digit(3), digit(0)});
+            quoted += octalEscape(character);
         } else {
             quoted += character;
             continue;
@@ -58,10 +56,10 @@ std::int64_t startAt(std::int64_t firstLine, std::int64_t count) {
 }
 
 bool isOnOldSide(const std::string& line) {
-    return !line.starts_with('+') && !line.starts_with('\\');
+    return !line.starts_with('+');
 }
 bool isOnNewSide(const std::string& line) {
-    return !line.starts_with('-') && !line.starts_with('\\');
+    return !line.starts_with('-');
 }
 bool isChanged(const std::string& line) {
     return line.starts_with('+') || line.starts_with('-');
@@ -98,11 +96,17 @@ FileChoices::Hunk FileChoices::hunkOf(const NEBDictionary& record) {
               .groups = {}};
     const auto* lines = record.value(NEBSourceControlOperationLinesKey).array();
     for (std::size_t i = 0; lines != nullptr && i < lines->size(); ++i) {
-        hunk.lines.emplace_back(bytesOfValue((*lines)[i]));
-        const bool continues = !hunk.groups.empty() && hunk.groups.back().end == i;
-        if (isChanged(hunk.lines.back()) && !continues) {
-            hunk.groups.push_back({i, i + 1});
-        } else if (continues && (isChanged(hunk.lines.back()) || hunk.lines.back()[0] == '\\')) {
+        const std::string_view line = bytesOfValue((*lines)[i]);
+        if (line.starts_with('\\') && !hunk.lines.empty()) {
+            hunk.lines.back().append(1, '\n').append(line);
+            continue;
+        }
+        const std::size_t index = hunk.lines.size();
+        hunk.lines.emplace_back(line);
+        if (isChanged(hunk.lines.back())) {
+            if (hunk.groups.empty() || hunk.groups.back().end != index) {
+                hunk.groups.push_back({index, index});
+            }
             ++hunk.groups.back().end;
         }
     }
@@ -130,7 +134,7 @@ FileChoices::Half FileChoices::halfOf(const NEBDictionary& record) {
     return half;
 }
 
-FileChoices::FileChoices(const NEBDictionary& record) {
+FileChoices::FileChoices(const NEBDictionary& record, PatchUse use) : _use(use) {
     const Half& half = _halves.emplace_back(halfOf(record));
     if (half.kind != Kind::hunk) {
         _choices.push_back({.kind = half.kind});
@@ -158,7 +162,8 @@ bool FileChoices::isWhole() const {
 }
 
 bool FileChoices::canSplit(std::size_t choice) const {
-    return _choices[choice].endGroup - _choices[choice].firstGroup > 1;
+    const FileChoice& asked = _choices[choice];
+    return asked.endGroup - asked.firstGroup > 1 && !asked.edited;
 }
 
 std::size_t FileChoices::split(std::size_t choice) {
@@ -172,11 +177,21 @@ std::size_t FileChoices::split(std::size_t choice) {
     return parts.size();
 }
 
-bool FileChoices::isChosen(std::size_t hunk, std::size_t group) const {
-    return std::any_of(_choices.begin(), _choices.end(), [&](const FileChoice& choice) {
-        return choice.kind == Kind::hunk && choice.isChosen && choice.hunk == hunk &&
-               choice.firstGroup <= group && group < choice.endGroup;
-    });
+bool FileChoices::canEdit(std::size_t choice) const {
+    return _choices[choice].kind == Kind::hunk;
+}
+
+bool FileChoices::edit(std::size_t choice, std::string text) {
+    FileChoice& asked = _choices[choice];
+    HunkEdit edit = editOfHunk(text, part(asked).lines, _use);
+    asked.draft = edit.failure.empty() ? "" : std::move(text);
+    asked.draftFailure = std::move(edit.failure);
+    if (!asked.draft.empty() || edit.lines.empty()) {
+        return false;
+    }
+    asked.edited = std::move(edit.lines);
+    asked.decision = Decision::taken;
+    return true;
 }
 
 // ---- text -------------------------------------------------------------------------------------
@@ -223,17 +238,19 @@ FileChoices::Hunk FileChoices::part(const FileChoice& choice) const {
     const std::size_t end = choice.endGroup < whole.groups.size()
                                 ? whole.groups[choice.endGroup].begin
                                 : whole.lines.size();
+    const std::vector<std::string> lines =
+        choice.edited.value_or(std::vector(whole.lines.begin() + static_cast<std::ptrdiff_t>(begin),
+                                           whole.lines.begin() + static_cast<std::ptrdiff_t>(end)));
     const auto rangeFrom = [&](const Range& range, auto isOnSide) {
         const std::int64_t first =
             firstLineOf(range.start, range.count) + countOf(whole.lines, 0, begin, isOnSide);
-        const std::int64_t count = countOf(whole.lines, begin, end, isOnSide);
+        const std::int64_t count = countOf(lines, 0, lines.size(), isOnSide);
         return Range{startAt(first, count), count};
     };
     return {.oldRange = rangeFrom(whole.oldRange, isOnOldSide),
             .newRange = rangeFrom(whole.newRange, isOnNewSide),
             .heading = whole.heading,
-            .lines = {whole.lines.begin() + static_cast<std::ptrdiff_t>(begin),
-                      whole.lines.begin() + static_cast<std::ptrdiff_t>(end)},
+            .lines = lines,
             .groups = {}};
 }
 
@@ -257,44 +274,34 @@ std::string FileChoices::text(std::size_t choice) const {
 
 // ---- the patch --------------------------------------------------------------------------------
 
-std::vector<std::string> FileChoices::chosenLines(std::size_t hunk, PatchUse use) const {
-    const Hunk& whole = _halves.front().hunks[hunk];
-    const char kept = use == PatchUse::forward ? '-' : '+';
-    std::vector<std::string> lines;
-    std::size_t group = 0;
-    bool isLeftOut = false;  // the line before, so that the note about its end goes, too
-    for (std::size_t i = 0; i < whole.lines.size(); ++i) {
-        const std::string& line = whole.lines[i];
-        if (!line.starts_with('\\')) {
-            group += group < whole.groups.size() && whole.groups[group].end <= i ? 1 : 0;
-            isLeftOut = isChanged(line) && !isChosen(hunk, group);
-            if (isLeftOut && line.front() == kept) {
-                lines.push_back(" " + line.substr(1));
-                isLeftOut = false;
-                continue;
-            }
-        }
-        if (!isLeftOut) {
-            lines.push_back(line);
+std::vector<std::string> FileChoices::chosenLines(std::size_t hunk) const {
+    Hunk whole = _halves.front().hunks[hunk];
+    HunkChange change(whole.lines, _use);
+    change.clear();
+    for (const FileChoice& choice : _choices) {
+        if (choice.kind == Kind::hunk && choice.hunk == hunk &&
+            choice.decision == Decision::taken) {
+            Hunk taken = part(choice);
+            const auto firstLine = [this](Hunk& of) {
+                return firstLineOf(fileRange(of).start, fileRange(of).count);
+            };
+            change.add(HunkChange(taken.lines, _use),
+                       static_cast<std::size_t>(firstLine(taken) - firstLine(whole)));
         }
     }
-    return lines;
+    return change.lines();
 }
 
 /// The side that the patch is applied to keeps its lines and their numbers.
-std::optional<FileChoices::Hunk> FileChoices::chosenOf(std::size_t hunk, PatchUse use,
+std::optional<FileChoices::Hunk> FileChoices::chosenOf(std::size_t hunk,
                                                        std::int64_t& delta) const {
-    const Hunk& whole = _halves.front().hunks[hunk];
-    Hunk chosen{.oldRange = whole.oldRange,
-                .newRange = whole.newRange,
-                .heading = whole.heading,
-                .lines = chosenLines(hunk, use),
-                .groups = {}};
+    Hunk chosen = _halves.front().hunks[hunk];
+    chosen.lines = chosenLines(hunk);
     if (std::none_of(chosen.lines.begin(), chosen.lines.end(), isChanged)) {
         return std::nullopt;
     }
-    const bool isForward = use == PatchUse::forward;
-    Range& fixed = isForward ? chosen.oldRange : chosen.newRange;
+    const bool isForward = _use == PatchUse::forward;
+    const Range& fixed = fileRange(chosen);
     Range& moved = isForward ? chosen.newRange : chosen.oldRange;
     const std::size_t size = chosen.lines.size();
     moved.count = countOf(chosen.lines, 0, size, isForward ? isOnNewSide : isOnOldSide);
@@ -303,21 +310,22 @@ std::optional<FileChoices::Hunk> FileChoices::chosenOf(std::size_t hunk, PatchUs
     return chosen;
 }
 
-std::string FileChoices::patch(PatchUse use) const {
+std::string FileChoices::patch() const {
     std::string text;
+    const bool isFirstTaken = _choices.front().decision == Decision::taken;
     if (isWhole()) {
-        return _choices.front().isChosen ? header() + this->text(0) : text;
+        return isFirstTaken ? header() + this->text(0) : text;
     }
     std::int64_t delta = 0;
     for (std::size_t i = 0; i < _halves.front().hunks.size(); ++i) {
-        if (const auto hunk = chosenOf(i, use, delta)) {
+        if (const auto hunk = chosenOf(i, delta)) {
             text += textOf(*hunk);
         }
     }
     Half half = _halves.front();
-    const bool isFileChanged = half.kind != Kind::hunk && _choices.front().isChosen;
+    const bool isFileChanged = half.kind != Kind::hunk && isFirstTaken;
     if (!isFileChanged) {
-        const bool isForward = use == PatchUse::forward;
+        const bool isForward = _use == PatchUse::forward;
         half.oldPath = half.newPath = isForward ? half.oldPath : half.newPath;
         half.oldMode = half.newMode = "";
     }

@@ -1,8 +1,8 @@
 // FileChoices.h - the changes of a file, some of which are chosen, and the patch of those.
 //
-//     FileChoices file(record);              // of request type 1004
-//     file.choose(0, true);
-//     file.patch(PatchUse::forward);         // for git-apply(1)
+//     FileChoices file(record, PatchUse::forward);   // of request type 1004
+//     file.decide(0, Decision::taken);
+//     file.patch();                                  // for git-apply(1)
 //
 // The changed lines of a hunk that are not chosen become unchanged lines or are left out, so each
 // hunk of the patch keeps all its context, in whatever way it was split.
@@ -14,12 +14,13 @@
 #include <string_view>
 #include <vector>
 
+#include "CommandFrame/HunkChange.h"
 #include "NEBFoundation/NEBDictionary.h"
 
 namespace neb::nebsc {
 
-/// Whether a patch is applied to the old side of the changes, or in reverse to the new side.
-enum class PatchUse { forward, reverse };
+/// Whether a change becomes part of the patch.
+enum class Decision { open, taken, left };
 
 /// One question about a file.
 struct FileChoice {
@@ -28,26 +29,36 @@ struct FileChoice {
     Kind kind = Kind::hunk;
     /// The hunk, and the groups of changed lines [firstGroup, endGroup) in it. Only for a hunk.
     std::size_t hunk = 0, firstGroup = 0, endGroup = 0;
-    bool isChosen = false;
+    Decision decision = Decision::open;
+    /// The lines that the user has made of the hunk; see HunkChange.h.
+    std::optional<std::vector<std::string>> edited{};
+    /// A text of the user that does not apply, and why.
+    std::string draft{}, draftFailure{};
 };
 
 /// A mutable value. Not thread-safe.
 class FileChoices {
 public:
-    /// Takes a record of request type 1004 that has hunks. Copies it.
-    explicit FileChoices(const NEBDictionary& record);
+    /// Takes a record of request type 1004 that has hunks, and how the patch is applied. Copies it.
+    FileChoices(const NEBDictionary& record, PatchUse use);
 
     /// Adds the record that follows. Returns false, and does nothing, unless both are the halves of
     /// a change of type: of a file that became a symbolic link, for example.
     bool addHalfOfTypeChange(const NEBDictionary& record);
 
+    [[nodiscard]] PatchUse use() const { return _use; }
     /// The bytes of the path on the new side.
     [[nodiscard]] const std::string& path() const { return _halves.front().newPath; }
     [[nodiscard]] const std::vector<FileChoice>& choices() const { return _choices; }
-    void choose(std::size_t choice, bool isChosen) { _choices[choice].isChosen = isChosen; }
+    void decide(std::size_t choice, Decision decision) { _choices[choice].decision = decision; }
     [[nodiscard]] bool canSplit(std::size_t choice) const;
     /// Replaces a choice by one for each group of changed lines. Returns their number.
     std::size_t split(std::size_t choice);
+    [[nodiscard]] bool canEdit(std::size_t choice) const;
+    /// Replaces a hunk by what the user has made of it, and takes it. Keeps a text that does not
+    /// apply as the draft. Returns false then, and for a text without lines: this leaves the hunk
+    /// as it is, and drops the draft.
+    bool edit(std::size_t choice, std::string text);
 
     /// Returns the lines of a patch that name the file, with their ends.
     [[nodiscard]] std::string header() const;
@@ -55,7 +66,7 @@ public:
     /// header().
     [[nodiscard]] std::string text(std::size_t choice) const;
     /// Returns the patch of the chosen changes; empty without any.
-    [[nodiscard]] std::string patch(PatchUse use) const;
+    [[nodiscard]] std::string patch() const;
 
 private:
     /// Changed lines without an unchanged one between them: [begin, end) of the lines of a hunk.
@@ -68,7 +79,7 @@ private:
     struct Hunk {
         Range oldRange, newRange;
         std::string heading;
-        /// As in a patch, without their ends.
+        /// See HunkChange.h.
         std::vector<std::string> lines;
         std::vector<Group> groups;
     };
@@ -89,15 +100,17 @@ private:
     /// Returns the part of a hunk that a choice stands for, with the unchanged lines around it.
     [[nodiscard]] Hunk part(const FileChoice& choice) const;
     /// Returns the lines of a hunk without the changes that are not chosen.
-    [[nodiscard]] std::vector<std::string> chosenLines(std::size_t hunk, PatchUse use) const;
+    [[nodiscard]] std::vector<std::string> chosenLines(std::size_t hunk) const;
     /// Returns the hunk without the changes that are not chosen; absent if none is. `delta` is the
     /// number of lines that the hunks of the patch before it add; its own are added to it.
-    [[nodiscard]] std::optional<Hunk> chosenOf(std::size_t hunk, PatchUse use,
-                                               std::int64_t& delta) const;
-    /// Returns whether a group of a hunk is chosen.
-    [[nodiscard]] bool isChosen(std::size_t hunk, std::size_t group) const;
+    [[nodiscard]] std::optional<Hunk> chosenOf(std::size_t hunk, std::int64_t& delta) const;
     [[nodiscard]] bool isWhole() const;
+    /// The side of a hunk that the patch is applied to.
+    [[nodiscard]] Range& fileRange(Hunk& hunk) const {
+        return _use == PatchUse::forward ? hunk.oldRange : hunk.newRange;
+    }
 
+    PatchUse _use;
     std::vector<Half> _halves;
     std::vector<FileChoice> _choices;
 };

@@ -7,13 +7,14 @@
 #include <string_view>
 
 #include "CommandFrame/FileChoices.h"
-#include "Session/Interruption.h"
+#include "CommandFrame/GitQueries.h"
+#include "Commands/HunkKeys.h"
 #include "Terminal/Colour.h"
 #include "Terminal/PatchText.h"
 
 namespace neb::nebsc {
 
-/// Asks about one file after the other. Not thread-safe.
+/// Asks about one file after the other. For the main thread.
 class HunkDialogue {
 public:
     enum class Result {
@@ -28,30 +29,44 @@ public:
     };
 
     /// `verb` is what is asked for: "Stage". Reads standard input, and writes to the descriptor.
-    HunkDialogue(Interruption& interruption, std::string_view verb, int descriptor,
-                 bool isColoured);
+    HunkDialogue(const GitQueries& git, std::string_view verb, int descriptor, bool isColoured);
 
-    /// Asks about each change of the file, and notes in it which are chosen.
+    /// Asks about each change of the file, and notes in it which are taken.
     [[nodiscard]] Result ask(FileChoices& file);
 
 private:
-    /// What follows from an answer.
-    enum class Next { choice, file, again, end, interruption, failure };
+    /// The change that is asked about; after the last one if all are decided.
+    struct Place {
+        FileChoices& file;
+        std::size_t choice = 0;
+    };
+    /// What follows from an answer: the next question, or the end.
+    enum class Next { question, end, interruption, failure };
 
-    /// Shows a change and asks about it.
-    [[nodiscard]] Next askAbout(FileChoices& file, std::size_t choice);
-    [[nodiscard]] Next answer(FileChoices& file, std::size_t choice, char letter);
-    [[nodiscard]] std::string question(const FileChoices& file, std::size_t choice) const;
-    [[nodiscard]] std::string help(const FileChoices& file, std::size_t choice) const;
-    /// Notes the same for a choice and all after it.
-    static void chooseRest(FileChoices& file, std::size_t choice, bool isChosen);
+    /// Shows the change and asks about it.
+    [[nodiscard]] Next askAbout(Place& place);
+    /// Carries out an answer, and goes to the change that is asked about next.
+    [[nodiscard]] Next carryOut(const HunkAnswer& answer, Place& place);
+    /// Carries out the answers that go to another change: 'j', 'J', 'k', 'K', 'g' and '/'.
+    [[nodiscard]] Next go(const HunkAnswer& answer, Place& place);
+    [[nodiscard]] Next split(Place& place);
+    [[nodiscard]] Next edit(Place& place);
+    /// Decides a change and, for 'a' and 'd', the later ones that are not decided.
+    static void decide(char key, Place& place);
+
+    [[nodiscard]] HunkQuestion questionAt(const Place& place) const;
+    /// Asks for a line, and stores it.
+    [[nodiscard]] Next ask(const std::string& question, std::string& answer);
+    /// Writes lines that are no part of a change; the last one without its end.
+    [[nodiscard]] Next say(const std::string& text, Colour colour = Colour::boldRed);
     [[nodiscard]] std::string emphasized(const std::string& text, Colour colour) const;
     [[nodiscard]] bool write(const std::string& text) const;
 
-    Interruption& _interruption;
+    const GitQueries& _git;
     std::string _verb;
     int _descriptor;
     bool _isColoured;
+    bool _hasEditor;
     PatchText _patchText;
 };
 

@@ -1,14 +1,12 @@
 #include "Commands/MessageEditing.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include "CommandFrame/FailureText.h"
+#include "Commands/TextEditing.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
-#include "Session/Editor.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -29,11 +27,6 @@ Comments commentsOf(std::string_view cleanup) {
         return Comments::cutOff;
     }
     return cleanup == "default" || cleanup == "strip" ? Comments::removed : Comments::kept;
-}
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool isBlank(std::string_view text) {
@@ -61,7 +54,6 @@ private:
     [[nodiscard]] bool isScissors(std::string_view line) const;
     /// Writes the file, starts the editor and reads the file again.
     [[nodiscard]] EditedMessage edited(const std::string& text);
-    [[nodiscard]] std::string fileOfGit(const std::string& name) const;
 
     const GitQueries& _git;
     const CommitToDescribe& _commit;
@@ -98,27 +90,20 @@ std::optional<CommandOutput> MessageEditing::describe() {
                              NEBSourceControlNothingToCommitErrorClass);
 }
 
-std::string MessageEditing::fileOfGit(const std::string& name) const {
-    const std::string path =
-        _git.outputOf({"rev-parse", "--git-path", name}).value_or(".git/" + name);
-    return path.starts_with('/') ? path
-                                 : pathByAppendingComponent(_git.workingCopy().location, path);
-}
-
 std::string MessageEditing::initialText() {
     if (_commit.isAmending) {
         return std::string(_git.run({"log", "-1", "--format=%B", "HEAD", "--"}).output);
     }
     for (const char* name : {"MERGE_MSG", "SQUASH_MSG"}) {
-        if (std::string text = contentOf(fileOfGit(name)); !text.empty()) {
+        if (std::string text = contentOfFile(pathOfGitFile(_git, name)); !text.empty()) {
             return text;
         }
     }
     const auto path = _git.outputOf({"config", "--type=path", "--get", "commit.template"});
     _isTemplate = path.has_value();
-    return path ? contentOf(path->starts_with('/')
-                                ? *path
-                                : pathByAppendingComponent(_git.workingCopy().location, *path))
+    return path ? contentOfFile(path->starts_with('/')
+                                    ? *path
+                                    : pathByAppendingComponent(_git.workingCopy().location, *path))
                 : "";
 }
 
@@ -191,24 +176,17 @@ std::string MessageEditing::withoutComments(std::string_view text) const {
 }
 
 EditedMessage MessageEditing::edited(const std::string& text) {
-    const std::string file = fileOfGit("COMMIT_EDITMSG");
-    std::ofstream stream(file, std::ios::binary);
-    if (!(stream << text << std::flush)) {
-        return {.refused = refusal("The file " + inQuotes(file) + " cannot be written.", exitFailed,
-                                   NEBSourceControlIOErrorClass)};
+    const EditedText edited = editText(_git, "COMMIT_EDITMSG", text);
+    if (edited.errorClass == NEBSourceControlIOErrorClass) {
+        return {.refused = refusal(edited.failure + ".", exitFailed, edited.errorClass)};
     }
-    const std::string& folder = _git.workingCopy().location;
-    const EditorChoice editor = editorOfUser(_git.interruption(), folder);
-    const std::string failure = editor.command.empty()
-                                    ? "There is no editor: " + editor.failure
-                                    : edit(_git.interruption(), editor.command, file, folder);
-    if (!failure.empty()) {
+    if (!edited.failure.empty()) {
         return {.refused = refusalWithAdvice(
-                    failure + "; nothing was committed.",
+                    edited.failure + "; nothing was committed.",
                     "The option '--message' takes the message from the command line.",
-                    NEBSourceControlEditorFailedErrorClass)};
+                    edited.errorClass)};
     }
-    return {.text = withoutComments(contentOf(file)), .file = file};
+    return {.text = withoutComments(edited.text), .file = edited.file};
 }
 
 EditedMessage MessageEditing::run() {

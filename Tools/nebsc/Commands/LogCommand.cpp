@@ -50,7 +50,8 @@ constexpr HistoryOption texts[] = {
     {"--until", NEBSourceControlRequestOptionUntil},
 };
 
-/// Those that leave out commits between others, so that the graph would have gaps.
+/// Those that leave out commits between others. Whether the parent of a commit is left out is not
+/// known before git comes to it, after the line to it was drawn; git-log(1) draws no lines then.
 constexpr std::string_view searches[] = {"--author", "--grep", "--content", "--follow"};
 
 class LogTask : public CommandTask {
@@ -157,7 +158,9 @@ void LogTask::checkCombinations() const {
     for (const std::string_view search : searches) {
         if (arguments().has(search)) {
             throw invalidArguments("option '--graph' cannot be combined with '" +
-                                   std::string(search) + "'");
+                                   std::string(search) +
+                                   "', which leaves out the commits that connect the others; "
+                                   "without '--graph', it lists what it finds");
         }
     }
 }

@@ -5,6 +5,8 @@
 namespace neb::test {
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -76,6 +78,33 @@ TEST_F(FinishCommands, StopAtTheNextConflict) {
     resolve();
     EXPECT_THAT(nebsc({"continue"}).output, MatchesRegex("Continued the rebase; now at .*\n"));
     EXPECT_EQ(repository.git({"symbolic-ref", "HEAD"}), "refs/heads/topic\n");
+}
+
+TEST_F(FinishCommands, AnEmptyCommitCanBeSkipped) {
+    const std::string main = head();
+    EXPECT_NE(repository.gitStatus({"cherry-pick", "HEAD"}), 0);
+    EXPECT_THAT(nebsc({"status"}).output,
+                HasSubstr("\nUnfinished: a cherry-pick\n"
+                          "  'nebsc continue' resumes it, 'nebsc skip' leaves the commit out, "
+                          "'nebsc abort' cancels it.\n"));
+    expectFailed(nebsc({"continue"}), AllOf(HasSubstr("there is nothing to commit\n"),
+                                            EndsWith("'nebsc skip' leaves the commit out.\n")));
+    expectDone(nebsc({"skip"}),
+               "Skipped a commit of the cherry-pick; now at " + main.substr(0, 12) + ".\n");
+    EXPECT_EQ(head(), main);
+}
+
+TEST_F(FinishCommands, FinishWhatGitAmHasBegun) {
+    repository.write(".git/patch", repository.git({"format-patch", "--stdout", "main..topic"}));
+    EXPECT_NE(repository.gitStatus({"am", "--quiet", "-3", ".git/patch"}), 0);
+    EXPECT_THAT(nebsc({"status"}).output,
+                HasSubstr("\nUnfinished: git am, step 1 of 2\n"
+                          "  'nebsc continue' resumes it, 'nebsc skip' leaves the patch out, "
+                          "'nebsc abort' cancels it.\n"));
+    repository.git({"checkout", "--quiet", "HEAD", "src/a.c"});
+    expectFailed(nebsc({"continue"}), EndsWith("'nebsc skip' leaves the patch out.\n"));
+    EXPECT_THAT(nebsc({"skip"}).output, MatchesRegex("Skipped a patch of git am; now at .*\n"));
+    EXPECT_TRUE(isThere("b.c"));
 }
 
 TEST_F(FinishCommands, SayWhatIsMissing) {

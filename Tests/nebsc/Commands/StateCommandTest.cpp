@@ -111,7 +111,8 @@ TEST_F(StateCommand, ShowsTheStepOfARebase) {
     const std::string output = nebsc({"status"}).output;
     EXPECT_THAT(output, StartsWith("HEAD is detached at "));
     EXPECT_THAT(output, HasSubstr("\nUnfinished: a rebase, step 1 of 2\n"
-                                  "  'nebsc continue' resumes it, 'nebsc abort' cancels it.\n"));
+                                  "  'nebsc continue' resumes it, 'nebsc skip' leaves the commit "
+                                  "out, 'nebsc abort' cancels it.\n"));
 }
 
 TEST_F(StateCommand, FindsAnOperationInALinkedWorktree) {

@@ -14,17 +14,20 @@ struct Row {
     UnfinishedWork work;
 };
 
+constexpr std::string_view finishesCommit =
+    "'nebsc continue' resumes it, 'nebsc skip' leaves the commit out, 'nebsc abort' cancels it.";
+
 /// The files that git keeps in the repository's folder while an operation is in progress.
 constexpr std::array<Row, 7> rows{{
-    {"rebase-merge", {"a rebase", "'nebsc continue' resumes it, 'nebsc abort' cancels it.", true}},
-    {"rebase-apply/rebasing",
-     {"a rebase", "'nebsc continue' resumes it, 'nebsc abort' cancels it.", true}},
+    {"rebase-merge", {"a rebase", finishesCommit, true}},
+    {"rebase-apply/rebasing", {"a rebase", finishesCommit, true}},
     {"rebase-apply/applying",
-     {"git am", "'git am --continue' resumes it, 'git am --abort' cancels it.", true}},
+     {"git am",
+      "'nebsc continue' resumes it, 'nebsc skip' leaves the patch out, 'nebsc abort' cancels it.",
+      true}},
     {"MERGE_HEAD", {"a merge", "'nebsc commit' completes it, 'nebsc abort' cancels it."}},
-    {"CHERRY_PICK_HEAD",
-     {"a cherry-pick", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
-    {"REVERT_HEAD", {"a revert", "'nebsc continue' resumes it, 'nebsc abort' cancels it."}},
+    {"CHERRY_PICK_HEAD", {"a cherry-pick", finishesCommit}},
+    {"REVERT_HEAD", {"a revert", finishesCommit}},
     {"BISECT_LOG", {"a bisection", "'git bisect reset' ends it.", false, true}},
 }};
 

@@ -24,16 +24,14 @@ protected:
     /// Asks what is under way; without an answer, the request reports the failure. Refuses to skip
     /// a merge.
     std::optional<CommandOutput> validate() override;
+    /// Returns whether patches of mails are applied; see git-am(1).
+    [[nodiscard]] bool isApplying() const { return _kind == "apply"; }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
-    std::string subject() const override { return "the " + _kind; }
+    std::string subject() const override { return isApplying() ? "git am" : "the " + _kind; }
     std::string textOfSuccess(const Outcome& /*outcome*/) override {
-        return done() + " the " + _kind + endWithCommit();
+        return done() + " " + subject() + endWithCommit();
     }
-    std::string adviceFor(const NEBSourceControlError& error) const override {
-        return error.errorClass == NEBSourceControlConflictUnresolvedErrorClass
-                   ? "'nebsc stage' marks a file as resolved."
-                   : "";
-    }
+    std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
     std::string _kind;
@@ -53,6 +51,17 @@ std::optional<CommandOutput> FinishTask::validate() {
                                     NEBSourceControlRequestInvalidErrorClass);
     addAdvice(refused, "'nebsc continue' or 'nebsc abort' ends it.");
     return refused;
+}
+
+std::string FinishTask::adviceFor(const NEBSourceControlError& error) const {
+    if (error.errorClass == NEBSourceControlConflictUnresolvedErrorClass) {
+        return "'nebsc stage' marks a file as resolved.";
+    }
+    if (isApplying() && std::string_view(action()) == "continue") {
+        return "'nebsc skip' leaves the patch out.";
+    }
+    const bool isEmptied = error.errorClass == NEBSourceControlNothingToCommitErrorClass;
+    return isEmptied && _kind != "merge" ? "'nebsc skip' leaves the commit out." : "";
 }
 
 std::shared_ptr<NEBSourceControlRequest> FinishTask::makeRequest() {
@@ -76,7 +85,9 @@ public:
 
 protected:
     const char* action() const override { return "skip"; }
-    std::string done() const override { return "Skipped a commit of"; }
+    std::string done() const override {
+        return isApplying() ? "Skipped a patch of" : "Skipped a commit of";
+    }
 };
 
 class AbortTask : public FinishTask {

@@ -171,17 +171,36 @@ UNTRACKED means that they are deleted."
   (interactive)
   (nebgit-act 'finish '(:Action "continue") "continue"))
 
+(defun nebgit--finish-operation (action question)
+  "Carry out ACTION, \"skip\" or \"abort\", if the user agrees.
+QUESTION is asked with the kind of the operation in place of %s."
+  (let ((root (nebgit-need-root)))
+    (nebgit-perform
+     (nebgit-request 'operation root)
+     :success
+     (lambda (records _)
+       (let ((kind (nebgit-field (car (nebgit-status--operations records)) Kind)))
+         (cond
+          ((member action (nebgit-status--actions kind))
+           (nebgit-later
+            (lambda ()
+              (when (yes-or-no-p (format question kind))
+                (let ((default-directory root))
+                  (nebgit-act 'finish (list :Action action) action))))))
+          ((nebgit-status--actions kind)
+           (message "NEBGit: a %s has no commits to %s" kind action))
+          (t
+           (message "NEBGit: there is no merge, rebase, cherry-pick or revert to %s" action))))))))
+
 (defun nebgit-skip ()
   "Leave out the current commit of the unfinished rebase, cherry-pick or revert."
   (interactive)
-  (when (yes-or-no-p "Leave out the commit that is being applied? ")
-    (nebgit-act 'finish '(:Action "skip") "skip")))
+  (nebgit--finish-operation "skip" "Leave out the commit that is being applied by the %s? "))
 
 (defun nebgit-abort ()
   "Abort the unfinished operation; what was resolved is lost."
   (interactive)
-  (when (yes-or-no-p "Abort the operation and lose what was resolved? ")
-    (nebgit-act 'finish '(:Action "abort") "abort")))
+  (nebgit--finish-operation "abort" "Abort the %s and lose what was resolved? "))
 
 ;;; Remotes
 

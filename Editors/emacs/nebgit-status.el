@@ -301,7 +301,16 @@ read all changes of a very large working copy would take Emacs seconds."
     (concat "Unfinished " (nebgit-field operation Kind)
             (when id (format " of %s" (substring id 0 10)))
             (when (and step count) (format ", step %d of %d" step count))
-            ": C continue, S skip, A abort")))
+            (when-let ((actions (nebgit-status--actions (nebgit-field operation Kind))))
+              (concat ": " (mapconcat (lambda (action)
+                                        (concat (upcase (substring action 0 1)) " " action))
+                                      actions ", "))))))
+
+(defun nebgit-status--actions (kind)
+  "Return the actions that can finish an operation of KIND; a merge has no commits."
+  (cond
+   ((equal kind "merge") '("continue" "abort"))
+   ((member kind '("rebase" "apply" "cherry-pick" "revert")) '("continue" "skip" "abort"))))
 
 (defun nebgit-status--draw-section (section heading)
   "Insert SECTION under HEADING, if it has entries."

@@ -236,6 +236,9 @@
     (test-with-status
       (test-answering "topic" (test-until "Unfinished merge" (nebgit-merge)))
       (should (string-match-p "Conflicts (1)\nboth modified a\\.txt" (test-text)))
+      (should (string-match-p "Unfinished merge.*: C continue, A abort$" (test-text)))
+      (nebgit-skip)
+      (test-wait (string-match-p "a merge has no commits to skip" (test-messages)))
       (test-answering t (test-until (not "Unfinished merge") (nebgit-abort)))
       (test-answering "topic" (test-until "Unfinished merge" (nebgit-merge)))
       (test-write "a.txt" "both")
@@ -243,6 +246,16 @@
       (test-until (not "Conflicts") (nebgit-stage))
       (test-until (not "Unfinished merge") (nebgit-continue))
       (should (string-match-p "Merge branch 'topic'" (test-git "log" "-1" "--format=%s"))))))
+
+(ert-deftest status-asks-nothing-without-an-operation ()
+  (test-with-repository
+    (test-commit-file "a.txt" "One" "one")
+    (test-with-status
+      (dolist (action '("skip" "abort"))
+        (funcall (intern (concat "nebgit-" action)))
+        (test-wait (string-match-p
+                    (concat "there is no merge, rebase, cherry-pick or revert to " action)
+                    (test-messages)))))))
 
 (defmacro test-with-remote (&rest body)
   "Run BODY in the status of a repository with the empty remote shared.git."

@@ -316,13 +316,16 @@ function tests.ConflictIsResolvedAndContinued()
   harness.commit({ file = "main\n" }, "Main")
   pcall(harness.git, "merge", "--quiet", "side")
   open_status()
-  harness.go_to("Unfinished: merge")
+  harness.go_to("(rc continue, ra abort)")
+  harness.press("rs")
+  harness.wait_for_message("a merge cannot be skipped")
   harness.answers = { "Abort" }
   harness.press("ra")
   wait_for_lines(clean)
   pcall(harness.git, "rebase", "--quiet", "side")
   harness.press("R")
   harness.go_to("Unfinished: rebase, step 1 of 1")
+  harness.go_to("(rc continue, rs skip, ra abort)")
   harness.write("file", "both\n")
   go_and_press("both modified", "s")
   harness.go_to("Staged (1)")
@@ -330,6 +333,18 @@ function tests.ConflictIsResolvedAndContinued()
   harness.wait_for_message("continued")
   wait_for_lines(clean)
   harness.equal("Main\nSide\nChange files", harness.git("log", "--format=%s"))
+end
+
+function tests.NothingIsAskedWithoutAnOperation()
+  harness.commit({ file = "1\n" })
+  open_status()
+  harness.answers = { "Abort", "Skip" }
+  for key, action in pairs({ ra = "abort", rs = "skip" }) do
+    harness.press(key)
+    harness.wait_for_message("there is no merge, rebase, cherry-pick or revert to " .. action)
+  end
+  harness.equal({ "Abort", "Skip" }, harness.answers)
+  harness.answers = {}
 end
 
 function tests.ManyPathsAreShownInPart()

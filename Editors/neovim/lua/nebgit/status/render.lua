@@ -4,6 +4,7 @@ local M = {}
 local diff_text = require("nebgit.diff_text")
 local model_of = require("nebgit.status.model")
 local names = require("nebgit.names")
+local operations = require("nebgit.operations")
 local scratch = require("nebgit.scratch")
 
 local function branch_line(head)
@@ -34,7 +35,13 @@ local function operation_line(operation)
   if operation.ObjectID then
     line = ("%s, commit %s"):format(line, operation.ObjectID:sub(1, 12))
   end
-  return line .. " (rc continue, rs skip, ra abort)"
+  local keys = {}
+  for _, action in ipairs({ "continue", "skip", "abort" }) do
+    if operations.allows(operation.Kind, action) then
+      keys[#keys + 1] = ("r%s %s"):format(action:sub(1, 1), action)
+    end
+  end
+  return #keys == 0 and line or ("%s (%s)"):format(line, table.concat(keys, ", "))
 end
 
 -- Returns the line of an entry.

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "Doctor/IndexFile.h"
 #include "Doctor/LockFiles.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "Platform/ChildProcess.h"
@@ -101,6 +102,25 @@ TEST_F(DoctorCommand, AnUnreadableIndexIsAProblem) {
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("git cannot read it: "));
+}
+
+TEST_F(DoctorCommand, ADamagedIndexIsAProblem) {
+    repository.commitFile("a.c", "1\n");
+    const std::string bytes = nebsc::indexBytesAt(repository.path(".git/index")).value_or("");
+    std::string damaged = bytes;
+    constexpr std::size_t inAnEntry = 60;
+    damaged[inAnEntry] = static_cast<char>(~damaged[inAnEntry]);
+    for (const std::string& index : {damaged, bytes.substr(0, bytes.size() - 1)}) {
+        repository.write(".git/index", index);
+        EXPECT_EQ(repository.gitStatus({"ls-files"}), 0);
+        const auto found = findings("index");
+        ASSERT_EQ(found.size(), 1U);
+        EXPECT_EQ(found[0]["health"], "problem");
+        EXPECT_EQ(found[0]["text"], "is damaged: its hash is wrong");
+        EXPECT_THAT(found[0]["advice"].get<std::string>(), HasSubstr("git reset"));
+    }
+    repository.write(".git/index", bytes);
+    EXPECT_EQ(findings("index")[0]["health"], "ok");
 }
 
 TEST_F(DoctorCommand, AnUnreadableHEADCommitIsAProblem) {

@@ -63,5 +63,32 @@ TEST_F(IndexFile, IsAbsentForOtherBytes) {
     EXPECT_FALSE(indexFileIn(header + "UNTR" + std::string(20, 'x'), 20)->hasUntrackedCache);
 }
 
+TEST_F(IndexFile, EndsWithItsHash) {
+    using nebsc::hasIntactHash;
+    EXPECT_FALSE(nebsc::indexBytesAt(repository.path("nosuch")).has_value());
+    repository.write("a", "");
+    repository.git({"add", "."});
+    const std::string bytes = nebsc::indexBytesAt(repository.path(".git/index")).value_or("");
+    EXPECT_TRUE(hasIntactHash(bytes));
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        std::string damaged = bytes;
+        damaged[i] = static_cast<char>(damaged[i] ^ 1);
+        EXPECT_FALSE(hasIntactHash(damaged)) << i;
+        EXPECT_FALSE(hasIntactHash(bytes.substr(0, i))) << i;
+    }
+    EXPECT_TRUE(hasIntactHash(bytes.substr(0, bytes.size() - 20) + std::string(20, '\0')));
+}
+
+TEST(IndexFileOfSHA256, EndsWithItsHash) {
+    const TestRepository repository;
+    repository.git({"init", "--quiet", "--object-format=sha256", "inner"});
+    repository.write("inner/a", "");
+    repository.git({"-C", repository.path("inner"), "add", "."});
+    std::string bytes = nebsc::indexBytesAt(repository.path("inner/.git/index")).value_or("");
+    EXPECT_TRUE(nebsc::hasIntactHash(bytes));
+    bytes[20] = static_cast<char>(bytes[20] ^ 1);
+    EXPECT_FALSE(nebsc::hasIntactHash(bytes));
+}
+
 }  // namespace
 }  // namespace neb::test

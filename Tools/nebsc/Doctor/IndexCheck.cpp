@@ -1,4 +1,5 @@
 #include "Doctor/Checks.h"
+#include "Doctor/IndexFile.h"
 #include "Session/GitProgram.h"
 #include "Terminal/ShellText.h"
 
@@ -9,6 +10,21 @@ std::string adviceOnDamagedIndex(Examination& examination) {
            " && git reset (files stay as they are; what was staged is no longer staged)";
 }
 
+namespace {
+
+/// git reads a damaged index in spite of its wrong hash.
+void checkHash(Examination& examination) {
+    const std::optional<std::string> bytes = indexBytesAt(examination.gitPath("index"));
+    if (bytes && !hasIntactHash(*bytes)) {
+        examination.add(Health::problem, "index", "is damaged: its hash is wrong",
+                        adviceOnDamagedIndex(examination));
+    } else {
+        examination.add(Health::ok, "index", "is readable");
+    }
+}
+
+}  // namespace
+
 void checkIndex(Examination& examination) {
     if (examination.repository->workingCopy.empty()) {
         return;
@@ -16,7 +32,7 @@ void checkIndex(Examination& examination) {
     // No tracked file has this name; git reads the whole index to find out.
     const ChildOutcome outcome = examination.query({"ls-files", "--", ":(top,literal).git"});
     if (outcome.status.isSuccess()) {
-        examination.add(Health::ok, "index", "is readable");
+        checkHash(examination);
         return;
     }
     const std::string reason = reasonOf(outcome);

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <fstream>
+#include <utility>
+
+#include "Doctor/SecureHash.h"
 
 namespace neb::nebsc {
 
@@ -52,13 +55,29 @@ std::optional<IndexFile> indexFileIn(std::string_view bytes, std::size_t hashSiz
                      .hasUntrackedCache = hasExtension(extensions, "UNTR")};
 }
 
-std::optional<IndexFile> indexFileAt(const std::string& path, std::size_t hashSize) {
+bool hasIntactHash(std::string_view bytes) {
+    constexpr std::size_t sha1Size = 20;
+    constexpr std::size_t sha256Size = 32;
+    const auto endsWithHash = [bytes](std::size_t size, std::string (*hashOf)(std::string_view)) {
+        return bytes.size() >= size &&
+               bytes.ends_with(hashOf(bytes.substr(0, bytes.size() - size)));
+    };
+    return bytes.ends_with(std::string(sha1Size, '\0')) || endsWithHash(sha1Size, sha1Of) ||
+           endsWithHash(sha256Size, sha256Of);
+}
+
+std::optional<std::string> indexBytesAt(const std::string& path) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : 0;
     std::string bytes(static_cast<std::size_t>(std::max<std::streamoff>(size, 0)), '\0');
     file.seekg(0);
     file.read(bytes.data(), size);
-    return file ? indexFileIn(bytes, hashSize) : std::nullopt;
+    return file ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+std::optional<IndexFile> indexFileAt(const std::string& path, std::size_t hashSize) {
+    const std::optional<std::string> bytes = indexBytesAt(path);
+    return bytes ? indexFileIn(*bytes, hashSize) : std::nullopt;
 }
 
 }  // namespace neb::nebsc

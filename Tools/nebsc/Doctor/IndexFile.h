@@ -18,7 +18,14 @@ struct IndexFile {
 /// the size of the hash at the end of the file: 20 or 32.
 [[nodiscard]] std::optional<IndexFile> indexFileIn(std::string_view bytes, std::size_t hashSize);
 
-/// Does the same for a file; absent if it cannot be read.
+/// Returns whether the bytes of an index end with their hash, SHA-1 or SHA-256, or with zeros, as
+/// with the setting index.skipHash. git itself compares it only in git-fsck(1).
+[[nodiscard]] bool hasIntactHash(std::string_view bytes);
+
+/// Returns the bytes of a file; absent if it cannot be read.
+[[nodiscard]] std::optional<std::string> indexBytesAt(const std::string& path);
+
+/// Does the same as indexFileIn() for a file; absent if it cannot be read.
 [[nodiscard]] std::optional<IndexFile> indexFileAt(const std::string& path, std::size_t hashSize);
 
 }  // namespace neb::nebsc

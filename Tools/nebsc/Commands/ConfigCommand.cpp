@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RecordNames.h"
 #include "Commands/Commands.h"
@@ -19,9 +21,41 @@ constexpr std::string_view listName = "list";
 constexpr NameKeys valueKeys{NEBSourceControlOperationValueKey,
                              NEBSourceControlOperationValueBytesKey};
 
-/// Returns a name or value, printable and without the password of a URL.
+/// Returns a name or value, printable.
 std::string shownText(const NEBDictionary& record, const NameKeys& keys) {
-    return printable(textWithoutPasswords(bytesOfName(record, keys)));
+    return printable(bytesOfName(record, keys));
+}
+
+// ---- passwords of URLs ------------------------------------------------------------------------
+
+void removePasswords(NEBDictionary& record) {
+    for (const NameKeys& keys : {nameKeys, valueKeys}) {
+        if (const auto text = record.value(keys.text).string()) {
+            record.set(keys.text, textWithoutPasswords(*text));
+        }
+        if (const Data* bytes = record.value(keys.bytes).bytes()) {
+            record.set(keys.bytes, NEBValue::ofBytes(Data(textWithoutPasswords(bytes->bytes()))));
+        }
+    }
+}
+
+void removePasswords(std::vector<std::string>& arguments) {
+    std::ranges::transform(arguments, arguments.begin(), textWithoutPasswords);
+}
+
+/// Nothing that the command prints has a password, neither as text nor as JSON.
+void removePasswords(Outcome& outcome) {
+    if (outcome.result) {
+        for (NEBDictionary& record : *outcome.result) {
+            removePasswords(record);
+        }
+    }
+    if (outcome.command) {
+        removePasswords(outcome.command->arguments);
+    }
+    for (NEBSourceControlCommandRun& run : outcome.commands) {
+        removePasswords(run.arguments);
+    }
 }
 
 class ConfigTask : public CommandTask {
@@ -94,7 +128,10 @@ std::shared_ptr<NEBSourceControlRequest> ConfigTask::makeRequest() {
 
 RequestResult ConfigTask::perform() {
     RequestResult result = CommandTask::perform();
-    const auto& outcome = result.outcome;
+    auto& outcome = result.outcome;
+    if (outcome) {
+        removePasswords(*outcome);
+    }
     _hasSeveralValues =
         isChange() && outcome && outcome->error && outcome->result && outcome->result->size() > 1;
     return result;
@@ -174,8 +211,7 @@ constinit const Command configCommand{
     .details =
         "Shows the value that counts, wherever it is set; exits with status 1 if it is\n"
         "not set. Changes the settings of the repository, or with --global those of the\n"
-        "user. Never prints a password that is part of a URL, except with\n"
-        "--json.\n"
+        "user. Never prints a password that is part of a URL, also with --json.\n"
         "\n"
         "Examples:\n"
         "  nebsc config list                              all settings\n"

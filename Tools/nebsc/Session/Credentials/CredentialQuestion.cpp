@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Platform/Text.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -45,14 +47,6 @@ constexpr Wording wordings[] = {
     {"token", CredentialKind::token},
     {"password", CredentialKind::password},
 };
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return lower;
-}
 
 /// Reads "…'https://ann@host/path': " of git.
 void readURL(std::string_view prompt, CredentialQuestion& question) {
@@ -120,7 +114,7 @@ bool isSecret(CredentialKind kind) {
 CredentialQuestion credentialQuestionOf(std::string_view prompt) {
     CredentialQuestion question{.prompt = std::string(prompt)};
     readURL(prompt, question);
-    const std::string text = lowerCase(question.url ? prompt : readHost(prompt, question));
+    const std::string text = lowercaseASCII(question.url ? prompt : readHost(prompt, question));
     // The name of a server or key, in quotes, says nothing about the kind.
     const std::string beforeName = text.substr(0, text.find(" '"));
     const auto kind = kindOf(beforeName);

@@ -1,11 +1,14 @@
 #include "GitOperations/GitOperation.h"
 
+#include <algorithm>
 #include <atomic>
 
 #include "GitOperations/GitErrorTable.h"
 #include "LOMFoundation/LOMDeveloperPaths.h"
+#include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/PathString.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -19,6 +22,23 @@ std::string findGit() {
     return LOMDeveloperPaths::defaultPaths()
         .binSearchPathForPlatform(std::nullopt)
         .pathOfProgram("git");
+}
+
+/// git exits with status 0 although it could not write a setting, such as the upstream branch of a
+/// branch that it pushed. The settings of a deleted branch that remain are only a warning.
+bool reportsUnwrittenSetting(std::string_view text) {
+    constexpr std::string_view signs[] = {"error: could not lock config file ",
+                                          "error: could not write config file ",
+                                          "error: failed to write new configuration file "};
+    bool isReported = false;
+    bool isOnlyWarning = false;
+    forEachLine(text, [&](std::string_view line) {
+        isReported = isReported || std::ranges::any_of(signs, [line](std::string_view sign) {
+                         return line.starts_with(sign);
+                     });
+        isOnlyWarning = isOnlyWarning || line.starts_with("warning: Update of config-file failed");
+    });
+    return isReported && !isOnlyWarning;
 }
 
 }  // namespace
@@ -84,8 +104,13 @@ void GitOperation::appendIfPresent(std::vector<std::string>& arguments, const NE
 std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
     const bool isSuccess = terminationStatus() && terminationStatus()->isSuccess();
-    if (!message || (isSuccess && _isJudgedByExitStatus)) {
+    if (!message) {
         return std::nullopt;
+    }
+    if (isSuccess && _isJudgedByExitStatus) {
+        return reportsUnwrittenSetting(*message)
+                   ? std::optional(NEBSourceControlErrorFromText(*message, *request()))
+                   : std::nullopt;
     }
     auto diagnosis = isSuccess ? std::nullopt : diagnoseFailure(*message);
     GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());

@@ -5,6 +5,7 @@
 #include <sys/mount.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Support/HygienicTest.h"
@@ -40,6 +41,7 @@ public:
     void makeReadOnly() const {
         EXPECT_EQ(::mount("none", path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
     }
+    void fill() const { std::ofstream(path("filler")) << std::string(2000000, 'x'); }
     [[nodiscard]] std::vector<std::string> names() const {
         std::vector<std::string> names;
         for (const auto& entry : fs::directory_iterator(path())) {
@@ -136,6 +138,20 @@ TEST_F(FullDisk, ACopyLeavesNothing) {
         names.push_back(entry.path().filename().string());
     }
     EXPECT_THAT(names, ElementsAre(".git"));
+}
+
+/// git exits with status 0 although it has not written the setting.
+TEST_F(FullDisk, AnUpstreamThatWasNotSetIsAnError) {
+    repository.commitFile("a", "1\n");
+    repository.git({"clone", "--quiet", repository.path(), disk.path("clone")});
+    repository.git({"-C", disk.path("clone"), "branch", "--unset-upstream"});
+    disk.fill();
+    auto request = requestFor(NEBSourceControlRequestChangeBranch, disk.path("clone"));
+    request->destination = "origin/main";
+    request->options = {{NEBSourceControlRequestOptionAction, "set-upstream"}};
+    const auto operation = perform(request);
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlIOErrorClass));
+    EXPECT_EQ(operation->result(), std::nullopt);
 }
 
 TEST_F(FullDisk, ACommandsExportLeavesNothing) {

@@ -361,6 +361,8 @@ const CatalogueText texts[] = {
      "fatal: cannot lock ref 'refs/heads/z': Unable to create 'z.lock': File exists"},
     {NEBSourceControlRefLockedErrorClass, -1,
      "error: could not lock config file .git/config: File exists"},
+    {NEBSourceControlIOErrorClass, -1,
+     "error: failed to write new configuration file /r/.git/config.lock"},
     {NEBSourceControlPathUnknownErrorClass, 4, "fatal: path 'a' exists on disk, but not in 'HEAD'"},
     {NEBSourceControlPathUnknownErrorClass, 4, "fatal: path 'a' does not exist in 'HEAD'"},
     {NEBSourceControlPathUnknownErrorClass, 4, "fatal: no such path 'nosuch' in HEAD"},

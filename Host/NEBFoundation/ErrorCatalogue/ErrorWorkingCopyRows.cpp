@@ -207,6 +207,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "too many levels of symbolic links",
          {"cannot lock ref '", "unable to create '"},
          {"could not lock config file", ": no such file or directory"},
+         "failed to write new configuration file ",
      }},
     {NEBSourceControlRefLockedErrorClass,
      {

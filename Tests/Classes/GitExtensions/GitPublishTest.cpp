@@ -119,6 +119,16 @@ TEST_F(Publish, CreatesAndUpdatesABranchWithItsUpstream) {
                 ElementsAre("up to date"));
 }
 
+/// git exits with status 0 although it has not written the setting.
+TEST_F(Publish, ReportsAnUpstreamThatWasNotSet) {
+    repository.write(".git/config.lock", "");
+    const auto push =
+        published(withOption(pushToOrigin, NEBSourceControlRequestOptionSetUpstream, true));
+    EXPECT_THAT(push->error(), HasErrorClass(NEBSourceControlRefLockedErrorClass));
+    EXPECT_EQ(push->result()->size(), 1U);
+    EXPECT_EQ(there("main"), git({"rev-parse", "main"}));
+}
+
 TEST_F(Publish, PushesUnderAnotherNameAndDeletes) {
     for (const std::string name : {"refs/heads/it's", "refs/heads/b\xe4r", "refs/tags/v1"}) {
         EXPECT_EQ(published(pushToOrigin, name)->error(), std::nullopt);

@@ -11,7 +11,18 @@ GitQueryOperation::GitQueryOperation(std::shared_ptr<NEBSourceControlRequest> re
 
 std::shared_ptr<GitQueryOperation> GitQueryComposite::runQuery(
     std::shared_ptr<NEBSourceControlRequest> request, const std::vector<std::string>& arguments) {
-    return runOperation(std::make_shared<GitQueryOperation>(std::move(request), arguments));
+    return runQuery(std::make_shared<GitQueryOperation>(std::move(request), arguments));
+}
+
+std::shared_ptr<GitQueryOperation> GitQueryComposite::runQuery(
+    std::shared_ptr<GitQueryOperation> query) {
+    runOperation(query);
+    const auto& status = query->terminationStatus();
+    const bool hasExited = status && status->exitStatus();
+    if (!hasExited && query->error() && !error()) {
+        setError(query->error());
+    }
+    return query;
 }
 
 }  // namespace neb

@@ -64,7 +64,7 @@ std::string GitSubmodulesOperation::lineIn(const std::string& path,
     const auto query = std::make_shared<GitQueryOperation>(request(), arguments);
     query->setArguments(arguments);
     query->setCurrentDirectoryPath(folder);
-    runOperation(query);
+    runQuery(query);
     return query->error() ? std::string() : std::string(query->line());
 }
 

@@ -42,51 +42,16 @@ std::string replaced(std::string text, std::string_view what, std::string_view w
 
 // ---- the repositories of the examples ---------------------------------------------------------
 
-constexpr std::string_view worldScript = R"SH(
-set -e
-mkdir "$1" "$1/tmp"
-cd "$1"
-git init -q demo
-cd demo
-mkdir src
-printf 'int main() { return 0; }\n' >main.c
-printf 'int two = 2;\n' >src/util.c
-printf 'Notes.\n' >notes.txt
-git add .
-git commit -q -m 'Say hello'
-git tag v1.0
-git checkout -q -b topic
-printf 'int topic;\n' >topic.c
-git add .
-git commit -q -m 'Add a topic'
-git checkout -q main
-printf 'int main() { return 1; }\n' >main.c
-git commit -q -a -m 'Return 1'
-git clone -q --bare . ../shared.git
-git remote add origin "$1/shared.git"
-git config remote.origin.followRemoteHEAD never
-git fetch -q
-git branch -q --set-upstream-to=origin/main
-git clone -q ../shared.git ../ben
-cd ../ben
-printf 'int ben;\n' >ben.c
-git add .
-git commit -q -m 'Add Ben'
-git push -q origin main
-rm -rf ../ben
-)SH";
+constexpr const char* worldScript =
+    NEB_SOURCE_FOLDER "/Tests/nebsc/Requests/make-example-repositories";
 
 class World {
 public:
-    World() { run(worldScript, "/"); }
+    World() { succeed(worldScript, {path()}, "/"); }
 
     [[nodiscard]] std::string path() const { return _folder.path("ann"); }
     void run(std::string_view script, const std::string& folder) const {
-        const NebscOutcome outcome = runProgram(
-            "/bin/sh", {"-e", "-c", std::string(script), "sh", path()}, {.folder = folder});
-        if (outcome.exitStatus != 0) {
-            throw std::runtime_error(outcome.errors);
-        }
+        succeed("/bin/sh", {"-e", "-c", std::string(script), "sh", path()}, folder);
     }
     [[nodiscard]] JSON outcomeOf(const RequestExample& example) const {
         if (!example.script.empty()) {
@@ -114,6 +79,14 @@ public:
     }
 
 private:
+    static void succeed(const std::string& program, const std::vector<std::string>& args,
+                        const std::string& folder) {
+        const NebscOutcome outcome = runProgram(program, args, {.folder = folder});
+        if (outcome.exitStatus != 0) {
+            throw std::runtime_error(outcome.errors);
+        }
+    }
+
     TemporaryFolder _folder;
 };
 

@@ -36,12 +36,16 @@ bool isSettingName(std::string_view text) {
            text.find_first_of(std::string_view("\n\0", 2)) == std::string_view::npos;
 }
 
-/// Returns the only name of the option; empty for none or several.
-std::string nameIn(const NEBValue& option) {
+/// Returns the names of the option.
+std::vector<std::string> namesIn(const NEBValue& option) {
     const std::vector<NEBValue> one{option};
-    const std::vector<NEBValue>& names = option.array() != nullptr ? *option.array() : one;
-    return names.size() == 1 ? std::string(gitBytesOfValue(names.front()).value_or(Data()).bytes())
-                             : std::string();
+    std::vector<std::string> names;
+    for (const NEBValue& name : option.array() != nullptr ? *option.array() : one) {
+        if (const auto bytes = gitBytesOfValue(name)) {
+            names.emplace_back(bytes->bytes());
+        }
+    }
+    return names;
 }
 
 }  // namespace
@@ -50,11 +54,19 @@ void GitChangeSettingsOperation::perform() {
     const std::string wanted = action("");
     const NEBValue& scopeOption = request()->option(NEBSourceControlRequestOptionScope);
     const std::string scope = scopeOption.isPresent() ? scopeOption.description() : "local";
-    const std::string name = nameIn(request()->option(NEBSourceControlRequestOptionSettingNames));
+    const std::vector<std::string> names =
+        namesIn(request()->option(NEBSourceControlRequestOptionSettingNames));
+    const std::string name = names.empty() ? "" : names.front();
     if (wanted != "set" && wanted != "unset") {
         failForOption(NEBSourceControlRequestOptionAction);
     } else if (scope != "local" && scope != "global") {
         failForOption(NEBSourceControlRequestOptionScope);
+    } else if (names.empty()) {
+        failForOption(NEBSourceControlRequestOptionSettingNames);
+    } else if (names.size() > 1) {
+        fail(NEBSourceControlRequestInvalidErrorClass,
+             "The request names " + std::to_string(names.size()) +
+                 " settings; only one can be changed at a time.");
     } else if (!isSettingName(name)) {
         fail(NEBSourceControlRequestInvalidErrorClass,
              "\"" + textReplacingInvalidBytes(name) +

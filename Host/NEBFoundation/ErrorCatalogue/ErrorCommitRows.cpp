@@ -43,6 +43,13 @@ constexpr ErrorCatalogueRow rows[] = {
       "Add the files to commit with \"git add\"."}},
     {NEBSourceControlNothingToCommitErrorClass,
      {
+         {"you asked to amend the most recent commit", "it empty"},
+     },
+     NEBSourceControlGenericError,
+     {"The amended commit would have no changes.",
+      "Remove the commit with \"git reset HEAD^\", or allow it to be empty."}},
+    {NEBSourceControlNothingToCommitErrorClass,
+     {
          "nothing to commit",
      }},
     {NEBSourceControlIdentityUnknownErrorClass,

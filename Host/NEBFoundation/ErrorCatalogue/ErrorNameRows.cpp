@@ -163,6 +163,7 @@ constexpr ErrorCatalogueRow rows[] = {
          "malformed object name ",
          "invalid symmetric difference expression",
          "invalid revision range ",
+         "cannot parse expected object name ",
          "no such commit ",
          "no such ref: ",
          "not a valid branch point",

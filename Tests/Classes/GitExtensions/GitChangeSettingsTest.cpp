@@ -104,6 +104,14 @@ TEST_F(ChangeSettings, SayWhyNot) {
     }
     EXPECT_THAT(changed("set", "user.name")->error(),
                 HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    const auto both = performed(NEBSourceControlRequestSettings,
+                                {{NEBSourceControlRequestOptionAction, "set"},
+                                 {NEBSourceControlRequestOptionValue, "x"},
+                                 {NEBSourceControlRequestOptionSettingNames,
+                                  std::vector<NEBValue>{"user.name", "user.email"}}});
+    EXPECT_THAT(both->error(), HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(both->error()->localizedDescription(),
+              "The request names 2 settings; only one can be changed at a time.");
     EXPECT_THAT(changed("add", "user.name")->error(),
                 HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
     EXPECT_THAT(set("user.name", "x", {{NEBSourceControlRequestOptionScope, "system"}})->error(),

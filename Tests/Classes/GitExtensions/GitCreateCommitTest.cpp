@@ -109,6 +109,18 @@ TEST_F(CreateCommit, TakesNoMessageWithANULByte) {
     EXPECT_EQ(git({"stash", "list"}), "");
 }
 
+TEST_F(CreateCommit, DoesNotAmendTheLastChangeAway) {
+    repository.commitFile("a.c", "1");
+    repository.commitFile("a.c", "2");
+    repository.write("a.c", "1");
+    const auto refused = performed(
+        NEBSourceControlRequestCreateCommit,
+        {{NEBSourceControlRequestOptionAmend, true}, {NEBSourceControlRequestOptionAll, true}});
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlNothingToCommitErrorClass));
+    EXPECT_EQ(refused->error()->localizedDescription(),
+              "The amended commit would have no changes.");
+}
+
 TEST_F(CreateCommit, SaysWhyNot) {
     EXPECT_THAT(
         performed(NEBSourceControlRequestCreateCommit, {{NEBSourceControlRequestOptionAmend, true}})

@@ -172,6 +172,8 @@ TEST_F(Publish, OverwritesOnlyWithAValidLease) {
     const auto forced = published(withOption(pushToOrigin, lease, before));
     EXPECT_EQ(forced->error(), std::nullopt);
     EXPECT_THAT(textsOf(*forced, NEBSourceControlOperationStateKey), ElementsAre("forced"));
+    EXPECT_THAT(published(withOption(pushToOrigin, lease, "nosuch"))->error(),
+                HasErrorClass(NEBSourceControlRevisionUnknownErrorClass));
     pushFromElsewhere();
     const auto stale = published(withOption(pushToOrigin, lease, true));
     EXPECT_THAT(stale->error(), HasErrorClass(NEBSourceControlPushStaleErrorClass));

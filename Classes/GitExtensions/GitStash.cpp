@@ -145,6 +145,20 @@ bool GitStashOperation::keepsUntrackedFiles() {
     return !error();
 }
 
+/// git prints nothing if it cannot write the index; a command that only writes it names the cause.
+void GitStashOperation::explainSilence() {
+    if (isCancelled() || !error() || error()->text.has_value() ||
+        error()->errorClass != NEBSourceControlUnknownErrorClass) {
+        return;
+    }
+    const auto write = runOperation(std::make_shared<GitChangeOperation>(
+        gitRequestWithoutNames(*request()),
+        std::vector<std::string>{"update-index", "--force-write-index"}));
+    if (write->error()) {
+        setError(write->error());
+    }
+}
+
 void GitStashOperation::push() {
     const std::vector<std::string> query{"rev-parse", "--verify", "--quiet",
                                          std::string(stashReference)};
@@ -172,6 +186,7 @@ void GitStashOperation::push() {
     }
     const auto after = runChange(arguments, std::move(paths)) ? queriedLine(query) : std::nullopt;
     if (!after) {
+        explainSilence();
         return;
     }
     NEBSourceControlResult records;

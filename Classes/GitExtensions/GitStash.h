@@ -48,6 +48,8 @@ private:
     [[nodiscard]] bool knowsFiles();
     /// Returns whether a stash without untracked files loses none; otherwise the error is set.
     [[nodiscard]] bool keepsUntrackedFiles();
+    /// Finds out why git failed to stash and printed nothing.
+    void explainSilence();
     void list();
     void push();
     void show();

@@ -7,6 +7,13 @@ namespace neb::test {
 namespace {
 
 const TextOfGit texts[] = {
+    {NEBSourceControlNothingToCommitErrorClass,
+     "You asked to amend the most recent commit, but doing so would make\nit empty. You can repeat "
+     "your command with --allow-empty, or you can\nremove the commit entirely with \"git reset "
+     "HEAD^\".\n"},
+    {NEBSourceControlRevisionUnknownErrorClass, "error: cannot parse expected object name 'x'"},
+    {NEBSourceControlUntrackedInTheWayErrorClass,
+     "a.c already exists, no checkout\nerror: could not restore untracked files from stash"},
     {NEBSourceControlLineUnknownErrorClass, "fatal: file a b has only 1 line"},
     {NEBSourceControlLineUnknownErrorClass, "fatal: file src/a.c has only 40 lines"},
     // ambiguous names

@@ -27,6 +27,7 @@ constexpr ErrorFileMention mentions[] = {
     {NEBSourceControlNeedsCleanTreeErrorClass, "", "", ": needs update"},
     {NEBSourceControlUntrackedInTheWayErrorClass, "error: Untracked working tree file '", "",
      "' would be "},
+    {NEBSourceControlUntrackedInTheWayErrorClass, "", "", " already exists, no checkout"},
     {NEBSourceControlConflictUnresolvedErrorClass, "U\t", "", ""},
     {NEBSourceControlConflictUnresolvedErrorClass, "", "", ": needs merge"},
     {NEBSourceControlConflictUnresolvedErrorClass, "warning: path '", "", "' is unmerged"},

@@ -45,6 +45,15 @@ constexpr ErrorCatalogueRow rows[] = {
      },
      NEBSourceControlUncommittedChangesError,
      uncommittedChanges},
+    {NEBSourceControlUntrackedInTheWayErrorClass,
+     {
+         "could not restore untracked files from stash",
+     },
+     NEBSourceControlGenericError,
+     {"The untracked files of the stash were not all restored, because some of them exist. Its "
+      "other changes may have been restored. The stash is kept.",
+      "Undo the changes that were restored, move the untracked files away, then apply the stash "
+      "again."}},
     {NEBSourceControlConflictUnresolvedErrorClass,
      {
          "because you have unmerged files",

@@ -209,6 +209,32 @@ TEST_F(Stash, ThatConflictsIsKeptAndListsTheConflict) {
     EXPECT_NE(git({"stash", "list"}), "");
 }
 
+TEST_F(Stash, NamesTheUntrackedFilesThatItDoesNotRestore) {
+    repository.commitFile("a.c", "1\n");
+    repository.write("new", "mine\n");
+    repository.git({"stash", "push", "-q", "--include-untracked"});
+    repository.write("new", "other\n");
+    for (const char* action : {"apply", "pop"}) {
+        const auto operation = performed(NEBSourceControlRequestStash, stashAction(action));
+        EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlUntrackedInTheWayErrorClass));
+        EXPECT_THAT(operation->error()->files, ElementsAre("new"));
+        EXPECT_THAT(operation->error()->localizedDescription().value_or(""),
+                    testing::HasSubstr("The stash is kept."));
+    }
+    EXPECT_NE(git({"stash", "list"}), "");
+}
+
+/// git itself prints nothing.
+TEST_F(Stash, NamesTheLockThatPreventsIt) {
+    repository.commitFile("a.c", "1\n");
+    repository.write("a.c", "2\n");
+    repository.write(".git/index.lock", "");
+    const auto locked = performed(NEBSourceControlRequestStash, stashAction("push"));
+    EXPECT_THAT(locked->error(), HasErrorClass(NEBSourceControlIndexLockedErrorClass));
+    std::filesystem::remove(repository.path(".git/index.lock"));
+    EXPECT_EQ(performed(NEBSourceControlRequestStash, stashAction("push"))->error(), std::nullopt);
+}
+
 TEST_F(Stash, SaysWhyNot) {
     EXPECT_THAT(performed(NEBSourceControlRequestStash, stashAction("push"))->error(),
                 HasErrorClass(NEBSourceControlNoCommitsYetErrorClass));

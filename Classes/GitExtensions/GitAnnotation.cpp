@@ -188,6 +188,9 @@ std::string rangeOption(const NEBSourceControlRequest& request) {
 GitAnnotationOperation::GitAnnotationOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitReadingOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
+    requireFile();
+    requireInteger(NEBSourceControlRequestOptionFirstLine, 1);
+    requireInteger(NEBSourceControlRequestOptionLastLine, 1);
     std::vector<std::string> arguments{"blame", "--porcelain", "--root"};
     constexpr std::pair<NEBConstant, std::string_view> switches[] = {
         {NEBSourceControlRequestOptionIgnoreWhiteSpace, "-w"},

@@ -12,6 +12,7 @@ GitChangesOperation::GitChangesOperation(std::shared_ptr<NEBSourceControlRequest
                                        "--find-renames", "--src-prefix=a/", "--dst-prefix=b/",
                                        "--no-ext-diff",  "--no-textconv",   "--submodule=short",
                                        "--diff-filter=u"};
+    requireInteger(NEBSourceControlRequestOptionContextLines, 0);
     const NEBValue& context = asked.option(NEBSourceControlRequestOptionContextLines);
     if (context.isPresent()) {
         arguments.push_back("--unified=" + context.description());

@@ -8,24 +8,27 @@ namespace neb {
 
 namespace {
 
-/// Returns "REVISION:PATH", or ":STAGE:PATH" for a file of the index.
-std::string objectName(const NEBSourceControlRequest& request, const std::string& path) {
+/// Returns the revision to read from, or ":STAGE" for the index.
+std::string revisionOf(const NEBSourceControlRequest& request) {
     const NEBValue& stage = request.option(NEBSourceControlRequestOptionStage);
     if (stage.isPresent()) {
-        return ":" + stage.description() + ":" + path;
+        return ":" + stage.description();
     }
     const NEBValue revision = gitRevisionOfCommit(request.startingRevision);
-    return (revision.isPresent() ? revision.description() : "HEAD") + ":" + path;
+    return revision.isPresent() ? revision.description() : "HEAD";
 }
 
 }  // namespace
 
 GitContentOperation::GitContentOperation(std::shared_ptr<NEBSourceControlRequest> request)
-    : GitReadingOperation(std::move(request)) {
+    : GitNamedObjectOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
+    requireFile();
+    requireOneOf(NEBSourceControlRequestOptionStage, {"0", "1", "2", "3"});
+    const ObjectName object{revisionOf(asked), gitPathFromTop(asked)};
+    setObject(object, "blob");
     const bool isConverted = asked.option(NEBSourceControlRequestOptionApplyFilters).boolValue();
-    setArgumentsBehindDefaults(
-        {"cat-file", isConverted ? "--filters" : "blob", objectName(asked, gitPathFromTop(asked))});
+    setArgumentsBehindDefaults({"cat-file", isConverted ? "--filters" : "blob", object.text()});
 }
 
 void GitContentOperation::parseData() {

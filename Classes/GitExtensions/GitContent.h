@@ -2,9 +2,10 @@
 // names of files.
 #pragma once
 
+#include <memory>
 #include <string>
 
-#include "GitExtensions/GitExtension.h"
+#include "GitExtensions/GitNamedObject.h"
 
 namespace neb {
 
@@ -16,8 +17,8 @@ namespace neb {
 /// The result is one record with NEBSourceControlOperationContentKey or, for a file that is not
 /// UTF-8, NEBSourceControlOperationContentBytesKey. With NEBSourceControlRequestOptionApplyFilters,
 /// the content is converted as for the working copy. A folder or a submodule has no content: an
-/// error.
-class GitContentOperation : public GitReadingOperation {
+/// error of the class "file-type-wrong".
+class GitContentOperation : public GitNamedObjectOperation {
 public:
     explicit GitContentOperation(std::shared_ptr<NEBSourceControlRequest> request);
 

@@ -1,6 +1,8 @@
 #include "GitExtensions/GitExtension.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -23,6 +25,23 @@ void GitReadingOperation::requireOneOf(NEBConstant option,
                                        std::initializer_list<std::string_view> values) {
     const NEBValue& value = request()->option(option);
     if (value.isPresent() && std::ranges::find(values, value.description()) == values.end()) {
+        setError(gitErrorOfOption(*request(), option));
+    }
+}
+
+void GitReadingOperation::requireFile() {
+    if (request()->fileCount() == 1 && !request()->files->front().description().empty() &&
+        request()->files->front().isPresent()) {
+        return;
+    }
+    auto refusal = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError, "The request must have the name of exactly one file.");
+    refusal.errorClass = NEBSourceControlRequestInvalidErrorClass;
+    setError(std::move(refusal));
+}
+
+void GitReadingOperation::requireInteger(NEBConstant option, std::int64_t minimum) {
+    if (!gitAcceptsInteger(*request(), option, minimum)) {
         setError(gitErrorOfOption(*request(), option));
     }
 }
@@ -56,6 +75,18 @@ NEBSourceControlError gitErrorOfOption(const NEBSourceControlRequest& request, N
             : "The request lacks " + std::string(option) + ".");
     error.errorClass = NEBSourceControlRequestInvalidErrorClass;
     return error;
+}
+
+bool gitAcceptsInteger(const NEBSourceControlRequest& request, NEBConstant option,
+                       std::int64_t minimum) {
+    const NEBValue& value = request.option(option);
+    if (!value.isPresent()) {
+        return true;
+    }
+    const std::string text = value.description();
+    std::int32_t number = 0;
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return failure == std::errc() && end == text.data() + text.size() && number >= minimum;
 }
 
 std::shared_ptr<NEBSourceControlRequest> gitRequestWithoutNames(

@@ -1,6 +1,7 @@
 // GitExtension.h - the bases of the operations of the request types from 1000 on.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -30,6 +31,10 @@ protected:
     /// Makes the operation fail, without running git, if the option has another value than these.
     /// For constructors.
     void requireOneOf(NEBConstant option, std::initializer_list<std::string_view> values);
+    /// The same if the request does not name exactly one file.
+    void requireFile();
+    /// The same if gitAcceptsInteger() does not accept the option.
+    void requireInteger(NEBConstant option, std::int64_t minimum);
     [[nodiscard]] std::optional<NEBSourceControlError> diagnoseFailure(
         std::string_view text) const override;
     /// Runs git unless the constructor set an error.
@@ -43,6 +48,11 @@ private:
 /// lacks one.
 [[nodiscard]] NEBSourceControlError gitErrorOfOption(const NEBSourceControlRequest& request,
                                                      NEBConstant option);
+
+/// Whether the option is absent, or a decimal integer that is not below `minimum` and that git can
+/// read, which is at most 2147483647. git takes other numbers for another value.
+[[nodiscard]] bool gitAcceptsInteger(const NEBSourceControlRequest& request, NEBConstant option,
+                                     std::int64_t minimum);
 
 /// Returns a copy of the request without destination and files. Their names, if they look like
 /// patterns, would make git take its pathspecs literally, such as ":/", the top.

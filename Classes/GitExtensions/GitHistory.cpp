@@ -204,6 +204,7 @@ void appendEach(std::vector<std::string>& arguments, const NEBValue& value,
 GitHistoryOperation::GitHistoryOperation(std::shared_ptr<NEBSourceControlRequest> request)
     : GitReadingOperation(std::move(request)) {
     requireOneOf(NEBSourceControlRequestOptionOrder, {"date", "author date", "topology"});
+    requireInteger(NEBSourceControlRequestOptionLogOutputLimit, 0);
     // A single reference pattern overrides log.excludeDecoration.
     std::vector<std::string> arguments{"log",
                                        "-z",

@@ -27,6 +27,10 @@ void GitPickOperation::perform() {
              "Only a reset can report what it would throw away.");
         return;
     }
+    if (!gitAcceptsInteger(*request(), NEBSourceControlRequestOptionMainline, 1)) {
+        failForOption(NEBSourceControlRequestOptionMainline);
+        return;
+    }
     const auto commit = queriedCommit(request()->startingRevision);
     if (!commit) {
         return;

@@ -71,7 +71,7 @@ private:
 }  // namespace
 
 GitTreeOperation::GitTreeOperation(std::shared_ptr<NEBSourceControlRequest> request)
-    : GitReadingOperation(std::move(request)) {
+    : GitNamedObjectOperation(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
     std::vector<std::string> arguments{"ls-tree", "-z", "--full-tree"};
     if (!asked.option(NEBSourceControlRequestOptionOmitSizes).boolValue()) {
@@ -81,8 +81,10 @@ GitTreeOperation::GitTreeOperation(std::shared_ptr<NEBSourceControlRequest> requ
         arguments.insert(arguments.end(), {"-r", "-t"});
     }
     const NEBValue revision = gitRevisionOfCommit(asked.startingRevision);
-    arguments.push_back((revision.isPresent() ? revision.description() : "HEAD") + ":" +
-                        gitPathFromTop(asked));
+    const ObjectName object{revision.isPresent() ? revision.description() : "HEAD",
+                            gitPathFromTop(asked)};
+    setObject(object, "tree");
+    arguments.push_back(object.text());
     setArgumentsBehindDefaults(arguments);
 }
 

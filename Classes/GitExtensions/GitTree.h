@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "GitExtensions/GitExtension.h"
+#include "GitExtensions/GitNamedObject.h"
 
 namespace neb {
 
@@ -18,8 +18,8 @@ namespace neb {
 /// NEBSourceControlOperationObjectIDKey, and of files and symbolic links
 /// NEBSourceControlOperationSizeKey. With NEBSourceControlRequestOptionRecursive, the entries of a
 /// folder follow it. A partial clone that lacks files needs NEBSourceControlRequestOptionOmitSizes.
-/// A path that is no folder is an error.
-class GitTreeOperation : public GitReadingOperation {
+/// A path that is no folder is an error of the class "file-type-wrong".
+class GitTreeOperation : public GitNamedObjectOperation {
 public:
     explicit GitTreeOperation(std::shared_ptr<NEBSourceControlRequest> request);
 

@@ -7,6 +7,7 @@
 #include "LOMFoundation/LOMDeveloperPaths.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 
@@ -114,6 +115,9 @@ std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
     }
     auto diagnosis = isSuccess ? std::nullopt : diagnoseFailure(*message);
     GitErrorTranslation translation = gitErrorTableLookUp(*message, *request());
+    if (translation.error && request()->type >= NEBSourceControlFirstExtendedRequestType) {
+        return diagnosis ? diagnosis : NEBSourceControlErrorWithoutDetails(*message, *request());
+    }
     if (translation.error && diagnosis) {
         translation.error->errorClass = diagnosis->errorClass;
     }

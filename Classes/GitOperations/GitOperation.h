@@ -31,7 +31,8 @@ public:
     [[nodiscard]] std::vector<std::string> defaultArguments() const;
 
     /// Translates the text with the table of GitErrorTable.h. The error of the table gets the class
-    /// of diagnoseFailure(), if that finds one. A text that is not in the table is translated by
+    /// of diagnoseFailure(), if that finds one. For the types from 1000 on, code and description
+    /// are those of the class. A text that is not in the table is translated by
     /// diagnoseFailure() or by the base class.
     [[nodiscard]] std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message) override;

@@ -16,7 +16,7 @@ const ReadRefusal readRefusals[] = {
     {"unborn", NEBSourceControlRequestHistory, "no-commits-yet"},
     {"unborn", NEBSourceControlRequestContent, "no-commits-yet"},
     {"unborn", NEBSourceControlRequestAnnotation, "no-commits-yet"},
-    {"unborn", NEBSourceControlRequestTree, "revision-unknown"},
+    {"unborn", NEBSourceControlRequestTree, "no-commits-yet"},
     {"bare", NEBSourceControlRequestWorkingCopyState, "no-work-tree"},
     {"bare", NEBSourceControlRequestChanges, "no-work-tree"},
     {"bare", NEBSourceControlRequestStash, "no-work-tree"},

@@ -1,7 +1,9 @@
 #include "GitExtensions/GitIntegrate.h"
 
+#include "GitExtensions/GitUnfinishedOperation.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -33,6 +35,33 @@ std::optional<GitMergeComposite::MergeCommand> GitIntegrateOperation::commandOfS
     return std::nullopt;
 }
 
+/// While a rebase is under way, no branch is checked out.
+void GitIntegrateOperation::failWithoutBranch(const NEBSourceControlOperation& query) {
+    const auto unfinished = run<GitUnfinishedOperation>(request());
+    const NEBSourceControlResult found = unfinished->result().value_or(NEBSourceControlResult());
+    if (found.empty()) {
+        static_cast<void>(goesOnAfter(query));
+        return;
+    }
+    fail(NEBSourceControlMergeUnfinishedErrorClass,
+         "The operation requires a branch, and none is checked out: an operation of the kind \"" +
+             std::string(found.front().text(NEBSourceControlOperationKindKey)) +
+             "\" is not finished.");
+}
+
+/// The name is that of the settings, "origin/topic".
+void GitIntegrateOperation::failWithoutUpstream() {
+    const auto branch = queriedLine({"symbolic-ref", "--quiet", "HEAD"});
+    const auto upstream = branch
+                              ? queriedLine({"for-each-ref", "--format=%(upstream:short)", *branch})
+                              : std::nullopt;
+    if (upstream) {
+        fail(NEBSourceControlRemoteBranchUnknownErrorClass,
+             "The upstream branch \"" + textReplacingInvalidBytes(*upstream) +
+                 "\" does not exist any more, or is not one of the branches that are fetched.");
+    }
+}
+
 /// The remote branch may not have been fetched yet; git then says that the revision is unknown.
 std::optional<std::string> GitIntegrateOperation::fetchedUpstream() {
     const std::string upstream = "@{upstream}";
@@ -46,10 +75,21 @@ std::optional<std::string> GitIntegrateOperation::fetchedUpstream() {
         fail(NEBSourceControlNoUpstreamErrorClass, "The current branch has no upstream branch.");
         return std::nullopt;
     }
+    if (!error() && name->error() &&
+        name->error()->errorClass == NEBSourceControlNoCurrentBranchErrorClass) {
+        failWithoutBranch(*name);
+        return std::nullopt;
+    }
     if ((!isMissing && !goesOnAfter(*name)) || !runChange({"fetch", "--quiet"})) {
         return std::nullopt;
     }
-    return !isMissing || queriedLine(query) ? std::optional(upstream) : std::nullopt;
+    const auto fetched = isMissing ? runQuery(request(), query) : name;
+    if (!error() && fetched->error() &&
+        fetched->error()->errorClass == NEBSourceControlRevisionUnknownErrorClass) {
+        failWithoutUpstream();
+        return std::nullopt;
+    }
+    return goesOnAfter(*fetched) ? std::optional(upstream) : std::nullopt;
 }
 
 std::optional<std::string> GitIntegrateOperation::fetchedRevision() {

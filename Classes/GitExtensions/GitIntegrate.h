@@ -34,6 +34,10 @@ private:
     [[nodiscard]] std::optional<std::string> fetchedRevision();
     /// Fetches, and returns the upstream branch. Absent if the composite does not go on.
     [[nodiscard]] std::optional<std::string> fetchedUpstream();
+    /// Fails because no branch is checked out, as the query reports.
+    void failWithoutBranch(const NEBSourceControlOperation& query);
+    /// Fails because the upstream branch does not exist, even after a fetch.
+    void failWithoutUpstream();
 };
 
 }  // namespace neb

@@ -84,6 +84,30 @@ TEST_F(Integrate, FetchesTheUpstreamBranchOrTheNamedOne) {
                 HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
 }
 
+TEST_F(Integrate, NamesAnUpstreamBranchThatIsGone) {
+    repository.commitFile("a.c", "1");
+    repository.git({"branch", "topic"});
+    const TestRepository clone(repository.path());
+    clone.git({"checkout", "-q", "topic"});
+    repository.git({"branch", "-q", "-D", "topic"});
+    clone.git({"fetch", "-q", "--prune"});
+    const auto gone = performed(requestFor(NEBSourceControlRequestIntegrate, clone.path()));
+    EXPECT_THAT(gone->error(), HasErrorClass(NEBSourceControlRemoteBranchUnknownErrorClass));
+    EXPECT_EQ(gone->error()->localizedDescription(),
+              "The upstream branch \"origin/topic\" does not exist any more, or is not one of the "
+              "branches that are fetched.");
+}
+
+TEST_F(Integrate, NamesTheRebaseThatLeavesNoBranch) {
+    makeConflictingBranch();
+    EXPECT_NE(repository.gitStatus({"rebase", "-q", "side"}), 0);
+    const auto refused = integrated("merge", {});
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlMergeUnfinishedErrorClass));
+    EXPECT_EQ(refused->error()->localizedDescription(),
+              "The operation requires a branch, and none is checked out: an operation of the kind "
+              "\"rebase\" is not finished.");
+}
+
 TEST_F(Integrate, SaysWhyNot) {
     repository.commitFile("a.c", "1");
     EXPECT_THAT(integrated("merge", {})->error(),

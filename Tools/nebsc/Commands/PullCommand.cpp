@@ -3,6 +3,7 @@
 
 #include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/StoppableTask.h"
+#include "CommandFrame/UnfinishedWork.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -90,10 +91,17 @@ std::shared_ptr<NEBSourceControlRequest> PullTask::makeRequest() {
 
 std::string PullTask::adviceFor(const NEBSourceControlError& error) const {
     const bool lacksUpstream = error.errorClass == NEBSourceControlNoUpstreamErrorClass ||
-                               error.errorClass == NEBSourceControlBranchUnknownErrorClass;
+                               error.errorClass == NEBSourceControlBranchUnknownErrorClass ||
+                               error.errorClass == NEBSourceControlRemoteBranchUnknownErrorClass;
     if (lacksUpstream && !arguments().has(remoteParameter)) {
         return "'nebsc pull REMOTE BRANCH' names a branch; 'nebsc push -u' sets an upstream "
                "branch.";
+    }
+    const auto unfinished = error.errorClass == NEBSourceControlMergeUnfinishedErrorClass
+                                ? unfinishedWorkIn(git())
+                                : std::vector<UnfinishedWork>();
+    if (!unfinished.empty()) {
+        return std::string(unfinished.front().advice);
     }
     return error.errorClass == NEBSourceControlDivergedErrorClass
                ? "'nebsc pull --rebase' or 'nebsc pull --merge' integrates both sides."

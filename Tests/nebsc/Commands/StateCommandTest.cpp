@@ -179,5 +179,29 @@ TEST_F(StateCommand, ReportsAFolderThatCannotBeRead) {
     EXPECT_EQ(outcome.exitStatus, 1);
 }
 
+/// The request of an older type has the error of a wrong password.
+TEST_F(StateCommand, DoesNotBlameAPasswordForAForbiddenFile) {
+    const StandInGit git(repository.path(),
+                         "echo \"fatal: Unable to create '/r/.git/x': Permission denied\" >&2; "
+                         "exit 128");
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"status"}, {"status", "--short"}}) {
+        const NebscOutcome outcome =
+            runNebsc(arguments, {.folder = repository.path(), .variables = {git.path()}});
+        EXPECT_THAT(outcome.errors,
+                    testing::StartsWith("nebsc: the operating system denied access to a file or "
+                                        "folder\nCheck the permissions of the file or folder.\n"));
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+    const auto error =
+        runNebsc({"status", "--json"}, {.folder = repository.path(), .variables = {git.path()}})
+            .json()["error"];
+    EXPECT_EQ(error["class"], "permission-denied");
+    EXPECT_EQ(error["code"], 513);
+    EXPECT_EQ(error["localizedDescription"],
+              "The operating system denied access to a file or folder.");
+    EXPECT_FALSE(error["userInfo"].contains("NEBSourceControlAuthenticationErrorTypeKey"));
+}
+
 }  // namespace
 }  // namespace neb::test

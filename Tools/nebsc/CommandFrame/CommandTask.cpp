@@ -176,6 +176,9 @@ CommandOutput CommandTask::outputFor(Outcome& outcome) {
     if (outcome.result) {
         output.standardOutput = textOfResult(*outcome.result);
     }
+    if (outcome.error) {
+        describeAccessDeniedHere(*outcome.error);
+    }
     explainBrokenHEAD(outcome);
     if ((outcome.error && isHandled(*outcome.error)) ||
         !addFailureOf(outcome, silentFailure(), output)) {

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/Requests.h"
 #include "CommandLine/UsageError.h"
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
@@ -96,6 +98,22 @@ CommandOutput failureAbout(const std::vector<std::string>& names,
     CommandOutput failure = failureWith(shown);
     failure.error = error;
     return failure;
+}
+
+void describeAccessDeniedHere(NEBSourceControlError& error) {
+    constexpr std::pair<NEBConstant, std::int64_t> localClasses[] = {
+        {NEBSourceControlPermissionDeniedErrorClass, NEBSourceControlNoPermissionError},
+        {NEBSourceControlLocalHookRefusedErrorClass, NEBSourceControlGenericError},
+    };
+    for (const auto& [errorClass, code] : localClasses) {
+        if (error.code == NEBSourceControlAuthenticationError && error.errorClass == errorClass) {
+            error.code = code;
+            error.userInfo = NEBDictionary{
+                {NEBLocalizedDescriptionKey,
+                 std::string(NEBSourceControlErrorClassNamed(errorClass)->description)}};
+            NEBSourceControlAddAdvice(error);
+        }
+    }
 }
 
 CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,

@@ -26,6 +26,9 @@ namespace neb::nebsc {
 /// printable: git prints them as they are, and a line end would split the message.
 [[nodiscard]] CommandOutput failureAbout(const std::vector<std::string>& names,
                                          const NEBSourceControlError& error);
+/// Gives an error of a file or of a hook the code and the sentences of its class. The plug-in's own
+/// table takes every "Permission denied" for a wrong password.
+void describeAccessDeniedHere(NEBSourceControlError& error);
 /// Returns the failure of a query about these names, with what git printed.
 [[nodiscard]] CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,
                                            const std::vector<std::string>& names = {});

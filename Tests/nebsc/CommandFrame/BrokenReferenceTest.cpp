@@ -63,6 +63,19 @@ TEST_F(BrokenReference, HasAnEmptyFile) {
     expectNamed({"log"}, "refs/heads/main", "its file is empty\n");
 }
 
+TEST_F(BrokenReference, HasAFileThatCannotBeRead) {
+    fs::remove(repository.path(".git/refs/heads/main"));
+    fs::create_symlink("main", repository.path(".git/refs/heads/main"));
+    const char* reason = "its file cannot be read: Too many levels of symbolic links\n";
+    expectNamed({"log"}, "refs/heads/main", reason);
+    const NebscOutcome status = nebsc({"status"});
+    EXPECT_THAT(
+        status.errors,
+        StartsWith(std::string("nebsc: the reference 'refs/heads/main' is broken: ") + reason));
+    EXPECT_THAT(status.output, Not(HasSubstr("no commits yet")));
+    EXPECT_EQ(status.exitStatus, 1);
+}
+
 TEST_F(BrokenReference, NamesTheLogOfItsCommits) {
     breakReference("refs/heads/main");
     const std::string folder = repository.path(".git/");

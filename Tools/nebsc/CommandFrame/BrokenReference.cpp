@@ -1,12 +1,16 @@
 #include "CommandFrame/BrokenReference.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/ErrnoText.h"
 #include "Platform/PathString.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
@@ -46,6 +50,19 @@ std::vector<std::string> candidatesFor(const std::string& name) {
     }
     candidates.push_back("refs/remotes/" + name + "/HEAD");
     return candidates;
+}
+
+/// Returns why the file cannot be read: "Permission denied". Empty if it can be read, or if there
+/// is no file.
+std::string obstacleTo(const std::string& path) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    if (!fs::status_known(status)) {
+        return failure.message();
+    }
+    const bool isReadable =
+        !fs::is_regular_file(status) || ::access(path.c_str(), R_OK) == 0 || errno == ENOENT;
+    return isReadable ? std::string() : textOfErrno(errno);
 }
 
 /// Returns the first bytes of the file, without white space at both ends; absent if there is no
@@ -104,7 +121,14 @@ private:
     [[nodiscard]] std::optional<NEBSourceControlError> errorOfFile(std::string name) {
         constexpr int maximumSteps = 5;  // git's own limit
         for (int step = 0; step < maximumSteps; ++step) {
-            const auto content = contentOf(pathOf(name));
+            const std::string path = pathOf(name);
+            if (const std::string obstacle = obstacleTo(path); !obstacle.empty()) {
+                return errorAbout(
+                    name, "its file cannot be read: " + obstacle,
+                    NEBSourceControlReferenceBrokenErrorClass,
+                    "Check the permissions of the file " + inQuotes(path) + " and of its folders.");
+            }
+            const auto content = contentOf(path);
             if (!content) {
                 return std::nullopt;
             }

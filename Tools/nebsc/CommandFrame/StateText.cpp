@@ -139,7 +139,14 @@ std::string titled(std::string_view title, const std::string& list) {
 std::string branchLine(const NEBSourceControlResult& records) {
     const bool hasHead =
         !records.empty() && records.front().text(NEBSourceControlOperationKindKey) == "head";
-    return hasHead ? headText(records.front()) + "\n" : "";
+    return hasHead && !lacksReadableHead(records) ? headText(records.front()) + "\n" : "";
+}
+
+/// git writes this instead of a branch that it cannot read.
+bool lacksReadableHead(const NEBSourceControlResult& records) {
+    return !records.empty() && records.front().text(NEBSourceControlOperationKindKey) == "head" &&
+           records.front().text(NEBSourceControlOperationNameKey) == "(unknown)" &&
+           !records.front().contains(NEBSourceControlOperationObjectIDKey);
 }
 
 std::string changeLists(const NEBSourceControlResult& records,

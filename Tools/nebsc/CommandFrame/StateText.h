@@ -9,8 +9,11 @@
 namespace neb::nebsc {
 
 /// Returns a line for the branch: "On branch main, 2 ahead of and 1 behind origin/main"; empty if
-/// the records describe none. Thread-safe, as is the next function.
+/// the records describe none. Thread-safe, as are the next functions.
 [[nodiscard]] std::string branchLine(const NEBSourceControlResult& records);
+
+/// Whether the records describe HEAD, and git could not read it.
+[[nodiscard]] bool lacksReadableHead(const NEBSourceControlResult& records);
 
 /// Returns a list of paths below a title for each kind of change, each with an empty line before
 /// it: conflicts, staged, not staged, untracked and ignored; then the number of stashes. Empty if

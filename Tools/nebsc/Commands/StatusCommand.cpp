@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/StateText.h"
 #include "CommandFrame/StatusQuery.h"
@@ -41,6 +42,7 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
     RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
+    void finish(Outcome& outcome) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
 private:
@@ -182,6 +184,13 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
         }
     }
     return lines;
+}
+
+/// git lists all files as new if it cannot read the branch.
+void StatusTask::finish(Outcome& outcome) {
+    if (isState() && outcome.result && lacksReadableHead(*outcome.result)) {
+        outcome.error = brokenReference(git(), "HEAD");
+    }
 }
 
 /// The first record of a state is not about a change.

@@ -152,10 +152,10 @@ TEST_F(MergeCommands, TheSearchForConflictsRunsNoProgramOfTheUser) {
     }
     const std::string log = repository.path(".git/log");
     repository.write(".git/info/attributes",
-                     "driven merge=prog\nfiltered filter=prog\nunion merge=union\n");
+                     "driven merge=pr\xe4g\nfiltered filter=pr\xe4g\nunion merge=union\n");
     repository.git({"config", "merge.renormalize", "true"});
-    repository.git({"config", "merge.prog.driver", "echo driver >>'" + log + "'; cp %B %A"});
-    repository.git({"config", "filter.prog.clean", "echo filter >>'" + log + "'; cat"});
+    repository.git({"config", "merge.pr\xe4g.driver", "echo driver >>'" + log + "'; cp %B %A"});
+    repository.git({"config", "filter.pr\xe4g.clean", "echo filter >>'" + log + "'; cat"});
     before = revision("HEAD");
     expectMerged(mergeWhere("merge-tree", ": >'" + log + "'"), settled("    a.c\n    filtered\n"));
     EXPECT_EQ(std::filesystem::file_size(log), 0U) << "a program ran after the merge";

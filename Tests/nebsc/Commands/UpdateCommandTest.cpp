@@ -43,6 +43,13 @@ TEST_F(UpdateCommand, FetchesAndMerges) {
     }
 }
 
+TEST_F(UpdateCommand, KnowsARemoteWhoseNameIsNotUTF8) {
+    shareChange();
+    ben->git({"remote", "rename", "origin", "b\xe4r"});
+    EXPECT_EQ(nebsc(*ben, {"update"}).exitStatus, 0);
+    EXPECT_EQ(revision(*ben), revision(*ann));
+}
+
 TEST_F(UpdateCommand, MergesDivergedBranches) {
     shareChange("a", "ann\n2\n3\n");
     ben->commitFile("a", "ben\n2\n3\n");

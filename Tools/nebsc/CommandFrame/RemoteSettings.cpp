@@ -14,7 +14,7 @@ const RemoteSettings::Values& RemoteSettings::values() const {
     if (!_values) {
         _values.emplace();
         const ChildOutcome settings =
-            _git.run({"config", "--null", "--get-regexp", "^(remote|branch)\\..*\\."});
+            _git.run({"config", "--null", "--get-regexp", "^(remote|branch)\\."});
         for (const std::string& entry : splitAtNUL(settings.output)) {
             const std::size_t end = std::min(entry.find('\n'), entry.size());
             _values->insert_or_assign(entry.substr(0, end),

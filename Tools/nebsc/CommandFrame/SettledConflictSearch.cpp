@@ -7,6 +7,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Session/GitProgram.h"
 #include "Session/GitVersion.h"
+#include "Session/SettingName.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -16,16 +17,13 @@ namespace {
 /// A setting with a program that a merge runs, and its replacement: a driver that settles
 /// everything, because the user's has run in the merge itself, and no filter.
 struct ProgramSetting {
-    std::string_view section, end, replacement;
+    std::string_view section, variable, replacement;
 };
 
 constexpr ProgramSetting programSettings[] = {
-    {"merge.", ".driver", "true"}, {"filter.", ".clean", ""},         {"filter.", ".smudge", ""},
-    {"filter.", ".process", ""},   {"filter.", ".required", "false"},
+    {"merge", "driver", "true"}, {"filter", "clean", ""},         {"filter", "smudge", ""},
+    {"filter", "process", ""},   {"filter", "required", "false"},
 };
-
-constexpr const char* programSettingsPattern =
-    "^(merge\\..*\\.driver|filter\\..*\\.(clean|smudge|process|required))$";
 
 /// The merged side of an unfinished merge; see gitrevisions(7).
 constexpr const char* mergeHead = "MERGE_HEAD";
@@ -108,13 +106,16 @@ void SettledConflictSearch::removeUnsettled(SettledConflicts& conflicts) const {
 std::optional<std::vector<std::string>> SettledConflictSearch::optionsDisablingPrograms() const {
     std::vector<std::string> options;
     const ChildOutcome settings =
-        _git.run({"config", "--null", "--name-only", "--get-regexp", programSettingsPattern});
+        _git.run({"config", "--null", "--name-only", "--get-regexp", "^(merge|filter)\\."});
     for (const std::string& name : splitAtNUL(settings.output)) {
         const auto* setting = std::find_if(
             std::begin(programSettings), std::end(programSettings), [&](const auto& candidate) {
-                return name.starts_with(candidate.section) && name.ends_with(candidate.end);
+                return isSettingOf(candidate.section, candidate.variable, name);
             });
-        if (setting == std::end(programSettings) || name.find('=') != std::string::npos) {
+        if (setting == std::end(programSettings)) {
+            continue;
+        }
+        if (name.find('=') != std::string::npos) {
             return std::nullopt;
         }
         options.insert(options.end(), {"-c", name + "=" + std::string(setting->replacement)});

@@ -12,6 +12,7 @@
 #include "Session/Deadline.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
+#include "Session/SettingName.h"
 
 namespace neb::nebsc {
 
@@ -137,11 +138,12 @@ std::vector<Candidate> RepositoryNames::remotes() {
 std::vector<Candidate> RepositoryNames::locations() {
     std::vector<Candidate> names;
     for (const std::string& setting :
-         splitAtNUL(outputOf({"config", "-z", "--get-regexp", R"(^remote\..*\.url$)"}))) {
+         splitAtNUL(outputOf({"config", "-z", "--get-regexp", R"(^remote\.)"}))) {
         const std::size_t lineEnd = setting.find('\n');
         const std::string location =
             lineEnd == std::string::npos ? "" : setting.substr(lineEnd + 1);
-        if (!location.empty() && textWithoutPasswords(location) == location) {
+        if (!location.empty() && isSettingOf("remote", "url", setting.substr(0, lineEnd)) &&
+            textWithoutPasswords(location) == location) {
             constexpr std::string_view head = "remote.";
             constexpr std::string_view end = ".url";
             names.push_back(

@@ -28,9 +28,8 @@ void addUnresolved(Examination& examination) {
 }
 
 bool isPartialClone(Examination& examination) {
-    return trimmedOutputOf(
-               examination.query({"config", "--get-regexp",
-                                  R"(^(extensions\.partialclone|remote\..*\.promisor)$)"}))
+    return trimmedOutputOf(examination.query({"config", "--get-regexp",
+                                              R"((^extensions\.partialclone|\.promisor)$)"}))
         .has_value();
 }
 

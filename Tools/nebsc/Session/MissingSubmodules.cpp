@@ -1,11 +1,13 @@
 #include "Session/MissingSubmodules.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
+#include "Session/SettingName.h"
 
 namespace neb::nebsc {
 
@@ -45,11 +47,13 @@ std::map<std::string, std::string> submodulesInIndex(const Trace& trace,
 /// only these submodules.
 std::set<std::string> submodulesInGitmodules(const Trace& trace, const std::string& folder) {
     std::set<std::string> paths;
-    for (const std::string& entry :
-         splitAtNUL(outputOf(trace, folder,
-                             {"config", "--file", ".gitmodules", "-z", "--get-regexp",
-                              "^submodule\\..*\\.path$"}))) {
-        paths.insert(entry.substr(entry.find('\n') + 1));
+    for (const std::string& entry : splitAtNUL(outputOf(
+             trace, folder,
+             {"config", "--file", ".gitmodules", "-z", "--get-regexp", "^submodule\\."}))) {
+        const std::size_t end = std::min(entry.find('\n'), entry.size());
+        if (end < entry.size() && isSettingOf("submodule", "path", entry.substr(0, end))) {
+            paths.insert(entry.substr(end + 1));
+        }
     }
     return paths;
 }

@@ -88,7 +88,9 @@ TEST_F(WatchRequestsTest, NeedAnExistingRepository) {
     EXPECT_THAT(error["message"].get<std::string>(),
                 HasSubstr("'" + folder.path() + "' cannot be watched: not a git repository"));
     for (const char* name : {"file", "missing"}) {
-        EXPECT_EQ(refusalOf(folder.path(name))["code"], -32803) << name;
+        const JSON refusal = refusalOf(folder.path(name));
+        EXPECT_EQ(refusal["code"], -32803) << name;
+        EXPECT_EQ(refusal["data"]["class"], "not-started") << name;
     }
     repository.git({"init", "-q", "--bare", folder.path("bare.git")});
     const JSON bare = refusalOf(folder.path("bare.git"), true);

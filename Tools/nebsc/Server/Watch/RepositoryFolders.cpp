@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
@@ -22,7 +23,9 @@ WatchFailure failureOf(const ChildOutcome& outcome, const std::string& location)
     const NEBSourceControlError error = NEBSourceControlErrorFromText(
         outcome.errorOutput,
         *NEBSourceControlRequest::initWithType(NEBSourceControlRequestStatus, tree));
-    return {.errorClass = error.errorClass.value_or("unknown"),
+    return {.errorClass = outcome.status.started()
+                              ? error.errorClass.value_or("unknown")
+                              : std::string(NEBSourceControlNotStartedErrorClass),
             .sentence = inQuotes(location) + " cannot be watched: " + reasonOf(outcome) + "."};
 }
 

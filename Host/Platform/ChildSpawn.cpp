@@ -71,18 +71,21 @@ public:
 #endif
     }
 
-    void setSignals(const std::vector<int>& signalNumbers, bool hasEmptyMask) {
+    /// For a child that is not isolated.
+    void setSignalsAndGroup(const SpawnOptions& options) {
         sigset_t none;
         ::sigemptyset(&none);
         sigset_t signals = none;
-        for (const int signalNumber : signalNumbers) {
+        for (const int signalNumber : options.defaultSignals) {
             ::sigaddset(&signals, signalNumber);
         }
         keep(::posix_spawnattr_setsigdefault(&_attributes, &signals));
         keep(::posix_spawnattr_setsigmask(&_attributes, &none));
-        constexpr short flags = POSIX_SPAWN_SETSIGDEF;
+        keep(::posix_spawnattr_setpgroup(&_attributes, 0));
+        const int mask = options.hasEmptySignalMask ? POSIX_SPAWN_SETSIGMASK : 0;
+        const int group = options.leadsGroup ? POSIX_SPAWN_SETPGROUP : 0;
         keep(::posix_spawnattr_setflags(&_attributes,
-                                        hasEmptyMask ? flags | POSIX_SPAWN_SETSIGMASK : flags));
+                                        static_cast<short>(POSIX_SPAWN_SETSIGDEF | mask | group)));
     }
 
     /// Returns 0 or the first error.
@@ -187,7 +190,7 @@ SpawnedChild spawnChild(const ChildLaunch& launch, const SpawnOptions& options) 
     if (options.isIsolated) {
         parameters.isolate();
     } else {
-        parameters.setSignals(options.defaultSignals, options.hasEmptySignalMask);
+        parameters.setSignalsAndGroup(options);
     }
 
     std::vector<std::string> arguments{launch.launchPath};

@@ -53,6 +53,9 @@ struct SpawnOptions {
     std::vector<int> defaultSignals = {};
     /// Starts a child that is not isolated with an empty signal mask, not with that of the caller.
     bool hasEmptySignalMask = false;
+    /// Makes a child that is not isolated the leader of a new process group, so that signals can
+    /// reach all its processes. At a terminal it is in the background; see tcsetpgrp(3).
+    bool leadsGroup = false;
 };
 
 /// A started child, or the reason why it was not started.

@@ -127,6 +127,13 @@ TEST_F(HunkEditing, AFailureOfTheEditorLeavesTheHunkAsItIs) {
     EXPECT_EQ(content("a"), numberedLines({20}));
 }
 
+TEST_F(HunkEditing, TheEditorIgnoresNoSignal) {
+    change("a", {20});
+    EXPECT_THAT(editing("sh -c 'kill -PIPE $$; echo ignored >.git/pipe'; true", "e\n"),
+                Not(HasSubstr("as it was")));
+    EXPECT_FALSE(isThere(".git/pipe"));
+}
+
 TEST_F(HunkEditing, TheEditedHunkCanBeLeftOutOrEditedAgain) {
     change("a", {3, 20});
     const std::string edit = "sed -i \"s/^+.*/+edited $n/\" \"$1\"";

@@ -226,6 +226,20 @@ TEST_F(MessageEditing, CtrlCIsForTheEditor) {
     EXPECT_EQ(state(), "M  a.c\n");
 }
 
+/// The shell waits for the editor, so a signal to the shell alone would leave the editor running.
+TEST_F(MessageEditing, ASignalEndsAllProcessesOfTheEditor) {
+    repository.write(".git/editor",
+                     "mkfifo .git/end\necho ready >&2\n(sleep 20; echo survived) >.git/end\n");
+    Nebsc nebsc({"commit"}, terminal("sh .git/editor; true"));
+    nebsc.awaitErrors("ready");
+    std::ifstream end(repository.path(".git/end"));
+    nebsc.send(SIGTERM);
+    EXPECT_EQ(nebsc.outcome().exitStatus, 143);
+    std::string line;
+    std::getline(end, line);
+    EXPECT_EQ(line, "");
+}
+
 TEST_F(MessageEditing, GivesTheTerminalBack) {
     repository.write(".git/editor", "stty raw -echo\nkill -9 $$\n");
     const NebscOutcome outcome =

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
@@ -19,16 +20,31 @@ namespace neb::nebsc {
 
 namespace {
 
-/// The settings of the terminal, and the processes that it belongs to.
-class TerminalState {
+/// The terminal, which nebsc lends to the editor. SIGTTOU must be ignored.
+class LentTerminal {
 public:
-    TerminalState() : _hasSettings(::tcgetattr(STDIN_FILENO, &_settings) == 0) {}
+    LentTerminal() : _hasSettings(::tcgetattr(STDIN_FILENO, &_settings) == 0) {}
 
-    /// SIGTTOU must be ignored.
-    void restore() const {
-        if (_group > 0) {
-            ::tcsetpgrp(STDIN_FILENO, _group);
+    /// Returns whether the terminal is that of another process group, so that nebsc runs in the
+    /// background. Then the editor stays in the group of nebsc, and the shell stops both.
+    [[nodiscard]] static bool isOfOthers() {
+        const pid_t foreground = ::tcgetpgrp(STDIN_FILENO);
+        return foreground >= 0 && foreground != ::getpgrp();
+    }
+    /// Makes the group of the editor the one in the foreground, and resumes it: it may have used
+    /// the terminal before.
+    static void lendTo(pid_t group) {
+        if (!isOfOthers()) {
+            ::tcsetpgrp(STDIN_FILENO, group);
         }
+        ::kill(-group, SIGCONT);
+    }
+    static void takeBackFrom(pid_t group) {
+        if (::tcgetpgrp(STDIN_FILENO) == group) {
+            ::tcsetpgrp(STDIN_FILENO, ::getpgrp());
+        }
+    }
+    void restoreSettings() const {
         if (_hasSettings) {
             ::tcsetattr(STDIN_FILENO, TCSADRAIN, &_settings);
         }
@@ -37,26 +53,52 @@ public:
 private:
     termios _settings{};
     bool _hasSettings;
-    pid_t _group = ::tcgetpgrp(STDIN_FILENO);
 };
 
-/// Waits for the end of the process, which a signal to nebsc ends. Returns its status.
-int statusOf(pid_t process, Interruption& interruption) {
+/// Waits until the process ends or, if `orStop`, stops; does not reap it. Returns
+/// whether it has stopped.
+bool hasStopped(pid_t process, bool orStop) {
+    siginfo_t info{};
+    const int events = WEXITED | WNOWAIT | (orStop ? WSTOPPED : 0);
+    while (::waitid(P_PID, static_cast<id_t>(process), &info, events) < 0 && errno == EINTR) {
+    }
+    return info.si_code == CLD_STOPPED;
+}
+
+/// Suspends the job of nebsc with its editor, which has stopped, as after Ctrl-Z. Returns when the
+/// shell resumes the job, or at once without a shell that could.
+void suspendWith(pid_t editor) {
+    siginfo_t info{};
+    ::waitid(P_PID, static_cast<id_t>(editor), &info, WSTOPPED | WNOHANG);
+    const bool neededTerminal = info.si_status == SIGTTIN || info.si_status == SIGTTOU;
+    if (!neededTerminal || ::tcgetpgrp(STDIN_FILENO) != editor) {
+        LentTerminal::takeBackFrom(editor);
+        ::kill(0, SIGTSTP);
+    }
+    LentTerminal::lendTo(editor);
+}
+
+/// Waits for the end of the editor, which a signal to nebsc ends, with all processes of its group
+/// if it leads one. Returns its status.
+int statusOf(pid_t editor, bool leadsGroup, Interruption& interruption) {
     {
-        const Interruption::Work work(interruption, [process] { ::kill(process, SIGTERM); });
-        siginfo_t info{};
-        while (::waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOWAIT) < 0 &&
-               errno == EINTR) {
+        const Interruption::Work work(interruption, [receiver = leadsGroup ? -editor : editor] {
+            ::kill(receiver, SIGTERM);
+            ::kill(receiver, SIGCONT);
+        });
+        while (hasStopped(editor, leadsGroup)) {
+            suspendWith(editor);
         }
     }
+    LentTerminal::takeBackFrom(editor);
     int status = 0;
-    while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    while (::waitpid(editor, &status, 0) < 0 && errno == EINTR) {
     }
     return status;
 }
 
 /// Returns the text for the shell. The shell becomes the editor where the command allows that, so
-/// that a signal ends the editor, too.
+/// that its status is that of the editor.
 std::string scriptFor(const std::string& command) {
     const bool isSimple = command.find_first_of(";|&<>()`=\n") == std::string::npos;
     return (isSimple ? "exec " : "") + command + " \"$@\"";
@@ -107,22 +149,28 @@ EditorChoice editorOfUser(Interruption& interruption, const std::string& folder)
 std::string edit(Interruption& interruption, const std::string& command, const std::string& file,
                  const std::string& folder) {
     const std::vector<int> signals{SIGINT, SIGQUIT, SIGTTOU};
-    const std::vector<int> restored = signalsNotIgnored(signals);
+    std::vector<int> restored = signalsNotIgnored(signals);
+    restored.push_back(SIGPIPE);  // which nebsc ignores while it asks about hunks
     const Interruption::TerminalLoan loan(interruption);
     const IgnoredSignals ignored(signals);
-    const TerminalState terminal;
+    const LentTerminal terminal;
     const ChildLaunch launch{.launchPath = "/bin/sh",
                              .arguments = {"-c", scriptFor(command), command, file},
                              .currentDirectoryPath = folder,
                              .environment = NEBSourceControlInheritedEnvironment()};
-    const SpawnedChild editor =
-        spawnChild(launch, {.defaultSignals = restored, .hasEmptySignalMask = true});
+    const bool leadsGroup = !LentTerminal::isOfOthers();
+    const SpawnedChild editor = spawnChild(launch, {.defaultSignals = std::move(restored),
+                                                    .hasEmptySignalMask = true,
+                                                    .leadsGroup = leadsGroup});
     if (editor.pid < 0) {
         return editor.failure;
     }
-    std::string failure = failureOf(command, statusOf(editor.pid, interruption));
+    if (leadsGroup) {
+        LentTerminal::lendTo(editor.pid);
+    }
+    std::string failure = failureOf(command, statusOf(editor.pid, leadsGroup, interruption));
     if (!failure.empty()) {
-        terminal.restore();
+        terminal.restoreSettings();
     }
     return failure;
 }

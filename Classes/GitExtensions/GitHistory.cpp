@@ -93,6 +93,12 @@ constexpr Field fields[] = {
     {"%b", setText<NEBSourceControlOperationBodyKey>},
 };
 
+/// Whether git left the placeholder of an author or committer as it is, because the line in the
+/// commit is malformed.
+bool isUnknownPerson(const Field& field, std::string_view text) {
+    return text == field.placeholder && (text.starts_with("%a") || text.starts_with("%c"));
+}
+
 /// Begins each commit. A changed file begins with ":" or a count of lines.
 constexpr std::string_view mark = "commit ";
 
@@ -143,8 +149,11 @@ private:
         Scanner scanner(text);
         for (const Field& field : fields) {
             const bool isLast = &field == std::end(fields) - 1;
-            field.set(commit, output,
-                      isLast ? textByTrimmingLineEnds(scanner.rest()) : scanner.takeUpTo('\n'));
+            const std::string_view value =
+                isLast ? textByTrimmingLineEnds(scanner.rest()) : scanner.takeUpTo('\n');
+            if (!isUnknownPerson(field, value)) {
+                field.set(commit, output, value);
+            }
             scanner.skipOne('\n');
         }
         return commit;

@@ -199,6 +199,21 @@ TEST_F(History, OfAnUnbornAShallowAndASHA256Repository) {
               64U);
 }
 
+TEST_F(History, HasNoAuthorInAMalformedCommit) {
+    repository.write("commit", "tree " + lineOf(repository, {"write-tree"}) +
+                                   "\nauthor no mail 5\ncommitter no mail 5\n\n%aN\n");
+    auto asked = request(NEBSourceControlRequestHistory);
+    asked->startingRevision =
+        lineOf(repository, {"hash-object", "-t", "commit", "-w", "--literally", "commit"});
+    const NEBDictionary record = recordsOf(asked).at(0);
+    for (const NEBConstant key :
+         {NEBSourceControlOperationAuthorKey, NEBSourceControlOperationAuthorEmailKey,
+          NEBSourceControlOperationCommitterKey, NEBSourceControlOperationCommitterEmailKey}) {
+        EXPECT_FALSE(record.contains(key)) << record.text(key);
+    }
+    EXPECT_EQ(record.text(NEBSourceControlOperationSubjectKey), "%aN");
+}
+
 TEST_F(History, KnowsItsOrders) {
     repository.commitFile("a", "1\n");
     const auto asked = request(NEBSourceControlRequestHistory);

@@ -106,7 +106,9 @@ std::string blockOf(const LogEntry& entry, const CommitStyle& style) {
         }
         block += "\n";
     }
-    block += "Author: " + printable(entry.author + " <" + entry.authorEmail + ">") +
+    const bool isKnown = !entry.author.empty() || !entry.authorEmail.empty();
+    block += "Author: " +
+             (isKnown ? printable(entry.author + " <" + entry.authorEmail + ">") : "(unknown)") +
              "\nDate:   " + (entry.date ? localSecondWithZone(*entry.date) : "") + "\n";
     if (!entry.message.empty()) {
         block += "\n";

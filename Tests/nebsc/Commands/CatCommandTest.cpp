@@ -6,6 +6,7 @@ namespace neb::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class CatCommand : public CommandTest {
 protected:
@@ -55,7 +56,9 @@ TEST_F(CatCommand, PrintsTheSidesOfAConflict) {
     expectDone(nebsc({"cat", ":2:src/a b.c"}), "three\n");
     expectDone(nebsc({"cat", ":3:src/a b.c"}), "two\n");
     expectFailed(nebsc({"cat", ":src/a b.c"}),
-                 HasSubstr("path 'src/a b.c' is in the index, but not at stage 0"));
+                 StartsWith("nebsc: 'src/a b.c' is in conflict\n'nebsc cat ':1:src/a b.c'' prints "
+                            "the common ancestor; ':2:' instead prints our side, ':3:' their "
+                            "side.\n"));
 }
 
 TEST_F(CatCommand, KeepsEveryByte) {

@@ -6,8 +6,10 @@
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
 #include "Terminal/PatchText.h"
 #include "Terminal/PrintableText.h"
+#include "Terminal/ShellText.h"
 
 namespace neb::nebsc {
 
@@ -26,6 +28,7 @@ protected:
 
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfOtherObject() const;
+    [[nodiscard]] std::optional<CommandOutput> refusalInConflict() const;
 
     ObjectName _name;
     /// From the top of the repository.
@@ -80,8 +83,30 @@ std::string CatTask::textOfResult(const NEBSourceControlResult& records) {
     return PatchText(STDOUT_FILENO, false).textOf(std::move(text));
 }
 
+/// In a conflict, the index has the versions of both sides, and none for the next commit.
+std::optional<CommandOutput> CatTask::refusalInConflict() const {
+    const bool isInConflict =
+        !_name.revision && _name.stage == 0 &&
+        !git()
+             .outputOf({"ls-files", "--unmerged", "-z", "--",
+                        pathByAppendingComponent(workingCopy().location, _path)})
+             .value_or("")
+             .empty();
+    if (!isInConflict) {
+        return std::nullopt;
+    }
+    return refusalWithAdvice(
+        inQuotes(_path) + " is in conflict.",
+        "'nebsc cat " + shellQuoted(":1:" + _path) +
+            "' prints the common ancestor; ':2:' instead prints our side, ':3:' their side.",
+        NEBSourceControlConflictUnresolvedErrorClass);
+}
+
 /// git reports that a folder or a submodule is a bad file, and does not name a missing one.
 std::optional<CommandOutput> CatTask::refusalOfOtherObject() const {
+    if (auto refused = refusalInConflict()) {
+        return refused;
+    }
     const auto type = _name.revision ? git().typeOfEntry(*_name.revision, _path) : std::nullopt;
     if (!type || *type == "blob") {
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "GitExtensions/GitReferences.h"
 
 #include "GitExtensions/GitRecordFields.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/Scanner.h"
 
 namespace neb {
@@ -95,6 +96,16 @@ GitReferencesOperation::GitReferencesOperation(std::shared_ptr<NEBSourceControlR
     : GitReadingOperation(std::move(request)) {
     std::vector<std::string> arguments{"for-each-ref", formatOption(), "--"};
     const NEBValue& destination = this->request()->destination;
+    // git takes these characters, which no reference can have, for a pattern; see
+    // git-for-each-ref(1)
+    if (destination.isPresent() &&
+        destination.description().find_first_of("*?[\\") != std::string::npos) {
+        auto refusal = NEBSourceControlError::withDescription(
+            NEBSourceControlGenericError,
+            "\"" + destination.description() + "\" is not the name of a reference.");
+        refusal.errorClass = NEBSourceControlRequestInvalidErrorClass;
+        setError(std::move(refusal));
+    }
     if (destination.isPresent()) {
         arguments.push_back(destination.description());
     } else {

@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/Text.h"
 #include "Support/HygienicTest.h"
@@ -245,6 +246,18 @@ TEST_F(References, BelowADestinationAndDeliveredToASink) {
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_EQ(operation->deliveredRecordCount(), 1U);
     ASSERT_EQ(byName(records).count("refs/heads/topic/one"), 1U);
+}
+
+TEST_F(References, AreNotNamedByPatterns) {
+    repository.commitFile("a.c", "1");
+    for (const char* pattern :
+         {"refs/heads/*", "refs/head?", "refs/heads/[m]ain", "refs/\\heads"}) {
+        const auto request = referencesOf(repository.path());
+        request->destination = pattern;
+        EXPECT_THAT(perform(request)->error(),
+                    HasErrorClass(NEBSourceControlRequestInvalidErrorClass))
+            << pattern;
+    }
 }
 
 }  // namespace

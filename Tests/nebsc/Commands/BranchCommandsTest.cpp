@@ -257,6 +257,14 @@ TEST_F(BranchCommands, TrackFetchesARemoteBranch) {
               36);
 }
 
+TEST_F(BranchCommands, CreateTakesNoNameOfAPreviousBranch) {
+    repository.git({"checkout", "-q", "-b", "topic"});
+    repository.git({"checkout", "-q", "-"});
+    expectFailed(nebsc({"branch", "create", "@{-1}x"}),
+                 "nebsc: '@{-1}x' is not a valid name for a branch\n");
+    EXPECT_EQ(repository.gitStatus({"rev-parse", "-q", "--verify", "refs/heads/topicx"}), 1);
+}
+
 TEST_F(BranchCommands, TrackAcceptsARemoteNameWithASlash) {
     makeRemote("team/one", {"b/c"});
     expectDone(nebsc({"branch", "track", "mine", "team/one/b/c"}),

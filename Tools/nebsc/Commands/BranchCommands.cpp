@@ -139,6 +139,11 @@ protected:
 /// common ancestor, to git.
 std::optional<CommandOutput> CreateTask::validate() {
     const auto start = arguments().value("START");
+    // git would create a branch of another name.
+    if (argument(nameParameter).starts_with("@{")) {
+        return refusal(inQuotes(argument(nameParameter)) + " is not a valid name for a branch.",
+                       exitFailed, NEBSourceControlBranchNameInvalidErrorClass);
+    }
     if (isJSON()) {
         return std::nullopt;
     }

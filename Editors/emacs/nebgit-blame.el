@@ -16,6 +16,9 @@
 (defvar-local nebgit-blame--revision nil
   "Commit whose file is shown; nil for the working copy.")
 
+(defvar-local nebgit-blame--drawing nil
+  "What identifies the blame that is being shown, or was last.")
+
 (defvar nebgit-blame-mode-map
   (let ((map (make-sparse-keymap)))
     (define-key map (kbd "RET") #'nebgit-blame-show)
@@ -77,21 +80,45 @@ A REVISION of nil is the working copy, in which CONTENT may be the text."
 
 (defun nebgit-blame--draw (records line)
   "Show RECORDS, of type 1003, with point on LINE."
-  (let ((inhibit-read-only t))
+  (let ((left (sort records (lambda (a b)
+                              (< (nebgit-field a FirstLine) (nebgit-field b FirstLine)))))
+        (inhibit-read-only t)
+        (buffer (current-buffer))
+        (token (list line))
+        lines)
     (erase-buffer)
-    (dolist (record (sort records (lambda (a b)
-                                    (< (nebgit-field a FirstLine) (nebgit-field b FirstLine)))))
-      (let ((head (nebgit-blame--head record)))
-        (cl-loop for text in (mapcar #'nebgit-decode (nebgit-field record Lines))
-                 for number from 0
-                 do (let ((begin (point)))
-                      (insert (propertize (if (zerop number) head (make-string (length head) ?\s))
-                                          'face 'shadow)
-                              " │ " text "\n")
-                      (put-text-property begin (point) 'nebgit-commit record)
-                      (put-text-property begin (point) 'nebgit-line number)))))
-    (goto-char (point-min))
-    (forward-line (1- line))))
+    (setq nebgit-blame--drawing token)
+    (nebgit-in-slices
+     (lambda ()
+       (when (and (buffer-live-p buffer)
+                  (eq (buffer-local-value 'nebgit-blame--drawing buffer) token)
+                  (or lines left))
+         (unless lines
+           (setq lines (nebgit-blame--lines (pop left))))
+         (with-current-buffer buffer
+           (nebgit-blame--insert (pop lines) line))
+         t)))))
+
+(defun nebgit-blame--lines (record)
+  "Return the lines of the group RECORD, a list of (RECORD NUMBER HEAD TEXT)."
+  (let ((head (nebgit-blame--head record)))
+    (cl-loop for text across (nebgit-field record Lines)
+             for number from 0
+             collect (list record number
+                           (if (zerop number) head (make-string (length head) ?\s)) text))))
+
+(defun nebgit-blame--insert (line wanted)
+  "Insert LINE of `nebgit-blame--lines' at the end.
+Go there unless it is after the line with the number WANTED."
+  (pcase-let ((inhibit-read-only t)
+              (begin (point-max))
+              (`(,record ,number ,head ,text) line))
+    (save-excursion
+      (goto-char begin)
+      (insert (propertize head 'face 'shadow) " │ " (nebgit-decode text) "\n")
+      (add-text-properties begin (point) (list 'nebgit-commit record 'nebgit-line number)))
+    (when (<= (+ (nebgit-field record FirstLine) number) wanted)
+      (goto-char begin))))
 
 (defun nebgit-blame--head (record)
   "Return the text before the first line of the group RECORD, of a fixed width."

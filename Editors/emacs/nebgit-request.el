@@ -308,6 +308,18 @@ It is a pair of a connection and a name; other servers use the same names."
   (when (and (nebgit-server-p) (nebgit--cursor-p cursor))
     (nebgit-call 'sourceControl/close (list :cursor (cdr cursor)) #'ignore #'ignore)))
 
+;;; Long work
+
+(defun nebgit-in-slices (step)
+  "Call STEP until its result is nil, for some milliseconds at a time.
+The first slice runs at once, the others from timers, between which Emacs
+handles keys."
+  (let ((end (+ (float-time) 0.005)) (more t))
+    (while (and (setq more (funcall step))
+                (< (float-time) end)))
+    (when more
+      (run-at-time 0.001 nil #'nebgit-in-slices step))))
+
 ;;; Waiting, for callers that must return a result
 
 (defcustom nebgit-wait-limit 5

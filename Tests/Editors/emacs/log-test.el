@@ -228,7 +228,7 @@ Return the subjects that it shows."
       (goto-char (point-max))
       (insert "four\n")
       (nebgit-blame)
-      (test-wait (> (buffer-size) 0))
+      (test-wait (string-match-p "│ four\n\\'" (buffer-string)))
       (should (string-match-p
                (concat "\\`[0-9a-f]\\{8\\} 2020-09-13 Ann Example +│ one\n"
                        "[0-9a-f]\\{8\\} 2020-09-13 Ann Example +│ 2\n"
@@ -238,11 +238,27 @@ Return the subjects that it shows."
       (should-error (nebgit-blame-show) :type 'user-error)
       (test-go-line 2)
       (nebgit-blame-before)
-      (test-wait (string-match-p "│ two\n" (buffer-string)))
+      (test-wait (string-match-p "│ two\n.*│ three\n\\'" (buffer-string)))
       (should (eql (line-number-at-pos) 2))
       (nebgit-blame-log)
       (test-wait (test-log-subjects))
       (should (equal (test-log-subjects) '("First"))))))
+
+;; So many lines are shown in several slices.
+(ert-deftest blame-shows-long-files-in-full ()
+  (test-with-repository
+    (let ((lines (mapcar (apply-partially #'format "line %d") (number-sequence 1 5000))))
+      (apply #'test-commit-file "long.txt" "Long" lines)
+      (save-window-excursion
+        (find-file "long.txt")
+        (goto-char (point-min))
+        (forward-line 2999)
+        (nebgit-blame)
+        (should (eq nebgit-blame--drawing nil))
+        (test-wait (string-match-p "│ line 5000\n\\'" (buffer-string)))
+        (should (eql (count-lines (point-min) (point-max)) 5000))
+        (should (eql (line-number-at-pos) 3000))
+        (should (equal (get-text-property (point) 'nebgit-line) 2999))))))
 
 (defun test-go-line (number)
   "Go to the line NUMBER."

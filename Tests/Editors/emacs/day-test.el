@@ -136,6 +136,49 @@
       (day-merge-with-conflict)
       (day-push-and-stash folder))))
 
+;;; Large history
+
+(defun day-create-large-repository (folder)
+  "Create a repository with 5 changed files and many commits in FOLDER."
+  (should (eql 0 (call-process (expand-file-name "../../../Benchmarks/Editors/large_repository.sh"
+                                                 (getenv "NEBGIT_TESTS_FOLDER"))
+                               nil nil nil (expand-file-name "work" folder) "5" "5000")))
+  (setq test-folder (expand-file-name "work/" folder)
+        default-directory test-folder))
+
+(defun day-shown-p (mode text)
+  "Return the buffer in MODE that contains TEXT, or nil."
+  (cl-find-if (lambda (buffer)
+                (with-current-buffer buffer
+                  (and (derived-mode-p mode) (string-match-p text (buffer-string)))))
+              (buffer-list)))
+
+(defun day-scroll-log ()
+  "Show the log, and scroll through some pages."
+  (nebgit-log)
+  (test-wait (string-match-p "Change 4950" (buffer-string)))
+  (should (< (count-lines (point-min) (point-max)) 2000))
+  (test-wait (progn
+               (goto-char (point-max))
+               (nebgit-log-more)
+               (> (count-lines (point-min) (point-max)) 2600)))
+  (goto-char (point-min))
+  (search-forward "Change 2500")
+  (nebgit-log-show)
+  (test-wait (day-shown-p 'nebgit-revision-mode "^\\+2500$")))
+
+(ert-deftest day-in-a-large-history-succeeds ()
+  (test-with-folder
+    (save-window-excursion
+      (day-create-large-repository folder)
+      (day-scroll-log)
+      (find-file (expand-file-name "history/0/1" test-folder))
+      (nebgit-blame)
+      (test-wait (day-shown-p 'nebgit-blame-mode "Ann Example +│"))
+      (day-stage "modified   d000/f000003")
+      (day-commit "Change a file")
+      (should (equal (test-git "show" "--format=" "--name-only") "d000/f000003")))))
+
 ;;; Windows in the documentation
 
 (defconst day-page (expand-file-name "../../../docs/editors.md" (getenv "NEBGIT_TESTS_FOLDER"))

@@ -99,4 +99,48 @@ function tests.FromCloneToPush()
   harness.wait_for_content("main.c", "// later")
 end
 
+-- Creates a repository with 5 changed files and many commits.
+local function create_large_repository()
+  local sources = vim.fn.fnamemodify(debug.getinfo(1, "S").source:sub(2), ":p:h:h:h:h")
+  vim.fn.delete(harness.root, "rf")
+  harness.run({ sources .. "/Benchmarks/Editors/large_repository.sh", harness.root, "5", "5000" })
+  harness.enter()
+end
+
+local function wait_for_text(text)
+  harness.wait(function()
+    return table.concat(harness.lines(), "\n"):find(text, 1, true)
+  end, text)
+end
+
+function tests.LargeHistory()
+  create_large_repository()
+  vim.cmd("NEBGit log")
+  wait_for_text("Change 4950")
+  harness.equal(true, vim.fn.line("$") < 2000)
+  harness.wait(function()
+    vim.cmd("normal! G")
+    -- The event does not arrive while the test runs.
+    vim.cmd("doautocmd CursorMoved")
+    return vim.fn.line("$") > 3000
+  end, "pages of the log")
+  harness.go_to("Change 2500")
+  harness.press("<CR>")
+  wait_for_text("+2500")
+  vim.cmd("silent only")
+  harness.edit("history/0/1")
+  harness.wait(function()
+    return vim.b.nebgit_path
+  end, "the path of the file")
+  vim.cmd("NEBGit blame")
+  wait_for_text("Ann Example")
+  vim.cmd("silent only")
+  vim.cmd("NEBGit status")
+  harness.go_to("modified         d000/f000003")
+  harness.press("s")
+  harness.go_to("Staged (1)")
+  commit("", "Change a file")
+  harness.equal("d000/f000003", harness.git("show", "--format=", "--name-only"))
+end
+
 return tests

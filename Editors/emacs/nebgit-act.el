@@ -202,6 +202,19 @@ QUESTION is asked with the kind of the operation in place of %s."
   (interactive)
   (nebgit--finish-operation "abort" "Abort the %s and lose what was resolved? "))
 
+;;; Trust
+
+(defun nebgit-trust ()
+  "Trust the repository of the current buffer until Emacs exits.
+`nebgit-trusted-folders' keeps it."
+  (interactive)
+  (let ((root (nebgit-need-root)))
+    (unless (nebgit-inspected-p root)
+      (user-error "The repository is trusted already"))
+    (push root nebgit-trust--roots)
+    (run-hook-with-args 'nebgit-changed-hook root)
+    (message "NEBGit: trusted until Emacs exits; customize nebgit-trusted-folders to keep it")))
+
 ;;; Remotes
 
 (defun nebgit-push (&optional force)

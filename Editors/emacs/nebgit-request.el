@@ -12,6 +12,7 @@
 ;;; Code:
 
 (require 'nebgit-server)
+(require 'nebgit-trust)
 
 (defconst nebgit-types
   '((create-branch . 1) (delete-branch . 2) (ignore . 4) (remove . 5) (copy . 10) (move . 11)
@@ -110,7 +111,10 @@ options such as `:Amend'.  Members that are nil are left out."
         (options nil))
     (when root
       (let ((tree (list :location (nebgit-encode (directory-file-name root)))))
-        (setq request (append request (list :sourceTree tree)))
+        (setq request (append request (list :sourceTree tree)
+                              (and (not (memq type '(create-repository clone)))
+                                   (nebgit-inspected-p root)
+                                   (list :trust "inspect"))))
         (when (memq type '(fetch publish integrate))
           (setq request (append request (list :repositoryToAuthenticate tree))))))
     (cl-loop for (name value) on members by #'cddr
@@ -163,7 +167,10 @@ name, and `nebgit-cancel' ends the request."
   (car (rassq (plist-get request :type) nebgit-types)))
 
 (defun nebgit--permitted (request)
-  "Return REQUEST without the members that the server does not support."
+  "Return REQUEST without the members that the server does not support.
+Signal an error if it cannot inspect a repository that is not trusted."
+  (when (and (plist-get request :trust) (not (nebgit-capability :trust)))
+    (error "This nebsc cannot inspect repositories; install a newer one"))
   (if (and (plist-get request :background) (not (nebgit-capability :background)))
       (cl-loop for (name value) on request by #'cddr
                unless (eq name :background) append (list name value))

@@ -52,7 +52,9 @@ It counts up to four times as many."
   "Return an empty state.
 For each section `:SECTION' is a list of items, last one first, and
 `:SECTION-count' their number, which may exceed `nebgit-status-limit'.
-`:head' and `:operations' are records, `:cut' means that more was not read."
+`:head' and `:operations' are records, `:cut' means that more was not read,
+`:switched-off' has the names of settings that are not used, see
+`nebgit-trusted-folders'."
   (list :head nil :operations nil))
 
 (defun nebgit-status-refresh ()
@@ -75,8 +77,10 @@ command of the user would fail."
                                    (lambda (records)
                                      (dolist (record records)
                                        (setq state (nebgit-status--add state record))))
-                                   (lambda (cut)
-                                     (setq state (plist-put state :cut cut))
+                                   (lambda (cut &optional outcome)
+                                     (setq state (plist-put state :cut cut)
+                                           state (plist-put state :switched-off
+                                                            (plist-get outcome :switchedOff)))
                                      (finish)))
         (nebgit-perform (request 'operation)
                         :success (lambda (records _)
@@ -94,14 +98,15 @@ command of the user would fail."
 
 (defun nebgit-status--read-pages (request add done)
   "Read the records of REQUEST in pages, which ADD gets, then call DONE.
-Stop after four times `nebgit-status-limit' records, and pass t to DONE then: to
-read all changes of a very large working copy would take Emacs seconds."
+DONE gets nil and the outcome.  Stop after four times `nebgit-status-limit'
+records, and pass t to DONE then: to read all changes of a very large working
+copy would take Emacs seconds."
   (let ((left (* 4 nebgit-status-limit)) (size (max 1 (min 200 nebgit-status-limit))))
     (cl-labels ((page (records cursor outcome)
                   (funcall add records)
                   (cl-decf left (length records))
                   (cond ((and (not cursor) (plist-get outcome :error)))
-                        ((not cursor) (funcall done nil))
+                        ((not cursor) (funcall done nil outcome))
                         ((> left 0) (nebgit-next cursor size #'page #'failed))
                         (t (nebgit-close cursor)
                            (funcall done t))))
@@ -269,7 +274,14 @@ read all changes of a very large working copy would take Emacs seconds."
                    '(:section :path :hunk-number :line))))
 
 (defun nebgit-status--draw-head ()
-  "Insert the branch, its upstream and the unfinished operations."
+  "Insert the branch, its upstream and the unfinished operations.
+Say first if the repository is not trusted."
+  (when (nebgit-inspected-p default-directory)
+    (let ((names (nebgit-list (plist-get nebgit-status--state :switched-off))))
+      (nebgit-status--line '(:section trust) 'nebgit-warning
+                           "Not trusted: inspected only (M-x nebgit-trust)"
+                           (if names "; switched off: " "")
+                           (mapconcat #'nebgit-printable names ", "))))
   (let* ((head (plist-get nebgit-status--state :head))
          (id (nebgit-field head ObjectID))
          (branch (nebgit-name head Name))

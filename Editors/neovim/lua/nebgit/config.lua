@@ -27,6 +27,9 @@ M.defaults = {
     enabled = true, -- whether changes of other programs in the repository are seen at once
     working_tree = false, -- also those of files of the working copy
   },
+  -- A list of folders, or a function of the root of a working copy: repositories elsewhere, or for
+  -- which it returns false, are inspected. nil: all repositories are trusted.
+  trust = nil,
   -- "merge", "rebase" or "fast-forward"; nil: as git's settings pull.ff,
   -- branch.NAME.rebase and pull.rebase say.
   pull = nil,
@@ -53,8 +56,9 @@ local other_types = {
   ["pull"] = { string = true },
   ["log.order"] = { string = true },
   ["keys"] = { boolean = true },
+  ["trust"] = { ["function"] = true, table = true },
 }
-local free_tables = { ["command"] = true }
+local free_tables = { ["command"] = true, ["trust"] = true }
 
 -- Returns the first setting that does not exist or has a wrong type, as a sentence; or nil.
 local function problem(options, defaults, prefix)
@@ -64,8 +68,12 @@ local function problem(options, defaults, prefix)
     local allowed = other_types[path] or {}
     if default == nil and not other_types[path] then
       return ("'%s' is not a setting"):format(path)
-    elseif type(value) ~= type(default) and not allowed[type(value)] and value ~= false then
-      return ("'%s' must be a %s"):format(path, default and type(default) or "string")
+    elseif type(value) ~= type(default) and not allowed[type(value)]
+      and (value ~= false or path == "trust") then
+      local names = vim.tbl_keys(allowed)
+      table.sort(names)
+      return ("'%s' must be a %s"):format(path, default and type(default)
+        or table.concat(names, " or "))
     elseif type(value) == "table" and not free_tables[path] then
       local found = problem(value, default, path .. ".")
       if found then

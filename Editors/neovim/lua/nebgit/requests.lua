@@ -4,6 +4,7 @@ local M = {}
 
 local base64 = require("nebgit.base64")
 local server = require("nebgit.server")
+local trust = require("nebgit.trust")
 local utf8 = require("nebgit.utf8")
 
 -- The request types that are used, see docs/requests.md.
@@ -42,6 +43,9 @@ for _, name in ipairs({
 }) do
   changing[M.types[name]] = true
 end
+
+-- Types whose repository does not exist yet.
+local creating = { create_repository = true, clone = true }
 
 local last_token = 0
 
@@ -130,6 +134,7 @@ local function params_of(name, root, details)
     limits = details.limits,
     options = encoded_options(details.options),
     background = details.background and server.can("background") or nil,
+    trust = not creating[name] and trust.is_inspected(root) and "inspect" or nil,
   }
 end
 
@@ -181,11 +186,12 @@ function Pages:handle(failure, page, callback)
     failure = { class = "cursor-closed", message = failure.message }
   end
   failure = failure or page.outcome and failure_of(page.outcome)
-  callback(failure, decoded(page.records or {}), self.is_finished)
+  callback(failure, decoded(page.records or {}), self.is_finished, page.outcome)
 end
 
 -- Reads the next page unless one is being read or there is no more. Calls
--- callback(failure, records, is_last). The failure has the class "cursor-closed" if the server has
+-- callback(failure, records, is_last, outcome), the outcome nil before the last page, as in
+-- docs/json.md. The failure has the class "cursor-closed" if the server has
 -- forgotten the list, because it was idle for long or the server was started again.
 function Pages:next(callback)
   if self.is_reading or self.is_finished then

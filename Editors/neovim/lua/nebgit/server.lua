@@ -2,6 +2,7 @@
 -- sent when it has answered "initialize". After a crash, the next request starts it again.
 local M = {}
 
+local config = require("nebgit.config")
 local framing = require("nebgit.framing")
 local messages = require("nebgit.messages")
 local program = require("nebgit.process")
@@ -226,6 +227,10 @@ end
 local function initialized(process, failure, result)
   if failure then
     process.diagnostics = { failure.message }
+    kill(process)
+    return
+  elseif config.options.trust ~= nil and not (result.capabilities or {}).trust then
+    process.diagnostics = { "this nebsc cannot inspect repositories; unset 'trust' or update it" }
     kill(process)
     return
   end

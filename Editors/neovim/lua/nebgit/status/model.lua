@@ -11,7 +11,10 @@ M.sections = {
 
 -- Returns an empty model.
 function M.new()
-  return { head = {}, operations = {}, conflict = {}, untracked = {}, unstaged = {}, staged = {} }
+  return {
+    head = {}, operations = {}, switched_off = {},
+    conflict = {}, untracked = {}, unstaged = {}, staged = {},
+  }
 end
 
 local function add_entry(model, section, record, state)

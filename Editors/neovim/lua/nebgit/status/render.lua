@@ -44,6 +44,16 @@ local function operation_line(operation)
   return #keys == 0 and line or ("%s (%s)"):format(line, table.concat(keys, ", "))
 end
 
+-- Returns the line about a repository that is only inspected; switched_off are the names of its
+-- settings that name programs.
+local function inspection_line(switched_off)
+  local line = "Not trusted: inspected only (:NEBGit trust)"
+  if #switched_off > 0 then
+    line = ("%s; switched off: %s"):format(line, table.concat(switched_off, ", "))
+  end
+  return scratch.line(line)
+end
+
 -- Returns the line of an entry.
 local function entry_line(entry)
   local path = names.shown(entry.path)
@@ -101,11 +111,14 @@ local function add_section(result, model, section, title, view)
 end
 
 -- Returns the `lines` of the window, and the `items` by line: entries, and tables with the kind
--- "section", "hunk" or "more". view has `max_paths`, `all` (sections that are shown in full) and
+-- "section", "hunk" or "more". view has `is_inspected`, `max_paths`, `all` (sections that are shown in full) and
 -- `diffs` ({file = RECORD, section, path} by key of the entry).
 function M.render(root, model, view)
   local result = collector()
   result.add("Working copy: " .. names.shown(root))
+  if view.is_inspected then
+    result.add(inspection_line(model.switched_off))
+  end
   result.add(scratch.line(branch_line(model.head)))
   if (model.head.StashCount or 0) > 0 then
     result.add(("Stashes: %d"):format(model.head.StashCount))

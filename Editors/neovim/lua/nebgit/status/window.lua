@@ -8,6 +8,7 @@ local render = require("nebgit.status.render")
 local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 local scratch = require("nebgit.scratch")
+local trust = require("nebgit.trust")
 local watch = require("nebgit.watch")
 
 -- The number of paths that are read at a time.
@@ -56,6 +57,7 @@ function M.draw(buffer)
     keys[window] = { line = line, key = key_of(state.items[line]) }
   end
   state.view.max_paths = config.options.status.max_paths
+  state.view.is_inspected = trust.is_inspected(state.root)
   local result = render.render(state.root, state.model, state.view)
   state.items = result.items
   scratch.set_lines(buffer, 0, -1, result.lines)
@@ -84,8 +86,9 @@ end
 local function read_state(root, is_background, model, done)
   local pages = requests.pages("state", root, { background = is_background }, page_size)
   local function read_on()
-    pages:next(function(failure, records, is_last)
+    pages:next(function(failure, records, is_last, outcome)
       model_of.add(model, records)
+      model.switched_off = outcome and outcome.switchedOff or {}
       if failure or is_last then
         return done(failure)
       end
@@ -171,7 +174,7 @@ end
 
 local syntax = {
   [[syntax match NEBGitHeading /^\(Conflicts\|Untracked\|Unstaged\|Staged\) (\d\+)$/]],
-  [[syntax match NEBGitLabel /^\(Working copy\|Branch\|Stashes\|Unfinished\):/]],
+  [[syntax match NEBGitLabel /^\(Working copy\|Not trusted\|Branch\|Stashes\|Unfinished\):/]],
   [[syntax match NEBGitAdded /^    +.*/]],
   [[syntax match NEBGitRemoved /^    -.*/]],
   [[syntax match NEBGitHunk /^    @@.*/]],

@@ -12,7 +12,9 @@
      (save-window-excursion
        (nebgit-status)
        (test-wait-status)
-       ,@body)))
+       ,@body
+       ;; git may be about to write when the test has seen what it waits for.
+       (test-wait (not nebgit--changing)))))
 
 (defun test-wait-status ()
   "Wait until the status shows what is on the disk."

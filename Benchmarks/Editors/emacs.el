@@ -162,6 +162,7 @@
               default-directory root)
         (let ((end (+ (float-time) 2)))
           (latency-measure "nothing" (> (float-time) end)))
+        (latency-measure "a garbage collection" t (garbage-collect))
         (latency-log commits)
         (latency-signs 1000)
         (latency-signs 10000)

@@ -193,10 +193,12 @@ TEST_F(DiffCommand, ReportsWhatCannotBeCompared) {
     expectFailed(nebsc({"diff", "--cached"}), HasSubstr("--cached"), 2);
     expectFailed(nebsc({"diff", ""}), HasSubstr("argument 'REVISION' must not be empty"), 2);
     const TestRepository empty;
-    expectFailed(runNebsc({"diff"}, {.folder = empty.path()}),
+    expectDone(runNebsc({"diff"}, {.folder = empty.path()}));
+    expectFailed(runNebsc({"diff", "HEAD"}, {.folder = empty.path()}),
                  HasSubstr("does not have any commits yet"));
-    EXPECT_EQ(runNebsc({"diff", "--json"}, {.folder = empty.path()}).json()["error"]["class"],
-              "no-commits-yet");
+    EXPECT_EQ(
+        runNebsc({"diff", "--json", "HEAD"}, {.folder = empty.path()}).json()["error"]["class"],
+        "no-commits-yet");
     const TemporaryFolder folder;
     expectFailed(runNebsc({"diff"}, {.folder = folder.path()}), HasSubstr("ot a git repository"));
 }
@@ -310,6 +312,19 @@ TEST_F(DiffOfIndex, BeforeTheFirstCommitEverythingIsAdded) {
                "     +2     -0  new.c\n1 file changed, 2 lines added, 0 deleted\n");
     expectDone(runNebsc({"diff", "--staged"}, {.folder = unborn.path()}),
                unborn.git({"diff", "--cached"}));
+    unborn.write("new.c", "1\n2\n3\n");
+    for (const char* format : {"sha1", "sha256"}) {
+        SCOPED_TRACE(format);
+        expectDone(runNebsc({"diff", "--stat"}, {.folder = unborn.path()}),
+                   "     +3     -0  new.c\n1 file changed, 3 lines added, 0 deleted\n");
+        const NebscOutcome json = runNebsc({"diff", "--json"}, {.folder = unborn.path()});
+        EXPECT_THAT(json.json()["result"][0].dump(), testing::HasSubstr("+3"));
+        EXPECT_EQ(runNebsc({"diff", "--", "nosuch"}, {.folder = unborn.path()}).errors,
+                  "'nosuch' exists neither on disk nor in the index.\n");
+        std::filesystem::remove_all(unborn.path(".git"));
+        unborn.git({"init", "-q", "--object-format=sha256"});
+        unborn.git({"add", "new.c"});
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 
+#include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/DiffQueries.h"
 #include "CommandFrame/RevisionArguments.h"
@@ -54,6 +55,8 @@ private:
     [[nodiscard]] bool isFromCommonAncestor() const {
         return arguments().has("--common-ancestor") || _named.dots == "...";
     }
+    /// Compares with the empty tree if there is no commit yet. Refuses if HEAD is broken.
+    [[nodiscard]] std::optional<CommandOutput> compareWithNothing();
     void noteFilesNotCompared(const Outcome& outcome, CommandOutput& output);
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeChangesRequest() const;
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
@@ -62,6 +65,7 @@ private:
                                           Colour colour) const;
 
     RevisionArguments _named;
+    bool _isWithoutCommits = false;
     /// One of the three is present, unless the command prints JSON.
     std::shared_ptr<NameStatusQuery> _names;
     std::shared_ptr<LineCountQuery> _counts;
@@ -89,8 +93,25 @@ std::optional<CommandOutput> DiffTask::validate() {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
             _named.revisions.push_back(head);
         }
+        return compareWithNothing();
+    }
+    return std::nullopt;
+}
+
+/// Before the first commit, everything that is tracked is new. git knows the empty tree, whose id
+/// depends on the format of the repository, even if nothing has written it.
+std::optional<CommandOutput> DiffTask::compareWithNothing() {
+    if (!git().isWithoutCommits()) {
+        return std::nullopt;
+    }
+    const auto emptyTree = brokenReference(git(), "HEAD")
+                               ? std::nullopt
+                               : git().outputOf({"hash-object", "-t", "tree", "/dev/null"});
+    if (!emptyTree) {
         return refusalWithoutCommits(git());
     }
+    _named.revisions = {*emptyTree};
+    _isWithoutCommits = true;
     return std::nullopt;
 }
 
@@ -197,7 +218,8 @@ void DiffTask::noteFilesNotCompared(const Outcome& outcome, CommandOutput& outpu
         output.standardError +=
             isAnythingAt(file)
                 ? name + " is untracked and was not compared; 'nebsc add' tracks it.\n"
-                : name + " exists neither on disk nor in " + printable(inQuotes(revision)) + ".\n";
+                : name + " exists neither on disk nor in " +
+                      (_isWithoutCommits ? "the index" : printable(inQuotes(revision))) + ".\n";
     }
 }
 

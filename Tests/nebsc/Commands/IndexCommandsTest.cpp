@@ -96,6 +96,16 @@ TEST_F(IndexCommands, DiscardRefusesFilesInConflict) {
     EXPECT_EQ(state(), "");
 }
 
+TEST_F(IndexCommands, DiscardSaysThatItKeepsAnUntrackedRepository) {
+    repository.git({"init", "-q", "inner"});
+    repository.write("inner/a", "1");
+    const NebscOutcome kept = nebsc({"discard", "--force", "--untracked", "inner"});
+    EXPECT_EQ(kept.output, "Nothing to discard.\n");
+    EXPECT_EQ(kept.errors, "'inner' is a separate git repository, which is not deleted.\n");
+    EXPECT_EQ(kept.exitStatus, 0);
+    EXPECT_TRUE(isThere("inner/a"));
+}
+
 TEST_F(IndexCommands, DiscardListsAndDeletesUntrackedFiles) {
     repository.write("new", "1");
     expectDone(nebsc({"discard", "--all", "--untracked", "--dry-run"}),

@@ -5,6 +5,9 @@
 #include "Commands/IndexTask.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/PathString.h"
+#include "Session/Paths.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -82,7 +85,21 @@ protected:
                    : "";
     }
     void report(const Outcome& outcome, CommandOutput& output) override;
+
+private:
+    /// Names the untracked repositories among the files, which git never deletes.
+    void noteSeparateRepositories(CommandOutput& output) const;
 };
+
+void DiscardTask::noteSeparateRepositories(CommandOutput& output) const {
+    for (const std::string& path : paths(Flag::files)) {
+        if (path != workingCopy().location &&
+            isAnythingAt(pathByAppendingComponent(path, ".git")) && !git().isTracked(path)) {
+            output.standardError += printable(inQuotes(pathAsSeen(workingCopy(), path))) +
+                                    " is a separate git repository, which is not deleted.\n";
+        }
+    }
+}
 
 void DiscardTask::report(const Outcome& outcome, CommandOutput& output) {
     const std::string lines =
@@ -97,6 +114,7 @@ void DiscardTask::report(const Outcome& outcome, CommandOutput& output) {
         addFailure(output, refused);
     } else if (lines.empty()) {
         output.standardOutput = "Nothing to discard.\n";
+        noteSeparateRepositories(output);
     } else {
         output.standardOutput = (arguments().has(dryRun) ? "Would discard:\n" : "Discarded:\n");
         output.standardOutput += lines;

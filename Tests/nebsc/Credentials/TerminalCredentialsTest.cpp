@@ -56,6 +56,7 @@ TEST(TerminalCredentials, MayBeDeclinedOrInterrupted) {
     const NebscOutcome declined = cloneAtTerminal({"Username for", "^D"}, http.url(), folder);
     EXPECT_EQ(declined.exitStatus, 1);
     EXPECT_THAT(declined.output, HasSubstr("nebsc: "));
+    EXPECT_THAT(declined.output, Not(HasSubstr("askpass")));
     const NebscOutcome interrupted =
         cloneAtTerminal(dialogueWithPassword("^C"), http.url("ann@"), folder);
     EXPECT_EQ(interrupted.exitStatus, 130) << interrupted.output;

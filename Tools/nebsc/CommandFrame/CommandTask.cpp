@@ -178,6 +178,7 @@ CommandOutput CommandTask::outputFor(Outcome& outcome) {
     }
     if (outcome.error) {
         describeAccessDeniedHere(*outcome.error);
+        removeUnansweredQuestions(*outcome.error);
     }
     explainBrokenHEAD(outcome);
     if ((outcome.error && isHandled(*outcome.error)) ||

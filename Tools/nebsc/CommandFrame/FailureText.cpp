@@ -15,6 +15,7 @@
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
+#include "Session/Credentials/AskpassProgram.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
 #include "Terminal/PrintableText.h"
@@ -113,6 +114,20 @@ void describeAccessDeniedHere(NEBSourceControlError& error) {
                  std::string(NEBSourceControlErrorClassNamed(errorClass)->description)}};
             NEBSourceControlAddAdvice(error);
         }
+    }
+}
+
+void removeUnansweredQuestions(NEBSourceControlError& error) {
+    constexpr std::string_view beginning = "error: unable to read askpass response from '";
+    const std::string end = std::string(askpassProgramName) + "'";
+    std::string kept;
+    forEachLine(error.text.value_or(""), [&](std::string_view line) {
+        if (!line.starts_with(beginning) || !line.ends_with(end)) {
+            kept.append(line).append("\n");
+        }
+    });
+    if (error.text && kept.size() < error.text->size()) {
+        error.text = std::move(kept);
     }
 }
 

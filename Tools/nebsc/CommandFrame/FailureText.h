@@ -29,6 +29,9 @@ namespace neb::nebsc {
 /// Gives an error of a file or of a hook the code and the sentences of its class. The plug-in's own
 /// table takes every "Permission denied" for a wrong password.
 void describeAccessDeniedHere(NEBSourceControlError& error);
+/// Removes the lines in which git reports that the question of nebsc for a name or password was
+/// not answered: they name a temporary file.
+void removeUnansweredQuestions(NEBSourceControlError& error);
 /// Returns the failure of a query about these names, with what git printed.
 [[nodiscard]] CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,
                                            const std::vector<std::string>& names = {});

@@ -6,7 +6,8 @@
 Each round runs every command once, first nebsc and then git or the other way round. Output goes to
 /dev/null. A ratio is the median of the ratios within each round, with the ratio of the two fastest
 runs, which a busy machine disturbs less. Git runs with GIT_OPTIONAL_LOCKS=0, as nebsc runs it.
-The count of processes is the one that --trace reports.
+The count of processes is the one that --trace reports. A second table compares nebsc with and
+without --inspect; the cost is the median of the differences within each round.
 """
 
 import os
@@ -25,6 +26,7 @@ SMALL = [
     ("blame", ["blame", "dir0/a0"], ["blame", "dir0/a0"]),
     ("diff v1", ["diff", "v1"], ["diff", "v1"]),
 ]
+INSPECTED = [["status"], ["log", "-n", "20"], ["branch"], ["blame", "dir0/a0"], ["diff", "v1"]]
 LARGE = [
     ("status --short", ["status", "--short"], ["status", "--porcelain", "-z"]),
     ("status", ["status"], ["status", "--porcelain=v2", "-z", "--branch", "--show-stash"]),
@@ -90,20 +92,33 @@ def count_processes(nebsc, arguments, folder):
     return len(re.findall(r"^trace \d+: exit status", trace, re.MULTILINE))
 
 
-def compare(label, nebsc, case, folder, rounds):
-    name, ours, theirs = case
-    commands = ([nebsc, *ours], ["git", *theirs])
+def rounds_of(commands, folder, rounds):
+    """The times of both commands in each round, after one that warms up."""
     runs = []
     for i in range(rounds + 1):
         order = (0, 1) if i % 2 == 0 else (1, 0)
         measured = {which: seconds(commands[which], folder) for which in order}
         runs.append((measured[0], measured[1]))
-    runs = runs[1:]  # the first round warms up
+    return runs[1:]
+
+
+def compare(label, nebsc, case, folder, rounds):
+    name, ours, theirs = case
+    runs = rounds_of(([nebsc, *ours], ["git", *theirs]), folder, rounds)
     nebsc_times, git_times = zip(*runs)
     ratio = statistics.median(a / b for a, b in runs)
     print(f"| {name} | {label} | {count_processes(nebsc, ours, folder)} "
           f"| {statistics.median(git_times) * 1000:.2f} | {statistics.median(nebsc_times) * 1000:.2f} "
           f"| {ratio:.2f} | {min(nebsc_times) / min(git_times):.2f} |", flush=True)
+
+
+def compare_inspection(nebsc, arguments, folder, rounds):
+    runs = rounds_of(([nebsc, *arguments], [nebsc, "--inspect", *arguments]), folder, rounds)
+    plain, inspected = zip(*runs)
+    cost = statistics.median(b - a for a, b in runs)
+    print(f"| {' '.join(arguments)} | {statistics.median(plain) * 1000:.2f} "
+          f"| {statistics.median(inspected) * 1000:.2f} | {cost * 1000:.2f} "
+          f"| {(min(inspected) - min(plain)) * 1000:.2f} |", flush=True)
 
 
 def main():
@@ -120,6 +135,11 @@ def main():
             folder = changed_repository(os.path.join(top, str(entries)), entries)
             for case in LARGE:
                 compare(f"{entries:,} entries", nebsc, case, folder, max(rounds // 5, 3))
+        print("\n| command | ms | with --inspect | cost | cost of the fastest |")
+        print("| --- | --: | --: | --: | --: |")
+        folder = small_repository(os.path.join(top, "inspected"))
+        for arguments in INSPECTED:
+            compare_inspection(nebsc, arguments, folder, rounds)
 
 
 if __name__ == "__main__":

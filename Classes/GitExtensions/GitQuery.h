@@ -43,9 +43,9 @@ public:
     using GitComposite::GitComposite;
 
 protected:
-    /// Runs git with these arguments until it has finished, and returns the query, never null. A git
-    /// that did not start, or that a signal ended, has answered nothing: the composite then has its
-    /// error. The caller decides about a git that exited with another status than 0.
+    /// Runs git with these arguments until it has finished, and returns the query, never null. A
+    /// git that did not start, or that a signal ended, has answered nothing: the composite then has
+    /// its error. The caller decides about a git that exited with another status than 0.
     std::shared_ptr<GitQueryOperation> runQuery(std::shared_ptr<NEBSourceControlRequest> request,
                                                 const std::vector<std::string>& arguments);
     /// The same with this query.

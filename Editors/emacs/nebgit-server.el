@@ -291,15 +291,11 @@ It may not if one of them failed: the message of a commit would be lost."
 
 (defun nebgit--stop-at-exit ()
   "End the server before Emacs exits, after `nebgit--changing'.
-Wait for at most a second for the end of the server."
+Do not wait for its end: Emacs, if a signal ends it, does not notice
+that and would read the closed pipe without end."
   (with-local-quit (nebgit--await-changes))
-  (let ((connection nebgit--connection)
-        (inhibit-message t)
-        (limit (+ (float-time) 1)))
-    (ignore-errors
-      (nebgit-stop)
-      (while (and connection (jsonrpc-running-p connection) (< (float-time) limit))
-        (accept-process-output (jsonrpc--process connection) 0.05)))))
+  (let ((inhibit-message t))
+    (ignore-errors (nebgit-stop))))
 
 (add-hook 'kill-emacs-query-functions #'nebgit--finish-before-exit)
 (add-hook 'kill-emacs-hook #'nebgit--stop-at-exit)

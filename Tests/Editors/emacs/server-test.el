@@ -182,6 +182,24 @@ The hook of git exits with STATUS."
     (test-wait (not nebgit--connection))
     (should (equal (test-git "log" "-1" "--format=%s") "At the end"))))
 
+(ert-deftest server-lets-emacs-end-when-its-terminal-closes ()
+  (test-with-repository
+    (should (eql (call-process
+                  "python3" nil nil nil
+                  (expand-file-name "../../nebsc/Credentials/at_terminal.py"
+                                    (getenv "NEBGIT_TESTS_FOLDER"))
+                  "the server runs" "hang up" "--" "env" "TERM=xterm"
+                  (expand-file-name invocation-name invocation-directory)
+                  "-nw" "-Q" "-L" (getenv "NEBGIT_EMACS_FOLDER") "-l" "nebgit"
+                  "--eval" (prin1-to-string
+                            `(progn
+                               (setq nebgit-program ,nebgit-program)
+                               (add-hook 'nebgit-server-started-hook
+                                         (lambda () (message "the server runs")))
+                               (nebgit-perform (nebgit-request 'history ,folder)))))
+                 ;; The number of SIGHUP: Emacs ended by itself.
+                 1))))
+
 (ert-deftest server-keeps-emacs-after-a-commit-that-failed ()
   (test-with-commit 1
     (should-not (run-hook-with-args-until-failure 'kill-emacs-query-functions))

@@ -3,12 +3,14 @@
 
 usage: at_terminal.py [PROMPT ANSWER]... -- PROGRAM ARGUMENT...
 Types each answer when its prompt has appeared; the answer ^C interrupts, ^D ends the input, and one
-that begins with ^\\ or ^Z has that key in front. Prints what the terminal shows. The exit status is
-that of the program, 99 after a signal.
+that begins with ^\\ or ^Z has that key in front; "hang up" closes the terminal, and kills a program
+that does not end in a minute. Prints what the terminal shows. The exit status is that of the
+program, 99 after a signal.
 """
 import os
 import pty
 import select
+import signal
 import sys
 
 CONTROL = {"^C": b"\x03", "^D": b"\x04"}
@@ -32,6 +34,11 @@ while True:
     if dialogue and dialogue[0][0].encode() in shown[start:]:
         answer = dialogue.pop(0)[1]
         start = len(shown)
+        if answer == "hang up":
+            os.close(terminal)
+            signal.signal(signal.SIGALRM, lambda *_: os.kill(process, signal.SIGKILL))
+            signal.alarm(60)
+            break
         key, text = KEYS.get(answer[:2], b""), answer[2:] if answer[:2] in KEYS else answer
         os.write(terminal, CONTROL.get(answer, key + text.encode() + b"\n"))
 print(shown.decode(errors="replace").replace("\r\n", "\n"), end="")

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -10,12 +9,12 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <string_view>
 #include <utility>
 
 #include "Platform/SignalFreeThread.h"
 #include "Session/Credentials/AskpassProgram.h"
+#include "Session/Credentials/PrivateFolder.h"
 #include "Session/ProgramFile.h"
 
 namespace neb::nebsc {
@@ -39,24 +38,6 @@ std::string newToken() {
         token += digits[byte % digits.size()];
     }
     return token;
-}
-
-/// Returns a new folder that only the user can enter; empty if the system refuses one.
-std::string newPrivateFolder() {
-    const std::array<const char*, 3> parents{::getenv("XDG_RUNTIME_DIR"), ::getenv("TMPDIR"),
-                                             "/tmp"};
-    for (const char* parent : parents) {
-        if (parent == nullptr || *parent == '\0') {
-            continue;
-        }
-        std::string path = std::string(parent) + "/nebsc-XXXXXX";
-        const bool fits =
-            path.size() + askpassSocketName.size() + 1 < sizeof(sockaddr_un::sun_path);
-        if (path.starts_with('/') && fits && ::mkdtemp(path.data()) != nullptr) {
-            return path;
-        }
-    }
-    return {};
 }
 
 /// The time until a connection is accepted again after the system had no descriptor or memory for
@@ -148,11 +129,13 @@ bool CredentialService::open() {
         ::bind(_listener.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
         ::listen(_listener.get(), static_cast<int>(questionsAtOnce)) == 0) {
         _queue.emplace(questionsAtOnce);
-        _thread = startSignalFreeThread([this] { accept(); });
+        _thread = startSignalFreeThread([this] {
+            removeAbandonedPrivateFolders();
+            accept();
+        });
     }
     if (!_thread.joinable()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
+        removePrivateFolder(folder);
     }
     return _thread.joinable();
 }
@@ -165,8 +148,7 @@ CredentialService::~CredentialService() {
     _queue.reset();
     const MutexLock lock(_mutex);
     if (!_folder.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(_folder, ignored);
+        removePrivateFolder(_folder);
     }
 }
 

@@ -76,6 +76,12 @@ GitChangeOperation::GitChangeOperation(std::shared_ptr<NEBSourceControlRequest> 
                                        std::optional<Data> input)
     : GitOperation(std::move(request)) {
     setChangesRepository();
+    // git-push(1) has "--set-upstream", git-branch(1) "--set-upstream-to=NAME".
+    if (std::ranges::any_of(arguments, [](const std::string& argument) {
+            return argument.starts_with("--set-upstream");
+        })) {
+        setSetsUpstream();
+    }
     setArgumentsBehindDefaults(arguments);
     setInput(std::move(input));
 }

@@ -92,6 +92,7 @@ GitBranchOperation::GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> 
             break;
         case NEBSourceControlRequestTrackRemoteBranch:
             reportMissingNames(asked);
+            setSetsUpstream();
             arguments.emplace_back("--track");
             appendIfPresent(arguments, asked.destination);
             arguments.push_back(branchOfRemote(asked));

@@ -25,21 +25,18 @@ std::string findGit() {
         .pathOfProgram("git");
 }
 
-/// git exits with status 0 although it could not write a setting, such as the upstream branch of a
-/// branch that it pushed. The settings of a deleted branch that remain are only a warning.
+/// Whether a line says that git could not write a setting.
 bool reportsUnwrittenSetting(std::string_view text) {
     constexpr std::string_view signs[] = {"error: could not lock config file ",
                                           "error: could not write config file ",
                                           "error: failed to write new configuration file "};
     bool isReported = false;
-    bool isOnlyWarning = false;
     forEachLine(text, [&](std::string_view line) {
         isReported = isReported || std::ranges::any_of(signs, [line](std::string_view sign) {
                          return line.starts_with(sign);
                      });
-        isOnlyWarning = isOnlyWarning || line.starts_with("warning: Update of config-file failed");
     });
-    return isReported && !isOnlyWarning;
+    return isReported;
 }
 
 }  // namespace
@@ -109,7 +106,7 @@ std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
         return std::nullopt;
     }
     if (isSuccess && _isJudgedByExitStatus) {
-        return reportsUnwrittenSetting(*message)
+        return _setsUpstream && reportsUnwrittenSetting(*message)
                    ? std::optional(NEBSourceControlErrorFromText(*message, *request()))
                    : std::nullopt;
     }

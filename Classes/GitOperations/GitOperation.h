@@ -67,6 +67,9 @@ protected:
     /// Declares an operation that writes files and runs no hooks: status 0 is success, whatever was
     /// printed.
     void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
+    /// Declares a change that sets the upstream branch of a branch. git exits with status 0 even if
+    /// it could not write that setting, which is an error nevertheless.
+    void setSetsUpstream() { _setsUpstream = true; }
     /// Declares a query: exit status 1 without output means that there is no result.
     void setEmptyOutputIsValid() { _isEmptyOutputValid = true; }
 
@@ -82,6 +85,7 @@ protected:
 
 private:
     bool _isJudgedByExitStatus = false;
+    bool _setsUpstream = false;
     bool _isEmptyOutputValid = false;
 };
 

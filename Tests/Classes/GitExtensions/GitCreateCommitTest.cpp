@@ -39,6 +39,15 @@ TEST_F(CreateCommit, ReturnsTheFullIdAndKeepsTheMessage) {
     EXPECT_THAT(git({"log", "-1", "--format=%B"}), HasSubstr("Second\n\nSigned-off-by: "));
 }
 
+TEST_F(CreateCommit, SucceedsWhateverAHookPrints) {
+    repository.write("a.c", "1");
+    repository.git({"add", "a.c"});
+    repository.write(".git/hooks/post-commit",
+                     "#!/bin/sh\necho 'error: could not lock config file x: File exists' >&2\n");
+    ::chmod(repository.path(".git/hooks/post-commit").c_str(), 0700);
+    expectHead(*performed(NEBSourceControlRequestCreateCommit, withMessage("m")));
+}
+
 /// git itself takes the author of the first commit that matches.
 TEST_F(CreateCommit, TakesNoAuthorOfAnotherCommit) {
     repository.commitFile("a.c", "1");

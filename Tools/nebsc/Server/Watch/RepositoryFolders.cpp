@@ -17,6 +17,17 @@ namespace {
 /// With more folders than this, the whole working tree is searched: arguments have a limit.
 constexpr std::size_t mostFolderArguments = 500;
 
+/// Nobody may have decided yet whether this repository is trusted. So git gets no missing objects,
+/// for which it could start the repository's programs, and runs no hooks.
+NEBSourceControlChildTraits untrustingTraits() {
+    static const NEBSourceControlSetting withoutHooks[] = {{"core.hooksPath", "/dev/null"}};
+    NEBSourceControlChildTraits traits;
+    traits.isBackgroundWork = true;
+    traits.mayFetchObjects = false;
+    traits.settings = withoutHooks;
+    return traits;
+}
+
 WatchFailure failureOf(const ChildOutcome& outcome, const std::string& location) {
     auto tree = std::make_shared<NEBSourceControlWorkingTree>();
     tree->name = lastPathComponent(location);
@@ -51,10 +62,11 @@ std::vector<std::string> linesOf(std::string_view output) {
 /// repository and inside a git directory.
 RepositoryFoldersResult findRepositoryFolders(ChildProcess& process, const Trace& trace,
                                               const std::string& location) {
-    const ChildOutcome outcome = runGit(
-        process, trace,
-        {"rev-parse", "--path-format=absolute", "--git-dir", "--git-common-dir", "--show-toplevel"},
-        location);
+    const ChildOutcome outcome =
+        runGitProcesses(process, trace,
+                        {{"rev-parse", "--path-format=absolute", "--git-dir", "--git-common-dir",
+                          "--show-toplevel"}},
+                        {.folder = location, .traits = untrustingTraits()});
     const std::vector<std::string> lines = linesOf(outcome.output);
     if (lines.size() < 2) {
         return {.failure = failureOf(outcome, location)};
@@ -74,9 +86,9 @@ std::unordered_set<std::string> ignoredFolders(ChildProcess& process, const Trac
         arguments.emplace_back("--");
         arguments.insert(arguments.end(), within.begin(), within.end());
     }
-    const ChildOutcome outcome = runGitProcesses(
-        process, trace, {arguments},
-        {.folder = top, .traits = {.hasPatternCharacters = true, .isBackgroundWork = true}});
+    GitSurroundings surroundings{.folder = top, .traits = untrustingTraits()};
+    surroundings.traits.hasPatternCharacters = true;
+    const ChildOutcome outcome = runGitProcesses(process, trace, {arguments}, surroundings);
     std::unordered_set<std::string> folders;
     if (!outcome.status.isSuccess()) {
         return folders;

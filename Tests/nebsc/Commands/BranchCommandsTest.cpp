@@ -260,8 +260,10 @@ TEST_F(BranchCommands, TrackFetchesARemoteBranch) {
 TEST_F(BranchCommands, CreateTakesNoNameOfAPreviousBranch) {
     repository.git({"checkout", "-q", "-b", "topic"});
     repository.git({"checkout", "-q", "-"});
-    expectFailed(nebsc({"branch", "create", "@{-1}x"}),
-                 "nebsc: '@{-1}x' is not a valid name for a branch\n");
+    for (const std::string name : {"@{-1}x", "main@{u}x"}) {
+        expectFailed(nebsc({"branch", "create", name}),
+                     "nebsc: '" + name + "' is not a valid name for a branch\n");
+    }
     EXPECT_EQ(repository.gitStatus({"rev-parse", "-q", "--verify", "refs/heads/topicx"}), 1);
 }
 

@@ -139,8 +139,8 @@ protected:
 /// common ancestor, to git.
 std::optional<CommandOutput> CreateTask::validate() {
     const auto start = arguments().value("START");
-    // git would create a branch of another name.
-    if (argument(nameParameter).starts_with("@{")) {
+    // No branch has this in its name: git would take it for a question about another branch.
+    if (argument(nameParameter).find("@{") != std::string::npos) {
         return refusal(inQuotes(argument(nameParameter)) + " is not a valid name for a branch.",
                        exitFailed, NEBSourceControlBranchNameInvalidErrorClass);
     }

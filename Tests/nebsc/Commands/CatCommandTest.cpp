@@ -57,8 +57,19 @@ TEST_F(CatCommand, PrintsTheSidesOfAConflict) {
     expectDone(nebsc({"cat", ":3:src/a b.c"}), "two\n");
     expectFailed(nebsc({"cat", ":src/a b.c"}),
                  StartsWith("nebsc: 'src/a b.c' is in conflict\n'nebsc cat ':1:src/a b.c'' prints "
-                            "the common ancestor; ':2:' instead prints our side, ':3:' their "
-                            "side.\n"));
+                            "the common ancestor; ':2:' instead prints our side; ':3:' instead "
+                            "prints their side.\n"));
+    expectFailed(nebsc({"cat", ":src"}), Not(HasSubstr("in conflict")));
+}
+
+TEST_F(CatCommand, NamesTheVersionsThatAConflictHas) {
+    repository.git({"checkout", "--quiet", "-b", "topic", "v1"});
+    repository.git({"rm", "--quiet", "src/a b.c"});
+    repository.git({"commit", "--quiet", "-m", "Delete"});
+    ASSERT_EQ(repository.gitStatus({"merge", "--quiet", "main"}), 1);
+    expectFailed(nebsc({"cat", ":src/a b.c"}),
+                 "nebsc: 'src/a b.c' is in conflict\n'nebsc cat ':1:src/a b.c'' prints the common "
+                 "ancestor; ':3:' instead prints their side.\n");
 }
 
 TEST_F(CatCommand, KeepsEveryByte) {

@@ -101,7 +101,13 @@ TEST_F(FinishCommands, FinishWhatGitAmHasBegun) {
                 HasSubstr("\nUnfinished: git am, step 1 of 2\n"
                           "  'nebsc continue' resumes it, 'nebsc skip' leaves the patch out, "
                           "'nebsc abort' cancels it.\n"));
+    repository.git({"config", "gpg.program", "false"});
+    repository.git({"config", "commit.gpgSign", "true"});
+    repository.write("src/a.c", "resolved\n");
+    repository.git({"add", "src/a.c"});
+    expectFailed(nebsc({"continue"}), Not(HasSubstr("'nebsc skip'")));
     repository.git({"checkout", "--quiet", "HEAD", "src/a.c"});
+    repository.git({"config", "--unset", "commit.gpgSign"});
     expectFailed(nebsc({"continue"}), EndsWith("'nebsc skip' leaves the patch out.\n"));
     EXPECT_THAT(nebsc({"skip"}).output, MatchesRegex("Skipped a patch of git am; now at .*\n"));
     EXPECT_TRUE(isThere("b.c"));

@@ -102,6 +102,10 @@ TEST_F(IndexCommands, DiscardSaysThatItKeepsAnUntrackedRepository) {
     const NebscOutcome kept = nebsc({"discard", "--force", "--untracked", "inner"});
     EXPECT_EQ(kept.output, "Nothing to discard.\n");
     EXPECT_EQ(kept.errors, "'inner' is a separate git repository, which is not deleted.\n");
+    repository.write("other", "1");
+    const NebscOutcome both = nebsc({"discard", "--force", "--untracked", "inner", "other"});
+    EXPECT_EQ(both.output, "Discarded:\n    untracked  other\n");
+    EXPECT_EQ(both.errors, kept.errors);
     EXPECT_EQ(kept.exitStatus, 0);
     EXPECT_TRUE(isThere("inner/a"));
 }

@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/ObjectName.h"
 #include "CommandFrame/RecordNames.h"
@@ -7,6 +9,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
+#include "Session/GitProgram.h"
 #include "Terminal/PatchText.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
@@ -29,6 +32,8 @@ protected:
 private:
     [[nodiscard]] std::optional<CommandOutput> refusalOfOtherObject() const;
     [[nodiscard]] std::optional<CommandOutput> refusalInConflict() const;
+    /// Returns the digits of the versions that the index has of a file in conflict.
+    [[nodiscard]] std::string stagesInConflict() const;
 
     ObjectName _name;
     /// From the top of the repository.
@@ -83,23 +88,39 @@ std::string CatTask::textOfResult(const NEBSourceControlResult& records) {
     return PatchText(STDOUT_FILENO, false).textOf(std::move(text));
 }
 
-/// In a conflict, the index has the versions of both sides, and none for the next commit.
+/// In a conflict, the index has the versions of both sides, or of one that changed what the other
+/// deleted, and none for the next commit.
 std::optional<CommandOutput> CatTask::refusalInConflict() const {
-    const bool isInConflict =
-        !_name.revision && _name.stage == 0 &&
-        !git()
-             .outputOf({"ls-files", "--unmerged", "-z", "--",
-                        pathByAppendingComponent(workingCopy().location, _path)})
-             .value_or("")
-             .empty();
-    if (!isInConflict) {
+    const std::string stages =
+        !_name.revision && _name.stage == 0 ? stagesInConflict() : std::string();
+    if (stages.empty()) {
         return std::nullopt;
     }
-    return refusalWithAdvice(
-        inQuotes(_path) + " is in conflict.",
-        "'nebsc cat " + shellQuoted(":1:" + _path) +
-            "' prints the common ancestor; ':2:' instead prints our side, ':3:' their side.",
-        NEBSourceControlConflictUnresolvedErrorClass);
+    constexpr std::string_view versions[] = {"the common ancestor", "our side", "their side"};
+    std::string advice;
+    for (const char stage : stages) {
+        const std::string name = std::string(":") + stage + ":";
+        advice.append(advice.empty() ? "'nebsc cat " + shellQuoted(name + _path) + "' prints "
+                                     : "; " + inQuotes(name) + " instead prints ");
+        advice.append(versions[stage - '1']);
+    }
+    return refusalWithAdvice(inQuotes(_path) + " is in conflict.", advice + ".",
+                             NEBSourceControlConflictUnresolvedErrorClass);
+}
+
+/// Reads lines "MODE ID STAGE\tPATH"; see git-ls-files(1), --stage.
+std::string CatTask::stagesInConflict() const {
+    const std::string path = std::filesystem::path(_path).lexically_normal();
+    const auto entries = git().outputOf({"ls-files", "--unmerged", "-z", "--",
+                                         pathByAppendingComponent(workingCopy().location, _path)});
+    std::string stages;
+    for (const std::string& entry : splitAtNUL(entries.value_or(""))) {
+        const std::size_t tab = entry.find('\t');
+        if (tab != std::string::npos && tab > 0 && entry.substr(tab + 1) == path) {
+            stages += entry[tab - 1];
+        }
+    }
+    return stages;
 }
 
 /// git reports that a folder or a submodule is a bad file, and does not name a missing one.

@@ -57,7 +57,8 @@ std::string FinishTask::adviceFor(const NEBSourceControlError& error) const {
     if (error.errorClass == NEBSourceControlConflictUnresolvedErrorClass) {
         return "'nebsc stage' marks a file as resolved.";
     }
-    if (isApplying() && std::string_view(action()) == "continue") {
+    const bool offersSkip = error.text.value_or("").find("git am --skip") != std::string::npos;
+    if (isApplying() && offersSkip && std::string_view(action()) == "continue") {
         return "'nebsc skip' leaves the patch out.";
     }
     const bool isEmptied = error.errorClass == NEBSourceControlNothingToCommitErrorClass;

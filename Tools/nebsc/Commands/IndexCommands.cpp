@@ -114,10 +114,12 @@ void DiscardTask::report(const Outcome& outcome, CommandOutput& output) {
         addFailure(output, refused);
     } else if (lines.empty()) {
         output.standardOutput = "Nothing to discard.\n";
-        noteSeparateRepositories(output);
     } else {
         output.standardOutput = (arguments().has(dryRun) ? "Would discard:\n" : "Discarded:\n");
         output.standardOutput += lines;
+    }
+    if (!outcome.error) {
+        noteSeparateRepositories(output);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Commands/HunkEditing.h"
 #include "Commands/HunkNavigation.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/Text.h"
 #include "Session/Editor.h"
 #include "Session/LineInput.h"
 #include "Terminal/Colour.h"
@@ -102,8 +103,9 @@ HunkDialogue::Next HunkDialogue::go(const HunkAnswer& answer, Place& place) {
             return next;
         }
     }
-    const ChoiceFound found = isSearch ? choiceLike(place.file, place.choice, argument)
-                                       : choiceWithNumber(place.file, argument);
+    const ChoiceFound found = isSearch
+                                  ? choiceLike(place.file, place.choice, argument)
+                                  : choiceWithNumber(place.file, std::string(trimmed(argument)));
     if (!found.failure.empty()) {
         return say(found.failure + ".");
     }

@@ -4,6 +4,7 @@
 
 #include "Commands/TextEditing.h"
 #include "Platform/Text.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -42,10 +43,10 @@ std::string editHunk(const GitQueries& git, FileChoices& file, std::size_t choic
                            : "# The edited hunk does not apply: " + asked.draftFailure + ".\n" +
                                  withoutComments(asked.draft);
     EditedText edited = editText(git, "addp-hunk-edit.diff", text + guide(file.use()));
-    if (!edited.failure.empty()) {
-        return edited.failure + "; the hunk is as it was.";
-    }
     ::unlink(edited.file.c_str());
+    if (!edited.failure.empty()) {
+        return printable(edited.failure) + "; the hunk is as it was.";
+    }
     if (file.edit(choice, std::move(edited.text))) {
         return "";
     }

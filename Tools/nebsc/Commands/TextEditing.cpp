@@ -24,8 +24,7 @@ std::string contentOfFile(const std::string& path) {
 
 EditedText editText(const GitQueries& git, const std::string& name, const std::string& text) {
     EditedText edited{.file = pathOfGitFile(git, name)};
-    std::ofstream stream(edited.file, std::ios::binary);
-    if (!(stream << text << std::flush)) {
+    if (!(std::ofstream(edited.file, std::ios::binary) << text << std::flush)) {
         edited.failure = "The file " + inQuotes(edited.file) + " cannot be written";
         edited.errorClass = NEBSourceControlIOErrorClass;
         return edited;

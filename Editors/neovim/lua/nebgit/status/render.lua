@@ -111,8 +111,8 @@ local function add_section(result, model, section, title, view)
 end
 
 -- Returns the `lines` of the window, and the `items` by line: entries, and tables with the kind
--- "section", "hunk" or "more". view has `is_inspected`, `max_paths`, `all` (sections that are shown in full) and
--- `diffs` ({file = RECORD, section, path} by key of the entry).
+-- "section", "hunk" or "more". view has `is_inspected`, `max_paths`, `all` (sections that are shown
+-- in full) and `diffs` ({file = RECORD, section, path} by key of the entry).
 function M.render(root, model, view)
   local result = collector()
   result.add("Working copy: " .. names.shown(root))

@@ -89,17 +89,19 @@ other removed ones are missing; otherwise it is the other way round."
                       (t (setq left nil)))
              (when left (push line lines)))
     (setq lines (nreverse lines))
-    (when (nebgit-diff--goes-on-without-newline-p lines)
+    (when (nebgit-diff--joins-lines-p lines kept)
       (user-error "The last line of the file has no newline; select the whole hunk"))
     (append (list :NEBSourceControlOperationLinesKey (vconcat lines)
                   :NEBSourceControlOperationOldCountKey (nebgit-diff--count lines ?+)
                   :NEBSourceControlOperationNewCountKey (nebgit-diff--count lines ?-))
             hunk)))
 
-(defun nebgit-diff--goes-on-without-newline-p (lines)
-  "Return non-nil if LINES go on after an unchanged one without a newline."
-  (cl-loop for (line next after) on lines
-           thereis (and after (string-prefix-p " " line) (string-prefix-p "\\" next))))
+(defun nebgit-diff--joins-lines-p (lines removed)
+  "Return non-nil if one of LINES, but the last, has no newline in the result.
+Lines that begin with the character REMOVED are not part of that."
+  (memq t (butlast (cl-loop for (line next) on lines
+                            unless (memq (aref line 0) (list removed ?\\))
+                            collect (string-prefix-p "\\" (or next ""))))))
 
 (defun nebgit-diff--count (lines other)
   "Return the number of LINES that do not begin with the character OTHER.

@@ -82,12 +82,19 @@
       (nebgit-unstage)
       (test-wait (equal (test-git "cat-file" "blob" ":new.txt") "1\n3")))))
 
+;; The last line of a text is the only one that can lack a newline: no other may follow it, whether
+;; the chosen lines are applied or taken back.
+
+(defun test-write-text (text)
+  "Write TEXT to the file c.txt."
+  (write-region text nil (expand-file-name "c.txt" test-folder) nil 'silent))
+
 (ert-deftest selection-refuses-lines-that-would-end-without-a-newline ()
   (test-with-repository
-    (write-region "one\ntwo" nil (expand-file-name "c.txt" folder) nil 'silent)
+    (test-write-text "one\ntwo")
     (test-git "add" "c.txt")
     (test-git "commit" "-q" "-m" "Third")
-    (write-region "one\n2\nthree" nil (expand-file-name "c.txt" folder) nil 'silent)
+    (test-write-text "one\n2\nthree")
     (test-with-status
       (test-go "modified   c.txt")
       (test-until "^@@" (nebgit-status-toggle-diff))
@@ -96,6 +103,73 @@
       (test-select "-two" "+2")
       (nebgit-stage)
       (test-wait (equal (test-git "cat-file" "blob" ":c.txt") "one\n2")))))
+
+(defconst test-texts-around-the-end
+  '(("one\ntwo" . "one\n2\nthree") ("one\ntwo" . "one\n2\nthree\n")
+    ("one\ntwo\n" . "one\n2\nthree") ("one\ntwo\nthree" . "one") ("one" . "zero\none\n2"))
+  "Pairs of texts that differ at their end.")
+
+(defun test-lines-after (lines chosen reverse)
+  "Return what LINES of a hunk are in the file after the CHOSEN ones are applied.
+REVERSE means that they are taken back.  Each has its newline if it has one."
+  (let ((removed (if reverse ?+ ?-)))
+    (cl-loop for (line next) on lines
+             for is-chosen in chosen
+             unless (or (string-prefix-p "\\" line)
+                        (and (nebgit-diff-change-p line) (eq (eq (aref line 0) removed) is-chosen)))
+             collect (concat (substring line 1)
+                             (unless (string-prefix-p "\\" (or next "")) "\n")))))
+
+(defun test-choices (lines)
+  "Return all lists that say for each of LINES, of a hunk, whether it is chosen."
+  (if (not lines)
+      '(nil)
+    (cl-loop for rest in (test-choices (cdr lines))
+             collect (cons nil rest)
+             when (nebgit-diff-change-p (car lines)) collect (cons t rest))))
+
+(defun test-apply-choice (file chosen reverse)
+  "Apply the CHOSEN lines of the hunk of FILE, a record of type 1004, to c.txt.
+REVERSE means that they are taken back.  Check the text, or that it is refused."
+  (let* ((hunk (elt (nebgit-field file Hunks) 0))
+         (expected (test-lines-after (nebgit-diff-lines hunk) chosen reverse))
+         (patch (expand-file-name ".git/patch" test-folder)))
+    (if (cl-notevery (lambda (line) (string-suffix-p "\n" line)) (butlast expected))
+        (should-error (nebgit-diff-part hunk chosen reverse) :type 'user-error)
+      (write-region (nebgit-diff-patch file (list (nebgit-diff-part hunk chosen reverse)) reverse t)
+                    nil patch nil 'silent)
+      (apply #'test-git "apply" (append (and reverse '("--reverse")) (list patch)))
+      (should (equal (test-read "c.txt") (string-join expected))))))
+
+(ert-deftest selection-joins-no-lines-at-the-end-of-a-file ()
+  (test-with-repository
+    (cl-loop
+     for (old . new) in test-texts-around-the-end
+     do (test-write-text old)
+     (test-git "add" "c.txt")
+     (test-write-text new)
+     (let ((file (car (test-outcome (nebgit-request 'changes folder)))))
+       (dolist (chosen (test-choices (nebgit-diff-lines (elt (nebgit-field file Hunks) 0))))
+         (when (memq t chosen)
+           (dolist (reverse '(nil t))
+             (ert-info ((format "%S to %S, chosen: %S, reverse: %S" old new chosen reverse))
+               (test-write-text (if reverse new old))
+               (test-apply-choice file chosen reverse)))))))))
+
+(ert-deftest selection-refuses-to-take-back-the-last-line-without-its-successors ()
+  (test-with-repository
+    (test-write-text "one\ntwo")
+    (test-git "add" "c.txt")
+    (test-git "commit" "-q" "-m" "Third")
+    (test-write-text "one\n2\nthree")
+    (test-with-status
+      (test-go "modified   c.txt")
+      (test-until "^@@" (nebgit-status-toggle-diff))
+      (test-select "-two" "-two")
+      (test-answering t
+        (should-error (nebgit-discard) :type 'user-error)
+        (should-not questions))
+      (should (equal (test-read "c.txt") "one\n2\nthree")))))
 
 (ert-deftest selection-says-that-the-region-has-no-change ()
   (test-with-open-diff '("1" "2" "3") '("1" "2" "3" "four")

@@ -182,23 +182,35 @@ The hook of git exits with STATUS."
     (test-wait (not nebgit--connection))
     (should (equal (test-git "log" "-1" "--format=%s") "At the end"))))
 
+(defun test-at-terminal (dialogue &rest arguments)
+  "Run Emacs with ARGUMENTS at a terminal that answers as DIALOGUE says.
+Return its status, see at_terminal.py, and what the terminal shows."
+  (with-temp-buffer
+    (let ((status (apply #'call-process "python3" nil t nil
+                         (expand-file-name "../../nebsc/Credentials/at_terminal.py"
+                                           (getenv "NEBGIT_TESTS_FOLDER"))
+                         (append dialogue
+                                 (list "--" "env" "TERM=xterm"
+                                       (expand-file-name invocation-name invocation-directory)
+                                       "-nw" "-Q" "-L" (getenv "NEBGIT_EMACS_FOLDER") "-l" "nebgit")
+                                 arguments))))
+      (list status (buffer-string)))))
+
 (ert-deftest server-lets-emacs-end-when-its-terminal-closes ()
   (test-with-repository
-    (should (eql (call-process
-                  "python3" nil nil nil
-                  (expand-file-name "../../nebsc/Credentials/at_terminal.py"
-                                    (getenv "NEBGIT_TESTS_FOLDER"))
-                  "the server runs" "hang up" "--" "env" "TERM=xterm"
-                  (expand-file-name invocation-name invocation-directory)
-                  "-nw" "-Q" "-L" (getenv "NEBGIT_EMACS_FOLDER") "-l" "nebgit"
-                  "--eval" (prin1-to-string
-                            `(progn
-                               (setq nebgit-program ,nebgit-program)
-                               (add-hook 'nebgit-server-started-hook
-                                         (lambda () (message "the server runs")))
-                               (nebgit-perform (nebgit-request 'history ,folder)))))
-                 ;; The number of SIGHUP: Emacs ended by itself.
-                 1))))
+    (pcase-let ((`(,status ,shown)
+                 (test-at-terminal
+                  '("the server runs" "hang up") "--eval"
+                  (prin1-to-string
+                   `(progn
+                      (setq nebgit-program ,nebgit-program)
+                      (add-hook 'nebgit-server-started-hook
+                                (lambda () (message "the server runs")))
+                      (nebgit-perform (nebgit-request 'history ,folder)))))))
+      (ert-info ((format "The terminal showed: %s" shown))
+        (should (string-match-p "the server runs" shown))
+        ;; The number of SIGHUP: Emacs ended by itself.
+        (should (eql status 1))))))
 
 (ert-deftest server-keeps-emacs-after-a-commit-that-failed ()
   (test-with-commit 1

@@ -70,7 +70,8 @@ command of the user would fail."
           (left 3))
       (cl-flet ((request (type &rest members)
                   (apply #'nebgit-request type default-directory :background t members))
-                (finish (&rest _)
+                (finish (outcome)
+                  (setq state (nebgit-status--add-switched-off state outcome))
                   (when (and (zerop (cl-decf left)) (buffer-live-p buffer))
                     (with-current-buffer buffer (nebgit-status--finish state)))))
         (nebgit-status--read-pages (request 'state)
@@ -78,23 +79,21 @@ command of the user would fail."
                                      (dolist (record records)
                                        (setq state (nebgit-status--add state record))))
                                    (lambda (cut &optional outcome)
-                                     (setq state (plist-put state :cut cut)
-                                           state (plist-put state :switched-off
-                                                            (plist-get outcome :switchedOff)))
-                                     (finish)))
+                                     (setq state (plist-put state :cut cut))
+                                     (finish outcome)))
         (nebgit-perform (request 'operation)
-                        :success (lambda (records _)
+                        :success (lambda (records outcome)
                                    (setq state (plist-put state :operations
                                                           (nebgit-status--operations records)))
-                                   (finish))
-                        :failure #'finish)
+                                   (finish outcome))
+                        :failure (lambda (_ outcome) (finish outcome)))
         (nebgit-perform (request 'stash)
-                        :success (lambda (records _)
+                        :success (lambda (records outcome)
                                    (dolist (record records)
                                      (setq state (nebgit-status--put
                                                   state 'stash (nebgit-field record Name) record)))
-                                   (finish))
-                        :failure #'finish)))))
+                                   (finish outcome))
+                        :failure (lambda (_ outcome) (finish outcome)))))))
 
 (defun nebgit-status--read-pages (request add done)
   "Read the records of REQUEST in pages, which ADD gets, then call DONE.
@@ -143,6 +142,14 @@ copy would take Emacs seconds."
        (when (nebgit-field record WorkingTreeState)
          (setq state (nebgit-status--put state 'unstaged path record)))))
     state))
+
+(defun nebgit-status--add-switched-off (state outcome)
+  "Add to STATE what OUTCOME, or nil, names as switched off; return STATE.
+All requests of the status name it, because the one for the entries, which also
+names submodules, has no outcome if it is not read to its end."
+  (plist-put state :switched-off
+             (delete-dups (append (plist-get state :switched-off)
+                                  (plist-get outcome :switchedOff) nil))))
 
 (defun nebgit-status--finish (state)
   "Show STATE, then read what changed meanwhile."
@@ -277,7 +284,7 @@ copy would take Emacs seconds."
   "Insert the branch, its upstream and the unfinished operations.
 Say first if the repository is not trusted."
   (when (nebgit-inspected-p default-directory)
-    (let ((names (nebgit-list (plist-get nebgit-status--state :switched-off))))
+    (let ((names (plist-get nebgit-status--state :switched-off)))
       (nebgit-status--line '(:section trust) 'nebgit-warning
                            "Not trusted: inspected only (M-x nebgit-trust)"
                            (if names "; switched off: " "")

@@ -28,6 +28,18 @@
         (test-wait (file-exists-p trap))
         (should-error (nebgit-trust) :type 'user-error)))))
 
+(ert-deftest trust-names-what-is-switched-off-in-large-working-copies ()
+  (test-with-repository
+    (test-git "config" "filter.trap.clean" "cat")
+    (dotimes (n 10)
+      (test-write (format "new%d.txt" n) "new"))
+    (let ((nebgit-trusted-folders '("/nonexistent"))
+          (nebgit-trust--roots nil)
+          (nebgit-status-limit 1))
+      (test-with-status
+        (should (string-match-p "^Untracked (3 or more)" (test-text)))
+        (should (string-match-p "\\`.*; switched off: .*filter\\.trap\\.clean" (test-text)))))))
+
 (ert-deftest trust-follows-the-setting ()
   (test-with-repository
     (let (nebgit-trust--roots)

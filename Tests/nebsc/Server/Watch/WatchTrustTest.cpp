@@ -1,4 +1,4 @@
-// A watch of a repository that nobody may trust.
+// A watch of a repository that the user does not trust.
 
 #include <sys/stat.h>
 

@@ -17,8 +17,8 @@ namespace {
 /// With more folders than this, the whole working tree is searched: arguments have a limit.
 constexpr std::size_t mostFolderArguments = 500;
 
-/// Nobody may have decided yet whether this repository is trusted. So git gets no missing objects,
-/// for which it could start the repository's programs, and runs no hooks.
+/// The user may not trust the repository. So git gets no missing objects, for which it could start
+/// programs of the repository, and runs no hooks.
 NEBSourceControlChildTraits untrustingTraits() {
     static const NEBSourceControlSetting withoutHooks[] = {{"core.hooksPath", "/dev/null"}};
     NEBSourceControlChildTraits traits;

@@ -14,8 +14,8 @@ namespace neb::nebsc {
 /// Removes socket, link and folder. A folder with other files stays.
 void removePrivateFolder(const std::string& folder);
 
-/// Removes the private folders of this user that processes left when they were killed: nobody
-/// listens at the socket, and they are older than a minute, so none is still being made.
+/// Removes the private folders of this user that killed processes left: no process listens at the
+/// socket, and they are older than a minute, so none is still being made.
 void removeAbandonedPrivateFolders();
 
 }  // namespace neb::nebsc

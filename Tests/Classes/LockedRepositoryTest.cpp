@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <thread>
@@ -55,13 +56,15 @@ protected:
                              const std::shared_ptr<NEBSourceControlRequest>& request) const {
         repository.write(lock, "");
         const auto operation = operationFor(request, std::chrono::hours(1));
+        std::atomic<bool> hasEnded = false;
         std::thread releaser([&] {
-            while (!hasRepeatedRun(*operation)) {
+            while (!hasRepeatedRun(*operation) && !hasEnded) {
                 std::this_thread::yield();
             }
             fs::remove(repository.path(lock));
         });
         operation->start();
+        hasEnded = true;
         releaser.join();
         EXPECT_EQ(operation->error(), std::nullopt) << request->type << " " << lock;
     }

@@ -89,20 +89,27 @@
   "Write TEXT to the file c.txt."
   (write-region text nil (expand-file-name "c.txt" test-folder) nil 'silent))
 
+(defmacro test-with-changed-end (&rest body)
+  "Run BODY in the status of a file whose last line, without an end, changed.
+The diff of c.txt is shown."
+  (declare (indent 0))
+  `(test-with-repository
+     (test-write-text "one\ntwo")
+     (test-git "add" "c.txt")
+     (test-git "commit" "-q" "-m" "Third")
+     (test-write-text "one\n2\nthree")
+     (test-with-status
+       (test-go "modified   c.txt")
+       (test-until "^@@" (nebgit-status-toggle-diff))
+       ,@body)))
+
 (ert-deftest selection-refuses-lines-that-would-end-without-a-newline ()
-  (test-with-repository
-    (test-write-text "one\ntwo")
-    (test-git "add" "c.txt")
-    (test-git "commit" "-q" "-m" "Third")
-    (test-write-text "one\n2\nthree")
-    (test-with-status
-      (test-go "modified   c.txt")
-      (test-until "^@@" (nebgit-status-toggle-diff))
-      (test-select "+three" "+three")
-      (should (string-match-p "no newline" (cadr (should-error (nebgit-stage) :type 'user-error))))
-      (test-select "-two" "+2")
-      (nebgit-stage)
-      (test-wait (equal (test-git "cat-file" "blob" ":c.txt") "one\n2")))))
+  (test-with-changed-end
+    (test-select "+three" "+three")
+    (should (string-match-p "no newline" (cadr (should-error (nebgit-stage) :type 'user-error))))
+    (test-select "-two" "+2")
+    (nebgit-stage)
+    (test-wait (equal (test-git "cat-file" "blob" ":c.txt") "one\n2"))))
 
 (defconst test-texts-around-the-end
   '(("one\ntwo" . "one\n2\nthree") ("one\ntwo" . "one\n2\nthree\n")
@@ -157,19 +164,12 @@ REVERSE means that they are taken back.  Check the text, or that it is refused."
                (test-apply-choice file chosen reverse)))))))))
 
 (ert-deftest selection-refuses-to-take-back-the-last-line-without-its-successors ()
-  (test-with-repository
-    (test-write-text "one\ntwo")
-    (test-git "add" "c.txt")
-    (test-git "commit" "-q" "-m" "Third")
-    (test-write-text "one\n2\nthree")
-    (test-with-status
-      (test-go "modified   c.txt")
-      (test-until "^@@" (nebgit-status-toggle-diff))
-      (test-select "-two" "-two")
-      (test-answering t
-        (should-error (nebgit-discard) :type 'user-error)
-        (should-not questions))
-      (should (equal (test-read "c.txt") "one\n2\nthree")))))
+  (test-with-changed-end
+    (test-select "-two" "-two")
+    (test-answering t
+      (should-error (nebgit-discard) :type 'user-error)
+      (should-not questions))
+    (should (equal (test-read "c.txt") "one\n2\nthree"))))
 
 (ert-deftest selection-says-that-the-region-has-no-change ()
   (test-with-open-diff '("1" "2" "3") '("1" "2" "3" "four")

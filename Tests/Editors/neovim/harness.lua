@@ -242,4 +242,14 @@ function M.tear_down()
   vim.fn.delete(M.folder, "rf")
 end
 
+-- Opens the status of the repository and waits until it is shown.
+function M.open_status()
+  local window = require("nebgit.status.window")
+  M.enter()
+  vim.cmd("NEBGit status")
+  M.wait(function()
+    return window.state() and window.state().has_loaded
+  end, "the status window")
+end
+
 return M

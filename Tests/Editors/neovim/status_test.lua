@@ -1,17 +1,7 @@
 -- The status window and its keys.
 local harness = require("harness")
-local window = require("nebgit.status.window")
 
 local tests = {}
-
--- Opens the status of the repository and waits until it is shown.
-local function open_status()
-  harness.enter()
-  vim.cmd("NEBGit status")
-  harness.wait(function()
-    return window.state() and window.state().has_loaded
-  end, "the status window")
-end
 
 -- Waits until the window shows the lines, without the first one, which names the folder.
 local function wait_for_lines(expected)
@@ -39,7 +29,7 @@ function tests.AllSections()
   os.remove(harness.root .. "/gone")
   harness.write("new\nline", "x\n")
   harness.write("folder/file", "x\n")
-  open_status()
+  harness.open_status()
   harness.equal("Working copy: " .. harness.root, harness.lines()[1])
   wait_for_lines({
     "Branch: main",
@@ -58,7 +48,7 @@ function tests.AllSections()
 end
 
 function tests.NoCommitsYet()
-  open_status()
+  harness.open_status()
   wait_for_lines({ "Branch: main (no commits yet)", "", clean[3] })
 end
 
@@ -68,7 +58,7 @@ function tests.FilesAreStagedAndUnstaged()
   for _, name in ipairs(names) do
     harness.write(name, "x\n")
   end
-  open_status()
+  harness.open_status()
   go_and_press("Untracked (6)", "s")
   harness.go_to("Staged (6)")
   harness.press("jVGs")
@@ -83,7 +73,7 @@ end
 function tests.RenameIsUnstagedAsAWhole()
   harness.commit({ old = "content\nof\nfile\n" })
   harness.git("mv", "old", "new")
-  open_status()
+  harness.open_status()
   go_and_press("renamed", "u")
   harness.go_to("Untracked (1)")
   harness.go_to("deleted          old")
@@ -93,7 +83,7 @@ end
 function tests.HunksAreShownStagedAndUnstaged()
   harness.commit({ ["a file"] = "1\n2\n3\n4\n5\n6\n7\n8\n9\n" })
   harness.write("a file", "one\n2\n3\n4\n5\n6\n7\n8\nnine\n")
-  open_status()
+  harness.open_status()
   go_and_press("modified", "=")
   go_and_press("+nine", "s")
   harness.go_to("Staged (1)")
@@ -116,7 +106,7 @@ function tests.DiscardAsksAndSaysWhatIsLost()
   harness.commit({ file = "1\n", gone = "x\n" })
   harness.write("file", "2\n")
   harness.write("new", "x\n")
-  open_status()
+  harness.open_status()
   harness.answers = { "Cancel" }
   go_and_press("Untracked (1)", "Vjjjjx")
   harness.wait(function()
@@ -134,7 +124,7 @@ end
 function tests.HunkIsDiscarded()
   harness.commit({ file = "1\n2\n3\n4\n5\n6\n7\n8\n9\n" })
   harness.write("file", "one\n2\n3\n4\n5\n6\n7\n8\nnine\n")
-  open_status()
+  harness.open_status()
   go_and_press("modified", "=")
   harness.answers = { "Discard" }
   go_and_press("+one", "x")
@@ -148,7 +138,7 @@ local function open_hunks()
   harness.write("a", "one\n2\n3\n4\n5\n6\n7\n8\nnine\n")
   harness.write("b", "1\n2\n3\n4\nfive\n6\n7\n8\n9\n")
   os.remove(harness.root .. "/c")
-  open_status()
+  harness.open_status()
   for _, line in ipairs({ "modified         b", "modified         a" }) do
     go_and_press(line, "=")
   end
@@ -194,7 +184,7 @@ function tests.HunkAmongEqualLinesIsStagedAndUnstagedAtItsPosition()
   with = ("y\n"):rep(8) .. without
   harness.commit({ file = lines })
   harness.write("file", with)
-  open_status()
+  harness.open_status()
   go_and_press("modified", "=")
   go_and_press("+new", "s")
   harness.go_to("Staged (1)")
@@ -214,7 +204,7 @@ function tests.StagedChangesAreNotDiscarded()
   harness.commit({ file = "1\n" })
   harness.write("file", "2\n")
   harness.git("add", "file")
-  open_status()
+  harness.open_status()
   go_and_press("modified", "x")
   harness.wait_for_message("must be unstaged first")
   harness.equal("2\n", harness.read("file"))
@@ -223,7 +213,7 @@ end
 function tests.FileIsOpened()
   harness.commit({ ["a 'b' %#"] = "1\n" })
   harness.write("a 'b' %#", "2\n")
-  open_status()
+  harness.open_status()
   go_and_press("modified", "<CR>")
   harness.equal({ "2" }, harness.lines())
 end
@@ -231,7 +221,7 @@ end
 function tests.CommitAndAmend()
   harness.write("file", "1\n")
   harness.git("add", "file")
-  open_status()
+  harness.open_status()
   harness.press("cc")
   harness.equal("gitcommit", vim.bo.filetype)
   vim.api.nvim_buf_set_lines(0, 0, 1, true, { "Add a file", "", "# not a comment" })
@@ -257,7 +247,7 @@ function tests.MessageSurvivesARefusal()
   harness.write_program(".git/hooks/commit-msg", "#!/bin/sh\necho 'ticket missing' >&2\nexit 1\n")
   harness.write("file", "2\n")
   harness.git("add", "file")
-  open_status()
+  harness.open_status()
   harness.press("cc")
   vim.api.nvim_buf_set_lines(0, 0, 1, true, { "No ticket" })
   vim.cmd("wq")
@@ -272,7 +262,7 @@ function tests.MessageSurvivesARefusal()
 end
 
 function tests.AbandonedMessageIsKeptAndDoesNotBlockTheExit()
-  open_status()
+  harness.open_status()
   harness.press("cc")
   vim.api.nvim_buf_set_lines(0, 0, 1, true, { "Half of a message" })
   vim.cmd("q!")
@@ -285,7 +275,7 @@ end
 
 function tests.BranchIsCreatedAndSwitched()
   harness.commit({ file = "1\n" })
-  open_status()
+  harness.open_status()
   harness.answers = { "Create a branch …", "topic" }
   harness.press("b")
   harness.go_to("Branch: topic")
@@ -297,7 +287,7 @@ end
 function tests.StashIsMadeAndPopped()
   harness.commit({ file = "1\n" })
   harness.write("file", "2\n")
-  open_status()
+  harness.open_status()
   harness.answers = { "Stash changes", "Half done" }
   harness.press("z")
   harness.go_to("Stashes: 1")
@@ -315,7 +305,7 @@ function tests.ConflictIsResolvedAndContinued()
   harness.git("checkout", "--quiet", "main")
   harness.commit({ file = "main\n" }, "Main")
   pcall(harness.git, "merge", "--quiet", "side")
-  open_status()
+  harness.open_status()
   harness.go_to("(rc continue, ra abort)")
   harness.press("rs")
   harness.wait_for_message("a merge cannot be skipped")
@@ -337,7 +327,7 @@ end
 
 function tests.NothingIsAskedWithoutAnOperation()
   harness.commit({ file = "1\n" })
-  open_status()
+  harness.open_status()
   harness.answers = { "Abort", "Skip" }
   for key, action in pairs({ ra = "abort", rs = "skip" }) do
     harness.press(key)
@@ -352,7 +342,7 @@ function tests.ManyPathsAreShownInPart()
     harness.write(("f%02d"):format(number), "")
   end
   harness.configure({ status = { max_paths = 10 } })
-  open_status()
+  harness.open_status()
   harness.go_to("… 20 more")
   harness.equal(nil, vim.tbl_contains(harness.lines(), "untracked        f11") or nil)
   harness.press("=")

@@ -16,18 +16,10 @@ local function was_trapped()
   return vim.loop.fs_stat(harness.folder .. "/trapped") ~= nil
 end
 
-local function open_status()
-  harness.enter()
-  vim.cmd("NEBGit status")
-  harness.wait(function()
-    return window.state() and window.state().has_loaded
-  end, "the status window")
-end
-
 function tests.RepositoryElsewhereIsInspectedUntilItIsTrusted()
   harness.configure({ trust = { harness.folder .. "/other", "~/work" } })
   create_trap()
-  open_status()
+  harness.open_status()
   harness.go_to("Not trusted: inspected only (:NEBGit trust); switched off: filter.trap.clean")
   harness.go_to("modified         file")
   harness.press("s")

@@ -1,13 +1,10 @@
 #include "CommandFrame/StateText.h"
 
 #include <cstdint>
-#include <string_view>
-#include <vector>
 
 #include "CommandFrame/CommitText.h"
 #include "CommandFrame/RecordNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
-#include "Terminal/Colour.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/TextWidth.h"
 
@@ -68,67 +65,21 @@ std::string submoduleNote(const NEBDictionary& record) {
     return text + (text.empty() ? "" : ")");
 }
 
-/// Returns the state and the path; of a renamed file both paths.
-std::string changeText(const NEBDictionary& record, NEBConstant state,
-                       const WorkingCopyLocation& workingCopy) {
-    // The longest state and two blanks.
-    constexpr std::size_t columns = 14;
-    const std::string_view word = record.text(state);
+/// Returns the shown original path and an arrow if the change is a move.
+std::string originOf(const NEBDictionary& record, std::string_view state,
+                     const WorkingCopyLocation& workingCopy) {
     const std::string_view original = bytesOfName(record, originalPathKeys);
-    const bool isMoved = (word == "renamed" || word == "copied") && !original.empty();
-    return paddedTo(columns, word) +
-           (isMoved ? shownPath(workingCopy, std::string(original)) + " -> " : "") +
-           shownPath(workingCopy, std::string(bytesOfName(record, pathKeys)));
+    const bool isMoved = (state == "renamed" || state == "copied") && !original.empty();
+    return isMoved ? shownPath(workingCopy, std::string(original)) + " -> " : "";
 }
 
-/// The lists, in the order in which they are shown.
-struct ChangeLists {
-    std::string conflicts{}, staged{}, notStaged{}, untracked{}, ignored{};
-};
+// ---- the lists --------------------------------------------------------------------------------
 
-class ListWriter {
-public:
-    ListWriter(const WorkingCopyLocation& workingCopy, bool isColoured)
-        : _workingCopy(workingCopy), _isColoured(isColoured) {}
-
-    void add(const NEBDictionary& record) {
-        const std::string_view kind = record.text(NEBSourceControlOperationKindKey);
-        const std::string path =
-            shownPath(_workingCopy, std::string(bytesOfName(record, pathKeys)));
-        if (kind == "conflict") {
-            const std::string_view both = record.text(NEBSourceControlOperationConflictKey);
-            addLine(lists.conflicts, path + " (" + std::string(both) + ")", Colour::red);
-        } else if (kind == "untracked") {
-            addLine(lists.untracked, path, Colour::red);
-        } else if (kind == "ignored") {
-            addLine(lists.ignored, path, Colour::none);
-        } else {
-            addChange(record);
-        }
-    }
-
-    ChangeLists lists{};
-
-private:
-    void addChange(const NEBDictionary& record) {
-        const NEBConstant index = NEBSourceControlOperationIndexStateKey;
-        const NEBConstant workingTree = NEBSourceControlOperationWorkingTreeStateKey;
-        if (record.contains(index)) {
-            addLine(lists.staged, changeText(record, index, _workingCopy), Colour::green);
-        }
-        if (record.contains(workingTree)) {
-            addLine(lists.notStaged,
-                    changeText(record, workingTree, _workingCopy) + submoduleNote(record),
-                    Colour::red);
-        }
-    }
-    void addLine(std::string& list, const std::string& text, Colour colour) const {
-        list += "  " + (_isColoured ? coloured(text, colour) : text) + "\n";
-    }
-
-    const WorkingCopyLocation& _workingCopy;
-    bool _isColoured;
-};
+/// git writes this instead of a branch that it cannot read.
+bool isUnreadable(const NEBDictionary& head) {
+    return head.text(NEBSourceControlOperationNameKey) == "(unknown)" &&
+           !head.contains(NEBSourceControlOperationObjectIDKey);
+}
 
 std::string titled(std::string_view title, const std::string& list) {
     return list.empty() ? list : "\n" + std::string(title) + ":\n" + list;
@@ -136,34 +87,93 @@ std::string titled(std::string_view title, const std::string& list) {
 
 }  // namespace
 
-std::string branchLine(const NEBSourceControlResult& records) {
-    const bool hasHead =
-        !records.empty() && records.front().text(NEBSourceControlOperationKindKey) == "head";
-    return hasHead && !lacksReadableHead(records) ? headText(records.front()) + "\n" : "";
-}
-
-/// git writes this instead of a branch that it cannot read.
 bool lacksReadableHead(const NEBSourceControlResult& records) {
     return !records.empty() && records.front().text(NEBSourceControlOperationKindKey) == "head" &&
-           records.front().text(NEBSourceControlOperationNameKey) == "(unknown)" &&
-           !records.front().contains(NEBSourceControlOperationObjectIDKey);
+           isUnreadable(records.front());
 }
 
-std::string changeLists(const NEBSourceControlResult& records,
-                        const WorkingCopyLocation& workingCopy, bool isColoured) {
-    ListWriter writer(workingCopy, isColoured);
-    std::int64_t stashes = 0;
+void StateText::add(const NEBSourceControlResult& records, const WorkingCopyLocation& workingCopy) {
     for (const NEBDictionary& record : records) {
         if (record.text(NEBSourceControlOperationKindKey) == "head") {
-            stashes = record.value(NEBSourceControlOperationStashCountKey).integer().value_or(0);
+            _head = record;
         } else {
-            writer.add(record);
+            addPath(record, workingCopy);
         }
     }
-    const ChangeLists& lists = writer.lists;
-    return titled("Conflicts", lists.conflicts) + titled("Staged", lists.staged) +
-           titled("Not staged", lists.notStaged) + titled("Untracked", lists.untracked) +
-           titled("Ignored", lists.ignored) +
+}
+
+void StateText::addPath(const NEBDictionary& record, const WorkingCopyLocation& workingCopy) {
+    const std::string_view kind = record.text(NEBSourceControlOperationKindKey);
+    const std::string path = shownPath(workingCopy, std::string(bytesOfName(record, pathKeys)));
+    if (kind == "conflict") {
+        const std::string_view both = record.text(NEBSourceControlOperationConflictKey);
+        addLine(_conflicts, {path, " (", both, ")"}, Colour::red);
+    } else if (kind == "untracked") {
+        addLine(_untracked, {path}, Colour::red);
+    } else if (kind == "ignored") {
+        addLine(_ignored, {path}, Colour::none);
+    } else {
+        addChange(record, path, workingCopy);
+    }
+}
+
+/// Adds the state and the path, or both paths of a moved file.
+void StateText::addChange(const NEBDictionary& record, const std::string& path,
+                          const WorkingCopyLocation& workingCopy) {
+    // The longest state and two blanks.
+    constexpr std::size_t columns = 14;
+    if (const NEBValue& index = record.value(NEBSourceControlOperationIndexStateKey);
+        index.isPresent()) {
+        const std::string_view state = index.string().value_or("");
+        addLine(_staged, {paddedTo(columns, state), originOf(record, state, workingCopy), path},
+                Colour::green);
+    }
+    if (const NEBValue& workingTree = record.value(NEBSourceControlOperationWorkingTreeStateKey);
+        workingTree.isPresent()) {
+        const std::string_view state = workingTree.string().value_or("");
+        addLine(_notStaged,
+                {paddedTo(columns, state), originOf(record, state, workingCopy), path,
+                 submoduleNote(record)},
+                Colour::red);
+    }
+}
+
+void StateText::addLine(std::string& list, std::initializer_list<std::string_view> parts,
+                        Colour colour) const {
+    list += "  ";
+    if (_isColoured) {
+        std::string text;
+        for (const std::string_view part : parts) {
+            text += part;
+        }
+        list += coloured(text, colour);
+    } else {
+        for (const std::string_view part : parts) {
+            list += part;
+        }
+    }
+    list += '\n';
+}
+
+std::string StateText::branchLine() const {
+    return _head.isEmpty() || lacksReadableHead() ? "" : headText(_head) + "\n";
+}
+
+bool StateText::lacksReadableHead() const {
+    return isUnreadable(_head);
+}
+
+bool StateText::hasChanges() const {
+    return !(_conflicts.empty() && _staged.empty() && _notStaged.empty() && _untracked.empty() &&
+             _ignored.empty());
+}
+
+std::string StateText::changeLists() const {
+    const std::int64_t stashes =
+        _head.value(NEBSourceControlOperationStashCountKey).integer().value_or(0);
+    return titled("Conflicts", _conflicts) + titled("Staged", _staged) +
+           titled("Not staged", _notStaged) + titled("Untracked", _untracked) +
+           titled("Ignored", _ignored) +
            (stashes == 0 ? ""
                          : "\nStash: " + std::to_string(stashes) +
                                (stashes == 1 ? " entry\n" : " entries\n"));

@@ -44,6 +44,7 @@ protected:
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void finish(Outcome& outcome) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
+    void reportFailure(const Outcome& outcome, CommandOutput& output) override;
 
 private:
     /// Returns whether to show the whole state of the working copy, not only a line per path.
@@ -56,10 +57,12 @@ private:
     /// Returns what is in progress, and how to go on.
     [[nodiscard]] std::string unfinishedWork();
     [[nodiscard]] std::string stepText();
+    [[nodiscard]] std::string stateText();
     [[nodiscard]] bool hasChanges(const Outcome& outcome) const;
 
     /// Absolute; absent for the whole working copy.
     std::optional<std::string> _path;
+    StateText _state{isInColour()};
     std::shared_ptr<StatusQuery> _query;
 };
 
@@ -125,7 +128,10 @@ std::shared_ptr<NEBSourceControlRequest> StatusTask::makeStateRequest() const {
 /// --json alone, the output is the request's own.
 RequestResult StatusTask::perform() {
     const bool isAll = arguments().has("--all");
-    if (isState() || (isJSON() && !isAll)) {
+    if (isState()) {
+        return performStreamed(makeRequest());
+    }
+    if (isJSON() && !isAll) {
         return performRequest(makeRequest());
     }
     _query = std::make_shared<StatusQuery>(makeRequest(), isAll);
@@ -172,10 +178,15 @@ std::string StatusTask::stepText() {
     return step && count ? ", step " + std::to_string(*step) + " of " + std::to_string(*count) : "";
 }
 
+std::string StatusTask::stateText() {
+    return _state.branchLine() + unfinishedWork() + _state.changeLists();
+}
+
+/// The records of a state are collected, because its text is in another order.
 std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
-    if (isState() && !isJSON()) {
-        return branchLine(records) + unfinishedWork() +
-               changeLists(records, workingCopy(), isInColour());
+    if (isState()) {
+        _state.add(records, workingCopy());
+        return {};
     }
     std::string lines;
     if (_query) {
@@ -188,19 +199,32 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
 
 /// git lists all files as new if it cannot read the branch.
 void StatusTask::finish(Outcome& outcome) {
-    if (isState() && outcome.result && lacksReadableHead(*outcome.result)) {
+    const bool lacksHead = isJSON() && outcome.result ? lacksReadableHead(*outcome.result)
+                                                      : _state.lacksReadableHead();
+    if (isState() && lacksHead) {
         outcome.error = brokenReference(git(), "HEAD");
     }
 }
 
-/// The first record of a state is not about a change.
 bool StatusTask::hasChanges(const Outcome& outcome) const {
-    return outcome.result && outcome.result->size() > (isState() ? 1U : 0U);
+    return isState() ? _state.hasChanges()
+                     : outcome.recordCount.value_or(0) > 0 ||
+                           (outcome.result && !outcome.result->empty());
 }
 
-/// Reports that there are no changes.
+/// Shows what git listed before it failed.
+void StatusTask::reportFailure(const Outcome& outcome, CommandOutput& output) {
+    if (isState() && outcome.recordCount.value_or(0) > 0) {
+        output.standardOutput += stateText();
+    }
+}
+
+/// Shows the state, and that there are no changes.
 void StatusTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (outcome.recordCount.value_or(0) > 0 || hasChanges(outcome)) {
+    if (isState()) {
+        output.standardOutput += stateText();
+    }
+    if (hasChanges(outcome)) {
         return;
     }
     const std::string name = inQuotes(lastPathComponent(workingCopy().location));

@@ -12,6 +12,7 @@
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
+#include "Support/FreePort.h"
 #include "Support/ProgramStart.h"
 
 namespace neb::test {
@@ -24,22 +25,6 @@ ChildOutcome runCommand(std::vector<std::string> command) {
                          .arguments = std::move(command),
                          .currentDirectoryPath = std::nullopt,
                          .environment = NEBSourceControlInheritedEnvironment()}})[0];
-}
-
-/// Returns a free port. Another process may take it first; the caller then tries another one.
-int freePort() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool isBound = ::bind(probe, reinterpret_cast<sockaddr*>(&address), length) == 0 &&
-                         ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) == 0;
-    ::close(probe);
-    if (!isBound) {
-        throw std::runtime_error("no free port");
-    }
-    return ntohs(address.sin_port);
 }
 
 pid_t startServer(const std::string& root, int port) {

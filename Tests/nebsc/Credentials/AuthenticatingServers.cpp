@@ -9,9 +9,11 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "Platform/ChildProcess.h"
+#include "Support/FreePort.h"
 #include "Support/ProgramStart.h"
 #include "Support/TestRepository.h"
 
@@ -84,22 +86,63 @@ bool SSHServer::isInstalled() {
 }
 
 SSHServer::SSHServer() {
+    createKeys();
+    do {
+        _port = freePort();
+    } while (!start());
+    writeClientConfiguration();
+}
+
+SSHServer::~SSHServer() {
+    stop();
+}
+
+void SSHServer::createKeys() const {
     runTool({"ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder.path("host")});
     runTool({"ssh-keygen", "-q", "-t", "ed25519", "-N", passphrase, "-f", folder.path("key")});
+}
+
+bool SSHServer::start() {
     if (::geteuid() == 0) {  // sshd of root drops its privileges there
         std::filesystem::create_directories("/run/sshd");
     }
-    folder.write("sshd_config", "HostKey " + folder.path("host") + "\nAuthorizedKeysFile " +
+    folder.write("sshd_config", "ListenAddress 127.0.0.1:" + std::to_string(_port) + "\nHostKey " +
+                                    folder.path("host") + "\nAuthorizedKeysFile " +
                                     folder.path("key.pub") +
-                                    "\nStrictModes no\nUsePAM no\nPermitRootLogin yes\n"
-                                    "PasswordAuthentication no\nLogLevel QUIET\n");
-    folder.write("known", "demo " + folder.read("host.pub"));
+                                    "\nPidFile none\nStrictModes no\nUsePAM no\n"
+                                    "PermitRootLogin yes\nPasswordAuthentication no\n");
+    Pipe pipe;
+    if (openPipe(pipe, PipeSize::ordinary) != 0) {
+        throw std::runtime_error("no pipe could be created");
+    }
+    _server = startProgram({sshd, "-D", "-e", "-f", folder.path("sshd_config")},
+                           NEBSourceControlInheritedEnvironment(),
+                           {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
+                            .standardError = ChildStream::copyOf(pipe.writeEnd.get())});
+    pipe.writeEnd.close();
+    _log = std::move(pipe.readEnd);
+    const std::string line = readLine(_log.get());
+    if (line.find("listening on") != std::string::npos) {
+        return true;
+    }
+    stop();
+    if (line.find("Address already in use") == std::string::npos) {
+        throw std::runtime_error("sshd: " + line);
+    }
+    return false;
+}
+
+void SSHServer::stop() {
+    ::kill(_server, SIGTERM);
+    ::waitpid(_server, nullptr, 0);
+}
+
+void SSHServer::writeClientConfiguration() const {
+    folder.write("known", "[127.0.0.1]:" + std::to_string(_port) + " " + folder.read("host.pub"));
     for (const bool isKnown : {true, false}) {
         folder.write(
             isKnown ? "ssh_known" : "ssh_unknown",
-            "Host demo\nUser " + std::string(::getpwuid(::geteuid())->pw_name) + "\nProxyCommand " +
-                sshd + " -i -f " + folder.path("sshd_config") + "\nIdentityFile " +
-                folder.path("key") +
+            "IdentityFile " + folder.path("key") +
                 "\nIdentitiesOnly yes\nIdentityAgent none\nGlobalKnownHostsFile /dev/null\n"
                 "UserKnownHostsFile " +
                 folder.path(isKnown ? "known" : "new_known") + "\n");
@@ -107,7 +150,8 @@ SSHServer::SSHServer() {
 }
 
 std::string SSHServer::url() const {
-    return "ssh://demo" + folder.path("shared.git");
+    return "ssh://" + std::string(::getpwuid(::geteuid())->pw_name) +
+           "@127.0.0.1:" + std::to_string(_port) + folder.path("shared.git");
 }
 
 std::pair<std::string, std::optional<std::string>> SSHServer::variable(bool isKnown) const {

@@ -64,6 +64,12 @@ public:
     }
     /// Returns the class of the error in the response to the request.
     JSON errorClass(const JSON& id) { return client.answerTo(id)["result"]["error"]["class"]; }
+    /// Returns the message that withdraws a question, which arrives before or after the response.
+    JSON withdrawal() {
+        JSON message = client.others().empty() ? client.receive() : client.others().back();
+        EXPECT_EQ(message["method"], "$/cancelRequest");
+        return message;
+    }
     void expectSuccess(const JSON& id) {
         const JSON outcome = client.answerTo(id)["result"];
         EXPECT_EQ(outcome["error"], nullptr) << outcome;
@@ -165,10 +171,7 @@ TEST(ServerCredentials, AreWithdrawnWithTheirRequest) {
     const JSON question = server.question("name");
     server.client.send({}, "$/cancelRequest", {{"id", 1}});
     EXPECT_EQ(server.client.answerTo(1)["error"]["code"], -32800);
-    JSON withdrawal =
-        server.client.others().empty() ? server.client.receive() : server.client.others().back();
-    EXPECT_EQ(withdrawal["method"], "$/cancelRequest");
-    EXPECT_EQ(withdrawal["params"]["id"], question["id"]);
+    EXPECT_EQ(server.withdrawal()["params"]["id"], question["id"]);
     server.answer(question, {{"value", "late"}});
     server.ask(2, http.url("ann@"));
     server.answerNext("password", HTTPServer::password);
@@ -328,7 +331,41 @@ TEST(ServerCredentials, ConfirmTheKeyOfAHost) {
     server.answerNext("hostKey", "yes");
     server.answerNext("passphrase", SSHServer::passphrase);
     server.expectSuccess(2);
-    EXPECT_THAT(ssh.folder.read("new_known"), HasSubstr("demo"));
+    EXPECT_THAT(ssh.folder.read("new_known"), HasSubstr("[127.0.0.1]:"));
+}
+
+/// ssh(1) asks three times.
+TEST(ServerCredentials, MayBeAWrongPassphrase) {
+    if (!SSHServer::isInstalled()) {
+        GTEST_SKIP() << "sshd is not installed";
+    }
+    const SSHServer ssh;
+    AskingServer server({ssh.variable(true)});
+    server.ask(1, ssh.url());
+    server.answerNext("passphrase", "open parsley");
+    server.answerNext("passphrase", SSHServer::passphrase);
+    server.expectSuccess(1);
+    server.ask(2, ssh.url());
+    for (int attempt = 1; attempt <= 3; ++attempt) {
+        server.answerNext("passphrase", "open parsley");
+    }
+    EXPECT_EQ(server.errorClass(2), "ssh-key-refused");
+}
+
+TEST(ServerCredentials, OfSSHAreWithdrawnWithTheirRequest) {
+    if (!SSHServer::isInstalled()) {
+        GTEST_SKIP() << "sshd is not installed";
+    }
+    const SSHServer ssh;
+    for (const bool isKnown : {true, false}) {
+        AskingServer server({ssh.variable(isKnown)});
+        server.ask(1, ssh.url());
+        const JSON question = server.question(isKnown ? "passphrase" : "hostKey");
+        server.client.send({}, "$/cancelRequest", {{"id", 1}});
+        EXPECT_EQ(server.client.answerTo(1)["error"]["code"], -32800);
+        EXPECT_EQ(server.withdrawal()["params"]["id"], question["id"]);
+    }
+    EXPECT_FALSE(std::filesystem::exists(ssh.folder.path("new_known")));
 }
 
 }  // namespace

@@ -149,7 +149,8 @@
     (nebgit-status)
     (set-buffer (get-buffer (nebgit--status-name (nebgit-root)))))
   (latency-measure "status, again" (not nebgit-status--refreshing)
-    (nebgit-status-refresh)))
+    (nebgit-status-refresh))
+  (latency-measure "pause after it" (not nebgit-garbage--threshold)))
 
 (let* ((root (file-name-as-directory (expand-file-name "repository" latency-folder)))
        (files (string-to-number (or (getenv "FILES") "100000")))

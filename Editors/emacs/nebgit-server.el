@@ -12,6 +12,7 @@
 
 (require 'cl-lib)
 (require 'jsonrpc)
+(require 'nebgit-garbage)
 (require 'subr-x)
 
 (defgroup nebgit nil
@@ -129,6 +130,7 @@ ready."
         (let ((params (nebgit-task-params task))
               nebgit--sent-id)
           (setf (nebgit-task-state task) 'sent)
+          (nebgit-garbage-request-begins)
           (jsonrpc-async-request
            nebgit--connection (nebgit-task-method task)
            (if (functionp params) (funcall params) params)
@@ -143,6 +145,8 @@ ready."
 An error in the function is shown, so that it does not keep other messages from
 being read."
   (unless (eq (nebgit-task-state task) 'done)
+    (when (eq (nebgit-task-state task) 'sent)
+      (nebgit-garbage-request-ends))
     (setf (nebgit-task-state task) 'done
           nebgit--changing (delq task nebgit--changing))
     (when (eq which #'nebgit-task-failure)

@@ -57,7 +57,12 @@ def neovim_job(build, text):
     runner = SOURCE / "Editors/neovim/run.lua"
     return Job("Neovim", [Path("nvim"), "--headless", "-u", "NONE", "-i", "NONE", "-n",
                           "-c", f"luafile {runner}"],
-               {"NEBSC": str(build / "bin/nebsc"), "TESTS": text})
+               {**editor_environment(build), "TESTS": text})
+
+
+def editor_environment(build):
+    """The variables of the tests in editors, which share a large repository."""
+    return {"NEBSC": str(build / "bin/nebsc"), "NEB_TEMPLATES": str(build / "templates")}
 
 
 def editor_jobs(build):
@@ -67,7 +72,7 @@ def editor_jobs(build):
               {"NEBSC": str(build / "bin/nebsc"),
                "NODE_PATH": str(build / "editor-client/node_modules")}, False)
     yield Job("Emacs", [Path("emacs"), "--batch", "-Q", "-l", SOURCE / "Editors/emacs/run.el"],
-              {"NEBSC": str(build / "bin/nebsc")}, False)
+              editor_environment(build), False)
 
 
 def package_jobs(build):

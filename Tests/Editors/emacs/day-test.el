@@ -58,11 +58,18 @@
   (nebgit-changes--compare (current-buffer))
   (test-wait (eql nebgit-changes--tick (buffer-chars-modified-tick))))
 
+(defun day-create-large-repository (folder)
+  "Create the repository with 100,000 commits and 5 changed files in FOLDER."
+  (setq test-folder (expand-file-name "large/" folder))
+  (should (eql 0 (call-process (expand-file-name "../large_repository.sh"
+                                                 (getenv "NEBGIT_TESTS_FOLDER"))
+                               nil nil nil test-folder)))
+  (setq default-directory test-folder))
+
 (defun day-clone (folder)
-  "Make a bare repository in FOLDER, and clone it with the command of Emacs."
-  (test-git "init" "-q")
+  "Commit a file, make a bare repository in FOLDER, and clone it with the command of Emacs."
   (apply #'test-commit-file "main.c" "Begin" (mapcar #'number-to-string (number-sequence 1 20)))
-  (test-git "clone" "-q" "--bare" "." "shared.git")
+  (test-git "clone" "-q" "--bare" "." (expand-file-name "shared.git" folder))
   (nebgit-clone (expand-file-name "shared.git" folder) (expand-file-name "work" folder))
   (setq test-folder (expand-file-name "work/" folder))
   (test-wait (get-buffer (nebgit--status-name test-folder)))
@@ -85,7 +92,7 @@
   (erase-buffer)
   (insert "Add first and last")
   (day-finish-commit "Add first and last")
-  (should (equal (test-git "rev-list" "--count" "HEAD") "2")))
+  (should (equal (test-git "rev-list" "--count" "origin/main..HEAD") "1")))
 
 (defun day-merge-with-conflict ()
   "Change the same line on two branches, merge, resolve and continue."
@@ -128,23 +135,20 @@
   (test-wait (not (string-match-p "Stashes" (buffer-string))))
   (should (equal (test-read "main.c") "later\n")))
 
+(defun day-work (folder)
+  "Clone the repository `test-folder' into FOLDER, commit, merge, stash and push."
+  (day-clone folder)
+  (day-commit-hunks)
+  (day-merge-with-conflict)
+  (day-push-and-stash folder))
+
 (ert-deftest day-of-work-succeeds ()
   (test-with-folder
     (save-window-excursion
-      (day-clone folder)
-      (day-commit-hunks)
-      (day-merge-with-conflict)
-      (day-push-and-stash folder))))
+      (test-git "init" "-q")
+      (day-work folder))))
 
 ;;; Large history
-
-(defun day-create-large-repository (folder)
-  "Create a repository with 5 changed files and many commits in FOLDER."
-  (should (eql 0 (call-process (expand-file-name "../../../Benchmarks/Editors/large_repository.sh"
-                                                 (getenv "NEBGIT_TESTS_FOLDER"))
-                               nil nil nil (expand-file-name "work" folder) "5" "5000")))
-  (setq test-folder (expand-file-name "work/" folder)
-        default-directory test-folder))
 
 (defun day-shown-p (mode text)
   "Return the buffer in MODE that contains TEXT, or nil."
@@ -156,25 +160,27 @@
 (defun day-scroll-log ()
   "Show the log, and scroll through some pages."
   (nebgit-log)
-  (test-wait (string-match-p "Change 4950" (buffer-string)))
+  (test-wait (string-match-p "Change 99950" (buffer-string)))
   (should (< (count-lines (point-min) (point-max)) 2000))
   (test-wait (progn
                (goto-char (point-max))
                (nebgit-log-more)
                (> (count-lines (point-min) (point-max)) 2600)))
   (goto-char (point-min))
-  (search-forward "Change 2500")
+  (search-forward "Change 97500")
   (nebgit-log-show)
-  (test-wait (day-shown-p 'nebgit-revision-mode "^\\+2500$")))
+  (test-wait (day-shown-p 'nebgit-revision-mode "^\\+97500$")))
 
 (ert-deftest day-in-a-large-history-succeeds ()
   (test-with-folder
     (save-window-excursion
       (day-create-large-repository folder)
+      (day-work folder)
       (day-scroll-log)
       (find-file (expand-file-name "history/0/1" test-folder))
       (nebgit-blame)
       (test-wait (day-shown-p 'nebgit-blame-mode "Ann Example +│"))
+      (test-write "d000/f000003" "changed")
       (day-stage "modified   d000/f000003")
       (day-commit "Change a file")
       (should (equal (test-git "show" "--format=" "--name-only") "d000/f000003")))))

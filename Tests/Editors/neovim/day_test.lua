@@ -47,6 +47,14 @@ local function change_and_stage(path, line, text)
   end, "the signs of " .. path)
 end
 
+-- Creates the repository with 100,000 commits and 5 changed files.
+local function create_large_repository()
+  local tests = vim.fn.fnamemodify(debug.getinfo(1, "S").source:sub(2), ":p:h:h")
+  vim.fn.delete(harness.root, "rf")
+  harness.run({ tests .. "/large_repository.sh", harness.root })
+end
+
+-- Commits a file, and makes the repository one to clone.
 local function prepare_remote()
   harness.commit({ ["main.c"] = "int main() {\n  return 0;\n}\n" }, "Begin")
   harness.remote = harness.folder .. "/shared project.git"
@@ -54,7 +62,8 @@ local function prepare_remote()
   harness.root = harness.folder .. "/my clone"
 end
 
-function tests.FromCloneToPush()
+-- Clones, commits, merges, stashes and pushes.
+local function work()
   prepare_remote()
   vim.cmd("cd " .. vim.fn.fnameescape(harness.folder))
   local function escaped(path)
@@ -65,7 +74,7 @@ function tests.FromCloneToPush()
   commit("", "Return 1")
   change_and_stage("main.c", 2, "  return 2;")
   commit("amend", "Return 2")
-  harness.equal("2", harness.git("rev-list", "--count", "HEAD"))
+  harness.equal("1", harness.git("rev-list", "--count", "origin/main..HEAD"))
 
   harness.answers = { "Create a branch …", "topic" }
   run("switch", "switched to 'topic'")
@@ -99,12 +108,8 @@ function tests.FromCloneToPush()
   harness.wait_for_content("main.c", "// later")
 end
 
--- Creates a repository with 5 changed files and many commits.
-local function create_large_repository()
-  local sources = vim.fn.fnamemodify(debug.getinfo(1, "S").source:sub(2), ":p:h:h:h:h")
-  vim.fn.delete(harness.root, "rf")
-  harness.run({ sources .. "/Benchmarks/Editors/large_repository.sh", harness.root, "5", "5000" })
-  harness.enter()
+function tests.FromCloneToPush()
+  work()
 end
 
 local function wait_for_text(text)
@@ -113,10 +118,10 @@ local function wait_for_text(text)
   end, text)
 end
 
-function tests.LargeHistory()
-  create_large_repository()
+-- Scrolls in the log, and shows a commit.
+local function read_log()
   vim.cmd("NEBGit log")
-  wait_for_text("Change 4950")
+  wait_for_text("Change 99950")
   harness.equal(true, vim.fn.line("$") < 2000)
   harness.wait(function()
     vim.cmd("normal! G")
@@ -124,10 +129,18 @@ function tests.LargeHistory()
     vim.cmd("doautocmd CursorMoved")
     return vim.fn.line("$") > 3000
   end, "pages of the log")
-  harness.go_to("Change 2500")
+  harness.go_to("Change 97500")
   harness.press("<CR>")
-  wait_for_text("+2500")
+  wait_for_text("+97500")
   vim.cmd("silent only")
+end
+
+function tests.LargeHistory()
+  create_large_repository()
+  work()
+  vim.cmd("silent! %bwipeout!")
+  harness.enter()
+  read_log()
   harness.edit("history/0/1")
   harness.wait(function()
     return vim.b.nebgit_path
@@ -135,6 +148,7 @@ function tests.LargeHistory()
   vim.cmd("NEBGit blame")
   wait_for_text("Ann Example")
   vim.cmd("silent only")
+  harness.write("d000/f000003", "changed\n")
   vim.cmd("NEBGit status")
   harness.go_to("modified         d000/f000003")
   harness.press("s")

@@ -81,9 +81,10 @@ def package_jobs(build):
     if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
         return
     compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.MULTILINE).group(1)
-    for case in ["Installation", "Examples", "DebianPackage"]:
+    for case in ["Installation", "Examples", "SourceArchive"]:
         yield Job(f"Package {case}", [Path(sys.executable), SOURCE / "Package/package_test.py", build, case],
                   {"CXX": compiler}, False)
+    yield Job("Package Debian", [Path(sys.executable), SOURCE / "Package/debian_test.py", build], {}, False)
 
 
 def wait_for(process, log, limit):

@@ -63,7 +63,7 @@ build() {
 }
 
 build_packages=(g++ cmake ninja-build git nlohmann-json3-dev)
-package_packages=(dpkg-dev file)
+package_packages=(debhelper dh-elpa devscripts dpkg-dev fakeroot file lintian)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
     openssh-client openssh-server neovim python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)

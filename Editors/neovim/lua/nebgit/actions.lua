@@ -2,6 +2,7 @@
 local M = {}
 
 local messages = require("nebgit.messages")
+local questions = require("nebgit.questions")
 local repository = require("nebgit.repository")
 local requests = require("nebgit.requests")
 
@@ -20,7 +21,7 @@ end
 
 -- Asks whether to do something that loses work, and calls callback() if so.
 function M.confirm(question, verb, callback)
-  vim.ui.select({ "Cancel", verb }, { prompt = question }, function(choice)
+  questions.select({ "Cancel", verb }, { prompt = question }, function(choice)
     if choice == verb then
       callback()
     end

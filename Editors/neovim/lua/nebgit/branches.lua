@@ -3,6 +3,7 @@ local M = {}
 
 local actions = require("nebgit.actions")
 local messages = require("nebgit.messages")
+local questions = require("nebgit.questions")
 local requests = require("nebgit.requests")
 
 local create_item = "Create a branch …"
@@ -61,9 +62,9 @@ function M.switch(root, name)
       return messages.failure(failure)
     end
     local items = vim.list_extend(choices(records), { create_item })
-    vim.ui.select(items, { prompt = "Switch to:" }, function(choice)
+    questions.select(items, { prompt = "Switch to:" }, function(choice)
       if choice == create_item then
-        vim.ui.input({ prompt = "Name of the new branch: " }, function(new_name)
+        questions.input({ prompt = "Name of the new branch: " }, function(new_name)
           if new_name and new_name ~= "" then
             M.create(root, new_name)
           end

@@ -2,6 +2,7 @@
 local M = {}
 
 local messages = require("nebgit.messages")
+local questions = require("nebgit.questions")
 local server = require("nebgit.server")
 
 -- The questions that wait, the first of which is shown: {id, params, reply, process}.
@@ -11,20 +12,12 @@ local is_asking = false
 
 local function ask_openly(params, callback)
   if params.kind == "hostKey" then
-    vim.ui.select({ "No", "Yes" }, { prompt = params.prompt }, function(choice)
+    questions.select({ "No", "Yes" }, { prompt = params.prompt }, function(choice)
       callback(choice and choice:lower())
     end)
   else
-    vim.ui.input({ prompt = params.prompt }, callback)
+    questions.input({ prompt = params.prompt }, callback)
   end
-end
-
--- What inputsecret() returns after <Esc>; an empty answer is an answer.
-local declined = "\1declined\1"
-
-local function ask_secretly(params, callback)
-  local ok, value = pcall(vim.fn.inputsecret, { prompt = params.prompt, cancelreturn = declined })
-  callback(ok and value ~= declined and value or nil)
 end
 
 local ask_next
@@ -50,7 +43,7 @@ function ask_next()
   question.is_shown = true
   local is_open = question.params.kind == "name" or question.params.kind == "hostKey"
   is_asking = true
-  local ok, problem = pcall(is_open and ask_openly or ask_secretly, question.params, function(value)
+  local ok, problem = pcall(is_open and ask_openly or questions.secret, question.params, function(value)
     finish(question, value)
   end)
   is_asking = false

@@ -4,6 +4,7 @@ local M = {}
 local actions = require("nebgit.actions")
 local config = require("nebgit.config")
 local messages = require("nebgit.messages")
+local questions = require("nebgit.questions")
 local requests = require("nebgit.requests")
 
 -- Calls callback(name) with the remote: the only one, or the one that the user chooses.
@@ -22,7 +23,7 @@ local function choose_remote(root, prompt, callback)
     elseif #names == 1 then
       callback(names[1])
     else
-      vim.ui.select(names, { prompt = prompt }, function(name)
+      questions.select(names, { prompt = prompt }, function(name)
         if name then
           callback(name)
         end

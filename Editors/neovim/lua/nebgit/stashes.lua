@@ -4,11 +4,12 @@ local M = {}
 local actions = require("nebgit.actions")
 local commit_view = require("nebgit.commit_view")
 local messages = require("nebgit.messages")
+local questions = require("nebgit.questions")
 local requests = require("nebgit.requests")
 
 -- Stashes all changes, with untracked files if asked.
 function M.push(root, with_untracked)
-  vim.ui.input({ prompt = "Message of the stash (optional): " }, function(message)
+  questions.input({ prompt = "Message of the stash (optional): " }, function(message)
     if not message then
       return
     end
@@ -30,7 +31,7 @@ end
 
 local function choose_action(root, stash)
   local items = { "Pop", "Apply", "Show", "Drop" }
-  vim.ui.select(items, { prompt = stash.Subject }, function(choice)
+  questions.select(items, { prompt = stash.Subject }, function(choice)
     if choice == "Show" then
       commit_view.open(root, stash.ObjectID)
     elseif choice == "Drop" then
@@ -51,7 +52,7 @@ function M.menu(root)
     end
     local items = { "Stash changes", "Stash changes and untracked files" }
     vim.list_extend(items, stashes)
-    vim.ui.select(items, {
+    questions.select(items, {
       prompt = "Stash:",
       format_item = function(item)
         return type(item) == "string" and item or ("%s: %s"):format(item.Name, item.Subject)

@@ -241,7 +241,9 @@ it was fetched."
   "Return a text about RECORDS of type 1012, with the lines of the remote below."
   (let ((pushed (cl-loop for record in records
                          for name = (nebgit-name record Name)
-                         when name collect (format "%s %s" name (nebgit-field record State))))
+                         when name
+                         collect (format "%s %s" (string-remove-prefix "refs/heads/" name)
+                                         (nebgit-field record State))))
         (lines (cl-loop for record in records
                         append (nebgit-list (nebgit-field record RemoteLines)))))
     (concat (if pushed (string-join pushed ", ") "done")

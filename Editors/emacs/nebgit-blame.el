@@ -74,7 +74,11 @@ A REVISION of nil is the working copy, in which CONTENT may be the text."
                   (with-current-buffer buffer
                     (setq nebgit-blame--path path
                           nebgit-blame--revision revision)
-                    (nebgit-blame--draw records line)))))
+                    (nebgit-blame--draw records line))))
+     :failure (lambda (problem outcome)
+                (when (and (buffer-live-p buffer) (zerop (buffer-size buffer)))
+                  (quit-windows-on buffer t))
+                (nebgit-show-error problem outcome)))
     (pop-to-buffer buffer)
     buffer))
 

@@ -226,8 +226,10 @@ Signal an error if it cannot inspect a repository that is not trusted."
            do (remhash token nebgit--progress-functions)))
 
 (defun nebgit--show-progress (title value)
-  "Show VALUE, the progress of the request called TITLE."
-  (when (equal (plist-get value :kind) "report")
+  "Show VALUE, the progress of the request called TITLE.
+Show nothing beside a question, such as that for a password."
+  (when (and (equal (plist-get value :kind) "report")
+             (not (active-minibuffer-window)))
     (let ((message-log-max nil))
       (message "NEBGit: %s, %s (M-x nebgit-cancel stops it)" title (plist-get value :message)))))
 

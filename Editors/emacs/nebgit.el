@@ -58,8 +58,29 @@
 
 ;;;###autoload
 (defun nebgit-status (&optional folder)
-  "Show the state of the working copy of FOLDER, by default the current one."
+  "Show the state of the working copy of FOLDER, by default the current one.
+On the command line of Emacs, as the argument of -f, that is the one of the file
+that Emacs opens."
   (interactive)
+  (if (and (not folder) (member (nebgit-status--option) '("-f" "-funcall" "-e")))
+      ;; Emacs has not opened the files that follow, and would then show them only.
+      (add-hook 'window-setup-hook #'nebgit-status--after-start)
+    (nebgit-status--show folder)))
+
+(defun nebgit-status--option ()
+  "Return the option of the command line that Emacs carries out, or nil."
+  (condition-case nil
+      (symbol-value 'argi)
+    (void-variable nil)))
+
+(defun nebgit-status--after-start ()
+  "Show the status after the start of Emacs, if it is possible."
+  (condition-case problem
+      (nebgit-status--show default-directory)
+    (user-error (message "%s" (error-message-string problem)))))
+
+(defun nebgit-status--show (folder)
+  "Show the state of the working copy of FOLDER, or nil for the current one."
   (let* ((default-directory (file-name-as-directory (or folder default-directory)))
          (root (nebgit-need-root))
          (buffer (get-buffer-create (nebgit--status-name root))))

@@ -98,6 +98,13 @@ machine third login ann password most"
 Continue connecting (yes/no/[fingerprint])? "))
                    '((:value "yes"))))))
 
+(ert-deftest credentials-are-asked-without-progress-beside-them ()
+  (dolist (asking '(t nil))
+    (setq test--messages nil)
+    (cl-letf (((symbol-function 'active-minibuffer-window) (lambda () asking)))
+      (nebgit--show-progress "push" '(:kind "report" :message "2 s")))
+    (should (eq asking (not (string-match-p "push, 2 s" (test-messages)))))))
+
 (ert-deftest credentials-are-asked-one-after-the-other ()
   (test-with-auth-source ""
     (let (order)

@@ -244,6 +244,18 @@ Return the subjects that it shows."
       (test-wait (test-log-subjects))
       (should (equal (test-log-subjects) '("First"))))))
 
+(ert-deftest blame-that-fails-leaves-no-window ()
+  (test-with-repository
+    (save-window-excursion
+      (find-file "a.txt")
+      (delete-file "a.txt")
+      (setq test--messages nil)
+      (nebgit-blame)
+      (should (derived-mode-p 'nebgit-blame-mode))
+      (test-wait (string-match-p "no such file" (test-messages)))
+      (should-not (cl-find 'nebgit-blame-mode (buffer-list)
+                           :key (lambda (buffer) (buffer-local-value 'major-mode buffer)))))))
+
 ;; So many lines are shown in several slices.
 (ert-deftest blame-shows-long-files-in-full ()
   (test-with-repository

@@ -182,20 +182,6 @@ The hook of git exits with STATUS."
     (test-wait (not nebgit--connection))
     (should (equal (test-git "log" "-1" "--format=%s") "At the end"))))
 
-(defun test-at-terminal (dialogue &rest arguments)
-  "Run Emacs with ARGUMENTS at a terminal that answers as DIALOGUE says.
-Return its status, see at_terminal.py, and what the terminal shows."
-  (with-temp-buffer
-    (let ((status (apply #'call-process "python3" nil t nil
-                         (expand-file-name "../../nebsc/Credentials/at_terminal.py"
-                                           (getenv "NEBGIT_TESTS_FOLDER"))
-                         (append dialogue
-                                 (list "--" "env" "TERM=xterm"
-                                       (expand-file-name invocation-name invocation-directory)
-                                       "-nw" "-Q" "-L" (getenv "NEBGIT_EMACS_FOLDER") "-l" "nebgit")
-                                 arguments))))
-      (list status (buffer-string)))))
-
 (ert-deftest server-lets-emacs-end-when-its-terminal-closes ()
   (test-with-repository
     (pcase-let ((`(,status ,shown)

@@ -18,6 +18,15 @@
       (should (string-match-p "\nUnstaged changes (1)\nmodified   a\\.txt\n" (test-text)))
       (should (string-match-p "\nStaged changes (1)\nmodified   b\\.txt\n" (test-text))))))
 
+(ert-deftest status-on-the-command-line-is-that-of-the-file ()
+  (test-with-repository
+    (let ((default-directory "/"))
+      (pcase-let ((`(,_ ,shown)
+                   (test-at-terminal '("Nothing to commit" "hang up")
+                                     "--eval" (format "(setq nebgit-program %S)" nebgit-program)
+                                     "-f" "nebgit-status" (expand-file-name "a.txt" folder))))
+        (should (string-match-p "Nothing to commit" shown))))))
+
 (ert-deftest status-of-a-clean-repository-says-so ()
   (test-with-repository
     (test-with-status
@@ -272,7 +281,7 @@
     (test-write-program "shared.git/hooks/post-receive"
                         "#!/bin/sh" "echo 'Create a merge request:'" "printf 'at \\344'")
     (test-until "Upstream: origin/main" (nebgit-push))
-    (should (string-match-p (concat "push: refs/heads/main new\nremote: Create a merge request:\n"
+    (should (string-match-p (concat "push: main new\nremote: Create a merge request:\n"
                                     "remote: at \\\\344")
                             (test-messages)))
     (should-not (string-match-p "nil nil" (test-messages)))))

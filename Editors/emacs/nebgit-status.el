@@ -15,7 +15,7 @@
 (require 'text-property-search)
 
 (defcustom nebgit-status-limit 500
-  "How many entries of a section the status shows.
+  "How many entries of a section the status shows before it is asked for more.
 It counts up to four times as many."
   :type 'natnum
   :group 'nebgit)
@@ -51,11 +51,10 @@ It counts up to four times as many."
 (defun nebgit-status--new-state ()
   "Return an empty state.
 For each section `:SECTION' is a list of items, last one first, and
-`:SECTION-count' their number, which may exceed `nebgit-status-limit'.
-`:head' and `:operations' are records, `:cut' means that more was not read,
-`:switched-off' has the names of settings that are not used, see
-`nebgit-trusted-folders'."
-  (list :head nil :operations nil))
+`:SECTION-count' their number, which may exceed `:limit'.  `:head' and
+`:operations' are records, `:cut' means that more was not read, `:switched-off'
+has the names of settings that are not used, see `nebgit-trusted-folders'."
+  (list :head nil :operations nil :limit nebgit-status-limit))
 
 (defun nebgit-status-refresh ()
   "Read the state of the working copy again, and show it.
@@ -123,7 +122,7 @@ copy would take Emacs seconds."
   (let* ((list-key (intern (format ":%s" section)))
          (count-key (intern (format ":%s-count" section)))
          (count (or (plist-get state count-key) 0)))
-    (when (< count nebgit-status-limit)
+    (when (< count (plist-get state :limit))
       (setq state (plist-put state list-key
                              (cons (list :section section :path path :record record)
                                    (plist-get state list-key)))))
@@ -199,10 +198,24 @@ names submodules, has no outcome if it is not read to its end."
       (user-error "This line has no entry")))
 
 (defun nebgit-status-toggle-diff ()
-  "Show or hide the diff of the entry at point."
+  "Show or hide the diff of the entry at point.
+Where the status counts further entries, show more of them."
   (interactive)
-  (let* ((item (nebgit-status-item))
-         (key (nebgit-status--key item)))
+  (let ((item (nebgit-status-item)))
+    (if (plist-get item :rest)
+        (nebgit-status--show-more)
+      (nebgit-status--toggle-diff item))))
+
+(defun nebgit-status--show-more ()
+  "Show more entries of each section in this buffer, those of the next page.
+Keep point on the last entry before them."
+  (forward-line -1)
+  (setq-local nebgit-status-limit (+ nebgit-status-limit (default-value 'nebgit-status-limit)))
+  (nebgit-status-refresh))
+
+(defun nebgit-status--toggle-diff (item)
+  "Show or hide the diff of ITEM."
+  (let ((key (nebgit-status--key item)))
     (unless (memq (car key) '(unstaged staged conflict))
       (user-error "No diff for this line"))
     (unless (cdr key)
@@ -345,7 +358,7 @@ Say first if the repository is not trusted."
         (nebgit-status--draw-item item))
       (when (> count (length items))
         (nebgit-status--line (list :section section :rest t) 'shadow
-                             (format "… and %d more" (- count (length items))))))))
+                             (format "… and %d more; = shows more" (- count (length items))))))))
 
 (defun nebgit-status--draw-item (item)
   "Insert ITEM, and its diff if that is open."

@@ -101,6 +101,8 @@ that Emacs opens."
   (interactive)
   (let* ((item (nebgit-status-item))
          (path (plist-get item :path)))
+    (when (plist-get item :rest)
+      (user-error "Press = to show more entries"))
     (unless (and path (not (eq (plist-get item :section) 'stash)))
       (user-error "This line has no file"))
     (find-file-other-window (expand-file-name path))

@@ -141,6 +141,22 @@
       (test-with-status
         (should (string-match-p "Untracked (7)\n\\(new[0-4]\n\\)\\{5\\}… and 2 more" (test-text)))))))
 
+(ert-deftest status-shows-more-when-asked ()
+  (test-with-repository
+    (dotimes (n 12) (test-write (format "new%02d" n) "x"))
+    (let ((nebgit-status-limit 5))
+      (test-with-status
+        (test-go "… and 7 more; = shows more")
+        (should-error (nebgit-status-visit) :type 'user-error)
+        (test-until "Untracked (12)\n\\(new0.\n\\)\\{10\\}… and 2 more"
+          (nebgit-status-toggle-diff))
+        (should (looking-at-p "new04"))
+        (test-go "… and 2 more")
+        (test-until (not "…") (nebgit-status-toggle-diff))
+        (test-go "Untracked (12)")
+        (test-until "Staged changes (12)" (nebgit-stage)))
+      (should (eql nebgit-status-limit 5)))))
+
 (ert-deftest status-does-not-read-very-many-changes ()
   (test-with-repository
     (dotimes (n 30) (test-write (format "new%02d" n) "x"))

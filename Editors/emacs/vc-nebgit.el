@@ -10,6 +10,7 @@
 
 ;;; Code:
 
+(require 'log-edit)
 (require 'vc)
 (require 'nebgit)
 
@@ -195,13 +196,25 @@ FILES are listed even without a record."
     (vc-nebgit--perform nil 'move root :files (list (vc-nebgit--path old root))
                         :destination (vc-nebgit--path new root))))
 
+(defun vc-nebgit--header (option)
+  "Return the function of a header that is yes or no, for OPTION of a commit."
+  (lambda (value)
+    (and (equal (downcase value) "yes") (list option t))))
+
 (defun vc-nebgit-checkin (files comment &optional _revision)
-  "Commit FILES as they are, with the message COMMENT."
-  (let ((root (vc-nebgit--here files)))
-    (vc-nebgit--perform vc-nebgit-commit-limit 'commit root
-                        :files (vc-nebgit--paths files root)
-                        :All (and (not (vc-nebgit--paths files root)) t)
-                        :Message (string-trim comment))))
+  "Commit FILES as they are, with the message COMMENT.
+Its headers are those of `log-edit-mode': Summary, Author, Amend and Sign-Off."
+  (pcase-let ((root (vc-nebgit--here files))
+              (`(,message . ,options)
+               (log-edit-extract-headers
+                `(("Author" . :Author) ("Amend" . ,(vc-nebgit--header :Amend))
+                  ("Sign-Off" . ,(vc-nebgit--header :SignOff)))
+                comment)))
+    (apply #'vc-nebgit--perform vc-nebgit-commit-limit 'commit root
+           :files (vc-nebgit--paths files root)
+           :All (and (not (vc-nebgit--paths files root)) t)
+           :Message (string-trim message)
+           options)))
 
 (defun vc-nebgit-revert (file &optional contents-done)
   "Make FILE like HEAD; with CONTENTS-DONE only in the index."

@@ -66,6 +66,33 @@
       (vc-nebgit-delete-file (expand-file-name "moved.txt" folder))
       (should (equal (test-git "status" "--porcelain") "D  moved.txt")))))
 
+(ert-deftest vc-commits-what-the-headers-say ()
+  (test-with-vc
+    (cl-flet ((commit (text message)
+                (test-write "a.txt" text)
+                (vc-nebgit-checkin (list (expand-file-name "a.txt" folder)) message)
+                (test-git "log" "-1" "--format=%an: %B")))
+      (should (equal (commit "1" "Summary: Change a\n\nBody\n")
+                     "Ann Example: Change a\n\nBody\n"))
+      (should (equal (commit "2" "Summary: Change a\nAuthor: Bob <bob@example.org>\n")
+                     "Bob: Change a\n"))
+      (should (equal (commit "3" "editor: change a\n") "Ann Example: editor: change a\n"))
+      (should (equal (commit "4" "Summary: New\nSign-Off: yes\nAmend: yes\n")
+                     (concat "Ann Example: New\n\n"
+                             "Signed-off-by: Ann Example <ann@example.com>\n")))
+      (should (equal (test-git "rev-list" "--count" "HEAD") "5")))))
+
+(ert-deftest vc-commits-through-the-window-for-the-message ()
+  (test-with-vc
+    (find-file "a.txt")
+    (insert "new ")
+    (let ((inhibit-message t)) (save-buffer))
+    (vc-next-action nil)
+    (should (derived-mode-p 'log-edit-mode))
+    (insert "Change a")
+    (log-edit-done)
+    (test-wait (equal (test-git "log" "-1" "--format=%B") "Change a\n"))))
+
 (ert-deftest vc-reverts-and-checks-out ()
   (test-with-vc
     (let ((file (expand-file-name "a.txt" folder)))

@@ -13,6 +13,7 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "Platform/ThreadEnd.h"
 
 namespace neb {
 
@@ -52,7 +53,7 @@ NEBSourceControlError outOfMemoryError() {
 NEBSourceControlError NEBSourceControlErrorOfCurrentException() {
     try {
         throw;
-    } catch (const abi::__forced_unwind&) {
+    } catch (const ThreadEnd&) {
         throw;
     } catch (const std::bad_alloc&) {
         return outOfMemoryError();

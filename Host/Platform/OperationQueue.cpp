@@ -1,12 +1,11 @@
 #include "Platform/OperationQueue.h"
 
-#include <cxxabi.h>
-
 #include <algorithm>
 #include <new>
 #include <utility>
 
 #include "Platform/SignalFreeThread.h"
+#include "Platform/ThreadEnd.h"
 
 namespace neb {
 
@@ -82,12 +81,12 @@ void OperationQueue::runThread() {
 
 namespace {
 
-/// Drops exceptions, except the one with which pthread_cancel() and pthread_exit() end a thread.
+/// Drops exceptions, except the end of the thread.
 template <typename Work>
 void doWithoutExceptions(const Work& work) {
     try {
         work();
-    } catch (const abi::__forced_unwind&) {
+    } catch (const ThreadEnd&) {
         throw;
     } catch (...) {
         return;

@@ -16,6 +16,8 @@ inline constexpr const char* adviceOnLostObjects =
 /// Checks git, its version and its support for HTTPS. Sets `hasGit` and `programs`.
 void checkGit(Examination& examination);
 void checkPlugIn(Examination& examination, const PlugInFile& plugIn);
+/// Notes what the system lacks that nebsc uses beyond POSIX.
+void checkSystem(Examination& examination);
 /// Checks that the folder is in a repository that git can read. Sets `repository`.
 void checkRepository(Examination& examination);
 

@@ -81,6 +81,7 @@ std::vector<Finding> diagnose(Interruption& interruption, const Trace& trace,
     Examination examination(interruption, trace, subject.folder);
     runCheck(checkGit, examination);
     checkPlugIn(examination, subject.plugIn);
+    runCheck(checkSystem, examination);
     if (examination.hasGit) {
         runChecksWithGit(examination, subject.isFull);
     }

@@ -97,13 +97,13 @@ constinit const Command doctorCommand{
     .group = inspectGroup,
     .summary = "Check git, the repository and the settings for problems, and say how to fix them",
     .details =
-        "Checks git and the plug-in; in the repository: lock files, the index,\n"
-        "references, the HEAD commit and its root tree, packs, alternates, worktrees,\n"
-        "operations in progress and hooks; for the user: settings and environment\n"
-        "variables that nebsc ignores, the identity for commits, and credentials. Then\n"
-        "measures what makes git slow in the repository. Changes nothing, runs no hooks\n"
-        "and fetches nothing. Takes a few seconds; with --full as long as git fsck. Exits\n"
-        "with status 1 if it finds a problem.\n"
+        "Checks git, the plug-in and the system; in the repository: lock files, the\n"
+        "index, references, the HEAD commit and its root tree, packs, alternates,\n"
+        "worktrees, operations in progress and hooks; for the user: settings and\n"
+        "environment variables that nebsc ignores, the identity for commits, and\n"
+        "credentials. Then measures what makes git slow in the repository. Changes\n"
+        "nothing, runs no hooks and fetches nothing. Takes a few seconds; with --full as\n"
+        "long as git fsck. Exits with status 1 if it finds a problem.\n"
         "\n"
         "Examples:\n"
         "  nebsc doctor\n"

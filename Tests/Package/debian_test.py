@@ -35,7 +35,7 @@ def make_packages(folder, **variables):
     """Packages the build in the folder, and returns the paths of the packages by their names."""
     sources = copy_sources(folder / "sources")
     run("debian/rules", "binary", folder=sources, NEB_BUILD=str(BUILD), **variables,
-        DEB_BUILD_OPTIONS="noautodbgsym")
+        DEB_BUILD_OPTIONS="noautodbgsym", DPKG_DEB_COMPRESSOR_TYPE="gzip", DPKG_DEB_COMPRESSOR_LEVEL="1")
     return {path.name.partition("_")[0]: path for path in folder.glob("*.deb")}
 
 
@@ -116,8 +116,7 @@ class Packages(Debian):
         self.assertNotIn("nebgit", self.field("libnebgit1", "Depends"))
         self.assertEqual(self.field("libnebgit-dev", "Depends"),
                          f"libnebgit1 (= {VERSION}), nebgit (= {VERSION})")
-        for package in ["libnebgit1", "libnebgit-dev"]:
-            self.assertEqual(self.field(package, "Multi-Arch"), "same")
+        self.assertEqual(self.field("libnebgit1", "Multi-Arch"), "same")
 
     def test_those_who_link_the_library_depend_on_it(self):
         control = self.control("libnebgit1")
@@ -126,8 +125,10 @@ class Packages(Debian):
         self.assertRegex((control / "symbols").read_text(), r"(?m)^ _ZN3neb\w+@Base 1\.0$")
 
     def test_lintian_is_content(self):
+        sources = copy_sources(self.folder / "sources/nebgit")
+        run("dpkg-source", "--compression=gzip", "--build", sources, folder=sources.parent)
         run("lintian", "--fail-on", "error,warning", "--suppress-tags", ",".join(LINTIAN_EXCEPTIONS),
-            *self.packages.values())
+            f"{sources.parent}/nebgit_{VERSION}.dsc", *self.packages.values())
 
     def test_packaging_again_elsewhere_gives_the_same(self):
         folder = self.folder / "another-place"

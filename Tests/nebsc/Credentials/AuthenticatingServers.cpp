@@ -121,13 +121,17 @@ bool SSHServer::start() {
                             .standardError = ChildStream::copyOf(pipe.writeEnd.get())});
     pipe.writeEnd.close();
     _log = std::move(pipe.readEnd);
-    const std::string line = readLine(_log.get());
-    if (line.find("listening on") != std::string::npos) {
-        return true;
+    std::string text;
+    std::string line;
+    while (!(line = readLine(_log.get())).empty()) {
+        if (line.find("listening on") != std::string::npos) {
+            return true;
+        }
+        text += line;
     }
     stop();
-    if (line.find("Address already in use") == std::string::npos) {
-        throw std::runtime_error("sshd: " + line);
+    if (text.find("Address already in use") == std::string::npos) {
+        throw std::runtime_error("sshd: " + text);
     }
     return false;
 }

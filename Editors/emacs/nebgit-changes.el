@@ -49,6 +49,9 @@ They are NEW-COUNT lines after NEW-LINE of the buffer."
 (defvar-local nebgit-changes--tick nil
   "Modification tick of the text of the last comparison.")
 
+(defvar-local nebgit-changes--reading nil
+  "What identifies the latest request for the file in the index.")
+
 (defvar-local nebgit-changes--process nil
   "Process that compares.")
 
@@ -86,10 +89,13 @@ FAILURE is as of `nebgit-perform'.  MEMBERS are added to the request."
     (when (buffer-live-p buffer)
       (with-current-buffer buffer
         (when (nebgit-changes--path)
-          (nebgit-changes--content
-           (lambda (bytes) (nebgit-changes--set-base buffer bytes))
-           (lambda (&rest _) (nebgit-changes--set-base buffer nil))
-           :ApplyFilters t :background t))))))
+          (let ((token (setq nebgit-changes--reading (list nil))))
+            (cl-flet ((set-base (bytes)
+                        (when (and (buffer-live-p buffer)
+                                   (eq token (buffer-local-value 'nebgit-changes--reading buffer)))
+                          (nebgit-changes--set-base buffer bytes))))
+              (nebgit-changes--content #'set-base (lambda (&rest _) (set-base nil))
+                                       :ApplyFilters t :background t))))))))
 
 (defun nebgit-changes--set-base (buffer bytes)
   "Compare BUFFER with BYTES, its file in the index, from now on.
@@ -162,7 +168,10 @@ TICK is the modification tick of its text.  FILE is deleted."
      :sentinel (lambda (process _)
                  (unless (process-live-p process)
                    (ignore-errors (delete-file file))
-                   (when (and (buffer-live-p buffer) (memql (process-exit-status process) '(0 1))
+                   ;; Of two that ended at the same time, Emacs may report the older one last.
+                   (when (and (buffer-live-p buffer)
+                              (eq process (buffer-local-value 'nebgit-changes--process buffer))
+                              (memql (process-exit-status process) '(0 1))
                               (eq (process-status process) 'exit))
                      (nebgit-changes--compared buffer tick
                                                (with-current-buffer output

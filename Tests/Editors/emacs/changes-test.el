@@ -40,6 +40,36 @@
   "Commit the file NAME with the lines 1 to 20."
   (apply #'test-commit-file name "Lines" (mapcar #'number-to-string (number-sequence 1 20))))
 
+(defun test-await-exit (process)
+  "Wait until PROCESS has exited, and do not let Emacs call its sentinel."
+  (while (process-live-p process)
+    (call-process "sleep" nil nil nil "0.01")))
+
+(ert-deftest changes-of-the-latest-comparison-are-marked ()
+  (test-with-repository
+    (test-with-file "a.txt"
+      (setq nebgit-changes--tick nil)
+      (dolist (base '("" "one\ntwo\nthree\n"))
+        (nebgit-changes--set-base (current-buffer) base)
+        (test-await-exit nebgit-changes--process))
+      (test-wait nebgit-changes--tick)
+      (should-not (test-marks)))))
+
+(ert-deftest changes-against-the-latest-index-are-marked ()
+  (test-with-repository
+    (test-with-file "a.txt"
+      (let (answers)
+        (cl-letf (((symbol-function 'nebgit-changes--content)
+                   (lambda (success &rest _) (push success answers))))
+          (nebgit-changes-refresh)
+          (nebgit-changes-refresh))
+        (setq nebgit-changes--tick nil)
+        (funcall (pop answers) "one\ntwo\nthree\n")
+        (funcall (pop answers) "outdated")
+        (test-wait nebgit-changes--tick)
+        (should (equal (test-read nebgit-changes--base) "one\ntwo\nthree\n"))
+        (should-not (test-marks))))))
+
 (ert-deftest changes-mark-unsaved-text ()
   (test-with-repository
     (test-lines-file "long.txt")

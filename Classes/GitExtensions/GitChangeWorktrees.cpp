@@ -242,9 +242,8 @@ void GitChangeWorktreesOperation::remove() {
     }
     if (worktree->contains(NEBSourceControlOperationIsLockedKey)) {
         const std::string reason(worktree->text(NEBSourceControlOperationLockReasonKey));
-        fail(NEBSourceControlRequestInvalidErrorClass,
-             "The worktree is locked" + (reason.empty() ? "" : " (" + reason + ")") +
-                 ". \"git worktree unlock\" unlocks it.");
+        fail(NEBSourceControlWorktreeLockedErrorClass,
+             "The worktree is locked" + (reason.empty() ? "." : " (" + reason + ")."));
         return;
     }
     std::vector<std::string> arguments{"worktree", "remove"};

@@ -175,6 +175,8 @@ inline constexpr NEBConstant NEBSourceControlBranchExistsErrorClass{"branch-exis
 inline constexpr NEBConstant NEBSourceControlBranchInUseErrorClass{"branch-in-use"};
 /// The branch to delete has commits that are not merged.
 inline constexpr NEBConstant NEBSourceControlBranchNotMergedErrorClass{"branch-not-merged"};
+/// The worktree to remove is locked; see git-worktree(1).
+inline constexpr NEBConstant NEBSourceControlWorktreeLockedErrorClass{"worktree-locked"};
 /// This name is not valid for a branch.
 inline constexpr NEBConstant NEBSourceControlBranchNameInvalidErrorClass{"branch-name-invalid"};
 /// This name is not valid for a tag.

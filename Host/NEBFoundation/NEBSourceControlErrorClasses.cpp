@@ -216,6 +216,8 @@ constexpr NEBSourceControlErrorClass classes[] = {
      "Switch that working copy to another branch first."},
     {NEBSourceControlBranchNotMergedErrorClass, "The branch has commits that are not merged.",
      "Merge it first, or delete it anyway with \"git branch -D BRANCH\"."},
+    {NEBSourceControlWorktreeLockedErrorClass, "The worktree is locked.",
+     "Unlock it with \"git worktree unlock PATH\"."},
     {NEBSourceControlBranchNameInvalidErrorClass, "This name is not valid for a branch.",
      "Choose another name; \"git help check-ref-format\" lists the rules."},
     {NEBSourceControlTagNameInvalidErrorClass, "This name is not valid for a tag.",

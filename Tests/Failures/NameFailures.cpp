@@ -339,6 +339,16 @@ const Failure failures[] = {
              {"worktree", "add", "--quiet", "-b", "topic", scene.folder().path("tree")});
          return about(scene, NEBSourceControlRequestCheckout, "topic");
      }},
+    {.how = "a removal of a locked worktree",
+     .errorClass = NEBSourceControlWorktreeLockedErrorClass,
+     .provoke = [](Scene& scene) -> Request {
+         const std::string tree = scene.folder().path("tree");
+         scene.work().git({"worktree", "add", "--quiet", tree});
+         scene.work().git({"worktree", "lock", "--reason", "on a stick", tree});
+         const Request request = about(scene, NEBSourceControlRequestWorktrees, tree);
+         request->options = NEBDictionary{{NEBSourceControlRequestOptionAction, "remove"}};
+         return request;
+     }},
     // remotes
     {.how = "a new remote that already exists",
      .errorClass = NEBSourceControlRemoteExistsErrorClass,

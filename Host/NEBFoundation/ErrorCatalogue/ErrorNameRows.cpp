@@ -221,6 +221,11 @@ constexpr ErrorCatalogueRow rows[] = {
      {
          "cannot force update the branch '",
      }},
+    {NEBSourceControlWorktreeLockedErrorClass,
+     {
+         " a locked working tree",
+         " is a missing but locked worktree",
+     }},
     {NEBSourceControlBranchNameInvalidErrorClass,
      {
          "is not a valid branch name",

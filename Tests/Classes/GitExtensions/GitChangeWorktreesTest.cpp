@@ -177,7 +177,7 @@ TEST_F(ChangeWorktrees, SayWhyNot) {
     addWorktree("locked");
     repository.git({"worktree", "lock", "--reason", "on a stick", folder.path("locked")});
     const auto locked = removed("locked", {{NEBSourceControlRequestOptionForce, true}});
-    EXPECT_THAT(locked->error(), HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_THAT(locked->error(), HasErrorClass(NEBSourceControlWorktreeLockedErrorClass));
     EXPECT_THAT(locked->error()->localizedDescription().value_or(""),
                 HasSubstr("locked (on a stick)"));
     EXPECT_THAT(changed("remove", repository.path())->error(),

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -257,10 +259,12 @@ void addUsersEntries(const std::vector<std::string>& inherited, ConfigurationWri
     }
 }
 
+/// git fails on a value that is no 32-bit integer.
 void addLockTimeouts(std::chrono::milliseconds time, ConfigurationWriter& writer) {
+    constexpr std::chrono::milliseconds longest(std::numeric_limits<std::int32_t>::max());
     if (time > std::chrono::milliseconds(0)) {
         for (const std::string_view key : timeoutsOfReferenceLocks) {
-            writer.add(key, std::to_string(time.count()));
+            writer.add(key, std::to_string(std::min(time, longest).count()));
         }
     }
 }

@@ -294,6 +294,11 @@ TEST(ChildEnvironment, MakesGitWaitForLockedReferences) {
     EXPECT_TRUE((key + 3)->ends_with("=1500"));
 }
 
+TEST(ChildEnvironment, LetsGitWaitNoLongerThanItsSettingsCan) {
+    EXPECT_THAT(NEBSourceControlChildEnvironment({}, {.lockWait = std::chrono::hours(10'000)}),
+                testing::Contains(testing::EndsWith("=2147483647")).Times(2));
+}
+
 TEST(ChildEnvironment, IsTheEnvironmentOfTheChildrenOfOperations) {
     class EnvironmentOperation : public NEBSourceControlTaskOperation {
     public:

@@ -55,6 +55,22 @@ TEST(RequestCommand, PrintsTheOutcomeOfAStatus) {
     EXPECT_EQ(outcome.exitStatus, 0);
 }
 
+/// git is started again as long as the index is locked.
+TEST(RequestCommand, WaitsForLocksAsLongAsItSays) {
+    const TestRepository repository;
+    repository.write("new", "1\n");
+    repository.write(".git/index.lock", "");
+    JSON request{{"type", NEBSourceControlRequestAddFiles},
+                 {"sourceTree", {{"location", repository.path()}}},
+                 {"files", {"new"}}};
+    for (const int wait : {0, 120}) {
+        request["limits"] = {{"lockWaitMilliseconds", wait}};
+        const JSON outcome = runRequest(request.dump()).json();
+        EXPECT_EQ(outcome["error"]["class"], "index-locked");
+        EXPECT_EQ(outcome["commands"].size() > 1, wait > 0) << outcome["commands"];
+    }
+}
+
 TEST(RequestCommand, ADryRunRunsNothing) {
     const TemporaryFolder folder;
     const std::string file = folder.write("request.json", statusRequest(folder.path()));

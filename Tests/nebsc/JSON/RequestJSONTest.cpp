@@ -42,17 +42,21 @@ TEST(RequestJSON, TreatsNullAsAbsent) {
 TEST(RequestJSON, ReadsTheLimitsOfTheOperation) {
     const NEBSourceControlLimits limits =
         requestFromJSON(R"({"type": 18, "limits": {"silenceMilliseconds": 1500,
-                            "totalMilliseconds": 60000, "outputBytes": 100}})")
+                            "totalMilliseconds": 60000, "outputBytes": 100,
+                            "lockWaitMilliseconds": 0}})")
             .settings.limits;
     EXPECT_EQ(limits.silence, std::chrono::milliseconds(1500));
     EXPECT_EQ(limits.total, std::chrono::minutes(1));
     EXPECT_EQ(limits.outputBytes, 100U);
-    for (const char* json : {R"({"type": 18})", R"({"type": 18, "limits": null})",
-                             R"({"type": 18, "limits": {"outputBytes": null}})"}) {
+    EXPECT_EQ(limits.lockWait, std::chrono::milliseconds(0));
+    for (const char* json :
+         {R"({"type": 18})", R"({"type": 18, "limits": null})",
+          R"({"type": 18, "limits": {"outputBytes": null, "lockWaitMilliseconds": null}})"}) {
         const RequestReading reading = requestFromJSON(json);
         EXPECT_EQ(reading.refusal, "");
         const NEBSourceControlLimits& none = reading.settings.limits;
         EXPECT_FALSE(none.silence || none.total || none.outputBytes);
+        EXPECT_EQ(none.lockWait, std::chrono::seconds(2));
     }
 }
 
@@ -87,7 +91,12 @@ TEST(RequestJSON, RefusesLimitsThatAreNone) {
         refusalOf(R"({"time": 1})"),
         member +
             "'limits.time' is unknown; expected one of silenceMilliseconds, totalMilliseconds, "
-            "outputBytes.");
+            "outputBytes, lockWaitMilliseconds.");
+    const std::string wait = member + "'limits.lockWaitMilliseconds' is ";
+    const std::string expected = "; expected an integer from 0 to 2147483647.";
+    EXPECT_EQ(refusalOf(R"({"lockWaitMilliseconds": -1})"), wait + "-1" + expected);
+    EXPECT_EQ(refusalOf(R"({"lockWaitMilliseconds": 2147483648})"), wait + "2147483648" + expected);
+    EXPECT_EQ(refusalOf(R"({"lockWaitMilliseconds": "1"})"), wait + "a string" + expected);
 }
 
 TEST(RequestJSON, AcceptsTheLimitsOfTheType) {

@@ -30,6 +30,16 @@ TEST_F(LimitedRequest, AppliesToTheGitOfACursor) {
     EXPECT_EQ(page["outcome"]["error"]["class"], "output-too-large");
 }
 
+TEST_F(LimitedRequest, WaitsForLocksNoLongerThanItSays) {
+    repository.write("new", "1\n");
+    repository.write(".git/index.lock", "");
+    JSON request = requestAbout(NEBSourceControlRequestAdd, repository.path());
+    request["limits"] = {{"lockWaitMilliseconds", 0}};
+    const JSON outcome = call("sourceControl/perform", request)["result"];
+    EXPECT_EQ(outcome["error"]["class"], "index-locked");
+    EXPECT_EQ(outcome["commands"].size(), 1U) << "git was started again";
+}
+
 TEST_F(LimitedRequest, IsPlannedLikeAnyOther) {
     EXPECT_EQ(call("sourceControl/plan", limitedLog())["result"]["error"], nullptr);
 }

@@ -113,6 +113,7 @@ constexpr Member<NEBSourceControlLimits> limitMembers[] = {
     {"silenceMilliseconds", readInto<readMilliseconds, &NEBSourceControlLimits::silence>},
     {"totalMilliseconds", readInto<readMilliseconds, &NEBSourceControlLimits::total>},
     {"outputBytes", readInto<readByteCount, &NEBSourceControlLimits::outputBytes>},
+    {"lockWaitMilliseconds", readInto<readWaitingTime, &NEBSourceControlLimits::lockWait>},
 };
 
 bool readLimits(Refusal& refusal, const InputNode& input, NEBSourceControlLimits& limits) {

@@ -10,7 +10,7 @@
 //       "remote": { "representsGitSVNBridge": false },
 //       "options": { "NEBSourceControlRequestOptionLogOutputLimit": 50 },
 //       "limits": { "silenceMilliseconds": 30000, "totalMilliseconds": 600000,
-//                   "outputBytes": 100000000 },
+//                   "outputBytes": 100000000, "lockWaitMilliseconds": 2000 },
 //       "background": true, "trust": "inspect" }
 //
 // Only "type" is required; it is a 32-bit integer. null means absent. A member can

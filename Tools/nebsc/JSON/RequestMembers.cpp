@@ -78,15 +78,28 @@ bool Refusal::wrongValue(const InputNode& input, std::string_view reason) {
     return false;
 }
 
-bool readType(Refusal& refusal, const InputNode& input, std::int32_t& type) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    constexpr std::string_view expected = "an integer from -2147483648 to 2147483647";
+namespace {
+
+/// Refuses what is not an integer from `least` to 2147483647.
+bool checkInteger32(Refusal& refusal, const InputNode& input, std::int32_t least) {
+    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    const std::string expected =
+        "an integer from " + std::to_string(least) + " to " + std::to_string(most);
     if (input.node.kind != Kind::integer) {
         return refusal.wrongKind(input, expected);
     }
-    if (input.node.integer < Limits::min() || input.node.integer > Limits::max()) {
-        return refusal.wrongValue(input, "is " + std::to_string(input.node.integer) +
-                                             "; expected " + std::string(expected));
+    if (input.node.integer < least || input.node.integer > most) {
+        return refusal.wrongValue(
+            input, "is " + std::to_string(input.node.integer) + "; expected " + expected);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool readType(Refusal& refusal, const InputNode& input, std::int32_t& type) {
+    if (!checkInteger32(refusal, input, std::numeric_limits<std::int32_t>::min())) {
+        return false;
     }
     type = static_cast<std::int32_t>(input.node.integer);
     return true;
@@ -116,6 +129,17 @@ bool readMilliseconds(Refusal& refusal, const InputNode& input,
         time = std::chrono::milliseconds(*count);
     }
     return isRead;
+}
+
+bool readWaitingTime(Refusal& refusal, const InputNode& input, std::chrono::milliseconds& time) {
+    if (input.node.kind == Kind::null) {
+        return true;
+    }
+    if (!checkInteger32(refusal, input, 0)) {
+        return false;
+    }
+    time = std::chrono::milliseconds(input.node.integer);
+    return true;
 }
 
 bool readByteCount(Refusal& refusal, const InputNode& input, std::optional<std::uint64_t>& count) {

@@ -54,6 +54,9 @@ struct Refusal {
                                     std::optional<std::chrono::milliseconds>& time);
 [[nodiscard]] bool readByteCount(Refusal& refusal, const InputNode& input,
                                  std::optional<std::uint64_t>& count);
+/// Reads an integer from 0 to 2147483647, the most that settings of git accept.
+[[nodiscard]] bool readWaitingTime(Refusal& refusal, const InputNode& input,
+                                   std::chrono::milliseconds& time);
 /// Reads a string, a boolean, a number, or bytes as {"base64": "…"}, which become a string. A
 /// number that is not a 64-bit integer becomes an object whose description is the text of the
 /// number.

@@ -12,7 +12,10 @@
 #include "JSON/Schema/TypeMembers.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/TestRepository.h"
 #include "nebsc/JSON/Schema/SchemaValidator.h"
+#include "nebsc/NebscRun.h"
 #include "nebsc/Server/ServerClient.h"
 
 namespace neb::test {
@@ -156,6 +159,8 @@ TEST_F(RequestSchema, RefusesWhatIsRefused) {
         {{{"type", 18}, {"options", {{"Limit", 1}}}}, "options has the unknown member Limit"},
         {{{"type", 18}, {"files", "a"}}, "files is not of the type"},
         {{{"type", 18}, {"limits", {{"outputBytes", 0}}}}, "limits.outputBytes exceeds the limit"},
+        {{{"type", 18}, {"limits", {{"lockWaitMilliseconds", -1}}}},
+         "limits.lockWaitMilliseconds exceeds the limit"},
         {{{"type", 18}, {"background", "yes"}}, "background is not of the type"},
         {{{"type", 17}}, "the value exceeds the limit 18"},
     };

@@ -1,6 +1,8 @@
 #include "JSON/Schema/RequestSchema.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -117,11 +119,16 @@ JSON schemaOfSourceTree() {
 
 JSON schemaOfLimits() {
     const JSON limit = orNull({{"type", "integer"}, {"minimum", 1}});
-    return {
-        {"type", "object"},
-        {"properties",
-         {{"silenceMilliseconds", limit}, {"totalMilliseconds", limit}, {"outputBytes", limit}}},
-        {"additionalProperties", false}};
+    const JSON time = orNull({{"type", "integer"},
+                              {"minimum", 0},
+                              {"maximum", std::numeric_limits<std::int32_t>::max()}});
+    return {{"type", "object"},
+            {"properties",
+             {{"silenceMilliseconds", limit},
+              {"totalMilliseconds", limit},
+              {"outputBytes", limit},
+              {"lockWaitMilliseconds", time}}},
+            {"additionalProperties", false}};
 }
 
 JSON schemaOfOptions() {

@@ -195,7 +195,8 @@ def main():
     jobs = list(google_test_jobs(build, THREADED if options.threaded else PROGRAMS, text))
     if not options.threaded and not text:
         package = [] if options.without_package else package_jobs(build)
-        jobs = [*editor_jobs(build), *package, *jobs]
+        chaos = Job("Chaos", [Path(sys.executable), SOURCE / "Chaos/chaos_test.py"], {}, False)
+        jobs = [*editor_jobs(build), *package, *jobs, chaos]
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))

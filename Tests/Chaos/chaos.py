@@ -8,6 +8,7 @@ server that lives as long as the run. Afterwards:
 
 - no process, temporary file or lock is left, and the server has as many descriptors as before;
 - both repositories pass `git fsck`;
+- the server responds with an outcome, or that the request was cancelled if it was;
 - an outcome without error has the records that it has without disturbances, and the repositories
   are as they are then;
 - the request has ended in 60 seconds.
@@ -45,6 +46,7 @@ BEST_EFFORT = {
     "1012 ": "demo/.git/refs/remotes/.*|demo: git for-each-ref",
 }
 PR_SET_CHILD_SUBREAPER = 36
+REQUEST_CANCELLED = -32800
 
 
 class Process:
@@ -103,6 +105,23 @@ class Process:
         return output
 
 
+def outcome_in(message, happening):
+    """The outcome in a response of the server, or None for a request that was cancelled before it
+    started. Any other error of JSON-RPC is a finding: docs/server.md has it for invalid requests
+    and for a server without memory, but not for what disturbs it here."""
+    error = message.get("error")
+    if error is None:
+        return message["result"]
+    if error["code"] != REQUEST_CANCELLED:
+        raise AssertionError("the server responds with the error %s" % error)
+    if not any(isinstance(one, disturbances.Cancel) for one in happening):
+        raise AssertionError("the server says that a request was cancelled that was not")
+    outcome = error.get("data")
+    if outcome is not None and (outcome["error"] or {}).get("class") != "cancelled":
+        raise AssertionError("the outcome of a cancelled request is %s" % outcome["error"])
+    return outcome
+
+
 class Server:
     """One `nebsc serve` for the whole run."""
 
@@ -148,8 +167,8 @@ class Server:
         self.send({"method": "$/cancelRequest", "params": {"id": self.last}})
 
     def outcome(self, request, variables, happening, started):
-        message = self.call("sourceControl/perform", json.loads(request), started)
-        return message.get("result")
+        return outcome_in(self.call("sourceControl/perform", json.loads(request), started),
+                          happening)
 
     def end(self):
         self.call("shutdown", {}, lambda _: None)

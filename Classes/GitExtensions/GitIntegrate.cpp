@@ -38,6 +38,9 @@ std::optional<GitMergeComposite::MergeCommand> GitIntegrateOperation::commandOfS
 /// While a rebase is under way, no branch is checked out.
 void GitIntegrateOperation::failWithoutBranch(const NEBSourceControlOperation& query) {
     const auto unfinished = run<GitUnfinishedOperation>(request());
+    if (!goesOnAfter(*unfinished)) {
+        return;
+    }
     const NEBSourceControlResult found = unfinished->result().value_or(NEBSourceControlResult());
     if (found.empty()) {
         static_cast<void>(goesOnAfter(query));

@@ -4,7 +4,6 @@
 #include <iterator>
 #include <utility>
 
-#include "GitExtensions/GitQuery.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 
 namespace neb {
@@ -40,7 +39,11 @@ void GitNamedObjectOperation::explainFailure() {
     }
     const bool isMissing =
         query->error() && query->error()->errorClass == NEBSourceControlObjectsDamagedErrorClass;
-    if (isMissing && isSubmodule()) {
+    const auto entry = isMissing ? queriedEntry() : nullptr;
+    constexpr std::string_view modeOfSubmodule = "160000 ";
+    if (entry && entry->lacksAnswer()) {
+        setError(entry->error());
+    } else if (entry && entry->output().starts_with(modeOfSubmodule)) {
         failForType("is a submodule");
     } else if (query->error() && !isVague(*query->error())) {
         setError(query->error());
@@ -50,16 +53,14 @@ void GitNamedObjectOperation::explainFailure() {
 }
 
 /// git has no object for a submodule, whose commit belongs to another repository.
-bool GitNamedObjectOperation::isSubmodule() {
+std::shared_ptr<GitQueryOperation> GitNamedObjectOperation::queriedEntry() {
     std::vector<std::string> arguments{"ls-tree", "--full-tree", _object.revision, "--",
                                        _object.path};
     if (_object.revision.starts_with(':')) {
         arguments = {"ls-files", "--stage", "--", ":(top,literal)" + _object.path};
     }
-    const auto query = runOperation(
+    return runOperation(
         std::make_shared<GitQueryOperation>(gitRequestWithoutNames(*request()), arguments));
-    constexpr std::string_view modeOfSubmodule = "160000 ";
-    return query->output().starts_with(modeOfSubmodule);
 }
 
 void GitNamedObjectOperation::failForType(std::string_view description) {

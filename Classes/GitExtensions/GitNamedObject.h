@@ -1,11 +1,13 @@
 // GitNamedObject.h - the base of the operations that read one object by its name.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "GitExtensions/GitExtension.h"
+#include "GitExtensions/GitQuery.h"
 #include "GitOperations/GitComposite.h"
 
 namespace neb {
@@ -42,7 +44,8 @@ protected:
 
 private:
     void explainFailure();
-    [[nodiscard]] bool isSubmodule();
+    /// Asks for the entry of the object in its tree or in the index; its mode comes first.
+    [[nodiscard]] std::shared_ptr<GitQueryOperation> queriedEntry();
     /// Sets the error for an object of another type: "is a folder".
     void failForType(std::string_view description);
 

@@ -17,9 +17,7 @@ std::shared_ptr<GitQueryOperation> GitQueryComposite::runQuery(
 std::shared_ptr<GitQueryOperation> GitQueryComposite::runQuery(
     std::shared_ptr<GitQueryOperation> query) {
     runOperation(query);
-    const auto& status = query->terminationStatus();
-    const bool hasExited = status && status->exitStatus();
-    if (!hasExited && query->error() && !error()) {
+    if (query->lacksAnswer() && !error()) {
         setError(query->error());
     }
     return query;

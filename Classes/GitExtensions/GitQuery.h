@@ -29,6 +29,11 @@ public:
     [[nodiscard]] std::string_view output() const {
         return data() ? data()->bytes() : std::string_view();
     }
+    /// Whether git did not start, or a signal ended it. There is an error then.
+    [[nodiscard]] bool lacksAnswer() const {
+        const auto& status = terminationStatus();
+        return error() && !(status && status->exitStatus());
+    }
     /// The output without its last line end: a single line, whatever else it has.
     [[nodiscard]] std::string_view line() const {
         std::string_view text = output();

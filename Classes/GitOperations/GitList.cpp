@@ -104,6 +104,12 @@ void GitListFilesOperation::parseData() {
 std::optional<NEBSourceControlError> GitListFilesOperation::errorFromErrorMessage(
     const std::optional<std::string>& message) {
     auto error = GitOperation::errorFromErrorMessage(message);
+    constexpr int firstStatusOfSignals = 129;  // see EXIT STATUS in sh(1p)
+    if (error && terminationStatus() &&
+        terminationStatus()->exitStatus().value_or(0) >= firstStatusOfSignals) {
+        error->errorClass = NEBSourceControlKilledErrorClass;
+        return error;
+    }
     if (error && folderOf(*request()).empty()) {
         error->errorClass = NEBSourceControlPathInvalidErrorClass;
         return error;

@@ -2,6 +2,7 @@
 
 #include "GitOperations/GitLineParser.h"
 #include "GitOperations/GitSubversion.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/Scanner.h"
 
 namespace neb {
@@ -72,6 +73,9 @@ void GitListRemotesOperation::main() {
     const auto subversion = run<GitListSVNRemoteOperation>(request());
     if (!subversion->error()) {
         appendRecords(remotes, *subversion);
+    } else if (subversion->error()->errorClass == NEBSourceControlKilledErrorClass) {
+        setError(subversion->error());
+        return;
     }
     setResult(std::move(remotes));
 }

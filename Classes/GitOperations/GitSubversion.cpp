@@ -65,6 +65,10 @@ void GitListSVNRemoteOperation::main() {
         return;
     }
     const auto name = run<GitFetchSVNRemoteNameOperation>(request());
+    if (name->error()) {
+        setError(name->error());
+        return;
+    }
     NEBSourceControlAssert({.function = "-[GitListSVNRemoteOperation main]",
                             .file = "Classes/GitOperations",
                             .line = 1405},

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlLockWait.h"
 #include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
 #include "NEBFoundation/NEBSourceControlText.h"
@@ -311,6 +312,9 @@ void NEBSourceControlTaskOperation::finishPipeline(const ChildText& childText,
         const bool hasFirstFailed =
             !_terminationStatus->isSuccess() && _terminationStatus->signalNumber() != SIGPIPE;
         NEBSourceControlError found = *second.error();
+        if (hasFirstFailed && _terminationStatus->signalNumber()) {
+            found.errorClass = NEBSourceControlKilledErrorClass;
+        }
         completeError(found, isBlank(childText.errorText) ? secondText : childText,
                       hasFirstFailed ? _terminationStatus : second._terminationStatus);
         second.setError(found);

@@ -6,7 +6,9 @@
 #include <iterator>
 #include <optional>
 
+#include "GitExtensions/GitQuery.h"
 #include "GitExtensions/GitRecordFields.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "Platform/Scanner.h"
 
 namespace neb {
@@ -53,6 +55,10 @@ void setSubmodule(NEBDictionary& record, std::string_view field) {
 
 /// Reads the pieces of a status: headers, then entries. A renamed path has a second piece.
 class StateParser : public GitNULRecordParser {
+public:
+    /// Sets the flag if git could not read the branch. The flag must outlive the parser.
+    explicit StateParser(bool& lacksBranch) : _lacksBranch(lacksBranch) {}
+
 protected:
     void parsePiece(const Data& output, std::string_view piece,
                     NEBSourceControlResult& records) override {
@@ -71,7 +77,7 @@ protected:
 
 private:
     /// "branch.oid ID", "branch.head NAME", "branch.upstream NAME", "branch.ab +AHEAD -BEHIND" or
-    /// "stash COUNT". What does not exist is in parentheses.
+    /// "stash COUNT". What does not exist is in parentheses; so is "unknown" if git cannot read it.
     void parseHeader(const Data& output, std::string_view header) {
         Scanner scanner(header);
         const std::string_view name = takeField(scanner);
@@ -98,6 +104,8 @@ private:
             NEBDictionary& record = records.emplace_back();
             record.set(NEBSourceControlOperationKindKey, "head");
             record.addEntriesFrom(_head);
+            _lacksBranch = record.text(NEBSourceControlOperationNameKey) == "(unknown)" &&
+                           !record.contains(NEBSourceControlOperationObjectIDKey);
             _hasHeader = false;
         }
     }
@@ -177,6 +185,7 @@ private:
         record.set(NEBSourceControlOperationStagesKey, std::move(stages));
     }
 
+    bool& _lacksBranch;
     NEBDictionary _head;
     bool _hasHeader = false;
     std::optional<NEBDictionary> _renamed;  // waits for its original path
@@ -186,7 +195,7 @@ private:
 
 GitWorkingCopyStateOperation::GitWorkingCopyStateOperation(
     std::shared_ptr<NEBSourceControlRequest> request)
-    : GitReadingOperation(std::move(request)) {
+    : GitComposite(std::move(request)) {
     const NEBSourceControlRequest& asked = *this->request();
     std::vector<std::string> arguments{"status", "--porcelain=v2", "-z", "--branch",
                                        "--show-stash"};
@@ -203,7 +212,26 @@ GitWorkingCopyStateOperation::GitWorkingCopyStateOperation(
 }
 
 std::unique_ptr<NEBSourceControlRecordParser> GitWorkingCopyStateOperation::makeRecordParser() {
-    return std::make_unique<StateParser>();
+    return std::make_unique<StateParser>(_lacksBranch);
+}
+
+void GitWorkingCopyStateOperation::main() {
+    GitReadingOperation::main();
+    if (_lacksBranch && !error() && !isCancelled()) {
+        setOperationQueue(std::make_shared<OperationQueue>());
+        failIfBranchIsBroken();
+    }
+}
+
+/// For git status, the branch then has no commits, and all files are new. A log fails. It also
+/// fails on a branch with the name "(unknown)" that really has no commits.
+void GitWorkingCopyStateOperation::failIfBranchIsBroken() {
+    const auto log = runOperation(std::make_shared<GitQueryOperation>(
+        request(), std::vector<std::string>{"log", "-1", "--format="}));
+    if (log->error() && log->error()->errorClass != NEBSourceControlNoCommitsYetErrorClass) {
+        setError(log->error());
+        setResult(std::nullopt);
+    }
 }
 
 }  // namespace neb

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "GitExtensions/GitExtension.h"
+#include "GitOperations/GitComposite.h"
 
 namespace neb {
 
@@ -37,12 +39,25 @@ namespace neb {
 ///
 /// Options: NEBSourceControlRequestOptionUntrackedFiles ("no", "normal" by default, "all"),
 /// NEBSourceControlRequestOptionIgnoredFiles. A bare repository has no state: an error.
-class GitWorkingCopyStateOperation : public GitReadingOperation {
+/// So is a branch whose file cannot be read, of the class "reference-broken".
+class GitWorkingCopyStateOperation : public GitComposite<GitReadingOperation> {
 public:
     explicit GitWorkingCopyStateOperation(std::shared_ptr<NEBSourceControlRequest> request);
 
     [[nodiscard]] std::string className() const override { return "GitWorkingCopyStateOperation"; }
     [[nodiscard]] std::unique_ptr<NEBSourceControlRecordParser> makeRecordParser() override;
+    [[nodiscard]] std::optional<NEBSourceControlCommand> command() override {
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the command is the one of this operation
+        return GitReadingOperation::command();
+    }
+
+protected:
+    void main() override;
+
+private:
+    void failIfBranchIsBroken();
+
+    bool _lacksBranch = false;  // set by the parser
 };
 
 }  // namespace neb

@@ -163,6 +163,24 @@ TEST_F(WorkingCopyState, BeginsWithHEAD) {
                                     lineOf(repository, {"rev-parse", "HEAD"})}}));
 }
 
+TEST_F(WorkingCopyState, OfABrokenBranchIsAnError) {
+    repository.commitFile("a", "1");
+    repository.write(".git/refs/heads/main", "junk\n");
+    const auto operation = perform(request(NEBSourceControlRequestWorkingCopyState));
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlReferenceBrokenErrorClass));
+    EXPECT_EQ(operation->result(), std::nullopt);
+}
+
+/// git writes the same for a branch that it cannot read.
+TEST_F(WorkingCopyState, KnowsAnUnknownBranch) {
+    EXPECT_EQ(
+        perform(request(NEBSourceControlRequestWorkingCopyState))->commandLog()->runs().size(), 1U);
+    repository.git({"symbolic-ref", "HEAD", "refs/heads/(unknown)"});
+    const auto operation = perform(request(NEBSourceControlRequestWorkingCopyState));
+    EXPECT_EQ(operation->error(), std::nullopt);
+    EXPECT_EQ(operation->result()->front().text(NEBSourceControlOperationNameKey), "(unknown)");
+}
+
 TEST_F(WorkingCopyState, NamesTheKindOfEachConflict) {
     stopInConflict(repository);
     const auto records = byPath(recordsOf(request(NEBSourceControlRequestWorkingCopyState)));

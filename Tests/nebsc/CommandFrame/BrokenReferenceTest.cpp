@@ -58,6 +58,33 @@ TEST_F(BrokenReference, OfTheCurrentBranchIsReportedByEveryCommand) {
     }
 }
 
+/// git status lists all files as new.
+TEST_F(BrokenReference, OfTheCurrentBranchIsReportedByEachStatus) {
+    breakReference("refs/heads/main");
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"status"},
+                                               {"status", "--short"},
+                                               {"status", "--short", "--all"},
+                                               {"status", "--short", "a"},
+                                               {"status", "--ignored"}}) {
+        expectNamed(arguments, "refs/heads/main", junk);
+        auto json = arguments;
+        json.emplace_back("--json");
+        const auto outcome = nebsc(json).json();
+        EXPECT_EQ(outcome["error"]["class"], "reference-broken");
+        EXPECT_EQ(outcome["result"], nullptr);
+    }
+}
+
+TEST_F(BrokenReference, IsALinkToNothing) {
+    fs::remove(repository.path(".git/refs/heads/main"));
+    fs::create_symlink("nowhere", repository.path(".git/refs/heads/main"));
+    for (const std::string command : {"log", "status", "ls"}) {
+        expectNamed({command}, "refs/heads/main",
+                    "its file is a link to a file that does not exist\n");
+    }
+}
+
 TEST_F(BrokenReference, HasAnEmptyFile) {
     breakReference("refs/heads/main", "");
     expectNamed({"log"}, "refs/heads/main", "its file is empty\n");
@@ -157,6 +184,7 @@ TEST_F(BrokenReference, IsNotABranchWithoutACommit) {
     repository.git({"checkout", "--quiet", "--orphan", "fresh"});
     expectFailed(nebsc({"log"}),
                  "nebsc: the current branch 'fresh' does not have any commits yet\n");
+    EXPECT_EQ(nebsc({"status", "--short"}).output, "added      a\n");
 }
 
 }  // namespace

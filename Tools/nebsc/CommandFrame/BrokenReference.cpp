@@ -81,6 +81,13 @@ std::optional<std::string> contentOf(const std::string& path) {
     return std::string(content.substr(start, content.find_last_not_of(space) + 1 - start));
 }
 
+/// Whether the file is a link to a missing file. A link to "refs/…" names another reference.
+bool leadsNowhere(const std::string& path) {
+    std::error_code failure;
+    const std::string target = fs::read_symlink(path, failure).string();
+    return !target.empty() && !target.starts_with("refs/") && !fs::exists(path, failure);
+}
+
 class Search {
 public:
     explicit Search(const GitQueries& git) : _git(git) {}
@@ -130,7 +137,12 @@ private:
             }
             const auto content = contentOf(path);
             if (!content) {
-                return std::nullopt;
+                return leadsNowhere(path)
+                           ? std::optional(errorAbout(
+                                 name, "its file is a link to a file that does not exist",
+                                 NEBSourceControlReferenceBrokenErrorClass,
+                                 "Correct or remove the link " + inQuotes(path) + "."))
+                           : std::nullopt;
             }
             if (!content->starts_with(symbolicPrefix)) {
                 return errorOfContent(name, content->empty()

@@ -75,22 +75,11 @@ std::string originOf(const NEBDictionary& record, std::string_view state,
 
 // ---- the lists --------------------------------------------------------------------------------
 
-/// git writes this instead of a branch that it cannot read.
-bool isUnreadable(const NEBDictionary& head) {
-    return head.text(NEBSourceControlOperationNameKey) == "(unknown)" &&
-           !head.contains(NEBSourceControlOperationObjectIDKey);
-}
-
 std::string titled(std::string_view title, const std::string& list) {
     return list.empty() ? list : "\n" + std::string(title) + ":\n" + list;
 }
 
 }  // namespace
-
-bool lacksReadableHead(const NEBSourceControlResult& records) {
-    return !records.empty() && records.front().text(NEBSourceControlOperationKindKey) == "head" &&
-           isUnreadable(records.front());
-}
 
 void StateText::add(const NEBSourceControlResult& records, const WorkingCopyLocation& workingCopy) {
     for (const NEBDictionary& record : records) {
@@ -156,11 +145,7 @@ void StateText::addLine(std::string& list, std::initializer_list<std::string_vie
 }
 
 std::string StateText::branchLine() const {
-    return _head.isEmpty() || lacksReadableHead() ? "" : headText(_head) + "\n";
-}
-
-bool StateText::lacksReadableHead() const {
-    return isUnreadable(_head);
+    return _head.isEmpty() ? "" : headText(_head) + "\n";
 }
 
 bool StateText::hasChanges() const {

@@ -17,9 +17,6 @@
 
 namespace neb::nebsc {
 
-/// Whether the records describe HEAD, and git could not read it.
-[[nodiscard]] bool lacksReadableHead(const NEBSourceControlResult& records);
-
 /// Keeps the lines of the records, not the records. Not thread-safe.
 class StateText {
 public:
@@ -31,8 +28,6 @@ public:
     /// Returns a line for the branch: "On branch main, 2 ahead of and 1 behind origin/main"; empty
     /// if the records describe none.
     [[nodiscard]] std::string branchLine() const;
-    /// The same as the function, of all records.
-    [[nodiscard]] bool lacksReadableHead() const;
     /// Whether any path was added.
     [[nodiscard]] bool hasChanges() const;
     /// Returns a list of paths below a title for each kind of change, each with an empty line

@@ -59,11 +59,15 @@ private:
     [[nodiscard]] std::string stepText();
     [[nodiscard]] std::string stateText();
     [[nodiscard]] bool hasChanges(const Outcome& outcome) const;
+    /// Returns why the branch cannot be read, if it cannot. git lists all files as new then.
+    [[nodiscard]] const std::optional<NEBSourceControlError>& brokenBranch();
 
     /// Absolute; absent for the whole working copy.
     std::optional<std::string> _path;
     StateText _state{isInColour()};
     std::shared_ptr<StatusQuery> _query;
+    /// The result of brokenBranch(); absent before its first call.
+    std::optional<std::optional<NEBSourceControlError>> _brokenBranch;
 };
 
 /// For a path that does not exist, starts from the nearest existing folder. A symbolic link counts
@@ -189,7 +193,7 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
         return {};
     }
     std::string lines;
-    if (_query) {
+    if (_query && !brokenBranch()) {
         for (const StatusEntry& entry : _query->takeEntries()) {
             lines += lineOf(entry);
         }
@@ -197,12 +201,17 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
     return lines;
 }
 
-/// git lists all files as new if it cannot read the branch.
+const std::optional<NEBSourceControlError>& StatusTask::brokenBranch() {
+    if (!_brokenBranch) {
+        _brokenBranch = git().isWithoutCommits() ? brokenReference(git(), "HEAD") : std::nullopt;
+    }
+    return *_brokenBranch;
+}
+
 void StatusTask::finish(Outcome& outcome) {
-    const bool lacksHead = isJSON() && outcome.result ? lacksReadableHead(*outcome.result)
-                                                      : _state.lacksReadableHead();
-    if (isState() && lacksHead) {
-        outcome.error = brokenReference(git(), "HEAD");
+    if (const auto& broken = brokenBranch()) {
+        outcome.error = broken;
+        outcome.result.reset();
     }
 }
 
@@ -214,7 +223,7 @@ bool StatusTask::hasChanges(const Outcome& outcome) const {
 
 /// Shows what git listed before it failed.
 void StatusTask::reportFailure(const Outcome& outcome, CommandOutput& output) {
-    if (isState() && outcome.recordCount.value_or(0) > 0) {
+    if (isState() && !brokenBranch() && outcome.recordCount.value_or(0) > 0) {
         output.standardOutput += stateText();
     }
 }

@@ -26,6 +26,7 @@ void GitChangeBranchOperation::perform() {
         void (GitChangeBranchOperation::*carryOut)(const std::string& branch);
     };
     constexpr Row rows[] = {
+        {"begin", &GitChangeBranchOperation::begin},
         {"rename", &GitChangeBranchOperation::rename},
         {"set-upstream", &GitChangeBranchOperation::setUpstream},
         {"unset-upstream", &GitChangeBranchOperation::unsetUpstream},
@@ -91,6 +92,25 @@ void GitChangeBranchOperation::rename(const std::string& branch) {
     if (record) {
         gitSetName(*record, gitSourceKeys, fullNameOf(branch));
         setResult({{*std::move(record)}});
+    }
+}
+
+void GitChangeBranchOperation::begin(const std::string& branch) {
+    const auto name = queriedName(request()->destination);
+    const auto commit =
+        name ? queriedLine({"for-each-ref", "--format=%(objectname)", fullNameOf(branch)})
+             : std::nullopt;
+    if (!commit) {
+        return;
+    }
+    if (!commit->empty()) {
+        fail(NEBSourceControlRequestInvalidErrorClass, "The branch has commits.");
+        return;
+    }
+    const auto record =
+        runChange({"checkout", "--quiet", "-b", *name}) ? queriedRecord(*name) : std::nullopt;
+    if (record) {
+        setResult({{*record}});
     }
 }
 

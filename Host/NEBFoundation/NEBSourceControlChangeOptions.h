@@ -22,9 +22,9 @@ namespace neb {
 /// String: what to do. Stash: "list" (the default), "push", "show", "apply", "pop" or "drop".
 /// Publish: "push" (the default) or "delete". Pick: "cherry-pick" (the default), "revert" or
 /// "reset". Tag: "create" (the default) or "delete". Finish: "continue", "skip" or "abort". Change
-/// branch: "rename", "set-upstream" or "unset-upstream". Submodules: "list" (the default), "init"
-/// or "update". Worktrees: "list" (the default), "add", "remove" or "prune". Identity and settings:
-/// "list" (the default), "set" or "unset".
+/// branch: "begin", "rename", "set-upstream" or "unset-upstream". Submodules: "list" (the default),
+/// "init" or "update". Worktrees: "list" (the default), "add", "remove" or "prune". Identity and
+/// settings: "list" (the default), "set" or "unset".
 inline constexpr NEBConstant NEBSourceControlRequestOptionAction{
     "NEBSourceControlRequestOptionAction"};
 /// Boolean: change nothing, and return what would be thrown away. Used by discard, by pick for

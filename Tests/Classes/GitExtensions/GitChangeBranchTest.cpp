@@ -92,6 +92,24 @@ TEST_F(ChangeBranch, RenamesTheOneThatWasCheckedOutBefore) {
     EXPECT_EQ(idOf("trunk"), head());
 }
 
+TEST_F(ChangeBranch, BeginsBesideOneWithoutCommits) {
+    repository.write("a.c", "1");
+    repository.git({"add", "a.c"});
+    repository.git({"config", "branch.main.remote", "origin"});
+    EXPECT_EQ(recordIn(changed("begin", "new")),
+              (NEBDictionary{{NEBSourceControlOperationNameKey, "refs/heads/new"}}));
+    EXPECT_EQ(git({"symbolic-ref", "HEAD"}), "refs/heads/new");
+    EXPECT_EQ(git({"ls-files"}), "a.c");
+    EXPECT_EQ(git({"config", "branch.main.remote"}), "origin") << "main was not renamed";
+    repository.git({"commit", "-q", "-m", "First"});
+    EXPECT_THAT(changed("begin", "third")->error(),
+                HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(git({"symbolic-ref", "HEAD"}), "refs/heads/new");
+    repository.git({"checkout", "-q", "--orphan", "fresh"});
+    EXPECT_THAT(changed("begin", "new")->error(),
+                HasErrorClass(NEBSourceControlBranchExistsErrorClass));
+}
+
 TEST_F(ChangeBranch, IsReplacedOnlyByForce) {
     repository.commitFile("a.c", "1");
     repository.git({"branch", "other"});

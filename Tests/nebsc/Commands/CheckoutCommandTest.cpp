@@ -168,6 +168,37 @@ TEST_F(CheckoutCommand, FailsForAnUnknownName) {
     EXPECT_EQ(branch(), "main\n");
 }
 
+TEST_F(CheckoutCommand, BeginsABranchBesideOneWithoutCommits) {
+    repository.git({"checkout", "--quiet", "--orphan", "fresh"});
+    expectDone(nebsc({"switch", "-c", "new"}), "Now on branch 'new'.\n");
+    EXPECT_EQ(repository.git({"symbolic-ref", "HEAD"}), "refs/heads/new\n");
+    EXPECT_EQ(state(), "A  a.c\nA  src/b.c\n");
+    const NebscOutcome refused = nebsc({"switch", "-c", "topic"});
+    EXPECT_THAT(refused.errors, HasSubstr("'topic' already exists"));
+    EXPECT_EQ(refused.exitStatus, 1);
+    expectDone(nebsc({"switch", "-c", "next", "main"}), "Now on branch 'next'.\n");
+    repository.git({"symbolic-ref", "HEAD", "refs/heads/fresh"});
+    repository.write(".git/refs/heads/fresh", "junk\n");
+    EXPECT_THAT(nebsc({"switch", "-c", "lost"}).errors,
+                testing::StartsWith("nebsc: the reference 'refs/heads/fresh' is broken"));
+}
+
+TEST_F(CheckoutCommand, SaysThatHEADHasNoCommits) {
+    repository.git({"checkout", "--quiet", "--orphan", "fresh"});
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"checkout", "@"},
+                                               {"checkout", "HEAD~1"},
+                                               {"switch", "HEAD"},
+                                               {"switch", "-c", "new", "@"},
+                                               {"merge", "@"}}) {
+        expectFailed(nebsc(arguments),
+                     "nebsc: the current branch 'fresh' does not have any commits yet\n");
+        auto json = arguments;
+        json.emplace_back("--json");
+        EXPECT_EQ(nebsc(json).json()["error"]["class"], "no-commits-yet") << arguments[0];
+    }
+}
+
 TEST_F(CheckoutCommand, RefusesAValueThatLooksLikeAnOption) {
     expectFailed(nebsc({"checkout", "--", "--orphan=x"}),
                  HasSubstr("'--orphan=x' begins with '-' and is refused, because git would take it "

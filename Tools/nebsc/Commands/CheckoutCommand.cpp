@@ -98,6 +98,9 @@ std::optional<CommandOutput> CheckoutTask::validate() {
         git().isCommit(branch())) {
         return std::nullopt;
     }
+    if (auto unborn = refusalOfUnbornHEAD(git(), branch())) {
+        return unborn;
+    }
     if (const auto broken = brokenReference(git(), branch())) {
         return failureWith(*broken);
     }
@@ -155,9 +158,14 @@ public:
 
 protected:
     std::optional<CommandOutput> validate() override;
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
 
 private:
     [[nodiscard]] std::optional<CommandOutput> createBranch();
+    [[nodiscard]] std::optional<CommandOutput> beginBranch();
+
+    /// Whether the current branch has no commits, and the new one begins without commits, too.
+    bool _beginsBranch = false;
 };
 
 std::optional<CommandOutput> SwitchTask::createBranch() {
@@ -165,7 +173,10 @@ std::optional<CommandOutput> SwitchTask::createBranch() {
         return refused;
     }
     const auto start = arguments().value("START");
-    if (auto refused = start ? refusalOfRevision(git(), *start) : refusalWithoutCommits(git())) {
+    if (!start && git().isWithoutCommits()) {
+        return beginBranch();
+    }
+    if (auto refused = start ? refusalOfRevision(git(), *start) : std::nullopt) {
         return refused;
     }
     auto request = newRequest(NEBSourceControlRequestCreateBranch);
@@ -174,6 +185,24 @@ std::optional<CommandOutput> SwitchTask::createBranch() {
         request->options = NEBDictionary{{NEBSourceControlRequestOptionSourceLocation, *start}};
     }
     return performFirst(request);
+}
+
+std::optional<CommandOutput> SwitchTask::beginBranch() {
+    if (const auto broken = brokenReference(git(), "HEAD")) {
+        return failureWith(*broken);
+    }
+    _beginsBranch = true;
+    return std::nullopt;
+}
+
+std::shared_ptr<NEBSourceControlRequest> SwitchTask::makeRequest() {
+    if (!_beginsBranch) {
+        return CheckoutTask::makeRequest();
+    }
+    auto request = newRequest(NEBSourceControlRequestChangeBranch);
+    request->destination = branch();
+    request->options = NEBDictionary{{NEBSourceControlRequestOptionAction, "begin"}};
+    return request;
 }
 
 std::optional<CommandOutput> SwitchTask::validate() {

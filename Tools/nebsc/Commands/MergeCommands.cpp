@@ -53,6 +53,9 @@ std::optional<CommandOutput> MergeTask::validate() {
         return std::nullopt;
     }
     const bool isUnknown = !_conflicts.hasSides() && git().isUnknownRevision(revision());
+    if (auto unborn = isUnknown ? refusalOfUnbornHEAD(git(), revision()) : std::nullopt) {
+        return unborn;
+    }
     const auto broken = isUnknown ? brokenReference(git(), revision()) : std::nullopt;
     return broken ? std::optional(failureWith(*broken)) : std::nullopt;
 }

@@ -1,5 +1,7 @@
 #include "Support/ProgramStart.h"
 
+#include <unistd.h>
+
 #include <stdexcept>
 
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
@@ -33,6 +35,15 @@ pid_t startProgram(const std::vector<std::string>& args,
         throw std::runtime_error(child.failure);
     }
     return child.pid;
+}
+
+std::string readLine(int descriptor) {
+    std::string line;
+    char letter = '\0';
+    while (::read(descriptor, &letter, 1) == 1 && letter != '\n') {
+        line += letter;
+    }
+    return line;
 }
 
 }  // namespace neb::test

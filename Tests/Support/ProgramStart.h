@@ -25,4 +25,7 @@ using VariableChanges = std::vector<std::pair<std::string, std::optional<std::st
                                  const SpawnOptions& options,
                                  std::optional<std::string> folder = std::nullopt);
 
+/// Reads a line that a program writes to a pipe, and returns it without its end.
+[[nodiscard]] std::string readLine(int descriptor);
+
 }  // namespace neb::test

@@ -10,7 +10,9 @@
 #include "Classes/Inspection/Traps.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Support/HTTPServer.h"
 #include "Support/HygienicTest.h"
+#include "Support/InstalledGit.h"
 #include "Support/RequestRun.h"
 
 namespace neb::test {
@@ -18,7 +20,6 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
-using testing::IsSupersetOf;
 using testing::Not;
 
 /// Whether the case changes the repository. The cases of these types do less than the type.
@@ -36,7 +37,34 @@ void fillFile(NEBSourceControlRequest& request, NEBConstant option, const NEBVal
     request.options = NEBDictionary{{option, value}};
 }
 
-/// Requests with the options that make git run filters and text conversions.
+/// Makes the branch "signed", whose commit has a signature of this kind, with a file that shows
+/// whether the signature is good.
+std::string signedCommit(const std::string& kind) {
+    return R"(
+git config gpg.ssh.allowedSignersFile a.c
+echo 'signed.c export-subst' >.gitattributes
+echo '$Format:%G?$' >signed.c
+git add .gitattributes signed.c
+git update-ref refs/heads/signed $(printf 'tree %s
+author a <a@example.org> 1 +0000
+committer a <a@example.org> 1 +0000
+gpgsig -----BEGIN KIND-----
+ x
+ -----END KIND-----
+
+Signed
+' $(git write-tree) | sed 's/KIND/)" +
+           kind + R"(/' | git hash-object -t commit -w --stdin)
+)";
+}
+
+void exportSigned(const World& world, NEBSourceControlRequest& request) {
+    request.files = {NEBValue(world.repository("signed.c"))};
+    request.startingRevision = "signed";
+    request.destination = world.path("tmp/signed.c");
+}
+
+/// Requests with the options and content that make git run programs.
 std::vector<RequestCase> casesWithDrivers() {
     return {
         {"ContentWithFilters", NEBSourceControlRequestContent, "",
@@ -47,6 +75,12 @@ std::vector<RequestCase> casesWithDrivers() {
          [](const World& /*world*/, NEBSourceControlRequest& request) {
              fillFile(request, NEBSourceControlRequestOptionSearchContent, "TWO");
          }},
+        {"ExportOfOpenPGPSignature", NEBSourceControlRequestExport, signedCommit("PGP SIGNATURE"),
+         exportSigned},
+        {"ExportOfX509Signature", NEBSourceControlRequestExport, signedCommit("SIGNED MESSAGE"),
+         exportSigned},
+        {"ExportOfSSHSignature", NEBSourceControlRequestExport, signedCommit("SSH SIGNATURE"),
+         exportSigned},
     };
 }
 
@@ -69,6 +103,13 @@ std::shared_ptr<NEBSourceControlRequest> requestWithSubmodule(const World& world
     return request;
 }
 
+/// Returns the name of the program of the trap.
+std::string programOf(const Trap& trap) {
+    std::string name = trap.setting;
+    std::ranges::replace(name, '/', '_');
+    return name;
+}
+
 class EachTrap : public HygienicTest, public testing::WithParamInterface<Trap> {};
 
 /// Otherwise the tests below would prove nothing.
@@ -81,9 +122,7 @@ TEST_P(EachTrap, RunsWithGit) {
         "update-index --refresh");
     setTraps(world);
     world.run("{ " + GetParam().trigger + "; } >/dev/null 2>&1 </dev/null || true");
-    std::string name = GetParam().setting;
-    std::ranges::replace(name, '/', '_');
-    EXPECT_THAT(takeFiredTraps(world), Contains(name));
+    EXPECT_THAT(takeFiredTraps(world), Contains(programOf(GetParam())));
 }
 
 std::vector<Trap> trapsWithTrigger() {
@@ -127,9 +166,37 @@ protected:
     }
 };
 
-/// The same requests as above, but trusted.
+/// Carries out requests for which git contacts a server or runs a filter of the user, and returns
+/// the programs that ran. The repository has a server as remote, which asks for a password.
+std::set<std::string> firedWithSettingsOfUser(NEBSourceControlTrust trust) {
+    const HTTPServer server;
+    const Variables users(VariableList{{"http_proxy", server.host()},
+                                       {"GIT_CONFIG_COUNT", "1"},
+                                       {"GIT_CONFIG_KEY_0", "filter.evil.clean"},
+                                       {"GIT_CONFIG_VALUE_0", std::string(filterOfUser)}});
+    const World world;
+    addSubmodule(world);
+    setTraps(world);
+    for (const std::string url : {"http://demo.invalid/shared.git", "ssh://localhost:1/x"}) {
+        world.run("git config remote.origin.url " + url);
+        const auto request =
+            requestFor(NEBSourceControlRequestListRemoteBranches, world.repository());
+        request->sourceTree->trust = trust;
+        EXPECT_NE(perform(request)->error(), std::nullopt) << url;
+    }
+    world.run("touch -d '2001-01-01 00:00' a.c");
+    const auto request = requestFor(NEBSourceControlRequestStatus, world.repository());
+    request->sourceTree->trust = trust;
+    const auto operation = perform(request);
+    if (trust == NEBSourceControlTrust::inspect) {
+        EXPECT_EQ(operation->error(), std::nullopt);
+    }
+    return takeFiredTraps(world);
+}
+
+/// The same requests as above, but trusted, run each program that a request can run.
 TEST_F(Inspection, IsWhatKeepsTheProgramsFromRunning) {
-    std::set<std::string> fired;
+    std::set<std::string> fired = firedWithSettingsOfUser(NEBSourceControlTrust::trusted);
     for (const RequestCase& requestCase : casesWhere(false)) {
         const World world;
         const auto request = requestWithSubmodule(world, requestCase);
@@ -137,9 +204,18 @@ TEST_F(Inspection, IsWhatKeepsTheProgramsFromRunning) {
         outcomeOf(world, request);
         fired.merge(takeFiredTraps(world));
     }
-    EXPECT_THAT(fired, IsSupersetOf({"core.hooksPath", "filter.evil.clean", "filter.evil.smudge",
-                                     "filter.proc.process", "filter..clean", "diff.evil.textconv",
-                                     "submodule"}));
+    std::set<std::string> expected{"submodule"};
+    for (const Trap& trap : allTraps()) {
+        if (trap.unreachable.empty() ||
+            (trap.unreachable == unreachableBeforeGit240 && isGitSince(40))) {
+            expected.insert(programOf(trap));
+        }
+    }
+    EXPECT_EQ(fired, expected);
+}
+
+TEST_F(Inspection, KeepsWhatServersAndFiltersNeedFromRunning) {
+    EXPECT_THAT(firedWithSettingsOfUser(NEBSourceControlTrust::inspect), IsEmpty());
 }
 
 TEST_F(Inspection, RefusesWhatChangesTheRepository) {

@@ -75,62 +75,106 @@ std::string linesOf(std::string_view setting, std::string_view value) {
         .append("\n");
 }
 
-}  // namespace
+// Why no request runs a program.
+const std::string pinned = "each child has another value: no request needs the daemon";
+const std::string changing = "git reads it only where it changes something";
+const std::string internal = "each request that compares files has --no-ext-diff";
+const std::string noTerminal = "git shows a pager only at a terminal";
 
-const std::vector<Trap>& allTraps() {
-    static const std::vector<Trap> traps{
-        {"core.fsmonitor", "PROGRAM", "git status"},
+std::string onlyOf(std::string_view command) {
+    return std::string("only ").append(command).append(" reads it");
+}
+
+const std::string diffWithFilterOfUser =
+    "printf 'x\\n' >>a.c; git -c 'filter.evil.clean=" + std::string(filterOfUser) + "' diff";
+
+/// What git runs where it shows, compares, converts or signs something, or contacts a server.
+std::vector<Trap> trapsOfContent() {
+    return {
+        {"core.fsmonitor", "PROGRAM", "git status", pinned},
         {"filter.evil.clean", "PROGRAM", "printf \"x\\n\" >>a.c; git diff"},
         {"filter..clean", "PROGRAM", "printf \"x\\n\" >>done.c; git diff"},
         {"filter.evil.smudge", "PROGRAM", "rm a.c; git checkout a.c"},
         {"filter.proc.process", "PROGRAM", "printf \"x\\n\" >>moved.c; git diff"},
         {"diff.evil.textconv", "PROGRAM", "git log -p"},
-        {"diff.evil.command", "PROGRAM", "printf \"x\\n\" >>a.c; git diff"},
-        {"diff.external", "PROGRAM", "printf \"x\\n\" >>dir/b.c; git diff"},
-        {"merge.evil.driver", "PROGRAM %A %B", "git merge rival"},
-        {"alias.trap", "!PROGRAM", "git trap"},
-        {"core.editor", "PROGRAM", "git commit --allow-empty"},
-        {"sequence.editor", "PROGRAM", "git rebase -i HEAD~1"},
-        {"interactive.diffFilter", "PROGRAM", ""},
+        {"diff.evil.command", "PROGRAM", "printf \"x\\n\" >>a.c; git diff", internal},
+        {"diff.external", "PROGRAM", "printf \"x\\n\" >>dir/b.c; git diff", internal},
+        {"merge.evil.driver", "PROGRAM %A %B", "git merge rival", changing},
+        {"alias.trap", "!PROGRAM", "git trap", "a request runs commands of git alone"},
+        {"core.editor", "PROGRAM", "git commit --allow-empty", changing},
+        {"sequence.editor", "PROGRAM", "git rebase -i HEAD~1", changing},
+        {"interactive.diffFilter", "PROGRAM",
+         "printf 'x\\n' >>dir/b.c; script -qec 'git add -p' /dev/null", changing},
         {"credential.helper", "!PROGRAM",
          "printf \"protocol=ssh\\nhost=h\\n\" | git credential fill"},
-        {"credential.https://h.helper", "!PROGRAM",
-         "printf 'protocol=https\\nhost=h\\n' | git credential fill"},
+        {"credential.http://demo.invalid.helper", "!PROGRAM",
+         "printf 'protocol=http\\nhost=demo.invalid\\n' | git credential fill"},
         {"core.askPass", "PROGRAM", "printf 'protocol=https\\nhost=h\\n' | git credential fill"},
-        {"gpg.program", "PROGRAM", "git commit -S --allow-empty -m x"},
+        {"gpg.program", "PROGRAM", "git commit -S --allow-empty -m x",
+         std::string(unreachableBeforeGit240)},
         {"gpg.ssh.program", "PROGRAM",
-         "git -c gpg.format=ssh -c user.signingKey=k commit -S --allow-empty -m x"},
+         "git -c gpg.format=ssh -c user.signingKey=k commit -S --allow-empty -m x",
+         std::string(unreachableBeforeGit240)},
         {"gpg.ssh.defaultKeyCommand", "PROGRAM",
-         "git -c gpg.format=ssh commit -S --allow-empty -m x"},
-        {"gpg.x509.program", "PROGRAM", "git -c gpg.format=x509 commit -S --allow-empty -m x"},
-        {"trailer.one.command", "PROGRAM", "echo s | git interpret-trailers --trailer one=x"},
-        {"trailer.two.cmd", "PROGRAM", "echo s | git interpret-trailers --trailer two=x"},
-        {"tar.evil.command", "PROGRAM", "git archive --format=evil HEAD"},
-        {"man.evil.cmd", "PROGRAM", "git -c man.viewer=evil help -m git"},
-        {"browser.evil.cmd", "PROGRAM", "git web--browse --browser=evil http://localhost"},
-        {"difftool.evil.cmd", "PROGRAM", "printf \"x\\n\" >>dir/b.c; git difftool -y -t evil"},
-        {"mergetool.evil.cmd", "PROGRAM", "git merge rival; git mergetool -y -t evil"},
+         "git -c gpg.format=ssh commit -S --allow-empty -m x", changing},
+        {"gpg.x509.program", "PROGRAM", "git -c gpg.format=x509 commit -S --allow-empty -m x",
+         std::string(unreachableBeforeGit240)},
+    };
+}
+
+/// The others.
+std::vector<Trap> trapsOfCommands() {
+    return {
+        {"trailer.one.command", "PROGRAM", "echo s | git interpret-trailers --trailer one=x",
+         "git runs it only for a trailer to add"},
+        {"trailer.two.cmd", "PROGRAM", "echo s | git interpret-trailers --trailer two=x",
+         "git runs it only for a trailer to add"},
+        {"tar.evil.command", "PROGRAM", "git archive --format=evil HEAD",
+         "an export uses the format \"tar\", which has no command"},
+        {"man.evil.cmd", "PROGRAM", "git -c man.viewer=evil help -m git", onlyOf("git-help(1)")},
+        {"browser.evil.cmd", "PROGRAM", "git web--browse --browser=evil http://localhost",
+         onlyOf("git-web--browse(1)")},
+        {"difftool.evil.cmd", "PROGRAM", "printf \"x\\n\" >>dir/b.c; git difftool -y -t evil",
+         onlyOf("git-difftool(1)")},
+        {"mergetool.evil.cmd", "PROGRAM", "git merge rival; git mergetool -y -t evil",
+         onlyOf("git-mergetool(1)")},
         {"submodule.sub.update", "!PROGRAM",
-         "git -C sub commit --allow-empty -m x; git submodule update"},
-        {"remote.origin.receivepack", "PROGRAM", "git push origin HEAD:x"},
+         "git -C sub commit --allow-empty -m x; git submodule update", changing},
+        {"remote.origin.receivepack", "PROGRAM", "git push origin HEAD:x", changing},
         {"core.sshCommand", "PROGRAM", "git ls-remote ssh://localhost/x"},
         {"core.alternateRefsCommand", "PROGRAM",
-         "echo $PWD/../remote.git/objects >.git/objects/info/alternates; git fetch origin"},
+         "echo $PWD/../remote.git/objects >.git/objects/info/alternates; git fetch origin",
+         changing},
         {"core.hooksPath", "HOOKS", "touch a.c; git status"},
-        {"guitool.evil.cmd", "PROGRAM", ""},
-        {"core.pager", "PROGRAM", ""},
-        {"pager.log", "PROGRAM", ""},
-        {"hook.evil.command", "PROGRAM", ""},
-        {"imap.tunnel", "PROGRAM", ""},
-        {"instaweb.httpd", "PROGRAM", ""},
-        {"sendemail.smtpServer", "PROGRAM", ""},
-        {"sendemail.toCmd", "PROGRAM", ""},
-        {"lfs.extension.evil.clean", "PROGRAM", ""},
-        {"lfs.customtransfer.evil.path", "PROGRAM", ""},
-        {"uploadpack.packObjectsHook", "PROGRAM", ""},
-        {"gc.recentObjectsHook", "PROGRAM", ""},
-        {"receive.procReceiveRefs", "refs/trap", ""},
+        {"guitool.evil.cmd", "PROGRAM", "", onlyOf("git-gui(1), another package")},
+        {"core.pager", "PROGRAM", "script -qec 'git shortlog HEAD' /dev/null", noTerminal},
+        {"pager.log", "PROGRAM", "script -qec 'git log' /dev/null", noTerminal},
+        {"hook.evil.command", "PROGRAM", "", "the hook is that of no event"},
+        {"imap.tunnel", "PROGRAM",
+         "printf 'From x\\nFrom: a\\nDate: Mon, 17 Sep 2001 00:00:00 +0000\\nSubject: s\\n\\ns\\n' "
+         "| git -c imap.folder=x imap-send",
+         onlyOf("git-imap-send(1)")},
+        {"instaweb.httpd", "PROGRAM lighttpd", "git instaweb", onlyOf("git-instaweb(1)")},
+        {"sendemail.smtpServer", "PROGRAM", "", onlyOf("git-send-email(1), another package")},
+        {"sendemail.toCmd", "PROGRAM", "", onlyOf("git-send-email(1), another package")},
+        {"lfs.extension.evil.clean", "PROGRAM", diffWithFilterOfUser},
+        {"lfs.customtransfer.evil.path", "PROGRAM", diffWithFilterOfUser},
+        {"uploadpack.packObjectsHook", "PROGRAM", "",
+         "git reads it only from the files of the system and of the user"},
+        {"gc.recentObjectsHook", "PROGRAM", "", changing},
+        {"receive.procReceiveRefs", "refs/trap", "",
+         "names no program; only git-receive-pack(1) reads it"},
     };
+}
+
+}  // namespace
+
+const std::vector<Trap>& allTraps() {
+    static const std::vector<Trap> traps = [] {
+        std::vector<Trap> all = trapsOfContent();
+        std::ranges::move(trapsOfCommands(), std::back_inserter(all));
+        return all;
+    }();
     return traps;
 }
 

@@ -16,10 +16,22 @@ struct Trap {
     std::string setting;
     /// The value; PROGRAM stands for the path of the program.
     std::string value;
-    /// A shell script that makes git run the program in a trapped world. Empty if that needs a
-    /// terminal, another package, or a configuration of the user.
+    /// A shell script that makes git run the program in a trapped world. Empty if git does not, or
+    /// only with another package.
     std::string trigger;
+    /// Why no request that reads or contacts a server runs the program, even if the repository is
+    /// trusted. Empty for a program that such a request runs.
+    std::string unreachable = {};
 };
+
+/// A filter that runs the programs which settings for Git LFS name, as that filter does.
+inline constexpr std::string_view filterOfUser =
+    "cat; $(git config lfs.extension.evil.clean) </dev/null; "
+    "$(git config lfs.customtransfer.evil.path) </dev/null; true";
+
+/// Why a request runs a program only with a later git.
+inline constexpr std::string_view unreachableBeforeGit240 =
+    "git before 2.40 does not read it for $Format:%G?$ in an exported file";
 
 /// Returns the settings of git-config(1) that name a program and that a request can be carried out
 /// with when they are switched off.

@@ -15,7 +15,6 @@
 #include "Platform/ChildProcess.h"
 #include "Support/FreePort.h"
 #include "Support/ProgramStart.h"
-#include "Support/TestRepository.h"
 
 namespace neb::test {
 
@@ -35,51 +34,7 @@ void runTool(const std::vector<std::string>& arguments) {
     }
 }
 
-std::string readLine(int descriptor) {
-    std::string line;
-    char letter = '\0';
-    while (::read(descriptor, &letter, 1) == 1 && letter != '\n') {
-        line += letter;
-    }
-    return line;
-}
-
 }  // namespace
-
-SharedFolder::SharedFolder() {
-    const TestRepository repository;
-    repository.commitFile("a", "1\n");
-    repository.git({"clone", "-q", "--bare", repository.path(), folder.path("shared.git")});
-}
-
-HTTPServer::HTTPServer(const std::string& passwordOfAnn) {
-    folder.write("credentials", "ann:" + passwordOfAnn);
-    Pipe pipe;
-    if (openPipe(pipe, PipeSize::ordinary) != 0) {
-        throw std::runtime_error("no pipe could be created");
-    }
-    _server = startProgram(
-        {"python3", NEB_SOURCE_FOLDER "/Tests/nebsc/Credentials/http_server.py", folder.path()},
-        NEBSourceControlInheritedEnvironment(),
-        {.standardInput = ChildStream::file("/dev/null", O_RDONLY),
-         .standardOutput = ChildStream::copyOf(pipe.writeEnd.get())});
-    pipe.writeEnd.close();
-    _host = "http://127.0.0.1:" + readLine(pipe.readEnd.get());
-}
-
-HTTPServer::~HTTPServer() {
-    ::kill(_server, SIGKILL);
-    ::waitpid(_server, nullptr, 0);
-}
-
-std::string HTTPServer::url(const std::string& user) const {
-    std::string url = _host + "/shared.git";
-    return url.insert(url.find("127."), user);
-}
-
-std::string HTTPServer::placesOfPassword() const {
-    return folder.read("seen");
-}
 
 bool SSHServer::isInstalled() {
     return std::filesystem::exists(sshd);

@@ -5,7 +5,8 @@ usage: http_server.py FOLDER
 The file "credentials" of the folder has the name and the password: "ann:secret". Prints the port,
 and then serves on the loopback address until it is killed. During each request that is answered,
 it looks for the password in the command lines and environments of all processes; it names the
-places in the file "seen" of the folder.
+places in the file "seen" of the folder. The file "requests" gets the line and the header of each
+request. As a proxy, the server answers for all hosts.
 """
 import base64
 import http.server
@@ -13,6 +14,7 @@ import os
 import pathlib
 import subprocess
 import sys
+import urllib.parse
 
 FOLDER = pathlib.Path(sys.argv[1])
 CREDENTIALS = (FOLDER / "credentials").read_bytes()
@@ -32,6 +34,8 @@ def places_of_password():
 
 class Handler(http.server.BaseHTTPRequestHandler):
     def serve(self):
+        with open(FOLDER / "requests", "a") as requests:
+            requests.write(f"{self.requestline}\n{self.headers}")
         body = self.rfile.read(int(self.headers.get("Content-Length") or 0))
         if self.headers.get("Authorization") != EXPECTED:
             self.send_response(401)
@@ -41,10 +45,10 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return
         with open(FOLDER / "seen", "a") as seen:
             seen.writelines(places_of_password())
-        path, _, query = self.path.partition("?")
+        url = urllib.parse.urlsplit(self.path)
         environment = dict(
-            os.environ, GIT_PROJECT_ROOT=str(FOLDER), GIT_HTTP_EXPORT_ALL="1", PATH_INFO=path,
-            QUERY_STRING=query, REQUEST_METHOD=self.command, REMOTE_USER=USER.decode(),
+            os.environ, GIT_PROJECT_ROOT=str(FOLDER), GIT_HTTP_EXPORT_ALL="1", PATH_INFO=url.path,
+            QUERY_STRING=url.query, REQUEST_METHOD=self.command, REMOTE_USER=USER.decode(),
             CONTENT_TYPE=self.headers.get("Content-Type", ""), CONTENT_LENGTH=str(len(body)),
             HTTP_CONTENT_ENCODING=self.headers.get("Content-Encoding", ""),
             GIT_PROTOCOL=self.headers.get("Git-Protocol", ""))

@@ -29,6 +29,15 @@ int lastExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
 }
 
+/// Corrects the sentences of an error that a host other than nebsc would get.
+RequestResult withOwnWords(RequestResult result) {
+    if (result.outcome && result.outcome->error) {
+        describeAccessDeniedHere(*result.outcome->error);
+        removeUnansweredQuestions(*result.outcome->error);
+    }
+    return result;
+}
+
 }  // namespace
 
 CommandTask::CommandTask(const CommandCall& call)
@@ -176,10 +185,6 @@ CommandOutput CommandTask::outputFor(Outcome& outcome) {
     if (outcome.result) {
         output.standardOutput = textOfResult(*outcome.result);
     }
-    if (outcome.error) {
-        describeAccessDeniedHere(*outcome.error);
-        removeUnansweredQuestions(*outcome.error);
-    }
     explainBrokenHEAD(outcome);
     if ((outcome.error && isHandled(*outcome.error)) ||
         !addFailureOf(outcome, silentFailure(), output)) {
@@ -321,8 +326,8 @@ RequestResult CommandTask::performRequest(
     const std::shared_ptr<NEBSourceControlRequest>& request,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
     allowFetches(*request);
-    RequestResult result =
-        _call.session.perform(request, interruptibleRunner(_interruption, *_progress), replacement);
+    RequestResult result = withOwnWords(_call.session.perform(
+        request, interruptibleRunner(_interruption, *_progress), replacement));
     if (NEBSourceControlEffectOfRequest(*request) != NEBSourceControlRequestEffect::reads) {
         _git.forgetRevisions();
     }
@@ -336,14 +341,15 @@ RequestResult CommandTask::performStreamed(
         return performRequest(request, replacement);
     }
     allowFetches(*request);
-    return _call.session.perform(request, printingRunner(), replacement);
+    return withOwnWords(_call.session.perform(request, printingRunner(), replacement));
 }
 
 RequestResult CommandTask::performStreamed(NEBSourceControlOperation& operation) {
     if (isJSON()) {
         return performOperation(operation);
     }
-    return {_call.session.performOperation(operation, printingRunner()), std::nullopt};
+    return withOwnWords(
+        {_call.session.performOperation(operation, printingRunner()), std::nullopt});
 }
 
 HostSession::Runner CommandTask::printingRunner() {
@@ -364,9 +370,9 @@ std::optional<std::string> CommandTask::textOfArrived(const NEBSourceControlResu
 }
 
 RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {
-    return {
-        _call.session.performOperation(operation, interruptibleRunner(_interruption, *_progress)),
-        std::nullopt};
+    return withOwnWords(
+        {_call.session.performOperation(operation, interruptibleRunner(_interruption, *_progress)),
+         std::nullopt});
 }
 
 std::optional<CommandOutput> CommandTask::performFirst(

@@ -141,7 +141,9 @@ CommandOutput failureOfQuery(const GitQueries& git, const ChildOutcome& query,
                        exitFailed, classOfSilentFailure(query.status));
     }
     const auto request = newRequest(git.workingCopy(), NEBSourceControlRequestStatus);
-    return failureAbout(names, NEBSourceControlErrorFromText(stderrText, *request));
+    auto error = NEBSourceControlErrorFromText(stderrText, *request);
+    describeAccessDeniedHere(error);
+    return failureAbout(names, error);
 }
 
 void rejectRefusedValue(const RequestResult& result) {

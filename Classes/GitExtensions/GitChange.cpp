@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "GitExtensions/GitRecordFields.h"
+#include "GitExtensions/GitStatusEntries.h"
 #include "GitExtensions/GitUnfinishedOperation.h"
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -50,15 +51,6 @@ std::string_view obstacleOf(const std::string& folder, std::string_view path) {
     return isFolder && !fs::is_empty(pathByAppendingComponent(folder, path), failure)
                ? path
                : std::string_view();
-}
-
-/// Returns the letter of the state of an entry "XY PATH" of a status: that of the working copy, or
-/// else that of the index.
-char stateLetterOf(std::string_view entry) {
-    const bool isConflict = entry.substr(0, 2).find('U') != std::string_view::npos ||
-                            entry.starts_with("AA") || entry.starts_with("DD");
-    const char inFile = entry[1] == ' ' ? entry[0] : entry[1];
-    return isConflict ? 'U' : inFile;
 }
 
 std::vector<std::string> pathsOfConflicts(const NEBSourceControlResult& conflicts) {
@@ -167,15 +159,12 @@ std::optional<NEBSourceControlResult> GitChangeComposite::queriedLocalChanges(
         gitSetName(records.emplace_back(), gitPathKeys, path);
         return records.back();
     };
-    for (const std::string& entry : gitNULSeparatedPieces(status->output())) {
-        constexpr std::size_t pathStart = 3;
-        if (entry.size() > pathStart) {
-            const char letter = stateLetterOf(entry);
-            gitSetState(addRecord(entry.substr(pathStart)), NEBSourceControlOperationStateKey,
-                        std::string(1, letter));
-            if (letter == 'D') {
-                deleted.push_back(entry.substr(pathStart));
-            }
+    for (const GitStatusEntry& entry : gitStatusEntries(status->output())) {
+        const char letter = entry.letterOfFile();
+        gitSetState(addRecord(entry.path), NEBSourceControlOperationStateKey,
+                    std::string(1, letter));
+        if (letter == 'D') {
+            deleted.push_back(entry.path);
         }
     }
     const auto obstacles = queriedObstacles(deleted, PathOrigin::top);

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "GitExtensions/GitRecordFields.h"
+#include "GitExtensions/GitStatusEntries.h"
 #include "GitExtensions/GitWorktrees.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -174,15 +175,14 @@ std::optional<NEBSourceControlResult> GitChangeWorktreesOperation::queriedLosses
         if (!goesOnAfter(*runOperation(status))) {
             return std::nullopt;
         }
-        for (const std::string& entry : gitNULSeparatedPieces(status->output())) {
-            constexpr std::size_t pathStart = 3;
+        for (const GitStatusEntry& entry : gitStatusEntries(status->output())) {
             NEBDictionary& record = losses.emplace_back();
-            gitSetName(record, gitPathKeys, entry.substr(std::min(pathStart, entry.size())));
-            if (entry.starts_with("??")) {
+            gitSetName(record, gitPathKeys, entry.path);
+            if (entry.isUntracked()) {
                 record.set(NEBSourceControlOperationStateKey, "untracked");
             } else {
                 gitSetState(record, NEBSourceControlOperationStateKey,
-                            std::string(1, entry[0] == ' ' ? entry[1] : entry[0]));
+                            std::string(1, entry.letterOfIndex()));
             }
         }
     }

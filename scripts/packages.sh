@@ -62,7 +62,7 @@ build() {
     return "$status"
 }
 
-build_packages=(g++ cmake ninja-build git nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build git nlohmann-json3-dev libcpp-httplib-dev pkg-config)
 package_packages=(debhelper dh-elpa devscripts dpkg-dev fakeroot file lintian)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion locales openssl
     openssh-client openssh-server neovim python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")

@@ -42,7 +42,7 @@ Colours coloursOf(const Arguments& arguments) {
 }
 
 /// Loads the plug-in and runs the command, or prints the versions.
-CommandOutput runCommand(const ParsedCommandLine& commandLine) {
+CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
     const Arguments& arguments = commandLine.arguments;
     const bool isJSON = arguments.has(jsonOption);
     const bool isForVersions = arguments.has(versionOption);
@@ -79,22 +79,23 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine) {
                         .arguments = arguments,
                         .isJSON = isJSON,
                         .colours = coloursOf(arguments),
-                        .timeLimit = timeLimitIn(arguments)});
+                        .timeLimit = timeLimitIn(arguments),
+                        .gateway = gateway});
 }
 
-CommandOutput run(const ParsedCommandLine& commandLine) {
+CommandOutput run(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
     if (commandLine.arguments.has(helpOption)) {
         return {.standardOutput = helpText(commandLine.commands),
                 .standardError = {},
                 .exitStatus = exitDone};
     }
-    return runCommand(commandLine);
+    return runCommand(commandLine, gateway);
 }
 
 /// Runs the command. Reports a mistake that it finds in its arguments like one of the parser.
-CommandOutput runOrReportUsage(const ParsedCommandLine& commandLine) {
+CommandOutput runOrReportUsage(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
     try {
-        return run(commandLine);
+        return run(commandLine, gateway);
     } catch (UsageError& error) {
         error.commands = commandLine.commands;
         return outputOf(error, allCommands());
@@ -118,7 +119,7 @@ CommandOutput outputOfCurrentException(const ParsedCommandLine& commandLine) {
 
 }  // namespace
 
-int runProgram(int argc, const char* const* argv) noexcept {
+int runProgram(int argc, const char* const* argv, const BrowseGateway* gateway) noexcept {
     occupyStandardStreams();
     ParsedCommandLine commandLine;
     try {
@@ -131,7 +132,7 @@ int runProgram(int argc, const char* const* argv) noexcept {
             return deliver(outputOf(*error, allCommands()));
         }
         commandLine = std::get<ParsedCommandLine>(std::move(parsed));
-        return deliver(runOrReportUsage(commandLine));
+        return deliver(runOrReportUsage(commandLine, gateway));
     } catch (const std::exception&) {
         return deliver(outputOfCurrentException(commandLine));
     }

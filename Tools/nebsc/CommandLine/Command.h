@@ -23,6 +23,7 @@
 
 namespace neb::nebsc {
 
+class BrowseGateway;
 struct Command;
 
 /// One invocation of a command. Everything it refers to outlives the run.
@@ -37,6 +38,8 @@ struct CommandCall {
     Colours colours = Colours::automatic;
     /// For the whole command, without its start; absent: none.
     std::optional<std::chrono::milliseconds> timeLimit = std::nullopt;
+    /// Only in the program nebsc-browse; null elsewhere.
+    const BrowseGateway* gateway = nullptr;
 };
 
 struct Command {

@@ -17,6 +17,7 @@ constexpr std::array commands{
     &exportCommand,
     &exportTreeCommand,
     &infoCommand,
+    &browseCommand,
     &doctorCommand,
     //
     &initCommand,

@@ -37,6 +37,8 @@ extern const Command catCommand;
 extern const Command exportCommand;
 extern const Command exportTreeCommand;
 extern const Command infoCommand;
+/// Executes the program nebsc-browse, which serves a page for the browser.
+extern const Command browseCommand;
 /// Runs even if the plug-in cannot be loaded.
 extern const Command doctorCommand;
 

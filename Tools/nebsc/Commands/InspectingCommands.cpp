@@ -26,6 +26,7 @@ constexpr std::string_view readingCommands[] = {
     "export",
     "export-tree",
     "info",
+    "browse",
     "config",
     "branch",
     "branch list",

@@ -1,0 +1,129 @@
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "Browse/BrowseGateway.h"
+#include "CommandFrame/CommandTask.h"
+#include "CommandLine/CommonOptions.h"
+#include "Commands/Commands.h"
+#include "Platform/ErrnoText.h"
+#include "Platform/PathString.h"
+#include "Session/ProgramFile.h"
+#include "Terminal/PrintableText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+constexpr std::string_view gatewayName = "nebsc-browse";
+
+/// Checks that there is a repository that git can read, and serves it.
+class BrowseTask : public CommandTask {
+public:
+    BrowseTask(const CommandCall& call, const BrowseGateway& gateway)
+        : CommandTask(call), _session(call.session), _gateway(gateway) {}
+
+protected:
+    WorkingCopyLocation locate() override {
+        const std::string folder = paths("PATH").empty() ? currentFolder() : paths("PATH").front();
+        return findWorkingCopy(git().interruption(), git().trace(), currentFolder(), folder, {},
+                               git().trust());
+    }
+    std::optional<CommandOutput> validate() override {
+        if (isJSON()) {
+            throw invalidArguments("option '--json' cannot be combined with 'browse'");
+        }
+        return refusalOutsideRepository(git());
+    }
+    std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
+        return newRequest(NEBSourceControlRequestUnfinishedOperation);
+    }
+    void report(const Outcome& /*outcome*/, CommandOutput& output) override {
+        endProgress();
+        output = _gateway.serve({.session = _session,
+                                 .interruption = git().interruption(),
+                                 .location = workingCopy().location,
+                                 .stays = arguments().has("--stay"),
+                                 .opensBrowser = !arguments().has("--no-open")});
+    }
+
+private:
+    const HostSession& _session;
+    const BrowseGateway& _gateway;
+};
+
+/// Returns the command line of nebsc-browse for the same invocation. A page reads a repository of
+/// somebody else, unless the user says otherwise.
+std::vector<std::string> gatewayArguments(const CommandCall& call) {
+    std::vector<std::string> arguments{std::string(gatewayName), std::string(plugInOption),
+                                       call.plugIn.path};
+    if (call.arguments.has(traceOption)) {
+        arguments.emplace_back(traceOption);
+    }
+    if (!call.arguments.has("--trust")) {
+        arguments.emplace_back(inspectOption);
+    }
+    if (const auto seconds = call.arguments.value(timeoutOption)) {
+        arguments.insert(arguments.end(), {std::string(timeoutOption), *seconds});
+    }
+    arguments.emplace_back("browse");
+    for (const char* flag : {"--stay", "--no-open", "--trust"}) {
+        if (call.arguments.has(flag)) {
+            arguments.emplace_back(flag);
+        }
+    }
+    if (const auto path = call.arguments.value("PATH")) {
+        arguments.insert(arguments.end(), {"--", *path});
+    }
+    return arguments;
+}
+
+/// Replaces this program with nebsc-browse, in its folder. Returns only if that fails.
+CommandOutput executeGateway(const CommandCall& call) {
+    const std::string program =
+        pathByAppendingComponent(pathByDeletingLastComponent(programFile()), gatewayName);
+    std::vector<std::string> arguments = gatewayArguments(call);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    ::execv(program.c_str(), pointers.data());
+    return refusal("cannot start " + inQuotes(program) + ": " + textOfErrno(errno), exitFailed);
+}
+
+CommandOutput run(const CommandCall& call) {
+    return call.gateway == nullptr ? executeGateway(call) : BrowseTask(call, *call.gateway).run();
+}
+
+constexpr Parameter parameters[] = {
+    {"PATH", "A folder of the repository; default: the current folder", Takes::folder},
+    {"--stay", "Go on when the last page has been closed"},
+    {"--no-open", "Only print the URL"},
+    {"--trust", "Let git run programs that the repository names, such as filters"},
+};
+
+}  // namespace
+
+constinit const Command browseCommand{
+    .name = "browse",
+    .group = inspectGroup,
+    .summary = "Show the repository in the browser",
+    .details =
+        "Opens a page with the history, commits, files with blame, and the state of the\n"
+        "working copy, and prints its URL. The page only reads. Its server listens on\n"
+        "127.0.0.1, for whoever has the URL. It ends with Ctrl-C, or when the last page\n"
+        "has been closed for a minute. Unless '--trust' is given, it runs no program that\n"
+        "the repository names, as with '--inspect'.\n"
+        "\n"
+        "Examples:\n"
+        "  nebsc browse                      the repository of the current folder\n"
+        "  nebsc browse --stay --no-open     serve until Ctrl-C, open nothing\n",
+    .parameters = parameters,
+    .activity = "Reading",
+    .run = run,
+};
+
+}  // namespace neb::nebsc

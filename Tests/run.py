@@ -28,7 +28,7 @@ IN_MEMORY = Path("/dev/shm")
 ON_DISK = ["failure_tests"]
 
 # Slowest first, so that the last process to end is a short one.
-PROGRAMS = ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_tests"]
+PROGRAMS = ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_tests", "gateway_tests"]
 
 # What the thread sanitizer runs: the tests in which the code of this project runs on several threads.
 # Without git_tests and failure_tests, which run one operation at a time and wait for it: its threads

@@ -105,7 +105,7 @@ std::string PageRequests::completeOpen(JSON& params) const {
 }
 
 std::string PageRequests::completeWatch(JSON& params) const {
-    params["location"] = _location;
+    params["sourceTree"] = {{"location", _location}};
     return {};
 }
 

@@ -1,0 +1,43 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "Support/TemporaryFolder.h"
+#include "nebsc/CommandTest.h"
+
+namespace neb::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+using BrowseCommand = CommandTest;
+
+TEST_F(BrowseCommand, RefusesAFolderWithoutRepository) {
+    const TemporaryFolder folder;
+    expectFailed(nebsc({"browse", folder.path()}),
+                 StartsWith("nebsc: the folder is not in a git repository\n"));
+}
+
+TEST_F(BrowseCommand, RefusesJSON) {
+    EXPECT_EQ(nebsc({"browse", "--json"}).exitStatus, 2);
+}
+
+TEST_F(BrowseCommand, SaysWhichProgramIsMissing) {
+    const TemporaryFolder folder;
+    const std::string copy = folder.path("nebsc");
+    std::filesystem::copy_file(NEB_BUILD_FOLDER "/bin/nebsc", copy);
+    const NebscOutcome outcome = runProgram(
+        copy, {"--plugin", NEB_BUILD_FOLDER "/lib/NEBGit.so", "browse"},
+        {.folder = repository.path(), .variables = {{"LD_LIBRARY_PATH", NEB_BUILD_FOLDER "/lib"}}});
+    expectFailed(outcome, AllOf(StartsWith("nebsc: cannot start '"),
+                                HasSubstr("/nebsc-browse': No such file or directory")));
+}
+
+TEST_F(BrowseCommand, ShowsItsHelp) {
+    EXPECT_THAT(nebsc({"browse", "--help"}).output, HasSubstr("--stay"));
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -18,7 +18,7 @@ from support import BUILD, SOURCE, PackageTest, build_setting, main, run
 VERSION = "1.0"
 FORMER = "1.0~rc1"
 LIBRARIES = f"usr/{build_setting('CMAKE_INSTALL_LIBDIR')}"
-NAMES = ["elpa-nebgit", "libnebgit-dev", "libnebgit1", "nebgit", "neovim-nebgit"]
+NAMES = ["elpa-nebgit", "libnebgit-dev", "libnebgit1", "nebgit", "nebgit-browse", "neovim-nebgit"]
 # Findings that come from the build folder: its libraries are not in the folder of an architecture.
 LINTIAN_EXCEPTIONS = ["arch-dependent-file-not-in-arch-specific-directory", "custom-library-search-path",
                       "pkg-config-unavailable-for-cross-compilation", "hardening-no-fortify-functions"]
@@ -84,6 +84,7 @@ class Packages(Debian):
                        "usr/share/bash-completion/completions/nebsc",
                        "usr/share/fish/vendor_completions.d/nebsc.fish",
                        "usr/share/zsh/vendor-completions/_nebsc"},
+            "nebgit-browse": {f"{LIBRARIES}/nebgit/nebsc-browse"},
             "libnebgit1": {f"{LIBRARIES}/libNEBFoundation.so.1", f"{LIBRARIES}/libNEBFoundation.so.1.0",
                            "usr/share/lintian/overrides/libnebgit1"},
         }.items():
@@ -107,7 +108,7 @@ class Packages(Debian):
                 self.assertIn(mode, ["-rwxr-xr-x", "-rw-r--r--", "lrwxrwxrwx"], name)
                 if mode == "-rwxr-xr-x" and "/emacsen-common/" not in name:
                     programs.add(name)
-        self.assertEqual(programs, {"usr/bin/nebsc"})
+        self.assertEqual(programs, {"usr/bin/nebsc", f"{LIBRARIES}/nebgit/nebsc-browse"})
 
     def test_dependencies(self):
         for need in [r"\bgit \(>= 1:2\.31\)", r"\blibc6 \(>= ", r"\blibstdc\+\+6 \(>= ",

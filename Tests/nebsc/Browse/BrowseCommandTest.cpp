@@ -32,7 +32,8 @@ TEST_F(BrowseCommand, SaysWhichProgramIsMissing) {
         copy, {"--plugin", NEB_BUILD_FOLDER "/lib/NEBGit.so", "browse"},
         {.folder = repository.path(), .variables = {{"LD_LIBRARY_PATH", NEB_BUILD_FOLDER "/lib"}}});
     expectFailed(outcome, AllOf(StartsWith("nebsc: cannot start '"),
-                                HasSubstr("/nebsc-browse': No such file or directory")));
+                                HasSubstr("/nebsc-browse': No such file or directory\n"),
+                                HasSubstr("nebgit-browse")));
 }
 
 TEST_F(BrowseCommand, ShowsItsHelp) {

@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -9,7 +10,7 @@
 #include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
 #include "Platform/ErrnoText.h"
-#include "Platform/PathString.h"
+#include "Session/Paths.h"
 #include "Session/ProgramFile.h"
 #include "Terminal/PrintableText.h"
 
@@ -80,18 +81,33 @@ std::vector<std::string> gatewayArguments(const CommandCall& call) {
     return arguments;
 }
 
-/// Replaces this program with nebsc-browse, in its folder. Returns only if that fails.
+/// Returns the path of nebsc-browse: in an installation beside the plug-in, in a build folder
+/// beside nebsc.
+std::string gatewayPath() {
+    const std::filesystem::path folder = std::filesystem::path(programFile()).parent_path();
+    const std::string installed = (folder / NEBSC_INSTALLED_GATEWAY).lexically_normal().string();
+    const std::string built = (folder / gatewayName).string();
+    return !isAnythingAt(installed) && isAnythingAt(built) ? built : installed;
+}
+
+/// Replaces this program with nebsc-browse. Returns only if that fails.
 CommandOutput executeGateway(const CommandCall& call) {
-    const std::string program =
-        pathByAppendingComponent(pathByDeletingLastComponent(programFile()), gatewayName);
+    const std::string program = gatewayPath();
     std::vector<std::string> arguments = gatewayArguments(call);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
     }
     pointers.push_back(nullptr);
     ::execv(program.c_str(), pointers.data());
-    return refusal("cannot start " + inQuotes(program) + ": " + textOfErrno(errno), exitFailed);
+    const int failure = errno;
+    CommandOutput output = refusal(
+        "cannot start " + inQuotes(printable(program)) + ": " + textOfErrno(failure), exitFailed);
+    if (failure == ENOENT) {
+        output.standardError += "On Debian, install the package nebgit-browse.\n";
+    }
+    return output;
 }
 
 CommandOutput run(const CommandCall& call) {

@@ -229,7 +229,7 @@ TEST_F(Gateway, ReportsChangesOfTheRepository) {
     EXPECT_EQ(change["params"]["location"], repository.path());
 }
 
-/// Filters of a repository that somebody sent do not run.
+/// A repository that was sent to the user may name hostile filters.
 TEST_F(Gateway, RunsNoProgramOfTheRepositoryUnlessItIsTrusted) {
     repository.write(".gitattributes", "a.txt filter=traced\n");
     repository.git({"config", "filter.traced.clean", "touch " + repository.path("ran") + "; cat"});

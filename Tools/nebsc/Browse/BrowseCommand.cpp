@@ -55,8 +55,8 @@ private:
     const BrowseGateway& _gateway;
 };
 
-/// Returns the command line of nebsc-browse for the same invocation. A page reads a repository of
-/// somebody else, unless the user says otherwise.
+/// Returns the command line of nebsc-browse for the same invocation. Without '--trust', a page only
+/// inspects the repository.
 std::vector<std::string> gatewayArguments(const CommandCall& call) {
     std::vector<std::string> arguments{std::string(gatewayName), std::string(plugInOption),
                                        call.plugIn.path};

@@ -1,4 +1,4 @@
-// PageAccess.h - who may use the HTTP server of `nebsc browse`.
+// PageAccess.h - decides which requests the HTTP server of `nebsc browse` accepts.
 //
 // Every process of the machine, and every page that the browser shows, can connect to a port on the
 // loopback interface. The URL that nebsc prints has a random token. It opens a page that has a

@@ -1,0 +1,140 @@
+// A file at a revision, with the commit of each line beside it.
+import { breadcrumbs, shortRevision } from "./breadcrumbs.js";
+import { element, show, visible } from "./elements.js";
+import { errorElement } from "./errors.js";
+import { imageFigure, imageType } from "./images.js";
+import { contentBytes, nameIn, record, request, splitPath, Type } from "./records.js";
+import { address, textOf } from "./route.js";
+import { lazyLines, lineElement } from "./lines.js";
+import { dateTime, fullTime } from "./time.js";
+
+const MAX_BYTES = 20 << 20;
+
+/** The revision "" is the working copy. */
+export function openFile(app, [revision, path], values) {
+    if (path === undefined || path === "") throw new Error("The address names no file.");
+    return new FileView(app, revision, path, values);
+}
+
+class FileView {
+    #groups = [];
+    #cells = new Map();
+
+    constructor(app, revision, path, values) {
+        Object.assign(this, { app, revision, path, values });
+        const where = revision === "" ? "the working copy" : shortRevision(revision);
+        this.title = `${textOf(path)} at ${where}`;
+        this.body = element("div.body", {}, element("p.remark", {}, "Loading…"));
+        this.status = element("p.remark", { role: "status" });
+        this.node = element("article.page.file-view", { tabindex: "0", "aria-label": this.title },
+            element("h1.hidden", {}, visible(this.title)),
+            element("div.bar", {}, breadcrumbs(revision, path), revision === "" ? element("span", {}, "working copy") : null,
+                element("a.button", { href: address("log", [], { branch: revision, path, follow: "1" }) }, "History"),
+                revision === "" ? null : element("a.button", { href: address("file", ["", path]) }, "Working copy")),
+            this.status, this.body);
+        this.scroller = this.node;
+        this.keys = { u: () => { location.hash = address("tree", [revision || "HEAD", splitPath(path).folder]); } };
+        this.#load();
+    }
+
+    focus() {
+        this.node.focus({ preventScroll: true });
+    }
+
+    changed(changes) {
+        if (this.revision === "" && (changes.includes("workingTree") || changes.includes("head"))) this.#load();
+    }
+
+    async #load() {
+        try {
+            if (this.revision === "") await this.#loadBlame();
+            else await this.#loadContent();
+        } catch (error) {
+            show(this.status);
+            show(this.body, errorElement(error));
+        }
+    }
+
+    async #loadContent() {
+        const { app, revision, path } = this;
+        if (imageType(path)) show(this.body, await imageFigure(app, path, { revision }, shortRevision(revision)));
+        const { result } = await app.connection.perform(request(Type.content,
+            { startingRevision: revision, files: [path], limits: { outputBytes: MAX_BYTES } }));
+        const bytes = contentBytes(record(result)[0]);
+        if (bytes.subarray(0, 8000).includes(0)) {
+            if (!imageType(path)) show(this.body, element("p.remark", {}, `A binary file of ${bytes.length.toLocaleString("en")} bytes.`));
+            return;
+        }
+        const lines = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes).split("\n");
+        if (lines[lines.length - 1] === "") lines.pop();
+        this.#showLines(lines);
+        if (lines.length) await this.#loadBlame();
+    }
+
+    /** Reads the commits of the lines; of the working copy also the lines. */
+    async #loadBlame() {
+        const { app, revision, path } = this;
+        show(this.status, "Finding the commit of each line…");
+        const members = { files: [path] };
+        if (revision !== "") members.startingRevision = revision;
+        const { result } = await app.connection.perform(request(Type.annotation, members));
+        const groups = record(result ?? []);
+        show(this.status);
+        this.#groups = [];
+        for (const group of groups) {
+            for (let line = 0; line < group.lineCount; line++) this.#groups[group.firstLine - 1 + line] = [group, line];
+        }
+        if (revision === "") this.#showLines(groups.flatMap((group) => group.lines.map(textOf)));
+        else for (const [index, cell] of this.#cells) this.#fillCell(cell, index);
+    }
+
+    #showLines(lines) {
+        this.#cells.clear();
+        if (lines.length === 0) return show(this.body, element("p.remark", {}, "The file is empty."));
+        const list = lazyLines(lines.length, (index) => this.#line(lines[index], index));
+        list.style.setProperty("--digits", String(lines.length).length);
+        const old = this.body.querySelector("figure");
+        show(this.body, old, element("div.blame", { tabindex: "0", role: "group", "aria-label": `Lines of ${visible(textOf(this.path))}` }, list));
+        const chosen = Number(this.values.line);
+        if (!chosen) return undefined;
+        const node = lineElement(list, Math.min(chosen, lines.length) - 1);
+        node?.classList.add("chosen");
+        requestAnimationFrame(() => node?.scrollIntoView({ block: "center" }));
+        return undefined;
+    }
+
+    #line(text, index) {
+        const cell = element("span.commit-cell", {});
+        this.#cells.set(index, cell);
+        this.#fillCell(cell, index);
+        const number = index + 1;
+        return element("div.line", {}, cell,
+            element("a.number", { href: address("file", [this.revision, this.path], { line: number }), tabindex: "-1", "aria-label": `Line ${number}` },
+                String(number)),
+            element("span.code", {}, visible(text.replace(/\r$/, ""))));
+    }
+
+    #fillCell(cell, index) {
+        const entry = this.#groups[index];
+        if (!entry) return;
+        const [group, offset] = entry;
+        cell.classList.toggle("odd", parity(group) === 1);
+        if (offset > 0) return;
+        cell.classList.add("first");
+        if (group.isUncommitted) return void show(cell, element("span.uncommitted", {}, "Not committed"));
+        const file = nameIn(group, "originalPath");
+        const title = `${group.objectID.slice(0, 12)} ${visible(group.author ?? "")}, ${fullTime(group.authorTime, group.authorTimeOffset)}\n${visible(group.subject ?? "")}`;
+        const label = `Line ${index + 1}: commit of ${visible(group.author ?? "")}: ${visible(group.subject ?? "")}`;
+        show(cell, element("a.to-commit", { href: address("commit", [group.objectID], { file }), title, "aria-label": label },
+            element("time", {}, dateTime(group.authorTime, group.authorTimeOffset).slice(0, 10)), " ",
+            element("bdi", {}, visible(group.author ?? ""))),
+        group.previousID ? element("a.to-before", {
+            href: address("before", [group.objectID, file], { line: group.originalLine }), title: "The line before this commit",
+            "aria-label": `Line ${index + 1} before that commit` }, "◂") : null);
+    }
+}
+
+/** Alternates between the commits of neighbouring lines. */
+function parity(group) {
+    return group.isUncommitted ? 0 : parseInt(group.objectID.slice(-1), 16) % 2;
+}

@@ -1,0 +1,193 @@
+// The commits of a request of type 1001, read through a cursor as far as the reader scrolls.
+import { OutcomeError } from "./connection.js";
+import { placeRows, RowPacker, rowOf } from "./rows.js";
+
+const FIRST_PAGE = 100;
+const NEXT_PAGE = 500;
+const PACKED_ROWS = 500;
+const READ_AHEAD = 20_000;
+const UNPACKED_PAGES = 12;
+const MAX_BYTES = 160 << 20;
+const INVALID_CURSOR = -32602;
+
+/**
+ * A list of commits. Events: "rows" when there are more, "end" when all were read or an error stopped it, "changed" when
+ * the repository no longer has the commits that were read before a new connection.
+ */
+export class History extends EventTarget {
+    /** The number of rows that were read. */
+    count = 0;
+    /** Whether there are no more rows. */
+    isComplete = false;
+    /** Whether reading stopped because the list would take too much memory. */
+    isCut = false;
+    /** The error that stopped the list; null without one. */
+    error = null;
+
+    #connection;
+    #request;
+    #withLanes;
+    #packer = new RowPacker();
+    #pages = [];
+    #bytes = 0;
+    #tail = [];
+    #lanes = [];
+    #tailLanes = [];
+    #unpacked = new Map();
+    #wanted = 0;
+    #lastId = null;
+    #closing = new AbortController();
+    #cursor = null;
+
+    constructor(connection, request, { withLanes = true } = {}) {
+        super();
+        this.#connection = connection;
+        this.#request = request;
+        this.#withLanes = withLanes;
+        this.#read();
+    }
+
+    /** Ends the cursor; no event follows. */
+    close() {
+        this.#closing.abort(new DOMException("closed", "AbortError"));
+        if (this.#cursor) this.#connection.call("close", { cursor: this.#cursor }).catch(() => {});
+        this.#cursor = null;
+    }
+
+    /** Asks for the rows up to the index and some more; Infinity asks for all. */
+    want(index) {
+        this.#wanted = Math.max(this.#wanted, index + READ_AHEAD);
+        this.#wake?.();
+    }
+
+    /** Takes a want(Infinity) back. */
+    stopAt(index) {
+        this.#wanted = index + READ_AHEAD;
+    }
+
+    /** Returns the row at the index, with its lanes; null if it was not read yet. */
+    row(index) {
+        if (index < 0 || index >= this.count) return null;
+        const page = Math.floor(index / PACKED_ROWS);
+        if (page >= this.#pages.length) return this.#tail[index - this.#pages.length * PACKED_ROWS];
+        return this.#unpack(page)[index % PACKED_ROWS];
+    }
+
+    /** Returns the index of the commit among the first rows; -1 if it is not there. */
+    find(id, limit = 5000) {
+        for (let index = 0; index < Math.min(limit, this.count); index++) {
+            if (this.row(index).id === id) return index;
+        }
+        return -1;
+    }
+
+    #wake = null;
+
+    async #read() {
+        while (!this.isComplete && !this.#closing.signal.aborted) {
+            try {
+                await this.#readCursor();
+            } catch (error) {
+                if (this.#closing.signal.aborted) return;
+                if (!error.lost && error.code !== INVALID_CURSOR) return this.#finish(error);
+                if (!this.#connection.isOpen) await this.#nextConnection();
+            }
+        }
+    }
+
+    #nextConnection() {
+        return new Promise((resolve) => {
+            this.#connection.addEventListener("open", resolve, { once: true, signal: this.#closing.signal });
+        });
+    }
+
+    /** Reads from a new cursor; leaves out the rows that an earlier one delivered. */
+    async #readCursor() {
+        const signal = this.#closing.signal;
+        let skip = this.count;
+        const pageSize = skip > 0 ? 10_000 : FIRST_PAGE;
+        let page = await this.#connection.call("open", { request: this.#request, pageSize }, { signal });
+        for (;;) {
+            this.#cursor = page.cursor;
+            // The next page is on its way while this one is shown.
+            const next = this.#cursor && (skip > 0 || this.count < this.#wanted) ? this.#next(signal) : null;
+            next?.catch(() => {});
+            const skipped = Math.min(skip, page.records.length);
+            skip -= skipped;
+            if (skipped > 0 && skip === 0 && rowOf(page.records[skipped - 1]).id !== this.#lastId) return this.#change();
+            this.#add(page.records.slice(skipped));
+            if (!page.cursor) return skip > 0 ? this.#change() : this.#end(page.outcome);
+            page = await (next ?? this.#nextWhenWanted(signal));
+            if (page === null) return;
+        }
+    }
+
+    #next(signal) {
+        return this.#connection.call("next", { cursor: this.#cursor, pageSize: NEXT_PAGE }, { signal });
+    }
+
+    async #nextWhenWanted(signal) {
+        if (this.#bytes > MAX_BYTES) {
+            this.isCut = true;
+            this.#finish(null);
+            this.#connection.call("close", { cursor: this.#cursor }).catch(() => {});
+            return null;
+        }
+        while (this.count >= this.#wanted) {
+            await new Promise((resolve) => {
+                this.#wake = resolve;
+                signal.addEventListener("abort", resolve, { once: true });
+            });
+            if (signal.aborted) throw signal.reason;
+        }
+        return this.#next(signal);
+    }
+
+    #change() {
+        this.close();
+        this.dispatchEvent(new Event("changed"));
+    }
+
+    #end(outcome) {
+        this.#finish(outcome?.error ? new OutcomeError(outcome.error) : null);
+    }
+
+    #finish(error) {
+        this.error = error;
+        this.isComplete = true;
+        this.#cursor = null;
+        this.dispatchEvent(new Event("end"));
+    }
+
+    #add(records) {
+        if (records.length === 0) return;
+        const rows = records.map(rowOf);
+        if (this.#withLanes) this.#tailLanes = placeRows(rows, this.#tailLanes);
+        this.#lastId = rows[rows.length - 1].id;
+        this.#tail.push(...rows);
+        this.count += rows.length;
+        while (this.#tail.length >= 2 * PACKED_ROWS) this.#packTail();
+        this.dispatchEvent(new Event("rows"));
+    }
+
+    #packTail() {
+        const rows = this.#tail.splice(0, PACKED_ROWS);
+        const page = { ...this.#packer.pack(rows), lanes: this.#lanes };
+        this.#pages.push(page);
+        this.#bytes += page.bytes;
+        if (this.#withLanes) this.#lanes = placeRows(rows, this.#lanes);
+    }
+
+    #unpack(page) {
+        let rows = this.#unpacked.get(page);
+        if (rows) {
+            this.#unpacked.delete(page);
+        } else {
+            rows = this.#packer.unpack(this.#pages[page]);
+            if (this.#withLanes) placeRows(rows, this.#pages[page].lanes);
+            if (this.#unpacked.size >= UNPACKED_PAGES) this.#unpacked.delete(this.#unpacked.keys().next().value);
+        }
+        this.#unpacked.set(page, rows);
+        return rows;
+    }
+}

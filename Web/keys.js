@@ -1,0 +1,49 @@
+// The keys of the page, and the dialog that lists them.
+import { element } from "./elements.js";
+import { address } from "./route.js";
+
+const general = [
+    ["?", "Show this list"], ["g h", "History"], ["g f", "Files of the latest commit"], ["g b", "Branches and tags"],
+    ["g c", "Changes of the working copy"], ["/", "Search"], ["Alt+←, Alt+→", "Back, forward"], ["u", "Up: the list or folder"],
+];
+const inList = [["j, ↓ and k, ↑", "Next and previous entry"], ["Enter", "Open"], ["Page Down, Page Up, Home, End", "Scroll"]];
+const inDiff = [
+    ["n and p", "Next and previous file"], ["o", "Fold or unfold the file"], ["s", "Side by side or unified"], ["w", "Ignore white space"],
+    ["f", "The first parent of the commit"],
+];
+const goTo = { h: ["log", []], f: ["tree", ["HEAD"]], b: ["branches", []], c: ["changes", []] };
+
+/** Listens to keys; those of the view come first. */
+export function installKeys(app) {
+    let waitsForGo = false;
+    addEventListener("keydown", (event) => {
+        if (event.ctrlKey || event.altKey || event.metaKey || event.defaultPrevented) return;
+        if (event.target.closest?.("dialog")) return;
+        if (event.target.matches?.("input, select, textarea")) {
+            if (event.key === "Escape") event.target.blur(), app.view.focus?.();
+            return;
+        }
+        const wasGo = waitsForGo;
+        waitsForGo = false;
+        if (wasGo && event.key in goTo) location.hash = address(...goTo[event.key]);
+        else if (event.key === "g") waitsForGo = true;
+        else if (event.key === "?") showHelp();
+        else if (app.view?.keys?.[event.key]) app.view.keys[event.key]();
+        else return;
+        event.preventDefault();
+    });
+    document.getElementById("help").addEventListener("click", showHelp);
+}
+
+function showHelp() {
+    const table = (title, rows) => [
+        element("h3", {}, title),
+        element("dl.keys", {}, rows.map(([keys, text]) => [element("dt", {}, keys), element("dd", {}, text)])),
+    ];
+    const close = element("button", { type: "button", click: () => dialog.close() }, "Close");
+    const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => dialog.remove() },
+        element("h2", { id: "help-title" }, "Keyboard shortcuts"),
+        table("Everywhere", general), table("In lists", inList), table("In changes", inDiff), close);
+    document.body.append(dialog);
+    dialog.showModal();
+}

@@ -1,0 +1,185 @@
+// The history: rows with lanes, references, author and date, read as far as the reader scrolls; search and filters.
+import { count, dateElement, element, show, visible } from "./elements.js";
+import { errorElement } from "./errors.js";
+import { filterForm } from "./filter-form.js";
+import { Graph } from "./graph.js";
+import { History } from "./history.js";
+import { request, shortReference, Type } from "./records.js";
+import { address, textOf } from "./route.js";
+import { VirtualList } from "./virtual-list.js";
+
+const ROW_HEIGHT = 26;
+const NARROW = 600;
+
+/** Returns the request of the values of an address. */
+export function logRequest(values) {
+    const searches = { message: "SearchMessage", author: "SearchAuthor", content: "SearchContent" };
+    const options = { AllReferences: values.branch === "*", IgnoreCase: false, Since: values.since && `${values.since}T00:00:00`,
+        Until: values.until && `${values.until}T23:59:59` };
+    for (const [key, option] of Object.entries(searches)) options[option] = values[key];
+    if (values.message || values.author) options.IgnoreCase = true;
+    const members = {};
+    if (values.branch && values.branch !== "*") members.startingRevision = values.branch;
+    if (values.path) {
+        members.files = [values.path];
+        if (values.follow) options.Follow = options.LogOutputFilesChanged = true;
+        else options.RewriteParents = true;
+    }
+    return request(Type.history, members, options);
+}
+
+/** Whether the parents of the rows are rows, so that lanes connect them. */
+function hasLanes(values) {
+    return !values.message && !values.author && !values.content && !values.since && !values.until && !values.follow;
+}
+
+export function openLog(app, segments, values) {
+    return new LogView(app, values);
+}
+
+class LogView {
+    #withLanes;
+
+    constructor(app, values) {
+        this.app = app;
+        this.values = values;
+        this.#withLanes = hasLanes(values);
+        this.title = values.path ? `History of ${textOf(values.path)}` : "History";
+        this.status = element("p.status", { role: "status" });
+        this.problem = element("div", {});
+        this.form = filterForm(app, values);
+        this.graph = new Graph(ROW_HEIGHT);
+        this.list = new VirtualList({
+            label: "Commits", rowHeight: ROW_HEIGHT, fill: (node, index) => this.#fill(node, index),
+            open: (index) => { location.hash = this.#addressOf(this.history.row(index)); },
+            drawn: (from, to) => this.#drawn(from, to), end: () => this.#readAll(),
+        });
+        if (this.#withLanes) this.list.layer.prepend(this.graph.canvas);
+        this.scroller = this.list.node;
+        this.node = element("section.log", { "aria-label": this.title },
+            element("h1.hidden", {}, visible(this.title)), this.form.node, this.problem, this.list.node, this.status);
+        this.keys = { "/": () => this.form.focus(), u: () => { location.hash = address("log"); } };
+        this.#read();
+    }
+
+    focus() {
+        this.list.node.focus({ preventScroll: true });
+    }
+
+    /** The list may have changed its width while another view was shown. */
+    shown() {
+        this.list.refresh();
+        if (this.needsNotice) this.#notify();
+    }
+
+    close() {
+        this.history.close();
+        this.list.close();
+    }
+
+    /** Reads the list again if the reader sees its top; otherwise offers to. */
+    changed(changes) {
+        if (!changes.includes("head") && !changes.includes("references")) return;
+        this.form.refresh();
+        if (this.list.top < ROW_HEIGHT && this.list.current <= 0) this.#read();
+        else this.#notify();
+    }
+
+    #notify() {
+        this.needsNotice = true;
+        if (this.app.view !== this) return;
+        this.app.notice("history", "The history has changed.", "Show it", () => {
+            this.app.notice("history", null);
+            this.list.current = -1;
+            this.list.top = 0;
+            this.#read();
+            this.focus();
+        });
+    }
+
+    #read() {
+        this.next?.close();
+        this.needsNotice = false;
+        const history = new History(this.app.connection, logRequest(this.values), { withLanes: this.#withLanes });
+        this.next = history;
+        const started = () => {
+            if (this.next !== history) return;
+            if (this.history !== history) this.history.close();
+            this.history = history;
+            this.next = null;
+            show(this.problem);
+            this.list.refresh();
+        };
+        history.addEventListener("rows", () => { started(); this.#grow(); });
+        history.addEventListener("end", () => { started(); this.#grow(); });
+        history.addEventListener("changed", () => { if (this.history === history) this.#notify(); });
+        this.history ??= history;
+        history.want(0);
+        this.#showStatus();
+    }
+
+    #readAll() {
+        this.#wantsAll = !this.history.isComplete;
+        if (this.#wantsAll) this.history.want(Infinity);
+        this.#showStatus();
+    }
+
+    #wantsAll = false;
+
+    /** Shows new rows; follows the end while the reader asked for all of them. */
+    #grow() {
+        const { history, list } = this;
+        const isAtEnd = this.#wantsAll && list.current === list.count - 1;
+        list.setCount(history.count, history.isComplete);
+        if (this.#wantsAll && !isAtEnd) {
+            this.#wantsAll = false;
+            history.stopAt(list.last);
+        }
+        if (isAtEnd) list.select(history.count - 1);
+        if (history.isComplete) this.#wantsAll = false;
+        if (history.isComplete && history.error) show(this.problem, errorElement(history.error));
+        this.#showStatus();
+    }
+
+    #showStatus() {
+        const { history } = this;
+        let text = count(history.count, "commit");
+        if (!history.isComplete) text = history.count ? `${text} read, more below` : "Reading the history…";
+        else if (history.isCut) text = `The first ${text}. Search, or choose a path or date, to see older ones.`;
+        else if (history.count === 0 && !history.error) text = "No commits match.";
+        if (this.#wantsAll) text = `${count(history.count, "commit")} read, reading to the end…`;
+        if (this.status.textContent !== text) this.status.textContent = text;
+        this.node.dataset.complete = history.isComplete;
+    }
+
+    #addressOf(row) {
+        return address("commit", [row.id], row.path !== undefined ? { file: row.path } : {});
+    }
+
+    #fill(node, index) {
+        const row = this.history.row(index);
+        if (!row) return show(node);
+        const references = row.references.slice(0, 4).map((name) => {
+            const { name: text, kind } = shortReference(name);
+            return element(`span.ref.${kind}`, {}, visible(text));
+        });
+        if (row.references.length > 4) references.push(element("span.ref.other", {}, `+${row.references.length - 4}`));
+        if (row.isHead) references.unshift(element("span.ref.head", {}, "HEAD"));
+        node.href = this.#addressOf(row);
+        const file = row.path !== undefined && this.values.follow ? element("span.path", {}, visible(textOf(row.path))) : null;
+        show(node, element("span.subject", {}, references, element("bdi", {}, visible(row.subject) || "(no message)"), file),
+            element("span.author", {}, element("bdi", {}, visible(row.author))),
+            dateElement(row.time, row.offset));
+        return undefined;
+    }
+
+    #drawn(from, to) {
+        this.history.want(to);
+        if (!this.#withLanes) return;
+        const rows = [];
+        for (let index = from; index < to; index++) rows.push(this.history.row(index));
+        const most = this.list.node.clientWidth < NARROW ? 6 : 20;
+        const width = this.graph.draw(rows, most);
+        this.list.node.style.setProperty("--graph", `${width + 6}px`);
+    }
+}

@@ -1,0 +1,163 @@
+// The working copy: staged, unstaged and untracked changes, and conflicts, as they are now.
+import { element, show, visible } from "./elements.js";
+import { errorElement } from "./errors.js";
+import { FileList, loadChanges, pathsOf } from "./file-list.js";
+import { nameIn, record, request, Type } from "./records.js";
+import { address } from "./route.js";
+
+const groups = [
+    ["Conflicts", (entry) => entry.kind === "conflict" ? entry.conflict : null],
+    ["Staged", (entry) => entry.indexState], ["Not staged", (entry) => entry.workingTreeState],
+    ["Untracked", (entry) => entry.kind === "untracked" ? "untracked" : null],
+];
+
+export function openWorkingCopy(app) {
+    return new WorkingCopyView(app);
+}
+
+class WorkingCopyView {
+    title = "Changes";
+    #isLoading = false;
+    #isOutdated = false;
+    #shown = "";
+    #lists = [];
+
+    constructor(app) {
+        this.app = app;
+        this.body = element("div", { "aria-live": "off" }, element("p.remark", {}, "Loading…"));
+        this.status = element("p.branch-line", { role: "status" });
+        this.node = element("article.page.changes", { tabindex: "0", "aria-label": this.title },
+            element("h1", {}, this.title), this.status, this.body);
+        this.scroller = this.node;
+        const current = () => this.#lists.find((list) => list.node.contains(document.activeElement)) ?? this.#lists[0];
+        this.keys = {
+            n: () => this.#move(1), p: () => this.#move(-1), o: () => current()?.toggleCurrent(),
+            s: () => this.#lists.forEach((list) => list.setSplit(!list.split)),
+        };
+        this.#load();
+    }
+
+    focus() {
+        this.node.focus({ preventScroll: true });
+    }
+
+    changed() {
+        this.#load();
+    }
+
+    #move(step) {
+        const buttons = [...this.node.querySelectorAll("button.file")];
+        const index = buttons.indexOf(document.activeElement);
+        buttons[Math.max(0, Math.min(index + step, buttons.length - 1))]?.focus();
+    }
+
+    /** Reads the state; once more if something changes meanwhile. */
+    async #load() {
+        this.#isOutdated = true;
+        if (this.#isLoading) return;
+        this.#isLoading = true;
+        while (this.#isOutdated) {
+            this.#isOutdated = false;
+            try {
+                const [state, operation] = await Promise.all([Type.state, Type.operation].map((type) =>
+                    this.app.connection.perform({ ...request(type, {}, type === Type.state ? { UntrackedFiles: "all" } : {}), background: true })));
+                this.#show(record(state.result), record(operation.result ?? []));
+            } catch (error) {
+                this.#shown = "";
+                show(this.status);
+                show(this.body, errorElement(error));
+            }
+        }
+        this.#isLoading = false;
+    }
+
+    #show(state, operations) {
+        const head = state.find((entry) => entry.kind === "head") ?? {};
+        const entries = state.filter((entry) => entry.kind !== "head");
+        show(this.status, this.#headText(head), operations.filter((entry) => entry.kind !== "conflict").map(operationElement));
+        const current = JSON.stringify(entries);
+        const opened = this.#openFiles();
+        const focused = document.activeElement?.closest?.("section.changed-file, section.group");
+        const focusKey = focused && this.node.contains(focused) ? keyOf(focused) : null;
+        const hasChanged = current !== this.#shown;
+        if (!hasChanged && opened.length === 0) return;
+        this.#shown = current;
+        this.#lists = [];
+        const sections = groups.map(([title, stateOf]) => this.#group(title, stateOf, entries)).filter(Boolean);
+        show(this.body, sections.length ? sections : element("p.remark", {}, "Nothing to commit: the working copy is as in the latest commit."));
+        this.#reopen(opened, focusKey);
+    }
+
+    #openFiles() {
+        return this.#lists.flatMap((list) => list.sections.filter((section) => section.isOpen).map((section) => keyOf(section.node)));
+    }
+
+    #reopen(opened, focusKey) {
+        for (const list of this.#lists) {
+            for (const section of list.sections) {
+                if (opened.includes(keyOf(section.node))) section.toggle();
+                if (keyOf(section.node) === focusKey) section.button.focus({ preventScroll: true });
+            }
+        }
+    }
+
+    #headText(head) {
+        const parts = [head.name === undefined ? "Detached HEAD" : `Branch ${visible(head.name)}`];
+        if (head.upstream) parts.push(`upstream ${visible(head.upstream)}`);
+        if (head.ahead) parts.push(`${head.ahead} ahead`);
+        if (head.behind) parts.push(`${head.behind} behind`);
+        if (head.stashCount) parts.push(`${head.stashCount} stashed`);
+        return element("span", {}, parts.join(", "));
+    }
+
+    #group(title, stateOf, entries) {
+        const files = entries.filter(stateOf).map((entry) => ({ ...entry, label: stateOf(entry) }));
+        if (files.length === 0) return null;
+        const heading = element("h2", {}, `${title} (${files.length.toLocaleString("en")})`);
+        if (title === "Untracked") {
+            return element("section.group", { "aria-label": title }, heading, element("ul.untracked", {},
+                files.slice(0, 2000).map((file) => element("li", {}, element("bdi", {}, visible(file.path)))),
+                files.length > 2000 ? element("li", {}, `and ${files.length - 2000} more`) : null));
+        }
+        const staged = title === "Staged";
+        const list = new FileList(this.app, files, {
+            load: (some) => loadChanges(this.app,
+                { ...request(Type.changes, { files: pathsOf(some) }, { Staged: staged }), background: true }),
+            images: (file) => imagesOf(file, staged), links: linksOf, opens: false,
+        });
+        this.#lists.push(list);
+        return element("section.group", { "aria-label": title }, heading, list.node);
+    }
+}
+
+/** Names a file within its group. */
+function keyOf(node) {
+    return `${node.closest("section.group")?.getAttribute("aria-label")}/${node.getAttribute("aria-label")}`;
+}
+
+function operationElement(entry) {
+    const step = entry.step ? `, step ${entry.step} of ${entry.stepCount}` : "";
+    return element("strong.operation", {}, `A ${entry.kind} is under way${step}`);
+}
+
+function imagesOf(file, staged) {
+    const path = nameIn(file, "path");
+    const original = nameIn(file, "originalPath") ?? path;
+    if (file.kind === "conflict") {
+        const captions = { 1: "Ancestor", 2: "Ours", 3: "Theirs" };
+        return (file.stages ?? []).map(({ stage }) => ({ path, source: { stage }, caption: captions[stage] }));
+    }
+    if (!staged) return [{ path, source: { stage: 0 }, caption: "Staged" }];
+    const before = { path: original, source: { revision: "HEAD" }, caption: "Latest commit" };
+    const after = { path, source: { stage: 0 }, caption: "Staged" };
+    return [...(file.label === "added" ? [] : [before]), ...(file.label === "deleted" ? [] : [after])];
+}
+
+function linksOf(file) {
+    const path = nameIn(file, "path");
+    if (file.label === "added" || file.label === "deleted") return [];
+    return [
+        element("a", { href: address("file", ["", path]), "aria-label": `File ${visible(file.path)}` }, "File"),
+        element("a", { href: address("log", [], { path, follow: "1" }), "aria-label": `History of ${visible(file.path)}` }, "History"),
+    ];
+}

@@ -124,10 +124,9 @@ class FileView {
         if (group.isUncommitted) return void show(cell, element("span.uncommitted", {}, "Not committed"));
         const file = nameIn(group, "originalPath");
         const title = `${group.objectID.slice(0, 12)} ${visible(group.author ?? "")}, ${fullTime(group.authorTime, group.authorTimeOffset)}\n${visible(group.subject ?? "")}`;
-        const label = `Line ${index + 1}: commit of ${visible(group.author ?? "")}: ${visible(group.subject ?? "")}`;
-        show(cell, element("a.to-commit", { href: address("commit", [group.objectID], { file }), title, "aria-label": label },
+        show(cell, element("a.to-commit", { href: address("commit", [group.objectID], { file }), title },
             element("time", {}, dateTime(group.authorTime, group.authorTimeOffset).slice(0, 10)), " ",
-            element("bdi", {}, visible(group.author ?? ""))),
+            element("bdi", {}, visible(group.author ?? "")), element("span.hidden", {}, `: ${visible(group.subject ?? "")}`)),
         group.previousID ? element("a.to-before", {
             href: address("before", [group.objectID, file], { line: group.originalLine }), title: "The line before this commit",
             "aria-label": `Line ${index + 1} before that commit` }, "◂") : null);

@@ -27,6 +27,8 @@ export function filterForm(app, values) {
             [kind.value]: text.value, path: isSamePath ? values.path : path.value, since: since.value, until: until.value,
             branch: names.get(branch.value) ?? branch.value, follow: isSamePath && path.value ? values.follow : "",
         });
+        // The reader may come back to this view, which shows what its address says.
+        node.reset();
     };
     branch.addEventListener("change", () => go());
     const isFiltered = Boolean(values.path || values.since || values.until);

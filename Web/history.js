@@ -5,7 +5,7 @@ import { placeRows, RowPacker, rowOf } from "./rows.js";
 const FIRST_PAGE = 100;
 const NEXT_PAGE = 500;
 const PACKED_ROWS = 500;
-const READ_AHEAD = 20_000;
+const READ_AHEAD = 5000;
 const UNPACKED_PAGES = 12;
 const MAX_BYTES = 160 << 20;
 const INVALID_CURSOR = -32602;

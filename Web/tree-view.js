@@ -62,7 +62,6 @@ class TreeView {
         }
         this.list.refresh();
         this.list.setCount(this.#entries.length, true);
-        if (this.list.current < 0 && this.app.view === this && this.#entries.length) this.list.select(0);
     }
 
     #addressOf(entry) {

@@ -30,7 +30,6 @@ export class VirtualList {
         this.node = element("div.virtual-list", {
             role: "listbox", tabindex: "0", "aria-label": label,
             scroll: () => this.#schedule(), keydown: (event) => this.#key(event), click: (event) => this.#click(event),
-            focus: () => { if (this.current < 0 && this.#count > 0) this.select(this.first); },
         }, this.spacer);
         this.observer = new ResizeObserver(() => this.refresh());
         this.observer.observe(this.node);
@@ -53,6 +52,7 @@ export class VirtualList {
     /** Says how many rows there are, and whether more will come. */
     setCount(count, isComplete) {
         this.#count = count;
+        if (this.current < 0 && count > 0) this.current = 0;
         this.#isComplete = isComplete;
         this.spacer.style.height = `${Math.min(this.#height, MAX_HEIGHT)}px`;
         this.#schedule();
@@ -170,7 +170,7 @@ export class VirtualList {
         };
         if (event.key === "Enter" && this.current >= 0) this.open(this.current);
         else if (event.key === "End") this.end(), this.select(this.#count - 1);
-        else if (event.key in moves) this.select(this.current < 0 ? this.first : this.current + moves[event.key]);
+        else if (event.key in moves) this.select(this.current + moves[event.key]);
         else return;
         event.preventDefault();
     }

@@ -1,0 +1,196 @@
+// Tests the page while the repository changes, is rewritten or removed, and when the connection is lost.
+import assert from "node:assert/strict";
+import fs from "node:fs";
+import http from "node:http";
+import { after, before, test } from "node:test";
+
+import { commit, environment, git, makeLongHistory, makeRepository, openPage, serve, startBrowser, write } from "./support.mjs";
+
+const limit = { timeout: 60_000 };
+let browser;
+before(async () => { browser = await startBrowser(); });
+after(() => browser?.close());
+
+/** Runs a test with a repository of two commits, a server and a page. */
+function liveTest(name, body, makeFolder = makeSmallRepository) {
+    test(name, limit, async () => {
+        const folder = makeFolder();
+        const server = await serve(folder);
+        const page = await browser.newPage();
+        page.setDefaultTimeout(10_000);
+        const problems = [];
+        page.on("pageerror", (error) => problems.push(String(error.stack)));
+        try {
+            await body(page, folder, server);
+            assert.deepEqual(problems, []);
+        } finally {
+            await page.close();
+            await server.end();
+        }
+    });
+}
+
+function makeSmallRepository() {
+    const folder = makeRepository();
+    write(folder, "a.txt", "one\ntwo\n");
+    commit(folder, "First");
+    write(folder, "a.txt", "one\n2\n");
+    commit(folder, "Second");
+    return folder;
+}
+
+const open = openPage;
+const row = (page, text) => page.locator("[role=option]:visible", { hasText: text });
+const group = (page, name) => page.getByRole("region", { name, exact: true });
+
+liveTest("the history shows a new commit", async (page, folder, server) => {
+    await open(page, server);
+    await row(page, "Second").waitFor();
+    write(folder, "a.txt", "three\n");
+    commit(folder, "Third");
+    await row(page, "Third").waitFor();
+    assert.equal(await page.locator("p.status").textContent(), "3 commits");
+});
+
+liveTest("a reader who scrolled is asked first", async (page, folder, server) => {
+    await open(page, server);
+    await row(page, "Commit 1000").waitFor();
+    await page.keyboard.press("PageDown");
+    await page.keyboard.press("PageDown");
+    commit(folder, "News");
+    await page.locator(".notice", { hasText: "The history has changed" }).waitFor();
+    assert.equal(await row(page, "News").count(), 0);
+    await page.getByRole("button", { name: "Show it" }).click();
+    await row(page, "News").waitFor();
+}, () => makeLongHistory(1000));
+
+liveTest("the working copy is shown as it is", async (page, folder, server) => {
+    await open(page, server, "#/changes");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+    write(folder, "a.txt", "one\n2\nthree\n");
+    await group(page, "Not staged").getByRole("button", { name: /a\.txt/ }).click();
+    await group(page, "Not staged").locator(".line.added", { hasText: "three" }).waitFor();
+    write(folder, "a.txt", "one\n2\nfour\n");
+    await group(page, "Not staged").locator(".line.added", { hasText: "four" }).waitFor();
+    write(folder, "new.txt", "new\n");
+    await group(page, "Untracked").getByText("new.txt").waitFor();
+    git(folder, "add", "a.txt");
+    await group(page, "Staged").getByRole("button", { name: /a\.txt/ }).waitFor();
+    assert.equal(await group(page, "Not staged").count(), 0);
+    commit(folder, "Everything");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+});
+
+liveTest("conflicts are shown with their kind, and the merge with them", async (page, folder, server) => {
+    git(folder, "checkout", "--quiet", "-b", "topic", "HEAD~1");
+    write(folder, "a.txt", "one\nzwei\n");
+    commit(folder, "Topic");
+    await open(page, server, "#/changes");
+    await page.locator(".branch-line", { hasText: "Branch topic" }).waitFor();
+    assert.throws(() => git(folder, "merge", "--quiet", "main"));
+    await group(page, "Conflicts").getByRole("button", { name: /both modified/ }).waitFor();
+    await page.getByText("A merge is under way").waitFor();
+    git(folder, "merge", "--abort");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+});
+
+liveTest("a commit that was rewritten stays readable until git removes it, then the page says so", async (page, folder, server) => {
+    const id = git(folder, "rev-parse", "HEAD");
+    await open(page, server, `#/commit/${id}`);
+    await page.locator("h1", { hasText: "Second" }).waitFor();
+    git(folder, "commit", "--quiet", "--amend", "-m", "Rewritten");
+    git(folder, "reflog", "expire", "--expire=now", "--all");
+    git(folder, "gc", "--quiet", "--prune=now");
+    await page.evaluate(() => { location.hash = "#/log"; });
+    await row(page, "Rewritten").waitFor();
+    assert.equal(await row(page, "Second").count(), 0);
+    const other = await page.context().newPage();
+    await open(other, server, `#/commit/${id}`);
+    await other.locator(".error .sentence").waitFor();
+    await other.getByRole("link", { name: "Go to the history" }).click();
+    await row(other, "Rewritten").waitFor();
+    await other.close();
+});
+
+liveTest("a repository that was removed gives an error and a notice", async (page, folder, server) => {
+    await open(page, server, "#/changes");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+    fs.rmSync(folder, { recursive: true, force: true });
+    await page.locator(".notice", { hasText: "no longer follows changes" }).waitFor();
+    await page.evaluate(() => { location.hash = "#/branches"; });
+    await page.locator(".error .sentence").waitFor();
+});
+
+liveTest("two pages show the same repository, and one may close", async (page, folder, server) => {
+    const other = await page.context().newPage();
+    await open(page, server);
+    await open(other, server);
+    await row(page, "Second").waitFor();
+    await row(other, "Second").waitFor();
+    await page.bringToFront();
+    commit(folder, "Third");
+    await row(page, "Third").waitFor();
+    await other.bringToFront();
+    await row(other, "Third").waitFor();
+    await other.close();
+    await page.bringToFront();
+    commit(folder, "Fourth");
+    await row(page, "Fourth").waitFor();
+});
+
+/** A proxy whose connections the test can end; nebsc sees the requests as its own. */
+async function makeProxy(server) {
+    const target = new URL(server.url);
+    const sockets = new Set();
+    const proxy = http.createServer((request, response) => {
+        const headers = { ...request.headers, host: target.host };
+        if (headers.origin) headers.origin = target.origin;
+        if (headers.referer) headers.referer = target.href;
+        const onward = http.request({ host: target.hostname, port: target.port, path: request.url, method: request.method, headers },
+            (incoming) => { response.writeHead(incoming.statusCode, incoming.headers); incoming.pipe(response); });
+        onward.on("error", () => response.destroy());
+        response.on("close", () => onward.destroy());
+        request.pipe(onward);
+    });
+    proxy.on("connection", (socket) => { sockets.add(socket); socket.on("close", () => sockets.delete(socket)); });
+    await new Promise((resolve) => { proxy.listen(0, "127.0.0.1", resolve); });
+    const url = `http://127.0.0.1:${proxy.address().port}${target.pathname}${target.search}`;
+    const cut = () => sockets.forEach((socket) => socket.destroy());
+    return { url, cut, close: () => { cut(); proxy.close(); } };
+}
+
+liveTest("after a lost connection the views go on", async (page, folder, server) => {
+    const proxy = await makeProxy(server);
+    await open(page, proxy);
+    await row(page, "Commit 8000").waitFor();
+    proxy.cut();
+    await page.waitForTimeout(1000);
+    await page.keyboard.press("End");
+    await page.locator("[role=option][aria-selected=true]", { hasText: "Commit 1:" }).waitFor();
+    assert.equal(await page.locator("p.status").textContent(), "8,000 commits");
+    assert.equal(await page.locator(".notice").count(), 0);
+    await page.keyboard.press("Home");
+    commit(folder, "After the loss");
+    await row(page, "After the loss").waitFor();
+    proxy.close();
+}, () => makeLongHistory(8000));
+
+liveTest("the page says that nebsc has ended", async (page, folder, server) => {
+    await open(page, server);
+    await row(page, "Second").waitFor();
+    await server.end();
+    await page.locator(".notice", { hasText: "The connection to nebsc was lost" }).waitFor();
+});
+
+test("the page runs no program that the repository names", limit, async () => {
+    const folder = makeSmallRepository();
+    const marker = `${environment.HOME}/ran`;
+    git(folder, "config", "core.fsmonitor", `touch ${marker}; false`);
+    const server = await serve(folder);
+    const page = await browser.newPage();
+    await open(page, server, "#/changes");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+    assert.equal(fs.existsSync(marker), false);
+    await page.close();
+    await server.end();
+});

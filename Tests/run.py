@@ -75,6 +75,14 @@ def editor_jobs(build):
               editor_environment(build), False)
 
 
+def browse_jobs(build):
+    """The page of nebsc browse: its modules in node, its views in Chromium."""
+    for name in ["units", "page", "live"]:
+        yield Job(f"Browse {name}", [Path("node"), "--test", SOURCE / f"Browse/{name}.test.mjs"],
+                  {"NEBSC": str(build / "bin/nebsc"),
+                   "NODE_PATH": str(build / "browse-tests/node_modules")}, False)
+
+
 def package_jobs(build):
     """The package; not of a sanitized library, which a plain program cannot link."""
     cache = (build / "CMakeCache.txt").read_text()
@@ -196,7 +204,7 @@ def main():
     if not options.threaded and not text:
         package = [] if options.without_package else package_jobs(build)
         chaos = Job("Chaos", [Path(sys.executable), SOURCE / "Chaos/chaos_test.py"], {}, False)
-        jobs = [*editor_jobs(build), *package, *jobs, chaos]
+        jobs = [*browse_jobs(build), *editor_jobs(build), *package, *jobs, chaos]
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))

@@ -14,7 +14,7 @@ const OPEN_FILES = 30;
  * A list of changed files.
  *
  * `files` are short records with path, state, counts. `load(files)` returns records of type 1004 for some of them;
- * `images(file)` the sources of an image before and after, each null if there is none; `links(file)` elements.
+ * `images(file)` the sources of an image before and after, each null without one; `links(file)` elements.
  */
 export class FileList {
     split = false;

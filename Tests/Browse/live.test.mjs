@@ -121,7 +121,7 @@ liveTest("a repository that was removed gives an error and a notice", async (pag
     await page.locator(".error .sentence").waitFor();
 });
 
-liveTest("two pages show the same repository, and one may close", async (page, folder, server) => {
+liveTest("two pages show the same repository, and one of them closes", async (page, folder, server) => {
     const other = await page.context().newPage();
     await open(page, server);
     await open(other, server);

@@ -91,7 +91,7 @@ pageTest("images are shown before and after a change", async (page) => {
     await open(page, `#/commit/${hostile.ids.second}?file=picture.png`);
     const images = page.getByRole("region", { name: "picture.png" }).locator("img");
     await images.nth(1).waitFor();
-    await page.waitForFunction(() => [...document.querySelectorAll(".images figcaption")].every((node) => /8 × 8, \d+ bytes/.test(node.textContent)));
+    await page.locator(".images figcaption", { hasText: /8 × 8, \d+ bytes/ }).nth(1).waitFor();
     assert.deepEqual(await images.evaluateAll((nodes) => nodes.map((node) => node.naturalWidth)), [8, 8]);
     assert.deepEqual(await images.evaluateAll((nodes) => nodes.map((node) => node.alt)),
         ["Before: picture.png", "After: picture.png"]);
@@ -197,7 +197,7 @@ pageTest("branches and tags lead to their history", async (page) => {
     await rows(page).filter({ hasText: "v1.0" }).waitFor();
     assert.equal(await rows(page).count(), 4);
     await page.getByLabel("Filter by name").fill("bold");
-    await page.waitForFunction(() => document.querySelectorAll("[role=option]:not([hidden])").length === 1);
+    await rows(page).nth(1).waitFor({ state: "detached" });
     await rows(page).first().click();
     await page.locator("p.status", { hasText: "2 commits" }).waitFor();
 });

@@ -19,6 +19,7 @@ const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn() {
         .contractVersion = neb::NEBSourceControlContractVersion,
         .name = "NEBGit",
         .version = NEBGIT_VERSION,
+        .program = "git",
         .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* {
             return new (std::nothrow) neb::GitController;  // owned by the host
         },

@@ -20,9 +20,9 @@ bool isExecutableFile(const std::string& path) {
            ::access(path.c_str(), X_OK) == 0;
 }
 
-/// Ignores relative and empty elements of PATH. With them, git could come from the working
+/// Ignores relative and empty elements of PATH. With them, the program could come from the working
 /// directory, which may be in a cloned repository.
-std::string firstDirectoryWithGit() {
+std::string firstDirectoryWith(std::string_view program) {
     const char* variable = std::getenv("PATH");
     std::string_view rest = variable == nullptr ? "" : variable;
     while (!rest.empty()) {
@@ -30,7 +30,7 @@ std::string firstDirectoryWithGit() {
         const std::string_view directory = rest.substr(0, colon);
         rest = colon == std::string_view::npos ? std::string_view{} : rest.substr(colon + 1);
         if (!directory.empty() && directory.front() == '/' &&
-            isExecutableFile(pathByAppendingComponent(directory, "git"))) {
+            isExecutableFile(pathByAppendingComponent(directory, program))) {
             return std::string(directory);
         }
     }
@@ -53,12 +53,16 @@ LOMSearchPath LOMDeveloperPaths::binSearchPathForPlatform(
     const MutexLock lock(_mutex);
     return LOMSearchPath(_preferredBinaryDirectory
                              ? *_preferredBinaryDirectory
-                             : LOMFilePath::filePathForPathString(firstDirectoryWithGit()));
+                             : LOMFilePath::filePathForPathString(firstDirectoryWith("git")));
 }
 
 void LOMDeveloperPaths::setPreferredBinaryDirectory(std::optional<LOMFilePath> directory) {
     const MutexLock lock(_mutex);
     _preferredBinaryDirectory = std::move(directory);
+}
+
+std::string LOMPathOfProgram(std::string_view name) {
+    return pathByAppendingComponent(firstDirectoryWith(name), name);
 }
 
 }  // namespace neb

@@ -59,4 +59,8 @@ private:
     std::optional<LOMFilePath> _preferredBinaryDirectory NEB_GUARDED_BY(_mutex);
 };
 
+/// Returns the path of a program: in the first absolute folder of PATH that has an executable file
+/// of that name, otherwise in "/usr/bin". PATH is read at each call. Thread-safe.
+[[nodiscard]] NEB_EXPORT std::string LOMPathOfProgram(std::string_view name);
+
 }  // namespace neb

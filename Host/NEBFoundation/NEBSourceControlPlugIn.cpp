@@ -71,9 +71,10 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
         return failed(contractFailure(path, description->contractVersion));
     }
     if (description->name == nullptr || description->version == nullptr ||
-        description->makePrincipalClass == nullptr) {
-        return failed("The plug-in \"" + path +
-                      "\" describes itself without a name, a version or a principal class.");
+        description->program == nullptr || description->makePrincipalClass == nullptr) {
+        return failed(
+            "The plug-in \"" + path +
+            "\" describes itself without a name, a version, a program or a principal class.");
     }
     return {NEBSourceControlPlugIn(description), {}};
 }

@@ -19,7 +19,7 @@ namespace neb {
 
 /// The version of the host contract. It increases when plug-ins that were built against an older
 /// host library cannot be used any more.
-inline constexpr std::uint32_t NEBSourceControlContractVersion = 5;
+inline constexpr std::uint32_t NEBSourceControlContractVersion = 6;
 
 /// The description of a plug-in. The contract version always comes first: a host reads nothing else
 /// unless it equals its own.
@@ -28,6 +28,9 @@ struct NEBSourceControlPlugInDescription {
     /// The name and version of the plug-in, for people. Both texts live until the process ends.
     const char* name;
     const char* version;
+    /// The name of the program whose repositories the plug-in works with: "git", "hg". A host may
+    /// ask git itself only if this is "git". Lives until the process ends.
+    const char* program;
     /// Returns a new instance of the principal class. The caller owns it.
     NEBSourceControlProtocol* (*makePrincipalClass)();
 };
@@ -50,6 +53,8 @@ public:
     /// As the plug-in describes itself.
     [[nodiscard]] std::string name() const { return _description->name; }
     [[nodiscard]] std::string version() const { return _description->version; }
+    /// The name of the program whose repositories the plug-in works with, "git".
+    [[nodiscard]] std::string program() const { return _description->program; }
     /// Returns a new instance of the principal class; null when the plug-in has none. Its methods
     /// throw nothing: an exception of the plug-in, now or later, becomes an error.
     [[nodiscard]] std::unique_ptr<NEBSourceControlProtocol> makePrincipalClass() const;

@@ -45,24 +45,35 @@ std::optional<NEBSourceControlCommand> NEBSourceControlTaskOperation::command() 
     return command;
 }
 
+std::vector<std::string> NEBSourceControlTaskOperation::makeEnvironment() const {
+    std::vector<std::string> environment = NEBSourceControlInheritedEnvironment();
+    if (runsGit()) {
+        environment = NEBSourceControlChildEnvironment(
+            environment, {.hasPatternCharacters = request()->hasPatternCharacters(),
+                          .isBackgroundWork = isBackgroundWork(),
+                          .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
+                          .mayRunHooks = _mayRunHooks,
+                          .archivesForOwner = _archivesForOwner,
+                          .mayFetchObjects = _mayFetchObjects,
+                          .lockWait = limits().lockWait,
+                          .settings = _settings});
+    } else {
+        // The same language for every program, so that its messages are recognised.
+        NEBSourceControlSetVariables(environment, {"LC_ALL=C.UTF-8", "LANGUAGE="});
+    }
+    NEBSourceControlSetVariables(environment, ownVariables());
+    NEBSourceControlSetVariables(environment, childVariables());
+    return environment;
+}
+
 ChildLaunch NEBSourceControlTaskOperation::makeLaunch() {
     ChildLaunch launch{
         .launchPath = launchPath(),
         .arguments = _arguments,
         .currentDirectoryPath = std::nullopt,
-        .environment = NEBSourceControlChildEnvironment(
-            NEBSourceControlInheritedEnvironment(),
-            {.hasPatternCharacters = request()->hasPatternCharacters(),
-             .isBackgroundWork = isBackgroundWork(),
-             .writesWholeBuffers = _writesWholeBuffers && !flushesForSink(),
-             .mayRunHooks = _mayRunHooks,
-             .archivesForOwner = _archivesForOwner,
-             .mayFetchObjects = _mayFetchObjects,
-             .lockWait = limits().lockWait,
-             .settings = _settings}),
+        .environment = makeEnvironment(),
         .input = _input,
     };
-    NEBSourceControlSetVariables(launch.environment, childVariables());
     if (_currentDirectoryPath) {
         launch.currentDirectoryPath = pathByExpandingTilde(*_currentDirectoryPath);
     }

@@ -101,7 +101,7 @@ public:
         return nullptr;
     }
     /// Turns the standard error of the child into an error; absent when the text is not one. The
-    /// base implementation uses NEBSourceControlErrorWithoutDetails(); main() adds the details.
+    /// base implementation uses errorOfText(); main() adds the details.
     /// When the child exited with status 0, the text is a notice and not an error.
     [[nodiscard]] virtual std::optional<NEBSourceControlError> errorFromErrorMessage(
         const std::optional<std::string>& message);
@@ -142,6 +142,18 @@ public:
         return _terminationStatus;
     }
 
+protected:
+    /// Whether the child is git, or runs git. Then it gets the environment that git requires, and
+    /// its output is searched for hints, messages of the server, files and locks. True in the base
+    /// implementation; other programs derive from NEBSourceControlProgramOperation.
+    [[nodiscard]] virtual bool runsGit() const { return true; }
+    /// Environment variables that the program requires, each "NAME=value". None in the base
+    /// implementation.
+    [[nodiscard]] virtual std::vector<std::string> ownVariables() const { return {}; }
+    /// Returns the error for an output of the child, of the class "unknown" if the text is not
+    /// known. The base implementation uses NEBSourceControlErrorWithoutDetails().
+    [[nodiscard]] virtual NEBSourceControlError errorOfText(const std::string& text) const;
+
 private:
     /// The output of a child, whatever parseData() does to data() and errorData().
     struct ChildText {
@@ -151,6 +163,7 @@ private:
     };
 
     [[nodiscard]] ChildLaunch makeLaunch();
+    [[nodiscard]] std::vector<std::string> makeEnvironment() const;
     /// Keeps the programs of the repository from running in the children. Returns false with an
     /// error if that is not possible.
     [[nodiscard]] bool switchOffPrograms(const std::vector<NEBSourceControlTaskOperation*>& stages);
@@ -182,6 +195,8 @@ private:
     [[nodiscard]] std::optional<NEBSourceControlError> errorOfFailure(
         const ChildText& childText, std::optional<NEBSourceControlError> found);
     [[nodiscard]] NEBSourceControlError errorOfAbnormalEnd();
+    /// Returns the class of errorOfText().
+    [[nodiscard]] std::string classOfText(const std::string& text) const;
     void completeError(NEBSourceControlError& error, const ChildText& childText,
                        const std::optional<TerminationStatus>& status) const;
 

@@ -36,7 +36,16 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorFromErr
     if (!message || isNotice || isBlank(*message)) {
         return std::nullopt;
     }
-    return NEBSourceControlErrorWithoutDetails(*message, *request());
+    return errorOfText(*message);
+}
+
+NEBSourceControlError NEBSourceControlTaskOperation::errorOfText(const std::string& text) const {
+    return NEBSourceControlErrorWithoutDetails(text, *request());
+}
+
+std::string NEBSourceControlTaskOperation::classOfText(const std::string& text) const {
+    return runsGit() ? std::string(NEBSourceControlErrorClassOfText(text))
+                     : errorOfText(text).errorClass.value_or("");
 }
 
 /// Uses the whole output, whatever parseData() left of it: a rejected push has an error beside its
@@ -49,16 +58,16 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailu
     if (!found && !isBlank(childText.errorText)) {
         found = errorFromErrorMessage(childText.errorText);
         if (!found) {
-            found = NEBSourceControlErrorWithoutDetails(childText.errorText, *request());
+            found = errorOfText(childText.errorText);
         }
     }
     const bool isVague = found && (found->errorClass == NEBSourceControlUnknownErrorClass ||
                                    found->errorClass == NEBSourceControlIOErrorClass);
     const bool isInOutput =
         _terminationStatus->exitStatus() == 1 &&
-        NEBSourceControlErrorClassOfText(childText.outputText) != NEBSourceControlUnknownErrorClass;
+        classOfText(childText.outputText) != NEBSourceControlUnknownErrorClass.text();
     if ((!found && !isBlank(childText.outputText)) || (isVague && isInOutput)) {
-        found = NEBSourceControlErrorWithoutDetails(childText.outputText, *request());
+        found = errorOfText(childText.outputText);
         if (!isBlank(childText.errorText)) {
             found->text = childText.errorText + "\n" + childText.outputText;
         }
@@ -97,10 +106,10 @@ void NEBSourceControlTaskOperation::completeError(
     const std::string& text =
         isBlank(childText.errorText) ? childText.outputText : childText.errorText;
     if (!error.errorClass) {
-        error.errorClass = NEBSourceControlErrorClassOfText(childText.errorText);
+        error.errorClass = classOfText(childText.errorText);
         if (error.errorClass == NEBSourceControlUnknownErrorClass && status &&
             status->exitStatus() == 1) {
-            error.errorClass = NEBSourceControlErrorClassOfText(childText.outputText);
+            error.errorClass = classOfText(childText.outputText);
         }
     }
     if (!error.text && !isBlank(text)) {
@@ -108,6 +117,9 @@ void NEBSourceControlTaskOperation::completeError(
     }
     if (!error.terminationStatus) {
         error.terminationStatus = status;
+    }
+    if (!runsGit()) {
+        return;
     }
     error.hints = NEBSourceControlHintsInText(childText.errorText);
     error.remoteLines = NEBSourceControlRemoteLinesInText(childText.errorText);

@@ -35,4 +35,13 @@ std::optional<std::string> _nebsc_stringFromData(const std::optional<Data>& data
     return data ? std::optional<std::string>(NEBSourceControlTextData(*data)) : std::nullopt;
 }
 
+void NEBSourceControlSetText(NEBDictionary& record, NEBConstant key, NEBConstant bytesKey,
+                             std::string_view bytes) {
+    const bool isText = isUTF8(bytes);
+    record.set(key, isText ? NEBValue(bytes) : NEBValue(textReplacingInvalidBytes(bytes)));
+    if (!isText) {
+        record.set(bytesKey, NEBValue::ofBytes(Data(bytes)));
+    }
+}
+
 }  // namespace neb

@@ -8,6 +8,7 @@ NEBSourceControlDescribePlugIn() {
         .contractVersion = neb::NEBSourceControlContractVersion,
         .name = "HalfADescription",
         .version = nullptr,
+        .program = nullptr,
         .makePrincipalClass = nullptr,
     };
     return &description;

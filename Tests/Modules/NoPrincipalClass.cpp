@@ -8,6 +8,7 @@ NEBSourceControlDescribePlugIn() {
         .contractVersion = neb::NEBSourceControlContractVersion,
         .name = "NoPrincipalClass",
         .version = "1",
+        .program = "git",
         .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* { return nullptr; },
     };
     return &description;

@@ -6,6 +6,10 @@
 extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
 NEBSourceControlDescribePlugIn() {
     static constexpr neb::NEBSourceControlPlugInDescription description{
-        .contractVersion = 7, .name = nullptr, .version = nullptr, .makePrincipalClass = nullptr};
+        .contractVersion = 7,
+        .name = nullptr,
+        .version = nullptr,
+        .program = nullptr,
+        .makePrincipalClass = nullptr};
     return &description;
 }

@@ -83,6 +83,7 @@ NEBSourceControlDescribePlugIn() {
         .contractVersion = neb::NEBSourceControlContractVersion,
         .name = "Throwing",
         .version = "1",
+        .program = "git",
         .makePrincipalClass = []() -> neb::NEBSourceControlProtocol* {
             throwFrom("makePrincipalClass");
             return new ThrowingController;

@@ -86,7 +86,7 @@ TEST(PlugInFailure, ReportsWhatIsWrongWithTheFile) {
     const std::string halfSilent = NEB_TEST_MODULES "/HalfADescription.so";
     EXPECT_EQ(failureOf(halfSilent),
               "The plug-in \"" + halfSilent +
-                  "\" describes itself without a name, a version or a principal class.");
+                  "\" describes itself without a name, a version, a program or a principal class.");
     const std::string other = NEB_TEST_MODULES "/OtherContract.so";
     EXPECT_EQ(failureOf(other), "The plug-in \"" + other +
                                     "\" was built for version 7 of the host contract; this host "

@@ -96,12 +96,12 @@ class Installation(PackageTest):
             failures = list(pool.map(failure_of, headers))
         self.assertEqual([failure for failure in failures if failure], [])
 
-        umbrella = include / "NEBFoundation/NEBFoundation.h"
+        umbrella = include / "NEBFoundation/NEBPlugIn.h"
         run(COMPILER, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror",
             f"-I{include}", umbrella)
         everything = run(COMPILER, "-std=c++20", "-MM", f"-I{include}", umbrella)
         self.assertEqual({os.path.relpath(path, include) for path in re.findall(r"/\S+\.h", everything)},
-                         set(headers), "what NEBFoundation.h does not bring is of no use to a host")
+                         set(headers), "what NEBPlugIn.h does not bring is of no use to a host or a plug-in")
 
     def test_library_is_named_after_the_major_version(self):
         dynamic = run("readelf", "-dW", self.prefix / "lib/libNEBFoundation.so")
@@ -213,13 +213,13 @@ class Examples(PackageTest):
         complaint = run(*words, self.plain_folder, status=1, **variables)
         self.assertIn("The folder is not in a git repository.", complaint)
 
-    def build(self, example):
-        """Builds the example with CMake and find_package, and returns the path of the program."""
+    def build(self, example, result=None):
+        """Builds the example with CMake and find_package, and returns the path of the result."""
         folder = self.folder / example
         run("cmake", "-S", self.prefix / "share/doc/nebgit/examples" / example, "-B", folder,
             f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_CXX_COMPILER={shutil.which(COMPILER)}")
         run("cmake", "--build", folder)
-        return folder / example
+        return folder / (result or example)
 
     def test_host_built_with_cmake(self):
         host = self.build("log-host")
@@ -273,12 +273,27 @@ class Examples(PackageTest):
         # Where lines end and begin is the page's own affair.
         examples = ["".join(path.read_text().split()) for path in (SOURCE / "examples").rglob("*")
                     if path.is_file()]
-        guide = (SOURCE / "docs/hosts.md").read_text()
-        blocks = re.findall(r"^```(?:cpp|cmake)\n(.*?)^```$", guide, re.M | re.S)
-        self.assertGreater(len(blocks), 8)
-        for block in blocks:
-            code = "".join(block.split())
-            self.assertTrue(any(code in example for example in examples), f"no example holds\n{block}")
+        for guide in ["docs/hosts.md", "docs/plug-ins.md"]:
+            blocks = re.findall(r"^```(?:cpp|cmake)\n(.*?)^```$", (SOURCE / guide).read_text(), re.M | re.S)
+            self.assertGreater(len(blocks), 8)
+            for block in blocks:
+                code = "".join(block.split())
+                self.assertTrue(any(code in example for example in examples), f"no example holds\n{block}")
+
+    def test_plug_in_for_another_program(self):
+        plug_in = self.build("mercurial-plug-in", "mercurial.so")
+        repository = self.folder / "of-hg"
+        run("hg", "init", repository)
+        (repository / "hello.txt").write_text("hello\n")
+        nebsc = [self.prefix / "bin/nebsc", "--plugin", plug_in]
+        run(*nebsc, "add", "--all", folder=repository)
+        run(*nebsc, "commit", "-m", "Say hello", folder=repository, HGUSER="Ann Example <ann@example.org>")
+        self.assertEqual(run("hg", "log", "--template={desc} {author}", folder=repository),
+                         "Say hello Ann Example <ann@example.org>")
+        self.assertIn("  Ann Example  Say hello\n", run(*nebsc, "log", folder=repository))
+        exports = run("nm", "--dynamic", "--defined-only", "--format=posix", plug_in)
+        strong = {line.split()[0] for line in exports.splitlines() if line.split()[1] == "T"}
+        self.assertEqual(strong, {"NEBSourceControlDescribePlugIn"})
 
 
 if __name__ == "__main__":

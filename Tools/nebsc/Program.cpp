@@ -11,6 +11,7 @@
 #include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
 #include "Commands/InspectingCommands.h"
+#include "Commands/PlugInCommands.h"
 #include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
@@ -41,6 +42,16 @@ Colours coloursOf(const Arguments& arguments) {
     return choices.at(arguments.value(colourOption).value_or("auto"));
 }
 
+HostSession makeSession(const PlugInFile& plugIn,
+                        std::unique_ptr<const NEBSourceControlProtocol> controller,
+                        const Arguments& arguments) {
+    const auto& loaded = plugIn.load.plugIn;
+    return HostSession(std::move(controller), arguments.has(traceOption),
+                       arguments.has(inspectOption) ? NEBSourceControlTrust::inspect
+                                                    : NEBSourceControlTrust::trusted,
+                       loaded ? loaded->program() : std::string(gitProgramName));
+}
+
 /// Loads the plug-in and runs the command, or prints the versions.
 CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
     const Arguments& arguments = commandLine.arguments;
@@ -61,26 +72,26 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGatew
             return refusal("plug-in " + inQuotes(path) + " has no principal class", exitUsageError);
         }
     }
-    const bool isInspecting = arguments.has(inspectOption);
-    if (isInspecting && !isForVersions && !readsOnly(commandLine.commands)) {
+    if (arguments.has(inspectOption) && !isForVersions && !readsOnly(commandLine.commands)) {
         return notTrusted(commandLine.commands);
     }
-    const HostSession session(
-        std::move(controller), arguments.has(traceOption),
-        isInspecting ? NEBSourceControlTrust::inspect : NEBSourceControlTrust::trusted);
+    const HostSession session = makeSession(plugIn, std::move(controller), arguments);
     if (isForVersions) {
         return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON,
                                   timeLimitIn(arguments));
     }
-    const Command& command = *commandLine.command();
-    return command.run({.plugIn = plugIn,
-                        .session = session,
-                        .command = command,
-                        .arguments = arguments,
-                        .isJSON = isJSON,
-                        .colours = coloursOf(arguments),
-                        .timeLimit = timeLimitIn(arguments),
-                        .gateway = gateway});
+    if (const auto refused =
+            session.asksGit() ? std::nullopt : refusalOfPlugIn(*plugIn.load.plugIn, commandLine)) {
+        return *refused;
+    }
+    return commandLine.command()->run({.plugIn = plugIn,
+                                       .session = session,
+                                       .command = *commandLine.command(),
+                                       .arguments = arguments,
+                                       .isJSON = isJSON,
+                                       .colours = coloursOf(arguments),
+                                       .timeLimit = timeLimitIn(arguments),
+                                       .gateway = gateway});
 }
 
 CommandOutput run(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {

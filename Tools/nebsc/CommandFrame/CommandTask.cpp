@@ -24,7 +24,7 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Returns the exit status of the last git process of an outcome without an error; 0 if none ran.
+/// Returns the exit status of the last process of an outcome without an error; 0 if none ran.
 int lastExitStatus(const Outcome& outcome) {
     return outcome.commands.empty() ? 0 : outcome.commands.back().terminationStatus.value_or(0);
 }
@@ -97,11 +97,12 @@ CommandOutput CommandTask::runSteps() {
 /// What canRunBesideLocate() reports itself that there is no repository, so it needs no discovery.
 /// With --trace, git processes run one after the other, so that the lines are in order.
 std::optional<RequestResult> CommandTask::locateAndPerform() {
-    if (auto found = canRunBesideLocate() ? locateWithoutGit() : std::nullopt) {
+    const bool canRunBeside = asksGit() && canRunBesideLocate();
+    if (auto found = canRunBeside ? locateWithoutGit() : std::nullopt) {
         _git.setWorkingCopy(std::move(*found));
         return std::nullopt;
     }
-    const auto probable = canRunBesideLocate() && !_call.session.trace().isOn()
+    const auto probable = canRunBeside && !_call.session.trace().isOn()
                               ? probableWorkingCopy(currentFolder())
                               : std::nullopt;
     if (!probable) {
@@ -146,9 +147,15 @@ std::optional<CommandOutput> CommandTask::readPaths() {
     return std::nullopt;
 }
 
-WorkingCopyLocation CommandTask::locate() {
-    return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), currentFolder(),
-                           questions(), _git.trust());
+WorkingCopyLocation CommandTask::locateAround(const std::string& folder,
+                                              const RepositoryQuestions& asked) {
+    if (asksGit()) {
+        return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), folder, asked,
+                               _git.trust());
+    }
+    const RequestResult info =
+        performRequest(nebsc::newRequest({.location = folder}, NEBSourceControlRequestInfo));
+    return workingCopyInResult(info.outcome->result, currentFolder(), folder);
 }
 
 std::optional<WorkingCopyLocation> CommandTask::locateWithoutGit() const {
@@ -219,7 +226,7 @@ void CommandTask::adviseAbout(NEBSourceControlError& error, CommandOutput& outpu
 /// If a branch is broken, git may report that HEAD or its commit is unknown, or that there is no
 /// commit yet. An error that is handled is no failure.
 void CommandTask::explainBrokenHEAD(Outcome& outcome) const {
-    if (!outcome.error || isHandled(*outcome.error) ||
+    if (!asksGit() || !outcome.error || isHandled(*outcome.error) ||
         (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
          outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
          outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&

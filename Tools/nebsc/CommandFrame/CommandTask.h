@@ -63,8 +63,11 @@ protected:
 
     // ---- the steps, in order
 
-    /// Returns the working copy around the current folder unless a command overrides it.
-    [[nodiscard]] virtual WorkingCopyLocation locate();
+    /// Returns the working copy around the current folder unless a command overrides it; see
+    /// locateAround().
+    [[nodiscard]] virtual WorkingCopyLocation locate() {
+        return locateAround(currentFolder(), questions());
+    }
     /// Returns what locate() finds out besides the location, so that validate() need not ask.
     [[nodiscard]] virtual RepositoryQuestions questions() const { return {}; }
     /// Returns whether perform() may run at the same time as locate(), where the working copy
@@ -122,6 +125,13 @@ protected:
     [[nodiscard]] bool isJSON() const { return _call.isJSON; }
     /// Returns whether standard output is coloured.
     [[nodiscard]] bool isInColour() const { return _isInColour; }
+
+    /// Returns whether git may be asked what no request returns; see HostSession.
+    [[nodiscard]] bool asksGit() const { return _call.session.asksGit(); }
+    /// Returns the working copy that a folder lies in, with the answers to the questions. If git
+    /// may not be asked, asks the plug-in with a request for information (19), and no questions.
+    [[nodiscard]] WorkingCopyLocation locateAround(const std::string& folder,
+                                                   const RepositoryQuestions& asked = {});
 
     // ---- git; available from validate() on, except workingCopy().currentFolder
 
@@ -200,7 +210,8 @@ private:
     std::optional<ProgressIndicator> _progress;
     /// Present if records are printed as they arrive.
     std::optional<StreamedOutput> _streamedOutput;
-    GitQueries _git{_interruption, _call.session.trace(), _call.session.trust()};
+    GitQueries _git{_interruption, _call.session.trace(), _call.session.trust(),
+                    _call.session.asksGit()};
     /// Waits for locate() and returns whether the working copy is where perform() runs; empty
     /// unless perform() runs at the same time.
     std::function<bool()> _confirmsLocation;

@@ -54,6 +54,9 @@ std::string gitDirectoryOf(const WorkingCopyLocation& workingCopy) {
 // ---- any question -----------------------------------------------------------------------------
 
 ChildOutcome GitQueries::run(std::vector<std::string> arguments) const {
+    if (!_isAvailable) {
+        return {TerminationStatus::notStarted({}), {}, {}};
+    }
     arguments.insert(arguments.begin(), "--literal-pathspecs");
     return runGit(_interruption, _trace, std::move(arguments), _workingCopy.location, _trust);
 }
@@ -102,13 +105,14 @@ bool GitQueries::isWithoutCommits() const {
     if (_workingCopy.hasCommits) {
         return !*_workingCopy.hasCommits;
     }
-    return !headCommitInFiles(gitDirectoryOf(_workingCopy)) &&
+    return _isAvailable && !headCommitInFiles(gitDirectoryOf(_workingCopy)) &&
            run({"rev-parse", "--verify", "--quiet", "HEAD"}).status.exitStatus() == 1;
 }
 
 std::optional<std::string> GitQueries::headCommit() const {
     constexpr std::size_t length = 12;
-    const auto commit = headCommitInFiles(gitDirectoryOf(_workingCopy));
+    const auto commit =
+        _isAvailable ? headCommitInFiles(gitDirectoryOf(_workingCopy)) : std::nullopt;
     return commit ? commit->substr(0, length)
                   : outputOf({"rev-parse", "--verify", "--quiet", "--short=12", "HEAD"});
 }
@@ -125,9 +129,9 @@ bool GitQueries::isTracked(const std::string& path) const {
 
 /// git check-ignore does not accept --literal-pathspecs, and takes no argument for a pattern.
 bool GitQueries::isIgnored(const std::string& path) const {
-    return runGit(_interruption, _trace, {"check-ignore", "--quiet", "--", path},
-                  _workingCopy.location, _trust)
-        .status.isSuccess();
+    return _isAvailable && runGit(_interruption, _trace, {"check-ignore", "--quiet", "--", path},
+                                  _workingCopy.location, _trust)
+                               .status.isSuccess();
 }
 
 /// Reads the tree instead of the object, because a submodule's commit is not in the repository.

@@ -20,11 +20,15 @@ namespace neb::nebsc {
 /// What the discovery of the working copy found out about a revision is not asked again.
 class GitQueries {
 public:
-    /// Both must outlive the object.
+    /// Both must outlive the object. If the plug-in is not for git, `isAvailable` is false: then
+    /// git is never run, and each query returns what it returns if git fails.
     GitQueries(Interruption& interruption, const Trace& trace,
-               NEBSourceControlTrust trust = NEBSourceControlTrust::trusted)
-        : _interruption(interruption), _trace(trace), _trust(trust) {}
+               NEBSourceControlTrust trust = NEBSourceControlTrust::trusted,
+               bool isAvailable = true)
+        : _interruption(interruption), _trace(trace), _trust(trust), _isAvailable(isAvailable) {}
 
+    /// Whether git may be asked.
+    [[nodiscard]] bool isAvailable() const { return _isAvailable; }
     [[nodiscard]] Interruption& interruption() const { return _interruption; }
     [[nodiscard]] const Trace& trace() const { return _trace; }
     /// The trust in the repository.
@@ -82,6 +86,7 @@ private:
     Interruption& _interruption;
     const Trace& _trace;
     NEBSourceControlTrust _trust;
+    bool _isAvailable;
     WorkingCopyLocation _workingCopy{};
 };
 

@@ -166,6 +166,36 @@ void Reader::makeRangeUnambiguous() {
     }
 }
 
+/// Distinguishes revisions from files by what is on disk.
+RevisionArguments readWithoutGit(const WorkingCopyLocation& workingCopy,
+                                 const Arguments& arguments) {
+    RevisionArguments result;
+    const std::vector<std::string> all = revisionAndFileArguments(arguments);
+    const auto countAfterDashes = arguments.countAfterDashes();
+    const std::size_t files = std::min(countAfterDashes.value_or(0), all.size());
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const PathSearch search = findAbsolutePath(workingCopy.currentFolder, all[i]);
+        const bool isFound = !countAfterDashes && search.path && isAnythingAt(*search.path);
+        if (i + files >= all.size() || isFound || !result.files.empty()) {
+            if (!search.path) {
+                result.refused =
+                    refusal(search.failure, exitFailed, NEBSourceControlPathInvalidErrorClass);
+                return result;
+            }
+            result.files.push_back(*search.path);
+        } else if (all[i].find("..") != std::string::npos) {
+            result.refused = refusalWithAdvice(
+                inQuotes(all[i]) + " is a range of git, and the plug-in is not for git.",
+                "'nebsc diff A B' compares two revisions.",
+                NEBSourceControlRevisionUnknownErrorClass);
+            return result;
+        } else {
+            result.revisions.push_back(all[i]);
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
 void RevisionArguments::copyTo(NEBSourceControlRequest& request) const {
@@ -182,7 +212,8 @@ void RevisionArguments::copyTo(NEBSourceControlRequest& request) const {
 
 RevisionArguments readRevisionArguments(const GitQueries& git, const Arguments& arguments,
                                         RevisionArgumentLimits limits) {
-    RevisionArguments result = Reader(git).read(arguments);
+    RevisionArguments result = git.isAvailable() ? Reader(git).read(arguments)
+                                                 : readWithoutGit(git.workingCopy(), arguments);
     if (!result.refused && result.revisions.size() > limits.revisions) {
         throw tooMany("revision", limits.revisions);
     }

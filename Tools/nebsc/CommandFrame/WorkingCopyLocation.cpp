@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
@@ -84,6 +85,18 @@ std::optional<WorkingCopyLocation> probableWorkingCopy(const std::string& curren
         }
         folder = pathByDeletingLastComponent(folder);
     }
+}
+
+WorkingCopyLocation workingCopyInResult(const std::optional<NEBSourceControlResult>& result,
+                                        const std::string& currentFolder,
+                                        const std::string& folder) {
+    WorkingCopyLocation found{.location = folder, .currentFolder = currentFolder};
+    if (result && !result->empty()) {
+        found.location = result->front().text(NEBSourceControlOperationRepositoryRootKey);
+        found.isWorkingCopy = true;
+        found.isRepository = true;
+    }
+    return found;
 }
 
 std::string repositoryLocation(const std::string& currentFolder, const std::string& url) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "CommandFrame/RepositoryQuestions.h"
+#include "NEBFoundation/NEBSourceControlOperation.h"
 #include "NEBFoundation/NEBSourceControlTrust.h"
 #include "Platform/ChildProcess.h"
 #include "Session/Interruption.h"
@@ -46,6 +47,12 @@ struct WorkingCopyLocation {
 /// folder. Runs no git.
 [[nodiscard]] std::optional<WorkingCopyLocation> probableWorkingCopy(
     const std::string& currentFolder);
+
+/// Returns the working copy that the result of a request for information (19) about the folder
+/// names; if there is none, the folder, which is no working copy then.
+[[nodiscard]] WorkingCopyLocation workingCopyInResult(
+    const std::optional<NEBSourceControlResult>& result, const std::string& currentFolder,
+    const std::string& folder);
 
 /// Returns the absolute path of a repository in the file system, relative to the current folder;
 /// any other URL (or HOST:PATH) as it is.

@@ -1,15 +1,19 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "CommandFrame/BlameQuery.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RecordNames.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
+#include "Platform/Text.h"
 #include "Terminal/Colour.h"
 #include "Terminal/LocalTime.h"
 #include "Terminal/PrintableText.h"
@@ -103,12 +107,17 @@ protected:
 
 private:
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeAnnotationRequest() const;
+    [[nodiscard]] std::string contentOfFile();
+    [[nodiscard]] std::vector<BlameRow> rowsOf(const NEBSourceControlResult& records,
+                                               const BlameWidths& widths) const;
 
     std::string _file;
     std::optional<std::string> _revision;
     /// Absent: all lines.
     std::optional<LineRange> _range;
     std::shared_ptr<BlameQuery> _query;
+    /// Without a query: the bytes of the file.
+    std::string _content;
 };
 
 RepositoryQuestions BlameTask::questions() const {
@@ -138,7 +147,7 @@ std::optional<CommandOutput> BlameTask::validate() {
     if (all.size() > 1) {
         _revision = all.front();
     }
-    if (isJSON()) {
+    if (isJSON() || !asksGit()) {
         return std::nullopt;
     }
     return _revision ? refusalOfRevision(git(), *_revision) : refusalWithoutCommits(git());
@@ -173,6 +182,13 @@ RequestResult BlameTask::perform() {
     if (isJSON()) {
         return performRequest(_range ? makeAnnotationRequest() : makeRequest());
     }
+    if (!asksGit()) {
+        RequestResult result = performRequest(makeRequest());
+        if (result.outcome && !result.outcome->error) {
+            _content = contentOfFile();
+        }
+        return result;
+    }
     _query = std::make_shared<BlameQuery>(makeRequest(), _range);
     return performRequest(_query->request(), _query);
 }
@@ -190,14 +206,55 @@ std::string BlameTask::textFor(const NEBSourceControlError& error) const {
            std::string(count.substr(0, count.find('\n'))) + ".";
 }
 
-std::string BlameTask::textOfResult(const NEBSourceControlResult& /*records*/) {
+/// Returns the bytes of the file that is blamed; empty if they cannot be read.
+std::string BlameTask::contentOfFile() {
+    if (!_revision) {
+        std::ifstream file(_file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    auto request = newRequest(NEBSourceControlRequestContent, {pathFromTop(workingCopy(), _file)});
+    request->startingRevision = *_revision;
+    const RequestResult content = performRequest(request);
+    const auto& records = content.outcome->result;
+    return records && !records->empty()
+               ? std::string(
+                     bytesOfName(records->front(), {NEBSourceControlOperationContentKey,
+                                                    NEBSourceControlOperationContentBytesKey}))
+               : std::string();
+}
+
+/// The records of a blame request lack the text of the lines.
+std::vector<BlameRow> BlameTask::rowsOf(const NEBSourceControlResult& records,
+                                        const BlameWidths& widths) const {
+    std::vector<std::string> lines;
+    forEachLine(_content, [&lines](std::string_view line) { lines.emplace_back(line); });
+    std::vector<BlameRow> rows;
+    for (const NEBDictionary& record : records) {
+        const BlamedCommit commit{
+            .id = std::string(record.text(NEBSourceControlOperationRevisionKey)),
+            .author = std::string(record.text(NEBSourceControlOperationAuthorKey)),
+            .date = record.value(NEBSourceControlOperationDateKey).date().value_or(NEBDate())};
+        rows.push_back(
+            rowOf({.commit = &commit,
+                   .number = std::string(record.text(NEBSourceControlOperationLineNumberKey)),
+                   .content = rows.size() < lines.size() ? lines[rows.size()] : std::string()},
+                  widths));
+    }
+    return rows;
+}
+
+std::string BlameTask::textOfResult(const NEBSourceControlResult& records) {
     if (isJSON()) {
         return {};
     }
     const BlameWidths widths = widthsForTerminal();
     std::vector<BlameRow> rows;
-    for (const BlamedLine& line : _query->takeEntries()) {
-        rows.push_back(rowOf(line, widths));
+    if (_query) {
+        for (const BlamedLine& line : _query->takeEntries()) {
+            rows.push_back(rowOf(line, widths));
+        }
+    } else {
+        rows = rowsOf(records, widths);
     }
     const bool isColoured = isInColour();
     const std::size_t authorColumns = widest(rows, &BlameRow::author);

@@ -30,7 +30,7 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newExchangeRequest(workingCopy(), NEBSourceControlRequestListBranches, Peer::remote);
     }
-    RequestResult perform() override { return performStreamed(makeRequest()); }
+    RequestResult perform() override;
     std::string textOfResult(const NEBSourceControlResult& records) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
 
@@ -39,6 +39,19 @@ private:
     std::optional<std::string> _current;
     bool _isCurrentListed = false;
 };
+
+/// A plug-in that is not for git returns the current branch even if it has no commit.
+RequestResult ListTask::perform() {
+    if (!asksGit()) {
+        const RequestResult current =
+            performRequest(newRequest(NEBSourceControlRequestCurrentBranch));
+        const auto& records = current.outcome->result;
+        _current = records && !records->empty()
+                       ? std::string(records->front().text(NEBSourceControlOperationNameKey))
+                       : std::string();
+    }
+    return performStreamed(makeRequest());
+}
 
 /// The request does not report which branch is the current one.
 std::string ListTask::textOfResult(const NEBSourceControlResult& records) {
@@ -62,7 +75,10 @@ std::string ListTask::textOfResult(const NEBSourceControlResult& records) {
 }
 
 void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    if (!_isCurrentListed) {
+    if (!asksGit()) {
+        const bool isListed = _isCurrentListed || _current.value_or("").empty();
+        output.standardOutput += isListed ? "" : "* " + printable(*_current) + "\n";
+    } else if (!_isCurrentListed) {
         output.standardOutput += printable(describeHEAD(git())) + "\n";
     }
 }
@@ -98,6 +114,11 @@ void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     std::string name = hasRecord ? branchNameOf(outcome.result->front()) : "";
     if (const auto branch = name.empty() ? currentBranch(git()) : std::nullopt) {
         name = printable(*branch);
+    }
+    if (name.empty() && !asksGit()) {
+        addFailure(output, refusal("There is no current branch.", exitFailed,
+                                   NEBSourceControlNoCurrentBranchErrorClass));
+        return;
     }
     if (const auto broken = name.empty() ? brokenReference(git(), "HEAD") : std::nullopt) {
         addFailure(output, failureWith(*broken));

@@ -60,7 +60,8 @@ constexpr CommitFlag newerFlags[] = {
 };
 
 bool CommitTask::isEdited() const {
-    return !arguments().has("--message") && !arguments().has("--no-edit") && !isJSON() && canEdit();
+    return asksGit() && !arguments().has("--message") && !arguments().has("--no-edit") &&
+           !isJSON() && canEdit();
 }
 
 CommitToDescribe CommitTask::commitToDescribe() const {

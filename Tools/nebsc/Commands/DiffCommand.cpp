@@ -8,6 +8,8 @@
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/DiffQueries.h"
+#include "CommandFrame/FileLines.h"
+#include "CommandFrame/RecordNames.h"
 #include "CommandFrame/RevisionArguments.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -61,6 +63,7 @@ private:
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeChangesRequest() const;
     [[nodiscard]] std::string lineOf(const NameStatusEntry& entry) const;
     [[nodiscard]] std::string lineOf(const LineCountEntry& entry);
+    [[nodiscard]] std::string patchIn(const NEBSourceControlResult& records);
     [[nodiscard]] std::string countColumn(char sign, std::optional<std::uint64_t> count,
                                           Colour colour) const;
 
@@ -89,7 +92,7 @@ std::optional<CommandOutput> DiffTask::validate() {
     if (arguments().has("--stat") && arguments().has("--name-status")) {
         throw invalidArguments("option '--stat' cannot be combined with '--name-status'");
     }
-    if (_named.revisions.empty() && !arguments().has("--staged")) {
+    if (asksGit() && _named.revisions.empty() && !arguments().has("--staged")) {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
             _named.revisions.push_back(head);
         }
@@ -153,6 +156,9 @@ RequestResult DiffTask::perform() {
         const bool isExtended = arguments().has("--staged") || arguments().has("--stat");
         return performRequest(isExtended ? makeChangesRequest() : makeRequest());
     }
+    if (!asksGit()) {
+        return performStreamed(makeRequest());
+    }
     const DiffSides sides{.dots = isFromCommonAncestor() ? "..." : "..",
                           .isStaged = arguments().has("--staged")};
     if (arguments().has("--stat")) {
@@ -172,6 +178,15 @@ std::string DiffTask::lineOf(const NameStatusEntry& entry) const {
            (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
 }
 
+std::string DiffTask::patchIn(const NEBSourceControlResult& records) {
+    std::string patch;
+    for (const NEBDictionary& record : records) {
+        patch += bytesOfName(record, {NEBSourceControlOperationContentKey,
+                                      NEBSourceControlOperationContentBytesKey});
+    }
+    return _patchText.textOf(std::move(patch));
+}
+
 std::string DiffTask::countColumn(char sign, std::optional<std::uint64_t> count,
                                   Colour colour) const {
     constexpr std::size_t columns = 7;
@@ -188,7 +203,12 @@ std::string DiffTask::lineOf(const LineCountEntry& entry) {
            "  " + (entry.oldPath ? shown(*entry.oldPath) + " -> " : "") + shown(entry.path) + "\n";
 }
 
-std::string DiffTask::textOfResult(const NEBSourceControlResult& /*records*/) {
+/// The records are those of a plug-in that is not for git; the queries have none.
+std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
+    if (!asksGit() && !isJSON()) {
+        return arguments().has("--name-status") ? linesOfFiles(records, workingCopy(), isInColour())
+                                                : patchIn(records);
+    }
     std::string lines = _patch ? _patchText.textOf(_patch->takeLines()) : "";
     if (_names) {
         for (const NameStatusEntry& entry : _names->takeEntries()) {
@@ -206,7 +226,7 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& /*records*/) {
 /// git ignores an unknown file silently. Output about a single file shows that git knows it.
 void DiffTask::noteFilesNotCompared(const Outcome& outcome, CommandOutput& output) {
     const bool hasCompared = _named.files.size() == 1 && outcome.recordCount.value_or(0) > 0;
-    if (isJSON() || _named.revisions.size() > 1 || hasCompared) {
+    if (isJSON() || !asksGit() || _named.revisions.size() > 1 || hasCompared) {
         return;
     }
     const std::string revision = _named.revisions.empty() ? "HEAD" : _named.revisions.front();

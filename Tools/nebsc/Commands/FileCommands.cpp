@@ -1,9 +1,12 @@
 // The commands "add", "rm" and "revert".
 
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/RecordNames.h"
 #include "Commands/Commands.h"
 #include "Commands/PickCommands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlKeys.h"
+#include "NEBFoundation/NEBSourceControlStatus.h"
 #include "Session/GitProgram.h"
 
 namespace neb::nebsc {
@@ -52,12 +55,34 @@ protected:
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newRequest(NEBSourceControlRequestRemove, paths(files));
     }
+
+private:
+    /// Stores the paths of the files with uncommitted changes. Returns the output of a failure.
+    [[nodiscard]] std::optional<CommandOutput> findChanged(std::vector<std::string>& changed);
+    /// The same with requests alone.
+    [[nodiscard]] std::optional<CommandOutput> findChangedByRequest(
+        std::vector<std::string>& changed);
 };
 
 std::optional<CommandOutput> RemoveTask::validate() {
     if (arguments().has("--force")) {
         return std::nullopt;
     }
+    std::vector<std::string> changed;
+    if (auto failed = asksGit() ? findChanged(changed) : findChangedByRequest(changed)) {
+        return failed;
+    }
+    if (changed.empty()) {
+        return std::nullopt;
+    }
+    CommandOutput refused = refusalAboutFiles(
+        workingCopy(), "Nothing was deleted, because uncommitted changes would be lost:", changed,
+        NEBSourceControlLocalChangesErrorClass);
+    addAdvice(refused, "'nebsc rm --force' deletes the files anyway.");
+    return refused;
+}
+
+std::optional<CommandOutput> RemoveTask::findChanged(std::vector<std::string>& changed) {
     std::vector<std::string> query{"status",
                                    "--porcelain",
                                    "-z",
@@ -70,7 +95,6 @@ std::optional<CommandOutput> RemoveTask::validate() {
     if (!status.status.isSuccess()) {
         return failureOfQuery(git(), status, paths(files));
     }
-    std::vector<std::string> changed;
     for (const std::string& line : splitAtNUL(status.output)) {
         constexpr std::size_t stateLength = 3;
         // A file that is only deleted has nothing left to lose.
@@ -78,14 +102,29 @@ std::optional<CommandOutput> RemoveTask::validate() {
             changed.push_back(line.substr(stateLength));
         }
     }
-    if (changed.empty()) {
-        return std::nullopt;
+    return std::nullopt;
+}
+
+std::optional<CommandOutput> RemoveTask::findChangedByRequest(std::vector<std::string>& changed) {
+    for (const std::string& file : paths(files)) {
+        auto request = newRequest(NEBSourceControlRequestStatus);
+        request->destination = file;
+        RequestResult status = performRequest(request);
+        rejectRefusedValue(status);
+        CommandOutput failed;
+        if (addFailureOf(*status.outcome, SilentFailure::isError, failed)) {
+            return failed;
+        }
+        for (const NEBDictionary& record :
+             status.outcome->result.value_or(NEBSourceControlResult())) {
+            const auto state = record.value(NEBSourceControlOperationWCStatusKey).integer();
+            if (state != NEBSourceControlStatusDeleted &&
+                state != NEBSourceControlStatusUntracked) {
+                changed.emplace_back(bytesOfName(record, pathKeys));
+            }
+        }
     }
-    CommandOutput refused = refusalAboutFiles(
-        workingCopy(), "Nothing was deleted, because uncommitted changes would be lost:", changed,
-        NEBSourceControlLocalChangesErrorClass);
-    addAdvice(refused, "'nebsc rm --force' deletes the files anyway.");
-    return refused;
+    return std::nullopt;
 }
 
 constexpr Parameter removeParameters[] = {

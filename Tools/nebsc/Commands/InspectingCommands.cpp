@@ -53,7 +53,9 @@ constexpr std::string_view readingCommands[] = {
     "manual",
 };
 
-std::string nameOf(const std::vector<const Command*>& commands) {
+}  // namespace
+
+std::string nameOfCommand(const std::vector<const Command*>& commands) {
     std::string name;
     for (const Command* command : commands) {
         name.append(name.empty() ? "" : " ").append(command->name);
@@ -61,14 +63,12 @@ std::string nameOf(const std::vector<const Command*>& commands) {
     return name;
 }
 
-}  // namespace
-
 bool readsOnly(const std::vector<const Command*>& commands) {
-    return std::ranges::find(readingCommands, nameOf(commands)) != std::end(readingCommands);
+    return std::ranges::find(readingCommands, nameOfCommand(commands)) != std::end(readingCommands);
 }
 
 CommandOutput notTrusted(const std::vector<const Command*>& commands) {
-    return refusal(inQuotes(nameOf(commands)) +
+    return refusal(inQuotes(nameOfCommand(commands)) +
                        " may change the repository or run its programs; it does not work with "
                        "'--inspect'",
                    exitFailed, NEBSourceControlNotTrustedErrorClass);

@@ -116,6 +116,10 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
     if (!_named.revisions.empty()) {
         throw invalidArguments("option '--branch' cannot be combined with a revision");
     }
+    if (!asksGit()) {
+        _branch = *branch;
+        return std::nullopt;
+    }
     // A tag may have the same name.
     const std::string local = std::string(localBranchPrefix) + *branch;
     if (git().isCommit(local)) {
@@ -170,7 +174,8 @@ bool LogTask::needsHistory() const {
         return arguments().has(row.parameter);
     };
     return isGraph() || arguments().has("--decorate") || std::ranges::any_of(flags, isGiven) ||
-           std::ranges::any_of(texts, isGiven) || (!isJSON() && ::isatty(STDOUT_FILENO) == 1);
+           std::ranges::any_of(texts, isGiven) ||
+           (!isJSON() && asksGit() && ::isatty(STDOUT_FILENO) == 1);
 }
 
 std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {

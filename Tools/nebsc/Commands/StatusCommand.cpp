@@ -3,6 +3,7 @@
 
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/CommandTask.h"
+#include "CommandFrame/FileLines.h"
 #include "CommandFrame/StateText.h"
 #include "CommandFrame/StatusQuery.h"
 #include "CommandFrame/UnfinishedWork.h"
@@ -49,7 +50,7 @@ protected:
 private:
     /// Returns whether to show the whole state of the working copy, not only a line per path.
     [[nodiscard]] bool isState() const {
-        return isJSON() ? arguments().has("--ignored") : !arguments().has("--short");
+        return asksGit() && (isJSON() ? arguments().has("--ignored") : !arguments().has("--short"));
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStatusRequest() const;
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStateRequest() const;
@@ -77,10 +78,7 @@ WorkingCopyLocation StatusTask::locate() {
         return CommandTask::locate();
     }
     fs::path path = paths("PATH").front();
-    const auto around = [this](const fs::path& folder) {
-        return findWorkingCopy(git().interruption(), git().trace(), currentFolder(),
-                               folder.string(), {}, git().trust());
-    };
+    const auto around = [this](const fs::path& folder) { return locateAround(folder.string()); };
     WorkingCopyLocation found = around(nearestFolder(path));
     std::error_code ignored;
     if (!found.isWorkingCopy && fs::is_symlink(fs::symlink_status(path, ignored)) &&
@@ -138,6 +136,9 @@ RequestResult StatusTask::perform() {
     if (isJSON() && !isAll) {
         return performRequest(makeRequest());
     }
+    if (!asksGit()) {
+        return performStreamed(makeRequest());
+    }
     _query = std::make_shared<StatusQuery>(makeRequest(), isAll);
     return performStreamed(*_query);
 }
@@ -193,6 +194,9 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
         return {};
     }
     std::string lines;
+    if (!asksGit() && !isJSON()) {
+        lines = linesOfFiles(records, workingCopy(), isInColour());
+    }
     if (_query && !brokenBranch()) {
         for (const StatusEntry& entry : _query->takeEntries()) {
             lines += lineOf(entry);

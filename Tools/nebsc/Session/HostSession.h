@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "NEBFoundation/NEBSourceControlArgumentInjection.h"
 #include "NEBFoundation/NEBSourceControlProtocol.h"
@@ -18,6 +19,9 @@
 #include "Session/Trace.h"
 
 namespace neb::nebsc {
+
+/// The program of a plug-in for git.
+inline constexpr std::string_view gitProgramName = "git";
 
 /// The result of a request: exactly one of the two members is present.
 struct RequestResult {
@@ -36,11 +40,16 @@ public:
     /// Takes the plug-in's principal class; null for a session that performs no requests. If the
     /// session is traced, the child processes of all operations are reported on standard error.
     /// With NEBSourceControlTrust::inspect, all requests only inspect their repositories, whatever
-    /// they say; otherwise each request decides.
+    /// they say; otherwise each request decides. `program` is that of the plug-in, see
+    /// NEBSourceControlPlugInDescription.
     explicit HostSession(std::unique_ptr<const NEBSourceControlProtocol> controller,
                          bool isTraced = false,
-                         NEBSourceControlTrust trust = NEBSourceControlTrust::trusted)
-        : _controller(std::move(controller)), _trace(isTraced), _trust(trust) {}
+                         NEBSourceControlTrust trust = NEBSourceControlTrust::trusted,
+                         std::string_view program = gitProgramName)
+        : _controller(std::move(controller)),
+          _trace(isTraced),
+          _trust(trust),
+          _asksGit(program == gitProgramName) {}
 
     /// Performs the request. If `run` is empty, the operation is created but not run. A type for
     /// which the plug-in has no operation is an error of the class "request-invalid". An exception
@@ -66,6 +75,9 @@ public:
     /// With NEBSourceControlTrust::inspect, all requests only inspect their repositories.
     [[nodiscard]] NEBSourceControlTrust trust() const { return _trust; }
     [[nodiscard]] bool isInspecting() const { return _trust == NEBSourceControlTrust::inspect; }
+    /// Returns whether the plug-in is for git. Only then may anything be asked that no request
+    /// returns: git itself. It would answer about another repository that contains the folder.
+    [[nodiscard]] bool asksGit() const { return _asksGit; }
     /// Returns the trace, for child processes that do not belong to an operation.
     [[nodiscard]] const Trace& trace() const { return _trace; }
 
@@ -79,6 +91,7 @@ private:
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
     Trace _trace;
     NEBSourceControlTrust _trust;
+    bool _asksGit;
 };
 
 }  // namespace neb::nebsc

@@ -81,6 +81,11 @@ void WatchRequests::watch(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams, params.refusal);
         return;
     }
+    if (!_session.asksGit()) {
+        refuse(message, RPCErrorCode::invalidRequest,
+               "Only repositories of git can be watched, and the plug-in is not for git.");
+        return;
+    }
     if (_jobs.refuseKnown(*message.id)) {
         return;
     }

@@ -100,7 +100,9 @@ TEST(DocumentationIndex, ListsEveryPage) {
 
 std::string testNameOf(const testing::TestParamInfo<fs::path>& info) {
     std::string name = info.param.parent_path().filename() == "docs" ? "docs_" : "";
-    return name + info.param.stem().string();
+    name += info.param.stem().string();
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Documentation, testing::ValuesIn(pages()), testNameOf);

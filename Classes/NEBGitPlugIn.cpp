@@ -17,6 +17,7 @@ const double NEBGitVersionNumber = NEBGIT_VERSION_NUMBER;
 const neb::NEBSourceControlPlugInDescription* NEBSourceControlDescribePlugIn() {
     static constexpr neb::NEBSourceControlPlugInDescription description{
         .contractVersion = neb::NEBSourceControlContractVersion,
+        .stamp = &neb::NEBSourceControlABIStamp,
         .name = "NEBGit",
         .version = NEBGIT_VERSION,
         .program = "git",

@@ -89,6 +89,7 @@ def package_jobs(build):
     if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
         return
     compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.MULTILINE).group(1)
+    yield Job("Interface", [Path(sys.executable), SOURCE / "Package/interface_test.py"], {}, False)
     for case in ["Installation", "Examples", "SourceArchive"]:
         yield Job(f"Package {case}", [Path(sys.executable), SOURCE / "Package/package_test.py", build, case],
                   {"CXX": compiler}, False)

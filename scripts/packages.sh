@@ -65,7 +65,7 @@ build() {
 build_packages=(g++ cmake ninja-build git nlohmann-json3-dev libcpp-httplib-dev pkg-config)
 package_packages=(debhelper dh-elpa devscripts dpkg-dev fakeroot file lintian)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion mercurial locales openssl
-    openssh-client openssh-server neovim chromium python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
+    openssh-client openssh-server libc++-dev libc++abi-dev neovim chromium python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
 lint_packages=(clang-format clang-tidy cppcheck codespell universal-ctags)
 benchmark_packages=(libbenchmark-dev libcli11-dev libgit2-dev pkg-config gnuplot-nox)

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "NEBFoundation/NEBSourceControlABIMismatch.h"
 #include "NEBFoundation/NEBSourceControlGuardedPrincipalClass.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
 #include "Platform/ErrnoText.h"
@@ -17,10 +18,18 @@ NEBSourceControlPlugInLoad failed(std::string failure) {
     return {std::nullopt, std::move(failure)};
 }
 
-std::string contractFailure(const std::string& path, std::uint32_t version) {
-    return "The plug-in \"" + path + "\" was built for version " + std::to_string(version) +
-           " of the host contract; this host has version " +
-           std::to_string(NEBSourceControlContractVersion) + ".";
+/// Returns why the stamp in the file forbids to load it; empty if it does not, and for a file that
+/// cannot be loaded anyway.
+std::string stampFailure(const std::string& path) {
+    const NEBSourceControlFileStamp found = NEBSourceControlStampOfFile(path);
+    if (!found.isLibrary) {
+        return {};
+    }
+    return found.stamp.empty()
+               ? "The file \"" + path +
+                     "\" is not a source-control plug-in, or was built for version 6 of the host "
+                     "contract or an older one: it has no stamp of its binary interface."
+               : NEBSourceControlABIMismatch("The plug-in \"" + path + "\"", found.stamp);
 }
 
 struct Described {
@@ -42,7 +51,8 @@ Described describe(const std::string& path, void* function) {
 
 }  // namespace
 
-NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path) {
+NEBSourceControlPlugInLoad NEBSourceControlPlugIn::loadFile(const char* file) {
+    const std::string path = file;
     struct stat information {};
     if (::stat(path.c_str(), &information) != 0) {
         return failed("The plug-in \"" + path + "\" could not be read: " + textOfErrno(errno) +
@@ -50,6 +60,9 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
     }
     if (!S_ISREG(information.st_mode)) {
         return failed("The plug-in \"" + path + "\" is not a file.");
+    }
+    if (std::string failure = stampFailure(path); !failure.empty()) {
+        return failed(std::move(failure));
     }
     // The loader does not search for a path with a "/".
     const std::string exactPath = path.find('/') == std::string::npos ? "./" + path : path;
@@ -66,9 +79,6 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path)
     const auto [description, failure] = describe(path, symbol);
     if (description == nullptr) {
         return failed(failure);
-    }
-    if (description->contractVersion != NEBSourceControlContractVersion) {
-        return failed(contractFailure(path, description->contractVersion));
     }
     if (description->name == nullptr || description->version == nullptr ||
         description->program == nullptr || description->makePrincipalClass == nullptr) {

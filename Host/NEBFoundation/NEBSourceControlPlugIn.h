@@ -12,19 +12,18 @@
 #include <optional>
 #include <string>
 
+#include "NEBFoundation/NEBSourceControlABIStamp.h"
 #include "NEBFoundation/NEBSourceControlProtocol.h"
 #include "Platform/Export.h"
 
 namespace neb {
 
-/// The version of the host contract. It increases when plug-ins that were built against an older
-/// host library cannot be used any more.
-inline constexpr std::uint32_t NEBSourceControlContractVersion = 6;
-
 /// The description of a plug-in. The contract version always comes first: a host reads nothing else
-/// unless it equals its own.
+/// unless it equals its own. Before that, it reads the stamp from the file of the plug-in.
 struct NEBSourceControlPlugInDescription {
     std::uint32_t contractVersion;
+    /// &NEBSourceControlABIStamp. Without it, the file of the plug-in has no stamp and is refused.
+    const NEBSourceControlABINote* stamp;
     /// The name and version of the plug-in, for people. Both texts live until the process ends.
     const char* name;
     const char* version;
@@ -47,8 +46,11 @@ struct NEBSourceControlPlugInLoad;
 /// object. Thread-safe.
 class NEB_EXPORT NEBSourceControlPlugIn {
 public:
-    /// Loads the file at `path` and checks its description. Throws nothing.
-    [[nodiscard]] static NEBSourceControlPlugInLoad load(const std::string& path);
+    /// Loads the file at `path`. First compares the stamp of the calling program with that of the
+    /// host library, then the stamp in the file, and refuses what does not fit before any code of
+    /// the plug-in runs. Then checks the description of the plug-in. Throws nothing.
+    [[nodiscard, gnu::visibility("hidden")]] static NEBSourceControlPlugInLoad load(
+        const std::string& path);
 
     /// As the plug-in describes itself.
     [[nodiscard]] std::string name() const { return _description->name; }
@@ -60,6 +62,10 @@ public:
     [[nodiscard]] std::unique_ptr<NEBSourceControlProtocol> makePrincipalClass() const;
 
 private:
+    /// load() for a program that fits. The name of this function contains no type of the standard
+    /// library, so that programs which do not fit can be linked and get as far as the comparison.
+    [[nodiscard]] static NEBSourceControlPlugInLoad loadFile(const char* path);
+
     explicit NEBSourceControlPlugIn(const NEBSourceControlPlugInDescription* description)
         : _description(description) {}
 
@@ -73,5 +79,12 @@ struct NEBSourceControlPlugInLoad {
     /// Empty on success.
     std::string failure;
 };
+
+inline NEBSourceControlPlugInLoad NEBSourceControlPlugIn::load(const std::string& path) {
+    if (const char* mismatch = NEBSourceControlHostMismatch()) {
+        return {std::nullopt, mismatch};
+    }
+    return loadFile(path.c_str());
+}
 
 }  // namespace neb

@@ -146,7 +146,7 @@ test("describes itself", limit, async () => {
     assert.equal(identity.serverInfo.name, "nebsc");
     assert.equal(version.split("\n")[0], `nebsc ${identity.serverInfo.version}`);
     const contract = fs.readFileSync(
-        path.join(__dirname, "../../Host/NEBFoundation/NEBSourceControlPlugIn.h"), "utf8");
+        path.join(__dirname, "../../Host/NEBFoundation/NEBSourceControlABIStamp.h"), "utf8");
     assert.match(contract, new RegExp(`ContractVersion = ${identity.contractVersion};`));
     assert.equal(identity.gitVersion, git(home, "--version").trim());
     const types = JSON.parse(execFileSync(nebsc, ["types", "--json"], { encoding: "utf8" }));

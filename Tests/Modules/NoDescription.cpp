@@ -6,3 +6,8 @@ extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
 NEBSourceControlDescribePlugIn() {
     return nullptr;
 }
+
+/// Keeps the stamp in the file.
+extern "C" NEB_EXPORT const void* stamp() {
+    return &neb::NEBSourceControlABIStamp;
+}

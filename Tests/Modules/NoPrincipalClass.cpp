@@ -6,6 +6,7 @@ extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
 NEBSourceControlDescribePlugIn() {
     static constexpr neb::NEBSourceControlPlugInDescription description{
         .contractVersion = neb::NEBSourceControlContractVersion,
+        .stamp = &neb::NEBSourceControlABIStamp,
         .name = "NoPrincipalClass",
         .version = "1",
         .program = "git",

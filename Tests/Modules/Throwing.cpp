@@ -81,6 +81,7 @@ NEBSourceControlDescribePlugIn() {
     throwFrom("describe");
     static constexpr neb::NEBSourceControlPlugInDescription description{
         .contractVersion = neb::NEBSourceControlContractVersion,
+        .stamp = &neb::NEBSourceControlABIStamp,
         .name = "Throwing",
         .version = "1",
         .program = "git",

@@ -8,6 +8,7 @@ extern "C" NEB_EXPORT const neb::NEBSourceControlPlugInDescription*
 NEBSourceControlDescribePlugIn() {
     static constexpr neb::NEBSourceControlPlugInDescription description{
         .contractVersion = neb::NEBSourceControlContractVersion,
+        .stamp = &neb::NEBSourceControlABIStamp,
         .name = "Mercurial",
         .version = "1.0",
         .program = "hg",

@@ -13,6 +13,7 @@
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
+#include "NEBFoundation/NEBSourceControlErrorTexts.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlManager.h"

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "GitOperations/GitOperation.h"
+#include "NEBFoundation/NEBSourceControlErrorTexts.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Support/Matchers.h"
 
@@ -74,6 +75,27 @@ TEST_P(ErrorTable, TranslatesTheText) {
                                 (row.suggestion != nullptr ? 1U : 0U) +
                                 (row.credentialsMark ? 1U : 0U);
     EXPECT_EQ(error->userInfo.size(), entries) << "nothing else in the user info";
+}
+
+/// Every sentence in its own language, so that a text which has no key is not found.
+NEBSourceControlErrorTexts englishTexts() {
+    std::string table;
+    for (const NEBSourceControlErrorSentence& sentence : NEBSourceControlErrorSentences()) {
+        table += sentence.key + " = " + sentence.english + "\n";
+    }
+    return NEBSourceControlErrorTexts::fromText(table);
+}
+
+TEST_P(ErrorTable, HasSentencesWithKeys) {
+    auto request = requestFor(GetParam().type, "/w");
+    request->destination = "there";
+    const auto error = gitErrorTableLookUp(GetParam().message, *request).error;
+    const bool isOwnSentence =
+        GetParam().description != theMessage && GetParam().description != noUserInfo;
+    if (error && isOwnSentence) {
+        EXPECT_EQ(englishTexts().description(*error), error->localizedDescription());
+        EXPECT_EQ(englishTexts().suggestion(*error), error->localizedRecoverySuggestion());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -101,8 +101,9 @@ protected:
         fs::create_directories(folder.path("bin"));
         fs::create_directories(folder.path("lib/nebgit"));
         fs::copy(NEB_BUILD_FOLDER "/bin/nebsc", folder.path("bin/nebsc"));
+        const std::string version = NEB_PROJECT_VERSION;
         const std::string library =
-            "lib/libNEBFoundation.so." + std::to_string(NEBSourceControlContractVersion);
+            "lib/libNEBFoundation.so." + version.substr(0, version.find('.'));
         fs::copy(NEB_BUILD_FOLDER "/" + library, folder.path(library));
     }
     [[nodiscard]] NebscOutcome types() const {

@@ -53,7 +53,7 @@ std::optional<Values> valuesIn(std::string_view text, std::string_view sentence)
 
 /// A placeholder in a translation: "%@", or "%1$@" with a digit.
 struct Reference {
-    std::size_t length = 0;  // 0: there is none
+    std::size_t length = 0;  // 0: no placeholder
     std::optional<std::size_t> index;
 };
 

@@ -1,7 +1,7 @@
 // NEBSourceControlErrorTexts.h - the sentences of errors, and their translation.
 //
 //     const auto german = NEBSourceControlErrorTexts::fromText(contentOf("de.txt"));
-//     show(german.description(error).value_or("Der Vorgang ist gescheitert."));
+//     show(german.description(error).value_or("Unbekannter Fehler"));
 //
 // An error has English texts. A host in another language reads a table of its own, one line for
 // each sentence, and passes errors to it:
@@ -49,8 +49,8 @@ public:
     [[nodiscard]] static NEBSourceControlErrorTexts fromText(std::string_view table);
 
     /// Returns the description of the error in the language of the table. If the error's own
-    /// sentence has no key or no text, returns the sentence of its class. Absent if there is none
-    /// either: show localizedDescription() then, which can be the output of git.
+    /// sentence has no key or no text, returns the sentence of its class. Absent without that,
+    /// too: show localizedDescription() then, which can be the output of git.
     [[nodiscard]] std::optional<std::string> description(const NEBSourceControlError& error) const;
     /// The same for the recovery suggestion. Absent for an error without a suggestion, and for one
     /// whose suggestion is a hint of git.

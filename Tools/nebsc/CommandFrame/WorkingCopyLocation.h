@@ -49,7 +49,7 @@ struct WorkingCopyLocation {
     const std::string& currentFolder);
 
 /// Returns the working copy that the result of a request for information (19) about the folder
-/// names; if there is none, the folder, which is no working copy then.
+/// names; without one, the folder, which is no working copy then.
 [[nodiscard]] WorkingCopyLocation workingCopyInResult(
     const std::optional<NEBSourceControlResult>& result, const std::string& currentFolder,
     const std::string& folder);

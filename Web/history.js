@@ -11,8 +11,9 @@ const MAX_BYTES = 160 << 20;
 const INVALID_CURSOR = -32602;
 
 /**
- * A list of commits. Events: "rows" when there are more, "end" when all were read or an error stopped it, "changed" when
- * the repository no longer has the commits that were read before a new connection.
+ * A list of commits. Events: "rows" when there are more, "unpacked" when rows that were null are there, "end" when all were
+ * read or an error stopped it, "changed" when the repository no longer has the commits that were read before a new
+ * connection.
  */
 export class History extends EventTarget {
     /** The number of rows that were read. */
@@ -65,20 +66,13 @@ export class History extends EventTarget {
         this.#wanted = index + READ_AHEAD;
     }
 
-    /** Returns the row at the index, with its lanes; null if it was not read yet. */
+    /** Returns the row at the index, with its lanes; null if it was not read yet, or until it is unpacked. */
     row(index) {
         if (index < 0 || index >= this.count) return null;
         const page = Math.floor(index / PACKED_ROWS);
         if (page >= this.#pages.length) return this.#tail[index - this.#pages.length * PACKED_ROWS];
-        return this.#unpack(page)[index % PACKED_ROWS];
-    }
-
-    /** Returns the index of the commit among the first rows; -1 if it is not there. */
-    find(id, limit = 5000) {
-        for (let index = 0; index < Math.min(limit, this.count); index++) {
-            if (this.row(index).id === id) return index;
-        }
-        return -1;
+        this.#keepUnpacked(page);
+        return this.#unpacked.get(page)?.[index % PACKED_ROWS] ?? null;
     }
 
     #wake = null;
@@ -170,24 +164,45 @@ export class History extends EventTarget {
         this.dispatchEvent(new Event("rows"));
     }
 
+    /** Packs the first rows of the tail; until they are packed, they stay as they are. */
     #packTail() {
         const rows = this.#tail.splice(0, PACKED_ROWS);
-        const page = { ...this.#packer.pack(rows), lanes: this.#lanes };
-        this.#pages.push(page);
-        this.#bytes += page.bytes;
+        const page = { lanes: this.#lanes };
+        this.#unpacked.set(this.#pages.push(page) - 1, rows);
+        page.packed = this.#packer.pack(rows).then((packed) => {
+            this.#bytes += packed.bytes;
+            return packed;
+        });
         if (this.#withLanes) this.#lanes = placeRows(rows, this.#lanes);
+        this.#forgetOldest();
     }
 
-    #unpack(page) {
-        let rows = this.#unpacked.get(page);
+    /** Unpacks the page, and its neighbours, to which the reader may scroll next. */
+    #keepUnpacked(page) {
+        const rows = this.#unpacked.get(page);
         if (rows) {
             this.#unpacked.delete(page);
-        } else {
-            rows = this.#packer.unpack(this.#pages[page]);
-            if (this.#withLanes) placeRows(rows, this.#pages[page].lanes);
-            if (this.#unpacked.size >= UNPACKED_PAGES) this.#unpacked.delete(this.#unpacked.keys().next().value);
+            this.#unpacked.set(page, rows);
         }
-        this.#unpacked.set(page, rows);
-        return rows;
+        for (const near of [page, page - 1, page + 1]) {
+            if (this.#pages[near] && !this.#unpacked.has(near)) this.#unpack(near);
+        }
+    }
+
+    async #unpack(number) {
+        const { packed, lanes } = this.#pages[number];
+        this.#unpacked.set(number, null);
+        const rows = await this.#packer.unpack(await packed);
+        if (this.#withLanes) placeRows(rows, lanes);
+        this.#unpacked.set(number, rows);
+        this.#forgetOldest();
+        this.dispatchEvent(new Event("unpacked"));
+    }
+
+    #forgetOldest() {
+        for (const number of this.#unpacked.keys()) {
+            if (this.#unpacked.size <= UNPACKED_PAGES) return;
+            this.#unpacked.delete(number);
+        }
     }
 }

@@ -51,7 +51,10 @@ class LogView {
         this.graph = new Graph(ROW_HEIGHT);
         this.list = new VirtualList({
             label: "Commits", rowHeight: ROW_HEIGHT, fill: (node, index) => this.#fill(node, index),
-            open: (index) => { location.hash = this.#addressOf(this.history.row(index)); },
+            open: (index) => {
+                const row = this.history.row(index);
+                if (row) location.hash = this.#addressOf(row);
+            },
             drawn: (from, to) => this.#drawn(from, to), end: () => this.#readAll(),
         });
         if (this.#withLanes) this.list.layer.prepend(this.graph.canvas);
@@ -112,10 +115,19 @@ class LogView {
         };
         history.addEventListener("rows", () => { started(); this.#grow(); });
         history.addEventListener("end", () => { started(); this.#grow(); });
+        history.addEventListener("unpacked", () => { if (this.history === history && this.#hasGap) this.#fillGap(); });
         history.addEventListener("changed", () => { if (this.history === history) this.#notify(); });
         this.history ??= history;
         history.want(0);
         this.#showStatus();
+    }
+
+    /** Whether a row was drawn that was not unpacked yet. */
+    #hasGap = false;
+
+    #fillGap() {
+        this.#hasGap = false;
+        this.list.refresh();
     }
 
     #readAll() {
@@ -158,7 +170,11 @@ class LogView {
 
     #fill(node, index) {
         const row = this.history.row(index);
-        if (!row) return show(node);
+        if (!row) {
+            this.#hasGap = true;
+            node.removeAttribute("href");
+            return show(node);
+        }
         const references = row.references.slice(0, 4).map((name) => {
             const { name: text, kind } = shortReference(name);
             return element(`span.ref.${kind}`, {}, visible(text));

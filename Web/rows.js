@@ -35,23 +35,24 @@ export class RowPacker {
     #authors = [];
     #indexes = new Map();
 
-    /** Returns {count, ids, text, bytes}: the rows as bytes, and the number of these. */
-    pack(rows) {
+    /** Returns {count, ids, text, bytes}: the ids, the other fields compressed, and the number of bytes. */
+    async pack(rows) {
         const size = rows[0].id.length / 2;
         const ids = new Uint8Array(rows.length * size);
         const fields = rows.map((row, index) => {
             writeHex(ids, index * size, row.id);
             return this.#fieldsOf(row, rows[index + 1]?.id);
         });
-        const text = new TextEncoder().encode(JSON.stringify(fields));
+        const text = await piped(new TextEncoder().encode(JSON.stringify(fields)), new CompressionStream("deflate-raw"));
         return { count: rows.length, ids, text, bytes: ids.length + text.length };
     }
 
     /** Returns the rows of a page, without their lanes. */
-    unpack(page) {
+    async unpack(page) {
         const size = page.ids.length / page.count;
         const idAt = (index) => readHex(page.ids, index * size, size);
-        return JSON.parse(new TextDecoder().decode(page.text)).map(
+        const text = await piped(page.text, new DecompressionStream("deflate-raw"));
+        return JSON.parse(new TextDecoder().decode(text)).map(
             ([subjectText, authorIndex, time, zone, parents, refs = [], head = 0, file], index) => ({
                 id: idAt(index), subject: subjectText, author: this.#authors[authorIndex], time, offset: zone,
                 parents: parents === 0 ? [idAt(index + 1)] : parents,
@@ -77,6 +78,10 @@ export class RowPacker {
         }
         return index;
     }
+}
+
+async function piped(bytes, transform) {
+    return new Uint8Array(await new Response(new Blob([bytes]).stream().pipeThrough(transform)).arrayBuffer());
 }
 
 function writeHex(bytes, start, text) {

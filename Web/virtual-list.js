@@ -5,6 +5,11 @@ import { element } from "./elements.js";
 const MAX_HEIGHT = 16_000_000;
 const MARGIN = 8;
 
+/** Sets an attribute if it has another value: a change costs the browser more than the comparison. */
+function setAttribute(node, name, value) {
+    if (node.getAttribute(name) !== String(value)) node.setAttribute(name, value);
+}
+
 /**
  * A scrolling list box. Rows are options, the current one is the active descendant.
  *
@@ -104,7 +109,7 @@ export class VirtualList {
             node.style.transform = `translateY(${(index - from) * this.rowHeight}px)`;
             node.hidden = false;
             if (this.#shown.get(slot) !== index) this.#show(node, slot, index);
-            node.setAttribute("aria-setsize", this.#isComplete ? this.#count : -1);
+            setAttribute(node, "aria-setsize", this.#isComplete ? this.#count : -1);
         }
         this.#nodes.forEach((node, slot) => { if (!used.has(slot)) node.hidden = true; });
         this.#markCurrent(from, to);
@@ -133,7 +138,7 @@ export class VirtualList {
         for (const node of this.#nodes) {
             const isCurrent = !node.hidden && Number(node.dataset.index) === this.current;
             node.classList.toggle("current", isCurrent);
-            node.setAttribute("aria-selected", isCurrent);
+            setAttribute(node, "aria-selected", isCurrent);
         }
         if (this.current >= from && this.current < to) {
             this.node.setAttribute("aria-activedescendant", `row-${this.current}`);

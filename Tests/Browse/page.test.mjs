@@ -284,6 +284,8 @@ pageTest("a long history scrolls to its end and back, and large changes fold", a
     assert.equal(await page.locator("p.status").textContent(), "8,001 commits");
     assert.equal(await page.locator("[role=option][aria-selected=true]").getAttribute("aria-posinset"), "8001");
     assert.ok(await page.locator("[role=option]").count() < 100, "only visible rows are elements");
+    await page.locator("[role=listbox]").evaluate((node) => { node.scrollTop = node.scrollHeight / 2; });
+    await rows(page).filter({ hasText: "Commit 4001:" }).waitFor();
     await page.keyboard.press("Home");
     await page.locator("[role=option][aria-selected=true]", { hasText: "Add a large file" }).waitFor();
     await open(page, `#/commit/${id}`, long);

@@ -135,7 +135,7 @@ test("paths and names of references are split", () => {
     assert.deepEqual(shortReference("refs/stash"), { name: "stash", kind: "other" });
 });
 
-test("packed rows are the rows that were packed", () => {
+test("packed rows are the rows that were packed", async () => {
     const key = (name) => `NEBSourceControlOperation${name}Key`;
     const rows = [
         { [key("ObjectID")]: id("a"), [key("Parents")]: [id("b")], [key("Author")]: "Ann", [key("AuthorTime")]: 1,
@@ -145,9 +145,9 @@ test("packed rows are the rows that were packed", () => {
         { [key("ObjectID")]: id("e"), [key("Author")]: "Ann", [key("AuthorTime")]: 3, [key("Subject")]: "x".repeat(999) },
     ].map(rowOf);
     const packer = new RowPacker();
-    const page = packer.pack(rows);
-    assert.deepEqual(packer.unpack(page), rows);
+    const page = await packer.pack(rows);
+    assert.deepEqual(await packer.unpack(page), rows);
     assert.equal(page.ids.length, 60);
     assert.ok(rows[2].subject.length < 300);
-    assert.deepEqual(placeRows(packer.unpack(page), []), placeRows(rows, []));
+    assert.deepEqual(placeRows(await packer.unpack(page), []), placeRows(rows, []));
 });

@@ -83,7 +83,9 @@ export class History extends EventTarget {
                 await this.#readCursor();
             } catch (error) {
                 if (this.#closing.signal.aborted) return;
-                if (!error.lost && error.code !== INVALID_CURSOR) return this.#finish(error);
+                // Without a cursor, the request itself is invalid.
+                const hasExpired = this.#cursor !== null && error.code === INVALID_CURSOR;
+                if (!error.lost && !hasExpired) return this.#finish(error);
                 if (!this.#connection.isOpen) await this.#nextConnection();
             }
         }
@@ -100,6 +102,7 @@ export class History extends EventTarget {
         const signal = this.#closing.signal;
         let skip = this.count;
         const pageSize = skip > 0 ? 10_000 : FIRST_PAGE;
+        this.#cursor = null;
         let page = await this.#connection.call("open", { request: this.#request, pageSize }, { signal });
         for (;;) {
             this.#cursor = page.cursor;

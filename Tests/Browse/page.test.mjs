@@ -258,6 +258,8 @@ pageTest("errors are a sentence, advice, and what git printed", async (page) => 
     assert.match(await page.locator(".error pre").textContent(), /fatal: /);
     await open(page, "#/nonsense/<b>");
     await page.locator(".error", { hasText: "does not name a view" }).waitFor();
+    await open(page, "#/log?branch=-x");
+    await page.locator(".error .sentence").waitFor();
     await open(page, "#/file/HEAD/missing.c");
     await page.locator(".error .sentence").waitFor();
 });

@@ -166,8 +166,11 @@ The hook of git exits with STATUS."
      (test-write "a.txt" "changed")
      (let ((task (nebgit-perform (nebgit-request 'commit folder :All t :Message "At the end"))))
        (test-wait (nebgit-task-id task))
-       (run-at-time 0.1 nil #'test-write (expand-file-name ".git/go"))
-       ,@body)))
+       (let ((timer (run-at-time 0.1 nil #'test-write (expand-file-name ".git/go"))))
+         (unwind-protect
+             (progn ,@body)
+           ;; It would create the folder again.
+           (cancel-timer timer))))))
 
 (ert-deftest server-finishes-commits-before-emacs-exits ()
   (test-with-commit 0

@@ -9,6 +9,7 @@
 #include "GitOperations/GitRevision.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 
@@ -31,7 +32,7 @@ bool stoppedAtConflict(const NEBSourceControlOperation& change,
 
 /// Returns what lies in place of the folders of a deleted file, or of the file itself; empty for
 /// nothing.
-std::string_view obstacleOf(const std::string& folder, std::string_view path) {
+std::string_view searchObstacle(const std::string& folder, std::string_view path) {
     namespace fs = std::filesystem;
     std::error_code failure;
     const auto statusOf = [&](std::string_view part) {
@@ -51,6 +52,11 @@ std::string_view obstacleOf(const std::string& folder, std::string_view path) {
     return isFolder && !fs::is_empty(pathByAppendingComponent(folder, path), failure)
                ? path
                : std::string_view();
+}
+
+std::string obstacleOf(const std::string& folder, std::string_view path) {
+    return interceptedText("obstacle of", pathByAppendingComponent(folder, path),
+                           [&] { return std::string(searchObstacle(folder, path)); });
 }
 
 std::vector<std::string> pathsOfConflicts(const NEBSourceControlResult& conflicts) {
@@ -131,7 +137,7 @@ std::optional<std::vector<std::string>> GitChangeComposite::queriedObstacles(
         return std::nullopt;
     }
     for (const std::string& path : deleted) {
-        const std::string_view obstacle = obstacleOf(*folder, path);
+        const std::string obstacle = obstacleOf(*folder, path);
         if (!obstacle.empty() && (obstacles.empty() || obstacles.back() != obstacle)) {
             obstacles.emplace_back(obstacle);
         }

@@ -9,6 +9,7 @@
 #include "GitExtensions/GitWorktrees.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 
@@ -18,9 +19,11 @@ namespace {
 
 /// Returns the absolute path without symbolic links, as git prints it.
 std::string realPath(const std::string& path) {
-    std::error_code failure;
-    const auto real = std::filesystem::weakly_canonical(path, failure);
-    std::string text = failure ? path : real.string();
+    std::string text = interceptedText("real path", path, [&path] {
+        std::error_code failure;
+        const auto real = std::filesystem::weakly_canonical(path, failure);
+        return failure ? path : real.string();
+    });
     while (text.size() > 1 && text.ends_with('/')) {
         text.pop_back();
     }
@@ -138,11 +141,13 @@ bool GitChangeWorktreesOperation::hasRoom() {
     if (!worktrees) {
         return false;
     }
-    std::error_code failure;
     const std::string folder = absolutePath();
-    const bool isFree = !std::filesystem::exists(folder, failure) ||
-                        (std::filesystem::is_directory(folder, failure) &&
-                         std::filesystem::is_empty(folder, failure));
+    const bool isFree = interceptedFact("is missing or empty", folder, [&folder] {
+        std::error_code failure;
+        return !std::filesystem::exists(folder, failure) ||
+               (std::filesystem::is_directory(folder, failure) &&
+                std::filesystem::is_empty(folder, failure));
+    });
     if (worktreeIn(*worktrees) != nullptr) {
         fail(NEBSourceControlDestinationExistsErrorClass,
              "The repository has a worktree at \"" + path() + "\" already.");

@@ -7,6 +7,7 @@
 #include "GitExtensions/GitRecordFields.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -24,9 +25,11 @@ bool isReplacedByFolder(const NEBSourceControlRequest& request, const std::strin
     const auto folder = location ? pathOfLocation(*location) : std::nullopt;
     const std::string path =
         pathByAppendingComponent(pathByExpandingTilde(folder.value_or("")), file);
-    std::error_code ignored;
-    return std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored)) &&
-           !std::filesystem::exists(path + "/.git", ignored);
+    return interceptedFact("is folder without repository", path, [&path] {
+        std::error_code ignored;
+        return std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored)) &&
+               !std::filesystem::exists(path + "/.git", ignored);
+    });
 }
 
 }  // namespace

@@ -8,9 +8,23 @@
 #include "GitExtensions/GitUnfinishedOperation.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 
 namespace neb {
+
+namespace {
+
+/// Whether something other than a folder is at the path.
+bool isFile(const std::string& path) {
+    return interceptedFact("is file", path, [&path] {
+        std::error_code ignored;
+        const auto status = std::filesystem::symlink_status(path, ignored);
+        return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+    });
+}
+
+}  // namespace
 
 void GitPickOperation::perform() {
     const std::string wanted = action("cherry-pick");
@@ -84,10 +98,7 @@ bool GitPickOperation::addOverwrittenFiles(const std::string& commit,
         return false;
     }
     for (const std::string& path : gitNULSeparatedPieces(query->output())) {
-        std::error_code ignored;
-        const auto status =
-            std::filesystem::symlink_status(pathByAppendingComponent(*top, path), ignored);
-        if (std::filesystem::exists(status) && !std::filesystem::is_directory(status)) {
+        if (isFile(pathByAppendingComponent(*top, path))) {
             NEBDictionary& record = changes.emplace_back();
             gitSetName(record, gitPathKeys, path);
             record.set(NEBSourceControlOperationStateKey, "untracked");

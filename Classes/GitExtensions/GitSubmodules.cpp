@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "GitExtensions/GitRecordFields.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
 #include "Platform/Text.h"
@@ -50,15 +51,25 @@ GitSubmodulesOperation::Submodules GitSubmodulesOperation::submodulesOf(
     return submodules;
 }
 
+namespace {
+
+bool isRepository(const std::string& folder) {
+    const std::string file = pathByAppendingComponent(folder, ".git");
+    return interceptedFact("exists", file, [&file] {
+        std::error_code failure;
+        return std::filesystem::exists(file, failure);
+    });
+}
+
+}  // namespace
+
 /// git would find the repository around a folder that is none.
 std::string GitSubmodulesOperation::lineIn(const std::string& path,
                                            const std::vector<std::string>& arguments) {
     const auto& location = request()->sourceTree ? request()->sourceTree->location : std::nullopt;
     const auto top = location ? pathOfLocation(*location) : std::nullopt;
     const std::string folder = pathByAppendingComponent(top.value_or("."), path);
-    std::error_code failure;
-    if (path.empty() ||
-        !std::filesystem::exists(pathByAppendingComponent(folder, ".git"), failure)) {
+    if (path.empty() || !isRepository(folder)) {
         return {};
     }
     const auto query = std::make_shared<GitQueryOperation>(request(), arguments);

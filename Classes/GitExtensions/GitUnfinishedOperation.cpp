@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "GitExtensions/GitRecordFields.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Scanner.h"
 
@@ -47,15 +48,21 @@ public:
     explicit RepositoryFolder(std::string_view path) : _path(path) {}
 
     [[nodiscard]] bool has(std::string_view file) const {
-        std::error_code failure;
-        return std::filesystem::exists(pathByAppendingComponent(_path, file), failure);
+        const std::string path = pathByAppendingComponent(_path, file);
+        return interceptedFact("exists", path, [&path] {
+            std::error_code failure;
+            return std::filesystem::exists(path, failure);
+        });
     }
     /// Returns the first line of a file; empty if it cannot be read.
     [[nodiscard]] std::string firstLine(std::string_view file) const {
-        std::ifstream stream(pathByAppendingComponent(_path, file), std::ios::binary);
-        std::string line;
-        std::getline(stream, line);
-        return line;
+        const std::string path = pathByAppendingComponent(_path, file);
+        return interceptedText("first line of", path, [&path] {
+            std::ifstream stream(path, std::ios::binary);
+            std::string line;
+            std::getline(stream, line);
+            return line;
+        });
     }
 
 private:

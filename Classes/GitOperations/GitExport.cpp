@@ -13,6 +13,7 @@
 #include "NEBFoundation/NEBSourceControlTemporaryFile.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/FileManager.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -136,18 +137,38 @@ const LOMFilePath* targetOf(const NEBSourceControlRequest& request) {
 }
 
 /// Returns the path, or its nearest existing parent, if it is not a folder: git would replace it
-/// with one.
-std::optional<std::string> nonFolderOnPath(std::filesystem::path path) {
+/// with one. Empty otherwise.
+std::string searchNonFolder(std::filesystem::path path) {
     std::error_code ignored;
     while (!path.empty() && path != path.parent_path()) {
         const auto status = std::filesystem::status(path, ignored);
         if (std::filesystem::exists(status)) {
-            return std::filesystem::is_directory(status) ? std::nullopt
-                                                         : std::optional(path.string());
+            return std::filesystem::is_directory(status) ? "" : path.string();
         }
         path = path.parent_path();
     }
-    return std::nullopt;
+    return "";
+}
+
+std::string nonFolderOnPath(const std::filesystem::path& path) {
+    return interceptedText("file in place of folder", path.string(),
+                           [&path] { return searchNonFolder(path); });
+}
+
+/// Removes what a failed export has left.
+void removeFrom(const std::string& path) {
+    static_cast<void>(interceptedFact("remove", path, [&path] {
+        std::error_code failure;
+        return std::filesystem::remove_all(path, failure) > 0;
+    }));
+}
+
+/// Removes the folder if it is empty.
+void removeEmptyFolder(const std::string& folder) {
+    static_cast<void>(interceptedFact("remove", folder, [&folder] {
+        std::error_code failure;
+        return std::filesystem::remove(folder, failure);
+    }));
 }
 
 }  // namespace
@@ -224,10 +245,9 @@ void GitExportFileOperation::main() {
         rejectIncompleteExport();
     }
     if (error() && isNew) {
-        std::error_code ignored;
-        std::filesystem::remove_all(target.pathString(), ignored);
+        removeFrom(target.pathString());
         if (isOwnFolder) {
-            std::filesystem::remove(folder, ignored);
+            removeEmptyFolder(folder);
         }
     }
 }
@@ -321,10 +341,11 @@ void GitExportTreeOperation::main() {
     if (destination.empty()) {
         setError(ownFailure(NEBSourceControlUnknownErrorClass,
                             "The files were not exported: the request has no destination."));
-    } else if (const auto file = nonFolderOnPath(
-                   std::filesystem::path(currentDirectoryPath().value_or("")) / destination)) {
+    } else if (const std::string file = nonFolderOnPath(
+                   std::filesystem::path(currentDirectoryPath().value_or("")) / destination);
+               !file.empty()) {
         setError(ownFailure(NEBSourceControlDestinationExistsErrorClass,
-                            "The files were not exported: \"" + *file + "\" is not a folder."));
+                            "The files were not exported: \"" + file + "\" is not a folder."));
     } else {
         GitOperation::main();
     }

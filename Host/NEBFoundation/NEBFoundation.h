@@ -20,6 +20,7 @@
 #include "NEBFoundation/NEBSourceControlOperation.h"
 #include "NEBFoundation/NEBSourceControlPlugIn.h"
 #include "NEBFoundation/NEBSourceControlRecordCursor.h"
+#include "NEBFoundation/NEBSourceControlRecording.h"
 #include "NEBFoundation/NEBSourceControlRequest.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlScheduler.h"

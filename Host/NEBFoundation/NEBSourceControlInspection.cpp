@@ -8,6 +8,7 @@
 
 #include "LOMFoundation/LOMFormat.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -52,8 +53,10 @@ fs::path folderOfFile(const std::string& file, const fs::path& start) {
     return {};
 }
 
-/// Returns the names of the hooks in alphabetical order.
-std::vector<std::string> hooksIn(const fs::path& folder) {
+/// Returns the names of the hooks of a repository in alphabetical order, a NUL between them. The
+/// repository may be empty.
+std::string hooksOf(const fs::path& repository) {
+    const fs::path folder = repository.empty() ? fs::path() : repository / "hooks";
     std::vector<std::string> hooks;
     std::error_code failure;
     for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
@@ -64,7 +67,11 @@ std::vector<std::string> hooksIn(const fs::path& folder) {
         }
     }
     std::ranges::sort(hooks);
-    return hooks;
+    std::string names;
+    for (const std::string& hook : hooks) {
+        names.append(names.empty() ? 0 : 1, '\0').append(hook);
+    }
+    return names;
 }
 
 }  // namespace
@@ -134,15 +141,17 @@ std::optional<NEBSourceControlRepositoryPrograms> NEBSourceControlInspection::pr
 void NEBSourceControlInspection::addSettings(const NEBSourceControlInspectedCommand& command,
                                              std::string_view listing) {
     NEBSourceControlRepositoryPrograms programs = NEBSourceControlProgramsInSettings(listing);
-    const fs::path folder = folderOfFile(programs.file, command.folder());
+    const std::string hooks = interceptedText("hooks", command.folder(), [&] {
+        return hooksOf(folderOfFile(programs.file, command.folder()));
+    });
     const MutexLock lock(_mutex);
     for (const std::string& name : programs.switchedOff) {
         addName(name);
     }
-    if (!folder.empty()) {
-        for (const std::string& hook : hooksIn(folder / "hooks")) {
-            addName(hook);
-        }
+    for (std::string_view rest = hooks; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\0'), rest.size());
+        addName(std::string(rest.substr(0, end)));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     _programs[{command.folder(), command.settingsArguments()}] = std::move(programs);
 }

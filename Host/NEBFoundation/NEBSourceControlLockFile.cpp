@@ -14,7 +14,9 @@
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlGitDirectory.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
+#include "Platform/Text.h"
 
 namespace neb {
 
@@ -180,6 +182,50 @@ std::string NEBSourceControlTextOfAge(std::chrono::seconds age) {
     return std::to_string(age.count()) + " s";
 }
 
+namespace {
+
+/// Returns the age of a lock file, its path, and the process and command of its first holder, each
+/// but the last with a NUL behind it. Empty if the file does not exist.
+std::string textOf(const std::string& named, const std::string& folder) {
+    const auto repository = NEBSourceControlFindGitDirectory(folder);
+    const auto locks = NEBSourceControlExamineLockFiles(
+        {absolutePath(named, folder)},
+        {repository ? repository->workingCopy : "", repository ? repository->path : ""});
+    if (locks.empty()) {
+        return {};
+    }
+    const NEBSourceControlLockFile& lock = locks.front();
+    std::string text = std::to_string(lock.age.count()) + '\0' + lock.path;
+    if (!lock.holders.empty()) {
+        text += '\0' + std::to_string(lock.holders.front().process) + '\0' +
+                lock.holders.front().command;
+    }
+    return text;
+}
+
+/// Reads such a text.
+std::optional<NEBSourceControlLockFile> lockIn(std::string_view text) {
+    std::vector<std::string> fields;
+    forEachField(text, '\0', [&fields](std::string_view field) { fields.emplace_back(field); });
+    if (fields.size() < 2) {
+        return std::nullopt;
+    }
+    const auto numberIn = [](const std::string& field) {
+        std::int64_t number = 0;
+        std::from_chars(field.data(), field.data() + field.size(), number);
+        return number;
+    };
+    NEBSourceControlLockFile lock{
+        .path = fields[1], .age = std::chrono::seconds(numberIn(fields[0])), .holders = {}};
+    if (fields.size() == 4) {
+        lock.holders.push_back(
+            {.process = static_cast<pid_t>(numberIn(fields[2])), .command = fields[3]});
+    }
+    return lock;
+}
+
+}  // namespace
+
 void NEBSourceControlAddLockDetails(NEBSourceControlError& error, const std::string& folder) {
     const bool isLocked = error.errorClass == NEBSourceControlIndexLockedErrorClass ||
                           error.errorClass == NEBSourceControlRefLockedErrorClass;
@@ -187,14 +233,12 @@ void NEBSourceControlAddLockDetails(NEBSourceControlError& error, const std::str
     if (!named || named->empty()) {
         return;
     }
-    const auto repository = NEBSourceControlFindGitDirectory(folder);
-    const auto locks = NEBSourceControlExamineLockFiles(
-        {absolutePath(*named, folder)},
-        {repository ? repository->workingCopy : "", repository ? repository->path : ""});
-    if (locks.empty()) {
+    const auto found =
+        lockIn(interceptedText("lock", *named, [&] { return textOf(*named, folder); }));
+    if (!found) {
         return;
     }
-    const NEBSourceControlLockFile& lock = locks.front();
+    const NEBSourceControlLockFile& lock = *found;
     error.userInfo.set(NEBLocalizedRecoverySuggestionKey, suggestionFor(lock));
     error.userInfo.set(NEBSourceControlErrorLockPathKey, lock.path);
     error.userInfo.set(NEBSourceControlErrorLockAgeKey,

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "NEBFoundation/NEBSourceControlGitDirectory.h"
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
 
@@ -145,17 +146,22 @@ bool hasCheckoutHook(const ChildLaunch& launch) {
     const auto outcomes =
         process.run({query}, {}, {.total = std::chrono::seconds(2), .outputBytes = 1U << 16U});
     const std::string path(trimmed(outcomes.front().output.bytes(), "\n"));
-    std::error_code failure;
+    const std::filesystem::path hook =
+        std::filesystem::path(launch.currentDirectoryPath.value_or(".")) / path;
     return !outcomes.front().status.isSuccess() || path.empty() ||
-           std::filesystem::exists(
-               std::filesystem::path(launch.currentDirectoryPath.value_or(".")) / path, failure);
+           interceptedFact("exists", hook.string(), [&hook] {
+               std::error_code failure;
+               return std::filesystem::exists(hook, failure);
+           });
 }
 
 bool isIndexLocked(const ChildLaunch& launch) {
-    std::error_code failure;
-    const auto repository =
-        NEBSourceControlFindGitDirectory(launch.currentDirectoryPath.value_or("."));
-    return repository && std::filesystem::exists(repository->path + "/index.lock", failure);
+    const std::string folder = launch.currentDirectoryPath.value_or(".");
+    return interceptedFact("index is locked", folder, [&folder] {
+        std::error_code failure;
+        const auto repository = NEBSourceControlFindGitDirectory(folder);
+        return repository && std::filesystem::exists(repository->path + "/index.lock", failure);
+    });
 }
 
 bool canStartAgain(const CommandRow& row, const ChildLaunch& launch, const ChildOutcome& outcome) {
@@ -197,6 +203,15 @@ std::optional<milliseconds> NEBSourceControlLockWait::pauseAfter(
 }
 
 std::optional<milliseconds> NEBSourceControlLockWait::nextPause() {
+    std::optional<milliseconds> pause;
+    const bool isOver = interceptedFact("wait is over", "", [&] {
+        pause = remainingPause();
+        return !pause;
+    });
+    return isOver ? std::nullopt : std::optional(pause.value_or(milliseconds(0)));
+}
+
+std::optional<milliseconds> NEBSourceControlLockWait::remainingPause() {
     const auto now = std::chrono::steady_clock::now();
     _end = _end.value_or(now + _mostTime);
     const auto remaining = std::chrono::duration_cast<milliseconds>(*_end - now);

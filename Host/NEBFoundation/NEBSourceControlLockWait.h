@@ -44,6 +44,8 @@ public:
 
 private:
     [[nodiscard]] std::optional<std::chrono::milliseconds> nextPause();
+    /// Returns the pause that the clock leaves; absent if the time is over.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> remainingPause();
 
     const std::vector<ChildLaunch>& _launches;
     const std::chrono::milliseconds _mostTime;

@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -42,7 +43,9 @@ bool canHaveHead(std::string_view name) {
 
 }  // namespace
 
-LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view name) {
+namespace {
+
+std::string newTemporaryPath(std::string_view name) {
     const std::string folder = temporaryFolder();
     const std::string plainName = lastPathComponent(name);
     const bool hasHead = canHaveHead(plainName);
@@ -52,10 +55,16 @@ LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view 
             path.append(1, separator).append(plainName);
         }
         if (!LOMFilePath::filePathForPathString(path).existsInFileSystem()) {
-            return LOMFilePath::filePathForPathString(
-                hasHead ? path : pathByAppendingComponent(path, plainName));
+            return hasHead ? path : pathByAppendingComponent(path, plainName);
         }
     }
+}
+
+}  // namespace
+
+LOMFilePath NEBSourceControl_filePathForTmpFileBasedOnFileName(std::string_view name) {
+    return LOMFilePath::filePathForPathString(
+        interceptedText("temporary path", name, [name] { return newTemporaryPath(name); }));
 }
 
 }  // namespace neb

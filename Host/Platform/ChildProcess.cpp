@@ -4,6 +4,7 @@
 
 #include "Platform/ChildPipeline.h"
 #include "Platform/ErrnoText.h"
+#include "Platform/Interceptor.h"
 
 namespace neb {
 
@@ -45,6 +46,13 @@ private:
 
 std::vector<ChildOutcome> ChildProcess::run(const std::vector<ChildLaunch>& launches,
                                             const Observers& observers, const ChildLimits& limits) {
+    if (const auto interceptor = Interceptor::ofThread()) {
+        return interceptor->runChildren(*this, launches, observers,
+                                        [&](const Observers& observing) {
+                                            const Interceptor::Scope scope(nullptr);
+                                            return run(launches, observing, limits);
+                                        });
+    }
     FileDescriptor wake;
     if (const int failure = openWakePipe(wake); failure != 0) {
         return noneStarted(launches,
@@ -95,6 +103,10 @@ void ChildProcess::cancel() {
 }
 
 bool ChildProcess::waitUnlessCancelled(std::chrono::milliseconds duration) {
+    const auto interceptor = Interceptor::ofThread();
+    if (interceptor && interceptor->replacesProcesses()) {
+        duration = std::chrono::milliseconds(0);
+    }
     MutexLock lock(_mutex);
     return !_cancellation.wait_for(lock, duration,
                                    [this]() NEB_REQUIRES(_mutex) { return _cancelled; });

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Platform/FileDescriptor.h"
+#include "Platform/Interceptor.h"
 #include "Platform/NewFile.h"
 #include "Platform/PathString.h"
 
@@ -212,10 +213,8 @@ int makeFolders(const fs::path& folder) {
     return failureAbove != 0 ? failureAbove : makeFolder(folder);
 }
 
-}  // namespace
-
-std::optional<FileFailure> FileManager::copyItem(std::string_view source,
-                                                 std::string_view destination) {
+std::optional<FileFailure> copyOf(std::string_view source, std::string_view destination,
+                                  const std::atomic<bool>& isCancelled) {
     const fs::path from = withoutEndSlashes(source);
     const fs::path to = withoutEndSlashes(destination);
     for (const std::string_view path : {source, destination}) {
@@ -231,14 +230,14 @@ std::optional<FileFailure> FileManager::copyItem(std::string_view source,
     if (fs::is_directory(fs::symlink_status(from, ignored)) && resolvesInto(to, from)) {
         return FileFailure{EINVAL, what + ": a folder cannot be copied into itself."};
     }
-    if (_isCancelled) {
+    if (isCancelled) {
         return FileFailure::of(ECANCELED, what);
     }
     NewFile target(to, "copy");
     if (const auto failure = target.prepare()) {
         return FileFailure::of(failure->errorNumber, what);
     }
-    if (auto failure = Copy(from, target.draft(), to, _isCancelled).make()) {
+    if (auto failure = Copy(from, target.draft(), to, isCancelled).make()) {
         return failure;
     }
     if (const auto failure = target.publish()) {
@@ -248,7 +247,7 @@ std::optional<FileFailure> FileManager::copyItem(std::string_view source,
     return failure != 0 ? std::optional(FileFailure::of(failure, what)) : std::nullopt;
 }
 
-std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
+std::optional<FileFailure> createFolder(std::string_view path) {
     if (auto failure = failureOfNUL(path)) {
         return failure;
     }
@@ -260,7 +259,7 @@ std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
     return FileFailure::of(failure, "The folder " + quoted(folder) + " could not be made");
 }
 
-std::optional<FileFailure> FileManager::writeText(std::string_view path, std::string_view text) {
+std::optional<FileFailure> writeFile(std::string_view path, std::string_view text) {
     if (auto failure = failureOfNUL(path)) {
         return failure;
     }
@@ -275,6 +274,22 @@ std::optional<FileFailure> FileManager::writeText(std::string_view path, std::st
         return std::nullopt;
     }
     return FileFailure::of(failure, "The file " + quoted(file) + " could not be written");
+}
+
+}  // namespace
+
+std::optional<FileFailure> FileManager::copyItem(std::string_view source,
+                                                 std::string_view destination) {
+    return interceptedChange("copy to", destination,
+                             [&] { return copyOf(source, destination, _isCancelled); });
+}
+
+std::optional<FileFailure> FileManager::createDirectory(std::string_view path) {
+    return interceptedChange("create folder", path, [path] { return createFolder(path); });
+}
+
+std::optional<FileFailure> FileManager::writeText(std::string_view path, std::string_view text) {
+    return interceptedChange("write", path, [&] { return writeFile(path, text); });
 }
 
 }  // namespace neb

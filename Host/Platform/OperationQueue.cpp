@@ -4,10 +4,27 @@
 #include <new>
 #include <utility>
 
+#include "Platform/Interceptor.h"
 #include "Platform/SignalFreeThread.h"
 #include "Platform/ThreadEnd.h"
 
 namespace neb {
+
+namespace {
+
+/// Returns a function that calls the block with the interceptor of the calling thread.
+std::function<void()> intercepted(std::function<void()> block) {
+    auto interceptor = Interceptor::ofThread();
+    if (!interceptor) {
+        return block;
+    }
+    return [interceptor = std::move(interceptor), block = std::move(block)] {
+        const Interceptor::Scope scope(interceptor);
+        block();
+    };
+}
+
+}  // namespace
 
 OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurrency()) {}
 
@@ -30,13 +47,15 @@ OperationQueue::~OperationQueue() {
 
 void OperationQueue::addOperation(std::shared_ptr<Operation> operation) {
     if (operation) {
-        add({.operation = std::move(operation), .block = {}});
+        Operation& started = *operation;
+        add({.operation = std::move(operation),
+             .block = intercepted([&started] { started.start(); })});
     }
 }
 
 void OperationQueue::addBlock(std::function<void()> block) {
     if (block) {
-        add({.operation = {}, .block = std::move(block)});
+        add({.operation = {}, .block = intercepted(std::move(block))});
     }
 }
 
@@ -110,13 +129,7 @@ void OperationQueue::runOne() {
     _mutex.unlock();
 
     try {
-        doWithoutExceptions([&work] {
-            if (work.operation) {
-                work.operation->start();
-            } else {
-                work.block();
-            }
-        });
+        doWithoutExceptions([&work] { work.block(); });
     } catch (...) {  // the thread ends: replace it
         finish(work);
         addThread();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <map>
 
 #include "CommandLine/CommandLineParser.h"
@@ -15,6 +16,8 @@
 #include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Recording/LastFailure.h"
+#include "Recording/RecordingFile.h"
 #include "Session/PlugInLocation.h"
 #include "Session/StartFolder.h"
 #include "Terminal/Colour.h"
@@ -52,6 +55,39 @@ HostSession makeSession(const PlugInFile& plugIn,
                        loaded ? loaded->program() : std::string(gitProgramName));
 }
 
+/// Runs the command, and records it with "--record".
+CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
+                    const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
+    const Arguments& arguments = commandLine.arguments;
+    const Command& command = *commandLine.command();
+    const CommandCall call{.plugIn = plugIn,
+                           .session = session,
+                           .command = command,
+                           .arguments = arguments,
+                           .isJSON = arguments.has(jsonOption),
+                           .colours = coloursOf(arguments),
+                           .timeLimit = timeLimitIn(arguments),
+                           .gateway = gateway};
+    const auto file = arguments.value(recordOption);
+    if (!file) {
+        return command.run(call);
+    }
+    RecordingFile recording(std::filesystem::absolute(*file));
+    const auto& loaded = plugIn.load.plugIn;
+    if (const auto failure = recording.open(loaded ? loaded->version() : "")) {
+        return refusal(withSingleQuotes(failure->description), exitUsageError);
+    }
+    CommandOutput output = [&] {
+        const Interceptor::Scope scope(recording.interceptor());
+        return command.run(call);
+    }();
+    if (const auto failure = recording.finish()) {
+        output.standardError += diagnostic(withSingleQuotes(failure->description));
+        output.exitStatus = output.exitStatus == exitDone ? exitFailed : output.exitStatus;
+    }
+    return output;
+}
+
 /// Loads the plug-in and runs the command, or prints the versions.
 CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
     const Arguments& arguments = commandLine.arguments;
@@ -84,14 +120,7 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGatew
             session.asksGit() ? std::nullopt : refusalOfPlugIn(*plugIn.load.plugIn, commandLine)) {
         return *refused;
     }
-    return commandLine.command()->run({.plugIn = plugIn,
-                                       .session = session,
-                                       .command = *commandLine.command(),
-                                       .arguments = arguments,
-                                       .isJSON = isJSON,
-                                       .colours = coloursOf(arguments),
-                                       .timeLimit = timeLimitIn(arguments),
-                                       .gateway = gateway});
+    return runIn(session, plugIn, commandLine, gateway);
 }
 
 CommandOutput run(const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
@@ -111,6 +140,15 @@ CommandOutput runOrReportUsage(const ParsedCommandLine& commandLine, const Brows
         error.commands = commandLine.commands;
         return outputOf(error, allCommands());
     }
+}
+
+/// Whether a failure of the command is remembered for `nebsc report`. Those for programs depend on
+/// their input, or record it themselves.
+bool isReported(const ParsedCommandLine& commandLine) {
+    return !commandLine.commands.empty() && commandLine.commands.front()->group != requestsGroup &&
+           commandLine.commands.front()->group != shellGroup &&
+           commandLine.commands.front()->group != hiddenGroup &&
+           !commandLine.arguments.has(recordOption);
 }
 
 /// Returns the output for the current exception: an error message, or an outcome if the command
@@ -143,7 +181,13 @@ int runProgram(int argc, const char* const* argv, const BrowseGateway* gateway) 
             return deliver(outputOf(*error, allCommands()));
         }
         commandLine = std::get<ParsedCommandLine>(std::move(parsed));
-        return deliver(runOrReportUsage(commandLine, gateway));
+        std::error_code ignored;
+        const std::string folder = std::filesystem::current_path(ignored).string();
+        const CommandOutput output = runOrReportUsage(commandLine, gateway);
+        if (output.exitStatus == exitFailed && isReported(commandLine)) {
+            rememberFailure(arguments, folder);
+        }
+        return deliver(output);
     } catch (const std::exception&) {
         return deliver(outputOfCurrentException(commandLine));
     }

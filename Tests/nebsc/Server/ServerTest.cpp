@@ -34,6 +34,7 @@ TEST(Server, DescribesItself) {
                                             {"background", true},
                                             {"credentials", true},
                                             {"describe", true},
+                                            {"record", true},
                                             {"trust", {"trusted", "inspect"}},
                                             {"cursors", {{"max", 64}}},
                                             {"watch", {{"max", 64}}}}));

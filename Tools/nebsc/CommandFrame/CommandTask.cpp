@@ -15,6 +15,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Platform/Interceptor.h"
 #include "Session/OperationRun.h"
 #include "Terminal/Colour.h"
 #include "Terminal/Pager.h"
@@ -111,19 +112,20 @@ std::optional<RequestResult> CommandTask::locateAndPerform() {
     }
     _git.setWorkingCopy(*probable);
     // Without a thread, locate() runs when its result is needed.
-    std::future<WorkingCopyLocation> location =
-        std::async(std::launch::async | std::launch::deferred, [this] { return locate(); });
+    std::future<WorkingCopyLocation> location = std::async(
+        std::launch::async | std::launch::deferred, [this, interceptor = Interceptor::ofThread()] {
+            const Interceptor::Scope scope(interceptor);
+            return locate();
+        });
     _confirmsLocation = [&] {
         if (location.valid()) {
             _git.setWorkingCopy(location.get());
         }
         return workingCopy().isAtSamePlaceAs(*probable);
     };
-    std::optional<RequestResult> result = perform();
-    if (!std::exchange(_confirmsLocation, nullptr)()) {
-        result.reset();
-    }
-    return result;
+    RequestResult result = perform();
+    const bool isThere = std::exchange(_confirmsLocation, nullptr)();
+    return isThere ? std::optional(std::move(result)) : std::nullopt;
 }
 
 std::optional<CommandOutput> CommandTask::readPaths() {

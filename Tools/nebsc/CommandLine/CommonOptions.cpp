@@ -26,6 +26,8 @@ constexpr Parameter options[] = {
     {timeoutOption, "Stop with an error if it takes longer, for example 30 or 0.5", Takes::text,
      Occurs::optionally, "SECONDS"},
     {inspectOption, "Only read the repository, and run no program that it names"},
+    {recordOption, "Record the requests and what git prints in a new file", Takes::pathAsWritten,
+     Occurs::optionally, "FILE"},
     {versionOption, "Show the versions of nebsc, the plug-in and git"},
     {"-h,--help", "Show help for nebsc or for the command"},
 };

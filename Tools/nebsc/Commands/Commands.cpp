@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "Commands/RecordingCommands.h"
+
 namespace neb::nebsc {
 
 namespace {
@@ -61,6 +63,8 @@ constexpr std::array commands{
     //
     &requestCommand,
     &serveCommand,
+    &replayCommand,
+    &reportCommand,
     &typesCommand,
     //
     &completionCommand,

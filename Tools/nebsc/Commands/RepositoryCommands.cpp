@@ -3,6 +3,7 @@
 #include <array>
 
 #include "CommandFrame/CommandTask.h"
+#include "Commands/CloneWithoutSubmodules.h"
 #include "Commands/Commands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlFileError.h"
@@ -120,29 +121,6 @@ std::string nameOfClone(std::string_view source) {
     const std::size_t separator = source.find_last_of("/:");
     return std::string(source.substr(separator == std::string_view::npos ? 0 : separator + 1));
 }
-
-/// Clones without submodules. The request's own operation always clones them.
-class CloneWithoutSubmodulesOperation : public NEBSourceControlTaskOperation {
-public:
-    explicit CloneWithoutSubmodulesOperation(std::shared_ptr<NEBSourceControlRequest> request)
-        : NEBSourceControlTaskOperation(std::move(request)) {
-        std::vector<std::string> arguments{"clone", "-q"};
-        const NEBValue& branch = this->request()->option(NEBSourceControlRequestOptionBranch);
-        if (branch.isPresent()) {
-            arguments.insert(arguments.end(), {"--branch", branch.description()});
-        }
-        const std::string destination = this->request()->destination.description();
-        arguments.insert(arguments.end(), {*this->request()->sourceTree->location, destination});
-        setArguments(std::move(arguments));
-        setCurrentDirectoryPath(destination);
-        setMayRunHooks(true);
-    }
-
-    [[nodiscard]] std::string className() const override {
-        return "CloneWithoutSubmodulesOperation";
-    }
-    [[nodiscard]] std::string launchPath() override { return gitPath(); }
-};
 
 class CloneTask : public CommandTask {
 public:

@@ -10,7 +10,8 @@ namespace {
 
 CommandOutput run(const CommandCall& call) {
     Interruption interruption(call.timeLimit);
-    const Server::End end = Server(call.session, interruption).run(STDIN_FILENO, STDOUT_FILENO);
+    const Server::End end = Server(call.session, interruption, call.plugIn.load.plugIn->version())
+                                .run(STDIN_FILENO, STDOUT_FILENO);
     CommandOutput output{.standardOutput = {},
                          .standardError = end.failure.empty() ? "" : diagnostic(end.failure),
                          .exitStatus = end.isOrderly ? exitDone : exitFailed};

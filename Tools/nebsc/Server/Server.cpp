@@ -15,9 +15,11 @@
 #include "Platform/ErrnoText.h"
 #include "Server/InitializeParams.h"
 #include "Server/PartialResults.h"
+#include "Server/RecordParam.h"
 #include "Server/RequestResponse.h"
 #include "Session/GitProgram.h"
 #include "Session/OperationRun.h"
+#include "Session/RequestRecording.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -55,6 +57,7 @@ JSON capabilities() {
              {"background", true},
              {"credentials", true},
              {"describe", true},
+             {"record", true},
              {"trust", JSON::array({"trusted", "inspect"})},
              {"cursors", {{"max", CursorRequests::mostCursors}}}};
     if (WatchRequests::areAvailable()) {
@@ -290,7 +293,8 @@ void Server::plan(RPCMessage& message) {
 void Server::startRequest(RPCMessage& message, bool isRun) {
     const ProgressToken token = takeProgressToken(message.params, "workDoneToken");
     const ProgressToken partialToken = takeProgressToken(message.params, "partialResultToken");
-    for (const std::string& refusal : {token.refusal, partialToken.refusal}) {
+    const RecordParam record = takeRecordParam(message.params);
+    for (const std::string& refusal : {token.refusal, partialToken.refusal, record.refusal}) {
         if (!refusal.empty()) {
             refuse(message, RPCErrorCode::invalidParams, refusal);
             return;
@@ -310,12 +314,15 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
         {.places = isRun ? NEBSourceControlWrittenPlaces(*request) : std::vector<std::string>(),
          .isBackground = settings.isBackgroundWork},
         [this, request, settings, isRun, token = token.value, partialToken = partialToken.value,
-         title = std::string(name.value_or("request"))](Job& job) {
+         path = record.path, title = std::string(name.value_or("request"))](Job& job) {
             std::optional<ProgressReports::Work> progress;
             if (token) {
                 progress.emplace(*_progress, *token, title);
             }
-            return isRun ? performed(job, request, settings, partialToken) : planned(job, request);
+            return isRun ? recordedResponseTo(
+                               job, path, _plugInVersion,
+                               [&] { return performed(job, request, settings, partialToken); })
+                         : planned(job, request);
         });
 }
 
@@ -324,14 +331,15 @@ std::string Server::planned(Job& job,
     return responseTo(job, _session.perform(request, {}));
 }
 
-std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
-                              const RunSettings& settings,
-                              const std::optional<JSON>& partialToken) const {
+RequestResult Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
+                                const RunSettings& settings,
+                                const std::optional<JSON>& partialToken) const {
     const HostSession::Runner run = [this, &job, &settings,
                                      &partialToken](NEBSourceControlOperation& operation) {
         settings.applyTo(operation);
         if (partialToken) {
-            operation.setRecordSink(partialResultSink(operation, *_writer, *partialToken));
+            operation.setRecordSink(
+                recordedSink(partialResultSink(operation, *_writer, *partialToken)));
         }
         const Job::Work work(job, [this, &operation] {
             cancelOperation(operation);
@@ -339,7 +347,7 @@ std::string Server::performed(Job& job, const std::shared_ptr<NEBSourceControlRe
         });
         operation.start();
     };
-    return responseTo(job, _session.perform(request, run));
+    return _session.perform(request, run);
 }
 
 void Server::cancelRequest(RPCMessage& message) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "NEBFoundation/NEBSourceControlScheduler.h"
 #include "Platform/Wake.h"
@@ -34,9 +35,12 @@ public:
         std::string failure;
     };
 
-    /// Both must outlive the server. A signal ends run().
-    Server(const HostSession& session, Interruption& interruption)
-        : _session(session), _interruption(interruption) {}
+    /// Both references must outlive the server. A signal ends run(). The version is that of the
+    /// plug-in, for recordings.
+    Server(const HostSession& session, Interruption& interruption, std::string plugInVersion = {})
+        : _session(session),
+          _interruption(interruption),
+          _plugInVersion(std::move(plugInVersion)) {}
 
     /// Serves the client until it sends "exit" or an invalid header, or closes a stream. Then
     /// completes the response to "initialize", cancels all other requests and waits for their end.
@@ -72,7 +76,7 @@ private:
     [[nodiscard]] std::string planned(
         Job& job, const std::shared_ptr<NEBSourceControlRequest>& request) const;
     /// With a token, delivers the records as partial results.
-    [[nodiscard]] std::string performed(
+    [[nodiscard]] RequestResult performed(
         Job& job, const std::shared_ptr<NEBSourceControlRequest>& request,
         const RunSettings& settings,
         const std::optional<nlohmann::ordered_json>& partialToken) const;
@@ -84,6 +88,7 @@ private:
 
     const HostSession& _session;
     Interruption& _interruption;
+    const std::string _plugInVersion;
     State _state = State::fresh;
     /// For requests that do not say it.
     NEBSourceControlTrust _trust = NEBSourceControlTrust::trusted;

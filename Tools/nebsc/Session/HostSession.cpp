@@ -7,6 +7,7 @@
 #include "Session/MissingFolder.h"
 #include "Session/MissingSubmodules.h"
 #include "Session/ReportCapture.h"
+#include "Session/RequestRecording.h"
 #include "Session/Trust.h"
 #include "Terminal/PrintableText.h"
 
@@ -14,11 +15,19 @@ namespace neb::nebsc {
 
 namespace {
 
+/// Returns the recording of the calling thread's request; null without one.
+std::shared_ptr<RequestRecording> recordingOfThread() {
+    return std::dynamic_pointer_cast<RequestRecording>(Interceptor::ofThread());
+}
+
 void runOperation(NEBSourceControlOperation& operation, const HostSession::Runner& run,
                   const Trace& trace, Outcome& outcome) {
     const auto log = std::make_shared<NEBSourceControlCommandLog>(trace.observers());
     operation.setCommandLog(log);
     run(operation);
+    if (const auto recording = recordingOfThread()) {
+        recording->ran(operation);
+    }
     outcome.commands = log->runs();
     outcome.result = operation.result();
     if (operation.hasRecordSink()) {
@@ -64,19 +73,29 @@ bool lacksOnlySubmodules(Outcome& outcome, const std::string& folder, const Trac
 void runClone(NEBSourceControlOperation& operation, const std::string& destination,
               const HostSession::Runner& run, const Trace& trace, Outcome& outcome) {
     MissingFolder folder(destination);
-    if (const auto failure = folder.make()) {
+    if (const auto failure =
+            interceptedChange("create folder", destination, [&folder] { return folder.make(); })) {
         outcome.error = NEBSourceControlErrorFromFileFailure(*failure);
     } else {
         runOperation(operation, run, trace, outcome);
         // A folder with content is not the clone, which git refuses to put there.
-        if (!hasFailed(outcome) ||
-            (folder.isNew() && lacksOnlySubmodules(outcome, destination, trace))) {
+        const auto isNew = [&folder] { return folder.isNew(); };
+        if (!hasFailed(outcome) || (interceptedFact("is new", destination, isNew) &&
+                                    lacksOnlySubmodules(outcome, destination, trace))) {
             folder.keep();
         }
     }
-    if (const auto failure = folder.rollBack()) {
+    if (const auto failure = interceptedChange("remove new folders", destination,
+                                               [&folder] { return folder.rollBack(); })) {
         outcome.leftFolder = failure->description;
     }
+}
+
+/// Returns the recording of the request; null if it is not to be recorded.
+std::shared_ptr<RequestRecording> beginRecording(const NEBSourceControlRequest& request,
+                                                 const OwnOperation& own) {
+    const auto outer = recordingOfThread();
+    return outer ? outer->begin(request, own) : nullptr;
 }
 
 NEBSourceControlError errorOfMissingOperation(std::int32_t type) {
@@ -103,6 +122,10 @@ RequestResult HostSession::perform(
     if (isInspecting()) {
         inspectOnly(*request);
     }
+    const auto recording =
+        run ? beginRecording(*request, {.operation = replacement.get(), .isChecked = true})
+            : nullptr;
+    const Interceptor::Scope scope(recording ? recording : Interceptor::ofThread());
     try {
         if (auto refused = validateAndRun(request, run, replacement, outcome)) {
             return {std::nullopt, std::move(refused)};
@@ -112,6 +135,9 @@ RequestResult HostSession::perform(
         outcome.error = NEBSourceControlErrorOfCurrentException();
     }
     outcome.reports = capture.reports();
+    if (recording) {
+        recording->ended(outcome);
+    }
     return {std::move(outcome), std::nullopt};
 }
 
@@ -125,7 +151,12 @@ Outcome HostSession::performOperation(NEBSourceControlOperation& operation,
     outcome.valid = true;
     outcome.operation = operation.className();
     outcome.command = operation.command();
+    const auto recording = beginRecording(*operation.request(), {.operation = &operation});
+    const Interceptor::Scope scope(recording ? recording : Interceptor::ofThread());
     runOperation(operation, run, _trace, outcome);
+    if (recording) {
+        recording->ended(outcome);
+    }
     return outcome;
 }
 

@@ -12,6 +12,7 @@
 #include "Session/Credentials/ServerContact.h"
 #include "Session/Credentials/TerminalCredentials.h"
 #include "Session/PackReceiveProgress.h"
+#include "Session/RequestRecording.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -80,12 +81,12 @@ HostSession::Runner streamingRunner(HostSession::Runner run, Interruption& inter
                                     StreamedOutput& output, RecordText textOf) {
     return [run = std::move(run), &interruption, &output,
             textOf = std::move(textOf)](NEBSourceControlOperation& operation) {
-        operation.setRecordSink([&](const NEBSourceControlResult& records) {
+        operation.setRecordSink(recordedSink([&](const NEBSourceControlResult& records) {
             const std::optional<std::string> text = textOf(records);
             if (!text || !output.write(*text)) {
                 cancelOperation(operation);
             }
-        });
+        }));
         const StreamedOutput::Reader reader(output, [&operation] { cancelOperation(operation); });
         const Interruption::Work work(interruption, [&output] { output.stop(); });
         run(operation);

@@ -1,0 +1,166 @@
+#include <cstdlib>
+
+#include "CommandFrame/BlameQuery.h"
+#include "CommandFrame/DiffQueries.h"
+#include "CommandFrame/StatusQuery.h"
+#include "CommandFrame/TreeQuery.h"
+#include "Commands/CloneWithoutSubmodules.h"
+#include "Commands/Commands.h"
+#include "Commands/RecordingCommands.h"
+#include "JSON/OutcomeJSON.h"
+#include "Recording/RecordingReader.h"
+#include "Recording/Replay.h"
+#include "Terminal/PrintableText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+// ---- operations of nebsc's own ----------------------------------------------------------------
+
+using RequestPointer = std::shared_ptr<NEBSourceControlRequest>;
+
+/// The recording has the arguments, so those of the constructors do not matter.
+struct OwnRow {
+    std::string_view name;
+    std::shared_ptr<NEBSourceControlTaskOperation> (*make)(const RequestPointer& request);
+};
+
+template <typename Operation, auto... arguments>
+std::shared_ptr<NEBSourceControlTaskOperation> make(const RequestPointer& request) {
+    return std::make_shared<Operation>(request, arguments...);
+}
+
+const OwnRow ownRows[] = {
+    {"StatusQuery", make<StatusQuery, false>},
+    {"NameStatusQuery",
+     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
+         return std::make_shared<NameStatusQuery>(request, DiffSides());
+     }},
+    {"LineCountQuery",
+     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
+         return std::make_shared<LineCountQuery>(request, DiffSides());
+     }},
+    {"PatchQuery",
+     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
+         return std::make_shared<PatchQuery>(request, DiffSides());
+     }},
+    {"CommitPatchQuery", make<CommitPatchQuery>},
+    {"BlameQuery",
+     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
+         return std::make_shared<BlameQuery>(request, std::nullopt);
+     }},
+    {"TreeQuery",
+     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
+         return std::make_shared<TreeQuery>(request, "");
+     }},
+    {"CloneWithoutSubmodulesOperation", make<CloneWithoutSubmodulesOperation>},
+};
+
+std::shared_ptr<NEBSourceControlTaskOperation> makeOwn(const std::string& className,
+                                                       const RequestPointer& request) {
+    for (const OwnRow& row : ownRows) {
+        if (row.name == className) {
+            return row.make(request);
+        }
+    }
+    return nullptr;
+}
+
+// ---- output -----------------------------------------------------------------------------------
+
+std::string counted(std::size_t count, std::string_view singular) {
+    return std::to_string(count) + " " + std::string(singular) + (count == 1 ? "" : "s");
+}
+
+std::string textOf(const ReplayedRequest& replayed) {
+    std::string text = "Request " + std::to_string(replayed.number) + ", " + replayed.name + ": ";
+    if (!replayed.notReplayed.empty()) {
+        return text + "not replayed: " + printable(replayed.notReplayed) + "\n";
+    }
+    text += (replayed.differences.empty() ? "same" : "different") + std::string(" (") +
+            std::to_string(replayed.childCount) +
+            (replayed.childCount == 1 ? " process, " : " processes, ") +
+            counted(replayed.recordCount, "record") + ")\n";
+    for (const std::string& line : replayed.differences) {
+        text += "  " + printable(line) + "\n";
+    }
+    return text;
+}
+
+JSON jsonOf(const ReplayedRequest& replayed) {
+    return {{"request", replayed.number},
+            {"name", replayed.name},
+            {"isSame", replayed.notReplayed.empty() && replayed.differences.empty()},
+            {"notReplayed", replayed.notReplayed.empty() ? JSON() : JSON(replayed.notReplayed)},
+            {"processes", replayed.childCount},
+            {"records", replayed.recordCount},
+            {"differences", replayed.differences}};
+}
+
+CommandOutput outputOf(const std::vector<ReplayedRequest>& all, bool isJSON) {
+    CommandOutput output;
+    JSON json = JSON::array();
+    std::size_t differing = 0;
+    for (const ReplayedRequest& replayed : all) {
+        differing += replayed.differences.empty() ? 0 : 1;
+        if (isJSON) {
+            json.push_back(jsonOf(replayed));
+        } else {
+            output.standardOutput += textOf(replayed);
+        }
+    }
+    if (isJSON) {
+        output.standardOutput = lineOfJSON({{"requests", std::move(json)}});
+    } else {
+        output.standardOutput += counted(all.size(), "request") + ", " +
+                                 (differing == 0 ? "none" : std::to_string(differing)) +
+                                 " different\n";
+    }
+    output.exitStatus = differing == 0 ? exitDone : exitFailed;
+    return output;
+}
+
+CommandOutput run(const CommandCall& call) {
+    const std::string path = call.arguments.value("FILE").value_or("");
+    const RecordingReading recording = readRecording(path);
+    if (!recording.failure.empty()) {
+        return refusal("recording " + inQuotes(path) + " " + recording.failure, exitUsageError);
+    }
+    // A location that begins with "~" names the folder of the recording. No other thread runs yet.
+    if (const std::string home = recording.header.value("home", ""); !home.empty()) {
+        ::setenv("HOME", home.c_str(), 1);
+    }
+    std::vector<ReplayedRequest> all;
+    for (const RecordedRequest& request : recording.requests) {
+        all.push_back(replay(call.session, request, makeOwn));
+    }
+    return outputOf(all, call.isJSON);
+}
+
+constexpr Parameter parameters[] = {
+    {"FILE", "The recording", Takes::pathAsWritten, Occurs::once},
+};
+
+}  // namespace
+
+constinit const Command replayCommand{
+    .name = "replay",
+    .group = requestsGroup,
+    .summary = "Carry out the requests of a recording without git",
+    .details =
+        "Compares each outcome with the recorded one. Runs no program, and neither reads\n"
+        "nor changes the repository, which need not exist. Lines that begin with '-' show\n"
+        "what was recorded, lines with '+' what is different now. The exit status is 1 if\n"
+        "anything differs. docs/recordings.md describes recordings.\n"
+        "\n"
+        "Example:\n"
+        "  nebsc --record log.recording log -n 10\n"
+        "  nebsc replay log.recording\n",
+    .parameters = parameters,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

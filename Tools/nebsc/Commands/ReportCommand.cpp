@@ -1,0 +1,145 @@
+#include <filesystem>
+#include <map>
+
+#include "CommandLine/CommandLineParser.h"
+#include "Commands/Commands.h"
+#include "Commands/InspectingCommands.h"
+#include "Commands/RecordingCommands.h"
+#include "NEBFoundation/NEBSourceControlChildEnvironment.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "Platform/ChildProcess.h"
+#include "Recording/LastFailure.h"
+#include "Recording/RecordingReader.h"
+#include "Session/ProgramFile.h"
+#include "Terminal/PrintableText.h"
+#include "Terminal/ShellText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+std::string textOf(const LastFailure& failure) {
+    std::string text = "nebsc";
+    for (const std::string& argument : failure.arguments) {
+        text += " " + shellQuoted(argument);
+    }
+    return text;
+}
+
+/// Whether the command may run again: it only reads, and is still valid.
+bool mayRunAgain(const LastFailure& failure) {
+    const auto parsed = parseCommandLine(failure.arguments, allCommands());
+    const auto* commandLine = std::get_if<ParsedCommandLine>(&parsed);
+    return !failure.hadSecret && commandLine != nullptr && readsOnly(commandLine->commands);
+}
+
+/// Runs the command with a recording. Returns how nebsc ended.
+TerminationStatus runAgain(const LastFailure& failure, const std::string& file) {
+    std::vector<std::string> arguments{"--record", file};
+    arguments.insert(arguments.end(), failure.arguments.begin(), failure.arguments.end());
+    ChildProcess nebsc;
+    return nebsc
+        .run({{.launchPath = programFile(),
+               .arguments = std::move(arguments),
+               .currentDirectoryPath = failure.folder,
+               .environment = NEBSourceControlInheritedEnvironment()}})
+        .front()
+        .status;
+}
+
+/// What a recording contains, in figures.
+struct Contents {
+    std::map<std::string, int> requests;
+    std::size_t processes = 0, outputBytes = 0, answers = 0;
+};
+
+Contents contentsOf(const RecordingReading& recording) {
+    Contents contents;
+    contents.processes = recording.otherChildren;
+    for (const RecordedRequest& request : recording.requests) {
+        ++contents.requests[request.outcome.is_object() && request.outcome["name"].is_string()
+                                ? request.outcome["name"].get<std::string>()
+                                : "refused"];
+        contents.answers += request.answers.size();
+        for (const NEBSourceControlRecordedRun& run : request.runs) {
+            contents.processes += run.children.size();
+            for (const NEBSourceControlRecordedChild& child : run.children) {
+                contents.outputBytes += child.output.size() + child.errorOutput.size();
+            }
+        }
+    }
+    return contents;
+}
+
+std::string summaryOf(const std::string& file, const RecordingReading& recording,
+                      const LastFailure& failure, const TerminationStatus& status) {
+    const Contents contents = contentsOf(recording);
+    std::string names;
+    for (const auto& [name, count] : contents.requests) {
+        names += (names.empty() ? "" : ", ") + name +
+                 (count > 1 ? " (" + std::to_string(count) + " times)" : "");
+    }
+    std::error_code ignored;
+    return "Recorded again: " + printable(textOf(failure)) + "\n" +
+           "  result:            " + status.description() + "\n" +
+           "  requests:          " + (names.empty() ? "none" : names) + "\n" +
+           "  processes of git:  " + std::to_string(contents.processes) + "\n" +
+           "  output of git:     " + std::to_string(contents.outputBytes) + " bytes\n" +
+           "  answers on files:  " + std::to_string(contents.answers) + "\n" +
+           "  versions:          nebsc " + recording.header.value("nebsc", "") + ", plug-in " +
+           recording.header.value("plugIn", "") + ", " +
+           printable(recording.header.value("git", "")) + "\n" +
+           "  file:              " + printable(file) + ", " +
+           std::to_string(std::filesystem::file_size(file, ignored)) + " bytes\n" +
+           "\n"
+           "Passwords and tokens are replaced. File names, names of people, texts of commits and\n"
+           "contents that git printed are part of the file: read it before you pass it on.\n"
+           "Nothing was sent.\n";
+}
+
+CommandOutput run(const CommandCall& call) {
+    const auto failure = lastFailure();
+    if (!failure) {
+        return refusal("no failure is known", exitFailed);
+    }
+    if (!mayRunAgain(*failure)) {
+        return refusalWithAdvice(
+            "the last failure was of " + inQuotes(textOf(*failure)) +
+                (failure->hadSecret ? ", which had a password" : ", which may change something"),
+            "Run it with '--record FILE' to record it.", NEBSourceControlUnknownErrorClass.text());
+    }
+    const std::string file = std::filesystem::absolute(call.arguments.value("FILE").value_or(""));
+    const TerminationStatus status = runAgain(*failure, file);
+    const RecordingReading recording = readRecording(file);
+    constexpr int refused = 2;
+    if (!recording.failure.empty() || status.exitStatus() == refused) {
+        return refusal("the file " + inQuotes(file) + " was not recorded: nebsc ended with " +
+                           status.description(),
+                       exitFailed);
+    }
+    return {.standardOutput = summaryOf(file, recording, *failure, status), .standardError = {}};
+}
+
+constexpr Parameter parameters[] = {
+    {"FILE", "The new file for the recording", Takes::pathAsWritten, Occurs::once},
+};
+
+}  // namespace
+
+constinit const Command reportCommand{
+    .name = "report",
+    .group = requestsGroup,
+    .summary = "Record the command that failed last, for a bug report",
+    .details =
+        "Runs the last command of nebsc that failed again, with '--record FILE', if it\n"
+        "only reads. Prints what the file contains; sends nothing. docs/recordings.md\n"
+        "describes recordings.\n"
+        "\n"
+        "Example:\n"
+        "  nebsc report failure.recording\n",
+    .parameters = parameters,
+    .needsPlugIn = false,
+    .run = run,
+};
+
+}  // namespace neb::nebsc

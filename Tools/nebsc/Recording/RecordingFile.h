@@ -1,0 +1,65 @@
+// RecordingFile.h - writes a recording; docs/recordings.md describes the format.
+//
+//     RecordingFile file("/tmp/status.recording");
+//     if (const auto failure = file.open("1.0")) { … }
+//     {
+//         const Interceptor::Scope scope(file.interceptor());
+//         session.perform(request, run);
+//     }
+//     if (const auto failure = file.finish()) { … }
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "Platform/FileDescriptor.h"
+#include "Platform/FileFailure.h"
+#include "Platform/Mutex.h"
+#include "Platform/NewFile.h"
+#include "Session/RequestRecording.h"
+
+namespace neb::nebsc {
+
+/// The version of the format.
+inline constexpr int recordingVersion = 1;
+
+/// A file that appears complete when it is finished, readable by its owner only. An existing file
+/// stays. Secrets are removed from everything that is written. Thread-safe.
+class RecordingFile {
+public:
+    /// Takes an absolute path.
+    explicit RecordingFile(const std::string& path) : _file(path, "recording") {}
+    RecordingFile(const RecordingFile&) = delete;
+    RecordingFile& operator=(const RecordingFile&) = delete;
+    ~RecordingFile() = default;
+
+    /// Creates the draft and writes its first line, with the version of the plug-in and, which runs
+    /// it, of git. Returns the failure, if any.
+    [[nodiscard]] std::optional<FileFailure> open(const std::string& plugInVersion);
+    /// Returns an interceptor for what belongs to no request. In its scope, requests are recorded.
+    /// The file must outlive it.
+    [[nodiscard]] std::shared_ptr<Interceptor> interceptor();
+    /// Writes the last line and moves the file to its path. Returns the first failure since open().
+    [[nodiscard]] std::optional<FileFailure> finish();
+
+    [[nodiscard]] const std::string& path() const { return _file.path(); }
+
+private:
+    class Recording;
+
+    [[nodiscard]] std::shared_ptr<RequestRecording> begin(const NEBSourceControlRequest& request,
+                                                          const OwnOperation& own);
+    /// Removes secrets from the JSON, and writes it on a line.
+    void write(nlohmann::ordered_json line);
+    void writeLine(const std::string& line) NEB_REQUIRES(_mutex);
+
+    Mutex _mutex;
+    NewFile _file;
+    FileDescriptor _draft NEB_GUARDED_BY(_mutex);
+    int _failure NEB_GUARDED_BY(_mutex) = 0;
+    int _requestCount NEB_GUARDED_BY(_mutex) = 0;
+    int _lineCount NEB_GUARDED_BY(_mutex) = 0;
+};
+
+}  // namespace neb::nebsc

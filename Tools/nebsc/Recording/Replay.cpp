@@ -1,0 +1,230 @@
+#include "Recording/Replay.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "JSON/OutcomeJSON.h"
+#include "JSON/RequestJSON.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Recording/RequestText.h"
+#include "Recording/SecretRedaction.h"
+#include "Terminal/PrintableText.h"
+
+namespace neb::nebsc {
+
+namespace {
+
+using JSON = nlohmann::ordered_json;
+
+/// The most lines of a difference that are shown on either side.
+constexpr std::size_t mostLines = 20;
+
+std::string textOf(const JSON& json) {
+    return json.dump(-1, ' ', false, JSON::error_handler_t::replace);
+}
+
+/// The members of an outcome that are compared one by one; the command lines are compared when the
+/// children are looked up, and contain the folder of git.
+JSON comparedMembers(JSON outcome) {
+    outcome.erase("command");
+    outcome.erase("commands");
+    outcome.erase("result");
+    return outcome;
+}
+
+JSON resultOf(const JSON& outcome, const JSON& delivered) {
+    return delivered.empty() ? outcome.value("result", JSON()) : delivered;
+}
+
+void addLines(std::vector<std::string>& lines, std::string_view sign, const JSON& records,
+              std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < std::min(end, begin + mostLines); ++i) {
+        lines.push_back(std::string(sign) + textOf(records[i]));
+    }
+    if (end > begin + mostLines) {
+        lines.push_back(std::string(sign) + "… " + std::to_string(end - begin - mostLines) +
+                        " more records");
+    }
+}
+
+/// Compares lists record by record: what is between the equal records at both ends differs.
+void compareResults(const JSON& recorded, const JSON& replayed, std::vector<std::string>& lines) {
+    if (!recorded.is_array() || !replayed.is_array()) {
+        if (recorded != replayed) {
+            lines.push_back("- result: " + (recorded.is_array() ? "a list" : textOf(recorded)));
+            lines.push_back("+ result: " + (replayed.is_array() ? "a list" : textOf(replayed)));
+        }
+        return;
+    }
+    const std::size_t common = std::min(recorded.size(), replayed.size());
+    std::size_t begin = 0;
+    while (begin < common && recorded[begin] == replayed[begin]) {
+        ++begin;
+    }
+    std::size_t end = 0;
+    while (end < common - begin &&
+           recorded[recorded.size() - 1 - end] == replayed[replayed.size() - 1 - end]) {
+        ++end;
+    }
+    addLines(lines, "- ", recorded, begin, recorded.size() - end);
+    addLines(lines, "+ ", replayed, begin, replayed.size() - end);
+}
+
+void compareMembers(const JSON& recorded, const JSON& replayed, std::vector<std::string>& lines) {
+    const auto valueOf = [](const JSON& json, const std::string& name) {
+        return json.contains(name) ? textOf(json[name]) : "absent";
+    };
+    std::vector<std::string> names;
+    for (const JSON& json : {recorded, replayed}) {
+        for (const auto& [name, value] : json.items()) {
+            if (std::ranges::find(names, name) == names.end()) {
+                names.push_back(name);
+            }
+        }
+    }
+    for (const std::string& name : names) {
+        const std::string before = valueOf(recorded, name);
+        const std::string now = valueOf(replayed, name);
+        if (before != now) {
+            lines.push_back("- " + name + ": " + before);
+            lines.push_back("+ " + name + ": " + now);
+        }
+    }
+}
+
+void addDifference(const NEBSourceControlReplayDifference& difference,
+                   std::vector<std::string>& lines) {
+    using Kind = NEBSourceControlReplayDifference::Kind;
+    switch (difference.kind) {
+        case Kind::missingRun:
+            lines.push_back("+ run: " + difference.subject);
+            break;
+        case Kind::unusedRun:
+            lines.push_back("- run: " + difference.subject);
+            break;
+        case Kind::missingAnswer:
+            lines.push_back("+ question: " + difference.subject);
+            break;
+        case Kind::otherInput:
+            lines.push_back("- input of " + difference.subject + ": " +
+                            textOf(jsonOfBytes(difference.recorded)));
+            lines.push_back("+ input of " + difference.subject + ": " +
+                            textOf(jsonOfBytes(difference.replayed)));
+            break;
+    }
+}
+
+/// Gives an operation of nebsc's own its recorded command line, which depended on the options of
+/// the command.
+void prepareOwn(NEBSourceControlTaskOperation& operation, const RecordedRequest& recorded) {
+    std::vector<std::string> arguments;
+    for (const JSON& argument : recorded.own.value("arguments", JSON::array())) {
+        arguments.push_back(bytesOfJSON(argument));
+    }
+    operation.setArguments(std::move(arguments));
+    if (const JSON folder = recorded.own.value("folder", JSON()); !folder.is_null()) {
+        operation.setCurrentDirectoryPath(bytesOfJSON(folder));
+    }
+}
+
+/// Performs the request with the player, and returns the outcome as JSON.
+class Performance {
+public:
+    Performance(const HostSession& session, const RecordedRequest& recorded, RequestReading reading)
+        : _session(session), _recorded(recorded), _reading(std::move(reading)) {}
+
+    /// Returns why it is not possible; empty if it was.
+    std::string perform(const OwnOperationMaker& makeOwn) {
+        const Interceptor::Scope scope(_player);
+        std::shared_ptr<NEBSourceControlTaskOperation> own;
+        if (!_recorded.own.is_null()) {
+            const std::string name = _recorded.own.at("operation").get<std::string>();
+            own = makeOwn(name, _reading.request);
+            if (!own) {
+                return "it ran " + name + ", which is not part of a request";
+            }
+            prepareOwn(*own, _recorded);
+        }
+        const HostSession::Runner run = [this](NEBSourceControlOperation& operation) {
+            start(operation);
+        };
+        if (own && !_recorded.own.value("isChecked", false)) {
+            _outcome = _session.performOperation(*own, run);
+            return {};
+        }
+        RequestResult result = _session.perform(_reading.request, run, own);
+        if (result.refusedValue) {
+            return sentenceOfRefusedValue(*result.refusedValue);
+        }
+        _outcome = std::move(*result.outcome);
+        return {};
+    }
+
+    [[nodiscard]] JSON outcome() const {
+        JSON json = JSON::parse(textOfOutcome(_outcome), nullptr, false);
+        removeSecretsFrom(json);
+        return json;
+    }
+    [[nodiscard]] const JSON& delivered() const { return _delivered; }
+
+    [[nodiscard]] const NEBSourceControlPlayer& player() const { return *_player; }
+
+private:
+    void start(NEBSourceControlOperation& operation) {
+        _reading.settings.applyTo(operation);
+        if (_recorded.outcome.contains("recordCount")) {
+            operation.setRecordSink([this](const NEBSourceControlResult& records) {
+                JSON batch = JSON::parse(textOfRecords(records), nullptr, false);
+                removeSecretsFrom(batch);
+                _delivered.insert(_delivered.end(), batch.begin(), batch.end());
+            });
+        }
+        operation.start();
+    }
+
+    const HostSession& _session;
+    const RecordedRequest& _recorded;
+    const RequestReading _reading;
+    const std::shared_ptr<NEBSourceControlPlayer> _player =
+        std::make_shared<NEBSourceControlPlayer>(_recorded.runs, _recorded.answers,
+                                                 withoutSecretBytes);
+    Outcome _outcome;
+    JSON _delivered = JSON::array();
+};
+
+}  // namespace
+
+ReplayedRequest replay(const HostSession& session, const RecordedRequest& recorded,
+                       const OwnOperationMaker& makeOwn) {
+    ReplayedRequest result{.number = recorded.number, .childCount = 0};
+    for (const NEBSourceControlRecordedRun& run : recorded.runs) {
+        result.childCount += run.children.size();
+    }
+    RequestReading reading = requestFromJSON(textOf(recorded.json));
+    if (!reading.request) {
+        result.notReplayed = reading.refusal;
+        return result;
+    }
+    const auto type = reading.request->type;
+    result.name = NEBSourceControlRequestTypeName(type).value_or(std::to_string(type));
+    if (recorded.outcome.is_null() || recorded.wasCancelled()) {
+        result.notReplayed = recorded.outcome.is_null() ? "it was refused" : "it was cancelled";
+        return result;
+    }
+    Performance performance(session, recorded, std::move(reading));
+    result.notReplayed = performance.perform(makeOwn);
+    if (result.notReplayed.empty()) {
+        for (const auto& difference : performance.player().differences()) {
+            addDifference(difference, result.differences);
+        }
+        const JSON outcome = performance.outcome();
+        const JSON records = resultOf(outcome, performance.delivered());
+        result.recordCount = records.is_array() ? records.size() : 0;
+        compareResults(resultOf(recorded.outcome, recorded.delivered), records, result.differences);
+        compareMembers(comparedMembers(recorded.outcome), comparedMembers(outcome),
+                       result.differences);
+    }
+    return result;
+}
+
+}  // namespace neb::nebsc

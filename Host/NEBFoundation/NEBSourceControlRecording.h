@@ -129,9 +129,9 @@ struct NEBSourceControlReplayDifference {
     };
     Kind kind;
     /// The command line, or the question and its subject, on one line, without passwords of URLs.
-    std::string subject;
+    std::string subject{};
     /// The recorded and the new input of `otherInput`; empty otherwise.
-    Data recorded, replayed;
+    Data recorded{}, replayed{};
 };
 
 /// Answers from a recording. Never starts a process, and never reads or changes a file. A run is

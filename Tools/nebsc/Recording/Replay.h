@@ -20,14 +20,14 @@ using OwnOperationMaker = std::function<std::shared_ptr<NEBSourceControlTaskOper
 struct ReplayedRequest {
     int number = 0;
     /// The name of the request type, "log", or its number.
-    std::string name;
+    std::string name{};
     std::size_t childCount = 0;
     std::size_t recordCount = 0;
     /// Why the request was not replayed; empty if it was.
-    std::string notReplayed;
+    std::string notReplayed{};
     /// The differences as lines: "- " and what was recorded, "+ " and what there is now. Empty if
     /// the outcomes are equal.
-    std::vector<std::string> differences;
+    std::vector<std::string> differences{};
 };
 
 /// Replays one request. Starts no process, and neither reads nor changes a file.

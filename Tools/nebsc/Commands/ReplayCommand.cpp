@@ -157,8 +157,7 @@ constinit const Command replayCommand{
         "anything differs. docs/recordings.md describes recordings.\n"
         "\n"
         "Example:\n"
-        "  nebsc --record log.recording log -n 10\n"
-        "  nebsc replay log.recording\n",
+        "  nebsc replay log.recording    written by 'nebsc --record log.recording log'\n",
     .parameters = parameters,
     .run = run,
 };

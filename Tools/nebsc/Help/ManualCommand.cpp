@@ -31,6 +31,9 @@ constexpr std::array<Entry, 12> variables{{
      "The directory for the socket through which git asks for passwords; else TMPDIR, else /tmp."},
     {"GIT_TERMINAL_PROMPT",
      "If 0, nothing is asked at the terminal when a server needs a password."},
+    {"XDG_STATE_HOME",
+     "The folder for the command line that failed last, for 'nebsc report'; by default "
+     "~/.local/state."},
     {"NO_COLOR", "If not empty, disables colours, except with --color=always."},
     {"TERM", "If 'dumb', disables colours, except with --color=always, and the pager."},
     {"GIT_PAGER",

@@ -96,6 +96,11 @@ void GitChangeBranchOperation::rename(const std::string& branch) {
 }
 
 void GitChangeBranchOperation::begin(const std::string& branch) {
+    if (request()->option(NEBSourceControlRequestOptionBranch).isPresent()) {
+        fail(NEBSourceControlRequestInvalidErrorClass,
+             "A branch without commits can only be begun from the current one.");
+        return;
+    }
     const auto name = queriedName(request()->destination);
     const auto commit =
         name ? queriedLine({"for-each-ref", "--format=%(objectname)", fullNameOf(branch)})

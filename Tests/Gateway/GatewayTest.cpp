@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
@@ -196,13 +197,13 @@ TEST_F(Gateway, RefusesAMessageThatMayNotBeSent) {
     EXPECT_EQ(post("no session", JSON::object())->status, 404);
 }
 
-/// A client that fills the disk of nebsc with one message.
 TEST_F(Gateway, RefusesAMessageThatIsTooLong) {
     Events events(origin, headers);
     const auto response =
         httplib::Client(origin).Post("/messages?session=" + sessionOf(events), headers,
                                      std::string(2U << 20U, 'x'), "application/json");
     EXPECT_TRUE(!response || response->status == 413);
+    EXPECT_EQ(get("/repository")->status, 200);
 }
 
 TEST_F(Gateway, ServesTwoPagesAtOnce) {
@@ -245,6 +246,33 @@ TEST_F(Gateway, RunsNoProgramOfTheRepositoryUnlessItIsTrusted) {
     Events events(origin, headers);
     static_cast<void>(perform(events, 1, {{"type", 1000}}));
     EXPECT_TRUE(std::filesystem::exists(repository.path("ran")));
+}
+
+/// xdg-open gets a file, so that the browser sees another site lead to the URL.
+TEST_F(Gateway, OpensThePageFromAFile) {
+    EXPECT_EQ(httplib::Client(origin)
+                  .Get(url.substr(origin.size()), {{"Sec-Fetch-Site", "cross-site"}})
+                  ->status,
+              200);
+}
+
+TEST_F(Gateway, EndsThoughAClientIsSlow) {
+    httplib::Client slow(origin);
+    std::atomic<bool> hasEnded = false;
+    std::thread sender([&] {
+        slow.Post(
+            "/messages", headers, 1000,
+            [&](std::size_t, std::size_t, httplib::DataSink& sink) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                return !hasEnded && sink.write(" ", 1);
+            },
+            "application/json");
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    nebsc->send(SIGINT);
+    EXPECT_EQ(nebsc->outcome().exitStatus, 130);
+    hasEnded = true;
+    sender.join();
 }
 
 TEST_F(Gateway, EndsAfterASignalAndClosesItsPages) {

@@ -1,6 +1,8 @@
 #include "HTTPGateway.h"
 
+#include <arpa/inet.h>
 #include <httplib.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,6 +31,8 @@ constexpr auto longestWait = 500ms;
 constexpr std::size_t longestMessage = std::size_t{1} << 20;
 /// For requests beside those of the open pages, which occupy a thread each.
 constexpr std::size_t otherThreads = 8;
+/// More than the threads need.
+constexpr int mostDescriptors = 1024;
 
 constexpr int statusForbidden = 403;
 constexpr int statusNotFound = 404;
@@ -92,6 +96,7 @@ private:
 
     const BrowseGateway::Site& _site;
     PageRequests _requests;
+    int _port = -1;
     std::optional<PageAccess> _access;
     OpenPages _pages;
     std::atomic<bool> _isStopping = false;
@@ -103,11 +108,11 @@ CommandOutput Run::serve() {
     _http.new_task_queue = [] {
         return new httplib::ThreadPool(OpenPages::mostPages + otherThreads);  // the server owns it
     };
-    const int port = _http.bind_to_any_port("127.0.0.1");
-    if (port < 0) {
+    _port = _http.bind_to_any_port("127.0.0.1");
+    if (_port < 0) {
         return refusal("no free port on 127.0.0.1", exitFailed);
     }
-    _access.emplace(port);
+    _access.emplace(_port);
     addHandlers();
     static_cast<void>(writeAll(STDOUT_FILENO, _access->url() + "\n"));
     std::optional<BrowserStart> browser;
@@ -116,10 +121,25 @@ CommandOutput Run::serve() {
     }
     const Interruption::Work work(_site.interruption, [this] { _isStopping = true; });
     std::thread timer = startSignalFreeThread([this] { stopInTime(); });
+    if (!timer.joinable()) {
+        return refusal("the system has no thread left", exitFailed);
+    }
     _http.listen_after_bind();
     _hasStopped = true;
     timer.join();
     return {};
+}
+
+/// Ends the connections of the server, so that none of its threads waits for a slow client.
+void endConnections(int port) {
+    for (int descriptor = STDERR_FILENO + 1; descriptor < mostDescriptors; ++descriptor) {
+        sockaddr_in address{};
+        socklen_t length = sizeof address;
+        if (::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+            address.sin_family == AF_INET && ntohs(address.sin_port) == port) {
+            ::shutdown(descriptor, SHUT_RDWR);
+        }
+    }
 }
 
 /// Stops the server after a signal, or when no page has been open for a while.
@@ -132,6 +152,7 @@ void Run::stopInTime() {
         }
         if (_isStopping) {
             _http.stop();
+            endConnections(_port);
         }
     }
 }
@@ -143,7 +164,7 @@ void Run::addHandlers() {
     _http.set_pre_routing_handler(
         [this](const httplib::Request& request, httplib::Response& response) {
             const bool opens = request.path == "/" && request.has_param("token");
-            const std::string refused = opens ? _access->refusalOfSender(headersOf(request))
+            const std::string refused = opens ? _access->refusalToOpen(headersOf(request))
                                               : _access->refusal(headersOf(request));
             if (refused.empty()) {
                 return httplib::Server::HandlerResponse::Unhandled;
@@ -221,11 +242,12 @@ void Run::openEvents(httplib::Response& response) {
 
 /// Sends the messages of the server, or a comment, which fails if the page is gone.
 bool Run::sendEvents(PageSession& session, httplib::DataSink& sink) const {
+    const bool isLast = session.hasEnded();
     std::string events;
     for (const std::string& message : session.receive(longestWait)) {
         events.append("data: ").append(message).append("\n\n");
     }
-    if (events.empty() && (session.hasEnded() || _isStopping)) {
+    if (events.empty() && (isLast || _isStopping)) {
         sink.done();
         return true;
     }

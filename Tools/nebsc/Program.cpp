@@ -143,11 +143,12 @@ CommandOutput runOrReportUsage(const ParsedCommandLine& commandLine, const Brows
 }
 
 /// Whether a failure of the command is remembered for `nebsc report`. Those for programs depend on
-/// their input, or record it themselves.
+/// their input, or record it themselves; a page cannot be recorded.
 bool isReported(const ParsedCommandLine& commandLine) {
     return !commandLine.commands.empty() && commandLine.commands.front()->group != requestsGroup &&
            commandLine.commands.front()->group != shellGroup &&
            commandLine.commands.front()->group != hiddenGroup &&
+           commandLine.commands.front() != &browseCommand &&
            !commandLine.arguments.has(recordOption);
 }
 

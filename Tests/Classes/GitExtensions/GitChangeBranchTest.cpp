@@ -110,6 +110,14 @@ TEST_F(ChangeBranch, BeginsBesideOneWithoutCommits) {
                 HasErrorClass(NEBSourceControlBranchExistsErrorClass));
 }
 
+/// It would begin with the commits of the current one.
+TEST_F(ChangeBranch, BeginsBesideTheCurrentOneOnly) {
+    repository.commitFile("a.c", "1");
+    EXPECT_THAT(changed("begin", "new", "none")->error(),
+                HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
+    EXPECT_EQ(idOf("new"), "");
+}
+
 TEST_F(ChangeBranch, IsReplacedOnlyByForce) {
     repository.commitFile("a.c", "1");
     repository.git({"branch", "other"});

@@ -20,8 +20,14 @@ TEST_F(BrowseCommand, RefusesAFolderWithoutRepository) {
                  StartsWith("nebsc: the folder is not in a git repository\n"));
 }
 
-TEST_F(BrowseCommand, RefusesJSON) {
-    EXPECT_EQ(nebsc({"browse", "--json"}).exitStatus, 2);
+TEST_F(BrowseCommand, RefusesOptionsThatWouldHaveNoEffect) {
+    expectFailed(nebsc({"browse", "--no-open", "--json"}),
+                 StartsWith("nebsc: option '--json' cannot be combined with 'browse'\n"), 2);
+    expectFailed(nebsc({"--record", repository.path("../file"), "browse", "--no-open"}),
+                 StartsWith("nebsc: option '--record' cannot be combined with 'browse'\n"), 2);
+    EXPECT_FALSE(isThere("../file"));
+    expectFailed(nebsc({"--inspect", "browse", "--no-open", "--trust"}),
+                 StartsWith("nebsc: option '--trust' cannot be combined with '--inspect'\n"), 2);
 }
 
 TEST_F(BrowseCommand, SaysWhichProgramIsMissing) {

@@ -65,6 +65,18 @@ TEST(PageAccess, RefusesPagesOfOtherSites) {
     }
 }
 
+/// The file that leads the browser to the URL is another site.
+TEST(PageAccess, OpensThePageFromAFile) {
+    const PageRequestHeaders headers{.host = "127.0.0.1:4711", .site = "cross-site"};
+    EXPECT_EQ(access.refusalToOpen(headers), "");
+    EXPECT_NE(access.refusal(headers), "");
+}
+
+TEST(PageAccess, OpensThePageForNoScriptOfAnotherSite) {
+    const PageRequestHeaders headers{.host = "127.0.0.1:4711", .origin = "http://example.org"};
+    EXPECT_NE(access.refusalToOpen(headers), "");
+}
+
 /// A page whose name resolves to the loopback address.
 TEST(PageAccess, RefusesOtherHosts) {
     for (const char* host :
@@ -72,7 +84,7 @@ TEST(PageAccess, RefusesOtherHosts) {
         PageRequestHeaders headers = own();
         headers.host = host;
         EXPECT_THAT(access.refusal(headers), HasSubstr("http://127.0.0.1:4711")) << host;
-        EXPECT_NE(access.refusalOfSender(headers), "") << host;
+        EXPECT_NE(access.refusalToOpen(headers), "") << host;
     }
 }
 

@@ -32,12 +32,7 @@ protected:
         return findWorkingCopy(git().interruption(), git().trace(), currentFolder(), folder, {},
                                git().trust());
     }
-    std::optional<CommandOutput> validate() override {
-        if (isJSON()) {
-            throw invalidArguments("option '--json' cannot be combined with 'browse'");
-        }
-        return refusalOutsideRepository(git());
-    }
+    std::optional<CommandOutput> validate() override { return refusalOutsideRepository(git()); }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newRequest(NEBSourceControlRequestUnfinishedOperation);
     }
@@ -110,7 +105,21 @@ CommandOutput executeGateway(const CommandCall& call) {
     return output;
 }
 
+/// Throws a UsageError for options that would have no effect.
+void checkOptions(const CommandCall& call) {
+    for (const std::string_view option : {jsonOption, recordOption}) {
+        if (call.arguments.has(option)) {
+            throw invalidArguments("option " + inQuotes(option) +
+                                   " cannot be combined with 'browse'");
+        }
+    }
+    if (call.arguments.has("--trust") && call.session.isInspecting()) {
+        throw invalidArguments("option '--trust' cannot be combined with '--inspect'");
+    }
+}
+
 CommandOutput run(const CommandCall& call) {
+    checkOptions(call);
     return call.gateway == nullptr ? executeGateway(call) : BrowseTask(call, *call.gateway).run();
 }
 

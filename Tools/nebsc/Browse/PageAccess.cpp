@@ -14,6 +14,7 @@ namespace neb::nebsc {
 namespace {
 
 constexpr std::size_t secretBytes = 24;
+constexpr std::string_view foreignPage = "Pages of other sites cannot use this server.";
 
 std::string newSecret() {
     std::array<unsigned char, secretBytes> bytes{};
@@ -69,21 +70,23 @@ std::string PageAccess::newCookie() const {
     return _cookieName + "=" + _cookieValue + "; HttpOnly; SameSite=Strict; Path=/";
 }
 
-/// A page of another name that resolves to this address has another Host. A page of another origin
-/// has another Origin, and what it loads without one has another site.
-std::string PageAccess::refusalOfSender(const PageRequestHeaders& headers) const {
+/// A page of another name that resolves to this address has another Host. A script of another
+/// origin has another Origin.
+std::string PageAccess::refusalToOpen(const PageRequestHeaders& headers) const {
     if (headers.host != _host) {
         return "The address of this server is " + origin() + ".";
     }
     const bool isOwn = headers.origin.empty() || headers.origin == origin();
-    const bool isFromHere =
-        headers.site.empty() || headers.site == "same-origin" || headers.site == "none";
-    return isOwn && isFromHere ? "" : "Pages of other sites cannot use this server.";
+    return isOwn ? "" : std::string(foreignPage);
 }
 
+/// What a page of another origin loads without a script has another site.
 std::string PageAccess::refusal(const PageRequestHeaders& headers) const {
-    if (std::string sender = refusalOfSender(headers); !sender.empty()) {
-        return sender;
+    if (std::string refused = refusalToOpen(headers); !refused.empty()) {
+        return refused;
+    }
+    if (!headers.site.empty() && headers.site != "same-origin" && headers.site != "none") {
+        return std::string(foreignPage);
     }
     return isSameSecret(cookieIn(headers.cookies, _cookieName), _cookieValue)
                ? ""

@@ -2,7 +2,7 @@
 //
 // Every process of the machine, and every page that the browser shows, can connect to a port on the
 // loopback interface. The URL that nebsc prints has a random token. It opens a page that has a
-// random cookie from then on, which the browser sends to this server only.
+// random cookie from then on, which the browser sends to 127.0.0.1 only, but to all its ports.
 #pragma once
 
 #include <string>
@@ -34,10 +34,12 @@ public:
     /// The value of the header Set-Cookie.
     [[nodiscard]] std::string newCookie() const;
 
-    /// Returns why the request is refused, as a sentence; empty if it is addressed to this server,
-    /// by the user or by one of its own pages. Needs no cookie.
-    [[nodiscard]] std::string refusalOfSender(const PageRequestHeaders& headers) const;
-    /// The same, and the request must have the cookie.
+    /// Returns why a request with the token is refused, as a sentence; empty if it is addressed to
+    /// this server, and no script of another site sent it. It may come from a page of another site,
+    /// such as a file that leads to the URL.
+    [[nodiscard]] std::string refusalToOpen(const PageRequestHeaders& headers) const;
+    /// Returns why any other request is refused; empty if it is addressed to this server, by the
+    /// user or by one of its own pages, and has the cookie.
     [[nodiscard]] std::string refusal(const PageRequestHeaders& headers) const;
 
 private:

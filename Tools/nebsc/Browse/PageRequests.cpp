@@ -17,9 +17,6 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-/// The types from here on name files by paths and commits by ids only.
-constexpr std::int32_t firstExtendedType = 1000;
-
 /// Whether the path stays in the folder, even if it is absolute or has "..". A file URL does not.
 bool staysIn(const std::string& folder, std::string_view path) {
     if (path.starts_with("file:")) {
@@ -31,7 +28,8 @@ bool staysIn(const std::string& folder, std::string_view path) {
 }
 
 std::string refusalOf(const NEBSourceControlRequest& request, const std::string& location) {
-    if (request.type < firstExtendedType ||
+    // Types below name servers and files anywhere.
+    if (request.type < NEBSourceControlFirstExtendedRequestType ||
         NEBSourceControlEffectOfRequest(request) != NEBSourceControlRequestEffect::reads ||
         NEBSourceControlRequestMayAuthenticate(request)) {
         return "A page can only make requests that read, of the types from 1000 on.";

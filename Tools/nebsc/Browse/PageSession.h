@@ -1,6 +1,6 @@
 // PageSession.h - the server of one open page.
 //
-//     PageSession session(hostSession, interruption, true);
+//     PageSession session(hostSession, interruption);
 //     session.send(R"({"jsonrpc":"2.0","id":1,"method":"sourceControl/perform", …})");
 //     for (const std::string& message : session.receive(500ms)) { … }
 #pragma once

@@ -37,12 +37,13 @@ TEST(ABIMismatch, NamesTheFirstDifferenceAndBothSides) {
               "X does not fit the host library: its size of NEBValue is 24, that of the host "
               "library is " +
                   std::to_string(sizeof(NEBValue)) + ".");
-    const std::string other = withLine("contract version", "7");
-    EXPECT_STREQ(NEBSourceControlMismatchOfHostStamp(other.c_str()),
-                 ("This program does not fit the host library: its contract version is 7, that of "
-                  "the host library is " +
-                  std::to_string(NEBSourceControlContractVersion) + ".")
-                     .c_str());
+    const std::string other = withLine("contract version", "1000");
+    EXPECT_STREQ(
+        NEBSourceControlMismatchOfHostStamp(other.c_str()),
+        ("This program does not fit the host library: its contract version is 1000, that of "
+         "the host library is " +
+         std::to_string(NEBSourceControlContractVersion) + ".")
+            .c_str());
 }
 
 TEST(ABIMismatch, AStampWithOtherLinesDoesNotFit) {

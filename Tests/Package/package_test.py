@@ -98,7 +98,7 @@ class Installation(PackageTest):
 
         umbrella = include / "NEBFoundation/NEBPlugIn.h"
         run(COMPILER, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror",
-            f"-I{include}", umbrella)
+            f"-I{include}", "-include", umbrella, "-x", "c++", "/dev/null")
         everything = run(COMPILER, "-std=c++20", "-MM", f"-I{include}", umbrella)
         self.assertEqual({os.path.relpath(path, include) for path in re.findall(r"/\S+\.h", everything)},
                          set(headers), "what NEBPlugIn.h does not bring is of no use to a host or a plug-in")
@@ -132,14 +132,14 @@ class Installation(PackageTest):
             (self.folder / "sources" / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(SOURCE / name, self.folder / "sources" / name)
         text = symbols.read_text()
-        changed = text.replace('"neb::NEBSourceControlPlugIn::load(', '"neb::NEBSourceControlPlugIn::unload(')
+        changed = text.replace('"neb::NEBSourceControlPlugIn::loadFile(', '"neb::NEBSourceControlPlugIn::unloadFile(')
         self.assertNotEqual(changed, text)
         symbols.write_text(changed)
         done = subprocess.run([symbols.parents[1] / "scripts/symbols", library], text=True,
                               capture_output=True)
         self.assertEqual(done.returncode, 1)
-        self.assertRegex(done.stdout, r"^no longer exported: neb::NEBSourceControlPlugIn::unload\(.*\n"
-                                      r"new: neb::NEBSourceControlPlugIn::load\(.*\n$")
+        self.assertRegex(done.stdout, r"^no longer exported: neb::NEBSourceControlPlugIn::unloadFile\(.*\n"
+                                      r"new: neb::NEBSourceControlPlugIn::loadFile\(.*\n$")
         run(symbols.parents[1] / "scripts/symbols", "--write", library)
         self.assertEqual(symbols.read_text(), text)
 

@@ -36,6 +36,7 @@ class Installation(PackageTest):
             f"lib/libNEBFoundation.so.{major_version()}",
             f"lib/libNEBFoundation.so.{project_version()}",
             "lib/nebgit/NEBGit.so",
+            "lib/nebgit/nebsc-browse",
             "lib/pkgconfig/nebgit.pc",
             "lib/cmake/NEBGit/NEBGitConfig.cmake",
             "lib/cmake/NEBGit/NEBGitConfigVersion.cmake",

@@ -23,7 +23,7 @@ constexpr std::array<Entry, 4> exitStatuses{{
 }};
 
 /// The variables that nebsc, its library and its plug-in read. Those that only git reads are git's.
-constexpr std::array<Entry, 12> variables{{
+constexpr std::array<Entry, 13> variables{{
     {"PATH", "The directories that are searched for git."},
     {"HOME", "The directory that '~' at the start of a path stands for."},
     {"TMPDIR", "The directory for 'nebsc export' without DEST; /tmp by default."},
@@ -32,7 +32,7 @@ constexpr std::array<Entry, 12> variables{{
     {"GIT_TERMINAL_PROMPT",
      "If 0, nothing is asked at the terminal when a server needs a password."},
     {"XDG_STATE_HOME",
-     "The folder for the command line that failed last, for 'nebsc report'; by default "
+     "The directory for the command line that failed last, for 'nebsc report'; by default "
      "~/.local/state."},
     {"NO_COLOR", "If not empty, disables colours, except with --color=always."},
     {"TERM", "If 'dumb', disables colours, except with --color=always, and the pager."},

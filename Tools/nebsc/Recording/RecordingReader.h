@@ -29,6 +29,7 @@ struct RecordedRequest {
 };
 
 /// A recording, or the reason why it could not be read.
+// NOLINTNEXTLINE(bugprone-exception-escape): the library's move constructor checks an assertion
 struct RecordingReading {
     nlohmann::ordered_json header;
     std::vector<RecordedRequest> requests;

@@ -86,8 +86,8 @@ void compareMembers(const JSON& recorded, const JSON& replayed, std::vector<std:
         const std::string before = valueOf(recorded, name);
         const std::string now = valueOf(replayed, name);
         if (before != now) {
-            lines.push_back("- " + name + ": " + before);
-            lines.push_back("+ " + name + ": " + now);
+            lines.push_back(std::string("- ").append(name).append(": ").append(before));
+            lines.push_back(std::string("+ ").append(name).append(": ").append(now));
         }
     }
 }

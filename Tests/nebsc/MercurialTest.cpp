@@ -23,17 +23,27 @@ TEST_F(Mercurial, StatusHasEachStateAndRenamesUnderTheNewName) {
     folder.write("work/s p.txt", "untracked\n");
     hg({"add", "new.txt"});
     hg({"mv", "b.txt", "c.txt"});
-    std::map<std::string, int> states;
-    const JSON outcome = request({{"type", 15}});
-    for (const JSON& record : outcome["result"]) {
-        states[record["NEBSourceControlOperationPathKey"]] =
-            record["NEBSourceControlOperationWCStatusKey"];
-    }
     const std::map<std::string, int> expected{{top + "/a.txt", 4},
                                               {top + "/new.txt", 1},
                                               {top + "/c.txt", 4096},
                                               {top + "/s p.txt", 256}};
-    EXPECT_EQ(states, expected);
+    EXPECT_EQ(states(), expected);
+}
+
+TEST_F(Mercurial, ARemovedFileIsNoSourceBecauseOfItsName) {
+    folder.write("work/x/a.txt", "other\n");
+    hg({"commit", "--addremove", "--quiet", "--message=Third"});
+    hg({"mv", "a.txt", "c.txt"});
+    hg({"remove", "x/a.txt"});
+    const std::map<std::string, int> expected{{top + "/c.txt", 4096}, {top + "/x/a.txt", 2}};
+    EXPECT_EQ(states(), expected);
+}
+
+TEST_F(Mercurial, ACopyIsAnAddedFile) {
+    hg({"cp", "a.txt", "d.txt"});
+    hg({"mv", "b.txt", "c.txt"});
+    const std::map<std::string, int> expected{{top + "/c.txt", 4096}, {top + "/d.txt", 1}};
+    EXPECT_EQ(states(), expected);
 }
 
 TEST_F(Mercurial, AMissingAndARemovedFileAreDeleted) {

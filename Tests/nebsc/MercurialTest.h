@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -47,6 +48,16 @@ protected:
     [[nodiscard]] std::string classOf(const nlohmann::ordered_json& request) const {
         const auto error = this->request(request)["error"];
         return error.is_null() ? "none" : error["class"].get<std::string>();
+    }
+    /// Returns the state of each file that a status lists, by its path.
+    [[nodiscard]] std::map<std::string, int> states() const {
+        std::map<std::string, int> all;
+        const auto outcome = request({{"type", 15}});
+        for (const auto& record : outcome["result"]) {
+            all[record["NEBSourceControlOperationPathKey"]] =
+                record["NEBSourceControlOperationWCStatusKey"];
+        }
+        return all;
     }
 
     TemporaryFolder folder;

@@ -27,7 +27,7 @@ std::uint32_t statusOf(std::string_view state) {
 }
 
 /// Each is a template; see `hg help templates`. No name and no author has a line end.
-constexpr std::string_view statusTemplate = R"({status}\n{reporoot}/{path}\n{source}\0)";
+constexpr std::string_view statusTemplate = R"({status}\n{reporoot}\n{path}\n{source}\0)";
 constexpr std::string_view logTemplate =
     R"({node|short}\n{author|person}\n{author|email}\n{date|hgdate}\n)";
 constexpr std::string_view filesTemplate =
@@ -36,37 +36,58 @@ constexpr std::string_view messageTemplate = R"(\n{desc}\0)";
 constexpr std::string_view blameTemplate =
     R"({lines % "{node|short}\n{author|person}\n{date|hgdate}\n{lineno}\0"})";
 
-/// Reads the records of a status. hg lists the target of a rename before its source, which is no
-/// record of its own.
+/// Reads the records of a status. hg lists the target of a rename before its removed source, which
+/// is no record of its own; a copy, of which the source stays, is an added file.
 class StatusParser final : public NEBSourceControlRecordParser {
 public:
     StatusParser() : NEBSourceControlRecordParser('\0') {}
 
 protected:
     void parsePiece(const Data& /*output*/, std::string_view piece,
-                    NEBSourceControlResult& records) override {
-        const std::string_view state = takeLine(piece);
-        const std::string_view path = takeLine(piece);
-        if (!piece.empty()) {
-            _sources.emplace(piece);
-        } else if (path.empty() || (state == "R" && isSource(path))) {
+                    NEBSourceControlResult& /*records*/) override {
+        if (piece.empty()) {
             return;
         }
-        NEBDictionary record;
-        record.set(NEBSourceControlOperationWCStatusKey,
-                   piece.empty() ? statusOf(state) : NEBSourceControlStatusRenamed);
-        NEBSourceControlSetText(record, NEBSourceControlOperationPathKey,
-                                NEBSourceControlOperationPathBytesKey, path);
-        records.push_back(std::move(record));
+        Entry entry;
+        entry.state = takeLine(piece);
+        entry.root = takeLine(piece);
+        entry.path = takeLine(piece);
+        entry.source = piece;
+        if (entry.state == "R") {
+            _removed.insert(entry.path);
+        }
+        if (!entry.source.empty()) {
+            _sources.insert(entry.source);
+        }
+        _entries.push_back(std::move(entry));
+    }
+
+    void parseLastPiece(const Data& output, std::string_view piece,
+                        NEBSourceControlResult& records) override {
+        parsePiece(output, piece, records);
+        for (const Entry& entry : _entries) {
+            if (entry.state == "R" && _sources.contains(entry.path)) {
+                continue;
+            }
+            NEBDictionary record;
+            record.set(NEBSourceControlOperationWCStatusKey, _removed.contains(entry.source)
+                                                                 ? NEBSourceControlStatusRenamed
+                                                                 : statusOf(entry.state));
+            NEBSourceControlSetText(record, NEBSourceControlOperationPathKey,
+                                    NEBSourceControlOperationPathBytesKey,
+                                    entry.root + "/" + entry.path);
+            records.push_back(std::move(record));
+        }
     }
 
 private:
-    /// Sources are relative to the top of the repository.
-    [[nodiscard]] bool isSource(std::string_view path) const {
-        return std::ranges::any_of(
-            _sources, [path](const std::string& source) { return path.ends_with("/" + source); });
-    }
+    /// A file. Its path and its source are relative to the root, the top of the repository.
+    struct Entry {
+        std::string state, root, path, source;
+    };
 
+    std::vector<Entry> _entries;
+    std::set<std::string> _removed;
     std::set<std::string> _sources;
 };
 

@@ -161,6 +161,16 @@ TEST_F(Mercurial, ChangesArePassedToHg) {
     EXPECT_FALSE(fs::exists(top + "/n.txt"));
 }
 
+TEST_F(Mercurial, TheOutputOfAHookIsNotTheRevisionOfACommit) {
+    folder.write("work/.hg/hgrc",
+                 "[ui]\nusername = A\n[hooks]\nprecommit = echo before: x\n"
+                 "commit = echo hook: ran\n");
+    folder.write("work/a.txt", "changed\n");
+    const JSON commit =
+        request({{"type", 3}, {"options", {{"NEBSourceControlRequestOptionMessage", "m"}}}});
+    EXPECT_EQ(commit["result"][0]["NEBSourceControlOperationRevisionKey"], idOf("tip"));
+}
+
 TEST_F(Mercurial, BranchesHaveTheirNames) {
     hg({"branch", "--quiet", "topic one"});
     EXPECT_EQ(request({{"type", 26}})["result"],

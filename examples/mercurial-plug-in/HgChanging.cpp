@@ -40,8 +40,17 @@ HgCommitOperation::HgCommitOperation(std::shared_ptr<NEBSourceControlRequest> re
     setArguments(std::move(arguments));
 }
 
-/// Reads the last line, "committed changeset NUMBER:ID".
+/// Reads the last line "committed changeset NUMBER:ID"; hooks print to the same output. Without
+/// such a line, there is no record.
 void HgCommitOperation::readOutput(const Data& output) {
-    const std::string_view all = output;
-    setResult({{{{NEBSourceControlOperationRevisionKey, textOf(all.substr(all.rfind(':') + 1))}}}});
+    constexpr std::string_view beginning = "committed changeset ";
+    std::string_view revision;
+    for (std::string_view rest = output; !rest.empty();) {
+        if (const std::string_view line = takeLine(rest); line.starts_with(beginning)) {
+            revision = line.substr(line.rfind(':') + 1);
+        }
+    }
+    if (!revision.empty()) {
+        setResult({{{{NEBSourceControlOperationRevisionKey, textOf(revision)}}}});
+    }
 }

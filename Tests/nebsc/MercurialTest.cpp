@@ -95,9 +95,31 @@ TEST_F(Mercurial, LogHasLimitsRevisionsAndFiles) {
     EXPECT_THAT(messages({{"type", 18}, {"files", {top + "/b.txt"}}}), ElementsAre("Grüße"));
     EXPECT_THAT(messages({{"type", 18}, {"startingRevision", "0"}, {"endingRevision", "tip"}}),
                 ElementsAre("Grüße"));
-    EXPECT_THAT(messages({{"type", 18}, {"startingRevision", "0) or all("}}),
-                ElementsAre("Grüße", "First"))
-        << "a revision is a set of commits, and can only read";
+    EXPECT_THAT(messages({{"type", 18}, {"startingRevision", "tip~1"}}), ElementsAre("First"));
+    EXPECT_THAT(messages({{"type", 18}, {"startingRevision", ".^"}}), ElementsAre("First"));
+}
+
+TEST_F(Mercurial, ANameOfARevisionIsNoExpression) {
+    for (const std::string name : {"release (1)", "a|b", "it's", R"(back\nslash)"}) {
+        hg({"branch", "--quiet", name});
+        folder.write("work/a.txt", name);
+        hg({"commit", "--quiet", "--message=" + name});
+        const auto latest = [&](const JSON& asked) {
+            return request(asked)["result"][0]["NEBSourceControlOperationMessageKey"];
+        };
+        EXPECT_EQ(latest({{"type", 18}, {"startingRevision", name}}), name);
+        EXPECT_EQ(latest({{"type", 18}, {"startingRevision", "0"}, {"endingRevision", name}}),
+                  name);
+        EXPECT_EQ(
+            latest({{"type", 18}, {"options", {{"NEBSourceControlRequestOptionBranch", name}}}}),
+            name);
+        EXPECT_EQ(request({{"type", 1002},
+                           {"files", {"a.txt"}},
+                           {"startingRevision",
+                            name}})["result"][0]["NEBSourceControlOperationContentKey"],
+                  name);
+    }
+    EXPECT_EQ(classOf({{"type", 18}, {"startingRevision", "0) or all("}}), "revision-unknown");
 }
 
 TEST_F(Mercurial, AnEmptyRepositoryHasNoCommits) {

@@ -62,6 +62,22 @@ constexpr NEBSourceControlProgramMessage messages[] = {
      "There is nothing to commit.", "\"hg status\" shows the changes."},
 };
 
+/// Returns the name as a string of the revset language, which stands for the commit of that name;
+/// see `hg help revisions`. The suffixes of its ancestors, such as "^" and "~2", remain operators.
+std::string quoted(std::string_view name) {
+    std::size_t end = name.size();
+    for (std::size_t at = name.find_last_not_of("0123456789");
+         at != std::string_view::npos && at > 0 && (name[at] == '^' || name[at] == '~');
+         at = name.substr(0, at).find_last_not_of("0123456789")) {
+        end = at;
+    }
+    std::string text = "'";
+    for (const char character : name.substr(0, end)) {
+        text.append(character == '\'' || character == '\\' ? "\\" : "") += character;
+    }
+    return text + "'" + std::string(name.substr(end));
+}
+
 constexpr NEBSourceControlProgram hg{.name = "hg", .variables = variables, .messages = messages};
 
 }  // namespace
@@ -79,12 +95,15 @@ void HgOperation::main() {
 }
 
 std::string HgOperation::revisionOf(const NEBValue& value, std::string_view otherwise) {
-    const std::string name = value.isPresent() ? value.description() : std::string(otherwise);
+    if (!value.isPresent()) {
+        return std::string(otherwise);
+    }
+    const std::string name = value.description();
     if (name == NEBSourceControlHEADRevisionName.text() ||
         name == NEBSourceControlBASERevisionName.text()) {
         return ".";
     }
-    return name == NEBSourceControlLocalRevisionName.text() ? "wdir()" : name;
+    return name == NEBSourceControlLocalRevisionName.text() ? "wdir()" : quoted(name);
 }
 
 void HgOperation::appendFiles(std::vector<std::string>& arguments, std::string_view kind) const {

@@ -19,8 +19,8 @@ public:
     void main() override;
 
 protected:
-    /// Returns the revision as hg reads it: "." for the commit of the working copy, "wdir()" for
-    /// its files; `otherwise` if the request has none.
+    /// Returns the revision as an expression of hg: "." for the commit of the working copy,
+    /// "wdir()" for its files, other names quoted; `otherwise` if the request has none.
     [[nodiscard]] static std::string revisionOf(const NEBValue& value, std::string_view otherwise);
     /// Appends "--" and the files as patterns that stand for themselves. `kind` is that of
     /// `hg help patterns`: "relpath", absolute or relative to the location, or "path", relative to

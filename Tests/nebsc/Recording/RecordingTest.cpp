@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "JSON/Base64.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 #include "nebsc/Server/ServerClient.h"
@@ -34,6 +35,18 @@ NebscOutcome replayed(const std::string& file, std::vector<std::string> options 
         runNebsc(options, {.folder = "/", .variables = {{"PATH", folder.path()}}});
     EXPECT_FALSE(std::filesystem::exists(folder.path("ran"))) << "a replay starts no git";
     return outcome;
+}
+
+/// Returns the texts of all {"base64": "…"} of a recording.
+std::vector<std::string> base64TextsIn(const std::string& content) {
+    constexpr std::string_view mark = R"({"base64":")";
+    std::vector<std::string> texts;
+    for (std::size_t at = content.find(mark); at != std::string::npos;
+         at = content.find(mark, at)) {
+        at += mark.size();
+        texts.push_back(content.substr(at, content.find('"', at) - at));
+    }
+    return texts;
 }
 
 class RecordOption : public CommandTest {
@@ -160,6 +173,36 @@ TEST_F(RecordOption, HasNoSecrets) {
         EXPECT_EQ(replayed(file).exitStatus, 0) << replayed(file).output;
     }
     EXPECT_THAT(contentOf(settings), HasSubstr("ann:xxxxxx@example.invalid"));
+}
+
+TEST_F(RecordOption, HasNoSecretsInBytesThatAreNotUTF8) {
+    const std::string token = "ghp_" + std::string(36, 'A');
+    const std::string text = "caf\xE9 " + token + "\n";
+    repository.commitFile("secret", text, text);
+    const auto bytes = [](std::string_view value) {
+        std::string base64;
+        neb::nebsc::appendBase64(base64, value);
+        return JSON{{"base64", base64}};
+    };
+    JSON content = requestAbout(NEBSourceControlRequestContent, repository.path());
+    content["files"] = {"secret"};
+    JSON log = requestAbout(NEBSourceControlRequestLog, repository.path());
+    JSON revision = content;
+    revision["startingRevision"] = bytes(text);
+    const std::string shown = bytes("caf\xE9 ghp_" + std::string(36, 'x') + "\n")["base64"];
+    int count = 0;
+    for (const JSON& request : {content, log, revision}) {
+        const std::string name = "bytes" + std::to_string(++count);
+        std::ofstream(path(name + ".json")) << request.dump();
+        const std::string file = record({"request", path(name + ".json")});
+        for (const std::string& part : base64TextsIn(contentOf(file))) {
+            EXPECT_THAT(neb::nebsc::bytesOfBase64(part).value_or(""), Not(HasSubstr(token)));
+        }
+        if (count != 2) {
+            EXPECT_THAT(contentOf(file), HasSubstr(shown));
+        }
+        EXPECT_EQ(replayed(file).exitStatus, 0) << replayed(file).output;
+    }
 }
 
 TEST_F(RecordOption, IsPrivateAndOverwritesNothing) {

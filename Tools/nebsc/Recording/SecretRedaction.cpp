@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
+#include "JSON/Base64.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
 #include "Platform/Text.h"
+#include "Recording/RequestText.h"
 
 namespace neb::nebsc {
 
@@ -110,6 +113,16 @@ void replaceTokens(std::string& text) {
     }
 }
 
+/// Returns the bytes of a string or of {"base64": "…"}; absent for other JSON.
+std::optional<std::string> bytesIn(const nlohmann::ordered_json& json) {
+    if (json.is_string()) {
+        return json.get<std::string>();
+    }
+    const bool isBase64 = json.is_object() && json.size() == 1 && json.contains("base64") &&
+                          json["base64"].is_string();
+    return isBase64 ? bytesOfBase64(json["base64"].get_ref<const std::string&>()) : std::nullopt;
+}
+
 }  // namespace
 
 std::string withoutSecretBytes(std::string_view bytes) {
@@ -145,8 +158,8 @@ bool isSecretSetting(std::string_view text) {
 }
 
 void removeSecretsFrom(nlohmann::ordered_json& json) {
-    if (json.is_string()) {
-        json = withoutSecretBytes(json.get_ref<const std::string&>());
+    if (const auto bytes = bytesIn(json)) {
+        json = jsonOfBytes(withoutSecretBytes(*bytes));
         return;
     }
     const bool isSecret = json.is_object() && std::ranges::any_of(json, [](const auto& member) {
@@ -154,8 +167,9 @@ void removeSecretsFrom(nlohmann::ordered_json& json) {
                                      isSecretSetting(member.template get_ref<const std::string&>());
                           });
     for (auto& [name, member] : json.items()) {
-        if (isSecret && member.is_string() && name.find("Value") != npos) {
-            member = std::string(member.template get_ref<const std::string&>().size(), replacement);
+        const bool isValue = isSecret && name.find("Value") != npos;
+        if (const auto bytes = isValue ? bytesIn(member) : std::nullopt) {
+            member = std::string(bytes->size(), replacement);
         } else if (member.is_string() || member.is_structured()) {
             removeSecretsFrom(member);
         }

@@ -230,6 +230,28 @@ TEST_F(RecordOption, AnIncompleteFileIsRefused) {
     expectFailed(replayed(path("missing")), HasSubstr("cannot be read: No such file"), 2);
 }
 
+TEST_F(RecordOption, AnInvalidNumberIsRefused) {
+    const std::string file = record({"status"});
+    std::string content = contentOf(file);
+    const std::size_t begin = content.find("\"milliseconds\":");
+    ASSERT_NE(begin, std::string::npos);
+    const std::size_t end = content.find_first_of(",}", begin);
+    for (const char* text :
+         {R"("milliseconds":1e300)", R"("milliseconds":-1)", R"("milliseconds":1e13)",
+          R"("milliseconds":"1")", R"("milliseconds":1,"exceededLimit":3)",
+          R"("milliseconds":1,"exceededLimit":-1)", R"("milliseconds":1,"exceededLimit":1e300)",
+          R"("milliseconds":1,"exceededLimit":4294967296)",
+          R"("milliseconds":1,"status":{"exit":-1})", R"("milliseconds":1,"status":{"exit":256})",
+          R"("milliseconds":1,"status":{"signal":1e300})"}) {
+        std::ofstream(file, std::ios::binary)
+            << std::string(content).replace(begin, end - begin, text);
+        expectFailed(replayed(file), HasSubstr("has an invalid line"), 2);
+    }
+    std::ofstream(file, std::ios::binary)
+        << std::string(content).replace(begin, end - begin, R"("milliseconds":1)");
+    EXPECT_EQ(replayed(file).exitStatus, 0);
+}
+
 TEST_F(RecordOption, RecordsRequestsOfTheServer) {
     const std::string session = path("session");
     const std::string single = path("single");

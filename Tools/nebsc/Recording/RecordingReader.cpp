@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
+#include <limits>
+#include <stdexcept>
 #include <utility>
 
 #include "Platform/ErrnoText.h"
@@ -15,6 +17,24 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
+/// A line that is JSON, but has a value that no recording has.
+struct InvalidValue : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Returns the integer. Throws an exception for other JSON, and outside of the range.
+int integerOf(const JSON& json, int least, int most) {
+    if (!json.is_number_integer() || json < least || json > most) {
+        throw InvalidValue("not an integer in the range");
+    }
+    return json.get<int>();
+}
+
+/// Returns a number from 0 on, of a request or of lines.
+int countOf(const JSON& json) {
+    return integerOf(json, 0, std::numeric_limits<int>::max());
+}
+
 std::vector<std::string> textsOf(const JSON& json) {
     std::vector<std::string> texts;
     for (const JSON& text : json) {
@@ -24,11 +44,13 @@ std::vector<std::string> textsOf(const JSON& json) {
 }
 
 TerminationStatus statusOf(const JSON& json) {
+    constexpr int mostExitStatus = 255;
+    constexpr int mostSignal = 127;  // what wait(2) has room for
     if (json.contains("exit")) {
-        return TerminationStatus::exited(json["exit"].get<int>());
+        return TerminationStatus::exited(integerOf(json["exit"], 0, mostExitStatus));
     }
     if (json.contains("signal")) {
-        return TerminationStatus::signalled(json["signal"].get<int>());
+        return TerminationStatus::signalled(integerOf(json["signal"], 1, mostSignal));
     }
     return json.contains("unknown")
                ? TerminationStatus::unknown(json["unknown"].get<std::string>())
@@ -36,8 +58,13 @@ TerminationStatus statusOf(const JSON& json) {
 }
 
 std::chrono::nanoseconds nanosecondsOf(const JSON& milliseconds) {
+    constexpr double most = 1e12;  // 31 years; nanoseconds have room for 292
+    const double number = milliseconds.get<double>();
+    if (!(number >= 0 && number <= most)) {  // also NaN
+        throw InvalidValue("not a duration");
+    }
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
-        std::chrono::duration<double, std::milli>(milliseconds.get<double>()));
+        std::chrono::duration<double, std::milli>(number));
 }
 
 NEBSourceControlRecordedChild childOf(const JSON& json) {
@@ -57,7 +84,8 @@ NEBSourceControlRecordedChild childOf(const JSON& json) {
         .outputWasHeldOpen = json.value("outputWasHeldOpen", false),
         .exceededLimit = std::nullopt};
     if (json.contains("exceededLimit")) {
-        child.exceededLimit = static_cast<ChildLimit>(json["exceededLimit"].get<int>());
+        child.exceededLimit = static_cast<ChildLimit>(
+            integerOf(json["exceededLimit"], 0, static_cast<int>(ChildLimit::outputBytes)));
     }
     return child;
 }
@@ -80,7 +108,7 @@ public:
     void read(const JSON& line) {
         ++_lines;
         if (_lines == 1) {
-            if (line.at("recording").get<int>() != recordingVersion) {
+            if (countOf(line.at("recording")) != recordingVersion) {
                 _reading.failure = "has a format that this version of nebsc does not know";
             }
             _reading.header = line;
@@ -88,13 +116,13 @@ public:
         }
         const std::string kind = line.at("kind").get<std::string>();
         if (kind == "end") {
-            _isComplete = line.at("lines").get<int>() == _lines;
+            _isComplete = countOf(line.at("lines")) == _lines;
         } else if (kind == "request") {
             RecordedRequest& request = _reading.requests.emplace_back();
-            request.number = line.at("request").get<int>();
+            request.number = countOf(line.at("request"));
             request.json = line.at("json");
             request.own = line.value("own", JSON());
-        } else if (line.at("request").get<int>() == 0) {
+        } else if (countOf(line.at("request")) == 0) {
             _reading.otherChildren += kind == "run" ? line.at("children").size() : 0;
         } else {
             readPart(kind, line);
@@ -105,7 +133,7 @@ public:
 
 private:
     void readPart(const std::string& kind, const JSON& line) {
-        const auto request = std::ranges::find(_reading.requests, line.at("request").get<int>(),
+        const auto request = std::ranges::find(_reading.requests, countOf(line.at("request")),
                                                &RecordedRequest::number);
         if (request == _reading.requests.end()) {
             _reading.failure = "has a line of a request that it lacks";
@@ -152,7 +180,7 @@ RecordingReading readRecording(const std::string& path) {
         ++number;
         try {
             reader.read(JSON::parse(line));
-        } catch (const JSON::exception&) {
+        } catch (const std::exception&) {  // of the JSON library, or InvalidValue
             reading.failure = "has an invalid line " + std::to_string(number);
         }
     }

@@ -115,7 +115,7 @@ TEST_F(ChangeBranch, BeginsBesideTheCurrentOneOnly) {
     repository.commitFile("a.c", "1");
     EXPECT_THAT(changed("begin", "new", "none")->error(),
                 HasErrorClass(NEBSourceControlRequestInvalidErrorClass));
-    EXPECT_EQ(idOf("new"), "");
+    EXPECT_EQ(git({"branch", "--list", "new"}), "");
 }
 
 TEST_F(ChangeBranch, IsReplacedOnlyByForce) {

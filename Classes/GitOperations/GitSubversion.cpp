@@ -1,6 +1,7 @@
 #include "GitOperations/GitSubversion.h"
 
 #include "NEBFoundation/NEBSourceControlAssertions.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 
@@ -65,7 +66,7 @@ void GitListSVNRemoteOperation::main() {
         return;
     }
     const auto name = run<GitFetchSVNRemoteNameOperation>(request());
-    if (name->error()) {
+    if (name->error() && name->error()->errorClass == NEBSourceControlKilledErrorClass) {
         setError(name->error());
         return;
     }

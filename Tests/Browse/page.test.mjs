@@ -206,7 +206,7 @@ pageTest("everything is reached with the keyboard", async (page) => {
     await open(page);
     await rows(page).nth(4).waitFor();
     for (const key of ["j", "j", "j"]) await page.keyboard.press(key);
-    assert.match(await page.locator("[role=option][aria-selected=true]").textContent(), /in a subject/);
+    await page.locator("[role=option][aria-selected=true]", { hasText: "in a subject" }).waitFor();
     await page.keyboard.press("Enter");
     await page.locator(".changed-file .line.added").first().waitFor();
     await page.keyboard.press("n");

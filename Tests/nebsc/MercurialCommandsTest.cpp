@@ -63,7 +63,7 @@ TEST_F(MercurialCommands, BlameShowsTheTextOfTheLines) {
         nebsc({"blame", "a.txt"}).output,
         MatchesRegex(idOf("0") + "  Ann Example.*1  one\n" + idOf("1") + "  Ann Example.*2  two\n" +
                      "------------  Not committed yet.*3  three\n"));
-    EXPECT_THAT(nebsc({"blame", "0", "../work/a.txt"}).output,
+    EXPECT_THAT(nebsc({"blame", "0", "./a.txt"}).output,
                 MatchesRegex(idOf("0") + "  Ann Example.*1  one\n"));
 }
 

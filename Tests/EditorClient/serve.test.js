@@ -140,7 +140,7 @@ test("describes itself", limit, async () => {
     const version = execFileSync(nebsc, ["--version"], { encoding: "utf8" });
     assert.deepEqual(identity.capabilities, {
         partialResults: true, background: true, credentials: true, describe: true,
-        trust: ["trusted", "inspect"],
+        record: true, trust: ["trusted", "inspect"],
         cursors: { max: 64 }, watch: { max: 64 },
     });
     assert.equal(identity.serverInfo.name, "nebsc");

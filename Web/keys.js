@@ -27,23 +27,28 @@ export function installKeys(app) {
         waitsForGo = false;
         if (wasGo && event.key in goTo) location.hash = address(...goTo[event.key]);
         else if (event.key === "g") waitsForGo = true;
-        else if (event.key === "?") showHelp();
+        else if (event.key === "?") showHelp(app);
         else if (app.view?.keys?.[event.key]) app.view.keys[event.key]();
         else return;
         event.preventDefault();
     });
-    document.getElementById("help").addEventListener("click", showHelp);
+    document.getElementById("help").addEventListener("click", () => showHelp(app));
 }
 
-function showHelp() {
+function showHelp(app) {
     const table = (title, rows) => [
         element("h3", {}, title),
         element("dl.keys", {}, rows.map(([keys, text]) => [element("dt", {}, keys), element("dd", {}, text)])),
     ];
     const close = element("button", { type: "button", click: () => dialog.close() }, "Close");
-    const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => dialog.remove() },
+    const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => closed() },
         element("h2", { id: "help-title" }, "Keyboard shortcuts"),
         table("Everywhere", general), table("In lists", inList), table("In changes", inDiff), close);
+    const closed = () => {
+        dialog.remove();
+        // What had the focus is gone if another view was opened meanwhile.
+        if (document.activeElement === document.body) app.view?.focus?.();
+    };
     document.body.append(dialog);
     dialog.showModal();
 }

@@ -232,6 +232,19 @@ pageTest("everything is reached with the keyboard", async (page) => {
     await page.locator("[role=option][aria-selected=true]", { hasText: "First commit" }).waitFor();
 });
 
+pageTest("keys go to the view that was opened behind the list of keys", async (page) => {
+    await open(page, "#/branches");
+    await rows(page).first().waitFor();
+    await page.keyboard.press("?");
+    await page.getByRole("dialog").waitFor();
+    await page.evaluate(() => { location.hash = "#/log"; });
+    await rows(page).nth(4).waitFor();
+    await page.keyboard.press("Escape");
+    await page.getByRole("dialog").waitFor({ state: "detached" });
+    await page.keyboard.press("End");
+    await page.locator("[role=option][aria-selected=true]", { hasText: "First commit" }).waitFor();
+});
+
 pageTest("back and forward keep the position, and an address opens the same view elsewhere", async (page) => {
     await open(page, `#/commit/${hostile.ids.first}`);
     await page.locator(".line.added").first().waitFor();

@@ -4,8 +4,9 @@
 Usage: run.py BUILD-FOLDER [--threaded] [--without-package] [--filter TEXT] [--slowest COUNT]
 
 Each program runs as several processes, each with a share of its tests (GoogleTest's sharding).
-Prints the name and the output of each test that fails, and nothing of a test that passes. Kills a
-process whose test runs longer than LIMIT seconds, and names that test.
+Prints the name and the output of each test that fails, the name of each skipped test with the reason,
+and nothing of a test that passes. Kills a process whose test runs longer than LIMIT seconds, and
+names that test.
 """
 import argparse
 import os
@@ -37,6 +38,7 @@ PROGRAMS = ["git_tests", "nebsc_tests", "fault_tests", "failure_tests", "host_te
 THREADED = ["fault_tests", "host_tests", "nebsc_thread_tests"]
 
 Job = namedtuple("Job", "name command environment isGoogleTest", defaults=[True])
+# The skipped tests are pairs of name and reason, the failures pairs of name and lines of output.
 Result = namedtuple("Result", "job passed skipped failures seconds times")
 
 
@@ -120,7 +122,7 @@ def running_test(output):
 
 def google_test_result(job, output, status, seconds):
     """Counts the tests of a process and collects the output of those that failed."""
-    passed, skipped, failures, times = 0, 0, [], []
+    passed, skipped, failures, times = 0, [], [], []
     name, lines = None, []
     for line in output.splitlines():
         start = re.match(r"\[ RUN      \] (\S+)", line)
@@ -130,7 +132,8 @@ def google_test_result(job, output, status, seconds):
         elif name and end and end.group(2) == name:
             outcome = end.group(1)
             passed += outcome == "OK"
-            skipped += outcome == "SKIPPED"
+            if outcome == "SKIPPED":
+                skipped.append((name, " ".join(" ".join(lines).split(": Skipped ", 1)[-1].split())))
             if outcome == "FAILED":
                 failures.append((name, lines))
             times.append((int(end.group(3)), name))
@@ -172,14 +175,14 @@ def run(job):
         result = google_test_result(job, output, status, seconds)
     else:
         failures = [] if status == 0 else [(job.name, output.splitlines())]
-        result = Result(job, int(status == 0), 0, failures, seconds, [])
+        result = Result(job, int(status == 0), [], failures, seconds, [])
     report(result)
     return result
 
 
 def report(result):
     if result.passed or result.skipped or result.failures:
-        counts = f"{result.passed} passed, {result.skipped} skipped, {len(result.failures)} failed"
+        counts = f"{result.passed} passed, {len(result.skipped)} skipped, {len(result.failures)} failed"
         print(f"{result.job.name:20} {counts}, {result.seconds:.1f} s", flush=True)
     for name, lines in result.failures:
         print("\n".join([f"---- FAILED: {name}", *lines, "----"]), flush=True)
@@ -209,16 +212,19 @@ def main():
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))
-    passed, skipped = sum(r.passed for r in results), sum(r.skipped for r in results)
+    passed = sum(result.passed for result in results)
+    skipped = [pair for result in results for pair in result.skipped]
     failures = [name for result in results for name, _ in result.failures]
     for milliseconds, name in sorted((t for r in results for t in r.times), reverse=True)[
             :options.slowest]:
         print(f"{milliseconds:6} ms {name}")
-    print(f"{passed} passed, {skipped} skipped, {len(failures)} failed in"
+    for name, reason in sorted(skipped):
+        print(f"SKIPPED {name}: {reason}")
+    print(f"{passed} passed, {len(skipped)} skipped, {len(failures)} failed in"
           f" {time.monotonic() - begin:.0f} s")
     for name in failures:
         print(f"FAILED {name}")
-    if passed + skipped + len(failures) == 0:
+    if passed + len(skipped) + len(failures) == 0:
         print(f"No test matches '{options.filter}'.", file=sys.stderr)
         return 1
     return 1 if failures else 0

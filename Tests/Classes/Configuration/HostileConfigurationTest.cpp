@@ -74,8 +74,8 @@ TEST_P(UnderHostileConfiguration, AnswersAndDoesTheSame) {
     }
     plain.run(GetParam().settlement);
     world.run(GetParam().settlement);
-    if (GetParam().tellsStatus) {
-        outcome.words = expected.words;
+    if (GetParam().reportsStatus) {
+        outcome.text = expected.text;
     }
     EXPECT_EQ(outcome, expected);
     EXPECT_EQ(started, "") << "a program was started";

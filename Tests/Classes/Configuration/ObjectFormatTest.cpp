@@ -28,7 +28,7 @@ using test::World;
 Outcome withoutNames(Outcome outcome) {
     const std::regex name("\\b[0-9a-f]{7,64}\\b");
     outcome.error = std::regex_replace(outcome.error, name, "<name>");
-    outcome.words = std::regex_replace(outcome.words, name, "<name>");
+    outcome.text = std::regex_replace(outcome.text, name, "<name>");
     for (std::string& record : outcome.records) {
         record = std::regex_replace(record, name, "<name>");
     }

@@ -20,7 +20,7 @@ struct RequestCase {
     /// Sets the values of the case; the request has the repository of the world.
     void (*fill)(const World& world, NEBSourceControlRequest& request);
     /// The error has a status for people, whose form the user configures.
-    bool tellsStatus = false;
+    bool reportsStatus = false;
     /// A shell script that runs afterwards, if the effect depends on the order of concurrent steps.
     std::string settlement = {};
 };

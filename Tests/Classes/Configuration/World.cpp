@@ -179,7 +179,7 @@ std::string World::withoutPlace(std::string text) const {
 
 void PrintTo(const Outcome& outcome, std::ostream* stream) {
     *stream << "error: " << outcome.error << "\n"
-            << outcome.words << "\n"
+            << outcome.text << "\n"
             << (outcome.hasResult ? "" : "no result\n");
     for (const std::string& record : outcome.records) {
         *stream << record << "\n";
@@ -192,7 +192,7 @@ Outcome outcomeOf(const World& world, const NEBSourceControlOperation& operation
                   const NEBSourceControlResult& records) {
     const auto& error = operation.error();
     Outcome outcome{.error = world.withoutPlace(errorText(error)),
-                    .words = world.withoutPlace(error ? error->text.value_or("") : ""),
+                    .text = world.withoutPlace(error ? error->text.value_or("") : ""),
                     .records = {},
                     .hasResult = operation.result().has_value()};
     for (const NEBDictionary& record : records) {

@@ -45,7 +45,7 @@ struct Outcome {
     /// The domain, code, class and texts of the error; "none" without one.
     std::string error;
     /// The output of git in the error.
-    std::string words;
+    std::string text;
     std::vector<std::string> records;
     bool hasResult = false;
 

@@ -98,16 +98,16 @@ TEST_F(SubversionBridge, AnUpdatePutsLocalCommitsOnTop) {
     EXPECT_EQ(clone->git({"rev-list", "--count", "refs/remotes/git-svn..HEAD"}), "1\n");
 }
 
-TEST_F(SubversionBridge, WhatItSaysAsAMatterOfCourseIsNoError) {
+TEST_F(SubversionBridge, OrdinaryMessagesAreNoErrors) {
     const std::string folder = server->fileURL() + "/trunk/keep";
     server->run({"svn", "mkdir", "-q", "-m", "x", folder});
-    const auto toldOfANewOne = fetch();
-    EXPECT_EQ(toldOfANewOne->error(), std::nullopt);
-    EXPECT_EQ(toldOfANewOne->result(), std::nullopt) << "its words are not among the known ones";
+    const auto added = fetch();
+    EXPECT_EQ(added->error(), std::nullopt);
+    EXPECT_EQ(added->result(), std::nullopt) << "no known message";
     server->run({"svn", "rm", "-q", "-m", "x", folder});
-    const auto toldThatItIsGone = fetch();
-    EXPECT_EQ(toldThatItIsGone->error(), std::nullopt);
-    EXPECT_EQ(toldThatItIsGone->result(), NEBSourceControlResult{});
+    const auto removed = fetch();
+    EXPECT_EQ(removed->error(), std::nullopt);
+    EXPECT_EQ(removed->result(), NEBSourceControlResult{});
 }
 
 TEST_F(SubversionBridge, AFetchOfANewBranchIsNoError) {

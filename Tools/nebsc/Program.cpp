@@ -116,8 +116,9 @@ CommandOutput runCommand(const ParsedCommandLine& commandLine, const BrowseGatew
         return outputWithVersions(*plugIn.load.plugIn, session.trace(), isJSON,
                                   timeLimitIn(arguments));
     }
-    if (const auto refused =
-            session.asksGit() ? std::nullopt : refusalOfPlugIn(*plugIn.load.plugIn, commandLine)) {
+    if (const auto refused = session.mayRunGit()
+                                 ? std::nullopt
+                                 : refusalOfPlugIn(*plugIn.load.plugIn, commandLine)) {
         return *refused;
     }
     return runIn(session, plugIn, commandLine, gateway);

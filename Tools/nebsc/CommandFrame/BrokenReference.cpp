@@ -82,7 +82,7 @@ std::optional<std::string> contentOf(const std::string& path) {
 }
 
 /// Whether the file is a link to a missing file. A link to "refs/…" names another reference.
-bool leadsNowhere(const std::string& path) {
+bool isDanglingLink(const std::string& path) {
     std::error_code failure;
     const std::string target = fs::read_symlink(path, failure).string();
     return !target.empty() && !target.starts_with("refs/") && !fs::exists(path, failure);
@@ -137,7 +137,7 @@ private:
             }
             const auto content = contentOf(path);
             if (!content) {
-                return leadsNowhere(path)
+                return isDanglingLink(path)
                            ? std::optional(errorAbout(
                                  name, "its file is a link to a file that does not exist",
                                  NEBSourceControlReferenceBrokenErrorClass,

@@ -31,7 +31,7 @@ int lastExitStatus(const Outcome& outcome) {
 }
 
 /// Corrects the sentences of an error that a host other than nebsc would get.
-RequestResult withOwnWords(RequestResult result) {
+RequestResult withTextsOfNebsc(RequestResult result) {
     if (result.outcome && result.outcome->error) {
         describeAccessDeniedHere(*result.outcome->error);
         removeUnansweredQuestions(*result.outcome->error);
@@ -98,7 +98,7 @@ CommandOutput CommandTask::runSteps() {
 /// What canRunBesideLocate() reports itself that there is no repository, so it needs no discovery.
 /// With --trace, git processes run one after the other, so that the lines are in order.
 std::optional<RequestResult> CommandTask::locateAndPerform() {
-    const bool canRunBeside = asksGit() && canRunBesideLocate();
+    const bool canRunBeside = mayRunGit() && canRunBesideLocate();
     if (auto found = canRunBeside ? locateWithoutGit() : std::nullopt) {
         _git.setWorkingCopy(std::move(*found));
         return std::nullopt;
@@ -151,7 +151,7 @@ std::optional<CommandOutput> CommandTask::readPaths() {
 
 WorkingCopyLocation CommandTask::locateAround(const std::string& folder,
                                               const RepositoryQuestions& asked) {
-    if (asksGit()) {
+    if (mayRunGit()) {
         return findWorkingCopy(_interruption, _call.session.trace(), currentFolder(), folder, asked,
                                _git.trust());
     }
@@ -228,7 +228,7 @@ void CommandTask::adviseAbout(NEBSourceControlError& error, CommandOutput& outpu
 /// If a branch is broken, git may report that HEAD or its commit is unknown, or that there is no
 /// commit yet. An error that is handled is no failure.
 void CommandTask::explainBrokenHEAD(Outcome& outcome) const {
-    if (!asksGit() || !outcome.error || isHandled(*outcome.error) ||
+    if (!mayRunGit() || !outcome.error || isHandled(*outcome.error) ||
         (outcome.error->errorClass != NEBSourceControlReferenceBrokenErrorClass &&
          outcome.error->errorClass != NEBSourceControlNoCommitsYetErrorClass &&
          outcome.error->errorClass != NEBSourceControlRevisionUnknownErrorClass &&
@@ -335,7 +335,7 @@ RequestResult CommandTask::performRequest(
     const std::shared_ptr<NEBSourceControlRequest>& request,
     const std::shared_ptr<NEBSourceControlOperation>& replacement) {
     allowFetches(*request);
-    RequestResult result = withOwnWords(_call.session.perform(
+    RequestResult result = withTextsOfNebsc(_call.session.perform(
         request, interruptibleRunner(_interruption, *_progress), replacement));
     if (NEBSourceControlEffectOfRequest(*request) != NEBSourceControlRequestEffect::reads) {
         _git.forgetRevisions();
@@ -350,14 +350,14 @@ RequestResult CommandTask::performStreamed(
         return performRequest(request, replacement);
     }
     allowFetches(*request);
-    return withOwnWords(_call.session.perform(request, printingRunner(), replacement));
+    return withTextsOfNebsc(_call.session.perform(request, printingRunner(), replacement));
 }
 
 RequestResult CommandTask::performStreamed(NEBSourceControlOperation& operation) {
     if (isJSON()) {
         return performOperation(operation);
     }
-    return withOwnWords(
+    return withTextsOfNebsc(
         {_call.session.performOperation(operation, printingRunner()), std::nullopt});
 }
 
@@ -379,7 +379,7 @@ std::optional<std::string> CommandTask::textOfArrived(const NEBSourceControlResu
 }
 
 RequestResult CommandTask::performOperation(NEBSourceControlOperation& operation) {
-    return withOwnWords(
+    return withTextsOfNebsc(
         {_call.session.performOperation(operation, interruptibleRunner(_interruption, *_progress)),
          std::nullopt});
 }

@@ -126,10 +126,10 @@ protected:
     /// Returns whether standard output is coloured.
     [[nodiscard]] bool isInColour() const { return _isInColour; }
 
-    /// Returns whether git may be asked what no request returns; see HostSession.
-    [[nodiscard]] bool asksGit() const { return _call.session.asksGit(); }
+    /// Returns whether git may be run for what no request returns; see HostSession.
+    [[nodiscard]] bool mayRunGit() const { return _call.session.mayRunGit(); }
     /// Returns the working copy that a folder lies in, with the answers to the questions. If git
-    /// may not be asked, asks the plug-in with a request for information (19), and no questions.
+    /// may not be run, asks the plug-in with a request for information (19), and no questions.
     [[nodiscard]] WorkingCopyLocation locateAround(const std::string& folder,
                                                    const RepositoryQuestions& asked = {});
 
@@ -211,7 +211,7 @@ private:
     /// Present if records are printed as they arrive.
     std::optional<StreamedOutput> _streamedOutput;
     GitQueries _git{_interruption, _call.session.trace(), _call.session.trust(),
-                    _call.session.asksGit()};
+                    _call.session.mayRunGit()};
     /// Waits for locate() and returns whether the working copy is where perform() runs; empty
     /// unless perform() runs at the same time.
     std::function<bool()> _confirmsLocation;

@@ -27,7 +27,7 @@ public:
                bool isAvailable = true)
         : _interruption(interruption), _trace(trace), _trust(trust), _isAvailable(isAvailable) {}
 
-    /// Whether git may be asked.
+    /// Whether git may be run.
     [[nodiscard]] bool isAvailable() const { return _isAvailable; }
     [[nodiscard]] Interruption& interruption() const { return _interruption; }
     [[nodiscard]] const Trace& trace() const { return _trace; }

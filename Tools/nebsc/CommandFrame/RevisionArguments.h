@@ -40,7 +40,7 @@ struct RevisionArgumentLimits {
 /// must be one of the two and not both. "A..B" and "A...B" are a range; a missing side stands for
 /// HEAD.
 ///
-/// If git may not be asked, an argument is a file if it exists on disk or follows another file; a
+/// If git may not be run, an argument is a file if it exists on disk or follows another file; a
 /// range is refused.
 ///
 /// Replaces a revision by unambiguousRevision(). Throws a UsageError if there are more

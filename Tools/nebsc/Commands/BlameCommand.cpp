@@ -147,7 +147,7 @@ std::optional<CommandOutput> BlameTask::validate() {
     if (all.size() > 1) {
         _revision = all.front();
     }
-    if (isJSON() || !asksGit()) {
+    if (isJSON() || !mayRunGit()) {
         return std::nullopt;
     }
     return _revision ? refusalOfRevision(git(), *_revision) : refusalWithoutCommits(git());
@@ -182,7 +182,7 @@ RequestResult BlameTask::perform() {
     if (isJSON()) {
         return performRequest(_range ? makeAnnotationRequest() : makeRequest());
     }
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         RequestResult result = performRequest(makeRequest());
         if (result.outcome && !result.outcome->error) {
             _content = contentOfFile();

@@ -42,7 +42,7 @@ private:
 
 /// A plug-in that is not for git returns the current branch even if it has no commit.
 RequestResult ListTask::perform() {
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         const RequestResult current =
             performRequest(newRequest(NEBSourceControlRequestCurrentBranch));
         const auto& records = current.outcome->result;
@@ -75,7 +75,7 @@ std::string ListTask::textOfResult(const NEBSourceControlResult& records) {
 }
 
 void ListTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         const bool isListed = _isCurrentListed || _current.value_or("").empty();
         output.standardOutput += isListed ? "" : "* " + printable(*_current) + "\n";
     } else if (!_isCurrentListed) {
@@ -115,7 +115,7 @@ void CurrentTask::report(const Outcome& outcome, CommandOutput& output) {
     if (const auto branch = name.empty() ? currentBranch(git()) : std::nullopt) {
         name = printable(*branch);
     }
-    if (name.empty() && !asksGit()) {
+    if (name.empty() && !mayRunGit()) {
         addFailure(output, refusal("There is no current branch.", exitFailed,
                                    NEBSourceControlNoCurrentBranchErrorClass));
         return;

@@ -51,12 +51,12 @@ std::optional<CommandOutput> CatTask::validate() {
     if (!name) {
         throw invalidValue("OBJECT", "REVISION:FILE, or :FILE for the index");
     }
-    if (!asksGit() && !name->revision) {
+    if (!mayRunGit() && !name->revision) {
         return refusalWithAdvice("The plug-in has no index.",
                                  "'nebsc cat REVISION:FILE' prints a file of a commit.",
                                  NEBSourceControlRequestInvalidErrorClass);
     }
-    if (auto refused = asksGit() ? refusalOutsideRepository(git()) : std::nullopt) {
+    if (auto refused = mayRunGit() ? refusalOutsideRepository(git()) : std::nullopt) {
         return refused;
     }
     const ObjectPath found = findObjectPath(git(), *name);
@@ -69,7 +69,7 @@ std::optional<CommandOutput> CatTask::validate() {
     }
     _name = *name;
     _path = found.path;
-    return name->revision && asksGit() ? refusalOfRevision(git(), *name->revision) : std::nullopt;
+    return name->revision && mayRunGit() ? refusalOfRevision(git(), *name->revision) : std::nullopt;
 }
 
 std::shared_ptr<NEBSourceControlRequest> CatTask::makeRequest() {
@@ -154,7 +154,7 @@ std::optional<CommandOutput> CatTask::refusalOfOtherObject() const {
 
 RequestResult CatTask::perform() {
     RequestResult result = performStreamed(makeRequest());
-    if (result.outcome && result.outcome->error && asksGit()) {
+    if (result.outcome && result.outcome->error && mayRunGit()) {
         if (const auto refused = refusalOfOtherObject()) {
             result.outcome->error = refused->error;
         }

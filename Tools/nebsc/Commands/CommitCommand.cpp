@@ -60,7 +60,7 @@ constexpr CommitFlag newerFlags[] = {
 };
 
 bool CommitTask::isEdited() const {
-    return asksGit() && !arguments().has("--message") && !arguments().has("--no-edit") &&
+    return mayRunGit() && !arguments().has("--message") && !arguments().has("--no-edit") &&
            !isJSON() && canEdit();
 }
 

@@ -92,7 +92,7 @@ std::optional<CommandOutput> DiffTask::validate() {
     if (arguments().has("--stat") && arguments().has("--name-status")) {
         throw invalidArguments("option '--stat' cannot be combined with '--name-status'");
     }
-    if (asksGit() && _named.revisions.empty() && !arguments().has("--staged")) {
+    if (mayRunGit() && _named.revisions.empty() && !arguments().has("--staged")) {
         if (const std::string head = unambiguousRevision(git(), "HEAD"); head != "HEAD") {
             _named.revisions.push_back(head);
         }
@@ -156,7 +156,7 @@ RequestResult DiffTask::perform() {
         const bool isExtended = arguments().has("--staged") || arguments().has("--stat");
         return performRequest(isExtended ? makeChangesRequest() : makeRequest());
     }
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         return performStreamed(makeRequest());
     }
     const DiffSides sides{.dots = isFromCommonAncestor() ? "..." : "..",
@@ -205,7 +205,7 @@ std::string DiffTask::lineOf(const LineCountEntry& entry) {
 
 /// The records are those of a plug-in that is not for git; the queries have none.
 std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
-    if (!asksGit() && !isJSON()) {
+    if (!mayRunGit() && !isJSON()) {
         return arguments().has("--name-status") ? linesOfFiles(records, workingCopy(), isInColour())
                                                 : patchIn(records);
     }
@@ -226,7 +226,7 @@ std::string DiffTask::textOfResult(const NEBSourceControlResult& records) {
 /// git ignores an unknown file silently. Output about a single file shows that git knows it.
 void DiffTask::noteFilesNotCompared(const Outcome& outcome, CommandOutput& output) {
     const bool hasCompared = _named.files.size() == 1 && outcome.recordCount.value_or(0) > 0;
-    if (isJSON() || !asksGit() || _named.revisions.size() > 1 || hasCompared) {
+    if (isJSON() || !mayRunGit() || _named.revisions.size() > 1 || hasCompared) {
         return;
     }
     const std::string revision = _named.revisions.empty() ? "HEAD" : _named.revisions.front();

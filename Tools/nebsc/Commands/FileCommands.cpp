@@ -69,7 +69,7 @@ std::optional<CommandOutput> RemoveTask::validate() {
         return std::nullopt;
     }
     std::vector<std::string> changed;
-    if (auto failed = asksGit() ? findChanged(changed) : findChangedByRequest(changed)) {
+    if (auto failed = mayRunGit() ? findChanged(changed) : findChangedByRequest(changed)) {
         return failed;
     }
     if (changed.empty()) {

@@ -116,7 +116,7 @@ std::optional<CommandOutput> LogTask::refusalOfBranch() {
     if (!_named.revisions.empty()) {
         throw invalidArguments("option '--branch' cannot be combined with a revision");
     }
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         _branch = *branch;
         return std::nullopt;
     }
@@ -175,7 +175,7 @@ bool LogTask::needsHistory() const {
     };
     return isGraph() || arguments().has("--decorate") || std::ranges::any_of(flags, isGiven) ||
            std::ranges::any_of(texts, isGiven) ||
-           (!isJSON() && asksGit() && ::isatty(STDOUT_FILENO) == 1);
+           (!isJSON() && mayRunGit() && ::isatty(STDOUT_FILENO) == 1);
 }
 
 std::shared_ptr<NEBSourceControlRequest> LogTask::makeRequest() {

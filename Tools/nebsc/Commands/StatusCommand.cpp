@@ -50,7 +50,8 @@ protected:
 private:
     /// Returns whether to show the whole state of the working copy, not only a line per path.
     [[nodiscard]] bool isState() const {
-        return asksGit() && (isJSON() ? arguments().has("--ignored") : !arguments().has("--short"));
+        return mayRunGit() &&
+               (isJSON() ? arguments().has("--ignored") : !arguments().has("--short"));
     }
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStatusRequest() const;
     [[nodiscard]] std::shared_ptr<NEBSourceControlRequest> makeStateRequest() const;
@@ -136,7 +137,7 @@ RequestResult StatusTask::perform() {
     if (isJSON() && !isAll) {
         return performRequest(makeRequest());
     }
-    if (!asksGit()) {
+    if (!mayRunGit()) {
         return performStreamed(makeRequest());
     }
     _query = std::make_shared<StatusQuery>(makeRequest(), isAll);
@@ -194,7 +195,7 @@ std::string StatusTask::textOfResult(const NEBSourceControlResult& records) {
         return {};
     }
     std::string lines;
-    if (!asksGit() && !isJSON()) {
+    if (!mayRunGit() && !isJSON()) {
         lines = linesOfFiles(records, workingCopy(), isInColour());
     }
     if (_query && !brokenBranch()) {

@@ -49,7 +49,7 @@ public:
         : _controller(std::move(controller)),
           _trace(isTraced),
           _trust(trust),
-          _asksGit(program == gitProgramName) {}
+          _mayRunGit(program == gitProgramName) {}
 
     /// Performs the request. If `run` is empty, the operation is created but not run. A type for
     /// which the plug-in has no operation is an error of the class "request-invalid". An exception
@@ -75,9 +75,9 @@ public:
     /// With NEBSourceControlTrust::inspect, all requests only inspect their repositories.
     [[nodiscard]] NEBSourceControlTrust trust() const { return _trust; }
     [[nodiscard]] bool isInspecting() const { return _trust == NEBSourceControlTrust::inspect; }
-    /// Returns whether the plug-in is for git. Only then may anything be asked that no request
-    /// returns: git itself. It would answer about another repository that contains the folder.
-    [[nodiscard]] bool asksGit() const { return _asksGit; }
+    /// Returns whether the plug-in is for git. Only then may commands run git to learn what no
+    /// request returns. Otherwise git would report on another repository that contains the folder.
+    [[nodiscard]] bool mayRunGit() const { return _mayRunGit; }
     /// Returns the trace, for child processes that do not belong to an operation.
     [[nodiscard]] const Trace& trace() const { return _trace; }
 
@@ -91,7 +91,7 @@ private:
     std::unique_ptr<const NEBSourceControlProtocol> _controller;
     Trace _trace;
     NEBSourceControlTrust _trust;
-    bool _asksGit;
+    bool _mayRunGit;
 };
 
 }  // namespace neb::nebsc

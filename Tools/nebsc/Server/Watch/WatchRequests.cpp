@@ -81,7 +81,7 @@ void WatchRequests::watch(RPCMessage& message) {
         refuse(message, RPCErrorCode::invalidParams, params.refusal);
         return;
     }
-    if (!_session.asksGit()) {
+    if (!_session.mayRunGit()) {
         refuse(message, RPCErrorCode::invalidRequest,
                "Only repositories of git can be watched, and the plug-in is not for git.");
         return;

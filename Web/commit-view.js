@@ -1,8 +1,8 @@
 // A commit: message, people, parents, and its files with their changes.
-import { count, element, show, visible } from "./elements.js";
+import { count, element, referenceElement, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { countsElement, FileList, loadChanges, pathsOf } from "./file-list.js";
-import { nameIn, record, request, shortReference, Type } from "./records.js";
+import { isRemoteHead, nameIn, record, request, Type } from "./records.js";
 import { address } from "./route.js";
 import { fullTime, relativeTime } from "./time.js";
 
@@ -96,12 +96,14 @@ class CommitView {
         const person = (name, mail, time, offset) => element("dd", {}, element("bdi", {}, visible(name ?? "")),
             element("span.mail", {}, ` <${visible(mail ?? "")}> `),
             element("time", {}, fullTime(time, offset)), ` (${relativeTime(time)})`);
-        const isSame = commit.author === commit.committer && commit.authorEmail === commit.committerEmail
-            && commit.authorTime === commit.committerTime;
-        const references = (commit.references ?? []).map((name) => {
-            const { name: text, kind } = shortReference(name);
-            return element("a", { href: address("log", [], { branch: name }) }, element(`span.ref.${kind}`, {}, visible(text)));
-        });
+        const isSamePerson = commit.author === commit.committer && commit.authorEmail === commit.committerEmail;
+        const committed = isSamePerson
+            ? commit.authorTime !== commit.committerTime && [element("dt", {}, "Committed"),
+                element("dd", {}, fullTime(commit.committerTime, commit.committerTimeOffset), ` (${relativeTime(commit.committerTime)})`)]
+            : [element("dt", {}, "Committer"),
+                person(commit.committer, commit.committerEmail, commit.committerTime, commit.committerTimeOffset)];
+        const references = (commit.references ?? []).filter((name) => !isRemoteHead(name)).map((name) =>
+            element("a", { href: address("log", [], { branch: name }) }, referenceElement(name)));
         return element("header", {}, element("h1", {}, element("bdi", {}, visible(commit.subject ?? "(no message)"))),
             commit.body ? element("pre.message", { tabindex: "0", role: "group", "aria-label": "Message" }, commit.body.trim()) : null,
             element("dl.facts", {},
@@ -109,8 +111,7 @@ class CommitView {
                     references),
                 element("dt", {}, "Author"),
                 person(commit.author, commit.authorEmail, commit.authorTime, commit.authorTimeOffset),
-                isSame ? null : [element("dt", {}, "Committer"),
-                    person(commit.committer, commit.committerEmail, commit.committerTime, commit.committerTimeOffset)],
+                committed,
                 this.parents.length ? this.#parents() : null));
     }
 

@@ -1,4 +1,5 @@
 // Elements of the page. All text becomes text nodes; no function takes markup.
+import { shortReference } from "./records.js";
 import { dateTime } from "./time.js";
 
 const direction = /[\u200e\u200f\u061c\u202a-\u202e\u2066-\u2069]/g;
@@ -57,4 +58,10 @@ export function dateElement(seconds, offset) {
     const text = dateTime(seconds, offset);
     const space = text.indexOf(" ");
     return element("time", {}, text.slice(0, space), element("span.clock", {}, text.slice(space)));
+}
+
+/** The short name of a reference, coloured by its kind. */
+export function referenceElement(fullName) {
+    const { name, kind } = shortReference(fullName);
+    return element(`span.ref.${kind}`, {}, visible(name));
 }

@@ -81,6 +81,7 @@ class FileView {
         const groups = record(result ?? []);
         show(this.status);
         this.#groups = [];
+        markParity(groups);
         for (const group of groups) {
             for (let line = 0; line < group.lineCount; line++) this.#groups[group.firstLine - 1 + line] = [group, line];
         }
@@ -118,7 +119,7 @@ class FileView {
         const entry = this.#groups[index];
         if (!entry) return;
         const [group, offset] = entry;
-        cell.classList.toggle("odd", parity(group) === 1);
+        cell.classList.toggle("odd", group.isOdd);
         if (offset > 0) return;
         cell.classList.add("first");
         if (group.isUncommitted) return void show(cell, element("span.uncommitted", {}, "Not committed"));
@@ -133,7 +134,11 @@ class FileView {
     }
 }
 
-/** Alternates between the commits of neighbouring lines. */
-function parity(group) {
-    return group.isUncommitted ? 0 : parseInt(group.objectID.slice(-1), 16) % 2;
+/** Marks every second group of lines, in the order of the file, so that neighbours differ. */
+function markParity(groups) {
+    const sorted = [...groups].sort((one, other) => one.firstLine - other.firstLine);
+    sorted.forEach((group, index) => {
+        const before = sorted[index - 1];
+        group.isOdd = before !== undefined && (before.objectID === group.objectID ? before.isOdd : !before.isOdd);
+    });
 }

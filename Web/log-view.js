@@ -1,15 +1,16 @@
 // The history: rows with lanes, references, author and date, read as far as the reader scrolls; search and filters.
-import { count, dateElement, element, show, visible } from "./elements.js";
+import { count, dateElement, element, referenceElement, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { filterForm } from "./filter-form.js";
 import { Graph } from "./graph.js";
 import { History } from "./history.js";
-import { request, shortReference, Type } from "./records.js";
+import { isRemoteHead, request, Type } from "./records.js";
 import { address, textOf } from "./route.js";
 import { VirtualList } from "./virtual-list.js";
 
 const ROW_HEIGHT = 26;
 const NARROW = 600;
+const MAX_REFERENCES = 4;
 
 /** Returns the request of the values of an address. */
 export function logRequest(values) {
@@ -175,11 +176,9 @@ class LogView {
             node.removeAttribute("href");
             return show(node);
         }
-        const references = row.references.slice(0, 4).map((name) => {
-            const { name: text, kind } = shortReference(name);
-            return element(`span.ref.${kind}`, {}, visible(text));
-        });
-        if (row.references.length > 4) references.push(element("span.ref.other", {}, `+${row.references.length - 4}`));
+        const named = row.references.filter((name) => !isRemoteHead(name));
+        const references = named.slice(0, MAX_REFERENCES).map(referenceElement);
+        if (named.length > MAX_REFERENCES) references.push(element("span.ref.other", {}, `+${named.length - MAX_REFERENCES}`));
         if (row.isHead) references.unshift(element("span.ref.head", {}, "HEAD"));
         node.href = this.#addressOf(row);
         const file = row.path !== undefined && this.values.follow ? element("span.path", {}, visible(textOf(row.path))) : null;

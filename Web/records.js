@@ -53,6 +53,11 @@ export function splitPath(path) {
     return { folder: slash < 0 ? "" : part(text.slice(0, slash)), last: part(text.slice(slash + 1)) };
 }
 
+/** Whether the reference names the main branch of a remote, which has a name of its own. */
+export function isRemoteHead(fullName) {
+    return /^refs\/remotes\/[^/]+\/HEAD$/.test(textOf(fullName));
+}
+
 /** The name of a reference without "refs/heads/" and the like, and its kind: branch, remote, tag or other. */
 export function shortReference(fullName) {
     const name = textOf(fullName);

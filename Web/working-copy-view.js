@@ -5,6 +5,9 @@ import { FileList, loadChanges, pathsOf } from "./file-list.js";
 import { nameIn, record, request, Type } from "./records.js";
 import { address } from "./route.js";
 
+/** So many changed files are unfolded when the view opens. */
+const OPEN_FILES = 10;
+
 const groups = [
     ["Conflicts", (entry) => entry.kind === "conflict" ? entry.conflict : null],
     ["Staged", (entry) => entry.indexState], ["Not staged", (entry) => entry.workingTreeState],
@@ -21,6 +24,7 @@ class WorkingCopyView {
     #isOutdated = false;
     #shown = "";
     #lists = [];
+    #isFirst = true;
 
     constructor(app) {
         this.app = app;
@@ -83,6 +87,8 @@ class WorkingCopyView {
         if (!hasChanged && opened.length === 0) return;
         this.#shown = current;
         this.#lists = [];
+        this.opens = this.#isFirst && entries.length <= OPEN_FILES;
+        this.#isFirst = false;
         const sections = groups.map(([title, stateOf]) => this.#group(title, stateOf, entries)).filter(Boolean);
         show(this.body, sections.length ? sections : element("p.remark", {}, "Nothing to commit: the working copy is as in the latest commit."));
         this.#reopen(opened, focusKey);
@@ -123,7 +129,7 @@ class WorkingCopyView {
         const list = new FileList(this.app, files, {
             load: (some) => loadChanges(this.app,
                 { ...request(Type.changes, { files: pathsOf(some) }, { Staged: staged }), background: true }),
-            images: (file) => imagesOf(file, staged), links: linksOf, opens: false,
+            images: (file) => imagesOf(file, staged), links: linksOf, opens: this.opens,
         });
         this.#lists.push(list);
         return element("section.group", { "aria-label": title }, heading, list.node);

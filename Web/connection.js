@@ -1,4 +1,5 @@
-// The connection to nebsc: requests, notifications, and a new connection when one is lost.
+// The connection to nebsc: requests and notifications.
+import { Hub } from "./hub.js";
 
 /** An error of the connection or the protocol; `lost` if the connection ended before the response. */
 export class MessageError extends Error {
@@ -17,7 +18,7 @@ export class OutcomeError extends Error {
     }
 }
 
-const RETRY_MILLISECONDS = [250, 500, 1000, 2000, 5000];
+const RETRY_MILLISECONDS = 1000;
 
 /**
  * Sends requests and receives responses. Events: "open" when a session began, "lost" when it ended, and the
@@ -27,24 +28,40 @@ export class Connection extends EventTarget {
     #pending = new Map();
     #lastId = 0;
     #session = null;
-    #failures = 0;
-    #source = null;
+    #port = null;
 
-    /** Connects, and goes on to do so until it works. */
+    /** Connects; from then on, the hub connects again when a session ends. */
     connect() {
-        this.#source = new EventSource("/events");
-        this.#source.addEventListener("session", (event) => this.#begin(JSON.parse(event.data).session));
-        this.#source.addEventListener("message", (event) => this.#receive(JSON.parse(event.data)));
-        this.#source.addEventListener("error", () => this.#end());
+        this.#port = hubPort(() => {
+            this.#end();
+            setTimeout(() => this.connect(), RETRY_MILLISECONDS);
+        });
+        this.#port.onmessage = ({ data }) => this.#accept(data);
+        this.#showLife();
     }
 
     get isOpen() {
         return this.#session !== null;
     }
 
+    /** Holds a lock as long as the page lives; the hub waits for it. */
+    #showLife() {
+        const lock = `page-${crypto.randomUUID()}`;
+        navigator.locks.request(lock, () => {
+            this.#port.postMessage({ lock });
+            return new Promise(() => {});
+        });
+    }
+
+    #accept({ session, id, text, refusal }) {
+        if (session === null) this.#end();
+        else if (session !== undefined) this.#begin(session);
+        else if (refusal !== undefined) this.#take(id)?.reject(new MessageError(refusal));
+        else this.#receive(id, JSON.parse(text));
+    }
+
     #begin(session) {
         this.#session = session;
-        this.#failures = 0;
         // Listeners make requests of their own, which are sent at once.
         const waiting = [...this.#pending];
         this.dispatchEvent(new Event("open"));
@@ -52,10 +69,6 @@ export class Connection extends EventTarget {
     }
 
     #end() {
-        this.#source.close();
-        const wait = RETRY_MILLISECONDS[Math.min(this.#failures++, RETRY_MILLISECONDS.length - 1)];
-        setTimeout(() => this.connect(), wait);
-        if (this.#session === null && this.#failures > 1) return;
         this.#session = null;
         for (const [id, entry] of this.#pending) {
             if (entry.repeats) continue;
@@ -65,35 +78,25 @@ export class Connection extends EventTarget {
         this.dispatchEvent(new Event("lost"));
     }
 
-    #receive(message) {
-        if (message.method) {
-            this.dispatchEvent(new CustomEvent(message.method, { detail: message.params }));
+    #receive(id, { method, params, error, result }) {
+        if (method) {
+            this.dispatchEvent(new CustomEvent(method, { detail: params }));
             return;
         }
-        const entry = this.#pending.get(message.id);
-        if (!entry) return;
-        this.#pending.delete(message.id);
-        if (message.error) entry.reject(new MessageError(message.error.message, { code: message.error.code }));
-        else entry.resolve(message.result);
+        const entry = this.#take(id);
+        if (error) entry?.reject(new MessageError(error.message, { code: error.code }));
+        else entry?.resolve(result);
     }
 
-    async #post(id, { method, params, reject }) {
-        const session = this.#session;
-        try {
-            const response = await this.#send({ id, method, params });
-            if (response.ok) return;
-            const text = (await response.json().catch(() => null))?.error ?? `The server refused the request (${response.status}).`;
-            if (session === this.#session && this.#pending.delete(id)) reject(new MessageError(text));
-        } catch {
-            // The connection is lost, which the event stream reports, too.
-        }
+    /** Removes a pending request and returns it. */
+    #take(id) {
+        const entry = this.#pending.get(id);
+        this.#pending.delete(id);
+        return entry;
     }
 
-    #send(message) {
-        return fetch(`/messages?session=${encodeURIComponent(this.#session)}`, {
-            method: "POST", headers: { "Content-Type": "application/json" },
-            body: JSON.stringify({ jsonrpc: "2.0", ...message }),
-        });
+    #post(id, { method, params }) {
+        this.#port.postMessage({ session: this.#session, id, method, params });
     }
 
     /**
@@ -114,11 +117,10 @@ export class Connection extends EventTarget {
     }
 
     #cancel(id, reason) {
-        const entry = this.#pending.get(id);
+        const entry = this.#take(id);
         if (!entry) return;
-        this.#pending.delete(id);
         entry.reject(reason);
-        if (this.#session !== null) this.#send({ method: "$/cancelRequest", params: { id } }).catch(() => {});
+        this.#port.postMessage({ cancel: id });
     }
 
     /** Carries out a request of docs/json.md and returns its outcome, or throws an OutcomeError. */
@@ -127,4 +129,16 @@ export class Connection extends EventTarget {
         if (outcome.error && !(outcome.result?.length > 0)) throw new OutcomeError(outcome.error);
         return outcome;
     }
+}
+
+/** Returns a port of the hub: in a worker that all pages of the browser share, or, without such workers, in this page. */
+function hubPort(failed) {
+    if (!globalThis.SharedWorker) {
+        const { port1, port2 } = new MessageChannel();
+        new Hub().add(port2);
+        return port1;
+    }
+    const worker = new SharedWorker("hub-worker.js", { type: "module", name: "nebsc" });
+    worker.addEventListener("error", failed);
+    return worker.port;
 }

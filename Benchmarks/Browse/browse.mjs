@@ -14,13 +14,13 @@ const SCROLL_PIXELS_PER_FRAME = 1300;
 /** Runs in the page before its scripts: notes when the first records arrived and when rows were painted. */
 function observe() {
     const times = (window.times = {});
-    const { addEventListener } = EventSource.prototype;
-    EventSource.prototype.addEventListener = function listen(type, listener, ...rest) {
-        return addEventListener.call(this, type, (event) => {
-            if (type === "message" && event.data.includes('"records":[{')) times.received ??= performance.now();
+    const onmessage = Object.getOwnPropertyDescriptor(MessagePort.prototype, "onmessage");
+    Object.defineProperty(MessagePort.prototype, "onmessage", { ...onmessage, set(listener) {
+        onmessage.set.call(this, (event) => {
+            if (event.data.text?.includes('"records":[{')) times.received ??= performance.now();
             listener(event);
-        }, ...rest);
-    };
+        });
+    } });
     new MutationObserver((records, observer) => {
         if (!document.querySelector("[role=option]")) return;
         observer.disconnect();

@@ -138,6 +138,46 @@ liveTest("two pages show the same repository, and one of them closes", async (pa
     await row(page, "Fourth").waitFor();
 });
 
+/** The number of watches that nebsc holds. */
+function watchCount({ child }) {
+    const folder = `/proc/${child.pid}/fd`;
+    return fs.readdirSync(folder).filter((name) => {
+        try {
+            return fs.readlinkSync(`${folder}/${name}`).includes("inotify");
+        } catch {
+            return false;
+        }
+    }).length;
+}
+
+liveTest("eight pages of one browser share a connection, and closing some does not stop the others", async (page, folder, server) => {
+    await open(page, server);
+    await row(page, "Second").waitFor();
+    const forOne = watchCount(server);
+    const pages = [page];
+    while (pages.length < 8) {
+        const other = await page.context().newPage();
+        other.setDefaultTimeout(10_000);
+        await open(other, server);
+        await row(other, "Second").waitFor();
+        pages.push(other);
+    }
+    const followed = async (some, subject) => {
+        commit(folder, subject);
+        for (const one of some) {
+            await one.bringToFront();
+            await row(one, subject).waitFor();
+        }
+    };
+    await followed(pages, "For all");
+    assert.ok(watchCount(server) > forOne);
+    for (const one of pages.splice(0, 7)) await one.close();
+    await followed(pages, "For the last");
+    for (let wait = 0; wait < 100 && watchCount(server) > forOne; wait++) await pages[0].waitForTimeout(50);
+    assert.equal(watchCount(server), forOne, "the watches of closed pages have ended");
+    await pages[0].close();
+});
+
 /** A proxy whose connections the test can end; nebsc sees the requests as its own. */
 async function makeProxy(server) {
     const target = new URL(server.url);

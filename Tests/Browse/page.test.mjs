@@ -153,7 +153,7 @@ pageTest("blame leads to the commit of a line, and to the line before it across 
 
 pageTest("the history of a file follows renames", async (page) => {
     await open(page, "#/file/HEAD/renamed.c");
-    await page.getByRole("link", { name: "History", exact: true }).last().click();
+    await page.locator(".bar").getByRole("link", { name: "History", exact: true }).click();
     await rows(page).nth(2).waitFor();
     assert.deepEqual(await page.locator("[role=option]:visible .path").allTextContents(), ["renamed.c", "program.c", "program.c"]);
     await rows(page).nth(1).click();

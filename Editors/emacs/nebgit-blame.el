@@ -105,11 +105,11 @@ A REVISION of nil is the working copy, in which CONTENT may be the text."
 
 (defun nebgit-blame--lines (record)
   "Return the lines of the group RECORD, a list of (RECORD NUMBER HEAD TEXT)."
-  (let ((head (nebgit-blame--head record)))
+  (let* ((head (nebgit-blame--head record))
+         (blank (make-string (length head) ?\s)))
     (cl-loop for text across (nebgit-field record Lines)
              for number from 0
-             collect (list record number
-                           (if (zerop number) head (make-string (length head) ?\s)) text))))
+             collect (list record number (if (zerop number) head blank) text))))
 
 (defun nebgit-blame--insert (line wanted)
   "Insert LINE of `nebgit-blame--lines' at the end.
@@ -119,8 +119,10 @@ Go there unless it is after the line with the number WANTED."
               (`(,record ,number ,head ,text) line))
     (save-excursion
       (goto-char begin)
-      (insert (propertize head 'face 'shadow) " │ " (nebgit-decode text) "\n")
-      (add-text-properties begin (point) (list 'nebgit-commit record 'nebgit-line number)))
+      ;; Properties of the inserted text instead of the strings: Emacs would copy them.
+      (insert head " │ " (nebgit-decode text) "\n")
+      (put-text-property begin (point) 'nebgit-commit record)
+      (put-text-property begin (+ begin (length head)) 'face 'shadow))
     (when (<= (+ (nebgit-field record FirstLine) number) wanted)
       (goto-char begin))))
 
@@ -157,8 +159,11 @@ Go there unless it is after the line with the number WANTED."
     (unless previous
       (user-error "The history of this line ends here"))
     (nebgit-blame-open default-directory (nebgit-name record OriginalPath) previous
-                       (+ (nebgit-field record OriginalLine)
-                          (get-text-property (point) 'nebgit-line)))))
+                       (+ (nebgit-field record OriginalLine) (nebgit-blame--number record)))))
+
+(defun nebgit-blame--number (record)
+  "Return the number of the line of point in its group RECORD, from 0."
+  (- (line-number-at-pos nil t) (nebgit-field record FirstLine)))
 
 (defun nebgit-blame-log ()
   "Show the log of the file."

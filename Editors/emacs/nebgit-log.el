@@ -245,27 +245,34 @@ of an older log is dropped."
                  (list nil "*" nil)))
         (begin (point)))
     (setq nebgit-log--lanes (car graph))
-    (insert (nth 1 graph) " "
-            (propertize (substring (nebgit-field commit ObjectID) 0 10) 'face 'nebgit-id) " "
-            (nebgit-log--references commit)
-            (nebgit-printable (nebgit-decode (or (nebgit-field commit Subject) "")))
-            (propertize (concat "  " (nebgit-decode (or (nebgit-field commit Author) "")) ", "
-                                (nebgit-date (nebgit-field commit AuthorTime)
-                                             (nebgit-field commit AuthorTimeOffset)))
-                        'face 'shadow)
-            "\n")
+    (insert (nth 1 graph) " ")
+    ;; Only there, because a property of the whole line would be copied for each face.
     (put-text-property begin (point) 'nebgit-commit commit)
+    (nebgit-log--insert-with-face 'nebgit-id (substring (nebgit-field commit ObjectID) 0 10))
+    (insert " ")
+    (nebgit-log--insert-with-face 'nebgit-reference (nebgit-log--references commit))
+    (insert (nebgit-printable (nebgit-decode (or (nebgit-field commit Subject) ""))))
+    (nebgit-log--insert-with-face
+     'shadow "  " (nebgit-decode (or (nebgit-field commit Author) "")) ", "
+     (nebgit-date (nebgit-field commit AuthorTime) (nebgit-field commit AuthorTimeOffset)))
+    (insert "\n")
     (dolist (line (nth 2 graph))
       (insert line "\n"))))
 
+(defun nebgit-log--insert-with-face (face &rest parts)
+  "Insert the strings PARTS with FACE."
+  (let ((begin (point)))
+    (apply #'insert parts)
+    (put-text-property begin (point) 'face face)))
+
 (defun nebgit-log--references (commit)
-  "Return the names of branches and tags of COMMIT, or an empty string."
+  "Return the names of branches and tags of COMMIT and a space, or an empty string."
   (let ((names (mapcar (lambda (name) (nebgit-printable (nebgit--short-name (nebgit-decode name))))
                        (nebgit-field commit References))))
     (when (nebgit-field commit IsHEAD)
       (push "HEAD" names))
     (if names
-        (concat (propertize (format "(%s)" (string-join names ", ")) 'face 'nebgit-reference) " ")
+        (format "(%s) " (string-join names ", "))
       "")))
 
 ;;; Commands

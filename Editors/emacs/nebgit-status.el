@@ -237,12 +237,18 @@ Keep point on the last entry before them."
     (when face
       (add-face-text-property begin (1- (point)) face))))
 
+(defconst nebgit-status--unprintable "[\0-\x1f\x7f\x3fff80-\x3fffff]"
+  "Regular expression of a control character or a raw byte.")
+
 (defun nebgit-printable (name)
-  "Return NAME on one line: control characters and raw bytes are escaped."
-  (replace-regexp-in-string "[\0-\x1f\x7f\x3fff80-\x3fffff]"
-                            (lambda (char)
-                              (format "\\%03o" (logand #xff (aref char 0))))
-                            name t t))
+  "Return NAME on one line: control characters and raw bytes are escaped.
+The result may be NAME itself."
+  (if (string-match-p nebgit-status--unprintable name)
+      (replace-regexp-in-string nebgit-status--unprintable
+                                (lambda (char)
+                                  (format "\\%03o" (logand #xff (aref char 0))))
+                                name t t)
+    name))
 
 (defun nebgit-status--draw ()
   "Show the state, and keep point on its entry."

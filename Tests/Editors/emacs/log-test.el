@@ -270,7 +270,7 @@ Return the subjects that it shows."
         (test-wait (string-match-p "│ line 5000\n\\'" (buffer-string)))
         (should (eql (count-lines (point-min) (point-max)) 5000))
         (should (eql (line-number-at-pos) 3000))
-        (should (equal (get-text-property (point) 'nebgit-line) 2999))))))
+        (should (eql (nebgit-blame--number (nebgit-blame--record)) 2999))))))
 
 (defun test-go-line (number)
   "Go to the line NUMBER."

@@ -6,6 +6,7 @@
 ;; FILES=COUNT sets the number of changed files, COMMITS=COUNT that of commits (100,000 each).
 ;;
 ;; Emacs reads a key between two calls of `accept-process-output': so long a key may have to wait.
+;; The parts run twice: with a pause after each, in which Emacs collects the garbage, and without.
 
 ;;; Code:
 
@@ -15,12 +16,15 @@
 (defconst latency-folder (file-name-as-directory (make-temp-file "nebgit" t))
   "Folder of the repository and of the compiled package.")
 
-;; As the package manager installs it.
-(let ((package (expand-file-name "emacs" latency-folder))
-      (inhibit-message t))
+;; As the package manager installs it.  Another Emacs compiles the package, because compilation loads
+;; the sources, which would then be measured.
+(let ((package (expand-file-name "emacs" latency-folder)))
   (copy-directory (expand-file-name "Editors/emacs" latency-top) package)
-  (push package load-path)
-  (byte-recompile-directory package 0))
+  (unless (eql 0 (call-process (expand-file-name invocation-name invocation-directory) nil nil nil
+                               "--batch" "-Q" "-L" package "--eval"
+                               (format "(byte-recompile-directory %S 0)" package)))
+    (error "Cannot compile %s" package))
+  (push package load-path))
 (require 'nebgit)
 
 (defun latency-shown-p (mode text)
@@ -37,6 +41,11 @@
   "Return the seconds of processor time that Emacs has used."
   (float-time (get-internal-run-time)))
 
+(defun latency-allocated ()
+  "Return the MiB that Emacs has allocated since its start."
+  ;; Conses, floats, vector cells, symbols, characters, intervals, strings of a 64-bit Emacs.
+  (/ (apply #'+ (cl-mapcar #'* (memory-use-counts) '(16 8 8 48 1 56 32))) 1048576.0))
+
 (defun latency-git (&rest arguments)
   "Run git with ARGUMENTS, and return its output."
   (with-temp-buffer
@@ -52,7 +61,8 @@
 ;; Fails after two minutes.
 (defun latency--measure (name start finished)
   "Call START, wait until FINISHED returns non-nil; print the times under NAME."
-  (let* ((begin (float-time)) (gc gc-elapsed) (longest 0) (processor 0)
+  (let* ((begin (float-time)) (gc gc-elapsed) (allocated (latency-allocated))
+         (longest 0) (processor 0)
          (last begin) (last-processor (latency-processor-time)))
     (cl-flet ((note ()
                 (let ((now (float-time)) (now-processor (latency-processor-time)))
@@ -68,9 +78,9 @@
         (accept-process-output nil 0.001)
         (note))
       (message (concat "%-36s %8.0f ms   key: longest %6.1f ms, processor %6.1f ms;"
-                       " garbage collection %.0f ms")
+                       " %4.1f MiB, garbage collection %.0f ms")
                name (* 1000 (- (float-time) begin)) (* 1000 longest) (* 1000 processor)
-               (* 1000 (- gc-elapsed gc))))))
+               (- (latency-allocated) allocated) (* 1000 (- gc-elapsed gc))))))
 
 (defun latency-median (function)
   "Return the median of the milliseconds that 15 calls of FUNCTION return."
@@ -130,17 +140,17 @@
   "Measure to stage a hunk and to commit it."
   (find-file "lines1000")
   (goto-char (point-min))
-  (insert "first\n")
+  (insert (format "%s\n" (float-time)))
   (let ((inhibit-message t)) (save-buffer))
   (nebgit-changes--compare (current-buffer))
   (while (not nebgit-changes--hunks) (accept-process-output nil 0.001))
   (goto-char (point-min))
   (latency-measure "staging of a hunk" (not nebgit-changes--hunks)
     (nebgit-hunk-stage))
-  (let ((head (latency-git "rev-parse" "HEAD")))
-    (nebgit-commit)
-    (insert "Change a line")
-    (latency-measure "commit" (not (equal head (latency-git "rev-parse" "HEAD")))
+  (nebgit-commit)
+  (insert "Change a line")
+  (let ((message (current-buffer)))
+    (latency-measure "commit" (not (buffer-live-p message))
       (nebgit-commit-finish))))
 
 (defun latency-status (files)
@@ -149,8 +159,23 @@
     (nebgit-status)
     (set-buffer (get-buffer (nebgit--status-name (nebgit-root)))))
   (latency-measure "status, again" (not nebgit-status--refreshing)
-    (nebgit-status-refresh))
-  (latency-measure "pause after it" (not nebgit-garbage--threshold)))
+    (nebgit-status-refresh)))
+
+(defun latency-parts (files commits after)
+  "Measure all parts with FILES and COMMITS; call AFTER after each."
+  (pcase-dolist (`(,part . ,size) `((latency-log . ,commits) (latency-signs . 1000)
+                                    (latency-signs . 10000) (latency-status . ,files)
+                                    (latency-commit)))
+    (apply part (and size (list size)))
+    (funcall after))
+  (let (kill-buffer-query-functions)
+    (dolist (buffer (buffer-list))
+      (when (or (buffer-file-name buffer) (string-prefix-p "*nebgit " (buffer-name buffer)))
+        (kill-buffer buffer)))))
+
+(defun latency-pause ()
+  "Make a pause, in which Emacs collects the garbage."
+  (latency-measure "  pause" (not nebgit-garbage--threshold)))
 
 (let* ((root (file-name-as-directory (expand-file-name "repository" latency-folder)))
        (files (string-to-number (or (getenv "FILES") "100000")))
@@ -164,11 +189,11 @@
         (let ((end (+ (float-time) 2)))
           (latency-measure "nothing" (> (float-time) end)))
         (latency-measure "a garbage collection" t (garbage-collect))
-        (latency-log commits)
-        (latency-signs 1000)
-        (latency-signs 10000)
-        (latency-status files)
-        (latency-commit))
+        (latency-parts files commits #'latency-pause)
+        (message "\nThe same without pauses")
+        (setq default-directory root)
+        (latency-parts files commits #'ignore)
+        (latency-pause))
     (delete-directory latency-folder t)))
 
 ;;; emacs.el ends here

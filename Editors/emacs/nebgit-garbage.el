@@ -10,7 +10,7 @@
 
 ;;; Code:
 
-(defcustom nebgit-garbage-limit (* 32 1024 1024)
+(defcustom nebgit-garbage-limit (* 64 1024 1024)
   "Bytes that Emacs allocates before it collects garbage while requests run.
 When they have ended, Emacs collects the garbage in the next pause, and
 `gc-cons-threshold' has its own value again.  Nil leaves that as it is."

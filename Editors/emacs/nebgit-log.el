@@ -12,6 +12,7 @@
 (require 'nebgit-branch)
 (require 'nebgit-graph)
 (require 'nebgit-revision)
+(require 'nebgit-watch)
 
 (defcustom nebgit-log-page 100
   "How many commits the log reads at a time."
@@ -98,6 +99,7 @@ MEMBERS are those of the request."
         (nebgit-log-mode))
       (setq default-directory root
             nebgit-log--request members)
+      (nebgit-watch-buffer root)
       (nebgit-log-refresh))
     (pop-to-buffer buffer)
     buffer))
@@ -105,7 +107,7 @@ MEMBERS are those of the request."
 ;;; Reading
 
 (defun nebgit-log-refresh ()
-  "Read the log again from its start."
+  "Read the log again from its start; keep point on its commit."
   (interactive)
   (nebgit-log--close)
   (setq nebgit-log--lanes nil
@@ -131,19 +133,25 @@ FIRST means that its first page replaces the text."
 (defun nebgit-log--read (call first failed)
   "Read a page with CALL, a function of what to do after success and failure.
 FIRST is as of `nebgit-log--open'.  FAILED gets an error and its outcome."
-  (let ((buffer (current-buffer)) task)
+  (let ((buffer (current-buffer)) task current)
     (setq task (funcall call
                         (lambda (records cursor outcome)
+                          (setq current (nebgit-log--reads-p buffer task))
                           (nebgit-log--add buffer task records cursor first)
                           (unless (or cursor (plist-get outcome :error))
                             (nebgit-log--end buffer)))
                         (lambda (problem outcome)
-                          (when (buffer-live-p buffer)
+                          (when (and (or current (nebgit-log--reads-p buffer task))
+                                     (buffer-live-p buffer))
                             (with-current-buffer buffer
                               (setq nebgit-log--reading nil
                                     nebgit-log--cursor nil)
                               (funcall failed problem outcome)))))
           nebgit-log--reading task)))
+
+(defun nebgit-log--reads-p (buffer task)
+  "Return non-nil if TASK is the one that the log in BUFFER waits for."
+  (and (buffer-live-p buffer) (eq task (buffer-local-value 'nebgit-log--reading buffer))))
 
 (defun nebgit-log--show-failure (problem outcome)
   "Show PROBLEM with its OUTCOME.
@@ -180,8 +188,7 @@ Otherwise show it with its OUTCOME."
   "Show RECORDS, the page that TASK read, in BUFFER.
 Keep the CURSOR of the rest.  FIRST means that it is the first page.  The page
 of an older log is dropped."
-  (if (not (and (buffer-live-p buffer)
-                (eq task (buffer-local-value 'nebgit-log--reading buffer))))
+  (if (not (nebgit-log--reads-p buffer task))
       (when cursor (nebgit-close cursor))
     (with-current-buffer buffer
       (setq nebgit-log--reading nil
@@ -199,14 +206,39 @@ of an older log is dropped."
         (nebgit-log-refresh)))))
 
 (defun nebgit-log--show (commits first)
-  "Append COMMITS; FIRST means that they replace the text."
-  (let ((inhibit-read-only t))
+  "Append COMMITS; FIRST means that they replace the text.
+Point stays on its commit if that is among them, in the windows, too."
+  (let ((inhibit-read-only t)
+        (points (and first (nebgit-log--points))))
     (when first (erase-buffer))
     (save-excursion
       (goto-char (point-max))
       (mapc #'nebgit-log--insert commits)
       (unless (or nebgit-log--cursor (> (point-max) 1))
-        (insert "No commits\n")))))
+        (insert "No commits\n")))
+    (mapc #'nebgit-log--restore-point points)))
+
+(defun nebgit-log--points ()
+  "Return a list of pairs: a window of this buffer and the id of its commit.
+The window is nil for the point of the buffer.  The first line is left out."
+  (cl-loop for window in (cons nil (get-buffer-window-list nil nil t))
+           for commit = (save-excursion
+                          (goto-char (if window (window-point window) (point)))
+                          (beginning-of-line)
+                          (and (not (bobp)) (get-text-property (point) 'nebgit-commit)))
+           when commit collect (cons window (nebgit-field commit ObjectID))))
+
+(defun nebgit-log--restore-point (pair)
+  "Go to the commit of PAIR, one of `nebgit-log--points', if it is shown."
+  (let ((match (save-excursion
+                 (goto-char (point-min))
+                 (text-property-search-forward
+                  'nebgit-commit (cdr pair)
+                  (lambda (id commit) (and commit (equal id (nebgit-field commit ObjectID))))))))
+    (when match
+      (if (car pair)
+          (set-window-point (car pair) (prop-match-beginning match))
+        (goto-char (prop-match-beginning match))))))
 
 (defun nebgit-log--close ()
   "Close the cursor and give up the page that is being read."
@@ -316,55 +348,6 @@ of an older log is dropped."
   (interactive)
   (kill-new (nebgit-log--id))
   (message "%s" (nebgit-log--id)))
-
-(defun nebgit-log--pick (action)
-  "Do ACTION of type 1014 with the commit at point."
-  (let ((commit (nebgit-log-commit)))
-    (nebgit-act 'pick (list :from (nebgit-field commit ObjectID) :Action action
-                            :Mainline (and (> (length (nebgit-field commit Parents)) 1) 1))
-                action #'nebgit-show-head-change)))
-
-(defun nebgit-log-cherry-pick ()
-  "Apply the commit at point to the current branch."
-  (interactive)
-  (nebgit-log--pick "cherry-pick"))
-
-(defun nebgit-log-revert ()
-  "Undo the commit at point by a new commit."
-  (interactive)
-  (nebgit-log--pick "revert"))
-
-(defun nebgit-log-reset (mode)
-  "Move the current branch to the commit at point.
-MODE is \"soft\", \"mixed\" or \"hard\"; ask before a hard reset loses work."
-  (interactive (list (completing-read "Reset: " '("soft" "mixed" "hard") nil t nil nil "mixed")))
-  (let ((root default-directory)
-        (id (nebgit-log--id)))
-    (nebgit-perform
-     (nebgit-request 'pick root :from id :Action "reset" :ResetMode mode)
-     :success #'nebgit-show-head-change
-     :failure (lambda (problem outcome)
-                (if (equal (nebgit-error-class problem) "local-changes")
-                    (nebgit-later #'nebgit-log--reset-hard root id problem)
-                  (nebgit-show-error problem outcome))))))
-
-(defun nebgit-log--reset-hard (root id problem)
-  "Ask whether the files that PROBLEM names may be lost, then reset ROOT to ID."
-  (when (yes-or-no-p (format "Lose the changes of %s? "
-                             (mapconcat #'nebgit-decode (plist-get problem :files) ", ")))
-    (nebgit-perform
-     (nebgit-request 'pick root :from id :Action "reset" :ResetMode "hard" :Force t)
-     :success #'nebgit-show-head-change)))
-
-(defun nebgit-log-create-branch (name)
-  "Create the branch NAME at the commit at point, and switch to it."
-  (interactive "sNew branch: ")
-  (nebgit-create-branch name (nebgit-log--id)))
-
-(defun nebgit-log-tag (name)
-  "Create the tag NAME at the commit at point."
-  (interactive "sNew tag: ")
-  (nebgit-act 'tag (list :destination name :from (nebgit-log--id)) (format "tag %s" name)))
 
 (provide 'nebgit-log)
 ;;; nebgit-log.el ends here

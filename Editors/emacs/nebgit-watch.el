@@ -32,6 +32,10 @@ If the system cannot watch so many folders, only those of git are watched."
     (puthash root t nebgit-watch--roots)
     (nebgit-watch--request root nebgit-watch-working-tree)))
 
+(defun nebgit-watched-p (root)
+  "Return non-nil if the server reports what happens in ROOT."
+  (stringp (gethash root nebgit-watch--roots)))
+
 (defun nebgit-watch--request (root working-tree)
   "Ask the server to watch ROOT, with WORKING-TREE also its files."
   (nebgit-call

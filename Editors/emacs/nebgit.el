@@ -19,7 +19,8 @@
 (require 'nebgit-blame)
 (require 'nebgit-credentials)
 (require 'nebgit-hunk)
-(require 'nebgit-log)
+(require 'nebgit-log-act)
+(require 'nebgit-log-follow)
 (require 'nebgit-mode-line)
 (require 'nebgit-watch)
 

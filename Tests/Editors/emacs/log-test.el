@@ -119,6 +119,8 @@ Return the subjects that it shows."
        (test-wait nebgit-log--cursor)
        (nebgit-log-more)
        (test-wait (eql (length (test-log-subjects)) 200))
+       ;; There the log is not read again because of a change.
+       (goto-char (point-max))
        ,@body
        (nebgit-log-more)
        (while (progn (test-wait (not nebgit-log--reading)) nebgit-log--cursor)
@@ -147,6 +149,15 @@ Return the subjects that it shows."
                                   (lambda (_ cursor __) (setq other cursor)))
                      (test-wait other))))
     (nebgit-close other)))
+
+;; The first read fails then, as it is cancelled.
+(ert-deftest log-that-is-read-twice-at-once-is-shown ()
+  (test-with-repository
+    (save-window-excursion
+      (nebgit-log)
+      (nebgit-log-refresh)
+      (nebgit-log-refresh)
+      (test-wait (equal (test-log-subjects) '("Second" "First"))))))
 
 (ert-deftest log-of-a-rewritten-history-is-read-again ()
   (should (equal '("Only")

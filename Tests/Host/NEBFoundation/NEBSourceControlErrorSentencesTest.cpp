@@ -115,6 +115,27 @@ TEST(GermanErrorTexts, KeepNamesAndNumbers) {
                     "„/usr/bin/git“ wurde beendet, weil es mehr als 1000 Bytes schrieb.")));
 }
 
+TEST(GermanErrorTexts, HaveSentencesThatAreBuiltFromParts) {
+    const std::pair<const char*, const char*> sentences[] = {
+        {"The operation could not be performed because the program \"/bin/git\" could not be "
+         "started: No such file or directory.",
+         "Der Vorgang konnte nicht ausgeführt werden, weil das Programm „/bin/git“ nicht gestartet "
+         "werden konnte: No such file or directory."},
+        {"The operation was not completed because \"/bin/git\" was ended by signal 9 (Killed).",
+         "Der Vorgang wurde nicht abgeschlossen, weil „/bin/git“ vom Signal 9 beendet wurde "
+         "(Killed)."},
+        {"The request lacks the name of a tag.", "Der Anfrage fehlt der Name eines Tags."},
+        {"The request lacks NEBSourceControlRequestOptionScope.",
+         "Der Anfrage fehlt: NEBSourceControlRequestOptionScope."},
+        {"\"src\" is not a folder.", "„src“ ist kein Ordner."},
+        {"\"src\" is a folder.", "„src“ ist ein Ordner."},
+    };
+    for (const auto& [english, translated] : sentences) {
+        EXPECT_THAT(german().description(errorWith(english, "x")),
+                    Optional(std::string(translated)));
+    }
+}
+
 TEST(GermanErrorTexts, CanHaveAnotherOrderOfValues) {
     EXPECT_THAT(
         german().description(errorWith("The revision v1 was not found for the file \"b.c\".", "x")),

@@ -95,6 +95,7 @@ class Packages(Debian):
                        "usr/share/doc/nebgit/examples/log-host/main.cpp"},
             "libnebgit-dev": {f"{LIBRARIES}/libNEBFoundation.so", f"{LIBRARIES}/pkgconfig/nebgit.pc",
                               f"{LIBRARIES}/cmake/NEBGit/NEBGitConfig.cmake",
+                              "usr/share/doc/libnebgit-dev/docs", "usr/share/doc/libnebgit-dev/examples",
                               "usr/include/NEBGit/NEBFoundation/NEBFoundation.h"},
             "neovim-nebgit": {"usr/share/nvim/site/pack/nebgit/start/nebgit/doc/nebgit.txt"},
             "elpa-nebgit": {f"usr/share/emacs/site-lisp/elpa-src/nebgit-{VERSION}/vc-nebgit.el"},

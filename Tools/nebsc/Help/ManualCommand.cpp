@@ -48,10 +48,13 @@ constexpr std::array<Entry, 13> variables{{
      "parsed."},
 }};
 
-constexpr std::array<Entry, 2> files{{
+constexpr std::array<Entry, 3> files{{
     {NEBSC_INSTALLED_PLUGIN,
      "The plug-in, relative to the directory of nebsc; --plugin selects another."},
     {"~/.gitconfig, .git/config", "The settings of git, which apply to nebsc as well."},
+    {NEBSC_INSTALLED_DOCUMENTS,
+     "README.md, the folder docs with guides for hosts and plug-ins, and examples; relative to the "
+     "directory of nebsc."},
 }};
 
 // ---- roff -------------------------------------------------------------------------------------

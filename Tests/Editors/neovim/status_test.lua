@@ -22,6 +22,19 @@ end
 
 local clean = { "Branch: main", "", "Nothing to commit, the working copy is clean" }
 
+function tests.TheListOfKeysIsClosedBeforeTheWindow()
+  harness.commit({ file = "1\n" })
+  harness.open_status()
+  local status, windows = vim.api.nvim_get_current_win(), #vim.api.nvim_list_wins()
+  harness.press("g?")
+  harness.equal(windows + 1, #vim.api.nvim_list_wins())
+  harness.press("q")
+  harness.equal(windows, #vim.api.nvim_list_wins())
+  harness.equal(status, vim.api.nvim_get_current_win())
+  harness.press("q")
+  harness.equal(false, vim.api.nvim_win_is_valid(status))
+end
+
 function tests.AllSections()
   harness.commit({ ["a b"] = "1\n", gone = "x\n", moved = "content\nof\nfile\n" })
   harness.write("a b", "2\n")

@@ -3,11 +3,14 @@ local M = {}
 
 local window
 
-local function close()
-  if window and vim.api.nvim_win_is_valid(window) then
+-- Closes the window. Returns whether it was open.
+function M.close()
+  local is_open = window ~= nil and vim.api.nvim_win_is_valid(window)
+  if is_open then
     vim.api.nvim_win_close(window, true)
   end
   window = nil
+  return is_open
 end
 
 -- Returns the size of a window for the lines.
@@ -36,7 +39,7 @@ function M.show(lines, filetype)
     relative = "cursor", row = 1, col = 0, width = width, height = height,
     style = "minimal", border = "rounded",
   })
-  vim.keymap.set("n", "q", close, { buffer = buffer, nowait = true })
+  vim.keymap.set("n", "q", M.close, { buffer = buffer, nowait = true })
   local shown = window
   -- Scheduled, because the event for an earlier movement may still come.
   vim.schedule(function()
@@ -47,7 +50,7 @@ function M.show(lines, filetype)
           return false
         end
         if window == shown then
-          close()
+          M.close()
         end
         return true
       end,

@@ -1,6 +1,8 @@
 -- Buffers that show something and have no file.
 local M = {}
 
+local popup = require("nebgit.popup")
+
 -- Returns a text that can be a line of a buffer: line feeds are shown as git quotes them.
 function M.line(text)
   return (text:gsub("\n", "\\n"))
@@ -48,7 +50,7 @@ function M.set_lines(buffer, first, last, lines)
 end
 
 -- Defines keys of the buffer: a list of {keys, function, description, modes}; modes is "n" by
--- default. The key "g?" lists them, and "q" closes the window.
+-- default. The key "g?" lists them, and "q" closes that list, or else the window.
 function M.map(buffer, keys)
   local lines = {}
   for _, key in ipairs(keys) do
@@ -58,12 +60,15 @@ function M.map(buffer, keys)
   lines[#lines + 1] = "q      close the window"
   vim.keymap.set("n", "q", M.close, { buffer = buffer, nowait = true })
   vim.keymap.set("n", "g?", function()
-    require("nebgit.popup").show(lines, "nebgit")
+    popup.show(lines, "nebgit")
   end, { buffer = buffer, nowait = true })
 end
 
--- Closes the window, or shows another buffer in it if it is the last one.
+-- Closes the list of keys if it is shown, or else the window; the last window shows another buffer.
 function M.close()
+  if popup.close() then
+    return
+  end
   if not pcall(vim.api.nvim_win_close, 0, false) then
     vim.api.nvim_win_set_buf(0, vim.api.nvim_create_buf(true, false))
   end

@@ -284,4 +284,13 @@ function tests.UnknownCommandIsNamed()
   harness.contains("'stauts' is not a command", harness.messages())
 end
 
+function tests.UnexpectedArgumentIsNamed()
+  vim.cmd("NEBGit push origin")
+  harness.contains("unexpected argument 'origin'; see :help NEBGit-push", harness.messages())
+  vim.cmd("NEBGit commit amend now")
+  harness.contains("unexpected argument 'now'; see :help NEBGit-commit", harness.messages())
+  vim.cmd("NEBGit show HEAD main")
+  harness.contains("unexpected argument 'main'; see :help NEBGit-show", harness.messages())
+end
+
 return tests

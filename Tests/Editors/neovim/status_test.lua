@@ -22,6 +22,21 @@ end
 
 local clean = { "Branch: main", "", "Nothing to commit, the working copy is clean" }
 
+function tests.TextThatFitsIsShownFromItsStart()
+  harness.commit({ file = "1\n" })
+  for number = 1, 20 do
+    harness.write("new" .. number, "x\n")
+  end
+  harness.open_status()
+  vim.api.nvim_win_set_height(0, 6)
+  vim.fn.winrestview({ topline = 3, lnum = 3 })
+  harness.equal(3, vim.fn.line("w0"))
+  harness.git("clean", "--quiet", "--force")
+  harness.press("R")
+  harness.go_to("Nothing to commit")
+  harness.equal(1, vim.fn.line("w0"))
+end
+
 function tests.TheListOfKeysIsClosedBeforeTheWindow()
   harness.commit({ file = "1\n" })
   harness.open_status()

@@ -4,12 +4,12 @@ local M = {}
 local messages = require("nebgit.messages")
 
 -- Each subcommand: `run(arguments, context)`, where context has `range` ({first, last} or nil), and
--- `values`, the possible values of its argument.
+-- `accepted`, its arguments: the possible values of the only one, or how many there may be.
 M.table = {}
 
--- Adds subcommands.
-local function add(name, run, values)
-  M.table[name] = { run = run, values = values }
+-- Adds a subcommand, by default one without arguments.
+local function add(name, run, accepted)
+  M.table[name] = { run = run, accepted = accepted or 0 }
 end
 
 -- Adds a subcommand that calls a function of a module with the range of lines.
@@ -40,7 +40,7 @@ end)
 
 -- Adds a subcommand that calls run(root, arguments, path) for the working copy of the current
 -- buffer.
-local function add_for_root(name, run, values)
+local function add_for_root(name, run, accepted)
   add(name, function(arguments)
     require("nebgit.repository").find_current(function(root, path)
       if root then
@@ -49,12 +49,12 @@ local function add_for_root(name, run, values)
         messages.error("this is not in a working copy")
       end
     end)
-  end, values)
+  end, accepted)
 end
 
 add_for_root("show", function(root, arguments)
   require("nebgit.commit_view").open(root, arguments[1] or "HEAD")
-end)
+end, 1)
 add_for_root("status", function(root)
   require("nebgit.status.window").open(root)
 end)
@@ -84,14 +84,14 @@ add_for_root("stash", function(root)
 end)
 add_for_root("switch", function(root, arguments)
   require("nebgit.branches").switch(root, arguments[1])
-end)
+end, 1)
 add_for_root("merge", function(root, arguments)
   if arguments[1] then
     require("nebgit.branches").merge(root, arguments[1])
   else
     messages.error("name the branch to merge")
   end
-end)
+end, 1)
 add("clone", function(arguments)
   local location, folder = arguments[1], arguments[2]
   if not location then
@@ -99,7 +99,7 @@ add("clone", function(arguments)
   end
   folder = folder or location:gsub("/+$", ""):gsub("%.git$", ""):match("[^/:]*$")
   require("nebgit.remotes").clone(location, (vim.fn.fnamemodify(folder, ":p"):gsub("/+$", "")))
-end)
+end, 2)
 for _, action in ipairs({ "continue", "skip", "abort" }) do
   add_for_root(action, function(root)
     require("nebgit.operations").finish(root, action)
@@ -124,7 +124,8 @@ function M.complete(lead, line)
   local arguments = vim.split(vim.trim(line:match("NEBGit!?%s+(.*)$") or ""), "%s+")
   local candidates
   if #arguments > 1 or (lead == "" and arguments[1] ~= "") then
-    candidates = (M.table[arguments[1]] or {}).values or {}
+    local accepted = (M.table[arguments[1]] or {}).accepted
+    candidates = type(accepted) == "table" and accepted or {}
   else
     candidates = vim.tbl_keys(M.table)
     table.sort(candidates)
@@ -134,6 +135,15 @@ function M.complete(lead, line)
   end, candidates)
 end
 
+-- Returns the first of the arguments that the subcommand does not accept, or nil.
+local function unexpected_argument(command, arguments)
+  local count = command.accepted
+  if type(command.accepted) == "table" then
+    count = vim.tbl_contains(command.accepted, arguments[1]) and 1 or 0
+  end
+  return arguments[count + 1]
+end
+
 -- Runs a command line; context is the argument of nvim_create_user_command()'s function.
 function M.run(context)
   local arguments = vim.deepcopy(context.fargs)
@@ -141,6 +151,12 @@ function M.run(context)
   local command = M.table[name]
   if not command then
     messages.error(("'%s' is not a command; see :help nebgit-commands"):format(name))
+    return
+  end
+  local unexpected = unexpected_argument(command, arguments)
+  if unexpected then
+    local text = "unexpected argument '%s'; see :help NEBGit-%s"
+    messages.error(text:format(unexpected, name))
     return
   end
   local range = context.range > 0 and { context.line1, context.line2 } or nil

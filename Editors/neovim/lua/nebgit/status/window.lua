@@ -33,6 +33,15 @@ local function key_of(item)
   return item.kind .. (item.section or "")
 end
 
+-- Scrolls the window to its first line if all of them fit.
+local function show_all(buffer, window)
+  if vim.api.nvim_buf_line_count(buffer) <= vim.api.nvim_win_get_height(window) then
+    vim.api.nvim_win_call(window, function()
+      vim.fn.winrestview({ topline = 1 })
+    end)
+  end
+end
+
 -- Puts the cursor of each window where the item is that it was on before.
 local function restore_cursors(buffer, state, keys)
   for window, position in pairs(keys) do
@@ -46,6 +55,7 @@ local function restore_cursors(buffer, state, keys)
       end
     end
     vim.api.nvim_win_set_cursor(window, { line, 0 })
+    show_all(buffer, window)
   end
 end
 

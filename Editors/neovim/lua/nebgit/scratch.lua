@@ -39,6 +39,9 @@ function M.show(buffer, command)
   vim.wo.wrap = false
   vim.wo.spell = false
   vim.wo.foldenable = false
+  -- A new window has them from the blame, and would scroll with it.
+  vim.wo.scrollbind = false
+  vim.wo.cursorbind = false
 end
 
 -- Replaces lines first to last (from 0, the end excluded) of the buffer.

@@ -13,6 +13,7 @@ export function diffElement(file, { split, label }) {
 }
 
 function emptyRemark(file) {
+    if (file.remark) return file.remark;
     if (file.isBinary) return "A binary file.";
     if (file.oldMode && file.newMode && file.oldMode !== file.newMode) {
         return `Only the mode changed, from ${file.oldMode} to ${file.newMode}.`;

@@ -2,6 +2,7 @@
 import { element } from "./elements.js";
 import { contentBytes, record, request, Type } from "./records.js";
 import { textOf } from "./route.js";
+import { untrackedBytes } from "./untracked.js";
 
 const MAX_BYTES = 30 << 20;
 const types = {
@@ -16,12 +17,10 @@ export function imageType(path) {
 
 /**
  * Returns a figure with the image.
- * @param {{revision, stage}} source a revision, or a stage of the index
+ * @param {{revision, stage, isUntracked}} source a revision, a stage of the index, or a file that is not tracked
  */
-export async function imageFigure(app, path, { revision, stage }, caption) {
-    const limited = { files: [path], startingRevision: revision, limits: { outputBytes: MAX_BYTES } };
-    const { result } = await app.connection.perform(request(Type.content, limited, { Stage: stage }));
-    const bytes = contentBytes(record(result)[0]);
+export async function imageFigure(app, path, { isUntracked, ...source }, caption) {
+    const bytes = isUntracked ? await untrackedBytes(path) : await trackedBytes(app, path, source);
     const address = URL.createObjectURL(new Blob([bytes], { type: imageType(path) }));
     const size = element("span", {});
     const image = element("img", { src: address, alt: `${caption}: ${textOf(path)}`,
@@ -31,4 +30,10 @@ export async function imageFigure(app, path, { revision, stage }, caption) {
         },
         error: () => { size.textContent = `This image cannot be shown; ${bytes.length.toLocaleString("en")} bytes`; } });
     return element("figure", {}, element("figcaption", {}, `${caption} `, size), image);
+}
+
+async function trackedBytes(app, path, { revision, stage }) {
+    const limited = { files: [path], startingRevision: revision, limits: { outputBytes: MAX_BYTES } };
+    const { result } = await app.connection.perform(request(Type.content, limited, { Stage: stage }));
+    return contentBytes(record(result)[0]);
 }

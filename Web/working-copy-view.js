@@ -4,6 +4,7 @@ import { errorElement } from "./errors.js";
 import { FileList, loadChanges, pathsOf } from "./file-list.js";
 import { nameIn, record, request, Type } from "./records.js";
 import { address } from "./route.js";
+import { loadUntracked } from "./untracked.js";
 
 /** So many changed files are unfolded when the view opens. */
 const OPEN_FILES = 10;
@@ -120,21 +121,27 @@ class WorkingCopyView {
         const files = entries.filter(stateOf).map((entry) => ({ ...entry, label: stateOf(entry) }));
         if (files.length === 0) return null;
         const heading = element("h2", {}, `${title} (${files.length.toLocaleString("en")})`);
-        if (title === "Untracked") {
-            return element("section.group", { "aria-label": title }, heading, element("ul.untracked", {},
-                files.slice(0, 2000).map((file) => element("li", {}, element("bdi", {}, visible(file.path)))),
-                files.length > 2000 ? element("li", {}, `and ${files.length - 2000} more`) : null));
-        }
-        const staged = title === "Staged";
-        const list = new FileList(this.app, files, {
-            load: (some) => loadChanges(this.app,
-                { ...request(Type.changes, { files: pathsOf(some) }, { Staged: staged }), background: true }),
-            images: (file) => imagesOf(file, staged), links: linksOf, opens: this.opens,
-        });
+        const list = new FileList(this.app, files,
+            { ...(title === "Untracked" ? untracked : this.#tracked(title === "Staged")), opens: this.opens });
         this.#lists.push(list);
         return element("section.group", { "aria-label": title }, heading, list.node);
     }
+
+    /** How a list of tracked files reads their changes. */
+    #tracked(isStaged) {
+        return {
+            load: (some) => loadChanges(this.app,
+                { ...request(Type.changes, { files: pathsOf(some) }, { Staged: isStaged }), background: true }),
+            images: (file) => imagesOf(file, isStaged), links: linksOf,
+        };
+    }
 }
+
+/** How a list of untracked files reads them. */
+const untracked = {
+    load: loadUntracked,
+    images: (file) => [{ path: nameIn(file, "path"), source: { isUntracked: true }, caption: "Untracked" }],
+};
 
 /** Names a file within its group. */
 function keyOf(node) {

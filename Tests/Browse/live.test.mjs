@@ -4,6 +4,7 @@ import fs from "node:fs";
 import http from "node:http";
 import { after, before, test } from "node:test";
 
+import { png } from "./hostile.mjs";
 import { commit, environment, git, makeLongHistory, makeRepository, openPage, serve, startBrowser, write } from "./support.mjs";
 
 const limit = { timeout: 60_000 };
@@ -79,6 +80,31 @@ liveTest("the working copy is shown as it is", async (page, folder, server) => {
     assert.equal(await group(page, "Not staged").count(), 0);
     commit(folder, "Everything");
     await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+});
+
+liveTest("untracked files are shown with their lines, without following links", async (page, folder, server) => {
+    const secret = `${environment.HOME}/secret.txt`;
+    fs.writeFileSync(secret, "secret\n");
+    write(folder, "new/text+ 1.txt", "one\n<b>two</b>");
+    write(folder, "binary.bin", Buffer.from([1, 0, 2]));
+    write(folder, "empty.txt", "");
+    git(folder, "init", "--quiet", "nested");
+    write(folder, "large.txt", "x\n".repeat(3 << 20));
+    write(folder, "picture.png", png(200));
+    fs.symlinkSync(secret, `${folder}/link.txt`);
+    await open(page, server, "#/changes");
+    const file = (name) => page.getByRole("region", { name, exact: true });
+    await file("new/text+ 1.txt").locator(".line.added", { hasText: "<b>two</b> ⊘" }).waitFor();
+    assert.equal(await file("new/text+ 1.txt").locator(".line.added").count(), 2);
+    await file("binary.bin").getByText("A binary file.").waitFor();
+    await file("empty.txt").getByText("The file is empty.").waitFor();
+    await file("nested/").getByText("A folder with a repository of its own.").waitFor();
+    await file("large.txt").getByText("it has 6291456 bytes").waitFor();
+    await file("link.txt").getByText("symbolic link").waitFor();
+    await file("picture.png").locator("figcaption", { hasText: "8 × 8" }).waitFor();
+    assert.equal(await page.getByText("secret\n").count(), 0);
+    write(folder, "new/text+ 1.txt", "three\n");
+    await file("new/text+ 1.txt").locator(".line.added", { hasText: "three" }).waitFor();
 });
 
 liveTest("conflicts are shown with their kind, and the merge with them", async (page, folder, server) => {

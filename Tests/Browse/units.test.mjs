@@ -2,6 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
+import { addedLines } from "../../Web/untracked.js";
 import { place, width } from "../../Web/lanes.js";
 import { lineBefore } from "../../Web/diff-lines.js";
 import { record, request, shortReference, splitPath } from "../../Web/records.js";
@@ -76,6 +77,15 @@ test("removed and added lines stand beside each other", () => {
     const [same, one, two, three] = [line(" ", "s"), line("-", "1"), line("-", "2"), line("+", "3")];
     assert.deepEqual(pairLines([same, one, two, three, same]),
         [{ old: same, new: same }, { old: one, new: three }, { old: two, new: null }, { old: same, new: same }]);
+});
+
+test("a file that is not tracked becomes added lines", () => {
+    const bytes = (text) => new TextEncoder().encode(text);
+    const added = (...lines) => ({ hunks: [{ oldStart: 0, oldCount: 0, newStart: 1, newCount: 2, lines }] });
+    assert.deepEqual(addedLines(bytes("a\nb\n")), added("+a", "+b"));
+    assert.deepEqual(addedLines(bytes("a\n+b")), added("+a", "++b", "\\ No newline at end of file"));
+    assert.deepEqual(addedLines(bytes("a\0")), { isBinary: true });
+    assert.deepEqual(addedLines(bytes("")), { remark: "The file is empty." });
 });
 
 test("the line before a change is found", () => {

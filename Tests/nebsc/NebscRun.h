@@ -64,6 +64,7 @@ public:
     ~Nebsc();
 
     void send(int signalNumber) const;
+    [[nodiscard]] pid_t pid() const { return _pid; }
     /// Types on the terminal.
     void type(std::string_view text) const;
     /// Waits until the text appears on the terminal for errors. Returns its output since the last

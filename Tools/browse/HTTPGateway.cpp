@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "BoundedServer.h"
 #include "Browse/PageAccess.h"
 #include "Browse/PageRequests.h"
 #include "BrowserStart.h"
@@ -18,6 +19,7 @@
 #include "Platform/PathString.h"
 #include "Platform/SignalFreeThread.h"
 #include "Terminal/ErrorText.h"
+#include "UntrackedFile.h"
 #include "WebFiles.h"
 
 namespace neb::nebsc {
@@ -92,6 +94,7 @@ private:
     void openEvents(httplib::Response& response);
     bool sendEvents(PageSession& session, httplib::DataSink& sink) const;
     void acceptMessage(const httplib::Request& request, httplib::Response& response) const;
+    void sendUntracked(const httplib::Request& request, httplib::Response& response) const;
     void stopInTime();
 
     const BrowseGateway::Site& _site;
@@ -101,13 +104,10 @@ private:
     OpenPages _pages;
     std::atomic<bool> _isStopping = false;
     std::atomic<bool> _hasStopped = false;
-    httplib::Server _http;
+    BoundedServer _http{OpenPages::mostPages + otherThreads, longestMessage};
 };
 
 CommandOutput Run::serve() {
-    _http.new_task_queue = [] {
-        return new httplib::ThreadPool(OpenPages::mostPages + otherThreads);  // the server owns it
-    };
     _port = _http.bind_to_any_port("127.0.0.1");
     if (_port < 0) {
         return refusal("no free port on 127.0.0.1", exitFailed);
@@ -159,8 +159,6 @@ void Run::stopInTime() {
 
 void Run::addHandlers() {
     _http.set_default_headers(pageHeaders);
-    _http.set_payload_max_length(longestMessage);
-    _http.set_keep_alive_timeout(1);
     _http.set_pre_routing_handler(
         [this](const httplib::Request& request, httplib::Response& response) {
             const bool opens = request.path == "/" && request.has_param("token");
@@ -174,6 +172,8 @@ void Run::addHandlers() {
         });
     _http.Get("/", [this](const auto& request, auto& response) { open(request, response); });
     _http.Get("/repository", [this](const auto&, auto& response) { describeRepository(response); });
+    _http.Get("/untracked",
+              [this](const auto& request, auto& response) { sendUntracked(request, response); });
     _http.Get("/events", [this](const auto&, auto& response) { openEvents(response); });
     _http.Post("/messages",
                [this](const auto& request, auto& response) { acceptMessage(request, response); });
@@ -218,6 +218,17 @@ void Run::describeRepository(httplib::Response& response) const {
     response.set_content(
         repository.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace),
         "application/json");
+}
+
+/// git has no request for the content of a file that it does not track.
+void Run::sendUntracked(const httplib::Request& request, httplib::Response& response) const {
+    const std::string path = request.get_param_value("path");
+    const UntrackedFile file = readUntrackedFile(_site.location, path);
+    if (file.refusal.empty()) {
+        response.set_content(file.bytes, "application/octet-stream");
+    } else {
+        refuse(response, statusNotFound, file.refusal);
+    }
 }
 
 /// The page's session lives as long as the connection.

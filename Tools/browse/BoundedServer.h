@@ -1,0 +1,23 @@
+// BoundedServer.h - an HTTP server whose memory no client can fill.
+#pragma once
+
+#include <httplib.h>
+
+#include <cstddef>
+
+namespace neb::nebsc {
+
+/// An HTTP server for one request per connection. Bounds the bytes and the time of a request, also
+/// of a client that has not shown yet that it may make one, and the number of connections.
+class BoundedServer : public httplib::Server {
+public:
+    /// Serves `threads` requests at once, with bodies of at most `longestBody` bytes.
+    BoundedServer(std::size_t threads, std::size_t longestBody);
+
+private:
+    bool process_and_close_socket(socket_t socket) override;
+
+    std::size_t _longestBody;
+};
+
+}  // namespace neb::nebsc

@@ -1,37 +1,11 @@
 // A repository whose names, messages and files try to be markup, or are not UTF-8.
-import zlib from "node:zlib";
-
+import { png } from "./png.mjs";
 import { commit, git, makeRepository, write } from "./support.mjs";
 
 export const attack = "<img src=x onerror='window.hacked=1'><script>window.hacked=1</script>";
 export const markupName = "<img src=x onerror=window.hacked=1>.txt";
 export const latinName = Buffer.from("b\xe4r.txt", "latin1");
 export const oddNames = ["100% #1?&.txt", "new\nline.txt", "\u202egnp.txt", "quote'\".txt", "-dash.txt", " space .txt"];
-
-/** A PNG of one colour. */
-export function png(red, size = 8) {
-    const chunk = (type, data) => {
-        const body = Buffer.concat([Buffer.from(type), data]);
-        const result = Buffer.alloc(body.length + 8);
-        result.writeUInt32BE(data.length);
-        body.copy(result, 4);
-        result.writeUInt32BE(crc32(body), body.length + 4);
-        return result;
-    };
-    const header = Buffer.from([0, 0, 0, size, 0, 0, 0, size, 8, 2, 0, 0, 0]);
-    const row = Buffer.concat([Buffer.from([0]), Buffer.concat(Array(size).fill(Buffer.from([red, 80, 120])))]);
-    return Buffer.concat([Buffer.from("\x89PNG\r\n\x1a\n", "latin1"), chunk("IHDR", header),
-        chunk("IDAT", zlib.deflateSync(Buffer.concat(Array(size).fill(row)))), chunk("IEND", Buffer.alloc(0))]);
-}
-
-function crc32(bytes) {
-    let crc = ~0;
-    for (const byte of bytes) {
-        crc ^= byte;
-        for (let bit = 0; bit < 8; bit++) crc = (crc >>> 1) ^ (crc & 1 ? 0xedb88320 : 0);
-    }
-    return ~crc >>> 0;
-}
 
 /** Returns {folder, ids}: the commits by name. */
 export function makeHostileRepository() {

@@ -4,7 +4,7 @@ import fs from "node:fs";
 import http from "node:http";
 import { after, before, test } from "node:test";
 
-import { png } from "./hostile.mjs";
+import { png } from "./png.mjs";
 import { commit, environment, git, makeLongHistory, makeRepository, openPage, serve, startBrowser, write } from "./support.mjs";
 
 const limit = { timeout: 60_000 };

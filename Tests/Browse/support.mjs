@@ -35,6 +35,11 @@ export function makeFolder() {
 
 let seconds = 1_700_000_000;
 
+/** Lets the next call of git() be later. */
+export function advance(moreSeconds) {
+    seconds += moreSeconds;
+}
+
 /** Runs git in the folder; each call is a minute later than the one before. */
 export function git(folder, ...args) {
     const date = `${seconds += 60} +0000`;

@@ -74,10 +74,15 @@ Wait at most LIMIT seconds, nil for the usual time."
 
 (defun vc-nebgit-state (file)
   "Return the state of FILE, as `vc-state' does."
-  (let* ((root (vc-nebgit-root file))
-         (path (vc-nebgit--path file root))
-         (records (vc-nebgit--perform nil 'state root :files (list path)
-                                      :UntrackedFiles "all" :IgnoredFiles t))
+  (let ((root (vc-nebgit-root file)))
+    (vc-nebgit--state-in (vc-nebgit--perform nil 'state root
+                                             :files (list (vc-nebgit--path file root))
+                                             :UntrackedFiles "all" :IgnoredFiles t)
+                         file root)))
+
+(defun vc-nebgit--state-in (records file root)
+  "Return the state of FILE in ROOT that RECORDS, of type 1000, describe."
+  (let* ((path (vc-nebgit--path file root))
          (record (cl-find path records :test #'equal :key (lambda (r) (nebgit-name r Path)))))
     (vc-file-setprop file 'vc-nebgit-head (car records))
     (cond (record (vc-nebgit--state-of record))
@@ -116,6 +121,48 @@ Wait at most LIMIT seconds, nil for the usual time."
                         (pcase state ('up-to-date "-") ('added "@") ('conflict "!") (_ ":"))
                         (nebgit-printable branch))
                 'help-echo (format "%s on branch %s" state branch))))
+
+(defvar vc-nebgit--reading (make-hash-table :test #'equal)
+  "What identifies the latest request of `vc-nebgit--changed', by working copy.")
+
+(defun vc-nebgit--changed (root &rest _)
+  "Read the states of the open files of ROOT again, for their mode lines.
+This does not wait."
+  (let ((files (vc-nebgit--open-files root))
+        (token (list nil)))
+    (when files
+      (puthash root token vc-nebgit--reading)
+      (nebgit-perform
+       (nebgit-request 'state root :files (vc-nebgit--paths files root)
+                       :UntrackedFiles "all" :IgnoredFiles t :background t)
+       :success (lambda (records _)
+                  (when (eq token (gethash root vc-nebgit--reading))
+                    (dolist (file files)
+                      (vc-nebgit--show-state file (vc-nebgit--state-in records file root)))))
+       :failure #'ignore))))
+
+(defun vc-nebgit--open-files (root)
+  "Return the open files of this backend below ROOT."
+  (cl-loop for buffer in (buffer-list)
+           for file = (buffer-file-name buffer)
+           when (and file (string-prefix-p root file)
+                     (eq (vc-file-getprop file 'vc-backend) 'NEBGit))
+           collect file))
+
+(defun vc-nebgit--show-state (file state)
+  "Note that FILE has the STATE, and show that in the mode line of its buffer."
+  (let ((buffer (get-file-buffer file)))
+    (when buffer
+      (with-current-buffer buffer
+        (vc-file-setprop file 'vc-state state)
+        (vc-file-setprop file 'vc-working-revision
+                         (or (nebgit-field (vc-file-getprop file 'vc-nebgit-head) ObjectID) "0"))
+        (if (memq state '(unregistered ignored))
+            (progn (vc-file-clearprops file)
+                   (setq vc-mode nil))
+          (vc-mode-line file 'NEBGit))))))
+
+(add-hook 'nebgit-changed-hook #'vc-nebgit--changed)
 
 (defun vc-nebgit-dir-status-files (dir files update)
   "Pass the states of FILES in DIR, or of all that are not clean, to UPDATE.

@@ -24,24 +24,29 @@
                 "^commit \\([0-9a-f]+\\)")))
 
 (defun vc-nebgit--insert-log (buffer commits short)
-  "Insert COMMITS, records of type 1001, into BUFFER; SHORT on a line each."
+  "Insert COMMITS, records of type 1001, into BUFFER; SHORT on a line each.
+Point stays before them."
   (with-current-buffer buffer
     (let ((inhibit-read-only t))
-      (goto-char (point-max))
-      (dolist (commit commits)
-        (let ((author (nebgit-decode (or (nebgit-field commit Author) "")))
-              (date (nebgit-date (nebgit-field commit AuthorTime)
-                                 (nebgit-field commit AuthorTimeOffset)))
-              (id (nebgit-field commit ObjectID)))
-          (if short
-              (insert (substring id 0 10) " " (substring date 0 10) " " author "  "
-                      (nebgit-printable (nebgit-decode (or (nebgit-field commit Subject) ""))) "\n")
-            (insert "commit " id "\nAuthor: " author " <"
-                    (nebgit-decode (or (nebgit-field commit AuthorEmail) "")) ">\nDate:   " date
-                    "\n\n"
-                    (replace-regexp-in-string "^\\(.\\)" "    \\1"
-                                              (string-trim-right (nebgit-message-of commit)))
-                    "\n\n")))))))
+      (save-excursion
+        (goto-char (point-max))
+        (dolist (commit commits)
+          (vc-nebgit--insert-entry commit short))))))
+
+(defun vc-nebgit--insert-entry (commit short)
+  "Insert COMMIT, a record of type 1001; SHORT on a line."
+  (let ((author (nebgit-decode (or (nebgit-field commit Author) "")))
+        (date (nebgit-date (nebgit-field commit AuthorTime)
+                           (nebgit-field commit AuthorTimeOffset)))
+        (id (nebgit-field commit ObjectID)))
+    (if short
+        (insert (substring id 0 10) " " (substring date 0 10) " " author "  "
+                (nebgit-printable (nebgit-decode (or (nebgit-field commit Subject) ""))) "\n")
+      (insert "commit " id "\nAuthor: " author " <"
+              (nebgit-decode (or (nebgit-field commit AuthorEmail) "")) ">\nDate:   " date "\n\n"
+              (replace-regexp-in-string "^\\(.\\)" "    \\1"
+                                        (string-trim-right (nebgit-message-of commit)))
+              "\n\n"))))
 
 (defun vc-nebgit--log (files buffer short &rest members)
   "Insert the log of FILES into BUFFER, SHORT or not.

@@ -154,13 +154,13 @@
                               (buffer-string)))
       (should (string-match-p "\n    Change\n\n    With a body\\.\n" (buffer-string)))
       (should-not (string-match-p "Second" (buffer-string)))
-      (goto-char (point-min))
+      (should (bobp))
       (should (equal (log-view-current-tag) (test-git "rev-parse" "HEAD"))))
     (find-file "a.txt")
     (vc-print-root-log)
     (with-current-buffer "*vc-change-log*"
       (should (string-match-p "\\`[0-9a-f]\\{10\\} 2020-09-13 Ann Example  Change\n" (buffer-string)))
-      (goto-char (point-min))
+      (should (bobp))
       (should (equal (log-view-current-tag) (test-git "rev-parse" "--short=10" "HEAD"))))))
 
 (ert-deftest vc-goes-through-revisions ()

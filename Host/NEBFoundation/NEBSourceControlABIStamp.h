@@ -50,7 +50,7 @@ namespace neb {
 /// The version of the host contract, the first line of the stamp. It increases when hosts or
 /// plug-ins that were built against an older host library cannot be used any more;
 /// docs/compatibility.md states when that is.
-inline constexpr std::uint32_t NEBSourceControlContractVersion = 7;
+inline constexpr std::uint32_t NEBSourceControlContractVersion = 8;
 
 /// A stamp as a note of an ELF file, see elf(5), "Notes". A host library reads it from the file of
 /// a plug-in without running any of its code. A constant expression creates it.

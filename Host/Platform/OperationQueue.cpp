@@ -10,22 +10,6 @@
 
 namespace neb {
 
-namespace {
-
-/// Returns a function that calls the block with the interceptor of the calling thread.
-std::function<void()> intercepted(std::function<void()> block) {
-    auto interceptor = Interceptor::ofThread();
-    if (!interceptor) {
-        return block;
-    }
-    return [interceptor = std::move(interceptor), block = std::move(block)] {
-        const Interceptor::Scope scope(interceptor);
-        block();
-    };
-}
-
-}  // namespace
-
 OperationQueue::OperationQueue() : OperationQueue(std::thread::hardware_concurrency()) {}
 
 OperationQueue::OperationQueue(std::size_t width) : _width(std::max<std::size_t>(width, 1)) {}
@@ -47,15 +31,15 @@ OperationQueue::~OperationQueue() {
 
 void OperationQueue::addOperation(std::shared_ptr<Operation> operation) {
     if (operation) {
-        Operation& started = *operation;
         add({.operation = std::move(operation),
-             .block = intercepted([&started] { started.start(); })});
+             .block = {},
+             .interceptor = Interceptor::ofThread()});
     }
 }
 
 void OperationQueue::addBlock(std::function<void()> block) {
     if (block) {
-        add({.operation = {}, .block = intercepted(std::move(block))});
+        add({.operation = {}, .block = std::move(block), .interceptor = Interceptor::ofThread()});
     }
 }
 
@@ -129,7 +113,8 @@ void OperationQueue::runOne() {
     _mutex.unlock();
 
     try {
-        doWithoutExceptions([&work] { work.block(); });
+        const Interceptor::Scope scope(work.interceptor);
+        doWithoutExceptions([&work] { work.operation ? work.operation->start() : work.block(); });
     } catch (...) {  // the thread ends: replace it
         finish(work);
         addThread();

@@ -19,6 +19,8 @@
 
 namespace neb {
 
+class Interceptor;
+
 /// A queue with its own threads, which start when they are needed and block all signals, so that
 /// the signal handlers of the host never run on them. Work starts in the order in which it was
 /// added.
@@ -55,6 +57,8 @@ private:
         std::shared_ptr<Operation> operation;
         /// Empty for an operation.
         std::function<void()> block;
+        /// That of the thread that added the work; null if it had none.
+        std::shared_ptr<Interceptor> interceptor;
     };
 
     /// Adds work and makes sure that a thread does it, or does it on the calling thread.

@@ -3,7 +3,9 @@ import { OutcomeError } from "./connection.js";
 import { placeRows, RowPacker, rowOf } from "./rows.js";
 
 const FIRST_PAGE = 100;
-const NEXT_PAGE = 500;
+const NEXT_PAGE = 250;
+/** For a reader who waits for the end. */
+const LARGE_PAGE = 1000;
 const PACKED_ROWS = 500;
 const READ_AHEAD = 5000;
 const UNPACKED_PAGES = 12;
@@ -120,7 +122,7 @@ export class History extends EventTarget {
     }
 
     #next(signal) {
-        return this.#connection.call("next", { cursor: this.#cursor, pageSize: NEXT_PAGE }, { signal });
+        return this.#connection.call("next", { cursor: this.#cursor, pageSize: this.#wanted === Infinity ? LARGE_PAGE : NEXT_PAGE }, { signal });
     }
 
     async #nextWhenWanted(signal) {
@@ -172,12 +174,17 @@ export class History extends EventTarget {
         const rows = this.#tail.splice(0, PACKED_ROWS);
         const page = { lanes: this.#lanes };
         this.#unpacked.set(this.#pages.push(page) - 1, rows);
-        page.packed = this.#packer.pack(rows).then((packed) => {
-            this.#bytes += packed.bytes;
-            return packed;
-        });
+        page.packed = this.#pack(rows);
         if (this.#withLanes) this.#lanes = placeRows(rows, this.#lanes);
         this.#forgetOldest();
+    }
+
+    /** Packs rows between frames, so that a reader who scrolls does not wait; at once for one who waits for the end. */
+    async #pack(rows) {
+        if (this.#wanted !== Infinity) await new Promise((resolve) => { requestIdleCallback(resolve, { timeout: 1000 }); });
+        const packed = await this.#packer.pack(rows);
+        this.#bytes += packed.bytes;
+        return packed;
     }
 
     /** Unpacks the page, and its neighbours, to which the reader may scroll next. */

@@ -1,16 +1,16 @@
 // The history: rows with lanes, references, author and date, read as far as the reader scrolls; search and filters.
-import { count, dateElement, element, referenceElement, show, visible } from "./elements.js";
+import { CommitRow } from "./commit-row.js";
+import { count, element, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { filterForm } from "./filter-form.js";
 import { Graph } from "./graph.js";
 import { History } from "./history.js";
-import { isRemoteHead, request, Type } from "./records.js";
+import { request, Type } from "./records.js";
 import { address, textOf } from "./route.js";
 import { VirtualList } from "./virtual-list.js";
 
 const ROW_HEIGHT = 26;
 const NARROW = 600;
-const MAX_REFERENCES = 4;
 
 /** Returns the request of the values of an address. */
 export function logRequest(values) {
@@ -49,6 +49,7 @@ class LogView {
         this.status = element("p.status", { role: "status" });
         this.problem = element("div", {});
         this.form = filterForm(app, values);
+        this.parts = new Map();
         this.graph = new Graph(ROW_HEIGHT);
         this.list = new VirtualList({
             label: "Commits", rowHeight: ROW_HEIGHT, fill: (node, index) => this.#fill(node, index),
@@ -171,21 +172,15 @@ class LogView {
 
     #fill(node, index) {
         const row = this.history.row(index);
+        if (!this.parts.has(node)) this.parts.set(node, new CommitRow(node));
+        const parts = this.parts.get(node);
         if (!row) {
             this.#hasGap = true;
             node.removeAttribute("href");
-            return show(node);
+            return parts.clear();
         }
-        const named = row.references.filter((name) => !isRemoteHead(name));
-        const references = named.slice(0, MAX_REFERENCES).map(referenceElement);
-        if (named.length > MAX_REFERENCES) references.push(element("span.ref.other", {}, `+${named.length - MAX_REFERENCES}`));
-        if (row.isHead) references.unshift(element("span.ref.head", {}, "HEAD"));
         node.href = this.#addressOf(row);
-        const file = row.path !== undefined && this.values.follow ? element("span.path", {}, visible(textOf(row.path))) : null;
-        show(node, element("span.subject", {}, references, element("bdi", {}, visible(row.subject) || "(no message)"), file),
-            element("span.author", {}, element("bdi", {}, visible(row.author))),
-            dateElement(row.time, row.offset));
-        return undefined;
+        return parts.fill(row, this.values.follow && row.path);
     }
 
     #drawn(from, to) {
@@ -193,8 +188,9 @@ class LogView {
         if (!this.#withLanes) return;
         const rows = [];
         for (let index = from; index < to; index++) rows.push(this.history.row(index));
-        const most = this.list.node.clientWidth < NARROW ? 6 : 20;
+        const most = this.list.width < NARROW ? 6 : 20;
         const width = this.graph.draw(rows, most);
-        this.list.node.style.setProperty("--graph", `${width + 6}px`);
+        if (width !== this.graphWidth) this.list.node.style.setProperty("--graph", `${width + 6}px`);
+        this.graphWidth = width;
     }
 }

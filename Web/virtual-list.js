@@ -3,7 +3,7 @@ import { element } from "./elements.js";
 
 // Browsers limit the height of an element; a longer list scrolls faster than its scroll bar.
 const MAX_HEIGHT = 16_000_000;
-const MARGIN = 8;
+const MARGIN = 4;
 
 /** Sets an attribute if it has another value: a change costs the browser more than the comparison. */
 function setAttribute(node, name, value) {
@@ -20,6 +20,8 @@ export class VirtualList {
     /** The first visible row, and the one after the last. */
     first = 0;
     last = 0;
+    /** The width when rows were last drawn. */
+    width = 0;
     current = -1;
 
     #count = 0;
@@ -27,6 +29,7 @@ export class VirtualList {
     #nodes = [];
     #shown = new Map();
     #frame = 0;
+    #shownHeight = 0;
 
     constructor({ label, rowHeight, tag = "a", fill, open, drawn = () => {}, end = () => {} }) {
         Object.assign(this, { rowHeight, tag, fill, open, drawn, end });
@@ -59,8 +62,14 @@ export class VirtualList {
         this.#count = count;
         if (this.current < 0 && count > 0) this.current = 0;
         this.#isComplete = isComplete;
-        this.spacer.style.height = `${Math.min(this.#height, MAX_HEIGHT)}px`;
         this.#schedule();
+    }
+
+    /** Gives the list its height. Not at once when there are more rows: each change costs a layout. */
+    #setHeight() {
+        const height = Math.min(this.#height, MAX_HEIGHT);
+        if (height !== this.#shownHeight) this.spacer.style.height = `${height}px`;
+        this.#shownHeight = height;
     }
 
     /** Draws all visible rows again. */
@@ -81,6 +90,7 @@ export class VirtualList {
     }
 
     set top(value) {
+        this.#setHeight();
         const room = this.node.clientHeight;
         const scale = this.#height <= MAX_HEIGHT ? 1 : (MAX_HEIGHT - room) / (this.#height - room);
         this.node.scrollTop = value * scale;
@@ -93,13 +103,17 @@ export class VirtualList {
 
     #draw() {
         this.#frame = 0;
+        // Before the first change, which would make the browser lay out the page twice.
         const { top } = this;
+        const { scrollTop } = this.node;
         const room = this.node.clientHeight;
+        this.width = this.node.clientWidth;
         this.first = Math.max(0, Math.floor(top / this.rowHeight));
         this.last = Math.min(this.#count, Math.ceil((top + room) / this.rowHeight));
         const from = Math.max(0, this.first - MARGIN);
         const to = Math.min(this.#count, this.last + MARGIN);
-        this.layer.style.transform = `translateY(${this.node.scrollTop - top + from * this.rowHeight}px)`;
+        this.#setHeight();
+        this.layer.style.transform = `translateY(${scrollTop - top + from * this.rowHeight}px)`;
         this.#provide(to - from);
         const used = new Set();
         for (let index = from; index < to; index++) {

@@ -66,8 +66,11 @@ public:
         keep(::posix_spawnattr_setsigmask(&_attributes, &none));
         keep(::posix_spawnattr_setflags(
             &_attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
-#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
+// In one condition, the second macro is an error where the C library does not define it.
+#ifdef __GLIBC__
+#if __GLIBC_PREREQ(2, 34)
         keep(::posix_spawn_file_actions_addclosefrom_np(&_actions, 3));
+#endif
 #endif
     }
 

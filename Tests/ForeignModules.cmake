@@ -15,8 +15,11 @@ function(neb_foreign_module name)
     set(module_targets ${module_targets} ${name} ${name}-host PARENT_SCOPE)
 endfunction()
 
-neb_foreign_module(DebugMode -D_GLIBCXX_DEBUG)
-neb_foreign_module(OldStrings -D_GLIBCXX_USE_CXX11_ABI=0)
+# Modes of libstdc++. That of libc++ needs a library that was built with it.
+if(NOT NEB_LIBCXX)
+    neb_foreign_module(DebugMode -D_GLIBCXX_DEBUG)
+    neb_foreign_module(OldStrings -D_GLIBCXX_USE_CXX11_ABI=0)
+endif()
 
 # The same headers with another contract version.
 set(other_contract ${CMAKE_CURRENT_BINARY_DIR}/other-contract)
@@ -29,9 +32,14 @@ foreach(target OtherContract OtherContract-host)
     target_include_directories(${target} BEFORE PRIVATE ${other_contract})
 endforeach()
 
-# The other standard library, which compiles with either compiler. Sanitizers need the first one.
+# The other standard library. Sanitizers need that of the library.
 find_path(libcxx v1/__config PATHS /usr/include/c++ NO_DEFAULT_PATH)
-if(libcxx AND NOT NEB_SANITIZER)
+if(NEB_LIBCXX)
+    neb_foreign_module(OtherLibrary)
+    set_target_properties(OtherLibrary OtherLibrary-host PROPERTIES
+                          COMPILE_OPTIONS "" LINK_OPTIONS "")
+elseif(libcxx AND NOT NEB_SANITIZER)
+    # Compiles with either compiler.
     neb_foreign_module(OtherLibrary -nostdinc++ -isystem ${libcxx}/v1)
     target_link_options(OtherLibrary-host PRIVATE -nodefaultlibs)
     target_link_libraries(OtherLibrary-host PRIVATE c++ c++abi m c gcc_s gcc)

@@ -85,12 +85,26 @@ def browse_jobs(build):
                    "NODE_PATH": str(build / "browse-tests/node_modules")}, False)
 
 
+def setting(build, name):
+    """The value of a setting of the build; empty if it has none."""
+    found = re.search(rf"^{name}:\w+=(.*)$", (build / "CMakeCache.txt").read_text(), re.MULTILINE)
+    return found.group(1) if found else ""
+
+
+def skipped_with_libcxx(build):
+    """What a build with libc++ does not have, with the reasons."""
+    if not setting(build, "NEB_LIBCXX"):
+        return []
+    return [("gateway_tests", "nebsc browse uses a library that is built with libstdc++"),
+            ("Browse", "nebsc browse uses a library that is built with libstdc++"),
+            ("Package", "the packages are those of a build with the compiler's standard library")]
+
+
 def package_jobs(build):
-    """The package; not of a sanitized library, which a plain program cannot link."""
-    cache = (build / "CMakeCache.txt").read_text()
-    if re.search(r"^NEB_SANITIZER:\w+=.", cache, re.MULTILINE):
+    """The package; not of a library that a plain program cannot link."""
+    if setting(build, "NEB_SANITIZER") or setting(build, "NEB_LIBCXX"):
         return
-    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.MULTILINE).group(1)
+    compiler = setting(build, "CMAKE_CXX_COMPILER")
     yield Job("Interface", [Path(sys.executable), SOURCE / "Package/interface_test.py"], {}, False)
     for case in ["Installation", "Examples", "SourceArchive"]:
         yield Job(f"Package {case}", [Path(sys.executable), SOURCE / "Package/package_test.py", build, case],
@@ -204,16 +218,20 @@ def main():
     if text and not re.search(r"[*?:]", text):
         text = f"*{text}*"
 
-    jobs = list(google_test_jobs(build, THREADED if options.threaded else PROGRAMS, text))
+    absent = skipped_with_libcxx(build)
+    programs = [name for name in (THREADED if options.threaded else PROGRAMS)
+                if name not in dict(absent)]
+    jobs = list(google_test_jobs(build, programs, text))
     if not options.threaded and not text:
         package = [] if options.without_package else package_jobs(build)
         chaos = Job("Chaos", [Path(sys.executable), SOURCE / "Chaos/chaos_test.py"], {}, False)
-        jobs = [*browse_jobs(build), *editor_jobs(build), *package, *jobs, chaos]
+        browse = [] if "Browse" in dict(absent) else browse_jobs(build)
+        jobs = [*browse, *editor_jobs(build), *package, *jobs, chaos]
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))
     passed = sum(result.passed for result in results)
-    skipped = [pair for result in results for pair in result.skipped]
+    skipped = [*absent, *(pair for result in results for pair in result.skipped)]
     failures = [name for result in results for name, _ in result.failures]
     for milliseconds, name in sorted((t for r in results for t in r.times), reverse=True)[
             :options.slowest]:

@@ -46,6 +46,24 @@ need_node_packages() {
     cp "$1/package-lock.json" "$2/installed-lock.json"
 }
 
+# need_libcxx FOLDER: unpacks libc++ in FOLDER/include and FOLDER/lib, unless it is there. It is not
+# installed, as Debian allows only one version of libc++, which is too old in some releases.
+need_libcxx() {
+    [ -e "$1/lib/libc++.so" ] && return 0
+    local download
+    download=$(mktemp -d)
+    (
+        cd "$download"
+        apt-get download -qq "${libcxx_packages[@]}"
+        for package in *.deb; do
+            dpkg-deb --extract "$package" .
+        done
+    ) >&2
+    mkdir -p "$1"
+    cp -a "$download"/usr/lib/llvm-*/include "$download"/usr/lib/llvm-*/lib "$1"
+    rm -rf "$download"
+}
+
 # build PRESET [TARGET]: configures and builds the preset in the current folder. Prints the last line
 # of the build or, if it fails, every line but those about steps that succeeded.
 build() {
@@ -67,5 +85,6 @@ package_packages=(debhelper dh-elpa devscripts dpkg-dev fakeroot file lintian)
 test_packages=(libgtest-dev libgmock-dev mold procps util-linux git-svn subversion mercurial locales openssl
     openssh-client openssh-server libc++-dev libc++abi-dev neovim chromium python3 pkg-config binutils fakeroot zsh fish groff-base "${package_packages[@]}")
 clang_packages=(clang libclang-rt-14-dev)
+libcxx_packages=(libc++-16-dev libc++1-16 libc++abi-16-dev libc++abi1-16 libunwind-16 libunwind-16-dev)
 lint_packages=(clang-format clang-tidy cppcheck codespell universal-ctags)
 benchmark_packages=(libbenchmark-dev libcli11-dev libgit2-dev pkg-config gnuplot-nox)

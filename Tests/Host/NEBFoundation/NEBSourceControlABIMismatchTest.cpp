@@ -92,48 +92,66 @@ TEST(StampOfFile, ADamagedFileHasNone) {
 
 // ---- plug-ins and hosts that were built in another way -----------------------------------------
 
+/// A plug-in and a host that were compiled in another way than the host library.
 struct Foreign {
-    std::string module;
-    std::string difference;
+    const char* module;
+    /// The item of the stamp that differs, and its value there.
+    const char* item;
+    std::string theirs;
+    std::string ours;
 };
 
+void PrintTo(const Foreign& foreign, std::ostream* stream) {
+    *stream << foreign.module;
+}
+
 std::vector<Foreign> foreignModules() {
-    const std::string ours = ", that of the host library is libstdc++ (std::__cxx11).";
-    std::vector<Foreign> modules{
-        {"OtherContract", "contract version is 1000, that of the host library is " +
-                              std::to_string(NEBSourceControlContractVersion) + "."},
-        {"OldStrings", "standard library is libstdc++ (_GLIBCXX_USE_CXX11_ABI=0)" + ours},
-        {"DebugMode", "debug mode is on (_GLIBCXX_DEBUG), that of the host library is off."},
+    const std::string library(standardLibrary);
+    const bool isLibcxx = library.starts_with("libc++");
+    return {
+        {"OtherContract", "contract version", "1000",
+         std::to_string(NEBSourceControlContractVersion)},
+        {"OldStrings", "standard library", "libstdc++ (_GLIBCXX_USE_CXX11_ABI=0)", library},
+        {"DebugMode", "debug mode", "on (_GLIBCXX_DEBUG)", "off"},
+        {"OtherLibrary", "standard library",
+         isLibcxx ? "libstdc++ (std::__cxx11)" : "libc++ (std::__1)", library},
     };
-    // Not built with sanitizers.
-    if (std::filesystem::exists(NEB_TEST_MODULES "/OtherLibrary.so")) {
-        modules.push_back({"OtherLibrary", "standard library is libc++ (std::__1)" + ours});
-    }
-    return modules;
 }
 
-TEST(ForeignPlugIn, IsRefusedWithOneSentenceBeforeItsCodeRuns) {
-    for (const Foreign& foreign : foreignModules()) {
-        const std::string path = std::string(NEB_TEST_MODULES "/") + foreign.module + ".so";
-        const auto load = NEBSourceControlPlugIn::load(path);
-        EXPECT_FALSE(load.plugIn.has_value()) << path;
-        EXPECT_EQ(load.failure, "The plug-in \"" + path + "\" does not fit the host library: its " +
-                                    foreign.difference);
+class ForeignModule : public testing::TestWithParam<Foreign> {
+protected:
+    void SetUp() override {
+        if (!std::filesystem::exists(module())) {
+            GTEST_SKIP() << "this build cannot have it, see Tests/ForeignModules.cmake";
+        }
     }
+    static std::string module() {
+        return std::string(NEB_TEST_MODULES "/") + GetParam().module + ".so";
+    }
+    static std::string complaintAbout(const std::string& subject) {
+        return subject + " does not fit the host library: its " + GetParam().item + " is " +
+               GetParam().theirs + ", that of the host library is " + GetParam().ours + ".";
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, ForeignModule, testing::ValuesIn(foreignModules()),
+                         [](const auto& info) { return std::string(info.param.module); });
+
+TEST_P(ForeignModule, PlugInIsRefusedWithOneSentenceBeforeItsCodeRuns) {
+    const auto load = NEBSourceControlPlugIn::load(module());
+    EXPECT_FALSE(load.plugIn.has_value());
+    EXPECT_EQ(load.failure, complaintAbout("The plug-in \"" + module() + "\""));
 }
 
-TEST(ForeignHost, IsRefusedWithOneSentence) {
-    for (const Foreign& foreign : foreignModules()) {
-        const std::string host = std::string(NEB_TEST_MODULES "/") + foreign.module + "-host";
-        const std::string command = host + " " + plugInFile;
-        FILE* pipe = ::popen(command.c_str(), "re");
-        ASSERT_NE(pipe, nullptr);
-        char line[1024] = {};
-        EXPECT_NE(std::fgets(line, sizeof line, pipe), nullptr) << host;
-        EXPECT_EQ(WEXITSTATUS(::pclose(pipe)), 1) << host;
-        EXPECT_EQ(line,
-                  "This program does not fit the host library: its " + foreign.difference + "\n");
-    }
+TEST_P(ForeignModule, HostIsRefusedWithOneSentence) {
+    const std::string host = std::string(NEB_TEST_MODULES "/") + GetParam().module + "-host";
+    const std::string command = host + " " + plugInFile;
+    FILE* pipe = ::popen(command.c_str(), "re");
+    ASSERT_NE(pipe, nullptr);
+    char line[1024] = {};
+    EXPECT_NE(std::fgets(line, sizeof line, pipe), nullptr);
+    EXPECT_EQ(WEXITSTATUS(::pclose(pipe)), 1);
+    EXPECT_EQ(line, complaintAbout("This program") + "\n");
 }
 
 }  // namespace

@@ -14,6 +14,9 @@ namespace {
 constexpr std::string_view prefixOfGitFile = "gitdir: ";
 
 std::string withoutLinks(const fs::path& path) {
+    if (path.empty()) {
+        return "";  // libc++ would return the current folder, libstdc++ returns nothing
+    }
     std::error_code failure;
     const fs::path whole = fs::weakly_canonical(path, failure);
     return failure ? path.string() : whole.string();

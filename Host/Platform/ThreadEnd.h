@@ -12,7 +12,8 @@ namespace neb {
 /// aborted.
 using ThreadEnd = abi::__forced_unwind;
 #else
-/// In libc++, the end of a thread passes all handlers. Never thrown.
+/// Never thrown. With libc++, a thread must not end in this way while functions of the host library
+/// run: the C library unwinds the stack with libgcc, which the handlers of libc++ cannot rethrow.
 struct ThreadEnd {};
 #endif
 

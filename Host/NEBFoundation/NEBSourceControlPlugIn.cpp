@@ -49,6 +49,23 @@ Described describe(const std::string& path, void* function) {
     }
 }
 
+/// Returns what is wrong with the description; empty if nothing is.
+std::string descriptionFailure(const std::string& path,
+                               const NEBSourceControlPlugInDescription& description) {
+    if (description.contractVersion != NEBSourceControlContractVersion) {
+        return "The plug-in \"" + path + "\" describes itself for version " +
+               std::to_string(description.contractVersion) +
+               " of the host contract; expected version " +
+               std::to_string(NEBSourceControlContractVersion) + ".";
+    }
+    if (description.name == nullptr || description.version == nullptr ||
+        description.program == nullptr || description.makePrincipalClass == nullptr) {
+        return "The plug-in \"" + path +
+               "\" describes itself without a name, a version, a program or a principal class.";
+    }
+    return {};
+}
+
 }  // namespace
 
 NEBSourceControlPlugInLoad NEBSourceControlPlugIn::loadFile(const char* file) {
@@ -80,11 +97,8 @@ NEBSourceControlPlugInLoad NEBSourceControlPlugIn::loadFile(const char* file) {
     if (description == nullptr) {
         return failed(failure);
     }
-    if (description->name == nullptr || description->version == nullptr ||
-        description->program == nullptr || description->makePrincipalClass == nullptr) {
-        return failed(
-            "The plug-in \"" + path +
-            "\" describes itself without a name, a version, a program or a principal class.");
+    if (std::string wrong = descriptionFailure(path, *description); !wrong.empty()) {
+        return failed(std::move(wrong));
     }
     return {NEBSourceControlPlugIn(description), {}};
 }

@@ -18,8 +18,9 @@
 
 namespace neb {
 
-/// The description of a plug-in. The contract version always comes first: a host reads nothing else
-/// unless it equals its own. Before that, it reads the stamp from the file of the plug-in.
+/// The description of a plug-in. A host has compared the stamp in the file of the plug-in before it
+/// gets the description. The contract version always comes first: a host reads nothing else unless
+/// it equals its own.
 struct NEBSourceControlPlugInDescription {
     std::uint32_t contractVersion;
     /// &NEBSourceControlABIStamp. Without it, the file of the plug-in has no stamp and is refused.

@@ -92,6 +92,11 @@ TEST(PlugInFailure, ReportsWhatIsWrongWithTheFile) {
     EXPECT_EQ(failureOf(halfSilent),
               "The plug-in \"" + halfSilent +
                   "\" describes itself without a name, a version, a program or a principal class.");
+    const std::string other = NEB_TEST_MODULES "/OtherVersionInDescription.so";
+    EXPECT_EQ(failureOf(other), "The plug-in \"" + other +
+                                    "\" describes itself for version 1000 of the host contract; "
+                                    "expected version " +
+                                    std::to_string(NEBSourceControlContractVersion) + ".");
 }
 
 TEST(PlugInFailure, ANameWithoutSlashIsAFileInTheCurrentFolder) {

@@ -12,8 +12,16 @@ namespace neb {
 
 namespace {
 
-/// Separates the parts of a key. No argument contains it.
-constexpr char separator = '\0';
+/// Adds a part to a key, so that different parts never make equal keys.
+void addPart(std::string& key, const std::string& part) {
+    key.append(std::to_string(part.size())).append(1, ':').append(part);
+}
+
+std::string keyOfAnswer(std::string_view question, const std::string& subject) {
+    std::string key(question);
+    addPart(key, subject);
+    return key;
+}
 
 /// The size of the parts in which output is passed on; that of a pipe.
 constexpr std::size_t partSize = 1U << 16U;
@@ -171,17 +179,19 @@ NEBSourceControlPlayer::NEBSourceControlPlayer(std::vector<NEBSourceControlRecor
         _runIndex[keyOf(_runs[i])].indices.push_back(i);
     }
     for (std::size_t i = 0; i < _answers.size(); ++i) {
-        const std::string key = _answers[i].question + separator + _normalized(_answers[i].subject);
-        _answerIndex[key].indices.push_back(i);
+        _answerIndex[keyOfAnswer(_answers[i].question, _normalized(_answers[i].subject))]
+            .indices.push_back(i);
     }
 }
 
 std::string NEBSourceControlPlayer::keyOf(const std::string& program,
                                           const std::vector<std::string>& arguments,
                                           const std::optional<std::string>& folder) const {
-    std::string key = lastPathComponent(program) + separator + _normalized(folder.value_or(""));
+    std::string key;
+    addPart(key, lastPathComponent(program));
+    addPart(key, _normalized(folder.value_or("")));
     for (const std::string& argument : arguments) {
-        key += separator + _normalized(argument);
+        addPart(key, _normalized(argument));
     }
     return key;
 }
@@ -189,8 +199,7 @@ std::string NEBSourceControlPlayer::keyOf(const std::string& program,
 std::string NEBSourceControlPlayer::keyOf(const NEBSourceControlRecordedRun& run) const {
     std::string key;
     for (const NEBSourceControlRecordedChild& child : run.children) {
-        key += keyOf(child.launchPath, child.arguments, child.currentDirectoryPath) + separator +
-               separator;
+        addPart(key, keyOf(child.launchPath, child.arguments, child.currentDirectoryPath));
     }
     return key;
 }
@@ -271,7 +280,7 @@ std::vector<ChildOutcome> NEBSourceControlPlayer::runChildren(
 
 std::string NEBSourceControlPlayer::answer(std::string_view question, std::string_view subject,
                                            const std::function<std::string()>& /*ask*/) {
-    const std::string key = std::string(question) + separator + _normalized(subject);
+    const std::string key = keyOfAnswer(question, _normalized(subject));
     const MutexLock lock(_mutex);
     const auto found = next(_answerIndex, key);
     if (!found) {

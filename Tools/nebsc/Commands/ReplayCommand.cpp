@@ -1,11 +1,7 @@
 #include <cstdlib>
 
-#include "CommandFrame/BlameQuery.h"
-#include "CommandFrame/DiffQueries.h"
-#include "CommandFrame/StatusQuery.h"
-#include "CommandFrame/TreeQuery.h"
-#include "Commands/CloneWithoutSubmodules.h"
 #include "Commands/Commands.h"
+#include "Commands/OwnOperations.h"
 #include "Commands/RecordingCommands.h"
 #include "JSON/OutcomeJSON.h"
 #include "Recording/RecordingReader.h"
@@ -17,59 +13,6 @@ namespace neb::nebsc {
 namespace {
 
 using JSON = nlohmann::ordered_json;
-
-// ---- operations of nebsc's own ----------------------------------------------------------------
-
-using RequestPointer = std::shared_ptr<NEBSourceControlRequest>;
-
-/// The recording has the arguments, so those of the constructors do not matter.
-struct OwnRow {
-    std::string_view name;
-    std::shared_ptr<NEBSourceControlTaskOperation> (*make)(const RequestPointer& request);
-};
-
-template <typename Operation, auto... arguments>
-std::shared_ptr<NEBSourceControlTaskOperation> make(const RequestPointer& request) {
-    return std::make_shared<Operation>(request, arguments...);
-}
-
-const OwnRow ownRows[] = {
-    {"StatusQuery", make<StatusQuery, false>},
-    {"NameStatusQuery",
-     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
-         return std::make_shared<NameStatusQuery>(request, DiffSides());
-     }},
-    {"LineCountQuery",
-     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
-         return std::make_shared<LineCountQuery>(request, DiffSides());
-     }},
-    {"PatchQuery",
-     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
-         return std::make_shared<PatchQuery>(request, DiffSides());
-     }},
-    {"CommitPatchQuery", make<CommitPatchQuery>},
-    {"BlameQuery",
-     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
-         return std::make_shared<BlameQuery>(request, std::nullopt);
-     }},
-    {"TreeQuery",
-     [](const RequestPointer& request) -> std::shared_ptr<NEBSourceControlTaskOperation> {
-         return std::make_shared<TreeQuery>(request, "");
-     }},
-    {"CloneWithoutSubmodulesOperation", make<CloneWithoutSubmodulesOperation>},
-};
-
-std::shared_ptr<NEBSourceControlTaskOperation> makeOwn(const std::string& className,
-                                                       const RequestPointer& request) {
-    for (const OwnRow& row : ownRows) {
-        if (row.name == className) {
-            return row.make(request);
-        }
-    }
-    return nullptr;
-}
-
-// ---- output -----------------------------------------------------------------------------------
 
 std::string counted(std::size_t count, std::string_view singular) {
     return std::to_string(count) + " " + std::string(singular) + (count == 1 ? "" : "s");
@@ -130,12 +73,12 @@ CommandOutput run(const CommandCall& call) {
         return refusal("recording " + inQuotes(path) + " " + recording.failure, exitUsageError);
     }
     // A location that begins with "~" names the folder of the recording. No other thread runs yet.
-    if (const std::string home = recording.header.value("home", ""); !home.empty()) {
+    if (const std::string& home = recording.header.home; !home.empty()) {
         ::setenv("HOME", home.c_str(), 1);
     }
     std::vector<ReplayedRequest> all;
     for (const RecordedRequest& request : recording.requests) {
-        all.push_back(replay(call.session, request, makeOwn));
+        all.push_back(replay(call.session, request, ownOperation));
     }
     return outputOf(all, call.isJSON);
 }

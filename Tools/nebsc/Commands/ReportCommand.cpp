@@ -7,6 +7,7 @@
 #include "Commands/RecordingCommands.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/ChildProcess.h"
 #include "Recording/LastFailure.h"
 #include "Recording/RecordingReader.h"
@@ -57,9 +58,9 @@ Contents contentsOf(const RecordingReading& recording) {
     Contents contents;
     contents.processes = recording.otherChildren;
     for (const RecordedRequest& request : recording.requests) {
-        ++contents.requests[request.outcome.is_object() && request.outcome["name"].is_string()
-                                ? request.outcome["name"].get<std::string>()
-                                : "refused"];
+        const auto name = NEBSourceControlRequestTypeName(request.request->type);
+        ++contents.requests[request.outcome.is_null() ? "refused"
+                                                      : std::string(name.value_or("unknown"))];
         contents.answers += request.answers.size();
         for (const NEBSourceControlRecordedRun& run : request.runs) {
             contents.processes += run.children.size();
@@ -86,9 +87,8 @@ std::string summaryOf(const std::string& file, const RecordingReading& recording
            "  processes of git:  " + std::to_string(contents.processes) + "\n" +
            "  output of git:     " + std::to_string(contents.outputBytes) + " bytes\n" +
            "  answers on files:  " + std::to_string(contents.answers) + "\n" +
-           "  versions:          nebsc " + recording.header.value("nebsc", "") + ", plug-in " +
-           recording.header.value("plugIn", "") + ", " +
-           printable(recording.header.value("git", "")) + "\n" +
+           "  versions:          nebsc " + recording.header.nebsc + ", plug-in " +
+           recording.header.plugIn + ", " + printable(recording.header.git) + "\n" +
            "  file:              " + printable(file) + ", " +
            std::to_string(std::filesystem::file_size(file, ignored)) + " bytes\n" +
            "\n"

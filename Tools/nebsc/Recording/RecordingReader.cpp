@@ -2,14 +2,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
-#include <limits>
-#include <stdexcept>
+#include <unordered_map>
 #include <utility>
 
+#include "JSON/OutcomeJSON.h"
 #include "Platform/ErrnoText.h"
 #include "Recording/RecordingFile.h"
-#include "Recording/RequestText.h"
+#include "Recording/RecordingMember.h"
+#include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
 
@@ -17,113 +19,118 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-/// A line that is JSON, but has a value that no recording has.
-struct InvalidValue : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-/// Returns the integer. Throws an exception for other JSON, and outside of the range.
-int integerOf(const JSON& json, int least, int most) {
-    if (!json.is_number_integer() || json < least || json > most) {
-        throw InvalidValue("not an integer in the range");
-    }
-    return json.get<int>();
-}
-
-/// Returns a number from 0 on, of a request or of lines.
-int countOf(const JSON& json) {
-    return integerOf(json, 0, std::numeric_limits<int>::max());
-}
-
-std::vector<std::string> textsOf(const JSON& json) {
-    std::vector<std::string> texts;
-    for (const JSON& text : json) {
-        texts.push_back(bytesOfJSON(text));
-    }
-    return texts;
-}
-
-TerminationStatus statusOf(const JSON& json) {
+TerminationStatus statusOf(const RecordingMember& status) {
     constexpr int mostExitStatus = 255;
     constexpr int mostSignal = 127;  // what wait(2) has room for
-    if (json.contains("exit")) {
-        return TerminationStatus::exited(integerOf(json["exit"], 0, mostExitStatus));
+    if (const auto exit = status.find("exit")) {
+        return TerminationStatus::exited(exit->integer(0, mostExitStatus));
     }
-    if (json.contains("signal")) {
-        return TerminationStatus::signalled(integerOf(json["signal"], 1, mostSignal));
+    if (const auto signal = status.find("signal")) {
+        return TerminationStatus::signalled(signal->integer(1, mostSignal));
     }
-    return json.contains("unknown")
-               ? TerminationStatus::unknown(json["unknown"].get<std::string>())
-               : TerminationStatus::notStarted(json.at("notStarted").get<std::string>());
+    const auto unknown = status.find("unknown");
+    return unknown ? TerminationStatus::unknown(unknown->text())
+                   : TerminationStatus::notStarted(status.at("notStarted").text());
 }
 
-std::chrono::nanoseconds nanosecondsOf(const JSON& milliseconds) {
-    constexpr double most = 1e12;  // 31 years; nanoseconds have room for 292
-    const double number = milliseconds.get<double>();
-    if (!(number >= 0 && number <= most)) {  // also NaN
-        throw InvalidValue("not a duration");
-    }
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-        std::chrono::duration<double, std::milli>(number));
+bool flagIn(const RecordingMember& object, const char* name) {
+    const auto flag = object.find(name);
+    return flag && flag->boolean();
 }
 
-NEBSourceControlRecordedChild childOf(const JSON& json) {
+std::optional<std::string> folderIn(const RecordingMember& object) {
+    const RecordingMember folder = object.at("folder");
+    return folder.isNull() ? std::nullopt : std::optional(folder.argument());
+}
+
+NEBSourceControlRecordedChild childOf(const RecordingMember& json) {
+    const auto input = json.find("input");
     NEBSourceControlRecordedChild child{
-        .launchPath = json.at("program").get<std::string>(),
-        .arguments = textsOf(json.at("arguments")),
-        .currentDirectoryPath =
-            json.at("folder").is_null() ? std::nullopt : std::optional(bytesOfJSON(json["folder"])),
-        .setVariables = textsOf(json.at("set")),
-        .removedVariables = textsOf(json.at("removed")),
-        .input =
-            json.contains("input") ? std::optional(Data(bytesOfJSON(json["input"]))) : std::nullopt,
-        .output = Data(bytesOfJSON(json.at("output"))),
-        .errorOutput = Data(bytesOfJSON(json.at("errorOutput"))),
+        .launchPath = json.at("program").argument(),
+        .arguments = json.at("arguments").arguments(),
+        .currentDirectoryPath = folderIn(json),
+        .setVariables = json.at("set").arguments(),
+        .removedVariables = json.at("removed").arguments(),
+        .input = input ? std::optional(Data(input->bytes())) : std::nullopt,
+        .output = Data(json.at("output").bytes()),
+        .errorOutput = Data(json.at("errorOutput").bytes()),
         .status = statusOf(json.at("status")),
-        .duration = nanosecondsOf(json.at("milliseconds")),
-        .outputWasHeldOpen = json.value("outputWasHeldOpen", false),
+        .duration = json.at("milliseconds").milliseconds(),
+        .outputWasHeldOpen = flagIn(json, "outputWasHeldOpen"),
         .exceededLimit = std::nullopt};
-    if (json.contains("exceededLimit")) {
-        child.exceededLimit = static_cast<ChildLimit>(
-            integerOf(json["exceededLimit"], 0, static_cast<int>(ChildLimit::outputBytes)));
+    if (const auto limit = json.find("exceededLimit")) {
+        child.exceededLimit =
+            static_cast<ChildLimit>(limit->integer(0, static_cast<int>(ChildLimit::outputBytes)));
     }
     return child;
 }
 
-NEBSourceControlRecordedRun runOf(const JSON& line) {
+NEBSourceControlRecordedRun runOf(const RecordingMember& line) {
     NEBSourceControlRecordedRun run;
-    for (const JSON& child : line.at("children")) {
+    const RecordingMember children = line.at("children");
+    for (const RecordingMember& child : children.elements()) {
         run.children.push_back(childOf(child));
     }
-    run.start = nanosecondsOf(line.at("start"));
-    run.wasCancelled = line.value("cancelled", false);
+    if (run.children.empty()) {
+        children.refuse("is empty");
+    }
+    run.start = line.at("start").milliseconds();
+    run.wasCancelled = flagIn(line, "cancelled");
     return run;
+}
+
+NEBSourceControlRecordedAnswer answerOf(const RecordingMember& line) {
+    return {.question = line.at("question").argument(),
+            .subject = line.at("subject").bytes(),
+            .answer = line.at("answer").bytes()};
+}
+
+RecordedOperation operationOf(const RecordingMember& own) {
+    RecordedOperation operation{.className = own.at("operation").text(),
+                                .isChecked = own.at("isChecked").boolean(),
+                                .arguments = {},
+                                .folder = std::nullopt};
+    if (const auto arguments = own.find("arguments")) {
+        operation.arguments = arguments->arguments();
+        operation.folder = folderIn(own);
+    }
+    return operation;
+}
+
+RequestReading requestIn(const RecordingMember& member) {
+    RequestReading reading = requestFromJSON(lineOfJSON(member.object()));
+    if (!reading.request) {
+        member.refuse("is not a request: " + reading.refusal);
+    }
+    return reading;
 }
 
 class Reader {
 public:
     explicit Reader(RecordingReading& reading) : _reading(reading) {}
 
-    /// Throws an exception if the line is invalid.
-    void read(const JSON& line) {
+    /// Throws InvalidMember if the line is invalid.
+    void read(const RecordingMember& line) {
         ++_lines;
         if (_lines == 1) {
-            if (countOf(line.at("recording")) != recordingVersion) {
-                _reading.failure = "has a format that this version of nebsc does not know";
-            }
-            _reading.header = line;
+            readHeader(line);
             return;
         }
-        const std::string kind = line.at("kind").get<std::string>();
-        if (kind == "end") {
-            _isComplete = countOf(line.at("lines")) == _lines;
-        } else if (kind == "request") {
-            RecordedRequest& request = _reading.requests.emplace_back();
-            request.number = countOf(line.at("request"));
-            request.json = line.at("json");
-            request.own = line.value("own", JSON());
-        } else if (countOf(line.at("request")) == 0) {
-            _reading.otherChildren += kind == "run" ? line.at("children").size() : 0;
+        if (_isComplete) {
+            line.refuse("follows the end");
+        }
+        const RecordingMember kind = line.at("kind");
+        const std::string name = kind.text();
+        if (name == "end") {
+            if (line.at("lines").count() != _lines) {
+                line.at("lines").refuse("is not the number of this line: lines are missing");
+            }
+            _isComplete = true;
+        } else if (name == "request") {
+            beginRequest(line);
+        } else if (const RecordingMember number = line.at("request");
+                   number.count() == 0 && (name == "run" || name == "answer")) {
+            _reading.otherChildren += name == "run" ? runOf(line).children.size() : 0;
         } else {
             readPart(kind, line);
         }
@@ -132,31 +139,87 @@ public:
     [[nodiscard]] bool isComplete() const { return _isComplete; }
 
 private:
-    void readPart(const std::string& kind, const JSON& line) {
-        const auto request = std::ranges::find(_reading.requests, countOf(line.at("request")),
-                                               &RecordedRequest::number);
-        if (request == _reading.requests.end()) {
-            _reading.failure = "has a line of a request that it lacks";
-        } else if (kind == "run") {
-            request->runs.push_back(runOf(line));
-        } else if (kind == "answer") {
-            request->answers.push_back({.question = line.at("question").get<std::string>(),
-                                        .subject = bytesOfJSON(line.at("subject")),
-                                        .answer = bytesOfJSON(line.at("answer"))});
-        } else if (kind == "records") {
-            for (const JSON& record : line.at("records")) {
-                request->delivered.push_back(record);
+    void readHeader(const RecordingMember& line) {
+        if (line.at("recording").count() != recordingVersion) {
+            _reading.failure = "has a format that this version of nebsc does not know";
+            return;
+        }
+        _reading.header = {.nebsc = line.at("nebsc").text(),
+                           .plugIn = line.at("plugIn").text(),
+                           .git = line.at("git").text(),
+                           .home = line.at("home").argument()};
+    }
+
+    void beginRequest(const RecordingMember& line) {
+        const RecordingMember number = line.at("request");
+        RequestReading reading = requestIn(line.at("json"));
+        const auto own = line.find("own");
+        RecordedRequest request{.number = number.count(),
+                                .request = std::move(reading.request),
+                                .settings = {},
+                                .own = own ? std::optional(operationOf(*own)) : std::nullopt,
+                                .runs = {},
+                                .answers = {}};
+        if (request.number == 0) {
+            number.refuse("is 0; expected the number of a request");
+        }
+        if (!_indices.emplace(request.number, _reading.requests.size()).second) {
+            number.refuse("is " + std::to_string(request.number) +
+                          ", the number of an earlier request");
+        }
+        _reading.requests.push_back(std::move(request));
+    }
+
+    void readPart(const RecordingMember& kind, const RecordingMember& line) {
+        const RecordingMember number = line.at("request");
+        const auto index = _indices.find(number.count());
+        if (index == _indices.end()) {
+            number.refuse("is " + std::to_string(number.count()) +
+                          "; no line before is a request with this number");
+        }
+        RecordedRequest& request = _reading.requests[index->second];
+        if (!request.outcome.is_null()) {
+            number.refuse("is " + std::to_string(number.count()) +
+                          ", a request whose outcome is on a line before");
+        }
+        const std::string name = kind.text();
+        if (name == "run") {
+            request.runs.push_back(runOf(line));
+        } else if (name == "answer") {
+            request.answers.push_back(answerOf(line));
+        } else if (name == "records") {
+            static_cast<void>(line.at("records").elements());  // checks that it is an array
+            for (const JSON& record : line.object()["records"]) {
+                request.delivered.push_back(record);
             }
-        } else if (kind == "outcome") {
-            request->outcome = line.at("outcome");
-            if (line.contains("limits") && !line["limits"].empty()) {
-                request->json["limits"] = line["limits"];
-            }
-            request->json["background"] = line.value("background", false);
+        } else if (name == "outcome") {
+            readOutcome(line, request);
+        } else {
+            kind.refuse("is " + inQuotes(shortened(name)) +
+                        "; expected 'request', 'run', 'answer', 'records', 'outcome' or 'end'");
         }
     }
 
+    static void readOutcome(const RecordingMember& line, RecordedRequest& request) {
+        const RecordingMember outcome = line.at("outcome");
+        if (const RecordingMember name = outcome.at("name"); !name.isNull()) {
+            static_cast<void>(name.text());
+        }
+        // Limits are those of a request.
+        const JSON settings{{"type", request.request->type},
+                            {"limits", line.at("limits").object()}};
+        RequestReading reading = requestFromJSON(lineOfJSON(settings));
+        if (!reading.request) {
+            line.at("limits").refuse("is not the limits of a request: " + reading.refusal);
+        }
+        request.settings = reading.settings;
+        request.settings.isBackgroundWork = line.at("background").boolean();
+        request.outcome = outcome.object();
+    }
+
     RecordingReading& _reading;
+    /// The indices of the requests by number.
+    std::unordered_map<int, std::size_t> _indices;
     int _lines = 0;
     bool _isComplete = false;
 };
@@ -167,27 +230,38 @@ bool RecordedRequest::wasCancelled() const {
     return std::ranges::any_of(runs, &NEBSourceControlRecordedRun::wasCancelled);
 }
 
-RecordingReading readRecording(const std::string& path) {
+RecordingReading readRecording(std::istream& stream) {
     RecordingReading reading;
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
     Reader reader(reading);
-    if (!file) {
-        reading.failure = "cannot be read: " + textOfErrno(errno);
-    }
     int number = 0;
-    for (std::string line; reading.failure.empty() && std::getline(file, line);) {
+    for (std::string line; reading.failure.empty() && std::getline(stream, line);) {
         ++number;
         try {
-            reader.read(JSON::parse(line));
-        } catch (const std::exception&) {  // of the JSON library, or InvalidValue
-            reading.failure = "has an invalid line " + std::to_string(number);
+            const JSON json = jsonOfLine(line);
+            reader.read(RecordingMember(json));
+        } catch (const InvalidMember& invalid) {
+            reading.failure =
+                "has an invalid line " + std::to_string(number) + ": " + invalid.what();
         }
     }
     if (reading.failure.empty() && !reader.isComplete()) {
-        reading.failure = number == 0 ? "is empty" : "is incomplete";
+        reading.failure = number == 0 ? "is empty"
+                                      : "is incomplete: after line " + std::to_string(number) +
+                                            ", the line whose member 'kind' is 'end' is missing";
     }
     return reading;
+}
+
+RecordingReading readRecording(const std::string& path) {
+    std::error_code ignored;
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file || std::filesystem::is_directory(path, ignored)) {
+        RecordingReading reading;
+        reading.failure = "cannot be read: " + textOfErrno(file ? EISDIR : errno);
+        return reading;
+    }
+    return readRecording(file);
 }
 
 }  // namespace neb::nebsc

@@ -116,43 +116,41 @@ void addDifference(const NEBSourceControlReplayDifference& difference,
 
 /// Gives an operation of nebsc's own its recorded command line, which depended on the options of
 /// the command.
-void prepareOwn(NEBSourceControlTaskOperation& operation, const RecordedRequest& recorded) {
-    std::vector<std::string> arguments;
-    for (const JSON& argument : recorded.own.value("arguments", JSON::array())) {
-        arguments.push_back(bytesOfJSON(argument));
-    }
-    operation.setArguments(std::move(arguments));
-    if (const JSON folder = recorded.own.value("folder", JSON()); !folder.is_null()) {
-        operation.setCurrentDirectoryPath(bytesOfJSON(folder));
+void prepareOwn(NEBSourceControlTaskOperation& operation, const RecordedOperation& recorded) {
+    operation.setArguments(recorded.arguments);
+    if (recorded.folder) {
+        operation.setCurrentDirectoryPath(*recorded.folder);
     }
 }
 
 /// Performs the request with the player, and returns the outcome as JSON.
 class Performance {
 public:
-    Performance(const HostSession& session, const RecordedRequest& recorded, RequestReading reading)
-        : _session(session), _recorded(recorded), _reading(std::move(reading)) {}
+    Performance(const HostSession& session, const RecordedRequest& recorded)
+        : _session(session), _recorded(recorded) {}
 
     /// Returns why it is not possible; empty if it was.
     std::string perform(const OwnOperationMaker& makeOwn) {
         const Interceptor::Scope scope(_player);
+        // An operation may change its request.
+        const auto request = std::make_shared<NEBSourceControlRequest>(*_recorded.request);
         std::shared_ptr<NEBSourceControlTaskOperation> own;
-        if (!_recorded.own.is_null()) {
-            const std::string name = _recorded.own.at("operation").get<std::string>();
-            own = makeOwn(name, _reading.request);
+        if (_recorded.own) {
+            own = makeOwn(_recorded.own->className, request);
             if (!own) {
-                return "it ran " + name + ", which is not part of a request";
+                return "it ran " + _recorded.own->className +
+                       ", which is not an operation of such a request";
             }
-            prepareOwn(*own, _recorded);
+            prepareOwn(*own, *_recorded.own);
         }
         const HostSession::Runner run = [this](NEBSourceControlOperation& operation) {
             start(operation);
         };
-        if (own && !_recorded.own.value("isChecked", false)) {
+        if (own && !_recorded.own->isChecked) {
             _outcome = _session.performOperation(*own, run);
             return {};
         }
-        RequestResult result = _session.perform(_reading.request, run, own);
+        RequestResult result = _session.perform(request, run, own);
         if (result.refusedValue) {
             return sentenceOfRefusedValue(*result.refusedValue);
         }
@@ -171,7 +169,7 @@ public:
 
 private:
     void start(NEBSourceControlOperation& operation) {
-        _reading.settings.applyTo(operation);
+        _recorded.settings.applyTo(operation);
         if (_recorded.outcome.contains("recordCount")) {
             operation.setRecordSink([this](const NEBSourceControlResult& records) {
                 JSON batch = JSON::parse(textOfRecords(records), nullptr, false);
@@ -184,7 +182,6 @@ private:
 
     const HostSession& _session;
     const RecordedRequest& _recorded;
-    const RequestReading _reading;
     const std::shared_ptr<NEBSourceControlPlayer> _player =
         std::make_shared<NEBSourceControlPlayer>(_recorded.runs, _recorded.answers,
                                                  withoutSecretBytes);
@@ -200,18 +197,13 @@ ReplayedRequest replay(const HostSession& session, const RecordedRequest& record
     for (const NEBSourceControlRecordedRun& run : recorded.runs) {
         result.childCount += run.children.size();
     }
-    RequestReading reading = requestFromJSON(textOf(recorded.json));
-    if (!reading.request) {
-        result.notReplayed = reading.refusal;
-        return result;
-    }
-    const auto type = reading.request->type;
+    const auto type = recorded.request->type;
     result.name = NEBSourceControlRequestTypeName(type).value_or(std::to_string(type));
     if (recorded.outcome.is_null() || recorded.wasCancelled()) {
         result.notReplayed = recorded.outcome.is_null() ? "it was refused" : "it was cancelled";
         return result;
     }
-    Performance performance(session, recorded, std::move(reading));
+    Performance performance(session, recorded);
     result.notReplayed = performance.perform(makeOwn);
     if (result.notReplayed.empty()) {
         for (const auto& difference : performance.player().differences()) {

@@ -18,12 +18,14 @@
   :group 'nebgit)
 
 (defun nebgit-later (function &rest arguments)
-  "Call FUNCTION with ARGUMENTS when Emacs is idle again; it may ask the user."
+  "Call FUNCTION with ARGUMENTS when Emacs is idle again; it may ask the user.
+Questions are asked in the minibuffer, as after a key."
   (apply #'run-at-time 0 nil
          (lambda (&rest values)
            (with-local-quit
              (condition-case problem
-                 (apply function values)
+                 (let ((use-dialog-box nil))
+                   (apply function values))
                (user-error (message "%s" (error-message-string problem))))))
          arguments))
 

@@ -57,6 +57,7 @@ ANSWER is the function to call with the result."
   "Ask the user the question with PARAMS; return nil if the user declines."
   (let ((prompt (or (plist-get params :prompt) "Password: "))
         (enable-recursive-minibuffers t)
+        (use-dialog-box nil)
         (inhibit-quit nil))
     (condition-case nil
         (copy-sequence

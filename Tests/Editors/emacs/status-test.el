@@ -27,6 +27,19 @@
                                      "-f" "nebgit-status" (expand-file-name "a.txt" folder))))
         (should (string-match-p "Nothing to commit" shown))))))
 
+;; From a timer, Emacs takes a dialog box, on a terminal a menu that "yes" does not answer.
+(ert-deftest status-asks-in-the-minibuffer ()
+  (test-with-repository
+    (test-write "a.txt" "changed")
+    (test-with-status
+      (test-go "a.txt")
+      (let ((question nil))
+        (cl-letf (((symbol-function 'yes-or-no-p)
+                   (lambda (prompt) (setq question (list prompt use-dialog-box)) nil)))
+          (nebgit-discard)
+          (test-wait question))
+        (should (equal question '("Lose the changes of a.txt? " nil)))))))
+
 (ert-deftest status-of-a-clean-repository-says-so ()
   (test-with-repository
     (test-with-status

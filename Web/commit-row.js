@@ -9,7 +9,7 @@ const MAX_REFERENCES = 4;
 /** The elements of a row, which shows one commit after the other: to change a text takes less time than to create elements. */
 export class CommitRow {
     #texts = Array.from({ length: 5 }, () => document.createTextNode(""));
-    #references = element("span.references", {});
+    #references = element("span.refs", {});
     #hasReferences = false;
 
     constructor(node) {

@@ -94,7 +94,7 @@ class CommitView {
 
     #heading(commit) {
         const person = (name, mail, time, offset) => element("dd", {}, element("bdi", {}, visible(name ?? "")),
-            element("span.mail", {}, ` <${visible(mail ?? "")}> `),
+            element("span.mail", {}, ` <${visible(mail ?? "")}>`), " ",
             element("time", {}, fullTime(time, offset)), ` (${relativeTime(time)})`);
         const isSamePerson = commit.author === commit.committer && commit.authorEmail === commit.committerEmail;
         const committed = isSamePerson

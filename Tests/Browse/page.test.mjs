@@ -50,6 +50,9 @@ pageTest("the history shows subjects, references, authors and dates as text", as
     assert.deepEqual(subjects, ["Merge the topic", "Work on a topic", "Rename the program", `${attack} in a subject`, "First commit"]);
     assert.match(await rows(page).nth(0).textContent(), /HEAD.*main.*Ann Example.*2023-11-1/);
     assert.deepEqual(await rows(page).nth(3).locator(".ref").allTextContents(), ["<b>bold</b>"]);
+    const left = async (part) => (await rows(page).nth(0).locator(part).boundingBox()).x;
+    assert.ok(await left(".ref >> nth=0") < await left(".ref >> nth=1") && await left(".ref >> nth=1") < await left(".subject bdi"),
+        "references stand in one line with the subject");
     assert.equal(await page.locator("main img, main script").count(), 0);
     assert.equal(await page.locator("p.status").textContent(), "5 commits");
     assert.ok((await page.locator("canvas.graph").boundingBox()).width >= 24, "two lanes");

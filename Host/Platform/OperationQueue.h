@@ -55,8 +55,7 @@ private:
     struct Work {
         /// Null for a block.
         std::shared_ptr<Operation> operation;
-        /// Never empty: calls start() of an operation. Sets the interceptor of the thread that
-        /// added the work.
+        /// Empty for an operation.
         std::function<void()> block;
         /// That of the thread that added the work; null if it had none.
         std::shared_ptr<Interceptor> interceptor;

@@ -117,7 +117,9 @@ std::optional<CommandOutput> RemoveTask::findChangedByRequest(std::vector<std::s
         }
         for (const NEBDictionary& record :
              status.outcome->result.value_or(NEBSourceControlResult())) {
-            const auto state = record.value(NEBSourceControlOperationWCStatusKey).integer();
+            const std::int64_t state = record.value(NEBSourceControlOperationWCStatusKey)
+                                           .integer()
+                                           .value_or(NEBSourceControlStatusOther);
             if (state != NEBSourceControlStatusDeleted &&
                 state != NEBSourceControlStatusUntracked) {
                 changed.emplace_back(bytesOfName(record, pathKeys));

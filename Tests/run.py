@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the test programs of a build folder, split over the processors, and reports failures.
 
-Usage: run.py BUILD-FOLDER [--threaded] [--without-package] [--filter TEXT] [--slowest COUNT]
+Usage: run.py BUILD-FOLDER [--threaded] [--only PROGRAM] [--without-package] [--filter TEXT] [--slowest COUNT]
 
 Each program runs as several processes, each with a share of its tests (GoogleTest's sharding).
 Prints the name and the output of each test that fails, the name of each skipped test with the reason,
@@ -91,18 +91,9 @@ def setting(build, name):
     return found.group(1) if found else ""
 
 
-def skipped_with_libcxx(build):
-    """What a build with libc++ does not have, with the reasons."""
-    if not setting(build, "NEB_LIBCXX"):
-        return []
-    return [("gateway_tests", "nebsc browse uses a library that is built with libstdc++"),
-            ("Browse", "nebsc browse uses a library that is built with libstdc++"),
-            ("Package", "the packages are those of a build with the compiler's standard library")]
-
-
 def package_jobs(build):
-    """The package; not of a library that a plain program cannot link."""
-    if setting(build, "NEB_SANITIZER") or setting(build, "NEB_LIBCXX"):
+    """The package; not of a sanitized library, which a plain program cannot link."""
+    if setting(build, "NEB_SANITIZER"):
         return
     compiler = setting(build, "CMAKE_CXX_COMPILER")
     yield Job("Interface", [Path(sys.executable), SOURCE / "Package/interface_test.py"], {}, False)
@@ -207,6 +198,7 @@ def main():
     parser.add_argument("build", type=Path)
     parser.add_argument("--threaded", action="store_true",
                         help="only the programs and tests that the thread sanitizer runs")
+    parser.add_argument("--only", help="only the tests of this program")
     parser.add_argument("--without-package", action="store_true",
                         help="leave out the tests of the package, which need a compiler")
     parser.add_argument("--filter", default="",
@@ -218,20 +210,17 @@ def main():
     if text and not re.search(r"[*?:]", text):
         text = f"*{text}*"
 
-    absent = skipped_with_libcxx(build)
-    programs = [name for name in (THREADED if options.threaded else PROGRAMS)
-                if name not in dict(absent)]
+    programs = THREADED if options.threaded else [options.only] if options.only else PROGRAMS
     jobs = list(google_test_jobs(build, programs, text))
-    if not options.threaded and not text:
+    if not options.threaded and not options.only and not text:
         package = [] if options.without_package else package_jobs(build)
         chaos = Job("Chaos", [Path(sys.executable), SOURCE / "Chaos/chaos_test.py"], {}, False)
-        browse = [] if "Browse" in dict(absent) else browse_jobs(build)
-        jobs = [*browse, *editor_jobs(build), *package, *jobs, chaos]
+        jobs = [*browse_jobs(build), *editor_jobs(build), *package, *jobs, chaos]
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))
     passed = sum(result.passed for result in results)
-    skipped = [*absent, *(pair for result in results for pair in result.skipped)]
+    skipped = [pair for result in results for pair in result.skipped]
     failures = [name for result in results for name, _ in result.failures]
     for milliseconds, name in sorted((t for r in results for t in r.times), reverse=True)[
             :options.slowest]:

@@ -12,10 +12,13 @@
 #include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
 #include "Commands/InspectingCommands.h"
+#include "Commands/OwnOperations.h"
 #include "Commands/PlugInCommands.h"
+#include "Commands/RecordingCommands.h"
 #include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Recording/Anonymization.h"
 #include "Recording/LastFailure.h"
 #include "Recording/RecordingFile.h"
 #include "Session/PlugInLocation.h"
@@ -69,10 +72,17 @@ CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
                            .timeLimit = timeLimitIn(arguments),
                            .gateway = gateway};
     const auto file = arguments.value(recordOption);
+    if (!file && arguments.has(anonymousOption) && &command != &reportCommand) {
+        return refusal("option '--anonymous' requires '--record FILE'", exitUsageError);
+    }
     if (!file) {
         return command.run(call);
     }
-    RecordingFile recording(std::filesystem::absolute(*file));
+    const RecordingFile::Change anonymize = [&session](auto& lines) {
+        return makeAnonymous(lines, session, ownOperation);
+    };
+    RecordingFile recording(std::filesystem::absolute(*file),
+                            arguments.has(anonymousOption) ? anonymize : nullptr);
     const auto& loaded = plugIn.load.plugIn;
     if (const auto failure = recording.open(loaded ? loaded->version() : "")) {
         return refusal(withSingleQuotes(failure->description), exitUsageError);

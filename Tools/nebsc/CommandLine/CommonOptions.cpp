@@ -28,6 +28,7 @@ constexpr Parameter options[] = {
     {inspectOption, "Only read the repository, and run no program that it names"},
     {recordOption, "Record the requests and what git prints in a new file", Takes::pathAsWritten,
      Occurs::optionally, "FILE"},
+    {anonymousOption, "Replace names and texts in the recording"},
     {versionOption, "Show the versions of nebsc, the plug-in and git"},
     {"-h,--help", "Show help for nebsc or for the command"},
 };

@@ -20,6 +20,7 @@ inline constexpr std::string_view colourOption = "--color";
 inline constexpr std::string_view traceOption = "--trace";
 inline constexpr std::string_view timeoutOption = "--timeout";
 inline constexpr std::string_view recordOption = "--record";
+inline constexpr std::string_view anonymousOption = "--anonymous";
 inline constexpr std::string_view inspectOption = "--inspect";
 inline constexpr std::string_view versionOption = "--version";
 inline constexpr std::string_view helpOption = "--help";

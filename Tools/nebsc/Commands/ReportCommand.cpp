@@ -2,6 +2,7 @@
 #include <map>
 
 #include "CommandLine/CommandLineParser.h"
+#include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
 #include "Commands/InspectingCommands.h"
 #include "Commands/RecordingCommands.h"
@@ -35,8 +36,11 @@ bool mayRunAgain(const LastFailure& failure) {
 }
 
 /// Runs the command with a recording. Returns how nebsc ended.
-TerminationStatus runAgain(const LastFailure& failure, const std::string& file) {
+TerminationStatus runAgain(const LastFailure& failure, const std::string& file, bool isAnonymous) {
     std::vector<std::string> arguments{"--record", file};
+    if (isAnonymous) {
+        arguments.emplace_back("--anonymous");
+    }
     arguments.insert(arguments.end(), failure.arguments.begin(), failure.arguments.end());
     ChildProcess nebsc;
     return nebsc
@@ -72,8 +76,15 @@ Contents contentsOf(const RecordingReading& recording) {
     return contents;
 }
 
+constexpr const char* contentsOfAnonymous =
+    "Names and texts are replaced. Terms of git, numbers and object ids stay.\n";
+constexpr const char* contentsWithNames =
+    "Passwords and tokens are replaced. File names, names of people, texts of commits and\n"
+    "contents that git printed are part of the file: read it before you pass it on.\n";
+
 std::string summaryOf(const std::string& file, const RecordingReading& recording,
-                      const LastFailure& failure, const TerminationStatus& status) {
+                      const LastFailure& failure, const TerminationStatus& status,
+                      bool isAnonymous) {
     const Contents contents = contentsOf(recording);
     std::string names;
     for (const auto& [name, count] : contents.requests) {
@@ -90,11 +101,8 @@ std::string summaryOf(const std::string& file, const RecordingReading& recording
            "  versions:          nebsc " + recording.header.nebsc + ", plug-in " +
            recording.header.plugIn + ", " + printable(recording.header.git) + "\n" +
            "  file:              " + printable(file) + ", " +
-           std::to_string(std::filesystem::file_size(file, ignored)) + " bytes\n" +
-           "\n"
-           "Passwords and tokens are replaced. File names, names of people, texts of commits and\n"
-           "contents that git printed are part of the file: read it before you pass it on.\n"
-           "Nothing was sent.\n";
+           std::to_string(std::filesystem::file_size(file, ignored)) + " bytes\n" + "\n" +
+           (isAnonymous ? contentsOfAnonymous : contentsWithNames) + "Nothing was sent.\n";
 }
 
 CommandOutput run(const CommandCall& call) {
@@ -109,7 +117,8 @@ CommandOutput run(const CommandCall& call) {
             "Run it with '--record FILE' to record it.", NEBSourceControlUnknownErrorClass.text());
     }
     const std::string file = std::filesystem::absolute(call.arguments.value("FILE").value_or(""));
-    const TerminationStatus status = runAgain(*failure, file);
+    const bool isAnonymous = call.arguments.has(anonymousOption);
+    const TerminationStatus status = runAgain(*failure, file, isAnonymous);
     const RecordingReading recording = readRecording(file);
     constexpr int refused = 2;
     if (!recording.failure.empty() || status.exitStatus() == refused) {
@@ -117,7 +126,8 @@ CommandOutput run(const CommandCall& call) {
                            status.description(),
                        exitFailed);
     }
-    return {.standardOutput = summaryOf(file, recording, *failure, status), .standardError = {}};
+    return {.standardOutput = summaryOf(file, recording, *failure, status, isAnonymous),
+            .standardError = {}};
 }
 
 constexpr Parameter parameters[] = {
@@ -136,7 +146,8 @@ constinit const Command reportCommand{
         "describes recordings.\n"
         "\n"
         "Example:\n"
-        "  nebsc report failure.recording\n",
+        "  nebsc report failure.recording\n"
+        "  nebsc report --anonymous failure.recording    without names and texts\n",
     .parameters = parameters,
     .needsPlugIn = false,
     .run = run,

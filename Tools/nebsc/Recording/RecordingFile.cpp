@@ -224,10 +224,29 @@ std::shared_ptr<Interceptor> RecordingFile::interceptor() {
 
 void RecordingFile::write(JSON line) {
     removeSecretsFrom(line);
-    const std::string text = lineOfJSON(line);
+    const std::string text = _change ? "" : lineOfJSON(line);
     const MutexLock lock(_mutex);
-    writeLine(text);
     ++_lineCount;
+    if (_change) {
+        _lines.push_back(std::move(line));
+    } else {
+        writeLine(text);
+    }
+}
+
+int RecordingFile::lineCount() {
+    const MutexLock lock(_mutex);
+    return _lineCount;
+}
+
+std::string RecordingFile::writeChanged() {
+    std::string reason = _change(_lines);
+    if (reason.empty()) {
+        for (const JSON& line : _lines) {
+            writeLine(lineOfJSON(line));
+        }
+    }
+    return reason;
 }
 
 void RecordingFile::writeLine(const std::string& line) {
@@ -238,8 +257,11 @@ void RecordingFile::writeLine(const std::string& line) {
 
 std::optional<FileFailure> RecordingFile::finish() {
     const std::string what = "The recording \"" + path() + "\" could not be written";
+    write({{"kind", "end"}, {"lines", lineCount() + 1}});
     const MutexLock lock(_mutex);
-    writeLine(lineOfJSON({{"kind", "end"}, {"lines", _lineCount + 1}}));
+    if (const std::string reason = _change ? writeChanged() : ""; !reason.empty()) {
+        return FileFailure{ECANCELED, what + ": " + reason + "."};
+    }
     const int lateFailure = _draft.close();
     if (_failure != 0 || lateFailure != 0) {
         return FileFailure::of(_failure != 0 ? _failure : lateFailure, what);

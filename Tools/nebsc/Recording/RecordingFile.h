@@ -9,9 +9,12 @@
 //     if (const auto failure = file.finish()) { … }
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Platform/FileDescriptor.h"
 #include "Platform/FileFailure.h"
@@ -30,6 +33,13 @@ class RecordingFile {
 public:
     /// Takes an absolute path.
     explicit RecordingFile(const std::string& path) : _file(path, "recording") {}
+    /// Changes the lines of the whole recording before they are written. Returns why that is not
+    /// possible; empty on success.
+    using Change = std::function<std::string(std::vector<nlohmann::ordered_json>& lines)>;
+    /// Keeps the lines in memory, and calls the function in finish(). If that fails, nothing is
+    /// written.
+    RecordingFile(const std::string& path, Change change)
+        : _file(path, "recording"), _change(std::move(change)) {}
     RecordingFile(const RecordingFile&) = delete;
     RecordingFile& operator=(const RecordingFile&) = delete;
     ~RecordingFile() = default;
@@ -52,14 +62,21 @@ private:
                                                           const OwnOperation& own);
     /// Removes secrets from the JSON, and writes it on a line.
     void write(nlohmann::ordered_json line);
+    /// Changes and writes the lines that were kept. Returns why it is not possible, if it is not.
+    [[nodiscard]] std::string writeChanged() NEB_REQUIRES(_mutex);
     void writeLine(const std::string& line) NEB_REQUIRES(_mutex);
+    [[nodiscard]] int lineCount();
 
     Mutex _mutex;
     NewFile _file;
+    /// Empty: each line is written at once.
+    const Change _change;
     FileDescriptor _draft NEB_GUARDED_BY(_mutex);
     int _failure NEB_GUARDED_BY(_mutex) = 0;
     int _requestCount NEB_GUARDED_BY(_mutex) = 0;
     int _lineCount NEB_GUARDED_BY(_mutex) = 0;
+    /// Those that were not written, because they are to be changed.
+    std::vector<nlohmann::ordered_json> _lines NEB_GUARDED_BY(_mutex);
 };
 
 }  // namespace neb::nebsc

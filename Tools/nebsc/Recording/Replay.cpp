@@ -209,11 +209,12 @@ ReplayedRequest replay(const HostSession& session, const RecordedRequest& record
         for (const auto& difference : performance.player().differences()) {
             addDifference(difference, result.differences);
         }
-        const JSON outcome = performance.outcome();
-        const JSON records = resultOf(outcome, performance.delivered());
+        result.outcome = performance.outcome();
+        result.delivered = performance.delivered();
+        const JSON records = resultOf(result.outcome, result.delivered);
         result.recordCount = records.is_array() ? records.size() : 0;
         compareResults(resultOf(recorded.outcome, recorded.delivered), records, result.differences);
-        compareMembers(comparedMembers(recorded.outcome), comparedMembers(outcome),
+        compareMembers(comparedMembers(recorded.outcome), comparedMembers(result.outcome),
                        result.differences);
     }
     return result;

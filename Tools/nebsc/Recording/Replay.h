@@ -28,6 +28,9 @@ struct ReplayedRequest {
     /// The differences as lines: "- " and what was recorded, "+ " and what there is now. Empty if
     /// the outcomes are equal.
     std::vector<std::string> differences{};
+    /// The outcome, and the records that were delivered before it, as a recording has them; null if
+    /// the request was not replayed.
+    nlohmann::ordered_json outcome{}, delivered{};
 };
 
 /// Replays one request. Starts no process, and neither reads nor changes a file.

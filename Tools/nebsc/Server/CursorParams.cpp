@@ -46,6 +46,10 @@ std::string take(JSONNode& member, CursorParams& params) {
     if (member.name == "pageSize") {
         return takePageSize(member, params);
     }
+    if (member.name == "record") {
+        return subjectAt(member.name) +
+               " is for 'sourceControl/perform'; requests with a cursor are not recorded.";
+    }
     if (member.name != "request") {
         return subjectAt(shortened(member.name)) +
                " is unknown; expected one of request, cursor, pageSize.";

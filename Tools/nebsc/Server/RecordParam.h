@@ -14,6 +14,8 @@ namespace neb::nebsc {
 struct RecordParam {
     /// An absolute path; absent if the request is not to be recorded.
     std::optional<std::string> path;
+    /// Whether names and texts are replaced.
+    bool isAnonymous = false;
     /// Why the param is refused; empty if it is not.
     std::string refusal = {};
 };
@@ -23,7 +25,8 @@ struct RecordParam {
 
 /// Returns the response to a request that `perform` carries out on this thread, which is recorded
 /// if there is a path. If the file cannot be created, the request does not run.
-[[nodiscard]] std::string recordedResponseTo(const Job& job, const std::optional<std::string>& path,
+[[nodiscard]] std::string recordedResponseTo(const Job& job, const RecordParam& record,
+                                             const HostSession& session,
                                              const std::string& plugInVersion,
                                              const std::function<RequestResult()>& perform);
 

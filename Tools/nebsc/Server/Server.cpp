@@ -314,13 +314,13 @@ void Server::startRequest(RPCMessage& message, bool isRun) {
         {.places = isRun ? NEBSourceControlWrittenPlaces(*request) : std::vector<std::string>(),
          .isBackground = settings.isBackgroundWork},
         [this, request, settings, isRun, token = token.value, partialToken = partialToken.value,
-         path = record.path, title = std::string(name.value_or("request"))](Job& job) {
+         record, title = std::string(name.value_or("request"))](Job& job) {
             std::optional<ProgressReports::Work> progress;
             if (token) {
                 progress.emplace(*_progress, *token, title);
             }
             return isRun ? recordedResponseTo(
-                               job, path, _plugInVersion,
+                               job, record, _session, _plugInVersion,
                                [&] { return performed(job, request, settings, partialToken); })
                          : planned(job, request);
         });

@@ -1,0 +1,220 @@
+// The option --anonymous, and the member of the same name.
+
+#include <fstream>
+#include <iterator>
+
+#include "JSON/Base64.h"
+#include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/Text.h"
+#include "Recording/NameMapping.h"
+#include "nebsc/CommandTest.h"
+#include "nebsc/Server/ServerClient.h"
+#include "nebsc/Server/SlowGit.h"
+
+namespace neb::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using JSON = nlohmann::ordered_json;
+
+// ---- words ------------------------------------------------------------------------------------
+
+/// Returns the texts with their words replaced.
+std::vector<std::string> mapped(const std::vector<std::string>& texts) {
+    nebsc::NameMapping mapping;
+    for (const std::string& text : texts) {
+        mapping.collect(text);
+    }
+    std::vector<std::string> results;
+    for (const std::string& text : texts) {
+        results.push_back(mapping.replaced(text));
+    }
+    return results;
+}
+
+TEST(NameMapping, KeepsLengthsSeparatorsAndCapitals) {
+    const std::vector<std::string> texts =
+        mapped({"/home/wilma/Secret_Plan-12.txt", "WILMA", "wilma"});
+    EXPECT_THAT(texts[0],
+                testing::MatchesRegex("/home/[a-z]{5}/[A-Z][a-z]{5}_[A-Z][a-z]{3}-12\\.[a-z]{3}"));
+    EXPECT_EQ(texts[2], texts[0].substr(6, 5));
+    EXPECT_EQ(lowercaseASCII(texts[1]), texts[2]);
+    EXPECT_THAT(texts[2], Not(HasSubstr("wilma")));
+    EXPECT_NE(mapped({"wilma wilhelmina"}), mapped({"wilma wilhelmina"})) << "the key is random";
+}
+
+TEST(NameMapping, ReplacesLettersOfOtherScripts) {
+    const std::string name = "J\xC3\xBCrgen \xE5\x8C\x97\xE4\xBA\xAC \xF0\xA0\x80\x80";
+    const std::string text = mapped({name})[0];
+    EXPECT_EQ(text.size(), name.size());
+    EXPECT_TRUE(isUTF8(text));
+    EXPECT_THAT(text, Not(HasSubstr("\xE5\x8C\x97")));
+    EXPECT_THAT(text, Not(HasSubstr("rgen")));
+    EXPECT_THAT(text, Not(HasSubstr("\xF0\xA0\x80\x80")));
+}
+
+TEST(NameMapping, KeepsWhatGitMeans) {
+    for (const std::string text :
+         {"refs/heads/ab", "HEAD -> origin", "0123456789abcdef0123456789abcdef01234567 1a2b",
+          "2024-05-06T05:08:09Z", "R100", "100644", "NEBSourceControlOperationPathKey", "xxxxxx",
+          "fatal: not a git repository", "\xE4\xE4\xE4"}) {
+        EXPECT_EQ(mapped({text})[0], text);
+    }
+}
+
+// ---- recordings -------------------------------------------------------------------------------
+
+/// Returns the file with the bytes of all {"base64": "…"} appended, in lower case.
+std::string searchableContentOf(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::string content{std::istreambuf_iterator<char>(stream), {}};
+    constexpr std::string_view mark = R"({"base64":")";
+    std::string bytes;
+    for (std::size_t at = content.find(mark); at != std::string::npos;
+         at = content.find(mark, at)) {
+        at += mark.size();
+        bytes += nebsc::bytesOfBase64(content.substr(at, content.find('"', at) - at)).value_or("");
+    }
+    return lowercaseASCII(content + bytes);
+}
+
+class AnonymousRecording : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("Dromedary/Xylophone.txt", "Kaleidoscope\nsecond\nthird\n");
+        repository.git({"commit", "-q", "--amend", "--author=Zebulon Quimby <zq@Quokka.example>",
+                        "-m", "Vaporize the wombat", "-m", "J\xC3\xBCrgen asked for it"});
+        repository.git({"branch", "Okapi/feature"});
+        repository.git({"tag", "-m", "Flugelhorn", "Flamingo-7"});
+        repository.git({"remote", "add", "Narwhal", "ssh://git@host.quokka.example/Platypus.git"});
+        repository.git({"switch", "-q", "Okapi/feature"});
+        repository.write("Dromedary/Xylophone.txt", "Zeppelin\nsecond\nthird\n");
+        repository.git({"commit", "-q", "-a", "-m", "Hoist the spinnaker"});
+        repository.git({"switch", "-q", "main"});
+        repository.write("Dromedary/Xylophone.txt", "Bassoon\nsecond\nthird\n");
+        repository.git({"mv", "Dromedary/Xylophone.txt", "Marimba.txt"});
+        repository.write("Pangolin", "x\n");
+        repository.write("caf\xE9 Toucan", "x\n");
+    }
+    [[nodiscard]] static std::vector<std::string> names() {
+        return {"dromedary", "xylophone", "kaleidoscope", "zebulon",   "quimby",     "quokka",
+                "vaporize",  "wombat",    "rgen",         "okapi",     "flugelhorn", "flamingo",
+                "narwhal",   "platypus",  "zeppelin",     "hoist",     "spinnaker",  "bassoon",
+                "marimba",   "pangolin",  "toucan",       "wilhelmina"};
+    }
+    /// Records the command, and expects that the file has no name and replays equally.
+    void expectAnonymous(std::vector<std::string> command) {
+        const std::string file = _folder.path(std::to_string(++_count));
+        const std::string shown = testing::PrintToString(command);
+        command.insert(command.begin(), {"--record", file, "--anonymous"});
+        const NebscOutcome outcome = runNebsc(
+            command, {.folder = repository.path(),
+                      .variables = {{"HOME", _folder.path("Wilhelmina")}, {"USER", "wilhelmina"}}});
+        EXPECT_LE(outcome.exitStatus, 1) << shown;
+        EXPECT_THAT(outcome.errors, Not(HasSubstr("recording"))) << shown;
+        expectNoNameIn(file, shown);
+        const NebscOutcome replayed = runNebsc({"replay", file}, {.folder = "/"});
+        EXPECT_EQ(replayed.exitStatus, 0) << shown << replayed.output << replayed.errors;
+        EXPECT_THAT(replayed.output, EndsWith("none different\n")) << shown;
+        EXPECT_THAT(replayed.output, Not(HasSubstr("not replayed"))) << shown;
+    }
+    static void expectNoNameIn(const std::string& file, const std::string& shown) {
+        const std::string content = searchableContentOf(file);
+        EXPECT_NE(content, "") << shown;
+        for (const std::string& name : names()) {
+            EXPECT_EQ(content.find(name), std::string::npos)
+                << shown << ": " << name << " in "
+                << content.substr(
+                       content.find(name) - std::min<std::size_t>(content.find(name), 80), 160);
+        }
+    }
+    [[nodiscard]] std::string path(std::string_view name) const { return _folder.path(name); }
+
+private:
+    TemporaryFolder _folder;
+    int _count = 0;
+};
+
+TEST_F(AnonymousRecording, HasNoNamesAndReplaysEqually) {
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"status"},
+                                               {"status", "--short"},
+                                               {"status", "--json"},
+                                               {"log"},
+                                               {"log", "--json"},
+                                               {"show"},
+                                               {"blame", "Marimba.txt"},
+                                               {"diff"},
+                                               {"diff", "--stat"},
+                                               {"diff", "HEAD", "Okapi/feature"},
+                                               {"ls"},
+                                               {"branch", "list"},
+                                               {"tag", "list"},
+                                               {"remote"},
+                                               {"cat", "HEAD:Dromedary/Xylophone.txt"},
+                                               {"diff", "HEAD", "--", "Pelican/missing"},
+                                               {"log", "Vaporize"}}) {
+        expectAnonymous(command);
+    }
+}
+
+TEST_F(AnonymousRecording, HasNoNamesOfChanges) {
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"stash", "push", "-m", "Hoist"},
+                                               {"stash", "pop"},
+                                               {"commit", "-m", "Hoist the Bassoon", "-a"},
+                                               {"merge", "Okapi/feature"},
+                                               {"status"},
+                                               {"branch", "create", "Narwhal/Toucan"},
+                                               {"commit", "-m", "Nothing of Wombat"}}) {
+        expectAnonymous(command);
+    }
+}
+
+TEST_F(AnonymousRecording, NeedsARecording) {
+    expectFailed(nebsc({"--anonymous", "log"}),
+                 "nebsc: option '--anonymous' requires '--record FILE'\n", 2);
+}
+
+TEST_F(AnonymousRecording, IsAMemberOfTheServersRecord) {
+    ServerClient client;
+    client.initialize();
+    int id = 1;
+    const auto perform = [&](const JSON& record) {
+        JSON request = requestAbout(NEBSourceControlRequestLog, repository.path());
+        request["record"] = record;
+        client.send(++id, "sourceControl/perform", request);
+        return client.answerTo(id);
+    };
+    EXPECT_EQ(perform({{"file", path("log")}, {"anonymous", true}})["result"]["error"], nullptr);
+    EXPECT_EQ(perform({{"file", path("plain")}})["result"]["error"], nullptr);
+    expectNoNameIn(path("log"), "server");
+    EXPECT_THAT(searchableContentOf(path("plain")), HasSubstr("zebulon"));
+    EXPECT_EQ(runNebsc({"replay", path("log")}, {}).exitStatus, 0);
+    EXPECT_THAT(perform({{"file", "x"}})["error"]["message"],
+                HasSubstr("'record.file' is a relative path; expected an absolute path."));
+    EXPECT_THAT(perform({{"file", path("x")}, {"anonymous", 1}})["error"]["message"],
+                HasSubstr("'record.anonymous' is an integer; expected a boolean."));
+    EXPECT_THAT(perform({{"file", path("x")}, {"names", 1}})["error"]["message"],
+                HasSubstr("'record.names' is unknown; expected 'file' or 'anonymous'."));
+    EXPECT_THAT(perform({{"anonymous", true}})["error"]["message"],
+                HasSubstr("'record.file' is missing."));
+}
+
+TEST_F(AnonymousRecording, IsMadeByAReport) {
+    const auto run = [this](const std::vector<std::string>& arguments) {
+        return runNebsc(arguments, {.folder = repository.path(),
+                                    .variables = {{"XDG_STATE_HOME", path("state")}}});
+    };
+    EXPECT_EQ(run({"log", "Wombat"}).exitStatus, 1);
+    const NebscOutcome outcome = run({"report", "--anonymous", path("report")});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_THAT(outcome.output, HasSubstr("Names and texts are replaced"));
+    EXPECT_THAT(outcome.output, EndsWith("Nothing was sent.\n"));
+    expectNoNameIn(path("report"), "report");
+}
+
+}  // namespace
+}  // namespace neb::test

@@ -154,12 +154,12 @@ private:
         const RecordingMember number = line.at("request");
         RequestReading reading = requestIn(line.at("json"));
         const auto own = line.find("own");
-        RecordedRequest request{.number = number.count(),
-                                .request = std::move(reading.request),
-                                .settings = {},
-                                .own = own ? std::optional(operationOf(*own)) : std::nullopt,
-                                .runs = {},
-                                .answers = {}};
+        RecordedRequest request;
+        request.number = number.count();
+        request.request = std::move(reading.request);
+        if (own) {
+            request.own = operationOf(*own);
+        }
         if (request.number == 0) {
             number.refuse("is 0; expected the number of a request");
         }

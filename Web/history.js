@@ -12,6 +12,14 @@ const UNPACKED_PAGES = 12;
 const MAX_BYTES = 160 << 20;
 const INVALID_CURSOR = -32602;
 
+/** Waits until the browser is idle, at most for a second; WebKit cannot report that, and waits for its other tasks. */
+function idleTime() {
+    return new Promise((resolve) => {
+        if (globalThis.requestIdleCallback) requestIdleCallback(resolve, { timeout: 1000 });
+        else setTimeout(resolve);
+    });
+}
+
 /**
  * A list of commits. Events: "rows" when there are more, "unpacked" when rows that were null are there, "end" when all were
  * read or an error stopped it, "changed" when the repository no longer has the commits that were read before a new
@@ -181,7 +189,7 @@ export class History extends EventTarget {
 
     /** Packs rows between frames, so that a reader who scrolls does not wait; at once for one who waits for the end. */
     async #pack(rows) {
-        if (this.#wanted !== Infinity) await new Promise((resolve) => { requestIdleCallback(resolve, { timeout: 1000 }); });
+        if (this.#wanted !== Infinity) await idleTime();
         const packed = await this.#packer.pack(rows);
         this.#bytes += packed.bytes;
         return packed;

@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 
 import { addedLines } from "../../Web/untracked.js";
+import { History } from "../../Web/history.js";
 import { place, width } from "../../Web/lanes.js";
 import { lineBefore } from "../../Web/diff-lines.js";
 import { record, request, shortReference, splitPath } from "../../Web/records.js";
@@ -160,4 +161,17 @@ test("packed rows are the rows that were packed", async () => {
     assert.equal(page.ids.length, 60);
     assert.ok(rows[2].subject.length < 300);
     assert.deepEqual(placeRows(await packer.unpack(page), []), placeRows(rows, []));
+});
+
+test("a long list is packed and unpacked without requestIdleCallback, which WebKit lacks", async () => {
+    const key = (name) => `NEBSourceControlOperation${name}Key`;
+    assert.equal(globalThis.requestIdleCallback, undefined);
+    const records = Array.from({ length: 10_000 }, (_, index) => (
+        { [key("ObjectID")]: String(index).padStart(40, "0"), [key("Author")]: "Ann Example", [key("Subject")]: `${index}` }));
+    const history = new History({ call: async () => ({ cursor: null, records }) }, {});
+    const event = (name) => new Promise((resolve) => { history.addEventListener(name, resolve, { once: true }); });
+    await event("end");
+    assert.equal(history.row(0), null);
+    await event("unpacked");
+    assert.equal(history.row(0).subject, "0");
 });

@@ -8,9 +8,14 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
+#include <vector>
 
+#include "Platform/ErrnoText.h"
 #include "Platform/FileDescriptor.h"
 #include "Support/TestRepository.h"
 #include "nebsc/NebscRun.h"
@@ -160,6 +165,13 @@ TEST_F(StrangerTest, UntrackedFilesLieInTheWorkingCopy) {
           std::string("pipe"), std::string(), std::string("missing"), std::string("a.txt\0x", 7)}) {
         EXPECT_THAT(untracked(path), HasSubstr("cannot be shown")) << path;
     }
+}
+
+TEST_F(StrangerTest, TheReasonOfARefusalIsNamed) {
+    std::filesystem::create_symlink(".", repository.path("folder"));
+    EXPECT_THAT(untracked("folder"), HasSubstr("it is a symbolic link, or behind one"));
+    EXPECT_THAT(untracked("folder/a.txt"), HasSubstr("it is a symbolic link, or behind one"));
+    EXPECT_THAT(untracked("a.txt/b"), HasSubstr(textOfErrno(ENOTDIR)));
 }
 
 TEST_F(StrangerTest, ALargeUntrackedFileIsNotRead) {

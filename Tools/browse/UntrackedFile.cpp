@@ -45,9 +45,8 @@ FileDescriptor openInside(const std::string& folder, const std::vector<std::stri
     constexpr int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
     FileDescriptor current(::open(folder.c_str(), flags | O_DIRECTORY));
     for (std::size_t i = 0; i < parts.size() && current.isOpen(); ++i) {
-        const int kind = i + 1 < parts.size() ? O_DIRECTORY : 0;
-        current =
-            FileDescriptor(::openat(current.get(), parts[i].c_str(), flags | O_NOFOLLOW | kind));
+        // With O_DIRECTORY, a symbolic link would be ENOTDIR, too.
+        current = FileDescriptor(::openat(current.get(), parts[i].c_str(), flags | O_NOFOLLOW));
     }
     return current;
 }
@@ -72,9 +71,8 @@ UntrackedFile readUntrackedFile(const std::string& folder, const std::string& pa
     }
     const FileDescriptor file = openInside(folder, parts);
     if (!file.isOpen()) {
-        return refused(path, errno == ELOOP || errno == ENOTDIR
-                                 ? "it is a symbolic link, or behind one"
-                                 : textOfErrno(errno));
+        return refused(
+            path, errno == ELOOP ? "it is a symbolic link, or behind one" : textOfErrno(errno));
     }
     struct stat status {};
     if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {

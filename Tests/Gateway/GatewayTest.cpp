@@ -19,6 +19,7 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// The stream of one page's events.
@@ -138,6 +139,20 @@ protected:
 
 TEST_F(Gateway, PrintsAURLOfTheLoopbackInterface) {
     EXPECT_THAT(url, testing::MatchesRegex("http://127\\.0\\.0\\.1:[0-9]+/\\?token=[0-9a-f]+"));
+}
+
+TEST_F(Gateway, TellsATerminalHowToEndIt) {
+    const auto hint = [this](const std::vector<std::string>& arguments) {
+        Nebsc other(arguments, {.folder = repository.path(),
+                                .variables = {{"DISPLAY", std::nullopt}},
+                                .output = NebscOutput::pipe,
+                                .hasTerminalForErrors = true});
+        return other.awaitErrors("\n");
+    };
+    EXPECT_THAT(hint({"browse", "--no-open"}), HasSubstr("press Ctrl-C to end, or close"));
+    EXPECT_THAT(hint({"browse", "--no-open", "--stay"}), StartsWith("press Ctrl-C to end\r\n"));
+    nebsc->send(SIGINT);
+    EXPECT_THAT(nebsc->outcome().errors, Not(HasSubstr("press")));
 }
 
 TEST_F(Gateway, ServesThePage) {

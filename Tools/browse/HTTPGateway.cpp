@@ -31,6 +31,10 @@ using namespace std::chrono_literals;
 constexpr auto timeWithoutPage = 60s;
 constexpr auto longestWait = 500ms;
 constexpr std::size_t longestMessage = std::size_t{1} << 20;
+/// For a person who waits for the prompt.
+constexpr std::string_view stayingHint = "press Ctrl-C to end\n";
+constexpr std::string_view endingHint =
+    "press Ctrl-C to end, or close the page: it ends a minute later\n";
 /// For requests beside those of the open pages, which occupy a thread each.
 constexpr std::size_t otherThreads = 8;
 /// More than the threads need.
@@ -115,6 +119,9 @@ CommandOutput Run::serve() {
     _access.emplace(_port);
     addHandlers();
     static_cast<void>(writeAll(STDOUT_FILENO, _access->url() + "\n"));
+    if (::isatty(STDERR_FILENO) == 1) {
+        static_cast<void>(writeAll(STDERR_FILENO, _site.stays ? stayingHint : endingHint));
+    }
     std::optional<BrowserStart> browser;
     if (_site.opensBrowser) {
         browser.emplace(_access->url());

@@ -24,6 +24,7 @@ namespace neb::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 /// `nebsc browse`, and connections to it.
 class StrangerTest : public testing::Test {
@@ -49,6 +50,16 @@ protected:
             0);
         return client;
     }
+    /// The server has time to accept each connection: the kernel has room for a few, and the client
+    /// of another one waits for a second.
+    [[nodiscard]] std::vector<FileDescriptor> connectOften(int count) const {
+        std::vector<FileDescriptor> clients;
+        for (int i = 0; i < count; ++i) {
+            clients.push_back(connect());
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return clients;
+    }
     /// Sends bytes until the server ends the connection. Returns the number that were sent.
     static std::size_t flood(const FileDescriptor& client, std::string_view first,
                              const std::string& bytes) {
@@ -60,6 +71,21 @@ protected:
             sum += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
         }
         return sum;
+    }
+    /// Waits until the server ends the connection. Returns what it sent.
+    static std::string received(const FileDescriptor& client) {
+        std::string response;
+        std::array<char, 4096> buffer{};
+        ssize_t count = 0;
+        while ((count = ::recv(client.get(), buffer.data(), buffer.size(), 0)) > 0) {
+            response.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+        return response;
+    }
+    std::string responseTo(std::string_view request) const {
+        const FileDescriptor client = connect();
+        static_cast<void>(::send(client.get(), request.data(), request.size(), MSG_NOSIGNAL));
+        return received(client);
     }
     /// The most memory that the server has used, in MiB.
     [[nodiscard]] std::size_t mostMegabytes() const {
@@ -122,16 +148,47 @@ TEST_F(StrangerTest, IsDisconnectedIfItsRequestDoesNotEnd) {
         static_cast<void>(::send(client.get(), "x", 1, MSG_NOSIGNAL));
     }
     EXPECT_NE(ended.revents & POLLRDHUP, 0);
+    EXPECT_THAT(received(client), StartsWith("HTTP/1.1 408 "));
+}
+
+TEST_F(StrangerTest, IsRefusedIfItsRequestIsTooLong) {
+    EXPECT_THAT(responseTo("GET / HTTP/1.1\r\nA: " + std::string(20'000, 'x')),
+                StartsWith("HTTP/1.1 431 "));
+}
+
+/// Each of many ranges would repeat the response.
+TEST_F(StrangerTest, IsRefusedIfItNamesRanges) {
+    std::string ranges = "bytes=0-";
+    for (int i = 0; i < 2000; ++i) {
+        ranges += ",0-";
+    }
+    for (const char* name : {"Range", "rANGE", "A\nRange"}) {
+        const std::string request =
+            "GET / HTTP/1.1\r\n" + std::string(name) + ": " + ranges + "\r\n\r\n";
+        const std::string response = responseTo(request);
+        EXPECT_THAT(response, StartsWith("HTTP/1.1 416 ")) << name;
+        EXPECT_LT(response.size(), 1000U);
+    }
+    EXPECT_THAT(responseTo("GET / HTTP/1.1\r\nA-Range: b\r\n\r\nRange: c"),
+                StartsWith("HTTP/1.1 403 "));
 }
 
 TEST_F(StrangerTest, DoesNotKeepAPageOutWithManyConnections) {
-    std::vector<FileDescriptor> silent;
-    for (int i = 0; i < 60; ++i) {
-        silent.push_back(connect());
-    }
+    const auto silent = connectOften(60);
     const auto response = get("/repository");
     ASSERT_TRUE(response);
     EXPECT_EQ(response->status, 200);
+}
+
+TEST_F(StrangerTest, HasLessTimeWhileOthersWait) {
+    const auto timeUntil = [](const auto& work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::steady_clock::now() - start;
+    };
+    const auto alone = timeUntil([&] { EXPECT_EQ(received(connect()), ""); });
+    const auto silent = connectOften(90);
+    EXPECT_LT(timeUntil([&] { EXPECT_TRUE(get("/repository")); }), alone);
 }
 
 TEST_F(StrangerTest, ReadsNoUntrackedFile) {

@@ -12,17 +12,19 @@ namespace neb::nebsc {
 
 namespace {
 
-/// Connections that were accepted and wait for a thread; the others wait in the kernel, which has
-/// room for a few.
+/// For connections that were accepted and wait for a thread; the others wait in the kernel, which
+/// has room for a few.
 constexpr std::size_t mostWaiting = 64;
 
 /// What a chunked body has beside its content.
 constexpr std::size_t chunkHeaders = std::size_t{1} << 16;
 
-/// Threads for connections. enqueue() waits while too many connections wait for a thread.
+/// Threads for connections. enqueue() waits while too many connections wait for a thread; `waiting`
+/// has their number.
 class ConnectionQueue : public httplib::TaskQueue {
 public:
-    explicit ConnectionQueue(std::size_t threads) : _threads(threads) {}
+    ConnectionQueue(std::size_t threads, std::atomic<std::size_t>& waiting)
+        : _waiting(waiting), _threads(threads) {}
 
     void enqueue(std::function<void()> task) override {
         {
@@ -45,15 +47,26 @@ public:
 private:
     std::mutex _mutex;
     std::condition_variable _hasRoom;
-    std::size_t _waiting = 0;
+    std::atomic<std::size_t>& _waiting;
     httplib::ThreadPool _threads;
 };
 
-/// Ends a connection whose request is too long or late.
-void refuseRequest(ClientStream& client) {
-    constexpr std::string_view response =
-        "HTTP/1.1 431 Request Header Fields Too Large\r\nConnection: close\r\n"
-        "Content-Length: 0\r\n\r\n";
+std::string_view statusOf(ClientStream::Head head) {
+    switch (head) {
+        case ClientStream::Head::late:
+            return "408 Request Timeout";
+        case ClientStream::Head::tooLong:
+            return "431 Request Header Fields Too Large";
+        case ClientStream::Head::withRange:
+            return "416 Range Not Satisfiable";
+        default:
+            return "400 Bad Request";
+    }
+}
+
+void refuseRequest(ClientStream& client, ClientStream::Head head) {
+    const std::string response = "HTTP/1.1 " + std::string(statusOf(head)) +
+                                 "\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
     static_cast<void>(client.write(response.data(), response.size()));
 }
 
@@ -62,19 +75,23 @@ void refuseRequest(ClientStream& client) {
 BoundedServer::BoundedServer(std::size_t threads, std::size_t longestBody)
     : _longestBody(longestBody) {
     set_payload_max_length(longestBody);
-    new_task_queue = [threads] { return new ConnectionQueue(threads); };  // the server owns it
+    // The server owns it.
+    new_task_queue = [this, threads] { return new ConnectionQueue(threads, _waiting); };
 }
 
 bool BoundedServer::process_and_close_socket(socket_t socket) {
     ClientStream client(socket, _longestBody + chunkHeaders);
     bool isServed = false;
-    if (client.readHead()) {
+    const ClientStream::Head head = client.readHead([this] { return _waiting > 0; });
+    if (head == ClientStream::Head::complete) {
         bool isClosed = false;
         isServed = process_request(client, true, isClosed, nullptr);
-    } else if (client.hasRequest()) {
-        refuseRequest(client);
+    } else if (head != ClientStream::Head::none) {
+        refuseRequest(client, head);
     }
-    client.finish();
+    if (head != ClientStream::Head::none) {
+        client.finish();
+    }
     ::close(socket);
     return isServed;
 }

@@ -3,6 +3,7 @@
 
 #include <httplib.h>
 
+#include <atomic>
 #include <cstddef>
 
 namespace neb::nebsc {
@@ -18,6 +19,8 @@ private:
     bool process_and_close_socket(socket_t socket) override;
 
     std::size_t _longestBody;
+    /// Connections that were accepted and wait for a thread.
+    std::atomic<std::size_t> _waiting = 0;
 };
 
 }  // namespace neb::nebsc

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string_view>
+
+#include "Platform/Text.h"
 
 namespace neb::nebsc {
 
@@ -14,6 +17,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto timeForHead = 2s;
+/// A program on this machine sends the head at once.
+constexpr auto timeForHeadWhileOthersWait = 200ms;
+constexpr std::string_view endOfHead = "\r\n\r\n";
 constexpr auto timeForBody = 10s;
 constexpr auto timeToWrite = 5s;
 /// How long, and how many bytes, are read from a client that sends after the response.
@@ -34,26 +40,52 @@ bool waitFor(int socket, short events, std::chrono::steady_clock::duration longe
 }  // namespace
 
 ClientStream::ClientStream(int socket, std::size_t longestBody)
-    : _socket(socket), _bodyRest(longestBody), _latest(Clock::now() + timeForHead) {}
+    : _socket(socket), _bodyRest(longestBody), _latest(_begin + timeForHead) {}
 
 bool ClientStream::waitUntilReadable(Clock::time_point latest) const {
     return waitFor(_socket, POLLIN, latest - Clock::now());
 }
 
-bool ClientStream::readHead() {
-    constexpr std::string_view end = "\r\n\r\n";
-    std::array<char, 4096> buffer{};
-    while (_head.find(end) == std::string::npos) {
-        const std::size_t room = std::min(buffer.size(), longestHead - _head.size());
-        const ssize_t count =
-            room > 0 && waitUntilReadable(_latest) ? ::recv(_socket, buffer.data(), room, 0) : 0;
-        if (count <= 0) {
+bool ClientStream::waitForHead(const std::function<bool()>& othersWait) const {
+    while (Clock::now() < _latest) {
+        if (waitUntilReadable(std::min(_latest, Clock::now() + timeForHeadWhileOthersWait / 4))) {
+            return true;
+        }
+        if (Clock::now() >= _begin + timeForHeadWhileOthersWait && othersWait()) {
             return false;
+        }
+    }
+    return false;
+}
+
+/// Whether the head names ranges of the response. httplib would repeat the response for each of
+/// them, also one that refuses the request; no response needs them.
+bool ClientStream::hasRange() const {
+    constexpr std::string_view name = "\nrange:";
+    const auto end = _head.begin() + static_cast<std::ptrdiff_t>(_head.find(endOfHead));
+    return std::search(_head.begin(), end, name.begin(), name.end(),
+                       [](char one, char other) { return lowercaseASCII(one) == other; }) != end;
+}
+
+ClientStream::Head ClientStream::readHead(const std::function<bool()>& othersWait) {
+    std::array<char, 4096> buffer{};
+    while (_head.find(endOfHead) == std::string::npos) {
+        const std::size_t room = std::min(buffer.size(), longestHead - _head.size());
+        if (room == 0) {
+            return Head::tooLong;
+        }
+        const bool isLate = !waitForHead(othersWait);
+        const ssize_t count = isLate ? 0 : ::recv(_socket, buffer.data(), room, 0);
+        if (count <= 0 && !_head.empty()) {
+            return isLate ? Head::late : Head::incomplete;
+        }
+        if (count <= 0) {
+            return Head::none;
         }
         _head.append(buffer.data(), static_cast<std::size_t>(count));
     }
     _latest = Clock::now() + timeForBody;
-    return true;
+    return hasRange() ? Head::withRange : Head::complete;
 }
 
 /// A socket that is closed with unread bytes resets the connection, and the response may be lost.

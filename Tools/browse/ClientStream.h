@@ -4,6 +4,7 @@
 #include <httplib.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 namespace neb::nebsc {
@@ -14,14 +15,14 @@ class ClientStream : public httplib::Stream {
 public:
     static constexpr std::size_t longestHead = std::size_t{1} << 14;
 
+    /// The request line and the headers. `incomplete`: the client has closed the connection.
+    enum class Head { complete, none, incomplete, late, tooLong, withRange };
+
     /// The socket stays open. A body has at most `longestBody` bytes.
     ClientStream(int socket, std::size_t longestBody);
 
-    /// Reads the request line and the headers. Returns false if they exceed their limit, are late,
-    /// or end before an empty line.
-    [[nodiscard]] bool readHead();
-    /// Whether readHead() has read a byte.
-    [[nodiscard]] bool hasRequest() const { return !_head.empty(); }
+    /// Reads the request line and the headers, which have less time while `othersWait`.
+    [[nodiscard]] Head readHead(const std::function<bool()>& othersWait);
     /// Ends the connection so that the client can read the response although it still sends.
     void finish();
 
@@ -37,12 +38,15 @@ private:
     using Clock = std::chrono::steady_clock;
 
     [[nodiscard]] bool waitUntilReadable(Clock::time_point latest) const;
+    [[nodiscard]] bool waitForHead(const std::function<bool()>& othersWait) const;
+    [[nodiscard]] bool hasRange() const;
 
     int _socket;
     /// Bytes that were read and not yet taken.
     std::string _head;
     std::size_t _taken = 0;
     std::size_t _bodyRest;
+    Clock::time_point _begin = Clock::now();
     Clock::time_point _latest;
 };
 

@@ -142,11 +142,13 @@ This does not wait."
        :failure #'ignore))))
 
 (defun vc-nebgit--open-files (root)
-  "Return the open files of this backend below ROOT."
+  "Return the open files of this backend in the working copy ROOT.
+Files of submodules and other repositories below ROOT are left out."
   (cl-loop for buffer in (buffer-list)
            for file = (buffer-file-name buffer)
            when (and file (string-prefix-p root file)
-                     (eq (vc-file-getprop file 'vc-backend) 'NEBGit))
+                     (eq (vc-file-getprop file 'vc-backend) 'NEBGit)
+                     (equal (vc-nebgit-root file) root))
            collect file))
 
 (defun vc-nebgit--show-state (file state)

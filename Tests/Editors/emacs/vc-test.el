@@ -70,6 +70,28 @@
         (run-hook-with-args 'nebgit-changed-hook folder '("head"))
         (wait-for '(" NEBGit-topic" nil))))))
 
+(ert-deftest vc-mode-line-of-a-nested-repository-stays ()
+  (test-with-vc
+    (let ((nested (file-name-as-directory (expand-file-name "nested" folder))))
+      (test-git "init" "-q" "-b" "inner" nested)
+      (test-write "nested/f.txt" "first")
+      (test-git "-C" nested "add" "f.txt")
+      (test-git "-C" nested "commit" "-q" "-m" "Add f")
+      (test-write "nested/f.txt" "changed")
+      (let ((inner (find-file "nested/f.txt"))
+            (outer (find-file (expand-file-name "a.txt" folder))))
+        (cl-flet ((wait-for (expected)
+                    (test-wait (equal (mapcar (lambda (b) (buffer-local-value 'vc-mode b))
+                                              (list inner outer))
+                                      expected))))
+          (wait-for '(" NEBGit:inner" " NEBGit-main"))
+          (test-git "checkout" "-q" "-b" "topic")
+          (run-hook-with-args 'nebgit-changed-hook folder)
+          (wait-for '(" NEBGit:inner" " NEBGit-topic"))
+          (test-git "-C" nested "commit" "-q" "-a" "-m" "Change f")
+          (run-hook-with-args 'nebgit-changed-hook nested)
+          (wait-for '(" NEBGit-inner" " NEBGit-topic")))))))
+
 (ert-deftest vc-registers-commits-renames-and-deletes ()
   (test-with-vc
     (test-write "new.txt" "x")

@@ -1,5 +1,4 @@
-// What `nebsc browse` stands from programs that have no cookie, and what it reads for those that
-// do.
+// Requests of programs without the cookie, and untracked files, which need it.
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <httplib.h>

@@ -58,6 +58,20 @@ HostSession makeSession(const PlugInFile& plugIn,
                        loaded ? loaded->program() : std::string(gitProgramName));
 }
 
+/// Returns why the command cannot take "--anonymous"; empty if it can, or does not have it.
+std::string refusalOfAnonymous(const Command& command, const Arguments& arguments) {
+    if (!arguments.has(anonymousOption) || &command == &reportCommand) {
+        return {};
+    }
+    if (!arguments.has(recordOption)) {
+        return "option '--anonymous' requires '--record FILE'";
+    }
+    // Until all is recorded, nothing could be written.
+    return &command == &serveCommand ? "option '--anonymous' cannot be used with 'serve'; use the "
+                                       "member 'record' of a request"
+                                     : "";
+}
+
 /// Runs the command, and records it with "--record".
 CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
                     const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
@@ -72,8 +86,8 @@ CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
                            .timeLimit = timeLimitIn(arguments),
                            .gateway = gateway};
     const auto file = arguments.value(recordOption);
-    if (!file && arguments.has(anonymousOption) && &command != &reportCommand) {
-        return refusal("option '--anonymous' requires '--record FILE'", exitUsageError);
+    if (const std::string refused = refusalOfAnonymous(command, arguments); !refused.empty()) {
+        return refusal(refused, exitUsageError);
     }
     if (!file) {
         return command.run(call);

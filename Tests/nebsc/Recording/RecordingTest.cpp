@@ -253,6 +253,16 @@ TEST_F(RecordOption, AnInvalidNumberIsRefused) {
     EXPECT_EQ(replayed(file).exitStatus, 0);
 }
 
+TEST_F(RecordOption, ReplaysARequestWithANULByte) {
+    JSON request = requestAbout(NEBSourceControlRequestWorkingCopyState, repository.path());
+    request["files"] = JSON::array({std::string("a\0b", 3)});
+    const std::string file = path("recording");
+    EXPECT_EQ(runNebsc({"--record", file, "request"}, {.input = request.dump()}).exitStatus, 1);
+    const NebscOutcome outcome = replayed(file);
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output, EndsWith("none different\n"));
+}
+
 TEST_F(RecordOption, RecordsRequestsOfTheServer) {
     const std::string session = path("session");
     const std::string single = path("single");

@@ -125,6 +125,19 @@ TEST_F(CloneRequest, NamesTheSubmodulesThatAreNotCheckedOut) {
     EXPECT_EQ(folder.read("clone/a.c"), "first\n");
 }
 
+TEST_F(CloneRequest, ThatLacksSubmodulesIsReplayedWithoutTheClone) {
+    addSubmodule(repository, "sub", folder.path("nosuch"));
+    const std::string recording = folder.path("recording");
+    EXPECT_EQ(runNebsc({"--record", recording, "request"},
+                       {.input = requestTo(folder.path("clone"), repository.path()),
+                        .variables = allowingFiles()})
+                  .exitStatus,
+              1);
+    fs::rename(folder.path("clone"), folder.path("elsewhere"));
+    const NebscOutcome outcome = runNebsc({"replay", recording}, {.folder = "/"});
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.output << outcome.errors;
+}
+
 /// git treats the files of a submodule that is cloned but not checked out as deleted.
 TEST_F(CloneRequest, TheSuggestedCommandGetsAllMissingSubmodules) {
     const TestRepository inner;

@@ -35,21 +35,20 @@ bool mayRunAgain(const LastFailure& failure) {
     return !failure.hadSecret && commandLine != nullptr && readsOnly(commandLine->commands);
 }
 
-/// Runs the command with a recording. Returns how nebsc ended.
-TerminationStatus runAgain(const LastFailure& failure, const std::string& file, bool isAnonymous) {
+/// Runs the command with a recording.
+ChildOutcome runAgain(const LastFailure& failure, const std::string& file, bool isAnonymous) {
     std::vector<std::string> arguments{"--record", file};
     if (isAnonymous) {
         arguments.emplace_back("--anonymous");
     }
     arguments.insert(arguments.end(), failure.arguments.begin(), failure.arguments.end());
     ChildProcess nebsc;
-    return nebsc
-        .run({{.launchPath = programFile(),
-               .arguments = std::move(arguments),
-               .currentDirectoryPath = failure.folder,
-               .environment = NEBSourceControlInheritedEnvironment()}})
-        .front()
-        .status;
+    return std::move(nebsc
+                         .run({{.launchPath = programFile(),
+                                .arguments = std::move(arguments),
+                                .currentDirectoryPath = failure.folder,
+                                .environment = NEBSourceControlInheritedEnvironment()}})
+                         .front());
 }
 
 /// What a recording contains, in figures.
@@ -77,7 +76,8 @@ Contents contentsOf(const RecordingReading& recording) {
 }
 
 constexpr const char* contentsOfAnonymous =
-    "Names and texts are replaced. Terms of git, numbers and object ids stay.\n";
+    "Names and texts are replaced. Terms of git, also where they are part of a name or text,\n"
+    "numbers and object ids stay: read the file before you pass it on.\n";
 constexpr const char* contentsWithNames =
     "Passwords and tokens are replaced. File names, names of people, texts of commits and\n"
     "contents that git printed are part of the file: read it before you pass it on.\n";
@@ -118,13 +118,16 @@ CommandOutput run(const CommandCall& call) {
     }
     const std::string file = std::filesystem::absolute(call.arguments.value("FILE").value_or(""));
     const bool isAnonymous = call.arguments.has(anonymousOption);
-    const TerminationStatus status = runAgain(*failure, file, isAnonymous);
+    const ChildOutcome outcome = runAgain(*failure, file, isAnonymous);
+    const TerminationStatus& status = outcome.status;
     const RecordingReading recording = readRecording(file);
-    constexpr int refused = 2;
-    if (!recording.failure.empty() || status.exitStatus() == refused) {
-        return refusal("the file " + inQuotes(file) + " was not recorded: nebsc ended with " +
-                           status.description(),
-                       exitFailed);
+    if (!recording.failure.empty() || status.exitStatus() == exitUsageError) {
+        CommandOutput refused =
+            refusal("the file " + inQuotes(file) + " was not recorded: nebsc ended with " +
+                        status.description(),
+                    exitFailed);
+        refused.standardError.insert(0, std::string(outcome.errorOutput));
+        return refused;
     }
     return {.standardOutput = summaryOf(file, recording, *failure, status, isAnonymous),
             .standardError = {}};

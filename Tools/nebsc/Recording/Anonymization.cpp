@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "JSON/OutcomeJSON.h"
+#include "Platform/PathString.h"
+#include "Platform/Text.h"
 #include "Recording/NameMapping.h"
 #include "Recording/RecordingReader.h"
 #include "Recording/RequestText.h"
@@ -36,6 +38,25 @@ bool isKind(const JSON& line, std::string_view kind) {
 
 bool isBytes(const JSON& json) {
     return json.is_string() || (json.is_object() && json.size() == 1 && json.contains("base64"));
+}
+
+/// Whether words are hidden in the bytes: text in UTF-16, or compressed data, which has control
+/// characters that neither texts nor the output of git with "-z" have.
+bool isBinary(std::string_view bytes) {
+    constexpr std::size_t fewestWideBytes = 16, share = 50;
+    constexpr unsigned char tab = 9, carriageReturn = 13, escape = 27;
+    std::size_t wideBytes = 0, controls = 0;
+    unsigned char last = 0;
+    for (const char character : bytes) {
+        const auto byte = static_cast<unsigned char>(character);
+        controls += byte != 0 && byte < escape && (byte < tab || byte > carriageReturn) ? 1 : 0;
+        wideBytes = (byte == 0) != (last == 0) ? wideBytes + 1 : 0;
+        if (wideBytes == fewestWideBytes) {
+            return true;
+        }
+        last = byte;
+    }
+    return controls * share > bytes.size() && !isUTF8(bytes);
 }
 
 /// Members whose texts are constants of nebsc, git or the environment.
@@ -113,13 +134,18 @@ JSON shapeOfOutcome(JSON outcome, const JSON& delivered) {
             {"delivered", shapeOf(delivered)}};
 }
 
-/// The words of the home folder, of the user and of the machine. They never count as terms of git.
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+/// The names of the user, of the last folder of the home folder and of the machine.
 std::string personalText() {
-    std::string text;
-    for (const char* name : {"HOME", "USER", "LOGNAME", "EMAIL"}) {
-        const char* value = std::getenv(name);
-        text.append(value != nullptr ? value : "").append(" ");
+    std::string text = lastPathComponent(variable("HOME"));
+    for (const char* name : {"USER", "LOGNAME", "EMAIL"}) {
+        text += " " + variable(name);
     }
+    text += " ";
     constexpr std::size_t longestName = 256;
     std::array<char, longestName> host{};
     return ::gethostname(host.data(), host.size() - 1) == 0 ? text + host.data() : text;
@@ -127,14 +153,21 @@ std::string personalText() {
 
 class Anonymization {
 public:
-    Anonymization(const Lines& recorded, const HostSession& session,
-                  const OwnOperationMaker& makeOwn)
-        : _recorded(recorded), _session(session), _makeOwn(makeOwn) {
-        _mapping.collect(personalText());
-        for (const JSON& line : recorded) {
-            forEachText(line, [this](const std::string& text) { _mapping.collect(text); });
+    /// Throws NotAnonymous.
+    Anonymization(Lines recorded, const HostSession& session, const OwnOperationMaker& makeOwn)
+        : _recorded(std::move(recorded)), _session(session), _makeOwn(makeOwn) {
+        _mapping.collect(variable("HOME"));
+        _mapping.collectPersonal(personalText());
+        for (JSON& line : _recorded) {
+            expandHomeIn(line);
+            collectPeople(line);
+            forEachText(line, [this](const std::string& text) {
+                if (isBinary(text)) {
+                    throw NotAnonymous("it has the content of a binary file, or text in UTF-16");
+                }
+                _mapping.collect(text);
+            });
         }
-        _personal = _mapping.originalsIn(personalText());
     }
 
     /// Throws NotAnonymous.
@@ -153,6 +186,35 @@ public:
     }
 
 private:
+    /// Replaces "~" in the location of a request, because the home folder has another name in the
+    /// anonymous recording than in the environment.
+    static void expandHomeIn(JSON& line) {
+        if (!isKind(line, "request")) {
+            return;
+        }
+        const auto location = JSON::json_pointer("/json/sourceTree/location");
+        if (!line.contains(location) || !isBytes(line[location])) {
+            return;
+        }
+        const std::string path = bytesOfJSON(line[location]);
+        if (path == "~" || path.starts_with("~/")) {
+            line[location] = jsonOfBytes(variable("HOME") + path.substr(1));
+        }
+    }
+
+    /// Collects the names and addresses of authors and committers.
+    void collectPeople(const JSON& json) {
+        for (const auto& [name, member] : json.items()) {
+            const bool isPerson = json.is_object() && (name.find("Author") != std::string::npos ||
+                                                       name.find("Committer") != std::string::npos);
+            if (isPerson && isBytes(member)) {
+                _mapping.collectPersonal(bytesOfJSON(member));
+            } else if (member.is_structured()) {
+                collectPeople(member);
+            }
+        }
+    }
+
     [[nodiscard]] Lines mappedLines() {
         Lines lines = _recorded;
         for (JSON& line : lines) {
@@ -229,9 +291,9 @@ private:
 
     void keep(const Words& constants) {
         for (const std::string& word : constants) {
-            if (_personal.contains(word)) {
+            if (_mapping.isPersonal(word)) {
                 throw NotAnonymous(
-                    "its command lines or outcomes depend on the name of the user, "
+                    "its command lines or outcomes depend on the name of a person, "
                     "of the home folder or of the machine");
             }
         }
@@ -259,18 +321,17 @@ private:
                                  shapeOfOutcome(old.outcome, old.delivered) ==
                                      shapeOfOutcome(request.outcome, request.delivered));
             if (!isSame) {
-                throw NotAnonymous("the replay of request " + std::to_string(request.number) +
-                                   " would differ");
+                throw NotAnonymous(
+                    "the replay of request " + std::to_string(request.number) + " would differ: " +
+                    (replayed.differences.empty() ? "the outcome" : replayed.differences.front()));
             }
         }
     }
 
-    const Lines& _recorded;
+    Lines _recorded;
     const HostSession& _session;
     const OwnOperationMaker& _makeOwn;
     NameMapping _mapping;
-    /// The words of personalText().
-    Words _personal;
 };
 
 }  // namespace
@@ -280,7 +341,7 @@ std::string makeAnonymous(Lines& lines, const HostSession& session,
     try {
         lines = Anonymization(lines, session, makeOwn).lines();
         return {};
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         return error.what();
     }
 }

@@ -1,6 +1,7 @@
 #include "Recording/NameMapping.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <random>
 #include <stdexcept>
@@ -36,10 +37,19 @@ std::size_t sizeOfWordCharacter(std::string_view text) {
     return size > 0 && size <= text.size() && isUTF8(text.substr(0, size)) ? size : 0;
 }
 
-/// An escape sequence as git quotes paths, such as "\t": its letter begins no word.
-bool isEscape(std::string_view text) {
-    return text.size() > 1 && text[0] == '\\' &&
-           std::string_view("abfnrtv\\\"").find(text[1]) != std::string_view::npos;
+/// Returns the size of an escape sequence as git quotes paths, such as "\t" or "\303", whose
+/// characters are not those of a word; 0 without one.
+std::size_t sizeOfEscape(std::string_view text) {
+    if (text.size() < 2 || text[0] != '\\') {
+        return 0;
+    }
+    constexpr std::size_t octalSize = 4;
+    constexpr std::string_view octalDigits = "01234567";
+    if (text.size() >= octalSize &&
+        text.substr(1, octalSize - 1).find_first_not_of(octalDigits) == std::string_view::npos) {
+        return octalSize;
+    }
+    return std::string_view("abfnrtv\\\"").find(text[1]) == std::string_view::npos ? 0 : 2;
 }
 
 /// Calls `word` for each word and `rest` for what is between, in order.
@@ -56,7 +66,7 @@ void forEachWord(std::string_view text, const std::function<void(std::string_vie
         }
         const bool isWord = size > 0;
         if (!isWord) {
-            size = isEscape(text) ? 2 : 1;
+            size = std::max<std::size_t>(sizeOfEscape(text), 1);
         }
         (isWord ? word : rest)(text.substr(0, size));
         text.remove_prefix(size);
@@ -87,6 +97,14 @@ bool looksLikeDateOrState(std::string_view lower) {
 /// What replaces the bytes of secrets.
 bool isRemovedSecret(std::string_view lower) {
     return lower.find_first_not_of('x') == std::string_view::npos;
+}
+
+/// Words of names and addresses that are also terms of git or parts of every path.
+bool saysNothingOfAPerson(std::string_view lower) {
+    constexpr std::array<std::string_view, 13> words = {
+        "com",  "example", "git", "home", "host", "localhost", "mail",
+        "name", "net",     "org", "root", "test", "user"};
+    return std::ranges::find(words, lower) != words.end();
 }
 
 unsigned randomFrom(unsigned least, unsigned most) {
@@ -142,7 +160,8 @@ std::string withCapitalsOf(std::string_view word, std::string replacement) {
 bool NameMapping::isName(std::string_view lower) const {
     return lower.size() >= shortestName && !looksLikeID(lower) && !looksLikeDateOrState(lower) &&
            !isRemovedSecret(lower) && !lower.starts_with("nebsourcecontrol") &&
-           !gitVocabulary().contains(lower) && !_kept.contains(std::string(lower));
+           (_personal.contains(std::string(lower)) ||
+            (!gitVocabulary().contains(lower) && !_kept.contains(std::string(lower))));
 }
 
 const std::string& NameMapping::replacementOf(const std::string& lower) {
@@ -170,6 +189,18 @@ void NameMapping::collect(std::string_view text) {
             }
         },
         [](std::string_view) {});
+}
+
+void NameMapping::collectPersonal(std::string_view text) {
+    forEachWord(
+        text,
+        [this](std::string_view word) {
+            if (std::string lower = lowercaseASCII(word); !saysNothingOfAPerson(lower)) {
+                _personal.insert(std::move(lower));
+            }
+        },
+        [](std::string_view) {});
+    collect(text);
 }
 
 std::string NameMapping::replaced(std::string_view text) {

@@ -23,6 +23,10 @@ public:
     /// texts before the first is replaced.
     void collect(std::string_view text);
 
+    /// The same for words that are replaced even if they are in gitVocabulary(), except for a few
+    /// that say nothing of a person, such as "root".
+    void collectPersonal(std::string_view text);
+
     /// Returns the text with its words replaced. Throws std::runtime_error if no unused word of a
     /// length is left.
     [[nodiscard]] std::string replaced(std::string_view text);
@@ -33,13 +37,18 @@ public:
     /// Returns the words of the text, in lower case, that were collected and do not stay.
     [[nodiscard]] std::unordered_set<std::string> originalsIn(std::string_view text) const;
 
+    /// Whether the word, in lower case, came from collectPersonal().
+    [[nodiscard]] bool isPersonal(const std::string& lower) const {
+        return _personal.contains(lower);
+    }
+
 private:
     /// Whether the word, in lower case, is to be replaced.
     [[nodiscard]] bool isName(std::string_view lower) const;
     /// Returns the replacement for a word in lower case.
     const std::string& replacementOf(const std::string& lower);
 
-    std::unordered_set<std::string> _kept, _originals;
+    std::unordered_set<std::string> _kept, _originals, _personal;
     std::unordered_map<std::string, std::string> _replacements;
     std::unordered_set<std::string> _used;
 };

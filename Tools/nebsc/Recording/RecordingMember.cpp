@@ -181,18 +181,18 @@ std::string RecordingMember::bytes() const {
     return *bytes;
 }
 
-std::string RecordingMember::argument() const {
-    std::string argument = bytes();
-    if (argument.find('\0') != std::string::npos) {
+std::string RecordingMember::withoutNUL() const {
+    std::string value = bytes();
+    if (value.find('\0') != std::string::npos) {
         refuse("contains a NUL byte");
     }
-    return argument;
+    return value;
 }
 
 std::vector<std::string> RecordingMember::arguments() const {
     std::vector<std::string> arguments;
     for (const RecordingMember& element : elements()) {
-        arguments.push_back(element.argument());
+        arguments.push_back(element.bytes());
     }
     return arguments;
 }

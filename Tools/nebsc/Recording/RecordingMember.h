@@ -56,9 +56,10 @@ public:
     [[nodiscard]] std::string text() const;
     /// Returns the bytes of a text or of {"base64": "…"}.
     [[nodiscard]] std::string bytes() const;
-    /// Returns bytes without NUL: an argument, a variable or a path.
-    [[nodiscard]] std::string argument() const;
-    /// Returns the elements of this array as arguments.
+    /// Returns bytes without NUL, for the environment.
+    [[nodiscard]] std::string withoutNUL() const;
+    /// Returns the elements of this array as bytes. A request may have arguments with NUL, which
+    /// no process gets.
     [[nodiscard]] std::vector<std::string> arguments() const;
 
     /// Throws InvalidMember: "the member 'children' " and the problem.

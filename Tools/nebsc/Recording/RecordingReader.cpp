@@ -40,13 +40,13 @@ bool flagIn(const RecordingMember& object, const char* name) {
 
 std::optional<std::string> folderIn(const RecordingMember& object) {
     const RecordingMember folder = object.at("folder");
-    return folder.isNull() ? std::nullopt : std::optional(folder.argument());
+    return folder.isNull() ? std::nullopt : std::optional(folder.bytes());
 }
 
 NEBSourceControlRecordedChild childOf(const RecordingMember& json) {
     const auto input = json.find("input");
     NEBSourceControlRecordedChild child{
-        .launchPath = json.at("program").argument(),
+        .launchPath = json.at("program").bytes(),
         .arguments = json.at("arguments").arguments(),
         .currentDirectoryPath = folderIn(json),
         .setVariables = json.at("set").arguments(),
@@ -80,7 +80,7 @@ NEBSourceControlRecordedRun runOf(const RecordingMember& line) {
 }
 
 NEBSourceControlRecordedAnswer answerOf(const RecordingMember& line) {
-    return {.question = line.at("question").argument(),
+    return {.question = line.at("question").bytes(),
             .subject = line.at("subject").bytes(),
             .answer = line.at("answer").bytes()};
 }
@@ -147,7 +147,7 @@ private:
         _reading.header = {.nebsc = line.at("nebsc").text(),
                            .plugIn = line.at("plugIn").text(),
                            .git = line.at("git").text(),
-                           .home = line.at("home").argument()};
+                           .home = line.at("home").withoutNUL()};
     }
 
     void beginRequest(const RecordingMember& line) {

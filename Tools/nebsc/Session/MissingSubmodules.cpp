@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "Platform/Interceptor.h"
 #include "Platform/PathString.h"
 #include "Session/GitProgram.h"
 #include "Session/Paths.h"
@@ -17,6 +18,11 @@ ChildOutcome run(const Trace& trace, const std::string& folder,
                  std::vector<std::string> arguments) {
     ChildProcess process;
     return runGit(process, trace, std::move(arguments), folder);
+}
+
+/// A replay has the recorded answer.
+bool isThere(const std::string& path) {
+    return interceptedFact("exists", path, [&path] { return isAnythingAt(path); });
 }
 
 /// Returns the output of git in the folder; empty if it fails.
@@ -63,7 +69,7 @@ std::set<std::string> submodulesInGitmodules(const Trace& trace, const std::stri
 std::vector<std::string> missingSubmodules(const Trace& trace, const std::string& folder) {
     std::vector<std::string> missing;
     // Without this check, git would use a repository in a parent folder.
-    if (!isAnythingAt(pathByAppendingComponent(folder, ".git"))) {
+    if (!isThere(pathByAppendingComponent(folder, ".git"))) {
         return missing;
     }
     const std::set<std::string> configured = submodulesInGitmodules(trace, folder);
@@ -74,7 +80,7 @@ std::vector<std::string> missingSubmodules(const Trace& trace, const std::string
         const std::string submodule = pathByAppendingComponent(folder, path);
         // git clones all submodules before it checks out any, so check the files as well.
         const bool isCheckedOut =
-            isAnythingAt(pathByAppendingComponent(submodule, ".git")) &&
+            isThere(pathByAppendingComponent(submodule, ".git")) &&
             run(trace, submodule, {"diff-index", "--cached", "--quiet", commit}).status.isSuccess();
         if (!isCheckedOut) {
             missing.push_back(path);

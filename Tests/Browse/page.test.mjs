@@ -221,11 +221,14 @@ pageTest("everything is reached with the keyboard", async (page) => {
     // Alt+Left belongs to the browser; without a window there is nothing that handles it.
     await page.goBack();
     await page.waitForURL(/#\/log$/);
+    await page.locator("#views a[aria-current=page][data-view=log]").waitFor();
+    await page.locator("section.log").waitFor();
     assert.match(await page.locator("[role=option][aria-selected=true]").textContent(), /in a subject/);
     for (const [key, view] of [["f", "tree/HEAD"], ["b", "branches"], ["c", "changes"], ["h", "log"]]) {
         await page.keyboard.press("g");
         await page.keyboard.press(key);
         await page.waitForURL(new RegExp(`#/${view}$`));
+        await page.locator(`#views a[aria-current=page][data-view=${view.split("/")[0]}]`).waitFor();
     }
     await page.keyboard.press("?");
     await page.getByRole("dialog").waitFor();

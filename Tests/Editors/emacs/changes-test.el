@@ -103,6 +103,7 @@
       (insert "new\n")
       (let ((inhibit-message t)) (save-buffer))
       (should (test-compare))
+      (test-wait (nebgit-watched-p (nebgit-root)))
       (test-git "add" "a.txt")
       (test-wait (not (test-marks)))
       (test-git "reset" "-q")
@@ -118,6 +119,7 @@
       (test-outcome (nebgit-request 'history folder))
       (should-not nebgit-changes--base)
       (should-not (test-marks))
+      (test-wait (nebgit-watched-p (nebgit-root)))
       (test-git "add" "new.txt")
       (test-wait nebgit-changes--base))))
 

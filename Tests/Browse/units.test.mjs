@@ -172,6 +172,7 @@ test("a long list is packed and unpacked without requestIdleCallback, which WebK
     const event = (name) => new Promise((resolve) => { history.addEventListener(name, resolve, { once: true }); });
     await event("end");
     assert.equal(history.row(0), null);
-    await event("unpacked");
+    // The neighbour of its page is unpacked too, perhaps first.
+    while (history.row(0) === null) await event("unpacked");
     assert.equal(history.row(0).subject, "0");
 });

@@ -24,6 +24,10 @@ If the system cannot watch so many folders, only those of git are watched."
 (defvar-local nebgit-watch--root nil
   "Working copy whose changes concern this buffer.")
 
+(defconst nebgit-watch--changes
+  '("head" "references" "index" "stash" "operation" "configuration" "workingTree")
+  "All changes that the server reports.")
+
 (defun nebgit-watch-buffer (root)
   "Watch ROOT while the current buffer exists."
   (setq nebgit-watch--root root)
@@ -54,9 +58,12 @@ If the system cannot watch so many folders, only those of git are watched."
   (equal (plist-get object :class) "system-limit"))
 
 (defun nebgit-watch--started (root watch)
-  "Keep WATCH of ROOT, or end it if the last buffer is gone."
+  "Keep WATCH of ROOT, or end it if the last buffer is gone.
+What the buffers show was read before, so they read it again."
   (puthash root watch nebgit-watch--roots)
-  (nebgit-watch--prune))
+  (nebgit-watch--prune)
+  (when (nebgit-watched-p root)
+    (run-hook-with-args 'nebgit-changed-hook root nebgit-watch--changes)))
 
 (defun nebgit-watch--buffer-killed ()
   "End the watches that no buffer needs, when the current buffer is gone."

@@ -4,6 +4,7 @@
 
 (require 'test-support)
 (require 'nebgit)
+(require 'status-support)
 
 (defun test-marks ()
   "Return the marks of the buffer: pairs of a line and a face."
@@ -257,6 +258,17 @@
       (test-wait (string-match-p "working tree clean" (buffer-string)))
       (kill-buffer)
       (test-wait (not (gethash folder nebgit-watch--roots))))))
+
+(ert-deftest watch-shows-what-changed-before-it-started ()
+  (test-with-repository
+    (test-need-watch)
+    (test-delaying-watch
+      (save-window-excursion
+        (nebgit-status)
+        (test-wait (string-match-p "working tree clean" (buffer-string)))
+        (test-write "new.txt" "x")
+        (test-start-watch)
+        (test-wait (string-match-p "Untracked (1)" (buffer-string)))))))
 
 (ert-deftest watch-starts-again-with-the-server ()
   (test-with-repository

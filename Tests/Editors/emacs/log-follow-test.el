@@ -2,6 +2,7 @@
 
 ;;; Code:
 
+(require 'status-support)
 (require 'log-test (expand-file-name "log-test" (getenv "NEBGIT_TESTS_FOLDER")))
 
 (defmacro test-with-log (&rest body)
@@ -12,7 +13,7 @@
      (save-window-excursion
        (nebgit-log)
        (test-wait (eql (length (test-log-subjects)) 100))
-       (test-wait (nebgit-watched-p folder))
+       (test-wait (and (nebgit-watched-p folder) (not nebgit-log--reading)))
        ,@body)))
 
 (defun test-log-commit ()
@@ -24,6 +25,17 @@
     (test-git "commit" "-q" "--allow-empty" "-m" "New")
     (test-wait (equal (car (test-log-subjects)) "New"))
     (should (bobp))))
+
+(ert-deftest log-shows-a-commit-made-before-the-watch-started ()
+  (test-with-repository
+    (test-need-watch)
+    (test-delaying-watch
+      (save-window-excursion
+        (nebgit-log)
+        (test-wait (string-match-p "Second" (test-text)))
+        (test-git "commit" "-q" "--allow-empty" "-m" "Third")
+        (test-start-watch)
+        (test-wait (equal (car (test-log-subjects)) "Third"))))))
 
 (ert-deftest log-shows-a-commit-made-in-emacs ()
   (test-with-log

@@ -52,5 +52,21 @@
                 (lambda (prompt &rest _) (push prompt questions) ,answer)))
        ,@body)))
 
+(defvar test--start-watch nil
+  "Function of no arguments that requests the watch of `test-delaying-watch'.")
+
+(defmacro test-delaying-watch (&rest body)
+  "Run BODY, in which `test-start-watch' requests the watch and nothing else does."
+  (declare (indent 0))
+  `(cl-letf* ((request (symbol-function 'nebgit-watch--request))
+              ((symbol-function 'nebgit-watch--request)
+               (lambda (&rest arguments)
+                 (setq test--start-watch (apply-partially #'apply request arguments)))))
+     ,@body))
+
+(defun test-start-watch ()
+  "Request the watch that `test-delaying-watch' delays."
+  (funcall test--start-watch))
+
 (provide 'status-support)
 ;;; status-support.el ends here

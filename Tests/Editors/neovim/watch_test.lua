@@ -46,6 +46,25 @@ function tests.StatusAndLogFollowACommit()
   harness.go_to("Branch: topic")
 end
 
+function tests.StatusShowsWhatChangedBeforeTheWatchBegan()
+  harness.commit({ file = "1\n" })
+  local request, begin_watch = server.request, nil
+  server.request = function(method, ...)
+    local arguments = { ... }
+    if method ~= "sourceControl/watch" then
+      return request(method, ...)
+    end
+    begin_watch = function()
+      request(method, unpack(arguments))
+    end
+  end
+  harness.open_status()
+  server.request = request
+  harness.write("new", "x\n")
+  begin_watch()
+  harness.go_to("Untracked (1)")
+end
+
 function tests.WatchBeginsAgainAfterACrash()
   harness.commit({ file = "1\n" })
   local buffer = edit_and_watch("file")

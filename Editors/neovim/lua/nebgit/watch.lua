@@ -61,6 +61,10 @@ local function start(root)
     if not failure then
       roots[result.watch] = root
       prune()
+      if M.is_active(root) then
+        -- What is shown was read before the watch began.
+        repository.changed(root)
+      end
     elseif params.workingTree and (failure.outcome or {}).class == "system-limit" then
       limit(root, failure.message)
       start(root)

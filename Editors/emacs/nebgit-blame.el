@@ -86,11 +86,10 @@ A REVISION of nil is the working copy, in which CONTENT may be the text."
   "Show RECORDS, of type 1003, with point on LINE."
   (let ((left (sort records (lambda (a b)
                               (< (nebgit-field a FirstLine) (nebgit-field b FirstLine)))))
-        (inhibit-read-only t)
         (buffer (current-buffer))
         (token (list line))
         lines)
-    (erase-buffer)
+    (with-silent-modifications (erase-buffer))
     (setq nebgit-blame--drawing token)
     (nebgit-in-slices
      (lambda ()
@@ -114,15 +113,15 @@ A REVISION of nil is the working copy, in which CONTENT may be the text."
 (defun nebgit-blame--insert (line wanted)
   "Insert LINE of `nebgit-blame--lines' at the end.
 Go there unless it is after the line with the number WANTED."
-  (pcase-let ((inhibit-read-only t)
-              (begin (point-max))
+  (pcase-let ((begin (point-max))
               (`(,record ,number ,head ,text) line))
-    (save-excursion
-      (goto-char begin)
-      ;; Properties of the inserted text instead of the strings: Emacs would copy them.
-      (insert head " │ " (nebgit-decode text) "\n")
-      (put-text-property begin (point) 'nebgit-commit record)
-      (put-text-property begin (+ begin (length head)) 'face 'shadow))
+    (with-silent-modifications
+      (save-excursion
+        (goto-char begin)
+        ;; Properties of the inserted text instead of the strings: Emacs would copy them.
+        (insert head " │ " (nebgit-decode text) "\n")
+        (put-text-property begin (point) 'nebgit-commit record)
+        (put-text-property begin (+ begin (length head)) 'face 'shadow)))
     (when (<= (+ (nebgit-field record FirstLine) number) wanted)
       (goto-char begin))))
 

@@ -108,7 +108,7 @@
                                   (nebgit-hunk-old-line hunk) (nebgit-hunk-old-count hunk)))
          (text (nebgit-hunk--body nil old (nebgit-hunk--new-lines hunk) nil)))
     (with-current-buffer (get-buffer-create "*nebgit hunk*")
-      (let ((inhibit-read-only t))
+      (with-silent-modifications
         (erase-buffer)
         (insert text)
         (diff-mode)

@@ -208,14 +208,14 @@ of an older log is dropped."
 (defun nebgit-log--show (commits first)
   "Append COMMITS; FIRST means that they replace the text.
 Point stays on its commit if that is among them, in the windows, too."
-  (let ((inhibit-read-only t)
-        (points (and first (nebgit-log--points))))
-    (when first (erase-buffer))
-    (save-excursion
-      (goto-char (point-max))
-      (mapc #'nebgit-log--insert commits)
-      (unless (or nebgit-log--cursor (> (point-max) 1))
-        (insert "No commits\n")))
+  (let ((points (and first (nebgit-log--points))))
+    (with-silent-modifications
+      (when first (erase-buffer))
+      (save-excursion
+        (goto-char (point-max))
+        (mapc #'nebgit-log--insert commits)
+        (unless (or nebgit-log--cursor (> (point-max) 1))
+          (insert "No commits\n"))))
     (mapc #'nebgit-log--restore-point points)))
 
 (defun nebgit-log--points ()

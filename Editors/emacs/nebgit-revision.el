@@ -72,7 +72,7 @@
   "Show COMMIT with its changed FILES in BUFFER."
   (when (buffer-live-p buffer)
     (with-current-buffer buffer
-      (let ((inhibit-read-only t))
+      (with-silent-modifications
         (setq nebgit-revision--id (nebgit-field commit ObjectID))
         (erase-buffer)
         (insert (nebgit-revision--head commit) "\n"

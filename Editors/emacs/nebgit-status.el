@@ -252,18 +252,18 @@ The result may be NAME itself."
 
 (defun nebgit-status--draw ()
   "Show the state, and keep point on its entry."
-  (let ((inhibit-read-only t)
-        (positions (mapcar (lambda (window) (cons window (nebgit-status--position
-                                                          (window-point window))))
+  (let ((positions (mapcar (lambda (window)
+                             (cons window (nebgit-status--position (window-point window))))
                            (get-buffer-window-list nil nil t)))
         (here (nebgit-status--position (point))))
-    (erase-buffer)
-    (nebgit-status--draw-head)
-    (dolist (section nebgit-status-sections)
-      (nebgit-status--draw-section (car section) (cdr section)))
-    (when (and (plist-get nebgit-status--state :head) (nebgit-status--clean-p))
-      (insert "\n")
-      (nebgit-status--line nil 'shadow "Nothing to commit, working tree clean"))
+    (with-silent-modifications
+      (erase-buffer)
+      (nebgit-status--draw-head)
+      (dolist (section nebgit-status-sections)
+        (nebgit-status--draw-section (car section) (cdr section)))
+      (when (and (plist-get nebgit-status--state :head) (nebgit-status--clean-p))
+        (insert "\n")
+        (nebgit-status--line nil 'shadow "Nothing to commit, working tree clean")))
     (goto-char (nebgit-status--find here))
     (pcase-dolist (`(,window . ,position) positions)
       (set-window-point window (nebgit-status--find position)))))

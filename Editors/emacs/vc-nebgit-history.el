@@ -27,7 +27,7 @@
   "Insert COMMITS, records of type 1001, into BUFFER; SHORT on a line each.
 Point stays before them."
   (with-current-buffer buffer
-    (let ((inhibit-read-only t))
+    (with-silent-modifications
       (save-excursion
         (goto-char (point-max))
         (dolist (commit commits)
@@ -130,7 +130,7 @@ differences, otherwise 0."
                                       :files (and files (vc-nebgit--paths files root))
                                       :from (or first "HEAD") :to second)))
     (with-current-buffer (get-buffer-create (or buffer "*vc-diff*"))
-      (let ((inhibit-read-only t))
+      (with-silent-modifications
         (setq default-directory root)
         (erase-buffer)
         (nebgit-diff-insert records)))
@@ -144,7 +144,7 @@ differences, otherwise 0."
          (records (vc-nebgit--perform nil 'annotation root
                                       :files (list (vc-nebgit--path file root)) :from revision)))
     (with-current-buffer buffer
-      (let ((inhibit-read-only t))
+      (with-silent-modifications
         (erase-buffer)
         (dolist (record (sort records (lambda (a b) (< (nebgit-field a FirstLine)
                                                        (nebgit-field b FirstLine)))))

@@ -45,6 +45,20 @@
     (test-with-status
       (should (string-match-p "Nothing to commit, working tree clean" (test-text))))))
 
+(ert-deftest status-log-commit-and-blame-do-not-look-modified ()
+  (test-with-repository
+    (test-with-status
+      (should-not (buffer-modified-p))
+      (nebgit-log)
+      (test-wait (string-match-p "First" (test-text)))
+      (should-not (buffer-modified-p))
+      (with-current-buffer (nebgit-revision folder "HEAD")
+        (test-wait (string-match-p "^\\+b" (test-text)))
+        (should-not (buffer-modified-p)))
+      (with-current-buffer (nebgit-blame-open folder "a.txt" nil 1)
+        (test-wait (string-match-p "three" (test-text)))
+        (should-not (buffer-modified-p))))))
+
 (ert-deftest status-stages-and-unstages-files ()
   (test-with-repository
     (test-write "a.txt" "changed")

@@ -1,7 +1,5 @@
 #include "JSON/OutcomeJSON.h"
 
-#include <string.h>
-
 #include <chrono>
 #include <cmath>
 
@@ -9,6 +7,7 @@
 #include "NEBFoundation/NEBSourceControlPathQuoting.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Session/SignalName.h"
 
 namespace neb::nebsc {
 
@@ -126,8 +125,7 @@ JSON jsonOfReport(const LOMAssertionReport& report) {
 /// Returns the exit status, or the name of a signal, so that the two cannot be confused.
 JSON jsonOfTermination(const std::optional<TerminationStatus>& status) {
     if (const auto signalNumber = status ? status->signalNumber() : std::nullopt) {
-        const char* name = ::sigabbrev_np(*signalNumber);
-        return "SIG" + (name != nullptr ? name : std::to_string(*signalNumber));
+        return signalName(*signalNumber);
     }
     return orNull(status ? status->exitStatus() : std::nullopt);
 }

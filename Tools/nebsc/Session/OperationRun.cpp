@@ -1,7 +1,5 @@
 #include "Session/OperationRun.h"
 
-#include <string.h>
-
 #include <utility>
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
@@ -13,6 +11,7 @@
 #include "Session/Credentials/TerminalCredentials.h"
 #include "Session/PackReceiveProgress.h"
 #include "Session/RequestRecording.h"
+#include "Session/SignalName.h"
 #include "Terminal/PrintableText.h"
 
 namespace neb::nebsc {
@@ -163,8 +162,7 @@ void noteEndOfTime(CommandOutput& output, const Interruption& interruption) {
 
 void noteInterruption(CommandOutput& output, std::optional<int> signalNumber) {
     if (signalNumber) {
-        output.standardError =
-            diagnostic("Stopped by SIG" + std::string(::sigabbrev_np(*signalNumber)) + ".");
+        output.standardError = diagnostic("Stopped by " + signalName(*signalNumber) + ".");
         output.exitStatus = exitOfSignal(*signalNumber);
     }
 }

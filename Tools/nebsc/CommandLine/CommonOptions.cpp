@@ -1,8 +1,9 @@
 #include "CommandLine/CommonOptions.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+#include <locale>
+#include <sstream>
 
 #include "CommandLine/UsageError.h"
 
@@ -33,6 +34,19 @@ constexpr Parameter options[] = {
     {"-h,--help", "Show help for nebsc or for the command"},
 };
 
+/// Returns the value of decimal digits, with a point among, before or after them if there are
+/// fractions; absent for any other text. std::from_chars() reads no fractions in libc++ before 20.
+std::optional<double> decimalNumberIn(const std::string& text) {
+    if (text.find_first_not_of("0123456789.") != std::string::npos) {
+        return std::nullopt;
+    }
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    double number = 0;
+    stream >> number;
+    return !stream.fail() && stream.eof() ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace
 
 std::span<const Parameter> commonOptions() {
@@ -44,13 +58,10 @@ std::optional<std::chrono::milliseconds> timeLimitIn(const Arguments& arguments)
     if (!text) {
         return std::nullopt;
     }
-    double seconds = 0;
-    const auto [end, failure] = std::from_chars(text->data(), text->data() + text->size(), seconds,
-                                                std::chars_format::fixed);
+    const std::optional<double> seconds = decimalNumberIn(*text);
     const std::chrono::milliseconds limit(
-        std::llround(std::clamp(seconds, 0.0, longestTimeLimit) * 1000));
-    if (failure != std::errc() || !std::isfinite(seconds) || end != text->data() + text->size() ||
-        limit.count() <= 0) {
+        std::llround(std::min(seconds.value_or(0), longestTimeLimit) * 1000));
+    if (limit.count() <= 0) {
         throw UsageError{.kind = UsageError::Kind::invalidValue,
                          .argument = *text,
                          .parameter = optionNamed(timeoutOption, nullptr),

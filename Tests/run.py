@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the test programs of a build folder, split over the processors, and reports failures.
 
-Usage: run.py BUILD-FOLDER [--threaded] [--only PROGRAM] [--without-package] [--filter TEXT] [--slowest COUNT]
+Usage: run.py BUILD-FOLDER [--threaded] [--only PROGRAM…] [--without-package] [--filter TEXT] [--slowest COUNT]
 
 Each program runs as several processes, each with a share of its tests (GoogleTest's sharding).
 Prints the name and the output of each test that fails, the name of each skipped test with the reason,
@@ -198,7 +198,7 @@ def main():
     parser.add_argument("build", type=Path)
     parser.add_argument("--threaded", action="store_true",
                         help="only the programs and tests that the thread sanitizer runs")
-    parser.add_argument("--only", help="only the tests of this program")
+    parser.add_argument("--only", nargs="+", metavar="PROGRAM", help="only the tests of these programs")
     parser.add_argument("--without-package", action="store_true",
                         help="leave out the tests of the package, which need a compiler")
     parser.add_argument("--filter", default="",
@@ -210,12 +210,17 @@ def main():
     if text and not re.search(r"[*?:]", text):
         text = f"*{text}*"
 
-    programs = THREADED if options.threaded else [options.only] if options.only else PROGRAMS
+    has_page = (build / "bin/nebsc-browse").exists()
+    programs = THREADED if options.threaded else options.only or [
+        program for program in PROGRAMS if has_page or program != "gateway_tests"]
     jobs = list(google_test_jobs(build, programs, text))
     if not options.threaded and not options.only and not text:
         package = [] if options.without_package else package_jobs(build)
         chaos = Job("Chaos", [Path(sys.executable), SOURCE / "Chaos/chaos_test.py"], {}, False)
-        jobs = [*browse_jobs(build), *editor_jobs(build), *package, *jobs, chaos]
+        page = browse_jobs(build) if has_page else []
+        jobs = [*page, *editor_jobs(build), *package, *jobs, chaos]
+    if not has_page and not options.threaded and not options.only:
+        print("Without the tests of 'nebsc browse', which is not built.", flush=True)
     begin = time.monotonic()
     with ThreadPoolExecutor(PROCESSORS) as pool:
         results = list(pool.map(run, jobs))

@@ -49,6 +49,8 @@ class Debian(PackageTest):
         super().setUpClass()
         if not shutil.which("dh_elpa"):
             raise unittest.SkipTest("dh-elpa is not installed; this is no Debian")
+        if not (BUILD / "bin/nebsc-browse").exists():
+            raise unittest.SkipTest("nebsc-browse is not built, which is a package of its own")
         if not cls.packages:
             folder = Path(tempfile.mkdtemp(prefix="nebgit-debian-"))
             unittest.addModuleCleanup(shutil.rmtree, folder)

@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
+#include <string>
 #include <utility>
 
 #include "ClientStream.h"
@@ -19,6 +21,10 @@ constexpr std::size_t mostWaiting = 64;
 /// What a chunked body has beside its content.
 constexpr std::size_t chunkHeaders = std::size_t{1} << 16;
 
+/// `void` in cpp-httplib 0.11; in 0.18 `bool`, whether the queue took the task.
+using Enqueued =
+    decltype(std::declval<httplib::TaskQueue&>().enqueue(std::declval<std::function<void()>>()));
+
 /// Threads for connections. enqueue() waits while too many connections wait for a thread; `waiting`
 /// has their number.
 class ConnectionQueue : public httplib::TaskQueue {
@@ -26,13 +32,13 @@ public:
     ConnectionQueue(std::size_t threads, std::atomic<std::size_t>& waiting)
         : _waiting(waiting), _threads(threads) {}
 
-    void enqueue(std::function<void()> task) override {
+    Enqueued enqueue(std::function<void()> task) override {
         {
             std::unique_lock lock(_mutex);
             _hasRoom.wait(lock, [this] { return _waiting < mostWaiting; });
             ++_waiting;
         }
-        _threads.enqueue([this, task = std::move(task)] {
+        return _threads.enqueue([this, task = std::move(task)] {
             {
                 const std::lock_guard lock(_mutex);
                 --_waiting;
@@ -79,13 +85,28 @@ BoundedServer::BoundedServer(std::size_t threads, std::size_t longestBody)
     new_task_queue = [this, threads] { return new ConnectionQueue(threads, _waiting); };
 }
 
+bool BoundedServer::serve(httplib::Stream& client) {
+    bool isClosed = false;
+#ifdef NEB_HTTPLIB_TAKES_ADDRESSES
+    std::string clientAddress;
+    std::string ownAddress;
+    int clientPort = 0;
+    int ownPort = 0;
+    client.get_remote_ip_and_port(clientAddress, clientPort);
+    client.get_local_ip_and_port(ownAddress, ownPort);
+    return process_request(client, clientAddress, clientPort, ownAddress, ownPort, true, isClosed,
+                           nullptr);
+#else
+    return process_request(client, true, isClosed, nullptr);
+#endif
+}
+
 bool BoundedServer::process_and_close_socket(socket_t socket) {
     ClientStream client(socket, _longestBody + chunkHeaders);
     bool isServed = false;
     const ClientStream::Head head = client.readHead([this] { return _waiting > 0; });
     if (head == ClientStream::Head::complete) {
-        bool isClosed = false;
-        isServed = process_request(client, true, isClosed, nullptr);
+        isServed = serve(client);
     } else if (head != ClientStream::Head::none) {
         refuseRequest(client, head);
     }

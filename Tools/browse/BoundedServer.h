@@ -16,6 +16,8 @@ public:
     BoundedServer(std::size_t threads, std::size_t longestBody);
 
 private:
+    /// Reads one request and writes the response. Returns whether both succeeded.
+    bool serve(httplib::Stream& client);
     bool process_and_close_socket(socket_t socket) override;
 
     std::size_t _longestBody;

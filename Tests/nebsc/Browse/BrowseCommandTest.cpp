@@ -39,7 +39,7 @@ TEST_F(BrowseCommand, SaysWhichProgramIsMissing) {
         {.folder = repository.path(), .variables = {{"LD_LIBRARY_PATH", NEB_BUILD_FOLDER "/lib"}}});
     expectFailed(outcome, AllOf(StartsWith("nebsc: cannot start '"),
                                 HasSubstr("/nebsc-browse': No such file or directory\n"),
-                                HasSubstr("nebgit-browse")));
+                                HasSubstr("nebgit-browse"), HasSubstr("cpp-httplib")));
 }
 
 TEST_F(BrowseCommand, ShowsItsHelp) {

@@ -100,7 +100,9 @@ CommandOutput executeGateway(const CommandCall& call) {
     CommandOutput output = refusal(
         "cannot start " + inQuotes(printable(program)) + ": " + textOfErrno(failure), exitFailed);
     if (failure == ENOENT) {
-        output.standardError += "On Debian, install the package nebgit-browse.\n";
+        output.standardError +=
+            "On Debian, install the package nebgit-browse. Builds with another version of "
+            "cpp-httplib than 0.11 or 0.18, or with libc++, leave it out.\n";
     }
     return output;
 }

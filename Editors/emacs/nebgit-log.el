@@ -162,8 +162,9 @@ If the commits that were to be left out are gone, read the log from its start."
 
 (defun nebgit-log--go-on (problem outcome)
   "Read the rest of the log again if PROBLEM is that its cursor was closed.
-Otherwise show it with its OUTCOME."
-  (if (not (and (nebgit-cursor-closed-p problem) nebgit-log--ends))
+The same if the server has ended.  Otherwise show PROBLEM with its OUTCOME."
+  (if (not (and nebgit-log--ends
+                (or (nebgit-cursor-closed-p problem) (not (nebgit-server-p)))))
       (nebgit-log--show-failure problem outcome)
     (setq nebgit-log--skip (cdr nebgit-log--ends))
     (nebgit-log--open (unless (plist-get nebgit-log--request :AllReferences)

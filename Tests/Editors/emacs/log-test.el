@@ -116,7 +116,9 @@ Return the subjects that it shows."
      (test-many-commits 398)
      (save-window-excursion
        (nebgit-log)
-       (test-wait nebgit-log--cursor)
+       ;; When the watch starts, the log is read again.
+       (test-wait (and nebgit-log--cursor (not (eq (gethash folder nebgit-watch--roots) t))
+                       (not nebgit-log--reading)))
        (nebgit-log-more)
        (test-wait (eql (length (test-log-subjects)) 200))
        ;; There the log is not read again because of a change.
@@ -149,6 +151,15 @@ Return the subjects that it shows."
                                   (lambda (_ cursor __) (setq other cursor)))
                      (test-wait other))))
     (nebgit-close other)))
+
+(ert-deftest log-goes-on-after-a-crash-while-a-page-is-read ()
+  (let ((nebgit--unexpected-ends nil))
+    (should (equal test-long-log
+                   (test-with-interrupted-log
+                     (let ((server (jsonrpc--process nebgit--connection)))
+                       (signal-process server 'SIGSTOP)
+                       (nebgit-log-more)
+                       (signal-process server 'SIGKILL)))))))
 
 ;; The first read fails then, as it is cancelled.
 (ert-deftest log-that-is-read-twice-at-once-is-shown ()

@@ -3,6 +3,7 @@ local graph = require("nebgit.log.graph")
 local harness = require("harness")
 local requests = require("nebgit.requests")
 local server = require("nebgit.server")
+local watch = require("nebgit.watch")
 
 local tests = {}
 
@@ -96,7 +97,7 @@ function tests.CommitsWithGraphAndReferences()
 end
 
 -- Opens the log of "Commit 1000", the newest one, to "Commit 1" in pages of 100, and waits for the
--- first page.
+-- first page. The repository is watched before, so that the log is not read again then.
 local function open_long_log()
   local input = {}
   for number = 1, 1000 do
@@ -108,6 +109,10 @@ local function open_long_log()
   end
   harness.run({ "git", "-C", harness.root, "fast-import", "--quiet" }, table.concat(input, "\n"))
   harness.configure({ log = { page_size = 100 } })
+  harness.edit("file")
+  harness.wait(function()
+    return watch.is_active(harness.root)
+  end, "the watch")
   open_log()
   harness.go_to("Commit 1000")
   harness.wait(function()
@@ -115,12 +120,12 @@ local function open_long_log()
   end)
 end
 
--- Scrolls to the end of what was read, and waits for more.
+-- Scrolls to the end of what was read until there is more. The log may be read again meanwhile.
 local function scroll_on()
   local count = #harness.lines()
-  harness.press("G")
-  vim.cmd("doautocmd CursorMoved")
   harness.wait(function()
+    harness.press("G")
+    vim.cmd("doautocmd CursorMoved")
     return #harness.lines() > count
   end, "the next page")
 end

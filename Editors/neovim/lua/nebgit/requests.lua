@@ -178,6 +178,10 @@ end
 
 function Pages:handle(failure, page, callback)
   self.is_reading = false
+  if self.cursor and failure and failure.class == "server" then
+    -- The next call finds that the cursor is closed, and another server goes on.
+    return callback(failure, {}, false)
+  end
   local was_closed = self.cursor and failure and failure.code == -32602
   page = page or {}
   self.cursor, self.server = page.cursor, server.pid()

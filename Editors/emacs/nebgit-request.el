@@ -11,6 +11,7 @@
 
 ;;; Code:
 
+(require 'nebgit-advice)
 (require 'nebgit-server)
 (require 'nebgit-trust)
 
@@ -256,7 +257,8 @@ Show nothing beside a question, such as that for a password."
 (defun nebgit-error-text (problem)
   "Return a sentence or two that describe PROBLEM."
   (let ((parts (or (delq nil (list (plist-get problem :localizedDescription)
-                                   (plist-get problem :localizedRecoverySuggestion)))
+                                   (or (nebgit-advice (nebgit-error-class problem))
+                                       (plist-get problem :localizedRecoverySuggestion))))
                    (list (or (plist-get problem :message) "unknown error")))))
     (string-join parts "  ")))
 

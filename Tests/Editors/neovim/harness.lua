@@ -9,6 +9,9 @@ local limit = tonumber(vim.env.NEB_WAIT_LIMIT) or 60000
 
 local shown = {}
 
+-- Neovim's own function to show messages, which set_up() replaces.
+M.notify = vim.notify
+
 -- Makes git and the editor independent of the user.
 function M.prepare_environment()
   local variables = {

@@ -113,7 +113,8 @@ function M.open()
     records = {},
   }
   if not source.path then
-    return messages.info("the file is in no repository")
+    local has_file = vim.bo[buffer].buftype == "" and vim.api.nvim_buf_get_name(buffer) ~= ""
+    return messages.info(has_file and "the file is in no repository" or "this window has no file")
   elseif vim.bo[buffer].modified and text.is_large(buffer) then
     return messages.info("the text is too large to blame it unsaved; write the file first")
   end

@@ -1,7 +1,18 @@
 -- Messages for the user.
 local M = {}
 
+local advice = require("nebgit.advice")
+
+-- Returns whether vim.notify() is Neovim's own, and not that of a plug-in.
+local function is_built_in()
+  return vim.startswith(debug.getinfo(vim.notify, "S").source, "@vim/")
+end
+
 local function show(text, level)
+  if level == vim.log.levels.ERROR and is_built_in() then
+    -- Older versions print each line as an error of its own, and wait for a key after each.
+    return vim.api.nvim_echo({ { "nebgit: " .. text, "ErrorMsg" } }, true, {})
+  end
   vim.notify("nebgit: " .. text, level, { title = "nebgit" })
 end
 
@@ -30,8 +41,9 @@ function M.text_of(failure)
   if failure.text and with_output[failure.class] and failure.text ~= failure.message then
     parts[#parts + 1] = failure.text
   end
-  if failure.advice and failure.advice ~= "" then
-    parts[#parts + 1] = failure.advice
+  local todo = advice[failure.class] or failure.advice
+  if todo and todo ~= "" then
+    parts[#parts + 1] = todo
   end
   return table.concat(parts, "\n")
 end

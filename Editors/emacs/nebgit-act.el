@@ -341,6 +341,8 @@ it was fetched."
   (interactive)
   (let ((item (nebgit-status-item)))
     (nebgit--section (list item) 'stash)
+    (unless (plist-get item :path)
+      (user-error "Not on a stash"))
     (when (yes-or-no-p (format "Lose %s (%s)? " (plist-get item :path)
                                (nebgit-field (plist-get item :record) Subject)))
       (nebgit--stash-at-point "drop" "stash drop"))))

@@ -262,6 +262,16 @@
       (test-go "stash@{0}")
       (test-answering t (test-until (not "Stashes") (nebgit-discard))))))
 
+(ert-deftest status-drops-no-stash-on-the-heading ()
+  (test-with-repository
+    (test-write "a.txt" "changed")
+    (test-git "stash")
+    (test-with-status
+      (test-go "Stashes (1)")
+      (test-answering t
+        (should-error (nebgit-discard) :type 'user-error)
+        (should-not questions)))))
+
 (ert-deftest status-switches-creates-merges-and-deletes-branches ()
   (test-with-repository
     (test-with-status

@@ -301,17 +301,27 @@ The result may be NAME itself."
 
 (defun nebgit-status--draw-head ()
   "Insert the branch, its upstream and the unfinished operations.
-Say first if the repository is not trusted."
+Say first if the repository is not trusted, or that it could not be read."
   (when (nebgit-inspected-p default-directory)
     (let ((names (plist-get nebgit-status--state :switched-off)))
       (nebgit-status--line '(:section trust) 'nebgit-warning
                            "Not trusted: inspected only (M-x nebgit-trust)"
                            (if names "; switched off: " "")
                            (mapconcat #'nebgit-printable names ", "))))
-  (let* ((head (plist-get nebgit-status--state :head))
-         (id (nebgit-field head ObjectID))
-         (branch (nebgit-name head Name))
-         (upstream (nebgit-name head Upstream)))
+  (let ((head (plist-get nebgit-status--state :head)))
+    (if head
+        (nebgit-status--draw-branch head)
+      (nebgit-status--line '(:section head) 'nebgit-warning
+                           "The working copy could not be read; g tries again"))
+    (dolist (operation (plist-get nebgit-status--state :operations))
+      (nebgit-status--line (list :section 'operation :record operation) 'nebgit-warning
+                           (nebgit-status--operation-text operation)))))
+
+(defun nebgit-status--draw-branch (head)
+  "Insert the branch of HEAD, a record, and its upstream."
+  (let ((id (nebgit-field head ObjectID))
+        (branch (nebgit-name head Name))
+        (upstream (nebgit-name head Upstream)))
     (nebgit-status--line '(:section head) nil "Branch:   "
                          (propertize (nebgit-printable (or branch "none, HEAD is detached"))
                                      'face 'nebgit-branch)
@@ -319,10 +329,7 @@ Say first if the repository is not trusted."
     (when upstream
       (nebgit-status--line '(:section upstream) nil "Upstream: "
                            (propertize (nebgit-printable upstream) 'face 'nebgit-branch)
-                           (nebgit-status--distance head)))
-    (dolist (operation (plist-get nebgit-status--state :operations))
-      (nebgit-status--line (list :section 'operation :record operation) 'nebgit-warning
-                           (nebgit-status--operation-text operation)))))
+                           (nebgit-status--distance head)))))
 
 (defun nebgit-status--distance (head)
   "Return how far the branch of HEAD, a record, is from its upstream."

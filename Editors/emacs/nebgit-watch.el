@@ -93,11 +93,13 @@ What the buffers show was read before, so they read it again."
            when (equal value watch) return root))
 
 (defun nebgit-watch--ended (params)
-  "Forget the watch in PARAMS; watch less if the system's limit was the reason."
+  "Forget the watch in PARAMS; watch less if the system's limit was the reason.
+Otherwise the repository is gone, which its buffers show then."
   (let ((root (nebgit-watch--root-of (plist-get params :watch))))
     (when root
       (puthash root nil nebgit-watch--roots)
-      (when (and (nebgit-watch--limit-p params) nebgit-watch-working-tree)
+      (if (not (and (nebgit-watch--limit-p params) nebgit-watch-working-tree))
+          (run-hook-with-args 'nebgit-changed-hook root)
         (puthash root t nebgit-watch--roots)
         (nebgit-watch--request root nil)))))
 

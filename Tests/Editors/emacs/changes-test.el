@@ -270,6 +270,18 @@
         (test-start-watch)
         (test-wait (string-match-p "Untracked (1)" (buffer-string)))))))
 
+(ert-deftest watch-that-ends-shows-that-the-repository-is-gone ()
+  (test-with-repository
+    (test-need-watch)
+    (save-window-excursion
+      (nebgit-status)
+      (test-wait (and (nebgit-watched-p folder) (not nebgit-status--refreshing)))
+      (rename-file ".git" "moved")
+      (test-wait (equal (test-text) "The working copy could not be read; g tries again\n"))
+      (rename-file "moved" ".git")
+      (nebgit-status-refresh)
+      (test-wait (string-match-p "Branch:   main" (test-text))))))
+
 (ert-deftest watch-starts-again-with-the-server ()
   (test-with-repository
     (test-need-watch)

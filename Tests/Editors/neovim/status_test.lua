@@ -20,6 +20,14 @@ local function go_and_press(text, keys)
   harness.press(keys)
 end
 
+function tests.NothingIsClaimedBeforeTheStateIsRead()
+  harness.commit({ file = "1\n" })
+  harness.enter()
+  require("nebgit.status.window").open(harness.root)
+  harness.equal({ "Working copy: " .. harness.root, "Reading …" }, harness.lines())
+  harness.go_to("Nothing to commit")
+end
+
 local clean = { "Branch: main", "", "Nothing to commit, the working copy is clean" }
 
 function tests.TextThatFitsIsShownFromItsStart()

@@ -81,6 +81,19 @@ function tests.WatchBeginsAgainAfterACrash()
   wait_for_signs(buffer, {})
 end
 
+function tests.StatusOfAMovedRepositorySaysSo()
+  harness.commit({ file = "1\n" })
+  harness.open_status()
+  harness.wait(function()
+    return watch.is_active(harness.root)
+  end, "the watch")
+  vim.fn.rename(harness.root .. "/.git", harness.root .. "/moved")
+  harness.go_to("The working copy could not be read; R tries again")
+  vim.fn.rename(harness.root .. "/moved", harness.root .. "/.git")
+  harness.press("R")
+  harness.go_to("Branch: main")
+end
+
 function tests.WatchCanBeSwitchedOff()
   harness.configure({ watch = { enabled = false } })
   harness.commit({ file = "1\n" })

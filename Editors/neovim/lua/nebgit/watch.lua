@@ -120,6 +120,8 @@ server.on_notification("sourceControl/watchEnded", function(params)
     if params.class == "system-limit" and not is_limited[root] then
       limit(root, params.message)
       start(root)
+    else
+      repository.changed(root)
     end
   end
 end)

@@ -9,10 +9,10 @@ M.sections = {
   { "staged", "Staged" },
 }
 
--- Returns an empty model.
+-- Returns an empty model; its `head` is nil until that is read.
 function M.new()
   return {
-    head = {}, operations = {}, switched_off = {},
+    operations = {}, switched_off = {},
     conflict = {}, untracked = {}, unstaged = {}, staged = {},
   }
 end

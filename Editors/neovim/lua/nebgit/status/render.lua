@@ -111,13 +111,18 @@ local function add_section(result, model, section, title, view)
 end
 
 -- Returns the `lines` of the window, and the `items` by line: entries, and tables with the kind
--- "section", "hunk" or "more". view has `is_inspected`, `max_paths`, `all` (sections that are shown
+-- "section", "hunk" or "more". view has `is_inspected`, `has_failed`, `max_paths`, `all` (sections that are shown
 -- in full) and `diffs` ({file = RECORD, section, path} by key of the entry).
 function M.render(root, model, view)
   local result = collector()
   result.add("Working copy: " .. names.shown(root))
   if view.is_inspected then
     result.add(inspection_line(model.switched_off))
+  end
+  if not model.head then
+    local failed = "The working copy could not be read; R tries again"
+    result.add(view.has_failed and failed or "Reading …")
+    return result
   end
   result.add(scratch.line(branch_line(model.head)))
   if (model.head.StashCount or 0) > 0 then

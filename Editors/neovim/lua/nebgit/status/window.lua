@@ -129,8 +129,11 @@ function M.refresh(buffer, is_background)
       return
     end
     state.is_running = false
+    state.view.has_failed = state.failure ~= nil
     if state.failure then
       messages.failure(state.failure)
+      state.model = model_of.new()
+      M.draw(buffer)
     else
       finish(buffer, state, model)
     end

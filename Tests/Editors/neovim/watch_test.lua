@@ -46,6 +46,19 @@ function tests.StatusAndLogFollowACommit()
   harness.go_to("Branch: topic")
 end
 
+function tests.FileIsReadAgainAfterACheckout()
+  harness.commit({ file = "1\n" })
+  harness.git("checkout", "--quiet", "-b", "topic")
+  harness.commit({ file = "2\n22\n" })
+  local buffer = edit_and_watch("file")
+  harness.equal({ "2", "22" }, harness.lines(buffer))
+  harness.git("checkout", "--quiet", "main")
+  harness.wait(function()
+    return vim.deep_equal({ "1" }, harness.lines(buffer))
+  end, "the file of the branch main")
+  wait_for_signs(buffer, {})
+end
+
 function tests.StatusShowsWhatChangedBeforeTheWatchBegan()
   harness.commit({ file = "1\n" })
   local request, begin_watch = server.request, nil

@@ -29,8 +29,8 @@ function M.start(group)
     end
   end)
   -- After a checkout, pull or the like, unmodified buffers show what is on the disk.
-  repository.on_change(function(root, kinds)
-    if root and kinds.workingTree then
+  repository.on_change(function(root)
+    if root then
       vim.cmd("silent! checktime")
     end
   end)

@@ -143,6 +143,21 @@ class Packages(Debian):
         for name, package in self.packages.items():
             self.assertEqual(package.read_bytes(), again[name].read_bytes(), name)
 
+    def object(self, name, **variables):
+        """Compiles a file with the variables of debian/rules in a copy of the sources, and returns the object."""
+        sources = copy_sources(self.folder / name)
+        command = (f"ccache g++ $$(dpkg-buildflags --get CXXFLAGS) -std=c++20 -I{sources}/Host"
+                   f" -c {sources}/Host/Platform/ErrnoText.cpp -o object.o")
+        run("make", "-f", "debian/rules", f"--eval=object.o: ; {command}", "object.o", folder=sources, **variables)
+        return (sources / "object.o").read_bytes()
+
+    def test_compiling_with_ccache_gives_the_same(self):
+        if not shutil.which("ccache"):
+            self.skipTest("ccache is not installed")
+        with_ccache = self.object("with-ccache", CCACHE_DIR=str(self.folder / "ccache"),
+                                  CCACHE_BASEDIR=str(self.folder))
+        self.assertEqual(with_ccache, self.object("without-ccache", CCACHE_DISABLE="1"))
+
 
 class FreshSystem:
     """This machine's files with a layer of their own for what is written, in a mount namespace."""

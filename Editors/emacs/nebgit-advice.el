@@ -33,7 +33,8 @@ unfinished rebase first.")
     ("untracked-in-the-way" . "Move the files away, or stage (\\[nebgit-stage] in the status) \
 and commit them.")
     ("conflict" . "Resolve them in the files, and stage these (\\[nebgit-stage] in the status).  \
-Then continue (\\[nebgit-continue]) the merge or rebase, or abort it (\\[nebgit-abort]).")
+Then continue an unfinished merge or rebase (\\[nebgit-continue]), or abort it \
+(\\[nebgit-abort]).")
     ("conflict-unresolved" . "Resolve them in the files, stage these (\\[nebgit-stage] in the \
 status), then try again.")
     ("merge-unfinished" . "Continue (\\[nebgit-continue] in the status) or abort \
@@ -42,6 +43,12 @@ status), then try again.")
     ("nothing-to-commit" . "Stage changes (\\[nebgit-stage] in the status), or commit all tracked \
 files (\\[nebgit-commit-all])."))
   "Advice by the class of the error, with commands of the status in place of keys.")
+
+(defconst nebgit-advice-output-classes
+  '("unknown" "local-hook-refused" "remote-hook-refused" "remote-refused" "remote-unsupported"
+    "merge-failed" "submodule-failed" "repository-damaged" "configuration-broken" "io-error"
+    "other-tools")
+  "Classes of errors whose reason only the output of git, a hook or the remote has.")
 
 (defun nebgit-advice (class)
   "Return what to do in Emacs after an error of CLASS, a string or nil; or nil."

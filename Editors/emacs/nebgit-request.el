@@ -255,6 +255,16 @@ Show nothing beside a question, such as that for a password."
   (plist-get problem :class))
 
 (defun nebgit-error-text (problem)
+  "Return a sentence or two that describe PROBLEM.
+Git's own text follows on lines of its own if only that has the reason."
+  (let ((sentences (nebgit--error-sentences problem))
+        (output (and (member (nebgit-error-class problem) nebgit-advice-output-classes)
+                     (string-trim (nebgit-decode (or (plist-get problem :text) ""))))))
+    (if (and output (not (string-match-p (regexp-quote output) sentences)))
+        (concat sentences "\n" output)
+      sentences)))
+
+(defun nebgit--error-sentences (problem)
   "Return a sentence or two that describe PROBLEM."
   (let ((parts (or (delq nil (list (plist-get problem :localizedDescription)
                                    (or (nebgit-advice (nebgit-error-class problem))
@@ -269,7 +279,7 @@ Show nothing beside a question, such as that for a password."
       (when text
         (with-current-buffer (get-buffer-create "*nebgit errors*")
           (goto-char (point-max))
-          (insert (format-time-string "%F %T ") (nebgit-error-text problem) "\n"
+          (insert (format-time-string "%F %T ") (nebgit--error-sentences problem) "\n"
                   (nebgit-decode text) "\n")))
       (message "NEBGit: %s" (nebgit-error-text problem)))))
 

@@ -10,8 +10,8 @@
                 (insert-file-contents (expand-file-name "../../../docs/errors.md"
                                                         (getenv "NEBGIT_TESTS_FOLDER")))
                 (buffer-string))))
-    (dolist (row nebgit-advice)
-      (should (string-match-p (format "^| `%s` |" (car row)) page)))))
+    (dolist (class (append (mapcar #'car nebgit-advice) nebgit-advice-output-classes))
+      (should (string-match-p (format "^| `%s` |" class) page)))))
 
 (ert-deftest advice-names-keys-of-the-status ()
   (dolist (row nebgit-advice)
@@ -25,6 +25,12 @@
     (let ((nebgit-status-mode-map (make-sparse-keymap)))
       (define-key nebgit-status-mode-map (kbd "+") #'nebgit-stage)
       (should (string-match-p "(\\+ in the status)" (nebgit-advice "conflict"))))))
+
+(ert-deftest advice-to-read-the-output-shows-it ()
+  (test-with-repository
+    (test-write-program ".git/hooks/pre-commit" "#!/bin/sh" "echo 'a.txt has tabs' >&2" "exit 1")
+    (nebgit-act 'commit '(:Message "Tabs" :AllowEmptyCommit t))
+    (test-wait (string-match-p "Fix what the hook reports.*\na.txt has tabs" (test-messages)))))
 
 (provide 'advice-test)
 ;;; advice-test.el ends here

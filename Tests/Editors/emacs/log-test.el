@@ -289,8 +289,8 @@ Return the subjects that it shows."
         (forward-line 2999)
         (nebgit-blame)
         (should (eq nebgit-blame--drawing nil))
-        (test-wait (string-match-p "│ line 5000\n\\'" (buffer-string)))
-        (should (eql (count-lines (point-min) (point-max)) 5000))
+        (test-wait (eql (count-lines (point-min) (point-max)) 5000))
+        (should (string-match-p "│ line 5000\n\\'" (buffer-string)))
         (should (eql (line-number-at-pos) 3000))
         (should (eql (nebgit-blame--number (nebgit-blame--record)) 2999))))))
 

@@ -19,6 +19,11 @@ function tests.AdviceNamesKeys()
   harness.wait_for_message("to continue.\nThe status shows what is unfinished.")
 end
 
+function tests.AdviceToReadTheOutputShowsIt()
+  local failure = { class = "remote-refused", message = "Refused.", text = "why", advice = "Read." }
+  harness.equal("Refused.\nwhy\nRead.", messages.text_of(failure))
+end
+
 -- Neovim would print each line as an error of its own, and wait for a key after each.
 function tests.ErrorOfSeveralLinesIsOneMessage()
   vim.notify = harness.notify

@@ -1,6 +1,7 @@
 -- What to do in Neovim after a failure, by its class. The server advises what to do in a terminal;
 -- where the status has a key for that, this text replaces the advice.
-local clean_tree = "Commit the changes (cc in the status), stash them (z), or discard them (x)."
+local clean_tree = "Stage and commit the changes (s and cc in the status), stash them (z), or"
+  .. " discard them (x)."
 
 return {
   ["credentials-needed"] = "Try again and enter them, or set up a credential helper of git.",
@@ -15,8 +16,8 @@ return {
   ["local-changes"] = clean_tree,
   ["needs-clean-tree"] = clean_tree,
   ["untracked-in-the-way"] = "Move the files away, or stage (s in the status) and commit them.",
-  ["conflict"] = "Resolve them in the files, and stage these (s in the status). Then continue (rc)"
-    .. " the merge or rebase, or abort it (ra).",
+  ["conflict"] = "Resolve them in the files, and stage these (s in the status). Then continue an"
+    .. " unfinished merge or rebase (rc), or abort it (ra).",
   ["conflict-unresolved"] = "Resolve them in the files, stage these (s in the status), then try"
     .. " again.",
   ["merge-unfinished"] = "Continue (rc in the status) or abort (ra) it.",

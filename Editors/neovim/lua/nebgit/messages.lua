@@ -28,11 +28,19 @@ function M.error(text)
   show(text, vim.log.levels.ERROR)
 end
 
--- Failures of which only git's or the hook's own output says what is wrong.
+-- Failures of which only the output of git, a hook or the remote says what is wrong.
 local with_output = {
   ["unknown"] = true,
   ["local-hook-refused"] = true,
   ["remote-hook-refused"] = true,
+  ["remote-refused"] = true,
+  ["remote-unsupported"] = true,
+  ["merge-failed"] = true,
+  ["submodule-failed"] = true,
+  ["repository-damaged"] = true,
+  ["configuration-broken"] = true,
+  ["io-error"] = true,
+  ["other-tools"] = true,
 }
 
 -- Returns what happened, and what to do, of a failure of requests.lua as one text.

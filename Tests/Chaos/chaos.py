@@ -11,7 +11,7 @@ server that lives as long as the run. Afterwards:
 - the server responds with an outcome, or that the request was cancelled if it was;
 - an outcome without error has the records that it has without disturbances, and the repositories
   are as they are then;
-- the request has ended in 60 seconds.
+- the request has ended before it has waited or computed for 60 seconds.
 
 --disk names the folder on a small file system of its own that is filled in some steps. The exit
 status is 1 if something did not hold; the seed repeats the choices, though not their effects.
@@ -34,9 +34,11 @@ import threading
 import time
 
 import disturbances
+from watch import Watch
 from world import World, examples
 
 PATIENCE = 60
+PATIENCE_AFTERWARDS = 10
 # What may differ although the request succeeded: git, or an operation that runs beside the main
 # one, does that work as well as it can and reports nothing, or only in the text of the result.
 BEST_EFFORT = {
@@ -173,7 +175,12 @@ class Server:
     def end(self):
         self.call("shutdown", {}, lambda _: None)
         self.send({"method": "exit"})
-        return self.child.wait(PATIENCE)
+        watch = Watch(lambda: [self.number], PATIENCE)
+        while self.child.poll() is None:
+            if stuck := watch.stuck():
+                raise AssertionError("the server has not ended: it " + stuck)
+            time.sleep(0.01)
+        return self.child.returncode
 
 
 class Chaos:
@@ -248,17 +255,23 @@ class Chaos:
                 threads.append(threading.Thread(target=one.run, args=[running], daemon=True))
                 threads[-1].start()
 
-        def give_up():
-            print("STUCK in %s: %s" % (example.name, ", ".join(map(str, happening))), flush=True)
-            subprocess.run(["ps", "-ef", "--forest"])
-            os._exit(1)
+        ended = threading.Event()
 
-        timer = threading.Timer(PATIENCE, give_up)
-        timer.start()
+        def watch():
+            watched = Watch(lambda: self.running(process.is_server), PATIENCE)
+            while not ended.wait(0.5):
+                if stuck := watched.stuck():
+                    print("STUCK in %s: %s: %s" % (
+                        example.name, ", ".join(map(str, happening)), stuck), flush=True)
+                    subprocess.run(["ps", "-e", "--forest", "-o", "pid,ppid,stat,time,wchan,args"])
+                    os._exit(1)
+
+        threads.append(threading.Thread(target=watch, daemon=True))
+        threads[-1].start()
         try:
             return process.outcome(self.world.request_of(example), variables, happening, started)
         finally:
-            timer.cancel()
+            ended.set()
             for one in happening:
                 one.ended.set()
             for thread in threads:
@@ -275,25 +288,28 @@ class Chaos:
 
     def stray_processes(self):
         """This process is the parent of every process that lost its own, so none escapes."""
-        end = time.monotonic() + 10
-        while time.monotonic() < end:
-            self.reap()
-            left = [number for number in disturbances.descendants_of(os.getpid())
-                    if number != self.server.number]
-            if not left:
-                return []
+        watch = Watch(self.running, PATIENCE_AFTERWARDS)
+        while left := self.running():
+            if stuck := watch.stuck():
+                return ["still running, %s: %s" % (stuck, subprocess.run(
+                    ["ps", "-o", "pid,stat,args", "-p", ",".join(map(str, left))],
+                    stdout=subprocess.PIPE).stdout.decode())]
+            self.reap(left)
             time.sleep(0.002)
-        return ["still running: %s" % subprocess.run(
-            ["ps", "-o", "pid,stat,args", "-p", ",".join(map(str, left))],
-            stdout=subprocess.PIPE).stdout.decode()]
+        return []
 
-    def reap(self):
-        for number in disturbances.descendants_of(os.getpid()):
-            if number != self.server.number:
-                try:
-                    os.waitpid(number, os.WNOHANG)
-                except ChildProcessError:
-                    pass
+    def running(self, with_server=False):
+        """The numbers of the processes that this one or the server has started."""
+        return [number for number in disturbances.descendants_of(os.getpid())
+                if with_server or number != self.server.number]
+
+    @staticmethod
+    def reap(numbers):
+        for number in numbers:
+            try:
+                os.waitpid(number, os.WNOHANG)
+            except ChildProcessError:
+                pass
 
     def differences(self, example, usual, usual_state, outcome):
         if usual["error"]:

@@ -1,11 +1,14 @@
 """Tests of what scripts/chaos takes for a finding."""
 
+import os
 import pathlib
 import subprocess
+import time
 import unittest
 
 import chaos
 import disturbances
+from watch import Watch
 
 CANCEL = disturbances.Cancel.__new__(disturbances.Cancel)
 LOCK = disturbances.ForeignLock.__new__(disturbances.ForeignLock)
@@ -35,6 +38,41 @@ class Responses(unittest.TestCase):
         for code in -32603, -32602, -32600, 0:
             with self.assertRaises(AssertionError):
                 chaos.outcome_in({"error": {"code": code, "message": "failed"}}, [LOCK, CANCEL])
+
+
+class Processes(unittest.TestCase):
+    def setUp(self):
+        self.children = []
+
+    def tearDown(self):
+        for child in self.children:
+            child.kill()
+            child.wait()
+
+    def watch(self, *command):
+        self.children.append(subprocess.Popen(command))
+        return Watch(lambda: [self.children[-1].pid], 0.2)
+
+    def what_is_stuck(self, watch):
+        while not (stuck := watch.stuck()):
+            time.sleep(0.01)
+        return stuck
+
+    def test_that_wait_are_stuck(self):
+        self.assertIn("waited", self.what_is_stuck(self.watch("sleep", "600")))
+
+    def test_that_compute_are_stuck(self):
+        self.assertIn("computed", self.what_is_stuck(self.watch("sh", "-c", "while :; do :; done")))
+
+    def test_that_have_ended_are_not_stuck(self):
+        watch = self.watch("true")
+        os.waitid(os.P_PID, self.children[-1].pid, os.WEXITED | os.WNOWAIT)
+        watch.waited = 0
+        for _ in range(100):
+            self.assertEqual(watch.stuck(), "")
+            time.sleep(0.01)
+        self.children[-1].wait()
+        self.assertEqual(watch.stuck(), "")
 
 
 class Script(unittest.TestCase):

@@ -142,6 +142,20 @@ TEST_F(Cursor, RefusesInvalidParameters) {
               "The cursor 'x' is unknown or closed.");
 }
 
+TEST_F(Cursor, RefusesToRecord) {
+    const std::string file = folder.path("recording");
+    for (const JSON& record : {JSON(file), JSON{{"file", file}, {"anonymous", true}}}) {
+        const JSON response =
+            call("sourceControl/open", {{"request", log()}, {"pageSize", 1}, {"record", record}});
+        EXPECT_EQ(response["error"]["code"], -32602) << response;
+        EXPECT_EQ(response["error"]["message"],
+                  "The request's member 'record' is for 'sourceControl/perform'; requests with a "
+                  "cursor are not recorded.");
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_FALSE(std::filesystem::exists(folder.path("started"))) << "no git was started";
+}
+
 // ---- the end of a cursor ----------------------------------------------------------------------
 
 TEST_F(Cursor, EndsItsProcessWhenItIsClosed) {

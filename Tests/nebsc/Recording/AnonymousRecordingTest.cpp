@@ -2,7 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <set>
 
 #include "JSON/Base64.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
@@ -57,6 +57,31 @@ TEST(NameMapping, ReplacesLettersOfOtherScripts) {
 }
 
 TEST(NameMapping, KeepsWhatGitMeans) {
+TEST(NameMapping, HasAReplacementForEachHexadecimalWord) {
+    std::vector<std::string> words;
+    for (char first = 'a'; first <= 'f'; ++first) {
+        for (char second = 'a'; second <= 'f'; ++second) {
+            for (char third = 'a'; third <= 'f'; ++third) {
+                words.push_back({first, second, third});
+            }
+        }
+    }
+    std::erase_if(words, [](const std::string& word) { return word == "add" || word == "bad"; });
+    std::vector<std::string> all = mapped(words);
+    all.insert(all.end(), words.begin(), words.end());
+    EXPECT_EQ(std::set<std::string>(all.begin(), all.end()).size(), 2 * words.size());
+}
+
+TEST(NameMapping, FindsWordsAfterABackslash) {
+    const std::vector<std::string> texts =
+        mapped({R"(C:\temp\wilma CORP\ann)", "temp ann", R"("C:\temp\303" \temp)", "\"\n\\temp"});
+    EXPECT_EQ(texts[0].substr(3, 4), texts[1].substr(0, 4));
+    EXPECT_EQ(texts[0].substr(19, 3), texts[1].substr(5, 3));
+    EXPECT_THAT(texts[0], testing::MatchesRegex(R"(C:\\[a-z]{4}\\[a-z]{5} [A-Z]{4}\\[a-z]{3})"));
+    EXPECT_THAT(texts[2], testing::MatchesRegex(R"("C:\\t[a-z]{3}\\303" \\[a-z]{4})"));
+    EXPECT_EQ(texts[3].substr(3), texts[1].substr(0, 4)) << "the quotes end with the line";
+}
+
     for (const std::string text :
          {"refs/heads/ab", "HEAD -> origin", "0123456789abcdef0123456789abcdef01234567 1a2b",
           "2024-05-06T05:08:09Z", "R100", "100644", "NEBSourceControlOperationPathKey", "xxxxxx",

@@ -38,7 +38,7 @@ std::size_t sizeOfWordCharacter(std::string_view text) {
 }
 
 /// Returns the size of an escape sequence as git quotes paths, such as "\t" or "\303", whose
-/// characters are not those of a word; 0 without one.
+/// characters are not those of a word; 0 without one. git-config(1), core.quotePath.
 std::size_t sizeOfEscape(std::string_view text) {
     if (text.size() < 2 || text[0] != '\\') {
         return 0;
@@ -52,9 +52,11 @@ std::size_t sizeOfEscape(std::string_view text) {
     return std::string_view("abfnrtv\\\"").find(text[1]) == std::string_view::npos ? 0 : 2;
 }
 
-/// Calls `word` for each word and `rest` for what is between, in order.
+/// Calls `word` for each word and `rest` for what is between, in order. Escape sequences are only
+/// in double quotes, which end with the line; "C:\temp" elsewhere has the word "temp".
 void forEachWord(std::string_view text, const std::function<void(std::string_view)>& word,
                  const std::function<void(std::string_view)>& rest) {
+    bool isQuoted = false;
     while (!text.empty()) {
         std::size_t size = 0;
         while (size < text.size()) {
@@ -66,7 +68,8 @@ void forEachWord(std::string_view text, const std::function<void(std::string_vie
         }
         const bool isWord = size > 0;
         if (!isWord) {
-            size = std::max<std::size_t>(sizeOfEscape(text), 1);
+            size = std::max<std::size_t>(isQuoted ? sizeOfEscape(text) : 0, 1);
+            isQuoted = text[0] == '"' ? !isQuoted : isQuoted && text[0] != '\n';
         }
         (isWord ? word : rest)(text.substr(0, size));
         text.remove_prefix(size);
@@ -134,8 +137,7 @@ std::string randomCharacter(std::string_view old, bool isHexadecimal) {
     return bytes;
 }
 
-std::string randomWord(std::string_view lower) {
-    const bool isHexadecimal = std::ranges::all_of(lower, isHexadecimalLetter);
+std::string randomWord(std::string_view lower, bool isHexadecimal) {
     std::string word;
     while (!lower.empty()) {
         const std::size_t size = std::max<std::size_t>(sizeOfWordCharacter(lower), 1);
@@ -169,9 +171,12 @@ const std::string& NameMapping::replacementOf(const std::string& lower) {
     if (found != _replacements.end()) {
         return found->second;
     }
-    constexpr int mostTries = 10000;
+    // A word like "dad" may be the beginning of an object id, and so is replaced by another one of
+    // this kind, as long as one is left.
+    const bool isHexadecimal = std::ranges::all_of(lower, isHexadecimalLetter);
+    constexpr int mostTries = 10000, mostHexadecimalTries = 100;
     for (int i = 0; i < mostTries; ++i) {
-        std::string word = randomWord(lower);
+        std::string word = randomWord(lower, isHexadecimal && i < mostHexadecimalTries);
         if (isName(word) && !_originals.contains(word) && _used.insert(word).second) {
             return _replacements.emplace(lower, std::move(word)).first->second;
         }

@@ -130,6 +130,17 @@ TEST(RequestJSON, GivesASourceTreeWithoutLocationAnEmptyName) {
     }
 }
 
+TEST(RequestJSON, ReadsALocationThatIsNotUTF8) {
+    const auto tree =
+        accepted(R"({"type": 0, "sourceTree": {"location": {"base64": "L3cvY2Fm6Q=="}}})")
+            ->sourceTree;
+    EXPECT_EQ(tree->location, "/w/caf\xE9");
+    EXPECT_EQ(tree->name, "caf\xE9");
+    EXPECT_EQ(
+        requestFromJSON(R"({"type": 0, "sourceTree": {"location": {"base64": "?"}}})").refusal,
+        "The request's member 'sourceTree.location.base64' is not base64 with padding.");
+}
+
 TEST(RequestJSON, ReadsAllMembersOfASourceTree) {
     const auto tree =
         accepted(

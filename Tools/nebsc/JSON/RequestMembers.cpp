@@ -37,20 +37,21 @@ bool readPositive(Refusal& refusal, const InputNode& input, std::optional<std::i
     return true;
 }
 
+bool isBytes(const JSONNode& node) {
+    return node.kind == Kind::object && node.children.size() == 1 &&
+           node.children.front().name == "base64";
+}
+
 /// Reads {"base64": "…"}.
-bool readBytes(Refusal& refusal, const InputNode& input, NEBValue& value) {
+bool readBytes(Refusal& refusal, const InputNode& input, std::optional<std::string>& bytes) {
     const JSONNode& member = input.node.children.front();
     const InputNode memberInput{member, pathOfMember(input.path, member.name)};
     std::optional<std::string> text;
     if (!readString(refusal, memberInput, text)) {
         return false;
     }
-    const auto bytes = text ? bytesOfBase64(*text) : std::nullopt;
-    if (!bytes) {
-        return refusal.wrongValue(memberInput, "is not base64 with padding");
-    }
-    value = *bytes;
-    return true;
+    bytes = text ? bytesOfBase64(*text) : std::nullopt;
+    return bytes || refusal.wrongValue(memberInput, "is not base64 with padding");
 }
 
 }  // namespace
@@ -113,6 +114,10 @@ bool readString(Refusal& refusal, const InputNode& input, std::optional<std::str
            refusal.wrongKind(input, "a string");
 }
 
+bool readText(Refusal& refusal, const InputNode& input, std::optional<std::string>& text) {
+    return isBytes(input.node) ? readBytes(refusal, input, text) : readString(refusal, input, text);
+}
+
 bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean) {
     if (input.node.kind == Kind::boolean) {
         boolean = input.node.boolean;
@@ -168,8 +173,10 @@ bool readScalar(Refusal& refusal, const InputNode& input, NEBValue& value) {
             value = input.node.text;
             return true;
         case Kind::object:
-            if (input.node.children.size() == 1 && input.node.children.front().name == "base64") {
-                return readBytes(refusal, input, value);
+            if (std::optional<std::string> bytes; isBytes(input.node)) {
+                const bool isRead = readBytes(refusal, input, bytes);
+                value = bytes ? NEBValue(*bytes) : NEBValue();
+                return isRead;
             }
             break;
         case Kind::array:

@@ -48,6 +48,9 @@ struct Refusal {
 
 [[nodiscard]] bool readString(Refusal& refusal, const InputNode& input,
                               std::optional<std::string>& string);
+/// Reads a string, or bytes as {"base64": "…"}.
+[[nodiscard]] bool readText(Refusal& refusal, const InputNode& input,
+                            std::optional<std::string>& text);
 [[nodiscard]] bool readBoolean(Refusal& refusal, const InputNode& input, bool& boolean);
 /// Reads an integer above 0.
 [[nodiscard]] bool readMilliseconds(Refusal& refusal, const InputNode& input,

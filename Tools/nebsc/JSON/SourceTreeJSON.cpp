@@ -26,8 +26,8 @@ struct SourceTreeMembers {
 
 constexpr Member<SourceTreeMembers> sourceTreeMembers[] = {
     {"class", readInto<readString, &SourceTreeMembers::className>},
-    {"location", readInto<readString, &SourceTreeMembers::location>},
-    {"name", readInto<readString, &SourceTreeMembers::name>},
+    {"location", readInto<readText, &SourceTreeMembers::location>},
+    {"name", readInto<readText, &SourceTreeMembers::name>},
     {"reachable", readInto<readBoolean, &SourceTreeMembers::reachable>},
     {"isValid", readInto<readBoolean, &SourceTreeMembers::isValid>},
     {"isRemoteDistributedRepository",

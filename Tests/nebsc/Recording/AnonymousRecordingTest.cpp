@@ -9,6 +9,7 @@
 #include "Platform/Text.h"
 #include "Recording/NameMapping.h"
 #include "nebsc/CommandTest.h"
+#include "nebsc/Recording/RecordedFile.h"
 #include "nebsc/Server/ServerClient.h"
 #include "nebsc/Server/SlowGit.h"
 
@@ -56,7 +57,6 @@ TEST(NameMapping, ReplacesLettersOfOtherScripts) {
     EXPECT_THAT(text, Not(HasSubstr("\xF0\xA0\x80\x80")));
 }
 
-TEST(NameMapping, KeepsWhatGitMeans) {
 TEST(NameMapping, HasAReplacementForEachHexadecimalWord) {
     std::vector<std::string> words;
     for (char first = 'a'; first <= 'f'; ++first) {
@@ -82,6 +82,7 @@ TEST(NameMapping, FindsWordsAfterABackslash) {
     EXPECT_EQ(texts[3].substr(3), texts[1].substr(0, 4)) << "the quotes end with the line";
 }
 
+TEST(NameMapping, KeepsWhatGitMeans) {
     for (const std::string text :
          {"refs/heads/ab", "HEAD -> origin", "0123456789abcdef0123456789abcdef01234567 1a2b",
           "2024-05-06T05:08:09Z", "R100", "100644", "NEBSourceControlOperationPathKey", "xxxxxx",
@@ -94,8 +95,7 @@ TEST(NameMapping, FindsWordsAfterABackslash) {
 
 /// Returns the file with the bytes of all {"base64": "…"} appended, in lower case.
 std::string searchableContentOf(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
+    const std::string content = contentOfFile(path);
     constexpr std::string_view mark = R"({"base64":")";
     std::string bytes;
     for (std::size_t at = content.find(mark); at != std::string::npos;
@@ -212,6 +212,24 @@ TEST_F(AnonymousRecording, HasNoNameOfAPersonThatIsATermOfGit) {
         EXPECT_THAT(content, Not(HasSubstr(text)));
     }
     EXPECT_EQ(runNebsc({"replay", file}, {.folder = "/"}).exitStatus, 0);
+}
+
+TEST_F(AnonymousRecording, HasNoNameOfTheFolderOfGit) {
+    const TemporaryFolder home;
+    home.writeProgram("Wilhelmina/git",
+                      "#!/bin/sh\ncase \"$*\" in *--pretty*) kill -SEGV $$;; esac\n"
+                      "exec /usr/bin/git \"$@\"\n");
+    const std::string file = path("recording");
+    const NebscOutcome outcome =
+        runNebsc({"--record", file, "--anonymous", "log"},
+                 {.folder = repository.path(),
+                  .variables = {{"HOME", home.path("Wilhelmina")},
+                                {"PATH", home.path("Wilhelmina") + ":/usr/bin:/bin"}}});
+    EXPECT_THAT(outcome.errors, HasSubstr("was ended by signal 11"));
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("recording")));
+    expectNoNameIn(file, "folder of git");
+    const NebscOutcome replayed = runNebsc({"replay", file}, {.folder = "/"});
+    EXPECT_EQ(replayed.exitStatus, 0) << replayed.output;
 }
 
 TEST_F(AnonymousRecording, IsRefusedWhereWordsAreHidden) {

@@ -57,7 +57,7 @@ JSON jsonOfChild(const NEBSourceControlRecordedChild& child) {
     for (const std::string& variable : child.setVariables) {
         variables.push_back(jsonOfBytes(variableWithoutSecret(variable)));
     }
-    JSON json{{"program", child.launchPath},
+    JSON json{{"program", jsonOfBytes(child.launchPath)},
               {"arguments", jsonOfTexts(child.arguments)},
               {"folder", child.currentDirectoryPath
                              ? jsonOfBytes(withoutSecretBytes(*child.currentDirectoryPath))
@@ -90,7 +90,7 @@ JSON headerWith(const std::string& plugInVersion) {
             {"nebsc", NEBSC_VERSION},
             {"plugIn", plugInVersion},
             {"git", version.value_or("")},
-            {"home", home != nullptr ? home : ""}};
+            {"home", jsonOfBytes(home != nullptr ? home : "")}};
 }
 
 JSON lineOf(int request, const NEBSourceControlRecordedRun& run) {

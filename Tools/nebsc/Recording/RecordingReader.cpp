@@ -215,6 +215,7 @@ private:
         request.settings = reading.settings;
         request.settings.isBackgroundWork = line.at("background").boolean();
         request.outcome = outcome.object();
+        uniteBatches(request.outcome, request.delivered);
     }
 
     RecordingReading& _reading;
@@ -228,6 +229,15 @@ private:
 
 bool RecordedRequest::wasCancelled() const {
     return std::ranges::any_of(runs, &NEBSourceControlRecordedRun::wasCancelled);
+}
+
+void uniteBatches(JSON& outcome, JSON& delivered) {
+    if (!delivered.empty() && std::ranges::all_of(delivered, [](const JSON& record) {
+            return record == JSON::object();
+        })) {
+        delivered = JSON::array({JSON::object()});
+        outcome["recordCount"] = 1;
+    }
 }
 
 RecordingReading readRecording(std::istream& stream) {

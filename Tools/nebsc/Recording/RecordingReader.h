@@ -58,6 +58,10 @@ struct RecordingReading {
     std::string failure;
 };
 
+/// The lines of a patch are delivered as empty records, one for each batch of lines, whose number
+/// depends on time. Leaves one of them, also in the count of the outcome.
+void uniteBatches(nlohmann::ordered_json& outcome, nlohmann::ordered_json& delivered);
+
 /// Reads the file, of which nothing is taken for granted. An incomplete one is a failure.
 [[nodiscard]] RecordingReading readRecording(const std::string& path);
 

@@ -1,11 +1,13 @@
 #include "Recording/Replay.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "JSON/OutcomeJSON.h"
 #include "JSON/RequestJSON.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
+#include "Platform/PathString.h"
 #include "Recording/RequestText.h"
 #include "Recording/SecretRedaction.h"
 #include "Terminal/PrintableText.h"
@@ -114,6 +116,48 @@ void addDifference(const NEBSourceControlReplayDifference& difference,
     }
 }
 
+/// Returns the form in which texts are compared: without secrets and, in the line for the shell
+/// with which the plug-in lists a folder, without the folder of git.
+std::string comparedText(std::string_view text) {
+    const std::size_t listing = text.find(" ls-tree -z HEAD^{");
+    if (listing != std::string_view::npos && (text.front() == '/' || text.front() == '\'')) {
+        return "git" + withoutSecretBytes(text.substr(listing));
+    }
+    return withoutSecretBytes(text);
+}
+
+void replaceText(JSON& json, const std::string& old, const std::string& text) {
+    if (json.is_string()) {
+        auto& string = json.get_ref<std::string&>();
+        for (std::size_t at = string.find(old); at != std::string::npos;
+             at = string.find(old, at + text.size())) {
+            string.replace(at, old.size(), text);
+        }
+    } else if (json.is_structured()) {
+        for (auto& [name, member] : json.items()) {
+            replaceText(member, old, text);
+        }
+    }
+}
+
+/// Replaces the paths of the programs of this machine, which an error names in quotes, by the
+/// recorded ones.
+void restorePrograms(JSON& outcome, const std::vector<NEBSourceControlRecordedRun>& recorded) {
+    std::map<std::string, std::string> paths;  // by name
+    for (const NEBSourceControlRecordedRun& run : recorded) {
+        for (const NEBSourceControlRecordedChild& child : run.children) {
+            paths.emplace(lastPathComponent(child.launchPath), child.launchPath);
+        }
+    }
+    for (const JSON& command : outcome["commands"]) {
+        const std::string path = bytesOfJSON(command["launchPath"]);
+        const auto found = paths.find(lastPathComponent(path));
+        if (found != paths.end() && found->second != path) {
+            replaceText(outcome["error"], "\"" + path + "\"", "\"" + found->second + "\"");
+        }
+    }
+}
+
 /// Gives an operation of nebsc's own its recorded command line, which depended on the options of
 /// the command.
 void prepareOwn(NEBSourceControlTaskOperation& operation, const RecordedOperation& recorded) {
@@ -161,6 +205,7 @@ public:
     [[nodiscard]] JSON outcome() const {
         JSON json = JSON::parse(textOfOutcome(_outcome), nullptr, false);
         removeSecretsFrom(json);
+        restorePrograms(json, _recorded.runs);
         return json;
     }
     [[nodiscard]] const JSON& delivered() const { return _delivered; }
@@ -183,8 +228,7 @@ private:
     const HostSession& _session;
     const RecordedRequest& _recorded;
     const std::shared_ptr<NEBSourceControlPlayer> _player =
-        std::make_shared<NEBSourceControlPlayer>(_recorded.runs, _recorded.answers,
-                                                 withoutSecretBytes);
+        std::make_shared<NEBSourceControlPlayer>(_recorded.runs, _recorded.answers, comparedText);
     Outcome _outcome;
     JSON _delivered = JSON::array();
 };
@@ -211,6 +255,7 @@ ReplayedRequest replay(const HostSession& session, const RecordedRequest& record
         }
         result.outcome = performance.outcome();
         result.delivered = performance.delivered();
+        uniteBatches(result.outcome, result.delivered);
         const JSON records = resultOf(result.outcome, result.delivered);
         result.recordCount = records.is_array() ? records.size() : 0;
         compareResults(resultOf(recorded.outcome, recorded.delivered), records, result.differences);

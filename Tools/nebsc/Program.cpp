@@ -18,7 +18,6 @@
 #include "Help/HelpText.h"
 #include "JSON/OutcomeJSON.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
-#include "Recording/Anonymization.h"
 #include "Recording/LastFailure.h"
 #include "Recording/RecordingFile.h"
 #include "Session/PlugInLocation.h"
@@ -72,6 +71,11 @@ std::string refusalOfAnonymous(const Command& command, const Arguments& argument
                                      : "";
 }
 
+/// Whether the command makes no request that could be recorded.
+bool hasNoRecording(const Command& command) {
+    return &command == &replayCommand || &command == &reportCommand;
+}
+
 /// Runs the command, and records it with "--record".
 CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
                     const ParsedCommandLine& commandLine, const BrowseGateway* gateway) {
@@ -92,11 +96,12 @@ CommandOutput runIn(const HostSession& session, const PlugInFile& plugIn,
     if (!file) {
         return command.run(call);
     }
-    const RecordingFile::Change anonymize = [&session](auto& lines) {
-        return makeAnonymous(lines, session, ownOperation);
-    };
+    if (hasNoRecording(command)) {
+        return refusal("option '--record' cannot be used with '" + std::string(command.name) + "'",
+                       exitUsageError);
+    }
     RecordingFile recording(std::filesystem::absolute(*file),
-                            arguments.has(anonymousOption) ? anonymize : nullptr);
+                            anonymization(session, arguments.has(anonymousOption)));
     const auto& loaded = plugIn.load.plugIn;
     if (const auto failure = recording.open(loaded ? loaded->version() : "")) {
         return refusal(withSingleQuotes(failure->description), exitUsageError);

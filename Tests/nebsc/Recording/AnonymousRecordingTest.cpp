@@ -280,6 +280,46 @@ TEST_F(AnonymousRecording, IsAMemberOfTheServersRecord) {
                 HasSubstr("'record.file' is missing."));
 }
 
+TEST_F(AnonymousRecording, IsMadeFromAnotherRecording) {
+    const std::string file = path("plain");
+    EXPECT_EQ(runNebsc({"--record", file, "log"},
+                       {.folder = repository.path(), .variables = {{"HOME", path("Wilhelmina")}}})
+                  .exitStatus,
+              0);
+    const auto copied = [&](const std::string& from, const std::string& name) {
+        return runNebsc({"report", "--anonymous", "--from", from, path(name)}, {.folder = "/"});
+    };
+    const NebscOutcome outcome = copied(file, "copy");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_THAT(outcome.output,
+                testing::StartsWith("Copied: " + file + "\n  requests:          log\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("Names and texts are replaced"));
+    expectNoNameIn(path("copy"), "copy");
+    EXPECT_EQ(runNebsc({"replay", path("copy")}, {.folder = "/"}).exitStatus, 0);
+
+    expectFailed(copied(file, "copy"), HasSubstr("could not be created: File exists"), 2);
+    expectFailed(copied(path("missing"), "x"), HasSubstr("cannot be read: No such file"), 2);
+    std::string content = contentOfFile(file);
+    std::ofstream(path("part"), std::ios::binary) << content.substr(0, content.rfind("{\"kind\""));
+    expectFailed(copied(path("part"), "x"), HasSubstr("' is incomplete: after line "), 2);
+    const std::string old = "Vaporize";  // first in the output of git, then in the outcome
+    content.replace(content.find(old), old.size(), "Fluidize");
+    std::ofstream(path("other"), std::ios::binary) << content;
+    expectFailed(copied(path("other"), "x"), HasSubstr("the replay of request 1 differs: - {"));
+    EXPECT_FALSE(std::filesystem::exists(path("x")));
+}
+
+TEST_F(AnonymousRecording, IsMadeInAFolderThatIsNotUTF8) {
+    const std::string folder = path("caf\xE9 Toucan");
+    std::filesystem::copy(repository.path(), folder, std::filesystem::copy_options::recursive);
+    const std::string plain = path("plain"), copy = path("copy");
+    EXPECT_EQ(runNebsc({"--record", plain, "status"}, {.folder = folder}).exitStatus, 0);
+    EXPECT_EQ(replayed(plain).exitStatus, 0) << replayed(plain).errors;
+    EXPECT_EQ(runNebsc({"report", "--anonymous", "--from", plain, copy}, {}).errors, "");
+    expectNoNameIn(copy, "folder");
+    EXPECT_EQ(replayed(copy).exitStatus, 0) << replayed(copy).output;
+}
+
 TEST_F(AnonymousRecording, IsMadeByAReport) {
     const auto run = [this](const std::vector<std::string>& arguments) {
         return runNebsc(arguments, {.folder = repository.path(),

@@ -5,6 +5,7 @@
 #include "CommandFrame/StatusQuery.h"
 #include "CommandFrame/TreeQuery.h"
 #include "Commands/CloneWithoutSubmodules.h"
+#include "Recording/Anonymization.h"
 
 namespace neb::nebsc {
 
@@ -60,6 +61,13 @@ std::shared_ptr<NEBSourceControlTaskOperation> ownOperation(const std::string& c
         }
     }
     return nullptr;
+}
+
+RecordingFile::Change anonymization(const HostSession& session, bool isAnonymous) {
+    if (!isAnonymous) {
+        return nullptr;
+    }
+    return [&session](auto& lines) { return makeAnonymous(lines, session, ownOperation); };
 }
 
 }  // namespace neb::nebsc

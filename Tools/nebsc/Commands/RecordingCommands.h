@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CommandLine/Command.h"
+#include "Recording/RecordingReader.h"
 
 namespace neb::nebsc {
 
@@ -9,5 +10,10 @@ namespace neb::nebsc {
 extern const Command replayCommand;
 /// Records the command that failed last.
 extern const Command reportCommand;
+
+/// Sets HOME to the home folder of the recording, if it has one, because a location that begins
+/// with
+/// "~" names it. Must be called before the process has another thread.
+void useHomeOf(const RecordingReading& recording);
 
 }  // namespace neb::nebsc

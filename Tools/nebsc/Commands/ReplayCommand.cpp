@@ -72,10 +72,7 @@ CommandOutput run(const CommandCall& call) {
     if (!recording.failure.empty()) {
         return refusal("recording " + inQuotes(path) + " " + recording.failure, exitUsageError);
     }
-    // A location that begins with "~" names the folder of the recording. No other thread runs yet.
-    if (const std::string& home = recording.header.home; !home.empty()) {
-        ::setenv("HOME", home.c_str(), 1);
-    }
+    useHomeOf(recording);
     std::vector<ReplayedRequest> all;
     for (const RecordedRequest& request : recording.requests) {
         all.push_back(replay(call.session, request, ownOperation));
@@ -88,6 +85,12 @@ constexpr Parameter parameters[] = {
 };
 
 }  // namespace
+
+void useHomeOf(const RecordingReading& recording) {
+    if (const std::string& home = recording.header.home; !home.empty()) {
+        ::setenv("HOME", home.c_str(), 1);
+    }
+}
 
 constinit const Command replayCommand{
     .name = "replay",

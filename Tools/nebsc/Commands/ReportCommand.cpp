@@ -5,14 +5,17 @@
 #include "CommandLine/CommonOptions.h"
 #include "Commands/Commands.h"
 #include "Commands/InspectingCommands.h"
+#include "Commands/OwnOperations.h"
 #include "Commands/RecordingCommands.h"
 #include "NEBFoundation/NEBSourceControlChildEnvironment.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "Platform/ChildProcess.h"
 #include "Recording/LastFailure.h"
+#include "Recording/RecordingFile.h"
 #include "Recording/RecordingReader.h"
 #include "Session/ProgramFile.h"
+#include "Terminal/ErrorText.h"
 #include "Terminal/PrintableText.h"
 #include "Terminal/ShellText.h"
 
@@ -82,9 +85,9 @@ constexpr const char* contentsWithNames =
     "Passwords and tokens are replaced. File names, names of people, texts of commits and\n"
     "contents that git printed are part of the file: read it before you pass it on.\n";
 
-std::string summaryOf(const std::string& file, const RecordingReading& recording,
-                      const LastFailure& failure, const TerminationStatus& status,
-                      bool isAnonymous) {
+/// Describes the file; `origin` is the beginning, whole lines.
+std::string summaryOf(const std::string& origin, const std::string& file,
+                      const RecordingReading& recording, bool isAnonymous) {
     const Contents contents = contentsOf(recording);
     std::string names;
     for (const auto& [name, count] : contents.requests) {
@@ -92,9 +95,7 @@ std::string summaryOf(const std::string& file, const RecordingReading& recording
                  (count > 1 ? " (" + std::to_string(count) + " times)" : "");
     }
     std::error_code ignored;
-    return "Recorded again: " + printable(textOf(failure)) + "\n" +
-           "  result:            " + status.description() + "\n" +
-           "  requests:          " + (names.empty() ? "none" : names) + "\n" +
+    return origin + "  requests:          " + (names.empty() ? "none" : names) + "\n" +
            "  processes of git:  " + std::to_string(contents.processes) + "\n" +
            "  output of git:     " + std::to_string(contents.outputBytes) + " bytes\n" +
            "  answers on files:  " + std::to_string(contents.answers) + "\n" +
@@ -105,7 +106,30 @@ std::string summaryOf(const std::string& file, const RecordingReading& recording
            (isAnonymous ? contentsOfAnonymous : contentsWithNames) + "Nothing was sent.\n";
 }
 
-CommandOutput run(const CommandCall& call) {
+/// Copies a recording, without secrets that an older version or another program left in it.
+CommandOutput copyRecording(const CommandCall& call, const std::string& from,
+                            const std::string& file) {
+    std::vector<nlohmann::ordered_json> lines;
+    const RecordingReading recording = readRecording(from, &lines);
+    if (!recording.failure.empty()) {
+        return refusal("recording " + inQuotes(from) + " " + recording.failure, exitUsageError);
+    }
+    useHomeOf(recording);
+    const bool isAnonymous = call.arguments.has(anonymousOption);
+    RecordingFile copy(file, anonymization(call.session, isAnonymous));
+    if (const auto failure = copy.openCopy(std::move(lines))) {
+        return refusal(withSingleQuotes(failure->description), exitUsageError);
+    }
+    if (const auto failure = copy.finish()) {
+        return refusal(withSingleQuotes(failure->description), exitFailed);
+    }
+    return {.standardOutput = summaryOf("Copied: " + printable(from) + "\n", file,
+                                        readRecording(file), isAnonymous),
+            .standardError = {}};
+}
+
+/// Runs the command that failed last again, and records it.
+CommandOutput recordLastFailure(const CommandCall& call, const std::string& file) {
     const auto failure = lastFailure();
     if (!failure) {
         return refusal("no failure is known", exitFailed);
@@ -116,7 +140,6 @@ CommandOutput run(const CommandCall& call) {
                 (failure->hadSecret ? ", which had a password" : ", which may change something"),
             "Run it with '--record FILE' to record it.", NEBSourceControlUnknownErrorClass.text());
     }
-    const std::string file = std::filesystem::absolute(call.arguments.value("FILE").value_or(""));
     const bool isAnonymous = call.arguments.has(anonymousOption);
     const ChildOutcome outcome = runAgain(*failure, file, isAnonymous);
     const TerminationStatus& status = outcome.status;
@@ -129,12 +152,21 @@ CommandOutput run(const CommandCall& call) {
         refused.standardError.insert(0, std::string(outcome.errorOutput));
         return refused;
     }
-    return {.standardOutput = summaryOf(file, recording, *failure, status, isAnonymous),
-            .standardError = {}};
+    const std::string origin = "Recorded again: " + printable(textOf(*failure)) + "\n" +
+                               "  result:            " + status.description() + "\n";
+    return {.standardOutput = summaryOf(origin, file, recording, isAnonymous), .standardError = {}};
+}
+
+CommandOutput run(const CommandCall& call) {
+    const std::string file = std::filesystem::absolute(call.arguments.value("FILE").value_or(""));
+    const auto from = call.arguments.value("--from");
+    return from ? copyRecording(call, *from, file) : recordLastFailure(call, file);
 }
 
 constexpr Parameter parameters[] = {
     {"FILE", "The new file for the recording", Takes::pathAsWritten, Occurs::once},
+    {"--from", "Copy this recording instead of recording again", Takes::pathAsWritten,
+     Occurs::optionally, "RECORDING"},
 };
 
 }  // namespace
@@ -145,14 +177,15 @@ constinit const Command reportCommand{
     .summary = "Record the command that failed last, for a bug report",
     .details =
         "Runs the last command of nebsc that failed again, with '--record FILE', if it\n"
-        "only reads. Prints what the file contains; sends nothing. docs/recordings.md\n"
-        "describes recordings.\n"
+        "only reads. With '--from', copies a recording, for example one that another\n"
+        "program has written. Prints what the file contains; sends nothing.\n"
+        "docs/recordings.md describes recordings.\n"
         "\n"
         "Example:\n"
         "  nebsc report failure.recording\n"
-        "  nebsc report --anonymous failure.recording    without names and texts\n",
+        "  nebsc report --anonymous failure.recording    without names and texts\n"
+        "  nebsc report --anonymous --from log.recording copy.recording\n",
     .parameters = parameters,
-    .needsPlugIn = false,
     .run = run,
 };
 

@@ -172,6 +172,7 @@ public:
 
     /// Throws NotAnonymous.
     Lines lines() {
+        checkRecorded();
         constexpr int mostRounds = 100;
         for (int i = 0; i < mostRounds; ++i) {
             Lines lines = mappedLines();
@@ -298,6 +299,17 @@ private:
             }
         }
         _mapping.keep(constants);
+    }
+
+    /// Throws NotAnonymous if a recorded outcome is not that of a replay, which would replace it.
+    void checkRecorded() const {
+        for (const RecordedRequest& request : readingOf(_recorded).requests) {
+            const ReplayedRequest replayed = replay(_session, request, _makeOwn);
+            if (!replayed.differences.empty()) {
+                throw NotAnonymous("the replay of request " + std::to_string(request.number) +
+                                   " differs: " + replayed.differences.front());
+            }
+        }
     }
 
     /// Throws NotAnonymous if the lines have a word that was to be replaced, or if an outcome has

@@ -26,11 +26,8 @@ double millisecondsOf(std::chrono::nanoseconds duration) {
 
 JSON jsonOfTexts(const std::vector<std::string>& texts) {
     JSON array = JSON::array();
-    bool isSecret = false;  // what follows the name of a setting is its value
     for (const std::string& text : texts) {
-        array.push_back(
-            jsonOfBytes(isSecret ? std::string(text.size(), 'x') : withoutSecretBytes(text)));
-        isSecret = isSecret || isSecretSetting(text);
+        array.push_back(jsonOfBytes(text));
     }
     return array;
 }
@@ -45,31 +42,19 @@ JSON jsonOfStatus(const TerminationStatus& status) {
     return {{status.started() ? "unknown" : "notStarted", status.description()}};
 }
 
-/// `git config NAME` prints only the value.
-JSON jsonOfOutput(const NEBSourceControlRecordedChild& child) {
-    const bool isSecret = std::ranges::any_of(child.arguments, isSecretSetting);
-    return jsonOfBytes(isSecret ? std::string(child.output.size(), 'x')
-                                : withoutSecretBytes(child.output));
-}
-
 JSON jsonOfChild(const NEBSourceControlRecordedChild& child) {
-    JSON variables = JSON::array();
-    for (const std::string& variable : child.setVariables) {
-        variables.push_back(jsonOfBytes(variableWithoutSecret(variable)));
-    }
     JSON json{{"program", jsonOfBytes(child.launchPath)},
               {"arguments", jsonOfTexts(child.arguments)},
-              {"folder", child.currentDirectoryPath
-                             ? jsonOfBytes(withoutSecretBytes(*child.currentDirectoryPath))
-                             : JSON(nullptr)},
-              {"set", std::move(variables)},
-              {"removed", child.removedVariables},
+              {"folder", child.currentDirectoryPath ? jsonOfBytes(*child.currentDirectoryPath)
+                                                    : JSON(nullptr)},
+              {"set", jsonOfTexts(child.setVariables)},
+              {"removed", jsonOfTexts(child.removedVariables)},
               {"status", jsonOfStatus(child.status)},
               {"milliseconds", millisecondsOf(child.duration)},
-              {"output", jsonOfOutput(child)},
-              {"errorOutput", jsonOfBytes(withoutSecretBytes(child.errorOutput))}};
+              {"output", jsonOfBytes(child.output)},
+              {"errorOutput", jsonOfBytes(child.errorOutput)}};
     if (child.input) {
-        json["input"] = jsonOfBytes(withoutSecretBytes(*child.input));
+        json["input"] = jsonOfBytes(*child.input);
     }
     if (child.outputWasHeldOpen) {
         json["outputWasHeldOpen"] = true;
@@ -126,9 +111,8 @@ JSON jsonOfOwn(const OwnOperation& own) {
     JSON json{{"operation", own.operation->className()}, {"isChecked", own.isChecked}};
     if (const auto* task = dynamic_cast<NEBSourceControlTaskOperation*>(own.operation)) {
         json["arguments"] = jsonOfTexts(task->arguments());
-        json["folder"] = task->currentDirectoryPath()
-                             ? jsonOfBytes(withoutSecretBytes(*task->currentDirectoryPath()))
-                             : JSON(nullptr);
+        json["folder"] = task->currentDirectoryPath() ? jsonOfBytes(*task->currentDirectoryPath())
+                                                      : JSON(nullptr);
     }
     return json;
 }
@@ -147,8 +131,8 @@ public:
                   file.write({{"kind", "answer"},
                               {"request", number},
                               {"question", answer.question},
-                              {"subject", jsonOfBytes(withoutSecretBytes(answer.subject))},
-                              {"answer", jsonOfBytes(withoutSecretBytes(answer.answer))}});
+                              {"subject", jsonOfBytes(answer.subject)},
+                              {"answer", jsonOfBytes(answer.answer)}});
               }),
           _file(file),
           _number(number) {}
@@ -185,6 +169,25 @@ private:
 };
 
 std::optional<FileFailure> RecordingFile::open(const std::string& plugInVersion) {
+    auto failure = openDraft();
+    if (!failure) {
+        write(headerWith(plugInVersion));
+    }
+    return failure;
+}
+
+std::optional<FileFailure> RecordingFile::openCopy(std::vector<JSON> lines) {
+    auto failure = openDraft();
+    if (!failure) {
+        lines.pop_back();
+        for (JSON& line : lines) {
+            write(std::move(line));
+        }
+    }
+    return failure;
+}
+
+std::optional<FileFailure> RecordingFile::openDraft() {
     std::error_code ignored;
     const std::string what = "The recording \"" + path() + "\" could not be created";
     if (std::filesystem::exists(std::filesystem::symlink_status(path(), ignored))) {
@@ -194,14 +197,12 @@ std::optional<FileFailure> RecordingFile::open(const std::string& plugInVersion)
         return FileFailure::of(failure->errorNumber, what);
     }
     constexpr mode_t onlyForTheOwner = 0600;
-    MutexLock lock(_mutex);
+    const MutexLock lock(_mutex);
     _draft = FileDescriptor(
         ::open(_file.draft().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, onlyForTheOwner));
     if (!_draft.isOpen()) {
         return FileFailure::of(errno, what);
     }
-    lock.unlock();
-    write(headerWith(plugInVersion));
     return std::nullopt;
 }
 
@@ -260,7 +261,7 @@ std::optional<FileFailure> RecordingFile::finish() {
     write({{"kind", "end"}, {"lines", lineCount() + 1}});
     const MutexLock lock(_mutex);
     if (const std::string reason = _change ? writeChanged() : ""; !reason.empty()) {
-        return FileFailure{ECANCELED, what + ": " + reason + "."};
+        return FileFailure{ECANCELED, what + ": " + reason + (reason.ends_with('.') ? "" : ".")};
     }
     const int lateFailure = _draft.close();
     if (_failure != 0 || lateFailure != 0) {

@@ -47,6 +47,9 @@ public:
     /// Creates the draft and writes its first line, with the version of the plug-in and, which runs
     /// it, of git. Returns the failure, if any.
     [[nodiscard]] std::optional<FileFailure> open(const std::string& plugInVersion);
+    /// Creates the draft, and writes the lines of a complete recording but the last, which finish()
+    /// writes. Returns the failure, if any.
+    [[nodiscard]] std::optional<FileFailure> openCopy(std::vector<nlohmann::ordered_json> lines);
     /// Returns an interceptor for what belongs to no request. In its scope, requests are recorded.
     /// The file must outlive it.
     [[nodiscard]] std::shared_ptr<Interceptor> interceptor();
@@ -58,6 +61,7 @@ public:
 private:
     class Recording;
 
+    [[nodiscard]] std::optional<FileFailure> openDraft();
     [[nodiscard]] std::shared_ptr<RequestRecording> begin(const NEBSourceControlRequest& request,
                                                           const OwnOperation& own);
     /// Removes secrets from the JSON, and writes it on a line.

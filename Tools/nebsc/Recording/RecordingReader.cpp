@@ -240,15 +240,18 @@ void uniteBatches(JSON& outcome, JSON& delivered) {
     }
 }
 
-RecordingReading readRecording(std::istream& stream) {
+RecordingReading readRecording(std::istream& stream, std::vector<JSON>* lines) {
     RecordingReading reading;
     Reader reader(reading);
     int number = 0;
     for (std::string line; reading.failure.empty() && std::getline(stream, line);) {
         ++number;
         try {
-            const JSON json = jsonOfLine(line);
+            JSON json = jsonOfLine(line);
             reader.read(RecordingMember(json));
+            if (lines != nullptr) {
+                lines->push_back(std::move(json));
+            }
         } catch (const InvalidMember& invalid) {
             reading.failure =
                 "has an invalid line " + std::to_string(number) + ": " + invalid.what();
@@ -262,7 +265,7 @@ RecordingReading readRecording(std::istream& stream) {
     return reading;
 }
 
-RecordingReading readRecording(const std::string& path) {
+RecordingReading readRecording(const std::string& path, std::vector<JSON>* lines) {
     std::error_code ignored;
     errno = 0;
     std::ifstream file(path, std::ios::binary);
@@ -271,7 +274,7 @@ RecordingReading readRecording(const std::string& path) {
         reading.failure = "cannot be read: " + textOfErrno(file ? EISDIR : errno);
         return reading;
     }
-    return readRecording(file);
+    return readRecording(file, lines);
 }
 
 }  // namespace neb::nebsc

@@ -62,10 +62,13 @@ struct RecordingReading {
 /// depends on time. Leaves one of them, also in the count of the outcome.
 void uniteBatches(nlohmann::ordered_json& outcome, nlohmann::ordered_json& delivered);
 
-/// Reads the file, of which nothing is taken for granted. An incomplete one is a failure.
-[[nodiscard]] RecordingReading readRecording(const std::string& path);
+/// Reads the file, of which nothing is taken for granted. An incomplete one is a failure. Unless
+/// null, `lines` gets the JSON of each line.
+[[nodiscard]] RecordingReading readRecording(const std::string& path,
+                                             std::vector<nlohmann::ordered_json>* lines = nullptr);
 
 /// Reads a recording from a stream.
-[[nodiscard]] RecordingReading readRecording(std::istream& stream);
+[[nodiscard]] RecordingReading readRecording(std::istream& stream,
+                                             std::vector<nlohmann::ordered_json>* lines = nullptr);
 
 }  // namespace neb::nebsc

@@ -13,6 +13,8 @@ namespace neb::nebsc {
 
 namespace {
 
+using JSON = nlohmann::ordered_json;
+
 constexpr auto npos = std::string_view::npos;
 constexpr char replacement = 'x';
 
@@ -114,13 +116,48 @@ void replaceTokens(std::string& text) {
 }
 
 /// Returns the bytes of a string or of {"base64": "…"}; absent for other JSON.
-std::optional<std::string> bytesIn(const nlohmann::ordered_json& json) {
+std::optional<std::string> bytesIn(const JSON& json) {
     if (json.is_string()) {
         return json.get<std::string>();
     }
     const bool isBase64 = json.is_object() && json.size() == 1 && json.contains("base64") &&
                           json["base64"].is_string();
     return isBase64 ? bytesOfBase64(json["base64"].get_ref<const std::string&>()) : std::nullopt;
+}
+
+void replaceAll(JSON& json) {
+    if (const auto bytes = bytesIn(json)) {
+        json = std::string(bytes->size(), replacement);
+    }
+}
+
+/// Returns the elements of an array member; an empty array without one.
+JSON& elementsOf(JSON& object, const char* name, JSON& none) {
+    const auto member = object.find(name);
+    return member != object.end() && member->is_array() ? *member : none;
+}
+
+/// Replaces what only the other members of a child process show to be secret: the values of
+/// variables, and the arguments that follow the name of a setting and its output, as
+/// `git config NAME` takes and prints them.
+void removeSecretsOfChild(JSON& object) {
+    JSON none = JSON::array();
+    bool isSecret = false;
+    for (JSON& argument : elementsOf(object, "arguments", none)) {
+        if (isSecret) {
+            replaceAll(argument);
+        }
+        const auto bytes = bytesIn(argument);
+        isSecret = isSecret || (bytes && isSecretSetting(*bytes));
+    }
+    if (const auto output = object.find("output"); isSecret && output != object.end()) {
+        replaceAll(*output);
+    }
+    for (JSON& variable : elementsOf(object, "set", none)) {
+        if (const auto bytes = bytesIn(variable)) {
+            variable = jsonOfBytes(variableWithoutSecret(*bytes));
+        }
+    }
 }
 
 }  // namespace
@@ -157,10 +194,13 @@ bool isSecretSetting(std::string_view text) {
                                [&lower](std::string_view name) { return lower.ends_with(name); });
 }
 
-void removeSecretsFrom(nlohmann::ordered_json& json) {
+void removeSecretsFrom(JSON& json) {
     if (const auto bytes = bytesIn(json)) {
         json = jsonOfBytes(withoutSecretBytes(*bytes));
         return;
+    }
+    if (json.is_object()) {
+        removeSecretsOfChild(json);
     }
     const bool isSecret = json.is_object() && std::ranges::any_of(json, [](const auto& member) {
                               return member.is_string() &&

@@ -25,7 +25,9 @@ namespace neb::nebsc {
 [[nodiscard]] bool isSecretSetting(std::string_view text);
 
 /// Replaces the secrets in all strings of the JSON. In an object with the name of a secret setting,
-/// the members whose names contain "Value" are replaced, too.
+/// the members whose names contain "Value" are replaced, too. In an object of a child process, the
+/// "arguments" after such a name, the "output" of such a process and the variables in "set" are
+/// replaced as described above.
 void removeSecretsFrom(nlohmann::ordered_json& json);
 
 }  // namespace neb::nebsc

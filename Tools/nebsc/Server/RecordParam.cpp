@@ -6,7 +6,6 @@
 #include "Commands/OwnOperations.h"
 #include "JSON/OutcomeJSON.h"
 #include "Platform/PathString.h"
-#include "Recording/Anonymization.h"
 #include "Recording/RecordingFile.h"
 #include "Server/RPCMessage.h"
 #include "Server/RequestResponse.h"
@@ -70,10 +69,7 @@ std::string recordedResponseTo(const Job& job, const RecordParam& record,
     if (!record.path) {
         return responseTo(job, perform());
     }
-    const RecordingFile::Change anonymize = [&session](auto& lines) {
-        return makeAnonymous(lines, session, ownOperation);
-    };
-    RecordingFile file(*record.path, record.isAnonymous ? anonymize : nullptr);
+    RecordingFile file(*record.path, anonymization(session, record.isAnonymous));
     if (const auto failure = file.open(plugInVersion)) {
         return rpcError(job.id(), RPCErrorCode::invalidParams, failure->description);
     }

@@ -234,6 +234,18 @@ local function run_editor(commands)
   return harness.run(arguments)
 end
 
+function tests.CrashIsReportedOnce()
+  harness.commit({ file = "1\n" })
+  harness.open_status()
+  local pid = server.pid()
+  uv.kill(pid, "sigstop")
+  harness.press("R")
+  uv.kill(pid, "sigkill")
+  harness.go_to("The working copy could not be read")
+  local _, count = harness.messages():gsub("ended unexpectedly", "")
+  harness.equal(1, count)
+end
+
 function tests.ExitEndsTheServer()
   local output = run_editor({
     "lua require('nebgit.server').request('sourceControl/plan', { type = 15 }, function() end)",

@@ -56,9 +56,10 @@ function M.text_of(failure)
   return table.concat(parts, "\n")
 end
 
--- Shows a failure of requests.lua. A cancelled request is no failure for the user.
+-- Shows a failure of requests.lua, unless it was shown. A cancelled request is no failure for the
+-- user.
 function M.failure(failure)
-  if failure.class ~= "cancelled" then
+  if failure.class ~= "cancelled" and not failure.is_shown then
     M.error(M.text_of(failure))
   end
 end

@@ -61,11 +61,12 @@ local function kill(process)
   end
 end
 
-local function fail_all(process, reason)
+-- Fails the requests for the reason, which was shown to the user if is_shown.
+local function fail_all(process, reason, is_shown)
   local pending = process.pending
   process.pending, process.queue = {}, {}
   for _, request in pairs(pending) do
-    request.callback({ message = reason, class = "server" })
+    request.callback({ message = reason, class = "server", is_shown = is_shown })
   end
 end
 
@@ -104,7 +105,7 @@ local function ended(process, code, signal)
   local text = ("the server 'nebsc serve' ended unexpectedly (%s)"):format(how)
   local details = vim.trim(table.concat(process.diagnostics))
   messages.error(details == "" and text or text .. ":\n" .. details:sub(-1000))
-  fail_all(process, text)
+  fail_all(process, text, true)
 end
 
 local function handle_response(process, message)
@@ -280,7 +281,7 @@ end
 
 -- Sends a request and calls callback(failure, result) once, on the main loop. The failure has
 -- `message` and `class`: "server" if it cannot be started or ended, "cancelled", or "protocol";
--- with the `code` of JSON-RPC if the server refused.
+-- with the `code` of JSON-RPC if the server refused, and `is_shown` if the user has seen it.
 -- settings.progress(value) is called for $/progress with settings.token.
 -- Returns a function that cancels the request.
 function M.request(method, params, callback, settings)

@@ -104,8 +104,11 @@ export async function serve(folder, ...args) {
         child.stderr.on("data", read);
         child.on("exit", () => reject(new Error(`nebsc browse has ended: ${text}`)));
     });
+    // A test that failed before it ended the server would keep node running.
+    for (const handle of [child, child.stdout, child.stderr]) handle.unref();
     const end = async () => {
         if (child.exitCode !== null || child.signalCode !== null) return;
+        child.ref();
         child.kill("SIGTERM");
         await once(child, "exit");
     };

@@ -18,8 +18,6 @@ export class OutcomeError extends Error {
     }
 }
 
-const RETRY_MILLISECONDS = 1000;
-
 /**
  * Sends requests and receives responses. Events: "open" when a session began, "lost" when it ended, and the
  * notifications of the server by method.
@@ -32,12 +30,20 @@ export class Connection extends EventTarget {
 
     /** Connects; from then on, the hub connects again when a session ends. */
     connect() {
-        this.#port = hubPort(() => {
+        const worker = sharedWorker();
+        if (worker === null) return this.#use(ownHub());
+        worker.addEventListener("error", () => {
             this.#end();
-            setTimeout(() => this.connect(), RETRY_MILLISECONDS);
+            this.#use(ownHub());
         });
-        this.#port.onmessage = ({ data }) => this.#accept(data);
+        this.#use(worker.port);
         this.#showLife();
+    }
+
+    #use(port) {
+        if (this.#port) this.#port.onmessage = null;
+        this.#port = port;
+        port.onmessage = ({ data }) => this.#accept(data);
     }
 
     get isOpen() {
@@ -131,14 +137,23 @@ export class Connection extends EventTarget {
     }
 }
 
-/** Returns a port of the hub: in a worker that all pages of the browser share, or, without such workers, in this page. */
-function hubPort(failed) {
-    if (!globalThis.SharedWorker) {
-        const { port1, port2 } = new MessageChannel();
-        new Hub().add(port2);
-        return port1;
+/**
+ * Returns the worker that all pages of the browser share; null where the browser has none, or no locks, without which the
+ * worker would not know when a page is gone.
+ */
+function sharedWorker() {
+    if (!globalThis.SharedWorker || !navigator.locks) return null;
+    try {
+        return new SharedWorker("hub-worker.js", { type: "module", name: "nebsc" });
+    } catch {
+        // The browser refuses workers, for example in a private window.
+        return null;
     }
-    const worker = new SharedWorker("hub-worker.js", { type: "module", name: "nebsc" });
-    worker.addEventListener("error", failed);
-    return worker.port;
+}
+
+/** Returns a port of a hub in this page, which ends with it. */
+function ownHub() {
+    const { port1, port2 } = new MessageChannel();
+    new Hub().add(port2);
+    return port1;
 }

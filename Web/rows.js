@@ -32,10 +32,11 @@ export function placeRows(rows, lanes) {
 
 /** Packs rows and unpacks them; one packer serves all pages of a list, whose authors repeat. */
 export class RowPacker {
+    #compression = compression();
     #authors = [];
     #indexes = new Map();
 
-    /** Returns {count, ids, text, bytes}: the ids, the other fields compressed, and the number of bytes. */
+    /** Returns {count, ids, text, bytes}: the ids, the other fields, compressed if possible, and the number of bytes. */
     async pack(rows) {
         const size = rows[0].id.length / 2;
         const ids = new Uint8Array(rows.length * size);
@@ -43,7 +44,7 @@ export class RowPacker {
             writeHex(ids, index * size, row.id);
             return this.#fieldsOf(row, rows[index + 1]?.id);
         });
-        const text = await piped(new TextEncoder().encode(JSON.stringify(fields)), new CompressionStream("deflate-raw"));
+        const text = await transformed(new TextEncoder().encode(JSON.stringify(fields)), this.#compression?.pack);
         return { count: rows.length, ids, text, bytes: ids.length + text.length };
     }
 
@@ -51,7 +52,7 @@ export class RowPacker {
     async unpack(page) {
         const size = page.ids.length / page.count;
         const idAt = (index) => readHex(page.ids, index * size, size);
-        const text = await piped(page.text, new DecompressionStream("deflate-raw"));
+        const text = await transformed(page.text, this.#compression?.unpack);
         return JSON.parse(new TextDecoder().decode(text)).map(
             ([subjectText, authorIndex, time, zone, parents, refs = [], head = 0, file], index) => ({
                 id: idAt(index), subject: subjectText, author: this.#authors[authorIndex], time, offset: zone,
@@ -80,8 +81,20 @@ export class RowPacker {
     }
 }
 
-async function piped(bytes, transform) {
-    return new Uint8Array(await new Response(new Blob([bytes]).stream().pipeThrough(transform)).arrayBuffer());
+/** Returns functions that make streams; null in browsers that cannot compress, whose rows take more memory. */
+function compression() {
+    const format = "deflate-raw";
+    try {
+        new CompressionStream(format);
+    } catch {
+        return null;
+    }
+    return { pack: () => new CompressionStream(format), unpack: () => new DecompressionStream(format) };
+}
+
+async function transformed(bytes, makeStream) {
+    if (makeStream === undefined) return bytes;
+    return new Uint8Array(await new Response(new Blob([bytes]).stream().pipeThrough(makeStream())).arrayBuffer());
 }
 
 function writeHex(bytes, start, text) {

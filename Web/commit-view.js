@@ -10,6 +10,8 @@ const EMPTY_TREES = {
     40: "4b825dc642cb6eb9a060e54bf8d69288fbee4904",
     64: "6ef19b41225c5369f1c104d45d8d85efa9b057b53b14b4b9b939dd74decc5321",
 };
+/** A longer subject scrolls. */
+const LONG_SUBJECT = 500;
 let splits = false;
 
 export function openCommit(app, [id], values) {
@@ -104,7 +106,9 @@ class CommitView {
                 person(commit.committer, commit.committerEmail, commit.committerTime, commit.committerTimeOffset)];
         const references = (commit.references ?? []).filter((name) => !isRemoteHead(name)).map((name) =>
             element("a", { href: address("log", [], { branch: name }) }, referenceElement(name)));
-        return element("header", {}, element("h1", {}, element("bdi", {}, visible(commit.subject ?? "(no message)"))),
+        const subject = visible(commit.subject ?? "(no message)");
+        const isLong = subject.length > LONG_SUBJECT;
+        return element("header", {}, element(isLong ? "h1.long" : "h1", { tabindex: isLong && "0" }, element("bdi", {}, subject)),
             commit.body ? element("pre.message", { tabindex: "0", role: "group", "aria-label": "Message" }, commit.body.trim()) : null,
             element("dl.facts", {},
                 element("dt", {}, "Commit"), element("dd", {}, element("code", {}, commit.objectID), " ", this.#copyButton(),

@@ -1,6 +1,6 @@
 // The form above the history: what to search for, and which commits.
 import { element, show, visible } from "./elements.js";
-import { nameIn, record, request, shortReference, Type } from "./records.js";
+import { isRemoteHead, nameIn, record, request, shortReference, Type } from "./records.js";
 import { address, textOf } from "./route.js";
 
 const kinds = [["message", "Message"], ["author", "Author"], ["content", "Content"]];
@@ -14,7 +14,7 @@ export function filterForm(app, values) {
     const input = (type, label, value, more = {}) =>
         element("input", { type, value: value && textOf(value), "aria-label": label, placeholder: label, ...more });
     const text = input("search", "Search", given);
-    const path = input("text", "Path", values.path);
+    const path = input("text", "Path", values.path, { placeholder: "File or folder" });
     const since = input("date", "Since", values.since, { title: "Since" });
     const until = input("date", "Until", values.until, { title: "Until" });
     const branch = element("select", { "aria-label": "Branch" });
@@ -33,7 +33,7 @@ export function filterForm(app, values) {
     branch.addEventListener("change", () => go());
     const isFiltered = Boolean(values.path || values.since || values.until);
     const more = element("details.more", { open: isFiltered }, element("summary", {}, "Filter"),
-        element("div.fields", {}, path, since, element("span", { "aria-hidden": "true" }, "–"), until));
+        element("div.fields", {}, path, element("label", {}, "since ", since), element("label", {}, "until ", until)));
     const clear = given || isFiltered || values.branch
         ? element("a.button", { href: address("log") }, "Clear") : null;
     refresh();
@@ -52,7 +52,7 @@ async function fillBranches(app, select, names, chosen) {
         const { result } = await app.connection.perform({ ...request(Type.references), background: true });
         names.clear();
         const groups = { branch: [], remote: [], tag: [], other: [] };
-        for (const entry of record(result).slice(0, MAX_REFERENCES)) {
+        for (const entry of record(result).filter((one) => !isRemoteHead(one.name)).slice(0, MAX_REFERENCES)) {
             names.set(entry.name, nameIn(entry, "name"));
             const { name, kind } = shortReference(entry.name);
             groups[kind].push(option(entry.name, visible(name)));

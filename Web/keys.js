@@ -1,4 +1,4 @@
-// The keys of the page, and the dialog that lists them.
+// The keys of the page, and the dialog that lists them and explains signs.
 import { element } from "./elements.js";
 import { address } from "./route.js";
 
@@ -10,6 +10,12 @@ const inList = [["j, ↓ and k, ↑", "Next and previous entry"], ["Enter", "Ope
 const inDiff = [
     ["n and p", "Next and previous file"], ["o", "Fold or unfold the file"], ["s", "Side by side or unified"], ["w", "Ignore white space"],
     ["f", "The first parent of the commit"],
+];
+const signs = [
+    ["HEAD", "The commit that is checked out"], ["◂", "The line as it was before the commit"],
+    ["⊘", "No line end at the end of the file"], ["+3 −1", "Added and deleted lines"],
+    ["[U+202E]", "A character that would change the direction of text"],
+    ["inspect", "git runs no program that the repository names, such as filters; with 'nebsc browse --trust' it does"],
 ];
 const goTo = { h: ["log", []], f: ["tree", ["HEAD"]], b: ["branches", []], c: ["changes", []] };
 
@@ -35,15 +41,17 @@ export function installKeys(app) {
     document.getElementById("help").addEventListener("click", () => showHelp(app));
 }
 
-function showHelp(app) {
+/** Opens the dialog. */
+export function showHelp(app) {
     const table = (title, rows) => [
         element("h3", {}, title),
         element("dl.keys", {}, rows.map(([keys, text]) => [element("dt", {}, keys), element("dd", {}, text)])),
     ];
     const close = element("button", { type: "button", click: () => dialog.close() }, "Close");
     const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => closed() },
-        element("h2", { id: "help-title" }, "Keyboard shortcuts"),
-        table("Everywhere", general), table("In lists", inList), table("In changes", inDiff), close);
+        element("h2", { id: "help-title" }, "Help"),
+        element("p", {}, "The page shows the repository as it is, follows its changes, and changes nothing."),
+        table("Keys everywhere", general), table("Keys in lists", inList), table("Keys in changes", inDiff), table("Signs", signs), close);
     const closed = () => {
         dialog.remove();
         // What had the focus is gone if another view was opened meanwhile.

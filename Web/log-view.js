@@ -11,6 +11,7 @@ import { VirtualList } from "./virtual-list.js";
 
 const ROW_HEIGHT = 26;
 const NARROW = 600;
+const NO_MATCH = "No commits match. Change the search, the branch or the filter, or clear them.";
 
 /** Returns the request of the values of an address. */
 export function logRequest(values) {
@@ -152,6 +153,7 @@ class LogView {
         if (isAtEnd) list.select(history.count - 1);
         if (history.isComplete) this.#wantsAll = false;
         if (history.isComplete && history.error) show(this.problem, errorElement(history.error));
+        else if (history.isComplete && history.count === 0) show(this.problem, element("p.remark", {}, NO_MATCH));
         this.#showStatus();
     }
 

@@ -5,7 +5,7 @@ import { Connection } from "./connection.js";
 import { element, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { openFile } from "./file-view.js";
-import { installKeys } from "./keys.js";
+import { installKeys, showHelp } from "./keys.js";
 import { openLog } from "./log-view.js";
 import { openReferences } from "./references-view.js";
 import { address, parse } from "./route.js";
@@ -98,7 +98,8 @@ function showRepository() {
     show(node, element("bdi", {}, visible(name)));
     node.title = folder;
     if (trust === "inspect") {
-        node.append(element("span.trust", { title: "No program that the repository names runs." }, "inspect"));
+        node.after(element("button.trust", { type: "button", click: () => showHelp(app), title: "No program that the repository names runs." },
+            "inspect"));
     }
 }
 

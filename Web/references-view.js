@@ -1,7 +1,7 @@
 // Branches, remote branches and tags.
 import { dateElement, element, referenceElement, show, visible } from "./elements.js";
 import { ListView } from "./list-view.js";
-import { nameIn, record, request, shortReference, Type } from "./records.js";
+import { isRemoteHead, nameIn, record, request, shortReference, Type } from "./records.js";
 import { address } from "./route.js";
 
 const title = "Branches and tags";
@@ -23,7 +23,8 @@ class ReferencesView extends ListView {
     }
 
     async read() {
-        return record((await this.app.connection.perform({ ...request(Type.references), background: true })).result);
+        const { result } = await this.app.connection.perform({ ...request(Type.references), background: true });
+        return record(result).filter((entry) => !isRemoteHead(entry.name));
     }
 
     addressOf(entry) {
@@ -35,7 +36,7 @@ class ReferencesView extends ListView {
         const notes = [entry.isCurrent ? "current" : "", entry.ahead ? `${entry.ahead} ahead` : "",
             entry.behind ? `${entry.behind} behind` : "", entry.upstreamIsGone ? "upstream is gone" : ""].filter(Boolean);
         show(node, element("span.subject", {}, referenceElement(entry.name),
-            notes.length ? element("span.path", {}, notes.join(", ")) : null, element("bdi", {}, visible(entry.subject ?? ""))),
+            notes.length ? element("span.path", {}, notes.join(", ")) : null, element("bdi", {}, visible(entry.subject || (kind === "tag" ? "" : "(no message)")))),
         element("span.author", {}, kind === "remote" ? "remote branch" : kind),
         entry.time === undefined ? null : dateElement(entry.time, entry.timeOffset));
     }

@@ -26,8 +26,8 @@ class TreeView extends ListView {
     }
 
     addressOf(entry) {
-        if (entry.kind === "submodule") return address("tree", [this.revision, this.path]);
-        return address(entry.kind === "folder" ? "tree" : "file", [this.revision, nameIn(entry, "path")]);
+        // The view of a submodule says where its content is.
+        return address(entry.kind === "folder" || entry.kind === "submodule" ? "tree" : "file", [this.revision, nameIn(entry, "path")]);
     }
 
     fill(node, entry) {

@@ -9,6 +9,8 @@ import { lazyLines, lineElement } from "./lines.js";
 import { dateTime, fullTime } from "./time.js";
 
 const MAX_BYTES = 20 << 20;
+/** A file with a NUL among so many bytes or characters is binary, as in git. */
+const BINARY_LENGTH = 8000;
 
 /** The revision "" is the working copy. */
 export function openFile(app, [revision, path], values) {
@@ -47,7 +49,7 @@ class FileView {
 
     async #load() {
         try {
-            if (this.revision === "") await this.#loadBlame();
+            if (this.revision === "") await this.#loadWorkingCopy();
             else await this.#loadContent();
         } catch (error) {
             show(this.status);
@@ -61,7 +63,7 @@ class FileView {
         const { result } = await app.connection.perform(request(Type.content,
             { startingRevision: revision, files: [path], limits: { outputBytes: MAX_BYTES } }));
         const bytes = contentBytes(record(result)[0]);
-        if (bytes.subarray(0, 8000).includes(0)) {
+        if (bytes.subarray(0, BINARY_LENGTH).includes(0)) {
             if (!imageType(path)) show(this.body, element("p.remark", {}, `A binary file of ${bytes.length.toLocaleString("en")} bytes.`));
             return;
         }
@@ -69,6 +71,12 @@ class FileView {
         if (lines[lines.length - 1] === "") lines.pop();
         this.#showLines(lines);
         if (lines.length) await this.#loadBlame();
+    }
+
+    async #loadWorkingCopy() {
+        const { app, path } = this;
+        if (imageType(path)) show(this.body, await imageFigure(app, path, { isWorkingCopy: true }, "Working copy").catch(errorElement));
+        await this.#loadBlame();
     }
 
     /** Reads the commits of the lines; of the working copy also the lines. */
@@ -85,8 +93,13 @@ class FileView {
         for (const group of groups) {
             for (let line = 0; line < group.lineCount; line++) this.#groups[group.firstLine - 1 + line] = [group, line];
         }
-        if (revision === "") this.#showLines(groups.flatMap((group) => group.lines.map(textOf)));
+        if (revision === "") this.#showWorkingCopy(groups.flatMap((group) => group.lines.map(textOf)));
         else for (const [index, cell] of this.#cells) this.#fillCell(cell, index);
+    }
+
+    #showWorkingCopy(lines) {
+        if (!isBinary(lines)) this.#showLines(lines);
+        else if (!imageType(this.path)) show(this.body, element("p.remark", {}, "A binary file."));
     }
 
     #showLines(lines) {
@@ -132,6 +145,16 @@ class FileView {
             href: address("before", [group.objectID, file], { line: group.originalLine }), title: "The line before this commit",
             "aria-label": `Line ${index + 1} before that commit` }, "◂") : null);
     }
+}
+
+function isBinary(lines) {
+    let length = 0;
+    for (const line of lines) {
+        if (line.slice(0, BINARY_LENGTH - length).includes("\0")) return true;
+        length += line.length + 1;
+        if (length >= BINARY_LENGTH) break;
+    }
+    return false;
 }
 
 /** Marks every second group of lines, in the order of the file, so that neighbours differ. */

@@ -2,7 +2,7 @@
 import { element } from "./elements.js";
 import { contentBytes, record, request, Type } from "./records.js";
 import { textOf } from "./route.js";
-import { untrackedBytes } from "./untracked.js";
+import { workingCopyBytes } from "./untracked.js";
 
 const MAX_BYTES = 30 << 20;
 const types = {
@@ -17,10 +17,10 @@ export function imageType(path) {
 
 /**
  * Returns a figure with the image.
- * @param {{revision, stage, isUntracked}} source a revision, a stage of the index, or a file that is not tracked
+ * @param {{revision, stage, isWorkingCopy}} source a revision, a stage of the index, or the working copy
  */
-export async function imageFigure(app, path, { isUntracked, ...source }, caption) {
-    const bytes = isUntracked ? await untrackedBytes(path) : await trackedBytes(app, path, source);
+export async function imageFigure(app, path, { isWorkingCopy, ...source }, caption) {
+    const bytes = isWorkingCopy ? await workingCopyBytes(path) : await trackedBytes(app, path, source);
     const address = URL.createObjectURL(new Blob([bytes], { type: imageType(path) }));
     const size = element("span", {});
     const image = element("img", { src: address, alt: `${caption}: ${textOf(path)}`,

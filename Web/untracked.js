@@ -1,11 +1,11 @@
-// The content of files that git does not track.
+// The content of files of the working copy that git does not provide: untracked files, and images.
 import { nameIn } from "./records.js";
 import { encodeName } from "./route.js";
 
 const BINARY_BYTES = 8000;
 
 /** Returns the bytes of a file of the working copy; throws an Error with a sentence. */
-export async function untrackedBytes(path) {
+export async function workingCopyBytes(path) {
     const response = await fetch(`/untracked?path=${encodeName(path)}`);
     if (!response.ok) throw new Error((await response.json()).error);
     return new Uint8Array(await response.arrayBuffer());
@@ -18,7 +18,7 @@ export function loadUntracked(files) {
         const names = { path: file.path, pathBytes: file.pathBytes };
         if (file.path.endsWith("/")) return { ...names, remark: "A folder with a repository of its own." };
         try {
-            return { ...names, ...addedLines(await untrackedBytes(path)) };
+            return { ...names, ...addedLines(await workingCopyBytes(path)) };
         } catch (error) {
             return { ...names, remark: error.message };
         }

@@ -15,6 +15,19 @@ const groups = [
     ["Untracked", (entry) => entry.kind === "untracked" ? "untracked" : null],
 ];
 
+/** What happened to a file in conflict whose working copy is as on our side, or that our side lacks; no line shows it. */
+const conflictRemarks = {
+    "both modified": "Both sides changed the file. The working copy is as on our side.",
+    "both added": "Both sides added the file. The working copy is as on our side.",
+    "both deleted": "Both sides deleted the file or gave it another name.",
+    "deleted by them": "Their side deleted the file; our side changed it. The working copy is as on our side.",
+    "deleted by us": "Our side deleted the file; their side changed it.",
+    "added by us": "Only our side has the file, under this name.",
+    "added by them": "Only their side has the file, under this name.",
+};
+const conflictHelp = "Our side is HEAD; their side is what is merged or applied. Lines are compared with our side. To resolve a conflict, "
+    + "edit the file, then run 'git add' with its name; 'git rm' deletes it.";
+
 export function openWorkingCopy(app) {
     return new WorkingCopyView(app);
 }
@@ -91,7 +104,8 @@ class WorkingCopyView {
         this.opens = this.#isFirst && entries.length <= OPEN_FILES;
         this.#isFirst = false;
         const sections = groups.map(([title, stateOf]) => this.#group(title, stateOf, entries)).filter(Boolean);
-        show(this.body, sections.length ? sections : element("p.remark", {}, "Nothing to commit: the working copy is as in the latest commit."));
+        show(this.body, sections.length ? sections : element("p.remark", {}, head.objectID === undefined
+            ? "There are no commits yet, and no files to commit." : "Nothing to commit: the working copy is as in the latest commit."));
         this.#reopen(opened, focusKey);
     }
 
@@ -109,7 +123,7 @@ class WorkingCopyView {
     }
 
     #headText(head) {
-        const parts = [head.name === undefined ? "Detached HEAD" : `Branch ${visible(head.name)}`];
+        const parts = [head.name === undefined ? `Detached HEAD at ${head.objectID?.slice(0, 12)}` : `Branch ${visible(head.name)}`];
         if (head.upstream) parts.push(`upstream ${visible(head.upstream)}`);
         if (head.ahead) parts.push(`${head.ahead} ahead`);
         if (head.behind) parts.push(`${head.behind} behind`);
@@ -124,23 +138,30 @@ class WorkingCopyView {
         const list = new FileList(this.app, files,
             { ...(title === "Untracked" ? untracked : this.#tracked(title === "Staged")), opens: this.opens });
         this.#lists.push(list);
-        return element("section.group", { "aria-label": title }, heading, list.node);
+        const help = title === "Conflicts" ? element("p.remark", {}, conflictHelp) : null;
+        return element("section.group", { "aria-label": title }, heading, help, list.node);
     }
 
     /** How a list of tracked files reads their changes. */
     #tracked(isStaged) {
         return {
-            load: (some) => loadChanges(this.app,
-                { ...request(Type.changes, { files: pathsOf(some) }, { Staged: isStaged }), background: true }),
+            load: async (some) => [...await loadChanges(this.app,
+                { ...request(Type.changes, { files: pathsOf(some) }, { Staged: isStaged }), background: true }), ...remarksOn(some)],
             images: (file) => imagesOf(file, isStaged), links: linksOf,
         };
     }
 }
 
+/** Returns records for the files in conflict, which stand behind those with lines. */
+function remarksOn(files) {
+    return files.filter((file) => file.kind === "conflict")
+        .map(({ path, pathBytes, conflict }) => ({ path, pathBytes, remark: conflictRemarks[conflict] }));
+}
+
 /** How a list of untracked files reads them. */
 const untracked = {
     load: loadUntracked,
-    images: (file) => [{ path: nameIn(file, "path"), source: { isUntracked: true }, caption: "Untracked" }],
+    images: (file) => [{ path: nameIn(file, "path"), source: { isWorkingCopy: true }, caption: "Untracked" }],
 };
 
 /** Names a file within its group. */
@@ -160,9 +181,10 @@ function imagesOf(file, staged) {
         const captions = { 1: "Ancestor", 2: "Ours", 3: "Theirs" };
         return (file.stages ?? []).map(({ stage }) => ({ path, source: { stage }, caption: captions[stage] }));
     }
-    if (!staged) return [{ path, source: { stage: 0 }, caption: "Staged" }];
-    const before = { path: original, source: { revision: "HEAD" }, caption: "Latest commit" };
-    const after = { path, source: { stage: 0 }, caption: "Staged" };
+    const before = staged ? { path: original, source: { revision: "HEAD" }, caption: "Latest commit" }
+        : { path: file.label === "renamed" ? original : path, source: { stage: 0 }, caption: "Staged" };
+    const after = staged ? { path, source: { stage: 0 }, caption: "Staged" }
+        : { path, source: { isWorkingCopy: true }, caption: "Working copy" };
     return [...(file.label === "added" ? [] : [before]), ...(file.label === "deleted" ? [] : [after])];
 }
 

@@ -120,6 +120,83 @@ liveTest("conflicts are shown with their kind, and the merge with them", async (
     await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
 });
 
+liveTest("a conflict without lines says what each side did", async (page, folder, server) => {
+    for (const name of ["ours.txt", "theirs.txt"]) write(folder, name, "base\n");
+    write(folder, "data.bin", Buffer.from([0, 1]));
+    write(folder, "picture.png", png(10));
+    commit(folder, "Base");
+    const change = (branch, number) => {
+        git(folder, "checkout", "--quiet", "-b", branch, "main");
+        write(folder, "data.bin", Buffer.from([0, number]));
+        write(folder, "picture.png", png(number));
+        write(folder, `${branch}.txt`, "changed\n");
+        git(folder, "rm", "--quiet", `${branch === "ours" ? "theirs" : "ours"}.txt`);
+        commit(folder, branch);
+    };
+    change("theirs", 200);
+    change("ours", 100);
+    assert.throws(() => git(folder, "merge", "--quiet", "theirs"));
+    await open(page, server, "#/changes");
+    await group(page, "Conflicts").getByText("Our side is HEAD").waitFor();
+    const file = (name) => page.getByRole("region", { name, exact: true });
+    await file("data.bin").getByText("Both sides changed the file. The working copy is as on our side.").waitFor();
+    await file("ours.txt").getByText("Their side deleted the file; our side changed it.").waitFor();
+    await file("theirs.txt").getByText("Our side deleted the file; their side changed it.").waitFor();
+    await file("picture.png").locator("figcaption", { hasText: "8 × 8" }).nth(2).waitFor();
+    assert.deepEqual((await file("picture.png").locator("figcaption").allTextContents()).map((text) => text.split(" ")[0]),
+        ["Ancestor", "Ours", "Theirs"]);
+});
+
+liveTest("images and binary files of the working copy are shown as such", async (page, folder, server) => {
+    write(folder, "picture.png", png(10));
+    write(folder, "data.bin", Buffer.from([0, 1]));
+    commit(folder, "Base");
+    write(folder, "picture.png", png(200));
+    await open(page, server, "#/changes");
+    await page.locator(".images figcaption", { hasText: "8 × 8" }).nth(1).waitFor();
+    assert.deepEqual((await page.locator(".images figcaption").allTextContents()).map((text) => text.split(" 8")[0]), ["Staged", "Working copy"]);
+    await open(page, server, "#/file//picture.png");
+    await page.locator("figcaption", { hasText: "Working copy 8 × 8" }).waitFor();
+    await page.locator(".file-view > .remark:empty").waitFor({ state: "attached" });
+    assert.equal(await page.locator(".blame").count(), 0);
+    await open(page, server, "#/file//data.bin");
+    await page.getByText("A binary file.").waitFor();
+    assert.equal(await page.locator(".blame").count(), 0);
+});
+
+liveTest("a browser that lacks what some browsers lack shows the same", async (page, folder, server) => {
+    await page.addInitScript(() => {
+        for (const name of ["SharedWorker", "CompressionStream", "DecompressionStream", "requestIdleCallback"]) delete window[name];
+        Object.defineProperty(navigator, "locks", { value: undefined });
+    });
+    await open(page, server);
+    assert.equal(await page.evaluate(() => window.SharedWorker ?? window.CompressionStream ?? navigator.locks), undefined);
+    await page.keyboard.press("End");
+    await page.locator("[role=option][aria-selected=true]", { hasText: "Commit 1:" }).waitFor();
+    await page.keyboard.press("Home");
+    await row(page, "Commit 3000").waitFor();
+    commit(folder, "News");
+    await row(page, "News").waitFor();
+}, () => makeLongHistory(3000));
+
+liveTest("a page whose browser refuses the shared worker has a connection of its own", async (page, folder, server) => {
+    await page.addInitScript(() => {
+        window.SharedWorker = class extends EventTarget {
+            port = new MessageChannel().port1;
+
+            constructor() {
+                super();
+                setTimeout(() => this.dispatchEvent(new Event("error")));
+            }
+        };
+    });
+    await open(page, server);
+    await row(page, "Second").waitFor();
+    assert.equal(await page.locator(".notice").count(), 0);
+    commit(folder, "Third");
+    await row(page, "Third").waitFor();
+});
+
 liveTest("a commit that was rewritten stays readable until git removes it, then the page says so", async (page, folder, server) => {
     const id = git(folder, "rev-parse", "HEAD");
     await open(page, server, `#/commit/${id}`);

@@ -176,6 +176,7 @@ pageTest("the history is searched by message, author and content, and filtered b
         await open(page, `#/log?${query}`);
         await page.locator("section.log[data-complete=true]").waitFor();
         assert.deepEqual(await page.locator("[role=option]:visible .subject bdi").allTextContents(), expected, query);
+        assert.equal(await page.getByText("Change the search, the branch or the filter").count(), expected.length === 0 ? 1 : 0);
         assert.equal(await page.locator("p.status").textContent(), expected.length === 0 ? "No commits match."
             : expected.length === 1 ? "1 commit" : `${expected.length} commits`);
     }
@@ -238,6 +239,12 @@ pageTest("everything is reached with the keyboard", async (page) => {
     await page.locator("[role=option][aria-selected=true]", { hasText: "First commit" }).waitFor();
 });
 
+pageTest("the badge of inspect mode leads to its explanation", async (page) => {
+    await open(page);
+    await page.getByRole("button", { name: "inspect" }).click();
+    await page.getByRole("dialog").getByText("git runs no program that the repository names").waitFor();
+});
+
 pageTest("keys go to the view that was opened behind the list of keys", async (page) => {
     await open(page, "#/branches");
     await rows(page).first().waitFor();
@@ -288,8 +295,35 @@ pageTest("an empty repository has an error instead of commits", async (page) => 
     await open(page, "#/log", empty);
     await page.locator(".error .sentence").waitFor();
     await open(page, "#/changes", empty);
-    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+    await page.locator(".remark", { hasText: "There are no commits yet" }).waitFor();
     await empty.end();
+});
+
+pageTest("long names leave room for what they name", async (page) => {
+    const folder = makeRepository();
+    const parts = Array.from({ length: 12 }, (_, index) => `${index}${"x".repeat(200)}`);
+    write(folder, `${parts.join("/")}/file.txt`, "text\n");
+    const id = commit(folder, `${"subject ".repeat(700)}\n\nBody`);
+    const long = await serve(folder);
+    await page.setViewportSize({ width: 360, height: 700 });
+    await open(page, `#/tree/HEAD/${parts.join("%2F")}`, long);
+    await rows(page).filter({ hasText: "file.txt" }).waitFor();
+    assert.ok((await page.locator(".virtual-list").boundingBox()).height > 200);
+    await open(page, `#/commit/${id}`, long);
+    await page.locator("button.file").waitFor();
+    assert.ok((await page.locator("dl.facts").boundingBox()).y < 500);
+    await long.end();
+});
+
+pageTest("the advice for a submodule says where its content is", async (page) => {
+    const folder = makeRepository();
+    git(folder, "update-index", "--add", "--cacheinfo", `160000,${"1".repeat(40)},module`);
+    git(folder, "commit", "--quiet", "-m", "Add a submodule");
+    const withModule = await serve(folder);
+    await open(page, "#/tree/HEAD", withModule);
+    await rows(page).filter({ hasText: "module" }).click();
+    await page.locator(".error .advice", { hasText: "A submodule has a repository of its own" }).waitFor();
+    await withModule.end();
 });
 
 pageTest("a long history scrolls to its end and back, and large changes fold", async (page) => {

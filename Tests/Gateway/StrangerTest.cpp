@@ -190,6 +190,28 @@ TEST_F(StrangerTest, HasLessTimeWhileOthersWait) {
     EXPECT_LT(timeUntil([&] { EXPECT_TRUE(get("/repository")); }), alone);
 }
 
+/// A browser on a busy machine sends its request late. Others do not wait while threads are free.
+TEST_F(StrangerTest, HasAllItsTimeWhileThreadsAreFree) {
+    const auto late = connectOften(20);
+    std::vector<std::thread> others(4);
+    for (std::thread& other : others) {
+        other = std::thread([this] {
+            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(700);
+            while (std::chrono::steady_clock::now() < end) {
+                static_cast<void>(connect());
+            }
+        });
+    }
+    for (std::thread& other : others) {
+        other.join();
+    }
+    const std::string request = "GET /repository HTTP/1.1\r\n\r\n";
+    for (const FileDescriptor& client : late) {
+        static_cast<void>(::send(client.get(), request.data(), request.size(), MSG_NOSIGNAL));
+        EXPECT_THAT(received(client), StartsWith("HTTP/1.1 403 "));
+    }
+}
+
 TEST_F(StrangerTest, ReadsNoUntrackedFile) {
     repository.write("new.txt", "new\n");
     EXPECT_EQ(httplib::Client(origin).Get("/untracked?path=new.txt")->status, 403);

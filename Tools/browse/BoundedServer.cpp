@@ -25,26 +25,26 @@ constexpr std::size_t chunkHeaders = std::size_t{1} << 16;
 using Enqueued =
     decltype(std::declval<httplib::TaskQueue&>().enqueue(std::declval<std::function<void()>>()));
 
-/// Threads for connections. enqueue() waits while too many connections wait for a thread; `waiting`
-/// has their number.
+/// Threads for connections. enqueue() waits while too many connections wait for a thread;
+/// `connections` has the number of those that wait or are served.
 class ConnectionQueue : public httplib::TaskQueue {
 public:
-    ConnectionQueue(std::size_t threads, std::atomic<std::size_t>& waiting)
-        : _waiting(waiting), _threads(threads) {}
+    ConnectionQueue(std::size_t threads, std::atomic<std::size_t>& connections)
+        : _most(threads + mostWaiting), _connections(connections), _threads(threads) {}
 
     Enqueued enqueue(std::function<void()> task) override {
         {
             std::unique_lock lock(_mutex);
-            _hasRoom.wait(lock, [this] { return _waiting < mostWaiting; });
-            ++_waiting;
+            _hasRoom.wait(lock, [this] { return _connections < _most; });
+            ++_connections;
         }
         return _threads.enqueue([this, task = std::move(task)] {
+            task();
             {
                 const std::lock_guard lock(_mutex);
-                --_waiting;
+                --_connections;
             }
             _hasRoom.notify_one();
-            task();
         });
     }
 
@@ -53,7 +53,8 @@ public:
 private:
     std::mutex _mutex;
     std::condition_variable _hasRoom;
-    std::atomic<std::size_t>& _waiting;
+    std::size_t _most;
+    std::atomic<std::size_t>& _connections;
     httplib::ThreadPool _threads;
 };
 
@@ -79,10 +80,10 @@ void refuseRequest(ClientStream& client, ClientStream::Head head) {
 }  // namespace
 
 BoundedServer::BoundedServer(std::size_t threads, std::size_t longestBody)
-    : _longestBody(longestBody) {
+    : _threads(threads), _longestBody(longestBody) {
     set_payload_max_length(longestBody);
     // The server owns it.
-    new_task_queue = [this, threads] { return new ConnectionQueue(threads, _waiting); };
+    new_task_queue = [this, threads] { return new ConnectionQueue(threads, _connections); };
 }
 
 bool BoundedServer::serve(httplib::Stream& client) {
@@ -104,7 +105,7 @@ bool BoundedServer::serve(httplib::Stream& client) {
 bool BoundedServer::process_and_close_socket(socket_t socket) {
     ClientStream client(socket, _longestBody + chunkHeaders);
     bool isServed = false;
-    const ClientStream::Head head = client.readHead([this] { return _waiting > 0; });
+    const ClientStream::Head head = client.readHead([this] { return _connections > _threads; });
     if (head == ClientStream::Head::complete) {
         isServed = serve(client);
     } else if (head != ClientStream::Head::none) {

@@ -20,9 +20,12 @@ private:
     bool serve(httplib::Stream& client);
     bool process_and_close_socket(socket_t socket) override;
 
+    std::size_t _threads;
     std::size_t _longestBody;
-    /// Connections that were accepted and wait for a thread.
-    std::atomic<std::size_t> _waiting = 0;
+    /// Connections that were accepted and have not ended. If they are more than the threads, some
+    /// wait. The number of those that no thread has taken yet would not say so: a thread may be
+    /// free and not run.
+    std::atomic<std::size_t> _connections = 0;
 };
 
 }  // namespace neb::nebsc

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto timeForHead = 2s;
+constexpr auto timeForHead = 5s;
 /// A program on this machine sends the head at once.
 constexpr auto timeForHeadWhileOthersWait = 200ms;
 constexpr std::string_view endOfHead = "\r\n\r\n";

@@ -100,7 +100,8 @@ function M.commit(files, message)
   M.git("commit", "--quiet", "--allow-empty", "--message", message or "Change files")
 end
 
--- Waits until condition() returns a true value, and returns it.
+-- Waits until condition() returns a true value, and returns it. what, a text or a function that
+-- returns one after the wait, says what did not happen.
 function M.wait(condition, what)
   local value
   vim.wait(limit, function()
@@ -108,7 +109,8 @@ function M.wait(condition, what)
     return value
   end, 5)
   if not value then
-    error(("timed out waiting for %s"):format(what or "a condition"), 2)
+    local text = type(what) == "function" and what() or what or "a condition"
+    error("timed out waiting for " .. text, 2)
   end
   return value
 end
@@ -176,7 +178,9 @@ function M.go_to(text)
         return true
       end
     end
-  end, ("a line with '%s' in:\n%s"):format(text, table.concat(M.lines(), "\n")))
+  end, function()
+    return ("a line with '%s' in:\n%s"):format(text, table.concat(M.lines(), "\n"))
+  end)
 end
 
 -- Returns all messages since the beginning of the test as one text.
@@ -188,7 +192,9 @@ end
 function M.wait_for_message(text)
   M.wait(function()
     return M.messages():find(text, 1, true)
-  end, ("the message '%s' after: %s"):format(text, M.messages()))
+  end, function()
+    return ("the message '%s' after: %s"):format(text, M.messages())
+  end)
 end
 
 -- The answers to the next questions: values, or functions of the items or settings.

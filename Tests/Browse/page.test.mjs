@@ -7,7 +7,8 @@ import { after, before, test } from "node:test";
 import { attack, latinName, makeHostileRepository, markupName, oddNames } from "./hostile.mjs";
 import { axeSource, commit, git, makeLongHistory, makeRepository, openPage, screenshot, serve, startBrowser, write } from "./support.mjs";
 
-const limit = { timeout: 60_000 };
+/** Longer than a test takes on a busy machine. */
+const limit = { timeout: 180_000 };
 let browser;
 let hostile;
 let server;
@@ -22,7 +23,7 @@ after(() => Promise.all([browser?.close(), server?.end()]));
 function pageTest(name, body) {
     test(name, limit, async () => {
         const page = await browser.newPage();
-        page.setDefaultTimeout(10_000);
+        page.setDefaultTimeout(30_000);
         const problems = [];
         page.on("pageerror", (error) => problems.push(String(error.stack)));
         page.on("console", (message) => { if (/Content.Security|Refused/.test(message.text())) problems.push(message.text()); });

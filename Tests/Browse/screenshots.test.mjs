@@ -35,7 +35,7 @@ const pictures = {
 };
 
 for (const [name, { hash, shows, scheme = "light", width = 960, height = 480, keys = [] }] of Object.entries(pictures)) {
-    test(`a screenshot of the page: ${name}`, { timeout: 60_000 }, async () => {
+    test(`a screenshot of the page: ${name}`, { timeout: 180_000 }, async () => {
         const page = await browser.newPage();
         await page.setViewportSize({ width, height });
         await page.emulateMedia({ colorScheme: scheme, reducedMotion: "reduce" });

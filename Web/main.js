@@ -105,9 +105,19 @@ function showRepository() {
 
 function watch() {
     const { connection } = app;
-    connection.call("watch", { workingTree: true }).then(
+    return connection.call("watch", { workingTree: true }).then(
         () => notice("watch", null),
-        (error) => { if (!error.lost) notice("watch", `The page does not follow changes: ${error.message}`); });
+        (error) => { if (!error.lost) notice("watch", `The page does not follow changes: ${error.message}`, "Try again", watchAgain); });
+}
+
+/** The repository may have changed, or be another one, since the last watch ended. */
+async function watchAgain() {
+    await watch();
+    readAgain();
+}
+
+function readAgain() {
+    for (const view of views.values()) view.changed?.(["head", "references", "index", "workingTree"]);
 }
 
 function follow() {
@@ -116,7 +126,7 @@ function follow() {
     connection.addEventListener("open", () => {
         notice("connection", null);
         watch();
-        if (wasLost) for (const view of views.values()) view.changed?.(["head", "references", "index", "workingTree"]);
+        if (wasLost) readAgain();
         wasLost = false;
     });
     connection.addEventListener("lost", () => {
@@ -127,7 +137,7 @@ function follow() {
         for (const view of views.values()) view.changed?.(detail.changes);
     });
     connection.addEventListener("sourceControl/watchEnded", ({ detail }) => {
-        notice("watch", `The page no longer follows changes: ${detail.message}`, "Try again", watch);
+        notice("watch", `The page no longer follows changes: ${detail.message}`, "Try again", watchAgain);
     });
 }
 

@@ -226,6 +226,21 @@ liveTest("a repository that was removed gives an error and a notice", async (pag
     await page.locator(".error .sentence").waitFor();
 });
 
+liveTest("a repository that was replaced is shown when the reader tries again", async (page, folder, server) => {
+    await open(page, server);
+    await row(page, "Second").waitFor();
+    fs.renameSync(folder, `${folder}-moved`);
+    await page.locator(".notice", { hasText: "no longer follows changes" }).waitFor();
+    await page.getByRole("button", { name: "Try again" }).click();
+    await page.locator(".notice", { hasText: "does not follow changes" }).waitFor();
+    fs.mkdirSync(folder);
+    git(folder, "init", "--quiet", "--initial-branch=main");
+    commit(folder, "Replaced");
+    await page.getByRole("button", { name: "Try again" }).click();
+    await row(page, "Replaced").waitFor();
+    await page.locator(".notice").waitFor({ state: "detached" });
+});
+
 liveTest("two pages show the same repository, and one of them closes", async (page, folder, server) => {
     const other = await page.context().newPage();
     await open(page, server);

@@ -146,8 +146,10 @@ FIRST is as of `nebgit-log--open'.  FAILED gets an error and its outcome."
                             (with-current-buffer buffer
                               (setq nebgit-log--reading nil
                                     nebgit-log--cursor nil)
-                              (funcall failed problem outcome)))))
-          nebgit-log--reading task)))
+                              (funcall failed problem outcome))))))
+    ;; A call that cannot be sent has failed already.
+    (unless (eq (nebgit-task-state task) 'done)
+      (setq nebgit-log--reading task))))
 
 (defun nebgit-log--reads-p (buffer task)
   "Return non-nil if TASK is the one that the log in BUFFER waits for."

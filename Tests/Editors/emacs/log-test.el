@@ -74,14 +74,19 @@
       (should-not nebgit-log--cursor)
       (should (string-match-p "(topic) On topic" (buffer-string))))))
 
+(defun test-wait-log ()
+  "Wait for a page of the log, which is read again when the watch starts."
+  (test-wait (and nebgit-log--cursor (not nebgit-log--reading)
+                  (not (eq (gethash default-directory nebgit-watch--roots) t)))))
+
 (ert-deftest log-reads-pages-when-they-are-needed ()
   (test-with-repository
     (test-many-commits 500)
     (save-window-excursion
       (let ((nebgit-log-page 100))
         (nebgit-log)
-        (test-wait (= (length (test-log-subjects)) 100))
-        (should nebgit-log--cursor)
+        (test-wait-log)
+        (should (= (length (test-log-subjects)) 100))
         (nebgit-log--read-near-end)
         (should-not nebgit-log--reading)
         (goto-char (point-max))
@@ -116,9 +121,7 @@ Return the subjects that it shows."
      (test-many-commits 398)
      (save-window-excursion
        (nebgit-log)
-       ;; When the watch starts, the log is read again.
-       (test-wait (and nebgit-log--cursor (not (eq (gethash folder nebgit-watch--roots) t))
-                       (not nebgit-log--reading)))
+       (test-wait-log)
        (nebgit-log-more)
        (test-wait (eql (length (test-log-subjects)) 200))
        ;; There the log is not read again because of a change.
@@ -157,7 +160,6 @@ Return the subjects that it shows."
     (should (equal test-long-log
                    (test-with-interrupted-log
                      (let ((server (jsonrpc--process nebgit--connection)))
-                       (signal-process server 'SIGSTOP)
                        (nebgit-log-more)
                        (signal-process server 'SIGKILL)))))))
 

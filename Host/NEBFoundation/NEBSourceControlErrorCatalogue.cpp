@@ -8,6 +8,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClasses.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlErrorTextNormalizer.h"
+#include "NEBFoundation/NEBSourceControlOutputExcerpt.h"
 
 namespace neb {
 
@@ -135,30 +136,31 @@ ErrorSentence sentenceOf(const ErrorCatalogueRow* row) {
 }  // namespace
 
 std::string_view NEBSourceControlErrorClassOfText(std::string_view text) {
-    const ErrorCatalogueRow* row = rowOfText(text);
+    const ErrorCatalogueRow* row = rowOfText(NEBSourceControlOutputExcerpt(text));
     return row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass;
 }
 
 NEBSourceControlError NEBSourceControlErrorFromText(std::string_view text,
                                                     const NEBSourceControlRequest& request) {
     NEBSourceControlError error = NEBSourceControlErrorWithoutDetails(text, request);
-    error.remoteLines = NEBSourceControlRemoteLinesInText(text);
-    error.files = NEBSourceControlFilesInText(text, *error.errorClass);
+    error.remoteLines = NEBSourceControlRemoteLinesInText(*error.text);
+    error.files = NEBSourceControlFilesInText(*error.text, *error.errorClass);
     return error;
 }
 
 NEBSourceControlError NEBSourceControlErrorWithoutDetails(std::string_view text,
                                                           const NEBSourceControlRequest& request) {
-    const ErrorCatalogueRow* row = rowOfText(text);
+    const std::string excerpt = NEBSourceControlOutputExcerpt(text);
+    const ErrorCatalogueRow* row = rowOfText(excerpt);
     NEBSourceControlError error;
     error.code = row != nullptr ? row->code : NEBSourceControlGenericError;
     error.errorClass = row != nullptr ? row->errorClass : NEBSourceControlUnknownErrorClass;
-    error.text = text;
-    error.hints = NEBSourceControlHintsInText(text);
+    error.text = excerpt;
+    error.hints = NEBSourceControlHintsInText(excerpt);
     const ErrorSentence sentence = sentenceOf(row);
     error.userInfo.set(NEBLocalizedDescriptionKey,
                        sentence.description.empty()
-                           ? std::string(text)
+                           ? excerpt
                            : formattedText(sentence.description, {request.sourceTreeName()}));
     const std::string suggestion = sentence.advice.empty()
                                        ? NEBSourceControlAdviceOfHints(error.hints)

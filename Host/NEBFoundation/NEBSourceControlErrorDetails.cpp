@@ -1,7 +1,9 @@
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
+#include <span>
 
 #include "NEBFoundation/ErrorCatalogue/ErrorFileRows.h"
 #include "Platform/Text.h"
@@ -13,12 +15,12 @@ namespace {
 constexpr std::string_view hintPrefix = "hint:";
 constexpr std::string_view remotePrefix = "remote:";
 
-std::vector<std::string_view> linesOf(std::string_view text) {
-    std::vector<std::string_view> lines;
-    forEachField(text, '\n', [&lines](std::string_view line) {
-        lines.push_back(line.substr(0, line.find_last_not_of('\r') + 1));
+/// Calls `visit` with each line, without its line end.
+template <typename Visit>
+void forEachTextLine(std::string_view text, Visit visit) {
+    forEachField(text, '\n', [&visit](std::string_view line) {
+        visit(line.substr(0, line.find_last_not_of('\r') + 1));
     });
-    return lines;
 }
 
 /// Returns the line without the prefix and one blank after it.
@@ -80,13 +82,23 @@ private:
     std::set<std::string_view> _known;  // ordered, so hostile names cannot slow it down
 };
 
-void addMentions(Names& names, std::string_view line, std::string_view errorClass) {
+/// Returns the rows of the class.
+template <typename Row>
+std::vector<Row> rowsOfClass(std::span<const Row> rows, std::string_view errorClass) {
+    std::vector<Row> found;
+    std::ranges::copy_if(rows, std::back_inserter(found),
+                         [errorClass](const Row& row) { return row.errorClass == errorClass; });
+    return found;
+}
+
+void addMentions(Names& names, std::string_view line,
+                 const std::vector<ErrorFileMention>& mentions) {
     const ErrorFileMention* matched = nullptr;
-    for (const ErrorFileMention& mention : errorFileMentions()) {
-        const bool isCandidate = mention.errorClass == errorClass &&
-                                 (matched == nullptr || mention.beginning == matched->beginning);
-        for (const std::string_view file :
-             isCandidate ? filesNamedIn(line, mention) : std::vector<std::string_view>{}) {
+    for (const ErrorFileMention& mention : mentions) {
+        if (matched != nullptr && mention.beginning != matched->beginning) {
+            continue;
+        }
+        for (const std::string_view file : filesNamedIn(line, mention)) {
             names.add(file);
             matched = &mention;
         }
@@ -94,11 +106,9 @@ void addMentions(Names& names, std::string_view line, std::string_view errorClas
 }
 
 /// Returns the list that follows the line, or null.
-const ErrorFileList* listAfter(std::string_view line, std::string_view errorClass) {
-    const auto lists = errorFileLists();
-    const auto list = std::find_if(lists.begin(), lists.end(), [&](const ErrorFileList& candidate) {
-        return candidate.errorClass == errorClass &&
-               offsetOf(candidate.heading, line) != std::string_view::npos;
+const ErrorFileList* listAfter(std::string_view line, const std::vector<ErrorFileList>& lists) {
+    const auto list = std::ranges::find_if(lists, [line](const ErrorFileList& candidate) {
+        return offsetOf(candidate.heading, line) != std::string_view::npos;
     });
     return list != lists.end() ? &*list : nullptr;
 }
@@ -107,11 +117,11 @@ const ErrorFileList* listAfter(std::string_view line, std::string_view errorClas
 
 std::vector<std::string> NEBSourceControlHintsInText(std::string_view text) {
     std::vector<std::string> hints;
-    for (const std::string_view line : linesOf(text)) {
+    forEachTextLine(text, [&hints](std::string_view line) {
         if (line.starts_with(hintPrefix)) {
             hints.emplace_back(withoutPrefix(line, hintPrefix));
         }
-    }
+    });
     return hints;
 }
 
@@ -136,30 +146,35 @@ std::string NEBSourceControlTextWithoutHints(std::string_view text) {
 
 std::vector<std::string> NEBSourceControlRemoteLinesInText(std::string_view text) {
     std::vector<std::string> remoteLines;
-    for (std::string_view line : linesOf(text)) {
+    forEachTextLine(text, [&remoteLines](std::string_view line) {
         if (line.starts_with(remotePrefix)) {
             line = line.substr(line.rfind('\r') + 1);
             line = line.starts_with(remotePrefix) ? withoutPrefix(line, remotePrefix) : line;
             remoteLines.emplace_back(line.substr(0, line.find_last_not_of(" \t") + 1));
         }
-    }
+    });
     return remoteLines;
 }
 
 std::vector<std::string> NEBSourceControlFilesInText(std::string_view text,
                                                      std::string_view errorClass) {
+    const auto mentions = rowsOfClass(errorFileMentions(), errorClass);
+    const auto lists = rowsOfClass(errorFileLists(), errorClass);
+    if (mentions.empty() && lists.empty()) {
+        return {};
+    }
     Names names;
     const ErrorFileList* list = nullptr;
-    for (const std::string_view line : linesOf(text)) {
+    forEachTextLine(text, [&](std::string_view line) {
         if (list != nullptr && isOwnLine(line) && line.starts_with(list->indentation)) {
             names.add(line.substr(list->indentation.size()));
         } else {
-            list = isOwnLine(line) ? listAfter(line, errorClass) : nullptr;
+            list = isOwnLine(line) ? listAfter(line, lists) : nullptr;
         }
         if (list == nullptr && isOwnLine(line)) {
-            addMentions(names, line, errorClass);
+            addMentions(names, line, mentions);
         }
-    }
+    });
     return names.take();
 }
 

@@ -9,6 +9,7 @@
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlLockWait.h"
 #include "NEBFoundation/NEBSourceControlOrphanedLockFiles.h"
+#include "NEBFoundation/NEBSourceControlOutputExcerpt.h"
 #include "NEBFoundation/NEBSourceControlText.h"
 #include "Platform/PathString.h"
 
@@ -200,6 +201,11 @@ std::vector<ChildOutcome> NEBSourceControlTaskOperation::runLaunches(
     for (std::size_t i = 0; i < logged.size(); ++i) {
         commandLog()->ended(logged[i], outcomes[i].status, outcomes[i].duration);
     }
+    for (ChildOutcome& outcome : outcomes) {
+        if (outcome.errorOutput.size() > NEBSourceControlLongestMessages) {
+            outcome.errorOutput = Data(NEBSourceControlOutputExcerpt(outcome.errorOutput.bytes()));
+        }
+    }
     return outcomes;
 }
 
@@ -266,7 +272,7 @@ NEBSourceControlTaskOperation::ChildText NEBSourceControlTaskOperation::takeOutp
         .outputText = {},
         .isPresent = !outcome.errorOutput.empty() || !outcome.output.empty() || _hasRemovedOutput};
     if (!outcome.status.isSuccess()) {
-        childText.outputText = textOf(outcome.output);
+        childText.outputText = textOf(Data(NEBSourceControlOutputExcerpt(outcome.output.bytes())));
     }
     _terminationStatus = outcome.status;
     setOutputWasHeldOpen(outcome.outputWasHeldOpen);

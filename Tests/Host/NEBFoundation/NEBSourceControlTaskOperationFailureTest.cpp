@@ -56,6 +56,46 @@ TEST_F(TaskOperationFailure, AFailureIsAnErrorAlsoWithAClearedErrorText) {
     EXPECT_EQ(operation->result()->size(), 1U) << "beside its content";
 }
 
+TEST_F(TaskOperationFailure, OfVeryMuchErrorTextTheFirstAndLastLinesAreKept) {
+    const std::string numbers = "first=1000000; last=1999999; ";
+    auto operation = script(numbers + "seq $first $last >&2; echo 'fatal: no' >&2; exit 1");
+    operation->start();
+    const std::string text = operation->error()->text.value_or("");
+    constexpr std::size_t lineSize = 8;
+    constexpr std::size_t all = 1000000 * lineSize + std::string_view("fatal: no\n").size();
+    const std::size_t mark = text.find("[");
+    const std::size_t afterMark = text.find("]\n", mark) + 2;
+    ASSERT_NE(mark, std::string::npos);
+    EXPECT_TRUE(text.starts_with("1000000\n1000001\n"));
+    EXPECT_TRUE(text.ends_with("\n1999999\nfatal: no\n"));
+    EXPECT_EQ(text.substr(mark, afterMark - mark),
+              "[" + std::to_string(all - (text.size() - (afterMark - mark))) +
+                  " bytes are left out here]\n");
+    EXPECT_EQ(text[mark - 1], '\n');
+    EXPECT_EQ(text[afterMark], '1') << "the beginning of a line";
+    EXPECT_EQ(text.find('\n', afterMark), afterMark + lineSize - 1);
+    EXPECT_LE(text.size(), 1U << 20U);
+}
+
+TEST_F(TaskOperationFailure, AVeryLongLineIsCutBetweenCharacters) {
+    auto operation = script("{ printf 'x'; yes 'ä' | head -n 1000000 | tr -d '\\n'; } >&2; exit 1");
+    operation->start();
+    const std::string text = operation->error()->text.value_or("");
+    EXPECT_TRUE(text.starts_with("xää"));
+    EXPECT_THAT(text, HasSubstr("ä\n["));
+    EXPECT_THAT(text, HasSubstr("left out here]\nä"));
+    EXPECT_THAT(text, testing::Not(HasSubstr("\uFFFD")));
+}
+
+TEST_F(TaskOperationFailure, OfVeryMuchOutputTheFirstAndLastLinesAreKept) {
+    auto operation = script("echo 'nothing to commit'; seq 1000000 1999999; exit 1");
+    operation->start();
+    const std::string text = operation->error()->text.value_or("");
+    EXPECT_THAT(text, HasSubstr(" bytes are left out here]\n"));
+    EXPECT_TRUE(text.ends_with("\n1999999\n"));
+    EXPECT_EQ(operation->data()->size(), 8000018U) << "whole";
+}
+
 TEST_F(TaskOperationFailure, WholeBuffersAreWrittenOnRequest) {
     const auto run = [](bool writesWholeBuffers) {
         auto operation = script("printf %s \"${GIT_FLUSH-unset}\"");

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace neb::nebsc {
 namespace {
 
@@ -98,6 +100,19 @@ TEST(ErrorLines, HaveTheToolOutputIndented) {
 TEST(ErrorLines, HaveTheRestOfTheDescriptionAfterTheSuggestion) {
     EXPECT_EQ(errorLines(errorWith("fatal: no\nU\ta.c\n", "Try again.", {})),
               "nebsc: no\nTry again.\n    U\\ta.c\n");
+}
+
+TEST(ErrorLines, HaveTheFirstAndLastOfVeryManyLines) {
+    std::string all;
+    for (int i = 1; i <= 2000; ++i) {
+        all += std::to_string(i) + "\n";
+    }
+    const std::string lines = errorLines(errorWith("It failed.", {}, all));
+    EXPECT_TRUE(lines.starts_with("nebsc: it failed\n    1\n    2\n"));
+    EXPECT_NE(lines.find("    500\n    [1000 lines are left out here]\n    1501\n"),
+              std::string::npos);
+    EXPECT_TRUE(lines.ends_with("    2000\n"));
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1002);
 }
 
 TEST(ErrorLines, DoNotRepeatToolOutputThatIsTheDescription) {

@@ -32,9 +32,17 @@ std::vector<std::string> printableLines(std::string_view text) {
     return lines;
 }
 
+/// Appends the lines; of very many, only the first and the last, and how many are left out.
 void appendIndented(std::string& text, const std::vector<std::string>& lines) {
-    for (const std::string& line : lines) {
-        text += (line.empty() ? "" : "    ") + line + "\n";
+    constexpr std::size_t shownAtEachEnd = 500;
+    const std::size_t end = std::min(shownAtEachEnd, lines.size());
+    const std::size_t start = std::max(end, lines.size() - end);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i == end && start > end) {
+            text += "    [" + std::to_string(start - end) + " lines are left out here]\n";
+            i = start;
+        }
+        text += (lines[i].empty() ? "" : "    ") + lines[i] + "\n";
     }
 }
 
@@ -187,7 +195,9 @@ std::string errorLines(const NEBSourceControlError& error) {
     if (description.find(toolOutput) == std::string::npos) {
         appendIndented(lines, printableLines(toolOutput));
     }
-    appendIndented(lines, printableFilesOmittedBy({description, toolOutput}, error));
+    if (!error.files.empty()) {
+        appendIndented(lines, printableFilesOmittedBy({description, toolOutput}, error));
+    }
     return lines;
 }
 

@@ -1,0 +1,46 @@
+#include "NEBFoundation/NEBSourceControlOutputExcerpt.h"
+
+#include <algorithm>
+
+namespace neb {
+
+namespace {
+
+/// Whether the byte continues a character of UTF-8.
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// Returns the offset of the first character at or after `offset`. Searches no further than a
+/// character is long, because the bytes may not be UTF-8.
+std::size_t nextCharacter(std::string_view text, std::size_t offset) {
+    constexpr std::size_t longestContinuation = 3;
+    const std::size_t last = std::min(offset + longestContinuation, text.size());
+    while (offset < last && isContinuation(text[offset])) {
+        ++offset;
+    }
+    return offset;
+}
+
+}  // namespace
+
+std::string NEBSourceControlOutputExcerpt(std::string_view text) {
+    if (text.size() <= NEBSourceControlLongestMessages) {
+        return std::string(text);
+    }
+    constexpr std::size_t markSize = 64;  // so that an excerpt stays as it is
+    constexpr std::size_t half = (NEBSourceControlLongestMessages - markSize) / 2;
+    const std::size_t lineEnd = text.rfind('\n', half - 1);
+    const std::size_t end =
+        lineEnd == std::string_view::npos ? nextCharacter(text, half) : lineEnd + 1;
+    const std::size_t lastPart = text.size() - half;
+    const std::size_t lineStart = text.substr(0, text.size() - 1).find('\n', lastPart - 1);
+    const std::size_t start =
+        lineStart == std::string_view::npos ? nextCharacter(text, lastPart) : lineStart + 1;
+    std::string excerpt(text.substr(0, end));
+    excerpt += excerpt.ends_with('\n') ? "" : "\n";
+    excerpt += "[" + std::to_string(start - end) + " bytes are left out here]\n";
+    return excerpt.append(text.substr(start));
+}
+
+}  // namespace neb

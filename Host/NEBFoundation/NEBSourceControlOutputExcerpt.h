@@ -1,0 +1,21 @@
+// NEBSourceControlOutputExcerpt.h - the part of a child's messages that becomes an error.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace neb {
+
+/// The longest text that NEBSourceControlOutputExcerpt() returns unchanged, in bytes. It holds the
+/// messages about several thousand files.
+constexpr std::size_t NEBSourceControlLongestMessages = std::size_t{1} << 20U;
+
+/// Returns the text, or if it is longer than NEBSourceControlLongestMessages, its first and its
+/// last lines, about half of that each, with a line between them that says how many bytes are left
+/// out. A hook or a server may print any amount, and git's own messages are at the beginning or at
+/// the end. Cuts between lines, or between the characters of a very long line. Takes linear time.
+/// Thread-safe.
+[[nodiscard]] std::string NEBSourceControlOutputExcerpt(std::string_view text);
+
+}  // namespace neb

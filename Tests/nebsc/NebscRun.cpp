@@ -40,7 +40,7 @@ std::string readToEnd(int master) {
 
 /// Returns the signals that nebsc gets with the default disposition.
 std::vector<int> defaultSignalsExcept(const std::vector<int>& ignoredSignals) {
-    std::vector<int> signals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+    std::vector<int> signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE};
     std::erase_if(signals, [&ignoredSignals](int signalNumber) {
         return std::find(ignoredSignals.begin(), ignoredSignals.end(), signalNumber) !=
                ignoredSignals.end();

@@ -31,7 +31,7 @@ ServerClient::ServerClient(
     _pid = startProgram(launcher, environmentWith(variables),
                         {.standardInput = ChildStream::copyOf(input.readEnd.get()),
                          .standardOutput = ChildStream::copyOf(output.writeEnd.get()),
-                         .defaultSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE}});
+                         .defaultSignals = {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}});
     _toServer = std::move(input.writeEnd);
     _fromServer = std::move(output.readEnd);
     ::signal(SIGPIPE, SIG_IGN);

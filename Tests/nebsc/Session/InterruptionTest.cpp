@@ -112,6 +112,7 @@ TEST_P(InterruptedBy, TheQueryForTheVersionEnds) {
 
 INSTANTIATE_TEST_SUITE_P(Interruption, InterruptedBy,
                          testing::Values(SignalRow{SIGINT, 130, "nebsc: stopped by SIGINT\n"},
+                                         SignalRow{SIGQUIT, 131, "nebsc: stopped by SIGQUIT\n"},
                                          SignalRow{SIGTERM, 143, "nebsc: stopped by SIGTERM\n"},
                                          SignalRow{SIGHUP, 129, "nebsc: stopped by SIGHUP\n"}),
                          [](const auto& row) { return std::to_string(row.param.signalNumber); });
@@ -148,8 +149,8 @@ protected:
         }
     }
 
-    static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
-    std::array<void (*)(int), 3> former{};
+    static constexpr std::array signals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
+    std::array<void (*)(int), signals.size()> former{};
 };
 
 TEST_F(InterruptionHere, WithoutASignalNothingIsCancelled) {
@@ -209,7 +210,7 @@ TEST_F(InterruptionHere, BlocksTheSignalsWhileItExists) {
         sigset_t mask;
         ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
         std::vector<int> numbers;
-        for (const int signalNumber : {SIGHUP, SIGINT, SIGTERM, SIGUSR1}) {
+        for (const int signalNumber : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1}) {
             if (::sigismember(&mask, signalNumber) == 1) {
                 numbers.push_back(signalNumber);
             }
@@ -218,7 +219,7 @@ TEST_F(InterruptionHere, BlocksTheSignalsWhileItExists) {
     };
     {
         const Interruption interruption;
-        EXPECT_THAT(blocked(), testing::ElementsAre(SIGINT, SIGTERM));
+        EXPECT_THAT(blocked(), testing::ElementsAre(SIGINT, SIGQUIT, SIGTERM));
     }
     EXPECT_THAT(blocked(), testing::IsEmpty());
 }

@@ -23,7 +23,7 @@ bool isIgnored(int signalNumber) {
 Interruption::Interruption(std::optional<std::chrono::milliseconds> timeLimit)
     : _timeLimit(timeLimit) {
     ::sigemptyset(&_signals);
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signalNumber : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         if (!isIgnored(signalNumber)) {
             ::sigaddset(&_signals, signalNumber);
         }
@@ -92,7 +92,8 @@ void Interruption::handleEndOfTime() {
 
 void Interruption::handleSignal(int signalNumber) {
     const MutexLock lock(_mutex);
-    if (signalNumber == SIGINT && _terminalLoans > 0) {
+    const bool isFromKeyboard = signalNumber == SIGINT || signalNumber == SIGQUIT;
+    if (isFromKeyboard && _terminalLoans > 0) {
         return;
     }
     if (!_signalNumber) {

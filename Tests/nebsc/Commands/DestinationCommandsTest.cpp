@@ -72,6 +72,55 @@ TEST_F(DestinationCommands, MoveRefusesAnUntrackedFile) {
     EXPECT_TRUE(isThere("mine.c"));
 }
 
+TEST_F(DestinationCommands, NothingIsMovedOrCopiedFromOrToTheGitDirectory) {
+    const std::string head = repository.git({"rev-parse", "HEAD"});
+    fs::create_directory_symlink(repository.path(".git/hooks"), repository.path("link"));
+    fs::create_directories(repository.path(".git/hooks"));
+    const std::vector<std::vector<std::string>> changes = {
+        {"mv", "a.c", ".git/hooks/pre-commit"},
+        {"mv", "a.c", ".git/hooks"},
+        {"mv", "a.c", "link/pre-commit"},
+        {"mv", ".git", "g"},
+        {"mv", "a.c", "src/.git"},
+        {"mv", ".git/config", "config"},
+        {"cp", "a.c", ".git/hooks/pre-commit"},
+        {"cp", "a.c", ".git/hooks"},
+        {"cp", "a.c", "link"},
+        {"cp", ".git", "g"},
+        {"cp", ".git/config", "config"},
+        {"mkdir", ".git/zz"},
+        {"mkdir", "src/.git"},
+        {"mkdir", "link/zz"},
+    };
+    for (const auto& arguments : changes) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        expectFailed(nebsc(arguments), HasSubstr("is inside the git directory '"));
+    }
+    EXPECT_EQ(state(), "?? link\n");
+    EXPECT_EQ(repository.git({"rev-parse", "HEAD"}), head);
+    for (const char* name : {".git/hooks/pre-commit", ".git/hooks/a.c", ".git/zz", "src/.git", "g",
+                             "config", ".git/hooks/zz"}) {
+        EXPECT_FALSE(isThere(name)) << name;
+    }
+    for (const int type : {8, 10, 11}) {
+        const JSON request{{"type", type},
+                           {"sourceTree", {{"location", repository.path()}}},
+                           {"files", {"a.c"}},
+                           {"destination", ".git/hooks/pre-commit"}};
+        const NebscOutcome outcome =
+            runNebsc({"request"}, {.folder = repository.path(), .input = request.dump()});
+        EXPECT_EQ(outcome.json()["error"]["class"], "path-invalid") << type;
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+    EXPECT_FALSE(isThere(".git/hooks/pre-commit"));
+}
+
+TEST_F(DestinationCommands, FilesMoveInAWorkingCopyWithinAGitDirectory) {
+    repository.git({"worktree", "add", "--quiet", "--detach", ".git/tree"});
+    expectDone(nebsc({"mv", "a.c", "z.c"}, ".git/tree"));
+    EXPECT_TRUE(isThere(".git/tree/z.c"));
+}
+
 TEST_F(DestinationCommands, MoveReportsAMissingFile) {
     expectFailed(nebsc({"mv", "nosuch.c", "x.c"}),
                  "nebsc: the file or folder 'nosuch.c' does not exist\n");

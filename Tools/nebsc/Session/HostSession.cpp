@@ -4,6 +4,7 @@
 #include "NEBFoundation/NEBSourceControlFileError.h"
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "NEBFoundation/NEBSourceControlUnexpectedError.h"
+#include "Session/GitDirectoryGuard.h"
 #include "Session/MissingFolder.h"
 #include "Session/MissingSubmodules.h"
 #include "Session/ReportCapture.h"
@@ -170,6 +171,10 @@ std::optional<NEBSourceControlArgumentInjection> HostSession::validateAndRun(
     }
     if (auto refused = NEBSourceControlFirstArgumentInjection(*request)) {
         return refused;
+    }
+    if (auto error = run ? errorOfChangeInGitDirectory(*request) : std::nullopt) {
+        outcome.error = std::move(error);
+        return std::nullopt;
     }
     const auto operation = replacement ? replacement : _controller->operationForRequest(request);
     if (!operation) {

@@ -19,6 +19,11 @@ void removeRepeated(std::vector<std::string>& paths) {
     paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
 }
 
+/// Returns the path of an entry of `git ls-files -t --stage`: "TAG MODE ID STAGE TAB PATH".
+std::string pathOfEntry(const std::string& entry) {
+    return entry.substr(entry.find('\t') + 1);
+}
+
 /// Returns whether a folder that is no submodule lies in place of a file.
 bool isReplacedByFolder(const NEBSourceControlRequest& request, const std::string& file) {
     const auto& location = request.sourceTree ? request.sourceTree->location : std::nullopt;
@@ -50,14 +55,14 @@ std::optional<std::vector<std::string>> GitDiscardOperation::queriedPaths(
     return paths;
 }
 
-bool GitDiscardOperation::hasNoConflict(const std::vector<std::string>& taggedPaths) {
-    constexpr std::string_view unmerged = "M ";
+bool GitDiscardOperation::hasNoConflict(const std::vector<std::string>& entries) {
     std::vector<std::string> conflicts;
-    for (const std::string& path : taggedPaths) {
-        if (path.starts_with(unmerged)) {
-            conflicts.push_back(path.substr(unmerged.size()));
+    for (const std::string& entry : entries) {
+        if (entry.starts_with("M ")) {
+            conflicts.push_back(pathOfEntry(entry));
         }
     }
+    removeRepeated(conflicts);
     if (!conflicts.empty()) {
         fail(NEBSourceControlConflictUnresolvedErrorClass,
              "Changes of files in conflict cannot be discarded.", std::move(conflicts));
@@ -65,19 +70,30 @@ bool GitDiscardOperation::hasNoConflict(const std::vector<std::string>& taggedPa
     return !error();
 }
 
+std::optional<std::vector<std::string>> GitDiscardOperation::queriedModified(
+    const std::vector<std::string>& submodules) {
+    auto modified = queriedPaths({"--modified"});
+    if (modified) {
+        std::erase_if(*modified, [&submodules](const std::string& path) {
+            return std::ranges::find(submodules, path) != submodules.end();
+        });
+    }
+    return modified;
+}
+
 std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() {
     Losses losses;
     const bool hasUntracked = hasOption(NEBSourceControlRequestOptionIncludeUntracked);
     // A path that git does not know is an error.
-    const auto known = hasUntracked
-                           ? queriedPaths({"-t", "--cached", "--others", "--error-unmatch"})
-                           : queriedPaths({"-t", "--cached", "--error-unmatch"});
-    const auto modified =
-        known && hasNoConflict(*known) ? queriedPaths({"--modified"}) : std::nullopt;
+    const auto known = hasUntracked ? queriedPaths({"-t", "--stage", "--others", "--error-unmatch"})
+                                    : queriedPaths({"-t", "--stage", "--error-unmatch"});
+    auto submodules = known && hasNoConflict(*known) ? queriedSubmodules(*known) : std::nullopt;
+    const auto modified = submodules ? queriedModified(*submodules) : std::nullopt;
     auto deleted = modified ? queriedPaths({"--deleted"}) : std::nullopt;
     if (!deleted) {
         return std::nullopt;
     }
+    losses.submodules = *std::move(submodules);
     losses.deleted = *std::move(deleted);
     const std::set<std::string, std::less<>> isDeleted(losses.deleted.begin(),
                                                        losses.deleted.end());
@@ -104,6 +120,46 @@ std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() 
         losses.untracked = *std::move(untracked);
     }
     return losses;
+}
+
+std::optional<std::vector<std::string>> GitDiscardOperation::queriedSubmodules(
+    const std::vector<std::string>& entries) {
+    std::set<std::string> submodules;
+    for (const std::string& entry : entries) {
+        if (entry.starts_with("H 160000 ")) {
+            submodules.insert(pathOfEntry(entry));
+        }
+    }
+    std::vector<std::string> changed;
+    if (submodules.empty()) {
+        return changed;
+    }
+    std::vector<std::string> arguments{"--literal-pathspecs",
+                                       "diff-files",
+                                       "--name-only",
+                                       "-z",
+                                       "--relative",
+                                       "--diff-filter=M",
+                                       "--ignore-submodules=untracked",
+                                       "--"};
+    arguments.insert(arguments.end(), submodules.begin(), submodules.end());
+    const auto query = runQuery(request(), arguments);
+    if (!goesOnAfter(*query)) {
+        return std::nullopt;
+    }
+    for (std::string& path : gitNULSeparatedPieces(query->output())) {
+        if (submodules.contains(path)) {
+            changed.push_back(std::move(path));
+        }
+    }
+    return changed;
+}
+
+void GitDiscardOperation::reportKept(const std::vector<std::string>& submodules) {
+    if (!submodules.empty() && !error()) {
+        fail(NEBSourceControlPathInSubmoduleErrorClass,
+             "The changes of submodules were not discarded.", submodules);
+    }
 }
 
 void GitDiscardOperation::addRecords(const std::vector<std::string>& paths,
@@ -167,12 +223,10 @@ void GitDiscardOperation::perform() {
         addRecords(*untracked, "untracked");
         lost.insert(lost.end(), untracked->begin(), untracked->end());
     }
-    if (!mayThrowAway(lost)) {
-        return;
-    }
-    if (restore(*losses)) {
+    if (mayThrowAway(lost) && restore(*losses)) {
         deleteUntracked(losses->untracked);
     }
+    reportKept(losses->submodules);
 }
 
 bool GitDiscardOperation::restore(const Losses& losses) {

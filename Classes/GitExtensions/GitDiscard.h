@@ -19,6 +19,10 @@ namespace neb {
 ///
 /// A request for a file in conflict is refused with the class "conflict-unresolved".
 ///
+/// Changes of submodules stay: other commits, and changes of their tracked files. Everything else
+/// is discarded, and then an error of the class "path-in-submodule" has these submodules as its
+/// files, also with NEBSourceControlRequestOptionDryRun.
+///
 /// The result has a record for each file that is, or with NEBSourceControlRequestOptionDryRun would
 /// be, restored or deleted: NEBSourceControlOperationPathKey (from the working directory; in a
 /// patch from the top), and NEBSourceControlOperationStateKey: "modified", "deleted" or
@@ -35,16 +39,26 @@ protected:
 private:
     /// The paths of the request that are in these states, and what blocks the deleted ones.
     struct Losses {
-        std::vector<std::string> modified, deleted, untracked, obstacles;
+        std::vector<std::string> modified, deleted, untracked, obstacles, submodules;
     };
 
     /// Returns the paths that `git ls-files` lists with this option. Absent if the composite does
     /// not go on.
     [[nodiscard]] std::optional<std::vector<std::string>> queriedPaths(
         std::initializer_list<const char*> options);
-    /// Returns whether no path is in conflict; otherwise the error is set. The paths have the tags
-    /// of `git ls-files -t`.
-    [[nodiscard]] bool hasNoConflict(const std::vector<std::string>& taggedPaths);
+    /// Returns whether no path is in conflict; otherwise the error is set. The entries are those of
+    /// `git ls-files -t --stage`.
+    [[nodiscard]] bool hasNoConflict(const std::vector<std::string>& entries);
+    /// Returns the submodules among the entries that have changes. Absent if the composite does not
+    /// go on.
+    [[nodiscard]] std::optional<std::vector<std::string>> queriedSubmodules(
+        const std::vector<std::string>& entries);
+    /// Returns the modified or deleted paths, without the submodules. Absent if the composite does
+    /// not go on.
+    [[nodiscard]] std::optional<std::vector<std::string>> queriedModified(
+        const std::vector<std::string>& submodules);
+    /// Sets the error if changes of submodules stay.
+    void reportKept(const std::vector<std::string>& submodules);
     [[nodiscard]] std::optional<Losses> queriedLosses();
     /// Sets the result. Returns whether the request allows to throw away `lost`, and to change
     /// anything; otherwise the error is set, unless it asks only what would be lost.

@@ -136,5 +136,60 @@ TEST_F(IndexCommands, PrintTheOutcomeAsJSON) {
     EXPECT_EQ(nebsc({"unstage", "a.c", "--json"}).json()["type"], NEBSourceControlRequestUnstage);
 }
 
+// ---- submodules -------------------------------------------------------------------------------
+
+/// Has a submodule "lib/sub", whose file "f" has changed.
+class IndexCommandsInSubmodules : public CommandTest {
+protected:
+    void SetUp() override {
+        repository.commitFile("f", "first\n");
+        repository.commitFile("f", "second\n");
+        repository.git({"submodule", "--quiet", "add", repository.path(), "lib/sub"});
+        repository.git({"commit", "--quiet", "-m", "with a submodule"});
+        repository.write("lib/sub/f", "third\n");
+        repository.write("f", "third\n");
+    }
+    void expectNotDiscarded(const NebscOutcome& outcome, const std::string& output,
+                            const std::string& seen) const {
+        EXPECT_EQ(outcome.output, output);
+        EXPECT_EQ(outcome.errors,
+                  "nebsc: the changes of submodules were not discarded\n"
+                  "Perform the operation in the submodule.\n"
+                  "    lib/sub\n"
+                  "'nebsc submodule update --force " +
+                      seen + "' discards them.\n");
+        EXPECT_EQ(outcome.exitStatus, 1);
+    }
+};
+
+TEST_F(IndexCommandsInSubmodules, DiscardSaysThatTheirChangesStay) {
+    expectNotDiscarded(nebsc({"discard", "lib/sub"}), "", "lib/sub");
+    expectNotDiscarded(nebsc({"discard", "--force", "sub"}, "lib"), "", "sub");
+    expectNotDiscarded(nebsc({"discard", "--dry-run", "--all"}),
+                       "Would discard:\n    modified  f\n", "lib/sub");
+    expectNotDiscarded(nebsc({"discard", "--force", "--all"}), "Discarded:\n    modified  f\n",
+                       "lib/sub");
+    EXPECT_EQ(state(), " M lib/sub\n");
+    const auto json = nebsc({"discard", "--json", "--force", "--all"}).json();
+    EXPECT_EQ(json["error"]["class"], "path-in-submodule");
+    EXPECT_EQ(json["error"]["files"], nlohmann::ordered_json({"lib/sub"}));
+    EXPECT_EQ(nebsc({"submodule", "update", "--force", "lib/sub"}).exitStatus, 0);
+    EXPECT_EQ(state(), "");
+    expectDone(nebsc({"discard", "--force", "--all"}), "Nothing to discard.\n");
+}
+
+TEST_F(IndexCommandsInSubmodules, DiscardSaysThatAnotherCommitStays) {
+    repository.git({"-C", "lib/sub", "checkout", "--quiet", "--force", "HEAD~1"});
+    expectNotDiscarded(nebsc({"discard", "--force", "lib/sub"}), "", "lib/sub");
+    EXPECT_EQ(state(), " M f\n M lib/sub\n");
+}
+
+TEST_F(IndexCommandsInSubmodules, RevertSaysThatTheirChangesStay) {
+    expectNotDiscarded(nebsc({"revert", "lib/sub"}), "", "lib/sub");
+    expectNotDiscarded(nebsc({"revert", "."}), "", "lib/sub");
+    EXPECT_EQ(state(), " M lib/sub\n");
+    expectDone(nebsc({"revert", "f"}));
+}
+
 }  // namespace
 }  // namespace neb::test

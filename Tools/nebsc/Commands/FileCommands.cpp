@@ -3,6 +3,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "CommandFrame/RecordNames.h"
 #include "Commands/Commands.h"
+#include "Commands/KeptSubmodules.h"
 #include "Commands/PickCommands.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
@@ -149,6 +150,14 @@ protected:
     }
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override {
         return newRequest(NEBSourceControlRequestRevert, paths(files));
+    }
+    void finish(Outcome& outcome) override {
+        if (mayRunGit()) {
+            outcome.error = errorOfKeptSubmodules(git(), paths(files));
+        }
+    }
+    std::string adviceFor(const NEBSourceControlError& error) const override {
+        return adviceOnKeptSubmodules(workingCopy(), error);
     }
 };
 

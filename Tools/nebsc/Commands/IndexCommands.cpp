@@ -3,6 +3,7 @@
 #include "CommandFrame/FileStates.h"
 #include "Commands/Commands.h"
 #include "Commands/IndexTask.h"
+#include "Commands/KeptSubmodules.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Platform/PathString.h"
@@ -78,15 +79,20 @@ protected:
     bool isHandled(const NEBSourceControlError& error) const override {
         return error.errorClass == NEBSourceControlLocalChangesErrorClass;
     }
-    std::string adviceFor(const NEBSourceControlError& error) const override {
-        return error.errorClass == NEBSourceControlConflictUnresolvedErrorClass
-                   ? "'nebsc unstage --force' ends the conflict; after that, changes can be "
-                     "discarded."
-                   : "";
-    }
+    std::string adviceFor(const NEBSourceControlError& error) const override;
     void report(const Outcome& outcome, CommandOutput& output) override;
+    /// Lists what was discarded although changes of submodules stay.
+    void reportFailure(const Outcome& outcome, CommandOutput& output) override {
+        output.standardOutput += discardedLines(outcome);
+    }
 
 private:
+    /// Returns the files that were discarded, with a heading; empty without files.
+    [[nodiscard]] std::string discardedLines(const Outcome& outcome) const;
+    [[nodiscard]] std::string linesOf(const Outcome& outcome) const {
+        return fileStateLines(workingCopy(), outcome.result.value_or(NEBSourceControlResult()),
+                              NEBSourceControlOperationStateKey);
+    }
     /// Names the untracked repositories among the files, which git never deletes.
     void noteSeparateRepositories(CommandOutput& output) const;
 };
@@ -101,10 +107,21 @@ void DiscardTask::noteSeparateRepositories(CommandOutput& output) const {
     }
 }
 
+std::string DiscardTask::adviceFor(const NEBSourceControlError& error) const {
+    if (error.errorClass == NEBSourceControlConflictUnresolvedErrorClass) {
+        return "'nebsc unstage --force' ends the conflict; after that, changes can be discarded.";
+    }
+    return adviceOnKeptSubmodules(workingCopy(), error);
+}
+
+std::string DiscardTask::discardedLines(const Outcome& outcome) const {
+    const std::string lines = linesOf(outcome);
+    const bool isDryRun = arguments().has(dryRun);
+    return lines.empty() ? "" : (isDryRun ? "Would discard:\n" : "Discarded:\n") + lines;
+}
+
 void DiscardTask::report(const Outcome& outcome, CommandOutput& output) {
-    const std::string lines =
-        fileStateLines(workingCopy(), outcome.result.value_or(NEBSourceControlResult()),
-                       NEBSourceControlOperationStateKey);
+    const std::string lines = linesOf(outcome);
     if (outcome.error) {
         CommandOutput refused =
             refusal("Nothing was discarded, because changes would be lost:", exitFailed,
@@ -115,8 +132,7 @@ void DiscardTask::report(const Outcome& outcome, CommandOutput& output) {
     } else if (lines.empty()) {
         output.standardOutput = "Nothing to discard.\n";
     } else {
-        output.standardOutput = (arguments().has(dryRun) ? "Would discard:\n" : "Discarded:\n");
-        output.standardOutput += lines;
+        output.standardOutput = discardedLines(outcome);
     }
     if (!outcome.error) {
         noteSeparateRepositories(output);
@@ -181,7 +197,8 @@ constinit const Command discardCommand{
     .details =
         "Restores what was staged last, or the latest commit if nothing is staged.\n"
         "Unlike 'nebsc revert', refuses to lose changes unless --force is given. Files in\n"
-        "conflict are refused.\n"
+        "conflict are refused. Changes of submodules stay: 'nebsc submodule update\n"
+        "--force' discards them.\n"
         "\n"
         "Examples:\n"
         "  nebsc discard --dry-run --all              list what would be lost\n"

@@ -180,6 +180,33 @@ TEST_F(CommitCommand, ASilentGitFailureIsAnError) {
                  "nebsc: git exited with status 128 and printed nothing\n");
 }
 
+TEST_F(CommitCommand, ReportsNoCommitThatGitDidNotMake) {
+    const std::string before = latest("%H");
+    const StandInGit git(repository.path(), "exit 0");
+    const char* message =
+        "nebsc: git reported success, but made no commit\n"
+        "Check with 'git --version' that git is the program you expect.\n";
+    expectFailed(nebsc({"commit", "-m", "x"}, git), message);
+    const auto json = nebsc({"commit", "--json", "-m", "x"}, git).json();
+    EXPECT_EQ(json["error"]["class"], "unknown");
+    EXPECT_EQ(json["result"], nullptr);
+    EXPECT_EQ(latest("%H"), before);
+    const TestRepository empty;
+    const TemporaryFolder bin;
+    bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] || exec /usr/bin/git \"$@\"\n");
+    expectFailed(
+        runNebsc({"commit", "-m", "x"},
+                 {.folder = empty.path(), .variables = {{"PATH", bin.path() + ":/usr/bin:/bin"}}}),
+        message);
+}
+
+TEST_F(CommitCommand, ReportsACommitThatIsAmendedWithoutAChange) {
+    repository.git({"commit", "--quiet", "-m", "x"});
+    for (int i = 0; i < 3; ++i) {  // within a second, the id stays
+        EXPECT_THAT(nebsc({"commit", "--amend", "--no-edit"}).output, HasSubstr("Amended"));
+    }
+}
+
 TEST_F(CommitCommand, PrintsNothingIfTheCommitIsUnknown) {
     const TemporaryFolder bin;
     bin.writeProgram("git", "#!/bin/sh\n[ \"$1\" = commit ] && : >.git/HEAD && echo one-word");

@@ -1,6 +1,7 @@
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "Commands/MessageEditing.h"
+#include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Session/Editor.h"
 #include "Terminal/PrintableText.h"
@@ -32,6 +33,7 @@ public:
 protected:
     std::optional<CommandOutput> validate() override;
     std::shared_ptr<NEBSourceControlRequest> makeRequest() override;
+    void finish(Outcome& outcome) override;
     void report(const Outcome& outcome, CommandOutput& output) override;
     std::string adviceFor(const NEBSourceControlError& error) const override;
 
@@ -41,6 +43,11 @@ private:
     [[nodiscard]] bool isEdited() const;
     [[nodiscard]] CommitToDescribe commitToDescribe() const;
 
+    /// Returns the id of the commit that was made; absent without a commit.
+    [[nodiscard]] std::optional<std::string> revisionIn(const Outcome& outcome) const;
+
+    /// The commit of HEAD before; absent before the first commit.
+    std::optional<std::string> _commitBefore;
     /// Absent for that of the amended commit.
     std::optional<std::string> _message;
     /// Empty if the user has edited none.
@@ -100,6 +107,7 @@ std::optional<CommandOutput> CommitTask::validate() {
 }
 
 std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
+    _commitBefore = mayRunGit() ? git().headCommit() : std::nullopt;
     auto request = newRequest(NEBSourceControlRequestCommit, paths("FILE"));
     request->options.emplace();
     for (const CommitFlag& row : newerFlags) {
@@ -128,15 +136,34 @@ std::string CommitTask::adviceFor(const NEBSourceControlError& /*error*/) const 
 }
 
 /// For the first commit and on a detached HEAD, the record does not hold the commit id.
-void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
+std::optional<std::string> CommitTask::revisionIn(const Outcome& outcome) const {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     const auto recorded =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
                   : std::nullopt;
-    const auto revision = recorded && isAbbreviatedRevision(*recorded)
-                              ? std::optional(std::string(*recorded))
-                              : git().headCommit();
-    if (revision) {
+    return recorded && isAbbreviatedRevision(*recorded) ? std::optional(std::string(*recorded))
+                                                        : git().headCommit();
+}
+
+/// A commit that is amended within a second may keep its id.
+void CommitTask::finish(Outcome& outcome) {
+    if (!mayRunGit() || isAmending()) {
+        return;
+    }
+    const auto revision = revisionIn(outcome);
+    const bool isUnchanged =
+        revision ? _commitBefore && _commitBefore->starts_with(*revision) : !_commitBefore;
+    if (isUnchanged) {
+        outcome.result.reset();
+        outcome.error = NEBSourceControlError::withDescription(
+            NEBSourceControlGenericError, "git reported success, but made no commit.",
+            "Check with \"git --version\" that git is the program you expect.");
+        outcome.error->errorClass = NEBSourceControlUnknownErrorClass;
+    }
+}
+
+void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
+    if (const auto revision = revisionIn(outcome)) {
         output.standardOutput =
             (isAmending() ? "Amended; now at " : "Committed ") + printable(*revision) + ".\n";
     }

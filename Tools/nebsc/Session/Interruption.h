@@ -1,9 +1,9 @@
 // Interruption.h - clean cancellation of the running work by a signal or at a time limit.
 //
 // Each git process runs in a session of its own, so Ctrl-C at the terminal reaches only nebsc.
-// While an Interruption exists, SIGINT, SIGTERM and SIGHUP cancel the work instead of ending nebsc;
-// nebsc then waits until the work has cleaned up. A signal that the process ignores (as under
-// nohup) stays ignored.
+// While an Interruption exists, SIGINT, SIGQUIT (Ctrl-\ at the terminal), SIGTERM and SIGHUP cancel
+// the work instead of ending nebsc; nebsc then waits until the work has cleaned up. A signal that
+// the process ignores (as under nohup) stays ignored.
 //
 //     Interruption interruption;
 //     {
@@ -57,8 +57,8 @@ public:
         std::list<std::function<void()>>::iterator _cancel;
     };
 
-    /// While the object exists, SIGINT has no effect: Ctrl-C is meant for a program that runs at
-    /// the terminal, such as an editor, and nebsc waits for that program.
+    /// While the object exists, SIGINT and SIGQUIT have no effect: Ctrl-C is meant for a program
+    /// that runs at the terminal, such as an editor, and nebsc waits for that program.
     class TerminalLoan {
     public:
         explicit TerminalLoan(Interruption& interruption);

@@ -1,4 +1,5 @@
-// DocumentationTest.cpp - tests that the pages name only files and folders that exist.
+// DocumentationTest.cpp - tests that the pages name only files and folders that exist, and the
+// contract version of the program.
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 #include <regex>
 #include <string>
 #include <vector>
+
+#include "NEBFoundation/NEBSourceControlPlugIn.h"
 
 namespace neb::test {
 namespace {
@@ -96,6 +99,11 @@ TEST(DocumentationIndex, ListsEveryPage) {
             EXPECT_NE(index.find("](" + page.filename().string() + ")"), std::string::npos) << page;
         }
     }
+}
+
+TEST(DocumentationOfTheServer, ShowsTheContractVersion) {
+    EXPECT_EQ(matchesIn(contentOf(sourceFolder / "docs/server.md"), R"("contractVersion": (\d+))"),
+              std::vector{std::to_string(NEBSourceControlContractVersion)});
 }
 
 std::string testNameOf(const testing::TestParamInfo<fs::path>& info) {

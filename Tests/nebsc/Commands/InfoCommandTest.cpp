@@ -7,6 +7,7 @@ namespace neb::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class InfoCommand : public CommandTest {
 protected:
@@ -36,6 +37,15 @@ TEST_F(InfoCommand, ShowsTheConnectedSubversionRepository) {
                    repository.path() + "\n");
 }
 
+/// Inspect mode runs more git commands.
+TEST_F(InfoCommand, NamesTheKindOfRepositoryInInspectMode) {
+    configure("svn-remote.svn.url", "file:///svn/demo");
+    EXPECT_THAT(nebsc({"info", "--inspect"}).output, StartsWith("Subversion  file:///svn/demo\n"));
+    configure("remote.origin.url", "https://example.org/demo.git");
+    EXPECT_THAT(nebsc({"info", "--inspect"}).output,
+                StartsWith("origin      https://example.org/demo.git\n"));
+}
+
 TEST_F(InfoCommand, ReportsARepositoryWithoutURL) {
     configure("remote.upstream.url", "https://example.org/demo.git");
     expectDone(nebsc({"info"}),
@@ -46,7 +56,7 @@ TEST_F(InfoCommand, ReportsARepositoryWithoutURL) {
 TEST_F(InfoCommand, FailsOutsideARepository) {
     const TemporaryFolder folder;
     expectFailed(runNebsc({"info"}, {.folder = folder.path()}),
-                 testing::StartsWith("nebsc: the folder is not in a git repository"));
+                 StartsWith("nebsc: the folder is not in a git repository"));
     const NebscOutcome json = runNebsc({"info", "--json"}, {.folder = folder.path()});
     EXPECT_EQ(json.json()["type"], NEBSourceControlRequestInfo);
     EXPECT_THAT(json.errors, HasSubstr("not in a git repository"));
@@ -58,7 +68,7 @@ TEST_F(InfoCommand, FailsOutsideARepositoryWithAURLInTheUsersConfiguration) {
     folder.write(".gitconfig", "[remote \"origin\"]\n\turl = https://example.org/x\n");
     expectFailed(
         runNebsc({"info"}, {.folder = folder.path(), .variables = {{"HOME", folder.path()}}}),
-        testing::StartsWith("nebsc: the folder is not in a git repository"));
+        StartsWith("nebsc: the folder is not in a git repository"));
 }
 
 TEST_F(InfoCommand, ReportsARepositoryOfAnotherUser) {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "CommandFrame/CommandTask.h"
 #include "Commands/Commands.h"
 #include "LOMFoundation/LOMPasswordRedaction.h"
@@ -27,6 +29,14 @@ std::string line(std::string_view name, const NEBValue& value) {
            printable(textWithoutPasswords(value.description())) + "\n";
 }
 
+/// Returns whether the plug-in asked for the URL of a Subversion repository. It does so only if
+/// there is no remote "origin".
+bool hasReadSubversionURL(const Outcome& outcome) {
+    return std::ranges::any_of(outcome.commands, [](const NEBSourceControlCommandRun& run) {
+        return std::ranges::find(run.arguments, "svn-remote.svn.url") != run.arguments.end();
+    });
+}
+
 /// Outside of a repository, the request finds nothing either, or a URL in the user's configuration.
 void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
     if (auto refused = refusalOutsideRepository(git())) {
@@ -42,8 +52,7 @@ void InfoTask::report(const Outcome& outcome, CommandOutput& output) {
                                 " has no remote 'origin' and no connected Subversion repository.\n";
         return;
     }
-    const bool isSubversion = outcome.commands.size() > 1;
-    output.standardOutput = line(isSubversion ? "Subversion" : "origin", url) +
+    output.standardOutput = line(hasReadSubversionURL(outcome) ? "Subversion" : "origin", url) +
                             line("root", record.value(NEBSourceControlOperationRepositoryRootKey));
 }
 

@@ -23,7 +23,7 @@ protected:
         return repository.git({"log", "-1", std::string("--format=") + format});
     }
     void expectCommitted(const NebscOutcome& outcome) const {
-        EXPECT_THAT(outcome.output, MatchesRegex("Committed [0-9a-f]+\\.\n"));
+        EXPECT_THAT(outcome.output, MatchesRegex("Committed [0-9a-f]{12}\\.\n"));
         const std::string revision = outcome.output.substr(10, outcome.output.find('.') - 10);
         EXPECT_THAT(latest("%H"), testing::StartsWith(revision));
         EXPECT_EQ(outcome.errors, "");

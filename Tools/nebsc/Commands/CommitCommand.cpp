@@ -135,14 +135,19 @@ std::string CommitTask::adviceFor(const NEBSourceControlError& /*error*/) const 
                : "The message is kept in " + inQuotes(_messageFile) + " until the next commit.";
 }
 
-/// For the first commit and on a detached HEAD, the record does not hold the commit id.
+/// Returns 12 characters of the commit id if HEAD is the recorded commit: git abbreviates the id in
+/// the record to fewer. For the first commit and on a detached HEAD, the record does not hold the
+/// id.
 std::optional<std::string> CommitTask::revisionIn(const Outcome& outcome) const {
     const bool hasRecord = outcome.result && !outcome.result->empty();
     const auto recorded =
         hasRecord ? outcome.result->front().value(NEBSourceControlOperationRevisionKey).string()
                   : std::nullopt;
-    return recorded && isAbbreviatedRevision(*recorded) ? std::optional(std::string(*recorded))
-                                                        : git().headCommit();
+    if (!recorded || !isAbbreviatedRevision(*recorded)) {
+        return git().headCommit();
+    }
+    const auto head = mayRunGit() ? git().headCommit() : std::nullopt;
+    return head && head->starts_with(*recorded) ? head : std::optional(std::string(*recorded));
 }
 
 /// A commit that is amended within a second may keep its id.

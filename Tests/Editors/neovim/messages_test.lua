@@ -19,6 +19,24 @@ function tests.AdviceNamesKeys()
   harness.wait_for_message("to continue.\nThe status shows what is unfinished.")
 end
 
+function tests.AdviceNamesKeysThatTheStatusHas()
+  local no_keys = { ["and"] = true, ["in"] = true, the = true, status = true }
+  local keys = {}
+  for _, text in pairs(require("nebgit.advice")) do
+    for remark in text:gmatch("%(([^:)]+)%)") do
+      for word in remark:gmatch("%a+") do
+        keys[word] = not no_keys[word] or nil
+      end
+    end
+  end
+  harness.equal({ true, true }, { keys.s, keys.ra })
+  harness.commit({ file = "1\n" })
+  harness.open_status()
+  for key in pairs(keys) do
+    harness.equal({ key, true }, { key, vim.fn.maparg(key, "n", false, true).buffer == 1 })
+  end
+end
+
 function tests.AdviceToReadTheOutputShowsIt()
   local failure = { class = "remote-refused", message = "Refused.", text = "why", advice = "Read." }
   harness.equal("Refused.\nwhy\nRead.", messages.text_of(failure))
@@ -35,6 +53,17 @@ function tests.ErrorOfSeveralLinesIsOneMessage()
   vim.api.nvim_echo = echo
   harness.equal({ true }, { ok, problem })
   harness.equal({ { { { "nebgit: first\nsecond", "ErrorMsg" } }, true } }, echoed)
+end
+
+function tests.ErrorGoesToThePlugInThatShowsMessages()
+  local former, shown = vim.notify, {}
+  vim.notify = setmetatable({}, { __call = function(_, text)
+    table.insert(shown, text)
+  end })
+  local ok, problem = pcall(messages.error, "text")
+  vim.notify = former
+  harness.equal({ true }, { ok, problem })
+  harness.equal({ "nebgit: text" }, shown)
 end
 
 function tests.BlameInAWindowWithoutAFileSaysSo()

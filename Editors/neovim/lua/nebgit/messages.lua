@@ -3,9 +3,11 @@ local M = {}
 
 local advice = require("nebgit.advice")
 
--- Returns whether vim.notify() is Neovim's own, and not that of a plug-in.
+-- Returns whether vim.notify() is Neovim's own, and not that of a plug-in, which may be a table that
+-- can be called.
 local function is_built_in()
-  return vim.startswith(debug.getinfo(vim.notify, "S").source, "@vim/")
+  return type(vim.notify) == "function"
+    and vim.startswith(debug.getinfo(vim.notify, "S").source, "@vim/")
 end
 
 local function show(text, level)

@@ -78,7 +78,7 @@ GitChangeOperation::GitChangeOperation(std::shared_ptr<NEBSourceControlRequest> 
     if (std::ranges::any_of(arguments, [](const std::string& argument) {
             return argument.starts_with("--set-upstream");
         })) {
-        setSetsUpstream();
+        setChangesBranchSettings();
     }
     setArgumentsBehindDefaults(arguments);
     setInput(std::move(input));

@@ -86,13 +86,14 @@ GitBranchOperation::GitBranchOperation(std::shared_ptr<NEBSourceControlRequest> 
     setChangesRepository();
     switch (asked.type) {
         case NEBSourceControlRequestDeleteBranch:
+            setChangesBranchSettings();
             arguments.emplace_back(
                 asked.option(NEBSourceControlRequestOptionForce).boolValue() ? "-D" : "-d");
             appendIfPresent(arguments, asked.destination);
             break;
         case NEBSourceControlRequestTrackRemoteBranch:
             reportMissingNames(asked);
-            setSetsUpstream();
+            setChangesBranchSettings();
             arguments.emplace_back("--track");
             appendIfPresent(arguments, asked.destination);
             arguments.push_back(branchOfRemote(asked));

@@ -25,11 +25,11 @@ std::string findGit() {
         .pathOfProgram("git");
 }
 
-/// Whether a line says that git could not write a setting.
+/// Whether a line says that git could not write or remove a setting.
 bool reportsUnwrittenSetting(std::string_view text) {
-    constexpr std::string_view signs[] = {"error: could not lock config file ",
-                                          "error: could not write config file ",
-                                          "error: failed to write new configuration file "};
+    constexpr std::string_view signs[] = {
+        "error: could not lock config file ", "error: could not write config file ",
+        "error: failed to write new configuration file ", "warning: Update of config-file failed"};
     bool isReported = false;
     forEachLine(text, [&](std::string_view line) {
         isReported = isReported || std::ranges::any_of(signs, [line](std::string_view sign) {
@@ -106,7 +106,7 @@ std::optional<NEBSourceControlError> GitOperation::errorFromErrorMessage(
         return std::nullopt;
     }
     if (isSuccess && _isJudgedByExitStatus) {
-        return _setsUpstream && reportsUnwrittenSetting(*message)
+        return _changesBranchSettings && reportsUnwrittenSetting(*message)
                    ? std::optional(NEBSourceControlErrorFromText(*message, *request()))
                    : std::nullopt;
     }

@@ -67,9 +67,10 @@ protected:
     /// Declares an operation that writes files and runs no hooks: status 0 is success, whatever was
     /// printed.
     void setJudgedByExitStatus() { _isJudgedByExitStatus = true; }
-    /// Declares a change that sets the upstream branch of a branch. git exits with status 0 even if
-    /// it could not write that setting, which is an error nevertheless.
-    void setSetsUpstream() { _setsUpstream = true; }
+    /// Declares a change that sets the upstream branch of a branch, or removes the settings of a
+    /// deleted branch. git exits with status 0 even if it could not write the configuration, which
+    /// is an error nevertheless.
+    void setChangesBranchSettings() { _changesBranchSettings = true; }
     /// Declares a query: exit status 1 without output means that there is no result.
     void setEmptyOutputIsValid() { _isEmptyOutputValid = true; }
 
@@ -85,7 +86,7 @@ protected:
 
 private:
     bool _isJudgedByExitStatus = false;
-    bool _setsUpstream = false;
+    bool _changesBranchSettings = false;
     bool _isEmptyOutputValid = false;
 };
 

@@ -233,6 +233,20 @@ TEST_F(BranchCommands, DeleteRequiresForceForAnUnmergedBranch) {
     EXPECT_EQ(repository.git({"branch"}), "* main\n");
 }
 
+/// git deletes the branch, only warns about the settings, and exits with status 0.
+TEST_F(BranchCommands, DeleteReportsSettingsThatCouldNotBeRemoved) {
+    repository.git({"branch", "--track", "topic"});
+    repository.write(".git/config.lock", "");
+    const NebscOutcome outcome = nebsc({"branch", "delete", "topic"});
+    expectFailed(outcome, HasSubstr("error: could not lock config file .git/config\n"));
+    EXPECT_THAT(outcome.errors,
+                testing::EndsWith("\nThe branch 'topic' (was " + revision("main") +
+                                  ") was deleted, but its settings were not removed. 'git config "
+                                  "--remove-section branch.topic' removes them.\n"));
+    EXPECT_EQ(repository.git({"branch"}), "* main\n");
+    EXPECT_EQ(repository.git({"config", "branch.topic.remote"}), ".\n");
+}
+
 TEST_F(BranchCommands, DeleteReportsFailures) {
     expectFailed(nebsc({"branch", "delete", "main"}),
                  AllOf(HasSubstr("'main'"), testing::Not(HasSubstr("--force"))));

@@ -10,6 +10,7 @@
 #include "NEBFoundation/NEBSourceControlKeys.h"
 #include "Terminal/Colour.h"
 #include "Terminal/PrintableText.h"
+#include "Terminal/ShellText.h"
 #include "Terminal/TextWidth.h"
 
 namespace neb::nebsc {
@@ -237,6 +238,11 @@ protected:
     std::string adviceFor(const NEBSourceControlError& error) const override;
 
 private:
+    /// Returns the commit that the deleted branch had, in parentheses after a blank.
+    [[nodiscard]] std::string formerCommit() const {
+        return _commit ? " (was " + printable(*_commit) + ")" : "";
+    }
+
     std::string _name;
     std::optional<std::string> _commit;
 };
@@ -268,11 +274,18 @@ std::shared_ptr<NEBSourceControlRequest> DeleteTask::makeRequest() {
 }
 
 void DeleteTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
-    output.standardOutput = "Deleted branch " + printable(inQuotes(_name)) +
-                            (_commit ? " (was " + printable(*_commit) + ")" : "") + ".\n";
+    output.standardOutput = "Deleted branch " + printable(inQuotes(_name)) + formerCommit() + ".\n";
 }
 
+/// git warns about the settings only after it has deleted the branch.
 std::string DeleteTask::adviceFor(const NEBSourceControlError& error) const {
+    constexpr std::string_view warning = "warning: Update of config-file failed";
+    if (error.text.value_or("").find(warning) != std::string::npos) {
+        const std::string removal = "git config --remove-section " + shellQuoted("branch." + _name);
+        return "The branch " + printable(inQuotes(_name)) + formerCommit() +
+               " was deleted, but its settings were not removed. " + printable(inQuotes(removal)) +
+               " removes them.";
+    }
     return error.errorClass == NEBSourceControlBranchNotMergedErrorClass
                ? "'nebsc branch delete --force' deletes it anyway."
                : "";

@@ -56,6 +56,28 @@ TEST_F(PickCommands, CherryPickStopsAtConflicts) {
     expectDone(continued, "Continued the revert" + atHead());
 }
 
+/// See rerere.autoUpdate in git-config(1).
+TEST_F(PickCommands, CherryPickStopsAfterGitAppliedRecordedResolutions) {
+    repository.git({"config", "rerere.enabled", "true"});
+    repository.git({"config", "rerere.autoUpdate", "true"});
+    repository.commitFile("src/a.c", "main\n");
+    expectFailed(nebsc({"cherry-pick", "topic"}), HasSubstr("    both modified  src/a.c\n"));
+    repository.write("src/a.c", "resolved\n");
+    expectDone(nebsc({"stage", "--all"}));
+    const NebscOutcome recorded = nebsc({"continue"});
+    expectDone(recorded, "Continued the cherry-pick" + atHead());
+    repository.git({"reset", "--quiet", "--hard", "HEAD~1"});
+    expectFailed(
+        nebsc({"cherry-pick", "topic"}),
+        "nebsc: the cherry-pick stopped; git resolved the conflicts as recorded by 'git rerere'\n"
+        "Check them with 'nebsc diff --staged', then run 'nebsc continue'; 'nebsc abort' restores "
+        "the state before.\n");
+    EXPECT_EQ(state(), "M  src/a.c\n");
+    const NebscOutcome continued = nebsc({"continue"});
+    expectDone(continued, "Continued the cherry-pick" + atHead());
+    EXPECT_EQ(repository.git({"show", "HEAD:src/a.c"}), "resolved\n");
+}
+
 TEST_F(PickCommands, MergesNeedTheNumberOfAParent) {
     repository.git({"merge", "--quiet", "--no-ff", "-m", "Merge", "topic"});
     repository.git({"checkout", "--quiet", "-b", "other", "main~1"});

@@ -73,6 +73,25 @@ TEST_F(StashCommands, PopKeepsAStashThatConflicts) {
     EXPECT_EQ(nebsc({"stash", "pop", "--json"}).json()["type"], NEBSourceControlRequestStash);
 }
 
+/// See rerere.autoUpdate in git-config(1).
+TEST_F(StashCommands, PopKeepsAStashWithRecordedResolutions) {
+    repository.git({"config", "rerere.enabled", "true"});
+    repository.git({"config", "rerere.autoUpdate", "true"});
+    expectDone(nebsc({"stash", "push"}), "Stashed the changes as stash@{0}.\n");
+    repository.commitFile("a.c", "third\n");
+    expectFailed(nebsc({"stash", "pop"}), HasSubstr("    both modified  a.c\n"));
+    repository.write("a.c", "resolved\n");
+    repository.git({"add", "a.c"});
+    repository.git({"rerere"});
+    repository.git({"reset", "--quiet", "--hard"});
+    expectFailed(
+        nebsc({"stash", "pop"}),
+        "nebsc: the stash stopped; git resolved the conflicts as recorded by 'git rerere'\n"
+        "Check them with 'nebsc diff --staged'. The stash is kept.\n");
+    EXPECT_EQ(state(), "M  a.c\n");
+    EXPECT_NE(stashes(), "");
+}
+
 TEST_F(StashCommands, DropSaysHowToRestoreTheStash) {
     expectDone(nebsc({"stash", "push"}), "Stashed the changes as stash@{0}.\n");
     std::string id = repository.git({"rev-parse", "stash"});

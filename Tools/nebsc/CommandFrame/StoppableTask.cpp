@@ -7,8 +7,23 @@
 
 namespace neb::nebsc {
 
+namespace {
+
+/// Whether git applied resolutions that it recorded earlier: "Staged 'a' using previous
+/// resolution."; see git-rerere(1).
+bool usedRecordedResolutions(const NEBSourceControlError& error) {
+    return error.text.value_or("").find("' using previous resolution.") != std::string::npos;
+}
+
+}  // namespace
+
 std::string StoppableTask::conflictAdvice() const {
     return "Resolve them in the files, run 'nebsc stage' on these, then 'nebsc continue'; "
+           "'nebsc abort' restores the state before.";
+}
+
+std::string StoppableTask::resolutionAdvice() const {
+    return "Check them with 'nebsc diff --staged', then run 'nebsc continue'; "
            "'nebsc abort' restores the state before.";
 }
 
@@ -22,12 +37,16 @@ void StoppableTask::report(const Outcome& outcome, CommandOutput& output) {
         output.standardOutput = textOfSuccess(outcome);
         return;
     }
-    CommandOutput stopped = refusal(subject() + " stopped at conflicts:", exitFailed,
-                                    NEBSourceControlConflictErrorClass);
-    stopped.standardError +=
+    const std::string files =
         fileStateLines(workingCopy(), outcome.result.value_or(NEBSourceControlResult()),
                        NEBSourceControlOperationConflictKey);
-    addAdvice(stopped, conflictAdvice());
+    const bool isResolved = files.empty() && usedRecordedResolutions(*outcome.error);
+    CommandOutput stopped = refusal(
+        subject() + (isResolved ? " stopped; git resolved the conflicts as recorded by 'git rerere'"
+                                : " stopped at conflicts:"),
+        exitFailed, NEBSourceControlConflictErrorClass);
+    stopped.standardError += files;
+    addAdvice(stopped, isResolved ? resolutionAdvice() : conflictAdvice());
     addFailure(output, stopped);
 }
 

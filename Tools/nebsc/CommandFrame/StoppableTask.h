@@ -18,6 +18,9 @@ protected:
     [[nodiscard]] virtual std::string subject() const = 0;
     /// Returns the advice to resolve conflicts, without a line end.
     [[nodiscard]] virtual std::string conflictAdvice() const;
+    /// Returns the advice for conflicts that git itself resolved and staged, without a line end;
+    /// see git-rerere(1).
+    [[nodiscard]] virtual std::string resolutionAdvice() const;
     /// Returns what the command did, as a sentence with its line end.
     [[nodiscard]] virtual std::string textOfSuccess(const Outcome& outcome) = 0;
 

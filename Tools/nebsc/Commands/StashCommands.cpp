@@ -196,6 +196,9 @@ protected:
     std::string conflictAdvice() const override {
         return "Resolve them in the files, then run 'nebsc stage' on these. The stash is kept.";
     }
+    std::string resolutionAdvice() const override {
+        return "Check them with 'nebsc diff --staged'. The stash is kept.";
+    }
     std::string textFor(const NEBSourceControlError& error) const override {
         return textForStash(arguments(), error);
     }

@@ -145,6 +145,28 @@ std::optional<std::vector<std::string>> GitChangeComposite::queriedObstacles(
     return obstacles;
 }
 
+std::optional<std::vector<std::string>> GitChangeComposite::queriedUntracked(
+    std::vector<std::string> paths) {
+    if (paths.empty()) {
+        return paths;
+    }
+    std::vector<std::string> arguments{"ls-files", "--others", "-z", "--full-name", "--"};
+    for (const std::string& path : paths) {
+        arguments.push_back(":(top,literal)" + path);
+    }
+    const auto query = runQuery(gitRequestWithoutNames(*request()), arguments);
+    if (!goesOnAfter(*query)) {
+        return std::nullopt;
+    }
+    const std::vector<std::string> files = gitNULSeparatedPieces(query->output());
+    std::erase_if(paths, [&files](const std::string& path) {
+        return std::ranges::none_of(files, [&path](const std::string& file) {
+            return file == path || file.starts_with(path + "/");
+        });
+    });
+    return paths;
+}
+
 std::optional<NEBSourceControlResult> GitChangeComposite::queriedLocalChanges(
     const std::vector<std::string>& paths) {
     std::vector<std::string> arguments{"status",
@@ -173,11 +195,13 @@ std::optional<NEBSourceControlResult> GitChangeComposite::queriedLocalChanges(
             deleted.push_back(entry.path);
         }
     }
-    const auto obstacles = queriedObstacles(deleted, PathOrigin::top);
-    if (!obstacles) {
+    auto obstacles = queriedObstacles(deleted, PathOrigin::top);
+    // Staged ones have records of their own.
+    const auto untracked = obstacles ? queriedUntracked(*std::move(obstacles)) : std::nullopt;
+    if (!untracked) {
         return std::nullopt;
     }
-    for (const std::string& path : *obstacles) {
+    for (const std::string& path : *untracked) {
         addRecord(path).set(NEBSourceControlOperationStateKey, "untracked");
     }
     return records;

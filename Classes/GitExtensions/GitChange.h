@@ -65,10 +65,14 @@ protected:
     /// Their paths have the same origin. Absent if the composite does not go on.
     [[nodiscard]] std::optional<std::vector<std::string>> queriedObstacles(
         const std::vector<std::string>& deleted, PathOrigin origin);
+    /// Returns those of the paths that are untracked files, or folders with untracked files;
+    /// ignored files count. The paths start at the top. Absent if the composite does not go on.
+    [[nodiscard]] std::optional<std::vector<std::string>> queriedUntracked(
+        std::vector<std::string> paths);
     /// Returns a record for each file with uncommitted changes, except those of submodules, with
     /// NEBSourceControlOperationPathKey (from the top) and NEBSourceControlOperationStateKey; and
-    /// for each obstacle of the deleted ones, with the state "untracked". With `paths` only of
-    /// these. Absent if the composite does not go on.
+    /// for each untracked obstacle of the deleted ones, with the state "untracked". With `paths`
+    /// only of these. Absent if the composite does not go on.
     [[nodiscard]] std::optional<NEBSourceControlResult> queriedLocalChanges(
         const std::vector<std::string>& paths = {});
 

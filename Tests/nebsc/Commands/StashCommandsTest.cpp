@@ -1,5 +1,7 @@
 // `nebsc stash` and its subcommands, run as a program.
 
+#include <filesystem>
+
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
 
@@ -71,6 +73,27 @@ TEST_F(StashCommands, PopKeepsAStashThatConflicts) {
         "Resolve them in the files, then run 'nebsc stage' on these. The stash is kept.\n");
     EXPECT_NE(stashes(), "");
     EXPECT_EQ(nebsc({"stash", "pop", "--json"}).json()["type"], NEBSourceControlRequestStash);
+}
+
+TEST_F(StashCommands, PushTakesStagedFilesInPlaceOfDeletedOnes) {
+    repository.commitFile("dir/b.c", "1");
+    repository.commitFile("file", "1");
+    repository.git({"rm", "-rq", "dir", "file"});
+    repository.write("dir", "own");
+    repository.write("file/[b]", "own");
+    repository.git({"add", "dir", "file"});
+    const std::string changes = state();
+    repository.write("file/new", "untracked");
+    expectFailed(nebsc({"stash", "push"}),
+                 "nebsc: untracked files are in place of deleted ones, and would be lost\n"
+                 "Move the files away, or add and commit them.\n"
+                 "    file\n"
+                 "'nebsc stash push --untracked' stashes them too.\n");
+    std::filesystem::remove(repository.path("file/new"));
+    expectDone(nebsc({"stash", "push"}, "src"), "Stashed the changes as stash@{0}.\n");
+    EXPECT_EQ(state(), "");
+    repository.git({"stash", "pop", "-q", "--index"});
+    EXPECT_EQ(state(), changes);
 }
 
 /// See rerere.autoUpdate in git-config(1).

@@ -100,6 +100,10 @@ TEST_F(ShowCommand, ReportsFailures) {
     expectFailed(show({"HEAD:a.c"}),
                  "nebsc: 'HEAD:a.c' is not a commit\n"
                  "'nebsc cat HEAD:a.c' prints a file.\n");
+    expectFailed(show({"HEAD^{tree}"}), "nebsc: 'HEAD^{tree}' is a tree, not a commit\n");
+    const std::string blob = repository.git({"rev-parse", "--short", "HEAD:a.c"}).substr(0, 7);
+    expectFailed(show({blob}), "nebsc: '" + blob + "' is a blob, not a commit\n");
+    expectFailed(show({blob, "--"}), "nebsc: '" + blob + "' is a blob, not a commit\n");
     const TestRepository empty;
     expectFailed(runNebsc({"show"}, {.folder = empty.path()}),
                  "nebsc: the current branch 'main' does not have any commits yet\n");

@@ -215,12 +215,27 @@ std::optional<CommandOutput> refusalOfUnbornHEAD(const GitQueries& git,
     return beginsWithHEAD(revision) ? refusalWithoutCommits(git) : std::nullopt;
 }
 
+std::optional<CommandOutput> refusalOfOtherObject(const GitQueries& git,
+                                                  const std::string& revision) {
+    const auto type = revision.empty() || revision.starts_with('-')
+                          ? std::nullopt
+                          : git.outputOf({"cat-file", "-t", revision});
+    if (type != "tree" && type != "blob") {
+        return std::nullopt;
+    }
+    return refusal(inQuotes(revision) + " is a " + *type + ", not a commit.", exitFailed,
+                   NEBSourceControlRevisionUnknownErrorClass);
+}
+
 CommandOutput refusalOfUnknownRevision(const GitQueries& git, const std::string& revision) {
     if (auto unborn = refusalOfUnbornHEAD(git, revision)) {
         return *std::move(unborn);
     }
     if (const auto broken = brokenReference(git, revision)) {
         return failureWith(*broken);
+    }
+    if (auto other = refusalOfOtherObject(git, revision)) {
+        return *std::move(other);
     }
     return refusal("Unknown revision " + inQuotes(revision) + ".", exitFailed,
                    NEBSourceControlRevisionUnknownErrorClass);

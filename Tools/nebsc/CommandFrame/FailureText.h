@@ -56,8 +56,11 @@ void rejectRefusedValue(const RequestResult& result);
 /// The same for a revision that is HEAD or counts from it; absent for others.
 [[nodiscard]] std::optional<CommandOutput> refusalOfUnbornHEAD(const GitQueries& git,
                                                                const std::string& revision);
-/// Returns the refusal of a revision that git does not know: it does not exist, or its reference is
-/// broken.
+/// Refuses a revision that is a tree or a blob, as "HEAD^{tree}"; absent for others.
+[[nodiscard]] std::optional<CommandOutput> refusalOfOtherObject(const GitQueries& git,
+                                                                const std::string& revision);
+/// Returns the refusal of a revision that git knows no commit for: it does not exist, its reference
+/// is broken, or it is another object.
 [[nodiscard]] CommandOutput refusalOfUnknownRevision(const GitQueries& git,
                                                      const std::string& revision);
 /// Refuses a revision that stands for no commit. Absent for one that begins with "-", which the

@@ -138,6 +138,9 @@ std::optional<CommandOutput> Reader::takeFile(const std::string& argument, bool 
         if (const auto broken = brokenReference(_git, argument)) {
             return failureWith(*broken);
         }
+        if (auto other = refusalOfOtherObject(_git, argument)) {
+            return other;
+        }
         return refusal(
             inQuotes(argument) +
                 " is neither a revision nor a file; put '--' before the name of a deleted file.",

@@ -56,6 +56,14 @@ TEST_F(CommitCommand, EachMessageIsAParagraph) {
     EXPECT_EQ(state(), "");
 }
 
+/// Linux limits each argument to 128 KiB.
+TEST_F(CommitCommand, AcceptsAMessageThatIsTooLongForAnArgument) {
+    const std::string first(100'000, 'a');
+    const std::string second(100'000, 'b');
+    expectCommitted(nebsc({"commit", "-m", first, "-m", second}));
+    EXPECT_EQ(latest("%B"), first + "\n\n" + second + "\n\n");
+}
+
 TEST_F(CommitCommand, ReportsTheFirstCommitAndOneOnADetachedHEAD) {
     repository.git({"commit", "--quiet", "-m", "all"});
     repository.git({"checkout", "--quiet", "--detach"});

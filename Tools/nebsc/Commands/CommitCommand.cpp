@@ -66,6 +66,10 @@ constexpr CommitFlag newerFlags[] = {
     {"--signoff", NEBSourceControlRequestOptionSignOff},
 };
 
+/// The longest message in bytes that git can take as an argument: Linux limits one to 128 KiB with
+/// its NUL byte, see execve(2). The newer type passes the message on standard input.
+constexpr std::size_t longestArgument = 128 * 1024 - 1;
+
 bool CommitTask::isEdited() const {
     return mayRunGit() && !arguments().has("--message") && !arguments().has("--no-edit") &&
            !isJSON() && canEdit();
@@ -121,6 +125,9 @@ std::shared_ptr<NEBSourceControlRequest> CommitTask::makeRequest() {
         request->options->set(NEBSourceControlRequestOptionAuthor, *author);
     }
     if (_message) {
+        if (_message->size() > longestArgument) {
+            request->type = NEBSourceControlRequestCreateCommit;
+        }
         request->options->set(NEBSourceControlRequestOptionMessage, *_message);
     }
     if (arguments().has("--allow-empty")) {

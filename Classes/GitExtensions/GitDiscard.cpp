@@ -24,6 +24,12 @@ std::string pathOfEntry(const std::string& entry) {
     return entry.substr(entry.find('\t') + 1);
 }
 
+/// Returns the path from the top of the working copy. `prefix` is the working directory from there,
+/// empty or with a slash at its end.
+std::string pathFromTop(const std::string& prefix, const std::string& path) {
+    return std::filesystem::path(prefix + path).lexically_normal().native();
+}
+
 /// Returns whether a folder that is no submodule lies in place of a file.
 bool isReplacedByFolder(const NEBSourceControlRequest& request, const std::string& file) {
     const auto& location = request.sourceTree ? request.sourceTree->location : std::nullopt;
@@ -124,35 +130,33 @@ std::optional<GitDiscardOperation::Losses> GitDiscardOperation::queriedLosses() 
 
 std::optional<std::vector<std::string>> GitDiscardOperation::queriedSubmodules(
     const std::vector<std::string>& entries) {
-    std::set<std::string> submodules;
+    std::vector<std::string> submodules;
     for (const std::string& entry : entries) {
         if (entry.starts_with("H 160000 ")) {
-            submodules.insert(pathOfEntry(entry));
+            submodules.push_back(pathOfEntry(entry));
         }
     }
-    std::vector<std::string> changed;
     if (submodules.empty()) {
-        return changed;
+        return submodules;
     }
-    std::vector<std::string> arguments{"--literal-pathspecs",
-                                       "diff-files",
-                                       "--name-only",
-                                       "-z",
-                                       "--relative",
-                                       "--diff-filter=M",
-                                       "--ignore-submodules=untracked",
-                                       "--"};
+    const auto prefix = queriedLine({"rev-parse", "--show-prefix"});
+    if (!prefix) {
+        return std::nullopt;
+    }
+    std::vector<std::string> arguments{
+        "--literal-pathspecs",           "diff-files", "--name-only", "-z", "--diff-filter=M",
+        "--ignore-submodules=untracked", "--"};
     arguments.insert(arguments.end(), submodules.begin(), submodules.end());
     const auto query = runQuery(request(), arguments);
     if (!goesOnAfter(*query)) {
         return std::nullopt;
     }
-    for (std::string& path : gitNULSeparatedPieces(query->output())) {
-        if (submodules.contains(path)) {
-            changed.push_back(std::move(path));
-        }
-    }
-    return changed;
+    const std::vector<std::string> paths = gitNULSeparatedPieces(query->output());
+    const std::set<std::string> changed(paths.begin(), paths.end());
+    std::erase_if(submodules, [&](const std::string& path) {
+        return !changed.contains(pathFromTop(*prefix, path));
+    });
+    return submodules;
 }
 
 void GitDiscardOperation::reportKept(const std::vector<std::string>& submodules) {

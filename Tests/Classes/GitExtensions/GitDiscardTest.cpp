@@ -10,6 +10,7 @@ namespace neb::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 const NEBDictionary discardByForce{{NEBSourceControlRequestOptionForce, true}};
@@ -157,6 +158,38 @@ TEST_F(Discard, KeepsUntrackedFilesInPlaceOfDeletedOnes) {
     request->options = options;
     EXPECT_EQ(performed(request)->error(), std::nullopt);
     EXPECT_EQ(status(), "");
+}
+
+TEST_F(Discard, NamesChangedSubmodulesOutsideTheLocation) {
+    const TestRepository inner;
+    inner.commitFile("f", "1");
+    inner.commitFile("f", "2");
+    repository.commitFile("d/e/a.c", "1");
+    for (const char* name : {"sub", "d/sub", "b\xe4r/sub"}) {
+        repository.git({"submodule", "--quiet", "add", inner.path(), std::string("./") + name});
+    }
+    repository.git({"commit", "-q", "-m", "Submodules"});
+    repository.write("d/e/a.c", "2");
+    repository.write("sub/f", "3");
+    repository.write("b\xe4r/sub/f", "3");
+    repository.git({"-C", "d/sub", "checkout", "-q", "HEAD~1"});
+    const auto request = requestFor(NEBSourceControlRequestDiscard, repository.path("d/e"));
+    request->options = discardByForce;
+    for (const std::string file : {"../../sub", "../sub", "../../b\xe4r/sub"}) {
+        request->files = valuesOf({file});
+        const auto operation = performed(request);
+        ASSERT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInSubmoduleErrorClass))
+            << file;
+        EXPECT_THAT(operation->error()->files, ElementsAre(file));
+        EXPECT_THAT(pathsOf(*operation), ElementsAre());
+    }
+    request->files = valuesOf({"../..", "a.c"});
+    const auto operation = performed(request);
+    ASSERT_THAT(operation->error(), HasErrorClass(NEBSourceControlPathInSubmoduleErrorClass));
+    EXPECT_THAT(operation->error()->files,
+                UnorderedElementsAre("../../b\xe4r/sub", "../../sub", "../sub"));
+    EXPECT_THAT(pathsOf(*operation), ElementsAre("a.c"));
+    EXPECT_EQ(status(), std::string(" M b\xe4r/sub\0 M d/sub\0 M sub\0", 27));
 }
 
 TEST_F(Discard, TakesNoSideInAConflict) {

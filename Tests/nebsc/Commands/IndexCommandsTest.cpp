@@ -191,5 +191,17 @@ TEST_F(IndexCommandsInSubmodules, RevertSaysThatTheirChangesStay) {
     expectDone(nebsc({"revert", "f"}));
 }
 
+TEST_F(IndexCommandsInSubmodules, RevertReportsThatTheSearchForTheirChangesFailed) {
+    const auto failing = [this](const std::string& commands) {
+        return StandInGit(repository.path(), "case \" $* \" in *' diff-files '*) " + commands +
+                                                 ";; esac\nPATH=${PATH#*:} exec git \"$@\"");
+    };
+    const StandInGit git = failing("echo 'fatal: no look' >&2; exit 128");
+    expectFailed(nebsc({"revert", "."}, git), "nebsc: no look\n");
+    EXPECT_EQ(nebsc({"revert", "--json", "."}, git).json()["error"]["text"], "fatal: no look\n");
+    expectFailed(nebsc({"revert", "."}, failing("exit 3")),
+                 "nebsc: git exited with status 3 and printed nothing\n");
+}
+
 }  // namespace
 }  // namespace neb::test

@@ -14,8 +14,12 @@ std::optional<NEBSourceControlError> errorOfKeptSubmodules(const GitQueries& git
     std::vector<std::string> arguments{
         "diff-files", "--raw", "-z", "--ignore-submodules=untracked", "--diff-filter=M", "--"};
     arguments.insert(arguments.end(), paths.begin(), paths.end());
+    const ChildOutcome changed = git.run(std::move(arguments));
+    if (!changed.status.isSuccess()) {
+        return failureOfQuery(git, changed, paths).error;
+    }
     // Pairs of ":160000 160000 ID ID M" and the path.
-    const std::vector<std::string> entries = splitAtNUL(git.run(std::move(arguments)).output);
+    const std::vector<std::string> entries = splitAtNUL(changed.output);
     std::vector<std::string> submodules;
     for (std::size_t i = 0; i + 1 < entries.size(); i += 2) {
         if (entries[i].starts_with(":160000 160000 ")) {

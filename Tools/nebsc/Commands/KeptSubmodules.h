@@ -12,7 +12,8 @@ namespace neb::nebsc {
 
 /// Returns the error that submodules at or below the paths, which are absolute, still have changes:
 /// other commits than the index, or changed tracked files. Its files are the submodules, from the
-/// top of the working copy. Absent if they have none, or if there are no submodules.
+/// top of the working copy. Absent if they have none, or if there are no submodules. If git fails,
+/// returns its error.
 [[nodiscard]] std::optional<NEBSourceControlError> errorOfKeptSubmodules(
     const GitQueries& git, const std::vector<std::string>& paths);
 

@@ -22,6 +22,24 @@ std::size_t nextCharacter(std::string_view text, std::size_t offset) {
     return offset;
 }
 
+/// How far from the limit of a part a line end is searched, in bytes.
+constexpr std::size_t longestUncutLine = 4096;
+
+/// Returns where the first part ends, which has at most about `limit` bytes.
+std::size_t endOfFirstPart(std::string_view text, std::size_t limit) {
+    const std::size_t searchStart = limit - longestUncutLine;
+    const std::size_t lineEnd = text.substr(searchStart, longestUncutLine).rfind('\n');
+    return lineEnd == std::string_view::npos ? nextCharacter(text, limit)
+                                             : searchStart + lineEnd + 1;
+}
+
+/// Returns where the last part starts, which has at most `limit` bytes.
+std::size_t startOfLastPart(std::string_view text, std::size_t limit) {
+    const std::size_t start = text.size() - limit;
+    const std::size_t lineEnd = text.substr(start - 1, longestUncutLine).find('\n');
+    return lineEnd == std::string_view::npos ? nextCharacter(text, start) : start + lineEnd;
+}
+
 }  // namespace
 
 std::string NEBSourceControlOutputExcerpt(std::string_view text) {
@@ -30,13 +48,8 @@ std::string NEBSourceControlOutputExcerpt(std::string_view text) {
     }
     constexpr std::size_t markSize = 64;  // so that an excerpt stays as it is
     constexpr std::size_t half = (NEBSourceControlLongestMessages - markSize) / 2;
-    const std::size_t lineEnd = text.rfind('\n', half - 1);
-    const std::size_t end =
-        lineEnd == std::string_view::npos ? nextCharacter(text, half) : lineEnd + 1;
-    const std::size_t lastPart = text.size() - half;
-    const std::size_t lineStart = text.substr(0, text.size() - 1).find('\n', lastPart - 1);
-    const std::size_t start =
-        lineStart == std::string_view::npos ? nextCharacter(text, lastPart) : lineStart + 1;
+    const std::size_t end = endOfFirstPart(text, half);
+    const std::size_t start = startOfLastPart(text, half);
     std::string excerpt(text.substr(0, end));
     excerpt += excerpt.ends_with('\n') ? "" : "\n";
     excerpt += "[" + std::to_string(start - end) + " bytes are left out here]\n";

@@ -158,10 +158,11 @@ TEST_F(RecordOption, IsReplayedWithAGitInAnotherFolder) {
     }
 }
 
+/// How many parts git's output has depends on time, and so the edits fit any number of them.
 TEST_F(RecordOption, ReplaysAPatchInWhateverParts) {
     const std::string file = record({"diff"});
-    edit(file, R"("records":[{}])", R"("records":[{},{},{}])");
-    edit(file, R"("recordCount":1})", R"("recordCount":3})");
+    edit(file, R"("records":[{})", R"("records":[{},{},{})");
+    edit(file, R"("recordCount":)", R"("recordCount":1)");
     EXPECT_EQ(replayed(file).exitStatus, 0) << replayed(file).output;
 }
 

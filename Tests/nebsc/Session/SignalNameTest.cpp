@@ -32,12 +32,15 @@ TEST(SignalName, HasTheNumberOfOtherSignals) {
     EXPECT_EQ(signalName(-1), "SIG-1");
 }
 
+// In one condition, the second macro is an error where the C library does not define it.
 #ifdef __GLIBC__
+#if __GLIBC_PREREQ(2, 32)
 TEST(SignalName, AgreesWithTheCLibrary) {
     for (int signalNumber = 1; signalNumber < 32; ++signalNumber) {
         EXPECT_EQ(signalName(signalNumber), std::string("SIG") + ::sigabbrev_np(signalNumber));
     }
 }
+#endif
 #endif
 
 }  // namespace

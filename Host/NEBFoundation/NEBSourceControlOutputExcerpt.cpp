@@ -40,20 +40,39 @@ std::size_t startOfLastPart(std::string_view text, std::size_t limit) {
     return lineEnd == std::string_view::npos ? nextCharacter(text, start) : start + lineEnd;
 }
 
+/// Returns the text without the warnings of git, which can be as many as there are files.
+std::string withoutWarnings(std::string_view text) {
+    std::string rest;
+    for (std::size_t end = 0; !text.empty(); text.remove_prefix(end)) {
+        end = std::min(text.find('\n'), text.size() - 1) + 1;
+        rest += text.starts_with("warning: ") ? "" : text.substr(0, end);
+    }
+    return rest;
+}
+
+std::string markOf(std::size_t omittedBytes) {
+    return "[" + std::to_string(omittedBytes) + " bytes are left out here]\n";
+}
+
 }  // namespace
 
 std::string NEBSourceControlOutputExcerpt(std::string_view text) {
     if (text.size() <= NEBSourceControlLongestMessages) {
         return std::string(text);
     }
-    constexpr std::size_t markSize = 64;  // so that an excerpt stays as it is
-    constexpr std::size_t half = (NEBSourceControlLongestMessages - markSize) / 2;
-    const std::size_t end = endOfFirstPart(text, half);
-    const std::size_t start = startOfLastPart(text, half);
-    std::string excerpt(text.substr(0, end));
+    constexpr std::size_t longestRest = NEBSourceControlLongestMessages - 64;  // beside the mark
+    const std::string errors = withoutWarnings(text);
+    if (!errors.empty() && errors.size() <= longestRest) {
+        return markOf(text.size() - errors.size()) + errors;
+    }
+    // Warnings alone say what is wrong, too.
+    const std::string_view rest = errors.empty() ? text : std::string_view(errors);
+    const std::size_t end = endOfFirstPart(rest, longestRest / 2);
+    const std::size_t start = startOfLastPart(rest, longestRest / 2);
+    std::string excerpt(rest.substr(0, end));
     excerpt += excerpt.ends_with('\n') ? "" : "\n";
-    excerpt += "[" + std::to_string(start - end) + " bytes are left out here]\n";
-    return excerpt.append(text.substr(start));
+    excerpt += markOf(text.size() - rest.size() + start - end);
+    return excerpt.append(rest.substr(start));
 }
 
 }  // namespace neb

@@ -11,11 +11,11 @@ namespace neb {
 /// messages about several thousand files.
 constexpr std::size_t NEBSourceControlLongestMessages = std::size_t{1} << 20U;
 
-/// Returns the text, or if it is longer than NEBSourceControlLongestMessages, its first and its
-/// last lines, about half of that each, with a line between them that says how many bytes are left
-/// out. A hook or a server may print any amount, and git's own messages are at the beginning or at
-/// the end. Cuts between lines, or between the characters of a line that is longer than 4 KiB.
-/// Takes linear time. Thread-safe.
+/// Returns the text, or if it is longer than NEBSourceControlLongestMessages, the text without the
+/// warnings of git. If that is too long, or nothing, returns the first and the last lines, about
+/// half of the length each. A line says how many bytes are left out. A hook or a server may print
+/// any amount, and git's own messages are at the beginning or at the end. Cuts between lines, or
+/// between the characters of a line that is longer than 4 KiB. Takes linear time. Thread-safe.
 [[nodiscard]] std::string NEBSourceControlOutputExcerpt(std::string_view text);
 
 }  // namespace neb

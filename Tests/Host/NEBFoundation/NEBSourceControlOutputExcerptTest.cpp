@@ -39,11 +39,20 @@ void expectAboutHalf(const std::string& part) {
     EXPECT_LE(part.size(), half);
 }
 
+/// Returns a text that is too long, of this line alone.
+std::string repeated(std::string_view line) {
+    std::string text;
+    while (text.size() <= 2 * NEBSourceControlLongestMessages) {
+        text += line;
+    }
+    return text;
+}
+
 const std::string longLine(4 * NEBSourceControlLongestMessages, 'x');
 
 TEST(OutputExcerpt, KeepsHalfOfALongLineAfterAShortOne) {
-    const Parts parts = partsOf("warning: first\n" + longLine);
-    EXPECT_TRUE(parts.first.starts_with("warning: first\nxxx"));
+    const Parts parts = partsOf("error: first\n" + longLine);
+    EXPECT_TRUE(parts.first.starts_with("error: first\nxxx"));
     expectAboutHalf(parts.first);
     expectAboutHalf(parts.last);
 }
@@ -57,10 +66,7 @@ TEST(OutputExcerpt, KeepsHalfOfALongLineBeforeAShortOne) {
 
 TEST(OutputExcerpt, CutsBetweenLinesThatAreNotVeryLong) {
     const std::string line = std::string(4000, 'y') + "\n";
-    std::string text;
-    while (text.size() <= 2 * NEBSourceControlLongestMessages) {
-        text += line;
-    }
+    const std::string text = repeated(line);
     const Parts parts = partsOf(text);
     expectAboutHalf(parts.first);
     expectAboutHalf(parts.last);
@@ -69,6 +75,19 @@ TEST(OutputExcerpt, CutsBetweenLinesThatAreNotVeryLong) {
     EXPECT_EQ(parts.mark, "[" +
                               std::to_string(text.size() - parts.first.size() - parts.last.size()) +
                               " bytes are left out here]\n");
+}
+
+TEST(OutputExcerpt, LeavesWarningsOutFirst) {
+    const std::string warnings = repeated("warning: something else\n");
+    const std::string errors = "fatal: bad revision 'x'\n hint without an end";
+    EXPECT_EQ(excerptOf(warnings + errors),
+              "[" + std::to_string(warnings.size()) + " bytes are left out here]\n" + errors);
+}
+
+TEST(OutputExcerpt, KeepsWarningsIfThereIsNothingElse) {
+    const Parts parts = partsOf(repeated("warning: something else\n"));
+    expectAboutHalf(parts.first);
+    expectAboutHalf(parts.last);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "NEBFoundation/NEBSourceControlRequestType.h"
 #include "nebsc/CommandTest.h"
+#include "nebsc/Recording/RecordedFile.h"
 
 namespace neb::test {
 namespace {
@@ -115,10 +116,81 @@ TEST_F(DestinationCommands, NothingIsMovedOrCopiedFromOrToTheGitDirectory) {
     EXPECT_FALSE(isThere(".git/hooks/pre-commit"));
 }
 
+TEST_F(DestinationCommands, RequestsThatReachTheGitDirectoryIndirectlyAreRefused) {
+    const std::string& top = repository.path();
+    fs::create_directories(repository.path(".git/hooks"));
+    fs::create_directory_symlink(".git/refs", repository.path("link"));
+    const auto classOf = [&top](int type, const std::string& location,
+                                const std::string& destination) {
+        const JSON request{{"type", type},
+                           {"sourceTree", {{"location", location}}},
+                           {"files", {"a.c"}},
+                           {"destination", destination}};
+        const NebscOutcome outcome =
+            runNebsc({"request"}, {.folder = "/",
+                                   .input = request.dump(),
+                                   .variables = {{"HOME", fs::path(top).parent_path().string()}}});
+        const JSON error = outcome.json()["error"];
+        return error.is_object() ? error["class"].get<std::string>() : "no error";
+    };
+    const std::string inHome = "~/" + fs::path(top).filename().string();
+    for (const int type : {8, 10, 11}) {
+        EXPECT_EQ(classOf(type, inHome, ".git/hooks/x1"), "path-invalid") << type;
+        EXPECT_EQ(classOf(type, top, inHome + "/.git/hooks/x2"), "path-invalid") << type;
+        EXPECT_EQ(classOf(type, top, "link/../hooks/x3"), "path-invalid") << type;
+        EXPECT_EQ(classOf(type, top, "new/../link/../hooks/x4"), "path-invalid") << type;
+        EXPECT_EQ(classOf(type, top, "src/.GIT/hooks/x5"), "path-invalid") << type;
+    }
+    EXPECT_TRUE(fs::is_empty(repository.path(".git/hooks")));
+    EXPECT_FALSE(isThere("src/.GIT"));
+    EXPECT_FALSE(isThere("new"));
+    EXPECT_EQ(state(), "?? link\n");
+}
+
+TEST_F(DestinationCommands, NoRepositoryIsBuiltFromFiles) {
+    repository.write("src/.git/info/x", "");
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"mkdir", "src/.git/hooks"},
+          {"mkdir", "src/new/.git/hooks"},
+          {"cp", "a.c", "src/.git/info/post-checkout"},
+          {"mv", "a.c", "src/.git/info"}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        expectFailed(nebsc(arguments), HasSubstr("is inside the git directory '"));
+    }
+    for (const char* name : {"src/.git/hooks", "src/new", "src/.git/info/post-checkout"}) {
+        EXPECT_FALSE(isThere(name)) << name;
+    }
+    EXPECT_TRUE(isThere("a.c"));
+}
+
+TEST_F(DestinationCommands, ARefusedChangeReplaysEqually) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path("recording");
+    expectFailed(nebsc({"--record", file, "mkdir", ".git/zz"}), HasSubstr("is inside the git"));
+    const NebscOutcome outcome = replayed(file);
+    EXPECT_EQ(outcome.exitStatus, 0) << outcome.output;
+    EXPECT_THAT(outcome.output, HasSubstr(": same ("));
+    EXPECT_THAT(outcome.output, HasSubstr("1 request, none different\n"));
+}
+
+TEST_F(DestinationCommands, SymbolicLinkToTheGitDirectoryMovesItself) {
+    repository.write(".git/annex/k", "a photo\n");
+    fs::create_symlink(".git/annex/k", repository.path("photo.jpg"));
+    repository.git({"add", "photo.jpg"});
+    expectDone(nebsc({"mv", "photo.jpg", "src/p.jpg"}));
+    EXPECT_EQ(fs::read_symlink(repository.path("src/p.jpg")), ".git/annex/k");
+    expectDone(nebsc({"cp", "src/p.jpg", "q.jpg"}));
+    EXPECT_EQ(fs::read_symlink(repository.path("q.jpg")), ".git/annex/k");
+    EXPECT_EQ(repository.git({"ls-files", "photo.jpg", "src/p.jpg", "q.jpg"}),
+              "q.jpg\nsrc/p.jpg\n");
+}
+
 TEST_F(DestinationCommands, FilesMoveInAWorkingCopyWithinAGitDirectory) {
     repository.git({"worktree", "add", "--quiet", "--detach", ".git/tree"});
     expectDone(nebsc({"mv", "a.c", "z.c"}, ".git/tree"));
     EXPECT_TRUE(isThere(".git/tree/z.c"));
+    expectFailed(nebsc({"mkdir", "src/.git/hooks"}, ".git/tree"),
+                 HasSubstr("is inside the git directory '"));
 }
 
 TEST_F(DestinationCommands, MoveReportsAMissingFile) {

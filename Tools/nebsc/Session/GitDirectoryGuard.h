@@ -12,10 +12,20 @@
 
 namespace neb::nebsc {
 
+/// What happens with a symbolic link in the last component of a path.
+enum class LastLink {
+    /// Its target is changed.
+    isFollowed,
+    /// It is changed itself, as git mv(1) moves it.
+    isKept
+};
+
 /// Returns the git directory that the path is, or lies in, or would lie in; absent if it is
-/// elsewhere. Follows symbolic links in all components. A path that has the name ".git" is a git
-/// directory, even if nothing is there. A relative path starts at the current folder. Thread-safe.
-[[nodiscard]] std::optional<std::string> gitDirectoryAround(const std::string& path);
+/// elsewhere. Follows symbolic links in all components but, if so wanted, the last. A path that has
+/// the name ".git", or a folder of that name on the way from the top of its working copy, is in a
+/// git directory, even if nothing is there. A relative path starts at the current folder.
+/// Thread-safe.
+[[nodiscard]] std::optional<std::string> gitDirectoryAround(const std::string& path, LastLink last);
 
 /// Returns the error of a request that would create a folder (type 8), copy (10) or move (11)
 /// something from or to a git directory; absent for all others. Thread-safe.

@@ -1,7 +1,9 @@
 // Recordings that are damaged, or made to do harm.
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -236,6 +238,18 @@ TEST(DamagedRecordingMessage, IsPrintedOnOneLine) {
     expectFailed(runNebsc({"replay", folder.path()}, {}), HasSubstr("Is a directory"), 2);
     folder.write("file", "");
     expectFailed(runNebsc({"replay", folder.path("file")}, {}), HasSubstr("is empty"), 2);
+}
+
+TEST(DamagedRecordingFile, OnlyARegularFileIsRead) {
+    const TemporaryFolder folder;
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    for (const std::string& file : {pipe, std::string("/dev/zero")}) {
+        const auto refused = HasSubstr("cannot be read: it is not a regular file");
+        expectFailed(runNebsc({"replay", file}, {}), refused, 2);
+        expectFailed(runNebsc({"report", "--from", file, folder.path("copy")}, {}), refused, 2);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.path("copy")));
 }
 
 }  // namespace

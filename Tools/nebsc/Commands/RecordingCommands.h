@@ -12,8 +12,7 @@ extern const Command replayCommand;
 extern const Command reportCommand;
 
 /// Sets HOME to the home folder of the recording, if it has one, because a location that begins
-/// with
-/// "~" names it. Must be called before the process has another thread.
+/// with "~" names it. Must be called before the process has another thread.
 void useHomeOf(const RecordingReading& recording);
 
 }  // namespace neb::nebsc

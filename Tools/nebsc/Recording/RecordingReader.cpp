@@ -266,13 +266,25 @@ RecordingReading readRecording(std::istream& stream, std::vector<JSON>* lines) {
 }
 
 RecordingReading readRecording(const std::string& path, std::vector<JSON>* lines) {
-    std::error_code ignored;
+    namespace fs = std::filesystem;
+    const auto refused = [](const std::string& reason) {
+        RecordingReading reading;
+        reading.failure = "cannot be read: " + reason;
+        return reading;
+    };
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    if (fs::is_directory(status)) {
+        return refused(textOfErrno(EISDIR));
+    }
+    // A pipe could block, and a device could have no end.
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        return refused("it is not a regular file");
+    }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path, ignored)) {
-        RecordingReading reading;
-        reading.failure = "cannot be read: " + textOfErrno(file ? EISDIR : errno);
-        return reading;
+    if (!file) {
+        return refused(textOfErrno(errno));
     }
     return readRecording(file, lines);
 }

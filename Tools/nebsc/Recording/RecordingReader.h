@@ -62,8 +62,8 @@ struct RecordingReading {
 /// depends on time. Leaves one of them, also in the count of the outcome.
 void uniteBatches(nlohmann::ordered_json& outcome, nlohmann::ordered_json& delivered);
 
-/// Reads the file, of which nothing is taken for granted. An incomplete one is a failure. Unless
-/// null, `lines` gets the JSON of each line.
+/// Reads the file, of which nothing is taken for granted. An incomplete one is a failure, and so is
+/// a pipe or a device. Unless null, `lines` gets the JSON of each line.
 [[nodiscard]] RecordingReading readRecording(const std::string& path,
                                              std::vector<nlohmann::ordered_json>* lines = nullptr);
 

@@ -107,6 +107,8 @@ struct Mention {
 constexpr Mention mentions[] = {
     {"nable to create '", "': File exists", ""},
     {"could not lock config file ", ": File exists", ".lock"},
+    // git prints no reason if it changes a section.
+    {"could not lock config file ", "\n", ".lock"},
 };
 
 std::optional<std::string> lockNamedIn(std::string_view text) {

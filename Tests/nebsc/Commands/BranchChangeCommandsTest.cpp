@@ -43,6 +43,18 @@ TEST_F(BranchChangeCommands, RenameRefusesToReplaceABranch) {
     EXPECT_EQ(branches(), "topic\n");
 }
 
+/// git renames the branch before its settings, and does not print why it cannot lock those.
+TEST_F(BranchChangeCommands, RenameReportsSettingsThatKeepTheFormerName) {
+    repository.git({"branch", "--track", "topic"});
+    repository.write(".git/config.lock", "");
+    expectFailed(nebsc({"branch", "rename", "topic", "new"}),
+                 AllOf(HasSubstr("'" + repository.path(".git/config.lock") + "' is "),
+                       HasSubstr("\nThe branch was renamed, but its settings were not. 'git config "
+                                 "--rename-section branch.OLD branch.NEW' renames them.\n")));
+    EXPECT_EQ(branches(), "main\nnew\n");
+    EXPECT_EQ(repository.git({"config", "branch.topic.remote"}), ".\n");
+}
+
 TEST_F(BranchChangeCommands, SetAndRemoveTheUpstream) {
     repository.git({"branch", "topic"});
     repository.git({"update-ref", "refs/remotes/origin/main", "HEAD"});

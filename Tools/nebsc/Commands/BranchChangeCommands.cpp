@@ -59,6 +59,11 @@ protected:
         return request;
     }
     std::string adviceFor(const NEBSourceControlError& error) const override {
+        constexpr std::string_view halfDone = "Branch is renamed, but update of config-file failed";
+        if (error.text.value_or("").find(halfDone) != std::string::npos) {
+            return "The branch was renamed, but its settings were not. 'git config "
+                   "--rename-section branch.OLD branch.NEW' renames them.";
+        }
         return error.errorClass == NEBSourceControlBranchExistsErrorClass
                    ? "'nebsc branch rename --force' replaces that branch."
                    : "";

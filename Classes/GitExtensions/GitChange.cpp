@@ -253,11 +253,14 @@ void GitChangeComposite::failAtConflicts(std::vector<std::string> paths) {
 }
 
 void GitChangeComposite::fail(std::string_view errorClass, const std::string& description,
-                              std::vector<std::string> files) {
+                              std::vector<std::string> files, const std::string& advice) {
     auto failure =
         NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     failure.errorClass = errorClass;
     failure.files = std::move(files);
+    if (!advice.empty()) {
+        failure.userInfo.set(NEBLocalizedRecoverySuggestionKey, advice);
+    }
     setError(std::move(failure));
 }
 

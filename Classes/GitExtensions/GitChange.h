@@ -82,9 +82,10 @@ protected:
     /// each path in conflict follows, as GitConflictsOperation makes it.
     void runStoppable(const std::vector<std::string>& arguments);
 
-    /// Ends the composite with an error of this class. `files` are those of the error.
+    /// Ends the composite with an error of this class. `files` are those of the error. Without
+    /// `advice` the recovery suggestion is that of the class.
     void fail(std::string_view errorClass, const std::string& description,
-              std::vector<std::string> files = {});
+              std::vector<std::string> files = {}, const std::string& advice = {});
     /// Ends the composite because an option has a value that it does not know, or lacks one.
     void failForOption(NEBConstant key);
     /// Returns whether the value is absent, or the name of one reference; otherwise the error is

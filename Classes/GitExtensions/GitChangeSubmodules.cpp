@@ -80,7 +80,7 @@ std::optional<NEBSourceControlResult> GitChangeSubmodulesOperation::queriedSubmo
         }
         if (!isFound) {
             fail(NEBSourceControlPathUnknownErrorClass, "There is no submodule \"" + folder + "\".",
-                 {folder});
+                 {folder}, "\"git submodule status\" lists the submodules.");
             return std::nullopt;
         }
     }

@@ -97,7 +97,8 @@ std::optional<NEBDictionary> GitChangeWorktreesOperation::queriedWorktree() {
         return *worktree;
     }
     fail(NEBSourceControlPathUnknownErrorClass,
-         "There is no worktree of the repository at \"" + path() + "\".");
+         "There is no worktree of the repository at \"" + path() + "\".", {},
+         "\"git worktree list\" lists the worktrees.");
     return std::nullopt;
 }
 

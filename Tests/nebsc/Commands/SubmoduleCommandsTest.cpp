@@ -51,7 +51,9 @@ TEST_F(SubmoduleCommands, UpdateInitializesOnDemand) {
 }
 
 TEST_F(SubmoduleCommands, SayWhatIsMissing) {
-    expectFailed(nebsc({"submodule", "init", "nosuch"}), HasSubstr("no submodule 'nosuch'"));
+    expectFailed(nebsc({"submodule", "init", "nosuch"}),
+                 testing::AllOf(HasSubstr("no submodule 'nosuch'\n"),
+                                HasSubstr("\n'git submodule status' lists the submodules.\n")));
     const TestRepository plain;
     expectDone(runNebsc({"submodule"}, {.folder = plain.path()}));
     expectDone(runNebsc({"submodule", "update"}, {.folder = plain.path()}),

@@ -133,9 +133,14 @@ void GitChangeBranchOperation::setUpstream(const std::string& branch) {
              "A branch cannot be its own upstream branch.");
         return;
     }
-    const auto record = runChange({"branch", "--set-upstream-to=" + upstream, "--", branch})
-                            ? queriedRecord(branch)
-                            : std::nullopt;
+    const bool isSet = runChange({"branch", "--set-upstream-to=" + upstream, "--", branch});
+    if (!isSet && error()->errorClass == NEBSourceControlRemoteBranchUnknownErrorClass &&
+        upstream.find('/') == std::string::npos) {
+        // A remote-tracking branch has the name of its remote before a slash.
+        fail(NEBSourceControlBranchUnknownErrorClass, "There is no branch \"" + upstream + "\".");
+        return;
+    }
+    const auto record = isSet ? queriedRecord(branch) : std::nullopt;
     if (record) {
         setResult({{*record}});
     }

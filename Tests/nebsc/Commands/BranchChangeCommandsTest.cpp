@@ -77,7 +77,14 @@ TEST_F(BranchChangeCommands, SayWhatIsWrong) {
                  HasSubstr("expected an upstream branch, or --unset"), 2);
     expectFailed(nebsc({"branch", "upstream", "--unset", "main", "origin/main"}),
                  HasSubstr("expected at most a branch with --unset"), 2);
-    expectFailed(nebsc({"branch", "upstream", "origin/nosuch"}), HasSubstr("'origin/nosuch'"));
+    expectFailed(nebsc({"branch", "upstream", "origin/nosuch"}),
+                 AllOf(HasSubstr("the remote does not have this branch, or it was not fetched\n"),
+                       HasSubstr("'origin/nosuch'")));
+    expectFailed(nebsc({"branch", "upstream", "nosuch"}),
+                 AllOf(HasSubstr("nebsc: there is no branch 'nosuch'\n"),
+                       testing::Not(HasSubstr("remote"))));
+    EXPECT_EQ(nebsc({"branch", "upstream", "nosuch", "--json"}).json()["error"]["class"],
+              "branch-unknown");
     expectFailed(nebsc({"branch", "upstream", "main"}), HasSubstr("its own upstream"));
     repository.git({"checkout", "-q", "--detach"});
     expectFailed(nebsc({"branch", "rename", "x"}), HasSubstr("no branch is checked out"));

@@ -65,6 +65,18 @@ TEST_F(DoctorSurroundings, AnAddressThatGitGuessedIsNoted) {
                              HasSubstr("git config --global user.email ")));
 }
 
+/// Without HOME, "git config --global" fails.
+TEST_F(DoctorSurroundings, AdviceOnGlobalSettingsStartsWithAMissingHOME) {
+    const StandInGit git(repository.path(),
+                         "case \"$1\" in var) echo 'Ann <ann@machine> 1600000000 +0000';; "
+                         "config) exit 0;; *) exec /usr/bin/git \"$@\";; esac");
+    const std::string advice =
+        "Set HOME, which 'git config --global' requires. Run: git config --global user.email "
+        "YOU@EXAMPLE.ORG";
+    EXPECT_THAT(findings("identity", {git.path(), {"HOME", ""}, {"GIT_CONFIG_GLOBAL", ""}}),
+                IsOneFinding("note", HasSubstr("Ann <ann@machine>"), advice));
+}
+
 TEST_F(DoctorSurroundings, ACommitterThatGitRefusesIsAProblem) {
     EXPECT_THAT(
         findings("identity", {{"GIT_COMMITTER_NAME", "<>"}}),

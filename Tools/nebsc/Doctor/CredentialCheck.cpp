@@ -31,9 +31,9 @@ void checkHelper(Examination& examination, const Setting& setting) {
 void checkHelpers(Examination& examination) {
     const std::vector<Setting> helpers = examination.settings->credentialHelpers();
     if (helpers.empty()) {
-        examination.add(Health::note, "credentials",
-                        "no helper is configured, so git cannot look up passwords",
-                        "For example: git config --global credential.helper cache");
+        examination.add(
+            Health::note, "credentials", "no helper is configured, so git cannot look up passwords",
+            globalSettingAdvice("For example", "git config --global credential.helper cache"));
     }
     for (const Setting& helper : helpers) {
         checkHelper(examination, helper);

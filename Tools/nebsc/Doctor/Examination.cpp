@@ -97,4 +97,11 @@ std::string environmentVariable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+std::string globalSettingAdvice(const std::string& beginning, const std::string& command) {
+    const bool hasFile =
+        !environmentVariable("HOME").empty() || !environmentVariable("GIT_CONFIG_GLOBAL").empty();
+    return (hasFile ? "" : "Set HOME, which 'git config --global' requires. ") + beginning + ": " +
+           command;
+}
+
 }  // namespace neb::nebsc

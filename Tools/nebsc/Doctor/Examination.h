@@ -100,4 +100,9 @@ private:
 /// Returns the value of an environment variable; empty if it is not set.
 [[nodiscard]] std::string environmentVariable(const char* name);
 
+/// Returns the advice to run a "git config --global" command, and to set HOME first if both that
+/// and GIT_CONFIG_GLOBAL are missing. `beginning` introduces the command, such as "Run".
+[[nodiscard]] std::string globalSettingAdvice(const std::string& beginning,
+                                              const std::string& command);
+
 }  // namespace neb::nebsc

@@ -32,8 +32,10 @@ std::string adviceOn(const Examination& examination, const Role& role) {
         return std::string("Correct or unset ") + role.nameVariable + " and " +
                role.addressVariable + ".";
     }
-    return "Run: " + commandFor(examination, "user.name", "'YOUR NAME'") + " && " +
-           commandFor(examination, "user.email", "YOU@EXAMPLE.ORG");
+    const std::string commands = commandFor(examination, "user.name", "'YOUR NAME'") + " && " +
+                                 commandFor(examination, "user.email", "YOU@EXAMPLE.ORG");
+    return commands.find("--global") != std::string::npos ? globalSettingAdvice("Run", commands)
+                                                          : "Run: " + commands;
 }
 
 /// Returns whether git derived the author's address from the names of the user and the machine.
@@ -66,9 +68,10 @@ void checkIdentity(Examination& examination) {
         }
     }
     if (isAddressGuessed(examination)) {
-        examination.add(Health::note, subject,
-                        author + ", with an address that git guessed from the name of this machine",
-                        "Run: git config --global user.email YOU@EXAMPLE.ORG");
+        examination.add(
+            Health::note, subject,
+            author + ", with an address that git guessed from the name of this machine",
+            globalSettingAdvice("Run", "git config --global user.email YOU@EXAMPLE.ORG"));
     } else {
         examination.add(Health::ok, subject, author);
     }

@@ -37,9 +37,9 @@ std::string nearestDotGit(const std::string& folder) {
 void addFailure(Examination& examination, const ChildOutcome& outcome) {
     const auto errorClass = NEBSourceControlErrorClassOfText(outcome.errorOutput);
     if (errorClass == NEBSourceControlOwnerNotTrustedErrorClass) {
-        examination.add(Health::problem, "repository",
-                        "owned by another user; git refuses to use it",
-                        "If you trust it: " + trustCommandIn(outcome.errorOutput));
+        examination.add(
+            Health::problem, "repository", "owned by another user; git refuses to use it",
+            globalSettingAdvice("If you trust it", trustCommandIn(outcome.errorOutput)));
     } else if (errorClass != NEBSourceControlNotARepositoryErrorClass) {
         examination.add(Health::problem, "repository", "git cannot read it: " + reasonOf(outcome));
     } else if (const std::string dotGit = nearestDotGit(examination.folder()); !dotGit.empty()) {

@@ -70,7 +70,7 @@ fs::path withoutLinks(const fs::path& path, LastLink last) {
         if (name->empty()) {
             continue;  // after a "/" at the end
         }
-        const fs::path next = resolved / *name;
+        fs::path next = resolved / *name;
         if (last == LastLink::isKept && std::next(name) == path.end() && *name != "." &&
             *name != "..") {
             return next;
@@ -93,6 +93,14 @@ std::optional<std::string> folderNamedGit(const fs::path& top, const fs::path& p
         }
     }
     return std::nullopt;
+}
+
+NEBSourceControlError errorOfPath(const std::string& path, const std::string& folder) {
+    auto error = NEBSourceControlError::withDescription(
+        NEBSourceControlGenericError,
+        "\"" + path + "\" is inside the git directory \"" + folder + "\"; nothing was changed.");
+    error.errorClass = NEBSourceControlPathInvalidErrorClass;
+    return error;
 }
 
 }  // namespace
@@ -130,11 +138,7 @@ std::optional<NEBSourceControlError> errorOfChangeInGitDirectory(
             return gitDirectoryAround(changed.path, changed.last).value_or("");
         });
         if (!folder.empty()) {
-            auto error = NEBSourceControlError::withDescription(
-                NEBSourceControlGenericError, "\"" + path + "\" is inside the git directory \"" +
-                                                  folder + "\"; nothing was changed.");
-            error.errorClass = NEBSourceControlPathInvalidErrorClass;
-            return error;
+            return errorOfPath(path, folder);
         }
     }
     return std::nullopt;

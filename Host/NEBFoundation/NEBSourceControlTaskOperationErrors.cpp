@@ -1,11 +1,14 @@
 // The errors of an operation that runs a child process.
 
+#include <cerrno>
+
 #include "NEBFoundation/NEBSourceControlErrorCatalogue.h"
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
 #include "NEBFoundation/NEBSourceControlErrorDetails.h"
 #include "NEBFoundation/NEBSourceControlLockFile.h"
 #include "NEBFoundation/NEBSourceControlTaskOperation.h"
 #include "NEBFoundation/NEBSourceControlText.h"
+#include "Platform/ErrnoText.h"
 #include "Platform/PathString.h"
 
 namespace neb {
@@ -20,6 +23,14 @@ NEBSourceControlError errorOfClass(std::string_view errorClass, const std::strin
     auto error = NEBSourceControlError::withDescription(NEBSourceControlGenericError, description);
     error.errorClass = errorClass;
     return error;
+}
+
+/// Returns the class of a child that could not be started. `reason` ends with the text of an error
+/// number.
+std::string_view classOfStartFailure(std::string_view reason) {
+    return reason.ends_with(textOfErrno(ENOMEM))  ? NEBSourceControlOutOfMemoryErrorClass
+           : reason.ends_with(textOfErrno(E2BIG)) ? NEBSourceControlSystemLimitErrorClass
+                                                  : NEBSourceControlNotStartedErrorClass;
 }
 
 }  // namespace
@@ -85,7 +96,7 @@ std::optional<NEBSourceControlError> NEBSourceControlTaskOperation::errorOfFailu
 NEBSourceControlError NEBSourceControlTaskOperation::errorOfAbnormalEnd() {
     const std::string how = _terminationStatus->description();
     if (!_terminationStatus->started()) {
-        return errorOfClass(NEBSourceControlNotStartedErrorClass,
+        return errorOfClass(classOfStartFailure(how),
                             "The operation could not be performed because " + how + ".");
     }
     auto error = _terminationStatus->signalNumber()

@@ -250,6 +250,14 @@ TEST_F(TaskOperationFailure, AProgramThatCannotBeStartedIsNamed) {
     EXPECT_FALSE(operation->terminationStatus()->started());
 }
 
+TEST_F(TaskOperationFailure, AnArgumentThatIsTooLongIsALimitOfTheSystem) {
+    // Linux limits one argument to 128 KiB.
+    auto operation = script(std::string(1U << 18U, ' '));
+    operation->start();
+    EXPECT_THAT(operation->error(), HasErrorClass(NEBSourceControlSystemLimitErrorClass));
+    EXPECT_FALSE(operation->terminationStatus()->started());
+}
+
 TEST_F(TaskOperationFailure, AMissingWorkingDirectoryIsNamed) {
     auto operation = script("");
     operation->setCurrentDirectoryPath("/no/such/folder");

@@ -188,15 +188,23 @@ TEST_F(DoctorCommand, AGitThatHangsIsEndedAfterTheTimeLimit) {
                           "case \"$*\" in *batch-check*) exec sleep 600;; "
                           "*) exec /usr/bin/git \"$@\";; esac");
     Nebsc doctor({"doctor"}, {.folder = repository.path(), .variables = {slow.path()}});
+    // The list of objects never ends, although the git that reads it has.
+    const StandInGit endless(repository.path(),
+                             "case \"$*\" in *batch-check*) exit 0;; "
+                             "*'for-each-ref --format=%(objectname)') exec sleep 600;; "
+                             "*) exec /usr/bin/git \"$@\";; esac");
+    Nebsc endlessDoctor({"doctor"}, {.folder = repository.path(), .variables = {endless.path()}});
     const StandInGit hanging(repository.path(), "sleep 600");
     const auto found = findings("git", {hanging.path()});
     EXPECT_EQ(found[0]["health"], "problem");
     EXPECT_THAT(found[0]["text"].get<std::string>(), HasSubstr("timed out after 5 s"));
     // A large repository is slow, not damaged.
-    EXPECT_THAT(doctor.outcome().output,
-                AllOf(HasSubstr("note     references   could not check whether the objects of all "
-                                "1 exist: timed out after 5 s"),
-                      HasSubstr("ok       HEAD commit")));
+    const auto timedOut =
+        AllOf(HasSubstr("note     references   could not check whether the objects of all 1 exist: "
+                        "timed out after 5 s"),
+              HasSubstr("ok       HEAD commit"));
+    EXPECT_THAT(doctor.outcome().output, timedOut);
+    EXPECT_THAT(endlessDoctor.outcome().output, timedOut);
 }
 
 TEST_F(DoctorCommand, UnreadableSettingsAreAProblemAndSkipTheChecksThatNeedThem) {

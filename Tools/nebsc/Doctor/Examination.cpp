@@ -7,7 +7,6 @@
 #include "Doctor/ProgramSearch.h"
 #include "Platform/PathString.h"
 #include "Platform/Text.h"
-#include "Session/Deadline.h"
 
 namespace neb::nebsc {
 
@@ -23,14 +22,11 @@ ChildOutcome Examination::run(std::vector<std::vector<std::string>> calls,
     ChildProcess process;
     const auto cancel = [&process] { process.cancel(); };
     const Interruption::Work work(_interruption, cancel);
-    std::optional<Deadline> deadline;
-    if (limit) {
-        deadline.emplace(std::chrono::steady_clock::now() + *limit, cancel);
-    }
     return runGitProcesses(process, _trace, std::move(calls),
                            {.folder = _folder,
                             .variables = variablesAgainstFetching(),
-                            .traits = {.isBackgroundWork = true}});
+                            .traits = {.isBackgroundWork = true},
+                            .limits = {.total = limit}});
 }
 
 ChildOutcome Examination::runWithTimeLimit(std::vector<std::vector<std::string>> calls) {
@@ -89,7 +85,7 @@ std::vector<std::string> variablesAgainstFetching() {
 }
 
 bool hasTimedOut(const ChildOutcome& outcome) {
-    return outcome.duration >= timeLimitOfQuery;
+    return outcome.exceededLimit == ChildLimit::total;
 }
 
 std::string environmentVariable(const char* name) {

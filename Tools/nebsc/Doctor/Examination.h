@@ -94,7 +94,7 @@ private:
 /// clone and from opening network connections.
 [[nodiscard]] std::vector<std::string> variablesAgainstFetching();
 
-/// Returns whether Examination::query() ended git after the time limit.
+/// Returns whether the examination ended git after the time limit of the query.
 [[nodiscard]] bool hasTimedOut(const ChildOutcome& outcome);
 
 /// Returns the value of an environment variable; empty if it is not set.

@@ -63,9 +63,8 @@ bool SpeedExamination::hasTimeLeft() const {
 }
 
 ChildOutcome SpeedExamination::query(std::vector<std::string> arguments) {
-    const std::chrono::milliseconds limit = timeLeft();
-    ChildOutcome outcome = _examination.queryWithin(limit, std::move(arguments));
-    _wasCut = _wasCut || outcome.duration >= limit;
+    ChildOutcome outcome = _examination.queryWithin(timeLeft(), std::move(arguments));
+    _wasCut = _wasCut || hasTimedOut(outcome);
     return outcome;
 }
 
@@ -76,7 +75,7 @@ std::optional<Timing> SpeedExamination::timeOf(const std::vector<std::string>& a
     for (int run = 0; run < mostRuns && spent < _limits.repetition && hasTimeLeft(); ++run) {
         const std::chrono::milliseconds limit = std::min(timeLeft(), _limits.probe);
         const ChildOutcome outcome = _examination.queryWithin(limit, arguments);
-        const bool isCut = outcome.duration >= limit;
+        const bool isCut = hasTimedOut(outcome);
         const Timing timing{.time = isCut ? Milliseconds(limit) : outcome.duration, .isCut = isCut};
         // A run that is cut after a complete one says nothing new.
         if (!outcome.status.isSuccess() && (!timing.isCut || shortest)) {

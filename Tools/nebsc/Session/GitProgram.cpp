@@ -70,16 +70,21 @@ ChildOutcome runGitProcesses(ChildProcess& process, const Trace& trace,
                             .pipeTo = nullptr});
     }
     std::vector<std::optional<std::size_t>> traceNumbers(commands.size());
+    const auto started = [&](std::size_t index) {
+        traceNumbers[index] = trace.started(commands[index]);
+    };
     std::vector<ChildOutcome> outcomes =
-        NEBSourceControlRunChildren(process, launches, {.started = [&](std::size_t index) {
-                                        traceNumbers[index] = trace.started(commands[index]);
-                                    }});
+        NEBSourceControlRunChildren(process, launches, {.started = started}, surroundings.limits);
+    ChildOutcome& last = outcomes.back();
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         if (traceNumbers[i]) {
             trace.ended(*traceNumbers[i], outcomes[i].status, outcomes[i].duration);
         }
+        if (outcomes[i].exceededLimit) {
+            last.exceededLimit = outcomes[i].exceededLimit;
+        }
     }
-    return std::move(outcomes.back());
+    return std::move(last);
 }
 
 std::optional<std::string> trimmedOutputOf(const ChildOutcome& outcome) {

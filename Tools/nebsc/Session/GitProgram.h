@@ -30,17 +30,18 @@ namespace neb::nebsc {
                                   std::vector<std::string> arguments,
                                   std::optional<std::string> folder);
 
-/// The folder, the environment and the traits of a git process.
+/// The folder, the environment, the traits and the limits of git processes.
 struct GitSurroundings {
     /// Absent: the current folder.
     std::optional<std::string> folder{};
     /// Environment variables to set or replace, each "NAME=value".
     std::vector<std::string> variables{};
     NEBSourceControlChildTraits traits{};
+    ChildLimits limits{};
 };
 
 /// Runs one git process for each list of arguments, all at the same time, as a pipeline. Returns
-/// the outcome of the last process.
+/// the outcome of the last process, with the limit that any of them exceeded.
 [[nodiscard]] ChildOutcome runGitProcesses(ChildProcess& process, const Trace& trace,
                                            std::vector<std::vector<std::string>> argumentLists,
                                            const GitSurroundings& surroundings);

@@ -48,6 +48,8 @@ private:
 
     /// The commit of HEAD before; absent before the first commit.
     std::optional<std::string> _commitBefore;
+    /// The commit that was made; absent without one.
+    std::optional<std::string> _commit;
     /// Absent for that of the amended commit.
     std::optional<std::string> _message;
     /// Empty if the user has edited none.
@@ -159,12 +161,12 @@ std::optional<std::string> CommitTask::revisionIn(const Outcome& outcome) const 
 
 /// A commit that is amended within a second may keep its id.
 void CommitTask::finish(Outcome& outcome) {
+    _commit = revisionIn(outcome);
     if (!mayRunGit() || isAmending()) {
         return;
     }
-    const auto revision = revisionIn(outcome);
     const bool isUnchanged =
-        revision ? _commitBefore && _commitBefore->starts_with(*revision) : !_commitBefore;
+        _commit ? _commitBefore && _commitBefore->starts_with(*_commit) : !_commitBefore;
     if (isUnchanged) {
         outcome.result.reset();
         outcome.error = NEBSourceControlError::withDescription(
@@ -174,10 +176,10 @@ void CommitTask::finish(Outcome& outcome) {
     }
 }
 
-void CommitTask::report(const Outcome& outcome, CommandOutput& output) {
-    if (const auto revision = revisionIn(outcome)) {
+void CommitTask::report(const Outcome& /*outcome*/, CommandOutput& output) {
+    if (_commit) {
         output.standardOutput =
-            (isAmending() ? "Amended; now at " : "Committed ") + printable(*revision) + ".\n";
+            (isAmending() ? "Amended; now at " : "Committed ") + printable(*_commit) + ".\n";
     }
 }
 

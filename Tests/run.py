@@ -79,7 +79,7 @@ def editor_jobs(build):
 
 def browse_jobs(build):
     """The page of nebsc browse: its modules in node, its views in Chromium."""
-    for name in ["units", "hub", "page", "live", "screenshots"]:
+    for name in ["units", "hub", "page", "begin", "live", "screenshots"]:
         yield Job(f"Browse {name}", [Path("node"), "--test", SOURCE / f"Browse/{name}.test.mjs"],
                   {"NEBSC": str(build / "bin/nebsc"),
                    "NODE_PATH": str(build / "browse-tests/node_modules")}, False)

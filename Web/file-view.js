@@ -5,12 +5,15 @@ import { errorElement } from "./errors.js";
 import { imageFigure, imageType } from "./images.js";
 import { contentBytes, nameIn, record, request, splitPath, Type } from "./records.js";
 import { address, textOf } from "./route.js";
+import { readingLatest } from "./latest.js";
 import { lazyLines, lineElement } from "./lines.js";
 import { dateTime, fullTime } from "./time.js";
 
 const MAX_BYTES = 20 << 20;
 /** A file with a NUL among so many bytes or characters is binary, as in git. */
 const BINARY_LENGTH = 8000;
+/** So often, in lines, the commit is named again beside a long run of its lines. */
+const REPEATED = 20;
 
 /** The revision "" is the working copy. */
 export function openFile(app, [revision, path], values) {
@@ -21,6 +24,9 @@ export function openFile(app, [revision, path], values) {
 class FileView {
     #groups = [];
     #cells = new Map();
+    /** The records of the lines on the screen; empty without lines. */
+    #shown = "";
+    #load = readingLatest(() => this.#read());
 
     constructor(app, revision, path, values) {
         Object.assign(this, { app, revision, path, values });
@@ -32,7 +38,7 @@ class FileView {
             element("h1.hidden", {}, visible(this.title)),
             element("div.bar", {}, breadcrumbs(revision, path), revision === "" ? element("span", {}, "working copy") : null,
                 element("a.button", { href: address("log", [], { branch: revision, path, follow: "1" }) }, "History"),
-                revision === "" ? null : element("a.button", { href: address("file", ["", path]) }, "Working copy")),
+                revision === "" || app.repository?.isBare ? null : element("a.button", { href: address("file", ["", path]) }, "Working copy")),
             this.status, this.body);
         this.scroller = this.node;
         this.keys = { u: () => { location.hash = address("tree", [revision || "HEAD", splitPath(path).folder]); } };
@@ -47,11 +53,12 @@ class FileView {
         if (this.revision === "" && (changes.includes("workingTree") || changes.includes("head"))) this.#load();
     }
 
-    async #load() {
+    async #read() {
         try {
             if (this.revision === "") await this.#loadWorkingCopy();
             else await this.#loadContent();
         } catch (error) {
+            this.#shown = "";
             show(this.status);
             show(this.body, errorElement(error));
         }
@@ -75,19 +82,25 @@ class FileView {
 
     async #loadWorkingCopy() {
         const { app, path } = this;
-        if (imageType(path)) show(this.body, await imageFigure(app, path, { isWorkingCopy: true }, "Working copy").catch(errorElement));
+        if (imageType(path)) {
+            show(this.body, await imageFigure(app, path, { isWorkingCopy: true }, "Working copy").catch(errorElement));
+            this.#shown = "";
+        }
         await this.#loadBlame();
     }
 
     /** Reads the commits of the lines; of the working copy also the lines. */
     async #loadBlame() {
         const { app, revision, path } = this;
-        show(this.status, "Finding the commit of each line…");
+        if (this.#shown === "") show(this.status, "Finding the commit of each line…");
         const members = { files: [path] };
         if (revision !== "") members.startingRevision = revision;
         const { result } = await app.connection.perform(request(Type.annotation, members));
         const groups = record(result ?? []);
         show(this.status);
+        const current = JSON.stringify(groups);
+        if (current === this.#shown) return;
+        this.#shown = current;
         this.#groups = [];
         markParity(groups);
         for (const group of groups) {
@@ -133,8 +146,8 @@ class FileView {
         if (!entry) return;
         const [group, offset] = entry;
         cell.classList.toggle("odd", group.isOdd);
-        if (offset > 0) return;
-        cell.classList.add("first");
+        if (offset % REPEATED > 0) return;
+        cell.classList.toggle("first", offset === 0);
         if (group.isUncommitted) return void show(cell, element("span.uncommitted", {}, "Not committed"));
         const file = nameIn(group, "originalPath");
         const title = `${group.objectID.slice(0, 12)} ${visible(group.author ?? "")}, ${fullTime(group.authorTime, group.authorTimeOffset)}\n${visible(group.subject ?? "")}`;
@@ -142,7 +155,7 @@ class FileView {
             element("time", {}, dateTime(group.authorTime, group.authorTimeOffset).slice(0, 10)), " ",
             element("bdi", {}, visible(group.author ?? "")), element("span.hidden", {}, `: ${visible(group.subject ?? "")}`)),
         group.previousID ? element("a.to-before", {
-            href: address("before", [group.objectID, file], { line: group.originalLine }), title: "The line before this commit",
+            href: address("before", [group.objectID, file], { line: group.originalLine + offset }), title: "The line before this commit",
             "aria-label": `Line ${index + 1} before that commit` }, "◂") : null);
     }
 }

@@ -6,7 +6,10 @@ import { address, textOf } from "./route.js";
 const kinds = [["message", "Message"], ["author", "Author"], ["content", "Content"]];
 const MAX_REFERENCES = 1000;
 
-/** Returns {node, focus, refresh} for the values of an address; submitting it goes to another address. */
+/**
+ * Returns {node, focus, refresh} for the values of an address; submitting it goes to another address. `refresh()` reads the
+ * references again, and resolves to whether one has changed since they were read before.
+ */
 export function filterForm(app, values) {
     const kind = element("select", { "aria-label": "Search in" },
         kinds.map(([value, label]) => element("option", { value, selected: Boolean(values[value]) }, label)));
@@ -19,7 +22,13 @@ export function filterForm(app, values) {
     const until = input("date", "Until", values.until, { title: "Until" });
     const branch = element("select", { "aria-label": "Branch" });
     const names = new Map();
-    const refresh = () => fillBranches(app, branch, names, values.branch);
+    let reading = null;
+    const refresh = async () => {
+        const before = reading;
+        reading = fillBranches(app, branch, names, values.branch).then(JSON.stringify);
+        const [one, other] = await Promise.all([before, reading]);
+        return before !== null && one !== other;
+    };
     const go = (event) => {
         event?.preventDefault();
         const isSamePath = path.value === (values.path ? textOf(values.path) : "");
@@ -42,6 +51,7 @@ export function filterForm(app, values) {
     return { node, refresh, focus: () => text.select() };
 }
 
+/** Returns the records of the references; null if they cannot be read. */
 async function fillBranches(app, select, names, chosen) {
     const chosenText = chosen ? textOf(chosen) : "";
     const option = (value, label) => element("option", { value, selected: value === chosenText }, label);
@@ -60,7 +70,9 @@ async function fillBranches(app, select, names, chosen) {
         const label = { branch: "Branches", remote: "Remote branches", tag: "Tags", other: "Other" };
         fill(Object.keys(groups).filter((kind) => groups[kind].length)
             .map((kind) => element("optgroup", { label: label[kind] }, groups[kind])));
+        return result;
     } catch {
         // The list of commits reports the same error.
+        return null;
     }
 }

@@ -1,6 +1,7 @@
 // A view of a list that one request returns.
 import { element, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
+import { readingLatest } from "./latest.js";
 import { VirtualList } from "./virtual-list.js";
 
 const ROW_HEIGHT = 26;
@@ -47,7 +48,9 @@ export class ListView {
         if (changes.includes("head") || changes.includes("references")) this.load();
     }
 
-    async load() {
+    load = readingLatest(() => this.#readEntries());
+
+    async #readEntries() {
         try {
             this.#entries = await this.read();
             show(this.problem, this.#entries.length ? null : element("p.remark", {}, this.emptyRemark));

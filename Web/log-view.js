@@ -91,6 +91,11 @@ class LogView {
         else this.#notify();
     }
 
+    /** Does what changed() does if a reference is not as it was when the list was read. */
+    async check() {
+        if (await this.form.refresh()) this.changed(["references"]);
+    }
+
     #notify() {
         this.needsNotice = true;
         if (this.app.view !== this) return;

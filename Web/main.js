@@ -13,8 +13,12 @@ import { openTree } from "./tree-view.js";
 import { openWorkingCopy } from "./working-copy-view.js";
 
 const KEPT_VIEWS = 6;
+const everything = ["head", "references", "index", "workingTree"];
 
-/** Views by name: each function returns {node, title, scroller?, keys?, changed?, close?, list?}. */
+/**
+ * Views by name: each function returns {node, title, scroller?, keys?, changed?, check?, close?, list?}. `changed(changes)`
+ * is called after a change; `check()` instead if there may have been one since the view read what it shows.
+ */
 const openers = {
     log: openLog, commit: openCommit, file: openFile, tree: openTree, changes: openWorkingCopy,
     branches: openReferences, before: openBefore,
@@ -93,7 +97,8 @@ function markTab(hash) {
 }
 
 function showRepository() {
-    const { name, location: folder, trust } = app.repository;
+    const { name, location: folder, trust, isBare } = app.repository;
+    if (isBare) document.querySelector("#views [data-view=changes]").remove();
     const node = document.getElementById("repository");
     show(node, element("bdi", {}, visible(name)));
     node.title = folder;
@@ -103,41 +108,32 @@ function showRepository() {
     }
 }
 
-function watch() {
-    const { connection } = app;
-    return connection.call("watch", { workingTree: true }).then(
-        () => notice("watch", null),
-        (error) => { if (!error.lost) notice("watch", `The page does not follow changes: ${error.message}`, "Try again", watchAgain); });
-}
-
-/** The repository may have changed, or be another one, since the last watch ended. */
-async function watchAgain() {
-    await watch();
-    readAgain();
-}
-
-function readAgain() {
-    for (const view of views.values()) view.changed?.(["head", "references", "index", "workingTree"]);
+/** Follows changes until the connection is lost. Views may have been read before, from another state or repository. */
+async function watch() {
+    try {
+        await app.connection.call("watch", { workingTree: true });
+        notice("watch", null);
+    } catch (error) {
+        if (error.lost) return;
+        notice("watch", `The page does not follow changes: ${error.message}`, "Try again", watch);
+    }
+    for (const view of views.values()) view.check ? view.check() : view.changed?.(everything);
 }
 
 function follow() {
     const { connection } = app;
-    let wasLost = false;
     connection.addEventListener("open", () => {
         notice("connection", null);
         watch();
-        if (wasLost) readAgain();
-        wasLost = false;
     });
     connection.addEventListener("lost", () => {
-        wasLost = true;
         notice("connection", "The connection to nebsc was lost. The page tries to connect again; if nebsc has ended, start it again.");
     });
     connection.addEventListener("sourceControl/didChange", ({ detail }) => {
         for (const view of views.values()) view.changed?.(detail.changes);
     });
     connection.addEventListener("sourceControl/watchEnded", ({ detail }) => {
-        notice("watch", `The page no longer follows changes: ${detail.message}`, "Try again", watchAgain);
+        notice("watch", `The page no longer follows changes: ${detail.message}`, "Try again", watch);
     });
 }
 

@@ -2,6 +2,7 @@
 import { element, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { FileList, loadChanges, pathsOf } from "./file-list.js";
+import { readingLatest } from "./latest.js";
 import { nameIn, record, request, Type } from "./records.js";
 import { address } from "./route.js";
 import { loadUntracked } from "./untracked.js";
@@ -34,8 +35,7 @@ export function openWorkingCopy(app) {
 
 class WorkingCopyView {
     title = "Changes";
-    #isLoading = false;
-    #isOutdated = false;
+    #load = readingLatest(() => this.#read());
     #shown = "";
     #lists = [];
     #isFirst = true;
@@ -69,24 +69,16 @@ class WorkingCopyView {
         buttons[Math.max(0, Math.min(index + step, buttons.length - 1))]?.focus();
     }
 
-    /** Reads the state; once more if something changes meanwhile. */
-    async #load() {
-        this.#isOutdated = true;
-        if (this.#isLoading) return;
-        this.#isLoading = true;
-        while (this.#isOutdated) {
-            this.#isOutdated = false;
-            try {
-                const [state, operation] = await Promise.all([Type.state, Type.operation].map((type) =>
-                    this.app.connection.perform({ ...request(type, {}, type === Type.state ? { UntrackedFiles: "all" } : {}), background: true })));
-                this.#show(record(state.result), record(operation.result ?? []));
-            } catch (error) {
-                this.#shown = "";
-                show(this.status);
-                show(this.body, errorElement(error));
-            }
+    async #read() {
+        try {
+            const [state, operation] = await Promise.all([Type.state, Type.operation].map((type) =>
+                this.app.connection.perform({ ...request(type, {}, type === Type.state ? { UntrackedFiles: "all" } : {}), background: true })));
+            this.#show(record(state.result), record(operation.result ?? []));
+        } catch (error) {
+            this.#shown = "";
+            show(this.status);
+            show(this.body, errorElement(error));
         }
-        this.#isLoading = false;
     }
 
     #show(state, operations) {

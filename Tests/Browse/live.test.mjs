@@ -2,46 +2,12 @@
 import assert from "node:assert/strict";
 import fs from "node:fs";
 import http from "node:http";
-import { after, before, test } from "node:test";
 
 import { png } from "./png.mjs";
-import { commit, environment, git, makeLongHistory, makeRepository, openPage, serve, startBrowser, write } from "./support.mjs";
+import { commit, environment, git, LONGEST_WAIT, makeLongHistory, makeSmallRepository, openPage, repositoryTests, write } from
+    "./support.mjs";
 
-/** Longer than a test takes on a busy machine. */
-const limit = { timeout: 180_000 };
-const LONGEST_WAIT = 30_000;
-let browser;
-before(async () => { browser = await startBrowser(); });
-after(() => browser?.close());
-
-/** Runs a test with a repository of two commits, a server and a page. */
-function liveTest(name, body, makeFolder = makeSmallRepository) {
-    test(name, limit, async () => {
-        const folder = makeFolder();
-        const server = await serve(folder);
-        const page = await browser.newPage();
-        page.setDefaultTimeout(LONGEST_WAIT);
-        const problems = [];
-        page.on("pageerror", (error) => problems.push(String(error.stack)));
-        try {
-            await body(page, folder, server);
-            assert.deepEqual(problems, []);
-        } finally {
-            await page.close();
-            await server.end();
-        }
-    });
-}
-
-function makeSmallRepository() {
-    const folder = makeRepository();
-    write(folder, "a.txt", "one\ntwo\n");
-    commit(folder, "First");
-    write(folder, "a.txt", "one\n2\n");
-    commit(folder, "Second");
-    return folder;
-}
-
+const liveTest = repositoryTests();
 const open = openPage;
 const row = (page, text) => page.locator("[role=option]:visible", { hasText: text });
 const group = (page, name) => page.getByRole("region", { name, exact: true });
@@ -364,15 +330,12 @@ liveTest("the page says that nebsc has ended", async (page, folder, server) => {
     await page.locator(".notice", { hasText: "The connection to nebsc was lost" }).waitFor();
 });
 
-test("the page runs no program that the repository names", limit, async () => {
-    const folder = makeSmallRepository();
-    const marker = `${environment.HOME}/ran`;
-    git(folder, "config", "core.fsmonitor", `touch ${marker}; false`);
-    const server = await serve(folder);
-    const page = await browser.newPage();
+liveTest("the page runs no program that the repository names", async (page, folder, server) => {
     await open(page, server, "#/changes");
     await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
-    assert.equal(fs.existsSync(marker), false);
-    await page.close();
-    await server.end();
+    assert.equal(fs.existsSync(`${environment.HOME}/ran`), false);
+}, () => {
+    const folder = makeSmallRepository();
+    git(folder, "config", "core.fsmonitor", `touch ${environment.HOME}/ran; false`);
+    return folder;
 });

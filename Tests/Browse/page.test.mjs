@@ -5,10 +5,9 @@ import path from "node:path";
 import { after, before, test } from "node:test";
 
 import { attack, latinName, makeHostileRepository, markupName, oddNames } from "./hostile.mjs";
-import { axeSource, commit, git, makeLongHistory, makeRepository, openPage, screenshot, serve, startBrowser, write } from "./support.mjs";
+import { axeSource, commit, git, limit, LONGEST_WAIT, makeLongHistory, makeRepository, openPage, screenshot, serve, startBrowser, write } from
+    "./support.mjs";
 
-/** Longer than a test takes on a busy machine. */
-const limit = { timeout: 180_000 };
 let browser;
 let hostile;
 let server;
@@ -23,7 +22,7 @@ after(() => Promise.all([browser?.close(), server?.end()]));
 function pageTest(name, body) {
     test(name, limit, async () => {
         const page = await browser.newPage();
-        page.setDefaultTimeout(30_000);
+        page.setDefaultTimeout(LONGEST_WAIT);
         const problems = [];
         page.on("pageerror", (error) => problems.push(String(error.stack)));
         page.on("console", (message) => { if (/Content.Security|Refused/.test(message.text())) problems.push(message.text()); });

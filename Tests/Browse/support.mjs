@@ -1,12 +1,14 @@
 // Repositories, nebsc and Chromium for the tests of the page.
 //
 //     NEBSC=<path of nebsc> NODE_PATH=<path of node_modules> node --test page.test.mjs
+import assert from "node:assert/strict";
 import { execFileSync, spawn } from "node:child_process";
 import { once } from "node:events";
 import fs from "node:fs";
 import { createRequire } from "node:module";
 import os from "node:os";
 import path from "node:path";
+import { after, before, test } from "node:test";
 
 const require = createRequire(import.meta.url);
 const { chromium } = require("playwright-core");
@@ -120,6 +122,45 @@ export async function startBrowser(options = {}) {
     const profile = fs.mkdtempSync(path.join(home, "profile-"));
     return chromium.launchPersistentContext(profile,
         { executablePath: "/usr/bin/chromium", args: chromiumArguments, viewport: { width: 1280, height: 800 }, ...options });
+}
+
+/** Longer than a test takes on a busy machine. */
+export const limit = { timeout: 180_000 };
+export const LONGEST_WAIT = 30_000;
+
+/** Makes a repository of the commits "First" and "Second", which change the file a.txt. */
+export function makeSmallRepository() {
+    const folder = makeRepository();
+    write(folder, "a.txt", "one\ntwo\n");
+    commit(folder, "First");
+    write(folder, "a.txt", "one\n2\n");
+    commit(folder, "Second");
+    return folder;
+}
+
+/**
+ * Returns a function that runs a test in a new page, with a folder of its own that nebsc serves: test(name, body,
+ * makeFolder?), where `body` takes the page, the folder, and what serve() returns.
+ */
+export function repositoryTests() {
+    let browser;
+    before(async () => { browser = await startBrowser(); });
+    after(() => browser?.close());
+    return (name, body, makeFolder = makeSmallRepository) => test(name, limit, async () => {
+        const folder = makeFolder();
+        const server = await serve(folder);
+        const page = await browser.newPage();
+        page.setDefaultTimeout(LONGEST_WAIT);
+        const problems = [];
+        page.on("pageerror", (error) => problems.push(String(error.stack)));
+        try {
+            await body(page, folder, server);
+            assert.deepEqual(problems, []);
+        } finally {
+            await page.close();
+            await server.end();
+        }
+    });
 }
 
 /** Opens a view of a repository that serve() serves. The first page gets a cookie from the printed URL. */

@@ -171,8 +171,15 @@ TEST_F(Gateway, ServesThePage) {
 TEST_F(Gateway, DescribesTheRepository) {
     const JSON described = JSON::parse(get("/repository")->body);
     EXPECT_EQ(described["location"], repository.path());
+    EXPECT_EQ(described["isBare"], false);
     EXPECT_EQ(described["trust"], "inspect");
     EXPECT_EQ(described["version"], NEB_PROJECT_VERSION);
+}
+
+TEST_F(Gateway, SaysThatARepositoryIsBare) {
+    repository.git({"config", "core.bare", "true"});
+    start({"browse", "--no-open", repository.path(".git")});
+    EXPECT_EQ(JSON::parse(get("/repository")->body)["isBare"], true);
 }
 
 TEST_F(Gateway, RefusesRequestsWithoutItsCookie) {

@@ -220,6 +220,7 @@ void Run::describeRepository(httplib::Response& response) const {
     const nlohmann::ordered_json repository{
         {"name", lastPathComponent(_site.location)},
         {"location", _site.location},
+        {"isBare", _site.isBare},
         {"trust", _site.session.isInspecting() ? "inspect" : "trusted"},
         {"version", NEBSC_VERSION}};
     response.set_content(

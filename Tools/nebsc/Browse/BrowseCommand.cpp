@@ -41,6 +41,7 @@ protected:
         output = _gateway.serve({.session = _session,
                                  .interruption = git().interruption(),
                                  .location = workingCopy().location,
+                                 .isBare = !workingCopy().isWorkingCopy,
                                  .stays = arguments().has("--stay"),
                                  .opensBrowser = !arguments().has("--no-open")});
     }

@@ -22,6 +22,7 @@ public:
         Interruption& interruption;
         /// The top of the working copy, or a bare repository; absolute.
         std::string location;
+        bool isBare = false;
         /// Whether to go on when no page is open.
         bool stays = false;
         /// Whether to open the page in the default browser.

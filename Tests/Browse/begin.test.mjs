@@ -1,0 +1,109 @@
+// Tests what the page shows when it begins, before it follows changes, and of repositories made for one test.
+import assert from "node:assert/strict";
+
+import { commit, git, makeLongHistory, makeRepository, openPage, repositoryTests, write } from "./support.mjs";
+
+const repositoryTest = repositoryTests();
+const row = (page, text) => page.locator("[role=option]:visible", { hasText: text });
+const group = (page, name) => page.getByRole("region", { name, exact: true });
+
+/** Opens a view whose watch begins only when the returned function is called. */
+async function openBeforeWatch(page, server, hash) {
+    let begin;
+    const begun = new Promise((resolve) => { begin = resolve; });
+    // Requests of a worker that pages share could not be held back.
+    await page.addInitScript(() => { delete globalThis.SharedWorker; });
+    await page.route("**/messages*", async (route) => {
+        if (route.request().postData().includes("sourceControl/watch")) await begun;
+        await route.continue();
+    });
+    await openPage(page, server, hash);
+    return begin;
+}
+
+repositoryTest("a commit is shown that is made before the watch of the first page begins", async (page, folder, server) => {
+    const begin = await openBeforeWatch(page, server, "#/log");
+    await row(page, "Second").waitFor();
+    await page.locator("option", { hasText: "main" }).waitFor({ state: "attached" });
+    commit(folder, "Third");
+    begin();
+    await row(page, "Third").waitFor();
+});
+
+repositoryTest("without a change, a reader who has scrolled gets no notice", async (page, folder, server) => {
+    const begin = await openBeforeWatch(page, server, "#/log");
+    await row(page, "Commit 1000").waitFor();
+    await page.locator("option", { hasText: "main" }).waitFor({ state: "attached" });
+    await page.keyboard.press("PageDown");
+    await page.keyboard.press("PageDown");
+    const isReferences = (request) => Boolean(request.postData()?.includes('"type":1008'));
+    await Promise.all([page.waitForRequest(isReferences), begin()]);
+    // What the page asked for in between is answered when another view is shown.
+    await page.getByRole("link", { name: "Branches" }).click();
+    await page.locator("[role=option]:visible", { hasText: "main" }).waitFor();
+    await page.goBack();
+    await row(page, "Commit").first().waitFor();
+    assert.equal(await page.locator(".notice").count(), 0);
+    commit(folder, "News");
+    await page.locator(".notice", { hasText: "The history has changed" }).waitFor();
+}, () => makeLongHistory(1000));
+
+repositoryTest("a file is shown as it was written before the watch began", async (page, folder, server) => {
+    const begin = await openBeforeWatch(page, server, "#/file//a.txt");
+    const line = page.locator(".blame .line .code").first();
+    await line.and(page.getByText("one", { exact: true })).waitFor();
+    await page.locator(".commit-cell.first").first().waitFor();
+    write(folder, "a.txt", "new\n");
+    begin();
+    await line.and(page.getByText("new", { exact: true })).waitFor();
+    await page.locator(".uncommitted").waitFor();
+});
+
+repositoryTest("a file is drawn again only if it changes", async (page, folder, server) => {
+    await openPage(page, server, "#/changes");
+    await page.locator(".remark", { hasText: "Nothing to commit" }).waitFor();
+    await page.evaluate(() => { location.hash = "#/file//a.txt"; });
+    await page.locator(".commit-cell.first").first().waitFor();
+    const line = await page.locator(".blame .line").first().elementHandle();
+    write(folder, "other.txt", "other\n");
+    await page.goBack();
+    await group(page, "Untracked").waitFor();
+    await page.goForward();
+    await page.locator(".commit-cell.first").first().waitFor();
+    assert.equal(await line.evaluate((node) => node.isConnected), true);
+    write(folder, "a.txt", "new\n");
+    await page.locator(".uncommitted").waitFor();
+    assert.equal(await line.evaluate((node) => node.isConnected), false);
+});
+
+repositoryTest("the commit of a long run of lines is named again after twenty lines", async (page, folder, server) => {
+    await openPage(page, server, "#/file/HEAD/long.txt");
+    const line = page.locator(".blame .line");
+    await line.nth(40).locator(".to-commit").waitFor();
+    assert.equal(await page.locator(".to-commit").count(), 3);
+    assert.equal(await page.locator(".commit-cell.first").count(), 1);
+    const ids = git(folder, "log", "--format=%H").split("\n");
+    assert.equal(await line.nth(20).locator(".to-commit").getAttribute("href"), `#/commit/${ids[0]}?file=long.txt`);
+    await line.nth(40).locator(".to-before").click();
+    await page.waitForURL(new RegExp(`/file/${ids[1]}/long.txt\\?line=41$`));
+}, () => {
+    const folder = makeRepository();
+    for (const text of ["line", "other"]) {
+        write(folder, "long.txt", `${text}\n`.repeat(50));
+        commit(folder, text);
+    }
+    return folder;
+});
+
+repositoryTest("a bare repository has no changes and no files of a working copy", async (page, folder, server) => {
+    await openPage(page, server, "#/file/HEAD/a.txt");
+    await page.locator(".commit-cell.first").first().waitFor();
+    assert.deepEqual(await page.locator("#views a").allTextContents(), ["History", "Files", "Branches"]);
+    assert.equal(await page.getByRole("link", { name: "Working copy" }).count(), 0);
+}, () => {
+    const folder = makeRepository();
+    write(folder, "a.txt", "text\n");
+    commit(folder, "First");
+    git(folder, "config", "core.bare", "true");
+    return `${folder}/.git`;
+});

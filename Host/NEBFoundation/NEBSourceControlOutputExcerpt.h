@@ -13,9 +13,9 @@ constexpr std::size_t NEBSourceControlLongestMessages = std::size_t{1} << 20U;
 
 /// Returns the text, or if it is longer than NEBSourceControlLongestMessages, the text without the
 /// warnings of git. If that is too long, or nothing, returns the first and the last lines, about
-/// half of the length each. A line says how many bytes are left out. A hook or a server may print
-/// any amount, and git's own messages are at the beginning or at the end. Cuts between lines, or
-/// between the characters of a line that is longer than 4 KiB. Takes linear time. Thread-safe.
+/// half of the length each. A line says that some text is left out. A hook or a server may print
+/// any amount, and git's own messages are at the beginning or at the end. Cuts like endsOf(). Takes
+/// linear time. Thread-safe.
 [[nodiscard]] std::string NEBSourceControlOutputExcerpt(std::string_view text);
 
 }  // namespace neb

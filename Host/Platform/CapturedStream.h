@@ -1,6 +1,9 @@
 // CapturedStream.h - the data that a child writes to one pipe. Inside the host library only.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "Platform/Data.h"
 #include "Platform/FileDescriptor.h"
 
@@ -9,10 +12,18 @@ namespace neb {
 /// Reads one pipe without blocking and collects the data. Not thread-safe.
 class CapturedStream {
 public:
+    /// How much of the data is kept.
+    enum class Keeping {
+        everything,
+        /// Of more than 8 MiB the beginning and the end, each up to 4 MiB, as endsOf() cuts them.
+        ends
+    };
+
     /// No pipe: not open and without data.
     CapturedStream() = default;
     /// Takes ownership of `readEnd`, which must be non-blocking.
-    explicit CapturedStream(FileDescriptor readEnd) : _readEnd(std::move(readEnd)) {}
+    explicit CapturedStream(FileDescriptor readEnd, Keeping keeping = Keeping::everything)
+        : _readEnd(std::move(readEnd)), _keeping(keeping) {}
 
     /// The descriptor to poll, -1 after the end of the data.
     [[nodiscard]] int descriptor() const { return _readEnd.get(); }
@@ -28,17 +39,24 @@ public:
     /// the write end open, so that more data could follow.
     bool readRestAndClose();
 
-    /// Returns the data so far. Views of its bytes are valid until the next read.
+    /// The number of bytes that were read, kept or not.
+    [[nodiscard]] std::uint64_t arrived() const { return _arrived; }
+    /// Returns the data so far; of Keeping::ends, perhaps more than is kept. Views of its bytes are
+    /// valid until the next read.
     [[nodiscard]] const Data& data() const { return _data.data(); }
     /// Returns the data and leaves none here.
-    [[nodiscard]] Data takeData() { return _data.take(); }
+    [[nodiscard]] Data takeData();
 
 private:
     /// Reads at most `limit` bytes. Returns false if nothing is available or the data has ended.
     bool readSome(std::size_t limit);
+    /// If there are more than `limit` bytes, keeps the ends alone.
+    void keepEndsBeyond(std::size_t limit);
 
     FileDescriptor _readEnd;
+    Keeping _keeping = Keeping::everything;
     GrowingData _data;
+    std::uint64_t _arrived = 0;
     bool _isDrained = true;
 };
 

@@ -184,16 +184,16 @@ void ChildPipeline::waitForEvent() {
 }
 
 void ChildPipeline::readStreams() {
-    const std::size_t previousSize = _children.back().output.data().size();
-    std::size_t largestGrowth = 0;
+    const std::uint64_t previousOutput = _children.back().output.arrived();
+    std::uint64_t largestGrowth = 0;
     for (std::size_t i = 0; i < _children.size(); ++i) {
         PipelineChild& child = _children[i];
-        const auto size = [&child] {
-            return child.output.data().size() + child.errorOutput.data().size();
+        const auto arrived = [&child] {
+            return child.output.arrived() + child.errorOutput.arrived();
         };
-        const std::size_t sizeBefore = size();
+        const std::uint64_t before = arrived();
         child.readStreams();
-        const std::size_t growth = size() - sizeBefore;
+        const std::uint64_t growth = arrived() - before;
         _limits.addOutput(growth, Clock::now());
         if (growth > largestGrowth) {
             largestGrowth = growth;
@@ -201,10 +201,10 @@ void ChildPipeline::readStreams() {
         }
     }
     checkLimits();
-    reportOutput(_children.back().output.data().size() - previousSize);
+    reportOutput(_children.back().output.arrived() - previousOutput);
 }
 
-void ChildPipeline::reportOutput(std::size_t growth) {
+void ChildPipeline::reportOutput(std::uint64_t growth) {
     _smallReads = growth < smallGrowth ? _smallReads + 1 : 0;
     _restsBeforeNextRead = growth > 0 && _smallReads >= smallReadsBeforeRest;
     if (_observers.outputGrew && growth > 0 && _ending == Ending::none) {

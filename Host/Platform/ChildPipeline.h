@@ -60,7 +60,7 @@ private:
     [[nodiscard]] int pollTimeout() const;
     [[nodiscard]] bool mustCheckRegularly() const;
     void readStreams();
-    void reportOutput(std::size_t growth);
+    void reportOutput(std::uint64_t growth);
     void checkLimits();
 
     void reportStoppedProcesses();

@@ -35,7 +35,7 @@ struct ChildOutcome {
     TerminationStatus status;
     /// Standard output of the only child or of the last one of a pipeline. Empty for the others.
     Data output;
-    /// Standard error.
+    /// Standard error; of more than 8 MiB the beginning and the end, each up to 4 MiB.
     Data errorOutput;
     /// Whether another process still had a stream of the child open shortly after the child ended.
     /// The outcome has what was written until then.

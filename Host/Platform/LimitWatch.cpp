@@ -19,7 +19,7 @@ LimitWatch::LimitWatch(const ChildLimits& limits) : _limits(limits) {
     }
 }
 
-void LimitWatch::addOutput(std::size_t count, Moment now) {
+void LimitWatch::addOutput(std::uint64_t count, Moment now) {
     if (count > 0) {
         _outputBytes += count;
         _lastOutput = now;

@@ -20,7 +20,7 @@ public:
     explicit LimitWatch(const ChildLimits& limits);
 
     /// Notes that the children wrote `count` more bytes.
-    void addOutput(std::size_t count, Moment now);
+    void addOutput(std::uint64_t count, Moment now);
     /// Notes that the children were held back from `begin` to `end`.
     void addHeldBack(Moment begin, Moment end);
 

@@ -67,7 +67,7 @@ bool PipelineChild::start(const ChildLaunch& launch, FileDescriptor& input, bool
     _pid = spawned.pid;
     _state = State::running;
     _processDescriptor = openProcessDescriptor(spawned.pid);
-    errorOutput = CapturedStream(std::move(errorPipe.readEnd));
+    errorOutput = CapturedStream(std::move(errorPipe.readEnd), CapturedStream::Keeping::ends);
     if (feedsNext) {
         _outputPipe = pipeNumber(outputPipe.readEnd);
         input = std::move(outputPipe.readEnd);

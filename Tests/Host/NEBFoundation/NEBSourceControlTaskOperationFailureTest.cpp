@@ -62,15 +62,12 @@ TEST_F(TaskOperationFailure, OfVeryMuchErrorTextTheFirstAndLastLinesAreKept) {
     operation->start();
     const std::string text = operation->error()->text.value_or("");
     constexpr std::size_t lineSize = 8;
-    constexpr std::size_t all = 1000000 * lineSize + std::string_view("fatal: no\n").size();
     const std::size_t mark = text.find("[");
     const std::size_t afterMark = text.find("]\n", mark) + 2;
     ASSERT_NE(mark, std::string::npos);
     EXPECT_TRUE(text.starts_with("1000000\n1000001\n"));
     EXPECT_TRUE(text.ends_with("\n1999999\nfatal: no\n"));
-    EXPECT_EQ(text.substr(mark, afterMark - mark),
-              "[" + std::to_string(all - (text.size() - (afterMark - mark))) +
-                  " bytes are left out here]\n");
+    EXPECT_EQ(text.substr(mark, afterMark - mark), "[some text is left out here]\n");
     EXPECT_EQ(text[mark - 1], '\n');
     EXPECT_EQ(text[afterMark], '1') << "the beginning of a line";
     EXPECT_EQ(text.find('\n', afterMark), afterMark + lineSize - 1);
@@ -91,7 +88,7 @@ TEST_F(TaskOperationFailure, OfVeryMuchOutputTheFirstAndLastLinesAreKept) {
     auto operation = script("echo 'nothing to commit'; seq 1000000 1999999; exit 1");
     operation->start();
     const std::string text = operation->error()->text.value_or("");
-    EXPECT_THAT(text, HasSubstr(" bytes are left out here]\n"));
+    EXPECT_THAT(text, HasSubstr("\n[some text is left out here]\n"));
     EXPECT_TRUE(text.ends_with("\n1999999\n"));
     EXPECT_EQ(operation->data()->size(), 8000018U) << "whole";
 }

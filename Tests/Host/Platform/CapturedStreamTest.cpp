@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
 
 #include "Support/HygienicTest.h"
@@ -58,6 +59,34 @@ TEST_F(CapturedStreamTest, ReadsTheWholeRestThoughAnotherProcessHoldsThePipe) {
     EXPECT_TRUE(stream.readRestAndClose());
     EXPECT_FALSE(stream.isOpen());
     EXPECT_EQ(stream.takeData(), bytes);
+}
+
+TEST_F(CapturedStreamTest, KeepsTheEndsOfAnyAmountInLittleMemory) {
+    CapturedStream ends(FileDescriptor(::dup(stream.descriptor())), CapturedStream::Keeping::ends);
+    std::string lines;
+    while (lines.size() < 300000) {
+        lines += "a line in the middle\n";
+    }
+    write("first\n");
+    std::uint64_t written = 6;
+    std::size_t mostKept = 0;
+    for (; written < 40000000; written += lines.size()) {
+        write(lines);
+        ends.readAvailable();
+        mostKept = std::max(mostKept, ends.data().size());
+    }
+    write("last\n");
+    ends.readAvailable();
+    EXPECT_EQ(ends.arrived(), written + 5);
+    EXPECT_LE(mostKept, 1U << 24U);
+    const Data kept = ends.takeData();
+    const std::string_view bytes = kept.bytes();
+    EXPECT_TRUE(bytes.starts_with("first\na line"));
+    EXPECT_TRUE(bytes.ends_with("middle\nlast\n"));
+    EXPECT_LE(kept.size(), 1U << 23U);
+    EXPECT_GE(kept.size(), (1U << 23U) - 10000);
+    EXPECT_EQ((kept.size() - 11) % std::string_view("a line in the middle\n").size(), 0U)
+        << "cut between lines";
 }
 
 TEST_F(CapturedStreamTest, AClosedPipeWasNotHeldOpen) {

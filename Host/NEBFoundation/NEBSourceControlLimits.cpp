@@ -46,9 +46,9 @@ NEBSourceControlError NEBSourceControlExceededLimitError(ChildLimit limit,
             return errorOfClass(NEBSourceControlTimedOutErrorClass,
                                 ended + "nothing for " + secondsText(*limits.silence) + ".");
         case ChildLimit::outputBytes:
-            return errorOfClass(
-                NEBSourceControlOutputTooLargeErrorClass,
-                ended + "more than " + std::to_string(*limits.outputBytes) + " bytes.");
+            return errorOfClass(NEBSourceControlOutputTooLargeErrorClass,
+                                ended + "more than " + std::to_string(*limits.outputBytes) +
+                                    (*limits.outputBytes == 1 ? " byte." : " bytes."));
         case ChildLimit::total:
             break;
     }

@@ -38,6 +38,10 @@ TEST_F(Limits, TheErrorNamesTheLimit) {
          {.outputBytes = 5000},
          NEBSourceControlOutputTooLargeErrorClass,
          "\"/bin/sh\" was ended because it wrote more than 5000 bytes."},
+        {"exec yes",
+         {.outputBytes = 1},
+         NEBSourceControlOutputTooLargeErrorClass,
+         "\"/bin/sh\" was ended because it wrote more than 1 byte."},
     };
     for (const Row& row : rows) {
         const auto operation = script(row.script);

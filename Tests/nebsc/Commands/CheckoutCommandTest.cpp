@@ -38,6 +38,10 @@ TEST_F(CheckoutCommand, SwitchesToABranchFromAnyFolder) {
     expectDone(nebsc({"checkout", "topic"}), "Now on branch 'topic'.\n");
     repository.git({"branch", "zwölf/日"});
     expectDone(nebsc({"checkout", "zwölf/日"}), "Now on branch 'zwölf/日'.\n");
+    repository.git({"tag", "topic"});
+    const NebscOutcome ambiguous = nebsc({"checkout", "topic"});
+    EXPECT_EQ(ambiguous.output, "Now on branch 'topic'.\n");
+    EXPECT_EQ(ambiguous.exitStatus, 0);
 }
 
 TEST_F(CheckoutCommand, KeepsLocalChanges) {

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "CommandFrame/BranchQueries.h"
 #include "CommandFrame/BrokenReference.h"
 #include "CommandFrame/Requests.h"
 #include "CommandLine/UsageError.h"
@@ -204,8 +205,7 @@ std::optional<CommandOutput> refusalWithoutCommits(const GitQueries& git) {
     if (const auto broken = brokenReference(git, "HEAD")) {
         return failureWith(*broken);
     }
-    const std::string branch =
-        git.outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"}).value_or("HEAD");
+    const std::string branch = currentBranch(git).value_or("HEAD");
     return refusal("The current branch " + inQuotes(branch) + " does not have any commits yet.",
                    exitFailed, NEBSourceControlNoCommitsYetErrorClass);
 }

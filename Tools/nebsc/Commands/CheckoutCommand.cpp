@@ -133,8 +133,9 @@ std::shared_ptr<NEBSourceControlRequest> CheckoutTask::makeRequest() {
 }
 
 std::string CheckoutTask::locationText() {
-    if (const auto name = git().outputOf({"symbolic-ref", "--quiet", "--short", "HEAD"})) {
-        return "Now on branch " + printable(inQuotes(*name)) + ".\n";
+    if (const auto reference = git().outputOf({"symbolic-ref", "--quiet", "HEAD"})) {
+        const std::string name = withoutPrefix(*reference, localBranchPrefix);
+        return "Now on branch " + printable(inQuotes(name)) + ".\n";
     }
     const auto commit = git().headCommit();
     return commit ? "HEAD is now detached at " + printable(*commit) + ".\n" : "";

@@ -16,7 +16,7 @@ function(neb_foreign_module name)
 endfunction()
 
 # Modes of libstdc++. That of libc++ needs a library that was built with it.
-if(NOT NEB_LIBCXX)
+if(NOT NEB_LIBCXX AND NOT NEB_MUSL)
     neb_foreign_module(DebugMode -D_GLIBCXX_DEBUG)
     neb_foreign_module(OldStrings -D_GLIBCXX_USE_CXX11_ABI=0)
 endif()
@@ -38,7 +38,7 @@ if(NEB_LIBCXX)
     neb_foreign_module(OtherLibrary)
     set_target_properties(OtherLibrary OtherLibrary-host PROPERTIES
                           COMPILE_OPTIONS "" LINK_OPTIONS "")
-elseif(libcxx AND NOT NEB_SANITIZER)
+elseif(libcxx AND NOT NEB_SANITIZER AND NOT NEB_MUSL)
     # Compiles with either compiler.
     neb_foreign_module(OtherLibrary -nostdinc++ -isystem ${libcxx}/v1)
     target_link_options(OtherLibrary-host PRIVATE -nodefaultlibs)

@@ -19,7 +19,10 @@ namespace {
 
 std::string textOfErrno(int number) {
     std::array<char, 256> buffer{};
-    return textOf(::strerror_r(number, buffer.data(), buffer.size()), buffer.data());
+    const std::string text =
+        textOf(::strerror_r(number, buffer.data(), buffer.size()), buffer.data());
+    // The text of musl for each error that it does not know.
+    return text == "No error information" ? "Unknown error " + std::to_string(number) : text;
 }
 
 }  // namespace neb

@@ -51,7 +51,9 @@ std::size_t childrenOfThisProcess() {
 }
 
 Figures figuresNow() {
+#ifdef __GLIBC__
     ::malloc_trim(0);  // returns free memory to the system, so that only used memory counts
+#endif
     Figures figures{.descriptors = entriesIn("/proc/self/fd"),
                     .threads = entriesIn("/proc/self/task"),
                     .children = childrenOfThisProcess()};

@@ -8,10 +8,12 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <thread>
 
+#include "Platform/ErrnoText.h"
 #include "Support/ChildLaunches.h"
 #include "Support/HygienicTest.h"
 #include "Support/TemporaryFolder.h"
@@ -184,6 +186,9 @@ TEST_F(ChildInheritance, SignalsHaveTheirDefaultDisposition) {
 }
 
 TEST_F(ChildInheritance, NoDescriptorOfTheHostIsInherited) {
+#ifndef __GLIBC__
+    GTEST_SKIP() << "posix_spawn_file_actions_addclosefrom_np exists in glibc only";
+#endif
     const int careless = ::open("/dev/null", O_RDONLY);  // NOLINT: deliberately without O_CLOEXEC
     const ChildOutcome outcome = runOne(program("/bin/ls", {"/proc/self/fd"}));
     ::close(careless);
@@ -269,6 +274,9 @@ TEST_F(ChildFailure, ASignalIsNamed) {
 }
 
 TEST_F(ChildFailure, TooFewDescriptorsAreReportedAndAProcessDescriptorIsNotNeeded) {
+#ifndef __GLIBC__
+    GTEST_SKIP() << "posix_spawn of musl needs two more descriptors";
+#endif
     rlimit original{};
     ::getrlimit(RLIMIT_NOFILE, &original);
     const int next = ::fcntl(0, F_DUPFD_CLOEXEC, 3);
@@ -300,7 +308,7 @@ TEST_F(ChildFailure, AnUnknownEndIsNotASuccess) {
     EXPECT_TRUE(outcome.status.started());
     EXPECT_FALSE(outcome.status.isSuccess());
     EXPECT_EQ(outcome.status.description(),
-              "how it ended could not be learned: No child processes");
+              "how it ended could not be learned: " + textOfErrno(ECHILD));
 }
 
 }  // namespace

@@ -352,10 +352,10 @@ TEST_F(DoctorRepository, IsNotChanged) {
         std::string lines;
         for (const auto& file :
              std::filesystem::recursive_directory_iterator(repository.path(".git"))) {
-            std::ostringstream line;
-            line << file.path().string() << ' '
-                 << file.last_write_time().time_since_epoch().count();
-            lines += line.str() + "\n";
+            // libc++ counts in __int128, which streams do not print.
+            const auto written = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                file.last_write_time().time_since_epoch());
+            lines += file.path().string() + ' ' + std::to_string(written.count()) + '\n';
         }
         return lines;
     };

@@ -99,7 +99,7 @@ TEST_F(ServerFaults, WithoutMemoryForAMessageItGoesOnOrEndsAndLeavesNothingRunni
         std::string(16 * million, 'x') + "\"}}";
     bool wentOn = false;
     bool ended = false;
-    for (const std::size_t megabytes : {65U, 75U, 100U, 140U}) {
+    for (const std::size_t megabytes : {65U, 75U, 100U, 120U}) {
         SCOPED_TRACE(megabytes);
         const LongWork work;
         ServerClient client({work.path(), {"MALLOC_ARENA_MAX", "1"}},

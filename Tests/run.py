@@ -92,8 +92,8 @@ def setting(build, name):
 
 
 def package_jobs(build):
-    """The package; not of a sanitized library, which a plain program cannot link."""
-    if setting(build, "NEB_SANITIZER"):
+    """The package; not of a library with a sanitizer or libc++, which a plain program cannot link."""
+    if setting(build, "NEB_SANITIZER") or setting(build, "NEB_LIBCXX"):
         return
     compiler = setting(build, "CMAKE_CXX_COMPILER")
     yield Job("Interface", [Path(sys.executable), SOURCE / "Package/interface_test.py"], {}, False)

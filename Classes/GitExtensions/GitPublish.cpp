@@ -29,7 +29,7 @@ struct PushLine {
     std::string_view state, from, to, summary;
 };
 
-/// Absent for a line that is not about a reference.
+/// Absent for a line that has not the form of one about a reference.
 std::optional<PushLine> pushLineOf(std::string_view line) {
     if (line.size() < 2 || line[1] != '\t') {
         return std::nullopt;
@@ -47,6 +47,24 @@ std::optional<PushLine> pushLineOf(std::string_view line) {
                     .to = rest.substr(colon + 1, tab - colon - 1),
                     .summary = rest.substr(tab + 1)};
 }
+
+/// Finds the lines of git in the output of git-push(1) with --porcelain. Those for one URL begin
+/// with "To URL" and end with "Done" after a success; the hook before a push prints before them.
+class PushReport {
+public:
+    /// Returns what the next line of the output says about a reference; absent for other lines.
+    std::optional<PushLine> read(std::string_view line) {
+        if (line.starts_with("To ")) {
+            _isOfGit = true;
+        } else if (line == "Done") {
+            _isOfGit = false;
+        }
+        return _isOfGit ? pushLineOf(line) : std::nullopt;
+    }
+
+private:
+    bool _isOfGit = false;
+};
 
 /// Sets both ids of "OLD..NEW" or "OLD...NEW (forced update)". Other summaries have none.
 void setIDs(NEBDictionary& record, const Data& output, std::string_view summary) {
@@ -76,7 +94,7 @@ public:
 protected:
     void parsePiece(const Data& output, std::string_view text,
                     NEBSourceControlResult& records) override {
-        const auto line = pushLineOf(text);
+        const auto line = _report.read(text);
         if (!line) {
             return;
         }
@@ -90,6 +108,9 @@ protected:
             setIDs(record, output, line->summary);
         }
     }
+
+private:
+    PushReport _report;
 };
 
 }  // namespace
@@ -102,8 +123,9 @@ std::unique_ptr<NEBSourceControlRecordParser> GitPushPorcelainOperation::makeRec
 void GitPushPorcelainOperation::parseData() {
     GitChangeOperation::parseData();
     std::string text;
-    forEachLine(data().value_or(Data()).bytes(), [&text](std::string_view piece) {
-        const auto line = pushLineOf(piece);
+    PushReport report;
+    forEachLine(data().value_or(Data()).bytes(), [&](std::string_view piece) {
+        const auto line = report.read(piece);
         if (line && line->state == "rejected") {
             const std::size_t reason = std::min(line->summary.find('('), line->summary.size());
             text.append(" ! ").append(line->summary.substr(0, reason));

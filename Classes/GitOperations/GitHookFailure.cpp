@@ -1,6 +1,7 @@
 #include "GitOperations/GitHookFailure.h"
 
 #include "NEBFoundation/NEBSourceControlErrorClassNames.h"
+#include "NEBFoundation/NEBSourceControlOutputExcerpt.h"
 #include "Platform/Text.h"
 
 namespace neb {
@@ -25,7 +26,7 @@ NEBSourceControlError gitErrorOfHook(const std::string& description, std::string
 }
 
 NEBSourceControlError gitErrorOfPushHook(const Data& output, std::string_view stderrText) {
-    std::string text = textReplacingInvalidBytes(output);
+    std::string text = textReplacingInvalidBytes(NEBSourceControlOutputExcerpt(output.bytes()));
     text += text.empty() || text.ends_with('\n') ? "" : "\n";
     return gitErrorOfHook("A hook of the repository refused the push.", text.append(stderrText));
 }

@@ -22,7 +22,7 @@ namespace neb {
                                                    std::string_view stderrText);
 
 /// Returns the error of a push that the hook before it refused. git lets this hook write to its own
-/// standard output: `output`.
+/// standard output: `output`, of which the error has an excerpt.
 [[nodiscard]] NEBSourceControlError gitErrorOfPushHook(const Data& output,
                                                        std::string_view stderrText);
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Export.h"
+
 namespace neb {
 
 /// The longest text that NEBSourceControlOutputExcerpt() returns unchanged, in bytes. It holds the
@@ -16,6 +18,6 @@ constexpr std::size_t NEBSourceControlLongestMessages = std::size_t{1} << 20U;
 /// half of the length each. A line says that some text is left out. A hook or a server may print
 /// any amount, and git's own messages are at the beginning or at the end. Cuts like endsOf(). Takes
 /// linear time. Thread-safe.
-[[nodiscard]] std::string NEBSourceControlOutputExcerpt(std::string_view text);
+[[nodiscard]] NEB_EXPORT std::string NEBSourceControlOutputExcerpt(std::string_view text);
 
 }  // namespace neb

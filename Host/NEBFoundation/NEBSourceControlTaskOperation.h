@@ -79,8 +79,8 @@ public:
     /// Absent until it has ended.
     [[nodiscard]] const std::optional<Data>& data() const { return _data; }
     void setData(std::optional<Data> data) { _data = std::move(data); }
-    /// The standard error of the child. If parseData() clears it, its text does not become an error
-    /// unless the child failed.
+    /// The standard error of the child; of more than 1 MiB an excerpt. If parseData() clears it,
+    /// its text does not become an error unless the child failed.
     [[nodiscard]] const std::optional<Data>& errorData() const { return _errorData; }
     void setErrorData(std::optional<Data> errorData) { _errorData = std::move(errorData); }
 

@@ -28,7 +28,7 @@ bool CapturedStream::readSome(std::size_t limit) {
     if (count > 0) {
         _data.add(static_cast<std::size_t>(count));
         _arrived += static_cast<std::uint64_t>(count);
-        // Seldom, because the ends are copied.
+        // Twice the limit, so that the ends are copied rarely.
         keepEndsBeyond(2 * longestEnds);
         return true;
     }
@@ -49,6 +49,7 @@ void CapturedStream::keepEndsBeyond(std::size_t limit) {
         kept.add(part.size());
     }
     _data = std::move(kept);
+    _wasCut = true;
 }
 
 Data CapturedStream::takeData() {

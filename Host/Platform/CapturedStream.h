@@ -15,7 +15,7 @@ public:
     /// How much of the data is kept.
     enum class Keeping {
         everything,
-        /// Of more than 8 MiB the beginning and the end, each up to 4 MiB, as endsOf() cuts them.
+        /// Of more than 8 MiB the beginning and the end, each about 4 MiB, as endsOf() cuts them.
         ends
     };
 
@@ -41,6 +41,8 @@ public:
 
     /// The number of bytes that were read, kept or not.
     [[nodiscard]] std::uint64_t arrived() const { return _arrived; }
+    /// Whether some of it was left out. Keeping::ends decides that in takeData().
+    [[nodiscard]] bool wasCut() const { return _wasCut; }
     /// Returns the data so far; of Keeping::ends, perhaps more than is kept. Views of its bytes are
     /// valid until the next read.
     [[nodiscard]] const Data& data() const { return _data.data(); }
@@ -50,13 +52,14 @@ public:
 private:
     /// Reads at most `limit` bytes. Returns false if nothing is available or the data has ended.
     bool readSome(std::size_t limit);
-    /// If there are more than `limit` bytes, keeps the ends alone.
+    /// If there are more than `limit` bytes, keeps only the ends.
     void keepEndsBeyond(std::size_t limit);
 
     FileDescriptor _readEnd;
     Keeping _keeping = Keeping::everything;
     GrowingData _data;
     std::uint64_t _arrived = 0;
+    bool _wasCut = false;
     bool _isDrained = true;
 };
 

@@ -35,11 +35,13 @@ struct ChildOutcome {
     TerminationStatus status;
     /// Standard output of the only child or of the last one of a pipeline. Empty for the others.
     Data output;
-    /// Standard error; of more than 8 MiB the beginning and the end, each up to 4 MiB.
+    /// Standard error; of more than 8 MiB the beginning and the end, each about 4 MiB.
     Data errorOutput;
     /// Whether another process still had a stream of the child open shortly after the child ended.
     /// The outcome has what was written until then.
     bool outputWasHeldOpen = false;
+    /// Whether some of the standard error was left out.
+    bool errorOutputWasCut = false;
     /// The limit that this child exceeded, because of which the run was ended. Of the children of a
     /// pipeline, it is the one that wrote most when the output became too large, or the first one
     /// that still ran at the end of the time. Absent in all other outcomes.

@@ -181,10 +181,12 @@ bool PipelineChild::killHoldersOfOutput() {
 }
 
 ChildOutcome PipelineChild::takeOutcome() {
+    Data errors = errorOutput.takeData();
     return {.status = _status,
             .output = output.takeData(),
-            .errorOutput = errorOutput.takeData(),
+            .errorOutput = std::move(errors),
             .outputWasHeldOpen = _outputWasHeldOpen,
+            .errorOutputWasCut = errorOutput.wasCut(),
             .duration = _endMoment - _startMoment};
 }
 

@@ -175,8 +175,7 @@ TEST_F(ResourceFaults, MuchOnBothStreamsTakesMemoryForTheOutputAlone) {
     EXPECT_EQ(outcome.output.size(), output);
     EXPECT_EQ(outcome.errorOutput.size(), 1U << 23U) << "the beginning and the end";
     if (!hasSanitizer) {
-        // A text that grows is in memory twice while it is moved.
-        const std::size_t most = 2 * output / 1024 + 65536;
+        const std::size_t most = output / 1024 + 65536;
         EXPECT_LT(memoryFigure("VmHWM") - before, most);
     }
 }

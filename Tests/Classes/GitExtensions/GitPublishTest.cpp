@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "Classes/GitExtensions/ChangeRequests.h"
@@ -12,6 +13,7 @@ namespace neb::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 const NEBDictionary pushToOrigin{{NEBSourceControlRequestOptionRemoteName, "origin"},
                                  {NEBSourceControlRequestOptionBranch, "main"}};
@@ -45,6 +47,12 @@ protected:
     [[nodiscard]] std::string there(const std::string& name) const {
         return git({"-C", folder.path("there.git"), "rev-parse", "--verify", name});
     }
+    /// Writes the hook that runs before a push.
+    void writeHook(const std::string& script) const {
+        repository.write(".git/hooks/pre-push", "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(repository.path(".git/hooks/pre-push"),
+                                     std::filesystem::perms::owner_all);
+    }
     /// Pushes a commit from elsewhere.
     void pushFromElsewhere() const {
         const TestRepository other(folder.path("there.git"));
@@ -56,11 +64,26 @@ protected:
     TemporaryFolder folder;
 };
 
+TEST_F(Publish, WhatTheHookPrintsIsNoResult) {
+    const std::string line = R"(printf '!\tsrc:dst\tweird\n')";
+    writeHook(line);
+    const Operation done = published(pushToOrigin);
+    EXPECT_EQ(done->error(), std::nullopt);
+    ASSERT_EQ(done->result()->size(), 1U);
+    EXPECT_EQ(done->result()->front().value(NEBSourceControlOperationNameKey), "refs/heads/main");
+    writeHook(line + "; yes | head -c 4000000; echo stop; exit 1");
+    repository.commitFile("a.c", "2");
+    const Operation refused = published(pushToOrigin);
+    EXPECT_THAT(refused->error(), HasErrorClass(NEBSourceControlLocalHookRefusedErrorClass));
+    EXPECT_LE(refused->error()->text->size(), 2U << 20U);
+    EXPECT_THAT(*refused->error()->text, HasSubstr("\ny\nstop\nerror: failed to push"));
+}
+
 TEST_F(Publish, ParserLeavesOutIncompleteIds) {
     for (const char* summary : {"..", "...", "a..", "..b", "a", ""}) {
         const auto records = recordsOf<GitPublishTestParser>(
             requestFor(NEBSourceControlRequestPublish, "/w"),
-            std::string(" \tmain:refs/heads/main\t") + summary + "\n");
+            std::string("To /there\n \tmain:refs/heads/main\t") + summary + "\nDone\n");
         EXPECT_EQ(records,
                   NEBSourceControlResult({{{NEBSourceControlOperationNameKey, "refs/heads/main"},
                                            {NEBSourceControlOperationSourceKey, "main"},

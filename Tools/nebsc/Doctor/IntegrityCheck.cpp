@@ -52,7 +52,8 @@ void checkIntegrity(Examination& examination) {
     }
     if (messages.size() > mostFindings) {
         examination.add(hasFailed ? Health::problem : Health::note, subject,
-                        "and " + std::to_string(messages.size() - mostFindings) + " more",
+                        (outcome.errorOutputWasCut ? "and at least " : "and ") +
+                            std::to_string(messages.size() - mostFindings) + " more",
                         "'git fsck --full' prints all of them.");
     }
     if (!outcome.status.exitStatus()) {

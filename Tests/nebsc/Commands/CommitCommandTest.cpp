@@ -192,8 +192,10 @@ TEST_F(CommitCommand, ReportsNoCommitThatGitDidNotMake) {
     const std::string before = latest("%H");
     const StandInGit git(repository.path(), "exit 0");
     const char* message =
-        "nebsc: git reported success, but made no commit\n"
-        "Check with 'git --version' that git is the program you expect.\n";
+        "nebsc: git reported success, but HEAD names the same commit as before\n"
+        "'git reflog' shows whether a hook has moved it. If not, check with 'git --version' that "
+        "git is "
+        "the program you expect.\n";
     expectFailed(nebsc({"commit", "-m", "x"}, git), message);
     const auto json = nebsc({"commit", "--json", "-m", "x"}, git).json();
     EXPECT_EQ(json["error"]["class"], "unknown");

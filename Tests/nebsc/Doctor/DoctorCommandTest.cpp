@@ -1,6 +1,7 @@
 // `nebsc doctor`, run as a program.
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -205,6 +206,21 @@ TEST_F(DoctorCommand, AGitThatHangsIsEndedAfterTheTimeLimit) {
               HasSubstr("ok       HEAD commit"));
     EXPECT_THAT(doctor.outcome().output, timedOut);
     EXPECT_THAT(endlessDoctor.outcome().output, timedOut);
+}
+
+TEST_F(DoctorCommand, AnIndexThatIsANamedPipeDoesNotBlock) {
+    ASSERT_EQ(::mkfifo(repository.path(".git/index").c_str(), 0600), 0);
+    const auto json = nebsc({"doctor", "--json", "--timeout", "20"}).json();
+    EXPECT_NE(json["findings"].size(), 0U) << json;
+}
+
+TEST_F(DoctorCommand, AMissingWorkingCopyIsAProblem) {
+    repository.git({"config", "core.worktree", "/nonexistent"});
+    const auto found = findings("repository");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]["health"], "problem");
+    EXPECT_EQ(found[0]["text"], "the working copy /nonexistent is not a folder");
+    EXPECT_THAT(found[0]["advice"].get<std::string>(), HasSubstr("core.worktree"));
 }
 
 TEST_F(DoctorCommand, UnreadableSettingsAreAProblemAndSkipTheChecksThatNeedThem) {

@@ -170,8 +170,11 @@ void CommitTask::finish(Outcome& outcome) {
     if (isUnchanged) {
         outcome.result.reset();
         outcome.error = NEBSourceControlError::withDescription(
-            NEBSourceControlGenericError, "git reported success, but made no commit.",
-            "Check with \"git --version\" that git is the program you expect.");
+            NEBSourceControlGenericError,
+            "git reported success, but HEAD names the same commit as before.",
+            "'git reflog' shows whether a hook has moved it. If not, check with \"git --version\" "
+            "that "
+            "git is the program you expect.");
         outcome.error->errorClass = NEBSourceControlUnknownErrorClass;
     }
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Doctor/SecureHash.h"
+#include "Session/Paths.h"
 
 namespace neb::nebsc {
 
@@ -67,6 +68,9 @@ bool hasIntactHash(std::string_view bytes) {
 }
 
 std::optional<std::string> indexBytesAt(const std::string& path) {
+    if (!isRegularFile(path)) {
+        return std::nullopt;
+    }
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : 0;
     std::string bytes(static_cast<std::size_t>(std::max<std::streamoff>(size, 0)), '\0');

@@ -69,10 +69,17 @@ void checkRepository(Examination& examination) {
                               .value_or(layout.gitFolder);
     layout.workingCopy =
         trimmedOutputOf(examination.query({"rev-parse", "--show-toplevel"})).value_or("");
-    examination.add(Health::ok, "repository",
-                    layout.workingCopy.empty()
-                        ? layout.gitFolder + ", without a working copy"
-                        : "working copy " + layout.workingCopy + ", whose owner git trusts");
+    if (!layout.workingCopy.empty() && !isFolder(layout.workingCopy)) {
+        examination.add(
+            Health::problem, "repository",
+            "the working copy " + layout.workingCopy + " is not a folder",
+            "'git config --show-origin core.worktree' shows the setting that names it.");
+    } else {
+        examination.add(Health::ok, "repository",
+                        layout.workingCopy.empty()
+                            ? layout.gitFolder + ", without a working copy"
+                            : "working copy " + layout.workingCopy + ", whose owner git trusts");
+    }
     examination.repository = std::move(layout);
 }
 

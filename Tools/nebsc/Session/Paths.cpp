@@ -52,6 +52,11 @@ bool isAnythingAt(const std::string& path) {
     return fs::exists(fs::symlink_status(path, ignored));
 }
 
+bool isRegularFile(const std::string& path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored);
+}
+
 bool isFolder(const std::string& path) {
     std::error_code ignored;
     return fs::is_directory(fs::status(path, ignored));

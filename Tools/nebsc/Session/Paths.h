@@ -25,6 +25,10 @@ struct PathSearch {
 /// Returns whether anything exists at the path, including a dangling symbolic link.
 [[nodiscard]] bool isAnythingAt(const std::string& path);
 
+/// Returns whether the path is a regular file or a symbolic link to one. Opening another one, such
+/// as a named pipe, could block forever.
+[[nodiscard]] bool isRegularFile(const std::string& path);
+
 /// Returns whether the path is a folder or a symbolic link to one.
 [[nodiscard]] bool isFolder(const std::string& path);
 

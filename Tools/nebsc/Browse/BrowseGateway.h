@@ -22,6 +22,7 @@ public:
         Interruption& interruption;
         /// The top of the working copy, or a bare repository; absolute.
         std::string location;
+        /// Whether that is a git directory without a working copy.
         bool isBare = false;
         /// Whether to go on when no page is open.
         bool stays = false;

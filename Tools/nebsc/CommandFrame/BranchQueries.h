@@ -14,6 +14,8 @@ namespace neb::nebsc {
 
 /// What the full name of a local branch begins with.
 inline constexpr std::string_view localBranchPrefix = "refs/heads/";
+/// What the full name of a remote-tracking branch begins with.
+inline constexpr std::string_view remoteBranchPrefix = "refs/remotes/";
 
 /// Returns the text without the prefix, if it begins with that.
 [[nodiscard]] std::string withoutPrefix(const std::string& text, std::string_view prefix);

@@ -13,7 +13,6 @@ namespace {
 
 constexpr NameKeys sourceKeys{NEBSourceControlOperationSourceKey,
                               NEBSourceControlOperationSourceBytesKey};
-constexpr std::string_view remoteBranchPrefix = "refs/remotes/";
 
 /// Changes a branch and reports what became of it.
 class BranchChangeTask : public CommandTask {

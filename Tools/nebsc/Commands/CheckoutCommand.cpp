@@ -132,6 +132,7 @@ std::shared_ptr<NEBSourceControlRequest> CheckoutTask::makeRequest() {
     return request;
 }
 
+/// currentBranch() may have been asked before the checkout.
 std::string CheckoutTask::locationText() {
     if (const auto reference = git().outputOf({"symbolic-ref", "--quiet", "HEAD"})) {
         const std::string name = withoutPrefix(*reference, localBranchPrefix);

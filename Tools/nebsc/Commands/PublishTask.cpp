@@ -173,10 +173,12 @@ void PublishTask::report(const Outcome& outcome, CommandOutput& output) {
         output.standardOutput += tableLines(STDOUT_FILENO, rows);
     }
     if (setsUpstream() && !arguments().has(pushDryRunFlag)) {
-        const auto upstream = git().outputOf(
-            {"rev-parse", "--abbrev-ref", (_local.empty() ? "HEAD" : _local) + "@{upstream}"});
+        const auto upstream = git().outputOf({"rev-parse", "--symbolic-full-name",
+                                              (_local.empty() ? "HEAD" : _local) + "@{upstream}"});
+        const std::string name = withoutPrefix(
+            withoutPrefix(upstream.value_or(""), localBranchPrefix), remoteBranchPrefix);
         output.standardOutput +=
-            upstream ? "The upstream branch is " + printable(inQuotes(*upstream)) + ".\n" : "";
+            upstream ? "The upstream branch is " + printable(inQuotes(name)) + ".\n" : "";
     }
 }
 

@@ -20,8 +20,13 @@ export function breadcrumbs(revision, path) {
     return element("nav.path", { "aria-label": "Folder" }, element("a", { href: address("tree", [tree]) }, shortRevision(tree)), links);
 }
 
+/** Whether the revision is the full id of an object. */
+export function isObjectID(revision) {
+    return /^[0-9a-f]{40,64}$/.test(textOf(revision));
+}
+
 /** Returns a revision as a reader writes it: 12 characters of an id, a branch without "refs/heads/". */
 export function shortRevision(revision) {
     const text = visible(textOf(revision));
-    return /^[0-9a-f]{40,64}$/.test(text) ? text.slice(0, 12) : text.replace(/^refs\/(heads|remotes|tags)\//, "");
+    return isObjectID(revision) ? text.slice(0, 12) : text.replace(/^refs\/(heads|remotes|tags)\//, "");
 }

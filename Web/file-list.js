@@ -25,7 +25,8 @@ export class FileList {
         this.node = element("div.files", {});
         this.more = element("button", { type: "button", click: () => this.#showMore() });
         this.#showMore();
-        if (opens) this.#openFirst();
+        /** Resolves when the files are unfolded that open by themselves. */
+        this.opened = opens ? this.#openFirst() : Promise.resolve();
     }
 
     #showMore() {
@@ -56,6 +57,17 @@ export class FileList {
 
     async open(sections) {
         sections.forEach((section) => section.wait());
+        await this.#fill(sections);
+    }
+
+    /** Reads the changes of the open files again, and draws those that differ; those of other files when they are opened. */
+    async refresh() {
+        this.sections.filter((section) => !section.isOpen).forEach((section) => section.forget());
+        await this.#fill(this.sections.filter((section) => section.isOpen));
+    }
+
+    async #fill(sections) {
+        if (sections.length === 0) return;
         try {
             const changes = await this.load(sections.map((section) => section.file));
             for (const section of sections) {
@@ -131,10 +143,11 @@ class FileSection {
         this.node.scrollIntoView({ block: "start" });
     }
 
-    toggle() {
+    /** Returns a promise of the end of the change. */
+    async toggle() {
         if (this.isOpen) this.#setOpen(false);
         else if (this.#changes) this.#setOpen(true);
-        else this.list.open([this]);
+        else await this.list.open([this]);
     }
 
     #setOpen(isOpen) {
@@ -143,18 +156,26 @@ class FileSection {
         this.button.setAttribute("aria-expanded", isOpen);
     }
 
+    forget() {
+        this.#changes = null;
+    }
+
     wait() {
         this.#setOpen(true);
+        this.forget();
         show(this.body, element("p.remark", {}, "Loading…"));
     }
 
     fail(error) {
+        this.forget();
         show(this.body, errorElement(error));
     }
 
+    /** Draws the changes if they are not on the screen already; an image may differ without a difference here. */
     fill(changes) {
+        const isShown = JSON.stringify(changes) === JSON.stringify(this.#changes);
         this.#changes = changes;
-        this.redraw();
+        if (!isShown || imageType(nameIn(this.file, "path"))) this.redraw();
     }
 
     redraw() {

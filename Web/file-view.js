@@ -1,19 +1,19 @@
 // A file at a revision, with the commit of each line beside it.
-import { breadcrumbs, shortRevision } from "./breadcrumbs.js";
+import { breadcrumbs, isObjectID, shortRevision } from "./breadcrumbs.js";
 import { element, show, visible } from "./elements.js";
 import { errorElement } from "./errors.js";
 import { imageFigure, imageType } from "./images.js";
-import { contentBytes, nameIn, record, request, splitPath, Type } from "./records.js";
-import { address, textOf } from "./route.js";
 import { readingLatest } from "./latest.js";
 import { lazyLines, lineElement } from "./lines.js";
+import { contentBytes, nameIn, record, request, splitPath, Type } from "./records.js";
+import { address, textOf } from "./route.js";
 import { dateTime, fullTime } from "./time.js";
 
 const MAX_BYTES = 20 << 20;
 /** A file with a NUL among so many bytes or characters is binary, as in git. */
 const BINARY_LENGTH = 8000;
-/** So often, in lines, the commit is named again beside a long run of its lines. */
-const REPEATED = 20;
+/** The commit of a long run of lines is named again after so many lines. */
+const LINES_PER_NAME = 20;
 
 /** The revision "" is the working copy. */
 export function openFile(app, [revision, path], values) {
@@ -26,6 +26,9 @@ class FileView {
     #cells = new Map();
     /** The records of the lines on the screen; empty without lines. */
     #shown = "";
+    /** The content of the file at a revision on the screen; null without one. */
+    #text = null;
+    #hasScrolledToLine = false;
     #load = readingLatest(() => this.#read());
 
     constructor(app, revision, path, values) {
@@ -50,7 +53,8 @@ class FileView {
     }
 
     changed(changes) {
-        if (this.revision === "" && (changes.includes("workingTree") || changes.includes("head"))) this.#load();
+        const followed = this.revision === "" ? ["workingTree", "head"] : isObjectID(this.revision) ? [] : ["head", "references"];
+        if (followed.some((change) => changes.includes(change))) this.#load();
     }
 
     async #read() {
@@ -59,6 +63,7 @@ class FileView {
             else await this.#loadContent();
         } catch (error) {
             this.#shown = "";
+            this.#text = null;
             show(this.status);
             show(this.body, errorElement(error));
         }
@@ -66,7 +71,7 @@ class FileView {
 
     async #loadContent() {
         const { app, revision, path } = this;
-        if (imageType(path)) show(this.body, await imageFigure(app, path, { revision }, shortRevision(revision)));
+        if (imageType(path)) await this.#showImage(imageFigure(app, path, { revision }, shortRevision(revision)));
         const { result } = await app.connection.perform(request(Type.content,
             { startingRevision: revision, files: [path], limits: { outputBytes: MAX_BYTES } }));
         const bytes = contentBytes(record(result)[0]);
@@ -74,19 +79,32 @@ class FileView {
             if (!imageType(path)) show(this.body, element("p.remark", {}, `A binary file of ${bytes.length.toLocaleString("en")} bytes.`));
             return;
         }
-        const lines = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes).split("\n");
+        const text = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes);
+        const lines = text.split("\n");
         if (lines[lines.length - 1] === "") lines.pop();
-        this.#showLines(lines);
+        if (text !== this.#text) {
+            this.#shown = "";
+            this.#groups = [];
+            this.#showLines(lines);
+        }
+        this.#text = text;
         if (lines.length) await this.#loadBlame();
     }
 
     async #loadWorkingCopy() {
         const { app, path } = this;
-        if (imageType(path)) {
-            show(this.body, await imageFigure(app, path, { isWorkingCopy: true }, "Working copy").catch(errorElement));
-            this.#shown = "";
-        }
+        if (imageType(path)) await this.#showImage(imageFigure(app, path, { isWorkingCopy: true }, "Working copy").catch(errorElement));
         await this.#loadBlame();
+    }
+
+    /** Shows the image instead of an older one, or of everything. */
+    async #showImage(image) {
+        const figure = await image;
+        const old = this.body.querySelector("figure");
+        if (old) return old.replaceWith(figure);
+        this.#shown = "";
+        this.#text = null;
+        return show(this.body, figure);
     }
 
     /** Reads the commits of the lines; of the working copy also the lines. */
@@ -126,6 +144,8 @@ class FileView {
         if (!chosen) return undefined;
         const node = lineElement(list, Math.min(chosen, lines.length) - 1);
         node?.classList.add("chosen");
+        if (this.#hasScrolledToLine) return undefined;
+        this.#hasScrolledToLine = true;
         requestAnimationFrame(() => node?.scrollIntoView({ block: "center" }));
         return undefined;
     }
@@ -145,9 +165,10 @@ class FileView {
         const entry = this.#groups[index];
         if (!entry) return;
         const [group, offset] = entry;
+        show(cell);
         cell.classList.toggle("odd", group.isOdd);
-        if (offset % REPEATED > 0) return;
         cell.classList.toggle("first", offset === 0);
+        if (offset % LINES_PER_NAME > 0) return;
         if (group.isUncommitted) return void show(cell, element("span.uncommitted", {}, "Not committed"));
         const file = nameIn(group, "originalPath");
         const title = `${group.objectID.slice(0, 12)} ${visible(group.author ?? "")}, ${fullTime(group.authorTime, group.authorTimeOffset)}\n${visible(group.subject ?? "")}`;

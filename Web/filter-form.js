@@ -8,7 +8,7 @@ const MAX_REFERENCES = 1000;
 
 /**
  * Returns {node, focus, refresh} for the values of an address; submitting it goes to another address. `refresh()` reads the
- * references again, and resolves to whether one has changed since they were read before.
+ * references for the list of branches, and resolves to their names and objects, as one text; empty if they cannot be read.
  */
 export function filterForm(app, values) {
     const kind = element("select", { "aria-label": "Search in" },
@@ -22,13 +22,7 @@ export function filterForm(app, values) {
     const until = input("date", "Until", values.until, { title: "Until" });
     const branch = element("select", { "aria-label": "Branch" });
     const names = new Map();
-    let reading = null;
-    const refresh = async () => {
-        const before = reading;
-        reading = fillBranches(app, branch, names, values.branch).then(JSON.stringify);
-        const [one, other] = await Promise.all([before, reading]);
-        return before !== null && one !== other;
-    };
+    const refresh = () => fillBranches(app, branch, names, values.branch);
     const go = (event) => {
         event?.preventDefault();
         const isSamePath = path.value === (values.path ? textOf(values.path) : "");
@@ -45,13 +39,11 @@ export function filterForm(app, values) {
         element("div.fields", {}, path, element("label", {}, "since ", since), element("label", {}, "until ", until)));
     const clear = given || isFiltered || values.branch
         ? element("a.button", { href: address("log") }, "Clear") : null;
-    refresh();
     const node = element("form.filters", { role: "search", submit: go, "aria-label": "Search in the history" },
         branch, element("span.search", {}, kind, text), element("button", { type: "submit" }, "Search"), more, clear);
     return { node, refresh, focus: () => text.select() };
 }
 
-/** Returns the records of the references; null if they cannot be read. */
 async function fillBranches(app, select, names, chosen) {
     const chosenText = chosen ? textOf(chosen) : "";
     const option = (value, label) => element("option", { value, selected: value === chosenText }, label);
@@ -70,9 +62,9 @@ async function fillBranches(app, select, names, chosen) {
         const label = { branch: "Branches", remote: "Remote branches", tag: "Tags", other: "Other" };
         fill(Object.keys(groups).filter((kind) => groups[kind].length)
             .map((kind) => element("optgroup", { label: label[kind] }, groups[kind])));
-        return result;
+        return record(result).map(({ name, objectID }) => `${name} ${objectID}`).join("\n");
     } catch {
         // The list of commits reports the same error.
-        return null;
+        return "";
     }
 }

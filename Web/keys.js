@@ -19,6 +19,11 @@ const signs = [
 ];
 const goTo = { h: ["log", []], f: ["tree", ["HEAD"]], b: ["branches", []], c: ["changes", []] };
 
+/** Whether the repository has the view that the key after "g" opens. */
+function canGo(app, key) {
+    return key !== "c" || !app.repository?.isBare;
+}
+
 /** Listens to keys; those of the view come first. */
 export function installKeys(app) {
     let waitsForGo = false;
@@ -31,7 +36,7 @@ export function installKeys(app) {
         }
         const wasGo = waitsForGo;
         waitsForGo = false;
-        if (wasGo && event.key in goTo) location.hash = address(...goTo[event.key]);
+        if (wasGo && event.key in goTo && canGo(app, event.key)) location.hash = address(...goTo[event.key]);
         else if (event.key === "g") waitsForGo = true;
         else if (event.key === "?") showHelp(app);
         else if (app.view?.keys?.[event.key]) app.view.keys[event.key]();
@@ -51,7 +56,7 @@ export function showHelp(app) {
     const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => closed() },
         element("h2", { id: "help-title" }, "Help"),
         element("p", {}, "The page shows the repository as it is, follows its changes, and changes nothing."),
-        table("Keys everywhere", general), table("Keys in lists", inList), table("Keys in changes", inDiff), table("Signs", signs), close);
+        table("Keys everywhere", general.filter(([keys]) => canGo(app, keys.slice(2)))), table("Keys in lists", inList), table("Keys in changes", inDiff), table("Signs", signs), close);
     const closed = () => {
         dialog.remove();
         // What had the focus is gone if another view was opened meanwhile.

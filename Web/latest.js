@@ -1,8 +1,8 @@
-// Reading what may change meanwhile.
+// Repeats a read whose result may be outdated.
 
 /**
- * Returns a function that calls `read`, an asynchronous function that does not throw, never twice at the same time: a call
- * during another one lets it read once more at its end, so that what was read last is the latest state.
+ * Returns a function that calls `read`, an asynchronous function that does not throw. Calls of `read` never overlap: a call
+ * during a read makes it read once more, so that what was read last is the latest state.
  */
 export function readingLatest(read) {
     let isReading = false;

@@ -5,7 +5,7 @@ import { errorElement } from "./errors.js";
 import { filterForm } from "./filter-form.js";
 import { Graph } from "./graph.js";
 import { History } from "./history.js";
-import { request, Type } from "./records.js";
+import { record, request, Type } from "./records.js";
 import { address, textOf } from "./route.js";
 import { VirtualList } from "./virtual-list.js";
 
@@ -41,6 +41,7 @@ export function openLog(app, segments, values) {
 
 class LogView {
     #withLanes;
+    #tips;
 
     constructor(app, values) {
         this.app = app;
@@ -66,6 +67,7 @@ class LogView {
             element("h1.hidden", {}, visible(this.title)), this.form.node, this.problem, this.list.node, this.status);
         this.keys = { "/": () => this.form.focus(), u: () => { location.hash = address("log"); } };
         this.#read();
+        this.#tips = this.#readTips();
     }
 
     focus() {
@@ -83,17 +85,31 @@ class LogView {
         this.list.close();
     }
 
-    /** Reads the list again if the reader sees its top; otherwise offers to. */
     changed(changes) {
         if (!changes.includes("head") && !changes.includes("references")) return;
-        this.form.refresh();
-        if (this.list.top < ROW_HEIGHT && this.list.current <= 0) this.#read();
-        else this.#notify();
+        this.#tips = this.#readTips();
+        this.#readOrNotify();
     }
 
-    /** Does what changed() does if a reference is not as it was when the list was read. */
+    /** Does what changed() does if HEAD or a reference is not as it was when the list was read. */
     async check() {
-        if (await this.form.refresh()) this.changed(["references"]);
+        const before = this.#tips;
+        this.#tips = this.#readTips();
+        const [one, other] = await Promise.all([before, this.#tips]);
+        if (one !== other) this.#readOrNotify();
+    }
+
+    /** Returns a promise of the commits that the list can begin with, as a text. */
+    async #readTips() {
+        const head = this.app.connection.perform({ ...request(Type.history, {}, { LogOutputLimit: 1 }), background: true })
+            .then(({ result }) => record(result)[0]?.objectID, () => "");
+        return (await Promise.all([head, this.form.refresh()])).join("\n");
+    }
+
+    /** Reads the list again if the reader sees its top; otherwise offers to. */
+    #readOrNotify() {
+        if (this.list.top < ROW_HEIGHT && this.list.current <= 0) this.#read();
+        else this.#notify();
     }
 
     #notify() {

@@ -111,7 +111,7 @@ function showRepository() {
 /** Follows changes until the connection is lost. Views may have been read before, from another state or repository. */
 async function watch() {
     try {
-        await app.connection.call("watch", { workingTree: true });
+        await app.connection.call("watch", { workingTree: !app.repository?.isBare });
         notice("watch", null);
     } catch (error) {
         if (error.lost) return;
@@ -145,8 +145,6 @@ async function start() {
         main.focus();
     });
     installKeys(app);
-    follow();
-    app.connection.connect();
     addEventListener("hashchange", showAddress);
     try {
         const response = await fetch("/repository");
@@ -156,6 +154,8 @@ async function start() {
     } catch (error) {
         notice("repository", `The repository cannot be shown: ${error.message}`);
     }
+    follow();
+    app.connection.connect();
     showAddress();
 }
 

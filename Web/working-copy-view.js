@@ -73,7 +73,7 @@ class WorkingCopyView {
         try {
             const [state, operation] = await Promise.all([Type.state, Type.operation].map((type) =>
                 this.app.connection.perform({ ...request(type, {}, type === Type.state ? { UntrackedFiles: "all" } : {}), background: true })));
-            this.#show(record(state.result), record(operation.result ?? []));
+            await this.#show(record(state.result), record(operation.result ?? []));
         } catch (error) {
             this.#shown = "";
             show(this.status);
@@ -81,37 +81,47 @@ class WorkingCopyView {
         }
     }
 
-    #show(state, operations) {
+    /** Shows the state; resolves when the files that were unfolded are unfolded again. */
+    async #show(state, operations) {
         const head = state.find((entry) => entry.kind === "head") ?? {};
         const entries = state.filter((entry) => entry.kind !== "head");
         show(this.status, this.#headText(head), operations.filter((entry) => entry.kind !== "conflict").map(operationElement));
         const current = JSON.stringify(entries);
+        if (current === this.#shown) {
+            await Promise.all(this.#lists.map((list) => list.refresh()));
+            return;
+        }
         const opened = this.#openFiles();
         const focused = document.activeElement?.closest?.("section.changed-file, section.group");
         const focusKey = focused && this.node.contains(focused) ? keyOf(focused) : null;
-        const hasChanged = current !== this.#shown;
-        if (!hasChanged && opened.length === 0) return;
         this.#shown = current;
         this.#lists = [];
         this.opens = this.#isFirst && entries.length <= OPEN_FILES;
         this.#isFirst = false;
         const sections = groups.map(([title, stateOf]) => this.#group(title, stateOf, entries)).filter(Boolean);
+        // The reader's place stays while the changes of files are on their way.
+        this.body.style.minHeight = `${this.body.offsetHeight}px`;
         show(this.body, sections.length ? sections : element("p.remark", {}, head.objectID === undefined
             ? "There are no commits yet, and no files to commit." : "Nothing to commit: the working copy is as in the latest commit."));
-        this.#reopen(opened, focusKey);
+        const unfolded = this.#reopen(opened, focusKey);
+        await Promise.all([...unfolded, ...this.#lists.map((list) => list.opened)]);
+        this.body.style.minHeight = "";
     }
 
     #openFiles() {
         return this.#lists.flatMap((list) => list.sections.filter((section) => section.isOpen).map((section) => keyOf(section.node)));
     }
 
+    /** Returns promises of the sections that it unfolds. */
     #reopen(opened, focusKey) {
+        const unfolded = [];
         for (const list of this.#lists) {
             for (const section of list.sections) {
-                if (opened.includes(keyOf(section.node))) section.toggle();
+                if (opened.includes(keyOf(section.node))) unfolded.push(section.toggle());
                 if (keyOf(section.node) === focusKey) section.button.focus({ preventScroll: true });
             }
         }
+        return unfolded;
     }
 
     #headText(head) {

@@ -30,6 +30,16 @@ repositoryTest("a commit is shown that is made before the watch of the first pag
     await row(page, "Third").waitFor();
 });
 
+repositoryTest("a commit without a branch is shown, too", async (page, folder, server) => {
+    git(folder, "checkout", "--quiet", "--detach");
+    const begin = await openBeforeWatch(page, server, "#/log");
+    await row(page, "Second").waitFor();
+    await page.locator("option", { hasText: "main" }).waitFor({ state: "attached" });
+    commit(folder, "Third");
+    begin();
+    await row(page, "Third").waitFor();
+});
+
 repositoryTest("without a change, a reader who has scrolled gets no notice", async (page, folder, server) => {
     const begin = await openBeforeWatch(page, server, "#/log");
     await row(page, "Commit 1000").waitFor();
@@ -76,6 +86,74 @@ repositoryTest("a file is drawn again only if it changes", async (page, folder, 
     assert.equal(await line.evaluate((node) => node.isConnected), false);
 });
 
+repositoryTest("a file of a branch follows the branch", async (page, folder, server) => {
+    await openPage(page, server, "#/file/HEAD/a.txt");
+    await page.locator(".commit-cell.first").nth(1).waitFor();
+    write(folder, "a.txt", "one\n2\nthree\n");
+    commit(folder, "Third");
+    await page.locator(".commit-cell.first").nth(2).waitFor();
+    git(folder, "commit", "--quiet", "--amend", "-m", "Rewritten");
+    await page.locator(`.to-commit[title$="Rewritten"]`).waitFor();
+    assert.equal(await page.locator(".blame .line").count(), 3);
+    assert.equal(await page.locator(".commit-cell.first").count(), 3);
+});
+
+repositoryTest("a file that is unfolded again is shown as it is now", async (page, folder, server) => {
+    await openPage(page, server, "#/changes");
+    const file = page.getByRole("region", { name: "a.txt", exact: true });
+    await file.locator(".diff", { hasText: "three" }).waitFor();
+    await file.locator("button.file").click();
+    await file.locator(".diff").waitFor({ state: "hidden" });
+    write(folder, "a.txt", "four\n");
+    while (await file.locator(".diff:visible", { hasText: "four" }).count() === 0) {
+        if (await file.locator(".diff:visible").count() > 0) await file.locator("button.file").click();
+        await file.locator("button.file").click();
+        await file.locator(".diff:visible").waitFor();
+    }
+}, () => {
+    const folder = makeRepository();
+    write(folder, "a.txt", "one\n");
+    commit(folder, "First");
+    write(folder, "a.txt", "three\n");
+    return folder;
+});
+
+const scrollTop = (page, value) => page.evaluate((to) => {
+    const scroller = document.querySelector("#view article");
+    if (to !== undefined) scroller.scrollTop = to;
+    return scroller.scrollTop;
+}, value);
+const longText = (word) => `${word}\n`.repeat(900);
+const longImage = (word) => `<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8">\n${longText(`<!-- ${word} -->`)}</svg>\n`;
+
+repositoryTest("the place of the reader stays when files change", async (page, folder, server) => {
+    await openPage(page, server, "#/changes");
+    await page.locator(".changed-file .diff").nth(1).waitFor();
+    await scrollTop(page, 9000);
+    write(folder, "other.txt", "other\n");
+    await group(page, "Untracked").waitFor();
+    await page.locator(".changed-file .diff").nth(1).waitFor();
+    assert.equal(await scrollTop(page), 9000);
+    for (const [name, content] of [["long.txt", longText], ["picture.svg", longImage]]) {
+        await openPage(page, server, `#/file//${name}?line=700`);
+        await page.locator(".line.chosen").waitFor();
+        while (await scrollTop(page) < 9000) await page.waitForTimeout(20);
+        await scrollTop(page, 13000);
+        write(folder, name, content("newer"));
+        await page.locator(".line.chosen .code", { hasText: "newer" }).waitFor();
+        assert.equal(await scrollTop(page), 13000, name);
+    }
+}, () => {
+    const folder = makeRepository();
+    for (const word of ["first", "second"]) {
+        write(folder, "a.txt", longText(word));
+        write(folder, "long.txt", longText(word));
+        write(folder, "picture.svg", longImage("only"));
+        if (word === "first") commit(folder, word);
+    }
+    return folder;
+});
+
 repositoryTest("the commit of a long run of lines is named again after twenty lines", async (page, folder, server) => {
     await openPage(page, server, "#/file/HEAD/long.txt");
     const line = page.locator(".blame .line");
@@ -100,6 +178,19 @@ repositoryTest("a bare repository has no changes and no files of a working copy"
     await page.locator(".commit-cell.first").first().waitFor();
     assert.deepEqual(await page.locator("#views a").allTextContents(), ["History", "Files", "Branches"]);
     assert.equal(await page.getByRole("link", { name: "Working copy" }).count(), 0);
+    await page.keyboard.press("g");
+    await page.keyboard.press("c");
+    await page.keyboard.press("?");
+    await page.locator("dialog", { hasText: "g b" }).waitFor();
+    assert.equal(await page.locator("dialog", { hasText: "g c" }).count(), 0);
+    await page.keyboard.press("Escape");
+    await page.keyboard.press("g");
+    await page.keyboard.press("h");
+    await row(page, "First").waitFor();
+    const next = git(folder, "commit-tree", "-p", "HEAD", "-m", "Second", "HEAD^{tree}");
+    git(folder, "update-ref", "HEAD", next);
+    await row(page, "Second").waitFor();
+    assert.equal(await page.locator(".notice").count(), 0);
 }, () => {
     const folder = makeRepository();
     write(folder, "a.txt", "text\n");

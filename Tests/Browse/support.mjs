@@ -126,6 +126,7 @@ export async function startBrowser(options = {}) {
 
 /** Longer than a test takes on a busy machine. */
 export const limit = { timeout: 180_000 };
+/** Longer than a step of a test takes. */
 export const LONGEST_WAIT = 30_000;
 
 /** Makes a repository of the commits "First" and "Second", which change the file a.txt. */

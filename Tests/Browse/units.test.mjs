@@ -4,6 +4,7 @@ import { test } from "node:test";
 
 import { addedLines } from "../../Web/untracked.js";
 import { History } from "../../Web/history.js";
+import { readingLatest } from "../../Web/latest.js";
 import { place, width } from "../../Web/lanes.js";
 import { lineBefore } from "../../Web/diff-lines.js";
 import { record, request, shortReference, splitPath } from "../../Web/records.js";
@@ -175,4 +176,20 @@ test("a long list is packed and unpacked without requestIdleCallback, which WebK
     // The neighbour of its page is unpacked too, perhaps first.
     while (history.row(0) === null) await event("unpacked");
     assert.equal(history.row(0).subject, "0");
+});
+
+test("calls during a read make it read once more", async () => {
+    const ends = [];
+    const read = readingLatest(() => new Promise((resolve) => { ends.push(resolve); }));
+    const whole = read();
+    read();
+    read();
+    assert.equal(ends.length, 1);
+    ends[0]();
+    await new Promise(setImmediate);
+    assert.equal(ends.length, 2);
+    ends[1]();
+    await whole;
+    read();
+    assert.equal(ends.length, 3);
 });

@@ -75,16 +75,18 @@ ChildOutcome runGitProcesses(ChildProcess& process, const Trace& trace,
     };
     std::vector<ChildOutcome> outcomes =
         NEBSourceControlRunChildren(process, launches, {.started = started}, surroundings.limits);
-    ChildOutcome& last = outcomes.back();
+    std::optional<ChildLimit> exceededLimit;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         if (traceNumbers[i]) {
             trace.ended(*traceNumbers[i], outcomes[i].status, outcomes[i].duration);
         }
         if (outcomes[i].exceededLimit) {
-            last.exceededLimit = outcomes[i].exceededLimit;
+            exceededLimit = outcomes[i].exceededLimit;
         }
     }
-    return std::move(last);
+    ChildOutcome last = std::move(outcomes.back());
+    last.exceededLimit = exceededLimit;
+    return last;
 }
 
 std::optional<std::string> trimmedOutputOf(const ChildOutcome& outcome) {

@@ -41,7 +41,10 @@ export function openLog(app, segments, values) {
 
 class LogView {
     #withLanes;
-    #tips;
+    /** A promise of the references as a text. */
+    #references;
+    /** A promise of the first commit of the list; undefined if the list is empty. */
+    #first;
 
     constructor(app, values) {
         this.app = app;
@@ -67,7 +70,7 @@ class LogView {
             element("h1.hidden", {}, visible(this.title)), this.form.node, this.problem, this.list.node, this.status);
         this.keys = { "/": () => this.form.focus(), u: () => { location.hash = address("log"); } };
         this.#read();
-        this.#tips = this.#readTips();
+        this.#references = this.form.refresh();
     }
 
     focus() {
@@ -87,23 +90,24 @@ class LogView {
 
     changed(changes) {
         if (!changes.includes("head") && !changes.includes("references")) return;
-        this.#tips = this.#readTips();
+        this.#references = this.form.refresh();
         this.#readOrNotify();
     }
 
     /** Does what changed() does if HEAD or a reference is not as it was when the list was read. */
     async check() {
-        const before = this.#tips;
-        this.#tips = this.#readTips();
-        const [one, other] = await Promise.all([before, this.#tips]);
-        if (one !== other) this.#readOrNotify();
+        const before = this.#references;
+        this.#references = this.form.refresh();
+        const beginsAtHEAD = !Object.values(this.values).some(Boolean);
+        const [one, other, first, head] = await Promise.all([before, this.#references,
+            ...beginsAtHEAD ? [this.#first, this.#readHEAD()] : []]);
+        if (one !== other || first !== head) this.#readOrNotify();
     }
 
-    /** Returns a promise of the commits that the list can begin with, as a text. */
-    async #readTips() {
-        const head = this.app.connection.perform({ ...request(Type.history, {}, { LogOutputLimit: 1 }), background: true })
-            .then(({ result }) => record(result)[0]?.objectID, () => "");
-        return (await Promise.all([head, this.form.refresh()])).join("\n");
+    /** Returns a promise of the commit of HEAD; undefined without one. */
+    #readHEAD() {
+        return this.app.connection.perform({ ...request(Type.history, {}, { LogOutputLimit: 1 }), background: true })
+            .then(({ result }) => record(result)[0]?.objectID, () => undefined);
     }
 
     /** Reads the list again if the reader sees its top; otherwise offers to. */
@@ -137,6 +141,9 @@ class LogView {
             show(this.problem);
             this.list.refresh();
         };
+        this.#first = new Promise((resolve) => {
+            for (const event of ["rows", "end"]) history.addEventListener(event, () => resolve(history.row(0)?.id), { once: true });
+        });
         history.addEventListener("rows", () => { started(); this.#grow(); });
         history.addEventListener("end", () => { started(); this.#grow(); });
         history.addEventListener("unpacked", () => { if (this.history === history && this.#hasGap) this.#fillGap(); });

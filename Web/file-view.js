@@ -76,6 +76,7 @@ class FileView {
             { startingRevision: revision, files: [path], limits: { outputBytes: MAX_BYTES } }));
         const bytes = contentBytes(record(result)[0]);
         if (bytes.subarray(0, BINARY_LENGTH).includes(0)) {
+            this.#text = null;
             if (!imageType(path)) show(this.body, element("p.remark", {}, `A binary file of ${bytes.length.toLocaleString("en")} bytes.`));
             return;
         }

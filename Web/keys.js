@@ -56,7 +56,8 @@ export function showHelp(app) {
     const dialog = element("dialog", { "aria-labelledby": "help-title", close: () => closed() },
         element("h2", { id: "help-title" }, "Help"),
         element("p", {}, "The page shows the repository as it is, follows its changes, and changes nothing."),
-        table("Keys everywhere", general.filter(([keys]) => canGo(app, keys.slice(2)))), table("Keys in lists", inList), table("Keys in changes", inDiff), table("Signs", signs), close);
+        table("Keys everywhere", general.filter(([keys]) => canGo(app, keys.slice("g ".length)))), table("Keys in lists", inList),
+        table("Keys in changes", inDiff), table("Signs", signs), close);
     const closed = () => {
         dialog.remove();
         // What had the focus is gone if another view was opened meanwhile.

@@ -88,6 +88,11 @@ repositoryTest("a file of a branch follows the branch", async (page, folder, ser
     await page.locator(`.to-commit[title$="Rewritten"]`).waitFor();
     assert.equal(await page.locator(".blame .line").count(), 3);
     assert.equal(await page.locator(".commit-cell.first").count(), 3);
+    write(folder, "a.txt", "\0");
+    commit(folder, "Binary");
+    await page.locator(".remark", { hasText: "A binary file" }).waitFor();
+    git(folder, "reset", "--quiet", "--hard", "HEAD~1");
+    await page.locator(".blame .line").nth(2).waitFor();
 });
 
 repositoryTest("a file that is unfolded again is shown as it is now", async (page, folder, server) => {
